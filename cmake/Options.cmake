@@ -1,0 +1,43 @@
+# One interface target carries the language standard, the warnings and the sanitizers to every other target.
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+option(KORVANE_TIDY "Run clang-tidy beside each compilation of src/" OFF)
+if(KORVANE_TIDY)
+  find_program(CLANG_TIDY NAMES clang-tidy clang-tidy-14 REQUIRED)
+endif()
+
+option(KORVANE_SANITIZE "Address and undefined behaviour sanitizers, without recovery" OFF)
+
+add_library(korvane_options INTERFACE)
+target_compile_features(korvane_options INTERFACE cxx_std_20)
+target_compile_definitions(korvane_options INTERFACE KORVANE_VERSION="${PROJECT_VERSION}")
+target_compile_options(korvane_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+  -Wold-style-cast -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wimplicit-fallthrough)
+# GCC 12 sees overlapping copies in std::string that aren't there (its bug 105329).
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(korvane_options INTERFACE -Wno-restrict)
+endif()
+if(KORVANE_SANITIZE)
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(korvane_options INTERFACE ${sanitizers})
+  target_link_options(korvane_options INTERFACE ${sanitizers})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # The instrumented code makes GCC doubt variables that are set on every path.
+    target_compile_options(korvane_options INTERFACE -Wno-error=maybe-uninitialized)
+  endif()
+endif()
+if(KORVANE_FUZZ)
+  target_compile_options(korvane_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# korvane_tidy(TARGET): clang-tidy on the files of a target, when the preset asks for it. The checks are in .clang-tidy.
+function(korvane_tidy target)
+  if(KORVANE_TIDY)
+    set_target_properties(${target} PROPERTIES CXX_CLANG_TIDY "${CMAKE_SOURCE_DIR}/tools/quiet-clang-tidy;${CLANG_TIDY};--quiet")
+  endif()
+endfunction()

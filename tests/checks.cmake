@@ -1,0 +1,37 @@
+# Tests that are no test programs: the layers, and what must not compile.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+
+add_test(NAME layers.TheTreeKeepsToItsLayers COMMAND ${CMAKE_SOURCE_DIR}/tools/check-layers)
+add_test(NAME layers.AWrongArrowAndACycleAreFound
+  COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_layers_test.py ${CMAKE_SOURCE_DIR})
+
+# korvane_must_not_compile(NAME FOLDER SOURCE EXPECTED): SOURCE, compiled as a file of FOLDER, fails with the text
+# EXPECTED. The same file without KORVANE_WRONG compiles, so that it fails for no other reason.
+function(korvane_must_not_compile name folder source expected)
+  foreach(kind right wrong)
+    set(target ${name}_${kind})
+    add_library(${target} OBJECT EXCLUDE_FROM_ALL ${CMAKE_CURRENT_SOURCE_DIR}/tools/${source})
+    target_link_libraries(${target} PRIVATE ${folder} korvane_options)
+    set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER "" EXPORT_COMPILE_COMMANDS OFF)
+    add_test(NAME layers.${target} COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR} --target ${target})
+    # Two builds in one folder at a time would wait for each other's lock.
+    set_tests_properties(layers.${target} PROPERTIES RESOURCE_LOCK build_folder TIMEOUT 300)
+  endforeach()
+  target_compile_definitions(${name}_wrong PRIVATE KORVANE_WRONG)
+  set_tests_properties(layers.${name}_wrong PROPERTIES PASS_REGULAR_EXPRESSION "${expected}")
+endfunction()
+
+korvane_must_not_compile(PlatformDoesNotSeeTheStore platform includes_store.cpp
+  "store/session.h: No such file or directory")
+korvane_must_not_compile(TagsDoNotSeeTheBuilder tags includes_builder.cpp
+  "builder/make_pages.h: No such file or directory")
+
+# The core has no windows: it configures where Qt cannot be found.
+add_test(NAME layers.TheCoreConfiguresWithoutQt
+  COMMAND ${CMAKE_COMMAND} -S ${CMAKE_SOURCE_DIR} -B ${CMAKE_CURRENT_BINARY_DIR}/without-qt -G ${CMAKE_GENERATOR}
+    -DCMAKE_DISABLE_FIND_PACKAGE_Qt5=ON -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON -DKORVANE_TESTS=OFF)
+
+# The wanted parts of the golden cases, worked out a second time without the program.
+file(GLOB golden_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/build/*.txt)
+add_test(NAME golden.TheWantedPartsAreWhatTheRulesGive
+  COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/derive.py --check ${golden_cases})
