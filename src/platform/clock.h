@@ -1,0 +1,26 @@
+#pragma once
+// Time and chance, behind interfaces so that a test can fix both.
+
+#include <cstdint>
+
+namespace kv {
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  /// Seconds since 1970-01-01 00:00 UTC, with fraction.
+  virtual double now() = 0;
+};
+
+class RandomSource {
+ public:
+  virtual ~RandomSource() = default;
+  /// A whole number from 0 to limit - 1, each equally likely. limit is at least 1.
+  virtual std::uint32_t below(std::uint32_t limit) = 0;
+};
+
+/// The machine's clock, and the operating system's random numbers (fit for a security token).
+Clock& systemClock();
+RandomSource& systemRandom();
+
+}  // namespace kv

@@ -1,0 +1,54 @@
+#pragma once
+// Text in memory is UTF-8; text in the files of a shop is Windows-1252 with CR LF. These routines cross that border
+// and hold the text operations that every folder needs. Case is ignored by Unicode simple case folding.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv {
+
+/// UTF-8 of Windows-1252 bytes. Every one of the 256 bytes survives the round trip: the five codes without a
+/// character (81, 8D, 8F, 90, 9D) become the control characters U+0081 and so on.
+/// Source: the WHATWG Encoding Standard, index windows-1252.
+std::string fromWindows1252(std::string_view bytes);
+
+/// Windows-1252 bytes of UTF-8. A character outside the code page becomes a decimal numeric character reference
+/// ("&#8362;"); a byte that is not UTF-8 becomes "?".
+std::string toWindows1252(std::string_view utf8);
+
+/// Lower case by simple case folding; bytes that are not UTF-8 stay, and so do the micro sign and the two Turkish
+/// letters i, so that the lower case of a Windows-1252 text is one again. Each character gives one character.
+std::string foldCase(std::string_view text);
+/// Whether two texts are equal when case is ignored.
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
+/// Order by folded text: negative, 0, positive.
+int compareIgnoringCase(std::string_view a, std::string_view b);
+bool startsWithIgnoringCase(std::string_view text, std::string_view start);
+bool endsWithIgnoringCase(std::string_view text, std::string_view end);
+/// Position of `what` in `text` from `from` on, ASCII letters compared without case; npos when absent. An empty
+/// `what` is found at once.
+std::size_t findIgnoringCase(std::string_view text, std::string_view what, std::size_t from = 0);
+
+/// Replaces every occurrence, from left to right, not looking again into what it put in. `what` is not empty.
+std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
+
+/// Without blanks (U+0020 only) at both ends.
+std::string_view trim(std::string_view text);
+
+/// Lines without their ends (CR LF, LF or CR); an end at the very end of the text opens no further line.
+std::vector<std::string_view> splitLines(std::string_view text);
+
+/// The number of characters of UTF-8 text, and its first `count` of them. A byte that is not UTF-8 counts as one.
+std::size_t characterCount(std::string_view utf8);
+std::string_view firstCharacters(std::string_view utf8, std::size_t count);
+
+/// Pattern of the LIKE operator: "*" any text, "?" one character, "#" one digit, "[abc]", "[a-z]", "[!a-z]" one
+/// character in or out of a list. Case is ignored. An unclosed "[" and an empty list match nothing; "[!]" is the
+/// letter "!" and a hyphen at either end of a list is a hyphen.
+bool matchesLike(std::string_view text, std::string_view pattern);
+/// Pattern of a file name, in which "*" and "?" alone have a meaning. Case is ignored.
+bool matchesWildcard(std::string_view text, std::string_view pattern);
+
+}  // namespace kv

@@ -1,0 +1,12 @@
+#pragma once
+// Where the files of one user belong. For the sources of this folder.
+// Source: freedesktop.org, XDG base directories 0.8.
+
+#include <string>
+
+namespace kv {
+
+/// The folder that the environment variable names, when it is an absolute path; else `below` in the home folder.
+std::string userFolder(const char* variable, const std::string& below);
+
+}  // namespace kv

@@ -1,0 +1,161 @@
+// The settings of one user, in a file and in memory.
+#include "platform/settings.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/files.h"
+#include "support/temp_folder.h"
+
+namespace kv {
+namespace {
+
+using test::TempFolder;
+
+TEST(FileSettings, AMissingFileReadsAsEmptyTexts) {
+  TempFolder folder;
+  EXPECT_EQ(FileSettings(folder / "korvane.ini").get("AppIni", "smartbuild"), "");
+}
+
+TEST(FileSettings, AValueIsStoredAtOnceAndItsFolderMade) {
+  TempFolder folder;
+  FileSettings settings(folder / "korvane/korvane.ini");
+  ASSERT_TRUE(settings.set("AppIni", "smartbuild", "1"));
+  EXPECT_EQ(settings.get("AppIni", "smartbuild"), "1");
+  EXPECT_EQ(readBytes(folder / "korvane/korvane.ini").value(), "[AppIni]\nsmartbuild=1\n");
+  EXPECT_EQ(FileSettings(folder / "korvane/korvane.ini").get("AppIni", "smartbuild"), "1");
+}
+
+TEST(FileSettings, EveryValueSurvives) {
+  TempFolder folder;
+  const std::string values[] = {
+      "a=b=c", "  blanks  ", "line\r\nline\n", "back\\slash\\n", "\\", "[AppIni]", ";x", "perché €", ""};
+  for (const std::string& value : values) {
+    FileSettings settings(folder / "s.ini");
+    ASSERT_TRUE(settings.set("AppIni", "k", value));
+    ASSERT_TRUE(settings.set("LoadImage", "k", value + "2"));
+    EXPECT_EQ(settings.get("AppIni", "k"), value);
+    EXPECT_EQ(FileSettings(folder / "s.ini").get("AppIni", "k"), value);
+    EXPECT_EQ(FileSettings(folder / "s.ini").get("LoadImage", "k"), value + "2");
+  }
+}
+
+TEST(FileSettings, NamesIgnoreCase) {
+  TempFolder folder;
+  FileSettings settings(folder / "s.ini");
+  ASSERT_TRUE(settings.set("AppIni", "Path", "/a"));
+  ASSERT_TRUE(settings.set("APPINI", "PATH", "/b"));
+  EXPECT_EQ(settings.get("appini", "path"), "/b");
+  EXPECT_EQ(readBytes(folder / "s.ini").value(), "[AppIni]\nPATH=/b\n");
+}
+
+TEST(FileSettings, LinesOfAnotherFormAreKeptAsTheyStand) {
+  TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "s.ini", "; mine\n# x=1\nnonsense\n[AppIni]\nPath = /a\n\n[Other]\nk=v\n"));
+  FileSettings settings(folder / "s.ini");
+  EXPECT_EQ(settings.get("AppIni", "path"), " /a");
+  EXPECT_EQ(settings.get("", "# x"), "");
+  ASSERT_TRUE(settings.set("AppIni", "Times", "3"));
+  EXPECT_EQ(readBytes(folder / "s.ini").value(),
+            "; mine\n# x=1\nnonsense\n[AppIni]\nPath = /a\nTimes=3\n\n[Other]\nk=v\n");
+}
+
+TEST(FileSettings, LineEndsOfAnotherSystemAreUnderstood) {
+  TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "s.ini", "[AppIni]\r\nPath=/a\r\n"));
+  EXPECT_EQ(FileSettings(folder / "s.ini").get("AppIni", "Path"), "/a");
+}
+
+TEST(FileSettings, OfTwoEqualNamesTheFirstCounts) {
+  TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "s.ini", "[A]\nk=1\nK=2\n[a]\nk=3\n"));
+  FileSettings settings(folder / "s.ini");
+  EXPECT_EQ(settings.get("A", "k"), "1");
+  ASSERT_TRUE(settings.set("A", "k", "9"));
+  EXPECT_EQ(FileSettings(folder / "s.ini").get("a", "K"), "9");
+}
+
+TEST(FileSettings, ANameThatWouldNotComeBackIsMalformed) {
+  TempFolder folder;
+  FileSettings settings(folder / "s.ini");
+  for (const char* key : {"", "a=b", "a\nb", " a", "[a", ";a", "#a"}) {
+    EXPECT_EQ(settings.set("A", key, "1").error().kind, ErrorKind::Malformed) << key;
+  }
+  for (const char* section : {"a]", "a\nb", " a"}) {
+    EXPECT_EQ(settings.set(section, "k", "1").error().kind, ErrorKind::Malformed) << section;
+  }
+  EXPECT_FALSE(fileExists(folder / "s.ini"));
+}
+
+TEST(FileSettings, AFailureLeavesTheOldValue) {
+  TempFolder folder;
+  FileSettings settings(folder / "s.ini");
+  ASSERT_TRUE(settings.set("A", "k", "old"));
+  ASSERT_EQ(::chmod((folder / "s.ini").c_str(), 0444), 0);
+  EXPECT_EQ(settings.set("A", "k", "new").error().kind, ErrorKind::ReadOnly);
+  EXPECT_EQ(settings.set("B", "k", "new").error().kind, ErrorKind::ReadOnly);
+  EXPECT_EQ(settings.get("A", "k"), "old");
+  EXPECT_EQ(settings.get("B", "k"), "");
+}
+
+TEST(FileSettings, AFileThatCannotBeReadIsNotReplaced) {
+  TempFolder folder;
+  ASSERT_TRUE(createFolder(folder / "s.ini"));
+  FileSettings settings(folder / "s.ini");
+  EXPECT_EQ(settings.get("A", "k"), "");
+  EXPECT_EQ(settings.set("A", "k", "1").error().kind, ErrorKind::Other);
+}
+
+TEST(MemorySettings, KeepValuesAndIgnoreTheCaseOfNames) {
+  MemorySettings settings;
+  EXPECT_EQ(settings.get("AppIni", "Path"), "");
+  ASSERT_TRUE(settings.set("AppIni", "Path", "a=b\n"));
+  EXPECT_EQ(settings.get("APPINI", "path"), "a=b\n");
+  EXPECT_EQ(settings.get("Other", "path"), "");
+}
+
+class Environment {
+ public:
+  Environment(const char* name, const char* value) : name_(name) {
+    const char* const old = std::getenv(name);
+    if (old != nullptr) old_ = old;
+    if (value != nullptr) {
+      ::setenv(name, value, 1);
+    } else {
+      ::unsetenv(name);
+    }
+  }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+  ~Environment() {
+    if (old_) {
+      ::setenv(name_, old_->c_str(), 1);
+    } else {
+      ::unsetenv(name_);
+    }
+  }
+
+ private:
+  const char* name_;
+  std::optional<std::string> old_;
+};
+
+TEST(UserSettingsPath, FollowsTheEnvironment) {
+  const Environment home("HOME", "/home/anna");
+  {
+    const Environment config("XDG_CONFIG_HOME", "/etc/anna");
+    EXPECT_EQ(userSettingsPath(), "/etc/anna/korvane/korvane.ini");
+  }
+  {
+    const Environment config("XDG_CONFIG_HOME", "relative");
+    EXPECT_EQ(userSettingsPath(), "/home/anna/.config/korvane/korvane.ini");
+  }
+  const Environment config("XDG_CONFIG_HOME", nullptr);
+  EXPECT_EQ(userSettingsPath(), "/home/anna/.config/korvane/korvane.ini");
+}
+
+}  // namespace
+}  // namespace kv
