@@ -1,0 +1,177 @@
+// Compaction at the tenth close, and the catalogue that every failure leaves behind.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "shop_fixture.h"
+#include "store/compact.h"
+#include "store/session_start.h"
+
+namespace kv {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Compaction : public test::ShopFixture {
+ protected:
+  void SetUp() override { shop = makeShop("uno"); }
+  std::string times() const { return settings.get("AppIni", "Times"); }
+  void setTimes(std::string_view value) { ASSERT_TRUE(settings.set("AppIni", "Times", value)); }
+  void close() { CompattaCatalogo(shop, with); }
+  bool compacted() const { return fileExists(shop + "/catalog.tmp"); }
+
+  std::string shop;
+};
+
+TEST_F(Compaction, ComesAtTheTenthCloseAfterAReset) {
+  setTimes("0");
+  for (int number = 1; number <= 9; ++number) {
+    close();
+    EXPECT_EQ(times(), std::to_string(number));
+    EXPECT_FALSE(compacted()) << number;
+  }
+  close();
+  EXPECT_EQ(times(), "0");
+  EXPECT_TRUE(compacted());
+  EXPECT_EQ(read(shop, "SELECT versione FROM generale"), "1002");
+}
+
+TEST_F(Compaction, CountsFromNothing) {
+  close();
+  EXPECT_EQ(times(), "1");
+  setTimes("strange");
+  close();
+  EXPECT_EQ(times(), "1");
+}
+
+TEST_F(Compaction, CatchesUpWhenTheTenthCloseWasMissed) {
+  setTimes("23");
+  close();
+  EXPECT_EQ(times(), "0");
+  EXPECT_TRUE(compacted());
+}
+
+TEST_F(Compaction, DoesNotEvenCountWithoutACatalogue) {
+  ASSERT_TRUE(deleteFile(shop + "/catalog.mdb"));
+  close();
+  CompattaCatalogo("", with);
+  EXPECT_EQ(times(), "");
+}
+
+TEST_F(Compaction, IsLeftOutWhenSwitchedOffButCounted) {
+  ASSERT_TRUE(settings.set("AppIni", "Compact", "0"));
+  setTimes("9");
+  close();
+  EXPECT_EQ(times(), "0");
+  EXPECT_FALSE(compacted());
+  EXPECT_THAT(user.progressShown, IsEmpty());
+}
+
+TEST_F(Compaction, ShowsAndHidesTheStatusWindow) {
+  setTimes("9");
+  close();
+  ASSERT_EQ(user.progressShown.size(), 2U);
+  EXPECT_EQ(user.progressShown[0].caption, "Compattazione del database...");
+  EXPECT_EQ(user.progressShown[1].caption, "");
+}
+
+TEST_F(Compaction, ReplacesWhatAnEarlierOneLeft) {
+  write(shop + "/catalog.tmp", "old");
+  write(shop + "/catalog.tm0", "old");
+  const std::string before = *readBytes(shop + "/catalog.mdb");
+  setTimes("9");
+  close();
+  EXPECT_EQ(*readBytes(shop + "/catalog.tmp"), before);
+  EXPECT_FALSE(fileExists(shop + "/catalog.tm0"));
+}
+
+TEST_F(Compaction, MakesTheFileSmaller) {
+  run(shop, "INSERT INTO articoli (catID, descrizione) VALUES ('cat001', '" + std::string(400000, 'x') + "')");
+  run(shop, "DELETE FROM articoli WHERE descrizione IS NOT NULL");
+  const auto before = readBytes(shop + "/catalog.mdb")->size();
+  setTimes("9");
+  close();
+  EXPECT_LT(readBytes(shop + "/catalog.mdb")->size(), before);
+  EXPECT_EQ(read(shop, "SELECT titolo FROM articoli"), "Lampada");
+}
+
+TEST_F(Compaction, KeepsTheNextAutomaticKey) {
+  run(shop, "INSERT INTO categorie (ID) VALUES ('cat001')");
+  run(shop, "INSERT INTO categorie (ID) VALUES ('cat002')");
+  run(shop, "DELETE FROM categorie WHERE ID = 'cat002'");
+  setTimes("9");
+  close();
+  run(shop, "INSERT INTO categorie (ID) VALUES ('cat003')");
+  EXPECT_EQ(read(shop, "SELECT contatore FROM categorie WHERE ID = 'cat003'"), "3");
+}
+
+TEST_F(Compaction, LeavesACatalogueThatSomeoneHolds) {
+  const auto other = Database::open(shop + "/catalog.mdb", OpenMode::Exclusive);
+  ASSERT_TRUE(other);
+  setTimes("9");
+  close();
+  EXPECT_FALSE(compacted());
+  EXPECT_TRUE(fileExists(shop + "/catalog.mdb"));
+  EXPECT_THAT(user.shown, IsEmpty());
+}
+
+TEST_F(Compaction, LeavesACorruptCatalogueSilently) {
+  write(shop + "/catalog.mdb", "no database");
+  setTimes("9");
+  close();
+  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), "no database");
+  EXPECT_THAT(user.shown, IsEmpty());
+}
+
+TEST_F(Compaction, StopsWhenAnOldFileCannotBeDeleted) {
+  const std::string before = *readBytes(shop + "/catalog.mdb");
+  write(shop + "/catalog.tm0/in the way", "");
+  setTimes("9");
+  close();
+  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+}
+
+TEST_F(Compaction, TakesTheFirstRenamingBackWhenTheSecondFails) {
+  write(shop + "/catalog.tm0", "compacted");
+  const std::string before = *readBytes(shop + "/catalog.mdb");
+  int calls = 0;
+  const Rename failing = [&](const std::string& from, const std::string& to) -> Result<> {
+    if (++calls == 2) return fail(ErrorKind::Other, to, "injected");
+    return renameFile(from, to);
+  };
+  const auto swapped = swapInCompacted(shop, failing);
+  ASSERT_FALSE(swapped);
+  EXPECT_EQ(swapped.error().what, "injected");
+  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+  EXPECT_FALSE(fileExists(shop + "/catalog.tmp"));
+}
+
+TEST_F(Compaction, LeavesAllAsItIsWhenTheFirstRenamingFails) {
+  write(shop + "/catalog.tm0", "compacted");
+  const Rename failing = [](const std::string&, const std::string& to) -> Result<> {
+    return fail(ErrorKind::Other, to, "injected");
+  };
+  EXPECT_FALSE(swapInCompacted(shop, failing));
+  EXPECT_TRUE(fileExists(shop + "/catalog.mdb"));
+  EXPECT_FALSE(fileExists(shop + "/catalog.tmp"));
+}
+
+TEST_F(Compaction, CutOffBetweenTheRenamingsIsTakenBackAtTheNextStart) {
+  const std::string before = *readBytes(shop + "/catalog.mdb");
+  ASSERT_TRUE(renameFile(shop + "/catalog.mdb", shop + "/catalog.tmp"));
+  write(shop + "/catalog.tm0", "compacted");
+  write(application + "/serverpath.net", shop + "\r\n");
+  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_THAT(user.shown, IsEmpty());
+  closeSession(session, with);
+  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+}
+
+TEST_F(Compaction, ABackupAloneIsNoCatalogue) {
+  ASSERT_TRUE(renameFile(shop + "/catalog.mdb", shop + "/catalog.tmp"));
+  recoverCatalogue(shop);
+  EXPECT_FALSE(fileExists(shop + "/catalog.mdb"));
+}
+
+}  // namespace
+}  // namespace kv
