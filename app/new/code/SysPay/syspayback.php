@@ -1,0 +1,6 @@
+<?php
+// ***1.0.7***
+// SysPay: the shopper left the service without paying.
+include "funcs<<1-IDlingua>>.php";
+
+kvEsitoPagamento(false);
