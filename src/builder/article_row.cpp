@@ -1,0 +1,172 @@
+#include "builder/article_row.h"
+
+#include "platform/number_form.h"
+#include "platform/text.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::int64_t popupWidth = 600;  // of a pop-up picture whose size is not known
+constexpr std::int64_t popupHeight = 350;
+
+int columnOf(const Statement& query, std::string_view name) {
+  for (int i = 0; i < query.columnCount(); ++i) {
+    if (equalsIgnoringCase(query.columnName(i), name)) return i;
+  }
+  throw RunFailure(0, "Colonna non trovata: articoli." + std::string(name));
+}
+
+DerivedField& at(DerivedRow& row, int place) { return row[static_cast<std::size_t>(place)]; }
+
+void fillListini(const Statement& article, const ArticleColumns& source, const DerivedColumns& columns,
+                 DerivedRow& row) {
+  for (std::size_t n = 0; n < listini; ++n) {
+    const Money price = article.money(source.prezzo[n]);
+    at(row, columns.implistino[n]).setMoney(price);
+    at(row, columns.importo[n])
+        .setMoney(article.flag(source.offerta[n]) ? article.money(source.offertaprezzo[n]) : price);
+    at(row, columns.scq[n]).setWhole(article.flag(source.scq[n]) ? 1 : 0);
+    for (std::size_t slot = 0; slot < columns.opzione.size(); ++slot) {
+      at(row, columns.opzione[slot][n]).setWhole(article.integer(source.opzione[slot][n]));
+    }
+  }
+  for (std::size_t i = 0; i < 2; ++i) {
+    at(row, columns.scqperc[i]).setReal((100.0 - article.number(source.scqperc[i])) / 100.0);
+    at(row, columns.scqart[i]).setWhole(article.integer(source.scqart[i]));
+  }
+}
+
+void fillPrices(const Statement& article, const ArticleColumns& source, const ArticlePlace& place,
+                const ArticleRules& rules, const DerivedColumns& columns, DerivedRow& row) {
+  PriceSource prices{article.money(source.prezzo[0]), std::nullopt, place.vatRate, place.factor};
+  if (!article.isNull(source.offertaprezzo[0])) prices.offerPrice = article.money(source.offertaprezzo[0]);
+  auto texts = priceTexts(rules.prices, prices, rules.offerMark);
+  if (!texts) throw RunFailure(overflowFailure, "Prezzo troppo grande: " + std::string(article.text(source.codice)));
+  at(row, columns.listino).set(std::move(texts->listino));
+  at(row, columns.prezzo).set(std::move(texts->prezzo));
+  at(row, columns.cambio).set(std::move(texts->cambio));
+  at(row, columns.iva).set(std::move(texts->iva));
+  at(row, columns.offerta).set(std::move(texts->offerta));
+  at(row, columns.cart_prezzo).set(std::move(texts->cartPrice));
+  at(row, columns.cart_iva).set(std::move(texts->cartVat));
+  at(row, columns.cart_peso).set(trimmedNumber(article.single(source.peso)));
+}
+
+void fillPictures(const Statement& article, const ArticleColumns& source, const DerivedColumns& columns,
+                  DerivedRow& row) {
+  const std::string_view link = article.text(source.link);
+  const bool outside = article.flag(source.linkesterno);
+  const bool popup = article.flag(source.popup);
+  std::array<std::string, 3> tags;
+  for (std::size_t i = 0; i < tags.size(); ++i) {
+    tags[i] =
+        pictureTag(article.text(source.immagine[i]), article.integer(source.imgX[i]), article.integer(source.imgY[i]));
+  }
+  const std::string_view big = article.text(source.immagine[1]);
+  if (popup && !big.empty()) {
+    const auto width = article.isNull(source.imgX[1]) ? popupWidth : article.integer(source.imgX[1]);
+    const auto height = article.isNull(source.imgY[1]) ? popupHeight : article.integer(source.imgY[1]);
+    std::string script = "javascript:PopupImage('";
+    script.append(big).append("',").append(std::to_string(width)).append(",").append(std::to_string(height));
+    at(row, columns.immagine[0]).set(PutOnClick(tags[0], script.append("); return false;")));
+  } else {
+    at(row, columns.immagine[0]).set(PutLink(tags[0], link, outside));
+  }
+  at(row, columns.immagine[1]).set(popup ? std::move(tags[1]) : PutLink(tags[1], link, outside));
+  at(row, columns.immagine[2]).set(PutLink(tags[2], link, outside));
+}
+
+void fillTexts(const Statement& article, const ArticleColumns& source, const ArticleRules& rules,
+               const DerivedColumns& columns, DerivedRow& row) {
+  const std::string_view title = article.text(source.titolo);
+  const std::string_view subtitle = article.text(source.sottotitolo);
+  const std::string_view link = article.text(source.link);
+  const bool outside = article.flag(source.linkesterno);
+  at(row, columns.ID).setWhole(article.integer(source.ID));
+  at(row, columns.novita).setWhole(article.flag(source.novita) ? 1 : 0);
+  at(row, columns.catID).set(article.text(source.catID));
+  at(row, columns.codice).set(article.text(source.codice));
+  at(row, columns.correlazione).set(article.text(source.correlazione));
+  at(row, columns.titolo).set(PutLink(rules.html.TestoHTML(title), link, outside));
+  at(row, columns.plain_titolo).set(title);
+  at(row, columns.sottotitolo).set(PutLink(rules.html.TestoHTML(subtitle), link, outside));
+  at(row, columns.plain_sottotitolo).set(subtitle);
+  at(row, columns.cart_articolo).set(CartArticolo(article.text(source.codice), title));
+  at(row, columns.descrizione).set(article.text(source.descrizione));
+  at(row, columns.note).set(article.text(source.note));
+}
+
+// The text ends inside an attribute: its second quote closes the href it is meant for, the template's own closing
+// quote ends the onMouseOver.
+std::string buyLink(const DerivedColumns& columns, const DerivedRow& row) {
+  const auto text = [&row](int place) -> const std::string& { return row[static_cast<std::size_t>(place)].text; };
+  std::string out = "javascript:window.status='';Acquista('";
+  out.append(text(columns.cart_articolo)).append("','").append(text(columns.cart_prezzo)).append("','");
+  out.append(text(columns.cart_iva)).append("',document.itemsform.qt").append(text(columns.contatore));
+  out.append(".value,'");
+  for (std::size_t i = 0; i < 3; ++i) out.append(text(columns.cart_opzione[i])).append("','");
+  out.append(text(columns.cart_peso)).append("')\" onMouseOver=\"window.status=''; return true");
+  return out;
+}
+
+}  // namespace
+
+ArticleColumns::ArticleColumns(const Statement& query) {
+  const auto find = [&query](const std::string& name) { return columnOf(query, name); };
+  ID = find("ID");
+  catID = find("catID");
+  codice = find("codice");
+  titolo = find("titolo");
+  sottotitolo = find("sottotitolo");
+  descrizione = find("descrizione");
+  note = find("note");
+  link = find("link");
+  linkesterno = find("linkesterno");
+  novita = find("novita");
+  correlazione = find("correlazione");
+  peso = find("peso");
+  popup = find("popup");
+  inelenco = find("inelenco");
+  for (std::size_t n = 0; n < listini; ++n) {
+    const std::string suffix(listinoSuffixes[n]);
+    prezzo[n] = find("prezzo" + suffix);
+    offerta[n] = find("offerta" + suffix);
+    offertaprezzo[n] = find("offertaprezzo" + suffix);
+    scq[n] = find("scq" + suffix);
+    for (std::size_t slot = 0; slot < opzione.size(); ++slot) {
+      opzione[slot][n] = find(variantColumn(static_cast<int>(slot) + 1, static_cast<int>(n)));
+    }
+  }
+  for (std::size_t i = 0; i < 2; ++i) {
+    scqart[i] = find("scqart" + std::to_string(i));
+    scqperc[i] = find("scqperc" + std::to_string(i));
+  }
+  for (std::size_t i = 0; i < immagine.size(); ++i) {
+    immagine[i] = find("immagine" + std::to_string(i));
+    imgX[i] = find("imgX" + std::to_string(i));
+    imgY[i] = find("imgY" + std::to_string(i));
+  }
+}
+
+std::string articleTarget(const ArticlePlace& place) {
+  if (place.singleArticle) return place.pagina;
+  return place.pagina + "#" + formatNumber(std::int64_t{place.contatore}, "#####0");
+}
+
+void fillDerivedRow(const Statement& article, const ArticleColumns& source, const ArticlePlace& place,
+                    const ArticleRules& rules, const DerivedColumns& columns, DerivedRow& row) {
+  row.resize(columns.columns.size());
+  fillTexts(article, source, rules, columns, row);
+  fillListini(article, source, columns, row);
+  fillPictures(article, source, columns, row);
+  fillPrices(article, source, place, rules, columns, row);
+  const std::string position = std::to_string(place.contatore);
+  at(row, columns.contatore).set(position);
+  for (std::size_t i = 0; i < columns.cart_opzione.size(); ++i) {
+    at(row, columns.cart_opzione[i]).set("op" + std::to_string(i + 1) + position);
+  }
+  at(row, columns.java_acquista).set(buyLink(columns, row));
+}
+
+}  // namespace kv

@@ -1,0 +1,102 @@
+// The shop's own pages of one language: everything the template holds beside the department models.
+
+#include "builder/build_run.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "tags/file_naming.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int paymentMethods = 4;
+constexpr std::string_view missingDescriptor = "###ERRORE###";
+
+std::string outputName(const BuildRun& run, std::string_view name) {
+  return PutExt(FileLingua(name, run.now.lingua), run.languages.pageExtension);
+}
+
+void makeStaticPage(BuildRun& run, const std::string& name, const std::string& output) {
+  PageJob job;
+  job.input = joinPath(run.now.pools.templatePool, name);
+  job.output = run.online(output);
+  run.makePage(job);
+  run.files.add(job.output);
+}
+
+// Tags within the payment text are expanded by a second pass.
+void makeThanksPage(BuildRun& run, const std::string& name, int number, const std::string& method) {
+  PageTagRow& row = run.now.row;
+  std::string text = run.parts.ReadKpg ? run.parts.ReadKpg(method) : "";
+  if (text == missingDescriptor) {
+    text.clear();
+    run.around.user.message("Impossibile trovare il file '" + method + ".kpg'", Icon::Exclamation);
+  }
+  row.set("thankyou", std::move(text));
+  row.set("java_PGAction", run.parts.ReadKpgAction ? run.parts.ReadKpgAction(method) : "");
+  const std::string output = outputName(run, "thankyou" + std::to_string(number) + ".htm");
+  run.setLanguageLinks(FileLingua("thankyou" + std::to_string(number) + ".htm", run.now.lingua));
+  PageJob first;
+  first.input = joinPath(run.now.pools.templatePool, name);
+  first.output = run.online("thankyou.tmp");
+  first.keepForNextPass = true;
+  run.makePage(first);
+  PageJob second;
+  second.input = first.output;
+  second.output = run.online(output);
+  run.makePage(second);
+  run.files.add(second.output);
+  if (run.parts.SetPG) run.files.addLines(run.parts.SetPG(method, run.now.lingua));
+}
+
+void makeThanksPages(BuildRun& run, const std::string& name) {
+  PageTagRow& row = run.now.row;
+  Statement query = must(run.session.catalogue.prepare(SelezionaLingua("pagamento", run.now.number)));
+  const FieldRow payment = must(query.step()) ? FieldRow(query) : FieldRow();
+  int active = 0;
+  for (int i = 1; i <= paymentMethods; ++i) {
+    const std::string digit = std::to_string(i);
+    if (!payment.flag("attivo" + digit)) continue;
+    row.set("metodo_pagamento", payment.text("nome" + digit));
+    makeThanksPage(run, name, ++active, payment.text("metodo" + digit));
+  }
+  for (const std::string_view column : {"thankyou", "java_PGAction", "metodo_pagamento"}) row.set(column, "");
+}
+
+void makePaymentPages(BuildRun& run, const std::string& name) {
+  for (const auto& [page, text] : {std::pair{"payok.htm", run.now.pay_ok}, std::pair{"payerr.htm", run.now.pay_ko}}) {
+    run.now.row.set("paymsg", text);
+    run.setLanguageLinks(FileLingua(page, run.now.lingua));
+    makeStaticPage(run, name, outputName(run, page));
+  }
+  run.now.row.set("paymsg", "");
+}
+
+}  // namespace
+
+void makeShopPages(BuildRun& run) {
+  PageTagRow& row = run.now.row;
+  row = run.now.shopRow;
+  row.set("search_maxart", run.now.generale.text("ricartperpag"));
+  row.set("vetrina", showcaseTable(run.showcase, run.now.showcaseCells));
+  row.set("elenco", run.now.siteList);
+  if (run.parts.CatEsplora) {
+    const Navigation navigation = run.parts.CatEsplora(std::string(rootDepartment), run.now.lingua);
+    row.set("reparti", navigation.tree);
+    row.set("repartimenu", navigation.menu);
+  }
+  for (const std::string& name : listFiles(run.now.pools.templatePool, "*.*htm*")) {
+    run.checkCancel();
+    const bool linked = !equalsIgnoringCase(name, "results.htm") && !equalsIgnoringCase(name, "thankyou.htm");
+    run.setLanguageLinks(linked ? FileLingua(name, run.now.lingua) : std::string());
+    if (equalsIgnoringCase(name, "thankyou.htm")) {
+      makeThanksPages(run, name);
+    } else if (equalsIgnoringCase(name, "paymsg.htm")) {
+      makePaymentPages(run, name);
+    } else if (!(startsWithIgnoringCase(name, "modello") && endsWithIgnoringCase(name, ".htm"))) {
+      makeStaticPage(run, name, outputName(run, name));
+    }
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,261 @@
+// One page at a time: marks, prologues, the article loop, the rows, and when a file is written.
+
+#include "builder/page_wrapper.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "builder/page_prologue.h"
+#include "platform/files.h"
+#include "support/temp_shop.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+/// A wrapper with one page tag row, working in a fresh folder.
+class PageWrapperTest : public ::testing::Test {
+ protected:
+  PageWrapperTest() : wrapper(user) {
+    TableInfo table;
+    for (const char* name : {"negozio", "php_vars", "vuoto", "ric_titolo"}) {
+      table.columns.push_back({name, ColumnType::Memo, 0, 0, false, ""});
+    }
+    row = PageTagRow(table);
+    row.set("negozio", "Bottega");
+    row.set("php_vars", "VARS;\r\n");
+    row.set("ric_titolo", "$arg3");
+    wrapper.setSources(&row, nullptr, nullptr, "");
+    EXPECT_TRUE(createDatabase(folder / "sql.mdb", buildDatabaseTables()));
+    auto opened = Database::open(folder / "sql.mdb", OpenMode::Scratch);
+    EXPECT_TRUE(opened);
+    build = std::move(*opened);
+    wrapper.openTables(build, columns, "");
+  }
+
+  std::string make(const std::string& name, std::string_view text, const std::string& output) {
+    EXPECT_TRUE(writeText(folder / name, text));
+    EXPECT_TRUE(wrapper.CreaPagina({folder / name, folder / output}));
+    const auto made = readText(folder / output);
+    return made ? *made : "(missing)";
+  }
+
+  bool makeDepartment(std::string_view model, const std::string& output, std::size_t articles, int affiancati = 1) {
+    EXPECT_TRUE(writeText(folder / "modello1.htm", model));
+    std::vector<DerivedRow> rows(articles, DerivedRow(columns.columns.size()));
+    for (std::size_t i = 0; i < articles; ++i) {
+      rows[i][static_cast<std::size_t>(columns.ID)].setWhole(static_cast<std::int64_t>(i) + 1);
+      rows[i][static_cast<std::size_t>(columns.contatore)].set(std::to_string(i + 1));
+    }
+    return wrapper.CreaPagina({folder / "modello1.htm", folder / output, true, affiancati}, rows, articles);
+  }
+
+  TempFolder folder;
+  ScriptedUser user;
+  PageWrapper wrapper;
+  PageTagRow row;
+  DerivedColumns columns;
+  Database build;
+};
+
+TEST_F(PageWrapperTest, APlainPageGetsThePrologueAndTheMark) {
+  EXPECT_EQ(make("a.htm", "<html><title>x</title></html>", "a.php"),
+            "<?php\r\ninclude(\"funcs.php\");\r\n$Lingua = \"\";\r\n?>\r\n<html><meta name=\"generator\" "
+            "content=\"Korvane " KORVANE_VERSION "\">\r\n<title>x</title></html>\r\n");
+}
+
+TEST_F(PageWrapperTest, APageThatStartsWithTextHasNoLineEndBehindThePrologue) {
+  EXPECT_THAT(make("a.htm", "testo", "a.php"), EndsWith("?>testo\r\n"));
+}
+
+TEST_F(PageWrapperTest, APageThatIsPhpAlreadyGetsNoSecondPrologue) {
+  EXPECT_EQ(make("a.htm", "  <?php x ?>", "a.php"), "  <?php x ?>\r\n");
+}
+
+TEST_F(PageWrapperTest, AFileThatHoldsTheMarkDoesNotGetItTwice) {
+  const std::string text = generatorMark(false) + "<TITLE>";
+  EXPECT_THAT(make("a.htm", text, "a.php"), EndsWith("?>\r\n" + text + "\r\n"));
+}
+
+TEST_F(PageWrapperTest, ScriptsComeOutExpandedWithNothingAdded) {
+  EXPECT_EQ(make("a.js", "var a='<<1-negozio>>';<title>", "a.js"), "var a='Bottega';<title>\r\n");
+  EXPECT_EQ(make("a.php", "<?php '<<1-negozio>>'", "b.php"), "<?php 'Bottega'\r\n");
+}
+
+TEST_F(PageWrapperTest, ResultTagsAreFilledInTheResultPageAlone) {
+  EXPECT_EQ(make("results.htm", "<b><<3-ric_titolo>></b>", "results.htm"), "<b>$arg3</b>\r\n");
+  EXPECT_THAT(make("cart.htm", "<<3-ric_titolo>>", "cart.php"), HasSubstr("<<3-ric_titolo>>"));
+}
+
+TEST_F(PageWrapperTest, TheCartPageHasItsBlockAndAPageOfASimilarNameHasNot) {
+  EXPECT_THAT(make("Cart.htm", "<html>", "cart.php"),
+              HasSubstr("?>\r\n<?php\r\n$cartdisp = CheckDispCart();\r\n$ordercliente = \"\";\r\n?>\r\n<html>"));
+  EXPECT_THAT(make("mycart.htm", "<html>", "mycart.php"), Not(HasSubstr("CheckDispCart")));
+}
+
+TEST_F(PageWrapperTest, TheOrderPageAsksForRegistrationAndAvailability) {
+  const std::string plain = make("order.htm", "<html>", "order.php");
+  EXPECT_THAT(plain, HasSubstr("?>\r\n<?php\r\nif ($cliente==0 && $regobbl) {\r\n"
+                               "header(\"Location: login$Lingua.php?m=23\");\r\n}\r\n?>\r\n<?php\r\n$cartdisp"));
+  EXPECT_THAT(plain, Not(HasSubstr("m=37")));
+  WrapperSettings settings;
+  settings.order = {false, true, true};
+  wrapper.configure(settings);
+  EXPECT_THAT(make("order.htm", "<html> ", "order.php"),
+              HasSubstr("?m=37&t=.37.\");\r\n}\r\n?>\r\n<?php\r\n$cartdisp"));
+}
+
+TEST_F(PageWrapperTest, OldPhpNamesPassThroughUnlessTheSettingIsOn) {
+  EXPECT_EQ(make("a.php", "$HTTP_GET_VARS $HTTP_ENV_VARS", "b.php"), "$HTTP_GET_VARS $HTTP_ENV_VARS\r\n");
+  WrapperSettings settings;
+  settings.newPhpNames = true;
+  wrapper.configure(settings);
+  EXPECT_EQ(make("c.php", "$HTTP_GET_VARS $HTTP_POST_FILES $HTTP_ENV_VARS", "b.php"), "$_GET $_FILES $_ENV\r\n");
+  ASSERT_TRUE(makeDepartment("$HTTP_GET_VARS<KV_START><KV_END>", "cat001.php?n=1", 1));
+  const std::string page = *readText(folder / "cat001.php");
+  EXPECT_THAT(page, HasSubstr("$sp = $HTTP_GET_VARS['n'];"));
+  EXPECT_THAT(page, HasSubstr("$_GET<?php\r\n$Contatore"));
+}
+
+TEST_F(PageWrapperTest, ADepartmentPageIsPrologueLoopAndEpilogue) {
+  ASSERT_TRUE(
+      makeDepartment("<html><TITLE>t<kv_start>[<<2-titolo>>|<<2-nonesiste>>]<Kv_End></html>", "cat001.php?n=1", 2));
+  EXPECT_EQ(
+      *readText(folder / "cat001.php"),
+      "<?php\r\n"
+      "include(\"funcs.php\");\r\n"
+      "$sp = $HTTP_GET_VARS['n'];\r\n"
+      "$Lingua = \"\";\r\n"
+      "$PageRoot = \"cat001\";\r\n"
+      "$sql = \"SELECT * FROM articoli$Lingua WHERE pagina='$PageRoot' ORDER BY sottopagina DESC\";\r\n"
+      "$resultArt = mysql_query($sql);\r\n"
+      "if (mysql_num_rows($resultArt) == 0) {\r\n"
+      "$mp = 1;\r\n"
+      "} else {\r\n"
+      "$rowArt = mysql_fetch_array($resultArt);\r\n"
+      "$mp = $rowArt['sottopagina'];\r\n"
+      "}\r\n"
+      "if ($sp < 1 || $sp > $mp) {$sp = 1;}\r\n"
+      "mysql_free_result($resultArt);\r\n"
+      "$sql = \"SELECT *, articoli$Lingua.pagina as 'linkPage' FROM articoli$Lingua INNER JOIN dettaglio USING (ID) "
+      "INNER JOIN ordinamento USING (ID) WHERE articoli$Lingua.pagina='$PageRoot' AND "
+      "articoli$Lingua.sottopagina=$sp ORDER BY contatore + 0 ASC\";\r\n"
+      "$resultArt = mysql_query($sql);\r\n"
+      "?>\r\n"
+      "<?php\r\n"
+      "VARS;\r\n"
+      "?>\r\n"
+      "<html><meta name=\"generator\" content=\"Korvane x.x.x\">\r\n<TITLE>t"
+      "<?php\r\n"
+      "$Contatore = 0;\r\n"
+      "$prod=$HTTP_GET_VARS['prod'];\r\n"
+      "while ($rowArt = mysql_fetch_array($resultArt)) {\r\n"
+      "$Contatore = $Contatore + 1;\r\n"
+      "$artID = $rowArt['ID'];\r\n"
+      "if ($prod == 0) {\r\n"
+      "print ViewArt(\"beforecode\");\r\n"
+      "}\r\n"
+      "if ($prod == 0 || $prod == $Contatore) {\r\n"
+      "?>\r\n"
+      "<a name=<?php echo $Contatore; ?>></a>[<?php echo ViewArt(\"titolo\"); ?>|<?php echo ViewArt(\"nonesiste\"); ?>]"
+      "<?php\r\n"
+      "}\r\n"
+      "if ($prod == 0) {\r\n"
+      "print ViewArt(\"aftercode\");\r\n"
+      "}\r\n"
+      "}\r\n"
+      "?></html>"
+      "<?php\r\n"
+      "mysql_free_result($resultArt);\r\n"
+      "?>\r\n");
+}
+
+TEST_F(PageWrapperTest, ADepartmentWithoutArticlesKeepsAnEmptySection) {
+  ASSERT_TRUE(makeDepartment("a<KV_START><<2-titolo>><KV_END>b", "cat001.php?n=1", 0));
+  EXPECT_THAT(*readText(folder / "cat001.php"), HasSubstr("$prod == $Contatore) {\r\n?>\r\n<?php\r\n}\r\n"));
+}
+
+TEST_F(PageWrapperTest, FurtherSubPagesAddRowsAndNoFile) {
+  ASSERT_TRUE(makeDepartment("<KV_START><KV_END>", "cat001.php?n=2", 1));
+  ASSERT_TRUE(makeDepartment("<KV_START><KV_END>", "cat001.php?n=3", 1));
+  EXPECT_FALSE(fileExists(folder / "cat001.php"));
+  const auto pages = build.openRecordset("SELECT ID, sottopagina FROM articoli ORDER BY sottopagina");
+  ASSERT_TRUE(pages);
+  EXPECT_EQ(pages->size(), 2U);
+  EXPECT_EQ(asInteger(pages->get("sottopagina")), 2);
+}
+
+TEST_F(PageWrapperTest, ThreeColumnsAreThirtyThreeThirtyThreeThirtyFourAndAShortRowIsClosed) {
+  const std::string open = "<table border=0 width=100%><tr><td valign=top>";
+  EXPECT_EQ(cellCode(0, 3, false).before, "<tr><td valign=top width=33%>" + open);
+  EXPECT_EQ(cellCode(1, 3, false).before, "<td valign=top width=33%>" + open);
+  EXPECT_EQ(cellCode(2, 3, false).before, "<td valign=top width=34%>" + open);
+  EXPECT_EQ(cellCode(0, 3, false).after, "</td></tr></table></td>");
+  EXPECT_EQ(cellCode(1, 3, true).after, "</td></tr></table></td></tr>");
+  EXPECT_EQ(cellCode(2, 3, true).after, "</td></tr></table></td></tr>");
+  EXPECT_EQ(cellCode(0, 1, true).before, "");
+  EXPECT_EQ(cellCode(0, 1, true).after, "");
+}
+
+TEST_F(PageWrapperTest, AGridIsWrappedInATableUnlessOneArticleIsShown) {
+  EXPECT_THAT(loopHead(2),
+              HasSubstr("$prod=$HTTP_GET_VARS['prod'];\r\nif ($prod == 0 ) { echo\"<table border=0>\"; }\r\nwhile"));
+  EXPECT_THAT(loopTail(2), EndsWith("}\r\nif ($prod == 0 ) { echo\"</table>\"; }\r\n?>"));
+}
+
+TEST_F(PageWrapperTest, EveryFaultOfTheMarkersHasItsMessage) {
+  const std::string name = folder / "modello1.htm";
+  for (const char* model : {"x", "<KV_END>", "<KV_START><KV_START><KV_END>", "<KV_START>", "<KV_START><KV_END><KV_END>",
+                            "<KV_END><KV_START>"}) {
+    EXPECT_FALSE(makeDepartment(model, "cat001.php?n=1", 1)) << model;
+    wrapper.setSources(&row, nullptr, nullptr, "");
+  }
+  EXPECT_THAT(user.texts(), ElementsAre("Il file '" + name + "' non contiene il tag <KV_START>",
+                                        "Il file '" + name + "' non contiene il tag <KV_START>",
+                                        "Il file '" + name + "' contiene più di un tag <KV_START>",
+                                        "Il file '" + name + "' non contiene il tag <KV_END>",
+                                        "Il file '" + name + "' contiene più di un tag <KV_END>",
+                                        "Nel file '" + name + "' il tag <KV_END> precede il tag <KV_START>"));
+  for (const Shown& shown : user.shown) EXPECT_EQ(shown.icon, Icon::Exclamation);
+  EXPECT_FALSE(fileExists(folder / "cat001.php"));
+}
+
+TEST_F(PageWrapperTest, AnUnchangedPageKeepsItsFile) {
+  make("a.htm", "testo", "a.php");
+  make("a.htm", "testo", "a.php");
+  EXPECT_EQ(wrapper.counts().written, 1);
+  EXPECT_EQ(wrapper.counts().unchanged, 1);
+}
+
+TEST_F(PageWrapperTest, LineEndsAtTheEndOfThePresentFileDoNotCount) {
+  EXPECT_TRUE(writeText(folder / "a.js", "x\r\n\r\n\r\n"));
+  EXPECT_EQ(make("b.js", "x", "a.js"), "x\r\n\r\n\r\n");
+  EXPECT_EQ(wrapper.counts().unchanged, 1);
+}
+
+TEST_F(PageWrapperTest, AnEmptyFileIsAlwaysReplaced) {
+  EXPECT_TRUE(writeText(folder / "a.js", ""));
+  EXPECT_EQ(make("b.js", "", "a.js"), "\r\n");
+  EXPECT_EQ(wrapper.counts().written, 1);
+}
+
+TEST_F(PageWrapperTest, CharactersOutsideTheCodePageAreWrittenAsReferences) {
+  row.set("negozio", "caffè € \u20AA");
+  make("a.js", "<<1-negozio>>", "b.js");
+  EXPECT_EQ(*readBytes(folder / "b.js"), "caff\xE8 \x80 &#8362;\r\n");
+}
+
+TEST_F(PageWrapperTest, APagesRootAndNumberAreReadFromItsPath) {
+  EXPECT_EQ(pageIdentity("/a.php/scarpe_l2.php?n=12").root, "scarpe_l2");
+  EXPECT_EQ(pageIdentity("/a/scarpe_l2.php?n=12").subPage, 12);
+  EXPECT_EQ(pageIdentity("/a/x.js").root, "");
+  EXPECT_EQ(pageIdentity("/a/x.php").subPage, 0);
+}
+
+}  // namespace
+}  // namespace kv::test
