@@ -1,0 +1,181 @@
+#include "support/golden_rows.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include "platform/number_form.h"
+#include "platform/text.h"
+
+namespace kv::test {
+namespace {
+
+struct RowBlock {
+  std::string table;
+  int count = 1;
+  std::vector<std::pair<std::string, std::string>> fields;
+};
+
+RowBlock readHead(std::string_view line) {
+  const std::string_view inside = line.substr(1, line.size() - 2);
+  const std::size_t times = inside.find(" x ");
+  if (times == std::string_view::npos) return {std::string(inside), 1, {}};
+  return {std::string(inside.substr(0, times)), std::atoi(std::string(inside.substr(times + 3)).c_str()), {}};
+}
+
+std::vector<RowBlock> readBlocks(std::string_view text) {
+  std::vector<RowBlock> blocks;
+  const std::vector<std::string_view> lines = splitLines(text);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::string_view line = lines[i];
+    if (trim(line).empty() || line.front() == '#') continue;
+    if (line.front() == '[') {
+      blocks.push_back(readHead(line));
+    } else if (line.ends_with(" <<<")) {
+      std::string block;
+      for (const std::size_t first = ++i; i < lines.size() && lines[i] != ">>>"; ++i)
+        block += (i > first ? "\r\n" : "") + std::string(lines[i]);
+      blocks.back().fields.emplace_back(line.substr(0, line.size() - 4), block);
+    } else {
+      const std::size_t equals = line.find(" = ");
+      blocks.back().fields.emplace_back(line.substr(0, equals), line.substr(equals + 3));
+    }
+  }
+  return blocks;
+}
+
+Result<Value> valueOf(const TableInfo& table, const std::string& column, std::string_view text) {
+  const int index = table.columnIndex(column);
+  if (index < 0) return fail(ErrorKind::Missing, table.name, "no column " + column);
+  if (text == "null") return Value(Null{});
+  if (text.size() > 1 && text.front() == '"' && text.back() == '"') text = text.substr(1, text.size() - 2);
+  switch (table.columns[static_cast<std::size_t>(index)].type) {
+    case ColumnType::Text:
+    case ColumnType::Memo:
+      return Value(std::string(text));
+    case ColumnType::Bool:
+      return Value(text == "true");
+    case ColumnType::Money:
+      if (const auto amount = Money::parse(text)) return Value(*amount);
+      break;
+    case ColumnType::Single:
+    case ColumnType::Double:
+      if (const auto number = toNumber(text)) return Value(*number);
+      break;
+    default:
+      if (const auto number = toNumber(text)) return Value(static_cast<std::int64_t>(*number));
+      break;
+  }
+  return fail(ErrorKind::TextInNumber, table.name, column + " = " + std::string(text));
+}
+
+Result<> insertRow(Database& database, const TableInfo& table, const RowBlock& block, int n) {
+  std::string columns, places;
+  std::vector<Value> values;
+  for (const auto& [column, text] : block.fields) {
+    auto value = valueOf(table, column, replaceAll(text, "{n}", std::to_string(n)));
+    if (!value) return fail(value.error());
+    columns += (columns.empty() ? "" : ", ") + ("\"" + column + "\"");
+    places += places.empty() ? "?" : ", ?";
+    values.push_back(std::move(*value));
+  }
+  const std::string what =
+      values.empty() ? " DEFAULT VALUES" : std::string(" (") + columns + ") VALUES (" + places + ")";
+  auto statement = database.prepare("INSERT INTO " + table.name + what);
+  if (!statement) return fail(statement.error());
+  for (std::size_t i = 0; i < values.size(); ++i) statement->bind(static_cast<int>(i) + 1, values[i]);
+  return statement->execute();
+}
+
+// The text behind a column's name: "=value", or ":" and the lines of a text that has several.
+std::string shown(const Value& value, ColumnType type) {
+  if (type == ColumnType::Bool) return asFlag(value) ? "=1" : "=0";
+  if (type == ColumnType::Single) return "=" + trimmedNumber(static_cast<float>(asNumber(value)));
+  const auto* text = std::get_if<std::string>(&value);
+  if (text == nullptr) return "=" + asText(value);
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string out;
+  bool several = false;
+  for (std::size_t i = 0; i < text->size(); ++i) {
+    const auto byte = static_cast<unsigned char>((*text)[i]);
+    if (byte == '\r' && i + 1 < text->size() && (*text)[i + 1] == '\n') {
+      several = true;
+      out += "\n  |";
+      ++i;
+    } else if (byte < 0x20) {
+      out += std::string("\\x") + digits[byte / 16] + digits[byte % 16];
+    } else {
+      out += (*text)[i];
+    }
+  }
+  return several ? ":\n  |" + out : "=" + out;
+}
+
+std::string stem(const std::string& column) { return column.substr(0, column.find_last_not_of("0123456789_") + 1); }
+
+// One row: runs of three and more columns of one family with equal values share a line.
+std::string rowText(const std::vector<std::pair<std::string, std::string>>& fields) {
+  std::string out;
+  for (std::size_t at = 0; at < fields.size();) {
+    std::size_t end = at + 1;
+    while (end < fields.size() && fields[end].second == fields[at].second &&
+           stem(fields[end].first) == stem(fields[at].first))
+      ++end;
+    if (end - at < 3) end = at + 1;
+    out += fields[at].first + (end - at > 1 ? ".." + fields[end - 1].first : "") + fields[at].second + "\n";
+    at = end;
+  }
+  return out + "\n";
+}
+
+}  // namespace
+
+Result<> insertRows(Database& database, std::string_view text) {
+  if (auto begun = database.begin(); !begun) return begun;
+  for (const RowBlock& block : readBlocks(text)) {
+    auto table = database.table(block.table);
+    if (!table) return fail(table.error());
+    for (int n = 1; n <= block.count; ++n) {
+      if (auto inserted = insertRow(database, *table, block, n); !inserted) return inserted;
+    }
+  }
+  return database.commit();
+}
+
+Result<> setField(Database& database, const std::string& table, const std::string& key, const std::string& column,
+                  std::string_view value) {
+  auto info = database.table(table);
+  if (!info) return fail(info.error());
+  auto field = valueOf(*info, column, value);
+  if (!field) return fail(field.error());
+  auto statement =
+      database.prepare("UPDATE " + table + " SET " + column + " = ?1" + (key == "*" ? "" : " WHERE ID = ?2"));
+  if (!statement) return fail(statement.error());
+  statement->bind(1, *field);
+  if (key != "*") statement->bind(2, key);
+  return statement->execute();
+}
+
+Result<std::string> dumpTable(Database& database, const TableInfo& table, const DumpOptions& options) {
+  const std::string order = table.columnIndex("ID") < 0 ? "" : " ORDER BY ID";
+  auto rows = database.openRecordset("SELECT * FROM " + table.name + order);
+  if (!rows) return fail(rows.error());
+  std::string out;
+  for (; !rows->eof(); rows->moveNext()) {
+    std::vector<std::pair<std::string, std::string>> fields;
+    for (const ColumnInfo& column : table.columns) {
+      const bool wanted =
+          options.only.empty() || ("," + options.only + ",").find("," + column.name + ",") != std::string::npos;
+      const Value value = rows->get(column.name);
+      // A flag knows no null: it reads as off.
+      const bool nothing =
+          kv::isNull(value) ? column.type != ColumnType::Bool : options.hideEmpty && asText(value).empty();
+      if (wanted && !nothing) fields.emplace_back(column.name, shown(value, column.type));
+    }
+    out += "[" + table.name + "]\n" + rowText(fields);
+  }
+  return out;
+}
+
+}  // namespace kv::test

@@ -1,0 +1,30 @@
+#pragma once
+// Rows as text: the part "rows" of a golden case put into a catalogue, and tables written down for comparison.
+//
+// Rows in: "[table]" or "[table x count]", then "column = value" lines; "{n}" is the number of the row among its
+// copies, a value may stand in double quotes, be "null", or be the lines between "column <<<" and ">>>".
+// Rows out: by ID, one "column=value" line for each column that holds something; columns of a family in a row
+// (prezzo1, prezzo2 ...) with equal values share a line; a text of several lines stands below its name.
+
+#include <string>
+#include <string_view>
+
+#include "platform/store.h"
+
+namespace kv::test {
+
+/// Inserts the rows of a part. Failures name the row's table and column.
+Result<> insertRows(Database& database, std::string_view text);
+/// Sets a column of one row, or of every row when `key` is "*".
+Result<> setField(Database& database, const std::string& table, const std::string& key, const std::string& column,
+                  std::string_view value);
+
+struct DumpOptions {
+  std::string only;        ///< columns to show, parted by ","; empty: all
+  bool hideEmpty = false;  ///< leave out empty texts as well as nulls
+};
+
+/// The rows of one table.
+Result<std::string> dumpTable(Database& database, const TableInfo& table, const DumpOptions& options);
+
+}  // namespace kv::test

@@ -1,0 +1,204 @@
+#include "support/golden_shop.h"
+
+#include <filesystem>
+#include <regex>
+
+#include "platform/files.h"
+#include "platform/store.h"
+#include "platform/text.h"
+#include "store/load_shop.h"
+#include "store/schema.h"
+
+namespace kv::test {
+namespace {
+
+// Folders of a case's parts, and where their files go: below the application (A) or the shop (S).
+struct InputFolder {
+  std::string_view part;
+  char owner;
+  std::string_view folder;
+};
+constexpr InputFolder inputFolders[] = {{"template/", 'A', "template/prova/"}, {"code/", 'A', "code/"},
+                                        {"shopcode/", 'S', "code/"},           {"backoffice/", 'A', "backoffice/"},
+                                        {"languages/", 'A', "languages/"},     {"work/", 'S', "work/"}};
+
+template <class T>
+T expectValue(Result<T> result, const std::string& what) {
+  EXPECT_TRUE(result.has_value()) << what << ": "
+                                  << (result ? std::string() : result.error().where + " " + result.error().what);
+  return result ? std::move(*result) : T{};
+}
+void expectDone(const Result<>& result, const std::string& what) {
+  EXPECT_TRUE(result.has_value()) << what << ": "
+                                  << (result ? std::string() : result.error().where + " " + result.error().what);
+}
+
+// Tables that have exactly one row even when the case doesn't speak of them.
+std::string rowsWithDefaults(std::string rows) {
+  constexpr std::pair<std::string_view, std::string_view> needed[] = {
+      {"generale", ""}, {"pagamento", ""}, {"lingue", "lingua1 = italiano\n"}};
+  for (const auto& [table, fields] : needed) {
+    if (("\n" + rows).find("\n[" + std::string(table) + "]") == std::string::npos)
+      rows += "\n[" + std::string(table) + "]\n" + std::string(fields);
+  }
+  for (int zone = 1; zone <= 8; ++zone) rows += "\n[zona" + std::to_string(zone) + "]\n";
+  return rows;
+}
+
+std::string describe(const Shown& shown) {
+  return std::string("[") + nameOf(shown.icon) + "] " + replaceAll(shown.text, "\n", "\n  ") + "\n";
+}
+
+TxtarPart textPart(const std::string& name, std::string text) {
+  if (!text.empty() && text.back() != '\n') text += "\n";
+  return {name, {}, std::move(text)};
+}
+
+// All rows of a database, or what is wrong with it.
+std::string dumpDatabase(const std::string& path, DumpOptions options) {
+  auto database = Database::open(path, OpenMode::ReadOnly);
+  if (!database) return "can't be opened: " + database.error().what + "\n";
+  auto tables = database->tables();
+  if (!tables) return "has no tables: " + tables.error().what + "\n";
+  std::string out;
+  const bool source = options.hideEmpty;
+  for (const TableInfo& table : *tables) {
+    options.hideEmpty = source && table.name == "categoria";
+    out += expectValue(dumpTable(*database, table, options), table.name);
+  }
+  return out;
+}
+
+}  // namespace
+
+GoldenShop::GoldenShop(const Txtar& archive) : shop_(root_ / "shop"), application_(root_ / "app") {
+  writeInputs(archive);
+  makeDatabases(archive);
+  open();
+}
+
+void GoldenShop::writeInputs(const Txtar& archive) {
+  for (const char* folder : {"template/prova", "code", "backoffice", "languages"})
+    expectDone(createFolders(joinPath(application_, folder)), folder);
+  for (const char* folder : {"work", "online", "scripts", "db", "code"})
+    expectDone(createFolders(joinPath(shop_, folder)), folder);
+  for (const TxtarPart& part : archive.parts) {
+    std::string path;
+    for (const InputFolder& input : inputFolders) {
+      if (part.name.starts_with(input.part))
+        path = joinPath(input.owner == 'A' ? application_ : shop_,
+                        std::string(input.folder) + part.name.substr(input.part.size()));
+    }
+    if (part.name == "tags/shoptag.tag") path = joinPath(shop_, "shoptag.tag");
+    if (part.name == "tags/personal.tag") path = joinPath(application_, "personal.tag");
+    if (path.empty()) continue;
+    expectDone(createFolders(std::string(folderOf(path))), path);
+    expectDone(writeBytes(path, partBytes(part)), path);
+  }
+  if (const TxtarPart* steps = archive.find("builds")) {
+    for (const std::string_view line : splitLines(steps->text)) steps_.emplace_back(line);
+  } else {
+    steps_ = {"build"};
+  }
+  expectDone(settings_.set(settingsSection, "smartbuild", "1"), "smartbuild");
+  if (const TxtarPart* settings = archive.find("settings")) {
+    for (const std::string_view line : splitLines(settings->text)) {
+      const std::size_t equals = line.find('=');
+      expectDone(settings_.set(settingsSection, line.substr(0, equals), line.substr(equals + 1)), std::string(line));
+    }
+  }
+}
+
+void GoldenShop::makeDatabases(const Txtar& archive) {
+  expectDone(createDatabase(joinPath(shop_, "catalog.mdb"), catalogueTables()), "catalog.mdb");
+  expectDone(createDatabase(joinPath(shop_, "kvftp.mdb"), transferTables()), "kvftp.mdb");
+  expectDone(createDatabase(joinPath(shop_, "source.new"), tagDatabaseTables()), "source.new");
+  expectDone(createDatabase(joinPath(shop_, "new.mdb"), buildDatabaseTables()), "new.mdb");
+  auto catalogue = Database::open(joinPath(shop_, "catalog.mdb"), OpenMode::Shared);
+  if (!catalogue) return expectDone(fail(catalogue.error()), "catalog.mdb");
+  const TxtarPart* rows = archive.find("rows");
+  expectDone(insertRows(*catalogue, rowsWithDefaults(rows != nullptr ? rows->text : "")), "rows");
+  expectDone(setField(*catalogue, "generale", "*", "versione", "1002"), "versione");
+}
+
+void GoldenShop::open() {
+  session_.ShopFolder = shop_;
+  Surroundings with{user_, settings_, clock_, openRandom_, application_, {}};
+  EXPECT_EQ(CaricaNegozio(session_, with), LoadResult::Opened);
+  EXPECT_TRUE(user_.shown.empty()) << describe(user_.shown.front());
+}
+
+void GoldenShop::run() {
+  for (const std::string& step : steps_) step == "build" ? build() : apply(step);
+}
+
+void GoldenShop::apply(const std::string& step) {
+  static const std::regex set("set (\\S+) (\\S+) (\\S+) = (.*)"), setting("setting (\\S+) = (.*)");
+  std::smatch words;
+  if (std::regex_match(step, words, set)) {
+    expectDone(setField(session_.catalogue, words[1], words[2], words[3], words[4].str()), step);
+  } else if (std::regex_match(step, words, setting)) {
+    expectDone(settings_.set(settingsSection, words[1].str(), words[2].str()), step);
+  } else {
+    ADD_FAILURE() << "not a step: " << step;
+  }
+}
+
+void GoldenShop::build() {
+  // Each build draws its token anew: abcdefghijklmnopqrst.
+  FixedRandom random;
+  Surroundings with{user_, settings_, clock_, random, application_, {}};
+  user_.shown.clear();
+  outcome_ = MakePages(session_, with);
+  messages_ += std::string("outcome: ") + (outcome_ == BuildOutcome::Done ? "Done" : "Failed") + "\n";
+  for (const Shown& shown : user_.shown) {
+    Shown trimmed = shown;
+    while (trimmed.text.ends_with("\n")) trimmed.text.pop_back();
+    messages_ += withPlaceholders(describe(trimmed));
+  }
+}
+
+std::string GoldenShop::withPlaceholders(std::string text) const {
+  return replaceAll(replaceAll(std::move(text), shop_, "<shop>"), application_, "<app>");
+}
+
+void GoldenShop::addFiles(const std::string& folder, const std::string& prefix, std::vector<TxtarPart>& parts) const {
+  static const std::regex version(R"((<meta name="generator" content="Korvane )\d+\.\d+\.\d+(">))");
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string bytes = expectValue(readBytes(entry.path().string()), entry.path().string());
+    files[entry.path().filename().string()] = std::regex_replace(bytes, version, "$1<version>$2");
+  }
+  for (const auto& [name, bytes] : files) parts.push_back(bytesPart(prefix + name, bytes));
+}
+
+std::vector<TxtarPart> GoldenShop::produced(const Txtar& archive) const {
+  std::vector<TxtarPart> parts{textPart("want/messages.txt", messages_)};
+  if (const auto list = readText(joinPath(shop_, "kvftp.dat")))
+    parts.push_back(textPart("want/kvftp.dat", replaceAll(withPlaceholders(*list), "\r\n", "\n")));
+  if (outcome_ == BuildOutcome::Done) {
+    for (const auto& [name, path] : {std::pair{"want/db/sql.txt", "db/sql.mdb"}, {"want/source.txt", "source.mdb"}}) {
+      const TxtarPart* wanted = archive.find(name);
+      const std::string only = wanted != nullptr ? wanted->value("only") : "";
+      parts.push_back(
+          textPart(name, dumpDatabase(joinPath(shop_, path), {only, path == std::string_view("source.mdb")})));
+      if (!only.empty()) parts.back().flags = {"only=" + only};
+    }
+  }
+  addFiles(joinPath(shop_, "online"), "want/online/", parts);
+  addFiles(joinPath(shop_, "scripts"), "want/scripts/", parts);
+  return parts;
+}
+
+std::string GoldenShop::leftovers() {
+  std::string found;
+  if (outcome_ != BuildOutcome::Done) return found;
+  if (folderExists(joinPath(shop_, "tmp"))) found += "the scratch folder tmp is still there\n";
+  if (const auto names = listFiles(joinPath(shop_, "db"), "*"); names.size() != 1)
+    found += "db holds more than sql.mdb\n";
+  const auto token = session_.catalogue.scalar("SELECT db_security FROM generale");
+  if (!token || asText(*token) != "abcdefghijklmnopqrst") found += "db_security isn't the token of the build\n";
+  return found;
+}
+
+}  // namespace kv::test

@@ -1,0 +1,62 @@
+#pragma once
+// A shop and an application folder made from the parts of a golden case, its builds, and what they leave behind in the
+// form of wanted parts.
+//
+// Parts in: "rows"; "settings" (key=value lines); "template/...", "code/...", "backoffice/...", "languages/...",
+// "tags/personal.tag" of the application; "shopcode/...", "work/...", "tags/shoptag.tag" of the shop; "builds", the
+// steps when there is more than one build: "build", "set TABLE ID COLUMN = VALUE" (ID or *), "setting KEY = VALUE".
+// Parts out: "want/messages.txt", "want/kvftp.dat", "want/online/...", "want/scripts/...", and of a finished build the
+// rows in "want/db/sql.txt" and "want/source.txt". <shop>, <app> and <version> stand for what differs between runs.
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "builder/make_pages.h"
+#include "platform/settings.h"
+#include "support/fixed_clock.h"
+#include "support/golden_rows.h"
+#include "support/scripted_user.h"
+#include "support/temp_folder.h"
+#include "support/txtar.h"
+
+namespace kv::test {
+
+class GoldenShop {
+ public:
+  /// Writes the files and rows of the case and opens the shop; a failure is a failure of the test.
+  explicit GoldenShop(const Txtar& archive);
+
+  /// Runs the steps of the part "builds", or one build.
+  void run();
+  BuildOutcome outcome() const { return outcome_; }
+  /// What stands there now, as parts: messages, list of files, the two databases of a finished build, the files of
+  /// both working folders. `archive` gives the flags of row dumps.
+  std::vector<TxtarPart> produced(const Txtar& archive) const;
+  /// What a finished build must not leave behind, and what it must have stored, by sentences; empty when all is well.
+  std::string leftovers();
+
+ private:
+  void writeInputs(const Txtar& archive);
+  void makeDatabases(const Txtar& archive);
+  void open();
+  void apply(const std::string& step);
+  void build();
+  std::string withPlaceholders(std::string text) const;
+  void addFiles(const std::string& folder, const std::string& prefix, std::vector<TxtarPart>& parts) const;
+
+  TempFolder root_;
+  std::string shop_, application_;
+  std::vector<std::string> steps_;
+  std::string messages_;
+  Session session_;
+  ScriptedUser user_;
+  MemorySettings settings_;
+  FixedClock clock_;
+  FixedRandom openRandom_;
+  BuildOutcome outcome_ = BuildOutcome::Failed;
+};
+
+}  // namespace kv::test
