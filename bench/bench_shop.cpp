@@ -1,0 +1,224 @@
+#include "bench_shop.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "builder/make_pages.h"
+#include "platform/files.h"
+#include "store/schema.h"
+
+namespace kv::bench {
+
+namespace {
+
+constexpr int departments = 100;
+const std::vector<std::string> codes{"italiano", "inglese", "francese", "tedesco"};
+
+class SilentUser final : public UserPort {
+ public:
+  void message(const std::string& text, Icon icon) override {
+    if (icon != Icon::Information) std::fprintf(stderr, "%s\n", text.c_str());
+  }
+  Answer question(const Question& question) override { return question.preset; }
+  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
+  void progress(const Progress&) override {}
+  bool yield() override { return true; }
+};
+
+template <class T>
+T need(Result<T> result) {
+  if (!result) {
+    std::fprintf(stderr, "%s: %s\n", result.error().where.c_str(), result.error().what.c_str());
+    std::abort();
+  }
+  if constexpr (!std::is_void_v<T>) return std::move(*result);
+}
+
+const char* const prose =
+    "Lavorato a mano nella nostra bottega con argilla del territorio, cotto due volte e smaltato con colori naturali. "
+    "Ogni pezzo è diverso dall'altro: piccole variazioni di forma e di tono sono il segno della lavorazione artigianale "
+    "e non un difetto. Adatto al contatto con gli alimenti, si lava a mano con acqua tiepida.";
+
+// The application folder: what ships, with modules for every language of the measurement.
+void makeApplication(const std::string& folder) {
+  const std::string shipped = KORVANE_APP_DATA;
+  for (const char* part : {"template", "languages", "code", "backoffice"}) {
+    need(createFolders(folder + "/" + part));
+    need(copyTree(shipped + "/" + part, folder + "/" + part));
+  }
+  const std::string words = need(readBytes(folder + "/languages/italiano.lng"));
+  for (const std::string& code : codes) {
+    const std::string path = folder + "/languages/" + code + ".lng";
+    if (!fileExists(path)) need(writeBytes(path, words));
+  }
+}
+
+std::string columnsOfLanguages(const char* column) {
+  std::string names;
+  for (const std::string_view suffix : languageSuffixes) names.append(", ").append(column).append(suffix);
+  return names;
+}
+
+void insertArticles(Database& catalogue, int articles) {
+  Statement insert = need(catalogue.prepare(
+      "INSERT INTO articoli (catID, codice, ordinamento, prezzo, prezzo1, peso, fuoricatalogo, inelenco, opzione1, "
+      "immagine0, imgX0, imgY0" + columnsOfLanguages("titolo") + columnsOfLanguages("sottotitolo") +
+      columnsOfLanguages("descrizione") + ") VALUES (?,?,?,?,?,?,0,0,2,?,320,240,?,?,?,?,?,?,?,?,?,?,?,?)"));
+  for (int i = 0; i < articles; ++i) {
+    char text[96];
+    std::snprintf(text, sizeof text, "cat%03d", i % departments + 1);
+    const std::string department = text;
+    std::snprintf(text, sizeof text, "ART-%06d", i);
+    const std::string code = text;
+    std::snprintf(text, sizeof text, "Ciotola in ceramica dipinta numero %d", i);
+    const std::string title = text;
+    insert.bind(1, std::string_view(department));
+    insert.bind(2, std::string_view(code));
+    insert.bind(3, std::int64_t{100} + 5 * i);
+    insert.bind(4, Money::ofTenThousandths(100000 + i * 137 % 5000000));
+    insert.bind(5, Money::ofTenThousandths(90000 + i * 137 % 5000000));
+    insert.bind(6, 0.25);
+    insert.bind(7, "ceramica.jpg");
+    for (int place = 8; place < 12; ++place) insert.bind(place, std::string_view(title));
+    for (int place = 12; place < 16; ++place) insert.bind(place, "Decoro a foglie, diametro 18 cm");
+    for (int place = 16; place < 20; ++place) insert.bind(place, prose);
+    need(insert.execute());
+  }
+}
+
+}  // namespace
+
+BenchShop::BenchShop(std::string folder, int articles, int languages)
+    : folder_(std::move(folder)), languages_(languages) {
+  for (const char* part : {"", "/shop", "/shop/work", "/shop/online", "/shop/scripts", "/shop/db", "/app"}) {
+    need(createFolders(folder_ + part));
+  }
+  makeApplication(folder_ + "/app");
+  makeCatalogue(articles);
+}
+
+void BenchShop::makeCatalogue(int articles) {
+  const std::string shop = folder_ + "/shop";
+  need(createDatabase(shop + "/catalog.mdb", catalogueTables()));
+  need(createDatabase(shop + "/source.new", tagDatabaseTables()));
+  need(createDatabase(shop + "/new.mdb", buildDatabaseTables()));
+  Database catalogue = need(Database::open(shop + "/catalog.mdb", OpenMode::Scratch));
+  need(catalogue.begin());
+  need(catalogue.execute(
+      "INSERT INTO generale (versione, titolo, URL, valuta1, decimali1, notazione, elenco_titolo, vis_offerta, vis_sconto, "
+      "affiancati) VALUES (1002, 'Bottega', 'www.bottega.example', 'EUR', 1, 0, 1, 1, 1, 2);"
+      "INSERT INTO pagamento (ivaspese) VALUES (22);"));
+  Statement insert = need(catalogue.prepare(
+      "INSERT INTO categorie (ID, pagina, template, genitore, livello, ordinamento, iva, sconto, nascosto" +
+      columnsOfLanguages("titolo") + ") VALUES (?, ?1, 'modello1', '###', 1, ?2, 22, 10, 0, ?1, ?1, ?1, ?1)"));
+  for (int i = 1; i <= departments; ++i) {
+    char id[16];
+    std::snprintf(id, sizeof id, "cat%03d", i);
+    insert.bind(1, id);
+    insert.bind(2, std::int64_t{100} + 5 * i);
+    need(insert.execute());
+  }
+  insertArticles(catalogue, articles);
+  need(catalogue.commit());
+}
+
+bool BenchShop::build(double* written) {
+  Session session;
+  session.ShopFolder = folder_ + "/shop";
+  session.catalogue = need(Database::open(session.ShopFolder + "/catalog.mdb", OpenMode::Exclusive));
+  session.templatePath = "template/classico";
+  session.onlineFolder = session.ShopFolder + "/online";
+  session.scriptFolder = session.ShopFolder + "/scripts";
+  session.languageCount = languages_;
+  for (std::size_t i = 0; i < session.languageNames.size(); ++i) session.languageNames[i] = codes[i];
+  SilentUser user;
+  MemorySettings settings;
+  Surroundings surroundings{user, settings, systemClock(), systemRandom(), folder_ + "/app", {}};
+  BuildCounts counts;
+  const bool done = MakePages(session, surroundings, {}, &counts) == BuildOutcome::Done;
+  // Every build names its own token; a script that holds it is new each time by intent.
+  *written = counts.pagesWritten;
+  return done;
+}
+
+void BenchShop::clearOutput() {
+  for (const char* part : {"/shop/online", "/shop/scripts", "/shop/db"}) need(emptyFolder(folder_ + part));
+}
+
+FloorWork BenchShop::loadFloor() {
+  FloorWork work;
+  Database build = need(Database::open(folder_ + "/shop/db/sql.mdb", OpenMode::ReadOnly));
+  std::vector<std::string> tables{"articoli", "dettaglio", "ordinamento"};
+  for (int i = 1; i < languages_; ++i) tables.push_back("articoli" + std::string(languageSuffixes[static_cast<std::size_t>(i)]));
+  for (const std::string& table : tables) {
+    Statement query = need(build.prepare("SELECT * FROM " + table));
+    FloorTable out;
+    out.insert = "INSERT INTO " + table + " VALUES (";
+    for (int i = 0; i < query.columnCount(); ++i) out.insert += i == 0 ? "?" : ",?";
+    out.insert += ")";
+    while (need(query.step())) {
+      auto& row = out.rows.emplace_back();
+      row.reserve(static_cast<std::size_t>(query.columnCount()));
+      for (int i = 0; i < query.columnCount(); ++i) row.push_back(query.value(i));
+    }
+    work.tables.push_back(std::move(out));
+  }
+  for (const char* part : {"/shop/online", "/shop/scripts"}) {
+    for (const std::string& name : listFiles(folder_ + part, "*.*")) {
+      work.files.emplace_back(folder_ + part + "/" + name, need(readBytes(folder_ + part + "/" + name)));
+    }
+  }
+  return work;
+}
+
+bool BenchShop::runFloor(const FloorWork& work) {
+  const std::string path = folder_ + "/floor.mdb";
+  std::filesystem::remove(path);
+  std::filesystem::create_directories(folder_ + "/floor");
+  std::filesystem::copy_file(folder_ + "/shop/new.mdb", path);
+  Database database = need(Database::open(path, OpenMode::Scratch));
+  need(database.begin());
+  // Row by row through the tables, as the articles come.
+  std::vector<Statement> inserts;
+  for (const FloorTable& table : work.tables) inserts.push_back(need(database.prepare(table.insert)));
+  for (std::size_t i = 0; i < work.tables[0].rows.size(); ++i) {
+    for (std::size_t t = 0; t < inserts.size(); ++t) {
+      int place = 0;
+      for (const Value& value : work.tables[t].rows[i]) inserts[t].bind(++place, value);
+      need(inserts[t].execute());
+    }
+  }
+  need(database.commit());
+  database.close();
+  for (const auto& [name, bytes] : work.files) {
+    std::ofstream out(folder_ + "/floor/" + std::string(baseName(name)), std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  }
+  return true;
+}
+
+void writeHugoSite(const std::string& folder, int articles) {
+  namespace fs = std::filesystem;
+  fs::remove_all(folder);
+  fs::create_directories(folder + "/layouts/_default");
+  std::ofstream(folder + "/config.toml") << "baseURL='http://bottega.example/'\ntitle='Bottega'\n"
+                                            "disableKinds=['taxonomy','term','RSS','sitemap']\n";
+  std::ofstream(folder + "/layouts/_default/single.html")
+      << "<!DOCTYPE html><html><head><title>{{ .Title }}</title></head><body><h1>{{ .Title }}</h1><p>{{ .Params.codice }} "
+         "{{ .Params.prezzo }}</p>{{ .Content }}</body></html>";
+  std::ofstream(folder + "/layouts/_default/list.html")
+      << "<!DOCTYPE html><html><head><title>{{ .Title }}</title></head><body><ul>{{ range .Pages }}<li><a href=\"{{ "
+         ".RelPermalink }}\">{{ .Title }}</a></li>{{ end }}</ul></body></html>";
+  for (int d = 1; d <= departments; ++d) fs::create_directories(folder + "/content/cat" + std::to_string(d));
+  for (int i = 0; i < articles; ++i) {
+    std::ofstream(folder + "/content/cat" + std::to_string(i % departments + 1) + "/a" + std::to_string(i) + ".md")
+        << "---\ntitle: \"Ciotola in ceramica dipinta numero " << i << "\"\ncodice: ART-" << i
+        << "\nprezzo: \"EUR 12,50\"\n---\n"
+        << prose << "\n";
+  }
+}
+
+}  // namespace kv::bench

@@ -1,0 +1,47 @@
+#pragma once
+// A shop of any size for measurements, its builds, and the floor they are held against.
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/store.h"
+
+namespace kv::bench {
+
+/// Rows of one table, ready to be inserted, and files to be written: what a build leaves, and no more.
+struct FloorTable {
+  std::string insert;  // the statement
+  std::vector<std::vector<Value>> rows;
+};
+struct FloorWork {
+  std::vector<FloorTable> tables;
+  std::vector<std::pair<std::string, std::string>> files;  // path and bytes
+};
+
+class BenchShop {
+ public:
+  /// Makes the shop below `folder`: `articles` in 100 departments, texts in all languages. The application folder is
+  /// the data that ships.
+  BenchShop(std::string folder, int articles, int languages);
+
+  /// One build; false when it failed. `written`: pages that were written.
+  bool build(double* written);
+  /// Deletes what builds have produced.
+  void clearOutput();
+  /// Reads what the last build left.
+  FloorWork loadFloor();
+  /// Inserts the rows in one transaction into a fresh build database and writes the files.
+  bool runFloor(const FloorWork& work);
+
+ private:
+  void makeCatalogue(int articles);
+
+  std::string folder_;
+  int languages_;
+};
+
+/// A site of as many product pages in 100 sections for hugo, with a plain theme.
+void writeHugoSite(const std::string& folder, int articles);
+
+}  // namespace kv::bench
