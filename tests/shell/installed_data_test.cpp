@@ -1,0 +1,50 @@
+// Where the program finds its data: beside itself, wherever the tree has been put.
+
+#include "shell/installed_data.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/files.h"
+#include "support/temp_folder.h"
+
+namespace kv {
+namespace {
+
+TEST(InstalledData, IsFoundBesideTheProgramsOfAMovedTree) {
+  test::TempFolder folder;
+  ASSERT_TRUE(createFolders(folder / "moved/bin"));
+  ASSERT_TRUE(createFolders(folder / "moved/share/korvane"));
+  const auto data = installedData(folder / "moved/bin");
+  ASSERT_TRUE(data);
+  EXPECT_EQ(*data, folder / "moved/share/korvane");
+}
+
+TEST(InstalledData, AChosenApplicationFolderIsUsedAsItIs) {
+  test::TempFolder folder;
+  ASSERT_TRUE(createFolder(folder / "app"));
+  const auto found = findApplicationFolder(folder / "app/", folder / "bin");
+  ASSERT_TRUE(found);
+  EXPECT_EQ(*found, folder / "app");
+  EXPECT_TRUE(listFiles(folder / "app", "*.*").empty());
+}
+
+TEST(InstalledData, AChosenApplicationFolderThatIsNotThereIsMissing) {
+  test::TempFolder folder;
+  const auto found = findApplicationFolder(folder / "nowhere", "");
+  ASSERT_FALSE(found);
+  EXPECT_EQ(found.error().kind, ErrorKind::Missing);
+}
+
+TEST(InstalledData, TheRunningProgramKnowsItsFolder) { EXPECT_TRUE(folderExists(programFolder())); }
+
+TEST(AbsolutePath, LosesDotsAndTheTrailingSeparator) {
+  EXPECT_EQ(absolutePath("/a/./b/../c/"), "/a/c");
+  EXPECT_EQ(absolutePath("/"), "/");
+  EXPECT_EQ(absolutePath(""), "");
+  EXPECT_EQ(absolutePath("x"), (std::filesystem::current_path() / "x").string());
+}
+
+}  // namespace
+}  // namespace kv
