@@ -39,7 +39,8 @@ T need(Result<T> result) {
 
 const char* const prose =
     "Lavorato a mano nella nostra bottega con argilla del territorio, cotto due volte e smaltato con colori naturali. "
-    "Ogni pezzo è diverso dall'altro: piccole variazioni di forma e di tono sono il segno della lavorazione artigianale "
+    "Ogni pezzo è diverso dall'altro: piccole variazioni di forma e di tono sono il segno della lavorazione "
+    "artigianale "
     "e non un difetto. Adatto al contatto con gli alimenti, si lava a mano con acqua tiepida.";
 
 // The application folder: what ships, with modules for every language of the measurement.
@@ -65,8 +66,9 @@ std::string columnsOfLanguages(const char* column) {
 void insertArticles(Database& catalogue, int articles) {
   Statement insert = need(catalogue.prepare(
       "INSERT INTO articoli (catID, codice, ordinamento, prezzo, prezzo1, peso, fuoricatalogo, inelenco, opzione1, "
-      "immagine0, imgX0, imgY0" + columnsOfLanguages("titolo") + columnsOfLanguages("sottotitolo") +
-      columnsOfLanguages("descrizione") + ") VALUES (?,?,?,?,?,?,0,0,2,?,320,240,?,?,?,?,?,?,?,?,?,?,?,?)"));
+      "immagine0, imgX0, imgY0" +
+      columnsOfLanguages("titolo") + columnsOfLanguages("sottotitolo") + columnsOfLanguages("descrizione") +
+      ") VALUES (?,?,?,?,?,?,0,0,2,?,320,240,?,?,?,?,?,?,?,?,?,?,?,?)"));
   for (int i = 0; i < articles; ++i) {
     char text[96];
     std::snprintf(text, sizeof text, "cat%03d", i % departments + 1);
@@ -107,10 +109,11 @@ void BenchShop::makeCatalogue(int articles) {
   need(createDatabase(shop + "/new.mdb", buildDatabaseTables()));
   Database catalogue = need(Database::open(shop + "/catalog.mdb", OpenMode::Scratch));
   need(catalogue.begin());
-  need(catalogue.execute(
-      "INSERT INTO generale (versione, titolo, URL, valuta1, decimali1, notazione, elenco_titolo, vis_offerta, vis_sconto, "
-      "affiancati) VALUES (1002, 'Bottega', 'www.bottega.example', 'EUR', 1, 0, 1, 1, 1, 2);"
-      "INSERT INTO pagamento (ivaspese) VALUES (22);"));
+  need(
+      catalogue.execute("INSERT INTO generale (versione, titolo, URL, valuta1, decimali1, notazione, elenco_titolo, "
+                        "vis_offerta, vis_sconto, "
+                        "affiancati) VALUES (1002, 'Bottega', 'www.bottega.example', 'EUR', 1, 0, 1, 1, 1, 2);"
+                        "INSERT INTO pagamento (ivaspese) VALUES (22);"));
   Statement insert = need(catalogue.prepare(
       "INSERT INTO categorie (ID, pagina, template, genitore, livello, ordinamento, iva, sconto, nascosto" +
       columnsOfLanguages("titolo") + ") VALUES (?, ?1, 'modello1', '###', 1, ?2, 22, 10, 0, ?1, ?1, ?1, ?1)"));
@@ -152,7 +155,8 @@ FloorWork BenchShop::loadFloor() {
   FloorWork work;
   Database build = need(Database::open(folder_ + "/shop/db/sql.mdb", OpenMode::ReadOnly));
   std::vector<std::string> tables{"articoli", "dettaglio", "ordinamento"};
-  for (int i = 1; i < languages_; ++i) tables.push_back("articoli" + std::string(languageSuffixes[static_cast<std::size_t>(i)]));
+  for (int i = 1; i < languages_; ++i)
+    tables.push_back("articoli" + std::string(languageSuffixes[static_cast<std::size_t>(i)]));
   for (const std::string& table : tables) {
     Statement query = need(build.prepare("SELECT * FROM " + table));
     FloorTable out;
@@ -207,7 +211,8 @@ void writeHugoSite(const std::string& folder, int articles) {
   std::ofstream(folder + "/config.toml") << "baseURL='http://bottega.example/'\ntitle='Bottega'\n"
                                             "disableKinds=['taxonomy','term','RSS','sitemap']\n";
   std::ofstream(folder + "/layouts/_default/single.html")
-      << "<!DOCTYPE html><html><head><title>{{ .Title }}</title></head><body><h1>{{ .Title }}</h1><p>{{ .Params.codice }} "
+      << "<!DOCTYPE html><html><head><title>{{ .Title }}</title></head><body><h1>{{ .Title }}</h1><p>{{ .Params.codice "
+         "}} "
          "{{ .Params.prezzo }}</p>{{ .Content }}</body></html>";
   std::ofstream(folder + "/layouts/_default/list.html")
       << "<!DOCTYPE html><html><head><title>{{ .Title }}</title></head><body><ul>{{ range .Pages }}<li><a href=\"{{ "

@@ -2,8 +2,8 @@
 // the floor of the same run: a bare loop that inserts the same rows into the same tables in one transaction and writes
 // the same bytes of pages. Each measurement runs in a process of its own, so that its peak memory is its own.
 //
-// Arguments: --quick (1,000 and 10,000 articles only), --no-hugo; --once ARTICLES LANGUAGES makes one shop and builds it
-// in this process, for a profiler.
+// Arguments: --quick (1,000 and 10,000 articles only), --no-hugo; --once ARTICLES LANGUAGES makes one shop and builds
+// it in this process, for a profiler.
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -29,10 +29,10 @@ namespace fs = std::filesystem;
 
 /// What one measured process used.
 struct Measured {
-  double wall = 0;      // seconds of the measured part
-  double cpu = 0;       // seconds of the whole process
-  double peakMiB = 0;   // of the whole process
-  double written = 0;   // pages written
+  double wall = 0;     // seconds of the measured part
+  double cpu = 0;      // seconds of the whole process
+  double peakMiB = 0;  // of the whole process
+  double written = 0;  // pages written
   bool ok = false;
 };
 
@@ -162,10 +162,11 @@ void judge(const std::vector<Row>& rows) {
     const auto middle = find(10000, languages);
     const double low = (middle->first.wall - small->first.wall) / 9000;
     const double high = (large->first.wall - middle->first.wall) / 90000;
-    std::printf("  time per further article, 10,000 to 100,000 beside 1,000 to 10,000, %d languages: %.2f (bar 1.15) %s\n",
-                languages, high / low, verdict(high <= 1.15 * low));
-    std::printf("  peak memory at 100,000, %d languages: %.1f MiB, %.2f of that at 1,000 (bar 150 and 1.3) %s\n", languages,
-                large->first.peakMiB, large->first.peakMiB / small->first.peakMiB,
+    std::printf(
+        "  time per further article, 10,000 to 100,000 beside 1,000 to 10,000, %d languages: %.2f (bar 1.15) %s\n",
+        languages, high / low, verdict(high <= 1.15 * low));
+    std::printf("  peak memory at 100,000, %d languages: %.1f MiB, %.2f of that at 1,000 (bar 150 and 1.3) %s\n",
+                languages, large->first.peakMiB, large->first.peakMiB / small->first.peakMiB,
                 verdict(large->first.peakMiB <= 150 && large->first.peakMiB <= 1.3 * small->first.peakMiB));
   }
 }

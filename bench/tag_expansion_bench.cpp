@@ -26,8 +26,10 @@ class MapRow final : public kv::TagRow {
 std::string pageText() {
   std::string text;
   for (int i = 0; i < 200; ++i) {
-    text += "<p class=\"articolo\">Ogni pezzo &egrave; diverso dall'altro: piccole variazioni di forma e di tono sono il segno "
-            "della lavorazione artigianale e non un difetto.</p>\r\n<a href=\"pagina.htm\">";
+    text +=
+        "<p class=\"articolo\">Ogni pezzo &egrave; diverso dall'altro: piccole variazioni di forma e di tono sono il "
+        "segno "
+        "della lavorazione artigianale e non un difetto.</p>\r\n<a href=\"pagina.htm\">";
     text += "<<1-tag" + std::to_string(i % 40) + ">></a>";
   }
   return text;

@@ -19,30 +19,32 @@ int columnOf(const Statement& query, std::string_view name) {
 
 DerivedField& at(DerivedRow& row, int place) { return row[static_cast<std::size_t>(place)]; }
 
-void fillListini(const Statement& article, const ArticleColumns& source, const DerivedColumns& columns,
-                 DerivedRow& row) {
+void fillListini(const ArticleView& article, const DerivedColumns& columns, DerivedRow& row) {
   for (std::size_t n = 0; n < listini; ++n) {
-    const Money price = article.money(source.prezzo[n]);
+    const Money price = article.row.money(article.columns.prezzo[n]);
     at(row, columns.implistino[n]).setMoney(price);
     at(row, columns.importo[n])
-        .setMoney(article.flag(source.offerta[n]) ? article.money(source.offertaprezzo[n]) : price);
-    at(row, columns.scq[n]).setWhole(article.flag(source.scq[n]) ? 1 : 0);
+        .setMoney(article.row.flag(article.columns.offerta[n]) ? article.row.money(article.columns.offertaprezzo[n])
+                                                               : price);
+    at(row, columns.scq[n]).setWhole(article.row.flag(article.columns.scq[n]) ? 1 : 0);
     for (std::size_t slot = 0; slot < columns.opzione.size(); ++slot) {
-      at(row, columns.opzione[slot][n]).setWhole(article.integer(source.opzione[slot][n]));
+      at(row, columns.opzione[slot][n]).setWhole(article.row.integer(article.columns.opzione[slot][n]));
     }
   }
   for (std::size_t i = 0; i < 2; ++i) {
-    at(row, columns.scqperc[i]).setReal((100.0 - article.number(source.scqperc[i])) / 100.0);
-    at(row, columns.scqart[i]).setWhole(article.integer(source.scqart[i]));
+    at(row, columns.scqperc[i]).setReal((100.0 - article.row.number(article.columns.scqperc[i])) / 100.0);
+    at(row, columns.scqart[i]).setWhole(article.row.integer(article.columns.scqart[i]));
   }
 }
 
-void fillPrices(const Statement& article, const ArticleColumns& source, const ArticlePlace& place,
-                const ArticleRules& rules, const DerivedColumns& columns, DerivedRow& row) {
-  PriceSource prices{article.money(source.prezzo[0]), std::nullopt, place.vatRate, place.factor};
-  if (!article.isNull(source.offertaprezzo[0])) prices.offerPrice = article.money(source.offertaprezzo[0]);
+void fillPrices(const ArticleView& article, const ArticlePlace& place, const ArticleRules& rules,
+                const DerivedColumns& columns, DerivedRow& row) {
+  PriceSource prices{article.row.money(article.columns.prezzo[0]), std::nullopt, place.vatRate, place.factor};
+  if (!article.row.isNull(article.columns.offertaprezzo[0]))
+    prices.offerPrice = article.row.money(article.columns.offertaprezzo[0]);
   auto texts = priceTexts(rules.prices, prices, rules.offerMark);
-  if (!texts) throw RunFailure(overflowFailure, "Prezzo troppo grande: " + std::string(article.text(source.codice)));
+  if (!texts)
+    throw RunFailure(overflowFailure, "Prezzo troppo grande: " + std::string(article.row.text(article.columns.codice)));
   at(row, columns.listino).set(std::move(texts->listino));
   at(row, columns.prezzo).set(std::move(texts->prezzo));
   at(row, columns.cambio).set(std::move(texts->cambio));
@@ -50,23 +52,24 @@ void fillPrices(const Statement& article, const ArticleColumns& source, const Ar
   at(row, columns.offerta).set(std::move(texts->offerta));
   at(row, columns.cart_prezzo).set(std::move(texts->cartPrice));
   at(row, columns.cart_iva).set(std::move(texts->cartVat));
-  at(row, columns.cart_peso).set(trimmedNumber(article.single(source.peso)));
+  at(row, columns.cart_peso).set(trimmedNumber(article.row.single(article.columns.peso)));
 }
 
-void fillPictures(const Statement& article, const ArticleColumns& source, const DerivedColumns& columns,
-                  DerivedRow& row) {
-  const std::string_view link = article.text(source.link);
-  const bool outside = article.flag(source.linkesterno);
-  const bool popup = article.flag(source.popup);
+void fillPictures(const ArticleView& article, const DerivedColumns& columns, DerivedRow& row) {
+  const std::string_view link = article.row.text(article.columns.link);
+  const bool outside = article.row.flag(article.columns.linkesterno);
+  const bool popup = article.row.flag(article.columns.popup);
   std::array<std::string, 3> tags;
   for (std::size_t i = 0; i < tags.size(); ++i) {
-    tags[i] =
-        pictureTag(article.text(source.immagine[i]), article.integer(source.imgX[i]), article.integer(source.imgY[i]));
+    tags[i] = pictureTag(article.row.text(article.columns.immagine[i]), article.row.integer(article.columns.imgX[i]),
+                         article.row.integer(article.columns.imgY[i]));
   }
-  const std::string_view big = article.text(source.immagine[1]);
+  const std::string_view big = article.row.text(article.columns.immagine[1]);
   if (popup && !big.empty()) {
-    const auto width = article.isNull(source.imgX[1]) ? popupWidth : article.integer(source.imgX[1]);
-    const auto height = article.isNull(source.imgY[1]) ? popupHeight : article.integer(source.imgY[1]);
+    const auto width =
+        article.row.isNull(article.columns.imgX[1]) ? popupWidth : article.row.integer(article.columns.imgX[1]);
+    const auto height =
+        article.row.isNull(article.columns.imgY[1]) ? popupHeight : article.row.integer(article.columns.imgY[1]);
     std::string script = "javascript:PopupImage('";
     script.append(big).append("',").append(std::to_string(width)).append(",").append(std::to_string(height));
     at(row, columns.immagine[0]).set(PutOnClick(tags[0], script.append("); return false;")));
@@ -77,24 +80,23 @@ void fillPictures(const Statement& article, const ArticleColumns& source, const 
   at(row, columns.immagine[2]).set(PutLink(tags[2], link, outside));
 }
 
-void fillTexts(const Statement& article, const ArticleColumns& source, const ArticleRules& rules,
-               const DerivedColumns& columns, DerivedRow& row) {
-  const std::string_view title = article.text(source.titolo);
-  const std::string_view subtitle = article.text(source.sottotitolo);
-  const std::string_view link = article.text(source.link);
-  const bool outside = article.flag(source.linkesterno);
-  at(row, columns.ID).setWhole(article.integer(source.ID));
-  at(row, columns.novita).setWhole(article.flag(source.novita) ? 1 : 0);
-  at(row, columns.catID).set(article.text(source.catID));
-  at(row, columns.codice).set(article.text(source.codice));
-  at(row, columns.correlazione).set(article.text(source.correlazione));
+void fillTexts(const ArticleView& article, const ArticleRules& rules, const DerivedColumns& columns, DerivedRow& row) {
+  const std::string_view title = article.row.text(article.columns.titolo);
+  const std::string_view subtitle = article.row.text(article.columns.sottotitolo);
+  const std::string_view link = article.row.text(article.columns.link);
+  const bool outside = article.row.flag(article.columns.linkesterno);
+  at(row, columns.ID).setWhole(article.row.integer(article.columns.ID));
+  at(row, columns.novita).setWhole(article.row.flag(article.columns.novita) ? 1 : 0);
+  at(row, columns.catID).set(article.row.text(article.columns.catID));
+  at(row, columns.codice).set(article.row.text(article.columns.codice));
+  at(row, columns.correlazione).set(article.row.text(article.columns.correlazione));
   at(row, columns.titolo).set(PutLink(rules.html.TestoHTML(title), link, outside));
   at(row, columns.plain_titolo).set(title);
   at(row, columns.sottotitolo).set(PutLink(rules.html.TestoHTML(subtitle), link, outside));
   at(row, columns.plain_sottotitolo).set(subtitle);
-  at(row, columns.cart_articolo).set(CartArticolo(article.text(source.codice), title));
-  at(row, columns.descrizione).set(article.text(source.descrizione));
-  at(row, columns.note).set(article.text(source.note));
+  at(row, columns.cart_articolo).set(CartArticolo(article.row.text(article.columns.codice), title));
+  at(row, columns.descrizione).set(article.row.text(article.columns.descrizione));
+  at(row, columns.note).set(article.row.text(article.columns.note));
 }
 
 // The text ends inside an attribute: its second quote closes the href it is meant for, the template's own closing
@@ -154,13 +156,13 @@ std::string articleTarget(const ArticlePlace& place) {
   return place.pagina + "#" + formatNumber(std::int64_t{place.contatore}, "#####0");
 }
 
-void fillDerivedRow(const Statement& article, const ArticleColumns& source, const ArticlePlace& place,
-                    const ArticleRules& rules, const DerivedColumns& columns, DerivedRow& row) {
+void fillDerivedRow(const ArticleView& article, const ArticlePlace& place, const ArticleRules& rules,
+                    const DerivedColumns& columns, DerivedRow& row) {
   row.resize(columns.columns.size());
-  fillTexts(article, source, rules, columns, row);
-  fillListini(article, source, columns, row);
-  fillPictures(article, source, columns, row);
-  fillPrices(article, source, place, rules, columns, row);
+  fillTexts(article, rules, columns, row);
+  fillListini(article, columns, row);
+  fillPictures(article, columns, row);
+  fillPrices(article, place, rules, columns, row);
   const std::string position = std::to_string(place.contatore);
   at(row, columns.contatore).set(position);
   for (std::size_t i = 0; i < columns.cart_opzione.size(); ++i) {

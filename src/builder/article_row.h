@@ -26,6 +26,12 @@ struct ArticleColumns {
   std::array<std::array<int, listini>, 4> opzione;
 };
 
+/// The article that a query stands on, with the places of its columns.
+struct ArticleView {
+  const Statement& row;
+  const ArticleColumns& columns;
+};
+
 /// What an article takes from its department and page.
 struct ArticlePlace {
   float vatRate = 0;           ///< aliquota of the department, a fraction
@@ -45,8 +51,8 @@ struct ArticleRules {
 /// The address of an article within the shop: "cat001.php?n=1#3".
 std::string articleTarget(const ArticlePlace& place);
 
-/// Fills `row` from the article that `article` stands on. Throws RunFailure when an amount leaves the range of Money.
-void fillDerivedRow(const Statement& article, const ArticleColumns& source, const ArticlePlace& place,
-                    const ArticleRules& rules, const DerivedColumns& columns, DerivedRow& row);
+/// Fills `row` from an article. Throws RunFailure when an amount leaves the range of Money.
+void fillDerivedRow(const ArticleView& article, const ArticlePlace& place, const ArticleRules& rules,
+                    const DerivedColumns& columns, DerivedRow& row);
 
 }  // namespace kv

@@ -81,15 +81,15 @@ void fillPageTags(BuildRun& run, const DepartmentRun& open, const std::string& p
 void renderArticle(BuildRun& run, DepartmentRun& open, const Statement& article, const ArticleColumns& source) {
   ++open.place.contatore;
   if (run.rows.size() <= run.rowCount) run.rows.emplace_back();
-  fillDerivedRow(article, source, open.place, run.now.rules, run.columns, run.rows[run.rowCount]);
+  fillDerivedRow({article, source}, open.place, run.now.rules, run.columns, run.rows[run.rowCount]);
   ++run.rowCount;
   const std::string target = articleTarget(open.place);
-  const std::string entry = listEntry(run.showcase, run.html, article, source, target);
+  const ArticleView view{article, source};
+  const std::string entry = listEntry(run.showcase, run.html, view, target);
   open.list += entry;
   if (article.flag(source.inelenco)) {
     run.now.siteList += entry;
-    run.now.showcaseCells.push_back(
-        showcaseCell(run.showcase, run.html, article, source, target, run.now.cellTemplate));
+    run.now.showcaseCells.push_back(showcaseCell(run.showcase, run.html, view, target, run.now.cellTemplate));
   }
 }
 

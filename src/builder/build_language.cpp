@@ -2,7 +2,6 @@
 // row that are the same on all pages.
 
 #include <cerrno>
-#include <set>
 
 #include "builder/build_run.h"
 #include "builder/link_naming.h"
@@ -115,28 +114,18 @@ void readDepartments(BuildRun& run) {
   while (must(query.step())) run.now.departments.push_back(departmentOf(FieldRow(query)));
 }
 
-// Each variant that some article uses in some slot of some listino gets one row.
+// Each variant that some article uses gets one row.
 void fillVariants(BuildRun& run) {
-  std::set<std::int64_t> known;
   Statement insert =
       must(run.build.prepare("INSERT INTO opzioni" + run.now.lingua + " (ID, nomeopzione, opzione) VALUES (?, ?, ?)"));
-  for (int slot = 1; slot <= 4; ++slot) {
-    for (int n = 0; n < listini; ++n) {
-      const std::string column = variantColumn(slot, n);
-      Statement query = must(run.session.catalogue.prepare("SELECT DISTINCT " + column + " FROM articoli WHERE " +
-                                                           column + " > 1 ORDER BY 1"));
-      while (must(query.step())) {
-        const std::int64_t variant = query.integer(0);
-        if (!known.insert(variant).second) continue;
-        const std::string name = run.parts.CreaNomeOpzione ? run.parts.CreaNomeOpzione(variant, run.now.lingua) : "";
-        const std::string list =
-            run.parts.InserisciOpzione ? run.parts.InserisciOpzione(variant, run.now.lingua, name) : "";
-        insert.bind(1, variant);
-        insert.bind(2, std::string_view(name));
-        insert.bind(3, std::string_view(list));
-        must(insert.execute());
-      }
-    }
+  for (const std::int64_t variant : run.survey.variants) {
+    const std::string name = run.parts.CreaNomeOpzione ? run.parts.CreaNomeOpzione(variant, run.now.lingua) : "";
+    const std::string list =
+        run.parts.InserisciOpzione ? run.parts.InserisciOpzione(variant, run.now.lingua, name) : "";
+    insert.bind(1, variant);
+    insert.bind(2, std::string_view(name));
+    insert.bind(3, std::string_view(list));
+    must(insert.execute());
   }
 }
 
@@ -145,10 +134,8 @@ void measure(BuildRun& run) {
   Meter& meter = run.meter;
   meter.departmentsDone = meter.articlesDone = 0;
   if (meter.maximum > 1 || run.now.departments.empty()) return;
-  const Value articles =
-      must(run.session.catalogue.scalar("SELECT COUNT(*) FROM articoli WHERE fuoricatalogo IS NOT TRUE"));
   meter.departments = static_cast<int>(run.now.departments.size());
-  meter.articles = static_cast<int>(asInteger(articles));
+  meter.articles = run.survey.sellable;
   meter.step = static_cast<double>(static_cast<float>(
       workingSteps / (static_cast<double>(meter.departments + meter.articles) * run.languages.count)));
   meter.maximum = allSteps;

@@ -1,5 +1,8 @@
 // Preparation of a build, once for all languages: token, modules, settings, build database.
 
+#include <array>
+#include <set>
+
 #include "builder/build_run.h"
 #include "platform/files.h"
 #include "platform/number_form.h"
@@ -11,6 +14,8 @@ namespace {
 
 constexpr int tokenLength = 20;
 constexpr std::uint32_t tokenLetters = 26;
+constexpr int variantSlots = 4;
+constexpr std::int64_t noVariant = 1;  // the fixed variant "(nessuna)"; 0 and null mean the same
 
 std::string newToken(RandomSource& random) {
   std::string token;
@@ -25,6 +30,14 @@ void writeMarker(BuildRun& run) {
     static_cast<void>(deleteFile(run.online(name)));
   }
   static_cast<void>(writeText(run.online(run.token + ".sc"), std::to_string(run.session.languageCount) + "\r\n"));
+}
+
+// A build that was killed may have left the file it was writing beside the page that it was to replace.
+void sweep(const BuildRun& run) {
+  for (const std::string& folder : {run.session.onlineFolder, run.session.scriptFolder, run.session.ShopFolder,
+                                    joinPath(run.session.ShopFolder, "db")}) {
+    removeUnfinishedFiles(folder);
+  }
 }
 
 void checkLanguageModules(const BuildRun& run) {
@@ -103,19 +116,38 @@ void copyDepartments(BuildRun& run) {
   }
 }
 
+// One walk instead of a query for each of the forty variant columns.
+void surveyArticles(BuildRun& run) {
+  std::string names = "fuoricatalogo";
+  for (int slot = 1; slot <= variantSlots; ++slot) {
+    for (int n = 0; n < listini; ++n) names += ", " + variantColumn(slot, n);
+  }
+  std::array<std::set<std::int64_t>, variantSlots * listini> found;
+  Statement read = must(run.session.catalogue.prepare("SELECT " + names + " FROM articoli"));
+  while (must(read.step())) {
+    if (!read.flag(0)) ++run.survey.sellable;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      const std::int64_t variant = read.integer(static_cast<int>(i) + 1);
+      if (variant > noVariant) found[i].insert(variant);
+    }
+  }
+  std::set<std::int64_t> known;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    if (i < listini) run.survey.inFirstSlots.insert(found[i].begin(), found[i].end());
+    for (const std::int64_t variant : found[i]) {
+      if (known.insert(variant).second) run.survey.variants.push_back(variant);
+    }
+  }
+}
+
 // The option codes of the variants that stand in the first slot of some listino; those of the other slots alone are
 // not looked for.
 void copyOptionCodes(BuildRun& run) {
-  std::string condition;
-  for (int n = 0; n < listini; ++n) {
-    condition += condition.empty() ? "" : " OR ";
-    condition += "OpID IN (SELECT " + variantColumn(1, n) + " FROM articoli)";
-  }
-  Statement read = must(run.session.catalogue.prepare(
-      "SELECT ID, TRIM(codice), OpID FROM dettagliop WHERE codice <> '' AND OpID <> 1 AND (" + condition +
-      ") ORDER BY ID"));
+  Statement read = must(
+      run.session.catalogue.prepare("SELECT ID, TRIM(codice), OpID FROM dettagliop WHERE codice <> '' ORDER BY ID"));
   Statement write = must(run.build.prepare("INSERT INTO opcodici (ID, codice, OpID) VALUES (?, ?, ?)"));
   while (must(read.step())) {
+    if (!run.survey.inFirstSlots.contains(read.integer(2))) continue;
     write.bind(1, read.integer(0));
     write.bind(2, read.text(1));
     write.bind(3, read.integer(2));
@@ -128,6 +160,7 @@ void copyOptionCodes(BuildRun& run) {
 void prepareBuild(BuildRun& run) {
   const std::string& folder = run.session.ShopFolder;
   run.token = newToken(run.around.random);
+  sweep(run);
   writeMarker(run);
   checkLanguageModules(run);
   readSettings(run);
@@ -140,6 +173,7 @@ void prepareBuild(BuildRun& run) {
   run.build = must(Database::open(buildPath, OpenMode::Scratch));
   must(run.build.begin());
   copyDepartments(run);
+  surveyArticles(run);
   copyOptionCodes(run);
 }
 

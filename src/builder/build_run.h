@@ -3,6 +3,7 @@
 
 #include <array>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,13 @@ struct Meter {
   int articlesDone = 0, articles = 0;
 };
 
+/// What one walk over all articles of the catalogue finds out, excluded ones counted too where variants are concerned.
+struct ArticleSurvey {
+  int sellable = 0;                     ///< articles that aren't excluded from the shop
+  std::vector<std::int64_t> variants;   ///< in use, by slot, then listino, then number; each once
+  std::set<std::int64_t> inFirstSlots;  ///< those that stand in the first slot of some listino
+};
+
 /// Values that hold for one language.
 struct LanguageRun {
   int number = 1;
@@ -83,6 +91,7 @@ struct BuildRun {
   float factor = 1;  ///< fattore di negozio
   std::string redirectScript;
   ShowcaseSettings showcase;
+  ArticleSurvey survey;
   Database build;  ///< db/sql.mdb
   Database tags;   ///< source.mdb
   FileList files;

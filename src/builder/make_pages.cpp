@@ -86,6 +86,7 @@ BuildRun::BuildRun(Session& openSession, Surroundings& open, const BuildParts& o
   languages.codes = session.languageNames;
   languages.languagesFolder = joinPath(open.applicationFolder, "languages");
   languages.pageExtension = pageExtension;
+  languages.flags = readFlagSizes(languages);
 }
 
 void BuildRun::checkCancel() const {

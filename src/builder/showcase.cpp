@@ -15,8 +15,9 @@ constexpr int defaultColumns = 3;
 constexpr int mostColumns = 10;
 constexpr int fullWidth = 100;  // percent
 
-std::string thirdPicture(const Statement& article, const ArticleColumns& source) {
-  return pictureTag(article.text(source.immagine[2]), article.integer(source.imgX[2]), article.integer(source.imgY[2]));
+std::string thirdPicture(const ArticleView& article) {
+  return pictureTag(article.row.text(article.columns.immagine[2]), article.row.integer(article.columns.imgX[2]),
+                    article.row.integer(article.columns.imgY[2]));
 }
 
 std::string phpCall(std::string_view function, std::int64_t id) {
@@ -30,47 +31,54 @@ std::string sizeText(const Statement& article, int name, int size, int width) {
   return formatNumber(article.integer(size), "#####");
 }
 
-std::string ownCell(const ShowcaseSettings& settings, const HtmlText& html, const Statement& article,
-                    const ArticleColumns& source, std::string_view target) {
+std::string ownCell(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,
+                    std::string_view target) {
   std::string cell = "<a href=\"";
   cell.append(target).append("\">");
-  std::string picture = thirdPicture(article, source);
+  std::string picture = thirdPicture(article);
   if (!picture.empty()) {
     picture.insert(picture.size() - 1, settings.alignStyle);
     cell.append(" ").append(picture);
   }
   cell.append("</a>");
   if (settings.singleArticle) cell = replaceAll(cell, "#", "&prod=");
-  const std::int64_t id = article.integer(source.ID);
-  if (settings.options & showTitle) cell.append("<BR><B>" + html.TestoHTML(article.text(source.titolo)) + "</B>");
-  if (settings.options & showSubtitle) cell.append("<BR>" + html.TestoHTML(article.text(source.sottotitolo)));
-  if (settings.options & showDescription) cell.append("<BR>" + html.TestoHTML(article.text(source.descrizione)));
-  if (settings.options & showPrice) cell.append("<BR>" + phpCall("ArtPrice", id));
-  if (settings.options & showExchange) cell.append("<BR>" + phpCall("ArtCambio", id));
+  const std::int64_t id = article.row.integer(article.columns.ID);
+  if (settings.options & showcase_option::title)
+    cell.append("<BR><B>" + html.TestoHTML(article.row.text(article.columns.titolo)) + "</B>");
+  if (settings.options & showcase_option::subtitle)
+    cell.append("<BR>" + html.TestoHTML(article.row.text(article.columns.sottotitolo)));
+  if (settings.options & showcase_option::description)
+    cell.append("<BR>" + html.TestoHTML(article.row.text(article.columns.descrizione)));
+  if (settings.options & showcase_option::price) cell.append("<BR>" + phpCall("ArtPrice", id));
+  if (settings.options & showcase_option::exchange) cell.append("<BR>" + phpCall("ArtCambio", id));
   return cell;
 }
 
 // One placeholder after the other, a longer one before its prefix.
-std::string templateCell(const ShowcaseSettings& settings, const HtmlText& html, const Statement& article,
-                         const ArticleColumns& source, std::string_view target, std::string_view cellTemplate) {
+std::string templateCell(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,
+                         std::string_view target, std::string_view cellTemplate) {
   const std::array<std::pair<std::string_view, std::string_view>, 4> texts{
-      {{"%code", article.text(source.codice)},
-       {"%title", article.text(source.titolo)},
-       {"%subtitle", article.text(source.sottotitolo)},
-       {"%description", article.text(source.descrizione)}}};
+      {{"%code", article.row.text(article.columns.codice)},
+       {"%title", article.row.text(article.columns.titolo)},
+       {"%subtitle", article.row.text(article.columns.sottotitolo)},
+       {"%description", article.row.text(article.columns.descrizione)}}};
   std::string cell(cellTemplate);
   for (const auto& [name, text] : texts) {
     cell = replaceAll(cell, std::string(name) + "_html", html.TestoHTML(text));
   }
   cell = replaceAll(cell, "%link", settings.singleArticle ? replaceAll(target, "#", "&prod=") : std::string(target));
   for (const auto& [name, text] : texts) cell = replaceAll(cell, name, text);
-  for (std::size_t i = 0; i < source.immagine.size(); ++i) {
+  for (std::size_t i = 0; i < article.columns.immagine.size(); ++i) {
     const std::string number = std::to_string(i + 1);
-    cell = replaceAll(cell, "%image" + number, article.text(source.immagine[i]));
-    cell = replaceAll(cell, "%x" + number, sizeText(article, source.immagine[i], source.imgX[i], source.imgX[i]));
-    cell = replaceAll(cell, "%y" + number, sizeText(article, source.immagine[i], source.imgY[i], source.imgX[i]));
+    cell = replaceAll(cell, "%image" + number, article.row.text(article.columns.immagine[i]));
+    cell = replaceAll(
+        cell, "%x" + number,
+        sizeText(article.row, article.columns.immagine[i], article.columns.imgX[i], article.columns.imgX[i]));
+    cell = replaceAll(
+        cell, "%y" + number,
+        sizeText(article.row, article.columns.immagine[i], article.columns.imgY[i], article.columns.imgX[i]));
   }
-  const std::int64_t id = article.integer(source.ID);
+  const std::int64_t id = article.row.integer(article.columns.ID);
   cell = replaceAll(cell, "%price", phpCall("ArtPrice", id));
   cell = replaceAll(cell, "%change", phpCall("ArtCambio", id));
   return replaceAll(cell, "%offer", phpCall("VetOfferta", id));
@@ -98,27 +106,27 @@ int showcaseColumns(double columns) {
   return columns > mostColumns ? mostColumns : static_cast<int>(columns);
 }
 
-std::string listEntry(const ShowcaseSettings& settings, const HtmlText& html, const Statement& article,
-                      const ArticleColumns& source, std::string_view target) {
+std::string listEntry(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,
+                      std::string_view target) {
   std::string entry = "<a href=\"";
   entry.append(target).append("\">");
-  if (settings.listPhoto) entry.append(thirdPicture(article, source)).append("<BR>");
+  if (settings.listPhoto) entry.append(thirdPicture(article)).append("<BR>");
   if (settings.listCode) {
-    entry.append(article.text(source.codice));
+    entry.append(article.row.text(article.columns.codice));
     if (settings.listTitle || settings.listSubtitle) entry.append("<BR>");
   }
   if (settings.listTitle) {
-    entry.append(html.TestoHTML(article.text(source.titolo)));
+    entry.append(html.TestoHTML(article.row.text(article.columns.titolo)));
     if (settings.listSubtitle) entry.append("<BR>");
   }
-  if (settings.listSubtitle) entry.append(html.TestoHTML(article.text(source.sottotitolo)));
+  if (settings.listSubtitle) entry.append(html.TestoHTML(article.row.text(article.columns.sottotitolo)));
   return entry.append("</a><BR>&nbsp;<BR>");
 }
 
-std::string showcaseCell(const ShowcaseSettings& settings, const HtmlText& html, const Statement& article,
-                         const ArticleColumns& source, std::string_view target, std::string_view cellTemplate) {
-  return cellTemplate.empty() ? ownCell(settings, html, article, source, target)
-                              : templateCell(settings, html, article, source, target, cellTemplate);
+std::string showcaseCell(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,
+                         std::string_view target, std::string_view cellTemplate) {
+  return cellTemplate.empty() ? ownCell(settings, html, article, target)
+                              : templateCell(settings, html, article, target, cellTemplate);
 }
 
 std::string showcaseTable(const ShowcaseSettings& settings, const std::vector<std::string>& cells) {

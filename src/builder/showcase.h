@@ -23,18 +23,24 @@ struct ShowcaseSettings {
   bool showsList() const { return listCode || listTitle || listPhoto; }
 };
 
-enum ShowcaseOption { showTitle = 1, showSubtitle = 2, showDescription = 4, showPrice = 8, showExchange = 16 };
+namespace showcase_option {
+inline constexpr int title = 1;
+inline constexpr int subtitle = 2;
+inline constexpr int description = 4;
+inline constexpr int price = 8;
+inline constexpr int exchange = 16;
+}  // namespace showcase_option
 
 /// The number of showcase columns: below 1 it becomes 3, above 10 it becomes 10.
 int showcaseColumns(double columns);
 
 /// The entry of an article in its department's list: picture and texts as a link to `target`.
-std::string listEntry(const ShowcaseSettings& settings, const HtmlText& html, const Statement& article,
-                      const ArticleColumns& source, std::string_view target);
+std::string listEntry(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,
+                      std::string_view target);
 
 /// The cell of an article in the showcase, made from the template's own cell when there is one (not empty).
-std::string showcaseCell(const ShowcaseSettings& settings, const HtmlText& html, const Statement& article,
-                         const ArticleColumns& source, std::string_view target, std::string_view cellTemplate);
+std::string showcaseCell(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,
+                         std::string_view target, std::string_view cellTemplate);
 
 /// The table of the cells, with the PHP function VetOfferta behind it when a cell calls it; empty without cells.
 std::string showcaseTable(const ShowcaseSettings& settings, const std::vector<std::string>& cells);

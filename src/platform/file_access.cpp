@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <limits>
 #include <system_error>
 
 #include "platform/clock.h"
@@ -39,11 +40,13 @@ ErrorKind kindOf(int number) {
   }
 }
 
-// ".<name>.kvtmp" and eight random letters; a long name is cut, since 255 bytes are the limit of most file systems.
+// ".<name>.kvtmp" and eight random letters from a to p; a long name is cut, since 255 bytes are the limit of most file
+// systems.
 std::string unfinishedPath(const std::string& target) {
   constexpr std::size_t longestKept = 200;
   std::string name = "." + std::string(baseName(target).substr(0, longestKept)) + std::string(unfinishedMark);
-  for (std::size_t i = 0; i < unfinishedLetters; ++i) name += static_cast<char>('a' + systemRandom().below(26));
+  std::uint32_t chance = systemRandom().below(std::numeric_limits<std::uint32_t>::max());
+  for (std::size_t i = 0; i < unfinishedLetters; ++i, chance /= 16) name += static_cast<char>('a' + chance % 16);
   return joinPath(folderOf(target), name);
 }
 

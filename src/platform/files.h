@@ -60,6 +60,9 @@ Result<> copyFile(const std::string& from, const std::string& to);
 Result<> copyTree(const std::string& from, const std::string& to);
 /// Deletes the files of a folder, subfolders untouched. Stops at the first failure. Missing when the folder is.
 Result<> emptyFolder(const std::string& path);
+/// Removes what a write or a copy that was killed left unfinished in a folder (not below it). Nobody else may be
+/// writing there.
+void removeUnfinishedFiles(const std::string& folder);
 /// Gives the owner write permission on every file and folder below `path`, itself included. Links aren't followed.
 Result<> makeWritable(const std::string& path);
 

@@ -223,6 +223,16 @@ Result<> emptyFolder(const std::string& path) {
   return {};
 }
 
+void removeUnfinishedFiles(const std::string& folder) {
+  const auto entries = entriesOf(folder);
+  if (!entries) return;
+  for (const Entry& entry : *entries) {
+    if (entry.kind == EntryKind::File && isUnfinishedName(entry.name)) {
+      static_cast<void>(deleteFile(joinPath(folder, entry.name)));
+    }
+  }
+}
+
 Result<> makeWritable(const std::string& path) {
   if (auto changed = addOwnerWrite(path); !changed) return changed;
   struct stat status {};

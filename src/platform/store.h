@@ -34,8 +34,18 @@ namespace kv {
 
 /// Column types with the codes that the SQL export's type map goes by.
 enum class ColumnType {
-  Bool = 1, Byte = 2, Int = 3, Long = 4, Money = 5, Single = 6, Double = 7, DateTime = 8, Binary = 9, Text = 10,
-  LongBinary = 11, Memo = 12
+  Bool = 1,
+  Byte = 2,
+  Int = 3,
+  Long = 4,
+  Money = 5,
+  Single = 6,
+  Double = 7,
+  DateTime = 8,
+  Binary = 9,
+  Text = 10,
+  LongBinary = 11,
+  Memo = 12
 };
 
 constexpr unsigned autoIncrement = 16;        ///< column attribute: the automatic key

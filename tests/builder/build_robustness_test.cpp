@@ -59,10 +59,10 @@ int runWithFileLimit(rlim_t bytes, const std::function<bool()>& routine) {
 TEST(BuildRobustnessTest, AFullDiskIsReportedAndTheOldPagesStay) {
   TempShop shop;
   fillShop(shop);
-  shop.templateFile("index.htm", "<html>" + std::string(20000, 'a') + "</html>");
+  shop.templateFile("index.htm", "<html><<1-home1>></html>");
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   const std::string before = shop.page("index.php");
-  shop.templateFile("index.htm", "<html>" + std::string(4000000, 'b') + "</html>");
+  shop.sql("UPDATE generale SET home1 = '" + std::string(4000000, 'b') + "'");
   // Room for the databases, which grow to some hundred KiB, but not for the page.
   shop.user.shown.clear();
   const int result = runWithFileLimit(2000000, [&shop] {
@@ -102,7 +102,7 @@ TEST(BuildRobustnessTest, AKillAtAnyMomentIsRepairedByTheNextBuild) {
     shop.session.catalogue = std::move(*catalogue);
     shop.random = FixedRandom();
     ASSERT_EQ(shop.build(), BuildOutcome::Done) << "round " << round;
-    ASSERT_EQ(contents(shop.session.onlineFolder), wanted) << "round " << round;
+    ASSERT_TRUE(contents(shop.session.onlineFolder) == wanted) << "round " << round;
     ASSERT_EQ(shop.rows("SELECT ID, pagina, titolo FROM articoli ORDER BY ID"), rows) << "round " << round;
     ASSERT_FALSE(folderExists(shop.folder() + "/tmp"));
   }
@@ -119,7 +119,7 @@ TEST(BuildRobustnessTest, AMissingSeedIsReportedAndThePagesStay) {
     EXPECT_EQ(shop.build(), BuildOutcome::Failed) << seed;
     ASSERT_EQ(shop.user.shown.size(), 1U);
     EXPECT_THAT(shop.user.shown[0].text, HasSubstr(seed));
-    EXPECT_EQ(contents(shop.session.onlineFolder), before);
+    EXPECT_TRUE(contents(shop.session.onlineFolder) == before);
   }
 }
 
