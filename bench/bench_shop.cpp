@@ -153,6 +153,7 @@ void BenchShop::clearOutput() {
 
 FloorWork BenchShop::loadFloor() {
   FloorWork work;
+  std::filesystem::remove_all(folder_ + "/floor");
   Database build = need(Database::open(folder_ + "/shop/db/sql.mdb", OpenMode::ReadOnly));
   std::vector<std::string> tables{"articoli", "dettaglio", "ordinamento"};
   for (int i = 1; i < languages_; ++i)
@@ -179,8 +180,7 @@ FloorWork BenchShop::loadFloor() {
 }
 
 bool BenchShop::runFloor(const FloorWork& work) {
-  const std::string path = folder_ + "/floor.mdb";
-  std::filesystem::remove(path);
+  const std::string path = folder_ + "/floor/floor.mdb";
   std::filesystem::create_directories(folder_ + "/floor");
   std::filesystem::copy_file(folder_ + "/shop/new.mdb", path);
   Database database = need(Database::open(path, OpenMode::Scratch));

@@ -63,7 +63,8 @@ Result<> emptyFolder(const std::string& path);
 /// Removes what a write or a copy that was killed left unfinished in a folder (not below it). Nobody else may be
 /// writing there.
 void removeUnfinishedFiles(const std::string& folder);
-/// Gives the owner write permission on every file and folder below `path`, itself included. Links aren't followed.
+/// Gives the owner write permission on every file and folder below `path`, itself included. ReadOnly when the disk
+/// itself can't be written. Links aren't followed.
 Result<> makeWritable(const std::string& path);
 
 /// "folder/name"; no doubled separator; the other one when one of the two is empty. baseName: behind the last "/".

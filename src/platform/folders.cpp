@@ -1,6 +1,7 @@
 // Listings and whole trees; single files are in files.cpp.
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/statvfs.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -234,6 +235,8 @@ void removeUnfinishedFiles(const std::string& folder) {
 }
 
 Result<> makeWritable(const std::string& path) {
+  struct statvfs disk {};
+  if (::statvfs(path.c_str(), &disk) == 0 && (disk.f_flag & ST_RDONLY) != 0) return systemFailure(EROFS, path);
   if (auto changed = addOwnerWrite(path); !changed) return changed;
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return {};
