@@ -15,6 +15,7 @@ namespace {
 constexpr int tokenLength = 20;
 constexpr std::uint32_t tokenLetters = 26;
 constexpr int variantSlots = 4;
+constexpr std::size_t variantColumns = std::size_t{variantSlots} * listini;
 constexpr std::int64_t noVariant = 1;  // the fixed variant "(nessuna)"; 0 and null mean the same
 
 std::string newToken(RandomSource& random) {
@@ -122,7 +123,7 @@ void surveyArticles(BuildRun& run) {
   for (int slot = 1; slot <= variantSlots; ++slot) {
     for (int n = 0; n < listini; ++n) names += ", " + variantColumn(slot, n);
   }
-  std::array<std::set<std::int64_t>, variantSlots * listini> found;
+  std::array<std::set<std::int64_t>, variantColumns> found;
   Statement read = must(run.session.catalogue.prepare("SELECT " + names + " FROM articoli"));
   while (must(read.step())) {
     if (!read.flag(0)) ++run.survey.sellable;

@@ -20,13 +20,15 @@ struct Colour {
 };
 
 /// Width and height of a GIF, JPEG, PNG or BMP, in pixels, each at least 1. Malformed when the bytes are none of these
-/// or end before the size. Only the headers are read: what follows them may be damaged.
+/// or their header is damaged, cut off or asks for more than the kind's library takes (PNG a million, JPEG 65500 on a
+/// side). Only the header is read, of a GIF up to its palette, of the others up to the data: what follows may be
+/// damaged.
 Result<ImageSize> imageSizeOf(std::string_view bytes);
 /// The same of a file. Failures: as readBytes, Malformed.
 Result<ImageSize> imageSize(const std::string& path);
 /// The pixel at (0, 0) of a GIF, by its first frame. A transparent pixel gives the colour that its palette entry holds;
 /// where the frame leaves the corner free, the background colour counts. Only as much is decoded as the pixel needs.
-/// Malformed when it can't be decoded or is larger than 64 million pixels.
+/// Malformed when it can't be decoded, when the palette lacks its colour, or above 64 million pixels.
 Result<Colour> firstPixelOf(std::string_view bytes);
 Result<Colour> firstPixel(const std::string& path);
 

@@ -62,12 +62,12 @@ const char* setUpOf(OpenMode mode) {
   switch (mode) {
     case OpenMode::Exclusive:
       // Leaving another journal mode can give the lock up, so it is taken before and behind it.
-      return "PRAGMA main.locking_mode=EXCLUSIVE; PRAGMA synchronous=FULL; PRAGMA cache_size=-8000;"
+      return "PRAGMA main.locking_mode=EXCLUSIVE; PRAGMA synchronous=FULL; PRAGMA cache_size=-2000;"
              "BEGIN EXCLUSIVE; COMMIT; PRAGMA main.journal_mode=TRUNCATE; BEGIN EXCLUSIVE; COMMIT";
     case OpenMode::Scratch:
       // The journal in memory holds what stood in changed pages before, which in a new file is next to nothing,
       // and keeps rollback possible.
-      return "PRAGMA main.locking_mode=EXCLUSIVE; PRAGMA main.synchronous=OFF; PRAGMA cache_size=-16000;"
+      return "PRAGMA main.locking_mode=EXCLUSIVE; PRAGMA main.synchronous=OFF; PRAGMA cache_size=-2000;"
              "PRAGMA secure_delete=OFF; BEGIN EXCLUSIVE; COMMIT; PRAGMA main.journal_mode=MEMORY;"
              "BEGIN EXCLUSIVE; COMMIT";
     case OpenMode::Shared:

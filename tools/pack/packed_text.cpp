@@ -21,7 +21,7 @@ Result<std::string> expanded(std::string_view text, const PartSource& part, int 
     std::optional<std::string> found = part(name);
     if (!found) return fail(ErrorKind::Malformed, "", "no part is named " + std::string(name));
     if (found->ends_with('\n')) found->pop_back();
-    const Result<std::string> inner = expanded(*found, part, depth + 1);
+    Result<std::string> inner = expanded(*found, part, depth + 1);
     if (!inner) return inner;
     out += text.substr(from, open - from);
     out += *inner;
