@@ -79,8 +79,11 @@ Result<Database> Database::create(const std::string& path) {
   if (auto made = createEmptyFile(path); !made) return fail(made.error());
   sqlite3* handle = nullptr;
   int code = sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+  // Articles are wide: pages of 8 KiB hold two or three of them, where the usual 4 KiB hold one and waste the rest.
   // The number (the letters "Korv") makes the engine write the first page, and tells the file's program to others.
-  if (code == SQLITE_OK) code = engine::run(handle, "PRAGMA auto_vacuum=NONE; PRAGMA application_id=1265594998");
+  if (code == SQLITE_OK) {
+    code = engine::run(handle, "PRAGMA page_size=8192; PRAGMA auto_vacuum=NONE; PRAGMA application_id=1265594998");
+  }
   if (code != SQLITE_OK) {
     Error error = engine::errorOf(handle, code, path);
     sqlite3_close_v2(handle);

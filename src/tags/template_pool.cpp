@@ -1,6 +1,7 @@
 // The two pools of a language. Names are the same name in any case, as the merchant's own system has it: a file copied
 // over one of another case takes the name that stands there.
-#include <unordered_map>
+#include <map>
+#include <optional>
 #include <unordered_set>
 
 #include "platform/files.h"
@@ -16,37 +17,53 @@ constexpr std::string_view pagePattern = "*.*htm*";
 constexpr std::string_view modelPattern = "modello*.htm";
 constexpr std::string_view scriptPatterns[] = {"*.js", "*.pl", "*.asp", "*.php"};
 
-/// One folder of the pools. Failures are left aside: a file that can't be copied is missed where it is used.
+/// One folder of the pools: first it is settled which file goes in under which name, then each is put there once.
+/// Failures are left aside: a file that can't be copied is missed where it is used.
 class Pool {
  public:
   explicit Pool(std::string folder) : folder_(std::move(folder)) {
     static_cast<void>(createFolder(folder_));
-    clear();
+    for (const std::string& name : listFiles(folder_, "*.*")) static_cast<void>(deleteFile(joinPath(folder_, name)));
   }
   const std::string& folder() const { return folder_; }
 
-  void copy(const std::string& from, const std::string& name) {
-    const auto entry = names_.try_emplace(foldCase(name), name).first;
-    static_cast<void>(copyFile(joinPath(from, name), joinPath(folder_, entry->second)));
+  /// A file of a folder goes in, over one of the same name.
+  void add(const std::string& from, const std::string& name) {
+    const auto entry = entries_.try_emplace(foldCase(name), Entry{name, ""}).first;
+    entry->second.source = joinPath(from, name);
   }
-  void replaceReferences(std::string_view pattern, const ReferenceReplacer& replacer) const {
-    for (const std::string& name : listFiles(folder_, pattern)) {
-      const std::string path = joinPath(folder_, name);
-      const auto text = readText(path);
-      if (!text) continue;
-      if (const std::string renewed = replacer.apply(*text); renewed != *text) {
-        static_cast<void>(writeText(path, renewed));
-      }
+  /// Puts the files there. With a replacer, those that match the pattern have their references rewritten on the way.
+  void fill(std::string_view pattern, const ReferenceReplacer* replacer) const {
+    for (const auto& [folded, entry] : entries_) {
+      const std::string target = joinPath(folder_, entry.name);
+      const bool isRewritten = replacer != nullptr && (pattern == everyFile || matchesWildcard(entry.name, pattern));
+      if (!isRewritten || !rewrite(entry.source, target, *replacer)) static_cast<void>(copyFile(entry.source, target));
     }
   }
+  /// Rewrites the references of files that are there already.
+  void rewriteInPlace(const ReferenceReplacer& replacer) const {
+    for (const std::string& name : listFiles(folder_, everyFile)) {
+      const std::string path = joinPath(folder_, name);
+      static_cast<void>(rewrite(path, path, replacer));
+    }
+  }
+  static constexpr std::string_view everyFile = "*.*";
 
  private:
-  void clear() const {
-    for (const std::string& name : listFiles(folder_, "*.*")) static_cast<void>(deleteFile(joinPath(folder_, name)));
+  struct Entry {
+    std::string name;
+    std::string source;
+  };
+  // False when nothing was written: the file can't be read, or it holds no such reference.
+  static bool rewrite(const std::string& from, const std::string& to, const ReferenceReplacer& replacer) {
+    const auto text = readText(from);
+    if (!text) return false;
+    const std::string renewed = replacer.apply(*text);
+    return renewed != *text && writeText(to, renewed).has_value();
   }
 
   std::string folder_;
-  std::unordered_map<std::string, std::string> names_;  // folded name to name
+  std::map<std::string, Entry> entries_;  // by folded name
 };
 
 /// The names whose references are rewritten, in the order in which they came.
@@ -77,13 +94,13 @@ void fillTemplatePool(const PoolSources& sources, Pool& pool, NameList& list) {
     if (!matchesLike(name, modelPattern)) list.add(name);
   }
   for (const std::string& name : listFiles(package, "*.*")) {
-    pool.copy(package, name);
+    pool.add(package, name);
     if (CanCopy(name)) list.add(name);
   }
   if (sources.languageCode.empty()) return;
   const std::string language = subfolder(package, sources.languageCode);
   for (const std::string& name : listFiles(language, "*.*")) {
-    pool.copy(language, name);
+    pool.add(language, name);
     if (!matchesLike(name, modelPattern)) list.addNew(name);
   }
 }
@@ -92,7 +109,7 @@ void fillCodePool(const std::string& folder, Pool& pool, NameList& list) {
   const std::string code = subfolder(folder, "code");
   for (const std::string_view pattern : scriptPatterns) {
     for (const std::string& name : listFiles(code, pattern)) {
-      pool.copy(code, name);
+      pool.add(code, name);
       list.add(name);
     }
   }
@@ -116,12 +133,17 @@ Pools CreaPool(const PoolSources& sources, std::string_view lingua) {
   fillTemplatePool(sources, templates, list);
   fillCodePool(sources.applicationFolder, code, list);
   if (!isSameFolder(sources.shopFolder, sources.applicationFolder)) fillCodePool(sources.shopFolder, code, list);
-  if (sources.PatchScript) sources.PatchScript(code.folder());
+
   const bool keepsNames = sources.pageExtension.empty() || equalsIgnoringCase(sources.pageExtension, ".htm");
-  if (!lingua.empty() || !keepsNames) {
-    const ReferenceReplacer replacer(list.names(), sources.pageExtension);
-    templates.replaceReferences(pagePattern, replacer);
-    code.replaceReferences("*.*", replacer);
+  std::optional<ReferenceReplacer> replacer;
+  if (!lingua.empty() || !keepsNames) replacer.emplace(list.names(), sources.pageExtension);
+  const ReferenceReplacer* rewriting = replacer ? &*replacer : nullptr;
+  templates.fill(pagePattern, rewriting);
+  // Patches look for the scripts as the merchant has them, before any reference in them is rewritten.
+  code.fill(Pool::everyFile, sources.PatchScript ? nullptr : rewriting);
+  if (sources.PatchScript) {
+    sources.PatchScript(code.folder());
+    if (rewriting != nullptr) code.rewriteInPlace(*rewriting);
   }
   return {templates.folder(), code.folder()};
 }
