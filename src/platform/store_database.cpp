@@ -8,34 +8,16 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/file_access.h"
 #include "platform/store_engine.h"
 #include "platform/text.h"
 
 namespace kv {
 namespace {
 
-ErrorKind kindOfErrno(int number) {
-  switch (number) {
-    case EEXIST:
-      return ErrorKind::Exists;
-    case ENOENT:
-    case ENOTDIR:
-      return ErrorKind::Missing;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return ErrorKind::ReadOnly;
-    case ENOSPC:
-    case EDQUOT:
-      return ErrorKind::Full;
-    default:
-      return ErrorKind::Other;
-  }
-}
-
 Result<> createEmptyFile(const std::string& path) {
   const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (file < 0) return fail(kindOfErrno(errno), path, std::strerror(errno), errno);
+  if (file < 0) return systemFailure(errno, path);
   ::close(file);
   if (auto writable = engine::checkWritable(path); !writable) {
     unlink(path.c_str());
