@@ -179,11 +179,7 @@ LoadResult CaricaNegozio(Session& session, Surroundings& with) {
 }
 
 std::vector<std::string> templateModels(const std::string& applicationFolder, const std::string& name) {
-  constexpr std::size_t extension = 4;  // ".htm"
-  std::vector<std::string> models =
-      listFiles(joinPath(joinPath(applicationFolder, templateFolder), name), "modello*.htm");
-  for (std::string& model : models) model.resize(model.size() - extension);
-  return models;
+  return pageModels(joinPath(joinPath(applicationFolder, templateFolder), name));
 }
 
 Result<bool> chooseTemplate(Session& session, const Surroundings& with, const std::string& current) {

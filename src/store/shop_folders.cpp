@@ -44,4 +44,10 @@ Result<int> catalogueVersion(Database& catalogue) {
   return static_cast<int>(statement->integer(0));
 }
 
+std::vector<std::string> pageModels(const std::string& packageFolder) {
+  std::vector<std::string> models = listFiles(packageFolder, "modello*.htm");
+  for (std::string& name : models) name.erase(name.rfind('.'));
+  return models;
+}
+
 }  // namespace kv

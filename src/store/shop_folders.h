@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/result.h"
 #include "platform/store.h"
@@ -39,5 +40,8 @@ Result<> SvuotaCartella(const std::string& path);
 
 /// The schema generation in `versione` of `generale`; null reads as 0. Corrupt when the table has no row.
 Result<int> catalogueVersion(Database& catalogue);
+
+/// The page models of a template package: the names of its files modello*.htm, less ".htm".
+std::vector<std::string> pageModels(const std::string& packageFolder);
 
 }  // namespace kv

@@ -15,12 +15,6 @@ std::vector<std::string> templatePackages(const std::string& applicationFolder) 
   return packages;
 }
 
-std::vector<std::string> pageModels(const std::string& packageFolder) {
-  std::vector<std::string> models = listFiles(packageFolder, "modello*.htm");
-  for (std::string& name : models) name.erase(name.rfind('.'));
-  return models;
-}
-
 bool CanCopy(std::string_view nome) {
   if (startsWithIgnoringCase(nome, "kvan_col_")) return false;
   for (const std::string_view ending : {".php", ".kpg", ".pl"}) {

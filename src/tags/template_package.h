@@ -8,13 +8,12 @@
 #include <vector>
 
 #include "platform/result.h"
+#include "store/shop_folders.h"
 
 namespace kv {
 
 /// The packages under "<applicationFolder>/template": names of the folders that hold a modello*.htm, sorted.
 std::vector<std::string> templatePackages(const std::string& applicationFolder);
-/// The page models of a package folder: names of modello*.htm without ".htm".
-std::vector<std::string> pageModels(const std::string& packageFolder);
 
 /// CanCopy: whether a pool file is a plain resource, to be copied as it is.
 bool CanCopy(std::string_view nome);
