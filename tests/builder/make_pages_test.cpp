@@ -280,7 +280,7 @@ TEST(MakePagesTest, PicturesAndResourcesKeepTheirDateSoThatTheyAreNotSentAgain) 
   shop.templateFile("stile.css", "a{}");
   shop.shopFile("work/foto.jpg", "x");
   const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::hours(48);
-  std::filesystem::last_write_time(shop.folder() + "/work/foto.jpg", old);
+  std::filesystem::last_write_time(shop.folder() + "/work" + "/foto.jpg", old);
   std::filesystem::last_write_time(shop.applicationFolder() + "/template/prova/stile.css", old);
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   EXPECT_EQ(std::filesystem::last_write_time(shop.session.onlineFolder + "/foto.jpg"), old);
