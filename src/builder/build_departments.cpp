@@ -27,7 +27,7 @@ struct DepartmentRun {
   Navigation navigation;
   ArticlePlace place;
   std::string list;
-  std::vector<std::string> pages;  // output paths, with their queries
+  std::string firstPage;  // output path of the sub-page that has a file
 };
 
 std::string modelFile(const Department& department) {
@@ -121,7 +121,7 @@ void makeSubPage(BuildRun& run, DepartmentRun& open, ArticleReader& reader, int 
   job.reparto = true;
   job.affiancati = open.columns;
   job.keepForNextPass = true;
-  open.pages.push_back(job.output);
+  if (n == 1) open.firstPage = job.output;
   const bool made = run.wrapper.CreaPagina(job, run.rows, run.rowCount);
   if (!made) throw PageRefused();
   run.files.add(NoASPQuery(job.output));
@@ -142,7 +142,7 @@ void makeDepartment(BuildRun& run, const Department& department, ArticleReader& 
   // the one that has a file.
   run.now.row.set("elenco", run.showcase.showsList() ? open.list : std::string());
   PageJob job;
-  job.input = job.output = open.pages.front();
+  job.input = job.output = open.firstPage;
   run.makePage(job);
   run.meter.position += run.meter.step;
   ++run.meter.departmentsDone;

@@ -173,8 +173,7 @@ void prepareLanguage(BuildRun& run, int number) {
   run.now.number = number;
   run.now.lingua = languageSuffixes[static_cast<std::size_t>(number - 1)];
   makePools(run);
-  const std::string address = publicAddress(run.generale.text("URL"), run.generale.text("cartella"));
-  run.now.IDnegozio = shopNumber(address) + run.now.lingua;
+  run.now.IDnegozio = shopNumber(URLNegozio(run.generale)) + run.now.lingua;
   run.now.siteList = "<BR>";
   probeFolders(run);
   readColours(run);

@@ -85,7 +85,7 @@ void readSettings(BuildRun& run) {
 
 WrapperSettings wrapperSettings(const BuildRun& run) {
   WrapperSettings settings;
-  settings.smartbuild = run.around.settings.get(settingsSection, "smartbuild") != "0";
+  settings.smartbuild = run.session.smartBuild;
   settings.newPhpNames = run.around.settings.get(settingsSection, "PHP4.1VARS") == "1";
   settings.order.registrationRequired = run.generale.flag("regobbl");
   settings.order.pricesForRegisteredOnly = run.generale.flag("regprices");

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/store.h"
+
 namespace kv {
 
 /// TogliTag (strip tags): removes each stretch from a ">" back to the nearest "<" before it, left to right. A ">" with
@@ -18,6 +20,8 @@ struct HtmlText {
   /// TestoHTML (HTML text): a text with a "<" and a ">" behind it is HTML already and stays; otherwise line ends
   /// become <BR> and 61 accented letters their named entities.
   std::string TestoHTML(std::string_view testo) const;
+  /// CampoHTML (HTML field): TestoHTML of a field, empty for a null.
+  std::string CampoHTML(const Value& field) const { return TestoHTML(asText(field)); }
 };
 
 /// TestoJS (JavaScript text): a text made safe as an argument in single quotes within an attribute in double quotes.

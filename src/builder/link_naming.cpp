@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 
+#include "platform/files.h"
 #include "platform/number_form.h"
 #include "platform/text.h"
 
@@ -42,6 +43,14 @@ std::string publicAddress(std::string_view url, std::string_view folder) {
   if (!folder.empty() && folder.front() == '/') folder.remove_prefix(1);
   if (!folder.empty()) address.append("/").append(folder);
   return address;
+}
+
+std::string URLNegozio(const FieldRow& generale) {
+  return publicAddress(generale.text("URL"), generale.text("cartella"));
+}
+
+std::string URLCgi(const FieldRow& generale) {
+  return publicAddress(generale.text("URL"), generale.text("cartellaCGI"));
 }
 
 std::string HTMLColor(Colour colour) {
@@ -129,11 +138,19 @@ std::string absoluteFor(std::string_view page, const Opener& opener, std::string
 
 }  // namespace
 
-std::string MakeAbsolute(std::string_view page, std::string_view shopAddress) {
+std::string absoluteText(std::string_view page, std::string_view shopAddress) {
   const std::string prefix = std::string(shopAddress) + "/";
   std::string text(page);
   for (const Opener& opener : openers) text = absoluteFor(text, opener, prefix);
   return text;
 }
+
+Result<> MakeAbsolute(const std::string& input, const std::string& output, std::string_view shopAddress) {
+  const auto page = readText(input);
+  if (!page) return fail(page.error());
+  return AbsoluteOutput(output, absoluteText(*page, shopAddress));
+}
+
+Result<> AbsoluteOutput(const std::string& file, std::string_view text) { return writeText(file, text); }
 
 }  // namespace kv

@@ -4,7 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "builder/field_row.h"
 #include "platform/image.h"
+#include "platform/result.h"
 
 namespace kv {
 
@@ -14,9 +16,12 @@ std::string PageFile(std::string_view pagina, int n, std::string_view lingua);
 /// NoASPQuery: a name cut behind ".php" when it holds ".php?n="; else unchanged.
 std::string NoASPQuery(std::string_view file);
 
-/// Address and folder as typed (`URL`, and `cartella` or `cartellaCGI` of the settings) made into one public address
-/// without a closing slash. URLNegozio: of the shop; URLCgi: of the scripts.
+/// Address and folder as typed, made into one public address without a closing slash.
 std::string publicAddress(std::string_view url, std::string_view folder);
+/// URLNegozio (shop address): `URL` and `cartella` of the settings as a public address; URLCgi: `URL` and
+/// `cartellaCGI`, the address of the scripts.
+std::string URLNegozio(const FieldRow& generale);
+std::string URLCgi(const FieldRow& generale);
 
 /// HTMLColor: "#RRGGBB" of a colour value with blue in its high byte, then green, then red.
 std::string HTMLColor(std::uint32_t colour);
@@ -29,7 +34,11 @@ std::string ImpostaEstensione(std::string_view text);
 /// IndirizzoIndice (address of the index): the address shown for the shop's first page; empty while `url` is empty.
 std::string IndirizzoIndice(std::string_view url, std::string_view folder, std::string_view extension = ".php");
 
-/// MakeAbsolute: a page's text with the shop's address before each relative SRC, HREF, BACKGROUND and OPTION VALUE.
-std::string MakeAbsolute(std::string_view page, std::string_view shopAddress);
+/// A page's text with the shop's address before each relative SRC, HREF, BACKGROUND and OPTION VALUE.
+std::string absoluteText(std::string_view page, std::string_view shopAddress);
+/// MakeAbsolute: reads a page, makes its addresses absolute and writes it. Failures: as readText, writeText.
+Result<> MakeAbsolute(const std::string& input, const std::string& output, std::string_view shopAddress);
+/// AbsoluteOutput: writes the text in the place of the file. Failures: as writeText.
+Result<> AbsoluteOutput(const std::string& file, std::string_view text);
 
 }  // namespace kv

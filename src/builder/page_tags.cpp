@@ -51,7 +51,7 @@ void fillTexts(PageTagRow& row, const ShopTags& tags) {
        {"testo_contrassegno", "contrassegno"},
        {"testo_anticipato", "anticipato"},
        {"rifiuto", "rifiutato"}}};
-  for (const auto& [tag, column] : texts) row.set(tag, tags.html.TestoHTML(tags.generale.text(column)));
+  for (const auto& [tag, column] : texts) row.set(tag, tags.html.CampoHTML(tags.generale.value(column)));
 }
 
 void fillAsTyped(PageTagRow& row, const ShopTags& tags) {
@@ -72,14 +72,14 @@ void fillAsTyped(PageTagRow& row, const ShopTags& tags) {
 }
 
 void fillAddresses(PageTagRow& row, const ShopTags& tags) {
-  const std::string shop = publicAddress(tags.generale.text("URL"), tags.generale.text("cartella"));
+  const std::string shop = URLNegozio(tags.generale);
   const auto page = [&tags, &shop](std::string_view name) {
     return PutExt(FileLingua(shop + std::string(name), tags.lingua), tags.pageExtension);
   };
   row.set("urlback", page("/payerr.htm"));
   row.set("urldone", page("/payok.htm"));
   row.set("perl_shopURL", shop);
-  row.set("perl_cgiURL", publicAddress(tags.generale.text("URL"), tags.generale.text("cartellaCGI")));
+  row.set("perl_cgiURL", URLCgi(tags.generale));
   for (const std::string_view column : {"CGIsearch", "CGIordine"}) {
     row.set(column, FileLingua(tags.generale.text(column), tags.lingua));
   }

@@ -13,10 +13,7 @@ namespace {
 /// A session that ends with the command.
 class CliSession {
  public:
-  explicit CliSession(Surroundings& with) : with_(with) {
-    const std::string smart = with.settings.get(settingsSection, "smartbuild");
-    session.smartBuild = smart.empty() || smart == "1";
-  }
+  explicit CliSession(Surroundings& with) : with_(with) { session.smartBuild = wantsSmartBuild(with.settings); }
   CliSession(const CliSession&) = delete;
   CliSession& operator=(const CliSession&) = delete;
   ~CliSession() { closeSession(session, with_); }

@@ -15,8 +15,7 @@ namespace {
 void settleSettings(Session& session, Surroundings& with) {
   if (with.settings.get(settingsSection, "smartbuild").empty())
     static_cast<void>(with.settings.set(settingsSection, "smartbuild", "1"));
-  const std::string smart = with.settings.get(settingsSection, "smartbuild");
-  session.smartBuild = smart.empty() || smart == "1";
+  session.smartBuild = wantsSmartBuild(with.settings);
   static_cast<void>(with.settings.set(settingsSection, "Path", with.applicationFolder));
 }
 
@@ -42,6 +41,11 @@ OptionalEntries optionalEntries(const std::string& applicationFolder) {
   entries.availability = fileExists(joinPath(applicationFolder, "ogg.exe"));
   entries.accounting = fileExists(joinPath(applicationFolder, "gwimp.exe"));
   return entries;
+}
+
+bool wantsSmartBuild(const Settings& settings) {
+  const std::string stored = settings.get(settingsSection, "smartbuild");
+  return stored.empty() || stored == "1";
 }
 
 LoadResult startSession(Session& session, Surroundings& with) {

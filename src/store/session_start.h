@@ -18,6 +18,9 @@ struct OptionalEntries {
 };
 OptionalEntries optionalEntries(const std::string& applicationFolder);
 
+/// Whether the settings turn on incremental build: "1", or nothing stored yet.
+bool wantsSmartBuild(const Settings& settings);
+
 /// Starts the program: settles the settings `smartbuild` and `Path`, then loads the session.
 LoadResult startSession(Session& session, Surroundings& with);
 

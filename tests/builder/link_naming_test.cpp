@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/files.h"
+#include "support/temp_folder.h"
+
 namespace kv::test {
 namespace {
 
@@ -38,15 +41,24 @@ TEST(LinkNamingTest, TheIndexAddressIsEmptyWhileTheSiteHasNone) {
 }
 
 TEST(LinkNamingTest, RelativeAddressesBecomeAbsoluteAndTheOthersStay) {
-  EXPECT_EQ(MakeAbsolute("<img src=\"a.gif\"><a HREF=\"http://x\"><a href=\"<<1-x>>\"><a href=\"$arg1\">", "http://s"),
+  EXPECT_EQ(absoluteText("<img src=\"a.gif\"><a HREF=\"http://x\"><a href=\"<<1-x>>\"><a href=\"$arg1\">", "http://s"),
             "<img src=\"http://s/a.gif\"><a HREF=\"http://x\"><a href=\"<<1-x>>\"><a href=\"$arg1\">");
-  EXPECT_EQ(MakeAbsolute("<a href=\"MailTo:a@b\"><a href=\"javascript:x\"><body background=\"b.gif", "http://s"),
+  EXPECT_EQ(absoluteText("<a href=\"MailTo:a@b\"><a href=\"javascript:x\"><body background=\"b.gif", "http://s"),
             "<a href=\"MailTo:a@b\"><a href=\"javascript:x\"><body background=\"http://s/b.gif");
-  EXPECT_EQ(MakeAbsolute("<a href=\"\">", "http://s"), "<a href=\"\">");
+  EXPECT_EQ(absoluteText("<a href=\"\">", "http://s"), "<a href=\"\">");
+}
+
+TEST(LinkNamingTest, APageIsMadeAbsoluteFromFileToFile) {
+  TempFolder folder;
+  ASSERT_TRUE(writeText(folder / "a.htm", "<a href=\"caffè.htm\">"));
+  ASSERT_TRUE(MakeAbsolute(folder / "a.htm", folder / "b.htm", "http://s"));
+  EXPECT_EQ(*readBytes(folder / "b.htm"), "<a href=\"http://s/caff\xE8.htm\">");
+  EXPECT_FALSE(MakeAbsolute(folder / "manca.htm", folder / "c.htm", "http://s"));
+  EXPECT_FALSE(fileExists(folder / "c.htm"));
 }
 
 TEST(LinkNamingTest, TheDepartmentMenuKeepsItsValues) {
-  EXPECT_EQ(MakeAbsolute("<select name=\"kvRepartiMenu\"><option value=\"a.php\"></select>"
+  EXPECT_EQ(absoluteText("<select name=\"kvRepartiMenu\"><option value=\"a.php\"></select>"
                          "<select name=\"x\"><option value=\"a.php\"></select>",
                          "http://s"),
             "<select name=\"kvRepartiMenu\"><option value=\"a.php\"></select>"

@@ -301,7 +301,7 @@ TEST(MakePagesTest, AfterOneEditOnlyThePagesThatShowItAreWritten) {
 TEST(MakePagesTest, WithoutSmartbuildEveryPageIsWrittenAgain) {
   TempShop shop;
   shop.department("cat001");
-  EXPECT_TRUE(shop.settings.set(settingsSection, "smartbuild", "0").has_value());
+  shop.session.smartBuild = false;
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   EXPECT_EQ(shop.counts.pagesUnchanged, 0);

@@ -8,6 +8,7 @@
 #include "platform/text.h"
 #include "store/load_shop.h"
 #include "store/schema.h"
+#include "store/session_start.h"
 
 namespace kv::test {
 namespace {
@@ -123,6 +124,7 @@ void GoldenShop::makeDatabases(const Txtar& archive) {
 
 void GoldenShop::open() {
   session_.ShopFolder = shop_;
+  session_.smartBuild = wantsSmartBuild(settings_);
   Surroundings with{user_, settings_, clock_, openRandom_, application_, {}};
   EXPECT_EQ(CaricaNegozio(session_, with), LoadResult::Opened);
   EXPECT_TRUE(user_.shown.empty()) << describe(user_.shown.front());
