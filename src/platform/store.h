@@ -200,6 +200,7 @@ class Database {
   Result<Recordset> openRecordset(std::string_view source);
 
  private:
+  friend class ChangeRecorder;
   sqlite3* handle_ = nullptr;
   std::string path_;
   int depth_ = 0;

@@ -1,0 +1,109 @@
+// What a recorder hears, and what comes back when it is reverted and repeated.
+
+#include "platform/store_changes.h"
+
+#include <optional>
+
+#include "platform/store_fixture.h"
+
+namespace kv::test {
+namespace {
+
+class StoreChanges : public ::testing::Test {
+ protected:
+  StoreChanges() {
+    const std::string path = folder.path() + "/a.mdb";
+    database = valueOf(Database::create(path));
+    run(database,
+        "CREATE TABLE t (ID INTEGER PRIMARY KEY AUTOINCREMENT, nome TEXT(20), prezzo MONEY_INTEGER, n DOUBLE);"
+        "CREATE UNIQUE INDEX tn ON t (nome);"
+        "CREATE TABLE appunti (x TEXT(20));"
+        "INSERT INTO t (nome, prezzo, n) VALUES ('uno', 10000, 1), ('due', NULL, 2.5), ('tre', 5, 0)");
+    recorder.emplace(database, [](std::string_view table) { return table != "appunti"; });
+  }
+  std::string all() { return rows(database, "SELECT * FROM t ORDER BY ID"); }
+  RowChanges taken() { return valueOf(recorder->take()); }
+
+  TempFolder folder;
+  Database database;
+  std::optional<ChangeRecorder> recorder;
+};
+
+TEST_F(StoreChanges, EveryKindOfChangeGoesBackAndForthAgain) {
+  const std::string before = all();
+  run(database,
+      "INSERT INTO t (nome) VALUES ('quattro'); UPDATE t SET nome = 'Uno', n = n + 1 WHERE ID = 1;"
+      "UPDATE t SET nome = 'uno bis' WHERE ID = 1; DELETE FROM t WHERE ID = 2");
+  const std::string after = all();
+  const RowChanges changes = taken();
+  EXPECT_EQ(changes.size(), 3U);
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+  ASSERT_TRUE(recorder->repeat(changes));
+  EXPECT_EQ(all(), after);
+  EXPECT_FALSE(recorder->touched());
+}
+
+TEST_F(StoreChanges, ATableEmptiedWithoutAConditionComesBackWhole) {
+  const std::string before = all();
+  run(database, "DELETE FROM t");
+  const RowChanges changes = taken();
+  EXPECT_EQ(changes.size(), 3U);
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+}
+
+TEST_F(StoreChanges, RowsThatExchangeAUniqueValueGoBack) {
+  const std::string before = all();
+  run(database,
+      "UPDATE t SET nome = 'x' WHERE ID = 1; UPDATE t SET nome = 'uno' WHERE ID = 2;"
+      "UPDATE t SET nome = 'due' WHERE ID = 1");
+  const RowChanges changes = taken();
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+}
+
+TEST_F(StoreChanges, WhatWasRolledBackLeavesNoTrace) {
+  ASSERT_TRUE(database.begin());
+  run(database, "UPDATE t SET n = 9 WHERE ID = 3");
+  ASSERT_TRUE(database.begin());
+  run(database, "DELETE FROM t WHERE ID = 1; INSERT INTO t (nome) VALUES ('mai')");
+  database.rollback();
+  ASSERT_TRUE(database.commit());
+  const RowChanges changes = taken();
+  ASSERT_EQ(changes.size(), 1U);
+  EXPECT_EQ(changes[0].row, 3);
+}
+
+TEST_F(StoreChanges, AChangeThatComesToNothingIsNoChange) {
+  run(database, "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET n = 1 WHERE ID = 1");
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(StoreChanges, TablesLeftOutAreNotRecorded) {
+  run(database, "INSERT INTO appunti VALUES ('a')");
+  EXPECT_FALSE(recorder->touched());
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(StoreChanges, ARowThatHasMovedOnIsNotOverwritten) {
+  run(database, "UPDATE t SET n = 7 WHERE ID = 1; DELETE FROM t WHERE ID = 3");
+  const RowChanges changes = taken();
+  run(database, "UPDATE t SET n = 8 WHERE ID = 1");
+  const std::string stands = all();
+  EXPECT_EQ(kindOf(recorder->revert(changes)), ErrorKind::Malformed);
+  EXPECT_EQ(all(), stands);
+}
+
+TEST_F(StoreChanges, TextBytesAndNullsComeBackAsTheyWere) {
+  run(database, "CREATE TABLE v (a TEXT(20), b LONGBLOB, c DATETIME); INSERT INTO v VALUES ('è', x'0001ff', NULL)");
+  const std::string before = rows(database, "SELECT a, hex(b), c, typeof(b) FROM v");
+  (void)taken();
+  run(database, "UPDATE v SET a = NULL, b = x'', c = '2026-01-01 00:00:00'");
+  const RowChanges changes = taken();
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(rows(database, "SELECT a, hex(b), c, typeof(b) FROM v"), before);
+}
+
+}  // namespace
+}  // namespace kv::test
