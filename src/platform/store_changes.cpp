@@ -56,7 +56,37 @@ using Prepared = std::unique_ptr<sqlite3_stmt, Finisher>;
 using Statements = std::map<std::string, Prepared>;  ///< by table
 using Image = RowImage RowChange::*;
 
+RowChange changeOf(const Key& key, RowImage before, RowImage after) {
+  RowChange change{key.first, key.second, {}, {}, {}};
+  if (before.size() != after.size()) {
+    change.before = std::move(before);
+    change.after = std::move(after);
+    return change;
+  }
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i] == after[i]) continue;
+    change.columns.push_back(i);
+    change.before.push_back(std::move(before[i]));
+    change.after.push_back(std::move(after[i]));
+  }
+  return change;
+}
+
+std::size_t sizeOf(const RowImage& image) {
+  std::size_t size = image.size() * sizeof(Cell);
+  for (const Cell& cell : image) {
+    if (const auto* text = std::get_if<std::string>(&cell)) size += text->size();
+    if (const auto* bytes = std::get_if<Bytes>(&cell)) size += bytes->size();
+  }
+  return size;
+}
+
 }  // namespace
+
+std::size_t sizeInMemory(const RowChange& change) {
+  return sizeof(RowChange) + change.table.size() + change.columns.size() * sizeof(std::size_t) + sizeOf(change.before) +
+         sizeOf(change.after);
+}
 
 struct ChangeRecorder::State {
   Database& database;
@@ -74,6 +104,7 @@ struct ChangeRecorder::State {
   Result<Prepared> prepareInsert(const std::string& table) const;
   Result<RowImage> read(const Key& key, Statements& readers) const;
   Result<> write(const RowChange& change, const RowImage& image, Statements& statements) const;
+  Result<RowImage> target(const RowChange& change, Image from, Image to, RowImage stands) const;
   Result<> exchange(const RowChanges& changes, Image from, Image to) const;
   Result<> move(const RowChanges& changes, Image from, Image to);
 };
@@ -155,27 +186,39 @@ Result<> ChangeRecorder::State::write(const RowChange& change, const RowImage& i
   return {};
 }
 
+/// The row that `change` leads to, from the row that stands. Malformed when that one isn't what `from` says.
+Result<RowImage> ChangeRecorder::State::target(const RowChange& change, Image from, Image to, RowImage stands) const {
+  const RowImage& expected = change.*from;
+  bool same = change.columns.empty() ? stands == expected : !stands.empty();
+  for (std::size_t i = 0; same && i < change.columns.size(); ++i) same = stands[change.columns[i]] == expected[i];
+  if (!same) return fail(ErrorKind::Malformed, database.path(), "a row of " + change.table + " has changed since");
+  if (change.columns.empty()) return change.*to;
+  for (std::size_t i = 0; i < change.columns.size(); ++i) stands[change.columns[i]] = (change.*to)[i];
+  return stands;
+}
+
 /// Checks all rows, then takes away those that stand and puts in those that shall: so no row is in the way of
 /// another's unique key.
 Result<> ChangeRecorder::State::exchange(const RowChanges& changes, Image from, Image to) const {
-  Statements readers;
-  for (const RowChange& change : changes) {
-    auto stands = read({change.table, change.row}, readers);
-    if (!stands) return fail(stands.error());
-    if (*stands != change.*from) {
-      return fail(ErrorKind::Malformed, database.path(), "a row of " + change.table + " has changed since");
+  std::vector<RowImage> wanted;
+  {
+    Statements readers;
+    for (const RowChange& change : changes) {
+      auto stands = read({change.table, change.row}, readers);
+      if (!stands) return fail(stands.error());
+      auto image = target(change, from, to, std::move(*stands));
+      if (!image) return fail(image.error());
+      wanted.push_back(std::move(*image));
     }
   }
-  readers.clear();
   Statements deletions;
   for (const RowChange& change : changes) {
-    if ((change.*from).empty()) continue;
     if (auto done = write(change, {}, deletions); !done) return done;
   }
   Statements insertions;
-  for (const RowChange& change : changes) {
-    if ((change.*to).empty()) continue;
-    if (auto done = write(change, change.*to, insertions); !done) return done;
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    if (wanted[i].empty()) continue;
+    if (auto done = write(changes[i], wanted[i], insertions); !done) return done;
   }
   return {};
 }
@@ -214,7 +257,7 @@ Result<RowChanges> ChangeRecorder::take() {
   for (auto& [key, image] : state_->first) {
     auto now = state_->read(key, readers);
     if (!now) return fail(now.error());
-    if (*now != image) changes.push_back({key.first, key.second, std::move(image), std::move(*now)});
+    if (*now != image) changes.push_back(changeOf(key, std::move(image), std::move(*now)));
   }
   state_->first.clear();
   state_->seen.clear();

@@ -17,15 +17,19 @@ namespace kv {
 
 /// A field as the engine holds it, whatever its column declares.
 using Cell = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
-/// The fields of a row in the order of its columns; empty for no row.
+/// Fields of a row; empty for no row.
 using RowImage = std::vector<Cell>;
 
+/// A row that was added or deleted has an image of all its fields, one that was changed of those that differ.
 struct RowChange {
   std::string table;
-  std::int64_t row = 0;  ///< the engine's number of the row
-  RowImage before;       ///< empty: the row was added
-  RowImage after;        ///< empty: the row was deleted
+  std::int64_t row = 0;              ///< the engine's number of the row
+  std::vector<std::size_t> columns;  ///< places of the fields that differ; empty: all, the row is new or gone
+  RowImage before;                   ///< empty: the row was added
+  RowImage after;                    ///< empty: the row was deleted
 };
+/// The bytes that a change takes in memory, about.
+std::size_t sizeInMemory(const RowChange& change);
 /// In the order of the first touch, each row once.
 using RowChanges = std::vector<RowChange>;
 

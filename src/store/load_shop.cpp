@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 #include "store/open_shop.h"
+#include "store/order_numbers.h"
 #include "store/shop_check.h"
 #include "store/shop_folders.h"
 
@@ -38,8 +39,9 @@ bool isIncompatible(const std::string& path) {
 
 void completeShop(const Session& session, const Surroundings& with) {
   if (with.hooks.CompletaGateway) with.hooks.CompletaGateway(session.ShopFolder);
-  if (!with.hooks.AggiornaNegozio || isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
-  with.hooks.AggiornaNegozio(session.ShopFolder);
+  if (isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
+  if (with.hooks.AggiornaNegozio) with.hooks.AggiornaNegozio(session.ShopFolder);
+  renumberShop(session.ShopFolder);
 }
 
 LoadResult offerAnotherShop(Session& session, Surroundings& with) {

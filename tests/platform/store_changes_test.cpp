@@ -75,6 +75,17 @@ TEST_F(StoreChanges, WhatWasRolledBackLeavesNoTrace) {
   EXPECT_EQ(changes[0].row, 3);
 }
 
+TEST_F(StoreChanges, AChangedRowKeepsTheFieldsThatDifferAlone) {
+  run(database, "UPDATE t SET n = 7 WHERE ID = 1");
+  const RowChanges changes = taken();
+  ASSERT_EQ(changes.size(), 1U);
+  EXPECT_EQ(changes[0].columns, std::vector<std::size_t>{3});
+  EXPECT_EQ(changes[0].before.size(), 1U);
+  run(database, "UPDATE t SET nome = 'altro' WHERE ID = 1");
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(rows(database, "SELECT nome, n FROM t WHERE ID = 1"), "altro|1.0\n");
+}
+
 TEST_F(StoreChanges, AChangeThatComesToNothingIsNoChange) {
   run(database, "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET n = 1 WHERE ID = 1");
   EXPECT_TRUE(taken().empty());

@@ -92,7 +92,7 @@ class ShopFixture : public ::testing::Test {
     run(folder.path(),
         "INSERT INTO generale (versione, template) VALUES (1002, 'base');"
         "INSERT INTO lingue (lingua1) VALUES ('italiano');"
-        "INSERT INTO articoli (catID, titolo) VALUES ('cat001', 'Lampada')");
+        "INSERT INTO articoli (catID, titolo, ordinamento) VALUES ('cat001', 'Lampada', 100)");
     return path;
   }
 };
