@@ -13,3 +13,9 @@ if(NOT kind STREQUAL INTERFACE_LIBRARY)
   target_link_libraries(platform PUBLIC tl::expected PRIVATE SQLite::SQLite3 OpenSSL::Crypto PkgConfig::UTF8PROC
     GIF::GIF JPEG::JPEG PNG::PNG)
 endif()
+
+# The windows alone need Qt; without it the core and the command line program are built all the same.
+find_package(Qt6 6.4 QUIET COMPONENTS Widgets Svg Test)
+if(NOT Qt6_FOUND)
+  message(STATUS "Qt 6 is missing: the window is left out")
+endif()

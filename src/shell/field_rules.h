@@ -1,0 +1,57 @@
+#pragma once
+// What the editors of the main window let the user type, what a change does to a field, and what leaving it does.
+// Texts are those of the field as shown; numbers stand in them with the decimal separator of the user's locale.
+
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+enum class FieldKind {
+  Price,            ///< money of a price list; "*" types three zeros
+  Weight,           ///< typed like a price
+  Percent,          ///< 0 to 100
+  Amount,           ///< a number of the shop's settings, which goes back to the last good one
+  Rate,             ///< an exchange rate or its reverse
+  Vat,              ///< a percent from a drop-down
+  WholeNumber,      ///< digits
+  Code,             ///< 50 letters
+  Heading,          ///< title and subtitle of an article: 200 letters
+  Link,             ///< 255 letters
+  DepartmentTitle,  ///< 100 letters, shown in the tree at once
+  ShortText,        ///< 50 letters
+  Folder,           ///< a folder of the server
+  SideBySide,       ///< articles side by side; empty is a blank
+  PlainText         ///< any other text, of any length
+};
+
+struct KeyAnswer {
+  bool accepted = false;
+  std::string inserted;  ///< what the key puts into the field
+};
+/// What typing one letter (UTF-8) does. Control keys are not asked for.
+KeyAnswer keyTyped(FieldKind kind, std::string_view letter, char decimalSeparator);
+/// A text that is pasted, freed of the letters that could not be typed.
+std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator);
+
+/// The field's text after a change: what stands too high is brought to the limit, what is no number goes back to
+/// `lastGood` where the kind says so.
+std::string changedText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator);
+/// The field's text when it is left: cut to its length, or brought to the form of a number.
+std::string leftText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator);
+
+/// Whether the text is a number as the field shows it.
+bool isFieldNumber(std::string_view text, char decimalSeparator);
+/// The text of a number for the store ("." for decimals, nothing else); empty for an empty text.
+std::string storedNumber(std::string_view text, char decimalSeparator);
+/// A number of the store as the field shows it.
+std::string shownNumber(std::string_view stored, char decimalSeparator);
+
+/// The other of a pair of exchange rates: 1 / value, six decimals; empty when the value is no number or zero, and the
+/// other field then stays.
+std::string reverseRate(std::string_view text, char decimalSeparator);
+
+/// The note that the euro sign in a currency label brings; empty for any other text.
+std::string_view currencySignNote(std::string_view label);
+
+}  // namespace kv
