@@ -2,6 +2,7 @@
 
 #include "builder/build_run.h"
 #include "builder/link_naming.h"
+#include "builder/server_settings.h"
 #include "platform/files.h"
 #include "platform/number_form.h"
 #include "platform/text.h"
@@ -47,10 +48,11 @@ DepartmentRun openDepartment(BuildRun& run, const Department& department) {
   open.columns = gridColumns(run, department);
   open.pageSize = department.maxarticoli < 1 ? defaultPageSize : department.maxarticoli;
   if (run.now.generale.flag("vis_percrep")) {
-    if (run.parts.MakePercorsoTitolo) open.titlePath = run.parts.MakePercorsoTitolo(department.ID, run.now.lingua);
-    if (run.parts.MakeSottoreparti) open.subdepartments = run.parts.MakeSottoreparti(department.ID, run.now.lingua);
+    open.titlePath = run.now.navigation.MakePercorsoTitolo(department.ID);
+    open.subdepartments = run.now.navigation.MakeSottoreparti(department.ID);
   }
-  if (run.parts.CatEsplora) open.navigation = run.parts.CatEsplora(department.ID, run.now.lingua);
+  run.checkCancel();
+  open.navigation = run.now.navigation.CatEsplora(department.ID);
   open.place.vatRate = department.vatRate;
   open.place.factor = department.sconto ? discountFactor(*department.sconto, run.factor) : run.factor;
   open.place.singleArticle = open.pageSize == 1;
@@ -72,9 +74,7 @@ void fillPageTags(BuildRun& run, const DepartmentRun& open, const std::string& p
   row.set("repartimenu", open.navigation.menu);
   row.set("elenco", std::string(listPlaceholder));
   row.set("meta_keywords", run.now.generale.text("keywords") + ", korvane");
-  row.set("php_vars", "SetVariables(\"" + department.ID +
-                          "\");\r\n"
-                          "if ($inaccessibile[$listino]) { header(\"Location: login$Lingua.php?m=11\"); }\r\n");
+  row.set("php_vars", phpVars(department.ID));
 }
 
 // One article: its derived row, its entry in the lists, its cell in the showcase.

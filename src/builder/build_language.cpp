@@ -5,6 +5,10 @@
 
 #include "builder/build_run.h"
 #include "builder/link_naming.h"
+#include "builder/menu_templates.h"
+#include "builder/menu_xml.h"
+#include "builder/server_settings.h"
+#include "builder/variant_lists.h"
 #include "platform/files.h"
 #include "platform/image.h"
 #include "platform/number_form.h"
@@ -83,9 +87,14 @@ void storeToken(BuildRun& run) {
   must(update.execute());
 }
 
-void readGenerale(BuildRun& run) {
-  Statement query = must(run.session.catalogue.prepare(SelezionaLingua("generale", run.now.number)));
-  run.now.generale = must(query.step()) ? FieldRow(query) : FieldRow();
+FieldRow settingsRow(BuildRun& run, std::string_view table) {
+  Statement query = must(run.session.catalogue.prepare(SelezionaLingua(table, run.now.number)));
+  return must(query.step()) ? FieldRow(query) : FieldRow();
+}
+
+void readSettings(BuildRun& run) {
+  run.now.generale = settingsRow(run, "generale");
+  run.now.pagamento = settingsRow(run, "pagamento");
 }
 
 Department departmentOf(const FieldRow& row) {
@@ -107,21 +116,42 @@ Department departmentOf(const FieldRow& row) {
   return department;
 }
 
-void readDepartments(BuildRun& run) {
-  run.now.departments.clear();
+MenuDepartment menuDepartmentOf(const FieldRow& row) {
+  MenuDepartment department;
+  department.ID = row.text("ID");
+  department.titolo = row.text("titolo");
+  department.pagina = row.text("pagina");
+  if (!row.isNull("genitore")) department.genitore = row.text("genitore");
+  if (!row.isNull("livello")) department.livello = row.integer("livello");
+  department.nascosto = row.flag("nascosto");
+  department.immagine1 = row.text("immagine1");
+  department.imgX1 = row.integer("imgX1");
+  department.imgY1 = row.integer("imgY1");
+  return department;
+}
+
+void readDepartments(BuildRun& run, MenuTemplates menu) {
+  std::vector<MenuDepartment> inMenus;
   Statement query = must(
       run.session.catalogue.prepare(SelezionaLingua("categorie", run.now.number, "ORDER BY livello, ordinamento")));
-  while (must(query.step())) run.now.departments.push_back(departmentOf(FieldRow(query)));
+  while (must(query.step())) {
+    const FieldRow row(query);
+    run.now.departments.push_back(departmentOf(row));
+    inMenus.push_back(menuDepartmentOf(row));
+  }
+  run.now.navigation = DepartmentNavigation(
+      DepartmentTree(std::move(inMenus)),
+      {std::move(menu), run.now.titleFont, run.now.generale.integer("livelliaperti"), run.now.lingua});
 }
 
 // Each variant that some article uses gets one row.
 void fillVariants(BuildRun& run) {
   Statement insert =
       must(run.build.prepare("INSERT INTO opzioni" + run.now.lingua + " (ID, nomeopzione, opzione) VALUES (?, ?, ?)"));
+  VariantReader reader = must(VariantReader::open(run.session.catalogue, run.now.generale, run.now.lingua));
   for (const std::int64_t variant : run.survey.variants) {
-    const std::string name = run.parts.CreaNomeOpzione ? run.parts.CreaNomeOpzione(variant, run.now.lingua) : "";
-    const std::string list =
-        run.parts.InserisciOpzione ? run.parts.InserisciOpzione(variant, run.now.lingua, name) : "";
+    const std::string name = must(reader.CreaNomeOpzione(variant));
+    const std::string list = must(reader.InserisciOpzione(variant, name));
     insert.bind(1, variant);
     insert.bind(2, std::string_view(name));
     insert.bind(3, std::string_view(list));
@@ -143,9 +173,9 @@ void measure(BuildRun& run) {
 
 // The file keeps its date when its content is what it was.
 void writeShopMenu(BuildRun& run) {
-  if (!run.parts.CatEsploraXML || run.around.settings.get(settingsSection, "XMLmenu") == "0") return;
+  if (run.around.settings.get(settingsSection, "XMLmenu") == "0") return;
   const std::string path = run.online(FileLingua("shopmenu.xml", run.now.lingua));
-  const std::string text = toWindows1252(run.parts.CatEsploraXML(run.now.lingua));
+  const std::string text = toWindows1252(CatEsploraXML(run.now.navigation.departments(), run.now.lingua));
   const auto present = readBytes(path);
   if ((present ? *present : std::string()) != text) static_cast<void>(writeBytes(path, text));
   run.files.add(path);
@@ -165,6 +195,20 @@ void makeRules(BuildRun& run) {
   }
 }
 
+// The columns of the page tag row that are the same on all pages.
+void fillShopColumns(BuildRun& run) {
+  LanguageRun& now = run.now;
+  const CurrencyForm& form = now.rules.prices.form;
+  if (!run.shipping) {
+    // Where prices include VAT, so do the costs of shipping.
+    const ShippingPrice price{form, now.rules.prices.vatIncluded ? run.shippingVat : 0.0F};
+    run.shipping = makeShippingTables(run.session.catalogue, now.pagamento, price);
+  }
+  fillShopTags(now.shopRow, {now.generale, now.lingua, now.IDnegozio, run.redirectScript, run.html, now.colours});
+  fillServerTags(now.shopRow, {now.generale, now.lingua, run.languages.pageExtension, form.label, run.phpGlobals});
+  fillCartTags(now.shopRow, {run.session.catalogue, now.generale, now.pagamento, form, *run.shipping, run.shippingVat});
+}
+
 }  // namespace
 
 void prepareLanguage(BuildRun& run, int number) {
@@ -177,20 +221,17 @@ void prepareLanguage(BuildRun& run, int number) {
   run.now.siteList = "<BR>";
   probeFolders(run);
   readColours(run);
-  if (run.parts.CaricaClFile) run.parts.CaricaClFile(run.now.pools.templatePool, run.now.titleFont);
+  MenuTemplates menu = must(CaricaClFile(run.now.pools.templatePool));
   openTagDatabase(run);
   storeToken(run);
-  readGenerale(run);
-  readDepartments(run);
+  readSettings(run);
+  readDepartments(run, std::move(menu));
   fillVariants(run);
   measure(run);
   writeShopMenu(run);
   makeRules(run);
   run.wrapper.openTables(run.build, run.columns, run.now.lingua);
-  fillShopTags(run.now.shopRow,
-               ShopTags{run.now.generale, run.shippingVat, run.now.lingua, run.now.IDnegozio, run.redirectScript,
-                        run.languages.pageExtension, run.html, run.now.rules.prices.form.label, run.now.colours});
-  if (run.parts.fillSettings) run.parts.fillSettings(run.now.shopRow, run.now.lingua);
+  fillShopColumns(run);
   run.wrapper.setSources(&run.now.row, &run.now.words, &run.custom, run.now.lingua);
   run.now.row = run.now.shopRow;
 }

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "builder/build_run.h"
+#include "builder/server_settings.h"
 #include "platform/files.h"
 #include "platform/number_form.h"
 #include "platform/text.h"
@@ -128,8 +129,13 @@ void surveyArticles(BuildRun& run) {
   while (must(read.step())) {
     if (!read.flag(0)) ++run.survey.sellable;
     for (std::size_t i = 0; i < found.size(); ++i) {
-      const std::int64_t variant = read.integer(static_cast<int>(i) + 1);
-      if (variant > noVariant) found[i].insert(variant);
+      const int column = static_cast<int>(i) + 1;
+      const std::int64_t variant = read.integer(column);
+      if (variant > noVariant) {
+        found[i].insert(variant);
+      } else if (i < listini && variant != noVariant && !read.isNull(column)) {
+        run.survey.inFirstSlots.insert(variant);
+      }
     }
   }
   std::set<std::int64_t> known;
@@ -148,7 +154,7 @@ void copyOptionCodes(BuildRun& run) {
       run.session.catalogue.prepare("SELECT ID, TRIM(codice), OpID FROM dettagliop WHERE codice <> '' ORDER BY ID"));
   Statement write = must(run.build.prepare("INSERT INTO opcodici (ID, codice, OpID) VALUES (?, ?, ?)"));
   while (must(read.step())) {
-    if (!run.survey.inFirstSlots.contains(read.integer(2))) continue;
+    if (read.isNull(2) || !run.survey.inFirstSlots.contains(read.integer(2))) continue;
     write.bind(1, read.integer(0));
     write.bind(2, read.text(1));
     write.bind(3, read.integer(2));
@@ -173,6 +179,7 @@ void prepareBuild(BuildRun& run) {
   must(copyFile(joinPath(folder, "new.mdb"), buildPath));
   run.build = must(Database::open(buildPath, OpenMode::Scratch));
   must(run.build.begin());
+  run.phpGlobals = phpGlobals(run.generale, CurrencyForm(run.generale), run.factor, run.templateFolder);
   copyDepartments(run);
   surveyArticles(run);
   copyOptionCodes(run);

@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "builder/article_row.h"
+#include "builder/cart_tables.h"
 #include "builder/currency_form.h"
 #include "builder/file_list.h"
 #include "builder/make_pages.h"
+#include "builder/navigation.h"
 #include "builder/page_tags.h"
 #include "builder/page_wrapper.h"
 #include "builder/run_failure.h"
@@ -24,7 +26,6 @@
 namespace kv {
 
 inline constexpr std::string_view pageExtension = ".php";
-inline constexpr std::string_view rootDepartment = "###";
 
 /// A failure that the user has been told of already: the run ends.
 struct RunStopped final : std::exception {};
@@ -52,7 +53,7 @@ struct Meter {
 struct ArticleSurvey {
   int sellable = 0;                     ///< articles that aren't excluded from the shop
   std::vector<std::int64_t> variants;   ///< in use, by slot, then listino, then number; each once
-  std::set<std::int64_t> inFirstSlots;  ///< those that stand in the first slot of some listino
+  std::set<std::int64_t> inFirstSlots;  ///< what stands in the first slot of some listino, 0 too
 };
 
 /// Values that hold for one language.
@@ -66,8 +67,9 @@ struct LanguageRun {
   std::string titleFont;
   std::vector<std::string> colours;  ///< 0 to 3
   std::string pay_ok, pay_ko;
-  FieldRow generale;
+  FieldRow generale, pagamento;
   std::vector<Department> departments;
+  DepartmentNavigation navigation;
   std::vector<std::string> showcaseCells;
   std::string siteList;
   PageTagRow shopRow;  ///< shop-level columns, the same on all pages
@@ -90,6 +92,8 @@ struct BuildRun {
   float shippingVat = 0;
   float factor = 1;  ///< fattore di negozio
   std::string redirectScript;
+  std::string phpGlobals;
+  std::optional<ShippingTables> shipping;  ///< worked out in the first language
   ShowcaseSettings showcase;
   ArticleSurvey survey;
   Database build;  ///< db/sql.mdb

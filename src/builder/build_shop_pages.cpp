@@ -1,6 +1,8 @@
 // The shop's own pages of one language: everything the template holds beside the department models.
 
 #include "builder/build_run.h"
+#include "builder/payment_scripts.h"
+#include "commerce/payment_modules.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "tags/file_naming.h"
@@ -8,9 +10,6 @@
 namespace kv {
 
 namespace {
-
-constexpr int paymentMethods = 4;
-constexpr std::string_view missingDescriptor = "###ERRORE###";
 
 std::string outputName(const BuildRun& run, std::string_view name) {
   return PutExt(FileLingua(name, run.now.lingua), run.languages.pageExtension);
@@ -27,13 +26,13 @@ void makeStaticPage(BuildRun& run, const std::string& name, const std::string& o
 // Tags within the payment text are expanded by a second pass.
 void makeThanksPage(BuildRun& run, const std::string& name, int number, const std::string& method) {
   PageTagRow& row = run.now.row;
-  std::string text = run.parts.ReadKpg ? run.parts.ReadKpg(method) : "";
-  if (text == missingDescriptor) {
+  std::string text = ReadKpg(run.session.ShopFolder, method);
+  if (text == unreadableDescriptor) {
     text.clear();
     run.around.user.message("Impossibile trovare il file '" + method + ".kpg'", Icon::Exclamation);
   }
   row.set("thankyou", std::move(text));
-  row.set("java_PGAction", run.parts.ReadKpgAction ? run.parts.ReadKpgAction(method) : "");
+  row.set("java_PGAction", ReadKpgAction(run.session.ShopFolder, method, run.now.lingua));
   const std::string output = outputName(run, "thankyou" + std::to_string(number) + ".htm");
   run.setLanguageLinks(FileLingua("thankyou" + std::to_string(number) + ".htm", run.now.lingua));
   PageJob first;
@@ -46,13 +45,12 @@ void makeThanksPage(BuildRun& run, const std::string& name, int number, const st
   second.output = run.online(output);
   run.makePage(second);
   run.files.add(second.output);
-  if (run.parts.SetPG) run.files.addLines(run.parts.SetPG(method, run.now.lingua));
+  for (const std::string& script : SetPG(run, method)) run.files.add(script);
 }
 
 void makeThanksPages(BuildRun& run, const std::string& name) {
   PageTagRow& row = run.now.row;
-  Statement query = must(run.session.catalogue.prepare(SelezionaLingua("pagamento", run.now.number)));
-  const FieldRow payment = must(query.step()) ? FieldRow(query) : FieldRow();
+  const FieldRow& payment = run.now.pagamento;
   int active = 0;
   for (int i = 1; i <= paymentMethods; ++i) {
     const std::string digit = std::to_string(i);
@@ -80,11 +78,10 @@ void makeShopPages(BuildRun& run) {
   row.set("search_maxart", run.now.generale.text("ricartperpag"));
   row.set("vetrina", showcaseTable(run.showcase, run.now.showcaseCells));
   row.set("elenco", run.now.siteList);
-  if (run.parts.CatEsplora) {
-    const Navigation navigation = run.parts.CatEsplora(std::string(rootDepartment), run.now.lingua);
-    row.set("reparti", navigation.tree);
-    row.set("repartimenu", navigation.menu);
-  }
+  run.checkCancel();
+  Navigation navigation = run.now.navigation.CatEsplora(rootDepartment);
+  row.set("reparti", std::move(navigation.tree));
+  row.set("repartimenu", std::move(navigation.menu));
   for (const std::string& name : listFiles(run.now.pools.templatePool, "*.*htm*")) {
     run.checkCancel();
     const bool linked = !equalsIgnoringCase(name, "results.htm") && !equalsIgnoringCase(name, "thankyou.htm");

@@ -9,13 +9,6 @@ void FileList::add(std::string_view path) {
   ++count_;
 }
 
-void FileList::addLines(std::string_view lines) {
-  if (lines.empty()) return;
-  text_.append(lines);
-  if (!lines.ends_with("\r\n")) text_.append("\r\n");
-  ++count_;
-}
-
 void FileList::close() { text_.append("#\r\n"); }
 
 Result<> FileList::write(const std::string& path) const { return writeText(path, text_); }

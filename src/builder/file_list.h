@@ -14,8 +14,6 @@ class FileList {
  public:
   /// Enters one path: a line of "#" and the path.
   void add(std::string_view path);
-  /// Enters lines as another part made them; an empty text enters none.
-  void addLines(std::string_view lines);
   /// Enters the line that closes the list.
   void close();
   std::size_t size() const { return count_; }

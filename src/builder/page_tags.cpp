@@ -3,10 +3,8 @@
 #include <array>
 #include <utility>
 
-#include "builder/link_naming.h"
 #include "platform/number_form.h"
 #include "platform/text.h"
-#include "tags/file_naming.h"
 
 namespace kv {
 
@@ -14,22 +12,6 @@ namespace {
 
 constexpr std::string_view lineEnd = "\r\n";
 constexpr std::size_t schemeLength = 7;  // "http://"
-
-// Runs in every page: hands the cart what the server knows of the visitor.
-constexpr std::string_view cartStart =
-    "<script language=\"JavaScript\">\r\n"
-    "<!--\r\n"
-    "document.cookie = \"kvstore_disp=<?php echo $cartdisp; ?>\";\r\n"
-    "document.cookie = \"kvstore_cliente=<?php echo $ordercliente; ?>\";\r\n"
-    "var scl = <?php echo $scontocliente; ?>;\r\n"
-    "MostraCarrello(<?php echo $listino; ?>);\r\n"
-    "//-->\r\n"
-    "</script>";
-
-std::string includeBlock(std::string_view script, std::string_view lingua) {
-  std::string out = "<?php\r\ninclude \"";
-  return out.append(script).append(lingua).append(".php\";\r\n?>");
-}
 
 std::string logo(const FieldRow& generale, const std::string& number) {
   const std::string name = generale.text("immagine" + number);
@@ -52,54 +34,6 @@ void fillTexts(PageTagRow& row, const ShopTags& tags) {
        {"testo_anticipato", "anticipato"},
        {"rifiuto", "rifiutato"}}};
   for (const auto& [tag, column] : texts) row.set(tag, tags.html.CampoHTML(tags.generale.value(column)));
-}
-
-void fillAsTyped(PageTagRow& row, const ShopTags& tags) {
-  for (const std::string_view column : {"email", "email_ordini", "username", "password", "merchantid"}) {
-    row.set(column, tags.generale.text(column));
-  }
-  for (const std::string_view column :
-       {"db_hostname", "db_username", "db_password", "db_dbname", "bo_username", "bo_password"}) {
-    row.set(column, EscapePHP(tags.generale.text(column)));
-  }
-  row.set("compact_privacy_policy", EscapePHP(tags.generale.text("p3p")));
-  row.set("perl_path", tags.generale.text("perl"));
-  row.set("firma", tags.generale.text("firma_email"));
-  row.set("foldercgi", std::string(trim(tags.generale.text("folderCGI"))));
-  row.set("db_security", tags.generale.text("db_security"));
-  row.set("meta_keywords", tags.generale.text("keywords"));
-  row.set("meta_description", tags.generale.text("content"));
-}
-
-void fillAddresses(PageTagRow& row, const ShopTags& tags) {
-  const std::string shop = URLNegozio(tags.generale);
-  const auto page = [&tags, &shop](std::string_view name) {
-    return PutExt(FileLingua(shop + std::string(name), tags.lingua), tags.pageExtension);
-  };
-  row.set("urlback", page("/payerr.htm"));
-  row.set("urldone", page("/payok.htm"));
-  row.set("perl_shopURL", shop);
-  row.set("perl_cgiURL", URLCgi(tags.generale));
-  for (const std::string_view column : {"CGIsearch", "CGIordine"}) {
-    row.set(column, FileLingua(tags.generale.text(column), tags.lingua));
-  }
-}
-
-void fillScriptValues(PageTagRow& row, const ShopTags& tags) {
-  row.set("java_ivacompresa", tags.generale.flag("ivacompresa") ? "1" : "0");
-  row.set("java_aliquotaspese", plainNumber(tags.shippingVat));
-  row.set("java_qminima", plainNumber(tags.generale.integer("qminima")));
-  row.set("java_minimo", plainNumber(tags.generale.money("minimo")));
-  row.set("java_search", "return SubmitSearchForm(1)");
-  row.set("java_daticliente", "CaricaDati()");
-  row.set("java_ANDORsearch", tags.generale.text("operatorericerca") == "1" ? "any" : "all");
-  row.set("java_sepsearch", tags.generale.flag("ricercaparole") ? "var sleft = \"#\"; var sright = \"#\";"
-                                                                : "var sleft = \",#.*\"; var sright = \"\";");
-  row.set("java_redirect", tags.redirectScript);
-  row.set("java_carrello", std::string(cartStart));
-  static constexpr std::array<std::string_view, 5> results{"ric_pagina", "ric_codice", "ric_titolo", "ric_sottotitolo",
-                                                           "ric_foto"};
-  for (std::size_t i = 0; i < results.size(); ++i) row.set(results[i], "$arg" + std::to_string(i + 1));
 }
 
 }  // namespace
@@ -129,17 +63,13 @@ void PageTagRow::set(std::string_view column, std::string value) {
 
 void fillShopTags(PageTagRow& row, const ShopTags& tags) {
   fillTexts(row, tags);
-  fillAsTyped(row, tags);
-  fillAddresses(row, tags);
-  fillScriptValues(row, tags);
-  row.set("negozio", NoVirgolette(tags.generale.text("titolo")));
-  row.set("valuta", tags.currencyLabel);
+  row.set("meta_keywords", tags.generale.text("keywords"));
+  row.set("meta_description", tags.generale.text("content"));
+  row.set("java_redirect", tags.redirectScript);
   row.set("logo1", logo(tags.generale, "0"));
   row.set("logo2", logo(tags.generale, "1"));
   row.set("IDnegozio", tags.shopNumber);
   row.set("IDlingua", std::string(tags.lingua));
-  row.set("output", includeBlock("output", tags.lingua));
-  row.set("login", includeBlock("lognew", tags.lingua));
   for (std::size_t i = 0; i < tags.colours.size() && i < 4; ++i) row.set("colore" + std::to_string(i), tags.colours[i]);
 }
 

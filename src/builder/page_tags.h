@@ -35,20 +35,17 @@ class PageTagRow final : public TagRow {
   std::unordered_map<std::string, std::size_t> places_;  // by folded name
 };
 
-/// What the shop-level columns are made of, for one language.
+/// What the shop's own texts, pictures and colours are made of, for one language.
 struct ShopTags {
   const FieldRow& generale;    ///< in the language view
-  float shippingVat = 0;       ///< ivaspese as a fraction
   std::string_view lingua;     ///< language suffix
   std::string shopNumber;      ///< IDnegozio
   std::string redirectScript;  ///< java_redirect
-  std::string pageExtension;
   HtmlText html;
-  std::string currencyLabel;         ///< primary
   std::vector<std::string> colours;  ///< of the template, 0 to 3
 };
 
-/// Fills every column that is the same on all pages of a language.
+/// Fills their columns, which are the same on all pages of a language.
 void fillShopTags(PageTagRow& row, const ShopTags& tags);
 
 /// IDnegozio (shop number): the address without its first 7 letters, summed as character code times position.

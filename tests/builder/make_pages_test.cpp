@@ -103,37 +103,6 @@ TEST(MakePagesTest, NoShowcaseArticleGivesAnEmptyShowcase) {
   EXPECT_THAT(shop.page("index.php"), HasSubstr("[]"));
 }
 
-TEST(MakePagesTest, ThankYouPagesCountActiveMethodsOnly) {
-  TempShop shop;
-  shop.sql(
-      "UPDATE pagamento SET metodo1='A', attivo1=0, metodo2='B', attivo2=1, nome2='Due', metodo4='D', attivo4=1, "
-      "nome4='Quattro'");
-  shop.templateFile("thankyou.htm", "<html><<1-metodo_pagamento>>:<<1-thankyou>></html>");
-  BuildParts parts;
-  parts.ReadKpg = [](const std::string& method) {
-    return method == "D" ? std::string("###ERRORE###") : " testo <<1-negozio>>";
-  };
-  parts.SetPG = [](const std::string& method, std::string_view) { return "#riga " + method; };
-  ASSERT_EQ(shop.build(parts), BuildOutcome::Done);
-  EXPECT_THAT(shop.page("thankyou1.php"), HasSubstr("<html>Due: testo Bottega</html>"));
-  EXPECT_THAT(shop.page("thankyou2.php"), HasSubstr("<html>Quattro:</html>"));
-  EXPECT_FALSE(shop.hasPage("thankyou3.php"));
-  EXPECT_FALSE(shop.hasPage("thankyou.tmp"));
-  EXPECT_THAT(shop.user.texts(), ElementsAre("Impossibile trovare il file 'D.kpg'", doneMessage()));
-  const auto lines = shop.fileList();
-  const auto page = std::find(lines.begin(), lines.end(), "#" + shop.session.onlineFolder + "/thankyou1.php");
-  ASSERT_NE(page, lines.end());
-  EXPECT_EQ(*(page + 1), "#riga B");
-}
-
-TEST(MakePagesTest, PaymentMessagesGiveTwoPagesFromOneTemplate) {
-  TempShop shop;
-  shop.templateFile("paymsg.htm", "<html><<1-paymsg>></html>");
-  ASSERT_EQ(shop.build(), BuildOutcome::Done);
-  EXPECT_THAT(shop.page("payok.php"), HasSubstr("<html>ok italiano</html>"));
-  EXPECT_THAT(shop.page("payerr.php"), HasSubstr("<html>ko</html>"));
-}
-
 TEST(MakePagesTest, AListOfSubtitlesAloneIsNotShown) {
   TempShop shop;
   shop.templateFile("modello1.htm", "[<<1-elenco>>]<KV_START><KV_END>");
@@ -256,9 +225,10 @@ TEST(MakePagesTest, TheFileListNamesEveryFileInItsOrder) {
   const std::string online = "#" + shop.session.onlineFolder + "/";
   const std::string scripts = "#" + shop.session.scriptFolder + "/";
   EXPECT_THAT(shop.fileList(),
-              ElementsAre("#" + shop.folder() + "/source.mdb", online + "cat001.php", online + "index.php",
-                          scripts + "bo.php", online + "js2.js", scripts + "mail.pl", online + "funcs.php",
-                          online + "stile.css", online + "db.sql", online + "dbdel.sql", online + "foto.jpg", "#"));
+              ElementsAre("#" + shop.folder() + "/source.mdb", online + "shopmenu.xml", online + "cat001.php",
+                          online + "index.php", scripts + "bo.php", online + "js2.js", scripts + "mail.pl",
+                          online + "funcs.php", online + "stile.css", online + "db.sql", online + "dbdel.sql",
+                          online + "foto.jpg", "#"));
 }
 
 TEST(MakePagesTest, ASecondBuildOfAnUnchangedShopWritesNoPage) {

@@ -120,6 +120,17 @@ void TempShop::insert(const std::string& table, const Row& row) {
   EXPECT_TRUE(done) << (done ? "" : done.error().what);
 }
 
+void TempShop::update(const std::string& table, const Row& row) {
+  std::string columns;
+  for (const auto& field : row) columns += (columns.empty() ? "" : ", ") + field.first + " = ?";
+  auto statement = session.catalogue.prepare("UPDATE " + table + " SET " + columns);
+  ASSERT_TRUE(statement) << statement.error().what;
+  int place = 0;
+  for (const auto& field : row) statement->bind(++place, field.second);
+  const auto done = statement->execute();
+  EXPECT_TRUE(done) << (done ? "" : done.error().what);
+}
+
 void TempShop::department(const std::string& id, const Row& more) {
   Row row{{"ID", id},
           {"titolo", "Reparto " + id},

@@ -32,6 +32,8 @@ class TempShop {
 
   void sql(const std::string& statements);
   void insert(const std::string& table, const Row& row);
+  /// Sets columns of every row of a table.
+  void update(const std::string& table, const Row& row);
   /// A department with ID and pagina `id`, at the top level unless `more` says otherwise.
   void department(const std::string& id, const Row& more = {});
   /// An article of a department; returns its ID. Titles and prices as `more` tells.
