@@ -66,6 +66,21 @@ Result<std::string> readBytes(const std::string& path) {
   return bytes;
 }
 
+Result<std::string> readStart(const std::string& path, std::size_t limit) {
+  auto file = openToRead(path);
+  if (!file) return fail(file.error());
+  std::string bytes(limit, '\0');
+  std::size_t filled = 0;
+  while (filled < limit) {
+    const auto count = readPiece(file->descriptor, bytes.data() + filled, limit - filled, path);
+    if (!count) return fail(count.error());
+    if (*count == 0) break;
+    filled += *count;
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
 Result<> writeBytes(const std::string& path, std::string_view bytes) {
   auto replacement = Replacement::begin(path, newFileMode);
   if (!replacement) return fail(replacement.error());

@@ -16,6 +16,8 @@ namespace kv {
 
 /// Raw bytes of a file. Missing when it isn't there, ReadOnly/Other when it can't be read.
 Result<std::string> readBytes(const std::string& path);
+/// The first bytes of a file, at most `limit` of them. Failures as readBytes.
+Result<std::string> readStart(const std::string& path, std::size_t limit);
 /// Replaces a file through a temporary neighbour and a rename. Full on a full disk, ReadOnly when it may not be
 /// written, Missing when its folder isn't there. The old file's permission bits are kept.
 /// The bytes are handed to the system before the rename and not flushed to the disk: a kill of the process at any

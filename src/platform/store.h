@@ -95,6 +95,9 @@ std::int64_t asInteger(const Value& value);
 Money asMoney(const Value& value);
 bool asFlag(const Value& value);
 
+/// How the engine holds a field, whatever its column is declared to be.
+enum class StoredAs { Integer = 1, Real = 2, Text = 3, Blob = 4, Null = 5 };
+
 /// A prepared statement: bind from 1, then step rows or execute. A text that was bound must live until the
 /// execution is over.
 class Statement {
@@ -132,6 +135,9 @@ class Statement {
   float single(int column) const { return static_cast<float>(number(column)); }
   Money money(int column) const { return Money::ofTenThousandths(integer(column)); }
   bool flag(int column) const { return integer(column) != 0; }
+  StoredAs storedAs(int column) const;
+  /// The bytes of a text or a blob as they stand; like a text they live until the next step().
+  std::string_view bytes(int column) const;
   /// By the declared type of the source column; an expression gives what the engine made of it.
   Value value(int column) const;
 

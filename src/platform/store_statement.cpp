@@ -131,6 +131,15 @@ std::string_view Statement::text(int column) const {
 std::int64_t Statement::integer(int column) const { return sqlite3_column_int64(handle_, column); }
 double Statement::number(int column) const { return sqlite3_column_double(handle_, column); }
 
+static_assert(static_cast<int>(StoredAs::Integer) == SQLITE_INTEGER && static_cast<int>(StoredAs::Null) == SQLITE_NULL);
+StoredAs Statement::storedAs(int column) const { return static_cast<StoredAs>(sqlite3_column_type(handle_, column)); }
+
+std::string_view Statement::bytes(int column) const {
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(handle_, column));
+  if (bytes == nullptr) return {};
+  return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column))};
+}
+
 Value Statement::value(int column) const {
   const int stored = sqlite3_column_type(handle_, column);
   if (stored == SQLITE_NULL) return Null{};

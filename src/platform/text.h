@@ -18,6 +18,14 @@ std::string fromWindows1252(std::string_view bytes);
 /// ("&#8362;"); a byte that is not UTF-8 becomes "?".
 std::string toWindows1252(std::string_view utf8);
 
+/// The same for the one character at `utf8[at]`, written to `out`, which has room for `widestWindows1252` bytes.
+struct EncodedCharacter {
+  std::size_t read = 0;     ///< bytes of UTF-8
+  std::size_t written = 0;  ///< bytes in `out`
+};
+constexpr std::size_t widestWindows1252 = 10;  // "&#1114111;"
+EncodedCharacter encodeWindows1252(std::string_view utf8, std::size_t at, char* out);
+
 /// Lower case by simple case folding; bytes that are not UTF-8 stay, and so do the micro sign and the two Turkish
 /// letters i, so that the lower case of a Windows-1252 text is one again. Each character gives one character.
 std::string foldCase(std::string_view text);

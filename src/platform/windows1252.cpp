@@ -1,4 +1,5 @@
 #include <array>
+#include <charconv>
 
 #include "platform/text.h"
 #include "platform/utf8.h"
@@ -12,17 +13,23 @@ constexpr std::array<char16_t, 32> upperControls = {0x20AC, 0x0081, 0x201A, 0x01
                                                     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-void appendAsWindows1252(std::string& bytes, char32_t character) {
+/// Writes the bytes of one character and returns their end.
+char* writeAsWindows1252(char* out, char32_t character) {
   if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) {
-    bytes += static_cast<char>(static_cast<std::uint8_t>(character));
-    return;
+    *out = static_cast<char>(static_cast<std::uint8_t>(character));
+    return out + 1;
   }
   for (std::size_t i = 0; i < upperControls.size(); ++i) {
     if (upperControls[i] != character) continue;
-    bytes += static_cast<char>(static_cast<std::uint8_t>(0x80 + i));
-    return;
+    *out = static_cast<char>(static_cast<std::uint8_t>(0x80 + i));
+    return out + 1;
   }
-  bytes += "&#" + std::to_string(static_cast<std::uint32_t>(character)) + ";";
+  *out++ = '&';
+  *out++ = '#';
+  constexpr std::ptrdiff_t mostDigits = 7;
+  out = std::to_chars(out, out + mostDigits, static_cast<std::uint32_t>(character)).ptr;
+  *out = ';';
+  return out + 1;
 }
 
 }  // namespace
@@ -41,6 +48,13 @@ std::string fromWindows1252(std::string_view bytes) {
   return text;
 }
 
+EncodedCharacter encodeWindows1252(std::string_view utf8Text, std::size_t at, char* out) {
+  const utf8::Unit unit = utf8::unitAt(utf8Text, at);
+  if (unit.valid) return {unit.length, static_cast<std::size_t>(writeAsWindows1252(out, unit.character) - out)};
+  *out = '?';
+  return {unit.length, 1};
+}
+
 std::string toWindows1252(std::string_view utf8Text) {
   std::string bytes;
   bytes.reserve(utf8Text.size());
@@ -48,13 +62,10 @@ std::string toWindows1252(std::string_view utf8Text) {
     const std::size_t end = utf8::endOfAscii(utf8Text, at);
     bytes.append(utf8Text, at, end - at);
     if (end == utf8Text.size()) break;
-    const utf8::Unit unit = utf8::unitAt(utf8Text, end);
-    if (unit.valid) {
-      appendAsWindows1252(bytes, unit.character);
-    } else {
-      bytes += '?';
-    }
-    at = end + unit.length;
+    char encoded[widestWindows1252];
+    const EncodedCharacter one = encodeWindows1252(utf8Text, end, encoded);
+    bytes.append(encoded, one.written);
+    at = end + one.read;
   }
   return bytes;
 }

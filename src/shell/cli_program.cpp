@@ -1,5 +1,6 @@
 #include "shell/cli_program.h"
 
+#include "commerce/payment_modules.h"
 #include "platform/clock.h"
 #include "platform/settings.h"
 #include "shell/command_line.h"
@@ -15,6 +16,8 @@ CliOutcome runShopCommand(const CommandLine& line, Surroundings& with, std::ostr
       return buildShop(shop, with, out);
     case CliCommand::Check:
       return checkShop(shop, with, out);
+    case CliCommand::ExportSql:
+      return exportShopSql(shop, with, out);
     case CliCommand::New:
       return newShop(with, out);
     case CliCommand::Help:
@@ -48,6 +51,7 @@ CliOutcome runCommandLine(std::span<const std::string> arguments, const CliPlace
   ConsoleUser user(place.err, systemClock(), std::move(screen));
   FileSettings settings(userSettingsPath());
   Surroundings with{user, settings, systemClock(), systemRandom(), *application, {}};
+  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
   const CliOutcome outcome = runShopCommand(*line, with, place.out);
   place.out.flush();
   return outcome;

@@ -8,8 +8,10 @@
 namespace kv {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, CliCommand>, 3> commands{
-    {{"build", CliCommand::Build}, {"check", CliCommand::Check}, {"new", CliCommand::New}}};
+constexpr std::array<std::pair<std::string_view, CliCommand>, 4> commands{{{"build", CliCommand::Build},
+                                                                           {"check", CliCommand::Check},
+                                                                           {"export-sql", CliCommand::ExportSql},
+                                                                           {"new", CliCommand::New}}};
 constexpr std::array<std::pair<std::string_view, Answer>, 4> answers{
     {{"yes", Answer::Yes}, {"no", Answer::No}, {"ok", Answer::Ok}, {"cancel", Answer::Cancel}}};
 
@@ -108,9 +110,10 @@ std::string usageText() {
   return "Uso: korvane-cli [opzioni] COMANDO NEGOZIO\n"
          "\n"
          "Comandi:\n"
-         "  build NEGOZIO   costruisce il sito del negozio contenuto nella cartella NEGOZIO\n"
-         "  check NEGOZIO   apre il negozio e dice che cosa non va, senza costruirlo\n"
-         "  new NEGOZIO     crea un nuovo negozio nella cartella NEGOZIO\n"
+         "  build NEGOZIO       costruisce il sito del negozio contenuto nella cartella NEGOZIO\n"
+         "  check NEGOZIO       apre il negozio e dice che cosa non va, senza costruirlo\n"
+         "  export-sql NEGOZIO  scrive i file SQL del negozio costruito nella cartella online\n"
+         "  new NEGOZIO         crea un nuovo negozio nella cartella NEGOZIO\n"
          "\n"
          "Opzioni:\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"

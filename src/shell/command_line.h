@@ -10,7 +10,7 @@
 
 namespace kv {
 
-enum class CliCommand { Build, Check, New, Help, Version };
+enum class CliCommand { Build, Check, ExportSql, New, Help, Version };
 
 struct CommandLine {
   CliCommand command = CliCommand::Help;

@@ -2,6 +2,7 @@
 
 #include "builder/make_pages.h"
 #include "platform/files.h"
+#include "sqlexport/full_export.h"
 #include "store/load_shop.h"
 #include "store/open_shop.h"
 #include "store/session_start.h"
@@ -90,6 +91,21 @@ bool tellFaults(const CliSession& open, Surroundings& with) {
   return faulty;
 }
 
+void tellExported(const Session& session, const ExportReport& report, std::ostream& out) {
+  if (report.published.empty()) {
+    out << "Nessun file SQL: la costruzione non ha annotato il numero delle lingue.\n";
+    return;
+  }
+  if (report.languages == 0) {
+    out << "File SQL dell'esportazione precedente, ancora validi";
+  } else {
+    out << "Lingue " << report.languages << ", righe " << report.rows;
+  }
+  out << "; file:";
+  for (const std::string& name : report.published) out << ' ' << name;
+  out << ".\nCartella: " << session.onlineFolder << '\n';
+}
+
 }  // namespace
 
 CliOutcome buildShop(const std::string& shop, Surroundings& with, std::ostream& out) {
@@ -112,6 +128,28 @@ CliOutcome checkShop(const std::string& shop, Surroundings& with, std::ostream& 
   out << "Il negozio può essere costruito: articoli " << open.session.articleCount << ", lingue "
       << open.session.languageCount << ", " << open.session.templatePath << ".\n";
   return CliOutcome::Done;
+}
+
+CliOutcome exportShopSql(const std::string& shop, Surroundings& with, std::ostream& out) {
+  CliSession open(with);
+  if (!open.open(shop)) return CliOutcome::Failed;
+  const auto word = open.session.catalogue.scalar("SELECT db_security FROM generale");
+  const std::string sec = word ? asText(*word) : std::string();
+  if (sec.empty() || !fileExists(joinPath(open.session.onlineFolder, sec + ".sc"))) {
+    with.user.message(
+        "Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database",
+        Icon::Exclamation);
+    return CliOutcome::Failed;
+  }
+  for (const std::string& name : listFiles(open.session.onlineFolder, "*.sql")) {
+    static_cast<void>(deleteFile(joinPath(open.session.onlineFolder, name)));
+  }
+  LockStatements lock;
+  readLockOption(shop, lock);
+  ExportReport report;
+  ExportFullSql({shop, open.session.onlineFolder, with.user, with.settings, lock}, sec, &report);
+  tellExported(open.session, report, out);
+  return report.failed || report.published.empty() ? CliOutcome::Failed : CliOutcome::Done;
 }
 
 CliOutcome newShop(Surroundings& with, std::ostream& out) {

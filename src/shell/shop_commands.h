@@ -19,6 +19,10 @@ CliOutcome buildShop(const std::string& shop, Surroundings& with, std::ostream& 
 /// template, missing language modules, missing working folders. One sentence on `out` when nothing does.
 CliOutcome checkShop(const std::string& shop, Surroundings& with, std::ostream& out);
 
+/// Opens the shop and writes the SQL files of its last build into the online folder, old ones deleted first. Names the
+/// files on `out`. Failed, with a message, when the shop hasn't been built.
+CliOutcome exportShopSql(const std::string& shop, Surroundings& with, std::ostream& out);
+
 /// Makes a new shop in the folder that the user port chooses.
 CliOutcome newShop(Surroundings& with, std::ostream& out);
 

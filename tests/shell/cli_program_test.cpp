@@ -111,6 +111,48 @@ TEST_F(CliProgram, ANewShopCanBeCheckedAndBuilt) {
   EXPECT_FALSE(folderExists(home / "shop/tmp"));
 }
 
+TEST_F(CliProgram, ABuiltShopIsExportedForEachOfItsLanguages) {
+  ASSERT_EQ(run("new shop").status, 0);
+  ASSERT_EQ(run("build shop").status, 0);
+  ASSERT_TRUE(writeBytes(home / "shop/online/db_l4.sql", "of another time"));
+  const Ended exported = run("export-sql shop");
+  ASSERT_EQ(exported.status, 0) << exported.err;
+  EXPECT_THAT(exported.out, AllOf(StartsWith("Lingue 2, righe "), HasSubstr("; file: db.sql dbdel.sql db_l2.sql "
+                                                                            "dbdel_l2.sql.\nCartella: " +
+                                                                            home / "shop/online\n")));
+  EXPECT_EQ(exported.err, "");
+  EXPECT_FALSE(fileExists(home / "shop/online/db_l4.sql"));
+  EXPECT_THAT(*readBytes(home / "shop/online/db.sql"), HasSubstr("\r\nCREATE TABLE articoli\r\n"));
+  EXPECT_THAT(run("export-sql shop").out, StartsWith("File SQL dell'esportazione precedente, ancora validi; file: "));
+}
+
+TEST_F(CliProgram, AShopThatWasNotBuiltIsNotExported) {
+  ASSERT_EQ(run("new shop").status, 0);
+  const Ended refused = run("export-sql shop");
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.out, "");
+  EXPECT_EQ(refused.err,
+            "Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database\n");
+  EXPECT_TRUE(listFiles(home / "shop/online", "*.sql").empty());
+}
+
+TEST_F(CliProgram, TheLockOptionOfTheShopGovernsTheExport) {
+  ASSERT_EQ(run("new shop").status, 0);
+  ASSERT_EQ(run("build shop").status, 0);
+  ASSERT_TRUE(writeBytes(home / "shop/kvftp.ini", "LOCK: 0\r\n"));
+  ASSERT_EQ(run("export-sql shop").status, 0);
+  EXPECT_EQ(readBytes(home / "shop/online/db.sql")->find("LOCK TABLES"), std::string::npos);
+}
+
+TEST_F(CliProgram, AShopThatLacksAPaymentModuleGetsItWhenItIsOpened) {
+  ASSERT_EQ(run("new shop").status, 0);
+  ASSERT_TRUE(emptyFolder(home / "shop/code/Paypal"));
+  ASSERT_TRUE(deleteFile(home / "shop/code/Paypal.kpg"));
+  ASSERT_EQ(run("check shop").status, 0);
+  EXPECT_TRUE(fileExists(home / "shop/code/Paypal/conf.ini"));
+  EXPECT_TRUE(fileExists(home / "shop/code/Paypal.kpg"));
+}
+
 TEST_F(CliProgram, ANewShopIsNotLaidOverAnother) {
   ASSERT_EQ(run("new shop").status, 0);
   const Ended again = run("new shop");

@@ -33,6 +33,10 @@ TEST(CommandLine, CheckAndNewAreCommandsOfTheirOwn) {
   EXPECT_EQ(parse({"new", "shop"})->command, CliCommand::New);
 }
 
+TEST(CommandLine, TheExportOfTheDatabaseIsACommandOfItsOwn) {
+  EXPECT_EQ(parse({"export-sql", "shop"})->command, CliCommand::ExportSql);
+}
+
 TEST(CommandLine, OptionsStandBeforeBetweenOrBehindTheNames) {
   for (const auto& line : {parse({"--app", "data", "build", "shop"}), parse({"build", "--app", "data", "shop"}),
                            parse({"build", "shop", "--app=data"})}) {

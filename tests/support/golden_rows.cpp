@@ -59,7 +59,9 @@ Result<Value> valueOf(const TableInfo& table, const std::string& column, std::st
     case ColumnType::Money:
       if (const auto amount = Money::parse(text)) return Value(*amount);
       break;
-    case ColumnType::Single:
+    case ColumnType::Single:  // as the program stores it: in the precision of the column
+      if (const auto number = toNumber(text)) return Value(static_cast<double>(static_cast<float>(*number)));
+      break;
     case ColumnType::Double:
       if (const auto number = toNumber(text)) return Value(*number);
       break;

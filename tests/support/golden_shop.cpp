@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/store.h"
 #include "platform/text.h"
+#include "sqlexport/full_export.h"
 #include "store/load_shop.h"
 #include "store/schema.h"
 #include "store/session_start.h"
@@ -37,12 +38,14 @@ void expectDone(const Result<>& result, const std::string& what) {
 // Tables that have exactly one row even when the case doesn't speak of them.
 std::string rowsWithDefaults(std::string rows) {
   constexpr std::pair<std::string_view, std::string_view> needed[] = {
-      {"generale", ""}, {"pagamento", ""}, {"lingue", "lingua1 = italiano\n"}};
+      {"generale", ""}, {"pagamento", ""}, {"lingue", "lingua1 = italiano\n"},
+      {"zona1", ""},    {"zona2", ""},     {"zona3", ""},
+      {"zona4", ""},    {"zona5", ""},     {"zona6", ""},
+      {"zona7", ""},    {"zona8", ""}};
   for (const auto& [table, fields] : needed) {
     if (("\n" + rows).find("\n[" + std::string(table) + "]") == std::string::npos)
       rows += "\n[" + std::string(table) + "]\n" + std::string(fields);
   }
-  for (int zone = 1; zone <= 8; ++zone) rows += "\n[zona" + std::to_string(zone) + "]\n";
   return rows;
 }
 
@@ -91,6 +94,7 @@ void GoldenShop::writeInputs(const Txtar& archive) {
                         std::string(input.folder) + part.name.substr(input.part.size()));
     }
     if (part.name == "tags/shoptag.tag") path = joinPath(shop_, "shoptag.tag");
+    if (part.name == "kvftp.ini") path = joinPath(shop_, "kvftp.ini");
     if (part.name == "tags/personal.tag") path = joinPath(application_, "personal.tag");
     if (path.empty()) continue;
     expectDone(createFolders(std::string(folderOf(path))), path);
@@ -131,7 +135,15 @@ void GoldenShop::open() {
 }
 
 void GoldenShop::run() {
-  for (const std::string& step : steps_) step == "build" ? build() : apply(step);
+  for (const std::string& step : steps_) {
+    if (step == "build") {
+      build();
+    } else if (step == "export") {
+      exportSql();
+    } else {
+      apply(step);
+    }
+  }
 }
 
 void GoldenShop::apply(const std::string& step) {
@@ -160,6 +172,14 @@ void GoldenShop::build() {
   }
 }
 
+void GoldenShop::exportSql() {
+  LockStatements lock;
+  readLockOption(shop_, lock);
+  user_.shown.clear();
+  ExportFullSql({shop_, session_.onlineFolder, user_, settings_, lock}, "abcdefghijklmnopqrst");
+  for (const Shown& shown : user_.shown) messages_ += withPlaceholders(describe(shown));
+}
+
 std::string GoldenShop::withPlaceholders(std::string text) const {
   return replaceAll(replaceAll(std::move(text), shop_, "<shop>"), application_, "<app>");
 }
@@ -171,6 +191,13 @@ void GoldenShop::addFiles(const std::string& folder, const std::string& prefix, 
     const std::string bytes = expectValue(readBytes(entry.path().string()), entry.path().string());
     files[entry.path().filename().string()] = std::regex_replace(bytes, version, "$1<version>$2");
   }
+  std::erase_if(files, [&](const auto& file) {
+    static const std::regex cache("abcdefghijklmnopqrst(db(?:del)?(?:_l[234])?)\\.sc");
+    std::smatch found;
+    if (!std::regex_match(file.first, found, cache)) return false;
+    const auto published = files.find(found[1].str() + ".sql");
+    return published != files.end() && published->second == file.second;
+  });
   for (const auto& [name, bytes] : files) parts.push_back(bytesPart(prefix + name, bytes));
 }
 

@@ -3,10 +3,12 @@
 // form of wanted parts.
 //
 // Parts in: "rows"; "settings" (key=value lines); "template/...", "code/...", "backoffice/...", "languages/...",
-// "tags/personal.tag" of the application; "shopcode/...", "work/...", "tags/shoptag.tag" of the shop; "builds", the
-// steps when there is more than one build: "build", "set TABLE ID COLUMN = VALUE" (ID or *), "setting KEY = VALUE".
+// "tags/personal.tag" of the application; "shopcode/...", "work/...", "tags/shoptag.tag", "kvftp.ini" of the shop;
+// "builds", the steps when there is more to do than one build: "build", "export" (the SQL text of the build before it),
+// "set TABLE ID COLUMN = VALUE" (ID or *), "setting KEY = VALUE".
 // Parts out: "want/messages.txt", "want/kvftp.dat", "want/online/...", "want/scripts/...", and of a finished build the
-// rows in "want/db/sql.txt" and "want/source.txt". <shop>, <app> and <version> stand for what differs between runs.
+// rows in "want/db/sql.txt" and "want/source.txt". The files that an export keeps for itself are left out when the
+// published ones are copies of them. <shop>, <app> and <version> stand for what differs between runs.
 
 #include <map>
 #include <string>
@@ -32,6 +34,9 @@ class GoldenShop {
   /// Runs the steps of the part "builds", or one build.
   void run();
   BuildOutcome outcome() const { return outcome_; }
+  /// The shop's folder, and how many languages it has.
+  const std::string& folder() const { return shop_; }
+  int languages() const { return session_.languageCount; }
   /// What stands there now, as parts: messages, list of files, the two databases of a finished build, the files of
   /// both working folders. `archive` gives the flags of row dumps.
   std::vector<TxtarPart> produced(const Txtar& archive) const;
@@ -44,6 +49,7 @@ class GoldenShop {
   void open();
   void apply(const std::string& step);
   void build();
+  void exportSql();
   std::string withPlaceholders(std::string text) const;
   void addFiles(const std::string& folder, const std::string& prefix, std::vector<TxtarPart>& parts) const;
 

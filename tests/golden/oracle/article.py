@@ -27,7 +27,12 @@ class Currency:
 def shop_factor(settings):
     """The shop discount as a factor; out of 0 to 100 it is no discount."""
     percent = settings["sconto"]
-    return Single((100 - percent) / 100) if percent is not None and 0 <= percent <= 100 else Single(1)
+    return Single((100 - typed(percent)) / 100) if percent is not None and 0 <= percent <= 100 else Single(1)
+
+
+def typed(percent):
+    """The number of a percentage's text: what the merchant typed, not what a single keeps of it."""
+    return float(trimmed(percent))
 
 
 def department_factor(percent, shop):

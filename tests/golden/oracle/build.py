@@ -4,15 +4,19 @@ import tags
 from article import Currency, custom_cell, derived_row, list_entry, plain_cell, shop_factor, target
 from catalogue import View
 from figures import is_numeric
+from gateways import UNREADABLE, module_scripts, read_kpg, read_kpg_action
 from images import first_pixel, gif_size
+from navigation import Navigation, menu_sections
 from pages import PageRefused
 from pagetags import common_columns, department_columns, stored_department
 from pools import SCRIPTS, make_pools
+from server import settings_block
 from shop import is_model, listing
 from showcase import showcase
 from tables import BuildTables
 from texts import can_copy, file_lingua, is_page, like, page_file, put_ext, testo_html
 from txtar import from_cp1252, to_cp1252
+from variants import variant_rows
 
 TOKEN = "abcdefghijklmnopqrst"  # of a random source that counts up from 0
 ONLINE, SCRIPT_FOLDER = "<shop>/online/", "<shop>/scripts/"
@@ -34,6 +38,7 @@ class Build:
         self.package = shop.package()
         settings = View("generale", shop.one("generale"), 1)
         self.shop_factor, self.currency = shop_factor(settings), Currency(settings)
+        self.php_globals = settings_block(self, settings)
         self.custom = {}
         if settings.text("personaltags").lower() in TRUE_WORDS:
             for name in ("shoptag.tag", "personal.tag"):
@@ -83,10 +88,16 @@ class Build:
         self.colours = [first_pixel(self.pool["kvan_col_%d.gif" % i]) for i in range(5)]
         self.settings = View("generale", self.shop.one("generale"), self.language)
         self.payment = View("pagamento", self.shop.one("pagamento"), self.language)
-        self.tables.add_variants(self.suffix)
+        self.tables.rows["opzioni" + self.suffix] = variant_rows(self.shop, self.language, self.settings, self.currency)
         departments = sorted(self.shop.rows("categorie"), key=lambda row: (row["livello"], row["ordinamento"]))
+        departments = [View("categorie", row, self.language) for row in departments]
+        menu = self.pool.get("kvan_menu.ini")
+        self.navigation = Navigation(departments, self.suffix, self.colours[4],
+                                     menu_sections(None if menu is None else from_cp1252(menu)))
+        if self.setting("XMLmenu") != "0":
+            self.copy_online(file_lingua("shopmenu.xml", self.suffix), to_cp1252(self.navigation.xml()))
         for department in departments:
-            self.build_department(View("categorie", department, self.language))
+            self.build_department(department)
         self.shop_pages()
         self.scripts_and_resources()
 
@@ -114,7 +125,7 @@ class Build:
         for n in range(1, max(1, (len(articles) - 1) // size + 1) + 1):
             here = articles[(n - 1) * size:n * size]
             page = page_file(department.text("pagina"), n, self.suffix)
-            self.row = department_columns(self, department)
+            self.row = department_columns(self, department) | self.navigation_columns(department)
             self.set_language_links(page)
             rows = []
             for position, article in enumerate(here, 1):
@@ -146,6 +157,14 @@ class Build:
         self.log.append("#" + ONLINE + root + ".php")
         return text
 
+    def navigation_columns(self, department):
+        """The tree and the drop-down, and what stands around the title of a department."""
+        links, menu = self.navigation.tree(department, self.settings["livelliaperti"] or 0)
+        row = {"reparti": links, "repartimenu": menu}
+        if department is not None and self.settings["vis_percrep"]:
+            row["titolo"] = self.navigation.title(department, self.setting("MacCodes") != "off")
+        return row
+
     def set_language_links(self, file):
         """The links of a page to its other languages; without a file there are none."""
         for i in (1, 2, 3, 4):
@@ -157,7 +176,7 @@ class Build:
     # The pages of the shop.
 
     def shop_pages(self):
-        self.row = common_columns(self)
+        self.row = common_columns(self) | self.navigation_columns(None)
         self.row |= {"search_maxart": self.settings.text("ricartperpag"), "elenco": self.site_list,
                      "vetrina": showcase(self.settings, self.cells), "php_vars": ""}
         for name in listing(name for name in self.pool if is_page(name)):
@@ -184,12 +203,27 @@ class Build:
             count += 1
             output = put_ext(file_lingua("thankyou%d.htm" % count, self.suffix))
             self.row["metodo_pagamento"] = self.payment.text("nome%d" % i)
+            method = self.payment.text("metodo%d" % i)
+            self.row["thankyou"] = read_kpg(self.shop, method)
+            if self.row["thankyou"] == UNREADABLE:
+                self.row["thankyou"] = ""
+                self.messages.append(("Exclamation", "Impossibile trovare il file '%s.kpg'" % method))
+            self.row["java_PGAction"] = read_kpg_action(self.shop, method, self.suffix)
             self.set_language_links(output)
             first = pages.plain_page(self, from_cp1252(self.pool[name]), name, self.suffix)
             between = from_cp1252(to_cp1252(first + "\r\n"))
             self.write(output, pages.plain_page(self, between, "thankyou.tmp", self.suffix, True))
             self.log.append("#" + ONLINE + output)
-        self.row["metodo_pagamento"] = ""
+            self.install_scripts(method)
+        self.row |= {"metodo_pagamento": "", "thankyou": "", "java_PGAction": ""}
+
+    def install_scripts(self, method):
+        for name, data in module_scripts(self.shop, method):
+            if data is None:
+                self.messages += [("Exclamation", MISSING % name),
+                                  ("Exclamation", "Errore nell'elaborazione del file " + name)]
+            else:
+                self.online_page({name: data}, name, file_lingua(name, self.suffix))
 
     def online_page(self, pool, name, output):
         self.write(output, pages.plain_page(self, from_cp1252(pool[name]), name, self.suffix))

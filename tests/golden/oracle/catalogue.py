@@ -11,13 +11,16 @@ FLAGS = """codincart serverNT decimali1 decimali2 ivacompresa ricercaparole elen
 elenco_sottotitolo vis_offerta vis_sconto autoredirect checkcookies usa_cambio vis_percrep nodiff cercacodice regobbl
 subtitleincart regprices singleitem_search singleitem_vet showsigns reglist searchusesCGI hafigli inaccessibile
 nascosto linkesterno offerta scq novita popup fuoricatalogo inelenco attivo1 attivo2 attivo3 attivo4
-alfabetico""".split()
+alfabetico ivaok pag""".split()
 MONEY = "minimo importo prezzo offertaprezzo".split()
 SINGLES = "cambio sconto scimp iva scqperc0 scqperc1 peso ivaspese".split()
 NUMBERS = """imgX0 imgY0 imgX1 imgY1 imgX2 imgY2 notazione operatorericerca livelliaperti colonnevetrina vetsize
 vetopzioni ricartperpag qminima maxarticoli ordinamento livello contatore scqart0 scqart1 opzione1 opzione2 opzione3
-opzione4 OpID""".split()
-LISTINI = "prezzo offerta offertaprezzo scq sconto inaccessibile scimp importo".split()
+opzione4 OpID paesesel zonasel imppeso zona""".split()
+# Families with a digit behind the name: price lists, the taxed zones, the methods of a zone.
+FAMILIES = "prezzo offerta offertaprezzo scq sconto inaccessibile scimp importo ivaok pag".split()
+# The costs of a method in a zone: m2imp1, m3spp10, m1peso9.
+ZONE_COST = re.compile(r"m[1-4](imp|spp?|peso)\d+")
 BY_TABLE = {("articoli", "ID"): "number", ("opzioni", "ID"): "number", ("dettagliop", "ID"): "number",
             ("paesi", "ID"): "number", ("generale", "affiancati"): "number", ("pagamento", "selezionato"): "number"}
 BY_LANGUAGE = {
@@ -26,6 +29,8 @@ BY_LANGUAGE = {
     "categorie": "titolo descrizione note immagine1 imgX1 imgY1".split(),
     "articoli": "titolo sottotitolo descrizione note".split(),
     "pagamento": "nome1 nome2 nome3 nome4".split(),
+    "opzioni": ["nome"],
+    "dettagliop": ["testo"],
 }
 
 
@@ -33,10 +38,12 @@ def kind_of(table, column):
     """The value kind of a column: its bare name decides, but for the few that differ between tables."""
     if (table, column) in BY_TABLE:
         return BY_TABLE[table, column]
+    if cost := ZONE_COST.fullmatch(column):
+        return "single" if cost.group(1) == "peso" else "money"
     bare = re.sub(r"_(l[234]|[1-9])$", "", column)
     family = re.sub(r"[1-9]$", "", bare)
     for kind, names in (("flag", FLAGS), ("money", MONEY), ("single", SINGLES), ("number", NUMBERS)):
-        if bare in names or (family in LISTINI and family in names):
+        if bare in names or (family in FAMILIES and family in names):
             return kind
     return "text"
 

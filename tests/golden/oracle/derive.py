@@ -9,6 +9,7 @@ import difflib
 import sys
 
 from build import Build
+from dump import export
 from shop import Shop
 from txtar import Part, bytes_part, parse, show
 
@@ -38,6 +39,8 @@ def wanted_parts(parts):
             build = Build(shop)
             build.run()
             log += messages_text(build)
+        elif step == "export":
+            export(build, shop.online)
         else:
             shop.apply(step)
     wanted = [text_part("want/messages.txt", log)]

@@ -56,9 +56,11 @@ def _float_text(value, places):
 
 
 def masked(value, decimals, grouped):
-    """A number with so many decimals, ties away from zero, "." for decimals and "," for thousands."""
+    """A number with so many decimals, ties away from zero, "." for decimals and "," for thousands. What rounds to
+    nothing has no sign."""
     exact = value if isinstance(value, Decimal) else Decimal(format(value, ".15g"))
     rounded = exact.quantize(Decimal(1).scaleb(-decimals), ROUND_HALF_UP)
+    rounded = rounded if rounded else abs(rounded)
     return format(rounded, ",f" if grouped else "f")
 
 

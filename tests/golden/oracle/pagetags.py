@@ -1,8 +1,10 @@
 """The page tag row: the columns that every page of a language has, and those of a department."""
 from article import LISTINI
+from cart import cart_columns
 from figures import Single, hashes, money, plain
 from images import picture_tag
 from pages import CRLF
+from server import server_columns
 from texts import address, escape_php, file_lingua, put_ext
 
 CARRELLO = CRLF.join([
@@ -69,7 +71,7 @@ def common_columns(run):
         "db_security": run.token, "compact_privacy_policy": escape_php(settings["p3p"]),
     }
     row |= {"colore%d" % i: run.colours[i] for i in range(4)}
-    return row
+    return row | cart_columns(run) | server_columns(run)
 
 
 def pager(page):

@@ -11,6 +11,7 @@ class Shop:
     def __init__(self, parts):
         self.files = {folder: {} for folder in FOLDERS}  # folder -> name -> bytes
         self.tables, self.settings, self.steps = {}, {}, ["build"]
+        self.no_lock = False
         for part in parts:
             folder, _, name = part.name.partition("/")
             if part.name == "rows":
@@ -19,6 +20,9 @@ class Shop:
                 self.settings = dict(line.split("=", 1) for line in part.text.splitlines())
             elif part.name == "builds":
                 self.steps = [line for line in part.text.splitlines() if line.strip()]
+            elif part.name == "kvftp.ini":
+                self.no_lock = any(line.upper().startswith("LOCK:") and line[5:].strip(" ") == "0"
+                                   for line in part.text.splitlines())
             elif folder in FOLDERS:
                 self.files[folder][name] = part_bytes(part)
         for table, row in (("generale", {}), ("pagamento", {}), ("lingue", {"lingua1": "italiano"})):

@@ -44,11 +44,6 @@ class BuildTables:
             for row in shop.rows("dettagliop")
             if row.get("codice") and row.get("OpID") != 1 and row.get("OpID") in in_first_slot - {None}]
 
-    def add_variants(self, suffix):
-        used = {row.get(name) or 0 for row in self.shop.rows("articoli") for name in VARIANTS}
-        self.rows["opzioni" + suffix] = [{"ID": number, "nomeopzione": "", "opzione": ""}
-                                         for number in used if number > 1]
-
     def add_articles(self, suffix, root, n, rows, cells):
         for row, (before, after) in zip(rows, cells):
             self.rows["articoli" + suffix].append(row | {"pagina": root, "sottopagina": n})

@@ -1,0 +1,117 @@
+#include "sqlexport/full_export.h"
+
+#include <algorithm>
+
+#include "platform/files.h"
+#include "platform/output_file.h"
+#include "platform/text.h"
+#include "sqlexport/sql_rows.h"
+#include "store/schema.h"
+
+namespace kv {
+namespace {
+
+void passOver(const Result<>& /*done*/) {}
+
+Result<> writeDropFile(OutputFile& out, const std::vector<TableInfo>& tables, const DatabaseExport& job,
+                       const SqlStyle& style) {
+  ExportWarnings warnings;
+  writeHead(out, job.sec, style);
+  for (const TableInfo& table : tables) {
+    if (!isExported(table, job.languageSuffix)) continue;
+    auto name = SqlIdent(table.name, warnings);
+    if (!name) return fail(name.error());
+    out.append(toWindows1252("\r\nDROP TABLE " + *name + style.separator + "\r\n"));
+  }
+  return out.close();
+}
+
+Result<std::int64_t> writeLoadFile(OutputFile& out, Database& database, const std::vector<TableInfo>& tables,
+                                   const DatabaseExport& job, const SqlStyle& style) {
+  ExportWarnings warnings;
+  std::int64_t rows = 0;
+  writeHead(out, job.sec, style);
+  for (const TableInfo& table : tables) {
+    if (!isExported(table, job.languageSuffix)) continue;
+    if (auto done = writeDefinition(out, table, style, warnings); !done) return fail(done.error());
+    auto written = writeRows(out, database, table, style, warnings);
+    if (!written) return written;
+    rows += *written;
+    if (out.failed()) break;
+  }
+  if (auto closed = out.close(); !closed) return fail(closed.error());
+  return rows;
+}
+
+Result<std::int64_t> exportDatabase(const DatabaseExport& job, const SqlStyle& style) {
+  auto database = Database::open(job.databasePath, OpenMode::ReadOnly);
+  if (!database) return fail(database.error());
+  const auto tables = database->tables();
+  if (!tables) return fail(tables.error());
+  auto drop = OutputFile::create(job.dropFilePath);
+  if (!drop) return fail(drop.error());
+  if (auto done = writeDropFile(*drop, *tables, job, style); !done) return fail(done.error());
+  auto load = OutputFile::create(job.loadFilePath);
+  if (!load) return fail(load.error());
+  return writeLoadFile(*load, *database, *tables, job, style);
+}
+
+/// The files of one language: what the export makes, and what is published of it.
+struct LanguageFiles {
+  std::string cachedLoad, cachedDrop, load, drop;
+};
+
+LanguageFiles filesOf(std::string_view suffix, const std::string& sec) {
+  const std::string load = "db" + std::string(suffix), drop = "dbdel" + std::string(suffix);
+  return {sec + load + ".sc", sec + drop + ".sc", load + ".sql", drop + ".sql"};
+}
+
+void exportLanguages(const ExportPlace& place, const std::string& sec, double languages, ExportReport& report) {
+  const SqlStyle style = sqlStyle(place.settings, place.lock);
+  for (int i = 0; i < maxLanguages && i + 1 <= languages; ++i) {
+    const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(i)];
+    const LanguageFiles files = filesOf(suffix, sec);
+    const DatabaseExport job{joinPath(place.shopFolder, "db/sql.mdb"), joinPath(place.onlineFolder, files.cachedLoad),
+                             joinPath(place.onlineFolder, files.cachedDrop), std::string(suffix), sec};
+    passOver(deleteFile(job.loadFilePath));
+    passOver(deleteFile(job.dropFilePath));
+    std::int64_t rows = 0;
+    if (!ExportDatabaseSql(job, style, place.user, &rows)) report.failed = true;
+    report.rows += rows;
+    ++report.languages;
+  }
+}
+
+}  // namespace
+
+bool ExportDatabaseSql(const DatabaseExport& job, const SqlStyle& style, UserPort& user, std::int64_t* rows) {
+  const auto written = exportDatabase(job, style);
+  if (!written) {
+    user.message(written.error().what, Icon::Exclamation);
+    return false;
+  }
+  if (rows != nullptr) *rows = *written;
+  return true;
+}
+
+void ExportFullSql(const ExportPlace& place, const std::string& sec, ExportReport* report) {
+  ExportReport unasked;
+  ExportReport& done = report != nullptr ? *report : unasked;
+  const std::string cache = joinPath(place.onlineFolder, filesOf("", sec).cachedLoad);
+  if (fileExists(cache) && isStale(cache, place.settings)) passOver(deleteFile(cache));
+  if (!fileExists(cache)) {
+    const double languages = notedLanguages(place.onlineFolder, sec);
+    if (languages == 0) return;
+    exportLanguages(place, sec, languages, done);
+  }
+  const auto publish = [&](const std::string& from, const std::string& to) {
+    if (copyFile(joinPath(place.onlineFolder, from), joinPath(place.onlineFolder, to))) done.published.push_back(to);
+  };
+  for (const std::string_view suffix : languageSuffixes) {
+    const LanguageFiles files = filesOf(suffix, sec);
+    publish(files.cachedLoad, files.load);
+    publish(files.cachedDrop, files.drop);
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,179 @@
+// Values go from the engine's row into the file's buffer without a copy in between: a dump of a large shop is a few
+// million values, and one allocation each would be most of its time.
+
+#include "sqlexport/sql_rows.h"
+
+#include <array>
+#include <charconv>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/number_form.h"
+#include "platform/text.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t longestLineRow = 3;  // more columns are spread over lines
+constexpr std::string_view lineEnd = "\r\n";
+
+void appendText(OutputFile& out, std::string_view utf8) {
+  out.append('\'');
+  appendQuotedText(out, utf8);
+  out.append('\'');
+}
+
+void appendBytes(OutputFile& out, std::string_view bytes) {
+  out.append('\'');
+  appendQuotedBinary(out, bytes);
+  out.append('\'');
+}
+
+constexpr std::ptrdiff_t widestNumber = 24;
+
+void appendWhole(OutputFile& out, std::int64_t number) {
+  char* place = out.room(widestNumber);
+  char* const last = place + widestNumber;
+  if (number >= 0) *place++ = ' ';
+  out.filled(std::to_chars(place, last, number).ptr);
+}
+
+/// The plain number form by hand: no zero before the point, none at the end.
+void appendMoney(OutputFile& out, std::int64_t tenThousandths) {
+  constexpr std::uint64_t unit = 10000;
+  const auto bits = static_cast<std::uint64_t>(tenThousandths);
+  const std::uint64_t amount = tenThousandths < 0 ? 0 - bits : bits;
+  char* place = out.room(widestNumber);
+  char* const last = place + widestNumber;
+  *place++ = tenThousandths < 0 ? '-' : ' ';
+  if (amount >= unit || amount == 0) place = std::to_chars(place, last, amount / unit).ptr;
+  auto rest = static_cast<unsigned>(amount % unit);
+  if (rest != 0) *place++ = '.';
+  for (unsigned digit = 1000; rest != 0; digit /= 10) {
+    *place++ = static_cast<char>('0' + rest / digit);
+    rest %= digit;
+  }
+  out.filled(place);
+}
+
+void appendReal(OutputFile& out, double number, ColumnType type) {
+  out.append(type == ColumnType::Single ? plainNumber(static_cast<float>(number)) : plainNumber(number));
+}
+
+/// A field that isn't stored as its column is declared, as files that others have written may hold.
+void appendNumberOf(OutputFile& out, const Value& value, ColumnType type) {
+  if (const auto* flag = std::get_if<bool>(&value)) return out.append(*flag ? '1' : '0');
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) return appendWhole(out, *whole);
+  if (const auto* amount = std::get_if<Money>(&value)) return appendMoney(out, amount->tenThousandths());
+  if (type == ColumnType::Bool) return out.append(asFlag(value) ? '1' : '0');
+  if (type == ColumnType::Money) return appendMoney(out, asMoney(value).tenThousandths());
+  appendReal(out, asNumber(value), type);
+}
+
+/// A moment in the form "YYYY-MM-DD HH:MM:SS", the time of a bare day being midnight.
+void appendMoment(OutputFile& out, std::string_view text) {
+  constexpr std::size_t dayLength = 10;
+  out.append('\'');
+  appendQuotedText(out, text);
+  if (text.size() == dayLength) out.append(" 00:00:00");
+  out.append('\'');
+}
+
+/// One time of the day, at the end of a moment.
+void appendTime(OutputFile& out, std::string_view text) {
+  constexpr std::size_t length = 8;
+  appendText(out, text.substr(text.size() - std::min(text.size(), length)));
+}
+
+void appendField(OutputFile& out, const Statement& row, int at, ColumnType type) {
+  const StoredAs stored = row.storedAs(at);
+  if (stored == StoredAs::Null) return out.append("NULL");
+  switch (static_cast<int>(type)) {
+    case static_cast<int>(ColumnType::Text):
+    case static_cast<int>(ColumnType::Memo):
+    case charCode:
+      return appendText(out, row.text(at));
+    case static_cast<int>(ColumnType::DateTime):
+    case timestampCode:
+      return appendMoment(out, row.text(at));
+    case timeCode:
+      return appendTime(out, row.text(at));
+    case static_cast<int>(ColumnType::Binary):
+    case static_cast<int>(ColumnType::LongBinary):
+    case varBinaryCode:
+      return appendBytes(out, row.bytes(at));
+    default:
+      break;
+  }
+  if (stored == StoredAs::Integer) {
+    if (type == ColumnType::Bool) return out.append(row.flag(at) ? '1' : '0');
+    if (type == ColumnType::Money) return appendMoney(out, row.integer(at));
+    if (type != ColumnType::Single && type != ColumnType::Double) return appendWhole(out, row.integer(at));
+  }
+  if (stored == StoredAs::Real && (type == ColumnType::Single || type == ColumnType::Double)) {
+    return appendReal(out, row.number(at), type);
+  }
+  appendNumberOf(out, row.value(at), type);
+}
+
+/// What stands around the values of each row, worked out once for a table.
+struct RowForm {
+  std::string start;
+  std::vector<std::pair<ColumnType, std::string>> columns;  // and what follows the value
+};
+
+Result<RowForm> rowForm(const TableInfo& table, const std::string& name, const SqlStyle& style,
+                        ExportWarnings& warnings) {
+  const bool spread = table.columns.size() > longestLineRow;
+  RowForm form;
+  form.start = "INSERT INTO " + name;
+  if (style.target == SqlTarget::M1) {
+    std::string names;
+    for (const ColumnInfo& column : table.columns) {
+      auto ident = SqlIdent(column.name, warnings);
+      if (!ident) return fail(ident.error());
+      names += (names.empty() ? "" : ", ") + *ident;
+    }
+    form.start += " (" + names + ")";
+  }
+  form.start = toWindows1252(form.start) + (spread ? "\r\nVALUES (\r\n" : " VALUES (");
+  for (const ColumnInfo& column : table.columns) form.columns.emplace_back(column.type, spread ? ", \r\n" : ", ");
+  form.columns.back().second = (spread ? " )" : ")") + toWindows1252(style.separator) + std::string(lineEnd);
+  return form;
+}
+
+}  // namespace
+
+Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableInfo& table, const SqlStyle& style,
+                               ExportWarnings& warnings) {
+  auto name = SqlIdent(table.name, warnings);
+  if (!name) return fail(name.error());
+  auto form = rowForm(table, *name, style, warnings);
+  if (!form) return fail(form.error());
+  // An index that happens to hold every column must not decide the order.
+  auto row = database.prepare("SELECT * FROM \"" + replaceAll(table.name, "\"", "\"\"") + "\" NOT INDEXED");
+  if (!row) return fail(row.error());
+  const bool spread = form->columns.size() > longestLineRow;
+  std::int64_t count = 0;
+  for (;; ++count) {
+    auto found = row->step();
+    if (!found) return fail(found.error());
+    if (!*found) break;
+    if (count == 0 && style.lockTables)
+      out.append(toWindows1252("LOCK TABLES " + *name + " WRITE" + style.separator + "\r\n"));
+    out.append(form->start);
+    for (int at = 0; const auto& [type, tail] : form->columns) {
+      appendField(out, *row, at++, type);
+      out.append(tail);
+    }
+    writeWarnings(out, warnings);
+    if (spread) out.append(lineEnd);
+    if (out.failed()) break;
+  }
+  if (count > 0 && style.lockTables) out.append(toWindows1252("UNLOCK TABLES" + style.separator + "\r\n"));
+  return count;
+}
+
+}  // namespace kv

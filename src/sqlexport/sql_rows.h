@@ -1,0 +1,17 @@
+#pragma once
+// The rows of a table as INSERT statements. A row of more than three columns is spread over lines, one value each.
+
+#include <cstdint>
+
+#include "platform/output_file.h"
+#include "platform/store.h"
+#include "sqlexport/sql_style.h"
+
+namespace kv {
+
+/// Writes all rows of a table in the order they are stored in, between LOCK TABLES and UNLOCK TABLES when the style
+/// wants that; nothing for a table without rows. The number of rows.
+Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableInfo& table, const SqlStyle& style,
+                               ExportWarnings& warnings);
+
+}  // namespace kv

@@ -1,0 +1,56 @@
+#pragma once
+// What the merchant's choices and the dialect decide about every statement, and what both exports share of a file:
+// its head and which tables belong to a language.
+
+#include <string>
+#include <string_view>
+
+#include "platform/output_file.h"
+#include "platform/settings.h"
+#include "platform/store.h"
+#include "sqlexport/sql_types.h"
+
+namespace kv {
+
+/// Whether LOCK TABLES and UNLOCK TABLES are written. One object of the program, which both exports read and the
+/// reader of kvftp.ini sets; it keeps its state when there is nothing to read.
+struct LockStatements {
+  bool on = true;
+};
+
+/// Sets the lock by the line "LOCK:" of kvftp.ini in the shop folder: off for 0 (MySQL 4.x), on for any other value.
+/// A file without that line, or none, changes nothing.
+void readLockOption(const std::string& shopFolder, LockStatements& lock);
+
+struct SqlStyle {
+  std::string separator = ";";  ///< ends each statement
+  bool lockTables = true;
+  SqlTarget target = TARGET;
+};
+
+/// The separator by the setting QS2: the whole of it when it starts with ";", else ";".
+SqlStyle sqlStyle(const Settings& settings, const LockStatements& lock);
+
+/// The second line that a dump made with the present setting has: "#QS=" and QS2, empty when QS2 says nothing.
+std::string expectedMark(const Settings& settings);
+/// Whether the file at `path` was made with another separator than the setting now asks for.
+bool isStale(const std::string& path, const Settings& settings);
+
+/// The number of languages that the build noted in `<sec>.sc` of the online folder; 0 when there is no number.
+double notedLanguages(const std::string& onlineFolder, const std::string& sec);
+
+/// Whether a table goes into the files of a language: ordinary, and for a suffix its name contains that suffix,
+/// without one it doesn't contain "_l" anywhere.
+bool isExported(const TableInfo& table, std::string_view languageSuffix);
+
+/// Writes the line "#" and `sec`, and the line "#QS=" and the separator when it isn't ";".
+void writeHead(OutputFile& out, const std::string& sec, const SqlStyle& style);
+
+/// Writes CREATE TABLE, the warnings that are pending, and an empty line. A column without a form in SQL is a
+/// failure, behind what was written until then.
+Result<> writeDefinition(OutputFile& out, const TableInfo& table, const SqlStyle& style, ExportWarnings& warnings);
+
+/// Writes what is pending, in Windows-1252, and forgets it.
+void writeWarnings(OutputFile& out, ExportWarnings& warnings);
+
+}  // namespace kv
