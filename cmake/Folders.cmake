@@ -23,7 +23,7 @@ function(korvane_folder name)
 endfunction()
 
 # korvane_forms(NAME [USES other...]): the static library <name>_forms of the windows of one folder, its files frm_*,
-# with the folder's own library and the windows of the folders named. Nothing where Qt is missing: the core and the
+# with the pictures of its icons/*.qrc, the folder's own library and the windows of the folders named. Nothing where Qt is missing: the core and the
 # command line program need none.
 function(korvane_forms name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
@@ -32,7 +32,8 @@ function(korvane_forms name)
     return()
   endif()
   file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/frm_*.h)
-  add_library(${name}_forms STATIC ${sources} ${headers})
+  file(GLOB pictures CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/icons/*.qrc)
+  add_library(${name}_forms STATIC ${sources} ${headers} ${pictures})
   set_target_properties(${name}_forms PROPERTIES AUTOMOC ON AUTORCC ON)
   set(used)
   foreach(other IN LISTS ARG_USES)
