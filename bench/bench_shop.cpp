@@ -14,7 +14,8 @@ namespace kv::bench {
 
 namespace {
 
-constexpr int departments = 100;
+constexpr int topDepartments = 100;
+constexpr int beneathEach = 4;
 const std::vector<std::string> codes{"italiano", "inglese", "francese", "tedesco"};
 
 class SilentUser final : public UserPort {
@@ -63,7 +64,30 @@ std::string columnsOfLanguages(const char* column) {
   return names;
 }
 
-void insertArticles(Database& catalogue, int articles) {
+std::string departmentId(int number) {
+  char id[16];
+  std::snprintf(id, sizeof id, "cat%03d", number);
+  return id;
+}
+
+void insertDepartments(Database& catalogue, int departments) {
+  Statement insert = need(catalogue.prepare(
+      "INSERT INTO categorie (ID, pagina, template, genitore, livello, ordinamento, iva, sconto, nascosto" +
+      columnsOfLanguages("titolo") + ") VALUES (?, ?1, 'modello1', ?2, ?3, ?4, 22, 10, 0, ?1, ?1, ?1, ?1)"));
+  std::vector<int> levels{0};
+  for (int i = 1; i <= departments; ++i) {
+    const int parent = i <= topDepartments ? 0 : (i - topDepartments - 1) / beneathEach + 1;
+    levels.push_back(levels[static_cast<std::size_t>(parent)] + 1);
+    const std::string id = departmentId(i), genitore = parent == 0 ? "###" : departmentId(parent);
+    insert.bind(1, id);
+    insert.bind(2, genitore);
+    insert.bind(3, levels.back());
+    insert.bind(4, std::int64_t{100} + 5 * i);
+    need(insert.execute());
+  }
+}
+
+void insertArticles(Database& catalogue, int articles, int departments) {
   Statement insert = need(catalogue.prepare(
       "INSERT INTO articoli (catID, codice, ordinamento, prezzo, prezzo1, peso, fuoricatalogo, inelenco, opzione1, "
       "immagine0, imgX0, imgY0" +
@@ -71,8 +95,7 @@ void insertArticles(Database& catalogue, int articles) {
       ") VALUES (?,?,?,?,?,?,0,0,2,?,320,240,?,?,?,?,?,?,?,?,?,?,?,?)"));
   for (int i = 0; i < articles; ++i) {
     char text[96];
-    std::snprintf(text, sizeof text, "cat%03d", i % departments + 1);
-    const std::string department = text;
+    const std::string department = departmentId(i % departments + 1);
     std::snprintf(text, sizeof text, "ART-%06d", i);
     const std::string code = text;
     std::snprintf(text, sizeof text, "Ciotola in ceramica dipinta numero %d", i);
@@ -93,8 +116,8 @@ void insertArticles(Database& catalogue, int articles) {
 
 }  // namespace
 
-BenchShop::BenchShop(std::string folder, int articles, int languages)
-    : folder_(std::move(folder)), languages_(languages) {
+BenchShop::BenchShop(std::string folder, int articles, int languages, int departments)
+    : folder_(std::move(folder)), languages_(languages), departments_(departments) {
   for (const char* part : {"", "/shop", "/shop/work", "/shop/online", "/shop/scripts", "/shop/db", "/app"}) {
     need(createFolders(folder_ + part));
   }
@@ -109,22 +132,13 @@ void BenchShop::makeCatalogue(int articles) {
   need(createDatabase(shop + "/new.mdb", buildDatabaseTables()));
   Database catalogue = need(Database::open(shop + "/catalog.mdb", OpenMode::Scratch));
   need(catalogue.begin());
-  need(
-      catalogue.execute("INSERT INTO generale (versione, titolo, URL, valuta1, decimali1, notazione, elenco_titolo, "
-                        "vis_offerta, vis_sconto, "
-                        "affiancati) VALUES (1002, 'Bottega', 'www.bottega.example', 'EUR', 1, 0, 1, 1, 1, 2);"
-                        "INSERT INTO pagamento (ivaspese) VALUES (22);"));
-  Statement insert = need(catalogue.prepare(
-      "INSERT INTO categorie (ID, pagina, template, genitore, livello, ordinamento, iva, sconto, nascosto" +
-      columnsOfLanguages("titolo") + ") VALUES (?, ?1, 'modello1', '###', 1, ?2, 22, 10, 0, ?1, ?1, ?1, ?1)"));
-  for (int i = 1; i <= departments; ++i) {
-    char id[16];
-    std::snprintf(id, sizeof id, "cat%03d", i);
-    insert.bind(1, id);
-    insert.bind(2, std::int64_t{100} + 5 * i);
-    need(insert.execute());
-  }
-  insertArticles(catalogue, articles);
+  need(catalogue.execute(
+      "INSERT INTO generale (versione, titolo, URL, valuta1, decimali1, notazione, elenco_titolo, "
+      "vis_offerta, vis_sconto, "
+      "affiancati, livelliaperti) VALUES (1002, 'Bottega', 'www.bottega.example', 'EUR', 1, 0, 1, 1, 1, 2, 1);"
+      "INSERT INTO pagamento (ivaspese) VALUES (22);"));
+  insertDepartments(catalogue, departments_);
+  insertArticles(catalogue, articles, departments_);
   need(catalogue.commit());
 }
 
@@ -149,6 +163,14 @@ bool BenchShop::build(double* written) {
 
 void BenchShop::clearOutput() {
   for (const char* part : {"/shop/online", "/shop/scripts", "/shop/db"}) need(emptyFolder(folder_ + part));
+}
+
+std::uintmax_t BenchShop::outputBytes() const {
+  std::uintmax_t bytes = 0;
+  for (const char* part : {"/shop/online", "/shop/scripts"}) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder_ + part)) bytes += entry.file_size();
+  }
+  return bytes;
 }
 
 FloorWork BenchShop::loadFloor() {
@@ -217,9 +239,9 @@ void writeHugoSite(const std::string& folder, int articles) {
   std::ofstream(folder + "/layouts/_default/list.html")
       << "<!DOCTYPE html><html><head><title>{{ .Title }}</title></head><body><ul>{{ range .Pages }}<li><a href=\"{{ "
          ".RelPermalink }}\">{{ .Title }}</a></li>{{ end }}</ul></body></html>";
-  for (int d = 1; d <= departments; ++d) fs::create_directories(folder + "/content/cat" + std::to_string(d));
+  for (int d = 1; d <= topDepartments; ++d) fs::create_directories(folder + "/content/cat" + std::to_string(d));
   for (int i = 0; i < articles; ++i) {
-    std::ofstream(folder + "/content/cat" + std::to_string(i % departments + 1) + "/a" + std::to_string(i) + ".md")
+    std::ofstream(folder + "/content/cat" + std::to_string(i % topDepartments + 1) + "/a" + std::to_string(i) + ".md")
         << "---\ntitle: \"Ciotola in ceramica dipinta numero " << i << "\"\ncodice: ART-" << i
         << "\nprezzo: \"EUR 12,50\"\n---\n"
         << prose << "\n";

@@ -1,6 +1,7 @@
 #pragma once
 // A shop of any size for measurements, its builds, and the floor they are held against.
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,14 +22,17 @@ struct FloorWork {
 
 class BenchShop {
  public:
-  /// Makes the shop below `folder`: `articles` in 100 departments, texts in all languages. The application folder is
-  /// the data that ships.
-  BenchShop(std::string folder, int articles, int languages);
+  /// Makes the shop below `folder`: `articles` in so many departments, texts in all languages. The first hundred
+  /// departments stand at the top, each of the others beneath an earlier one, four beneath each. The application folder
+  /// is the data that ships.
+  BenchShop(std::string folder, int articles, int languages, int departments = 100);
 
   /// One build; false when it failed. `written`: pages that were written.
   bool build(double* written);
   /// Deletes what builds have produced.
   void clearOutput();
+  /// Bytes of all pages and scripts that stand there.
+  std::uintmax_t outputBytes() const;
   /// Reads what the last build left.
   FloorWork loadFloor();
   /// Inserts the rows in one transaction into a fresh build database and writes the files.
@@ -38,7 +42,7 @@ class BenchShop {
   void makeCatalogue(int articles);
 
   std::string folder_;
-  int languages_;
+  int languages_, departments_;
 };
 
 /// A site of as many product pages in 100 sections for hugo, with a plain theme.

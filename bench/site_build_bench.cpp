@@ -5,10 +5,6 @@
 // Arguments: --quick (1,000 and 10,000 articles only), --no-hugo, --hugo-alone; --once ARTICLES LANGUAGES makes one
 // shop and builds it in this process, for a profiler.
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -21,62 +17,18 @@
 #include <vector>
 
 #include "bench_shop.h"
+#include "measure.h"
 #include "platform/files.h"
 
 namespace {
 
 using kv::bench::BenchShop;
+using kv::bench::inOwnProcess;
+using kv::bench::Measured;
+using kv::bench::secondsOf;
+using kv::bench::Timed;
+using kv::bench::verdict;
 namespace fs = std::filesystem;
-
-/// What one measured process used.
-struct Measured {
-  double wall = 0;     // seconds of the measured part
-  double cpu = 0;      // seconds of the whole process
-  double peakMiB = 0;  // of the whole process
-  double written = 0;  // pages written
-  bool ok = false;
-};
-
-/// What the measured part of a process reports: its seconds, and the pages it wrote.
-struct Timed {
-  double wall = 0;
-  double written = 0;
-};
-
-Measured inOwnProcess(const std::function<Timed()>& work) {
-  int channel[2];
-  if (pipe(channel) != 0) return {};
-  const pid_t child = fork();
-  if (child == 0) {
-    const Timed result = work();
-    const bool sent = write(channel[1], &result, sizeof result) == sizeof result;
-    _exit(sent && result.wall > 0 ? 0 : 1);
-  }
-  close(channel[1]);
-  Timed timed;
-  Measured measured;
-  measured.ok = read(channel[0], &timed, sizeof timed) == sizeof timed;
-  close(channel[0]);
-  rusage usage{};
-  int status = 0;
-  wait4(child, &status, 0, &usage);
-  measured.ok = measured.ok && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-  measured.wall = timed.wall;
-  measured.written = timed.written;
-  const auto seconds = [](const timeval& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-  };
-  measured.cpu = seconds(usage.ru_utime) + seconds(usage.ru_stime);
-  measured.peakMiB = static_cast<double>(usage.ru_maxrss) / 1024.0;
-  return measured;
-}
-
-double secondsOf(const std::function<bool()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  const bool done = work();
-  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
-  return done ? passed.count() : 0;
-}
 
 Measured best(int times, const std::function<Measured()>& measure) {
   Measured result;
@@ -134,8 +86,6 @@ void print(const Row& row) {
               row.first.wall / row.floor.wall, row.second.wall, row.second.written);
   std::fflush(stdout);
 }
-
-const char* verdict(bool met) { return met ? "met" : "MISSED"; }
 
 void judge(const std::vector<Row>& rows) {
   const auto find = [&rows](int articles, int languages) {

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "platform/files.h"
+#include "platform/text.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -30,6 +33,25 @@ TEST(SqlIdent, AReservedWordIsMatchedInAnyCase) {
   EXPECT_EQ(ident("ZEROFILL"), "_ZEROFILL");
   EXPECT_EQ(ident("add"), "_add");
 }
+
+TEST(SqlIdent, EachOfTheReservedWordsGetsAnUnderscore) {
+  std::istringstream words(
+      "add all alter and as asc auto_increment between bigint binary blob both by cascade char character "
+      "change check column columns create data datetime dec decimal default delete desc describe distinct "
+      "double drop escaped enclosed explain fields float float4 float8 foreign from for full grant group "
+      "having ignore in index infile insert int integer interval int1 int2 int3 int4 int8 into is key keys "
+      "leading like lines limit lock load long longblob longtext match mediumblob mediumtext mediumint "
+      "middleint numeric not null on option optionally or order outfile partial precision primary procedure "
+      "privileges read real references regexp repeat replace restrict rlike select set show smallint "
+      "sql_big_tables sql_big_selects sql_select_limit straight_join table tables terminated tinyblob "
+      "tinytext tinyint trailing to unique unlock unsigned update usage values varchar varying with write "
+      "where zerofill ");
+  int count = 0;
+  for (std::string word; words >> word; ++count) EXPECT_EQ(ident(word), "_" + word);
+  EXPECT_EQ(count, 127);
+}
+
+TEST(SqlIdent, ANameOfNothingStaysEmpty) { EXPECT_EQ(ident(""), ""); }
 
 TEST(SqlIdent, AReservedWordIsMatchedAsAWhole) {
   EXPECT_EQ(ident("orders"), "orders");
@@ -167,6 +189,27 @@ TEST_F(QuotedFile, ALongTextIsTheSameAsItsPieces) {
     wanted += i % 7 == 0 ? "&#256;" : "\\n";
   }
   EXPECT_EQ(written(text, appendQuotedText), wanted);
+}
+
+TEST_F(QuotedFile, TextIsTheSameWhetherItIsEncodedBeforeOrAfter) {
+  const std::vector<std::string> parts = {
+      "abcdefg", "<a href=\"x\">",        "è",  "€", "漢", "\r\n", "\n", "\r", "'", "\\", "\xC3",
+      "\x01",    "qualche parola in più", "\0"s};
+  std::uint32_t chance = 99;
+  auto file = OutputFile::create(folder / "out");
+  ASSERT_TRUE(file);
+  std::string wanted;
+  for (int round = 0; round < 3000; ++round) {
+    std::string text;
+    for (int i = 0; i < round % 12; ++i) {
+      chance = chance * 1664525 + 1013904223;
+      text += parts[(chance >> 16) % parts.size()];
+    }
+    appendQuotedText(*file, text);
+    wanted += toWindows1252(SqlQuoteText(text));
+  }
+  ASSERT_TRUE(file->close());
+  EXPECT_EQ(*readBytes(folder / "out"), wanted);
 }
 
 TEST_F(QuotedFile, BinaryBytesAreNoText) {

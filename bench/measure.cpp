@@ -1,0 +1,48 @@
+#include "measure.h"
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+
+namespace kv::bench {
+
+Measured inOwnProcess(const std::function<Timed()>& work) {
+  int channel[2];
+  if (pipe(channel) != 0) return {};
+  const pid_t child = fork();
+  if (child == 0) {
+    const Timed result = work();
+    const bool sent = write(channel[1], &result, sizeof result) == sizeof result;
+    _exit(sent && result.wall > 0 ? 0 : 1);
+  }
+  close(channel[1]);
+  Timed timed;
+  Measured measured;
+  measured.ok = read(channel[0], &timed, sizeof timed) == sizeof timed;
+  close(channel[0]);
+  rusage usage{};
+  int status = 0;
+  wait4(child, &status, 0, &usage);
+  measured.ok = measured.ok && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  measured.wall = timed.wall;
+  measured.written = timed.written;
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  measured.cpu = seconds(usage.ru_utime) + seconds(usage.ru_stime);
+  measured.peakMiB = static_cast<double>(usage.ru_maxrss) / 1024.0;
+  return measured;
+}
+
+double secondsOf(const std::function<bool()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  const bool done = work();
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
+  return done ? passed.count() : 0;
+}
+
+const char* verdict(bool met) { return met ? "met" : "MISSED"; }
+
+}  // namespace kv::bench
