@@ -90,6 +90,13 @@ TEST_F(SeedProgram, KeepsTheLinesOfATextThatAsksForIt) {
   EXPECT_EQ(first("SELECT note FROM categorie WHERE titolo = 'Sotto'"), "una\r\n\r\ndue");
 }
 
+TEST_F(SeedProgram, TakesFurtherColumnsForANamedRow) {
+  ASSERT_EQ(seed(smallShop + "[more sopra]\ntitolo_l2: Above\nnote:\n  una\n").status, 0);
+  EXPECT_EQ(first("SELECT titolo || '/' || titolo_l2 || '/' || note FROM categorie WHERE ID = 'cat001'"),
+            "Sopra/Above/una");
+  EXPECT_EQ(first("SELECT COUNT(*) FROM categorie"), "2");
+}
+
 TEST_F(SeedProgram, TakesVatOutOfAnAmountThatHoldsIt) {
   ASSERT_EQ(seed(smallShop + "[articoli]\ncatID: @sotto\ntitolo: A\ndescrizione: B\nprezzo: 12.20 ivato 22\n").status,
             0);
@@ -112,6 +119,9 @@ TEST_F(SeedProgram, NamesTheLineOfEachFault) {
       {"[articoli]\ncatID: @altrove\n", ":33: no row above is named @altrove"},
       {"[list paesi]\npaese\nCipro | 2\n", ":34: more cells than columns"},
       {"immagine0: manca.png\n", ":32: picture manca.png: "},
+      {"[more]\nnote: B\n", ":32: [more] needs the name of a row"},
+      {"[more altrove]\nnote: B\n", ":32: no row above is named @altrove"},
+      {"[more sopra]\ntitolo: Ancora\n", ":33: the column titolo stands twice"},
   };
   for (const Fault& fault : faults) {
     const Outcome outcome = seed(smallShop + fault.added);
@@ -145,7 +155,10 @@ TEST_F(SeedProgram, RefusesACatalogueThatBreaksTheRules) {
 
 class PackProgram : public ::testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(createFolders(joinPath(from_, "classico/parts"))); }
+  void SetUp() override {
+    for (const char* folder : {"classico/parts", "classico/inglese", "chiaro"})
+      ASSERT_TRUE(createFolders(joinPath(from_, folder)));
+  }
 
   void put(const std::string& name, std::string_view bytes) { ASSERT_TRUE(writeBytes(joinPath(from_, name), bytes)); }
 
@@ -175,6 +188,18 @@ TEST_F(PackProgram, PutsPartsIntoThePagesOfTheirPackage) {
   ASSERT_EQ(pack("classico/index.htm\nclassico/parts/testa.part\nclassico/parts/nome.part\n").status, 0);
   EXPECT_EQ(packed("classico/index.htm"), "<b>Bottega</b>\r\n<p>\r\n");
   EXPECT_FALSE(folderExists(joinPath(to_, "classico/parts")));
+}
+
+TEST_F(PackProgram, TakesAPartOfThePackageBeforeOneOfAllPackages) {
+  ASSERT_TRUE(createFolders(joinPath(from_, "parts")));
+  put("parts/testa.part", "<b>{{nome}}</b>\n");
+  put("parts/nome.part", "Tutti\n");
+  put("classico/parts/nome.part", "Bottega\n");
+  put("classico/inglese/index.htm", "{{testa}}\n");
+  put("chiaro/index.htm", "{{testa}}\n");
+  ASSERT_EQ(pack("classico/inglese/index.htm\nchiaro/index.htm\n").status, 0);
+  EXPECT_EQ(packed("classico/inglese/index.htm"), "<b>Bottega</b>\r\n");
+  EXPECT_EQ(packed("chiaro/index.htm"), "<b>Tutti</b>\r\n");
 }
 
 TEST_F(PackProgram, NamesTheFileOfAnUnknownPart) {

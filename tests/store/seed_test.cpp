@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/files.h"
 #include "platform/image.h"
@@ -70,16 +73,43 @@ TEST_F(ModelShop, HasOneRowOfEachSettingsTable) {
 
 TEST_F(ModelShop, IsOfThePresentSchemaGeneration) { EXPECT_EQ(number("SELECT versione FROM generale"), 1002); }
 
-TEST_F(ModelShop, SpeaksItalianAndEnglish) {
-  EXPECT_EQ(text("SELECT lingua1 || ',' || lingua2 || ',' || COALESCE(lingua3, '') FROM lingue"), "italiano,inglese,");
+TEST_F(ModelShop, SpeaksFourLanguages) {
+  EXPECT_EQ(text("SELECT lingua1 || ',' || lingua2 || ',' || lingua3 || ',' || lingua4 FROM lingue"),
+            "italiano,inglese,francese,tedesco");
 }
 
 TEST_F(ModelShop, HasAtLeastThirtySixArticles) { EXPECT_THAT(count("articoli WHERE NOT fuoricatalogo"), Ge(36)); }
 
-TEST_F(ModelShop, DescribesEachArticleInProseInBothLanguages) {
-  EXPECT_THAT(column("SELECT codice FROM articoli WHERE LENGTH(COALESCE(descrizione, '')) < 80 OR "
-                     "LENGTH(COALESCE(descrizione_l2, '')) < 80 OR descrizione = descrizione_l2"),
+TEST_F(ModelShop, DescribesEachArticleInProseInEachLanguage) {
+  for (const std::string_view suffix : languageSuffixes)
+    EXPECT_THAT(
+        column("SELECT codice FROM articoli WHERE LENGTH(COALESCE(descrizione" + std::string(suffix) + ", '')) < 80"),
+        IsEmpty())
+        << suffix;
+  EXPECT_THAT(column("SELECT codice FROM articoli WHERE descrizione IN (descrizione_l2, descrizione_l3, "
+                     "descrizione_l4) OR descrizione_l2 IN (descrizione_l3, descrizione_l4) OR "
+                     "descrizione_l3 = descrizione_l4"),
               IsEmpty());
+}
+
+TEST_F(ModelShop, LeavesNoTextOfAPageToOneLanguageOnly) {
+  const std::vector<std::pair<std::string, std::vector<std::string>>> texts{
+      {"articoli", {"titolo", "sottotitolo", "descrizione", "note"}},
+      {"categorie", {"titolo", "descrizione", "note"}},
+      {"opzioni WHERE ID > 1 AND ", {"nome"}},
+      {"dettagliop", {"testo"}},
+      {"pagamento", {"nome1", "nome2", "nome3", "nome4"}},
+      {"generale",
+       {"titolo", "testo1", "testo2", "home1", "home2", "condizioni", "datipers", "recesso", "rifiutato",
+        "contrassegno", "anticipato", "testo_email", "keywords", "content"}}};
+  for (const auto& [table, stems] : texts)
+    for (const std::string& stem : stems)
+      for (const std::string_view suffix : languageSuffixes) {
+        std::string rows = table;
+        if (rows.find("WHERE") == std::string::npos) rows += " WHERE ";
+        rows += "COALESCE(" + stem + std::string(suffix) + ", '') = ''";
+        EXPECT_EQ(count(rows), 0) << rows;
+      }
 }
 
 TEST_F(ModelShop, NamesEachArticleInFourLanguages) {
@@ -88,7 +118,7 @@ TEST_F(ModelShop, NamesEachArticleInFourLanguages) {
 }
 
 TEST_F(ModelShop, HasDepartmentsOnTwoLevels) {
-  EXPECT_THAT(count("categorie WHERE livello = 1"), AllOf(Ge(5), Le(6)));
+  EXPECT_THAT(count("categorie WHERE livello = 1"), AllOf(Ge(5), Le(7)));
   EXPECT_THAT(count("categorie WHERE livello = 2"), AllOf(Ge(8), Le(10)));
   EXPECT_EQ(count("categorie WHERE livello > 2"), 0);
 }
@@ -129,6 +159,12 @@ TEST_F(ModelShop, ShowsWhatAShopCanDo) {
   EXPECT_THAT(count("articoli WHERE fuoricatalogo"), Ge(1));
   EXPECT_THAT(count("categorie WHERE sconto > 0"), Ge(1));
   EXPECT_THAT(count("categorie WHERE inaccessibile AND NOT inaccessibile1"), Ge(1));
+  EXPECT_THAT(count("categorie WHERE nascosto AND ID IN (SELECT catID FROM articoli)"), Ge(1));
+  EXPECT_THAT(count("categorie WHERE maxarticoli < (SELECT COUNT(*) FROM articoli WHERE catID = categorie.ID AND NOT "
+                    "fuoricatalogo)"),
+              Ge(1));
+  EXPECT_THAT(count("articoli a WHERE correlazione IN (SELECT correlazione FROM articoli b WHERE b.ID <> a.ID)"),
+              Ge(20));
 }
 
 TEST_F(ModelShop, HasAnOfferPriceOnlyWhereThereIsAnOffer) {
@@ -174,9 +210,11 @@ TEST_F(ModelShop, ShipsToSomeNinetyCountriesInFourZones) {
   EXPECT_EQ(text("SELECT paese FROM paesi WHERE strID = (SELECT paesesel FROM pagamento)"), "Italia");
 }
 
-TEST_F(ModelShop, OffersTheTwoMethodsThatNeedNoContract) {
-  EXPECT_EQ(text("SELECT metodo1 || ',' || metodo2 FROM pagamento WHERE attivo1 AND attivo2 AND NOT attivo3"),
-            "Contrassegno,Pagamento anticipato");
+TEST_F(ModelShop, OffersTheTwoMethodsThatNeedNoContractAndHasTwoMoreReady) {
+  EXPECT_EQ(text("SELECT metodo1 || ',' || metodo2 || ',' || metodo3 || ',' || metodo4 FROM pagamento WHERE attivo1 "
+                 "AND attivo2 AND NOT attivo3 AND NOT attivo4"),
+            "Contrassegno,Pagamento anticipato,Banca Sella,Paypal");
+  EXPECT_EQ(count("zona1 WHERE pag3 AND pag4 AND m3sp1 = m2sp1 AND m4sp1 = m2sp1 AND m4spp10 = m2spp10"), 1);
   EXPECT_EQ(text("SELECT nome2_l2 FROM pagamento"), "Bank transfer in advance");
 }
 
@@ -189,11 +227,12 @@ TEST_F(ModelShop, CarriesNoLoginAndNoRealAddress) {
 }
 
 TEST_F(ModelShop, ConfirmsOrdersWithItsThreeTags) {
-  for (const char* tag : {"<<importo>>", "<<codice>>", "<<riepilogo>>"})
-    EXPECT_EQ(count("generale WHERE INSTR(testo_email, '" + std::string(tag) + "') AND INSTR(testo_email_l2, '" + tag +
-                    "') AND NOT INSTR(testo_email, '\"')"),
-              1)
-        << tag;
+  for (const std::string_view suffix : languageSuffixes)
+    for (const char* tag : {"<<importo>>", "<<codice>>", "<<riepilogo>>"}) {
+      const std::string mail = "testo_email" + std::string(suffix);
+      EXPECT_EQ(count("generale WHERE INSTR(" + mail + ", '" + tag + "') AND NOT INSTR(" + mail + ", '\"')"), 1)
+          << mail << " " << tag;
+    }
 }
 
 TEST_F(ModelShop, HasNoNullFlags) {

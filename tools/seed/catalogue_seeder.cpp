@@ -78,7 +78,7 @@ std::string departmentKey(std::int64_t serial) {
 /// A failure of the store, told with the row at which it happened.
 tl::unexpected<Error> at(const SeedRow& row, Error error) {
   error.what = "[" + row.table + "] " + error.where + ": " + error.what;
-  error.where = placeOf(row, row.line);
+  error.where = placeOf(row);
   return fail(std::move(error));
 }
 
@@ -120,9 +120,8 @@ Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
   Edit edit{row, known->second, *records};
   for (const SeedField& field : row.fields) {
     const int place = edit.table.columnIndex(field.column);
-    if (place < 0)
-      return fail(ErrorKind::Missing, placeOf(row, field.line), row.table + " has no column " + field.column);
-    Result<Value> value = valueOf(row, field, edit.table.columns[static_cast<std::size_t>(place)]);
+    if (place < 0) return fail(ErrorKind::Missing, placeOf(field), row.table + " has no column " + field.column);
+    Result<Value> value = valueOf(field, edit.table.columns[static_cast<std::size_t>(place)]);
     if (!value) return fail(value.error());
     if (Result<> done = edit.set(field.column, *value); !done) return done;
   }
@@ -133,20 +132,19 @@ Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
     if (Result<> done = completeCountry(edit); !done) return done;
 
   if (!row.name.empty() && !keys_.emplace(row.name, records->get("ID")).second)
-    return fail(ErrorKind::Exists, placeOf(row, row.line), "another row is named " + row.name);
+    return fail(ErrorKind::Exists, placeOf(row), "another row is named " + row.name);
   if (Result<> done = records->update(); !done) return at(row, done.error());
   return {};
 }
 
-Result<Value> CatalogueSeeder::valueOf(const SeedRow& row, const SeedField& field, const ColumnInfo& column) const {
+Result<Value> CatalogueSeeder::valueOf(const SeedField& field, const ColumnInfo& column) const {
   if (field.text.starts_with('@')) {
     const auto key = keys_.find(field.text.substr(1));
-    if (key == keys_.end())
-      return fail(ErrorKind::Missing, placeOf(row, field.line), "no row above is named " + field.text);
+    if (key == keys_.end()) return fail(ErrorKind::Missing, placeOf(field), "no row above is named " + field.text);
     return key->second;
   }
   if (auto value = typed(field.text, column.type)) return *value;
-  return fail(ErrorKind::Malformed, placeOf(row, field.line),
+  return fail(ErrorKind::Malformed, placeOf(field),
               field.column + " can't hold \"" + field.text + "\", it is " + columnTypeName(column.type, column.size));
 }
 
@@ -182,8 +180,7 @@ Result<> CatalogueSeeder::measurePictures(Edit& edit) const {
   for (const SeedField& field : edit.row.fields) {
     if (!field.column.starts_with(stem)) continue;
     const Result<ImageSize> size = imageSize(joinPath(pictures_, field.text));
-    if (!size)
-      return fail(size.error().kind, placeOf(edit.row, field.line), "picture " + field.text + ": " + size.error().what);
+    if (!size) return fail(size.error().kind, placeOf(field), "picture " + field.text + ": " + size.error().what);
     const std::string rest = field.column.substr(stem.size());
     if (Result<> done = edit.set("imgX" + rest, std::int64_t{size->width}); !done) return done;
     if (Result<> done = edit.set("imgY" + rest, std::int64_t{size->height}); !done) return done;

@@ -33,7 +33,7 @@ class CatalogueSeeder {
  private:
   struct Edit;
   Result<> insertRow(const SeedRow& row);
-  Result<Value> valueOf(const SeedRow& row, const SeedField& field, const ColumnInfo& column) const;
+  Result<Value> valueOf(const SeedField& field, const ColumnInfo& column) const;
   Result<> complete(Edit& edit) const;
   Result<> completeDepartment(Edit& edit);
   Result<> completeZone(Edit& edit) const;

@@ -2,7 +2,9 @@
 //   korvane-seed --pictures FOLDER --out FOLDER SEED...
 // It leaves catalog.mdb, kvftp.mdb, source.new and new.mdb in the folder; on any fault it names the place, leaves
 // none of them, and returns 1.
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
@@ -36,15 +38,19 @@ bool read(std::span<char*> words, Arguments& arguments) {
 
 kv::Result<> fill(kv::Database& catalogue, const Arguments& arguments) {
   if (kv::Result<> done = catalogue.begin(); !done) return done;
-  kv::CatalogueSeeder seeder(catalogue, arguments.pictures);
+  std::vector<kv::SeedRow> rows;
   for (const std::string& path : arguments.seeds) {
     // Seed files are UTF-8, so they are read as bytes and not as a shop's text.
     const kv::Result<std::string> text = kv::readBytes(path);
     if (!text) return kv::fail(text.error());
-    const auto rows = kv::parseSeed(path, *text);
-    if (!rows) return kv::fail(rows.error());
-    if (kv::Result<> done = seeder.insert(*rows); !done) return done;
+    auto more = kv::parseSeed(path, *text);
+    if (!more) return kv::fail(more.error());
+    std::move(more->begin(), more->end(), std::back_inserter(rows));
   }
+  const auto joined = kv::joinRows(std::move(rows));
+  if (!joined) return kv::fail(joined.error());
+  kv::CatalogueSeeder seeder(catalogue, arguments.pictures);
+  if (kv::Result<> done = seeder.insert(*joined); !done) return done;
   if (kv::Result<> done = seeder.number(); !done) return done;
   return catalogue.commit();
 }

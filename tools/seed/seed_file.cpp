@@ -1,6 +1,7 @@
 // The parser of seed files: a state machine over lines, one open section at a time.
 #include "seed_file.h"
 
+#include <algorithm>
 #include <map>
 
 #include "platform/text.h"
@@ -85,7 +86,9 @@ class Parser {
     std::string second(blank == std::string_view::npos ? "" : stripped(inside.substr(blank)));
     if (first.empty()) return wrong("a section without a table");
     section_ = first == "every" ? Section::Every : first == "list" ? Section::ListHead : Section::Row;
-    row_ = SeedRow{first, second, file_, line_, {}};
+    const bool more = first == "more";
+    row_ = SeedRow{more ? "" : first, second, more, file_, line_, {}};
+    if (more && second.empty()) return wrong("[more] needs the name of a row");
     if (section_ == Section::Row) return {};
     if (second.empty()) return wrong("[" + first + "] needs a table");
     row_.table = second;
@@ -104,7 +107,7 @@ class Parser {
     if (keepLines_) text.clear();
     block_ = text.empty();
     pendingLines_ = 0;
-    row_.fields.push_back({std::move(column), std::move(text), line_});
+    row_.fields.push_back({std::move(column), std::move(text), file_, line_});
     return {};
   }
 
@@ -116,9 +119,9 @@ class Parser {
       return {};
     }
     if (cells.size() > columns_.size()) return wrong("more cells than columns");
-    SeedRow row{row_.table, "", file_, line_, {}};
+    SeedRow row{row_.table, "", false, file_, line_, {}};
     for (std::size_t i = 0; i < cells.size(); ++i)
-      if (!cells[i].empty()) row.fields.push_back({columns_[i], std::move(cells[i]), line_});
+      if (!cells[i].empty()) row.fields.push_back({columns_[i], std::move(cells[i]), file_, line_});
     add(std::move(row));
     return {};
   }
@@ -158,10 +161,30 @@ const SeedField* SeedRow::find(std::string_view column) const {
   return nullptr;
 }
 
-std::string placeOf(const SeedRow& row, int line) { return row.file + ":" + std::to_string(line); }
+std::string placeOf(const SeedRow& row) { return row.file + ":" + std::to_string(row.line); }
+
+std::string placeOf(const SeedField& field) { return field.file + ":" + std::to_string(field.line); }
 
 Result<std::vector<SeedRow>> parseSeed(const std::string& file, std::string_view text) {
   return Parser(file).run(text);
+}
+
+Result<std::vector<SeedRow>> joinRows(std::vector<SeedRow> rows) {
+  std::vector<SeedRow> joined;
+  for (SeedRow& row : rows) {
+    if (!row.more) {
+      joined.push_back(std::move(row));
+      continue;
+    }
+    const auto named = std::find_if(joined.begin(), joined.end(), [&](const SeedRow& r) { return r.name == row.name; });
+    if (named == joined.end()) return fail(ErrorKind::Missing, placeOf(row), "no row above is named @" + row.name);
+    for (SeedField& field : row.fields) {
+      if (named->find(field.column) != nullptr)
+        return fail(ErrorKind::Malformed, placeOf(field), "the column " + field.column + " stands twice");
+      named->fields.push_back(std::move(field));
+    }
+  }
+  return joined;
 }
 
 }  // namespace kv

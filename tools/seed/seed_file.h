@@ -12,6 +12,8 @@
 //   firma_email: |               the same with its lines kept as they are
 //     Bottega Montelune
 //     Montelune
+//   [more ceramiche]             further columns of the row above that has this name, also from another file
+//   titolo_l2: Ceramics
 //   [list paesi]                 many short rows: the column names, then one line for each row, cells parted by "|"
 //   paese  | zona
 //   Italia | 1
@@ -29,12 +31,14 @@ namespace kv {
 struct SeedField {
   std::string column;
   std::string text;  ///< UTF-8; line ends are CR LF
-  int line = 0;      ///< of the file, from 1
+  std::string file;
+  int line = 0;  ///< of the file, from 1
 };
 
 struct SeedRow {
   std::string table;
-  std::string name;  ///< what "@name" refers to; empty when the row has none
+  std::string name;   ///< what "@name" refers to; empty when the row has none
+  bool more = false;  ///< no row of its own: columns for the row of this name; the table is empty
   std::string file;
   int line = 0;
   std::vector<SeedField> fields;
@@ -44,11 +48,16 @@ struct SeedRow {
 };
 
 /// "file:line", for messages.
-std::string placeOf(const SeedRow& row, int line);
+std::string placeOf(const SeedRow& row);
+std::string placeOf(const SeedField& field);
 
 /// The rows of one seed file in order, with the columns of [every] added behind their own.
 /// Malformed, with "file:line" as the place, at the first line that fits nothing, a column given twice, a list row
 /// with more cells than columns, or a character that Windows-1252 lacks.
 Result<std::vector<SeedRow>> parseSeed(const std::string& file, std::string_view text);
+
+/// The rows with those of [more] taken into the rows that they name.
+/// Missing when no row above has the name, Malformed when the row has the column already; "file:line" is the place.
+Result<std::vector<SeedRow>> joinRows(std::vector<SeedRow> rows);
 
 }  // namespace kv
