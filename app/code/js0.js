@@ -1,9 +1,12 @@
 // ***1.0.7***
-// The shop's data as the build knows them: currencies, discounts, shipping, required fields. The functions that read
-// them stand in js1.js (every page) and js2.js (cart and order).
+// The shop's data as the build knows them: currencies, discounts, shipping, required fields. First each as a shop
+// without any has it, then as the build wrote it. The functions that read them stand in js1.js (every page) and js2.js
+// (cart and order).
 /* exported idnegozio, lingua, aliquotaspese, minimo, qminima, tipopeso, ivacompresa, SpOk, IvaOk, zonainiziale */
-var idnegozio = "<<1-IDnegozio>>".split("_")[0];
+var idnegozio = parseInt("<<1-IDnegozio>>", 10) || 0;
 var lingua = "<<1-IDlingua>>";
+var valuta = "", valuta2 = "", exch = 1, SecVal = 0, sepmigl = ".", sepdec = ",", PutDec = 1, PutDec2 = 1;
+var scimp = new Array(0, 0, 0, 0, 0, 0, 0, 0, 0, 0), scperc = new Array(1, 1, 1, 1, 1, 1, 1, 1, 1, 1);
 <<1-java_valuta>>
 var impord1, impspese1, impord2, impspese2, impspese3;
 var imppeso1, imppeso2, imppeso3, imppeso4, imppeso5, imppeso6, imppeso7, imppeso8, imppeso9;

@@ -1,37 +1,62 @@
 // ***1.0.7***
 // What every page of the shop needs: the cart's store, buying, the department menu, the search form, pictures.
-// The cart is a list of lines in the browser's own store; beside it the cookie kvstore_art holds the article numbers,
-// by which the server checks that they can still be bought. The server works every price out again when it takes the
-// order, so what stands here is for showing only.
+// The cart is one cookie, kvstore_cart and the shop's number: lines joined by "_", in each the article's number, the
+// pieces and the keys of the chosen variant values by slot, joined by "." ("12.3.a1b2c3_45.1"). Names and prices never
+// stand in it: cart and order page have them from the server.
 /* global idnegozio, qminima, autoredirect, checkcookies */
 /* exported Acquista, SvuotaCarrello, RepGoTo, SubmitSearchForm, PopupImage */
 "use strict";
 
-const chiaveCarrello = "kvstore_cart_" + idnegozio;
+const biscottoCarrello = "kvstore_cart" + idnegozio;
 const indirizzoNegozio = "<<1-perl_shopURL>>";
+/** A cookie holds 4096 letters with its name and marks; the server reads 200 lines. */
+const lungoCarrello = 3900;
+const righeCarrello = 200;
 
-/** The lines of the cart; an empty list when there is none or the browser keeps nothing. */
-function LeggiCarrello() {
-  try {
-    const righe = JSON.parse(localStorage.getItem(chiaveCarrello) || "[]");
-    return Array.isArray(righe) ? righe : [];
-  } catch (errore) {
-    return [];
-  }
+/** The value of a cookie, empty when there is none. */
+function Biscotto(nome) {
+  const voce = document.cookie.split("; ").find(function (coppia) { return coppia.startsWith(nome + "="); });
+  return (voce || "").slice(nome.length + 1);
 }
 
-/** Stores the lines, renews the cookie of article numbers and the counters on the page. False: nothing was kept. */
+/** Sets a cookie of the shop's folder for so many seconds; 0 takes it away. */
+function ScriviBiscotto(nome, valore, secondi) {
+  document.cookie = nome + "=" + valore + "; path=" + location.pathname.replace(/[^/]*$/, "") + "; max-age=" + secondi +
+    "; SameSite=Lax" + (location.protocol === "https:" ? "; Secure" : "");
+}
+
+/** The lines of the cart: id, q (pieces), k (keys by slot), c (article and keys, which tell lines apart). */
+function LeggiCarrello() {
+  const righe = [];
+  Biscotto(biscottoCarrello).split("_").forEach(function (testo) {
+    const parti = /^([1-9]\d{0,8})\.([1-9]\d{0,4})((?:\.[0-9a-f]{0,6}){0,4})$/.exec(testo);
+    if (parti) {
+      const chiavi = parti[3].slice(1).split(".");
+      righe.push({ id: Number(parti[1]), q: Number(parti[2]), k: chiavi, c: Segno(parti[1], chiavi) });
+    }
+  });
+  return righe;
+}
+
+/** What tells a line from all others: the article and the chosen values. */
+function Segno(id, chiavi) {
+  return [id].concat(chiavi).join(".").replace(/\.+$/, "");
+}
+
+/** The cart as the cookie and the order form carry it. */
+function TestoCarrello(righe) {
+  return righe.map(function (riga) { return Segno(riga.id + "." + riga.q, riga.k); }).join("_");
+}
+
+/** Stores the lines and renews the counters on the page. False: the browser keeps no cookie, or the cart is full. */
 function ScriviCarrello(righe) {
-  try {
-    localStorage.setItem(chiaveCarrello, JSON.stringify(righe));
-  } catch (errore) {
+  const testo = TestoCarrello(righe);
+  if (testo.length > lungoCarrello || righe.length > righeCarrello) {
     return false;
   }
-  const numeri = Array.from(new Set(righe.map(function (riga) { return riga.id; })));
-  document.cookie = "kvstore_art=" + numeri.join(".") + "; path=" + location.pathname.replace(/[^/]*$/, "") +
-    "; SameSite=Lax";
+  ScriviBiscotto(biscottoCarrello, testo, righe.length === 0 ? 0 : 30 * 86400);
   ContaCarrello();
-  return true;
+  return Biscotto(biscottoCarrello) === testo;
 }
 
 function SvuotaCarrello() {
@@ -46,8 +71,8 @@ function ContaCarrello() {
   });
 }
 
-/** A short message at the foot of the window, read out by screen readers. */
-function Avvisa(testo) {
+/** The place of short messages at the foot of the window; it must stand before its text does to be read out. */
+function PostoAvviso() {
   let posto = document.getElementById("kv-avviso");
   if (!posto) {
     posto = document.createElement("div");
@@ -55,33 +80,31 @@ function Avvisa(testo) {
     posto.setAttribute("role", "status");
     document.body.appendChild(posto);
   }
+  return posto;
+}
+
+/** A short message at the foot of the window, read out by screen readers. */
+function Avvisa(testo) {
+  const posto = PostoAvviso();
   posto.textContent = testo;
   posto.classList.add("visibile");
   clearTimeout(Avvisa.attesa);
   Avvisa.attesa = setTimeout(function () { posto.classList.remove("visibile"); }, 4000);
 }
 
-/**
- * The chosen value of a variant selector, null when the page has none of that name. Its value has the form
- * price=weight#code|label, price and weight being differences.
- */
+/** The key of the chosen value of a variant selector; empty when the page has none of that name. */
 function Variante(nome) {
-  const scelta = document.itemsform.elements[nome];
-  if (!scelta || scelta.selectedIndex < 0) {
-    return null;
-  }
-  const valore = scelta.options[scelta.selectedIndex].value;
-  const parti = /^(-?[\d.]*)=(-?[\d.]*)#([^|]*)\|([\s\S]*)$/.exec(valore);
-  return parti === null ? null : { importo: Number(parti[1]) || 0, peso: Number(parti[2]) || 0, testo: parti[4] };
+  const scelta = document.getElementsByName(nome)[0];
+  return scelta && scelta.selectedIndex >= 0 ? scelta.options[scelta.selectedIndex].dataset.k || "" : "";
 }
 
 /**
- * Puts an article into the cart. opzione1 to opzione4 name the selectors on the page; scaglioni holds the quantity
- * discount as "quantity:factor" pairs joined by commas.
+ * Puts an article into the cart. opzione1 to opzione4 name the selectors on the page. Name, price, VAT and weight come
+ * along for scripts of the merchant's own; the cart asks the server for them.
  */
-function Acquista(articolo, prezzo, iva, quantita, opzione1, opzione2, opzione3, peso, opzione4, id, scaglioni) {
-  const pezzi = Math.floor(Number(String(quantita).replace(",", ".")));
-  if (!(pezzi > 0)) {
+function Acquista(articolo, prezzo, iva, quantita, opzione1, opzione2, opzione3, peso, opzione4, id) {
+  const pezzi = Math.floor(Number(String(quantita).trim().replace(",", ".")));
+  if (!(pezzi > 0 && pezzi < 100000)) {
     Avvisa("<<4-quantita_errata>>");
     return;
   }
@@ -89,25 +112,14 @@ function Acquista(articolo, prezzo, iva, quantita, opzione1, opzione2, opzione3,
     Avvisa("<<4-quantita_minima>>" + " (" + qminima + ")");
     return;
   }
-  const riga = { id: id, testo: articolo, q: pezzi, importo: Number(prezzo) || 0, iva: Number(iva) || 0,
-    peso: Number(peso) || 0, o: ["", "", "", ""], scaglioni: scaglioni || "" };
-  [opzione1, opzione2, opzione3, opzione4].forEach(function (nome, posto) {
-    const variante = Variante(nome);
-    if (variante !== null) {
-      riga.importo += variante.importo;
-      riga.peso += variante.peso;
-      riga.o[posto] = variante.testo;
-    }
-  });
+  const chiavi = [opzione1, opzione2, opzione3, opzione4].map(Variante);
+  const segno = Segno(id, chiavi);
   const righe = LeggiCarrello();
-  const uguale = righe.find(function (altra) {
-    return altra.id === riga.id && JSON.stringify(altra.o) === JSON.stringify(riga.o);
-  });
+  const uguale = righe.find(function (altra) { return altra.c === segno; });
   if (uguale) {
-    riga.q += uguale.q;
-    Object.assign(uguale, riga);
+    uguale.q = Math.min(uguale.q + pezzi, 99999);
   } else {
-    righe.push(riga);
+    righe.push({ id: id, q: pezzi, k: chiavi });
   }
   Avvisa(ScriviCarrello(righe) ? "<<4-aggiunto_al_carrello>>" : "<<4-carrello_non_conservato>>");
 }
@@ -132,16 +144,21 @@ function SubmitSearchForm(pagina) {
   return true;
 }
 
-/** Opens the big picture of an article in a layer over the page; any key or click closes it. */
+/** Opens the big picture of an article in a layer over the page; Escape, Enter or a click closes it. */
 function PopupImage(file, larghezza, altezza) {
   const velo = document.createElement("dialog");
   const immagine = document.createElement("img");
+  const chiudi = document.createElement("button");
   velo.className = "ingrandimento";
+  velo.setAttribute("aria-label", "<<4-immagine_grande>>");
   immagine.src = file;
   immagine.alt = "";
   immagine.width = larghezza;
   immagine.height = altezza;
-  velo.appendChild(immagine);
+  chiudi.type = "button";
+  chiudi.textContent = "\u00d7";
+  chiudi.setAttribute("aria-label", "<<4-chiudi>>");
+  velo.append(immagine, chiudi);
   document.body.appendChild(velo);
   velo.addEventListener("click", function () { velo.close(); });
   velo.addEventListener("close", function () { velo.remove(); });
@@ -149,6 +166,7 @@ function PopupImage(file, larghezza, altezza) {
 }
 
 document.addEventListener("DOMContentLoaded", function () {
+  PostoAvviso();
   ContaCarrello();
   if (checkcookies === 1 && !navigator.cookieEnabled) {
     Avvisa("<<4-cookie_necessari>>");
@@ -163,5 +181,12 @@ document.addEventListener("DOMContentLoaded", function () {
   // A shop reachable under several domains keeps its cart under one of them.
   if (autoredirect === 1 && indirizzoNegozio !== "" && new URL(indirizzoNegozio).hostname !== location.hostname) {
     location.replace(indirizzoNegozio + location.pathname.replace(/^.*\//, "/") + location.search + location.hash);
+  }
+});
+
+// A page that comes back from the browser's own store shows the cart of then.
+window.addEventListener("pageshow", function (evento) {
+  if (evento.persisted) {
+    ContaCarrello();
   }
 });

@@ -1,75 +1,97 @@
 // ***1.0.7***
-// The cart page and the order form. The totals follow the same rule as kvTotali of kvcart.php, which decides.
-/* global LeggiCarrello, ScriviCarrello, Avvisa */
+// The cart page and the order form. The totals follow the same rule as kvTotali of kvtotals.php, told there, in whole
+// numbers alone: amounts in smallest units of the currency, thresholds and weights in ten-thousandths, rates in
+// millionths. What is sent with the order is the cart; the server works the order out anew.
+/* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa */
 /* global valuta, valuta2, exch, SecVal, sepmigl, sepdec, PutDec, PutDec2, scimp, scperc, scl */
-/* global SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, zonainiziale */
+/* global SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, qminima, zonainiziale */
 /* global obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
 /* exported MostraCarrello, SpedPaese, CaricaDati, InviaOrdine */
 "use strict";
 
+const scala = PutDec === 1 ? 100 : 1;
 let listinoCorrente = 0;
-/** Numbers of the articles in the cart that the server told can't be bought. */
-let nonDisponibili = [];
 
-/** An amount in the shop's notation, with two decimals or none. */
-function Formato(importo, decimali) {
-  const parti = Math.abs(importo).toFixed(decimali ? 2 : 0).split(".");
-  const intero = parti[0].replace(/\B(?=(\d{3})+$)/g, sepmigl);
-  return (importo < 0 ? "-" : "") + intero + (parti.length > 1 ? sepdec + parti[1] : "");
+/** Smallest units as digits in the shop's notation, with two decimals or none. */
+function Formato(minimi, unita) {
+  const cifre = String(Math.abs(minimi)).padStart(unita === 100 ? 3 : 1, "0");
+  const taglio = unita === 100 ? cifre.length - 2 : cifre.length;
+  const intero = cifre.slice(0, taglio).replace(/\B(?=(\d{3})+$)/g, sepmigl);
+  return (minimi < 0 ? "-" : "") + intero + (unita === 100 ? sepdec + cifre.slice(taglio) : "");
 }
 
-function Arrotonda(importo) {
-  const scala = PutDec === 1 ? 100 : 1;
-  return Math.round((importo + (importo < 0 ? -1e-9 : 1e-9)) * scala) / scala;
+/** Smallest units with the currency's label, in the second currency too where the shop shows one. */
+function TestoImporto(minimi) {
+  if (SecVal !== 1) {
+    return valuta + Formato(minimi, scala);
+  }
+  const unita = PutDec2 === 1 ? 100 : 1;
+  const secondo = Math.floor(Number((Math.abs(minimi) / scala / exch * unita).toPrecision(15)) + 0.5);
+  return valuta + Formato(minimi, scala) + " (" + valuta2 + Formato(minimi < 0 ? -secondo : secondo, unita) + ")";
 }
 
-function TestoImporto(importo) {
-  const secondo = SecVal === 1 ? " (" + valuta2 + Formato(importo / exch, PutDec2 === 1) + ")" : "";
-  return valuta + Formato(importo, PutDec === 1) + secondo;
+/** A decimal of the build's tables as a whole number of its parts. */
+function Interi(valore, per) {
+  return Math.floor((Number(valore) || 0) * per + 0.5);
 }
 
-/** The price of one piece of a line, with its quantity discount. */
+/** An amount by millionths, rounded half up. */
+function Parte(importo, milionesimi) {
+  return Math.floor(importo / 1e6) * milionesimi + Math.floor((importo % 1e6 * milionesimi + 500000) / 1e6);
+}
+
+/** A product of amount and millionths by other millionths, rounded half up once. */
+function ParteDoppia(prodotto, milionesimi) {
+  const alto = Math.floor(prodotto / 1e6) * milionesimi;
+  const basso = prodotto % 1e6 * milionesimi;
+  return Math.floor(alto / 1e6) + Math.floor((alto % 1e6 * 1e6 + basso + 5e11) / 1e12);
+}
+
+/** The price of one piece of a line, by the factor of the highest quantity step reached. */
 function ImportoRiga(riga) {
-  let fattore = 1;
-  let raggiunta = 0;
-  riga.scaglioni.split(",").filter(Boolean).forEach(function (coppia) {
-    const soglia = Number(coppia.split(":")[0]);
-    if (riga.q >= soglia && soglia >= raggiunta) {
-      raggiunta = soglia;
-      fattore = Number(coppia.split(":")[1]);
+  let fattore = 1000000;
+  riga.s.forEach(function (passo) {
+    if (riga.q >= passo[0]) {
+      fattore = passo[1];
     }
   });
-  return Arrotonda(riga.importo * fattore);
+  return Parte(Math.max(0, riga.p), Math.max(0, fattore));
 }
 
-/** The discount factor of the order: the customer's own percent, else the one by amount. */
+/** The discount factor of the order in millionths: the customer's own percent, else the one by amount. */
 function FattoreOrdine(merce) {
   const personale = typeof scl === "number" ? scl : 0;
   if (personale > 0) {
-    return 1 - personale / 100;
+    return Math.max(0, 1000000 - Interi(personale, 10000));
   }
-  return merce > scimp[listinoCorrente] ? scperc[listinoCorrente] : 1;
+  const sopra = merce * (10000 / scala) > Interi(scimp[listinoCorrente], 10000);
+  return sopra ? Math.max(0, Math.min(1000000, Interi(scperc[listinoCorrente], 1000000))) : 1000000;
 }
 
-/** The value of one of the generated tables, 0 where the build wrote none. */
-function Tabella(nome, posto) {
-  return Array.isArray(window[nome]) ? window[nome][posto] || 0 : 0;
+/** A value of one of the generated tables as a whole number, 0 where the build wrote none. */
+function Tavola(nome, posto, per) {
+  return Array.isArray(window[nome]) ? Interi(window[nome][posto], per) : 0;
 }
 
 /** The shipping cost of a slot, by weight or by the amount of the goods. */
 function Spese(posto, merce, peso) {
-  if (tipopeso === "1") {
-    for (let n = 1; n <= 9; n++) {
-      if (peso <= Tabella("imppeso" + n, posto)) {
-        return Tabella("impspp" + n, posto);
-      }
+  const aPeso = tipopeso === "1";
+  const misura = aPeso ? peso : merce * (10000 / scala);
+  const ultima = aPeso ? 10 : 3;
+  for (let n = 1; n < ultima; n++) {
+    if (misura <= Tavola((aPeso ? "imppeso" : "impord") + n, posto, 10000)) {
+      return Tavola((aPeso ? "impspp" : "impspese") + n, posto, scala);
     }
-    return Tabella("impspp10", posto);
   }
-  if (merce <= Tabella("impord1", posto)) {
-    return Tabella("impspese1", posto);
-  }
-  return merce <= Tabella("impord2", posto) ? Tabella("impspese2", posto) : Tabella("impspese3", posto);
+  return Tavola((aPeso ? "impspp" : "impspese") + ultima, posto, scala);
+}
+
+/**
+ * Whether a method (from 1) may be used in a zone (1 to 8). SpOk has a letter for each filled slot in the order of the
+ * slots; the filled slots are the first ones, eight for each method, so a slot behind the letters has no method.
+ */
+function Ammesso(metodo, zona) {
+  return SpOk.charAt((metodo - 1) * 8 + zona - 1) === "1";
 }
 
 /** The totals for a payment method (from 1) and a zone (1 to 8); zona 0: goods alone, before the order form. */
@@ -80,25 +102,46 @@ function totali(righe, metodo, zona) {
   let iva = 0;
   let peso = 0;
   righe.forEach(function (riga) {
-    const importo = Arrotonda(ImportoRiga(riga) * riga.q);
+    const importo = ImportoRiga(riga) * riga.q;
     merce += importo;
-    iva += importo * riga.iva;
-    peso += riga.peso * riga.q;
+    iva += importo * riga.v;
+    peso += riga.w * riga.q;
   });
-  merce = Arrotonda(merce);
   const fattore = FattoreOrdine(merce);
-  const sconto = Arrotonda(merce * (1 - fattore));
+  const sconto = Parte(merce, 1000000 - fattore);
   const spese = zona === 0 ? 0 : Spese(posto, merce - sconto, peso);
   const esito = {
     merce: merce,
     sconto: sconto,
-    iva: conIva ? Arrotonda(iva * fattore) : 0,
+    iva: conIva ? ParteDoppia(iva, fattore) : 0,
     spese: spese,
-    ivaspese: conIva && ivacompresa !== "1" ? Arrotonda(spese * aliquotaspese) : 0,
-    ammesso: SpOk.charAt(posto) === "1"
+    ivaspese: conIva && ivacompresa !== "1" ? Parte(spese, Interi(aliquotaspese, 1000000)) : 0,
+    ammesso: zona > 0 && Ammesso(metodo, zona)
   };
-  esito.totale = Arrotonda(merce - sconto + esito.iva + esito.spese + esito.ivaspese);
+  esito.totale = merce - sconto + esito.iva + spese + esito.ivaspese;
   return esito;
+}
+
+/** The lines of the cart with what the server told of each: n (name), o (choices), p, s, v, w, ok, m (most pieces). */
+function RigheServite() {
+  const posto = document.getElementById("kv-carrello-dati");
+  const dati = new Map();
+  JSON.parse(posto ? posto.textContent : "[]").forEach(function (riga) { dati.set(riga.c, riga); });
+  const voci = LeggiCarrello();
+  const righe = voci.filter(function (voce) { return dati.has(voce.c); }).map(function (voce) {
+    return Object.assign({}, dati.get(voce.c), { id: voce.id, q: voce.q, k: voce.k });
+  });
+  // The cart was changed on another page since the server wrote this one: ask it again, but not in a circle.
+  if (righe.length < voci.length && Biscotto("kvstore_di_nuovo") === "") {
+    ScriviBiscotto("kvstore_di_nuovo", "1", 10);
+    location.reload();
+  }
+  return righe;
+}
+
+/** Whether a line can be bought with its present pieces. */
+function Comprabile(riga) {
+  return riga.ok && (riga.m === null || riga.q <= riga.m);
 }
 
 /** A row of label and amount in a table of totals. */
@@ -113,6 +156,9 @@ function RigaTotale(tabella, testo, importo, classe) {
 }
 
 function ScriviTotali(posto, somme, conSpese) {
+  if (!posto) {
+    return;
+  }
   posto.textContent = "";
   const tabella = document.createElement("table");
   tabella.className = "totali";
@@ -133,10 +179,14 @@ function ScriviTotali(posto, somme, conSpese) {
   posto.appendChild(tabella);
 }
 
-/** Changes the quantity of a line, 0 takes it out, and draws the cart again. */
-function CambiaQuantita(indice, quantita) {
+/** Changes the quantity of a line, 0 takes it out, draws the cart again and keeps the keyboard where it was. */
+function CambiaQuantita(segno, quantita) {
   const righe = LeggiCarrello();
-  const pezzi = Math.floor(Number(quantita)) || 0;
+  const indice = righe.findIndex(function (riga) { return riga.c === segno; });
+  const pezzi = Math.min(99999, Math.floor(Number(quantita)) || 0);
+  if (indice < 0) {
+    return;
+  }
   if (pezzi > 0) {
     righe[indice].q = pezzi;
   } else {
@@ -144,147 +194,191 @@ function CambiaQuantita(indice, quantita) {
   }
   ScriviCarrello(righe);
   DisegnaCarrello();
+  const campi = document.querySelectorAll("#carrello input");
+  const prossimo = campi[Math.min(indice, campi.length - 1)] || document.getElementById("carrello");
+  if (prossimo) {
+    prossimo.focus();
+  }
 }
 
-/** The cells of one cart line. */
-function RigaCarrello(tabella, riga, indice) {
-  const cella = tabella.insertRow();
-  const nome = cella.insertCell();
-  nome.textContent = riga.testo;
-  riga.o.filter(Boolean).forEach(function (scelta) {
-    const nota = document.createElement("small");
-    nota.textContent = scelta;
-    nome.append(document.createElement("br"), nota);
-  });
-  if (nonDisponibili.includes(riga.id)) {
-    const avviso = document.createElement("strong");
-    avviso.textContent = "<<4-articolo_non_disponibile>>";
-    nome.append(document.createElement("br"), avviso);
+/** A note under the name of a cart line. */
+function Nota(cella, elemento, testo) {
+  const nota = document.createElement(elemento);
+  nota.textContent = testo;
+  cella.append(document.createElement("br"), nota);
+}
+
+/** The notes of a line: the chosen values, and why it can't be ordered as it is. */
+function NoteRiga(cella, riga) {
+  if (riga.o !== "") {
+    Nota(cella, "small", riga.o);
   }
+  if (riga.ok && riga.m !== null && riga.m > 0 && riga.q > riga.m) {
+    Nota(cella, "strong", "<<4-pezzi_disponibili>>" + ": " + riga.m);
+  } else if (!Comprabile(riga)) {
+    Nota(cella, "strong", "<<4-riga_non_disponibile>>");
+  } else if (riga.q < qminima) {
+    Nota(cella, "strong", "<<4-quantita_minima>>" + " (" + qminima + ")");
+  }
+}
+
+/** The cells of one cart line; each carries its column's title for narrow screens. */
+function RigaCarrello(corpo, riga, nomi) {
+  const celle = corpo.insertRow();
+  const cella = function (posto) {
+    const nuova = celle.insertCell();
+    nuova.dataset.titolo = nomi[posto];
+    return nuova;
+  };
+  const nome = cella(0);
+  nome.textContent = riga.n;
+  NoteRiga(nome, riga);
   const campo = document.createElement("input");
   campo.type = "number";
   campo.min = "0";
+  campo.max = "99999";
+  campo.inputMode = "numeric";
   campo.value = String(riga.q);
-  campo.setAttribute("aria-label", "<<4-quantita>>" + ": " + riga.testo);
-  campo.addEventListener("change", function () { CambiaQuantita(indice, campo.value); });
-  cella.insertCell().appendChild(campo);
-  cella.insertCell().textContent = TestoImporto(ImportoRiga(riga));
-  cella.insertCell().textContent = TestoImporto(Arrotonda(ImportoRiga(riga) * riga.q));
+  campo.setAttribute("aria-label", nomi[1] + ": " + riga.n);
+  campo.addEventListener("change", function () { CambiaQuantita(riga.c, campo.value); });
+  cella(1).appendChild(campo);
+  cella(2).textContent = riga.ok ? TestoImporto(ImportoRiga(riga)) : "";
+  cella(3).textContent = riga.ok ? TestoImporto(ImportoRiga(riga) * riga.q) : "";
   const togli = document.createElement("button");
   togli.type = "button";
   togli.className = "secondario";
   togli.textContent = "<<4-togli>>";
-  togli.addEventListener("click", function () { CambiaQuantita(indice, 0); });
-  cella.insertCell().appendChild(togli);
+  togli.setAttribute("aria-label", "<<4-togli>>" + ": " + riga.n);
+  togli.addEventListener("click", function () { CambiaQuantita(riga.c, 0); });
+  cella(4).appendChild(togli);
 }
 
 /** Draws the cart into the element carrello and its totals into carrello-totali. */
 function DisegnaCarrello() {
   const posto = document.getElementById("carrello");
-  const righe = LeggiCarrello();
+  const righe = RigheServite();
   document.querySelectorAll(".se-pieno").forEach(function (parte) { parte.hidden = righe.length === 0; });
-  if (!posto) {
-    return;
+  if (posto) {
+    posto.tabIndex = -1;
+    posto.textContent = righe.length === 0 ? "<<4-carrello_vuoto>>" : "";
   }
-  posto.textContent = righe.length === 0 ? "<<4-carrello_vuoto>>" : "";
-  if (righe.length > 0) {
+  if (posto && righe.length > 0) {
+    const nomi = ["<<4-carrello_articolo>>", "<<4-quantita>>", "<<4-prezzo>>", "<<4-carrello_importo>>", ""];
     const tabella = document.createElement("table");
     const testa = tabella.createTHead().insertRow();
-    const nomi = ["<<4-carrello_articolo>>", "<<4-quantita>>", "<<4-prezzo>>", "<<4-carrello_importo>>", ""];
     nomi.forEach(function (nome) {
-      const colonna = document.createElement("th");
-      colonna.scope = "col";
+      const colonna = document.createElement(nome === "" ? "td" : "th");
       colonna.textContent = nome;
+      if (nome !== "") {
+        colonna.scope = "col";
+      }
       testa.appendChild(colonna);
     });
     const corpo = tabella.createTBody();
-    righe.forEach(function (riga, indice) { RigaCarrello(corpo, riga, indice); });
+    righe.forEach(function (riga) { RigaCarrello(corpo, riga, nomi); });
     posto.appendChild(tabella);
   }
-  ScriviTotali(document.getElementById("carrello-totali"), totali(righe, 1, 0), false);
-}
-
-/** The value of a cookie, empty when there is none. */
-function Biscotto(nome) {
-  const voce = document.cookie.split("; ").find(function (coppia) { return coppia.startsWith(nome + "="); });
-  return (voce || "").slice(nome.length + 1);
+  if (!document.Ordine) {
+    ScriviTotali(document.getElementById("carrello-totali"), totali(righe, 1, 0), false);
+  }
 }
 
 /** Shows the cart for a listino; called by the script that the build puts into the cart and order pages. */
 function MostraCarrello(listino) {
-  const lettere = Biscotto("kvstore_disp");
   listinoCorrente = listino;
-  nonDisponibili = Biscotto("kvstore_art").split(".").filter(function (numero, posto) {
-    return lettere.charAt(posto) === "0";
-  }).map(Number);
+  DisegnaCarrello();
   if (document.Ordine) {
-    CaricaZona();
+    if (document.Ordine.Pagamento.selectedIndex < 0) {
+      document.Ordine.Pagamento.selectedIndex = Math.floor((zonainiziale - 1) / 8);
+    }
     SpedPaese();
-  } else {
-    DisegnaCarrello();
   }
 }
 
-/** Sets country and method to the starting slot, when the page's own selection doesn't name it already. */
-function CaricaZona() {
-  const form = document.Ordine;
-  if (form.Pagamento.selectedIndex < 0) {
-    form.Pagamento.selectedIndex = Math.floor((zonainiziale - 1) / 8);
+/** Offers the methods that the zone allows, and takes the first of them where the chosen one isn't. */
+function OffriMetodi(form, zona) {
+  const metodi = Array.from(form.Pagamento.options);
+  metodi.forEach(function (metodo, posto) { metodo.disabled = !Ammesso(posto + 1, zona); });
+  const primo = metodi.findIndex(function (metodo) { return !metodo.disabled; });
+  if (primo >= 0 && (form.Pagamento.selectedIndex < 0 || metodi[form.Pagamento.selectedIndex].disabled)) {
+    form.Pagamento.selectedIndex = primo;
   }
 }
 
 /** The order's totals for the chosen country and payment method; called at each change of either. */
 function SpedPaese() {
   const form = document.Ordine;
-  const metodo = form.Pagamento.selectedIndex + 1;
-  const somme = totali(LeggiCarrello(), metodo, Number(form.LSStato.value));
+  const zona = Number(form.LSStato.value);
+  OffriMetodi(form, zona);
+  const somme = totali(RigheServite(), form.Pagamento.selectedIndex + 1, zona);
   ScriviTotali(document.getElementById("carrello-totali"), somme, true);
   form.Pagamento.setCustomValidity(somme.ammesso ? "" : "<<4-metodo_non_ammesso>>");
   return somme;
 }
 
-/** Fills the order form with the data of the customer, which the server left in the cookie kvstore_cliente. */
+/**
+ * Fills the order form with the data of the customer, which the server left in the cookie kvstore_cliente, and takes
+ * that cookie away: it holds for this page alone.
+ */
 function CaricaDati() {
+  const form = document.Ordine;
   const nomi = { nome: "Nome", cognome: "Cognome", rsoc: "RagioneSociale", piva: "PartitaIVA", indirizzo: "Indirizzo",
     cap: "CAP", citta: "Citta", provincia: "Provincia", telefono: "Telefono", email: "Email" };
   Biscotto("kvstore_cliente").split("|").forEach(function (coppia) {
     const taglio = coppia.indexOf("=");
-    const campo = document.Ordine[nomi[coppia.slice(0, taglio)]];
-    if (taglio > 0 && campo && campo.value === "") {
-      campo.value = decodeURIComponent(coppia.slice(taglio + 1));
+    const nome = coppia.slice(0, Math.max(0, taglio));
+    const valore = decodeURIComponent(coppia.slice(taglio + 1));
+    const campo = Object.keys(nomi).includes(nome) ? form.elements[nomi[nome]] : null;
+    if (campo && campo.value === "") {
+      campo.value = valore;
+    }
+    if (nome === "paese" && valore !== "") {
+      const paese = Array.from(form.LSStato.options).findIndex(function (voce) { return voce.text === valore; });
+      form.LSStato.selectedIndex = paese >= 0 ? paese : form.LSStato.selectedIndex;
     }
   });
-  document.Ordine.RagioneSociale.required = obbl_rsoc === 1;
-  document.Ordine.PartitaIVA.required = obbl_piva === 1;
-  document.Ordine.Telefono.required = obbl_tel === 1;
-  document.Ordine.Maggiorenne.required = obbl_magg === 1;
+  document.cookie = "kvstore_cliente=; max-age=0";
+  form.RagioneSociale.required = obbl_rsoc === 1;
+  form.PartitaIVA.required = obbl_piva === 1;
+  form.Telefono.required = obbl_tel === 1;
+  form.Maggiorenne.required = obbl_magg === 1;
+  SpedPaese();
 }
 
-/** JSON in plain ASCII, since the form travels in the page's own coding. */
-function Ascii(testo) {
-  return testo.replace(/[\u0080-\uffff]/g, function (lettera) {
-    return "\\u" + lettera.charCodeAt(0).toString(16).padStart(4, "0");
-  });
+/** Sets a hidden field of the order form, which gets it when the template has none. */
+function CampoNascosto(form, nome, valore) {
+  let campo = form.elements[nome];
+  if (!campo) {
+    campo = document.createElement("input");
+    campo.type = "hidden";
+    campo.name = nome;
+    form.appendChild(campo);
+  }
+  campo.value = valore;
 }
 
 /** Prepares the order form for sending; false stops it. */
 function InviaOrdine() {
   const form = document.Ordine;
-  const righe = LeggiCarrello();
+  const righe = RigheServite();
   const somme = SpedPaese();
+  let avviso = "";
   if (righe.length === 0) {
-    Avvisa("<<4-ordine_vuoto>>");
+    avviso = "<<4-ordine_vuoto>>";
+  } else if (!righe.every(Comprabile)) {
+    avviso = "<<4-articolo_non_disponibile>>";
+  } else if (righe.some(function (riga) { return riga.q < qminima; })) {
+    avviso = "<<4-quantita_minima>>" + " (" + qminima + ")";
+  } else if (somme.merce * (10000 / scala) < Interi(minimo, 10000)) {
+    avviso = "<<4-ordine_minimo>>" + " (" + TestoImporto(Interi(minimo, scala)) + ")";
+  }
+  if (avviso !== "") {
+    Avvisa(avviso);
     return false;
   }
-  if (somme.merce < minimo) {
-    Avvisa("<<4-ordine_minimo>>" + " (" + TestoImporto(minimo) + ")");
-    return false;
-  }
-  form.Dettaglio.value = Ascii(JSON.stringify(righe.map(function (riga) {
-    return { id: riga.id, q: riga.q, o: riga.o };
-  })));
-  form.Metodo.value = String(form.Pagamento.selectedIndex + 1);
-  form.NomePagamento.value = form.Pagamento.options[form.Pagamento.selectedIndex].text;
-  form.Paese.value = form.LSStato.options[form.LSStato.selectedIndex].text;
+  CampoNascosto(form, "Dettaglio", TestoCarrello(righe));
+  CampoNascosto(form, "Totale", String(somme.totale));
+  CampoNascosto(form, "Metodo", String(form.Pagamento.selectedIndex + 1));
+  CampoNascosto(form, "Paese", form.LSStato.options[form.LSStato.selectedIndex].text);
   return form.reportValidity();
 }

@@ -3,27 +3,41 @@
 // One article as the pages show it. ViewArt is what each article tag of a template becomes; the row of the article
 // stands in the global $rowArt. Texts that depend on the visitor (prices, marks, the buy link, variants) are made here,
 // all others are columns of the row. Besides the columns a template may name: prezzo_barrato (the list price, only
-// where a lower one is asked), opzioni (all variant selectors), correlati (links to the articles of the same group).
-
-if (!function_exists('ViewArt')) {
+// where a lower one is asked), opzioni (all variant selectors), scaglioni (the quantity discounts in words), correlati
+// (links to the articles of the same group).
 
 function ViewArt(string $nome): string
 {
     global $rowArt;
     $riga = is_array($rowArt) ? $rowArt : [];
-    if (in_array($nome, ['listino', 'prezzo', 'prezzo_barrato', 'cambio', 'cart_prezzo'], true)) {
-        return kvVistaPrezzo($nome, $riga);
-    }
-    if (preg_match('/^opzione[1-4]$/', $nome)) {
-        return kvSelettore($riga, (int) substr($nome, -1));
-    }
     switch ($nome) {
-        case 'offerta': return ViewOfferta();
-        case 'novita': return empty($riga['novita']) ? '' : $GLOBALS['visnovita'];
-        case 'java_acquista': return kvAcquista($riga);
-        case 'opzioni': return implode('', array_map(fn($n) => kvSelettore($riga, $n), [1, 2, 3, 4]));
-        case 'correlati': return kvCorrelati($riga);
-        default: return (string) ($riga[$nome] ?? '');
+        case 'listino':
+        case 'prezzo':
+        case 'prezzo_barrato':
+        case 'cambio':
+        case 'cart_prezzo':
+            return kvVistaPrezzo($nome, $riga);
+        case 'offerta':
+            return ViewOfferta();
+        case 'novita':
+            return empty($riga['novita']) ? '' : (string) $GLOBALS['visnovita'];
+        case 'java_acquista':
+            return kvAcquista($riga);
+        case 'opzione1':
+        case 'opzione2':
+        case 'opzione3':
+        case 'opzione4':
+            return kvSelettori($riga, [(int) $nome[7]]);
+        case 'opzioni':
+            return kvSelettori($riga, [1, 2, 3, 4]);
+        case 'scaglioni':
+            return kvTestoScaglioni($riga);
+        case 'correlati':
+            return kvCorrelati($riga);
+        case 'iva':
+            return kvPrezziNascosti() ? '' : (string) ($riga['iva'] ?? '');
+        default:
+            return (string) ($riga[$nome] ?? '');
     }
 }
 
@@ -33,14 +47,19 @@ function kvVistaPrezzo(string $nome, array $riga): string
         return $nome === 'prezzo' ? kvHtml("<<4-prezzo_riservato>>") : '';
     }
     $prezzi = kvPrezziVisitatore($riga);
-    $ridotto = $prezzi['offerta'] || $prezzi['prezzo'] !== $prezzi['listino'];
-    $barrato = '<s>' . kvTestoImporto($prezzi['listino']) . '</s>';
     switch ($nome) {
-        case 'listino': return $ridotto ? $barrato : kvTestoImporto($prezzi['listino']);
-        case 'prezzo_barrato': return $ridotto ? $barrato : '';
-        case 'cambio': return kvTestoCambio($prezzi['prezzo']);
-        case 'cart_prezzo': return kvNumeroScript($prezzi['prezzo'], (bool) $GLOBALS['visdec'][0]);
-        default: return kvTestoImporto($prezzi['prezzo']);
+        case 'listino':
+        case 'prezzo_barrato':
+            if ($prezzi['ridotto']) {
+                return '<s>' . kvTestoImporto($prezzi['listino']) . '</s>';
+            }
+            return $nome === 'listino' ? kvTestoImporto($prezzi['listino']) : '';
+        case 'cambio':
+            return kvTestoCambio($prezzi['prezzo'] / 10000);
+        case 'cart_prezzo':
+            return kvNumeroScript(kvMinimi($prezzi['prezzo'], kvScala()), kvScala());
+        default:
+            return kvTestoImporto($prezzi['prezzo']);
     }
 }
 
@@ -52,12 +71,17 @@ function ViewOfferta(): string
         return '';
     }
     $prezzi = kvPrezziVisitatore($rowArt);
-    $testo = $prezzi['offerta'] ? $visofferta : '';
+    $testo = $prezzi['offerta'] ? (string) $visofferta : '';
     if ($vissconto && $prezzi['sconto'] > 0) {
-        $percento = rtrim(rtrim(kvFormato($prezzi['sconto'], true, (int) $notazione), '0'), ',.');
-        $testo .= ' <span class="sconto">-' . $percento . '%</span>';
+        $testo .= ' <span class="sconto">-' . kvTestoPercento($prezzi['sconto']) . '%</span>';
     }
     return $testo;
+}
+
+/** A percentage with at most two decimals, in the shop's notation. */
+function kvTestoPercento(float $percento): string
+{
+    return rtrim(rtrim(kvFormato((int) round($percento * 100), 100, (int) $GLOBALS['notazione']), '0'), ',.');
 }
 
 /** An image of the showcase cell; nothing without a name, no size when none is known. */
@@ -74,37 +98,52 @@ function VetImmagine(string $file, string $larghezza, string $altezza): string
 function kvTestoScript(string $testo): string
 {
     return strtr($testo, [
-        '"' => '%22', '%' => '%25', "'" => "\\'", '\\' => '\\\\', ';' => ',',
+        '"' => '%22', '%' => '%25', "'" => "\\'", '\\' => '\\\\', ';' => ',', '<' => '%3C', '>' => '%3E', '&' => '%26',
         '[' => ' ', ']' => ' ', '|' => ' ', "\xA3" => ' ', "\r" => ' ', "\n" => ' ',
     ]);
 }
 
-/** The quantity discount of a row as "quantity:factor" pairs joined by commas; empty when it has none. */
-function kvScaglioni(array $riga, int $listino): string
+/** The quantity discount of a row: pairs of quantity and factor in millionths, by rising quantity. */
+function kvScaglioni(array $riga, int $listino): array
 {
-    $suffisso = $listino === 0 ? '' : (string) $listino;
-    $coppie = [];
-    if (!empty($riga['scq' . $suffisso])) {
+    $passi = [];
+    if (!empty($riga['scq' . ($listino === 0 ? '' : $listino)])) {
         foreach (['0', '1'] as $n) {
-            if ((int) ($riga['scqart' . $n] ?? 0) > 0) {
-                $coppie[] = (int) $riga['scqart' . $n] . ':' . round((float) $riga['scqperc' . $n], 6);
+            $soglia = (int) ($riga['scqart' . $n] ?? 0);
+            if ($soglia > 0) {
+                $passi[$soglia] = [$soglia, (int) round((float) ($riga['scqperc' . $n] ?? 1) * 1000000)];
             }
         }
+        ksort($passi);
     }
-    return implode(',', $coppie);
+    return array_values($passi);
+}
+
+/** The quantity discounts in words, "3: -10% 10: -20%" as a list; empty without any. */
+function kvTestoScaglioni(array $riga): string
+{
+    if (kvPrezziNascosti()) {
+        return '';
+    }
+    $voci = '';
+    foreach (kvScaglioni($riga, $GLOBALS['listino']) as list($soglia, $fattore)) {
+        $percento = kvTestoPercento((1000000 - $fattore) / 10000);
+        $voci .= "<li><<4-quantita_da>> $soglia: -$percento%</li>";
+    }
+    return $voci === '' ? '' : '<ul class="scaglioni">' . $voci . '</ul>';
 }
 
 /**
  * The buy link: stands in an href; its inner quote closes the address. Visitors who may not buy are sent to the
- * registration page instead.
+ * registration page instead. What reaches the cart is the article's number, the quantity and the chosen values: names
+ * and prices are for scripts of the merchant's own, the cart asks the server for them.
  */
 function kvAcquista(array $riga): string
 {
-    global $cliente, $listino, $regobbl, $subtitleincart, $ivacompresa, $ivarep, $Lingua;
+    global $cliente, $subtitleincart, $ivacompresa, $ivarep, $Lingua;
     $coda = "\" onMouseOver=\"window.status=''; return true";
-    $limitato = $cliente > 0 && $listino === 0 && $regobbl && kvLimiteListinoBase();
-    if ($limitato || kvPrezziNascosti()) {
-        $motivo = $cliente > 0 ? 'm=37&t=.37.' : 'm=23';
+    if (kvAcquistoNegato()) {
+        $motivo = $cliente > 0 ? 'm=37&amp;t=.37.' : 'm=23';
         return "javascript:self.location='login$Lingua.php?$motivo';" . $coda;
     }
     $articolo = (string) ($riga['cart_articolo'] ?? '');
@@ -112,12 +151,11 @@ function kvAcquista(array $riga): string
         $articolo .= ' ' . kvTestoScript(strip_tags((string) $riga['plain_sottotitolo']));
     }
     $posto = (int) ($riga['contatore'] ?? 0);
-    $prezzo = kvNumeroScript(kvPrezziVisitatore($riga)['prezzo'], (bool) $GLOBALS['visdec'][0]);
+    $prezzo = kvNumeroScript(kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()), kvScala());
     $iva = $ivacompresa ? '0' : (string) round((float) $ivarep, 6);
     $peso = (string) ($riga['cart_peso'] ?? '0');
     return "javascript:window.status='';Acquista('$articolo','$prezzo','$iva',document.itemsform.qt$posto.value,"
-        . "'op1$posto','op2$posto','op3$posto','$peso','op4$posto'," . (int) ($riga['ID'] ?? 0) . ",'"
-        . kvScaglioni($riga, $listino) . "')" . $coda;
+        . "'op1$posto','op2$posto','op3$posto','$peso','op4$posto'," . (int) ($riga['ID'] ?? 0) . ')' . $coda;
 }
 
 /** The variant of a slot (1 to 4) for a listino; 0 when the slot is empty. */
@@ -127,68 +165,57 @@ function kvVariante(array $riga, int $posto, int $listino): int
     return $id > 1 ? $id : 0;
 }
 
-/** The built list of a variant: its name and its option elements, null when the variant has none. */
-function kvElencoVariante(int $id): ?array
+/** The selectors of some variant slots; empty where the article has no variants. */
+function kvSelettori(array $riga, array $posti): string
 {
-    global $Lingua;
-    $tabella = 'opzioni' . (preg_match('/^_l[2-4]$/', $Lingua) ? $Lingua : '');
-    return kvRiga("SELECT nomeopzione, opzione FROM $tabella WHERE ID = ?", [$id]);
-}
-
-/** The difference of a variant value for the visitor: the department's factor unless on offer, then VAT. */
-function kvDifferenza(float $differenza, array $riga): float
-{
-    global $listino, $ivacompresa, $scontorep, $ivarep;
-    if (!kvPrezziVisitatore($riga)['offerta'] && (float) $scontorep[$listino] !== 1.0) {
-        $differenza = kvProdotto($differenza, (float) $scontorep[$listino]);
-    }
-    return kvConIva($differenza, (float) $ivarep, (bool) $ivacompresa);
-}
-
-/** The selector of a variant slot with the visitor's price differences; empty without a variant. */
-function kvSelettore(array $riga, int $posto): string
-{
-    $id = kvVariante($riga, $posto, $GLOBALS['listino']);
-    $variante = $id === 0 ? null : kvElencoVariante($id);
-    if ($variante === null || (string) $variante['opzione'] === '') {
-        return '';
-    }
-    $voci = preg_replace_callback('/<option.*?<\/option>/is', function (array $voce) use ($riga): string {
-        if (!preg_match('/value="<<\s*(-?[0-9.]+)>>/', $voce[0], $trovato)) {
-            return $voce[0];
+    $html = '';
+    foreach ($posti as $posto) {
+        if (kvVariante($riga, $posto, $GLOBALS['listino']) > 0) {
+            include_once "kvvariant.php";
+            $html .= kvSelettore($riga, $posto);
         }
-        $importo = kvDifferenza((float) $trovato[1], $riga);
-        $decimali = (bool) $GLOBALS['visdec'][0];
-        return str_replace(
-            [$trovato[0], '<<importo>>'],
-            ['value="' . kvNumeroScript($importo, $decimali),
-             kvFormato(abs($importo), $decimali, (int) $GLOBALS['notazione'])],
-            $voce[0]
-        );
-    }, (string) $variante['opzione']);
-    $nome = 'op' . $posto . (int) ($riga['contatore'] ?? 0);
-    return '<label class="opzione">' . kvHtml((string) $variante['nomeopzione'])
-        . ' <select name="' . $nome . '">' . $voci . '</select></label>';
+    }
+    return $html;
 }
 
-/** Links to the other articles with the same group word. */
+/** The group word of a row by which related articles are known; empty when it has none. */
+function kvGruppo(array $riga): string
+{
+    return strtolower(trim((string) ($riga['correlazione'] ?? '')));
+}
+
+/** The articles of each group word on the page, read by one query; closed and hidden departments stay out. */
+function kvGruppiPagina(string $gruppo): array
+{
+    global $resultArt, $listino;
+    static $gruppi = [];
+    if (isset($gruppi[$gruppo])) {
+        return $gruppi;
+    }
+    $righe = $resultArt instanceof KvRighe ? $resultArt->righe : [];
+    $nuovi = array_values(array_filter(array_unique(array_merge([$gruppo], array_map('kvGruppo', $righe)))));
+    $gruppi += array_fill_keys($nuovi, []);
+    $tabella = kvTabellaLingua('articoli');
+    $trovati = kvQuery("SELECT $tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione"
+        . " FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento USING (ID) INNER JOIN categorie"
+        . " ON categorie.ID = catID WHERE correlazione IN (" . implode(',', array_fill(0, count($nuovi), '?'))
+        . ') AND nascosto = 0 AND inaccessibile' . ($listino ?: '') . ' = 0 ORDER BY plain_titolo', $nuovi);
+    foreach ($trovati ?? [] as $riga) {
+        $gruppi[kvGruppo($riga)][] = $riga;
+    }
+    return $gruppi;
+}
+
+/** Links to the other articles with the same group word, twelve at most. */
 function kvCorrelati(array $riga): string
 {
-    global $Lingua;
-    $gruppo = trim((string) ($riga['correlazione'] ?? ''));
-    if ($gruppo === '') {
-        return '';
+    $gruppo = kvGruppo($riga);
+    $voci = [];
+    foreach ($gruppo === '' ? [] : kvGruppiPagina($gruppo)[$gruppo] as $altra) {
+        if ((int) $altra['ID'] !== (int) $riga['ID'] && count($voci) < 12) {
+            $voci[] = '<li><a href="' . kvHtml($altra['pagina']) . '.php?n=' . (int) $altra['sottopagina'] . '#'
+                . (int) $altra['contatore'] . '">' . kvTestoHtml((string) $altra['plain_titolo']) . '</a></li>';
+        }
     }
-    $tabella = 'articoli' . (preg_match('/^_l[2-4]$/', $Lingua) ? $Lingua : '');
-    $righe = kvQuery("SELECT *, $tabella.pagina AS linkPage FROM $tabella INNER JOIN dettaglio USING (ID)"
-        . " INNER JOIN ordinamento USING (ID) WHERE correlazione = ? AND $tabella.ID <> ? LIMIT 12",
-        [$gruppo, (int) $riga['ID']]);
-    $voci = '';
-    foreach ($righe ?? [] as $altra) {
-        $voci .= '<li><a href="' . kvHtml($altra['linkPage']) . '.php?n=' . (int) $altra['sottopagina'] . '#'
-            . (int) $altra['contatore'] . '">' . kvHtml(strip_tags((string) $altra['plain_titolo'])) . '</a></li>';
-    }
-    return $voci === '' ? '' : '<ul class="correlati">' . $voci . '</ul>';
-}
-
+    return $voci === [] ? '' : '<ul class="correlati">' . implode('', $voci) . '</ul>';
 }

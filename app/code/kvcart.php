@@ -1,204 +1,225 @@
 <?php
 // ***1.0.7***
-// The cart on the server. The browser keeps the cart and shows its totals (js2.js); here the same order is worked out
-// again from the database and from the same tables of the build, and this result alone counts. Both follow one rule:
-// kvTotali here, totali() there.
+// The cart on the server. The browser keeps of each line the article's number, the pieces and the keys of the chosen
+// values, in one cookie; names, prices and availability are read from the database whenever they are shown or ordered,
+// so that nothing in the cart can be out of date or made up.
+include_once "kvtotals.php";
+include_once "kvvariant.php";
 
-if (!function_exists('kvTotali')) {
+/** Most lines of a cart. */
+const KV_RIGHE = 200;
 
-/** Reads assignments of a generated script: name => list of numbers, number or text. */
-function kvLeggiScript(string $script): array
+/** The name of the cart's cookie, which js1.js writes. */
+function kvBiscottoCarrello(): string
 {
-    $numero = fn(string $testo): float => (float) str_replace(' ', '', $testo);
-    $valori = [];
-    $forma = '/(\w+)\s*=\s*(?:new Array\(([^)]*)\)|"([^"]*)"|\'([^\']*)\'|(-?\s*[\d.]+(?:E[-+]?\d+)?))\s*;/i';
-    preg_match_all($forma, $script, $trovati, PREG_SET_ORDER | PREG_UNMATCHED_AS_NULL);
-    foreach ($trovati as $trovato) {
-        if ($trovato[2] !== null) {
-            $valori[$trovato[1]] = array_map($numero, explode(',', $trovato[2]));
-        } elseif ($trovato[5] !== null) {
-            $valori[$trovato[1]] = $numero($trovato[5]);
-        } else {
-            $valori[$trovato[1]] = (string) ($trovato[3] ?? $trovato[4]);
-        }
-    }
-    return $valori;
-}
-
-/** The shop's tables: shipping, permissions, discounts by amount, smallest order. */
-function kvDatiNegozio(): array
-{
-    static $dati = null;
-    if ($dati === null) {
-        $dati = kvLeggiScript(<<<'KORVANE_VALORI'
-<<1-java_valuta>>
-<<1-java_importi>>
-<<1-java_importi_peso>>
-<<1-java_permessi>>
-tipopeso = "<<1-java_tipopeso>>";
-aliquotaspese = <<1-java_aliquotaspese>>;
-minimo = <<1-java_minimo>>;
-qminima = <<1-java_qminima>>;
-ivacompresa = "<<1-java_ivacompresa>>";
-obbl_rsoc = 0; obbl_piva = 0; obbl_tel = 0; obbl_magg = 1;
-<<1-java_campi>>
-KORVANE_VALORI
-        );
-    }
-    return $dati;
-}
-
-/** The discount factor of an order: the customer's own percent, else the one by amount of the listino. */
-function kvFattoreOrdine(array $dati, int $listino, float $scontoCliente, float $merce): float
-{
-    if ($scontoCliente > 0) {
-        return 1 - $scontoCliente / 100;
-    }
-    return $merce > ($dati['scimp'][$listino] ?? 0.0) ? ($dati['scperc'][$listino] ?? 1.0) : 1.0;
-}
-
-/** The shipping cost of a slot, by weight or by the amount of the goods. */
-function kvSpese(array $dati, int $posto, float $merce, float $peso): float
-{
-    if (($dati['tipopeso'] ?? '0') === '1') {
-        for ($n = 1; $n <= 9; $n++) {
-            if ($peso <= ($dati['imppeso' . $n][$posto] ?? 0.0)) {
-                return $dati['impspp' . $n][$posto] ?? 0.0;
-            }
-        }
-        return $dati['impspp10'][$posto] ?? 0.0;
-    }
-    if ($merce <= ($dati['impord1'][$posto] ?? 0.0)) {
-        return $dati['impspese1'][$posto] ?? 0.0;
-    }
-    if ($merce <= ($dati['impord2'][$posto] ?? 0.0)) {
-        return $dati['impspese2'][$posto] ?? 0.0;
-    }
-    return $dati['impspese3'][$posto] ?? 0.0;
+    return 'kvstore_cart' . kvNegozio();
 }
 
 /**
- * The totals of an order. Each line has importo (of one piece), quantita, iva (fraction, 0 where prices include it),
- * peso. `metodo` counts the active payment methods from 1, `zona` is 1 to 8.
- * Result: merce, sconto, iva, spese, ivaspese, totale, and ammesso: the method is allowed for the zone.
+ * The lines of a cart text, "12.3.a1b2c3.._45.1": lines joined by "_", in each the article's number, the pieces and up
+ * to four keys of variant values by slot, joined by ".". What isn't of this form is left out.
  */
-function kvTotali(array $righe, int $metodo, int $zona, array $dati, int $listino, float $scontoCliente): array
+function kvVociCarrello(string $testo): array
 {
-    $cifre = ($dati['PutDec'] ?? 1.0) > 0 ? 2 : 0;
-    $posto = ($metodo - 1) * 8 + $zona - 1;
-    $conIva = substr((string) ($dati['IvaOk'] ?? ''), $zona - 1, 1) === '1';
-    $merce = 0.0;
-    $iva = 0.0;
-    $peso = 0.0;
-    foreach ($righe as $riga) {
-        $importo = round($riga['importo'] * $riga['quantita'], $cifre);
-        $merce += $importo;
-        $iva += $importo * $riga['iva'];
-        $peso += $riga['peso'] * $riga['quantita'];
-    }
-    $merce = round($merce, $cifre);
-    $fattore = kvFattoreOrdine($dati, $listino, $scontoCliente, $merce);
-    $sconto = round($merce * (1 - $fattore), $cifre);
-    $spese = kvSpese($dati, $posto, $merce - $sconto, $peso);
-    $tassate = $conIva && ($dati['ivacompresa'] ?? '0') !== '1';
-    $totali = [
-        'merce' => $merce,
-        'sconto' => $sconto,
-        'iva' => $conIva ? round($iva * $fattore, $cifre) : 0.0,
-        'spese' => $spese,
-        'ivaspese' => $tassate ? round($spese * ($dati['aliquotaspese'] ?? 0.0), $cifre) : 0.0,
-        'ammesso' => substr((string) ($dati['SpOk'] ?? ''), $posto, 1) === '1',
-    ];
-    $totali['totale'] = round(
-        $merce - $sconto + $totali['iva'] + $totali['spese'] + $totali['ivaspese'], $cifre);
-    return $totali;
-}
-
-/** The factor of the quantity discount of an article row; 1 below the first quantity. */
-function kvFattoreQuantita(array $riga, int $listino, int $quantita): float
-{
-    $fattore = 1.0;
-    $raggiunta = 0;
-    foreach (array_filter(explode(',', kvScaglioni($riga, $listino))) as $coppia) {
-        list($soglia, $valore) = explode(':', $coppia);
-        if ($quantita >= (int) $soglia && (int) $soglia >= $raggiunta) {
-            $raggiunta = (int) $soglia;
-            $fattore = (float) $valore;
+    $voci = [];
+    foreach (array_slice(explode('_', substr($testo, 0, 8000)), 0, KV_RIGHE) as $riga) {
+        if (preg_match('/^([1-9]\d{0,8})\.([1-9]\d{0,4})((?:\.[0-9a-f]{0,6}){0,4})$/D', $riga, $parti)) {
+            $chiavi = array_slice(array_pad(explode('.', substr($parti[3], 1)), 4, ''), 0, 4);
+            $voci[] = ['id' => (int) $parti[1], 'q' => (int) $parti[2], 'k' => $chiavi];
         }
     }
-    return $fattore;
+    return $voci;
 }
 
-/** The value of a variant that has this label: price difference, weight difference; null when there is none such. */
-function kvValoreVariante(array $riga, int $posto, int $listino, string $etichetta): ?array
+/** A text as it is read: without tags, its entities as letters. */
+function kvTestoPiano(?string $html): string
 {
-    $id = kvVariante($riga, $posto, $listino);
-    $variante = $id === 0 ? null : kvElencoVariante($id);
-    $forma = '/value="<<\s*(-?[0-9.]+)>>=([^#"]*)#[^|"]*\|([^"]*)"/';
-    preg_match_all($forma, (string) ($variante['opzione'] ?? ''), $voci, PREG_SET_ORDER);
-    foreach ($voci as $voce) {
-        if (html_entity_decode($voce[3], ENT_QUOTES, 'cp1252') === $etichetta) {
-            return ['importo' => kvDifferenza((float) $voce[1], $riga), 'peso' => (float) $voce[2]];
-        }
-    }
-    return null;
+    return trim(preg_replace('/\s+/', ' ', html_entity_decode(strip_tags((string) $html), ENT_QUOTES, 'cp1252')));
 }
 
-/**
- * One line of the browser's cart worked out from the database. `voce` has id, q and o (labels of the chosen variants
- * by slot). Null when the article is gone, closed to the visitor or misses a variant.
- */
-function kvRigaOrdine(array $voce): ?array
+/** The name of an article in the cart: code, title and, where the shop says so, subtitle. */
+function kvNomeArticolo(array $riga): string
 {
-    global $listino, $inaccessibile, $ivacompresa, $ivarep, $visdec;
-    $id = $voce['id'] ?? 0;
-    $quantita = $voce['q'] ?? 0;
-    $riga = is_int($id) && is_int($quantita) && $quantita > 0 && $quantita < 100000 ? kvArticolo($id) : null;
-    if ($riga === null || $inaccessibile[$listino] || kvPrezziNascosti()) {
-        return null;
-    }
-    $importo = (float) kvNumeroScript(kvPrezziVisitatore($riga)['prezzo'], (bool) $visdec[0]);
-    $peso = (float) ($riga['cart_peso'] ?? 0);
+    $nome = trim($riga['codice'] . ' ' . kvTestoPiano($riga['plain_titolo']));
+    $sotto = $GLOBALS['subtitleincart'] ? kvTestoPiano($riga['plain_sottotitolo']) : '';
+    return $sotto === '' ? $nome : $nome . ' - ' . $sotto;
+}
+
+/** The chosen values of a line by slot; null when one is missing or isn't of that variant. */
+function kvScelte(array $riga, array $chiavi, int $listino): ?array
+{
     $scelte = [];
     for ($posto = 1; $posto <= 4; $posto++) {
-        $etichetta = $voce['o'][$posto - 1] ?? '';
-        $etichetta = is_string($etichetta) ? (string) iconv('UTF-8', 'CP1252//TRANSLIT', $etichetta) : '';
-        $elenco = kvVariante($riga, $posto, $listino);
-        if ($elenco === 0 || (string) (kvElencoVariante($elenco)['opzione'] ?? '') === '') {
+        $id = kvVariante($riga, $posto, $listino);
+        $variante = $id > 0 ? kvElencoVariante($id) : null;
+        if ($variante === null) {
             continue;
         }
-        $valore = kvValoreVariante($riga, $posto, $listino, $etichetta);
+        $valore = $variante['voci'][$chiavi[$posto - 1]] ?? null;
         if ($valore === null) {
             return null;
         }
-        $importo += (float) kvNumeroScript($valore['importo'], (bool) $visdec[0]);
-        $peso += $valore['peso'];
-        $scelte[] = $etichetta;
+        $scelte[] = $valore;
     }
-    return [
-        'id' => $id,
-        'testo' => trim($riga['codice'] . ' ' . strip_tags((string) $riga['plain_titolo'])),
-        'scelte' => implode(', ', $scelte),
-        'quantita' => $quantita,
-        'importo' => round($importo * kvFattoreQuantita($riga, $listino, $quantita), $visdec[0] ? 2 : 0),
-        'iva' => $ivacompresa ? 0.0 : (float) $ivarep,
-        'peso' => $peso,
-    ];
+    return $scelte;
 }
 
 /**
- * Whether the articles in the visitor's cart can be bought: one letter for each, "1" or "0", in the order of the
- * cookie kvstore_art (article numbers joined by points).
+ * One line worked out from the database; its article's department is set. Amounts in smallest units, weight in
+ * ten-thousandths, VAT in millionths. `ok` tells that it can be bought, stock left aside; `base` is the price of a
+ * piece before the quantity discount `passi`, `importo` behind it; `scorte` are its keys of kv_disponibilita.
  */
-function CheckDispCart(): string
+function kvRigaCarrello(array $voce, ?array $riga): array
 {
-    global $listino, $inaccessibile;
+    global $listino, $inaccessibile, $ivacompresa, $ivarep;
+    $vuota = ['id' => $voce['id'], 'quantita' => $voce['q'], 'chiavi' => $voce['k'], 'ok' => false, 'codice' => '',
+        'testo' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'peso' => 0,
+        'scorte' => []];
+    if ($riga === null) {
+        return $vuota;
+    }
+    SetVariables($riga['catID']);
+    $vuota['codice'] = (string) $riga['codice'];
+    $vuota['testo'] = kvNomeArticolo($riga);
+    $scelte = kvScelte($riga, $voce['k'], $listino);
+    if ($scelte === null || $inaccessibile[$listino] || kvPrezziNascosti()) {
+        return $vuota;
+    }
+    $base = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala());
+    $peso = kvDecimillesimi($riga['cart_peso'] ?? 0);
+    $scorte = ['A' . $voce['id']];
+    foreach ($scelte as $valore) {
+        $base += kvDifferenza($valore['prezzo'], $riga);
+        $peso += kvDecimillesimi($valore['peso']);
+        if ($valore['codice'] !== '') {
+            $scorte[] = 'O' . $valore['codice'];
+        }
+    }
+    $passi = kvScaglioni($riga, $listino);
+    $etichette = array_map(fn($valore) => kvTestoPiano($valore['etichetta']), $scelte);
+    return [
+        'ok' => true,
+        'scelte' => implode(', ', $etichette),
+        'base' => max(0, $base),
+        'passi' => $passi,
+        'importo' => kvImportoPezzo($base, $passi, $voce['q']),
+        'iva' => $ivacompresa ? 0 : (int) round($ivarep * 1000000),
+        'peso' => max(0, $peso),
+        'scorte' => $scorte,
+    ] + $vuota;
+}
+
+/**
+ * How many pieces there are of each key of kv_disponibilita; keys without a limit are missing, 0 is sold out. With
+ * `riserva`, inside a transaction, the rows are held until its end. Null when the server refused.
+ */
+function kvScorte(array $chiavi, bool $riserva = false): ?array
+{
+    if ($chiavi === []) {
+        return [];
+    }
+    // In the order of the key, so that two orders that want the same pieces wait for one another.
+    sort($chiavi, SORT_STRING);
+    $valori = [];
+    foreach ($chiavi as $chiave) {
+        array_push($valori, $chiave[0], substr($chiave, 1, 100));
+    }
+    $righe = kvQuery('SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE (tipo, chiave) IN ('
+        . implode(',', array_fill(0, count($chiavi), '(?,?)')) . ') ORDER BY tipo, chiave'
+        . ($riserva ? ' FOR UPDATE' : ''), $valori);
+    if ($righe === null) {
+        return null;
+    }
+    $scorte = [];
+    foreach ($righe as $riga) {
+        if (!$riga['disponibile']) {
+            $scorte[$riga['tipo'] . $riga['chiave']] = 0;
+        } elseif ($riga['quantita'] !== null) {
+            $scorte[$riga['tipo'] . $riga['chiave']] = max(0, (int) $riga['quantita']);
+        }
+    }
+    return $scorte;
+}
+
+/** How many pieces of each key the lines want together. */
+function kvRichieste(array $righe): array
+{
+    $richieste = [];
+    foreach ($righe as $riga) {
+        foreach ($riga['scorte'] as $chiave) {
+            $richieste[$chiave] = ($richieste[$chiave] ?? 0) + $riga['quantita'];
+        }
+    }
+    return $richieste;
+}
+
+/** The most pieces of a line that its stock allows, all other lines left as they are; null without a limit. */
+function kvMassimo(array $riga, array $richieste, array $scorte): ?int
+{
+    $massimo = null;
+    foreach ($riga['scorte'] as $chiave) {
+        if (isset($scorte[$chiave])) {
+            $resto = max(0, $scorte[$chiave] - $richieste[$chiave] + $riga['quantita']);
+            $massimo = $massimo === null ? $resto : min($massimo, $resto);
+        }
+    }
+    return $massimo;
+}
+
+/** The lines of a cart text, worked out; with `massimo` where stock limits a line. Three queries at most. */
+function kvRigheCarrello(string $testo): array
+{
+    global $listino;
+    $voci = kvVociCarrello($testo);
+    $articoli = kvArticoli(array_column($voci, 'id'));
+    kvLeggiReparti(array_map('strval', array_column($articoli, 'catID')));
+    $varianti = [];
+    foreach ($articoli as $riga) {
+        $varianti = array_merge($varianti, kvVariantiRiga($riga, $listino));
+    }
+    kvLeggiVarianti($varianti);
+    $righe = [];
+    foreach ($voci as $voce) {
+        $righe[] = kvRigaCarrello($voce, $articoli[$voce['id']] ?? null);
+    }
+    $richieste = kvRichieste($righe);
+    $scorte = kvScorte(array_map('strval', array_keys($richieste))) ?? [];
+    foreach ($righe as $n => $riga) {
+        $righe[$n]['massimo'] = kvMassimo($riga, $richieste, $scorte);
+    }
+    return $righe;
+}
+
+/** The lines of the visitor's own cart. */
+function kvCarrelloVisitatore(): array
+{
+    static $righe = null;
+    if ($righe === null) {
+        $righe = kvRigheCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));
+    }
+    return $righe;
+}
+
+function kvLettereCarrello(): string
+{
     $lettere = '';
-    $numeri = array_filter(explode('.', kvCampo($_COOKIE, 'kvstore_art', 2000)), 'ctype_digit');
-    foreach (array_slice($numeri, 0, 200) as $id) {
-        $lettere .= kvArticolo((int) $id) !== null && !$inaccessibile[$listino] ? '1' : '0';
+    foreach (kvCarrelloVisitatore() as $riga) {
+        $lettere .= $riga['ok'] && ($riga['massimo'] === null || $riga['quantita'] <= $riga['massimo']) ? '1' : '0';
     }
     return $lettere;
 }
 
+/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, w, ok, m. */
+function kvDatiCarrello(): string
+{
+    $dati = [];
+    foreach (kvCarrelloVisitatore() as $riga) {
+        $dati[] = [
+            'c' => rtrim($riga['id'] . '.' . implode('.', $riga['chiavi']), '.'), 'n' => kvUtf8($riga['testo']),
+            'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'],
+            'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'],
+        ];
+    }
+    return (string) json_encode($dati, JSON_HEX_TAG | JSON_HEX_AMP | JSON_HEX_APOS | JSON_HEX_QUOT
+        | JSON_INVALID_UTF8_SUBSTITUTE);
 }

@@ -1,21 +1,71 @@
 <?php
 // ***1.0.7***
-// What surrounds a page: the request's values, the answer's headers, the session and the customer, and the one
-// escape function for texts that go into HTML.
-
-if (!function_exists('kvHtml')) {
+// What surrounds a page: the request's values, the answer's headers, the session, and the one escape function for
+// texts that go into HTML. Texts are Windows-1252; what a visitor typed beyond it arrives from the browser as numeric
+// references (&#322;), which stay whole through all of this.
 
 /** A text as HTML: the only way in which a visitor's words reach a page. */
 function kvHtml(?string $testo): string
 {
-    return htmlspecialchars((string) $testo, ENT_QUOTES | ENT_SUBSTITUTE, 'cp1252');
+    $html = htmlspecialchars((string) $testo, ENT_QUOTES | ENT_SUBSTITUTE, 'cp1252');
+    return strpos($html, '&amp;#') === false ? $html : preg_replace('/&amp;(#\d{2,7};)/', '&$1', $html);
+}
+
+/** A text of the merchant as HTML: as it stands when it holds tags, else escaped. */
+function kvTestoHtml(?string $testo): string
+{
+    return preg_match('/<.*>/s', (string) $testo) ? (string) $testo : kvHtml($testo);
 }
 
 /** The words of a piece of HTML, on one line, as HTML text. For <title> and attributes. */
 function TestoSemplice(string $html): string
 {
-    $parole = html_entity_decode(strip_tags($html), ENT_QUOTES, 'cp1252');
+    $parole = strpbrk($html, '<&') === false ? $html : html_entity_decode(strip_tags($html), ENT_QUOTES, 'cp1252');
     return kvHtml(trim(preg_replace('/\s+/', ' ', $parole)));
+}
+
+/** Code points of the bytes 80 to 9F of Windows-1252. Source: the table of the WHATWG Encoding Standard. */
+const KV_CP1252 = [0x20AC, 0x81, 0x201A, 0x192, 0x201E, 0x2026, 0x2020, 0x2021, 0x2C6, 0x2030, 0x160, 0x2039, 0x152,
+    0x8D, 0x17D, 0x8F, 0x90, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x2DC, 0x2122, 0x161, 0x203A,
+    0x153, 0x9D, 0x17E, 0x178];
+
+/** A text in UTF-8, as JSON, mails and cookies want it; numeric references become their letters. */
+function kvUtf8(string $testo): string
+{
+    static $lettere = [];
+    if ($lettere === []) {
+        for ($byte = 0x80; $byte < 0x100; $byte++) {
+            $lettere[chr($byte)] = kvLettera($byte < 0xA0 ? KV_CP1252[$byte - 0x80] : $byte);
+        }
+    }
+    if (preg_match('/[\x80-\xFF]/', $testo)) {
+        $testo = strtr($testo, $lettere);
+    }
+    return strpos($testo, '&#') === false ? $testo
+        : preg_replace_callback('/&#(\d{2,7});/', fn($n) => kvLettera((int) $n[1]), $testo);
+}
+
+/** The UTF-8 letter of a code point; nothing for one that is none or steers the text. Source: RFC 3629, section 3. */
+function kvLettera(int $punto): string
+{
+    if ($punto < 0x20 || $punto === 0x7F || ($punto >= 0xD800 && $punto < 0xE000) || $punto > 0x10FFFF) {
+        return '';
+    }
+    if ($punto < 0x80) {
+        return chr($punto);
+    }
+    if ($punto < 0x800) {
+        return chr(0xC0 | $punto >> 6) . chr(0x80 | $punto & 0x3F);
+    }
+    $coda = chr(0x80 | $punto >> 6 & 0x3F) . chr(0x80 | $punto & 0x3F);
+    return $punto < 0x10000 ? chr(0xE0 | $punto >> 12) . $coda
+        : chr(0xF0 | $punto >> 18) . chr(0x80 | $punto >> 12 & 0x3F) . $coda;
+}
+
+/** The number that tells this shop from others on the same host. */
+function kvNegozio(): string
+{
+    return (string) (int) "<<1-IDnegozio>>";
 }
 
 /**
@@ -24,41 +74,64 @@ function TestoSemplice(string $html): string
  */
 function kvPreparaRichiesta(): void
 {
-    $get = $_GET;
     foreach (['n', 'prod'] as $nome) {
-        $get[$nome] = isset($get[$nome]) && is_scalar($get[$nome]) ? (int) $get[$nome] : 0;
+        $_GET[$nome] = isset($_GET[$nome]) && is_string($_GET[$nome]) ? (int) $_GET[$nome] : 0;
     }
-    $GLOBALS['HTTP_GET_VARS'] = $get;
+    $GLOBALS['HTTP_GET_VARS'] = $_GET;
     $GLOBALS['HTTP_POST_VARS'] = $_POST;
     $GLOBALS['HTTP_COOKIE_VARS'] = $_COOKIE;
     $GLOBALS['HTTP_SERVER_VARS'] = $_SERVER;
-    $_GET = $get;
+    $GLOBALS['HTTP_POST_FILES'] = $_FILES;
+    $GLOBALS['HTTP_ENV_VARS'] = $_ENV;
 }
 
-/** Headers, and a buffer that drops the page when it turns out to be a redirection. */
-function kvPreparaRisposta(string $p3p): void
+/** The buffered page; nothing of it when it turned out to be a redirection. */
+function kvPaginaFinita(string $pagina): string
+{
+    $codice = http_response_code();
+    return $codice >= 300 && $codice < 400 ? '' : $pagina;
+}
+
+/** Headers of every page, and the buffer of kvPaginaFinita. */
+function kvPreparaRisposta(): void
 {
     header('Content-Type: text/html; charset=windows-1252');
     header('X-Content-Type-Options: nosniff');
     header('Referrer-Policy: same-origin');
+    $p3p = trim(str_replace(['\\"', "\\'", '"'], ['', "'", ''], <<<'KORVANE_VALORI'
+<<1-compact_privacy_policy>>
+KORVANE_VALORI
+    ));
     if ($p3p !== '') {
-        header('P3P: CP="' . $p3p . '"');
+        header('P3P: CP="' . preg_replace('/\s+/', ' ', $p3p) . '"');
     }
-    ob_start(function (string $pagina): string {
-        foreach (headers_list() as $riga) {
-            if (stripos($riga, 'Location:') === 0) {
-                return '';
-            }
-        }
-        return $pagina;
-    });
+    ob_start('kvPaginaFinita');
 }
 
 /** A text of a form, trimmed, of at most `massimo` bytes; empty when absent. Browsers send it as Windows-1252. */
 function kvCampo(array $modulo, string $nome, int $massimo = 200): string
 {
     $valore = $modulo[$nome] ?? '';
-    return is_string($valore) ? substr(trim(str_replace("\0", '', $valore)), 0, $massimo) : '';
+    return is_string($valore) ? rtrim(substr(trim(str_replace("\0", '', $valore)), 0, $massimo)) : '';
+}
+
+/** The same on one line, as names, addresses and whatever reaches the head of a mail must be. */
+function kvRigaCampo(array $modulo, string $nome, int $massimo = 200): string
+{
+    return trim(preg_replace('/[\x00-\x1f\x7f]+/', ' ', kvCampo($modulo, $nome, $massimo)));
+}
+
+/** Where the shop's cookies hold: the folder of its pages. */
+function kvCartellaBiscotti(): string
+{
+    $cartella = str_replace('\\', '/', dirname((string) ($_SERVER['SCRIPT_NAME'] ?? '/')));
+    return $cartella === '/' || $cartella === '.' ? '/' : rtrim($cartella, '/') . '/';
+}
+
+/** Whether the visitor's own connection is encrypted. */
+function kvProtetta(): bool
+{
+    return !in_array(strtolower((string) ($_SERVER['HTTPS'] ?? '')), ['', 'off'], true);
 }
 
 /** Starts the session; without `nuova` only when the visitor has one, so that plain visits set no cookie. */
@@ -67,23 +140,29 @@ function kvSessione(bool $nuova = false): bool
     if (session_status() === PHP_SESSION_ACTIVE) {
         return true;
     }
-    session_name('kvstore_sessione');
-    if (!$nuova && !isset($_COOKIE['kvstore_sessione'])) {
+    $nome = 'kvstore_sessione' . kvNegozio();
+    if (isset($_COOKIE[$nome]) && (!is_string($_COOKIE[$nome])
+        || !preg_match('/^[A-Za-z0-9,-]{16,250}$/', $_COOKIE[$nome]))) {
+        unset($_COOKIE[$nome]);
+    }
+    if (!$nuova && !isset($_COOKIE[$nome])) {
         return false;
     }
-    session_set_cookie_params([
-        'httponly' => true,
-        'samesite' => 'Lax',
-        'secure' => ($_SERVER['HTTPS'] ?? '') !== '' && $_SERVER['HTTPS'] !== 'off',
-    ]);
-    ini_set('session.use_strict_mode', '1');
-    return session_start();
+    session_name($nome);
+    session_set_cookie_params(['path' => kvCartellaBiscotti(), 'httponly' => true, 'samesite' => 'Lax',
+        'secure' => kvProtetta()]);
+    // A number that the server didn't give out itself opens nothing.
+    return @session_start(['use_strict_mode' => 1, 'use_only_cookies' => 1, 'cache_limiter' => 'nocache']);
 }
 
 /** The session's form token: a form that changes something carries it and kvGettoneValido asks for it. */
 function kvGettone(): string
 {
     kvSessione(true);
+    if (!headers_sent()) {
+        // A form that acts for the visitor must not be clicked through another site's page.
+        header('X-Frame-Options: SAMEORIGIN');
+    }
     if (!isset($_SESSION['gettone'])) {
         $_SESSION['gettone'] = bin2hex(random_bytes(16));
     }
@@ -96,51 +175,68 @@ function kvGettoneValido(): bool
         && hash_equals($_SESSION['gettone'], kvCampo($_POST, 'gettone', 64));
 }
 
-/** Creates the tables of customers and orders, which live on the server alone and survive each update. */
-function kvTabelle(): void
+/** Leaves a notice for the next page that prints messages (output.php). It is HTML. */
+function kvAvvisa(string $html): void
 {
-    kvQuery("CREATE TABLE IF NOT EXISTS kv_clienti (id INT NOT NULL AUTO_INCREMENT PRIMARY KEY,"
-        . " email VARCHAR(190) NOT NULL UNIQUE, pw VARCHAR(255) NOT NULL, nome VARCHAR(100) NOT NULL DEFAULT '',"
-        . " cognome VARCHAR(100) NOT NULL DEFAULT '', rsoc VARCHAR(200) NOT NULL DEFAULT '',"
-        . " piva VARCHAR(40) NOT NULL DEFAULT '', indirizzo VARCHAR(200) NOT NULL DEFAULT '',"
-        . " cap VARCHAR(20) NOT NULL DEFAULT '', citta VARCHAR(100) NOT NULL DEFAULT '',"
-        . " provincia VARCHAR(60) NOT NULL DEFAULT '', telefono VARCHAR(60) NOT NULL DEFAULT '',"
-        . " listino TINYINT NOT NULL DEFAULT 0, sconto DECIMAL(5,2) NOT NULL DEFAULT 0,"
-        . " creato DATETIME NOT NULL) DEFAULT CHARSET=latin1");
-    kvQuery("CREATE TABLE IF NOT EXISTS kv_ordini (id INT NOT NULL AUTO_INCREMENT PRIMARY KEY,"
-        . " codice VARCHAR(20) NOT NULL UNIQUE, creato DATETIME NOT NULL, cliente INT NOT NULL DEFAULT 0,"
-        . " nome VARCHAR(200) NOT NULL, email VARCHAR(190) NOT NULL, totale DECIMAL(12,2) NOT NULL,"
-        . " valuta VARCHAR(20) NOT NULL, metodo VARCHAR(100) NOT NULL, stato VARCHAR(20) NOT NULL,"
-        . " lingua VARCHAR(5) NOT NULL, dati TEXT NOT NULL, riepilogo TEXT NOT NULL) DEFAULT CHARSET=latin1");
+    if (kvSessione(true)) {
+        $_SESSION['avviso'] = $html;
+    }
 }
 
-/** The customer of the session: number, listino, personal discount in percent; all 0 for a visitor. */
+/** Goes to another page of the shop and ends. */
+function kvVai(string $pagina): void
+{
+    header('Location: ' . $pagina, true, 303);
+    exit;
+}
+
+/**
+ * The customer of the session: number, listino, personal discount in percent. All 0 for a visitor, and for one who
+ * still waits for approval, whose number then stands in $clienteinattesa.
+ */
 function kvCliente(): array
 {
+    $GLOBALS['clienteinattesa'] = 0;
     if (!kvSessione() || !isset($_SESSION['cliente'])) {
         return [0, 0, 0];
     }
-    $riga = kvRiga('SELECT id, listino, sconto FROM kv_clienti WHERE id = ?', [(int) $_SESSION['cliente']]);
-    if ($riga === null) {
-        unset($_SESSION['cliente']);
+    $id = (int) $_SESSION['cliente'];
+    $riga = kvRiga('SELECT listino, sconto, approvato, pw FROM kv_clienti WHERE id = ?', [$id]);
+    // A changed password ends all other sessions of the customer.
+    if ($riga === null || !hash_equals(kvSegnoPassword($riga['pw']), (string) ($_SESSION['segno'] ?? ''))) {
+        unset($_SESSION['cliente'], $_SESSION['segno']);
         return [0, 0, 0];
     }
-    return [(int) $riga['id'], max(0, min(9, (int) $riga['listino'])), (float) $riga['sconto']];
+    if (!$riga['approvato']) {
+        $GLOBALS['clienteinattesa'] = $id;
+        return [0, 0, 0];
+    }
+    return [$id, max(0, min(9, (int) $riga['listino'])), max(0, min(100, (float) $riga['sconto']))];
 }
 
-/** The customer's data for the order form: name=value pairs, percent-coded, joined by "|"; empty for a visitor. */
+/** What a session remembers of the customer's password: enough to notice a change of it, nothing to guess it by. */
+function kvSegnoPassword(string $impronta): string
+{
+    return substr(hash('sha256', $impronta), 0, 16);
+}
+
+/** The customer's data for the order form; empty for a visitor. */
 function LoadDatiCliente(): string
 {
-    global $cliente;
-    $riga = $cliente === 0 ? null : kvRiga('SELECT * FROM kv_clienti WHERE id = ?', [$cliente]);
-    if ($riga === null) {
-        return '';
-    }
-    $coppie = [];
-    foreach (['nome', 'cognome', 'rsoc', 'piva', 'indirizzo', 'cap', 'citta', 'provincia', 'telefono', 'email'] as $n) {
-        $coppie[] = $n . '=' . rawurlencode(iconv('CP1252', 'UTF-8//IGNORE', (string) $riga[$n]));
-    }
-    return implode('|', $coppie);
+    include_once "kvaccount.php";
+    return kvDatiCliente((int) $GLOBALS['cliente']);
 }
 
+/** Whether each line of the visitor's cart can be bought: a letter for each, "1" or "0". */
+function CheckDispCart(): string
+{
+    include_once "kvcart.php";
+    return kvLettereCarrello();
+}
+
+/** The lines of the visitor's cart as cart and order page need them: JSON that may stand in a script element. */
+function DatiCarrello(): string
+{
+    include_once "kvcart.php";
+    return kvDatiCarrello();
 }

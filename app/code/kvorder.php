@@ -1,29 +1,70 @@
 <?php
 // ***1.0.7***
-// Takes an order: checks the form, works the order out again from the database, stores it, writes to customer and
-// merchant, and goes on to the page of the chosen payment method (thankyou1 to thankyou4).
+// Takes an order: checks the form, works the order out again from the database, stores it together with the stock it
+// takes, writes to customer and merchant, and goes on to the page of the chosen payment method (thankyou1 to 4).
+// A form is good for one order: sent twice, it leads to the page of the order it made.
 include "funcs.php";
+include_once "kvcart.php";
+include_once "kvmail.php";
 
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
 {
-    $_SESSION['avviso'] = $motivo;
-    header("Location: messaggio<<1-IDlingua>>.php", true, 303);
-    exit;
+    kvAvvisa($motivo);
+    kvVai("messaggio.htm");
+}
+
+/** The names of the options of a select of the build, with their values where they have any: [value or null, name]. */
+function kvVociSelect(string $select): array
+{
+    preg_match_all('/<option([^>]*)>(.*?)<\/option>/is', $select, $trovate, PREG_SET_ORDER);
+    return array_map(function (array $voce): array {
+        $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
+        return [$valore, kvTestoPiano($voce[2])];
+    }, $trovate);
+}
+
+/** The chosen payment method, counted from 1, and its name; ends the order when the shop has no such one. */
+function kvMetodoOrdine(): array
+{
+    $metodi = kvVociSelect(<<<'KORVANE_VALORI'
+<<1-pagamento>>
+KORVANE_VALORI
+    );
+    $metodo = (int) kvCampo($_POST, 'Metodo', 2);
+    if (!isset($metodi[$metodo - 1]) || !is_file('thankyou' . $metodo . '<<1-IDlingua>>.php')) {
+        kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
+    }
+    return [$metodo, $metodi[$metodo - 1][1]];
+}
+
+/** The chosen country and its zone (1 to 8); the zone must be the one that the shop has the country in. */
+function kvPaeseOrdine(): array
+{
+    $paesi = kvVociSelect(<<<'KORVANE_VALORI'
+<<1-paesi>>
+KORVANE_VALORI
+    );
+    $nome = kvTestoPiano(kvRigaCampo($_POST, 'Paese'));
+    $zona = kvCampo($_POST, 'LSStato', 2);
+    if (!in_array([$zona, $nome], $paesi, true) || (int) $zona < 1 || (int) $zona > 8) {
+        kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    }
+    return [$nome, (int) $zona];
 }
 
 /** The form's fields, by the names of the order form; ends the order when a required one is missing or wrong. */
 function kvModuloOrdine(array $dati): array
 {
     $campi = [];
-    foreach (['Nome', 'Cognome', 'RagioneSociale', 'PartitaIVA', 'Indirizzo', 'CAP', 'Citta', 'Provincia', 'Paese',
-              'Telefono', 'Email', 'NomePagamento'] as $nome) {
-        $campi[$nome] = str_replace(["\r", "\n"], ' ', kvCampo($_POST, $nome));
+    foreach (['Nome' => 100, 'Cognome' => 100, 'RagioneSociale' => 200, 'PartitaIVA' => 40, 'Indirizzo' => 200,
+              'CAP' => 20, 'Citta' => 100, 'Provincia' => 60, 'Telefono' => 60, 'Email' => 190] as $nome => $massimo) {
+        $campi[$nome] = kvRigaCampo($_POST, $nome, $massimo);
     }
     $campi['Note'] = kvCampo($_POST, 'Note', 2000);
-    $richiesti = ['Nome', 'Cognome', 'Indirizzo', 'CAP', 'Citta', 'Paese', 'Email'];
+    $richiesti = ['Nome', 'Cognome', 'Indirizzo', 'CAP', 'Citta', 'Email'];
     foreach (['obbl_rsoc' => 'RagioneSociale', 'obbl_piva' => 'PartitaIVA', 'obbl_tel' => 'Telefono'] as $n => $nome) {
-        if (($dati[$n] ?? 0.0) > 0) {
+        if ($dati[$n]) {
             $richiesti[] = $nome;
         }
     }
@@ -32,34 +73,49 @@ function kvModuloOrdine(array $dati): array
             kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
         }
     }
-    if (filter_var($campi['Email'], FILTER_VALIDATE_EMAIL) === false) {
+    if (!kvIndirizzoValido($campi['Email'])) {
         kvRifiutaOrdine("<<4-ordine_email_errata>>");
     }
-    if (!isset($_POST['Privacy']) || (($dati['obbl_magg'] ?? 1.0) > 0 && !isset($_POST['Maggiorenne']))) {
+    if (!isset($_POST['Privacy']) || ($dati['obbl_magg'] && !isset($_POST['Maggiorenne']))) {
         kvRifiutaOrdine("<<4-ordine_consensi_mancanti>>");
     }
     return $campi;
 }
 
-/** The lines of the order from the browser's list; ends the order when one can't be bought. */
+/** The lines of the order from the form's cart text; ends the order when one can't be bought. */
 function kvRigheOrdine(array $dati): array
 {
-    $voci = json_decode(kvCampo($_POST, 'Dettaglio', 60000), true);
-    if (!is_array($voci) || $voci === [] || count($voci) > 200) {
+    $righe = kvRigheCarrello(kvCampo($_POST, 'Dettaglio', 8000));
+    if ($righe === []) {
         kvRifiutaOrdine("<<4-ordine_vuoto>>");
     }
-    $righe = [];
-    foreach ($voci as $voce) {
-        $riga = is_array($voce) ? kvRigaOrdine($voce) : null;
-        if ($riga === null) {
+    foreach ($righe as $riga) {
+        if (!$riga['ok']) {
             kvRifiutaOrdine("<<4-articolo_non_disponibile>>");
         }
-        if ($riga['quantita'] < ($dati['qminima'] ?? 0.0)) {
+        if ($riga['quantita'] < $dati['qminima']) {
             kvRifiutaOrdine("<<4-quantita_minima>>");
         }
-        $righe[] = $riga;
     }
     return $righe;
+}
+
+/** The totals; ends the order when the shop doesn't take it, or when the shopper was shown other ones. */
+function kvTotaliOrdine(array $righe, int $metodo, int $zona, array $dati): array
+{
+    global $listino, $scontocliente;
+    $totali = kvTotali($righe, $metodo, $zona, $dati, $listino, (float) $scontocliente);
+    if (!$totali['ammesso']) {
+        kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
+    }
+    if ($totali['merce'] * intdiv(10000, $dati['scala']) < $dati['minimo']) {
+        kvRifiutaOrdine("<<4-ordine_minimo>>");
+    }
+    $mostrato = kvCampo($_POST, 'Totale', 20);
+    if ($mostrato !== '' && $mostrato !== (string) $totali['totale']) {
+        kvRifiutaOrdine("<<4-importi_cambiati>>");
+    }
+    return $totali;
 }
 
 /** The order as plain text, for the mails and the back office. */
@@ -77,111 +133,133 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
     foreach ($righe as $riga) {
         $scelte = $riga['scelte'] === '' ? '' : ' (' . $riga['scelte'] . ')';
         $testo .= "<<4-carrello_articolo>>: " . $riga['testo'] . $scelte . "\r\n  "
-            . $riga['quantita'] . ' x ' . kvTestoImporto($riga['importo']) . ' = '
-            . kvTestoImporto($riga['importo'] * $riga['quantita']) . "\r\n";
+            . $riga['quantita'] . ' x ' . kvTestoMinimi($riga['importo']) . ' = '
+            . kvTestoMinimi($riga['importo'] * $riga['quantita']) . "\r\n";
     }
-    $testo .= "\r\n<<4-carrello_merce>>: " . kvTestoImporto($totali['merce']) . "\r\n";
-    if ($totali['sconto'] > 0) {
-        $testo .= "<<4-sconto>>: -" . kvTestoImporto($totali['sconto']) . "\r\n";
+    $testo .= "\r\n<<4-carrello_merce>>: " . kvTestoMinimi($totali['merce']) . "\r\n";
+    $voci = [["<<4-sconto>>", -$totali['sconto']], ["<<4-carrello_iva>>", $totali['iva']],
+        ["<<4-carrello_spedizione>>", $totali['spese']], ["<<4-carrello_iva_spedizione>>", $totali['ivaspese']]];
+    foreach ($voci as $n => list($nome, $importo)) {
+        $testo .= $importo === 0 && $n !== 2 ? '' : $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
     }
-    if ($totali['iva'] > 0) {
-        $testo .= "<<4-carrello_iva>>: " . kvTestoImporto($totali['iva']) . "\r\n";
-    }
-    $testo .= "<<4-carrello_spedizione>>: " . kvTestoImporto($totali['spese']) . "\r\n";
-    if ($totali['ivaspese'] > 0) {
-        $testo .= "<<4-carrello_iva_spedizione>>: " . kvTestoImporto($totali['ivaspese']) . "\r\n";
-    }
-    $testo .= "<<4-carrello_totale>>: " . kvTestoImporto($totali['totale']) . "\r\n";
+    $testo .= "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
     $testo .= "<<4-ordine_pagamento>>: " . $campi['NomePagamento'] . "\r\n";
     return $testo . ($campi['Note'] === '' ? '' : "\r\n<<4-ordine_note>>: " . $campi['Note'] . "\r\n");
 }
 
-/** The customer's mail: the merchant's text with amount, code and summary in it. */
-function kvTestoMail(string $codice, string $totale_lordo, string $riepilogo): string
+/** The order for the column `dati`: campi, righe and totali as JSON, amounts in units, weights as in the catalogue. */
+function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): string
 {
-    $mail_valuta = $GLOBALS['valuta'][0];
-    $info = "";
-    <<1-testo_email>>
-    return $info === "" ? $riepilogo : $info;
-}
-
-/** Sends one plain mail; false when the server refused it. */
-function kvMail(string $a, string $da, string $oggetto, string $testo): bool
-{
-    $codifica = fn(string $parole): string => '=?windows-1252?B?' . base64_encode($parole) . '?=';
-    $righe = ['MIME-Version: 1.0', 'Content-Type: text/plain; charset=windows-1252',
-              'Content-Transfer-Encoding: base64'];
-    if (filter_var($da, FILTER_VALIDATE_EMAIL) !== false) {
-        array_unshift($righe, 'From: ' . $da);
+    $voci = [];
+    foreach ($righe as $riga) {
+        $voci[] = ['id' => $riga['id'], 'codice' => kvUtf8($riga['codice']), 'testo' => kvUtf8($riga['testo']),
+            'scelte' => kvUtf8($riga['scelte']), 'quantita' => $riga['quantita'], 'importo' => $riga['importo'] / $scala,
+            'iva' => $riga['iva'] / 1000000, 'peso' => $riga['peso'] / 10000, 'scorte' => array_map('kvUtf8', $riga['scorte'])];
     }
-    return @mail($a, $codifica($oggetto), chunk_split(base64_encode($testo)), implode("\r\n", $righe));
+    unset($totali['ammesso']);
+    return (string) json_encode([
+        'campi' => array_map('kvUtf8', $campi),
+        'righe' => $voci,
+        'totali' => array_map(fn($importo) => $importo / $scala, $totali),
+    ], JSON_INVALID_UTF8_SUBSTITUTE);
 }
 
-/** Stores the order under a fresh code, which is the result. */
-function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepilogo): string
+/** Takes the pieces of the lines off their stock; false when there are too few, null when the server refused. */
+function kvPrendiScorte(array $righe): ?bool
+{
+    $richieste = kvRichieste($righe);
+    $scorte = kvScorte(array_map('strval', array_keys($richieste)), true);
+    foreach ($scorte ?? [] as $chiave => $quantita) {
+        $chiave = (string) $chiave;
+        if ($quantita < $richieste[$chiave]) {
+            return false;
+        }
+        $esito = kvQuery('UPDATE kv_disponibilita SET quantita = quantita - ? WHERE tipo = ? AND chiave = ?',
+            [$richieste[$chiave], $chiave[0], substr($chiave, 1)]);
+        if ($esito === null) {
+            return null;
+        }
+    }
+    return $scorte === null ? null : true;
+}
+
+/** Writes the row of an order. */
+function kvScriviOrdine(string $codice, array $campi, array $totali, string $dati, string $riepilogo): bool
 {
     global $cliente, $valuta;
-    kvTabelle();
-    $dati = json_encode(['campi' => $campi, 'righe' => $righe, 'totali' => $totali],
-        JSON_INVALID_UTF8_SUBSTITUTE | JSON_PARTIAL_OUTPUT_ON_ERROR);
+    return null !== kvQuery(
+        'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
+        . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
+        [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
+         kvNumeroScript($totali['totale'], kvScala()), trim($valuta[0]), $campi['NomePagamento'], 'nuovo',
+         "<<1-IDlingua>>", $dati, $riepilogo]);
+}
+
+/**
+ * Stores the order and takes its stock, both or neither. The code is the day and six letters of the form's token, so
+ * that a form stores one order even where sessions don't wait for one another. Result: the code, and whether it is new.
+ */
+function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepilogo, string $gettone): array
+{
+    $dati = kvDatiOrdine($campi, $righe, $totali, kvScala());
+    // The tables must stand before the transaction: making one would end it.
+    kvRiga('SELECT COUNT(*) FROM kv_ordini WHERE id = 0');
+    kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
     for ($prova = 0; $prova < 5; $prova++) {
-        $codice = date('ymd') . '-' . strtoupper(bin2hex(random_bytes(3)));
-        $esito = kvQuery(
-            'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
-            . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
-            [$codice, $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'], $totali['totale'],
-             trim($valuta[0]), $campi['NomePagamento'], 'nuovo', "<<1-IDlingua>>", $dati, $riepilogo]);
-        if ($esito !== null) {
-            return $codice;
+        $codice = date('ymd') . '-' . strtoupper(substr(hash('sha256', $gettone . ($prova ?: '')), 0, 6));
+        mysqli_begin_transaction(kvConnessione());
+        $prese = kvPrendiScorte($righe);
+        if ($prese && kvScriviOrdine($codice, $campi, $totali, $dati, $riepilogo) && mysqli_commit(kvConnessione())) {
+            return [$codice, true];
+        }
+        mysqli_rollback(kvConnessione());
+        if (kvRiga('SELECT id FROM kv_ordini WHERE codice = ? AND dati = ?', [$codice, $dati]) !== null) {
+            return [$codice, false];
+        }
+        if ($prese === false) {
+            kvRifiutaOrdine("<<4-articolo_non_disponibile>>");
         }
     }
     kvRifiutaOrdine("<<4-guasto>>");
-    return '';
+    return ['', false];
+}
+
+/** The whole way of one order, once the form's token has proved good. */
+function kvPrendiOrdine(string $gettone): void
+{
+    global $notazione;
+    $dati = kvDatiNegozio();
+    $campi = kvModuloOrdine($dati);
+    list($campi['Paese'], $zona) = kvPaeseOrdine();
+    list($metodo, $campi['NomePagamento']) = kvMetodoOrdine();
+    $righe = kvRigheOrdine($dati);
+    $totali = kvTotaliOrdine($righe, $metodo, $zona, $dati);
+    $riepilogo = kvRiepilogoOrdine($campi, $righe, $totali);
+    list($codice, $nuovo) = kvSalvaOrdine($campi, $righe, $totali, $riepilogo, $gettone);
+    $pagina = 'thankyou' . $metodo . '<<1-IDlingua>>.php';
+    $_SESSION['ordine'] = $codice;
+    $_SESSION['ordini'] = array_slice([$gettone => [$codice, $pagina]] + ($_SESSION['ordini'] ?? []), 0, 20, true);
+    unset($_SESSION['gettone']);
+    setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
+    if ($nuovo) {
+        kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email']);
+    }
+    kvVai($pagina);
 }
 
 kvSessione(true);
-if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvCampo($_POST, 'Dettaglio', 60000) === '') {
+$kvForma = kvCampo($_POST, 'gettone', 64);
+if (isset($_SESSION['ordini'][$kvForma])) {
+    list($_SESSION['ordine'], $kvPagina) = $_SESSION['ordini'][$kvForma];
+    kvVai($kvPagina);
+}
+if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvCampo($_POST, 'Dettaglio', 8000) === '') {
     kvRifiutaOrdine("<<4-ordine_vuoto>>");
 }
 if (!kvGettoneValido()) {
     kvRifiutaOrdine("<<4-sessione_scaduta>>");
 }
-if ($cliente === 0 && $regobbl) {
-    header("Location: login<<1-IDlingua>>.php?m=23", true, 303);
-    exit;
+if (($cliente === 0 && $regobbl) || kvAcquistoNegato()) {
+    kvVai("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
-$kvDati = kvDatiNegozio();
-$kvCampi = kvModuloOrdine($kvDati);
-$kvRighe = kvRigheOrdine($kvDati);
-$kvMetodo = (int) kvCampo($_POST, 'Metodo', 2);
-$kvZona = (int) kvCampo($_POST, 'LSStato', 2);
-$kvPagina = 'thankyou' . $kvMetodo . '<<1-IDlingua>>.php';
-if ($kvMetodo < 1 || $kvMetodo > 4 || $kvZona < 1 || $kvZona > 8 || !is_file($kvPagina)) {
-    kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
-}
-$kvTotale = kvTotali($kvRighe, $kvMetodo, $kvZona, $kvDati, $listino, (float) $scontocliente);
-if (!$kvTotale['ammesso']) {
-    kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
-}
-if ($kvTotale['merce'] < ($kvDati['minimo'] ?? 0.0)) {
-    kvRifiutaOrdine("<<4-ordine_minimo>>");
-}
-$kvRiepilogo = kvRiepilogoOrdine($kvCampi, $kvRighe, $kvTotale);
-$kvCodice = kvSalvaOrdine($kvCampi, $kvRighe, $kvTotale, $kvRiepilogo);
-$_SESSION['ordine'] = $kvCodice;
-
-list($kvIndirizzoNegozio, $kvNomeNegozio) = kvLinee(<<<'KORVANE_VALORI'
-<<1-email_ordini>>
-<<1-negozio>>
-KORVANE_VALORI
-);
-$kvOggetto = $kvNomeNegozio . " - <<4-ordine_titolo>> " . $kvCodice;
-$kvFirma = implode("\r\n", kvLinee(<<<'KORVANE_VALORI'
-<<1-firma>>
-KORVANE_VALORI
-));
-$kvImporto = kvFormato($kvTotale['totale'], (bool) $visdec[0], (int) $notazione);
-kvMail($kvCampi['Email'], $kvIndirizzoNegozio, $kvOggetto,
-    kvTestoMail($kvCodice, $kvImporto, $kvRiepilogo) . "\r\n" . $kvFirma);
-kvMail($kvIndirizzoNegozio, $kvIndirizzoNegozio, $kvOggetto, "<<4-ordine_codice>>: $kvCodice\r\n\r\n" . $kvRiepilogo);
-header('Location: ' . $kvPagina, true, 303);
+kvPrendiOrdine($kvForma);

@@ -1,7 +1,10 @@
 <?php
 // ***1.0.7***
 // Payment: what the descriptors and scripts of the payment modules share. The order just placed stands in the session
-// with its server-side total; a module never takes an amount from the browser.
+// with its server-side total; a module never takes an amount, a merchant's code or a state from the browser.
+// Every service is spoken to in one way, by the names of kvCampiPagamento and the signature of kvFirma, but for Paypal,
+// whose button has names of its own. They are to be matched with the service's own manual. What a service says of a
+// payment is taken by kvpaynotice.php.
 
 if (!function_exists('kvOrdineInCorso')) {
 
@@ -22,6 +25,12 @@ function kvOrdine(string $nome): string
     return kvHtml((string) (kvOrdineInCorso()[$nome] ?? ''));
 }
 
+/** Whether that order still waits for its money. */
+function kvDaPagare(): bool
+{
+    return in_array(kvOrdineInCorso()['stato'] ?? '', ['nuovo', 'rifiutato'], true);
+}
+
 /** The order's total in the smallest unit of the currency: cents. */
 function kvCentesimi(array $ordine): int
 {
@@ -34,37 +43,21 @@ function kvIndirizzo(string $pagina): string
     return "<<1-perl_shopURL>>/" . $pagina;
 }
 
+/** The shop's currency for a service whose module doesn't name it: the label when that has three letters, else EUR. */
+function kvValutaServizio(): string
+{
+    $sigla = strtoupper(trim((string) $GLOBALS['valuta'][0]));
+    return preg_match('/^[A-Z]{3}$/D', $sigla) ? $sigla : 'EUR';
+}
+
 /**
- * The form that takes the shopper to the payment service: hidden fields and a button. While the address or the
- * merchant's code is missing the module isn't in use yet: the visitor reads so, and the order stands.
+ * The address of a payment service that isn't part of its module's settings; empty while none is known. The merchant
+ * may put a script kvservizi.php among the shop's pictures, which brings it here: it returns module => address.
  */
-function kvFormPagamento(string $indirizzo, string $codiceNegozio, array $campi): string
-{
-    $servizio = preg_match('/^https:\/\/[a-z0-9.-]+(:[0-9]+)?(\/[^\s"<>]*)?$/i', $indirizzo) === 1;
-    if (!$servizio || $codiceNegozio === '' || kvOrdineInCorso() === null) {
-        return '<p class="avviso">' . kvHtml("<<4-pagamento_non_attivo>>") . '</p>';
-    }
-    $form = '<form class="pagamento" name="kvPagamento" method="post" action="' . kvHtml($indirizzo) . '">';
-    foreach ($campi as $nome => $valore) {
-        $form .= '<input type="hidden" name="' . kvHtml((string) $nome) . '" value="' . kvHtml((string) $valore) . '">';
-    }
-    return $form . '<button type="submit">' . kvHtml("<<4-paga_ora>>") . '</button></form>';
-}
-
-/** The signature of fields: HMAC-SHA-256 over "name=value" joined by "&", in the order given, in hexadecimal. */
-function kvFirma(array $campi, string $chiave): string
-{
-    $parti = [];
-    foreach ($campi as $nome => $valore) {
-        $parti[] = $nome . '=' . $valore;
-    }
-    return hash_hmac('sha256', implode('&', $parti), $chiave);
-}
-
-/** The address of a payment service that isn't part of its module's settings; empty while none is entered here. */
 function kvServizio(string $modulo): string
 {
-    $servizi = [
+    $propri = is_file(__DIR__ . '/kvservizi.php') ? include __DIR__ . '/kvservizi.php' : [];
+    $servizi = (is_array($propri) ? $propri : []) + [
         'Paypal' => 'https://www.paypal.com/cgi-bin/webscr',
         'AuthorizeNet' => '',
         'Banca Sella' => '',
@@ -75,7 +68,62 @@ function kvServizio(string $modulo): string
         'Planet Payment' => '',
         'Shopla' => '',
     ];
-    return $servizi[$modulo] ?? '';
+    return (string) ($servizi[$modulo] ?? '');
+}
+
+/** Whether an address may be sent to: an encrypted one, or one of this very machine, for trying out. */
+function kvServizioAmmesso(string $indirizzo): bool
+{
+    $forma = '~^(https://[a-z0-9.-]+|http://(127\.0\.0\.1|localhost|\[::1\]))(:\d{1,5})?(/[^\s"<>\\\\]*)?$~iD';
+    return preg_match($forma, $indirizzo) === 1;
+}
+
+/** A form with hidden fields and one button. */
+function kvFormCampi(string $indirizzo, array $campi): string
+{
+    $form = '<form class="pagamento" name="kvPagamento" method="post" action="' . kvHtml($indirizzo) . '">';
+    foreach ($campi as $nome => $valore) {
+        $form .= '<input type="hidden" name="' . kvHtml((string) $nome) . '" value="' . kvHtml((string) $valore) . '">';
+    }
+    return $form . '<button type="submit">' . kvHtml("<<4-paga_ora>>") . '</button></form>';
+}
+
+/** What the visitor reads instead of a button; the order stands. */
+function kvPagamentoAssente(): string
+{
+    $pagato = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
+    return '<p class="avviso">' . kvHtml($pagato ? "<<4-pay_ok>>" : "<<4-pagamento_non_attivo>>") . '</p>';
+}
+
+/**
+ * The form that takes the shopper to the payment service. While the address or the merchant's code is missing the
+ * module isn't in use yet: the visitor reads so.
+ */
+function kvFormPagamento(string $indirizzo, string $codiceNegozio, array $campi): string
+{
+    $pronto = kvServizioAmmesso($indirizzo) && $codiceNegozio !== '' && kvDaPagare();
+    return $pronto ? kvFormCampi($indirizzo, $campi) : kvPagamentoAssente();
+}
+
+/**
+ * The form of a descriptor whose module has a script of its own, which it leads to with the order on the page. `conto`
+ * stays on the server: the script finds it by kvInizioPagamento.
+ */
+function kvFormModulo(string $azione, array $conto = []): string
+{
+    $ordine = kvOrdineInCorso();
+    if (!kvDaPagare()) {
+        return kvPagamentoAssente();
+    }
+    $_SESSION['conto'] = $conto;
+    return kvFormCampi($azione, ['gettone' => kvGettone(), 'ordine' => $ordine['codice'],
+        'importo' => (string) kvCentesimi($ordine)]);
+}
+
+/** The signature of fields: HMAC-SHA-256 over "name=value" joined by "&", values percent-coded, in hexadecimal. */
+function kvFirma(array $campi, string $chiave): string
+{
+    return hash_hmac('sha256', http_build_query($campi, '', '&', PHP_QUERY_RFC3986), $chiave);
 }
 
 /** The fields that tell a service of the order in progress: shop, order, amount in cents, and where to go back to. */
@@ -88,63 +136,16 @@ function kvCampiPagamento(string $codiceNegozio, string $valutaServizio, string 
         'importo' => (string) kvCentesimi($ordine),
         'valuta' => $valutaServizio,
         'email' => (string) $ordine['email'],
+        'lingua' => "<<4-codice_lingua>>",
         'ritorno' => kvIndirizzo("payok<<1-IDlingua>>.php"),
         'annullo' => kvIndirizzo("payerr<<1-IDlingua>>.php"),
     ];
-}
-
-/** A page that takes the shopper on: the form of kvFormPagamento, sent by itself where scripts run. Never returns. */
-function kvPaginaPagamento(string $form): void
-{
-    echo '<!DOCTYPE html><html lang="<<4-codice_lingua>>"><head><meta charset="windows-1252"><title>'
-        . kvHtml("<<4-ordine_pagamento>>") . '</title></head><body>' . $form
-        . '<script>if (document.kvPagamento) { document.kvPagamento.submit(); }</script></body></html>';
-    exit;
 }
 
 /** A free text of the merchant: HTML when it holds tags, else plain lines. */
 function kvTestoLibero(string $testo): string
 {
     return preg_match('/<.*>/s', $testo) ? $testo : nl2br(kvHtml($testo));
-}
-
-/**
- * Takes the notice of a payment service: the fields named by `nomi` must be signed with the key in the field `firma`,
- * and the amount must be the order's. Marks the order and answers; never returns.
- */
-function kvNotifica(array $nomi, string $chiave): void
-{
-    header('Content-Type: text/plain; charset=us-ascii');
-    $campi = [];
-    foreach ($nomi as $nome) {
-        $campi[$nome] = kvCampo($_POST, $nome);
-    }
-    if ($chiave === '' || !hash_equals(kvFirma($campi, $chiave), kvCampo($_POST, 'firma'))) {
-        http_response_code(403);
-        die('KO');
-    }
-    // The code may stand behind a word: "Ordine 260131-A1B2C3".
-    $parole = explode(' ', $campi['ordine'] ?? '');
-    $ordine = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [end($parole)]);
-    if ($ordine === null || (string) kvCentesimi($ordine) !== ($campi['importo'] ?? '')) {
-        http_response_code(404);
-        die('KO');
-    }
-    kvStatoOrdine((string) $ordine['codice'], ($campi['esito'] ?? '') === 'OK' ? 'pagato' : 'rifiutato');
-    die('OK');
-}
-
-/** Sets the state of an order; a paid one stays paid. */
-function kvStatoOrdine(string $codice, string $stato): void
-{
-    kvQuery("UPDATE kv_ordini SET stato = ? WHERE codice = ? AND stato <> 'pagato'", [$stato, $codice]);
-}
-
-/** Sends the shopper to payok or payerr. */
-function kvEsitoPagamento(bool $pagato): void
-{
-    header('Location: ' . ($pagato ? "payok<<1-IDlingua>>.php" : "payerr<<1-IDlingua>>.php"), true, 303);
-    exit;
 }
 
 }

@@ -1,105 +1,173 @@
 <?php
 // ***1.0.7***
-// Prices of an article for the visitor's listino. The chain is the one of the build: the offer price as it stands,
-// else the list price by the department's factor (which holds the shop's discount); then VAT where prices include it.
-// Amounts are decimals of four places; a product with a rate passes through single precision, as in the build, so that
-// both arrive at the same cent.
+// Prices of an article for the visitor's listino, in whole numbers throughout.
+//
+// An amount of the database is a count of ten-thousandths. Its way to the price asked is the one of the build: the
+// offer price as it stands, else the list price by the department's factor (which holds the shop's discount); then VAT
+// where prices include it. A product with a rate passes through single precision, as in the build.
+// What is shown and charged is a count of the smallest unit shown, hundredths or whole units by the shop's decimals,
+// rounded once, half away from zero. From there on (cart, order, mails) everything counts in that unit: see
+// kvtotals.php.
 
-if (!function_exists('kvProdotto')) {
-
-/** An amount by a rate, rounded like the build's: single precision, then four decimals, halves to even. */
-function kvProdotto(float $importo, float $tasso): float
+/** An amount of the database, as "12.5000", in ten-thousandths. */
+function kvDecimillesimi($importo): int
 {
-    $singola = unpack('g', pack('g', $importo * $tasso))[1];
-    return round($singola, 4, PHP_ROUND_HALF_EVEN);
+    return (int) round((float) $importo * 10000);
 }
 
-/** An amount with VAT added where the shop shows it. */
-function kvConIva(float $importo, float $aliquota, bool $compresa): float
+/** Ten-thousandths by a rate, like the build's: double, then single precision, then ties to the even number. */
+function kvProdotto(int $importo, float $tasso): int
+{
+    $singola = unpack('g', pack('g', $importo / 10000 * $tasso))[1];
+    // Exact: 24 bits of a single times 14 of the factor.
+    $esatto = $singola * 10000.0;
+    $intero = (int) floor($esatto);
+    $resto = $esatto - floor($esatto);
+    return $resto > 0.5 || ($resto === 0.5 && $intero % 2 !== 0) ? $intero + 1 : $intero;
+}
+
+/** Ten-thousandths with VAT added where the shop shows it. */
+function kvConIva(int $importo, float $aliquota, bool $compresa): int
 {
     return $compresa ? $importo + kvProdotto($importo, $aliquota) : $importo;
 }
 
+/** How many smallest units make one: 100 with decimals shown, else 1. */
+function kvScala(): int
+{
+    return $GLOBALS['visdec'][0] ? 100 : 1;
+}
+
+/** Ten-thousandths in smallest units, a half away from zero. */
+function kvMinimi(int $importo, int $scala): int
+{
+    $unita = intdiv(10000, $scala);
+    $valore = intdiv(abs($importo) * 2 + $unita, $unita * 2);
+    return $importo < 0 ? -$valore : $valore;
+}
+
 /**
  * The prices of an article row. `aliquota` is a fraction, `fattore` the department's factor for the listino.
- * Result: listino (list price), prezzo (price asked), offerta (it is an offer), sconto (percent, 0 when none).
+ * Result: listino (list price) and prezzo (price asked), both in ten-thousandths, offerta (it is an offer), ridotto
+ * (another price than the list price is asked), sconto (percent, 0 when none).
  */
 function kvPrezzi(array $riga, int $listino, float $aliquota, float $fattore, bool $compresa): array
 {
     $suffisso = $listino === 0 ? '' : (string) $listino;
-    $pieno = (float) ($riga['implistino' . $suffisso] ?? 0);
-    $chiesto = (float) ($riga['importo' . $suffisso] ?? 0);
-    $offerta = $chiesto !== $pieno;
-    if (!$offerta && $fattore !== 1.0) {
-        $chiesto = kvProdotto($pieno, $fattore);
+    $pieno = kvDecimillesimi($riga['implistino' . $suffisso] ?? 0);
+    $chiesto = kvDecimillesimi($riga['importo' . $suffisso] ?? 0);
+    $prezzi = ['listino' => kvConIva($pieno, $aliquota, $compresa), 'offerta' => $chiesto !== $pieno, 'sconto' => 0.0];
+    if ($prezzi['offerta']) {
+        $prezzi['prezzo'] = kvConIva($chiesto, $aliquota, $compresa);
+        if ($prezzi['listino'] > $prezzi['prezzo'] && $prezzi['listino'] !== 0) {
+            $prezzi['sconto'] = round((1 - $prezzi['prezzo'] / $prezzi['listino']) * 100, 2);
+        }
+    } elseif ($fattore !== 1.0) {
+        $prezzi['prezzo'] = kvConIva(kvProdotto($pieno, $fattore), $aliquota, $compresa);
+        $prezzi['sconto'] = max(0.0, round(100 - 100 * $fattore, 2));
+    } else {
+        $prezzi['prezzo'] = $prezzi['listino'];
     }
-    $prezzi = [
-        'listino' => kvConIva($pieno, $aliquota, $compresa),
-        'prezzo' => kvConIva($chiesto, $aliquota, $compresa),
-        'offerta' => $offerta,
-        'sconto' => 0.0,
-    ];
-    if ($prezzi['listino'] > $prezzi['prezzo'] && $prezzi['listino'] !== 0.0) {
-        $prezzi['sconto'] = round((1 - $prezzi['prezzo'] / $prezzi['listino']) * 100, 2);
-    }
+    $prezzi['ridotto'] = $prezzi['offerta'] || $fattore !== 1.0;
     return $prezzi;
 }
 
-/** An amount in the shop's notation (0: 1.000,00; 1: 1,000.00), with two decimals or none. */
-function kvFormato(float $importo, bool $decimali, int $notazione): string
+/** Smallest units in the shop's notation (0: 1.000,00; 1: 1,000.00). */
+function kvFormato(int $minimi, int $scala, int $notazione): string
 {
+    $decimali = $scala === 100 ? 2 : 0;
     return $notazione === 1
-        ? number_format($importo, $decimali ? 2 : 0, '.', ',')
-        : number_format($importo, $decimali ? 2 : 0, ',', '.');
+        ? number_format($minimi / $scala, $decimali, '.', ',')
+        : number_format($minimi / $scala, $decimali, ',', '.');
 }
 
-/** An amount for scripts: decimal point, no thousands separator, the decimals of the first currency. */
-function kvNumeroScript(float $importo, bool $decimali): string
+/** Smallest units for scripts: decimal point, no thousands separator. */
+function kvNumeroScript(int $minimi, int $scala): string
 {
-    return number_format($importo, $decimali ? 2 : 0, '.', '');
+    return number_format($minimi / $scala, $scala === 100 ? 2 : 0, '.', '');
 }
 
-/** An amount with the label of the first currency. */
-function kvTestoImporto(float $importo): string
+/** Smallest units with the label of the first currency. */
+function kvTestoMinimi(int $minimi): string
 {
-    global $valuta, $visdec, $notazione;
-    return $valuta[0] . kvFormato($importo, (bool) $visdec[0], (int) $notazione);
+    return $GLOBALS['valuta'][0] . kvFormato($minimi, kvScala(), (int) $GLOBALS['notazione']);
 }
 
-/** The same amount in the second currency, empty when the shop shows none. */
+/** Ten-thousandths as they are shown. */
+function kvTestoImporto(int $importo): string
+{
+    return kvTestoMinimi(kvMinimi($importo, kvScala()));
+}
+
+/** An amount (in units) in the second currency, empty when the shop shows none. Fifteen digits of it count. */
 function kvTestoCambio(float $importo): string
 {
     global $valuta, $visdec, $notazione, $cambio;
     if ($cambio <= 0) {
         return '';
     }
-    return $valuta[1] . kvFormato($importo / $cambio, (bool) $visdec[1], (int) $notazione);
+    $scala = $visdec[1] ? 100 : 1;
+    $valore = (float) sprintf('%.14e', $importo / $cambio * $scala);
+    $minimi = (int) floor(abs($valore) + 0.5);
+    return $valuta[1] . kvFormato($valore < 0 ? -$minimi : $minimi, $scala, (int) $notazione);
 }
 
-/** Loads a department: its factors and VAT, and which listini it is closed to. An unknown one is open and plain. */
-function SetVariables(string $reparto): void
+/**
+ * Departments as SetVariables keeps them, by their keys: [closed by listino, factor by listino, VAT]. One query at most;
+ * an unknown department is open and plain.
+ */
+function kvLeggiReparti(array $codici): array
 {
-    global $inaccessibile, $scontorep, $ivarep;
     static $letti = [];
-    if (!isset($letti[$reparto])) {
-        $riga = kvRiga('SELECT * FROM categorie WHERE ID = ?', [$reparto]) ?? [];
+    $mancanti = array_diff($codici, array_keys($letti));
+    if ($mancanti === []) {
+        return $letti;
+    }
+    // A FLOAT comes with six digits unless it is made a DOUBLE; the factor needs all of its own.
+    $colonne = 'ID, iva + 0e0 AS iva';
+    foreach (['', 1, 2, 3, 4, 5, 6, 7, 8, 9] as $suffisso) {
+        $colonne .= ", sconto$suffisso + 0e0 AS sconto$suffisso, inaccessibile$suffisso";
+    }
+    $elenco = implode("','", array_map('mysql_real_escape_string', $mancanti));
+    $righe = array_fill_keys($mancanti, []);
+    $esito = mysql_query("SELECT $colonne FROM categorie WHERE ID IN ('$elenco')");
+    while ($riga = mysql_fetch_assoc($esito)) {
+        $righe[$riga['ID']] = $riga;
+    }
+    foreach ($righe as $codice => $riga) {
         $fattori = [];
         $chiusi = [];
-        for ($n = 0; $n < 10; $n++) {
-            $suffisso = $n === 0 ? '' : (string) $n;
-            $fattori[] = (float) ($riga['sconto' . $suffisso] ?? 1.0);
-            $chiusi[] = (int) ($riga['inaccessibile' . $suffisso] ?? 0);
+        foreach (['', 1, 2, 3, 4, 5, 6, 7, 8, 9] as $suffisso) {
+            $fattori[] = (float) ($riga["sconto$suffisso"] ?? 1.0);
+            $chiusi[] = (int) ($riga["inaccessibile$suffisso"] ?? 0);
         }
-        $letti[$reparto] = [$chiusi, $fattori, (float) ($riga['iva'] ?? 0)];
+        $letti[$codice] = [$chiusi, $fattori, (float) ($riga['iva'] ?? 0)];
     }
-    list($inaccessibile, $scontorep, $ivarep) = $letti[$reparto];
+    return $letti;
 }
 
-/** The prices of an article row for this visitor; SetVariables of its department has run. */
+/** Loads a department: its factors and VAT, and which listini it is closed to. */
+function SetVariables($reparto): void
+{
+    global $inaccessibile, $scontorep, $ivarep;
+    $reparto = (string) $reparto;
+    list($inaccessibile, $scontorep, $ivarep) = kvLeggiReparti([$reparto])[$reparto];
+}
+
+/** The prices of an article row for this visitor; SetVariables of its department has run. Kept for the last row. */
 function kvPrezziVisitatore(array $riga): array
 {
+    static $ultima = null;
+    static $regole = [];
+    static $prezzi = [];
     global $listino, $ivacompresa, $scontorep, $ivarep;
-    return kvPrezzi($riga, $listino, (float) $ivarep, (float) $scontorep[$listino], (bool) $ivacompresa);
+    $attuali = [$listino, (float) $ivarep, (float) $scontorep[$listino], (bool) $ivacompresa];
+    if ($riga !== $ultima || $attuali !== $regole) {
+        $prezzi = kvPrezzi($riga, ...$attuali);
+        $ultima = $riga;
+        $regole = $attuali;
+    }
+    return $prezzi;
 }
 
 /**
@@ -122,20 +190,39 @@ function kvPrezziNascosti(): bool
     return $regpr && ($cliente === 0 || ($listino === 0 && kvLimiteListinoBase()));
 }
 
-/** One article by its number with all its columns, null when it isn't in the shop. Sets its department. */
+/** Whether this visitor may not order: not registered where that is asked for, or of the base listino. */
+function kvAcquistoNegato(): bool
+{
+    global $cliente, $listino, $regobbl;
+    return kvPrezziNascosti() || ($cliente > 0 && $listino === 0 && $regobbl && kvLimiteListinoBase());
+}
+
+/** Articles by their numbers, with all their columns; those that aren't in the shop are missing. One query at most. */
+function kvArticoli(array $numeri): array
+{
+    static $letti = [];
+    $mancanti = array_values(array_diff(array_map('intval', $numeri), array_keys($letti)));
+    if ($mancanti !== []) {
+        $tabella = kvTabellaLingua('articoli');
+        $letti += array_fill_keys($mancanti, null);
+        $righe = kvQuery("SELECT *, $tabella.pagina AS linkPage FROM $tabella INNER JOIN dettaglio USING (ID)"
+            . " INNER JOIN ordinamento USING (ID) WHERE $tabella.ID IN ("
+            . implode(',', array_fill(0, count($mancanti), '?')) . ')', $mancanti);
+        foreach ($righe ?? [] as $riga) {
+            $letti[(int) $riga['ID']] = $riga;
+        }
+    }
+    return array_filter(array_intersect_key($letti, array_flip(array_map('intval', $numeri))));
+}
+
+/** One article by its number, null when it isn't in the shop. Sets its department. */
 function kvArticolo(int $id): ?array
 {
-    global $Lingua;
-    static $letti = [];
-    if (!array_key_exists($id, $letti)) {
-        $tabella = 'articoli' . (preg_match('/^_l[2-4]$/', $Lingua) ? $Lingua : '');
-        $letti[$id] = kvRiga("SELECT *, $tabella.pagina AS linkPage FROM $tabella INNER JOIN dettaglio USING (ID)"
-            . " INNER JOIN ordinamento USING (ID) WHERE $tabella.ID = ?", [$id]);
+    $riga = kvArticoli([$id])[$id] ?? null;
+    if ($riga !== null) {
+        SetVariables($riga['catID']);
     }
-    if ($letti[$id] !== null) {
-        SetVariables((string) $letti[$id]['catID']);
-    }
-    return $letti[$id];
+    return $riga;
 }
 
 /** The price text of an article of the showcase. */
@@ -152,7 +239,5 @@ function ArtPrice($id): string
 function ArtCambio($id): string
 {
     $riga = kvArticolo((int) $id);
-    return $riga === null || kvPrezziNascosti() ? '' : kvTestoCambio(kvPrezziVisitatore($riga)['prezzo']);
-}
-
+    return $riga === null || kvPrezziNascosti() ? '' : kvTestoCambio(kvPrezziVisitatore($riga)['prezzo'] / 10000);
 }

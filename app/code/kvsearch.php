@@ -1,40 +1,69 @@
 <?php
+// ***1.0.7***
 // The search of the shop: finds the words in code, title, subtitle, description and notes, and prints the page
-// search.htm with one row of results.htm for each article found. Departments closed to the visitor stay out.
-// The build may redirect the links of the results to the single article (setting singleitem_search), by the line
-// that fills $fpagina: that line must stay as it stands.
+// search.htm with one row of results.htm for each article found. Departments closed to the visitor and hidden ones stay
+// out. Upper and lower case and accents don't count: "perche" finds "Perché".
 include "funcs.php";
 
-/** The words of a request, at most eight, each of at least two letters. */
+/** What parts whole words from one another in a text. */
+const KV_TRA_PAROLE = " \t\r\n\xA0,;.:!?\"()[]{}<>/\\|'`\x91\x92\x93\x94\xAB\xBB*+=-_#&%$^~@";
+
+/** The words of a request, at most eight, each of at least two letters, without the marks around them. */
 function kvParole(string $testo): array
 {
-    $parole = preg_split('/[\s,;.:!?"()]+/', $testo, -1, PREG_SPLIT_NO_EMPTY);
-    return array_slice(array_values(array_filter($parole, fn($parola) => strlen($parola) > 1)), 0, 8);
+    $parole = [];
+    foreach (preg_split('/[\s\xA0]+/', $testo, -1, PREG_SPLIT_NO_EMPTY) as $parola) {
+        $nuda = trim($parola, KV_TRA_PAROLE);
+        $parole[] = strlen($nuda) > 1 ? $nuda : $parola;
+    }
+    $lunghe = array_filter(array_unique($parole), fn($parola) => strlen($parola) > 1);
+    return array_slice(array_values($lunghe), 0, 8);
 }
 
-/** The articles that hold all words, or any of them; whole words only when asked for. */
-function kvTrova(array $parole, bool $tutte, bool $intere): array
+/** The expression of a text in which each mark between words is a blank. */
+function kvTestoAParole(string $campo): string
 {
-    global $Lingua, $listino;
-    $tabella = 'articoli' . (preg_match('/^_l[2-4]$/', $Lingua) ? $Lingua : '');
-    $campo = "CONCAT_WS(' ', codice, plain_titolo, plain_sottotitolo, descrizione, note)";
-    $prove = [];
-    $valori = [];
-    foreach ($parole as $parola) {
-        if ($intere) {
-            $prove[] = "$campo REGEXP ?";
-            $valori[] = '(^|[^[:alnum:]])' . preg_quote($parola) . '([^[:alnum:]]|$)';
-        } else {
-            $prove[] = "$campo LIKE ?";
-            $valori[] = '%' . addcslashes($parola, '%_\\') . '%';
-        }
+    foreach (str_split(KV_TRA_PAROLE) as $segno) {
+        $campo = "REPLACE($campo, '" . mysql_real_escape_string($segno) . "', ' ')";
     }
-    $chiuso = 'categorie.inaccessibile' . ($listino === 0 ? '' : (string) $listino);
-    return kvQuery(
-        "SELECT *, $tabella.ID AS artID, $tabella.pagina AS linkPage FROM $tabella INNER JOIN dettaglio USING (ID)"
-        . " INNER JOIN ordinamento USING (ID) INNER JOIN categorie ON categorie.ID = catID"
-        . " WHERE $chiuso = 0 AND (" . implode($tutte ? ' AND ' : ' OR ', $prove) . ')'
-        . ' ORDER BY plain_titolo LIMIT 1000', $valori) ?? [];
+    return "CONCAT(' ', $campo, ' ')";
+}
+
+/** The condition that finds the words, all or any of them, whole ones or parts; its values go to `valori`. */
+function kvCondizione(array $parole, bool $tutte, bool $intere, array &$valori): string
+{
+    $campo = "CONCAT_WS(' ', codice, plain_titolo, plain_sottotitolo, descrizione, note)";
+    // One collation for all servers, whatever the tables have: case and accents fold.
+    $come = "CONVERT(%s USING utf8mb4) COLLATE utf8mb4_general_ci LIKE ?";
+    $prove = [];
+    foreach ($parole as $parola) {
+        $prova = sprintf($come, $campo);
+        $valori[] = '%' . addcslashes($parola, '%_\\') . '%';
+        if ($intere) {
+            $prova .= ' AND ' . sprintf($come, kvTestoAParole($campo));
+            $valori[] = '% ' . strtr($parola, KV_TRA_PAROLE, str_repeat(' ', strlen(KV_TRA_PAROLE))) . ' %';
+        }
+        $prove[] = "($prova)";
+    }
+    return implode($tutte ? ' AND ' : ' OR ', $prove);
+}
+
+/** How many articles the search finds, and those of one page of results. */
+function kvTrova(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
+{
+    global $listino;
+    $tabella = kvTabellaLingua('articoli');
+    $valori = [];
+    $da = " FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento USING (ID)"
+        . ' INNER JOIN categorie ON categorie.ID = catID WHERE categorie.inaccessibile' . ($listino ?: '')
+        . ' = 0 AND nascosto = 0 AND (' . kvCondizione($parole, $tutte, $intere, $valori) . ')';
+    $quanti = (int) (kvRiga('SELECT COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
+    $pagina = max(1, min($pagina, (int) ceil($quanti / $perPagina)));
+    $righe = $quanti === 0 ? [] : kvQuery(
+        "SELECT $tabella.ID, codice, plain_titolo, plain_sottotitolo, immagine3, $tabella.pagina AS linkPage,"
+        . " $tabella.pagina, sottopagina, contatore$da ORDER BY plain_titolo, $tabella.ID LIMIT ? OFFSET ?",
+        array_merge($valori, [$perPagina, ($pagina - 1) * $perPagina]));
+    return [$quanti, $righe ?? [], $pagina];
 }
 
 /** One result: the row template with page, code, title, subtitle and picture in it. */
@@ -43,10 +72,28 @@ function kvRigaRisultato(string $modello, string $pagina, array $rowArt): string
     return strtr($modello, [
         '$arg1' => kvHtml($pagina),
         '$arg2' => kvHtml((string) $rowArt['codice']),
-        '$arg3' => (string) $rowArt['plain_titolo'],
-        '$arg4' => (string) $rowArt['plain_sottotitolo'],
+        '$arg3' => kvTestoHtml((string) $rowArt['plain_titolo']),
+        '$arg4' => kvTestoHtml((string) $rowArt['plain_sottotitolo']),
         '$arg5' => (string) $rowArt['immagine3'],
     ]);
+}
+
+/** Links to the pages of results: the first, the last and those around the present one. */
+function kvPagineRisultati(string $testo, int $pagina, int $pagine): string
+{
+    $html = '';
+    $ultima = 0;
+    for ($numero = 1; $pagine > 1 && $numero <= $pagine; $numero++) {
+        if ($numero > 1 && $numero < $pagine && abs($numero - $pagina) > 3) {
+            continue;
+        }
+        $html .= $numero > $ultima + 1 ? ' &hellip;' : '';
+        $ultima = $numero;
+        $html .= $numero === $pagina
+            ? ' <strong aria-current="page">' . $numero . '</strong>'
+            : ' <a href="kvsearch<<1-IDlingua>>.php?q=' . rawurlencode($testo) . '&amp;p=' . $numero . '">' . $numero . '</a>';
+    }
+    return $html;
 }
 
 $kvTesto = kvCampo($HTTP_GET_VARS, 'q', 100);
@@ -55,23 +102,16 @@ $kvIntere = strpos(<<<'KORVANE_VALORI'
 <<1-java_sepsearch>>
 KORVANE_VALORI
 , 'sleft = "#"') !== false;
-$kvTrovati = $kvParole === [] ? [] : kvTrova($kvParole, "<<1-java_ANDORsearch>>" !== 'any', $kvIntere);
 $kvPerPagina = (int) "<<1-search_maxart>>" > 0 ? (int) "<<1-search_maxart>>" : 10;
-$kvPagine = max(1, (int) ceil(count($kvTrovati) / $kvPerPagina));
-$kvPagina = min($kvPagine, max(1, (int) kvCampo($HTTP_GET_VARS, 'p', 6)));
+list($kvQuanti, $kvTrovati, $kvPagina) = $kvParole === [] ? [0, [], 1] : kvTrova($kvParole,
+    "<<1-java_ANDORsearch>>" !== 'any', $kvIntere, $kvPerPagina, (int) kvCampo($HTTP_GET_VARS, 'p', 6));
 
 $kvModello = (string) @file_get_contents("results.htm");
 $kvRisultati = '';
 $fpagina = [];
-foreach (array_slice($kvTrovati, ($kvPagina - 1) * $kvPerPagina, $kvPerPagina) as $artFound => $rowArt) {
+foreach ($kvTrovati as $artFound => $rowArt) {
     $fpagina[$artFound]=$rowArt["linkPage"].".php?n=".$rowArt["sottopagina"]."#".$rowArt["contatore"];
     $kvRisultati .= kvRigaRisultato($kvModello, $fpagina[$artFound], $rowArt);
 }
-$kvNavigazione = '';
-for ($kvNumero = 1; $kvPagine > 1 && $kvNumero <= $kvPagine; $kvNumero++) {
-    $kvNavigazione .= $kvNumero === $kvPagina
-        ? ' <strong aria-current="page">' . $kvNumero . '</strong>'
-        : ' <a href="kvsearch<<1-IDlingua>>.php?q=' . rawurlencode($kvTesto) . '&amp;p=' . $kvNumero . '">'
-            . $kvNumero . '</a>';
-}
-include "search<<1-IDlingua>>.php";
+$kvNavigazione = kvPagineRisultati($kvTesto, $kvPagina, (int) ceil($kvQuanti / $kvPerPagina));
+include "search.htm";

@@ -1,32 +1,86 @@
 <?php
 // ***1.0.7***
-// Access of customers: for a visitor the forms of access and of registration, for a customer the way out.
-// logcheck.php takes all three.
+// The login page's forms, which logcheck.php takes. For a visitor: access, registration, a forgotten password, or with
+// the token of a mail in `g` the choice of a new one. For a customer: own data, password, the way out.
 $home = "index<<1-IDlingua>>.php";
-if ($cliente > 0) {
+if (!defined('KORVANE_SHOP')) {
+    exit;
+}
+include_once "kvaccount.php";
+$kvProprio = kvRigaCliente(kvClienteSessione());
+$kvGettoneMail = kvRichiestaValida(kvCampo($HTTP_GET_VARS, 'g', 64)) === '' ? '' : kvCampo($HTTP_GET_VARS, 'g', 64);
+$kvDopo = in_array((int) kvCampo($HTTP_GET_VARS, 'm', 4), [23], true) ? 'ordine' : '';
+$kvNascosti = '<input type="hidden" name="gettone" value="' . kvGettone() . '">'
+    . '<input type="hidden" name="dopo" value="' . $kvDopo . '">';
+if ($kvGettoneMail !== '') {
 ?>
+<form class="modulo" method="post" action="logcheck.php" accept-charset="windows-1252">
+<h2><<4-password_richiesta>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="ripristina">
+<input type="hidden" name="g" value="<?php echo kvHtml($kvGettoneMail); ?>">
+<label><<4-password_nuova>> <input type="password" name="pw" minlength="8" maxlength="100" autocomplete="new-password"
+  required></label>
+<p><button type="submit"><<4-salva>></button></p>
+</form>
+<?php
+} elseif ($kvProprio !== null) {
+    $kvEtichette = ['nome' => "<<4-ordine_nome>>", 'cognome' => "<<4-ordine_cognome>>", 'rsoc' => "<<4-ordine_rsoc>>",
+        'piva' => "<<4-ordine_piva>>", 'indirizzo' => "<<4-ordine_indirizzo>>", 'cap' => "<<4-ordine_cap>>",
+        'citta' => "<<4-ordine_citta>>", 'provincia' => "<<4-ordine_provincia>>", 'paese' => "<<4-ordine_paese>>",
+        'telefono' => "<<4-ordine_telefono>>"];
+    $kvCompilazione = ['nome' => 'given-name', 'cognome' => 'family-name', 'rsoc' => 'organization', 'piva' => 'off',
+        'indirizzo' => 'address-line1', 'cap' => 'postal-code', 'citta' => 'address-level2',
+        'provincia' => 'address-level1', 'paese' => 'country-name', 'telefono' => 'tel'];
+?>
+<p><<4-accesso_attivo>> (<?php echo kvHtml($kvProprio['email']); ?>)</p>
+<?php if ($clienteinattesa > 0) { ?>
+<p class="avviso" role="status"><<4-attesa_approvazione>></p>
+<?php } ?>
 <form class="modulo" method="post" action="logcheck.php">
-<p><<4-accesso_attivo>></p>
+<?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="esci">
-<input type="hidden" name="gettone" value="<?php echo kvGettone(); ?>">
 <p><button type="submit"><<4-esci>></button> <a href="<?php echo $home; ?>"><<4-torna_al_negozio>></a></p>
 </form>
+<div class="colonne">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="windows-1252">
+<h2><<4-dati_cliente>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="dati">
+<?php foreach ($kvEtichette as $kvNome => $kvEtichetta) { ?>
+<label><?php echo kvHtml($kvEtichetta); ?> <input name="<?php echo $kvNome; ?>" maxlength="<?php
+    echo KV_DATI_CLIENTE[$kvNome][1]; ?>" autocomplete="<?php echo $kvCompilazione[$kvNome]; ?>" value="<?php
+    echo kvHtml($kvProprio[$kvNome]); ?>"<?php echo $kvNome === 'nome' || $kvNome === 'cognome' ? ' required' : ''; ?>></label>
+<?php } ?>
+<p><button type="submit"><<4-salva>></button></p>
+</form>
+<form class="modulo" method="post" action="logcheck.php">
+<h2><<4-password>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="password">
+<label><<4-password_attuale>> <input type="password" name="attuale" maxlength="100" autocomplete="current-password"
+  required></label>
+<label><<4-password_nuova>> <input type="password" name="pw" minlength="8" maxlength="100" autocomplete="new-password"
+  required></label>
+<p><button type="submit"><<4-salva>></button></p>
+</form>
+</div>
 <?php
 } else {
 ?>
 <div class="colonne">
 <form class="modulo" method="post" action="logcheck.php">
 <h2><<4-accesso_titolo>></h2>
+<?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="entra">
-<input type="hidden" name="gettone" value="<?php echo kvGettone(); ?>">
 <label><<4-ordine_email>> <input type="email" name="email" maxlength="190" autocomplete="username" required></label>
 <label><<4-password>> <input type="password" name="pw" maxlength="100" autocomplete="current-password" required></label>
 <p><button type="submit"><<4-entra>></button></p>
 </form>
-<form class="modulo" method="post" action="logcheck.php">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="windows-1252">
 <h2><<4-registrazione_titolo>></h2>
+<?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="registra">
-<input type="hidden" name="gettone" value="<?php echo kvGettone(); ?>">
 <label><<4-ordine_nome>> <input name="nome" maxlength="100" autocomplete="given-name" required></label>
 <label><<4-ordine_cognome>> <input name="cognome" maxlength="100" autocomplete="family-name" required></label>
 <label><<4-ordine_email>> <input type="email" name="email" maxlength="190" autocomplete="email" required></label>
@@ -35,6 +89,13 @@ if ($cliente > 0) {
 <label class="spunta"><input type="checkbox" name="privacy" value="1" required>
   <span><<4-consenso_privacy>> (<a href="datipers.htm"><<4-menu_privacy>></a>)</span></label>
 <p><button type="submit"><<4-registrati>></button></p>
+</form>
+<form class="modulo" method="post" action="logcheck.php">
+<h2><<4-password_dimenticata>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="richiedi">
+<label><<4-ordine_email>> <input type="email" name="email" maxlength="190" autocomplete="email" required></label>
+<p><button type="submit"><<4-invia>></button></p>
 </form>
 </div>
 <?php

@@ -1,111 +1,114 @@
 <?php
-// Tests of the shop's arithmetic and of the texts that guard a page: price_test.php FOLDER, where FOLDER holds the
-// expanded scripts (sample_shop.py makes it). Needs no database: what asks one isn't called here.
-
-error_reporting(E_ALL);
-set_error_handler(function (int $kind, string $what, string $file, int $line): bool {
-    throw new ErrorException($what, 0, $kind, $file, $line);
-});
-
-$folder = $argv[1] ?? '';
-if (!is_file("$folder/kvprice.php")) {
-    fwrite(STDERR, "usage: price_test.php FOLDER\n");
-    exit(2);
-}
-foreach (['kvdb', 'kvcontext', 'kvprice', 'kvarticle', 'kvcart', 'kvpay'] as $script) {
-    include_once "$folder/$script.php";
-}
-
-// The settings that funcs.php takes from the build.
-$ivacompresa = 1;
-$visdec = [1, 0, 2];
-$vissconto = 1;
-$valuta = ['EUR ', 'Lit. '];
-$cambio = 0;
-$notazione = 0;
-$regobbl = 0;
-$regpr = 0;
-$subtitleincart = 0;
-$visofferta = '<img src="kvan_offerta.gif">';
-$visnovita = '';
-$Lingua = '';
-$cliente = 0;
-$listino = 0;
-$scontorep = array_fill(0, 10, 1.0);
-$ivarep = 0.22;
+// Tests of an article's prices and of the texts that guard a page: price_test.php FOLDER. Needs no database.
+include __DIR__ . '/harness.php';
+shopScripts(['kvdb', 'kvcontext', 'kvprice', 'kvarticle', 'kvvariant', 'kvpay']);
 
 /** A row of the article tables: price 100, on offer at $offer when given. */
 function article(?float $offer = null): array
 {
     return ['ID' => 5, 'codice' => 'A1', 'plain_titolo' => 'Vaso', 'cart_articolo' => 'A1 Vaso', 'cart_peso' => '.5',
         'contatore' => '3', 'implistino' => '100.0000', 'importo' => (string) ($offer ?? 100), 'implistino1' => '80.0000',
-        'importo1' => '80.0000', 'scq' => '1', 'scqart0' => '3', 'scqperc0' => '.9', 'scqart1' => '10', 'scqperc1' => '.8'];
+        'importo1' => '80.0000', 'scq' => '1', 'scqart0' => '10', 'scqperc0' => '.8', 'scqart1' => '3', 'scqperc1' => '.9',
+        'iva' => '+ IVA 22%', 'plain_sottotitolo' => ''];
 }
 
-$tables = kvLeggiScript('impord1=new Array(50,50); impspese1=new Array(9.00,4); impord2=new Array(100,100);'
-    . ' impspese2=new Array(5.00,2); impspese3=new Array(0,0); imppeso1=new Array(1,1); impspp1=new Array(3,3);'
-    . ' impspp10=new Array(20,20); var SpOk=\'10\'; var IvaOk=\'10\'; var PutDec= 1; aliquotaspese = .22;'
-    . ' var scimp = new Array( 0, 200); var scperc = new Array( 1, .9); ivacompresa = "0"; tipopeso = "0";');
-$line = fn(float $price, int $pieces, float $vat = 0.0): array =>
-    ['importo' => $price, 'quantita' => $pieces, 'iva' => $vat, 'peso' => 0.5];
+/** A rate as a FLOAT column holds it. */
+function single(float $value): float
+{
+    return unpack('g', pack('g', $value))[1];
+}
 
-$tests = [
-    'AnOfferPriceWinsOverTheDepartmentDiscount' => fn() =>
-        [['listino' => 122.0, 'prezzo' => 97.6, 'offerta' => true, 'sconto' => 20.0], kvPrezzi(article(80), 0, 0.22, 0.9, true)],
-    'ADepartmentFactorLowersThePriceBeforeVat' => fn() =>
-        [['listino' => 122.0, 'prezzo' => 109.8, 'offerta' => false, 'sconto' => 10.0], kvPrezzi(article(), 0, 0.22, 0.9, true)],
-    'AFactorOfOneLeavesThePriceAlone' => fn() => [100.0, kvPrezzi(article(), 0, 0.22, 1.0, false)['prezzo']],
-    'AnotherListinoHasItsOwnPrice' => fn() => [80.0, kvPrezzi(article(50), 1, 0.22, 1.0, false)['prezzo']],
-    'ARowWithoutPricesCostsNothing' => fn() => [0.0, kvPrezzi([], 3, 0.22, 0.9, true)['prezzo']],
-    'AProductPassesThroughSinglePrecision' => fn() => [24197.3008, kvProdotto(109987.73, 0.22)],
-    'ItalianNotationHasAPointForThousands' => fn() => ['1.234,50', kvFormato(1234.5, true, 0)],
-    'EnglishNotationHasACommaForThousands' => fn() => ['1,235', kvFormato(1234.6, false, 1)],
-    'ANumberForScriptsHasNoThousandsSeparator' => fn() => ['1234.50', kvNumeroScript(1234.5, true)],
-    'PlainNumbersOfTheBuildAreRead' => fn() => [[0.0, 200.0], $tables['scimp']],
-    'AFractionWithoutAZeroIsRead' => fn() => [0.22, $tables['aliquotaspese']],
-    'AnOrderUpToTheFirstAmountPaysTheFirstShipping' => fn() =>
-        [9.0, kvTotali([$line(50, 1)], 1, 1, $tables, 0, 0)['spese']],
-    'ShippingGoesByTheSlotOfMethodAndZone' => fn() => [4.0, kvTotali([$line(50, 1)], 1, 2, $tables, 0, 0)['spese']],
-    'AnOrderAboveTheSecondAmountShipsAtTheThirdPrice' => fn() => [0.0, kvTotali([$line(101, 1)], 1, 1, $tables, 0, 0)['spese']],
-    'WeightDecidesWhenTheShopSaysSo' => fn() =>
-        [3.0, kvTotali([$line(50, 2)], 1, 1, ['tipopeso' => '1'] + $tables, 0, 0)['spese']],
-    'AWeightAboveAllLimitsPaysTheLastPrice' => fn() =>
-        [20.0, kvTotali([$line(50, 3)], 1, 1, ['tipopeso' => '1'] + $tables, 0, 0)['spese']],
-    'VatIsAddedInATaxedZone' => fn() => [22.0, kvTotali([$line(100, 1, 0.22)], 1, 1, $tables, 0, 0)['iva']],
-    'AZoneFreeOfVatPaysNone' => fn() => [0.0, kvTotali([$line(100, 1, 0.22)], 1, 2, $tables, 0, 0)['iva']],
-    'ShippingPaysVatWherePricesExcludeIt' => fn() => [1.98, kvTotali([$line(50, 1)], 1, 1, $tables, 0, 0)['ivaspese']],
-    'AMethodThatTheZoneForbidsIsNotAllowed' => fn() => [false, kvTotali([$line(50, 1)], 1, 2, $tables, 0, 0)['ammesso']],
-    'TheDiscountByAmountNeedsMoreThanTheAmount' => fn() => [0.0, kvTotali([$line(200, 1)], 1, 1, $tables, 1, 0)['sconto']],
-    'TheDiscountByAmountTakesItsPart' => fn() => [30.0, kvTotali([$line(300, 1)], 1, 1, $tables, 1, 0)['sconto']],
-    'APersonalDiscountReplacesTheOneByAmount' => fn() => [15.0, kvTotali([$line(300, 1)], 1, 1, $tables, 1, 5)['sconto']],
-    'AQuantityBelowTheFirstStepPaysInFull' => fn() => [1.0, kvFattoreQuantita(article(), 0, 2)],
-    'AQuantityOnAStepGetsItsFactor' => fn() => [0.8, kvFattoreQuantita(article(), 0, 10)],
-    'AListinoWithoutQuantityDiscountHasNone' => fn() => [1.0, kvFattoreQuantita(article(), 1, 10)],
-    'AnApostropheInAScriptTextIsEscaped' => fn() => ["d\\'Este %22blu%22 50%25", kvTestoScript("d'Este \"blu\" 50%")],
+/** Sets globals for one test. */
+function with(array $settings, callable $test)
+{
+    foreach ($settings as $name => $value) {
+        $GLOBALS[$name] = $value;
+    }
+    return $test();
+}
+
+$view = function (string $name, array $row) {
+    $GLOBALS['rowArt'] = $row;
+    return ViewArt($name);
+};
+$variant = '<option selected value="<< 2.50>>=.2#R%3D1|Misura: R1 Grande *">Grande * ( + EUR <<importo>> )</option>'
+    . '<option value="<<-1.00>>=0#|Misura: Piccola">Piccola ( - EUR <<importo>> )</option>'
+    . '<option value="<< 0>>=0#|Misura: Media">Media</option>';
+$taken = kvScomponiVariante(['nomeopzione' => 'Misura', 'opzione' => $variant, 'prima' => $variant]);
+$keys = array_keys($taken['voci']);
+$translated = kvScomponiVariante(['nomeopzione' => 'Size', 'prima' => $variant,
+    'opzione' => str_replace(['Misura', 'Grande', 'Piccola', 'Media'], ['Size', 'Large', 'Small', 'Medium'], $variant)]);
+$shorter = kvScomponiVariante(['nomeopzione' => 'Size', 'prima' => $variant,
+    'opzione' => '<option value="<< 0>>=0#|Size: Medium">Medium</option>']);
+
+runTests([
+    'AnOfferPriceWinsOverTheDepartmentDiscount' => fn() => [
+        ['listino' => 1220000, 'offerta' => true, 'sconto' => 20.0, 'prezzo' => 976000, 'ridotto' => true],
+        kvPrezzi(article(80), 0, single(0.22), single(0.9), true)],
+    'ADepartmentFactorLowersThePriceBeforeVat' => fn() => [
+        ['listino' => 1220000, 'offerta' => false, 'sconto' => 10.0, 'prezzo' => 1098000, 'ridotto' => true],
+        kvPrezzi(article(), 0, single(0.22), single(0.9), true)],
+    'AnOfferAboveTheListPriceShowsNoPercentage' => fn() =>
+        [0.0, kvPrezzi(article(120), 0, 0.0, 1.0, false)['sconto']],
+    'AFactorOfOneLeavesThePriceAlone' => fn() => [1000000, kvPrezzi(article(), 0, 0.22, 1.0, false)['prezzo']],
+    'AnotherListinoHasItsOwnPrice' => fn() => [800000, kvPrezzi(article(50), 1, 0.22, 1.0, false)['prezzo']],
+    'ARowWithoutPricesCostsNothing' => fn() => [0, kvPrezzi([], 3, 0.22, 0.9, true)['prezzo']],
+    'AProductPassesThroughSinglePrecision' => fn() => [241973008, kvProdotto(1099877300, single(0.22))],
+    'AProductsTieGoesToTheEvenNumber' => fn() => 
+        [[312, 938, -312], [kvProdotto(625, 0.5), kvProdotto(1875, 0.5), kvProdotto(-625, 0.5)]],
+    'SmallestUnitsRoundAHalfAwayFromZero' => fn() => [[101, -101, 100, 2, 1],
+        [kvMinimi(10050, 100), kvMinimi(-10050, 100), kvMinimi(10049, 100), kvMinimi(15000, 1), kvMinimi(14999, 1)]],
+    'ItalianNotationHasAPointForThousands' => fn() => ['1.234,50', kvFormato(123450, 100, 0)],
+    'EnglishNotationHasACommaForThousands' => fn() => ['1,235', kvFormato(1235, 1, 1)],
+    'ANumberForScriptsHasNoThousandsSeparator' => fn() => ['1234.50', kvNumeroScript(123450, 100)],
+    'ThePriceOfThePageIsRoundedToTheDecimalsShown' => fn() => ['EUR 12', with(
+        ['visdec' => [0, 0, 2]], fn() => $view('prezzo', ['importo' => '9.9999', 'implistino' => '9.9999'] + article()))],
+    'AStruckPriceStandsWhereALowerOneIsAsked' => fn() => ['<s>EUR 122,00</s>', $view('prezzo_barrato', article(80))],
+    'NoStruckPriceStandsWhereTheListPriceIsAsked' => fn() => ['', $view('prezzo_barrato', article())],
+    'TheOfferMarkCarriesThePercentage' => fn() =>
+        ['<img src="kvan_offerta.gif"> <span class="sconto">-20%</span>', $view('offerta', article(80))],
+    'TheSecondCurrencyDividesByTheRate' => fn() =>
+        ['Lit. 236.224', with(['cambio' => 0.00051646], fn() => $view('cambio', article()))],
+    'ReservedPricesAreNotShownToVisitors' => fn() => [['Prezzo riservato ai clienti registrati', '', '', '', ''], with(
+        ['regpr' => 1], fn() => [$view('prezzo', article(80)), $view('listino', article(80)), $view('cart_prezzo', article()),
+            $view('iva', article()), $view('offerta', article(80))])],
+    'ReservedPricesLeadToTheLoginPage' => fn() => ["javascript:self.location='login.php?m=23';\" "
+        . "onMouseOver=\"window.status=''; return true", with(['regpr' => 1], fn() => $view('java_acquista', article()))],
+    'AnUnknownTagOfAnArticleIsEmpty' => fn() => ['', $view('nonesiste', article())],
+    'ATagOutsideAnyArticleIsEmpty' => fn() => ['', with(['rowArt' => false], fn() => ViewArt('titolo'))],
+    'QuantityStepsComeByRisingQuantity' => fn() => [[[3, 900000], [10, 800000]], kvScaglioni(article(), 0)],
+    'AListinoWithoutQuantityDiscountHasNoSteps' => fn() => [[], kvScaglioni(article(), 1)],
+    'QuantityStepsAreToldInWords' => fn() =>
+        ['<ul class="scaglioni"><li>Da 3: -10%</li><li>Da 10: -20%</li></ul>', $view('scaglioni', article())],
+    'AVariantValueIsTakenApart' => fn() => [
+        ['attributi' => 'selected', 'prezzo' => 25000, 'peso' => '.2', 'cifrato' => 'R%3D1', 'codice' => 'R=1',
+         'etichetta' => 'Misura: R1 Grande *', 'testo' => 'Grande * ( + EUR <<importo>> )'], $taken['voci'][$keys[0]]],
+    'AVariantKeepsItsKeysInAnotherLanguage' => fn() => [$keys, array_keys($translated['voci'])],
+    'AValueWithoutTranslationHasItsOwnKey' => fn() => [false, in_array(array_keys($shorter['voci'])[0], $keys, true)],
+    'TwoEqualValuesHaveTwoKeys' => fn() => [2, count(kvScomponiVariante(['nomeopzione' => '', 'prima' => '',
+        'opzione' => str_repeat('<option value="<< 0>>=0#|A: B">B</option>', 2)])['voci'])],
+    'ADifferenceFollowsFactorAndVat' => fn() =>
+        [275, with(['scontorep' => array_fill(0, 10, single(0.9)), 'ivarep' => single(0.22)],
+            fn() => kvDifferenza(25000, article()))],
+    'ADifferenceOfAnOfferIsNotDiscounted' => fn() =>
+        [305, with(['scontorep' => array_fill(0, 10, single(0.9)), 'ivarep' => single(0.22)],
+            fn() => kvDifferenza(25000, article(80)))],
+    'ANegativeDifferenceStaysNegative' => fn() => [-122, with(['ivarep' => single(0.22)], fn() => kvDifferenza(-10000, article()))],
+    'AnApostropheInAScriptTextIsEscaped' => fn() =>
+        ["d\\'Este %22blu%22 50%25 %3Cb%3E", kvTestoScript("d'Este \"blu\" 50% <b>")],
     'AnEscapedPageTextCannotOpenATag' => fn() => ['&lt;b&gt; &quot;&#039;', kvHtml("<b> \"'")],
+    'ALetterBeyondThePagesCodingStaysOne' => fn() => ['Wa&#322;&amp;lt;', kvHtml('Wa&#322;&lt;')],
+    'AForeignLetterReachesAMailInUtf8' => fn() => ["Wał \u{20AC} è", kvUtf8("Wa&#322; \x80 \xE8")],
+    'AReferenceToAControlLetterIsDropped' => fn() => ['ab', kvUtf8('a&#10;b')],
     'ATitleOfTagsBecomesPlainWords' => fn() => ['Vasi &gt; Blu', TestoSemplice('<font size="1">Vasi</font> &gt; <b>Blu</b>')],
     'AQuotedSettingComesBackAsItWas' => fn() => [['pa"ss\\\'x', 'b'], kvValori('pa\\"ss\\\\\'x' . "\r\n" . 'b')],
+    'ADatabaseAddressMayNameAPort' => fn() => [['db.example', 3307, null], kvServerDati('db.example:3307')],
+    'ADatabaseAddressMayNameASocket' => fn() => [['localhost', 0, '/run/x.sock'], kvServerDati('localhost:/run/x.sock')],
+    'ADatabaseAddressMayBeAHostAlone' => fn() => [['localhost', 0, null], kvServerDati(' localhost ')],
     'AnInnerQuoteOfTheBuyLinkClosesTheAddress' => fn() =>
         ["javascript:window.status='';Acquista('A1 Vaso','122.00','0',document.itemsform.qt3.value,'op13','op23','op33',"
-            . "'.5','op43',5,'3:0.9,10:0.8')\" onMouseOver=\"window.status=''; return true", kvAcquista(article())],
-    'AServiceWithoutAnAddressGetsNoForm' => fn() => [false, strpos(kvFormPagamento('', 'shop', []), '<form')],
-    'ASignatureDependsOnTheOrderOfTheFields' => fn() =>
-        [false, kvFirma(['a' => '1', 'b' => '2'], 'k') === kvFirma(['b' => '2', 'a' => '1'], 'k')],
-];
-
-$failed = 0;
-foreach ($tests as $name => $test) {
-    try {
-        list($wanted, $found) = $test();
-        if ($wanted === $found) {
-            continue;
-        }
-        $text = "wanted " . var_export($wanted, true) . "\n  found " . var_export($found, true);
-    } catch (Throwable $error) {
-        $text = get_class($error) . ': ' . $error->getMessage() . ' at line ' . $error->getLine();
-    }
-    echo "FAILED $name\n  $text\n";
-    $failed++;
-}
-echo count($tests) - $failed, ' of ', count($tests), " tests passed\n";
-exit($failed === 0 ? 0 : 1);
+            . "'.5','op43',5)\" onMouseOver=\"window.status=''; return true",
+            with(['ivarep' => single(0.22)], fn() => kvAcquista(article()))],
+    'AFieldOfAFormIsOneLine' => fn() => ['a b', kvRigaCampo(['x' => "a\r\nb\0"], 'x')],
+    'AFieldThatIsAListIsEmpty' => fn() => ['', kvCampo(['x' => ['y']], 'x')],
+]);

@@ -1,24 +1,29 @@
 <?php
 // ***1.0.7***
 // Banca Sella, encryption: the order is enciphered by the bank's own component GestPayCrypt, which the merchant gets
-// from the bank. Without it the payment can't be started.
+// from the bank and puts among the shop's pictures as GestPayCrypt.inc.php. Without it the payment can't be started.
 include "funcs<<1-IDlingua>>.php";
+include_once "kvpaynotice<<1-IDlingua>>.php";
 
-$kvCampi = kvCampiPagamento(kvCampo($_POST, 'negozio', 40), kvCampo($_POST, 'valuta', 10));
-$kvCampi['terminale'] = kvCampo($_POST, 'terminale', 10);
-if (kvCampo($_POST, 'lingua', 10) === 'idlan=1') {
+$kvConto = kvInizioPagamento() + ['negozio' => '', 'valuta' => '', 'terminale' => '', 'lingua' => ''];
+$kvCampi = kvCampiPagamento($kvConto['negozio'], $kvConto['valuta']);
+$kvCampi['terminale'] = $kvConto['terminale'];
+if ($kvConto['lingua'] === 'idlan=1') {
     $kvCampi['idlan'] = "<<4-codice_lingua>>";
 }
+if (!class_exists('GestPayCrypt') && is_file('GestPayCrypt.inc.php')) {
+    include_once "GestPayCrypt.inc.php";
+}
 $kvIndirizzo = '';
-if (class_exists('GestPayCrypt') && kvOrdineInCorso() !== null) {
+if (class_exists('GestPayCrypt') && kvDaPagare()) {
     $kvCifra = new GestPayCrypt();
-    $kvCifra->SetShopLogin($kvCampi['negozio']);
-    $kvCifra->SetCurrency($kvCampi['valuta']);
+    $kvCifra->SetShopLogin($kvConto['negozio']);
+    $kvCifra->SetCurrency($kvConto['valuta']);
     $kvCifra->SetAmount(number_format((float) kvOrdineInCorso()['totale'], 2, '.', ''));
     $kvCifra->SetShopTransactionID(kvOrdineInCorso()['codice']);
     if ($kvCifra->Encrypt()) {
         $kvIndirizzo = kvServizio('Banca Sella');
-        $kvCampi = ['a' => $kvCampi['negozio'], 'b' => $kvCifra->GetEncryptedString(), 'negozio' => $kvCampi['negozio']];
+        $kvCampi = ['a' => $kvConto['negozio'], 'b' => $kvCifra->GetEncryptedString()];
     }
 }
-kvPaginaPagamento(kvFormPagamento($kvIndirizzo, $kvCampi['negozio'], $kvCampi));
+kvPaginaPagamento(kvFormPagamento($kvIndirizzo, $kvConto['negozio'], $kvCampi));

@@ -1,12 +1,13 @@
 <?php
 // ***1.0.7***
-// Banca Sella, compatible mode: the shopper comes back. Nothing proves the payment in this mode, so the order is
+// Banca Sella, compatible mode: the shopper comes back. Nothing proves the payment in this mode, so the order is only
 // marked for checking against the bank's own list.
 include "funcs<<1-IDlingua>>.php";
+include_once "kvpaynotice<<1-IDlingua>>.php";
 
 $kvOrdine = kvOrdineInCorso();
 $kvRiuscito = kvCampo($_GET, 'c', 10) === 'payok' && $kvOrdine !== null;
 if ($kvRiuscito) {
-    kvStatoOrdine((string) $kvOrdine['codice'], 'da verificare');
+    kvQuery("UPDATE kv_ordini SET stato = 'da verificare' WHERE codice = ? AND stato = 'nuovo'", [$kvOrdine['codice']]);
 }
 kvEsitoPagamento($kvRiuscito);

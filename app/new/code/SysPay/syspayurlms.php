@@ -4,4 +4,4 @@
 define('KORVANE_SYSPAY', 1);
 include "syspay<<1-IDlingua>>.php";
 
-kvNotifica(['negozio', 'ordine', 'importo', 'esito'], $kvConto[1]);
+kvNotifica('SysPay', ['negozio' => $kvConto[0], 'valuta' => kvValutaServizio(), 'chiave' => $kvConto[1]]);

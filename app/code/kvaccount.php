@@ -1,0 +1,227 @@
+<?php
+// ***1.0.7***
+// Customers: their data, access, registration, a forgotten password. logcheck.php takes what the forms of lognew.php
+// send; attempts are counted in kv_tentativi.
+include_once "kvtables.php";
+include_once "kvmail.php";
+
+/** The data of a customer that forms show, by column: the field of the order form and the longest text. */
+const KV_DATI_CLIENTE = [
+    'nome' => ['Nome', 100], 'cognome' => ['Cognome', 100], 'rsoc' => ['RagioneSociale', 200],
+    'piva' => ['PartitaIVA', 40], 'indirizzo' => ['Indirizzo', 200], 'cap' => ['CAP', 20], 'citta' => ['Citta', 100],
+    'provincia' => ['Provincia', 60], 'paese' => ['Paese', 60], 'telefono' => ['Telefono', 60],
+];
+
+/** The number of the customer in this session, whether approved or not; 0 for a visitor. */
+function kvClienteSessione(): int
+{
+    return $GLOBALS['cliente'] > 0 ? (int) $GLOBALS['cliente'] : (int) $GLOBALS['clienteinattesa'];
+}
+
+function kvRigaCliente(int $id): ?array
+{
+    return $id === 0 ? null : kvRiga('SELECT * FROM kv_clienti WHERE id = ?', [$id]);
+}
+
+/**
+ * The customer's data for the cookie that CaricaDati reads: name=value pairs, percent-coded, joined by "|"; empty for a
+ * visitor. A cookie holds about 4000 letters: what would go beyond stays out.
+ */
+function kvDatiCliente(int $id): string
+{
+    $riga = kvRigaCliente($id);
+    $coppie = [];
+    $lungo = 0;
+    foreach ($riga === null ? [] : array_merge(array_keys(KV_DATI_CLIENTE), ['email']) as $nome) {
+        $coppia = $nome . '=' . rawurlencode(kvUtf8((string) $riga[$nome]));
+        $lungo += strlen($coppia) + 1;
+        if ($lungo < 3800) {
+            $coppie[] = $coppia;
+        }
+    }
+    return implode('|', $coppie);
+}
+
+/** Back to the login page with the message of a number. */
+function kvMessaggio(int $numero, string $altro = ''): void
+{
+    kvVai("login<<1-IDlingua>>.php?m=" . $numero . $altro);
+}
+
+/** Ends with a message when there were too many attempts; else counts one. */
+function kvContaTentativo(string $chiave, int $massimo = 5): void
+{
+    if (kvTroppiTentativi($chiave, 'kvQuery', $massimo)) {
+        kvMessaggio(6);
+    }
+    kvSegnaTentativo($chiave, 'kvQuery');
+}
+
+/** Opens the customer's session under a fresh session number. */
+function kvApriSessione(int $id, string $impronta): void
+{
+    session_regenerate_id(true);
+    $_SESSION['cliente'] = $id;
+    $_SESSION['segno'] = kvSegnoPassword($impronta);
+    unset($_SESSION['gettone']);
+}
+
+/** Lets a customer in: on to the shop or to the order, or back with a notice while approval is missing. */
+function kvEntra(int $id, string $impronta, bool $approvato): void
+{
+    kvApriSessione($id, $impronta);
+    if (!$approvato) {
+        kvMessaggio(5);
+    }
+    kvVai(kvCampo($_POST, 'dopo', 10) === 'ordine' ? "order.htm" : "index.htm");
+}
+
+/** Access with address and password. */
+function kvAccesso(string $email, string $pw): void
+{
+    $chiave = kvChiaveTentativi('negozio', $email);
+    kvContaTentativo($chiave);
+    $riga = kvRiga('SELECT id, pw, approvato FROM kv_clienti WHERE email = ?', [$email]);
+    // An unknown address is checked against a fixed hash, so that both answers take the same time.
+    $impronta = $riga['pw'] ?? '$2y$10$dHKUwezJEPkiCbbCBpyIyewdj/VZnjbaUhH9QqxTXvkaE04HJYQTe';
+    if (!password_verify($pw, $impronta) || $riga === null) {
+        kvMessaggio(1);
+    }
+    kvAzzeraTentativi($chiave, 'kvQuery');
+    if (password_needs_rehash($impronta, PASSWORD_DEFAULT)) {
+        $impronta = password_hash($pw, PASSWORD_DEFAULT);
+        kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$impronta, (int) $riga['id']]);
+    }
+    kvEntra((int) $riga['id'], $impronta, (bool) $riga['approvato']);
+}
+
+/** A new customer: in the shop at once, unless prices are for approved customers alone. */
+function kvRegistrazione(string $email, string $pw): void
+{
+    global $regpr;
+    kvContaTentativo(kvChiaveTentativi('registrazione', ''), 20);
+    $nome = kvRigaCampo($_POST, 'nome', 100);
+    $cognome = kvRigaCampo($_POST, 'cognome', 100);
+    if (!kvIndirizzoValido($email) || strlen($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
+        kvMessaggio(2);
+    }
+    $approvato = $regpr ? 0 : 1;
+    $impronta = password_hash($pw, PASSWORD_DEFAULT);
+    $esito = kvQuery('INSERT INTO kv_clienti (email, pw, nome, cognome, approvato, lingua, creato)'
+        . ' VALUES (?, ?, ?, ?, ?, ?, NOW())', [$email, $impronta, $nome, $cognome, $approvato, "<<1-IDlingua>>"]);
+    $riga = $esito === null ? null : kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
+    if ($riga === null) {
+        kvMessaggio(3);
+    }
+    if (!$approvato) {
+        $negozio = kvMittente();
+        kvMail($negozio['email'], $negozio['email'], $negozio['nome'] . " - <<4-cliente_in_attesa>>",
+            "<<4-cliente_in_attesa>>: $nome $cognome, $email", $email);
+    }
+    kvEntra((int) $riga['id'], $impronta, (bool) $approvato);
+}
+
+/** The customer's own data. */
+function kvCambiaDati(): void
+{
+    $id = kvClienteSessione();
+    if ($id === 0) {
+        kvMessaggio(4);
+    }
+    $colonne = [];
+    $valori = [];
+    foreach (KV_DATI_CLIENTE as $nome => list(, $massimo)) {
+        $colonne[] = $nome . ' = ?';
+        $valori[] = kvRigaCampo($_POST, $nome, $massimo);
+    }
+    if (kvCampo($_POST, 'nome') === '' || kvCampo($_POST, 'cognome') === '') {
+        kvMessaggio(7);
+    }
+    $valori[] = $id;
+    kvQuery('UPDATE kv_clienti SET ' . implode(', ', $colonne) . ' WHERE id = ?', $valori);
+    kvMessaggio(8);
+}
+
+/** Gives a customer another password; sessions opened with the old one end. Requests for a new one are used up. */
+function kvNuovaPassword(int $id, string $email, string $pw): string
+{
+    $impronta = password_hash($pw, PASSWORD_DEFAULT);
+    kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$impronta, $id]);
+    kvQuery("UPDATE kv_richieste SET stato = 'annullata' WHERE email = ? AND stato = 'nuova'", [$email]);
+    return $impronta;
+}
+
+/** Another password for the customer of the session, who proves to know the old one. */
+function kvCambiaPassword(string $pw): void
+{
+    $riga = kvRigaCliente(kvClienteSessione());
+    if ($riga === null) {
+        kvMessaggio(4);
+    }
+    $chiave = kvChiaveTentativi('negozio', $riga['email']);
+    kvContaTentativo($chiave);
+    if (!password_verify(kvPassword('attuale'), $riga['pw'])) {
+        kvMessaggio(1);
+    }
+    kvAzzeraTentativi($chiave, 'kvQuery');
+    if (strlen($pw) < 8) {
+        kvMessaggio(2);
+    }
+    $_SESSION['segno'] = kvSegnoPassword(kvNuovaPassword((int) $riga['id'], $riga['email'], $pw));
+    session_regenerate_id(true);
+    kvMessaggio(9);
+}
+
+/** A password of the form as it was typed, of at most 100 bytes. */
+function kvPassword(string $nome): string
+{
+    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? substr($_POST[$nome], 0, 100) : '';
+}
+
+/**
+ * Mails a link with a token that is good once, for an hour; the database holds its hash alone. The answer is the same
+ * whether the address is known or not.
+ */
+function kvRichiediPassword(string $email): void
+{
+    kvContaTentativo(kvChiaveTentativi('richiesta', $email), 3);
+    kvContaTentativo(kvChiaveTentativi('richiesta', ''), 20);
+    if (kvIndirizzoValido($email) && kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) !== null) {
+        $gettone = bin2hex(random_bytes(24));
+        kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
+            . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $gettone)]);
+        $negozio = kvMittente();
+        kvMail($email, $negozio['email'], $negozio['nome'] . " - <<4-password_richiesta>>",
+            "<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$gettone\r\n\r\n"
+            . $negozio['firma']);
+    }
+    kvMessaggio(10);
+}
+
+/** The address of the request that a token belongs to; empty when it is unknown, used or too old. */
+function kvRichiestaValida(string $gettone): string
+{
+    $riga = preg_match('/^[0-9a-f]{48}$/D', $gettone) ? kvRiga("SELECT email FROM kv_richieste WHERE gettone = ?"
+        . " AND stato = 'nuova' AND scade > NOW()", [hash('sha256', $gettone)]) : null;
+    return $riga === null ? '' : (string) $riga['email'];
+}
+
+/** The end of a request: the new password, if the token is good, and the customer is in. */
+function kvRipristina(string $gettone, string $pw): void
+{
+    kvContaTentativo(kvChiaveTentativi('ripristino', ''), 20);
+    $email = kvRichiestaValida($gettone);
+    if ($email === '') {
+        kvMessaggio(12);
+    }
+    if (strlen($pw) < 8) {
+        kvMessaggio(2, '&g=' . $gettone);
+    }
+    $riga = kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
+    kvQuery("UPDATE kv_richieste SET stato = 'usata' WHERE gettone = ? AND stato = 'nuova'", [hash('sha256', $gettone)]);
+    if (kvRigheToccate() !== 1 || $riga === null) {
+        kvMessaggio(12);
+    }
+    kvApriSessione((int) $riga['id'], kvNuovaPassword((int) $riga['id'], $email, $pw));
+    kvMessaggio(9);
+}

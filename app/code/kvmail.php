@@ -1,0 +1,83 @@
+<?php
+// ***1.0.7***
+// Mails of the shop: plain text in UTF-8, in Base64, so that neither the words nor the line ends of a visitor can
+// become a header. Source: RFC 2045, section 6.8; RFC 2047.
+
+/** A text of a mail header, in encoded words of at most 75 letters, cut between letters. */
+function kvTestoIntestazione(string $testo): string
+{
+    $parole = [];
+    $parola = '';
+    foreach (preg_split('//u', kvUtf8(preg_replace('/[\x00-\x1f\x7f]+/', ' ', $testo)), -1, PREG_SPLIT_NO_EMPTY) as $lettera) {
+        if (strlen($parola . $lettera) > 42) {
+            $parole[] = $parola;
+            $parola = '';
+        }
+        $parola .= $lettera;
+    }
+    $parole[] = $parola;
+    return implode("\r\n ", array_map(fn($p) => '=?UTF-8?B?' . base64_encode($p) . '?=', $parole));
+}
+
+/** Whether a text is one plain mail address. */
+function kvIndirizzoValido(string $email): bool
+{
+    return strlen($email) <= 190 && filter_var($email, FILTER_VALIDATE_EMAIL) !== false;
+}
+
+/** Sends one mail; false when an address isn't one or the server refused it. `rispondi`: who gets the answers. */
+function kvMail(string $a, string $da, string $oggetto, string $testo, string $rispondi = ''): bool
+{
+    if (!kvIndirizzoValido($a)) {
+        return false;
+    }
+    $righe = ['MIME-Version: 1.0', 'Content-Type: text/plain; charset=utf-8', 'Content-Transfer-Encoding: base64'];
+    if (kvIndirizzoValido($da)) {
+        $righe[] = 'From: ' . $da;
+    }
+    if (kvIndirizzoValido($rispondi)) {
+        $righe[] = 'Reply-To: ' . $rispondi;
+    }
+    $corpo = rtrim(chunk_split(base64_encode(kvUtf8($testo))));
+    if (@mail($a, kvTestoIntestazione($oggetto), $corpo, implode("\r\n", $righe))) {
+        return true;
+    }
+    error_log('Shop mail: a mail was refused');
+    return false;
+}
+
+/** The shop's own address, name and signature. */
+function kvMittente(): array
+{
+    $righe = kvLinee(<<<'KORVANE_VALORI'
+<<1-email_ordini>>
+<<1-negozio>>
+<<1-firma>>
+KORVANE_VALORI
+    );
+    return ['email' => trim($righe[0]), 'nome' => $righe[1], 'firma' => implode("\r\n", array_slice($righe, 2))];
+}
+
+/** The customer's order mail: the merchant's text with amount, code and summary in it; the summary alone without. */
+function kvTestoMail(string $codice, string $totale_lordo, string $riepilogo): string
+{
+    $mail_valuta = $GLOBALS['valuta'][0];
+    try {
+        $info = (string) include "kvmailtesto.php";
+    } catch (ParseError $errore) {
+        // The merchant's words can break the script that the build makes of them; the order goes on without them.
+        error_log('Shop mail: the text of the order mail is no valid script');
+        $info = '';
+    }
+    return trim($info) === '' ? $riepilogo : $info;
+}
+
+/** Tells customer and merchant of an order. `importo` is the total in the shop's notation, without a label. */
+function kvMailOrdine(string $codice, string $importo, string $riepilogo, string $email): void
+{
+    $negozio = kvMittente();
+    $oggetto = $negozio['nome'] . " - <<4-ordine_titolo>> " . $codice;
+    $testo = kvTestoMail($codice, $importo, $riepilogo);
+    kvMail($email, $negozio['email'], $oggetto, $testo . "\r\n" . $negozio['firma']);
+    kvMail($negozio['email'], $negozio['email'], $oggetto, "<<4-ordine_codice>>: $codice\r\n\r\n" . $riepilogo, $email);
+}

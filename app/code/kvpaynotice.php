@@ -1,0 +1,135 @@
+<?php
+// ***1.0.7***
+// The scripts of the payment modules: the way to a service, and what the service says of a payment. Whatever it says is
+// checked against the order in the database before the order changes.
+if (!defined('KORVANE_SHOP')) {
+    exit;
+}
+include_once "kvtables.php";
+
+/** Sends the shopper to payok or payerr. */
+function kvEsitoPagamento(bool $pagato): void
+{
+    kvVai($pagato ? "payok<<1-IDlingua>>.php" : "payerr<<1-IDlingua>>.php");
+}
+
+/**
+ * The start of a module's script: the order in progress must be the one of the page that the shopper came from, with
+ * the same total. Result: the account that the page's descriptor left. Ten starts of one order in a quarter of an hour
+ * bar further ones.
+ */
+function kvInizioPagamento(): array
+{
+    $ordine = kvOrdineInCorso();
+    if ($ordine === null || $_SERVER['REQUEST_METHOD'] !== 'POST' || !kvGettoneValido()
+        || kvCampo($_POST, 'ordine', 40) !== $ordine['codice']
+        || kvCampo($_POST, 'importo', 15) !== (string) kvCentesimi($ordine)) {
+        kvAvvisa("<<4-sessione_scaduta>>");
+        kvVai("messaggio<<1-IDlingua>>.php");
+    }
+    $chiave = kvChiaveTentativi('pagamento', $ordine['codice']);
+    if (kvTroppiTentativi($chiave, 'kvQuery', 10)) {
+        kvAvvisa("<<4-troppi_tentativi>>");
+        kvVai("messaggio<<1-IDlingua>>.php");
+    }
+    kvSegnaTentativo($chiave, 'kvQuery');
+    return array_map('strval', (array) ($_SESSION['conto'] ?? []));
+}
+
+/** A page that takes the shopper on: the form of kvFormPagamento, sent by itself where scripts run. Never returns. */
+function kvPaginaPagamento(string $form): void
+{
+    echo '<!DOCTYPE html><html lang="<<4-codice_lingua>>"><head><meta charset="windows-1252">'
+        . '<meta name="viewport" content="width=device-width, initial-scale=1"><meta name="robots" content="noindex">'
+        . '<title>' . kvHtml("<<4-ordine_pagamento>>") . '</title></head><body><main><h1>'
+        . kvHtml("<<4-ordine_pagamento>>") . '</h1>' . $form . '<p><a href="index<<1-IDlingua>>.php">'
+        . kvHtml("<<4-torna_al_negozio>>") . '</a></p></main>'
+        . '<script>if (document.kvPagamento) { document.kvPagamento.submit(); }</script></body></html>';
+    exit;
+}
+
+/** Ends a notice: its answer, in a word and as a status. */
+function kvRispondi(int $codice): void
+{
+    header('Content-Type: text/plain; charset=us-ascii');
+    http_response_code($codice);
+    die($codice === 200 ? 'OK' : 'KO');
+}
+
+/** The order that a service names; its code may stand behind a word: "Ordine 260131-A1B2C3". */
+function kvOrdineNominato(string $nome): ?array
+{
+    $parole = explode(' ', $nome);
+    return kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [end($parole)]);
+}
+
+/**
+ * What becomes of an order whose payment succeeded or failed, once the notice has proved good: null for a notice that
+ * contradicts an earlier one, else the new state. The same notice sent again changes nothing. An order that the
+ * merchant has sent or cancelled meanwhile keeps its state, with the payment noted.
+ */
+function kvStatoDopo(array $ordine, string $riferimento, bool $pagato): ?string
+{
+    if ($ordine['pagamento'] !== '') {
+        return $pagato && $ordine['pagamento'] === $riferimento ? $ordine['stato'] : null;
+    }
+    if ($pagato) {
+        return in_array($ordine['stato'], ['nuovo', 'rifiutato', 'da verificare'], true) ? 'pagato' : $ordine['stato'];
+    }
+    return in_array($ordine['stato'], ['nuovo', 'da verificare'], true) ? 'rifiutato' : $ordine['stato'];
+}
+
+/**
+ * Notes the outcome of a payment with the order; false when it was refused. `transazione` is the service's own name of
+ * the payment, by which a notice that comes twice is known.
+ */
+function kvRegistraPagamento(string $codice, string $modulo, string $transazione, bool $pagato): bool
+{
+    if (!preg_match('/^[\x21-\x7e]{1,100}$/D', $transazione)) {
+        return false;
+    }
+    $riferimento = $modulo . ' ' . $transazione;
+    mysqli_begin_transaction(kvConnessione());
+    $ordine = kvRiga('SELECT id, stato, pagamento FROM kv_ordini WHERE codice = ? FOR UPDATE', [$codice]);
+    $dopo = $ordine === null ? null : kvStatoDopo($ordine, $riferimento, $pagato);
+    $fatto = $dopo !== null && null !== kvQuery('UPDATE kv_ordini SET stato = ?, pagamento = ? WHERE id = ?',
+        [$dopo, $pagato ? $riferimento : $ordine['pagamento'], (int) $ordine['id']]);
+    if ($fatto) {
+        return mysqli_commit(kvConnessione());
+    }
+    mysqli_rollback(kvConnessione());
+    return false;
+}
+
+/**
+ * Checks what a service says, in the fields negozio, ordine, importo, valuta, transazione and esito, signed in this
+ * order with the key in the field firma; and notes it. Result: the status of the answer. 403: not from the service, or
+ * for another shop. 404: no such order. 409: another amount or currency, or against what was said before.
+ */
+function kvAccettaEsito(array $detto, string $modulo, array $conto): int
+{
+    $campi = [];
+    foreach (['negozio', 'ordine', 'importo', 'valuta', 'transazione', 'esito'] as $nome) {
+        $campi[$nome] = kvCampo($detto, $nome, 100);
+    }
+    $firmato = $conto['chiave'] !== '' && hash_equals(kvFirma($campi, $conto['chiave']), kvCampo($detto, 'firma'));
+    if (!$firmato || $conto['negozio'] === '' || $campi['negozio'] !== $conto['negozio']) {
+        return 403;
+    }
+    $ordine = kvOrdineNominato($campi['ordine']);
+    if ($ordine === null) {
+        return 404;
+    }
+    if ($campi['importo'] !== (string) kvCentesimi($ordine) || $campi['valuta'] !== $conto['valuta']
+        || !in_array($campi['esito'], ['OK', 'KO'], true)) {
+        return 409;
+    }
+    $noto = kvRegistraPagamento((string) $ordine['codice'], $modulo, $campi['transazione'], $campi['esito'] === 'OK');
+    return $noto ? 200 : 409;
+}
+
+/** Takes the notice that a service sends to the shop's server. `conto`: negozio, valuta, chiave. Never returns. */
+function kvNotifica(string $modulo, array $conto): void
+{
+    kvRispondi($_SERVER['REQUEST_METHOD'] === 'POST' ? kvAccettaEsito($_POST, $modulo, $conto) : 405);
+}

@@ -1,0 +1,127 @@
+<?php
+// ***1.0.7***
+// Variants on a page and in the cart. The build wrote each variant as a list of option elements whose value reads
+// <<PRICE>>=WEIGHT#CODE|LABEL and whose text may hold <<importo>>: here the visitor's own difference goes in.
+// In the cart a value is known by a key of six letters made of its code and label in the shop's first language, so that
+// the cart survives a change of language, of prices and of the order of the values.
+
+/** The variants that a row names for a listino. */
+function kvVariantiRiga(array $riga, int $listino): array
+{
+    $numeri = [];
+    for ($posto = 1; $posto <= 4; $posto++) {
+        $numeri[] = kvVariante($riga, $posto, $listino);
+    }
+    return array_filter($numeri);
+}
+
+/** The numbers of all variants of the page's articles, so that one query reads them. */
+function kvVariantiPagina(): array
+{
+    global $resultArt, $listino;
+    $numeri = [];
+    foreach ($resultArt instanceof KvRighe ? $resultArt->righe : [] as $riga) {
+        foreach (kvVariantiRiga($riga, $listino) as $id) {
+            $numeri[] = $id;
+        }
+    }
+    return $numeri;
+}
+
+/** Reads variants by their numbers, those that were read before excepted. */
+function kvLeggiVarianti(array $numeri): array
+{
+    static $letti = [];
+    $mancanti = array_values(array_unique(array_diff($numeri, array_keys($letti))));
+    if ($mancanti !== []) {
+        $tabella = kvTabellaLingua('opzioni');
+        $letti += array_fill_keys($mancanti, null);
+        $segni = implode(',', array_fill(0, count($mancanti), '?'));
+        $sql = $tabella === 'opzioni'
+            ? "SELECT ID, nomeopzione, opzione, opzione AS prima FROM opzioni WHERE ID IN ($segni)"
+            : "SELECT $tabella.ID, $tabella.nomeopzione, $tabella.opzione, opzioni.opzione AS prima FROM $tabella"
+                . " LEFT JOIN opzioni USING (ID) WHERE $tabella.ID IN ($segni)";
+        foreach (kvQuery($sql, $mancanti) ?? [] as $riga) {
+            $letti[(int) $riga['ID']] = kvScomponiVariante($riga);
+        }
+    }
+    return $letti;
+}
+
+/** The option elements of a built list: [attributes before value, price, weight, code, label, text of the element]. */
+function kvVociVariante(string $elenco): array
+{
+    preg_match_all(
+        '/<option ([^>]*?)value="<<\s*([-0-9.]*)>>=([^#"]*)#([^|"]*)\|([^"]*)">(.*?)<\/option>/is', $elenco, $voci,
+        PREG_SET_ORDER);
+    return $voci;
+}
+
+/**
+ * A variant taken apart: nome, and voci by key, each with attributi, prezzo (ten-thousandths), peso, cifrato (the code as
+ * it stands in the value), codice, etichetta (the cart's label), testo.
+ */
+function kvScomponiVariante(array $riga): array
+{
+    $prime = kvVociVariante((string) $riga['prima']);
+    $proprie = kvVociVariante((string) $riga['opzione']);
+    // Without a translation a value is missing from its list: then positions tell nothing about the other language.
+    $paralleli = count($prime) === count($proprie);
+    $voci = [];
+    foreach ($proprie as $n => $voce) {
+        $base = $paralleli ? $prime[$n] : $voce;
+        $chiave = substr(md5($base[4] . '|' . $base[5]), 0, 6);
+        while (isset($voci[$chiave])) {
+            $chiave = substr(md5($chiave), 0, 6);
+        }
+        $voci[$chiave] = [
+            'attributi' => trim($voce[1]), 'prezzo' => kvDecimillesimi($voce[2]), 'peso' => $voce[3],
+            'cifrato' => $voce[4], 'codice' => rawurldecode($voce[4]), 'etichetta' => $voce[5], 'testo' => $voce[6],
+        ];
+    }
+    return ['nome' => (string) $riga['nomeopzione'], 'voci' => $voci];
+}
+
+/** The variant of a number, null when it has no values. */
+function kvElencoVariante(int $id): ?array
+{
+    static $pagina = false;
+    $letti = kvLeggiVarianti($pagina ? [$id] : array_merge([$id], kvVariantiPagina()));
+    $pagina = true;
+    return isset($letti[$id]) && $letti[$id]['voci'] !== [] ? $letti[$id] : null;
+}
+
+/**
+ * The difference of a variant value for the visitor, in smallest units: by the department's factor unless the article
+ * is on offer, then with VAT where prices include it, like the price it is added to.
+ */
+function kvDifferenza(int $differenza, array $riga): int
+{
+    global $listino, $ivacompresa, $scontorep, $ivarep;
+    if (!kvPrezziVisitatore($riga)['offerta'] && (float) $scontorep[$listino] !== 1.0) {
+        $differenza = kvProdotto($differenza, (float) $scontorep[$listino]);
+    }
+    return kvMinimi(kvConIva($differenza, (float) $ivarep, (bool) $ivacompresa), kvScala());
+}
+
+/** The selector of a variant slot with the visitor's price differences; empty without a variant. */
+function kvSelettore(array $riga, int $posto): string
+{
+    $variante = kvElencoVariante(kvVariante($riga, $posto, $GLOBALS['listino']));
+    if ($variante === null) {
+        return '';
+    }
+    $nascosti = kvPrezziNascosti();
+    $opzioni = '';
+    foreach ($variante['voci'] as $chiave => $voce) {
+        $importo = $nascosti ? 0 : kvDifferenza($voce['prezzo'], $riga);
+        $testo = $nascosti
+            ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $voce['testo'])
+            : str_replace('<<importo>>', kvFormato(abs($importo), kvScala(), (int) $GLOBALS['notazione']), $voce['testo']);
+        $opzioni .= '<option ' . ($voce['attributi'] === '' ? '' : $voce['attributi'] . ' ') . 'value="'
+            . kvNumeroScript($importo, kvScala()) . '=' . $voce['peso'] . '#' . $voce['cifrato'] . '|'
+            . $voce['etichetta'] . '" data-k="' . $chiave . '">' . $testo . '</option>';
+    }
+    return '<label class="opzione">' . kvTestoHtml($variante['nome']) . ' <select name="op' . $posto
+        . (int) ($riga['contatore'] ?? 0) . '">' . $opzioni . '</select></label>';
+}

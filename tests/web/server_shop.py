@@ -1,0 +1,426 @@
+#!/usr/bin/env python3
+"""The model shop as its visitors and customers use it: server_shop.py KORVANE_CLI"""
+import concurrent.futures
+import email
+import json
+import re
+import urllib.parse
+
+from shop_case import Case, cart_cookie, enter, main, order, register, send, served_lines, shop
+
+
+def article(code):
+    return int(shop().rows(f"SELECT ID FROM dettaglio WHERE codice = '{code}'")[0][0])
+
+
+def units(text):
+    """The amount of a text like "EUR 1.234,50", in cents."""
+    return int(re.sub(r"\D", "", text))
+
+
+class Shop(Case):
+    def customer(self, **columns):
+        """A registered customer whose row has these values."""
+        register(self.visitor)
+        for name, value in columns.items():
+            shop().execute(f"UPDATE kv_clienti SET {name} = {value}")
+        return self.visitor
+
+    def page_price(self, page, code):
+        """The price that a department page shows of an article, in cents."""
+        part = next(part for part in self.visitor.ask(page).text.split("<article") if f"> {code}<" in part
+                    or f" {code}</p>" in part)
+        return units(re.search(r'class="prezzo">([^<]*)<', part).group(1))
+
+    def order_data(self):
+        return json.loads(shop().rows("SELECT dati FROM kv_ordini ORDER BY id DESC LIMIT 1")[0][0].replace("\\\\", "\\"))
+
+
+class Prices(Shop):
+    def test_page_and_cart_show_one_price(self):
+        for code, page in (("PI-002", "cat008.php"), ("RE-001", "cat005.php"), ("PA-001", "cat010.php")):
+            line = served_lines(self.visitor, f"{article(code)}.1")[0]
+            self.assertEqual(line["p"], self.page_price(page, code), code)
+
+    def test_an_offer_shows_the_list_price_struck(self):
+        part = next(part for part in self.visitor.ask("cat016.php").text.split("<article") if "TE-003" in part)
+        self.assertIn("<s>\x80 29,00</s>".encode("latin1").decode("cp1252"), part)
+        self.assertIn("-20,69%", part)
+
+    def test_a_customer_sees_the_prices_of_the_own_listino(self):
+        before = self.page_price("cat008.php", "PI-002")
+        self.customer(listino=1)
+        self.assertEqual(self.page_price("cat008.php", "PI-002"), 1476)
+        self.assertNotEqual(before, 1476)
+
+    def test_a_closed_department_is_no_page_for_a_visitor(self):
+        page = self.visitor.ask("cat006.php", follow=False)
+        self.assertEqual((page.status, page.headers["Location"], page.body), (302, "login.php?m=11", b""))
+        self.customer(listino=1)
+        self.assertEqual(self.visitor.ask("cat006.php", follow=False).status, 200)
+
+    def test_an_article_of_a_closed_department_cannot_be_ordered(self):
+        cart = f"{article('RV-001')}.1"
+        self.assertFalse(served_lines(self.visitor, cart)[0]["ok"])
+        page = self.visitor.ask("order.php", follow=False)
+        self.assertIn("m=53", page.headers["Location"])
+        order(self.visitor, self.cart, Dettaglio=cart)
+        self.assertEqual(self.count("kv_ordini"), 0)
+
+    def test_quantity_steps_reach_the_cart_by_listino(self):
+        cart = f"{article('PA-002')}.1"
+        self.assertEqual(served_lines(self.visitor, cart)[0]["s"], [[10, 940000], [20, 880000]])
+        self.customer(listino=1)
+        self.assertEqual(served_lines(self.visitor, cart)[0]["s"], [])
+
+    def test_a_quantity_step_lowers_the_order(self):
+        number = article("PA-002")
+        line = served_lines(self.visitor, f"{number}.10")[0]
+        order(self.visitor, f"{number}.10", method=2)
+        piece = (line["p"] * 940000 + 500000) // 1000000
+        self.assertEqual(round(self.order_data()["totali"]["merce"] * 100), piece * 10)
+
+    def test_prices_for_registered_customers_are_shown_to_no_visitor(self):
+        self.with_setting("$regpr = 1;", self.reserved)
+
+    def reserved(self):
+        page = self.visitor.ask("cat008.php").text
+        self.assertIn("Prezzo riservato", page)
+        self.assertIsNone(re.search(r"\d+,\d\d", "".join(re.findall(r'class="(?:prezzi|segni)".*', page))))
+        self.assertNotIn("Acquista('", page)
+        self.assertFalse(served_lines(self.visitor, self.cart)[0]["ok"])
+        answer = register(self.visitor)
+        self.assertIn("m=5", answer.address)
+        self.assertIn("Prezzo riservato", self.visitor.ask("cat008.php").text)
+        self.assertEqual(shop().rows("SELECT approvato FROM kv_clienti"), [["0"]])
+        shop().execute("UPDATE kv_clienti SET approvato = 1")
+        self.assertNotIn("Prezzo riservato", self.visitor.ask("cat008.php").text)
+
+    def with_setting(self, line, test):
+        """Runs a test on funcs.php as a build with one more setting makes it."""
+        script = shop().shop / "online/funcs.php"
+        text = script.read_bytes()
+        script.write_bytes(text.replace(b"$regobbl = 0;\r\n$visofferta", b"$regobbl = 0;\r\n" + line.encode()
+                                        + b"\r\n$visofferta", 1))
+        try:
+            test()
+        finally:
+            script.write_bytes(text)
+
+
+class Variants(Shop):
+    def options(self, page, code):
+        part = next(part for part in self.visitor.ask(page).text.split("<article") if code in part)
+        return re.findall(r'<option [^>]*value="([-\d.]+)=[^"]*" data-k="(\w+)">([^<]*)<', part)
+
+    def test_a_selector_shows_the_visitors_difference(self):
+        prices = {text.split(" (")[0].rstrip(" *"): price for price, key, text in self.options("cat007.php", "TZ-002")}
+        self.assertEqual(prices["Ocra"], "2.00")
+        self.assertNotIn("<<", self.visitor.ask("cat007.php").text)
+
+    def test_a_chosen_value_reaches_the_order(self):
+        price, key, text = self.options("cat007.php", "TZ-002")[-1]
+        number = article("TZ-002")
+        plain = served_lines(self.visitor, f"{number}.1.{self.options('cat007.php', 'TZ-002')[0][1]}")[0]
+        line = served_lines(self.visitor, f"{number}.1.{key}")[0]
+        self.assertEqual(line["p"] - plain["p"], round(float(price) * 100))
+        order(self.visitor, f"{number}.2.{key}", method=2)
+        self.assertIn("Ocra", self.order_data()["righe"][0]["scelte"])
+
+    def test_a_line_without_its_value_cannot_be_ordered(self):
+        number = article("TZ-002")
+        for cart in (f"{number}.1", f"{number}.1.ffffff", f"{number}.1..{self.options('cat007.php', 'TZ-002')[0][1]}"):
+            self.assertFalse(served_lines(self.visitor, cart)[0]["ok"], cart)
+
+    def test_a_cart_goes_along_into_another_language(self):
+        key = self.options("cat007.php", "TZ-002")[-1][1]
+        cart = f"{article('TZ-002')}.1.{key}"
+        here = served_lines(self.visitor, cart)[0]
+        there = served_lines(self.visitor, cart, "cart_l2.php")[0]
+        self.assertTrue(there["ok"])
+        self.assertEqual(here["p"], there["p"])
+        self.assertNotEqual(here["o"], there["o"])
+
+    def test_a_page_asks_three_questions_one_for_all_its_variants_and_one_for_related_articles(self):
+        shop().execute("SET GLOBAL log_output = 'TABLE'")
+        seen = set()
+        for (page,) in shop().rows("SELECT DISTINCT pagina FROM articoli"):
+            shop().execute("TRUNCATE mysql.general_log", "SET GLOBAL general_log = 1")
+            text = self.visitor.ask(page + ".php").text
+            shop().execute("SET GLOBAL general_log = 0")
+            asked = [row[0] for row in shop().rows(
+                "SELECT argument FROM mysql.general_log WHERE command_type IN ('Query', 'Execute')"
+                " AND argument LIKE 'SELECT%' AND argument NOT LIKE '%general_log%'")]
+            variants = [query for query in asked if "FROM opzioni" in query]
+            related = [query for query in asked if "correlazione IN" in query]
+            self.assertEqual(len(variants), 1 if "data-k=" in text else 0, page)
+            self.assertLessEqual(len(related), 1, page)
+            self.assertEqual(len(asked) - len(variants) - len(related), 3, asked)
+            seen.add(len(asked))
+        self.assertLessEqual({4, 5}, seen)
+
+
+class Orders(Shop):
+    def test_an_order_is_stored_and_told_to_both(self):
+        before = len(shop().mails())
+        page = order(self.visitor, f"{self.article}.2", method=2)
+        self.assertIn("thankyou2.php", page.address)
+        row = shop().rows("SELECT codice, nome, email, totale, stato, metodo FROM kv_ordini")[0]
+        self.assertEqual(row[1:3] + row[4:], ["Anna Bianchi", "anna@example.org", "nuovo", "Bonifico anticipato"])
+        self.assertIn(row[0], page.text)
+        mails = [email.message_from_string(text) for text in shop().mails()[before:]]
+        self.assertEqual(sorted(mail["To"] for mail in mails), ["anna@example.org", "ordini@bottega.example"])
+        amount = "{:,.2f}".format(float(row[3])).replace(",", " ").replace(".", ",").replace(" ", ".")
+        for mail in mails:
+            text = mail.get_payload(decode=True).decode("utf-8")
+            self.assertIn(row[0], text)
+            self.assertIn(amount, text)
+
+    def test_an_order_empties_the_cart(self):
+        order(self.visitor, self.cart, method=2)
+        self.assertFalse(any("kvstore_cart" in name for path, name in self.visitor.cookies))
+
+    def test_the_total_is_the_sum_of_its_parts(self):
+        order(self.visitor, f"{self.article}.3", method=2)
+        sums = self.order_data()["totali"]
+        total = sums["merce"] - sums["sconto"] + sums["iva"] + sums["spese"] + sums["ivaspese"]
+        self.assertAlmostEqual(sums["totale"], total, 6)
+        self.assertEqual(shop().rows("SELECT totale FROM kv_ordini")[0][0], f"{sums['totale']:.2f}")
+
+    def test_a_large_order_gets_the_discount_by_amount(self):
+        order(self.visitor, f"{self.article}.40", method=2)
+        sums = self.order_data()["totali"]
+        self.assertAlmostEqual(sums["sconto"], round(sums["merce"] * 0.05 + 1e-9, 2), 6)
+
+    def test_a_personal_discount_takes_the_place_of_the_one_by_amount(self):
+        self.customer(sconto="12.5")
+        order(self.visitor, f"{self.article}.40", method=2)
+        sums = self.order_data()["totali"]
+        self.assertAlmostEqual(sums["sconto"], round(sums["merce"] * 0.125 + 1e-9, 2), 6)
+        self.assertEqual(self.count("kv_ordini", "cliente > 0"), 1)
+
+    def test_an_order_below_the_minimum_is_refused(self):
+        page = order(self.visitor, f"{article('PA-002')}.1", method=2)
+        self.assertIn("messaggio", page.address)
+        self.assertEqual(self.count("kv_ordini"), 0)
+
+    def test_required_fields_are_required_by_the_server(self):
+        for name in ("Nome", "Cognome", "Indirizzo", "CAP", "Citta", "Email"):
+            order(self.visitor, self.cart, method=2, **{name: " "})
+        order(self.visitor, self.cart, method=2, Email="nessun indirizzo")
+        order(self.visitor, self.cart, method=2, Privacy=None)
+        self.assertEqual(self.count("kv_ordini"), 0)
+
+    def test_a_shop_that_asks_for_registration_takes_no_order_of_a_visitor(self):
+        script = shop().shop / "online/funcs.php"
+        text = script.read_bytes()
+        script.write_bytes(text.replace(b"$regobbl = 0;\r\n$visofferta", b"$regobbl = 1;\r\n$visofferta", 1))
+        try:
+            answer = self.visitor.ask("order.php", follow=False)
+            self.assertIn("login.php?m=23", answer.headers["Location"])
+            register(self.visitor, dopo="ordine")
+            page = order(self.visitor, self.cart, method=2)
+            self.assertIn("thankyou", page.address)
+        finally:
+            script.write_bytes(text)
+
+    def test_the_form_is_filled_with_the_customers_data(self):
+        self.customer()
+        send(self.visitor, "dati", nome="Ada", cognome="Neri", indirizzo="Via dell'Orto 3", citta="Forl\u00ec", paese="Italia")
+        cart_cookie(self.visitor, self.cart)
+        cookie = re.search(r'kvstore_cliente=([^"]*)"', self.visitor.ask("order.php").text).group(1)
+        data = dict(pair.split("=") for pair in cookie.split("|"))
+        self.assertEqual(urllib.parse.unquote(data["indirizzo"]), "Via dell'Orto 3")
+        self.assertEqual(urllib.parse.unquote(data["citta"]), "Forl\u00ec")
+        self.assertEqual(data["email"], "ada%40example.org")
+
+    def test_pages_of_the_second_language_take_orders(self):
+        cart_cookie(self.visitor, self.cart)
+        page = self.visitor.ask("order_l2.php")
+        form = page.form("kvorder")
+        self.assertEqual(form["action"], "kvorder_l2.php")
+
+
+class Stock(Shop):
+    def limit(self, kind, key, pieces, available=1):
+        shop().execute(f"REPLACE INTO kv_disponibilita VALUES ('{kind}', '{key}', {available}, {pieces})")
+
+    def stock(self):
+        return shop().rows("SELECT quantita FROM kv_disponibilita")[0][0]
+
+    def test_an_order_takes_its_pieces(self):
+        self.limit("A", self.article, 5)
+        order(self.visitor, f"{self.article}.2", method=2)
+        self.assertEqual(self.stock(), "3")
+
+    def test_more_than_there_is_cannot_be_ordered(self):
+        self.limit("A", self.article, 1)
+        line = served_lines(self.visitor, f"{self.article}.2")[0]
+        self.assertEqual((line["ok"], line["m"]), (True, 1))
+        self.assertIn("m=53", self.visitor.ask("order.php", follow=False).headers["Location"])
+        order(self.visitor, self.cart, Dettaglio=f"{self.article}.2")
+        self.assertEqual((self.count("kv_ordini"), self.stock()), (0, "1"))
+
+    def test_an_article_that_is_switched_off_cannot_be_ordered(self):
+        self.limit("A", self.article, "NULL", 0)
+        self.assertEqual(served_lines(self.visitor, self.cart)[0]["m"], 0)
+
+    def test_a_value_of_a_variant_has_its_own_stock(self):
+        page = self.visitor.ask("cat007.php").text
+        key = re.search(r'value="[^"]*#O\|[^"]*" data-k="(\w+)"', page).group(1)
+        cart = f"{article('TZ-002')}.2.{key}"
+        self.limit("O", "O", 3)
+        order(self.visitor, cart, method=2)
+        self.assertEqual(self.stock(), "1")
+        self.assertEqual(served_lines(self.visitor, cart)[0]["m"], 1)
+
+    def test_two_lines_share_the_stock_of_their_article(self):
+        keys = re.findall(r'data-k="(\w+)"', self.visitor.ask("cat007.php").text.split("TZ-002")[0].rsplit("<article")[-1])
+        number = article("TZ-002")
+        self.limit("A", number, 3)
+        lines = served_lines(self.visitor, f"{number}.2.{keys[0]}_{number}.2.{keys[1]}")
+        self.assertEqual([line["m"] for line in lines], [1, 1])
+
+    def test_the_last_piece_goes_to_one_of_many(self):
+        self.limit("A", self.article, 1)
+        visitors = [shop().visitor() for _ in range(8)]
+        with concurrent.futures.ThreadPoolExecutor(8) as pool:
+            pages = list(pool.map(lambda visitor: self.attempt(visitor), visitors))
+        self.assertEqual((self.count("kv_ordini"), self.stock()), (1, "0"))
+        self.assertEqual(sum("thankyou" in address for address in pages), 1)
+
+    def attempt(self, visitor):
+        try:
+            return order(visitor, self.cart, method=2).address
+        except AttributeError:
+            return "order form refused"
+
+
+class Search(Shop):
+    def found(self, words, page=1):
+        text = self.visitor.ask("kvsearch.php?" + urllib.parse.urlencode({"q": words, "p": page}, encoding="cp1252")).text
+        return re.findall(r'<li class="risultato">\s*<a href="[^"]*">(.*?)</a>', text, re.S)
+
+    def test_words_are_found_in_any_case_and_without_accents(self):
+        wanted = self.found("caffè")
+        self.assertTrue(wanted)
+        self.assertEqual(self.found("CAFFE"), wanted)
+
+    def test_all_words_must_be_there(self):
+        self.assertTrue(self.found("tazza alba"))
+        self.assertEqual(self.found("tazza xyzzy"), [])
+
+    def test_parts_of_words_are_found(self):
+        self.assertLessEqual(set(self.found("tazza alb")), set(self.found("azza lb")))
+        self.assertIn("Tazza &quot;Alba&quot;", self.found("azz lba"))
+
+    def test_letters_of_patterns_stand_for_themselves(self):
+        for words in ("%%", "__", "t%a", ".*", "[a-z]+", "ta(zz", "\\w\\w", "a|b"):
+            self.assertEqual(self.found(words + " zzqq"), [], words)
+        self.assertEqual(self.found("t_zza"), [])
+
+    def test_any_word_is_enough_where_the_shop_says_so(self):
+        with self.changed(b'"all" !== \'any\'', b'"any" !== \'any\''):
+            self.assertTrue(self.found("tazza xyzzy"))
+
+    def test_whole_words_are_whole_where_the_shop_says_so(self):
+        with self.changed(b'var sleft = ",#.*"; var sright = "";', b'var sleft = "#"; var sright = "#";'):
+            self.assertEqual(self.found("tazz"), [])
+            self.assertTrue(self.found("tazza"))
+            self.assertEqual(self.found("caff"), [])
+            self.assertTrue(self.found("caffe"))
+            self.assertTrue(self.found("olio"))
+
+    def changed(self, before, after):
+        test = self
+
+        class Changed:
+            script = shop().shop / "online/kvsearch.php"
+
+            def __enter__(self):
+                self.text = self.script.read_bytes()
+                test.assertIn(before, self.text)
+                self.script.write_bytes(self.text.replace(before, after))
+
+            def __exit__(self, *failure):
+                self.script.write_bytes(self.text)
+        return Changed()
+
+    def test_closed_and_hidden_departments_stay_out(self):
+        self.assertEqual(self.found("RV-001"), [])
+        self.customer(listino=1)
+        self.assertTrue(self.found("RV-001"))
+        shop().execute("UPDATE categorie SET nascosto = 1 WHERE ID = 'cat008'")
+        try:
+            self.assertEqual(self.found("PI-002"), [])
+        finally:
+            shop().execute("UPDATE categorie SET nascosto = 0 WHERE ID = 'cat008'")
+
+    def test_results_come_in_pages(self):
+        first = self.found("di")
+        self.assertEqual(len(first), 10)
+        second = self.found("di", 2)
+        self.assertTrue(second and not set(first) & set(second))
+        self.assertEqual(self.found("di", 999), self.found("di", 99))
+        text = self.visitor.ask("kvsearch.php?q=di").text
+        self.assertIn('aria-current="page">1<', text)
+        self.assertIn('kvsearch.php?q=di&amp;p=2"', text)
+
+    def test_a_result_leads_to_its_article(self):
+        text = self.visitor.ask("kvsearch.php?q=PI-002").text
+        self.assertRegex(text, r'href="cat008\.php\?n=1#\d"')
+
+
+class Access(Shop):
+    def test_an_address_registers_once(self):
+        register(self.visitor)
+        self.assertIn("m=3", register(shop().visitor(), "ADA@example.org").address)
+
+    def test_an_incomplete_registration_is_refused(self):
+        for fields in ({"pw": "corta"}, {"nome": ""}, {"cognome": " "}, {"address": "nessun indirizzo"}):
+            self.assertIn("m=2", register(shop().visitor(), **fields).address, fields)
+        send(self.visitor, "registra", email="ada@example.org", pw="x" * 8, nome="Ada", cognome="Neri")
+        self.assertEqual(self.count("kv_clienti"), 0)
+
+    def test_a_customer_changes_the_own_data(self):
+        self.customer()
+        send(self.visitor, "dati", nome="Ada", cognome="Verdi", citta="Pisa")
+        self.assertEqual(shop().rows("SELECT cognome, citta FROM kv_clienti"), [["Verdi", "Pisa"]])
+        self.assertIn('value="Pisa"', self.visitor.ask("login.php").text)
+
+    def test_a_customer_cannot_change_listino_or_discount(self):
+        self.customer()
+        send(self.visitor, "dati", nome="Ada", cognome="Neri", listino="9", sconto="99", approvato="1", id="0")
+        self.assertEqual(shop().rows("SELECT listino, sconto FROM kv_clienti"), [["0", "0.00"]])
+
+    def test_a_login_that_was_asked_for_by_the_order_leads_to_it(self):
+        register(shop().visitor())
+        answer = enter(self.visitor, dopo="ordine", page="login.php?m=23")
+        self.assertIn("order.php", answer.address)
+
+    def test_the_limits_of_registration_can_hold_for_the_first_listino_too(self):
+        funcs, page = shop().shop / "online/funcs.php", shop().shop / "online/order.php"
+        texts = funcs.read_bytes(), page.read_bytes()
+        funcs.write_bytes(texts[0].replace(b"$regobbl = 0;\r\n$visofferta", b"$regobbl = 1;\r\n$visofferta", 1))
+        page.write_bytes(texts[1].replace(b"\r\n<?php\r\n$cartdisp", b"\r\n<?php\r\nif ($cliente > 0 && $listino==0 && "
+                                          b"$regobbl) {\r\nheader(\"Location: login$Lingua.php?m=37&t=.37.\");\r\n}\r\n?>"
+                                          b"\r\n<?php\r\n$cartdisp", 1))
+        try:
+            self.customer()
+            self.assertIn("login.php?m=37&amp;t=.37.", self.visitor.ask("cat008.php").text)
+            cart_cookie(self.visitor, self.cart)
+            self.assertIn("m=37", self.visitor.ask("order.php", follow=False).headers["Location"])
+            shop().execute("UPDATE kv_clienti SET listino = 1")
+            self.assertNotIn("m=37", self.visitor.ask("cat008.php").text)
+        finally:
+            funcs.write_bytes(texts[0])
+            page.write_bytes(texts[1])
+
+    def test_messages_come_by_their_number(self):
+        for number, words in ((1, "errati"), (23, "registrarsi"), (37, "non sei abilitato"), (53, "non sono più disponibili")):
+            self.assertIn(words, self.visitor.ask(f"login.php?m={number}").text)
+        self.assertIn("non sei abilitato", self.visitor.ask("login.php?m=1&t=.37.").text)
+
+
+if __name__ == "__main__":
+    main()
