@@ -1,78 +1,127 @@
 <?php
-// What every page of the back office starts with: the session, the merchant's access, the database and the frame of
-// the page. The back office stands in a folder of its own and shares no file with the shop.
+// What every page of the back office starts with: headers, session, the merchant's access, notices from page to page.
+// The back office may stand anywhere on the host, so it uses no file of the shop's folder: kvcontext.php, kvdb.php,
+// kvmail.php and kvtables.php beside it are copies that the packing of the data makes of the shop's own sources.
+include_once __DIR__ . '/kvcontext.php';
+include_once __DIR__ . '/kvdb.php';
+include_once __DIR__ . '/kvtables.php';
+include_once __DIR__ . '/bo_pagina.php';
 
-ini_set('display_errors', '0');
-header('Content-Type: text/html; charset=windows-1252');
-header('X-Content-Type-Options: nosniff');
-header('X-Frame-Options: DENY');
-header('Referrer-Policy: same-origin');
-header('Cache-Control: no-store');
-header("Content-Security-Policy: default-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
-ini_set('session.use_strict_mode', '1');
-session_name('kvstore_backoffice');
-session_set_cookie_params([
-    'httponly' => true,
-    'samesite' => 'Strict',
-    'secure' => ($_SERVER['HTTPS'] ?? '') !== '' && $_SERVER['HTTPS'] !== 'off',
-]);
-session_start();
+/** Seconds without a request after which the access ends, and seconds after which it ends anyway. */
+const BO_INATTIVITA = 1800;
+const BO_DURATA = 43200;
 
-/** The shop's settings, one a line: database server, user, password, name; back office user, password; shop. */
+/** The shop's settings, as they were before the build put a backslash before each quote. */
 function boImpostazioni(): array
 {
-    $righe = <<<'KORVANE_VALORI'
-<<1-db_hostname>>
-<<1-db_username>>
-<<1-db_password>>
-<<1-db_dbname>>
+    static $impostazioni = null;
+    if ($impostazioni === null) {
+        $righe = kvValori(<<<'KORVANE_VALORI'
 <<1-bo_username>>
 <<1-bo_password>>
 <<1-negozio>>
-KORVANE_VALORI;
-    // The build puts a backslash before each quote.
-    return preg_split('/\r\n|\n|\r/', preg_replace('/\\\\(["\'])/', '$1', $righe));
+<<1-perl_shopURL>>
+KORVANE_VALORI
+        );
+        $impostazioni = array_combine(['utente', 'password', 'negozio', 'indirizzo'], array_slice($righe, 0, 4));
+    }
+    return $impostazioni;
 }
 
-/** A text as HTML. */
-function boHtml(?string $testo): string
+/** Whether the merchant has set both a user name and a password; without them nobody gets in. */
+function boProtetto(): bool
 {
-    return htmlspecialchars((string) $testo, ENT_QUOTES | ENT_SUBSTITUTE, 'cp1252');
+    return boImpostazioni()['utente'] !== '' && boImpostazioni()['password'] !== '';
 }
 
-/** A value of a request as text, trimmed and cut; empty when absent. */
-function boCampo(array $richiesta, string $nome, int $massimo = 200): string
+function boIntestazioni(): void
 {
-    $valore = $richiesta[$nome] ?? '';
-    return is_string($valore) ? substr(trim($valore), 0, $massimo) : '';
+    ini_set('display_errors', '0');
+    header('Content-Type: text/html; charset=windows-1252');
+    header('X-Content-Type-Options: nosniff');
+    header('X-Frame-Options: DENY');
+    header('X-Robots-Tag: noindex, nofollow');
+    header('Referrer-Policy: same-origin');
+    header('Cache-Control: no-store');
+    header("Content-Security-Policy: default-src 'none'; style-src 'self'; script-src 'self'; img-src 'self';"
+        . " form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
 }
 
-/** Runs a statement with bound values: rows by column name, null when the server refused it. */
-function boQuery(string $sql, array $valori = []): ?array
+/** The buffered page. When the database can't be reached kvdb.php ends with bare words: a page says so instead. */
+function boPaginaFinita(string $pagina): string
 {
-    static $connessione = null;
-    if ($connessione === null) {
-        $accesso = boImpostazioni();
-        mysqli_report(MYSQLI_REPORT_OFF);
-        $connessione = mysqli_init();
-        if (!@mysqli_real_connect($connessione, $accesso[0], $accesso[1], $accesso[2], $accesso[3])) {
-            $connessione = null;
-            return null;
-        }
-        mysqli_set_charset($connessione, 'latin1');
+    $codice = http_response_code();
+    if ($codice === 503 && stripos($pagina, '<html') === false) {
+        return boPaginaChiusa('Il database del negozio non è raggiungibile: riprovare tra qualche minuto.');
     }
-    $istruzione = mysqli_prepare($connessione, $sql);
-    if ($istruzione === false) {
-        return null;
+    return $codice >= 300 && $codice < 400 ? '' : $pagina;
+}
+
+/** Goes to another page of the back office and ends. */
+function boVai(string $pagina): void
+{
+    header('Location: ' . $pagina, true, 303);
+    exit;
+}
+
+/** Ends with a page that holds nothing but a notice. */
+function boChiudi(int $codice, string $testo): void
+{
+    http_response_code($codice);
+    die(boPaginaChiusa($testo));
+}
+
+function boApriSessione(): void
+{
+    session_name('kvstore_backoffice' . (int) kvNegozio());
+    $cartella = rtrim(str_replace('\\', '/', dirname((string) ($_SERVER['SCRIPT_NAME'] ?? '/'))), '/');
+    session_set_cookie_params(['path' => $cartella . '/', 'httponly' => true, 'samesite' => 'Strict',
+        'secure' => kvProtetta()]);
+    $aperta = @session_start(['use_strict_mode' => 1, 'use_only_cookies' => 1, 'cache_limiter' => '',
+        'gc_maxlifetime' => BO_INATTIVITA]);
+    if (!$aperta) {
+        boChiudi(503, 'Il server non conserva le sessioni: rivolgersi al gestore dello spazio web.');
     }
-    if ($valori !== []) {
-        mysqli_stmt_bind_param($istruzione, str_repeat('s', count($valori)), ...$valori);
+}
+
+/** What a session remembers of the access data: other ones, set by a later build, end it. */
+function boSegno(): string
+{
+    $dati = boImpostazioni();
+    return hash('sha256', $dati['utente'] . "\n" . $dati['password'] . "\n" . kvNegozio());
+}
+
+/** Whether this session has access; one that was left alone for too long loses it, with a notice. */
+function boEntrato(): bool
+{
+    $accesso = $_SESSION['backoffice'] ?? null;
+    if (!boProtetto() || !is_array($accesso) || !hash_equals(boSegno(), (string) ($accesso['segno'] ?? ''))) {
+        return false;
     }
-    if (!mysqli_stmt_execute($istruzione)) {
-        return null;
+    $adesso = time();
+    if ($adesso - (int) $accesso['visto'] > BO_INATTIVITA || $adesso - (int) $accesso['inizio'] > BO_DURATA) {
+        $_SESSION = [];
+        session_regenerate_id(true);
+        boAvvisa('La sessione è scaduta: accedere di nuovo.', true);
+        return false;
     }
-    $esito = mysqli_stmt_get_result($istruzione);
-    return $esito === false ? [] : mysqli_fetch_all($esito, MYSQLI_ASSOC);
+    $_SESSION['backoffice']['visto'] = $adesso;
+    return true;
+}
+
+/** Gives the session access, under a fresh number and with a fresh token. */
+function boEntra(): void
+{
+    session_regenerate_id(true);
+    $_SESSION = ['backoffice' => ['segno' => boSegno(), 'inizio' => time(), 'visto' => time()]];
+}
+
+/** Sends whoever hasn't access to the first page, which asks for user and password. */
+function boRiservata(): void
+{
+    if (!boEntrato()) {
+        boVai('index.php');
+    }
 }
 
 /** The token that each form of the session carries. */
@@ -84,35 +133,37 @@ function boGettone(): string
     return $_SESSION['gettone'];
 }
 
-function boGettoneValido(): bool
+/** Whether a form was sent. One without the session's token ends the page: the merchant's own hand didn't send it. */
+function boInvio(): bool
 {
-    return hash_equals(boGettone(), boCampo($_POST, 'gettone', 64));
-}
-
-/** Sends whoever hasn't signed in to the first page, which asks for user and password. */
-function boRiservata(): void
-{
-    if (!isset($_SESSION['accesso'])) {
-        header('Location: index.php', true, 303);
-        exit;
+    if ($_SERVER['REQUEST_METHOD'] !== 'POST') {
+        return false;
     }
-}
-
-/** The top of a page; the menu only for who has signed in. */
-function boInizio(string $titolo): void
-{
-    $negozio = boHtml(boImpostazioni()[6] ?? '');
-    echo '<!DOCTYPE html><html lang="it"><head><meta charset="windows-1252">',
-        '<meta name="viewport" content="width=device-width, initial-scale=1"><meta name="robots" content="noindex">',
-        '<title>', boHtml($titolo), ' - ', $negozio, '</title><link rel="stylesheet" href="bo.css"></head><body>',
-        '<header><strong>', $negozio, '</strong> BackOffice';
-    if (isset($_SESSION['accesso'])) {
-        echo '<nav><a href="ordini.php">Ordini</a> <a href="clienti.php">Clienti</a> <a href="esci.php">Esci</a></nav>';
+    if (!isset($_SESSION['gettone']) || !hash_equals($_SESSION['gettone'], kvCampo($_POST, 'gettone', 64))) {
+        boChiudi(403, 'La pagina è scaduta: tornare indietro, ricaricarla e ripetere l\'operazione.');
     }
-    echo '</header><main><h1>', boHtml($titolo), '</h1>';
+    return true;
 }
 
-function boFine(): void
+/** Leaves a notice for the next page that is shown. */
+function boAvvisa(string $testo, bool $errore = false): void
 {
-    echo '</main></body></html>';
+    $_SESSION['avvisi'][] = [$testo, $errore];
 }
+
+/** A whole number of a request between two bounds; the lower one when it is none. */
+function boNumero(array $modulo, string $nome, int $minimo, int $massimo): int
+{
+    $testo = kvCampo($modulo, $nome, 10);
+    return max($minimo, min($massimo, preg_match('/^\d+$/D', $testo) ? (int) $testo : $minimo));
+}
+
+/** How many rows a query of the form SELECT COUNT(*) AS n counts. */
+function boConta(string $sql, array $valori = []): int
+{
+    return (int) (kvRiga($sql, $valori)['n'] ?? 0);
+}
+
+boIntestazioni();
+ob_start('boPaginaFinita');
+boApriSessione();

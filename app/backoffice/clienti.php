@@ -1,54 +1,67 @@
 <?php
-// The registered customers, with the listino (0 to 9) and the personal discount (percent) of each.
+// The registered customers: search, those who wait for approval, approval on the spot.
 include "bo_base.php";
 boRiservata();
 
-if ($_SERVER['REQUEST_METHOD'] === 'POST') {
-    $boListino = (int) boCampo($_POST, 'listino', 2);
-    $boSconto = (float) str_replace(',', '.', boCampo($_POST, 'sconto', 6));
-    if (boGettoneValido() && $boListino >= 0 && $boListino <= 9 && $boSconto >= 0 && $boSconto <= 100) {
-        boQuery('UPDATE kv_clienti SET listino = ?, sconto = ? WHERE id = ?',
-            [$boListino, $boSconto, (int) boCampo($_POST, 'id', 10)]);
+const BO_PER_PAGINA = 25;
+
+/** What a request asks of the list: the parameters that stand for it, the condition and its values. */
+function boFiltroClienti(array $richiesta): array
+{
+    $parametri = ['q' => kvRigaCampo($richiesta, 'q', 100), 'attesa' => isset($richiesta['attesa']) ? '1' : ''];
+    $dove = $parametri['attesa'] === '' ? '1 = 1' : 'approvato = 0';
+    if ($parametri['q'] === '') {
+        return [$parametri, $dove, []];
     }
-    header('Location: clienti.php?q=' . rawurlencode(boCampo($_GET, 'q', 100)), true, 303);
-    exit;
+    return [$parametri, $dove . " AND INSTR(CONCAT_WS(' ', email, nome, cognome, nome, rsoc, piva, citta), ?) > 0",
+        [$parametri['q']]];
 }
-$boCerca = boCampo($_GET, 'q', 100);
-$boSimile = '%' . addcslashes($boCerca, '%_\\') . '%';
-$boClienti = boQuery(
-    "SELECT id, email, nome, cognome, listino, sconto, creato FROM kv_clienti"
-    . " WHERE CONCAT_WS(' ', email, nome, cognome) LIKE ? ORDER BY id DESC LIMIT 200", [$boSimile]) ?? [];
-boInizio('Clienti');
+
+/** What the list says of one customer's approval: a mark, or the form that gives it. */
+function boApprovazione(array $cliente, array $parametri): string
+{
+    if ($cliente['approvato']) {
+        return 'Sì';
+    }
+    return '<form method="post" action="' . kvHtml(boIndirizzo('clienti.php', $parametri)) . '">' . boCampoGettone()
+        . '<input type="hidden" name="id" value="' . (int) $cliente['id'] . '">'
+        . '<button type="submit" aria-label="Approva ' . kvHtml($cliente['email']) . '">Approva</button></form>';
+}
+
+list($boParametri, $boDove, $boValori) = boFiltroClienti($_GET);
+if (boInvio()) {
+    kvQuery('UPDATE kv_clienti SET approvato = 1 WHERE id = ?', [boNumero($_POST, 'id', 0, PHP_INT_MAX)]);
+    if (kvRigheToccate() === 1) {
+        boAvvisa('Cliente approvato.');
+    }
+    boVai(boIndirizzo('clienti.php', $boParametri));
+}
+$boTrovati = boConta("SELECT COUNT(*) AS n FROM kv_clienti WHERE $boDove", $boValori);
+$boQuantePagine = max(1, (int) ceil($boTrovati / BO_PER_PAGINA));
+$boPagina = boNumero($_GET, 'p', 1, $boQuantePagine);
+$boClienti = kvQuery('SELECT id, email, nome, cognome, rsoc, listino, sconto, approvato, creato FROM kv_clienti'
+    . " WHERE $boDove ORDER BY id DESC LIMIT " . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA,
+    $boValori) ?? [];
+boInizio('Clienti', 'clienti.php');
 ?>
-<form method="get" action="clienti.php" role="search">
-<label>Cerca <input type="search" name="q" maxlength="100" value="<?php echo boHtml($boCerca); ?>"></label>
-<button type="submit">Cerca</button>
+<form class="filtro" method="get" action="clienti.php" role="search">
+<?php echo boCampo('Nome, e-mail, ragione sociale, partita IVA o città', 'q', $boParametri['q'],
+    'type="search" maxlength="100"'); ?>
+<label class="spunta"><input type="checkbox" name="attesa" value="1"<?php
+    echo $boParametri['attesa'] === '' ? '' : ' checked'; ?>> <span>Solo in attesa di approvazione</span></label>
+<p><button type="submit">Cerca</button></p>
 </form>
 <?php if ($boClienti === []) { ?>
-<p>Nessun cliente registrato.</p>
+<p><?php echo implode('', $boParametri) === '' ? 'Nessun cliente registrato.' : 'Nessun cliente trovato.'; ?></p>
 <?php } else { ?>
-<table>
-<thead><tr><th>Cliente</th><th>E-mail</th><th>Registrato</th><th>Listino e sconto %</th></tr></thead>
-<tbody>
-<?php foreach ($boClienti as $boCliente) { ?>
-<tr>
-<td><?php echo boHtml($boCliente['nome'] . ' ' . $boCliente['cognome']); ?></td>
-<td><?php echo boHtml($boCliente['email']); ?></td>
-<td><?php echo boHtml($boCliente['creato']); ?></td>
-<td>
-<form class="riga" method="post" action="clienti.php?q=<?php echo rawurlencode($boCerca); ?>">
-<input type="hidden" name="gettone" value="<?php echo boGettone(); ?>">
-<input type="hidden" name="id" value="<?php echo (int) $boCliente['id']; ?>">
-<input type="number" name="listino" min="0" max="9" aria-label="Listino"
-  value="<?php echo (int) $boCliente['listino']; ?>">
-<input type="number" name="sconto" min="0" max="100" step="0.01" aria-label="Sconto"
-  value="<?php echo (float) $boCliente['sconto']; ?>">
-<button type="submit">Salva</button>
-</form>
-</td>
-</tr>
-<?php } ?>
-</tbody>
-</table>
-<?php }
+<p class="sommario"><?php echo $boTrovati, $boTrovati === 1 ? ' cliente' : ' clienti'; ?></p>
+<?php
+    boTabella(['Cliente', 'E-mail', 'Registrato', '#Listino', '#Sconto %', 'Approvato'], array_map(fn($riga) => [
+        '<a href="cliente.php?id=' . (int) $riga['id'] . '">'
+            . kvHtml(trim($riga['nome'] . ' ' . $riga['cognome']) ?: $riga['email']) . '</a>'
+            . ($riga['rsoc'] === '' ? '' : '<small>' . kvHtml($riga['rsoc']) . '</small>'),
+        kvHtml($riga['email']), boData($riga['creato'], false), (string) (int) $riga['listino'],
+        boDecimale($riga['sconto']), boApprovazione($riga, $boParametri)], $boClienti), 'Clienti');
+    boPagine('clienti.php', $boParametri, $boPagina, $boQuantePagine);
+}
 boFine();

@@ -1,7 +1,10 @@
 <?php
-// Leaves the back office.
+// Leaves the back office. A link alone can't do it: the form of the header carries the session's token.
 include "bo_base.php";
 
-$_SESSION = [];
-session_destroy();
-header('Location: index.php', true, 303);
+if (boInvio()) {
+    $_SESSION = [];
+    session_regenerate_id(true);
+    boAvvisa('Sessione terminata.');
+}
+boVai('index.php');

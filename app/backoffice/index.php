@@ -1,41 +1,57 @@
 <?php
-// First page of the back office: asks for user and password, then goes on to the orders. Each wrong attempt of a
-// session makes the next answer slower.
+// First page of the back office: asks for user and password. Five wrong answers for one account from one address, or
+// twenty from one address, bar further ones for a quarter of an hour.
 include "bo_base.php";
 
-$boErrore = '';
-list(, , , , $boUtente, $boPassword) = boImpostazioni();
-if ($_SERVER['REQUEST_METHOD'] === 'POST') {
-    $boData = isset($_POST['password']) && is_string($_POST['password']) ? $_POST['password'] : '';
-    $boGiusta = hash_equals($boUtente, boCampo($_POST, 'utente', 100)) && hash_equals($boPassword, $boData);
-    if ($boUtente !== '' && $boPassword !== '' && boGettoneValido() && $boGiusta) {
-        session_regenerate_id(true);
-        $_SESSION = ['accesso' => true];
-        header('Location: ordini.php', true, 303);
-        exit;
+/** Why these access data don't open the back office; empty when they do. */
+function boRifiuto(string $utente, string $password): string
+{
+    $chiavi = [kvChiaveTentativi('backoffice', $utente), kvChiaveTentativi('backoffice', '')];
+    if (kvTroppiTentativi($chiavi[0], 'kvQuery') || kvTroppiTentativi($chiavi[1], 'kvQuery', 20)) {
+        return 'Troppi tentativi: riprovare tra un quarto d\'ora.';
     }
-    $_SESSION['tentativi'] = min(12, (int) ($_SESSION['tentativi'] ?? 0) + 1);
-    usleep(300000 * $_SESSION['tentativi']);
-    $boErrore = 'Nome utente o password errati.';
+    foreach ($chiavi as $chiave) {
+        kvSegnaTentativo($chiave, 'kvQuery');
+    }
+    // Both comparisons always take place, on texts of equal length.
+    $giuste = hash_equals(hash('sha256', boImpostazioni()['utente']), hash('sha256', $utente))
+        & hash_equals(hash('sha256', boImpostazioni()['password']), hash('sha256', $password));
+    if (!boProtetto() || !$giuste) {
+        return 'Nome utente o password errati.';
+    }
+    foreach ($chiavi as $chiave) {
+        kvAzzeraTentativi($chiave, 'kvQuery');
+    }
+    return '';
 }
-if (isset($_SESSION['accesso'])) {
-    header('Location: ordini.php', true, 303);
-    exit;
+
+if (boEntrato()) {
+    boVai('pannello.php');
 }
-boInizio('Accesso');
-if ($boUtente === '' || $boPassword === '') {
+$boErrore = '';
+if (!boProtetto()) {
     $boErrore = 'Il BackOffice non è protetto e resta chiuso: indicare nome utente e password nella scheda Internet,'
         . ' quindi costruire ed aggiornare il negozio.';
+} elseif (boInvio()) {
+    $boErrore = boRifiuto(kvCampo($_POST, 'utente'),
+        isset($_POST['password']) && is_string($_POST['password']) ? substr($_POST['password'], 0, 200) : '');
+    if ($boErrore === '') {
+        boEntra();
+        boVai('pannello.php');
+    }
 }
 if ($boErrore !== '') {
-    echo '<p class="avviso" role="alert">', boHtml($boErrore), '</p>';
+    boAvvisa($boErrore, true);
 }
+boInizio('Accesso');
+if (boProtetto()) {
 ?>
-<form method="post" action="index.php">
-<input type="hidden" name="gettone" value="<?php echo boGettone(); ?>">
-<label>Nome utente <input name="utente" maxlength="100" autocomplete="username" required></label>
-<label>Password <input type="password" name="password" maxlength="100" autocomplete="current-password" required></label>
-<button type="submit">Entra</button>
+<form class="modulo" method="post" action="index.php">
+<?php echo boCampoGettone(); ?>
+<label>Nome utente <input name="utente" maxlength="200" autocomplete="username" required autofocus></label>
+<label>Password <input type="password" name="password" maxlength="200" autocomplete="current-password" required></label>
+<p><button type="submit">Entra</button></p>
 </form>
 <?php
+}
 boFine();

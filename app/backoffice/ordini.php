@@ -1,68 +1,38 @@
 <?php
-// The orders, newest first, fifty a page; with ?codice= one order with its summary and state.
+// The orders, newest first, found by code, name, mail, days and state; the same choice goes to the CSV file.
 include "bo_base.php";
+include_once "bo_ordini.php";
 boRiservata();
 
-const BO_STATI = ['nuovo', 'da verificare', 'pagato', 'rifiutato', 'spedito', 'annullato'];
-const BO_PER_PAGINA = 50;
+const BO_PER_PAGINA = 25;
 
-/** One order with the form that changes its state. */
-function boOrdine(array $ordine): void
-{
-    boInizio('Ordine ' . $ordine['codice']);
-    echo '<p>', boHtml($ordine['creato']), ' &middot; ', boHtml($ordine['nome']), ' &middot; <a href="mailto:',
-        boHtml($ordine['email']), '">', boHtml($ordine['email']), '</a></p>',
-        '<pre>', boHtml($ordine['riepilogo']), '</pre><form method="post" action="ordini.php?codice=',
-        rawurlencode($ordine['codice']), '"><input type="hidden" name="gettone" value="', boGettone(),
-        '"><label>Stato <select name="stato">';
-    foreach (BO_STATI as $stato) {
-        echo '<option', $stato === $ordine['stato'] ? ' selected' : '', '>', $stato, '</option>';
-    }
-    echo '</select></label><button type="submit">Salva</button></form><p><a href="ordini.php">Tutti gli ordini</a></p>';
-    boFine();
+list($boParametri, $boDove, $boValori) = boFiltroOrdini($_GET);
+$boTrovati = boConta("SELECT COUNT(*) AS n FROM kv_ordini WHERE $boDove", $boValori);
+$boQuantePagine = max(1, (int) ceil($boTrovati / BO_PER_PAGINA));
+$boPagina = boNumero($_GET, 'p', 1, $boQuantePagine);
+$boOrdini = kvQuery('SELECT ' . BO_COLONNE_ORDINE . " FROM kv_ordini WHERE $boDove ORDER BY id DESC LIMIT "
+    . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
+boInizio('Ordini', 'ordini.php');
+?>
+<form class="filtro" method="get" action="ordini.php" role="search">
+<?php echo boCampo('Codice, nome o e-mail', 'q', $boParametri['q'], 'type="search" maxlength="100"'),
+    boCampo('Dal', 'da', $boParametri['da'], 'type="date"'), boCampo('Al', 'a', $boParametri['a'], 'type="date"'); ?>
+<label>Stato <select name="stato"><?php
+    echo boScelte(boSceltaStati(['' => 'Tutti', 'aperti' => 'Da evadere']), $boParametri['stato']); ?></select></label>
+<p><button type="submit">Cerca</button></p>
+</form>
+<?php if ($boOrdini === []) { ?>
+<p><?php echo implode('', $boParametri) === '' ? 'Non ci sono ancora ordini.' : 'Nessun ordine trovato.'; ?></p>
+<?php } else { ?>
+<p class="sommario"><?php echo $boTrovati, $boTrovati === 1 ? ' ordine' : ' ordini'; ?> &middot;
+<a href="<?php echo kvHtml(boIndirizzo('ordini_csv.php', $boParametri)); ?>">Scarica in CSV</a></p>
+<?php
+    boTabella(['Codice', 'Data', 'Cliente', 'E-mail', '#Totale', 'Pagamento', 'Stato'], array_map(fn($riga) => [
+        '<a href="' . kvHtml(boIndirizzo('ordine.php', ['codice' => $riga['codice']])) . '">' . kvHtml($riga['codice'])
+            . '</a>',
+        boData($riga['creato']), kvHtml($riga['nome']), kvHtml($riga['email']),
+        boImporto($riga['totale'], $riga['valuta']), kvHtml($riga['metodo']), boStato($riga['stato'])], $boOrdini),
+        'Ordini');
+    boPagine('ordini.php', $boParametri, $boPagina, $boQuantePagine);
 }
-
-function boElencoOrdini(int $pagina): void
-{
-    $righe = boQuery('SELECT codice, creato, nome, totale, valuta, metodo, stato FROM kv_ordini ORDER BY id DESC LIMIT '
-        . (BO_PER_PAGINA + 1) . ' OFFSET ' . (($pagina - 1) * BO_PER_PAGINA));
-    boInizio('Ordini');
-    if ($righe === null || $righe === []) {
-        echo '<p>Non ci sono ancora ordini.</p>';
-        boFine();
-        return;
-    }
-    echo '<table><thead><tr><th>Codice</th><th>Data</th><th>Cliente</th><th>Totale</th><th>Pagamento</th>',
-        '<th>Stato</th></tr></thead><tbody>';
-    foreach (array_slice($righe, 0, BO_PER_PAGINA) as $riga) {
-        echo '<tr><td><a href="ordini.php?codice=', rawurlencode($riga['codice']), '">', boHtml($riga['codice']),
-            '</a></td><td>', boHtml($riga['creato']), '</td><td>', boHtml($riga['nome']), '</td><td class="numero">',
-            boHtml($riga['valuta'] . ' ' . $riga['totale']), '</td><td>', boHtml($riga['metodo']), '</td><td>',
-            boHtml($riga['stato']), '</td></tr>';
-    }
-    echo '</tbody></table><p>';
-    if ($pagina > 1) {
-        echo '<a href="ordini.php?p=', $pagina - 1, '">Più recenti</a> ';
-    }
-    if (count($righe) > BO_PER_PAGINA) {
-        echo '<a href="ordini.php?p=', $pagina + 1, '">Precedenti</a>';
-    }
-    echo '</p>';
-    boFine();
-}
-
-$boCodice = boCampo($_GET, 'codice', 20);
-if ($boCodice !== '' && $_SERVER['REQUEST_METHOD'] === 'POST') {
-    $boStato = boCampo($_POST, 'stato', 20);
-    if (boGettoneValido() && in_array($boStato, BO_STATI, true)) {
-        boQuery('UPDATE kv_ordini SET stato = ? WHERE codice = ?', [$boStato, $boCodice]);
-    }
-    header('Location: ordini.php?codice=' . rawurlencode($boCodice), true, 303);
-    exit;
-}
-$boOrdine = $boCodice === '' ? [] : boQuery('SELECT * FROM kv_ordini WHERE codice = ?', [$boCodice]);
-if ($boOrdine) {
-    boOrdine($boOrdine[0]);
-} else {
-    boElencoOrdini(max(1, (int) boCampo($_GET, 'p', 6)));
-}
+boFine();

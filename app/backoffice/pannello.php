@@ -1,0 +1,55 @@
+<?php
+// What waits for the merchant: orders of today and of this month, those to be worked on, customers to be approved.
+include "bo_base.php";
+boRiservata();
+
+/** Orders since a moment (an SQL expression of ours): how many, and the sum of those still good, by currency. */
+function boSomma(string $da): string
+{
+    $righe = kvQuery("SELECT valuta, COUNT(*) AS n, SUM(IF(stato IN ('annullato', 'rifiutato'), 0, totale)) AS somma"
+        . " FROM kv_ordini WHERE creato >= $da GROUP BY valuta ORDER BY valuta") ?? [];
+    $ordini = array_sum(array_column($righe, 'n'));
+    $somme = array_map(fn($riga) => boImporto($riga['somma'], $riga['valuta']), $righe);
+    return '<strong>' . $ordini . '</strong> ' . ($ordini === 1 ? 'ordine' : 'ordini')
+        . ($somme === [] ? '' : '<small>' . implode(', ', $somme) . '</small>');
+}
+
+/** A tile of the page: a heading, what it holds as HTML, and the page behind it. */
+function boRiquadro(string $titolo, string $html, string $indirizzo): string
+{
+    return '<li><a href="' . kvHtml($indirizzo) . '"><h2>' . kvHtml($titolo) . '</h2><p>' . $html . '</p></a></li>';
+}
+
+/** A counted thing as HTML. */
+function boQuanti(int $n, string $uno, string $molti): string
+{
+    return '<strong>' . $n . '</strong> ' . ($n === 1 ? $uno : $molti);
+}
+
+// The database's own clock dates the orders, so it also says what today is.
+$boOggi = kvRiga("SELECT CURDATE() AS oggi, DATE_FORMAT(CURDATE(), '%Y-%m-01') AS mese")
+    ?? ['oggi' => date('Y-m-d'), 'mese' => date('Y-m-01')];
+$boNuovi = boConta("SELECT COUNT(*) AS n FROM kv_ordini WHERE stato IN ('nuovo', 'da verificare')");
+$boAttesa = boConta('SELECT COUNT(*) AS n FROM kv_clienti WHERE approvato = 0');
+$boEsauriti = boConta("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'A'"
+    . ' AND (disponibile = 0 OR quantita <= 0)');
+$boUltimi = kvQuery('SELECT codice, creato, nome, totale, valuta, stato FROM kv_ordini ORDER BY id DESC LIMIT 8') ?? [];
+boInizio('Riepilogo', 'pannello.php');
+echo '<ul class="riquadri">',
+    boRiquadro('Oggi', boSomma('CURDATE()'), boIndirizzo('ordini.php', ['da' => $boOggi['oggi']])),
+    boRiquadro('Questo mese', boSomma("DATE_FORMAT(CURDATE(), '%Y-%m-01')"),
+        boIndirizzo('ordini.php', ['da' => $boOggi['mese']])),
+    boRiquadro('Da evadere', boQuanti($boNuovi, 'ordine', 'ordini'), 'ordini.php?stato=aperti'),
+    boRiquadro('In attesa di approvazione', boQuanti($boAttesa, 'cliente', 'clienti'), 'clienti.php?attesa=1'),
+    boRiquadro('Non disponibili', boQuanti($boEsauriti, 'voce', 'voci'), 'disponibilita.php?vedi=esauriti'),
+    '</ul><h2>Ultimi ordini</h2>';
+if ($boUltimi === []) {
+    echo '<p>Non ci sono ancora ordini.</p>';
+} else {
+    boTabella(['Codice', 'Data', 'Cliente', '#Totale', 'Stato'], array_map(fn($riga) => [
+        '<a href="' . kvHtml(boIndirizzo('ordine.php', ['codice' => $riga['codice']])) . '">' . kvHtml($riga['codice'])
+            . '</a>',
+        boData($riga['creato']), kvHtml($riga['nome']), boImporto($riga['totale'], $riga['valuta']),
+        boStato($riga['stato'])], $boUltimi), 'Ultimi ordini');
+}
+boFine();
