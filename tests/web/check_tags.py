@@ -4,7 +4,9 @@
 Every language tag that template, code, backoffice and the payment modules use must be defined, once and with a text,
 in every language module, as must the words that the build asks for itself; every word must be safe inside a script
 and a page; every page tag must be a column of the page tag row. The build token may stand in updatedb.php alone:
-any other page would change with each build.
+any other page would change with each build. Every template package has the same pages and a preview, a note, the
+menu, the showcase cell and the five colours; the parts that its pages name stand beside it or in template/parts, and
+every one of them is used.
 """
 
 import pathlib
@@ -25,6 +27,8 @@ meta_keywords meta_description colore0 colore1 colore2 colore3 db_security db_ho
 db_dbname bo_username bo_password compact_privacy_policy php_vars php_globals output login rifiuto thankyou
 java_PGAction metodo_pagamento paymsg
 """.split())
+PACKAGE_FILES = {"kvan_preview.svg", "kvan_note.txt", "kvan_menu.ini", "kvan_vet.ini", "kvan_offerta.svg",
+                 "kvan_novita.svg", "colours.txt"}
 FOLDERS = ("template", "code", "backoffice", "new/code")
 FORBIDDEN = re.compile(r'["<>&$\\]')
 
@@ -51,6 +55,30 @@ def sources(app):
                 yield path, path.read_text(encoding="utf-8")
 
 
+def package_faults(templates):
+    """What a template package lacks of what the others have, or names without having it."""
+    packages = sorted(path.parent for path in templates.glob("*/modello1.htm"))
+    pages = {package: {path.name for path in package.glob("*.htm")} for package in packages}
+    all_pages = set().union(*pages.values())
+    shared = {path.stem: path for path in templates.glob("parts/*.part")}
+    used = set()
+    for package in packages:
+        missing = (all_pages - pages[package]) | {name for name in PACKAGE_FILES if not (package / name).is_file()}
+        yield from (f"{package.name}: {name} is missing" for name in sorted(missing))
+        colours = re.findall(r"^([0-9]) [0-9A-F]{6} ", (package / "colours.txt").read_text(), re.MULTILINE)
+        if colours != list("01234"):
+            yield f"{package.name}/colours.txt: the colours 0 to 4 are wanted, not {' '.join(colours)}"
+        parts = dict(shared, **{path.stem: path for path in package.glob("parts/*.part")})
+        for path in list(package.rglob("*.htm")) + list(parts.values()):
+            for name in re.findall(r"{{(.*?)}}", path.read_text(encoding="utf-8")):
+                used.add(parts.get(name))
+                if name not in parts and path not in shared.values():
+                    yield f"{path.relative_to(templates)}: no part is named {name}"
+    for path in templates.rglob("*.part"):
+        if path not in used:
+            yield f"{path.relative_to(templates)}: no page uses it"
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
@@ -66,6 +94,7 @@ def main():
                 faults.append(f"{below}: no page tag is named {name}")
             if kind == "1" and name == "db_security" and path.name != "updatedb.php":
                 faults.append(f"{below}: holds the build token, so it would change with each build")
+    faults += package_faults(app / "template")
     modules = sorted((app / "languages").glob("*.lng"))
     for path in modules:
         texts, double = module(path)
