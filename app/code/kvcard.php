@@ -67,7 +67,7 @@ function kvFotoGrande(array $riga): string
         return '';
     }
     $nome = TestoSemplice((string) $riga['plain_titolo']);
-    $tag = kvTagImmagine($immagini[0], $nome, false, array_slice($immagini, 1), '(min-width: 60rem) 30rem, 92vw');
+    $tag = kvTagImmagine($immagini[0], $nome, kvPigra(), array_slice($immagini, 1), '(min-width: 60rem) 30rem, 92vw');
     if (!preg_match('/PopupImage\(\'([^\']*)\',(\d+),(\d+)\)/', $prima, $parti)) {
         return $tag;
     }

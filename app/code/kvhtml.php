@@ -9,6 +9,9 @@ const KV_ELEMENTI = ['font' => 'span', 'center' => 'div', 'strike' => 's', 'tt' 
 /** Attributes that were only for looks. */
 const KV_ORNAMENTI = ['border', 'align', 'valign', 'bgcolor', 'background', 'cellpadding', 'cellspacing', 'nowrap',
     'hspace', 'vspace', 'face', 'color', 'link', 'vlink', 'alink', 'text', 'clear', 'noshade', 'language'];
+/** A tag in which there is nothing to change, of two attributes at most: no look at its parts is needed. */
+const KV_TAG_BUONO = '/^<(?:\/(?:[abip]|li|ul|ol|h[1-6]|strong|span|div|em|nav)|(?:[abip]|li|ul|ol|h[1-6]|strong|span|div|em|br)'
+    . '(?: (href|class|id|title|lang)="[^"<>&]*"(?: (?!\1)(?:href|class|id|title|lang)="[^"<>&]*")?)?)>$/D';
 /** Elements that can't stand within a paragraph. */
 const KV_BLOCCHI = '/<(?:p|div|ul|ol|dl|table|h[1-6]|form|section|article|blockquote|pre|hr|figure|center)\b/i';
 
@@ -81,7 +84,10 @@ function kvPulito(string $html): string
     foreach ($pezzi as $n => $pezzo) {
         if ($n % 2 === 0) {
             $pezzi[$n] = kvTestoTraTag($pezzo);
-        } elseif (preg_match('/^<(\/?)([a-z][a-z0-9]*)(.*?)\/?>$/is', $pezzo, $parti)) {
+        } elseif ($pezzo === '<BR>') {
+            $pezzi[$n] = '<br>';
+        } elseif (!preg_match(KV_TAG_BUONO, $pezzo)
+            && preg_match('/^<(\/?)([a-z][a-z0-9]*)(.*?)\/?>$/is', $pezzo, $parti)) {
             $nome = strtolower($parti[2]);
             if ($nome !== 'script' && $nome !== 'style') {
                 $pezzi[$n] = $parti[1] === '' ? kvTagPulito($nome, $parti[3]) : '</' . (KV_ELEMENTI[$nome] ?? $nome) . '>';

@@ -36,12 +36,14 @@ function kvLeggiVarianti(array $numeri): array
     if ($mancanti !== []) {
         $tabella = kvTabellaLingua('opzioni');
         $letti += array_fill_keys($mancanti, null);
-        $segni = implode(',', array_fill(0, count($mancanti), '?'));
+        // Numbers that the database gave: one trip to the server, where a bound statement takes three.
+        $elenco = implode(',', array_map('intval', $mancanti));
         $sql = $tabella === 'opzioni'
-            ? "SELECT ID, nomeopzione, opzione, opzione AS prima FROM opzioni WHERE ID IN ($segni)"
+            ? "SELECT ID, nomeopzione, opzione, opzione AS prima FROM opzioni WHERE ID IN ($elenco)"
             : "SELECT $tabella.ID, $tabella.nomeopzione, $tabella.opzione, opzioni.opzione AS prima FROM $tabella"
-                . " LEFT JOIN opzioni USING (ID) WHERE $tabella.ID IN ($segni)";
-        foreach (kvQuery($sql, $mancanti) ?? [] as $riga) {
+                . " LEFT JOIN opzioni USING (ID) WHERE $tabella.ID IN ($elenco)";
+        $esito = mysql_query($sql);
+        while ($riga = mysql_fetch_assoc($esito)) {
             $letti[(int) $riga['ID']] = kvScomponiVariante($riga);
         }
     }

@@ -2,8 +2,9 @@
 """Expands the shipped web data with sample values: sample_shop.py APPLICATION_FOLDER OUT [DATABASE_SETTINGS]
 
 A quick look at what templates, scripts, back office and payment modules become, without a catalogue: it is input for
-lint.sh and for trying pages in a browser. OUT gets online/ and scripts/, in Italian and, with the suffix _l2, in
-English. DATABASE_SETTINGS is a text "host,user,password,name".
+lint.sh and for trying pages in a browser. OUT gets online/ and scripts/ of the template classico, and chiaro/online/
+and chiaro/scripts/ of chiaro, in Italian and, with the suffix _l2, in English. DATABASE_SETTINGS is a text
+"host,user,password,name".
 """
 
 import pathlib
@@ -90,11 +91,11 @@ DEPARTMENT_END = "<?php\r\nmysql_free_result($resultArt);\r\n?>"
 class Language:
     """One language of the sample shop: its pages, made into OUT/online and OUT/scripts."""
 
-    def __init__(self, application, out, suffix, code, values):
+    def __init__(self, application, template, out, suffix, code, values):
         self.application, self.suffix = application, suffix
         self.online, self.scripts = out / "online", out / "scripts"
         self.code = application / "code"
-        self.template = application / "template/classico"
+        self.template = application / "template" / template
         self.local = self.template / code
         self.words = self.module(application / "languages" / (code + ".lng"))
         self.values = dict(values, IDlingua=suffix, IDnegozio="4711" + suffix)
@@ -188,8 +189,10 @@ def main():
     values = dict(VALUES)
     database = (sys.argv[3] if len(sys.argv) == 4 else "localhost,shop,secret,shop").split(",")
     values.update(zip(("db_hostname", "db_username", "db_password", "db_dbname"), database))
-    for suffix, code in (("", "italiano"), ("_l2", "inglese")):
-        Language(pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), suffix, code, values).build()
+    application, out = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    for template, folder in (("classico", out), ("chiaro", out / "chiaro")):
+        for suffix, code in (("", "italiano"), ("_l2", "inglese")):
+            Language(application, template, folder, suffix, code, values).build()
 
 
 main()

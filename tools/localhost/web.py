@@ -111,7 +111,8 @@ http {{
       expires 30d;
       add_header Cache-Control public;
     }}
-    location = /favicon.ico {{ log_not_found off; }}
+    # What browsers and search engines ask of the root of any host, which is not the shop's affair.
+    location ~ ^/(favicon\\.ico|robots\\.txt)$ {{ log_not_found off; }}
   }}
 }}
 """

@@ -1,8 +1,9 @@
 // korvane-pack: brings one static folder of the sources into the data tree of the installation.
 //   korvane-pack FROM TO LIST
 // LIST names the files, one a line, relative to FROM. Text files become Windows-1252 with CR LF, parts/*.part are put
-// into the pages of their package, colours.txt of a template ("0 22303C text") becomes kvan_col_0.gif and so on, any
-// other file is copied. Files that an earlier run made from a longer list are deleted; TO may hold other files too.
+// into the pages beside and below them, the nearest of a name first, colours.txt of a template ("0 22303C text")
+// becomes kvan_col_0.gif and so on, any other file is copied. Files that an earlier run made from a longer list are
+// deleted; TO may hold other files too.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -44,7 +45,7 @@ class Packer {
     if (!bytes) return kv::fail(bytes.error());
     if (kv::baseName(name) == "colours.txt") return packColours(name, *bytes);
     if (!isText(name)) return put(name, *bytes);
-    const std::string parts = partsOf(name);
+    const std::vector<std::string> parts = partsOf(name);
     const Result<std::string> whole =
         parts.empty() ? *bytes : kv::withParts(*bytes, [&](std::string_view part) { return partIn(parts, part); });
     if (!whole) return inFile(source, whole.error());
@@ -57,18 +58,23 @@ class Packer {
   const std::set<std::string>& written() const { return written_; }
 
  private:
-  /// The folder parts of a file's package; empty when it has none, and "{{" then means nothing.
-  std::string partsOf(const std::string& file) const {
-    for (std::string folder(kv::folderOf(file)); !folder.empty(); folder = kv::folderOf(folder)) {
-      std::string parts = kv::joinPath(kv::joinPath(from_, folder), "parts");
-      if (kv::folderExists(parts)) return parts;
-    }
-    return {};
+  /// The folders of parts that a file may use: the one beside it, then those of the folders above. None: "{{" then
+  /// means nothing.
+  std::vector<std::string> partsOf(const std::string& file) const {
+    std::vector<std::string> folders;
+    std::string folder = file;
+    do {
+      folder = std::string(kv::folderOf(folder));
+      std::string parts = kv::joinPath(folder.empty() ? from_ : kv::joinPath(from_, folder), "parts");
+      if (kv::folderExists(parts)) folders.push_back(std::move(parts));
+    } while (!folder.empty());
+    return folders;
   }
 
-  static std::optional<std::string> partIn(const std::string& parts, std::string_view part) {
-    const Result<std::string> text = kv::readBytes(kv::joinPath(parts, std::string(part) + ".part"));
-    return text ? std::optional(*text) : std::nullopt;
+  static std::optional<std::string> partIn(const std::vector<std::string>& folders, std::string_view part) {
+    for (const std::string& folder : folders)
+      if (Result<std::string> text = kv::readBytes(kv::joinPath(folder, std::string(part) + ".part"))) return *text;
+    return std::nullopt;
   }
 
   Result<> packColours(const std::string& name, std::string_view text) {
