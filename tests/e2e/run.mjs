@@ -1,0 +1,110 @@
+// The model shop, built by the program and served by tools/local-host, in a real browser: one run for one template.
+// The tests are told in scenarios/, what they do in support/.
+import { strict as assert } from "node:assert";
+import { rmSync } from "node:fs";
+import { join } from "node:path";
+import { after, describe, test } from "node:test";
+import { Visit, openBrowser, screens } from "./support/browser.mjs";
+import { Merchant } from "./support/merchant.mjs";
+import { makeShop, serve } from "./support/model_shop.mjs";
+import { readOptions } from "./support/options.mjs";
+import { Shopper } from "./support/shopper.mjs";
+import { languages, readWords } from "./support/words.mjs";
+import { customers } from "./scenarios/customers.mjs";
+import { ordering } from "./scenarios/ordering.mjs";
+import { accessibleBackOffice, lookedAt, measured } from "./scenarios/pages.mjs";
+import { searching } from "./scenarios/searching.mjs";
+import { visiting } from "./scenarios/visiting.mjs";
+
+const options = readOptions();
+process.env.TMPDIR = options.work;
+// One run searches whole words, the other parts of words.
+const wholeWords = options.template === "chiaro";
+const shop = makeShop({ ...options, wholeWords, folder: options.work });
+const host = await serve(shop, join(options.work, "host"));
+const browser = await openBrowser();
+let failed = false;
+
+// Whoever ends the run ends it at once: the browsers and the servers go with the program that started them.
+for (const signal of ["SIGINT", "SIGTERM", "SIGHUP"]) {
+  process.prependListener(signal, () => process.exit(1));
+}
+
+after(async () => {
+  await browser.close();
+  await host.stop();
+  if (!failed) {
+    rmSync(options.work, { recursive: true, force: true });
+  }
+});
+
+/** Runs `act` as somebody with a browser of their own; fails also for faults that they met. */
+async function visit(screen, locale, act) {
+  const visitor = await Visit.begin(browser, screen, locale);
+  try {
+    await act(visitor);
+    visitor.check();
+  } catch (error) {
+    failed = true;
+    const picture = join(options.work, `failed-${Date.now()}.png`);
+    await visitor.page.screenshot({ path: picture, fullPage: true });
+    error.message += `\nat ${visitor.page.url()}, see ${picture}; faults met: ${visitor.faults.join("; ") || "none"}`;
+    throw error;
+  } finally {
+    await visitor.context.close();
+  }
+}
+
+/** What a scenario knows of its visitors: their screen and language, and how they come and go. */
+function visitors(language, screen) {
+  const words = readWords(options.cli, language);
+  const name = `${language.code}-${screen.width}`;
+  const shopperOf = (one) => new Shopper(one, { host, language, screen, words });
+  return {
+    host, language, screen, words, wholeWords, name,
+    shopperOf,
+    address: (stem, rest) => `${host.shop}/${stem}${language.suffix}.php${rest}`,
+    visitor: (act) => () => visit(screen, language.code, (one) => act(shopperOf(one))),
+    merchant: (act) => visit(screens[1], "it", async (one) => {
+      const merchant = new Merchant(one, host);
+      await merchant.enter();
+      await act(merchant);
+    }),
+    async picture(who, subject) {
+      if (options.shots) {
+        const path = join(options.shots, `${options.template}-${name}-${subject}.png`);
+        await who.page.screenshot({ path, fullPage: true });
+      }
+    },
+  };
+}
+
+// `chiaro` in every combination; `classico` shares its scripts, so that each screen and each language once will do.
+const combined = options.template === "chiaro";
+for (const [row, screen] of screens.entries()) {
+  for (const language of languages.filter((one, column) => combined || column === row)) {
+    const as = visitors(language, screen);
+    describe(`${options.template}, ${language.name}, ${screen.width} pixels`, () => {
+      visiting(as);
+      searching(as);
+      ordering(as);
+      customers(as);
+    });
+  }
+}
+
+const [phone, desk] = screens.map((screen) => visitors(languages[0], screen));
+describe(`the pages of ${options.template}`, () => {
+  lookedAt(phone, { narrow: true, html: false });
+  lookedAt(desk, { narrow: false, html: options.template === "chiaro" });
+  if (options.template === "chiaro") {
+    accessibleBackOffice(desk);
+    measured(phone);
+  }
+});
+
+test("neither PHP nor the web server had anything to complain of", () => {
+  const complaints = host.log("php.log") + host.log("nginx-error.log");
+  failed ||= complaints !== "";
+  assert.equal(complaints, "");
+});

@@ -1,0 +1,43 @@
+// A customer with a price list of their own: other prices, and departments that are closed to visitors.
+import { strict as assert } from "node:assert";
+import { test } from "node:test";
+import { articles, departments } from "../support/model.mjs";
+import { amountsIn } from "../support/money.mjs";
+
+export function customers(as) {
+  const { language, words } = as;
+  const the = (thing) => thing[language.code];
+
+  test("a visitor at a closed department is asked to sign in", as.visitor(async (shopper) => {
+    await shopper.open("index");
+    await shopper.toDepartment(the(departments.retailers));
+    await shopper.page.waitForURL(/login.*m=11/);
+    await as.picture(shopper, "login");
+  }));
+
+  test("a customer whom the merchant gives the retailers' price list sees its prices and its department",
+    as.visitor(async (shopper) => {
+      const email = `negozio-${as.name}@cliente.example`;
+      const password = "una parola lunga";
+      await shopper.open("login");
+      await shopper.register({ nome: "Åsa", cognome: "Lindqvist", email, pw: password });
+      await as.merchant((merchant) => merchant.setPriceList(email, 1));
+      await shopper.open("cat007", "?n=1");
+      assert.ok(amountsIn(await shopper.card(the(articles.mug)).innerText()).includes(articles.mug.retailer));
+      await shopper.open("index");
+      await shopper.toDepartment(the(departments.retailers));
+      assert.match(await shopper.heading(), new RegExp(the(departments.retailers)));
+      assert.ok((await shopper.titles()).length > 0);
+
+      await shopper.open("cat007", "?n=1");
+      await shopper.buy(the(articles.mug));
+      await shopper.open("cart");
+      assert.equal((await shopper.totals())[words.carrello_totale], articles.mug.retailer);
+      await shopper.signOut();
+      await shopper.open("cart");
+      assert.equal((await shopper.totals())[words.carrello_totale], articles.mug.price);
+      await shopper.signIn(email, password);
+      await shopper.open("cart");
+      assert.equal((await shopper.totals())[words.carrello_totale], articles.mug.retailer);
+    }));
+}

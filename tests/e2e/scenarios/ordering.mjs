@@ -1,0 +1,98 @@
+// A visitor fills the cart, looks at shipping, and orders; the merchant finds the order.
+import { strict as assert } from "node:assert";
+import { test } from "node:test";
+import { articles, countries, methods, person } from "../support/model.mjs";
+import { mailsWith } from "../support/mails.mjs";
+import { amountsIn, written } from "../support/money.mjs";
+
+/** Two mugs and a set: 108.00 of goods, which ship in Italy for 4.00 and VAT in cash, free by transfer. */
+async function fillCart(shopper, the) {
+  await shopper.open("cat007", "?n=1");
+  await shopper.buy(the(articles.mug), { pieces: 2 });
+  await shopper.open("cat007", "?n=2");
+  await shopper.buy(the(articles.set));
+}
+
+export function ordering(as) {
+  const { host, language, words } = as;
+  const the = (thing) => thing[language.code];
+
+  test("the cart follows each change of a quantity", as.visitor(async (shopper) => {
+    await shopper.open("cat007", "?n=2");
+    await shopper.buy(the(articles.tumbler), { pieces: 5 });
+    await shopper.open("cart");
+    const total = async () => (await shopper.totals())[words.carrello_totale];
+    assert.equal(await total(), 5 * articles.tumbler.price);
+    // Six pieces are five per cent cheaper.
+    await shopper.setPieces(the(articles.tumbler), 6);
+    assert.equal(await total(), 6 * articles.tumbler.price * 0.95);
+    await as.picture(shopper, "cart");
+    await shopper.page.reload();
+    assert.equal(await total(), 6 * articles.tumbler.price * 0.95);
+    await shopper.line(the(articles.tumbler)).getByRole("button", { name: words.togli }).click();
+    await shopper.page.getByText(words.carrello_vuoto).waitFor();
+  }));
+
+  test("shipping follows country and method", as.visitor(async (shopper) => {
+    await fillCart(shopper, the);
+    await shopper.open("cart");
+    await shopper.follow(words.vai_all_ordine);
+    const shipping = async (country, method) => {
+      await shopper.chooseShipping(country, the(method));
+      const totals = await shopper.totals();
+      assert.equal(totals[words.carrello_totale], totals[words.carrello_merce] + totals[words.carrello_spedizione]);
+      return totals[words.carrello_spedizione];
+    };
+    assert.equal(await shipping(countries.italy, methods.cash), 488);
+    assert.equal(await shipping(countries.italy, methods.transfer), 0);
+    assert.equal(await shipping(countries.france, methods.transfer), 1525);
+    assert.equal(await shipping(countries.switzerland, methods.transfer), 2562);
+    // Cash on delivery is for Italy alone.
+    const cash = shopper.page.locator("[name=Pagamento] option").filter({ hasText: the(methods.cash) });
+    assert.ok(await cash.evaluate((option) => option.disabled));
+  }));
+
+  test("an order reaches the customer, the merchant and the back office with one total", as.visitor(async (shopper) => {
+    await fillCart(shopper, the);
+    await shopper.open("order");
+    await shopper.fillOrder(person);
+    await shopper.chooseShipping(countries.italy, the(methods.cash));
+    await as.picture(shopper, "order");
+    const total = (await shopper.totals())[words.carrello_totale];
+    assert.equal(total, 2 * articles.mug.price + articles.set.price + 488);
+    await shopper.sendOrder();
+    const main = await shopper.page.locator("main").innerText();
+    const code = /\d{6}-[0-9A-F]{6}/.exec(main)?.[0];
+    assert.ok(code, `no order code in: ${main}`);
+    assert.ok(main.includes(written(total)));
+    assert.ok(main.includes("Zoë D'Ambrosio"));
+    await as.picture(shopper, "thank-you");
+
+    const mails = mailsWith(host.mail, code);
+    const recipients = mails.map((mail) => mail.headers.to).sort();
+    assert.deepEqual(recipients, ["ordini@bottega.example", person.Email]);
+    for (const mail of mails) {
+      assert.ok(mail.text.includes("Zoë D'Ambrosio") && mail.text.includes(the(articles.mug)), mail.text);
+      assert.ok(amountsIn(mail.text).includes(total), mail.text);
+    }
+    await shopper.open("cart");
+    await shopper.page.getByText(words.carrello_vuoto).waitFor();
+
+    await as.merchant(async (merchant) => {
+      await merchant.openOrder(code);
+      const detail = await merchant.page.locator("main").innerText();
+      assert.ok(amountsIn(detail).includes(total) && detail.includes("Zoë D'Ambrosio"), detail);
+      assert.ok(detail.includes(the(articles.set)));
+    });
+  }));
+
+  test("an order below the smallest amount is not taken", as.visitor(async (shopper) => {
+    await shopper.open("cat007", "?n=2");
+    await shopper.buy(the(articles.tumbler));
+    await shopper.open("order");
+    await shopper.fillOrder(person);
+    await shopper.page.getByRole("button", { name: words.invia_ordine }).click();
+    await shopper.page.getByRole("status").filter({ hasText: words.ordine_minimo }).waitFor();
+    assert.match(shopper.page.url(), /order/);
+  }));
+}

@@ -1,0 +1,143 @@
+// Every kind of page, looked at by tools: accessibility in both templates and in the back office; valid HTML, and
+// Lighthouse's scores that do not depend on the machine, for `chiaro`.
+import { strict as assert } from "node:assert";
+import { after, before, test } from "node:test";
+import { accessibilityFaults } from "../support/accessibility.mjs";
+import { measure, openMeasured } from "../support/lighthouse.mjs";
+import { articles, countries, methods, person } from "../support/model.mjs";
+import { htmlFaults } from "../support/valid_html.mjs";
+
+/** Pages that any visitor can open, by stem and what follows it. */
+export const pageKinds = [
+  ["index"], ["cat001", "?n=1"], ["cat007", "?n=1"], ["cat007", "?n=2"], ["search"], ["kvsearch", "?q=gres&p=1"],
+  ["kvsearch", "?q=nessunarticolo"], ["cart"], ["order"], ["login"], ["login", "?m=11"], ["messaggio"],
+  ["condizioni"], ["recesso"], ["datipers"],
+];
+const narrowest = 320;
+const measuredPages = [["index"], ["cat007", "?n=1"], ["cart"]];
+const categories = ["accessibility", "best-practices", "seo"];
+
+/** Puts something into the visitor's cart. */
+async function fillCart(shopper) {
+  await shopper.open("cat007", "?n=1");
+  await shopper.buy(articles.mug[shopper.language.code], { pieces: 2 });
+}
+
+/** Visits every kind of page with something in the cart, then orders; `look` is given the name of each. */
+async function tour(shopper, look) {
+  await fillCart(shopper);
+  for (const [stem, rest = ""] of pageKinds) {
+    await shopper.open(stem, rest);
+    await look(stem + rest);
+  }
+  await shopper.open("order");
+  await shopper.fillOrder(person);
+  await shopper.chooseShipping(countries.italy, methods.transfer[shopper.language.code]);
+  await shopper.sendOrder();
+  await look("thankyou");
+  await shopper.open("cart");
+  await look("an empty cart");
+  const email = `giro-${shopper.screen.width}@cliente.example`;
+  await shopper.open("login");
+  await shopper.register({ nome: "Ada", cognome: "Neri", email, pw: "una parola lunga" });
+  await shopper.open("login");
+  await look("a customer's own page");
+}
+
+/** The controls that stand out of the screen to the right, as text and place. */
+function controlsOutside(page) {
+  return page.evaluate(() => [...document.querySelectorAll("a, button, input, select, textarea")]
+    .map((element) => ({ element, place: element.getBoundingClientRect() }))
+    .filter(({ element, place }) => element.checkVisibility() && place.width > 1 && place.right > innerWidth + 1)
+    .map(({ element, place }) => `${element.outerHTML.slice(0, 80)} ends at ${Math.round(place.right)}`));
+}
+
+/** What axe-core says of each page of a tour. */
+async function withAxe(shopper, name, faults) {
+  faults.push(...(await accessibilityFaults(shopper.page)).map((fault) => `${name}: ${fault}`));
+}
+
+/** What stands out of the narrowest screen, 320 pixels. */
+async function onNarrowScreen(shopper, name, faults) {
+  const { width, height } = shopper.screen;
+  await shopper.page.setViewportSize({ width: narrowest, height });
+  const needed = await shopper.page.evaluate(() => document.documentElement.scrollWidth);
+  if (needed > narrowest) {
+    faults.push(`${name}: ${needed} pixels wide`);
+  }
+  faults.push(...(await controlsOutside(shopper.page)).map((fault) => `${name}: ${fault}`));
+  await shopper.page.setViewportSize({ width, height });
+}
+
+/** Collects what html-validate says of each page as the server sends it; the result waits for the last. */
+function withHtmlValidate(page, faults) {
+  const pending = [];
+  const look = async (response) => {
+    if (response.request().resourceType() === "document" && response.status() === 200) {
+      const html = new TextDecoder("windows-1252").decode(await response.body());
+      const name = response.url().replace(/^.*\//, "");
+      faults.push(...(await htmlFaults(html)).map((fault) => `${name}: ${fault}`));
+    }
+  };
+  page.on("response", (response) => pending.push(look(response)));
+  return () => Promise.all(pending);
+}
+
+/**
+ * One tour through all kinds of pages, and a test for each tool that looked on. narrow: whether pages are tried on the
+ * narrowest screen too; html: whether their HTML must be valid.
+ */
+export function lookedAt(as, { narrow, html }) {
+  const faults = { axe: [], narrow: [], html: [] };
+  let ended = false;
+  test(`every kind of page opens at ${as.screen.width} pixels`, as.visitor(async (shopper) => {
+    const settled = html ? withHtmlValidate(shopper.page, faults.html) : () => {};
+    await tour(shopper, async (name) => {
+      await withAxe(shopper, name, faults.axe);
+      if (narrow) {
+        await onNarrowScreen(shopper, name, faults.narrow);
+      }
+      await settled();
+    });
+    ended = true;
+  }));
+  const clean = (name, found) => test(name, () => {
+    assert.ok(ended, "the tour did not come to its end");
+    assert.equal([...new Set(found)].join("\n"), "");
+  });
+  clean("axe-core finds nothing serious on any kind of page", faults.axe);
+  if (narrow) {
+    clean(`at ${narrowest} pixels no page scrolls sideways and every control is within reach`, faults.narrow);
+  }
+  if (html) {
+    clean("html-validate accepts every kind of page as the server sends it", faults.html);
+  }
+}
+
+export function accessibleBackOffice(as) {
+  test("axe-core finds nothing serious in the back office", async () => {
+    const faults = [];
+    await as.merchant(async (merchant) => {
+      for (const address of await merchant.pages()) {
+        await merchant.page.goto(address);
+        faults.push(...(await accessibilityFaults(merchant.page)).map((fault) => `${address}: ${fault}`));
+      }
+    });
+    assert.equal(faults.join("\n"), "");
+  });
+}
+
+export function measured(as) {
+  let browser;
+  before(async () => {
+    browser = await openMeasured((page) => fillCart(as.shopperOf({ page })));
+  });
+  after(() => browser?.close());
+  for (const [stem, rest = ""] of measuredPages) {
+    test(`Lighthouse gives ${stem} 95 or more for ${categories.join(", ")}`, async () => {
+      const { scores, losses } = await measure(browser, as.address(stem, rest), categories);
+      const low = Object.entries(scores).filter(([, score]) => score < 95);
+      assert.deepEqual(low, [], losses.join("\n"));
+    });
+  }
+}

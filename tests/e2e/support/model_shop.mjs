@@ -1,0 +1,76 @@
+// The model shop in a fresh folder, set up and built as a merchant would, served by tools/local-host.
+import { execFileSync, spawn } from "node:child_process";
+import { existsSync, readFileSync } from "node:fs";
+import { join } from "node:path";
+import { createInterface } from "node:readline";
+import { fileURLToPath } from "node:url";
+
+const localHost = fileURLToPath(new URL("../../../tools/local-host", import.meta.url));
+
+/** What a run changes in the model shop: pages so small that departments have several, and how the search works. */
+function adjustments({ template, wholeWords }) {
+  return [
+    `UPDATE generale SET template = '${template}', ricercaparole = ${wholeWords ? 1 : 0}, ricartperpag = 3`,
+    "UPDATE categorie SET maxarticoli = 3 WHERE ID = 'cat007'",
+  ].join("; ");
+}
+
+/** Runs a program; its output is of interest only when it fails. */
+function run(program, words, environment) {
+  try {
+    return execFileSync(program, words, { env: environment, encoding: "utf8", stdio: ["ignore", "pipe", "pipe"] });
+  } catch (error) {
+    throw new Error(`${program} ${words.join(" ")}\n${error.stdout ?? ""}${error.stderr ?? error}`);
+  }
+}
+
+/** Makes, builds and exports the model shop below `folder`; the result is the shop's folder. */
+export function makeShop({ cli, template, wholeWords, folder }) {
+  const shop = join(folder, "shop");
+  const environment = { ...process.env, XDG_DATA_HOME: join(folder, "data"), XDG_CONFIG_HOME: join(folder, "config") };
+  run(cli, ["new", shop], environment);
+  run("sqlite3", [join(shop, "catalog.mdb"), adjustments({ template, wholeWords })], environment);
+  run(localHost, ["prepare", shop], environment);
+  run(cli, ["build", shop], environment);
+  run(cli, ["export-sql", shop], environment);
+  return shop;
+}
+
+/** A shop that is served: addresses without a closing slash, the folder of mails, the servers' logs. */
+export class Host {
+  constructor(process, home, lines) {
+    const address = (name) => lines.find((line) => line.startsWith(`${name} `)).slice(name.length + 1);
+    this.process = process;
+    this.home = home;
+    this.shop = address("shop").replace(/\/$/, "");
+    this.backoffice = address("backoffice").replace(/\/$/, "");
+    this.mail = address("mail");
+  }
+
+  /** Whatever a server wrote into one of its logs. */
+  log(name) {
+    const path = join(this.home, "log", name);
+    return existsSync(path) ? readFileSync(path, "latin1") : "";
+  }
+
+  async stop() {
+    const ended = new Promise((done) => this.process.once("exit", done));
+    this.process.stdin.end();
+    await ended;
+  }
+}
+
+/** Starts the servers, which end with this program however it ends, and loads the shop's database. */
+export async function serve(shop, home) {
+  const started = spawn(localHost, ["start", shop, "--home", home, "--hold"], { stdio: ["pipe", "pipe", "inherit"] });
+  const lines = [];
+  for await (const line of createInterface({ input: started.stdout })) {
+    lines.push(line);
+    if (line.startsWith("mail ")) {
+      const host = new Host(started, home, lines);
+      run(localHost, ["load", shop, "--home", home], process.env);
+      return host;
+    }
+  }
+  throw new Error("tools/local-host did not start");
+}
