@@ -18,6 +18,7 @@ constexpr std::uint32_t tokenLetters = 26;
 constexpr int variantSlots = 4;
 constexpr std::size_t variantColumns = std::size_t{variantSlots} * listini;
 constexpr std::int64_t noVariant = 1;  // the fixed variant "(nessuna)"; 0 and null mean the same
+constexpr int rowsBetweenYields = 16384;
 
 std::string newToken(RandomSource& random) {
   std::string token;
@@ -126,7 +127,9 @@ void surveyArticles(BuildRun& run) {
   }
   std::array<std::set<std::int64_t>, variantColumns> found;
   Statement read = must(run.session.catalogue.prepare("SELECT " + names + " FROM articoli"));
-  while (must(read.step())) {
+  for (int row = 1; must(read.step()); ++row) {
+    // Some 20 ms of a walk that may last as long as the user waits for an answer.
+    if (row % rowsBetweenYields == 0) run.checkCancel();
     if (!read.flag(0)) ++run.survey.sellable;
     for (std::size_t i = 0; i < found.size(); ++i) {
       const int column = static_cast<int>(i) + 1;
