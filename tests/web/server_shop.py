@@ -423,4 +423,5 @@ class Access(Shop):
 
 
 if __name__ == "__main__":
-    main()
+    # The steps go by the simple template's pages, where a department page has every selector.
+    main(lambda catalogue: catalogue.execute("UPDATE generale SET template = 'classico'"))
