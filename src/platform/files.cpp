@@ -102,6 +102,14 @@ Result<> writeText(const std::string& path, std::string_view text) {
 bool fileExists(const std::string& path) { return hasKind(path, S_IFREG); }
 bool folderExists(const std::string& path) { return hasKind(path, S_IFDIR); }
 
+Result<FileStamp> fileStamp(const std::string& path) {
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  const std::int64_t seconds = status.st_mtim.tv_sec;
+  return FileStamp{static_cast<std::uint64_t>(status.st_size), seconds * nanoseconds + status.st_mtim.tv_nsec};
+}
+
 Result<> createFolder(const std::string& path) {
   if (folderExists(path)) return {};
   if (auto writable = requireWritableFolderOf(path); !writable) return writable;

@@ -32,6 +32,15 @@ Result<> writeText(const std::string& path, std::string_view text);
 bool fileExists(const std::string& path);    ///< a regular file of exactly this name
 bool folderExists(const std::string& path);  ///< a folder of exactly this name
 
+/// Size in bytes and time of the last change, in nanoseconds since 1970-01-01 00:00 UTC.
+struct FileStamp {
+  std::uint64_t size = 0;
+  std::int64_t changedAt = 0;
+  friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+/// Missing when it isn't there.
+Result<FileStamp> fileStamp(const std::string& path);
+
 /// The entry of `folder` whose name equals `name` when case is ignored, as a full path; an exact match wins.
 /// Empty when there is none.
 std::optional<std::string> findEntry(const std::string& folder, std::string_view name);

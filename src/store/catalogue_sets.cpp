@@ -103,7 +103,7 @@ Result<bool> CatalogueSets::goToDepartment(std::string_view ID) {
 }
 
 Result<> CatalogueSets::departmentHasMoved() {
-  if (auto articles = requeryArticles(); !articles) return articles;
+  if (auto articles = openArticles(); !articles) return articles;
   articoli_->moveFirst();
   if (auto siblings = requerySiblings(); !siblings) return siblings;
   writeStatus();
@@ -208,7 +208,11 @@ Result<> CatalogueSets::openSiblings() {
   return found ? Result<>() : fail(found.error());
 }
 
-Result<> CatalogueSets::requeryArticles() { return openArticles(); }
+Result<> CatalogueSets::requeryArticles() {
+  if (auto opened = openArticles(); !opened) return opened;
+  if (!session_.suppress && listener_ != nullptr) listener_->articlesChanged();
+  return {};
+}
 Result<> CatalogueSets::requerySiblings() { return openSiblings(); }
 
 Result<> CatalogueSets::requeryDepartments() {

@@ -40,6 +40,7 @@ bool isIncompatible(const std::string& path) {
 void completeShop(const Session& session, const Surroundings& with) {
   if (with.hooks.CompletaGateway) with.hooks.CompletaGateway(session.ShopFolder);
   if (isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
+  if (with.hooks.CopiaCatalogo) with.hooks.CopiaCatalogo(session.ShopFolder);
   if (with.hooks.AggiornaNegozio) with.hooks.AggiornaNegozio(session.ShopFolder);
   renumberShop(session.ShopFolder);
 }

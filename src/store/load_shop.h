@@ -17,8 +17,8 @@ enum class LoadResult {
 
 /// CaricaNegozio (load the shop): opens the folder named by `ShopFolder` in this session. Shows its own messages;
 /// after Failed the catalogue is closed.
-/// The hooks CompletaGateway and AggiornaNegozio run before the session's own handle exists. AggiornaNegozio is
-/// left out for a catalogue below version 1000: it would stamp a foreign catalogue with the present version.
+/// The hooks CompletaGateway, CopiaCatalogo and AggiornaNegozio run before the session's own handle exists. The last
+/// two are left out for a catalogue below version 1000: it is foreign, and would be stamped with the present version.
 LoadResult CaricaNegozio(Session& session, Surroundings& with);
 
 /// Lets go of the bindings and closes the catalogue; the rest of the session stays.

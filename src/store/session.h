@@ -51,6 +51,8 @@ struct Surroundings;
 struct SessionHooks {
   /// Completes the gateway folders of a shop, before its catalogue is opened.
   std::function<void(const std::string& shopFolder)> CompletaGateway;
+  /// Keeps a dated copy of the catalogue before anything changes it.
+  std::function<void(const std::string& shopFolder)> CopiaCatalogo;
   /// Brings the shop's schema and scripts up to date, right after that.
   std::function<void(const std::string& shopFolder)> AggiornaNegozio;
   /// Binds the lists of the window to the catalogue that has just been opened, and builds the department tree.

@@ -8,22 +8,22 @@ namespace {
 // The oldest steps go when the history takes more memory than this; the last one stays, however big.
 constexpr std::size_t mostBytes = std::size_t{64} << 20;
 
-bool isClipboard(std::string_view table) {
-  return equalsIgnoringCase(table, "cliparticoli") || equalsIgnoringCase(table, "clipcategorie");
+// The clipboard is no matter of the history; and a serial number once given is not given again, whatever is undone.
+bool isWatched(std::string_view table) {
+  return !equalsIgnoringCase(table, "cliparticoli") && !equalsIgnoringCase(table, "clipcategorie") &&
+         !startsWithIgnoringCase(table, "sqlite_");
 }
 
 }  // namespace
 
 void UndoHistory::begin() {
   end();
-  recorder_ = std::make_unique<ChangeRecorder>(sets_.session().catalogue,
-                                               [](std::string_view table) { return !isClipboard(table); });
+  recorder_ = std::make_unique<ChangeRecorder>(sets_.session().catalogue, isWatched);
 }
 
 void UndoHistory::end() {
   clear();
   recorder_.reset();
-  depth_ = 0;
 }
 
 void UndoHistory::clear() {
@@ -36,10 +36,16 @@ UndoHistory::Place UndoHistory::place() { return {sets_.department(), sets_.arti
 
 Result<> UndoHistory::record(const std::string& name, const std::function<Result<>()>& command) {
   if (recorder_ == nullptr || depth_ > 0) return command();
+  // What was written outside of any command (a build's token, a folder that was reset) is no part of this step.
+  if (recorder_->touched()) {
+    if (auto others = recorder_->take(); !others) return fail(others.error());
+  }
   Step step{name, {}, place(), {}, 0};
   ++depth_;
   auto outcome = command();
   --depth_;
+  // A command that changed the shop has ended this history.
+  if (recorder_ == nullptr) return outcome;
   auto changes = recorder_->take();
   if (!changes) {
     clear();

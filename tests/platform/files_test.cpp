@@ -255,6 +255,21 @@ TEST(Files, ACopyKeepsTheTimeOfItsSource) {
   EXPECT_EQ(status.st_mtim.tv_sec, 1000000000);
 }
 
+TEST(Files, AStampIsSizeAndTimeOfTheLastChange) {
+  const TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "a", "12345"));
+  std::filesystem::last_write_time(folder / "a",
+                                   std::filesystem::file_time_type::clock::now() - std::chrono::hours(48));
+  ASSERT_TRUE(copyFile(folder / "a", folder / "b"));
+  const auto stamp = fileStamp(folder / "a");
+  ASSERT_TRUE(stamp);
+  EXPECT_EQ(stamp->size, 5U);
+  EXPECT_EQ(*stamp, *fileStamp(folder / "b"));
+  ASSERT_TRUE(writeBytes(folder / "b", "54321"));
+  EXPECT_GT(fileStamp(folder / "b")->changedAt, stamp->changedAt);
+  EXPECT_EQ(kindOf(fileStamp(folder / "c")), ErrorKind::Missing);
+}
+
 TEST(Files, ACopyReplacesWhatStandsThere) {
   TempFolder folder;
   ASSERT_TRUE(writeBytes(folder / "a", std::string(600000, 'a')));
