@@ -1,0 +1,32 @@
+#pragma once
+// A layout of groups in as many columns as the width has room for: each group goes to the column that is shortest.
+
+#include <QLayout>
+#include <QList>
+
+namespace kv {
+
+class ColumnsLayout final : public QLayout {
+  Q_OBJECT
+ public:
+  /// A column is at least this wide, in pixels at 96 dots per inch.
+  explicit ColumnsLayout(int narrowest, QWidget* parent = nullptr);
+  ~ColumnsLayout() override;
+
+  void addItem(QLayoutItem* item) override { items_.append(item); }
+  int count() const override { return static_cast<int>(items_.size()); }
+  QLayoutItem* itemAt(int index) const override { return items_.value(index); }
+  QLayoutItem* takeAt(int index) override;
+  QSize sizeHint() const override;
+  QSize minimumSize() const override;
+  bool hasHeightForWidth() const override { return true; }
+  int heightForWidth(int width) const override { return place(QRect(0, 0, width, 0), false); }
+  void setGeometry(const QRect& area) override;
+
+ private:
+  int place(const QRect& area, bool move) const;
+  QList<QLayoutItem*> items_;
+  int narrowest_;
+};
+
+}  // namespace kv

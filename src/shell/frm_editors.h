@@ -1,0 +1,71 @@
+#pragma once
+// One row of the editor table as controls: it shows the current row, lets through what may be typed, and hands the text
+// to the workbench when the field is left.
+
+#include <QLabel>
+#include <QObject>
+#include <functional>
+
+#include "shell/workbench.h"
+
+class QAction;
+class QToolButton;
+
+namespace kv {
+
+class PicturePreview;
+
+/// The window's actions by command number.
+using CommandActions = std::function<QAction*(int number)>;
+
+class EditorBinding final : public QObject {
+  Q_OBJECT
+ public:
+  EditorBinding(const Editor& editor, Workbench& workbench, const CommandActions& actions, QWidget* parent);
+
+  const Editor& editor() const { return editor_; }
+  /// What stands in the page, and what of it takes the focus (the same for a plain field).
+  QWidget* widget() const { return widget_; }
+  QWidget* field() const { return field_; }
+  /// Whether the label stands inside the control itself.
+  bool labelsItself() const { return editor_.control == Control::Check; }
+
+  /// Shows the current row, unless something typed still waits to be saved.
+  void show();
+  void refreshEnabled();
+  /// Hands what was typed to the workbench.
+  void commit();
+  bool isDirty() const { return dirty_; }
+  /// Shows a text that follows from another field that is being typed.
+  void preview(const QString& text);
+
+ signals:
+  void typed(const QString& text);
+  void entered();  ///< Enter was typed
+
+ private:
+  void makeLine(bool hidden);
+  void makeMemo();
+  void makeCheck();
+  void makeChoice();
+  void makePick();
+  void makeCombo();
+  void makePicture(const CommandActions& actions);
+  void makeVariant(const CommandActions& actions);
+  void makeShown();
+  void adopt(QWidget* widget, QWidget* field);
+  void edited();
+  QWidget* withUnit(QWidget* field);
+
+  const Editor& editor_;
+  Workbench& workbench_;
+  QWidget* parent_;
+  QWidget* widget_ = nullptr;
+  QWidget* field_ = nullptr;
+  std::function<QString()> read_;
+  std::function<void(const QString&)> write_;
+  bool dirty_ = false;
+  bool loading_ = false;
+};
+
+}  // namespace kv

@@ -1,0 +1,35 @@
+#pragma once
+// The first-run guide beside the main window. It isn't modal: show() it.
+
+#include <vector>
+
+#include "platform/frm_dialog.h"
+#include "shell/intro_guide.h"
+
+class QPushButton;
+
+namespace kv {
+
+class frmIntro final : public FormDialog {
+ public:
+  /// All highlights go when the guide closes. While it is open `target` stays; a guide that is destroyed with its
+  /// parent no longer asks anything of it.
+  explicit frmIntro(IntroTarget& target, QWidget* parent = nullptr);
+
+  /// Places main window and guide so that both fit on the screen. Called once the main window is shown.
+  void placeBeside(QWidget& mainWindow);
+
+ protected:
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  QWidget* makeSteps();
+  void showStep(std::size_t step);
+  void colour(std::size_t lit);
+
+  IntroTarget& target_;
+  std::vector<QPushButton*> cmdStep_;
+  bool lit_ = false;
+};
+
+}  // namespace kv

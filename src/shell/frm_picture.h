@@ -1,0 +1,35 @@
+#pragma once
+// A picture of the shop as a small preview, with the commands that set it and take it away.
+
+#include <QLabel>
+#include <QPixmap>
+#include <QWidget>
+
+class QAction;
+class QPushButton;
+
+namespace kv {
+
+class PicturePreview final : public QWidget {
+  Q_OBJECT
+ public:
+  PicturePreview(const QString& name, QAction* choose, QAction* clear, QWidget* parent = nullptr);
+
+  /// Shows a file of the image folder; an empty name for none. The file is read once the window has nothing else to do.
+  void showPicture(const QString& name, const QString& path);
+
+ protected:
+  bool event(QEvent* event) override;
+
+ private:
+  void load();
+  void addButton(QAction* action, const QString& text, const QString& meaning);
+  QLabel* preview_;
+  QLabel* about_;
+  QWidget* buttons_;
+  QString name_, title_, path_;
+  qint64 stamp_ = 0;
+  bool waiting_ = false;
+};
+
+}  // namespace kv

@@ -1,0 +1,22 @@
+// The program of the window tests: one application without a screen, in which every test opens its own windows.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <iostream>
+
+namespace {
+
+/// The screen in memory complains of what it lacks at every window; nothing of it is about the windows.
+void writeMessage(QtMsgType, const QMessageLogContext&, const QString& text) {
+  if (!text.startsWith(QStringLiteral("This plugin does not support"))) std::cerr << text.toStdString() << '\n';
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  qInstallMessageHandler(writeMessage);
+  testing::InitGoogleTest(&count, values);
+  const QApplication application(count, values);
+  return RUN_ALL_TESTS();
+}

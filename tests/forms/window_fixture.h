@@ -1,0 +1,98 @@
+#pragma once
+// The real main window over a small shop, driven by keys.
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <QTest>
+#include <memory>
+
+#include "shell/frm_field.h"
+#include "shell/frm_main.h"
+#include "shell/workbench_fixture.h"
+
+namespace kv::test {
+
+class WindowFixture : public ShopFixture {
+ protected:
+  WindowFixture() {
+    shop = makeShop("negozio");
+    run(shop, threeDepartments);
+    write(application + "/serverpath.net", shop + "\r\n");
+    WorkbenchPorts ports;
+    ports.open = [this](const std::string& file, const std::string&) {
+      opened.push_back(file);
+      return openedWell;
+    };
+    for (const char* name : {"frmElabora", "frmImpostaFTP", "frmSearch", "frmImmagine", "frmOpzioni"}) {
+      ports.dialogs[name] = [this, name](const std::string& argument) {
+        dialogsRun.push_back(argument.empty() ? name : std::string(name) + " " + argument);
+        return std::string();
+      };
+    }
+    window = std::make_unique<frmMain>(session, with, std::move(ports));
+    with.hooks.bind = [this](Session&) { window->workbench().bindSession(); };
+    with.hooks.release = [this](Session&) { window->workbench().releaseSession(); };
+  }
+  ~WindowFixture() override {
+    closeSession(session, with);
+    window.reset();
+  }
+
+  void open() {
+    ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+    window->workbench().showShop();
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    settle();
+  }
+  static void settle() { QCoreApplication::processEvents(); }
+
+  template <class Widget>
+  Widget& field(EditedSet set, std::string_view column) {
+    const Editor* editor = editorOf(set, column);
+    EditorBinding* binding = window->page(editor->tab).binding(set, column);
+    return *qobject_cast<Widget*>(binding->field());
+  }
+  QLineEdit& line(EditedSet set, std::string_view column) { return field<QLineEdit>(set, column); }
+  /// Goes to the field and types over what stands there.
+  void type(QLineEdit& into, const QString& text) {
+    into.setFocus();
+    into.selectAll();
+    QTest::keyClicks(&into, text);
+  }
+  void leave(QWidget& left) {
+    QTest::keyClick(&left, Qt::Key_Tab);
+    settle();
+  }
+  void key(Qt::Key which, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QWidget* target = QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : window.get();
+    QTest::keyClick(target, which, modifiers);
+    settle();
+  }
+  void goArticles() {
+    window->workbench().selectTab(Tab::Articles);
+    window->workbench().goToArticlePlace(0);
+    settle();
+  }
+  std::string scalar(const std::string& query) {
+    const auto value = session.catalogue.scalar(query);
+    return value ? asText(*value) : value.error().what;
+  }
+  QString treeText(const std::string& ID) {
+    return window->tree().departments().indexOf(ID).data(Qt::DisplayRole).toString();
+  }
+  QString cell(int row, int column) {
+    return window->articles().articles().index(row, column).data(Qt::DisplayRole).toString();
+  }
+
+  std::string shop;
+  std::vector<std::string> dialogsRun, opened;
+  std::unique_ptr<frmMain> window;
+};
+
+}  // namespace kv::test

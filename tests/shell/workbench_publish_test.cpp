@@ -1,0 +1,146 @@
+// Build, publishing, the back office and the emptying of the working folders, as the workbench starts them.
+
+#include "shell/workbench_fixture.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+constexpr const char* templateNeeded = "Per costruire il negozio è necessario scegliere un template";
+
+class WorkbenchPublishTest : public WorkbenchFixture {};
+
+TEST_F(WorkbenchPublishTest, Command50SavesWhatIsTypedAndShowsTheBuild) {
+  start();
+  view.typing = [this] { leave(EditedSet::Categorie, "titolo", "Orci"); };
+  ports.dialogs["frmElabora"] = bench->ports().dialogs["frmElabora"] = [this](const std::string&) {
+    dialogsRun.push_back(scalar("SELECT titolo FROM categorie WHERE ID = 'cat001'"));
+    return std::string("OK");
+  };
+  bench->EseguiComando(50);
+  EXPECT_THAT(dialogsRun, ElementsAre("Orci"));
+}
+
+TEST_F(WorkbenchPublishTest, ABuildWithoutATemplateRunsTheChoiceFirst) {
+  run(shop, "UPDATE generale SET template = ''");
+  int asked = 0;
+  with.hooks.frmTemplate = [&](const std::string&) { return std::string(++asked > 1 ? "base" : ""); };
+  start();
+  bench->EseguiComando(50);
+  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(session.templatePath, "template/base");
+  EXPECT_TRUE(user.shown.empty());
+  EXPECT_THAT(dialogsRun, ElementsAre("frmElabora"));
+}
+
+TEST_F(WorkbenchPublishTest, LeavingTheTemplateChoiceAsksAndACancelEndsTheCommand) {
+  run(shop, "UPDATE generale SET template = ''");
+  int asked = 0;
+  with.hooks.frmTemplate = [&](const std::string&) {
+    ++asked;
+    return std::string();
+  };
+  start();
+  user.answers = {Answer::Ok, Answer::Cancel};
+  bench->EseguiComando(50);
+  EXPECT_EQ(asked, 3);
+  ASSERT_EQ(user.shown.size(), 2U);
+  EXPECT_EQ(user.shown[0], (Shown{templateNeeded, Icon::Exclamation, Buttons::OkCancel, Answer::Ok, Answer::Ok}));
+  EXPECT_TRUE(dialogsRun.empty());
+}
+
+TEST_F(WorkbenchPublishTest, Command51RemindsChecksAndPublishes) {
+  start();
+  write(shop + "/kvftp.dat", "#\r\n");
+  answer("frmAvviso", "OK");
+  answer("frmImpostaFTP", "OK");
+  bench->EseguiComando(51);
+  EXPECT_THAT(dialogsRun, ElementsAre("frmAvviso", "frmImpostaFTP", "frmFTP"));
+}
+
+TEST_F(WorkbenchPublishTest, TheReminderEndsThePublishingOnNo) {
+  start();
+  write(shop + "/kvftp.dat", "#\r\n");
+  bench->EseguiComando(51);
+  EXPECT_THAT(dialogsRun, ElementsAre("frmAvviso"));
+}
+
+TEST_F(WorkbenchPublishTest, TheReminderIsLeftOutWhenTheUserHasToldSo) {
+  ASSERT_TRUE(settings.set(settingsSection, "NoShow", "1"));
+  start();
+  write(shop + "/kvftp.dat", "#\r\n");
+  bench->EseguiComando(51);
+  EXPECT_THAT(dialogsRun, ElementsAre("frmImpostaFTP"));
+}
+
+TEST_F(WorkbenchPublishTest, AShopThatWasNeverBuiltIsNotPublished) {
+  start();
+  answer("frmAvviso", "OK");
+  bench->EseguiComando(51);
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0], said("E' necessario costruire il negozio prima di aggiornare il sito", Icon::Exclamation));
+  EXPECT_THAT(dialogsRun, ElementsAre("frmAvviso"));
+}
+
+TEST_F(WorkbenchPublishTest, Command52OpensTheAddressOfTheBackOffice) {
+  start();
+  leave(EditedSet::Generale, "URL", "www.bottega.example/");
+  leave(EditedSet::Generale, "cartellaCGI", "/gestione/");
+  bench->EseguiComando(52);
+  leave(EditedSet::Generale, "cartellaCGI", "");
+  bench->EseguiComando(52);
+  EXPECT_THAT(opened,
+              ElementsAre("http://www.bottega.example/gestione/index.php", "http://www.bottega.example/index.php"));
+}
+
+TEST_F(WorkbenchPublishTest, WithoutAnAddressTheBackOfficeIsExplained) {
+  start();
+  bench->EseguiComando(52);
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].text,
+            "Il BackOffice non è disponibile finché non si costruisce ed aggiorna il negozio per la prima volta.\n"
+            "Indicarne l'URL nella scheda \"Internet\", quindi costruire ed aggiornare il negozio.");
+  EXPECT_TRUE(opened.empty());
+}
+
+class CleanFoldersTest : public WorkbenchFixture {
+ protected:
+  void fill() {
+    write(shop + "/online/index.php", "x");
+    write(shop + "/online/sotto/resta.gif", "x");
+    write(shop + "/scripts/ordine.php", "x");
+  }
+  std::string question() {
+    return "Le seguenti cartelle saranno svuotate:\n\n" + shop + "/online\n" + shop +
+           "/scripts\n\nATTENZIONE: Tutti i file presenti in queste cartelle verranno cancellati.\n"
+           "Si desidera procedere con la cancellazione?";
+  }
+};
+
+TEST_F(CleanFoldersTest, AsksForEachFolderWithCancelAsTheDefault) {
+  start();
+  fill();
+  user.answers = {Answer::Yes, Answer::Ok};
+  choose(MenuAction::CleanFolders);
+  ASSERT_EQ(user.shown.size(), 3U);
+  EXPECT_EQ(user.shown[0], asked(question(), Answer::No, Answer::Yes, Icon::Exclamation));
+  EXPECT_EQ(user.shown[1], (Shown{"Saranno cancellati i file presenti in " + shop + "/online", Icon::Exclamation,
+                                  Buttons::OkCancel, Answer::Cancel, Answer::Ok}));
+  EXPECT_EQ(user.shown[2], (Shown{"Saranno cancellati i file presenti in " + shop + "/scripts", Icon::Exclamation,
+                                  Buttons::OkCancel, Answer::Cancel, Answer::Cancel}));
+  EXPECT_FALSE(fileExists(shop + "/online/index.php"));
+  EXPECT_TRUE(fileExists(shop + "/online/sotto/resta.gif"));
+  EXPECT_TRUE(fileExists(shop + "/scripts/ordine.php"));
+}
+
+TEST_F(CleanFoldersTest, NothingIsDeletedWithoutAYes) {
+  start();
+  fill();
+  choose(MenuAction::CleanFolders);
+  EXPECT_EQ(user.shown.size(), 1U);
+  EXPECT_TRUE(fileExists(shop + "/online/index.php"));
+}
+
+}  // namespace
+}  // namespace kv::test
