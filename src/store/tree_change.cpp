@@ -28,8 +28,9 @@ Result<Value> scalarWith(Database& database, std::string_view sql, std::initiali
 }
 
 Result<OrderedList> readOrder(Database& database, std::string_view sql, const Value& value) {
-  auto rows = prepareWith(database, sql, {value});
+  auto rows = database.prepare(sql);
   if (!rows) return fail(rows.error());
+  rows->bind(1, value);  // lives until the rows are read, as a bound text must
   OrderedList list;
   for (;;) {
     auto row = rows->step();
