@@ -233,7 +233,7 @@ TEST_F(Editors, TheWheelPassesOverAListThatHasNoFocus) {
 }
 
 TEST_F(Editors, APictureShowsItsNameAndItsCommands) {
-  write(shop + "/work/foto.gif", onePixelGif(9, 9, 9));
+  write(joinPath(shop, "work/foto.gif"), onePixelGif(9, 9, 9));
   run(shop, "UPDATE articoli SET immagine0 = 'foto.gif', imgX0 = 1, imgY0 = 1 WHERE ID = 1");
   open();
   goArticles();

@@ -98,7 +98,7 @@ TEST_F(WorkbenchTest, TheImageCommandsWriteFileAndSizeAndClearThem) {
   };
   start();
   article(0);
-  write(shop + "/work/foto.gif", onePixelGif(1, 2, 3));
+  write(joinPath(shop, "work/foto.gif"), onePixelGif(1, 2, 3));
   answer("frmImmagine", "foto.gif");
   for (const Case& each :
        {Case{9, 10, "articoli WHERE ID = 1", "0", "- immagine0"},
@@ -130,7 +130,7 @@ TEST_F(WorkbenchTest, TheImageDialogIsGivenTheCurrentFileAndACancelKeepsIt) {
 
 TEST_F(WorkbenchTest, TheButtonImageBelongsToTheLanguage) {
   start();
-  write(shop + "/work/foto.gif", onePixelGif(1, 2, 3));
+  write(joinPath(shop, "work/foto.gif"), onePixelGif(1, 2, 3));
   answer("frmImmagine", "foto.gif");
   bench->CambiaLingua(2);
   bench->EseguiComando(25);
@@ -274,7 +274,7 @@ TEST_F(WorkbenchTest, WhatIsBeingTypedIsSavedBeforeTheCursorMoves) {
 
 TEST_F(WorkbenchTest, EveryCommandOnTheCatalogueCanBeTakenBackAndDoneAgain) {
   start();
-  write(shop + "/work/foto.gif", onePixelGif(1, 2, 3));
+  write(joinPath(shop, "work/foto.gif"), onePixelGif(1, 2, 3));
   answer("frmImmagine", "foto.gif");
   for (const Command& command : commandTable()) {
     if (command.step.empty() || command.action == CommandAction::DefineVariant) continue;
