@@ -3,25 +3,18 @@
 namespace kv {
 namespace {
 
-Editor department(std::string_view column, std::string_view group, std::string_view label,
-                  Control control = Control::Line, FieldKind kind = FieldKind::PlainText) {
-  Editor row;
-  row.set = EditedSet::Categorie;
-  row.tab = Tab::Departments;
-  row.column = column;
-  row.group = group;
-  row.label = label;
+Editor shownBy(Editor row, Control control, FieldKind kind) {
   row.control = control;
   row.kind = kind;
   return row;
 }
-
+Editor department(std::string_view column, std::string_view group, std::string_view label,
+                  Control control = Control::Line, FieldKind kind = FieldKind::PlainText) {
+  return shownBy(editorRow(EditedSet::Categorie, Tab::Departments, column, group, label), control, kind);
+}
 Editor article(std::string_view column, std::string_view group, std::string_view label, Control control = Control::Line,
                FieldKind kind = FieldKind::PlainText) {
-  Editor row = department(column, group, label, control, kind);
-  row.set = EditedSet::Articoli;
-  row.tab = Tab::Articles;
-  return row;
+  return shownBy(editorRow(EditedSet::Articoli, Tab::Articles, column, group, label), control, kind);
 }
 
 Editor with(Editor row, std::string_view unit, std::string_view toolTip, std::string_view choices = "") {

@@ -5,19 +5,6 @@ namespace {
 
 using enum Control;
 
-Editor setting(Tab tab, std::string_view column, std::string_view group, std::string_view label, Control control = Line,
-               FieldKind kind = FieldKind::PlainText) {
-  Editor row;
-  row.set = EditedSet::Generale;
-  row.tab = tab;
-  row.column = column;
-  row.group = group;
-  row.label = label;
-  row.control = control;
-  row.kind = kind;
-  return row;
-}
-
 /// The settings of one group of a tab.
 class Group {
  public:
@@ -25,7 +12,10 @@ class Group {
 
   Editor& add(std::string_view column, std::string_view label, Control control = Line,
               FieldKind kind = FieldKind::PlainText) {
-    return rows_.emplace_back(setting(tab_, column, group_, label, control, kind));
+    Editor& row = rows_.emplace_back(editorRow(EditedSet::Generale, tab_, column, group_, label));
+    row.control = control;
+    row.kind = kind;
+    return row;
   }
   Editor& check(std::string_view column, std::string_view label, std::string_view toolTip = "") {
     Editor& row = add(column, label, Check);

@@ -14,20 +14,6 @@ namespace {
 constexpr std::size_t unlimited = 0;
 constexpr int rateDecimals = 6;
 
-bool isDecimalKind(FieldKind kind) {
-  switch (kind) {
-    case FieldKind::Price:
-    case FieldKind::Weight:
-    case FieldKind::Percent:
-    case FieldKind::Amount:
-    case FieldKind::Rate:
-    case FieldKind::Vat:
-      return true;
-    default:
-      return false;
-  }
-}
-
 std::size_t longest(FieldKind kind) {
   switch (kind) {
     case FieldKind::Code:
@@ -71,6 +57,20 @@ std::string normalMoney(const std::string& text, const std::string& lastGood, ch
 }
 
 }  // namespace
+
+bool isDecimalKind(FieldKind kind) {
+  switch (kind) {
+    case FieldKind::Price:
+    case FieldKind::Weight:
+    case FieldKind::Percent:
+    case FieldKind::Amount:
+    case FieldKind::Rate:
+    case FieldKind::Vat:
+      return true;
+    default:
+      return false;
+  }
+}
 
 KeyAnswer keyTyped(FieldKind kind, std::string_view letter, char decimalSeparator) {
   const bool isSeparator = letter.size() == 1 && letter[0] == decimalSeparator;

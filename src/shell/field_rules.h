@@ -25,6 +25,9 @@ enum class FieldKind {
   PlainText         ///< any other text, of any length
 };
 
+/// Whether the field holds a number with decimals.
+bool isDecimalKind(FieldKind kind);
+
 struct KeyAnswer {
   bool accepted = false;
   std::string inserted;  ///< what the key puts into the field

@@ -16,20 +16,7 @@ namespace {
 
 constexpr int numberWidth = 12;  // letters
 
-bool isNumberKind(FieldKind kind) {
-  switch (kind) {
-    case FieldKind::Price:
-    case FieldKind::Weight:
-    case FieldKind::Percent:
-    case FieldKind::Amount:
-    case FieldKind::Rate:
-    case FieldKind::Vat:
-    case FieldKind::WholeNumber:
-      return true;
-    default:
-      return false;
-  }
-}
+bool isNumberKind(FieldKind kind) { return kind == FieldKind::WholeNumber || isDecimalKind(kind); }
 
 QStringList listOf(const std::vector<std::string>& texts) {
   QStringList list;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/store.h"
+#include "support/row_text.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {
@@ -31,23 +32,6 @@ ErrorKind kindOf(const Result<T>& result) {
 inline void run(Database& database, std::string_view sql) {
   const auto done = database.execute(sql);
   if (!done) ADD_FAILURE() << sql << "\n" << done.error().what;
-}
-
-/// The rows of a query, a line each: fields with "|" between them, a null as "null".
-inline std::string rows(Database& database, std::string_view sql) {
-  auto statement = database.prepare(sql);
-  if (!statement) return statement.error().what;
-  std::string text;
-  for (;;) {
-    auto row = statement->step();
-    if (!row) return text + row.error().what;
-    if (!*row) return text;
-    for (int at = 0; at < statement->columnCount(); ++at) {
-      if (at > 0) text += '|';
-      text += statement->isNull(at) ? std::string_view("null") : statement->text(at);
-    }
-    text += '\n';
-  }
 }
 
 /// What the engine gives without the store's functions, as any other SQLite program would see it.

@@ -13,6 +13,7 @@
 #include "store/load_shop.h"
 #include "store/session_start.h"
 #include "store/shop_fixture.h"
+#include "support/row_text.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {
@@ -126,20 +127,7 @@ class WorkbenchFixture : public ShopFixture {
     const auto value = session.catalogue.scalar(query);
     return value ? asText(*value) : value.error().what;
   }
-  std::string rows(const std::string& query) {
-    auto statement = session.catalogue.prepare(query);
-    if (!statement) return statement.error().what;
-    std::string text;
-    for (;;) {
-      auto row = statement->step();
-      if (!row) return row.error().what;
-      if (!*row) return text;
-      for (int i = 0; i < statement->columnCount(); ++i) {
-        text += (i > 0 ? "|" : "") + (statement->isNull(i) ? std::string("null") : std::string(statement->text(i)));
-      }
-      text += '\n';
-    }
-  }
+  std::string rows(const std::string& query) { return test::rows(session.catalogue, query); }
   std::string titles() { return rows("SELECT titolo FROM articoli WHERE catID = 'cat001' ORDER BY ordinamento, ID"); }
   /// Everything that undo answers for.
   std::string whole() {

@@ -7,6 +7,7 @@
 #include "store/shop_fixture.h"
 #include "store/tree_editing.h"
 #include "store/undo_history.h"
+#include "support/row_text.h"
 
 namespace kv::test {
 
@@ -63,20 +64,7 @@ class TreeFixture : public ShopFixture {
         ", '" + title + "')");
   }
   /// The rows of a query: fields parted by "|", rows by "\n".
-  std::string rows(const std::string& query) {
-    auto statement = session.catalogue.prepare(query);
-    if (!statement) return statement.error().what;
-    std::string text;
-    for (;;) {
-      auto row = statement->step();
-      if (!row) return row.error().what;
-      if (!*row) return text;
-      for (int i = 0; i < statement->columnCount(); ++i) {
-        text += (i > 0 ? "|" : "") + (statement->isNull(i) ? std::string("null") : std::string(statement->text(i)));
-      }
-      text += '\n';
-    }
-  }
+  std::string rows(const std::string& query) { return test::rows(session.catalogue, query); }
   std::string articles(const std::string& department) {
     return rows("SELECT ordinamento, titolo FROM articoli WHERE catID = '" + department + "' ORDER BY ordinamento, ID");
   }
