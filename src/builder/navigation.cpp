@@ -131,7 +131,7 @@ std::vector<std::size_t> DepartmentNavigation::openPlaces(std::string_view corre
   std::vector<std::size_t> open;
   open.reserve(own.size() + alwaysOpen_.size());
   std::ranges::set_union(own, alwaysOpen_, std::back_inserter(open));
-  open.erase(std::ranges::unique(open).begin(), open.end());
+  open.erase(std::unique(open.begin(), open.end()), open.end());
   return open;
 }
 
