@@ -142,7 +142,7 @@ void BenchShop::makeCatalogue(int articles) {
   need(catalogue.commit());
 }
 
-bool BenchShop::build(double* written) {
+bool BenchShop::build(double* written, UserPort* user) {
   Session session;
   session.ShopFolder = folder_ + "/shop";
   session.catalogue = need(Database::open(session.ShopFolder + "/catalog.mdb", OpenMode::Exclusive));
@@ -151,9 +151,10 @@ bool BenchShop::build(double* written) {
   session.scriptFolder = session.ShopFolder + "/scripts";
   session.languageCount = languages_;
   for (std::size_t i = 0; i < session.languageNames.size(); ++i) session.languageNames[i] = codes[i];
-  SilentUser user;
+  SilentUser silent;
   MemorySettings settings;
-  Surroundings surroundings{user, settings, systemClock(), systemRandom(), folder_ + "/app", {}};
+  Surroundings surroundings{
+      user == nullptr ? silent : *user, settings, systemClock(), systemRandom(), folder_ + "/app", {}};
   BuildCounts counts;
   const bool done = MakePages(session, surroundings, {}, &counts) == BuildOutcome::Done;
   // Every build names its own token; a script that holds it is new each time by intent.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/store.h"
+#include "platform/user_port.h"
 
 namespace kv::bench {
 
@@ -27,8 +28,8 @@ class BenchShop {
   /// is the data that ships.
   BenchShop(std::string folder, int articles, int languages, int departments = 100);
 
-  /// One build; false when it failed. `written`: pages that were written.
-  bool build(double* written);
+  /// One build; false when it failed. `written`: pages that were written. `user`: who watches it; nobody when null.
+  bool build(double* written, UserPort* user = nullptr);
   /// Deletes what builds have produced.
   void clearOutput();
   /// Bytes of all pages and scripts that stand there.

@@ -223,12 +223,16 @@ void prepareLanguage(BuildRun& run, int number) {
   readColours(run);
   MenuTemplates menu = must(CaricaClFile(run.now.pools.templatePool));
   openTagDatabase(run);
+  run.now.row = run.now.shopRow;  // what a run that is cancelled here leaves behind
+  run.checkCancel();
   storeToken(run);
   readSettings(run);
   readDepartments(run, std::move(menu));
+  run.checkCancel();
   fillVariants(run);
   measure(run);
   writeShopMenu(run);
+  run.checkCancel();
   makeRules(run);
   run.wrapper.openTables(run.build, run.columns, run.now.lingua);
   fillShopColumns(run);

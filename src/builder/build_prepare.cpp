@@ -184,6 +184,7 @@ void prepareBuild(BuildRun& run) {
   must(run.build.begin());
   run.phpGlobals = phpGlobals(run.generale, CurrencyForm(run.generale), run.factor, run.templateFolder);
   copyDepartments(run);
+  run.checkCancel();
   surveyArticles(run);
   copyOptionCodes(run);
 }

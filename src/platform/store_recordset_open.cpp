@@ -99,13 +99,14 @@ Result<> Recordset::State::openTable(Statement& sourceRows) {
   sqlite3_stmt* raw = sourceRows.handle_;
   schema = orEmpty(sqlite3_column_database_name(raw, 0));
   table = orEmpty(sqlite3_column_table_name(raw, 0));
-  TableInfo base;
-  base.columns = engine::readColumns(handle, schema, table);
+  const std::vector<ColumnInfo> base = engine::readColumns(handle, schema, table);
+  std::unordered_map<std::string_view, const ColumnInfo*, ColumnNameHash, ColumnNameEqual> named;
+  for (const ColumnInfo& column : base) named.emplace(column.name, &column);
   for (int each = 0; each < sourceRows.columnCount(); ++each) {
     const std::string origin = orEmpty(sqlite3_column_origin_name(raw, each));
-    const int place = base.columnIndex(origin);
-    if (place < 0) return fail(ErrorKind::Missing, where(), "no such column: " + origin);
-    ColumnInfo column = base.columns[static_cast<std::size_t>(place)];
+    const auto found = named.find(origin);
+    if (found == named.end()) return fail(ErrorKind::Missing, where(), "no such column: " + origin);
+    ColumnInfo column = *found->second;
     column.name = sourceRows.columnName(each);
     columns.push_back(std::move(column));
     origins.push_back(origin);

@@ -36,10 +36,9 @@ Result<> TreeEditing::insertArticle(bool after) {
   std::optional<std::size_t> current;
   if (sets_.onArticle()) current = sets_.dataArticoli().position();
   const OrderPlan plan = after ? planAfter(list->orders, current) : planBefore(list->orders, current);
+  OrderWriter orders(catalogue, writeArticleOrder);
   for (std::size_t i = 0; i < plan.moved.size(); ++i) {
-    auto moved = runWith(catalogue, "UPDATE articoli SET ordinamento = ? WHERE ID = ?",
-                         {Value(plan.moved[i]), Value(list->keys[plan.firstMoved + i])});
-    if (!moved) return moved;
+    if (auto moved = orders.write(list->keys[plan.firstMoved + i], plan.moved[i]); !moved) return moved;
   }
   auto ID = NuovoArticolo(plan.order);
   if (!ID) return fail(ID.error());

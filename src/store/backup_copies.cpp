@@ -71,7 +71,11 @@ std::optional<ListedCopy> parseName(const std::string& name) {
   if (!rest.empty() && !matchesLike(rest, "-#") && !matchesLike(rest, "-##")) return std::nullopt;
   const auto madeAt = secondsOf(stamp);
   if (!madeAt) return std::nullopt;
-  return ListedCopy{{name, *madeAt, 0, 0}, rest.empty() ? 1 : numberIn(rest.substr(1))};
+  std::optional<ListedCopy> listed(std::in_place);
+  listed->copy.name = name;
+  listed->copy.madeAt = *madeAt;
+  if (!rest.empty()) listed->turn = numberIn(rest.substr(1));
+  return listed;
 }
 
 std::string freeName(const std::string& folder, std::int64_t seconds) {

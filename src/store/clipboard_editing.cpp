@@ -122,7 +122,7 @@ Result<> TreeEditing::fill(std::string_view table, std::string_view clipboard, s
                  {Value(from), Value(to)});
 }
 
-/// Pastes all rows of the clipboard behind the current article; the ID of the last one, 0 when there was none.
+/// Pastes all rows of the clipboard, which holds some, behind the current article; the ID of the last one.
 Result<std::int64_t> TreeEditing::pasteArticles() {
   Database& catalogue = sets_.session().catalogue;
   auto clipped = readOrder(catalogue, "SELECT rowid, 0 FROM cliparticoli WHERE ? = 0 ORDER BY rowid", Value(0));
@@ -134,23 +134,30 @@ Result<std::int64_t> TreeEditing::pasteArticles() {
   if (sets_.onArticle()) current = sets_.dataArticoli().position();
   const std::vector<std::int64_t> oldOrders = list->orders;
   const OrderedList wanted = roomFor(std::move(*list), current, clipped->keys.size());
-  std::int64_t last = 0;
+  auto names = carriedColumns(catalogue, "articoli");
+  if (!names) return fail(names.error());
+  auto insert = catalogue.prepare("INSERT INTO articoli (catID, ordinamento, " + *names + ") SELECT ?, ?, " + *names +
+                                  " FROM cliparticoli WHERE rowid = ?");
+  if (!insert) return fail(insert.error());
+  const std::string department = sets_.department();
+  insert->bind(1, department);
+  OrderWriter orders(catalogue, writeArticleOrder);
   std::size_t old = 0;
   std::size_t fresh = 0;
   for (std::size_t i = 0; i < wanted.keys.size(); ++i) {
+    Result<> done;
     if (wanted.keys[i] == 0) {
-      auto ID = NuovoArticolo(wanted.orders[i]);
-      if (!ID) return ID;
-      auto filled = fill("articoli", "cliparticoli", clipped->keys[fresh++], *ID);
-      if (!filled) return fail(filled.error());
-      last = *ID;
+      insert->bind(2, wanted.orders[i]);
+      insert->bind(3, clipped->keys[fresh++]);
+      done = insert->execute();
     } else if (wanted.orders[i] != oldOrders[old++]) {
-      auto moved = runWith(catalogue, "UPDATE articoli SET ordinamento = ? WHERE ID = ?",
-                           {Value(wanted.orders[i]), Value(wanted.keys[i])});
-      if (!moved) return fail(moved.error());
+      done = orders.write(wanted.keys[i], wanted.orders[i]);
     }
+    if (!done) return fail(done.error());
   }
-  return last;
+  auto last = catalogue.scalar("SELECT last_insert_rowid()");
+  if (!last) return fail(last.error());
+  return asInteger(*last);
 }
 
 Result<> TreeEditing::IncollaArticoli() {

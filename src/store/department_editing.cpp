@@ -71,10 +71,9 @@ Result<> TreeEditing::insertDepartment(bool after) {
   std::optional<std::size_t> current;
   if (place < list.keys.size()) current = place;
   const OrderPlan plan = after ? planAfter(list.orders, current) : planBefore(list.orders, current);
+  OrderWriter orders(catalogue, writeDepartmentOrder);
   for (std::size_t i = 0; i < plan.moved.size(); ++i) {
-    auto moved = runWith(catalogue, "UPDATE categorie SET ordinamento = ? WHERE contatore = ?",
-                         {Value(plan.moved[i]), Value(list.keys[plan.firstMoved + i])});
-    if (!moved) return moved;
+    if (auto moved = orders.write(list.keys[plan.firstMoved + i], plan.moved[i]); !moved) return moved;
   }
   auto key = NuovoReparto(plan.order);
   if (!key) return fail(key.error());

@@ -41,4 +41,11 @@ Result<OrderedList> readOrder(Database& database, std::string_view sql, const Va
   }
 }
 
+Result<> OrderWriter::write(std::int64_t key, std::int64_t order) {
+  if (!statement_) return fail(statement_.error());
+  statement_->bind(1, order);
+  statement_->bind(2, key);
+  return statement_->execute();
+}
+
 }  // namespace kv

@@ -50,4 +50,16 @@ struct OrderedList {
 };
 Result<OrderedList> readOrder(Database& database, std::string_view sql, const Value& value);
 
+/// Gives rows their new order numbers, key by key. `update` takes the number and the key.
+class OrderWriter {
+ public:
+  OrderWriter(Database& database, std::string_view update) : statement_(database.prepare(update)) {}
+  Result<> write(std::int64_t key, std::int64_t order);
+
+ private:
+  Result<Statement> statement_;
+};
+inline constexpr std::string_view writeArticleOrder = "UPDATE articoli SET ordinamento = ? WHERE ID = ?";
+inline constexpr std::string_view writeDepartmentOrder = "UPDATE categorie SET ordinamento = ? WHERE contatore = ?";
+
 }  // namespace kv

@@ -1,0 +1,398 @@
+// The workbench with its window over shops of 1,000, 10,000 and 100,000 articles in 100, 500 and 5,000 departments, the
+// largest department holding 500, 2,000 and 5,000 of them: opening as the program does it, with every order number to
+// be written anew and a dated copy to be kept, and then what a merchant does all day. The screen is one in memory, and
+// every figure holds the painting. Beside the opening stands its floor in the same run: a copy of the file, the same
+// order numbers written by one bare statement, and the rows that are shown read once.
+//
+// Arguments: --quick (1,000 and 10,000 articles); --once ARTICLES opens one shop once, for a profiler.
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QTest>
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "bench_shop.h"
+#include "commerce/payment_modules.h"
+#include "measure.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/settings.h"
+#include "platform/store.h"
+#include "shell/frm_dialogs.h"
+#include "shell/frm_main.h"
+#include "store/session_start.h"
+
+namespace {
+
+using kv::bench::BenchShop;
+using kv::bench::verdict;
+namespace fs = std::filesystem;
+
+constexpr int openings = 5;
+constexpr int times = 7;
+constexpr double milli = 1e3;
+const std::string largest = "cat001";
+const std::string small = "cat050";
+
+struct Size {
+  int articles, departments, inLargest;
+};
+constexpr std::array sizes{Size{1000, 100, 500}, Size{10000, 500, 2000}, Size{100000, 5000, 5000}};
+
+/// Seconds of one piece of work, on the clock and of the processor.
+struct Span {
+  double wall = 0, cpu = 0;
+};
+
+enum Figure { Open, Department, Article, Key, Leave, Insert, Crowded, Drag, Undo, Paste, Language, Floor, FigureCount };
+constexpr std::array<const char*, FigureCount> names{"open",
+                                                     "to the largest department",
+                                                     "to the next article",
+                                                     "a letter into a title",
+                                                     "leave a title",
+                                                     "insert an article",
+                                                     "insert, no number free",
+                                                     "drag a department",
+                                                     "undo the drag",
+                                                     "paste the largest department",
+                                                     "change the language",
+                                                     "floor of the opening"};
+using Figures = std::array<Span, FigureCount>;
+
+double cpuSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+Span spanOf(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  const double cpu = cpuSeconds();
+  work();
+  return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), cpuSeconds() - cpu};
+}
+
+void keepFaster(Span& best, const Span& one) {
+  if (best.wall <= 0 || one.wall < best.wall) best = one;
+}
+
+class SilentUser final : public kv::UserPort {
+ public:
+  void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
+  kv::Answer question(const kv::Question&) override { return kv::Answer::Yes; }
+  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
+  void progress(const kv::Progress&) override {}
+  bool yield() override { return true; }
+};
+
+/// Counts what is painted: a figure without painting would be none.
+class PaintCount final : public QObject {
+ public:
+  PaintCount() { qApp->installEventFilter(this); }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::Paint) ++paints_;
+    return QObject::eventFilter(watched, event);
+  }
+  int take() { return std::exchange(paints_, 0); }
+
+ private:
+  int paints_ = 0;
+};
+
+/// The program's window over a shop, from its start.
+class OpenWorkbench {
+ public:
+  explicit OpenWorkbench(const std::string& folder)
+      : with_{user_, settings_, kv::systemClock(), kv::systemRandom(), folder + "/app", {}},
+        window_(session_, with_, {}) {
+    kv::Workbench& bench = window_.workbench();
+    with_.hooks.CompletaGateway = [this](const std::string& shop) {
+      kv::CompletaGateway(shop, with_.applicationFolder);
+    };
+    with_.hooks.bind = [&bench](kv::Session&) { bench.bindSession(); };
+    with_.hooks.release = [&bench](kv::Session&) { bench.releaseSession(); };
+    kv::wireDialogs(window_, session_, with_);
+    if (kv::startSession(session_, with_) != kv::LoadResult::Opened) std::abort();
+    bench.showShop();
+    window_.restorePlace();
+    window_.show();
+    while (!window_.windowHandle()->isExposed()) QCoreApplication::processEvents();
+    paint();
+  }
+  ~OpenWorkbench() { kv::closeSession(session_, with_); }
+  OpenWorkbench(const OpenWorkbench&) = delete;
+  OpenWorkbench& operator=(const OpenWorkbench&) = delete;
+
+  static void paint() {
+    // What is due to be painted is painted by the second round at the latest.
+    for (int i = 0; i < 2; ++i) {
+      QCoreApplication::sendPostedEvents();
+      QCoreApplication::processEvents();
+    }
+  }
+  void goTo(const std::string& department) {
+    window_.tree().setCurrentIndex(window_.tree().departments().indexOf(department));
+    paint();
+  }
+
+  void measure(Figures& figures) {
+    window_.workbench().selectTab(kv::Tab::Articles);
+    window_.activateWindow();
+    paint();
+    walk(figures);
+    edit(figures);
+    drag(figures);
+    paste(figures);
+    keepFaster(figures[Language], spanOf([this] {
+                 window_.workbench().CambiaLingua(2);
+                 paint();
+               }));
+  }
+
+ private:
+  void walk(Figures& figures) {
+    for (int i = 0; i < times; ++i) {
+      goTo(small);
+      keepFaster(figures[Department], spanOf([this] { goTo(largest); }));
+    }
+    constexpr int steps = 20;
+    window_.articles().setFocus();
+    for (int i = 0; i < times; ++i) {
+      paints_.take();
+      const Span all = spanOf([this] {
+        for (int step = 0; step < steps; ++step) {
+          QTest::keyClick(&window_.articles(), Qt::Key_Down);
+          paint();
+        }
+      });
+      if (paints_.take() < steps) std::abort();
+      keepFaster(figures[Article], {all.wall / steps, all.cpu / steps});
+    }
+  }
+
+  void edit(Figures& figures) {
+    auto* title =
+        qobject_cast<QLineEdit*>(window_.page(kv::Tab::Articles).binding(kv::EditedSet::Articoli, "titolo")->field());
+    constexpr int letters = 12;
+    for (int i = 0; i < times; ++i) {
+      title->setFocus();
+      const Span all = spanOf([title] {
+        for (int letter = 0; letter < letters; ++letter) {
+          QTest::keyClick(title, 'a');
+          paint();
+        }
+      });
+      keepFaster(figures[Key], {all.wall / letters, all.cpu / letters});
+      keepFaster(figures[Leave], spanOf([title] {
+                   QTest::keyClick(title, Qt::Key_Tab);
+                   paint();
+                 }));
+    }
+    const auto insert = [this] {
+      window_.workbench().EseguiComando(3);
+      paint();
+    };
+    const auto toMiddle = [this](std::size_t place) {
+      window_.workbench().goToArticlePlace(place);
+      paint();
+    };
+    for (std::size_t i = 0; i < times; ++i) {
+      toMiddle(10 + 2 * i);
+      keepFaster(figures[Insert], spanOf(insert));
+      // The number behind the current one is taken now: all that follow move up.
+      toMiddle(10 + 2 * i);
+      keepFaster(figures[Crowded], spanOf(insert));
+    }
+  }
+
+  void paste(Figures& figures) {
+    goTo(largest);
+    window_.workbench().EseguiComando(12);
+    goTo(small);
+    keepFaster(figures[Paste], spanOf([this] {
+                 window_.workbench().EseguiComando(11);
+                 paint();
+               }));
+  }
+
+  void drag(Figures& figures) {
+    for (int i = 0; i < 3; ++i) {
+      keepFaster(figures[Drag], spanOf([this] {
+                   window_.workbench().SpostaNodo(small, largest);
+                   paint();
+                 }));
+      keepFaster(figures[Undo], spanOf([this] {
+                   window_.workbench().undo();
+                   paint();
+                 }));
+    }
+  }
+
+  SilentUser user_;
+  kv::MemorySettings settings_;
+  kv::Session session_;
+  kv::Surroundings with_;
+  kv::frmMain window_;
+  PaintCount paints_;
+};
+
+/// The shop of a measurement. Its numbers are spoilt before each opening.
+class Shop {
+ public:
+  Shop(std::string folder, const Size& size) : folder_(std::move(folder)), size_(size) {
+    BenchShop(folder_, size.articles, 4, size.departments);
+    run("INSERT INTO lingue (lingua1, lingua2, lingua3, lingua4) VALUES ('italiano', 'inglese', 'francese', 'tedesco');"
+        "UPDATE generale SET template = 'classico';"
+        "UPDATE articoli SET catID = '" +
+        largest + "' WHERE ID <= " + std::to_string(size.inLargest) +
+        ";UPDATE categorie SET hafigli = 1 WHERE ID IN (SELECT genitore FROM categorie)");
+    if (!kv::writeText(folder_ + "/app/serverpath.net", folder_ + "/shop\r\n")) std::abort();
+  }
+
+  const std::string& folder() const { return folder_; }
+  void spoil() const {
+    run("UPDATE articoli SET ordinamento = ordinamento + 3; UPDATE categorie SET ordinamento = ordinamento + 3");
+    fs::remove_all(folder_ + "/shop/backup");
+  }
+  void floor() const {
+    fs::remove(folder_ + "/copy.mdb");
+    fs::copy_file(folder_ + "/shop/catalog.mdb", folder_ + "/copy.mdb");
+    run("UPDATE articoli SET ordinamento = ordinamento + 5; UPDATE categorie SET ordinamento = ordinamento + 5");
+    auto catalogue = kv::Database::open(folder_ + "/shop/catalog.mdb", kv::OpenMode::Shared);
+    auto rows = catalogue->prepare("SELECT ID, genitore, titolo, livello FROM categorie ORDER BY livello, ordinamento");
+    while (*rows->step()) {
+    }
+    rows = catalogue->prepare("SELECT ID FROM articoli WHERE catID = '" + largest + "' ORDER BY ordinamento");
+    while (*rows->step()) {
+    }
+  }
+
+ private:
+  void run(const std::string& statements) const {
+    auto catalogue = kv::Database::open(folder_ + "/shop/catalog.mdb", kv::OpenMode::Shared);
+    if (!catalogue || !catalogue->begin() || !catalogue->execute(statements) || !catalogue->commit()) std::abort();
+  }
+
+  std::string folder_;
+  Size size_;
+};
+
+/// Runs work that fills figures in a process of its own: a program that has just been started.
+bool inChild(Figures& figures, const std::function<void(Figures&)>& work) {
+  int channel[2];
+  if (pipe(channel) != 0) return false;
+  const pid_t child = fork();
+  if (child == 0) {
+    Figures own{};
+    work(own);
+    const bool sent = write(channel[1], own.data(), sizeof own) == sizeof own;
+    _exit(sent ? 0 : 1);
+  }
+  close(channel[1]);
+  Figures own{};
+  const bool got = read(channel[0], own.data(), sizeof own) == sizeof own;
+  close(channel[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  for (std::size_t i = 0; i < own.size(); ++i) {
+    if (own[i].wall > 0) keepFaster(figures[i], own[i]);
+  }
+  return got && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+void openOnce(const Shop& shop, Figures& figures, bool alone) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  int count = 1;
+  std::array<char, 16> name{"workbench_bench"};
+  std::array<char*, 2> values{name.data(), nullptr};
+  std::unique_ptr<OpenWorkbench> bench;
+  std::unique_ptr<QApplication> application;
+  figures[Open] = spanOf([&] {
+    application = std::make_unique<QApplication>(count, values.data());
+    bench = std::make_unique<OpenWorkbench>(shop.folder());
+  });
+  if (!alone) bench->measure(figures);
+  bench.reset();
+}
+
+bool measure(const Shop& shop, Figures& figures) {
+  for (int i = 0; i < openings; ++i) {
+    shop.spoil();
+    if (!inChild(figures, [&](Figures& own) { openOnce(shop, own, false); })) return false;
+    if (!inChild(figures, [&](Figures& own) { own[Floor] = spanOf([&] { shop.floor(); }); })) return false;
+  }
+  return true;
+}
+
+void print(const Size& size, const Figures& figures) {
+  std::printf(
+      "%d articles in %d departments, %d in the largest\n                                       ms   ms of cpu\n",
+      size.articles, size.departments, size.inLargest);
+  for (std::size_t i = 0; i < figures.size(); ++i) {
+    std::printf("  %-30s %10.2f %10.2f\n", names[i], figures[i].wall * milli, figures[i].cpu * milli);
+  }
+  std::fflush(stdout);
+}
+
+void judge(const Size& size, const Figures& figures) {
+  struct Bar {
+    Figure figure;
+    double seconds;
+  };
+  std::printf("  bars at %d articles\n", size.articles);
+  for (const Bar& bar : {Bar{Open, 2}, Bar{Department, 0.15}, Bar{Article, 0.016}, Bar{Key, 0.016}, Bar{Leave, 0.05},
+                         Bar{Insert, 0.15}, Bar{Crowded, 0.5}, Bar{Drag, 0.5}, Bar{Undo, 0.5}, Bar{Paste, 1}}) {
+    const double ratio = figures[bar.figure].wall / bar.seconds;
+    std::printf("    %s: %.2f of %.0f ms %s\n", names[bar.figure], ratio, bar.seconds * milli, verdict(ratio < 1));
+  }
+  std::printf("    open / its floor: %.2f\n", figures[Open].wall / figures[Floor].wall);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string_view> arguments(argv + 1, argv + argc);
+  const bool quick = std::ranges::find(arguments, "--quick") != arguments.end();
+  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
+  if (mkdtemp(folder.data()) == nullptr) return 1;
+  int status = 0;
+  for (const Size& size : sizes) {
+    const bool once = argc == 3 && arguments[0] == "--once";
+    if (once ? size.articles != std::atoi(argv[2]) : quick && size.articles > 10000) continue;
+    const Shop shop(folder + "/" + std::to_string(size.articles), size);
+    Figures figures{};
+    bool done = true;
+    if (once) {
+      shop.spoil();
+      openOnce(shop, figures, false);
+    } else {
+      done = measure(shop, figures);
+    }
+    if (!done) {
+      std::printf("%d articles: the workbench did not open\n", size.articles);
+      status = 1;
+      break;
+    }
+    print(size, figures);
+    judge(size, figures);
+    fs::remove_all(shop.folder());
+  }
+  fs::remove_all(folder);
+  return status;
+}

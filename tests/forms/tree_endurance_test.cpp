@@ -1,0 +1,245 @@
+// Three thousand random operations in the real window, undo and redo among them: after each one the tree, the list and
+// the fields show what the catalogue holds. KORVANE_TEST_SEED=<number> runs another row of operations.
+
+#include <QLabel>
+#include <QMimeData>
+#include <cstdlib>
+#include <random>
+
+#include "forms/window_fixture.h"
+#include "platform/frm_dialog.h"
+#include "support/row_text.h"
+
+namespace kv::test {
+namespace {
+
+// Instrumented code takes three times as long.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int operations = 1200;
+#else
+constexpr int operations = 3000;
+#endif
+constexpr int operationsBetweenReturns = operations / 3;
+constexpr std::int64_t manyDepartments = 20;
+constexpr std::int64_t manyArticles = 40;
+constexpr std::array treeCommands{14, 15, 20, 16, 17, 13, 12, 11, 7, 8};
+constexpr std::array articleCommands{2, 3, 0, 1, 4, 5, 6};
+constexpr int deleteDepartment = 13;
+
+unsigned seed() {
+  const char* asked = std::getenv("KORVANE_TEST_SEED");
+  return asked == nullptr ? 1U : static_cast<unsigned>(std::strtoul(asked, nullptr, 10));
+}
+
+class TreeEndurance : public WindowFixture {
+ protected:
+  int pick(int below) { return std::uniform_int_distribution<int>(0, below - 1)(chance); }
+  template <class List>
+  auto oneOf(const List& list) {
+    return list[static_cast<std::size_t>(pick(static_cast<int>(list.size())))];
+  }
+
+  Workbench& bench() { return window->workbench(); }
+  CatalogueSets& sets() { return bench().sets(); }
+  DepartmentModel& model() { return window->tree().departments(); }
+
+  std::string anyDepartment() {
+    const auto& nodes = sets().tree();
+    const int place = pick(static_cast<int>(nodes.size()) + 1);
+    return place == 0 ? std::string(treeRoot) : nodes[static_cast<std::size_t>(place - 1)].ID;
+  }
+
+  void moveCursors() {
+    if (pick(2) == 0) return window->tree().setCurrentIndex(model().indexOf(anyDepartment()));
+    const int count = window->articles().articles().rowCount();
+    if (count > 0) window->articles().setCurrentIndex(window->articles().articles().index(pick(count), 0));
+  }
+
+  void runCommand() {
+    const bool many = count("categorie") > manyDepartments || count("articoli") > manyArticles;
+    int command = pick(3) > 0 ? oneOf(treeCommands) : oneOf(articleCommands);
+    if (many) command = deleteDepartment;
+    SCOPED_TRACE("command " + std::to_string(command));
+    if (bench().isCommandEnabled(command)) bench().EseguiComando(command);
+  }
+
+  /// A drop as the view hands it to the model; the model refuses what may not be.
+  void drag() {
+    const std::string key = anyDepartment();
+    const std::string target = anyDepartment();
+    const QModelIndex onto = model().indexOf(target);
+    if (key == treeRoot) return;
+    const std::unique_ptr<QMimeData> data(model().mimeData({model().indexOf(key)}));
+    const bool taken = model().canDropMimeData(data.get(), Qt::MoveAction, -1, -1, onto);
+    ASSERT_EQ(taken, key != target && !isAbove(key, target)) << key << " on " << target;
+    if (!taken) return;
+    model().dropMimeData(data.get(), Qt::MoveAction, -1, -1, onto);
+    settle();
+    ASSERT_EQ(scalar("SELECT genitore FROM categorie WHERE ID = '" + key + "'"), target);
+  }
+  bool isAbove(const std::string& key, std::string below) {
+    while (below != treeRoot && below != key) {
+      below = scalar("SELECT genitore FROM categorie WHERE ID = '" + below + "'");
+    }
+    return below == key;
+  }
+
+  /// Types a title, and leaves it by Tab, by another row, by a command or by undo.
+  void typeTitle() {
+    const bool article = sets().onArticle() && pick(2) == 0;
+    if (!article && !sets().onDepartment()) return;
+    bench().selectTab(article ? Tab::Articles : Tab::Departments);
+    settle();
+    const EditedSet set = article ? EditedSet::Articoli : EditedSet::Categorie;
+    QLineEdit& title = line(set, article && pick(3) == 0 ? "codice" : "titolo");
+    const QString text = QStringLiteral("t%1").arg(pick(500));
+    type(title, text);
+    if (!article) {
+      ASSERT_EQ(treeText(sets().department()), text);
+    }
+    switch (pick(4)) {
+      case 0:
+        moveCursors();
+        break;
+      case 1:
+        runCommand();
+        break;
+      case 2:
+        bench().undo();
+        break;
+      default:
+        break;
+    }
+    // The same row again is no move.
+    if (title.hasFocus()) leave(title);
+  }
+
+  void operate() {
+    user.answers.assign(3, pick(3) > 0 ? Answer::Yes : Answer::No);
+    user.shown.clear();
+    const int kind = pick(100);
+    if (kind < 22) return moveCursors();
+    if (kind < 52) return runCommand();
+    if (kind < 62) return drag();
+    if (kind < 77) return typeTitle();
+    if (kind < 88) return bench().undo();
+    if (kind < 94) return bench().redo();
+    if (kind < 97) return bench().selectTab(pick(2) == 0 ? Tab::Departments : Tab::Articles);
+    if (kind < 98) return bench().selectListino(pick(listini));
+    bench().CambiaLingua(pick(2) + 1);
+  }
+
+  std::int64_t count(const std::string& table) { return std::stoll(scalar("SELECT COUNT(*) FROM " + table)); }
+  std::string suffix() const { return session.currentLanguage == 2 ? "_l2" : ""; }
+
+  // The tree as text: depth, key and title of each node, children below their parent.
+  void walk(const QModelIndex& node, int depth, std::string& text) {
+    text += std::to_string(depth) + "|" + model().keyOf(node) + "|" + fromQt(node.data().toString()) + "\n";
+    for (int row = 0; row < model().rowCount(node); ++row) {
+      const QModelIndex child = model().index(row, 0, node);
+      ASSERT_EQ(model().parent(child), node);
+      ASSERT_EQ(model().indexOf(model().keyOf(child)), child);
+      walk(child, depth + 1, text);
+    }
+  }
+  void read(const std::string& parent, const std::string& title, int depth, std::string& text) {
+    text += std::to_string(depth) + "|" + parent + "|" + title + "\n";
+    auto child = session.catalogue.prepare("SELECT ID, COALESCE(titolo" + suffix() +
+                                           ", '(senza nome)') FROM categorie WHERE genitore = ? "
+                                           "ORDER BY ordinamento, contatore");
+    ASSERT_TRUE(child);
+    child->bind(1, parent);
+    while (*child->step()) read(std::string(child->text(0)), std::string(child->text(1)), depth + 1, text);
+  }
+
+  void checkTree() {
+    std::string shown;
+    std::string stored;
+    walk(model().index(0, 0), 0, shown);
+    read(std::string(treeRoot), std::string(treeRootTitle), 0, stored);
+    ASSERT_EQ(shown, stored);
+    ASSERT_EQ(scalar("SELECT COUNT(*) FROM categorie c WHERE COALESCE(hafigli, 0) <> "
+                     "EXISTS (SELECT 1 FROM categorie WHERE genitore = c.ID)"),
+              "0");
+    ASSERT_EQ(model().keyOf(window->tree().currentIndex()), sets().department());
+  }
+
+  void checkList() {
+    std::string shown;
+    ArticleModel& list = window->articles().articles();
+    for (int row = 0; row < list.rowCount(); ++row) {
+      for (int column = 0; column < ArticleModel::ColumnCount; ++column) shown += fromQt(cell(row, column)) + "|";
+      shown += "\n";
+    }
+    std::string stored;
+    const std::string price =
+        session.currentListino == 0 ? "prezzo" : "prezzo" + std::to_string(session.currentListino);
+    auto row = session.catalogue.prepare("SELECT codice, titolo" + suffix() + ", " + price +
+                                         " FROM articoli WHERE catID = ? ORDER BY ordinamento, ID");
+    ASSERT_TRUE(row);
+    const std::string department = sets().department();
+    row->bind(1, department);
+    while (*row->step()) {
+      const std::string amount = row->isNull(2) ? "" : shownNumber(asText(row->value(2)), ',');
+      stored += std::string(row->text(0)) + "|" + std::string(row->text(1)) + "|" + amount + "|\n";
+    }
+    row->reset();
+    ASSERT_EQ(shown, stored);
+    const int place = sets().onArticle() ? static_cast<int>(sets().dataArticoli().position()) : -1;
+    ASSERT_EQ(window->articles().currentIndex().row(), place);
+  }
+
+  void checkFields() {
+    const std::string ID = sets().department();
+    ASSERT_EQ(fromQt(line(EditedSet::Categorie, "titolo").text()),
+              sets().onDepartment() ? scalar("SELECT titolo" + suffix() + " FROM categorie WHERE ID = '" + ID + "'")
+                                    : std::string());
+    ASSERT_EQ(fromQt(line(EditedSet::Articoli, "titolo").text()),
+              sets().onArticle()
+                  ? scalar("SELECT titolo" + suffix() + " FROM articoli WHERE ID = " + std::to_string(sets().article()))
+                  : std::string());
+    ASSERT_EQ(line(EditedSet::Articoli, "titolo").isEnabled(), sets().onArticle());
+    const std::string total = std::to_string(count("articoli"));
+    const std::string here = std::to_string(count("articoli WHERE catID = '" + ID + "'"));
+    ASSERT_EQ(fromQt(window->findChild<QLabel*>(QStringLiteral("lblStato"))->text()),
+              " Articoli: " + (sets().onDepartment() ? here + " /" + total : total));
+  }
+
+  void check() {
+    settle();
+    checkTree();
+    if (!HasFatalFailure()) checkList();
+    if (!HasFatalFailure()) checkFields();
+  }
+
+  std::string whole() {
+    return rows(session.catalogue, "SELECT * FROM categorie ORDER BY contatore") +
+           rows(session.catalogue, "SELECT * FROM articoli ORDER BY ID") +
+           rows(session.catalogue, "SELECT * FROM generale") + rows(session.catalogue, "SELECT * FROM lingue");
+  }
+
+  std::mt19937 chance{seed()};
+};
+
+TEST_F(TreeEndurance, TheWindowShowsWhatIsStoredAfterEveryOperation) {
+  SCOPED_TRACE("KORVANE_TEST_SEED=" + std::to_string(seed()));
+  open();
+  ASSERT_TRUE(session.catalogue.execute("PRAGMA synchronous=OFF"));  // the shop lives for one test
+  const std::string start = whole();
+  for (int n = 1; n <= operations; ++n) {
+    SCOPED_TRACE("operation " + std::to_string(n));
+    operate();
+    check();
+    if (HasFatalFailure()) return;
+    if (n % operationsBetweenReturns != 0) continue;
+    while (!bench().undoName().empty()) bench().undo();
+    ASSERT_EQ(whole(), start);
+    for (int steps = pick(200); steps > 0 && !bench().redoName().empty(); --steps) bench().redo();
+    check();
+    if (HasFatalFailure()) return;
+  }
+  EXPECT_EQ(scalar("PRAGMA integrity_check"), "ok");
+}
+
+}  // namespace
+}  // namespace kv::test
