@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "builder/build_summary.h"
 #include "platform/frm_user.h"
 
 namespace kv {
@@ -19,6 +20,8 @@ constexpr std::string_view buildTitle = "Korvane - Costruzione sito";
 constexpr std::string_view buildHeading = "Elaborazione in corso...";
 constexpr std::string_view buildStarts = "Inizializzazione";
 constexpr std::string_view buildLeaves = "Annullamento in corso...";
+constexpr std::string_view publishedNote =
+    "Il negozio com'è pubblicato ora: ciò che è stato costruito vi appare dopo l'aggiornamento del sito";
 
 }  // namespace
 
@@ -92,7 +95,7 @@ void frmElabora::start() {
   running_ = true;
   user_->pump.pump(false);
   Surroundings around{*user_, with_.settings, with_.clock, with_.random, with_.applicationFolder, with_.hooks};
-  outcome_ = MakePages(session_, around, parts_, &counts_);
+  outcome_ = MakePages(session_, around, {}, &counts_);
   running_ = false;
   if (outcome_ == BuildOutcome::Done) {
     showProgress();
@@ -138,14 +141,17 @@ void frmElabora::tellFinished(const std::string& text) {
   unsetCursor();
   QMessageBox box(QMessageBox::Information, windowTitle(), toQt(text), QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(toQt(buildSummary(counts_)));
   const auto offer = [&box](const std::function<void()>& view, const char* caption, const char* name) {
     return view ? named(box.addButton(toQt(caption), QMessageBox::ActionRole), name) : nullptr;
   };
-  const auto* shop = offer(views_.openShop, "Apri il negozio nel &browser", "cmdBrowser");
+  auto* shop = offer(views_.openShop, "Apri il &sito online", "cmdBrowser");
+  if (shop != nullptr) shop->setToolTip(toQt(publishedNote));
   const auto* folder = offer(views_.openFolder, "Apri la &cartella", "cmdCartella");
   QPushButton* ok = named(box.addButton(toQt("OK"), QMessageBox::AcceptRole), "cmdOK");
   box.setDefaultButton(ok);
   box.setEscapeButton(ok);
+  makeReadable(box);
   box.exec();
   if (shop != nullptr && box.clickedButton() == shop) views_.openShop();
   if (folder != nullptr && box.clickedButton() == folder) views_.openFolder();

@@ -15,7 +15,7 @@ namespace kv {
 
 /// Ways to look at what was built, offered with the closing message; one that is not set has no button.
 struct BuildViews {
-  std::function<void()> openShop;    ///< "Apri il negozio nel browser"
+  std::function<void()> openShop;    ///< "Apri il sito online": as it is published, before it is brought up to date
   std::function<void()> openFolder;  ///< "Apri la cartella"
 };
 
@@ -26,8 +26,6 @@ class frmElabora final : public FormDialog {
   frmElabora(Session& session, Surroundings& with, BuildViews views = {}, QWidget* parent = nullptr);
   ~frmElabora() override;
 
-  /// Steps of the build that belong to other subjects; to be set before it starts.
-  void setParts(BuildParts parts) { parts_ = std::move(parts); }
   BuildOutcome outcome() const { return outcome_; }
   const BuildCounts& counts() const { return counts_; }
 
@@ -47,7 +45,6 @@ class frmElabora final : public FormDialog {
   Session& session_;
   Surroundings& with_;
   BuildViews views_;
-  BuildParts parts_;
   BuildCounts counts_;
   BuildOutcome outcome_ = BuildOutcome::Cancelled;
   std::unique_ptr<BuildUser> user_;

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
@@ -22,6 +23,19 @@ std::string textOf(const QPlainTextEdit& field) {
   return fromQt(text);
 }
 
+namespace {
+
+/// No pictures on the buttons, as in the message boxes: the words say it.
+QPushButton* plainButton(QDialogButtonBox& buttons, QDialogButtonBox::StandardButton which, std::string_view caption,
+                         std::string_view name) {
+  QPushButton* button = buttons.button(which);
+  button->setText(toQt(caption));
+  button->setIcon(QIcon());
+  return named(button, name);
+}
+
+}  // namespace
+
 FormDialog::FormDialog(std::string_view title, QWidget* parent) : QDialog(parent) { setWindowTitle(toQt(title)); }
 
 void FormDialog::finish(std::string tag) {
@@ -36,21 +50,15 @@ void FormDialog::reject() {
 
 QDialogButtonBox* FormDialog::makeButtons(std::string_view accept, std::string_view leave) {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  QPushButton* ok = buttons->button(QDialogButtonBox::Ok);
-  ok->setText(toQt(accept));
-  ok->setDefault(true);
-  named(ok, "cmdOK");
-  buttons->button(QDialogButtonBox::Cancel)->setText(toQt(leave));
-  named(buttons->button(QDialogButtonBox::Cancel), "cmdAnnulla");
+  plainButton(*buttons, QDialogButtonBox::Ok, accept, "cmdOK")->setDefault(true);
+  plainButton(*buttons, QDialogButtonBox::Cancel, leave, "cmdAnnulla");
   connect(buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
   return buttons;
 }
 
 QDialogButtonBox* FormDialog::makeClose(std::string_view caption) {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-  QPushButton* close = buttons->button(QDialogButtonBox::Close);
-  close->setText(toQt(caption));
-  named(close, "cmdChiudi");
+  plainButton(*buttons, QDialogButtonBox::Close, caption, "cmdChiudi");
   connect(buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
   return buttons;
 }
@@ -84,6 +92,25 @@ QLabel* wrappedText(std::string_view text) {
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
   return label;
+}
+
+void makeReadable(QMessageBox& box) {
+  const auto part = [&box](const char* name) { return box.findChild<QLabel*>(QLatin1String(name)); };
+  if (QLabel* text = part("qt_msgbox_label")) text->setFocusPolicy(Qt::NoFocus);
+  QLabel* picture = part("qt_msgboxex_icon_label");
+  if (picture == nullptr) return;
+  switch (box.icon()) {
+    case QMessageBox::Information:
+      return picture->setAccessibleName(QObject::tr("Informazione"));
+    case QMessageBox::Question:
+      return picture->setAccessibleName(QObject::tr("Domanda"));
+    case QMessageBox::Warning:
+      return picture->setAccessibleName(QObject::tr("Attenzione"));
+    case QMessageBox::Critical:
+      return picture->setAccessibleName(QObject::tr("Errore"));
+    case QMessageBox::NoIcon:
+      return;
+  }
 }
 
 BusyPointer::BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }

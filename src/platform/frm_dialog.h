@@ -10,6 +10,7 @@
 
 class QDialogButtonBox;
 class QLabel;
+class QMessageBox;
 class QPlainTextEdit;
 
 namespace kv {
@@ -59,6 +60,10 @@ Control* named(Control* control, std::string_view objectName, std::string_view a
   if (!accessibleName.empty()) control->setAccessibleName(toQt(accessibleName));
   return control;
 }
+
+/// Gives the picture of a box a word for who can't see it, and takes the text, which is read out by itself, out of the
+/// way of the Tab key.
+void makeReadable(QMessageBox& box);
 
 /// The busy pointer for as long as this stands.
 class BusyPointer {

@@ -86,6 +86,7 @@ Answer ask(QWidget* over, const Question& question) {
     if (one.answer == question.preset) box.setDefaultButton(shown.back());
   }
   box.setEscapeButton(shown.back());
+  makeReadable(box);
   box.exec();
   for (std::size_t i = 0; i < offered.size(); ++i) {
     if (box.clickedButton() == shown[i]) return offered[i].answer;

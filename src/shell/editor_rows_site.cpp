@@ -41,7 +41,7 @@ void shopEditors(std::vector<Editor>& rows) {
 
 void moneyEditors(std::vector<Editor>& rows) {
   Group money(rows, Tab::Site, "Valuta");
-  money.add("valuta1", "&Valuta:", Line, FieldKind::ShortText).toolTip = "Il segno accanto ai prezzi, come EUR";
+  money.add("valuta1", "Val&uta:", Line, FieldKind::ShortText).toolTip = "Il segno accanto ai prezzi, come EUR";
   money.check("decimali1", "Mostra i decimali");
   money.add("notazione", "Notazione dei numeri:", Choice).choices = "Italiana (1.000,00)|Inglese (1,000.00)";
   money.check("usa_cambio", "Mostra una &seconda valuta");
@@ -74,7 +74,7 @@ void moneyEditors(std::vector<Editor>& rows) {
 
 void pageEditors(std::vector<Editor>& rows) {
   Group pages(rows, Tab::Site, "Pagine dei reparti");
-  pages.add("affiancati", "Articoli a&ffiancati:", Line, FieldKind::WholeNumber).toolTip =
+  pages.add("affiancati", "Articoli affian&cati:", Line, FieldKind::WholeNumber).toolTip =
       "Quanti articoli stanno sulla stessa riga di un reparto";
   pages.add("livelliaperti", "&Livelli sempre aperti:", Line, FieldKind::WholeNumber).toolTip =
       "Quanti livelli di reparti l'elenco mostra sempre";

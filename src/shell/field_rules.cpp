@@ -84,6 +84,8 @@ KeyAnswer keyTyped(FieldKind kind, std::string_view letter, char decimalSeparato
 
 std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator) {
   std::string kept;
+  // Of a number with decimals the integer part is kept, not all of its digits.
+  if (kind == FieldKind::WholeNumber) text = text.substr(0, text.find(decimalSeparator));
   while (!text.empty()) {
     const std::string_view letter = firstCharacters(text, 1);
     kept += keyTyped(kind, letter, decimalSeparator).inserted;

@@ -33,7 +33,7 @@ frmAbout::frmAbout(QWidget* parent, bool splash) : FormDialog("Informazioni su K
   column->setContentsMargins(36, 28, 36, 20);
   const QIcon icon = QApplication::windowIcon();
   if (!icon.isNull()) {
-    auto* picture = new QLabel();
+    auto* picture = named(new QLabel(), "picLogo", "Il segno di Korvane");
     picture->setPixmap(icon.pixmap(pictureSide, pictureSide));
     picture->setAlignment(Qt::AlignCenter);
     column->addWidget(picture);

@@ -1,6 +1,7 @@
 #include "shell/frm_articles_list.h"
 
 #include <QHeaderView>
+#include <QPainter>
 
 #include "platform/frm_dialog.h"
 #include "shell/field_rules.h"
@@ -78,7 +79,7 @@ ArticleList::ArticleList(Workbench& workbench, QWidget* parent)
   setWordWrap(false);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
   horizontalHeader()->setSectionResizeMode(ArticleModel::Title, QHeaderView::Stretch);
@@ -106,6 +107,19 @@ void ArticleList::selectCurrent() {
     clearSelection();
   }
   settling_ = false;
+}
+
+/// An empty list says why it is, and what to do.
+void ArticleList::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (model_->rowCount() > 0 || !workbench_.isOpen()) return;
+  const QString text = workbench_.sets().onDepartment() ? tr("Questo reparto non ha articoli.\nCtrl+I ne aggiunge uno.")
+                                                        : tr("Scegli un reparto per vederne gli articoli.");
+  QPainter painter(viewport());
+  painter.setPen(palette().color(QPalette::PlaceholderText));
+  constexpr int margin = 12;
+  painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap,
+                   text);
 }
 
 void ArticleList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

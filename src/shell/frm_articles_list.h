@@ -47,6 +47,7 @@ class ArticleList final : public QTableView {
   ArticleModel& articles() { return *model_; }
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:

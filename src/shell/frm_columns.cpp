@@ -5,6 +5,13 @@
 #include <vector>
 
 namespace kv {
+namespace {
+
+int heightOf(const QLayoutItem& item, int width) {
+  return item.hasHeightForWidth() ? item.heightForWidth(width) : item.sizeHint().height();
+}
+
+}  // namespace
 
 ColumnsLayout::ColumnsLayout(int narrowest, QWidget* parent) : QLayout(parent), narrowest_(narrowest) {}
 
@@ -43,9 +50,16 @@ int ColumnsLayout::place(const QRect& area, bool move) const {
   std::vector<int> heights(static_cast<std::size_t>(columns), 0);
   for (QLayoutItem* item : items_) {
     if (item->isEmpty()) continue;
+    if (item->widget() != nullptr && item->widget() == wide_) {
+      const int top = *std::max_element(heights.begin(), heights.end());
+      const int height = heightOf(*item, inner.width());
+      if (move) item->setGeometry({inner.left(), inner.top() + top, inner.width(), height});
+      std::fill(heights.begin(), heights.end(), top + height + gap);
+      continue;
+    }
     const auto shortest = std::min_element(heights.begin(), heights.end());
     const int column = static_cast<int>(shortest - heights.begin());
-    const int height = item->hasHeightForWidth() ? item->heightForWidth(width) : item->sizeHint().height();
+    const int height = heightOf(*item, width);
     if (move) item->setGeometry({inner.left() + column * (width + gap), inner.top() + *shortest, width, height});
     *shortest += height + gap;
   }

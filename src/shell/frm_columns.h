@@ -9,9 +9,11 @@ namespace kv {
 class ColumnsLayout final : public QLayout {
   Q_OBJECT
  public:
-  /// A column is at least this wide, in pixels at 96 dots per inch.
+  /// A column is at least this wide, in pixels.
   explicit ColumnsLayout(int narrowest, QWidget* parent = nullptr);
   ~ColumnsLayout() override;
+  /// A group of this layout that takes the whole width, below what comes before it.
+  void setWide(const QWidget* group) { wide_ = group; }
 
   void addItem(QLayoutItem* item) override { items_.append(item); }
   int count() const override { return static_cast<int>(items_.size()); }
@@ -27,6 +29,7 @@ class ColumnsLayout final : public QLayout {
   int place(const QRect& area, bool move) const;
   QList<QLayoutItem*> items_;
   int narrowest_;
+  const QWidget* wide_ = nullptr;
 };
 
 }  // namespace kv

@@ -6,6 +6,7 @@
 
 #include "builder/frm_elabora.h"
 #include "platform/files.h"
+#include "shell/editor_table.h"
 #include "shell/frm_about.h"
 #include "shell/frm_avviso.h"
 #include "shell/frm_backup.h"
@@ -67,6 +68,9 @@ void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
 void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Surroundings& with) {
   dialogs["frmElabora"] = [&](const std::string&) {
     BuildViews views;
+    // The pages that were built need a server: what a browser can show is the shop as it is published.
+    const std::string address = window.workbench().shown(*editorOf(EditedSet::Generale, shopAddressField));
+    if (!address.empty()) views.openShop = [&window, address] { window.workbench().openDocument(address); };
     views.openFolder = [&] { window.workbench().openDocument(session.onlineFolder); };
     frmElabora dialog(session, with, std::move(views), &window);
     return run(dialog);

@@ -61,8 +61,7 @@ EditorBinding::EditorBinding(const Editor& editor, Workbench& workbench, const C
 }
 
 /// Names the control for tests, for the guide and for who can't see it.
-void EditorBinding::adopt(QWidget* widget, QWidget* field) {
-  widget_ = widget;
+void EditorBinding::adopt(QWidget* field) {
   field_ = field;
   field->setObjectName(toQt(editor_.column));
   field->setToolTip(toQt(editor_.toolTip));
@@ -71,15 +70,14 @@ void EditorBinding::adopt(QWidget* widget, QWidget* field) {
   if (auto* list = qobject_cast<QComboBox*>(field)) list->view()->setAccessibleName(field->accessibleName());
 }
 
-QWidget* EditorBinding::withUnit(QWidget* field) {
-  if (editor_.unit.empty()) return field;
-  auto* box = new QWidget(parent_);
-  auto* row = new QHBoxLayout(box);
-  row->setContentsMargins(0, 0, 0, 0);
+void EditorBinding::addUnit(QWidget* field) {
+  if (editor_.unit.empty()) return;
+  unit_ = new QLabel(toQt(editor_.unit), parent_);
+  auto* row = new QHBoxLayout;
   row->addWidget(field);
-  row->addWidget(new QLabel(toQt(editor_.unit), box));
+  row->addWidget(unit_);
   row->addStretch();
-  return box;
+  row_ = row;
 }
 
 void EditorBinding::edited() {
@@ -105,7 +103,8 @@ void EditorBinding::makeLine(bool hidden) {
     show();
     emit typed(read_());
   });
-  adopt(withUnit(line), line);
+  addUnit(line);
+  adopt(line);
 }
 
 void EditorBinding::makeMemo() {
@@ -119,7 +118,7 @@ void EditorBinding::makeMemo() {
   };
   connect(memo, &QPlainTextEdit::textChanged, this, &EditorBinding::edited);
   connect(memo, &FieldMemo::left, this, &EditorBinding::commit);
-  adopt(memo, memo);
+  adopt(memo);
 }
 
 void EditorBinding::makeCheck() {
@@ -130,7 +129,7 @@ void EditorBinding::makeCheck() {
     edited();
     commit();
   });
-  adopt(check, check);
+  adopt(check);
 }
 
 void EditorBinding::makeChoice() {
@@ -143,7 +142,7 @@ void EditorBinding::makeChoice() {
     edited();
     commit();
   });
-  adopt(list, list);
+  adopt(list);
 }
 
 void EditorBinding::makePick() {
@@ -159,7 +158,7 @@ void EditorBinding::makePick() {
     edited();
     commit();
   });
-  adopt(list, list);
+  adopt(list);
 }
 
 void EditorBinding::makeCombo() {
@@ -187,7 +186,8 @@ void EditorBinding::makeCombo() {
     dirty_ = false;
     show();
   });
-  adopt(withUnit(list), list);
+  addUnit(list);
+  adopt(list);
 }
 
 void EditorBinding::makePicture(const CommandActions& actions) {
@@ -196,27 +196,26 @@ void EditorBinding::makePicture(const CommandActions& actions) {
       new PicturePreview(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
   read_ = [] { return QString(); };
   write_ = [this, picture](const QString& name) { picture->showPicture(name, toQt(workbench_.picturePath(editor_))); };
-  adopt(picture, picture);
+  adopt(picture);
 }
 
 void EditorBinding::makeVariant(const CommandActions& actions) {
-  auto* box = new QWidget(parent_);
-  auto* row = new QHBoxLayout(box);
-  row->setContentsMargins(0, 0, 0, 0);
-  auto* name = new QLineEdit(box);
+  auto* name = new QLineEdit(parent_);
   name->setReadOnly(true);
-  auto* button = new QToolButton(box);
+  auto* button = new QToolButton(parent_);
   QAction* action = actions(variantCommand(editor_.number));
   button->setDefaultAction(action);
   button->setText(QStringLiteral("..."));
   button->setAccessibleName(action->iconText());
   button->setFocusPolicy(Qt::StrongFocus);
   connect(action, &QAction::changed, button, [button] { button->setText(QStringLiteral("...")); });
+  auto* row = new QHBoxLayout;
   row->addWidget(name);
   row->addWidget(button);
+  row_ = row;
   read_ = [name] { return name->text(); };
   write_ = [name](const QString& text) { name->setText(text); };
-  adopt(box, name);
+  adopt(name);
 }
 
 void EditorBinding::makeShown() {
@@ -230,7 +229,7 @@ void EditorBinding::makeShown() {
     line->setText(text);
     line->setCursorPosition(0);
   };
-  adopt(line, line);
+  adopt(line);
 }
 
 void EditorBinding::show() {
@@ -244,7 +243,12 @@ void EditorBinding::show() {
   loading_ = false;
 }
 
-void EditorBinding::refreshEnabled() { widget_->setEnabled(workbench_.isEditorEnabled(editor_)); }
+void EditorBinding::refreshEnabled() {
+  const bool enabled = workbench_.isEditorEnabled(editor_);
+  field_->setEnabled(enabled);
+  if (unit_ != nullptr) unit_->setEnabled(enabled);
+  if (label_ != nullptr) label_->setEnabled(enabled);
+}
 
 void EditorBinding::commit() {
   if (!dirty_) return;

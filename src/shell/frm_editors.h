@@ -9,7 +9,7 @@
 #include "shell/workbench.h"
 
 class QAction;
-class QToolButton;
+class QLayout;
 
 namespace kv {
 
@@ -24,9 +24,12 @@ class EditorBinding final : public QObject {
   EditorBinding(const Editor& editor, Workbench& workbench, const CommandActions& actions, QWidget* parent);
 
   const Editor& editor() const { return editor_; }
-  /// What stands in the page, and what of it takes the focus (the same for a plain field).
-  QWidget* widget() const { return widget_; }
   QWidget* field() const { return field_; }
+  /// The field with what stands beside it, a unit or a button; null for a field that stands alone. Not a widget around
+  /// them: a reader of the screen finds the label of a field among its neighbours.
+  QLayout* row() const { return row_; }
+  /// The label beside the control, which is dimmed with it.
+  void setLabel(QLabel* label) { label_ = label; }
   /// Whether the label stands inside the control itself.
   bool labelsItself() const { return editor_.control == Control::Check; }
 
@@ -35,7 +38,6 @@ class EditorBinding final : public QObject {
   void refreshEnabled();
   /// Hands what was typed to the workbench.
   void commit();
-  bool isDirty() const { return dirty_; }
   /// Shows a text that follows from another field that is being typed.
   void preview(const QString& text);
 
@@ -53,15 +55,17 @@ class EditorBinding final : public QObject {
   void makePicture(const CommandActions& actions);
   void makeVariant(const CommandActions& actions);
   void makeShown();
-  void adopt(QWidget* widget, QWidget* field);
+  void adopt(QWidget* field);
   void edited();
-  QWidget* withUnit(QWidget* field);
+  void addUnit(QWidget* field);
 
   const Editor& editor_;
   Workbench& workbench_;
   QWidget* parent_;
-  QWidget* widget_ = nullptr;
   QWidget* field_ = nullptr;
+  QLayout* row_ = nullptr;
+  QLabel* unit_ = nullptr;
+  QLabel* label_ = nullptr;
   std::function<QString()> read_;
   std::function<void(const QString&)> write_;
   bool dirty_ = false;

@@ -97,20 +97,48 @@ void frmIntro::colour(std::size_t lit) {
 
 void frmIntro::hideEvent(QHideEvent* event) {
   FormDialog::hideEvent(event);
-  if (event->spontaneous() || !lit_) return;
+  if (event->spontaneous()) return;
+  widenMain();
+  if (!lit_) return;
   lit_ = false;
   colour(cmdStep_.size());
   target_.DisattivaTextBox();
 }
 
+/// The main window makes room where it can: what the steps light is not to lie under the guide.
+void frmIntro::narrowMain(QWidget& mainWindow, const QRect& room) {
+  const QSize rim = mainWindow.frameGeometry().size() - mainWindow.size();
+  const int whole = mainWindow.frameGeometry().width();
+  const int width =
+      widthBesideIntro(room.width(), whole, frameGeometry().width(), mainWindow.minimumWidth() + rim.width());
+  if (width == whole) return;
+  mainBefore_ = mainWindow.saveGeometry();
+  main_ = &mainWindow;
+  if (mainWindow.isMaximized() || mainWindow.isFullScreen()) {
+    mainWindow.showNormal();
+    mainWindow.move(room.topLeft());
+    mainWindow.resize(width - rim.width(), room.height() - rim.height());
+  } else {
+    mainWindow.resize(width - rim.width(), mainWindow.height());
+  }
+  mainNarrow_ = mainWindow.width();
+}
+
+/// Gives the main window its place back, unless the user has sized it meanwhile.
+void frmIntro::widenMain() {
+  if (main_ != nullptr && main_->width() == mainNarrow_) main_->restoreGeometry(mainBefore_);
+  main_ = nullptr;
+}
+
 void frmIntro::placeBeside(QWidget& mainWindow) {
-  const QScreen* screen = mainWindow.screen();
-  const QRect room = screen->availableGeometry();
+  const QRect room = mainWindow.screen()->availableGeometry();
+  narrowMain(mainWindow, room);
   const QRect frame = mainWindow.frameGeometry();
-  const int own = frameGeometry().width();
-  const IntroPlacement places = placeIntro(room.width(), frame.left() - room.left(), frame.width(), own);
+  const QRect own = frameGeometry();
+  const IntroPlacement places = placeIntro(room.width(), frame.left() - room.left(), frame.width(), own.width());
+  const int lowest = std::max(room.top(), room.bottom() + 1 - own.height());
   mainWindow.move(room.left() + places.mainLeft, frame.top());
-  move(room.left() + places.introLeft, frame.top());
+  move(room.left() + places.introLeft, std::min(frame.top(), lowest));
 }
 
 }  // namespace kv

@@ -1,6 +1,9 @@
 #pragma once
 // The first-run guide beside the main window. It isn't modal: show() it.
 
+#include <QByteArray>
+#include <QPointer>
+#include <QWidget>
 #include <vector>
 
 #include "platform/frm_dialog.h"
@@ -16,7 +19,8 @@ class frmIntro final : public FormDialog {
   /// parent no longer asks anything of it.
   explicit frmIntro(IntroTarget& target, QWidget* parent = nullptr);
 
-  /// Places main window and guide so that both fit on the screen. Called once the main window is shown.
+  /// Places main window and guide so that both fit on the screen, the main window made narrower where that is needed
+  /// and it can be; it is given its place back when the guide closes. Called once both are shown.
   void placeBeside(QWidget& mainWindow);
 
  protected:
@@ -26,10 +30,15 @@ class frmIntro final : public FormDialog {
   QWidget* makeSteps();
   void showStep(std::size_t step);
   void colour(std::size_t lit);
+  void narrowMain(QWidget& mainWindow, const QRect& room);
+  void widenMain();
 
   IntroTarget& target_;
   std::vector<QPushButton*> cmdStep_;
   bool lit_ = false;
+  QPointer<QWidget> main_;  ///< while it is narrower than the user has it
+  QByteArray mainBefore_;
+  int mainNarrow_ = 0;
 };
 
 }  // namespace kv

@@ -3,12 +3,15 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTabBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "platform/frm_dialog.h"
@@ -47,7 +50,11 @@ frmMain::frmMain(Session& session, Surroundings& with, WorkbenchPorts ports)
   menus_->showTab(Tab::Departments);
 }
 
-frmMain::~frmMain() { workbench_.releaseSession(); }
+frmMain::~frmMain() {
+  // A field that goes while it has the focus is left like any other, and the workbench must still be there for that.
+  if (QWidget* field = focusWidget()) field->clearFocus();
+  workbench_.releaseSession();
+}
 
 void frmMain::makeTabs() {
   tabs_ = new QTabBar(this);
@@ -88,7 +95,11 @@ void frmMain::makePanels() {
   auto* column = new QVBoxLayout(body);
   column->setContentsMargins(6, 6, 6, 0);
   column->setSpacing(6);
-  column->addWidget(tabs_);
+  auto* strip = new QHBoxLayout;
+  strip->setSpacing(6);
+  strip->addWidget(tabs_, 1);
+  strip->addWidget(menus_->makeLanguageButton(body));
+  column->addLayout(strip);
   column->addWidget(sides_, 1);
   setCentralWidget(body);
 }
@@ -187,10 +198,17 @@ void frmMain::close() { QMainWindow::close(); }
 
 void frmMain::closeEvent(QCloseEvent* event) {
   finishEdits();
+  // The guide gives back the room that it took, before the place is remembered.
+  if (auto* guide = findChild<QDialog*>(QStringLiteral("frmIntro"))) guide->close();
   keepPlace();
   // A session that is open when the window goes was left by the user.
   if (workbench_.isOpen()) session_.compactOnExit = true;
   event->accept();
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  menus_->fit(*this);
 }
 
 void frmMain::showEvent(QShowEvent* event) {

@@ -69,6 +69,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
 
  private:

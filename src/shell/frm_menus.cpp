@@ -1,25 +1,25 @@
 #include "shell/frm_menus.h"
 
 #include <QAction>
-#include <QFile>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSet>
 #include <QToolBar>
 #include <QToolButton>
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "platform/files.h"
 #include "platform/frm_dialog.h"
-
-/// Icons live in a library, whose resources nothing else would bring to life.
-static void bringIcons() { Q_INIT_RESOURCE(icons); }
+#include "shell/frm_icons.h"
 
 namespace kv {
 namespace {
 
 constexpr int iconSize = 24;
+constexpr QColor litColour(0xb9, 0xf2, 0xb0);  // as the fields of a step
 
 /// The commands of a tab's own row of buttons.
 std::span<const int> buttonsOf(Tab tab) {
@@ -68,15 +68,33 @@ QString buttonText(const Command& command) {
   return toQt(command.step);
 }
 
-}  // namespace
-
-QIcon MainMenus::icon(std::string_view name) {
-  const QString path = QStringLiteral(":/icons/") + toQt(name) + QStringLiteral(".svg");
-  return QFile::exists(path) ? QIcon(path) : QIcon();
+/// A caption in two lines of about the same length, so that a whole row of them fits; a short one stays in the first.
+QString inTwoLines(const QString& caption) {
+  constexpr int shortEnough = 9;
+  const qsizetype middle = caption.size() / 2;
+  qsizetype cut = -1;
+  for (qsizetype at = caption.indexOf(QLatin1Char(' ')); at >= 0; at = caption.indexOf(QLatin1Char(' '), at + 1)) {
+    if (cut < 0 || std::abs(at - middle) < std::abs(cut - middle)) cut = at;
+  }
+  if (cut < 0 || caption.size() <= shortEnough) return caption + QLatin1Char('\n');
+  return QString(caption).replace(cut, 1, QLatin1Char('\n'));
 }
 
+/// The button takes its caption from the action at each change of it; ours comes after.
+void dressButton(QToolButton& button) {
+  const auto caption = [&button] {
+    if (button.defaultAction() == nullptr) return;
+    button.setText(inTwoLines(button.defaultAction()->iconText()));
+    button.setAccessibleName(button.defaultAction()->iconText());
+  };
+  caption();
+  if (button.defaultAction() != nullptr) QObject::connect(button.defaultAction(), &QAction::changed, &button, caption);
+  button.setFocusPolicy(Qt::TabFocus);
+}
+
+}  // namespace
+
 MainMenus::MainMenus(QMainWindow& window, Workbench& workbench) : QObject(&window), workbench_(workbench) {
-  bringIcons();
   makeCommands();
   makeMenus(*window.menuBar());
   makeToolbars(window);
@@ -88,7 +106,7 @@ MainMenus::MainMenus(QMainWindow& window, Workbench& workbench) : QObject(&windo
 
 void MainMenus::makeCommands() {
   for (const Command& command : commandTable()) {
-    auto* action = new QAction(icon(command.icon), toQt(command.caption), this);
+    auto* action = new QAction(drawnIcon(command.icon), toQt(command.caption), this);
     action->setObjectName(QStringLiteral("cmdButton%1").arg(command.number));
     action->setIconText(buttonText(command));
     action->setEnabled(false);
@@ -161,6 +179,7 @@ void MainMenus::makeMenus(QMenuBar& bar) {
 
 QToolBar* MainMenus::makeTabToolbar(QMainWindow& window, Tab tab) {
   auto* bar = new QToolBar(&window);
+  bar->addSeparator();  // from the row of the shop, while both stand in one line
   for (const int number : buttonsOf(tab)) bar->addAction(command(number));
   toolbars_[tab] = bar;
   return bar;
@@ -172,13 +191,11 @@ void MainMenus::makeToolbars(QMainWindow& window) {
   shop->addSeparator();
   for (const MenuAction each : {MenuAction::Undo, MenuAction::Redo}) {
     QAction* action = entry(each);
-    action->setIcon(icon(each == MenuAction::Undo ? "annulla" : "ripeti"));
+    action->setIcon(drawnIcon(each == MenuAction::Undo ? "annulla" : "ripeti"));
     shop->addAction(action);
   }
-  makeLanguageButton(*shop);
   allToolbars_.push_back(shop);
   window.addToolBar(shop);
-  window.addToolBarBreak();
   for (const auto& [tab, title] :
        {std::pair{Tab::Departments, tr("Reparti")}, std::pair{Tab::Articles, tr("Articoli")}}) {
     QToolBar* bar = makeTabToolbar(window, tab);
@@ -194,20 +211,42 @@ void MainMenus::makeToolbars(QMainWindow& window) {
     bar->setIconSize(QSize(iconSize, iconSize));
     bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    for (auto* button : bar->findChildren<QToolButton*>()) button->setFocusPolicy(Qt::TabFocus);
+    for (auto* button : bar->findChildren<QToolButton*>()) dressButton(*button);
+    // What opens the buttons that a narrow window has no room for.
+    if (auto* more = bar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"))) {
+      more->setAccessibleName(tr("Altri comandi"));
+      more->setToolTip(tr("Altri comandi"));
+    }
   }
 }
 
-void MainMenus::makeLanguageButton(QToolBar& bar) {
-  auto* gap = new QWidget(&bar);
-  gap->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-  bar.addWidget(gap);
-  languageButton_ = new QToolButton(&bar);
+QToolButton* MainMenus::makeLanguageButton(QWidget* parent) {
+  languageButton_ = new QToolButton(parent);
   languageButton_->setObjectName(QStringLiteral("cboLingua"));
-  languageButton_->setPopupMode(QToolButton::InstantPopup);
+  languageButton_->setPopupMode(QToolButton::MenuButtonPopup);
+  languageButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  languageButton_->setAutoRaise(true);
+  languageButton_->setIconSize(QSize(30, 16));
+  languageButton_->setFocusPolicy(Qt::TabFocus);
   languageButton_->setMenu(languageMenu_);
   languageButton_->setToolTip(tr("La lingua che si sta modificando"));
-  bar.addWidget(languageButton_);
+  // The whole button opens the list, not its arrow alone.
+  connect(languageButton_, &QToolButton::clicked, languageButton_, &QToolButton::showMenu);
+  return languageButton_;
+}
+
+void MainMenus::fit(QMainWindow& window) {
+  int widest = 0;
+  for (const auto& [of, bar] : toolbars_) widest = std::max(widest, bar->sizeHint().width());
+  const bool apart = allToolbars_.front()->sizeHint().width() + widest > window.width();
+  QToolBar* first = toolbars_.at(Tab::Departments);
+  for (const auto& [of, bar] : toolbars_) bar->actions().front()->setVisible(!apart);
+  if (apart == window.toolBarBreak(first)) return;
+  if (apart) {
+    window.insertToolBarBreak(first);
+  } else {
+    window.removeToolBarBreak(first);
+  }
 }
 
 void MainMenus::refresh() {
@@ -242,14 +281,12 @@ void MainMenus::showLanguages() {
   const std::string folder = joinPath(workbench_.surroundings().applicationFolder, "languages");
   for (int language = 1; language <= maxLanguages; ++language) {
     const std::string& name = session.languageNames[static_cast<std::size_t>(language - 1)];
-    const QString flag = toQt(joinPath(folder, name + ".gif"));
+    const QString flag = toQt(joinPath(folder, name));
     QAction* action = entry(MenuAction::EditLanguage, language);
-    const QIcon picture = !name.empty() && QFile::exists(flag) ? QIcon(flag) : QIcon();
-    action->setIcon(picture);
+    action->setIcon(name.empty() ? QIcon() : flagIcon(flag));
     if (language != session.currentLanguage) continue;
-    languageButton_->setIcon(picture);
+    languageButton_->setIcon(name.empty() ? QIcon() : flagBesideWords(flag));
     languageButton_->setText(toQt(name));
-    languageButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     languageButton_->setAccessibleName(tr("Lingua: ") + toQt(name));
   }
 }
@@ -258,21 +295,23 @@ void MainMenus::lightButton(int number) {
   for (QToolBar* bar : allToolbars_) {
     QWidget* button = bar->widgetForAction(command(number));
     if (button == nullptr) continue;
-    button->setStyleSheet(
-        QStringLiteral("QToolButton { background-color: #b9f2b0; color: black; border-radius: 4px; }"));
+    QPalette palette = button->palette();
+    palette.setColor(QPalette::Button, litColour);
+    palette.setColor(QPalette::ButtonText, Qt::black);
+    button->setPalette(palette);
+    button->setAutoFillBackground(true);
   }
-  command(number)->setIcon(icon(std::string(commandOf(number)->icon) + "-acceso").isNull()
-                               ? icon(commandOf(number)->icon)
-                               : icon(std::string(commandOf(number)->icon) + "-acceso"));
+  command(number)->setIcon(drawnIcon(commandOf(number)->icon, IconColours::Lit));
 }
 
 void MainMenus::unlightButtons() {
   for (QToolBar* bar : allToolbars_) {
     for (const auto& [number, action] : commands_) {
       QWidget* button = bar->widgetForAction(action);
-      if (button == nullptr || button->styleSheet().isEmpty()) continue;
-      button->setStyleSheet(QString());
-      action->setIcon(icon(commandOf(number)->icon));
+      if (button == nullptr || !button->autoFillBackground()) continue;
+      button->setAutoFillBackground(false);
+      button->setPalette(QPalette());
+      action->setIcon(drawnIcon(commandOf(number)->icon));
     }
   }
 }

@@ -2,7 +2,6 @@
 // Menus and toolbars of the main window, made from the two tables. A command has one action, which its button, its menu
 // entries and its shortcut share.
 
-#include <QIcon>
 #include <QObject>
 #include <map>
 #include <vector>
@@ -41,8 +40,10 @@ class MainMenus final : public QObject {
   void lightButton(int command);
   void unlightButtons();
 
-  /// Our own drawing of this name; an empty icon when the program carries none.
-  static QIcon icon(std::string_view name);
+  /// The drop-down of the languages, made once for a place in the window.
+  QToolButton* makeLanguageButton(QWidget* parent);
+  /// Puts both rows of buttons side by side where the window is wide enough, else one below the other.
+  void fit(QMainWindow& window);
 
  private:
   using Key = std::pair<int, int>;  ///< command and -1, or -1 - action and argument
@@ -57,7 +58,6 @@ class MainMenus final : public QObject {
   QMenu* submenu(QMenu& menu, const QString& title);
   void makeToolbars(QMainWindow& window);
   QToolBar* makeTabToolbar(QMainWindow& window, Tab tab);
-  void makeLanguageButton(QToolBar& bar);
 
   Workbench& workbench_;
   std::map<int, QAction*> commands_;

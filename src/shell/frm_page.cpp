@@ -8,6 +8,7 @@
 #include <QTabBar>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "platform/frm_dialog.h"
 #include "shell/frm_columns.h"
@@ -16,7 +17,20 @@
 namespace kv {
 namespace {
 
-constexpr int narrowestColumn = 380;
+constexpr int narrowestColumn = 54;  // letters
+constexpr int rowSpacing = 6;
+
+/// The heading of a group stands out from what is below it, which keeps the usual letters.
+QWidget* underHeading(QGroupBox& box) {
+  QFont heading = box.font();
+  heading.setBold(true);
+  box.setFont(heading);
+  auto* body = new QWidget(&box);
+  QFont usual = body->font();
+  usual.setBold(false);
+  body->setFont(usual);
+  return body;
+}
 
 }  // namespace
 
@@ -26,14 +40,18 @@ EditorPage::EditorPage(Tab tab, Workbench& workbench, const CommandActions& acti
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   auto* body = new QWidget(this);
-  auto* columns = new ColumnsLayout(narrowestColumn, body);
+  auto* columns = new ColumnsLayout(fontMetrics().averageCharWidth() * narrowestColumn, body);
   std::vector<Group> groups;
   for (const Editor& editor : editorTable()) {
     if (editor.tab != tab_) continue;
     if (groups.empty() || groups.back().front()->group != editor.group) groups.emplace_back();
     groups.back().push_back(&editor);
   }
-  for (const Group& group : groups) columns->addWidget(makeGroup(group));
+  for (const Group& group : groups) {
+    QWidget* box = makeGroup(group);
+    columns->addWidget(box);
+    if (group.front()->group == longTexts) columns->setWide(box);
+  }
   setWidget(body);
   setFocusPolicy(Qt::NoFocus);
 }
@@ -52,32 +70,38 @@ EditorBinding* EditorPage::bind(const Editor& editor, QWidget* parent) {
 QWidget* EditorPage::makeGroup(const Group& group) {
   auto* box = new QGroupBox(toQt(group.front()->group), widget());
   box->setAccessibleName(toQt(group.front()->group));
-  auto* column = new QVBoxLayout(box);
+  auto* frame = new QVBoxLayout(box);
+  QWidget* body = underHeading(*box);
+  frame->addWidget(body);
+  auto* column = new QVBoxLayout(body);
+  column->setContentsMargins(0, 0, 0, 0);
   if (group.front()->group == longTexts) {
     column->addWidget(makeTextStrip(group));
     return box;
   }
-  for (const Editor* editor : group) {
-    if (editor->per == Per::Listino) {
-      column->addWidget(makeListinoStrip(box));
-      break;
-    }
-  }
+  const auto ofList = [](const Editor* editor) { return editor->per == Per::Listino; };
+  if (std::any_of(group.begin(), group.end(), ofList)) column->addWidget(makeListinoStrip(body));
   auto* form = new QFormLayout;
   form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
   form->setRowWrapPolicy(QFormLayout::DontWrapRows);
+  form->setVerticalSpacing(rowSpacing);
   column->addLayout(form);
-  for (const Editor* editor : group) {
-    EditorBinding* binding = bind(*editor, box);
-    if (binding->labelsItself()) {
-      form->addRow(binding->widget());
-      continue;
-    }
-    auto* label = new QLabel(toQt(editor->label), box);
-    label->setBuddy(binding->field());
-    form->addRow(label, binding->widget());
-  }
+  for (const Editor* editor : group) addRow(*form, *bind(*editor, body));
   return box;
+}
+
+void EditorPage::addRow(QFormLayout& form, EditorBinding& binding) {
+  const Editor& editor = binding.editor();
+  if (binding.labelsItself()) return form.addRow(binding.field());
+  auto* label = new QLabel(toQt(editor.label), binding.field()->parentWidget());
+  label->setBuddy(binding.field());
+  binding.setLabel(label);
+  // An address takes a line of its own, so that it is read to its end.
+  const bool isAddress = editor.column == shopAddressField || editor.column == backOfficeAddressField;
+  if (binding.row() != nullptr) return form.addRow(label, binding.row());
+  if (!isAddress) return form.addRow(label, binding.field());
+  form.addRow(label);
+  form.addRow(binding.field());
 }
 
 /// The long texts of the shop: one strip of tabs (tabTesti), one text shown at a time.
@@ -95,9 +119,9 @@ QWidget* EditorPage::makeTextStrip(const Group& group) {
   for (const Editor* editor : group) {
     EditorBinding* binding = bind(*editor, texts);
     strip->addTab(toQt(editor->label));
-    texts->addWidget(binding->widget());
+    texts->addWidget(binding->field());
     constexpr int lines = 9;
-    binding->widget()->setMinimumHeight(fontMetrics().lineSpacing() * lines);
+    binding->field()->setMinimumHeight(fontMetrics().lineSpacing() * lines);
   }
   connect(strip, &QTabBar::currentChanged, texts, [this, texts](int place) {
     commit();

@@ -36,6 +36,7 @@ class EditorPage final : public QScrollArea {
  private:
   using Group = std::vector<const Editor*>;
   QWidget* makeGroup(const Group& group);
+  void addRow(QFormLayout& form, EditorBinding& binding);
   QWidget* makeTextStrip(const Group& group);
   QTabBar* makeListinoStrip(QWidget* parent);
   EditorBinding* bind(const Editor& editor, QWidget* parent);

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QImageReader>
+#include <QPainter>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -89,8 +90,12 @@ void PicturePreview::load() {
     preview_->setText(tr("(non leggibile)"));
     return;
   }
-  picture.setDevicePixelRatio(ratio);
-  preview_->setPixmap(picture);
+  // On the white of a page, as visitors see it: a transparent logo may have dark letters.
+  QPixmap onPage(picture.size());
+  onPage.fill(Qt::white);
+  QPainter(&onPage).drawPixmap(0, 0, picture);
+  onPage.setDevicePixelRatio(ratio);
+  preview_->setPixmap(onPage);
   about_->setText(name_ + QStringLiteral("\n%1 x %2").arg(size.width()).arg(size.height()));
 }
 

@@ -6,13 +6,17 @@
 #include <QMessageBox>
 #include <QTranslator>
 
+#include <map>
+
 #include "commerce/payment_modules.h"
 #include "platform/clock.h"
 #include "platform/frm_user.h"
 #include "platform/settings.h"
 #include "shell/frm_about.h"
+#include "shell/frm_appearance.h"
 #include "shell/frm_dialogs.h"
 #include "shell/frm_main.h"
+#include "shell/frm_session_end.h"
 #include "shell/installed_data.h"
 #include "store/server_path.h"
 #include "store/session_start.h"
@@ -25,14 +29,6 @@ namespace {
 char decimalSeparator() {
   const QString point = QLocale::system().decimalPoint();
   return point == QLatin1String(".") ? '.' : ',';
-}
-
-/// Buttons and dialogs that come with Qt speak Italian too.
-void speakItalian(QApplication& application) {
-  auto* words = new QTranslator(&application);
-  if (words->load(QStringLiteral("qtbase_it"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-    QApplication::installTranslator(words);
-  }
 }
 
 /// Makes a shop folder that was asked for the one that the start finds; false when it is none.
@@ -55,6 +51,21 @@ void wireSession(frmMain& window, Session& session, Surroundings& with) {
   wireDialogs(window, session, with);
 }
 
+/// Words of the folder choice that Qt's own Italian lacks.
+class MissingWords final : public QTranslator {
+ public:
+  using QTranslator::QTranslator;
+  bool isEmpty() const override { return false; }
+  QString translate(const char* context, const char* text, const char* /*hint*/, int /*number*/) const override {
+    static const std::map<std::string_view, const char*> kinds{
+        {"Folder", "Cartella"},       {"File", "File"},          {"%1 File", "File %1"},    {"Drive", "Unità"},
+        {"Shortcut", "Collegamento"}, {"Alias", "Collegamento"}, {"Unknown", "Sconosciuto"}};
+    if (context == nullptr || std::string_view(context) != "QAbstractFileIconProvider") return {};
+    const auto found = kinds.find(text);
+    return found == kinds.end() ? QString() : QString::fromUtf8(found->second);
+  }
+};
+
 /// What shows once, over the window that has just been painted.
 void greet(frmMain& window, Settings& settings) {
   frmAbout::showSplash(&window);
@@ -63,8 +74,20 @@ void greet(frmMain& window, Settings& settings) {
 
 }  // namespace
 
+QTranslator* speakItalian() {
+  auto* words = new QTranslator(QCoreApplication::instance());
+  if (!words->load(QStringLiteral("qtbase_it"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    delete words;
+    return nullptr;
+  }
+  QCoreApplication::installTranslator(words);
+  QCoreApplication::installTranslator(new MissingWords(QCoreApplication::instance()));
+  return words;
+}
+
 int runWindow(const WindowArguments& arguments, const std::string& programs) {
-  if (auto* application = qobject_cast<QApplication*>(QCoreApplication::instance())) speakItalian(*application);
+  speakItalian();
+  const SessionEnd end;
   QtUser user;
   const auto folder = findApplicationFolder(arguments.applicationFolder, programs);
   if (!folder) {
@@ -74,10 +97,12 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
     return 1;
   }
   FileSettings settings(userSettingsPath());
+  DesktopAppearance appearance(storedAppearance(settings));
   Surroundings with{user, settings, systemClock(), systemRandom(), *folder, {}};
   Session session;
   WorkbenchPorts ports;
   ports.open = desktopOpener();
+  ports.wear = [&appearance](Appearance chosen) { appearance.choose(chosen); };
   ports.decimalSeparator = decimalSeparator();
   frmMain window(session, with, std::move(ports));
   wireSession(window, session, with);
@@ -86,6 +111,7 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   if (loaded == LoadResult::Opened) window.workbench().showShop();
   if (!session.catalogue.isOpen()) return 1;
   window.restorePlace();
+  appearance.settle();
   window.whenShown([&] { greet(window, settings); });
   user.setHome(&window);
   window.show();

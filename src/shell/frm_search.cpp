@@ -96,6 +96,9 @@ frmSearch::frmSearch(Session& session, Surroundings& with, QWidget* parent)
   txtTesto_->setFocus();
 }
 
+// The focus moves once more while the fields go, when there is no default button to set any longer.
+frmSearch::~frmSearch() { disconnect(qApp, nullptr, this, nullptr); }
+
 QWidget* frmSearch::makeQuestion() {
   txtTesto_ = named(new QLineEdit(), "txtTesto");
   txtTesto_->setValidator(new SearchLetters(txtTesto_));

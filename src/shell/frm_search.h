@@ -24,6 +24,7 @@ class frmSearch final : public FormDialog {
  public:
   /// `session` and `with` outlive the dialog.
   frmSearch(Session& session, Surroundings& with, QWidget* parent = nullptr);
+  ~frmSearch() override;
 
   /// The article chosen by Mostra; 0 when none was.
   std::int64_t chosen() const { return chosen_; }

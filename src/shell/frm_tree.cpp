@@ -1,14 +1,20 @@
 #include "shell/frm_tree.h"
 
+#include <QApplication>
+#include <QFontMetrics>
 #include <QHeaderView>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QTimer>
+#include <cstdlib>
 
 #include "platform/frm_dialog.h"
 
 namespace kv {
 namespace {
 
+constexpr int rowRoom = 8;     // pixels above and below the letters together
+constexpr int dragTwips = 45;  // a twip is the 1440th part of an inch
 const QString departmentMime = QStringLiteral("application/x-korvane-reparto");
 
 }  // namespace
@@ -78,6 +84,7 @@ int DepartmentModel::columnCount(const QModelIndex& /*parent*/) const { return 1
 QVariant DepartmentModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) return node(index).title;
+  if (role == Qt::SizeHintRole) return QSize(0, QFontMetrics(QApplication::font()).height() + rowRoom);
   return {};
 }
 
@@ -119,6 +126,7 @@ DepartmentView::DepartmentView(Workbench& workbench, QWidget* parent)
   setModel(model_);
   setHeaderHidden(true);
   setUniformRowHeights(true);
+  setIndentation(fontMetrics().height() + 2);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setSelectionMode(QAbstractItemView::SingleSelection);
   setDragDropMode(QAbstractItemView::InternalMove);
@@ -159,6 +167,22 @@ void DepartmentView::expandTree(bool expanded) {
     expand(model_->indexOf(std::string(treeRoot)));
   }
   scrollTo(currentIndex());
+}
+
+void DepartmentView::mousePressEvent(QMouseEvent* event) {
+  pressedAt_ = event->position().toPoint();
+  QTreeView::mousePressEvent(event);
+}
+
+/// A drag begins by its own distance, the same on every desktop, along one axis.
+void DepartmentView::mouseMoveEvent(QMouseEvent* event) {
+  if (state() != DraggingState) return QTreeView::mouseMoveEvent(event);
+  const QPoint moved = event->position().toPoint() - pressedAt_;
+  const int limit = dragTwips * logicalDpiX() / 1440;
+  if (std::abs(moved.x()) <= limit && std::abs(moved.y()) <= limit) return;
+  startDrag(model_->supportedDragActions());
+  setState(NoState);
+  stopAutoScroll();
 }
 
 void DepartmentView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

@@ -68,10 +68,13 @@ class DepartmentView final : public QTreeView {
 
  protected:
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
 
  private:
   Workbench& workbench_;
   DepartmentModel* model_;
+  QPoint pressedAt_;
   bool settling_ = false;
 };
 

@@ -1,5 +1,7 @@
 #include "shell/intro_steps.h"
 
+#include <algorithm>
+
 namespace kv {
 
 std::span<const IntroStep> introSteps() {
@@ -29,6 +31,10 @@ std::span<const IntroStep> introSteps() {
       {"E' giunto il momento di costruire il negozio... Premi l'apposito tasto della barra superiore", "", {50}, {}},
       {"Infine, trasferisci il negozio sul server con il client FTP integrato e aggiorna il database", "", {51}, {}}};
   return steps;
+}
+
+int widthBesideIntro(int screenWidth, int mainWidth, int introWidth, int least) {
+  return std::min(mainWidth, std::max(least, screenWidth - introWidth));
 }
 
 IntroPlacement placeIntro(int screenWidth, int mainLeft, int mainWidth, int introWidth) {

@@ -29,6 +29,10 @@ inline constexpr std::string_view introClosing =
 inline constexpr std::string_view introAgain =
     "Per aprire nuovamente questa schermata in futuro, seleziona il comando \"Introduzione\" dal menu \"?\"";
 
+/// The width of the main window that leaves room for the guide: its own where both fit, else what the guide leaves of
+/// the screen, but no less than `least`, or what it has.
+int widthBesideIntro(int screenWidth, int mainWidth, int introWidth, int least);
+
 /// Where the two windows stand, in pixels of the screen.
 struct IntroPlacement {
   int mainLeft = 0;

@@ -13,7 +13,8 @@ int main(int count, char** values) {
   QCoreApplication::setApplicationName(QStringLiteral("korvane"));
   QCoreApplication::setApplicationVersion(QStringLiteral(KORVANE_VERSION));
   QGuiApplication::setApplicationDisplayName(QString());
-  QGuiApplication::setDesktopFileName(QStringLiteral("korvane"));
+  // Under this name the desktop finds the program's entry, and with it its icon.
+  QGuiApplication::setDesktopFileName(QStringLiteral("it.korvane.Korvane"));
   const std::vector<std::string> typed(values + (count > 0 ? 1 : 0), values + count);
   for (const std::string& argument : typed) {
     // These need no display.

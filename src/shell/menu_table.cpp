@@ -11,19 +11,29 @@ using enum MenuTab;
 
 constexpr std::string_view separator = "-";
 
-constexpr MenuEntry rule(MenuTab tab, std::string_view menu) { return {tab, menu, separator, -1, None, 0, ""}; }
-constexpr MenuEntry numbered(MenuTab tab, std::string_view entry, int command, std::string_view shortcut = "") {
-  return {tab, "Modifica", entry, command, None, 0, shortcut};
+/// A menu, and the tabs that show it.
+struct Menu {
+  MenuTab tab = Every;
+  std::string_view name;
+};
+constexpr Menu file{Every, "File"}, view{Every, "Visualizza"}, help{Every, "?"};
+constexpr Menu edits(MenuTab tab) { return {tab, "Modifica"}; }
+
+constexpr MenuEntry rule(Menu menu) { return {menu.tab, menu.name, separator, -1, None, 0, ""}; }
+constexpr MenuEntry numbered(Menu menu, std::string_view entry, int command, std::string_view shortcut = "") {
+  return {menu.tab, menu.name, entry, command, None, 0, shortcut};
 }
-constexpr MenuEntry named(MenuTab tab, std::string_view menu, std::string_view entry, MenuAction action,
-                          std::string_view shortcut = "", int argument = 0) {
-  return {tab, menu, entry, -1, action, argument, shortcut};
+constexpr MenuEntry numbered(MenuTab tab, std::string_view entry, int command, std::string_view shortcut = "") {
+  return numbered(edits(tab), entry, command, shortcut);
+}
+constexpr MenuEntry named(Menu menu, std::string_view entry, MenuAction action, std::string_view shortcut = "",
+                          int argument = 0) {
+  return {menu.tab, menu.name, entry, -1, action, argument, shortcut};
 }
 
 /// What stands at the head of each `Modifica` menu.
 constexpr std::array<MenuEntry, 3> headOf(MenuTab tab) {
-  return {named(tab, "Modifica", "Annulla", Undo, "Ctrl+Z"), named(tab, "Modifica", "Ripeti", Redo, "Ctrl+Y"),
-          rule(tab, "Modifica")};
+  return {named(edits(tab), "Annulla", Undo, "Ctrl+Z"), named(edits(tab), "Ripeti", Redo, "Ctrl+Y"), rule(edits(tab))};
 }
 /// What stands at the foot of those of departments and articles.
 constexpr std::array<MenuEntry, 6> footOf(MenuTab tab) {
@@ -31,39 +41,39 @@ constexpr std::array<MenuEntry, 6> footOf(MenuTab tab) {
           numbered(tab, "Imposta logo negozio / piccolo", 32),
           numbered(tab, "Elimina logo negozio / normale", 28),
           numbered(tab, "Elimina logo negozio / piccolo", 33),
-          rule(tab, "Modifica"),
-          named(tab, "Modifica", "Modifica prezzi...", ChangePrices)};
+          rule(edits(tab)),
+          named(edits(tab), "Modifica prezzi...", ChangePrices)};
 }
 
-constexpr std::array fileMenu{named(Every, "File", "Nuovo negozio..", NewShop, "Ctrl+N"),
-                              named(Every, "File", "Apri negozio...", OpenShop, "Ctrl+O"),
-                              named(Every, "File", "Esporta negozio per Korvane Banco", ExportShop),
-                              named(Every, "File", "Importa negozio Primo...", ImportShop),
-                              named(Every, "File", "Ripristina una copia...", RestoreCopy),
-                              rule(Every, "File"),
-                              named(Every, "File", "Cambia le cartelle di lavoro...", ChangeFolders),
-                              named(Every, "File", "Pulisci le cartelle di lavoro...", CleanFolders),
-                              named(Every, "File", "Rimuovi immagini inutilizzate...", PurgeImages),
-                              rule(Every, "File"),
-                              named(Every, "File", "Configura lingue...", Languages),
-                              named(Every, "File", "Replica lingue...", ReplicateLanguages),
-                              rule(Every, "File"),
-                              named(Every, "File", "Replica listino...", ReplicatePriceList),
-                              rule(Every, "File"),
-                              named(Every, "File", "Tag personalizzati...", CustomTags),
-                              rule(Every, "File"),
-                              named(Every, "File", "Scegli il template...", ChooseTemplate, "Ctrl+T"),
-                              named(Every, "File", "Impostazioni costruzione...", BuildSettings),
-                              MenuEntry{Every, "File", "Costruisci il negozio", 50, None, 0, "Ctrl+B"},
-                              MenuEntry{Every, "File", "Aggiorna il sito...", 51, None, 0, "Ctrl+U"},
-                              MenuEntry{Every, "File", "BackOffice...", 52, None, 0, ""},
-                              rule(Every, "File"),
-                              named(Every, "File", "Importa da Orsa Gestionale...", ImportAccounting),
-                              named(Every, "File", "Aggiorna giacenze da Orsa Gestionale...", UpdateStock),
-                              named(Every, "File", "Scarica ordini...", DownloadOrders),
-                              named(Every, "File", "Importa da Orsa Gestionale con gwimp...", ImportCompanion),
-                              rule(Every, "File"),
-                              named(Every, "File", "Esci", Exit, "Ctrl+Q")};
+constexpr std::array fileMenu{named(file, "Nuovo negozio..", NewShop, "Ctrl+N"),
+                              named(file, "Apri negozio...", OpenShop, "Ctrl+O"),
+                              named(file, "Esporta negozio per Korvane Banco", ExportShop),
+                              named(file, "Importa negozio Primo...", ImportShop),
+                              named(file, "Ripristina una copia...", RestoreCopy),
+                              rule(file),
+                              named(file, "Cambia le cartelle di lavoro...", ChangeFolders),
+                              named(file, "Pulisci le cartelle di lavoro...", CleanFolders),
+                              named(file, "Rimuovi immagini inutilizzate...", PurgeImages),
+                              rule(file),
+                              named(file, "Configura lingue...", Languages),
+                              named(file, "Replica lingue...", ReplicateLanguages),
+                              rule(file),
+                              named(file, "Replica listino...", ReplicatePriceList),
+                              rule(file),
+                              named(file, "Tag personalizzati...", CustomTags),
+                              rule(file),
+                              named(file, "Scegli il template...", ChooseTemplate, "Ctrl+T"),
+                              named(file, "Impostazioni costruzione...", BuildSettings),
+                              numbered(file, "Costruisci il negozio", 50, "Ctrl+B"),
+                              numbered(file, "Aggiorna il sito...", 51, "Ctrl+U"),
+                              numbered(file, "BackOffice...", 52),
+                              rule(file),
+                              named(file, "Importa da Orsa Gestionale...", ImportAccounting),
+                              named(file, "Aggiorna giacenze da Orsa Gestionale...", UpdateStock),
+                              named(file, "Scarica ordini...", DownloadOrders),
+                              named(file, "Importa da Orsa Gestionale con gwimp...", ImportCompanion),
+                              rule(file),
+                              named(file, "Esci", Exit, "Ctrl+Q")};
 
 constexpr std::array departmentMenu{numbered(Departments, "Sposta / Su", 17, "Ctrl+Up"),
                                     numbered(Departments, "Sposta / Giu", 16, "Ctrl+Down"),
@@ -73,7 +83,7 @@ constexpr std::array departmentMenu{numbered(Departments, "Sposta / Su", 17, "Ct
                                     numbered(Departments, "Copia", 12, "Ctrl+C"),
                                     numbered(Departments, "Incolla", 11, "Ctrl+V"),
                                     numbered(Departments, "Elimina", 13, "Del"),
-                                    rule(Departments, "Modifica"),
+                                    rule(edits(Departments)),
                                     numbered(Departments, "Imposta immagine", 19),
                                     numbered(Departments, "Elimina immagine", 18),
                                     numbered(Departments, "Imposta immagine pulsante", 25),
@@ -87,7 +97,7 @@ constexpr std::array articleMenu{numbered(Articles, "Sposta / Su", 0, "Ctrl+Up")
                                  numbered(Articles, "Incolla", 6, "Ctrl+V"),
                                  numbered(Articles, "Elimina", 4, "Del"),
                                  numbered(Articles, "Ricerca...", 21, "Ctrl+F"),
-                                 rule(Articles, "Modifica"),
+                                 rule(edits(Articles)),
                                  numbered(Articles, "Definisci varianti / 1", 30),
                                  numbered(Articles, "Definisci varianti / 2", 31),
                                  numbered(Articles, "Definisci varianti / 3", 34),
@@ -99,38 +109,42 @@ constexpr std::array articleMenu{numbered(Articles, "Sposta / Su", 0, "Ctrl+Up")
                                  numbered(Articles, "Elimina immagine / 2", 22),
                                  numbered(Articles, "Elimina immagine / piccola", 27)};
 
-constexpr std::array siteMenu{named(Site, "Modifica", "Spese di spedizione...", Shipping),
-                              named(Site, "Modifica", "Sistemi di pagamento...", PaymentSystems),
-                              named(Site, "Modifica", "Testo e-mail di conferma...", OrderMail),
-                              named(Site, "Modifica", "Impostazioni vetrina...", Showcase),
-                              named(Site, "Modifica", "Campi obbligatori...", RequiredFields)};
+constexpr std::array siteMenu{named(edits(Site), "Spese di spedizione...", Shipping),
+                              named(edits(Site), "Sistemi di pagamento...", PaymentSystems),
+                              named(edits(Site), "Testo e-mail di conferma...", OrderMail),
+                              named(edits(Site), "Impostazioni vetrina...", Showcase),
+                              named(edits(Site), "Campi obbligatori...", RequiredFields)};
 
-constexpr std::array internetMenu{named(Internet, "Modifica", "Cartella FTP del negozio...", ShopFtpFolder),
-                                  named(Internet, "Modifica", "Cartella FTP script CGI...", ScriptFtpFolder),
-                                  named(Internet, "Modifica", "Impostazioni avanzate...", ConnectionSettings)};
+constexpr std::array internetMenu{named(edits(Internet), "Cartella FTP del negozio...", ShopFtpFolder),
+                                  named(edits(Internet), "Cartella FTP script CGI...", ScriptFtpFolder),
+                                  named(edits(Internet), "Impostazioni avanzate...", ConnectionSettings)};
 
-constexpr std::array viewMenu{named(Every, "Visualizza", "Reparti", ShowTab, "Alt+1", 0),
-                              named(Every, "Visualizza", "Articoli", ShowTab, "Alt+2", 1),
-                              named(Every, "Visualizza", "Sito", ShowTab, "Alt+3", 2),
-                              named(Every, "Visualizza", "Internet", ShowTab, "Alt+4", 3),
-                              rule(Every, "Visualizza"),
-                              named(Every, "Visualizza", "Lingua / 1", EditLanguage, "Ctrl+1", 1),
-                              named(Every, "Visualizza", "Lingua / 2", EditLanguage, "Ctrl+2", 2),
-                              named(Every, "Visualizza", "Lingua / 3", EditLanguage, "Ctrl+3", 3),
-                              named(Every, "Visualizza", "Lingua / 4", EditLanguage, "Ctrl+4", 4),
-                              rule(Every, "Visualizza"),
-                              MenuEntry{Every, "Visualizza", "Espandi tutti i reparti", 7, None, 0, "Ctrl+E"},
-                              MenuEntry{Every, "Visualizza", "Comprimi tutti i reparti", 8, None, 0, "Ctrl+Shift+E"},
-                              named(Every, "Visualizza", "Nascondi dettagli", HideDetails, "Ctrl+D")};
+constexpr std::array viewMenu{named(view, "Reparti", ShowTab, "Alt+1", 0),
+                              named(view, "Articoli", ShowTab, "Alt+2", 1),
+                              named(view, "Sito", ShowTab, "Alt+3", 2),
+                              named(view, "Internet", ShowTab, "Alt+4", 3),
+                              rule(view),
+                              named(view, "Lingua / 1", EditLanguage, "Ctrl+1", 1),
+                              named(view, "Lingua / 2", EditLanguage, "Ctrl+2", 2),
+                              named(view, "Lingua / 3", EditLanguage, "Ctrl+3", 3),
+                              named(view, "Lingua / 4", EditLanguage, "Ctrl+4", 4),
+                              rule(view),
+                              numbered(view, "Espandi tutti i reparti", 7, "Ctrl+E"),
+                              numbered(view, "Comprimi tutti i reparti", 8, "Ctrl+Shift+E"),
+                              named(view, "Nascondi dettagli", HideDetails, "Ctrl+D"),
+                              rule(view),
+                              named(view, "Aspetto / Come il sistema", Look, "", 0),
+                              named(view, "Aspetto / Chiaro", Look, "", 1),
+                              named(view, "Aspetto / Scuro", Look, "", 2)};
 
-constexpr std::array helpMenu{named(Every, "?", "Sommario...", HelpContents),
-                              named(Every, "?", "Domande frequenti...", HelpQuestions),
-                              named(Every, "?", "Introduzione...", Introduction),
-                              named(Every, "?", "Guida ai template...", TemplateGuide),
-                              rule(Every, "?"),
-                              named(Every, "?", "Aggiornamenti online...", CheckUpdates),
-                              rule(Every, "?"),
-                              named(Every, "?", "Informazioni su...", About)};
+constexpr std::array helpMenu{named(help, "Sommario...", HelpContents),
+                              named(help, "Domande frequenti...", HelpQuestions),
+                              named(help, "Introduzione...", Introduction),
+                              named(help, "Guida ai template...", TemplateGuide),
+                              rule(help),
+                              named(help, "Aggiornamenti online...", CheckUpdates),
+                              rule(help),
+                              named(help, "Informazioni su...", About)};
 
 }  // namespace
 

@@ -42,6 +42,7 @@ enum class MenuAction {
   ShowTab,       ///< argument: 0 departments, 1 articles, 2 site, 3 internet
   EditLanguage,  ///< argument: 1 to 4
   HideDetails,
+  Look,  ///< argument: an Appearance
   HelpContents,
   HelpQuestions,
   Introduction,

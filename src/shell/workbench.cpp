@@ -198,6 +198,7 @@ bool Workbench::canMoveNode(const std::string& key, const std::string& nuovoPare
   if (key.empty() || key == treeRoot || key == nuovoParent) return false;
   const auto& nodes = sets_.tree();
   const auto nodeOf = [&](const std::string& ID) { return std::ranges::find(nodes, ID, &TreeNode::ID); };
+  if (nodeOf(key) == nodes.end()) return false;
   // A tree of n departments is at most n deep, whatever its rows say.
   std::size_t steps = 0;
   for (std::string each = nuovoParent; each != treeRoot && steps <= nodes.size(); ++steps) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "shell/appearance.h"
 #include "shell/command_table.h"
 #include "shell/field_store.h"
 #include "shell/menu_table.h"
@@ -116,7 +117,7 @@ class Workbench final : private SetsListener {
   bool hasDialog(std::string_view name) const;
   std::string runDialog(std::string_view name, const std::string& argument);
   /// Runs a dialog that edits the catalogue as one step of the history, and reads everything anew when it was not left.
-  void editThrough(std::string_view name, const std::string& step);
+  void editThrough(std::string_view name, const std::string& step, const std::string& argument = {});
   void tell(const Result<>& outcome);
   void refreshStates();
   void refreshPictureKeys();
@@ -146,6 +147,7 @@ class Workbench final : private SetsListener {
   bool runHelpAction(MenuAction action);
   void changeShop(bool fresh);
   void chooseLanguages();
+  void chooseAppearance(Appearance appearance);
   bool isOffered(MenuAction action) const;
   bool isShown(MenuAction action, int argument) const;
 

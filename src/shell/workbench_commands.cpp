@@ -50,6 +50,8 @@ bool Workbench::isCommandEnabled(int number) const {
   if (command == nullptr || !isOpen()) return false;
   const std::string_view dialog = dialogOf(*command);
   if (!dialog.empty() && !hasDialog(dialog)) return false;
+  // The buttons of the variants stand among the editors of the article and go with them.
+  if (command->action == CommandAction::DefineVariant) return isEnabled(articleMask);
   return isEnabled(command->key);
 }
 
@@ -146,11 +148,11 @@ void Workbench::search() {
   if (!ID.empty()) MostraArticolo(std::atoll(ID.c_str()));
 }
 
-void Workbench::editThrough(std::string_view name, const std::string& step) {
+void Workbench::editThrough(std::string_view name, const std::string& step, const std::string& argument) {
   view_.finishEdits();
   std::string result;
   tell(history_.record(step, [&]() -> Result<> {
-    result = runDialog(name, "");
+    result = runDialog(name, argument);
     return {};
   }));
   if (!result.empty()) CambiaLingua(session_.currentLanguage);

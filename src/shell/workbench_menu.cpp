@@ -13,11 +13,12 @@ namespace {
 
 using enum MenuAction;
 
-/// An entry that only opens a dialog: its name, and the step of the history that its changes make.
+/// An entry that only opens a dialog: its name, the step of the history that its changes make, and what it is given.
 struct DialogEntry {
   MenuAction action;
   std::string_view dialog;
   std::string_view step;
+  std::string_view argument = {};
 };
 constexpr std::array dialogEntries{DialogEntry{ExportShop, "frmEsporta", ""},
                                    DialogEntry{ImportShop, "frmImportaPrimo", ""},
@@ -36,8 +37,8 @@ constexpr std::array dialogEntries{DialogEntry{ExportShop, "frmEsporta", ""},
                                    DialogEntry{OrderMail, "frmEmail", "Testo e-mail di conferma"},
                                    DialogEntry{Showcase, "frmVetrina", "Impostazioni vetrina"},
                                    DialogEntry{RequiredFields, "frmObbligatori", "Campi obbligatori"},
-                                   DialogEntry{ShopFtpFolder, "frmFolderFTP", "Cartella FTP del negozio"},
-                                   DialogEntry{ScriptFtpFolder, "frmFolderFTP", "Cartella FTP script CGI"},
+                                   DialogEntry{ShopFtpFolder, "frmFolderFTP", "Cartella FTP del negozio", "folderFTP"},
+                                   DialogEntry{ScriptFtpFolder, "frmFolderFTP", "Cartella FTP script CGI", "folderCGI"},
                                    DialogEntry{ConnectionSettings, "frmFirewall", ""},
                                    DialogEntry{Introduction, "frmIntro", ""},
                                    DialogEntry{About, "frmAbout", ""}};
@@ -133,6 +134,9 @@ EntryState Workbench::stateOf(const MenuEntry& entry) const {
   } else if (entry.action == HideDetails) {
     state.checkable = true;
     state.checked = detailsHidden_;
+  } else if (entry.action == Look) {
+    state.checkable = true;
+    state.checked = entry.argument == static_cast<int>(storedAppearance(with_.settings));
   }
   return state;
 }
@@ -158,6 +162,8 @@ void Workbench::runAction(MenuAction action, int argument) {
     case HideDetails:
       detailsHidden_ = !detailsHidden_;
       return view_.hideDetails(detailsHidden_);
+    case Look:
+      return chooseAppearance(static_cast<Appearance>(argument));
     case Exit:
       return exitProgram();
     default:
@@ -166,8 +172,9 @@ void Workbench::runAction(MenuAction action, int argument) {
   if (runShopAction(action) || runHelpAction(action)) return;
   const DialogEntry* entry = dialogEntryOf(action);
   if (entry == nullptr) return;
-  if (!entry->step.empty()) return editThrough(entry->dialog, std::string(entry->step));
-  static_cast<void>(runDialog(entry->dialog, ""));
+  const std::string given(entry->argument);
+  if (!entry->step.empty()) return editThrough(entry->dialog, std::string(entry->step), given);
+  static_cast<void>(runDialog(entry->dialog, given));
   // A dialog that brought another shop, or another catalogue, may have brought none.
   if (!session_.catalogue.isOpen()) view_.close();
 }
@@ -240,6 +247,14 @@ void Workbench::chooseLanguages() {
 void Workbench::purgeImages() {
   if (!hasDialog("frmPulisciImmagini")) return;
   static_cast<void>(runDialog("frmPulisciImmagini", joinPath(session_.ShopFolder, "work")));
+}
+
+void Workbench::chooseAppearance(Appearance appearance) {
+  if (ports_.wear) ports_.wear(appearance);
+  const Result<> stored = storeAppearance(with_.settings, appearance);
+  if (!stored)
+    with_.user.message("L'aspetto scelto vale fino alla chiusura: l'impostazione non è stata salvata",
+                       Icon::Exclamation);
 }
 
 void Workbench::exitProgram() {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "shell/appearance.h"
 #include "shell/open_document.h"
 #include "store/catalogue_sets.h"
 
@@ -63,6 +64,7 @@ using WorkbenchDialogs = std::map<std::string, std::function<std::string(const s
 struct WorkbenchPorts {
   WorkbenchDialogs dialogs;
   DocumentOpener open;
+  std::function<void(Appearance)> wear;  ///< makes the windows light or dark
   char decimalSeparator = ',';
 };
 

@@ -73,7 +73,9 @@ QWidget* frmTemplate::makeSample() {
   txtNote_ = named(new QPlainTextEdit(), "txtNote");
   txtNote_->setReadOnly(true);
   txtNote_->setTabChangesFocus(true);
-  column->addWidget(new QLabel(toQt("Anteprima:")));
+  auto* heading = new QLabel(toQt("Anteprima:"));
+  heading->setBuddy(picPreview_);
+  column->addWidget(heading);
   column->addWidget(frame, 3);
   column->addWidget(labelFor("&Note:", txtNote_));
   column->addWidget(txtNote_, 2);

@@ -71,7 +71,7 @@ TEST_F(TheBuildDialog, OffersWaysToLookAtWhatWasBuilt) {
       if (modal == nullptr || modal == &dialog) return;
       poll.stop();
       EXPECT_EQ(test::defaultButton(*modal), "OK");
-      EXPECT_EQ(control<QPushButton>(*modal, "cmdBrowser")->text(), "Apri il negozio nel &browser");
+      EXPECT_EQ(control<QPushButton>(*modal, "cmdBrowser")->text(), "Apri il &sito online");
       EXPECT_EQ(control<QPushButton>(*modal, "cmdCartella")->text(), "Apri la &cartella");
       test::keepPicture(*modal, "costruito");
       test::click(*modal, button);

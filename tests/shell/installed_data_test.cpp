@@ -6,7 +6,12 @@
 
 #include <filesystem>
 
+#include "platform/application_folder.h"
+#include "platform/clock.h"
 #include "platform/files.h"
+#include "platform/settings.h"
+#include "store/session_start.h"
+#include "support/scripted_user.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -35,6 +40,20 @@ TEST(InstalledData, AChosenApplicationFolderThatIsNotThereIsMissing) {
   const auto found = findApplicationFolder(folder / "nowhere", "");
   ASSERT_FALSE(found);
   EXPECT_EQ(found.error().kind, ErrorKind::Missing);
+}
+
+TEST(InstalledData, TheShopThatComesWithTheProgramOpensAtTheVeryFirstStartWithoutAQuestion) {
+  const test::TempFolder folder;
+  ASSERT_TRUE(prepareApplicationFolder(KORVANE_APP_DATA, folder / "app"));
+  test::ScriptedUser user;
+  FileSettings settings(folder / "korvane.ini");
+  Surroundings with{user, settings, systemClock(), systemRandom(), folder / "app", {}};
+  Session session;
+  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(user.texts(), std::vector<std::string>());
+  EXPECT_EQ(session.onlineFolder, folder / "app/online");
+  EXPECT_TRUE(folderExists(session.onlineFolder));
+  closeSession(session, with);
 }
 
 TEST(InstalledData, TheRunningProgramKnowsItsFolder) { EXPECT_TRUE(folderExists(programFolder())); }

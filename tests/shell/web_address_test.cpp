@@ -108,5 +108,12 @@ TEST(IntroSteps, TheGuideStandsBesideTheWindowWhenBothFit) {
   EXPECT_EQ(placeIntro(1280, 100, 1200, 400).introLeft, 880);
 }
 
+TEST(IntroSteps, TheMainWindowGivesWayToTheGuideDownToItsLeastWidth) {
+  EXPECT_EQ(widthBesideIntro(1920, 1200, 400, 720), 1200);
+  EXPECT_EQ(widthBesideIntro(1280, 1200, 400, 720), 880);
+  EXPECT_EQ(widthBesideIntro(1024, 1000, 400, 720), 720);
+  EXPECT_EQ(widthBesideIntro(800, 700, 400, 720), 700) << "never wider than it was";
+}
+
 }  // namespace
 }  // namespace kv::test

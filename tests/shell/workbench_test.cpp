@@ -328,6 +328,7 @@ TEST_F(WorkbenchTest, ADragOntoItsOwnDescendantIsRefused) {
   EXPECT_FALSE(bench->canMoveNode("cat001", "cat002"));
   EXPECT_FALSE(bench->canMoveNode("cat001", "cat001"));
   EXPECT_FALSE(bench->canMoveNode("###", "cat001"));
+  EXPECT_FALSE(bench->canMoveNode("cat099", "cat001"));
   EXPECT_TRUE(bench->canMoveNode("cat002", "###"));
   bench->SpostaNodo("cat001", "cat002");
   EXPECT_EQ(whole(), before);

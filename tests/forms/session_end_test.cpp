@@ -1,0 +1,39 @@
+// A signal closes the window the way its menu does.
+
+#include <csignal>
+
+#include "forms/window_fixture.h"
+#include "platform/frm_dialog.h"
+#include "shell/frm_session_end.h"
+
+namespace kv::test {
+namespace {
+
+class SessionEndTest : public WindowFixture, public testing::WithParamInterface<int> {};
+
+TEST_P(SessionEndTest, ASignalStoresWhatWasTypedAndClosesTheWindow) {
+  open();
+  goArticles();
+  type(line(EditedSet::Articoli, "titolo"), "Alba chiara");
+  const SessionEnd end;
+  QTimer::singleShot(0, [] { static_cast<void>(std::raise(GetParam())); });
+  EXPECT_EQ(QApplication::exec(), 0);
+  EXPECT_FALSE(window->isVisible());
+  EXPECT_EQ(scalar("SELECT COUNT(*) FROM articoli WHERE titolo = 'Alba chiara'"), "1");
+}
+
+INSTANTIATE_TEST_SUITE_P(EachSignal, SessionEndTest, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(WindowFixture, ASignalClosesTheDialogOverTheWindowToo) {
+  open();
+  const SessionEnd end;
+  FormDialog dialog("Prova", window.get());
+  QTimer::singleShot(0, [] { static_cast<void>(std::raise(SIGTERM)); });
+  QTimer::singleShot(0, [&] { dialog.exec(); });
+  EXPECT_EQ(QApplication::exec(), 0);
+  EXPECT_FALSE(dialog.isVisible());
+  EXPECT_FALSE(window->isVisible());
+}
+
+}  // namespace
+}  // namespace kv::test

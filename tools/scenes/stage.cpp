@@ -1,0 +1,189 @@
+#include "stage.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QPainter>
+#include <QTimer>
+#include <algorithm>
+#include <iostream>
+
+#include "platform/frm_dialog.h"
+#include "shell/frm_dialogs.h"
+#include "store/server_path.h"
+#include "store/session_start.h"
+
+namespace kv::scenes {
+namespace {
+
+constexpr int titleHeight = 30;  // of the frame that a desktop would draw
+constexpr int settleTurns = 12;
+constexpr int patience = 20000;  // milliseconds until a window that was asked for stands
+// The shop stands in a folder with a name by chance, which would make each picture another.
+const QString shopShown = QStringLiteral("~/negozi/bottega");
+const QColor desk(0x5b, 0x6b, 0x78);
+const QColor frameColour(0x17, 0x1b, 0x1f);
+const QColor edgeColour(0x7a, 0x86, 0x90);
+const QColor titleColour(0xe8, 0xea, 0xec);
+
+bool isFramed(const QWidget& window) {
+  const Qt::WindowFlags kind = window.windowFlags() & Qt::WindowType_Mask;
+  return kind == Qt::Window || kind == Qt::Dialog || kind == Qt::Tool;
+}
+
+void drawWindow(QPainter& painter, QWidget& window, const QString& shop) {
+  const QRect place = window.geometry();
+  if (isFramed(window)) {
+    const QRect title(place.left(), place.top() - titleHeight, place.width(), titleHeight);
+    painter.fillRect(title.united(place).adjusted(-1, -1, 1, 1), edgeColour);
+    painter.fillRect(title, frameColour);
+    painter.setPen(titleColour);
+    painter.drawText(title.adjusted(12, 0, -12, 0), Qt::AlignVCenter | Qt::AlignLeft,
+                     QString(window.windowTitle()).replace(shop, shopShown));
+  } else {
+    painter.fillRect(place.adjusted(-1, -1, 1, 1), edgeColour);
+  }
+  painter.drawPixmap(place.topLeft(), window.grab());
+}
+
+/// A window that was opened over another has it among its parents, and stands above it.
+int depthOf(const QWidget& window) {
+  int depth = 0;
+  for (const QWidget* parent = window.parentWidget(); parent != nullptr; parent = parent->parentWidget()) ++depth;
+  return depth;
+}
+
+/// A dialog without a window manager may open outside what the picture shows.
+void keepInside(QWidget& window, const QSize& size) {
+  QRect place = window.geometry();
+  place.moveRight(std::min(place.right(), size.width() - 2));
+  place.moveBottom(std::min(place.bottom(), size.height() - 2));
+  place.moveLeft(std::max(place.left(), 1));
+  place.moveTop(std::max(place.top(), titleHeight + 1));
+  if (place.topLeft() != window.pos()) window.move(place.topLeft());
+}
+
+QWidget* opened() {
+  QWidget* popup = QApplication::activePopupWidget();
+  return popup != nullptr ? popup : QApplication::activeModalWidget();
+}
+
+void closeIt(QWidget& window) {
+  if (auto* dialog = qobject_cast<QDialog*>(&window)) {
+    dialog->reject();
+  } else {
+    window.close();
+  }
+}
+
+}  // namespace
+
+Stage::Stage(const StageOptions& options)
+    : options_(options), with_{user_, settings_, systemClock(), systemRandom(), options.applicationFolder, {}} {}
+
+Stage::~Stage() {
+  user_.setHome(nullptr);
+  closeSession(session_, with_);
+}
+
+bool Stage::open() {
+  WorkbenchPorts ports;
+  ports.open = [](const std::string&, const std::string&) { return openedWell; };
+  window_ = std::make_unique<frmMain>(session_, with_, std::move(ports));
+  Workbench& workbench = window_->workbench();
+  with_.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
+  with_.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
+  wireDialogs(*window_, session_, with_);
+  static_cast<void>(writeServerPath(with_.applicationFolder, options_.shop));
+  if (startSession(session_, with_) != LoadResult::Opened) return false;
+  workbench.showShop();
+  user_.setHome(window_.get());
+  window_->setGeometry(0, titleHeight, options_.size.width(), options_.size.height() - titleHeight);
+  window_->show();
+  QApplication::setActiveWindow(window_.get());
+  settle();
+  return true;
+}
+
+void Stage::settle() {
+  for (int turn = 0; turn < settleTurns; ++turn) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+  }
+}
+
+void Stage::choose(MenuAction action, int argument) {
+  window_->menus().entry(action, argument)->trigger();
+  settle();
+}
+
+void Stage::show(Tab tab) {
+  window_->workbench().selectTab(tab);
+  settle();
+}
+
+void Stage::take(const QString& name) {
+  settle();
+  const qreal ratio = window_->devicePixelRatioF();
+  QImage picture(options_.size * ratio, QImage::Format_RGB32);
+  picture.setDevicePixelRatio(ratio);
+  picture.fill(desk);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::TextAntialiasing);
+  QWidgetList windows = QApplication::topLevelWidgets();
+  std::stable_sort(windows.begin(), windows.end(),
+                   [](const QWidget* one, const QWidget* other) { return depthOf(*one) < depthOf(*other); });
+  // The main window is the lowest; dialogs stand in the order in which they were made.
+  const QString shop = toQt(options_.shop);
+  drawWindow(painter, *window_, shop);
+  for (QWidget* window : windows) {
+    if (window == window_.get() || !window->isVisible() || qobject_cast<QMenu*>(window) != nullptr) continue;
+    keepInside(*window, options_.size);
+    drawWindow(painter, *window, shop);
+  }
+  for (QWidget* window : windows) {
+    if (window->isVisible() && qobject_cast<QMenu*>(window) != nullptr) drawWindow(painter, *window, shop);
+  }
+  painter.end();
+  const QString file = options_.pictures + QLatin1Char('/') + name + QStringLiteral(".png");
+  if (picture.save(file)) {
+    ++taken_;
+  } else {
+    failed_ = true;
+    std::cerr << "not written: " << fromQt(file) << '\n';
+  }
+}
+
+void Stage::during(const std::function<void()>& opens, const std::function<void(QWidget&)>& meanwhile) {
+  QTimer poll;
+  QElapsedTimer since;
+  since.start();
+  bool stood = false;
+  QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+    QWidget* standing = opened();
+    if (standing == nullptr || !standing->isVisible()) {
+      if (since.elapsed() > patience) poll.stop();
+      return;
+    }
+    poll.stop();
+    stood = true;
+    settle();
+    meanwhile(*standing);
+    // What it led to is closed before it.
+    for (QWidget* last = opened(); last != nullptr && last->isVisible(); last = opened()) {
+      closeIt(*last);
+      if (last == standing) break;
+    }
+  });
+  poll.start(10);
+  opens();
+  settle();
+  if (!stood) {
+    failed_ = true;
+    std::cerr << "a window did not open\n";
+  }
+}
+
+}  // namespace kv::scenes

@@ -1,0 +1,64 @@
+#pragma once
+// The program as a merchant has it on the screen, without a screen's own frame: the real windows over a shop, and
+// pictures of all that is open.
+
+#include <QSize>
+#include <QString>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/frm_user.h"
+#include "platform/settings.h"
+#include "shell/frm_main.h"
+
+namespace kv::scenes {
+
+struct StageOptions {
+  std::string applicationFolder;
+  std::string shop;
+  QString pictures;  ///< the folder they are written into
+  QSize size;        ///< of a picture, in points
+};
+
+class Stage {
+ public:
+  explicit Stage(const StageOptions& options);
+  ~Stage();
+  Stage(const Stage&) = delete;
+  Stage& operator=(const Stage&) = delete;
+
+  /// False when the shop can't be opened.
+  bool open();
+  frmMain& window() { return *window_; }
+  Session& session() { return session_; }
+  QtUser& user() { return user_; }
+  Settings& settings() { return settings_; }
+  QSize size() const { return options_.size; }
+  int taken() const { return taken_; }
+  bool failed() const { return failed_; }
+
+  /// Runs a menu entry that opens nothing, and lets the windows settle.
+  void choose(MenuAction action, int argument = 0);
+  /// Goes to a tab.
+  void show(Tab tab);
+  /// Writes the picture of the windows that are open now.
+  void take(const QString& name);
+  /// Starts what opens a dialog or a menu and calls `meanwhile` once it stands; it is closed afterwards.
+  void during(const std::function<void()>& opens, const std::function<void(QWidget&)>& meanwhile);
+  /// Gives the windows time to lay out and paint.
+  static void settle();
+
+ private:
+  StageOptions options_;
+  QtUser user_;
+  MemorySettings settings_;
+  Surroundings with_;
+  Session session_;
+  std::unique_ptr<frmMain> window_;
+  int taken_ = 0;
+  bool failed_ = false;
+};
+
+}  // namespace kv::scenes
