@@ -1,0 +1,102 @@
+#pragma once
+// The main window with the dialogs of the program behind it, over the model shop and the data that come with it.
+
+#include <memory>
+
+#include "commerce/payment_modules.h"
+#include "forms/dialog_fixture.h"
+#include "forms/driven_window.h"
+#include "shell/frm_dialogs.h"
+#include "shell/frm_main.h"
+#include "store/session_start.h"
+
+namespace kv::test {
+
+class WiredWindow : public DialogFixture {
+ protected:
+  WiredWindow() {
+    const std::string data = KORVANE_APP_DATA;
+    for (const char* folder : {"code", "backoffice", "help", "new"}) {
+      const auto copied = copyTree(data + "/" + folder, application + "/" + folder);
+      EXPECT_TRUE(copied) << copied.error().what;
+    }
+    EXPECT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
+  }
+  ~WiredWindow() override {
+    closeSession(session, with);
+    window.reset();
+  }
+
+  /// Each test fills the shop first, then opens the window.
+  void SetUp() override {}
+
+  void fill(const std::string& sql) {
+    auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
+    ASSERT_TRUE(catalogue);
+    const auto done = catalogue->execute(sql);
+    ASSERT_TRUE(done) << done.error().what;
+  }
+
+  void openWindow() {
+    WorkbenchPorts ports;
+    ports.open = [this](const std::string& file, const std::string&) {
+      opened.push_back(file);
+      return openedWell;
+    };
+    window = std::make_unique<frmMain>(session, with, std::move(ports));
+    Workbench& workbench = window->workbench();
+    with.hooks.CompletaGateway = [this](const std::string& folder) { CompletaGateway(folder, application); };
+    with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
+    with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
+    with.hooks.reload = [this, &workbench] {
+      if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
+    };
+    wireDialogs(*window, session, with);
+    ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+    workbench.showShop();
+    window->resize(1900, 1000);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    settle();
+  }
+  static void settle() { QCoreApplication::processEvents(); }
+  bool choose(MenuAction action) { return chooseInMenus(*window->menuBar(), window->menus().entry(action)); }
+  void run(int number) {
+    for (auto* each : window->findChildren<QToolButton*>()) {
+      if (!each->isVisible() || each->defaultAction() != window->menus().command(number)) continue;
+      QTest::mouseClick(each, Qt::LeftButton);
+      settle();
+      return;
+    }
+    ADD_FAILURE() << "no button of command " << number;
+  }
+  void goTab(Tab tab) {
+    QTest::mouseClick(&window->tabs(), Qt::LeftButton, {}, window->tabs().tabRect(static_cast<int>(tab)).center());
+    settle();
+  }
+  /// Acts in the dialog of this title once it is modal and has the focus.
+  void whenShown(const QString& title, std::function<void(QWidget&)> act) {
+    auto* poll = new QTimer(window.get());
+    QObject::connect(poll, &QTimer::timeout, window.get(), [poll, title, act = std::move(act)] {
+      QWidget* modal = QApplication::activeModalWidget();
+      if (modal == nullptr || !modal->isActiveWindow() || modal->windowTitle() != title) return;
+      poll->stop();
+      poll->deleteLater();
+      act(*modal);
+    });
+    poll->start(2);
+  }
+  /// The lines of the tree from the root to the node in use: "Negozio/Vasi/Piccoli".
+  std::string path() {
+    std::string text;
+    for (QModelIndex node = window->tree().currentIndex(); node.isValid(); node = node.parent()) {
+      text = fromQt(node.data().toString()) + (text.empty() ? "" : "/") + text;
+    }
+    return text;
+  }
+
+  std::vector<std::string> opened;
+  std::unique_ptr<frmMain> window;
+};
+
+}  // namespace kv::test
