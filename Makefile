@@ -1,12 +1,13 @@
 # The front door. `make` alone lists the commands.
 FUZZ_RUNS ?= 20000
 DEMO_ARGS ?=
+SHOTS_ARGS ?=
 BENCH_ARGS ?=
 PROCESSORS := $(shell nproc)
 SOURCES = $(shell git ls-files --cached --others --exclude-standard -- '*.h' '*.cpp' | sort -u)
 export CTEST_PARALLEL_LEVEL ?= $(PROCESSORS)
 
-.PHONY: help run demo test asan bench lighthouse fuzz format format-check layers lint check install package clean deps deps-more build
+.PHONY: help run demo test asan bench lighthouse screenshots fuzz format format-check layers lint check install package package-test clean deps deps-more build
 
 help:
 	@echo "make run      open the workbench on a model shop in a fresh folder (without a display: build it and say where)"
@@ -15,12 +16,14 @@ help:
 	@echo "make asan     run all tests under the address and undefined behaviour sanitizers"
 	@echo "make bench    run the benchmarks (BENCH_ARGS=--quick: the small shops only)"
 	@echo "make lighthouse  measure the pages of the model shop with Lighthouse"
+	@echo "make screenshots  a picture of every window and tab, in two sizes and palettes (SHOTS_ARGS=--font 125 ...)"
 	@echo "make fuzz     run each fuzz target for FUZZ_RUNS inputs (now $(FUZZ_RUNS))"
 	@echo "make format   lay out all C++ files"
 	@echo "make lint     clang-tidy and the layout check"
 	@echo "make check    layout, layers, lint, tests; says how long each took"
 	@echo "make install  install the release build (PREFIX=/usr/local, DESTDIR=)"
 	@echo "make package  make a Debian package of the program"
+	@echo "make package-test  install that package on a bare system and use it there (as root; fetches from the Debian mirror)"
 	@echo "make clean    remove everything that was built"
 
 deps:
@@ -59,6 +62,9 @@ lighthouse: build
 	@cmake --build --preset dev --target korvane-cli korvane_data
 	@node tests/e2e/lighthouse.mjs --cli build/dev/bin/korvane-cli --template chiaro --work build/lighthouse
 
+screenshots: deps
+	@tools/screenshots $(SHOTS_ARGS)
+
 fuzz: deps-more
 	@cmake --preset fuzz
 	@cmake --build --preset fuzz --target fuzz_targets
@@ -85,12 +91,20 @@ PREFIX ?= /usr/local
 install: deps
 	@cmake --preset release -DKORVANE_BENCH=OFF -DCMAKE_INSTALL_PREFIX=$(PREFIX)
 	@cmake --build --preset release
-	@cmake --install build/release
+	@umask 022 && cmake --install build/release
 
+# The date of what is in it is that of the last change of the sources, so that the same sources give the same package.
 package: deps-more
-	@cmake --preset release -B build/package -DKORVANE_BENCH=OFF -DKORVANE_TESTS=OFF -DCMAKE_INSTALL_PREFIX=/usr
+	@cmake --preset release -B build/package -DKORVANE_BENCH=OFF -DCMAKE_INSTALL_PREFIX=/usr
 	@cmake --build build/package
-	@cd build/package && cpack --config CPackConfig.cmake && ls -1 $(CURDIR)/build/package/*.deb
+	@rm -f build/package/*.deb
+	@umask 022 && cd build/package && SOURCE_DATE_EPOCH=$$(git log -1 --format=%ct 2>/dev/null || date +%s) \
+	  cpack --config CPackConfig.cmake >cpack.log || { cat cpack.log; exit 1; }
+	@ls -1 build/package/*.deb
+
+package-test: package
+	@lintian --allow-root --fail-on error,warning build/package/*.deb
+	@tools/check-package build/package/*.deb build/package-root
 
 clean:
 	@rm -rf build

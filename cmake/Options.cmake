@@ -22,6 +22,13 @@ target_compile_options(korvane_options INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(korvane_options INTERFACE -Wno-restrict)
 endif()
+# What is handed out is built as Debian builds its own programs.
+# Source: dpkg-buildflags(1), feature area "hardening".
+target_compile_options(korvane_options INTERFACE $<$<CONFIG:Release>:-fstack-protector-strong -D_FORTIFY_SOURCE=2>)
+target_link_options(korvane_options INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-z,now>)
+# No folder of this machine gets into it.
+target_compile_options(korvane_options INTERFACE $<$<CONFIG:Release>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>
+  $<$<CONFIG:Release>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>)
 if(KORVANE_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(korvane_options INTERFACE ${sanitizers})

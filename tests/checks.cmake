@@ -31,7 +31,23 @@ add_test(NAME layers.TheCoreConfiguresWithoutQt
   COMMAND ${CMAKE_COMMAND} -S ${CMAKE_SOURCE_DIR} -B ${CMAKE_CURRENT_BINARY_DIR}/without-qt -G ${CMAKE_GENERATOR}
     -DCMAKE_DISABLE_FIND_PACKAGE_Qt5=ON -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON -DKORVANE_TESTS=OFF)
 
+# The running window as a screen reader sees it. The sanitizers look at the windows in test_forms.
+if(TARGET korvane AND NOT KORVANE_SANITIZE)
+  add_test(NAME access.EveryControlHasANameAndIsReachedByTab
+    COMMAND ${CMAKE_SOURCE_DIR}/tools/check-accessibility ${CMAKE_BINARY_DIR}/bin)
+  set_tests_properties(access.EveryControlHasANameAndIsReachedByTab PROPERTIES TIMEOUT 600)
+endif()
+
 # The wanted parts of the golden cases, worked out a second time without the program.
 file(GLOB golden_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/build/*.txt)
 add_test(NAME golden.TheWantedPartsAreWhatTheRulesGive
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/derive.py --check ${golden_cases})
+
+# The pictures of the program's windows. The program that makes them is built with the tests of the windows.
+if(TARGET korvane-screenshots AND TARGET test_forms)
+  add_dependencies(test_forms korvane-screenshots korvane-cli)
+  add_test(NAME tools.EveryWindowLeavesAPictureOfItsSize
+    COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/screenshots_test.py ${CMAKE_SOURCE_DIR}
+      ${CMAKE_BINARY_DIR}/bin)
+  set_tests_properties(tools.EveryWindowLeavesAPictureOfItsSize PROPERTIES TIMEOUT 300)
+endif()
