@@ -5,7 +5,7 @@ Every language tag that template, code, backoffice and the payment modules use m
 in every language module, as must the words that the build asks for itself; every word must be safe inside a script
 and a page; every page tag must be a column of the page tag row. The build token may stand in updatedb.php alone:
 any other page would change with each build. Every template package has the same pages and a preview, a note, the
-menu, the showcase cell and the five colours; the parts that its pages name stand beside it or in template/parts, and
+menu, the showcase cell and the five colours; the parts that its pages and styles name stand beside it or in template/parts, and
 every one of them is used.
 """
 
@@ -69,7 +69,7 @@ def package_faults(templates):
         if colours != list("01234"):
             yield f"{package.name}/colours.txt: the colours 0 to 4 are wanted, not {' '.join(colours)}"
         parts = dict(shared, **{path.stem: path for path in package.glob("parts/*.part")})
-        for path in list(package.rglob("*.htm")) + list(parts.values()):
+        for path in [*package.rglob("*.htm"), *package.rglob("*.css"), *parts.values()]:
             for name in re.findall(r"{{(.*?)}}", path.read_text(encoding="utf-8")):
                 used.add(parts.get(name))
                 if name not in parts and path not in shared.values():
