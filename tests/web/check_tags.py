@@ -5,8 +5,8 @@ Every language tag that template, code, backoffice and the payment modules use m
 in every language module, as must the words that the build asks for itself; every word must be safe inside a script
 and a page; every page tag must be a column of the page tag row. The build token may stand in updatedb.php alone:
 any other page would change with each build. Every template package has the same pages and a preview, a note, the
-menu, the showcase cell and the five colours; the parts that its pages and styles name stand beside it or in template/parts, and
-every one of them is used.
+menu, the showcase cell and the five colours; the parts that its pages and styles name stand beside it or in
+template/parts, and every one of them is used.
 """
 
 import pathlib
