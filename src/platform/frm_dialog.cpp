@@ -48,6 +48,11 @@ void FormDialog::reject() {
   QDialog::reject();
 }
 
+int FormDialog::exec() {
+  const PlainPointer pointer;
+  return QDialog::exec();
+}
+
 QDialogButtonBox* FormDialog::makeButtons(std::string_view accept, std::string_view leave) {
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   plainButton(*buttons, QDialogButtonBox::Ok, accept, "cmdOK")->setDefault(true);
@@ -115,5 +120,12 @@ void makeReadable(QMessageBox& box) {
 
 BusyPointer::BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
 BusyPointer::~BusyPointer() { QApplication::restoreOverrideCursor(); }
+
+PlainPointer::PlainPointer() : busy_(QApplication::overrideCursor() != nullptr) {
+  if (busy_) QApplication::setOverrideCursor(Qt::ArrowCursor);
+}
+PlainPointer::~PlainPointer() {
+  if (busy_) QApplication::restoreOverrideCursor();
+}
 
 }  // namespace kv

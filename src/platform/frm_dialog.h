@@ -34,6 +34,7 @@ class FormDialog : public QDialog {
   /// Closes with a result.
   void finish(std::string tag);
   void reject() override;
+  int exec() override;
 
  protected:
   /// A row of buttons: the default one, which the dialog connects (Ok of the row), and the one that leaves (Cancel).
@@ -72,6 +73,18 @@ class BusyPointer {
   ~BusyPointer();
   BusyPointer(const BusyPointer&) = delete;
   BusyPointer& operator=(const BusyPointer&) = delete;
+};
+
+/// The usual pointer for as long as this stands, for a box over work that goes on behind it.
+class PlainPointer {
+ public:
+  PlainPointer();
+  ~PlainPointer();
+  PlainPointer(const PlainPointer&) = delete;
+  PlainPointer& operator=(const PlainPointer&) = delete;
+
+ private:
+  bool busy_;
 };
 
 }  // namespace kv

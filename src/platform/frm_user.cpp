@@ -32,22 +32,6 @@ QMessageBox::Icon pictureOf(Icon icon) {
   return QMessageBox::NoIcon;
 }
 
-/// A box over a busy window: the usual pointer while it is shown.
-class PlainPointer {
- public:
-  PlainPointer() : busy_(QApplication::overrideCursor() != nullptr) {
-    if (busy_) QApplication::setOverrideCursor(Qt::ArrowCursor);
-  }
-  PlainPointer(const PlainPointer&) = delete;
-  PlainPointer& operator=(const PlainPointer&) = delete;
-  ~PlainPointer() {
-    if (busy_) QApplication::restoreOverrideCursor();
-  }
-
- private:
-  bool busy_;
-};
-
 struct AnswerButton {
   Answer answer;
   QMessageBox::ButtonRole role;

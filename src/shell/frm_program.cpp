@@ -10,6 +10,7 @@
 
 #include "commerce/payment_modules.h"
 #include "platform/clock.h"
+#include "platform/frm_dialog.h"
 #include "platform/frm_user.h"
 #include "platform/settings.h"
 #include "shell/frm_about.h"
@@ -46,6 +47,7 @@ void wireSession(frmMain& window, Session& session, Surroundings& with) {
   with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
   with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
   with.hooks.reload = [&] {
+    const BusyPointer busy;
     if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
   };
   wireDialogs(window, session, with);

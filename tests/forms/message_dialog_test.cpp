@@ -2,6 +2,7 @@
 // cancelling.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
 
@@ -32,6 +33,18 @@ TEST(MessageBox, ShowsTextAndIconAsTheyAreGiven) {
     QTest::keyClick(&window, Qt::Key_Return);
   });
   user.message("Il tag <<5-x>> è <b>vuoto</b>\nRiga", Icon::Exclamation);
+}
+
+TEST(FormDialog, OverBusyWorkThePointerIsTheUsualOneUntilTheDialogGoes) {
+  const BusyPointer busy;
+  Qt::CursorShape during = Qt::WaitCursor;
+  whenModal([&](QWidget& window) {
+    during = QApplication::overrideCursor()->shape();
+    QTest::keyClick(&window, Qt::Key_Escape);
+  });
+  FormDialog("Prova", nullptr).exec();
+  EXPECT_EQ(during, Qt::ArrowCursor);
+  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
 }
 
 TEST(MessageBox, EveryIconHasItsPicture) {
