@@ -27,14 +27,13 @@
 #include <vector>
 
 #include "bench_shop.h"
-#include "commerce/payment_modules.h"
 #include "measure.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/settings.h"
 #include "platform/store.h"
-#include "shell/frm_dialogs.h"
 #include "shell/frm_main.h"
+#include "shell/frm_program.h"
 #include "store/session_start.h"
 
 namespace {
@@ -121,12 +120,7 @@ class OpenWorkbench {
       : with_{user_, settings_, kv::systemClock(), kv::systemRandom(), folder + "/app", {}},
         window_(session_, with_, {}) {
     kv::Workbench& bench = window_.workbench();
-    with_.hooks.CompletaGateway = [this](const std::string& shop) {
-      kv::CompletaGateway(shop, with_.applicationFolder);
-    };
-    with_.hooks.bind = [&bench](kv::Session&) { bench.bindSession(); };
-    with_.hooks.release = [&bench](kv::Session&) { bench.releaseSession(); };
-    kv::wireDialogs(window_, session_, with_);
+    kv::wireSession(window_, session_, with_);
     if (kv::startSession(session_, with_) != kv::LoadResult::Opened) std::abort();
     bench.showShop();
     window_.restorePlace();

@@ -2,6 +2,7 @@
 // Light or dark: the windows follow the desktop, unless the merchant has chosen one of the two. Where the platform
 // brings no palette of its own, the desktop is asked what it prefers.
 
+#include <QColor>
 #include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QObject>
@@ -11,6 +12,9 @@
 #include "shell/appearance.h"
 
 namespace kv {
+
+/// What a step of the guide lights: its fields, its buttons and its own number. Black letters are read on it.
+inline constexpr QColor litColour(0xb9, 0xf2, 0xb0);
 
 /// The two palettes of the program's own, for desktops that tell a preference and no colours.
 QPalette lightPalette();

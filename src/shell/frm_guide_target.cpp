@@ -3,17 +3,17 @@
 #include <QLineEdit>
 #include <QPalette>
 
+#include "shell/frm_appearance.h"
 #include "shell/frm_main.h"
 
 namespace kv {
 namespace {
 
-constexpr std::array<std::string_view, tabCount> tabKeys{"kReparti", "kArticoli", "kSito", "kInternet"};
 constexpr const char* litMark = "evidenziato";
 
 void light(QWidget& field) {
   QPalette palette = field.palette();
-  palette.setColor(QPalette::Base, QColor(0xb9, 0xf2, 0xb0));
+  palette.setColor(QPalette::Base, litColour);
   palette.setColor(QPalette::Text, Qt::black);
   field.setPalette(palette);
   field.setProperty(litMark, true);

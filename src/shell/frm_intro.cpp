@@ -12,14 +12,14 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/frm_appearance.h"
 #include "shell/intro_steps.h"
 
 namespace kv {
 namespace {
 
 const QColor plainColour(Qt::white);
-const QColor litColour(0x90, 0xee, 0x90);  // light green, as the fields of the step
-const QColor letterColour(Qt::black);      // on both, in a dark palette too
+const QColor letterColour(Qt::black);  // on both, in a dark palette too
 
 }  // namespace
 

@@ -23,7 +23,6 @@ constexpr std::string_view placeSection = "Finestra";
 constexpr int firstWidth = 1180;
 constexpr int firstHeight = 760;
 constexpr int listsWidth = 320;
-constexpr std::array<std::string_view, tabCount> tabKeys{"kReparti", "kArticoli", "kSito", "kInternet"};
 
 QByteArray bytesOf(const Settings& settings, std::string_view key) {
   return QByteArray::fromBase64(QByteArray::fromStdString(settings.get(placeSection, key)));

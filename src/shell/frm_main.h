@@ -21,6 +21,9 @@ class QTabBar;
 
 namespace kv {
 
+/// The tabs by their keys, in the order of `Tab`.
+inline constexpr std::array<std::string_view, tabCount> tabKeys{"kReparti", "kArticoli", "kSito", "kInternet"};
+
 class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarget {
   Q_OBJECT
  public:

@@ -13,13 +13,13 @@
 
 #include "platform/files.h"
 #include "platform/frm_dialog.h"
+#include "shell/frm_appearance.h"
 #include "shell/frm_icons.h"
 
 namespace kv {
 namespace {
 
 constexpr int iconSize = 24;
-constexpr QColor litColour(0xb9, 0xf2, 0xb0);  // as the fields of a step
 
 /// The commands of a tab's own row of buttons.
 std::span<const int> buttonsOf(Tab tab) {

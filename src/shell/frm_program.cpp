@@ -41,18 +41,6 @@ bool takeShop(const std::string& folder, const Surroundings& with) {
   return false;
 }
 
-void wireSession(frmMain& window, Session& session, Surroundings& with) {
-  Workbench& workbench = window.workbench();
-  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
-  with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
-  with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-  with.hooks.reload = [&] {
-    const BusyPointer busy;
-    if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
-  };
-  wireDialogs(window, session, with);
-}
-
 /// Words of the folder choice that Qt's own Italian lacks.
 class MissingWords final : public QTranslator {
  public:
@@ -75,6 +63,18 @@ void greet(frmMain& window, Settings& settings) {
 }
 
 }  // namespace
+
+void wireSession(frmMain& window, Session& session, Surroundings& with) {
+  Workbench& workbench = window.workbench();
+  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
+  with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
+  with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
+  with.hooks.reload = [&] {
+    const BusyPointer busy;
+    if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
+  };
+  wireDialogs(window, session, with);
+}
 
 QTranslator* speakItalian() {
   auto* words = new QTranslator(QCoreApplication::instance());

@@ -8,13 +8,13 @@
 
 #include <array>
 #include <chrono>
-#include <cstdlib>
 #include <map>
 #include <random>
 #include <set>
 
 #include "platform/text.h"
 #include "shell/workbench_fixture.h"
+#include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
@@ -24,11 +24,6 @@ using Clock = std::chrono::steady_clock;
 constexpr int rounds = 20;
 constexpr auto patience = std::chrono::seconds(60);  // for the first field of a round
 constexpr int longestRound = 400;                    // milliseconds from there to the kill
-
-unsigned seed() {
-  const char* asked = std::getenv("KORVANE_TEST_SEED");
-  return asked == nullptr ? 1U : static_cast<unsigned>(std::strtoul(asked, nullptr, 10));
-}
 
 /// The program with the typist, and what it says.
 class Typing {

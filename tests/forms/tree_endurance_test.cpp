@@ -3,12 +3,12 @@
 
 #include <QLabel>
 #include <QMimeData>
-#include <cstdlib>
 #include <random>
 
 #include "forms/window_fixture.h"
 #include "platform/frm_dialog.h"
 #include "support/row_text.h"
+#include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
@@ -25,11 +25,6 @@ constexpr std::int64_t manyArticles = 40;
 constexpr std::array treeCommands{14, 15, 20, 16, 17, 13, 12, 11, 7, 8};
 constexpr std::array articleCommands{2, 3, 0, 1, 4, 5, 6};
 constexpr int deleteDepartment = 13;
-
-unsigned seed() {
-  const char* asked = std::getenv("KORVANE_TEST_SEED");
-  return asked == nullptr ? 1U : static_cast<unsigned>(std::strtoul(asked, nullptr, 10));
-}
 
 class TreeEndurance : public WindowFixture {
  protected:

@@ -3,11 +3,10 @@
 
 #include <memory>
 
-#include "commerce/payment_modules.h"
 #include "forms/dialog_fixture.h"
 #include "forms/driven_window.h"
-#include "shell/frm_dialogs.h"
 #include "shell/frm_main.h"
+#include "shell/frm_program.h"
 #include "store/session_start.h"
 
 namespace kv::test {
@@ -45,13 +44,7 @@ class WiredWindow : public DialogFixture {
     };
     window = std::make_unique<frmMain>(session, with, std::move(ports));
     Workbench& workbench = window->workbench();
-    with.hooks.CompletaGateway = [this](const std::string& folder) { CompletaGateway(folder, application); };
-    with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
-    with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-    with.hooks.reload = [this, &workbench] {
-      if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
-    };
-    wireDialogs(*window, session, with);
+    wireSession(*window, session, with);
     ASSERT_EQ(startSession(session, with), LoadResult::Opened);
     workbench.showShop();
     window->resize(1900, 1000);

@@ -2,7 +2,6 @@
 // that a plain model of the commands has worked out, they keep their rules, and the tree that is shown is the tree that
 // is stored. KORVANE_TEST_SEED=<number> runs another row of operations.
 
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <random>
@@ -10,6 +9,7 @@
 
 #include "store/plain_tree.h"
 #include "store/tree_fixture.h"
+#include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
@@ -23,11 +23,6 @@ constexpr int operations = 10000;
 constexpr int operationsBetweenReturns = operations / 4;
 constexpr std::size_t manyDepartments = 20;
 constexpr std::size_t manyArticles = 40;
-
-unsigned seed() {
-  const char* asked = std::getenv("KORVANE_TEST_SEED");
-  return asked == nullptr ? 1U : static_cast<unsigned>(std::strtoul(asked, nullptr, 10));
-}
 
 struct Operation {
   const char* name;

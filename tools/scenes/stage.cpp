@@ -12,6 +12,7 @@
 
 #include "platform/frm_dialog.h"
 #include "shell/frm_dialogs.h"
+#include "shell/frm_program.h"
 #include "store/server_path.h"
 #include "store/session_start.h"
 
@@ -93,9 +94,7 @@ bool Stage::open() {
   ports.open = [](const std::string&, const std::string&) { return openedWell; };
   window_ = std::make_unique<frmMain>(session_, with_, std::move(ports));
   Workbench& workbench = window_->workbench();
-  with_.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
-  with_.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-  wireDialogs(*window_, session_, with_);
+  wireSession(*window_, session_, with_);
   static_cast<void>(writeServerPath(with_.applicationFolder, options_.shop));
   if (startSession(session_, with_) != LoadResult::Opened) return false;
   workbench.showShop();
