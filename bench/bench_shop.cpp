@@ -6,9 +6,9 @@
 #include <fstream>
 #include <set>
 
-#include "builder/make_pages.h"
-#include "platform/files.h"
-#include "store/schema.h"
+#include "builder/run/make_pages.h"
+#include "platform/files/files.h"
+#include "store/schema/schema.h"
 
 namespace kv::bench {
 

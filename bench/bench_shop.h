@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/store.h"
-#include "platform/user_port.h"
+#include "platform/database/value.h"
+#include "platform/ports/user_port.h"
 
 namespace kv::bench {
 

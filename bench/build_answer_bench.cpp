@@ -16,7 +16,7 @@
 
 #include "bench_shop.h"
 #include "measure.h"
-#include "platform/store.h"
+#include "platform/database/database.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 
 #include "bench_shop.h"
 #include "measure.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace {
 

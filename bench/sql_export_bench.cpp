@@ -14,9 +14,12 @@
 
 #include "bench_shop.h"
 #include "measure.h"
-#include "platform/files.h"
-#include "platform/settings.h"
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/statement.h"
+#include "platform/database/table_info.h"
+#include "platform/database/value.h"
+#include "platform/files/files.h"
+#include "platform/files/settings.h"
 #include "sqlexport/full_export.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "tags/tag_engine.h"
+#include "tags/engine/tag_engine.h"
 
 namespace {
 

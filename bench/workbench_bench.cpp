@@ -28,13 +28,13 @@
 
 #include "bench_shop.h"
 #include "measure.h"
-#include "platform/clock.h"
-#include "platform/files.h"
-#include "platform/settings.h"
-#include "platform/store.h"
-#include "shell/frm_main.h"
-#include "shell/frm_program.h"
-#include "store/session_start.h"
+#include "platform/database/database.h"
+#include "platform/files/files.h"
+#include "platform/files/settings.h"
+#include "platform/ports/clock.h"
+#include "shell/program/frm_program.h"
+#include "shell/window/frm_main.h"
+#include "store/shop/session_start.h"
 
 namespace {
 

@@ -1,14 +1,15 @@
-# korvane_folder(NAME [USES other...]): the static library of one folder of src/. Its headers are reached as
-# "NAME/header.h" through an include directory that holds that one folder alone, so that an include of a
-# folder which is not named under USES (or by those) does not compile. Files frm_* hold windows and are left
-# to <name>_forms, files *_main.cpp to the programs. KORVANE_FOLDERS lists the folders declared so far.
+# korvane_folder(NAME [USES other...]): the static library of one folder of src/ with all its rooms. Its headers are
+# reached as "NAME/room/header.h" through an include directory that holds that one folder alone, so that an include of
+# a folder which is not named under USES (or by those) does not compile. The order of the rooms inside a folder is
+# checked by tools/check-layers. Files frm_* hold windows and are left to <name>_forms, files *_main.cpp to the
+# programs. KORVANE_FOLDERS lists the folders declared so far.
 function(korvane_folder name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
   set(KORVANE_FOLDERS ${KORVANE_FOLDERS} ${name} PARENT_SCOPE)
   set(root ${CMAKE_BINARY_DIR}/include/${name})
   file(MAKE_DIRECTORY ${root})
   file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${name} ${root}/${name} SYMBOLIC)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp ${CMAKE_SOURCE_DIR}/src/${name}/*/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/(frm_[^/]*|[^/]*_main\\.cpp)$")
   if(sources)
     add_library(${name} STATIC ${sources})
@@ -22,16 +23,16 @@ function(korvane_folder name)
   endif()
 endfunction()
 
-# korvane_forms(NAME [USES other...]): the static library <name>_forms of the windows of one folder, its files frm_*,
-# with the pictures of its icons/*.qrc, the folder's own library and the windows of the folders named. Nothing where Qt is missing: the core and the
-# command line program need none.
+# korvane_forms(NAME [USES other...]): the static library <name>_forms of the windows of one folder, its files frm_*
+# in whatever room, with the pictures of its icons/*.qrc, the folder's own library and the windows of the folders
+# named. Nothing where Qt is missing: the core and the command line program need none.
 function(korvane_forms name)
   cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/frm_*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/frm_*.cpp)
   if(NOT sources OR NOT TARGET Qt6::Widgets)
     return()
   endif()
-  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/frm_*.h)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/frm_*.h)
   file(GLOB pictures CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/icons/*.qrc)
   add_library(${name}_forms STATIC ${sources} ${headers} ${pictures})
   set_target_properties(${name}_forms PROPERTIES AUTOMOC ON AUTORCC ON)

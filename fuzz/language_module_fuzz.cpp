@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/text.h"
-#include "tags/custom_tags.h"
-#include "tags/language_module.h"
+#include "platform/text/text.h"
+#include "tags/custom/custom_tags.h"
+#include "tags/language/language_module.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/text.h"
-#include "tags/template_package.h"
+#include "platform/text/text.h"
+#include "tags/package/template_package.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text = kv::fromWindows1252({reinterpret_cast<const char*>(data), size});

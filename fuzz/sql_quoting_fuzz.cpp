@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "sqlexport/sql_text.h"
 
 namespace {

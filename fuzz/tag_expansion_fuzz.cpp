@@ -5,7 +5,7 @@
 #include <map>
 
 #include "../tests/tags/naive_tags.h"
-#include "tags/tag_engine.h"
+#include "tags/engine/tag_engine.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/money.h"
-#include "platform/number_form.h"
-#include "platform/text.h"
+#include "platform/numbers/money.h"
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
 
 namespace {
 

@@ -22,9 +22,9 @@ function(korvane_must_not_compile name folder source expected)
 endfunction()
 
 korvane_must_not_compile(PlatformDoesNotSeeTheStore platform includes_store.cpp
-  "store/session.h: No such file or directory")
+  "store/shop/session.h: No such file or directory")
 korvane_must_not_compile(TagsDoNotSeeTheBuilder tags includes_builder.cpp
-  "builder/make_pages.h: No such file or directory")
+  "builder/run/make_pages.h: No such file or directory")
 
 # The core has no windows: it configures where Qt cannot be found.
 add_test(NAME layers.TheCoreConfiguresWithoutQt

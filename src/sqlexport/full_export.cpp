@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "platform/files.h"
-#include "platform/output_file.h"
-#include "platform/text.h"
+#include "platform/files/files.h"
+#include "platform/files/output_file.h"
+#include "platform/text/text.h"
 #include "sqlexport/sql_rows.h"
-#include "store/schema.h"
+#include "store/schema/schema.h"
 
 namespace kv {
 namespace {

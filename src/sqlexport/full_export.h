@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/settings.h"
-#include "platform/user_port.h"
+#include "platform/files/settings.h"
+#include "platform/ports/user_port.h"
 #include "sqlexport/sql_style.h"
 
 namespace kv {

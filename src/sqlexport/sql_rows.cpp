@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/number_form.h"
-#include "platform/text.h"
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

@@ -3,8 +3,9 @@
 
 #include <cstdint>
 
-#include "platform/output_file.h"
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
+#include "platform/files/output_file.h"
 #include "sqlexport/sql_style.h"
 
 namespace kv {

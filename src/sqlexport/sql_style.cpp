@@ -1,9 +1,9 @@
 #include "sqlexport/sql_style.h"
 
-#include "platform/files.h"
-#include "platform/number_form.h"
-#include "platform/text.h"
-#include "store/session.h"
+#include "platform/files/files.h"
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
+#include "store/shop/session.h"
 
 namespace kv {
 namespace {

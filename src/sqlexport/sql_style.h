@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/output_file.h"
-#include "platform/settings.h"
-#include "platform/store.h"
+#include "platform/database/table_info.h"
+#include "platform/files/output_file.h"
+#include "platform/files/settings.h"
 #include "sqlexport/sql_types.h"
 
 namespace kv {

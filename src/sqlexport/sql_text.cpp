@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/output_file.h"
-#include "platform/result.h"
+#include "platform/files/output_file.h"
+#include "platform/ports/result.h"
 
 namespace kv {
 

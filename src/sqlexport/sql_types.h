@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "platform/result.h"
-#include "platform/store.h"
+#include "platform/database/table_info.h"
+#include "platform/ports/result.h"
 #include "sqlexport/sql_text.h"
 
 namespace kv {

@@ -1,6 +1,6 @@
 // The price of an article in every form it takes, worked out by hand from the rules.
 
-#include "builder/article_price.h"
+#include "builder/article/article_price.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // The derived article row, the lists and the showcase, as a build leaves them.
 
-#include "builder/article_row.h"
+#include "builder/article/article_row.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "builder/showcase.h"
+#include "builder/article/showcase.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

@@ -15,7 +15,7 @@
 #include <map>
 #include <thread>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

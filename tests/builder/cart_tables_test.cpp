@@ -1,6 +1,6 @@
 // What the cart in the browser is told of the shop, byte by byte, and the build that puts it into the pages.
 
-#include "builder/cart_tables.h"
+#include "builder/checkout/cart_tables.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

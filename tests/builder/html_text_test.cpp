@@ -1,10 +1,10 @@
 // The small texts of a page: entities, tags, JavaScript and PHP forms, links and image tags.
 
-#include "builder/html_text.h"
+#include "builder/values/html_text.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 #include "support/temp_shop.h"
 

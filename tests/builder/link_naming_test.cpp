@@ -1,10 +1,10 @@
 // Names of pages, public addresses and colours.
 
-#include "builder/link_naming.h"
+#include "builder/values/link_naming.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {

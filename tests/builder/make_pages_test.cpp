@@ -1,6 +1,6 @@
 // The build run: what it leaves on disk, in the databases and in the list of files, in which order, and how it ends.
 
-#include "builder/make_pages.h"
+#include "builder/run/make_pages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,8 +8,8 @@
 #include <chrono>
 #include <filesystem>
 
-#include "platform/files.h"
-#include "platform/text.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

@@ -1,10 +1,10 @@
 // The sections of kvan_menu.ini.
 
-#include "builder/menu_templates.h"
+#include "builder/navigation/menu_templates.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {

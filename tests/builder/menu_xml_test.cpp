@@ -1,6 +1,6 @@
 // shopmenu.xml: its bytes, when it is written, and that it is always in the list of files.
 
-#include "builder/menu_xml.h"
+#include "builder/navigation/menu_xml.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

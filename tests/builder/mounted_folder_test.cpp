@@ -12,8 +12,8 @@
 #include <cstring>
 #include <functional>
 
-#include "platform/files.h"
-#include "store/load_shop.h"
+#include "platform/files/files.h"
+#include "store/shop/load_shop.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

@@ -1,6 +1,6 @@
 // The tree of links, the drop-down, the title path and the sub-departments, to the byte.
 
-#include "builder/navigation.h"
+#include "builder/navigation/navigation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -7,9 +7,9 @@
 #include <array>
 #include <random>
 
-#include "builder/menu_xml.h"
-#include "builder/navigation.h"
-#include "platform/text.h"
+#include "builder/navigation/menu_xml.h"
+#include "builder/navigation/navigation.h"
+#include "platform/text/text.h"
 
 namespace kv::test {
 namespace {

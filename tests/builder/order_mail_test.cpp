@@ -1,6 +1,6 @@
 // The confirmation mail as text of a PHP or Perl script: what is escaped, where lines end, what the tags become.
 
-#include "builder/order_mail.h"
+#include "builder/checkout/order_mail.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,13 @@
 // One page at a time: marks, prologues, the article loop, the rows, and when a file is written.
 
-#include "builder/page_wrapper.h"
+#include "builder/page/page_wrapper.h"
+#include "platform/database/recordset.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "builder/page_prologue.h"
-#include "platform/files.h"
+#include "builder/page/page_prologue.h"
+#include "platform/files/files.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

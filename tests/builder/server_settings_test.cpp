@@ -1,11 +1,11 @@
 // What the scripts of the server are told of the shop, byte by byte, and the pages and scripts that receive it.
 
-#include "builder/server_settings.h"
+#include "builder/checkout/server_settings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

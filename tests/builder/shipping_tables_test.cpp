@@ -1,12 +1,12 @@
 // The shipping costs as arrays of the cart: which slot a cost stands in, how it is written, which letters go with it.
 
-#include "builder/shipping_tables.h"
+#include "builder/checkout/shipping_tables.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "builder/run_failure.h"
-#include "platform/text.h"
+#include "builder/values/run_failure.h"
+#include "platform/text/text.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {

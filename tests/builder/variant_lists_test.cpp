@@ -1,6 +1,6 @@
 // Variants as lists of options: the form of one value, and the rows that a build makes of the catalogue.
 
-#include "builder/variant_lists.h"
+#include "builder/article/variant_lists.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

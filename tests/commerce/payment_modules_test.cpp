@@ -1,11 +1,11 @@
 // The payment modules of a shop: what is read of their files, and how a shop comes to those it lacks.
 
-#include "commerce/payment_modules.h"
+#include "commerce/gateways/payment_modules.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {

@@ -4,7 +4,7 @@
 #include <QTableWidget>
 
 #include "dialog_fixture.h"
-#include "shell/frm_backup.h"
+#include "shell/dialogs/frm_backup.h"
 
 namespace kv {
 namespace {

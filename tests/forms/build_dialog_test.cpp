@@ -3,7 +3,7 @@
 
 #include <QProgressBar>
 
-#include "builder/frm_elabora.h"
+#include "builder/run/frm_elabora.h"
 #include "dialog_fixture.h"
 #include "support/temp_shop.h"
 

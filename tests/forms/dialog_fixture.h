@@ -14,10 +14,10 @@
 #include <functional>
 #include <string>
 
-#include "platform/files.h"
-#include "platform/frm_dialog.h"
-#include "platform/settings.h"
-#include "store/load_shop.h"
+#include "platform/files/files.h"
+#include "platform/files/settings.h"
+#include "platform/qt/frm_dialog.h"
+#include "store/shop/load_shop.h"
 #include "support/fixed_clock.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"

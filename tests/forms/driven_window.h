@@ -10,7 +10,7 @@
 #include <QToolButton>
 
 #include "forms/window_fixture.h"
-#include "platform/frm_dialog.h"
+#include "platform/qt/frm_dialog.h"
 
 namespace kv::test {
 

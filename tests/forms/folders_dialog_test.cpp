@@ -5,7 +5,7 @@
 #include <QLineEdit>
 
 #include "dialog_fixture.h"
-#include "shell/frm_browse.h"
+#include "shell/dialogs/frm_browse.h"
 
 namespace kv {
 namespace {

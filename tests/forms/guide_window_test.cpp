@@ -1,7 +1,7 @@
 // The first-run guide beside the main window: what each step lights there, and what the next one puts out.
 
 #include "forms/wired_window.h"
-#include "shell/intro_steps.h"
+#include "shell/window/intro_steps.h"
 
 namespace kv::test {
 namespace {

@@ -5,8 +5,8 @@
 #include <QScrollBar>
 
 #include "dialog_fixture.h"
-#include "shell/frm_intro.h"
-#include "shell/intro_steps.h"
+#include "shell/window/frm_intro.h"
+#include "shell/window/intro_steps.h"
 
 namespace kv {
 namespace {

@@ -4,18 +4,18 @@
 #include <QMessageBox>
 #include <QScrollBar>
 
-#include "builder/frm_elabora.h"
+#include "builder/run/frm_elabora.h"
 #include "forms/wired_window.h"
-#include "shell/frm_about.h"
-#include "shell/frm_avviso.h"
-#include "shell/frm_backup.h"
-#include "shell/frm_browse.h"
-#include "shell/frm_intro.h"
-#include "shell/frm_search.h"
-#include "tags/frm_info_lingua.h"
-#include "tags/frm_lingue.h"
-#include "tags/frm_tags.h"
-#include "tags/frm_template.h"
+#include "shell/dialogs/frm_about.h"
+#include "shell/dialogs/frm_avviso.h"
+#include "shell/dialogs/frm_backup.h"
+#include "shell/dialogs/frm_browse.h"
+#include "shell/dialogs/frm_search.h"
+#include "shell/window/frm_intro.h"
+#include "tags/custom/frm_tags.h"
+#include "tags/language/frm_info_lingua.h"
+#include "tags/language/frm_lingue.h"
+#include "tags/package/frm_template.h"
 
 namespace kv::test {
 namespace {

@@ -12,7 +12,7 @@
 #include <random>
 #include <set>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "shell/workbench_fixture.h"
 #include "support/test_seed.h"
 

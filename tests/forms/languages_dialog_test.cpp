@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "dialog_fixture.h"
-#include "tags/frm_info_lingua.h"
-#include "tags/frm_lingue.h"
+#include "tags/language/frm_info_lingua.h"
+#include "tags/language/frm_lingue.h"
 
 namespace kv {
 namespace {

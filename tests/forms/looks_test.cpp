@@ -11,11 +11,11 @@
 #include <cmath>
 
 #include "forms/window_fixture.h"
-#include "platform/frm_dialog.h"
-#include "shell/frm_appearance.h"
-#include "shell/frm_icons.h"
-#include "shell/frm_intro.h"
-#include "shell/frm_program.h"
+#include "platform/qt/frm_dialog.h"
+#include "shell/program/frm_program.h"
+#include "shell/window/frm_appearance.h"
+#include "shell/window/frm_icons.h"
+#include "shell/window/frm_intro.h"
 
 namespace kv::test {
 namespace {

@@ -7,7 +7,7 @@
 #include <QMessageBox>
 
 #include "dialog_fixture.h"
-#include "platform/frm_user.h"
+#include "platform/qt/frm_user.h"
 
 namespace kv {
 namespace {

@@ -3,7 +3,7 @@
 #include <QMessageBox>
 
 #include "forms/wired_window.h"
-#include "platform/frm_user.h"
+#include "platform/qt/frm_user.h"
 
 namespace kv::test {
 namespace {

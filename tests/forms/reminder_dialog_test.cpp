@@ -4,8 +4,8 @@
 #include <QCheckBox>
 
 #include "dialog_fixture.h"
-#include "shell/frm_about.h"
-#include "shell/frm_avviso.h"
+#include "shell/dialogs/frm_about.h"
+#include "shell/dialogs/frm_avviso.h"
 
 namespace kv {
 namespace {

@@ -8,8 +8,8 @@
 #include <QTableView>
 
 #include "dialog_fixture.h"
-#include "platform/text.h"
-#include "shell/frm_search.h"
+#include "platform/text/text.h"
+#include "shell/dialogs/frm_search.h"
 
 namespace kv {
 namespace {

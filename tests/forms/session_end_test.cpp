@@ -3,8 +3,8 @@
 #include <csignal>
 
 #include "forms/window_fixture.h"
-#include "platform/frm_dialog.h"
-#include "shell/frm_session_end.h"
+#include "platform/qt/frm_dialog.h"
+#include "shell/program/frm_session_end.h"
 
 namespace kv::test {
 namespace {

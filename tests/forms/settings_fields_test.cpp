@@ -4,6 +4,7 @@
 #include <QAbstractItemView>
 
 #include "forms/driven_window.h"
+#include "platform/database/recordset.h"
 
 namespace kv::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <QRadioButton>
 
 #include "dialog_fixture.h"
-#include "tags/frm_tags.h"
+#include "tags/custom/frm_tags.h"
 
 namespace kv {
 namespace {

@@ -6,8 +6,8 @@
 #include <QPlainTextEdit>
 
 #include "dialog_fixture.h"
-#include "platform/text.h"
-#include "tags/frm_template.h"
+#include "platform/text/text.h"
+#include "tags/package/frm_template.h"
 
 namespace kv {
 namespace {

@@ -6,7 +6,8 @@
 #include <random>
 
 #include "forms/window_fixture.h"
-#include "platform/frm_dialog.h"
+#include "platform/database/recordset.h"
+#include "platform/qt/frm_dialog.h"
 #include "support/row_text.h"
 #include "support/test_seed.h"
 

@@ -11,8 +11,8 @@
 #include <QTest>
 #include <memory>
 
-#include "shell/frm_field.h"
-#include "shell/frm_main.h"
+#include "shell/window/frm_field.h"
+#include "shell/window/frm_main.h"
 #include "shell/workbench_fixture.h"
 
 namespace kv::test {

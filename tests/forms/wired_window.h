@@ -5,9 +5,9 @@
 
 #include "forms/dialog_fixture.h"
 #include "forms/driven_window.h"
-#include "shell/frm_main.h"
-#include "shell/frm_program.h"
-#include "store/session_start.h"
+#include "shell/program/frm_program.h"
+#include "shell/window/frm_main.h"
+#include "store/shop/session_start.h"
 
 namespace kv::test {
 

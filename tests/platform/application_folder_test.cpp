@@ -1,12 +1,12 @@
 // The folder of one user is filled from the installed data, and stays the merchant's.
-#include "platform/application_folder.h"
+#include "platform/files/application_folder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

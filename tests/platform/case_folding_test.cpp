@@ -1,7 +1,7 @@
 // Comparison without regard to case.
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

@@ -1,5 +1,5 @@
 // The machine's time and chance.
-#include "platform/clock.h"
+#include "platform/ports/clock.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Single files: what is read, what is written, and what a failure leaves behind.
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -1,9 +1,9 @@
 // Sizes of pictures and the first pixel of a GIF, also of damaged ones.
-#include "platform/image.h"
+#include "platform/image/image.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -1,5 +1,5 @@
 // Money: exact sums, exact ties, and the rounding of a product through single precision.
-#include "platform/money.h"
+#include "platform/numbers/money.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/number_form.h"
+#include "platform/numbers/number_form.h"
 
 namespace kv {
 namespace {

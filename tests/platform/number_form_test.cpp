@@ -1,5 +1,5 @@
 // Numbers as text, and texts as numbers.
-#include "platform/number_form.h"
+#include "platform/numbers/number_form.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

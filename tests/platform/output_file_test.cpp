@@ -1,12 +1,12 @@
 // Files written from start to end through a buffer, and the reading of a file's first bytes.
 
-#include "platform/output_file.h"
+#include "platform/files/output_file.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -1,7 +1,7 @@
 // The patterns of the LIKE operator and those of file names.
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

@@ -1,5 +1,5 @@
 // The settings of one user, in a file and in memory.
-#include "platform/settings.h"
+#include "platform/files/settings.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -1,6 +1,6 @@
 // What a recorder hears, and what comes back when it is reverted and repeated.
 
-#include "platform/store_changes.h"
+#include "platform/database/changes.h"
 
 #include <optional>
 

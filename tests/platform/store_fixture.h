@@ -8,7 +8,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
 #include "support/row_text.h"
 #include "support/temp_folder.h"
 

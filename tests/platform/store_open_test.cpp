@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
 
 namespace kv::test {

@@ -1,5 +1,6 @@
 // Editing through record sets: what a column takes, the automatic key of a row just begun, rows added and removed.
 
+#include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
 
 namespace kv::test {

@@ -1,5 +1,6 @@
 // Record sets: the order of the rows, the cursor, finding and seeking, and sources that are no table.
 
+#include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
 
 namespace kv::test {

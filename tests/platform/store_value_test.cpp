@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/store.h"
+#include "platform/database/value.h"
 
 namespace kv {
 namespace {

@@ -1,5 +1,5 @@
 // The text operations that know no case and no code page.
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 
 #include <random>
 
-#include "platform/text.h"
-#include "platform/utf8.h"
+#include "platform/text/text.h"
+#include "platform/text/utf8.h"
 
 namespace kv {
 namespace {

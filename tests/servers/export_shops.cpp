@@ -5,11 +5,11 @@
 #include <limits>
 #include <string>
 
-#include "platform/files.h"
-#include "platform/settings.h"
-#include "platform/text.h"
+#include "platform/files/files.h"
+#include "platform/files/settings.h"
+#include "platform/text/text.h"
 #include "sqlexport/full_export.h"
-#include "store/schema.h"
+#include "store/schema/schema.h"
 #include "support/golden_shop.h"
 #include "support/scripted_user.h"
 #include "support/txtar.h"

@@ -1,11 +1,11 @@
 // The search for articles by the words of a column.
 
-#include "shell/article_search.h"
+#include "shell/dialogs/article_search.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "store/schema.h"
+#include "store/schema/schema.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {

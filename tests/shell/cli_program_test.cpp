@@ -1,6 +1,6 @@
 // korvane-cli as it is started: exit statuses, what goes to which stream, and what is left on the disk.
 
-#include "shell/cli_program.h"
+#include "shell/cli/cli_program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

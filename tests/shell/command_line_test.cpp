@@ -1,6 +1,6 @@
 // The arguments of korvane-cli: what each form means and what is refused, with its words.
 
-#include "shell/command_line.h"
+#include "shell/cli/command_line.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The commands and menus of the main window, as data.
 
-#include "shell/command_table.h"
+#include "shell/workbench/command_table.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/menu_table.h"
+#include "shell/workbench/menu_table.h"
 
 namespace kv::test {
 namespace {

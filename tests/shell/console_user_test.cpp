@@ -1,6 +1,6 @@
 // What the user of the command line sees: messages, questions with their answers, progress on a terminal and elsewhere.
 
-#include "shell/console_user.h"
+#include "shell/cli/console_user.h"
 
 #include <gtest/gtest.h>
 

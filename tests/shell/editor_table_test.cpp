@@ -2,8 +2,8 @@
 
 #include "shell/workbench_fixture.h"
 
-#include "shell/picture_import.h"
-#include "store/schema.h"
+#include "shell/dialogs/picture_import.h"
+#include "store/schema/schema.h"
 
 namespace kv::test {
 namespace {

@@ -1,10 +1,10 @@
 // The two working folders: what is refused with which words, what is stored, and that one field leaves the other alone.
-#include "shell/folder_choice.h"
+#include "shell/dialogs/folder_choice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "store/load_shop.h"
+#include "store/shop/load_shop.h"
 #include "store/shop_fixture.h"
 
 namespace kv {

@@ -1,16 +1,16 @@
 // Where the program finds its data: beside itself, wherever the tree has been put.
 
-#include "shell/installed_data.h"
+#include "shell/program/installed_data.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "platform/application_folder.h"
-#include "platform/clock.h"
-#include "platform/files.h"
-#include "platform/settings.h"
-#include "store/session_start.h"
+#include "platform/files/application_folder.h"
+#include "platform/files/files.h"
+#include "platform/files/settings.h"
+#include "platform/ports/clock.h"
+#include "store/shop/session_start.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
 

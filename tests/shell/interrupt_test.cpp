@@ -1,6 +1,6 @@
 // Ctrl-C: the first is noted, the second ends the program.
 
-#include "shell/interrupt.h"
+#include "shell/cli/interrupt.h"
 
 #include <gtest/gtest.h>
 

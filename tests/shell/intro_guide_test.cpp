@@ -1,6 +1,6 @@
 // What a click on each number of the guide does with the main window, and when the guide opens by itself; the reminder
 // before publishing.
-#include "shell/intro_guide.h"
+#include "shell/window/intro_guide.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/build_reminder.h"
+#include "shell/dialogs/build_reminder.h"
 
 namespace kv {
 namespace {

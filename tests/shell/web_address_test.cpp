@@ -1,6 +1,6 @@
 // Addresses and folders of the connection settings, the documents that are opened, the guide's steps.
 
-#include "shell/web_address.h"
+#include "shell/workbench/web_address.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "shell/command_table.h"
-#include "shell/intro_steps.h"
-#include "shell/open_document.h"
-#include "store/session.h"
+#include "shell/window/intro_steps.h"
+#include "shell/workbench/command_table.h"
+#include "shell/workbench/open_document.h"
+#include "store/shop/session.h"
 
 namespace kv::test {
 namespace {

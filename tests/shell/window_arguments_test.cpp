@@ -1,6 +1,6 @@
 // The arguments of the program with the window.
 
-#include "shell/window_arguments.h"
+#include "shell/program/window_arguments.h"
 
 #include <gtest/gtest.h>
 

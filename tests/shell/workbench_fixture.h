@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "shell/workbench.h"
-#include "store/load_shop.h"
-#include "store/session_start.h"
+#include "shell/workbench/workbench.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/session_start.h"
 #include "store/shop_fixture.h"
 #include "support/row_text.h"
 #include "support/temp_shop.h"

@@ -6,9 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/files.h"
-#include "platform/store.h"
-#include "platform/text.h"
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
 #include "sqlexport/full_export.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"

@@ -1,8 +1,8 @@
 // The driver: which files are made, which are published again as they are, and what makes a dump stale.
 
-#include "platform/settings.h"
+#include "platform/files/settings.h"
 #include "sqlexport/export_fixture.h"
-#include "store/session.h"
+#include "store/shop/session.h"
 
 namespace kv::test {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <sstream>
 
-#include "platform/files.h"
-#include "platform/text.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -1,7 +1,7 @@
 // Inserting, moving, deleting, copying and pasting articles.
 #include <gmock/gmock.h>
 
-#include "store/order_numbers.h"
+#include "store/shop/order_numbers.h"
 #include "store/tree_fixture.h"
 
 namespace kv::test {

@@ -1,5 +1,5 @@
 // Dated copies of the catalogue: when one is made, how many stay, and how one is put back.
-#include "store/backup_copies.h"
+#include "store/shop/backup_copies.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 #include <cstdlib>
 
 #include "shop_fixture.h"
-#include "store/load_shop.h"
-#include "store/session_start.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/session_start.h"
 
 namespace kv {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <map>
 
-#include "platform/text.h"
-#include "store/schema.h"
+#include "platform/text/text.h"
+#include "store/schema/schema.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "store/schema.h"
+#include "store/schema/schema.h"
 #include "support/temp_folder.h"
 
 namespace kv {

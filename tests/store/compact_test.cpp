@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
-#include "store/compact.h"
-#include "store/session_start.h"
+#include "store/shop/compact.h"
+#include "store/shop/session_start.h"
 
 namespace kv {
 namespace {

@@ -1,9 +1,10 @@
 // Inserting, moving, deleting, copying and dragging departments; the renumbering; the cursors.
 #include <gmock/gmock.h>
 
-#include "platform/number_form.h"
-#include "store/load_shop.h"
-#include "store/order_numbers.h"
+#include "platform/database/recordset.h"
+#include "platform/numbers/number_form.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/order_numbers.h"
 #include "store/tree_fixture.h"
 
 namespace kv::test {

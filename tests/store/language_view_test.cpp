@@ -1,7 +1,8 @@
 // The SELECT texts with which readers see a table in one language.
 #include <gtest/gtest.h>
 
-#include "store/schema.h"
+#include "platform/database/recordset.h"
+#include "store/schema/schema.h"
 #include "support/temp_folder.h"
 
 namespace kv {

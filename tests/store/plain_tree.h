@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/value.h"
 
 namespace kv::test {
 

@@ -4,8 +4,9 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/files.h"
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/value.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -7,10 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files.h"
-#include "platform/image.h"
-#include "platform/store.h"
-#include "store/schema.h"
+#include "platform/database/database.h"
+#include "platform/database/statement.h"
+#include "platform/database/table_info.h"
+#include "platform/database/value.h"
+#include "platform/files/files.h"
+#include "platform/image/image.h"
+#include "store/schema/schema.h"
 
 namespace kv {
 namespace {

@@ -1,8 +1,8 @@
 // serverpath.net: which names survive it, and what counts as no name.
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
-#include "store/server_path.h"
+#include "platform/files/files.h"
+#include "store/shop/server_path.h"
 #include "support/temp_folder.h"
 
 namespace kv {

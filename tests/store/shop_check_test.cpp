@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
-#include "store/shop_check.h"
+#include "store/shop/shop_check.h"
 
 namespace kv {
 namespace {

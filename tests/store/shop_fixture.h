@@ -7,10 +7,10 @@
 #include <fstream>
 #include <string>
 
-#include "platform/files.h"
-#include "platform/settings.h"
-#include "store/schema.h"
-#include "store/session.h"
+#include "platform/files/files.h"
+#include "platform/files/settings.h"
+#include "store/schema/schema.h"
+#include "store/shop/session.h"
 #include "support/fixed_clock.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"

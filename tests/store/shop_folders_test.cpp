@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
-#include "store/shop_folders.h"
+#include "store/shop/shop_folders.h"
 
 namespace kv {
 namespace {

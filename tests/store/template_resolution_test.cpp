@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
-#include "store/load_shop.h"
+#include "store/shop/load_shop.h"
 
 namespace kv {
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "store/catalogue/tree_editing.h"
+#include "store/catalogue/undo_history.h"
 #include "store/shop_fixture.h"
-#include "store/tree_editing.h"
-#include "store/undo_history.h"
 #include "support/row_text.h"
 
 namespace kv::test {

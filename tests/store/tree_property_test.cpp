@@ -7,6 +7,7 @@
 #include <random>
 #include <set>
 
+#include "platform/database/recordset.h"
 #include "store/plain_tree.h"
 #include "store/tree_fixture.h"
 #include "support/test_seed.h"

@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <vector>
 
-#include "platform/clock.h"
+#include "platform/ports/clock.h"
 
 namespace kv::test {
 

@@ -1,12 +1,13 @@
 #include "support/golden_rows.h"
+#include "platform/database/recordset.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
 #include <vector>
 
-#include "platform/number_form.h"
-#include "platform/text.h"
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
 
 namespace kv::test {
 namespace {

@@ -9,7 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
 
 namespace kv::test {
 

@@ -3,13 +3,15 @@
 #include <filesystem>
 #include <regex>
 
-#include "platform/files.h"
-#include "platform/store.h"
-#include "platform/text.h"
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
+#include "platform/database/value.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
 #include "sqlexport/full_export.h"
-#include "store/load_shop.h"
-#include "store/schema.h"
-#include "store/session_start.h"
+#include "store/schema/schema.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/session_start.h"
 
 namespace kv::test {
 namespace {

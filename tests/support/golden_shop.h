@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
-#include "builder/make_pages.h"
-#include "platform/settings.h"
+#include "builder/run/make_pages.h"
+#include "platform/files/settings.h"
 #include "support/fixed_clock.h"
 #include "support/golden_rows.h"
 #include "support/scripted_user.h"

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/value.h"
 
 namespace kv::test {
 

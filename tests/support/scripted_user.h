@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/user_port.h"
+#include "platform/ports/user_port.h"
 
 namespace kv::test {
 

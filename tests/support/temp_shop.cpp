@@ -1,8 +1,8 @@
 #include "support/temp_shop.h"
 
-#include "platform/files.h"
-#include "platform/text.h"
-#include "store/schema.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "store/schema/schema.h"
 
 namespace kv::test {
 

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "builder/make_pages.h"
-#include "platform/settings.h"
-#include "store/session.h"
+#include "builder/run/make_pages.h"
+#include "platform/files/settings.h"
+#include "store/shop/session.h"
 #include "support/fixed_clock.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"

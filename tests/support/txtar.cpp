@@ -4,7 +4,7 @@
 #include <cctype>
 #include <cstdlib>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv::test {
 namespace {

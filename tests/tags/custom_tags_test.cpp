@@ -1,9 +1,9 @@
 // Custom tags: the two files, their order, and the lookups.
-#include "tags/custom_tags.h"
+#include "tags/custom/custom_tags.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

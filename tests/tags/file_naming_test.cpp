@@ -1,7 +1,7 @@
 // The names of pages and of their copies in other languages.
 #include <gtest/gtest.h>
 
-#include "tags/file_naming.h"
+#include "tags/syntax/file_naming.h"
 
 namespace kv {
 namespace {

@@ -1,10 +1,10 @@
 // The languages of the shop: what the boxes offer, what OK stores, and the way back to language 1.
-#include "tags/language_choice.h"
+#include "tags/language/language_choice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "store/load_shop.h"
+#include "store/shop/load_shop.h"
 #include "store/shop_fixture.h"
 
 namespace kv {

@@ -1,9 +1,9 @@
 // CreaTagLingua: the links of a page to its copies in the other languages.
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
-#include "tags/language_module.h"
+#include "tags/language/language_module.h"
 
 namespace kv {
 namespace {

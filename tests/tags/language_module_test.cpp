@@ -1,9 +1,9 @@
 // Language modules: the sections of a file, the lookups, and what is added to an older module on disk.
-#include "tags/language_module.h"
+#include "tags/language/language_module.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

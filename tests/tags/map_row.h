@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/text.h"
-#include "tags/tag_engine.h"
+#include "platform/text/text.h"
+#include "tags/engine/tag_engine.h"
 
 namespace kv::test {
 

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/number_form.h"
-#include "tags/custom_tags.h"
-#include "tags/language_module.h"
-#include "tags/tag_engine.h"
+#include "platform/numbers/number_form.h"
+#include "tags/custom/custom_tags.h"
+#include "tags/engine/tag_engine.h"
+#include "tags/language/language_module.h"
 
 namespace kv::test {
 

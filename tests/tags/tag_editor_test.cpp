@@ -1,9 +1,9 @@
 // The merchant's own tags as they are edited, and the files that OK writes, byte by byte.
-#include "tags/tag_editor.h"
+#include "tags/custom/tag_editor.h"
 
 #include <gtest/gtest.h>
 
-#include "store/load_shop.h"
+#include "store/shop/load_shop.h"
 #include "store/shop_fixture.h"
 
 namespace kv {

@@ -3,8 +3,8 @@
 
 #include <random>
 
-#include "tags/custom_tags.h"
-#include "tags/language_module.h"
+#include "tags/custom/custom_tags.h"
+#include "tags/language/language_module.h"
 #include "tags/map_row.h"
 #include "tags/naive_tags.h"
 

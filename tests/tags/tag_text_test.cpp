@@ -4,8 +4,8 @@
 #include <random>
 #include <vector>
 
+#include "tags/engine/tag_engine.h"
 #include "tags/naive_tags.h"
-#include "tags/tag_engine.h"
 
 namespace kv {
 namespace {

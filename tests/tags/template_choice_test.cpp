@@ -1,9 +1,9 @@
 // The choice of the template package: what is offered, shown, selected by typing, and returned.
-#include "tags/template_choice.h"
+#include "tags/package/template_choice.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

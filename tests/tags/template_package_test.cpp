@@ -1,9 +1,9 @@
 // Template packages: which are offered, which of their files are resources, the showcase cell.
-#include "tags/template_package.h"
+#include "tags/package/template_package.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
 
 namespace kv {

@@ -3,9 +3,9 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/temp_folder.h"
-#include "tags/template_package.h"
+#include "tags/package/template_package.h"
 
 namespace kv {
 namespace {

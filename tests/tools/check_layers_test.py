@@ -11,8 +11,13 @@ TABLE = """# Architecture
 |---|---|---|
 | 0 | `base` | |
 | 1 | `left`, `right` | |
+| 2 | `roomy` | |
 
 `left` -> `right`
+
+| Folder | Rooms, lowest first |
+|---|---|
+| `roomy` | `cellar`, `hall`, `hall/attic` |
 """
 
 
@@ -58,6 +63,22 @@ class CheckLayers(unittest.TestCase):
     def test_a_folder_outside_the_table_is_refused(self):
         status, said = self.check({"extra/a.h": []})
         self.assertEqual((status, said), (1, "extra/a.h: the folder extra has no level in ARCHITECTURE.md\n"))
+
+    def test_a_room_includes_itself_and_the_rooms_before_it(self):
+        status, said = self.check({"roomy/cellar/a.h": [], "roomy/hall/b.h": ["roomy/cellar/a.h"],
+                                   "roomy/hall/attic/c.cpp": ["roomy/hall/b.h", "roomy/cellar/a.h", "base/d.h"]})
+        self.assertEqual((status, said), (0, "layers: 2 files keep to the table\n"))
+
+    def test_a_room_that_includes_a_later_one_is_refused(self):
+        status, said = self.check({"roomy/hall/b.h": ["roomy/hall/attic/c.h"], "roomy/hall/attic/c.h": []})
+        self.assertEqual((status, said), (1, 'roomy/hall/b.h: the room hall may not include "roomy/hall/attic/c.h", '
+                                             "a room further up\n"))
+
+    def test_a_file_outside_the_rooms_of_its_folder_is_refused(self):
+        status, said = self.check({"roomy/a.h": [], "roomy/shed/b.h": []})
+        self.assertEqual((status, said), (1, "roomy/a.h: roomy has no room for files outside its rooms in "
+                                             "ARCHITECTURE.md\nroomy/shed/b.h: roomy has no room shed in "
+                                             "ARCHITECTURE.md\n"))
 
 
 if __name__ == "__main__":

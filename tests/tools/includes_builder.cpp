@@ -1,5 +1,5 @@
 // Compiled as a file of tags: with KORVANE_WRONG it includes a folder above it and must fail.
-#include "store/session.h"
+#include "store/shop/session.h"
 #ifdef KORVANE_WRONG
-#include "builder/make_pages.h"
+#include "builder/run/make_pages.h"
 #endif

@@ -1,5 +1,5 @@
 // Compiled as a file of platform: with KORVANE_WRONG it includes a folder above it and must fail.
-#include "platform/user_port.h"
+#include "platform/ports/user_port.h"
 #ifdef KORVANE_WRONG
-#include "store/session.h"
+#include "store/shop/session.h"
 #endif

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "packed_text.h"
-#include "platform/files.h"
-#include "platform/text.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

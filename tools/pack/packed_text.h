@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/result.h"
+#include "platform/ports/result.h"
 
 namespace kv {
 

@@ -9,10 +9,10 @@
 #include <QIcon>
 #include <iostream>
 
-#include "platform/frm_dialog.h"
+#include "platform/qt/frm_dialog.h"
 #include "scenes.h"
-#include "shell/frm_appearance.h"
-#include "shell/frm_program.h"
+#include "shell/program/frm_program.h"
+#include "shell/window/frm_appearance.h"
 
 namespace {
 

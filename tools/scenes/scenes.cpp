@@ -14,9 +14,9 @@
 #include <QToolButton>
 #include <array>
 
-#include "platform/frm_dialog.h"
-#include "shell/frm_about.h"
-#include "shell/frm_avviso.h"
+#include "platform/qt/frm_dialog.h"
+#include "shell/dialogs/frm_about.h"
+#include "shell/dialogs/frm_avviso.h"
 
 namespace kv::scenes {
 namespace {

@@ -10,11 +10,11 @@
 #include <algorithm>
 #include <iostream>
 
-#include "platform/frm_dialog.h"
-#include "shell/frm_dialogs.h"
-#include "shell/frm_program.h"
-#include "store/server_path.h"
-#include "store/session_start.h"
+#include "platform/qt/frm_dialog.h"
+#include "shell/program/frm_dialogs.h"
+#include "shell/program/frm_program.h"
+#include "store/shop/server_path.h"
+#include "store/shop/session_start.h"
 
 namespace kv::scenes {
 namespace {

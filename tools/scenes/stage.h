@@ -8,10 +8,10 @@
 #include <memory>
 #include <string>
 
-#include "platform/clock.h"
-#include "platform/frm_user.h"
-#include "platform/settings.h"
-#include "shell/frm_main.h"
+#include "platform/files/settings.h"
+#include "platform/ports/clock.h"
+#include "platform/qt/frm_user.h"
+#include "shell/window/frm_main.h"
 
 namespace kv::scenes {
 

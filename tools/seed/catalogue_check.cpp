@@ -3,9 +3,9 @@
 
 #include <array>
 
-#include "platform/files.h"
-#include "platform/image.h"
-#include "store/schema.h"
+#include "platform/files/files.h"
+#include "platform/image/image.h"
+#include "store/schema/schema.h"
 
 namespace kv {
 namespace {

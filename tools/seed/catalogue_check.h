@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/result.h"
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/ports/result.h"
 
 namespace kv {
 

@@ -1,15 +1,16 @@
 // Rows go in through record sets, so that the widths and types of the columns are checked by the store.
 #include "catalogue_seeder.h"
+#include "platform/database/recordset.h"
 
 #include <array>
 #include <charconv>
 #include <cstdio>
 #include <optional>
 
-#include "platform/files.h"
-#include "platform/image.h"
-#include "platform/text.h"
-#include "store/schema.h"
+#include "platform/files/files.h"
+#include "platform/image/image.h"
+#include "platform/text/text.h"
+#include "store/schema/schema.h"
 
 namespace kv {
 namespace {

@@ -14,8 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/result.h"
-#include "platform/store.h"
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
+#include "platform/database/value.h"
+#include "platform/ports/result.h"
 #include "seed_file.h"
 
 namespace kv {

@@ -11,9 +11,9 @@
 
 #include "catalogue_check.h"
 #include "catalogue_seeder.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "seed_file.h"
-#include "store/schema.h"
+#include "store/schema/schema.h"
 
 namespace {
 

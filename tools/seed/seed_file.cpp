@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <map>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {

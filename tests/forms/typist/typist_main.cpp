@@ -15,10 +15,10 @@
 #include <random>
 #include <string>
 
-#include "platform/frm_dialog.h"
-#include "shell/frm_main.h"
-#include "shell/frm_program.h"
-#include "shell/installed_data.h"
+#include "platform/qt/frm_dialog.h"
+#include "shell/program/frm_program.h"
+#include "shell/program/installed_data.h"
+#include "shell/window/frm_main.h"
 
 namespace {
 

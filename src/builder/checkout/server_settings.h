@@ -1,0 +1,35 @@
+#pragma once
+// What differs from shop to shop in the scripts of the server: PHP settings, addresses, accounts, mail texts. Most of
+// it stands in columns of the page tag row, from where the tags of the scripts take it.
+
+#include <string>
+#include <string_view>
+
+#include "builder/page/page_tags.h"
+#include "builder/values/currency_form.h"
+#include "builder/values/field_row.h"
+
+namespace kv {
+
+/// The settings block `php_globals`, the same on every page: one PHP assignment per line (CR LF). `factor` is the
+/// fattore di negozio (shop factor); the two marks are pictures of the template folder.
+std::string phpGlobals(const FieldRow& generale, const CurrencyForm& form, float factor,
+                       const std::string& templateFolder);
+
+/// The department lines `php_vars`: they load the department's factors and send a visitor whose listino is closed to
+/// the login page.
+std::string phpVars(std::string_view department);
+
+/// What the server's columns are made of, for one language.
+struct ServerTags {
+  const FieldRow& generale;  ///< in the language view
+  std::string_view lingua;   ///< language suffix
+  std::string_view pageExtension;
+  const std::string& currencyLabel;  ///< primary
+  const std::string& phpGlobals;
+};
+
+/// Fills the server's columns, which are the same on all pages of a language.
+void fillServerTags(PageTagRow& row, const ServerTags& tags);
+
+}  // namespace kv

@@ -1,0 +1,28 @@
+#pragma once
+// The list of files that a build has produced, `kvftp.dat`: the publish run goes by it, and its presence tells that the
+// shop has been built. It is gathered in memory and written when the run ends.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/ports/result.h"
+
+namespace kv {
+
+class FileList {
+ public:
+  /// Enters one path: a line of "#" and the path.
+  void add(std::string_view path);
+  /// Enters the line that closes the list.
+  void close();
+  std::size_t size() const { return count_; }
+  /// Replaces the file at `path` with what was entered so far.
+  Result<> write(const std::string& path) const;
+
+ private:
+  std::string text_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace kv

@@ -1,0 +1,17 @@
+#include "builder/values/field_row.h"
+
+#include "platform/text/text.h"
+
+namespace kv {
+
+FieldRow::FieldRow(const Statement& row) {
+  for (int i = 0; i < row.columnCount(); ++i) fields_.try_emplace(foldCase(row.columnName(i)), row.value(i));
+}
+
+const Value& FieldRow::value(std::string_view column) const {
+  static const Value null = Null{};
+  const auto found = fields_.find(foldCase(column));
+  return found == fields_.end() ? null : found->second;
+}
+
+}  // namespace kv

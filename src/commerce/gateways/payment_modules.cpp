@@ -1,0 +1,91 @@
+#include "commerce/gateways/payment_modules.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view codeFolder = "code";
+constexpr std::string_view descriptorExtension = ".kpg";
+constexpr std::string_view scriptExtension = ".php";
+
+bool isBlank(std::string_view name) { return trim(name).empty(); }
+
+// An entry of a listing is always inside its folder, so a name with a separator in it finds nothing.
+std::optional<std::string> codeEntry(const std::string& shopFolder, std::string_view name) {
+  return findEntry(joinPath(shopFolder, codeFolder), name);
+}
+
+bool isPlainName(std::string_view name) { return name.find_first_of("/\\") == std::string_view::npos; }
+
+}  // namespace
+
+std::vector<ModuleSetting> parseModuleSettings(std::string_view text) {
+  std::vector<ModuleSetting> settings;
+  for (const std::string_view line : splitLines(text)) {
+    const auto equals = line.find('=');
+    if (equals != std::string_view::npos) settings.emplace_back(line.substr(0, equals), line.substr(equals + 1));
+  }
+  return settings;
+}
+
+std::vector<ModuleSetting> moduleSettings(const std::string& shopFolder, std::string_view name) {
+  if (isBlank(name)) return {};
+  const auto folder = codeEntry(shopFolder, name);
+  if (!folder) return {};
+  const auto file = findEntry(*folder, "conf.ini");
+  if (!file) return {};
+  const auto text = readText(*file);
+  return text ? parseModuleSettings(*text) : std::vector<ModuleSetting>();
+}
+
+std::string ReadKpg(const std::string& shopFolder, std::string_view name) {
+  if (isBlank(name)) return {};
+  const auto file = codeEntry(shopFolder, std::string(name).append(descriptorExtension));
+  if (file) {
+    if (auto text = readText(*file)) return std::move(*text);
+  }
+  return std::string(unreadableDescriptor);
+}
+
+std::string ReadKpgAction(const std::string& shopFolder, std::string_view name, std::string_view lingua) {
+  const auto settings = moduleSettings(shopFolder, name);
+  const auto action = std::find_if(settings.begin(), settings.end(), [](const ModuleSetting& setting) {
+    return setting.first == "php(default)" || setting.first == "action";
+  });
+  return action == settings.end() ? std::string() : action->second + std::string(lingua).append(scriptExtension);
+}
+
+std::vector<ModuleScript> moduleScripts(const std::string& shopFolder, std::string_view name) {
+  std::vector<ModuleScript> scripts;
+  const auto folder = codeEntry(shopFolder, name);
+  for (const auto& [key, value] : moduleSettings(shopFolder, name)) {
+    if (key != "php(default)" && key != "php" && key != "php(sel)") continue;
+    const std::string file = value + std::string(scriptExtension);
+    const bool usable = isPlainName(value);
+    const auto entry = usable ? findEntry(*folder, file) : std::nullopt;
+    scripts.push_back({value, entry ? *entry : joinPath(*folder, file), usable});
+  }
+  return scripts;
+}
+
+void CompletaGateway(const std::string& shopFolder, const std::string& applicationFolder) {
+  const std::string shipped = joinPath(applicationFolder, "new/code");
+  const std::string code = joinPath(shopFolder, codeFolder);
+  for (const std::string_view name : paymentModules) {
+    const auto present = codeEntry(shopFolder, name);
+    if (present && !listFiles(*present, "*.*").empty()) continue;
+    const std::string from = joinPath(shipped, name);
+    if (!folderExists(from)) continue;
+    const std::string descriptor = std::string(name).append(descriptorExtension);
+    if (!createFolders(code) || !copyTree(from, present.value_or(joinPath(code, name)))) continue;
+    static_cast<void>(copyFile(joinPath(shipped, descriptor), joinPath(code, descriptor)));
+  }
+}
+
+}  // namespace kv

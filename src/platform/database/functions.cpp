@@ -1,0 +1,75 @@
+// Comparison and LIKE of the store's connections. Both stand in for parts of the engine under the engine's own names,
+// so that a file opens in any SQLite program. The price: an index over text beyond ASCII is ordered by this NOCASE,
+// and a program with the engine's own NOCASE must REINDEX before it trusts such an index, as this one must after it.
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/database/engine.h"
+#include "platform/text/text.h"
+
+namespace kv::engine {
+namespace {
+
+constexpr unsigned char lowered(unsigned char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + ('a' - 'A')) : c;
+}
+
+/// Compares while both texts are ASCII and leaves the rest, from the first other letter on, to the slow way.
+int compareNoCase(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
+  const std::string_view textA(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
+  const std::string_view textB(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
+  const std::size_t shorter = std::min(textA.size(), textB.size());
+  for (std::size_t at = 0; at < shorter; ++at) {
+    const auto left = static_cast<unsigned char>(textA[at]);
+    const auto right = static_cast<unsigned char>(textB[at]);
+    if ((left | right) >= 0x80) return compareIgnoringCase(textA.substr(at), textB.substr(at));
+    const int difference = int{lowered(left)} - int{lowered(right)};
+    if (difference != 0) return difference;
+  }
+  if (textA.size() == textB.size()) return 0;
+  return textA.size() < textB.size() ? -1 : 1;
+}
+
+std::string_view textOf(sqlite3_value* value) {
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+/// "text LIKE pattern" arrives as like(pattern, text). A null on either side gives null.
+void like(sqlite3_context* context, int, sqlite3_value** arguments) noexcept {
+  if (sqlite3_value_type(arguments[0]) == SQLITE_NULL || sqlite3_value_type(arguments[1]) == SQLITE_NULL) return;
+  sqlite3_result_int(context, matchesLike(textOf(arguments[1]), textOf(arguments[0])) ? 1 : 0);
+}
+
+void countUndone(void* counter) noexcept { ++*static_cast<std::int64_t*>(counter); }
+
+/// The connection's count of rollbacks. The engine hands it out only in exchange for another.
+std::int64_t* undoneCounter(sqlite3* handle) {
+  void* counter = sqlite3_rollback_hook(handle, countUndone, nullptr);
+  sqlite3_rollback_hook(handle, counter == nullptr ? nullptr : countUndone, counter);
+  return static_cast<std::int64_t*>(counter);
+}
+
+}  // namespace
+
+std::int64_t changeStamp(sqlite3* handle) {
+  const std::int64_t* undone = undoneCounter(handle);
+  return sqlite3_total_changes64(handle) + (undone == nullptr ? 0 : *undone);
+}
+
+void noteUndone(sqlite3* handle) {
+  if (std::int64_t* undone = undoneCounter(handle)) ++*undone;
+}
+
+int addFunctions(sqlite3* handle) {
+  const int code = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase, nullptr);
+  if (code != SQLITE_OK) return code;
+  auto* undone = new std::int64_t(0);  // goes with the function below
+  sqlite3_rollback_hook(handle, countUndone, undone);
+  return sqlite3_create_function_v2(handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, undone,
+                                    like, nullptr, nullptr,
+                                    [](void* counter) { delete static_cast<std::int64_t*>(counter); });
+}
+
+}  // namespace kv::engine

@@ -1,0 +1,74 @@
+// The cursor of a record set and the fields of its current row.
+
+#include "platform/database/recordset.h"
+#include "platform/database/recordset_state.h"
+
+namespace kv {
+
+Recordset::Recordset(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Recordset::Recordset(Recordset&&) noexcept = default;
+Recordset& Recordset::operator=(Recordset&&) noexcept = default;
+Recordset::~Recordset() = default;
+
+std::size_t Recordset::size() const { return state_->keys.size(); }
+bool Recordset::bof() const { return state_->keys.empty() || state_->cursor < 0; }
+bool Recordset::eof() const { return state_->cursor >= static_cast<std::ptrdiff_t>(state_->keys.size()); }
+
+std::size_t Recordset::position() const {
+  return state_->onRow() ? static_cast<std::size_t>(state_->cursor) : state_->keys.size();
+}
+
+void Recordset::State::moveTo(std::ptrdiff_t place) {
+  endDraft();
+  const auto end = static_cast<std::ptrdiff_t>(keys.size());
+  cursor = place < -1 ? -1 : std::min(place, end);
+  if (end == 0) cursor = 0;
+  rowAt = -2;
+}
+
+void Recordset::moveFirst() { state_->moveTo(0); }
+void Recordset::moveLast() { state_->moveTo(static_cast<std::ptrdiff_t>(state_->keys.size()) - 1); }
+void Recordset::moveNext() { state_->moveTo(state_->cursor + 1); }
+void Recordset::movePrevious() { state_->moveTo(state_->cursor - 1); }
+
+void Recordset::moveTo(std::size_t position) {
+  state_->moveTo(static_cast<std::ptrdiff_t>(std::min(position, state_->keys.size())));
+}
+
+const std::vector<ColumnInfo>& Recordset::columns() const { return state_->columns; }
+
+int Recordset::columnIndex(std::string_view name) const {
+  const auto place = state_->places.find(name);
+  return place == state_->places.end() ? -1 : static_cast<int>(place->second);
+}
+
+/// A field of the current row as it stands in the table. The row is read again after anything was written through
+/// this connection; a row that is gone reads as Null.
+const Value& Recordset::State::field(std::size_t column) {
+  const std::int64_t stamp = engine::changeStamp(rowsHandle());
+  if (rowAt != cursor || rowStamp != stamp) {
+    rowFields.assign(columns.size(), Null{});
+    fetch.bind(1, key());
+    const auto found = fetch.step();
+    if (found && *found) {
+      for (std::size_t each = 0; each < rowFields.size(); ++each) rowFields[each] = fetch.value(static_cast<int>(each));
+    }
+    fetch.reset();
+    rowAt = cursor;
+    rowStamp = stamp;
+  }
+  return rowFields[column];
+}
+
+Value Recordset::get(std::string_view column) const {
+  const int at = columnIndex(column);
+  if (at < 0) return Null{};
+  const auto place = static_cast<std::size_t>(at);
+  if (state_->draft != State::Draft::None && state_->drafted[place]) return *state_->drafted[place];
+  if (state_->draft == State::Draft::Add || !state_->onRow()) return Null{};
+  return state_->field(place);
+}
+
+Result<> Recordset::requery() { return state_->readKeys(); }
+
+}  // namespace kv

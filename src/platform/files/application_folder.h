@@ -1,0 +1,26 @@
+#pragma once
+// The application folder is per user, because the system writes into it: it is filled from the installed data at
+// the first start, and a later release adds what is new and renews a shipped file unless the merchant changed it.
+
+#include <string>
+
+#include "platform/ports/result.h"
+
+namespace kv {
+
+/// $XDG_DATA_HOME/korvane, else ~/.local/share/korvane.
+std::string userApplicationFolder();
+
+struct ApplicationUpdate {
+  int added = 0;    ///< files that weren't there
+  int renewed = 0;  ///< files the merchant had left as shipped
+  int kept = 0;     ///< files changed (or deleted) by the merchant, left alone
+};
+
+/// Brings `folder` up to the installed data in `installed`. The list "installed.lst" in `folder` holds the SHA-256
+/// and the path of every file as it was shipped; a file whose digest differs from it belongs to the merchant and
+/// stays, and so does the absence of one that was shipped before. `folder` is created when missing. The list is
+/// written last, so that an interrupted update is done again. A second call with nothing new copies nothing.
+Result<ApplicationUpdate> prepareApplicationFolder(const std::string& installed, const std::string& folder);
+
+}  // namespace kv

@@ -1,0 +1,156 @@
+#include "platform/files/file_access.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+#include <system_error>
+
+#include "platform/files/files.h"
+#include "platform/ports/clock.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view unfinishedMark = ".kvtmp";
+constexpr std::size_t unfinishedLetters = 8;
+
+ErrorKind kindOf(int number) {
+  switch (number) {
+    case ENOENT:
+    case ENOTDIR:
+      return ErrorKind::Missing;
+    case EEXIST:
+      return ErrorKind::Exists;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return ErrorKind::ReadOnly;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return ErrorKind::Full;
+    case EBUSY:
+    case ETXTBSY:
+      return ErrorKind::InUse;
+    default:
+      return ErrorKind::Other;
+  }
+}
+
+// ".<name>.kvtmp" and eight random letters from a to p; a long name is cut, since 255 bytes are the limit of most file
+// systems.
+std::string unfinishedPath(const std::string& target) {
+  constexpr std::size_t longestKept = 200;
+  std::string name = "." + std::string(baseName(target).substr(0, longestKept)) + std::string(unfinishedMark);
+  std::uint32_t chance = systemRandom().below(std::numeric_limits<std::uint32_t>::max());
+  for (std::size_t i = 0; i < unfinishedLetters; ++i, chance /= 16) name += static_cast<char>('a' + chance % 16);
+  return joinPath(folderOf(target), name);
+}
+
+// A link is written through: the file it leads to is replaced, not the link.
+std::string behindLinks(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+  char* const resolved = ::realpath(path.c_str(), nullptr);
+  if (resolved == nullptr) return path;
+  std::string target = resolved;
+  std::free(resolved);
+  return target;
+}
+
+// Owner first, since a change of owner may take permission bits away. An owner that may not be given stays ours.
+int takeOver(int descriptor, const struct stat& old) {
+  if (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) {
+    [[maybe_unused]] const int given = ::fchown(descriptor, old.st_uid, old.st_gid);
+  }
+  return ::fchmod(descriptor, old.st_mode & 07777U) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+tl::unexpected<Error> systemFailure(int number, const std::string& where) {
+  return fail(kindOf(number), where, std::generic_category().message(number), number);
+}
+
+Descriptor::~Descriptor() { close(); }
+
+int Descriptor::close() {
+  if (number_ < 0) return 0;
+  // After EINTR the descriptor is closed all the same (Linux), so there is no second try.
+  return ::close(std::exchange(number_, -1)) == 0 || errno == EINTR ? 0 : errno;
+}
+
+bool mayWrite(const std::string& path, const struct stat& status) {
+  return (status.st_mode & S_IWUSR) != 0 && ::access(path.c_str(), W_OK) == 0;
+}
+
+Result<> requireWritableFolderOf(const std::string& path) {
+  std::string folder(folderOf(path));
+  if (folder.empty()) folder = ".";
+  struct stat status {};
+  if (::stat(folder.c_str(), &status) != 0) return {};
+  if (!mayWrite(folder, status)) return systemFailure(EACCES, path);
+  return {};
+}
+
+bool isUnfinishedName(std::string_view name) {
+  if (!name.starts_with('.') || name.size() <= unfinishedMark.size() + unfinishedLetters) return false;
+  const std::string_view end = name.substr(name.size() - unfinishedMark.size() - unfinishedLetters);
+  return end.starts_with(unfinishedMark) && end.find('.', 1) == std::string_view::npos;
+}
+
+Replacement::Replacement(Descriptor descriptor, std::string temporary, std::string target)
+    : descriptor_(std::move(descriptor)), temporary_(std::move(temporary)), target_(std::move(target)) {}
+
+Replacement::Replacement(Replacement&& other) noexcept
+    : descriptor_(std::move(other.descriptor_)),
+      temporary_(std::exchange(other.temporary_, {})),
+      target_(std::move(other.target_)) {}
+
+Replacement::~Replacement() {
+  if (!temporary_.empty()) ::unlink(temporary_.c_str());
+}
+
+Result<Replacement> Replacement::begin(const std::string& path, mode_t mode) {
+  const std::string target = behindLinks(path);
+  struct stat old {};
+  const bool replaces = ::stat(target.c_str(), &old) == 0;
+  if (replaces && S_ISDIR(old.st_mode)) return systemFailure(EISDIR, path);
+  if (replaces && !mayWrite(target, old)) return systemFailure(EACCES, path);
+  if (auto writable = requireWritableFolderOf(target); !writable) return fail(writable.error());
+  std::string temporary = unfinishedPath(target);
+  Descriptor descriptor(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+  if (!descriptor.isOpen()) return systemFailure(errno, path);
+  Replacement replacement(std::move(descriptor), std::move(temporary), target);
+  const int number = replaces ? takeOver(replacement.descriptor_.number(), old) : 0;
+  if (number != 0) return systemFailure(number, path);
+  return replacement;
+}
+
+Result<> Replacement::write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_.number(), bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return systemFailure(errno, target_);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return {};
+}
+
+void Replacement::keepTime(const struct stat& status) {
+  const timespec times[] = {status.st_atim, status.st_mtim};
+  // A file system that keeps no times is no reason to lose the copy.
+  static_cast<void>(::futimens(descriptor_.number(), times));
+}
+
+Result<> Replacement::commit() {
+  if (const int number = descriptor_.close(); number != 0) return systemFailure(number, target_);
+  if (::rename(temporary_.c_str(), target_.c_str()) != 0) return systemFailure(errno, target_);
+  temporary_.clear();
+  return {};
+}
+
+}  // namespace kv

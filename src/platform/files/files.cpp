@@ -1,0 +1,213 @@
+#include "platform/files/files.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+#include "platform/files/file_access.h"
+#include "platform/text/text.h"
+#include "platform/text/utf8.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t copyPiece = std::size_t{256} * 1024;
+constexpr mode_t newFileMode = 0666;
+constexpr mode_t newFolderMode = 0777;
+
+struct OpenedFile {
+  Descriptor descriptor;
+  struct stat status;
+};
+
+// Without O_NONBLOCK a pipe put where a file should be would hang the program.
+Result<OpenedFile> openToRead(const std::string& path) {
+  OpenedFile file{Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), {}};
+  if (!file.descriptor.isOpen()) return systemFailure(errno, path);
+  if (::fstat(file.descriptor.number(), &file.status) != 0) return systemFailure(errno, path);
+  if (S_ISDIR(file.status.st_mode)) return systemFailure(EISDIR, path);
+  if (!S_ISREG(file.status.st_mode)) return fail(ErrorKind::Other, path, "Not a regular file");
+  return file;
+}
+
+// Reads up to buffer.size() bytes: the count, 0 at the end.
+Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::size_t size, const std::string& path) {
+  for (;;) {
+    const ssize_t count = ::read(descriptor.number(), buffer, size);
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) return systemFailure(errno, path);
+  }
+}
+
+bool hasKind(const std::string& path, mode_t kind) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == kind;
+}
+
+}  // namespace
+
+Result<std::string> readBytes(const std::string& path) {
+  auto file = openToRead(path);
+  if (!file) return fail(file.error());
+  std::string bytes;
+  std::size_t filled = 0;
+  // One byte more than the size, so that the end shows itself without another round.
+  bytes.resize(static_cast<std::size_t>(file->status.st_size) + 1);
+  for (;;) {
+    const auto count = readPiece(file->descriptor, bytes.data() + filled, bytes.size() - filled, path);
+    if (!count) return fail(count.error());
+    filled += *count;
+    if (*count == 0) break;
+    if (filled == bytes.size()) bytes.resize(bytes.size() + copyPiece);
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+Result<std::string> readStart(const std::string& path, std::size_t limit) {
+  auto file = openToRead(path);
+  if (!file) return fail(file.error());
+  std::string bytes(limit, '\0');
+  std::size_t filled = 0;
+  while (filled < limit) {
+    const auto count = readPiece(file->descriptor, bytes.data() + filled, limit - filled, path);
+    if (!count) return fail(count.error());
+    if (*count == 0) break;
+    filled += *count;
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+Result<> writeBytes(const std::string& path, std::string_view bytes) {
+  auto replacement = Replacement::begin(path, newFileMode);
+  if (!replacement) return fail(replacement.error());
+  if (auto written = replacement->write(bytes); !written) return written;
+  return replacement->commit();
+}
+
+Result<std::string> readText(const std::string& path) {
+  auto bytes = readBytes(path);
+  if (!bytes || utf8::endOfAscii(*bytes, 0) == bytes->size()) return bytes;
+  return fromWindows1252(*bytes);
+}
+
+Result<> writeText(const std::string& path, std::string_view text) {
+  if (utf8::endOfAscii(text, 0) == text.size()) return writeBytes(path, text);
+  return writeBytes(path, toWindows1252(text));
+}
+
+std::string absolutePath(const std::string& path) {
+  if (path.empty()) return path;
+  std::error_code error;
+  const auto full = std::filesystem::absolute(path, error);
+  std::string text = (error ? std::filesystem::path(path) : full).lexically_normal().string();
+  while (text.size() > 1 && text.back() == '/') text.pop_back();
+  return text;
+}
+
+bool fileExists(const std::string& path) { return hasKind(path, S_IFREG); }
+bool folderExists(const std::string& path) { return hasKind(path, S_IFDIR); }
+
+Result<FileStamp> fileStamp(const std::string& path) {
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  const std::int64_t seconds = status.st_mtim.tv_sec;
+  return FileStamp{static_cast<std::uint64_t>(status.st_size), seconds * nanoseconds + status.st_mtim.tv_nsec};
+}
+
+Result<> createFolder(const std::string& path) {
+  if (folderExists(path)) return {};
+  if (auto writable = requireWritableFolderOf(path); !writable) return writable;
+  if (::mkdir(path.c_str(), newFolderMode) == 0) return {};
+  const int number = errno;
+  // Another process may have been quicker.
+  if (number == EEXIST && folderExists(path)) return {};
+  return systemFailure(number, path);
+}
+
+Result<> createFolders(const std::string& path) {
+  if (path.empty() || folderExists(path)) return {};
+  if (path.ends_with('/')) return createFolders(path.substr(0, path.size() - 1));
+  if (auto parents = createFolders(std::string(folderOf(path))); !parents) return parents;
+  return createFolder(path);
+}
+
+Result<> deleteFile(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  if (S_ISDIR(status.st_mode)) return systemFailure(EISDIR, path);
+  if (auto writable = requireWritableFolderOf(path); !writable) return writable;
+  if (::unlink(path.c_str()) != 0) return systemFailure(errno, path);
+  return {};
+}
+
+Result<> removeFolder(const std::string& path) {
+  // EEXIST and ENOTEMPTY both say that the folder isn't empty; Exists would tell the caller something else.
+  if (!folderExists(path)) return systemFailure(ENOENT, path);
+  if (auto writable = requireWritableFolderOf(path); !writable) return writable;
+  if (::rmdir(path.c_str()) != 0) return systemFailure(errno == EEXIST ? ENOTEMPTY : errno, path);
+  return {};
+}
+
+Result<> renameFile(const std::string& from, const std::string& to) {
+  struct stat status {};
+  if (::lstat(from.c_str(), &status) != 0) return systemFailure(errno, from);
+  for (const std::string& path : {from, to}) {
+    if (auto writable = requireWritableFolderOf(path); !writable) return writable;
+  }
+  if (::rename(from.c_str(), to.c_str()) != 0) return systemFailure(errno, to);
+  return {};
+}
+
+Result<> copyFile(const std::string& from, const std::string& to) {
+  auto source = openToRead(from);
+  if (!source) return fail(source.error());
+  struct stat target {};
+  const bool isSame = ::stat(to.c_str(), &target) == 0 && target.st_dev == source->status.st_dev &&
+                      target.st_ino == source->status.st_ino;
+  if (isSame) return {};
+  auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR);
+  if (!replacement) return fail(replacement.error());
+  std::string buffer(copyPiece, '\0');
+  for (;;) {
+    const auto count = readPiece(source->descriptor, buffer.data(), buffer.size(), from);
+    if (!count) return fail(count.error());
+    if (*count == 0) {
+      replacement->keepTime(source->status);
+      return replacement->commit();
+    }
+    if (auto written = replacement->write({buffer.data(), *count}); !written) return written;
+  }
+}
+
+std::string joinPath(std::string_view folder, std::string_view name) {
+  if (folder.empty()) return std::string(name);
+  if (name.empty()) return std::string(folder);
+  std::string path(folder);
+  if (!path.ends_with('/')) path += '/';
+  path += name.starts_with('/') ? name.substr(1) : name;
+  return path;
+}
+
+std::string_view baseName(std::string_view path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+std::string_view folderOf(std::string_view path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string_view::npos) return {};
+  return path.substr(0, slash == 0 ? 1 : slash);
+}
+
+bool isRoot(std::string_view path) {
+  if (!path.empty() && path.find_first_not_of('/') == std::string_view::npos) return true;
+  return matchesWildcard(path, "?:/") || matchesWildcard(path, "?:\\");
+}
+
+}  // namespace kv

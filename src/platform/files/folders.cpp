@@ -1,0 +1,251 @@
+// Listings and whole trees; single files are in files.cpp.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/statvfs.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <memory>
+
+#include "platform/files/file_access.h"
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+enum class EntryKind { File, Folder, Other };
+
+struct Entry {
+  std::string name;
+  EntryKind kind = EntryKind::Other;
+};
+
+EntryKind kindOf(mode_t mode) {
+  if (S_ISREG(mode)) return EntryKind::File;
+  return S_ISDIR(mode) ? EntryKind::Folder : EntryKind::Other;
+}
+
+// What a directory entry is, behind links; most file systems tell it without another look.
+Entry entryOf(const std::string& folder, const dirent& found) {
+  Entry entry{found.d_name, EntryKind::Other};
+  if (found.d_type == DT_REG) {
+    entry.kind = EntryKind::File;
+  } else if (found.d_type == DT_DIR) {
+    entry.kind = EntryKind::Folder;
+  } else if (found.d_type == DT_LNK || found.d_type == DT_UNKNOWN) {
+    struct stat status {};
+    if (::stat(joinPath(folder, entry.name).c_str(), &status) == 0) entry.kind = kindOf(status.st_mode);
+  }
+  return entry;
+}
+
+// All entries but "." and "..", sorted by lower-cased name; equal ones by the name itself.
+Result<std::vector<Entry>> entriesOf(const std::string& folder) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir(folder.c_str()), ::closedir);
+  if (!open) return systemFailure(errno, folder);
+  std::vector<std::pair<std::string, Entry>> sorted;
+  for (;;) {
+    errno = 0;
+    const dirent* const found = ::readdir(open.get());
+    if (found == nullptr) break;
+    const std::string_view name = found->d_name;
+    if (name == "." || name == "..") continue;
+    sorted.emplace_back(foldCase(name), entryOf(folder, *found));
+  }
+  if (errno != 0) return systemFailure(errno, folder);
+  std::sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) {
+    return a.first != b.first ? a.first < b.first : a.second.name < b.second.name;
+  });
+  std::vector<Entry> entries;
+  entries.reserve(sorted.size());
+  for (auto& [folded, entry] : sorted) entries.push_back(std::move(entry));
+  return entries;
+}
+
+using FolderId = std::pair<dev_t, ino_t>;
+
+Result<FolderId> folderId(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  return FolderId{status.st_dev, status.st_ino};
+}
+
+// A tree as paths below its root, each folder before what it holds.
+struct TreeItem {
+  std::string path;
+  bool isFolder = false;
+};
+
+class TreeLister {
+ public:
+  explicit TreeLister(std::vector<FolderId> leftOut) : onTheWay_(std::move(leftOut)) {}
+
+  /// Appends what is below `root`/`below`. A folder that is left out, or that holds itself by a link, isn't entered.
+  Result<> list(const std::string& root, const std::string& below) {
+    const std::string folder = joinPath(root, below);
+    const auto id = folderId(folder);
+    if (!id) return fail(id.error());
+    onTheWay_.push_back(*id);
+    const auto entries = entriesOf(folder);
+    if (!entries) return fail(entries.error());
+    for (const Entry& entry : *entries) {
+      if (auto listed = add(root, joinPath(below, entry.name), entry); !listed) return listed;
+    }
+    onTheWay_.pop_back();
+    return {};
+  }
+  std::vector<TreeItem>& items() { return items_; }
+
+ private:
+  Result<> add(const std::string& root, const std::string& path, const Entry& entry) {
+    if (entry.kind == EntryKind::Other || isUnfinishedName(entry.name)) return {};
+    if (entry.kind == EntryKind::Folder) {
+      const auto id = folderId(joinPath(root, path));
+      if (!id) return fail(id.error());
+      if (std::find(onTheWay_.begin(), onTheWay_.end(), *id) != onTheWay_.end()) return {};
+    }
+    items_.push_back({path, entry.kind == EntryKind::Folder});
+    return entry.kind == EntryKind::Folder ? list(root, path) : Result<>{};
+  }
+
+  std::vector<FolderId> onTheWay_;
+  std::vector<TreeItem> items_;
+};
+
+// Where the items of a tree go: below `root`, under the names that stand there already, case ignored.
+class CopyTarget {
+ public:
+  explicit CopyTarget(std::string root) { folders_[""] = read(std::move(root)); }
+
+  std::string place(const std::string& path) {
+    const Known& parent = folders_[std::string(folderOf(path))];
+    const std::string name(baseName(path));
+    const auto hit = parent.names.find(foldCase(name));
+    const std::string exact = joinPath(parent.path, name);
+    const bool takesExact = hit == parent.names.end() || fileExists(exact) || folderExists(exact);
+    return takesExact ? exact : joinPath(parent.path, hit->second);
+  }
+  void entered(const std::string& path, std::string place) { folders_[path] = read(std::move(place)); }
+
+ private:
+  struct Known {
+    std::string path;
+    std::map<std::string, std::string> names;  // folded name -> name
+  };
+  static Known read(std::string path) {
+    Known known{std::move(path), {}};
+    if (const auto entries = entriesOf(known.path)) {
+      for (const Entry& entry : *entries) known.names.emplace(foldCase(entry.name), entry.name);
+    }
+    return known;
+  }
+  std::map<std::string, Known> folders_;
+};
+
+Result<> addOwnerWrite(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  if (S_ISLNK(status.st_mode) || (status.st_mode & S_IWUSR) != 0) return {};
+  if (::chmod(path.c_str(), (status.st_mode & 07777U) | S_IWUSR) != 0) return systemFailure(errno, path);
+  return {};
+}
+
+}  // namespace
+
+std::optional<std::string> findEntry(const std::string& folder, std::string_view name) {
+  if (name.empty() || name == "." || name == ".." || name.find('/') != std::string_view::npos) return std::nullopt;
+  std::string exact = joinPath(folder, name);
+  struct stat status {};
+  if (::lstat(exact.c_str(), &status) == 0) return exact;
+  const auto entries = entriesOf(folder);
+  if (!entries) return std::nullopt;
+  const std::string wanted = foldCase(name);
+  for (const Entry& entry : *entries) {
+    if (foldCase(entry.name) == wanted) return joinPath(folder, entry.name);
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string> listFiles(const std::string& folder, std::string_view pattern) {
+  std::vector<std::string> names;
+  auto entries = entriesOf(folder);
+  if (!entries) return names;
+  const bool every = pattern == "*.*";
+  for (Entry& entry : *entries) {
+    if (entry.kind != EntryKind::File || isUnfinishedName(entry.name)) continue;
+    if (every || matchesWildcard(entry.name, pattern)) names.push_back(std::move(entry.name));
+  }
+  return names;
+}
+
+std::vector<std::string> listFolders(const std::string& folder) {
+  std::vector<std::string> names;
+  auto entries = entriesOf(folder);
+  if (!entries) return names;
+  for (Entry& entry : *entries) {
+    if (entry.kind == EntryKind::Folder && !entry.name.starts_with('.')) names.push_back(std::move(entry.name));
+  }
+  return names;
+}
+
+Result<> copyTree(const std::string& from, const std::string& to) {
+  std::vector<FolderId> leftOut;
+  if (const auto target = folderId(to)) {
+    const auto source = folderId(from);
+    if (source && *source == *target) return {};
+    leftOut.push_back(*target);
+  }
+  TreeLister lister(std::move(leftOut));
+  if (auto listed = lister.list(from, ""); !listed) return listed;
+  if (auto created = createFolders(to); !created) return created;
+  CopyTarget target(to);
+  for (const TreeItem& item : lister.items()) {
+    if (!item.isFolder) continue;
+    const std::string place = target.place(item.path);
+    if (auto created = createFolder(place); !created) return created;
+    target.entered(item.path, place);
+  }
+  for (const TreeItem& item : lister.items()) {
+    if (item.isFolder) continue;
+    if (auto copied = copyFile(joinPath(from, item.path), target.place(item.path)); !copied) return copied;
+  }
+  return {};
+}
+
+Result<> emptyFolder(const std::string& path) {
+  const auto entries = entriesOf(path);
+  if (!entries) return fail(entries.error());
+  for (const Entry& entry : *entries) {
+    if (entry.kind == EntryKind::Folder) continue;
+    if (auto deleted = deleteFile(joinPath(path, entry.name)); !deleted) return deleted;
+  }
+  return {};
+}
+
+void removeUnfinishedFiles(const std::string& folder) {
+  const auto entries = entriesOf(folder);
+  if (!entries) return;
+  for (const Entry& entry : *entries) {
+    if (entry.kind == EntryKind::File && isUnfinishedName(entry.name)) {
+      static_cast<void>(deleteFile(joinPath(folder, entry.name)));
+    }
+  }
+}
+
+Result<> makeWritable(const std::string& path) {
+  struct statvfs disk {};
+  if (::statvfs(path.c_str(), &disk) == 0 && (disk.f_flag & ST_RDONLY) != 0) return systemFailure(EROFS, path);
+  if (auto changed = addOwnerWrite(path); !changed) return changed;
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return {};
+  const auto entries = entriesOf(path);
+  if (!entries) return fail(entries.error());
+  for (const Entry& entry : *entries) {
+    if (auto changed = makeWritable(joinPath(path, entry.name)); !changed) return changed;
+  }
+  return {};
+}
+
+}  // namespace kv

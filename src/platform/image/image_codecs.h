@@ -1,0 +1,18 @@
+#pragma once
+// The pictures that a library reads, by kind; image.h tells the kinds apart. For the sources of this folder.
+
+#include <string_view>
+
+#include "platform/image/image.h"
+
+namespace kv {
+
+/// The error of a picture that can't be read; `what` says why.
+inline tl::unexpected<Error> badPicture(const char* what) { return fail(ErrorKind::Malformed, "picture", what); }
+
+/// Each asks a whole file of its kind for its size, which is at least 1 by 1. Malformed when the library finds no size.
+Result<ImageSize> gifSize(std::string_view bytes);
+Result<ImageSize> jpegSize(std::string_view bytes);
+Result<ImageSize> pngSize(std::string_view bytes);
+
+}  // namespace kv

@@ -1,0 +1,62 @@
+#include "platform/numbers/money.h"
+
+#include <cmath>
+#include <limits>
+
+#include "platform/numbers/decimal.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+__extension__ using Wide = __int128;
+
+// value times 2 to the power -shift, a tie to the even number. Exact for |value| < 2^126.
+Wide shiftedHalfEven(Wide value, int shift) {
+  if (shift > 120) return 0;
+  const Wide unit = Wide{1} << shift;
+  Wide whole = value >> shift;  // rounds down, so the rest isn't negative
+  const Wide rest = value - whole * unit;
+  const Wide half = unit / 2;
+  if (rest > half || (rest == half && (whole & 1) != 0)) ++whole;
+  return whole;
+}
+
+}  // namespace
+
+std::optional<Money> Money::of(double value) {
+  constexpr double beyond = 1e15;  // more than the range; keeps the integers below small
+  if (!(std::abs(value) < beyond)) return std::nullopt;
+  int exponent = 0;
+  constexpr int bits = std::numeric_limits<double>::digits;
+  const auto mantissa = static_cast<std::int64_t>(std::ldexp(std::frexp(value, &exponent), bits));
+  // The value is mantissa * 2^(exponent - bits) to the last bit, and exponent is at most 50 here.
+  const Wide count = shiftedHalfEven(Wide{mantissa} * 10000, bits - exponent);
+  if (count > std::numeric_limits<std::int64_t>::max() || count < std::numeric_limits<std::int64_t>::min()) {
+    return std::nullopt;
+  }
+  return Money(static_cast<std::int64_t>(count));
+}
+
+std::optional<Money> Money::parse(std::string_view text) {
+  text = trim(text);
+  const ScannedNumber scanned = scanNumber(text, ".");
+  if (scanned.length == 0 || scanned.length != text.size()) return std::nullopt;
+  const std::optional<std::int64_t> count = toTenThousandths(scanned.number);
+  if (!count) return std::nullopt;
+  return Money(*count);
+}
+
+std::optional<Money> add(Money a, Money b) {
+  std::int64_t sum = 0;
+  if (__builtin_add_overflow(a.tenThousandths(), b.tenThousandths(), &sum)) return std::nullopt;
+  return Money::ofTenThousandths(sum);
+}
+
+std::optional<Money> multiplyThroughSingle(Money amount, float rate) {
+  const double product = amount.toDouble() * static_cast<double>(rate);
+  if (!(std::abs(product) <= static_cast<double>(std::numeric_limits<float>::max()))) return std::nullopt;
+  return Money::of(static_cast<double>(static_cast<float>(product)));
+}
+
+}  // namespace kv

@@ -1,0 +1,178 @@
+#include "platform/numbers/number_form.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/numbers/decimal.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+// Below ten to this power the plain form has an exponent, however few digits there are.
+constexpr int smallestPlainExponent = -4;
+
+std::string exponentForm(const Decimal& number) {
+  std::string text = number.digits.substr(0, 1);
+  if (number.digits.size() > 1) text += "." + number.digits.substr(1);
+  const int exponent = number.point - 1;
+  const std::string power = std::to_string(std::abs(exponent));
+  return text + (exponent < 0 ? "E-" : "E+") + (power.size() < 2 ? "0" : "") + power;
+}
+
+std::string pointForm(const Decimal& number) {
+  const int size = static_cast<int>(number.digits.size());
+  const auto zeros = [](int count) { return std::string(static_cast<std::size_t>(count), '0'); };
+  if (number.point <= 0) return "." + zeros(-number.point) + number.digits;
+  if (number.point >= size) return number.digits + zeros(number.point - size);
+  const auto split = static_cast<std::size_t>(number.point);
+  return number.digits.substr(0, split) + "." + number.digits.substr(split);
+}
+
+std::string withSign(const Decimal& number, const std::string& text) { return (number.negative ? "-" : " ") + text; }
+
+std::string exactForm(const Decimal& number) { return number.isZero() ? " 0" : withSign(number, pointForm(number)); }
+
+// The one place that decides where the exponent form begins.
+std::string plainForm(const Decimal& number, int significant) {
+  const int exponent = number.point - 1;
+  const int places = static_cast<int>(number.digits.size()) - number.point;
+  if (number.isZero()) return " 0";
+  const bool hasExponent = exponent >= significant || exponent < smallestPlainExponent || places > significant;
+  return withSign(number, hasExponent ? exponentForm(number) : pointForm(number));
+}
+
+bool isPlace(char c) { return c == '0' || c == '#'; }
+
+// A mask taken apart at its first point.
+struct Mask {
+  std::string_view whole, fraction;
+  bool hasPoint = false;
+  bool groups = false;  // a "," between two places of the whole part
+};
+
+Mask readMask(std::string_view text) {
+  Mask mask;
+  const std::size_t point = text.find('.');
+  mask.hasPoint = point != std::string_view::npos;
+  mask.whole = text.substr(0, point);
+  if (mask.hasPoint) mask.fraction = text.substr(point + 1);
+  const std::size_t first = mask.whole.find_first_of("0#"), last = mask.whole.find_last_of("0#");
+  const std::size_t comma = mask.whole.find(',', std::min(first, mask.whole.size()));
+  mask.groups = comma != std::string_view::npos && comma < last;
+  return mask;
+}
+
+int countPlaces(std::string_view part) { return static_cast<int>(std::count_if(part.begin(), part.end(), isPlace)); }
+
+// Digits are put from the right, so that a separator stands before every third one.
+class WholeDigits {
+ public:
+  WholeDigits(const Decimal& number, bool groups) : number_(number), groups_(groups) {}
+  bool left() const { return done_ < number_.point; }
+  void put(std::string& reversed) {
+    if (groups_ && done_ > 0 && done_ % 3 == 0) reversed += ',';
+    reversed += number_.digitAt(number_.point - 1 - done_);
+    ++done_;
+  }
+
+ private:
+  const Decimal& number_;
+  bool groups_;
+  int done_ = 0;
+};
+
+std::string wholeText(const Decimal& number, const Mask& mask) {
+  const std::string_view part = mask.whole;
+  const std::size_t firstPlace = part.find_first_of("0#");
+  const std::size_t firstZero = part.find('0');
+  WholeDigits digits(number, mask.groups);
+  std::string reversed;
+  if (firstPlace == std::string_view::npos) {
+    while (digits.left()) digits.put(reversed);
+  }
+  for (std::size_t i = part.size(); i-- > 0;) {
+    if (!isPlace(part[i])) {
+      if (part[i] != ',') reversed += part[i];
+      continue;
+    }
+    const bool forced = firstZero != std::string_view::npos && i >= firstZero;
+    if (digits.left() || forced) digits.put(reversed);
+    if (i != firstPlace) continue;
+    while (digits.left()) digits.put(reversed);
+  }
+  return {reversed.rbegin(), reversed.rend()};
+}
+
+std::string fractionText(const Decimal& number, std::string_view part) {
+  // Places up to the last "0" and to the last digit there is are written; a "#" behind both is nothing.
+  const std::size_t lastZero = part.rfind('0');
+  const int written = std::max(lastZero == std::string_view::npos ? 0 : countPlaces(part.substr(0, lastZero + 1)),
+                               static_cast<int>(number.digits.size()) - number.point);
+  std::string text;
+  int place = 0;
+  for (const char c : part) {
+    if (!isPlace(c)) {
+      text += c;
+    } else if (place++ < written) {
+      text += number.digitAt(number.point + place - 1);
+    }
+  }
+  return text;
+}
+
+std::string byMask(Decimal number, std::string_view maskText) {
+  const Mask mask = readMask(maskText);
+  if (countPlaces(maskText) == 0) return std::string(maskText);
+  roundTo(number, countPlaces(mask.fraction), Tie::AwayFromZero);
+  std::string text = number.negative ? "-" : "";
+  text += wholeText(number, mask);
+  if (mask.hasPoint) text += "." + fractionText(number, mask.fraction);
+  return text;
+}
+
+double rounded(double value, int decimals, Tie tie) {
+  if (!std::isfinite(value)) return value;
+  Decimal number = decimalOf(value);
+  const int places = static_cast<int>(number.digits.size()) - number.point;
+  if (places <= decimals) return value;  // all fifteen digits stay, so the number does
+  roundTo(number, decimals, tie);
+  return toDouble(number).value_or(value);
+}
+
+}  // namespace
+
+std::string plainNumber(std::int64_t value) { return exactForm(decimalOf(value, 0)); }
+std::string plainNumber(Money value) { return exactForm(decimalOf(value.tenThousandths(), 4)); }
+std::string plainNumber(float value) { return plainForm(decimalOf(value), 7); }
+std::string plainNumber(double value) { return plainForm(decimalOf(value), 15); }
+
+std::string formatNumber(std::int64_t value, std::string_view mask) { return byMask(decimalOf(value, 0), mask); }
+std::string formatNumber(Money value, std::string_view mask) {
+  return byMask(decimalOf(value.tenThousandths(), 4), mask);
+}
+std::string formatNumber(double value, std::string_view mask) { return byMask(decimalOf(value), mask); }
+
+bool isNumeric(std::string_view text) { return toNumber(text).has_value(); }
+
+std::optional<double> toNumber(std::string_view text) {
+  text = trim(text);
+  const ScannedNumber scanned = scanNumber(text, ".,");
+  if (scanned.length == 0 || scanned.length != text.size()) return std::nullopt;
+  return toDouble(scanned.number);
+}
+
+double leadingNumber(std::string_view text) {
+  std::string packed;
+  for (const char c : text) {
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
+    if (std::string_view("0123456789.+-Ee").find(c) == std::string_view::npos) break;
+    packed += c;
+  }
+  return toDouble(scanNumber(packed, ".").number).value_or(0.0);
+}
+
+double roundHalfEven(double value, int decimals) { return rounded(value, decimals, Tie::ToEven); }
+double roundHalfAway(double value, int decimals) { return rounded(value, decimals, Tie::AwayFromZero); }
+
+}  // namespace kv

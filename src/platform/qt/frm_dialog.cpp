@@ -1,0 +1,131 @@
+#include "platform/qt/frm_dialog.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTextDocument>
+#include <utility>
+
+namespace kv {
+
+QString toQt(std::string_view utf8) { return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())); }
+
+std::string fromQt(const QString& text) { return text.toStdString(); }
+
+std::string textOf(const QPlainTextEdit& field) {
+  QString text = field.document()->toRawText();
+  text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+  text.replace(QChar::LineSeparator, QLatin1Char('\n'));
+  return fromQt(text);
+}
+
+namespace {
+
+/// No pictures on the buttons, as in the message boxes: the words say it.
+QPushButton* plainButton(QDialogButtonBox& buttons, QDialogButtonBox::StandardButton which, std::string_view caption,
+                         std::string_view name) {
+  QPushButton* button = buttons.button(which);
+  button->setText(toQt(caption));
+  button->setIcon(QIcon());
+  return named(button, name);
+}
+
+}  // namespace
+
+FormDialog::FormDialog(std::string_view title, QWidget* parent) : QDialog(parent) { setWindowTitle(toQt(title)); }
+
+void FormDialog::finish(std::string tag) {
+  tag_ = std::move(tag);
+  done(tag_.empty() ? Rejected : Accepted);
+}
+
+void FormDialog::reject() {
+  tag_.clear();
+  QDialog::reject();
+}
+
+int FormDialog::exec() {
+  const PlainPointer pointer;
+  return QDialog::exec();
+}
+
+QDialogButtonBox* FormDialog::makeButtons(std::string_view accept, std::string_view leave) {
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  plainButton(*buttons, QDialogButtonBox::Ok, accept, "cmdOK")->setDefault(true);
+  plainButton(*buttons, QDialogButtonBox::Cancel, leave, "cmdAnnulla");
+  connect(buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
+  return buttons;
+}
+
+QDialogButtonBox* FormDialog::makeClose(std::string_view caption) {
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+  plainButton(*buttons, QDialogButtonBox::Close, caption, "cmdChiudi");
+  connect(buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
+  return buttons;
+}
+
+void FormDialog::addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string_view page) {
+  if (!help) return;
+  auto open = [help = std::move(help), page = std::string(page)] { help(page); };
+  QPushButton* button = named(buttons->addButton(QStringLiteral("?"), QDialogButtonBox::HelpRole), "cmdGuida", "Guida");
+  button->setToolTip(toQt("Guida (F1)"));
+  connect(button, &QPushButton::clicked, this, open);
+  connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, this, open);
+}
+
+void FormDialog::sizeInLetters(int columns, int lines) {
+  const QFontMetrics letters = fontMetrics();
+  resize(sizeHint().expandedTo({letters.averageCharWidth() * columns, letters.lineSpacing() * lines}));
+}
+
+QLabel* labelFor(std::string_view text, QWidget* field) {
+  auto* label = new QLabel(toQt(text));
+  label->setBuddy(field);
+  QString name = label->text();
+  name.remove(QLatin1Char('&'));
+  if (name.endsWith(QLatin1Char(':'))) name.chop(1);
+  if (field->accessibleName().isEmpty()) field->setAccessibleName(name);
+  return label;
+}
+
+QLabel* wrappedText(std::string_view text) {
+  auto* label = new QLabel(toQt(text));
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  return label;
+}
+
+void makeReadable(QMessageBox& box) {
+  const auto part = [&box](const char* name) { return box.findChild<QLabel*>(QLatin1String(name)); };
+  if (QLabel* text = part("qt_msgbox_label")) text->setFocusPolicy(Qt::NoFocus);
+  QLabel* picture = part("qt_msgboxex_icon_label");
+  if (picture == nullptr) return;
+  switch (box.icon()) {
+    case QMessageBox::Information:
+      return picture->setAccessibleName(QObject::tr("Informazione"));
+    case QMessageBox::Question:
+      return picture->setAccessibleName(QObject::tr("Domanda"));
+    case QMessageBox::Warning:
+      return picture->setAccessibleName(QObject::tr("Attenzione"));
+    case QMessageBox::Critical:
+      return picture->setAccessibleName(QObject::tr("Errore"));
+    case QMessageBox::NoIcon:
+      return;
+  }
+}
+
+BusyPointer::BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+BusyPointer::~BusyPointer() { QApplication::restoreOverrideCursor(); }
+
+PlainPointer::PlainPointer() : busy_(QApplication::overrideCursor() != nullptr) {
+  if (busy_) QApplication::setOverrideCursor(Qt::ArrowCursor);
+}
+PlainPointer::~PlainPointer() {
+  if (busy_) QApplication::restoreOverrideCursor();
+}
+
+}  // namespace kv

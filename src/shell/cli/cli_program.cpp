@@ -1,0 +1,61 @@
+#include "shell/cli/cli_program.h"
+#include "platform/files/files.h"
+
+#include "commerce/gateways/payment_modules.h"
+#include "platform/files/settings.h"
+#include "platform/ports/clock.h"
+#include "shell/cli/command_line.h"
+#include "shell/program/installed_data.h"
+
+namespace kv {
+namespace {
+
+CliOutcome runShopCommand(const CommandLine& line, Surroundings& with, std::ostream& out) {
+  const std::string shop = absolutePath(line.shop);
+  switch (line.command) {
+    case CliCommand::Build:
+      return buildShop(shop, with, out);
+    case CliCommand::Check:
+      return checkShop(shop, with, out);
+    case CliCommand::ExportSql:
+      return exportShopSql(shop, with, out);
+    case CliCommand::New:
+      return newShop(with, out);
+    case CliCommand::Help:
+    case CliCommand::Version:
+      break;
+  }
+  return CliOutcome::WrongUsage;
+}
+
+}  // namespace
+
+CliOutcome runCommandLine(std::span<const std::string> arguments, const CliPlace& place) {
+  const auto line = parseCommandLine(arguments);
+  if (!line) {
+    place.err << "korvane-cli: " << line.error().what << "\n\n" << usageText();
+    return CliOutcome::WrongUsage;
+  }
+  if (line->command == CliCommand::Help || line->command == CliCommand::Version) {
+    place.out << (line->command == CliCommand::Help ? usageText() : versionText());
+    return CliOutcome::Done;
+  }
+  const auto application = findApplicationFolder(line->applicationFolder, place.programs);
+  if (!application) {
+    const Error& error = application.error();
+    place.err << "Impossibile preparare la cartella dell'applicazione:\n" << error.where << ": " << error.what << '\n';
+    return CliOutcome::Failed;
+  }
+  ConsoleOptions screen = place.screen;
+  screen.answers = line->answers;
+  screen.folder = absolutePath(line->shop);
+  ConsoleUser user(place.err, systemClock(), std::move(screen));
+  FileSettings settings(userSettingsPath());
+  Surroundings with{user, settings, systemClock(), systemRandom(), *application, {}};
+  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
+  const CliOutcome outcome = runShopCommand(*line, with, place.out);
+  place.out.flush();
+  return outcome;
+}
+
+}  // namespace kv

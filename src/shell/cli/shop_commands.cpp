@@ -1,0 +1,162 @@
+#include "shell/cli/shop_commands.h"
+
+#include "builder/run/make_pages.h"
+#include "platform/files/files.h"
+#include "sqlexport/full_export.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/open_shop.h"
+#include "store/shop/session_start.h"
+#include "store/shop/shop_check.h"
+
+namespace kv {
+namespace {
+
+/// A session that ends with the command.
+class CliSession {
+ public:
+  explicit CliSession(Surroundings& with) : with_(with) { session.smartBuild = wantsSmartBuild(with.settings); }
+  CliSession(const CliSession&) = delete;
+  CliSession& operator=(const CliSession&) = delete;
+  ~CliSession() { closeSession(session, with_); }
+
+  /// False when the shop could not be opened; the user knows why.
+  bool open(const std::string& shop) {
+    if (isRoot(shop)) {
+      with_.user.message(
+          "La cartella '" + shop + "' è la root di un disco: non è consentito aprire un negozio in questa posizione",
+          Icon::Exclamation);
+      return false;
+    }
+    const ShopCheck check = validateShop(shop);
+    if (!check.ok) {
+      with_.user.message(check.message, Icon::Exclamation);
+      return false;
+    }
+    session.ShopFolder = shop;
+    return CaricaNegozio(session, with_) == LoadResult::Opened;
+  }
+
+  bool hasTemplate() const {
+    const std::string folder = joinPath(with_.applicationFolder, session.templatePath);
+    return !session.templatePath.empty() && !listFiles(folder, "modello*.htm").empty();
+  }
+
+  Session session;
+
+ private:
+  Surroundings& with_;
+};
+
+CliOutcome outcomeOf(BuildOutcome outcome) {
+  switch (outcome) {
+    case BuildOutcome::Done:
+      return CliOutcome::Done;
+    case BuildOutcome::Cancelled:
+      return CliOutcome::Cancelled;
+    case BuildOutcome::Failed:
+      return CliOutcome::Failed;
+  }
+  return CliOutcome::Failed;
+}
+
+void tellMade(const Session& session, const BuildCounts& counts, std::ostream& out) {
+  out << "Reparti " << counts.departments << ", articoli " << counts.articles << ", lingue " << counts.languages
+      << ".\nPagine scritte " << counts.pagesWritten << ", invariate " << counts.pagesUnchanged << "; file elencati "
+      << counts.filesListed << ".\nPagine: " << session.onlineFolder << "\nScript: " << session.scriptFolder << '\n';
+}
+
+std::string missingLanguages(const Session& session, const std::string& applicationFolder) {
+  std::string missing;
+  const std::string folder = joinPath(applicationFolder, "languages");
+  for (int i = 0; i < session.languageCount; ++i) {
+    const std::string& code = session.languageNames[static_cast<std::size_t>(i)];
+    if (!findEntry(folder, code + ".lng")) missing += "\n" + code;
+  }
+  return missing;
+}
+
+/// Names every fault, not only the first.
+bool tellFaults(const CliSession& open, Surroundings& with) {
+  bool faulty = false;
+  const auto fault = [&](const std::string& text) {
+    with.user.message(text, Icon::Exclamation);
+    faulty = true;
+  };
+  if (!open.hasTemplate()) fault("Per costruire il negozio è necessario scegliere un template");
+  const std::string missing = missingLanguages(open.session, with.applicationFolder);
+  if (!missing.empty()) fault("I seguenti moduli linguistici non sono stati trovati:" + missing);
+  for (const std::string& folder : {open.session.onlineFolder, open.session.scriptFolder}) {
+    if (!folderExists(folder)) fault("La cartella di lavoro '" + folder + "' non esiste");
+  }
+  return faulty;
+}
+
+void tellExported(const Session& session, const ExportReport& report, std::ostream& out) {
+  if (report.published.empty()) {
+    out << "Nessun file SQL: la costruzione non ha annotato il numero delle lingue.\n";
+    return;
+  }
+  if (report.languages == 0) {
+    out << "File SQL dell'esportazione precedente, ancora validi";
+  } else {
+    out << "Lingue " << report.languages << ", righe " << report.rows;
+  }
+  out << "; file:";
+  for (const std::string& name : report.published) out << ' ' << name;
+  out << ".\nCartella: " << session.onlineFolder << '\n';
+}
+
+}  // namespace
+
+CliOutcome buildShop(const std::string& shop, Surroundings& with, std::ostream& out) {
+  CliSession open(with);
+  if (!open.open(shop)) return CliOutcome::Failed;
+  if (!open.hasTemplate()) {
+    with.user.message("Per costruire il negozio è necessario scegliere un template", Icon::Exclamation);
+    return CliOutcome::Failed;
+  }
+  BuildCounts counts;
+  const CliOutcome outcome = outcomeOf(MakePages(open.session, with, {}, &counts));
+  if (outcome == CliOutcome::Done) tellMade(open.session, counts, out);
+  return outcome;
+}
+
+CliOutcome checkShop(const std::string& shop, Surroundings& with, std::ostream& out) {
+  CliSession open(with);
+  if (!open.open(shop)) return CliOutcome::Failed;
+  if (tellFaults(open, with)) return CliOutcome::Failed;
+  out << "Il negozio può essere costruito: articoli " << open.session.articleCount << ", lingue "
+      << open.session.languageCount << ", " << open.session.templatePath << ".\n";
+  return CliOutcome::Done;
+}
+
+CliOutcome exportShopSql(const std::string& shop, Surroundings& with, std::ostream& out) {
+  CliSession open(with);
+  if (!open.open(shop)) return CliOutcome::Failed;
+  const auto word = open.session.catalogue.scalar("SELECT db_security FROM generale");
+  const std::string sec = word ? asText(*word) : std::string();
+  if (sec.empty() || !fileExists(joinPath(open.session.onlineFolder, sec + ".sc"))) {
+    with.user.message(
+        "Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database",
+        Icon::Exclamation);
+    return CliOutcome::Failed;
+  }
+  for (const std::string& name : listFiles(open.session.onlineFolder, "*.sql")) {
+    static_cast<void>(deleteFile(joinPath(open.session.onlineFolder, name)));
+  }
+  LockStatements lock;
+  readLockOption(shop, lock);
+  ExportReport report;
+  ExportFullSql({shop, open.session.onlineFolder, with.user, with.settings, lock}, sec, &report);
+  tellExported(open.session, report, out);
+  return report.failed || report.published.empty() ? CliOutcome::Failed : CliOutcome::Done;
+}
+
+CliOutcome newShop(Surroundings& with, std::ostream& out) {
+  CliSession open(with);
+  if (!NuovoNegozio(open.session, with) || !open.session.catalogue.isOpen()) return CliOutcome::Failed;
+  out << "Nuovo negozio: " << open.session.ShopFolder << '\n';
+  return CliOutcome::Done;
+}
+
+}  // namespace kv

@@ -1,0 +1,33 @@
+#pragma once
+// The search for articles by the words of one column (rules of frmSearch).
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// Whether a letter may be typed into the search field: ASCII letters and digits, the blank, "àèéìòù", "*" and "?".
+bool isSearchLetter(std::string_view letter);
+
+/// The columns that can be searched, with their labels; the first is the one chosen at the start.
+struct SearchColumn {
+  std::string_view column;
+  std::string_view label;
+};
+const std::vector<SearchColumn>& searchColumns();
+
+struct ArticleHit {
+  std::int64_t ID = 0;
+  std::string codice, titolo;
+};
+/// The articles whose column, in the session's language, holds the text ("*" and "?" as wildcards), in the order of
+/// department and place. `wholeWords`: the text must have a letter beside it that is no ASCII letter or digit, at both
+/// ends, or at the one end that is not the field's own; a field that is exactly the text is no hit.
+Result<std::vector<ArticleHit>> findArticles(Session& session, std::string_view column, std::string_view text,
+                                             bool wholeWords);
+
+}  // namespace kv

@@ -1,0 +1,98 @@
+#include "shell/dialogs/folder_choice.h"
+
+#include <filesystem>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+/// What a working folder is to the session: its column, its name inside the shop's folder, its place in the session.
+struct Place {
+  const char* column;
+  const char* name;
+  std::string Session::*field;
+};
+constexpr std::array<Place, 2> places{
+    {{"siteonline", "online", &Session::onlineFolder}, {"sitescript", "scripts", &Session::scriptFolder}}};
+
+/// Whether two paths lead to one folder, by a link or with other letters too.
+bool isSameFolder(const std::string& a, const std::string& b) {
+  if (equalsIgnoringCase(withoutTrailingSeparator(a), withoutTrailingSeparator(b))) return true;
+  std::error_code failure;
+  return std::filesystem::equivalent(a, b, failure) && !failure;
+}
+
+/// Why a path can't be a working folder; empty when it can.
+std::string refusal(const std::string& path, const Session& session) {
+  const std::string subject = "La cartella '" + path + "' ";
+  if (!folderExists(path)) return subject + "non esiste: l'impostazione non sarà salvata";
+  if (isRoot(path)) return subject + "è la root di un disco: l'impostazione non sarà salvata";
+  if (isSameFolder(path, session.ShopFolder)) {
+    return subject + "è la cartella del negozio: l'impostazione non sarà salvata";
+  }
+  return {};
+}
+
+Result<> store(Session& session, const Place& place, const std::string& value) {
+  auto statement = session.catalogue.prepare(std::string("UPDATE generale SET ") + place.column + " = ?");
+  if (!statement) return fail(statement.error());
+  statement->bind(1, std::string_view(value));
+  return statement->execute();
+}
+
+Result<> keep(Session& session, const Place& place, FolderField::Source source, const std::string& path) {
+  switch (source) {
+    case FolderField::Source::Stored:
+      return {};
+    case FolderField::Source::Browsed:
+      return store(session, place, path);
+    case FolderField::Source::Reset:
+      return store(session, place, "");
+  }
+  return {};
+}
+
+bool applyField(Session& session, UserPort& user, const Place& place, const FolderField& field) {
+  const std::string typed(trim(field.text));
+  if (const std::string text = refusal(typed, session); !text.empty()) {
+    user.message(text, Icon::Exclamation);
+    return false;
+  }
+  const std::string path = withoutTrailingSeparator(absolutePath(typed));
+  if (auto kept = keep(session, place, field.source, path); !kept) {
+    user.message(kept.error().what, Icon::Critical);
+    return false;
+  }
+  session.*place.field = path;
+  return true;
+}
+
+}  // namespace
+
+FolderChoice::FolderChoice(const Session& session) {
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    fields_[i].text = session.*places[i].field;
+    defaults_[i] = joinPath(session.ShopFolder, places[i].name);
+  }
+}
+
+void FolderChoice::set(WorkingFolder folder, std::string_view path) {
+  fields_[place(folder)] = {std::string(path), FolderField::Source::Browsed};
+}
+
+void FolderChoice::reset(WorkingFolder folder) {
+  fields_[place(folder)] = {defaults_[place(folder)], FolderField::Source::Reset};
+}
+
+bool FolderChoice::apply(Session& session, UserPort& user) const {
+  bool all = true;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    if (!applyField(session, user, places[i], fields_[i])) all = false;
+  }
+  return all;
+}
+
+}  // namespace kv

@@ -1,0 +1,46 @@
+#pragma once
+// The two working folders of a shop as they are edited and judged (rules of frmBrowse).
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "store/shop/session.h"
+
+namespace kv {
+
+inline constexpr std::string_view foldersTitle = "Korvane - Selezione cartelle";
+
+enum class WorkingFolder : std::size_t { Online = 0, Scripts = 1 };
+
+/// One path field.
+struct FolderField {
+  enum class Source { Stored, Browsed, Reset };
+  std::string text;
+  Source source = Source::Stored;
+};
+
+class FolderChoice {
+ public:
+  /// Starts on the session's folders.
+  explicit FolderChoice(const Session& session);
+
+  const FolderField& field(WorkingFolder folder) const { return fields_[place(folder)]; }
+  /// A path chosen by browsing, or typed: it is going to be stored.
+  void set(WorkingFolder folder, std::string_view path);
+  /// Reset: back to the folder inside the shop's own.
+  void reset(WorkingFolder folder);
+
+  /// OK: judges and stores one field after the other. A refusal is told to the user and leaves that folder as it was,
+  /// whatever becomes of the other. A field that nobody touched is judged and stores nothing. True when both were
+  /// taken.
+  bool apply(Session& session, UserPort& user) const;
+
+ private:
+  static std::size_t place(WorkingFolder folder) { return static_cast<std::size_t>(folder); }
+  std::array<FolderField, 2> fields_;
+  std::array<std::string, 2> defaults_;
+};
+
+}  // namespace kv

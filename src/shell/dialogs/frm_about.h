@@ -1,0 +1,24 @@
+#pragma once
+// Name and version of the program, as a box of the Help menu and as the picture shown at the start.
+
+#include "platform/qt/frm_dialog.h"
+
+namespace kv {
+
+class frmAbout final : public FormDialog {
+ public:
+  explicit frmAbout(QWidget* parent = nullptr);
+
+  /// Shows it over a window for a moment, without buttons; a click or a key sends it away. It deletes itself.
+  static void showSplash(QWidget* over);
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  frmAbout(QWidget* parent, bool splash);
+  bool splash_;
+};
+
+}  // namespace kv

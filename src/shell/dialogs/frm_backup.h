@@ -1,0 +1,31 @@
+#pragma once
+// The choice of a dated copy of the catalogue to go back to.
+
+#include <vector>
+
+#include "platform/qt/frm_dialog.h"
+#include "store/shop/backup_copies.h"
+
+class QTableWidget;
+class QPushButton;
+
+namespace kv {
+
+/// The tag is the name of the copy that the user chose and confirmed; RipristinaCopia puts it in place once the dialog
+/// is closed, for the main window is loaded again on the way.
+class frmBackup final : public FormDialog {
+ public:
+  /// `with` outlives the dialog.
+  frmBackup(const std::string& shopFolder, Surroundings& with, QWidget* parent = nullptr);
+
+ private:
+  QWidget* makeList();
+  void choose();
+
+  Surroundings& with_;
+  std::vector<BackupCopy> copies_;
+  QTableWidget* lstCopie_ = nullptr;
+  QPushButton* cmdRipristina_ = nullptr;
+};
+
+}  // namespace kv

@@ -1,0 +1,32 @@
+#pragma once
+// The choice of the two working folders.
+
+#include <array>
+
+#include "platform/qt/frm_dialog.h"
+#include "shell/dialogs/folder_choice.h"
+
+class QLineEdit;
+class QGridLayout;
+
+namespace kv {
+
+/// The tag is "OK"; a folder that was refused has been told to the user and stays as it was.
+class frmBrowse final : public FormDialog {
+ public:
+  /// `session` and `with` outlive the dialog.
+  frmBrowse(Session& session, Surroundings& with, QWidget* parent = nullptr);
+
+ private:
+  void addRow(QGridLayout& grid, WorkingFolder folder);
+  void browse(WorkingFolder folder);
+  void reset(WorkingFolder folder);
+  void accepted();
+
+  Session& session_;
+  Surroundings& with_;
+  FolderChoice choice_;
+  std::array<QLineEdit*, 2> txtCartella_{};
+};
+
+}  // namespace kv

@@ -1,0 +1,131 @@
+#include "shell/program/frm_dialogs.h"
+
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QUrl>
+
+#include "builder/run/frm_elabora.h"
+#include "platform/files/files.h"
+#include "shell/dialogs/frm_about.h"
+#include "shell/dialogs/frm_avviso.h"
+#include "shell/dialogs/frm_backup.h"
+#include "shell/dialogs/frm_browse.h"
+#include "shell/dialogs/frm_search.h"
+#include "shell/dialogs/picture_import.h"
+#include "shell/window/frm_intro.h"
+#include "shell/workbench/editor_table.h"
+#include "store/shop/backup_copies.h"
+#include "tags/custom/frm_tags.h"
+#include "tags/language/frm_lingue.h"
+#include "tags/package/frm_template.h"
+
+namespace kv {
+namespace {
+
+constexpr int openFailed = 31;
+
+/// Runs a dialog and gives its tag.
+std::string run(FormDialog& dialog) {
+  dialog.exec();
+  return dialog.tag();
+}
+
+/// A picture from the disk, copied into the image folder; its name there.
+std::string choosePicture(frmMain& window, const Session& session, UserPort& user) {
+  const QString source = QFileDialog::getOpenFileName(&window, QObject::tr("Korvane - Scelta dell'immagine"), QString(),
+                                                      QObject::tr("Immagini (*.gif *.jpg *.jpeg *.png)"));
+  if (source.isEmpty()) return {};
+  const auto name = importPicture(joinPath(session.ShopFolder, "work"), fromQt(source));
+  if (name) return *name;
+  user.message("L'immagine non può essere usata:\n" + fromQt(source), Icon::Exclamation);
+  return {};
+}
+
+void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Surroundings& with) {
+  dialogs["frmBrowse"] = [&](const std::string&) {
+    frmBrowse dialog(session, with, &window);
+    return run(dialog);
+  };
+  dialogs["frmLingue"] = [&](const std::string&) {
+    LanguageHooks hooks;
+    hooks.MostraLingue = [&window] { window.workbench().MostraLingue(); };
+    hooks.CambiaLingua = [&window](int language) { window.workbench().CambiaLingua(language); };
+    frmLingue dialog(session, with, std::move(hooks), &window);
+    return run(dialog);
+  };
+  dialogs["frmTags"] = [&](const std::string&) {
+    frmTags dialog(session, with, &window);
+    return run(dialog);
+  };
+  dialogs["frmBackup"] = [&](const std::string&) {
+    frmBackup dialog(session.ShopFolder, with, &window);
+    const std::string copy = run(dialog);
+    if (!copy.empty()) static_cast<void>(RipristinaCopia(session, with, copy));
+    return copy;
+  };
+}
+
+void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Surroundings& with) {
+  dialogs["frmElabora"] = [&](const std::string&) {
+    BuildViews views;
+    // The pages that were built need a server: what a browser can show is the shop as it is published.
+    const std::string address = window.workbench().shown(*editorOf(EditedSet::Generale, shopAddressField));
+    if (!address.empty()) views.openShop = [&window, address] { window.workbench().openDocument(address); };
+    views.openFolder = [&] { window.workbench().openDocument(session.onlineFolder); };
+    frmElabora dialog(session, with, std::move(views), &window);
+    return run(dialog);
+  };
+  dialogs["frmAvviso"] = [&](const std::string&) {
+    frmAvviso dialog(with.settings, &window);
+    return run(dialog);
+  };
+  dialogs["frmSearch"] = [&](const std::string&) {
+    frmSearch dialog(session, with, &window);
+    return run(dialog);
+  };
+  dialogs["frmImmagine"] = [&](const std::string&) { return choosePicture(window, session, with.user); };
+  dialogs["frmIntro"] = [&](const std::string&) {
+    showGuide(window);
+    return std::string();
+  };
+  dialogs["frmAbout"] = [&](const std::string&) {
+    frmAbout dialog(&window);
+    return run(dialog);
+  };
+}
+
+}  // namespace
+
+void wireDialogs(frmMain& window, Session& session, Surroundings& with) {
+  WorkbenchDialogs& dialogs = window.workbench().ports().dialogs;
+  wireSettings(dialogs, window, session, with);
+  wireWork(dialogs, window, session, with);
+  with.hooks.CopiaCatalogo = catalogueCopier(with);
+  with.hooks.frmTemplate = [&](const std::string& current) {
+    const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };
+    frmTemplate dialog(with.applicationFolder, current, help, &window);
+    return run(dialog);
+  };
+}
+
+DocumentOpener desktopOpener() {
+  return [](const std::string& file, const std::string& folder) {
+    const QUrl address = QUrl::fromUserInput(toQt(file), toQt(folder));
+    return QDesktopServices::openUrl(address) ? openedWell : openFailed;
+  };
+}
+
+void showGuide(frmMain& window) {
+  // A dialog of this program carries no meta-object of its own: it is found by its name.
+  const QString name = QStringLiteral("frmIntro");
+  auto* guide = static_cast<frmIntro*>(window.findChild<QDialog*>(name));
+  if (guide == nullptr) {
+    guide = new frmIntro(window, &window);
+    guide->setObjectName(name);
+    guide->setAttribute(Qt::WA_DeleteOnClose);
+  }
+  guide->show();
+  guide->placeBeside(window);
+}
+
+}  // namespace kv

@@ -1,0 +1,18 @@
+#pragma once
+// The dialogs of the program, wired to the workbench by their names.
+
+#include "shell/window/frm_main.h"
+
+namespace kv {
+
+/// Puts the dialogs that this program has into the workbench of the window, and the template choice and the copy of the
+/// catalogue into the hooks of the session. All outlive the window's use.
+void wireDialogs(frmMain& window, Session& session, Surroundings& with);
+
+/// Opens files and addresses with the programs of the desktop.
+DocumentOpener desktopOpener();
+
+/// The first-run guide beside the window.
+void showGuide(frmMain& window);
+
+}  // namespace kv

@@ -1,0 +1,127 @@
+#include "shell/program/frm_program.h"
+#include "platform/files/files.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QMessageBox>
+#include <QTranslator>
+
+#include <map>
+
+#include "commerce/gateways/payment_modules.h"
+#include "platform/files/settings.h"
+#include "platform/ports/clock.h"
+#include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_user.h"
+#include "shell/dialogs/frm_about.h"
+#include "shell/program/frm_dialogs.h"
+#include "shell/program/frm_session_end.h"
+#include "shell/program/installed_data.h"
+#include "shell/window/frm_appearance.h"
+#include "shell/window/frm_main.h"
+#include "store/shop/server_path.h"
+#include "store/shop/session_start.h"
+#include "store/shop/shop_check.h"
+
+namespace kv {
+namespace {
+
+/// The letter that parts decimals on this machine; the comma where it is none that a field can hold.
+char decimalSeparator() {
+  const QString point = QLocale::system().decimalPoint();
+  return point == QLatin1String(".") ? '.' : ',';
+}
+
+/// Makes a shop folder that was asked for the one that the start finds; false when it is none.
+bool takeShop(const std::string& folder, const Surroundings& with) {
+  if (folder.empty()) return true;
+  const ShopCheck check = validateShop(folder);
+  if (check.ok) return writeServerPath(with.applicationFolder, folder).has_value();
+  with.user.message(check.message, Icon::Exclamation);
+  return false;
+}
+
+/// Words of the folder choice that Qt's own Italian lacks.
+class MissingWords final : public QTranslator {
+ public:
+  using QTranslator::QTranslator;
+  bool isEmpty() const override { return false; }
+  QString translate(const char* context, const char* text, const char* /*hint*/, int /*number*/) const override {
+    static const std::map<std::string_view, const char*> kinds{
+        {"Folder", "Cartella"},       {"File", "File"},          {"%1 File", "File %1"},    {"Drive", "Unità"},
+        {"Shortcut", "Collegamento"}, {"Alias", "Collegamento"}, {"Unknown", "Sconosciuto"}};
+    if (context == nullptr || std::string_view(context) != "QAbstractFileIconProvider") return {};
+    const auto found = kinds.find(text);
+    return found == kinds.end() ? QString() : QString::fromUtf8(found->second);
+  }
+};
+
+/// What shows once, over the window that has just been painted.
+void greet(frmMain& window, Settings& settings) {
+  frmAbout::showSplash(&window);
+  if (takeIntroTurn(settings)) showGuide(window);
+}
+
+}  // namespace
+
+void wireSession(frmMain& window, Session& session, Surroundings& with) {
+  Workbench& workbench = window.workbench();
+  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
+  with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
+  with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
+  with.hooks.reload = [&] {
+    const BusyPointer busy;
+    if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
+  };
+  wireDialogs(window, session, with);
+}
+
+QTranslator* speakItalian() {
+  auto* words = new QTranslator(QCoreApplication::instance());
+  if (!words->load(QStringLiteral("qtbase_it"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    delete words;
+    return nullptr;
+  }
+  QCoreApplication::installTranslator(words);
+  QCoreApplication::installTranslator(new MissingWords(QCoreApplication::instance()));
+  return words;
+}
+
+int runWindow(const WindowArguments& arguments, const std::string& programs) {
+  speakItalian();
+  const SessionEnd end;
+  QtUser user;
+  const auto folder = findApplicationFolder(arguments.applicationFolder, programs);
+  if (!folder) {
+    user.message(
+        "Impossibile preparare la cartella dell'applicazione:\n" + folder.error().where + ": " + folder.error().what,
+        Icon::Critical);
+    return 1;
+  }
+  FileSettings settings(userSettingsPath());
+  DesktopAppearance appearance(storedAppearance(settings));
+  Surroundings with{user, settings, systemClock(), systemRandom(), *folder, {}};
+  Session session;
+  WorkbenchPorts ports;
+  ports.open = desktopOpener();
+  ports.wear = [&appearance](Appearance chosen) { appearance.choose(chosen); };
+  ports.decimalSeparator = decimalSeparator();
+  frmMain window(session, with, std::move(ports));
+  wireSession(window, session, with);
+  takeShop(absolutePath(arguments.shop), with);
+  const LoadResult loaded = startSession(session, with);
+  if (loaded == LoadResult::Opened) window.workbench().showShop();
+  if (!session.catalogue.isOpen()) return 1;
+  window.restorePlace();
+  appearance.settle();
+  window.whenShown([&] { greet(window, settings); });
+  user.setHome(&window);
+  window.show();
+  const int status = QApplication::exec();
+  user.setHome(nullptr);
+  closeSession(session, with);
+  return status;
+}
+
+}  // namespace kv

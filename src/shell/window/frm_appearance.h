@@ -1,0 +1,55 @@
+#pragma once
+// Light or dark: the windows follow the desktop, unless the merchant has chosen one of the two. Where the platform
+// brings no palette of its own, the desktop is asked what it prefers.
+
+#include <QColor>
+#include <QDBusPendingCall>
+#include <QDBusVariant>
+#include <QObject>
+#include <QPalette>
+#include <optional>
+
+#include "shell/workbench/appearance.h"
+
+namespace kv {
+
+/// What a step of the guide lights: its fields, its buttons and its own number. Black letters are read on it.
+inline constexpr QColor litColour(0xb9, 0xf2, 0xb0);
+
+/// The two palettes of the program's own, for desktops that tell a preference and no colours.
+QPalette lightPalette();
+QPalette darkPalette();
+
+/// Whether letters are lighter than the ground they stand on.
+bool isDark(const QPalette& palette);
+
+/// Sets the palette of the program's windows. `Desktop` gives the platform's own back; when that is light and the
+/// desktop prefers dark, the dark one.
+void wearAppearance(Appearance appearance, bool desktopPrefersDark);
+
+/// Keeps to the appearance that is chosen, and follows the desktop while the program runs. The desktop's preference is
+/// "color-scheme" of the settings portal, 1 for dark; nothing is asked where there is no session bus.
+/// Source: XDG Desktop Portal, org.freedesktop.portal.Settings.
+class DesktopAppearance final : public QObject {
+  Q_OBJECT
+ public:
+  explicit DesktopAppearance(Appearance chosen, QObject* parent = nullptr);
+
+  Appearance chosen() const { return chosen_; }
+  void choose(Appearance appearance);
+  /// Takes the desktop's answer if it has come by now: before the first window shows, so that it needn't change colour.
+  void settle();
+
+ private slots:
+  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+ private:
+  void ask();
+  void take(const QVariant& scheme);
+
+  Appearance chosen_;
+  bool prefersDark_ = false;
+  std::optional<QDBusPendingCall> answer_;
+};
+
+}  // namespace kv

@@ -1,0 +1,267 @@
+#include "shell/window/frm_editors.h"
+#include "platform/database/recordset.h"
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QToolButton>
+
+#include "platform/qt/frm_dialog.h"
+#include "shell/window/frm_field.h"
+#include "shell/window/frm_picture.h"
+
+namespace kv {
+namespace {
+
+constexpr int numberWidth = 12;  // letters
+
+bool isNumberKind(FieldKind kind) { return kind == FieldKind::WholeNumber || isDecimalKind(kind); }
+
+QStringList listOf(const std::vector<std::string>& texts) {
+  QStringList list;
+  for (const std::string& text : texts) list.append(toQt(text));
+  return list;
+}
+
+}  // namespace
+
+EditorBinding::EditorBinding(const Editor& editor, Workbench& workbench, const CommandActions& actions, QWidget* parent)
+    : QObject(parent), editor_(editor), workbench_(workbench), parent_(parent) {
+  switch (editor.control) {
+    case Control::Line:
+    case Control::Password:
+      makeLine(editor.control == Control::Password);
+      break;
+    case Control::Memo:
+      makeMemo();
+      break;
+    case Control::Check:
+      makeCheck();
+      break;
+    case Control::Choice:
+      makeChoice();
+      break;
+    case Control::Pick:
+      makePick();
+      break;
+    case Control::Combo:
+      makeCombo();
+      break;
+    case Control::Picture:
+      makePicture(actions);
+      break;
+    case Control::Variant:
+      makeVariant(actions);
+      break;
+    case Control::Shown:
+      makeShown();
+      break;
+  }
+}
+
+/// Names the control for tests, for the guide and for who can't see it.
+void EditorBinding::adopt(QWidget* field) {
+  field_ = field;
+  field->setObjectName(toQt(editor_.column));
+  field->setToolTip(toQt(editor_.toolTip));
+  field->setAccessibleName(toQt(plainLabel(editor_.label)));
+  field->setAccessibleDescription(toQt(editor_.toolTip));
+  if (auto* list = qobject_cast<QComboBox*>(field)) list->view()->setAccessibleName(field->accessibleName());
+}
+
+void EditorBinding::addUnit(QWidget* field) {
+  if (editor_.unit.empty()) return;
+  unit_ = new QLabel(toQt(editor_.unit), parent_);
+  auto* row = new QHBoxLayout;
+  row->addWidget(field);
+  row->addWidget(unit_);
+  row->addStretch();
+  row_ = row;
+}
+
+void EditorBinding::edited() {
+  if (loading_) return;
+  dirty_ = true;
+  emit typed(read_());
+}
+
+void EditorBinding::makeLine(bool hidden) {
+  auto* line = new FieldLine(editor_.kind, workbench_.decimalSeparator(), parent_);
+  if (hidden) line->setEchoMode(QLineEdit::Password);
+  if (isNumberKind(editor_.kind)) {
+    line->setAlignment(Qt::AlignRight);
+    line->setMaximumWidth(line->fontMetrics().averageCharWidth() * numberWidth + numberWidth);
+  }
+  read_ = [line] { return line->text(); };
+  write_ = [line](const QString& text) { line->load(text); };
+  connect(line, &QLineEdit::textEdited, this, &EditorBinding::edited);
+  connect(line, &QLineEdit::editingFinished, this, &EditorBinding::commit);
+  connect(line, &QLineEdit::returnPressed, this, &EditorBinding::entered);
+  connect(line, &FieldLine::givenUp, this, [this] {
+    dirty_ = false;
+    show();
+    emit typed(read_());
+  });
+  addUnit(line);
+  adopt(line);
+}
+
+void EditorBinding::makeMemo() {
+  auto* memo = new FieldMemo(parent_);
+  constexpr int lines = 5;
+  memo->setMinimumHeight(memo->fontMetrics().lineSpacing() * lines);
+  memo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  read_ = [memo] { return memo->toPlainText(); };
+  write_ = [memo](const QString& text) {
+    if (memo->toPlainText() != text) memo->setPlainText(text);
+  };
+  connect(memo, &QPlainTextEdit::textChanged, this, &EditorBinding::edited);
+  connect(memo, &FieldMemo::left, this, &EditorBinding::commit);
+  adopt(memo);
+}
+
+void EditorBinding::makeCheck() {
+  auto* check = new QCheckBox(toQt(editor_.label), parent_);
+  read_ = [check] { return QString::fromLatin1(check->isChecked() ? "1" : "0"); };
+  write_ = [check](const QString& text) { check->setChecked(text == QLatin1String("1")); };
+  connect(check, &QCheckBox::toggled, this, [this] {
+    edited();
+    commit();
+  });
+  adopt(check);
+}
+
+void EditorBinding::makeChoice() {
+  auto* list = new FieldList(parent_);
+  list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  list->fill(listOf(workbench_.choicesOf(editor_)));
+  read_ = [list] { return QString::number(list->currentIndex()); };
+  write_ = [list](const QString& text) { list->setCurrentIndex(text.toInt()); };
+  connect(list, &QComboBox::currentIndexChanged, this, [this] {
+    edited();
+    commit();
+  });
+  adopt(list);
+}
+
+void EditorBinding::makePick() {
+  auto* list = new FieldList(parent_);
+  list->refill = [this] { return listOf(workbench_.choicesOf(editor_)); };
+  read_ = [list] { return list->currentText(); };
+  write_ = [list](const QString& text) {
+    // A name that isn't offered any more is shown all the same.
+    if (list->findText(text) < 0) list->addItem(text);
+    list->setCurrentIndex(list->findText(text));
+  };
+  connect(list, &QComboBox::currentIndexChanged, this, [this] {
+    edited();
+    commit();
+  });
+  adopt(list);
+}
+
+void EditorBinding::makeCombo() {
+  auto* list = new FieldList(parent_);
+  list->setEditable(true);
+  list->setCompleter(nullptr);
+  auto* line = new FieldLine(editor_.kind, workbench_.decimalSeparator(), list);
+  list->setLineEdit(line);
+  line->setAccessibleName(toQt(plainLabel(editor_.label)));
+  if (isNumberKind(editor_.kind)) {
+    list->setMaximumWidth(list->fontMetrics().averageCharWidth() * numberWidth * 2);
+  } else if (editor_.kind == FieldKind::PlainText) {
+    list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  }
+  list->refill = [this] { return listOf(workbench_.choicesOf(editor_)); };
+  read_ = [line] { return line->text(); };
+  write_ = [line](const QString& text) { line->load(text); };
+  connect(line, &QLineEdit::textEdited, this, &EditorBinding::edited);
+  connect(line, &QLineEdit::editingFinished, this, &EditorBinding::commit);
+  connect(list, &QComboBox::activated, this, [this] {
+    edited();
+    commit();
+  });
+  connect(line, &FieldLine::givenUp, this, [this] {
+    dirty_ = false;
+    show();
+  });
+  addUnit(list);
+  adopt(list);
+}
+
+void EditorBinding::makePicture(const CommandActions& actions) {
+  const PictureCommands commands = pictureCommands(editor_);
+  auto* picture =
+      new PicturePreview(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
+  read_ = [] { return QString(); };
+  write_ = [this, picture](const QString& name) { picture->showPicture(name, toQt(workbench_.picturePath(editor_))); };
+  adopt(picture);
+}
+
+void EditorBinding::makeVariant(const CommandActions& actions) {
+  auto* name = new QLineEdit(parent_);
+  name->setReadOnly(true);
+  auto* button = new QToolButton(parent_);
+  QAction* action = actions(variantCommand(editor_.number));
+  button->setDefaultAction(action);
+  button->setText(QStringLiteral("..."));
+  button->setAccessibleName(action->iconText());
+  button->setFocusPolicy(Qt::StrongFocus);
+  connect(action, &QAction::changed, button, [button] { button->setText(QStringLiteral("...")); });
+  auto* row = new QHBoxLayout;
+  row->addWidget(name);
+  row->addWidget(button);
+  row_ = row;
+  read_ = [name] { return name->text(); };
+  write_ = [name](const QString& text) { name->setText(text); };
+  adopt(name);
+}
+
+void EditorBinding::makeShown() {
+  auto* line = new QLineEdit(parent_);
+  line->setReadOnly(true);
+  line->setFrame(false);
+  // It looks like a label, in whatever palette the desktop has, and can be copied from.
+  line->setStyleSheet(QStringLiteral("QLineEdit { background: transparent; }"));
+  read_ = [line] { return line->text(); };
+  write_ = [line](const QString& text) {
+    line->setText(text);
+    line->setCursorPosition(0);
+  };
+  adopt(line);
+}
+
+void EditorBinding::show() {
+  if (dirty_) return;
+  loading_ = true;
+  if (auto* line = qobject_cast<QLineEdit*>(field_); line != nullptr && editor_.control != Control::Variant) {
+    const int widest = workbench_.widest(editor_);
+    if (widest > 0) line->setMaxLength(widest);
+  }
+  write_(toQt(workbench_.shown(editor_)));
+  loading_ = false;
+}
+
+void EditorBinding::refreshEnabled() {
+  const bool enabled = workbench_.isEditorEnabled(editor_);
+  field_->setEnabled(enabled);
+  if (unit_ != nullptr) unit_->setEnabled(enabled);
+  if (label_ != nullptr) label_->setEnabled(enabled);
+}
+
+void EditorBinding::commit() {
+  if (!dirty_) return;
+  dirty_ = false;
+  workbench_.leaveField(editor_, fromQt(read_()));
+}
+
+void EditorBinding::preview(const QString& text) {
+  if (dirty_) return;
+  loading_ = true;
+  write_(text);
+  loading_ = false;
+}
+
+}  // namespace kv

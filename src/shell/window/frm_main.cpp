@@ -1,0 +1,237 @@
+#include "shell/window/frm_main.h"
+#include "platform/database/recordset.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "platform/qt/frm_dialog.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view placeSection = "Finestra";
+constexpr int firstWidth = 1180;
+constexpr int firstHeight = 760;
+constexpr int listsWidth = 320;
+
+QByteArray bytesOf(const Settings& settings, std::string_view key) {
+  return QByteArray::fromBase64(QByteArray::fromStdString(settings.get(placeSection, key)));
+}
+
+}  // namespace
+
+frmMain::frmMain(Session& session, Surroundings& with, WorkbenchPorts ports)
+    : session_(session), with_(with), workbench_(session, with, *this, std::move(ports)) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(QStringLiteral("Korvane"));
+  menus_ = new MainMenus(*this, workbench_);
+  makeTabs();
+  makePanels();
+  makeKeys();
+  status_ = new QLabel(this);
+  status_->setObjectName(QStringLiteral("lblStato"));
+  statusBar()->addWidget(status_, 1);
+  refresh_.setSingleShot(true);
+  refresh_.setInterval(0);
+  connect(&refresh_, &QTimer::timeout, menus_, &MainMenus::refresh);
+  resize(firstWidth, firstHeight);
+  setMinimumSize(720, 480);
+  menus_->showTab(Tab::Departments);
+}
+
+frmMain::~frmMain() {
+  // A field that goes while it has the focus is left like any other, and the workbench must still be there for that.
+  if (QWidget* field = focusWidget()) field->clearFocus();
+  workbench_.releaseSession();
+}
+
+void frmMain::makeTabs() {
+  tabs_ = new QTabBar(this);
+  tabs_->setObjectName(QStringLiteral("tabSchede"));
+  tabs_->setAccessibleName(tr("Schede"));
+  tabs_->setExpanding(false);
+  tabs_->setDocumentMode(true);
+  for (const QString& name : {tr("Reparti"), tr("Articoli"), tr("Sito"), tr("Internet")}) tabs_->addTab(name);
+  connect(tabs_, &QTabBar::currentChanged, this, [this](int tab) { workbench_.selectTab(static_cast<Tab>(tab)); });
+}
+
+void frmMain::makePanels() {
+  tree_ = new DepartmentView(workbench_, this);
+  articles_ = new ArticleList(workbench_, this);
+  lists_ = new QSplitter(Qt::Vertical, this);
+  lists_->addWidget(tree_);
+  lists_->addWidget(articles_);
+  lists_->setChildrenCollapsible(false);
+  stack_ = new QStackedWidget(this);
+  const CommandActions actions = [this](int number) { return menus_->command(number); };
+  for (int tab = 0; tab < tabCount; ++tab) {
+    auto* page = new EditorPage(static_cast<Tab>(tab), workbench_, actions, stack_);
+    page->setObjectName(toQt(tabKeys[static_cast<std::size_t>(tab)]));
+    pages_[static_cast<std::size_t>(tab)] = page;
+    stack_->addWidget(page);
+    connect(page, &EditorPage::typed, this, &frmMain::typed);
+    connect(page, &EditorPage::entered, this, [this](const EditorBinding& binding) {
+      if (binding.editor().kind == FieldKind::DepartmentTitle) tree_->setFocus(Qt::OtherFocusReason);
+    });
+  }
+  sides_ = new QSplitter(Qt::Horizontal, this);
+  sides_->addWidget(lists_);
+  sides_->addWidget(stack_);
+  sides_->setStretchFactor(1, 1);
+  sides_->setSizes({listsWidth, firstWidth - listsWidth});
+  sides_->setChildrenCollapsible(false);
+  auto* body = new QWidget(this);
+  auto* column = new QVBoxLayout(body);
+  column->setContentsMargins(6, 6, 6, 0);
+  column->setSpacing(6);
+  auto* strip = new QHBoxLayout;
+  strip->setSpacing(6);
+  strip->addWidget(tabs_, 1);
+  strip->addWidget(menus_->makeLanguageButton(body));
+  column->addLayout(strip);
+  column->addWidget(sides_, 1);
+  setCentralWidget(body);
+}
+
+void frmMain::makeKeys() {
+  auto* rename = new QAction(this);
+  rename->setShortcut(QKeySequence(Qt::Key_F2));
+  connect(rename, &QAction::triggered, this, &frmMain::goToTitle);
+  addAction(rename);
+}
+
+void frmMain::goToTitle() {
+  const bool articles = workbench_.tab() == Tab::Articles;
+  if (!articles && workbench_.tab() != Tab::Departments) return;
+  page(workbench_.tab()).goTo(articles ? EditedSet::Articoli : EditedSet::Categorie, "titolo");
+}
+
+/// A title shows in tree and list while it is being typed.
+void frmMain::typed(const EditorBinding& binding, const QString& text) {
+  const Editor& editor = binding.editor();
+  CatalogueSets& sets = workbench_.sets();
+  if (editor.kind == FieldKind::DepartmentTitle) return tree_->departments().setTitle(sets.department(), text);
+  if (editor.set != EditedSet::Articoli || !sets.onArticle()) return;
+  const int row = static_cast<int>(sets.dataArticoli().position());
+  if (editor.column == "titolo") articles_->articles().preview(row, ArticleModel::Title, text);
+  if (editor.column == "codice") articles_->articles().preview(row, ArticleModel::Code, text);
+  if (editor.column == "prezzo") articles_->articles().preview(row, ArticleModel::Price, text);
+}
+
+void frmMain::finishEdits() {
+  for (EditorPage* page : pages_) {
+    if (page != nullptr) page->commit();
+  }
+}
+
+void frmMain::showTab(Tab tab) {
+  const QSignalBlocker quiet(tabs_);
+  tabs_->setCurrentIndex(static_cast<int>(tab));
+  stack_->setCurrentIndex(static_cast<int>(tab));
+  const bool lists = tab == Tab::Departments || tab == Tab::Articles;
+  lists_->setVisible(lists);
+  articles_->setVisible(tab == Tab::Articles);
+  stack_->setVisible(!(lists && detailsHidden_));
+  menus_->showTab(tab);
+  entriesChanged();
+}
+
+void frmMain::enableKey(std::string_view key, bool /*enabled*/) {
+  if (key == articleMask) pages_[static_cast<std::size_t>(Tab::Articles)]->refreshEnabled();
+  if (key == departmentMask) pages_[static_cast<std::size_t>(Tab::Departments)]->refreshEnabled();
+  entriesChanged();
+}
+
+void frmMain::entriesChanged() {
+  // Many states change at once; the menus follow when the work is done.
+  if (!refresh_.isActive()) refresh_.start();
+}
+
+void frmMain::rebuildTree() { tree_->rebuild(); }
+void frmMain::selectDepartment(const std::string& ID) { tree_->select(ID); }
+void frmMain::departmentTitle(const std::string& ID, const std::string& title) {
+  tree_->departments().setTitle(ID, toQt(title));
+}
+void frmMain::expandTree(bool expanded) { tree_->expandTree(expanded); }
+void frmMain::articlesChanged() { articles_->rebuild(); }
+void frmMain::selectArticle() { articles_->selectCurrent(); }
+
+void frmMain::fieldsChanged(EditedSet set) {
+  for (EditorPage* page : pages_) page->showFields(set);
+  if (set == EditedSet::Articoli) articles_->articles().refresh();
+}
+
+void frmMain::showStatus(const std::string& text) { status_->setText(toQt(text)); }
+void frmMain::showTitle(const std::string& title) { setWindowTitle(toQt(title)); }
+
+void frmMain::showBusy(bool busy) {
+  if (busy && busy_++ == 0) QApplication::setOverrideCursor(Qt::WaitCursor);
+  if (!busy && busy_ > 0 && --busy_ == 0) QApplication::restoreOverrideCursor();
+}
+
+void frmMain::showLanguages() {
+  menus_->showLanguages();
+  entriesChanged();
+}
+
+void frmMain::showListino(int listino) {
+  for (EditorPage* page : pages_) page->showListino(listino);
+}
+
+void frmMain::hideDetails(bool hidden) {
+  detailsHidden_ = hidden;
+  showTab(workbench_.tab());
+}
+
+void frmMain::close() { QMainWindow::close(); }
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  finishEdits();
+  // The guide gives back the room that it took, before the place is remembered.
+  if (auto* guide = findChild<QDialog*>(QStringLiteral("frmIntro"))) guide->close();
+  keepPlace();
+  // A session that is open when the window goes was left by the user.
+  if (workbench_.isOpen()) session_.compactOnExit = true;
+  event->accept();
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  menus_->fit(*this);
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (!whenShown_) return;
+  const auto action = std::exchange(whenShown_, nullptr);
+  QTimer::singleShot(0, this, action);
+}
+
+void frmMain::keepPlace() {
+  const auto keep = [this](std::string_view key, const QByteArray& bytes) {
+    const std::string text = bytes.toBase64().toStdString();
+    if (with_.settings.get(placeSection, key) != text) static_cast<void>(with_.settings.set(placeSection, key, text));
+  };
+  keep("geometria", saveGeometry());
+  keep("divisori", sides_->saveState());
+  keep("elenchi", lists_->saveState());
+}
+
+void frmMain::restorePlace() {
+  restoreGeometry(bytesOf(with_.settings, "geometria"));
+  sides_->restoreState(bytesOf(with_.settings, "divisori"));
+  lists_->restoreState(bytesOf(with_.settings, "elenchi"));
+}
+
+}  // namespace kv

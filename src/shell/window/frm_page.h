@@ -1,0 +1,52 @@
+#pragma once
+// The page of one tab: the editors of the table in their groups, in as many columns as there is room for.
+
+#include <QScrollArea>
+#include <map>
+#include <vector>
+
+#include "shell/window/frm_editors.h"
+
+class QFormLayout;
+class QTabBar;
+
+namespace kv {
+
+class EditorPage final : public QScrollArea {
+  Q_OBJECT
+ public:
+  EditorPage(Tab tab, Workbench& workbench, const CommandActions& actions, QWidget* parent = nullptr);
+
+  /// Shows the current row of a set anew.
+  void showFields(EditedSet set);
+  void refreshEnabled();
+  void showListino(int listino);
+  /// Hands what is being typed to the workbench.
+  void commit();
+  /// The editor of a column; null when this page has none.
+  EditorBinding* binding(EditedSet set, std::string_view column) const;
+  /// Brings the field of a column into view, with the focus in it and its whole text selected.
+  void goTo(EditedSet set, std::string_view column);
+
+ signals:
+  /// The text of an editor is being typed.
+  void typed(const kv::EditorBinding& binding, const QString& text);
+  void entered(const kv::EditorBinding& binding);
+
+ private:
+  using Group = std::vector<const Editor*>;
+  QWidget* makeGroup(const Group& group);
+  void addRow(QFormLayout& form, EditorBinding& binding);
+  QWidget* makeTextStrip(const Group& group);
+  QTabBar* makeListinoStrip(QWidget* parent);
+  EditorBinding* bind(const Editor& editor, QWidget* parent);
+  void followRate(const EditorBinding& from, const QString& text);
+
+  Tab tab_;
+  Workbench& workbench_;
+  CommandActions actions_;
+  std::vector<EditorBinding*> bindings_;
+  std::vector<QTabBar*> listinoStrips_;
+};
+
+}  // namespace kv

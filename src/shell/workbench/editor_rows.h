@@ -1,0 +1,26 @@
+#pragma once
+// The rows of the editor table, by the pages they stand on. Private to the table.
+
+#include <vector>
+
+#include "shell/workbench/editor_table.h"
+
+namespace kv {
+
+/// A row with the page, column, group and label that each row has.
+inline Editor editorRow(EditedSet set, Tab tab, std::string_view column, std::string_view group,
+                        std::string_view label) {
+  Editor row;
+  row.set = set;
+  row.tab = tab;
+  row.column = column;
+  row.group = group;
+  row.label = label;
+  return row;
+}
+
+std::vector<Editor> catalogueEditors();  ///< departments and articles
+std::vector<Editor> siteEditors();
+std::vector<Editor> internetEditors();
+
+}  // namespace kv

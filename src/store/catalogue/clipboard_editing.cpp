@@ -1,0 +1,211 @@
+// Copying and pasting through the clipboard tables of the catalogue, which outlive the session.
+
+#include <algorithm>
+#include <array>
+
+#include "platform/database/recordset.h"
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
+#include "store/catalogue/tree_change.h"
+#include "store/catalogue/tree_editing.h"
+#include "store/shop/order_numbers.h"
+
+namespace kv {
+namespace {
+
+constexpr std::array<std::string_view, 4> articleOwn{"ID", "catID", "inelenco", "ordinamento"};
+constexpr std::array<std::string_view, 7> departmentOwn{"ID",      "pagina",    "genitore",   "hafigli",
+                                                        "livello", "contatore", "ordinamento"};
+
+/// The columns that a copy carries, joined by commas: all of the table but its own.
+Result<std::string> carriedColumns(Database& catalogue, std::string_view table) {
+  auto info = catalogue.table(table);
+  if (!info) return fail(info.error());
+  const bool articles = table == "articoli";
+  std::string names;
+  for (const ColumnInfo& column : info->columns) {
+    const auto same = [&](std::string_view own) { return equalsIgnoringCase(own, column.name); };
+    if (articles ? std::ranges::any_of(articleOwn, same) : std::ranges::any_of(departmentOwn, same)) continue;
+    names += (names.empty() ? "\"" : ", \"") + column.name + "\"";
+  }
+  return names;
+}
+
+class BusyPointer {
+ public:
+  explicit BusyPointer(const EditingHooks& hooks) : hooks_(hooks) { show(true); }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+  ~BusyPointer() { show(false); }
+
+ private:
+  void show(bool busy) const {
+    if (hooks_.pointer) hooks_.pointer(busy);
+  }
+  const EditingHooks& hooks_;
+};
+
+/// Numbers `count` new articles, each behind the one before it; the first behind element `current`. `keys` has 0 for a
+/// new one.
+OrderedList roomFor(OrderedList list, std::optional<std::size_t> current, std::size_t count) {
+  for (std::size_t n = 0; n < count; ++n) {
+    const OrderPlan plan = planAfter(list.orders, current);
+    for (std::size_t i = 0; i < plan.moved.size(); ++i) list.orders[plan.firstMoved + i] = plan.moved[i];
+    const std::size_t place = current ? *current + 1 : list.orders.size();
+    list.orders.insert(list.orders.begin() + static_cast<std::ptrdiff_t>(place), plan.order);
+    list.keys.insert(list.keys.begin() + static_cast<std::ptrdiff_t>(place), 0);
+    current = place;
+  }
+  return list;
+}
+
+}  // namespace
+
+Result<> TreeEditing::copyArticles(const std::string& condition, const Value& value) {
+  Database& catalogue = sets_.session().catalogue;
+  auto names = carriedColumns(catalogue, "articoli");
+  if (!names) return fail(names.error());
+  if (auto emptied = catalogue.execute("DELETE FROM cliparticoli"); !emptied) return emptied;
+  return runWith(catalogue,
+                 "INSERT INTO cliparticoli (" + *names + ") SELECT " + *names + " FROM articoli WHERE " + condition +
+                     " ORDER BY ordinamento, ID",
+                 {value});
+}
+
+Result<> TreeEditing::CopiaArticolo() {
+  if (!sets_.onArticle()) return {};
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  if (auto copied = copyArticles("ID = ?", Value(sets_.article())); !copied) return copied;
+  if (auto kept = change.keep(); !kept) return kept;
+  if (hooks_.StatoComando) {
+    hooks_.StatoComando("incolla articolo", true);
+    hooks_.StatoComando("incolla categoria", false);
+  }
+  return {};
+}
+
+Result<> TreeEditing::CopiaReparto() {
+  if (!sets_.onDepartment()) return {};
+  const bool withArticles =
+      sets_.departmentArticles() > 0 && ask("Copiare anche tutti gli articoli del reparto?", Answer::Yes);
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  Database& catalogue = sets_.session().catalogue;
+  const Value ID(sets_.department());
+  if (withArticles) {
+    if (auto copied = copyArticles("catID = ?", ID); !copied) return copied;
+  }
+  auto names = carriedColumns(catalogue, "categorie");
+  if (!names) return fail(names.error());
+  if (auto emptied = catalogue.execute("DELETE FROM clipcategorie"); !emptied) return emptied;
+  auto copied = runWith(catalogue,
+                        "INSERT INTO clipcategorie (" + *names + ", incolla_articoli) SELECT " + *names +
+                            ", ? FROM categorie WHERE ID = ?",
+                        {Value(withArticles), ID});
+  if (!copied) return copied;
+  if (auto kept = change.keep(); !kept) return kept;
+  if (hooks_.StatoComando) {
+    if (withArticles) hooks_.StatoComando("incolla articolo", true);
+    hooks_.StatoComando("incolla categoria", true);
+  }
+  return {};
+}
+
+/// Fills one row of a table with the carried columns of a row of its clipboard; rows by the engine's number.
+Result<> TreeEditing::fill(std::string_view table, std::string_view clipboard, std::int64_t from, std::int64_t to) {
+  Database& catalogue = sets_.session().catalogue;
+  auto names = carriedColumns(catalogue, table);
+  if (!names) return fail(names.error());
+  return runWith(catalogue,
+                 "UPDATE " + std::string(table) + " SET (" + *names + ") = (SELECT " + *names + " FROM " +
+                     std::string(clipboard) + " WHERE rowid = ?) WHERE rowid = ?",
+                 {Value(from), Value(to)});
+}
+
+/// Pastes all rows of the clipboard, which holds some, behind the current article; the ID of the last one.
+Result<std::int64_t> TreeEditing::pasteArticles() {
+  Database& catalogue = sets_.session().catalogue;
+  auto clipped = readOrder(catalogue, "SELECT rowid, 0 FROM cliparticoli WHERE ? = 0 ORDER BY rowid", Value(0));
+  if (!clipped) return fail(clipped.error());
+  auto list = readOrder(catalogue, "SELECT ID, ordinamento FROM articoli WHERE catID = ? ORDER BY ordinamento, ID",
+                        Value(sets_.department()));
+  if (!list) return fail(list.error());
+  std::optional<std::size_t> current;
+  if (sets_.onArticle()) current = sets_.dataArticoli().position();
+  const std::vector<std::int64_t> oldOrders = list->orders;
+  const OrderedList wanted = roomFor(std::move(*list), current, clipped->keys.size());
+  auto names = carriedColumns(catalogue, "articoli");
+  if (!names) return fail(names.error());
+  auto insert = catalogue.prepare("INSERT INTO articoli (catID, ordinamento, " + *names + ") SELECT ?, ?, " + *names +
+                                  " FROM cliparticoli WHERE rowid = ?");
+  if (!insert) return fail(insert.error());
+  const std::string department = sets_.department();
+  insert->bind(1, department);
+  OrderWriter orders(catalogue, writeArticleOrder);
+  std::size_t old = 0;
+  std::size_t fresh = 0;
+  for (std::size_t i = 0; i < wanted.keys.size(); ++i) {
+    Result<> done;
+    if (wanted.keys[i] == 0) {
+      insert->bind(2, wanted.orders[i]);
+      insert->bind(3, clipped->keys[fresh++]);
+      done = insert->execute();
+    } else if (wanted.orders[i] != oldOrders[old++]) {
+      done = orders.write(wanted.keys[i], wanted.orders[i]);
+    }
+    if (!done) return fail(done.error());
+  }
+  auto last = catalogue.scalar("SELECT last_insert_rowid()");
+  if (!last) return fail(last.error());
+  return asInteger(*last);
+}
+
+Result<> TreeEditing::IncollaArticoli() {
+  if (!sets_.onDepartment()) {
+    user_.message("Per incollare gli articoli è necessario selezionare un reparto.", Icon::Exclamation);
+    return {};
+  }
+  auto count = sets_.session().catalogue.scalar("SELECT COUNT(*) FROM cliparticoli");
+  if (!count) return fail(count.error());
+  if (asInteger(*count) == 0) return {};
+  if (asInteger(*count) > 1 &&
+      !ask("Saranno incollati" + plainNumber(asInteger(*count)) + " articoli. Procedere?", Answer::Yes)) {
+    return {};
+  }
+  const BusyPointer pointer(hooks_);
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  auto last = pasteArticles();
+  if (!last) return fail(last.error());
+  if (auto kept = change.keep(); !kept) return kept;
+  if (auto again = sets_.requeryArticles(); !again) return again;
+  if (auto counted = sets_.recount(); !counted) return counted;
+  auto found = sets_.goToArticle(*last);
+  return found ? Result<>() : fail(found.error());
+}
+
+Result<> TreeEditing::IncollaReparto() {
+  Database& catalogue = sets_.session().catalogue;
+  auto clipped = catalogue.scalar("SELECT rowid FROM clipcategorie LIMIT 1");
+  if (!clipped) return fail(clipped.error());
+  if (isNull(*clipped)) return {};
+  auto withArticles = catalogue.scalar("SELECT incolla_articoli FROM clipcategorie LIMIT 1");
+  if (!withArticles) return fail(withArticles.error());
+  // The new department and its content come in one step: the outer transaction holds the inner ones.
+  if (auto begun = catalogue.begin(); !begun) return begun;
+  auto done = sets_.onDepartment() ? InserisciRepartoPrima() : NuovoSottoreparto();
+  const std::string made = sets_.department();
+  if (done)
+    done = fill("categorie", "clipcategorie", asInteger(*clipped), asInteger(sets_.dataCategorie().get("contatore")));
+  if (done && asFlag(*withArticles)) done = IncollaArticoli();
+  if (!done) {
+    catalogue.rollback();
+    if (auto back = finishAt(std::string(treeRoot)); !back) return back;
+    return done;
+  }
+  if (auto kept = catalogue.commit(); !kept) return kept;
+  return finishAt(made);
+}
+
+}  // namespace kv

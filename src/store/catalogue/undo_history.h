@@ -1,0 +1,64 @@
+#pragma once
+// Undo and redo of what the merchant did to the catalogue: each command is a step with its name, kept as images of the
+// rows it changed. Kept for the session; a change of shop clears it. The clipboard is not the history's matter.
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/database/changes.h"
+#include "store/catalogue/catalogue_sets.h"
+
+namespace kv {
+
+class UndoHistory {
+ public:
+  explicit UndoHistory(CatalogueSets& sets) : sets_(sets) {}
+
+  /// Starts watching the session's catalogue, with an empty history; end() must come before it closes.
+  void begin();
+  void end();
+
+  /// Runs a command and keeps what it changed as one step; none when it changed nothing. Steps that were undone are
+  /// gone then. The command's failure is handed through; what it did write before is a step all the same. A command
+  /// inside a command belongs to the outer one.
+  Result<> record(const std::string& name, const std::function<Result<>()>& command);
+
+  bool canUndo() const { return !done_.empty(); }
+  bool canRedo() const { return !undone_.empty(); }
+  /// The name of the step that would be undone or done again; empty when there is none.
+  std::string undoName() const { return done_.empty() ? std::string() : done_.back().name; }
+  std::string redoName() const { return undone_.empty() ? std::string() : undone_.back().name; }
+
+  /// Takes the last step back, or does it again; the sets are read anew, and the cursors stand where they stood before
+  /// or behind it. Malformed when somebody else changed the rows meanwhile: the history is cleared then.
+  Result<> undo();
+  Result<> redo();
+  void clear();
+
+ private:
+  struct Place {
+    std::string department;
+    std::int64_t article = 0;
+  };
+  struct Step {
+    std::string name;
+    RowChanges changes;
+    Place before, after;
+    std::size_t size = 0;
+  };
+  Place place();
+  Result<> move(std::deque<Step>& from, std::deque<Step>& to, bool back);
+  Result<> show(const Place& place);
+  void keep(Step step);
+
+  CatalogueSets& sets_;
+  std::unique_ptr<ChangeRecorder> recorder_;
+  std::deque<Step> done_, undone_;
+  std::size_t size_ = 0;  ///< bytes of the steps done
+  int depth_ = 0;
+};
+
+}  // namespace kv

@@ -1,0 +1,55 @@
+#include <algorithm>
+
+#include "store/schema/column_family.h"
+
+namespace kv {
+namespace {
+
+// The alias of a language column. `note` stands in brackets, as a name that some SQL dialects keep for themselves.
+std::string aliasOf(const std::string& name) { return name == "note" ? "[note]" : name; }
+
+void appendColumn(std::string& list, const std::string& text) {
+  if (!list.empty()) list += ", ";
+  list += text;
+}
+
+void appendRule(std::string& list, const TableRule& table, const ColumnRule& rule, std::string_view suffix) {
+  const std::string qualified = table.name + "." + rule.name;
+  if (rule.spread == Spread::Languages) {
+    appendColumn(list, qualified + std::string(suffix) + " AS " + aliasOf(rule.name));
+    return;
+  }
+  for (const ColumnInfo& column : spreadColumns(rule)) {
+    // The view of the departments ends in this column's bare name.
+    const bool bare = table.name == "categorie" && column.name == "nascosto";
+    appendColumn(list, bare ? column.name : table.name + "." + column.name);
+  }
+  // The height of an article's main image has always stood twice; readers by name meet the same value in both.
+  if (qualified == "articoli.imgY0") appendColumn(list, qualified);
+}
+
+}  // namespace
+
+int languageOfSuffix(std::string_view suffix) {
+  const auto found = std::ranges::find(languageSuffixes, suffix);
+  return found == languageSuffixes.end() ? 1 : static_cast<int>(found - languageSuffixes.begin()) + 1;
+}
+
+std::string SelezionaLingua(std::string_view table, int language, std::string_view rest) {
+  const std::string tail = rest.empty() ? std::string() : " " + std::string(rest);
+  if (language < 2 || language > maxLanguages) return "SELECT * FROM " + std::string(table) + tail;
+  const TableRule* rule = languageViewRule(table);
+  if (rule == nullptr) return {};
+  const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(language - 1)];
+  std::string list;
+  for (const ColumnRule& column : rule->columns) {
+    if (column.inLanguageView) appendRule(list, *rule, column, suffix);
+  }
+  return "SELECT " + list + " FROM " + rule->name + tail;
+}
+
+std::string SelezionaLingua(std::string_view table, std::string_view suffix, std::string_view rest) {
+  return SelezionaLingua(table, languageOfSuffix(suffix), rest);
+}
+
+}  // namespace kv

@@ -1,0 +1,58 @@
+#pragma once
+// The tables of every database of a shop, and the language view with which readers fetch them. Languages 2 to 4 of a
+// text live in columns with the suffixes _l2 to _l4, price lists (listini) 1 to 9 in columns with that digit behind
+// the name; both families are made by loops over the suffix tables below.
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/database/database.h"
+#include "platform/database/table_info.h"
+
+namespace kv {
+
+constexpr int maxLanguages = 4;
+constexpr int listini = 10;
+
+/// Suffixes of the language columns and files, language 1 first.
+inline constexpr std::array<std::string_view, maxLanguages> languageSuffixes{"", "_l2", "_l3", "_l4"};
+/// Suffixes of the price-list columns, listino 0 first.
+inline constexpr std::array<std::string_view, listini> listinoSuffixes{"", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
+
+/// The column of variant slot 1..4 in a listino: "opzione1", "opzione1_3".
+std::string variantColumn(int slot, int listino);
+
+/// catalog.mdb, all tables in the order of creation.
+std::vector<TableInfo> catalogueTables();
+/// source.new: `categoria` (the page tag row) and `articoli` (the derived article rows).
+std::vector<TableInfo> tagDatabaseTables();
+/// new.mdb: categorie, opcodici, opzioni and articoli of each language, dettaglio, ordinamento. `ID` has an index of
+/// its own in each; no column needs a default; names are no reserved words of MySQL; text is as wide as it needs so
+/// that a row fits what InnoDB accepts. Every language-dependent column of the derived row stands in
+/// articoli<suffix>, each other column in dettaglio or ordinamento, none in two of the three but ID.
+std::vector<TableInfo> buildDatabaseTables();
+/// kvftp.mdb: `file`.
+std::vector<TableInfo> transferTables();
+
+/// The 97 columns of the page tag row, in order.
+std::span<const std::string_view> pageTagColumns();
+/// The columns of the derived article row, in order, with their types.
+std::vector<ColumnInfo> derivedArticleColumns();
+
+/// The language number 1 to 4 of a suffix ("" is 1); any other value counts as 1.
+int languageOfSuffix(std::string_view suffix);
+
+/// SelezionaLingua (language view): the SELECT with which a reader sees a table in one language, language columns
+/// under their bare names. `rest` follows after one blank when not empty. For language 1 it is "SELECT * FROM table";
+/// for 2 to 4 and a table other than articoli, categorie, opzioni, dettagliop, pagamento, generale the result is
+/// empty: there is no such view. A language other than 1 to 4 counts as 1.
+std::string SelezionaLingua(std::string_view table, int language, std::string_view rest = "");
+std::string SelezionaLingua(std::string_view table, std::string_view suffix, std::string_view rest = "");
+
+/// Creates a database file with these tables. Exists when the file is there.
+Result<> createDatabase(const std::string& path, std::span<const TableInfo> tables);
+
+}  // namespace kv

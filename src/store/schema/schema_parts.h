@@ -1,0 +1,17 @@
+#pragma once
+// The pieces of the catalogue's schema that are written down in files of their own.
+
+#include <vector>
+
+#include "store/schema/column_family.h"
+
+namespace kv {
+
+/// The shop's settings: one row.
+const TableRule& generaleRule();
+/// Payment methods and shipping settings: one row.
+const TableRule& pagamentoRule();
+/// zona1 to zona8, the costs of each shipping zone: one row each.
+std::vector<TableInfo> zoneTables();
+
+}  // namespace kv

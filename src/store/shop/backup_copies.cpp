@@ -1,0 +1,238 @@
+#include "store/shop/backup_copies.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <ctime>
+#include <optional>
+
+#include "platform/files/files.h"
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/session_start.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+namespace chrono = std::chrono;
+
+constexpr std::string_view nameStart = "catalog-";
+constexpr std::string_view nameEnd = ".mdb";
+constexpr std::string_view stampPattern = "########T######Z";
+constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr const char* notKept = "Impossibile conservare una copia del catalogo nella cartella '";
+constexpr const char* notKeptAdvice = "'.\nVerificare lo spazio libero sul disco e i permessi della cartella.";
+constexpr const char* notRestored = "Impossibile ripristinare la copia del catalogo:\n";
+
+std::string copiesFolder(const std::string& shopFolder) { return joinPath(shopFolder, backupFolder); }
+
+int numberIn(std::string_view digits) { return static_cast<int>(leadingNumber(digits)); }
+
+/// "20260712T071500Z" as seconds; empty for a stamp that no clock shows.
+std::optional<std::int64_t> secondsOf(std::string_view stamp) {
+  const chrono::year_month_day day(chrono::year(numberIn(stamp.substr(0, 4))),
+                                   chrono::month(static_cast<unsigned>(numberIn(stamp.substr(4, 2)))),
+                                   chrono::day(static_cast<unsigned>(numberIn(stamp.substr(6, 2)))));
+  const int hour = numberIn(stamp.substr(9, 2));
+  const int minute = numberIn(stamp.substr(11, 2));
+  const int second = numberIn(stamp.substr(13, 2));
+  if (!day.ok() || hour > 23 || minute > 59 || second > 60) return std::nullopt;
+  const auto time = chrono::sys_days(day) + chrono::hours(hour) + chrono::minutes(minute) + chrono::seconds(second);
+  return chrono::floor<chrono::seconds>(time.time_since_epoch()).count();
+}
+
+std::string stampOf(std::int64_t seconds) {
+  const chrono::sys_seconds time{chrono::seconds(seconds)};
+  const auto midnight = chrono::floor<chrono::days>(time);
+  const chrono::year_month_day day(midnight);
+  const chrono::hh_mm_ss clock(time - midnight);
+  const auto two = [](auto number) { return formatNumber(static_cast<std::int64_t>(number), "00"); };
+  return formatNumber(static_cast<int>(day.year()), "0000") + two(static_cast<unsigned>(day.month())) +
+         two(static_cast<unsigned>(day.day())) + "T" + two(clock.hours().count()) + two(clock.minutes().count()) +
+         two(clock.seconds().count()) + "Z";
+}
+
+/// A copy with its place among those of the same second.
+struct ListedCopy {
+  BackupCopy copy;
+  int turn = 1;
+};
+
+/// What a file name tells; empty when it is no copy's.
+std::optional<ListedCopy> parseName(const std::string& name) {
+  if (!name.starts_with(nameStart) || !name.ends_with(nameEnd)) return std::nullopt;
+  const std::string_view middle =
+      std::string_view(name).substr(nameStart.size(), name.size() - nameStart.size() - nameEnd.size());
+  const std::string_view stamp = middle.substr(0, stampPattern.size());
+  const std::string_view rest = middle.substr(stamp.size());
+  if (!matchesLike(stamp, stampPattern)) return std::nullopt;
+  if (!rest.empty() && !matchesLike(rest, "-#") && !matchesLike(rest, "-##")) return std::nullopt;
+  const auto madeAt = secondsOf(stamp);
+  if (!madeAt) return std::nullopt;
+  std::optional<ListedCopy> listed(std::in_place);
+  listed->copy.name = name;
+  listed->copy.madeAt = *madeAt;
+  if (!rest.empty()) listed->turn = numberIn(rest.substr(1));
+  return listed;
+}
+
+std::string freeName(const std::string& folder, std::int64_t seconds) {
+  const std::string start = std::string(nameStart) + stampOf(seconds);
+  std::string name = start + std::string(nameEnd);
+  for (int turn = 2; fileExists(joinPath(folder, name)); ++turn) {
+    name = start + "-" + std::to_string(turn) + std::string(nameEnd);
+  }
+  return name;
+}
+
+bool isNewest(const std::string& shopFolder, const FileStamp& catalogue) {
+  const auto copies = backupCopies(shopFolder);
+  if (copies.empty()) return false;
+  const auto newest = fileStamp(joinPath(copiesFolder(shopFolder), copies.front().name));
+  return newest && *newest == catalogue;
+}
+
+/// The name of the copy made; empty when the newest one is the same.
+Result<std::string> copyPresent(const std::string& shopFolder, Clock& clock) {
+  const std::string catalogue = joinPath(shopFolder, catalogueFile);
+  const auto stamp = fileStamp(catalogue);
+  if (!stamp) return fail(stamp.error());
+  if (isNewest(shopFolder, *stamp)) return std::string();
+  const std::string folder = copiesFolder(shopFolder);
+  if (auto made = createFolder(folder); !made) return fail(made.error());
+  removeUnfinishedFiles(folder);
+  std::string name = freeName(folder, static_cast<std::int64_t>(std::floor(clock.now())));
+  if (auto copied = copyFile(catalogue, joinPath(folder, name)); !copied) return fail(copied.error());
+  return name;
+}
+
+/// Deletes the oldest beyond those kept. A clock that was set back makes a new copy look old: it stays all the same.
+void dropOldest(const std::string& shopFolder, std::string_view justMade) {
+  const auto copies = backupCopies(shopFolder);
+  for (std::size_t i = copies.size(), left = copies.size(); i > 0 && left > copiesKept; --i) {
+    const std::string& name = copies[i - 1].name;
+    if (name == justMade) continue;
+    static_cast<void>(deleteFile(joinPath(copiesFolder(shopFolder), name)));
+    --left;
+  }
+}
+
+/// A catalogue that is about to be replaced: undoes what a killed writer left in it. A journal that stayed would be
+/// played into the file that comes.
+Result<> settlePresent(const std::string& shopFolder) {
+  const std::string path = joinPath(shopFolder, catalogueFile);
+  if (fileExists(path)) {
+    const auto looked = ApriDatabase(path, false);
+    if (!looked && (looked.error().kind == ErrorKind::InUse || looked.error().kind == ErrorKind::ReadOnly)) {
+      return fail(looked.error());
+    }
+  }
+  return {};
+}
+
+Result<> dropJournal(const std::string& shopFolder) {
+  const std::string journal = joinPath(shopFolder, std::string(catalogueFile) + "-journal");
+  return fileExists(journal) ? deleteFile(journal) : Result<>{};
+}
+
+}  // namespace
+
+std::vector<BackupCopy> backupCopies(const std::string& shopFolder) {
+  const std::string folder = copiesFolder(shopFolder);
+  std::vector<ListedCopy> listed;
+  for (const std::string& name : listFiles(folder, "catalog-*.mdb")) {
+    auto one = parseName(name);
+    const auto stamp = fileStamp(joinPath(folder, name));
+    if (!one || !stamp) continue;
+    one->copy.savedAt = stamp->changedAt / nanosecondsPerSecond;
+    one->copy.size = stamp->size;
+    listed.push_back(std::move(*one));
+  }
+  std::ranges::sort(listed, [](const ListedCopy& a, const ListedCopy& b) {
+    return a.copy.madeAt != b.copy.madeAt ? a.copy.madeAt > b.copy.madeAt : a.turn > b.turn;
+  });
+  std::vector<BackupCopy> copies;
+  copies.reserve(listed.size());
+  for (ListedCopy& one : listed) copies.push_back(std::move(one.copy));
+  return copies;
+}
+
+Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock) {
+  auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
+  if (!catalogue) return fail(catalogue.error());
+  // Held until the copy is made: no other program changes the file in the meantime.
+  if (auto held = catalogue->begin(); !held) return fail(held.error());
+  const auto made = copyPresent(shopFolder, clock);
+  if (!made) return fail(made.error());
+  if (made->empty()) return false;
+  dropOldest(shopFolder, *made);
+  return true;
+}
+
+std::function<void(const std::string& shopFolder)> catalogueCopier(Surroundings& with) {
+  return [&with](const std::string& shopFolder) {
+    const auto kept = keepDatedCopy(shopFolder, with.clock);
+    if (kept) return;
+    const ErrorKind kind = kept.error().kind;
+    const bool isToldByOpening = kind == ErrorKind::InUse || kind == ErrorKind::Corrupt || kind == ErrorKind::Missing ||
+                                 kind == ErrorKind::ReadOnly;
+    if (!isToldByOpening) with.user.message(notKept + copiesFolder(shopFolder) + notKeptAdvice, Icon::Exclamation);
+  };
+}
+
+Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock) {
+  const auto copies = backupCopies(shopFolder);
+  const auto chosen = std::ranges::find(copies, name, &BackupCopy::name);
+  if (chosen == copies.end()) return fail(ErrorKind::Missing, std::string(name), "no such copy");
+  const std::string copy = joinPath(copiesFolder(shopFolder), chosen->name);
+  if (auto looked = Database::open(copy, OpenMode::ReadOnly); !looked) return fail(looked.error());
+  if (auto settled = settlePresent(shopFolder); !settled) return settled;
+  const std::string catalogue = joinPath(shopFolder, catalogueFile);
+  std::string present;
+  if (fileExists(catalogue)) {
+    auto made = copyPresent(shopFolder, clock);
+    if (!made) return fail(made.error());
+    present = std::move(*made);
+  }
+  if (auto dropped = dropJournal(shopFolder); !dropped) return dropped;
+  if (auto placed = copyFile(copy, catalogue); !placed) return placed;
+  dropOldest(shopFolder, present);
+  return {};
+}
+
+bool RipristinaCopia(Session& session, Surroundings& with, const std::string& name) {
+  const std::string shopFolder = session.ShopFolder;
+  releaseCatalogue(session, with);
+  const auto restored = restoreCopy(shopFolder, name, with.clock);
+  if (!restored) with.user.message(notRestored + restored.error().what, Icon::Critical);
+  static_cast<void>(RiavviaSessione(session, with));
+  return restored.has_value();
+}
+
+Question restoreQuestion(const BackupCopy& copy) {
+  return {"Il catalogo del negozio sarà sostituito dalla copia del " + shownTime(copy.madeAt) +
+              ":\nle modifiche effettuate in seguito non ne fanno parte.\n"
+              "Una copia del catalogo attuale sarà conservata.\n\nRipristinare la copia?",
+          Buttons::YesNo, Answer::No, Icon::Exclamation};
+}
+
+std::string shownTime(std::int64_t seconds) {
+  const auto time = static_cast<std::time_t>(seconds);
+  std::tm local{};
+  if (::localtime_r(&time, &local) == nullptr) return {};
+  const auto two = [](int number) { return formatNumber(number, "00"); };
+  return two(local.tm_mday) + "/" + two(local.tm_mon + 1) + "/" + std::to_string(local.tm_year + 1900) + " " +
+         two(local.tm_hour) + ":" + two(local.tm_min);
+}
+
+std::string shownSize(std::uint64_t bytes) {
+  constexpr std::uint64_t kilobyte = 1024;
+  constexpr std::uint64_t megabyte = kilobyte * kilobyte;
+  if (bytes < megabyte) return std::to_string((bytes + kilobyte - 1) / kilobyte) + " KB";
+  const auto megabytes = static_cast<double>(bytes) / static_cast<double>(megabyte);
+  return replaceAll(formatNumber(megabytes, "0.0"), ".", ",") + " MB";
+}
+
+}  // namespace kv

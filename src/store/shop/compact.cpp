@@ -1,0 +1,64 @@
+#include "store/shop/compact.h"
+
+#include "platform/files/files.h"
+#include "platform/numbers/number_form.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr int sessionsBetween = 9;  // the close that reads this number compacts
+
+struct CompactionFiles {
+  explicit CompactionFiles(const std::string& shopFolder)
+      : catalogue(joinPath(shopFolder, catalogueFile)),
+        previous(joinPath(shopFolder, "catalog.tmp")),
+        compacted(joinPath(shopFolder, "catalog.tm0")) {}
+  std::string catalogue;
+  std::string previous;
+  std::string compacted;
+};
+
+// Counts this close; true when it is the one that compacts.
+bool isTurn(Settings& settings) {
+  const auto times = static_cast<std::int64_t>(leadingNumber(settings.get(settingsSection, "Times")));
+  if (!settings.set(settingsSection, "Times", trimmedNumber(times + 1)) || times < sessionsBetween) return false;
+  if (!settings.set(settingsSection, "Times", "0")) return false;
+  return settings.get(settingsSection, "Compact") != "0";
+}
+
+Result<> compact(const std::string& shopFolder) {
+  const CompactionFiles files(shopFolder);
+  for (const std::string& old : {files.previous, files.compacted}) {
+    if (!fileExists(old)) continue;
+    if (auto deleted = deleteFile(old); !deleted) return deleted;
+  }
+  if (auto written = Database::compact(files.catalogue, files.compacted); !written) return written;
+  return swapInCompacted(shopFolder, renameFile);
+}
+
+}  // namespace
+
+void CompattaCatalogo(const std::string& shopFolder, Surroundings& with) {
+  if (shopFolder.empty() || !fileExists(joinPath(shopFolder, catalogueFile))) return;
+  if (!isTurn(with.settings)) return;
+  with.user.progress({"Compattazione del database...", 0, 1});
+  static_cast<void>(compact(shopFolder));
+  with.user.progress({"", 0, 0});
+}
+
+Result<> swapInCompacted(const std::string& shopFolder, const Rename& rename) {
+  const CompactionFiles files(shopFolder);
+  if (auto kept = rename(files.catalogue, files.previous); !kept) return kept;
+  auto swapped = rename(files.compacted, files.catalogue);
+  if (!swapped) static_cast<void>(rename(files.previous, files.catalogue));
+  return swapped;
+}
+
+void recoverCatalogue(const std::string& shopFolder) {
+  const CompactionFiles files(shopFolder);
+  if (fileExists(files.catalogue) || !fileExists(files.previous) || !fileExists(files.compacted)) return;
+  static_cast<void>(renameFile(files.previous, files.catalogue));
+}
+
+}  // namespace kv

@@ -1,0 +1,220 @@
+#include "store/shop/load_shop.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "store/shop/open_shop.h"
+#include "store/shop/order_numbers.h"
+#include "store/shop/shop_check.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t templateNameWidth = 50;
+constexpr const char* fallbackModel = "modello1";
+constexpr const char* incompatible =
+    "Negozio non compatibile con la versione Korvane\nSi desidera aprire un altro negozio?";
+constexpr const char* templateNeeded = "Per costruire il negozio sarà necessario scegliere un template";
+constexpr const char* inUse = "Il database è utilizzato da un altro utente.";
+constexpr const char* corrupt = "Il database è corrotto, oppure sono stati cancellati alcuni file del programma.";
+constexpr const char* readOnly =
+    "Il file \"catalog.mdb\" potrebbe essere in sola lettura.\n\n"
+    "Se la cartella del negozio è stata copiata da un CD o altro supporto\n"
+    "di sola lettura, per aprire il negozio sarà necessario rimuovere l'attributo\n"
+    "\"sola lettura\" da tutti i file della cartella e delle sottocartelle.\n\n"
+    "Si desidera farlo ora?";
+constexpr const char* repaired = "Operazione completata. Sarà necessario riavviare il programma.";
+constexpr const char* notRepaired =
+    "Impossibile rimuovere l'attributo \"sola lettura\" dai file della cartella del negozio.";
+
+bool isIncompatible(const std::string& path) {
+  auto catalogue = ApriDatabase(path, false);
+  if (!catalogue) return false;
+  const auto version = catalogueVersion(*catalogue);
+  return version && *version < firstVersion;
+}
+
+void completeShop(const Session& session, const Surroundings& with) {
+  if (with.hooks.CompletaGateway) with.hooks.CompletaGateway(session.ShopFolder);
+  if (isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
+  if (with.hooks.CopiaCatalogo) with.hooks.CopiaCatalogo(session.ShopFolder);
+  if (with.hooks.AggiornaNegozio) with.hooks.AggiornaNegozio(session.ShopFolder);
+  renumberShop(session.ShopFolder);
+}
+
+LoadResult offerAnotherShop(Session& session, Surroundings& with) {
+  // The folder just refused may be chosen again, and is then judged by its file.
+  session.catalogue.close();
+  const Answer answer = with.user.question({incompatible, Buttons::YesNo, Answer::Yes, Icon::Question});
+  if (answer == Answer::Yes && ApriNegozio(session, with, "*")) return LoadResult::Replaced;
+  return LoadResult::Failed;
+}
+
+// The single field of `generale`; null as empty.
+Result<std::string> setting(Session& session, const std::string& column) {
+  auto value = session.catalogue.scalar("SELECT " + column + " FROM generale");
+  if (!value) return fail(value.error());
+  return asText(*value);
+}
+
+Result<> storeSetting(Session& session, const std::string& column, const std::string& value) {
+  auto statement = session.catalogue.prepare("UPDATE generale SET " + column + " = ?");
+  if (!statement) return fail(statement.error());
+  statement->bind(1, std::string_view(value));
+  return statement->execute();
+}
+
+/// A working folder: its column, the folder that serves when the column is empty, and its place in the session.
+struct WorkingFolder {
+  const char* column;
+  const char* name;
+  std::string Session::*field;
+};
+constexpr std::array<WorkingFolder, 2> workingFolders{
+    {{"siteonline", "online", &Session::onlineFolder}, {"sitescript", "scripts", &Session::scriptFolder}}};
+
+Result<> resetIfMissing(Session& session, Surroundings& with, const WorkingFolder& working) {
+  std::string& folder = session.*working.field;
+  if (session.quiet || folderExists(folder)) return {};
+  const std::string text =
+      "La cartella di lavoro \"" + folder + "\" non esiste:\nSi desidera resettarla e utilizzare quella predefinita?";
+  if (with.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
+  if (auto stored = storeSetting(session, working.column, ""); !stored) return stored;
+  folder = joinPath(session.ShopFolder, working.name);
+  // A default folder that cannot be made is like any other that is missing: the build reports it.
+  static_cast<void>(createFolder(folder));
+  return {};
+}
+
+Result<> resolveFolders(Session& session, Surroundings& with) {
+  for (const WorkingFolder& working : workingFolders) {
+    auto stored = setting(session, working.column);
+    if (!stored) return fail(stored.error());
+    session.*working.field = stored->empty() ? joinPath(session.ShopFolder, working.name) : *stored;
+  }
+  for (const WorkingFolder& working : workingFolders) {
+    if (auto tested = resetIfMissing(session, with, working); !tested) return tested;
+  }
+  session.quiet = false;
+  return {};
+}
+
+Result<> resolveTemplate(Session& session, Surroundings& with) {
+  auto name = setting(session, "template");
+  if (!name) return fail(name.error());
+  session.templatePath.clear();
+  session.models.clear();
+  if (!name->empty()) {
+    session.templatePath = joinPath(templateFolder, *name);
+    session.models = templateModels(with.applicationFolder, *name);
+    if (!session.models.empty()) return {};
+  }
+  if (session.silentReload) {
+    session.models = {fallbackModel};
+    return {};
+  }
+  auto chosen = chooseTemplate(session, with, *name);
+  if (!chosen) return fail(chosen.error());
+  if (*chosen) return {};
+  session.models = {fallbackModel};
+  if (!name->empty()) with.user.message(templateNeeded, Icon::Exclamation);
+  return {};
+}
+
+Result<LoadResult> fillSession(Session& session, Surroundings& with) {
+  auto catalogue = ApriDatabase(joinPath(session.ShopFolder, catalogueFile), true);
+  if (!catalogue) return fail(catalogue.error());
+  session.catalogue = std::move(*catalogue);
+  const auto version = catalogueVersion(session.catalogue);
+  if (!version) return fail(version.error());
+  if (*version < firstVersion) return offerAnotherShop(session, with);
+  if (auto counted = countArticles(session); !counted) return fail(counted.error());
+  if (with.hooks.bind) with.hooks.bind(session);
+  session.bound = true;
+  if (auto resolved = resolveFolders(session, with); !resolved) return fail(resolved.error());
+  if (auto resolved = resolveTemplate(session, with); !resolved) return fail(resolved.error());
+  if (auto read = readLanguages(session); !read) return fail(read.error());
+  return LoadResult::Opened;
+}
+
+void repairReadOnly(Session& session, Surroundings& with) {
+  if (with.user.question({readOnly, Buttons::YesNo, Answer::Yes, Icon::Exclamation}) != Answer::Yes) {
+    session.ShopFolder.clear();
+    return;
+  }
+  if (makeWritable(session.ShopFolder)) {
+    with.user.message(repaired, Icon::Information);
+    return;
+  }
+  with.user.message(notRepaired, Icon::Critical);
+  session.ShopFolder.clear();
+}
+
+LoadResult reportFailure(Session& session, Surroundings& with, const Error& error) {
+  releaseCatalogue(session, with);
+  if (error.kind == ErrorKind::ReadOnly) {
+    repairReadOnly(session, with);
+    return LoadResult::Failed;
+  }
+  with.user.message(error.kind == ErrorKind::InUse ? inUse : corrupt, Icon::Critical);
+  session.ShopFolder.clear();
+  return LoadResult::Failed;
+}
+
+}  // namespace
+
+void releaseCatalogue(Session& session, const Surroundings& with) {
+  if (session.bound && with.hooks.release) with.hooks.release(session);
+  session.bound = false;
+  session.catalogue.close();
+}
+
+LoadResult CaricaNegozio(Session& session, Surroundings& with) {
+  if (session.ShopFolder.empty()) return LoadResult::Failed;
+  completeShop(session, with);
+  session.title = "Korvane - " + session.ShopFolder;
+  const auto filled = fillSession(session, with);
+  session.silentReload = false;
+  return filled ? *filled : reportFailure(session, with, filled.error());
+}
+
+std::vector<std::string> templateModels(const std::string& applicationFolder, const std::string& name) {
+  return pageModels(joinPath(joinPath(applicationFolder, templateFolder), name));
+}
+
+Result<bool> chooseTemplate(Session& session, const Surroundings& with, const std::string& current) {
+  if (!with.hooks.frmTemplate) return false;
+  const std::string answer = with.hooks.frmTemplate(current);
+  const std::string name(firstCharacters(answer, templateNameWidth));
+  if (name.empty()) return false;
+  if (auto stored = storeSetting(session, "template", name); !stored) return fail(stored.error());
+  session.templatePath = joinPath(templateFolder, name);
+  session.models = templateModels(with.applicationFolder, name);
+  return true;
+}
+
+Result<> readLanguages(Session& session) {
+  auto row = session.catalogue.prepare("SELECT lingua1, lingua2, lingua3, lingua4 FROM lingue");
+  if (!row) return fail(row.error());
+  const auto found = row->step();
+  if (!found) return fail(found.error());
+  if (!*found) return fail(ErrorKind::Corrupt, "lingue", "no row");
+  for (std::size_t i = 0; i < maxLanguages; ++i) session.languageNames[i] = std::string(row->text(static_cast<int>(i)));
+  const auto firstEmpty = std::ranges::find(session.languageNames, std::string());
+  session.languageCount = static_cast<int>(firstEmpty - session.languageNames.begin());
+  return {};
+}
+
+Result<> countArticles(Session& session) {
+  const auto count = session.catalogue.scalar("SELECT COUNT(*) AS nArt FROM articoli");
+  if (!count) return fail(count.error());
+  constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+  session.articleCount = static_cast<std::int32_t>(std::clamp<std::int64_t>(asInteger(*count), 0, most));
+  session.statusLine = " Articoli: " + std::to_string(session.articleCount);
+  return {};
+}
+
+}  // namespace kv

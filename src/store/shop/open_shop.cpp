@@ -1,0 +1,133 @@
+#include "store/shop/open_shop.h"
+
+#include <array>
+
+#include "platform/files/files.h"
+#include "store/shop/server_path.h"
+#include "store/shop/session_start.h"
+#include "store/shop/shop_check.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* chooseShop = "Selezionare la cartella che contiene il negozio da aprire:";
+constexpr const char* chooseNewShop =
+    "Selezionare la cartella del nuovo negozio (la cartella deve essere preferibilmente vuota):";
+constexpr const char* chooseAnother =
+    "La cartella selezionata non contiene un negozio\n(oppure il negozio contenuto è corrotto)\n\n"
+    "Selezionare un'altra cartella?";
+
+/// A folder that a shop may bring along, and the question before it goes into the application folder.
+struct Bundle {
+  std::string_view folder;
+  const char* question;
+};
+constexpr std::array<Bundle, 2> bundles{{{templateFolder,
+                                          "Il negozio selezionato contiene uno o più template. \n\n"
+                                          "Se si sceglie di importare i template, eventuali template\n"
+                                          "già installati con lo stesso nome saranno sovrascritti.\n\n"
+                                          "Importare i template?"},
+                                         {languagesFolder,
+                                          "Il negozio selezionato contiene uno o più moduli linguistici. \n\n"
+                                          "Se si sceglie di importarli, eventuali moduli linguistici\n"
+                                          "già installati con lo stesso nome saranno sovrascritti.\n\n"
+                                          "Importare i moduli linguistici?"}}};
+
+std::string currentFolder(const Session& session, const Surroundings& with) {
+  return session.ShopFolder.empty() ? with.applicationFolder : session.ShopFolder;
+}
+
+Result<> importBundles(const std::string& folder, Surroundings& with) {
+  for (const Bundle& bundle : bundles) {
+    const std::string from = joinPath(folder, bundle.folder);
+    if (!folderExists(from)) continue;
+    if (with.user.question({bundle.question, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) continue;
+    if (auto copied = CopiaAlbero(from, joinPath(with.applicationFolder, bundle.folder)); !copied) return copied;
+  }
+  return {};
+}
+
+// Makes an accepted folder the current one. On failure serverpath.net says what it said before.
+Result<> takeFolder(const std::string& folder, Surroundings& with) {
+  const ServerPathBackup before(with.applicationFolder);
+  if (isApplicationFolder(folder, with.applicationFolder)) return clearServerPath(with.applicationFolder);
+  auto taken = writeServerPath(with.applicationFolder, folder);
+  if (taken) taken = importBundles(folder, with);
+  if (!taken) static_cast<void>(before.restore());
+  return taken;
+}
+
+enum class Outcome { Accepted, Refused, AskAgain };
+
+Outcome offerAnother(Surroundings& with) {
+  const Answer answer = with.user.question({chooseAnother, Buttons::YesNo, Answer::Yes, Icon::Question});
+  return answer == Answer::Yes ? Outcome::AskAgain : Outcome::Refused;
+}
+
+Outcome tryFolder(Session& session, Surroundings& with, const std::string& path) {
+  if (isRoot(path)) {
+    with.user.message(
+        "La cartella '" + path + "' è la root di un disco: non è consentito aprire un negozio in questa posizione",
+        Icon::Exclamation);
+    return Outcome::Refused;
+  }
+  if (path.empty()) return Outcome::Refused;
+  const ShopCheck check = validateShop(path, &session.catalogue);
+  if (check.kind == ShopFault::FolderFailure) return offerAnother(with);
+  if (!check.ok) {
+    with.user.message(check.message, check.kind == ShopFault::DatabaseFailure ? Icon::Critical : Icon::Exclamation);
+    return Outcome::Refused;
+  }
+  return takeFolder(path, with) ? Outcome::Accepted : offerAnother(with);
+}
+
+// Lays the model shop into the folder. What a failure leaves behind must not pass for a shop at the next try.
+bool layModelShop(const std::string& folder, const Surroundings& with) {
+  if (CopiaAlbero(joinPath(with.applicationFolder, "new"), folder)) return true;
+  static_cast<void>(deleteFile(joinPath(folder, catalogueFile)));
+  return false;
+}
+
+}  // namespace
+
+bool ApriNegozio(Session& session, Surroundings& with, std::string path) {
+  bool ask = path == "*";
+  Outcome outcome = Outcome::AskAgain;
+  while (outcome == Outcome::AskAgain) {
+    if (ask) {
+      path = ScegliCartella(with.user, chooseShop, currentFolder(session, with));
+      session.quiet = true;
+    }
+    path = withoutTrailingSeparator(path);
+    outcome = tryFolder(session, with, path);
+    ask = true;
+  }
+  if (outcome == Outcome::Refused) {
+    session.quiet = false;
+    return false;
+  }
+  static_cast<void>(RiavviaSessione(session, with));
+  return true;
+}
+
+bool NuovoNegozio(Session& session, Surroundings& with) {
+  const std::string folder = ScegliCartella(with.user, chooseNewShop, currentFolder(session, with));
+  if (folder.empty()) return false;
+  if (isRoot(folder)) {
+    with.user.message("La cartella '" + folder + "' è la root di un disco, e non è consentito crearvi un nuovo negozio",
+                      Icon::Exclamation);
+    return false;
+  }
+  if (fileExists(joinPath(folder, catalogueFile))) {
+    with.user.message("Nel percorso specificato è già presente un negozio", Icon::Exclamation);
+    return false;
+  }
+  if (!layModelShop(folder, with)) {
+    with.user.message("Impossibile creare un negozio nel percorso specificato", Icon::Critical);
+    return false;
+  }
+  return ApriNegozio(session, with, folder);
+}
+
+}  // namespace kv

@@ -1,0 +1,22 @@
+#pragma once
+// Choosing a shop: opening a folder and making a new one. Both end in a restart of the session on the new folder; a
+// folder that is refused leaves the running session as it was.
+
+#include <string>
+
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// ApriNegozio (open a shop): validates a folder and switches to it. `path` is the folder itself, or "*": the user
+/// chooses, and the session's quiet flag is set. True when the folder was accepted; the session then is the one
+/// that RiavviaSessione has made, which may have failed to load (its catalogue is not open).
+/// Shows its own messages. When it returns false, serverpath.net and the session are as they were and the quiet flag
+/// is off.
+bool ApriNegozio(Session& session, Surroundings& with, std::string path);
+
+/// NuovoNegozio (new shop): asks for a folder, lays the application's model shop into it and opens it. The folder
+/// may hold files, but no catalogue. True when the new shop was accepted by ApriNegozio.
+bool NuovoNegozio(Session& session, Surroundings& with);
+
+}  // namespace kv

@@ -1,0 +1,64 @@
+#include "store/shop/order_numbers.h"
+
+#include "platform/files/files.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* renumberArticles =
+    "UPDATE articoli SET ordinamento = wanted.place FROM (SELECT ID AS number, ordinamento AS present, "
+    "95 + 5 * row_number() OVER (ORDER BY catID, ordinamento, ID) AS place FROM articoli) AS wanted "
+    "WHERE articoli.ID = wanted.number AND wanted.place IS NOT wanted.present";
+constexpr const char* renumberDepartments =
+    "UPDATE categorie SET ordinamento = wanted.place FROM (SELECT contatore AS number, ordinamento AS present, "
+    "95 + 5 * row_number() OVER (ORDER BY livello, ordinamento, contatore) AS place FROM categorie) AS wanted "
+    "WHERE categorie.contatore = wanted.number AND wanted.place IS NOT wanted.present";
+
+void makeRoom(OrderPlan& plan, std::size_t first, std::size_t count) {
+  plan.firstMoved = first;
+  for (std::size_t i = first; i < count; ++i) {
+    plan.moved.push_back(plan.order + 1 + static_cast<std::int64_t>(i - first));
+  }
+}
+
+}  // namespace
+
+OrderPlan planAfter(std::span<const std::int64_t> orders, std::optional<std::size_t> current) {
+  OrderPlan plan;
+  if (orders.empty()) return plan;
+  const std::size_t place = current.value_or(orders.size() - 1);
+  plan.order = orders[place] + 1;
+  if (place + 1 < orders.size() && orders[place + 1] <= plan.order) makeRoom(plan, place + 1, orders.size());
+  return plan;
+}
+
+OrderPlan planBefore(std::span<const std::int64_t> orders, std::optional<std::size_t> current) {
+  OrderPlan plan;
+  if (orders.empty()) return plan;
+  const std::size_t place = current.value_or(0);
+  plan.order = orders[place] - 1;
+  if (place == 0 || orders[place - 1] < plan.order) return plan;
+  plan.order = orders[place - 1] + 1;
+  makeRoom(plan, place, orders.size());
+  return plan;
+}
+
+Result<> renumberCatalogue(Database& catalogue) {
+  if (auto begun = catalogue.begin(); !begun) return begun;
+  for (const char* statement : {renumberArticles, renumberDepartments}) {
+    if (auto done = catalogue.execute(statement); !done) {
+      catalogue.rollback();
+      return done;
+    }
+  }
+  return catalogue.commit();
+}
+
+void renumberShop(const std::string& shopFolder) {
+  // A catalogue that can't be opened or written is told of when the session opens it.
+  auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
+  if (catalogue) static_cast<void>(renumberCatalogue(*catalogue));
+}
+
+}  // namespace kv

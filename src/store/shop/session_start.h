@@ -1,0 +1,39 @@
+#pragma once
+// The life of a session: found and loaded at the start, torn down and loaded again when the shop changes, closed at
+// the end. A change of shop never happens in place.
+
+#include <string>
+
+#include "store/shop/load_shop.h"
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// What of the menus depends on files that may stand in the application folder.
+struct OptionalEntries {
+  std::string manual;         ///< path of the template manual, the PDF being preferred; empty hides its entry
+  bool orders = false;        ///< mnuSO: ordsync.exe is there
+  bool availability = false;  ///< mnuFMgiac: ogg.exe is there
+  bool accounting = false;    ///< mnuImportaOG: gwimp.exe is there
+};
+OptionalEntries optionalEntries(const std::string& applicationFolder);
+
+/// Whether the settings turn on incremental build: "1", or nothing stored yet.
+bool wantsSmartBuild(const Settings& settings);
+
+/// Starts the program: settles the settings `smartbuild` and `Path`, then loads the session.
+LoadResult startSession(Session& session, Surroundings& with);
+
+/// Finds the shop folder (serverpath.net, else the application folder) and loads it. A named folder without a
+/// catalogue brings the question for another shop. Failed: the program ends.
+LoadResult loadSession(Session& session, Surroundings& with);
+
+/// RiavviaSessione (restart the session): tears it down and loads it again, through the hook `reload` when the
+/// program sets one. Nothing of the session survives but the quiet flag, the silent-reload flag and smartBuild.
+LoadResult RiavviaSessione(Session& session, Surroundings& with);
+
+/// Closes the program's session: the catalogue is closed and, when the user is leaving (compactOnExit), compaction
+/// gets its turn.
+void closeSession(Session& session, Surroundings& with);
+
+}  // namespace kv

@@ -1,0 +1,59 @@
+#include "store/shop/shop_check.h"
+
+#include <array>
+
+#include "platform/files/files.h"
+#include "store/shop/compact.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* notAShop =
+    "La cartella selezionata non contiene un negozio\n(oppure il negozio contenuto è corrotto)";
+constexpr const char* earlierProduct =
+    "Il negozio è stato realizzato con una versione Primo\n"
+    "e non può essere aperto direttamente.\n"
+    "Utilizzare l'apposito comando del menu \"File\" per\n"
+    "importare tutti i dati.";
+constexpr const char* unknownVersion = "Versione non riconosciuta: il negozio non può essere aperto.";
+
+constexpr std::array<std::string_view, 3> seeds{catalogueFile, transferFile, tagSeedFile};
+constexpr std::array<std::string_view, 4> workingFolders{"work", "online", "scripts", "db"};
+
+bool makeWorkingFolders(const std::string& folder) {
+  for (std::string_view name : workingFolders) {
+    // Whether it could be made shows in the test.
+    static_cast<void>(createFolder(joinPath(folder, name)));
+    if (!folderExists(joinPath(folder, name))) return false;
+  }
+  return true;
+}
+
+Result<int> versionOf(const std::string& path, Database* own) {
+  if (own != nullptr && own->isOpen() && own->path() == path) return catalogueVersion(*own);
+  auto catalogue = ApriDatabase(path, false);
+  if (!catalogue) return fail(catalogue.error());
+  return catalogueVersion(*catalogue);
+}
+
+}  // namespace
+
+ShopCheck validateShop(const std::string& folder, Database* own) {
+  recoverCatalogue(folder);
+  for (std::string_view name : seeds) {
+    if (!fileExists(joinPath(folder, name))) return {false, ShopFault::NotAShop, notAShop};
+  }
+  if (!makeWorkingFolders(folder)) return {false, ShopFault::FolderFailure, notAShop};
+  const auto version = versionOf(joinPath(folder, catalogueFile), own);
+  if (!version) {
+    const Error& error = version.error();
+    return {false, ShopFault::DatabaseFailure,
+            "Impossibile aprire il database:\n" + std::to_string(error.number) + " " + error.what};
+  }
+  if (*version < firstOwnVersion) return {false, ShopFault::EarlierProduct, earlierProduct};
+  if (*version < firstVersion || *version > lastVersion) return {false, ShopFault::UnknownVersion, unknownVersion};
+  return {true, ShopFault::None, {}};
+}
+
+}  // namespace kv

@@ -1,0 +1,36 @@
+#pragma once
+// Whether a folder holds a shop that this program can open. Nothing of the running session is touched.
+
+#include <string>
+
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// Why a folder is no shop to open.
+enum class ShopFault {
+  None,
+  NotAShop,        ///< catalog.mdb, kvftp.mdb or source.new is missing
+  FolderFailure,   ///< a working folder could not be made
+  EarlierProduct,  ///< the catalogue of the earlier product line
+  UnknownVersion,  ///< a version that is not from 1000 to 1099
+  DatabaseFailure  ///< the catalogue could not be read
+};
+
+struct ShopCheck {
+  bool ok = false;
+  ShopFault kind = ShopFault::None;
+  std::string message;  ///< for the user; empty when ok
+};
+
+/// Versions of the catalogue that are opened.
+constexpr int firstVersion = 1000;
+constexpr int lastVersion = 1099;
+/// The first version that is not of the earlier product line.
+constexpr int firstOwnVersion = 299;
+
+/// Judges a folder. Makes `work`, `online`, `scripts` and `db` in it when they are missing. `own` is the handle of
+/// the running session, or null: the catalogue it holds is read through it, because no second look gets past it.
+ShopCheck validateShop(const std::string& folder, Database* own = nullptr);
+
+}  // namespace kv

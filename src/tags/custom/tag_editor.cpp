@@ -1,0 +1,109 @@
+#include "tags/custom/tag_editor.h"
+
+#include <algorithm>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+std::string withoutLineEnds(std::string_view text) {
+  std::string line(text);
+  std::erase_if(line, [](char letter) { return letter == '\r' || letter == '\n'; });
+  return line;
+}
+
+std::string withCrLf(std::string_view text) {
+  return replaceAll(replaceAll(replaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
+}
+
+/// Where a file stands, whatever the case of its name.
+std::string placeOf(const std::string& folder, std::string_view name) {
+  return findEntry(folder, name).value_or(joinPath(folder, name));
+}
+
+/// What stands at `stem`.tag becomes `stem`.bak, over the one of last time. True when there was something.
+Result<bool> setAside(const std::string& folder, const std::string& stem) {
+  const std::string file = placeOf(folder, stem + ".tag");
+  if (!fileExists(file)) return false;
+  const std::string aside = placeOf(folder, stem + ".bak");
+  if (fileExists(aside)) {
+    if (auto deleted = deleteFile(aside); !deleted) return fail(deleted.error());
+  }
+  if (auto moved = renameFile(file, aside); !moved) return fail(moved.error());
+  return true;
+}
+
+/// `stem`.new becomes `stem`.tag; the old one is put back when that fails.
+Result<> takeInUse(const std::string& folder, const std::string& stem) {
+  const auto hadOld = setAside(folder, stem);
+  if (!hadOld) return fail(hadOld.error());
+  const std::string file = joinPath(folder, stem + ".tag");
+  auto moved = renameFile(joinPath(folder, stem + ".new"), file);
+  if (!moved && *hadOld) static_cast<void>(renameFile(placeOf(folder, stem + ".bak"), file));
+  return moved;
+}
+
+Result<> storeSwitch(Session& session, bool enabled) {
+  auto statement = session.catalogue.prepare("UPDATE generale SET personaltags = ?");
+  if (!statement) return fail(statement.error());
+  statement->bind(1, std::string_view(enabled ? "1" : "0"));
+  return statement->execute();
+}
+
+}  // namespace
+
+TagEditor TagEditor::load(Session& session, const std::string& applicationFolder) {
+  TagEditor editor;
+  editor.tags_ = CaricaTagPersonali(session.ShopFolder, applicationFolder).entries();
+  const auto stored = session.catalogue.scalar("SELECT personaltags FROM generale");
+  editor.enabled_ = stored && asFlag(*stored);
+  return editor;
+}
+
+std::string TagEditor::line(std::size_t place) const {
+  const std::string& name = tags_[place].name;
+  return name.empty() ? std::string() : "<<5-" + name + ">>";
+}
+
+bool TagEditor::add() {
+  if (tags_.size() >= mostTags) return false;
+  tags_.emplace_back();
+  return true;
+}
+
+void TagEditor::remove(std::size_t place) {
+  if (place < tags_.size()) tags_.erase(tags_.begin() + static_cast<std::ptrdiff_t>(place));
+}
+
+void TagEditor::setName(std::size_t place, std::string_view name) { tags_[place].name = withoutLineEnds(name); }
+void TagEditor::setText(std::size_t place, std::string_view text) { tags_[place].text = withCrLf(text); }
+void TagEditor::setOfShop(std::size_t place, bool ofShop) { tags_[place].ofShop = ofShop; }
+
+std::string TagEditor::fileText(bool ofShop) const {
+  std::string text;
+  for (std::size_t i = 0; i < tags_.size(); ++i) {
+    const CustomTag& tag = tags_[i];
+    if (tag.ofShop == ofShop && !tag.name.empty()) text += line(i) + "\r\n" + tag.text + "\r\n";
+  }
+  return text;
+}
+
+Result<> TagEditor::save(Session& session, const std::string& applicationFolder) const {
+  const std::string ofShop = fileText(true);
+  // Both are written before either is taken into use: a full disk leaves the old ones.
+  if (auto written = writeText(joinPath(applicationFolder, "personal.new"), fileText(false)); !written) return written;
+  if (!ofShop.empty()) {
+    if (auto written = writeText(joinPath(session.ShopFolder, "shoptag.new"), ofShop); !written) return written;
+  }
+  if (auto taken = takeInUse(applicationFolder, "personal"); !taken) return taken;
+  if (!ofShop.empty()) {
+    if (auto taken = takeInUse(session.ShopFolder, "shoptag"); !taken) return taken;
+  } else if (auto aside = setAside(session.ShopFolder, "shoptag"); !aside) {
+    return fail(aside.error());
+  }
+  return storeSwitch(session, enabled_);
+}
+
+}  // namespace kv

@@ -1,0 +1,172 @@
+// One walk for a whole list of names. Every reference found in the text as it came is a candidate; a candidate counts
+// unless the replacement of an earlier one, in the order of list, round, delimiters and place, put a tag between its
+// letters. What is put in can't make a reference of its own, because "<" is in no name; lists in which it is, are
+// worked through name by name.
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <set>
+#include <tuple>
+#include <unordered_map>
+
+#include "tags/engine/reference_name.h"
+#include "tags/engine/tag_engine.h"
+#include "tags/syntax/tag_index.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view delimiterLetters = "\"' =>";
+
+constexpr std::array<bool, 256> delimiterTable() {
+  std::array<bool, 256> table{};
+  for (const char letter : delimiterLetters) table[static_cast<unsigned char>(letter)] = true;
+  return table;
+}
+constexpr std::array<bool, 256> delimiters = delimiterTable();
+constexpr auto isDelimiter = [](char letter) { return delimiters[static_cast<unsigned char>(letter)]; };
+
+/// The position of a pair in referenceDelimiters; its size when they are no pair.
+std::size_t pairOf(char open, char close) {
+  const auto same = [&](const Delimiters& pair) { return pair.open == open && pair.close == close; };
+  const auto at = std::find_if(referenceDelimiters.begin(), referenceDelimiters.end(), same);
+  return static_cast<std::size_t>(at - referenceDelimiters.begin());
+}
+
+struct Candidate {
+  std::size_t form;
+  std::size_t pair;
+  std::size_t place;  ///< of the letter before the name
+};
+
+}  // namespace
+
+struct ReferenceReplacer::Index {
+  std::vector<std::string> names;
+  std::string pageExtension;
+  bool oneWalk = true;
+  std::vector<ReferenceForm> forms;  ///< in the order of their turn
+  bool hasDelimiters = false;        ///< in a form: candidates may then overlap
+  /// Forms by their letters up to the first delimiter.
+  std::unordered_map<std::string, std::vector<std::size_t>, TextHash, std::equal_to<>> byStart;
+  std::bitset<8192> starts;  ///< which lengths and last letters of a start occur
+
+  static std::size_t mark(std::string_view start) {
+    return start.empty() ? 0 : (start.size() & 31U) * 256 + static_cast<unsigned char>(start.back());
+  }
+  void addForm(ReferenceForm form);
+  void addCandidates(std::string_view folded, std::size_t open, std::size_t end, std::vector<Candidate>& found) const;
+  std::vector<Candidate> candidates(std::string_view folded) const;
+  void dropBroken(std::vector<Candidate>& found) const;
+  std::string replaced(std::string text, std::vector<Candidate>& found) const;
+};
+
+void ReferenceReplacer::Index::addForm(ReferenceForm form) {
+  const auto firstDelimiter = std::find_if(form.folded.begin(), form.folded.end(), isDelimiter);
+  hasDelimiters = hasDelimiters || firstDelimiter != form.folded.end();
+  const std::string start(form.folded.begin(), firstDelimiter);
+  std::vector<std::size_t>& sameStart = byStart[start];
+  // The first of equal forms has replaced what the others would look for.
+  const auto same = [&](std::size_t other) { return forms[other].folded == form.folded; };
+  if (std::any_of(sameStart.begin(), sameStart.end(), same)) return;
+  sameStart.push_back(forms.size());
+  starts.set(mark(start));
+  forms.push_back(std::move(form));
+}
+
+/// Adds what the letters from behind `open` on refer to; `end` is the next delimiter.
+void ReferenceReplacer::Index::addCandidates(std::string_view folded, std::size_t open, std::size_t end,
+                                             std::vector<Candidate>& found) const {
+  const std::string_view start = folded.substr(open + 1, end - open - 1);
+  if (!starts.test(mark(start))) return;
+  const auto sameStart = byStart.find(start);
+  if (sameStart == byStart.end()) return;
+  for (const std::size_t number : sameStart->second) {
+    const std::string& name = forms[number].folded;
+    const std::size_t close = open + 1 + name.size();
+    if (close >= folded.size() || folded.compare(open + 1, name.size(), name) != 0) continue;
+    const std::size_t pair = pairOf(folded[open], folded[close]);
+    if (pair < referenceDelimiters.size()) found.push_back({number, pair, open});
+  }
+}
+
+std::vector<Candidate> ReferenceReplacer::Index::candidates(std::string_view folded) const {
+  std::vector<Candidate> found;
+  auto open = std::find_if(folded.begin(), folded.end(), isDelimiter);
+  while (open != folded.end()) {
+    const auto end = std::find_if(open + 1, folded.end(), isDelimiter);
+    if (end == folded.end()) break;
+    addCandidates(folded, static_cast<std::size_t>(open - folded.begin()),
+                  static_cast<std::size_t>(end - folded.begin()), found);
+    open = end;
+  }
+  return found;
+}
+
+/// Leaves the candidates that count, in the order of their turn.
+void ReferenceReplacer::Index::dropBroken(std::vector<Candidate>& found) const {
+  std::sort(found.begin(), found.end(), [](const Candidate& a, const Candidate& b) {
+    return std::tie(a.form, a.pair, a.place) < std::tie(b.form, b.pair, b.place);
+  });
+  std::set<std::size_t> tags;  // before which letters a tag was put
+  const auto isBroken = [&](const Candidate& candidate) {
+    const auto next = tags.upper_bound(candidate.place);
+    if (next != tags.end() && *next <= candidate.place + 1 + forms[candidate.form].folded.size()) return true;
+    tags.insert(candidate.place + 1 + forms[candidate.form].baseLength);
+    return false;
+  };
+  found.erase(std::remove_if(found.begin(), found.end(), isBroken), found.end());
+}
+
+/// Makes the replacements: first the letters of the names, of which a later one may lie behind the base of an earlier
+/// one, then the tags.
+std::string ReferenceReplacer::Index::replaced(std::string text, std::vector<Candidate>& found) const {
+  for (const auto& [number, pair, place] : found) {
+    const std::string& name = forms[number].name;
+    std::copy(name.begin(), name.end(), text.begin() + static_cast<std::ptrdiff_t>(place) + 1);
+  }
+  const auto tagPlace = [this](const Candidate& c) { return c.place + 1 + forms[c.form].baseLength; };
+  std::sort(found.begin(), found.end(),
+            [&](const Candidate& a, const Candidate& b) { return tagPlace(a) < tagPlace(b); });
+  std::string result;
+  result.reserve(text.size() + found.size() * (languageTag.size() + pageExtension.size()));
+  std::size_t done = 0;
+  for (const Candidate& candidate : found) {
+    const std::size_t at = tagPlace(candidate);
+    result.append(text, done, at - done).append(languageTag);
+    const bool renamesPage = forms[candidate.form].renamesPage;
+    if (renamesPage) result += pageExtension;
+    done = at + (renamesPage ? pageEnding : 0);
+  }
+  return result.append(text, done);
+}
+
+ReferenceReplacer::ReferenceReplacer(const std::vector<std::string>& names, std::string_view pageExtension)
+    : index_(new Index) {
+  index_->names = names;
+  index_->pageExtension = pageExtension;
+  const auto holdsBracket = [](const std::string& name) { return name.find('<') != std::string::npos; };
+  index_->oneWalk = std::none_of(names.begin(), names.end(), holdsBracket) &&
+                    pageExtension.find_first_of("\"' =><") == std::string_view::npos;
+  if (!index_->oneWalk) return;
+  for (const std::string& name : names) {
+    for (ReferenceForm& form : referenceForms(name, pageExtension)) index_->addForm(std::move(form));
+  }
+}
+
+ReferenceReplacer::~ReferenceReplacer() { delete index_; }
+
+std::string ReferenceReplacer::apply(std::string_view testo) const {
+  std::string text(testo);
+  if (!index_->oneWalk) {
+    for (const std::string& name : index_->names) text = ReplaceString(text, name, index_->pageExtension);
+    return text;
+  }
+  std::vector<Candidate> found = index_->candidates(foldKeepingLength(testo));
+  if (found.empty()) return text;
+  if (index_->hasDelimiters) index_->dropBroken(found);
+  return index_->replaced(std::move(text), found);
+}
+
+}  // namespace kv

@@ -1,0 +1,87 @@
+#include "tags/language/frm_lingue.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <utility>
+
+namespace kv {
+namespace {
+
+std::size_t placeOf(int language) { return static_cast<std::size_t>(language - 1); }
+
+}  // namespace
+
+frmLingue::frmLingue(Session& session, Surroundings& with, LanguageHooks hooks, QWidget* parent)
+    : FormDialog(languagesTitle, parent),
+      session_(session),
+      with_(with),
+      hooks_(std::move(hooks)),
+      modules_(languageModules(with.applicationFolder)),
+      choice_(languagesOf(session)) {
+  auto* form = new QFormLayout();
+  cboNumero_ = named(new QComboBox(), "cboNumero");
+  for (int n = 1; n <= maxLanguages; ++n) cboNumero_->addItem(QString::number(n));
+  cboNumero_->setCurrentIndex(choice_.count - 1);
+  form->addRow(labelFor("&Numero lingue del negozio:", cboNumero_), cboNumero_);
+  for (int n = 1; n <= maxLanguages; ++n) {
+    QComboBox* box = makeBox(n);
+    form->addRow(labelFor("Lingua &" + std::to_string(n) + ":", box), box);
+  }
+  QDialogButtonBox* buttons = makeButtons();
+  ok_ = buttons->button(QDialogButtonBox::Ok);
+  connect(buttons, &QDialogButtonBox::accepted, this, &frmLingue::store);
+  auto* column = new QVBoxLayout(this);
+  column->addLayout(form);
+  column->addStretch();
+  column->addWidget(buttons);
+  connect(cboNumero_, &QComboBox::currentIndexChanged, this, [this](int index) { numberChosen(index + 1); });
+  showBoxes();
+  sizeInLetters(56, 14);
+}
+
+QComboBox* frmLingue::makeBox(int language) {
+  QComboBox* box = named(new QComboBox(), "cboLingua" + std::to_string(language));
+  for (const std::string& module : modules_) box->addItem(toQt(module));
+  // The shop may use a module that isn't installed here: the build refuses it, this dialog keeps it.
+  const QString code = toQt(choice_.codes[placeOf(language)]);
+  if (!code.isEmpty() && box->findText(code) < 0) box->addItem(code);
+  cboLingua_[placeOf(language)] = box;
+  connect(box, &QComboBox::currentIndexChanged, this, [this, language] { codeChosen(language); });
+  return box;
+}
+
+void frmLingue::showBoxes() {
+  for (int n = 1; n <= maxLanguages; ++n) {
+    QComboBox* box = cboLingua_[placeOf(n)];
+    const QSignalBlocker quiet(box);
+    box->setCurrentIndex(box->findText(toQt(choice_.codes[placeOf(n)])));
+    box->setEnabled(choice_.isEnabled(n));
+  }
+  ok_->setEnabled(choice_.canAccept());
+}
+
+void frmLingue::numberChosen(int number) {
+  choice_.setCount(number, modules_);
+  showBoxes();
+}
+
+void frmLingue::codeChosen(int language) {
+  choice_.codes[placeOf(language)] = fromQt(cboLingua_[placeOf(language)]->currentText());
+  showBoxes();
+}
+
+void frmLingue::store() {
+  const auto stored = storeLanguages(session_, choice_, hooks_);
+  if (!stored) {
+    with_.user.message(stored.error().what, Icon::Critical);
+    return;
+  }
+  finish("OK");
+}
+
+}  // namespace kv

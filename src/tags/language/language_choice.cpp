@@ -1,0 +1,69 @@
+#include "tags/language/language_choice.h"
+
+#include <algorithm>
+
+#include "platform/files/files.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view moduleEnding = ".lng";
+
+std::size_t placeOf(int language) { return static_cast<std::size_t>(language - 1); }
+
+/// A module that no box in use shows yet.
+std::string freeModule(const LanguageChoice& choice, const std::vector<std::string>& modules) {
+  const auto isTaken = [&choice](const std::string& module) {
+    const auto end = choice.codes.begin() + choice.count;
+    return std::find(choice.codes.begin(), end, module) != end;
+  };
+  const auto free = std::ranges::find_if_not(modules, isTaken);
+  if (free != modules.end()) return *free;
+  return modules.empty() ? std::string() : modules.front();
+}
+
+}  // namespace
+
+std::vector<std::string> languageModules(const std::string& applicationFolder) {
+  std::vector<std::string> modules;
+  const auto folder = findEntry(applicationFolder, languagesFolder);
+  if (!folder) return modules;
+  for (const std::string& name : listFiles(*folder, "*.lng")) {
+    modules.push_back(name.substr(0, name.size() - moduleEnding.size()));
+  }
+  return modules;
+}
+
+void LanguageChoice::setCount(int number, const std::vector<std::string>& modules) {
+  count = std::clamp(number, 1, maxLanguages);
+  for (int n = 1; n <= count; ++n) {
+    if (codes[placeOf(n)].empty()) codes[placeOf(n)] = freeModule(*this, modules);
+  }
+}
+
+bool LanguageChoice::canAccept() const {
+  return std::none_of(codes.begin(), codes.begin() + count, [](const std::string& code) { return code.empty(); });
+}
+
+LanguageChoice languagesOf(const Session& session) {
+  return {std::clamp(session.languageCount, 1, maxLanguages), session.languageNames};
+}
+
+Result<> storeLanguages(Session& session, const LanguageChoice& choice, const LanguageHooks& hooks) {
+  auto codes = choice.codes;
+  // The table holds no number: an empty code ends the list.
+  for (int n = choice.count + 1; n <= maxLanguages; ++n) codes[placeOf(n)].clear();
+  auto statement = session.catalogue.prepare("UPDATE lingue SET lingua1 = ?, lingua2 = ?, lingua3 = ?, lingua4 = ?");
+  if (!statement) return fail(statement.error());
+  int column = 0;
+  for (const std::string& code : codes) statement->bind(++column, std::string_view(code));
+  if (auto stored = statement->execute(); !stored) return stored;
+  session.languageNames = codes;
+  session.languageCount = choice.count;
+  if (hooks.MostraLingue) hooks.MostraLingue();
+  if (session.currentLanguage > session.languageCount && hooks.CambiaLingua) hooks.CambiaLingua(1);
+  return {};
+}
+
+}  // namespace kv

@@ -1,0 +1,151 @@
+// The two pools of a language. Names are the same name in any case, as the merchant's own system has it: a file copied
+// over one of another case takes the name that stands there.
+#include <map>
+#include <optional>
+#include <unordered_set>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "tags/engine/tag_engine.h"
+#include "tags/package/template_package.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view pagePattern = "*.*htm*";
+constexpr std::string_view modelPattern = "modello*.htm";
+constexpr std::string_view scriptPatterns[] = {"*.js", "*.pl", "*.asp", "*.php"};
+
+/// One folder of the pools: first it is settled which file goes in under which name, then each is put there once.
+/// Failures are left aside: a file that can't be copied is missed where it is used.
+class Pool {
+ public:
+  explicit Pool(std::string folder) : folder_(std::move(folder)) {
+    static_cast<void>(createFolder(folder_));
+    for (const std::string& name : listFiles(folder_, "*.*")) static_cast<void>(deleteFile(joinPath(folder_, name)));
+  }
+  const std::string& folder() const { return folder_; }
+
+  /// A file of a folder goes in, over one of the same name.
+  void add(const std::string& from, const std::string& name) {
+    const auto entry = entries_.try_emplace(foldCase(name), Entry{name, ""}).first;
+    entry->second.source = joinPath(from, name);
+  }
+  /// Puts the files there. With a replacer, those that match the pattern have their references rewritten on the way.
+  void fill(std::string_view pattern, const ReferenceReplacer* replacer) const {
+    for (const auto& [folded, entry] : entries_) {
+      const std::string target = joinPath(folder_, entry.name);
+      const bool isRewritten = replacer != nullptr && (pattern == everyFile || matchesWildcard(entry.name, pattern));
+      if (!isRewritten || !rewrite(entry.source, target, *replacer)) static_cast<void>(copyFile(entry.source, target));
+    }
+  }
+  /// Rewrites the references of files that are there already.
+  void rewriteInPlace(const ReferenceReplacer& replacer) const {
+    for (const std::string& name : listFiles(folder_, everyFile)) {
+      const std::string path = joinPath(folder_, name);
+      static_cast<void>(rewrite(path, path, replacer));
+    }
+  }
+  static constexpr std::string_view everyFile = "*.*";
+
+ private:
+  struct Entry {
+    std::string name;
+    std::string source;
+  };
+  // False when nothing was written: the file can't be read, or it holds no such reference.
+  static bool rewrite(const std::string& from, const std::string& to, const ReferenceReplacer& replacer) {
+    const auto text = readText(from);
+    if (!text) return false;
+    const std::string renewed = replacer.apply(*text);
+    return renewed != *text && writeText(to, renewed).has_value();
+  }
+
+  std::string folder_;
+  std::map<std::string, Entry> entries_;  // by folded name
+};
+
+/// The names whose references are rewritten, in the order in which they came.
+class NameList {
+ public:
+  void add(const std::string& name) {
+    known_.insert(foldCase(name));
+    names_.push_back(name);
+  }
+  void addNew(const std::string& name) {
+    if (!known_.contains(foldCase(name))) add(name);
+  }
+  const std::vector<std::string>& names() const { return names_; }
+
+ private:
+  std::vector<std::string> names_;
+  std::unordered_set<std::string> known_;
+};
+
+/// A subfolder, named without regard to case.
+std::string subfolder(const std::string& folder, std::string_view name) {
+  return findEntry(folder, name).value_or(joinPath(folder, name));
+}
+
+void fillTemplatePool(const PoolSources& sources, Pool& pool, NameList& list) {
+  const std::string& package = sources.templateFolder;
+  for (const std::string& name : listFiles(package, pagePattern)) {
+    if (!matchesLike(name, modelPattern)) list.add(name);
+  }
+  for (const std::string& name : listFiles(package, "*.*")) {
+    pool.add(package, name);
+    if (CanCopy(name)) list.add(name);
+  }
+  if (sources.languageCode.empty()) return;
+  const std::string language = subfolder(package, sources.languageCode);
+  for (const std::string& name : listFiles(language, "*.*")) {
+    pool.add(language, name);
+    if (!matchesLike(name, modelPattern)) list.addNew(name);
+  }
+}
+
+void fillCodePool(const std::string& folder, Pool& pool, NameList& list) {
+  const std::string code = subfolder(folder, "code");
+  for (const std::string_view pattern : scriptPatterns) {
+    for (const std::string& name : listFiles(code, pattern)) {
+      pool.add(code, name);
+      list.add(name);
+    }
+  }
+}
+
+bool isSameFolder(std::string_view a, std::string_view b) {
+  const auto withoutEnd = [](std::string_view path) {
+    return path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
+  };
+  return equalsIgnoringCase(withoutEnd(a), withoutEnd(b));
+}
+
+}  // namespace
+
+Pools CreaPool(const PoolSources& sources, std::string_view lingua) {
+  const std::string tmp = joinPath(sources.shopFolder, "tmp");
+  const Pool above(tmp);
+  Pool templates(joinPath(tmp, "1"));
+  Pool code(joinPath(tmp, "2"));
+  NameList list;
+  fillTemplatePool(sources, templates, list);
+  fillCodePool(sources.applicationFolder, code, list);
+  if (!isSameFolder(sources.shopFolder, sources.applicationFolder)) fillCodePool(sources.shopFolder, code, list);
+
+  const bool keepsNames = sources.pageExtension.empty() || equalsIgnoringCase(sources.pageExtension, ".htm");
+  std::optional<ReferenceReplacer> replacer;
+  if (!lingua.empty() || !keepsNames) replacer.emplace(list.names(), sources.pageExtension);
+  const ReferenceReplacer* rewriting = replacer ? &*replacer : nullptr;
+  templates.fill(pagePattern, rewriting);
+  // Patches look for the scripts as the merchant has them, before any reference in them is rewritten.
+  code.fill(Pool::everyFile, sources.PatchScript ? nullptr : rewriting);
+  if (sources.PatchScript) {
+    sources.PatchScript(code.folder());
+    if (rewriting != nullptr) code.rewriteInPlace(*rewriting);
+  }
+  return {templates.folder(), code.folder()};
+}
+
+}  // namespace kv

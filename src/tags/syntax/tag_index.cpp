@@ -1,0 +1,99 @@
+#include "tags/syntax/tag_index.h"
+
+#include <algorithm>
+
+#include "platform/numbers/number_form.h"
+#include "platform/text/text.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view closing = ">>";
+constexpr std::size_t numberDigits = 3;
+
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
+
+}  // namespace
+
+void TagIndex::add(std::string_view tag) {
+  text_ += formatNumber(static_cast<std::int64_t>(starts_.size() + 1), "000");
+  const std::size_t start = text_.size();
+  starts_.push_back(start);
+  text_ += tag;
+  // A name may itself hold the start of a tag, and then the search could stop inside it.
+  for (std::size_t place = start; place != std::string::npos; place = text_.find(prefix_, place + 1)) {
+    const std::size_t name = place + prefix_.size();
+    const std::size_t end = text_.find(closing, name);
+    if (end == std::string::npos) break;
+    places_.try_emplace(text_.substr(name, end - name), place);
+    longest_ = std::max(longest_, end - name);
+  }
+}
+
+void TagIndex::clear() {
+  text_.clear();
+  starts_.clear();
+  places_.clear();
+  longest_ = 0;
+}
+
+std::size_t TagIndex::sectionAt(std::size_t place) const {
+  const auto start = std::lower_bound(starts_.begin(), starts_.end(), place);
+  if (start != starts_.end() && *start == place) return static_cast<std::size_t>(start - starts_.begin());
+  if (place < numberDigits) return none;
+  std::size_t number = 0;
+  for (std::size_t i = place - numberDigits; i < place; ++i) {
+    if (!isDigit(text_[i])) return none;
+    number = number * 10 + static_cast<std::size_t>(text_[i] - '0');
+  }
+  return number >= 1 && number <= starts_.size() ? number - 1 : none;
+}
+
+std::size_t TagIndex::findName(std::string_view name) const {
+  if (name.size() > longest_) return none;
+  const auto place = places_.find(name);
+  return place == places_.end() ? none : sectionAt(place->second);
+}
+
+std::size_t TagIndex::find(std::string_view bareOrWhole, bool isWhole) const {
+  if (isWhole) return findTag(bareOrWhole);
+  // A name with a closing of its own can be found across two tags, which the hash doesn't know.
+  const bool isPlain = bareOrWhole.find(closing) == std::string_view::npos && !bareOrWhole.ends_with('>');
+  return isPlain ? findName(bareOrWhole) : findTag(whole(bareOrWhole));
+}
+
+std::size_t TagIndex::findTag(std::string_view tag) const {
+  const std::size_t place = text_.find(tag);
+  return place == std::string::npos ? none : sectionAt(place);
+}
+
+std::string TagIndex::whole(std::string_view name) const {
+  std::string tag;
+  tag.reserve(prefix_.size() + name.size() + closing.size());
+  return tag.append(prefix_).append(name).append(closing);
+}
+
+bool TagIndex::isWhole(std::string_view text) const {
+  return text.size() >= prefix_.size() + closing.size() && text.starts_with(prefix_) && text.ends_with(closing);
+}
+
+std::vector<TagSection> readSections(std::string_view text, TagIndex& index, bool (*skips)(std::string_view line)) {
+  std::vector<TagSection> sections;
+  bool hasLine = false;
+  for (const std::string_view line : splitLines(text)) {
+    if (const std::string_view tag = trim(line); index.isWhole(tag)) {
+      index.add(tag);
+      sections.push_back({std::string(tag), {}});
+      hasLine = false;
+    } else if (!sections.empty() && !skips(line)) {
+      std::string& joined = sections.back().text;
+      if (hasLine) joined += "\r\n";
+      joined += line;
+      hasLine = true;
+    }
+  }
+  return sections;
+}
+
+}  // namespace kv
