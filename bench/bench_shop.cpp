@@ -153,10 +153,9 @@ bool BenchShop::build(double* written, UserPort* user) {
   for (std::size_t i = 0; i < session.languageNames.size(); ++i) session.languageNames[i] = codes[i];
   SilentUser silent;
   MemorySettings settings;
-  Surroundings surroundings{
-      user == nullptr ? silent : *user, settings, systemClock(), systemRandom(), folder_ + "/app", {}};
+  Environment env{user == nullptr ? silent : *user, settings, systemClock(), systemRandom(), folder_ + "/app", {}};
   BuildCounts counts;
-  const bool done = MakePages(session, surroundings, {}, &counts) == BuildOutcome::Done;
+  const bool done = MakePages(session, env, {}, &counts) == BuildOutcome::Done;
   // Every build names its own token; a script that holds it is new each time by intent.
   *written = counts.pagesWritten;
   return done;

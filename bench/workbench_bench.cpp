@@ -117,18 +117,18 @@ class PaintCount final : public QObject {
 class OpenWorkbench {
  public:
   explicit OpenWorkbench(const std::string& folder)
-      : with_{user_, settings_, kv::systemClock(), kv::systemRandom(), folder + "/app", {}},
-        window_(session_, with_, {}) {
+      : env_{user_, settings_, kv::systemClock(), kv::systemRandom(), folder + "/app", {}},
+        window_(session_, env_, {}) {
     kv::Workbench& bench = window_.workbench();
-    kv::wireSession(window_, session_, with_);
-    if (kv::startSession(session_, with_) != kv::LoadResult::Opened) std::abort();
+    kv::wireSession(window_, session_, env_);
+    if (kv::startSession(session_, env_) != kv::LoadResult::Opened) std::abort();
     bench.showShop();
     window_.restorePlace();
     window_.show();
     while (!window_.windowHandle()->isExposed()) QCoreApplication::processEvents();
     paint();
   }
-  ~OpenWorkbench() { kv::closeSession(session_, with_); }
+  ~OpenWorkbench() { kv::closeSession(session_, env_); }
   OpenWorkbench(const OpenWorkbench&) = delete;
   OpenWorkbench& operator=(const OpenWorkbench&) = delete;
 
@@ -240,7 +240,7 @@ class OpenWorkbench {
   SilentUser user_;
   kv::MemorySettings settings_;
   kv::Session session_;
-  kv::Surroundings with_;
+  kv::Environment env_;
   kv::frmMain window_;
   PaintCount paints_;
 };

@@ -68,8 +68,8 @@ TEST(MountedFolderTest, AShopOnAReadOnlyDiskOffersTheRepairAndSaysThatItFailed) 
     Session session;
     session.ShopFolder = place + "/negozio";
     shop.user.answers = {Answer::Yes};
-    Surroundings surroundings{shop.user, shop.settings, shop.clock, shop.random, shop.applicationFolder(), {}};
-    const LoadResult result = CaricaNegozio(session, surroundings);
+    Environment env{shop.user, shop.settings, shop.clock, shop.random, shop.applicationFolder(), {}};
+    const LoadResult result = CaricaNegozio(session, env);
     std::string text = std::to_string(static_cast<int>(result)) + " [" + session.ShopFolder + "]";
     for (const Shown& shown : shop.user.shown) text += "\n" + asText(shown);
     static_cast<void>(umount(place.c_str()));

@@ -23,7 +23,7 @@ class TheBackupDialog : public test::DialogFixture {
 };
 
 TEST_F(TheBackupDialog, ListsTheNewestFirst) {
-  frmBackup dialog(shop, with);
+  frmBackup dialog(shop, env);
   show(dialog);
   const auto* list = control<QTableWidget>(dialog, "lstCopie");
   ASSERT_EQ(list->rowCount(), 2);
@@ -36,7 +36,7 @@ TEST_F(TheBackupDialog, ListsTheNewestFirst) {
 }
 
 TEST_F(TheBackupDialog, AsksWithNoAsTheDefaultAndReturnsTheName) {
-  frmBackup dialog(shop, with);
+  frmBackup dialog(shop, env);
   show(dialog);
   control<QTableWidget>(dialog, "lstCopie")->selectRow(1);
   user.answers = {Answer::No};
@@ -51,14 +51,14 @@ TEST_F(TheBackupDialog, AsksWithNoAsTheDefaultAndReturnsTheName) {
 }
 
 TEST_F(TheBackupDialog, EscapeReturnsNothing) {
-  frmBackup dialog(shop, with);
+  frmBackup dialog(shop, env);
   show(dialog);
   expectEscapeLeaves(dialog);
 }
 
 TEST_F(TheBackupDialog, WithoutACopyThereIsNothingToRestore) {
   std::filesystem::remove_all(shop + "/backup");
-  frmBackup dialog(shop, with);
+  frmBackup dialog(shop, env);
   show(dialog);
   EXPECT_TRUE(control<QLabel>(dialog, "lblNessuna")->isVisible());
   EXPECT_FALSE(control<QPushButton>(dialog, "cmdRipristina")->isEnabled());

@@ -18,7 +18,7 @@ const char* const finished = "Creazione del negozio terminata. Aggiornare il sit
 
 class TheBuildDialog : public ::testing::Test {
  protected:
-  TheBuildDialog() : with{shop.user, shop.settings, shop.clock, shop.random, shop.applicationFolder(), {}} {
+  TheBuildDialog() : env{shop.user, shop.settings, shop.clock, shop.random, shop.applicationFolder(), {}} {
     shop.department("cat001");
   }
   /// Enough for a build that lasts many turns of the events.
@@ -29,11 +29,11 @@ class TheBuildDialog : public ::testing::Test {
   }
 
   TempShop shop;
-  Surroundings with;
+  Environment env;
 };
 
 TEST_F(TheBuildDialog, ReadsAsToldBeforeItStarts) {
-  const frmElabora dialog(shop.session, with);
+  const frmElabora dialog(shop.session, env);
   EXPECT_EQ(dialog.windowTitle(), "Korvane - Costruzione sito");
   EXPECT_EQ(control<QLabel>(dialog, "lblStato")->text(), "Inizializzazione");
   EXPECT_EQ(control<QPushButton>(dialog, "cmdAnnulla")->text(), "Annulla");
@@ -45,7 +45,7 @@ TEST_F(TheBuildDialog, ReadsAsToldBeforeItStarts) {
 
 TEST_F(TheBuildDialog, BuildsOnceSaysSoAndCloses) {
   shop.article("cat001");
-  frmElabora dialog(shop.session, with);
+  frmElabora dialog(shop.session, env);
   EXPECT_EQ(dialog.exec(), QDialog::Accepted);
   EXPECT_EQ(dialog.tag(), "OK");
   EXPECT_EQ(dialog.outcome(), BuildOutcome::Done);
@@ -63,7 +63,7 @@ TEST_F(TheBuildDialog, OffersWaysToLookAtWhatWasBuilt) {
       {"cmdOK", {}}, {"cmdBrowser", {"negozio"}}, {"cmdCartella", {"cartella"}}};
   for (const auto& [button, wanted] : cases) {
     opened.clear();
-    frmElabora dialog(shop.session, with, views);
+    frmElabora dialog(shop.session, env, views);
     // The box comes up in the middle of the build's own turn, once the build is done.
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &dialog, [&, button = button] {
@@ -85,7 +85,7 @@ TEST_F(TheBuildDialog, OffersWaysToLookAtWhatWasBuilt) {
 
 TEST_F(TheBuildDialog, ShowsWhereTheBuildStands) {
   fill(3000);
-  frmElabora dialog(shop.session, with);
+  frmElabora dialog(shop.session, env);
   std::string caption;
   int maximum = 0;
   QTimer poll;
@@ -105,8 +105,8 @@ TEST_F(TheBuildDialog, ShowsWhereTheBuildStands) {
 }
 
 /// Leaves a build by `leave` at its first turn of the events.
-void expectCancelled(TempShop& shop, Surroundings& with, const std::function<void(frmElabora&)>& leave) {
-  frmElabora dialog(shop.session, with);
+void expectCancelled(TempShop& shop, Environment& env, const std::function<void(frmElabora&)>& leave) {
+  frmElabora dialog(shop.session, env);
   QTimer poll;
   QObject::connect(&poll, &QTimer::timeout, &dialog, [&] {
     if (dialog.counts().articles == 0 && control<QLabel>(dialog, "lblStato")->text() == "Inizializzazione") return;
@@ -125,9 +125,9 @@ void expectCancelled(TempShop& shop, Surroundings& with, const std::function<voi
 
 TEST_F(TheBuildDialog, AnnullaEscapeAndTheCloseBoxLeaveWithoutAWord) {
   fill(3000);
-  expectCancelled(shop, with, [](frmElabora& dialog) { test::click(dialog, "cmdAnnulla"); });
-  expectCancelled(shop, with, [](frmElabora& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-  expectCancelled(shop, with, [](frmElabora& dialog) {
+  expectCancelled(shop, env, [](frmElabora& dialog) { test::click(dialog, "cmdAnnulla"); });
+  expectCancelled(shop, env, [](frmElabora& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+  expectCancelled(shop, env, [](frmElabora& dialog) {
     dialog.close();
     EXPECT_TRUE(dialog.isVisible()) << "refused as a close, taken as the button";
   });
@@ -136,7 +136,7 @@ TEST_F(TheBuildDialog, AnnullaEscapeAndTheCloseBoxLeaveWithoutAWord) {
 
 TEST_F(TheBuildDialog, AFailureIsToldAndTheWindowCloses) {
   std::filesystem::remove_all(shop.session.onlineFolder);
-  frmElabora dialog(shop.session, with);
+  frmElabora dialog(shop.session, env);
   EXPECT_EQ(dialog.exec(), QDialog::Rejected);
   EXPECT_EQ(dialog.tag(), "");
   EXPECT_EQ(dialog.outcome(), BuildOutcome::Failed);

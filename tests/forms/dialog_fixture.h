@@ -77,7 +77,7 @@ inline void keepPicture(QWidget& window, const std::string& name) {
 class DialogFixture : public ::testing::Test {
  protected:
   DialogFixture()
-      : application(root / "app"), shop(root / "negozio"), with{user, settings, clock, random, application, {}} {
+      : application(root / "app"), shop(root / "negozio"), env{user, settings, clock, random, application, {}} {
     const std::string data = KORVANE_APP_DATA;
     for (const char* folder : {"template", "languages"}) {
       const auto copied = copyTree(data + "/" + folder, application + "/" + folder);
@@ -93,7 +93,7 @@ class DialogFixture : public ::testing::Test {
 
   void open() {
     session.ShopFolder = shop;
-    ASSERT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+    ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
     ASSERT_TRUE(user.shown.empty()) << asText(user.shown.front());
   }
 
@@ -123,7 +123,7 @@ class DialogFixture : public ::testing::Test {
   FixedClock clock;
   FixedRandom random;
   Session session;
-  Surroundings with;
+  Environment env;
 };
 
 }  // namespace kv::test

@@ -21,7 +21,7 @@ class TheFoldersDialog : public test::DialogFixture {
     DialogFixture::SetUp();
     other = root / "altra";
     ASSERT_TRUE(createFolder(other));
-    dialog.emplace(session, with);
+    dialog.emplace(session, env);
     show(*dialog);
     online = control<QLineEdit>(*dialog, "txtOnline");
     scripts = control<QLineEdit>(*dialog, "txtScript");

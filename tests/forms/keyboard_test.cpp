@@ -234,13 +234,13 @@ TEST_F(Keyboard, EveryControlOfTheMainWindowHasANameAndEveryLabelAField) {
 TEST_F(Keyboard, EveryDialogIsNamedLabelledAndReachedByTab) {
   openWindow();
   const std::vector<std::function<std::unique_ptr<QDialog>()>> dialogs{
-      [&] { return std::make_unique<frmSearch>(session, with, window.get()); },
-      [&] { return std::make_unique<frmBrowse>(session, with, window.get()); },
-      [&] { return std::make_unique<frmLingue>(session, with, LanguageHooks{}, window.get()); },
-      [&] { return std::make_unique<frmTags>(session, with, window.get()); },
+      [&] { return std::make_unique<frmSearch>(session, env, window.get()); },
+      [&] { return std::make_unique<frmBrowse>(session, env, window.get()); },
+      [&] { return std::make_unique<frmLingue>(session, env, LanguageHooks{}, window.get()); },
+      [&] { return std::make_unique<frmTags>(session, env, window.get()); },
       [&] { return std::make_unique<frmTemplate>(application, "", HelpOpener{}, window.get()); },
       [&] { return std::make_unique<frmAvviso>(settings, window.get()); },
-      [&] { return std::make_unique<frmBackup>(shop, with, window.get()); },
+      [&] { return std::make_unique<frmBackup>(shop, env, window.get()); },
       [&] { return std::make_unique<frmAbout>(window.get()); },
       [&] { return std::make_unique<frmInfoLingua>(window.get()); },
       [&] { return std::make_unique<frmIntro>(*window, window.get()); }};

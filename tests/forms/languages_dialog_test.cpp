@@ -23,7 +23,7 @@ class TheLanguagesDialog : public test::DialogFixture {
 
 TEST_F(TheLanguagesDialog, StartsOnTheShopsLanguagesWithTheBoxesBeyondDisabled) {
   ASSERT_TRUE(storeLanguages(session, {2, session.languageNames}, {}));
-  frmLingue dialog(session, with);
+  frmLingue dialog(session, env);
   show(dialog);
   EXPECT_EQ(dialog.windowTitle(), "Korvane - Configurazione lingue");
   EXPECT_EQ(control<QComboBox>(dialog, "cboNumero")->currentText().toInt(), session.languageCount);
@@ -41,7 +41,7 @@ TEST_F(TheLanguagesDialog, StartsOnTheShopsLanguagesWithTheBoxesBeyondDisabled) 
 TEST_F(TheLanguagesDialog, OkStoresAndTellsTheWindow) {
   std::vector<std::string> calls;
   session.currentLanguage = 2;
-  frmLingue dialog(session, with,
+  frmLingue dialog(session, env,
                    {[&calls] { calls.emplace_back("MostraLingue"); },
                     [&calls](int language) { calls.push_back("CambiaLingua " + std::to_string(language)); }});
   show(dialog);
@@ -56,7 +56,7 @@ TEST_F(TheLanguagesDialog, OkStoresAndTellsTheWindow) {
 
 TEST_F(TheLanguagesDialog, ABoxThatComesIntoUseProposesAModule) {
   ASSERT_TRUE(storeLanguages(session, {1, session.languageNames}, {}));
-  frmLingue dialog(session, with);
+  frmLingue dialog(session, env);
   show(dialog);
   choose(dialog, "cboNumero", "4");
   for (const char* name : {"cboLingua1", "cboLingua2", "cboLingua3", "cboLingua4"}) {
@@ -67,14 +67,14 @@ TEST_F(TheLanguagesDialog, ABoxThatComesIntoUseProposesAModule) {
 
 TEST_F(TheLanguagesDialog, ShowsALanguageWhoseModuleIsNotInstalled) {
   session.languageNames[0] = "klingon";
-  frmLingue dialog(session, with);
+  frmLingue dialog(session, env);
   show(dialog);
   EXPECT_EQ(control<QComboBox>(dialog, "cboLingua1")->currentText(), "klingon");
 }
 
 TEST_F(TheLanguagesDialog, EscapeStoresNothing) {
   const std::string before = stored("lingua1 || '|' || lingua2", "lingue");
-  frmLingue dialog(session, with);
+  frmLingue dialog(session, env);
   show(dialog);
   choose(dialog, "cboLingua1", "tedesco");
   expectEscapeLeaves(dialog);

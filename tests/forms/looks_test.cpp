@@ -213,7 +213,7 @@ TEST_F(Looks, ThePlaceThatIsRememberedIsTheOneWithoutTheGuide) {
   guide->show();
   guide->placeBeside(*window);
   window->close();
-  frmMain again(session, with, {});
+  frmMain again(session, env, {});
   again.restorePlace();
   EXPECT_EQ(again.width(), width);
 }

@@ -290,7 +290,7 @@ TEST_F(MainWindow, ClosingSavesWhatIsTypedAndRemembersItsPlace) {
   EXPECT_EQ(scalar("SELECT titolo FROM categorie WHERE ID = 'cat001'"), "Orci");
   EXPECT_TRUE(session.compactOnExit);
   EXPECT_FALSE(settings.get("Finestra", "geometria").empty());
-  frmMain again(session, with, {});
+  frmMain again(session, env, {});
   again.restorePlace();
   EXPECT_EQ(again.size(), QSize(1010, 700));
 }

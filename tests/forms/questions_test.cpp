@@ -181,12 +181,12 @@ TEST_F(Questions, AShopThatIsNoneIsRefusedAndTheOneInUseStays) {
 
 TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   QtUser boxes;
-  Surroundings around{boxes, settings, clock, random, application, {}};
+  Environment env{boxes, settings, clock, random, application, {}};
   Session another;
-  frmMain real(another, around, {});
-  around.hooks.bind = [&](Session&) { real.workbench().bindSession(); };
-  around.hooks.release = [&](Session&) { real.workbench().releaseSession(); };
-  ASSERT_EQ(startSession(another, around), LoadResult::Opened);
+  frmMain real(another, env, {});
+  env.hooks.bind = [&](Session&) { real.workbench().bindSession(); };
+  env.hooks.release = [&](Session&) { real.workbench().releaseSession(); };
+  ASSERT_EQ(startSession(another, env), LoadResult::Opened);
   real.workbench().showShop();
   boxes.setHome(&real);
   real.show();
@@ -213,7 +213,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   EXPECT_EQ(deleteWith(Qt::Key_S), 2) << "the letter of the button consents";
   EXPECT_EQ(seen, std::vector<std::string>(3, std::string(deleteArticle) + " No"));
   boxes.setHome(nullptr);
-  closeSession(another, around);
+  closeSession(another, env);
 }
 
 TEST_F(WiredWindow, TheReminderBeforePublishingIsShownUntilItIsToldNotTo) {

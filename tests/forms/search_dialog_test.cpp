@@ -21,7 +21,7 @@ class TheSearchDialog : public test::DialogFixture {
  protected:
   void SetUp() override {
     DialogFixture::SetUp();
-    dialog.emplace(session, with);
+    dialog.emplace(session, env);
     show(*dialog);
     text = control<QLineEdit>(*dialog, "txtTesto");
     hits = control<QTableView>(*dialog, "lstArticoli");

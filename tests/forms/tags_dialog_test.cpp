@@ -24,7 +24,7 @@ class TheTagsDialog : public test::DialogFixture {
   }
   void SetUp() override {
     DialogFixture::SetUp();
-    dialog.emplace(session, with);
+    dialog.emplace(session, env);
     show(*dialog);
     list = control<QListWidget>(*dialog, "lstTag");
     name = control<QLineEdit>(*dialog, "txtNome");

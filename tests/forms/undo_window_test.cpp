@@ -162,8 +162,8 @@ TEST_F(UndoInTheWindow, AFlagAndAChoiceOfAListAreSteps) {
 
 TEST_F(UndoInTheWindow, AChangeOfShopForgetsTheSteps) {
   openAll();
-  with.hooks.reload = [this] {
-    if (loadSession(session, with) == LoadResult::Opened) window->workbench().showShop();
+  env.hooks.reload = [this] {
+    if (loadSession(session, env) == LoadResult::Opened) window->workbench().showShop();
   };
   EXPECT_TRUE(press(14));
   EXPECT_TRUE(choose(MenuAction::Undo));

@@ -34,17 +34,17 @@ class WindowFixture : public ShopFixture {
         return std::string();
       };
     }
-    window = std::make_unique<frmMain>(session, with, std::move(ports));
-    with.hooks.bind = [this](Session&) { window->workbench().bindSession(); };
-    with.hooks.release = [this](Session&) { window->workbench().releaseSession(); };
+    window = std::make_unique<frmMain>(session, env, std::move(ports));
+    env.hooks.bind = [this](Session&) { window->workbench().bindSession(); };
+    env.hooks.release = [this](Session&) { window->workbench().releaseSession(); };
   }
   ~WindowFixture() override {
-    closeSession(session, with);
+    closeSession(session, env);
     window.reset();
   }
 
   void open() {
-    ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+    ASSERT_EQ(startSession(session, env), LoadResult::Opened);
     window->workbench().showShop();
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));

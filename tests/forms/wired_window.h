@@ -22,7 +22,7 @@ class WiredWindow : public DialogFixture {
     EXPECT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
   }
   ~WiredWindow() override {
-    closeSession(session, with);
+    closeSession(session, env);
     window.reset();
   }
 
@@ -42,10 +42,10 @@ class WiredWindow : public DialogFixture {
       opened.push_back(file);
       return openedWell;
     };
-    window = std::make_unique<frmMain>(session, with, std::move(ports));
+    window = std::make_unique<frmMain>(session, env, std::move(ports));
     Workbench& workbench = window->workbench();
-    wireSession(*window, session, with);
-    ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+    wireSession(*window, session, env);
+    ASSERT_EQ(startSession(session, env), LoadResult::Opened);
     workbench.showShop();
     window->resize(1900, 1000);
     window->show();

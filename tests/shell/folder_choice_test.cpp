@@ -21,7 +21,7 @@ class ChoosingFolders : public test::ShopFixture {
     other = root / "altra";
     ASSERT_TRUE(createFolder(other));
     session.ShopFolder = folder;
-    ASSERT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+    ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
   }
 
   std::string column(const std::string& name) {

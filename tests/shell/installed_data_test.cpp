@@ -47,13 +47,13 @@ TEST(InstalledData, TheShopThatComesWithTheProgramOpensAtTheVeryFirstStartWithou
   ASSERT_TRUE(prepareApplicationFolder(KORVANE_APP_DATA, folder / "app"));
   test::ScriptedUser user;
   FileSettings settings(folder / "korvane.ini");
-  Surroundings with{user, settings, systemClock(), systemRandom(), folder / "app", {}};
+  Environment env{user, settings, systemClock(), systemRandom(), folder / "app", {}};
   Session session;
-  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(user.texts(), std::vector<std::string>());
   EXPECT_EQ(session.onlineFolder, folder / "app/online");
   EXPECT_TRUE(folderExists(session.onlineFolder));
-  closeSession(session, with);
+  closeSession(session, env);
 }
 
 TEST(InstalledData, TheRunningProgramKnowsItsFolder) { EXPECT_TRUE(folderExists(programFolder())); }

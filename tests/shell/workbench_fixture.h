@@ -85,7 +85,7 @@ class WorkbenchFixture : public ShopFixture {
       addDialog(name, "");
     }
   }
-  ~WorkbenchFixture() override { closeSession(session, with); }
+  ~WorkbenchFixture() override { closeSession(session, env); }
 
   /// A dialog that remembers its calls and answers with a text.
   void addDialog(const std::string& name, const std::string& answer) {
@@ -104,13 +104,13 @@ class WorkbenchFixture : public ShopFixture {
       opened.push_back(file);
       return openResult;
     };
-    bench = std::make_unique<Workbench>(session, with, view, ports);
-    with.hooks.bind = [this](Session&) { bench->bindSession(); };
-    with.hooks.release = [this](Session&) { bench->releaseSession(); };
-    with.hooks.reload = [this] {
-      if (loadSession(session, with) == LoadResult::Opened) bench->showShop();
+    bench = std::make_unique<Workbench>(session, env, view, ports);
+    env.hooks.bind = [this](Session&) { bench->bindSession(); };
+    env.hooks.release = [this](Session&) { bench->releaseSession(); };
+    env.hooks.reload = [this] {
+      if (loadSession(session, env) == LoadResult::Opened) bench->showShop();
     };
-    ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+    ASSERT_EQ(startSession(session, env), LoadResult::Opened);
     bench->showShop();
     user.shown.clear();
   }

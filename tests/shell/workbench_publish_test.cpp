@@ -25,7 +25,7 @@ TEST_F(WorkbenchPublishTest, Command50SavesWhatIsTypedAndShowsTheBuild) {
 TEST_F(WorkbenchPublishTest, ABuildWithoutATemplateRunsTheChoiceFirst) {
   run(shop, "UPDATE generale SET template = ''");
   int asked = 0;
-  with.hooks.frmTemplate = [&](const std::string&) { return std::string(++asked > 1 ? "base" : ""); };
+  env.hooks.frmTemplate = [&](const std::string&) { return std::string(++asked > 1 ? "base" : ""); };
   start();
   bench->EseguiComando(50);
   EXPECT_EQ(asked, 2);
@@ -37,7 +37,7 @@ TEST_F(WorkbenchPublishTest, ABuildWithoutATemplateRunsTheChoiceFirst) {
 TEST_F(WorkbenchPublishTest, LeavingTheTemplateChoiceAsksAndACancelEndsTheCommand) {
   run(shop, "UPDATE generale SET template = ''");
   int asked = 0;
-  with.hooks.frmTemplate = [&](const std::string&) {
+  env.hooks.frmTemplate = [&](const std::string&) {
     ++asked;
     return std::string();
   };

@@ -247,7 +247,7 @@ TEST_F(WorkbenchTest, TheNumbers36To49DoNothing) {
 }
 
 TEST_F(WorkbenchTest, EachCommandWithoutAShopDoesNothing) {
-  bench = std::make_unique<Workbench>(session, with, view, ports);
+  bench = std::make_unique<Workbench>(session, env, view, ports);
   for (const Command& command : commandTable()) bench->EseguiComando(command.number);
   EXPECT_TRUE(dialogsRun.empty());
   EXPECT_FALSE(bench->isCommandEnabled(50));

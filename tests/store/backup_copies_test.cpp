@@ -195,34 +195,34 @@ TEST_F(DatedCopies, WhatAKilledWriterLeftIsUndoneBeforeTheCopy) {
 }
 
 TEST_F(DatedCopies, OpeningAShopMakesOneBeforeAnythingChangesTheCatalogue) {
-  with.hooks.CopiaCatalogo = catalogueCopier(with);
-  with.hooks.AggiornaNegozio = [this](const std::string&) { change("aggiornato"); };
+  env.hooks.CopiaCatalogo = catalogueCopier(env);
+  env.hooks.AggiornaNegozio = [this](const std::string&) { change("aggiornato"); };
   session.ShopFolder = folder;
-  ASSERT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+  ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
   EXPECT_EQ(title("backup/" + names().front()), "Lampada");
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
 TEST_F(DatedCopies, AProgramWithoutTheHookMakesNone) {
   session.ShopFolder = folder;
-  ASSERT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+  ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
   EXPECT_FALSE(folderExists(folder + "/backup"));
 }
 
 TEST_F(DatedCopies, AForeignCatalogueIsNotCopied) {
   run(folder, "UPDATE generale SET versione = 250");
-  with.hooks.CopiaCatalogo = catalogueCopier(with);
+  env.hooks.CopiaCatalogo = catalogueCopier(env);
   user.answers = {Answer::No};
   session.ShopFolder = folder;
-  EXPECT_EQ(CaricaNegozio(session, with), LoadResult::Failed);
+  EXPECT_EQ(CaricaNegozio(session, env), LoadResult::Failed);
   EXPECT_FALSE(folderExists(folder + "/backup"));
 }
 
 TEST_F(DatedCopies, ACopyThatCannotBeMadeIsToldAndTheShopOpens) {
   write(folder + "/backup", "a file in the way");
-  with.hooks.CopiaCatalogo = catalogueCopier(with);
+  env.hooks.CopiaCatalogo = catalogueCopier(env);
   session.ShopFolder = folder;
-  EXPECT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+  EXPECT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
   EXPECT_THAT(user.shown,
               ElementsAre(said("Impossibile conservare una copia del catalogo nella cartella '" + folder +
                                    "/backup'.\nVerificare lo spazio libero sul disco e i permessi della cartella.",
@@ -231,9 +231,9 @@ TEST_F(DatedCopies, ACopyThatCannotBeMadeIsToldAndTheShopOpens) {
 
 TEST_F(DatedCopies, WhatTheOpeningTellsIsNotToldTwice) {
   write(folder + "/catalog.mdb", "no database");
-  with.hooks.CopiaCatalogo = catalogueCopier(with);
+  env.hooks.CopiaCatalogo = catalogueCopier(env);
   session.ShopFolder = folder;
-  EXPECT_EQ(CaricaNegozio(session, with), LoadResult::Failed);
+  EXPECT_EQ(CaricaNegozio(session, env), LoadResult::Failed);
   EXPECT_THAT(user.shown, SizeIs(1));
 }
 
@@ -318,10 +318,10 @@ TEST_F(RestoringACopy, RefusesWhileAnotherProgramHasTheShopOpen) {
 
 TEST_F(RestoringACopy, TheSessionRestartsOnIt) {
   write(application + "/serverpath.net", folder + "\r\n");
-  ASSERT_EQ(loadSession(session, with), LoadResult::Opened);
+  ASSERT_EQ(loadSession(session, env), LoadResult::Opened);
   int bound = 0;
-  with.hooks.bind = [&bound](Session&) { ++bound; };
-  EXPECT_TRUE(RipristinaCopia(session, with, oldest()));
+  env.hooks.bind = [&bound](Session&) { ++bound; };
+  EXPECT_TRUE(RipristinaCopia(session, env, oldest()));
   EXPECT_EQ(bound, 1);
   ASSERT_TRUE(session.catalogue.isOpen());
   EXPECT_EQ(asText(*session.catalogue.scalar("SELECT titolo FROM articoli")), "Lampada");
@@ -330,8 +330,8 @@ TEST_F(RestoringACopy, TheSessionRestartsOnIt) {
 
 TEST_F(RestoringACopy, AFailureIsToldAndTheSessionGoesOnWithTheCatalogueAsItIs) {
   write(application + "/serverpath.net", folder + "\r\n");
-  ASSERT_EQ(loadSession(session, with), LoadResult::Opened);
-  EXPECT_FALSE(RipristinaCopia(session, with, "catalog-20200101T000000Z.mdb"));
+  ASSERT_EQ(loadSession(session, env), LoadResult::Opened);
+  EXPECT_FALSE(RipristinaCopia(session, env, "catalog-20200101T000000Z.mdb"));
   ASSERT_THAT(user.shown, SizeIs(1));
   EXPECT_EQ(user.shown[0].icon, Icon::Critical);
   ASSERT_TRUE(session.catalogue.isOpen());

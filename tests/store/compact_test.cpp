@@ -17,7 +17,7 @@ class Compaction : public test::ShopFixture {
   void SetUp() override { shop = makeShop("uno"); }
   std::string times() const { return settings.get("AppIni", "Times"); }
   void setTimes(std::string_view value) { ASSERT_TRUE(settings.set("AppIni", "Times", value)); }
-  void close() { CompattaCatalogo(shop, with); }
+  void close() { CompattaCatalogo(shop, env); }
   bool compacted() const { return fileExists(shop + "/catalog.tmp"); }
 
   std::string shop;
@@ -54,7 +54,7 @@ TEST_F(Compaction, CatchesUpWhenTheTenthCloseWasMissed) {
 TEST_F(Compaction, DoesNotEvenCountWithoutACatalogue) {
   ASSERT_TRUE(deleteFile(shop + "/catalog.mdb"));
   close();
-  CompattaCatalogo("", with);
+  CompattaCatalogo("", env);
   EXPECT_EQ(times(), "");
 }
 
@@ -161,9 +161,9 @@ TEST_F(Compaction, CutOffBetweenTheRenamingsIsTakenBackAtTheNextStart) {
   ASSERT_TRUE(renameFile(shop + "/catalog.mdb", shop + "/catalog.tmp"));
   write(shop + "/catalog.tm0", "compacted");
   write(application + "/serverpath.net", shop + "\r\n");
-  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_THAT(user.shown, IsEmpty());
-  closeSession(session, with);
+  closeSession(session, env);
   EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
 }
 

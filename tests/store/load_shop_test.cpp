@@ -25,7 +25,7 @@ class LoadingAShop : public test::ShopFixture {
  protected:
   LoadResult load(const std::string& folder) {
     session.ShopFolder = folder;
-    return CaricaNegozio(session, with);
+    return CaricaNegozio(session, env);
   }
 };
 
@@ -69,13 +69,13 @@ TEST_F(LoadingAShop, FailsSilentlyWithoutAFolder) {
 TEST_F(LoadingAShop, RunsTheStepsOfTheHigherFoldersInTheirPlaces) {
   const std::string shop = makeShop("uno");
   std::vector<std::string> steps;
-  with.hooks.CompletaGateway = [&](const std::string& folder) {
+  env.hooks.CompletaGateway = [&](const std::string& folder) {
     steps.push_back("gateway " + std::string(baseName(folder)) + (session.catalogue.isOpen() ? " open" : " closed"));
   };
-  with.hooks.AggiornaNegozio = [&](const std::string& folder) {
+  env.hooks.AggiornaNegozio = [&](const std::string& folder) {
     steps.push_back("upgrade " + std::string(baseName(folder)) + (session.catalogue.isOpen() ? " open" : " closed"));
   };
-  with.hooks.bind = [&](Session& bound) {
+  env.hooks.bind = [&](Session& bound) {
     steps.push_back("bind" + bound.statusLine + " [" + bound.onlineFolder + "]");
   };
   EXPECT_EQ(load(shop), LoadResult::Opened);
@@ -94,7 +94,7 @@ TEST_F(LoadingAShop, OffersAnotherShopForAnIncompatibleOne) {
 
 TEST_F(LoadingAShop, DoesNotUpgradeAnIncompatibleShop) {
   const std::string shop = makeShop("uno", 999);
-  with.hooks.AggiornaNegozio = [](const std::string& folder) { run(folder, "UPDATE generale SET versione = 1002"); };
+  env.hooks.AggiornaNegozio = [](const std::string& folder) { run(folder, "UPDATE generale SET versione = 1002"); };
   user.answers = {Answer::No};
   EXPECT_EQ(load(shop), LoadResult::Failed);
   EXPECT_EQ(read(shop, "SELECT versione FROM generale"), "999");
@@ -167,8 +167,8 @@ TEST_F(LoadingAShop, ReleasesWhatWasBoundWhenALaterStepFails) {
   const std::string shop = makeShop("uno");
   run(shop, "DELETE FROM lingue");
   int bound = 0;
-  with.hooks.bind = [&](Session&) { ++bound; };
-  with.hooks.release = [&](Session& released) {
+  env.hooks.bind = [&](Session&) { ++bound; };
+  env.hooks.release = [&](Session& released) {
     EXPECT_TRUE(released.catalogue.isOpen());
     --bound;
   };

@@ -28,7 +28,7 @@ class OpeningAShop : public test::ShopFixture {};
 
 TEST_F(OpeningAShop, SwitchesTheSessionAndRemembersTheFolder) {
   const std::string shop = makeShop("uno");
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_EQ(session.ShopFolder, shop);
   EXPECT_TRUE(session.catalogue.isOpen());
   EXPECT_EQ(serverPath(), shop + "\r\n");
@@ -38,7 +38,7 @@ TEST_F(OpeningAShop, SwitchesTheSessionAndRemembersTheFolder) {
 TEST_F(OpeningAShop, AcceptsNamesWithBlanksAccentsAndForeignLetters) {
   for (const char* name : {"il mio negozio", "città perché", "магазин"}) {
     const std::string shop = makeShop(name);
-    EXPECT_TRUE(ApriNegozio(session, with, shop));
+    EXPECT_TRUE(ApriNegozio(session, env, shop));
     EXPECT_EQ(session.ShopFolder, shop);
     EXPECT_EQ(session.title, "Korvane - " + shop);
   }
@@ -47,34 +47,34 @@ TEST_F(OpeningAShop, AcceptsNamesWithBlanksAccentsAndForeignLetters) {
 
 TEST_F(OpeningAShop, DropsASeparatorAtTheEndOfThePath) {
   const std::string shop = makeShop("uno");
-  EXPECT_TRUE(ApriNegozio(session, with, shop + "/"));
+  EXPECT_TRUE(ApriNegozio(session, env, shop + "/"));
   EXPECT_EQ(session.ShopFolder, shop);
 }
 
 TEST_F(OpeningAShop, AsksForTheFolderWhenToldTo) {
   user.folders = {makeShop("uno")};
-  EXPECT_TRUE(ApriNegozio(session, with, "*"));
+  EXPECT_TRUE(ApriNegozio(session, env, "*"));
   ASSERT_EQ(user.foldersAsked.size(), 1U);
   EXPECT_EQ(user.foldersAsked[0].prompt, "Selezionare la cartella che contiene il negozio da aprire:");
 }
 
 TEST_F(OpeningAShop, StartsTheChoiceAtTheOpenShop) {
   const std::string shop = makeShop("uno");
-  ASSERT_TRUE(ApriNegozio(session, with, shop));
-  EXPECT_FALSE(ApriNegozio(session, with, "*"));
+  ASSERT_TRUE(ApriNegozio(session, env, shop));
+  EXPECT_FALSE(ApriNegozio(session, env, "*"));
   EXPECT_EQ(user.foldersAsked.at(0).initial, shop);
 }
 
 TEST_F(OpeningAShop, EndsQuietlyWhenNoFolderIsChosen) {
-  EXPECT_FALSE(ApriNegozio(session, with, "*"));
+  EXPECT_FALSE(ApriNegozio(session, env, "*"));
   EXPECT_FALSE(session.quiet);
   EXPECT_THAT(user.shown, IsEmpty());
   EXPECT_EQ(serverPath(), "(none)");
 }
 
 TEST_F(OpeningAShop, RefusesTheRootOfADisk) {
-  EXPECT_FALSE(ApriNegozio(session, with, "/"));
-  EXPECT_FALSE(ApriNegozio(session, with, "C:\\"));
+  EXPECT_FALSE(ApriNegozio(session, env, "/"));
+  EXPECT_FALSE(ApriNegozio(session, env, "C:\\"));
   EXPECT_THAT(user.shown,
               ElementsAre(said("La cartella '/' è la root di un disco: non è consentito aprire un negozio in "
                                "questa posizione",
@@ -85,15 +85,15 @@ TEST_F(OpeningAShop, RefusesTheRootOfADisk) {
 }
 
 TEST_F(OpeningAShop, JudgesAFolderDirectlyBelowTheRootLikeAnyOther) {
-  EXPECT_FALSE(ApriNegozio(session, with, "/no-such-shop-here"));
+  EXPECT_FALSE(ApriNegozio(session, env, "/no-such-shop-here"));
   EXPECT_THAT(user.texts(),
               ElementsAre("La cartella selezionata non contiene un negozio\n(oppure il negozio contenuto è corrotto)"));
 }
 
 TEST_F(OpeningAShop, LeavesTheRunningSessionAsItWasWhenTheFolderIsRefused) {
   const std::string shop = makeShop("uno");
-  ASSERT_TRUE(ApriNegozio(session, with, shop));
-  EXPECT_FALSE(ApriNegozio(session, with, makeShop("due", 1100)));
+  ASSERT_TRUE(ApriNegozio(session, env, shop));
+  EXPECT_FALSE(ApriNegozio(session, env, makeShop("due", 1100)));
   EXPECT_THAT(user.shown,
               ElementsAre(said("Versione non riconosciuta: il negozio non può essere aperto.", Icon::Exclamation)));
   EXPECT_EQ(session.ShopFolder, shop);
@@ -105,7 +105,7 @@ TEST_F(OpeningAShop, ShowsADatabaseErrorAsAnError) {
   const std::string shop = makeShop("uno");
   const auto other = Database::open(shop + "/catalog.mdb", OpenMode::Exclusive);
   ASSERT_TRUE(other);
-  EXPECT_FALSE(ApriNegozio(session, with, shop));
+  EXPECT_FALSE(ApriNegozio(session, env, shop));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_TRUE(user.shown[0].text.starts_with("Impossibile aprire il database:\n")) << user.shown[0].text;
   EXPECT_EQ(user.shown[0].icon, Icon::Critical);
@@ -113,8 +113,8 @@ TEST_F(OpeningAShop, ShowsADatabaseErrorAsAnError) {
 
 TEST_F(OpeningAShop, OpensTheShopAgainThatIsOpen) {
   const std::string shop = makeShop("uno");
-  ASSERT_TRUE(ApriNegozio(session, with, shop));
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  ASSERT_TRUE(ApriNegozio(session, env, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_TRUE(session.catalogue.isOpen());
   EXPECT_THAT(user.shown, IsEmpty());
 }
@@ -126,7 +126,7 @@ TEST_F(OpeningAShop, OffersAnotherFolderWhenAWorkingFolderCannotBeMade) {
   const std::string shop = makeShop("due");
   user.answers = {Answer::Yes};
   user.folders = {shop};
-  EXPECT_TRUE(ApriNegozio(session, with, broken));
+  EXPECT_TRUE(ApriNegozio(session, env, broken));
   EXPECT_THAT(user.shown, ElementsAre(asked(chooseAnother, Answer::Yes, Answer::Yes)));
   EXPECT_EQ(session.ShopFolder, shop);
 }
@@ -137,7 +137,7 @@ TEST_F(OpeningAShop, GivesUpWhenNoOtherFolderIsWanted) {
   write(broken + "/db", "");
   user.answers = {Answer::No};
   user.folders = {broken};
-  EXPECT_FALSE(ApriNegozio(session, with, "*"));
+  EXPECT_FALSE(ApriNegozio(session, env, "*"));
   EXPECT_FALSE(session.quiet);
   EXPECT_EQ(serverPath(), "(none)");
 }
@@ -146,7 +146,7 @@ TEST_F(OpeningAShop, CountsAServerPathThatCannotBeWrittenAsAFailure) {
   const std::string shop = makeShop("uno");
   ASSERT_TRUE(createFolders(application + "/serverpath.net/in the way"));
   user.answers = {Answer::No};
-  EXPECT_FALSE(ApriNegozio(session, with, shop));
+  EXPECT_FALSE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(chooseAnother, Answer::Yes, Answer::No)));
   EXPECT_FALSE(session.catalogue.isOpen());
 }
@@ -154,7 +154,7 @@ TEST_F(OpeningAShop, CountsAServerPathThatCannotBeWrittenAsAFailure) {
 TEST_F(OpeningAShop, ForgetsTheFolderWhenTheApplicationFolderIsOpened) {
   makeShopIn(application);
   write(application + "/serverpath.net", "/somewhere\r\n");
-  EXPECT_TRUE(ApriNegozio(session, with, application));
+  EXPECT_TRUE(ApriNegozio(session, env, application));
   EXPECT_EQ(serverPath(), "(none)");
   EXPECT_EQ(session.ShopFolder, application);
   // Its own template and languages folders are no baggage of a shop.
@@ -166,7 +166,7 @@ TEST_F(OpeningAShop, ComparesWithTheApplicationFolderWithoutCase) {
   write(upper + "/template/base/modello1.htm", "other");
   write(application + "/serverpath.net", "/somewhere\r\n");
   makeShopIn(application);
-  EXPECT_TRUE(ApriNegozio(session, with, upper));
+  EXPECT_TRUE(ApriNegozio(session, env, upper));
   EXPECT_EQ(serverPath(), "(none)");
   EXPECT_THAT(user.shown, IsEmpty());
 }
@@ -176,7 +176,7 @@ TEST_F(OpeningAShop, ImportsTheTemplatesItBringsAlong) {
   write(shop + "/template/base/modello1.htm", "brought");
   write(shop + "/template/nuovo/modello1.htm", "new");
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importTemplates, Answer::No, Answer::Yes)));
   EXPECT_EQ(*readBytes(application + "/template/base/modello1.htm"), "brought");
   EXPECT_EQ(*readBytes(application + "/template/nuovo/modello1.htm"), "new");
@@ -187,7 +187,7 @@ TEST_F(OpeningAShop, LeavesTheInstalledTemplatesWhenTheImportIsDeclined) {
   const std::string shop = makeShop("uno");
   write(shop + "/template/base/modello1.htm", "brought");
   user.answers = {Answer::No};
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importTemplates, Answer::No, Answer::No)));
   EXPECT_EQ(*readBytes(application + "/template/base/modello1.htm"), "<KV_START><KV_END>");
   EXPECT_EQ(session.ShopFolder, shop);
@@ -197,7 +197,7 @@ TEST_F(OpeningAShop, ImportsTheLanguageModulesItBringsAlong) {
   const std::string shop = makeShop("uno");
   write(shop + "/languages/deutsch.lng", "wort");
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importLanguages, Answer::No, Answer::Yes)));
   EXPECT_EQ(*readBytes(application + "/languages/deutsch.lng"), "wort");
 }
@@ -207,7 +207,7 @@ TEST_F(OpeningAShop, AsksForTemplatesFirstAndLanguagesThen) {
   write(shop + "/template/nuovo/modello1.htm", "new");
   write(shop + "/languages/deutsch.lng", "wort");
   user.answers = {Answer::No, Answer::Yes};
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importTemplates, Answer::No, Answer::No),
                                       asked(importLanguages, Answer::No, Answer::Yes)));
   EXPECT_FALSE(folderExists(application + "/template/nuovo"));
@@ -216,11 +216,11 @@ TEST_F(OpeningAShop, AsksForTemplatesFirstAndLanguagesThen) {
 
 TEST_F(OpeningAShop, StaysWithTheOldShopWhenAnImportFails) {
   const std::string first = makeShop("uno");
-  ASSERT_TRUE(ApriNegozio(session, with, first));
+  ASSERT_TRUE(ApriNegozio(session, env, first));
   const std::string shop = makeShop("due");
   write(shop + "/template/base/modello1.htm/in the way", "");
   user.answers = {Answer::Yes, Answer::No};
-  EXPECT_FALSE(ApriNegozio(session, with, shop));
+  EXPECT_FALSE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importTemplates, Answer::No, Answer::Yes),
                                       asked(chooseAnother, Answer::Yes, Answer::No)));
   EXPECT_EQ(serverPath(), first + "\r\n");
@@ -231,7 +231,7 @@ TEST_F(OpeningAShop, SkipsTheTestOfTheWorkingFoldersOnceAfterAChoice) {
   const std::string shop = makeShop("uno");
   run(shop, "UPDATE generale SET siteonline = '/gone/online'");
   user.folders = {shop};
-  EXPECT_TRUE(ApriNegozio(session, with, "*"));
+  EXPECT_TRUE(ApriNegozio(session, env, "*"));
   EXPECT_THAT(user.shown, IsEmpty());
   EXPECT_FALSE(session.quiet);
   EXPECT_EQ(session.onlineFolder, "/gone/online");
@@ -241,10 +241,10 @@ TEST_F(OpeningAShop, OpensAReadOnlyShopUpToTheRepairAndThenForGood) {
   const std::string shop = makeShop("uno");
   std::filesystem::permissions(shop + "/catalog.mdb", std::filesystem::perms::owner_read);
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(ApriNegozio(session, with, shop));
+  EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_FALSE(session.catalogue.isOpen());
   EXPECT_EQ(user.texts().back(), "Operazione completata. Sarà necessario riavviare il programma.");
-  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(session.ShopFolder, shop);
 }
 
@@ -260,7 +260,7 @@ TEST_F(MakingAShop, LaysTheModelIntoAnEmptyFolderAndOpensIt) {
   const std::string folder = root / "nuovo negozio à";
   ASSERT_TRUE(createFolder(folder));
   user.folders = {folder};
-  EXPECT_TRUE(NuovoNegozio(session, with));
+  EXPECT_TRUE(NuovoNegozio(session, env));
   EXPECT_EQ(session.ShopFolder, folder);
   EXPECT_TRUE(session.catalogue.isOpen());
   EXPECT_TRUE(fileExists(folder + "/code/funcs.php"));
@@ -271,7 +271,7 @@ TEST_F(MakingAShop, LaysTheModelIntoAnEmptyFolderAndOpensIt) {
 
 TEST_F(MakingAShop, MakesAFolderThatIsNotThere) {
   user.folders = {root / "a/b"};
-  EXPECT_TRUE(NuovoNegozio(session, with));
+  EXPECT_TRUE(NuovoNegozio(session, env));
   EXPECT_EQ(session.ShopFolder, root / "a/b");
 }
 
@@ -280,7 +280,7 @@ TEST_F(MakingAShop, OverlaysAFolderThatHoldsFiles) {
   write(folder + "/note.txt", "mine");
   write(folder + "/code/funcs.php", "mine");
   user.folders = {folder};
-  EXPECT_TRUE(NuovoNegozio(session, with));
+  EXPECT_TRUE(NuovoNegozio(session, env));
   EXPECT_EQ(*readBytes(folder + "/note.txt"), "mine");
   EXPECT_EQ(*readBytes(folder + "/code/funcs.php"), "<?php");
 }
@@ -288,21 +288,21 @@ TEST_F(MakingAShop, OverlaysAFolderThatHoldsFiles) {
 TEST_F(MakingAShop, RefusesAFolderWithACatalogue) {
   const std::string folder = makeShop("uno", 1050);
   user.folders = {folder};
-  EXPECT_FALSE(NuovoNegozio(session, with));
+  EXPECT_FALSE(NuovoNegozio(session, env));
   EXPECT_THAT(user.shown, ElementsAre(said("Nel percorso specificato è già presente un negozio", Icon::Exclamation)));
   EXPECT_EQ(read(folder, "SELECT versione FROM generale"), "1050");
 }
 
 TEST_F(MakingAShop, RefusesTheRootOfADiskInItsOwnWords) {
   user.folders = {"/"};
-  EXPECT_FALSE(NuovoNegozio(session, with));
+  EXPECT_FALSE(NuovoNegozio(session, env));
   EXPECT_THAT(user.shown, ElementsAre(said("La cartella '/' è la root di un disco, e non è consentito crearvi un "
                                            "nuovo negozio",
                                            Icon::Exclamation)));
 }
 
 TEST_F(MakingAShop, EndsQuietlyWhenNoFolderIsChosen) {
-  EXPECT_FALSE(NuovoNegozio(session, with));
+  EXPECT_FALSE(NuovoNegozio(session, env));
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
@@ -310,7 +310,7 @@ TEST_F(MakingAShop, SaysWhenTheModelCannotBeLaidOut) {
   const std::string folder = root / "uno";
   write(folder + "/code", "a file where the model has a folder");
   user.folders = {folder};
-  EXPECT_FALSE(NuovoNegozio(session, with));
+  EXPECT_FALSE(NuovoNegozio(session, env));
   EXPECT_THAT(user.shown, ElementsAre(said("Impossibile creare un negozio nel percorso specificato", Icon::Critical)));
   EXPECT_FALSE(fileExists(folder + "/catalog.mdb"));
   EXPECT_EQ(session.ShopFolder, "");
@@ -319,7 +319,7 @@ TEST_F(MakingAShop, SaysWhenTheModelCannotBeLaidOut) {
 TEST_F(MakingAShop, SaysWhenTheApplicationHasNoModel) {
   std::filesystem::remove_all(application + "/new");
   user.folders = {root / "uno"};
-  EXPECT_FALSE(NuovoNegozio(session, with));
+  EXPECT_FALSE(NuovoNegozio(session, env));
   EXPECT_THAT(user.texts(), ElementsAre("Impossibile creare un negozio nel percorso specificato"));
 }
 

@@ -22,7 +22,7 @@ class SessionStart : public test::ShopFixture {
 
 TEST_F(SessionStart, OpensTheApplicationsOwnShopWhenNoFolderIsNamed) {
   makeShopIn(application);
-  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(session.ShopFolder, application);
 }
 
@@ -30,7 +30,7 @@ TEST_F(SessionStart, DoesTheSameWithAnEmptyOrBlankName) {
   makeShopIn(application);
   for (const char* content : {"", "   \r\n"}) {
     write(application + "/serverpath.net", content);
-    EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+    EXPECT_EQ(startSession(session, env), LoadResult::Opened);
     EXPECT_EQ(session.ShopFolder, application);
     session.catalogue.close();
   }
@@ -38,17 +38,17 @@ TEST_F(SessionStart, DoesTheSameWithAnEmptyOrBlankName) {
 
 TEST_F(SessionStart, OpensTheShopThatIsNamed) {
   const std::string shop = makeShop("mio negozio à");
-  ASSERT_TRUE(ApriNegozio(session, with, shop));
-  closeSession(session, with);
+  ASSERT_TRUE(ApriNegozio(session, env, shop));
+  closeSession(session, env);
   session = Session();
-  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(session.ShopFolder, shop);
   EXPECT_EQ(session.numberFormats, (std::array<std::string, 2>{"0", "0"}));
 }
 
 TEST_F(SessionStart, SettlesItsSettings) {
   makeShopIn(application);
-  ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+  ASSERT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(settings.get("AppIni", "smartbuild"), "1");
   EXPECT_EQ(settings.get("AppIni", "Path"), application);
   EXPECT_TRUE(session.smartBuild);
@@ -57,17 +57,17 @@ TEST_F(SessionStart, SettlesItsSettings) {
 TEST_F(SessionStart, KeepsIncrementalBuildOffAcrossARestart) {
   makeShopIn(application);
   ASSERT_TRUE(settings.set("AppIni", "smartbuild", "0"));
-  ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+  ASSERT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(settings.get("AppIni", "smartbuild"), "0");
   EXPECT_FALSE(session.smartBuild);
-  EXPECT_EQ(RiavviaSessione(session, with), LoadResult::Opened);
+  EXPECT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_FALSE(session.smartBuild);
 }
 
 TEST_F(SessionStart, AsksForAnotherShopWhenTheNamedFolderIsGone) {
   nameShop(root / "gone");
   user.answers = {Answer::No};
-  EXPECT_EQ(startSession(session, with), LoadResult::Failed);
+  EXPECT_EQ(startSession(session, env), LoadResult::Failed);
   EXPECT_THAT(user.shown, ElementsAre(asked(noValidShop(root / "gone"), Answer::Yes, Answer::No)));
   EXPECT_FALSE(session.catalogue.isOpen());
 }
@@ -77,7 +77,7 @@ TEST_F(SessionStart, IsReplacedByTheShopChosenInstead) {
   const std::string shop = makeShop("due");
   user.answers = {Answer::Yes};
   user.folders = {shop};
-  EXPECT_EQ(startSession(session, with), LoadResult::Replaced);
+  EXPECT_EQ(startSession(session, env), LoadResult::Replaced);
   EXPECT_EQ(session.ShopFolder, shop);
   EXPECT_TRUE(session.catalogue.isOpen());
   EXPECT_EQ(serverPath(), shop + "\r\n");
@@ -86,7 +86,7 @@ TEST_F(SessionStart, IsReplacedByTheShopChosenInstead) {
 TEST_F(SessionStart, EndsWhenNoOtherShopIsChosen) {
   nameShop(root / "gone");
   user.answers = {Answer::Yes};
-  EXPECT_EQ(startSession(session, with), LoadResult::Failed);
+  EXPECT_EQ(startSession(session, env), LoadResult::Failed);
   EXPECT_EQ(user.foldersAsked.size(), 1U);
 }
 
@@ -94,14 +94,14 @@ TEST_F(SessionStart, DoesNotJudgeTheVersionBeforeLoading) {
   const std::string shop = makeShop("uno", 500);
   nameShop(shop);
   user.answers = {Answer::No};
-  EXPECT_EQ(startSession(session, with), LoadResult::Failed);
+  EXPECT_EQ(startSession(session, env), LoadResult::Failed);
   EXPECT_THAT(user.texts(),
               ElementsAre("Negozio non compatibile con la versione Korvane\nSi desidera aprire un altro negozio?"));
 }
 
 TEST_F(SessionStart, OpensAShopOfALaterVersionThatIsNamed) {
   nameShop(makeShop("uno", 1100));
-  EXPECT_EQ(startSession(session, with), LoadResult::Opened);
+  EXPECT_EQ(startSession(session, env), LoadResult::Opened);
 }
 
 TEST_F(SessionStart, FindsTheOptionalEntriesByTheirFiles) {
@@ -121,7 +121,7 @@ class SessionRestart : public SessionStart {
  protected:
   void SetUp() override {
     first = makeShop("uno");
-    ASSERT_TRUE(ApriNegozio(session, with, first));
+    ASSERT_TRUE(ApriNegozio(session, env, first));
   }
   std::string first;
 };
@@ -134,7 +134,7 @@ TEST_F(SessionRestart, ClearsTheSessionAndFollowsTheServerPath) {
   session.suppress = true;
   session.compactOnExit = true;
   nameShop(second);
-  EXPECT_EQ(RiavviaSessione(session, with), LoadResult::Opened);
+  EXPECT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_EQ(session.ShopFolder, second);
   EXPECT_EQ(session.articleCount, 0);
   EXPECT_EQ(session.statusLine, " Articoli: 0");
@@ -147,57 +147,57 @@ TEST_F(SessionRestart, ClearsTheSessionAndFollowsTheServerPath) {
 
 TEST_F(SessionRestart, FreesTheCatalogueOfTheOldShop) {
   nameShop(makeShop("due"));
-  ASSERT_EQ(RiavviaSessione(session, with), LoadResult::Opened);
+  ASSERT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_TRUE(Database::open(first + "/catalog.mdb", OpenMode::Exclusive));
 }
 
 TEST_F(SessionRestart, ReleasesBeforeItClosesAndBindsAgain) {
   std::vector<std::string> steps;
-  with.hooks.bind = [&](Session& bound) { steps.push_back("bind " + bound.ShopFolder); };
-  with.hooks.release = [&](Session& released) {
+  env.hooks.bind = [&](Session& bound) { steps.push_back("bind " + bound.ShopFolder); };
+  env.hooks.release = [&](Session& released) {
     steps.push_back(released.catalogue.isOpen() ? "release open" : "release closed");
   };
-  EXPECT_EQ(RiavviaSessione(session, with), LoadResult::Opened);
+  EXPECT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_THAT(steps, ElementsAre("release open", "bind " + first));
 }
 
 TEST_F(SessionRestart, LetsTheProgramLoadItsWindowAgain) {
   int reloads = 0;
-  with.hooks.reload = [&] {
+  env.hooks.reload = [&] {
     ++reloads;
     EXPECT_FALSE(session.catalogue.isOpen());
     EXPECT_EQ(session.ShopFolder, "");
-    EXPECT_EQ(loadSession(session, with), LoadResult::Opened);
+    EXPECT_EQ(loadSession(session, env), LoadResult::Opened);
   };
-  EXPECT_EQ(RiavviaSessione(session, with), LoadResult::Opened);
+  EXPECT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_EQ(reloads, 1);
 }
 
 TEST_F(SessionRestart, CarriesTheSilentReloadToTheNextLoad) {
   session.silentReload = true;
-  with.hooks.reload = [&] { EXPECT_TRUE(session.silentReload); };
-  static_cast<void>(RiavviaSessione(session, with));
+  env.hooks.reload = [&] { EXPECT_TRUE(session.silentReload); };
+  static_cast<void>(RiavviaSessione(session, env));
 }
 
 TEST_F(SessionRestart, DoesNotCountTowardsCompaction) {
-  EXPECT_EQ(RiavviaSessione(session, with), LoadResult::Opened);
+  EXPECT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_EQ(settings.get("AppIni", "Times"), "");
 }
 
 TEST_F(SessionRestart, OfASecondProgramOnTheSameShopFindsItInUse) {
   Session second;
-  EXPECT_EQ(startSession(second, with), LoadResult::Failed);
+  EXPECT_EQ(startSession(second, env), LoadResult::Failed);
   EXPECT_THAT(user.texts(), ElementsAre("Il database è utilizzato da un altro utente."));
   EXPECT_TRUE(session.catalogue.isOpen());
 }
 
 TEST_F(SessionRestart, ClosingFreesTheCatalogueAndCountsOnlyALeavingUser) {
-  closeSession(session, with);
+  closeSession(session, env);
   EXPECT_EQ(settings.get("AppIni", "Times"), "");
   EXPECT_TRUE(Database::open(first + "/catalog.mdb", OpenMode::Exclusive));
-  ASSERT_EQ(startSession(session, with), LoadResult::Opened);
+  ASSERT_EQ(startSession(session, env), LoadResult::Opened);
   session.compactOnExit = true;
-  closeSession(session, with);
+  closeSession(session, env);
   EXPECT_EQ(settings.get("AppIni", "Times"), "1");
 }
 

@@ -19,7 +19,7 @@ namespace kv::test {
 
 class ShopFixture : public ::testing::Test {
  protected:
-  ShopFixture() : application(root / "app"), with{user, settings, clock, random, application, {}} {
+  ShopFixture() : application(root / "app"), env{user, settings, clock, random, application, {}} {
     for (const char* folder : {"/template/base", "/languages"}) {
       const auto made = createFolders(application + folder);
       EXPECT_TRUE(made);
@@ -78,7 +78,7 @@ class ShopFixture : public ::testing::Test {
   FixedClock clock;
   FixedRandom random;
   Session session;
-  Surroundings with;
+  Environment env;
 
  private:
   static void touch(const std::string& path) { std::ofstream(path, std::ios::app); }

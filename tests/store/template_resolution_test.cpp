@@ -17,14 +17,14 @@ class TemplateResolution : public test::ShopFixture {
  protected:
   void SetUp() override {
     shop = makeShop("uno");
-    with.hooks.frmTemplate = [this](const std::string& current) {
+    env.hooks.frmTemplate = [this](const std::string& current) {
       openedOn.push_back(current);
       return choice;
     };
   }
   void load() {
     session.ShopFolder = shop;
-    EXPECT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+    EXPECT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
   }
   std::string stored() { return asText(*session.catalogue.scalar("SELECT template FROM generale")); }
 
@@ -63,7 +63,7 @@ TEST_F(TemplateResolution, SaysThatATemplateIsNeededWhenNoneIsChosenForAMissingO
 }
 
 TEST_F(TemplateResolution, SaysTheSameInAProgramWithoutTheChoice) {
-  with.hooks.frmTemplate = nullptr;
+  env.hooks.frmTemplate = nullptr;
   run(shop, "UPDATE generale SET template = 'perduto'");
   load();
   EXPECT_THAT(user.texts(), ElementsAre(templateNeeded));

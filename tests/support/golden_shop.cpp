@@ -131,8 +131,8 @@ void GoldenShop::makeDatabases(const Txtar& archive) {
 void GoldenShop::open() {
   session_.ShopFolder = shop_;
   session_.smartBuild = wantsSmartBuild(settings_);
-  Surroundings with{user_, settings_, clock_, openRandom_, application_, {}};
-  EXPECT_EQ(CaricaNegozio(session_, with), LoadResult::Opened);
+  Environment env{user_, settings_, clock_, openRandom_, application_, {}};
+  EXPECT_EQ(CaricaNegozio(session_, env), LoadResult::Opened);
   EXPECT_TRUE(user_.shown.empty()) << describe(user_.shown.front());
 }
 
@@ -163,9 +163,9 @@ void GoldenShop::apply(const std::string& step) {
 void GoldenShop::build() {
   // Each build draws its token anew: abcdefghijklmnopqrst.
   FixedRandom random;
-  Surroundings with{user_, settings_, clock_, random, application_, {}};
+  Environment env{user_, settings_, clock_, random, application_, {}};
   user_.shown.clear();
-  outcome_ = MakePages(session_, with);
+  outcome_ = MakePages(session_, env);
   messages_ += std::string("outcome: ") + (outcome_ == BuildOutcome::Done ? "Done" : "Failed") + "\n";
   for (const Shown& shown : user_.shown) {
     Shown trimmed = shown;

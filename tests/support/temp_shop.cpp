@@ -169,8 +169,8 @@ void TempShop::shopFile(const std::string& path, std::string_view text) {
 }
 
 BuildOutcome TempShop::build(const BuildParts& parts) {
-  Surroundings surroundings{user, settings, clock, random, application_, {}};
-  return MakePages(session, surroundings, parts, &counts);
+  Environment env{user, settings, clock, random, application_, {}};
+  return MakePages(session, env, parts, &counts);
 }
 
 std::string TempShop::page(const std::string& name) const { return textOf(session.onlineFolder + "/" + name); }

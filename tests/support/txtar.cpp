@@ -161,14 +161,14 @@ TxtarPart bytesPart(const std::string& name, std::string_view bytes) {
 }
 
 std::string firstDifference(std::string_view wanted, std::string_view found) {
-  constexpr std::size_t around = 3;
+  constexpr std::size_t env = 3;
   const std::vector<std::string> left = split(wanted, "\n"), right = split(found, "\n");
   std::size_t first = 0;
   while (first < left.size() && first < right.size() && left[first] == right[first]) ++first;
   std::string out = "line " + std::to_string(first + 1) + "\n";
-  for (std::size_t i = first > around ? first - around : 0; i < first; ++i) out += "  " + left[i] + "\n";
-  for (std::size_t i = first; i < std::min(first + around, left.size()); ++i) out += "- " + left[i] + "\n";
-  for (std::size_t i = first; i < std::min(first + around, right.size()); ++i) out += "+ " + right[i] + "\n";
+  for (std::size_t i = first > env ? first - env : 0; i < first; ++i) out += "  " + left[i] + "\n";
+  for (std::size_t i = first; i < std::min(first + env, left.size()); ++i) out += "- " + left[i] + "\n";
+  for (std::size_t i = first; i < std::min(first + env, right.size()); ++i) out += "+ " + right[i] + "\n";
   return out;
 }
 

@@ -74,7 +74,7 @@ class StoringLanguages : public test::ShopFixture {
     folder = makeShop("uno");
     run(folder, "UPDATE lingue SET lingua1 = 'italiano', lingua2 = 'inglese', lingua3 = 'francese'");
     session.ShopFolder = folder;
-    ASSERT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+    ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
     hooks.MostraLingue = [this] { calls.push_back("MostraLingue " + std::to_string(session.languageCount)); };
     hooks.CambiaLingua = [this](int language) { calls.push_back("CambiaLingua " + std::to_string(language)); };
   }

@@ -19,9 +19,9 @@ inline std::string naiveNormalizzaTag(std::string text) {
       {"&lt;&lt;", "<<"}, {"<&lt;", "<<"},  {"&lt;<", "<<"}, {"&gt;&gt;", ">>"}, {">&gt;", ">>"},
       {"&gt;>", ">>"},    {"%3c", "%3C"},   {"%3e", "%3E"},  {"%3C%3C", "<<"},   {"<%3C", "<<"},
       {"%3C<", "<<"},     {"%3E%3E", ">>"}, {">%3E", ">>"},  {"%3E>", ">>"}};
-  for (const auto& [what, with] : steps) {
+  for (const auto& [what, env] : steps) {
     const std::string from = what;
-    const std::string to = with;
+    const std::string to = env;
     for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
       text.replace(at, from.size(), to);
     }

@@ -95,7 +95,7 @@ std::string anyOf(const std::vector<std::string>& pieces, std::mt19937& random, 
 TEST(ReferenceReplacer, AnyListGivesWhatItsNamesOneByOneGive) {
   const std::vector<std::string> letters{"a", "b", "A", ".", ".htm", " ", "x", "results", "%20", ".gif", ".HTM"};
   const std::vector<std::string> odd{"a", "b", ".", " ", "=", ">", "'", "\"", ".htm", "<", "1", "<<1-IDlingua", ".php"};
-  const std::vector<std::string> around{"\"", "'", " ", "=", ">", " ", "=", "z", "%20", "a b", "\r\n", "<"};
+  const std::vector<std::string> env{"\"", "'", " ", "=", ">", " ", "=", "z", "%20", "a b", "\r\n", "<"};
   std::mt19937 random(11);
   int changed = 0;
   for (int i = 0; i < 40'000; ++i) {
@@ -109,7 +109,7 @@ TEST(ReferenceReplacer, AnyListGivesWhatItsNamesOneByOneGive) {
     }
     std::string text;
     for (auto left = random() % 16; left > 0; --left) {
-      text += !names.empty() && random() % 2 == 0 ? names[random() % names.size()] : anyOf(around, random, 3);
+      text += !names.empty() && random() % 2 == 0 ? names[random() % names.size()] : anyOf(env, random, 3);
       if (random() % 8 == 0) text += anyOf(isOdd ? odd : letters, random, 4);
     }
     const std::string extension = random() % 5 == 0 ? "" : ".php";

@@ -14,7 +14,7 @@ class EditingTags : public test::ShopFixture {
   void SetUp() override {
     folder = makeShop("uno");
     session.ShopFolder = folder;
-    ASSERT_EQ(CaricaNegozio(session, with), LoadResult::Opened);
+    ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
   }
 
   TagEditor load() { return TagEditor::load(session, application); }

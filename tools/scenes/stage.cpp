@@ -82,21 +82,21 @@ void closeIt(QWidget& window) {
 }  // namespace
 
 Stage::Stage(const StageOptions& options)
-    : options_(options), with_{user_, settings_, systemClock(), systemRandom(), options.applicationFolder, {}} {}
+    : options_(options), env_{user_, settings_, systemClock(), systemRandom(), options.applicationFolder, {}} {}
 
 Stage::~Stage() {
   user_.setHome(nullptr);
-  closeSession(session_, with_);
+  closeSession(session_, env_);
 }
 
 bool Stage::open() {
   WorkbenchPorts ports;
   ports.open = [](const std::string&, const std::string&) { return openedWell; };
-  window_ = std::make_unique<frmMain>(session_, with_, std::move(ports));
+  window_ = std::make_unique<frmMain>(session_, env_, std::move(ports));
   Workbench& workbench = window_->workbench();
-  wireSession(*window_, session_, with_);
-  static_cast<void>(writeServerPath(with_.applicationFolder, options_.shop));
-  if (startSession(session_, with_) != LoadResult::Opened) return false;
+  wireSession(*window_, session_, env_);
+  static_cast<void>(writeServerPath(env_.applicationFolder, options_.shop));
+  if (startSession(session_, env_) != LoadResult::Opened) return false;
   workbench.showShop();
   user_.setHome(window_.get());
   window_->setGeometry(0, titleHeight, options_.size.width(), options_.size.height() - titleHeight);

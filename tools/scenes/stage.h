@@ -54,7 +54,7 @@ class Stage {
   StageOptions options_;
   QtUser user_;
   MemorySettings settings_;
-  Surroundings with_;
+  Environment env_;
   Session session_;
   std::unique_ptr<frmMain> window_;
   int taken_ = 0;

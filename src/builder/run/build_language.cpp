@@ -27,7 +27,7 @@ constexpr std::size_t fontColour = 4;
 void makePools(BuildRun& run) {
   PoolSources sources;
   sources.shopFolder = run.session.ShopFolder;
-  sources.applicationFolder = run.around.applicationFolder;
+  sources.applicationFolder = run.env.applicationFolder;
   sources.templateFolder = run.templateFolder;
   sources.languageCode = run.languages.codes[static_cast<std::size_t>(run.now.number - 1)];
   sources.pageExtension = run.languages.pageExtension;
@@ -48,11 +48,11 @@ void openTagDatabase(BuildRun& run) {
 
 void probeFolder(BuildRun& run, const std::string& folder, const std::string& probe) {
   if (writeBytes(joinPath(folder, probe), "")) return;
-  run.around.user.message("La cartella di lavoro '" + folder +
-                              "' non esiste: \n"
-                              "selezionare un'altra cartella (oppure resettare le cartelle di lavoro) e ripetere "
-                              "l'operazione",
-                          Icon::Exclamation);
+  run.env.user.message("La cartella di lavoro '" + folder +
+                           "' non esiste: \n"
+                           "selezionare un'altra cartella (oppure resettare le cartelle di lavoro) e ripetere "
+                           "l'operazione",
+                       Icon::Exclamation);
   throw RunStopped();
 }
 
@@ -173,7 +173,7 @@ void measure(BuildRun& run) {
 
 // The file keeps its date when its content is what it was.
 void writeShopMenu(BuildRun& run) {
-  if (run.around.settings.get(settingsSection, "XMLmenu") == "0") return;
+  if (run.env.settings.get(settingsSection, "XMLmenu") == "0") return;
   const std::string path = run.online(FileLingua("shopmenu.xml", run.now.lingua));
   const std::string text = toWindows1252(CatEsploraXML(run.now.navigation.departments(), run.now.lingua));
   const auto present = readBytes(path);

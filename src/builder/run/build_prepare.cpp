@@ -50,10 +50,10 @@ void checkLanguageModules(const BuildRun& run) {
     if (!findEntry(run.languages.languagesFolder, code + ".lng")) missing += code + "\n";
   }
   if (missing.empty()) return;
-  run.around.user.message("I seguenti moduli linguistici non sono stati trovati:\n" + missing +
-                              "\nPer costruire il negozio è necessario installare i moduli linguistici mancanti,\n"
-                              "oppure cambiare le lingue selezionate (menu \"File/Configura lingue\")",
-                          Icon::Exclamation);
+  run.env.user.message("I seguenti moduli linguistici non sono stati trovati:\n" + missing +
+                           "\nPer costruire il negozio è necessario installare i moduli linguistici mancanti,\n"
+                           "oppure cambiare le lingue selezionate (menu \"File/Configura lingue\")",
+                       Icon::Exclamation);
   throw RunStopped();
 }
 
@@ -66,9 +66,9 @@ void readSettings(BuildRun& run) {
   run.generale = singleRow(run.session.catalogue, SelezionaLingua("generale", 1));
   const FieldRow& generale = run.generale;
   if (generale.flag("personaltags")) {
-    run.custom = CaricaTagPersonali(run.session.ShopFolder, run.around.applicationFolder);
+    run.custom = CaricaTagPersonali(run.session.ShopFolder, run.env.applicationFolder);
   }
-  run.html.entities = run.around.settings.get(settingsSection, "MacCodes") != "off";
+  run.html.entities = run.env.settings.get(settingsSection, "MacCodes") != "off";
   run.redirectScript = MakeRedirect(generale);
   run.factor = shopFactor(generale.text("sconto"));
   run.showcase.listCode = generale.flag("elenco_codice");
@@ -88,7 +88,7 @@ void readSettings(BuildRun& run) {
 WrapperSettings wrapperSettings(const BuildRun& run) {
   WrapperSettings settings;
   settings.smartbuild = run.session.smartBuild;
-  settings.newPhpNames = run.around.settings.get(settingsSection, "PHP4.1VARS") == "1";
+  settings.newPhpNames = run.env.settings.get(settingsSection, "PHP4.1VARS") == "1";
   settings.order.registrationRequired = run.generale.flag("regobbl");
   settings.order.pricesForRegisteredOnly = run.generale.flag("regprices");
   settings.order.limitsForFirstList = run.generale.flag("reglist");
@@ -169,7 +169,7 @@ void copyOptionCodes(BuildRun& run) {
 
 void prepareBuild(BuildRun& run) {
   const std::string& folder = run.session.ShopFolder;
-  run.token = newToken(run.around.random);
+  run.token = newToken(run.env.random);
   sweep(run);
   writeMarker(run);
   checkLanguageModules(run);

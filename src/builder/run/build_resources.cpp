@@ -25,7 +25,7 @@ void copyResource(BuildRun& run, const std::string& from, const std::string& to)
 // The same names for every language, so that the row of the last one wins: the files are entered for each language
 // and made for the last.
 void makeBackOffice(BuildRun& run) {
-  const std::string folder = joinPath(run.around.applicationFolder, "backoffice");
+  const std::string folder = joinPath(run.env.applicationFolder, "backoffice");
   run.wrapper.setSources(&run.now.row, &run.now.words, &run.custom, "");
   for (const std::string& name : listFiles(folder, "*.*")) {
     run.checkCancel();
@@ -86,7 +86,7 @@ void makeScriptsAndResources(BuildRun& run) {
 
 void finishBuild(BuildRun& run) {
   run.meter.position = run.meter.maximum;
-  run.around.user.progress({"", run.meter.position, run.meter.maximum});
+  run.env.user.progress({"", run.meter.position, run.meter.maximum});
   const std::string work = joinPath(run.session.ShopFolder, "work");
   for (const std::string& name : listFiles(work, "*.*")) {
     run.checkCancel();

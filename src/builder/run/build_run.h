@@ -78,10 +78,10 @@ struct LanguageRun {
 };
 
 struct BuildRun {
-  BuildRun(Session& openSession, Surroundings& open, const BuildParts& otherParts);
+  BuildRun(Session& openSession, Environment& environment, const BuildParts& otherParts);
 
   Session& session;
-  Surroundings& around;
+  Environment& env;
   const BuildParts& parts;
   std::string templateFolder;
   ShopLanguages languages;

@@ -29,7 +29,7 @@ void makeThanksPage(BuildRun& run, const std::string& name, int number, const st
   std::string text = ReadKpg(run.session.ShopFolder, method);
   if (text == unreadableDescriptor) {
     text.clear();
-    run.around.user.message("Impossibile trovare il file '" + method + ".kpg'", Icon::Exclamation);
+    run.env.user.message("Impossibile trovare il file '" + method + ".kpg'", Icon::Exclamation);
   }
   row.set("thankyou", std::move(text));
   row.set("java_PGAction", ReadKpgAction(run.session.ShopFolder, method, run.now.lingua));

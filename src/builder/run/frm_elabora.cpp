@@ -60,12 +60,12 @@ class frmElabora::BuildUser final : public UserPort {
   UserPort& user_;
 };
 
-frmElabora::frmElabora(Session& session, Surroundings& with, BuildViews views, QWidget* parent)
+frmElabora::frmElabora(Session& session, Environment& env, BuildViews views, QWidget* parent)
     : FormDialog(buildTitle, parent),
       session_(session),
-      with_(with),
+      env_(env),
       views_(std::move(views)),
-      user_(std::make_unique<BuildUser>(*this, with.user)) {
+      user_(std::make_unique<BuildUser>(*this, env.user)) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(new QLabel(toQt(buildHeading)));
   lblStato_ = named(new QLabel(toQt(buildStarts)), "lblStato");
@@ -94,8 +94,8 @@ void frmElabora::start() {
   started_ = true;
   running_ = true;
   user_->pump.pump(false);
-  Surroundings around{*user_, with_.settings, with_.clock, with_.random, with_.applicationFolder, with_.hooks};
-  outcome_ = MakePages(session_, around, {}, &counts_);
+  Environment env{*user_, env_.settings, env_.clock, env_.random, env_.applicationFolder, env_.hooks};
+  outcome_ = MakePages(session_, env, {}, &counts_);
   running_ = false;
   if (outcome_ == BuildOutcome::Done) {
     showProgress();
@@ -135,7 +135,7 @@ void frmElabora::showProgress() {
 
 void frmElabora::tellFinished(const std::string& text) {
   if (!views_.openShop && !views_.openFolder) {
-    with_.user.message(text, Icon::Information);
+    env_.user.message(text, Icon::Information);
     return;
   }
   unsetCursor();

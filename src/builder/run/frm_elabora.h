@@ -23,7 +23,7 @@ struct BuildViews {
 class frmElabora final : public FormDialog {
  public:
   /// `session` and `with` outlive the dialog. Messages of the build go to `with.user`.
-  frmElabora(Session& session, Surroundings& with, BuildViews views = {}, QWidget* parent = nullptr);
+  frmElabora(Session& session, Environment& env, BuildViews views = {}, QWidget* parent = nullptr);
   ~frmElabora() override;
 
   BuildOutcome outcome() const { return outcome_; }
@@ -43,7 +43,7 @@ class frmElabora final : public FormDialog {
   void tellFinished(const std::string& text);
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   BuildViews views_;
   BuildCounts counts_;
   BuildOutcome outcome_ = BuildOutcome::Cancelled;

@@ -55,7 +55,7 @@ void leave(BuildRun& run) noexcept {
 }
 
 BuildOutcome guardedRun(BuildRun& run) {
-  UserPort& user = run.around.user;
+  UserPort& user = run.env.user;
   try {
     runPhases(run);
     return BuildOutcome::Done;
@@ -76,28 +76,28 @@ BuildOutcome guardedRun(BuildRun& run) {
 
 }  // namespace
 
-BuildRun::BuildRun(Session& openSession, Surroundings& open, const BuildParts& otherParts)
+BuildRun::BuildRun(Session& openSession, Environment& environment, const BuildParts& otherParts)
     : session(openSession),
-      around(open),
+      env(environment),
       parts(otherParts),
-      templateFolder(joinPath(open.applicationFolder, openSession.templatePath)),
-      wrapper(open.user) {
+      templateFolder(joinPath(environment.applicationFolder, openSession.templatePath)),
+      wrapper(environment.user) {
   languages.count = session.languageCount;
   languages.codes = session.languageNames;
-  languages.languagesFolder = joinPath(open.applicationFolder, "languages");
+  languages.languagesFolder = joinPath(environment.applicationFolder, "languages");
   languages.pageExtension = pageExtension;
   languages.flags = readFlagSizes(languages);
 }
 
 void BuildRun::checkCancel() const {
-  if (!around.user.yield()) throw RunCancelled();
+  if (!env.user.yield()) throw RunCancelled();
 }
 
 void BuildRun::AggiornaProg() const {
   std::string caption = "Lingua " + std::to_string(now.number);
   caption += ": Reparti " + std::to_string(meter.departmentsDone) + "/" + std::to_string(meter.departments);
   caption += " Articoli " + std::to_string(meter.articlesDone) + "/" + std::to_string(meter.articles);
-  around.user.progress({caption, meter.position, meter.maximum});
+  env.user.progress({caption, meter.position, meter.maximum});
 }
 
 void BuildRun::makePage(const PageJob& job) {
@@ -133,8 +133,8 @@ void storeTagRows(BuildRun& run) {
   must(run.tags.commit());
 }
 
-BuildOutcome MakePages(Session& session, Surroundings& surroundings, const BuildParts& parts, BuildCounts* counts) {
-  BuildRun run(session, surroundings, parts);
+BuildOutcome MakePages(Session& session, Environment& env, const BuildParts& parts, BuildCounts* counts) {
+  BuildRun run(session, env, parts);
   const BuildOutcome outcome = guardedRun(run);
   if (counts != nullptr) {
     counts->departments = run.meter.departments;
@@ -145,8 +145,8 @@ BuildOutcome MakePages(Session& session, Surroundings& surroundings, const Build
     counts->filesListed = run.files.size();
   }
   if (outcome == BuildOutcome::Done) {
-    surroundings.user.message("Creazione del negozio terminata. Aggiornare il sito per rendere effettive le modifiche.",
-                              Icon::Information);
+    env.user.message("Creazione del negozio terminata. Aggiornare il sito per rendere effettive le modifiche.",
+                     Icon::Information);
   }
   return outcome;
 }

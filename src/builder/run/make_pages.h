@@ -31,7 +31,6 @@ struct BuildCounts {
 
 /// MakePages (make pages): builds the open shop. Every failure has been told to the user when it returns Failed; a
 /// cancelled build says nothing and leaves what stands. Source: the settings, template and languages of the session.
-BuildOutcome MakePages(Session& session, Surroundings& surroundings, const BuildParts& parts = {},
-                       BuildCounts* counts = nullptr);
+BuildOutcome MakePages(Session& session, Environment& env, const BuildParts& parts = {}, BuildCounts* counts = nullptr);
 
 }  // namespace kv

@@ -29,7 +29,7 @@ std::vector<std::string> SetPG(BuildRun& run, const std::string& name) {
     if (makeScript(run, script, output)) {
       made.push_back(std::move(output));
     } else {
-      run.around.user.message("Errore nell'elaborazione del file " + file, Icon::Exclamation);
+      run.env.user.message("Errore nell'elaborazione del file " + file, Icon::Exclamation);
     }
   }
   return made;

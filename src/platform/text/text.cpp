@@ -52,13 +52,13 @@ std::size_t findIgnoringCase(std::string_view text, std::string_view what, std::
   }
 }
 
-std::string replaceAll(std::string_view text, std::string_view what, std::string_view with) {
+std::string replaceAll(std::string_view text, std::string_view what, std::string_view replacement) {
   if (what.empty()) return std::string(text);
   std::string result;
   std::size_t at = 0;
   for (std::size_t hit = text.find(what); hit != std::string_view::npos; hit = text.find(what, at)) {
     if (at == 0) result.reserve(text.size());
-    result.append(text, at, hit - at).append(with);
+    result.append(text, at, hit - at).append(replacement);
     at = hit + what.size();
   }
   return result.append(text, at, text.size() - at);

@@ -40,7 +40,7 @@ bool endsWithIgnoringCase(std::string_view text, std::string_view end);
 std::size_t findIgnoringCase(std::string_view text, std::string_view what, std::size_t from = 0);
 
 /// Replaces every occurrence, from left to right, not looking again into what it put in. `what` is not empty.
-std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
+std::string replaceAll(std::string_view text, std::string_view what, std::string_view replacement);
 
 /// Without blanks (U+0020 only) at both ends.
 std::string_view trim(std::string_view text);

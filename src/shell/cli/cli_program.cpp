@@ -10,17 +10,17 @@
 namespace kv {
 namespace {
 
-CliOutcome runShopCommand(const CommandLine& line, Surroundings& with, std::ostream& out) {
+CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostream& out) {
   const std::string shop = absolutePath(line.shop);
   switch (line.command) {
     case CliCommand::Build:
-      return buildShop(shop, with, out);
+      return buildShop(shop, env, out);
     case CliCommand::Check:
-      return checkShop(shop, with, out);
+      return checkShop(shop, env, out);
     case CliCommand::ExportSql:
-      return exportShopSql(shop, with, out);
+      return exportShopSql(shop, env, out);
     case CliCommand::New:
-      return newShop(with, out);
+      return newShop(env, out);
     case CliCommand::Help:
     case CliCommand::Version:
       break;
@@ -51,9 +51,9 @@ CliOutcome runCommandLine(std::span<const std::string> arguments, const CliPlace
   screen.folder = absolutePath(line->shop);
   ConsoleUser user(place.err, systemClock(), std::move(screen));
   FileSettings settings(userSettingsPath());
-  Surroundings with{user, settings, systemClock(), systemRandom(), *application, {}};
-  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
-  const CliOutcome outcome = runShopCommand(*line, with, place.out);
+  Environment env{user, settings, systemClock(), systemRandom(), *application, {}};
+  env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
+  const CliOutcome outcome = runShopCommand(*line, env, place.out);
   place.out.flush();
   return outcome;
 }

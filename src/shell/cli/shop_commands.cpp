@@ -14,37 +14,37 @@ namespace {
 /// A session that ends with the command.
 class CliSession {
  public:
-  explicit CliSession(Surroundings& with) : with_(with) { session.smartBuild = wantsSmartBuild(with.settings); }
+  explicit CliSession(Environment& env) : env_(env) { session.smartBuild = wantsSmartBuild(env.settings); }
   CliSession(const CliSession&) = delete;
   CliSession& operator=(const CliSession&) = delete;
-  ~CliSession() { closeSession(session, with_); }
+  ~CliSession() { closeSession(session, env_); }
 
   /// False when the shop could not be opened; the user knows why.
   bool open(const std::string& shop) {
     if (isRoot(shop)) {
-      with_.user.message(
+      env_.user.message(
           "La cartella '" + shop + "' è la root di un disco: non è consentito aprire un negozio in questa posizione",
           Icon::Exclamation);
       return false;
     }
     const ShopCheck check = validateShop(shop);
     if (!check.ok) {
-      with_.user.message(check.message, Icon::Exclamation);
+      env_.user.message(check.message, Icon::Exclamation);
       return false;
     }
     session.ShopFolder = shop;
-    return CaricaNegozio(session, with_) == LoadResult::Opened;
+    return CaricaNegozio(session, env_) == LoadResult::Opened;
   }
 
   bool hasTemplate() const {
-    const std::string folder = joinPath(with_.applicationFolder, session.templatePath);
+    const std::string folder = joinPath(env_.applicationFolder, session.templatePath);
     return !session.templatePath.empty() && !listFiles(folder, "modello*.htm").empty();
   }
 
   Session session;
 
  private:
-  Surroundings& with_;
+  Environment& env_;
 };
 
 CliOutcome outcomeOf(BuildOutcome outcome) {
@@ -76,14 +76,14 @@ std::string missingLanguages(const Session& session, const std::string& applicat
 }
 
 /// Names every fault, not only the first.
-bool tellFaults(const CliSession& open, Surroundings& with) {
+bool tellFaults(const CliSession& open, Environment& env) {
   bool faulty = false;
   const auto fault = [&](const std::string& text) {
-    with.user.message(text, Icon::Exclamation);
+    env.user.message(text, Icon::Exclamation);
     faulty = true;
   };
   if (!open.hasTemplate()) fault("Per costruire il negozio è necessario scegliere un template");
-  const std::string missing = missingLanguages(open.session, with.applicationFolder);
+  const std::string missing = missingLanguages(open.session, env.applicationFolder);
   if (!missing.empty()) fault("I seguenti moduli linguistici non sono stati trovati:" + missing);
   for (const std::string& folder : {open.session.onlineFolder, open.session.scriptFolder}) {
     if (!folderExists(folder)) fault("La cartella di lavoro '" + folder + "' non esiste");
@@ -108,37 +108,36 @@ void tellExported(const Session& session, const ExportReport& report, std::ostre
 
 }  // namespace
 
-CliOutcome buildShop(const std::string& shop, Surroundings& with, std::ostream& out) {
-  CliSession open(with);
+CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out) {
+  CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
   if (!open.hasTemplate()) {
-    with.user.message("Per costruire il negozio è necessario scegliere un template", Icon::Exclamation);
+    env.user.message("Per costruire il negozio è necessario scegliere un template", Icon::Exclamation);
     return CliOutcome::Failed;
   }
   BuildCounts counts;
-  const CliOutcome outcome = outcomeOf(MakePages(open.session, with, {}, &counts));
+  const CliOutcome outcome = outcomeOf(MakePages(open.session, env, {}, &counts));
   if (outcome == CliOutcome::Done) tellMade(open.session, counts, out);
   return outcome;
 }
 
-CliOutcome checkShop(const std::string& shop, Surroundings& with, std::ostream& out) {
-  CliSession open(with);
+CliOutcome checkShop(const std::string& shop, Environment& env, std::ostream& out) {
+  CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  if (tellFaults(open, with)) return CliOutcome::Failed;
+  if (tellFaults(open, env)) return CliOutcome::Failed;
   out << "Il negozio può essere costruito: articoli " << open.session.articleCount << ", lingue "
       << open.session.languageCount << ", " << open.session.templatePath << ".\n";
   return CliOutcome::Done;
 }
 
-CliOutcome exportShopSql(const std::string& shop, Surroundings& with, std::ostream& out) {
-  CliSession open(with);
+CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream& out) {
+  CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
   const auto word = open.session.catalogue.scalar("SELECT db_security FROM generale");
   const std::string sec = word ? asText(*word) : std::string();
   if (sec.empty() || !fileExists(joinPath(open.session.onlineFolder, sec + ".sc"))) {
-    with.user.message(
-        "Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database",
-        Icon::Exclamation);
+    env.user.message("Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database",
+                     Icon::Exclamation);
     return CliOutcome::Failed;
   }
   for (const std::string& name : listFiles(open.session.onlineFolder, "*.sql")) {
@@ -147,14 +146,14 @@ CliOutcome exportShopSql(const std::string& shop, Surroundings& with, std::ostre
   LockStatements lock;
   readLockOption(shop, lock);
   ExportReport report;
-  ExportFullSql({shop, open.session.onlineFolder, with.user, with.settings, lock}, sec, &report);
+  ExportFullSql({shop, open.session.onlineFolder, env.user, env.settings, lock}, sec, &report);
   tellExported(open.session, report, out);
   return report.failed || report.published.empty() ? CliOutcome::Failed : CliOutcome::Done;
 }
 
-CliOutcome newShop(Surroundings& with, std::ostream& out) {
-  CliSession open(with);
-  if (!NuovoNegozio(open.session, with) || !open.session.catalogue.isOpen()) return CliOutcome::Failed;
+CliOutcome newShop(Environment& env, std::ostream& out) {
+  CliSession open(env);
+  if (!NuovoNegozio(open.session, env) || !open.session.catalogue.isOpen()) return CliOutcome::Failed;
   out << "Nuovo negozio: " << open.session.ShopFolder << '\n';
   return CliOutcome::Done;
 }

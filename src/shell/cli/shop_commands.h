@@ -13,17 +13,17 @@ namespace kv {
 enum class CliOutcome { Done = 0, Failed = 1, WrongUsage = 2, Cancelled = 130 };
 
 /// Opens the shop and builds its site. What was made is told on `out`; messages go to the user port.
-CliOutcome buildShop(const std::string& shop, Surroundings& with, std::ostream& out);
+CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out);
 
 /// Opens the shop as a build would and names what stands in the way of one: a folder that is no shop, a missing
 /// template, missing language modules, missing working folders. One sentence on `out` when nothing does.
-CliOutcome checkShop(const std::string& shop, Surroundings& with, std::ostream& out);
+CliOutcome checkShop(const std::string& shop, Environment& env, std::ostream& out);
 
 /// Opens the shop and writes the SQL files of its last build into the online folder, old ones deleted first. Names the
 /// files on `out`. Failed, with a message, when the shop hasn't been built.
-CliOutcome exportShopSql(const std::string& shop, Surroundings& with, std::ostream& out);
+CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream& out);
 
 /// Makes a new shop in the folder that the user port chooses.
-CliOutcome newShop(Surroundings& with, std::ostream& out);
+CliOutcome newShop(Environment& env, std::ostream& out);
 
 }  // namespace kv

@@ -18,8 +18,8 @@ constexpr std::string_view noCopies = "Non è ancora stata conservata alcuna cop
 
 }  // namespace
 
-frmBackup::frmBackup(const std::string& shopFolder, Surroundings& with, QWidget* parent)
-    : FormDialog(backupTitle, parent), with_(with), copies_(backupCopies(shopFolder)) {
+frmBackup::frmBackup(const std::string& shopFolder, Environment& env, QWidget* parent)
+    : FormDialog(backupTitle, parent), env_(env), copies_(backupCopies(shopFolder)) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(wrappedText(backupNote));
   column->addWidget(makeList(), 1);
@@ -60,7 +60,7 @@ void frmBackup::choose() {
   const int row = lstCopie_->currentRow();
   if (row < 0) return;
   const BackupCopy& copy = copies_[static_cast<std::size_t>(row)];
-  if (with_.user.question(restoreQuestion(copy)) == Answer::Yes) finish(copy.name);
+  if (env_.user.question(restoreQuestion(copy)) == Answer::Yes) finish(copy.name);
 }
 
 }  // namespace kv

@@ -16,13 +16,13 @@ namespace kv {
 class frmBackup final : public FormDialog {
  public:
   /// `with` outlives the dialog.
-  frmBackup(const std::string& shopFolder, Surroundings& with, QWidget* parent = nullptr);
+  frmBackup(const std::string& shopFolder, Environment& env, QWidget* parent = nullptr);
 
  private:
   QWidget* makeList();
   void choose();
 
-  Surroundings& with_;
+  Environment& env_;
   std::vector<BackupCopy> copies_;
   QTableWidget* lstCopie_ = nullptr;
   QPushButton* cmdRipristina_ = nullptr;

@@ -24,8 +24,8 @@ std::size_t placeOf(WorkingFolder folder) { return static_cast<std::size_t>(fold
 
 }  // namespace
 
-frmBrowse::frmBrowse(Session& session, Surroundings& with, QWidget* parent)
-    : FormDialog(foldersTitle, parent), session_(session), with_(with), choice_(session) {
+frmBrowse::frmBrowse(Session& session, Environment& env, QWidget* parent)
+    : FormDialog(foldersTitle, parent), session_(session), env_(env), choice_(session) {
   auto* column = new QVBoxLayout(this);
   auto* grid = new QGridLayout();
   grid->setColumnStretch(1, 1);
@@ -64,7 +64,7 @@ void frmBrowse::addRow(QGridLayout& grid, WorkingFolder folder) {
 
 void frmBrowse::browse(WorkingFolder folder) {
   const std::string prompt(rows[placeOf(folder)].prompt);
-  const std::string chosen = with_.user.chooseFolder(prompt, choice_.field(folder).text);
+  const std::string chosen = env_.user.chooseFolder(prompt, choice_.field(folder).text);
   if (chosen.empty()) return;
   choice_.set(folder, chosen);
   txtCartella_[placeOf(folder)]->setText(toQt(chosen));
@@ -76,7 +76,7 @@ void frmBrowse::reset(WorkingFolder folder) {
 }
 
 void frmBrowse::accepted() {
-  static_cast<void>(choice_.apply(session_, with_.user));
+  static_cast<void>(choice_.apply(session_, env_.user));
   finish("OK");
 }
 

@@ -15,7 +15,7 @@ namespace kv {
 class frmBrowse final : public FormDialog {
  public:
   /// `session` and `with` outlive the dialog.
-  frmBrowse(Session& session, Surroundings& with, QWidget* parent = nullptr);
+  frmBrowse(Session& session, Environment& env, QWidget* parent = nullptr);
 
  private:
   void addRow(QGridLayout& grid, WorkingFolder folder);
@@ -24,7 +24,7 @@ class frmBrowse final : public FormDialog {
   void accepted();
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   FolderChoice choice_;
   std::array<QLineEdit*, 2> txtCartella_{};
 };

@@ -76,8 +76,8 @@ class HitModel final : public QAbstractTableModel {
   std::vector<ArticleHit> hits_;
 };
 
-frmSearch::frmSearch(Session& session, Surroundings& with, QWidget* parent)
-    : FormDialog(searchTitle, parent), session_(session), with_(with), model_(new HitModel(this)) {
+frmSearch::frmSearch(Session& session, Environment& env, QWidget* parent)
+    : FormDialog(searchTitle, parent), session_(session), env_(env), model_(new HitModel(this)) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(makeQuestion());
   column->addWidget(makeAnswer(), 1);
@@ -162,7 +162,7 @@ void frmSearch::search() {
     return findArticles(session_, field.column, fromQt(txtTesto_->text()), chkParole_->isChecked());
   }();
   if (!hits) {
-    with_.user.message(hits.error().what, Icon::Critical);
+    env_.user.message(hits.error().what, Icon::Critical);
     return;
   }
   showHits(std::move(*hits));

@@ -23,7 +23,7 @@ class HitModel;
 class frmSearch final : public FormDialog {
  public:
   /// `session` and `with` outlive the dialog.
-  frmSearch(Session& session, Surroundings& with, QWidget* parent = nullptr);
+  frmSearch(Session& session, Environment& env, QWidget* parent = nullptr);
   ~frmSearch() override;
 
   /// The article chosen by Mostra; 0 when none was.
@@ -38,7 +38,7 @@ class frmSearch final : public FormDialog {
   void settleMostra();
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   HitModel* model_ = nullptr;
   QLineEdit* txtTesto_ = nullptr;
   QButtonGroup* optCampo_ = nullptr;

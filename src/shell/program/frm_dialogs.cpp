@@ -41,49 +41,49 @@ std::string choosePicture(frmMain& window, const Session& session, UserPort& use
   return {};
 }
 
-void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Surroundings& with) {
+void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
   dialogs["frmBrowse"] = [&](const std::string&) {
-    frmBrowse dialog(session, with, &window);
+    frmBrowse dialog(session, env, &window);
     return run(dialog);
   };
   dialogs["frmLingue"] = [&](const std::string&) {
     LanguageHooks hooks;
     hooks.MostraLingue = [&window] { window.workbench().MostraLingue(); };
     hooks.CambiaLingua = [&window](int language) { window.workbench().CambiaLingua(language); };
-    frmLingue dialog(session, with, std::move(hooks), &window);
+    frmLingue dialog(session, env, std::move(hooks), &window);
     return run(dialog);
   };
   dialogs["frmTags"] = [&](const std::string&) {
-    frmTags dialog(session, with, &window);
+    frmTags dialog(session, env, &window);
     return run(dialog);
   };
   dialogs["frmBackup"] = [&](const std::string&) {
-    frmBackup dialog(session.ShopFolder, with, &window);
+    frmBackup dialog(session.ShopFolder, env, &window);
     const std::string copy = run(dialog);
-    if (!copy.empty()) static_cast<void>(RipristinaCopia(session, with, copy));
+    if (!copy.empty()) static_cast<void>(RipristinaCopia(session, env, copy));
     return copy;
   };
 }
 
-void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Surroundings& with) {
+void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
   dialogs["frmElabora"] = [&](const std::string&) {
     BuildViews views;
     // The pages that were built need a server: what a browser can show is the shop as it is published.
     const std::string address = window.workbench().shown(*editorOf(EditedSet::Generale, shopAddressField));
     if (!address.empty()) views.openShop = [&window, address] { window.workbench().openDocument(address); };
     views.openFolder = [&] { window.workbench().openDocument(session.onlineFolder); };
-    frmElabora dialog(session, with, std::move(views), &window);
+    frmElabora dialog(session, env, std::move(views), &window);
     return run(dialog);
   };
   dialogs["frmAvviso"] = [&](const std::string&) {
-    frmAvviso dialog(with.settings, &window);
+    frmAvviso dialog(env.settings, &window);
     return run(dialog);
   };
   dialogs["frmSearch"] = [&](const std::string&) {
-    frmSearch dialog(session, with, &window);
+    frmSearch dialog(session, env, &window);
     return run(dialog);
   };
-  dialogs["frmImmagine"] = [&](const std::string&) { return choosePicture(window, session, with.user); };
+  dialogs["frmImmagine"] = [&](const std::string&) { return choosePicture(window, session, env.user); };
   dialogs["frmIntro"] = [&](const std::string&) {
     showGuide(window);
     return std::string();
@@ -96,14 +96,14 @@ void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Surr
 
 }  // namespace
 
-void wireDialogs(frmMain& window, Session& session, Surroundings& with) {
+void wireDialogs(frmMain& window, Session& session, Environment& env) {
   WorkbenchDialogs& dialogs = window.workbench().ports().dialogs;
-  wireSettings(dialogs, window, session, with);
-  wireWork(dialogs, window, session, with);
-  with.hooks.CopiaCatalogo = catalogueCopier(with);
-  with.hooks.frmTemplate = [&](const std::string& current) {
+  wireSettings(dialogs, window, session, env);
+  wireWork(dialogs, window, session, env);
+  env.hooks.CopiaCatalogo = catalogueCopier(env);
+  env.hooks.frmTemplate = [&](const std::string& current) {
     const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };
-    frmTemplate dialog(with.applicationFolder, current, help, &window);
+    frmTemplate dialog(env.applicationFolder, current, help, &window);
     return run(dialog);
   };
 }

@@ -7,7 +7,7 @@ namespace kv {
 
 /// Puts the dialogs that this program has into the workbench of the window, and the template choice and the copy of the
 /// catalogue into the hooks of the session. All outlive the window's use.
-void wireDialogs(frmMain& window, Session& session, Surroundings& with);
+void wireDialogs(frmMain& window, Session& session, Environment& env);
 
 /// Opens files and addresses with the programs of the desktop.
 DocumentOpener desktopOpener();

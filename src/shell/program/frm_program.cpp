@@ -34,11 +34,11 @@ char decimalSeparator() {
 }
 
 /// Makes a shop folder that was asked for the one that the start finds; false when it is none.
-bool takeShop(const std::string& folder, const Surroundings& with) {
+bool takeShop(const std::string& folder, const Environment& env) {
   if (folder.empty()) return true;
   const ShopCheck check = validateShop(folder);
-  if (check.ok) return writeServerPath(with.applicationFolder, folder).has_value();
-  with.user.message(check.message, Icon::Exclamation);
+  if (check.ok) return writeServerPath(env.applicationFolder, folder).has_value();
+  env.user.message(check.message, Icon::Exclamation);
   return false;
 }
 
@@ -65,16 +65,16 @@ void greet(frmMain& window, Settings& settings) {
 
 }  // namespace
 
-void wireSession(frmMain& window, Session& session, Surroundings& with) {
+void wireSession(frmMain& window, Session& session, Environment& env) {
   Workbench& workbench = window.workbench();
-  with.hooks.CompletaGateway = [&with](const std::string& folder) { CompletaGateway(folder, with.applicationFolder); };
-  with.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
-  with.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-  with.hooks.reload = [&] {
+  env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
+  env.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
+  env.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
+  env.hooks.reload = [&] {
     const BusyPointer busy;
-    if (loadSession(session, with) == LoadResult::Opened) workbench.showShop();
+    if (loadSession(session, env) == LoadResult::Opened) workbench.showShop();
   };
-  wireDialogs(window, session, with);
+  wireDialogs(window, session, env);
 }
 
 QTranslator* speakItalian() {
@@ -101,16 +101,16 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   }
   FileSettings settings(userSettingsPath());
   DesktopAppearance appearance(storedAppearance(settings));
-  Surroundings with{user, settings, systemClock(), systemRandom(), *folder, {}};
+  Environment env{user, settings, systemClock(), systemRandom(), *folder, {}};
   Session session;
   WorkbenchPorts ports;
   ports.open = desktopOpener();
   ports.wear = [&appearance](Appearance chosen) { appearance.choose(chosen); };
   ports.decimalSeparator = decimalSeparator();
-  frmMain window(session, with, std::move(ports));
-  wireSession(window, session, with);
-  takeShop(absolutePath(arguments.shop), with);
-  const LoadResult loaded = startSession(session, with);
+  frmMain window(session, env, std::move(ports));
+  wireSession(window, session, env);
+  takeShop(absolutePath(arguments.shop), env);
+  const LoadResult loaded = startSession(session, env);
   if (loaded == LoadResult::Opened) window.workbench().showShop();
   if (!session.catalogue.isOpen()) return 1;
   window.restorePlace();
@@ -120,7 +120,7 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   window.show();
   const int status = QApplication::exec();
   user.setHome(nullptr);
-  closeSession(session, with);
+  closeSession(session, env);
   return status;
 }
 

@@ -14,7 +14,7 @@ QTranslator* speakItalian();
 
 /// Ties a session to the window that shows it: the hooks by which a shop is opened, shown and let go, and the dialogs.
 /// All three outlive what they are tied by.
-void wireSession(frmMain& window, Session& session, Surroundings& with);
+void wireSession(frmMain& window, Session& session, Environment& env);
 
 /// Runs the program inside a QApplication that stands. The exit status: 0, or 1 when no shop could be opened.
 /// `programs`: the folder of the program, see installedData.

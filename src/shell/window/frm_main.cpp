@@ -31,8 +31,8 @@ QByteArray bytesOf(const Settings& settings, std::string_view key) {
 
 }  // namespace
 
-frmMain::frmMain(Session& session, Surroundings& with, WorkbenchPorts ports)
-    : session_(session), with_(with), workbench_(session, with, *this, std::move(ports)) {
+frmMain::frmMain(Session& session, Environment& env, WorkbenchPorts ports)
+    : session_(session), env_(env), workbench_(session, env, *this, std::move(ports)) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(QStringLiteral("Korvane"));
   menus_ = new MainMenus(*this, workbench_);
@@ -221,7 +221,7 @@ void frmMain::showEvent(QShowEvent* event) {
 void frmMain::keepPlace() {
   const auto keep = [this](std::string_view key, const QByteArray& bytes) {
     const std::string text = bytes.toBase64().toStdString();
-    if (with_.settings.get(placeSection, key) != text) static_cast<void>(with_.settings.set(placeSection, key, text));
+    if (env_.settings.get(placeSection, key) != text) static_cast<void>(env_.settings.set(placeSection, key, text));
   };
   keep("geometria", saveGeometry());
   keep("divisori", sides_->saveState());
@@ -229,9 +229,9 @@ void frmMain::keepPlace() {
 }
 
 void frmMain::restorePlace() {
-  restoreGeometry(bytesOf(with_.settings, "geometria"));
-  sides_->restoreState(bytesOf(with_.settings, "divisori"));
-  lists_->restoreState(bytesOf(with_.settings, "elenchi"));
+  restoreGeometry(bytesOf(env_.settings, "geometria"));
+  sides_->restoreState(bytesOf(env_.settings, "divisori"));
+  lists_->restoreState(bytesOf(env_.settings, "elenchi"));
 }
 
 }  // namespace kv

@@ -28,7 +28,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   Q_OBJECT
  public:
   /// `session` and `with` outlive the window.
-  frmMain(Session& session, Surroundings& with, WorkbenchPorts ports);
+  frmMain(Session& session, Environment& env, WorkbenchPorts ports);
   ~frmMain() override;
 
   Workbench& workbench() { return workbench_; }
@@ -85,7 +85,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void keepPlace();
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   Workbench workbench_;
   MainMenus* menus_ = nullptr;
   QTabBar* tabs_ = nullptr;

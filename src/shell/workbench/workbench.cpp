@@ -11,14 +11,14 @@
 
 namespace kv {
 
-Workbench::Workbench(Session& session, Surroundings& with, WorkbenchView& view, WorkbenchPorts ports)
+Workbench::Workbench(Session& session, Environment& env, WorkbenchView& view, WorkbenchPorts ports)
     : session_(session),
-      with_(with),
+      env_(env),
       view_(view),
       ports_(std::move(ports)),
       sets_(session),
       history_(sets_),
-      editing_(sets_, with.user,
+      editing_(sets_, env.user,
                {[this](std::string_view key, bool enabled) { StatoComando(key, enabled); },
                 [this](bool busy) { view_.showBusy(busy); }}),
       fields_(sets_, history_, ports_.decimalSeparator) {
@@ -229,7 +229,7 @@ void Workbench::leaveField(const Editor& editor, const std::string& text) {
   if (editor.column == "template") editing_.showModel(text);
   refreshTabKeys();
   view_.entriesChanged();
-  if (!outcome.note.empty()) with_.user.message(outcome.note, Icon::Exclamation);
+  if (!outcome.note.empty()) env_.user.message(outcome.note, Icon::Exclamation);
 }
 
 bool Workbench::isEditorEnabled(const Editor& editor) {
@@ -263,7 +263,7 @@ std::string Workbench::picturePath(const Editor& editor) {
 
 void Workbench::tell(const Result<>& outcome) {
   if (outcome) return;
-  with_.user.message(outcome.error().what, Icon::Critical);
+  env_.user.message(outcome.error().what, Icon::Critical);
 }
 
 }  // namespace kv

@@ -30,7 +30,7 @@ struct EntryState {
 class Workbench final : private SetsListener {
  public:
   /// All outlive the workbench.
-  Workbench(Session& session, Surroundings& with, WorkbenchView& view, WorkbenchPorts ports);
+  Workbench(Session& session, Environment& env, WorkbenchView& view, WorkbenchPorts ports);
   ~Workbench() override;
   Workbench(const Workbench&) = delete;
   Workbench& operator=(const Workbench&) = delete;
@@ -102,7 +102,7 @@ class Workbench final : private SetsListener {
   CatalogueSets& sets() { return sets_; }
   const CatalogueSets& sets() const { return sets_; }
   Session& session() { return session_; }
-  Surroundings& surroundings() { return with_; }
+  Environment& env() { return env_; }
   WorkbenchPorts& ports() { return ports_; }
 
  private:
@@ -152,7 +152,7 @@ class Workbench final : private SetsListener {
   bool isShown(MenuAction action, int argument) const;
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   WorkbenchView& view_;
   WorkbenchPorts ports_;
   CatalogueSets sets_;

@@ -85,8 +85,8 @@ std::string versionNumber(std::string_view version) {
 bool Workbench::isShown(MenuAction action, int argument) const {
   if (action == EditLanguage) return argument <= session_.languageCount;
   const std::string_view companion = companionOf(action);
-  if (!companion.empty()) return fileExists(joinPath(with_.applicationFolder, companion));
-  if (action == TemplateGuide) return !optionalEntries(with_.applicationFolder).manual.empty();
+  if (!companion.empty()) return fileExists(joinPath(env_.applicationFolder, companion));
+  if (action == TemplateGuide) return !optionalEntries(env_.applicationFolder).manual.empty();
   return true;
 }
 
@@ -103,7 +103,7 @@ bool Workbench::isOffered(MenuAction action) const {
     case ScriptFtpFolder:
       return isEnabled(ftpFolders);
     case ChooseTemplate:
-      return isOpen() && with_.hooks.frmTemplate != nullptr;
+      return isOpen() && env_.hooks.frmTemplate != nullptr;
     case HideDetails:
       return tab_ == Tab::Departments || tab_ == Tab::Articles;
     default:
@@ -136,7 +136,7 @@ EntryState Workbench::stateOf(const MenuEntry& entry) const {
     state.checked = detailsHidden_;
   } else if (entry.action == Look) {
     state.checkable = true;
-    state.checked = entry.argument == static_cast<int>(storedAppearance(with_.settings));
+    state.checked = entry.argument == static_cast<int>(storedAppearance(env_.settings));
   }
   return state;
 }
@@ -196,7 +196,7 @@ bool Workbench::runShopAction(MenuAction action) {
       return true;
     case ChooseTemplate: {
       tell(history_.record("Scegli il template", [&]() -> Result<> {
-        auto chosen = chooseTemplate(session_, with_, fields_.settingText("template"));
+        auto chosen = chooseTemplate(session_, env_, fields_.settingText("template"));
         return chosen ? Result<>() : fail(chosen.error());
       }));
       refreshAll();
@@ -205,7 +205,7 @@ bool Workbench::runShopAction(MenuAction action) {
     case UpdateStock:
     case DownloadOrders:
     case ImportCompanion:
-      openDocument(joinPath(with_.applicationFolder, companionOf(action)), with_.applicationFolder);
+      openDocument(joinPath(env_.applicationFolder, companionOf(action)), env_.applicationFolder);
       return true;
     default:
       return false;
@@ -221,7 +221,7 @@ bool Workbench::runHelpAction(MenuAction action) {
       openHelp("pagine/faq.htm");
       return true;
     case TemplateGuide:
-      openDocument(optionalEntries(with_.applicationFolder).manual);
+      openDocument(optionalEntries(env_.applicationFolder).manual);
       return true;
     case CheckUpdates:
       openDocument(updateAddress + versionNumber(KORVANE_VERSION));
@@ -233,7 +233,7 @@ bool Workbench::runHelpAction(MenuAction action) {
 
 /// The session is torn down and loaded again on the way; the hook `reload` of the program shows the shop that came.
 void Workbench::changeShop(bool fresh) {
-  const bool changed = fresh ? NuovoNegozio(session_, with_) : ApriNegozio(session_, with_, "*");
+  const bool changed = fresh ? NuovoNegozio(session_, env_) : ApriNegozio(session_, env_, "*");
   if (changed && !session_.catalogue.isOpen()) view_.close();
 }
 
@@ -251,10 +251,10 @@ void Workbench::purgeImages() {
 
 void Workbench::chooseAppearance(Appearance appearance) {
   if (ports_.wear) ports_.wear(appearance);
-  const Result<> stored = storeAppearance(with_.settings, appearance);
+  const Result<> stored = storeAppearance(env_.settings, appearance);
   if (!stored)
-    with_.user.message("L'aspetto scelto vale fino alla chiusura: l'impostazione non è stata salvata",
-                       Icon::Exclamation);
+    env_.user.message("L'aspetto scelto vale fino alla chiusura: l'impostazione non è stata salvata",
+                      Icon::Exclamation);
 }
 
 void Workbench::exitProgram() {

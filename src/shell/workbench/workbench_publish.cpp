@@ -17,21 +17,20 @@ constexpr const char* noBackOffice =
 }  // namespace
 
 bool Workbench::hasModels() const {
-  return !session_.templatePath.empty() &&
-         !pageModels(joinPath(with_.applicationFolder, session_.templatePath)).empty();
+  return !session_.templatePath.empty() && !pageModels(joinPath(env_.applicationFolder, session_.templatePath)).empty();
 }
 
 /// Asks for a template until there is one with page models; false when the user gives up.
 bool Workbench::settleTemplate() {
   while (!hasModels()) {
-    const auto chosen = chooseTemplate(session_, with_, fields_.settingText("template"));
+    const auto chosen = chooseTemplate(session_, env_, fields_.settingText("template"));
     if (!chosen) {
       tell(fail(chosen.error()));
       return false;
     }
     if (*chosen) continue;
-    const Answer answer = with_.user.question({templateNeeded, Buttons::OkCancel, Answer::Ok, Icon::Exclamation});
-    if (answer == Answer::Cancel || !with_.hooks.frmTemplate) return false;
+    const Answer answer = env_.user.question({templateNeeded, Buttons::OkCancel, Answer::Ok, Icon::Exclamation});
+    if (answer == Answer::Cancel || !env_.hooks.frmTemplate) return false;
   }
   return true;
 }
@@ -43,14 +42,14 @@ void Workbench::buildShop() {
 }
 
 bool Workbench::wantsToPublish() {
-  if (with_.settings.get(settingsSection, "NoShow") == "1" || !hasDialog("frmAvviso")) return true;
+  if (env_.settings.get(settingsSection, "NoShow") == "1" || !hasDialog("frmAvviso")) return true;
   return runDialog("frmAvviso", "") == "OK";
 }
 
 void Workbench::publish() {
   if (!hasDialog("frmImpostaFTP") || !wantsToPublish()) return;
   if (!readBytes(joinPath(session_.ShopFolder, "kvftp.dat"))) {
-    with_.user.message(buildFirst, Icon::Exclamation);
+    env_.user.message(buildFirst, Icon::Exclamation);
     return;
   }
   if (runDialog("frmImpostaFTP", "") == "OK") static_cast<void>(runDialog("frmFTP", ""));
@@ -59,7 +58,7 @@ void Workbench::publish() {
 void Workbench::openBackOffice() {
   const std::string address = fields_.addresses().backOffice;
   if (address.empty()) {
-    with_.user.message(noBackOffice, Icon::Information);
+    env_.user.message(noBackOffice, Icon::Information);
     return;
   }
   openDocument(address);
@@ -70,23 +69,23 @@ void Workbench::cleanFolders() {
                                session_.scriptFolder +
                                "\n\nATTENZIONE: Tutti i file presenti in queste cartelle verranno cancellati.\n"
                                "Si desidera procedere con la cancellazione?";
-  if (with_.user.question({question, Buttons::YesNo, Answer::No, Icon::Exclamation}) != Answer::Yes) return;
+  if (env_.user.question({question, Buttons::YesNo, Answer::No, Icon::Exclamation}) != Answer::Yes) return;
   for (const std::string& folder : {session_.onlineFolder, session_.scriptFolder}) {
     const std::string text = "Saranno cancellati i file presenti in " + folder;
-    if (with_.user.question({text, Buttons::OkCancel, Answer::Cancel, Icon::Exclamation}) != Answer::Ok) return;
+    if (env_.user.question({text, Buttons::OkCancel, Answer::Cancel, Icon::Exclamation}) != Answer::Ok) return;
     tell(SvuotaCartella(folder));
   }
 }
 
 void Workbench::openDocument(const std::string& file, const std::string& folder) {
   if (!ports_.open) return;
-  if (ApriDocumento(file, folder, with_.settings, ports_.open)) {
-    with_.user.message("Impossibile aprire " + file, Icon::Exclamation);
+  if (ApriDocumento(file, folder, env_.settings, ports_.open)) {
+    env_.user.message("Impossibile aprire " + file, Icon::Exclamation);
   }
 }
 
 void Workbench::openHelp(std::string_view page) {
-  openDocument(joinPath(joinPath(with_.applicationFolder, "help"), page));
+  openDocument(joinPath(joinPath(env_.applicationFolder, "help"), page));
 }
 
 void Workbench::showHelp() {

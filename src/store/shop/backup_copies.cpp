@@ -171,14 +171,14 @@ Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock) {
   return true;
 }
 
-std::function<void(const std::string& shopFolder)> catalogueCopier(Surroundings& with) {
-  return [&with](const std::string& shopFolder) {
-    const auto kept = keepDatedCopy(shopFolder, with.clock);
+std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& env) {
+  return [&env](const std::string& shopFolder) {
+    const auto kept = keepDatedCopy(shopFolder, env.clock);
     if (kept) return;
     const ErrorKind kind = kept.error().kind;
     const bool isToldByOpening = kind == ErrorKind::InUse || kind == ErrorKind::Corrupt || kind == ErrorKind::Missing ||
                                  kind == ErrorKind::ReadOnly;
-    if (!isToldByOpening) with.user.message(notKept + copiesFolder(shopFolder) + notKeptAdvice, Icon::Exclamation);
+    if (!isToldByOpening) env.user.message(notKept + copiesFolder(shopFolder) + notKeptAdvice, Icon::Exclamation);
   };
 }
 
@@ -202,12 +202,12 @@ Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock
   return {};
 }
 
-bool RipristinaCopia(Session& session, Surroundings& with, const std::string& name) {
+bool RipristinaCopia(Session& session, Environment& env, const std::string& name) {
   const std::string shopFolder = session.ShopFolder;
-  releaseCatalogue(session, with);
-  const auto restored = restoreCopy(shopFolder, name, with.clock);
-  if (!restored) with.user.message(notRestored + restored.error().what, Icon::Critical);
-  static_cast<void>(RiavviaSessione(session, with));
+  releaseCatalogue(session, env);
+  const auto restored = restoreCopy(shopFolder, name, env.clock);
+  if (!restored) env.user.message(notRestored + restored.error().what, Icon::Critical);
+  static_cast<void>(RiavviaSessione(session, env));
   return restored.has_value();
 }
 

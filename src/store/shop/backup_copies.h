@@ -35,7 +35,7 @@ Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock);
 
 /// The hook CopiaCatalogo of a program with windows: keepDatedCopy, told to the user when it fails for a reason that
 /// the opening itself doesn't tell, such as a full disk. `with` outlives the hook.
-std::function<void(const std::string& shopFolder)> catalogueCopier(Surroundings& with);
+std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& env);
 
 /// Puts a copy, by its name, in the place of the catalogue, in one step, after a dated copy of the present one, a
 /// damaged one too. The catalogue is not open. Corrupt or Missing when the copy can't be read: nothing has changed
@@ -44,7 +44,7 @@ Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock
 
 /// RipristinaCopia (restore a copy): releases the catalogue, restores the copy and restarts the session. A failure is
 /// told to the user, and the session restarted on the catalogue as it is. True when the copy is in place.
-bool RipristinaCopia(Session& session, Surroundings& with, const std::string& name);
+bool RipristinaCopia(Session& session, Environment& env, const std::string& name);
 
 /// What is asked before a copy takes the place of the catalogue; No is the default.
 Question restoreQuestion(const BackupCopy& copy);

@@ -39,12 +39,12 @@ Result<> compact(const std::string& shopFolder) {
 
 }  // namespace
 
-void CompattaCatalogo(const std::string& shopFolder, Surroundings& with) {
+void CompattaCatalogo(const std::string& shopFolder, Environment& env) {
   if (shopFolder.empty() || !fileExists(joinPath(shopFolder, catalogueFile))) return;
-  if (!isTurn(with.settings)) return;
-  with.user.progress({"Compattazione del database...", 0, 1});
+  if (!isTurn(env.settings)) return;
+  env.user.progress({"Compattazione del database...", 0, 1});
   static_cast<void>(compact(shopFolder));
-  with.user.progress({"", 0, 0});
+  env.user.progress({"", 0, 0});
 }
 
 Result<> swapInCompacted(const std::string& shopFolder, const Rename& rename) {

@@ -12,7 +12,7 @@ namespace kv {
 /// catalog.mdb without its gaps, unless the setting `Compact` is "0". The catalogue must be closed. The file as it
 /// was stays as catalog.tmp until the next time. Silent: a failure leaves the files in their last state.
 /// The status window is progress with a caption; an empty caption hides it.
-void CompattaCatalogo(const std::string& shopFolder, Surroundings& with);
+void CompattaCatalogo(const std::string& shopFolder, Environment& env);
 
 /// How a file gets a new name; renameFile outside of tests.
 using Rename = std::function<Result<>(const std::string& from, const std::string& to)>;

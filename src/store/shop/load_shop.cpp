@@ -37,19 +37,19 @@ bool isIncompatible(const std::string& path) {
   return version && *version < firstVersion;
 }
 
-void completeShop(const Session& session, const Surroundings& with) {
-  if (with.hooks.CompletaGateway) with.hooks.CompletaGateway(session.ShopFolder);
+void completeShop(const Session& session, const Environment& env) {
+  if (env.hooks.CompletaGateway) env.hooks.CompletaGateway(session.ShopFolder);
   if (isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
-  if (with.hooks.CopiaCatalogo) with.hooks.CopiaCatalogo(session.ShopFolder);
-  if (with.hooks.AggiornaNegozio) with.hooks.AggiornaNegozio(session.ShopFolder);
+  if (env.hooks.CopiaCatalogo) env.hooks.CopiaCatalogo(session.ShopFolder);
+  if (env.hooks.AggiornaNegozio) env.hooks.AggiornaNegozio(session.ShopFolder);
   renumberShop(session.ShopFolder);
 }
 
-LoadResult offerAnotherShop(Session& session, Surroundings& with) {
+LoadResult offerAnotherShop(Session& session, Environment& env) {
   // The folder just refused may be chosen again, and is then judged by its file.
   session.catalogue.close();
-  const Answer answer = with.user.question({incompatible, Buttons::YesNo, Answer::Yes, Icon::Question});
-  if (answer == Answer::Yes && ApriNegozio(session, with, "*")) return LoadResult::Replaced;
+  const Answer answer = env.user.question({incompatible, Buttons::YesNo, Answer::Yes, Icon::Question});
+  if (answer == Answer::Yes && ApriNegozio(session, env, "*")) return LoadResult::Replaced;
   return LoadResult::Failed;
 }
 
@@ -76,12 +76,12 @@ struct WorkingFolder {
 constexpr std::array<WorkingFolder, 2> workingFolders{
     {{"siteonline", "online", &Session::onlineFolder}, {"sitescript", "scripts", &Session::scriptFolder}}};
 
-Result<> resetIfMissing(Session& session, Surroundings& with, const WorkingFolder& working) {
+Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder& working) {
   std::string& folder = session.*working.field;
   if (session.quiet || folderExists(folder)) return {};
   const std::string text =
       "La cartella di lavoro \"" + folder + "\" non esiste:\nSi desidera resettarla e utilizzare quella predefinita?";
-  if (with.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
+  if (env.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
   if (auto stored = storeSetting(session, working.column, ""); !stored) return stored;
   folder = joinPath(session.ShopFolder, working.name);
   // A default folder that cannot be made is like any other that is missing: the build reports it.
@@ -89,110 +89,110 @@ Result<> resetIfMissing(Session& session, Surroundings& with, const WorkingFolde
   return {};
 }
 
-Result<> resolveFolders(Session& session, Surroundings& with) {
+Result<> resolveFolders(Session& session, Environment& env) {
   for (const WorkingFolder& working : workingFolders) {
     auto stored = setting(session, working.column);
     if (!stored) return fail(stored.error());
     session.*working.field = stored->empty() ? joinPath(session.ShopFolder, working.name) : *stored;
   }
   for (const WorkingFolder& working : workingFolders) {
-    if (auto tested = resetIfMissing(session, with, working); !tested) return tested;
+    if (auto tested = resetIfMissing(session, env, working); !tested) return tested;
   }
   session.quiet = false;
   return {};
 }
 
-Result<> resolveTemplate(Session& session, Surroundings& with) {
+Result<> resolveTemplate(Session& session, Environment& env) {
   auto name = setting(session, "template");
   if (!name) return fail(name.error());
   session.templatePath.clear();
   session.models.clear();
   if (!name->empty()) {
     session.templatePath = joinPath(templateFolder, *name);
-    session.models = templateModels(with.applicationFolder, *name);
+    session.models = templateModels(env.applicationFolder, *name);
     if (!session.models.empty()) return {};
   }
   if (session.silentReload) {
     session.models = {fallbackModel};
     return {};
   }
-  auto chosen = chooseTemplate(session, with, *name);
+  auto chosen = chooseTemplate(session, env, *name);
   if (!chosen) return fail(chosen.error());
   if (*chosen) return {};
   session.models = {fallbackModel};
-  if (!name->empty()) with.user.message(templateNeeded, Icon::Exclamation);
+  if (!name->empty()) env.user.message(templateNeeded, Icon::Exclamation);
   return {};
 }
 
-Result<LoadResult> fillSession(Session& session, Surroundings& with) {
+Result<LoadResult> fillSession(Session& session, Environment& env) {
   auto catalogue = ApriDatabase(joinPath(session.ShopFolder, catalogueFile), true);
   if (!catalogue) return fail(catalogue.error());
   session.catalogue = std::move(*catalogue);
   const auto version = catalogueVersion(session.catalogue);
   if (!version) return fail(version.error());
-  if (*version < firstVersion) return offerAnotherShop(session, with);
+  if (*version < firstVersion) return offerAnotherShop(session, env);
   if (auto counted = countArticles(session); !counted) return fail(counted.error());
-  if (with.hooks.bind) with.hooks.bind(session);
+  if (env.hooks.bind) env.hooks.bind(session);
   session.bound = true;
-  if (auto resolved = resolveFolders(session, with); !resolved) return fail(resolved.error());
-  if (auto resolved = resolveTemplate(session, with); !resolved) return fail(resolved.error());
+  if (auto resolved = resolveFolders(session, env); !resolved) return fail(resolved.error());
+  if (auto resolved = resolveTemplate(session, env); !resolved) return fail(resolved.error());
   if (auto read = readLanguages(session); !read) return fail(read.error());
   return LoadResult::Opened;
 }
 
-void repairReadOnly(Session& session, Surroundings& with) {
-  if (with.user.question({readOnly, Buttons::YesNo, Answer::Yes, Icon::Exclamation}) != Answer::Yes) {
+void repairReadOnly(Session& session, Environment& env) {
+  if (env.user.question({readOnly, Buttons::YesNo, Answer::Yes, Icon::Exclamation}) != Answer::Yes) {
     session.ShopFolder.clear();
     return;
   }
   if (makeWritable(session.ShopFolder)) {
-    with.user.message(repaired, Icon::Information);
+    env.user.message(repaired, Icon::Information);
     return;
   }
-  with.user.message(notRepaired, Icon::Critical);
+  env.user.message(notRepaired, Icon::Critical);
   session.ShopFolder.clear();
 }
 
-LoadResult reportFailure(Session& session, Surroundings& with, const Error& error) {
-  releaseCatalogue(session, with);
+LoadResult reportFailure(Session& session, Environment& env, const Error& error) {
+  releaseCatalogue(session, env);
   if (error.kind == ErrorKind::ReadOnly) {
-    repairReadOnly(session, with);
+    repairReadOnly(session, env);
     return LoadResult::Failed;
   }
-  with.user.message(error.kind == ErrorKind::InUse ? inUse : corrupt, Icon::Critical);
+  env.user.message(error.kind == ErrorKind::InUse ? inUse : corrupt, Icon::Critical);
   session.ShopFolder.clear();
   return LoadResult::Failed;
 }
 
 }  // namespace
 
-void releaseCatalogue(Session& session, const Surroundings& with) {
-  if (session.bound && with.hooks.release) with.hooks.release(session);
+void releaseCatalogue(Session& session, const Environment& env) {
+  if (session.bound && env.hooks.release) env.hooks.release(session);
   session.bound = false;
   session.catalogue.close();
 }
 
-LoadResult CaricaNegozio(Session& session, Surroundings& with) {
+LoadResult CaricaNegozio(Session& session, Environment& env) {
   if (session.ShopFolder.empty()) return LoadResult::Failed;
-  completeShop(session, with);
+  completeShop(session, env);
   session.title = "Korvane - " + session.ShopFolder;
-  const auto filled = fillSession(session, with);
+  const auto filled = fillSession(session, env);
   session.silentReload = false;
-  return filled ? *filled : reportFailure(session, with, filled.error());
+  return filled ? *filled : reportFailure(session, env, filled.error());
 }
 
 std::vector<std::string> templateModels(const std::string& applicationFolder, const std::string& name) {
   return pageModels(joinPath(joinPath(applicationFolder, templateFolder), name));
 }
 
-Result<bool> chooseTemplate(Session& session, const Surroundings& with, const std::string& current) {
-  if (!with.hooks.frmTemplate) return false;
-  const std::string answer = with.hooks.frmTemplate(current);
+Result<bool> chooseTemplate(Session& session, const Environment& env, const std::string& current) {
+  if (!env.hooks.frmTemplate) return false;
+  const std::string answer = env.hooks.frmTemplate(current);
   const std::string name(firstCharacters(answer, templateNameWidth));
   if (name.empty()) return false;
   if (auto stored = storeSetting(session, "template", name); !stored) return fail(stored.error());
   session.templatePath = joinPath(templateFolder, name);
-  session.models = templateModels(with.applicationFolder, name);
+  session.models = templateModels(env.applicationFolder, name);
   return true;
 }
 

@@ -19,17 +19,17 @@ enum class LoadResult {
 /// after Failed the catalogue is closed.
 /// The hooks CompletaGateway, CopiaCatalogo and AggiornaNegozio run before the session's own handle exists. The last
 /// two are left out for a catalogue below version 1000: it is foreign, and would be stamped with the present version.
-LoadResult CaricaNegozio(Session& session, Surroundings& with);
+LoadResult CaricaNegozio(Session& session, Environment& env);
 
 /// Lets go of the bindings and closes the catalogue; the rest of the session stays.
-void releaseCatalogue(Session& session, const Surroundings& with);
+void releaseCatalogue(Session& session, const Environment& env);
 
 /// The page models of an installed template: the names of its files modello*.htm, less ".htm".
 std::vector<std::string> templateModels(const std::string& applicationFolder, const std::string& name);
 
 /// The template choice: asks through the hook frmTemplate, opened on `current`; a choice, cut to 50 letters, is
 /// stored in `generale`, and the session's template path and models follow it. False when left without a choice.
-Result<bool> chooseTemplate(Session& session, const Surroundings& with, const std::string& current);
+Result<bool> chooseTemplate(Session& session, const Environment& env, const std::string& current);
 
 /// Reads the language names from `lingue`; the count is the number of the first empty name less 1, at most 4.
 /// Corrupt when the table has no row.

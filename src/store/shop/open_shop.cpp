@@ -34,100 +34,100 @@ constexpr std::array<Bundle, 2> bundles{{{templateFolder,
                                           "già installati con lo stesso nome saranno sovrascritti.\n\n"
                                           "Importare i moduli linguistici?"}}};
 
-std::string currentFolder(const Session& session, const Surroundings& with) {
-  return session.ShopFolder.empty() ? with.applicationFolder : session.ShopFolder;
+std::string currentFolder(const Session& session, const Environment& env) {
+  return session.ShopFolder.empty() ? env.applicationFolder : session.ShopFolder;
 }
 
-Result<> importBundles(const std::string& folder, Surroundings& with) {
+Result<> importBundles(const std::string& folder, Environment& env) {
   for (const Bundle& bundle : bundles) {
     const std::string from = joinPath(folder, bundle.folder);
     if (!folderExists(from)) continue;
-    if (with.user.question({bundle.question, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) continue;
-    if (auto copied = CopiaAlbero(from, joinPath(with.applicationFolder, bundle.folder)); !copied) return copied;
+    if (env.user.question({bundle.question, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) continue;
+    if (auto copied = CopiaAlbero(from, joinPath(env.applicationFolder, bundle.folder)); !copied) return copied;
   }
   return {};
 }
 
 // Makes an accepted folder the current one. On failure serverpath.net says what it said before.
-Result<> takeFolder(const std::string& folder, Surroundings& with) {
-  const ServerPathBackup before(with.applicationFolder);
-  if (isApplicationFolder(folder, with.applicationFolder)) return clearServerPath(with.applicationFolder);
-  auto taken = writeServerPath(with.applicationFolder, folder);
-  if (taken) taken = importBundles(folder, with);
+Result<> takeFolder(const std::string& folder, Environment& env) {
+  const ServerPathBackup before(env.applicationFolder);
+  if (isApplicationFolder(folder, env.applicationFolder)) return clearServerPath(env.applicationFolder);
+  auto taken = writeServerPath(env.applicationFolder, folder);
+  if (taken) taken = importBundles(folder, env);
   if (!taken) static_cast<void>(before.restore());
   return taken;
 }
 
 enum class Outcome { Accepted, Refused, AskAgain };
 
-Outcome offerAnother(Surroundings& with) {
-  const Answer answer = with.user.question({chooseAnother, Buttons::YesNo, Answer::Yes, Icon::Question});
+Outcome offerAnother(Environment& env) {
+  const Answer answer = env.user.question({chooseAnother, Buttons::YesNo, Answer::Yes, Icon::Question});
   return answer == Answer::Yes ? Outcome::AskAgain : Outcome::Refused;
 }
 
-Outcome tryFolder(Session& session, Surroundings& with, const std::string& path) {
+Outcome tryFolder(Session& session, Environment& env, const std::string& path) {
   if (isRoot(path)) {
-    with.user.message(
+    env.user.message(
         "La cartella '" + path + "' è la root di un disco: non è consentito aprire un negozio in questa posizione",
         Icon::Exclamation);
     return Outcome::Refused;
   }
   if (path.empty()) return Outcome::Refused;
   const ShopCheck check = validateShop(path, &session.catalogue);
-  if (check.kind == ShopFault::FolderFailure) return offerAnother(with);
+  if (check.kind == ShopFault::FolderFailure) return offerAnother(env);
   if (!check.ok) {
-    with.user.message(check.message, check.kind == ShopFault::DatabaseFailure ? Icon::Critical : Icon::Exclamation);
+    env.user.message(check.message, check.kind == ShopFault::DatabaseFailure ? Icon::Critical : Icon::Exclamation);
     return Outcome::Refused;
   }
-  return takeFolder(path, with) ? Outcome::Accepted : offerAnother(with);
+  return takeFolder(path, env) ? Outcome::Accepted : offerAnother(env);
 }
 
 // Lays the model shop into the folder. What a failure leaves behind must not pass for a shop at the next try.
-bool layModelShop(const std::string& folder, const Surroundings& with) {
-  if (CopiaAlbero(joinPath(with.applicationFolder, "new"), folder)) return true;
+bool layModelShop(const std::string& folder, const Environment& env) {
+  if (CopiaAlbero(joinPath(env.applicationFolder, "new"), folder)) return true;
   static_cast<void>(deleteFile(joinPath(folder, catalogueFile)));
   return false;
 }
 
 }  // namespace
 
-bool ApriNegozio(Session& session, Surroundings& with, std::string path) {
+bool ApriNegozio(Session& session, Environment& env, std::string path) {
   bool ask = path == "*";
   Outcome outcome = Outcome::AskAgain;
   while (outcome == Outcome::AskAgain) {
     if (ask) {
-      path = ScegliCartella(with.user, chooseShop, currentFolder(session, with));
+      path = ScegliCartella(env.user, chooseShop, currentFolder(session, env));
       session.quiet = true;
     }
     path = withoutTrailingSeparator(path);
-    outcome = tryFolder(session, with, path);
+    outcome = tryFolder(session, env, path);
     ask = true;
   }
   if (outcome == Outcome::Refused) {
     session.quiet = false;
     return false;
   }
-  static_cast<void>(RiavviaSessione(session, with));
+  static_cast<void>(RiavviaSessione(session, env));
   return true;
 }
 
-bool NuovoNegozio(Session& session, Surroundings& with) {
-  const std::string folder = ScegliCartella(with.user, chooseNewShop, currentFolder(session, with));
+bool NuovoNegozio(Session& session, Environment& env) {
+  const std::string folder = ScegliCartella(env.user, chooseNewShop, currentFolder(session, env));
   if (folder.empty()) return false;
   if (isRoot(folder)) {
-    with.user.message("La cartella '" + folder + "' è la root di un disco, e non è consentito crearvi un nuovo negozio",
-                      Icon::Exclamation);
+    env.user.message("La cartella '" + folder + "' è la root di un disco, e non è consentito crearvi un nuovo negozio",
+                     Icon::Exclamation);
     return false;
   }
   if (fileExists(joinPath(folder, catalogueFile))) {
-    with.user.message("Nel percorso specificato è già presente un negozio", Icon::Exclamation);
+    env.user.message("Nel percorso specificato è già presente un negozio", Icon::Exclamation);
     return false;
   }
-  if (!layModelShop(folder, with)) {
-    with.user.message("Impossibile creare un negozio nel percorso specificato", Icon::Critical);
+  if (!layModelShop(folder, env)) {
+    env.user.message("Impossibile creare un negozio nel percorso specificato", Icon::Critical);
     return false;
   }
-  return ApriNegozio(session, with, folder);
+  return ApriNegozio(session, env, folder);
 }
 
 }  // namespace kv

@@ -13,10 +13,10 @@ namespace kv {
 /// that RiavviaSessione has made, which may have failed to load (its catalogue is not open).
 /// Shows its own messages. When it returns false, serverpath.net and the session are as they were and the quiet flag
 /// is off.
-bool ApriNegozio(Session& session, Surroundings& with, std::string path);
+bool ApriNegozio(Session& session, Environment& env, std::string path);
 
 /// NuovoNegozio (new shop): asks for a folder, lays the application's model shop into it and opens it. The folder
 /// may hold files, but no catalogue. True when the new shop was accepted by ApriNegozio.
-bool NuovoNegozio(Session& session, Surroundings& with);
+bool NuovoNegozio(Session& session, Environment& env);
 
 }  // namespace kv

@@ -44,7 +44,7 @@ struct Session {
   std::string statusLine;                              ///< " Articoli: N"
 };
 
-struct Surroundings;
+struct Environment;
 
 /// Steps of higher folders that belong into the order of opening a shop. The program wires them; a hook that is not
 /// set is a step that program does not have.
@@ -67,7 +67,7 @@ struct SessionHooks {
 };
 
 /// What a session works with. References outlive it.
-struct Surroundings {
+struct Environment {
   UserPort& user;
   Settings& settings;
   Clock& clock;

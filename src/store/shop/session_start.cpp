@@ -12,15 +12,15 @@ namespace kv {
 namespace {
 
 // A setting that can't be stored is no reason not to start: it is settled anew each time.
-void settleSettings(Session& session, Surroundings& with) {
-  if (with.settings.get(settingsSection, "smartbuild").empty())
-    static_cast<void>(with.settings.set(settingsSection, "smartbuild", "1"));
-  session.smartBuild = wantsSmartBuild(with.settings);
-  static_cast<void>(with.settings.set(settingsSection, "Path", with.applicationFolder));
+void settleSettings(Session& session, Environment& env) {
+  if (env.settings.get(settingsSection, "smartbuild").empty())
+    static_cast<void>(env.settings.set(settingsSection, "smartbuild", "1"));
+  session.smartBuild = wantsSmartBuild(env.settings);
+  static_cast<void>(env.settings.set(settingsSection, "Path", env.applicationFolder));
 }
 
-void tearDown(Session& session, const Surroundings& with) {
-  releaseCatalogue(session, with);
+void tearDown(Session& session, const Environment& env) {
+  releaseCatalogue(session, env);
   Session fresh;
   // These speak about the load that follows, or about the program and not the shop.
   fresh.quiet = session.quiet;
@@ -48,41 +48,41 @@ bool wantsSmartBuild(const Settings& settings) {
   return stored.empty() || stored == "1";
 }
 
-LoadResult startSession(Session& session, Surroundings& with) {
-  settleSettings(session, with);
-  return loadSession(session, with);
+LoadResult startSession(Session& session, Environment& env) {
+  settleSettings(session, env);
+  return loadSession(session, env);
 }
 
-LoadResult loadSession(Session& session, Surroundings& with) {
+LoadResult loadSession(Session& session, Environment& env) {
   session.numberFormats = {"0", "0"};
-  session.ShopFolder = with.applicationFolder;
-  const std::string named = readServerPath(with.applicationFolder);
+  session.ShopFolder = env.applicationFolder;
+  const std::string named = readServerPath(env.applicationFolder);
   if (!named.empty()) {
     session.ShopFolder = named;
     recoverCatalogue(named);
     if (!fileExists(joinPath(named, catalogueFile))) {
       const std::string text =
           "La cartella '" + named + "' non contiene un negozio valido.\nSi desidera aprire un altro negozio?";
-      const Answer answer = with.user.question({text, Buttons::YesNo, Answer::Yes, Icon::Question});
-      if (answer == Answer::Yes && ApriNegozio(session, with, "*")) return LoadResult::Replaced;
+      const Answer answer = env.user.question({text, Buttons::YesNo, Answer::Yes, Icon::Question});
+      if (answer == Answer::Yes && ApriNegozio(session, env, "*")) return LoadResult::Replaced;
       return LoadResult::Failed;
     }
   } else {
     recoverCatalogue(session.ShopFolder);
   }
-  return CaricaNegozio(session, with);
+  return CaricaNegozio(session, env);
 }
 
-LoadResult RiavviaSessione(Session& session, Surroundings& with) {
-  tearDown(session, with);
-  if (!with.hooks.reload) return loadSession(session, with);
-  with.hooks.reload();
+LoadResult RiavviaSessione(Session& session, Environment& env) {
+  tearDown(session, env);
+  if (!env.hooks.reload) return loadSession(session, env);
+  env.hooks.reload();
   return session.catalogue.isOpen() ? LoadResult::Opened : LoadResult::Failed;
 }
 
-void closeSession(Session& session, Surroundings& with) {
-  releaseCatalogue(session, with);
-  if (session.compactOnExit) CompattaCatalogo(session.ShopFolder, with);
+void closeSession(Session& session, Environment& env) {
+  releaseCatalogue(session, env);
+  if (session.compactOnExit) CompattaCatalogo(session.ShopFolder, env);
 }
 
 }  // namespace kv

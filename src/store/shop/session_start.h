@@ -22,18 +22,18 @@ OptionalEntries optionalEntries(const std::string& applicationFolder);
 bool wantsSmartBuild(const Settings& settings);
 
 /// Starts the program: settles the settings `smartbuild` and `Path`, then loads the session.
-LoadResult startSession(Session& session, Surroundings& with);
+LoadResult startSession(Session& session, Environment& env);
 
 /// Finds the shop folder (serverpath.net, else the application folder) and loads it. A named folder without a
 /// catalogue brings the question for another shop. Failed: the program ends.
-LoadResult loadSession(Session& session, Surroundings& with);
+LoadResult loadSession(Session& session, Environment& env);
 
 /// RiavviaSessione (restart the session): tears it down and loads it again, through the hook `reload` when the
 /// program sets one. Nothing of the session survives but the quiet flag, the silent-reload flag and smartBuild.
-LoadResult RiavviaSessione(Session& session, Surroundings& with);
+LoadResult RiavviaSessione(Session& session, Environment& env);
 
 /// Closes the program's session: the catalogue is closed and, when the user is leaving (compactOnExit), compaction
 /// gets its turn.
-void closeSession(Session& session, Surroundings& with);
+void closeSession(Session& session, Environment& env);
 
 }  // namespace kv

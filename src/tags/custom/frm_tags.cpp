@@ -23,11 +23,11 @@ void showLine(QListWidgetItem* item, const std::string& line) {
 
 }  // namespace
 
-frmTags::frmTags(Session& session, Surroundings& with, QWidget* parent)
+frmTags::frmTags(Session& session, Environment& env, QWidget* parent)
     : FormDialog(tagsTitle, parent),
       session_(session),
-      with_(with),
-      editor_(TagEditor::load(session, with.applicationFolder)) {
+      env_(env),
+      editor_(TagEditor::load(session, env.applicationFolder)) {
   auto* sides = new QHBoxLayout();
   sides->addWidget(makeList(), 2);
   sides->addWidget(makeFields(), 3);
@@ -112,7 +112,7 @@ void frmTags::showTag() {
 
 void frmTags::addTag() {
   if (!editor_.add()) {
-    with_.user.message(std::string(tagsFull), Icon::Exclamation);
+    env_.user.message(std::string(tagsFull), Icon::Exclamation);
     return;
   }
   showLine(new QListWidgetItem(lstTag_), {});
@@ -141,9 +141,9 @@ void frmTags::nameTyped() {
 
 void frmTags::save() {
   editor_.setEnabled(chkAbilita_->isChecked());
-  const auto saved = editor_.save(session_, with_.applicationFolder);
+  const auto saved = editor_.save(session_, env_.applicationFolder);
   if (!saved) {
-    with_.user.message(saved.error().what, Icon::Critical);
+    env_.user.message(saved.error().what, Icon::Critical);
     return;
   }
   finish("OK");

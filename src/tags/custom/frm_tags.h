@@ -19,7 +19,7 @@ namespace kv {
 class frmTags final : public FormDialog {
  public:
   /// `session` and `with` outlive the dialog.
-  frmTags(Session& session, Surroundings& with, QWidget* parent = nullptr);
+  frmTags(Session& session, Environment& env, QWidget* parent = nullptr);
 
  private:
   QWidget* makeList();
@@ -32,7 +32,7 @@ class frmTags final : public FormDialog {
   void save();
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   TagEditor editor_;
   QListWidget* lstTag_ = nullptr;
   QLineEdit* txtNome_ = nullptr;

@@ -10,7 +10,7 @@ namespace {
 
 struct Rewriting {
   std::string_view what;
-  std::string_view with;
+  std::string_view env;
 };
 
 constexpr Rewriting entityOpenings[] = {{"&lt;&lt;", "<<"}, {"<&lt;", "<<"}, {"&lt;<", "<<"}};
@@ -20,8 +20,8 @@ constexpr Rewriting codes[] = {{"%3c", "%3C"}, {"%3e", "%3E"},   {"%3C%3C", "<<"
 
 template <std::size_t N>
 void rewrite(std::string& text, const Rewriting (&rewritings)[N]) {
-  for (const auto& [what, with] : rewritings) {
-    if (text.find(what) != std::string::npos) text = replaceAll(text, what, with);
+  for (const auto& [what, env] : rewritings) {
+    if (text.find(what) != std::string::npos) text = replaceAll(text, what, env);
   }
 }
 

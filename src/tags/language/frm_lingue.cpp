@@ -16,12 +16,12 @@ std::size_t placeOf(int language) { return static_cast<std::size_t>(language - 1
 
 }  // namespace
 
-frmLingue::frmLingue(Session& session, Surroundings& with, LanguageHooks hooks, QWidget* parent)
+frmLingue::frmLingue(Session& session, Environment& env, LanguageHooks hooks, QWidget* parent)
     : FormDialog(languagesTitle, parent),
       session_(session),
-      with_(with),
+      env_(env),
       hooks_(std::move(hooks)),
-      modules_(languageModules(with.applicationFolder)),
+      modules_(languageModules(env.applicationFolder)),
       choice_(languagesOf(session)) {
   auto* form = new QFormLayout();
   cboNumero_ = named(new QComboBox(), "cboNumero");
@@ -78,7 +78,7 @@ void frmLingue::codeChosen(int language) {
 void frmLingue::store() {
   const auto stored = storeLanguages(session_, choice_, hooks_);
   if (!stored) {
-    with_.user.message(stored.error().what, Icon::Critical);
+    env_.user.message(stored.error().what, Icon::Critical);
     return;
   }
   finish("OK");

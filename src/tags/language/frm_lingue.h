@@ -15,7 +15,7 @@ namespace kv {
 class frmLingue final : public FormDialog {
  public:
   /// `session` and `with` outlive the dialog; `hooks` run on OK.
-  frmLingue(Session& session, Surroundings& with, LanguageHooks hooks = {}, QWidget* parent = nullptr);
+  frmLingue(Session& session, Environment& env, LanguageHooks hooks = {}, QWidget* parent = nullptr);
 
  private:
   QComboBox* makeBox(int language);
@@ -25,7 +25,7 @@ class frmLingue final : public FormDialog {
   void store();
 
   Session& session_;
-  Surroundings& with_;
+  Environment& env_;
   LanguageHooks hooks_;
   std::vector<std::string> modules_;
   LanguageChoice choice_;
