@@ -181,12 +181,12 @@ TEST_F(Questions, AShopThatIsNoneIsRefusedAndTheOneInUseStays) {
 
 TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   QtUser boxes;
-  Environment env{boxes, settings, clock, random, application, {}};
+  Environment boxed{boxes, settings, clock, random, application, {}};
   Session another;
-  frmMain real(another, env, {});
-  env.hooks.bind = [&](Session&) { real.workbench().bindSession(); };
-  env.hooks.release = [&](Session&) { real.workbench().releaseSession(); };
-  ASSERT_EQ(startSession(another, env), LoadResult::Opened);
+  frmMain real(another, boxed, {});
+  boxed.hooks.bind = [&](Session&) { real.workbench().bindSession(); };
+  boxed.hooks.release = [&](Session&) { real.workbench().releaseSession(); };
+  ASSERT_EQ(startSession(another, boxed), LoadResult::Opened);
   real.workbench().showShop();
   boxes.setHome(&real);
   real.show();
@@ -213,7 +213,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   EXPECT_EQ(deleteWith(Qt::Key_S), 2) << "the letter of the button consents";
   EXPECT_EQ(seen, std::vector<std::string>(3, std::string(deleteArticle) + " No"));
   boxes.setHome(nullptr);
-  closeSession(another, env);
+  closeSession(another, boxed);
 }
 
 TEST_F(WiredWindow, TheReminderBeforePublishingIsShownUntilItIsToldNotTo) {
