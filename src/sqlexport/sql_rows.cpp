@@ -87,41 +87,68 @@ void appendTime(OutputFile& out, std::string_view text) {
   appendText(out, text.substr(text.size() - std::min(text.size(), length)));
 }
 
-void appendField(OutputFile& out, const Statement& row, int at, ColumnType type) {
+/// A field of a numeric column, by how the engine stores it.
+void appendNumber(OutputFile& out, const Statement& row, int at, ColumnType type) {
   const StoredAs stored = row.storedAs(at);
-  if (stored == StoredAs::Null) return out.append("NULL");
+  const bool real = type == ColumnType::Single || type == ColumnType::Double;
+  if (stored == StoredAs::Real && real) return appendReal(out, row.number(at), type);
+  if (stored != StoredAs::Integer || real) return appendNumberOf(out, row.value(at), type);
+  if (type == ColumnType::Bool) return out.append(row.flag(at) ? '1' : '0');
+  if (type == ColumnType::Money) return appendMoney(out, row.integer(at));
+  appendWhole(out, row.integer(at));
+}
+
+/// What the fields of a column are written as.
+enum class FieldForm { Text, Moment, Time, Bytes, Number };
+
+FieldForm formOf(ColumnType type) {
   switch (static_cast<int>(type)) {
     case static_cast<int>(ColumnType::Text):
     case static_cast<int>(ColumnType::Memo):
     case charCode:
-      return appendText(out, row.text(at));
+      return FieldForm::Text;
     case static_cast<int>(ColumnType::DateTime):
     case timestampCode:
-      return appendMoment(out, row.text(at));
+      return FieldForm::Moment;
     case timeCode:
-      return appendTime(out, row.text(at));
+      return FieldForm::Time;
     case static_cast<int>(ColumnType::Binary):
     case static_cast<int>(ColumnType::LongBinary):
     case varBinaryCode:
-      return appendBytes(out, row.bytes(at));
+      return FieldForm::Bytes;
     default:
-      break;
+      return FieldForm::Number;
   }
-  if (stored == StoredAs::Integer) {
-    if (type == ColumnType::Bool) return out.append(row.flag(at) ? '1' : '0');
-    if (type == ColumnType::Money) return appendMoney(out, row.integer(at));
-    if (type != ColumnType::Single && type != ColumnType::Double) return appendWhole(out, row.integer(at));
-  }
-  if (stored == StoredAs::Real && (type == ColumnType::Single || type == ColumnType::Double)) {
-    return appendReal(out, row.number(at), type);
-  }
-  appendNumberOf(out, row.value(at), type);
 }
 
-/// What stands around the values of each row, worked out once for a table.
+/// A column of the table: how its fields are written, and what follows each of them.
+struct ColumnForm {
+  ColumnType type = ColumnType::Text;
+  FieldForm form = FieldForm::Text;
+  std::string tail;
+};
+
+void appendField(OutputFile& out, const Statement& row, int at, const ColumnForm& column) {
+  if (row.storedAs(at) == StoredAs::Null) return out.append("NULL");
+  switch (column.form) {
+    case FieldForm::Text:
+      return appendText(out, row.text(at));
+    case FieldForm::Moment:
+      return appendMoment(out, row.text(at));
+    case FieldForm::Time:
+      return appendTime(out, row.text(at));
+    case FieldForm::Bytes:
+      return appendBytes(out, row.bytes(at));
+    case FieldForm::Number:
+      return appendNumber(out, row, at, column.type);
+  }
+}
+
+/// The text around the values of each row, computed once for a table.
 struct RowForm {
   std::string start;
-  std::vector<std::pair<ColumnType, std::string>> columns;  // and what follows the value
+  std::string rowEnd;  ///< after each row and its warnings
+  std::vector<ColumnForm> columns;
 };
 
 Result<RowForm> rowForm(const TableInfo& table, const std::string& name, const SqlStyle& style,
@@ -139,9 +166,22 @@ Result<RowForm> rowForm(const TableInfo& table, const std::string& name, const S
     form.start += " (" + names + ")";
   }
   form.start = toWindows1252(form.start) + (spread ? "\r\nVALUES (\r\n" : " VALUES (");
-  for (const ColumnInfo& column : table.columns) form.columns.emplace_back(column.type, spread ? ", \r\n" : ", ");
-  form.columns.back().second = (spread ? " )" : ")") + toWindows1252(style.separator) + std::string(lineEnd);
+  for (const ColumnInfo& column : table.columns) {
+    form.columns.push_back({column.type, formOf(column.type), spread ? ", \r\n" : ", "});
+  }
+  if (spread) form.rowEnd = lineEnd;
+  form.columns.back().tail = (spread ? " )" : ")") + toWindows1252(style.separator) + std::string(lineEnd);
   return form;
+}
+
+void writeRow(OutputFile& out, const Statement& row, const RowForm& form, ExportWarnings& warnings) {
+  out.append(form.start);
+  for (int at = 0; const ColumnForm& column : form.columns) {
+    appendField(out, row, at++, column);
+    out.append(column.tail);
+  }
+  writeWarnings(out, warnings);
+  out.append(form.rowEnd);
 }
 
 }  // namespace
@@ -155,7 +195,6 @@ Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableI
   // An index that happens to hold every column must not decide the order.
   auto row = database.prepare("SELECT * FROM \"" + replaceAll(table.name, "\"", "\"\"") + "\" NOT INDEXED");
   if (!row) return fail(row.error());
-  const bool spread = form->columns.size() > longestLineRow;
   std::int64_t count = 0;
   for (;; ++count) {
     auto found = row->step();
@@ -163,13 +202,7 @@ Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableI
     if (!*found) break;
     if (count == 0 && style.lockTables)
       out.append(toWindows1252("LOCK TABLES " + *name + " WRITE" + style.separator + "\r\n"));
-    out.append(form->start);
-    for (int at = 0; const auto& [type, tail] : form->columns) {
-      appendField(out, *row, at++, type);
-      out.append(tail);
-    }
-    writeWarnings(out, warnings);
-    if (spread) out.append(lineEnd);
+    writeRow(out, *row, *form, warnings);
     if (out.failed()) break;
   }
   if (count > 0 && style.lockTables) out.append(toWindows1252("UNLOCK TABLES" + style.separator + "\r\n"));

@@ -1,5 +1,6 @@
 #include "sqlexport/sql_types.h"
 
+#include <functional>
 #include <span>
 
 #include "platform/text/text.h"
@@ -129,6 +130,25 @@ void addDefault(std::string& definition, const std::string& value) {
   }
 }
 
+/// What follows the type of a column: the automatic key, NOT NULL and the default, as far as the target knows them.
+void addAttributes(std::string& definition, const ColumnInfo& column, SqlTarget target,
+                   const std::function<void(std::string_view)>& warn) {
+  const bool automatic = (column.attributes & autoIncrement) != 0;
+  if (automatic && target == SqlTarget::MY) {
+    definition += " NOT NULL AUTO_INCREMENT";
+  } else if (column.required) {
+    definition += " NOT NULL";
+  }
+  if (column.defaultValue.empty()) return;
+  if (target != SqlTarget::MY) {
+    warn(noDefaults);
+  } else if (!column.required) {
+    warn(defaultNeedsNotNull);
+  } else {
+    addDefault(definition, column.defaultValue);
+  }
+}
+
 }  // namespace
 
 Result<std::string> columnDefinition(const ColumnInfo& column, SqlTarget target, ExportWarnings& warnings) {
@@ -143,23 +163,10 @@ Result<std::string> columnDefinition(const ColumnInfo& column, SqlTarget target,
   const TypeRule& rule = ruleOf(typeCode, target);
   std::string definition = withWidth(rule, column.size);
   if (!rule.warning.empty()) warn(replaceAll(rule.warning, "%t", definition));
-  const bool automatic = (column.attributes & autoIncrement) != 0;
-  if (automatic && target != SqlTarget::MY) {
+  if ((column.attributes & autoIncrement) != 0 && target != SqlTarget::MY) {
     warn(std::string(noAutomaticKey) + std::string(target == SqlTarget::M2 ? rowNumberAdvice : ""));
   }
-  if (automatic && target == SqlTarget::MY) {
-    definition += " NOT NULL AUTO_INCREMENT";
-  } else if (column.required) {
-    definition += " NOT NULL";
-  }
-  if (column.defaultValue.empty()) return definition;
-  if (target != SqlTarget::MY) {
-    warn(noDefaults);
-  } else if (!column.required) {
-    warn(defaultNeedsNotNull);
-  } else {
-    addDefault(definition, column.defaultValue);
-  }
+  addAttributes(definition, column, target, warn);
   return definition;
 }
 

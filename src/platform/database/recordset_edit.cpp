@@ -1,5 +1,7 @@
 // Editing through a record set: each edit is gathered field by field and written as one statement by the row's number.
 
+#include <algorithm>
+
 #include "platform/database/recordset.h"
 #include "platform/database/recordset_state.h"
 
@@ -100,34 +102,39 @@ Result<> Recordset::set(std::string_view column, const Value& value) {
 }
 
 /// Writes the fields that were set, by INSERT or UPDATE. The last statement is kept for an edit of the same columns.
-Result<> Recordset::State::write() {
+std::string Recordset::State::writeSql() const {
   std::string names;
   std::string marks;
   std::string pairs;
-  std::vector<const Value*> values;
   for (std::size_t each = 0; each < drafted.size(); ++each) {
     if (!drafted[each]) continue;
     const std::string name = engine::quoted(origins[each]);
-    const char* comma = values.empty() ? "" : ", ";
+    const char* comma = names.empty() ? "" : ", ";
     names += comma + name;
     marks += std::string(comma) + "?";
     pairs += comma + name + " = ?";
-    values.push_back(&*drafted[each]);
   }
+  if (draft != Draft::Add) return "UPDATE " + qualifiedTable() + " SET " + pairs + " WHERE _rowid_ = ?";
+  if (names.empty()) return "INSERT INTO " + qualifiedTable() + " DEFAULT VALUES";
+  return "INSERT INTO " + qualifiedTable() + " (" + names + ") VALUES (" + marks + ")";
+}
+
+Result<> Recordset::State::write() {
   const bool adding = draft == Draft::Add;
-  if (values.empty() && !adding) return {};
-  std::string sql = "UPDATE " + qualifiedTable() + " SET " + pairs + " WHERE _rowid_ = ?";
-  if (adding) sql = "INSERT INTO " + qualifiedTable() + " (" + names + ") VALUES (" + marks + ")";
-  if (adding && values.empty()) sql = "INSERT INTO " + qualifiedTable() + " DEFAULT VALUES";
+  const bool changes = std::any_of(drafted.begin(), drafted.end(), [](const auto& field) { return field.has_value(); });
+  if (!changes && !adding) return {};
+  std::string sql = writeSql();
   if (sql != writingSql) {
     auto prepared = prepare(sql);
     if (!prepared) return fail(prepared.error());
     writing = std::move(*prepared);
     writingSql = std::move(sql);
   }
-  int place = 0;
-  for (const Value* value : values) writing.bind(++place, *value);
-  if (!adding) writing.bind(++place, key());
+  int index = 0;
+  for (const auto& field : drafted) {
+    if (field) writing.bind(++index, *field);
+  }
+  if (!adding) writing.bind(++index, key());
   if (auto written = writing.execute(); !written) return written;
   if (sqlite3_changes64(handle) == 0) return fail(ErrorKind::Missing, where(), "the row is gone");
   return {};

@@ -13,6 +13,14 @@ namespace {
 constexpr std::size_t fewRows = 400;
 constexpr std::size_t mostConditions = 20000;
 
+/// A condition that keeps a search to the rows of a short record set; empty for a long one.
+std::string amongKeys(const std::vector<std::int64_t>& keys) {
+  if (keys.size() > fewRows) return {};
+  std::string sql = " AND kv_row IN (";
+  for (const std::int64_t each : keys) sql += (sql.back() == '(' ? "" : ",") + std::to_string(each);
+  return sql + ")";
+}
+
 }  // namespace
 
 void Recordset::State::forgetFound() {
@@ -23,13 +31,7 @@ void Recordset::State::forgetFound() {
 
 /// The places, ascending, of the rows a condition holds for now. `bound` is the value of ?1.
 Result<std::vector<std::size_t>> Recordset::State::search(std::string_view condition, const Value* bound) {
-  std::string sql = rowsSql + "(" + std::string(condition) + "\n)";
-  if (keys.size() <= fewRows) {
-    sql += " AND kv_row IN (";
-    for (const std::int64_t each : keys) sql += (sql.back() == '(' ? "" : ",") + std::to_string(each);
-    sql += ")";
-  }
-  auto list = prepare(sql);
+  auto list = prepare(rowsSql + "(" + std::string(condition) + "\n)" + amongKeys(keys));
   if (!list) return fail(list.error());
   if (bound != nullptr) list->bind(1, *bound);
   if (placeOfKey.size() != keys.size()) {

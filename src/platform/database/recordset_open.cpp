@@ -51,6 +51,18 @@ ColumnType typeOfStored(int stored) {
   }
 }
 
+/// A column of the copy: of its declared type, or as its first field is stored when nothing is declared.
+ColumnInfo copiedColumn(std::string_view name, const std::string& declaration, ColumnType stored) {
+  ColumnInfo column;
+  column.name = name;
+  column.type = stored;
+  if (declaration.empty()) return column;
+  const engine::DeclaredType type = engine::declaredType(declaration);
+  column.type = type.type;
+  column.size = type.size;
+  return column;
+}
+
 }  // namespace
 
 std::size_t ColumnNameHash::operator()(std::string_view name) const {
@@ -127,14 +139,8 @@ Result<> Recordset::State::openCopy(Statement& sourceRows) {
   std::string declared;
   for (int each = 0; each < sourceRows.columnCount(); ++each) {
     const std::string declaration = orEmpty(sqlite3_column_decltype(sourceRows.handle_, each));
-    ColumnInfo column;
-    column.name = sourceRows.columnName(each);
-    column.type = *first ? typeOfStored(sqlite3_column_type(sourceRows.handle_, each)) : ColumnType::Memo;
-    if (!declaration.empty()) {
-      const engine::DeclaredType type = engine::declaredType(declaration);
-      column.type = type.type;
-      column.size = type.size;
-    }
+    const ColumnType stored = *first ? typeOfStored(sqlite3_column_type(sourceRows.handle_, each)) : ColumnType::Memo;
+    ColumnInfo column = copiedColumn(sourceRows.columnName(each), declaration, stored);
     std::string name = column.name;
     for (int copy = 1; places.contains(name); ++copy) name = column.name + ":" + std::to_string(copy);
     places.emplace(name, origins.size());

@@ -83,6 +83,8 @@ struct Recordset::State {
   const Value& field(std::size_t column);
   Result<std::int64_t> reserveKey();
   Result<Value> evaluateDefault(const ColumnInfo& column) const;
+  /// The statement that stores the draft: INSERT for a row being added, else UPDATE.
+  std::string writeSql() const;
   Result<> write();
 };
 

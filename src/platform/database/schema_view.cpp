@@ -32,6 +32,16 @@ Result<std::string> singleKeyColumn(Database& database, const std::string& table
   return std::string(found->text(0));
 }
 
+/// The first column of all rows that are left.
+Result<> readColumnNames(Statement& rows, std::vector<std::string>& names) {
+  for (;;) {
+    auto row = rows.step();
+    if (!row) return fail(row.error());
+    if (!*row) return {};
+    names.emplace_back(rows.text(0));
+  }
+}
+
 Result<> readIndexes(Database& database, TableInfo& table) {
   auto list = database.prepare(
       "SELECT m.name, l.\"unique\", l.origin = 'pk' FROM sqlite_schema AS m JOIN pragma_index_list(?1) AS l"
@@ -49,12 +59,7 @@ Result<> readIndexes(Database& database, TableInfo& table) {
     IndexInfo index{
         ofTable ? std::string(tablePrimaryName) : name, ofTable || name.starts_with(primaryPrefix), list->flag(1), {}};
     parts->bind(1, name);
-    for (;;) {
-      auto part = parts->step();
-      if (!part) return fail(part.error());
-      if (!*part) break;
-      index.columns.emplace_back(parts->text(0));
-    }
+    if (auto read = readColumnNames(*parts, index.columns); !read) return read;
     table.indexes.push_back(std::move(index));
   }
 }
@@ -119,14 +124,17 @@ std::string tableSql(const TableInfo& table) {
 }
 
 /// Names of indexes are one set for the whole file, so a name may be taken by another table's index.
+std::string madeIndexName(const TableInfo& table, const IndexInfo& index) {
+  if (index.primary) return "pk_" + table.name;
+  std::string made = "ix_" + table.name;
+  for (const std::string& column : index.columns) made += "_" + column;
+  return made;
+}
+
 Result<std::string> freeIndexName(Database& database, const TableInfo& table, const IndexInfo& index) {
-  std::string name = index.name;
-  std::string made = index.primary ? "pk_" + table.name : "ix_" + table.name;
-  if (!index.primary) {
-    for (const std::string& column : index.columns) made += "_" + column;
-  }
-  if (index.primary && !name.starts_with(primaryPrefix)) name.clear();
-  if (!index.primary && name.starts_with(primaryPrefix)) name.clear();
+  // The prefix tells a primary index from the others, so a given name counts only when it says what the index is.
+  std::string name = index.primary == index.name.starts_with(primaryPrefix) ? index.name : std::string();
+  const std::string made = madeIndexName(table, index);
   for (int round = 1;; ++round) {
     if (name.empty() || round > 1) name = round <= 2 ? made : made + "_" + std::to_string(round - 1);
     auto taken =

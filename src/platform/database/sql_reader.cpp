@@ -44,6 +44,12 @@ std::optional<std::string> readTableName(SqlReader& reader, SqlToken& last) {
   return table.name();
 }
 
+SqlToken::Kind kindStartingWith(char first) {
+  if (first == '\'') return SqlToken::Kind::Text;
+  if (first == '"' || first == '`' || first == '[') return SqlToken::Kind::QuotedName;
+  return isNameByte(first) ? SqlToken::Kind::Word : SqlToken::Kind::Mark;
+}
+
 }  // namespace
 
 bool SqlToken::isWord(std::string_view word) const {
@@ -79,6 +85,17 @@ std::size_t SqlReader::endOfQuoted(char close) const {
   return sql_.size();
 }
 
+std::size_t SqlReader::endOf(SqlToken::Kind kind) const {
+  const char first = sql_[at_];
+  if (kind == SqlToken::Kind::Text) return endOfQuoted(first);
+  if (kind == SqlToken::Kind::QuotedName) return endOfQuoted(first == '[' ? ']' : first);
+  std::size_t end = at_ + 1;
+  if (kind == SqlToken::Kind::Word) {
+    while (end < sql_.size() && isNameByte(sql_[end])) ++end;
+  }
+  return end;
+}
+
 SqlToken SqlReader::next() {
   skipBlanks();
   SqlToken token;
@@ -86,18 +103,8 @@ SqlToken SqlReader::next() {
   token.depth = depth_;
   if (at_ >= sql_.size()) return token;
   const char first = sql_[at_];
-  std::size_t end = at_ + 1;
-  token.kind = SqlToken::Kind::Mark;
-  if (first == '\'') {
-    token.kind = SqlToken::Kind::Text;
-    end = endOfQuoted('\'');
-  } else if (first == '"' || first == '`' || first == '[') {
-    token.kind = SqlToken::Kind::QuotedName;
-    end = endOfQuoted(first == '[' ? ']' : first);
-  } else if (isNameByte(first)) {
-    token.kind = SqlToken::Kind::Word;
-    while (end < sql_.size() && isNameByte(sql_[end])) ++end;
-  }
+  token.kind = kindStartingWith(first);
+  const std::size_t end = endOf(token.kind);
   if (first == '(') ++depth_;
   if (first == ')') token.depth = --depth_;
   token.text = sql_.substr(at_, end - at_);

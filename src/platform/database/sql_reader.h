@@ -31,6 +31,8 @@ class SqlReader {
  private:
   void skipBlanks();
   std::size_t endOfQuoted(char close) const;
+  /// Where the token of this kind that starts here ends.
+  std::size_t endOf(SqlToken::Kind kind) const;
 
   std::string_view sql_;
   std::size_t at_ = 0;

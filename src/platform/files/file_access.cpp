@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -17,27 +18,17 @@ namespace {
 constexpr std::string_view unfinishedMark = ".kvtmp";
 constexpr std::size_t unfinishedLetters = 8;
 
+/// The conditions that an errno stands for; every other one is Other.
+constexpr std::pair<int, ErrorKind> kinds[] = {
+    {ENOENT, ErrorKind::Missing},  {ENOTDIR, ErrorKind::Missing}, {EEXIST, ErrorKind::Exists},
+    {EACCES, ErrorKind::ReadOnly}, {EPERM, ErrorKind::ReadOnly},  {EROFS, ErrorKind::ReadOnly},
+    {ENOSPC, ErrorKind::Full},     {EDQUOT, ErrorKind::Full},     {EFBIG, ErrorKind::Full},
+    {EBUSY, ErrorKind::InUse},     {ETXTBSY, ErrorKind::InUse}};
+
 ErrorKind kindOf(int number) {
-  switch (number) {
-    case ENOENT:
-    case ENOTDIR:
-      return ErrorKind::Missing;
-    case EEXIST:
-      return ErrorKind::Exists;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return ErrorKind::ReadOnly;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-      return ErrorKind::Full;
-    case EBUSY:
-    case ETXTBSY:
-      return ErrorKind::InUse;
-    default:
-      return ErrorKind::Other;
-  }
+  const auto found =
+      std::find_if(std::begin(kinds), std::end(kinds), [&](const auto& row) { return row.first == number; });
+  return found == std::end(kinds) ? ErrorKind::Other : found->second;
 }
 
 // ".<name>.kvtmp" and eight random letters from a to p; a long name is cut, since 255 bytes are the limit of most file

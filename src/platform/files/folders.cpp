@@ -152,6 +152,17 @@ Result<> addOwnerWrite(const std::string& path) {
   return {};
 }
 
+/// Creates the listed folders below the target, in the order of the list.
+Result<> createListed(const std::vector<TreeItem>& items, CopyTarget& target) {
+  for (const TreeItem& item : items) {
+    if (!item.isFolder) continue;
+    const std::string path = target.place(item.path);
+    if (auto created = createFolder(path); !created) return created;
+    target.entered(item.path, path);
+  }
+  return {};
+}
+
 }  // namespace
 
 std::optional<std::string> findEntry(const std::string& folder, std::string_view name) {
@@ -201,12 +212,7 @@ Result<> copyTree(const std::string& from, const std::string& to) {
   if (auto listed = lister.list(from, ""); !listed) return listed;
   if (auto created = createFolders(to); !created) return created;
   CopyTarget target(to);
-  for (const TreeItem& item : lister.items()) {
-    if (!item.isFolder) continue;
-    const std::string place = target.place(item.path);
-    if (auto created = createFolder(place); !created) return created;
-    target.entered(item.path, place);
-  }
+  if (auto created = createListed(lister.items(), target); !created) return created;
   for (const TreeItem& item : lister.items()) {
     if (item.isFolder) continue;
     if (auto copied = copyFile(joinPath(from, item.path), target.place(item.path)); !copied) return copied;

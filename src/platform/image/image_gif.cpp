@@ -56,6 +56,12 @@ Result<Colour> colourIn(const ColorMapObject* palette, int index) {
   return Colour{entry.Red, entry.Green, entry.Blue};
 }
 
+/// Why sizes that a file gives can't be right; null when they can.
+const char* sizeFault(GifWord width, GifWord height, const char* none) {
+  if (width < 1 || height < 1) return none;
+  return isTooLarge(width, height) ? "The GIF is too large" : nullptr;
+}
+
 }  // namespace
 
 Result<ImageSize> gifSize(std::string_view bytes) {
@@ -69,12 +75,12 @@ Result<Colour> firstPixelOf(std::string_view bytes) {
   if (!bytes.starts_with("GIF87a") && !bytes.starts_with("GIF89a")) return badPicture("No GIF");
   const OpenGif gif = openGif(bytes);
   if (!gif) return badPicture("The GIF's header is cut off");
-  if (gif->SWidth < 1 || gif->SHeight < 1) return badPicture("The GIF has no size");
-  if (isTooLarge(gif->SWidth, gif->SHeight)) return badPicture("The GIF is too large");
+  if (const char* fault = sizeFault(gif->SWidth, gif->SHeight, "The GIF has no size")) return badPicture(fault);
   if (!findFrame(gif.get())) return badPicture("The GIF has no frame");
   const GifImageDesc& frame = gif->Image;
-  if (frame.Width < 1 || frame.Height < 1) return badPicture("The GIF has a frame without a size");
-  if (isTooLarge(frame.Width, frame.Height)) return badPicture("The GIF is too large");
+  if (const char* fault = sizeFault(frame.Width, frame.Height, "The GIF has a frame without a size")) {
+    return badPicture(fault);
+  }
   // Also where the frame leaves the corner free: a frame without data is damage and not a colour.
   GifPixelType index = 0;
   if (DGifGetLine(gif.get(), &index, 1) != GIF_OK) return badPicture("The GIF has no first pixel");
