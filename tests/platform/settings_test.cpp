@@ -1,8 +1,12 @@
 // The settings of one user, in a file and in memory.
 #include "platform/files/settings.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -107,6 +111,63 @@ TEST(FileSettings, AFileThatCannotBeReadIsNotReplaced) {
   FileSettings settings(folder / "s.ini");
   EXPECT_EQ(settings.get("A", "k"), "");
   EXPECT_EQ(settings.set("A", "k", "1").error().kind, ErrorKind::Other);
+}
+
+TEST(FileSettings, WhatAnotherWindowHasStoredMeanwhileSurvives) {
+  TempFolder folder;
+  FileSettings first(folder / "s.ini");
+  ASSERT_TRUE(first.set("AppIni", "Times", "1"));
+  FileSettings second(folder / "s.ini");
+  ASSERT_TRUE(second.set("AppIni", "NoShow", "1"));
+  ASSERT_TRUE(first.set("Finestra", "Aspetto", "scuro"));
+  EXPECT_EQ(readBytes(folder / "s.ini").value(), "[AppIni]\nTimes=1\nNoShow=1\n[Finestra]\nAspetto=scuro\n");
+}
+
+TEST(FileSettings, AValueStoredByAnotherWindowIsReadAtTheNextLook) {
+  TempFolder folder;
+  FileSettings first(folder / "s.ini");
+  EXPECT_EQ(first.get("AppIni", "NoShow"), "");
+  ASSERT_TRUE(FileSettings(folder / "s.ini").set("AppIni", "NoShow", "1"));
+  EXPECT_EQ(first.get("AppIni", "NoShow"), "1");
+  ASSERT_TRUE(deleteFile(folder / "s.ini"));
+  EXPECT_EQ(first.get("AppIni", "NoShow"), "");
+}
+
+TEST(FileSettings, ManyProgramsStoringAtOnceLoseNothing) {
+  TempFolder folder;
+  constexpr int programs = 4;
+  constexpr int each = 25;
+  for (int program = 0; program < programs; ++program) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child != 0) continue;
+    bool stored = true;
+    for (int n = 0; n < each; ++n) {
+      FileSettings settings(folder / "s.ini");
+      stored = settings.set("AppIni", "k" + std::to_string(program * each + n), "v").has_value() && stored;
+    }
+    ::_exit(stored ? 0 : 1);
+  }
+  for (int program = 0; program < programs; ++program) {
+    int status = 1;
+    ASSERT_GT(::wait(&status), 0);
+    EXPECT_EQ(status, 0);
+  }
+  const FileSettings settings(folder / "s.ini");
+  for (int n = 0; n < programs * each; ++n) EXPECT_EQ(settings.get("AppIni", "k" + std::to_string(n)), "v") << n;
+}
+
+TEST(FileSettings, ALockThatIsNeverLeftIsAFailureAndNotAnEndlessWait) {
+  TempFolder folder;
+  FileSettings settings(folder / "s.ini");
+  ASSERT_TRUE(settings.set("A", "k", "old"));
+  const int lock = ::open((folder / ".s.ini.lock").c_str(), O_RDWR);
+  ASSERT_GE(lock, 0);
+  ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+  EXPECT_EQ(settings.set("A", "k", "new").error().kind, ErrorKind::InUse);
+  EXPECT_EQ(settings.get("A", "k"), "old");
+  ::close(lock);
+  EXPECT_TRUE(settings.set("A", "k", "new"));
 }
 
 TEST(MemorySettings, KeepValuesAndIgnoreTheCaseOfNames) {

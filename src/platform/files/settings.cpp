@@ -1,7 +1,14 @@
 #include "platform/files/settings.h"
 
-#include <algorithm>
+#include <fcntl.h>
+#include <sys/file.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "platform/files/file_access.h"
 #include "platform/files/files.h"
 #include "platform/files/user_folders.h"
 #include "platform/text/text.h"
@@ -9,7 +16,7 @@
 namespace kv {
 namespace {
 
-std::string placeOf(std::string_view section, std::string_view key) { return foldCase(section) + "\n" + foldCase(key); }
+std::string nameOf(std::string_view section, std::string_view key) { return foldCase(section) + "\n" + foldCase(key); }
 
 std::string escaped(std::string_view value) {
   std::string text = replaceAll(value, "\\", "\\\\");
@@ -48,18 +55,46 @@ Result<> requireNames(std::string_view section, std::string_view key) {
   return fail(ErrorKind::Malformed, "[" + std::string(section) + "] " + std::string(key), "No name of a setting");
 }
 
-}  // namespace
+constexpr int lockAttempts = 100;
+constexpr int pauseOfAttempt = 20;  // milliseconds
 
-FileSettings::FileSettings(std::string path) : path_(std::move(path)) {
-  const auto bytes = readBytes(path_);
-  if (bytes) {
-    read(*bytes);
-  } else if (bytes.error().kind != ErrorKind::Missing) {
-    unread_ = bytes.error();
+/// Holds the lock of a settings file. The file itself can't carry it: it is replaced by each write.
+Result<Descriptor> lockBeside(const std::string& path) {
+  const std::string name = joinPath(folderOf(path), "." + std::string(baseName(path)) + ".lock");
+  Descriptor lock(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  if (!lock.isOpen()) return systemFailure(errno, name);
+  for (int attempt = 0; ::flock(lock.number(), LOCK_EX | LOCK_NB) != 0; ++attempt) {
+    if (errno != EWOULDBLOCK && errno != EINTR) return systemFailure(errno, name);
+    if (attempt == lockAttempts) return fail(ErrorKind::InUse, path, "locked by another program");
+    std::this_thread::sleep_for(std::chrono::milliseconds(pauseOfAttempt));
   }
+  return lock;
 }
 
-void FileSettings::read(std::string_view text) {
+}  // namespace
+
+FileSettings::FileSettings(std::string path) : path_(std::move(path)) {}
+
+Result<> FileSettings::readFile() const {
+  lines_.clear();
+  index_.clear();
+  const auto stamp = fileStamp(path_);
+  stamp_ = stamp ? std::optional(*stamp) : std::nullopt;
+  const auto bytes = readBytes(path_);
+  if (!bytes && bytes.error().kind != ErrorKind::Missing) return fail(bytes.error());
+  if (bytes) parse(*bytes);
+  return {};
+}
+
+void FileSettings::refresh() const {
+  const auto stamp = fileStamp(path_);
+  if (stamp ? stamp_ == *stamp : !stamp_ && lines_.empty()) return;
+  // A file that can't be read gives empty values, as readFile has left them.
+  const auto read = readFile();
+  if (!read) lines_.clear();
+}
+
+void FileSettings::parse(std::string_view text) const {
   std::string section;
   for (const std::string_view line : splitLines(text)) {
     Line& kept = lines_.emplace_back(Line{std::string(line), {}, {}});
@@ -68,48 +103,51 @@ void FileSettings::read(std::string_view text) {
     if (opened) {
       section = *opened;
     } else if (equals != std::string_view::npos && !isComment(line)) {
-      kept.place = placeOf(section, trim(line.substr(0, equals)));
+      kept.name = nameOf(section, trim(line.substr(0, equals)));
       kept.value = unescaped(line.substr(equals + 1));
     }
   }
   indexLines();
 }
 
-void FileSettings::indexLines() {
+void FileSettings::indexLines() const {
   index_.clear();
   for (std::size_t i = 0; i < lines_.size(); ++i) {
-    if (!lines_[i].place.empty()) index_.emplace(lines_[i].place, i);
+    if (!lines_[i].name.empty()) index_.emplace(lines_[i].name, i);
   }
 }
 
 std::string FileSettings::get(std::string_view section, std::string_view key) const {
-  const auto found = index_.find(placeOf(section, key));
+  refresh();
+  const auto found = index_.find(nameOf(section, key));
   return found == index_.end() ? std::string() : lines_[found->second].value;
 }
 
 Result<> FileSettings::set(std::string_view section, std::string_view key, std::string_view value) {
   if (auto fits = requireNames(section, key); !fits) return fits;
-  if (unread_) return fail(*unread_);
-  const std::vector<Line> before = lines_;
-  Line line{std::string(key) + "=" + escaped(value), placeOf(section, key), std::string(value)};
-  const auto found = index_.find(line.place);
+  if (auto created = createFolders(std::string(folderOf(path_))); !created) return created;
+  const auto lock = lockBeside(path_);
+  if (!lock) return fail(lock.error());
+  if (auto read = readFile(); !read) return read;
+  Line line{std::string(key) + "=" + escaped(value), nameOf(section, key), std::string(value)};
+  const auto found = index_.find(line.name);
   if (found != index_.end()) {
     lines_[found->second] = std::move(line);
   } else {
-    const auto at = static_cast<std::ptrdiff_t>(placeForNew(section));
+    const auto at = static_cast<std::ptrdiff_t>(lineForNew(section));
     lines_.insert(lines_.begin() + at, std::move(line));
   }
   auto written = write();
-  if (!written) lines_ = before;
-  indexLines();
-  return written;
+  // Whether it was written or not, the file says what is stored now.
+  const auto again = readFile();
+  return written ? again : written;
 }
 
-// Behind the last line of the section that isn't blank; a section that isn't there is opened at the end.
-std::size_t FileSettings::placeForNew(std::string_view section) {
+// After the last line of the section that isn't empty; a section that isn't there is opened at the end.
+std::size_t FileSettings::lineForNew(std::string_view section) {
   const auto opens = [&](const Line& line) {
     const auto name = sectionIn(line.text);
-    return line.place.empty() && name && equalsIgnoringCase(*name, section);
+    return line.name.empty() && name && equalsIgnoringCase(*name, section);
   };
   const auto start = std::find_if(lines_.begin(), lines_.end(), opens);
   if (start == lines_.end()) {
@@ -124,20 +162,19 @@ std::size_t FileSettings::placeForNew(std::string_view section) {
 }
 
 Result<> FileSettings::write() const {
-  if (auto created = createFolders(std::string(folderOf(path_))); !created) return created;
   std::string text;
   for (const Line& line : lines_) text += line.text + "\n";
   return writeBytes(path_, text);
 }
 
 std::string MemorySettings::get(std::string_view section, std::string_view key) const {
-  const auto found = values_.find(placeOf(section, key));
+  const auto found = values_.find(nameOf(section, key));
   return found == values_.end() ? std::string() : found->second;
 }
 
 Result<> MemorySettings::set(std::string_view section, std::string_view key, std::string_view value) {
   if (auto fits = requireNames(section, key); !fits) return fits;
-  values_[placeOf(section, key)] = value;
+  values_[nameOf(section, key)] = value;
   return {};
 }
 

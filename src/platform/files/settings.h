@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/files/files.h"
 #include "platform/ports/result.h"
 
 namespace kv {
@@ -21,32 +22,39 @@ class Settings {
   virtual Result<> set(std::string_view section, std::string_view key, std::string_view value) = 0;
 };
 
-/// Settings in a file of "[section]" lines and "key=value" lines (UTF-8; "\\", "\n", "\r" escaped in values), kept
-/// whole in memory and rewritten in one step by each set(). Names ignore case; of two equal ones the first counts. A
-/// missing file is an empty store, and its folder is made by the first set(); lines that are neither, and those that
-/// start with ";" or "#", are kept as they stand. A file that is there and can't be read gives empty values, and set()
-/// fails rather than replace it.
+/// Settings in a file of "[section]" lines and "key=value" lines (UTF-8; "\\", "\n", "\r" escaped in values). Names
+/// ignore case; of two equal ones the first counts. A missing file is an empty store, and its folder is made by the
+/// first set(); lines that are neither, and those that start with ";" or "#", are kept as they are.
+///
+/// Several programs may share the file: set() locks it, reads it again, changes its one key and replaces the file
+/// whole, so that what another window has stored meanwhile survives; get() reads again once the file has changed. The
+/// lock is that of an empty file beside it (".<name>.lock"), which stays; a lock that is held for more than two seconds
+/// is InUse. A file that is there and can't be read gives empty values, and set() fails rather than replace it.
 class FileSettings final : public Settings {
  public:
+  /// path: the file, made by the first set(). Nothing is read or made yet.
   explicit FileSettings(std::string path);
   std::string get(std::string_view section, std::string_view key) const override;
   Result<> set(std::string_view section, std::string_view key, std::string_view value) override;
 
  private:
   struct Line {
-    std::string text;   // as it stands in the file, without its end
-    std::string place;  // folded "section\nkey"; empty when the line holds no value
+    std::string text;  ///< as it is in the file, without its end
+    std::string name;  ///< folded "section\nkey"; empty when the line holds no value
     std::string value;
   };
-  void read(std::string_view text);
-  void indexLines();
-  std::size_t placeForNew(std::string_view section);
+  Result<> readFile() const;
+  void refresh() const;
+  void parse(std::string_view text) const;
+  void indexLines() const;
+  std::size_t lineForNew(std::string_view section);
   Result<> write() const;
 
   std::string path_;
-  std::vector<Line> lines_;
-  std::map<std::string, std::size_t> index_;  // place -> its first line
-  std::optional<Error> unread_;
+  // What was read last; the file is the store, and these only spare reading it again.
+  mutable std::vector<Line> lines_;
+  mutable std::map<std::string, std::size_t> index_;  ///< name -> its first line
+  mutable std::optional<FileStamp> stamp_;            ///< of the file that was read; empty when there was none
 };
 
 /// Settings that live as long as the object; for tests.
