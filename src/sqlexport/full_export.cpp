@@ -105,7 +105,10 @@ void ExportFullSql(const ExportPlace& place, const std::string& sec, ExportRepor
     exportLanguages(place, sec, languages, done);
   }
   const auto publish = [&](const std::string& from, const std::string& to) {
-    if (copyFile(joinPath(place.onlineFolder, from), joinPath(place.onlineFolder, to))) done.published.push_back(to);
+    const auto copied = copyFile(joinPath(place.onlineFolder, from), joinPath(place.onlineFolder, to));
+    // A language that the shop doesn't have has no file to copy.
+    if (!copied && !fileExists(joinPath(place.onlineFolder, from))) return;
+    (copied ? done.published : done.unwritten).push_back(to);
   };
   for (const std::string_view suffix : languageSuffixes) {
     const LanguageFiles files = filesOf(suffix, sec);

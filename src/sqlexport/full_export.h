@@ -30,6 +30,7 @@ struct ExportReport {
   std::int64_t rows = 0;               ///< written now
   bool failed = false;                 ///< the user was told of a failure
   std::vector<std::string> published;  ///< names of the files copied, in order
+  std::vector<std::string> unwritten;  ///< names of those that were to be copied and could not be written
 };
 
 /// ExportFullSql (full export): makes sure that the .sql files of the shop's languages stand in the online folder.

@@ -137,6 +137,15 @@ TEST_F(CliProgram, AShopThatWasNotBuiltIsNotExported) {
   EXPECT_TRUE(listFiles(home / "shop/online", "*.sql").empty());
 }
 
+TEST_F(CliProgram, AnExportWhoseFileCannotBeWrittenFails) {
+  ASSERT_EQ(run("new shop").status, 0);
+  ASSERT_EQ(run("build shop").status, 0);
+  ASSERT_TRUE(createFolder(home / "shop/online/db.sql"));
+  const Ended ended = run("export-sql shop");
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_THAT(ended.err, HasSubstr("Impossibile scrivere il file " + home / "shop/online/db.sql"));
+}
+
 TEST_F(CliProgram, TheLockOptionOfTheShopGovernsTheExport) {
   ASSERT_EQ(run("new shop").status, 0);
   ASSERT_EQ(run("build shop").status, 0);

@@ -146,6 +146,15 @@ TEST_F(FullExportTest, AFailureIsToldAndTheOtherLanguagesGoOn) {
   EXPECT_TRUE(report.published.empty());
 }
 
+TEST_F(FullExportTest, ACopyThatCannotBeWrittenIsReportedAndTheOthersAreMade) {
+  note("2\r\n");
+  ASSERT_TRUE(createFolder(joinPath(online, "db.sql")));
+  const ExportReport report = run();
+  EXPECT_EQ(report.unwritten, (std::vector<std::string>{"db.sql"}));
+  EXPECT_EQ(report.published, (std::vector<std::string>{"dbdel.sql", "db_l2.sql", "dbdel_l2.sql"}));
+  EXPECT_TRUE(user.shown.empty());
+}
+
 TEST_F(FullExportTest, AHalfWrittenDumpCountsAsOneUntilTheNextBuild) {
   note("1\r\n");
   put("abcdb.sc", "#abc\r\n\r\nCREATE TA");

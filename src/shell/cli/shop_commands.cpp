@@ -148,7 +148,11 @@ CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream
   ExportReport report;
   ExportFullSql({shop, open.session.onlineFolder, env.user, env.settings, lock}, sec, &report);
   tellExported(open.session, report, out);
-  return report.failed || report.published.empty() ? CliOutcome::Failed : CliOutcome::Done;
+  for (const std::string& name : report.unwritten) {
+    env.user.message("Impossibile scrivere il file " + joinPath(open.session.onlineFolder, name), Icon::Critical);
+  }
+  const bool whole = !report.failed && report.unwritten.empty() && !report.published.empty();
+  return whole ? CliOutcome::Done : CliOutcome::Failed;
 }
 
 CliOutcome newShop(Environment& env, std::ostream& out) {
