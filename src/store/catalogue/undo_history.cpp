@@ -92,6 +92,9 @@ Result<> UndoHistory::move(std::deque<Step>& from, std::deque<Step>& to, bool ba
 }
 
 Result<> UndoHistory::show(const Place& place) {
+  if (refresh_) {
+    if (auto read = refresh_(); !read) return read;
+  }
   if (auto bound = sets_.bind(); !bound) return bound;
   if (auto built = sets_.CostruisciAlbero(0); !built) return built;
   auto found = sets_.goToDepartment(place.department);

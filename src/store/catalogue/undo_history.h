@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/database/changes.h"
 #include "store/catalogue/catalogue_sets.h"
@@ -15,7 +16,11 @@ namespace kv {
 
 class UndoHistory {
  public:
-  explicit UndoHistory(CatalogueSets& sets) : sets_(sets) {}
+  /// What is read again after the rows of a step were put back or forward, before the lists are shown.
+  using Refresh = std::function<Result<>()>;
+
+  /// refresh: reads what the session keeps of the catalogue's rows (readSessionFacts); empty: nothing to read.
+  explicit UndoHistory(CatalogueSets& sets, Refresh refresh = {}) : sets_(sets), refresh_(std::move(refresh)) {}
 
   /// Starts watching the session's catalogue, with an empty history; end() must come before it closes.
   void begin();
@@ -55,6 +60,7 @@ class UndoHistory {
   void keep(Step step);
 
   CatalogueSets& sets_;
+  Refresh refresh_;
   std::unique_ptr<ChangeRecorder> recorder_;
   std::deque<Step> done_, undone_;
   std::size_t size_ = 0;  ///< bytes of the steps done
