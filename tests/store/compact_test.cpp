@@ -1,6 +1,8 @@
 // Compaction at the tenth close, and the catalogue that every failure leaves behind.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "shop_fixture.h"
 #include "store/shop/compact.h"
@@ -171,6 +173,51 @@ TEST_F(Compaction, ABackupAloneIsNoCatalogue) {
   ASSERT_TRUE(renameFile(shop + "/catalog.mdb", shop + "/catalog.tmp"));
   recoverCatalogue(shop);
   EXPECT_FALSE(fileExists(shop + "/catalog.mdb"));
+}
+
+/// How another program finds a database; locks are a matter of processes.
+ErrorKind seenByAnother(const std::string& path) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const auto opened = Database::open(path, OpenMode::Exclusive);
+    ::_exit(opened ? 100 : static_cast<int>(opened.error().kind));
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return static_cast<ErrorKind>(WEXITSTATUS(status));
+}
+
+TEST_F(Compaction, HoldsTheCatalogueUntilTheNewFileHasItsName) {
+  std::vector<ErrorKind> seen;
+  const auto watching = [&](const std::string& from, const std::string& to) {
+    seen.push_back(seenByAnother(shop + "/catalog.mdb"));
+    auto renamed = renameFile(from, to);
+    seen.push_back(seenByAnother(shop + "/catalog.tmp"));
+    return renamed;
+  };
+  ASSERT_TRUE(compactCatalogue(shop, watching));
+  EXPECT_THAT(seen, ElementsAre(ErrorKind::InUse, ErrorKind::InUse, ErrorKind::Missing, ErrorKind::InUse));
+  EXPECT_EQ(read(shop, "SELECT versione FROM generale"), "1002");
+  EXPECT_FALSE(fileExists(shop + "/catalog.mdb-journal"));
+}
+
+TEST_F(Compaction, LeavesTheJournalOfAnotherProgramAloneOnceItHasTheNewFile) {
+  const auto watching = [&](const std::string& from, const std::string& to) {
+    auto renamed = renameFile(from, to);
+    if (baseName(to) == "catalog.mdb") write(shop + "/catalog.mdb-journal", "of another program");
+    return renamed;
+  };
+  ASSERT_TRUE(compactCatalogue(shop, watching));
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb-journal").value_or("(gone)"), "of another program");
+}
+
+TEST_F(Compaction, LeavesACatalogueAloneThatIsInUse) {
+  auto other = Database::open(shop + "/catalog.mdb", OpenMode::Exclusive);
+  ASSERT_TRUE(other);
+  setTimes("9");
+  close();
+  EXPECT_FALSE(compacted());
+  EXPECT_EQ(times(), "0");
 }
 
 }  // namespace

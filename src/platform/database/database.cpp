@@ -79,17 +79,25 @@ Result<Database> Database::create(const std::string& path) {
 Result<> Database::compact(const std::string& from, const std::string& to) {
   struct stat status {};
   if (stat(to.c_str(), &status) == 0) return fail(ErrorKind::Exists, to, std::strerror(EEXIST), EEXIST);
-  auto source = engine::openFile(from, OpenMode::ReadOnly);
-  if (!source) return fail(source.error());
-  const int code = engine::run(source->get(), "VACUUM INTO " + engine::literal(to));
+  auto source = open(from, OpenMode::ReadOnly);
+  return source ? source->compactTo(to) : fail(source.error());
+}
+
+Result<> Database::compactTo(const std::string& to) {
+  struct stat status {};
+  if (stat(to.c_str(), &status) == 0) return fail(ErrorKind::Exists, to, std::strerror(EEXIST), EEXIST);
+  const int code = engine::run(handle_, "VACUUM INTO " + engine::literal(to));
   if (code != SQLITE_OK) {
-    Error error = engine::errorOf(source->get(), code, to);
+    Error error = engine::errorOf(handle_, code, to);
     unlink(to.c_str());
     return fail(std::move(error));
   }
-  if (stat(from.c_str(), &status) == 0) chmod(to.c_str(), status.st_mode & 07777);
+  if (stat(path_.c_str(), &status) == 0) chmod(to.c_str(), status.st_mode & 07777);
   return {};
 }
+
+// Leaving a journal mode that keeps its file deletes the file; a journal in memory has none to delete at closing.
+Result<> Database::prepareRename() { return execute("PRAGMA main.journal_mode=MEMORY"); }
 
 void Database::close() {
   if (handle_ == nullptr) return;

@@ -46,6 +46,11 @@ class Database {
   static Result<Database> create(const std::string& path);
   /// Writes a defragmented copy of `from` to the new file `to`. Failures as open, Full.
   static Result<> compact(const std::string& from, const std::string& to);
+  /// The same of this database, which stays open and keeps its lock.
+  Result<> compactTo(const std::string& to);
+  /// Puts the journal away for good, so that the file can be renamed while it is held: another program that then opens
+  /// a new file of the old name has a journal of its own. Nothing may be written through this handle afterwards.
+  Result<> prepareRename();
 
   bool isOpen() const { return handle_ != nullptr; }
   void close();

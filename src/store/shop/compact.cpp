@@ -27,23 +27,26 @@ bool isTurn(Settings& settings) {
   return settings.get(settingsSection, "Compact") != "0";
 }
 
-Result<> compact(const std::string& shopFolder) {
+}  // namespace
+
+Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename) {
   const CompactionFiles files(shopFolder);
+  auto held = ApriDatabase(files.catalogue, true);
+  if (!held) return fail(held.error());
   for (const std::string& old : {files.previous, files.compacted}) {
     if (!fileExists(old)) continue;
     if (auto deleted = deleteFile(old); !deleted) return deleted;
   }
-  if (auto written = Database::compact(files.catalogue, files.compacted); !written) return written;
-  return swapInCompacted(shopFolder, renameFile);
+  if (auto written = held->compactTo(files.compacted); !written) return written;
+  if (auto prepared = held->prepareRename(); !prepared) return prepared;
+  return swapInCompacted(shopFolder, rename);
 }
-
-}  // namespace
 
 void CompattaCatalogo(const std::string& shopFolder, Environment& env) {
   if (shopFolder.empty() || !fileExists(joinPath(shopFolder, catalogueFile))) return;
   if (!isTurn(env.settings)) return;
   env.user.progress({"Compattazione del database...", 0, 1});
-  static_cast<void>(compact(shopFolder));
+  static_cast<void>(compactCatalogue(shopFolder, renameFile));
   env.user.progress({"", 0, 0});
 }
 

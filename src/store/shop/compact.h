@@ -17,6 +17,10 @@ void CompattaCatalogo(const std::string& shopFolder, Environment& env);
 /// How a file gets a new name; renameFile outside of tests.
 using Rename = std::function<Result<>(const std::string& from, const std::string& to)>;
 
+/// Writes the compacted catalogue and swaps it in. The catalogue is held exclusively from before it is read until the
+/// new file has its name, so that no other program's change can get lost. InUse when another program has it.
+Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename);
+
 /// Puts catalog.tm0 in the place of catalog.mdb, which becomes catalog.tmp. When the second renaming fails the first
 /// is taken back.
 Result<> swapInCompacted(const std::string& shopFolder, const Rename& rename);
