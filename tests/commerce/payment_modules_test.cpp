@@ -144,6 +144,28 @@ TEST_F(PaymentModules, AnEmptyModuleFolderIsFilled) {
   EXPECT_FALSE(folderExists(shop + "/code/SysPay"));
 }
 
+TEST_F(PaymentModules, AModuleWhoseCopyWasCutOffIsCompletedTheNextTime) {
+  write("programma/new/code/Cilme/conf.ini", "mid=\r\n");
+  write("programma/new/code/Cilme/form.kpg", "#mid");
+  write("programma/new/code/Cilme.kpg", "pronto");
+  // Killed after the descriptor and the first file of the folder.
+  write("negozio/code/Cilme.kpg", "pronto");
+  write("negozio/code/.Cilme.kvtmp/conf.ini", "mi");
+  CompletaGateway(shop, application);
+  EXPECT_EQ(read("negozio/code/Cilme/conf.ini"), "mid=\r\n");
+  EXPECT_EQ(read("negozio/code/Cilme/form.kpg"), "#mid");
+  EXPECT_EQ(read("negozio/code/Cilme.kpg"), "pronto");
+  EXPECT_FALSE(folderExists(shop + "/code/.Cilme.kvtmp"));
+}
+
+TEST_F(PaymentModules, AModuleFolderThatHoldsOnlyFoldersIsFilled) {
+  write("programma/new/code/Cilme/conf.ini", "mid=\r\n");
+  write("programma/new/code/Cilme.kpg", "pronto");
+  ASSERT_TRUE(createFolders(shop + "/code/Cilme/vecchi"));
+  CompletaGateway(shop, application);
+  EXPECT_EQ(read("negozio/code/Cilme/conf.ini"), "mid=\r\n");
+}
+
 TEST_F(PaymentModules, OnlyTheFifteenModulesAreCompleted) {
   write("programma/new/code/Altro/conf.ini", "mid=\r\n");
   CompletaGateway(shop, application);

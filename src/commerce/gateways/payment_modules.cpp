@@ -21,6 +21,15 @@ std::optional<std::string> codeEntry(const std::string& shopFolder, std::string_
   return findEntry(joinPath(shopFolder, codeFolder), name);
 }
 
+/// Copies a folder beside its target and then gives it the target's name; an empty folder of that name gives way. One
+/// without files that can't be removed (it holds folders) is filled where it is.
+Result<> placeWhole(const std::string& from, const std::string& to) {
+  if (folderExists(to) && !removeFolder(to)) return copyTree(from, to);
+  const std::string unfinished = joinPath(folderOf(to), "." + std::string(baseName(to)) + ".kvtmp");
+  if (auto copied = copyTree(from, unfinished); !copied) return copied;
+  return renameFile(unfinished, to);
+}
+
 bool isPlainName(std::string_view name) { return name.find_first_of("/\\") == std::string_view::npos; }
 
 }  // namespace
@@ -83,8 +92,11 @@ void CompletaGateway(const std::string& shopFolder, const std::string& applicati
     const std::string from = joinPath(shipped, name);
     if (!folderExists(from)) continue;
     const std::string descriptor = std::string(name).append(descriptorExtension);
-    if (!createFolders(code) || !copyTree(from, present.value_or(joinPath(code, name)))) continue;
+    if (!createFolders(code)) continue;
+    // The descriptor first and the folder whole at the end: a module whose folder is there is complete, whenever an
+    // earlier run was cut off. A descriptor that isn't shipped is no reason to leave the module out.
     static_cast<void>(copyFile(joinPath(shipped, descriptor), joinPath(code, descriptor)));
+    static_cast<void>(placeWhole(from, present.value_or(joinPath(code, name))));
   }
 }
 
