@@ -70,7 +70,7 @@ Result<TableInfo> readTable(Database& database, sqlite3* handle, const std::stri
   return table;
 }
 
-/// A default as the engine takes it: a literal stands bare, an expression in parentheses.
+/// A default as the engine accepts it: a literal as it is, an expression in parentheses.
 std::string defaultClause(const std::string& value) {
   const bool literal =
       value.front() == '\'' || value.front() == '"' || value.find_first_of(" ()+*/|") == std::string::npos;
@@ -118,7 +118,7 @@ std::string tableSql(const TableInfo& table) {
   return sql + "\n)";
 }
 
-/// Names of indexes are one set for the whole file, so a name may be taken by another table's index.
+/// Index names are unique in the whole file, so a name may be taken by an index of another table.
 Result<std::string> freeIndexName(Database& database, const TableInfo& table, const IndexInfo& index) {
   std::string name = index.name;
   std::string made = index.primary ? "pk_" + table.name : "ix_" + table.name;

@@ -9,7 +9,9 @@
 namespace kv {
 namespace {
 
-std::string placeOf(std::string_view section, std::string_view key) { return foldCase(section) + "\n" + foldCase(key); }
+std::string foldedName(std::string_view section, std::string_view key) {
+  return foldCase(section) + "\n" + foldCase(key);
+}
 
 std::string escaped(std::string_view value) {
   std::string text = replaceAll(value, "\\", "\\\\");
@@ -68,7 +70,7 @@ void FileSettings::read(std::string_view text) {
     if (opened) {
       section = *opened;
     } else if (equals != std::string_view::npos && !isComment(line)) {
-      kept.place = placeOf(section, trim(line.substr(0, equals)));
+      kept.name = foldedName(section, trim(line.substr(0, equals)));
       kept.value = unescaped(line.substr(equals + 1));
     }
   }
@@ -78,12 +80,12 @@ void FileSettings::read(std::string_view text) {
 void FileSettings::indexLines() {
   index_.clear();
   for (std::size_t i = 0; i < lines_.size(); ++i) {
-    if (!lines_[i].place.empty()) index_.emplace(lines_[i].place, i);
+    if (!lines_[i].name.empty()) index_.emplace(lines_[i].name, i);
   }
 }
 
 std::string FileSettings::get(std::string_view section, std::string_view key) const {
-  const auto found = index_.find(placeOf(section, key));
+  const auto found = index_.find(foldedName(section, key));
   return found == index_.end() ? std::string() : lines_[found->second].value;
 }
 
@@ -91,12 +93,12 @@ Result<> FileSettings::set(std::string_view section, std::string_view key, std::
   if (auto fits = requireNames(section, key); !fits) return fits;
   if (unread_) return fail(*unread_);
   const std::vector<Line> before = lines_;
-  Line line{std::string(key) + "=" + escaped(value), placeOf(section, key), std::string(value)};
-  const auto found = index_.find(line.place);
+  Line line{std::string(key) + "=" + escaped(value), foldedName(section, key), std::string(value)};
+  const auto found = index_.find(line.name);
   if (found != index_.end()) {
     lines_[found->second] = std::move(line);
   } else {
-    const auto at = static_cast<std::ptrdiff_t>(placeForNew(section));
+    const auto at = static_cast<std::ptrdiff_t>(lineForNew(section));
     lines_.insert(lines_.begin() + at, std::move(line));
   }
   auto written = write();
@@ -105,11 +107,11 @@ Result<> FileSettings::set(std::string_view section, std::string_view key, std::
   return written;
 }
 
-// Behind the last line of the section that isn't blank; a section that isn't there is opened at the end.
-std::size_t FileSettings::placeForNew(std::string_view section) {
+// After the last line of the section that isn't empty; a section that is missing is added at the end.
+std::size_t FileSettings::lineForNew(std::string_view section) {
   const auto opens = [&](const Line& line) {
     const auto name = sectionIn(line.text);
-    return line.place.empty() && name && equalsIgnoringCase(*name, section);
+    return line.name.empty() && name && equalsIgnoringCase(*name, section);
   };
   const auto start = std::find_if(lines_.begin(), lines_.end(), opens);
   if (start == lines_.end()) {
@@ -131,13 +133,13 @@ Result<> FileSettings::write() const {
 }
 
 std::string MemorySettings::get(std::string_view section, std::string_view key) const {
-  const auto found = values_.find(placeOf(section, key));
+  const auto found = values_.find(foldedName(section, key));
   return found == values_.end() ? std::string() : found->second;
 }
 
 Result<> MemorySettings::set(std::string_view section, std::string_view key, std::string_view value) {
   if (auto fits = requireNames(section, key); !fits) return fits;
-  values_[placeOf(section, key)] = value;
+  values_[foldedName(section, key)] = value;
   return {};
 }
 

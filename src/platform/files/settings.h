@@ -11,42 +11,46 @@
 
 namespace kv {
 
+/// Where the program's settings are kept.
 class Settings {
  public:
   virtual ~Settings() = default;
+  /// The value of a key; empty when it has none. Names ignore case.
   virtual std::string get(std::string_view section, std::string_view key) const = 0;
-  /// Stores at once. Malformed when a name would not come back from a line of the file: an empty key, a line end,
-  /// "=" in a key, "]" in a section, a key that starts like a section or a comment, blanks at its ends. Other failures:
-  /// as writeBytes; the old value then stays.
+  /// Stores a value at once. Malformed when a name could not be read back from a line of the file: an empty key, a
+  /// line end, "=" in a key, "]" in a section, a key that starts like a section or a comment, spaces at its ends.
+  /// Other failures as writeBytes. After a failure the old value stays.
   virtual Result<> set(std::string_view section, std::string_view key, std::string_view value) = 0;
 };
 
 /// Settings in a file of "[section]" lines and "key=value" lines (UTF-8; "\\", "\n", "\r" escaped in values), kept
-/// whole in memory and rewritten in one step by each set(). Names ignore case; of two equal ones the first counts. A
-/// missing file is an empty store, and its folder is made by the first set(); lines that are neither, and those that
-/// start with ";" or "#", are kept as they stand. A file that is there and can't be read gives empty values, and set()
+/// in memory as a whole and rewritten in one step by each set(). Names ignore case; of two equal ones the first counts.
+/// A missing file is an empty store, and its folder is made by the first set(); lines that are neither, and those that
+/// start with ";" or "#", are kept unchanged. A file that is there and can't be read gives empty values, and set()
 /// fails rather than replace it.
 class FileSettings final : public Settings {
  public:
+  /// Reads the file at `path`.
   explicit FileSettings(std::string path);
   std::string get(std::string_view section, std::string_view key) const override;
   Result<> set(std::string_view section, std::string_view key, std::string_view value) override;
 
  private:
   struct Line {
-    std::string text;   // as it stands in the file, without its end
-    std::string place;  // folded "section\nkey"; empty when the line holds no value
+    std::string text;  // as in the file, without its line end
+    std::string name;  // folded "section\nkey"; empty when the line holds no value
     std::string value;
   };
   void read(std::string_view text);
-  void indexLines();
-  std::size_t placeForNew(std::string_view section);
+  void indexLines();  // rebuilds index_
+  // The index at which a new key of a section is inserted; adds the section when it is missing.
+  std::size_t lineForNew(std::string_view section);
   Result<> write() const;
 
   std::string path_;
   std::vector<Line> lines_;
-  std::map<std::string, std::size_t> index_;  // place -> its first line
-  std::optional<Error> unread_;
+  std::map<std::string, std::size_t> index_;  // folded name -> its first line
+  std::optional<Error> unread_;               // why the file couldn't be read: then it is never replaced
 };
 
 /// Settings that live as long as the object; for tests.

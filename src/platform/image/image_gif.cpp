@@ -1,4 +1,4 @@
-// GIF by giflib, record by record: its reading of a whole file would decode every frame, and here one pixel is wanted.
+// GIF by giflib, record by record: reading a whole file with it would decode every frame, and one pixel is enough.
 #include <gif_lib.h>
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t mostPixels = 64U * 1000U * 1000U;
 
-// giflib's reading function: hands out bytes and takes them off the text it was opened with.
+// giflib's reading function: removes bytes from the start of the text that it was opened with.
 int takeBytes(GifFileType* gif, GifByteType* to, int count) {
   auto& rest = *static_cast<std::string_view*>(gif->UserData);
   const std::size_t taken = std::min(rest.size(), static_cast<std::size_t>(count));
@@ -75,7 +75,7 @@ Result<Colour> firstPixelOf(std::string_view bytes) {
   const GifImageDesc& frame = gif->Image;
   if (frame.Width < 1 || frame.Height < 1) return badPicture("The GIF has a frame without a size");
   if (isTooLarge(frame.Width, frame.Height)) return badPicture("The GIF is too large");
-  // Also where the frame leaves the corner free: a frame without data is damage and not a colour.
+  // Needed also where the frame doesn't cover the corner: a frame without data is damaged.
   GifPixelType index = 0;
   if (DGifGetLine(gif.get(), &index, 1) != GIF_OK) return badPicture("The GIF has no first pixel");
   if (frame.Left != 0 || frame.Top != 0) return colourIn(gif->SColorMap, gif->SBackGroundColor);
