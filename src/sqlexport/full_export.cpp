@@ -11,7 +11,7 @@
 namespace kv {
 namespace {
 
-void passOver(const Result<>& /*done*/) {}
+void ignore(const Result<>& /*done*/) {}
 
 Result<> writeDropFile(OutputFile& out, const std::vector<TableInfo>& tables, const DatabaseExport& job,
                        const SqlStyle& style) {
@@ -66,17 +66,18 @@ LanguageFiles filesOf(std::string_view suffix, const std::string& sec) {
   return {sec + load + ".sc", sec + drop + ".sc", load + ".sql", drop + ".sql"};
 }
 
-void exportLanguages(const ExportPlace& place, const std::string& sec, double languages, ExportReport& report) {
-  const SqlStyle style = sqlStyle(place.settings, place.lock);
+void exportLanguages(const ExportContext& context, const std::string& sec, double languages, ExportReport& report) {
+  const SqlStyle style = sqlStyle(context.settings, context.lock);
   for (int i = 0; i < maxLanguages && i + 1 <= languages; ++i) {
     const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(i)];
     const LanguageFiles files = filesOf(suffix, sec);
-    const DatabaseExport job{joinPath(place.shopFolder, "db/sql.mdb"), joinPath(place.onlineFolder, files.cachedLoad),
-                             joinPath(place.onlineFolder, files.cachedDrop), std::string(suffix), sec};
-    passOver(deleteFile(job.loadFilePath));
-    passOver(deleteFile(job.dropFilePath));
+    const DatabaseExport job{joinPath(context.shopFolder, "db/sql.mdb"),
+                             joinPath(context.onlineFolder, files.cachedLoad),
+                             joinPath(context.onlineFolder, files.cachedDrop), std::string(suffix), sec};
+    ignore(deleteFile(job.loadFilePath));
+    ignore(deleteFile(job.dropFilePath));
     std::int64_t rows = 0;
-    if (!ExportDatabaseSql(job, style, place.user, &rows)) report.failed = true;
+    if (!ExportDatabaseSql(job, style, context.user, &rows)) report.failed = true;
     report.rows += rows;
     ++report.languages;
   }
@@ -94,20 +95,20 @@ bool ExportDatabaseSql(const DatabaseExport& job, const SqlStyle& style, UserPor
   return true;
 }
 
-void ExportFullSql(const ExportPlace& place, const std::string& sec, ExportReport* report) {
+void ExportFullSql(const ExportContext& context, const std::string& sec, ExportReport* report) {
   ExportReport unasked;
   ExportReport& done = report != nullptr ? *report : unasked;
-  const std::string cache = joinPath(place.onlineFolder, filesOf("", sec).cachedLoad);
-  if (fileExists(cache) && isStale(cache, place.settings)) passOver(deleteFile(cache));
+  const std::string cache = joinPath(context.onlineFolder, filesOf("", sec).cachedLoad);
+  if (fileExists(cache) && isStale(cache, context.settings)) ignore(deleteFile(cache));
   if (!fileExists(cache)) {
-    const double languages = notedLanguages(place.onlineFolder, sec);
+    const double languages = notedLanguages(context.onlineFolder, sec);
     if (languages == 0) return;
-    exportLanguages(place, sec, languages, done);
+    exportLanguages(context, sec, languages, done);
   }
   const auto publish = [&](const std::string& from, const std::string& to) {
-    const auto copied = copyFile(joinPath(place.onlineFolder, from), joinPath(place.onlineFolder, to));
+    const auto copied = copyFile(joinPath(context.onlineFolder, from), joinPath(context.onlineFolder, to));
     // A language that the shop doesn't have has no file to copy.
-    if (!copied && !fileExists(joinPath(place.onlineFolder, from))) return;
+    if (!copied && !fileExists(joinPath(context.onlineFolder, from))) return;
     (copied ? done.published : done.unwritten).push_back(to);
   };
   for (const std::string_view suffix : languageSuffixes) {

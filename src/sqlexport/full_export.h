@@ -1,7 +1,7 @@
 #pragma once
 // The whole build database as MySQL text: for each language a drop file, which removes the shop's tables, and a load
-// file, which creates them and inserts every row. The files are made once for a build, under names that nobody can
-// guess (`<sec>db.sc`), and published as plain copies (`db.sql`).
+// file, which creates them and inserts every row. The files are made once for a build, under names that nobody
+// can guess (`<sec>db.sc`), and published as plain copies (`db.sql`).
 
 #include <array>
 #include <cstdint>
@@ -15,41 +15,41 @@
 
 namespace kv {
 
-/// Where an export reads and writes, and what it goes by. References outlive it.
-struct ExportPlace {
-  std::string shopFolder;
-  std::string onlineFolder;
-  UserPort& user;
+/// The folders, the user and the settings of an export. References outlive it.
+struct ExportContext {
+  std::string shopFolder;    ///< holds db/sql.mdb
+  std::string onlineFolder;  ///< receives the files
+  UserPort& user;            ///< sees the failures
   const Settings& settings;
   const LockStatements& lock;
 };
 
-/// What a full export did, for whoever tells it.
+/// What a full export did, for a report to the user.
 struct ExportReport {
-  int languages = 0;                   ///< exported now; 0 when the files of an earlier export were good
+  int languages = 0;                   ///< exported now; 0 when the files of an earlier export were still valid
   std::int64_t rows = 0;               ///< written now
-  bool failed = false;                 ///< the user was told of a failure
+  bool failed = false;                 ///< a failure was shown to the user
   std::vector<std::string> published;  ///< names of the files copied, in order
   std::vector<std::string> unwritten;  ///< names of those that were to be copied and could not be written
 };
 
-/// ExportFullSql (full export): makes sure that the .sql files of the shop's languages stand in the online folder.
-/// `sec` is db_security of `generale`. Load files of the last export are published again as they are, unless the
-/// separator has changed since. Nothing happens when there are none and the build noted no number of languages.
-/// Failing deletions and copies are passed over.
-void ExportFullSql(const ExportPlace& place, const std::string& sec, ExportReport* report = nullptr);
+/// ExportFullSql (full export): makes sure that the .sql files of the shop's languages are in the online folder.
+/// `sec` is db_security of `generale`. Load files of the last export are published again unchanged, unless the
+/// separator has changed since. Nothing happens when there are none and the build has stored no number of languages.
+/// Failures of deletions and copies are ignored.
+void ExportFullSql(const ExportContext& context, const std::string& sec, ExportReport* report = nullptr);
 
-/// One load file and one drop file to be made.
+/// One load file and one drop file to be written.
 struct DatabaseExport {
-  std::string databasePath;
+  std::string databasePath;  ///< of the build database
   std::string loadFilePath;
   std::string dropFilePath;
-  std::string languageSuffix;
-  std::string sec;
+  std::string languageSuffix;  ///< "" for language 1
+  std::string sec;             ///< db_security, the first line of both files
 };
 
-/// ExportDatabaseSql (export a database): writes the two files. On a failure the user is told its description, and
-/// the files keep what was written until then. False then; true otherwise. `rows` counts those written.
+/// ExportDatabaseSql (export a database): writes the two files. A failure is shown to the user with its
+/// description, the files keep what was written until then, and the result is false. `rows`: the number written.
 bool ExportDatabaseSql(const DatabaseExport& job, const SqlStyle& style, UserPort& user, std::int64_t* rows = nullptr);
 
 }  // namespace kv

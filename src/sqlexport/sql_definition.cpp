@@ -1,4 +1,4 @@
-// CREATE TABLE, line by line, as MySQL takes it; the two mSQL dialects differ in where the keys stand.
+// CREATE TABLE, line by line, as MySQL takes it; the two mSQL dialects declare the keys elsewhere.
 
 #include <algorithm>
 
@@ -87,7 +87,7 @@ class Definition {
     return list;
   }
 
-  /// Whether mSQL 1 takes a column as its one key; the second of a primary index is warned of.
+  /// Whether a column is the one key that mSQL 1 supports; a second column of a primary key adds a warning.
   bool isFirstKey(const ColumnInfo& column) {
     for (const IndexInfo& index : table_.indexes) {
       if (!index.primary || std::ranges::find(index.columns, column.name) == index.columns.end()) continue;

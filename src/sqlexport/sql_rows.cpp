@@ -1,5 +1,5 @@
-// Values go from the engine's row into the file's buffer without a copy in between: a dump of a large shop is a few
-// million values, and one allocation each would be most of its time.
+// Values are written from the engine's row into the file's buffer without a copy in between: a dump of a large shop is
+// a few million values, and one allocation each would be most of its time.
 
 #include "sqlexport/sql_rows.h"
 
@@ -34,35 +34,35 @@ void appendBytes(OutputFile& out, std::string_view bytes) {
 constexpr std::ptrdiff_t widestNumber = 24;
 
 void appendWhole(OutputFile& out, std::int64_t number) {
-  char* place = out.room(widestNumber);
-  char* const last = place + widestNumber;
-  if (number >= 0) *place++ = ' ';
-  out.filled(std::to_chars(place, last, number).ptr);
+  char* end = out.room(widestNumber);
+  char* const last = end + widestNumber;
+  if (number >= 0) *end++ = ' ';
+  out.filled(std::to_chars(end, last, number).ptr);
 }
 
-/// The plain number form by hand: no zero before the point, none at the end.
+/// The plain number format of an amount, written directly: no zero before the decimal separator, none at the end.
 void appendMoney(OutputFile& out, std::int64_t tenThousandths) {
   constexpr std::uint64_t unit = 10000;
   const auto bits = static_cast<std::uint64_t>(tenThousandths);
   const std::uint64_t amount = tenThousandths < 0 ? 0 - bits : bits;
-  char* place = out.room(widestNumber);
-  char* const last = place + widestNumber;
-  *place++ = tenThousandths < 0 ? '-' : ' ';
-  if (amount >= unit || amount == 0) place = std::to_chars(place, last, amount / unit).ptr;
+  char* end = out.room(widestNumber);
+  char* const last = end + widestNumber;
+  *end++ = tenThousandths < 0 ? '-' : ' ';
+  if (amount >= unit || amount == 0) end = std::to_chars(end, last, amount / unit).ptr;
   auto rest = static_cast<unsigned>(amount % unit);
-  if (rest != 0) *place++ = '.';
+  if (rest != 0) *end++ = '.';
   for (unsigned digit = 1000; rest != 0; digit /= 10) {
-    *place++ = static_cast<char>('0' + rest / digit);
+    *end++ = static_cast<char>('0' + rest / digit);
     rest %= digit;
   }
-  out.filled(place);
+  out.filled(end);
 }
 
 void appendReal(OutputFile& out, double number, ColumnType type) {
   out.append(type == ColumnType::Single ? plainNumber(static_cast<float>(number)) : plainNumber(number));
 }
 
-/// A field that isn't stored as its column is declared, as files that others have written may hold.
+/// A field that isn't stored as its column is declared, as in files that other programs have written.
 void appendNumberOf(OutputFile& out, const Value& value, ColumnType type) {
   if (const auto* flag = std::get_if<bool>(&value)) return out.append(*flag ? '1' : '0');
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return appendWhole(out, *whole);
@@ -72,8 +72,8 @@ void appendNumberOf(OutputFile& out, const Value& value, ColumnType type) {
   appendReal(out, asNumber(value), type);
 }
 
-/// A moment in the form "YYYY-MM-DD HH:MM:SS", the time of a bare day being midnight.
-void appendMoment(OutputFile& out, std::string_view text) {
+/// A date and time in the format "YYYY-MM-DD HH:MM:SS"; a date without a time gets midnight.
+void appendDateTime(OutputFile& out, std::string_view text) {
   constexpr std::size_t dayLength = 10;
   out.append('\'');
   appendQuotedText(out, text);
@@ -81,7 +81,7 @@ void appendMoment(OutputFile& out, std::string_view text) {
   out.append('\'');
 }
 
-/// One time of the day, at the end of a moment.
+/// A time alone, the last part of a date and time.
 void appendTime(OutputFile& out, std::string_view text) {
   constexpr std::size_t length = 8;
   appendText(out, text.substr(text.size() - std::min(text.size(), length)));
@@ -99,7 +99,7 @@ void appendNumber(OutputFile& out, const Statement& row, int at, ColumnType type
 }
 
 /// What the fields of a column are written as.
-enum class FieldForm { Text, Moment, Time, Bytes, Number };
+enum class FieldForm { Text, DateTime, Time, Bytes, Number };
 
 FieldForm formOf(ColumnType type) {
   switch (static_cast<int>(type)) {
@@ -109,7 +109,7 @@ FieldForm formOf(ColumnType type) {
       return FieldForm::Text;
     case static_cast<int>(ColumnType::DateTime):
     case timestampCode:
-      return FieldForm::Moment;
+      return FieldForm::DateTime;
     case timeCode:
       return FieldForm::Time;
     case static_cast<int>(ColumnType::Binary):
@@ -133,8 +133,8 @@ void appendField(OutputFile& out, const Statement& row, int at, const ColumnForm
   switch (column.form) {
     case FieldForm::Text:
       return appendText(out, row.text(at));
-    case FieldForm::Moment:
-      return appendMoment(out, row.text(at));
+    case FieldForm::DateTime:
+      return appendDateTime(out, row.text(at));
     case FieldForm::Time:
       return appendTime(out, row.text(at));
     case FieldForm::Bytes:
@@ -145,17 +145,17 @@ void appendField(OutputFile& out, const Statement& row, int at, const ColumnForm
 }
 
 /// The text around the values of each row, computed once for a table.
-struct RowForm {
+struct RowFormat {
   std::string start;
   std::string rowEnd;  ///< after each row and its warnings
   std::vector<ColumnForm> columns;
 };
 
-Result<RowForm> rowForm(const TableInfo& table, const std::string& name, const SqlStyle& style,
-                        ExportWarnings& warnings) {
+Result<RowFormat> rowFormat(const TableInfo& table, const std::string& name, const SqlStyle& style,
+                            ExportWarnings& warnings) {
   const bool spread = table.columns.size() > longestLineRow;
-  RowForm form;
-  form.start = "INSERT INTO " + name;
+  RowFormat format;
+  format.start = "INSERT INTO " + name;
   if (style.target == SqlTarget::M1) {
     std::string names;
     for (const ColumnInfo& column : table.columns) {
@@ -163,25 +163,25 @@ Result<RowForm> rowForm(const TableInfo& table, const std::string& name, const S
       if (!ident) return fail(ident.error());
       names += (names.empty() ? "" : ", ") + *ident;
     }
-    form.start += " (" + names + ")";
+    format.start += " (" + names + ")";
   }
-  form.start = toWindows1252(form.start) + (spread ? "\r\nVALUES (\r\n" : " VALUES (");
+  format.start = toWindows1252(format.start) + (spread ? "\r\nVALUES (\r\n" : " VALUES (");
   for (const ColumnInfo& column : table.columns) {
-    form.columns.push_back({column.type, formOf(column.type), spread ? ", \r\n" : ", "});
+    format.columns.push_back({column.type, formOf(column.type), spread ? ", \r\n" : ", "});
   }
-  if (spread) form.rowEnd = lineEnd;
-  form.columns.back().tail = (spread ? " )" : ")") + toWindows1252(style.separator) + std::string(lineEnd);
-  return form;
+  if (spread) format.rowEnd = lineEnd;
+  format.columns.back().tail = (spread ? " )" : ")") + toWindows1252(style.separator) + std::string(lineEnd);
+  return format;
 }
 
-void writeRow(OutputFile& out, const Statement& row, const RowForm& form, ExportWarnings& warnings) {
-  out.append(form.start);
-  for (int at = 0; const ColumnForm& column : form.columns) {
+void writeRow(OutputFile& out, const Statement& row, const RowFormat& format, ExportWarnings& warnings) {
+  out.append(format.start);
+  for (int at = 0; const ColumnForm& column : format.columns) {
     appendField(out, row, at++, column);
     out.append(column.tail);
   }
   writeWarnings(out, warnings);
-  out.append(form.rowEnd);
+  out.append(format.rowEnd);
 }
 
 }  // namespace
@@ -190,9 +190,9 @@ Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableI
                                ExportWarnings& warnings) {
   auto name = SqlIdent(table.name, warnings);
   if (!name) return fail(name.error());
-  auto form = rowForm(table, *name, style, warnings);
-  if (!form) return fail(form.error());
-  // An index that happens to hold every column must not decide the order.
+  auto format = rowFormat(table, *name, style, warnings);
+  if (!format) return fail(format.error());
+  // Without an order the engine might read the rows from an index that holds every column.
   auto row = database.prepare("SELECT * FROM \"" + replaceAll(table.name, "\"", "\"\"") + "\" NOT INDEXED");
   if (!row) return fail(row.error());
   std::int64_t count = 0;
@@ -202,7 +202,7 @@ Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableI
     if (!*found) break;
     if (count == 0 && style.lockTables)
       out.append(toWindows1252("LOCK TABLES " + *name + " WRITE" + style.separator + "\r\n"));
-    writeRow(out, *row, *form, warnings);
+    writeRow(out, *row, *format, warnings);
     if (out.failed()) break;
   }
   if (count > 0 && style.lockTables) out.append(toWindows1252("UNLOCK TABLES" + style.separator + "\r\n"));

@@ -10,8 +10,8 @@
 
 namespace kv {
 
-/// Writes all rows of a table in the order they are stored in, between LOCK TABLES and UNLOCK TABLES when the style
-/// wants that; nothing for a table without rows. The number of rows.
+/// Writes all rows of a table in the order in which they are stored, between LOCK TABLES and UNLOCK TABLES when the
+/// style asks for them; nothing for a table without rows. Returns the number of rows.
 Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableInfo& table, const SqlStyle& style,
                                ExportWarnings& warnings);
 

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view separatorKey = "QS2";
 constexpr std::string_view separatorMark = "#QS=";
 
-// Marks and counts stand at the very start of files of any size.
+// Marks and numbers are at the very start of files of any size.
 constexpr std::size_t headSize = 4096;
 
 std::string lineOfHead(const std::string& path, std::size_t line) {

@@ -1,6 +1,6 @@
 #pragma once
-// What the merchant's choices and the dialect decide about every statement, and what both exports share of a file:
-// its head and which tables belong to a language.
+// What the merchant's settings and the dialect decide for every statement, and what load and drop files share: the
+// first lines, and which tables belong to a language.
 
 #include <string>
 #include <string_view>
@@ -13,7 +13,7 @@
 namespace kv {
 
 /// Whether LOCK TABLES and UNLOCK TABLES are written. One object of the program, which both exports read and the
-/// reader of kvftp.ini sets; it keeps its state when there is nothing to read.
+/// reader of kvftp.ini sets; it keeps its value when there is nothing to read.
 struct LockStatements {
   bool on = true;
 };
@@ -22,32 +22,33 @@ struct LockStatements {
 /// A file without that line, or none, changes nothing.
 void readLockOption(const std::string& shopFolder, LockStatements& lock);
 
+/// How the statements of one export are written.
 struct SqlStyle {
   std::string separator = ";";  ///< ends each statement
-  bool lockTables = true;
+  bool lockTables = true;       ///< LOCK TABLES and UNLOCK TABLES around the rows
   SqlTarget target = TARGET;
 };
 
-/// The separator by the setting QS2: the whole of it when it starts with ";", else ";".
+/// The style for an export now. The separator is the setting QS2 when that starts with ";", else ";".
 SqlStyle sqlStyle(const Settings& settings, const LockStatements& lock);
 
-/// The second line that a dump made with the present setting has: "#QS=" and QS2, empty when QS2 says nothing.
+/// The second line of a dump with the present setting: "#QS=" and QS2; empty when QS2 is.
 std::string expectedMark(const Settings& settings);
 /// Whether the file at `path` was made with another separator than the setting now asks for.
 bool isStale(const std::string& path, const Settings& settings);
 
-/// The number of languages that the build noted in `<sec>.sc` of the online folder; 0 when there is no number.
+/// The number of languages that the build has stored in `<sec>.sc` of the online folder; 0 when there is no number.
 double notedLanguages(const std::string& onlineFolder, const std::string& sec);
 
 /// Whether a table goes into the files of a language: ordinary, and for a suffix its name contains that suffix,
-/// without one it doesn't contain "_l" anywhere.
+/// without one it doesn't contain "_l".
 bool isExported(const TableInfo& table, std::string_view languageSuffix);
 
 /// Writes the line "#" and `sec`, and the line "#QS=" and the separator when it isn't ";".
 void writeHead(OutputFile& out, const std::string& sec, const SqlStyle& style);
 
-/// Writes CREATE TABLE, the warnings that are pending, and an empty line. A column without a form in SQL is a
-/// failure, behind what was written until then.
+/// Writes CREATE TABLE, the warnings that are pending, and an empty line. A column whose type SQL lacks is a
+/// failure; what was written until then stays.
 Result<> writeDefinition(OutputFile& out, const TableInfo& table, const SqlStyle& style, ExportWarnings& warnings);
 
 /// Writes what is pending, in Windows-1252, and forgets it.

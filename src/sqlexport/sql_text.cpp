@@ -11,7 +11,7 @@
 namespace kv {
 namespace {
 
-// Each word between two blanks, which no name has any more when it is looked up here.
+// Each word between two spaces. A name that is looked up here contains no space any more.
 constexpr std::string_view reserved =
     " add all alter and as asc auto_increment between bigint binary blob both by cascade char character change"
     " check column columns create data datetime dec decimal default delete desc describe distinct double drop"
@@ -33,7 +33,7 @@ bool isReserved(std::string_view name) {
 
 enum class Quoting { Text, EncodedText, Binary };
 
-/// Letters that stand for a byte behind a backslash; 0 for one that stands as it is. Line ends are told apart later.
+/// The character that represents a byte after a backslash; 0 for a byte that is copied. Line ends are handled later.
 constexpr std::array<char, 128> escapes = [] {
   std::array<char, 128> table{};
   table[0] = '0';
@@ -49,12 +49,12 @@ constexpr std::array<char, 128> escapes = [] {
 
 constexpr std::uint64_t eachByte = 0x0101010101010101ULL;
 
-/// How many of eight bytes stand as they are, counted from the first; too few only before a control character.
-/// Source: the tests for a zero byte of "Bit Twiddling Hacks"; what they say of the lowest byte found is exact.
+/// How many of eight bytes, counted from the first, are copied unchanged; too few only before a control character.
+/// Source: the tests for a zero byte of "Bit Twiddling Hacks"; their result is exact for the lowest byte found.
 template <Quoting quoting>
 int plainBytes(std::uint64_t eight) {
   constexpr std::uint64_t high = eachByte << 7;
-  constexpr std::uint64_t firstPlain = 14;  // controls below CR are few enough to be looked at one by one
+  constexpr std::uint64_t firstPlain = 14;  // control characters up to CR are rare and handled one by one
   const auto equal = [&](unsigned char byte) {
     const std::uint64_t difference = eight ^ (eachByte * byte);
     return (difference - eachByte) & ~difference;
@@ -64,14 +64,14 @@ int plainBytes(std::uint64_t eight) {
   return std::countr_zero(found & high) / 8;
 }
 
-/// What of a text has been quoted, and what the next byte must know of the one before it.
+/// How much of a text has been quoted, and what the next byte depends on.
 struct QuotingState {
   std::string_view text;
   std::size_t at = 0;
   char lineEnd = 0;  // the CR or LF directly before; 0 when there is none to fold with
 };
 
-/// Copies bytes that stand as they are, eight at a time. May write seven bytes beyond the end it returns.
+/// Copies bytes that need no escape, eight at a time. May write seven bytes beyond the end it returns.
 template <Quoting quoting>
 char* copyPlain(QuotingState& state, std::size_t end, char* out) {
   if constexpr (std::endian::native != std::endian::little) return out;
@@ -88,7 +88,7 @@ char* copyPlain(QuotingState& state, std::size_t end, char* out) {
   return out;
 }
 
-/// Quotes the character at the state's place.
+/// Quotes the character at the index of the state.
 template <Quoting quoting>
 char* quoteOne(QuotingState& state, char* out) {
   const char c = state.text[state.at];
@@ -121,7 +121,7 @@ char* quoteOne(QuotingState& state, char* out) {
 }
 
 constexpr std::size_t pieceSize = 4096;
-// A byte gives at most three (U+0100 is two bytes and "&#256;"); the last character may reach over the piece.
+// A byte gives at most three (U+0100 is two bytes and "&#256;"); the last character may extend beyond the piece.
 constexpr std::size_t pieceRoom = 3 * pieceSize + widestWindows1252 + sizeof(std::uint64_t);
 static_assert(pieceRoom <= OutputFile::largestRoom);
 

@@ -1,5 +1,5 @@
 #pragma once
-// Names and texts as they stand in SQL, and the warnings that wait to be written into the file. Texts here are UTF-8;
+// Names and texts as SQL writes them, and the warnings that are yet to be written into the file. Texts here are UTF-8;
 // the escapes are ASCII, so that a text may be brought to Windows-1252 before or after.
 
 #include <cstddef>
@@ -11,10 +11,10 @@
 
 namespace kv {
 
-/// Warnings of an export that haven't been written yet. They go into the file without a comment mark, so a
-/// schema that brings one makes a file that can't be loaded.
+/// Warnings of an export that haven't been written yet. They are written into the file without a comment mark, so
+/// a file with a warning can't be loaded.
 struct ExportWarnings {
-  std::string pending;
+  std::string pending;  ///< lines in UTF-8
 };
 
 /// Adds " Warning: " and the text as a line of its own.
@@ -22,28 +22,28 @@ void AddExportWarning(ExportWarnings& warnings, std::string_view text);
 
 /// What makes a name legal. Sizes in characters.
 struct IdentRules {
-  std::size_t maxSize = 64;
-  std::string_view prefixOnKeyword = "_";
-  std::string_view suffixOnKeyword;
+  std::size_t maxSize = 64;                ///< longer names are cut
+  std::string_view prefixOnKeyword = "_";  ///< put before a reserved word
+  std::string_view suffixOnKeyword;        ///< put after a reserved word
 };
 
 /// SqlIdent (legal identifier): white space becomes "_", the name is cut to 64 characters, and a reserved word, in
-/// any case, gets "_" in front. Malformed, with a warning added, when a reserved word stays what it was; with the
-/// rules as they are no word does.
+/// any case, gets "_" in front. Malformed, with a warning added, when the result is still a reserved word, which
+/// the default rules exclude.
 Result<std::string> SqlIdent(std::string_view name, ExportWarnings& warnings, const IdentRules& rules = {});
 
 /// SqlQuoteText (escaped text): the text between the quotes of a literal. A line end becomes "\n", CR LF and LF CR
 /// one of them.
 std::string SqlQuoteText(std::string_view text);
-/// SqlQuoteBinary (escaped bytes): the same, but LF is "\n" and CR is "\r", each for itself.
+/// SqlQuoteBinary (escaped bytes): the same for bytes, but every LF becomes "\n" and every CR "\r".
 std::string SqlQuoteBinary(std::string_view bytes);
 
-/// Appends SqlQuoteText of a text in Windows-1252, without a copy in between.
+/// Appends the Windows-1252 bytes of SqlQuoteText(utf8), without a copy in between.
 void appendQuotedText(OutputFile& out, std::string_view utf8);
-/// Appends SqlQuoteBinary.
+/// Appends SqlQuoteBinary(bytes).
 void appendQuotedBinary(OutputFile& out, std::string_view bytes);
 
-/// The failure that a name or a type without a form in SQL ends the export with. `where`: the table or column.
+/// The failure that ends the export at a name or type that SQL can't express. `where`: the table or column.
 tl::unexpected<Error> exportFailure(std::string_view where);
 
 }  // namespace kv

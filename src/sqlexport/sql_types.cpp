@@ -11,7 +11,7 @@ namespace {
 enum class Width { None, AsItIs, Or255 };
 
 /// One line of the type map. `targets`: the dialects it holds for; `warning`: what follows the column's name, "%t"
-/// standing for the type.
+/// being replaced by the type.
 struct TypeRule {
   unsigned targets;
   int code;
@@ -108,11 +108,11 @@ bool isOneOf(std::string_view lower, std::initializer_list<std::string_view> wor
   return false;
 }
 
-/// A moment's default stands for the moment of the insertion, which MySQL ties to a type of its own.
-bool isPresentMoment(std::string_view definition, std::string_view lowerDefault) {
-  const bool moment =
+/// Whether a date and time defaults to the time of insertion, for which MySQL has a type of its own.
+bool isInsertionTime(std::string_view definition, std::string_view lowerDefault) {
+  const bool isTime =
       definition.starts_with("DATETIME ") || definition.starts_with("TIME ") || definition.starts_with("DATE ");
-  return moment && isOneOf(lowerDefault, {"time()", "date()", "now()"});
+  return isTime && isOneOf(lowerDefault, {"time()", "date()", "now()"});
 }
 
 void addDefault(std::string& definition, const std::string& value) {
@@ -121,7 +121,7 @@ void addDefault(std::string& definition, const std::string& value) {
     const std::string_view inside =
         value.size() < 2 ? std::string_view() : std::string_view(value).substr(1, value.size() - 2);
     definition += " DEFAULT '" + SqlQuoteText(inside) + "'";
-  } else if (isPresentMoment(definition, lower)) {
+  } else if (isInsertionTime(definition, lower)) {
     definition.replace(0, definition.find(' ') + 1, "TIMESTAMP ");
   } else if (lower == "no" || lower == "yes") {
     definition += lower == "no" ? " DEFAULT 0" : " DEFAULT 1";

@@ -14,7 +14,7 @@ constexpr std::string_view codeFolder = "code";
 constexpr std::string_view descriptorExtension = ".kpg";
 constexpr std::string_view scriptExtension = ".php";
 
-bool isBlank(std::string_view name) { return trim(name).empty(); }
+bool isEmptyName(std::string_view name) { return trim(name).empty(); }
 
 // An entry of a listing is always inside its folder, so a name with a separator in it finds nothing.
 std::optional<std::string> codeEntry(const std::string& shopFolder, std::string_view name) {
@@ -44,7 +44,7 @@ std::vector<ModuleSetting> parseModuleSettings(std::string_view text) {
 }
 
 std::vector<ModuleSetting> moduleSettings(const std::string& shopFolder, std::string_view name) {
-  if (isBlank(name)) return {};
+  if (isEmptyName(name)) return {};
   const auto folder = codeEntry(shopFolder, name);
   if (!folder) return {};
   const auto file = findEntry(*folder, "conf.ini");
@@ -54,7 +54,7 @@ std::vector<ModuleSetting> moduleSettings(const std::string& shopFolder, std::st
 }
 
 std::string ReadKpg(const std::string& shopFolder, std::string_view name) {
-  if (isBlank(name)) return {};
+  if (isEmptyName(name)) return {};
   const auto file = codeEntry(shopFolder, std::string(name).append(descriptorExtension));
   if (file) {
     if (auto text = readText(*file)) return std::move(*text);

@@ -22,7 +22,7 @@ inline constexpr std::array<std::string_view, 15> paymentModules{
 /// What ReadKpg gives for a descriptor that can't be read.
 inline constexpr std::string_view unreadableDescriptor = "###ERRORE###";
 
-/// One line of conf.ini: the key in front of its first "=", and everything behind that.
+/// One line of conf.ini: the key before its first "=", and everything after that.
 using ModuleSetting = std::pair<std::string, std::string>;
 
 /// The lines of a text of conf.ini in their order; those without "=" are left out.
@@ -31,12 +31,13 @@ std::vector<ModuleSetting> parseModuleSettings(std::string_view text);
 /// The settings of a module of a shop; empty when it has no conf.ini.
 std::vector<ModuleSetting> moduleSettings(const std::string& shopFolder, std::string_view name);
 
-/// ReadKpg (read the descriptor): the text of `code/<name>.kpg`; empty for a blank name, unreadableDescriptor when the
-/// file can't be read.
+/// ReadKpg (read the descriptor): the text of `code/<name>.kpg`; empty for a name without characters other than spaces,
+/// unreadableDescriptor when the file can't be read.
 std::string ReadKpg(const std::string& shopFolder, std::string_view name);
 
 /// ReadKpgAction: the script that the order form posts to, with the language suffix ("bankpass_l2.php"): the value of
-/// the first line with the key "php(default)" or "action". Empty for a blank name and when there is no such line.
+/// the first line with the key "php(default)" or "action". Empty for a name without characters other than spaces and
+/// when there is no such line.
 std::string ReadKpgAction(const std::string& shopFolder, std::string_view name, std::string_view lingua);
 
 /// A script that a module brings to the site.
@@ -49,7 +50,7 @@ struct ModuleScript {
 std::vector<ModuleScript> moduleScripts(const std::string& shopFolder, std::string_view name);
 
 /// CompletaGateway (complete the gateways): gives a shop each of the modules whose folder is missing or shows no file,
-/// folder and descriptor, from `new/code` of the application. A module that has any file is left as it stands, and so
+/// folder and descriptor, from `new/code` of the application. A module that has any file is left unchanged, and so
 /// is the shop where nothing is shipped for a module. A failure with one module doesn't keep the others from coming.
 void CompletaGateway(const std::string& shopFolder, const std::string& applicationFolder);
 

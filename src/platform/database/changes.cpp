@@ -1,5 +1,5 @@
-// The recorder rests on the engine's pre-update hook. Only the first image of a row is kept while statements run;
-// what the row has become is read when the changes are taken, so a rollback needs no book-keeping of its own.
+// The recorder uses the engine's pre-update hook. Only the first image of a row is kept while statements run; its
+// present image is read when the changes are taken, so a rollback needs no bookkeeping of its own.
 // Source: SQLite, "The pre-update hook".
 
 #define SQLITE_ENABLE_PREUPDATE_HOOK 1
@@ -36,16 +36,16 @@ Cell cellOf(sqlite3_value* value) {
 
 struct Binder {
   sqlite3_stmt* statement;
-  int place;
-  int operator()(std::monostate) const { return sqlite3_bind_null(statement, place); }
-  int operator()(std::int64_t number) const { return sqlite3_bind_int64(statement, place, number); }
-  int operator()(double number) const { return sqlite3_bind_double(statement, place, number); }
+  int index;
+  int operator()(std::monostate) const { return sqlite3_bind_null(statement, index); }
+  int operator()(std::int64_t number) const { return sqlite3_bind_int64(statement, index, number); }
+  int operator()(double number) const { return sqlite3_bind_double(statement, index, number); }
   int operator()(const std::string& text) const {
-    return sqlite3_bind_text64(statement, place, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+    return sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
   }
   int operator()(const Bytes& bytes) const {
-    if (bytes.empty()) return sqlite3_bind_zeroblob(statement, place, 0);
-    return sqlite3_bind_blob64(statement, place, bytes.data(), bytes.size(), SQLITE_STATIC);
+    if (bytes.empty()) return sqlite3_bind_zeroblob(statement, index, 0);
+    return sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), SQLITE_STATIC);
   }
 };
 
@@ -104,7 +104,7 @@ struct ChangeRecorder::State {
   Result<Prepared> prepareInsert(const std::string& table) const;
   Result<RowImage> read(const Key& key, Statements& readers) const;
   Result<> write(const RowChange& change, const RowImage& image, Statements& statements) const;
-  Result<RowImage> target(const RowChange& change, Image from, Image to, RowImage stands) const;
+  Result<RowImage> target(const RowChange& change, Image from, Image to, RowImage present) const;
   Result<> exchange(const RowChanges& changes, Image from, Image to) const;
   Result<> move(const RowChanges& changes, Image from, Image to);
 };
@@ -159,15 +159,15 @@ Result<Prepared> ChangeRecorder::State::prepareInsert(const std::string& table) 
   auto shape = prepare("SELECT * FROM main." + engine::quoted(table) + " LIMIT 0");
   if (!shape) return fail(shape.error());
   std::string names = "rowid";
-  std::string places = "?1";
+  std::string parameters = "?1";
   for (int i = 0; i < sqlite3_column_count(shape->get()); ++i) {
     names += ", " + engine::quoted(sqlite3_column_name(shape->get(), i));
-    places += ", ?" + std::to_string(i + 2);
+    parameters += ", ?" + std::to_string(i + 2);
   }
-  return prepare("INSERT INTO main." + engine::quoted(table) + " (" + names + ") VALUES (" + places + ")");
+  return prepare("INSERT INTO main." + engine::quoted(table) + " (" + names + ") VALUES (" + parameters + ")");
 }
 
-/// Runs the statement of a table for one row; prepares it at the first.
+/// Runs the statement of a table for one row; prepares it for the first one.
 Result<> ChangeRecorder::State::write(const RowChange& change, const RowImage& image, Statements& statements) const {
   Prepared& statement = statements[change.table];
   if (!statement) {
@@ -186,27 +186,27 @@ Result<> ChangeRecorder::State::write(const RowChange& change, const RowImage& i
   return {};
 }
 
-/// The row that `change` leads to, from the row that stands. Malformed when that one isn't what `from` says.
-Result<RowImage> ChangeRecorder::State::target(const RowChange& change, Image from, Image to, RowImage stands) const {
+/// The row that `change` leads to, computed from the present one. Malformed when that isn't what `from` says.
+Result<RowImage> ChangeRecorder::State::target(const RowChange& change, Image from, Image to, RowImage present) const {
   const RowImage& expected = change.*from;
-  bool same = change.columns.empty() ? stands == expected : !stands.empty();
-  for (std::size_t i = 0; same && i < change.columns.size(); ++i) same = stands[change.columns[i]] == expected[i];
+  bool same = change.columns.empty() ? present == expected : !present.empty();
+  for (std::size_t i = 0; same && i < change.columns.size(); ++i) same = present[change.columns[i]] == expected[i];
   if (!same) return fail(ErrorKind::Malformed, database.path(), "a row of " + change.table + " has changed since");
   if (change.columns.empty()) return change.*to;
-  for (std::size_t i = 0; i < change.columns.size(); ++i) stands[change.columns[i]] = (change.*to)[i];
-  return stands;
+  for (std::size_t i = 0; i < change.columns.size(); ++i) present[change.columns[i]] = (change.*to)[i];
+  return present;
 }
 
-/// Checks all rows, then takes away those that stand and puts in those that shall: so no row is in the way of
-/// another's unique key.
+/// Checks all rows, then deletes all of them and inserts the wanted ones. A row by row update could meet the unique key
+/// of another row that is to change as well.
 Result<> ChangeRecorder::State::exchange(const RowChanges& changes, Image from, Image to) const {
   std::vector<RowImage> wanted;
   {
     Statements readers;
     for (const RowChange& change : changes) {
-      auto stands = read({change.table, change.row}, readers);
-      if (!stands) return fail(stands.error());
-      auto image = target(change, from, to, std::move(*stands));
+      auto present = read({change.table, change.row}, readers);
+      if (!present) return fail(present.error());
+      auto image = target(change, from, to, std::move(*present));
       if (!image) return fail(image.error());
       wanted.push_back(std::move(*image));
     }

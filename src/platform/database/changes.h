@@ -1,7 +1,7 @@
 #pragma once
-// What a series of statements did to a database, as images of rows before and after, so that it can be taken back and
-// done again. The engine tells of each row before it changes it, whoever changes it on this connection; what was
-// rolled back meanwhile leaves no trace.
+// What a series of statements did to a database, as images of rows before and after, so that it can be undone and
+// repeated. The engine reports each row before it changes it, whoever changes it on this connection; changes that were
+// rolled back meanwhile are not recorded.
 
 #include <cstdint>
 #include <functional>
@@ -21,36 +21,40 @@ using Cell = std::variant<std::monostate, std::int64_t, double, std::string, Byt
 /// Fields of a row; empty for no row.
 using RowImage = std::vector<Cell>;
 
-/// A row that was added or deleted has an image of all its fields, one that was changed of those that differ.
+/// What became of one row. A row that was added or deleted has an image of all its fields, a changed one of the fields
+/// that differ.
 struct RowChange {
   std::string table;
   std::int64_t row = 0;              ///< the engine's number of the row
-  std::vector<std::size_t> columns;  ///< places of the fields that differ; empty: all, the row is new or gone
+  std::vector<std::size_t> columns;  ///< indexes of the fields that differ; empty: all, the row is new or deleted
   RowImage before;                   ///< empty: the row was added
   RowImage after;                    ///< empty: the row was deleted
 };
-/// The bytes that a change takes in memory, about.
+/// The approximate number of bytes that a change takes in memory.
 std::size_t sizeInMemory(const RowChange& change);
-/// In the order of the first touch, each row once.
+/// Changes in the order in which their rows were first touched, each row once.
 using RowChanges = std::vector<RowChange>;
 
-/// Watches one database while it lives. The database must outlive it, and have one recorder at a time.
+/// Watches one database while it lives. The database must outlive it, and has one recorder at a time.
 class ChangeRecorder {
  public:
-  /// Tables for which `watched` says false go unrecorded.
+  /// Starts recording. Changes of tables for which `watched` returns false are not recorded.
   ChangeRecorder(Database& database, std::function<bool(std::string_view table)> watched);
   ~ChangeRecorder();
   ChangeRecorder(const ChangeRecorder&) = delete;
   ChangeRecorder& operator=(const ChangeRecorder&) = delete;
 
-  /// What changed since the last take(), by comparison with the rows as they stand; forgets it. Source: the rows.
+  /// The changes since the last take(), found by comparing the first images with the rows as they are now. Recording
+  /// starts again from here. A row that has its old values again is no change.
   Result<RowChanges> take();
   /// Whether any watched row was touched since the last take().
   bool touched() const;
 
-  /// Puts each row back to its image before, or forward to its image after, in one transaction and unrecorded.
-  /// Malformed, and nothing is changed, when a row doesn't stand as the opposite image says.
+  /// Undoes changes: gives each row its image from before, in one transaction and unrecorded. Malformed, and nothing
+  /// is changed, when a row is no longer as its image from after says.
   Result<> revert(const RowChanges& changes);
+  /// Repeats changes that were undone: gives each row its image from after. Malformed, and nothing is changed, when a
+  /// row is not as its image from before says.
   Result<> repeat(const RowChanges& changes);
 
  private:

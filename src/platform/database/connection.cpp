@@ -1,6 +1,6 @@
 // Opening a file: who may write it, which lock is taken, how the engine journals, and whether it is a whole database.
 //
-// The file is looked at by its name only, never opened beside the engine: POSIX drops all locks of a process on a
+// The file is examined by its name only, never opened beside the engine: POSIX drops all locks of a process on a
 // file when that process closes any descriptor of it.
 
 #include <sys/stat.h>
@@ -23,13 +23,13 @@ std::string folderOfFile(const std::string& path) {
 Result<> checkOneWritable(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return fail(ErrorKind::Missing, path, std::strerror(errno), errno);
-  // Root passes every permission, but a shop copied from a read-only medium is to be noticed for root, too.
+  // Root passes every permission check, but a shop copied from a read-only medium must be noticed for root too.
   if ((status.st_mode & S_IWUSR) == 0) return fail(ErrorKind::ReadOnly, path, std::strerror(EACCES), EACCES);
   if (access(path.c_str(), W_OK) != 0) return fail(ErrorKind::ReadOnly, path, std::strerror(errno), errno);
   return {};
 }
 
-/// Whether there is a file to open. An empty one is the rest of a database, for a new one has a page at least.
+/// Whether there is a file to open. An empty one is a damaged database, because a new one has at least one page.
 Result<> checkFile(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {
@@ -51,7 +51,7 @@ Result<Connection> connect(const std::string& path, int flags) {
   Connection connection(raw);
   if (code == SQLITE_OK) code = addFunctions(raw);
   if (code != SQLITE_OK) return fail(errorOf(raw, code, path));
-  // A shop may come from anybody: its schema may not call what could do harm.
+  // A shop may come from anybody: its schema may not call functions that could do harm.
   sqlite3_db_config(raw, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(raw, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_busy_timeout(raw, 0);
@@ -61,12 +61,12 @@ Result<Connection> connect(const std::string& path, int flags) {
 const char* setUpOf(OpenMode mode) {
   switch (mode) {
     case OpenMode::Exclusive:
-      // Leaving another journal mode can give the lock up, so it is taken before and behind it.
+      // Leaving another journal mode can give the lock up, so the lock is taken before and after it.
       return "PRAGMA main.locking_mode=EXCLUSIVE; PRAGMA synchronous=FULL; PRAGMA cache_size=-2000;"
              "BEGIN EXCLUSIVE; COMMIT; PRAGMA main.journal_mode=TRUNCATE; BEGIN EXCLUSIVE; COMMIT";
     case OpenMode::Scratch:
-      // The journal in memory holds what stood in changed pages before, which in a new file is next to nothing,
-      // and keeps rollback possible.
+      // The journal in memory keeps rollback possible. It holds the old content of changed pages, which in a new file
+      // is next to nothing.
       return "PRAGMA main.locking_mode=EXCLUSIVE; PRAGMA main.synchronous=OFF; PRAGMA cache_size=-2000;"
              "PRAGMA secure_delete=OFF; BEGIN EXCLUSIVE; COMMIT; PRAGMA main.journal_mode=MEMORY;"
              "BEGIN EXCLUSIVE; COMMIT";
@@ -87,8 +87,8 @@ std::int64_t pragmaNumber(sqlite3* handle, const char* sql) {
   return number;
 }
 
-/// Reads the header and the schema, which finds garbage, and compares the size with the count of pages, which finds
-/// a file cut off. Pages beyond are not read: that would cost seconds on a large shop.
+/// Reads the header and the schema, which detects garbage, and compares the size with the number of pages, which
+/// detects a file that was cut off. Other pages are not read: that would cost seconds in a large shop.
 Result<> verify(sqlite3* handle, const std::string& path) {
   const int code = run(handle, "SELECT count(*) FROM sqlite_schema; PRAGMA schema_version");
   if (code != SQLITE_OK) return fail(errorOf(handle, code, path));
@@ -144,7 +144,7 @@ Result<Connection> openFile(const std::string& path, OpenMode mode) {
   }
   auto connection = openOnce(path, mode);
   if (connection || connection.error().kind != ErrorKind::ReadOnly || !writable) return connection;
-  // A writer died in the middle of a change: undoing it takes one connection that may write.
+  // A writer died in the middle of a change: undoing it needs a connection that may write.
   if (auto recovered = openOnce(path, OpenMode::Shared); !recovered) return recovered;
   return openOnce(path, mode);
 }

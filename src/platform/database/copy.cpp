@@ -31,7 +31,7 @@ std::string renamedIndex(std::string_view sql, std::string_view name, std::strin
 }
 
 /// The name of an index of the copy: the table's name in it changes with the table, "ix_opzioni_nome" to
-/// "ix_tempopzioni_nome". That copying back gives the old name is part of it.
+/// "ix_tempopzioni_nome". Copying the copy back gives the old name again.
 std::string copiedIndexName(std::string_view name, std::string_view from, std::string_view to) {
   const std::size_t at = findIgnoringCase(name, from);
   if (at == std::string_view::npos) return std::string(to) + "_" + std::string(name);
@@ -67,7 +67,7 @@ bool isAutomatic(const TableInfo& table) {
   return false;
 }
 
-/// Carries the last automatic number over, which may lie above every row that is left.
+/// Copies the last automatic number, which may be above that of every row that is left.
 Result<> copyLastNumber(Database& database, const std::string& from, const std::string& to) {
   const std::string source = engine::literal(from);
   const std::string target = engine::literal(to);

@@ -1,5 +1,5 @@
 // The database handle: opening, creating, closing, statements, transactions and attached files. The schema view and
-// copies of tables stand in files of their own.
+// copies of tables are in files of their own.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -26,7 +26,7 @@ Result<> createEmptyFile(const std::string& path) {
   return {};
 }
 
-bool isBlank(std::string_view sql) { return sql.find_first_not_of(" \t\r\n;") == std::string_view::npos; }
+bool isEmptyStatement(std::string_view sql) { return sql.find_first_not_of(" \t\r\n;") == std::string_view::npos; }
 
 std::string savepoint(int depth) { return "kv_" + std::to_string(depth); }
 
@@ -62,7 +62,7 @@ Result<Database> Database::create(const std::string& path) {
   sqlite3* handle = nullptr;
   int code = sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
   // Articles are wide: pages of 8 KiB hold two or three of them, where the usual 4 KiB hold one and waste the rest.
-  // The number (the letters "Korv") makes the engine write the first page, and tells the file's program to others.
+  // Setting the number (the bytes of "Korv") makes the engine write the first page, and shows others whose file it is.
   if (code == SQLITE_OK) {
     code = engine::run(handle, "PRAGMA page_size=8192; PRAGMA auto_vacuum=NONE; PRAGMA application_id=1265594998");
   }
@@ -101,8 +101,8 @@ Result<> Database::prepareRename() { return execute("PRAGMA main.journal_mode=ME
 
 void Database::close() {
   if (handle_ == nullptr) return;
-  // A statement that outlives the handle keeps the connection in being, so the lock and the journal file are given
-  // up first.
+  // A statement that outlives the handle keeps the connection alive, so the lock and the journal file are given up
+  // first.
   for (sqlite3_stmt* each = nullptr; (each = sqlite3_next_stmt(handle_, each)) != nullptr;) sqlite3_reset(each);
   if (sqlite3_get_autocommit(handle_) == 0) engine::run(handle_, "ROLLBACK");
   engine::run(handle_, "PRAGMA main.locking_mode=NORMAL; PRAGMA main.journal_mode=DELETE");
@@ -129,7 +129,7 @@ Result<Statement> Database::prepare(std::string_view sql) {
   if (code != SQLITE_OK) return fail(engine::errorOf(handle_, code, path_));
   Statement statement(handle, path_);
   if (handle == nullptr) return fail(ErrorKind::Malformed, path_, "no statement");
-  if (!isBlank(sql.substr(static_cast<std::size_t>(tail - sql.data())))) {
+  if (!isEmptyStatement(sql.substr(static_cast<std::size_t>(tail - sql.data())))) {
     return fail(ErrorKind::Malformed, path_, "more than one statement");
   }
   return statement;
@@ -144,8 +144,9 @@ Result<Value> Database::scalar(std::string_view sql) {
   return statement->value(0);
 }
 
-// An inner transaction is a savepoint of the outer one: ending it well leaves its changes to the outer one, rolling it
-// back undoes its own alone. A failure such as a full disk makes the engine undo the whole; begin and commit tell so.
+// An inner transaction is a savepoint of the outer one: its commit leaves its changes to the outer one, its
+// rollback undoes its own alone. A failure such as a full disk makes the engine undo the whole; begin and commit then
+// fail.
 
 Result<> Database::begin() {
   std::string sql = "SAVEPOINT " + savepoint(depth_);

@@ -2,14 +2,14 @@
 // The relational store: one SQLite 3 file per database, opened shared or exclusive, with prepared statements,
 // forward cursors, record sets that find and edit, and a schema view in the order of creation.
 //
-// Text columns carry COLLATE NOCASE, which on these connections ignores the case of every letter, not ASCII alone.
+// Text columns carry COLLATE NOCASE, which on these connections ignores case beyond ASCII too.
 //
-// Every acknowledged write is on the disk's side of this process: it survives a kill at any moment. A handle opened
-// exclusive keeps the file to itself until it closes; the lock is the kernel's and goes with the process. While a file
-// is open here its bytes must not be read by other means in the same process (a copy, say): closing any descriptor of
-// a file drops every lock the process has on it (POSIX, fcntl).
+// Every acknowledged write has been handed to the system: it survives a kill of the process at any moment. A handle
+// opened exclusive keeps the file to itself until it closes; the lock is the kernel's and goes with the process. While
+// a file is open here its bytes must not be read by other means in the same process (a copy, say): closing any
+// descriptor of a file drops every lock the process has on it (POSIX, fcntl).
 //
-// Any SQLite program opens these files. An index over text beyond ASCII is ordered by this comparison, so a program
+// Any SQLite program can open these files. An index over text beyond ASCII is ordered by this comparison, so a program
 // with the engine's own NOCASE has to REINDEX before it changes such text, and this one after it.
 
 #include <cstdint>
@@ -28,8 +28,10 @@ namespace kv {
 
 class Recordset;
 
+/// How a file is opened; see Database::open.
 enum class OpenMode { Shared, Exclusive, ReadOnly, Scratch };
 
+/// An open file of tables, or none. Not shared between threads.
 class Database {
  public:
   Database() = default;
@@ -38,13 +40,13 @@ class Database {
   ~Database();
 
   /// Opens an existing file. Exclusive takes the lock at once and keeps it. Scratch is for a working file that
-  /// the next run makes anew: exclusive, without a journal, nothing flushed until it closes.
+  /// the next run creates again: exclusive, without a journal file, nothing flushed until it closes.
   /// InUse when another holds it, ReadOnly when the file or its folder may not be written (also when the owner's
   /// write permission is missing and the user is root), Missing, Corrupt when it is no database.
   static Result<Database> open(const std::string& path, OpenMode mode);
-  /// Creates an empty file, replacing none. Exists when there is one.
+  /// Creates an empty file and opens it shared. Exists when there is a file of this name already.
   static Result<Database> create(const std::string& path);
-  /// Writes a defragmented copy of `from` to the new file `to`. Failures as open, Full.
+  /// Writes a copy of `from` without gaps to the new file `to`. Failures as open, Full.
   static Result<> compact(const std::string& from, const std::string& to);
   /// The same of this database, which stays open and keeps its lock.
   Result<> compactTo(const std::string& to);
@@ -52,34 +54,42 @@ class Database {
   /// a new file of the old name has a journal of its own. Nothing may be written through this handle afterwards.
   Result<> prepareRename();
 
+  /// Whether there is an open file.
   bool isOpen() const { return handle_ != nullptr; }
+  /// Closes the file and gives its lock up. Statements and record sets of it can no longer be used.
   void close();
+  /// The path that the file was opened with.
   const std::string& path() const { return path_; }
 
-  /// Runs one or more statements without parameters.
+  /// Runs one or more statements without parameters; rows they return are ignored. Stops at the first failure.
   Result<> execute(std::string_view sql);
-  /// Rows changed by the last statement that changes rows.
+  /// The number of rows changed by the last statement that changes rows.
   std::int64_t changes() const;
+  /// Prepares one statement, whose parameters are "?1", "?2" and so on. It is used only while the
+  /// database is open.
   Result<Statement> prepare(std::string_view sql);
   /// The first field of the first row; Null when there is no row.
   Result<Value> scalar(std::string_view sql);
 
-  /// A transaction; begun twice, the inner one counts as part of the outer: its commit is undone with the outer one,
-  /// and a rollback inside undoes the inner one alone. A commit that fails has rolled back. InUse at begin when
-  /// another is writing.
+  /// Begins a transaction. Inside another one it is a part of that: its commit is undone when the outer one is rolled
+  /// back, and a rollback inside undoes the inner one alone. InUse when another connection is writing.
   Result<> begin();
+  /// Ends the innermost transaction and keeps its changes. A commit that fails has rolled back.
   Result<> commit();
+  /// Ends the innermost transaction and undoes its changes.
   void rollback();
 
   /// All tables in the order of creation, SQLite's own left out.
   Result<std::vector<TableInfo>> tables();
+  /// One table, its name found without regard to case. Missing when there is none.
   Result<TableInfo> table(std::string_view name);
   /// Creates a table with its indexes; names as given, text columns ignoring case.
   Result<> createTable(const TableInfo& table);
 
-  /// Makes the tables of another file reachable under `name` for statements, as in
-  /// "INSERT INTO name.opcodici SELECT ...". detach() ends it.
+  /// Makes the tables of another file available to statements under `name`, as in
+  /// "INSERT INTO name.opcodici SELECT ...". Missing when there is no such file.
   Result<> attach(const std::string& path, std::string_view name);
+  /// Closes a file that was attached under `name`.
   Result<> detach(std::string_view name);
   /// Copies a table whole, columns, indexes and rows, under a new name. Exists when the name is taken.
   Result<> copyTable(std::string_view from, std::string_view to);
@@ -91,7 +101,7 @@ class Database {
   friend class ChangeRecorder;
   sqlite3* handle_ = nullptr;
   std::string path_;
-  int depth_ = 0;
+  int depth_ = 0;  // of transactions
 };
 
 }  // namespace kv

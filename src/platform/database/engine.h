@@ -1,6 +1,6 @@
 #pragma once
-// What the files of the store share and no other file includes: failures of the engine as Error, names and types as
-// they stand in SQL, and the set-up of a connection.
+// What the sources of this folder share and no other file includes: failures of the engine as Error, names and types
+// as SQL writes them, and the set-up of a connection.
 
 #include <sqlite3.h>
 
@@ -15,48 +15,53 @@
 
 namespace kv::engine {
 
+/// Closes a connection, at the latest when its last statement is gone.
 struct Closer {
   void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
 };
+/// An SQLite connection that closes itself.
 using Connection = std::unique_ptr<sqlite3, Closer>;
 
-/// The condition that an engine code (plain or extended) stands for.
+/// The error kind of an engine code, plain or extended.
 ErrorKind kindOf(int code);
 /// The failure of the last call on a connection. `code` is what that call returned.
 Error errorOf(sqlite3* handle, int code, std::string where);
 
-/// Runs statements without parameters, rows ignored; the engine's code.
+/// Runs statements without parameters and ignores their rows. The engine's code, SQLITE_OK when all went well.
 int run(sqlite3* handle, std::string_view sql);
 
-/// Gives a connection the store's comparison (NOCASE over every letter) and its LIKE. The engine's code.
+/// Gives a connection the store's comparison (NOCASE beyond ASCII) and its LIKE. The engine's code.
 int addFunctions(sqlite3* handle);
-/// A number that is another one after any row was written or a change undone through the connection.
-std::int64_t changeStamp(sqlite3* handle);
-/// Counts the undoing of a part of a transaction, which the engine reports to nobody.
+/// The change counter of a connection: it differs after any row was written or a change was rolled back through the
+/// connection. Only equality has a meaning.
+std::int64_t changeCounter(sqlite3* handle);
+/// Counts the rollback of an inner transaction, which the engine doesn't report, in the change counter.
 void noteUndone(sqlite3* handle);
-/// A connection to nothing but memory, with addFunctions done.
+/// A connection to a database in memory alone, with addFunctions done.
 Result<Connection> openMemory();
-/// Opens an existing file as Database::open tells.
+/// Opens an existing file in the way that Database::open describes. Failures as there.
 Result<Connection> openFile(const std::string& path, OpenMode mode);
-/// The failure why a file or its folder may not be written, if there is one. Permission bits count for root, too.
+/// ReadOnly when a file or its folder may not be written. Permission bits count for root, too.
 Result<> checkWritable(const std::string& path);
 
-/// A name as it stands in SQL: plain where it can be, else in double quotes.
+/// A name as SQL needs it: plain where possible, else in double quotes.
 std::string quoted(std::string_view name);
-/// A text as an SQL literal.
+/// A text as an SQL literal, in single quotes.
 std::string literal(std::string_view text);
 
+/// A column's type as its declaration gives it.
 struct DeclaredType {
   ColumnType type = ColumnType::Memo;
-  int size = 0;
+  int size = 0;  ///< characters or bytes; 0 when none is declared
 };
-/// The type that a declaration names. Names of other makers' files are taken by the engine's affinity rules.
+/// The type that a declaration names. Names in files of other programs are judged by the engine's affinity rules.
 /// Source: SQLite, "Datatypes In SQLite", section 3.1.
 DeclaredType declaredType(std::string_view declaration);
+/// Whether a column type holds text.
 bool isTextual(ColumnType type);
 
 /// A value brought to what a column holds: numbers rounded to the column's kind, texts read as numbers. TextInNumber
-/// and Malformed as Recordset::set tells.
+/// and Malformed as Recordset::set describes.
 Result<Value> valueForColumn(const ColumnInfo& column, const Value& value, const std::string& where);
 
 /// The columns of a table in their order; empty when there is no such table. `schema` is "main" or an attached name.

@@ -1,4 +1,4 @@
-// Comparison and LIKE of the store's connections. Both stand in for parts of the engine under the engine's own names,
+// Comparison and LIKE of the store's connections. Both replace parts of the engine under the engine's own names,
 // so that a file opens in any SQLite program. The price: an index over text beyond ASCII is ordered by this NOCASE,
 // and a program with the engine's own NOCASE must REINDEX before it trusts such an index, as this one must after it.
 
@@ -15,7 +15,8 @@ constexpr unsigned char lowered(unsigned char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + ('a' - 'A')) : c;
 }
 
-/// Compares while both texts are ASCII and leaves the rest, from the first other letter on, to the slow way.
+/// Compares directly while both texts are ASCII and leaves the rest, from the first other character on, to case
+/// folding.
 int compareNoCase(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
   const std::string_view textA(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
   const std::string_view textB(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
@@ -44,7 +45,7 @@ void like(sqlite3_context* context, int, sqlite3_value** arguments) noexcept {
 
 void countUndone(void* counter) noexcept { ++*static_cast<std::int64_t*>(counter); }
 
-/// The connection's count of rollbacks. The engine hands it out only in exchange for another.
+/// The connection's count of rollbacks. The engine hands the pointer out only when it is replaced by another.
 std::int64_t* undoneCounter(sqlite3* handle) {
   void* counter = sqlite3_rollback_hook(handle, countUndone, nullptr);
   sqlite3_rollback_hook(handle, counter == nullptr ? nullptr : countUndone, counter);
@@ -53,7 +54,7 @@ std::int64_t* undoneCounter(sqlite3* handle) {
 
 }  // namespace
 
-std::int64_t changeStamp(sqlite3* handle) {
+std::int64_t changeCounter(sqlite3* handle) {
   const std::int64_t* undone = undoneCounter(handle);
   return sqlite3_total_changes64(handle) + (undone == nullptr ? 0 : *undone);
 }
@@ -65,7 +66,7 @@ void noteUndone(sqlite3* handle) {
 int addFunctions(sqlite3* handle) {
   const int code = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase, nullptr);
   if (code != SQLITE_OK) return code;
-  auto* undone = new std::int64_t(0);  // goes with the function below
+  auto* undone = new std::int64_t(0);  // deleted with the function below
   sqlite3_rollback_hook(handle, countUndone, undone);
   return sqlite3_create_function_v2(handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, undone,
                                     like, nullptr, nullptr,

@@ -18,10 +18,10 @@ std::size_t Recordset::position() const {
   return state_->onRow() ? static_cast<std::size_t>(state_->cursor) : state_->keys.size();
 }
 
-void Recordset::State::moveTo(std::ptrdiff_t place) {
+void Recordset::State::moveTo(std::ptrdiff_t index) {
   endDraft();
   const auto end = static_cast<std::ptrdiff_t>(keys.size());
-  cursor = place < -1 ? -1 : std::min(place, end);
+  cursor = index < -1 ? -1 : std::min(index, end);
   if (end == 0) cursor = 0;
   rowAt = -2;
 }
@@ -38,15 +38,15 @@ void Recordset::moveTo(std::size_t position) {
 const std::vector<ColumnInfo>& Recordset::columns() const { return state_->columns; }
 
 int Recordset::columnIndex(std::string_view name) const {
-  const auto place = state_->places.find(name);
-  return place == state_->places.end() ? -1 : static_cast<int>(place->second);
+  const auto index = state_->columnIndexes.find(name);
+  return index == state_->columnIndexes.end() ? -1 : static_cast<int>(index->second);
 }
 
-/// A field of the current row as it stands in the table. The row is read again after anything was written through
+/// A field of the current row as it is in the table now. The row is read again after anything was written through
 /// this connection; a row that is gone reads as Null.
 const Value& Recordset::State::field(std::size_t column) {
-  const std::int64_t stamp = engine::changeStamp(rowsHandle());
-  if (rowAt != cursor || rowStamp != stamp) {
+  const std::int64_t counter = engine::changeCounter(rowsHandle());
+  if (rowAt != cursor || rowCounter != counter) {
     rowFields.assign(columns.size(), Null{});
     fetch.bind(1, key());
     const auto found = fetch.step();
@@ -55,7 +55,7 @@ const Value& Recordset::State::field(std::size_t column) {
     }
     fetch.reset();
     rowAt = cursor;
-    rowStamp = stamp;
+    rowCounter = counter;
   }
   return rowFields[column];
 }
@@ -63,10 +63,10 @@ const Value& Recordset::State::field(std::size_t column) {
 Value Recordset::get(std::string_view column) const {
   const int at = columnIndex(column);
   if (at < 0) return Null{};
-  const auto place = static_cast<std::size_t>(at);
-  if (state_->draft != State::Draft::None && state_->drafted[place]) return *state_->drafted[place];
+  const auto index = static_cast<std::size_t>(at);
+  if (state_->draft != State::Draft::None && state_->drafted[index]) return *state_->drafted[index];
   if (state_->draft == State::Draft::Add || !state_->onRow()) return Null{};
-  return state_->field(place);
+  return state_->field(index);
 }
 
 Result<> Recordset::requery() { return state_->readKeys(); }

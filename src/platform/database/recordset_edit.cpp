@@ -1,4 +1,4 @@
-// Editing through a record set: each edit is gathered field by field and written as one statement by the row's number.
+// Editing through a record set: an edit collects fields and is written as one statement by the row's number.
 
 #include <algorithm>
 
@@ -17,8 +17,8 @@ void Recordset::State::endDraft() {
   drafted.clear();
 }
 
-/// Takes the next automatic number for good: it is written down before the row is, so that neither a row given up nor
-/// a second record set makes it be used again.
+/// Reserves the next automatic number for good: it is stored before the row is, so that it is used only once, even if
+/// the row is abandoned or a second record set adds rows.
 Result<std::int64_t> Recordset::State::reserveKey() {
   const std::string highest = "coalesce((SELECT max(_rowid_) FROM " + qualifiedTable() + "), 0)";
   const std::string sequence = engine::quoted(schema) + ".sqlite_sequence";
@@ -30,7 +30,7 @@ Result<std::int64_t> Recordset::State::reserveKey() {
   if (!raised) return fail(raised.error());
   if (*raised) {
     const std::int64_t number = raise->integer(0);
-    // The engine writes when the statement has run to its end.
+    // The engine writes only when the statement has run to its end.
     if (auto ended = raise->step(); !ended) return fail(ended.error());
     return number;
   }
@@ -46,7 +46,7 @@ Result<std::int64_t> Recordset::State::reserveKey() {
 
 Result<Value> Recordset::State::evaluateDefault(const ColumnInfo& column) const {
   auto evaluated = prepare("SELECT " + column.defaultValue);
-  if (!evaluated) return Value(column.defaultValue);  // a bare word stands for itself
+  if (!evaluated) return Value(column.defaultValue);  // a bare word is the value itself
   auto stepped = evaluated->step();
   if (!stepped) return fail(stepped.error());
   auto value = engine::valueForColumn(column, evaluated->value(0), where());
@@ -91,13 +91,13 @@ Result<> Recordset::set(std::string_view column, const Value& value) {
   const int at = columnIndex(column);
   if (at < 0) return fail(ErrorKind::Missing, state.where(), "no such column: " + std::string(column));
   if (state.draft == State::Draft::None) return fail(ErrorKind::Other, state.where(), "no edit has begun");
-  const auto place = static_cast<std::size_t>(at);
-  if (state.draft == State::Draft::Edit && isAutomatic(state.columns[place])) {
+  const auto index = static_cast<std::size_t>(at);
+  if (state.draft == State::Draft::Edit && isAutomatic(state.columns[index])) {
     return fail(ErrorKind::Other, state.where(), "the automatic key of a row cannot be changed");
   }
-  auto held = engine::valueForColumn(state.columns[place], value, state.where());
+  auto held = engine::valueForColumn(state.columns[index], value, state.where());
   if (!held) return fail(held.error());
-  state.drafted[place] = std::move(*held);
+  state.drafted[index] = std::move(*held);
   return {};
 }
 
@@ -146,7 +146,7 @@ Result<> Recordset::update() {
   if (auto written = state.write(); !written) return written;
   if (state.draft == State::Draft::Add) {
     const std::int64_t added = sqlite3_last_insert_rowid(state.handle);
-    if (!state.placeOfKey.empty()) state.placeOfKey.emplace(added, state.keys.size());
+    if (!state.indexOfKey.empty()) state.indexOfKey.emplace(added, state.keys.size());
     state.keys.push_back(added);
     state.cursor = static_cast<std::ptrdiff_t>(state.keys.size()) - 1;
   }

@@ -1,4 +1,5 @@
-// Opening a record set: telling a single table's rows from other sources, and reading which rows there are.
+// Opening a record set: distinguishing the rows of a single table from other sources, and reading which rows there
+// are.
 
 #include "platform/database/recordset.h"
 #include "platform/database/recordset_state.h"
@@ -19,9 +20,9 @@ std::string trimmedSelect(std::string_view source) {
   return std::string(source);
 }
 
-/// The query for the numbers of a single table's rows. Rows that the source puts in no order, or in the same place,
-/// come in the table's own order, whichever index the engine reads them by. The engine carries the inner ORDER BY
-/// outwards and computes none of the columns that are not asked for.
+/// The query for the numbers of a single table's rows. Rows that the source does not order, or orders as
+/// equal, come in the table's own order, whichever index the engine reads them by. The engine carries the inner ORDER
+/// BY outwards and computes none of the columns that are not asked for.
 std::string keysSql(std::string_view select) {
   engine::SqlReader reader(select);
   engine::SqlToken token = reader.next();
@@ -37,7 +38,7 @@ std::string keysSql(std::string_view select) {
          (ordered ? "\n, kv_row " : "\nORDER BY kv_row ") + std::string(select.substr(token.position)) + "\n)";
 }
 
-/// The type of a computed column, by what stands in the first row.
+/// The type of a computed column, by its value in the first row.
 ColumnType typeOfStored(int stored) {
   switch (stored) {
     case SQLITE_INTEGER:
@@ -66,7 +67,8 @@ ColumnInfo copiedColumn(std::string_view name, const std::string& declaration, C
 }  // namespace
 
 std::size_t ColumnNameHash::operator()(std::string_view name) const {
-  // FNV-1a over the letters that case folding cannot move; the others are left to the comparison.
+  // FNV-1a over the ASCII characters in lower case. Those beyond ASCII may fold to each other, so only the comparison
+  // looks at them.
   std::size_t hash = 14695981039346656037U;
   for (const char c : name) {
     const auto byte = static_cast<unsigned char>(c);
@@ -87,8 +89,8 @@ Result<Statement> Recordset::State::prepare(std::string_view sql) const {
   return Statement(statement, where());
 }
 
-/// Finds out what the source is. It is one table's rows when the statement is of that kind and every column of it is
-/// a column of the table.
+/// Determines what the source is. It is the rows of one table when the statement is of that kind and every column of it
+/// is a column of the table.
 Result<> Recordset::State::open() {
   sqlite3_stmt* raw = nullptr;
   const int code = sqlite3_prepare_v2(handle, source.data(), static_cast<int>(source.size()), &raw, nullptr);
@@ -102,8 +104,8 @@ Result<> Recordset::State::open() {
   }
   Result<> opened = oneTable ? openTable(rows) : openCopy(rows);
   if (!opened) return opened;
-  places.clear();
-  for (std::size_t each = 0; each < columns.size(); ++each) places.try_emplace(columns[each].name, each);
+  columnIndexes.clear();
+  for (std::size_t each = 0; each < columns.size(); ++each) columnIndexes.try_emplace(columns[each].name, each);
   if (auto ready = prepareReading(); !ready) return ready;
   return readKeys();
 }
@@ -127,7 +129,7 @@ Result<> Recordset::State::openTable(Statement& sourceRows) {
   return {};
 }
 
-/// Makes the table in memory. Its columns keep their declarations and with them their types and comparisons.
+/// Creates the table in memory. Its columns keep their declarations and with them their types and comparisons.
 Result<> Recordset::State::openCopy(Statement& sourceRows) {
   auto opened = engine::openMemory();
   if (!opened) return fail(opened.error());
@@ -142,8 +144,8 @@ Result<> Recordset::State::openCopy(Statement& sourceRows) {
     const ColumnType stored = *first ? typeOfStored(sqlite3_column_type(sourceRows.handle_, each)) : ColumnType::Memo;
     ColumnInfo column = copiedColumn(sourceRows.columnName(each), declaration, stored);
     std::string name = column.name;
-    for (int copy = 1; places.contains(name); ++copy) name = column.name + ":" + std::to_string(copy);
-    places.emplace(name, origins.size());
+    for (int copy = 1; columnIndexes.contains(name); ++copy) name = column.name + ":" + std::to_string(copy);
+    columnIndexes.emplace(name, origins.size());
     const bool compares = !declaration.empty() && engine::isTextual(column.type);
     declared +=
         (each == 0 ? "" : ", ") + engine::quoted(name) + " " + declaration + (compares ? " COLLATE NOCASE" : "");
@@ -158,7 +160,7 @@ Result<> Recordset::State::openCopy(Statement& sourceRows) {
 
 /// Copies the rows that the source gives now.
 Result<> Recordset::State::refill() {
-  engine::run(memory.get(), "ROLLBACK");  // of a copy that failed half-way
+  engine::run(memory.get(), "ROLLBACK");  // of a copy that failed halfway
   engine::run(memory.get(), std::string("DELETE FROM ") + copyTableName);
   sqlite3_stmt* raw = nullptr;
   const int code = sqlite3_prepare_v2(handle, source.data(), static_cast<int>(source.size()), &raw, nullptr);
@@ -190,7 +192,7 @@ Result<> Recordset::State::prepareReading() {
     fields += (each == 0 ? "" : ", ") + origin;
     named += origin + " AS " + engine::quoted(memory ? origins[each] : columns[each].name) + ", ";
   }
-  // The name behind the parentheses lets a condition say "articoli.ID".
+  // The name after the parentheses lets a condition say "articoli.ID".
   rowsSql = "SELECT kv_row FROM (SELECT " + named + "_rowid_ AS kv_row FROM " + qualifiedTable() + ") AS " +
             engine::quoted(table) + " WHERE ";
   auto fetching = prepare("SELECT " + fields + " FROM " + qualifiedTable() + " WHERE _rowid_ = ?1");
@@ -202,7 +204,7 @@ Result<> Recordset::State::prepareReading() {
   return {};
 }
 
-/// Reads the rows' numbers in the order of the source and puts the cursor on the first.
+/// Reads the numbers of the rows in the order of the source and moves the cursor to the first one.
 Result<> Recordset::State::readKeys() {
   endDraft();
   forgetFound();

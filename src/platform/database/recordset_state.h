@@ -12,16 +12,20 @@
 
 namespace kv {
 
+/// Hash of a column name, equal for names that differ in case alone.
 struct ColumnNameHash {
   using is_transparent = void;
   std::size_t operator()(std::string_view name) const;
 };
+/// Whether two column names are equal, case ignored.
 struct ColumnNameEqual {
   using is_transparent = void;
   bool operator()(std::string_view a, std::string_view b) const;
 };
 
+/// All that a record set holds, so that its header needs nothing of the engine.
 struct Recordset::State {
+  /// Whether an edit has begun, and of what: the current row or a new one.
   enum class Draft { None, Edit, Add };
 
   // What the rows come from.
@@ -32,33 +36,36 @@ struct Recordset::State {
   std::string schema;                ///< "main" or an attached file
   std::string table;                 ///< as the engine spells it
   std::vector<ColumnInfo> columns;   ///< under the names of the source
-  std::vector<std::string> origins;  ///< the table's column behind each
-  std::unordered_map<std::string, std::size_t, ColumnNameHash, ColumnNameEqual> places;
+  std::vector<std::string> origins;  ///< the table's column of each
+  std::unordered_map<std::string, std::size_t, ColumnNameHash, ColumnNameEqual> columnIndexes;  ///< by name
   std::string rowsSql;  ///< SELECT over all rows of the table under the source's names, with kv_row; no WHERE yet
-  Statement fetch;
+  Statement fetch;      ///< reads one row by its number
 
   // Where the cursor is. -1 is before the first row.
-  std::vector<std::int64_t> keys;
-  std::ptrdiff_t cursor = 0;
+  std::vector<std::int64_t> keys;  ///< the engine's number of each row
+  std::ptrdiff_t cursor = 0;       ///< index into keys; keys.size() is after the last row
 
   // The current row as read, and the edit.
-  std::vector<Value> rowFields;
-  std::ptrdiff_t rowAt = -2;
-  std::int64_t rowStamp = -1;
+  std::vector<Value> rowFields;  ///< by column
+  std::ptrdiff_t rowAt = -2;     ///< the cursor at which they were read; -2 when not read
+  std::int64_t rowCounter = -1;  ///< the change counter at that time
   Draft draft = Draft::None;
-  std::vector<std::optional<Value>> drafted;
-  Statement writing;
+  std::vector<std::optional<Value>> drafted;  ///< by column; empty for a field that was not set
+  Statement writing;                          ///< the last INSERT or UPDATE, kept for the next edit
   std::string writingSql;
 
-  // Places that conditions were found to hold at, good while no connection writes.
-  std::map<std::string, std::vector<std::size_t>, std::less<>> foundPlaces;
-  std::int64_t foundStamp = -1;
-  std::int64_t foundVersion = -1;
-  Statement version;
-  std::unordered_map<std::int64_t, std::size_t> placeOfKey;
+  // Indexes of the rows that a condition was found to hold for, valid while no connection writes.
+  std::map<std::string, std::vector<std::size_t>, std::less<>> foundIndexes;
+  std::int64_t foundCounter = -1;  ///< the change counter of this connection at that time
+  std::int64_t foundVersion = -1;  ///< the engine's counter of changes by other connections
+  Statement version;               ///< reads that counter
+  std::unordered_map<std::int64_t, std::size_t> indexOfKey;
 
+  /// The connection that the rows are read from.
   sqlite3* rowsHandle() const { return memory ? memory.get() : handle; }
+  /// Whether the cursor is on a row.
   bool onRow() const { return cursor >= 0 && cursor < static_cast<std::ptrdiff_t>(keys.size()); }
+  /// The number of the current row; the cursor is on one.
   std::int64_t key() const { return keys[static_cast<std::size_t>(cursor)]; }
   std::string qualifiedTable() const { return engine::quoted(schema) + "." + engine::quoted(table); }
   std::string where() const { return path + ": " + table; }
@@ -74,11 +81,11 @@ struct Recordset::State {
 
   // Finding (recordset_find.cpp).
   void forgetFound();
-  Result<const std::vector<std::size_t>*> placesOf(std::string_view condition);
+  Result<const std::vector<std::size_t>*> indexesOf(std::string_view condition);
   Result<std::vector<std::size_t>> search(std::string_view condition, const Value* bound);
 
   // Reading and editing.
-  void moveTo(std::ptrdiff_t place);
+  void moveTo(std::ptrdiff_t index);
   void endDraft();
   const Value& field(std::size_t column);
   Result<std::int64_t> reserveKey();

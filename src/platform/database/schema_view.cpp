@@ -75,7 +75,7 @@ Result<TableInfo> readTable(Database& database, sqlite3* handle, const std::stri
   return table;
 }
 
-/// A default as the engine takes it: a literal stands bare, an expression in parentheses.
+/// A default as the engine accepts it: a literal as it is, an expression in parentheses.
 std::string defaultClause(const std::string& value) {
   const bool literal =
       value.front() == '\'' || value.front() == '"' || value.find_first_of(" ()+*/|") == std::string::npos;

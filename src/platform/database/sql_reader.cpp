@@ -1,4 +1,4 @@
-// Reading words and marks of SQL.
+// The tokens of SQL, and the table of a simple SELECT.
 
 #include "platform/database/sql_reader.h"
 
@@ -15,9 +15,9 @@ bool isNameByte(char c) {
          static_cast<unsigned char>(c) >= 0x80;
 }
 
-bool isBlankByte(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f'; }
+bool isWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f'; }
 
-/// Words that, outside parentheses, make a row of more than one row of a table.
+/// Words that, outside parentheses, combine several rows of a table into one, or rows of several tables.
 bool combinesRows(const SqlToken& token) {
   constexpr std::array<std::string_view, 6> words = {"GROUP", "HAVING", "UNION", "EXCEPT", "INTERSECT", "WINDOW"};
   return token.depth == 0 &&
@@ -29,7 +29,7 @@ bool endsFrom(const SqlToken& token) {
          (token.depth == 0 && (token.isWord("WHERE") || token.isWord("ORDER") || token.isWord("LIMIT")));
 }
 
-/// "[schema.]table [[AS] alias]", the reader standing behind FROM; `last` becomes the token after it.
+/// "[schema.]table [[AS] alias]", read from after FROM on; `last` becomes the token after it.
 std::optional<std::string> readTableName(SqlReader& reader, SqlToken& last) {
   SqlToken table = reader.next();
   last = reader.next();
@@ -62,9 +62,9 @@ std::string SqlToken::name() const {
   return replaceAll(text.substr(1, text.size() - 2), close + close, close);
 }
 
-void SqlReader::skipBlanks() {
+void SqlReader::skipSpaces() {
   for (;;) {
-    while (at_ < sql_.size() && isBlankByte(sql_[at_])) ++at_;
+    while (at_ < sql_.size() && isWhiteSpace(sql_[at_])) ++at_;
     const std::string_view rest = sql_.substr(at_);
     std::string_view close;
     if (rest.starts_with("--")) close = "\n";
@@ -75,7 +75,7 @@ void SqlReader::skipBlanks() {
   }
 }
 
-/// The place behind the closing quote; a doubled one stands for itself, "]" cannot be doubled.
+/// Index after the closing quote. A doubled quote is a quote inside the text; "]" cannot be doubled.
 std::size_t SqlReader::endOfQuoted(char close) const {
   for (std::size_t at = at_ + 1; at < sql_.size(); ++at) {
     if (sql_[at] != close) continue;
@@ -97,7 +97,7 @@ std::size_t SqlReader::endOf(SqlToken::Kind kind) const {
 }
 
 SqlToken SqlReader::next() {
-  skipBlanks();
+  skipSpaces();
   SqlToken token;
   token.position = at_;
   token.depth = depth_;

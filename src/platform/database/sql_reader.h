@@ -1,6 +1,6 @@
 #pragma once
-// The little of SQL that the store reads itself: words and marks of a statement, and the parts of a SELECT from one
-// table. Whatever it does not know it leaves to the engine.
+// The small part of SQL that the store reads itself: the tokens of a statement, and the table of a SELECT from one
+// table. Whatever it does not know is left to the engine.
 
 #include <optional>
 #include <string>
@@ -8,28 +8,34 @@
 
 namespace kv::engine {
 
+/// One token of a statement.
 struct SqlToken {
+  /// Mark is a single character such as "," or "("; End comes after the last token.
   enum class Kind { End, Word, QuotedName, Text, Mark };
   Kind kind = Kind::End;
-  std::string_view text;     ///< as it stands, quotes included
-  std::size_t position = 0;  ///< in the statement
+  std::string_view text;     ///< as written, quotes included
+  std::size_t position = 0;  ///< byte index in the statement
   int depth = 0;             ///< of parentheses around it
 
-  bool isWord(std::string_view word) const;  ///< case ignored
+  /// Whether the token is this word without quotes, case ignored.
+  bool isWord(std::string_view word) const;
+  /// Whether the token is this mark.
   bool isMark(char mark) const { return kind == Kind::Mark && text[0] == mark; }
+  /// Whether the token can be a name.
   bool isName() const { return kind == Kind::Word || kind == Kind::QuotedName; }
   /// A name without its quotes.
   std::string name() const;
 };
 
-/// Walks over a statement; blanks and comments are passed over.
+/// Reads the tokens of a statement; white space and comments are skipped.
 class SqlReader {
  public:
   explicit SqlReader(std::string_view sql) : sql_(sql) {}
+  /// The next token; End at the end, however often it is called there.
   SqlToken next();
 
  private:
-  void skipBlanks();
+  void skipSpaces();
   std::size_t endOfQuoted(char close) const;
   /// Where the token of this kind that starts here ends.
   std::size_t endOf(SqlToken::Kind kind) const;
@@ -39,7 +45,7 @@ class SqlReader {
   int depth_ = 0;
 };
 
-/// The table behind FROM of a SELECT that takes its rows one by one from one table; empty for any other statement,
+/// The table after FROM of a SELECT that takes its rows one by one from one table; empty for any other statement,
 /// such as a join, a union, DISTINCT or GROUP BY.
 std::optional<std::string> singleTableOf(std::string_view select);
 

@@ -8,7 +8,7 @@
 namespace kv {
 namespace {
 
-/// A whole number that is not out of range, for a real number in a column of whole ones.
+/// The nearest whole number within the range of 64 bits, for a real number stored in a whole-number column.
 std::int64_t nearestWhole(double value) {
   constexpr double limit = 9223372036854774784.0;  // the largest double below 2^63
   if (std::isnan(value)) return 0;
@@ -59,29 +59,29 @@ Statement& Statement::operator=(Statement&& other) noexcept {
 
 Statement::~Statement() { sqlite3_finalize(handle_); }
 
-void Statement::bindNull(int place) { sqlite3_bind_null(handle_, place); }
-void Statement::bind(int place, bool value) { sqlite3_bind_int(handle_, place, value ? 1 : 0); }
-void Statement::bind(int place, std::int64_t value) { sqlite3_bind_int64(handle_, place, value); }
-void Statement::bind(int place, double value) { sqlite3_bind_double(handle_, place, value); }
-void Statement::bind(int place, Money value) { sqlite3_bind_int64(handle_, place, value.tenThousandths()); }
+void Statement::bindNull(int index) { sqlite3_bind_null(handle_, index); }
+void Statement::bind(int index, bool value) { sqlite3_bind_int(handle_, index, value ? 1 : 0); }
+void Statement::bind(int index, std::int64_t value) { sqlite3_bind_int64(handle_, index, value); }
+void Statement::bind(int index, double value) { sqlite3_bind_double(handle_, index, value); }
+void Statement::bind(int index, Money value) { sqlite3_bind_int64(handle_, index, value.tenThousandths()); }
 
-void Statement::bind(int place, std::string_view text) {
+void Statement::bind(int index, std::string_view text) {
   // A null pointer would bind null, and an empty text is not null.
-  sqlite3_bind_text64(handle_, place, text.data() == nullptr ? "" : text.data(), text.size(), SQLITE_STATIC,
+  sqlite3_bind_text64(handle_, index, text.data() == nullptr ? "" : text.data(), text.size(), SQLITE_STATIC,
                       SQLITE_UTF8);
 }
 
-void Statement::bind(int place, const Value& value) {
+void Statement::bind(int index, const Value& value) {
   std::visit(
       [&](const auto& field) {
         using Field = std::decay_t<decltype(field)>;
         if constexpr (std::is_same_v<Field, Null>) {
-          bindNull(place);
+          bindNull(index);
         } else if constexpr (std::is_same_v<Field, Bytes>) {
-          sqlite3_bind_blob64(handle_, place, field.empty() ? static_cast<const void*>("") : field.data(), field.size(),
+          sqlite3_bind_blob64(handle_, index, field.empty() ? static_cast<const void*>("") : field.data(), field.size(),
                               SQLITE_STATIC);
         } else {
-          bind(place, field);
+          bind(index, field);
         }
       },
       value);

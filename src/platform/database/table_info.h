@@ -1,5 +1,5 @@
 #pragma once
-// Tables, columns and indexes of a database as values: what the schema view tells, and what a table is created from.
+// Tables, columns and indexes of a database as values: what the schema view returns, and what a table is created from.
 //
 // Column types are declared by name and recognised by it (see columnTypeName): TEXT(n), LONGTEXT, BOOLEAN, TINYINT,
 // SMALLINT, INTEGER, MONEY_INTEGER (a count of ten-thousandths), FLOAT (rounded to single precision), DOUBLE,
@@ -31,27 +31,30 @@ constexpr unsigned autoIncrement = 16;        ///< column attribute: the automat
 constexpr unsigned hiddenTable = 1;           ///< table attribute
 constexpr unsigned systemTable = 0x80000002;  ///< table attribute mask
 
+/// One column of a table.
 struct ColumnInfo {
   std::string name;
   ColumnType type = ColumnType::Text;
-  int size = 0;  ///< characters of Text, bytes of Binary; 0 otherwise
-  unsigned attributes = 0;
+  int size = 0;              ///< characters of Text, bytes of Binary; 0 otherwise
+  unsigned attributes = 0;   ///< 0 or autoIncrement
   bool required = false;     ///< NOT NULL
   std::string defaultValue;  ///< as declared; empty when none
 };
+/// One index of a table.
 struct IndexInfo {
   std::string name;
-  bool primary = false;
-  bool unique = false;
-  std::vector<std::string> columns;
+  bool primary = false;              ///< it is the primary key
+  bool unique = false;               ///< no two rows have equal columns
+  std::vector<std::string> columns;  ///< names, in the order of the index
 };
+/// One table; columns and indexes in the order of creation.
 struct TableInfo {
   std::string name;
-  unsigned attributes = 0;
+  unsigned attributes = 0;  ///< hiddenTable, systemTable or 0
   std::vector<ColumnInfo> columns;
   std::vector<IndexInfo> indexes;
 
-  /// Position of a column, case ignored; -1 when there is none.
+  /// Index of a column, case ignored; -1 when there is none.
   int columnIndex(std::string_view column) const;
 };
 

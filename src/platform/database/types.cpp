@@ -1,4 +1,4 @@
-// Names and declared types as they stand in SQL, and the conditions that the engine's codes stand for.
+// Names and declared types as SQL writes them, and the error kinds of the engine's codes.
 
 #include <array>
 #include <charconv>
@@ -16,7 +16,7 @@ struct TypeName {
 };
 
 // MONEY_INTEGER holds "INT" so that the engine keeps whole 64-bit numbers, and LONGTEXT "TEXT" so that "0012" stays
-// a text. The engine looks for these letters in the declaration.
+// a text. The engine looks for these words in the declaration.
 constexpr std::array<TypeName, 12> typeNames = {{{ColumnType::Bool, "BOOLEAN", false},
                                                  {ColumnType::Byte, "TINYINT", false},
                                                  {ColumnType::Int, "SMALLINT", false},

@@ -1,4 +1,4 @@
-// Fields of a row as text, number, money or flag, and the way back: what a column holds of a value that was set.
+// Fields of a row as text, number, money or flag; and the reverse, what a column holds of a value that is set.
 
 #include <cmath>
 #include <limits>
@@ -11,7 +11,7 @@
 namespace kv {
 namespace {
 
-/// A number to the nearest whole one, a tie to the even one; empty when it is out of the range of 64 bits.
+/// The nearest whole number, a tie to the even one; empty when it is out of the range of 64 bits.
 std::optional<std::int64_t> wholeNumber(double value) {
   const double rounded = std::nearbyint(value);
   if (!(rounded >= -0x1p63 && rounded < 0x1p63)) return std::nullopt;
@@ -139,7 +139,7 @@ class ColumnValue {
     } else {
       number = wholeNumber(asNumber(value));
     }
-    // The automatic key counts on in the engine's 64 bits.
+    // An automatic key may use all of the engine's 64 bits.
     const bool fits = number && ((column_.attributes & autoIncrement) != 0 || fitsColumn(column_.type, *number));
     if (!fits) return refuse(ErrorKind::Malformed, "number out of range");
     return Value(*number);

@@ -28,16 +28,16 @@ Result<std::string> digestOf(const std::string& path) {
   if (EVP_Digest(bytes->data(), bytes->size(), digest.data(), &length, EVP_sha256(), nullptr) != 1) {
     return fail(ErrorKind::Other, path, "SHA-256 is not available");
   }
-  constexpr std::string_view letters = "0123456789abcdef";
+  constexpr std::string_view digits = "0123456789abcdef";
   std::string text;
   for (unsigned i = 0; i < length; ++i) {
-    text += letters[digest[i] >> 4U];
-    text += letters[digest[i] & 15U];
+    text += digits[digest[i] >> 4U];
+    text += digits[digest[i] & 15U];
   }
   return text;
 }
 
-// Lines of the form of sha256sum: the digest, two blanks, the path. A line of another form says nothing.
+// Lines in the format of sha256sum: the digest, two spaces, the path. Other lines are ignored.
 Result<ShippedList> readList(const std::string& path) {
   const auto text = readBytes(path);
   if (!text && text.error().kind == ErrorKind::Missing) return ShippedList{};
@@ -56,14 +56,14 @@ std::string listText(const ShippedList& list) {
   return text;
 }
 
-enum class Standing { Nothing, File, Folder, Other };
+enum class EntryKind { Nothing, File, Folder, Other };
 
-// What stands at a path, a link counting as Other: it is of the merchant's making and never written through.
-Standing standingAt(const std::string& path) {
+// What is at a path. A link counts as Other: the merchant made it, and nothing is written through it.
+EntryKind entryKindAt(const std::string& path) {
   struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return Standing::Nothing;
-  if (S_ISREG(status.st_mode)) return Standing::File;
-  return S_ISDIR(status.st_mode) ? Standing::Folder : Standing::Other;
+  if (::lstat(path.c_str(), &status) != 0) return EntryKind::Nothing;
+  if (S_ISREG(status.st_mode)) return EntryKind::File;
+  return S_ISDIR(status.st_mode) ? EntryKind::Folder : EntryKind::Other;
 }
 
 class Update {
@@ -71,8 +71,8 @@ class Update {
   Update(std::string installed, std::string folder, ShippedList list)
       : installed_(std::move(installed)), folder_(std::move(folder)), list_(std::move(list)) {}
 
-  /// Brings what is below `below` up to date. `reachable` is false where the merchant put something else in the place
-  /// of a folder: its files are then his.
+  /// Brings the files below `below` up to date. `reachable` is false where the merchant has replaced a folder by
+  /// something else: its files then count as deleted by the merchant.
   Result<> bring(const std::string& below, bool reachable);
   const ShippedList& list() const { return list_; }
   const ApplicationUpdate& counts() const { return counts_; }
@@ -80,7 +80,7 @@ class Update {
  private:
   Result<> bringFolder(const std::string& path, bool reachable);
   Result<> bringFile(const std::string& path, bool reachable);
-  Result<> place(const std::string& path, const std::string& digest, int& count);
+  Result<> install(const std::string& path, const std::string& digest, int& count);
 
   std::string installed_, folder_;
   ShippedList list_;
@@ -91,11 +91,11 @@ Result<> Update::bring(const std::string& below, bool reachable) {
   const std::string source = joinPath(installed_, below);
   for (const std::string& name : listFiles(source, "*")) {
     const std::string path = joinPath(below, name);
-    if (path == listName || standingAt(joinPath(source, name)) != Standing::File) continue;
+    if (path == listName || entryKindAt(joinPath(source, name)) != EntryKind::File) continue;
     if (auto brought = bringFile(path, reachable); !brought) return brought;
   }
   for (const std::string& name : listFolders(source)) {
-    if (standingAt(joinPath(source, name)) != Standing::Folder) continue;
+    if (entryKindAt(joinPath(source, name)) != EntryKind::Folder) continue;
     if (auto brought = bringFolder(joinPath(below, name), reachable); !brought) return brought;
   }
   return {};
@@ -103,35 +103,35 @@ Result<> Update::bring(const std::string& below, bool reachable) {
 
 Result<> Update::bringFolder(const std::string& path, bool reachable) {
   const std::string source = joinPath(installed_, path), target = joinPath(folder_, path);
-  const Standing standing = reachable ? standingAt(target) : Standing::Other;
-  // A folder with files comes into being with its first file, so that a deleted one doesn't come back bare.
+  const EntryKind kind = reachable ? entryKindAt(target) : EntryKind::Other;
+  // A folder with files is created with its first file, so that one the merchant deleted isn't created again, empty.
   const bool isBare = listFiles(source, "*").empty() && listFolders(source).empty();
-  if (standing == Standing::Nothing && isBare) return createFolders(target);
-  return bring(path, standing == Standing::Nothing || standing == Standing::Folder);
+  if (kind == EntryKind::Nothing && isBare) return createFolders(target);
+  return bring(path, kind == EntryKind::Nothing || kind == EntryKind::Folder);
 }
 
 Result<> Update::bringFile(const std::string& path, bool reachable) {
   const auto shipped = digestOf(joinPath(installed_, path));
   if (!shipped) return fail(shipped.error());
   const auto known = list_.find(path);
-  const Standing standing = reachable ? standingAt(joinPath(folder_, path)) : Standing::Other;
-  if (standing == Standing::Nothing && known == list_.end()) return place(path, *shipped, counts_.added);
-  if (standing == Standing::File) {
+  const EntryKind kind = reachable ? entryKindAt(joinPath(folder_, path)) : EntryKind::Other;
+  if (kind == EntryKind::Nothing && known == list_.end()) return install(path, *shipped, counts_.added);
+  if (kind == EntryKind::File) {
     const auto present = digestOf(joinPath(folder_, path));
     if (!present) return fail(present.error());
     if (*present == *shipped) {
       list_[path] = *shipped;
       return {};
     }
-    if (known != list_.end() && known->second == *present) return place(path, *shipped, counts_.renewed);
+    if (known != list_.end() && known->second == *present) return install(path, *shipped, counts_.renewed);
   }
-  // The merchant's. The list goes on holding what he changed or deleted, so that a file put back is renewed again.
+  // Changed or deleted by the merchant. It stays in the list, so that a shipped file that is restored is updated again.
   list_.emplace(path, *shipped);
   ++counts_.kept;
   return {};
 }
 
-Result<> Update::place(const std::string& path, const std::string& digest, int& count) {
+Result<> Update::install(const std::string& path, const std::string& digest, int& count) {
   const std::string target = joinPath(folder_, path);
   if (auto created = createFolders(std::string(folderOf(target))); !created) return created;
   if (auto copied = copyFile(joinPath(installed_, path), target); !copied) return copied;

@@ -1,6 +1,6 @@
 #pragma once
-// The application folder is per user, because the system writes into it: it is filled from the installed data at
-// the first start, and a later release adds what is new and renews a shipped file unless the merchant changed it.
+// The application folder is per user, because the program writes into it: it is filled from the installed data at
+// the first start. A later release adds new files and updates a shipped file unless the merchant changed it.
 
 #include <string>
 
@@ -8,13 +8,14 @@
 
 namespace kv {
 
-/// $XDG_DATA_HOME/korvane, else ~/.local/share/korvane.
+/// The path of this user's application folder: $XDG_DATA_HOME/korvane, else ~/.local/share/korvane.
 std::string userApplicationFolder();
 
+/// How many files one update has added, replaced and left alone.
 struct ApplicationUpdate {
   int added = 0;    ///< files that weren't there
-  int renewed = 0;  ///< files the merchant had left as shipped
-  int kept = 0;     ///< files changed (or deleted) by the merchant, left alone
+  int renewed = 0;  ///< files that the merchant had left as shipped
+  int kept = 0;     ///< files that the merchant had changed or deleted
 };
 
 /// Brings `folder` up to the installed data in `installed`. The list "installed.lst" in `folder` holds the SHA-256

@@ -31,8 +31,8 @@ ErrorKind kindOf(int number) {
   return found == std::end(kinds) ? ErrorKind::Other : found->second;
 }
 
-// ".<name>.kvtmp" and eight random letters from a to p; a long name is cut, since 255 bytes are the limit of most file
-// systems.
+// ".<name>.kvtmp" and eight random characters from a to p; a long name is cut, since 255 bytes are the limit of most
+// file systems.
 std::string unfinishedPath(const std::string& target) {
   constexpr std::size_t longestKept = 200;
   std::string name = "." + std::string(baseName(target).substr(0, longestKept)) + std::string(unfinishedMark);
@@ -41,7 +41,7 @@ std::string unfinishedPath(const std::string& target) {
   return joinPath(folderOf(target), name);
 }
 
-// A link is written through: the file it leads to is replaced, not the link.
+// For a link, the file it leads to is replaced and the link kept.
 std::string behindLinks(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
@@ -52,7 +52,7 @@ std::string behindLinks(const std::string& path) {
   return target;
 }
 
-// Owner first, since a change of owner may take permission bits away. An owner that may not be given stays ours.
+// The owner first, since a change of owner may clear permission bits. Where we may not set it, the owner is us.
 int takeOver(int descriptor, const struct stat& old) {
   if (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) {
     [[maybe_unused]] const int given = ::fchown(descriptor, old.st_uid, old.st_gid);
@@ -70,7 +70,7 @@ Descriptor::~Descriptor() { close(); }
 
 int Descriptor::close() {
   if (number_ < 0) return 0;
-  // After EINTR the descriptor is closed all the same (Linux), so there is no second try.
+  // After EINTR the descriptor is closed nevertheless (Linux), so there is no second try.
   return ::close(std::exchange(number_, -1)) == 0 || errno == EINTR ? 0 : errno;
 }
 
@@ -133,7 +133,7 @@ Result<> Replacement::write(std::string_view bytes) {
 
 void Replacement::keepTime(const struct stat& status) {
   const timespec times[] = {status.st_atim, status.st_mtim};
-  // A file system that keeps no times is no reason to lose the copy.
+  // The copy is good even on a file system that keeps no times.
   static_cast<void>(::futimens(descriptor_.number(), times));
 }
 

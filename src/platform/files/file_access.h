@@ -1,6 +1,6 @@
 #pragma once
-// What the sources about files share: errors of the system as Errors, descriptors that close themselves, and the
-// permission rule. For the sources of this folder.
+// What the sources about files share: system errors as Errors, descriptors that close themselves, the permission rule
+// and the replacement of a file in one step. For the sources of this folder.
 
 #include <sys/stat.h>
 
@@ -12,10 +12,10 @@
 
 namespace kv {
 
-/// An errno as a failure at `where`.
+/// The failure for an errno at the path `where`: its kind, the system's text and the number.
 tl::unexpected<Error> systemFailure(int number, const std::string& where);
 
-/// A file descriptor that closes itself.
+/// A file descriptor that closes itself. A negative number is one that couldn't be opened.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -23,13 +23,15 @@ class Descriptor {
   Descriptor& operator=(Descriptor&&) = delete;
   ~Descriptor();
 
+  /// Whether there is a descriptor to use.
   bool isOpen() const { return number_ >= 0; }
+  /// The system's number of the descriptor; -1 when it isn't open.
   int number() const { return number_; }
-  /// Closes now: 0, or an errno when the last bytes couldn't be kept.
+  /// Closes now. 0, or the errno when the system couldn't keep the last bytes.
   int close();
 
  private:
-  int number_;
+  int number_;  // -1 when closed or moved from
 };
 
 /// Whether the owner, root included, may write what `status` describes, and this process may write `path`.
@@ -37,21 +39,25 @@ bool mayWrite(const std::string& path, const struct stat& status);
 /// ReadOnly when entries of the folder of `path` may not be added or removed. A missing folder is no failure here.
 Result<> requireWritableFolderOf(const std::string& path);
 
-/// Whether a name is one that an unfinished replacement carries.
+/// Whether a file name is that of a replacement that was never committed.
 bool isUnfinishedName(std::string_view name);
 
-/// The new content of a file, made beside it and put in its place by commit(); removed when that never comes.
+/// The new content of a file, written beside it under a temporary name and renamed over it by commit(). Without a
+/// commit() the destructor removes it and the old file stays.
 class Replacement {
  public:
-  /// ReadOnly when the old file may not be written. A new file gets `mode` less the process's mask.
+  /// Opens the temporary file. ReadOnly when the old file may not be written, Missing when the folder isn't there. A
+  /// new file gets the permission bits `mode`, reduced by the process's mask; an old one keeps its own.
   static Result<Replacement> begin(const std::string& path, mode_t mode);
   Replacement(Replacement&& other) noexcept;
   Replacement& operator=(Replacement&&) = delete;
   ~Replacement();
 
+  /// Appends bytes. Full on a full disk.
   Result<> write(std::string_view bytes);
   /// Gives the new file the modification time of `status`.
   void keepTime(const struct stat& status);
+  /// Closes the temporary file and renames it over the target. On a failure the old file is as before.
   Result<> commit();
 
  private:

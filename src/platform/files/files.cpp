@@ -23,7 +23,7 @@ struct OpenedFile {
   struct stat status;
 };
 
-// Without O_NONBLOCK a pipe put where a file should be would hang the program.
+// Without O_NONBLOCK the program would hang on a pipe of the file's name.
 Result<OpenedFile> openToRead(const std::string& path) {
   OpenedFile file{Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), {}};
   if (!file.descriptor.isOpen()) return systemFailure(errno, path);
@@ -54,7 +54,7 @@ Result<std::string> readBytes(const std::string& path) {
   if (!file) return fail(file.error());
   std::string bytes;
   std::size_t filled = 0;
-  // One byte more than the size, so that the end shows itself without another round.
+  // One byte more than the size, so that the end is found without another read.
   bytes.resize(static_cast<std::size_t>(file->status.st_size) + 1);
   for (;;) {
     const auto count = readPiece(file->descriptor, bytes.data() + filled, bytes.size() - filled, path);
@@ -125,7 +125,7 @@ Result<> createFolder(const std::string& path) {
   if (auto writable = requireWritableFolderOf(path); !writable) return writable;
   if (::mkdir(path.c_str(), newFolderMode) == 0) return {};
   const int number = errno;
-  // Another process may have been quicker.
+  // Another process may have created it in the meantime.
   if (number == EEXIST && folderExists(path)) return {};
   return systemFailure(number, path);
 }
@@ -147,7 +147,7 @@ Result<> deleteFile(const std::string& path) {
 }
 
 Result<> removeFolder(const std::string& path) {
-  // EEXIST and ENOTEMPTY both say that the folder isn't empty; Exists would tell the caller something else.
+  // EEXIST and ENOTEMPTY both say that the folder isn't empty; Exists would mislead the caller.
   if (!folderExists(path)) return systemFailure(ENOENT, path);
   if (auto writable = requireWritableFolderOf(path); !writable) return writable;
   if (::rmdir(path.c_str()) != 0) return systemFailure(errno == EEXIST ? ENOTEMPTY : errno, path);

@@ -27,7 +27,7 @@ EntryKind kindOf(mode_t mode) {
   return S_ISDIR(mode) ? EntryKind::Folder : EntryKind::Other;
 }
 
-// What a directory entry is, behind links; most file systems tell it without another look.
+// The kind of a directory entry, links followed; most file systems give it with the listing.
 Entry entryOf(const std::string& folder, const dirent& found) {
   Entry entry{found.d_name, EntryKind::Other};
   if (found.d_type == DT_REG) {
@@ -80,20 +80,20 @@ struct TreeItem {
 
 class TreeLister {
  public:
-  explicit TreeLister(std::vector<FolderId> leftOut) : onTheWay_(std::move(leftOut)) {}
+  explicit TreeLister(std::vector<FolderId> leftOut) : ancestors_(std::move(leftOut)) {}
 
   /// Appends what is below `root`/`below`. A folder that is left out, or that holds itself by a link, isn't entered.
   Result<> list(const std::string& root, const std::string& below) {
     const std::string folder = joinPath(root, below);
     const auto id = folderId(folder);
     if (!id) return fail(id.error());
-    onTheWay_.push_back(*id);
+    ancestors_.push_back(*id);
     const auto entries = entriesOf(folder);
     if (!entries) return fail(entries.error());
     for (const Entry& entry : *entries) {
       if (auto listed = add(root, joinPath(below, entry.name), entry); !listed) return listed;
     }
-    onTheWay_.pop_back();
+    ancestors_.pop_back();
     return {};
   }
   std::vector<TreeItem>& items() { return items_; }
@@ -104,22 +104,22 @@ class TreeLister {
     if (entry.kind == EntryKind::Folder) {
       const auto id = folderId(joinPath(root, path));
       if (!id) return fail(id.error());
-      if (std::find(onTheWay_.begin(), onTheWay_.end(), *id) != onTheWay_.end()) return {};
+      if (std::find(ancestors_.begin(), ancestors_.end(), *id) != ancestors_.end()) return {};
     }
     items_.push_back({path, entry.kind == EntryKind::Folder});
     return entry.kind == EntryKind::Folder ? list(root, path) : Result<>{};
   }
 
-  std::vector<FolderId> onTheWay_;
+  std::vector<FolderId> ancestors_;
   std::vector<TreeItem> items_;
 };
 
-// Where the items of a tree go: below `root`, under the names that stand there already, case ignored.
+// The paths that the items of a tree are copied to: below `root`, under the names that exist there, case ignored.
 class CopyTarget {
  public:
   explicit CopyTarget(std::string root) { folders_[""] = read(std::move(root)); }
 
-  std::string place(const std::string& path) {
+  std::string pathFor(const std::string& path) {
     const Known& parent = folders_[std::string(folderOf(path))];
     const std::string name(baseName(path));
     const auto hit = parent.names.find(foldCase(name));
@@ -127,7 +127,7 @@ class CopyTarget {
     const bool takesExact = hit == parent.names.end() || fileExists(exact) || folderExists(exact);
     return takesExact ? exact : joinPath(parent.path, hit->second);
   }
-  void entered(const std::string& path, std::string place) { folders_[path] = read(std::move(place)); }
+  void enter(const std::string& path, std::string folder) { folders_[path] = read(std::move(folder)); }
 
  private:
   struct Known {
@@ -156,9 +156,9 @@ Result<> addOwnerWrite(const std::string& path) {
 Result<> createListed(const std::vector<TreeItem>& items, CopyTarget& target) {
   for (const TreeItem& item : items) {
     if (!item.isFolder) continue;
-    const std::string path = target.place(item.path);
+    const std::string path = target.pathFor(item.path);
     if (auto created = createFolder(path); !created) return created;
-    target.entered(item.path, path);
+    target.enter(item.path, path);
   }
   return {};
 }
@@ -215,7 +215,7 @@ Result<> copyTree(const std::string& from, const std::string& to) {
   if (auto created = createListed(lister.items(), target); !created) return created;
   for (const TreeItem& item : lister.items()) {
     if (item.isFolder) continue;
-    if (auto copied = copyFile(joinPath(from, item.path), target.place(item.path)); !copied) return copied;
+    if (auto copied = copyFile(joinPath(from, item.path), target.pathFor(item.path)); !copied) return copied;
   }
   return {};
 }

@@ -16,7 +16,9 @@
 namespace kv {
 namespace {
 
-std::string nameOf(std::string_view section, std::string_view key) { return foldCase(section) + "\n" + foldCase(key); }
+std::string foldedName(std::string_view section, std::string_view key) {
+  return foldCase(section) + "\n" + foldCase(key);
+}
 
 std::string escaped(std::string_view value) {
   std::string text = replaceAll(value, "\\", "\\\\");
@@ -103,7 +105,7 @@ void FileSettings::parse(std::string_view text) const {
     if (opened) {
       section = *opened;
     } else if (equals != std::string_view::npos && !isComment(line)) {
-      kept.name = nameOf(section, trim(line.substr(0, equals)));
+      kept.name = foldedName(section, trim(line.substr(0, equals)));
       kept.value = unescaped(line.substr(equals + 1));
     }
   }
@@ -119,7 +121,7 @@ void FileSettings::indexLines() const {
 
 std::string FileSettings::get(std::string_view section, std::string_view key) const {
   refresh();
-  const auto found = index_.find(nameOf(section, key));
+  const auto found = index_.find(foldedName(section, key));
   return found == index_.end() ? std::string() : lines_[found->second].value;
 }
 
@@ -129,7 +131,7 @@ Result<> FileSettings::set(std::string_view section, std::string_view key, std::
   const auto lock = lockBeside(path_);
   if (!lock) return fail(lock.error());
   if (auto read = readFile(); !read) return read;
-  Line line{std::string(key) + "=" + escaped(value), nameOf(section, key), std::string(value)};
+  Line line{std::string(key) + "=" + escaped(value), foldedName(section, key), std::string(value)};
   const auto found = index_.find(line.name);
   if (found != index_.end()) {
     lines_[found->second] = std::move(line);
@@ -168,13 +170,13 @@ Result<> FileSettings::write() const {
 }
 
 std::string MemorySettings::get(std::string_view section, std::string_view key) const {
-  const auto found = values_.find(nameOf(section, key));
+  const auto found = values_.find(foldedName(section, key));
   return found == values_.end() ? std::string() : found->second;
 }
 
 Result<> MemorySettings::set(std::string_view section, std::string_view key, std::string_view value) {
   if (auto fits = requireNames(section, key); !fits) return fits;
-  values_[nameOf(section, key)] = value;
+  values_[foldedName(section, key)] = value;
   return {};
 }
 

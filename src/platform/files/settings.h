@@ -12,13 +12,15 @@
 
 namespace kv {
 
+/// Where the program's settings are kept.
 class Settings {
  public:
   virtual ~Settings() = default;
+  /// The value of a key; empty when it has none. Names ignore case.
   virtual std::string get(std::string_view section, std::string_view key) const = 0;
-  /// Stores at once. Malformed when a name would not come back from a line of the file: an empty key, a line end,
-  /// "=" in a key, "]" in a section, a key that starts like a section or a comment, blanks at its ends. Other failures:
-  /// as writeBytes; the old value then stays.
+  /// Stores a value at once. Malformed when a name could not be read back from a line of the file: an empty key, a
+  /// line end, "=" in a key, "]" in a section, a key that starts like a section or a comment, spaces at its ends.
+  /// Other failures as writeBytes. After a failure the old value stays.
   virtual Result<> set(std::string_view section, std::string_view key, std::string_view value) = 0;
 };
 

@@ -6,7 +6,8 @@
 
 namespace kv {
 
-/// The folder that the environment variable names, when it is an absolute path; else `below` in the home folder.
+/// A folder of this user: the one that the environment variable names, when it is an absolute path; else `below` in the
+/// home folder.
 std::string userFolder(const char* variable, const std::string& below);
 
 }  // namespace kv

@@ -20,7 +20,7 @@ std::int32_t littleNumber(std::string_view bytes) {
   return static_cast<std::int32_t>(value);
 }
 
-// BMP is the one kind read here, its sizes being numbers at fixed places of the first 26 bytes: 16-bit ones in the
+// BMP is the one kind read here, its sizes being numbers at fixed offsets in the first 26 bytes: 16-bit ones in the
 // header of 12 bytes (BITMAPCOREHEADER), signed 32-bit ones in those of 40 and more (BITMAPINFOHEADER and later), of
 // which a negative height says that the rows come from top to bottom.
 Result<ImageSize> bmpSize(std::string_view bytes) {

@@ -1,5 +1,5 @@
 #pragma once
-// What the build asks of a picture: its size and one pixel. Bytes come from anywhere and may be damaged.
+// What the build needs to know of a picture: its size and one pixel. Bytes come from anywhere and may be damaged.
 
 #include <cstdint>
 #include <string>
@@ -9,6 +9,7 @@
 
 namespace kv {
 
+/// Width and height in pixels.
 struct ImageSize {
   int width = 0;
   int height = 0;
@@ -24,12 +25,13 @@ struct Colour {
 /// side). Only the header is read, of a GIF up to its palette, of the others up to the data: what follows may be
 /// damaged.
 Result<ImageSize> imageSizeOf(std::string_view bytes);
-/// The same of a file. Failures: as readBytes, Malformed.
+/// Width and height of a picture file, as imageSizeOf. Failures: as readBytes, Malformed.
 Result<ImageSize> imageSize(const std::string& path);
 /// The pixel at (0, 0) of a GIF, by its first frame. A transparent pixel gives the colour that its palette entry holds;
 /// where the frame leaves the corner free, the background colour counts. Only as much is decoded as the pixel needs.
 /// Malformed when it can't be decoded, when the palette lacks its colour, or above 64 million pixels.
 Result<Colour> firstPixelOf(std::string_view bytes);
+/// The pixel at (0, 0) of a GIF file, as firstPixelOf. Failures: as readBytes, Malformed.
 Result<Colour> firstPixel(const std::string& path);
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-// GIF by giflib, record by record: its reading of a whole file would decode every frame, and here one pixel is wanted.
+// GIF by giflib, record by record: reading a whole file with it would decode every frame, and one pixel is enough.
 #include <gif_lib.h>
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t mostPixels = 64U * 1000U * 1000U;
 
-// giflib's reading function: hands out bytes and takes them off the text it was opened with.
+// giflib's reading function: removes bytes from the start of the text that it was opened with.
 int takeBytes(GifFileType* gif, GifByteType* to, int count) {
   auto& rest = *static_cast<std::string_view*>(gif->UserData);
   const std::size_t taken = std::min(rest.size(), static_cast<std::size_t>(count));

@@ -1,7 +1,7 @@
 // The size of a JPEG by libjpeg, which reports a failure by calling back and never returning from there.
 #include <csetjmp>
 #include <cstdio>
-// jpeglib.h leaves std::size_t and FILE to whoever includes it.
+// jpeglib.h needs std::size_t and FILE declared before it.
 #include <jpeglib.h>
 
 #include "platform/image/image_codecs.h"
@@ -17,10 +17,10 @@ struct Failing {
 [[noreturn]] void giveUp(j_common_ptr jpeg) { std::longjmp(reinterpret_cast<Failing*>(jpeg->err)->back, 1); }
 void keepSilent(j_common_ptr, int) {}
 
-// The end of the bytes. libjpeg's own memory source would go on with made-up ones.
+// Called at the end of the bytes. libjpeg's own memory source would invent further ones.
 boolean giveUpAtEnd(j_decompress_ptr jpeg) { giveUp(reinterpret_cast<j_common_ptr>(jpeg)); }
 
-// From the jump nothing is destroyed, so nothing in here may have a destructor.
+// The jump calls no destructors, so no object in here may need one.
 bool readHeader(const unsigned char* bytes, unsigned long count, ImageSize* size) {
   jpeg_decompress_struct jpeg;
   Failing failing;

@@ -13,7 +13,7 @@ constexpr int singleDigits = 7, doubleDigits = 15;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Brings digits that may have zeros at their ends to the form that Decimal asks for.
+// Normalises digits that may have zeros at either end, as Decimal requires.
 void normalise(Decimal& number) {
   const std::size_t first = number.digits.find_first_not_of('0');
   if (first == std::string::npos) {
@@ -34,13 +34,13 @@ Decimal ofSignificantDigits(Number value, int significant) {
   return scanNumber(std::string_view(buffer.data(), end.ptr), ".").number;
 }
 
-// Whether the digits from `place` on round up.
-bool roundsUp(const Decimal& number, int place, Tie tie) {
-  const char first = number.digitAt(place);
+// Whether dropping the digits from `index` on rounds up.
+bool roundsUp(const Decimal& number, int index, Tie tie) {
+  const char first = number.digitAt(index);
   if (first != '5') return first > '5';
-  const bool isTie = place + 1 >= static_cast<int>(number.digits.size());
+  const bool isTie = index + 1 >= static_cast<int>(number.digits.size());
   if (!isTie || tie == Tie::AwayFromZero) return true;
-  return (number.digitAt(place - 1) - '0') % 2 != 0;
+  return (number.digitAt(index - 1) - '0') % 2 != 0;
 }
 
 // Adds one to the last digit.
@@ -61,7 +61,7 @@ struct Exponent {
   std::size_t length = 0;
 };
 Exponent scanExponent(std::string_view text) {
-  constexpr int limit = 100000;  // far beyond a double, far within an int
+  constexpr int limit = 100000;  // far above the exponents of a double, far below the limits of an int
   if (text.empty() || (text[0] != 'E' && text[0] != 'e')) return {};
   std::size_t at = 1;
   const bool negative = at < text.size() && text[at] == '-';
@@ -112,12 +112,12 @@ std::optional<double> toDouble(const Decimal& number) {
 std::optional<std::int64_t> toTenThousandths(Decimal number) {
   constexpr int decimals = 4, mostDigits = 19;
   roundTo(number, decimals, Tie::ToEven);
-  const int places = number.point + decimals;
+  const int digitCount = number.point + decimals;
   if (number.isZero()) return 0;
-  if (places > mostDigits) return std::nullopt;
+  if (digitCount > mostDigits) return std::nullopt;
   std::uint64_t count = 0;  // 19 digits fit
-  for (int place = 0; place < places; ++place) {
-    count = count * 10 + static_cast<std::uint64_t>(number.digitAt(place) - '0');
+  for (int index = 0; index < digitCount; ++index) {
+    count = count * 10 + static_cast<std::uint64_t>(number.digitAt(index) - '0');
   }
   const auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
   if (count > most + (number.negative ? 1 : 0)) return std::nullopt;

@@ -9,41 +9,46 @@
 
 namespace kv {
 
-/// 0.d1d2d3... times ten to the power `point`; d1 and the last digit are not "0". Zero has no digits and no sign.
+/// The number 0.d1d2d3... times ten to the power `point`; d1 and the last digit are not "0". Zero has no digits and
+/// no sign.
 struct Decimal {
   bool negative = false;
-  std::string digits;
-  int point = 0;  ///< how many digits stand before the decimal point, when positive
+  std::string digits;  ///< "0" to "9", most significant first
+  int point = 0;       ///< the number of digits before the decimal point, when positive
 
+  /// Whether the number is 0.
   bool isZero() const { return digits.empty(); }
-  /// The digit at a place, counted from the first digit; '0' outside the digits.
-  char digitAt(int place) const {
-    return place >= 0 && place < static_cast<int>(digits.size()) ? digits[static_cast<std::size_t>(place)] : '0';
+  /// The digit at an index, counted from the first digit; '0' outside the digits.
+  char digitAt(int index) const {
+    return index >= 0 && index < static_cast<int>(digits.size()) ? digits[static_cast<std::size_t>(index)] : '0';
   }
 };
 
+/// Where a number exactly between two candidates goes: to the one with an even last digit, or away from zero.
 enum class Tie { ToEven, AwayFromZero };
 
-/// `count` of units of ten to the power -`decimals`.
+/// The exact decimal of `count` units, each ten to the power -`decimals`: 12345 with 4 decimals is 1.2345.
 Decimal decimalOf(std::int64_t count, int decimals);
-/// The number rounded to so many significant digits: 7 for a single, 15 for a double. Zero for what is not finite.
+/// The number rounded to the 7 significant digits of a single. Zero for what is not finite.
 Decimal decimalOf(float value);
+/// The number rounded to the 15 significant digits of a double. Zero for what is not finite.
 Decimal decimalOf(double value);
 
-/// Rounds to so many places behind the point.
+/// Rounds in place to `decimals` digits after the decimal point.
 void roundTo(Decimal& number, int decimals, Tie tie);
 
-/// The nearest double; empty when it is out of range. What is too small becomes 0.
+/// The nearest double; empty when the number is out of range. What is too small for a double becomes 0.
 std::optional<double> toDouble(const Decimal& number);
 /// The number as a count of ten-thousandths, ties to even; empty when out of range.
 std::optional<std::int64_t> toTenThousandths(Decimal number);
 
-/// A number found at the start of a text, and how many bytes of it make the number; 0 when there is none.
+/// A number found at the start of a text.
 struct ScannedNumber {
-  Decimal number;
-  std::size_t length = 0;
+  Decimal number;          ///< 0 when there is none
+  std::size_t length = 0;  ///< bytes of the text that make the number; 0 when there is none
 };
-/// A sign, digits with at most one of `separators`, an exponent. An exponent without digits isn't taken along.
+/// Reads a sign, digits with at most one decimal separator out of `separators`, and an exponent ("E" or "e"). An
+/// exponent without digits isn't part of the number.
 ScannedNumber scanNumber(std::string_view text, std::string_view separators);
 
 }  // namespace kv

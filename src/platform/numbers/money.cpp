@@ -25,7 +25,7 @@ Wide shiftedHalfEven(Wide value, int shift) {
 }  // namespace
 
 std::optional<Money> Money::of(double value) {
-  constexpr double beyond = 1e15;  // more than the range; keeps the integers below small
+  constexpr double beyond = 1e15;  // more than the range; keeps the integers below it small
   if (!(std::abs(value) < beyond)) return std::nullopt;
   int exponent = 0;
   constexpr int bits = std::numeric_limits<double>::digits;

@@ -9,10 +9,10 @@
 namespace kv {
 namespace {
 
-// Below ten to this power the plain form has an exponent, however few digits there are.
+// Below ten to this power the plain format has an exponent, however few digits there are.
 constexpr int smallestPlainExponent = -4;
 
-std::string exponentForm(const Decimal& number) {
+std::string exponentText(const Decimal& number) {
   std::string text = number.digits.substr(0, 1);
   if (number.digits.size() > 1) text += "." + number.digits.substr(1);
   const int exponent = number.point - 1;
@@ -20,7 +20,7 @@ std::string exponentForm(const Decimal& number) {
   return text + (exponent < 0 ? "E-" : "E+") + (power.size() < 2 ? "0" : "") + power;
 }
 
-std::string pointForm(const Decimal& number) {
+std::string pointText(const Decimal& number) {
   const int size = static_cast<int>(number.digits.size());
   const auto zeros = [](int count) { return std::string(static_cast<std::size_t>(count), '0'); };
   if (number.point <= 0) return "." + zeros(-number.point) + number.digits;
@@ -31,24 +31,24 @@ std::string pointForm(const Decimal& number) {
 
 std::string withSign(const Decimal& number, const std::string& text) { return (number.negative ? "-" : " ") + text; }
 
-std::string exactForm(const Decimal& number) { return number.isZero() ? " 0" : withSign(number, pointForm(number)); }
+std::string exactText(const Decimal& number) { return number.isZero() ? " 0" : withSign(number, pointText(number)); }
 
-// The one place that decides where the exponent form begins.
-std::string plainForm(const Decimal& number, int significant) {
+// The one routine that decides whether a number is written with an exponent.
+std::string plainText(const Decimal& number, int significant) {
   const int exponent = number.point - 1;
-  const int places = static_cast<int>(number.digits.size()) - number.point;
+  const int decimalsNeeded = static_cast<int>(number.digits.size()) - number.point;
   if (number.isZero()) return " 0";
-  const bool hasExponent = exponent >= significant || exponent < smallestPlainExponent || places > significant;
-  return withSign(number, hasExponent ? exponentForm(number) : pointForm(number));
+  const bool hasExponent = exponent >= significant || exponent < smallestPlainExponent || decimalsNeeded > significant;
+  return withSign(number, hasExponent ? exponentText(number) : pointText(number));
 }
 
-bool isPlace(char c) { return c == '0' || c == '#'; }
+bool isDigitPosition(char c) { return c == '0' || c == '#'; }
 
-// A mask taken apart at its first point.
+// A mask, divided at its first decimal separator.
 struct Mask {
   std::string_view whole, fraction;
   bool hasPoint = false;
-  bool groups = false;  // a "," between two places of the whole part
+  bool groups = false;  // a "," between two digits of the whole part
 };
 
 Mask readMask(std::string_view text) {
@@ -63,9 +63,11 @@ Mask readMask(std::string_view text) {
   return mask;
 }
 
-int countPlaces(std::string_view part) { return static_cast<int>(std::count_if(part.begin(), part.end(), isPlace)); }
+int countDigitPositions(std::string_view part) {
+  return static_cast<int>(std::count_if(part.begin(), part.end(), isDigitPosition));
+}
 
-// Digits are put from the right, so that a separator stands before every third one.
+// Writes the whole digits from right to left, with a separator after every third one.
 class WholeDigits {
  public:
   WholeDigits(const Decimal& number, bool groups) : number_(number), groups_(groups) {}
@@ -84,38 +86,39 @@ class WholeDigits {
 
 std::string wholeText(const Decimal& number, const Mask& mask) {
   const std::string_view part = mask.whole;
-  const std::size_t firstPlace = part.find_first_of("0#");
+  const std::size_t firstDigit = part.find_first_of("0#");
   const std::size_t firstZero = part.find('0');
   WholeDigits digits(number, mask.groups);
   std::string reversed;
-  if (firstPlace == std::string_view::npos) {
+  if (firstDigit == std::string_view::npos) {
     while (digits.left()) digits.put(reversed);
   }
   for (std::size_t i = part.size(); i-- > 0;) {
-    if (!isPlace(part[i])) {
+    if (!isDigitPosition(part[i])) {
       if (part[i] != ',') reversed += part[i];
       continue;
     }
     const bool forced = firstZero != std::string_view::npos && i >= firstZero;
     if (digits.left() || forced) digits.put(reversed);
-    if (i != firstPlace) continue;
+    if (i != firstDigit) continue;
     while (digits.left()) digits.put(reversed);
   }
   return {reversed.rbegin(), reversed.rend()};
 }
 
 std::string fractionText(const Decimal& number, std::string_view part) {
-  // Places up to the last "0" and to the last digit there is are written; a "#" behind both is nothing.
+  // Written are the digits up to the last "0" of the mask and up to the number's last one; a later "#" writes nothing.
   const std::size_t lastZero = part.rfind('0');
-  const int written = std::max(lastZero == std::string_view::npos ? 0 : countPlaces(part.substr(0, lastZero + 1)),
-                               static_cast<int>(number.digits.size()) - number.point);
+  const int written =
+      std::max(lastZero == std::string_view::npos ? 0 : countDigitPositions(part.substr(0, lastZero + 1)),
+               static_cast<int>(number.digits.size()) - number.point);
   std::string text;
-  int place = 0;
+  int position = 0;
   for (const char c : part) {
-    if (!isPlace(c)) {
+    if (!isDigitPosition(c)) {
       text += c;
-    } else if (place++ < written) {
-      text += number.digitAt(number.point + place - 1);
+    } else if (position++ < written) {
+      text += number.digitAt(number.point + position - 1);
     }
   }
   return text;
@@ -123,8 +126,8 @@ std::string fractionText(const Decimal& number, std::string_view part) {
 
 std::string byMask(Decimal number, std::string_view maskText) {
   const Mask mask = readMask(maskText);
-  if (countPlaces(maskText) == 0) return std::string(maskText);
-  roundTo(number, countPlaces(mask.fraction), Tie::AwayFromZero);
+  if (countDigitPositions(maskText) == 0) return std::string(maskText);
+  roundTo(number, countDigitPositions(mask.fraction), Tie::AwayFromZero);
   std::string text = number.negative ? "-" : "";
   text += wholeText(number, mask);
   if (mask.hasPoint) text += "." + fractionText(number, mask.fraction);
@@ -134,18 +137,18 @@ std::string byMask(Decimal number, std::string_view maskText) {
 double rounded(double value, int decimals, Tie tie) {
   if (!std::isfinite(value)) return value;
   Decimal number = decimalOf(value);
-  const int places = static_cast<int>(number.digits.size()) - number.point;
-  if (places <= decimals) return value;  // all fifteen digits stay, so the number does
+  const int decimalsNeeded = static_cast<int>(number.digits.size()) - number.point;
+  if (decimalsNeeded <= decimals) return value;  // no digit is dropped, so the number is unchanged
   roundTo(number, decimals, tie);
   return toDouble(number).value_or(value);
 }
 
 }  // namespace
 
-std::string plainNumber(std::int64_t value) { return exactForm(decimalOf(value, 0)); }
-std::string plainNumber(Money value) { return exactForm(decimalOf(value.tenThousandths(), 4)); }
-std::string plainNumber(float value) { return plainForm(decimalOf(value), 7); }
-std::string plainNumber(double value) { return plainForm(decimalOf(value), 15); }
+std::string plainNumber(std::int64_t value) { return exactText(decimalOf(value, 0)); }
+std::string plainNumber(Money value) { return exactText(decimalOf(value.tenThousandths(), 4)); }
+std::string plainNumber(float value) { return plainText(decimalOf(value), 7); }
+std::string plainNumber(double value) { return plainText(decimalOf(value), 15); }
 
 std::string formatNumber(std::int64_t value, std::string_view mask) { return byMask(decimalOf(value, 0), mask); }
 std::string formatNumber(Money value, std::string_view mask) {

@@ -18,7 +18,7 @@ class SystemClock final : public Clock {
 
 std::uint32_t randomWord() {
   std::uint32_t word = 0;
-  // Up to 256 bytes come whole once the system's pool is seeded; only a signal while it seeds interrupts.
+  // Up to 256 bytes come in one piece once the system's pool is seeded; only before that can a signal interrupt.
   while (::getrandom(&word, sizeof word, 0) != static_cast<ssize_t>(sizeof word)) {
   }
   return word;
@@ -28,7 +28,7 @@ class SystemRandom final : public RandomSource {
  public:
   std::uint32_t below(std::uint32_t limit) override {
     if (limit <= 1) return 0;
-    // The words below 2^32 modulo limit are thrown away, so that a multiple of limit is left.
+    // Rejecting the words below 2^32 modulo limit leaves a multiple of limit, so that each remainder is equally likely.
     const std::uint32_t surplus = (0U - limit) % limit;
     for (;;) {
       const std::uint32_t word = randomWord();

@@ -1,10 +1,11 @@
 #pragma once
-// Time and chance, behind interfaces so that a test can fix both.
+// Time and random numbers as interfaces, so that a test can fix both.
 
 #include <cstdint>
 
 namespace kv {
 
+/// The source of the present time.
 class Clock {
  public:
   virtual ~Clock() = default;
@@ -12,6 +13,7 @@ class Clock {
   virtual double now() = 0;
 };
 
+/// The source of random numbers.
 class RandomSource {
  public:
   virtual ~RandomSource() = default;
@@ -19,8 +21,9 @@ class RandomSource {
   virtual std::uint32_t below(std::uint32_t limit) = 0;
 };
 
-/// The machine's clock, and the operating system's random numbers (fit for a security token).
+/// The machine's clock. The object lives as long as the program.
 Clock& systemClock();
+/// The operating system's random numbers, fit for a security token. The object lives as long as the program.
 RandomSource& systemRandom();
 
 }  // namespace kv

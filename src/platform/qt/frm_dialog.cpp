@@ -25,7 +25,7 @@ std::string textOf(const QPlainTextEdit& field) {
 
 namespace {
 
-/// No pictures on the buttons, as in the message boxes: the words say it.
+/// A button without a picture, as in the message boxes.
 QPushButton* plainButton(QDialogButtonBox& buttons, QDialogButtonBox::StandardButton which, std::string_view caption,
                          std::string_view name) {
   QPushButton* button = buttons.button(which);
@@ -78,8 +78,8 @@ void FormDialog::addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string
 }
 
 void FormDialog::sizeInLetters(int columns, int lines) {
-  const QFontMetrics letters = fontMetrics();
-  resize(sizeHint().expandedTo({letters.averageCharWidth() * columns, letters.lineSpacing() * lines}));
+  const QFontMetrics metrics = fontMetrics();
+  resize(sizeHint().expandedTo({metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines}));
 }
 
 QLabel* labelFor(std::string_view text, QWidget* field) {

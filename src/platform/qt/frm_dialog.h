@@ -1,5 +1,5 @@
 #pragma once
-// What every dialog of the program shares: the result in a text tag, buttons in Italian, labels that belong to their
+// What all dialogs of the program share: the result as a text tag, buttons in Italian, labels that belong to their
 // fields, help by F1 and "?", and sizes that follow the font.
 
 #include <QDialog>
@@ -15,44 +15,51 @@ class QPlainTextEdit;
 
 namespace kv {
 
+/// A UTF-8 text as a text of Qt.
 QString toQt(std::string_view utf8);
+/// A text of Qt as UTF-8.
 std::string fromQt(const QString& text);
 
-/// The whole text of a field of several lines, "\n" between them; blanks that don't break stay what they are.
+/// The whole text of a field of several lines, "\n" between them; non-breaking spaces are kept.
 std::string textOf(const QPlainTextEdit& field);
 
 /// Opens a page of the application's `help`, named as "pagine/template.htm".
 using HelpOpener = std::function<void(std::string_view page)>;
 
-/// A dialog that returns its result in a text tag: "OK" or what its own header tells; empty when it was left by
-/// Annulla, Escape or the close box.
+/// A dialog that returns its result in a text tag: "OK", or what its own header says; empty when it was left by
+/// Annulla, Escape or the close button.
 class FormDialog : public QDialog {
  public:
   FormDialog(std::string_view title, QWidget* parent);
 
+  /// The result of the last exec().
   const std::string& tag() const { return tag_; }
-  /// Closes with a result.
+  /// Closes the dialog with a result.
   void finish(std::string tag);
+  /// Closes the dialog with an empty tag.
   void reject() override;
+  /// Shows the dialog until it is closed, with the usual cursor even during work that shows the wait cursor.
   int exec() override;
 
  protected:
-  /// A row of buttons: the default one, which the dialog connects (Ok of the row), and the one that leaves (Cancel).
+  /// A row of two buttons: the default one (Ok of the row), which the dialog class connects, and the one that closes
+  /// without a result (Cancel).
   QDialogButtonBox* makeButtons(std::string_view accept = "OK", std::string_view leave = "Annulla");
-  /// A row with one button that leaves.
+  /// A row with one button, which closes the dialog without a result.
   QDialogButtonBox* makeClose(std::string_view caption = "Chiudi");
-  /// A "?" beside the buttons, and the key F1; nothing without `help`.
+  /// Adds a "?" beside the buttons and the key F1, which open `page`; nothing when `help` is empty.
   void addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string_view page);
-  /// The size at opening, in letters and lines of the dialog's font.
+  /// Sets the size at opening, in average characters and lines of the dialog's font; at least the layout's own size.
   void sizeInLetters(int columns, int lines);
 
  private:
-  std::string tag_;
+  std::string tag_;  // empty until finish()
 };
 
-/// A label whose "&" letter leads to the field; the field takes the label's words as its name for screen readers.
+/// A label whose shortcut, the character after "&", moves to the field. The label's text becomes the name of the field
+/// for screen readers, unless it has one.
 QLabel* labelFor(std::string_view text, QWidget* field);
-/// A text of several lines that is only read.
+/// A label that breaks its plain text into lines.
 QLabel* wrappedText(std::string_view text);
 /// Names a control: for tests and style, and for screen readers where it has no label or caption of its own.
 template <class Control>
@@ -62,29 +69,31 @@ Control* named(Control* control, std::string_view objectName, std::string_view a
   return control;
 }
 
-/// Gives the picture of a box a word for who can't see it, and takes the text, which is read out by itself, out of the
-/// way of the Tab key.
+/// Names the picture of a message box for screen readers, and takes the text, which they read by themselves, out of the
+/// order of the Tab key.
 void makeReadable(QMessageBox& box);
 
-/// The busy pointer for as long as this stands.
+/// Shows the wait cursor as long as this object lives.
 class BusyPointer {
  public:
+  /// Sets the wait cursor for all windows.
   BusyPointer();
   ~BusyPointer();
   BusyPointer(const BusyPointer&) = delete;
   BusyPointer& operator=(const BusyPointer&) = delete;
 };
 
-/// The usual pointer for as long as this stands, for a box over work that goes on behind it.
+/// Shows the usual cursor as long as this object lives, for a dialog over work that shows the wait cursor.
 class PlainPointer {
  public:
+  /// Sets the usual cursor, when there is a wait cursor to cover.
   PlainPointer();
   ~PlainPointer();
   PlainPointer(const PlainPointer&) = delete;
   PlainPointer& operator=(const PlainPointer&) = delete;
 
  private:
-  bool busy_;
+  bool busy_;  // there was a wait cursor
 };
 
 }  // namespace kv

@@ -43,7 +43,7 @@ constexpr AnswerButton cancelButton{Answer::Cancel, QMessageBox::RejectRole, "An
 constexpr AnswerButton yesButton{Answer::Yes, QMessageBox::YesRole, "&Sì", "cmdSi"};
 constexpr AnswerButton noButton{Answer::No, QMessageBox::NoRole, "&No", "cmdNo"};
 
-/// The consent first, the refusal last.
+/// The accepting button first, the refusing one last: Escape and the close button count as the last one.
 std::vector<AnswerButton> buttonsOf(Buttons buttons) {
   switch (buttons) {
     case Buttons::Ok:

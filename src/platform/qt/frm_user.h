@@ -1,6 +1,6 @@
 #pragma once
-// The user port of the windows: message boxes, the folder choice, progress, and letting the user's clicks through
-// while a long run is on.
+// The user port of the windows: message boxes, the folder choice, progress, and processing of events during a long
+// run.
 
 #include <QElapsedTimer>
 #include <functional>
@@ -13,21 +13,25 @@ class QWidget;
 
 namespace kv {
 
-/// Lets the events through that have gathered. Asked at every step of a run, it does so once in `milliseconds`.
+/// Processes pending events at intervals. A run asks isDue() at every step and calls pump() when it is true.
 class EventPump {
  public:
+  /// The least time between two calls of pump().
   static constexpr int milliseconds = 25;
   EventPump() { since_.start(); }
+  /// Whether `milliseconds` have passed since the last pump().
   bool isDue() const { return since_.elapsed() >= milliseconds; }
-  /// Without `input` keys and clicks wait: nobody listens for a cancel.
+  /// Processes pending events. Without `input`, keys and clicks stay in the queue: nothing could react to them.
   void pump(bool input);
 
  private:
   QElapsedTimer since_;
 };
 
+/// The user in front of the windows.
 class QtUser final : public UserPort {
  public:
+  /// What shows the progress of a run.
   using ProgressTarget = std::function<void(const Progress&)>;
 
   QtUser();
@@ -35,26 +39,32 @@ class QtUser final : public UserPort {
   QtUser(const QtUser&) = delete;
   QtUser& operator=(const QtUser&) = delete;
 
-  /// The window over which boxes open while no other is active; it takes this back (null) before it goes.
+  /// Sets the window over which boxes open while no other is active; null before that window is destroyed.
   void setHome(QWidget* home) { home_ = home; }
 
   /// A message box with OK.
   void message(const std::string& text, Icon icon) override;
-  /// The preset button is the default one; Escape and the close box refuse.
+  /// A message box with the buttons of the question; Escape and the close button count as the last of them.
   Answer question(const Question& question) override;
+  /// The folder dialog of Qt, with captions in Italian.
   std::string chooseFolder(const std::string& prompt, const std::string& initial) override;
-  /// To the target of the run. Outside a run: a small window with the caption, until an empty caption comes.
+  /// Passes the progress to the target of the run. Outside a run: shows a small window with the caption, until an
+  /// empty caption comes.
   void progress(const Progress& progress) override;
-  /// False after cancelRun. Outside a run nothing can be cancelled, and keys and clicks wait.
+  /// Processes events when it is time. False after cancelRun. Outside a run nothing can be cancelled, and keys and
+  /// clicks stay in the queue.
   bool yield() override;
 
-  /// Between these two progress goes to `target` and a cancel counts.
+  /// Starts a run: until endRun, progress goes to `target` and the run can be cancelled.
   void beginRun(ProgressTarget target);
+  /// Makes the next yield() return false; called by the handler of a button.
   void cancelRun() { cancelled_ = true; }
+  /// Ends the run.
   void endRun();
 
  private:
-  QWidget* over() const;
+  QWidget* over() const;  // the parent for a box
+  // The small window outside a run.
   void showStatus(const Progress& progress);
 
   QWidget* home_ = nullptr;

@@ -17,7 +17,7 @@ char32_t folded(char32_t character) {
   if (character >= 0xC0 && character <= 0xDE) return character == 0xD7 ? character : character + 0x20;
   if (character <= 0xFF && character != microSign) return character;
   if (character == microSign || character == dottedCapitalI || character == dotlessSmallI) return character;
-  // By way of the capital, so that all small forms of a letter (the two sigmas) come out as one.
+  // Through upper case, so that all lower-case variants of a character (the two sigmas) become one.
   return static_cast<char32_t>(utf8proc_tolower(utf8proc_toupper(static_cast<utf8proc_int32_t>(character))));
 }
 
@@ -48,7 +48,7 @@ std::string foldCase(std::string_view text) {
 int compareIgnoringCase(std::string_view a, std::string_view b) {
   const std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
-    // Both stand on the start of a character here, as all before it was ASCII.
+    // Both are at the start of a character here, because all before it was ASCII.
     if (!isAscii(a[i]) || !isAscii(b[i])) return foldCase(a.substr(i)).compare(foldCase(b.substr(i)));
     const int difference = lowerAscii(a[i]) - lowerAscii(b[i]);
     if (difference != 0) return difference;

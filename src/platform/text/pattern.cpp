@@ -6,10 +6,10 @@
 namespace kv {
 namespace {
 
-// One step of a pattern: whether it takes a character, and the place behind the step.
+// One step of a pattern: whether it takes a character, and the index of the next step.
 struct Step {
   bool takes = false;
-  std::size_t behind = 0;
+  std::size_t next = 0;
 };
 
 bool isDigit(char32_t c) { return c >= '0' && c <= '9'; }
@@ -61,35 +61,35 @@ Step wildcardStep(std::string_view pattern, std::size_t at, char32_t character) 
   return {unit.character == character, at + unit.length};
 }
 
-// Only the last "*" is ever taken up again: an earlier one could give no more than it gave already. So the time is
-// at most the product of the two lengths.
+// Only the last "*" is ever extended on a mismatch: extending an earlier one could not match more. So the time is at
+// most proportional to the product of the two lengths.
 template <class StepRule>
 bool matches(std::string_view text, std::string_view pattern, StepRule step) {
-  std::size_t at = 0, place = 0;
+  std::size_t at = 0, patternAt = 0;
   std::optional<std::size_t> star;
   std::size_t starText = 0;
   while (at < text.size()) {
-    if (place < pattern.size() && pattern[place] == '*') {
-      star = ++place;
+    if (patternAt < pattern.size() && pattern[patternAt] == '*') {
+      star = ++patternAt;
       starText = at;
-      if (place == pattern.size()) return true;
+      if (patternAt == pattern.size()) return true;
       continue;
     }
     const utf8::Unit unit = utf8::unitAt(text, at);
-    const Step next = place < pattern.size() ? step(pattern, place, unit.character) : Step{};
-    if (next.takes) {
+    const Step rule = patternAt < pattern.size() ? step(pattern, patternAt, unit.character) : Step{};
+    if (rule.takes) {
       at += unit.length;
-      place = next.behind;
+      patternAt = rule.next;
     } else if (star) {
       starText += utf8::unitAt(text, starText).length;
       at = starText;
-      place = *star;
+      patternAt = *star;
     } else {
       return false;
     }
   }
-  while (place < pattern.size() && pattern[place] == '*') ++place;
-  return place == pattern.size();
+  while (patternAt < pattern.size() && pattern[patternAt] == '*') ++patternAt;
+  return patternAt == pattern.size();
 }
 
 }  // namespace

@@ -15,12 +15,13 @@ bool sameAscii(std::string_view a, std::string_view b) {
                     [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
 }
 
-// The places of one byte, each looked for once, so that two of them walk a text in linear time.
+// Finds the occurrences of one byte, each once, so that a search for two bytes (the cases of a letter) takes linear
+// time.
 class ByteScan {
  public:
   ByteScan(std::string_view text, char byte, std::size_t from) : text_(text), byte_(byte), at_(text.find(byte, from)) {}
-  std::size_t from(std::size_t place) {
-    if (at_ < place) at_ = text_.find(byte_, place);
+  std::size_t from(std::size_t start) {
+    if (at_ < start) at_ = text_.find(byte_, start);
     return at_;
   }
 
@@ -30,8 +31,8 @@ class ByteScan {
   std::size_t at_;
 };
 
-// The place behind `count` characters.
-std::size_t placeBehind(std::string_view text, std::size_t count) {
+// The offset in bytes after `count` characters.
+std::size_t offsetAfter(std::string_view text, std::size_t count) {
   std::size_t at = 0;
   for (; count > 0 && at < text.size(); --count) at += utf8::unitAt(text, at).length;
   return at;
@@ -96,11 +97,11 @@ std::size_t characterCount(std::string_view utf8Text) {
 
 std::string_view firstCharacters(std::string_view utf8Text, std::size_t count) {
   if (count >= utf8Text.size()) return utf8Text;
-  return utf8Text.substr(0, placeBehind(utf8Text, count));
+  return utf8Text.substr(0, offsetAfter(utf8Text, count));
 }
 
 bool startsWithIgnoringCase(std::string_view text, std::string_view start) {
-  // Folding turns one character into one, so equal texts have equally many, though not equally many bytes.
+  // Folding turns one character into one, so equal texts have the same number of characters, though not of bytes.
   return equalsIgnoringCase(firstCharacters(text, characterCount(start)), start);
 }
 

@@ -5,7 +5,7 @@
 namespace kv {
 namespace {
 
-// The alias of a language column. `note` stands in brackets, as a name that some SQL dialects keep for themselves.
+// The alias of a language column. `note` is in brackets, because some SQL dialects reserve the name.
 std::string aliasOf(const std::string& name) { return name == "note" ? "[note]" : name; }
 
 void appendColumn(std::string& list, const std::string& text) {
@@ -20,11 +20,11 @@ void appendRule(std::string& list, const TableRule& table, const ColumnRule& rul
     return;
   }
   for (const ColumnInfo& column : spreadColumns(rule)) {
-    // The view of the departments ends in this column's bare name.
+    // The view of the departments names its last column without the table.
     const bool bare = table.name == "categorie" && column.name == "nascosto";
     appendColumn(list, bare ? column.name : table.name + "." + column.name);
   }
-  // The height of an article's main image has always stood twice; readers by name meet the same value in both.
+  // The view has this column, the height of an article's main image, twice; both have the same value.
   if (qualified == "articoli.imgY0") appendColumn(list, qualified);
 }
 

@@ -44,7 +44,7 @@ Result<> createDatabase(const std::string& path, std::span<const TableInfo> tabl
   if (!database) return fail(database.error());
   auto created = createTables(*database, tables);
   database->close();
-  // A file with half of its tables would pass for a database at the next look.
+  // A file with half of its tables would be taken for a good database the next time.
   if (!created) static_cast<void>(deleteFile(path));
   return created;
 }

@@ -1,7 +1,7 @@
 #pragma once
-// The tables of every database of a shop, and the language view with which readers fetch them. Languages 2 to 4 of a
-// text live in columns with the suffixes _l2 to _l4, price lists (listini) 1 to 9 in columns with that digit behind
-// the name; both families are made by loops over the suffix tables below.
+// The tables of every database of a shop, and the language view through which they are read. Languages 2 to 4 of a
+// text are in columns with the suffixes _l2 to _l4, price lists (listini) 1 to 9 in columns with that digit after the
+// name; both families are made by loops over the suffix tables below.
 
 #include <array>
 #include <span>
@@ -14,7 +14,9 @@
 
 namespace kv {
 
+/// The most languages of a shop.
 constexpr int maxLanguages = 4;
+/// The number of price lists (listini), counted from 0.
 constexpr int listini = 10;
 
 /// Suffixes of the language columns and files, language 1 first.
@@ -30,11 +32,11 @@ std::vector<TableInfo> catalogueTables();
 /// source.new: `categoria` (the page tag row) and `articoli` (the derived article rows).
 std::vector<TableInfo> tagDatabaseTables();
 /// new.mdb: categorie, opcodici, opzioni and articoli of each language, dettaglio, ordinamento. `ID` has an index of
-/// its own in each; no column needs a default; names are no reserved words of MySQL; text is as wide as it needs so
-/// that a row fits what InnoDB accepts. Every language-dependent column of the derived row stands in
-/// articoli<suffix>, each other column in dettaglio or ordinamento, none in two of the three but ID.
+/// its own in each; no column needs a default; no name is a reserved word of MySQL; text is only as wide as needed,
+/// so that InnoDB accepts a row. Every language-dependent column of the derived row is in articoli<suffix>, every
+/// other one in dettaglio or ordinamento; only ID is in more than one of the three.
 std::vector<TableInfo> buildDatabaseTables();
-/// kvftp.mdb: `file`.
+/// kvftp.mdb: the table `file`, one row for each file of the site.
 std::vector<TableInfo> transferTables();
 
 /// The 97 columns of the page tag row, in order.
@@ -46,13 +48,14 @@ std::vector<ColumnInfo> derivedArticleColumns();
 int languageOfSuffix(std::string_view suffix);
 
 /// SelezionaLingua (language view): the SELECT with which a reader sees a table in one language, language columns
-/// under their bare names. `rest` follows after one blank when not empty. For language 1 it is "SELECT * FROM table";
-/// for 2 to 4 and a table other than articoli, categorie, opzioni, dettagliop, pagamento, generale the result is
-/// empty: there is no such view. A language other than 1 to 4 counts as 1.
+/// under their names without suffix. `rest` follows after one space when not empty. For language 1 it is "SELECT * FROM
+/// table"; for 2 to 4 and a table other than articoli, categorie, opzioni, dettagliop, pagamento, generale the result
+/// is empty: there is no such view. A language other than 1 to 4 counts as 1.
 std::string SelezionaLingua(std::string_view table, int language, std::string_view rest = "");
+/// The same, the language given by its suffix.
 std::string SelezionaLingua(std::string_view table, std::string_view suffix, std::string_view rest = "");
 
-/// Creates a database file with these tables. Exists when the file is there.
+/// Creates a database file with these tables. Exists when the file is there; after any other failure it is removed.
 Result<> createDatabase(const std::string& path, std::span<const TableInfo> tables);
 
 }  // namespace kv

@@ -171,7 +171,7 @@ std::vector<ColumnRule> derivedRules() {
 
 enum class Home { Articles, Details, Order };
 
-// Which of the three tables carries a column of the derived row; `ID` stands in each of them.
+// Which of the three tables carries a column of the derived row; `ID` is in each of them.
 Home homeOf(std::string_view column) {
   if (std::ranges::find(languageColumns, column) != languageColumns.end()) return Home::Articles;
   const bool amount = column.starts_with("implistino") || column.starts_with("importo");
@@ -184,8 +184,8 @@ void appendDerived(TableInfo& table, Home home) {
   }
 }
 
-// A table as it goes to the web server. The look-up of single rows, there and in the difference between two
-// builds, goes by `ID`.
+// A table as it goes to the web server. Single rows are looked up by `ID`, there and in the comparison of two
+// builds.
 TableInfo exported(const TableRule& rule) {
   TableInfo table = spreadTable(rule);
   IndexInfo index;

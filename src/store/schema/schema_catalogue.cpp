@@ -126,7 +126,7 @@ void addIndex(TableInfo& table, std::vector<std::string> columns, bool unique = 
 TableInfo departments() {
   TableInfo table = withAutomaticKey(spreadTable(categorieRule()), "contatore");
   table.columns[static_cast<std::size_t>(table.columnIndex("ID"))].required = true;
-  // `contatore` is the engine's row number, because the key text is formed from it; `ID` is kept unique beside it.
+  // `contatore` is the engine's row number, because the text key `ID` is formed from it; `ID` is unique as well.
   addIndex(table, {"ID"}, true);
   addIndex(table, {"genitore"});
   return table;

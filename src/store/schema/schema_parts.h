@@ -1,5 +1,5 @@
 #pragma once
-// The pieces of the catalogue's schema that are written down in files of their own.
+// The parts of the catalogue's schema that have files of their own.
 
 #include <vector>
 

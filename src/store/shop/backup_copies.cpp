@@ -30,7 +30,7 @@ std::string copiesFolder(const std::string& shopFolder) { return joinPath(shopFo
 
 int numberIn(std::string_view digits) { return static_cast<int>(leadingNumber(digits)); }
 
-/// "20260712T071500Z" as seconds; empty for a stamp that no clock shows.
+/// "20260712T071500Z" as seconds; empty for a date or time that doesn't exist.
 std::optional<std::int64_t> secondsOf(std::string_view stamp) {
   const chrono::year_month_day day(chrono::year(numberIn(stamp.substr(0, 4))),
                                    chrono::month(static_cast<unsigned>(numberIn(stamp.substr(4, 2)))),
@@ -54,13 +54,13 @@ std::string stampOf(std::int64_t seconds) {
          two(clock.seconds().count()) + "Z";
 }
 
-/// A copy with its place among those of the same second.
+/// A copy with its number among those of the same second.
 struct ListedCopy {
   BackupCopy copy;
   int turn = 1;
 };
 
-/// What a file name tells; empty when it is no copy's.
+/// What a file name says about the copy; empty when it is not the name of a copy.
 std::optional<ListedCopy> parseName(const std::string& name) {
   if (!name.starts_with(nameStart) || !name.ends_with(nameEnd)) return std::nullopt;
   const std::string_view middle =
@@ -108,7 +108,7 @@ Result<std::string> copyPresent(const std::string& shopFolder, Clock& clock) {
   return name;
 }
 
-/// Deletes the oldest beyond those kept. A clock that was set back makes a new copy look old: it stays all the same.
+/// Deletes the oldest beyond those kept. A clock that was set back makes a new copy look old; it is kept nevertheless.
 void dropOldest(const std::string& shopFolder, std::string_view justMade) {
   const auto copies = backupCopies(shopFolder);
   for (std::size_t i = copies.size(), left = copies.size(); i > 0 && left > copiesKept; --i) {
@@ -119,9 +119,9 @@ void dropOldest(const std::string& shopFolder, std::string_view justMade) {
   }
 }
 
-/// A catalogue that is about to be replaced: undoes what a killed writer left in it. A journal that stayed would be
-/// played into the file that comes.
-Result<> settlePresent(const std::string& shopFolder) {
+/// A catalogue that is about to be replaced: undoes the unfinished change of a killed writer. If its journal
+/// stayed, the engine would apply it to the new file.
+Result<> recoverPresent(const std::string& shopFolder) {
   const std::string path = joinPath(shopFolder, catalogueFile);
   if (fileExists(path)) {
     const auto looked = ApriDatabase(path, false);
@@ -162,7 +162,7 @@ std::vector<BackupCopy> backupCopies(const std::string& shopFolder) {
 Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock) {
   auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
   if (!catalogue) return fail(catalogue.error());
-  // Held until the copy is made: no other program changes the file in the meantime.
+  // Open until the copy is made, so that no other program changes the file in the meantime.
   if (auto held = catalogue->begin(); !held) return fail(held.error());
   const auto made = copyPresent(shopFolder, clock);
   if (!made) return fail(made.error());
@@ -188,7 +188,7 @@ Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock
   if (chosen == copies.end()) return fail(ErrorKind::Missing, std::string(name), "no such copy");
   const std::string copy = joinPath(copiesFolder(shopFolder), chosen->name);
   if (auto looked = Database::open(copy, OpenMode::ReadOnly); !looked) return fail(looked.error());
-  if (auto settled = settlePresent(shopFolder); !settled) return settled;
+  if (auto recovered = recoverPresent(shopFolder); !recovered) return recovered;
   const std::string catalogue = joinPath(shopFolder, catalogueFile);
   std::string present;
   if (fileExists(catalogue)) {

@@ -10,23 +10,23 @@ namespace kv {
 
 /// CompattaCatalogo (compact the catalogue): counts this close in the setting `Times` and, at the tenth, rewrites
 /// catalog.mdb without its gaps, unless the setting `Compact` is "0". The catalogue must be closed. The file as it
-/// was stays as catalog.tmp until the next time. Silent: a failure leaves the files in their last state.
+/// was stays as catalog.tmp until the next time. Silent: after a failure the files keep their last state.
 /// The status window is progress with a caption; an empty caption hides it.
 void CompattaCatalogo(const std::string& shopFolder, Environment& env);
 
-/// How a file gets a new name; renameFile outside of tests.
+/// A routine that renames a file; renameFile outside of tests.
 using Rename = std::function<Result<>(const std::string& from, const std::string& to)>;
 
 /// Writes the compacted catalogue and swaps it in. The catalogue is held exclusively from before it is read until the
 /// new file has its name, so that no other program's change can get lost. InUse when another program has it.
 Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename);
 
-/// Puts catalog.tm0 in the place of catalog.mdb, which becomes catalog.tmp. When the second renaming fails the first
-/// is taken back.
+/// Renames catalog.mdb to catalog.tmp and catalog.tm0 to catalog.mdb. When the second renaming fails, the first one is
+/// undone.
 Result<> swapInCompacted(const std::string& shopFolder, const Rename& rename);
 
-/// Puts back the catalogue of a shop whose compaction was cut off between the two renamings, which is told by
-/// catalog.tmp and catalog.tm0 without a catalog.mdb.
+/// Restores the catalogue of a shop whose compaction was interrupted between the two renamings: there are catalog.tmp
+/// and catalog.tm0 but no catalog.mdb.
 void recoverCatalogue(const std::string& shopFolder);
 
 }  // namespace kv

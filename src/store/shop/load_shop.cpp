@@ -46,7 +46,7 @@ void completeShop(const Session& session, const Environment& env) {
 }
 
 LoadResult offerAnotherShop(Session& session, Environment& env) {
-  // The folder just refused may be chosen again, and is then judged by its file.
+  // The folder just refused may be chosen again; then its files decide.
   session.catalogue.close();
   const Answer answer = env.user.question({incompatible, Buttons::YesNo, Answer::Yes, Icon::Question});
   if (answer == Answer::Yes && ApriNegozio(session, env, "*")) return LoadResult::Replaced;
@@ -67,7 +67,7 @@ Result<> storeSetting(Session& session, const std::string& column, const std::st
   return statement->execute();
 }
 
-/// A working folder: its column, the folder that serves when the column is empty, and its place in the session.
+/// A working folder: its column, the default when the column is empty, and its field in the session.
 struct WorkingFolder {
   const char* column;
   const char* name;
@@ -84,7 +84,7 @@ Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder&
   if (env.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
   if (auto stored = storeSetting(session, working.column, ""); !stored) return stored;
   folder = joinPath(session.ShopFolder, working.name);
-  // A default folder that cannot be made is like any other that is missing: the build reports it.
+  // A default folder that cannot be created counts as missing: the build reports it.
   static_cast<void>(createFolder(folder));
   return {};
 }

@@ -1,6 +1,6 @@
 #pragma once
-// Loading the shop that `ShopFolder` names into the session: the catalogue is opened exclusively, and everything
-// that the other folders read of the session is filled in.
+// Loading the shop that `ShopFolder` names into the session: the catalogue is opened exclusively, and every field that
+// other folders read is filled.
 
 #include <string>
 #include <vector>
@@ -9,6 +9,7 @@
 
 namespace kv {
 
+/// How loading ended.
 enum class LoadResult {
   Failed = 0,   ///< no shop; the main window closes
   Opened = 1,   ///< the session is filled
@@ -18,16 +19,16 @@ enum class LoadResult {
 /// CaricaNegozio (load the shop): opens the folder named by `ShopFolder` in this session. Shows its own messages;
 /// after Failed the catalogue is closed.
 /// The hooks CompletaGateway, CopiaCatalogo and AggiornaNegozio run before the session's own handle exists. The last
-/// two are left out for a catalogue below version 1000: it is foreign, and would be stamped with the present version.
+/// two are left out for a catalogue below version 1000: it is foreign, and would get the present version number.
 LoadResult CaricaNegozio(Session& session, Environment& env);
 
-/// Lets go of the bindings and closes the catalogue; the rest of the session stays.
+/// Releases the bindings of the window and closes the catalogue; the rest of the session stays.
 void releaseCatalogue(Session& session, const Environment& env);
 
 /// The page models of an installed template: the names of its files modello*.htm, less ".htm".
 std::vector<std::string> templateModels(const std::string& applicationFolder, const std::string& name);
 
-/// The template choice: asks through the hook frmTemplate, opened on `current`; a choice, cut to 50 letters, is
+/// The template choice: asks through the hook frmTemplate, with `current` selected; a choice, cut to 50 characters, is
 /// stored in `generale`, and the session's template path and models follow it. False when left without a choice.
 Result<bool> chooseTemplate(Session& session, const Environment& env, const std::string& current);
 
@@ -35,7 +36,7 @@ Result<bool> chooseTemplate(Session& session, const Environment& env, const std:
 /// Corrupt when the table has no row.
 Result<> readLanguages(Session& session);
 
-/// Counts the articles again and renews the status line.
+/// Counts the articles again and updates the status line.
 Result<> countArticles(Session& session);
 
 }  // namespace kv

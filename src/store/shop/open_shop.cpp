@@ -18,7 +18,7 @@ constexpr const char* chooseAnother =
     "La cartella selezionata non contiene un negozio\n(oppure il negozio contenuto è corrotto)\n\n"
     "Selezionare un'altra cartella?";
 
-/// A folder that a shop may bring along, and the question before it goes into the application folder.
+/// A folder that a shop may contain, and the question before it is copied into the application folder.
 struct Bundle {
   std::string_view folder;
   const char* question;
@@ -48,7 +48,7 @@ Result<> importBundles(const std::string& folder, Environment& env) {
   return {};
 }
 
-// Makes an accepted folder the current one. On failure serverpath.net says what it said before.
+// Makes an accepted folder the current one. On failure serverpath.net is as before.
 Result<> takeFolder(const std::string& folder, Environment& env) {
   const ServerPathBackup before(env.applicationFolder);
   if (isApplicationFolder(folder, env.applicationFolder)) return clearServerPath(env.applicationFolder);
@@ -82,7 +82,7 @@ Outcome tryFolder(Session& session, Environment& env, const std::string& path) {
   return takeFolder(path, env) ? Outcome::Accepted : offerAnother(env);
 }
 
-// Lays the model shop into the folder. What a failure leaves behind must not pass for a shop at the next try.
+// Copies the model shop into the folder. After a failure the remains must not pass for a shop at the next try.
 bool layModelShop(const std::string& folder, const Environment& env) {
   if (CopiaAlbero(joinPath(env.applicationFolder, "new"), folder)) return true;
   static_cast<void>(deleteFile(joinPath(folder, catalogueFile)));

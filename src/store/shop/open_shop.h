@@ -1,6 +1,6 @@
 #pragma once
-// Choosing a shop: opening a folder and making a new one. Both end in a restart of the session on the new folder; a
-// folder that is refused leaves the running session as it was.
+// Choosing a shop: opening a folder and making a new one. Both restart the session on the new folder; a folder
+// that is refused leaves the running session as it was.
 
 #include <string>
 
@@ -15,7 +15,7 @@ namespace kv {
 /// is off.
 bool ApriNegozio(Session& session, Environment& env, std::string path);
 
-/// NuovoNegozio (new shop): asks for a folder, lays the application's model shop into it and opens it. The folder
+/// NuovoNegozio (new shop): asks for a folder, copies the application's model shop into it and opens it. The folder
 /// may hold files, but no catalogue. True when the new shop was accepted by ApriNegozio.
 bool NuovoNegozio(Session& session, Environment& env);
 

@@ -7,13 +7,13 @@ namespace kv {
 namespace {
 
 constexpr const char* renumberArticles =
-    "UPDATE articoli SET ordinamento = wanted.place FROM (SELECT ID AS number, ordinamento AS present, "
-    "95 + 5 * row_number() OVER (ORDER BY catID, ordinamento, ID) AS place FROM articoli) AS wanted "
-    "WHERE articoli.ID = wanted.number AND wanted.place IS NOT wanted.present";
+    "UPDATE articoli SET ordinamento = wanted.position FROM (SELECT ID AS number, ordinamento AS present, "
+    "95 + 5 * row_number() OVER (ORDER BY catID, ordinamento, ID) AS position FROM articoli) AS wanted "
+    "WHERE articoli.ID = wanted.number AND wanted.position IS NOT wanted.present";
 constexpr const char* renumberDepartments =
-    "UPDATE categorie SET ordinamento = wanted.place FROM (SELECT contatore AS number, ordinamento AS present, "
-    "95 + 5 * row_number() OVER (ORDER BY livello, ordinamento, contatore) AS place FROM categorie) AS wanted "
-    "WHERE categorie.contatore = wanted.number AND wanted.place IS NOT wanted.present";
+    "UPDATE categorie SET ordinamento = wanted.position FROM (SELECT contatore AS number, ordinamento AS present, "
+    "95 + 5 * row_number() OVER (ORDER BY livello, ordinamento, contatore) AS position FROM categorie) AS wanted "
+    "WHERE categorie.contatore = wanted.number AND wanted.position IS NOT wanted.present";
 
 void makeRoom(OrderPlan& plan, std::size_t first, std::size_t count) {
   plan.firstMoved = first;
@@ -27,20 +27,20 @@ void makeRoom(OrderPlan& plan, std::size_t first, std::size_t count) {
 OrderPlan planAfter(std::span<const std::int64_t> orders, std::optional<std::size_t> current) {
   OrderPlan plan;
   if (orders.empty()) return plan;
-  const std::size_t place = current.value_or(orders.size() - 1);
-  plan.order = orders[place] + 1;
-  if (place + 1 < orders.size() && orders[place + 1] <= plan.order) makeRoom(plan, place + 1, orders.size());
+  const std::size_t index = current.value_or(orders.size() - 1);
+  plan.order = orders[index] + 1;
+  if (index + 1 < orders.size() && orders[index + 1] <= plan.order) makeRoom(plan, index + 1, orders.size());
   return plan;
 }
 
 OrderPlan planBefore(std::span<const std::int64_t> orders, std::optional<std::size_t> current) {
   OrderPlan plan;
   if (orders.empty()) return plan;
-  const std::size_t place = current.value_or(0);
-  plan.order = orders[place] - 1;
-  if (place == 0 || orders[place - 1] < plan.order) return plan;
-  plan.order = orders[place - 1] + 1;
-  makeRoom(plan, place, orders.size());
+  const std::size_t index = current.value_or(0);
+  plan.order = orders[index] - 1;
+  if (index == 0 || orders[index - 1] < plan.order) return plan;
+  plan.order = orders[index - 1] + 1;
+  makeRoom(plan, index, orders.size());
   return plan;
 }
 
@@ -56,7 +56,7 @@ Result<> renumberCatalogue(Database& catalogue) {
 }
 
 void renumberShop(const std::string& shopFolder) {
-  // A catalogue that can't be opened or written is told of when the session opens it.
+  // A catalogue that can't be opened or written is reported when the session opens it.
   auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
   if (catalogue) static_cast<void>(renumberCatalogue(*catalogue));
 }

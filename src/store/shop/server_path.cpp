@@ -39,7 +39,7 @@ Result<> writeServerPath(const std::string& applicationFolder, const std::string
     return fail(ErrorKind::Malformed, file, "the folder's name holds a line end");
   std::string line = toWindows1252(shopFolder);
   if (fromWindows1252(line) != shopFolder) line = std::string(byteOrderMark) + shopFolder;
-  // Readers trim the line; a separator keeps the blank of a name that ends in one.
+  // Readers trim the line; a separator protects the space of a name that ends in one.
   if (line.ends_with(' ')) line += '/';
   return writeBytes(file, line + "\r\n");
 }

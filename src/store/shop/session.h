@@ -1,6 +1,6 @@
 #pragma once
-// The session: the one shop that is open, and what every other folder reads of it. A change of shop never happens in
-// place; the session is torn down and filled again from `serverpath.net`.
+// The session: the one shop that is open, and what every other folder reads of it. A change of shop never
+// modifies it; the session is torn down and filled again from `serverpath.net`.
 
 #include <array>
 #include <cstdint>
@@ -16,7 +16,7 @@
 
 namespace kv {
 
-/// The section of the settings store that all program settings live in.
+/// The section of the settings store that holds all program settings.
 inline constexpr std::string_view settingsSection = "AppIni";
 
 /// The record of the open shop, valid from a successful CaricaNegozio until the session is torn down.
@@ -46,8 +46,8 @@ struct Session {
 
 struct Environment;
 
-/// Steps of higher folders that belong into the order of opening a shop. The program wires them; a hook that is not
-/// set is a step that program does not have.
+/// Steps of higher folders that are part of opening a shop. The program sets them; a hook that is not set is a step
+/// that the program does not have.
 struct SessionHooks {
   /// Completes the gateway folders of a shop, before its catalogue is opened.
   std::function<void(const std::string& shopFolder)> CompletaGateway;
@@ -57,16 +57,16 @@ struct SessionHooks {
   std::function<void(const std::string& shopFolder)> AggiornaNegozio;
   /// Binds the lists of the window to the catalogue that has just been opened, and builds the department tree.
   std::function<void(Session& session)> bind;
-  /// Lets go of what `bind` took hold of, before the catalogue is closed. Called once for each bind.
+  /// Releases what `bind` has bound, before the catalogue is closed. Called once for each bind.
   std::function<void(Session& session)> release;
   /// Loads the main window again after the session was torn down; it runs loadSession. Not set: RiavviaSessione runs
   /// loadSession itself.
   std::function<void()> reload;
-  /// The template choice: returns the chosen name (50 letters at most), or an empty text when left without a choice.
+  /// The template choice: returns the chosen name (50 characters at most), or an empty text when left without a choice.
   std::function<std::string(const std::string& current)> frmTemplate;
 };
 
-/// What a session works with. References outlive it.
+/// What a session works with besides the shop: the user, the settings, time and random numbers. References outlive it.
 struct Environment {
   UserPort& user;
   Settings& settings;

@@ -11,8 +11,8 @@
 namespace kv {
 namespace {
 
-// A setting that can't be stored is no reason not to start: it is settled anew each time.
-void settleSettings(Session& session, Environment& env) {
+// A setting that can't be stored is no reason not to start: it is written again at each start.
+void storeStartSettings(Session& session, Environment& env) {
   if (env.settings.get(settingsSection, "smartbuild").empty())
     static_cast<void>(env.settings.set(settingsSection, "smartbuild", "1"));
   session.smartBuild = wantsSmartBuild(env.settings);
@@ -22,7 +22,7 @@ void settleSettings(Session& session, Environment& env) {
 void tearDown(Session& session, const Environment& env) {
   releaseCatalogue(session, env);
   Session fresh;
-  // These speak about the load that follows, or about the program and not the shop.
+  // These fields concern the load that follows, or the program and not the shop.
   fresh.quiet = session.quiet;
   fresh.silentReload = session.silentReload;
   fresh.smartBuild = session.smartBuild;
@@ -49,7 +49,7 @@ bool wantsSmartBuild(const Settings& settings) {
 }
 
 LoadResult startSession(Session& session, Environment& env) {
-  settleSettings(session, env);
+  storeStartSettings(session, env);
   return loadSession(session, env);
 }
 

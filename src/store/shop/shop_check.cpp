@@ -23,7 +23,7 @@ constexpr std::array<std::string_view, 4> workingFolders{"work", "online", "scri
 
 bool makeWorkingFolders(const std::string& folder) {
   for (std::string_view name : workingFolders) {
-    // Whether it could be made shows in the test.
+    // The test that follows shows whether it could be created.
     static_cast<void>(createFolder(joinPath(folder, name)));
     if (!folderExists(joinPath(folder, name))) return false;
   }

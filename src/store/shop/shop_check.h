@@ -17,6 +17,7 @@ enum class ShopFault {
   DatabaseFailure  ///< the catalogue could not be read
 };
 
+/// The result of a check.
 struct ShopCheck {
   bool ok = false;
   ShopFault kind = ShopFault::None;
@@ -30,7 +31,7 @@ constexpr int lastVersion = 1099;
 constexpr int firstOwnVersion = 299;
 
 /// Judges a folder. Makes `work`, `online`, `scripts` and `db` in it when they are missing. `own` is the handle of
-/// the running session, or null: the catalogue it holds is read through it, because no second look gets past it.
+/// the running session, or null: the catalogue it holds is read through it, because its lock excludes any other.
 ShopCheck validateShop(const std::string& folder, Database* own = nullptr);
 
 }  // namespace kv

@@ -20,8 +20,8 @@ std::string ScegliCartella(UserPort& user, const std::string& prompt, const std:
 
 Result<Database> ApriDatabase(const std::string& path, bool exclusive) {
   auto opened = Database::open(path, exclusive ? OpenMode::Exclusive : OpenMode::Shared);
-  // A shop copied from a read-only medium must get past a look at its version, so that loading it can offer the
-  // repair.
+  // Reading the version of a shop that was copied from a read-only medium must succeed, so that loading it can offer
+  // the repair.
   if (!opened && !exclusive && opened.error().kind == ErrorKind::ReadOnly)
     return Database::open(path, OpenMode::ReadOnly);
   return opened;

@@ -21,18 +21,18 @@ inline constexpr std::string_view languagesFolder = "languages";
 /// The path without separators at its end; a root keeps its own.
 std::string withoutTrailingSeparator(std::string_view path);
 
-/// Whether a folder is the application folder; upper and lower case count as equal.
+/// Whether a folder is the application folder; case is ignored.
 bool isApplicationFolder(std::string_view folder, std::string_view applicationFolder);
 
-/// ScegliCartella (choose a folder): modal choice. The path without trailing separator, empty when cancelled.
+/// ScegliCartella (choose a folder): asks the user for one. The path without trailing separator, empty when cancelled.
 std::string ScegliCartella(UserPort& user, const std::string& prompt, const std::string& initial);
 
-/// ApriDatabase (open a database): exclusive for the session's own handle, shared for a short look into a file. A
-/// look at a file that may not be written opens it read-only. Failures: as Database::open.
+/// ApriDatabase (open a database): exclusive for the session's own handle, shared for reading a few values. A
+/// shared file that may not be written is opened read-only. Failures: as Database::open.
 Result<Database> ApriDatabase(const std::string& path, bool exclusive);
 
 /// CopiaAlbero (copy a tree): lists the source first, creates each folder under `to`, `to` with its parents included,
-/// then copies each file over what stands there. Stops at the first failure.
+/// then copies each file over the one there. Stops at the first failure.
 Result<> CopiaAlbero(const std::string& from, const std::string& to);
 
 /// SvuotaCartella (empty a folder): deletes its files, subfolders untouched.

@@ -124,7 +124,7 @@ void frmTags::removeTag() {
   const int row = current();
   if (row < 0) return;
   {
-    // The list speaks of a current row in the middle of its removal, when places in list and editor differ.
+    // The list reports a current row in the middle of its removal, when the indexes of list and editor differ.
     const QSignalBlocker quiet(lstTag_);
     delete lstTag_->takeItem(row);
     editor_.remove(static_cast<std::size_t>(row));

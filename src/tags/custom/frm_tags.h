@@ -1,5 +1,5 @@
 #pragma once
-// The merchant's own tags.
+// The dialog of the merchant's own tags: a list, and the fields of the tag selected in it.
 
 #include <string_view>
 
@@ -18,22 +18,23 @@ namespace kv {
 /// The tag is "OK" when the files have been written.
 class frmTags final : public FormDialog {
  public:
-  /// `session` and `with` outlive the dialog.
+  /// `session` and `env` outlive the dialog.
   frmTags(Session& session, Environment& env, QWidget* parent = nullptr);
 
  private:
   QWidget* makeList();
   QWidget* makeFields();
-  int current() const;
-  void showTag();
-  void addTag();
-  void removeTag();
-  void nameTyped();
-  void save();
+  int current() const;  // index of the selected tag; -1 when there is none
+  void showTag();       // fills the fields
+  void addTag();        // Nuovo; a message at the limit
+  void removeTag();     // Elimina
+  void nameTyped();     // updates the line of the list
+  void save();          // writes the files and closes, or shows the failure
 
   Session& session_;
   Environment& env_;
-  TagEditor editor_;
+  TagEditor editor_;  // what the fields show
+  // Controls under their given names; Qt owns them.
   QListWidget* lstTag_ = nullptr;
   QLineEdit* txtNome_ = nullptr;
   QPlainTextEdit* txtContenuto_ = nullptr;
@@ -41,7 +42,7 @@ class frmTags final : public FormDialog {
   QRadioButton* optTutti_ = nullptr;
   QCheckBox* chkAbilita_ = nullptr;
   QPushButton* cmdElimina_ = nullptr;
-  bool showing_ = false;  ///< fields are being filled: nothing of it is the user's typing
+  bool showing_ = false;  ///< the fields are being filled: their signals are not the user's typing
 };
 
 }  // namespace kv

@@ -10,7 +10,7 @@ namespace {
 
 std::string withoutLineEnds(std::string_view text) {
   std::string line(text);
-  std::erase_if(line, [](char letter) { return letter == '\r' || letter == '\n'; });
+  std::erase_if(line, [](char character) { return character == '\r' || character == '\n'; });
   return line;
 }
 
@@ -18,12 +18,12 @@ std::string withCrLf(std::string_view text) {
   return replaceAll(replaceAll(replaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
 }
 
-/// Where a file stands, whatever the case of its name.
+/// The path of a file, its name found without regard to case.
 std::string placeOf(const std::string& folder, std::string_view name) {
   return findEntry(folder, name).value_or(joinPath(folder, name));
 }
 
-/// What stands at `stem`.tag becomes `stem`.bak, over the one of last time. True when there was something.
+/// Renames `stem`.tag to `stem`.bak, over the one of last time. True when there was such a file.
 Result<bool> setAside(const std::string& folder, const std::string& stem) {
   const std::string file = placeOf(folder, stem + ".tag");
   if (!fileExists(file)) return false;
@@ -35,7 +35,7 @@ Result<bool> setAside(const std::string& folder, const std::string& stem) {
   return true;
 }
 
-/// `stem`.new becomes `stem`.tag; the old one is put back when that fails.
+/// Renames `stem`.new to `stem`.tag; the old one is restored when that fails.
 Result<> takeInUse(const std::string& folder, const std::string& stem) {
   const auto hadOld = setAside(folder, stem);
   if (!hadOld) return fail(hadOld.error());
@@ -62,24 +62,24 @@ TagEditor TagEditor::load(Session& session, const std::string& applicationFolder
   return editor;
 }
 
-std::string TagEditor::line(std::size_t place) const {
-  const std::string& name = tags_[place].name;
+std::string TagEditor::line(std::size_t index) const {
+  const std::string& name = tags_[index].name;
   return name.empty() ? std::string() : "<<5-" + name + ">>";
 }
 
 bool TagEditor::add() {
-  if (tags_.size() >= mostTags) return false;
+  if (tags_.size() >= maxTags) return false;
   tags_.emplace_back();
   return true;
 }
 
-void TagEditor::remove(std::size_t place) {
-  if (place < tags_.size()) tags_.erase(tags_.begin() + static_cast<std::ptrdiff_t>(place));
+void TagEditor::remove(std::size_t index) {
+  if (index < tags_.size()) tags_.erase(tags_.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
-void TagEditor::setName(std::size_t place, std::string_view name) { tags_[place].name = withoutLineEnds(name); }
-void TagEditor::setText(std::size_t place, std::string_view text) { tags_[place].text = withCrLf(text); }
-void TagEditor::setOfShop(std::size_t place, bool ofShop) { tags_[place].ofShop = ofShop; }
+void TagEditor::setName(std::size_t index, std::string_view name) { tags_[index].name = withoutLineEnds(name); }
+void TagEditor::setText(std::size_t index, std::string_view text) { tags_[index].text = withCrLf(text); }
+void TagEditor::setOfShop(std::size_t index, bool ofShop) { tags_[index].ofShop = ofShop; }
 
 std::string TagEditor::fileText(bool ofShop) const {
   std::string text;
@@ -92,7 +92,7 @@ std::string TagEditor::fileText(bool ofShop) const {
 
 Result<> TagEditor::save(Session& session, const std::string& applicationFolder) const {
   const std::string ofShop = fileText(true);
-  // Both are written before either is taken into use: a full disk leaves the old ones.
+  // Both are written before either replaces its old file: on a full disk the old ones stay.
   if (auto written = writeText(joinPath(applicationFolder, "personal.new"), fileText(false)); !written) return written;
   if (!ofShop.empty()) {
     if (auto written = writeText(joinPath(session.ShopFolder, "shoptag.new"), ofShop); !written) return written;

@@ -39,13 +39,13 @@ std::string replacementOf(const ReferenceForm& form, std::string_view pageExtens
 }
 
 std::string foldKeepingLength(std::string_view text) {
-  const auto isFurther = [](char letter) { return (letter & 0x80) != 0; };
-  const auto startsCharacter = [](char letter) { return (letter & 0xC0) != 0x80; };
+  const auto isFurther = [](char character) { return (character & 0x80) != 0; };
+  const auto startsCharacter = [](char character) { return (character & 0xC0) != 0x80; };
   std::string folded(text);
   char all = 0;
-  for (char& letter : folded) {
-    all = static_cast<char>(all | letter);
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  for (char& character : folded) {
+    all = static_cast<char>(all | character);
+    if (character >= 'A' && character <= 'Z') character = static_cast<char>(character - 'A' + 'a');
   }
   if (!isFurther(all)) return folded;
   for (auto at = std::find_if(folded.begin(), folded.end(), isFurther); at != folded.end();) {

@@ -1,5 +1,5 @@
 #pragma once
-// What ReplaceString looks for and what it puts in: the forms of a file name, and the pairs of letters that make a
+// What ReplaceString looks for and what it inserts: the forms of a file name, and the pairs of delimiters that make a
 // reference of it.
 
 #include <array>
@@ -9,35 +9,35 @@
 
 namespace kv {
 
-/// The letters before and behind a name in a reference.
+/// The characters before and after a name in a reference.
 struct Delimiters {
-  char open;
-  char close;
+  char open;   ///< directly before the name
+  char close;  ///< directly after it
 };
-/// In the order in which they are looked for.
+/// All pairs, in the order in which they are looked for.
 inline constexpr std::array<Delimiters, 6> referenceDelimiters{
     {{'"', '"'}, {'\'', '\''}, {' ', ' '}, {'=', ' '}, {'=', '>'}, {' ', '>'}}};
 
-/// The tag that a reference gets, before the first "." of its name.
+/// The tag that is inserted into a reference, before the first "." of its name.
 inline constexpr std::string_view languageTag = "<<1-IDlingua>>";
-/// Letters of ".htm", which is what the page extension takes the place of.
+/// The length of ".htm", which the page extension replaces.
 inline constexpr std::size_t pageEnding = 4;
 
-/// One form of a name: as it is, or with "%20" for each blank.
+/// One form of a name: as it is, or with "%20" for each space.
 struct ReferenceForm {
-  std::string name;            ///< as it is put in
+  std::string name;            ///< as it is inserted
   std::string folded;          ///< as it is looked for, see foldKeepingLength
-  std::size_t baseLength = 0;  ///< letters before the first "."
-  bool renamesPage = false;    ///< the first four letters behind the base become the page extension
+  std::size_t baseLength = 0;  ///< bytes before the first "."
+  bool renamesPage = false;    ///< the first four bytes after the base become the page extension
 };
 
-/// The forms of a name in the order of their rounds: two when it holds a blank, none when it is empty.
+/// The forms of a name in the order in which they are replaced: two when it holds a space, none when it is empty.
 std::vector<ReferenceForm> referenceForms(std::string_view nome, std::string_view pageExtension);
 
-/// What takes the place of the name.
+/// The text that replaces the name of a reference.
 std::string replacementOf(const ReferenceForm& form, std::string_view pageExtension);
 
-/// Lower case that leaves every letter at its place: one whose lower form takes more or fewer bytes stays.
+/// Lower case that keeps the index of every character: one whose lower case takes more or fewer bytes stays.
 std::string foldKeepingLength(std::string_view text);
 
 }  // namespace kv

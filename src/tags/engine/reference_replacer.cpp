@@ -1,7 +1,7 @@
-// One walk for a whole list of names. Every reference found in the text as it came is a candidate; a candidate counts
-// unless the replacement of an earlier one, in the order of list, round, delimiters and place, put a tag between its
-// letters. What is put in can't make a reference of its own, because "<" is in no name; lists in which it is, are
-// worked through name by name.
+// One pass for a whole list of names. Every reference found in the original text is a candidate; a candidate counts
+// unless the replacement of an earlier one, in the order of list, form, delimiters and position, has put a tag inside
+// it. The inserted text can't make a reference of its own, because "<" is in no name; a list with a "<" in a name is
+// processed name by name.
 #include <algorithm>
 #include <array>
 #include <bitset>
@@ -17,17 +17,17 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view delimiterLetters = "\"' =>";
+constexpr std::string_view delimiterCharacters = "\"' =>";
 
 constexpr std::array<bool, 256> delimiterTable() {
   std::array<bool, 256> table{};
-  for (const char letter : delimiterLetters) table[static_cast<unsigned char>(letter)] = true;
+  for (const char character : delimiterCharacters) table[static_cast<unsigned char>(character)] = true;
   return table;
 }
 constexpr std::array<bool, 256> delimiters = delimiterTable();
-constexpr auto isDelimiter = [](char letter) { return delimiters[static_cast<unsigned char>(letter)]; };
+constexpr auto isDelimiter = [](char character) { return delimiters[static_cast<unsigned char>(character)]; };
 
-/// The position of a pair in referenceDelimiters; its size when they are no pair.
+/// The index of a pair in referenceDelimiters; its size when they are no pair.
 std::size_t pairOf(char open, char close) {
   const auto same = [&](const Delimiters& pair) { return pair.open == open && pair.close == close; };
   const auto at = std::find_if(referenceDelimiters.begin(), referenceDelimiters.end(), same);
@@ -37,7 +37,7 @@ std::size_t pairOf(char open, char close) {
 struct Candidate {
   std::size_t form;
   std::size_t pair;
-  std::size_t place;  ///< of the letter before the name
+  std::size_t position;  ///< of the character before the name
 };
 
 }  // namespace
@@ -46,11 +46,11 @@ struct ReferenceReplacer::Index {
   std::vector<std::string> names;
   std::string pageExtension;
   bool oneWalk = true;
-  std::vector<ReferenceForm> forms;  ///< in the order of their turn
+  std::vector<ReferenceForm> forms;  ///< in the order in which they are replaced
   bool hasDelimiters = false;        ///< in a form: candidates may then overlap
-  /// Forms by their letters up to the first delimiter.
+  /// Forms by their text up to the first delimiter.
   std::unordered_map<std::string, std::vector<std::size_t>, TextHash, std::equal_to<>> byStart;
-  std::bitset<8192> starts;  ///< which lengths and last letters of a start occur
+  std::bitset<8192> starts;  ///< which lengths and last bytes of a start occur
 
   static std::size_t mark(std::string_view start) {
     return start.empty() ? 0 : (start.size() & 31U) * 256 + static_cast<unsigned char>(start.back());
@@ -75,7 +75,7 @@ void ReferenceReplacer::Index::addForm(ReferenceForm form) {
   forms.push_back(std::move(form));
 }
 
-/// Adds what the letters from behind `open` on refer to; `end` is the next delimiter.
+/// Adds the candidates whose names begin after the delimiter at `open`; `end` is the next delimiter.
 void ReferenceReplacer::Index::addCandidates(std::string_view folded, std::size_t open, std::size_t end,
                                              std::vector<Candidate>& found) const {
   const std::string_view start = folded.substr(open + 1, end - open - 1);
@@ -104,36 +104,36 @@ std::vector<Candidate> ReferenceReplacer::Index::candidates(std::string_view fol
   return found;
 }
 
-/// Leaves the candidates that count, in the order of their turn.
+/// Removes the candidates that don't count and sorts the rest by the order of replacement.
 void ReferenceReplacer::Index::dropBroken(std::vector<Candidate>& found) const {
   std::sort(found.begin(), found.end(), [](const Candidate& a, const Candidate& b) {
-    return std::tie(a.form, a.pair, a.place) < std::tie(b.form, b.pair, b.place);
+    return std::tie(a.form, a.pair, a.position) < std::tie(b.form, b.pair, b.position);
   });
-  std::set<std::size_t> tags;  // before which letters a tag was put
+  std::set<std::size_t> tags;  // the offsets at which a tag was inserted
   const auto isBroken = [&](const Candidate& candidate) {
-    const auto next = tags.upper_bound(candidate.place);
-    if (next != tags.end() && *next <= candidate.place + 1 + forms[candidate.form].folded.size()) return true;
-    tags.insert(candidate.place + 1 + forms[candidate.form].baseLength);
+    const auto next = tags.upper_bound(candidate.position);
+    if (next != tags.end() && *next <= candidate.position + 1 + forms[candidate.form].folded.size()) return true;
+    tags.insert(candidate.position + 1 + forms[candidate.form].baseLength);
     return false;
   };
   found.erase(std::remove_if(found.begin(), found.end(), isBroken), found.end());
 }
 
-/// Makes the replacements: first the letters of the names, of which a later one may lie behind the base of an earlier
-/// one, then the tags.
+/// Makes the replacements: first the names, of which a later one may begin after the base of an earlier one, then the
+/// tags.
 std::string ReferenceReplacer::Index::replaced(std::string text, std::vector<Candidate>& found) const {
-  for (const auto& [number, pair, place] : found) {
+  for (const auto& [number, pair, position] : found) {
     const std::string& name = forms[number].name;
-    std::copy(name.begin(), name.end(), text.begin() + static_cast<std::ptrdiff_t>(place) + 1);
+    std::copy(name.begin(), name.end(), text.begin() + static_cast<std::ptrdiff_t>(position) + 1);
   }
-  const auto tagPlace = [this](const Candidate& c) { return c.place + 1 + forms[c.form].baseLength; };
+  const auto tagPosition = [this](const Candidate& c) { return c.position + 1 + forms[c.form].baseLength; };
   std::sort(found.begin(), found.end(),
-            [&](const Candidate& a, const Candidate& b) { return tagPlace(a) < tagPlace(b); });
+            [&](const Candidate& a, const Candidate& b) { return tagPosition(a) < tagPosition(b); });
   std::string result;
   result.reserve(text.size() + found.size() * (languageTag.size() + pageExtension.size()));
   std::size_t done = 0;
   for (const Candidate& candidate : found) {
-    const std::size_t at = tagPlace(candidate);
+    const std::size_t at = tagPosition(candidate);
     result.append(text, done, at - done).append(languageTag);
     const bool renamesPage = forms[candidate.form].renamesPage;
     if (renamesPage) result += pageExtension;

@@ -13,15 +13,15 @@ namespace {
 
 constexpr std::string_view closing = ">>";
 constexpr std::size_t prefixSize = 4;  // "<<1-"
-// No column of any store has a name of this length; keeps a run of opened tags from being looked up whole each time.
+// No column has a longer name. The limit keeps a run of opened tags from being looked up as a whole each time.
 constexpr std::size_t longestColumn = 255;
-// Tags that make tags: no template comes near either bound.
+// Tags inside values of tags: no template comes near either limit.
 constexpr int mostNested = 100'000;
 constexpr std::size_t mostNestedBytes = std::size_t{64} << 20U;
 constexpr int missingEnd = 5;
 constexpr int endless = 28;
 
-/// One call of EspandiTag: `out_` is final, the rest is still searched.
+/// One call of EspandiTag: `out_` is final, the pending text is still searched.
 class Expansion {
  public:
   Expansion(std::string_view text, const TagContext& context, int kind)
@@ -54,8 +54,7 @@ class Expansion {
   std::string_view prefix() const { return {prefix_, prefixSize}; }
   std::size_t findTag() const { return pending_.rest().find(prefix()); }
 
-  /// Where the closing brackets of the tag at the front stand. The place is kept, for the tags in front of it that
-  /// stay as they are.
+  /// Index of the closing brackets of the tag at the front. It is kept, for tags before it that stay unchanged.
   std::size_t findEnd() {
     if (knownEnd_ == std::string_view::npos) knownEnd_ = pending_.rest().find(closing, prefixSize);
     return knownEnd_;
@@ -70,15 +69,15 @@ class Expansion {
     drop(count);
   }
 
-  /// Puts a value: what no tag can start in is final at once, the rest is searched with what follows it.
+  /// Inserts a value: the part in which no tag can start is final at once, the rest is searched with what follows.
   void put(std::string_view value) {
     const std::size_t searched = value.empty() ? 0 : firstTagStart(value);
     out_.append(value.substr(0, searched));
     if (searched == value.size()) return;
-    pending_.putInFront(value.substr(searched));
+    pending_.prepend(value.substr(searched));
     knownEnd_ = std::string_view::npos;
   }
-  /// The first place, behind the first letter, from which a tag may start: a prefix, or the start of one at the end.
+  /// The first index, after the first character, at which a tag may start: a prefix, or the start of one at the end.
   std::size_t firstTagStart(std::string_view value) const {
     if (const std::size_t tag = value.find(prefix(), 1); tag != std::string_view::npos) return tag;
     for (std::size_t length = std::min(prefixSize - 1, value.size() - 1); length > 0; --length) {
@@ -124,7 +123,7 @@ class Expansion {
   char prefix_[prefixSize];
   PendingText pending_;
   std::string out_;
-  std::string made_;  // a value that stands in no store
+  std::string made_;  // a value that is computed here
   std::size_t knownEnd_ = std::string_view::npos;
   std::size_t nestedBytes_ = 0;
   int nested_ = 0;

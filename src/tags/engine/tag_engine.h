@@ -14,7 +14,8 @@ namespace kv {
 class LanguageModule;
 class CustomTags;
 
-/// The columns a tag may name. Column names ignore case.
+/// The row that tags of the kinds 1, 2 and 3 name columns of. Column names ignore case.
+/// The values outlive the expansion.
 class TagRow {
  public:
   virtual ~TagRow() = default;
@@ -32,44 +33,46 @@ struct TagContext {
 };
 
 /// EspandiTag (expand tags): the text with every tag of `kind` replaced; a value that holds further tags of that kind
-/// behind its first letter is expanded as well, together with what follows it. Malformed with number 5 when a tag has
-/// no ">>" behind it; with number 28 when the tags inside values come to more than 100,000 or to 64 MiB, as those of
+/// after its first character is expanded as well, together with what follows it. Malformed with number 5 when a tag has
+/// no ">>" after it; with number 28 when the tags inside values come to more than 100,000 or to 64 MiB, as those of
 /// a column do that holds its own tag.
 Result<std::string> EspandiTag(std::string_view testo, const TagContext& context, int kind);
 
-/// NormalizzaTag (normalise tags): turns "&lt;&lt;", "%3C%3C" and their mixed forms back into "<<", likewise ">>".
+/// NormalizzaTag (normalise tags): changes "&lt;&lt;", "%3C%3C" and their mixed forms back into "<<", likewise ">>".
 std::string NormalizzaTag(std::string_view testo);
 /// Whether NormalizzaTag may change the text at all; true for every text that it changes.
 bool needsNormalizzaTag(std::string_view testo);
 
-/// MettiVirgolette (put quotes): each "|" becomes a double quote. NoVirgolette (no quotes): each double quote becomes
-/// an apostrophe.
+/// MettiVirgolette (insert quotes): each "|" becomes a double quote.
 std::string MettiVirgolette(std::string_view testo);
+/// NoVirgolette (no quotes): each double quote becomes an apostrophe.
 std::string NoVirgolette(std::string_view testo);
 
 /// InterpretaCodice (encode a code): % [ ] | ? # = < > as percent codes, for the value of a variant's option.
 std::string InterpretaCodice(std::string_view testo);
-/// StripCodice: "|" becomes a blank; ? # = < > and double quotes go.
+/// StripCodice (strip a code): "|" becomes a space; ? # = < > and double quotes are removed.
 std::string StripCodice(std::string_view testo);
 
 /// ReplaceString: inserts <<1-IDlingua>> before the first "." of each reference to the file `nome`: the name, in any
-/// case, between double quotes, apostrophes or blanks, or between "=" or a blank and ">" or, behind "=", a blank. The
-/// reference takes the case of `nome`. A page's ".htm" becomes `pageExtension`, that of the run (".php"), unless it is
-/// a results page. A name with blanks is looked for with "%20" as well.
+/// case, between double quotes, apostrophes or spaces, or between "=" or a space and ">" or, after "=", a space. The
+/// reference gets the case of `nome`. A page's ".htm" becomes `pageExtension`, that of the run (".php"), unless it is
+/// a results page. A name with spaces is looked for with "%20" as well.
 std::string ReplaceString(std::string_view testo, std::string_view nome, std::string_view pageExtension);
-/// ReplaceString for a whole list of names, in order, with the result of calling it for one after the other; one walk
-/// over the text whatever the length of the list. The list is prepared once.
+/// ReplaceString for a whole list of names, in order, with the result of calling it for one after the other, but in one
+/// pass over the text whatever the length of the list. The list is prepared once.
 class ReferenceReplacer {
  public:
+  /// Prepares the list.
   ReferenceReplacer(const std::vector<std::string>& names, std::string_view pageExtension);
   ~ReferenceReplacer();
   ReferenceReplacer(const ReferenceReplacer&) = delete;
   ReferenceReplacer& operator=(const ReferenceReplacer&) = delete;
+  /// The text with all references replaced.
   std::string apply(std::string_view testo) const;
 
  private:
   struct Index;
-  Index* index_;
+  Index* index_;  // owned; the prepared list
 };
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-// The small rewritings of a whole text that go with tags: brackets repaired, quotes and codes of variant values.
+// Small replacements in a whole text that belong to tags: brackets repaired, quotes and codes of variant values.
 #include <algorithm>
 
 #include "platform/text/text.h"
@@ -25,7 +25,7 @@ void rewrite(std::string& text, const Rewriting (&rewritings)[N]) {
   }
 }
 
-/// Whether `what` occurs in `text`; its first letter is rare, so that looking for that letter alone is the quick way.
+/// Whether `what` occurs in `text`; its first character is rare, so searching for that character alone is fastest.
 bool holds(std::string_view text, std::string_view what) {
   for (std::size_t at = text.find(what.front()); at != std::string_view::npos; at = text.find(what.front(), at + 1)) {
     if (text.compare(at, what.size(), what) == 0) return true;
@@ -41,7 +41,7 @@ bool needsNormalizzaTag(std::string_view testo) {
 
 std::string NormalizzaTag(std::string_view testo) {
   std::string text(testo);
-  // No step makes a letter that an earlier or a later guard looks for.
+  // No step creates a character that an earlier or a later guard looks for.
   if (holds(testo, "&lt;")) rewrite(text, entityOpenings);
   if (holds(testo, "&gt;")) rewrite(text, entityClosings);
   if (holds(testo, "%3")) rewrite(text, codes);
@@ -65,11 +65,11 @@ std::string InterpretaCodice(std::string_view testo) {
   constexpr std::string_view digits = "0123456789ABCDEF";
   std::string text;
   text.reserve(testo.size());
-  for (const char letter : testo) {
-    if (coded.find(letter) == std::string_view::npos) {
-      text += letter;
+  for (const char c : testo) {
+    if (coded.find(c) == std::string_view::npos) {
+      text += c;
     } else {
-      const auto code = static_cast<unsigned char>(letter);
+      const auto code = static_cast<unsigned char>(c);
       text += '%';
       text += digits[code >> 4U];
       text += digits[code & 15U];
@@ -82,8 +82,8 @@ std::string StripCodice(std::string_view testo) {
   constexpr std::string_view removed = "?#=<>\"";
   std::string text;
   text.reserve(testo.size());
-  for (const char letter : testo) {
-    if (removed.find(letter) == std::string_view::npos) text += letter == '|' ? ' ' : letter;
+  for (const char c : testo) {
+    if (removed.find(c) == std::string_view::npos) text += c == '|' ? ' ' : c;
   }
   return text;
 }

@@ -5,8 +5,10 @@
 
 namespace kv {
 
+/// A dialog with a text and a button that closes it; it has no result and stores nothing.
 class frmInfoLingua final : public FormDialog {
  public:
+  /// `parent`: the dialog of the gateway's settings.
   explicit frmInfoLingua(QWidget* parent = nullptr);
 };
 

@@ -47,7 +47,7 @@ frmLingue::frmLingue(Session& session, Environment& env, LanguageHooks hooks, QW
 QComboBox* frmLingue::makeBox(int language) {
   QComboBox* box = named(new QComboBox(), "cboLingua" + std::to_string(language));
   for (const std::string& module : modules_) box->addItem(toQt(module));
-  // The shop may use a module that isn't installed here: the build refuses it, this dialog keeps it.
+  // The shop may use a module that isn't installed here: the build refuses it, but this dialog keeps it.
   const QString code = toQt(choice_.codes[placeOf(language)]);
   if (!code.isEmpty() && box->findText(code) < 0) box->addItem(code);
   cboLingua_[placeOf(language)] = box;

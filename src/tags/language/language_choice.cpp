@@ -52,7 +52,7 @@ LanguageChoice languagesOf(const Session& session) {
 
 Result<> storeLanguages(Session& session, const LanguageChoice& choice, const LanguageHooks& hooks) {
   auto codes = choice.codes;
-  // The table holds no number: an empty code ends the list.
+  // The number isn't stored in the table: an empty code ends the list.
   for (int n = choice.count + 1; n <= maxLanguages; ++n) codes[placeOf(n)].clear();
   auto statement = session.catalogue.prepare("UPDATE lingue SET lingua1 = ?, lingua2 = ?, lingua3 = ?, lingua4 = ?");
   if (!statement) return fail(statement.error());

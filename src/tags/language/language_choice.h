@@ -11,6 +11,7 @@
 
 namespace kv {
 
+/// The title of the dialog.
 inline constexpr std::string_view languagesTitle = "Korvane - Configurazione lingue";
 
 /// The installed modules: the bare names of "<applicationFolder>/languages/*.lng", sorted.
@@ -18,30 +19,30 @@ std::vector<std::string> languageModules(const std::string& applicationFolder);
 
 /// What the fields show. Languages are counted from 1; `codes[n - 1]` is the one of language n.
 struct LanguageChoice {
-  int count = 1;  ///< 1 to 4
-  std::array<std::string, maxLanguages> codes;
+  int count = 1;                                ///< 1 to 4
+  std::array<std::string, maxLanguages> codes;  ///< bare names of modules; kept when the number goes down
 
   /// Whether the box of language n can be used.
   bool isEnabled(int n) const { return n >= 1 && n <= count; }
   /// Sets the number; a box that comes into use without a code takes the first module that no other box in use has,
   /// or else the first.
   void setCount(int number, const std::vector<std::string>& modules);
-  /// Every box in use has a code.
+  /// Whether every box in use has a code.
   bool canAccept() const;
 };
 
 /// The shop's languages as the session holds them.
 LanguageChoice languagesOf(const Session& session);
 
-/// What of the window follows; either may be empty.
+/// The routines of the window that run after a change; either may be empty.
 struct LanguageHooks {
-  std::function<void()> MostraLingue;
-  std::function<void(int language)> CambiaLingua;
+  std::function<void()> MostraLingue;              ///< show languages: fills the selector again
+  std::function<void(int language)> CambiaLingua;  ///< change language: edits in this one from now on
 };
 
 /// OK: stores number and codes in `lingue` and in the session; a language beyond the number has no code in either.
-/// Then the window's selector is renewed, and when the language being edited is beyond the number, language 1 is taken
-/// up. On a failure nothing has changed.
+/// Then MostraLingue runs and, when the language being edited is beyond the number, CambiaLingua with language 1. After
+/// a failure nothing has changed.
 Result<> storeLanguages(Session& session, const LanguageChoice& choice, const LanguageHooks& hooks);
 
 }  // namespace kv

@@ -15,13 +15,13 @@
 
 namespace kv {
 
-/// The words of one module, by tag, exact in case. The first of two sections of one name wins.
+/// The words of one module by tag; case counts. The first of two sections of one name wins.
 class LanguageModule {
  public:
   /// TagLingua (language tag): the text of a tag, given bare ("pay_ok") or whole ("<<4-pay_ok>>"); the whole tag when
   /// the module lacks it.
   std::string TagLingua(std::string_view nome) const;
-  /// The text by a bare name as it stands before the first ">>" of a tag, nullptr when the module lacks it.
+  /// The text of a tag by its bare name, in which there is no ">>"; nullptr when the module lacks it.
   const std::string* find(std::string_view name) const;
   /// The number of sections.
   std::size_t size() const { return texts_.size(); }
@@ -31,22 +31,22 @@ class LanguageModule {
 
  private:
   TagIndex index_{'4'};
-  std::vector<std::string> texts_;
+  std::vector<std::string> texts_;  // by section of index_
 };
 
 /// CaricaLngFile (load language file): loads "<languagesFolder>/<code>.lng" (name found without regard to case). A
 /// module without <<4-listino_obbligatorio>> gets it appended on disk; a failure of that write is ignored, and the
-/// module is then read as it stands. Failures: as readText.
+/// module is then used as it is. Failures: as readText.
 Result<LanguageModule> CaricaLngFile(const std::string& languagesFolder, std::string_view code);
 
-/// The size of each language's flag, none where "<code>.gif" can't be read.
+/// The size of each language's flag in pixels, none where "<code>.gif" can't be read.
 using FlagSizes = std::array<std::optional<ImageSize>, maxLanguages>;
 
 /// The languages of the shop, for links between the copies of a page.
 struct ShopLanguages {
-  int count = 1;
-  std::array<std::string, maxLanguages> codes;
-  std::string languagesFolder;
+  int count = 1;                                ///< 1 to 4
+  std::array<std::string, maxLanguages> codes;  ///< language 1 first; those beyond `count` are not used
+  std::string languagesFolder;                  ///< holds the modules and their flags
   std::string pageExtension = ".php";
   std::optional<FlagSizes> flags;  ///< from readFlagSizes, once per run; without it each link reads its flag
 };

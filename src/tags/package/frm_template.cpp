@@ -84,8 +84,8 @@ QWidget* frmTemplate::makeSample() {
 
 void frmTemplate::showChoice() {
   const QSignalBlocker quiet(lstTemplate_);
-  const auto place = choice_.selected();
-  lstTemplate_->setCurrentRow(place ? static_cast<int>(*place) : -1);
+  const auto index = choice_.selected();
+  lstTemplate_->setCurrentRow(index ? static_cast<int>(*index) : -1);
   txtNote_->setPlainText(toQt(choice_.note()));
   ok_->setEnabled(choice_.canAccept());
   showPreview();

@@ -1,5 +1,5 @@
 #pragma once
-// The choice of the shop's template package, with its picture and its note.
+// The dialog in which a template package is chosen, with its picture and its note.
 
 #include <string>
 
@@ -14,25 +14,27 @@ class QPushButton;
 
 namespace kv {
 
-/// The tag is the first 50 letters of the name chosen.
+/// The tag is the first 50 characters of the chosen name.
 class frmTemplate final : public FormDialog {
  public:
-  /// `help`: for the page of the templates; may be empty.
+  /// `current`: the package that is selected at first. `help` opens the page about templates; it may be empty.
   frmTemplate(const std::string& applicationFolder, const std::string& current, HelpOpener help = {},
               QWidget* parent = nullptr);
 
  protected:
+  // Both scale the picture to its room.
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
 
  private:
-  QWidget* makeList();
-  QWidget* makeSample();
-  void showChoice();
-  void showPreview();
-  void choose();
+  QWidget* makeList();    // the left side: edit field and list
+  QWidget* makeSample();  // the right side: picture and note
+  void showChoice();      // name, note and picture of the selected package
+  void showPreview();     // the picture alone
+  void choose();          // closes with the result
 
-  TemplateChoice choice_;
+  TemplateChoice choice_;  // what the controls show
+  // Controls under their given names; Qt owns them.
   QLineEdit* txtTemplate_ = nullptr;
   QListWidget* lstTemplate_ = nullptr;
   QLabel* picPreview_ = nullptr;

@@ -31,8 +31,8 @@ TemplateChoice::TemplateChoice(const std::string& applicationFolder, std::string
 
 std::string TemplateChoice::selectedName() const { return selected_ ? packages_[*selected_] : std::string(); }
 
-void TemplateChoice::select(std::size_t place) {
-  if (place < packages_.size()) selected_ = place;
+void TemplateChoice::select(std::size_t index) {
+  if (index < packages_.size()) selected_ = index;
 }
 
 void TemplateChoice::type(std::string_view text) {

@@ -28,7 +28,7 @@ bool CanCopy(std::string_view nome) {
 
 std::string vetCell(std::string_view fileText) {
   std::string text(fileText);
-  std::erase_if(text, [](char letter) { return letter == '\r' || letter == '\n'; });
+  std::erase_if(text, [](char character) { return character == '\r' || character == '\n'; });
   return std::string(trim(text));
 }
 

@@ -1,5 +1,5 @@
-// The two pools of a language. Names are the same name in any case, as the merchant's own system has it: a file copied
-// over one of another case takes the name that stands there.
+// The two pools of a language. Names ignore case, as on the merchant's own system: a file copied over one whose name
+// differs in case alone gets the name of that one.
 #include <map>
 #include <optional>
 #include <unordered_set>
@@ -17,8 +17,8 @@ constexpr std::string_view pagePattern = "*.*htm*";
 constexpr std::string_view modelPattern = "modello*.htm";
 constexpr std::string_view scriptPatterns[] = {"*.js", "*.pl", "*.asp", "*.php"};
 
-/// One folder of the pools: first it is settled which file goes in under which name, then each is put there once.
-/// Failures are left aside: a file that can't be copied is missed where it is used.
+/// One folder of the pools: first the source of each name is determined, then each file is written once.
+/// Failures are ignored: a file that can't be copied is reported where it is needed.
 class Pool {
  public:
   explicit Pool(std::string folder) : folder_(std::move(folder)) {
@@ -27,12 +27,12 @@ class Pool {
   }
   const std::string& folder() const { return folder_; }
 
-  /// A file of a folder goes in, over one of the same name.
+  /// Adds a file of a folder, over one of the same name.
   void add(const std::string& from, const std::string& name) {
     const auto entry = entries_.try_emplace(foldCase(name), Entry{name, ""}).first;
     entry->second.source = joinPath(from, name);
   }
-  /// Puts the files there. With a replacer, those that match the pattern have their references rewritten on the way.
+  /// Writes the files. With a replacer, the references in those that match the pattern are rewritten on the way.
   void fill(std::string_view pattern, const ReferenceReplacer* replacer) const {
     for (const auto& [folded, entry] : entries_) {
       const std::string target = joinPath(folder_, entry.name);
@@ -40,7 +40,7 @@ class Pool {
       if (!isRewritten || !rewrite(entry.source, target, *replacer)) static_cast<void>(copyFile(entry.source, target));
     }
   }
-  /// Rewrites the references of files that are there already.
+  /// Rewrites the references in files that are in the folder already.
   void rewriteInPlace(const ReferenceReplacer& replacer) const {
     for (const std::string& name : listFiles(folder_, everyFile)) {
       const std::string path = joinPath(folder_, name);
@@ -66,7 +66,7 @@ class Pool {
   std::map<std::string, Entry> entries_;  // by folded name
 };
 
-/// The names whose references are rewritten, in the order in which they came.
+/// The names whose references are rewritten, in the order in which they were added.
 class NameList {
  public:
   void add(const std::string& name) {

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view closing = ">>";
 constexpr std::size_t numberDigits = 3;
 
-bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
+bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 }  // namespace
 
@@ -22,11 +22,11 @@ void TagIndex::add(std::string_view tag) {
   starts_.push_back(start);
   text_ += tag;
   // A name may itself hold the start of a tag, and then the search could stop inside it.
-  for (std::size_t place = start; place != std::string::npos; place = text_.find(prefix_, place + 1)) {
-    const std::size_t name = place + prefix_.size();
+  for (std::size_t position = start; position != std::string::npos; position = text_.find(prefix_, position + 1)) {
+    const std::size_t name = position + prefix_.size();
     const std::size_t end = text_.find(closing, name);
     if (end == std::string::npos) break;
-    places_.try_emplace(text_.substr(name, end - name), place);
+    positions_.try_emplace(text_.substr(name, end - name), position);
     longest_ = std::max(longest_, end - name);
   }
 }
@@ -34,16 +34,16 @@ void TagIndex::add(std::string_view tag) {
 void TagIndex::clear() {
   text_.clear();
   starts_.clear();
-  places_.clear();
+  positions_.clear();
   longest_ = 0;
 }
 
-std::size_t TagIndex::sectionAt(std::size_t place) const {
-  const auto start = std::lower_bound(starts_.begin(), starts_.end(), place);
-  if (start != starts_.end() && *start == place) return static_cast<std::size_t>(start - starts_.begin());
-  if (place < numberDigits) return none;
+std::size_t TagIndex::sectionAt(std::size_t position) const {
+  const auto start = std::lower_bound(starts_.begin(), starts_.end(), position);
+  if (start != starts_.end() && *start == position) return static_cast<std::size_t>(start - starts_.begin());
+  if (position < numberDigits) return none;
   std::size_t number = 0;
-  for (std::size_t i = place - numberDigits; i < place; ++i) {
+  for (std::size_t i = position - numberDigits; i < position; ++i) {
     if (!isDigit(text_[i])) return none;
     number = number * 10 + static_cast<std::size_t>(text_[i] - '0');
   }
@@ -52,20 +52,20 @@ std::size_t TagIndex::sectionAt(std::size_t place) const {
 
 std::size_t TagIndex::findName(std::string_view name) const {
   if (name.size() > longest_) return none;
-  const auto place = places_.find(name);
-  return place == places_.end() ? none : sectionAt(place->second);
+  const auto position = positions_.find(name);
+  return position == positions_.end() ? none : sectionAt(position->second);
 }
 
 std::size_t TagIndex::find(std::string_view bareOrWhole, bool isWhole) const {
   if (isWhole) return findTag(bareOrWhole);
-  // A name with a closing of its own can be found across two tags, which the hash doesn't know.
+  // A name with a ">>" of its own can match across two tags, which the hash table doesn't know.
   const bool isPlain = bareOrWhole.find(closing) == std::string_view::npos && !bareOrWhole.ends_with('>');
   return isPlain ? findName(bareOrWhole) : findTag(whole(bareOrWhole));
 }
 
 std::size_t TagIndex::findTag(std::string_view tag) const {
-  const std::size_t place = text_.find(tag);
-  return place == std::string::npos ? none : sectionAt(place);
+  const std::size_t position = text_.find(tag);
+  return position == std::string::npos ? none : sectionAt(position);
 }
 
 std::string TagIndex::whole(std::string_view name) const {
