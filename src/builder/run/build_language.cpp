@@ -40,7 +40,7 @@ void makePools(BuildRun& run) {
 void openTagDatabase(BuildRun& run) {
   const std::string path = joinPath(run.session.ShopFolder, "source.mdb");
   run.tags.close();
-  static_cast<void>(deleteFile(path));
+  ignore(deleteFile(path), "the copy replaces it");
   must(copyFile(joinPath(run.session.ShopFolder, "source.new"), path));
   run.tags = must(Database::open(path, OpenMode::Scratch));
   run.now.shopRow = PageTagRow(must(run.tags.table("categoria")));
@@ -62,8 +62,8 @@ void probeFolders(BuildRun& run) {
   probeFolder(run, run.session.scriptFolder, probe);
   run.now.pay_ok = run.now.words.TagLingua("pay_ok");
   run.now.pay_ko = run.now.words.TagLingua("pay_ko");
-  static_cast<void>(deleteFile(run.online(probe)));
-  static_cast<void>(deleteFile(run.script(probe)));
+  ignore(deleteFile(run.online(probe)), "an empty file left there is never listed");
+  ignore(deleteFile(run.script(probe)), "an empty file left there is never listed");
 }
 
 // The colours of a template are the first pixels of its samples.
@@ -177,7 +177,9 @@ void writeShopMenu(BuildRun& run) {
   const std::string path = run.online(FileLingua("shopmenu.xml", run.now.lingua));
   const std::string text = toWindows1252(CatEsploraXML(run.now.navigation.departments(), run.now.lingua));
   const auto present = readBytes(path);
-  if ((present ? *present : std::string()) != text) static_cast<void>(writeBytes(path, text));
+  if ((present ? *present : std::string()) != text) {
+    ignore(writeBytes(path, text), "no page of the shop reads it");
+  }
   run.files.add(path);
 }
 

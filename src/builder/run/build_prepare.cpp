@@ -30,9 +30,10 @@ std::string newToken(RandomSource& random) {
 // when the language run probes it.
 void writeMarker(BuildRun& run) {
   for (const std::string& name : listFiles(run.session.onlineFolder, "*.sc")) {
-    static_cast<void>(deleteFile(run.online(name)));
+    ignore(deleteFile(run.online(name)), "the probe of the folder tells of one that can't be written");
   }
-  static_cast<void>(writeText(run.online(run.token + ".sc"), std::to_string(run.session.languageCount) + "\r\n"));
+  ignore(writeText(run.online(run.token + ".sc"), std::to_string(run.session.languageCount) + "\r\n"),
+         "the probe of the folder tells of one that can't be written");
 }
 
 // A build that was killed may have left the file it was writing beside the page that it was to replace.
@@ -175,9 +176,9 @@ void prepareBuild(BuildRun& run) {
   checkLanguageModules(run);
   readSettings(run);
   run.wrapper.configure(wrapperSettings(run));
-  static_cast<void>(deleteFile(joinPath(folder, "kvftp.dat")));
+  ignore(deleteFile(joinPath(folder, "kvftp.dat")), "the end of the run replaces it");
   const std::string buildPath = joinPath(folder, "db/sql.mdb");
-  static_cast<void>(deleteFile(buildPath));
+  ignore(deleteFile(buildPath), "the copy replaces it");
   run.files.add(joinPath(folder, "source.mdb"));
   must(copyFile(joinPath(folder, "new.mdb"), buildPath));
   run.build = must(Database::open(buildPath, OpenMode::Scratch));

@@ -66,8 +66,8 @@ void copyTemplateResources(BuildRun& run) {
 void removePools(const BuildRun& run) {
   const std::string root = joinPath(run.session.ShopFolder, "tmp");
   for (const std::string& folder : {joinPath(root, "1"), joinPath(root, "2"), root}) {
-    static_cast<void>(emptyFolder(folder));
-    static_cast<void>(removeFolder(folder));
+    ignore(emptyFolder(folder), "the next build empties it");
+    ignore(removeFolder(folder), "the next build uses it again");
   }
 }
 

@@ -50,8 +50,10 @@ void leave(BuildRun& run) noexcept {
   } catch (const RunFailure&) {
     // The failure that ended the run has been told; the working database is made anew by the next one.
   }
-  if (run.files.size() > 0) static_cast<void>(run.files.write(joinPath(run.session.ShopFolder, "kvftp.dat")));
-  if (run.build.isOpen()) static_cast<void>(run.build.commit());
+  if (run.files.size() > 0) {
+    ignore(run.files.write(joinPath(run.session.ShopFolder, "kvftp.dat")), "what ended the run is the failure to tell");
+  }
+  if (run.build.isOpen()) ignore(run.build.commit(), "what ended the run is the failure to tell");
 }
 
 BuildOutcome guardedRun(BuildRun& run) {

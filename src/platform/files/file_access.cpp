@@ -142,8 +142,7 @@ Result<> Replacement::write(std::string_view bytes) {
 
 void Replacement::keepTime(const struct stat& status) {
   const timespec times[] = {status.st_atim, status.st_mtim};
-  // A file system that keeps no times is no reason to lose the copy.
-  static_cast<void>(::futimens(descriptor_.number(), times));
+  ignore(::futimens(descriptor_.number(), times), "a file system that keeps no times is no reason to lose the copy");
 }
 
 Result<> Replacement::commit() {

@@ -84,8 +84,7 @@ Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder&
   if (env.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
   if (auto stored = storeSetting(session, working.column, ""); !stored) return stored;
   folder = joinPath(session.ShopFolder, working.name);
-  // A default folder that cannot be made is like any other that is missing: the build reports it.
-  static_cast<void>(createFolder(folder));
+  ignore(createFolder(folder), "the build tells of a default folder that is missing");
   return {};
 }
 
