@@ -26,7 +26,7 @@ struct DepartmentRun {
   std::int64_t pageSize = defaultPageSize;
   std::string titlePath, subdepartments;
   Navigation navigation;
-  ArticlePlace place;
+  ArticleContext article;
   std::string list;
   std::string firstPage;  // output path of the sub-page that has a file
 };
@@ -53,9 +53,9 @@ DepartmentRun openDepartment(BuildRun& run, const Department& department) {
   }
   run.checkCancel();
   open.navigation = run.now.navigation.CatEsplora(department.ID);
-  open.place.vatRate = department.vatRate;
-  open.place.factor = department.sconto ? discountFactor(*department.sconto, run.factor) : run.factor;
-  open.place.singleArticle = open.pageSize == 1;
+  open.article.vatRate = department.vatRate;
+  open.article.factor = department.sconto ? discountFactor(*department.sconto, run.factor) : run.factor;
+  open.article.singleArticle = open.pageSize == 1;
   return open;
 }
 
@@ -79,11 +79,11 @@ void fillPageTags(BuildRun& run, const DepartmentRun& open, const std::string& p
 
 // One article: its derived row, its entry in the lists, its cell in the showcase.
 void renderArticle(BuildRun& run, DepartmentRun& open, const Statement& article, const ArticleColumns& source) {
-  ++open.place.contatore;
+  ++open.article.contatore;
   if (run.rows.size() <= run.rowCount) run.rows.emplace_back();
-  fillDerivedRow({article, source}, open.place, run.now.rules, run.columns, run.rows[run.rowCount]);
+  must(fillDerivedRow({article, source}, open.article, run.now.rules, run.columns, run.rows[run.rowCount]));
   ++run.rowCount;
-  const std::string target = articleTarget(open.place);
+  const std::string target = articleTarget(open.article);
   const ArticleView view{article, source};
   const std::string entry = listEntry(run.showcase, run.html, view, target);
   open.list += entry;
@@ -104,10 +104,10 @@ void makeSubPage(BuildRun& run, DepartmentRun& open, ArticleReader& reader, int 
   run.checkCancel();
   const std::string pageFile = PageFile(open.department.pagina, n, run.now.lingua);
   fillPageTags(run, open, pageFile);
-  open.place.pagina = pageFile;
-  open.place.contatore = 0;
+  open.article.pagina = pageFile;
+  open.article.contatore = 0;
   run.rowCount = 0;
-  while (reader.hasRow && open.place.contatore < open.pageSize) {
+  while (reader.hasRow && open.article.contatore < open.pageSize) {
     run.checkCancel();
     renderArticle(run, open, reader.query, reader.columns);
     reader.hasRow = must(reader.query.step());
@@ -155,7 +155,7 @@ void makeDepartments(BuildRun& run) {
   ArticleReader reader;
   reader.query = must(run.session.catalogue.prepare(
       SelezionaLingua("articoli", run.now.number, "WHERE fuoricatalogo IS NOT TRUE AND catID=? ORDER BY ordinamento")));
-  reader.columns = ArticleColumns(reader.query);
+  reader.columns = must(ArticleColumns::of(reader.query));
   for (const Department& department : run.now.departments) makeDepartment(run, department, reader);
 }
 

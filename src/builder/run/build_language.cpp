@@ -204,11 +204,12 @@ void fillShopColumns(BuildRun& run) {
   if (!run.shipping) {
     // Where prices include VAT, so do the costs of shipping.
     const ShippingPrice price{form, now.rules.prices.vatIncluded ? run.shippingVat : 0.0F};
-    run.shipping = makeShippingTables(run.session.catalogue, now.pagamento, price);
+    run.shipping = must(makeShippingTables(run.session.catalogue, now.pagamento, price));
   }
   fillShopTags(now.shopRow, {now.generale, now.lingua, now.IDnegozio, run.redirectScript, run.html, now.colours});
   fillServerTags(now.shopRow, {now.generale, now.lingua, run.languages.pageExtension, form.label, run.phpGlobals});
-  fillCartTags(now.shopRow, {run.session.catalogue, now.generale, now.pagamento, form, *run.shipping, run.shippingVat});
+  must(fillCartTags(now.shopRow,
+                    {run.session.catalogue, now.generale, now.pagamento, form, *run.shipping, run.shippingVat}));
 }
 
 }  // namespace

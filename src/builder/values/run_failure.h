@@ -8,9 +8,6 @@
 
 namespace kv {
 
-/// Numbers of failures that the build itself finds; those of files and databases keep their own.
-inline constexpr int overflowFailure = 6;
-
 struct RunFailure final : std::exception {
   RunFailure(int failureNumber, std::string failureText) : number(failureNumber), text(std::move(failureText)) {}
   explicit RunFailure(const Error& error) : number(error.number), text(error.what) {
