@@ -11,8 +11,6 @@
 namespace kv {
 namespace {
 
-void ignore(const Result<>& /*done*/) {}
-
 Result<> writeDropFile(OutputFile& out, const std::vector<TableInfo>& tables, const DatabaseExport& job,
                        const SqlStyle& style) {
   ExportWarnings warnings;
@@ -74,8 +72,8 @@ void exportLanguages(const ExportContext& context, const std::string& sec, doubl
     const DatabaseExport job{joinPath(context.shopFolder, "db/sql.mdb"),
                              joinPath(context.onlineFolder, files.cachedLoad),
                              joinPath(context.onlineFolder, files.cachedDrop), std::string(suffix), sec};
-    ignore(deleteFile(job.loadFilePath));
-    ignore(deleteFile(job.dropFilePath));
+    ignore(deleteFile(job.loadFilePath), "it is replaced anyway");
+    ignore(deleteFile(job.dropFilePath), "it is replaced anyway");
     std::int64_t rows = 0;
     if (!ExportDatabaseSql(job, style, context.user, &rows)) report.failed = true;
     report.rows += rows;
@@ -99,7 +97,7 @@ void ExportFullSql(const ExportContext& context, const std::string& sec, ExportR
   ExportReport unasked;
   ExportReport& done = report != nullptr ? *report : unasked;
   const std::string cache = joinPath(context.onlineFolder, filesOf("", sec).cachedLoad);
-  if (fileExists(cache) && isStale(cache, context.settings)) ignore(deleteFile(cache));
+  if (fileExists(cache) && isStale(cache, context.settings)) ignore(deleteFile(cache), "a stale dump that stays is published again");
   if (!fileExists(cache)) {
     const double languages = notedLanguages(context.onlineFolder, sec);
     if (languages == 0) return;

@@ -20,6 +20,8 @@ class CartTablesTest : public ::testing::Test {
     return FieldRow(query);
   }
   FieldRow pagamento() { return row("pagamento"); }
+  std::string countryList() { return MakePaesi(shop.session.catalogue, pagamento()).value_or("(no countries)"); }
+  std::string startingSlot() { return MakeTipoSel(shop.session.catalogue, pagamento()).value_or("(no slot)"); }
   void country(const std::string& name, int zone) {
     const int id = ++countries;
     shop.insert(
@@ -52,7 +54,7 @@ TEST_F(CartTablesTest, CountriesStandAsTheyWereEnteredAndTheValueHasABlankBefore
   country("Francia", 2);
   country("Austria", 2);
   shop.sql("UPDATE pagamento SET paesesel = 2");
-  EXPECT_EQ(MakePaesi(shop.session.catalogue, pagamento()),
+  EXPECT_EQ(countryList(),
             "<select size=\"1\" name=\"LSStato\" onChange=\"SpedPaese()\">\r\n"
             "<option value =\"1\">Italia</option>\r\n"
             "<option selected value =\"2\">Francia</option>\r\n"
@@ -65,7 +67,7 @@ TEST_F(CartTablesTest, CountriesGoByNameWhenTheMerchantWantsIt) {
   country("Élite", 4);
   country("austria", 2);
   shop.sql("UPDATE pagamento SET alfabetico = 1");
-  EXPECT_EQ(MakePaesi(shop.session.catalogue, pagamento()),
+  EXPECT_EQ(countryList(),
             "<select size=\"1\" name=\"LSStato\" onChange=\"SpedPaese()\">\r\n"
             "<option value =\"2\">austria</option>\r\n"
             "<option value =\"1\">Italia</option>\r\n"
@@ -75,12 +77,11 @@ TEST_F(CartTablesTest, CountriesGoByNameWhenTheMerchantWantsIt) {
 
 TEST_F(CartTablesTest, ABarInACountrysNameBecomesAQuote) {
   country("|Regno| Unito", 3);
-  EXPECT_THAT(MakePaesi(shop.session.catalogue, pagamento()), HasSubstr(">\"Regno\" Unito<"));
+  EXPECT_THAT(countryList(), HasSubstr(">\"Regno\" Unito<"));
 }
 
 TEST_F(CartTablesTest, AShopWithoutCountriesHasAnEmptyList) {
-  EXPECT_EQ(MakePaesi(shop.session.catalogue, pagamento()),
-            "<select size=\"1\" name=\"LSStato\" onChange=\"SpedPaese()\">\r\n</select>\r\n");
+  EXPECT_EQ(countryList(), "<select size=\"1\" name=\"LSStato\" onChange=\"SpedPaese()\">\r\n</select>\r\n");
 }
 
 TEST_F(CartTablesTest, PaymentMethodsAreTheActiveOnesWithThePreselectedOneMarked) {
@@ -107,9 +108,9 @@ TEST_F(CartTablesTest, PaymentMethodsHaveTheirNamesInTheLanguageOfThePage) {
 TEST_F(CartTablesTest, TheStartingSlotCountsActiveMethodsBeforeThePreselectedOne) {
   country("Italia", 5);
   shop.sql("UPDATE pagamento SET paesesel=1, attivo1=1, attivo2=0, attivo3=1, attivo4=1, selezionato=4");
-  EXPECT_EQ(MakeTipoSel(shop.session.catalogue, pagamento()), "21");
+  EXPECT_EQ(startingSlot(), "21");
   shop.sql("UPDATE pagamento SET selezionato=1");
-  EXPECT_EQ(MakeTipoSel(shop.session.catalogue, pagamento()), "5");
+  EXPECT_EQ(startingSlot(), "5");
 }
 
 TEST_F(CartTablesTest, AStartingSlotOutsideTheArraysBecomesTheFirst) {
@@ -117,16 +118,14 @@ TEST_F(CartTablesTest, AStartingSlotOutsideTheArraysBecomesTheFirst) {
   country("Zona otto", 8);
   country("Zona nove", 9);
   shop.sql("UPDATE pagamento SET paesesel=1, attivo1=1, attivo2=1, attivo3=1, attivo4=1, selezionato=1");
-  EXPECT_EQ(MakeTipoSel(shop.session.catalogue, pagamento()), "1");
+  EXPECT_EQ(startingSlot(), "1");
   shop.sql("UPDATE pagamento SET paesesel=2, selezionato=4");
-  EXPECT_EQ(MakeTipoSel(shop.session.catalogue, pagamento()), "32");
+  EXPECT_EQ(startingSlot(), "32");
   shop.sql("UPDATE pagamento SET paesesel=3");
-  EXPECT_EQ(MakeTipoSel(shop.session.catalogue, pagamento()), "1");
+  EXPECT_EQ(startingSlot(), "1");
 }
 
-TEST_F(CartTablesTest, WithoutAPreselectedCountryTheCartStartsWithTheFirstSlot) {
-  EXPECT_EQ(MakeTipoSel(shop.session.catalogue, pagamento()), "1");
-}
+TEST_F(CartTablesTest, WithoutAPreselectedCountryTheCartStartsWithTheFirstSlot) { EXPECT_EQ(startingSlot(), "1"); }
 
 TEST_F(CartTablesTest, CurrenciesOfAnItalianShop) {
   shop.sql("UPDATE generale SET usa_cambio=1, cambio=1936.27, decimali2=0, scimp=10, scimp9=2.5");

@@ -1,5 +1,6 @@
 #include "builder/article/article_row.h"
 
+#include "builder/values/build_failure.h"
 #include "platform/numbers/number_form.h"
 #include "platform/text/text.h"
 
@@ -10,14 +11,65 @@ namespace {
 constexpr std::int64_t popupWidth = 600;  // of a pop-up picture whose size is not known
 constexpr std::int64_t popupHeight = 350;
 
-int columnOf(const Statement& query, std::string_view name) {
-  for (int i = 0; i < query.columnCount(); ++i) {
-    if (equalsIgnoringCase(query.columnName(i), name)) return i;
+/// Finds columns of a query by name and remembers the first one that the query lacks.
+class ColumnFinder {
+ public:
+  explicit ColumnFinder(const Statement& query) : query_(query) {}
+
+  int find(std::string_view name) {
+    for (int i = 0; i < query_.columnCount(); ++i) {
+      if (equalsIgnoringCase(query_.columnName(i), name)) return i;
+    }
+    if (missing_.empty()) missing_ = name;
+    return 0;
   }
-  throw RunFailure(0, "Colonna non trovata: articoli." + std::string(name));
+  const std::string& missing() const { return missing_; }
+
+ private:
+  const Statement& query_;
+  std::string missing_;
+};
+
+void findTexts(ArticleColumns& columns, ColumnFinder& query) {
+  columns.ID = query.find("ID");
+  columns.catID = query.find("catID");
+  columns.codice = query.find("codice");
+  columns.titolo = query.find("titolo");
+  columns.sottotitolo = query.find("sottotitolo");
+  columns.descrizione = query.find("descrizione");
+  columns.note = query.find("note");
+  columns.link = query.find("link");
+  columns.linkesterno = query.find("linkesterno");
+  columns.novita = query.find("novita");
+  columns.correlazione = query.find("correlazione");
+  columns.peso = query.find("peso");
+  columns.popup = query.find("popup");
+  columns.inelenco = query.find("inelenco");
 }
 
-DerivedField& at(DerivedRow& row, int place) { return row[static_cast<std::size_t>(place)]; }
+void findNumbered(ArticleColumns& columns, ColumnFinder& query) {
+  for (std::size_t n = 0; n < listini; ++n) {
+    const std::string suffix(listinoSuffixes[n]);
+    columns.prezzo[n] = query.find("prezzo" + suffix);
+    columns.offerta[n] = query.find("offerta" + suffix);
+    columns.offertaprezzo[n] = query.find("offertaprezzo" + suffix);
+    columns.scq[n] = query.find("scq" + suffix);
+    for (std::size_t slot = 0; slot < columns.opzione.size(); ++slot) {
+      columns.opzione[slot][n] = query.find(variantColumn(static_cast<int>(slot) + 1, static_cast<int>(n)));
+    }
+  }
+  for (std::size_t i = 0; i < columns.scqart.size(); ++i) {
+    columns.scqart[i] = query.find("scqart" + std::to_string(i));
+    columns.scqperc[i] = query.find("scqperc" + std::to_string(i));
+  }
+  for (std::size_t i = 0; i < columns.immagine.size(); ++i) {
+    columns.immagine[i] = query.find("immagine" + std::to_string(i));
+    columns.imgX[i] = query.find("imgX" + std::to_string(i));
+    columns.imgY[i] = query.find("imgY" + std::to_string(i));
+  }
+}
+
+DerivedField& at(DerivedRow& row, int index) { return row[static_cast<std::size_t>(index)]; }
 
 void fillListini(const ArticleView& article, const DerivedColumns& columns, DerivedRow& row) {
   for (std::size_t n = 0; n < listini; ++n) {
@@ -37,14 +89,16 @@ void fillListini(const ArticleView& article, const DerivedColumns& columns, Deri
   }
 }
 
-void fillPrices(const ArticleView& article, const ArticlePlace& place, const ArticleRules& rules,
-                const DerivedColumns& columns, DerivedRow& row) {
-  PriceSource prices{article.row.money(article.columns.prezzo[0]), std::nullopt, place.vatRate, place.factor};
+Result<> fillPrices(const ArticleView& article, const ArticleContext& context, const ArticleRules& rules,
+                    const DerivedColumns& columns, DerivedRow& row) {
+  PriceSource prices{article.row.money(article.columns.prezzo[0]), std::nullopt, context.vatRate, context.factor};
   if (!article.row.isNull(article.columns.offertaprezzo[0]))
     prices.offerPrice = article.row.money(article.columns.offertaprezzo[0]);
   auto texts = priceTexts(rules.prices, prices, rules.offerMark);
-  if (!texts)
-    throw RunFailure(overflowFailure, "Prezzo troppo grande: " + std::string(article.row.text(article.columns.codice)));
+  if (!texts) {
+    return fail(ErrorKind::Other, "", "Prezzo troppo grande: " + std::string(article.row.text(article.columns.codice)),
+                overflowFailure);
+  }
   at(row, columns.listino).set(std::move(texts->listino));
   at(row, columns.prezzo).set(std::move(texts->prezzo));
   at(row, columns.cambio).set(std::move(texts->cambio));
@@ -53,6 +107,7 @@ void fillPrices(const ArticleView& article, const ArticlePlace& place, const Art
   at(row, columns.cart_prezzo).set(std::move(texts->cartPrice));
   at(row, columns.cart_iva).set(std::move(texts->cartVat));
   at(row, columns.cart_peso).set(trimmedNumber(article.row.single(article.columns.peso)));
+  return {};
 }
 
 void fillPictures(const ArticleView& article, const DerivedColumns& columns, DerivedRow& row) {
@@ -102,7 +157,7 @@ void fillTexts(const ArticleView& article, const ArticleRules& rules, const Deri
 // The text ends inside an attribute: its second quote closes the href it is meant for, the template's own closing
 // quote ends the onMouseOver.
 std::string buyLink(const DerivedColumns& columns, const DerivedRow& row) {
-  const auto text = [&row](int place) -> const std::string& { return row[static_cast<std::size_t>(place)].text; };
+  const auto text = [&row](int index) -> const std::string& { return row[static_cast<std::size_t>(index)].text; };
   std::string out = "javascript:window.status='';Acquista('";
   out.append(text(columns.cart_articolo)).append("','").append(text(columns.cart_prezzo)).append("','");
   out.append(text(columns.cart_iva)).append("',document.itemsform.qt").append(text(columns.contatore));
@@ -114,61 +169,36 @@ std::string buyLink(const DerivedColumns& columns, const DerivedRow& row) {
 
 }  // namespace
 
-ArticleColumns::ArticleColumns(const Statement& query) {
-  const auto find = [&query](const std::string& name) { return columnOf(query, name); };
-  ID = find("ID");
-  catID = find("catID");
-  codice = find("codice");
-  titolo = find("titolo");
-  sottotitolo = find("sottotitolo");
-  descrizione = find("descrizione");
-  note = find("note");
-  link = find("link");
-  linkesterno = find("linkesterno");
-  novita = find("novita");
-  correlazione = find("correlazione");
-  peso = find("peso");
-  popup = find("popup");
-  inelenco = find("inelenco");
-  for (std::size_t n = 0; n < listini; ++n) {
-    const std::string suffix(listinoSuffixes[n]);
-    prezzo[n] = find("prezzo" + suffix);
-    offerta[n] = find("offerta" + suffix);
-    offertaprezzo[n] = find("offertaprezzo" + suffix);
-    scq[n] = find("scq" + suffix);
-    for (std::size_t slot = 0; slot < opzione.size(); ++slot) {
-      opzione[slot][n] = find(variantColumn(static_cast<int>(slot) + 1, static_cast<int>(n)));
-    }
+Result<ArticleColumns> ArticleColumns::of(const Statement& query) {
+  ArticleColumns columns{};
+  ColumnFinder finder(query);
+  findTexts(columns, finder);
+  findNumbered(columns, finder);
+  if (!finder.missing().empty()) {
+    return fail(ErrorKind::Other, "", "Colonna non trovata: articoli." + finder.missing());
   }
-  for (std::size_t i = 0; i < 2; ++i) {
-    scqart[i] = find("scqart" + std::to_string(i));
-    scqperc[i] = find("scqperc" + std::to_string(i));
-  }
-  for (std::size_t i = 0; i < immagine.size(); ++i) {
-    immagine[i] = find("immagine" + std::to_string(i));
-    imgX[i] = find("imgX" + std::to_string(i));
-    imgY[i] = find("imgY" + std::to_string(i));
-  }
+  return columns;
 }
 
-std::string articleTarget(const ArticlePlace& place) {
-  if (place.singleArticle) return place.pagina;
-  return place.pagina + "#" + formatNumber(std::int64_t{place.contatore}, "#####0");
+std::string articleTarget(const ArticleContext& context) {
+  if (context.singleArticle) return context.pagina;
+  return context.pagina + "#" + formatNumber(std::int64_t{context.contatore}, "#####0");
 }
 
-void fillDerivedRow(const ArticleView& article, const ArticlePlace& place, const ArticleRules& rules,
-                    const DerivedColumns& columns, DerivedRow& row) {
+Result<> fillDerivedRow(const ArticleView& article, const ArticleContext& context, const ArticleRules& rules,
+                        const DerivedColumns& columns, DerivedRow& row) {
   row.resize(columns.columns.size());
   fillTexts(article, rules, columns, row);
   fillListini(article, columns, row);
   fillPictures(article, columns, row);
-  fillPrices(article, place, rules, columns, row);
-  const std::string position = std::to_string(place.contatore);
+  if (auto filled = fillPrices(article, context, rules, columns, row); !filled) return filled;
+  const std::string position = std::to_string(context.contatore);
   at(row, columns.contatore).set(position);
   for (std::size_t i = 0; i < columns.cart_opzione.size(); ++i) {
     at(row, columns.cart_opzione[i]).set("op" + std::to_string(i + 1) + position);
   }
   at(row, columns.java_acquista).set(buyLink(columns, row));
+  return {};
 }
 
 }  // namespace kv

@@ -1,6 +1,5 @@
 #include "builder/checkout/cart_tables.h"
 
-#include "builder/values/run_failure.h"
 #include "platform/numbers/number_form.h"
 #include "store/schema/schema.h"
 #include "tags/engine/tag_engine.h"
@@ -38,19 +37,44 @@ void appendDiscounts(std::string& out, const FieldRow& generale) {
   out.append("var scperc = new Array(").append(factors).append(");").append(lineEnd);
 }
 
+void fillShipping(PageTagRow& row, const CartTags& tags) {
+  row.set("java_importi", tags.shipping.amounts.java_importi);
+  row.set("java_permessi", tags.shipping.amounts.java_permessi);
+  row.set("java_iva", tags.shipping.amounts.java_iva);
+  row.set("java_iva_spese", tags.shipping.amounts.java_iva_spese);
+  row.set("java_importi_peso", tags.shipping.java_importi_peso);
+  row.set("java_tipopeso", tags.pagamento.flag("imppeso") ? "1" : "0");
+  row.set("java_aliquotaspese", plainNumber(tags.shippingVat));
+}
+
+void fillOrderForm(PageTagRow& row, const FieldRow& generale) {
+  row.set("java_campi", MakeObbligatori(generale));
+  row.set("java_ivacompresa", generale.flag("ivacompresa") ? "1" : "0");
+  row.set("java_qminima", plainNumber(generale.integer("qminima")));
+  row.set("java_minimo", plainNumber(generale.money("minimo")));
+  row.set("java_search", "return SubmitSearchForm(1)");
+  row.set("java_daticliente", "CaricaDati()");
+  row.set("java_ANDORsearch", generale.text("operatorericerca") == "1" ? "any" : "all");
+  row.set("java_sepsearch", generale.flag("ricercaparole") ? "var sleft = \"#\"; var sright = \"#\";"
+                                                           : "var sleft = \",#.*\"; var sright = \"\";");
+}
+
 }  // namespace
 
-std::string MakePaesi(Database& catalogue, const FieldRow& pagamento) {
+Result<std::string> MakePaesi(Database& catalogue, const FieldRow& pagamento) {
   const std::string selected = pagamento.text("paesesel");
-  Statement query = must(catalogue.prepare(std::string("SELECT strID, paese, zona FROM paesi ORDER BY ") +
-                                           (pagamento.flag("alfabetico") ? "paese, ID" : "ID")));
+  auto query = catalogue.prepare(std::string("SELECT strID, paese, zona FROM paesi ORDER BY ") +
+                                 (pagamento.flag("alfabetico") ? "paese, ID" : "ID"));
+  if (!query) return fail(query.error());
   std::string out = "<select size=\"1\" name=\"LSStato\" onChange=\"SpedPaese()\">\r\n";
-  while (must(query.step())) {
+  auto more = query->step();
+  for (; more && *more; more = query->step()) {
     out += "<option ";
-    if (!selected.empty() && query.text(0) == selected) out += "selected ";
-    out.append("value =\"").append(formatNumber(query.integer(2), "0")).append("\">");
-    out.append(query.text(1)).append("</option>").append(lineEnd);
+    if (!selected.empty() && query->text(0) == selected) out += "selected ";
+    out.append("value =\"").append(formatNumber(query->integer(2), "0")).append("\">");
+    out.append(query->text(1)).append("</option>").append(lineEnd);
   }
+  if (!more) return fail(more.error());
   return MettiVirgolette(out.append("</select>").append(lineEnd));
 }
 
@@ -64,14 +88,16 @@ std::string MakePagamenti(const FieldRow& pagamento) {
   return out + "</select>";
 }
 
-std::string MakeTipoSel(Database& catalogue, const FieldRow& pagamento) {
+Result<std::string> MakeTipoSel(Database& catalogue, const FieldRow& pagamento) {
   std::int64_t before = 0;
   for (int i = 1; i <= paymentMethods && i < pagamento.integer("selezionato"); ++i) before += isActive(pagamento, i);
   const std::string country = pagamento.text("paesesel");
-  Statement query = must(catalogue.prepare("SELECT zona FROM paesi WHERE strID = ?"));
-  query.bind(1, country);
-  const std::int64_t zone = must(query.step()) ? query.integer(0) : 0;
-  const std::int64_t slot = before * shippingZones + zone;
+  auto query = catalogue.prepare("SELECT zona FROM paesi WHERE strID = ?");
+  if (!query) return fail(query.error());
+  query->bind(1, country);
+  const auto found = query->step();
+  if (!found) return fail(found.error());
+  const std::int64_t slot = before * shippingZones + (*found ? query->integer(0) : 0);
   return std::to_string(slot < 1 || slot > mostSlots ? 1 : slot);
 }
 
@@ -108,33 +134,27 @@ std::string MakeObbligatori(const FieldRow& generale) {
   return out;
 }
 
-ShippingTables makeShippingTables(Database& catalogue, const FieldRow& pagamento, const ShippingPrice& price) {
-  return {MakeImporti(catalogue, pagamento, price), MakeImportiPeso(catalogue, pagamento, price)};
+Result<ShippingTables> makeShippingTables(Database& catalogue, const FieldRow& pagamento, const ShippingPrice& price) {
+  auto amounts = MakeImporti(catalogue, pagamento, price);
+  if (!amounts) return fail(amounts.error());
+  auto weights = MakeImportiPeso(catalogue, pagamento, price);
+  if (!weights) return fail(weights.error());
+  return ShippingTables{std::move(*amounts), std::move(*weights)};
 }
 
-void fillCartTags(PageTagRow& row, const CartTags& tags) {
-  const FieldRow& generale = tags.generale;
-  row.set("paesi", MakePaesi(tags.catalogue, tags.pagamento));
+Result<> fillCartTags(PageTagRow& row, const CartTags& tags) {
+  auto countries = MakePaesi(tags.catalogue, tags.pagamento);
+  if (!countries) return fail(countries.error());
+  row.set("paesi", std::move(*countries));
   row.set("pagamento", MakePagamenti(tags.pagamento));
-  row.set("java_zona", MakeTipoSel(tags.catalogue, tags.pagamento));
-  row.set("java_importi", tags.shipping.amounts.java_importi);
-  row.set("java_permessi", tags.shipping.amounts.java_permessi);
-  row.set("java_iva", tags.shipping.amounts.java_iva);
-  row.set("java_iva_spese", tags.shipping.amounts.java_iva_spese);
-  row.set("java_importi_peso", tags.shipping.java_importi_peso);
-  row.set("java_tipopeso", tags.pagamento.flag("imppeso") ? "1" : "0");
-  row.set("java_valuta", JavaValuta(generale, tags.form));
-  row.set("java_campi", MakeObbligatori(generale));
-  row.set("java_ivacompresa", generale.flag("ivacompresa") ? "1" : "0");
-  row.set("java_aliquotaspese", plainNumber(tags.shippingVat));
-  row.set("java_qminima", plainNumber(generale.integer("qminima")));
-  row.set("java_minimo", plainNumber(generale.money("minimo")));
-  row.set("java_search", "return SubmitSearchForm(1)");
-  row.set("java_daticliente", "CaricaDati()");
-  row.set("java_ANDORsearch", generale.text("operatorericerca") == "1" ? "any" : "all");
-  row.set("java_sepsearch", generale.flag("ricercaparole") ? "var sleft = \"#\"; var sright = \"#\";"
-                                                           : "var sleft = \",#.*\"; var sright = \"\";");
+  auto slot = MakeTipoSel(tags.catalogue, tags.pagamento);
+  if (!slot) return fail(slot.error());
+  row.set("java_zona", std::move(*slot));
+  fillShipping(row, tags);
+  fillOrderForm(row, tags.generale);
+  row.set("java_valuta", JavaValuta(tags.generale, tags.form));
   row.set("java_carrello", std::string(cartStart));
+  return {};
 }
 
 }  // namespace kv

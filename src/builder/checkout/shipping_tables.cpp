@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "builder/values/run_failure.h"
+#include "builder/values/build_failure.h"
 #include "platform/numbers/number_form.h"
 #include "platform/text/text.h"
 
@@ -34,53 +34,78 @@ struct SlotView {
   int first;
 };
 
-// Calls `use` for each filled slot, zone by zone. In `columns` a "#" stands for the number of the method. They are
-// asked for by name, so that a zone without one of them fails instead of costing nothing.
-void readSlots(Database& catalogue, const FieldRow& pagamento, const std::vector<std::string>& columns,
-               const std::function<void(const SlotView&)>& use) {
-  const std::vector<int> methods = activeMethods(pagamento);
-  if (methods.empty()) return;
+/// The columns of all methods by name, parted by commas; a "#" in `columns` stands for the number of the method.
+std::string columnNames(const std::vector<int>& methods, const std::vector<std::string>& columns) {
   std::string names;
   for (const int method : methods) {
     for (const std::string& column : columns) {
       names += (names.empty() ? "" : ", ") + replaceAll(column, "#", std::to_string(method));
     }
   }
-  for (std::size_t zone = 0; zone < shippingZones; ++zone) {
-    const std::string table = "zona" + std::to_string(zone + 1);
-    Statement query = must(catalogue.prepare("SELECT " + names + " FROM " + table));
-    if (!must(query.step())) throw RunFailure(Error{ErrorKind::Corrupt, table, "no row"});
-    for (std::size_t k = 0; k < methods.size(); ++k) {
-      use({k * shippingZones + zone, query, static_cast<int>(k * columns.size())});
-    }
-  }
+  return names;
 }
 
-// One array of the cart: value( slot ) for each slot.
-template <class ValueOf>
-std::string arrayLine(const std::string& name, const ValueOf& value) {
-  std::string line = name + "=new Array(";
-  for (std::size_t slot = 0; slot < slots; ++slot) {
-    if (slot > 0) line += ",";
-    line += value(slot);
+// Calls `use` for each filled slot, zone by zone. The columns are asked for by name, so that a zone without one of
+// them fails instead of costing nothing.
+Result<> readSlots(Database& catalogue, const FieldRow& pagamento, const std::vector<std::string>& columns,
+                   const std::function<void(const SlotView&)>& use) {
+  const std::vector<int> methods = activeMethods(pagamento);
+  if (methods.empty()) return {};
+  const std::string names = columnNames(methods, columns);
+  for (std::size_t zone = 0; zone < shippingZones; ++zone) {
+    const std::string table = "zona" + std::to_string(zone + 1);
+    auto query = catalogue.prepare("SELECT " + names + " FROM " + table);
+    if (!query) return fail(query.error());
+    const auto found = query->step();
+    if (!found) return fail(found.error());
+    if (!*found) return fail(ErrorKind::Corrupt, table, "no row");
+    for (std::size_t k = 0; k < methods.size(); ++k) {
+      use({k * shippingZones + zone, *query, static_cast<int>(k * columns.size())});
+    }
   }
-  return line + ");\r\n";
+  return {};
+}
+
+// Appends one array of the cart: value( slot ), a Result<std::string>, for each slot.
+template <class ValueOf>
+Result<> appendArray(std::string& out, std::string_view name, const ValueOf& value) {
+  out.append(name).append("=new Array(");
+  for (std::size_t slot = 0; slot < slots; ++slot) {
+    const Result<std::string> text = value(slot);
+    if (!text) return fail(text.error());
+    out.append(slot > 0 ? "," : "").append(*text);
+  }
+  out.append(");\r\n");
+  return {};
 }
 
 struct AmountSteps {
   Money amount1, shipping1, amount2, shipping2, shipping3;
 };
 
-std::string amountArrays(const std::array<AmountSteps, slots>& steps, const ShippingPrice& price) {
-  const auto limit = [&steps](Money AmountSteps::*field) {
-    return [&steps, field](std::size_t slot) { return trimmedNumber(steps[slot].*field); };
-  };
-  const auto cost = [&steps, &price](Money AmountSteps::*field) {
-    return [&steps, &price, field](std::size_t slot) { return price.text(steps[slot].*field); };
-  };
-  return arrayLine("impord1", limit(&AmountSteps::amount1)) + arrayLine("impspese1", cost(&AmountSteps::shipping1)) +
-         arrayLine("impord2", limit(&AmountSteps::amount2)) + arrayLine("impspese2", cost(&AmountSteps::shipping2)) +
-         arrayLine("impspese3", cost(&AmountSteps::shipping3));
+/// One array of the costs by order amount: limits are written as they are, costs as the price of shipping.
+struct AmountArray {
+  std::string_view name;
+  Money AmountSteps::*field;
+  bool isCost;
+};
+constexpr std::array<AmountArray, 5> amountArrays{{{"impord1", &AmountSteps::amount1, false},
+                                                   {"impspese1", &AmountSteps::shipping1, true},
+                                                   {"impord2", &AmountSteps::amount2, false},
+                                                   {"impspese2", &AmountSteps::shipping2, true},
+                                                   {"impspese3", &AmountSteps::shipping3, true}}};
+
+Result<std::string> amountText(const std::array<AmountSteps, slots>& steps, const ShippingPrice& price) {
+  std::string out;
+  for (const AmountArray& array : amountArrays) {
+    const auto appended = appendArray(out, array.name, [&](std::size_t slot) -> Result<std::string> {
+      const Money amount = steps[slot].*array.field;
+      if (array.isCost) return price.text(amount);
+      return trimmedNumber(amount);
+    });
+    if (!appended) return fail(appended.error());
+  }
+  return out;
 }
 
 struct WeightSteps {
@@ -88,12 +113,12 @@ struct WeightSteps {
   Money beyond;
 };
 
-std::array<WeightSteps, slots> readWeights(Database& catalogue, const FieldRow& pagamento) {
+Result<std::array<WeightSteps, slots>> readWeights(Database& catalogue, const FieldRow& pagamento) {
   std::vector<std::string> columns;
   for (std::size_t i = 1; i <= weightLimits; ++i) columns.push_back("m#peso" + std::to_string(i));
   for (std::size_t i = 1; i <= weightAmounts; ++i) columns.push_back("m#spp" + std::to_string(i));
   std::array<WeightSteps, slots> weights;
-  readSlots(catalogue, pagamento, columns, [&weights](const SlotView& view) {
+  const auto read = readSlots(catalogue, pagamento, columns, [&weights](const SlotView& view) {
     WeightSteps& steps = weights[view.slot];
     int column = view.first;
     for (auto& step : steps.steps) step.first = view.row.single(column++);
@@ -103,18 +128,43 @@ std::array<WeightSteps, slots> readWeights(Database& catalogue, const FieldRow& 
     std::stable_sort(steps.steps.begin(), steps.steps.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
   });
+  if (!read) return fail(read.error());
   return weights;
+}
+
+struct SlotAmounts {
+  std::array<AmountSteps, slots> steps{};
+  std::string allowed;  ///< "1" or "0" for each filled slot, in the order of the slots
+};
+
+Result<SlotAmounts> readAmounts(Database& catalogue, const FieldRow& pagamento) {
+  SlotAmounts amounts;
+  std::array<std::string, slots> allowed;  // a slot without a method has no sign
+  const auto read = readSlots(catalogue, pagamento, {"pag#", "m#imp1", "m#sp1", "m#imp2", "m#sp2", "m#sp3"},
+                              [&](const SlotView& view) {
+                                AmountSteps& step = amounts.steps[view.slot];
+                                const auto amount = [&view](int i) { return view.row.money(view.first + i); };
+                                step = {amount(1), amount(2), amount(3), amount(4), amount(5)};
+                                if (step.amount1 > step.amount2) {
+                                  std::swap(step.amount1, step.amount2);
+                                  std::swap(step.shipping1, step.shipping2);
+                                }
+                                allowed[view.slot] = view.row.flag(view.first) ? "1" : "0";
+                              });
+  if (!read) return fail(read.error());
+  for (const std::string& sign : allowed) amounts.allowed += sign;
+  return amounts;
 }
 
 }  // namespace
 
-std::string ShippingPrice::text(Money amount) const {
+Result<std::string> ShippingPrice::text(Money amount) const {
   const auto gross = multiplyThroughSingle(amount, 1.0F + aliquota);
-  if (!gross) throw RunFailure(overflowFailure, "Spese di spedizione troppo grandi");
+  if (!gross) return fail(ErrorKind::Other, "", "Spese di spedizione troppo grandi", overflowFailure);
   return form.NumeroJS(*gross);
 }
 
-AmountTables MakeImporti(Database& catalogue, const FieldRow& pagamento, const ShippingPrice& price) {
+Result<AmountTables> MakeImporti(Database& catalogue, const FieldRow& pagamento, const ShippingPrice& price) {
   AmountTables tables;
   std::string withVat;
   for (int zone = 1; zone <= shippingZones; ++zone) {
@@ -124,35 +174,34 @@ AmountTables MakeImporti(Database& catalogue, const FieldRow& pagamento, const S
     tables.java_iva = "totiva = 0;";
     tables.java_iva_spese = "spediva = 0;";
   }
-  std::array<AmountSteps, slots> steps{};
-  std::array<std::string, slots> allowed;  // a slot without a method has no letter
-  readSlots(catalogue, pagamento, {"pag#", "m#imp1", "m#sp1", "m#imp2", "m#sp2", "m#sp3"}, [&](const SlotView& view) {
-    AmountSteps& step = steps[view.slot];
-    const auto amount = [&view](int i) { return view.row.money(view.first + i); };
-    step = {amount(1), amount(2), amount(3), amount(4), amount(5)};
-    if (step.amount1 > step.amount2) {
-      std::swap(step.amount1, step.amount2);
-      std::swap(step.shipping1, step.shipping2);
-    }
-    allowed[view.slot] = view.row.flag(view.first) ? "1" : "0";
-  });
-  std::string letters;
-  for (const std::string& letter : allowed) letters += letter;
-  tables.java_importi = amountArrays(steps, price);
-  tables.java_permessi = "var SpOk='" + letters + "';\r\nvar IvaOk='" + withVat + "';";
+  const auto amounts = readAmounts(catalogue, pagamento);
+  if (!amounts) return fail(amounts.error());
+  auto text = amountText(amounts->steps, price);
+  if (!text) return fail(text.error());
+  tables.java_importi = std::move(*text);
+  tables.java_permessi = "var SpOk='" + amounts->allowed + "';\r\nvar IvaOk='" + withVat + "';";
   return tables;
 }
 
-std::string MakeImportiPeso(Database& catalogue, const FieldRow& pagamento, const ShippingPrice& price) {
-  const std::array<WeightSteps, slots> weights = readWeights(catalogue, pagamento);
+Result<std::string> MakeImportiPeso(Database& catalogue, const FieldRow& pagamento, const ShippingPrice& price) {
+  const auto weights = readWeights(catalogue, pagamento);
+  if (!weights) return fail(weights.error());
   std::string out;
-  for (std::size_t j = 0; j < weightLimits; ++j) {
+  for (std::size_t j = 0; j < weightAmounts; ++j) {
     const std::string number = std::to_string(j + 1);
-    out += arrayLine("imppeso" + number, [&](std::size_t slot) { return trimmedNumber(weights[slot].steps[j].first); });
-    out += arrayLine("impspp" + number, [&](std::size_t slot) { return price.text(weights[slot].steps[j].second); });
+    if (j < weightLimits) {
+      const auto limits = appendArray(out, "imppeso" + number, [&](std::size_t slot) -> Result<std::string> {
+        return trimmedNumber((*weights)[slot].steps[j].first);
+      });
+      if (!limits) return fail(limits.error());
+    }
+    const auto costs = appendArray(out, "impspp" + number, [&](std::size_t slot) {
+      const WeightSteps& steps = (*weights)[slot];
+      return price.text(j < weightLimits ? steps.steps[j].second : steps.beyond);
+    });
+    if (!costs) return fail(costs.error());
   }
-  return out + arrayLine("impspp" + std::to_string(weightAmounts),
-                         [&](std::size_t slot) { return price.text(weights[slot].beyond); });
+  return out;
 }
 
 }  // namespace kv

@@ -10,14 +10,16 @@
 
 namespace kv {
 
+/// The text of the list as it grows.
 class FileList {
  public:
-  /// Enters one path: a line of "#" and the path.
+  /// Enters one path: a line of "#" and the path. A path that is entered twice is listed twice.
   void add(std::string_view path);
-  /// Enters the line that closes the list.
+  /// Enters the line that closes the list; without it the list is that of a run that ended early.
   void close();
+  /// The number of paths entered.
   std::size_t size() const { return count_; }
-  /// Replaces the file at `path` with what was entered so far.
+  /// Replaces the file at `path` with what was entered so far. Failures as writeText.
   Result<> write(const std::string& path) const;
 
  private:

@@ -40,25 +40,25 @@ void fillTexts(PageTagRow& row, const ShopTags& tags) {
 
 PageTagRow::PageTagRow(const TableInfo& categoria) {
   for (const ColumnInfo& column : categoria.columns) {
-    places_.try_emplace(foldCase(column.name), names_.size());
+    indexes_.try_emplace(foldCase(column.name), names_.size());
     names_.push_back(column.name);
   }
   values_.resize(names_.size());
 }
 
-std::size_t PageTagRow::placeOf(std::string_view column) const {
-  const auto found = places_.find(foldCase(column));
-  return found == places_.end() ? names_.size() : found->second;
+std::size_t PageTagRow::indexOf(std::string_view column) const {
+  const auto found = indexes_.find(foldCase(column));
+  return found == indexes_.end() ? names_.size() : found->second;
 }
 
 const std::string* PageTagRow::find(std::string_view column) const {
-  const std::size_t place = placeOf(column);
-  return place < values_.size() ? &values_[place] : nullptr;
+  const std::size_t index = indexOf(column);
+  return index < values_.size() ? &values_[index] : nullptr;
 }
 
 void PageTagRow::set(std::string_view column, std::string value) {
-  const std::size_t place = placeOf(column);
-  if (place < values_.size()) values_[place] = std::move(value);
+  const std::size_t index = indexOf(column);
+  if (index < values_.size()) values_[index] = std::move(value);
 }
 
 void fillShopTags(PageTagRow& row, const ShopTags& tags) {
@@ -73,11 +73,18 @@ void fillShopTags(PageTagRow& row, const ShopTags& tags) {
   for (std::size_t i = 0; i < tags.colours.size() && i < 4; ++i) row.set("colore" + std::to_string(i), tags.colours[i]);
 }
 
+void setLanguageLinks(PageTagRow& row, const ShopLanguages& languages, int current, std::string_view file) {
+  for (int i = 1; i <= maxLanguages; ++i) {
+    const bool linked = !file.empty() && i <= languages.count && i != current;
+    row.set("lingua" + std::to_string(i), linked ? CreaTagLingua(languages, file, i) : std::string());
+  }
+}
+
 std::string shopNumber(std::string_view shopAddress) {
-  const std::string letters = toWindows1252(shopAddress);
+  const std::string characters = toWindows1252(shopAddress);
   std::int64_t sum = 0;
-  for (std::size_t i = schemeLength; i < letters.size(); ++i) {
-    sum += static_cast<std::int64_t>(static_cast<unsigned char>(letters[i])) *
+  for (std::size_t i = schemeLength; i < characters.size(); ++i) {
+    sum += static_cast<std::int64_t>(static_cast<unsigned char>(characters[i])) *
            static_cast<std::int64_t>(i - schemeLength + 1);
   }
   return std::to_string(sum);

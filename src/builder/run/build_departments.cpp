@@ -1,7 +1,9 @@
 // The departments of one language: their articles, their sub-pages and the second pass over their pages.
 
+#include <utility>
+
 #include "builder/checkout/server_settings.h"
-#include "builder/run/build_run.h"
+#include "builder/run/build_phases.h"
 #include "builder/values/link_naming.h"
 #include "platform/files/files.h"
 #include "platform/numbers/number_form.h"
@@ -16,147 +18,216 @@ constexpr int mostColumns = 6;
 constexpr std::string_view listPlaceholder = "<<1-elenco>>";
 constexpr std::string_view fallbackModel = "modello1.htm";
 
-/// What the sub-pages of one department share.
-struct DepartmentRun {
-  DepartmentRun(const Department& opened, std::string modelName) : department(opened), model(std::move(modelName)) {}
-
-  const Department& department;
-  std::string model;  // file of the page model
-  int columns = 1;
-  std::int64_t pageSize = defaultPageSize;
-  std::string titlePath, subdepartments;
-  Navigation navigation;
-  ArticlePlace place;
-  std::string list;
-  std::string firstPage;  // output path of the sub-page that has a file
-};
-
 std::string modelFile(const Department& department) {
   const std::string file = department.model + ".htm";
   return matchesLike(file, "modello*.htm") ? file : std::string(fallbackModel);
 }
 
-int gridColumns(const BuildRun& run, const Department& department) {
-  double columns = run.now.generale.number("affiancati");
+int gridColumns(const FieldRow& generale, const Department& department) {
+  double columns = generale.number("affiancati");
   if (const auto own = toNumber(department.affiancati)) columns = *own;
   const double whole = roundHalfEven(columns, 0);
   return whole >= 1 && whole <= mostColumns ? static_cast<int>(whole) : 1;
 }
 
-DepartmentRun openDepartment(BuildRun& run, const Department& department) {
-  DepartmentRun open(department, modelFile(department));
-  open.columns = gridColumns(run, department);
-  open.pageSize = department.maxarticoli < 1 ? defaultPageSize : department.maxarticoli;
-  if (run.now.generale.flag("vis_percrep")) {
-    open.titlePath = run.now.navigation.MakePercorsoTitolo(department.ID);
-    open.subdepartments = run.now.navigation.MakeSottoreparti(department.ID);
+/// What the sub-pages of one department share.
+struct DepartmentPages {
+  const Department& department;
+  std::string model;  // path of the page model
+  int columns = 1;
+  std::int64_t pageSize = defaultPageSize;
+  std::string titlePath, subdepartments;
+  Navigation navigation;
+};
+
+Result<DepartmentPages> readDepartment(const PageFacts& facts, const Department& department,
+                                       const BuildProgress& progress) {
+  const LanguageFacts& language = facts.language;
+  DepartmentPages pages{department,
+                        joinPath(language.source.pools.templatePool, modelFile(department)),
+                        gridColumns(language.generale, department),
+                        defaultPageSize,
+                        {},
+                        {},
+                        {}};
+  if (department.maxarticoli >= 1) pages.pageSize = department.maxarticoli;
+  if (language.generale.flag("vis_percrep")) {
+    pages.titlePath = language.navigation.MakePercorsoTitolo(department.ID);
+    pages.subdepartments = language.navigation.MakeSottoreparti(department.ID);
   }
-  run.checkCancel();
-  open.navigation = run.now.navigation.CatEsplora(department.ID);
-  open.place.vatRate = department.vatRate;
-  open.place.factor = department.sconto ? discountFactor(*department.sconto, run.factor) : run.factor;
-  open.place.singleArticle = open.pageSize == 1;
-  return open;
+  if (auto go = progress.checkCancel(); !go) return fail(go.error());
+  pages.navigation = language.navigation.CatEsplora(department.ID);
+  return pages;
+}
+
+ArticleContext articleContext(const ShopFacts& shop, const DepartmentPages& pages) {
+  const Department& department = pages.department;
+  ArticleContext context;
+  context.vatRate = department.vatRate;
+  context.factor = department.sconto ? discountFactor(*department.sconto, shop.factor) : shop.factor;
+  context.singleArticle = pages.pageSize == 1;
+  return context;
 }
 
 // The columns of the page tag row that belong to the department and the sub-page.
-void fillPageTags(BuildRun& run, const DepartmentRun& open, const std::string& pageFile) {
-  PageTagRow& row = run.now.row;
-  const Department& department = open.department;
-  row = run.now.shopRow;
-  row.set("sottopagine", pager(department.pagina + run.now.lingua));
-  row.set("titolo", open.titlePath + run.html.TestoHTML(department.titolo) + open.subdepartments);
-  row.set("note", run.html.TestoHTML(department.note));
-  row.set("descrizione", run.html.TestoHTML(department.descrizione));
-  run.setLanguageLinks(pageFile);
+void fillPageTags(PageTagRow& row, const PageFacts& facts, const DepartmentPages& pages, const std::string& pageFile) {
+  const Department& department = pages.department;
+  const HtmlText& html = facts.shop.html;
+  const LanguageSource& source = facts.language.source;
+  row = facts.sharedTags;
+  row.set("sottopagine", pager(department.pagina + source.lingua));
+  row.set("titolo", pages.titlePath + html.TestoHTML(department.titolo) + pages.subdepartments);
+  row.set("note", html.TestoHTML(department.note));
+  row.set("descrizione", html.TestoHTML(department.descrizione));
+  setLanguageLinks(row, facts.shop.languages, source.number, pageFile);
   row.set("immagine", pictureTag(department.immagine, department.imageWidth, department.imageHeight));
-  row.set("reparti", open.navigation.tree);
-  row.set("repartimenu", open.navigation.menu);
+  row.set("reparti", pages.navigation.tree);
+  row.set("repartimenu", pages.navigation.menu);
   row.set("elenco", std::string(listPlaceholder));
-  row.set("meta_keywords", run.now.generale.text("keywords") + ", korvane");
+  row.set("meta_keywords", facts.language.generale.text("keywords") + ", korvane");
   row.set("php_vars", phpVars(department.ID));
 }
 
-// One article: its derived row, its entry in the lists, its cell in the showcase.
-void renderArticle(BuildRun& run, DepartmentRun& open, const Statement& article, const ArticleColumns& source) {
-  ++open.place.contatore;
-  if (run.rows.size() <= run.rowCount) run.rows.emplace_back();
-  fillDerivedRow({article, source}, open.place, run.now.rules, run.columns, run.rows[run.rowCount]);
-  ++run.rowCount;
-  const std::string target = articleTarget(open.place);
-  const ArticleView view{article, source};
-  const std::string entry = listEntry(run.showcase, run.html, view, target);
-  open.list += entry;
-  if (article.flag(source.inelenco)) {
-    run.now.siteList += entry;
-    run.now.showcaseCells.push_back(showcaseCell(run.showcase, run.html, view, target, run.now.cellTemplate));
+/// The articles of a department, one row further than what was made of them.
+class ArticleReader {
+ public:
+  static Result<ArticleReader> open(Database& catalogue, int language) {
+    ArticleReader reader;
+    auto query = catalogue.prepare(
+        SelezionaLingua("articoli", language, "WHERE fuoricatalogo IS NOT TRUE AND catID=? ORDER BY ordinamento"));
+    if (!query) return fail(query.error());
+    auto columns = ArticleColumns::of(*query);
+    if (!columns) return fail(columns.error());
+    reader.query_ = std::move(*query);
+    reader.columns_ = *columns;
+    return reader;
   }
-}
 
-/// A query over the articles of a department, one row ahead of what was rendered.
-struct ArticleReader {
-  Statement query;
-  ArticleColumns columns;
-  bool hasRow = false;
+  /// Goes to the first article of a department; the identifier outlives the walk.
+  Result<> start(std::string_view department) {
+    query_.reset();
+    query_.bind(1, department);
+    return next();
+  }
+  Result<> next() {
+    const auto found = query_.step();
+    if (!found) return fail(found.error());
+    hasArticle_ = *found;
+    return {};
+  }
+  bool hasArticle() const { return hasArticle_; }
+  ArticleView article() const { return {query_, columns_}; }
+
+ private:
+  Statement query_;
+  ArticleColumns columns_{};
+  bool hasArticle_ = false;
 };
 
-void makeSubPage(BuildRun& run, DepartmentRun& open, ArticleReader& reader, int n) {
-  run.checkCancel();
-  const std::string pageFile = PageFile(open.department.pagina, n, run.now.lingua);
-  fillPageTags(run, open, pageFile);
-  open.place.pagina = pageFile;
-  open.place.contatore = 0;
-  run.rowCount = 0;
-  while (reader.hasRow && open.place.contatore < open.pageSize) {
-    run.checkCancel();
-    renderArticle(run, open, reader.query, reader.columns);
-    reader.hasRow = must(reader.query.step());
-    run.meter.position += run.meter.step;
-    ++run.meter.articlesDone;
-    run.AggiornaProg();
+/// Makes the departments of one language, one after the other.
+class DepartmentMaker {
+ public:
+  DepartmentMaker(const PageFacts& facts, BuildOutput& output, BuildProgress& progress)
+      : facts_(facts), output_(output), progress_(progress) {}
+
+  Result<> make(const Department& department, ArticleReader& articles);
+  ArticleLists& lists() { return lists_; }
+
+ private:
+  Result<> makeSubPage(const DepartmentPages& pages, ArticleReader& articles, int n);
+  Result<> makeArticles(const DepartmentPages& pages, const std::string& pageFile, ArticleReader& articles);
+  Result<> makeArticle(const ArticleView& article, const ArticleContext& context);
+
+  const PageFacts& facts_;
+  BuildOutput& output_;
+  BuildProgress& progress_;
+  ArticleLists lists_;          // of the site
+  std::string departmentList_;  // of the department at hand
+};
+
+// One article: its derived row, its entry in the lists, its cell in the showcase.
+Result<> DepartmentMaker::makeArticle(const ArticleView& article, const ArticleContext& context) {
+  DerivedRows& rows = output_.page().articles;
+  if (auto filled = fillDerivedRow(article, context, facts_.language.rules, output_.columns(), rows.next()); !filled) {
+    return filled;
   }
-  PageJob job;
-  job.input = joinPath(run.now.pools.templatePool, open.model);
-  job.output = run.online(pageFile);
-  job.reparto = true;
-  job.affiancati = open.columns;
-  job.keepForNextPass = true;
-  if (n == 1) open.firstPage = job.output;
-  const bool made = run.wrapper.CreaPagina(job, run.rows, run.rowCount);
-  if (!made) throw PageRefused();
-  run.files.add(NoASPQuery(job.output));
+  rows.keepNext();
+  const ShopFacts& shop = facts_.shop;
+  const std::string target = articleTarget(context);
+  const std::string entry = listEntry(shop.showcase, shop.html, article, target);
+  departmentList_ += entry;
+  if (article.row.flag(article.columns.inelenco)) {
+    lists_.siteList += entry;
+    lists_.showcaseCells.push_back(
+        showcaseCell(shop.showcase, shop.html, article, target, facts_.language.source.cellTemplate));
+  }
+  return {};
 }
 
-void makeDepartment(BuildRun& run, const Department& department, ArticleReader& reader) {
-  run.checkCancel();
-  DepartmentRun open = openDepartment(run, department);
-  reader.query.reset();
-  reader.query.bind(1, std::string_view(department.ID));
-  reader.hasRow = must(reader.query.step());
+Result<> DepartmentMaker::makeArticles(const DepartmentPages& pages, const std::string& pageFile,
+                                       ArticleReader& articles) {
+  ArticleContext context = articleContext(facts_.shop, pages);
+  context.pagina = pageFile;
+  output_.page().articles.clear();
+  while (articles.hasArticle() && context.contatore < pages.pageSize) {
+    if (auto go = progress_.checkCancel(); !go) return go;
+    ++context.contatore;
+    if (auto made = makeArticle(articles.article(), context); !made) return made;
+    if (auto stepped = articles.next(); !stepped) return stepped;
+    progress_.articleDone();
+  }
+  return {};
+}
+
+Result<> DepartmentMaker::makeSubPage(const DepartmentPages& pages, ArticleReader& articles, int n) {
+  if (auto go = progress_.checkCancel(); !go) return go;
+  const std::string pageFile = PageFile(pages.department.pagina, n, facts_.language.source.lingua);
+  fillPageTags(output_.page().row, facts_, pages, pageFile);
+  if (auto made = makeArticles(pages, pageFile, articles); !made) return made;
+  PageJob job;
+  job.input = pages.model;
+  job.output = facts_.shop.folders.onlineFile(pageFile);
+  job.reparto = true;
+  job.affiancati = pages.columns;
+  job.keepForNextPass = true;
+  if (auto made = output_.makePage(job, facts_.sources); !made) return made;
+  output_.list(NoASPQuery(job.output));
+  return {};
+}
+
+Result<> DepartmentMaker::make(const Department& department, ArticleReader& articles) {
+  if (auto go = progress_.checkCancel(); !go) return go;
+  const auto pages = readDepartment(facts_, department, progress_);
+  if (!pages) return fail(pages.error());
+  if (auto started = articles.start(department.ID); !started) return started;
+  departmentList_.clear();
   int n = 0;
   do {
-    makeSubPage(run, open, reader, ++n);
-  } while (reader.hasRow);
+    if (auto made = makeSubPage(*pages, articles, ++n); !made) return made;
+  } while (articles.hasArticle());
 
   // Only now is the list known that the pages of the department show; it takes a second pass over the first page,
   // the one that has a file.
-  run.now.row.set("elenco", run.showcase.showsList() ? open.list : std::string());
+  output_.page().row.set("elenco", facts_.shop.showcase.showsList() ? departmentList_ : std::string());
   PageJob job;
-  job.input = job.output = open.firstPage;
-  run.makePage(job);
-  run.meter.position += run.meter.step;
-  ++run.meter.departmentsDone;
-  run.AggiornaProg();
+  job.input = job.output =
+      facts_.shop.folders.onlineFile(PageFile(department.pagina, 1, facts_.language.source.lingua));
+  if (auto made = output_.makePage(job, facts_.sources); !made) return made;
+  progress_.departmentDone();
+  return {};
 }
 
 }  // namespace
 
-void makeDepartments(BuildRun& run) {
-  ArticleReader reader;
-  reader.query = must(run.session.catalogue.prepare(
-      SelezionaLingua("articoli", run.now.number, "WHERE fuoricatalogo IS NOT TRUE AND catID=? ORDER BY ordinamento")));
-  reader.columns = ArticleColumns(reader.query);
-  for (const Department& department : run.now.departments) makeDepartment(run, department, reader);
+Result<ArticleLists> makeDepartments(const PageFacts& facts, Database& catalogue, BuildOutput& output,
+                                     BuildProgress& progress) {
+  auto articles = ArticleReader::open(catalogue, facts.language.source.number);
+  if (!articles) return fail(articles.error());
+  DepartmentMaker maker(facts, output, progress);
+  for (const Department& department : facts.language.departments) {
+    if (auto made = maker.make(department, *articles); !made) return fail(made.error());
+  }
+  return std::move(maker.lists());
 }
 
 }  // namespace kv

@@ -1,192 +1,120 @@
-// Preparation of a build, once for all languages: token, modules, settings, build database.
+// What is done once for all languages, before the first page.
 
-#include <array>
-#include <set>
-
-#include "builder/checkout/server_settings.h"
-#include "builder/run/build_run.h"
+#include "builder/run/build_messages.h"
+#include "builder/run/build_phases.h"
+#include "builder/values/currency_form.h"
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
-#include "platform/text/text.h"
+#include "store/schema/schema.h"
 
 namespace kv {
 
 namespace {
 
 constexpr int tokenLength = 20;
-constexpr std::uint32_t tokenLetters = 26;
-constexpr int variantSlots = 4;
-constexpr std::size_t variantColumns = std::size_t{variantSlots} * listini;
-constexpr std::int64_t noVariant = 1;  // the fixed variant "(nessuna)"; 0 and null mean the same
-constexpr int rowsBetweenYields = 16384;
+constexpr std::uint32_t lettersOfAlphabet = 26;
 
 std::string newToken(RandomSource& random) {
   std::string token;
-  for (int i = 0; i < tokenLength; ++i) token += static_cast<char>('a' + random.below(tokenLetters));
+  for (int i = 0; i < tokenLength; ++i) token += static_cast<char>('a' + random.below(lettersOfAlphabet));
   return token;
 }
 
-// Marks the new build: with the old marker gone, every cached export is stale. A folder that isn't there is told of
-// when the language run probes it.
-void writeMarker(BuildRun& run) {
-  for (const std::string& name : listFiles(run.session.onlineFolder, "*.sc")) {
-    static_cast<void>(deleteFile(run.online(name)));
+Result<> checkLanguageModules(const ShopLanguages& languages, UserPort& user) {
+  std::vector<std::string> missing;
+  for (int i = 0; i < languages.count; ++i) {
+    const std::string& code = languages.codes[static_cast<std::size_t>(i)];
+    if (!findEntry(languages.languagesFolder, code + ".lng")) missing.push_back(code);
   }
-  static_cast<void>(writeText(run.online(run.token + ".sc"), std::to_string(run.session.languageCount) + "\r\n"));
+  if (missing.empty()) return {};
+  const std::string message = missingModulesText(missing);
+  user.message(message, Icon::Exclamation);
+  return fail(ErrorKind::Told, languages.languagesFolder, message);
 }
 
-// A build that was killed may have left the file it was writing beside the page that it was to replace.
-void sweep(const BuildRun& run) {
-  for (const std::string& folder : {run.session.onlineFolder, run.session.scriptFolder, run.session.ShopFolder,
-                                    joinPath(run.session.ShopFolder, "db")}) {
-    removeUnfinishedFiles(folder);
-  }
-}
-
-void checkLanguageModules(const BuildRun& run) {
-  std::string missing;
-  for (int i = 0; i < run.languages.count; ++i) {
-    const std::string& code = run.languages.codes[static_cast<std::size_t>(i)];
-    if (!findEntry(run.languages.languagesFolder, code + ".lng")) missing += code + "\n";
-  }
-  if (missing.empty()) return;
-  run.env.user.message("I seguenti moduli linguistici non sono stati trovati:\n" + missing +
-                           "\nPer costruire il negozio è necessario installare i moduli linguistici mancanti,\n"
-                           "oppure cambiare le lingue selezionate (menu \"File/Configura lingue\")",
-                       Icon::Exclamation);
-  throw RunStopped();
-}
-
-FieldRow singleRow(Database& database, const std::string& query) {
-  Statement statement = must(database.prepare(query));
-  return must(statement.step()) ? FieldRow(statement) : FieldRow();
-}
-
-void readSettings(BuildRun& run) {
-  run.generale = singleRow(run.session.catalogue, SelezionaLingua("generale", 1));
-  const FieldRow& generale = run.generale;
-  if (generale.flag("personaltags")) {
-    run.custom = CaricaTagPersonali(run.session.ShopFolder, run.env.applicationFolder);
-  }
-  run.html.entities = run.env.settings.get(settingsSection, "MacCodes") != "off";
-  run.redirectScript = MakeRedirect(generale);
-  run.factor = shopFactor(generale.text("sconto"));
-  run.showcase.listCode = generale.flag("elenco_codice");
-  run.showcase.listTitle = generale.flag("elenco_titolo");
-  run.showcase.listSubtitle = generale.flag("elenco_sottotitolo");
-  run.showcase.listPhoto = generale.flag("elenco_foto");
-  run.showcase.columns = showcaseColumns(generale.number("colonnevetrina"));
-  run.showcase.align = generale.text("vetalign");
-  run.showcase.alignStyle = generale.text("vetalignstyle");
-  run.showcase.fontSize = generale.text("vetsize");
-  run.showcase.options = static_cast<int>(generale.integer("vetopzioni"));
-  run.showcase.singleArticle = generale.flag("singleitem_vet");
-  const FieldRow payment = singleRow(run.session.catalogue, "SELECT * FROM pagamento");
-  run.shippingVat = payment.single("ivaspese") / 100.0F;
-}
-
-WrapperSettings wrapperSettings(const BuildRun& run) {
-  WrapperSettings settings;
-  settings.smartbuild = run.session.smartBuild;
-  settings.newPhpNames = run.env.settings.get(settingsSection, "PHP4.1VARS") == "1";
-  settings.order.registrationRequired = run.generale.flag("regobbl");
-  settings.order.pricesForRegisteredOnly = run.generale.flag("regprices");
-  settings.order.limitsForFirstList = run.generale.flag("reglist");
-  return settings;
-}
-
-// Copies each department with its VAT as a fraction and, for each listino, its discount factor and its lock.
-void copyDepartments(BuildRun& run) {
-  std::string names = "ID, nascosto, iva", marks = "?, ?, ?";
+// Columns of `categorie` that a build copies: two for each listino after the first three.
+std::vector<std::string> copiedColumns() {
+  std::vector<std::string> columns{"ID", "nascosto", "iva"};
   for (const std::string_view suffix : listinoSuffixes) {
-    names.append(", sconto").append(suffix).append(", inaccessibile").append(suffix);
-    marks += ", ?, ?";
+    columns.push_back("sconto" + std::string(suffix));
+    columns.push_back("inaccessibile" + std::string(suffix));
   }
-  Statement read =
-      must(run.session.catalogue.prepare("SELECT " + names + " FROM categorie ORDER BY livello, ordinamento"));
-  Statement write = must(run.build.prepare("INSERT INTO categorie (" + names + ") VALUES (" + marks + ")"));
-  while (must(read.step())) {
-    write.bind(1, read.text(0));
-    write.bind(2, read.flag(1));
-    write.bind(3, static_cast<double>(read.single(2) / 100.0F));
-    for (int n = 0; n < listini; ++n) {
-      const int column = 3 + 2 * n;
-      const float factor = read.isNull(column) ? run.factor : discountFactor(read.single(column), run.factor);
-      write.bind(column + 1, static_cast<double>(factor));
-      write.bind(column + 2, read.flag(column + 1));
-    }
-    must(write.execute());
+  return columns;
+}
+
+std::string departmentQuery() {
+  std::string names;
+  for (const std::string& column : copiedColumns()) names.append(names.empty() ? "" : ", ").append(column);
+  return "SELECT " + names + " FROM categorie ORDER BY livello, ordinamento";
+}
+
+// A department with its VAT as a fraction and, for each listino, its discount factor and its lock.
+void bindDepartment(const Statement& department, float shopFactor, Statement& row) {
+  row.bind(1, department.text(0));
+  row.bind(2, department.flag(1));
+  row.bind(3, static_cast<double>(department.single(2) / 100.0F));
+  for (int n = 0; n < listini; ++n) {
+    const int column = 3 + 2 * n;
+    const float factor = department.isNull(column) ? shopFactor : discountFactor(department.single(column), shopFactor);
+    row.bind(column + 1, static_cast<double>(factor));
+    row.bind(column + 2, department.flag(column + 1));
   }
 }
 
-// One walk instead of a query for each of the forty variant columns.
-void surveyArticles(BuildRun& run) {
-  std::string names = "fuoricatalogo";
-  for (int slot = 1; slot <= variantSlots; ++slot) {
-    for (int n = 0; n < listini; ++n) names += ", " + variantColumn(slot, n);
+Result<> copyDepartments(Database& catalogue, float shopFactor, BuildOutput& output) {
+  auto departments = catalogue.prepare(departmentQuery());
+  if (!departments) return fail(departments.error());
+  auto row = output.insertInto("categorie", copiedColumns());
+  if (!row) return fail(row.error());
+  auto more = departments->step();
+  for (; more && *more; more = departments->step()) {
+    bindDepartment(*departments, shopFactor, *row);
+    if (auto written = row->execute(); !written) return written;
   }
-  std::array<std::set<std::int64_t>, variantColumns> found;
-  Statement read = must(run.session.catalogue.prepare("SELECT " + names + " FROM articoli"));
-  for (int row = 1; must(read.step()); ++row) {
-    // Some 20 ms of a walk that may last as long as the user waits for an answer.
-    if (row % rowsBetweenYields == 0) run.checkCancel();
-    if (!read.flag(0)) ++run.survey.sellable;
-    for (std::size_t i = 0; i < found.size(); ++i) {
-      const int column = static_cast<int>(i) + 1;
-      const std::int64_t variant = read.integer(column);
-      if (variant > noVariant) {
-        found[i].insert(variant);
-      } else if (i < listini && variant != noVariant && !read.isNull(column)) {
-        run.survey.inFirstSlots.insert(variant);
-      }
-    }
-  }
-  std::set<std::int64_t> known;
-  for (std::size_t i = 0; i < found.size(); ++i) {
-    if (i < listini) run.survey.inFirstSlots.insert(found[i].begin(), found[i].end());
-    for (const std::int64_t variant : found[i]) {
-      if (known.insert(variant).second) run.survey.variants.push_back(variant);
-    }
-  }
+  if (!more) return fail(more.error());
+  return {};
 }
 
-// The option codes of the variants that stand in the first slot of some listino; those of the other slots alone are
-// not looked for.
-void copyOptionCodes(BuildRun& run) {
-  Statement read = must(
-      run.session.catalogue.prepare("SELECT ID, TRIM(codice), OpID FROM dettagliop WHERE codice <> '' ORDER BY ID"));
-  Statement write = must(run.build.prepare("INSERT INTO opcodici (ID, codice, OpID) VALUES (?, ?, ?)"));
-  while (must(read.step())) {
-    if (read.isNull(2) || !run.survey.inFirstSlots.contains(read.integer(2))) continue;
-    write.bind(1, read.integer(0));
-    write.bind(2, read.text(1));
-    write.bind(3, read.integer(2));
-    must(write.execute());
+// The option codes of the variants in the first slot of some listino; those of the other slots alone are not looked
+// for.
+Result<> copyOptionCodes(Database& catalogue, const ArticleSurvey& survey, BuildOutput& output) {
+  auto codes = catalogue.prepare("SELECT ID, TRIM(codice), OpID FROM dettagliop WHERE codice <> '' ORDER BY ID");
+  if (!codes) return fail(codes.error());
+  auto row = output.insertInto("opcodici", {"ID", "codice", "OpID"});
+  if (!row) return fail(row.error());
+  auto more = codes->step();
+  for (; more && *more; more = codes->step()) {
+    if (codes->isNull(2) || !survey.inFirstSlots.contains(codes->integer(2))) continue;
+    row->bind(1, codes->integer(0));
+    row->bind(2, codes->text(1));
+    row->bind(3, codes->integer(2));
+    if (auto written = row->execute(); !written) return written;
   }
+  if (!more) return fail(more.error());
+  return {};
 }
 
 }  // namespace
 
-void prepareBuild(BuildRun& run) {
-  const std::string& folder = run.session.ShopFolder;
-  run.token = newToken(run.env.random);
-  sweep(run);
-  writeMarker(run);
-  checkLanguageModules(run);
-  readSettings(run);
-  run.wrapper.configure(wrapperSettings(run));
-  static_cast<void>(deleteFile(joinPath(folder, "kvftp.dat")));
-  const std::string buildPath = joinPath(folder, "db/sql.mdb");
-  static_cast<void>(deleteFile(buildPath));
-  run.files.add(joinPath(folder, "source.mdb"));
-  must(copyFile(joinPath(folder, "new.mdb"), buildPath));
-  run.build = must(Database::open(buildPath, OpenMode::Scratch));
-  must(run.build.begin());
-  run.phpGlobals = phpGlobals(run.generale, CurrencyForm(run.generale), run.factor, run.templateFolder);
-  copyDepartments(run);
-  run.checkCancel();
-  surveyArticles(run);
-  copyOptionCodes(run);
+Result<ShopFacts> prepareBuild(Session& session, Environment& env, BuildOutput& output) {
+  const std::string token = newToken(env.random);
+  sweepFolders(output.folders());
+  writeMarker(output.folders(), token, session.languageCount);
+  auto present = checkLanguageModules(shopLanguages(session, env.applicationFolder), env.user);
+  if (!present) return fail(present.error());
+  auto facts = readShopFacts(session, env, token);
+  if (!facts) return facts;
+  if (auto opened = output.open(); !opened) return fail(opened.error());
+  return facts;
+}
+
+Result<ArticleSurvey> copyShopRows(Database& catalogue, const ShopFacts& shop, BuildOutput& output,
+                                   const BuildProgress& progress) {
+  if (auto copied = copyDepartments(catalogue, shop.factor, output); !copied) return fail(copied.error());
+  if (auto go = progress.checkCancel(); !go) return fail(go.error());
+  auto survey = surveyArticles(catalogue, progress);
+  if (!survey) return survey;
+  if (auto copied = copyOptionCodes(catalogue, *survey, output); !copied) return fail(copied.error());
+  return survey;
 }
 
 }  // namespace kv

@@ -1,107 +1,124 @@
-// Scripts and resources of one language, and what stands once at the end of a build.
+// Scripts and resources of one language, and what is left to do once at the end of a build.
 
-#include "builder/run/build_run.h"
+#include <array>
+
+#include "builder/run/build_phases.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
+#include "tags/package/template_package.h"
 #include "tags/syntax/file_naming.h"
 
 namespace kv {
 
 namespace {
 
-void makeScript(BuildRun& run, const std::string& input, const std::string& output) {
+Result<> makeScript(const std::string& input, const std::string& path, const PageSources& sources,
+                    BuildOutput& output) {
   PageJob job;
   job.input = input;
-  job.output = output;
-  run.makePage(job);
-  run.files.add(output);
+  job.output = path;
+  if (auto made = output.makePage(job, sources); !made) return made;
+  output.list(path);
+  return {};
 }
 
-void copyResource(BuildRun& run, const std::string& from, const std::string& to) {
-  must(copyFile(from, to));
-  run.files.add(to);
+Result<> makeBackOfficeFile(const std::string& folder, const std::string& name, const PageSources& sources,
+                            BuildOutput& output) {
+  const std::string input = joinPath(folder, name), path = output.folders().scriptFile(name);
+  const bool isScript = endsWithIgnoringCase(name, ".php") || endsWithIgnoringCase(name, ".htm");
+  return isScript ? makeScript(input, path, sources, output) : output.copy(input, path);
 }
 
-// The same names for every language, so that the row of the last one wins: the files are entered for each language
-// and made for the last.
-void makeBackOffice(BuildRun& run) {
-  const std::string folder = joinPath(run.env.applicationFolder, "backoffice");
-  run.wrapper.setSources(&run.now.row, &run.now.words, &run.custom, "");
+// The same names for every language, so that the files of the last one win: they are listed for each language and made
+// for the last.
+Result<> makeBackOffice(const PageFacts& facts, BuildOutput& output, const BuildProgress& progress) {
+  const std::string folder = joinPath(facts.shop.applicationFolder, "backoffice");
+  PageSources sources = facts.sources;
+  sources.lingua = "";
   for (const std::string& name : listFiles(folder, "*.*")) {
-    run.checkCancel();
-    const std::string input = joinPath(folder, name);
-    if (run.now.number < run.languages.count) {
-      run.files.add(run.script(name));
-      continue;
-    }
-    if (endsWithIgnoringCase(name, ".php") || endsWithIgnoringCase(name, ".htm")) {
-      makeScript(run, input, run.script(name));
-    } else {
-      copyResource(run, input, run.script(name));
+    if (auto go = progress.checkCancel(); !go) return go;
+    if (facts.language.source.number < facts.shop.languages.count) {
+      output.list(output.folders().scriptFile(name));
+    } else if (auto made = makeBackOfficeFile(folder, name, sources, output); !made) {
+      return made;
     }
   }
-  run.wrapper.setSources(&run.now.row, &run.now.words, &run.custom, run.now.lingua);
+  return {};
 }
 
-void makeScripts(BuildRun& run, std::string_view pattern, bool serverScripts) {
-  const std::string& pool = run.now.pools.codePool;
-  for (const std::string& name : listFiles(pool, pattern)) {
-    run.checkCancel();
+/// The scripts of the code pool that match a pattern, and the folder they go to.
+struct ScriptKind {
+  std::string_view pattern;
+  bool isServerScript;  // goes to the folder of scripts under its own name
+};
+constexpr std::array<ScriptKind, 4> scriptKinds{{{"*.js", false}, {"*.pl", true}, {"*.asp", false}, {"*.php", false}}};
+
+Result<> makeScripts(const ScriptKind& kind, const PageFacts& facts, BuildOutput& output,
+                     const BuildProgress& progress) {
+  const std::string& pool = facts.language.source.pools.codePool;
+  const SiteFolders& folders = facts.shop.folders;
+  for (const std::string& name : listFiles(pool, kind.pattern)) {
+    if (auto go = progress.checkCancel(); !go) return go;
     // Order and search are served by PHP.
     if (equalsIgnoringCase(name, "kvorder.pl") || equalsIgnoringCase(name, "kvsearch.pl")) continue;
-    makeScript(run, joinPath(pool, name),
-               serverScripts ? run.script(name) : run.online(FileLingua(name, run.now.lingua)));
+    const std::string path = kind.isServerScript ? folders.scriptFile(name)
+                                                 : folders.onlineFile(FileLingua(name, facts.language.source.lingua));
+    if (auto made = makeScript(joinPath(pool, name), path, facts.sources, output); !made) return made;
   }
+  return {};
 }
 
-void copyTemplateResources(BuildRun& run) {
-  const std::string& pool = run.now.pools.templatePool;
+Result<> copyTemplateResources(const PageFacts& facts, BuildOutput& output, const BuildProgress& progress) {
+  const std::string& pool = facts.language.source.pools.templatePool;
   for (const std::string& name : listFiles(pool, "*.*")) {
     if (!CanCopy(name)) continue;
-    run.checkCancel();
-    copyResource(run, joinPath(pool, name), run.online(FileLingua(name, run.now.lingua)));
+    if (auto go = progress.checkCancel(); !go) return go;
+    const std::string path = facts.shop.folders.onlineFile(FileLingua(name, facts.language.source.lingua));
+    if (auto copied = output.copy(joinPath(pool, name), path); !copied) return copied;
   }
+  return {};
 }
 
-void removePools(const BuildRun& run) {
-  const std::string root = joinPath(run.session.ShopFolder, "tmp");
-  for (const std::string& folder : {joinPath(root, "1"), joinPath(root, "2"), root}) {
-    static_cast<void>(emptyFolder(folder));
-    static_cast<void>(removeFolder(folder));
+Result<> copyPictures(const SiteFolders& folders, BuildOutput& output, const BuildProgress& progress) {
+  const std::string work = folders.shopFile("work");
+  for (const std::string& name : listFiles(work, "*.*")) {
+    if (auto go = progress.checkCancel(); !go) return go;
+    if (auto copied = output.copy(joinPath(work, name), folders.onlineFile(name)); !copied) return copied;
   }
+  return {};
+}
+
+Result<> copyFlags(const ShopFacts& shop, BuildOutput& output) {
+  for (int i = 0; i < shop.languages.count; ++i) {
+    const std::string flag = shop.languages.codes[static_cast<std::size_t>(i)] + ".gif";
+    const auto entry = findEntry(shop.languages.languagesFolder, flag);
+    if (!entry) continue;
+    if (auto copied = output.copy(*entry, shop.folders.onlineFile("kvan_" + flag)); !copied) return copied;
+  }
+  return {};
 }
 
 }  // namespace
 
-void makeScriptsAndResources(BuildRun& run) {
-  makeBackOffice(run);
-  makeScripts(run, "*.js", false);
-  makeScripts(run, "*.pl", true);
-  makeScripts(run, "*.asp", false);
-  makeScripts(run, "*.php", false);
-  copyTemplateResources(run);
-  for (const std::string_view name : {"db.sql", "dbdel.sql"})
-    run.files.add(run.online(FileLingua(name, run.now.lingua)));
+Result<> makeScriptsAndResources(const PageFacts& facts, BuildOutput& output, const BuildProgress& progress) {
+  if (auto made = makeBackOffice(facts, output, progress); !made) return made;
+  for (const ScriptKind& kind : scriptKinds) {
+    if (auto made = makeScripts(kind, facts, output, progress); !made) return made;
+  }
+  if (auto copied = copyTemplateResources(facts, output, progress); !copied) return copied;
+  for (const std::string_view name : {"db.sql", "dbdel.sql"}) {
+    output.list(facts.shop.folders.onlineFile(FileLingua(name, facts.language.source.lingua)));
+  }
+  return {};
 }
 
-void finishBuild(BuildRun& run) {
-  run.meter.position = run.meter.maximum;
-  run.env.user.progress({"", run.meter.position, run.meter.maximum});
-  const std::string work = joinPath(run.session.ShopFolder, "work");
-  for (const std::string& name : listFiles(work, "*.*")) {
-    run.checkCancel();
-    copyResource(run, joinPath(work, name), run.online(name));
-  }
-  for (int i = 0; i < run.languages.count; ++i) {
-    const std::string flag = run.languages.codes[static_cast<std::size_t>(i)] + ".gif";
-    const auto entry = findEntry(run.languages.languagesFolder, flag);
-    if (entry) copyResource(run, *entry, run.online("kvan_" + flag));
-  }
-  run.files.close();
-  must(run.build.commit());
-  run.build.close();
-  must(run.files.write(joinPath(run.session.ShopFolder, "kvftp.dat")));
-  removePools(run);
+Result<> finishBuild(const ShopFacts& shop, BuildOutput& output, BuildProgress& progress) {
+  progress.finish();
+  if (auto copied = copyPictures(shop.folders, output, progress); !copied) return copied;
+  if (auto copied = copyFlags(shop, output); !copied) return copied;
+  if (auto closed = output.close(); !closed) return closed;
+  removePools(shop.folders);
+  return {};
 }
 
 }  // namespace kv

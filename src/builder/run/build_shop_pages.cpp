@@ -1,7 +1,10 @@
 // The shop's own pages of one language: everything the template holds beside the department models.
 
-#include "builder/run/build_run.h"
-#include "builder/run/payment_scripts.h"
+#include <array>
+#include <utility>
+
+#include "builder/checkout/payment_scripts.h"
+#include "builder/run/build_phases.h"
 #include "commerce/gateways/payment_modules.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
@@ -11,89 +14,138 @@ namespace kv {
 
 namespace {
 
-std::string outputName(const BuildRun& run, std::string_view name) {
-  return PutExt(FileLingua(name, run.now.lingua), run.languages.pageExtension);
+/// Makes the pages of one language, one template after the other.
+class ShopPageMaker {
+ public:
+  ShopPageMaker(const PageFacts& facts, BuildOutput& output)
+      : facts_(facts), output_(output), row_(output.page().row), lingua_(facts.language.source.lingua) {}
+
+  /// The columns that all of these pages show.
+  void fillRow(const ArticleLists& lists);
+  void fillNavigation();
+  /// Makes what a template of the pool stands for; nothing for a department model.
+  Result<> make(const std::string& name);
+
+ private:
+  std::string outputName(std::string_view name) const;
+  void linkLanguages(const std::string& name);
+  Result<> makePlainPage(const std::string& name, const std::string& output);
+  Result<> makeThanksPage(const std::string& name, int number, const std::string& method);
+  Result<> makeThanksPages(const std::string& name);
+  Result<> makePaymentPages(const std::string& name);
+
+  const PageFacts& facts_;
+  BuildOutput& output_;
+  PageTagRow& row_;  // of the page at hand
+  const std::string& lingua_;
+};
+
+std::string ShopPageMaker::outputName(std::string_view name) const {
+  return PutExt(FileLingua(name, lingua_), facts_.shop.languages.pageExtension);
 }
 
-void makeStaticPage(BuildRun& run, const std::string& name, const std::string& output) {
+// The links lead to the copies of the page of this name, which has the suffix of its language; an empty one has none.
+void ShopPageMaker::linkLanguages(const std::string& name) {
+  setLanguageLinks(row_, facts_.shop.languages, facts_.language.source.number,
+                   name.empty() ? name : FileLingua(name, lingua_));
+}
+
+void ShopPageMaker::fillRow(const ArticleLists& lists) {
+  row_ = facts_.sharedTags;
+  row_.set("search_maxart", facts_.language.generale.text("ricartperpag"));
+  row_.set("vetrina", showcaseTable(facts_.shop.showcase, lists.showcaseCells));
+  row_.set("elenco", lists.siteList);
+}
+
+void ShopPageMaker::fillNavigation() {
+  Navigation navigation = facts_.language.navigation.CatEsplora(rootDepartment);
+  row_.set("reparti", std::move(navigation.tree));
+  row_.set("repartimenu", std::move(navigation.menu));
+}
+
+Result<> ShopPageMaker::makePlainPage(const std::string& name, const std::string& output) {
   PageJob job;
-  job.input = joinPath(run.now.pools.templatePool, name);
-  job.output = run.online(output);
-  run.makePage(job);
-  run.files.add(job.output);
+  job.input = joinPath(facts_.language.source.pools.templatePool, name);
+  job.output = facts_.shop.folders.onlineFile(output);
+  if (auto made = output_.makePage(job, facts_.sources); !made) return made;
+  output_.list(job.output);
+  return {};
 }
 
 // Tags within the payment text are expanded by a second pass.
-void makeThanksPage(BuildRun& run, const std::string& name, int number, const std::string& method) {
-  PageTagRow& row = run.now.row;
-  std::string text = ReadKpg(run.session.ShopFolder, method);
+Result<> ShopPageMaker::makeThanksPage(const std::string& name, int number, const std::string& method) {
+  const SiteFolders& folders = facts_.shop.folders;
+  std::string text = ReadKpg(folders.shop, method);
   if (text == unreadableDescriptor) {
     text.clear();
-    run.env.user.message("Impossibile trovare il file '" + method + ".kpg'", Icon::Exclamation);
+    output_.warn("Impossibile trovare il file '" + method + ".kpg'");
   }
-  row.set("thankyou", std::move(text));
-  row.set("java_PGAction", ReadKpgAction(run.session.ShopFolder, method, run.now.lingua));
-  const std::string output = outputName(run, "thankyou" + std::to_string(number) + ".htm");
-  run.setLanguageLinks(FileLingua("thankyou" + std::to_string(number) + ".htm", run.now.lingua));
+  row_.set("thankyou", std::move(text));
+  row_.set("java_PGAction", ReadKpgAction(folders.shop, method, lingua_));
+  const std::string page = "thankyou" + std::to_string(number) + ".htm";
+  linkLanguages(page);
   PageJob first;
-  first.input = joinPath(run.now.pools.templatePool, name);
-  first.output = run.online("thankyou.tmp");
+  first.input = joinPath(facts_.language.source.pools.templatePool, name);
+  first.output = folders.onlineFile("thankyou.tmp");
   first.keepForNextPass = true;
-  run.makePage(first);
+  if (auto made = output_.makePage(first, facts_.sources); !made) return made;
   PageJob second;
   second.input = first.output;
-  second.output = run.online(output);
-  run.makePage(second);
-  run.files.add(second.output);
-  for (const std::string& script : SetPG(run, method)) run.files.add(script);
+  second.output = folders.onlineFile(outputName(page));
+  if (auto made = output_.makePage(second, facts_.sources); !made) return made;
+  output_.list(second.output);
+  for (const std::string& script : SetPG(method, facts_.sources, output_)) output_.list(script);
+  return {};
 }
 
-void makeThanksPages(BuildRun& run, const std::string& name) {
-  PageTagRow& row = run.now.row;
-  const FieldRow& payment = run.now.pagamento;
+Result<> ShopPageMaker::makeThanksPages(const std::string& name) {
+  const FieldRow& payment = facts_.language.pagamento;
   int active = 0;
   for (int i = 1; i <= paymentMethods; ++i) {
     const std::string digit = std::to_string(i);
     if (!payment.flag("attivo" + digit)) continue;
-    row.set("metodo_pagamento", payment.text("nome" + digit));
-    makeThanksPage(run, name, ++active, payment.text("metodo" + digit));
+    row_.set("metodo_pagamento", payment.text("nome" + digit));
+    if (auto made = makeThanksPage(name, ++active, payment.text("metodo" + digit)); !made) return made;
   }
-  for (const std::string_view column : {"thankyou", "java_PGAction", "metodo_pagamento"}) row.set(column, "");
+  for (const std::string_view column : {"thankyou", "java_PGAction", "metodo_pagamento"}) row_.set(column, "");
+  return {};
 }
 
-void makePaymentPages(BuildRun& run, const std::string& name) {
-  for (const auto& [page, text] : {std::pair{"payok.htm", run.now.pay_ok}, std::pair{"payerr.htm", run.now.pay_ko}}) {
-    run.now.row.set("paymsg", text);
-    run.setLanguageLinks(FileLingua(page, run.now.lingua));
-    makeStaticPage(run, name, outputName(run, page));
+Result<> ShopPageMaker::makePaymentPages(const std::string& name) {
+  const LanguageModule& words = facts_.language.source.words;
+  static constexpr std::array<std::pair<const char*, const char*>, 2> pages{
+      {{"payok.htm", "pay_ok"}, {"payerr.htm", "pay_ko"}}};
+  for (const auto& [page, word] : pages) {
+    row_.set("paymsg", words.TagLingua(word));
+    linkLanguages(page);
+    if (auto made = makePlainPage(name, outputName(page)); !made) return made;
   }
-  run.now.row.set("paymsg", "");
+  row_.set("paymsg", "");
+  return {};
+}
+
+Result<> ShopPageMaker::make(const std::string& name) {
+  const bool linked = !equalsIgnoringCase(name, "results.htm") && !equalsIgnoringCase(name, "thankyou.htm");
+  linkLanguages(linked ? name : "");
+  if (equalsIgnoringCase(name, "thankyou.htm")) return makeThanksPages(name);
+  if (equalsIgnoringCase(name, "paymsg.htm")) return makePaymentPages(name);
+  if (startsWithIgnoringCase(name, "modello") && endsWithIgnoringCase(name, ".htm")) return {};
+  return makePlainPage(name, outputName(name));
 }
 
 }  // namespace
 
-void makeShopPages(BuildRun& run) {
-  PageTagRow& row = run.now.row;
-  row = run.now.shopRow;
-  row.set("search_maxart", run.now.generale.text("ricartperpag"));
-  row.set("vetrina", showcaseTable(run.showcase, run.now.showcaseCells));
-  row.set("elenco", run.now.siteList);
-  run.checkCancel();
-  Navigation navigation = run.now.navigation.CatEsplora(rootDepartment);
-  row.set("reparti", std::move(navigation.tree));
-  row.set("repartimenu", std::move(navigation.menu));
-  for (const std::string& name : listFiles(run.now.pools.templatePool, "*.*htm*")) {
-    run.checkCancel();
-    const bool linked = !equalsIgnoringCase(name, "results.htm") && !equalsIgnoringCase(name, "thankyou.htm");
-    run.setLanguageLinks(linked ? FileLingua(name, run.now.lingua) : std::string());
-    if (equalsIgnoringCase(name, "thankyou.htm")) {
-      makeThanksPages(run, name);
-    } else if (equalsIgnoringCase(name, "paymsg.htm")) {
-      makePaymentPages(run, name);
-    } else if (!(startsWithIgnoringCase(name, "modello") && endsWithIgnoringCase(name, ".htm"))) {
-      makeStaticPage(run, name, outputName(run, name));
-    }
+Result<> makeShopPages(const PageFacts& facts, const ArticleLists& lists, BuildOutput& output,
+                       const BuildProgress& progress) {
+  ShopPageMaker maker(facts, output);
+  maker.fillRow(lists);
+  if (auto go = progress.checkCancel(); !go) return go;
+  maker.fillNavigation();
+  for (const std::string& name : listFiles(facts.language.source.pools.templatePool, "*.*htm*")) {
+    if (auto go = progress.checkCancel(); !go) return go;
+    if (auto made = maker.make(name); !made) return made;
   }
+  return {};
 }
 
 }  // namespace kv

@@ -14,4 +14,12 @@ const Value& FieldRow::value(std::string_view column) const {
   return found == fields_.end() ? null : found->second;
 }
 
+Result<FieldRow> firstRow(Database& database, std::string_view query) {
+  auto statement = database.prepare(query);
+  if (!statement) return fail(statement.error());
+  const auto found = statement->step();
+  if (!found) return fail(found.error());
+  return *found ? FieldRow(*statement) : FieldRow();
+}
+
 }  // namespace kv

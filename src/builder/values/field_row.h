@@ -6,29 +6,38 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/database/database.h"
 #include "platform/database/statement.h"
 #include "platform/database/value.h"
+#include "platform/ports/result.h"
 
 namespace kv {
 
+/// The fields of one row. Column names ignore case; a column that isn't there reads as a null.
 class FieldRow {
  public:
   /// The current row of a statement.
   explicit FieldRow(const Statement& row);
+  /// A row without columns.
   FieldRow() = default;
 
   bool isNull(std::string_view column) const { return kv::isNull(value(column)); }
   std::string text(std::string_view column) const { return asText(value(column)); }
   double number(std::string_view column) const { return asNumber(value(column)); }
+  /// The number in single precision, as prices and weights are computed.
   float single(std::string_view column) const { return static_cast<float>(number(column)); }
   std::int64_t integer(std::string_view column) const { return asInteger(value(column)); }
   Money money(std::string_view column) const { return asMoney(value(column)); }
   bool flag(std::string_view column) const { return asFlag(value(column)); }
-  /// Null for a column that isn't there.
+  /// The field as it is stored.
   const Value& value(std::string_view column) const;
 
  private:
   std::unordered_map<std::string, Value> fields_;  // by folded name
 };
+
+/// The first row of a query; a row without columns when the query has none. Failures as Database::prepare and
+/// Statement::step.
+Result<FieldRow> firstRow(Database& database, std::string_view query);
 
 }  // namespace kv

@@ -133,8 +133,7 @@ Result<> Replacement::write(std::string_view bytes) {
 
 void Replacement::keepTime(const struct stat& status) {
   const timespec times[] = {status.st_atim, status.st_mtim};
-  // The copy is good even on a file system that keeps no times.
-  static_cast<void>(::futimens(descriptor_.number(), times));
+  ignore(::futimens(descriptor_.number(), times), "a file system that keeps no times is no reason to lose the copy");
 }
 
 Result<> Replacement::commit() {

@@ -22,7 +22,7 @@ OutputFile::OutputFile(OutputFile&& other) noexcept
       flushed_(other.flushed_),
       failure_(std::move(other.failure_)) {}
 
-OutputFile::~OutputFile() { static_cast<void>(close()); }
+OutputFile::~OutputFile() { ignore(close(), "whoever wants to know of a failure closes the file itself"); }
 
 Result<OutputFile> OutputFile::create(const std::string& path) {
   struct stat old {};

@@ -3,6 +3,7 @@
 // and of the codecs all become an Error inside platform/; no exception crosses a folder.
 
 #include <string>
+#include <string_view>
 #include <tl/expected.hpp>
 #include <utility>
 
@@ -19,6 +20,7 @@ enum class ErrorKind {
   Full,          ///< no room is left on the disk
   Malformed,     ///< the input does not have the form it should have
   Cancelled,     ///< the user ended the run
+  Told,          ///< the user has been told already: whoever receives it shows no message of its own
   Other
 };
 
@@ -43,5 +45,9 @@ inline tl::unexpected<Error> fail(ErrorKind kind, std::string where, std::string
 }
 /// The same for an Error that another routine has returned.
 inline tl::unexpected<Error> fail(Error error) { return tl::unexpected<Error>(std::move(error)); }
+
+/// Drops a result on purpose. `why` tells the reader of the call for what reason a failure changes nothing there.
+template <class T>
+constexpr void ignore(const T& /*result*/, std::string_view /*why*/) noexcept {}
 
 }  // namespace kv

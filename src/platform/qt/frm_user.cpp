@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "platform/ports/result.h"
 #include "platform/qt/frm_dialog.h"
 
 namespace kv {
@@ -95,7 +96,7 @@ QWidget* QtUser::over() const {
 }
 
 void QtUser::message(const std::string& text, Icon icon) {
-  static_cast<void>(ask(over(), {text, Buttons::Ok, Answer::Ok, icon}));
+  ignore(ask(over(), {text, Buttons::Ok, Answer::Ok, icon}), "a message has one button");
 }
 
 Answer QtUser::question(const Question& question) { return ask(over(), question); }

@@ -45,7 +45,7 @@ Result<> createDatabase(const std::string& path, std::span<const TableInfo> tabl
   auto created = createTables(*database, tables);
   database->close();
   // A file with half of its tables would be taken for a good database the next time.
-  if (!created) static_cast<void>(deleteFile(path));
+  if (!created) ignore(deleteFile(path), "the first failure is the one to report");
   return created;
 }
 

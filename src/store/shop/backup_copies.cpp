@@ -114,7 +114,7 @@ void dropOldest(const std::string& shopFolder, std::string_view justMade) {
   for (std::size_t i = copies.size(), left = copies.size(); i > 0 && left > copiesKept; --i) {
     const std::string& name = copies[i - 1].name;
     if (name == justMade) continue;
-    static_cast<void>(deleteFile(joinPath(copiesFolder(shopFolder), name)));
+    ignore(deleteFile(joinPath(copiesFolder(shopFolder), name)), "the next copy tries to delete it again");
     --left;
   }
 }
@@ -207,7 +207,7 @@ bool RipristinaCopia(Session& session, Environment& env, const std::string& name
   releaseCatalogue(session, env);
   const auto restored = restoreCopy(shopFolder, name, env.clock);
   if (!restored) env.user.message(notRestored + restored.error().what, Icon::Critical);
-  static_cast<void>(RiavviaSessione(session, env));
+  ignore(RiavviaSessione(session, env), "it has told the user of any failure");
   return restored.has_value();
 }
 

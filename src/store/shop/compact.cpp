@@ -46,7 +46,7 @@ void CompattaCatalogo(const std::string& shopFolder, Environment& env) {
   if (shopFolder.empty() || !fileExists(joinPath(shopFolder, catalogueFile))) return;
   if (!isTurn(env.settings)) return;
   env.user.progress({"Compattazione del database...", 0, 1});
-  static_cast<void>(compactCatalogue(shopFolder, renameFile));
+  ignore(compactCatalogue(shopFolder, renameFile), "the catalogue stays as it was, and a later close tries again");
   env.user.progress({"", 0, 0});
 }
 
@@ -54,14 +54,14 @@ Result<> swapInCompacted(const std::string& shopFolder, const Rename& rename) {
   const CompactionFiles files(shopFolder);
   if (auto kept = rename(files.catalogue, files.previous); !kept) return kept;
   auto swapped = rename(files.compacted, files.catalogue);
-  if (!swapped) static_cast<void>(rename(files.previous, files.catalogue));
+  if (!swapped) ignore(rename(files.previous, files.catalogue), "recoverCatalogue does it at the next start");
   return swapped;
 }
 
 void recoverCatalogue(const std::string& shopFolder) {
   const CompactionFiles files(shopFolder);
   if (fileExists(files.catalogue) || !fileExists(files.previous) || !fileExists(files.compacted)) return;
-  static_cast<void>(renameFile(files.previous, files.catalogue));
+  ignore(renameFile(files.previous, files.catalogue), "opening the shop tells that it has no catalogue");
 }
 
 }  // namespace kv

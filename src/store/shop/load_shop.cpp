@@ -84,8 +84,7 @@ Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder&
   if (env.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
   if (auto stored = storeSetting(session, working.column, ""); !stored) return stored;
   folder = joinPath(session.ShopFolder, working.name);
-  // A default folder that cannot be created counts as missing: the build reports it.
-  static_cast<void>(createFolder(folder));
+  ignore(createFolder(folder), "the build reports a missing default folder");
   return {};
 }
 

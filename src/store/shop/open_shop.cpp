@@ -54,7 +54,7 @@ Result<> takeFolder(const std::string& folder, Environment& env) {
   if (isApplicationFolder(folder, env.applicationFolder)) return clearServerPath(env.applicationFolder);
   auto taken = writeServerPath(env.applicationFolder, folder);
   if (taken) taken = importBundles(folder, env);
-  if (!taken) static_cast<void>(before.restore());
+  if (!taken) ignore(before.restore(), "the first failure is the one to tell");
   return taken;
 }
 
@@ -85,7 +85,7 @@ Outcome tryFolder(Session& session, Environment& env, const std::string& path) {
 // Copies the model shop into the folder. After a failure the remains must not pass for a shop at the next try.
 bool layModelShop(const std::string& folder, const Environment& env) {
   if (CopiaAlbero(joinPath(env.applicationFolder, "new"), folder)) return true;
-  static_cast<void>(deleteFile(joinPath(folder, catalogueFile)));
+  ignore(deleteFile(joinPath(folder, catalogueFile)), "the failure of the copy is the one to tell");
   return false;
 }
 
@@ -107,7 +107,7 @@ bool ApriNegozio(Session& session, Environment& env, std::string path) {
     session.quiet = false;
     return false;
   }
-  static_cast<void>(RiavviaSessione(session, env));
+  ignore(RiavviaSessione(session, env), "it has told the user of any failure");
   return true;
 }
 

@@ -11,12 +11,11 @@
 namespace kv {
 namespace {
 
-// A setting that can't be stored is no reason not to start: it is written again at each start.
 void storeStartSettings(Session& session, Environment& env) {
   if (env.settings.get(settingsSection, "smartbuild").empty())
-    static_cast<void>(env.settings.set(settingsSection, "smartbuild", "1"));
+    ignore(env.settings.set(settingsSection, "smartbuild", "1"), "the next start stores it");
   session.smartBuild = wantsSmartBuild(env.settings);
-  static_cast<void>(env.settings.set(settingsSection, "Path", env.applicationFolder));
+  ignore(env.settings.set(settingsSection, "Path", env.applicationFolder), "the next start stores it");
 }
 
 void tearDown(Session& session, const Environment& env) {

@@ -23,8 +23,7 @@ constexpr std::array<std::string_view, 4> workingFolders{"work", "online", "scri
 
 bool makeWorkingFolders(const std::string& folder) {
   for (std::string_view name : workingFolders) {
-    // The test that follows shows whether it could be created.
-    static_cast<void>(createFolder(joinPath(folder, name)));
+    ignore(createFolder(joinPath(folder, name)), "the next line tests whether it is there");
     if (!folderExists(joinPath(folder, name))) return false;
   }
   return true;

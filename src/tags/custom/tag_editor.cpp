@@ -41,7 +41,8 @@ Result<> takeInUse(const std::string& folder, const std::string& stem) {
   if (!hadOld) return fail(hadOld.error());
   const std::string file = joinPath(folder, stem + ".tag");
   auto moved = renameFile(joinPath(folder, stem + ".new"), file);
-  if (!moved && *hadOld) static_cast<void>(renameFile(placeOf(folder, stem + ".bak"), file));
+  if (!moved && *hadOld)
+    ignore(renameFile(placeOf(folder, stem + ".bak"), file), "the first failure is the one to tell");
   return moved;
 }
 

@@ -22,8 +22,10 @@ constexpr std::string_view scriptPatterns[] = {"*.js", "*.pl", "*.asp", "*.php"}
 class Pool {
  public:
   explicit Pool(std::string folder) : folder_(std::move(folder)) {
-    static_cast<void>(createFolder(folder_));
-    for (const std::string& name : listFiles(folder_, "*.*")) static_cast<void>(deleteFile(joinPath(folder_, name)));
+    ignore(createFolder(folder_), "a file that is missing here is missed where it is used");
+    for (const std::string& name : listFiles(folder_, "*.*")) {
+      ignore(deleteFile(joinPath(folder_, name)), "the file that comes here replaces it");
+    }
   }
   const std::string& folder() const { return folder_; }
 
@@ -37,14 +39,16 @@ class Pool {
     for (const auto& [folded, entry] : entries_) {
       const std::string target = joinPath(folder_, entry.name);
       const bool isRewritten = replacer != nullptr && (pattern == everyFile || matchesWildcard(entry.name, pattern));
-      if (!isRewritten || !rewrite(entry.source, target, *replacer)) static_cast<void>(copyFile(entry.source, target));
+      if (!isRewritten || !rewrite(entry.source, target, *replacer)) {
+        ignore(copyFile(entry.source, target), "missed where it is used");
+      }
     }
   }
   /// Rewrites the references in files that are in the folder already.
   void rewriteInPlace(const ReferenceReplacer& replacer) const {
     for (const std::string& name : listFiles(folder_, everyFile)) {
       const std::string path = joinPath(folder_, name);
-      static_cast<void>(rewrite(path, path, replacer));
+      ignore(rewrite(path, path, replacer), "the file stays as it is");
     }
   }
   static constexpr std::string_view everyFile = "*.*";

@@ -1,12 +1,12 @@
 // One page at a time: marks, prologues, the article loop, the rows, and when a file is written.
 
-#include "builder/page/page_wrapper.h"
-#include "platform/database/recordset.h"
+#include "builder/output/page_writer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "builder/page/page_prologue.h"
+#include "platform/database/recordset.h"
 #include "platform/files/files.h"
 #include "support/temp_shop.h"
 
@@ -19,10 +19,10 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-/// A wrapper with one page tag row, working in a fresh folder.
-class PageWrapperTest : public ::testing::Test {
+/// A writer with one page tag row, working in a fresh folder.
+class PageWriterTest : public ::testing::Test {
  protected:
-  PageWrapperTest() : wrapper(user) {
+  PageWriterTest() : writer(user, tables, true) {
     TableInfo table;
     for (const char* name : {"negozio", "php_vars", "vuoto", "ric_titolo"}) {
       table.columns.push_back({name, ColumnType::Memo, 0, 0, false, ""});
@@ -31,91 +31,90 @@ class PageWrapperTest : public ::testing::Test {
     row.set("negozio", "Bottega");
     row.set("php_vars", "VARS;\r\n");
     row.set("ric_titolo", "$arg3");
-    wrapper.setSources(&row, nullptr, nullptr, "");
-    EXPECT_TRUE(createDatabase(folder / "sql.mdb", buildDatabaseTables()));
-    auto opened = Database::open(folder / "sql.mdb", OpenMode::Scratch);
-    EXPECT_TRUE(opened);
-    build = std::move(*opened);
-    wrapper.openTables(build, columns, "");
+    sources.row = &row;
+    EXPECT_TRUE(createDatabase(folder / "new.mdb", buildDatabaseTables()));
+    EXPECT_TRUE(createFolder(folder / "db"));
+    EXPECT_TRUE(tables.create(folder / ""));
+    EXPECT_TRUE(tables.startLanguage(""));
   }
 
   std::string make(const std::string& name, std::string_view text, const std::string& output) {
     EXPECT_TRUE(writeText(folder / name, text));
-    EXPECT_TRUE(wrapper.CreaPagina({folder / name, folder / output}));
+    EXPECT_TRUE(writer.CreaPagina({folder / name, folder / output}, sources));
     const auto made = readText(folder / output);
     return made ? *made : "(missing)";
   }
 
-  bool makeDepartment(std::string_view model, const std::string& output, std::size_t articles, int affiancati = 1) {
+  Result<> makeDepartment(std::string_view model, const std::string& output, int articles, int affiancati = 1) {
     EXPECT_TRUE(writeText(folder / "modello1.htm", model));
-    std::vector<DerivedRow> rows(articles, DerivedRow(columns.columns.size()));
-    for (std::size_t i = 0; i < articles; ++i) {
-      rows[i][static_cast<std::size_t>(columns.ID)].setWhole(static_cast<std::int64_t>(i) + 1);
-      rows[i][static_cast<std::size_t>(columns.contatore)].set(std::to_string(i + 1));
+    const DerivedColumns& columns = tables.columns();
+    DerivedRows rows;
+    for (int i = 1; i <= articles; ++i) {
+      DerivedRow& article = rows.next();
+      article.resize(columns.columns.size());
+      article[static_cast<std::size_t>(columns.ID)].setWhole(i);
+      article[static_cast<std::size_t>(columns.contatore)].set(std::to_string(i));
+      rows.keepNext();
     }
-    return wrapper.CreaPagina({folder / "modello1.htm", folder / output, true, affiancati}, rows, articles);
+    return writer.CreaPagina({folder / "modello1.htm", folder / output, true, affiancati}, sources, rows);
   }
 
   TempFolder folder;
   ScriptedUser user;
-  PageWrapper wrapper;
+  RowTables tables;
+  PageWriter writer;
   PageTagRow row;
-  DerivedColumns columns;
-  Database build;
+  PageSources sources;
 };
 
-TEST_F(PageWrapperTest, APlainPageGetsThePrologueAndTheMark) {
+TEST_F(PageWriterTest, APlainPageGetsThePrologueAndTheMark) {
   EXPECT_EQ(make("a.htm", "<html><title>x</title></html>", "a.php"),
             "<?php\r\ninclude(\"funcs.php\");\r\n$Lingua = \"\";\r\n?>\r\n<html><meta name=\"generator\" "
             "content=\"Korvane " KORVANE_VERSION "\">\r\n<title>x</title></html>\r\n");
 }
 
-TEST_F(PageWrapperTest, APageThatStartsWithTextHasNoLineEndBehindThePrologue) {
+TEST_F(PageWriterTest, APageThatStartsWithTextHasNoLineEndBehindThePrologue) {
   EXPECT_THAT(make("a.htm", "testo", "a.php"), EndsWith("?>testo\r\n"));
 }
 
-TEST_F(PageWrapperTest, APageThatIsPhpAlreadyGetsNoSecondPrologue) {
+TEST_F(PageWriterTest, APageThatIsPhpAlreadyGetsNoSecondPrologue) {
   EXPECT_EQ(make("a.htm", "  <?php x ?>", "a.php"), "  <?php x ?>\r\n");
 }
 
-TEST_F(PageWrapperTest, AFileThatHoldsTheMarkDoesNotGetItTwice) {
+TEST_F(PageWriterTest, AFileThatHoldsTheMarkDoesNotGetItTwice) {
   const std::string text = generatorMark(false) + "<TITLE>";
   EXPECT_THAT(make("a.htm", text, "a.php"), EndsWith("?>\r\n" + text + "\r\n"));
 }
 
-TEST_F(PageWrapperTest, ScriptsComeOutExpandedWithNothingAdded) {
+TEST_F(PageWriterTest, ScriptsComeOutExpandedWithNothingAdded) {
   EXPECT_EQ(make("a.js", "var a='<<1-negozio>>';<title>", "a.js"), "var a='Bottega';<title>\r\n");
   EXPECT_EQ(make("a.php", "<?php '<<1-negozio>>'", "b.php"), "<?php 'Bottega'\r\n");
 }
 
-TEST_F(PageWrapperTest, ResultTagsAreFilledInTheResultPageAlone) {
+TEST_F(PageWriterTest, ResultTagsAreFilledInTheResultPageAlone) {
   EXPECT_EQ(make("results.htm", "<b><<3-ric_titolo>></b>", "results.htm"), "<b>$arg3</b>\r\n");
   EXPECT_THAT(make("cart.htm", "<<3-ric_titolo>>", "cart.php"), HasSubstr("<<3-ric_titolo>>"));
 }
 
-TEST_F(PageWrapperTest, TheCartPageHasItsBlockAndAPageOfASimilarNameHasNot) {
+TEST_F(PageWriterTest, TheCartPageHasItsBlockAndAPageOfASimilarNameHasNot) {
   EXPECT_THAT(make("Cart.htm", "<html>", "cart.php"),
               HasSubstr("?>\r\n<?php\r\n$cartdisp = CheckDispCart();\r\n$ordercliente = \"\";\r\n?>\r\n<html>"));
   EXPECT_THAT(make("mycart.htm", "<html>", "mycart.php"), Not(HasSubstr("CheckDispCart")));
 }
 
-TEST_F(PageWrapperTest, TheOrderPageAsksForRegistrationAndAvailability) {
+TEST_F(PageWriterTest, TheOrderPageAsksForRegistrationAndAvailability) {
   const std::string plain = make("order.htm", "<html>", "order.php");
   EXPECT_THAT(plain, HasSubstr("?>\r\n<?php\r\nif ($cliente==0 && $regobbl) {\r\n"
                                "header(\"Location: login$Lingua.php?m=23\");\r\n}\r\n?>\r\n<?php\r\n$cartdisp"));
   EXPECT_THAT(plain, Not(HasSubstr("m=37")));
-  WrapperSettings settings;
-  settings.order = {false, true, true};
-  wrapper.configure(settings);
+  sources.order = {false, true, true};
   EXPECT_THAT(make("order.htm", "<html> ", "order.php"),
               HasSubstr("?m=37&t=.37.\");\r\n}\r\n?>\r\n<?php\r\n$cartdisp"));
 }
 
-TEST_F(PageWrapperTest, OldPhpNamesPassThroughUnlessTheSettingIsOn) {
+TEST_F(PageWriterTest, OldPhpNamesPassThroughUnlessTheSettingIsOn) {
   EXPECT_EQ(make("a.php", "$HTTP_GET_VARS $HTTP_ENV_VARS", "b.php"), "$HTTP_GET_VARS $HTTP_ENV_VARS\r\n");
-  WrapperSettings settings;
-  settings.newPhpNames = true;
-  wrapper.configure(settings);
+  sources.newPhpNames = true;
   EXPECT_EQ(make("c.php", "$HTTP_GET_VARS $HTTP_POST_FILES $HTTP_ENV_VARS", "b.php"), "$_GET $_FILES $_ENV\r\n");
   ASSERT_TRUE(makeDepartment("$HTTP_GET_VARS<KV_START><KV_END>", "cat001.php?n=1", 1));
   const std::string page = *readText(folder / "cat001.php");
@@ -123,7 +122,7 @@ TEST_F(PageWrapperTest, OldPhpNamesPassThroughUnlessTheSettingIsOn) {
   EXPECT_THAT(page, HasSubstr("$_GET<?php\r\n$Contatore"));
 }
 
-TEST_F(PageWrapperTest, ADepartmentPageIsPrologueLoopAndEpilogue) {
+TEST_F(PageWriterTest, ADepartmentPageIsPrologueLoopAndEpilogue) {
   ASSERT_TRUE(
       makeDepartment("<html><TITLE>t<kv_start>[<<2-titolo>>|<<2-nonesiste>>]<Kv_End></html>", "cat001.php?n=1", 2));
   EXPECT_EQ(
@@ -176,22 +175,26 @@ TEST_F(PageWrapperTest, ADepartmentPageIsPrologueLoopAndEpilogue) {
       "?>\r\n");
 }
 
-TEST_F(PageWrapperTest, ADepartmentWithoutArticlesKeepsAnEmptySection) {
+TEST_F(PageWriterTest, ADepartmentWithoutArticlesKeepsAnEmptySection) {
   ASSERT_TRUE(makeDepartment("a<KV_START><<2-titolo>><KV_END>b", "cat001.php?n=1", 0));
   EXPECT_THAT(*readText(folder / "cat001.php"), HasSubstr("$prod == $Contatore) {\r\n?>\r\n<?php\r\n}\r\n"));
 }
 
-TEST_F(PageWrapperTest, FurtherSubPagesAddRowsAndNoFile) {
+TEST_F(PageWriterTest, FurtherSubPagesAddRowsAndNoFile) {
   ASSERT_TRUE(makeDepartment("<KV_START><KV_END>", "cat001.php?n=2", 1));
   ASSERT_TRUE(makeDepartment("<KV_START><KV_END>", "cat001.php?n=3", 1));
   EXPECT_FALSE(fileExists(folder / "cat001.php"));
-  const auto pages = build.openRecordset("SELECT ID, sottopagina FROM articoli ORDER BY sottopagina");
+  ASSERT_TRUE(tables.commit());
+  tables.close();
+  auto build = Database::open(folder / "db/sql.mdb", OpenMode::ReadOnly);
+  ASSERT_TRUE(build);
+  const auto pages = build->openRecordset("SELECT ID, sottopagina FROM articoli ORDER BY sottopagina");
   ASSERT_TRUE(pages);
   EXPECT_EQ(pages->size(), 2U);
   EXPECT_EQ(asInteger(pages->get("sottopagina")), 2);
 }
 
-TEST_F(PageWrapperTest, ThreeColumnsAreThirtyThreeThirtyThreeThirtyFourAndAShortRowIsClosed) {
+TEST_F(PageWriterTest, ThreeColumnsAreThirtyThreeThirtyThreeThirtyFourAndAShortRowIsClosed) {
   const std::string open = "<table border=0 width=100%><tr><td valign=top>";
   EXPECT_EQ(cellCode(0, 3, false).before, "<tr><td valign=top width=33%>" + open);
   EXPECT_EQ(cellCode(1, 3, false).before, "<td valign=top width=33%>" + open);
@@ -203,18 +206,20 @@ TEST_F(PageWrapperTest, ThreeColumnsAreThirtyThreeThirtyThreeThirtyFourAndAShort
   EXPECT_EQ(cellCode(0, 1, true).after, "");
 }
 
-TEST_F(PageWrapperTest, AGridIsWrappedInATableUnlessOneArticleIsShown) {
+TEST_F(PageWriterTest, AGridIsWrappedInATableUnlessOneArticleIsShown) {
   EXPECT_THAT(loopHead(2),
               HasSubstr("$prod=$HTTP_GET_VARS['prod'];\r\nif ($prod == 0 ) { echo\"<table border=0>\"; }\r\nwhile"));
   EXPECT_THAT(loopTail(2), EndsWith("}\r\nif ($prod == 0 ) { echo\"</table>\"; }\r\n?>"));
 }
 
-TEST_F(PageWrapperTest, EveryFaultOfTheMarkersHasItsMessage) {
+TEST_F(PageWriterTest, EveryFaultOfTheMarkersHasItsMessage) {
   const std::string name = folder / "modello1.htm";
   for (const char* model : {"x", "<KV_END>", "<KV_START><KV_START><KV_END>", "<KV_START>", "<KV_START><KV_END><KV_END>",
                             "<KV_END><KV_START>"}) {
-    EXPECT_FALSE(makeDepartment(model, "cat001.php?n=1", 1)) << model;
-    wrapper.setSources(&row, nullptr, nullptr, "");
+    const auto made = makeDepartment(model, "cat001.php?n=1", 1);
+    ASSERT_FALSE(made) << model;
+    EXPECT_EQ(made.error().kind, ErrorKind::Told) << model;
+    writer.startLanguage();
   }
   EXPECT_THAT(user.texts(), ElementsAre("Il file '" + name + "' non contiene il tag <KV_START>",
                                         "Il file '" + name + "' non contiene il tag <KV_START>",
@@ -226,32 +231,39 @@ TEST_F(PageWrapperTest, EveryFaultOfTheMarkersHasItsMessage) {
   EXPECT_FALSE(fileExists(folder / "cat001.php"));
 }
 
-TEST_F(PageWrapperTest, AnUnchangedPageKeepsItsFile) {
+TEST_F(PageWriterTest, AnUnchangedPageKeepsItsFile) {
   make("a.htm", "testo", "a.php");
   make("a.htm", "testo", "a.php");
-  EXPECT_EQ(wrapper.counts().written, 1);
-  EXPECT_EQ(wrapper.counts().unchanged, 1);
+  EXPECT_EQ(writer.counts().written, 1);
+  EXPECT_EQ(writer.counts().unchanged, 1);
 }
 
-TEST_F(PageWrapperTest, LineEndsAtTheEndOfThePresentFileDoNotCount) {
+TEST_F(PageWriterTest, LineEndsAtTheEndOfThePresentFileDoNotCount) {
   EXPECT_TRUE(writeText(folder / "a.js", "x\r\n\r\n\r\n"));
   EXPECT_EQ(make("b.js", "x", "a.js"), "x\r\n\r\n\r\n");
-  EXPECT_EQ(wrapper.counts().unchanged, 1);
+  EXPECT_EQ(writer.counts().unchanged, 1);
 }
 
-TEST_F(PageWrapperTest, AnEmptyFileIsAlwaysReplaced) {
+TEST_F(PageWriterTest, AnEmptyFileIsAlwaysReplaced) {
   EXPECT_TRUE(writeText(folder / "a.js", ""));
   EXPECT_EQ(make("b.js", "", "a.js"), "\r\n");
-  EXPECT_EQ(wrapper.counts().written, 1);
+  EXPECT_EQ(writer.counts().written, 1);
 }
 
-TEST_F(PageWrapperTest, CharactersOutsideTheCodePageAreWrittenAsReferences) {
+TEST_F(PageWriterTest, AFileOfLineEndsAloneIsReplacedByAnEmptyPage) {
+  EXPECT_TRUE(writeText(folder / "a.js", "\r\n\r\n"));
+  EXPECT_EQ(make("b.js", "", "a.js"), "\r\n");
+  EXPECT_EQ(writer.counts().written, 1);
+  EXPECT_EQ(writer.counts().unchanged, 0);
+}
+
+TEST_F(PageWriterTest, CharactersOutsideTheCodePageAreWrittenAsReferences) {
   row.set("negozio", "caffè € \u20AA");
   make("a.js", "<<1-negozio>>", "b.js");
   EXPECT_EQ(*readBytes(folder / "b.js"), "caff\xE8 \x80 &#8362;\r\n");
 }
 
-TEST_F(PageWrapperTest, APagesRootAndNumberAreReadFromItsPath) {
+TEST_F(PageWriterTest, APagesRootAndNumberAreReadFromItsPath) {
   EXPECT_EQ(pageIdentity("/a.php/scarpe_l2.php?n=12").root, "scarpe_l2");
   EXPECT_EQ(pageIdentity("/a/scarpe_l2.php?n=12").subPage, 12);
   EXPECT_EQ(pageIdentity("/a/x.js").root, "");
