@@ -11,6 +11,7 @@
 
 #include "forms/window_fixture.h"
 #include "platform/qt/frm_dialog.h"
+#include "shell/workbench/editor_commands.h"
 
 namespace kv::test {
 

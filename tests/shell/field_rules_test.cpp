@@ -1,6 +1,6 @@
 // What typing, changing and leaving do to a field.
 
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Addresses and folders of the connection settings, the documents that are opened, the guide's steps.
 
-#include "shell/workbench/web_address.h"
+#include "shell/workbench/fields/web_address.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

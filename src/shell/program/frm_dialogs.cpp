@@ -13,7 +13,7 @@
 #include "shell/dialogs/frm_search.h"
 #include "shell/dialogs/picture_import.h"
 #include "shell/window/frm_intro.h"
-#include "shell/workbench/editor_table.h"
+#include "shell/workbench/fields/editor_table.h"
 #include "store/shop/backup_copies.h"
 #include "tags/custom/frm_tags.h"
 #include "tags/language/frm_lingue.h"

@@ -5,7 +5,7 @@
 #include <QPainter>
 
 #include "platform/qt/frm_dialog.h"
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 namespace kv {
 

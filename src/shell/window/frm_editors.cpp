@@ -11,6 +11,7 @@
 #include "platform/qt/frm_dialog.h"
 #include "shell/window/frm_field.h"
 #include "shell/window/frm_picture.h"
+#include "shell/workbench/editor_commands.h"
 
 namespace kv {
 namespace {

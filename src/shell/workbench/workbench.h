@@ -10,7 +10,7 @@
 
 #include "shell/workbench/appearance.h"
 #include "shell/workbench/command_table.h"
-#include "shell/workbench/field_store.h"
+#include "shell/workbench/fields/field_store.h"
 #include "shell/workbench/menu_table.h"
 #include "shell/workbench/workbench_view.h"
 #include "store/catalogue/tree_editing.h"

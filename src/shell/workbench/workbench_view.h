@@ -7,14 +7,11 @@
 #include <string_view>
 
 #include "shell/workbench/appearance.h"
+#include "shell/workbench/fields/tab.h"
 #include "shell/workbench/open_document.h"
 #include "store/catalogue/catalogue_sets.h"
 
 namespace kv {
-
-/// The tabs of the main window, in the order of their strip: kReparti, kArticoli, kSito, kInternet.
-enum class Tab { Departments, Articles, Site, Internet };
-inline constexpr int tabCount = 4;
 
 class WorkbenchView {
  public:

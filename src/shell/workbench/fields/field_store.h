@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "platform/image/image.h"
-#include "shell/workbench/editor_table.h"
-#include "shell/workbench/web_address.h"
+#include "shell/workbench/fields/editor_table.h"
+#include "shell/workbench/fields/web_address.h"
 #include "store/catalogue/undo_history.h"
 
 namespace kv {

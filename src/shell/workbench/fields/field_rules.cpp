@@ -1,4 +1,4 @@
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 #include <algorithm>
 #include <optional>
@@ -6,7 +6,7 @@
 #include "platform/numbers/money.h"
 #include "platform/numbers/number_form.h"
 #include "platform/text/text.h"
-#include "shell/workbench/web_address.h"
+#include "shell/workbench/fields/web_address.h"
 
 namespace kv {
 namespace {

@@ -1,4 +1,4 @@
-#include "shell/workbench/field_store.h"
+#include "shell/workbench/fields/field_store.h"
 #include "platform/database/recordset.h"
 
 #include <algorithm>
