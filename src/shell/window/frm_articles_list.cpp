@@ -125,7 +125,7 @@ void ArticleList::paintEvent(QPaintEvent* event) {
 
 void ArticleList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTableView::currentChanged(current, previous);
-  if (!settling_ && current.isValid()) workbench_.goToArticlePlace(static_cast<std::size_t>(current.row()));
+  if (!settling_ && current.isValid()) workbench_.goToArticleAt(static_cast<std::size_t>(current.row()));
 }
 
 }  // namespace kv
