@@ -141,7 +141,7 @@ TEST_F(PriceLists, EachOfTheTenPagesShowsItsOwnValues) {
   for (int n = 9; n >= 0; --n) {
     const std::string number = std::to_string(n);
     pick(Tab::Articles, n);
-    EXPECT_EQ(session.currentListino, n);
+    EXPECT_EQ(window->workbench().listino(), n);
     EXPECT_EQ(text(EditedSet::Articoli, "prezzo"), number + ",5");
     EXPECT_EQ(text(EditedSet::Articoli, "offertaprezzo"), number);
     EXPECT_EQ(flag(EditedSet::Articoli, "offerta"), n % 2 == 1) << n;

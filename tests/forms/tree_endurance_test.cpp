@@ -176,8 +176,7 @@ class TreeEndurance : public WindowFixture {
       shown += "\n";
     }
     std::string stored;
-    const std::string price =
-        session.currentListino == 0 ? "prezzo" : "prezzo" + std::to_string(session.currentListino);
+    const std::string price = bench().listino() == 0 ? "prezzo" : "prezzo" + std::to_string(bench().listino());
     auto row = session.catalogue.prepare("SELECT codice, titolo" + suffix() + ", " + price +
                                          " FROM articoli WHERE catID = ? ORDER BY ordinamento, ID");
     ASSERT_TRUE(row);

@@ -176,8 +176,8 @@ TEST_F(UndoInTheWindow, AFlagAndAChoiceOfAListAreSteps) {
 
 TEST_F(UndoInTheWindow, AChangeOfShopForgetsTheSteps) {
   openAll();
-  env.hooks.reload = [this] {
-    if (loadSession(session, env) == LoadResult::Opened) window->workbench().showShop();
+  env.hooks.reload = [this](const LoadOptions& options) {
+    if (loadSession(session, env, options) == LoadResult::Opened) window->workbench().showShop();
   };
   EXPECT_TRUE(press("department.insertAfter"));
   EXPECT_TRUE(choose("undo"));

@@ -102,8 +102,8 @@ class WorkbenchFixture : public ShopFixture, protected RememberedDialogs {
     bench = std::make_unique<Workbench>(session, env, view, ports);
     env.hooks.bind = [this](Session&) { bench->bindSession(); };
     env.hooks.release = [this](Session&) { bench->releaseSession(); };
-    env.hooks.reload = [this] {
-      if (loadSession(session, env) == LoadResult::Opened) bench->showShop();
+    env.hooks.reload = [this](const LoadOptions& options) {
+      if (loadSession(session, env, options) == LoadResult::Opened) bench->showShop();
     };
     ASSERT_EQ(startSession(session, env), LoadResult::Opened);
     bench->showShop();

@@ -178,7 +178,7 @@ TEST_F(WorkbenchStatesTest, AnEditorOfAPriceListWritesTheListThatIsShown) {
   EXPECT_EQ(shown(EditedSet::Articoli, "prezzo"), "14,5");
   bench->selectListino(3);
   EXPECT_EQ(view.listino, 3);
-  EXPECT_EQ(session.currentListino, 3);
+  EXPECT_EQ(bench->listino(), 3);
   EXPECT_EQ(shown(EditedSet::Articoli, "prezzo"), "");
   leave(EditedSet::Articoli, "prezzo", "12,75");
   leave(EditedSet::Articoli, "offerta", "1");

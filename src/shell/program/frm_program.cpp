@@ -71,9 +71,9 @@ void wireSession(frmMain& window, Session& session, Environment& env) {
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
   env.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
   env.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-  env.hooks.reload = [&] {
+  env.hooks.reload = [&](const LoadOptions& options) {
     const BusyPointer busy;
-    if (loadSession(session, env) == LoadResult::Opened) workbench.showShop();
+    if (loadSession(session, env, options) == LoadResult::Opened) workbench.showShop();
   };
   wireDialogs(window, session, env);
 }

@@ -15,7 +15,7 @@ ArticleModel::ArticleModel(Workbench& workbench, QObject* parent)
 void ArticleModel::rebuild() {
   beginResetModel();
   previewRow_ = -1;
-  rows_.refresh();
+  rows_.refresh(workbench_.listino());
   endResetModel();
 }
 

@@ -44,12 +44,12 @@ void Workbench::releaseSession() {
 void Workbench::showShop() {
   history_.clear();
   tab_ = Tab::Departments;
-  session_.currentListino = 0;
-  view_.showTitle(session_.title);
+  fields_.selectListino(0);
+  view_.showTitle("Korvane - " + session_.ShopFolder);
   CambiaLingua(1);
   showError(sets_.recount());
   MostraLingue();
-  view_.showListino(session_.currentListino);
+  view_.showListino(listino());
   // What was copied in an earlier session is offered in this one.
   for (const auto& [key, table] :
        {std::pair{"incolla articolo", "cliparticoli"}, std::pair{"incolla categoria", "clipcategorie"}}) {
@@ -98,7 +98,7 @@ void Workbench::refreshAll() {
   refreshStates();
   refreshTabKeys();
   for (const EditedSet set : {EditedSet::Generale, EditedSet::Categorie, EditedSet::Articoli}) view_.fieldsChanged(set);
-  view_.showStatus(session_.statusLine);
+  view_.showStatus(sets_.statusLine());
   view_.entriesChanged();
 }
 
@@ -130,7 +130,7 @@ void Workbench::titleChanged(const std::string& department, const std::string& t
   view_.departmentTitle(department, title);
 }
 
-void Workbench::statusChanged() { view_.showStatus(session_.statusLine); }
+void Workbench::statusChanged() { view_.showStatus(sets_.statusLine()); }
 
 void Workbench::CambiaLingua(int language) {
   view_.finishEdits();
@@ -151,8 +151,8 @@ void Workbench::MostraLingue() {
 
 void Workbench::selectListino(int listino) {
   view_.finishEdits();
-  session_.currentListino = std::clamp(listino, 0, listini - 1);
-  view_.showListino(session_.currentListino);
+  fields_.selectListino(std::clamp(listino, 0, listini - 1));
+  view_.showListino(fields_.listino());
   view_.articlesChanged();
   refreshAll();
 }

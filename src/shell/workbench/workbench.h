@@ -45,6 +45,8 @@ class Workbench final : private SetsListener {
   void MostraLingue();
   /// Goes to a price list, 0 to 9.
   void selectListino(int listino);
+  /// The price list being edited.
+  int listino() const { return fields_.listino(); }
 
   // The cursors. What is being typed is saved first.
 

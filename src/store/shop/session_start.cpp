@@ -22,9 +22,7 @@ void settleSettings(Session& session, Environment& env) {
 void tearDown(Session& session, const Environment& env) {
   releaseCatalogue(session, env);
   Session fresh;
-  // These speak about the load that follows, or about the program and not the shop.
-  fresh.quiet = session.quiet;
-  fresh.silentReload = session.silentReload;
+  // This speaks about the program and not the shop.
   fresh.smartBuild = session.smartBuild;
   session = std::move(fresh);
 }
@@ -53,7 +51,7 @@ LoadResult startSession(Session& session, Environment& env) {
   return loadSession(session, env);
 }
 
-LoadResult loadSession(Session& session, Environment& env) {
+LoadResult loadSession(Session& session, Environment& env, const LoadOptions& options) {
   session.numberFormats = {"0", "0"};
   session.ShopFolder = env.applicationFolder;
   const std::string named = readServerPath(env.applicationFolder);
@@ -70,13 +68,13 @@ LoadResult loadSession(Session& session, Environment& env) {
   } else {
     recoverCatalogue(session.ShopFolder);
   }
-  return CaricaNegozio(session, env);
+  return CaricaNegozio(session, env, options);
 }
 
-LoadResult RiavviaSessione(Session& session, Environment& env) {
+LoadResult RiavviaSessione(Session& session, Environment& env, const LoadOptions& options) {
   tearDown(session, env);
-  if (!env.hooks.reload) return loadSession(session, env);
-  env.hooks.reload();
+  if (!env.hooks.reload) return loadSession(session, env, options);
+  env.hooks.reload(options);
   return session.catalogue.isOpen() ? LoadResult::Opened : LoadResult::Failed;
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 void defineVariant(const CommandContext& context, int slot, std::string_view step) {
   if (!context.sets.onArticle()) return;
-  const VariantSlot wanted{slot, context.session.currentListino};
+  const VariantSlot wanted{slot, context.bench.listino()};
   context.bench.showError(context.history.record(std::string(step), [&]() -> Result<> {
     static_cast<void>(context.ports.dialogs.defineVariant(wanted));
     return {};

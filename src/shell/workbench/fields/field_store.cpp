@@ -63,7 +63,7 @@ bool FieldStore::onRow(EditedSet set) {
 
 const ColumnInfo* FieldStore::columnInfo(const Editor& editor) {
   const Recordset& rows = sets_.edited(editor.set);
-  const int place = rows.columnIndex(columnOf(editor, sets_.session().currentListino));
+  const int place = rows.columnIndex(columnOf(editor, listino_));
   return place < 0 ? nullptr : &rows.columns()[static_cast<std::size_t>(place)];
 }
 
@@ -140,7 +140,7 @@ FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& t
 }
 
 Result<> FieldStore::write(const Editor& editor, const Value& value, const std::string& oldText) {
-  const std::string column = columnOf(editor, sets_.session().currentListino);
+  const std::string column = columnOf(editor, listino_);
   if (auto stored = sets_.store(editor.set, column, value); !stored) return stored;
   return editor.set == EditedSet::Generale ? settleWeb(editor, oldText) : Result<>();
 }
@@ -210,7 +210,7 @@ std::array<std::string, 4> FieldStore::variantNames() {
   int column = 0;
   while (column < row->columnCount() && row->columnName(column) != "nome") ++column;
   for (int slot = 1; slot <= 4; ++slot) {
-    const Value held = sets_.dataArticoli().get(variantColumn(slot, session.currentListino));
+    const Value held = sets_.dataArticoli().get(variantColumn(slot, listino_));
     row->bind(1, isNull(held) ? std::int64_t{1} : asInteger(held));
     const auto found = row->step();
     if (found && *found) names[static_cast<std::size_t>(slot - 1)] = std::string(row->text(column));

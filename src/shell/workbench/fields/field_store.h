@@ -21,6 +21,9 @@ class FieldStore {
       : sets_(sets), history_(history), separator_(decimalSeparator) {}
 
   char separator() const { return separator_; }
+  /// The price list that fields with a column for each list show and write, 0 to 9.
+  int listino() const { return listino_; }
+  void selectListino(int listino) { listino_ = listino; }
 
   /// What the field shows of the current row, in the language and price list being edited; empty on no row.
   std::string shown(const Editor& editor);
@@ -65,6 +68,7 @@ class FieldStore {
   CatalogueSets& sets_;
   UndoHistory& history_;
   char separator_;
+  int listino_ = 0;
 };
 
 /// A label without the mark of its key and without its colon.
