@@ -8,6 +8,9 @@
 #include "platform/database/recordset.h"
 #include "platform/files/files.h"
 #include "shell/workbench/busy.h"
+#include "shell/workbench/fields/current_row.h"
+#include "shell/workbench/fields/related_words.h"
+#include "shell/workbench/fields/row_picture.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 
@@ -83,7 +86,7 @@ void Workbench::refreshTabKeys() {
   commands_.StatoComando(expansionKey, tree && !sets_.tree().empty());
   commands_.StatoComando(
       ftpFolders, std::ranges::all_of(std::array{"hostname", "username", "password"}, [this](const char* column) {
-        const std::string text = fields_.settingText(column);
+        const std::string text = settingText(sets_, column);
         return text.find_first_not_of(' ') != std::string::npos;
       }));
 }
@@ -221,16 +224,16 @@ bool Workbench::isEditorEnabled(const Editor& editor) {
   if (editor.set == EditedSet::Categorie) return commands_.isEnabled(departmentMask);
   const std::string_view column = editor.column;
   if (column == "valuta2" || column == "decimali2" || column == "cambio" || column == reverseRateField) {
-    return fields_.setting("usa_cambio");
+    return isSettingOn(sets_, "usa_cambio");
   }
-  if (column == "reglist") return fields_.setting("regobbl") || fields_.setting("regprices");
-  if (column == "perl") return !fields_.setting("serverNT");
+  if (column == "reglist") return isSettingOn(sets_, "regobbl") || isSettingOn(sets_, "regprices");
+  if (column == "perl") return !isSettingOn(sets_, "serverNT");
   return isOpen();
 }
 
 std::vector<std::string> Workbench::choicesOf(const Editor& editor) {
   if (editor.source == ChoiceSource::Models) return session_.models;
-  if (editor.source == ChoiceSource::RelatedWords) return fields_.relatedWords();
+  if (editor.source == ChoiceSource::RelatedWords) return relatedWords(sets_);
   std::vector<std::string> choices;
   for (std::string_view rest = editor.choices; !rest.empty();) {
     const std::size_t end = rest.find('|');
@@ -241,7 +244,7 @@ std::vector<std::string> Workbench::choicesOf(const Editor& editor) {
 }
 
 std::string Workbench::picturePath(const Editor& editor) {
-  const std::string name = fields_.picture(editor.set, editor.number);
+  const std::string name = pictureName(sets_, {editor.set, editor.number});
   return name.empty() ? name : joinPath(joinPath(session_.ShopFolder, "work"), name);
 }
 

@@ -1,6 +1,7 @@
 #include "shell/workbench/commands/build_commands.h"
 
 #include "platform/files/files.h"
+#include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/workbench.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/shop_folders.h"
@@ -18,7 +19,7 @@ bool hasModels(const CommandContext& context) {
 }
 
 Result<bool> askForTemplate(const CommandContext& context) {
-  return chooseTemplate(context.session, context.env, context.fields.settingText("template"));
+  return chooseTemplate(context.session, context.env, settingText(context.sets, "template"));
 }
 
 /// Asks for a template until there is one with page models; false when the user gives up.

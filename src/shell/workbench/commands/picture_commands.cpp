@@ -2,6 +2,7 @@
 
 #include "platform/database/recordset.h"
 #include "platform/files/files.h"
+#include "shell/workbench/fields/row_picture.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
@@ -9,32 +10,26 @@ namespace {
 
 using enum Menu;
 
-/// A picture of the current row of a set, by its number.
-struct Picture {
-  EditedSet set = EditedSet::Generale;
-  int number = 0;
-};
-
 /// Stores a picture, or clears it with an empty name, as one step.
-void store(const CommandContext& context, const Picture& picture, std::string_view step, const std::string& name,
+void store(const CommandContext& context, const RowPicture& picture, std::string_view step, const std::string& name,
            ImageSize size) {
-  context.bench.showError(context.history.record(
-      std::string(step), [&] { return context.fields.storePicture(picture.set, picture.number, name, size); }));
+  context.bench.showError(
+      context.history.record(std::string(step), [&] { return storePicture(context.sets, picture, name, size); }));
   context.bench.commands().refreshKeys();
   context.view.fieldsChanged(picture.set);
 }
 
-void choosePicture(const CommandContext& context, const Picture& picture, std::string_view step) {
+void choosePicture(const CommandContext& context, const RowPicture& picture, std::string_view step) {
   const Recordset& rows = context.sets.edited(picture.set);
   if (rows.bof() || rows.eof()) return;
-  const auto name = context.ports.dialogs.choosePicture(context.fields.picture(picture.set, picture.number));
+  const auto name = context.ports.dialogs.choosePicture(pictureName(context.sets, picture));
   if (!name || name->empty()) return;
   const auto size = imageSize(joinPath(joinPath(context.session.ShopFolder, "work"), *name));
   if (!size) return context.bench.showError(fail(size.error()));
   store(context, picture, step, *name, *size);
 }
 
-Command chooseRow(Command row, const Picture& picture) {
+Command chooseRow(Command row, const RowPicture& picture) {
   row.name = pictureCommandNames(picture.set, picture.number).choose;
   row.icon = "immagine";
   row.step = row.caption;
@@ -45,15 +40,13 @@ Command chooseRow(Command row, const Picture& picture) {
   return row;
 }
 
-Command clearRow(Command row, const Picture& picture) {
+Command clearRow(Command row, const RowPicture& picture) {
   row.name = pictureCommandNames(picture.set, picture.number).clear;
   row.icon = "immagine-no";
   row.step = row.caption;
-  row.enabled = [picture](const CommandContext& context) {
-    return !context.fields.picture(picture.set, picture.number).empty();
-  };
+  row.enabled = [picture](const CommandContext& context) { return !pictureName(context.sets, picture).empty(); };
   row.run = [picture, step = row.step](const CommandContext& context) {
-    if (!context.fields.picture(picture.set, picture.number).empty()) store(context, picture, step, "", {});
+    if (!pictureName(context.sets, picture).empty()) store(context, picture, step, "", {});
   };
   return row;
 }

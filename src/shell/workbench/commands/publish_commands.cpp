@@ -2,6 +2,7 @@
 
 #include "platform/files/files.h"
 #include "shell/workbench/build_reminder.h"
+#include "shell/workbench/fields/connection_settings.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
@@ -28,7 +29,7 @@ void publish(const CommandContext& context) {
 }
 
 void openBackOffice(const CommandContext& context) {
-  const std::string address = context.fields.addresses().backOffice;
+  const std::string address = addressesOf(context.sets).backOffice;
   if (!address.empty()) return context.bench.openDocument(address);
   context.env.user.message(noBackOffice, Icon::Information);
 }
