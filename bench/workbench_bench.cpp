@@ -34,6 +34,7 @@
 #include "platform/ports/clock.h"
 #include "shell/program/frm_program.h"
 #include "shell/window/frm_main.h"
+#include "shell/workbench/commands/command_rows.h"
 #include "store/shop/session_start.h"
 
 namespace {
@@ -118,7 +119,7 @@ class OpenWorkbench {
  public:
   explicit OpenWorkbench(const std::string& folder)
       : env_{user_, settings_, kv::systemClock(), kv::systemRandom(), folder + "/app", {}},
-        window_(session_, env_, {}) {
+        window_(session_, env_, ports()) {
     kv::Workbench& bench = window_.workbench();
     kv::wireSession(window_, session_, env_);
     if (kv::startSession(session_, env_) != kv::LoadResult::Opened) std::abort();
@@ -159,6 +160,15 @@ class OpenWorkbench {
   }
 
  private:
+  static kv::WorkbenchPorts ports() {
+    kv::WorkbenchPorts ports;
+    ports.commands = kv::allCommands();
+    return ports;
+  }
+  void runCommand(std::string_view name) {
+    const kv::WorkbenchCommands& commands = window_.workbench().commands();
+    commands.choose(*commands.table().named(name));
+  }
   void walk(Figures& figures) {
     for (int i = 0; i < times; ++i) {
       goTo(small);
@@ -198,11 +208,11 @@ class OpenWorkbench {
                  }));
     }
     const auto insert = [this] {
-      window_.workbench().EseguiComando(3);
+      runCommand("article.insertAfter");
       paint();
     };
     const auto toMiddle = [this](std::size_t place) {
-      window_.workbench().goToArticlePlace(place);
+      window_.workbench().goToArticleAt(place);
       paint();
     };
     for (std::size_t i = 0; i < times; ++i) {
@@ -216,10 +226,10 @@ class OpenWorkbench {
 
   void paste(Figures& figures) {
     goTo(largest);
-    window_.workbench().EseguiComando(12);
+    runCommand("department.copy");
     goTo(small);
     keepFaster(figures[Paste], spanOf([this] {
-                 window_.workbench().EseguiComando(11);
+                 runCommand("department.paste");
                  paint();
                }));
   }
@@ -231,7 +241,7 @@ class OpenWorkbench {
                    paint();
                  }));
       keepFaster(figures[Undo], spanOf([this] {
-                   window_.workbench().undo();
+                   runCommand("undo");
                    paint();
                  }));
     }

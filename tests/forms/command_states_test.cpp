@@ -5,16 +5,22 @@
 namespace kv::test {
 namespace {
 
+constexpr std::array<std::string_view, 7> articleKeys{"articolo su", "articolo giu", "- articolo", "copia articolo",
+                                                      "+ immagine0", "+ immagine1",  "+ immagine2"};
+constexpr std::array<std::string_view, 10> departmentKeys{
+    "+ categoria prima", "+ categoria dopo", "categoria su",    "categoria giu",   "- categoria",
+    "copia categoria",   "+ articolo prima", "+ articolo dopo", "+ immagine cat0", "+ immagine cat1"};
+
 class CommandStates : public DrivenWindow {
  protected:
-  /// Numbers of the key's commands whose action or button stands otherwise than told.
+  /// Names of the key's commands whose action or button stands otherwise than told.
   std::string others(std::string_view key, bool wanted) {
     std::string wrong;
-    for (const Command& command : commandTable()) {
+    for (const Command& command : window->workbench().commands().table().rows()) {
       if (command.key != key) continue;
-      if (window->menus().command(command.number)->isEnabled() != wanted) wrong += std::to_string(command.number) + " ";
-      for (const QAbstractButton* button : buttonsOf(command.number)) {
-        if (button->isEnabled() != wanted) wrong += "button " + std::to_string(command.number) + " ";
+      if (isEntryOn(command.name) != wanted) wrong += command.name + " ";
+      for (const QAbstractButton* button : buttonsOf(command.name)) {
+        if (button->isEnabled() != wanted) wrong += "button " + command.name + " ";
       }
     }
     return wrong;
@@ -38,31 +44,31 @@ class CommandStates : public DrivenWindow {
 TEST_F(CommandStates, TheKeysOfAnArticleFollowTheArticleCursor) {
   openWide();
   goArticle(0);
-  expectKeys(articleKeys(), true);
+  expectKeys(articleKeys, true);
   EXPECT_EQ(editorsOther(EditedSet::Articoli, true), "");
   go("cat002");
-  expectKeys(articleKeys(), false);
+  expectKeys(articleKeys, false);
   EXPECT_EQ(editorsOther(EditedSet::Articoli, false), "");
   go("cat003");
-  expectKeys(articleKeys(), true);
+  expectKeys(articleKeys, true);
 }
 
 TEST_F(CommandStates, TheKeysOfADepartmentFollowTheDepartmentCursor) {
   openWide();
-  expectKeys(departmentKeys(), true);
+  expectKeys(departmentKeys, true);
   EXPECT_EQ(editorsOther(EditedSet::Categorie, true), "");
   go("###");
-  expectKeys(departmentKeys(), false);
+  expectKeys(departmentKeys, false);
   EXPECT_EQ(editorsOther(EditedSet::Categorie, false), "");
   goTab(Tab::Articles);
-  EXPECT_FALSE(window->menus().command(2)->isEnabled());
-  EXPECT_FALSE(window->menus().command(3)->isEnabled());
+  EXPECT_FALSE(isEntryOn("article.insertBefore"));
+  EXPECT_FALSE(isEntryOn("article.insertAfter"));
 }
 
 TEST_F(CommandStates, OnTheRootOnlyASubdepartmentCanBeAdded) {
   openWide();
   go("###");
-  EXPECT_TRUE(press(20));
+  EXPECT_TRUE(press("department.insertBelow"));
   EXPECT_EQ(treeShown(), "Negozio(Vasi(Piccoli) Piatti Nuovo Reparto)");
   EXPECT_EQ(selected(), "cat004");
   EXPECT_EQ(scalar("SELECT genitore FROM categorie WHERE ID = 'cat004'"), "###");
@@ -77,52 +83,54 @@ TEST_F(CommandStates, APictureIsTakenAwayOnlyWhereThereIsOne) {
   openWide();
   const auto on = [this] {
     settle();
-    std::string numbers;
-    for (const int number : {10, 22, 27, 18, 24, 28, 33}) {
-      if (window->menus().command(number)->isEnabled()) numbers += std::to_string(number) + " ";
+    std::string names;
+    for (const char* name :
+         {"article.picture0.clear", "article.picture1.clear", "article.picture2.clear", "department.picture0.clear",
+          "department.picture1.clear", "shop.picture0.clear", "shop.picture1.clear"}) {
+      if (isEntryOn(name)) names += std::string(name) + " ";
     }
-    return numbers;
+    return names;
   };
-  EXPECT_EQ(on(), "18 33 ");
+  EXPECT_EQ(on(), "department.picture0.clear shop.picture1.clear ");
   goArticle(1);
-  EXPECT_EQ(on(), "22 18 33 ");
+  EXPECT_EQ(on(), "article.picture1.clear department.picture0.clear shop.picture1.clear ");
   goArticle(2);
-  EXPECT_EQ(on(), "27 18 33 ");
+  EXPECT_EQ(on(), "article.picture2.clear department.picture0.clear shop.picture1.clear ");
   go("cat003");
-  EXPECT_EQ(on(), "24 33 ");
+  EXPECT_EQ(on(), "department.picture1.clear shop.picture1.clear ");
 }
 
 TEST_F(CommandStates, TheButtonPictureFollowsTheLanguage) {
   run(shop, "UPDATE categorie SET immagine1_l2 = 'knob.gif' WHERE ID = 'cat001'");
   openWide();
-  EXPECT_FALSE(window->menus().command(24)->isEnabled());
-  EXPECT_TRUE(choose(MenuAction::EditLanguage, 2));
-  EXPECT_TRUE(window->menus().command(24)->isEnabled());
+  EXPECT_FALSE(isEntryOn("department.picture1.clear"));
+  EXPECT_TRUE(choose("language.2"));
+  EXPECT_TRUE(isEntryOn("department.picture1.clear"));
 }
 
 TEST_F(CommandStates, PastingFollowsWhatWasCopied) {
   openWide();
-  EXPECT_FALSE(window->menus().command(6)->isEnabled());
-  EXPECT_FALSE(window->menus().command(11)->isEnabled());
+  EXPECT_FALSE(isEntryOn("article.paste"));
+  EXPECT_FALSE(isEntryOn("department.paste"));
   go("cat002");
-  EXPECT_TRUE(press(12));
-  EXPECT_TRUE(window->menus().command(11)->isEnabled());
-  EXPECT_FALSE(window->menus().command(6)->isEnabled());
+  EXPECT_TRUE(press("department.copy"));
+  EXPECT_TRUE(isEntryOn("department.paste"));
+  EXPECT_FALSE(isEntryOn("article.paste"));
   go("cat001");
   goArticle(0);
-  EXPECT_TRUE(press(5));
-  EXPECT_TRUE(window->menus().command(6)->isEnabled());
-  EXPECT_FALSE(window->menus().command(11)->isEnabled());
+  EXPECT_TRUE(press("article.copy"));
+  EXPECT_TRUE(isEntryOn("article.paste"));
+  EXPECT_FALSE(isEntryOn("department.paste"));
 }
 
 TEST_F(CommandStates, TheServerFoldersFollowHostUserAndPassword) {
   openWide();
-  answer("frmFolderFTP", "");
+  answerServerFolder(false);
+  refreshEntries();
   goTab(Tab::Internet);
   const auto offered = [this] {
     settle();
-    return window->menus().entry(MenuAction::ShopFtpFolder)->isEnabled() &&
-           window->menus().entry(MenuAction::ScriptFtpFolder)->isEnabled();
+    return isEntryOn("connection.shopFolder") && isEntryOn("connection.scriptFolder");
   };
   for (const char* column : {"hostname", "username", "password"}) {
     EXPECT_FALSE(offered()) << column;
@@ -140,9 +148,9 @@ TEST_F(CommandStates, TheTreeCommandsAreOffWhereThereIsNoTree) {
   for (const Tab tab : {Tab::Site, Tab::Internet, Tab::Articles, Tab::Departments}) {
     goTab(tab);
     const bool tree = tab == Tab::Departments || tab == Tab::Articles;
-    EXPECT_EQ(window->menus().command(7)->isEnabled(), tree);
-    EXPECT_EQ(window->menus().command(8)->isEnabled(), tree);
-    EXPECT_EQ(window->menus().entry(MenuAction::HideDetails)->isEnabled(), tree);
+    EXPECT_EQ(isEntryOn("tree.expand"), tree);
+    EXPECT_EQ(isEntryOn("tree.collapse"), tree);
+    EXPECT_EQ(isEntryOn("details.hide"), tree);
     EXPECT_EQ(window->tree().isVisible(), tree);
   }
 }
@@ -150,18 +158,20 @@ TEST_F(CommandStates, TheTreeCommandsAreOffWhereThereIsNoTree) {
 TEST_F(CommandStates, AVariantIsDefinedForAnArticleAlone) {
   openWide();
   goArticle(0);
-  for (const int number : {30, 31, 34, 35}) EXPECT_TRUE(window->menus().command(number)->isEnabled()) << number;
+  for (const char* name : {"article.variant1", "article.variant2", "article.variant3", "article.variant4"})
+    EXPECT_TRUE(isEntryOn(name)) << name;
   go("cat002");
-  for (const int number : {30, 31, 34, 35}) EXPECT_FALSE(window->menus().command(number)->isEnabled()) << number;
+  for (const char* name : {"article.variant1", "article.variant2", "article.variant3", "article.variant4"})
+    EXPECT_FALSE(isEntryOn(name)) << name;
 }
 
 TEST_F(CommandStates, WithoutADepartmentThereIsNothingToExpand) {
   run(shop, "DELETE FROM categorie; DELETE FROM articoli");
   openWide();
-  EXPECT_FALSE(window->menus().command(7)->isEnabled());
+  EXPECT_FALSE(isEntryOn("tree.expand"));
   EXPECT_EQ(treeShown(), "Negozio");
-  EXPECT_TRUE(press(20));
-  EXPECT_TRUE(window->menus().command(7)->isEnabled());
+  EXPECT_TRUE(press("department.insertBelow"));
+  EXPECT_TRUE(isEntryOn("tree.expand"));
 }
 
 TEST_F(CommandStates, TheStatusLineFollowsTheDepartment) {
@@ -175,7 +185,7 @@ TEST_F(CommandStates, TheStatusLineFollowsTheDepartment) {
   EXPECT_EQ(status->text(), " Articoli: 4");
   go("cat003");
   goTab(Tab::Articles);
-  EXPECT_TRUE(press(3));
+  EXPECT_TRUE(press("article.insertAfter"));
   EXPECT_EQ(status->text(), " Articoli: 2 /5");
 }
 

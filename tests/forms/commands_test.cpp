@@ -7,16 +7,15 @@ namespace {
 
 enum class By { Button, Menu };
 
-/// A command with what it starts from and what is to be seen behind it.
+/// A command with what it starts from and what is to be seen after it.
 struct Deed {
-  int number = 0;
+  const char* command = "";
   Tab tab = Tab::Articles;
   const char* department = "cat001";
   const char* look = "";  ///< "tree", "list", "selected", "dialogs", "opened", or a query
   const char* wanted = "";
-  const char* prepare = "";  ///< statements on the shop before it is opened
-  const char* dialog = "";   ///< the dialog that answers with `reply`
-  const char* reply = "";
+  const char* prepare = "";                              ///< statements on the shop before it is opened
+  void (*answer)(RememberedDialogs& dialogs) = nullptr;  ///< sets what its dialog answers
 };
 
 constexpr const char* picturedShop =
@@ -25,20 +24,22 @@ constexpr const char* picturedShop =
     "UPDATE categorie SET immagine0 = 'foto.gif', imgX0 = 1, imgY0 = 1, immagine1 = 'foto.gif', imgX1 = 1, imgY1 = 1;"
     "UPDATE generale SET immagine0 = 'foto.gif', imgX0 = 1, imgY0 = 1, immagine1 = 'foto.gif', imgX1 = 1, imgY1 = 1";
 
-Deed onArticles(int number, const char* wanted, const char* prepare = "") {
-  return {number, Tab::Articles, "cat001", "list", wanted, prepare};
+Deed onArticles(const char* command, const char* wanted, const char* prepare = "") {
+  return {command, Tab::Articles, "cat001", "list", wanted, prepare};
 }
-Deed onTree(int number, const char* department, const char* wanted, const char* prepare = "") {
-  return {number, Tab::Departments, department, "tree", wanted, prepare};
+Deed onTree(const char* command, const char* department, const char* wanted, const char* prepare = "") {
+  return {command, Tab::Departments, department, "tree", wanted, prepare};
 }
-Deed setsPicture(int number, Tab tab, const char* look) {
-  return {number, tab, "cat001", look, "foto.gif|1|1", "", "frmImmagine", "foto.gif"};
+Deed setsPicture(const char* command, Tab tab, const char* look) {
+  return {command, tab, "cat001", look, "foto.gif|1|1", "", [](RememberedDialogs& dialogs) {
+            dialogs.answerPicture("foto.gif");
+          }};
 }
-Deed clearsPicture(int number, Tab tab, const char* look) {
-  return {number, tab, "cat001", look, "|0|0", picturedShop};
+Deed clearsPicture(const char* command, Tab tab, const char* look) {
+  return {command, tab, "cat001", look, "|0|0", picturedShop};
 }
-Deed definesVariant(int number, const char* wanted) {
-  return {number, Tab::Articles, "cat001", "dialogs", wanted, "", "frmOpzioni"};
+Deed definesVariant(const char* command, const char* wanted) {
+  return {command, Tab::Articles, "cat001", "dialogs", wanted};
 }
 
 constexpr const char* article0 = "SELECT immagine0, imgX0, imgY0 FROM articoli WHERE ID = 2";
@@ -52,47 +53,49 @@ constexpr const char* logo1 = "SELECT immagine1, imgX1, imgY1 FROM generale";
 /// The second of the three articles is the current one.
 std::vector<Deed> deeds() {
   using enum Tab;
-  return {
-      onArticles(0, "[Brina] Alba Cielo"),
-      onArticles(1, "Alba Cielo [Brina]"),
-      onArticles(2, "Alba [-] Brina Cielo"),
-      onArticles(3, "Alba Brina [-] Cielo"),
-      onArticles(4, "Alba [Cielo]"),
-      {5, Articles, "cat001", "SELECT titolo, prezzo FROM cliparticoli", "Brina|200000"},
-      onArticles(6, "Alba Brina [Eco] Cielo", "INSERT INTO cliparticoli (titolo) VALUES ('Eco')"),
-      {7, Departments, "cat001", "open", "### cat001"},
-      {8, Departments, "cat001", "open", "###"},
-      setsPicture(9, Articles, article0),
-      clearsPicture(10, Articles, article0),
-      onTree(11, "cat003", "Negozio(Vasi(Piccoli) Orci Piatti)", "INSERT INTO clipcategorie (titolo) VALUES ('Orci')"),
-      {12, Departments, "cat002", "SELECT titolo FROM clipcategorie", "Piccoli"},
-      onTree(13, "cat002", "Negozio(Vasi Piatti)"),
-      onTree(14, "cat003", "Negozio(Vasi(Piccoli) Piatti Nuovo Reparto)"),
-      onTree(15, "cat003", "Negozio(Vasi(Piccoli) Nuovo Reparto Piatti)"),
-      onTree(16, "cat001", "Negozio(Piatti Vasi(Piccoli))"),
-      onTree(17, "cat003", "Negozio(Piatti Vasi(Piccoli))"),
-      clearsPicture(18, Departments, department0),
-      setsPicture(19, Departments, department0),
-      onTree(20, "cat003", "Negozio(Vasi(Piccoli) Piatti(Nuovo Reparto))"),
-      {21, Articles, "cat001", "list", "[Duna]", "", "frmSearch", "4"},
-      clearsPicture(22, Articles, article1),
-      setsPicture(23, Articles, article1),
-      clearsPicture(24, Departments, department1),
-      setsPicture(25, Departments, department1),
-      setsPicture(26, Articles, article2),
-      clearsPicture(27, Articles, article2),
-      clearsPicture(28, Departments, logo0),
-      setsPicture(29, Departments, logo0),
-      definesVariant(30, "frmOpzioni 1"),
-      definesVariant(31, "frmOpzioni 2"),
-      setsPicture(32, Departments, logo1),
-      clearsPicture(33, Departments, logo1),
-      definesVariant(34, "frmOpzioni 3"),
-      definesVariant(35, "frmOpzioni 4"),
-      {50, Departments, "cat001", "dialogs", "frmElabora", "", "frmElabora"},
-      {51, Departments, "cat001", "dialogs", "frmAvviso;frmImpostaFTP;frmFTP", "", "frmImpostaFTP", "OK"},
-      {52, Departments, "cat001", "opened", "http://www.bottega.example/bo/index.php",
-       "UPDATE generale SET URL = 'www.bottega.example', cartellaCGI = 'bo'"}};
+  return {onArticles("article.up", "[Brina] Alba Cielo"),
+          onArticles("article.down", "Alba Cielo [Brina]"),
+          onArticles("article.insertBefore", "Alba [-] Brina Cielo"),
+          onArticles("article.insertAfter", "Alba Brina [-] Cielo"),
+          onArticles("article.delete", "Alba [Cielo]"),
+          {"article.copy", Articles, "cat001", "SELECT titolo, prezzo FROM cliparticoli", "Brina|200000"},
+          onArticles("article.paste", "Alba Brina [Eco] Cielo", "INSERT INTO cliparticoli (titolo) VALUES ('Eco')"),
+          {"tree.expand", Departments, "cat001", "open", "### cat001"},
+          {"tree.collapse", Departments, "cat001", "open", "###"},
+          setsPicture("article.picture0.set", Articles, article0),
+          clearsPicture("article.picture0.clear", Articles, article0),
+          onTree("department.paste", "cat003", "Negozio(Vasi(Piccoli) Orci Piatti)",
+                 "INSERT INTO clipcategorie (titolo) VALUES ('Orci')"),
+          {"department.copy", Departments, "cat002", "SELECT titolo FROM clipcategorie", "Piccoli"},
+          onTree("department.delete", "cat002", "Negozio(Vasi Piatti)"),
+          onTree("department.insertAfter", "cat003", "Negozio(Vasi(Piccoli) Piatti Nuovo Reparto)"),
+          onTree("department.insertBefore", "cat003", "Negozio(Vasi(Piccoli) Nuovo Reparto Piatti)"),
+          onTree("department.down", "cat001", "Negozio(Piatti Vasi(Piccoli))"),
+          onTree("department.up", "cat003", "Negozio(Piatti Vasi(Piccoli))"),
+          clearsPicture("department.picture0.clear", Departments, department0),
+          setsPicture("department.picture0.set", Departments, department0),
+          onTree("department.insertBelow", "cat003", "Negozio(Vasi(Piccoli) Piatti(Nuovo Reparto))"),
+          {"article.search", Articles, "cat001", "list", "[Duna]", "",
+           [](RememberedDialogs& dialogs) { dialogs.answerSearch(4); }},
+          clearsPicture("article.picture1.clear", Articles, article1),
+          setsPicture("article.picture1.set", Articles, article1),
+          clearsPicture("department.picture1.clear", Departments, department1),
+          setsPicture("department.picture1.set", Departments, department1),
+          setsPicture("article.picture2.set", Articles, article2),
+          clearsPicture("article.picture2.clear", Articles, article2),
+          clearsPicture("shop.picture0.clear", Departments, logo0),
+          setsPicture("shop.picture0.set", Departments, logo0),
+          definesVariant("article.variant1", "defineVariant 1"),
+          definesVariant("article.variant2", "defineVariant 2"),
+          setsPicture("shop.picture1.set", Departments, logo1),
+          clearsPicture("shop.picture1.clear", Departments, logo1),
+          definesVariant("article.variant3", "defineVariant 3"),
+          definesVariant("article.variant4", "defineVariant 4"),
+          {"build", Departments, "cat001", "dialogs", "build"},
+          {"publish", Departments, "cat001", "dialogs", "remindToBuild;publishOptions;publish", "",
+           [](RememberedDialogs& dialogs) { dialogs.answer(&WorkbenchDialogs::publishOptions, true); }},
+          {"backOffice", Departments, "cat001", "opened", "http://www.bottega.example/bo/index.php",
+           "UPDATE generale SET URL = 'www.bottega.example', cartellaCGI = 'bo'"}};
 }
 
 class EveryCommand : public DrivenWindow, public ::testing::WithParamInterface<std::tuple<Deed, By>> {
@@ -102,12 +105,12 @@ class EveryCommand : public DrivenWindow, public ::testing::WithParamInterface<s
     write(joinPath(shop, "kvftp.dat"), "#\r\n");
     if (*deed.prepare != '\0') run(shop, deed.prepare);
     openWide();
-    answer("frmAvviso", "OK");
-    answer("frmFTP", "OK");
-    if (*deed.dialog != '\0') answer(deed.dialog, deed.reply);
+    answer(&WorkbenchDialogs::remindToBuild, true);
+    answer(&WorkbenchDialogs::publish, true);
+    if (deed.answer != nullptr) deed.answer(*this);
     go(deed.department);
     if (deed.tab == Tab::Articles) goArticle(1);
-    if (deed.number == 8) window->tree().expandAll();
+    if (deed.command == std::string_view("tree.collapse")) window->tree().expandAll();
     dialogsRun.clear();
     user.answers = {Answer::Yes, Answer::Yes};
   }
@@ -132,19 +135,20 @@ class EveryCommand : public DrivenWindow, public ::testing::WithParamInterface<s
 };
 
 /// Commands that stand in the menus alone.
-bool hasButton(int number) { return number != 8; }
+bool hasButton(std::string_view name) { return name != "tree.collapse"; }
 
 TEST_P(EveryCommand, DoesWhatIsToldOfIt) {
   const auto& [deed, by] = GetParam();
   prepare(deed);
+  const std::string_view name = deed.command;
   if (by == By::Menu) {
-    EXPECT_TRUE(chooseCommand(deed.number));
-  } else if (hasButton(deed.number)) {
+    EXPECT_TRUE(choose(name));
+  } else if (hasButton(name)) {
     // The logos are set on the page of the shop.
-    if (commandOf(deed.number)->subject == CommandSubject::Shop) goTab(Tab::Site);
-    EXPECT_TRUE(press(deed.number));
+    if (name.starts_with("shop.picture")) goTab(Tab::Site);
+    EXPECT_TRUE(press(name));
   } else {
-    EXPECT_TRUE(buttonsOf(deed.number).empty());
+    EXPECT_TRUE(buttonsOf(name).empty());
     return;
   }
   EXPECT_EQ(look(deed.look), deed.wanted);
@@ -152,16 +156,20 @@ TEST_P(EveryCommand, DoesWhatIsToldOfIt) {
 
 std::string nameOfDeed(const ::testing::TestParamInfo<std::tuple<Deed, By>>& each) {
   const auto& [deed, by] = each.param;
-  return "Command" + std::to_string(deed.number) + (by == By::Button ? "ByItsButton" : "ByItsEntry");
+  std::string name = deed.command;
+  std::ranges::replace(name, '.', '_');
+  return name + (by == By::Button ? "_ByItsButton" : "_ByItsEntry");
 }
 INSTANTIATE_TEST_SUITE_P(Table, EveryCommand,
                          ::testing::Combine(::testing::ValuesIn(deeds()), ::testing::Values(By::Button, By::Menu)),
                          nameOfDeed);
 
-TEST(TheDeeds, CoverTheCommandTable) {
-  std::vector<int> told, tried;
-  for (const Command& command : commandTable()) told.push_back(command.number);
-  for (const Deed& deed : deeds()) tried.push_back(deed.number);
+TEST(TheDeeds, CoverTheNumberedCommands) {
+  std::set<std::string> told, tried;
+  for (const Command& command : allCommands()) {
+    if (command.number >= 0) told.insert(command.name);
+  }
+  for (const Deed& deed : deeds()) tried.insert(deed.command);
   EXPECT_EQ(tried, told);
 }
 
@@ -172,7 +180,7 @@ TEST_F(Commands, TheNumbers36To49AreNowhereAndDoNothing) {
   const std::string before = whole(), shown = allShown();
   for (int number = 36; number < 50; ++number) {
     EXPECT_EQ(window->menus().command(number), nullptr) << number;
-    window->workbench().EseguiComando(number);
+    window->workbench().commands().EseguiComando(number);
   }
   settle();
   EXPECT_EQ(whole(), before);
@@ -187,21 +195,22 @@ TEST_F(Commands, AVariantSlotNamesTheListThatIsShown) {
   auto* strip = window->page(Tab::Articles).findChild<QTabBar*>(QStringLiteral("tabListino"));
   QTest::mouseClick(strip, Qt::LeftButton, {}, strip->tabRect(3).center());
   settle();
-  for (const int number : {30, 31, 34, 35}) EXPECT_TRUE(press(number));
-  EXPECT_TRUE(chooseCommand(30));
-  EXPECT_EQ(dialogsRun, (std::vector<std::string>{"frmOpzioni 1_3", "frmOpzioni 2_3", "frmOpzioni 3_3",
-                                                  "frmOpzioni 4_3", "frmOpzioni 1_3"}));
+  for (const char* name : {"article.variant1", "article.variant2", "article.variant3", "article.variant4"})
+    EXPECT_TRUE(press(name));
+  EXPECT_TRUE(choose("article.variant1"));
+  EXPECT_EQ(dialogsRun, (std::vector<std::string>{"defineVariant 1_3", "defineVariant 2_3", "defineVariant 3_3",
+                                                  "defineVariant 4_3", "defineVariant 1_3"}));
 }
 
-TEST_F(Commands, TheNamesOfTheVariantsAreShownAnewBehindTheirDialog) {
+TEST_F(Commands, TheNamesOfTheVariantsAreShownAgainAfterTheirDialog) {
   openWide();
   goArticle(1);
   EXPECT_EQ(line(EditedSet::Articoli, "opzione1").text(), "(nessuna)");
-  window->workbench().ports().dialogs["frmOpzioni"] = [this](const std::string&) {
+  dialogs().defineVariant = [this](const VariantSlot&) {
     EXPECT_TRUE(window->workbench().sets().store(EditedSet::Articoli, "opzione1", Value(std::int64_t{2})));
-    return std::string("OK");
+    return true;
   };
-  EXPECT_TRUE(press(30));
+  EXPECT_TRUE(press("article.variant1"));
   EXPECT_EQ(line(EditedSet::Articoli, "opzione1").text(), "Colore");
 }
 
@@ -211,11 +220,11 @@ TEST_F(Commands, TheImageDialogIsGivenThePictureInUseAndTheRowIsSavedBefore) {
   goArticle(1);
   type(line(EditedSet::Articoli, "titolo"), "Galaverna");
   std::string saved;
-  window->workbench().ports().dialogs["frmImmagine"] = [&](const std::string& current) {
+  dialogs().choosePicture = [&](const std::string& current) -> std::optional<std::string> {
     saved = scalar("SELECT titolo FROM articoli WHERE ID = 2") + " " + current;
-    return std::string();
+    return std::nullopt;
   };
-  EXPECT_TRUE(press(23));
+  EXPECT_TRUE(press("article.picture1.set"));
   EXPECT_EQ(saved, "Galaverna vecchia.gif");
   EXPECT_EQ(scalar("SELECT immagine1 FROM articoli WHERE ID = 2"), "vecchia.gif") << "left without a choice";
 }

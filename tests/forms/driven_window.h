@@ -11,6 +11,7 @@
 
 #include "forms/window_fixture.h"
 #include "platform/qt/frm_dialog.h"
+#include "shell/workbench/commands/picture_commands.h"
 
 namespace kv::test {
 
@@ -64,15 +65,6 @@ inline void typeLetters(QWidget& into, const QString& text) {
 
 class DrivenWindow : public WindowFixture {
  protected:
-  /// Answers a dialog with a text from now on; its calls are remembered.
-  void answer(const std::string& name, const std::string& text) {
-    window->workbench().ports().dialogs[name] = [this, name, text](const std::string& argument) {
-      dialogsRun.push_back(argument.empty() ? name : name + " " + argument);
-      return text;
-    };
-    window->entriesChanged();
-    settle();
-  }
   /// The window wide enough for every button of a row.
   void openWide() {
     open();
@@ -81,36 +73,33 @@ class DrivenWindow : public WindowFixture {
   }
 
   /// The buttons on the screen that run a command: of a row of buttons, of a picture, of a variant.
-  std::vector<QAbstractButton*> buttonsOf(int number) {
+  std::vector<QAbstractButton*> buttonsOf(std::string_view name) {
     std::vector<QAbstractButton*> buttons;
     for (auto* each : window->findChildren<QToolButton*>()) {
-      if (each->isVisible() && each->defaultAction() == window->menus().command(number)) buttons.push_back(each);
+      if (each->isVisible() && each->defaultAction() == window->menus().action(name)) buttons.push_back(each);
     }
     for (const Editor& editor : editorTable()) {
-      const PictureCommands commands = pictureCommands(editor);
-      if (editor.control != Control::Picture || (commands.choose != number && commands.clear != number)) continue;
+      const PictureCommandNames commands = pictureCommandNames(editor.set, editor.number);
+      if (editor.control != Control::Picture || (commands.choose != name && commands.clear != name)) continue;
       const auto pair =
           window->page(editor.tab).binding(editor.set, editor.column)->field()->findChildren<QAbstractButton*>();
-      QAbstractButton* button = pair.value(commands.choose == number ? 0 : 1);
+      QAbstractButton* button = pair.value(commands.choose == name ? 0 : 1);
       if (button != nullptr && button->isVisible()) buttons.push_back(button);
     }
     return buttons;
   }
   /// Presses a command's button with the mouse. False when it has none on the screen or it is off.
-  bool press(int number) {
-    const auto buttons = buttonsOf(number);
+  bool press(std::string_view name) {
+    const auto buttons = buttonsOf(name);
     if (buttons.empty() || !buttons.front()->isEnabled()) return false;
     QTest::mouseClick(buttons.front(), Qt::LeftButton);
     settle();
     return true;
   }
-  bool chooseCommand(int number) { return chooseInMenus(*window->menuBar(), window->menus().command(number)); }
-  bool choose(MenuAction action, int argument = 0) {
-    return chooseInMenus(*window->menuBar(), window->menus().entry(action, argument));
-  }
-  QString entryText(MenuAction action, int argument = 0) {
-    return plain(window->menus().entry(action, argument)->text());
-  }
+  /// Chooses a command in the open menus. False when it can't be chosen.
+  bool choose(std::string_view name) { return chooseInMenus(*window->menuBar(), window->menus().action(name)); }
+  QString entryText(std::string_view name) { return plain(window->menus().action(name)->text()); }
+  bool isEntryOn(std::string_view name) { return window->menus().action(name)->isEnabled(); }
 
   void go(const std::string& ID) {
     window->tree().setCurrentIndex(window->tree().departments().indexOf(ID));

@@ -145,7 +145,7 @@ TEST_F(Editors, AFieldReachesItsOwnRowWhenTheCursorMoves) {
   open();
   goArticles();
   type(line(EditedSet::Articoli, "titolo"), "Aurora");
-  window->workbench().goToArticlePlace(1);
+  window->workbench().goToArticleAt(1);
   EXPECT_EQ(scalar("SELECT titolo FROM articoli WHERE ID = 1"), "Aurora");
   EXPECT_EQ(scalar("SELECT titolo FROM articoli WHERE ID = 2"), "Brina");
   EXPECT_EQ(line(EditedSet::Articoli, "titolo").text(), "Brina");

@@ -10,7 +10,7 @@ class GuideWindow : public WiredWindow {
  protected:
   void openGuide() {
     openWindow();
-    EXPECT_TRUE(choose(MenuAction::Introduction));
+    EXPECT_TRUE(choose("help.introduction"));
     guide = window->findChild<QDialog*>(QStringLiteral("frmIntro"));
     ASSERT_NE(guide, nullptr);
     ASSERT_TRUE(guide->isVisible());
@@ -75,16 +75,18 @@ TEST_F(GuideWindow, TheFirstFieldOfAStepHasItsWholeTextSelectedAndIsInView) {
 
 TEST_F(GuideWindow, TheBuildAndPublishButtonsSwapTheirPicture) {
   openGuide();
-  const auto picture = [this](int number) { return window->menus().command(number)->icon().pixmap(24).toImage(); };
-  const QImage plainBuild = picture(50), plainPublish = picture(51);
+  const auto picture = [this](std::string_view name) {
+    return window->menus().action(name)->icon().pixmap(24).toImage();
+  };
+  const QImage plainBuild = picture("build"), plainPublish = picture("publish");
   step(7);
-  EXPECT_NE(picture(50), plainBuild);
-  EXPECT_EQ(picture(51), plainPublish);
+  EXPECT_NE(picture("build"), plainBuild);
+  EXPECT_EQ(picture("publish"), plainPublish);
   step(8);
-  EXPECT_EQ(picture(50), plainBuild);
-  EXPECT_NE(picture(51), plainPublish);
+  EXPECT_EQ(picture("build"), plainBuild);
+  EXPECT_NE(picture("publish"), plainPublish);
   guide->close();
-  EXPECT_EQ(picture(51), plainPublish);
+  EXPECT_EQ(picture("publish"), plainPublish);
 }
 
 TEST_F(GuideWindow, ClosingTakesEverythingAway) {
@@ -122,7 +124,7 @@ TEST_F(GuideWindow, TheMainWindowCanBeUsedBesideIt) {
   openGuide();
   EXPECT_FALSE(guide->isModal());
   step(0);
-  run(14);
+  run("department.insertAfter");
   EXPECT_EQ(fromQt(window->tree().currentIndex().data().toString()), "Nuovo Reparto");
   EXPECT_TRUE(guide->isVisible());
 }
@@ -131,11 +133,11 @@ TEST_F(GuideWindow, ItIsOpenedOnceAndChosenAgainTheSameOneComesForward) {
   EXPECT_TRUE(takeIntroTurn(settings));
   EXPECT_FALSE(takeIntroTurn(settings));
   openGuide();
-  EXPECT_TRUE(choose(MenuAction::Introduction));
+  EXPECT_TRUE(choose("help.introduction"));
   EXPECT_EQ(window->findChildren<QDialog*>(QStringLiteral("frmIntro")).size(), 1);
   guide->close();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  EXPECT_TRUE(choose(MenuAction::Introduction));
+  EXPECT_TRUE(choose("help.introduction"));
   EXPECT_EQ(window->findChildren<QDialog*>(QStringLiteral("frmIntro")).size(), 1);
 }
 

@@ -34,7 +34,7 @@ TEST_F(FourLanguages, TheMenuChangesTheLanguageAndKeepsTheCursors) {
   openWide();
   goArticle(1);
   for (const int language : {2, 3, 4, 1}) {
-    EXPECT_TRUE(choose(MenuAction::EditLanguage, language));
+    EXPECT_TRUE(choose(languageCommand(language)));
     EXPECT_EQ(shown(), wanted[static_cast<std::size_t>(language - 1)]);
     EXPECT_EQ(selected(), "cat001");
     EXPECT_EQ(window->articles().currentIndex().row(), 1);
@@ -50,7 +50,7 @@ TEST_F(FourLanguages, TheKeysChangeTheLanguage) {
     window->articles().setFocus();
     key(keys[place], Qt::ControlModifier);
     EXPECT_EQ(shown(), wanted[place]);
-    EXPECT_TRUE(window->menus().entry(MenuAction::EditLanguage, static_cast<int>(place) + 1)->isChecked());
+    EXPECT_TRUE(window->menus().action(languageCommand(static_cast<int>(place) + 1))->isChecked());
   }
 }
 
@@ -62,7 +62,7 @@ TEST_F(FourLanguages, TheDropDownShowsTheFlagAndChangesTheLanguage) {
   QTimer::singleShot(0, window.get(), [this] {
     QMenu* menu = dropDown().menu();
     ASSERT_TRUE(QTest::qWaitFor([&] { return menu->isVisible(); }));
-    QAction* german = window->menus().entry(MenuAction::EditLanguage, 4);
+    QAction* german = window->menus().action("language.4");
     QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(german).center());
   });
   QTest::mouseClick(&dropDown(), Qt::LeftButton);
@@ -93,7 +93,7 @@ TEST_F(FourLanguages, WhatIsTypedBelongsToTheLanguageItWasTypedIn) {
 TEST_F(FourLanguages, OffTheTableTheRootStaysSelected) {
   openWide();
   go("###");
-  EXPECT_TRUE(choose(MenuAction::EditLanguage, 2));
+  EXPECT_TRUE(choose("language.2"));
   EXPECT_EQ(selected(), "###");
   EXPECT_EQ(treeShown(), "Negozio(Pots(Small) Plates)");
 }
@@ -141,7 +141,7 @@ TEST_F(PriceLists, EachOfTheTenPagesShowsItsOwnValues) {
   for (int n = 9; n >= 0; --n) {
     const std::string number = std::to_string(n);
     pick(Tab::Articles, n);
-    EXPECT_EQ(session.currentListino, n);
+    EXPECT_EQ(window->workbench().listino(), n);
     EXPECT_EQ(text(EditedSet::Articoli, "prezzo"), number + ",5");
     EXPECT_EQ(text(EditedSet::Articoli, "offertaprezzo"), number);
     EXPECT_EQ(flag(EditedSet::Articoli, "offerta"), n % 2 == 1) << n;

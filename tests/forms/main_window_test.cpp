@@ -72,15 +72,17 @@ TEST_F(MainWindow, EachTabHasItsOwnEditMenu) {
 
 TEST_F(MainWindow, EveryEntryOfTheTableHasAnActionThatFollowsItsState) {
   open();
-  for (const MenuEntry& entry : menuTable()) {
-    if (entry.entry == "-") continue;
-    const QAction* action = entry.command >= 0 ? window->menus().command(entry.command)
-                                               : window->menus().entry(entry.action, entry.argument);
-    ASSERT_NE(action, nullptr) << entry.entry;
-    const EntryState state = window->workbench().stateOf(entry);
-    EXPECT_EQ(action->isEnabled(), state.enabled && state.visible) << entry.entry;
-    EXPECT_EQ(action->isVisible(), state.visible) << entry.entry;
-    EXPECT_EQ(action->shortcut(), QKeySequence(toQt(entry.shortcut))) << entry.entry;
+  const WorkbenchCommands& commands = window->workbench().commands();
+  for (int menu = 0; menu < menuCount; ++menu) {
+    for (const MenuItem& item : commands.table().entriesOf(static_cast<Menu>(menu))) {
+      if (item.command == nullptr) continue;
+      const QAction* action = window->menus().action(item.command->name);
+      ASSERT_NE(action, nullptr) << item.command->name;
+      const EntryState state = commands.stateOf(*item.command, item.place);
+      EXPECT_EQ(action->isEnabled(), state.enabled && state.visible) << item.command->name;
+      EXPECT_EQ(action->isVisible(), state.visible) << item.command->name;
+      EXPECT_EQ(action->shortcut(), QKeySequence(toQt(item.command->shortcut))) << item.command->name;
+    }
   }
 }
 
@@ -90,8 +92,9 @@ TEST_F(MainWindow, EveryCaptionOfTheTableIsAButton) {
   for (const QToolBar* bar : window->findChildren<QToolBar*>()) {
     for (const QAction* action : bar->actions()) captions.insert(action->iconText());
   }
+  const CommandTable& table = window->workbench().commands().table();
   for (const int number : {50, 51, 52, 17, 15, 14, 20, 12, 11, 13, 7, 0, 2, 3, 4, 5, 6, 21}) {
-    EXPECT_TRUE(captions.contains(toQt(commandOf(number)->caption))) << number;
+    EXPECT_TRUE(captions.contains(toQt(table.numbered(number)->caption))) << number;
   }
 }
 
@@ -170,7 +173,7 @@ TEST_F(MainWindow, UndoAndRedoByTheirKeys) {
   open();
   window->tree().setFocus();
   key(Qt::Key_I, Qt::ControlModifier);
-  EXPECT_EQ(window->menus().entry(MenuAction::Undo)->text().remove(QLatin1Char('&')), "Annulla: Aggiungi reparto");
+  EXPECT_EQ(window->menus().action("undo")->text().remove(QLatin1Char('&')), "Annulla: Aggiungi reparto");
   window->tree().setFocus();
   key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(scalar("SELECT COUNT(*) FROM categorie"), "3");
@@ -209,13 +212,13 @@ TEST_F(MainWindow, WhatIsExpandedStaysSoOverARebuild) {
   DepartmentView& tree = window->tree();
   EXPECT_FALSE(tree.isExpanded(tree.departments().indexOf("cat001")));
   tree.expand(tree.departments().indexOf("cat001"));
-  window->workbench().EseguiComando(14);
+  window->menus().action("department.insertAfter")->trigger();
   settle();
   EXPECT_TRUE(tree.isExpanded(tree.departments().indexOf("cat001")));
-  window->workbench().EseguiComando(8);
+  window->menus().action("tree.collapse")->trigger();
   EXPECT_FALSE(tree.isExpanded(tree.departments().indexOf("cat001")));
   EXPECT_TRUE(tree.isExpanded(tree.departments().indexOf("###")));
-  window->workbench().EseguiComando(7);
+  window->menus().action("tree.expand")->trigger();
   EXPECT_TRUE(tree.isExpanded(tree.departments().indexOf("cat001")));
 }
 
@@ -290,7 +293,7 @@ TEST_F(MainWindow, ClosingSavesWhatIsTypedAndRemembersItsPlace) {
   EXPECT_EQ(scalar("SELECT titolo FROM categorie WHERE ID = 'cat001'"), "Orci");
   EXPECT_TRUE(session.compactOnExit);
   EXPECT_FALSE(settings.get("Finestra", "geometria").empty());
-  frmMain again(session, env, {});
+  frmMain again(session, env, portsWithCommands());
   again.restorePlace();
   EXPECT_EQ(again.size(), QSize(1010, 700));
 }

@@ -151,9 +151,10 @@ TEST_F(Menus, TheEntriesOfCompanionsAndManualAreHiddenWithoutTheirFiles) {
 TEST_F(Menus, OneLanguageShowsOneEntryAndFourShowFour) {
   run(shop, "UPDATE lingue SET lingua2 = ''");
   open();
-  answer("frmReplica", "");
+  answer(&WorkbenchDialogs::replicateLanguages, false);
+  refreshEntries();
   EXPECT_EQ(entries("Visualizza").filter("Lingua"), QStringList({"Lingua > 1 - italiano"}));
-  EXPECT_FALSE(window->menus().entry(MenuAction::ReplicateLanguages)->isEnabled());
+  EXPECT_FALSE(isEntryOn("languages.replicate"));
   ASSERT_TRUE(
       session.catalogue.execute("UPDATE lingue SET lingua2 = 'inglese', lingua3 = 'francese', lingua4 = 'tedesco'"));
   ASSERT_TRUE(readLanguages(session));
@@ -161,7 +162,7 @@ TEST_F(Menus, OneLanguageShowsOneEntryAndFourShowFour) {
   settle();
   EXPECT_EQ(entries("Visualizza").filter("Lingua"), QStringList({"Lingua > 1 - italiano", "Lingua > 2 - inglese",
                                                                  "Lingua > 3 - francese", "Lingua > 4 - tedesco"}));
-  EXPECT_TRUE(window->menus().entry(MenuAction::ReplicateLanguages)->isEnabled());
+  EXPECT_TRUE(isEntryOn("languages.replicate"));
 }
 
 TEST_F(Menus, TheMarksStandAtTabLanguageAndHiddenDetails) {
@@ -170,100 +171,105 @@ TEST_F(Menus, TheMarksStandAtTabLanguageAndHiddenDetails) {
     settle();
     QStringList text;
     for (int tab = 0; tab < tabCount; ++tab) {
-      if (window->menus().entry(MenuAction::ShowTab, tab)->isChecked())
-        text.append(entryText(MenuAction::ShowTab, tab));
+      if (window->menus().action(tabCommand(static_cast<Tab>(tab)))->isChecked())
+        text.append(entryText(tabCommand(static_cast<Tab>(tab))));
     }
     for (int n = 1; n <= 4; ++n) {
-      if (window->menus().entry(MenuAction::EditLanguage, n)->isChecked()) text.append(QString::number(n));
+      if (window->menus().action(languageCommand(n))->isChecked()) text.append(QString::number(n));
     }
-    if (window->menus().entry(MenuAction::HideDetails)->isChecked()) text.append("nascosti");
+    if (window->menus().action("details.hide")->isChecked()) text.append("nascosti");
     return text;
   };
   EXPECT_EQ(marks(), QStringList({"Reparti", "1"}));
-  EXPECT_TRUE(choose(MenuAction::ShowTab, 1));
-  EXPECT_TRUE(choose(MenuAction::EditLanguage, 2));
-  EXPECT_TRUE(choose(MenuAction::HideDetails));
+  EXPECT_TRUE(choose("tab.articles"));
+  EXPECT_TRUE(choose("language.2"));
+  EXPECT_TRUE(choose("details.hide"));
   EXPECT_EQ(marks(), QStringList({"Articoli", "2", "nascosti"}));
   EXPECT_FALSE(window->page(Tab::Articles).isVisible());
-  EXPECT_TRUE(choose(MenuAction::ShowTab, 1)) << "chosen again, the mark stays";
-  EXPECT_TRUE(choose(MenuAction::HideDetails));
-  EXPECT_TRUE(choose(MenuAction::ShowTab, 3));
+  EXPECT_TRUE(choose("tab.articles")) << "chosen again, the mark stays";
+  EXPECT_TRUE(choose("details.hide"));
+  EXPECT_TRUE(choose("tab.internet"));
   EXPECT_EQ(marks(), QStringList({"Internet", "2"}));
 }
 
 TEST_F(Menus, EveryEntryShowsTheKeyThatRunsIt) {
   open();
   QMap<QString, QStringList> keys;
-  for (const MenuEntry& entry : menuTable()) {
-    if (entry.entry == "-") continue;
-    const QAction* action = entry.command >= 0 ? window->menus().command(entry.command)
-                                               : window->menus().entry(entry.action, entry.argument);
-    EXPECT_EQ(action->shortcut().toString(), toQt(entry.shortcut)) << entry.entry;
-    if (entry.shortcut.empty() || action->shortcutContext() != Qt::WindowShortcut) continue;
-    keys[QString::number(static_cast<int>(entry.tab)) + action->shortcut().toString()].append(toQt(entry.entry));
+  const CommandTable& table = window->workbench().commands().table();
+  for (int menu = 0; menu < menuCount; ++menu) {
+    for (const MenuItem& item : table.entriesOf(static_cast<Menu>(menu))) {
+      if (item.command == nullptr) continue;
+      const QAction* action = window->menus().action(item.command->name);
+      EXPECT_EQ(action->shortcut().toString(), toQt(item.command->shortcut)) << item.place->text;
+      if (action->shortcut().isEmpty() || action->shortcutContext() != Qt::WindowShortcut) continue;
+      keys[QString::number(menu) + action->shortcut().toString()].append(toQt(item.place->text));
+    }
   }
   for (const QStringList& sharing : keys) EXPECT_EQ(sharing.size(), 1) << sharing.join('/').toStdString();
 }
 
 TEST_F(Menus, EveryDialogOfTheMenusIsAskedForByItsEntry) {
-  const std::vector<std::tuple<Tab, MenuAction, const char*>> dialogs{
-      {Tab::Departments, MenuAction::ExportShop, "frmEsporta"},
-      {Tab::Departments, MenuAction::ImportShop, "frmImportaPrimo"},
-      {Tab::Departments, MenuAction::RestoreCopy, "frmBackup"},
-      {Tab::Departments, MenuAction::ChangeFolders, "frmBrowse"},
-      {Tab::Departments, MenuAction::Languages, "frmLingue"},
-      {Tab::Departments, MenuAction::ReplicateLanguages, "frmReplica"},
-      {Tab::Departments, MenuAction::ReplicatePriceList, "frmReplicaListini"},
-      {Tab::Departments, MenuAction::CustomTags, "frmTags"},
-      {Tab::Departments, MenuAction::BuildSettings, "frmImpostazioni"},
-      {Tab::Departments, MenuAction::ImportAccounting, "frmImportaOG"},
-      {Tab::Departments, MenuAction::ChangePrices, "frmVariaPrezzi"},
-      {Tab::Articles, MenuAction::ChangePrices, "frmVariaPrezzi"},
-      {Tab::Site, MenuAction::Shipping, "frmSpedizione"},
-      {Tab::Site, MenuAction::PaymentSystems, "frmPagamento"},
-      {Tab::Site, MenuAction::OrderMail, "frmEmail"},
-      {Tab::Site, MenuAction::Showcase, "frmVetrina"},
-      {Tab::Site, MenuAction::RequiredFields, "frmObbligatori"},
-      {Tab::Internet, MenuAction::ConnectionSettings, "frmFirewall"},
-      {Tab::Departments, MenuAction::Introduction, "frmIntro"},
-      {Tab::Departments, MenuAction::About, "frmAbout"}};
+  using Port = WorkbenchDialogs;
+  const std::vector<std::tuple<Tab, const char*, DialogMember>> entries{
+      {Tab::Departments, "shop.export", &Port::exportShop},
+      {Tab::Departments, "shop.import", &Port::importShop},
+      {Tab::Departments, "shop.restoreCopy", &Port::restoreCopy},
+      {Tab::Departments, "shop.folders", &Port::changeFolders},
+      {Tab::Departments, "languages", &Port::languages},
+      {Tab::Departments, "languages.replicate", &Port::replicateLanguages},
+      {Tab::Departments, "prices.replicate", &Port::replicatePriceList},
+      {Tab::Departments, "customTags", &Port::customTags},
+      {Tab::Departments, "build.settings", &Port::buildSettings},
+      {Tab::Departments, "import.accounting", &Port::importAccounting},
+      {Tab::Departments, "prices.change", &Port::changePrices},
+      {Tab::Articles, "prices.change", &Port::changePrices},
+      {Tab::Site, "shipping", &Port::shipping},
+      {Tab::Site, "payment", &Port::configurePayment},
+      {Tab::Site, "orderMail", &Port::orderMail},
+      {Tab::Site, "showcase", &Port::showcase},
+      {Tab::Site, "requiredFields", &Port::requiredFields},
+      {Tab::Internet, "connection.settings", &Port::connectionSettings},
+      {Tab::Departments, "help.introduction", &Port::introduction},
+      {Tab::Departments, "help.about", &Port::about}};
   open();
-  for (const auto& [tab, action, name] : dialogs) {
+  for (const auto& [tab, name, member] : entries) {
     goTab(tab);
-    EXPECT_FALSE(window->menus().entry(action)->isEnabled()) << name << " is not there";
-    EXPECT_FALSE(choose(action)) << name;
-    answer(name, "");
-    EXPECT_TRUE(choose(action)) << name;
-    EXPECT_EQ(dialogsRun, std::vector<std::string>{name});
+    EXPECT_FALSE(isEntryOn(name)) << "the dialog of " << name << " is not there";
+    EXPECT_FALSE(choose(name)) << name;
+    answer(member, false);
+    refreshEntries();
+    EXPECT_TRUE(choose(name)) << name;
+    EXPECT_EQ(dialogsRun.size(), 1U) << name;
+    EXPECT_EQ(dialogsRun.front(), std::ranges::find(plainDialogs, member, &PlainDialog::member)->name);
     dialogsRun.clear();
-    window->workbench().ports().dialogs.erase(name);
-    window->entriesChanged();
-    settle();
+    dialogs().*member = nullptr;
+    refreshEntries();
   }
 }
 
-TEST_F(Menus, ThePurgeOfPicturesIsGivenTheirFolderAndTheTwoFtpFoldersTheirNames) {
+TEST_F(Menus, ThePurgeOfPicturesIsGivenTheirFolderAndTheTwoFtpFoldersTheirKinds) {
   run(shop, "UPDATE generale SET hostname = 'h', username = 'u', password = 'p'");
   open();
-  answer("frmPulisciImmagini", "");
-  answer("frmFolderFTP", "");
-  EXPECT_TRUE(choose(MenuAction::PurgeImages));
+  answerPurge(false);
+  answerServerFolder(false);
+  refreshEntries();
+  EXPECT_TRUE(choose("shop.purgePictures"));
   goTab(Tab::Internet);
-  EXPECT_TRUE(choose(MenuAction::ShopFtpFolder));
-  EXPECT_TRUE(choose(MenuAction::ScriptFtpFolder));
-  EXPECT_EQ(dialogsRun, (std::vector<std::string>{"frmPulisciImmagini " + shop + "/work", "frmFolderFTP folderFTP",
-                                                  "frmFolderFTP folderCGI"}));
+  EXPECT_TRUE(choose("connection.shopFolder"));
+  EXPECT_TRUE(choose("connection.scriptFolder"));
+  EXPECT_EQ(dialogsRun, (std::vector<std::string>{"purgePictures " + shop + "/work", "chooseServerFolder shop",
+                                                  "chooseServerFolder scripts"}));
 }
 
 TEST_F(Menus, TheHelpEntriesOpenTheirPages) {
   write(joinPath(application, "manuale_template2.pdf"), "");
   write(joinPath(application, "ordsync.exe"), "");
   open();
-  EXPECT_TRUE(choose(MenuAction::HelpContents));
-  EXPECT_TRUE(choose(MenuAction::HelpQuestions));
-  EXPECT_TRUE(choose(MenuAction::TemplateGuide));
-  EXPECT_TRUE(choose(MenuAction::DownloadOrders));
-  EXPECT_TRUE(choose(MenuAction::CheckUpdates));
+  EXPECT_TRUE(choose("help.contents"));
+  EXPECT_TRUE(choose("help.questions"));
+  EXPECT_TRUE(choose("help.templates"));
+  EXPECT_TRUE(choose("import.orders"));
+  EXPECT_TRUE(choose("help.updates"));
   ASSERT_EQ(opened.size(), 5U);
   const std::vector<std::string> first(opened.begin(), opened.end() - 1);
   EXPECT_EQ(first, (std::vector<std::string>{application + "/help/index.htm", application + "/help/pagine/faq.htm",
@@ -285,9 +291,8 @@ TEST_F(Menus, TheHelpKeyOpensThePageOfTheTab) {
 
 TEST_F(Menus, WithNoDialogAtAllNothingThatIsOnIsDead) {
   open();
-  window->workbench().ports().dialogs.clear();
-  window->entriesChanged();
-  settle();
+  dialogs() = {};
+  refreshEntries();
   EXPECT_EQ(on("File"), "Nuovo negozio..;Apri negozio...;Pulisci le cartelle di lavoro...;BackOffice...;Esci;");
   EXPECT_EQ(on("Modifica"), "Su;Giu;Prima;Dopo;Sottoreparto;Copia;Elimina;");
   EXPECT_EQ(on("?"), "Sommario...;Domande frequenti...;Aggiornamenti online...;");
@@ -300,7 +305,7 @@ TEST_F(Menus, WithNoDialogAtAllNothingThatIsOnIsDead) {
 TEST_F(Menus, EsciSavesWhatIsTypedAndClosesTheWindow) {
   open();
   type(line(EditedSet::Categorie, "titolo"), "Orci");
-  EXPECT_TRUE(choose(MenuAction::Exit));
+  EXPECT_TRUE(choose("exit"));
   EXPECT_FALSE(window->isVisible());
   EXPECT_TRUE(session.compactOnExit);
   EXPECT_EQ(scalar("SELECT titolo FROM categorie WHERE ID = 'cat001'"), "Orci");

@@ -19,12 +19,12 @@ class Questions : public DrivenWindow {
 TEST_F(Questions, AnArticleIsDeletedOnlyOnAYes) {
   openWide();
   goArticle(1);
-  EXPECT_TRUE(press(4));
+  EXPECT_TRUE(press("article.delete"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0], asked(deleteArticle, Answer::No, Answer::No));
   EXPECT_EQ(listShown(), "Alba [Brina] Cielo");
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(chooseCommand(4));
+  EXPECT_TRUE(choose("article.delete"));
   EXPECT_EQ(listShown(), "Alba [Cielo]");
 }
 
@@ -32,13 +32,13 @@ TEST_F(Questions, TheLastArticleOfTheListGivesTheCursorToTheOneBefore) {
   openWide();
   goArticle(2);
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(press(4));
+  EXPECT_TRUE(press("article.delete"));
   EXPECT_EQ(listShown(), "Alba [Brina]");
 }
 
 TEST_F(Questions, ADepartmentWithSubdepartmentsIsNotDeleted) {
   openWide();
-  EXPECT_TRUE(press(13));
+  EXPECT_TRUE(press("department.delete"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0], said("Non è consentito eliminare un reparto che contiene sottoreparti.\n"
                                 "Per cancellare questo reparto è necessario rimuovere i sottoreparti.",
@@ -49,11 +49,11 @@ TEST_F(Questions, ADepartmentWithSubdepartmentsIsNotDeleted) {
 TEST_F(Questions, ADepartmentWithArticlesIsDeletedOnlyOnAYes) {
   openWide();
   go("cat003");
-  EXPECT_TRUE(chooseCommand(13));
+  EXPECT_TRUE(choose("department.delete"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0], asked(deleteFull, Answer::No, Answer::No));
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(press(13));
+  EXPECT_TRUE(press("department.delete"));
   EXPECT_EQ(treeShown(), "Negozio(Vasi(Piccoli))");
   EXPECT_EQ(selected(), "###") << "a top department leaves none selected";
   EXPECT_FALSE(line(EditedSet::Categorie, "titolo").isEnabled());
@@ -63,7 +63,7 @@ TEST_F(Questions, ADepartmentWithArticlesIsDeletedOnlyOnAYes) {
 TEST_F(Questions, TheLastDepartmentIsNotDeleted) {
   run(shop, "DELETE FROM articoli; DELETE FROM categorie WHERE ID <> 'cat003'");
   openWide();
-  EXPECT_TRUE(press(13));
+  EXPECT_TRUE(press("department.delete"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0], said("Almeno un reparto deve essere definito: non è possibile eliminare questo reparto",
                                 Icon::Exclamation));
@@ -73,7 +73,7 @@ TEST_F(Questions, TheLastDepartmentIsNotDeleted) {
 TEST_F(Questions, DeletingTheLastSubdepartmentGoesToItsParent) {
   openWide();
   go("cat002");
-  EXPECT_TRUE(press(13));
+  EXPECT_TRUE(press("department.delete"));
   EXPECT_TRUE(user.shown.empty());
   EXPECT_EQ(selected(), "cat001");
   EXPECT_EQ(scalar("SELECT hafigli FROM categorie WHERE ID = 'cat001'"), "0");
@@ -82,19 +82,19 @@ TEST_F(Questions, DeletingTheLastSubdepartmentGoesToItsParent) {
 TEST_F(Questions, CopyingADepartmentAsksForItsArticles) {
   openWide();
   user.answers = {Answer::No};
-  EXPECT_TRUE(press(12));
+  EXPECT_TRUE(press("department.copy"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text, "Copiare anche tutti gli articoli del reparto?");
   EXPECT_EQ(user.shown[0].buttons, Buttons::YesNo);
   EXPECT_EQ(clipboard(), "");
-  EXPECT_FALSE(window->menus().command(6)->isEnabled());
+  EXPECT_FALSE(window->menus().action("article.paste")->isEnabled());
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(chooseCommand(12));
+  EXPECT_TRUE(choose("department.copy"));
   EXPECT_EQ(clipboard(), "Alba Brina Cielo");
-  EXPECT_TRUE(window->menus().command(6)->isEnabled());
+  EXPECT_TRUE(window->menus().action("article.paste")->isEnabled());
   go("cat002");
   user.shown.clear();
-  EXPECT_TRUE(press(12));
+  EXPECT_TRUE(press("department.copy"));
   EXPECT_TRUE(user.shown.empty()) << "without articles there is nothing to ask";
 }
 
@@ -103,34 +103,34 @@ TEST_F(Questions, PastingNeedsADepartmentAndAsksForMoreThanOne) {
   openWide();
   go("###");
   goTab(Tab::Articles);
-  EXPECT_TRUE(press(6));
+  EXPECT_TRUE(press("article.paste"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text, "Per incollare gli articoli è necessario selezionare un reparto.");
   go("cat003");
   user.answers = {Answer::No};
-  EXPECT_TRUE(press(6));
+  EXPECT_TRUE(press("article.paste"));
   ASSERT_EQ(user.shown.size(), 2U);
   EXPECT_EQ(user.shown[1].text, "Saranno incollati 2 articoli. Procedere?");
   EXPECT_EQ(user.shown[1].buttons, Buttons::YesNo);
   EXPECT_EQ(listShown(), "[Duna]");
   user.answers = {Answer::Yes};
-  EXPECT_TRUE(chooseCommand(6));
+  EXPECT_TRUE(choose("article.paste"));
   EXPECT_EQ(listShown(), "Duna Eco [Fonte]");
   EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the busy pointer is gone";
 }
 
 TEST_F(Questions, PublishingNeedsABuild) {
   openWide();
-  answer("frmAvviso", "OK");
-  EXPECT_TRUE(press(51));
+  answer(&WorkbenchDialogs::remindToBuild, true);
+  EXPECT_TRUE(press("publish"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text, "E' necessario costruire il negozio prima di aggiornare il sito");
-  EXPECT_EQ(dialogsRun, std::vector<std::string>{"frmAvviso"});
+  EXPECT_EQ(dialogsRun, std::vector<std::string>{"remindToBuild"});
 }
 
 TEST_F(Questions, TheBackOfficeNeedsAnAddress) {
   openWide();
-  EXPECT_TRUE(press(52));
+  EXPECT_TRUE(press("backOffice"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text,
             "Il BackOffice non è disponibile finché non si costruisce ed aggiorna il negozio per la prima volta.\n"
@@ -143,7 +143,7 @@ TEST_F(Questions, EmptyingTheFoldersAsksThriceWithTheRefusalAsTheDefault) {
   write(shop + "/scripts/b.php", "x");
   openWide();
   user.answers = {Answer::Yes, Answer::Ok, Answer::Ok};
-  EXPECT_TRUE(choose(MenuAction::CleanFolders));
+  EXPECT_TRUE(choose("shop.cleanFolders"));
   ASSERT_EQ(user.shown.size(), 3U);
   EXPECT_EQ(user.shown[0], asked("Le seguenti cartelle saranno svuotate:\n\n" + shop + "/online\n" + shop +
                                      "/scripts\n\nATTENZIONE: Tutti i file presenti in queste cartelle verranno "
@@ -163,27 +163,27 @@ TEST_F(Questions, AShopThatIsNoneIsRefusedAndTheOneInUseStays) {
   openWide();
   ASSERT_TRUE(createFolders(root / "vuota"));
   user.folders = {root / "vuota"};
-  EXPECT_TRUE(choose(MenuAction::OpenShop));
+  EXPECT_TRUE(choose("shop.open"));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text,
             "La cartella selezionata non contiene un negozio\n(oppure il negozio contenuto è corrotto)");
   user.folders = {shop};
-  EXPECT_TRUE(choose(MenuAction::NewShop));
+  EXPECT_TRUE(choose("shop.new"));
   ASSERT_EQ(user.shown.size(), 2U);
   EXPECT_EQ(user.shown[1].text, "Nel percorso specificato è già presente un negozio");
   user.folders = {"/"};
-  EXPECT_TRUE(choose(MenuAction::NewShop));
+  EXPECT_TRUE(choose("shop.new"));
   ASSERT_EQ(user.shown.size(), 3U);
   EXPECT_EQ(user.shown[2].text, "La cartella '/' è la root di un disco, e non è consentito crearvi un nuovo negozio");
   EXPECT_EQ(treeShown(), "Negozio(Vasi(Piccoli) Piatti)");
-  EXPECT_TRUE(press(14)) << "the window works on";
+  EXPECT_TRUE(press("department.insertAfter")) << "the window works on";
 }
 
 TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   QtUser boxes;
   Environment boxed{boxes, settings, clock, random, application, {}};
   Session another;
-  frmMain real(another, boxed, {});
+  frmMain real(another, boxed, portsWithCommands());
   boxed.hooks.bind = [&](Session&) { real.workbench().bindSession(); };
   boxed.hooks.release = [&](Session&) { real.workbench().releaseSession(); };
   ASSERT_EQ(startSession(another, boxed), LoadResult::Opened);
@@ -220,9 +220,9 @@ TEST_F(WiredWindow, TheReminderBeforePublishingIsShownUntilItIsToldNotTo) {
   openWindow();
   ASSERT_TRUE(writeBytes(shop + "/kvftp.dat", "#\r\n"));
   int published = 0;
-  window->workbench().ports().dialogs["frmImpostaFTP"] = [&](const std::string&) {
+  window->workbench().ports().dialogs.publishOptions = [&] {
     ++published;
-    return std::string();
+    return false;
   };
   window->entriesChanged();
   settle();
@@ -236,13 +236,13 @@ TEST_F(WiredWindow, TheReminderBeforePublishingIsShownUntilItIsToldNotTo) {
     });
   };
   answer("No", false);
-  run(51);
+  run("publish");
   EXPECT_EQ(published, 0);
   answer("Sì", true);
-  run(51);
+  run("publish");
   EXPECT_EQ(published, 1);
   EXPECT_EQ(settings.get(settingsSection, "NoShow"), "1");
-  run(51);
+  run("publish");
   EXPECT_EQ(published, 2) << "without the reminder";
 }
 

@@ -70,7 +70,7 @@ TEST_F(SearchJump, TheButtonOpensItAndADoubleClickJumps) {
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place);
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, place);
   });
-  run(21);
+  run("article.search");
   EXPECT_EQ(path(), "Negozio/Piatti");
   EXPECT_EQ(current(), "bluastro");
 }
@@ -84,7 +84,7 @@ TEST_F(SearchJump, WholeWordsLeaveTheBareWordOut) {
     EXPECT_EQ(hits(list), "E1 E2 ");
     click(dialog, "cmdMostra");
   });
-  run(21);
+  run("article.search");
   EXPECT_EQ(current(), "vaso blu scuro");
 }
 
@@ -97,7 +97,7 @@ TEST_F(SearchJump, TheLanguageInUseIsSearched) {
     EXPECT_EQ(hits(list), "E4 ");
     click(dialog, "cmdMostra");
   });
-  run(21);
+  run("article.search");
   EXPECT_EQ(path(), "Negozio/Plates");
   EXPECT_EQ(current(), "bluish");
 }
@@ -113,7 +113,7 @@ TEST_F(SearchJump, WhatIsTypedIsSavedBeforeItIsSearched) {
     QTest::keyClick(&dialog, Qt::Key_Return);
     EXPECT_EQ(hits(list), "A1 ");
   });
-  run(21);
+  run("article.search");
   EXPECT_EQ(current(), "Zaffiro") << "left by Escape, nothing moves";
   EXPECT_EQ(path(), "Negozio/Vasi");
 }

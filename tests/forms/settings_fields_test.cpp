@@ -235,13 +235,16 @@ TEST_F(Saved, WhenTheWindowCloses) {
 
 TEST_F(Saved, WhenABuildStarts) {
   std::string at;
-  window->workbench().ports().dialogs["frmElabora"] = [&](const std::string&) { return at = title(); };
-  EXPECT_TRUE(press(50));
+  dialogs().build = [&] {
+    at = title();
+    return true;
+  };
+  EXPECT_TRUE(press("build"));
   EXPECT_EQ(at, "Orci");
 }
 
 TEST_F(Saved, WhenACommandRuns) {
-  EXPECT_TRUE(press(14));
+  EXPECT_TRUE(press("department.insertAfter"));
   EXPECT_EQ(treeShown(), "Negozio(Orci(Piccoli) Nuovo Reparto Piatti)");
 }
 

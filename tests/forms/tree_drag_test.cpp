@@ -119,11 +119,11 @@ TEST_F(TreeDrag, ItIsOneStepThatCanBeTakenBack) {
   openTree();
   const std::string before = whole();
   EXPECT_TRUE(drop("cat003", "cat002"));
-  EXPECT_EQ(entryText(MenuAction::Undo), "Annulla: Trascina reparto");
-  EXPECT_TRUE(choose(MenuAction::Undo));
+  EXPECT_EQ(entryText("undo"), "Annulla: Trascina reparto");
+  EXPECT_TRUE(choose("undo"));
   EXPECT_EQ(treeShown(), "Negozio(Vasi(Piccoli) Piatti)");
   EXPECT_EQ(whole(), before);
-  EXPECT_TRUE(choose(MenuAction::Redo));
+  EXPECT_TRUE(choose("redo"));
   EXPECT_EQ(treeShown(), "Negozio(Vasi(Piccoli(Piatti)))");
   EXPECT_EQ(selected(), "cat003");
 }

@@ -23,9 +23,12 @@ constexpr int operations = 3000;
 constexpr int operationsBetweenReturns = operations / 3;
 constexpr std::int64_t manyDepartments = 20;
 constexpr std::int64_t manyArticles = 40;
-constexpr std::array treeCommands{14, 15, 20, 16, 17, 13, 12, 11, 7, 8};
-constexpr std::array articleCommands{2, 3, 0, 1, 4, 5, 6};
-constexpr int deleteDepartment = 13;
+constexpr std::array treeCommands{
+    "department.insertAfter", "department.insertBefore", "department.insertBelow", "department.down", "department.up",
+    "department.delete",      "department.copy",         "department.paste",       "tree.expand",     "tree.collapse"};
+constexpr std::array articleCommands{"article.insertBefore", "article.insertAfter", "article.up",   "article.down",
+                                     "article.delete",       "article.copy",        "article.paste"};
+constexpr const char* deleteDepartment = "department.delete";
 
 class TreeEndurance : public WindowFixture {
  protected:
@@ -35,6 +38,11 @@ class TreeEndurance : public WindowFixture {
     return list[static_cast<std::size_t>(pick(static_cast<int>(list.size())))];
   }
 
+  /// Runs a command if it is enabled.
+  void choose(std::string_view name) {
+    const WorkbenchCommands& commands = bench().commands();
+    commands.choose(*commands.table().named(name));
+  }
   Workbench& bench() { return window->workbench(); }
   CatalogueSets& sets() { return bench().sets(); }
   DepartmentModel& model() { return window->tree().departments(); }
@@ -53,10 +61,10 @@ class TreeEndurance : public WindowFixture {
 
   void runCommand() {
     const bool many = count("categorie") > manyDepartments || count("articoli") > manyArticles;
-    int command = pick(3) > 0 ? oneOf(treeCommands) : oneOf(articleCommands);
+    const char* command = pick(3) > 0 ? oneOf(treeCommands) : oneOf(articleCommands);
     if (many) command = deleteDepartment;
-    SCOPED_TRACE("command " + std::to_string(command));
-    if (bench().isCommandEnabled(command)) bench().EseguiComando(command);
+    SCOPED_TRACE(std::string("command ") + command);
+    choose(command);
   }
 
   /// A drop as the view hands it to the model; the model refuses what may not be.
@@ -101,7 +109,7 @@ class TreeEndurance : public WindowFixture {
         runCommand();
         break;
       case 2:
-        bench().undo();
+        choose("undo");
         break;
       default:
         break;
@@ -118,8 +126,8 @@ class TreeEndurance : public WindowFixture {
     if (kind < 52) return runCommand();
     if (kind < 62) return drag();
     if (kind < 77) return typeTitle();
-    if (kind < 88) return bench().undo();
-    if (kind < 94) return bench().redo();
+    if (kind < 88) return choose("undo");
+    if (kind < 94) return choose("redo");
     if (kind < 97) return bench().selectTab(pick(2) == 0 ? Tab::Departments : Tab::Articles);
     if (kind < 98) return bench().selectListino(pick(listini));
     bench().CambiaLingua(pick(2) + 1);
@@ -168,8 +176,7 @@ class TreeEndurance : public WindowFixture {
       shown += "\n";
     }
     std::string stored;
-    const std::string price =
-        session.currentListino == 0 ? "prezzo" : "prezzo" + std::to_string(session.currentListino);
+    const std::string price = bench().listino() == 0 ? "prezzo" : "prezzo" + std::to_string(bench().listino());
     auto row = session.catalogue.prepare("SELECT codice, titolo" + suffix() + ", " + price +
                                          " FROM articoli WHERE catID = ? ORDER BY ordinamento, ID");
     ASSERT_TRUE(row);
@@ -228,9 +235,9 @@ TEST_F(TreeEndurance, TheWindowShowsWhatIsStoredAfterEveryOperation) {
     check();
     if (HasFatalFailure()) return;
     if (n % operationsBetweenReturns != 0) continue;
-    while (!bench().undoName().empty()) bench().undo();
+    while (!bench().history().undoName().empty()) choose("undo");
     ASSERT_EQ(whole(), start);
-    for (int steps = pick(200); steps > 0 && !bench().redoName().empty(); --steps) bench().redo();
+    for (int steps = pick(200); steps > 0 && !bench().history().redoName().empty(); --steps) choose("redo");
     check();
     if (HasFatalFailure()) return;
   }

@@ -68,14 +68,14 @@ TEST_F(WindowBuild, ItsButtonBuildsSavesWhatIsTypedAndSaysSo) {
   QTest::keyClicks(title, "Orci");
   std::string said;
   whenFinished(said);
-  run(50);
+  run("build");
   EXPECT_EQ(said, finished);
   EXPECT_TRUE(user.shown.empty()) << asText(user.shown.front());
   for (const char* page : {"cat001.php", "cat002.php", "cat003.php", "cat001_l2.php"}) EXPECT_TRUE(built(page)) << page;
   EXPECT_NE(readBytes(shop + "/online/cat001.php").value_or("").find("Orci"), std::string::npos);
   EXPECT_TRUE(fileExists(shop + "/kvftp.dat"));
   EXPECT_FALSE(folderExists(shop + "/tmp"));
-  EXPECT_EQ(window->workbench().undoName(), "Modifica Titolo") << "a build is no step";
+  EXPECT_EQ(window->workbench().history().undoName(), "Modifica Titolo") << "a build is no step";
 }
 
 TEST_F(WindowBuild, CaptionAndBarAdvanceWhileItRuns) {
@@ -96,7 +96,7 @@ TEST_F(WindowBuild, CaptionAndBarAdvanceWhileItRuns) {
   poll->start(1);
   std::string said;
   whenFinished(said);
-  run(50);
+  run("build");
   poll->stop();
   ASSERT_GT(places.size(), 3U);
   EXPECT_TRUE(std::ranges::is_sorted(places));
@@ -118,7 +118,7 @@ TEST_F(WindowBuild, AClickOnAnnullaLeavesWithoutAWordAndWithoutCleaning) {
     QTest::mouseRelease(handle, Qt::LeftButton, {}, place);
     answered = !cancel->isEnabled();
   });
-  run(50);
+  run("build");
   EXPECT_TRUE(answered) << "the button answers at once";
   EXPECT_TRUE(user.shown.empty());
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
@@ -133,13 +133,13 @@ TEST_F(WindowBuild, BehindACancelTheWindowWorksOnAndTheNextBuildGoesThrough) {
   lengthen();
   openWindow();
   amidBuild([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-  run(50);
+  run("build");
   EXPECT_FALSE(built("cat003_l2.php"));
-  run(14);
+  run("department.insertAfter");
   EXPECT_EQ(path(), "Negozio/Nuovo Reparto");
   std::string said;
   whenFinished(said);
-  run(50);
+  run("build");
   EXPECT_EQ(said, finished);
   EXPECT_TRUE(built("cat003_l2.php"));
   EXPECT_FALSE(folderExists(shop + "/tmp"));
@@ -149,7 +149,7 @@ TEST_F(WindowBuild, TheCloseBoxOfTheDialogIsItsButton) {
   lengthen();
   openWindow();
   amidBuild([](QDialog& dialog) { EXPECT_FALSE(dialog.close()) << "refused as a close"; });
-  run(50);
+  run("build");
   EXPECT_TRUE(user.shown.empty());
   EXPECT_TRUE(folderExists(shop + "/tmp"));
 }
@@ -165,7 +165,7 @@ TEST_F(WindowBuild, TheMainWindowIsBlockedWhileItRuns) {
     EXPECT_EQ(window->workbench().tab(), Tab::Departments);
     QTest::keyClick(&dialog, Qt::Key_Escape);
   });
-  run(50);
+  run("build");
 }
 
 TEST_F(WindowBuild, AMissingTemplateIsChosenFirst) {
@@ -181,7 +181,7 @@ TEST_F(WindowBuild, AMissingTemplateIsChosenFirst) {
     QTest::keyClick(&dialog, Qt::Key_Return);
     whenFinished(said);
   });
-  run(50);
+  run("build");
   EXPECT_EQ(said, finished);
   EXPECT_EQ(stored("template"), offered);
   EXPECT_TRUE(user.shown.empty());
@@ -202,7 +202,7 @@ TEST_F(WindowBuild, LeavingTheTemplateChoiceAsksWithOkAsTheDefault) {
     QTest::keyClick(modal, Qt::Key_Escape);
   });
   poll->start(5);
-  run(50);
+  run("build");
   poll->stop();
   EXPECT_EQ(shown, 2) << "OK goes back to the choice";
   ASSERT_EQ(user.shown.size(), 2U);
@@ -214,7 +214,7 @@ TEST_F(WindowBuild, LeavingTheTemplateChoiceAsksWithOkAsTheDefault) {
 TEST_F(WindowBuild, AMissingLanguageModuleIsToldAndNothingIsBuilt) {
   fill("UPDATE lingue SET lingua2 = 'klingon'");
   openWindow();
-  run(50);
+  run("build");
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].icon, Icon::Exclamation);
   EXPECT_NE(user.shown[0].text.find("I seguenti moduli linguistici non sono stati trovati:"), std::string::npos);
@@ -226,7 +226,7 @@ TEST_F(WindowBuild, AMissingLanguageModuleIsToldAndNothingIsBuilt) {
 TEST_F(WindowBuild, AMissingOnlineFolderIsTold) {
   openWindow();
   std::filesystem::remove_all(session.onlineFolder);
-  run(50);
+  run("build");
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text,
             "La cartella di lavoro '" + session.onlineFolder +

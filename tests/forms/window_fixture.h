@@ -17,30 +17,39 @@
 
 namespace kv::test {
 
-class WindowFixture : public ShopFixture {
+/// Ports that run the program's commands and reach nothing outside.
+inline WorkbenchPorts portsWithCommands() {
+  WorkbenchPorts ports;
+  ports.commands = allCommands();
+  return ports;
+}
+
+class WindowFixture : public ShopFixture, protected RememberedDialogs {
  protected:
   WindowFixture() {
     shop = makeShop("negozio");
     run(shop, threeDepartments);
     write(application + "/serverpath.net", shop + "\r\n");
-    WorkbenchPorts ports;
+    WorkbenchPorts ports = portsWithCommands();
     ports.open = [this](const std::string& file, const std::string&) {
       opened.push_back(file);
       return openedWell;
     };
-    for (const char* name : {"frmElabora", "frmImpostaFTP", "frmSearch", "frmImmagine", "frmOpzioni"}) {
-      ports.dialogs[name] = [this, name](const std::string& argument) {
-        dialogsRun.push_back(argument.empty() ? name : std::string(name) + " " + argument);
-        return std::string();
-      };
-    }
     window = std::make_unique<frmMain>(session, env, std::move(ports));
+    leaveDailyDialogs();
     env.hooks.bind = [this](Session&) { window->workbench().bindSession(); };
     env.hooks.release = [this](Session&) { window->workbench().releaseSession(); };
   }
   ~WindowFixture() override {
     closeSession(session, env);
     window.reset();
+  }
+
+  WorkbenchDialogs& dialogs() override { return window->workbench().ports().dialogs; }
+  /// Lets the entries of the menus follow a change of the dialogs that are there.
+  void refreshEntries() {
+    window->entriesChanged();
+    settle();
   }
 
   void open() {
@@ -76,7 +85,7 @@ class WindowFixture : public ShopFixture {
   }
   void goArticles() {
     window->workbench().selectTab(Tab::Articles);
-    window->workbench().goToArticlePlace(0);
+    window->workbench().goToArticleAt(0);
     settle();
   }
   std::string scalar(const std::string& query) {
@@ -91,7 +100,7 @@ class WindowFixture : public ShopFixture {
   }
 
   std::string shop;
-  std::vector<std::string> dialogsRun, opened;
+  std::vector<std::string> opened;
   std::unique_ptr<frmMain> window;
 };
 

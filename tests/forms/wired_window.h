@@ -38,6 +38,7 @@ class WiredWindow : public DialogFixture {
 
   void openWindow() {
     WorkbenchPorts ports;
+    ports.commands = allCommands();
     ports.open = [this](const std::string& file, const std::string&) {
       opened.push_back(file);
       return openedWell;
@@ -53,15 +54,15 @@ class WiredWindow : public DialogFixture {
     settle();
   }
   static void settle() { QCoreApplication::processEvents(); }
-  bool choose(MenuAction action) { return chooseInMenus(*window->menuBar(), window->menus().entry(action)); }
-  void run(int number) {
+  bool choose(std::string_view name) { return chooseInMenus(*window->menuBar(), window->menus().action(name)); }
+  void run(std::string_view name) {
     for (auto* each : window->findChildren<QToolButton*>()) {
-      if (!each->isVisible() || each->defaultAction() != window->menus().command(number)) continue;
+      if (!each->isVisible() || each->defaultAction() != window->menus().action(name)) continue;
       QTest::mouseClick(each, Qt::LeftButton);
       settle();
       return;
     }
-    ADD_FAILURE() << "no button of command " << number;
+    ADD_FAILURE() << "no button of command " << name;
   }
   void goTab(Tab tab) {
     QTest::mouseClick(&window->tabs(), Qt::LeftButton, {}, window->tabs().tabRect(static_cast<int>(tab)).center());

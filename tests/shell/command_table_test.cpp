@@ -1,4 +1,4 @@
-// The commands and menus of the main window, as data.
+// The rows of the commands: their numbers, keys and names, and the menus, buttons and shortcuts made of them.
 
 #include "shell/workbench/command_table.h"
 
@@ -11,89 +11,102 @@
 #include <string>
 #include <vector>
 
-#include "shell/workbench/menu_table.h"
+#include "platform/files/files.h"
+#include "shell/workbench/commands/command_rows.h"
 
 namespace kv::test {
 namespace {
 
-TEST(CommandTable, HasTheNumbers0To35And50To52InOrder) {
+class CommandTableTest : public ::testing::Test {
+ protected:
+  /// The entries of a menu: "Sposta / Su" in a submenu, "-" for a separator.
+  std::vector<std::string> entriesOf(Menu menu) {
+    std::vector<std::string> names;
+    for (const MenuItem& item : table.entriesOf(menu)) {
+      if (item.command == nullptr) {
+        names.emplace_back("-");
+      } else {
+        const std::string submenu(item.place->submenu);
+        names.push_back((submenu.empty() ? "" : submenu + " / ") + std::string(item.place->text));
+      }
+    }
+    return names;
+  }
+
+  CommandTable table{allCommands()};
+};
+
+TEST_F(CommandTableTest, HasTheNumbers0To35And50To52) {
   std::vector<int> wanted;
   for (int n = 0; n <= 35; ++n) wanted.push_back(n);
   for (const int n : {50, 51, 52}) wanted.push_back(n);
   std::vector<int> numbers;
-  for (const Command& command : commandTable()) numbers.push_back(command.number);
+  for (const Command& command : table.rows()) {
+    if (command.number >= 0) numbers.push_back(command.number);
+  }
+  std::ranges::sort(numbers);
   EXPECT_EQ(numbers, wanted);
 }
 
-TEST(CommandTable, TheNumbers36To49AreInert) {
-  for (int n = 36; n < 50; ++n) EXPECT_EQ(commandOf(n), nullptr) << n;
-  EXPECT_EQ(commandOf(-1), nullptr);
-  EXPECT_EQ(commandOf(53), nullptr);
+TEST_F(CommandTableTest, TheNumbers36To49AreInert) {
+  for (int n = 36; n < 50; ++n) EXPECT_EQ(table.numbered(n), nullptr) << n;
+  EXPECT_EQ(table.numbered(-1), nullptr);
+  EXPECT_EQ(table.numbered(53), nullptr);
 }
 
-TEST(CommandTable, AKeyStandsForOneCommandSaveTheExpansion) {
+TEST_F(CommandTableTest, ANameBelongsToOneCommandThatDoesSomething) {
+  std::set<std::string> names;
+  for (const Command& command : table.rows()) {
+    EXPECT_FALSE(command.name.empty());
+    EXPECT_TRUE(names.insert(command.name).second) << command.name;
+    EXPECT_TRUE(command.run) << command.name;
+  }
+}
+
+TEST_F(CommandTableTest, AKeyStandsForOneCommandSaveTheExpansion) {
   std::map<std::string_view, int> uses;
-  for (const Command& command : commandTable()) {
+  for (const Command& command : table.rows()) {
     if (!command.key.empty()) ++uses[command.key];
   }
-  for (const auto& [key, count] : uses) EXPECT_EQ(count, key == "espansione" ? 2 : 1) << key;
+  for (const auto& [key, count] : uses) EXPECT_EQ(count, key == expansionKey ? 2 : 1) << key;
 }
 
-TEST(CommandTable, TheKeysOfACursorAreThoseOfItsCommands) {
-  EXPECT_THAT(articleKeys(), ::testing::SizeIs(8));
-  EXPECT_THAT(departmentKeys(), ::testing::SizeIs(11));
-  EXPECT_THAT(articleKeys(), ::testing::Contains(articleMask));
-  EXPECT_THAT(departmentKeys(), ::testing::Contains(departmentMask));
-  EXPECT_THAT(departmentKeys(), ::testing::Contains("+ articolo dopo"));
-  for (const ImageKey& image : imageKeys()) {
-    EXPECT_TRUE(std::ranges::any_of(commandTable(), [&](const Command& c) {
-      return c.key == image.key && c.action == CommandAction::ClearImage;
-    })) << image.key;
-  }
+TEST_F(CommandTableTest, EveryNumberedCommandStandsInAMenu) {
+  for (const Command& command : table.rows()) EXPECT_TRUE(command.number < 0 || !command.menus.empty()) << command.name;
 }
 
-TEST(CommandTable, TheVariantSlotNamesTheListAboveTheFirst) {
-  EXPECT_EQ(variantSlot(1, 0), "1");
-  EXPECT_EQ(variantSlot(1, 3), "1_3");
-  EXPECT_EQ(variantSlot(4, 9), "4_9");
-}
-
-std::vector<std::string> entriesOf(MenuTab tab, std::string_view menu) {
-  std::vector<std::string> names;
-  for (const MenuEntry& entry : menuTable()) {
-    if (entry.tab == tab && entry.menu == menu && entry.entry != "-") names.emplace_back(entry.entry);
-  }
-  return names;
-}
-
-TEST(MenuTable, EveryCommandNumberOfAnEntryExists) {
-  for (const MenuEntry& entry : menuTable()) {
-    if (entry.entry == "-") continue;
-    EXPECT_TRUE(entry.command < 0 ? entry.action != MenuAction::None : commandOf(entry.command) != nullptr)
-        << entry.entry;
-  }
-}
-
-TEST(MenuTable, EveryCommandStandsInAMenu) {
-  for (const Command& command : commandTable()) {
-    EXPECT_TRUE(std::ranges::any_of(menuTable(), [&](const MenuEntry& e) { return e.command == command.number; }))
-        << command.number;
-  }
-}
-
-TEST(MenuTable, TheShopOfTheSiteHasItsFiveSettings) {
-  EXPECT_THAT(entriesOf(MenuTab::Site, "Modifica"),
-              ::testing::ElementsAre("Annulla", "Ripeti", "Spese di spedizione...", "Sistemi di pagamento...",
+TEST_F(CommandTableTest, TheShopOfTheSiteHasItsFiveSettings) {
+  EXPECT_THAT(entriesOf(Menu::EditSite),
+              ::testing::ElementsAre("Annulla", "Ripeti", "-", "Spese di spedizione...", "Sistemi di pagamento...",
                                      "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori..."));
 }
 
-TEST(MenuTable, NoShortcutIsTakenTwiceOnATab) {
-  for (const MenuTab tab : {MenuTab::Departments, MenuTab::Articles, MenuTab::Site, MenuTab::Internet}) {
-    std::set<std::string_view> taken;
-    for (const MenuEntry& entry : menuTable()) {
-      if (entry.shortcut.empty() || (entry.tab != tab && entry.tab != MenuTab::Every)) continue;
-      EXPECT_TRUE(taken.insert(entry.shortcut).second) << entry.shortcut;
+TEST_F(CommandTableTest, NoTwoEntriesOfAMenuShareAPosition) {
+  for (int menu = 0; menu < menuCount; ++menu) {
+    std::set<int> taken;
+    for (const MenuItem& item : table.entriesOf(static_cast<Menu>(menu))) {
+      EXPECT_TRUE(item.place == nullptr || taken.insert(item.place->position).second) << item.place->text;
     }
+  }
+}
+
+TEST_F(CommandTableTest, NoShortcutIsTakenTwiceOnATab) {
+  for (const Menu edit : {Menu::EditDepartments, Menu::EditArticles, Menu::EditSite, Menu::EditInternet}) {
+    std::set<std::string_view> taken;
+    for (const Menu menu : {Menu::File, edit, Menu::View, Menu::Help}) {
+      for (const MenuItem& item : table.entriesOf(menu)) {
+        if (item.command == nullptr || item.command->shortcut.empty()) continue;
+        EXPECT_TRUE(taken.insert(item.command->shortcut).second) << item.command->shortcut;
+      }
+    }
+  }
+}
+
+TEST_F(CommandTableTest, EveryCommandHasAPageOfTheHelp) {
+  for (const Command& command : table.rows()) {
+    const std::string page = std::string(KORVANE_APP_DATA) + "/help/" + std::string(command.help);
+    EXPECT_FALSE(command.help.empty()) << command.name;
+    EXPECT_TRUE(fileExists(page)) << command.name << " " << page;
   }
 }
 

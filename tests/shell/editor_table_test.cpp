@@ -87,18 +87,18 @@ TEST_F(FieldStoreTest, AFieldThatSaysWhatTheRowSaysWritesNothing) {
   start();
   article(0);
   leave(EditedSet::Articoli, "titolo", "Alba");
-  EXPECT_TRUE(bench->undoName().empty());
+  EXPECT_TRUE(undoName().empty());
 }
 
 TEST_F(FieldStoreTest, AnEditIsAStepNamedAfterTheField) {
   start();
   article(0);
   leave(EditedSet::Articoli, "sottotitolo", "Gres");
-  EXPECT_EQ(bench->undoName(), "Modifica Sottotitolo");
-  bench->undo();
+  EXPECT_EQ(undoName(), "Modifica Sottotitolo");
+  undo();
   EXPECT_EQ(stored("sottotitolo", "articoli WHERE ID = 1"), "null\n");
-  EXPECT_EQ(bench->redoName(), "Modifica Sottotitolo");
-  bench->redo();
+  EXPECT_EQ(redoName(), "Modifica Sottotitolo");
+  redo();
   EXPECT_EQ(stored("sottotitolo", "articoli WHERE ID = 1"), "Gres\n");
 }
 
@@ -217,7 +217,7 @@ TEST_F(FieldStoreTest, TheFtpFolderSuggestsTheWebFolderUntilTheUserHasHisOwn) {
   EXPECT_EQ(stored("cartella"), "shop\n");
   leave(EditedSet::Generale, "folderFTP", "/public_html/negozio");
   EXPECT_EQ(stored("cartella"), "negozio\n");
-  bench->undo();
+  undo();
   EXPECT_EQ(stored("folderFTP, cartella"), "/public_html/shop/|shop\n");
   leave(EditedSet::Generale, "cartella", "vendita");
   leave(EditedSet::Generale, "folderFTP", "/www/altro");

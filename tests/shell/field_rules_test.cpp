@@ -1,6 +1,6 @@
 // What typing, changing and leaving do to a field.
 
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 #include <gtest/gtest.h>
 
@@ -34,33 +34,33 @@ TEST(FieldRules, TextsRefuseTheBarAndTheSquareBrackets) {
 
 TEST(FieldRules, TextsAreCutWhenTheyAreLeft) {
   const std::string longText(300, 'x');
-  EXPECT_EQ(leftText(FieldKind::Code, longText, "", ',').size(), 50U);
-  EXPECT_EQ(leftText(FieldKind::Heading, longText, "", ',').size(), 200U);
-  EXPECT_EQ(leftText(FieldKind::Link, longText, "", ',').size(), 255U);
-  EXPECT_EQ(leftText(FieldKind::DepartmentTitle, longText, "", ',').size(), 100U);
-  EXPECT_EQ(leftText(FieldKind::ShortText, longText, "", ',').size(), 50U);
-  EXPECT_EQ(leftText(FieldKind::PlainText, longText, "", ',').size(), 300U);
+  EXPECT_EQ(leftField({FieldKind::Code}, longText, "").text.size(), 50U);
+  EXPECT_EQ(leftField({FieldKind::Heading}, longText, "").text.size(), 200U);
+  EXPECT_EQ(leftField({FieldKind::Link}, longText, "").text.size(), 255U);
+  EXPECT_EQ(leftField({FieldKind::DepartmentTitle}, longText, "").text.size(), 100U);
+  EXPECT_EQ(leftField({FieldKind::ShortText}, longText, "").text.size(), 50U);
+  EXPECT_EQ(leftField({FieldKind::PlainText}, longText, "").text.size(), 300U);
 }
 
 TEST(FieldRules, ACutCountsLettersAndNotBytes) {
   std::string text;
   for (int i = 0; i < 60; ++i) text += "\xC3\xA8";
-  EXPECT_EQ(leftText(FieldKind::Code, text, "", ',').size(), 100U);
+  EXPECT_EQ(leftField({FieldKind::Code}, text, "").text.size(), 100U);
 }
 
 TEST(FieldRules, APercentAbove100Becomes100AndANonNumber0) {
   EXPECT_EQ(changedText(FieldKind::Percent, "101", "", ','), "100");
   EXPECT_EQ(changedText(FieldKind::Percent, "99,5", "", ','), "99,5");
-  EXPECT_EQ(leftText(FieldKind::Percent, "", "5", ','), "0");
-  EXPECT_EQ(leftText(FieldKind::Percent, ",", "5", ','), "0");
-  EXPECT_EQ(leftText(FieldKind::Percent, "12,5", "5", ','), "12,5");
+  EXPECT_EQ(leftField({FieldKind::Percent}, "", "5").text, "0");
+  EXPECT_EQ(leftField({FieldKind::Percent}, ",", "5").text, "0");
+  EXPECT_EQ(leftField({FieldKind::Percent}, "12,5", "5").text, "12,5");
 }
 
 TEST(FieldRules, AnAmountGoesBackToTheLastGoodOneAndIsNormalisedWhenLeft) {
   EXPECT_EQ(changedText(FieldKind::Amount, "1,2,3", "1,2", ','), "1,2");
-  EXPECT_EQ(leftText(FieldKind::Amount, "007,50", "", ','), "7,5");
-  EXPECT_EQ(leftText(FieldKind::Amount, ",5", "", ','), "0,5");
-  EXPECT_EQ(leftText(FieldKind::Amount, "", "12", ','), "12");
+  EXPECT_EQ(leftField({FieldKind::Amount}, "007,50", "").text, "7,5");
+  EXPECT_EQ(leftField({FieldKind::Amount}, ",5", "").text, "0,5");
+  EXPECT_EQ(leftField({FieldKind::Amount}, "", "12").text, "12");
 }
 
 TEST(FieldRules, TheMostArticlesOfAPageAreDigits) {
@@ -89,6 +89,21 @@ TEST(FieldRules, TheEuroSignBringsItsNote) {
 
 TEST(FieldRules, AFolderTakesLettersDigitsUnderlinesAndSlashes) {
   EXPECT_EQ(typed(FieldKind::Folder, "/www neg-ozio_1\\\xC3\xA8"), "/wwwnegozio_1\\");
+}
+
+TEST(FieldRules, ALeftFieldIsStoredAsItsColumnWantsIt) {
+  EXPECT_EQ(leftField({FieldKind::PlainText, ColumnForm::Lines}, "a\nb", "").value, Value(std::string("a\r\nb")));
+  EXPECT_EQ(leftField({FieldKind::PlainText, ColumnForm::Flag}, "1", "").value, Value(true));
+  EXPECT_EQ(leftField({FieldKind::PlainText, ColumnForm::Index}, "2", "").value, Value(std::int64_t{2}));
+  EXPECT_EQ(leftField({FieldKind::Weight, ColumnForm::Number}, "1,5", "").value, Value(std::string("1.5")));
+  EXPECT_EQ(leftField({FieldKind::Weight, ColumnForm::Number}, " ", "").value, Value(Null{}));
+}
+
+TEST(FieldRules, WhatIsNoNumberIsStoredAs0WhereTheFieldSaysSo) {
+  const FieldText left = leftField({FieldKind::Price, ColumnForm::Number, true}, "x", "5");
+  EXPECT_EQ(left.text, "x");
+  EXPECT_EQ(left.value, Value(std::int64_t{0}));
+  EXPECT_FALSE(left.valid);
 }
 
 }  // namespace

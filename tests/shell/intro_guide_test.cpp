@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/dialogs/build_reminder.h"
+#include "shell/workbench/build_reminder.h"
 
 namespace kv {
 namespace {

@@ -1,6 +1,6 @@
 // Addresses and folders of the connection settings, the documents that are opened, the guide's steps.
 
-#include "shell/workbench/web_address.h"
+#include "shell/workbench/fields/web_address.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 
 #include "shell/window/intro_steps.h"
 #include "shell/workbench/command_table.h"
+#include "shell/workbench/commands/command_rows.h"
 #include "shell/workbench/open_document.h"
 #include "store/shop/session.h"
 
@@ -93,10 +94,11 @@ TEST(OpenDocument, NothingIsNoFailure) {
 }
 
 TEST(IntroSteps, EveryStepPointsAtSomethingThatExists) {
+  const CommandTable table(allCommands());
   ASSERT_EQ(introSteps().size(), 9U);
   for (const IntroStep& step : introSteps()) {
     EXPECT_FALSE(step.commands.empty() && step.fields.empty()) << step.text;
-    for (const int command : step.commands) EXPECT_NE(commandOf(command), nullptr);
+    for (const int command : step.commands) EXPECT_NE(table.numbered(command), nullptr);
   }
 }
 

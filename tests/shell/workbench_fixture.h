@@ -9,6 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "shell/remembered_dialogs.h"
+#include "shell/workbench/commands/command_rows.h"
+#include "shell/workbench/commands/language_commands.h"
+#include "shell/workbench/commands/view_commands.h"
 #include "shell/workbench/workbench.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
@@ -74,30 +78,21 @@ inline constexpr const char* threeDepartments =
     " ('cat001', 100, 'A1', 'Alba', 'Dawn', 145000), ('cat001', 105, 'B1', 'Brina', 'Frost', 200000),"
     " ('cat001', 110, 'C1', 'Cielo', 'Sky', 90000), ('cat003', 115, 'D1', 'Duna', 'Dune', 10000)";
 
-class WorkbenchFixture : public ShopFixture {
+class WorkbenchFixture : public ShopFixture, protected RememberedDialogs {
  protected:
   WorkbenchFixture() {
     shop = makeShop("negozio");
     run(shop, threeDepartments);
     write(application + "/serverpath.net", shop + "\r\n");
-    for (const char* name :
-         {"frmElabora", "frmImpostaFTP", "frmFTP", "frmAvviso", "frmSearch", "frmImmagine", "frmOpzioni"}) {
-      addDialog(name, "");
-    }
+    ports.commands = allCommands();
+    leaveDailyDialogs();
+    answer(&WorkbenchDialogs::publish, false);
+    answer(&WorkbenchDialogs::remindToBuild, false);
   }
   ~WorkbenchFixture() override { closeSession(session, env); }
 
-  /// A dialog that remembers its calls and answers with a text.
-  void addDialog(const std::string& name, const std::string& answer) {
-    ports.dialogs[name] = [this, name, answer](const std::string& argument) {
-      dialogsRun.push_back(argument.empty() ? name : name + " " + argument);
-      return answer;
-    };
-  }
-  void answer(const std::string& name, const std::string& text) {
-    addDialog(name, text);
-    if (bench) bench->ports().dialogs[name] = ports.dialogs[name];
-  }
+  /// Of the workbench once it is there, before of the ports that it will be given.
+  WorkbenchDialogs& dialogs() override { return bench ? bench->ports().dialogs : ports.dialogs; }
 
   void start() {
     ports.open = [this](const std::string& file, const std::string&) {
@@ -107,8 +102,8 @@ class WorkbenchFixture : public ShopFixture {
     bench = std::make_unique<Workbench>(session, env, view, ports);
     env.hooks.bind = [this](Session&) { bench->bindSession(); };
     env.hooks.release = [this](Session&) { bench->releaseSession(); };
-    env.hooks.reload = [this] {
-      if (loadSession(session, env) == LoadResult::Opened) bench->showShop();
+    env.hooks.reload = [this](const LoadOptions& options) {
+      if (loadSession(session, env, options) == LoadResult::Opened) bench->showShop();
     };
     ASSERT_EQ(startSession(session, env), LoadResult::Opened);
     bench->showShop();
@@ -116,7 +111,7 @@ class WorkbenchFixture : public ShopFixture {
   }
 
   void go(const std::string& ID) { bench->goToDepartment(ID); }
-  void article(std::size_t place) { bench->goToArticlePlace(place); }
+  void article(std::size_t place) { bench->goToArticleAt(place); }
   void leave(EditedSet set, std::string_view column, const std::string& text) {
     const Editor* editor = editorOf(set, column);
     ASSERT_NE(editor, nullptr) << column;
@@ -134,20 +129,35 @@ class WorkbenchFixture : public ShopFixture {
     return rows("SELECT * FROM categorie ORDER BY contatore") + rows("SELECT * FROM articoli ORDER BY ID") +
            rows("SELECT * FROM generale");
   }
-  const MenuEntry& menu(MenuAction action, int argument = 0) {
-    for (const MenuEntry& entry : menuTable()) {
-      if (entry.action == action && entry.argument == argument) return entry;
-    }
-    throw std::runtime_error("no such entry");
+  const Command& command(std::string_view name) {
+    const Command* found = bench->commands().table().named(name);
+    if (found == nullptr) throw std::runtime_error("no command " + std::string(name));
+    return *found;
   }
-  EntryState state(MenuAction action, int argument = 0) { return bench->stateOf(menu(action, argument)); }
-  void choose(MenuAction action, int argument = 0) { bench->runEntry(menu(action, argument)); }
+  /// Runs a command as its button does, or its menu entry where it has no number.
+  void press(std::string_view name) {
+    const Command& wanted = command(name);
+    if (wanted.number < 0) return bench->commands().choose(wanted);
+    bench->commands().EseguiComando(wanted.number);
+  }
+  /// Runs a command as its menu entry does: nothing when that is off.
+  void choose(std::string_view name) { bench->commands().choose(command(name)); }
+  /// How its first menu entry shows.
+  EntryState state(std::string_view name) {
+    const Command& wanted = command(name);
+    return bench->commands().stateOf(wanted, wanted.menus.empty() ? nullptr : &wanted.menus.front());
+  }
+  bool isOffered(std::string_view name) { return bench->commands().isEnabled(command(name)); }
+  void undo() { press("undo"); }
+  void redo() { press("redo"); }
+  std::string undoName() { return bench->history().undoName(); }
+  std::string redoName() { return bench->history().redoName(); }
 
   std::string shop;
   FakeView view;
   WorkbenchPorts ports;
   std::unique_ptr<Workbench> bench;
-  std::vector<std::string> dialogsRun, opened;
+  std::vector<std::string> opened;
   int openResult = openedWell;
 };
 

@@ -11,14 +11,14 @@ constexpr const char* templateNeeded = "Per costruire il negozio è necessario s
 
 class WorkbenchPublishTest : public WorkbenchFixture {};
 
-TEST_F(WorkbenchPublishTest, Command50SavesWhatIsTypedAndShowsTheBuild) {
+TEST_F(WorkbenchPublishTest, ABuildSavesWhatIsTypedFirst) {
   start();
   view.typing = [this] { leave(EditedSet::Categorie, "titolo", "Orci"); };
-  ports.dialogs["frmElabora"] = bench->ports().dialogs["frmElabora"] = [this](const std::string&) {
+  dialogs().build = [this] {
     dialogsRun.push_back(scalar("SELECT titolo FROM categorie WHERE ID = 'cat001'"));
-    return std::string("OK");
+    return true;
   };
-  bench->EseguiComando(50);
+  press("build");
   EXPECT_THAT(dialogsRun, ElementsAre("Orci"));
 }
 
@@ -27,11 +27,11 @@ TEST_F(WorkbenchPublishTest, ABuildWithoutATemplateRunsTheChoiceFirst) {
   int asked = 0;
   env.hooks.frmTemplate = [&](const std::string&) { return std::string(++asked > 1 ? "base" : ""); };
   start();
-  bench->EseguiComando(50);
+  press("build");
   EXPECT_EQ(asked, 2);
   EXPECT_EQ(session.templatePath, "template/base");
   EXPECT_TRUE(user.shown.empty());
-  EXPECT_THAT(dialogsRun, ElementsAre("frmElabora"));
+  EXPECT_THAT(dialogsRun, ElementsAre("build"));
 }
 
 TEST_F(WorkbenchPublishTest, LeavingTheTemplateChoiceAsksAndACancelEndsTheCommand) {
@@ -43,60 +43,60 @@ TEST_F(WorkbenchPublishTest, LeavingTheTemplateChoiceAsksAndACancelEndsTheComman
   };
   start();
   user.answers = {Answer::Ok, Answer::Cancel};
-  bench->EseguiComando(50);
+  press("build");
   EXPECT_EQ(asked, 3);
   ASSERT_EQ(user.shown.size(), 2U);
   EXPECT_EQ(user.shown[0], (Shown{templateNeeded, Icon::Exclamation, Buttons::OkCancel, Answer::Ok, Answer::Ok}));
   EXPECT_TRUE(dialogsRun.empty());
 }
 
-TEST_F(WorkbenchPublishTest, Command51RemindsChecksAndPublishes) {
+TEST_F(WorkbenchPublishTest, PublishingRemindsChecksAndSends) {
   start();
   write(shop + "/kvftp.dat", "#\r\n");
-  answer("frmAvviso", "OK");
-  answer("frmImpostaFTP", "OK");
-  bench->EseguiComando(51);
-  EXPECT_THAT(dialogsRun, ElementsAre("frmAvviso", "frmImpostaFTP", "frmFTP"));
+  answer(&WorkbenchDialogs::remindToBuild, true);
+  answer(&WorkbenchDialogs::publishOptions, true);
+  press("publish");
+  EXPECT_THAT(dialogsRun, ElementsAre("remindToBuild", "publishOptions", "publish"));
 }
 
 TEST_F(WorkbenchPublishTest, TheReminderEndsThePublishingOnNo) {
   start();
   write(shop + "/kvftp.dat", "#\r\n");
-  bench->EseguiComando(51);
-  EXPECT_THAT(dialogsRun, ElementsAre("frmAvviso"));
+  press("publish");
+  EXPECT_THAT(dialogsRun, ElementsAre("remindToBuild"));
 }
 
 TEST_F(WorkbenchPublishTest, TheReminderIsLeftOutWhenTheUserHasToldSo) {
   ASSERT_TRUE(settings.set(settingsSection, "NoShow", "1"));
   start();
   write(shop + "/kvftp.dat", "#\r\n");
-  bench->EseguiComando(51);
-  EXPECT_THAT(dialogsRun, ElementsAre("frmImpostaFTP"));
+  press("publish");
+  EXPECT_THAT(dialogsRun, ElementsAre("publishOptions"));
 }
 
 TEST_F(WorkbenchPublishTest, AShopThatWasNeverBuiltIsNotPublished) {
   start();
-  answer("frmAvviso", "OK");
-  bench->EseguiComando(51);
+  answer(&WorkbenchDialogs::remindToBuild, true);
+  press("publish");
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0], said("E' necessario costruire il negozio prima di aggiornare il sito", Icon::Exclamation));
-  EXPECT_THAT(dialogsRun, ElementsAre("frmAvviso"));
+  EXPECT_THAT(dialogsRun, ElementsAre("remindToBuild"));
 }
 
-TEST_F(WorkbenchPublishTest, Command52OpensTheAddressOfTheBackOffice) {
+TEST_F(WorkbenchPublishTest, TheBackOfficeIsOpenedAtItsAddress) {
   start();
   leave(EditedSet::Generale, "URL", "www.bottega.example/");
   leave(EditedSet::Generale, "cartellaCGI", "/gestione/");
-  bench->EseguiComando(52);
+  press("backOffice");
   leave(EditedSet::Generale, "cartellaCGI", "");
-  bench->EseguiComando(52);
+  press("backOffice");
   EXPECT_THAT(opened,
               ElementsAre("http://www.bottega.example/gestione/index.php", "http://www.bottega.example/index.php"));
 }
 
 TEST_F(WorkbenchPublishTest, WithoutAnAddressTheBackOfficeIsExplained) {
   start();
-  bench->EseguiComando(52);
+  press("backOffice");
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text,
             "Il BackOffice non è disponibile finché non si costruisce ed aggiorna il negozio per la prima volta.\n"
@@ -122,7 +122,7 @@ TEST_F(CleanFoldersTest, AsksForEachFolderWithCancelAsTheDefault) {
   start();
   fill();
   user.answers = {Answer::Yes, Answer::Ok};
-  choose(MenuAction::CleanFolders);
+  choose("shop.cleanFolders");
   ASSERT_EQ(user.shown.size(), 3U);
   EXPECT_EQ(user.shown[0], asked(question(), Answer::No, Answer::Yes, Icon::Exclamation));
   EXPECT_EQ(user.shown[1], (Shown{"Saranno cancellati i file presenti in " + shop + "/online", Icon::Exclamation,
@@ -137,7 +137,7 @@ TEST_F(CleanFoldersTest, AsksForEachFolderWithCancelAsTheDefault) {
 TEST_F(CleanFoldersTest, NothingIsDeletedWithoutAYes) {
   start();
   fill();
-  choose(MenuAction::CleanFolders);
+  choose("shop.cleanFolders");
   EXPECT_EQ(user.shown.size(), 1U);
   EXPECT_TRUE(fileExists(shop + "/online/index.php"));
 }

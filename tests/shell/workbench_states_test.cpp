@@ -1,5 +1,7 @@
 // States of commands and menu entries as the cursors, the tab and the settings change; languages and price lists.
 
+#include <array>
+
 #include "shell/workbench_fixture.h"
 
 namespace kv::test {
@@ -9,21 +11,27 @@ using ::testing::ElementsAre;
 
 class WorkbenchStatesTest : public WorkbenchFixture {};
 
+constexpr std::array articleKeys{"articolo su", "articolo giu", "- articolo",  "copia articolo",
+                                 "+ immagine0", "+ immagine1",  "+ immagine2", "maschera articoli"};
+constexpr std::array departmentKeys{"+ categoria prima", "+ categoria dopo", "categoria su",      "categoria giu",
+                                    "- categoria",       "copia categoria",  "+ articolo prima",  "+ articolo dopo",
+                                    "+ immagine cat0",   "+ immagine cat1",  "maschera categorie"};
+
 TEST_F(WorkbenchStatesTest, TheKeysOfAnArticleFollowTheArticleCursor) {
   start();
   article(0);
-  for (const std::string_view key : articleKeys()) EXPECT_TRUE(view.isOn(key)) << key;
+  for (const std::string_view key : articleKeys) EXPECT_TRUE(view.isOn(key)) << key;
   go("cat002");
-  for (const std::string_view key : articleKeys()) EXPECT_FALSE(view.isOn(key)) << key;
+  for (const std::string_view key : articleKeys) EXPECT_FALSE(view.isOn(key)) << key;
 }
 
 TEST_F(WorkbenchStatesTest, TheKeysOfADepartmentFollowTheDepartmentCursor) {
   start();
-  for (const std::string_view key : departmentKeys()) EXPECT_TRUE(view.isOn(key)) << key;
+  for (const std::string_view key : departmentKeys) EXPECT_TRUE(view.isOn(key)) << key;
   go("###");
-  for (const std::string_view key : departmentKeys()) EXPECT_FALSE(view.isOn(key)) << key;
-  EXPECT_FALSE(bench->isCommandEnabled(13));
-  EXPECT_TRUE(bench->isCommandEnabled(20));
+  for (const std::string_view key : departmentKeys) EXPECT_FALSE(view.isOn(key)) << key;
+  EXPECT_FALSE(isOffered("department.delete"));
+  EXPECT_TRUE(isOffered("department.insertBelow"));
 }
 
 TEST_F(WorkbenchStatesTest, AnImageCanBeTakenAwayOnlyWhereThereIsOne) {
@@ -54,74 +62,74 @@ TEST_F(WorkbenchStatesTest, TheTreeEntriesAreOffBesideTheTree) {
     bench->selectTab(tab);
     const bool tree = tab == Tab::Departments || tab == Tab::Articles;
     EXPECT_EQ(view.tab, tab);
-    EXPECT_EQ(bench->isCommandEnabled(7), tree);
-    EXPECT_EQ(bench->isCommandEnabled(8), tree);
-    EXPECT_EQ(state(MenuAction::HideDetails).enabled, tree);
-    EXPECT_TRUE(state(MenuAction::ShowTab, static_cast<int>(tab)).checked);
+    EXPECT_EQ(isOffered("tree.expand"), tree);
+    EXPECT_EQ(isOffered("tree.collapse"), tree);
+    EXPECT_EQ(state("details.hide").enabled, tree);
+    EXPECT_TRUE(state(tabCommand(tab)).checked);
   }
 }
 
 TEST_F(WorkbenchStatesTest, WhatWasCopiedInAnEarlierSessionCanBePasted) {
   run(shop, "INSERT INTO clipcategorie (titolo) VALUES ('Vasi')");
   start();
-  EXPECT_TRUE(bench->isCommandEnabled(11));
-  EXPECT_FALSE(bench->isCommandEnabled(6));
+  EXPECT_TRUE(isOffered("department.paste"));
+  EXPECT_FALSE(isOffered("article.paste"));
 }
 
 TEST_F(WorkbenchStatesTest, ADialogThatIsMissingTurnsItsEntryOff) {
-  ports.dialogs.erase("frmImpostaFTP");
+  dialogs().publishOptions = nullptr;
   start();
-  EXPECT_FALSE(bench->isCommandEnabled(51));
-  EXPECT_TRUE(bench->isCommandEnabled(50));
-  EXPECT_FALSE(state(MenuAction::Showcase).enabled);
-  bench->runEntry(menu(MenuAction::Showcase));
+  EXPECT_FALSE(isOffered("publish"));
+  EXPECT_TRUE(isOffered("build"));
+  EXPECT_FALSE(state("showcase").enabled);
+  choose("showcase");
   EXPECT_TRUE(dialogsRun.empty());
 }
 
 TEST_F(WorkbenchStatesTest, ADialogThatEditedTheCatalogueIsOneStep) {
-  ports.dialogs["frmVetrina"] = [this](const std::string&) {
+  dialogs().showcase = [this] {
     EXPECT_TRUE(session.catalogue.execute("UPDATE generale SET colonnevetrina = 5"));
-    return std::string("OK");
+    return true;
   };
   start();
-  choose(MenuAction::Showcase);
-  EXPECT_EQ(bench->undoName(), "Impostazioni vetrina");
-  EXPECT_EQ(state(MenuAction::Undo).text, "Annulla: Impostazioni vetrina");
-  bench->undo();
+  choose("showcase");
+  EXPECT_EQ(undoName(), "Impostazioni vetrina");
+  EXPECT_EQ(state("undo").text, "Annulla: Impostazioni vetrina");
+  undo();
   EXPECT_EQ(scalar("SELECT colonnevetrina FROM generale"), "");
 }
 
 TEST_F(WorkbenchStatesTest, WhatWasWrittenBesideTheCommandsIsNoPartOfAStep) {
   start();
   ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET db_security = 'gettone'"));
-  bench->EseguiComando(14);
-  bench->undo();
+  press("department.insertAfter");
+  undo();
   EXPECT_EQ(scalar("SELECT db_security FROM generale"), "gettone");
 }
 
 TEST_F(WorkbenchStatesTest, TheLanguageMenuShowsTheLanguagesThereAre) {
   start();
-  EXPECT_EQ(state(MenuAction::EditLanguage, 1).text, "&1 - italiano");
-  EXPECT_EQ(state(MenuAction::EditLanguage, 2).text, "&2 - inglese");
-  EXPECT_TRUE(state(MenuAction::EditLanguage, 2).visible);
-  EXPECT_FALSE(state(MenuAction::EditLanguage, 3).visible);
-  choose(MenuAction::EditLanguage, 2);
-  EXPECT_TRUE(state(MenuAction::EditLanguage, 2).checked);
-  EXPECT_FALSE(state(MenuAction::EditLanguage, 1).checked);
+  EXPECT_EQ(state("language.1").text, "&1 - italiano");
+  EXPECT_EQ(state("language.2").text, "&2 - inglese");
+  EXPECT_TRUE(state("language.2").visible);
+  EXPECT_FALSE(state("language.3").visible);
+  choose("language.2");
+  EXPECT_TRUE(state("language.2").checked);
+  EXPECT_FALSE(state("language.1").checked);
 }
 
 TEST_F(WorkbenchStatesTest, WithOneLanguageThereIsNothingToReplicate) {
-  addDialog("frmReplica", "");
+  answer(&WorkbenchDialogs::replicateLanguages, false);
   run(shop, "UPDATE lingue SET lingua2 = ''");
   start();
-  EXPECT_FALSE(state(MenuAction::EditLanguage, 2).visible);
-  EXPECT_FALSE(state(MenuAction::ReplicateLanguages).enabled);
+  EXPECT_FALSE(state("language.2").visible);
+  EXPECT_FALSE(state("languages.replicate").enabled);
 }
 
 TEST_F(WorkbenchStatesTest, WithTwoLanguagesTheyCanBeReplicated) {
-  addDialog("frmReplica", "");
+  answer(&WorkbenchDialogs::replicateLanguages, false);
   start();
-  EXPECT_TRUE(state(MenuAction::ReplicateLanguages).enabled);
+  EXPECT_TRUE(state("languages.replicate").enabled);
 }
 
 TEST_F(WorkbenchStatesTest, ChangingTheLanguageKeepsDepartmentAndArticle) {
@@ -153,13 +161,13 @@ TEST_F(WorkbenchStatesTest, WhatIsBeingTypedBelongsToTheLanguageItWasTypedIn) {
 }
 
 TEST_F(WorkbenchStatesTest, TheLanguageDialogTakesTheWindowBackToLanguageOne) {
-  ports.dialogs["frmLingue"] = [this](const std::string&) {
+  dialogs().languages = [this] {
     EXPECT_TRUE(session.catalogue.execute("UPDATE lingue SET lingua2 = ''"));
-    return std::string("OK");
+    return true;
   };
   start();
   bench->CambiaLingua(2);
-  choose(MenuAction::Languages);
+  choose("languages");
   EXPECT_EQ(session.currentLanguage, 1);
   EXPECT_EQ(session.languageCount, 1);
 }
@@ -170,7 +178,7 @@ TEST_F(WorkbenchStatesTest, AnEditorOfAPriceListWritesTheListThatIsShown) {
   EXPECT_EQ(shown(EditedSet::Articoli, "prezzo"), "14,5");
   bench->selectListino(3);
   EXPECT_EQ(view.listino, 3);
-  EXPECT_EQ(session.currentListino, 3);
+  EXPECT_EQ(bench->listino(), 3);
   EXPECT_EQ(shown(EditedSet::Articoli, "prezzo"), "");
   leave(EditedSet::Articoli, "prezzo", "12,75");
   leave(EditedSet::Articoli, "offerta", "1");
@@ -182,27 +190,27 @@ TEST_F(WorkbenchStatesTest, AnEditorOfAPriceListWritesTheListThatIsShown) {
 
 TEST_F(WorkbenchStatesTest, HidingTheDetailsIsToldToTheWindow) {
   start();
-  choose(MenuAction::HideDetails);
+  choose("details.hide");
   EXPECT_TRUE(view.hidden);
-  EXPECT_TRUE(state(MenuAction::HideDetails).checked);
-  choose(MenuAction::HideDetails);
+  EXPECT_TRUE(state("details.hide").checked);
+  choose("details.hide");
   EXPECT_FALSE(view.hidden);
 }
 
 TEST_F(WorkbenchStatesTest, LeavingCompactsAndClosesTheWindow) {
   start();
-  choose(MenuAction::Exit);
+  choose("exit");
   EXPECT_TRUE(view.closed);
   EXPECT_TRUE(session.compactOnExit);
 }
 
 TEST_F(WorkbenchStatesTest, HelpOpensThePageOfTheTab) {
   start();
-  bench->showHelp();
+  press("help.tab");
   bench->selectTab(Tab::Internet);
-  bench->showHelp();
-  choose(MenuAction::HelpQuestions);
-  choose(MenuAction::HelpContents);
+  press("help.tab");
+  choose("help.questions");
+  choose("help.contents");
   EXPECT_THAT(opened, ElementsAre(application + "/help/pagine/reparti.htm", application + "/help/pagine/internet.htm",
                                   application + "/help/pagine/faq.htm", application + "/help/index.htm"));
 }
@@ -210,21 +218,21 @@ TEST_F(WorkbenchStatesTest, HelpOpensThePageOfTheTab) {
 TEST_F(WorkbenchStatesTest, ADocumentThatCannotBeOpenedIsTold) {
   openResult = 2;
   start();
-  bench->showHelp();
+  press("help.tab");
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(user.shown[0].text, "Impossibile aprire " + application + "/help/pagine/reparti.htm");
 }
 
 TEST_F(WorkbenchStatesTest, TheCompanionsAndTheManualAreOfferedOnlyWhenTheyAreThere) {
   start();
-  EXPECT_FALSE(state(MenuAction::DownloadOrders).visible);
-  EXPECT_FALSE(state(MenuAction::TemplateGuide).visible);
+  EXPECT_FALSE(state("import.orders").visible);
+  EXPECT_FALSE(state("help.templates").visible);
   write(application + "/ordsync.exe", "");
   write(application + "/manuale_template2.rtf", "");
-  EXPECT_TRUE(state(MenuAction::DownloadOrders).visible);
-  EXPECT_TRUE(state(MenuAction::TemplateGuide).visible);
-  choose(MenuAction::DownloadOrders);
-  choose(MenuAction::TemplateGuide);
+  EXPECT_TRUE(state("import.orders").visible);
+  EXPECT_TRUE(state("help.templates").visible);
+  choose("import.orders");
+  choose("help.templates");
   EXPECT_THAT(opened, ElementsAre(application + "/ordsync.exe", application + "/manuale_template2.rtf"));
 }
 

@@ -20,7 +20,7 @@ TEST_F(ArticleEditing, TheFirstArticleOfAnEmptyDepartmentGetsOrder1) {
   ASSERT_TRUE(editing.InserisciArticoloDopo());
   EXPECT_EQ(articles("cat001"), "1|null\n");
   EXPECT_EQ(sets.article(), 1);
-  EXPECT_EQ(session.statusLine, " Articoli: 1 /1");
+  EXPECT_EQ(sets.statusLine(), " Articoli: 1 /1");
 }
 
 TEST_F(ArticleEditing, BeforeTheFirstOneOfOrder1ComesOrder0) {
@@ -108,7 +108,7 @@ TEST_F(ArticleEditing, AfterADeletionTheNextOneIsCurrentOrTheLast) {
   EXPECT_EQ(sets.article(), 1);
   ASSERT_TRUE(editing.EliminaArticolo());
   EXPECT_FALSE(sets.onArticle());
-  EXPECT_EQ(session.statusLine, " Articoli: 0 /0");
+  EXPECT_EQ(sets.statusLine(), " Articoli: 0 /0");
 }
 
 TEST_F(ArticleEditing, PastingTwiceGivesTwoArticlesWithKeysOfTheirOwn) {

@@ -106,7 +106,7 @@ TEST_F(DepartmentEditing, ItsArticlesGoWithItAfterTheQuestion) {
   EXPECT_EQ(rows("SELECT titolo FROM articoli"), "c\n");
   EXPECT_EQ(departments(), "cat001|###|1|100|0\n");
   EXPECT_FALSE(sets.onDepartment());
-  EXPECT_EQ(session.statusLine, " Articoli: 1");
+  EXPECT_EQ(sets.statusLine(), " Articoli: 1");
 }
 
 TEST_F(DepartmentEditing, DeletingTheLastChildClearsTheMarkOfTheParentWhichIsCurrentThen) {
@@ -236,11 +236,11 @@ TEST_F(DepartmentEditing, ADepartmentBringsItsArticlesAndSiblings) {
   EXPECT_THAT(listener.told, ElementsAre("department", "articles", "article"));
   EXPECT_EQ(sets.dataFratelli().size(), 2U);
   EXPECT_EQ(sets.dataFratelli().position(), 1U);
-  EXPECT_EQ(session.statusLine, " Articoli: 1 /1");
+  EXPECT_EQ(sets.statusLine(), " Articoli: 1 /1");
   go("###");
   EXPECT_EQ(sets.dataFratelli().size(), 0U);
   EXPECT_EQ(sets.dataArticoli().size(), 0U);
-  EXPECT_EQ(session.statusLine, " Articoli: 1");
+  EXPECT_EQ(sets.statusLine(), " Articoli: 1");
 }
 
 TEST_F(DepartmentEditing, TheLanguageSwitchKeepsDepartmentAndArticle) {

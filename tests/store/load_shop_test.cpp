@@ -23,9 +23,9 @@ const char* const readOnly =
 
 class LoadingAShop : public test::ShopFixture {
  protected:
-  LoadResult load(const std::string& folder) {
+  LoadResult load(const std::string& folder, const LoadOptions& options = {}) {
     session.ShopFolder = folder;
-    return CaricaNegozio(session, env);
+    return CaricaNegozio(session, env, options);
   }
 };
 
@@ -39,9 +39,7 @@ TEST_F(LoadingAShop, FillsTheSession) {
   const std::string shop = makeShop("uno");
   EXPECT_EQ(load(shop), LoadResult::Opened);
   EXPECT_TRUE(session.catalogue.isOpen());
-  EXPECT_EQ(session.title, "Korvane - " + shop);
   EXPECT_EQ(session.articleCount, 1);
-  EXPECT_EQ(session.statusLine, " Articoli: 1");
   EXPECT_EQ(session.onlineFolder, shop + "/online");
   EXPECT_EQ(session.scriptFolder, shop + "/scripts");
   EXPECT_EQ(session.templatePath, "template/base");
@@ -49,7 +47,6 @@ TEST_F(LoadingAShop, FillsTheSession) {
   EXPECT_EQ(session.languageCount, 1);
   EXPECT_EQ(session.languageNames[0], "italiano");
   EXPECT_EQ(session.currentLanguage, 1);
-  EXPECT_EQ(session.currentListino, 0);
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
@@ -76,10 +73,10 @@ TEST_F(LoadingAShop, RunsTheStepsOfTheHigherFoldersInTheirPlaces) {
     steps.push_back("upgrade " + std::string(baseName(folder)) + (session.catalogue.isOpen() ? " open" : " closed"));
   };
   env.hooks.bind = [&](Session& bound) {
-    steps.push_back("bind" + bound.statusLine + " [" + bound.onlineFolder + "]");
+    steps.push_back("bind " + std::to_string(bound.articleCount) + " [" + bound.onlineFolder + "]");
   };
   EXPECT_EQ(load(shop), LoadResult::Opened);
-  EXPECT_THAT(steps, ElementsAre("gateway uno closed", "upgrade uno closed", "bind Articoli: 1 []"));
+  EXPECT_THAT(steps, ElementsAre("gateway uno closed", "upgrade uno closed", "bind 1 []"));
 }
 
 TEST_F(LoadingAShop, OffersAnotherShopForAnIncompatibleOne) {
@@ -251,13 +248,14 @@ TEST_F(LoadingAShop, AsksForEachMissingWorkingFolder) {
   EXPECT_EQ(session.scriptFolder, shop + "/scripts");
 }
 
-TEST_F(LoadingAShop, SkipsTheTestOfTheWorkingFoldersOnceWhenQuiet) {
+TEST_F(LoadingAShop, SkipsTheTestOfTheWorkingFoldersOfAFolderJustChosen) {
   const std::string shop = makeShop("uno");
   run(shop, "UPDATE generale SET siteonline = '/gone/online'");
-  session.quiet = true;
-  EXPECT_EQ(load(shop), LoadResult::Opened);
+  EXPECT_EQ(load(shop, {.folderJustChosen = true}), LoadResult::Opened);
   EXPECT_THAT(user.shown, IsEmpty());
-  EXPECT_FALSE(session.quiet);
+  session.catalogue.close();
+  EXPECT_EQ(load(shop), LoadResult::Opened);
+  EXPECT_EQ(user.shown.size(), 1U) << "only once";
 }
 
 TEST_F(LoadingAShop, CountsLanguagesUpToTheFirstEmptyName) {

@@ -130,17 +130,12 @@ TEST_F(SessionRestart, ClearsTheSessionAndFollowsTheServerPath) {
   const std::string second = makeShop("due");
   run(second, "DELETE FROM articoli");
   session.currentLanguage = 3;
-  session.currentListino = 7;
-  session.suppress = true;
   session.compactOnExit = true;
   nameShop(second);
   EXPECT_EQ(RiavviaSessione(session, env), LoadResult::Opened);
   EXPECT_EQ(session.ShopFolder, second);
   EXPECT_EQ(session.articleCount, 0);
-  EXPECT_EQ(session.statusLine, " Articoli: 0");
   EXPECT_EQ(session.currentLanguage, 1);
-  EXPECT_EQ(session.currentListino, 0);
-  EXPECT_FALSE(session.suppress);
   EXPECT_FALSE(session.compactOnExit);
   EXPECT_EQ(session.onlineFolder, second + "/online");
 }
@@ -163,7 +158,7 @@ TEST_F(SessionRestart, ReleasesBeforeItClosesAndBindsAgain) {
 
 TEST_F(SessionRestart, LetsTheProgramLoadItsWindowAgain) {
   int reloads = 0;
-  env.hooks.reload = [&] {
+  env.hooks.reload = [&](const LoadOptions&) {
     ++reloads;
     EXPECT_FALSE(session.catalogue.isOpen());
     EXPECT_EQ(session.ShopFolder, "");
@@ -173,10 +168,12 @@ TEST_F(SessionRestart, LetsTheProgramLoadItsWindowAgain) {
   EXPECT_EQ(reloads, 1);
 }
 
-TEST_F(SessionRestart, CarriesTheSilentReloadToTheNextLoad) {
-  session.silentReload = true;
-  env.hooks.reload = [&] { EXPECT_TRUE(session.silentReload); };
-  static_cast<void>(RiavviaSessione(session, env));
+TEST_F(SessionRestart, HandsItsOptionsToTheNextLoad) {
+  env.hooks.reload = [](const LoadOptions& options) {
+    EXPECT_TRUE(options.silent);
+    EXPECT_FALSE(options.folderJustChosen);
+  };
+  static_cast<void>(RiavviaSessione(session, env, {.silent = true}));
 }
 
 TEST_F(SessionRestart, DoesNotCountTowardsCompaction) {

@@ -22,9 +22,9 @@ class TemplateResolution : public test::ShopFixture {
       return choice;
     };
   }
-  void load() {
+  void load(const LoadOptions& options = {}) {
     session.ShopFolder = shop;
-    EXPECT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
+    EXPECT_EQ(CaricaNegozio(session, env, options), LoadResult::Opened);
   }
   std::string stored() { return asText(*session.catalogue.scalar("SELECT template FROM generale")); }
 
@@ -89,10 +89,8 @@ TEST_F(TemplateResolution, FallsBackToTheFirstModelWithoutAWordWhenNoneIsSetOrCh
 TEST_F(TemplateResolution, AsksNothingDuringASilentReload) {
   for (const char* name : {"perduto", ""}) {
     run(shop, std::string("UPDATE generale SET template = '") + name + "'");
-    session.silentReload = true;
-    load();
+    load({.silent = true});
     EXPECT_THAT(session.models, ElementsAre("modello1"));
-    EXPECT_FALSE(session.silentReload);
     session.catalogue.close();
   }
   EXPECT_THAT(openedOn, IsEmpty());

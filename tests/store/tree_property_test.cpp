@@ -301,7 +301,7 @@ TEST_F(TreeProperty, TheRulesOfTheTreeHoldAfterEveryOperation) {
     if (HasFatalFailure()) return;
     checkRows();
     checkShown();
-    ASSERT_FALSE(session.suppress);
+    ASSERT_FALSE(sets.isSuppressed());
     if (HasFatalFailure()) return;
     longest = std::max(longest, present);
     if (n % operationsBetweenReturns != 0) continue;

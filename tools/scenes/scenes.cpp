@@ -16,24 +16,16 @@
 
 #include "platform/qt/frm_dialog.h"
 #include "shell/dialogs/frm_about.h"
-#include "shell/dialogs/frm_avviso.h"
 
 namespace kv::scenes {
 namespace {
-
-constexpr int buildCommand = 50;
-
-const char* const noBackOffice =
-    "Il BackOffice non è disponibile finché non si costruisce ed aggiorna il negozio per la prima volta.\n"
-    "Indicarne l'URL nella scheda \"Internet\", quindi costruire ed aggiornare il negozio.";
-const char* const askDelete = "Eliminare il reparto selezionato e tutti gli articoli che contiene?";
 
 void takeDepartments(Stage& stage, const QString& name) {
   stage.show(Tab::Departments);
   stage.take(name);
 }
 
-/// The tree stands on its root: nothing to edit yet.
+/// The tree is on its root: nothing to edit yet.
 void takeRoot(Stage& stage, const QString& name) {
   stage.show(Tab::Departments);
   const std::string department = stage.window().workbench().sets().department();
@@ -48,8 +40,8 @@ void goToArticle(Stage& stage) {
   const auto department = stage.session().catalogue.scalar(fullest);
   stage.show(Tab::Articles);
   stage.window().workbench().goToDepartment(department ? asText(*department) : std::string());
-  stage.window().workbench().goToArticlePlace(0);
-  Stage::settle();
+  stage.window().workbench().goToArticleAt(0);
+  Stage::processEvents();
 }
 
 void takeArticles(Stage& stage, const QString& name) {
@@ -80,16 +72,16 @@ void takeNoArticle(Stage& stage, const QString& name) {
 
 void takeSecondLanguage(Stage& stage, const QString& name) {
   stage.show(Tab::Departments);
-  stage.choose(MenuAction::EditLanguage, 2);
+  stage.choose("language.2");
   stage.take(name);
-  stage.choose(MenuAction::EditLanguage, 1);
+  stage.choose("language.1");
 }
 
 void takeHiddenDetails(Stage& stage, const QString& name) {
   goToArticle(stage);
-  stage.choose(MenuAction::HideDetails);
+  stage.choose("details.hide");
   stage.take(name);
-  stage.choose(MenuAction::HideDetails);
+  stage.choose("details.hide");
 }
 
 /// A page that is longer than the window: from the part at `share` of its length.
@@ -111,7 +103,7 @@ void takeTexts(Stage& stage, const QString& name) {
   EditorPage& page = stage.window().page(Tab::Site);
   auto* strip = page.findChild<QTabBar*>(QStringLiteral("tabTesti"));
   strip->setCurrentIndex(4);
-  Stage::settle();
+  Stage::processEvents();
   page.ensureWidgetVisible(strip->parentWidget());
   stage.take(name);
   strip->setCurrentIndex(0);
@@ -151,19 +143,19 @@ void takeLanguageMenu(Stage& stage, const QString& name) {
   menu.hide();
 }
 
-void takeEntry(Stage& stage, MenuAction action, const QString& name) {
-  stage.during([&] { stage.choose(action); }, [&](QWidget&) { stage.take(name); });
+void takeEntry(Stage& stage, std::string_view command, const QString& name) {
+  stage.during([&] { stage.choose(command); }, [&](QWidget&) { stage.take(name); });
 }
-void takeTemplate(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::ChooseTemplate, name); }
-void takeLanguages(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::Languages, name); }
-void takeTags(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::CustomTags, name); }
-void takeFolders(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::ChangeFolders, name); }
-void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::RestoreCopy, name); }
-void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::About, name); }
-void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, MenuAction::CleanFolders, name); }
+void takeTemplate(Stage& stage, const QString& name) { takeEntry(stage, "template", name); }
+void takeLanguages(Stage& stage, const QString& name) { takeEntry(stage, "languages", name); }
+void takeTags(Stage& stage, const QString& name) { takeEntry(stage, "customTags", name); }
+void takeFolders(Stage& stage, const QString& name) { takeEntry(stage, "shop.folders", name); }
+void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, "shop.restoreCopy", name); }
+void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, "help.about", name); }
+void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, "shop.cleanFolders", name); }
 
 void takeNewTag(Stage& stage, const QString& name) {
-  stage.during([&] { stage.choose(MenuAction::CustomTags); },
+  stage.during([&] { stage.choose("customTags"); },
                [&](QWidget& dialog) {
                  dialog.findChild<QAbstractButton*>(QStringLiteral("cmdNuovo"))->click();
                  dialog.findChild<QLineEdit*>(QStringLiteral("txtNome"))->setFocus();
@@ -173,7 +165,7 @@ void takeNewTag(Stage& stage, const QString& name) {
 
 void takeSearch(Stage& stage, const QString& text, const QString& name) {
   stage.show(Tab::Articles);
-  stage.during([&] { stage.window().workbench().EseguiComando(21); },
+  stage.during([&] { stage.choose("article.search"); },
                [&](QWidget& dialog) {
                  for (auto* field : dialog.findChildren<QAbstractButton*>()) {
                    if (field->objectName() == QStringLiteral("opt_titolo")) field->click();
@@ -197,7 +189,7 @@ void playBuild(Stage& stage, const std::function<bool(QDialog&, const QProgressB
     modal->reject();
   });
   poll.start(1);
-  stage.window().workbench().EseguiComando(buildCommand);
+  stage.choose("build");
 }
 
 void takeBuild(Stage& stage, const QString& name) {
@@ -208,7 +200,7 @@ void takeBuild(Stage& stage, const QString& name) {
   });
 }
 
-/// What is said at the end of it.
+/// What the build says at its end.
 void takeBuilt(Stage& stage, const QString& name) {
   playBuild(stage, [&](QDialog&, const QProgressBar* bar) {
     if (bar != nullptr) return false;
@@ -218,46 +210,47 @@ void takeBuilt(Stage& stage, const QString& name) {
 }
 
 void takeReminder(Stage& stage, const QString& name) {
-  stage.during(
-      [&] {
-        frmAvviso dialog(stage.settings(), &stage.window());
-        dialog.exec();
-      },
-      [&](QWidget&) { stage.take(name); });
+  const WorkbenchDialogs& dialogs = stage.window().workbench().ports().dialogs;
+  stage.during([&] { static_cast<void>(dialogs.remindToBuild()); }, [&](QWidget&) { stage.take(name); });
 }
 
+/// Deleting a department with articles asks; the answer is No.
 void takeQuestion(Stage& stage, const QString& name) {
+  constexpr const char* leafWithArticles =
+      "SELECT catID FROM articoli WHERE catID NOT IN (SELECT genitore FROM categorie WHERE genitore IS NOT NULL)"
+      " GROUP BY catID ORDER BY COUNT(*) DESC, catID";
+  Workbench& workbench = stage.window().workbench();
+  const std::string before = workbench.sets().department();
+  const auto department = stage.session().catalogue.scalar(leafWithArticles);
   stage.show(Tab::Departments);
-  stage.during(
-      [&] {
-        static_cast<void>(stage.user().question({askDelete, Buttons::YesNo, Answer::No, Icon::Question}));
-      },
-      [&](QWidget&) { stage.take(name); });
+  workbench.goToDepartment(department ? asText(*department) : std::string());
+  Stage::processEvents();
+  takeEntry(stage, "department.delete", name);
+  workbench.goToDepartment(before);
 }
 
+/// The back office of a shop that has no address yet.
 void takeMessage(Stage& stage, const QString& name) {
-  stage.during([&] { stage.user().message(noBackOffice, Icon::Exclamation); }, [&](QWidget&) { stage.take(name); });
+  const Editor& address = *editorOf(EditedSet::Generale, "URL");
+  Workbench& workbench = stage.window().workbench();
+  const bool hasAddress = !workbench.shown(address).empty();
+  if (hasAddress) workbench.leaveField(address, "");
+  takeEntry(stage, "backOffice", name);
+  if (hasAddress) stage.choose("undo");
 }
 
-void takeFolderChoice(Stage& stage, const QString& name) {
-  stage.during(
-      [&] {
-        static_cast<void>(
-            stage.user().chooseFolder("Selezionare la cartella del negozio:", stage.session().ShopFolder));
-      },
-      [&](QWidget&) { stage.take(name); });
-}
+void takeFolderChoice(Stage& stage, const QString& name) { takeEntry(stage, "shop.open", name); }
 
 void takeGuideStep(Stage& stage, const char* step, const QString& name) {
-  const QRect place = stage.window().geometry();
-  stage.choose(MenuAction::Introduction);
+  const QRect before = stage.window().geometry();
+  stage.choose("help.introduction");
   auto* guide = stage.window().findChild<QDialog*>(QStringLiteral("frmIntro"));
   if (step != nullptr) guide->findChild<QAbstractButton*>(QString::fromUtf8(step))->click();
   stage.take(name);
   guide->close();
-  Stage::settle();
-  stage.window().setGeometry(place);
-  Stage::settle();
+  Stage::processEvents();
+  stage.window().setGeometry(before);
+  Stage::processEvents();
 }
 void takeGuide(Stage& stage, const QString& name) { takeGuideStep(stage, nullptr, name); }
 void takeGuideButtons(Stage& stage, const QString& name) { takeGuideStep(stage, "cmdStep0", name); }
@@ -271,16 +264,16 @@ void takeSplash(Stage& stage, const QString& name) {
   for (QWidget* window : QApplication::topLevelWidgets()) {
     if (window->windowFlags().testFlag(Qt::SplashScreen)) window->close();
   }
-  Stage::settle();
+  Stage::processEvents();
 }
 
 /// The narrowest main window.
 void takeNarrow(Stage& stage, const QString& name) {
-  const QRect place = stage.window().geometry();
+  const QRect before = stage.window().geometry();
   stage.show(Tab::Departments);
   stage.window().resize(stage.window().minimumSize());
   stage.take(name);
-  stage.window().setGeometry(place);
+  stage.window().setGeometry(before);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "platform/qt/frm_dialog.h"
 #include "shell/program/frm_dialogs.h"
 #include "shell/program/frm_program.h"
+#include "shell/workbench/commands/command_rows.h"
 #include "store/shop/server_path.h"
 #include "store/shop/session_start.h"
 
@@ -20,7 +21,7 @@ namespace kv::scenes {
 namespace {
 
 constexpr int titleHeight = 30;  // of the frame that a desktop would draw
-constexpr int settleTurns = 12;
+constexpr int eventRounds = 12;
 constexpr int patience = 20000;  // milliseconds until a window that was asked for stands
 // The shop stands in a folder with a name by chance, which would make each picture another.
 const QString shopShown = QStringLiteral("~/negozi/bottega");
@@ -91,6 +92,7 @@ Stage::~Stage() {
 
 bool Stage::open() {
   WorkbenchPorts ports;
+  ports.commands = allCommands();
   ports.open = [](const std::string&, const std::string&) { return openedWell; };
   window_ = std::make_unique<frmMain>(session_, env_, std::move(ports));
   Workbench& workbench = window_->workbench();
@@ -102,29 +104,29 @@ bool Stage::open() {
   window_->setGeometry(0, titleHeight, options_.size.width(), options_.size.height() - titleHeight);
   window_->show();
   QApplication::setActiveWindow(window_.get());
-  settle();
+  processEvents();
   return true;
 }
 
-void Stage::settle() {
-  for (int turn = 0; turn < settleTurns; ++turn) {
+void Stage::processEvents() {
+  for (int turn = 0; turn < eventRounds; ++turn) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
   }
 }
 
-void Stage::choose(MenuAction action, int argument) {
-  window_->menus().entry(action, argument)->trigger();
-  settle();
+void Stage::choose(std::string_view name) {
+  window_->menus().action(name)->trigger();
+  processEvents();
 }
 
 void Stage::show(Tab tab) {
   window_->workbench().selectTab(tab);
-  settle();
+  processEvents();
 }
 
 void Stage::take(const QString& name) {
-  settle();
+  processEvents();
   const qreal ratio = window_->devicePixelRatioF();
   QImage picture(options_.size * ratio, QImage::Format_RGB32);
   picture.setDevicePixelRatio(ratio);
@@ -168,7 +170,7 @@ void Stage::during(const std::function<void()>& opens, const std::function<void(
     }
     poll.stop();
     stood = true;
-    settle();
+    processEvents();
     meanwhile(*standing);
     // What it led to is closed before it.
     for (QWidget* last = opened(); last != nullptr && last->isVisible(); last = opened()) {
@@ -178,7 +180,7 @@ void Stage::during(const std::function<void()>& opens, const std::function<void(
   });
   poll.start(10);
   opens();
-  settle();
+  processEvents();
   if (!stood) {
     failed_ = true;
     std::cerr << "a window did not open\n";

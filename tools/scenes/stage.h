@@ -39,8 +39,8 @@ class Stage {
   int taken() const { return taken_; }
   bool failed() const { return failed_; }
 
-  /// Runs a menu entry that opens nothing, and lets the windows settle.
-  void choose(MenuAction action, int argument = 0);
+  /// Runs a command by its name, and processes the events that follow.
+  void choose(std::string_view name);
   /// Goes to a tab.
   void show(Tab tab);
   /// Writes the picture of the windows that are open now.
@@ -48,7 +48,7 @@ class Stage {
   /// Starts what opens a dialog or a menu and calls `meanwhile` once it stands; it is closed afterwards.
   void during(const std::function<void()>& opens, const std::function<void(QWidget&)>& meanwhile);
   /// Gives the windows time to lay out and paint.
-  static void settle();
+  static void processEvents();
 
  private:
   StageOptions options_;

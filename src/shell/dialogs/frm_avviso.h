@@ -2,7 +2,7 @@
 // The reminder to build before publishing.
 
 #include "platform/qt/frm_dialog.h"
-#include "shell/dialogs/build_reminder.h"
+#include "shell/workbench/build_reminder.h"
 
 class QCheckBox;
 

@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QUrl>
+#include <optional>
 
 #include "builder/run/frm_elabora.h"
 #include "platform/files/files.h"
@@ -13,7 +14,7 @@
 #include "shell/dialogs/frm_search.h"
 #include "shell/dialogs/picture_import.h"
 #include "shell/window/frm_intro.h"
-#include "shell/workbench/editor_table.h"
+#include "shell/workbench/fields/editor_table.h"
 #include "store/shop/backup_copies.h"
 #include "tags/custom/frm_tags.h"
 #include "tags/language/frm_lingue.h"
@@ -24,73 +25,76 @@ namespace {
 
 constexpr int openFailed = 31;
 
-/// Runs a dialog and gives its tag.
+/// Runs a dialog and gives its tag, which is empty when it was left.
 std::string run(FormDialog& dialog) {
   dialog.exec();
   return dialog.tag();
 }
 
+/// Runs a dialog; false when it was left.
+bool isAccepted(FormDialog& dialog) { return !run(dialog).empty(); }
+
 /// A picture from the disk, copied into the image folder; its name there.
-std::string choosePicture(frmMain& window, const Session& session, UserPort& user) {
+std::optional<std::string> choosePicture(frmMain& window, const Session& session, UserPort& user) {
   const QString source = QFileDialog::getOpenFileName(&window, QObject::tr("Korvane - Scelta dell'immagine"), QString(),
                                                       QObject::tr("Immagini (*.gif *.jpg *.jpeg *.png)"));
-  if (source.isEmpty()) return {};
+  if (source.isEmpty()) return std::nullopt;
   const auto name = importPicture(joinPath(session.ShopFolder, "work"), fromQt(source));
   if (name) return *name;
   user.message("L'immagine non può essere usata:\n" + fromQt(source), Icon::Exclamation);
-  return {};
+  return std::nullopt;
 }
 
 void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
-  dialogs["frmBrowse"] = [&](const std::string&) {
+  dialogs.changeFolders = [&] {
     frmBrowse dialog(session, env, &window);
-    return run(dialog);
+    return isAccepted(dialog);
   };
-  dialogs["frmLingue"] = [&](const std::string&) {
+  dialogs.languages = [&] {
     LanguageHooks hooks;
     hooks.MostraLingue = [&window] { window.workbench().MostraLingue(); };
     hooks.CambiaLingua = [&window](int language) { window.workbench().CambiaLingua(language); };
     frmLingue dialog(session, env, std::move(hooks), &window);
-    return run(dialog);
+    return isAccepted(dialog);
   };
-  dialogs["frmTags"] = [&](const std::string&) {
+  dialogs.customTags = [&] {
     frmTags dialog(session, env, &window);
-    return run(dialog);
+    return isAccepted(dialog);
   };
-  dialogs["frmBackup"] = [&](const std::string&) {
+  dialogs.restoreCopy = [&] {
     frmBackup dialog(session.ShopFolder, env, &window);
     const std::string copy = run(dialog);
-    if (!copy.empty()) static_cast<void>(RipristinaCopia(session, env, copy));
-    return copy;
+    return !copy.empty() && RipristinaCopia(session, env, copy);
   };
 }
 
 void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
-  dialogs["frmElabora"] = [&](const std::string&) {
+  dialogs.build = [&] {
     BuildViews views;
     // The pages that were built need a server: what a browser can show is the shop as it is published.
     const std::string address = window.workbench().shown(*editorOf(EditedSet::Generale, shopAddressField));
     if (!address.empty()) views.openShop = [&window, address] { window.workbench().openDocument(address); };
     views.openFolder = [&] { window.workbench().openDocument(session.onlineFolder); };
     frmElabora dialog(session, env, std::move(views), &window);
-    return run(dialog);
+    return isAccepted(dialog);
   };
-  dialogs["frmAvviso"] = [&](const std::string&) {
+  dialogs.remindToBuild = [&] {
     frmAvviso dialog(env.settings, &window);
-    return run(dialog);
+    return isAccepted(dialog);
   };
-  dialogs["frmSearch"] = [&](const std::string&) {
+  dialogs.searchArticle = [&]() -> std::optional<std::int64_t> {
     frmSearch dialog(session, env, &window);
-    return run(dialog);
+    if (isAccepted(dialog)) return dialog.chosen();
+    return std::nullopt;
   };
-  dialogs["frmImmagine"] = [&](const std::string&) { return choosePicture(window, session, env.user); };
-  dialogs["frmIntro"] = [&](const std::string&) {
+  dialogs.choosePicture = [&](const std::string&) { return choosePicture(window, session, env.user); };
+  dialogs.introduction = [&] {
     showGuide(window);
-    return std::string();
+    return true;
   };
-  dialogs["frmAbout"] = [&](const std::string&) {
+  dialogs.about = [&] {
     frmAbout dialog(&window);
-    return run(dialog);
+    return isAccepted(dialog);
   };
 }
 

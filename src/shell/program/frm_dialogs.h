@@ -1,5 +1,5 @@
 #pragma once
-// The dialogs of the program, wired to the workbench by their names.
+// The dialogs of the program, wired to the typed port of the workbench.
 
 #include "shell/window/frm_main.h"
 

@@ -20,6 +20,7 @@
 #include "shell/program/installed_data.h"
 #include "shell/window/frm_appearance.h"
 #include "shell/window/frm_main.h"
+#include "shell/workbench/commands/command_rows.h"
 #include "store/shop/server_path.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_check.h"
@@ -70,9 +71,9 @@ void wireSession(frmMain& window, Session& session, Environment& env) {
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
   env.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
   env.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-  env.hooks.reload = [&] {
+  env.hooks.reload = [&](const LoadOptions& options) {
     const BusyPointer busy;
-    if (loadSession(session, env) == LoadResult::Opened) workbench.showShop();
+    if (loadSession(session, env, options) == LoadResult::Opened) workbench.showShop();
   };
   wireDialogs(window, session, env);
 }
@@ -104,6 +105,7 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   Environment env{user, settings, systemClock(), systemRandom(), *folder, {}};
   Session session;
   WorkbenchPorts ports;
+  ports.commands = allCommands();
   ports.open = desktopOpener();
   ports.wear = [&appearance](Appearance chosen) { appearance.choose(chosen); };
   ports.decimalSeparator = decimalSeparator();

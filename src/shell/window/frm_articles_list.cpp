@@ -5,7 +5,7 @@
 #include <QPainter>
 
 #include "platform/qt/frm_dialog.h"
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 namespace kv {
 
@@ -15,7 +15,7 @@ ArticleModel::ArticleModel(Workbench& workbench, QObject* parent)
 void ArticleModel::rebuild() {
   beginResetModel();
   previewRow_ = -1;
-  rows_.refresh();
+  rows_.refresh(workbench_.listino());
   endResetModel();
 }
 
@@ -125,7 +125,7 @@ void ArticleList::paintEvent(QPaintEvent* event) {
 
 void ArticleList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTableView::currentChanged(current, previous);
-  if (!settling_ && current.isValid()) workbench_.goToArticlePlace(static_cast<std::size_t>(current.row()));
+  if (!settling_ && current.isValid()) workbench_.goToArticleAt(static_cast<std::size_t>(current.row()));
 }
 
 }  // namespace kv

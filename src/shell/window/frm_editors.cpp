@@ -11,6 +11,8 @@
 #include "platform/qt/frm_dialog.h"
 #include "shell/window/frm_field.h"
 #include "shell/window/frm_picture.h"
+#include "shell/workbench/commands/picture_commands.h"
+#include "shell/workbench/commands/variant_commands.h"
 
 namespace kv {
 namespace {
@@ -192,7 +194,7 @@ void EditorBinding::makeCombo() {
 }
 
 void EditorBinding::makePicture(const CommandActions& actions) {
-  const PictureCommands commands = pictureCommands(editor_);
+  const PictureCommandNames commands = pictureCommandNames(editor_.set, editor_.number);
   auto* picture =
       new PicturePreview(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
   read_ = [] { return QString(); };

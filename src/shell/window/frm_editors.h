@@ -16,8 +16,8 @@ namespace kv {
 
 class PicturePreview;
 
-/// The window's actions by command number.
-using CommandActions = std::function<QAction*(int number)>;
+/// The window's actions by the names of their commands.
+using CommandActions = std::function<QAction*(std::string_view name)>;
 
 class EditorBinding final : public QObject {
   Q_OBJECT

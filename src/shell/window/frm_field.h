@@ -8,7 +8,7 @@
 #include <QValidator>
 #include <functional>
 
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 namespace kv {
 

@@ -74,7 +74,7 @@ void frmMain::makePanels() {
   lists_->addWidget(articles_);
   lists_->setChildrenCollapsible(false);
   stack_ = new QStackedWidget(this);
-  const CommandActions actions = [this](int number) { return menus_->command(number); };
+  const CommandActions actions = [this](std::string_view name) { return menus_->action(name); };
   for (int tab = 0; tab < tabCount; ++tab) {
     auto* page = new EditorPage(static_cast<Tab>(tab), workbench_, actions, stack_);
     page->setObjectName(toQt(tabKeys[static_cast<std::size_t>(tab)]));

@@ -8,64 +8,51 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 
 #include "platform/files/files.h"
 #include "platform/qt/frm_dialog.h"
 #include "shell/window/frm_appearance.h"
 #include "shell/window/frm_icons.h"
+#include "shell/workbench/commands/language_commands.h"
 
 namespace kv {
 namespace {
 
 constexpr int iconSize = 24;
 
-/// The commands of a tab's own row of buttons.
-std::span<const int> buttonsOf(Tab tab) {
-  static constexpr std::array departments{17, 16, 15, 14, 20, 12, 11, 13, 7};
-  static constexpr std::array articles{0, 1, 2, 3, 5, 6, 4, 21};
-  if (tab == Tab::Departments) return departments;
-  if (tab == Tab::Articles) return articles;
-  return {};
-}
-
-MenuTab menuOf(Tab tab) {
+/// The `Modifica` menu of a tab.
+Menu editMenuOf(Tab tab) {
   switch (tab) {
     case Tab::Departments:
-      return MenuTab::Departments;
+      return Menu::EditDepartments;
     case Tab::Articles:
-      return MenuTab::Articles;
+      return Menu::EditArticles;
     case Tab::Site:
-      return MenuTab::Site;
+      return Menu::EditSite;
     case Tab::Internet:
       break;
   }
-  return MenuTab::Internet;
+  return Menu::EditInternet;
 }
 
-/// The first letter of the text that no entry of the menu answers to yet; none when all are taken.
-QChar freeLetter(const QString& text, QSet<QChar>& taken) {
-  for (const QChar letter : text) {
-    const QChar lower = letter.toLower();
-    if (!letter.isLetter() || taken.contains(lower)) continue;
+bool isEditMenu(Menu menu) { return menu != Menu::File && menu != Menu::View && menu != Menu::Help; }
+
+/// The first character of the text that no entry of the menu answers to yet; none when all are taken.
+QChar freeMnemonic(const QString& text, QSet<QChar>& taken) {
+  for (const QChar character : text) {
+    const QChar lower = character.toLower();
+    if (!character.isLetter() || taken.contains(lower)) continue;
     taken.insert(lower);
     return lower;
   }
   return {};
 }
 
-QString withMnemonic(const QString& text, QChar letter) {
-  if (text.contains(QLatin1Char('&')) || letter.isNull()) return text;
-  const auto place = text.indexOf(letter, 0, Qt::CaseInsensitive);
-  return place < 0 ? text : QString(text).insert(place, QLatin1Char('&'));
-}
-
-/// What the button says; the moves downwards have no caption of their own.
-QString buttonText(const Command& command) {
-  if (!command.caption.empty()) return toQt(command.caption);
-  if (command.action == CommandAction::Move && command.argument > 0) return QObject::tr("Muovi giù");
-  return toQt(command.step);
+QString withMnemonic(const QString& text, QChar mnemonic) {
+  if (text.contains(QLatin1Char('&')) || mnemonic.isNull()) return text;
+  const auto index = text.indexOf(mnemonic, 0, Qt::CaseInsensitive);
+  return index < 0 ? text : QString(text).insert(index, QLatin1Char('&'));
 }
 
 /// A caption in two lines of about the same length, so that a whole row of them fits; a short one stays in the first.
@@ -95,48 +82,41 @@ void dressButton(QToolButton& button) {
 }  // namespace
 
 MainMenus::MainMenus(QMainWindow& window, Workbench& workbench) : QObject(&window), workbench_(workbench) {
-  makeCommands();
-  makeMenus(*window.menuBar());
+  makeActions(window);
+  for (int menu = 0; menu < menuCount; ++menu) makeMenu(*window.menuBar(), static_cast<Menu>(menu));
   makeToolbars(window);
-  helpKey_ = new QAction(tr("Aiuto"), &window);
-  helpKey_->setShortcut(QKeySequence(Qt::Key_F1));
-  window.addAction(helpKey_);
-  connect(helpKey_, &QAction::triggered, this, [this] { workbench_.showHelp(); });
 }
 
-void MainMenus::makeCommands() {
-  for (const Command& command : commandTable()) {
-    auto* action = new QAction(drawnIcon(command.icon), toQt(command.caption), this);
-    action->setObjectName(QStringLiteral("cmdButton%1").arg(command.number));
-    action->setIconText(buttonText(command));
-    action->setEnabled(false);
-    const int number = command.number;
-    connect(action, &QAction::triggered, this, [this, number] { workbench_.EseguiComando(number); });
-    commands_[number] = action;
+void MainMenus::makeActions(QMainWindow& window) {
+  for (const Command& command : table().rows()) {
+    auto* action = new QAction(toQt(command.caption), this);
+    if (!command.icon.empty()) action->setIcon(drawnIcon(command.icon));
+    if (!command.caption.empty()) action->setIconText(toQt(command.caption));
+    if (!command.shortcut.empty())
+      action->setShortcut(QKeySequence(toQt(command.shortcut), QKeySequence::PortableText));
+    if (command.number >= 0) {
+      action->setObjectName(QStringLiteral("cmdButton%1").arg(command.number));
+      action->setEnabled(false);
+    }
+    // What stands in no menu is reached by its key alone.
+    if (command.menus.empty()) window.addAction(action);
+    connect(action, &QAction::triggered, this, [this, &command] {
+      if (command.number >= 0) return workbench_.commands().EseguiComando(command.number);
+      workbench_.commands().choose(command);
+      refresh();
+    });
+    actions_[command.name] = action;
   }
+}
+
+QAction* MainMenus::action(std::string_view name) const {
+  const auto found = actions_.find(name);
+  return found == actions_.end() ? nullptr : found->second;
 }
 
 QAction* MainMenus::command(int number) const {
-  const auto found = commands_.find(number);
-  return found == commands_.end() ? nullptr : found->second;
-}
-
-QAction* MainMenus::entry(MenuAction action, int argument) const {
-  const auto found = entries_.find({-1 - static_cast<int>(action), argument});
-  return found == entries_.end() ? nullptr : found->second;
-}
-
-QAction* MainMenus::actionOf(const MenuEntry& entry) {
-  if (entry.command >= 0) return command(entry.command);
-  QAction*& action = entries_[{-1 - static_cast<int>(entry.action), entry.argument}];
-  if (action == nullptr) {
-    action = new QAction(this);
-    connect(action, &QAction::triggered, this, [this, &entry] {
-      workbench_.runEntry(entry);
-      refresh();
-    });
-  }
-  return action;
+  const Command* command = table().numbered(number);
+  return command == nullptr ? nullptr : action(command->name);
 }
 
 QMenu* MainMenus::submenu(QMenu& menu, const QString& title) {
@@ -148,76 +128,59 @@ QMenu* MainMenus::submenu(QMenu& menu, const QString& title) {
   return made;
 }
 
-void MainMenus::makeMenus(QMenuBar& bar) {
-  std::map<std::pair<MenuTab, std::string_view>, QMenu*> menus;
-  std::map<QMenu*, QSet<QChar>> letters;
-  for (const MenuEntry& entry : menuTable()) {
-    QMenu*& menu = menus[{entry.tab, entry.menu}];
-    if (menu == nullptr) {
-      menu = bar.addMenu(QLatin1Char('&') + toQt(entry.menu));
-      if (entry.tab != MenuTab::Every) editMenus_[entry.tab] = menu;
-    }
-    if (entry.entry == "-") {
+void MainMenus::makeMenu(QMenuBar& bar, Menu which) {
+  QMenu* menu = bar.addMenu(QLatin1Char('&') + toQt(titleOf(which)));
+  if (isEditMenu(which)) editMenus_[which] = menu;
+  std::map<QMenu*, QSet<QChar>> mnemonics;
+  for (const MenuItem& item : table().entriesOf(which)) {
+    if (item.command == nullptr) {
       menu->addSeparator();
       continue;
     }
-    const std::size_t cut = entry.entry.find(" / ");
-    QMenu* into = cut == std::string_view::npos ? menu : submenu(*menu, toQt(entry.entry.substr(0, cut)));
-    QAction* action = actionOf(entry);
-    const EntryState state = workbench_.stateOf(entry);
-    into->addAction(action);
-    if (!entry.shortcut.empty()) action->setShortcut(QKeySequence(toQt(entry.shortcut), QKeySequence::PortableText));
-    if (entry.action == MenuAction::EditLanguage) languageMenu_ = into;
-    items_.push_back({&entry, action, freeLetter(toQt(state.text), letters[into])});
+    QMenu* into = item.place->submenu.empty() ? menu : submenu(*menu, toQt(item.place->submenu));
+    QAction* entry = action(item.command->name);
+    into->addAction(entry);
+    if (item.command->name == languageCommand(1)) languageMenu_ = into;
+    const EntryState state = workbench_.commands().stateOf(*item.command, item.place);
+    entries_.push_back({item, entry, freeMnemonic(toQt(state.text), mnemonics[into])});
   }
-  for (QMenu* menu : bar.findChildren<QMenu*>()) {
-    QAction* action = menu->menuAction();
-    auto* holder = qobject_cast<QMenu*>(menu->parent());
-    if (holder != nullptr) action->setText(withMnemonic(menu->title(), freeLetter(menu->title(), letters[holder])));
+  for (QMenu* inner : menu->findChildren<QMenu*>()) {
+    inner->menuAction()->setText(withMnemonic(inner->title(), freeMnemonic(inner->title(), mnemonics[menu])));
   }
 }
 
-QToolBar* MainMenus::makeTabToolbar(QMainWindow& window, Tab tab) {
-  auto* bar = new QToolBar(&window);
-  bar->addSeparator();  // from the row of the shop, while both stand in one line
-  for (const int number : buttonsOf(tab)) bar->addAction(command(number));
-  toolbars_[tab] = bar;
+QToolBar* MainMenus::makeToolbar(QMainWindow& window, Toolbar which, const QString& title) {
+  auto* bar = new QToolBar(title, &window);
+  if (which != Toolbar::Shop) bar->addSeparator();  // from the row of the shop, while both stand in one line
+  for (const Command* command : table().buttonsOf(which)) {
+    if (command == nullptr) {
+      bar->addSeparator();
+    } else {
+      bar->addAction(action(command->name));
+    }
+  }
+  bar->setObjectName(QStringLiteral("barra") + title);
+  bar->setAccessibleName(title);
+  bar->setMovable(false);
+  bar->toggleViewAction()->setVisible(false);
+  bar->setIconSize(QSize(iconSize, iconSize));
+  bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+  bar->setContextMenuPolicy(Qt::PreventContextMenu);
+  for (auto* button : bar->findChildren<QToolButton*>()) dressButton(*button);
+  // What opens the buttons that a narrow window has no room for.
+  if (auto* more = bar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"))) {
+    more->setAccessibleName(tr("Altri comandi"));
+    more->setToolTip(tr("Altri comandi"));
+  }
+  allToolbars_.push_back(bar);
+  window.addToolBar(bar);
   return bar;
 }
 
 void MainMenus::makeToolbars(QMainWindow& window) {
-  auto* shop = new QToolBar(tr("Negozio"), &window);
-  for (const int number : {50, 51, 52}) shop->addAction(command(number));
-  shop->addSeparator();
-  for (const MenuAction each : {MenuAction::Undo, MenuAction::Redo}) {
-    QAction* action = entry(each);
-    action->setIcon(drawnIcon(each == MenuAction::Undo ? "annulla" : "ripeti"));
-    shop->addAction(action);
-  }
-  allToolbars_.push_back(shop);
-  window.addToolBar(shop);
-  for (const auto& [tab, title] :
-       {std::pair{Tab::Departments, tr("Reparti")}, std::pair{Tab::Articles, tr("Articoli")}}) {
-    QToolBar* bar = makeTabToolbar(window, tab);
-    bar->setWindowTitle(title);
-    allToolbars_.push_back(bar);
-    window.addToolBar(bar);
-  }
-  for (QToolBar* bar : allToolbars_) {
-    bar->setObjectName(QStringLiteral("barra") + bar->windowTitle());
-    bar->setAccessibleName(bar->windowTitle());
-    bar->setMovable(false);
-    bar->toggleViewAction()->setVisible(false);
-    bar->setIconSize(QSize(iconSize, iconSize));
-    bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-    bar->setContextMenuPolicy(Qt::PreventContextMenu);
-    for (auto* button : bar->findChildren<QToolButton*>()) dressButton(*button);
-    // What opens the buttons that a narrow window has no room for.
-    if (auto* more = bar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"))) {
-      more->setAccessibleName(tr("Altri comandi"));
-      more->setToolTip(tr("Altri comandi"));
-    }
-  }
+  makeToolbar(window, Toolbar::Shop, tr("Negozio"));
+  toolbars_[Tab::Departments] = makeToolbar(window, Toolbar::Departments, tr("Reparti"));
+  toolbars_[Tab::Articles] = makeToolbar(window, Toolbar::Articles, tr("Articoli"));
 }
 
 QToolButton* MainMenus::makeLanguageButton(QWidget* parent) {
@@ -250,29 +213,33 @@ void MainMenus::fit(QMainWindow& window) {
 }
 
 void MainMenus::refresh() {
-  for (const Item& item : items_) {
-    const EntryState state = workbench_.stateOf(*item.entry);
-    item.action->setText(withMnemonic(toQt(state.text), item.mnemonic));
-    item.action->setEnabled(state.enabled && state.visible);
-    item.action->setVisible(state.visible);
-    item.action->setCheckable(state.checkable);
-    item.action->setChecked(state.checked);
+  const WorkbenchCommands& commands = workbench_.commands();
+  for (const Entry& entry : entries_) {
+    const EntryState state = commands.stateOf(*entry.item.command, entry.item.place);
+    entry.action->setText(withMnemonic(toQt(state.text), entry.mnemonic));
+    entry.action->setEnabled(state.enabled && state.visible);
+    entry.action->setVisible(state.visible);
+    entry.action->setCheckable(state.checkable);
+    entry.action->setChecked(state.checked);
   }
-  for (const auto& [number, action] : commands_) {
-    action->setEnabled(workbench_.isCommandEnabled(number));
-    action->setIconText(buttonText(*commandOf(number)));
-    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
-    action->setToolTip(keys.isEmpty() ? action->iconText() : action->iconText() + QStringLiteral(" (%1)").arg(keys));
-  }
-  for (const auto& [action, text] :
-       {std::pair{MenuAction::Undo, tr("Annulla")}, std::pair{MenuAction::Redo, tr("Ripeti")}}) {
-    entry(action)->setIconText(text);
-    entry(action)->setToolTip(QString(entry(action)->text()).remove(QLatin1Char('&')));
+  for (const Command& command : table().rows()) {
+    if (command.number >= 0) action(command.name)->setEnabled(commands.isEnabled(command));
+    refreshButton(command);
   }
 }
 
+/// A button keeps its caption; what it points out is its key, or its text where that changes.
+void MainMenus::refreshButton(const Command& command) {
+  if (command.caption.empty() && command.number < 0) return;
+  QAction& button = *action(command.name);
+  button.setIconText(toQt(command.caption));
+  if (command.text) return button.setToolTip(button.text().remove(QLatin1Char('&')));
+  const QString keys = button.shortcut().toString(QKeySequence::NativeText);
+  button.setToolTip(keys.isEmpty() ? button.iconText() : button.iconText() + QStringLiteral(" (%1)").arg(keys));
+}
+
 void MainMenus::showTab(Tab tab) {
-  for (const auto& [of, menu] : editMenus_) menu->menuAction()->setVisible(of == menuOf(tab));
+  for (const auto& [of, menu] : editMenus_) menu->menuAction()->setVisible(of == editMenuOf(tab));
   for (const auto& [of, bar] : toolbars_) bar->setVisible(of == tab);
 }
 
@@ -282,8 +249,7 @@ void MainMenus::showLanguages() {
   for (int language = 1; language <= maxLanguages; ++language) {
     const std::string& name = session.languageNames[static_cast<std::size_t>(language - 1)];
     const QString flag = toQt(joinPath(folder, name));
-    QAction* action = entry(MenuAction::EditLanguage, language);
-    action->setIcon(name.empty() ? QIcon() : flagIcon(flag));
+    action(languageCommand(language))->setIcon(name.empty() ? QIcon() : flagIcon(flag));
     if (language != session.currentLanguage) continue;
     languageButton_->setIcon(name.empty() ? QIcon() : flagBesideWords(flag));
     languageButton_->setText(toQt(name));
@@ -292,8 +258,9 @@ void MainMenus::showLanguages() {
 }
 
 void MainMenus::lightButton(int number) {
+  QAction* lit = command(number);
   for (QToolBar* bar : allToolbars_) {
-    QWidget* button = bar->widgetForAction(command(number));
+    QWidget* button = bar->widgetForAction(lit);
     if (button == nullptr) continue;
     QPalette palette = button->palette();
     palette.setColor(QPalette::Button, litColour);
@@ -301,17 +268,19 @@ void MainMenus::lightButton(int number) {
     button->setPalette(palette);
     button->setAutoFillBackground(true);
   }
-  command(number)->setIcon(drawnIcon(commandOf(number)->icon, IconColours::Lit));
+  lit->setIcon(drawnIcon(table().numbered(number)->icon, IconColours::Lit));
 }
 
 void MainMenus::unlightButtons() {
-  for (QToolBar* bar : allToolbars_) {
-    for (const auto& [number, action] : commands_) {
-      QWidget* button = bar->widgetForAction(action);
+  for (const Command& command : table().rows()) {
+    if (command.toolbar.bar == Toolbar::None) continue;
+    QAction* unlit = action(command.name);
+    for (QToolBar* bar : allToolbars_) {
+      QWidget* button = bar->widgetForAction(unlit);
       if (button == nullptr || !button->autoFillBackground()) continue;
       button->setAutoFillBackground(false);
       button->setPalette(QPalette());
-      action->setIcon(drawnIcon(commandOf(number)->icon));
+      unlit->setIcon(drawnIcon(command.icon));
     }
   }
 }

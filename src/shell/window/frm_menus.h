@@ -1,12 +1,11 @@
 #pragma once
-// Menus and toolbars of the main window, made from the two tables. A command has one action, which its button, its menu
-// entries and its shortcut share.
+// Menus and toolbars of the main window, made from the rows of the commands. A command has one action, which its
+// button, its menu entries and its shortcut share.
 
 #include <QObject>
 #include <map>
 #include <vector>
 
-#include "shell/workbench/menu_table.h"
 #include "shell/workbench/workbench.h"
 
 class QAction;
@@ -23,52 +22,50 @@ class MainMenus final : public QObject {
  public:
   MainMenus(QMainWindow& window, Workbench& workbench);
 
-  /// The action of a command number; made for every number of the table.
+  /// The action of a command by its name; null when there is no such command.
+  QAction* action(std::string_view name) const;
+  /// The action of a command by its number; null for a number that isn't in the table.
   QAction* command(int number) const;
-  /// The action of a menu entry that is no command; null when there is none.
-  QAction* entry(MenuAction action, int argument = 0) const;
-  QAction* helpKey() const { return helpKey_; }
 
-  /// Every action takes the state that the workbench tells.
+  /// Gives every action the state that its command has now.
   void refresh();
   /// Shows the menu and the buttons of a tab and hides those of the others.
   void showTab(Tab tab);
   /// The language menu and its button take names and flags of the session.
   void showLanguages();
 
-  /// Gives the button of a command the highlight colour, or takes it from all.
-  void lightButton(int command);
+  /// Gives the button of a command of the table the highlight colour.
+  void lightButton(int number);
+  /// Takes the highlight colour from all buttons.
   void unlightButtons();
 
-  /// The drop-down of the languages, made once for a place in the window.
+  /// The drop-down of the languages, made once.
   QToolButton* makeLanguageButton(QWidget* parent);
   /// Puts both rows of buttons side by side where the window is wide enough, else one below the other.
   void fit(QMainWindow& window);
 
  private:
-  using Key = std::pair<int, int>;  ///< command and -1, or -1 - action and argument
-  struct Item {
-    const MenuEntry* entry = nullptr;
+  struct Entry {
+    MenuItem item;
     QAction* action = nullptr;
-    QChar mnemonic;
+    QChar mnemonic;  ///< the character after "&"; null for none
   };
-  void makeCommands();
-  void makeMenus(QMenuBar& bar);
-  QAction* actionOf(const MenuEntry& entry);
+  const CommandTable& table() const { return workbench_.commands().table(); }
+  void makeActions(QMainWindow& window);
+  void makeMenu(QMenuBar& bar, Menu which);
   QMenu* submenu(QMenu& menu, const QString& title);
   void makeToolbars(QMainWindow& window);
-  QToolBar* makeTabToolbar(QMainWindow& window, Tab tab);
+  QToolBar* makeToolbar(QMainWindow& window, Toolbar which, const QString& title);
+  void refreshButton(const Command& command);
 
   Workbench& workbench_;
-  std::map<int, QAction*> commands_;
-  std::map<Key, QAction*> entries_;
-  std::vector<Item> items_;
-  std::map<MenuTab, QMenu*> editMenus_;
+  std::map<std::string_view, QAction*> actions_;  ///< by the name of the command
+  std::vector<Entry> entries_;
+  std::map<Menu, QMenu*> editMenus_;
   std::map<Tab, QToolBar*> toolbars_;
   std::vector<QToolBar*> allToolbars_;
   QToolButton* languageButton_ = nullptr;
   QMenu* languageMenu_ = nullptr;
-  QAction* helpKey_ = nullptr;
 };
 
 }  // namespace kv

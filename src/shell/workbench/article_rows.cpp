@@ -6,7 +6,8 @@
 
 namespace kv {
 
-void ArticleRows::refresh() {
+void ArticleRows::refresh(int listino) {
+  listino_ = listino;
   keys_.clear();
   rows_.clear();
   if (!sets_.isBound() || !sets_.onDepartment()) return;
@@ -30,7 +31,7 @@ const ArticleRow& ArticleRows::at(std::size_t place) {
   const Session& session = sets_.session();
   const std::string title =
       "titolo" + std::string(languageSuffixes[static_cast<std::size_t>(session.currentLanguage - 1)]);
-  const std::string price = "prezzo" + std::string(listinoSuffixes[static_cast<std::size_t>(session.currentListino)]);
+  const std::string price = "prezzo" + std::string(listinoSuffixes[static_cast<std::size_t>(listino_)]);
   auto row =
       sets_.session().catalogue.prepare("SELECT codice, " + title + ", " + price + " FROM articoli WHERE ID = ?");
   if (!row) return none;

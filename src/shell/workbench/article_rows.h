@@ -22,8 +22,8 @@ class ArticleRows {
  public:
   explicit ArticleRows(CatalogueSets& sets) : sets_(sets) {}
 
-  /// Reads the keys of the current department's articles in their order.
-  void refresh();
+  /// Reads the keys of the current department's articles in their order; prices are those of a price list, 0 to 9.
+  void refresh(int listino);
   /// Forgets what the rows said; keys and order stay.
   void forget() { rows_.clear(); }
   std::size_t size() const { return keys_.size(); }
@@ -33,6 +33,7 @@ class ArticleRows {
 
  private:
   CatalogueSets& sets_;
+  int listino_ = 0;
   std::vector<std::int64_t> keys_;
   std::unordered_map<std::int64_t, ArticleRow> rows_;
 };

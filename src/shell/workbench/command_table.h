@@ -1,68 +1,61 @@
 #pragma once
-// The commands of the main window as data: each with its number, the key of its state, its button and what it does.
-// The window binds buttons to numbers; nothing here knows a window.
+// The rows of all commands, and what is made of them: the entries of a menu, the buttons of a row, the list of
+// shortcuts.
 
 #include <span>
-#include <string>
 #include <string_view>
+#include <vector>
+
+#include "shell/workbench/command.h"
 
 namespace kv {
 
-enum class CommandAction {
-  None,
-  Move,  ///< argument -1 up, +1 down
-  InsertBefore,
-  InsertAfter,
-  InsertBelow,  ///< a department under the current one
-  Delete,
-  Copy,
-  Paste,
-  ExpandAll,
-  CollapseAll,
-  ChooseImage,  ///< argument: number of the image
-  ClearImage,
-  DefineVariant,  ///< argument: slot 1 to 4
-  Search,
-  Build,
-  Publish,
-  OpenBackOffice
-};
-enum class CommandSubject { Nothing, Article, Department, Shop };
-
-struct Command {
-  int number = 0;
-  std::string_view key;      ///< of the state routine; empty: always enabled
-  std::string_view caption;  ///< of the button; empty: the command has none
-  CommandAction action = CommandAction::None;
-  CommandSubject subject = CommandSubject::Nothing;
-  int argument = 0;
-  std::string_view step;  ///< how undo names it; empty: nothing to undo
-  std::string_view icon;  ///< file of the button's picture, without folder and extension
+/// An entry of a menu, or a separator.
+struct MenuItem {
+  const Command* command = nullptr;  ///< null: a separator
+  const MenuPlace* place = nullptr;
 };
 
-/// All commands in the order of their numbers: 0 to 35 and 50 to 52.
-std::span<const Command> commandTable();
-/// The command of a number; null for 36 to 49 and every other number, which do nothing.
-const Command* commandOf(int number);
+/// A line of the shortcut list.
+struct Shortcut {
+  std::string_view keys;  ///< in the portable form
+  const Command* command = nullptr;
+};
 
-/// The suffix of the `opzione` column that a variant slot edits in a price list: "1", "1_3".
-std::string variantSlot(int slot, int listino);
+class CommandTable {
+ public:
+  /// Takes the rows over; pointers to them hold as long as the table.
+  explicit CommandTable(std::vector<Command> rows) : rows_(std::move(rows)) {}
+  CommandTable(const CommandTable&) = delete;
+  CommandTable& operator=(const CommandTable&) = delete;
 
-/// The keys that no button has: masks over all editors of a panel, and the two choices of server folders.
+  /// All rows, in the order in which they were given.
+  std::span<const Command> rows() const { return rows_; }
+  /// The command of a number; null for 36 to 49 and every other number, which do nothing.
+  const Command* numbered(int number) const;
+  /// The command of a name; null when there is none.
+  const Command* named(std::string_view name) const;
+
+  /// The entries of a menu in their order, with the separators between their groups.
+  std::vector<MenuItem> entriesOf(Menu menu) const;
+  /// The buttons of a row in their order; null: a separator.
+  std::vector<const Command*> buttonsOf(Toolbar bar) const;
+  /// Every shortcut there is, in the order of the rows.
+  std::vector<Shortcut> shortcuts() const;
+
+ private:
+  std::vector<Command> rows_;
+};
+
+/// The title of a menu, as the menu bar shows it.
+std::string_view titleOf(Menu menu);
+
+/// The keys of StatoComando that belong to no command: masks over all editors of a panel, and the choice of a folder of
+/// the server.
 inline constexpr std::string_view articleMask = "maschera articoli";
 inline constexpr std::string_view departmentMask = "maschera categorie";
 inline constexpr std::string_view ftpFolders = "cartelle FTP";
-
-/// The keys that are enabled exactly while an article is current, and while a department is.
-std::span<const std::string_view> articleKeys();
-std::span<const std::string_view> departmentKeys();
-
-/// A key that is enabled while an image column is set.
-struct ImageKey {
-  std::string_view key;
-  CommandSubject subject;
-  std::string_view column;
-};
-std::span<const ImageKey> imageKeys();
+/// The key of expanding and collapsing the tree.
+inline constexpr std::string_view expansionKey = "espansione";
 
 }  // namespace kv

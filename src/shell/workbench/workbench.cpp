@@ -1,11 +1,16 @@
 // The cursors, the states that follow them, and the life of a shop in the workbench.
 
 #include "shell/workbench/workbench.h"
-#include "platform/database/recordset.h"
 
 #include <algorithm>
+#include <array>
 
+#include "platform/database/recordset.h"
 #include "platform/files/files.h"
+#include "shell/workbench/busy.h"
+#include "shell/workbench/fields/current_row.h"
+#include "shell/workbench/fields/related_words.h"
+#include "shell/workbench/fields/row_picture.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 
@@ -19,16 +24,18 @@ Workbench::Workbench(Session& session, Environment& env, WorkbenchView& view, Wo
       sets_(session),
       history_(sets_),
       editing_(sets_, env.user,
-               {[this](std::string_view key, bool enabled) { StatoComando(key, enabled); },
+               {[this](std::string_view key, bool enabled) { commands_.StatoComando(key, enabled); },
                 [this](bool busy) { view_.showBusy(busy); }}),
-      fields_(sets_, history_, ports_.decimalSeparator) {
+      fields_(sets_, history_, ports_.decimalSeparator),
+      commands_(std::move(ports_.commands),
+                {*this, session_, env_, view_, ports_, sets_, history_, editing_, fields_}) {
   sets_.listen(this);
 }
 
 Workbench::~Workbench() { releaseSession(); }
 
 void Workbench::bindSession() {
-  tell(sets_.bind());
+  showError(sets_.bind());
   if (sets_.isBound()) history_.begin();
 }
 
@@ -40,34 +47,20 @@ void Workbench::releaseSession() {
 void Workbench::showShop() {
   history_.clear();
   tab_ = Tab::Departments;
-  session_.currentListino = 0;
-  view_.showTitle(session_.title);
+  fields_.selectListino(0);
+  view_.showTitle("Korvane - " + session_.ShopFolder);
   CambiaLingua(1);
-  tell(sets_.recount());
+  showError(sets_.recount());
   MostraLingue();
-  view_.showListino(session_.currentListino);
+  view_.showListino(listino());
   // What was copied in an earlier session is offered in this one.
   for (const auto& [key, table] :
        {std::pair{"incolla articolo", "cliparticoli"}, std::pair{"incolla categoria", "clipcategorie"}}) {
     const auto count = session_.catalogue.scalar(std::string("SELECT COUNT(*) FROM ") + table);
-    StatoComando(key, count && asInteger(*count) > 0);
+    commands_.StatoComando(key, count && asInteger(*count) > 0);
   }
   if (!sets_.tree().empty()) goToDepartment(sets_.tree().front().ID);
   AggiornaSchede();
-}
-
-void Workbench::StatoComando(std::string_view key, bool enabled) {
-  const auto found = states_.find(key);
-  if (found != states_.end() && found->second == enabled) return;
-  states_.insert_or_assign(std::string(key), enabled);
-  view_.enableKey(key, enabled);
-  view_.entriesChanged();
-}
-
-bool Workbench::isEnabled(std::string_view key) const {
-  if (key.empty()) return true;
-  const auto found = states_.find(key);
-  return found != states_.end() && found->second;
 }
 
 void Workbench::AggiornaSchede() {
@@ -83,42 +76,32 @@ void Workbench::selectTab(Tab tab) {
   AggiornaSchede();
 }
 
+void Workbench::hideDetails(bool hidden) {
+  detailsHidden_ = hidden;
+  view_.hideDetails(hidden);
+}
+
 void Workbench::refreshTabKeys() {
   const bool tree = tab_ == Tab::Departments || tab_ == Tab::Articles;
-  StatoComando("espansione", tree && !sets_.tree().empty());
-  StatoComando(ftpFolders, std::ranges::all_of(std::array{"hostname", "username", "password"}, [this](const char* c) {
-                 return fields_.settingText(c).find_first_not_of(' ') != std::string::npos;
-               }));
-}
-
-void Workbench::refreshPictureKeys() {
-  for (const ImageKey& image : imageKeys()) {
-    EditedSet set = EditedSet::Generale;
-    if (image.subject == CommandSubject::Article) set = EditedSet::Articoli;
-    if (image.subject == CommandSubject::Department) set = EditedSet::Categorie;
-    StatoComando(image.key, !fields_.picture(set, image.column.back() - '0').empty());
-  }
-}
-
-void Workbench::refreshArticleKeys() {
-  for (const std::string_view key : articleKeys()) StatoComando(key, sets_.onArticle());
-}
-
-void Workbench::refreshDepartmentKeys() {
-  for (const std::string_view key : departmentKeys()) StatoComando(key, sets_.onDepartment());
+  commands_.StatoComando(expansionKey, tree && !sets_.tree().empty());
+  commands_.StatoComando(
+      ftpFolders, std::ranges::all_of(std::array{"hostname", "username", "password"}, [this](const char* column) {
+        const std::string text = settingText(sets_, column);
+        return text.find_first_not_of(' ') != std::string::npos;
+      }));
 }
 
 void Workbench::refreshStates() {
-  refreshArticleKeys();
-  refreshDepartmentKeys();
-  refreshPictureKeys();
+  commands_.refreshKeys();
+  commands_.StatoComando(articleMask, sets_.onArticle());
+  commands_.StatoComando(departmentMask, sets_.onDepartment());
 }
 
 void Workbench::refreshAll() {
   refreshStates();
   refreshTabKeys();
   for (const EditedSet set : {EditedSet::Generale, EditedSet::Categorie, EditedSet::Articoli}) view_.fieldsChanged(set);
-  view_.showStatus(session_.statusLine);
+  view_.showStatus(sets_.statusLine());
   view_.entriesChanged();
 }
 
@@ -126,15 +109,15 @@ void Workbench::departmentMoved() {
   std::string model = sets_.onDepartment() ? asText(sets_.dataCategorie().get("template")) : std::string();
   if (model.empty() && !session_.models.empty()) model = session_.models.front();
   editing_.showModel(std::move(model));
-  refreshDepartmentKeys();
-  refreshPictureKeys();
+  commands_.refreshKeys();
+  commands_.StatoComando(departmentMask, sets_.onDepartment());
   view_.selectDepartment(sets_.department());
   view_.fieldsChanged(EditedSet::Categorie);
 }
 
 void Workbench::articleMoved() {
-  refreshArticleKeys();
-  refreshPictureKeys();
+  commands_.refreshKeys();
+  commands_.StatoComando(articleMask, sets_.onArticle());
   view_.selectArticle();
   view_.fieldsChanged(EditedSet::Articoli);
 }
@@ -150,14 +133,16 @@ void Workbench::titleChanged(const std::string& department, const std::string& t
   view_.departmentTitle(department, title);
 }
 
-void Workbench::statusChanged() { view_.showStatus(session_.statusLine); }
+void Workbench::statusChanged() { view_.showStatus(sets_.statusLine()); }
 
 void Workbench::CambiaLingua(int language) {
   view_.finishEdits();
-  view_.showBusy(true);
-  const auto changed = sets_.CambiaLingua(language);
-  view_.showBusy(false);
-  tell(changed);
+  Result<> changed;
+  {
+    const BusyGuard busy(view_);
+    changed = sets_.CambiaLingua(language);
+  }
+  showError(changed);
   view_.showLanguages();
   refreshAll();
 }
@@ -169,8 +154,8 @@ void Workbench::MostraLingue() {
 
 void Workbench::selectListino(int listino) {
   view_.finishEdits();
-  session_.currentListino = std::clamp(listino, 0, listini - 1);
-  view_.showListino(session_.currentListino);
+  fields_.selectListino(std::clamp(listino, 0, listini - 1));
+  view_.showListino(fields_.listino());
   view_.articlesChanged();
   refreshAll();
 }
@@ -179,19 +164,19 @@ void Workbench::goToDepartment(const std::string& ID) {
   view_.finishEdits();
   if (!isOpen() || (ID == sets_.department() && sets_.onDepartment())) return;
   const auto found = sets_.goToDepartment(ID);
-  if (!found) tell(fail(found.error()));
+  if (!found) showError(fail(found.error()));
 }
 
-void Workbench::goToArticlePlace(std::size_t place) {
+void Workbench::goToArticleAt(std::size_t index) {
   view_.finishEdits();
-  if (!isOpen() || (sets_.onArticle() && sets_.dataArticoli().position() == place)) return;
-  sets_.goToArticlePlace(place);
+  if (!isOpen() || (sets_.onArticle() && sets_.dataArticoli().position() == index)) return;
+  sets_.goToArticlePlace(index);
 }
 
 void Workbench::MostraArticolo(std::int64_t ID) {
   view_.finishEdits();
   const auto found = sets_.MostraArticolo(ID);
-  if (!found) return tell(fail(found.error()));
+  if (!found) return showError(fail(found.error()));
   if (*found) selectTab(Tab::Articles);
 }
 
@@ -213,17 +198,19 @@ bool Workbench::canMoveNode(const std::string& key, const std::string& nuovoPare
 void Workbench::SpostaNodo(const std::string& key, const std::string& nuovoParent) {
   view_.finishEdits();
   if (!canMoveNode(key, nuovoParent)) return;
-  view_.showBusy(true);
-  const auto moved = history_.record("Trascina reparto", [&] { return editing_.SpostaNodo(key, nuovoParent); });
-  view_.showBusy(false);
-  tell(moved);
+  Result<> moved;
+  {
+    const BusyGuard busy(view_);
+    moved = history_.record("Trascina reparto", [&] { return editing_.SpostaNodo(key, nuovoParent); });
+  }
+  showError(moved);
   view_.entriesChanged();
 }
 
 void Workbench::leaveField(const Editor& editor, const std::string& text) {
   if (!isOpen()) return;
   const FieldStore::Outcome outcome = fields_.leave(editor, text);
-  tell(outcome.done);
+  showError(outcome.done);
   view_.fieldsChanged(editor.set);
   if (!outcome.written) return;
   if (editor.column == "template") editing_.showModel(text);
@@ -233,20 +220,20 @@ void Workbench::leaveField(const Editor& editor, const std::string& text) {
 }
 
 bool Workbench::isEditorEnabled(const Editor& editor) {
-  if (editor.set == EditedSet::Articoli) return isEnabled(articleMask);
-  if (editor.set == EditedSet::Categorie) return isEnabled(departmentMask);
+  if (editor.set == EditedSet::Articoli) return commands_.isEnabled(articleMask);
+  if (editor.set == EditedSet::Categorie) return commands_.isEnabled(departmentMask);
   const std::string_view column = editor.column;
   if (column == "valuta2" || column == "decimali2" || column == "cambio" || column == reverseRateField) {
-    return fields_.setting("usa_cambio");
+    return isSettingOn(sets_, "usa_cambio");
   }
-  if (column == "reglist") return fields_.setting("regobbl") || fields_.setting("regprices");
-  if (column == "perl") return !fields_.setting("serverNT");
+  if (column == "reglist") return isSettingOn(sets_, "regobbl") || isSettingOn(sets_, "regprices");
+  if (column == "perl") return !isSettingOn(sets_, "serverNT");
   return isOpen();
 }
 
 std::vector<std::string> Workbench::choicesOf(const Editor& editor) {
   if (editor.source == ChoiceSource::Models) return session_.models;
-  if (editor.source == ChoiceSource::RelatedWords) return fields_.relatedWords();
+  if (editor.source == ChoiceSource::RelatedWords) return relatedWords(sets_);
   std::vector<std::string> choices;
   for (std::string_view rest = editor.choices; !rest.empty();) {
     const std::size_t end = rest.find('|');
@@ -257,13 +244,34 @@ std::vector<std::string> Workbench::choicesOf(const Editor& editor) {
 }
 
 std::string Workbench::picturePath(const Editor& editor) {
-  const std::string name = fields_.picture(editor.set, editor.number);
+  const std::string name = pictureName(sets_, {editor.set, editor.number});
   return name.empty() ? name : joinPath(joinPath(session_.ShopFolder, "work"), name);
 }
 
-void Workbench::tell(const Result<>& outcome) {
+void Workbench::showError(const Result<>& outcome) {
   if (outcome) return;
   env_.user.message(outcome.error().what, Icon::Critical);
+}
+
+void Workbench::editThrough(std::string_view step, const WorkbenchDialogs::Dialog& dialog) {
+  view_.finishEdits();
+  bool changed = false;
+  showError(history_.record(std::string(step), [&]() -> Result<> {
+    changed = dialog();
+    return {};
+  }));
+  if (changed) CambiaLingua(session_.currentLanguage);
+}
+
+void Workbench::openDocument(const std::string& file, const std::string& folder) {
+  if (!ports_.open) return;
+  if (ApriDocumento(file, folder, env_.settings, ports_.open)) {
+    env_.user.message("Impossibile aprire " + file, Icon::Exclamation);
+  }
+}
+
+void Workbench::openHelp(std::string_view page) {
+  openDocument(joinPath(joinPath(env_.applicationFolder, "help"), page));
 }
 
 }  // namespace kv

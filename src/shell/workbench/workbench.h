@@ -1,104 +1,101 @@
 #pragma once
-// The workbench of the merchant, without a window: the open shop's live lists, its commands by number and by menu
-// entry, their states, the fields, undo and redo, build and publishing. The window shows it through WorkbenchView and
+// The workbench of the merchant, without a window: the open shop's live lists and cursors, language, price list and
+// tab. Its commands, its fields and its history are objects of their own. The window shows it through WorkbenchView and
 // hands it what the user does.
 
-#include <map>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "shell/workbench/appearance.h"
-#include "shell/workbench/command_table.h"
-#include "shell/workbench/field_store.h"
-#include "shell/workbench/menu_table.h"
-#include "shell/workbench/workbench_view.h"
-#include "store/catalogue/tree_editing.h"
-#include "store/catalogue/undo_history.h"
+#include "shell/workbench/workbench_commands.h"
 
 namespace kv {
 
-/// How an entry of the menus stands.
-struct EntryState {
-  bool visible = true;
-  bool enabled = true;
-  bool checkable = false;
-  bool checked = false;
-  std::string text;  ///< as shown, "&" before the letter of its key
-};
-
 class Workbench final : private SetsListener {
  public:
-  /// All outlive the workbench.
+  /// All outlive the workbench. The rows of the commands are taken out of `ports`.
   Workbench(Session& session, Environment& env, WorkbenchView& view, WorkbenchPorts ports);
   ~Workbench() override;
   Workbench(const Workbench&) = delete;
   Workbench& operator=(const Workbench&) = delete;
 
-  /// For the hooks `bind` and `release` of the session: takes hold of the catalogue that has been opened, and lets go.
+  /// For the hook `bind` of the session: takes hold of the catalogue that has been opened.
   void bindSession();
+  /// For the hook `release` of the session: lets go of the catalogue, which may then be closed.
   void releaseSession();
-  /// The end of a shop's start: language 1, the first tab, all states.
+  /// The end of a shop's start: language 1, the first tab, the first department, all states.
   void showShop();
+  /// Whether the lists are bound to a catalogue.
   bool isOpen() const { return sets_.isBound(); }
-
-  /// EseguiComando (run a command): what the table tells of this number; nothing for a number that isn't in it.
-  void EseguiComando(int number);
-  /// StatoComando (state of a command): sets what a key, its button and its menu entries are. Keys of the masks too.
-  void StatoComando(std::string_view key, bool enabled);
-  bool isEnabled(std::string_view key) const;
-  bool isCommandEnabled(int number) const;
-
-  /// Runs a menu entry, command or not.
-  void runEntry(const MenuEntry& entry);
-  EntryState stateOf(const MenuEntry& entry) const;
 
   /// AggiornaSchede (refresh the tabs): shows panels and menus of the tab in use.
   void AggiornaSchede();
+  /// Goes to a tab. What is being typed is saved first.
   void selectTab(Tab tab);
+  /// The tab in use.
   Tab tab() const { return tab_; }
+  /// Hides the panels beside the lists, or shows them again.
+  void hideDetails(bool hidden);
+  /// Whether the panels beside the lists are hidden.
+  bool areDetailsHidden() const { return detailsHidden_; }
 
-  /// CambiaLingua (change the language): the language being edited, 1 to 4.
+  /// CambiaLingua (change the language): the language being edited, 1 to 4. The cursors stay where they are.
   void CambiaLingua(int language);
   /// MostraLingue (show the languages): the language menu and drop-down follow the session.
   void MostraLingue();
-  /// The price list being edited, 0 to 9.
+  /// Goes to a price list, 0 to 9.
   void selectListino(int listino);
+  /// The price list being edited.
+  int listino() const { return fields_.listino(); }
 
   // The cursors. What is being typed is saved first.
+
+  /// Goes to a department by its ID; "###" is the root, on which none is current.
   void goToDepartment(const std::string& ID);
-  void goToArticlePlace(std::size_t place);
-  /// Shows an article found by a search, with its department, on the articles' tab.
+  /// Goes to the article at an index of the list, from 0.
+  void goToArticleAt(std::size_t index);
+  /// MostraArticolo (show an article): goes to an article found by a search, to its department and the articles' tab.
   void MostraArticolo(std::int64_t ID);
-  /// A drop of a department on another, or on the root.
+  /// SpostaNodo (move a node): a drop of a department on another, or on the root. Nothing where canMoveNode refuses.
   void SpostaNodo(const std::string& key, const std::string& nuovoParent);
+  /// Whether the drop is allowed: not of the root, nor onto itself or one of its own descendants.
   bool canMoveNode(const std::string& key, const std::string& nuovoParent) const;
 
   // The fields.
+
+  /// What the field shows of the current row.
   std::string shown(const Editor& editor) { return fields_.shown(editor); }
   /// Saves a field that is left with this text, and shows what has become of it.
   void leaveField(const Editor& editor, const std::string& text);
+  /// Whether the field can be typed into now.
   bool isEditorEnabled(const Editor& editor);
+  /// What the drop-down of a field offers.
   std::vector<std::string> choicesOf(const Editor& editor);
+  /// The most characters that the field takes; 0: any number.
   int widest(const Editor& editor) { return fields_.widest(editor); }
+  /// The decimal separator of numbers in the fields.
   char decimalSeparator() const { return fields_.separator(); }
   /// Full path of the picture that an editor shows; empty when there is none.
   std::string picturePath(const Editor& editor);
 
-  /// The commands and entries of undo; empty names when there is nothing.
-  void undo();
-  void redo();
-  std::string undoName() const { return history_.undoName(); }
-  std::string redoName() const { return history_.redoName(); }
+  // For the commands.
 
-  /// Help on the tab in use (key F1), and a page of the application's help.
-  void showHelp();
-  void openHelp(std::string_view page);
-  /// Opens a file or an address; the user is told when it can't be.
+  /// Shows an error to the user; nothing for a success.
+  void showError(const Result<>& outcome);
+  /// Shows all states and fields, after a change of the catalogue as a whole.
+  void refreshAll();
+  /// Runs a dialog that edits the catalogue as one step of the history, and reads all rows again unless it was left.
+  void editThrough(std::string_view step, const WorkbenchDialogs::Dialog& dialog);
+  /// Opens a file or an address, with a working folder that may be empty; the user is told when it can't be.
   void openDocument(const std::string& file, const std::string& folder = {});
-  /// Leaves the program: the catalogue may be compacted at the end.
-  void exitProgram();
+  /// Opens a page of the application's help.
+  void openHelp(std::string_view page);
 
+  // Its parts.
+
+  WorkbenchCommands& commands() { return commands_; }
+  const WorkbenchCommands& commands() const { return commands_; }
+  const UndoHistory& history() const { return history_; }
   CatalogueSets& sets() { return sets_; }
   const CatalogueSets& sets() const { return sets_; }
   Session& session() { return session_; }
@@ -114,42 +111,8 @@ class Workbench final : private SetsListener {
   void titleChanged(const std::string& department, const std::string& title) override;
   void statusChanged() override;
 
-  bool hasDialog(std::string_view name) const;
-  std::string runDialog(std::string_view name, const std::string& argument);
-  /// Runs a dialog that edits the catalogue as one step of the history, and reads everything anew when it was not left.
-  void editThrough(std::string_view name, const std::string& step, const std::string& argument = {});
-  void tell(const Result<>& outcome);
   void refreshStates();
-  void refreshPictureKeys();
-  void refreshArticleKeys();
-  void refreshDepartmentKeys();
   void refreshTabKeys();
-  void refreshAll();
-
-  void runCommand(const Command& command);
-  Result<> edit(const Command& command);
-  void chooseImage(const Command& command);
-  void clearImage(const Command& command);
-  void defineVariant(int slot);
-  void search();
-
-  void buildShop();
-  bool hasModels() const;
-  bool settleTemplate();
-  void publish();
-  bool wantsToPublish();
-  void openBackOffice();
-  void cleanFolders();
-  void purgeImages();
-
-  void runAction(MenuAction action, int argument);
-  bool runShopAction(MenuAction action);
-  bool runHelpAction(MenuAction action);
-  void changeShop(bool fresh);
-  void chooseLanguages();
-  void chooseAppearance(Appearance appearance);
-  bool isOffered(MenuAction action) const;
-  bool isShown(MenuAction action, int argument) const;
 
   Session& session_;
   Environment& env_;
@@ -159,7 +122,7 @@ class Workbench final : private SetsListener {
   UndoHistory history_;
   TreeEditing editing_;
   FieldStore fields_;
-  std::map<std::string, bool, std::less<>> states_;
+  WorkbenchCommands commands_;
   Tab tab_ = Tab::Departments;
   bool detailsHidden_ = false;
 };

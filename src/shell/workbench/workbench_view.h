@@ -1,20 +1,13 @@
 #pragma once
-// What the workbench asks of the window that shows it, and of the dialogs that hang from it. A test plays both.
+// What the workbench asks of the window that shows it. A test plays the window.
 
-#include <functional>
-#include <map>
 #include <string>
 #include <string_view>
 
-#include "shell/workbench/appearance.h"
-#include "shell/workbench/open_document.h"
+#include "shell/workbench/fields/tab.h"
 #include "store/catalogue/catalogue_sets.h"
 
 namespace kv {
-
-/// The tabs of the main window, in the order of their strip: kReparti, kArticoli, kSito, kInternet.
-enum class Tab { Departments, Articles, Site, Internet };
-inline constexpr int tabCount = 4;
 
 class WorkbenchView {
  public:
@@ -23,30 +16,36 @@ class WorkbenchView {
   /// Hands what is being typed to the workbench. Called before anything reads the row or moves off it.
   virtual void finishEdits() = 0;
 
-  /// Brings a tab forward, with its panels and its menu.
+  /// Shows a tab with its panels and its menu.
   virtual void showTab(Tab tab) = 0;
   /// The state of a command key, or of a mask over all editors of a panel.
   virtual void enableKey(std::string_view key, bool enabled) = 0;
-  /// Entries of the menus are others: enabled, shown, checked or named otherwise.
+  /// Entries of the menus may have changed: enabled, shown, marked or named otherwise.
   virtual void entriesChanged() = 0;
 
+  /// The departments or their order have changed.
   virtual void rebuildTree() = 0;
   /// Selects the node of a department ("###": the root) and makes it visible.
   virtual void selectDepartment(const std::string& ID) = 0;
+  /// The title of a department has changed.
   virtual void departmentTitle(const std::string& ID, const std::string& title) = 0;
   /// Expands every node, or collapses every one but the root.
   virtual void expandTree(bool expanded) = 0;
 
+  /// The rows of the article list or their order have changed.
   virtual void articlesChanged() = 0;
   /// Selects the current article in the list; none when there is none.
   virtual void selectArticle() = 0;
 
-  /// The editors of a set are to be read anew.
+  /// The editors of a set are to be read again.
   virtual void fieldsChanged(EditedSet set) = 0;
+  /// The text of the status line.
   virtual void showStatus(const std::string& text) = 0;
+  /// The title of the window.
   virtual void showTitle(const std::string& title) = 0;
+  /// The wait cursor, or the usual one again. Calls are nested; the last `false` ends it.
   virtual void showBusy(bool busy) = 0;
-  /// Number, names or choice of the languages are others.
+  /// Number, names or choice of the languages have changed.
   virtual void showLanguages() = 0;
   /// Another price list is being edited.
   virtual void showListino(int listino) = 0;
@@ -54,18 +53,6 @@ class WorkbenchView {
   virtual void hideDetails(bool hidden) = 0;
   /// Ends the program.
   virtual void close() = 0;
-};
-
-/// Dialogs by their names ("frmElabora"). Each is given one text and answers with one: "OK", the text its part tells,
-/// or empty when it was left. A dialog that isn't set has its entry disabled.
-using WorkbenchDialogs = std::map<std::string, std::function<std::string(const std::string&)>, std::less<>>;
-
-/// What the workbench reaches outside: the desktop, the dialogs, and the letter that parts decimals in the fields.
-struct WorkbenchPorts {
-  WorkbenchDialogs dialogs;
-  DocumentOpener open;
-  std::function<void(Appearance)> wear;  ///< makes the windows light or dark
-  char decimalSeparator = ',';
 };
 
 }  // namespace kv

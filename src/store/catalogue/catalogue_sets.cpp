@@ -50,16 +50,17 @@ void CatalogueSets::release() {
   generale_.reset();
   tree_.clear();
   departmentArticles_ = -1;
+  suppressed_ = false;
 }
 
 Result<> CatalogueSets::CambiaLingua(int language) {
   const std::string wasDepartment = isBound() ? department() : std::string(treeRoot);
   const std::int64_t wasArticle = isBound() ? article() : 0;
   session_.currentLanguage = std::clamp(language, 1, std::max(session_.languageCount, 1));
-  session_.suppress = true;
+  suppressed_ = true;
   auto bound = bind();
   if (bound) bound = CostruisciAlbero(0);
-  session_.suppress = false;
+  suppressed_ = false;
   if (!bound) return bound;
   if (listener_ != nullptr) listener_->treeRebuilt();
   auto found = goToDepartment(wasDepartment);
@@ -97,7 +98,7 @@ Result<bool> CatalogueSets::goToDepartment(std::string_view ID) {
     auto found = categorie_->seek("ID", Value(std::string(ID)));
     if (!found || !*found) return found;
   }
-  if (session_.suppress) return true;
+  if (suppressed_) return true;
   auto followed = departmentHasMoved();
   if (!followed) return fail(followed.error());
   return true;
@@ -107,8 +108,8 @@ Result<> CatalogueSets::departmentHasMoved() {
   if (auto articles = openArticles(); !articles) return articles;
   articoli_->moveFirst();
   if (auto siblings = requerySiblings(); !siblings) return siblings;
-  writeStatus();
-  if (session_.suppress || listener_ == nullptr) return {};
+  tellStatus();
+  if (suppressed_ || listener_ == nullptr) return {};
   listener_->departmentMoved();
   listener_->articlesChanged();
   listener_->articleMoved();
@@ -117,7 +118,7 @@ Result<> CatalogueSets::departmentHasMoved() {
 
 Result<bool> CatalogueSets::goToArticle(std::int64_t ID) {
   auto found = articoli_->seek("ID", Value(ID));
-  if (found && *found && !session_.suppress && listener_ != nullptr) listener_->articleMoved();
+  if (found && *found && !suppressed_ && listener_ != nullptr) listener_->articleMoved();
   return found;
 }
 
@@ -127,7 +128,7 @@ void CatalogueSets::goToArticlePlace(std::size_t place) {
   } else {
     leaveRows(*articoli_);
   }
-  if (!session_.suppress && listener_ != nullptr) listener_->articleMoved();
+  if (!suppressed_ && listener_ != nullptr) listener_->articleMoved();
 }
 
 Result<bool> CatalogueSets::MostraArticolo(std::int64_t ID) {
@@ -157,7 +158,7 @@ Result<> CatalogueSets::store(EditedSet set, std::string_view column, const Valu
   const std::string title = asText(value);
   const auto node = std::ranges::find(tree_, ID, &TreeNode::ID);
   if (node != tree_.end()) node->titolo = title;
-  if (!session_.suppress && listener_ != nullptr) listener_->titleChanged(ID, title);
+  if (!suppressed_ && listener_ != nullptr) listener_->titleChanged(ID, title);
   return {};
 }
 
@@ -179,7 +180,7 @@ Result<> CatalogueSets::CostruisciAlbero(int mode) {
                      std::string(rows->isNull(2) ? untitled : rows->text(2)), rows->integer(3)});
   }
   tree_ = std::move(nodes);
-  if (!session_.suppress && listener_ != nullptr) listener_->treeRebuilt();
+  if (!suppressed_ && listener_ != nullptr) listener_->treeRebuilt();
   return {};
 }
 
@@ -211,7 +212,7 @@ Result<> CatalogueSets::openSiblings() {
 
 Result<> CatalogueSets::requeryArticles() {
   if (auto opened = openArticles(); !opened) return opened;
-  if (!session_.suppress && listener_ != nullptr) listener_->articlesChanged();
+  if (!suppressed_ && listener_ != nullptr) listener_->articlesChanged();
   return {};
 }
 Result<> CatalogueSets::requerySiblings() { return openSiblings(); }
@@ -226,7 +227,7 @@ void CatalogueSets::addArticles(std::int64_t number) {
   constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
   session_.articleCount = static_cast<std::int32_t>(std::clamp<std::int64_t>(session_.articleCount + number, 0, most));
   if (departmentArticles_ >= 0) departmentArticles_ = std::max<std::int64_t>(departmentArticles_ + number, 0);
-  writeStatus();
+  tellStatus();
 }
 
 Result<> CatalogueSets::recount() {
@@ -237,15 +238,17 @@ Result<> CatalogueSets::recount() {
   departmentArticles_ = -1;
   addArticles(asInteger(*total));
   departmentArticles_ = here;
-  writeStatus();
+  tellStatus();
   return {};
 }
 
-void CatalogueSets::writeStatus() {
+std::string CatalogueSets::statusLine() const {
   const std::string total = std::to_string(session_.articleCount);
-  session_.statusLine =
-      " Articoli: " + (departmentArticles_ < 0 ? total : std::to_string(departmentArticles_) + " /" + total);
-  if (!session_.suppress && listener_ != nullptr) listener_->statusChanged();
+  return " Articoli: " + (departmentArticles_ < 0 ? total : std::to_string(departmentArticles_) + " /" + total);
+}
+
+void CatalogueSets::tellStatus() {
+  if (!suppressed_ && listener_ != nullptr) listener_->statusChanged();
 }
 
 }  // namespace kv

@@ -24,7 +24,7 @@ struct TreeNode {
   std::int64_t livello = 1;
 };
 
-/// Who is told. While the session's suppress flag is set nobody is.
+/// Who is told. While the sets are suppressed nobody is.
 class SetsListener {
  public:
   virtual ~SetsListener() = default;
@@ -55,6 +55,10 @@ class CatalogueSets {
   void release();
   bool isBound() const { return generale_.has_value(); }
 
+  /// Set while code moves the cursors itself, so that the listener does nothing.
+  void suppress(bool suppressed) { suppressed_ = suppressed; }
+  bool isSuppressed() const { return suppressed_; }
+
   /// CambiaLingua (change the language): binds the sets in language 1 to 4 and goes back to the department and article
   /// that were current.
   Result<> CambiaLingua(int language);
@@ -72,6 +76,8 @@ class CatalogueSets {
   std::int64_t article() const;    ///< ID of the current article; 0 when on none
   /// Articles of the current department; -1 when on none.
   std::int64_t departmentArticles() const { return departmentArticles_; }
+  /// The counts as the status line shows them: " Articoli: 3 /4", or " Articoli: 4" on no department.
+  std::string statusLine() const;
 
   /// Moves the cursor; false, and it stays, when there is no such row. "###" takes it off the table.
   Result<bool> goToDepartment(std::string_view ID);
@@ -109,13 +115,14 @@ class CatalogueSets {
   Result<Recordset> open(const std::string& table, const std::string& rest);
   Result<> openArticles();
   Result<> openSiblings();
-  void writeStatus();
+  void tellStatus();
 
   Session& session_;
   SetsListener* listener_ = nullptr;
   std::optional<Recordset> generale_, categorie_, fratelli_, articoli_;
   std::vector<TreeNode> tree_;
   std::int64_t departmentArticles_ = -1;
+  bool suppressed_ = false;
 };
 
 }  // namespace kv

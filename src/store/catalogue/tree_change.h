@@ -1,5 +1,5 @@
 #pragma once
-// What the commands of the tree share: the suppress flag held, a transaction that is undone unless it is kept, and
+// What the commands of the tree share: the listener held back, a transaction that is undone unless it is kept, and
 // small statements with values. Private to store/.
 
 #include <initializer_list>
@@ -11,17 +11,17 @@
 
 namespace kv {
 
-/// Holds the suppress flag, and everything written in one transaction. What isn't kept is rolled back.
+/// Holds the listener back, and everything written in one transaction. What isn't kept is rolled back.
 class TreeChange {
  public:
   explicit TreeChange(CatalogueSets& sets) : sets_(sets), begun_(sets.session().catalogue.begin()) {
-    sets_.session().suppress = true;
+    sets_.suppress(true);
   }
   TreeChange(const TreeChange&) = delete;
   TreeChange& operator=(const TreeChange&) = delete;
   ~TreeChange() {
     if (begun_ && !kept_) sets_.session().catalogue.rollback();
-    sets_.session().suppress = false;
+    sets_.suppress(false);
   }
 
   const Result<>& begun() const { return begun_; }
@@ -29,7 +29,7 @@ class TreeChange {
   Result<> keep() {
     kept_ = true;
     auto done = sets_.session().catalogue.commit();
-    sets_.session().suppress = false;
+    sets_.suppress(false);
     return done;
   }
 

@@ -78,7 +78,7 @@ constexpr std::array<WorkingFolder, 2> workingFolders{
 
 Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder& working) {
   std::string& folder = session.*working.field;
-  if (session.quiet || folderExists(folder)) return {};
+  if (folderExists(folder)) return {};
   const std::string text =
       "La cartella di lavoro \"" + folder + "\" non esiste:\nSi desidera resettarla e utilizzare quella predefinita?";
   if (env.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
@@ -88,20 +88,20 @@ Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder&
   return {};
 }
 
-Result<> resolveFolders(Session& session, Environment& env) {
+Result<> resolveFolders(Session& session, Environment& env, const LoadOptions& options) {
   for (const WorkingFolder& working : workingFolders) {
     auto stored = setting(session, working.column);
     if (!stored) return fail(stored.error());
     session.*working.field = stored->empty() ? joinPath(session.ShopFolder, working.name) : *stored;
   }
+  if (options.folderJustChosen) return {};
   for (const WorkingFolder& working : workingFolders) {
     if (auto tested = resetIfMissing(session, env, working); !tested) return tested;
   }
-  session.quiet = false;
   return {};
 }
 
-Result<> resolveTemplate(Session& session, Environment& env) {
+Result<> resolveTemplate(Session& session, Environment& env, const LoadOptions& options) {
   auto name = setting(session, "template");
   if (!name) return fail(name.error());
   session.templatePath.clear();
@@ -111,7 +111,7 @@ Result<> resolveTemplate(Session& session, Environment& env) {
     session.models = templateModels(env.applicationFolder, *name);
     if (!session.models.empty()) return {};
   }
-  if (session.silentReload) {
+  if (options.silent) {
     session.models = {fallbackModel};
     return {};
   }
@@ -123,7 +123,7 @@ Result<> resolveTemplate(Session& session, Environment& env) {
   return {};
 }
 
-Result<LoadResult> fillSession(Session& session, Environment& env) {
+Result<LoadResult> fillSession(Session& session, Environment& env, const LoadOptions& options) {
   auto catalogue = ApriDatabase(joinPath(session.ShopFolder, catalogueFile), true);
   if (!catalogue) return fail(catalogue.error());
   session.catalogue = std::move(*catalogue);
@@ -133,8 +133,8 @@ Result<LoadResult> fillSession(Session& session, Environment& env) {
   if (auto counted = countArticles(session); !counted) return fail(counted.error());
   if (env.hooks.bind) env.hooks.bind(session);
   session.bound = true;
-  if (auto resolved = resolveFolders(session, env); !resolved) return fail(resolved.error());
-  if (auto resolved = resolveTemplate(session, env); !resolved) return fail(resolved.error());
+  if (auto resolved = resolveFolders(session, env, options); !resolved) return fail(resolved.error());
+  if (auto resolved = resolveTemplate(session, env, options); !resolved) return fail(resolved.error());
   if (auto read = readLanguages(session); !read) return fail(read.error());
   return LoadResult::Opened;
 }
@@ -171,12 +171,10 @@ void releaseCatalogue(Session& session, const Environment& env) {
   session.catalogue.close();
 }
 
-LoadResult CaricaNegozio(Session& session, Environment& env) {
+LoadResult CaricaNegozio(Session& session, Environment& env, const LoadOptions& options) {
   if (session.ShopFolder.empty()) return LoadResult::Failed;
   completeShop(session, env);
-  session.title = "Korvane - " + session.ShopFolder;
-  const auto filled = fillSession(session, env);
-  session.silentReload = false;
+  const auto filled = fillSession(session, env, options);
   return filled ? *filled : reportFailure(session, env, filled.error());
 }
 
@@ -212,7 +210,6 @@ Result<> countArticles(Session& session) {
   if (!count) return fail(count.error());
   constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
   session.articleCount = static_cast<std::int32_t>(std::clamp<std::int64_t>(asInteger(*count), 0, most));
-  session.statusLine = " Articoli: " + std::to_string(session.articleCount);
   return {};
 }
 

@@ -20,7 +20,7 @@ enum class LoadResult {
 /// after Failed the catalogue is closed.
 /// The hooks CompletaGateway, CopiaCatalogo and AggiornaNegozio run before the session's own handle exists. The last
 /// two are left out for a catalogue below version 1000: it is foreign, and would get the present version number.
-LoadResult CaricaNegozio(Session& session, Environment& env);
+LoadResult CaricaNegozio(Session& session, Environment& env, const LoadOptions& options = {});
 
 /// Releases the bindings of the window and closes the catalogue; the rest of the session stays.
 void releaseCatalogue(Session& session, const Environment& env);
@@ -36,7 +36,7 @@ Result<bool> chooseTemplate(Session& session, const Environment& env, const std:
 /// Corrupt when the table has no row.
 Result<> readLanguages(Session& session);
 
-/// Counts the articles again and updates the status line.
+/// Counts the articles of the shop again.
 Result<> countArticles(Session& session);
 
 }  // namespace kv

@@ -93,21 +93,19 @@ bool layModelShop(const std::string& folder, const Environment& env) {
 
 bool ApriNegozio(Session& session, Environment& env, std::string path) {
   bool ask = path == "*";
+  LoadOptions options;
   Outcome outcome = Outcome::AskAgain;
   while (outcome == Outcome::AskAgain) {
     if (ask) {
       path = ScegliCartella(env.user, chooseShop, currentFolder(session, env));
-      session.quiet = true;
+      options.folderJustChosen = true;
     }
     path = withoutTrailingSeparator(path);
     outcome = tryFolder(session, env, path);
     ask = true;
   }
-  if (outcome == Outcome::Refused) {
-    session.quiet = false;
-    return false;
-  }
-  ignore(RiavviaSessione(session, env), "it has told the user of any failure");
+  if (outcome == Outcome::Refused) return false;
+  ignore(RiavviaSessione(session, env, options), "it has told the user of any failure");
   return true;
 }
 

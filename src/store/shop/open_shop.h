@@ -9,10 +9,9 @@
 namespace kv {
 
 /// ApriNegozio (open a shop): validates a folder and switches to it. `path` is the folder itself, or "*": the user
-/// chooses, and the session's quiet flag is set. True when the folder was accepted; the session then is the one
-/// that RiavviaSessione has made, which may have failed to load (its catalogue is not open).
-/// Shows its own messages. When it returns false, serverpath.net and the session are as they were and the quiet flag
-/// is off.
+/// chooses, and the working folders of what was chosen are not tested. True when the folder was accepted; the session
+/// then is the one that RiavviaSessione has made, which may have failed to load (its catalogue is not open).
+/// Shows its own messages. When it returns false, serverpath.net and the session are as they were.
 bool ApriNegozio(Session& session, Environment& env, std::string path);
 
 /// NuovoNegozio (new shop): asks for a folder, copies the application's model shop into it and opens it. The folder

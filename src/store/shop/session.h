@@ -31,17 +31,17 @@ struct Session {
   int languageCount = 0;
   std::array<std::string, maxLanguages> languageNames;
   int currentLanguage = 1;
-  int currentListino = 0;
-  bool suppress = false;  ///< set while code repositions the lists, so that position handlers do nothing
-  bool quiet = false;     ///< the user has just chosen the folder: skip the test of the working folders once
   std::string databasePassword;
   bool compactOnExit = false;
-  bool bound = false;         ///< the hook `bind` has run on this catalogue
-  bool silentReload = false;  ///< reloaded in the middle of a dialog: skip the template's questions
-  bool smartBuild = true;     ///< incremental build is on (setting `smartbuild`)
+  bool bound = false;                                  ///< the hook `bind` has run on this catalogue
+  bool smartBuild = true;                              ///< incremental build is on (setting `smartbuild`)
   std::array<std::string, 2> numberFormats{"0", "0"};  ///< masks of the two currencies' amounts
-  std::string title;                                   ///< of the main window
-  std::string statusLine;                              ///< " Articoli: N"
+};
+
+/// How a shop is loaded, this once.
+struct LoadOptions {
+  bool folderJustChosen = false;  ///< by the user: the working folders are not tested
+  bool silent = false;            ///< in the middle of a dialog: the template is not asked for
 };
 
 struct Environment;
@@ -59,9 +59,9 @@ struct SessionHooks {
   std::function<void(Session& session)> bind;
   /// Releases what `bind` has bound, before the catalogue is closed. Called once for each bind.
   std::function<void(Session& session)> release;
-  /// Loads the main window again after the session was torn down; it runs loadSession. Not set: RiavviaSessione runs
-  /// loadSession itself.
-  std::function<void()> reload;
+  /// Loads the main window again after the session was torn down; it runs loadSession with these options. Not set:
+  /// RiavviaSessione runs loadSession itself.
+  std::function<void(const LoadOptions& options)> reload;
   /// The template choice: returns the chosen name (50 characters at most), or an empty text when left without a choice.
   std::function<std::string(const std::string& current)> frmTemplate;
 };

@@ -21,9 +21,7 @@ void storeStartSettings(Session& session, Environment& env) {
 void tearDown(Session& session, const Environment& env) {
   releaseCatalogue(session, env);
   Session fresh;
-  // These fields concern the load that follows, or the program and not the shop.
-  fresh.quiet = session.quiet;
-  fresh.silentReload = session.silentReload;
+  // This field concerns the program and not the shop.
   fresh.smartBuild = session.smartBuild;
   session = std::move(fresh);
 }
@@ -52,7 +50,7 @@ LoadResult startSession(Session& session, Environment& env) {
   return loadSession(session, env);
 }
 
-LoadResult loadSession(Session& session, Environment& env) {
+LoadResult loadSession(Session& session, Environment& env, const LoadOptions& options) {
   session.numberFormats = {"0", "0"};
   session.ShopFolder = env.applicationFolder;
   const std::string named = readServerPath(env.applicationFolder);
@@ -69,13 +67,13 @@ LoadResult loadSession(Session& session, Environment& env) {
   } else {
     recoverCatalogue(session.ShopFolder);
   }
-  return CaricaNegozio(session, env);
+  return CaricaNegozio(session, env, options);
 }
 
-LoadResult RiavviaSessione(Session& session, Environment& env) {
+LoadResult RiavviaSessione(Session& session, Environment& env, const LoadOptions& options) {
   tearDown(session, env);
-  if (!env.hooks.reload) return loadSession(session, env);
-  env.hooks.reload();
+  if (!env.hooks.reload) return loadSession(session, env, options);
+  env.hooks.reload(options);
   return session.catalogue.isOpen() ? LoadResult::Opened : LoadResult::Failed;
 }
 

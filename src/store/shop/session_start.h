@@ -28,11 +28,11 @@ LoadResult startSession(Session& session, Environment& env);
 
 /// Finds the shop folder (serverpath.net, else the application folder) and loads it. For a named folder without a
 /// catalogue the user is asked for another shop. Failed: the program ends.
-LoadResult loadSession(Session& session, Environment& env);
+LoadResult loadSession(Session& session, Environment& env, const LoadOptions& options = {});
 
 /// RiavviaSessione (restart the session): tears it down and loads it again, through the hook `reload` when the
-/// program sets one. Nothing of the session survives but the quiet flag, the silent-reload flag and smartBuild.
-LoadResult RiavviaSessione(Session& session, Environment& env);
+/// program sets one. Nothing of the session survives but smartBuild.
+LoadResult RiavviaSessione(Session& session, Environment& env, const LoadOptions& options = {});
 
 /// Closes the program's session: the catalogue is closed and, when the user quits (compactOnExit), CompattaCatalogo
 /// runs.

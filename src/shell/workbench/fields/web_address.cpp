@@ -1,4 +1,4 @@
-#include "shell/workbench/web_address.h"
+#include "shell/workbench/fields/web_address.h"
 
 #include <array>
 

@@ -1,12 +1,13 @@
-#include "shell/workbench/field_rules.h"
+#include "shell/workbench/fields/field_rules.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 
 #include "platform/numbers/money.h"
 #include "platform/numbers/number_form.h"
 #include "platform/text/text.h"
-#include "shell/workbench/web_address.h"
+#include "shell/workbench/fields/web_address.h"
 
 namespace kv {
 namespace {
@@ -30,11 +31,7 @@ std::size_t longest(FieldKind kind) {
   }
 }
 
-bool isDigit(std::string_view letter) { return letter.size() == 1 && letter[0] >= '0' && letter[0] <= '9'; }
-
-std::optional<double> numberOf(std::string_view text, char decimalSeparator) {
-  return toNumber(storedNumber(text, decimalSeparator));
-}
+bool isDigit(std::string_view character) { return character.size() == 1 && character[0] >= '0' && character[0] <= '9'; }
 
 std::string withSeparator(std::string number, char decimalSeparator) {
   std::replace(number.begin(), number.end(), '.', decimalSeparator);
@@ -45,15 +42,56 @@ std::string withSeparator(std::string number, char decimalSeparator) {
 
 /// Money beyond the range becomes the end of the range.
 std::string clippedMoney(const std::string& text, char decimalSeparator) {
-  const auto number = numberOf(text, decimalSeparator);
-  if (!number || Money::parse(storedNumber(text, decimalSeparator))) return text;
+  const std::string stored = storedNumber(text, decimalSeparator);
+  const auto number = toNumber(stored);
+  if (!number || Money::parse(stored)) return text;
   const Money end = *number < 0 ? Money::ofTenThousandths(INT64_MIN) : Money::ofTenThousandths(INT64_MAX);
   return withSeparator(trimmedNumber(end), decimalSeparator);
 }
 
-std::string normalMoney(const std::string& text, const std::string& lastGood, char decimalSeparator) {
-  const auto money = Money::parse(storedNumber(text, decimalSeparator));
-  return money ? withSeparator(trimmedNumber(*money), decimalSeparator) : lastGood;
+/// The text cut to the length of its kind. Articles side by side are never none: a space is the column's "as usual".
+std::string cutText(FieldKind kind, const std::string& text) {
+  if (kind == FieldKind::Folder) return std::string(trim(text));
+  if (kind == FieldKind::SideBySide && text.empty()) return " ";
+  const std::size_t most = longest(kind);
+  return most == unlimited ? text : std::string(firstCharacters(text, most));
+}
+
+Value storedValue(ColumnForm stored, const std::string& text) {
+  switch (stored) {
+    case ColumnForm::Flag:
+      return Value(text == "1");
+    case ColumnForm::Lines:
+      return Value(replaceAll(text, "\n", "\r\n"));
+    case ColumnForm::Index:
+      return Value(std::int64_t{std::atoi(text.c_str())});
+    default:
+      return Value(text);
+  }
+}
+
+FieldText leftNumber(const FieldForm& form, const std::string& text, const std::string& lastGood) {
+  FieldText field;
+  field.text = cutText(form.kind, text);
+  std::string number = storedNumber(field.text, form.decimalSeparator);
+  if (form.kind == FieldKind::Amount) {
+    const auto money = Money::parse(number);
+    field.text = money ? withSeparator(trimmedNumber(*money), form.decimalSeparator) : lastGood;
+    number = storedNumber(field.text, form.decimalSeparator);
+  }
+  field.valid = isNumeric(number);
+  if (form.kind == FieldKind::Percent && !field.valid) {
+    field.text = number = "0";
+    field.valid = true;
+  }
+  if (form.stored != ColumnForm::Number) {
+    field.value = storedValue(form.stored, field.text);
+  } else if (form.zeroUnlessNumber && !field.valid) {
+    field.value = Value(std::int64_t{0});
+  } else {
+    field.value = number.empty() ? Value(Null{}) : Value(number);
+  }
+  return field;
 }
 
 }  // namespace
@@ -72,14 +110,14 @@ bool isDecimalKind(FieldKind kind) {
   }
 }
 
-KeyAnswer keyTyped(FieldKind kind, std::string_view letter, char decimalSeparator) {
-  const bool isSeparator = letter.size() == 1 && letter[0] == decimalSeparator;
-  bool accepted = letter != "|" && letter != "[" && letter != "]";
-  if (isDecimalKind(kind)) accepted = isDigit(letter) || isSeparator;
-  if (kind == FieldKind::WholeNumber) accepted = isDigit(letter);
-  if (kind == FieldKind::Folder) accepted = isFolderKey(letter);
-  if ((kind == FieldKind::Price || kind == FieldKind::Weight) && letter == "*") return {true, "000"};
-  return {accepted, accepted ? std::string(letter) : std::string()};
+KeyAnswer keyTyped(FieldKind kind, std::string_view character, char decimalSeparator) {
+  const bool isSeparator = character.size() == 1 && character[0] == decimalSeparator;
+  bool accepted = character != "|" && character != "[" && character != "]";
+  if (isDecimalKind(kind)) accepted = isDigit(character) || isSeparator;
+  if (kind == FieldKind::WholeNumber) accepted = isDigit(character);
+  if (kind == FieldKind::Folder) accepted = isFolderKey(character);
+  if ((kind == FieldKind::Price || kind == FieldKind::Weight) && character == "*") return {true, "000"};
+  return {accepted, accepted ? std::string(character) : std::string()};
 }
 
 std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator) {
@@ -87,9 +125,9 @@ std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator)
   // Of a number with decimals the integer part is kept, not all of its digits.
   if (kind == FieldKind::WholeNumber) text = text.substr(0, text.find(decimalSeparator));
   while (!text.empty()) {
-    const std::string_view letter = firstCharacters(text, 1);
-    kept += keyTyped(kind, letter, decimalSeparator).inserted;
-    text.remove_prefix(letter.size());
+    const std::string_view character = firstCharacters(text, 1);
+    kept += keyTyped(kind, character, decimalSeparator).inserted;
+    text.remove_prefix(character.size());
   }
   return kept;
 }
@@ -99,7 +137,7 @@ std::string changedText(FieldKind kind, const std::string& text, const std::stri
     case FieldKind::Price:
       return clippedMoney(text, decimalSeparator);
     case FieldKind::Percent: {
-      const auto number = numberOf(text, decimalSeparator);
+      const auto number = toNumber(storedNumber(text, decimalSeparator));
       return number && *number > 100 ? "100" : text;
     }
     case FieldKind::Amount:
@@ -113,12 +151,12 @@ std::string changedText(FieldKind kind, const std::string& text, const std::stri
   }
 }
 
-std::string leftText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator) {
-  if (kind == FieldKind::Percent) return isFieldNumber(text, decimalSeparator) ? text : "0";
-  if (kind == FieldKind::Amount) return normalMoney(text, lastGood, decimalSeparator);
-  if (kind == FieldKind::Folder) return std::string(trim(text));
-  const std::size_t most = longest(kind);
-  return most == unlimited ? text : std::string(firstCharacters(text, most));
+FieldText leftField(const FieldForm& form, const std::string& text, const std::string& lastGood) {
+  const bool isNumber =
+      form.stored == ColumnForm::Number || form.kind == FieldKind::Percent || form.kind == FieldKind::Amount;
+  if (isNumber) return leftNumber(form, text, lastGood);
+  const std::string cut = cutText(form.kind, text);
+  return {cut, storedValue(form.stored, cut), true};
 }
 
 bool isFieldNumber(std::string_view text, char decimalSeparator) {
@@ -136,7 +174,7 @@ std::string shownNumber(std::string_view stored, char decimalSeparator) {
 }
 
 std::string reverseRate(std::string_view text, char decimalSeparator) {
-  const auto rate = numberOf(text, decimalSeparator);
+  const auto rate = toNumber(storedNumber(text, decimalSeparator));
   if (!rate || *rate == 0) return {};
   return withSeparator(trimmedNumber(roundHalfAway(1 / *rate, rateDecimals)), decimalSeparator);
 }

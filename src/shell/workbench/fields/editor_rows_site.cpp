@@ -1,4 +1,4 @@
-#include "shell/workbench/editor_rows.h"
+#include "shell/workbench/fields/editor_rows.h"
 
 namespace kv {
 namespace {

@@ -1,4 +1,4 @@
-#include "shell/dialogs/build_reminder.h"
+#include "shell/workbench/build_reminder.h"
 
 #include "store/shop/session.h"
 

@@ -7,8 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "shell/workbench/field_rules.h"
-#include "shell/workbench/workbench_view.h"
+#include "shell/workbench/fields/field_rules.h"
+#include "shell/workbench/fields/tab.h"
+#include "store/catalogue/catalogue_sets.h"
 
 namespace kv {
 
@@ -62,14 +63,5 @@ inline constexpr std::string_view reverseRateField = "cambio inverso";
 /// The two Shown texts: the full addresses of shop and back office.
 inline constexpr std::string_view shopAddressField = "indirizzo negozio";
 inline constexpr std::string_view backOfficeAddressField = "indirizzo backoffice";
-
-/// The commands of a picture, by set and number.
-struct PictureCommands {
-  int choose = -1;
-  int clear = -1;
-};
-PictureCommands pictureCommands(const Editor& editor);
-/// The command that defines a variant slot, 1 to 4.
-int variantCommand(int slot);
 
 }  // namespace kv

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/database/value.h"
+
 namespace kv {
 
 enum class FieldKind {
@@ -15,13 +17,13 @@ enum class FieldKind {
   Rate,             ///< an exchange rate or its reverse
   Vat,              ///< a percent from a drop-down
   WholeNumber,      ///< digits
-  Code,             ///< 50 letters
-  Heading,          ///< title and subtitle of an article: 200 letters
-  Link,             ///< 255 letters
-  DepartmentTitle,  ///< 100 letters, shown in the tree at once
-  ShortText,        ///< 50 letters
+  Code,             ///< 50 characters
+  Heading,          ///< title and subtitle of an article: 200 characters
+  Link,             ///< 255 characters
+  DepartmentTitle,  ///< 100 characters, shown in the tree at once
+  ShortText,        ///< 50 characters
   Folder,           ///< a folder of the server
-  SideBySide,       ///< articles side by side; empty is a blank
+  SideBySide,       ///< articles side by side; empty is a space
   PlainText         ///< any other text, of any length
 };
 
@@ -32,16 +34,40 @@ struct KeyAnswer {
   bool accepted = false;
   std::string inserted;  ///< what the key puts into the field
 };
-/// What typing one letter (UTF-8) does. Control keys are not asked for.
-KeyAnswer keyTyped(FieldKind kind, std::string_view letter, char decimalSeparator);
-/// A text that is pasted, freed of the letters that could not be typed.
+/// What typing one character (UTF-8) does. Control keys are not asked for.
+KeyAnswer keyTyped(FieldKind kind, std::string_view character, char decimalSeparator);
+/// A text that is pasted, without the characters that could not be typed.
 std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator);
 
-/// The field's text after a change: what stands too high is brought to the limit, what is no number goes back to
+/// The field's text after a change: what is too high is brought to the limit, what is no number goes back to
 /// `lastGood` where the kind says so.
 std::string changedText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator);
-/// The field's text when it is left: cut to its length, or brought to the form of a number.
-std::string leftText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator);
+/// How a column stores what its field says.
+enum class ColumnForm {
+  Text,
+  Lines,  ///< text with CR LF at its line ends, which the pages turn into breaks
+  Flag,
+  Index,  ///< of a choice
+  Number
+};
+
+/// All that decides what becomes of a text when its field is left.
+struct FieldForm {
+  FieldKind kind = FieldKind::PlainText;
+  ColumnForm stored = ColumnForm::Text;
+  bool zeroUnlessNumber = false;  ///< what is no number is stored as 0; else the store refuses it
+  char decimalSeparator = ',';
+};
+
+/// A field that has been left: what was typed, read once, as the field shows it and as the column stores it.
+struct FieldText {
+  std::string text;
+  Value value;
+  bool valid = true;  ///< false: it is no number, and 0 is stored
+};
+/// Reads the text of a field that is left: cut to its length, or brought to the form of a number; an amount that is
+/// none goes back to `lastGood`. An empty number is stored as null.
+FieldText leftField(const FieldForm& form, const std::string& text, const std::string& lastGood);
 
 /// Whether the text is a number as the field shows it.
 bool isFieldNumber(std::string_view text, char decimalSeparator);

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "shell/workbench/editor_table.h"
+#include "shell/workbench/fields/editor_table.h"
 
 namespace kv {
 

@@ -1,0 +1,67 @@
+#include "shell/workbench/commands/command_rows.h"
+
+#include <iterator>
+
+#include "shell/workbench/commands/article_commands.h"
+#include "shell/workbench/commands/build_commands.h"
+#include "shell/workbench/commands/department_commands.h"
+#include "shell/workbench/commands/help_commands.h"
+#include "shell/workbench/commands/history_commands.h"
+#include "shell/workbench/commands/language_commands.h"
+#include "shell/workbench/commands/picture_commands.h"
+#include "shell/workbench/commands/publish_commands.h"
+#include "shell/workbench/commands/shop_commands.h"
+#include "shell/workbench/commands/site_commands.h"
+#include "shell/workbench/commands/variant_commands.h"
+#include "shell/workbench/commands/view_commands.h"
+#include "shell/workbench/workbench.h"
+
+namespace kv {
+
+std::vector<Command> allCommands() {
+  std::vector<Command> all;
+  for (auto* const part :
+       {articleCommands, departmentCommands, pictureCommands, variantCommands, historyCommands, shopCommands,
+        buildCommands, publishCommands, languageCommands, siteCommands, viewCommands, helpCommands}) {
+    std::vector<Command> rows = part();
+    std::ranges::move(rows, std::back_inserter(all));
+  }
+  return all;
+}
+
+Command dialogCommand(std::string name, const MenuPlace& place, WorkbenchDialogs::Dialog WorkbenchDialogs::*dialog,
+                      std::string_view step) {
+  Command row;
+  row.name = std::move(name);
+  row.menus = {place};
+  row.step = step;
+  row.dialog = wired(dialog);
+  row.run = [dialog, step](const CommandContext& context) {
+    const WorkbenchDialogs::Dialog& show = context.ports.dialogs.*dialog;
+    if (!step.empty()) return context.bench.editThrough(step, show);
+    static_cast<void>(show());
+    // A dialog that brought another shop, or another catalogue, may have brought none.
+    if (!context.session.catalogue.isOpen()) context.view.close();
+  };
+  return row;
+}
+
+Command treeCommand(Command row, TreeEdit edit) {
+  row.run = [step = std::string(row.step), edit = std::move(edit)](const CommandContext& context) {
+    const auto once = [&] { return edit(context.editing); };
+    context.bench.showError(step.empty() ? once() : context.history.record(step, once));
+  };
+  return row;
+}
+
+std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page) {
+  for (Command& row : rows) {
+    if (row.help.empty()) row.help = page;
+  }
+  return rows;
+}
+
+bool isOnArticle(const CommandContext& context) { return context.sets.onArticle(); }
+bool isOnDepartment(const CommandContext& context) { return context.sets.onDepartment(); }
+
+}  // namespace kv

@@ -1,0 +1,34 @@
+#pragma once
+// The rows of all commands, and what rows of one kind have in common.
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "shell/workbench/command_context.h"
+
+namespace kv {
+
+/// The rows of every command of the program.
+std::vector<Command> allCommands();
+
+/// A row whose entry opens a dialog. `step`: the step of the history that its changes make; empty when it edits nothing
+/// that could be undone.
+Command dialogCommand(std::string name, const MenuPlace& place, WorkbenchDialogs::Dialog WorkbenchDialogs::*dialog,
+                      std::string_view step = {});
+
+/// An edit of the tree of departments and its articles, as a member of TreeEditing or a function of it.
+using TreeEdit = std::function<Result<>(TreeEditing& editing)>;
+/// The row with an edit as its run: one step of the history where the row names one. A failure is told to the user.
+Command treeCommand(Command row, TreeEdit edit);
+
+/// Gives every row that names no help page of its own this one.
+std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page);
+
+/// Whether an article is current: for `Command::enabled`.
+bool isOnArticle(const CommandContext& context);
+/// Whether a department is current: for `Command::enabled`.
+bool isOnDepartment(const CommandContext& context);
+
+}  // namespace kv

@@ -1,0 +1,108 @@
+#include "shell/workbench/commands/department_commands.h"
+
+namespace kv {
+namespace {
+
+using enum Menu;
+using enum Toolbar;
+
+/// The row of an edit of the tree, enabled while a department is current.
+Command departmentCommand(Command row, TreeEdit edit) {
+  row.enabled = isOnDepartment;
+  return treeCommand(std::move(row), std::move(edit));
+}
+
+std::vector<Command> insertCommands() {
+  constexpr std::string_view add = "Aggiungi reparto";
+  return {departmentCommand({.number = 15,
+                             .name = "department.insertBefore",
+                             .key = "+ categoria prima",
+                             .caption = "Aggiungi reparto prima",
+                             .icon = "prima",
+                             .menus = {{EditDepartments, 203, "Prima", "Aggiungi"}},
+                             .toolbar = {Departments, 103},
+                             .shortcut = "Ctrl+Shift+I",
+                             .step = add},
+                            &TreeEditing::InserisciRepartoPrima),
+          departmentCommand({.number = 14,
+                             .name = "department.insertAfter",
+                             .key = "+ categoria dopo",
+                             .caption = "Aggiungi reparto dopo",
+                             .icon = "dopo",
+                             .menus = {{EditDepartments, 204, "Dopo", "Aggiungi"}},
+                             .toolbar = {Departments, 104},
+                             .shortcut = "Ctrl+I",
+                             .step = add},
+                            &TreeEditing::InserisciRepartoDopo),
+          // On the root it adds a department of the top level.
+          treeCommand({.number = 20,
+                       .name = "department.insertBelow",
+                       .caption = "Aggiungi sottoreparto",
+                       .icon = "sotto",
+                       .menus = {{EditDepartments, 205, "Sottoreparto", "Aggiungi"}},
+                       .toolbar = {Departments, 105},
+                       .shortcut = "Ctrl+Alt+I",
+                       .step = "Aggiungi sottoreparto"},
+                      &TreeEditing::NuovoSottoreparto)};
+}
+
+}  // namespace
+
+std::vector<Command> departmentCommands() {
+  constexpr std::string_view move = "Sposta reparto";
+  std::vector<Command> rows{
+      departmentCommand({.number = 17,
+                         .name = "department.up",
+                         .key = "categoria su",
+                         .caption = "Muovi su",
+                         .icon = "su",
+                         .menus = {{EditDepartments, 201, "Su", "Sposta"}},
+                         .toolbar = {Departments, 101},
+                         .shortcut = "Ctrl+Up",
+                         .step = move},
+                        [](TreeEditing& editing) { return editing.Sposta(-1, TreeList::Departments); }),
+      departmentCommand({.number = 16,
+                         .name = "department.down",
+                         .key = "categoria giu",
+                         .caption = "Muovi giù",
+                         .icon = "giu",
+                         .menus = {{EditDepartments, 202, "Giu", "Sposta"}},
+                         .toolbar = {Departments, 102},
+                         .shortcut = "Ctrl+Down",
+                         .step = move},
+                        [](TreeEditing& editing) { return editing.Sposta(+1, TreeList::Departments); }),
+      departmentCommand({.number = 12,
+                         .name = "department.copy",
+                         .key = "copia categoria",
+                         .caption = "Copia reparto",
+                         .icon = "copia",
+                         .menus = {{EditDepartments, 206, "Copia"}},
+                         .toolbar = {Departments, 106},
+                         .shortcut = "Ctrl+C"},
+                        &TreeEditing::CopiaReparto),
+      // Enabled by what was copied, whatever is current.
+      treeCommand({.number = 11,
+                   .name = "department.paste",
+                   .key = "incolla categoria",
+                   .caption = "Incolla reparto",
+                   .icon = "incolla",
+                   .menus = {{EditDepartments, 207, "Incolla"}},
+                   .toolbar = {Departments, 107},
+                   .shortcut = "Ctrl+V",
+                   .step = "Incolla reparto"},
+                  &TreeEditing::IncollaReparto),
+      departmentCommand({.number = 13,
+                         .name = "department.delete",
+                         .key = "- categoria",
+                         .caption = "Elimina reparto",
+                         .icon = "elimina",
+                         .menus = {{EditDepartments, 208, "Elimina"}},
+                         .toolbar = {Departments, 108},
+                         .shortcut = "Del",
+                         .step = "Elimina reparto"},
+                        &TreeEditing::EliminaReparto)};
+  for (Command& row : insertCommands()) rows.push_back(std::move(row));
+  return withHelp(std::move(rows), "pagine/reparti.htm");
+}
+
+}  // namespace kv

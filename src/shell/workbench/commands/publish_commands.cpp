@@ -1,0 +1,59 @@
+#include "shell/workbench/commands/publish_commands.h"
+
+#include "platform/files/files.h"
+#include "shell/workbench/build_reminder.h"
+#include "shell/workbench/fields/connection_settings.h"
+#include "shell/workbench/workbench.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* buildFirst = "E' necessario costruire il negozio prima di aggiornare il sito";
+constexpr const char* noBackOffice =
+    "Il BackOffice non è disponibile finché non si costruisce ed aggiorna il negozio per la prima volta.\n"
+    "Indicarne l'URL nella scheda \"Internet\", quindi costruire ed aggiornare il negozio.";
+
+bool wantsToPublish(const CommandContext& context) {
+  const WorkbenchDialogs::Dialog& remind = context.ports.dialogs.remindToBuild;
+  return !wantsReminder(context.env.settings) || !remind || remind();
+}
+
+void publish(const CommandContext& context) {
+  if (!wantsToPublish(context)) return;
+  if (!readBytes(joinPath(context.session.ShopFolder, "kvftp.dat"))) {
+    context.env.user.message(buildFirst, Icon::Exclamation);
+    return;
+  }
+  const WorkbenchDialogs& dialogs = context.ports.dialogs;
+  if (dialogs.publishOptions() && dialogs.publish) static_cast<void>(dialogs.publish());
+}
+
+void openBackOffice(const CommandContext& context) {
+  const std::string address = addressesOf(context.sets).backOffice;
+  if (!address.empty()) return context.bench.openDocument(address);
+  context.env.user.message(noBackOffice, Icon::Information);
+}
+
+}  // namespace
+
+std::vector<Command> publishCommands() {
+  return withHelp({{.number = 51,
+                    .name = "publish",
+                    .caption = "Aggiorna il sito",
+                    .icon = "pubblica",
+                    .menus = {{Menu::File, 604, "Aggiorna il sito..."}},
+                    .toolbar = {Toolbar::Shop, 102},
+                    .shortcut = "Ctrl+U",
+                    .dialog = wired(&WorkbenchDialogs::publishOptions),
+                    .run = publish},
+                   {.number = 52,
+                    .name = "backOffice",
+                    .caption = "Entra nel BackOffice",
+                    .icon = "backoffice",
+                    .menus = {{Menu::File, 605, "BackOffice..."}},
+                    .toolbar = {Toolbar::Shop, 103},
+                    .run = openBackOffice}},
+                  "index.htm");
+}
+
+}  // namespace kv

@@ -1,0 +1,98 @@
+#include "shell/workbench/commands/shop_commands.h"
+
+#include "platform/files/files.h"
+#include "shell/workbench/workbench.h"
+#include "store/shop/open_shop.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+using enum Menu;
+
+Command shopRow(std::string name, const MenuPlace& place, std::string_view shortcut,
+                std::function<void(const CommandContext&)> run) {
+  Command row;
+  row.name = std::move(name);
+  row.menus = {place};
+  row.shortcut = shortcut;
+  row.run = std::move(run);
+  return row;
+}
+
+/// The session is torn down and loaded again on the way; the hook `reload` of the program shows the shop that came.
+void closeWithoutShop(const CommandContext& context, bool changed) {
+  if (changed && !context.session.catalogue.isOpen()) context.view.close();
+}
+
+void cleanFolders(const CommandContext& context) {
+  const Session& session = context.session;
+  const std::string question = "Le seguenti cartelle saranno svuotate:\n\n" + session.onlineFolder + "\n" +
+                               session.scriptFolder +
+                               "\n\nATTENZIONE: Tutti i file presenti in queste cartelle verranno cancellati.\n"
+                               "Si desidera procedere con la cancellazione?";
+  UserPort& user = context.env.user;
+  if (user.question({question, Buttons::YesNo, Answer::No, Icon::Exclamation}) != Answer::Yes) return;
+  for (const std::string& folder : {session.onlineFolder, session.scriptFolder}) {
+    const std::string text = "Saranno cancellati i file presenti in " + folder;
+    if (user.question({text, Buttons::OkCancel, Answer::Cancel, Icon::Exclamation}) != Answer::Ok) return;
+    context.bench.showError(SvuotaCartella(folder));
+  }
+}
+
+Command purgeRow() {
+  Command row = shopRow("shop.purgePictures", {File, 203, "Rimuovi immagini inutilizzate..."}, "",
+                        [](const CommandContext& context) {
+                          const std::string pictures = joinPath(context.session.ShopFolder, "work");
+                          static_cast<void>(context.ports.dialogs.purgePictures(pictures));
+                        });
+  row.dialog = wired(&WorkbenchDialogs::purgePictures);
+  return row;
+}
+
+/// An entry that shows where a companion program stands in the application folder, and starts it.
+Command companionRow(std::string name, const MenuPlace& place, std::string_view program) {
+  Command row = shopRow(std::move(name), place, "", [program](const CommandContext& context) {
+    const std::string& folder = context.env.applicationFolder;
+    context.bench.openDocument(joinPath(folder, program), folder);
+  });
+  row.visible = [program](const CommandContext& context) {
+    return fileExists(joinPath(context.env.applicationFolder, program));
+  };
+  return row;
+}
+
+void exitProgram(const CommandContext& context) {
+  context.session.compactOnExit = true;
+  context.view.close();
+}
+
+}  // namespace
+
+std::vector<Command> shopCommands() {
+  using Dialogs = WorkbenchDialogs;
+  return withHelp(
+      {shopRow("shop.new", {File, 101, "Nuovo negozio.."}, "Ctrl+N",
+               [](const CommandContext& context) {
+                 closeWithoutShop(context, NuovoNegozio(context.session, context.env));
+               }),
+       shopRow("shop.open", {File, 102, "Apri negozio..."}, "Ctrl+O",
+               [](const CommandContext& context) {
+                 closeWithoutShop(context, ApriNegozio(context.session, context.env, "*"));
+               }),
+       dialogCommand("shop.export", {File, 103, "Esporta negozio per Korvane Banco"}, &Dialogs::exportShop),
+       dialogCommand("shop.import", {File, 104, "Importa negozio Primo..."}, &Dialogs::importShop),
+       dialogCommand("shop.restoreCopy", {File, 105, "Ripristina una copia..."}, &Dialogs::restoreCopy),
+       dialogCommand("shop.folders", {File, 201, "Cambia le cartelle di lavoro..."}, &Dialogs::changeFolders,
+                     "Cambia le cartelle"),
+       shopRow("shop.cleanFolders", {File, 202, "Pulisci le cartelle di lavoro..."}, "", cleanFolders), purgeRow(),
+       dialogCommand("import.accounting", {File, 701, "Importa da Orsa Gestionale..."}, &Dialogs::importAccounting,
+                     "Importa"),
+       companionRow("import.stock", {File, 702, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
+       companionRow("import.orders", {File, 703, "Scarica ordini..."}, "ordsync.exe"),
+       companionRow("import.companion", {File, 704, "Importa da Orsa Gestionale con gwimp..."}, "gwimp.exe"),
+       shopRow("exit", {File, 801, "Esci"}, "Ctrl+Q", exitProgram)},
+      "index.htm");
+}
+
+}  // namespace kv

@@ -1,0 +1,139 @@
+#include "shell/workbench/fields/field_store.h"
+
+#include "platform/database/recordset.h"
+#include "platform/text/text.h"
+#include "shell/workbench/fields/connection_settings.h"
+#include "shell/workbench/fields/current_row.h"
+#include "shell/workbench/fields/variant_names.h"
+
+namespace kv {
+namespace {
+
+bool isNumberType(ColumnType type) {
+  switch (type) {
+    case ColumnType::Byte:
+    case ColumnType::Int:
+    case ColumnType::Long:
+    case ColumnType::Money:
+    case ColumnType::Single:
+    case ColumnType::Double:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Prices, quantities and percents that hold no number become 0; any other field keeps the engine's word on it.
+bool becomesZero(const Editor& editor) {
+  switch (editor.kind) {
+    case FieldKind::Price:
+    case FieldKind::Percent:
+    case FieldKind::Amount:
+      return true;
+    case FieldKind::WholeNumber:
+      return editor.column.starts_with("scqart");
+    default:
+      return false;
+  }
+}
+
+ColumnForm columnFormOf(const Editor& editor, const ColumnInfo& info) {
+  if (info.type == ColumnType::Bool) return ColumnForm::Flag;
+  if (editor.control == Control::Memo) return ColumnForm::Lines;
+  if (!isNumberType(info.type)) return ColumnForm::Text;
+  return editor.control == Control::Choice ? ColumnForm::Index : ColumnForm::Number;
+}
+
+FieldForm formOf(const Editor& editor, const ColumnInfo& info, char separator) {
+  return {editor.kind, columnFormOf(editor, info), becomesZero(editor), separator};
+}
+
+bool isReverseRate(const Editor& editor) { return editor.column == reverseRateField; }
+
+Editor rateEditor() {
+  Editor row = *editorOf(EditedSet::Generale, reverseRateField);
+  row.column = "cambio";
+  return row;
+}
+
+}  // namespace
+
+std::string plainLabel(std::string_view label) {
+  std::string plain;
+  for (const char c : label) {
+    if (c != '&') plain += c;
+  }
+  while (plain.ends_with(':')) plain.pop_back();
+  return plain;
+}
+
+const ColumnInfo* FieldStore::columnInfo(const Editor& editor) {
+  const Recordset& rows = sets_.edited(editor.set);
+  const int index = rows.columnIndex(columnOf(editor, listino_));
+  return index < 0 ? nullptr : &rows.columns()[static_cast<std::size_t>(index)];
+}
+
+std::string FieldStore::shown(const Editor& editor) {
+  if (!isOnRow(sets_, editor.set)) return {};
+  if (isReverseRate(editor)) return reverseRate(shown(rateEditor()), separator_);
+  if (editor.column == shopAddressField) return addressesOf(sets_).shop;
+  if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
+  if (editor.control == Control::Variant)
+    return variantNames(sets_, listino_)[static_cast<std::size_t>(editor.number - 1)];
+  const ColumnInfo* info = columnInfo(editor);
+  if (info == nullptr) return {};
+  const Value value = sets_.edited(editor.set).get(info->name);
+  if (editor.control == Control::Check) return asFlag(value) ? "1" : "0";
+  if (editor.control == Control::Choice) return std::to_string(asInteger(value));
+  const std::string text = asText(value);
+  if (editor.control == Control::Memo) return replaceAll(text, "\r\n", "\n");
+  return isNumberType(info->type) && !text.empty() ? shownNumber(text, separator_) : text;
+}
+
+int FieldStore::widest(const Editor& editor) {
+  constexpr int smallDigits = 4;
+  constexpr int longDigits = 9;
+  if (!isOnRow(sets_, editor.set)) return 0;
+  const ColumnInfo* info = columnInfo(editor);
+  if (info == nullptr) return 0;
+  if (info->type == ColumnType::Text) return info->size;
+  if (editor.kind == FieldKind::WholeNumber) return info->type == ColumnType::Int ? smallDigits : longDigits;
+  return 0;
+}
+
+FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std::string& text) {
+  const std::string rate = reverseRate(text, separator_);
+  // Both fields show six decimals: what was only looked at doesn't wear the rate down.
+  if (rate.empty() || text == shown(editor)) return {};
+  return leave(rateEditor(), rate);
+}
+
+FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& text) {
+  if (!isOnRow(sets_, editor.set)) return {};
+  if (isReverseRate(editor)) return leaveReverseRate(editor, text);
+  const std::string before = shown(editor);
+  if (text == before) return {};
+  Outcome outcome;
+  const ColumnInfo* info = columnInfo(editor);
+  if (info == nullptr) {
+    outcome.done = fail(ErrorKind::Missing, std::string(editor.column), "no such column");
+    return outcome;
+  }
+  const FieldText field = leftField(formOf(editor, *info, separator_), text, before);
+  if (field.text == before) return outcome;
+  const std::string step = "Modifica " + plainLabel(editor.label);
+  outcome.done = history_.record(step, [&] { return write(editor, field.value, before); });
+  outcome.written = outcome.done.has_value();
+  if (editor.column.starts_with("valuta") && currencySignNote(before).empty()) {
+    outcome.note = std::string(currencySignNote(field.text));
+  }
+  return outcome;
+}
+
+Result<> FieldStore::write(const Editor& editor, const Value& value, const std::string& oldText) {
+  const std::string column = columnOf(editor, listino_);
+  if (auto stored = sets_.store(editor.set, column, value); !stored) return stored;
+  return editor.set == EditedSet::Generale ? followConnection(sets_, editor.column, oldText) : Result<>();
+}
+
+}  // namespace kv

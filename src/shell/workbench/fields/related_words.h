@@ -1,0 +1,14 @@
+#pragma once
+// The words by which articles are related to one another.
+
+#include <string>
+#include <vector>
+
+#include "store/catalogue/catalogue_sets.h"
+
+namespace kv {
+
+/// The words in use in this shop, each once; none while no shop is open or where they can't be read.
+std::vector<std::string> relatedWords(CatalogueSets& sets);
+
+}  // namespace kv
