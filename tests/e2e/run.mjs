@@ -12,7 +12,7 @@ import { Shopper } from "./support/shopper.mjs";
 import { languages, readWords } from "./support/words.mjs";
 import { customers } from "./scenarios/customers.mjs";
 import { ordering } from "./scenarios/ordering.mjs";
-import { accessibleBackOffice, lookedAt, measured } from "./scenarios/pages.mjs";
+import { accessibleBackOffice, fitsTheNarrowScreen, lookedAt, measured } from "./scenarios/pages.mjs";
 import { searching } from "./scenarios/searching.mjs";
 import { visiting } from "./scenarios/visiting.mjs";
 
@@ -22,7 +22,7 @@ process.env.TMPDIR = options.work;
 const wholeWords = options.template === "chiaro";
 const shop = makeShop({ ...options, wholeWords, folder: options.work });
 const host = await serve(shop, join(options.work, "host"));
-const browser = await openBrowser();
+const browsers = new Map();
 let failed = false;
 
 // Whoever ends the run ends it at once: the browsers and the servers go with the program that started them.
@@ -31,16 +31,26 @@ for (const signal of ["SIGINT", "SIGTERM", "SIGHUP"]) {
 }
 
 after(async () => {
-  await browser.close();
+  for (const browser of browsers.values()) {
+    await (await browser).close();
+  }
   await host.stop();
   if (!failed) {
     rmSync(options.work, { recursive: true, force: true });
   }
 });
 
-/** Runs `act` as somebody with a browser of their own; fails also for faults that they met. */
-async function visit(screen, locale, act) {
-  const visitor = await Visit.begin(browser, screen, locale);
+/** The browser whose pages are laid out with a family of fonts, opened when first asked for. */
+function browserWith(fonts) {
+  if (!browsers.has(fonts)) {
+    browsers.set(fonts, openBrowser(fonts));
+  }
+  return browsers.get(fonts);
+}
+
+/** Runs `act` as a visitor with cookies of their own; fails also for faults that they met. */
+async function visit({ screen, fonts }, locale, act) {
+  const visitor = await Visit.begin(await browserWith(fonts), screen, locale);
   try {
     await act(visitor);
     visitor.check();
@@ -55,8 +65,8 @@ async function visit(screen, locale, act) {
   }
 }
 
-/** What a scenario knows of its visitors: their screen and language, and how they come and go. */
-function visitors(language, screen) {
+/** What a scenario knows of its visitors: their screen, language and fonts, and how they come and go. */
+function visitors(language, screen, fonts = "usual") {
   const words = readWords(options.cli, language);
   const name = `${language.code}-${screen.width}`;
   const shopperOf = (one) => new Shopper(one, { host, language, screen, words });
@@ -64,8 +74,8 @@ function visitors(language, screen) {
     host, language, screen, words, wholeWords, name,
     shopperOf,
     address: (stem, rest) => `${host.shop}/${stem}${language.suffix}.php${rest}`,
-    visitor: (act) => () => visit(screen, language.code, (one) => act(shopperOf(one))),
-    merchant: (act) => visit(screens[1], "it", async (one) => {
+    visitor: (act) => () => visit({ screen, fonts }, language.code, (one) => act(shopperOf(one))),
+    merchant: (act) => visit({ screen: screens[1], fonts }, "it", async (one) => {
       const merchant = new Merchant(one, host);
       await merchant.enter();
       await act(merchant);
@@ -102,6 +112,13 @@ describe(`the pages of ${options.template}`, () => {
     measured(phone);
   }
 });
+
+// Visitors have other fonts than this machine: a wide one, one as wide as most, a narrow one.
+for (const fonts of ["wide", "even", "narrow"]) {
+  describe(`the pages of ${options.template} with ${fonts} fonts`, () => {
+    fitsTheNarrowScreen(visitors(languages[0], screens[0], fonts));
+  });
+}
 
 test("neither PHP nor the web server had anything to complain of", () => {
   const complaints = host.log("php.log") + host.log("nginx-error.log");

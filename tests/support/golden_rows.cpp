@@ -132,6 +132,11 @@ std::string rowText(const std::vector<std::pair<std::string, std::string>>& fiel
   return out + "\n";
 }
 
+// Whether a list separated by "," names something; an empty one names everything.
+bool isListed(const std::string& list, const std::string& name) {
+  return list.empty() || ("," + list + ",").find("," + name + ",") != std::string::npos;
+}
+
 }  // namespace
 
 Result<> insertRows(Database& database, std::string_view text) {
@@ -160,23 +165,25 @@ Result<> setField(Database& database, const std::string& table, const std::strin
   return statement->execute();
 }
 
-Result<std::string> dumpTable(Database& database, const TableInfo& table, const DumpOptions& options) {
-  const std::string order = table.columnIndex("ID") < 0 ? "" : " ORDER BY ID";
+Result<std::string> dumpTable(Database& database, const TableInfo& table, const DumpOptions& options,
+                              std::size_t* count) {
+  const bool hasIds = table.columnIndex("ID") >= 0;
+  const std::string order = hasIds ? " ORDER BY ID" : "";
   auto rows = database.openRecordset("SELECT * FROM " + table.name + order);
   if (!rows) return fail(rows.error());
   std::string out;
   for (; !rows->eof(); rows->moveNext()) {
+    if (hasIds && !isListed(options.ids, asText(rows->get("ID")))) continue;
     std::vector<std::pair<std::string, std::string>> fields;
     for (const ColumnInfo& column : table.columns) {
-      const bool wanted =
-          options.only.empty() || ("," + options.only + ",").find("," + column.name + ",") != std::string::npos;
       const Value value = rows->get(column.name);
       // A flag knows no null: it reads as off.
       const bool nothing =
           kv::isNull(value) ? column.type != ColumnType::Bool : options.hideEmpty && asText(value).empty();
-      if (wanted && !nothing) fields.emplace_back(column.name, shown(value, column.type));
+      if (isListed(options.only, column.name) && !nothing) fields.emplace_back(column.name, shown(value, column.type));
     }
     out += "[" + table.name + "]\n" + rowText(fields);
+    if (count != nullptr) ++*count;
   }
   return out;
 }

@@ -6,6 +6,7 @@
 // Rows out: by ID, one "column=value" line for each column that holds something; columns of a family in a row
 // (prezzo1, prezzo2 ...) with equal values share a line; a text of several lines stands below its name.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,11 +22,13 @@ Result<> setField(Database& database, const std::string& table, const std::strin
                   std::string_view value);
 
 struct DumpOptions {
-  std::string only;        ///< columns to show, parted by ","; empty: all
+  std::string only;        ///< columns to show, separated by ","; empty: all
+  std::string ids;         ///< the rows to show, by their IDs separated by ","; empty: all, as in a table without IDs
   bool hideEmpty = false;  ///< leave out empty texts as well as nulls
 };
 
-/// The rows of one table.
-Result<std::string> dumpTable(Database& database, const TableInfo& table, const DumpOptions& options);
+/// The rows of one table; `count`, when there is one, is increased by their number.
+Result<std::string> dumpTable(Database& database, const TableInfo& table, const DumpOptions& options,
+                              std::size_t* count = nullptr);
 
 }  // namespace kv::test

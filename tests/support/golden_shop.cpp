@@ -60,19 +60,40 @@ TxtarPart textPart(const std::string& name, std::string text) {
   return {name, {}, std::move(text)};
 }
 
-// All rows of a database, or what is wrong with it.
-std::string dumpDatabase(const std::string& path, DumpOptions options) {
-  auto database = Database::open(path, OpenMode::ReadOnly);
-  if (!database) return "can't be opened: " + database.error().what + "\n";
-  auto tables = database->tables();
-  if (!tables) return "has no tables: " + tables.error().what + "\n";
-  std::string out;
+// The dumps of a database's tables that have rows; what is wrong with it is a failure of the test.
+std::vector<TableDump> dumpDatabase(const std::string& path, DumpOptions options) {
+  auto database = expectValue(Database::open(path, OpenMode::ReadOnly), path);
   const bool source = options.hideEmpty;
-  for (const TableInfo& table : *tables) {
+  std::vector<TableDump> dumps;
+  for (const TableInfo& table : expectValue(database.tables(), path)) {
     options.hideEmpty = source && table.name == "categoria";
-    out += expectValue(dumpTable(*database, table, options), table.name);
+    TableDump dump{table.name, 0, ""};
+    dump.text = expectValue(dumpTable(database, table, options, &dump.rows), table.name);
+    if (dump.rows > 0) dumps.push_back(std::move(dump));
   }
-  return out;
+  return dumps;
+}
+
+std::string textOf(const std::vector<TableDump>& dumps) {
+  std::string text;
+  for (const TableDump& dump : dumps) text += dump.text;
+  return text;
+}
+
+ProducedPart producedText(const Txtar& archive, TxtarPart whole, std::string content) {
+  const TxtarPart* wanted = archive.find(whole.name);
+  TxtarPart shown = wanted != nullptr ? excerpt(whole, *wanted) : whole;
+  return {std::move(whole), std::move(shown), std::move(content), {}};
+}
+
+ProducedPart producedRows(const Txtar& archive, const std::string& name, const std::string& path, bool source) {
+  std::vector<TableDump> tables = dumpDatabase(path, {"", "", source});
+  const TxtarPart whole = textPart(name, textOf(tables));
+  const TxtarPart* wanted = archive.find(name);
+  TxtarPart shown = wanted != nullptr ? excerpt(whole, *wanted) : whole;
+  if (wanted != nullptr && isExcerpt(*wanted))
+    shown.text = textOf(dumpDatabase(path, {wanted->value("only"), wanted->value("rows"), source}));
+  return {whole, std::move(shown), "", std::move(tables)};
 }
 
 }  // namespace
@@ -186,7 +207,8 @@ std::string GoldenShop::withPlaceholders(std::string text) const {
   return replaceAll(replaceAll(std::move(text), shop_, "<shop>"), application_, "<app>");
 }
 
-void GoldenShop::addFiles(const std::string& folder, const std::string& prefix, std::vector<TxtarPart>& parts) const {
+void GoldenShop::addFiles(const std::string& folder, const std::string& prefix,
+                          std::vector<ProducedPart>& parts) const {
   static const std::regex version(R"((<meta name="generator" content="Korvane )\d+\.\d+\.\d+(">))");
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
@@ -200,25 +222,36 @@ void GoldenShop::addFiles(const std::string& folder, const std::string& prefix, 
     const auto published = files.find(found[1].str() + ".sql");
     return published != files.end() && published->second == file.second;
   });
-  for (const auto& [name, bytes] : files) parts.push_back(bytesPart(prefix + name, bytes));
+  for (const auto& [name, bytes] : files) parts.push_back({bytesPart(prefix + name, bytes), {}, bytes, {}});
 }
 
-std::vector<TxtarPart> GoldenShop::produced(const Txtar& archive) const {
-  std::vector<TxtarPart> parts{textPart("want/messages.txt", messages_)};
-  if (const auto list = readText(joinPath(shop_, "kvftp.dat")))
-    parts.push_back(textPart("want/kvftp.dat", replaceAll(withPlaceholders(*list), "\r\n", "\n")));
-  if (outcome_ == BuildOutcome::Done) {
-    for (const auto& [name, path] : {std::pair{"want/db/sql.txt", "db/sql.mdb"}, {"want/source.txt", "source.mdb"}}) {
-      const TxtarPart* wanted = archive.find(name);
-      const std::string only = wanted != nullptr ? wanted->value("only") : "";
-      parts.push_back(
-          textPart(name, dumpDatabase(joinPath(shop_, path), {only, path == std::string_view("source.mdb")})));
-      if (!only.empty()) parts.back().flags = {"only=" + only};
-    }
+std::vector<ProducedPart> GoldenShop::produced(const Txtar& archive) const {
+  const TxtarPart messages = textPart("want/messages.txt", messages_);
+  std::vector<ProducedPart> parts{producedText(archive, messages, messages.text)};
+  if (const auto list = readText(joinPath(shop_, "kvftp.dat"))) {
+    const TxtarPart part = textPart("want/kvftp.dat", replaceAll(withPlaceholders(*list), "\r\n", "\n"));
+    parts.push_back(producedText(archive, part, part.text));
   }
-  addFiles(joinPath(shop_, "online"), "want/online/", parts);
-  addFiles(joinPath(shop_, "scripts"), "want/scripts/", parts);
+  if (outcome_ == BuildOutcome::Done) {
+    parts.push_back(producedRows(archive, "want/db/sql.txt", joinPath(shop_, "db/sql.mdb"), false));
+    parts.push_back(producedRows(archive, "want/source.txt", joinPath(shop_, "source.mdb"), true));
+  }
+  std::vector<ProducedPart> files;
+  addFiles(joinPath(shop_, "online"), "want/online/", files);
+  addFiles(joinPath(shop_, "scripts"), "want/scripts/", files);
+  for (ProducedPart& file : files)
+    parts.push_back(producedText(archive, std::move(file.whole), std::move(file.content)));
   return parts;
+}
+
+std::string GoldenShop::writeProduced(const std::vector<ProducedPart>& parts) const {
+  const std::string folder = root_ / "produced";
+  for (const ProducedPart& part : parts) {
+    const std::string path = joinPath(folder, part.whole.name);
+    expectDone(createFolders(std::string(folderOf(path))), path);
+    expectDone(writeBytes(path, part.whole.text), path);
+  }
+  return folder;
 }
 
 std::string GoldenShop::leftovers() {

@@ -8,7 +8,8 @@
 // "set TABLE ID COLUMN = VALUE" (ID or *), "setting KEY = VALUE".
 // Parts out: "want/messages.txt", "want/kvftp.dat", "want/online/...", "want/scripts/...", and of a finished build the
 // rows in "want/db/sql.txt" and "want/source.txt". The files that an export keeps for itself are left out when the
-// published ones are copies of them. <shop>, <app> and <version> stand for what differs between runs.
+// published ones are copies of them. <shop>, <app> and <version> stand for what differs between runs. A case shows the
+// parts that it is about, or pieces of them, and holds the rest by digests: see golden_digest.h.
 
 #include <map>
 #include <string>
@@ -19,6 +20,7 @@
 #include "builder/run/make_pages.h"
 #include "platform/files/settings.h"
 #include "support/fixed_clock.h"
+#include "support/golden_digest.h"
 #include "support/golden_rows.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
@@ -37,9 +39,12 @@ class GoldenShop {
   /// The shop's folder, and how many languages it has.
   const std::string& folder() const { return shop_; }
   int languages() const { return session_.languageCount; }
-  /// What stands there now, as parts: messages, list of files, the two databases of a finished build, the files of
-  /// both working folders. `archive` gives the flags of row dumps.
-  std::vector<TxtarPart> produced(const Txtar& archive) const;
+  /// What the builds left: messages, list of files, the two databases of a finished build, the files of both working
+  /// folders. `archive` gives the flags of the parts it shows.
+  std::vector<ProducedPart> produced(const Txtar& archive) const;
+  /// Writes the whole parts below "produced" in the folder of this shop; the result is that folder. A failure is a
+  /// failure of the test.
+  std::string writeProduced(const std::vector<ProducedPart>& parts) const;
   /// What a finished build must not leave behind, and what it must have stored, by sentences; empty when all is well.
   std::string leftovers();
 
@@ -51,7 +56,7 @@ class GoldenShop {
   void build();
   void exportSql();
   std::string withPlaceholders(std::string text) const;
-  void addFiles(const std::string& folder, const std::string& prefix, std::vector<TxtarPart>& parts) const;
+  void addFiles(const std::string& folder, const std::string& prefix, std::vector<ProducedPart>& parts) const;
 
   TempFolder root_;
   std::string shop_, application_;

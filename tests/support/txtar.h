@@ -1,8 +1,8 @@
 #pragma once
-// The text form of a golden case: a comment, then parts, each behind a line "-- name flags --". Text parts are UTF-8
+// The text form of a golden case: a comment, then parts, each after a line "-- name flags --". Text parts are UTF-8
 // with LF and stand for Windows-1252 bytes with CR LF. Flags: "hex" (bytes as hexadecimal digits), "escapes" ("\xNN"
-// is that byte), "noeol" (the last line end isn't part of the file), "only=a,b" (a row dump with these columns alone).
-// A blank in a name is written "%20".
+// is that byte), "noeol" (the last line end isn't part of the file), and those of an excerpt, see
+// golden_digest.h. A space in a name is written "%20".
 
 #include <string>
 #include <string_view>

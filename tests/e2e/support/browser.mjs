@@ -1,11 +1,26 @@
 // Debian's chromium, driven over its debugging port. Each visit is a visitor of their own, who notes what a visitor
 // would call a fault: an error of a script, a file that is not there, a call to another host.
 import { strict as assert } from "node:assert";
+import { execFileSync } from "node:child_process";
 import { accessSync, constants } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { fileURLToPath } from "node:url";
 import { chromium } from "playwright-core";
 
+// Nothing takes a second; a machine that does ten things at once gets its time.
+const waitMilliseconds = 180000;
 const flags = ["--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking",
   "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage"];
+
+const testFonts = fileURLToPath(new URL("../../../tools/test-fonts", import.meta.url));
+
+/** The environment of a browser that sees the fonts of one family of tools/test-fonts, whatever the machine has. */
+export function fontsOf(family) {
+  const file = join(tmpdir(), `fonts-${family}.conf`);
+  execFileSync(testFonts, [file, family]);
+  return { ...process.env, FONTCONFIG_FILE: file };
+}
 
 /** The path of chromium on this machine. */
 export function findChromium() {
@@ -26,12 +41,13 @@ export function chromiumFlags() {
   return process.getuid() === 0 ? [...flags, "--no-sandbox"] : flags;
 }
 
-export function openBrowser(options = {}) {
+/** Opens a browser without a screen. fonts: the family of fonts that its pages are laid out with. */
+export function openBrowser(fonts = "usual") {
   return chromium.launch({
     executablePath: findChromium(),
     chromiumSandbox: process.getuid() !== 0,
     args: chromiumFlags(),
-    ...options,
+    env: fontsOf(fonts),
   });
 }
 
@@ -46,7 +62,7 @@ export class Visit {
   static async begin(browser, screen, locale) {
     const { width, height, ...touch } = screen;
     const context = await browser.newContext({ viewport: { width, height }, locale, ...touch });
-    context.setDefaultTimeout(30000);
+    context.setDefaultTimeout(waitMilliseconds);
     const page = await context.newPage();
     return new Visit(context, page);
   }

@@ -4,7 +4,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import lighthouse, { desktopConfig } from "lighthouse";
 import { chromium } from "playwright-core";
-import { chromiumFlags, findChromium } from "./browser.mjs";
+import { chromiumFlags, findChromium, fontsOf } from "./browser.mjs";
 import { freePort } from "./free_port.mjs";
 
 /** Opens a browser whose cookies Lighthouse keeps: `fillCart` is given a page of it. */
@@ -14,6 +14,7 @@ export async function openMeasured(fillCart) {
     executablePath: findChromium(),
     chromiumSandbox: process.getuid() !== 0,
     args: [...chromiumFlags(), `--remote-debugging-port=${port}`],
+    env: fontsOf("usual"),
   });
   await fillCart(await context.newPage());
   return { port, close: () => context.close() };

@@ -1,28 +1,33 @@
 #!/usr/bin/env python3
-"""Works out what a build of each golden case must leave behind, straight from the rules and from the case's inputs.
+"""Computes what a build of each golden case must leave, straight from the rules and from the case's inputs.
 
-derive.py CASE...          rewrites the wanted parts of these cases
-derive.py --print CASE...  prints the cases with the parts that are wanted
-derive.py --check CASE...  fails, with the differences, when a wanted part isn't what the rules give
+derive.py CASE...                rewrites the wanted parts of these cases, each shown as the case shows it now
+derive.py --print CASE...        prints the cases with the parts that are wanted
+derive.py --check CASE...        fails, with the differences, when a wanted part isn't what the rules give
+derive.py --whole FOLDER CASE    writes every wanted part as a whole below FOLDER, also those that the case digests
 """
 import difflib
+import pathlib
 import sys
 
 from build import Build
+from condensed import Produced, condensed, is_wanted
 from dump import export
 from shop import Shop
+from tables import rows_text
 from txtar import Part, bytes_part, parse, show
 
 
-def only_columns(flags):
-    for flag in flags:
-        if flag.startswith("only="):
-            return flag[5:].split(",")
-    return None
+def text_produced(name, text):
+    text = text if not text or text.endswith("\n") else text + "\n"
+    return Produced(Part(name, [], text), text.encode("utf-8"))
 
 
-def text_part(name, text, flags=()):
-    return Part(name, list(flags), text if not text or text.endswith("\n") else text + "\n")
+def rows_produced(name, tables):
+    def text(only=None, ids=None):
+        return "".join(rows_text(*table, only, ids) for table in tables)
+    dumps = [(table[0], len(table[2]), rows_text(*table)) for table in tables if table[2]]
+    return Produced(Part(name, [], text()), tables=dumps, show=text)
 
 
 def messages_text(build):
@@ -31,8 +36,8 @@ def messages_text(build):
     return "\n".join(lines) + "\n"
 
 
-def wanted_parts(parts):
-    flags = {part.name: part.flags for part in parts}
+def produced_parts(parts):
+    """Everything that the builds of a case leave."""
     shop, log = Shop(parts), ""
     for step in shop.steps:
         if step == "build":
@@ -43,26 +48,38 @@ def wanted_parts(parts):
             export(build, shop.online)
         else:
             shop.apply(step)
-    wanted = [text_part("want/messages.txt", log)]
+    produced = [text_produced("want/messages.txt", log)]
     if build.log is not None:
-        wanted.append(text_part("want/kvftp.dat", "\n".join(build.log)))
+        produced.append(text_produced("want/kvftp.dat", "\n".join(build.log)))
     if build.done:
-        for name, make in (("want/db/sql.txt", build.tables.sql_text),
-                           ("want/source.txt", lambda only: build.tables.source_text(build.row, only))):
-            kept = [flag for flag in flags.get(name, []) if flag.startswith("only=")]
-            wanted.append(text_part(name, make(only_columns(kept)), kept))
+        produced.append(rows_produced("want/db/sql.txt", build.tables.sql_tables()))
+        produced.append(rows_produced("want/source.txt", build.tables.source_tables(build.row)))
     for folder, files in (("online", shop.online), ("scripts", shop.scripts)):
-        wanted += [bytes_part("want/%s/%s" % (folder, name), files[name]) for name in sorted(files)]
-    return wanted
+        produced += [Produced(bytes_part("want/%s/%s" % (folder, name), files[name]), files[name])
+                     for name in sorted(files)]
+    return produced
 
 
 def derive(text):
     comment, parts = parse(text)
-    return show(comment, [part for part in parts if not part.name.startswith("want/")] + wanted_parts(parts))
+    inputs = [part for part in parts if not is_wanted(part)]
+    return show(comment, inputs + condensed(parts, produced_parts(parts)))
+
+
+def write_whole(folder, path):
+    with open(path, encoding="utf-8", newline="") as file:
+        _, parts = parse(file.read())
+    for produced in produced_parts(parts):
+        target = pathlib.Path(folder) / produced.whole.name
+        target.parent.mkdir(parents=True, exist_ok=True)
+        target.write_text(produced.whole.text, encoding="utf-8", newline="")
 
 
 def main(arguments):
     mode = arguments.pop(0) if arguments and arguments[0].startswith("--") else ""
+    if mode == "--whole" and len(arguments) == 2:
+        write_whole(*arguments)
+        return 0
     failed = False
     for path in arguments:
         with open(path, encoding="utf-8", newline="") as file:

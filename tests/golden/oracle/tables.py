@@ -51,21 +51,24 @@ class BuildTables:
                 self.rows["dettaglio"].append(row | {"beforecode": before, "aftercode": after})
                 self.rows["ordinamento"].append(row)
 
-    def sql_text(self, only):
-        return "".join(rows_text(name, columns, self.rows[name], only) for name, columns in COLUMNS.items())
+    def sql_tables(self):
+        """(name, columns, rows) of each table."""
+        return [(name, columns, self.rows[name]) for name, columns in COLUMNS.items()]
 
-    def source_text(self, page_row, only):
+    def source_tables(self, page_row):
         kept = {name: value for name, value in page_row.items() if value}
-        articles = rows_text("articoli", DERIVED, self.articles_of_page, only)
-        return rows_text("categoria", PAGE_TAGS, [kept], only) + articles
+        return [("categoria", PAGE_TAGS, [kept]), ("articoli", DERIVED, self.articles_of_page)]
 
 
-def rows_text(table, columns, rows, only=None):
+def rows_text(table, columns, rows, only=None, ids=None):
     """Rows by ID, one column a line; columns without a value are left out, and columns of a family in a row (prezzo1,
-    prezzo2 ...) with equal values share a line. A text of several lines stands below its name."""
+    prezzo2 ...) with equal values share a line. A text of several lines stands below its name. only: the columns to
+    show; ids: the rows to show, in a table that has IDs."""
     shown = [name for name in columns if only is None or name in only]
     text = ""
     for row in sorted(rows, key=lambda row: (isinstance(row.get("ID"), str), row.get("ID") or 0)):
+        if ids is not None and "ID" in columns and str(row.get("ID")) not in ids:
+            continue
         text += "[%s]\n" % table
         lines = [(name, value_text(row[name])) for name in shown if row.get(name) is not None]
         at = 0

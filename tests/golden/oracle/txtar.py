@@ -1,8 +1,8 @@
-"""The text form of a golden case: a comment, then parts, each behind a line `-- name flags --`.
+"""The text form of a golden case: a comment, then parts, each after a line `-- name flags --`.
 
 Text parts are UTF-8 with LF and stand for Windows-1252 bytes with CR LF. Flags: `hex` (bytes as hexadecimal digits),
 `escapes` (`\\xNN` is that byte; a line end is still CR LF), `noeol` (the last line end isn't part of the file),
-`only=a,b` (a row dump that shows these columns alone). A blank in a name is written `%20`.
+and those of an excerpt, see condensed.py. A space in a name is written `%20`.
 """
 import re
 from dataclasses import dataclass, field
