@@ -42,23 +42,31 @@ int Recordset::columnIndex(std::string_view name) const {
   return place == state_->places.end() ? -1 : static_cast<int>(place->second);
 }
 
-/// A field of the current row as it stands in the table. The row is read again after anything was written through
-/// this connection; a row that is gone reads as Null.
-const Value& Recordset::State::field(std::size_t column) {
+/// Reads the current row, unless it has been read and nothing was written through this connection since. A row that is
+/// gone reads as Null; so does one that cannot be read, until the next try.
+Result<> Recordset::State::readRow() {
   const std::int64_t stamp = engine::changeStamp(rowsHandle());
-  if (rowAt != cursor || rowStamp != stamp) {
-    rowFields.assign(columns.size(), Null{});
-    fetch.bind(1, key());
-    const auto found = fetch.step();
-    if (found && *found) {
-      for (std::size_t each = 0; each < rowFields.size(); ++each) rowFields[each] = fetch.value(static_cast<int>(each));
-    }
-    fetch.reset();
-    rowAt = cursor;
-    rowStamp = stamp;
+  if (rowAt == cursor && rowStamp == stamp) return {};
+  rowFields.assign(columns.size(), Null{});
+  rowAt = -2;
+  fetch.bind(1, key());
+  const auto found = fetch.step();
+  if (!found) return fail(found.error());
+  for (std::size_t each = 0; *found && each < rowFields.size(); ++each) {
+    rowFields[each] = fetch.value(static_cast<int>(each));
   }
+  fetch.reset();
+  rowAt = cursor;
+  rowStamp = stamp;
+  return {};
+}
+
+const Value& Recordset::State::field(std::size_t column) {
+  static_cast<void>(readRow());  // a field has no way to say so: it is Null
   return rowFields[column];
 }
+
+Result<> Recordset::load() { return state_->onRow() ? state_->readRow() : Result<>(); }
 
 Value Recordset::get(std::string_view column) const {
   const int at = columnIndex(column);

@@ -80,6 +80,7 @@ struct Recordset::State {
   // Reading and editing.
   void moveTo(std::ptrdiff_t place);
   void endDraft();
+  Result<> readRow();
   const Value& field(std::size_t column);
   Result<std::int64_t> reserveKey();
   Result<Value> evaluateDefault(const ColumnInfo& column) const;

@@ -8,12 +8,16 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/files/file_gate.h"
 #include "platform/ports/result.h"
 
 namespace kv {
 
 /// An errno as a failure at `where`.
 tl::unexpected<Error> systemFailure(int number, const std::string& where);
+
+/// Asks the gate; false, with errno set, when it refuses the step. Source of the condition: FileGate::refusal.
+bool mayProceed(FileStep step, const std::string& path);
 
 /// A file descriptor that closes itself.
 class Descriptor {
@@ -25,10 +29,11 @@ class Descriptor {
 
   bool isOpen() const { return number_ >= 0; }
   int number() const { return number_; }
-  /// Closes now: 0, or an errno when the last bytes couldn't be kept.
-  int close();
+  /// Closes now: 0, or an errno when the last bytes couldn't be kept. `path` is what the gate is asked about.
+  int close(const std::string& path);
 
  private:
+  int closeNow();
   int number_;
 };
 
