@@ -153,7 +153,30 @@ TEST_F(ArticleEditing, SeveralArticlesAreAskedForAndLandInTheirOrder) {
   EXPECT_EQ(articles("cat002"), "100|x\n101|a1\n102|a2\n103|a3\n104|y\n");
 }
 
-TEST(OrderPlan, GoesBehindTheLastOneWhenNoneIsCurrent) {
+TEST_F(ArticleEditing, CopyingTheArticlesOfADepartmentAndPastingSeveralHaveYesAsTheDefault) {
+  for (int i = 1; i <= 2; ++i) article("cat001", i, "a" + std::to_string(i));
+  bind();
+  go("cat001");
+  ASSERT_TRUE(editing.CopiaReparto());
+  ASSERT_TRUE(editing.IncollaArticoli());
+  EXPECT_THAT(user.shown, ElementsAre(asked("Copiare anche tutti gli articoli del reparto?", Answer::Yes, Answer::Yes),
+                                      asked("Saranno incollati 2 articoli. Procedere?", Answer::Yes, Answer::Yes)));
+  EXPECT_EQ(rows("SELECT COUNT(*) FROM articoli"), "4\n");
+}
+
+TEST_F(ArticleEditing, WhoSaysNoPastesADepartmentWithoutItsArticles) {
+  for (int i = 1; i <= 2; ++i) article("cat001", i, "a" + std::to_string(i));
+  bind();
+  go("cat001");
+  ASSERT_TRUE(editing.CopiaReparto());
+  user.answers = {Answer::No};
+  ASSERT_TRUE(editing.IncollaReparto());
+  EXPECT_EQ(sets.department(), "cat002");
+  EXPECT_EQ(articles("cat002"), "");
+  EXPECT_EQ(sets.statusLine(), " Articoli: 0 /2");
+}
+
+TEST(OrderPlan, GoesAfterTheLastOneWhenNoneIsCurrent) {
   const std::vector<std::int64_t> orders{100, 105};
   EXPECT_EQ(planAfter(orders, std::nullopt).order, 106);
   EXPECT_EQ(planBefore(orders, std::nullopt).order, 99);

@@ -131,7 +131,7 @@ void ChangeRecorder::State::hear(int operation, const char* table, std::int64_t 
 
 Result<Prepared> ChangeRecorder::State::prepare(const std::string& sql) const {
   sqlite3_stmt* statement = nullptr;
-  const int code = sqlite3_prepare_v2(handle, sql.c_str(), -1, &statement, nullptr);
+  const int code = engine::prepare(handle, sql, 0, &statement);
   if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, database.path()));
   return Prepared(statement);
 }
@@ -145,7 +145,7 @@ Result<RowImage> ChangeRecorder::State::read(const Key& key, Statements& readers
   }
   sqlite3_bind_int64(reader.get(), 1, key.second);
   RowImage image;
-  const int code = sqlite3_step(reader.get());
+  const int code = engine::step(reader.get());
   if (code == SQLITE_ROW) {
     const int columns = sqlite3_column_count(reader.get());
     for (int i = 0; i < columns; ++i) image.push_back(cellOf(sqlite3_column_value(reader.get(), i)));
@@ -180,7 +180,7 @@ Result<> ChangeRecorder::State::write(const RowChange& change, const RowImage& i
   for (std::size_t i = 0; code == SQLITE_OK && i < image.size(); ++i) {
     code = std::visit(Binder{statement.get(), static_cast<int>(i) + 2}, image[i]);
   }
-  if (code == SQLITE_OK) code = sqlite3_step(statement.get());
+  if (code == SQLITE_OK) code = engine::step(statement.get());
   sqlite3_reset(statement.get());
   if (code != SQLITE_DONE) return fail(engine::errorOf(handle, code, database.path()));
   return {};

@@ -77,13 +77,13 @@ const char* setUpOf(OpenMode mode) {
   return "PRAGMA synchronous=FULL; PRAGMA cache_size=-8000";
 }
 
-std::int64_t pragmaNumber(sqlite3* handle, const char* sql) {
+Result<std::int64_t> pragmaNumber(sqlite3* handle, const char* sql, const std::string& path) {
   sqlite3_stmt* statement = nullptr;
-  std::int64_t number = 0;
-  if (sqlite3_prepare_v2(handle, sql, -1, &statement, nullptr) == SQLITE_OK && sqlite3_step(statement) == SQLITE_ROW) {
-    number = sqlite3_column_int64(statement, 0);
-  }
+  int code = prepare(handle, sql, 0, &statement);
+  if (code == SQLITE_OK) code = step(statement);
+  const std::int64_t number = code == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : 0;
   sqlite3_finalize(statement);
+  if (code != SQLITE_ROW) return fail(errorOf(handle, code, path));
   return number;
 }
 
@@ -92,7 +92,11 @@ std::int64_t pragmaNumber(sqlite3* handle, const char* sql) {
 Result<> verify(sqlite3* handle, const std::string& path) {
   const int code = run(handle, "SELECT count(*) FROM sqlite_schema; PRAGMA schema_version");
   if (code != SQLITE_OK) return fail(errorOf(handle, code, path));
-  const std::int64_t needed = pragmaNumber(handle, "PRAGMA page_count") * pragmaNumber(handle, "PRAGMA page_size");
+  const auto pages = pragmaNumber(handle, "PRAGMA page_count", path);
+  if (!pages) return fail(pages.error());
+  const auto size = pragmaNumber(handle, "PRAGMA page_size", path);
+  if (!size) return fail(size.error());
+  const std::int64_t needed = *pages * *size;
   struct stat status {};
   if (stat(path.c_str(), &status) != 0 || status.st_size < needed) {
     return fail(ErrorKind::Corrupt, path, sqlite3_errstr(SQLITE_CORRUPT), SQLITE_CORRUPT);
@@ -117,10 +121,10 @@ int run(sqlite3* handle, std::string_view sql) {
   const char* const end = at + sql.size();
   while (at < end) {
     sqlite3_stmt* statement = nullptr;
-    int code = sqlite3_prepare_v2(handle, at, static_cast<int>(end - at), &statement, &at);
+    int code = prepare(handle, {at, static_cast<std::size_t>(end - at)}, 0, &statement, &at);
     if (code != SQLITE_OK) return code;
     if (statement == nullptr) continue;
-    while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
+    while ((code = step(statement)) == SQLITE_ROW) {
     }
     sqlite3_finalize(statement);
     if (code != SQLITE_DONE) return code;

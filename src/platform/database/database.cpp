@@ -124,8 +124,7 @@ std::int64_t Database::changes() const { return sqlite3_changes64(handle_); }
 Result<Statement> Database::prepare(std::string_view sql) {
   sqlite3_stmt* handle = nullptr;
   const char* tail = nullptr;
-  const int code =
-      sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT, &handle, &tail);
+  const int code = engine::prepare(handle_, sql, SQLITE_PREPARE_PERSISTENT, &handle, &tail);
   if (code != SQLITE_OK) return fail(engine::errorOf(handle_, code, path_));
   Statement statement(handle, path_);
   if (handle == nullptr) return fail(ErrorKind::Malformed, path_, "no statement");

@@ -27,6 +27,13 @@ ErrorKind kindOf(int code);
 /// The failure of the last call on a connection. `code` is what that call returned.
 Error errorOf(sqlite3* handle, int code, std::string where);
 
+/// Prepares the first statement of a text and makes one step of a statement, unless the gate refuses it. Every
+/// statement of the store comes through these two. The engine's code, or the gate's; the statement is null then.
+/// flags: SQLITE_PREPARE_*; `tail`, if given, becomes the end of the statement in `sql`.
+int prepare(sqlite3* handle, std::string_view sql, unsigned flags, sqlite3_stmt** statement,
+            const char** tail = nullptr);
+int step(sqlite3_stmt* statement);
+
 /// Runs statements without parameters and ignores their rows. The engine's code, SQLITE_OK when all went well.
 int run(sqlite3* handle, std::string_view sql);
 
@@ -65,6 +72,6 @@ bool isTextual(ColumnType type);
 Result<Value> valueForColumn(const ColumnInfo& column, const Value& value, const std::string& where);
 
 /// The columns of a table in their order; empty when there is no such table. `schema` is "main" or an attached name.
-std::vector<ColumnInfo> readColumns(sqlite3* handle, std::string_view schema, std::string_view table);
+Result<std::vector<ColumnInfo>> readColumns(sqlite3* handle, std::string_view schema, std::string_view table);
 
 }  // namespace kv::engine

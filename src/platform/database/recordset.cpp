@@ -42,23 +42,31 @@ int Recordset::columnIndex(std::string_view name) const {
   return index == state_->columnIndexes.end() ? -1 : static_cast<int>(index->second);
 }
 
-/// A field of the current row as it is in the table now. The row is read again after anything was written through
-/// this connection; a row that is gone reads as Null.
-const Value& Recordset::State::field(std::size_t column) {
+/// Reads the current row, unless it has been read and nothing was written through this connection since. A row that is
+/// gone reads as Null; so does one that cannot be read, until the next try.
+Result<> Recordset::State::readRow() {
   const std::int64_t counter = engine::changeCounter(rowsHandle());
-  if (rowAt != cursor || rowCounter != counter) {
-    rowFields.assign(columns.size(), Null{});
-    fetch.bind(1, key());
-    const auto found = fetch.step();
-    if (found && *found) {
-      for (std::size_t each = 0; each < rowFields.size(); ++each) rowFields[each] = fetch.value(static_cast<int>(each));
-    }
-    fetch.reset();
-    rowAt = cursor;
-    rowCounter = counter;
+  if (rowAt == cursor && rowCounter == counter) return {};
+  rowFields.assign(columns.size(), Null{});
+  rowAt = -2;
+  fetch.bind(1, key());
+  const auto found = fetch.step();
+  if (!found) return fail(found.error());
+  for (std::size_t each = 0; *found && each < rowFields.size(); ++each) {
+    rowFields[each] = fetch.value(static_cast<int>(each));
   }
+  fetch.reset();
+  rowAt = cursor;
+  rowCounter = counter;
+  return {};
+}
+
+const Value& Recordset::State::field(std::size_t column) {
+  ignore(readRow(), "a field has no way to report it: it reads as Null");
   return rowFields[column];
 }
+
+Result<> Recordset::load() { return state_->onRow() ? state_->readRow() : Result<>(); }
 
 Value Recordset::get(std::string_view column) const {
   const int at = columnIndex(column);

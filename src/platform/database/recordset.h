@@ -54,6 +54,9 @@ class Recordset {
   int columnIndex(std::string_view name) const;
   /// The field of the current row, or of the edit that has begun. Null for an unknown column or on no row.
   Value get(std::string_view column) const;
+  /// Reads the current row now, so that get() takes it from memory until the next write. Without it a row that cannot
+  /// be read reads as Null, which whoever writes what he read must not take for a value.
+  Result<> load();
 
   /// Starts an edit of the current row. Missing when the cursor is on none, ReadOnly when the rows can't be edited.
   Result<> edit();

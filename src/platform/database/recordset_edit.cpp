@@ -46,7 +46,9 @@ Result<std::int64_t> Recordset::State::reserveKey() {
 
 Result<Value> Recordset::State::evaluateDefault(const ColumnInfo& column) const {
   auto evaluated = prepare("SELECT " + column.defaultValue);
-  if (!evaluated) return Value(column.defaultValue);  // a bare word is the value itself
+  // A bare word is no expression, and means itself.
+  if (!evaluated && (evaluated.error().number & 0xff) == SQLITE_ERROR) return Value(column.defaultValue);
+  if (!evaluated) return fail(evaluated.error());
   auto stepped = evaluated->step();
   if (!stepped) return fail(stepped.error());
   auto value = engine::valueForColumn(column, evaluated->value(0), where());

@@ -83,8 +83,7 @@ bool ColumnNameEqual::operator()(std::string_view a, std::string_view b) const {
 
 Result<Statement> Recordset::State::prepare(std::string_view sql) const {
   sqlite3_stmt* statement = nullptr;
-  const int code = sqlite3_prepare_v3(rowsHandle(), sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
-                                      &statement, nullptr);
+  const int code = engine::prepare(rowsHandle(), sql, SQLITE_PREPARE_PERSISTENT, &statement);
   if (code != SQLITE_OK) return fail(engine::errorOf(rowsHandle(), code, where()));
   return Statement(statement, where());
 }
@@ -93,7 +92,7 @@ Result<Statement> Recordset::State::prepare(std::string_view sql) const {
 /// is a column of the table.
 Result<> Recordset::State::open() {
   sqlite3_stmt* raw = nullptr;
-  const int code = sqlite3_prepare_v2(handle, source.data(), static_cast<int>(source.size()), &raw, nullptr);
+  const int code = engine::prepare(handle, source, 0, &raw);
   if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
   Statement rows(raw, path);
   const auto single = engine::singleTableOf(source);
@@ -114,9 +113,10 @@ Result<> Recordset::State::openTable(Statement& sourceRows) {
   sqlite3_stmt* raw = sourceRows.handle_;
   schema = orEmpty(sqlite3_column_database_name(raw, 0));
   table = orEmpty(sqlite3_column_table_name(raw, 0));
-  const std::vector<ColumnInfo> base = engine::readColumns(handle, schema, table);
+  const auto base = engine::readColumns(handle, schema, table);
+  if (!base) return fail(base.error());
   std::unordered_map<std::string_view, const ColumnInfo*, ColumnNameHash, ColumnNameEqual> named;
-  for (const ColumnInfo& column : base) named.emplace(column.name, &column);
+  for (const ColumnInfo& column : *base) named.emplace(column.name, &column);
   for (int each = 0; each < sourceRows.columnCount(); ++each) {
     const std::string origin = orEmpty(sqlite3_column_origin_name(raw, each));
     const auto found = named.find(origin);
@@ -163,7 +163,7 @@ Result<> Recordset::State::refill() {
   engine::run(memory.get(), "ROLLBACK");  // of a copy that failed halfway
   engine::run(memory.get(), std::string("DELETE FROM ") + copyTableName);
   sqlite3_stmt* raw = nullptr;
-  const int code = sqlite3_prepare_v2(handle, source.data(), static_cast<int>(source.size()), &raw, nullptr);
+  const int code = engine::prepare(handle, source, 0, &raw);
   if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
   Statement from(raw, path);
   std::string marks;

@@ -87,6 +87,7 @@ struct Recordset::State {
   // Reading and editing.
   void moveTo(std::ptrdiff_t index);
   void endDraft();
+  Result<> readRow();
   const Value& field(std::size_t column);
   Result<std::int64_t> reserveKey();
   Result<Value> evaluateDefault(const ColumnInfo& column) const;

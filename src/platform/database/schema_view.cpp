@@ -67,7 +67,9 @@ Result<> readIndexes(Database& database, TableInfo& table) {
 Result<TableInfo> readTable(Database& database, sqlite3* handle, const std::string& name) {
   TableInfo table;
   table.name = name;
-  table.columns = engine::readColumns(handle, "main", name);
+  auto columns = engine::readColumns(handle, "main", name);
+  if (!columns) return fail(columns.error());
+  table.columns = std::move(*columns);
   if (auto read = readIndexes(database, table); !read) return fail(read.error());
   auto key = singleKeyColumn(database, name);
   if (!key) return fail(key.error());
@@ -162,11 +164,11 @@ Result<> createIndexes(Database& database, const TableInfo& table) {
 
 namespace engine {
 
-std::vector<ColumnInfo> readColumns(sqlite3* handle, std::string_view schema, std::string_view table) {
-  std::vector<ColumnInfo> columns;
+Result<std::vector<ColumnInfo>> readColumns(sqlite3* handle, std::string_view schema, std::string_view table) {
   sqlite3_stmt* list = nullptr;
   const char* sql = "SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info(?1, ?2)";
-  if (sqlite3_prepare_v2(handle, sql, -1, &list, nullptr) != SQLITE_OK) return columns;
+  int code = prepare(handle, sql, 0, &list);
+  if (code != SQLITE_OK) return fail(errorOf(handle, code, std::string(table)));
   const std::string schemaName(schema);
   const std::string tableName(table);
   sqlite3_bind_text(list, 1, tableName.c_str(), -1, SQLITE_STATIC);
@@ -175,7 +177,8 @@ std::vector<ColumnInfo> readColumns(sqlite3* handle, std::string_view schema, st
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(list, at));
     return std::string(bytes == nullptr ? "" : bytes);
   };
-  while (sqlite3_step(list) == SQLITE_ROW) {
+  std::vector<ColumnInfo> columns;
+  while ((code = step(list)) == SQLITE_ROW) {
     const DeclaredType type = declaredType(text(1));
     ColumnInfo column{text(0), type.type, type.size, 0, sqlite3_column_int(list, 2) != 0, text(3)};
     int automatic = 0;
@@ -187,6 +190,7 @@ std::vector<ColumnInfo> readColumns(sqlite3* handle, std::string_view schema, st
     columns.push_back(std::move(column));
   }
   sqlite3_finalize(list);
+  if (code != SQLITE_DONE) return fail(errorOf(handle, code, tableName));
   return columns;
 }
 

@@ -88,8 +88,8 @@ void Statement::bind(int index, const Value& value) {
 }
 
 Result<> Statement::execute() {
-  int code = sqlite3_step(handle_);
-  while (code == SQLITE_ROW) code = sqlite3_step(handle_);
+  int code = engine::step(handle_);
+  while (code == SQLITE_ROW) code = engine::step(handle_);
   if (code == SQLITE_DONE) {
     sqlite3_reset(handle_);
     return {};
@@ -100,7 +100,7 @@ Result<> Statement::execute() {
 }
 
 Result<bool> Statement::step() {
-  const int code = sqlite3_step(handle_);
+  const int code = engine::step(handle_);
   if (code == SQLITE_ROW) return true;
   if (code == SQLITE_DONE) {
     sqlite3_reset(handle_);

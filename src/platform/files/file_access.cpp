@@ -66,9 +66,16 @@ tl::unexpected<Error> systemFailure(int number, const std::string& where) {
   return fail(kindOf(number), where, std::generic_category().message(number), number);
 }
 
-Descriptor::~Descriptor() { close(); }
+Descriptor::~Descriptor() { closeNow(); }
 
-int Descriptor::close() {
+int Descriptor::close(const std::string& path) {
+  const bool mayKeep = mayProceed(FileStep::Close, path);
+  const int refused = mayKeep ? 0 : errno;
+  const int number = closeNow();
+  return refused != 0 ? refused : number;
+}
+
+int Descriptor::closeNow() {
   if (number_ < 0) return 0;
   // After EINTR the descriptor is closed nevertheless (Linux), so there is no second try.
   return ::close(std::exchange(number_, -1)) == 0 || errno == EINTR ? 0 : errno;
@@ -113,6 +120,7 @@ Result<Replacement> Replacement::begin(const std::string& path, mode_t mode) {
   if (replaces && !mayWrite(target, old)) return systemFailure(EACCES, path);
   if (auto writable = requireWritableFolderOf(target); !writable) return fail(writable.error());
   std::string temporary = unfinishedPath(target);
+  if (!mayProceed(FileStep::Create, target)) return systemFailure(errno, path);
   Descriptor descriptor(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
   if (!descriptor.isOpen()) return systemFailure(errno, path);
   Replacement replacement(std::move(descriptor), std::move(temporary), target);
@@ -123,6 +131,7 @@ Result<Replacement> Replacement::begin(const std::string& path, mode_t mode) {
 
 Result<> Replacement::write(std::string_view bytes) {
   while (!bytes.empty()) {
+    if (!mayProceed(FileStep::Write, target_)) return systemFailure(errno, target_);
     const ssize_t count = ::write(descriptor_.number(), bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return systemFailure(errno, target_);
@@ -137,8 +146,9 @@ void Replacement::keepTime(const struct stat& status) {
 }
 
 Result<> Replacement::commit() {
-  if (const int number = descriptor_.close(); number != 0) return systemFailure(number, target_);
-  if (::rename(temporary_.c_str(), target_.c_str()) != 0) return systemFailure(errno, target_);
+  if (const int number = descriptor_.close(target_); number != 0) return systemFailure(number, target_);
+  if (!mayProceed(FileStep::Rename, target_) || ::rename(temporary_.c_str(), target_.c_str()) != 0)
+    return systemFailure(errno, target_);
   temporary_.clear();
   return {};
 }

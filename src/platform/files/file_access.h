@@ -8,12 +8,16 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/files/file_gate.h"
 #include "platform/ports/result.h"
 
 namespace kv {
 
 /// The failure for an errno at the path `where`: its kind, the system's text and the number.
 tl::unexpected<Error> systemFailure(int number, const std::string& where);
+
+/// Asks the gate; false, with errno set, when it refuses the step. Source of the condition: FileGate::refusal.
+bool mayProceed(FileStep step, const std::string& path);
 
 /// A file descriptor that closes itself. A negative number is one that couldn't be opened.
 class Descriptor {
@@ -27,11 +31,12 @@ class Descriptor {
   bool isOpen() const { return number_ >= 0; }
   /// The system's number of the descriptor; -1 when it isn't open.
   int number() const { return number_; }
-  /// Closes now. 0, or the errno when the system couldn't keep the last bytes.
-  int close();
+  /// Closes now: 0, or an errno when the last bytes couldn't be kept. `path` is what the gate is asked about.
+  int close(const std::string& path);
 
  private:
-  int number_;  // -1 when closed or moved from
+  int closeNow();
+  int number_;
 };
 
 /// Whether the owner, root included, may write what `status` describes, and this process may write `path`.

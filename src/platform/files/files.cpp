@@ -25,6 +25,7 @@ struct OpenedFile {
 
 // Without O_NONBLOCK the program would hang on a pipe of the file's name.
 Result<OpenedFile> openToRead(const std::string& path) {
+  if (!mayProceed(FileStep::OpenToRead, path)) return systemFailure(errno, path);
   OpenedFile file{Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), {}};
   if (!file.descriptor.isOpen()) return systemFailure(errno, path);
   if (::fstat(file.descriptor.number(), &file.status) != 0) return systemFailure(errno, path);
@@ -36,6 +37,7 @@ Result<OpenedFile> openToRead(const std::string& path) {
 // Reads up to buffer.size() bytes: the count, 0 at the end.
 Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::size_t size, const std::string& path) {
   for (;;) {
+    if (!mayProceed(FileStep::Read, path)) return systemFailure(errno, path);
     const ssize_t count = ::read(descriptor.number(), buffer, size);
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno != EINTR) return systemFailure(errno, path);
@@ -123,6 +125,7 @@ Result<FileStamp> fileStamp(const std::string& path) {
 Result<> createFolder(const std::string& path) {
   if (folderExists(path)) return {};
   if (auto writable = requireWritableFolderOf(path); !writable) return writable;
+  if (!mayProceed(FileStep::MakeFolder, path)) return systemFailure(errno, path);
   if (::mkdir(path.c_str(), newFolderMode) == 0) return {};
   const int number = errno;
   // Another process may have created it in the meantime.
@@ -142,7 +145,7 @@ Result<> deleteFile(const std::string& path) {
   if (::lstat(path.c_str(), &status) != 0) return systemFailure(errno, path);
   if (S_ISDIR(status.st_mode)) return systemFailure(EISDIR, path);
   if (auto writable = requireWritableFolderOf(path); !writable) return writable;
-  if (::unlink(path.c_str()) != 0) return systemFailure(errno, path);
+  if (!mayProceed(FileStep::Remove, path) || ::unlink(path.c_str()) != 0) return systemFailure(errno, path);
   return {};
 }
 
@@ -150,6 +153,7 @@ Result<> removeFolder(const std::string& path) {
   // EEXIST and ENOTEMPTY both say that the folder isn't empty; Exists would mislead the caller.
   if (!folderExists(path)) return systemFailure(ENOENT, path);
   if (auto writable = requireWritableFolderOf(path); !writable) return writable;
+  if (!mayProceed(FileStep::Remove, path)) return systemFailure(errno, path);
   if (::rmdir(path.c_str()) != 0) return systemFailure(errno == EEXIST ? ENOTEMPTY : errno, path);
   return {};
 }
@@ -160,7 +164,7 @@ Result<> renameFile(const std::string& from, const std::string& to) {
   for (const std::string& path : {from, to}) {
     if (auto writable = requireWritableFolderOf(path); !writable) return writable;
   }
-  if (::rename(from.c_str(), to.c_str()) != 0) return systemFailure(errno, to);
+  if (!mayProceed(FileStep::Rename, to) || ::rename(from.c_str(), to.c_str()) != 0) return systemFailure(errno, to);
   return {};
 }
 

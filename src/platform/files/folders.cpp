@@ -43,6 +43,7 @@ Entry entryOf(const std::string& folder, const dirent& found) {
 
 // All entries but "." and "..", sorted by lower-cased name; equal ones by the name itself.
 Result<std::vector<Entry>> entriesOf(const std::string& folder) {
+  if (!mayProceed(FileStep::List, folder)) return systemFailure(errno, folder);
   const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir(folder.c_str()), ::closedir);
   if (!open) return systemFailure(errno, folder);
   std::vector<std::pair<std::string, Entry>> sorted;

@@ -32,6 +32,7 @@ Result<OutputFile> OutputFile::create(const std::string& path) {
   } else if (auto writable = requireWritableFolderOf(path); !writable) {
     return fail(writable.error());
   }
+  if (!mayProceed(FileStep::Create, path)) return systemFailure(errno, path);
   const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (descriptor < 0) return systemFailure(errno, path);
   return OutputFile(descriptor, path);
@@ -48,7 +49,8 @@ void OutputFile::appendLarge(std::string_view bytes) {
 void OutputFile::flush() {
   std::string_view rest(buffer_.get(), used_);
   while (!rest.empty() && !failure_) {
-    const ssize_t count = ::write(descriptor_, rest.data(), rest.size());
+    const bool mayWriteNow = mayProceed(FileStep::Write, path_);
+    const ssize_t count = mayWriteNow ? ::write(descriptor_, rest.data(), rest.size()) : -1;
     if (count >= 0) {
       rest.remove_prefix(static_cast<std::size_t>(count));
     } else if (errno != EINTR) {
@@ -62,7 +64,7 @@ void OutputFile::flush() {
 Result<> OutputFile::close() {
   if (descriptor_ >= 0) {
     flush();
-    const int number = Descriptor(std::exchange(descriptor_, -1)).close();
+    const int number = Descriptor(std::exchange(descriptor_, -1)).close(path_);
     if (number != 0 && !failure_) failure_ = systemFailure(number, path_).value();
   }
   if (failure_) return fail(*failure_);

@@ -6,21 +6,15 @@
 #include "store/shop/order_numbers.h"
 
 namespace kv {
-namespace {
-
-constexpr std::string_view articlesInOrder =
-    "SELECT ID, ordinamento FROM articoli WHERE catID = ? ORDER BY ordinamento, ID";
-
-}  // namespace
 
 bool TreeEditing::ask(const std::string& text, Answer preset) const {
   return user_.question({text, Buttons::YesNo, preset, Icon::Question}) == Answer::Yes;
 }
 
-Result<std::int64_t> TreeEditing::NuovoArticolo(std::int64_t ordine) {
+Result<std::int64_t> TreeEditing::NuovoArticolo(const std::string& department, std::int64_t ordine) {
   Database& catalogue = sets_.session().catalogue;
-  auto added = runWith(catalogue, "INSERT INTO articoli (ordinamento, catID) VALUES (?, ?)",
-                       {Value(ordine), Value(sets_.department())});
+  auto added =
+      runWith(catalogue, "INSERT INTO articoli (ordinamento, catID) VALUES (?, ?)", {Value(ordine), Value(department)});
   if (!added) return fail(added.error());
   auto ID = catalogue.scalar("SELECT last_insert_rowid()");
   if (!ID) return fail(ID.error());
@@ -29,25 +23,22 @@ Result<std::int64_t> TreeEditing::NuovoArticolo(std::int64_t ordine) {
 
 Result<> TreeEditing::insertArticle(bool after) {
   if (!sets_.onDepartment()) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   Database& catalogue = sets_.session().catalogue;
-  auto list = readOrder(catalogue, articlesInOrder, Value(sets_.department()));
+  auto list = readOrder(catalogue, articlesInOrder, Value(at->department));
   if (!list) return fail(list.error());
-  std::optional<std::size_t> current;
-  if (sets_.onArticle()) current = sets_.dataArticoli().position();
+  const auto current = list->positionOf(at->article);
   const OrderPlan plan = after ? planAfter(list->orders, current) : planBefore(list->orders, current);
   OrderWriter orders(catalogue, writeArticleOrder);
   for (std::size_t i = 0; i < plan.moved.size(); ++i) {
     if (auto moved = orders.write(list->keys[plan.firstMoved + i], plan.moved[i]); !moved) return moved;
   }
-  auto ID = NuovoArticolo(plan.order);
+  auto ID = NuovoArticolo(at->department, plan.order);
   if (!ID) return fail(ID.error());
-  if (auto kept = change.keep(); !kept) return kept;
-  if (auto again = sets_.requeryArticles(); !again) return again;
-  if (auto counted = sets_.recount(); !counted) return counted;
-  auto found = sets_.goToArticle(*ID);
-  return found ? Result<>() : fail(found.error());
+  return change.keepAndShowArticle(at->department, *ID);
 }
 
 Result<> TreeEditing::InserisciArticoloDopo() { return insertArticle(true); }
@@ -56,44 +47,54 @@ Result<> TreeEditing::InserisciArticoloPrima() { return insertArticle(false); }
 Result<> TreeEditing::EliminaArticolo() {
   if (!sets_.onArticle()) return {};
   if (!ask("Eliminare l'articolo selezionato?", Answer::No)) return {};
-  const std::size_t place = sets_.dataArticoli().position();
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  const std::size_t position = sets_.dataArticoli().position();
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
-  auto deleted = runWith(sets_.session().catalogue, "DELETE FROM articoli WHERE ID = ?", {Value(sets_.article())});
+  auto deleted = runWith(sets_.session().catalogue, "DELETE FROM articoli WHERE ID = ?", {Value(at->article)});
   if (!deleted) return deleted;
-  if (auto kept = change.keep(); !kept) return kept;
-  if (auto again = sets_.requeryArticles(); !again) return again;
-  if (auto counted = sets_.recount(); !counted) return counted;
-  const std::size_t left = sets_.dataArticoli().size();
-  sets_.goToArticlePlace(left > 0 && place >= left ? left - 1 : place);
-  return {};
+  return change.keepAndShowPosition(at->department, position);
+}
+
+/// Exchanges the order numbers of a row of a table, known by its key, and of its neighbour in a list; false when the
+/// list ends there.
+Result<bool> TreeEditing::exchange(TreeList list, std::int64_t key, const Value& holder, int direzione) {
+  Database& catalogue = sets_.session().catalogue;
+  const bool articles = list == TreeList::Articles;
+  auto order = readOrder(catalogue, articles ? articlesInOrder : siblingsInOrder, holder);
+  if (!order) return fail(order.error());
+  const auto position = order->positionOf(key);
+  if (!position || (direzione < 0 ? *position == 0 : *position + 1 >= order->keys.size())) return false;
+  const Value own(key);
+  const Value neighbour(order->keys[direzione < 0 ? *position - 1 : *position + 1]);
+  const std::string_view table = articles ? "articoli WHERE ID = ?" : "categorie WHERE contatore = ?";
+  const std::string read = "SELECT ordinamento FROM " + std::string(table);
+  // A row may have no order number at all, and then passes that on.
+  auto ownOrder = scalarWith(catalogue, read, {own});
+  if (!ownOrder) return fail(ownOrder.error());
+  auto neighboursOrder = scalarWith(catalogue, read, {neighbour});
+  if (!neighboursOrder) return fail(neighboursOrder.error());
+  const std::string_view update = articles ? writeArticleOrder : writeDepartmentOrder;
+  if (auto done = runWith(catalogue, update, {*ownOrder, neighbour}); !done) return fail(done.error());
+  if (auto done = runWith(catalogue, update, {*neighboursOrder, own}); !done) return fail(done.error());
+  return true;
 }
 
 Result<> TreeEditing::Sposta(int direzione, TreeList list) {
   const bool articles = list == TreeList::Articles;
   if (articles ? !sets_.onArticle() : !sets_.onDepartment()) return {};
-  Recordset& rows = articles ? sets_.dataArticoli() : sets_.dataFratelli();
-  const std::size_t place = rows.position();
-  if (direzione < 0 ? place == 0 : place + 1 >= rows.size()) return {};
-  const char* key = articles ? "ID" : "contatore";
-  const std::int64_t ID = asInteger(rows.get(key));
-  const std::string department = sets_.department();
-  const Value order = rows.get("ordinamento");
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  auto department = readCurrent(sets_);
+  if (!department) return fail(department.error());
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
-  rows.moveTo(direzione < 0 ? place - 1 : place + 1);
-  const Value neighbour = rows.get(key);
-  const Value neighboursOrder = rows.get("ordinamento");
-  const std::string update =
-      "UPDATE " + std::string(articles ? "articoli" : "categorie") + " SET ordinamento = ? WHERE " + key + " = ?";
-  Database& catalogue = sets_.session().catalogue;
-  if (auto done = runWith(catalogue, update, {order, neighbour}); !done) return done;
-  if (auto done = runWith(catalogue, update, {neighboursOrder, Value(ID)}); !done) return done;
-  if (auto kept = change.keep(); !kept) return kept;
-  if (!articles) return finishAt(department);
-  if (auto again = sets_.requeryArticles(); !again) return again;
-  auto found = sets_.goToArticle(ID);
-  return found ? Result<>() : fail(found.error());
+  auto moved = articles ? exchange(list, at->article, Value(at->department), direzione)
+                        : exchange(list, department->contatore, Value(department->genitore), direzione);
+  if (!moved) return fail(moved.error());
+  if (!*moved) return {};
+  return articles ? change.keepAndShowArticle(at->department, at->article) : change.keepAndShow(at->department);
 }
 
 }  // namespace kv

@@ -1,46 +1,23 @@
 #include "store/catalogue/catalogue_sets.h"
-#include "platform/database/recordset.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "store/schema/schema.h"
-
 namespace kv {
-namespace {
-
-constexpr const char* untitled = "(senza nome)";
-constexpr const char* departmentOrder = "ORDER BY livello, ordinamento";
-
-std::string literal(std::string_view text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? "''" : std::string(1, c);
-  return quoted + "'";
-}
-
-/// Takes a cursor off its rows, to the place before the first.
-void leaveRows(Recordset& rows) {
-  rows.moveFirst();
-  if (!rows.bof()) rows.movePrevious();
-}
-
-}  // namespace
-
-Result<Recordset> CatalogueSets::open(const std::string& table, const std::string& rest) {
-  return session_.catalogue.openRecordset(SelezionaLingua(table, session_.currentLanguage, rest));
-}
 
 Result<> CatalogueSets::bind() {
-  auto generale = open("generale", "");
+  auto generale = readSettings(session_);
   if (!generale) return fail(generale.error());
-  auto categorie = open("categorie", departmentOrder);
+  auto categorie = readDepartments(session_);
   if (!categorie) return fail(categorie.error());
-  generale_.emplace(std::move(*generale));
-  generale_->moveFirst();
-  categorie_.emplace(std::move(*categorie));
-  leaveRows(*categorie_);
-  if (auto articles = openArticles(); !articles) return articles;
-  return openSiblings();
+  auto following = readFollowing(session_, *categorie);
+  if (!following) return fail(following.error());
+  generale_ = std::move(*generale);
+  categorie_ = std::move(*categorie);
+  fratelli_ = std::move(following->fratelli);
+  articoli_ = std::move(following->articoli);
+  departmentArticles_ = -1;
+  return {};
 }
 
 void CatalogueSets::release() {
@@ -50,24 +27,22 @@ void CatalogueSets::release() {
   generale_.reset();
   tree_.clear();
   departmentArticles_ = -1;
-  suppressed_ = false;
 }
 
 Result<> CatalogueSets::CambiaLingua(int language) {
-  const std::string wasDepartment = isBound() ? department() : std::string(treeRoot);
-  const std::int64_t wasArticle = isBound() ? article() : 0;
+  auto at = cursors();
+  if (!at) return fail(at.error());
+  const int before = session_.currentLanguage;
   session_.currentLanguage = std::clamp(language, 1, std::max(session_.languageCount, 1));
-  suppressed_ = true;
-  auto bound = bind();
-  if (bound) bound = CostruisciAlbero(0);
-  suppressed_ = false;
-  if (!bound) return bound;
-  if (listener_ != nullptr) listener_->treeRebuilt();
-  auto found = goToDepartment(wasDepartment);
-  if (!found) return fail(found.error());
-  if (wasArticle == 0) return {};
-  auto article = goToArticle(wasArticle);
-  return article ? Result<>() : fail(article.error());
+  auto generale = readSettings(session_);
+  auto lists = generale ? readLists(session_, *at) : Result<CatalogueLists>(fail(generale.error()));
+  if (!lists) {
+    session_.currentLanguage = before;
+    return fail(lists.error());
+  }
+  lists->generale = std::move(*generale);
+  show(std::move(*lists));
+  return {};
 }
 
 Recordset& CatalogueSets::edited(EditedSet set) {
@@ -91,7 +66,24 @@ std::string CatalogueSets::department() const {
 
 std::int64_t CatalogueSets::article() const { return onArticle() ? asInteger(articoli_->get("ID")) : 0; }
 
+Result<CatalogueCursors> CatalogueSets::cursors() {
+  if (!isBound()) return CatalogueCursors{std::string(treeRoot), 0};
+  for (Recordset* rows : {&*categorie_, &*articoli_}) {
+    if (auto read = rows->load(); !read) return fail(read.error());
+  }
+  return CatalogueCursors{department(), article()};
+}
+
+void CatalogueSets::moveBack(std::size_t position) {
+  if (position < categorie_->size()) {
+    categorie_->moveTo(position);
+  } else {
+    leaveRows(*categorie_);
+  }
+}
+
 Result<bool> CatalogueSets::goToDepartment(std::string_view ID) {
+  const std::size_t before = categorie_->position();
   if (ID == treeRoot) {
     leaveRows(*categorie_);
   } else {
@@ -99,26 +91,52 @@ Result<bool> CatalogueSets::goToDepartment(std::string_view ID) {
     if (!found || !*found) return found;
   }
   if (suppressed_) return true;
-  auto followed = departmentHasMoved();
-  if (!followed) return fail(followed.error());
+  auto following = readFollowing(session_, *categorie_);
+  if (!following) {
+    moveBack(before);
+    return fail(following.error());
+  }
+  takeFollowing(std::move(*following));
+  tellFollowing();
   return true;
 }
 
-Result<> CatalogueSets::departmentHasMoved() {
-  if (auto articles = openArticles(); !articles) return articles;
-  articoli_->moveFirst();
-  if (auto siblings = requerySiblings(); !siblings) return siblings;
+void CatalogueSets::takeFollowing(FollowingLists following) {
+  fratelli_ = std::move(following.fratelli);
+  articoli_ = std::move(following.articoli);
+  departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
+}
+
+void CatalogueSets::tellFollowing() {
   tellStatus();
-  if (suppressed_ || listener_ == nullptr) return {};
+  if (!isHeard()) return;
   listener_->departmentMoved();
   listener_->articlesChanged();
   listener_->articleMoved();
-  return {};
+}
+
+void CatalogueSets::show(CatalogueLists lists) {
+  if (lists.generale) generale_ = std::move(lists.generale);
+  categorie_ = std::move(lists.categorie);
+  tree_ = std::move(lists.tree);
+  if (lists.articles) setArticleCount(*lists.articles);
+  takeFollowing(std::move(lists.following));
+  if (isHeard()) listener_->treeRebuilt();
+  tellFollowing();
+}
+
+void CatalogueSets::showArticles(Recordset articles, std::int64_t ofShop) {
+  articoli_ = std::move(articles);
+  departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
+  if (isHeard()) listener_->articlesChanged();
+  setArticleCount(ofShop);
+  tellStatus();
+  if (isHeard()) listener_->articleMoved();
 }
 
 Result<bool> CatalogueSets::goToArticle(std::int64_t ID) {
   auto found = articoli_->seek("ID", Value(ID));
-  if (found && *found && !suppressed_ && listener_ != nullptr) listener_->articleMoved();
+  if (found && *found && isHeard()) listener_->articleMoved();
   return found;
 }
 
@@ -128,24 +146,36 @@ void CatalogueSets::goToArticlePlace(std::size_t place) {
   } else {
     leaveRows(*articoli_);
   }
-  if (!suppressed_ && listener_ != nullptr) listener_->articleMoved();
+  if (isHeard()) listener_->articleMoved();
 }
 
 Result<bool> CatalogueSets::MostraArticolo(std::int64_t ID) {
   auto row = session_.catalogue.prepare("SELECT catID FROM articoli WHERE ID = ?");
   if (!row) return fail(row.error());
   row->bind(1, ID);
-  auto found = row->step();
-  if (!found || !*found) return found;
-  const std::string holder(row->text(0));
+  auto holds = row->step();
+  if (!holds || !*holds) return holds;
+  const Value holder{std::string(row->text(0))};
   row->reset();
-  auto reached = goToDepartment(holder);
+  const std::size_t before = categorie_->position();
+  auto reached = categorie_->seek("ID", holder);
   if (!reached || !*reached) return reached;
-  return goToArticle(ID);
+  auto following = readFollowing(session_, *categorie_);
+  auto found = following ? following->articoli.seek("ID", Value(ID)) : Result<bool>(fail(following.error()));
+  if (!found) {
+    moveBack(before);
+    return found;
+  }
+  takeFollowing(std::move(*following));
+  tellFollowing();
+  return found;
 }
 
 Result<> CatalogueSets::store(EditedSet set, std::string_view column, const Value& value) {
   Recordset& rows = edited(set);
+  const bool isTitle = set == EditedSet::Categorie && column == "titolo";
+  if (auto read = isTitle ? rows.load() : Result<>(); !read) return read;
+  const std::string ID = isTitle ? department() : std::string();
   if (auto begun = rows.edit(); !begun) return begun;
   auto done = rows.set(column, value);
   if (done) done = rows.update();
@@ -153,93 +183,39 @@ Result<> CatalogueSets::store(EditedSet set, std::string_view column, const Valu
     rows.cancelUpdate();
     return done;
   }
-  if (set != EditedSet::Categorie || column != "titolo") return {};
-  const std::string ID = department();
+  if (!isTitle) return {};
   const std::string title = asText(value);
   const auto node = std::ranges::find(tree_, ID, &TreeNode::ID);
   if (node != tree_.end()) node->titolo = title;
-  if (!suppressed_ && listener_ != nullptr) listener_->titleChanged(ID, title);
+  if (isHeard()) listener_->titleChanged(ID, title);
   return {};
 }
 
 Result<> CatalogueSets::CostruisciAlbero(int mode) {
+  auto nodes = readTree(session_);
+  if (!nodes) return fail(nodes.error());
   if (mode == 1) {
-    if (auto again = requeryDepartments(); !again) return again;
+    auto departments = readDepartments(session_);
+    if (!departments) return fail(departments.error());
+    categorie_ = std::move(*departments);
   }
-  auto rows =
-      session_.catalogue.prepare("SELECT ID, genitore, titolo" +
-                                 std::string(languageSuffixes[static_cast<std::size_t>(session_.currentLanguage - 1)]) +
-                                 ", livello FROM categorie " + departmentOrder);
-  if (!rows) return fail(rows.error());
-  std::vector<TreeNode> nodes;
-  for (;;) {
-    auto row = rows->step();
-    if (!row) return fail(row.error());
-    if (!*row) break;
-    nodes.push_back({std::string(rows->text(0)), std::string(rows->isNull(1) ? treeRoot : rows->text(1)),
-                     std::string(rows->isNull(2) ? untitled : rows->text(2)), rows->integer(3)});
-  }
-  tree_ = std::move(nodes);
-  if (!suppressed_ && listener_ != nullptr) listener_->treeRebuilt();
+  tree_ = std::move(*nodes);
+  if (isHeard()) listener_->treeRebuilt();
   return {};
-}
-
-Result<> CatalogueSets::openArticles() {
-  auto rows = open("articoli", "WHERE catID=" + literal(department()) + " ORDER BY ordinamento");
-  if (!rows) return fail(rows.error());
-  articoli_.emplace(std::move(*rows));
-  departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
-  leaveRows(*articoli_);
-  return {};
-}
-
-Result<> CatalogueSets::openSiblings() {
-  // No department has the parent "#", so the list is empty while the cursor is on none.
-  std::string parent = "#";
-  if (onDepartment()) {
-    const Value held = categorie_->get("genitore");
-    parent = isNull(held) ? std::string(treeRoot) : asText(held);
-  }
-  const std::string condition =
-      parent == treeRoot ? "(genitore='###' OR genitore IS NULL)" : "genitore=" + literal(parent);
-  auto rows = open("categorie", "WHERE " + condition + " ORDER BY livello, ordinamento");
-  if (!rows) return fail(rows.error());
-  fratelli_.emplace(std::move(*rows));
-  if (!onDepartment()) return {};
-  auto found = fratelli_->seek("ID", Value(department()));
-  return found ? Result<>() : fail(found.error());
-}
-
-Result<> CatalogueSets::requeryArticles() {
-  if (auto opened = openArticles(); !opened) return opened;
-  if (!suppressed_ && listener_ != nullptr) listener_->articlesChanged();
-  return {};
-}
-Result<> CatalogueSets::requerySiblings() { return openSiblings(); }
-
-Result<> CatalogueSets::requeryDepartments() {
-  if (auto again = categorie_->requery(); !again) return again;
-  leaveRows(*categorie_);
-  return {};
-}
-
-void CatalogueSets::addArticles(std::int64_t number) {
-  constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-  session_.articleCount = static_cast<std::int32_t>(std::clamp<std::int64_t>(session_.articleCount + number, 0, most));
-  if (departmentArticles_ >= 0) departmentArticles_ = std::max<std::int64_t>(departmentArticles_ + number, 0);
-  tellStatus();
 }
 
 Result<> CatalogueSets::recount() {
-  auto total = session_.catalogue.scalar("SELECT COUNT(*) AS nArt FROM articoli");
+  auto total = countAllArticles(session_);
   if (!total) return fail(total.error());
-  session_.articleCount = 0;
-  const std::int64_t here = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
-  departmentArticles_ = -1;
-  addArticles(asInteger(*total));
-  departmentArticles_ = here;
+  setArticleCount(*total);
+  departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
   tellStatus();
   return {};
+}
+
+void CatalogueSets::setArticleCount(std::int64_t ofShop) {
+  constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+  session_.articleCount = static_cast<std::int32_t>(std::clamp<std::int64_t>(ofShop, 0, most));
 }
 
 std::string CatalogueSets::statusLine() const {
@@ -248,7 +224,7 @@ std::string CatalogueSets::statusLine() const {
 }
 
 void CatalogueSets::tellStatus() {
-  if (!suppressed_ && listener_ != nullptr) listener_->statusChanged();
+  if (isHeard()) listener_->statusChanged();
 }
 
 }  // namespace kv

@@ -45,16 +45,16 @@ class BusyPointer {
   const EditingHooks& hooks_;
 };
 
-/// Numbers `count` new articles, each behind the one before it; the first behind element `current`. `keys` has 0 for a
+/// Numbers `count` new articles, each after the one before it; the first after element `current`. `keys` has 0 for a
 /// new one.
 OrderedList roomFor(OrderedList list, std::optional<std::size_t> current, std::size_t count) {
   for (std::size_t n = 0; n < count; ++n) {
     const OrderPlan plan = planAfter(list.orders, current);
     for (std::size_t i = 0; i < plan.moved.size(); ++i) list.orders[plan.firstMoved + i] = plan.moved[i];
-    const std::size_t place = current ? *current + 1 : list.orders.size();
-    list.orders.insert(list.orders.begin() + static_cast<std::ptrdiff_t>(place), plan.order);
-    list.keys.insert(list.keys.begin() + static_cast<std::ptrdiff_t>(place), 0);
-    current = place;
+    const std::size_t index = current ? *current + 1 : list.orders.size();
+    list.orders.insert(list.orders.begin() + static_cast<std::ptrdiff_t>(index), plan.order);
+    list.keys.insert(list.keys.begin() + static_cast<std::ptrdiff_t>(index), 0);
+    current = index;
   }
   return list;
 }
@@ -74,9 +74,11 @@ Result<> TreeEditing::copyArticles(const std::string& condition, const Value& va
 
 Result<> TreeEditing::CopiaArticolo() {
   if (!sets_.onArticle()) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
-  if (auto copied = copyArticles("ID = ?", Value(sets_.article())); !copied) return copied;
+  if (auto copied = copyArticles("ID = ?", Value(at->article)); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
   if (hooks_.StatoComando) {
     hooks_.StatoComando("incolla articolo", true);
@@ -89,10 +91,12 @@ Result<> TreeEditing::CopiaReparto() {
   if (!sets_.onDepartment()) return {};
   const bool withArticles =
       sets_.departmentArticles() > 0 && ask("Copiare anche tutti gli articoli del reparto?", Answer::Yes);
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   Database& catalogue = sets_.session().catalogue;
-  const Value ID(sets_.department());
+  const Value ID(at->department);
   if (withArticles) {
     if (auto copied = copyArticles("catID = ?", ID); !copied) return copied;
   }
@@ -123,16 +127,15 @@ Result<> TreeEditing::fill(std::string_view table, std::string_view clipboard, s
                  {Value(from), Value(to)});
 }
 
-/// Pastes all rows of the clipboard, which holds some, behind the current article; the ID of the last one.
-Result<std::int64_t> TreeEditing::pasteArticles() {
+/// Pastes all rows of the clipboard, which holds some, after an article of a department, or after all when it has none
+/// such; the ID of the last one.
+Result<std::int64_t> TreeEditing::pasteArticles(const CatalogueCursors& at) {
   Database& catalogue = sets_.session().catalogue;
   auto clipped = readOrder(catalogue, "SELECT rowid, 0 FROM cliparticoli WHERE ? = 0 ORDER BY rowid", Value(0));
   if (!clipped) return fail(clipped.error());
-  auto list = readOrder(catalogue, "SELECT ID, ordinamento FROM articoli WHERE catID = ? ORDER BY ordinamento, ID",
-                        Value(sets_.department()));
+  auto list = readOrder(catalogue, articlesInOrder, Value(at.department));
   if (!list) return fail(list.error());
-  std::optional<std::size_t> current;
-  if (sets_.onArticle()) current = sets_.dataArticoli().position();
+  const auto current = list->positionOf(at.article);
   const std::vector<std::int64_t> oldOrders = list->orders;
   const OrderedList wanted = roomFor(std::move(*list), current, clipped->keys.size());
   auto names = carriedColumns(catalogue, "articoli");
@@ -140,8 +143,7 @@ Result<std::int64_t> TreeEditing::pasteArticles() {
   auto insert = catalogue.prepare("INSERT INTO articoli (catID, ordinamento, " + *names + ") SELECT ?, ?, " + *names +
                                   " FROM cliparticoli WHERE rowid = ?");
   if (!insert) return fail(insert.error());
-  const std::string department = sets_.department();
-  insert->bind(1, department);
+  insert->bind(1, at.department);
   OrderWriter orders(catalogue, writeArticleOrder);
   std::size_t old = 0;
   std::size_t fresh = 0;
@@ -161,28 +163,30 @@ Result<std::int64_t> TreeEditing::pasteArticles() {
   return asInteger(*last);
 }
 
+/// Whether the articles of the clipboard are to be pasted: there are some, and of several the merchant says so.
+Result<bool> TreeEditing::wantsArticles() {
+  auto count = sets_.session().catalogue.scalar("SELECT COUNT(*) FROM cliparticoli");
+  if (!count) return fail(count.error());
+  if (asInteger(*count) < 2) return asInteger(*count) > 0;
+  return ask("Saranno incollati" + plainNumber(asInteger(*count)) + " articoli. Procedere?", Answer::Yes);
+}
+
 Result<> TreeEditing::IncollaArticoli() {
   if (!sets_.onDepartment()) {
     user_.message("Per incollare gli articoli è necessario selezionare un reparto.", Icon::Exclamation);
     return {};
   }
-  auto count = sets_.session().catalogue.scalar("SELECT COUNT(*) FROM cliparticoli");
-  if (!count) return fail(count.error());
-  if (asInteger(*count) == 0) return {};
-  if (asInteger(*count) > 1 &&
-      !ask("Saranno incollati" + plainNumber(asInteger(*count)) + " articoli. Procedere?", Answer::Yes)) {
-    return {};
-  }
+  auto wanted = wantsArticles();
+  if (!wanted) return fail(wanted.error());
+  if (!*wanted) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
   const BusyPointer pointer(hooks_);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
-  auto last = pasteArticles();
+  auto last = pasteArticles(*at);
   if (!last) return fail(last.error());
-  if (auto kept = change.keep(); !kept) return kept;
-  if (auto again = sets_.requeryArticles(); !again) return again;
-  if (auto counted = sets_.recount(); !counted) return counted;
-  auto found = sets_.goToArticle(*last);
-  return found ? Result<>() : fail(found.error());
+  return change.keepAndShowArticle(at->department, *last);
 }
 
 Result<> TreeEditing::IncollaReparto() {
@@ -192,20 +196,19 @@ Result<> TreeEditing::IncollaReparto() {
   if (isNull(*clipped)) return {};
   auto withArticles = catalogue.scalar("SELECT incolla_articoli FROM clipcategorie LIMIT 1");
   if (!withArticles) return fail(withArticles.error());
-  // The new department and its content come in one step: the outer transaction holds the inner ones.
-  if (auto begun = catalogue.begin(); !begun) return begun;
-  auto done = sets_.onDepartment() ? InserisciRepartoPrima() : NuovoSottoreparto();
-  const std::string made = sets_.department();
-  if (done)
-    done = fill("categorie", "clipcategorie", asInteger(*clipped), asInteger(sets_.dataCategorie().get("contatore")));
-  if (done && asFlag(*withArticles)) done = IncollaArticoli();
-  if (!done) {
-    catalogue.rollback();
-    if (auto back = finishAt(std::string(treeRoot)); !back) return back;
-    return done;
+  auto wanted = asFlag(*withArticles) ? wantsArticles() : Result<bool>(false);
+  if (!wanted) return fail(wanted.error());
+  std::optional<BusyPointer> pointer;
+  if (*wanted) pointer.emplace(hooks_);
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  auto made = sets_.onDepartment() ? NuovoReparto(false) : addUnderCurrent();
+  if (!made) return fail(made.error());
+  if (auto filled = fill("categorie", "clipcategorie", asInteger(*clipped), made->contatore); !filled) return filled;
+  if (*wanted) {
+    if (auto pasted = pasteArticles({made->ID, 0}); !pasted) return fail(pasted.error());
   }
-  if (auto kept = catalogue.commit(); !kept) return kept;
-  return finishAt(made);
+  return change.keepAndShow(made->ID, *wanted);
 }
 
 }  // namespace kv

@@ -8,7 +8,7 @@
 namespace kv {
 namespace {
 
-/// The tree by key: who hangs under whom, and where each stands in the tree's own order (the root is the first).
+/// The tree by key: who hangs under whom, and the tree's own order (the root is the first).
 class DraggedTree {
  public:
   explicit DraggedTree(const std::vector<TreeNode>& nodes) : nodes_(nodes) {
@@ -68,8 +68,7 @@ Result<> TreeEditing::SpostaNodo(const std::string& key, const std::string& nuov
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   if (auto written = tree.write(sets_.session().catalogue); !written) return written;
-  if (auto kept = change.keep(); !kept) return kept;
-  return finishAt(key);
+  return change.keepAndShow(key);
 }
 
 }  // namespace kv

@@ -20,99 +20,90 @@ std::string departmentKey(std::int64_t contatore) { return "cat" + formatNumber(
 
 }  // namespace
 
-/// Shows the tree as it now stands, and goes to a department.
-Result<> TreeEditing::finishAt(const std::string& department) {
-  if (auto built = sets_.CostruisciAlbero(1); !built) return built;
-  auto found = sets_.goToDepartment(department);
-  return found ? Result<>() : fail(found.error());
-}
-
-Result<std::string> TreeEditing::addDepartment(std::int64_t ordine, const std::string& genitore, std::int64_t livello,
-                                               bool sideBySide) {
-  Recordset& rows = sets_.dataCategorie();
-  if (auto begun = rows.addNew(); !begun) return fail(begun.error());
-  const std::string key = departmentKey(asInteger(rows.get("contatore")));
-  std::vector<std::pair<std::string_view, Value>> fields{{"ordinamento", Value(ordine)},
-                                                         {"genitore", Value(genitore)},
+/// Adds the row through a record set of its own: the one that is shown has no draft then that a failure leaves open.
+Result<TreeEditing::NewDepartment> TreeEditing::addDepartment(const DepartmentPlan& plan) {
+  auto rows = departmentsToAdd(sets_.session());
+  if (!rows) return fail(rows.error());
+  if (auto begun = rows->addNew(); !begun) return fail(begun.error());
+  const std::int64_t contatore = asInteger(rows->get("contatore"));
+  const std::string key = departmentKey(contatore);
+  std::vector<std::pair<std::string_view, Value>> fields{{"ordinamento", Value(plan.ordine)},
+                                                         {"genitore", Value(plan.genitore)},
                                                          {"ID", Value(key)},
                                                          {"pagina", Value(key)},
-                                                         {"livello", Value(livello)},
+                                                         {"livello", Value(plan.livello)},
                                                          {"template", Value(model_)},
                                                          {"titolo", Value(std::string("Nuovo Reparto"))}};
-  if (sideBySide) fields.emplace_back("affiancati", Value(std::string(" ")));
+  if (plan.sideBySide) fields.emplace_back("affiancati", Value(std::string(" ")));
   for (const auto& [column, value] : fields) {
-    if (auto set = rows.set(column, value); !set) {
-      rows.cancelUpdate();
-      return fail(set.error());
-    }
+    if (auto set = rows->set(column, value); !set) return fail(set.error());
   }
-  if (auto done = rows.update(); !done) return fail(done.error());
-  return key;
+  if (auto done = rows->update(); !done) return fail(done.error());
+  return NewDepartment{contatore, key};
 }
 
-Result<std::string> TreeEditing::NuovoReparto(std::int64_t ordine) {
-  Recordset& current = sets_.dataCategorie();
-  const Value parent = current.get("genitore");
-  return addDepartment(ordine, isNull(parent) ? std::string(treeRoot) : asText(parent),
-                       asInteger(current.get("livello")), true);
+Result<TreeEditing::NewDepartment> TreeEditing::NuovoReparto(bool after) {
+  auto current = readCurrent(sets_);
+  if (!current) return fail(current.error());
+  Database& catalogue = sets_.session().catalogue;
+  auto list = readOrder(catalogue, siblingsInOrder, Value(current->genitore));
+  if (!list) return fail(list.error());
+  const auto position = list->positionOf(current->contatore);
+  const OrderPlan plan = after ? planAfter(list->orders, position) : planBefore(list->orders, position);
+  OrderWriter orders(catalogue, writeDepartmentOrder);
+  for (std::size_t i = 0; i < plan.moved.size(); ++i) {
+    if (auto moved = orders.write(list->keys[plan.firstMoved + i], plan.moved[i]); !moved) return fail(moved.error());
+  }
+  return addDepartment({plan.order, current->genitore, current->livello, true});
 }
 
 Result<> TreeEditing::insertDepartment(bool after) {
   if (!sets_.onDepartment()) return {};
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
-  Database& catalogue = sets_.session().catalogue;
-  Recordset& siblings = sets_.dataFratelli();
-  OrderedList list;
-  const std::size_t place = siblings.position();
-  for (siblings.moveFirst(); !siblings.eof(); siblings.moveNext()) {
-    list.keys.push_back(asInteger(siblings.get("contatore")));
-    list.orders.push_back(asInteger(siblings.get("ordinamento")));
-  }
-  std::optional<std::size_t> current;
-  if (place < list.keys.size()) current = place;
-  const OrderPlan plan = after ? planAfter(list.orders, current) : planBefore(list.orders, current);
-  OrderWriter orders(catalogue, writeDepartmentOrder);
-  for (std::size_t i = 0; i < plan.moved.size(); ++i) {
-    if (auto moved = orders.write(list.keys[plan.firstMoved + i], plan.moved[i]); !moved) return moved;
-  }
-  auto key = NuovoReparto(plan.order);
-  if (!key) return fail(key.error());
-  if (auto kept = change.keep(); !kept) return kept;
-  return finishAt(*key);
+  auto made = NuovoReparto(after);
+  if (!made) return fail(made.error());
+  return change.keepAndShow(made->ID);
 }
 
 Result<> TreeEditing::InserisciRepartoDopo() { return insertDepartment(true); }
 Result<> TreeEditing::InserisciRepartoPrima() { return insertDepartment(false); }
 
-Result<std::string> TreeEditing::addUnderCurrent() {
+Result<TreeEditing::NewDepartment> TreeEditing::addUnderCurrent() {
   Database& catalogue = sets_.session().catalogue;
-  const std::string parent = sets_.department();
-  const std::int64_t level = sets_.onDepartment() ? asInteger(sets_.dataCategorie().get("livello")) + 1 : 1;
+  std::string parent(treeRoot);
+  std::int64_t level = 1;
+  if (sets_.onDepartment()) {
+    auto current = readCurrent(sets_);
+    if (!current) return fail(current.error());
+    parent = current->ID;
+    level = current->livello + 1;
+  }
   auto last = scalarWith(catalogue,
                          "SELECT ordinamento FROM categorie WHERE COALESCE(genitore, '###') = ? "
                          "ORDER BY livello DESC, ordinamento DESC, contatore DESC LIMIT 1",
                          {Value(parent)});
   if (!last) return fail(last.error());
-  auto key = addDepartment(isNull(*last) ? 1 : asInteger(*last) + 1, parent, level, false);
-  if (!key || parent == treeRoot) return key;
+  auto made = addDepartment({isNull(*last) ? 1 : asInteger(*last) + 1, parent, level, false});
+  if (!made || parent == treeRoot) return made;
   auto marked = runWith(catalogue, "UPDATE categorie SET hafigli = 1 WHERE ID = ?", {Value(parent)});
   if (!marked) return fail(marked.error());
-  return key;
+  return made;
 }
 
 Result<> TreeEditing::NuovoSottoreparto() {
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
-  auto key = addUnderCurrent();
-  if (!key) return fail(key.error());
-  if (auto kept = change.keep(); !kept) return kept;
-  return finishAt(*key);
+  auto made = addUnderCurrent();
+  if (!made) return fail(made.error());
+  return change.keepAndShow(made->ID);
 }
 
 Result<> TreeEditing::EliminaReparto() {
   if (!sets_.onDepartment()) return {};
-  if (asFlag(sets_.dataCategorie().get("hafigli"))) {
+  auto current = readCurrent(sets_);
+  if (!current) return fail(current.error());
+  if (current->hafigli) {
     user_.message(hasChildren, Icon::Exclamation);
     return {};
   }
@@ -123,18 +114,15 @@ Result<> TreeEditing::EliminaReparto() {
     user_.message(lastOne, Icon::Exclamation);
     return {};
   }
-  return deleteDepartment();
+  return deleteDepartment(current->ID, current->genitore);
 }
 
-Result<> TreeEditing::deleteDepartment() {
+Result<> TreeEditing::deleteDepartment(const std::string& department, const std::string& parent) {
   Database& catalogue = sets_.session().catalogue;
-  const Value ID(sets_.department());
-  const Value held = sets_.dataCategorie().get("genitore");
-  const std::string parent = isNull(held) ? std::string(treeRoot) : asText(held);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   for (const char* statement : {"DELETE FROM categorie WHERE ID = ?", "DELETE FROM articoli WHERE catID = ?"}) {
-    if (auto done = runWith(catalogue, statement, {ID}); !done) return done;
+    if (auto done = runWith(catalogue, statement, {Value(department)}); !done) return done;
   }
   if (parent != treeRoot) {
     auto left = runWith(catalogue,
@@ -143,9 +131,7 @@ Result<> TreeEditing::deleteDepartment() {
                         {Value(parent)});
     if (!left) return left;
   }
-  if (auto kept = change.keep(); !kept) return kept;
-  if (auto done = finishAt(parent); !done) return done;
-  return sets_.recount();
+  return change.keepAndShow(parent, true);
 }
 
 }  // namespace kv

@@ -1,17 +1,76 @@
 #include "store/catalogue/tree_change.h"
 
+#include <algorithm>
+
 namespace kv {
 namespace {
 
 Result<Statement> prepareWith(Database& database, std::string_view sql, std::initializer_list<Value> values) {
   auto statement = database.prepare(sql);
   if (!statement) return statement;
-  int place = 0;
-  for (const Value& value : values) statement->bind(++place, value);
+  int parameter = 0;
+  for (const Value& value : values) statement->bind(++parameter, value);
   return statement;
 }
 
 }  // namespace
+
+Result<> TreeChange::keep() {
+  kept_ = true;
+  auto done = sets_.session().catalogue.commit();
+  sets_.suppress(false);
+  return done;
+}
+
+Result<> TreeChange::keepAndShow(const std::string& department, bool recounted) {
+  auto lists = readLists(sets_.session(), {department, 0});
+  if (!lists) return fail(lists.error());
+  if (recounted) {
+    auto articles = countAllArticles(sets_.session());
+    if (!articles) return fail(articles.error());
+    lists->articles = *articles;
+  }
+  if (auto kept = keep(); !kept) return kept;
+  sets_.show(std::move(*lists));
+  return {};
+}
+
+Result<> TreeChange::keepArticles(Recordset articles) {
+  auto ofShop = countAllArticles(sets_.session());
+  if (!ofShop) return fail(ofShop.error());
+  if (auto kept = keep(); !kept) return kept;
+  sets_.showArticles(std::move(articles), *ofShop);
+  return {};
+}
+
+Result<> TreeChange::keepAndShowArticle(const std::string& department, std::int64_t article) {
+  auto articles = readArticles(sets_.session(), department);
+  if (!articles) return fail(articles.error());
+  if (auto found = articles->seek("ID", Value(article)); !found) return fail(found.error());
+  return keepArticles(std::move(*articles));
+}
+
+Result<> TreeChange::keepAndShowPosition(const std::string& department, std::size_t position) {
+  auto articles = readArticles(sets_.session(), department);
+  if (!articles) return fail(articles.error());
+  if (articles->size() > 0) articles->moveTo(std::min(position, articles->size() - 1));
+  return keepArticles(std::move(*articles));
+}
+
+Result<CurrentDepartment> readCurrent(CatalogueSets& sets) {
+  Recordset& rows = sets.dataCategorie();
+  if (auto read = rows.load(); !read) return fail(read.error());
+  const Value parent = rows.get("genitore");
+  return CurrentDepartment{asInteger(rows.get("contatore")), asText(rows.get("ID")),
+                           isNull(parent) ? std::string(treeRoot) : asText(parent), asInteger(rows.get("livello")),
+                           asFlag(rows.get("hafigli"))};
+}
+
+std::optional<std::size_t> OrderedList::positionOf(std::int64_t key) const {
+  const auto found = std::ranges::find(keys, key);
+  if (found == keys.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - keys.begin());
+}
 
 Result<> runWith(Database& database, std::string_view sql, std::initializer_list<Value> values) {
   auto statement = prepareWith(database, sql, values);
@@ -42,7 +101,11 @@ Result<OrderedList> readOrder(Database& database, std::string_view sql, const Va
 }
 
 Result<> OrderWriter::write(std::int64_t key, std::int64_t order) {
-  if (!statement_) return fail(statement_.error());
+  if (!statement_) {
+    auto prepared = database_.prepare(update_);
+    if (!prepared) return fail(prepared.error());
+    statement_ = std::move(*prepared);
+  }
   statement_->bind(1, order);
   statement_->bind(2, key);
   return statement_->execute();

@@ -1,6 +1,9 @@
 #pragma once
-// What the commands of the tree share: the listener held back, a transaction that is undone unless it is kept, and
+// What the commands of the tree share: a transaction that is undone unless it is kept, what is shown when it is, and
 // small statements with values. Private to store/.
+//
+// A command reads what it writes by, writes, reads what is to be shown, keeps the change, and shows: whatever fails
+// before the keeping leaves catalogue, lists and cursors as they were, and nothing can fail after it.
 
 #include <initializer_list>
 #include <optional>
@@ -24,20 +27,36 @@ class TreeChange {
     sets_.suppress(false);
   }
 
+  /// Whether there is a transaction to write in; InUse as Database::begin.
   const Result<>& begun() const { return begun_; }
-  /// Commits, and lets the handlers of the cursors work again.
-  Result<> keep() {
-    kept_ = true;
-    auto done = sets_.session().catalogue.commit();
-    sets_.suppress(false);
-    return done;
-  }
+  /// Commits, and lets the handlers of the cursors work again. A failure has rolled back.
+  Result<> keep();
+  /// Keeps, and shows the catalogue as it now is, the cursors on a department ("###": on none) and its first article.
+  /// recounted: whether the number of the shop's articles may have changed.
+  Result<> keepAndShow(const std::string& department, bool recounted = false);
+  /// Keeps, and shows the articles of the current department, the cursor on one of them.
+  Result<> keepAndShowArticle(const std::string& department, std::int64_t article);
+  /// The same with the cursor on a position of the list, from 0: on the last article when it isn't that long.
+  Result<> keepAndShowPosition(const std::string& department, std::size_t position);
 
  private:
+  Result<> keepArticles(Recordset articles);
+
   CatalogueSets& sets_;
   Result<> begun_;
   bool kept_ = false;
 };
+
+/// A department as a command finds it in the catalogue.
+struct CurrentDepartment {
+  std::int64_t contatore = 0;  ///< serial number
+  std::string ID;
+  std::string genitore;  ///< ID of the parent; "###" for the root, also where none is stored
+  std::int64_t livello = 1;
+  bool hafigli = false;  ///< has sub-departments
+};
+/// The one that the cursor is on; it is on one.
+Result<CurrentDepartment> readCurrent(CatalogueSets& sets);
 
 /// Runs a statement with values in place of its question marks.
 Result<> runWith(Database& database, std::string_view sql, std::initializer_list<Value> values);
@@ -47,17 +66,31 @@ Result<Value> scalarWith(Database& database, std::string_view sql, std::initiali
 /// A list in its order: the keys of the rows (articles: ID, departments: contatore) and their order numbers.
 struct OrderedList {
   std::vector<std::int64_t> keys, orders;
-};
-Result<OrderedList> readOrder(Database& database, std::string_view sql, const Value& value);
 
-/// Gives rows their new order numbers, key by key. `update` takes the number and the key.
+  /// Where a key is, from 0; none when it isn't there.
+  std::optional<std::size_t> positionOf(std::int64_t key) const;
+};
+/// The rows of a query for a key and an order number, `value` at its question mark.
+Result<OrderedList> readOrder(Database& database, std::string_view sql, const Value& value);
+/// For the articles of a department.
+inline constexpr std::string_view articlesInOrder =
+    "SELECT ID, ordinamento FROM articoli WHERE catID = ? ORDER BY ordinamento, ID";
+/// For the departments under a parent; those without any are under the root.
+inline constexpr std::string_view siblingsInOrder =
+    "SELECT contatore, ordinamento FROM categorie WHERE genitore = ?1 OR (genitore IS NULL AND ?1 = '###') "
+    "ORDER BY livello, ordinamento, contatore";
+
+/// Gives rows their new order numbers, key by key. `update` takes the number and the key, and outlives it.
 class OrderWriter {
  public:
-  OrderWriter(Database& database, std::string_view update) : statement_(database.prepare(update)) {}
+  OrderWriter(Database& database, std::string_view update) : database_(database), update_(update) {}
+  /// Writes one number; the first prepares the statement. Failures: as Database::prepare and Statement::execute.
   Result<> write(std::int64_t key, std::int64_t order);
 
  private:
-  Result<Statement> statement_;
+  Database& database_;
+  std::string_view update_;
+  std::optional<Statement> statement_;
 };
 inline constexpr std::string_view writeArticleOrder = "UPDATE articoli SET ordinamento = ? WHERE ID = ?";
 inline constexpr std::string_view writeDepartmentOrder = "UPDATE categorie SET ordinamento = ? WHERE contatore = ?";

@@ -1,7 +1,7 @@
 #pragma once
 // The commands of the merchant on the tree of departments and its articles: insert, move, delete, copy, paste, drag.
 // Each acts on the open catalogue in one transaction, keeps its invariants by itself, and leaves the cursors on what
-// was made or moved. A failure of the store leaves the catalogue as it was, with the cursors requeried.
+// was made or moved. A failure of the store leaves catalogue, lists and cursors as they were.
 
 #include <cstdint>
 #include <functional>
@@ -13,63 +13,87 @@
 
 namespace kv {
 
+/// Which of the two lists a move is about.
 enum class TreeList { Articles = 0, Departments = 1 };
 
 /// What of the window the commands reach for; either may be empty.
 struct EditingHooks {
   /// Enables or disables a command by its key.
   std::function<void(std::string_view key, bool enabled)> StatoComando;
-  /// Shows the busy pointer, or the usual one again.
+  /// Shows the wait cursor, or the usual one again.
   std::function<void(bool busy)> pointer;
 };
 
 class TreeEditing {
  public:
+  /// The sets are bound whenever a command runs.
   TreeEditing(CatalogueSets& sets, UserPort& user, EditingHooks hooks = {})
       : sets_(sets), user_(user), hooks_(std::move(hooks)) {}
 
   /// The page model that the window's list shows: the one a new department starts with.
   void showModel(std::string model) { model_ = std::move(model); }
 
-  /// A new article behind or before the current one, at the end or the start of the list when none is current; nothing
-  /// without a department. It becomes the current one.
+  /// InserisciArticoloDopo, -Prima (insert an article after, before): a new article after or before the current one, at
+  /// the end or the start of the list when none is current; nothing without a department. It becomes the current one.
   Result<> InserisciArticoloDopo();
   Result<> InserisciArticoloPrima();
-  /// A new department behind or before the current one, under the same parent; nothing without a department.
+  /// InserisciRepartoDopo, -Prima (insert a department after, before): a new department after or before the current
+  /// one, under the same parent; nothing without a department.
   Result<> InserisciRepartoDopo();
   Result<> InserisciRepartoPrima();
-  /// A new last department under the current one, or at the top level when there is none.
+  /// NuovoSottoreparto (new sub-department): the last one under the current department, or at the top level when there
+  /// is none.
   Result<> NuovoSottoreparto();
 
-  /// Exchanges the current row with its neighbour: direzione -1 up, +1 down. At the end of the list nothing changes.
+  /// Sposta (move): exchanges the current row with its neighbour: direzione -1 up, +1 down. At the end of the list
+  /// nothing changes.
   Result<> Sposta(int direzione, TreeList list);
 
-  /// Each asks first, with No as the default; refusals are told.
+  /// EliminaArticolo, EliminaReparto (delete an article, a department): asks first, with No as the default. A
+  /// department with sub-departments, and the only one, stay, and the merchant is told why.
   Result<> EliminaArticolo();
   Result<> EliminaReparto();
 
+  /// CopiaArticolo, CopiaReparto (copy an article, a department) to the clipboard tables of the catalogue. With a
+  /// department go its articles, if the merchant says so; Yes is the default.
   Result<> CopiaArticolo();
   Result<> CopiaReparto();
+  /// IncollaArticoli, IncollaReparto (paste the articles, the department): after the current article; before the
+  /// current department, or at the top level when there is none. Several articles are asked for; Yes is the default.
   Result<> IncollaArticoli();
   Result<> IncollaReparto();
 
   /// SpostaNodo (move a node): hangs a department under another, or under the root. Refused, without a word: onto
-  /// itself or onto its own descendant. All departments take the order numbers of the tree as it then stands.
+  /// itself or onto its own descendant. All departments take the order numbers of the tree that results.
   Result<> SpostaNodo(const std::string& key, const std::string& nuovoParent);
 
  private:
-  Result<> insertArticle(bool after);
-  Result<std::int64_t> NuovoArticolo(std::int64_t ordine);
-  Result<> insertDepartment(bool after);
-  Result<std::string> NuovoReparto(std::int64_t ordine);
-  Result<std::string> addDepartment(std::int64_t ordine, const std::string& genitore, std::int64_t livello,
-                                    bool sideBySide);
-  Result<std::string> addUnderCurrent();
-  Result<> deleteDepartment();
+  /// What a new department starts with.
+  struct DepartmentPlan {
+    std::int64_t ordine = 1;
+    std::string genitore;
+    std::int64_t livello = 1;
+    bool sideBySide = false;  ///< `affiancati` is a space rather than null
+  };
+  struct NewDepartment {
+    std::int64_t contatore = 0;
+    std::string ID;
+  };
+
+  // Parts of commands; each writes inside the transaction of its command and shows nothing.
+  Result<std::int64_t> NuovoArticolo(const std::string& department, std::int64_t ordine);
+  Result<NewDepartment> NuovoReparto(bool after);
+  Result<NewDepartment> addDepartment(const DepartmentPlan& plan);
+  Result<NewDepartment> addUnderCurrent();
+  Result<bool> exchange(TreeList list, std::int64_t key, const Value& holder, int direzione);
   Result<> copyArticles(const std::string& condition, const Value& value);
   Result<> fill(std::string_view table, std::string_view clipboard, std::int64_t from, std::int64_t to);
-  Result<std::int64_t> pasteArticles();
-  Result<> finishAt(const std::string& department);
+  Result<std::int64_t> pasteArticles(const CatalogueCursors& at);
+
+  Result<> insertArticle(bool after);
+  Result<> insertDepartment(bool after);
+  Result<> deleteDepartment(const std::string& department, const std::string& parent);
+  Result<bool> wantsArticles();
   bool ask(const std::string& text, Answer preset) const;
 
   CatalogueSets& sets_;

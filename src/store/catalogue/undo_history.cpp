@@ -5,9 +5,6 @@
 namespace kv {
 namespace {
 
-// The oldest steps go when the history takes more memory than this; the last one stays, however big.
-constexpr std::size_t mostBytes = std::size_t{64} << 20;
-
 // The clipboard is no matter of the history; and a serial number once given is not given again, whatever is undone.
 bool isWatched(std::string_view table) {
   return !equalsIgnoringCase(table, "cliparticoli") && !equalsIgnoringCase(table, "clipcategorie") &&
@@ -32,15 +29,18 @@ void UndoHistory::clear() {
   size_ = 0;
 }
 
-UndoHistory::Place UndoHistory::place() { return {sets_.department(), sets_.article()}; }
-
 Result<> UndoHistory::record(const std::string& name, const std::function<Result<>()>& command) {
   if (recorder_ == nullptr || depth_ > 0) return command();
   // What was written outside of any command (a build's token, a folder that was reset) is no part of this step.
   if (recorder_->touched()) {
     if (auto others = recorder_->take(); !others) return fail(others.error());
   }
-  Step step{name, {}, place(), {}, 0};
+  auto before = sets_.cursors();
+  if (!before) return fail(before.error());
+  return recordWatched({name, {}, *before, {}, 0}, command);
+}
+
+Result<> UndoHistory::recordWatched(Step step, const std::function<Result<>()>& command) {
   ++depth_;
   auto outcome = command();
   --depth_;
@@ -52,8 +52,9 @@ Result<> UndoHistory::record(const std::string& name, const std::function<Result
     return outcome ? Result<>(fail(changes.error())) : outcome;
   }
   if (changes->empty()) return outcome;
+  if (!outcome && recorder_->revert(*changes)) return outcome;
   step.changes = std::move(*changes);
-  step.after = place();
+  step.after = sets_.cursors().value_or(step.before);
   keep(std::move(step));
   return outcome;
 }
@@ -63,7 +64,7 @@ void UndoHistory::keep(Step step) {
   size_ += step.size;
   undone_.clear();
   done_.push_back(std::move(step));
-  while (size_ > mostBytes && done_.size() > 1) {
+  while (size_ > mostBytes_ && done_.size() > 1) {
     size_ -= done_.front().size;
     done_.pop_front();
   }
@@ -74,38 +75,40 @@ Result<> UndoHistory::redo() { return move(undone_, done_, false); }
 
 Result<> UndoHistory::move(std::deque<Step>& from, std::deque<Step>& to, bool back) {
   if (recorder_ == nullptr || from.empty()) return {};
-  Step step = std::move(from.back());
-  from.pop_back();
-  auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
-  if (!moved) {
-    clear();
+  if (auto moved = exchange(from.back(), back); !moved) {
+    if (moved.error().kind == ErrorKind::Malformed) clear();
     return moved;
   }
-  const Place shown = back ? step.before : step.after;
+  to.push_back(std::move(from.back()));
+  from.pop_back();
   if (back) {
-    size_ -= step.size;
+    size_ -= to.back().size;
   } else {
-    size_ += step.size;
+    size_ += to.back().size;
   }
-  to.push_back(std::move(step));
-  return show(shown);
+  return {};
 }
 
-Result<> UndoHistory::show(const Place& place) {
-  if (refresh_) {
-    if (auto read = refresh_(); !read) return read;
+/// Puts the rows of a step back or forward and shows them; all of it or nothing.
+Result<> UndoHistory::exchange(const Step& step, bool back) {
+  Session& session = sets_.session();
+  if (auto begun = session.catalogue.begin(); !begun) return begun;
+  auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
+  if (moved && refresh_) moved = refresh_();
+  auto settings = moved ? readSettings(session) : Result<Recordset>(fail(moved.error()));
+  auto lists =
+      settings ? readLists(session, back ? step.before : step.after) : Result<CatalogueLists>(fail(settings.error()));
+  auto articles = lists ? countAllArticles(session) : Result<std::int64_t>(fail(lists.error()));
+  if (!articles) {
+    session.catalogue.rollback();
+    if (refresh_) ignore(refresh_(), "the first failure is the one to report");
+    return fail(articles.error());
   }
-  if (auto bound = sets_.bind(); !bound) return bound;
-  if (auto built = sets_.CostruisciAlbero(0); !built) return built;
-  auto found = sets_.goToDepartment(place.department);
-  if (!found) return fail(found.error());
-  if (!*found) {
-    if (auto none = sets_.goToDepartment(treeRoot); !none) return fail(none.error());
-  }
-  if (auto counted = sets_.recount(); !counted) return counted;
-  if (place.article == 0) return {};
-  auto article = sets_.goToArticle(place.article);
-  return article ? Result<>() : fail(article.error());
+  if (auto kept = session.catalogue.commit(); !kept) return kept;
+  lists->generale = std::move(*settings);
+  lists->articles = *articles;
+  sets_.show(std::move(*lists));
+  return {};
 }
 
 }  // namespace kv
