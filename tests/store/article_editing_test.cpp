@@ -153,7 +153,7 @@ TEST_F(ArticleEditing, SeveralArticlesAreAskedForAndLandInTheirOrder) {
   EXPECT_EQ(articles("cat002"), "100|x\n101|a1\n102|a2\n103|a3\n104|y\n");
 }
 
-TEST(OrderPlan, GoesBehindTheLastOneWhenNoneIsCurrent) {
+TEST(OrderPlan, GoesAfterTheLastOneWhenNoneIsCurrent) {
   const std::vector<std::int64_t> orders{100, 105};
   EXPECT_EQ(planAfter(orders, std::nullopt).order, 106);
   EXPECT_EQ(planBefore(orders, std::nullopt).order, 99);
