@@ -19,7 +19,7 @@ help:
 	@echo "make screenshots  a picture of every window and tab, in two sizes and palettes (SHOTS_ARGS=--font 125 ...)"
 	@echo "make fuzz     run each fuzz target for FUZZ_RUNS inputs (now $(FUZZ_RUNS))"
 	@echo "make format   lay out all C++ files"
-	@echo "make lint     clang-tidy and the layout check"
+	@echo "make lint     clang-tidy, the layout check and the list of words"
 	@echo "make check    layout, layers, lint, tests; says how long each took"
 	@echo "make install  install the release build (PREFIX=/usr/local, DESTDIR=)"
 	@echo "make package  make a Debian package of the program"
@@ -81,6 +81,7 @@ layers: deps
 
 # The tidy preset runs clang-tidy beside each compilation, so that only what changed is looked at again.
 lint: format-check
+	@tools/check-words
 	@cmake --preset tidy
 	@cmake --build --preset tidy -- -k 0
 

@@ -107,9 +107,9 @@ void insertArticles(Database& catalogue, int articles, int departments) {
     insert.bind(5, Money::ofTenThousandths(90000 + i * 137 % 5000000));
     insert.bind(6, 0.25);
     insert.bind(7, "ceramica.jpg");
-    for (int place = 8; place < 12; ++place) insert.bind(place, std::string_view(title));
-    for (int place = 12; place < 16; ++place) insert.bind(place, "Decoro a foglie, diametro 18 cm");
-    for (int place = 16; place < 20; ++place) insert.bind(place, prose);
+    for (int index = 8; index < 12; ++index) insert.bind(index, std::string_view(title));
+    for (int index = 12; index < 16; ++index) insert.bind(index, "Decoro a foglie, diametro 18 cm");
+    for (int index = 16; index < 20; ++index) insert.bind(index, prose);
     need(insert.execute());
   }
 }
@@ -212,8 +212,8 @@ bool BenchShop::runFloor(const FloorWork& work) {
   for (const FloorTable& table : work.tables) inserts.push_back(need(database.prepare(table.insert)));
   for (std::size_t i = 0; i < work.tables[0].rows.size(); ++i) {
     for (std::size_t t = 0; t < inserts.size(); ++t) {
-      int place = 0;
-      for (const Value& value : work.tables[t].rows[i]) inserts[t].bind(++place, value);
+      int index = 0;
+      for (const Value& value : work.tables[t].rows[i]) inserts[t].bind(++index, value);
       need(inserts[t].execute());
     }
   }

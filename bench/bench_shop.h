@@ -24,7 +24,7 @@ struct FloorWork {
 class BenchShop {
  public:
   /// Makes the shop below `folder`: `articles` in so many departments, texts in all languages. The first hundred
-  /// departments stand at the top, each of the others beneath an earlier one, four beneath each. The application folder
+  /// departments are at the top, each of the others beneath an earlier one, four beneath each. The application folder
   /// is the data that ships.
   BenchShop(std::string folder, int articles, int languages, int departments = 100);
 
@@ -32,7 +32,7 @@ class BenchShop {
   bool build(double* written, UserPort* user = nullptr);
   /// Deletes what builds have produced.
   void clearOutput();
-  /// Bytes of all pages and scripts that stand there.
+  /// The number of bytes of all pages and scripts there.
   std::uintmax_t outputBytes() const;
   /// Reads what the last build left.
   FloorWork loadFloor();

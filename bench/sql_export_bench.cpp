@@ -1,6 +1,6 @@
 // The SQL text of a shop of 100,000 articles, beside `sqlite3 FILE .dump` of the same database, a bare read of all its
 // columns, and mariadb-dump of the same rows in a server. Each runs in a process of its own, all in turn, so that they
-// see the same machine; the fastest of each counts. The export's files and those of .dump stand on the same disk.
+// see the same machine; the fastest of each counts. The export's files and those of .dump are on the same disk.
 //
 // Arguments: --quick (10,000 articles), --no-mariadb; --once ARTICLES exports once in this process, for a profiler.
 

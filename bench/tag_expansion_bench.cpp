@@ -35,7 +35,7 @@ std::string pageText() {
   return text;
 }
 
-// One look at every character, each tag's value appended where it stands: the least any expansion has to do.
+// One look at every character, each tag's value appended in its turn: the least any expansion has to do.
 std::string handWritten(const std::string& text, const MapRow& row) {
   std::string out;
   out.reserve(text.size() + text.size() / 4);

@@ -63,8 +63,8 @@ def copy_articles(catalogue, departments, wanted):
             "WITH RECURSIVE numbers(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM numbers LIMIT ?) "
             f"INSERT INTO articoli (catID, ordinamento, codice, titolo, prezzo, {COPIED}) "
             f"SELECT catID, 1000 + n, codice || '-' || n, titolo || ' ' || n, prezzo + 100 * n, {COPIED} "
-            "FROM numbers INNER JOIN (SELECT *, ROW_NUMBER() OVER (ORDER BY ID) - 1 AS place FROM articoli "
-            "WHERE catID = ?) ON place = n % ?", [max(0, wanted - have), department, have])
+            "FROM numbers INNER JOIN (SELECT *, ROW_NUMBER() OVER (ORDER BY ID) - 1 AS position FROM articoli "
+            "WHERE catID = ?) ON position = n % ?", [max(0, wanted - have), department, have])
 
 
 def requests_per_second(address):

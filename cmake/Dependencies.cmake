@@ -1,4 +1,4 @@
-# Every library from outside, in one place; each has its reason in ARCHITECTURE.md.
+# All libraries from outside; each has its reason in ARCHITECTURE.md.
 find_package(SQLite3 REQUIRED)
 find_package(OpenSSL REQUIRED COMPONENTS Crypto)
 find_package(PkgConfig REQUIRED)

@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (found && (found->width < 1 || found->height < 1)) std::abort();
   if (!found && found.error().kind != kv::ErrorKind::Malformed) std::abort();
   const auto colour = kv::firstPixelOf(bytes);
-  // A picture whose pixel can be told has a size.
+  // A picture whose pixel can be read has a size.
   if (colour && !found) std::abort();
   return 0;
 }

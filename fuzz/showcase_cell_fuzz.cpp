@@ -1,4 +1,4 @@
-// The custom showcase cell `kvan_vet.ini`: whatever its bytes, the cell is one line without blanks around it, and
+// The custom showcase cell `kvan_vet.ini`: whatever its bytes, the cell is one line without spaces around it, and
 // reading it again changes nothing.
 #include <cstdint>
 #include <cstdlib>

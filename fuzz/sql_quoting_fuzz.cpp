@@ -25,10 +25,10 @@ std::string unquoted(std::string_view literal) {
       continue;
     }
     require(++at < literal.size());
-    constexpr std::string_view letters = "0btnr'\"\\", meant("\0\b\t\n\r'\"\\", 8);
-    const std::size_t place = letters.find(literal[at]);
-    require(place != std::string_view::npos);
-    text += meant[place];
+    constexpr std::string_view codes = "0btnr'\"\\", meant("\0\b\t\n\r'\"\\", 8);
+    const std::size_t index = codes.find(literal[at]);
+    require(index != std::string_view::npos);
+    text += meant[index];
   }
   return text;
 }

@@ -1,9 +1,13 @@
-# Tests that are no test programs: the layers, and what must not compile.
+# Tests that are no test programs: the layers, the words, and what must not compile.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 add_test(NAME layers.TheTreeKeepsToItsLayers COMMAND ${CMAKE_SOURCE_DIR}/tools/check-layers)
 add_test(NAME layers.AWrongArrowAndACycleAreFound
   COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_layers_test.py ${CMAKE_SOURCE_DIR})
+
+add_test(NAME words.TheTreeKeepsToPlainWords COMMAND ${CMAKE_SOURCE_DIR}/tools/check-words)
+add_test(NAME words.OddWordsAreFoundWhereTheyAreRead
+  COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_words_test.py ${CMAKE_SOURCE_DIR})
 
 # korvane_must_not_compile(NAME FOLDER SOURCE EXPECTED): SOURCE, compiled as a file of FOLDER, fails with the text
 # EXPECTED. The same file without KORVANE_WRONG compiles, so that it fails for no other reason.
@@ -38,7 +42,7 @@ if(TARGET korvane AND NOT KORVANE_SANITIZE)
   set_tests_properties(access.EveryControlHasANameAndIsReachedByTab PROPERTIES TIMEOUT 600)
 endif()
 
-# The wanted parts of the golden cases, worked out a second time without the program.
+# The wanted parts of the golden cases, computed a second time without the program.
 file(GLOB golden_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/build/*.txt)
 add_test(NAME golden.TheWantedPartsAreWhatTheRulesGive
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/derive.py --check ${golden_cases})

@@ -54,7 +54,7 @@ TEST_F(PaymentModules, TheDescriptorIsReadWithItsBytesAndLineEnds) {
   EXPECT_EQ(ReadKpg(shop, "Bankpass"), "<form>è\r\n</form>\r\n");
 }
 
-TEST_F(PaymentModules, ABlankNameGivesAnEmptyDescriptorAndNoAction) {
+TEST_F(PaymentModules, ANameOfSpacesGivesAnEmptyDescriptorAndNoAction) {
   EXPECT_EQ(ReadKpg(shop, ""), "");
   EXPECT_EQ(ReadKpg(shop, "  "), "");
   EXPECT_EQ(ReadKpgAction(shop, "", ""), "");
@@ -125,7 +125,7 @@ TEST_F(PaymentModules, AShopThatLacksAModuleGetsItsFolderAndItsDescriptor) {
   EXPECT_EQ(read("negozio/code/Paypal.kpg"), "pronto");
 }
 
-TEST_F(PaymentModules, AModuleThatHasAnyFileIsLeftAsItStands) {
+TEST_F(PaymentModules, AModuleThatHasAnyFileIsLeftUnchanged) {
   write("programma/new/code/Cilme/conf.ini", "mid=\r\n");
   write("programma/new/code/Cilme.kpg", "pronto");
   write("negozio/code/Cilme/note.txt", "del negoziante");

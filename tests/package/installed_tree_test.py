@@ -4,7 +4,7 @@ their readers accept, and programs that run from wherever the tree has been move
 
     installed_tree_test.py BUILD VERSION
 
-Outside share/korvane the names stand in expected_files.txt; share/korvane must be the data tree of the build.
+Outside share/korvane the names are in expected_files.txt; share/korvane must be the data tree of the build.
 """
 import filecmp
 import gzip
@@ -55,7 +55,7 @@ class InstalledTree(unittest.TestCase):
         found = [name for name in names(self.tree) if not name.startswith("share/korvane/")]
         self.assertEqual(found, sorted((HERE / "expected_files.txt").read_text(encoding="ascii").split()))
 
-    def test_nothing_stands_outside_the_prefix(self):
+    def test_nothing_is_outside_the_prefix(self):
         outside = [name for name in names(self.home / "dest") if not name.startswith("opt/korvane/")]
         self.assertEqual(outside, [])
 

@@ -71,7 +71,7 @@ TEST_F(ApplicationFolder, ANewlyShippedFileIsAdded) {
   EXPECT_EQ(present("template/rosso/modello1.htm"), "red");
 }
 
-TEST_F(ApplicationFolder, AFileLeftAsShippedIsRenewed) {
+TEST_F(ApplicationFolder, AFileLeftAsShippedIsUpdated) {
   update();
   ship("languages/ita.lng", "ita 2");
   EXPECT_EQ(update(), "0 1 0");
@@ -94,7 +94,7 @@ TEST_F(ApplicationFolder, AChangedFileStaysTheMerchants) {
   EXPECT_EQ(present("catalog.mdb"), "used");
 }
 
-TEST_F(ApplicationFolder, AChangedFilePutBackAsShippedIsRenewedAgain) {
+TEST_F(ApplicationFolder, AChangedFileRestoredAsShippedIsUpdatedAgain) {
   update();
   change("languages/ita.lng", "mine");
   ship("languages/ita.lng", "ita 2");
@@ -114,7 +114,7 @@ TEST_F(ApplicationFolder, ADeletedFileStaysDeleted) {
   EXPECT_FALSE(folderExists(folder + "/template/blu"));
 }
 
-TEST_F(ApplicationFolder, AFileThatStoodThereBeforeItWasShippedIsTheMerchants) {
+TEST_F(ApplicationFolder, AFileThatWasThereBeforeItWasShippedIsTheMerchants) {
   change("languages/ita.lng", "mine");
   EXPECT_EQ(update(), "2 0 1");
   EXPECT_EQ(update(), "0 0 1");
@@ -128,11 +128,11 @@ TEST_F(ApplicationFolder, AnInterruptedFirstStartIsDoneAgain) {
   EXPECT_EQ(update(), "0 1 0");
 }
 
-TEST_F(ApplicationFolder, AnInterruptedRenewalIsDoneAgain) {
+TEST_F(ApplicationFolder, AnInterruptedUpdateIsDoneAgain) {
   update();
   ship("catalog.mdb", "seed 2");
   ship("languages/ita.lng", "ita 2");
-  change("catalog.mdb", "seed 2");  // renewed before the list was written
+  change("catalog.mdb", "seed 2");  // updated before the list was written
   EXPECT_EQ(update(), "0 1 0");
   ship("catalog.mdb", "seed 3");
   EXPECT_EQ(update(), "0 1 0");

@@ -26,7 +26,7 @@ TEST(CaseFolding, LettersOfOtherScriptsAreFoldedToo) {
   EXPECT_TRUE(equalsIgnoringCase("ПРИВЕТ", "привет"));
 }
 
-TEST(CaseFolding, TheTurkishLettersAreNotTheLetterI) {
+TEST(CaseFolding, TheTurkishKindsOfIAreNotAnI) {
   EXPECT_FALSE(equalsIgnoringCase("İ", "i"));
   EXPECT_FALSE(equalsIgnoringCase("ı", "I"));
 }

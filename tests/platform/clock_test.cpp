@@ -1,4 +1,4 @@
-// The machine's time and chance.
+// The machine's time and random numbers.
 #include "platform/ports/clock.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Single files: what is read, what is written, and what a failure leaves behind.
+// Single files: what is read, what is written, and what is left after a failure.
 #include "platform/files/files.h"
 
 #include <fcntl.h>
@@ -186,8 +186,8 @@ TEST(Files, AKillAtAnyMomentLeavesAWholeFile) {
         if (i == 0 && ::write(started[1], "x", 1) != 1) ::_exit(2);
       }
     }
-    char letter = 0;
-    EXPECT_EQ(::read(started[0], &letter, 1), 1);
+    char byte = 0;
+    EXPECT_EQ(::read(started[0], &byte, 1), 1);
     ::usleep(static_cast<useconds_t>(200 * round));
     ::kill(child, SIGKILL);
     int status = 0;
@@ -197,7 +197,7 @@ TEST(Files, AKillAtAnyMomentLeavesAWholeFile) {
     ::close(started[1]);
     const std::string found = readBytes(path).value();
     EXPECT_TRUE(found == odd || found == even);
-    EXPECT_THAT(listFiles(folder.path(), "*"), ElementsAre("a")) << "what the kill left behind is never listed";
+    EXPECT_THAT(listFiles(folder.path(), "*"), ElementsAre("a")) << "the killed write's file is never listed";
   }
 }
 
@@ -270,7 +270,7 @@ TEST(Files, AStampIsSizeAndTimeOfTheLastChange) {
   EXPECT_EQ(kindOf(fileStamp(folder / "c")), ErrorKind::Missing);
 }
 
-TEST(Files, ACopyReplacesWhatStandsThere) {
+TEST(Files, ACopyReplacesTheFileThere) {
   TempFolder folder;
   ASSERT_TRUE(writeBytes(folder / "a", std::string(600000, 'a')));
   ASSERT_TRUE(writeBytes(folder / "b", "old"));
@@ -320,7 +320,7 @@ TEST(Paths, AreJoinedWithOneSeparator) {
   EXPECT_EQ(joinPath("a", ""), "a");
 }
 
-TEST(Paths, AreTakenApartAtTheLastSeparator) {
+TEST(Paths, AreDividedAtTheLastSeparator) {
   EXPECT_EQ(baseName("a/b/c.htm"), "c.htm");
   EXPECT_EQ(baseName("c.htm"), "c.htm");
   EXPECT_EQ(baseName("a/"), "");

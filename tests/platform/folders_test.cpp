@@ -152,7 +152,7 @@ TEST(EmptyFolder, StopsAtAFailure) {
   EXPECT_EQ(emptyFolder(folder / "none").error().kind, ErrorKind::Missing);
 }
 
-TEST(CopyTree, CopiesFoldersAndFilesOverWhatStandsThere) {
+TEST(CopyTree, CopiesFoldersAndFilesOverThoseThere) {
   TempFolder folder;
   put(folder / "from/a", "new");
   put(folder / "from/sub/deep/b", "b");
@@ -180,7 +180,7 @@ TEST(CopyTree, CopiesOverNamesThatDifferInCaseAlone) {
   EXPECT_EQ(readBytes(folder / "to/BLU/modello1.htm").value(), "new");
 }
 
-TEST(CopyTree, IntoAFolderOfItselfEndsAndTakesTheTargetNotAlong) {
+TEST(CopyTree, IntoAFolderOfItselfEndsAndLeavesTheTargetOut) {
   TempFolder folder;
   put(folder / "from/a");
   ASSERT_TRUE(copyTree(folder / "from", folder / "from/copy"));

@@ -56,7 +56,7 @@ TEST(ImageSize, OfAPng) { EXPECT_EQ(sizeText(png640x480), "640x480"); }
 
 TEST(ImageSize, APngWhoseHeaderIsDamagedIsMalformed) {
   std::string damaged = png640x480;
-  damaged[19] = '\x81';  // 641 wide; the checksum tells
+  damaged[19] = '\x81';  // 641 wide; the checksum shows it
   EXPECT_EQ(sizeText(damaged), "malformed");
 }
 
@@ -80,7 +80,7 @@ TEST(ImageSize, ABmpNeedsTheFirst26BytesAndAKnownHeader) {
   EXPECT_EQ(sizeText(bmpOf("\x0C\0\0\0\xFF\xFF\xFF\xFF\x01\0\x18\0"s)), "65535x65535") << "16 bits without sign";
 }
 
-TEST(ImageSize, OfAJpegBehindOtherSegments) {
+TEST(ImageSize, OfAJpegAfterOtherSegments) {
   EXPECT_EQ(sizeText(jpegStart + jpegFrame('\xC0') + jpegScan), "640x480");
   EXPECT_EQ(sizeText(jpegStart + "\xFF\xFF"s + jpegFrame('\xC2') + jpegScan), "640x480") << "progressive, padded";
   const std::string tables = "\xFF\xC4\x00\x14\x00\x01"s + std::string(15, '\0') + "\x05"s;
@@ -139,7 +139,7 @@ TEST(FirstPixel, IsTheColourOfTheFirstCode) {
   EXPECT_EQ(pixelText(gifStart + gifFrame + clearThen1), "AABBCC");
 }
 
-TEST(FirstPixel, NeedsNothingBehindThePieceOfDataThatHoldsIt) {
+TEST(FirstPixel, NeedsNothingAfterThePieceOfDataThatHoldsIt) {
   EXPECT_EQ(pixelText(gifStart + gifFrame + "\x02\x01\x0C"s), "AABBCC");
   EXPECT_EQ(pixelText(gifStart + gifFrame + "\x02\x01\x0C\xFF"s), "AABBCC") << "the next piece is cut off";
 }
@@ -158,7 +158,7 @@ TEST(FirstPixel, OfATransparentPixelIsItsPaletteColour) {
   EXPECT_EQ(pixelText(gifStart + control + gifFrame + clearThen0), "112233");
 }
 
-TEST(FirstPixel, WhereTheFrameLeavesTheCornerFreeIsTheBackground) {
+TEST(FirstPixel, WhereTheFrameDoesNotCoverTheCornerIsTheBackground) {
   const std::string frame = "\x2C\x01\x00\x00\x00\x01\x00\x03\x00\x00"s;
   EXPECT_EQ(pixelText(gifStart + frame + clearThen0), "AABBCC");
   const std::string lower = "\x2C\x00\x00\x01\x00\x01\x00\x02\x00\x00"s;
@@ -182,7 +182,7 @@ TEST(FirstPixel, OfASinglePixel) {
   EXPECT_EQ(pixelText(gifStart + frame + "\x02\x02\x4C\x01\x00\x3B"s), "AABBCC");
 }
 
-TEST(FirstPixel, IsFoundBehindExtensions) {
+TEST(FirstPixel, IsFoundAfterExtensions) {
   const std::string comment =
       "\x21\xFE\x03"
       "abc\x02"

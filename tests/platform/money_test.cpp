@@ -81,7 +81,7 @@ TEST(MoneyOfADouble, IsEmptyOutOfRange) {
   EXPECT_EQ(converted(1e15), std::nullopt);
 }
 
-TEST(MoneyOfADouble, FindsTheWayBack) {
+TEST(MoneyOfADouble, IsExactInBothDirections) {
   std::mt19937_64 random(11);
   for (int i = 0; i < 20000; ++i) {
     const auto count = static_cast<std::int64_t>(random()) >> (12 + random() % 50);

@@ -82,7 +82,7 @@ TEST(PlainNumber, OfADoubleFollowsItsTable) {
   for (const auto& form : forms) EXPECT_EQ(plainNumber(form.value), form.text);
 }
 
-TEST(PlainNumber, TheExponentFormBeginsWhereTheRoundedNumberHasTooManyDigits) {
+TEST(PlainNumber, AnExponentIsWrittenWhenTheRoundedNumberHasTooManyDigits) {
   EXPECT_EQ(plainNumber(9999999.4), " 9999999.4");
   EXPECT_EQ(plainNumber(std::nextafter(1e7F, 0.0F)), " 9999999");
   EXPECT_EQ(plainNumber(999999999999999.4), " 999999999999999");
@@ -108,7 +108,7 @@ TEST(PlainNumber, OfAWholeNumberIsExact) {
   EXPECT_EQ(plainNumber(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
 }
 
-TEST(PlainNumber, TrimmedHasNoBlankInFront) {
+TEST(PlainNumber, TrimmedHasNoSpaceInFront) {
   EXPECT_EQ(trimmedNumber(0.2F), ".2");
   EXPECT_EQ(trimmedNumber(-1.5), "-1.5");
   EXPECT_EQ(trimmedNumber(0), "0");
@@ -213,7 +213,7 @@ TEST(NumberMask, ADoubleCountsByItsFifteenDigits) {
   EXPECT_EQ(formatNumber(std::numeric_limits<double>::quiet_NaN(), "0"), "0");
 }
 
-TEST(NumberMask, AFractionPlaceThatIsNoMustIsLeftOutAtTheEnd) {
+TEST(NumberMask, AnOptionalDecimalIsLeftOutAtTheEnd) {
   EXPECT_EQ(formatNumber(1.5, "0.0#"), "1.5");
   EXPECT_EQ(formatNumber(1.0, "0.0#"), "1.0");
   EXPECT_EQ(formatNumber(1.05, "0.##"), "1.05");
@@ -256,7 +256,7 @@ TEST(NumericTest, GivesTheNumberItAccepts) {
   EXPECT_EQ(toNumber("1E5").value(), 1e5);
 }
 
-TEST(LeadingNumber, TakesWhatStandsAtTheStart) {
+TEST(LeadingNumber, TakesTheNumberAtTheStart) {
   EXPECT_EQ(leadingNumber("12abc"), 12.0);
   EXPECT_EQ(leadingNumber("  -3.5 kg"), -3.5);
   EXPECT_EQ(leadingNumber("1 250 kg"), 1250.0);
@@ -267,7 +267,7 @@ TEST(LeadingNumber, TakesWhatStandsAtTheStart) {
   EXPECT_EQ(leadingNumber("+7"), 7.0);
 }
 
-TEST(LeadingNumber, IsZeroWhereNoneStands) {
+TEST(LeadingNumber, IsZeroWhereThereIsNone) {
   for (const char* text : {"", "x", "-", ".", "E5", "1E999"}) EXPECT_EQ(leadingNumber(text), 0.0) << text;
 }
 

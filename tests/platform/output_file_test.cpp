@@ -17,7 +17,7 @@ class OutputFileTest : public ::testing::Test {
   test::TempFolder folder;
 };
 
-TEST_F(OutputFileTest, PiecesOfEverySizeStandBehindEachOther) {
+TEST_F(OutputFileTest, PiecesOfEverySizeFollowEachOther) {
   auto file = OutputFile::create(folder / "f");
   ASSERT_TRUE(file);
   std::string wanted;
@@ -33,7 +33,7 @@ TEST_F(OutputFileTest, PiecesOfEverySizeStandBehindEachOther) {
   EXPECT_EQ(*readBytes(folder / "f"), wanted);
 }
 
-TEST_F(OutputFileTest, OldContentGoesAtOnce) {
+TEST_F(OutputFileTest, OldContentIsRemovedAtOnce) {
   ASSERT_TRUE(writeBytes(folder / "f", "something longer"));
   auto file = OutputFile::create(folder / "f");
   ASSERT_TRUE(file);

@@ -64,7 +64,7 @@ TEST(LikePattern, FollowsItsTable) {
   for (const Case& c : cases) EXPECT_EQ(matchesLike(c.text, c.pattern), c.matches) << c.text << " like " << c.pattern;
 }
 
-TEST(LikePattern, AStrayByteIsOneCharacterAndEqualsNoLetter) {
+TEST(LikePattern, AStrayByteIsOneCharacterAndEqualsNoOther) {
   EXPECT_TRUE(matchesLike("\xE9", "?"));
   EXPECT_FALSE(matchesLike("\xE9", "é"));
   EXPECT_TRUE(matchesLike("\xE9", "\xE9"));

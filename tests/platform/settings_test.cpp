@@ -36,7 +36,7 @@ TEST(FileSettings, AValueIsStoredAtOnceAndItsFolderMade) {
 TEST(FileSettings, EveryValueSurvives) {
   TempFolder folder;
   const std::string values[] = {
-      "a=b=c", "  blanks  ", "line\r\nline\n", "back\\slash\\n", "\\", "[AppIni]", ";x", "perché €", ""};
+      "a=b=c", "  spaces  ", "line\r\nline\n", "back\\slash\\n", "\\", "[AppIni]", ";x", "perché €", ""};
   for (const std::string& value : values) {
     FileSettings settings(folder / "s.ini");
     ASSERT_TRUE(settings.set("AppIni", "k", value));
@@ -56,7 +56,7 @@ TEST(FileSettings, NamesIgnoreCase) {
   EXPECT_EQ(readBytes(folder / "s.ini").value(), "[AppIni]\nPATH=/b\n");
 }
 
-TEST(FileSettings, LinesOfAnotherFormAreKeptAsTheyStand) {
+TEST(FileSettings, LinesOfAnotherFormatAreKeptUnchanged) {
   TempFolder folder;
   ASSERT_TRUE(writeBytes(folder / "s.ini", "; mine\n# x=1\nnonsense\n[AppIni]\nPath = /a\n\n[Other]\nk=v\n"));
   FileSettings settings(folder / "s.ini");
@@ -82,7 +82,7 @@ TEST(FileSettings, OfTwoEqualNamesTheFirstCounts) {
   EXPECT_EQ(FileSettings(folder / "s.ini").get("a", "K"), "9");
 }
 
-TEST(FileSettings, ANameThatWouldNotComeBackIsMalformed) {
+TEST(FileSettings, ANameThatCouldNotBeReadBackIsMalformed) {
   TempFolder folder;
   FileSettings settings(folder / "s.ini");
   for (const char* key : {"", "a=b", "a\nb", " a", "[a", ";a", "#a"}) {

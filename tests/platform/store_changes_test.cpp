@@ -1,4 +1,4 @@
-// What a recorder hears, and what comes back when it is reverted and repeated.
+// What a recorder records, and what reverting and repeating it does.
 
 #include "platform/database/changes.h"
 
@@ -29,7 +29,7 @@ class StoreChanges : public ::testing::Test {
   std::optional<ChangeRecorder> recorder;
 };
 
-TEST_F(StoreChanges, EveryKindOfChangeGoesBackAndForthAgain) {
+TEST_F(StoreChanges, EveryKindOfChangeIsRevertedAndRepeated) {
   const std::string before = all();
   run(database,
       "INSERT INTO t (nome) VALUES ('quattro'); UPDATE t SET nome = 'Uno', n = n + 1 WHERE ID = 1;"
@@ -101,9 +101,9 @@ TEST_F(StoreChanges, ARowThatHasMovedOnIsNotOverwritten) {
   run(database, "UPDATE t SET n = 7 WHERE ID = 1; DELETE FROM t WHERE ID = 3");
   const RowChanges changes = taken();
   run(database, "UPDATE t SET n = 8 WHERE ID = 1");
-  const std::string stands = all();
+  const std::string before = all();
   EXPECT_EQ(kindOf(recorder->revert(changes)), ErrorKind::Malformed);
-  EXPECT_EQ(all(), stands);
+  EXPECT_EQ(all(), before);
 }
 
 TEST_F(StoreChanges, TextBytesAndNullsComeBackAsTheyWere) {

@@ -12,7 +12,7 @@
 namespace kv::test {
 namespace {
 
-/// A process that runs a piece of code and can be killed at any moment. It tells what it has done through a pipe.
+/// A process that runs a piece of code and can be killed at any moment. It reports what it has done through a pipe.
 class Child {
  public:
   explicit Child(const std::function<void(int)>& work) {
@@ -34,7 +34,7 @@ class Child {
     ::close(from_);
   }
 
-  /// The next number it told; -1 when it is gone.
+  /// The next number it reported; -1 when it is gone.
   int next() const {
     int number = -1;
     return read(from_, &number, sizeof number) == sizeof number ? number : -1;
@@ -51,7 +51,7 @@ class Child {
   int from_ = -1;
 };
 
-void tell(int to, int number) {
+void report(int to, int number) {
   if (write(to, &number, sizeof number) != sizeof number) _exit(1);
 }
 
@@ -71,7 +71,7 @@ class StoreCrash : public StoreTest {
       for (int number = first; insert; ++number) {
         insert->bind(1, number);
         if (!insert->execute()) _exit(1);
-        tell(to, number);
+        report(to, number);
       }
     };
   }
@@ -82,7 +82,7 @@ class StoreCrash : public StoreTest {
       auto database = Database::open(path, OpenMode::Shared);
       if (!database || !database->execute("PRAGMA cache_size=5; PRAGMA cache_spill=1")) _exit(1);
       if (!database->begin() || !database->execute("UPDATE t SET a = 'mezza ' || n || hex(randomblob(400))")) _exit(1);
-      tell(to, 1);
+      report(to, 1);
       for (;;) pause();
     };
   }
@@ -109,9 +109,9 @@ TEST_F(StoreCrash, AnotherProcessGetsInUseToo) {
   auto holder = valueOf(Database::open(path_, OpenMode::Exclusive));
   Child other([this](int to) {
     auto database = Database::open(path_, OpenMode::Exclusive);
-    tell(to, database ? -2 : static_cast<int>(database.error().kind));
+    report(to, database ? -2 : static_cast<int>(database.error().kind));
     database = Database::open(path_, OpenMode::ReadOnly);
-    tell(to, database ? -2 : static_cast<int>(database.error().kind));
+    report(to, database ? -2 : static_cast<int>(database.error().kind));
   });
   EXPECT_EQ(other.next(), static_cast<int>(ErrorKind::InUse));
   EXPECT_EQ(other.next(), static_cast<int>(ErrorKind::InUse));

@@ -83,7 +83,7 @@ TEST_F(StoreOpen, AHeaderCutOffIsCorrupt) {
   for (const OpenMode mode : everyMode) EXPECT_EQ(failure(mode), ErrorKind::Corrupt);
 }
 
-TEST_F(StoreOpen, AFileCutOffAtAnyPlaceIsCorrupt) {
+TEST_F(StoreOpen, AFileCutOffAnywhereIsCorrupt) {
   const auto size = std::filesystem::file_size(path_);
   ASSERT_GE(size, 8192U);
   for (const std::uintmax_t left : {size - 1, size - 100, size - 4096}) {
@@ -114,7 +114,7 @@ TEST_F(StoreOpen, AFileJustCreatedIsADatabaseWithoutTables) {
   EXPECT_EQ(rows(database, "PRAGMA auto_vacuum"), "0\n");
 }
 
-TEST_F(StoreOpen, AMovedHandleLeavesNothingBehind) {
+TEST_F(StoreOpen, AMovedHandleIsClosed) {
   auto first = valueOf(Database::open(path_, OpenMode::Exclusive));
   Database second = std::move(first);
   EXPECT_FALSE(first.isOpen());  // NOLINT(bugprone-use-after-move): what a move leaves is what is tested

@@ -81,7 +81,7 @@ TEST_F(StoreEdit, LeavingTheRowGivesTheEditUp) {
   EXPECT_EQ(codes(), "1a 2b 3c\n");
 }
 
-TEST_F(StoreEdit, AnAliasWritesToTheColumnBehindIt) {
+TEST_F(StoreEdit, AnAliasWritesToItsColumn) {
   Recordset records = open("SELECT articoli.ID, articoli.descrizione_l2 AS descrizione FROM articoli WHERE ID = 2");
   ASSERT_TRUE(records.edit());
   ASSERT_TRUE(records.set("descrizione", std::string("two")));
@@ -151,7 +151,7 @@ TEST_F(StoreEdit, ANewRowStartsWithTheDefaultsAndOtherwiseNull) {
   EXPECT_EQ(rows(database_, "SELECT ordinamento, codice FROM articoli WHERE ID = 4"), "100|null\n");
 }
 
-TEST_F(StoreEdit, ARowAddedStandsAtTheEndWhateverTheOrder) {
+TEST_F(StoreEdit, AnAddedRowIsTheLastOneWhateverTheOrder) {
   Recordset records = open("SELECT * FROM articoli WHERE codice < 'x' ORDER BY codice");
   ASSERT_TRUE(valueOf(records.findFirst("codice = 'b'")));
   ASSERT_TRUE(records.addNew());
@@ -176,7 +176,7 @@ TEST_F(StoreEdit, ARowEditedOutOfTheQueryStaysInTheSet) {
   EXPECT_EQ(records.size(), 0U);
 }
 
-TEST_F(StoreEdit, AfterARemovalTheCursorStandsOnTheNextRow) {
+TEST_F(StoreEdit, AfterARemovalTheCursorIsOnTheNextRow) {
   Recordset records = open();
   ASSERT_TRUE(valueOf(records.findFirst("codice = 'b'")));
   ASSERT_TRUE(records.remove());
@@ -291,7 +291,7 @@ TEST_F(StoreEdit, ATextIsMeasuredInCharacters) {
   EXPECT_EQ(stored("codice", std::string()), "text|\n");
 }
 
-TEST_F(StoreEdit, MomentsAndBytesKeepTheirForm) {
+TEST_F(StoreEdit, DatesAndBytesKeepTheirFormat) {
   EXPECT_EQ(stored("momento", std::string("2004-05-06 07:08:09")), "text|2004-05-06 07:08:09\n");
   EXPECT_EQ(stored("momento", std::string("2004-05-06")), "text|2004-05-06\n");
   EXPECT_EQ(stored("momento", std::string("6/5/2004")), "malformed");

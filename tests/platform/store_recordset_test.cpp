@@ -52,7 +52,7 @@ TEST_F(StoreRecordset, AQueryGivesTheRowsInItsOrder) {
   EXPECT_EQ(all(records), "cat004 cat003 ");
 }
 
-TEST_F(StoreRecordset, RowsInTheSamePlaceComeInTheTablesOrder) {
+TEST_F(StoreRecordset, RowsOfEqualOrderComeInTheTablesOrder) {
   run(database_, "CREATE INDEX ix_categorie_livello ON categorie (livello DESC, titolo)");
   Recordset records = open("SELECT * FROM categorie ORDER BY livello");
   EXPECT_EQ(all(records), "cat003 cat001 cat005 cat004 cat002 ");
@@ -71,7 +71,7 @@ TEST_F(StoreRecordset, AnAliasShowsAnotherColumnUnderABareName) {
   EXPECT_FALSE(records.findFirst("genitore = '###'"));
 }
 
-TEST_F(StoreRecordset, AColumnThatStandsTwiceInTheListDoesNoHarm) {
+TEST_F(StoreRecordset, AColumnThatIsTwiceInTheListDoesNoHarm) {
   Recordset records = open("SELECT ID, livello, livello FROM categorie ORDER BY livello, ordinamento");
   EXPECT_EQ(asText(records.get("livello")), "1");
   ASSERT_TRUE(valueOf(records.findFirst("livello = 2")));
@@ -93,7 +93,7 @@ TEST_F(StoreRecordset, FieldsAreOfTheirColumnsTypes) {
   EXPECT_EQ(records.columns()[1].size, 100);
 }
 
-TEST_F(StoreRecordset, TheCursorStandsBeforeTheFirstRowAndBehindTheLast) {
+TEST_F(StoreRecordset, TheCursorMovesBeforeTheFirstRowAndAfterTheLast) {
   Recordset records = open(walk);
   EXPECT_FALSE(records.bof() || records.eof());
   EXPECT_EQ(records.position(), 0U);
@@ -131,7 +131,7 @@ TEST_F(StoreRecordset, AnEmptySetIsAtBothEnds) {
   EXPECT_FALSE(valueOf(records.seek("ID", std::string("cat001"))));
 }
 
-TEST_F(StoreRecordset, FindGoesByTheOrderOfTheSet) {
+TEST_F(StoreRecordset, FindFollowsTheOrderOfTheSet) {
   Recordset records = open(walk);
   ASSERT_TRUE(valueOf(records.findFirst("genitore = 'CAT001'")));
   EXPECT_EQ(id(records), "cat004");
@@ -248,7 +248,7 @@ TEST_F(StoreRecordset, ATextWithAQuoteCanBeSought) {
   EXPECT_EQ(id(records), "cat002");
 }
 
-TEST_F(StoreRecordset, AFieldIsReadAsItStandsNow) {
+TEST_F(StoreRecordset, AFieldIsReadAsItIsNow) {
   Recordset records = open(walk);
   EXPECT_EQ(asText(records.get("titolo")), "Libri");
   run(database_, "UPDATE categorie SET titolo = 'Volumi' WHERE ID = 'cat001'");

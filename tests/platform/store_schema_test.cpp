@@ -134,7 +134,7 @@ TEST_F(StoreSchema, TablesAndIndexesKeepTheOrderOfTheirCreation) {
   }
 }
 
-TEST_F(StoreSchema, AnIndexNameTakenByAnotherTableIsMadeAnew) {
+TEST_F(StoreSchema, AnIndexNameTakenByAnotherTableIsReplaced) {
   TableInfo table;
   table.name = "uno";
   table.columns = {column("ID", ColumnType::Long)};
@@ -162,7 +162,7 @@ TEST_F(StoreSchema, DefaultsAreReadBackAsDeclaredAndTakeEffect) {
   EXPECT_EQ(rows(database_, "SELECT a, c, d FROM t"), "ab c|abc|-5\n");
 }
 
-TEST_F(StoreSchema, AColumnAddedStandsLast) {
+TEST_F(StoreSchema, AnAddedColumnIsTheLastOne) {
   run(database_, "CREATE TABLE generale (URL TEXT(50) COLLATE NOCASE)");
   run(database_, "ALTER TABLE generale ADD COLUMN p3p LONGTEXT COLLATE NOCASE");
   EXPECT_EQ(view("generale"), "generale\n  URL 10/50\n  p3p 12/0\n");

@@ -90,8 +90,8 @@ TEST_F(StoreStatement, EveryKindOfValueCanBeBound) {
   const Bytes bytes{1, 2};
   const Value values[] = {Null{}, true, std::int64_t{-7}, 2.5, Money::ofUnits(3), std::string("x"), bytes};
   auto insert = valueOf(database_.prepare("INSERT INTO t VALUES (?, ?, ?, ?, ?, ?, ?)"));
-  int place = 0;
-  for (const Value& value : values) insert.bind(++place, value);
+  int index = 0;
+  for (const Value& value : values) insert.bind(++index, value);
   ASSERT_TRUE(insert.execute());
   EXPECT_EQ(rows(database_, "SELECT a, b, c, d, e, f, hex(g) FROM t"), "null|1|-7|2.5|30000|x|0102\n");
 }

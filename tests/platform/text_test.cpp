@@ -24,7 +24,7 @@ TEST(Text, ReplaceAllLeavesATextWithoutOccurrenceAsItIs) {
 
 TEST(Text, ReplaceAllTakesTheOccurrencesAtBothEnds) { EXPECT_EQ(replaceAll("|a|", "|", "\""), "\"a\""); }
 
-TEST(Text, TrimTakesBlanksAndNothingElse) {
+TEST(Text, TrimTakesSpacesAndNothingElse) {
   EXPECT_EQ(trim("  a b  "), "a b");
   EXPECT_EQ(trim("\ta\r\n"), "\ta\r\n");
   EXPECT_EQ(trim("\u00A0a"), "\u00A0a");

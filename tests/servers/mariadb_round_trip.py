@@ -5,7 +5,7 @@
                                      exporting it a folder with the published files.
 
 Statements are split as the shop's own loader does it and run in the strictest mode; a warning is a failure. Each value
-is then compared with what the SQLite file holds, worked out here a second time: line ends folded in pairs, characters
+is then compared with what the SQLite file holds, computed here a second time: line ends folded in pairs, characters
 outside the code page as references, numbers as the digits that are written.
 """
 import os
@@ -61,7 +61,7 @@ def wanted(kind, field):
     word = kind.split("(")[0].upper()
     if word in ("TEXT", "LONGTEXT"):
         held = to_code_page(folded(field))
-        return held.rstrip(b" ") if word == "TEXT" else held  # CHAR is read without the blanks at its end
+        return held.rstrip(b" ") if word == "TEXT" else held  # CHAR is read without the spaces at its end
     if word in ("BLOB", "LONGBLOB"):
         return bytes(field)
     if word == "DATETIME":

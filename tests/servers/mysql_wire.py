@@ -89,7 +89,7 @@ class Connection:
         answer = self._answer()
         self._check(answer)
         columns, _ = _encoded_length(answer, 0)
-        for _ in range(columns + 1):  # the columns, and the mark behind them
+        for _ in range(columns + 1):  # the columns, and the mark after them
             self._answer()
         found = []
         while True:

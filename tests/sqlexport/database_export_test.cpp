@@ -8,7 +8,7 @@ namespace {
 class DatabaseExportTest : public ExportTest {};
 using std::string_literals::operator""s;
 
-std::string blanks(std::size_t count) { return std::string(count, ' '); }
+std::string spaces(std::size_t count) { return std::string(count, ' '); }
 
 TEST_F(DatabaseExportTest, AFileStartsWithTheTokenAndEachTableWithItsDefinition) {
   sql("CREATE TABLE paesi (ID TEXT(20) COLLATE NOCASE, nome LONGTEXT, attivo BOOLEAN);"
@@ -19,13 +19,13 @@ TEST_F(DatabaseExportTest, AFileStartsWithTheTokenAndEachTableWithItsDefinition)
             "CREATE TABLE paesi\n"
             "(\n"
             "ID" +
-                blanks(64) +
+                spaces(64) +
                 "CHAR(20),\n"
                 "nome" +
-                blanks(62) +
+                spaces(62) +
                 "LONGTEXT,\n"
                 "attivo" +
-                blanks(60) +
+                spaces(60) +
                 "TINYINT,\n"
                 "KEY (ID)\n"
                 ");\n"
@@ -35,22 +35,22 @@ TEST_F(DatabaseExportTest, AFileStartsWithTheTokenAndEachTableWithItsDefinition)
   EXPECT_TRUE(user.shown.empty());
 }
 
-TEST_F(DatabaseExportTest, AColumnNameOf64CharactersIsFollowedByTwoBlanks) {
+TEST_F(DatabaseExportTest, AColumnNameOf64CharactersIsFollowedByTwoSpaces) {
   const std::string name(64, 'c');
   table("t", {name, "order"s + "x"});
-  EXPECT_NE(load().find("\n" + name + "  INT,\norderx" + blanks(60) + "INT\n"), std::string::npos);
+  EXPECT_NE(load().find("\n" + name + "  INT,\norderx" + spaces(60) + "INT\n"), std::string::npos);
 }
 
 TEST_F(DatabaseExportTest, AReservedColumnIsAlignedByTheNameThatIsWritten) {
   sql("CREATE TABLE \"Table\" (\"Order\" INTEGER)");
-  EXPECT_EQ(load(), "#secsecsec\n\nCREATE TABLE _Table\n(\n_Order" + blanks(60) + "INT\n);\n\n");
+  EXPECT_EQ(load(), "#secsecsec\n\nCREATE TABLE _Table\n(\n_Order" + spaces(60) + "INT\n);\n\n");
   EXPECT_EQ(drop(), "#secsecsec\n\nDROP TABLE _Table;\n");
 }
 
-TEST_F(DatabaseExportTest, KeysStandInTheirOrderAndAUniqueOneIsPlain) {
+TEST_F(DatabaseExportTest, KeysAreInTheirOrderAndAUniqueOneIsPlain) {
   sql("CREATE TABLE t (id INTEGER PRIMARY KEY AUTOINCREMENT, a INTEGER, \"key\" INTEGER);"
       "CREATE UNIQUE INDEX u ON t (a, \"key\"); CREATE INDEX i ON t (a)");
-  EXPECT_NE(load().find("\nid" + blanks(64) + "INT NOT NULL AUTO_INCREMENT,\n"), std::string::npos);
+  EXPECT_NE(load().find("\nid" + spaces(64) + "INT NOT NULL AUTO_INCREMENT,\n"), std::string::npos);
   EXPECT_NE(load().find("INT,\nPRIMARY KEY (id),\nKEY (a, _key),\nKEY (a)\n);\n"), std::string::npos);
 }
 
@@ -74,7 +74,7 @@ TEST_F(DatabaseExportTest, AnotherLanguageTakesItsOwnTablesUnderTheirFullNames) 
   EXPECT_EQ(drop(), "#secsecsec\n\nDROP TABLE articoli_l2;\n\nDROP TABLE a_l2b;\n");
 }
 
-TEST_F(DatabaseExportTest, HiddenAndSystemTablesStayAtHome) {
+TEST_F(DatabaseExportTest, HiddenAndSystemTablesAreNotExported) {
   TableInfo table;
   table.name = "t";
   EXPECT_TRUE(isExported(table, ""));
@@ -86,7 +86,7 @@ TEST_F(DatabaseExportTest, HiddenAndSystemTablesStayAtHome) {
   EXPECT_TRUE(isExported(table, ""));
 }
 
-TEST_F(DatabaseExportTest, ARowOfFourColumnsIsSpreadOverLinesWithABlankLineBehindIt) {
+TEST_F(DatabaseExportTest, ARowOfFourColumnsIsSpreadOverLinesWithABlankLineAfterIt) {
   sql("CREATE TABLE paesi (ID INTEGER, paese TEXT(50), zona SMALLINT, sigla TEXT(2));"
       "INSERT INTO paesi VALUES (1, 'Italia', 0, 'IT'), (2, 'Malta', 1, 'MT')");
   EXPECT_EQ(rows(),
@@ -99,7 +99,7 @@ TEST_F(DatabaseExportTest, ARowOfThreeColumnsIsOneLine) {
   EXPECT_EQ(rows(), "INSERT INTO t VALUES ( 1, 'x', -2);\nINSERT INTO t VALUES ( 3, 'y',  4);\n");
 }
 
-TEST_F(DatabaseExportTest, LockStatementsStandAroundTheRows) {
+TEST_F(DatabaseExportTest, LockStatementsEncloseTheRows) {
   sql("CREATE TABLE \"lock\" (a INTEGER); INSERT INTO \"lock\" VALUES (1), (2)");
   style.lockTables = true;
   EXPECT_EQ(
@@ -117,7 +117,7 @@ TEST_F(DatabaseExportTest, AnotherSeparatorEndsEveryStatementAndIsNotedOnTheSeco
   sql("CREATE TABLE t (a INTEGER); INSERT INTO t VALUES (1);"
       "CREATE TABLE u (a INTEGER, b INTEGER, c INTEGER, d INTEGER); INSERT INTO u VALUES (1, 2, 3, 4)");
   style = {";\\g", true, TARGET};
-  const std::string type = blanks(65) + "INT";
+  const std::string type = spaces(65) + "INT";
   EXPECT_EQ(load(), "#secsecsec\n#QS=;\\g\n\nCREATE TABLE t\n(\na" + type +
                         "\n);\\g\n\nLOCK TABLES t WRITE;\\g\nINSERT INTO t VALUES ( 1);\\g\nUNLOCK TABLES;\\g\n" +
                         "\nCREATE TABLE u\n(\na" + type + ",\nb" + type + ",\nc" + type + ",\nd" + type +
@@ -126,7 +126,7 @@ TEST_F(DatabaseExportTest, AnotherSeparatorEndsEveryStatementAndIsNotedOnTheSeco
   EXPECT_EQ(drop(), "#secsecsec\n#QS=;\\g\n\nDROP TABLE t;\\g\n\nDROP TABLE u;\\g\n");
 }
 
-TEST_F(DatabaseExportTest, RowsStandAsTheyAreStoredAlsoWhereAnIndexHoldsThemAll) {
+TEST_F(DatabaseExportTest, RowsAreInTheOrderOfStorageAlsoWhereAnIndexHoldsThemAll) {
   sql("CREATE TABLE t (a INTEGER); CREATE INDEX i ON t (a); INSERT INTO t VALUES (3), (1), (2)");
   EXPECT_EQ(rows(), "INSERT INTO t VALUES ( 3);\nINSERT INTO t VALUES ( 1);\nINSERT INTO t VALUES ( 2);\n");
 }
@@ -136,12 +136,12 @@ TEST_F(DatabaseExportTest, NullHasNoQuotesAndAnEmptyTextHasTwo) {
   EXPECT_EQ(rows(), "INSERT INTO t VALUES (NULL, NULL, NULL);\nINSERT INTO t VALUES ('', 0, '');\n");
 }
 
-TEST_F(DatabaseExportTest, AFlagIsOneOrZeroWithoutABlank) {
+TEST_F(DatabaseExportTest, AFlagIsOneOrZeroWithoutASpace) {
   sql("CREATE TABLE t (a BOOLEAN, b BOOLEAN, c BOOLEAN); INSERT INTO t VALUES (1, 0, -1)");
   EXPECT_EQ(rows(), "INSERT INTO t VALUES (1, 0, 1);\n");
 }
 
-TEST_F(DatabaseExportTest, NumbersHaveABlankOrAMinusInFrontAndAPointWithoutAZeroBeforeIt) {
+TEST_F(DatabaseExportTest, NumbersHaveASpaceOrAMinusInFrontAndAPointWithoutAZeroBeforeIt) {
   sql("CREATE TABLE t (a MONEY_INTEGER, b FLOAT, c DOUBLE);"
       "INSERT INTO t VALUES (125000, 0.1, 0.25), (-5, -1.5, -0.5), (2000, 20, 100), (0, 0, 0), (100000001, 1e20, "
       "1e-5)");
@@ -178,20 +178,20 @@ TEST_F(DatabaseExportTest, AFieldThatIsNotWhatItsColumnSaysIsStillANumber) {
   EXPECT_EQ(rows(), "INSERT INTO t VALUES ( 0,  0, 0);\nINSERT INTO t VALUES ( 2,  .0002, 1);\n");
 }
 
-TEST_F(DatabaseExportTest, AWarningStandsBehindTheDefinitionItBelongsTo) {
+TEST_F(DatabaseExportTest, AWarningFollowsTheDefinitionItBelongsTo) {
   sql("CREATE TABLE t (a INTEGER DEFAULT 1, b INTEGER DEFAULT 2); CREATE TABLE u (a INTEGER)");
   EXPECT_EQ(
       load(),
-      "#secsecsec\n\nCREATE TABLE t\n(\na" + blanks(65) + "INT,\nb" + blanks(65) +
+      "#secsecsec\n\nCREATE TABLE t\n(\na" + spaces(65) + "INT,\nb" + spaces(65) +
           "INT\n);\n"
           " Warning: In new field 'a', MySQL needs NOT NULL to support default values! - it won't be set a default.\n"
           " Warning: In new field 'b', MySQL needs NOT NULL to support default values! - it won't be set a default.\n"
           "\n\nCREATE TABLE u\n(\na" +
-          blanks(65) + "INT\n);\n\n");
+          spaces(65) + "INT\n);\n\n");
   EXPECT_TRUE(user.shown.empty());
 }
 
-TEST_F(DatabaseExportTest, AMissingDatabaseIsToldByItsDescriptionAndLeavesNoFiles) {
+TEST_F(DatabaseExportTest, AMissingDatabaseIsReportedByItsDescriptionAndLeavesNoFiles) {
   path = folder / "nowhere.mdb";
   EXPECT_EQ(load(), "(missing)");
   EXPECT_FALSE(exported);
@@ -200,7 +200,7 @@ TEST_F(DatabaseExportTest, AMissingDatabaseIsToldByItsDescriptionAndLeavesNoFile
   EXPECT_EQ(drop(), "(missing)");
 }
 
-TEST_F(DatabaseExportTest, AFullDiskIsToldOnce) {
+TEST_F(DatabaseExportTest, AFullDiskIsReportedOnce) {
   sql("CREATE TABLE t (a INTEGER); INSERT INTO t VALUES (1)");
   std::filesystem::create_symlink("/dev/full", folder / "db.sc");
   EXPECT_FALSE(ExportDatabaseSql({path, folder / "db.sc", folder / "dbdel.sc", "", "s"}, style, user));
@@ -223,7 +223,7 @@ TEST_F(DatabaseExportTest, WhatWasWrittenBeforeAFailureStays) {
   EXPECT_EQ(text.find("INSERT INTO t VALUES ( 39,"), std::string::npos);
 }
 
-TEST_F(DatabaseExportTest, OldContentOfTheFilesGoes) {
+TEST_F(DatabaseExportTest, OldContentOfTheFilesIsRemoved) {
   table("t");
   ASSERT_TRUE(writeBytes(folder / "db.sc", std::string(9000, 'x')));
   const std::string once = load();
@@ -236,7 +236,7 @@ TEST_F(DatabaseExportTest, MSql1NamesTheColumnsAndSetsTheFirstKeyAlone) {
   style.target = SqlTarget::M1;
   EXPECT_EQ(
       load(),
-      "#secsecsec\n\nCREATE TABLE t\n(\na" + blanks(65) + "INT PRIMARY KEY,\nb" + blanks(65) +
+      "#secsecsec\n\nCREATE TABLE t\n(\na" + spaces(65) + "INT PRIMARY KEY,\nb" + spaces(65) +
           "INT\n);\n"
           " Warning: On new table 't', mSQL v1 does not support more than one PRIMARY KEY! Only first key was set.\n"
           "\nINSERT INTO t (a, b) VALUES ( 1,  2);\n");
@@ -245,7 +245,7 @@ TEST_F(DatabaseExportTest, MSql1NamesTheColumnsAndSetsTheFirstKeyAlone) {
 TEST_F(DatabaseExportTest, MSql2HasItsIndexesAsStatements) {
   sql("CREATE TABLE t (a INTEGER, b INTEGER); CREATE UNIQUE INDEX u ON t (a, b); CREATE INDEX v ON t (b)");
   style.target = SqlTarget::M2;
-  EXPECT_EQ(load(), "#secsecsec\n\nCREATE TABLE t\n(\na" + blanks(65) + "INT,\nb" + blanks(65) +
+  EXPECT_EQ(load(), "#secsecsec\n\nCREATE TABLE t\n(\na" + spaces(65) + "INT,\nb" + spaces(65) +
                         "INT\n);\n"
                         "CREATE UNIQUE INDEX ixu ON t (a, b);\nCREATE INDEX ixv ON t (b);\n\n");
 }

@@ -16,7 +16,7 @@
 
 namespace kv::test {
 
-/// The lines of a file as a test writes them: "\n" for CR LF, and a failure where a lone CR or LF stands.
+/// The lines of a file as a test writes them: "\n" for CR LF, and a failure where there is a lone CR or LF.
 inline std::string plainLines(std::string_view bytes) {
   const std::string text = replaceAll(bytes, "\r\n", "\n");
   EXPECT_EQ(text.find('\r'), std::string::npos);
@@ -63,7 +63,7 @@ class ExportTest : public ::testing::Test {
     const auto bytes = readBytes(folder / "dbdel.sc");
     return bytes ? plainLines(*bytes) : "(missing)";
   }
-  /// The load file behind the definitions: from the first INSERT or LOCK on.
+  /// The load file after the definitions: from the first INSERT or LOCK on.
   std::string rows() {
     const std::string text = load();
     return text.substr(std::min(text.size(), text.find(");\n\n") + 4));

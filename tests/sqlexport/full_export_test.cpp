@@ -79,7 +79,7 @@ TEST_F(FullExportTest, WithoutACountFileNothingHappens) {
   EXPECT_EQ(listFiles(online, "*"), std::vector<std::string>{});
 }
 
-TEST_F(FullExportTest, ADumpThatStandsIsPublishedAgainWithoutReadingTheDatabase) {
+TEST_F(FullExportTest, AnExistingDumpIsPublishedAgainWithoutReadingTheDatabase) {
   note("1\r\n");
   removeDatabase();
   put("abcdb.sc", "#abc\r\n\r\nold\r\n");
@@ -91,7 +91,7 @@ TEST_F(FullExportTest, ADumpThatStandsIsPublishedAgainWithoutReadingTheDatabase)
   EXPECT_TRUE(user.shown.empty());
 }
 
-TEST_F(FullExportTest, ADumpThatStandsNeedsNoCount) {
+TEST_F(FullExportTest, AnExistingDumpNeedsNoCount) {
   put("abcdb.sc", "#abc\r\n");
   EXPECT_EQ(run().published, std::vector<std::string>{"db.sql"});
 }
@@ -137,7 +137,7 @@ TEST_F(FullExportTest, TheLockOptionAloneDoesNotMakeTheDumpStale) {
   EXPECT_EQ(read("db.sql").find("LOCK TABLES"), std::string::npos);
 }
 
-TEST_F(FullExportTest, AFailureIsToldAndTheOtherLanguagesGoOn) {
+TEST_F(FullExportTest, AFailureIsReportedAndTheOtherLanguagesGoOn) {
   note("2\r\n");
   removeDatabase();
   const ExportReport report = run();
@@ -162,7 +162,7 @@ TEST_F(FullExportTest, AHalfWrittenDumpCountsAsOneUntilTheNextBuild) {
   EXPECT_EQ(read("db.sql"), "#abc\r\n\r\nCREATE TA");
 }
 
-TEST_F(FullExportTest, OldLanguageFilesAreMadeAnewWithTheFirst) {
+TEST_F(FullExportTest, OldLanguageFilesAreReplacedWithTheFirst) {
   note("2\r\n");
   put("abcdb_l2.sc", "old");
   run();

@@ -1,4 +1,4 @@
-// Names and texts as they stand in SQL: reserved words, widths, and every character that has an escape.
+// Names and texts as SQL writes them: reserved words, widths, and every character that has an escape.
 
 #include "sqlexport/sql_text.h"
 
@@ -98,7 +98,7 @@ TEST(SqlQuoteText, EachSpecialCharacterGetsABackslash) {
   EXPECT_EQ(SqlQuoteText(R"(c:\temp)"), R"(c:\\temp)");
 }
 
-TEST(SqlQuoteText, OtherCharactersStandAsTheyAre) {
+TEST(SqlQuoteText, OtherCharactersAreCopied) {
   std::string controls;
   for (char c = 1; c < 32; ++c) {
     if (c != '\b' && c != '\t' && c != '\n' && c != '\r') controls += c;
@@ -108,7 +108,7 @@ TEST(SqlQuoteText, OtherCharactersStandAsTheyAre) {
   EXPECT_EQ(SqlQuoteText(""), "");
 }
 
-TEST(SqlQuoteText, ALineEndOfTwoLettersGivesOneNewline) {
+TEST(SqlQuoteText, ALineEndOfTwoCharactersGivesOneNewline) {
   EXPECT_EQ(SqlQuoteText("a\r\nb"), R"(a\nb)");
   EXPECT_EQ(SqlQuoteText("a\n\rb"), R"(a\nb)");
   EXPECT_EQ(SqlQuoteText("a\rb\nc"), R"(a\nb\nc)");
@@ -125,7 +125,7 @@ TEST(SqlQuoteText, ThePairIsForgottenOnceItIsFolded) {
   EXPECT_EQ(SqlQuoteText("\r\r\n"), R"(\n\n)");
 }
 
-TEST(SqlQuoteText, ALetterBetweenTwoLineEndsPartsThem) {
+TEST(SqlQuoteText, ACharacterBetweenTwoLineEndsSeparatesThem) {
   EXPECT_EQ(SqlQuoteText("\rx\n"), R"(\nx\n)");
   EXPECT_EQ(SqlQuoteText("\r12345678\n"), R"(\n12345678\n)");
   EXPECT_EQ(SqlQuoteText("\r'\n"), R"(\n\'\n)");
@@ -137,8 +137,8 @@ TEST(SqlQuoteBinary, LineEndsKeepTheirKind) {
   EXPECT_EQ(SqlQuoteBinary("\0'\\\xFF\"\t\b"s), "\\0\\'\\\\\xFF\\\"\\t\\b");
 }
 
-// Every length and place, against the table applied one letter at a time.
-TEST(SqlQuoteText, TheFastWayGivesWhatTheTableSays) {
+// Every length and position, against the table applied one character at a time.
+TEST(SqlQuoteText, TheFastRoutineAgreesWithTheTable) {
   std::uint32_t chance = 12345;
   const std::string letters = "aaaaaaaabcdefgh<>/=.\0\b\t'\"\\\r\n\x0b\x0e\x7f"s;
   for (int round = 0; round < 3000; ++round) {

@@ -100,12 +100,12 @@ TEST(ColumnDefinition, ADefaultWithoutRequiredIsLeftOutWithAWarning) {
   EXPECT_EQ(define(column).warnings, warning);
 }
 
-TEST(ColumnDefinition, ATextDefaultIsQuotedAnew) {
+TEST(ColumnDefinition, ATextDefaultIsQuotedAgain) {
   EXPECT_EQ(define(withDefault(ColumnType::Memo, "\"l'uno\"")).text, "LONGTEXT NOT NULL DEFAULT 'l\\'uno'");
   EXPECT_EQ(define(withDefault(ColumnType::Memo, "\"\"")).text, "LONGTEXT NOT NULL DEFAULT ''");
 }
 
-TEST(ColumnDefinition, ThePresentMomentMakesATimestamp) {
+TEST(ColumnDefinition, ThePresentTimeMakesATimestamp) {
   for (const char* now : {"Now()", "date()", "TIME()"}) {
     EXPECT_EQ(define(withDefault(ColumnType::DateTime, now)).text, "TIMESTAMP NOT NULL") << now;
     EXPECT_EQ(define(withDefault(static_cast<ColumnType>(timeCode), now)).text, "TIMESTAMP NOT NULL") << now;
@@ -118,7 +118,7 @@ TEST(ColumnDefinition, YesAndNoAreNumbers) {
   EXPECT_EQ(define(withDefault(ColumnType::Bool, "YES")).text, "TINYINT NOT NULL DEFAULT 1");
 }
 
-TEST(ColumnDefinition, AnyOtherDefaultStandsAsItIs) {
+TEST(ColumnDefinition, AnyOtherDefaultIsCopied) {
   EXPECT_EQ(define(withDefault(ColumnType::Double, "1.5")).text, "REAL NOT NULL DEFAULT 1.5");
 }
 

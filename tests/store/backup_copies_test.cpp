@@ -98,7 +98,7 @@ TEST_F(DatedCopies, TheLastTenStay) {
   EXPECT_EQ(title("backup/" + names().back()), "titolo 3");
 }
 
-TEST_F(DatedCopies, TwoCopiesOfOneSecondStandBesideEachOther) {
+TEST_F(DatedCopies, TwoCopiesOfOneSecondHaveNamesOfTheirOwn) {
   ASSERT_TRUE(keep());
   clock.seconds = firstSecond;
   change("Lume");

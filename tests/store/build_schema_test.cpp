@@ -13,7 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// The words that the MySQL text would have to write with a mark in front, blank by blank.
+// The words that the MySQL text would have to write with a mark in front, separated by spaces.
 constexpr std::string_view reservedList =
     "add all alter and as asc auto_increment between bigint binary blob both by cascade char character change "
     "check column columns create data datetime dec decimal default delete desc describe distinct double drop "
@@ -130,7 +130,7 @@ TEST(BuildSchema, ARowOfEachTableFitsIntoHalfAPageOfInnoDb) {
   }
 }
 
-TEST(BuildSchema, EachColumnOfTheDerivedRowStandsInOneTableAlone) {
+TEST(BuildSchema, EachColumnOfTheDerivedRowIsInOneTableAlone) {
   std::map<std::string, int> homes;
   for (const char* table : {"articoli", "dettaglio", "ordinamento"}) {
     for (const std::string& name : namesOf(buildTable(table))) ++homes[name];
@@ -144,7 +144,7 @@ TEST(BuildSchema, EachColumnOfTheDerivedRowStandsInOneTableAlone) {
   EXPECT_THAT(added, ElementsAre("aftercode", "beforecode", "pagina", "sottopagina"));
 }
 
-TEST(BuildSchema, WhatALanguageChangesStandsWithTheArticlesTexts) {
+TEST(BuildSchema, WhatALanguageChangesIsWithTheArticlesTexts) {
   const std::vector<std::string> wanted{
       "ID",      "pagina", "sottopagina", "titolo", "plain_titolo", "sottotitolo", "plain_sottotitolo", "cart_articolo",
       "offerta", "iva",    "descrizione", "note",   "java_acquista"};
@@ -152,7 +152,7 @@ TEST(BuildSchema, WhatALanguageChangesStandsWithTheArticlesTexts) {
     EXPECT_EQ(namesOf(buildTable("articoli" + std::string(suffix))), wanted);
 }
 
-TEST(BuildSchema, PositionAndAmountsStandInTheOrderTable) {
+TEST(BuildSchema, PositionAndAmountsAreInTheOrderTable) {
   const auto names = namesOf(buildTable("ordinamento"));
   ASSERT_EQ(names.size(), 22U);
   EXPECT_EQ(names[0], "ID");

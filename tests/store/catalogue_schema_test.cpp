@@ -45,7 +45,7 @@ TEST(CatalogueSchema, HoldsItsTablesAndNoOther) {
                                  "zona5", "zona6", "zona7", "zona8", "zone"));
 }
 
-TEST(CatalogueSchema, ALanguageColumnStandsFourTimesInARow) {
+TEST(CatalogueSchema, ALanguageColumnIsThereFourTimesInARow) {
   const auto names = namesOf(tableOf(catalogueTables(), "articoli"));
   const auto first = std::ranges::find(names, "titolo");
   ASSERT_NE(first, names.end());
@@ -53,7 +53,7 @@ TEST(CatalogueSchema, ALanguageColumnStandsFourTimesInARow) {
               ElementsAre("titolo", "titolo_l2", "titolo_l3", "titolo_l4", "sottotitolo"));
 }
 
-TEST(CatalogueSchema, APriceListColumnStandsTenTimesInARow) {
+TEST(CatalogueSchema, APriceListColumnIsThereTenTimesInARow) {
   const auto names = namesOf(tableOf(catalogueTables(), "articoli"));
   const auto first = std::ranges::find(names, "prezzo");
   ASSERT_NE(first, names.end());

@@ -1,4 +1,4 @@
-// Compaction at the tenth close, and the catalogue that every failure leaves behind.
+// Compaction at the tenth close, and the catalogue that is left after each failure.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -158,7 +158,7 @@ TEST_F(Compaction, LeavesAllAsItIsWhenTheFirstRenamingFails) {
   EXPECT_FALSE(fileExists(shop + "/catalog.tmp"));
 }
 
-TEST_F(Compaction, CutOffBetweenTheRenamingsIsTakenBackAtTheNextStart) {
+TEST_F(Compaction, InterruptedBetweenTheRenamingsIsUndoneAtTheNextStart) {
   const std::string before = *readBytes(shop + "/catalog.mdb");
   ASSERT_TRUE(renameFile(shop + "/catalog.mdb", shop + "/catalog.tmp"));
   write(shop + "/catalog.tm0", "compacted");

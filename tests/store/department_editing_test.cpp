@@ -49,7 +49,7 @@ TEST_F(DepartmentEditing, ASubDepartmentIsTheLastChildAndItsParentHasChildren) {
   EXPECT_EQ(departments(), "cat001|###|1|100|1\ncat002|cat001|2|1|0\ncat003|cat001|2|2|0\n");
 }
 
-TEST_F(DepartmentEditing, WithoutADepartmentASubDepartmentStandsAtTheTop) {
+TEST_F(DepartmentEditing, WithoutADepartmentASubDepartmentIsAtTheTop) {
   department(1, "###", 100);
   bind();
   ASSERT_TRUE(editing.NuovoSottoreparto());

@@ -108,7 +108,7 @@ class FailingCommands : public TreeFixture {
                        std::to_string(session.currentLanguage) + sets.statusLine() + "\n";
     text += keysOf(sets.dataCategorie(), "ID") + keysOf(sets.dataFratelli(), "ID") + keysOf(sets.dataArticoli(), "ID");
     for (const TreeNode& node : sets.tree()) text += node.ID + " " + node.genitore + " " + node.titolo + "\n";
-    return text + history.undoName() + " " + history.redoName() + (session.suppress ? " suppressed" : "");
+    return text + history.undoName() + " " + history.redoName() + (sets.isSuppressed() ? " suppressed" : "");
   }
 
   /// Makes call after call of a routine fail and expects that nothing has changed, until the routine comes through.

@@ -14,7 +14,7 @@ TEST(LanguageView, OfLanguageOneIsThePlainTableWhateverItsName) {
   EXPECT_EQ(SelezionaLingua("non_esiste", ""), "SELECT * FROM non_esiste");
 }
 
-TEST(LanguageView, PutsTheRestBehindOneBlank) {
+TEST(LanguageView, PutsTheRestAfterOneSpace) {
   EXPECT_EQ(SelezionaLingua("categorie", 1, "ORDER BY livello, ordinamento"),
             "SELECT * FROM categorie ORDER BY livello, ordinamento");
   EXPECT_TRUE(SelezionaLingua("categorie", 2, "ORDER BY livello").ends_with(" FROM categorie ORDER BY livello"));

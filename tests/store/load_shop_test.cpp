@@ -63,7 +63,7 @@ TEST_F(LoadingAShop, FailsSilentlyWithoutAFolder) {
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
-TEST_F(LoadingAShop, RunsTheStepsOfTheHigherFoldersInTheirPlaces) {
+TEST_F(LoadingAShop, RunsTheStepsOfTheHigherFoldersInTheirOrder) {
   const std::string shop = makeShop("uno");
   std::vector<std::string> steps;
   env.hooks.CompletaGateway = [&](const std::string& folder) {

@@ -35,7 +35,7 @@ TEST_F(OpeningAShop, SwitchesTheSessionAndRemembersTheFolder) {
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
-TEST_F(OpeningAShop, AcceptsNamesWithBlanksAccentsAndForeignLetters) {
+TEST_F(OpeningAShop, AcceptsNamesWithSpacesAccentsAndForeignLetters) {
   for (const char* name : {"il mio negozio", "città perché", "магазин"}) {
     const std::string shop = makeShop(name);
     EXPECT_TRUE(ApriNegozio(session, env, shop));

@@ -27,7 +27,7 @@ std::vector<std::int64_t> inOrder(const Rows& rows, Belongs belongs) {
   return list;
 }
 
-/// The order of a new row behind or before the current one; those that are in its way move up one by one.
+/// The order of a new row after or before the current one; rows with that number move up one by one.
 template <class Rows>
 std::int64_t makePlace(Rows& rows, const std::vector<std::int64_t>& list, std::int64_t current, bool after) {
   if (list.empty()) return 1;

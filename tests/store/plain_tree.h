@@ -1,5 +1,5 @@
 #pragma once
-// Departments and articles as plain values, and the merchant's commands worked out on them one row at a time, without a
+// Departments and articles as plain values, and the merchant's commands computed on them one row at a time, without a
 // statement: what the commands of the catalogue are held against.
 
 #include <array>
@@ -35,7 +35,7 @@ struct PlainDepartment {
   PlainField sideBySide, model;
 };
 
-/// Where the cursors stand: "###" and 0 for none.
+/// The positions of the cursors: "###" and 0 for none.
 struct PlainCursors {
   std::string department;
   std::int64_t article = 0;
@@ -44,7 +44,7 @@ struct PlainCursors {
 
 class PlainTree {
  public:
-  /// The queries whose rows asText() gives, one behind the other.
+  /// The queries whose rows asText() gives, one after the other.
   static constexpr std::array<const char*, 2> queries{
       "SELECT contatore, ID, pagina, genitore, livello, ordinamento, COALESCE(hafigli, 0), titolo, titolo_l2, "
       "affiancati, template FROM categorie ORDER BY contatore",
@@ -59,7 +59,7 @@ class PlainTree {
   /// The language being edited, 1 or 2: new departments have a title in it, and titles are set in it.
   void showLanguage(int language) { language_ = static_cast<std::size_t>(language - 1); }
 
-  // Each gives the cursors behind the command; a command that does nothing leaves them. `yes`: how the merchant
+  // Each gives the cursors after the command; a command that does nothing leaves them. `yes`: how the merchant
   // answers.
   PlainCursors insertArticle(const PlainCursors& at, bool after);
   PlainCursors insertDepartment(const PlainCursors& at, bool after);

@@ -71,7 +71,7 @@ TEST_F(SeedProgram, MakesTheSameBytesFromTheSameSeed) {
   EXPECT_TRUE(*once == *twice);
 }
 
-TEST_F(SeedProgram, CompletesADepartmentFromItsPlaceInTheTree) {
+TEST_F(SeedProgram, CompletesADepartmentFromItsPositionInTheTree) {
   ASSERT_EQ(seed(smallShop).status, 0);
   EXPECT_EQ(first("SELECT ID || pagina || genitore || livello || hafigli || ordinamento FROM categorie WHERE "
                   "titolo = 'Sopra'"),
@@ -106,13 +106,13 @@ TEST_F(SeedProgram, TakesVatOutOfAnAmountThatHoldsIt) {
 
 struct Fault {
   std::string added;
-  std::string message;  // behind the path of the seed, or a complaint
+  std::string message;  // after the path of the seed, or a complaint
 };
 
 TEST_F(SeedProgram, NamesTheLineOfEachFault) {
   const std::vector<Fault> faults{
       {"colore: blu\n", ":32: categorie has no column colore"},
-      {"titolo: Ancora\n", ":32: the column titolo stands twice"},
+      {"titolo: Ancora\n", ":32: the column titolo is given twice"},
       {"iva: molta\n", ":32: iva can't hold \"molta\", it is FLOAT"},
       {"nascosto: forse\n", ":32: nascosto can't hold \"forse\", it is BOOLEAN"},
       {"una riga\n", ":32: expected \"column: text\""},
@@ -122,7 +122,7 @@ TEST_F(SeedProgram, NamesTheLineOfEachFault) {
       {"immagine0: manca.png\n", ":32: picture manca.png: "},
       {"[more]\nnote: B\n", ":32: [more] needs the name of a row"},
       {"[more altrove]\nnote: B\n", ":32: no row above is named @altrove"},
-      {"[more sopra]\ntitolo: Ancora\n", ":33: the column titolo stands twice"},
+      {"[more sopra]\ntitolo: Ancora\n", ":33: the column titolo is given twice"},
   };
   for (const Fault& fault : faults) {
     const Outcome outcome = seed(smallShop + fault.added);

@@ -29,7 +29,7 @@ TEST_F(ServerPath, WritesAccentsInTheCodePageOfTheShopsFiles) {
   EXPECT_EQ(bytes(), "/home/niccol\xF2/mio negozio \x80\r\n");
 }
 
-TEST_F(ServerPath, NamesWithBlanksAndAccentsComeBack) {
+TEST_F(ServerPath, NamesWithSpacesAndAccentsAreReadBack) {
   for (const char* folder : {"/home/anna/il mio negozio", "/home/niccolò/città perché", "/a/b  c", "/a/100%&#65;"})
     EXPECT_EQ(throughFile(folder), folder);
 }
@@ -39,7 +39,7 @@ TEST_F(ServerPath, NamesOutsideTheCodePageComeBack) {
     EXPECT_EQ(throughFile(folder), folder);
 }
 
-TEST_F(ServerPath, ANameThatEndsInABlankComesBack) {
+TEST_F(ServerPath, ANameThatEndsInASpaceIsReadBack) {
   EXPECT_EQ(throughFile("/home/anna/negozio "), "/home/anna/negozio ");
 }
 
@@ -65,7 +65,7 @@ TEST_F(ServerPath, NeedsNoLineEnd) {
   EXPECT_EQ(readServerPath(root.path()), "/home/anna/negozio");
 }
 
-TEST_F(ServerPath, NamesNothingWhenMissingEmptyOrBlank) {
+TEST_F(ServerPath, NamesNothingWhenMissingEmptyOrSpacesAlone) {
   EXPECT_EQ(readServerPath(root.path()), "");
   for (const char* content : {"", "\r\n", "   \r\n/home/anna\r\n", "\xEF\xBB\xBF\r\n"}) {
     write(content);

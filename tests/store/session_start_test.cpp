@@ -26,7 +26,7 @@ TEST_F(SessionStart, OpensTheApplicationsOwnShopWhenNoFolderIsNamed) {
   EXPECT_EQ(session.ShopFolder, application);
 }
 
-TEST_F(SessionStart, DoesTheSameWithAnEmptyOrBlankName) {
+TEST_F(SessionStart, DoesTheSameWithANameThatIsEmptyOrSpacesAlone) {
   makeShopIn(application);
   for (const char* content : {"", "   \r\n"}) {
     write(application + "/serverpath.net", content);

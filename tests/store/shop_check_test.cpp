@@ -71,7 +71,7 @@ TEST_F(ShopChecking, MakesTheWorkingFolders) {
   for (const char* name : {"work", "online", "scripts", "db"}) EXPECT_TRUE(folderExists(shop + "/" + name)) << name;
 }
 
-TEST_F(ShopChecking, FailsWhenAFileStandsInTheWayOfAWorkingFolder) {
+TEST_F(ShopChecking, FailsWhenAFileHasTheNameOfAWorkingFolder) {
   const std::string shop = makeShop("uno");
   ASSERT_TRUE(removeFolder(shop + "/db"));
   write(shop + "/db", "");

@@ -9,7 +9,7 @@ namespace {
 
 class ShopFolders : public test::ShopFixture {};
 
-TEST_F(ShopFolders, ATreeIsCopiedOverWhatStandsThere) {
+TEST_F(ShopFolders, ATreeIsCopiedOverTheOneThere) {
   write(root / "from/a.txt", "new");
   write(root / "from/sub/deep/b.txt", "deep");
   ASSERT_TRUE(createFolders(root / "from/empty"));

@@ -97,7 +97,7 @@ TEST_F(TemplateResolution, AsksNothingDuringASilentReload) {
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
-TEST_F(TemplateResolution, CutsAChoiceToFiftyLetters) {
+TEST_F(TemplateResolution, CutsAChoiceToFiftyCharacters) {
   const std::string name(60, 'x');
   write(application + "/template/" + name.substr(0, 50) + "/modello1.htm", "");
   run(shop, "UPDATE generale SET template = NULL");

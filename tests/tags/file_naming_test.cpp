@@ -27,7 +27,7 @@ TEST(PutExt, WithoutAPageExtensionOfItsOwnEveryNameStays) {
   for (const char* extension : {"", ".htm", ".HTM"}) EXPECT_EQ(PutExt("cart.htm", extension), "cart.htm");
 }
 
-TEST(FileLingua, TheSuffixStandsBeforeTheLastDot) {
+TEST(FileLingua, TheSuffixIsBeforeTheLastDot) {
   EXPECT_EQ(FileLingua("a.b.htm", "_l2"), "a.b_l2.htm");
   EXPECT_EQ(FileLingua("scarpe.php?n=3", "_l3"), "scarpe_l3.php?n=3");
   EXPECT_EQ(FileLingua("cart.htm", ""), "cart.htm");

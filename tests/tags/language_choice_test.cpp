@@ -1,4 +1,4 @@
-// The languages of the shop: what the boxes offer, what OK stores, and the way back to language 1.
+// The languages of the shop: what the boxes offer, what OK stores, and the return to language 1.
 #include "tags/language/language_choice.h"
 
 #include <gmock/gmock.h>

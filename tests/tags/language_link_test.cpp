@@ -10,7 +10,7 @@ namespace {
 
 using test::TempFolder;
 
-/// A GIF of 20 by 12 points, as far as its size goes.
+/// A GIF of 20 by 12 pixels, up to its size.
 constexpr std::string_view flag(
     "GIF89a\x14\0\x0C\0\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\x01\0\x01\0\0\x02\x02\x44\x01\0;", 35);
 
@@ -28,7 +28,7 @@ TEST(CreaTagLingua, WithoutAFlagTheCodeIsTheLinksText) {
   EXPECT_EQ(CreaTagLingua(languages, "cart.php", 2), "<a href=\"cart_l2.php\">inglese</a>");
 }
 
-TEST(CreaTagLingua, ALinkLeavesTheLanguageOfThePageItStandsOn) {
+TEST(CreaTagLingua, ALinkLeavesTheLanguageOfItsPage) {
   const TempFolder folder;
   auto languages = threeLanguages(folder.path());
   languages.pageExtension = "";

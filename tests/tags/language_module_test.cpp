@@ -29,7 +29,7 @@ TEST(LanguageModule, CommentsHeadingsAndEmptyLinesAreNoPartOfAText) {
   EXPECT_EQ(textOf("<<4-a>>\r\nuno\r\n\r\n/ nota\r\n// nota\r\n[Titolo]\r\ndue\r\n", "a"), "uno\r\ndue");
 }
 
-TEST(LanguageModule, ALineOfBlanksOrWithBlanksBeforeASlashIsText) {
+TEST(LanguageModule, ALineOfSpacesOrWithSpacesBeforeASlashIsText) {
   EXPECT_EQ(textOf("<<4-a>>\r\n \r\n /b>\r\n", "a"), " \r\n /b>");
 }
 
@@ -39,7 +39,7 @@ TEST(LanguageModule, LinesBeforeTheFirstSectionBelongToNone) {
   EXPECT_EQ(module.TagLingua("a"), "uno");
 }
 
-TEST(LanguageModule, ASectionLineMayStandBetweenBlanksButNotInAText) {
+TEST(LanguageModule, ASectionLineMayHaveSpacesAroundItButNoText) {
   EXPECT_EQ(textOf("  <<4-a>> \r\nvedi <<4-b>>\r\n", "a"), "vedi <<4-b>>");
 }
 
@@ -64,12 +64,12 @@ TEST(LanguageModule, AMissingTagIsItsOwnText) {
 TEST(LanguageModule, ANameThatHoldsAnotherTagIsFoundAtItsFirstTag) {
   const auto module = LanguageModule::parse("<<4-a>> x <<4-b>>\r\nuno\r\n<<4-b>>\r\ndue");
   EXPECT_EQ(module.TagLingua("a"), "uno");
-  EXPECT_EQ(module.TagLingua("b"), "<<4-b>>") << "its first place has no number before it";
+  EXPECT_EQ(module.TagLingua("b"), "<<4-b>>") << "its first position has no number before it";
   EXPECT_EQ(module.TagLingua("<<4-a>> x <<4-b>>"), "uno");
   EXPECT_EQ(module.TagLingua("a>>002<<4-b"), "<<4-a>>002<<4-b>>");
 }
 
-TEST(LanguageModule, ANameIsFoundAcrossTheBorderOfTwoSections) {
+TEST(LanguageModule, ANameIsFoundAcrossTwoSections) {
   EXPECT_EQ(textOf("<<4-a>>\r\nuno\r\n<<4-b>>\r\ndue", "a>>002<<4-b"), "uno");
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// The rules of tags and references written down step by step, with no thought of cost: what the quick routines are
+// The rules of tags and references written down step by step, without regard to cost: what the fast routines are
 // compared with.
 
 #include <optional>
@@ -58,13 +58,13 @@ inline std::optional<std::string> naiveEspandiTag(std::string text, const TagCon
 }
 
 inline std::string lowered(std::string text) {
-  for (char& letter : text) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter + 32);
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
   }
   return text;
 }
 
-/// For names and texts of ASCII letters.
+/// For names and texts in ASCII.
 inline std::string naiveReplaceString(std::string text, std::string name, const std::string& pageExtension) {
   const bool hasBlank = name.find(' ') != std::string::npos;
   for (int round = 0; round < (hasBlank ? 2 : 1); ++round) {

@@ -1,4 +1,4 @@
-// ReplaceString, and the one walk that does its work for a whole list of names.
+// ReplaceString, and the one pass that does its work for a whole list of names.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -20,7 +20,7 @@ TEST(ReplaceString, EachPairOfDelimitersMakesAReference) {
   }
 }
 
-TEST(ReplaceString, OtherLettersAroundANameMakeNoReference) {
+TEST(ReplaceString, OtherCharactersAroundANameMakeNoReference) {
   for (const char* text : {"\"logo.gif'", "(logo.gif)", "\"img/logo.gif\"", "=logo.gif\"", "logo.gif", ">logo.gif<"}) {
     EXPECT_EQ(ReplaceString(text, "logo.gif", ".php"), text);
   }
@@ -50,12 +50,12 @@ TEST(ReplaceString, AResultsPageKeepsItsExtension) {
   EXPECT_EQ(ReplaceString("\"results2.htm\"", "results2.htm", ".php"), "\"results2<<1-IDlingua>>.php\"");
 }
 
-TEST(ReplaceString, TheTagStandsBeforeTheFirstDotAndAtTheEndWithoutOne) {
+TEST(ReplaceString, TheTagIsBeforeTheFirstDotAndAtTheEndWithoutOne) {
   EXPECT_EQ(ReplaceString("'a.b.gif'", "a.b.gif", ".php"), "'a<<1-IDlingua>>.b.gif'");
   EXPECT_EQ(ReplaceString("'leggimi'", "leggimi", ".php"), "'leggimi<<1-IDlingua>>'");
 }
 
-TEST(ReplaceString, ANameWithBlanksIsFoundWithPercentCodesToo) {
+TEST(ReplaceString, ANameWithSpacesIsFoundWithPercentCodesToo) {
   EXPECT_EQ(ReplaceString("\"a b.gif\" 'a%20B.gif'", "a b.gif", ".php"),
             "\"a b<<1-IDlingua>>.gif\" 'a%20b<<1-IDlingua>>.gif'");
   EXPECT_EQ(ReplaceString("'a%20b.gif'", "a.gif", ".php"), "'a%20b.gif'");
@@ -75,7 +75,7 @@ TEST(ReferenceReplacer, TheFirstOfTwoNamesThatDifferInCaseGivesTheSpelling) {
   EXPECT_EQ(replacer.apply("'logo.gif'"), "'Logo<<1-IDlingua>>.gif'");
 }
 
-TEST(ReferenceReplacer, ANameInsideANameWithBlanksGoesByTheOrderOfTheList) {
+TEST(ReferenceReplacer, ANameInsideANameWithSpacesFollowsTheOrderOfTheList) {
   EXPECT_EQ(ReferenceReplacer({"b.gif", "a b.gif"}, ".php").apply("=a b.gif "), "=a b<<1-IDlingua>>.gif ");
   EXPECT_EQ(ReferenceReplacer({"a b.gif", "b.gif"}, ".php").apply("=a b.gif "), "=a b<<1-IDlingua>>.gif ");
   EXPECT_EQ(ReferenceReplacer({"a.x b.gif", "B.gif"}, ".php").apply("=a.x b.gif "),

@@ -60,14 +60,14 @@ TEST_F(EditingTags, ShowsTheSwitchOfTheShop) {
   EXPECT_TRUE(load().isEnabled());
 }
 
-TEST_F(EditingTags, ANewTagIsABlankLineForAllShops) {
+TEST_F(EditingTags, ANewTagIsAnEmptyLineForAllShops) {
   TagEditor editor = load();
   ASSERT_TRUE(editor.add());
   EXPECT_EQ(editor.line(0), "");
   EXPECT_FALSE(editor.tags()[0].ofShop);
 }
 
-TEST_F(EditingTags, TheNameRewritesTheLineAndClearingItBlanksTheLine) {
+TEST_F(EditingTags, TheNameRewritesTheLineAndClearingItEmptiesTheLine) {
   TagEditor editor = load();
   append(editor, "firma", "Mario");
   EXPECT_EQ(editor.line(0), "<<5-firma>>");
@@ -168,7 +168,7 @@ TEST_F(EditingTags, WithoutATagOfTheShopItsFileOnlyBecomesTheBackup) {
   EXPECT_EQ(personal("tag"), "<<5-b>>\r\n2\r\n");
 }
 
-TEST_F(EditingTags, FilesInOtherLettersAreReplacedAndNotDoubled) {
+TEST_F(EditingTags, FilesOfAnotherCaseAreReplacedAndNotDoubled) {
   write(application + "/PERSONAL.TAG", "<<5-a>>\r\n1\r\n");
   TagEditor editor = load();
   save(editor);

@@ -82,11 +82,11 @@ TEST(EspandiTag, AColumnIsFoundInAnyCaseButAWordAndACustomTagExactly) {
   EXPECT_EQ(expanded("<<5-nome>> <<5-Nome>>.", context, 5), "Mio .");
 }
 
-TEST(EspandiTag, AnEmptyColumnGivesNothingAndTheSearchGoesOnAtItsPlace) {
+TEST(EspandiTag, AnEmptyColumnGivesNothingAndTheSearchGoesOnAtItsPosition) {
   const MapRow row{{"vuoto", ""}, {"a", "A"}};
   EXPECT_EQ(expanded("<<1-vuoto>><<1-a>>", row), "A");
   EXPECT_EQ(expanded("<<1-vuoto>><<1-vuoto>>", row), "");
-  EXPECT_EQ(expanded("<<<1-vuoto>>1-a>>", row), "<1-a>>") << "the letter before the tag is final";
+  EXPECT_EQ(expanded("<<<1-vuoto>>1-a>>", row), "<1-a>>") << "the character before the tag is final";
 }
 
 TEST(EspandiTag, TheFirstPassOfADepartmentPageLeavesTheListForTheSecond) {
@@ -120,15 +120,15 @@ TEST(EspandiTag, TheFirstCharacterThatIsFinalMayTakeTwoBytes) {
   EXPECT_EQ(expanded("<<1-c>>", MapRow{{"a", "A"}, {"c", "è<<1-a>>"}}), "èA");
 }
 
-TEST(EspandiTag, AValuesEndAndTheTextBehindItFormATag) {
+TEST(EspandiTag, AValuesEndAndTheTextAfterItFormATag) {
   const MapRow row{{"a", "A"}, {"fine", "x<"}, {"fine2", "x<<1"}, {"fine3", "x<<1-a"}, {"solo", "<"}};
   EXPECT_EQ(expanded("<<1-fine>><1-a>>.", row), "xA.");
   EXPECT_EQ(expanded("<<1-fine2>>-a>>.", row), "xA.");
   EXPECT_EQ(expanded("<<1-fine3>>>>.", row), "xA.");
-  EXPECT_EQ(expanded("<<1-solo>><1-a>>.", row), "<<1-a>>.") << "its only letter is final";
+  EXPECT_EQ(expanded("<<1-solo>><1-a>>.", row), "<<1-a>>.") << "its only character is final";
 }
 
-TEST(EspandiTag, AStayingTagIsSearchedBehindItsFirstLetter) {
+TEST(EspandiTag, AStayingTagIsSearchedAfterItsFirstCharacter) {
   EXPECT_EQ(expanded("<<1-no<<1-a>>", MapRow{{"a", "A"}}), "<<1-noA");
 }
 
@@ -167,7 +167,7 @@ TEST(EspandiTag, ManyTagsOfTheTextItselfAreNoEndlessTags) {
   EXPECT_EQ(expanded(text, MapRow{{"a", "A"}}), std::string(150'000, 'A'));
 }
 
-TEST(EspandiTag, ALongRunOfOpenedTagsCostsNoSquareOfItsLength) {
+TEST(EspandiTag, ALongRunOfOpenedTagsTakesLinearTime) {
   std::string text;
   for (int i = 0; i < 200'000; ++i) text += "<<4-";
   const LanguageModule words = LanguageModule::parse("<<4-a>>\r\nA");
@@ -214,7 +214,7 @@ TEST(EspandiTag, AnyTextGivesWhatTheRulesTakenStepByStepGive) {
     const int kind = static_cast<int>(random() % 5) + 1;
     std::string text;
     for (auto left = random() % 24; left > 0; --left) text += pieces[random() % pieces.size()];
-    for (char& letter : text) letter = letter == 'K' ? static_cast<char>('0' + kind) : letter;
+    for (char& c : text) c = c == 'K' ? static_cast<char>('0' + kind) : c;
     const auto wanted = test::naiveEspandiTag(text, context, kind, 500);
     const auto got = EspandiTag(text, context, kind);
     ASSERT_EQ(got.has_value(), wanted.has_value()) << text << " kind " << kind;

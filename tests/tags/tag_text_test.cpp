@@ -1,4 +1,4 @@
-// The rewritings of texts around tags: brackets, quotes, codes.
+// The replacements in texts around tags: brackets, quotes, codes.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -10,7 +10,7 @@
 namespace kv {
 namespace {
 
-TEST(NormalizzaTag, EachEscapedPairOfBracketsIsTurnedBack) {
+TEST(NormalizzaTag, EachEscapedPairOfBracketsIsRestored) {
   EXPECT_EQ(NormalizzaTag("&lt;&lt; <&lt; &lt;<"), "<< << <<");
   EXPECT_EQ(NormalizzaTag("&gt;&gt; >&gt; &gt;>"), ">> >> >>");
   EXPECT_EQ(NormalizzaTag("%3C%3C <%3C %3C< %3c%3C"), "<< << << <<");
@@ -51,13 +51,13 @@ TEST(MettiVirgolette, EachBarBecomesADoubleQuote) {
 
 TEST(NoVirgolette, EachDoubleQuoteBecomesAnApostrophe) { EXPECT_EQ(NoVirgolette("\"a|\""), "'a|'"); }
 
-TEST(InterpretaCodice, NineLettersBecomePercentCodes) {
+TEST(InterpretaCodice, NineCharactersBecomePercentCodes) {
   EXPECT_EQ(InterpretaCodice("%[]|?#=<>"), "%25%5B%5D%7C%3F%23%3D%3C%3E");
   EXPECT_EQ(InterpretaCodice("A-1 è \"'&"), "A-1 è \"'&");
   EXPECT_EQ(InterpretaCodice("%5B"), "%255B");
 }
 
-TEST(StripCodice, ABarBecomesABlankAndMarksGo) {
+TEST(StripCodice, ABarBecomesASpaceAndMarksAreRemoved) {
   EXPECT_EQ(StripCodice("a|b?c#d=e<f>g\"h"), "a bcdefgh");
   EXPECT_EQ(StripCodice("?#=<>\""), "");
   EXPECT_EQ(StripCodice("[%]'è"), "[%]'è");

@@ -35,7 +35,7 @@ TEST_F(TheTemplateChoice, OffersTheFoldersThatHoldAModel) { EXPECT_EQ(open("").p
 
 TEST_F(TheTemplateChoice, OpensOnTheShopsOwnPackage) { EXPECT_EQ(open("blu").selectedName(), "blu"); }
 
-TEST_F(TheTemplateChoice, FindsTheShopsPackageAlsoInOtherLetters) { EXPECT_EQ(open("BLU").selectedName(), "blu"); }
+TEST_F(TheTemplateChoice, FindsTheShopsPackageInAnyCase) { EXPECT_EQ(open("BLU").selectedName(), "blu"); }
 
 TEST_F(TheTemplateChoice, OpensOnNothingWhenThePackageIsNotInstalled) {
   const auto choice = open("rosso");
@@ -77,7 +77,7 @@ TEST_F(TheTemplateChoice, ShowsANoteOfAnySizeWhole) {
   EXPECT_EQ(open("blu").note(), note);
 }
 
-TEST_F(TheTemplateChoice, ReturnsTheFirstFiftyLetters) {
+TEST_F(TheTemplateChoice, ReturnsTheFirstFiftyCharacters) {
   std::string name;
   for (int i = 0; i < 60; ++i) name += "è";
   put(name + "/modello1.htm");
@@ -85,7 +85,7 @@ TEST_F(TheTemplateChoice, ReturnsTheFirstFiftyLetters) {
   EXPECT_EQ(choice.accept(), name.substr(0, 50 * std::string_view("è").size()));
 }
 
-TEST_F(TheTemplateChoice, IgnoresAPlaceBehindTheList) {
+TEST_F(TheTemplateChoice, IgnoresAnIndexBeyondTheList) {
   auto choice = open("base");
   choice.select(7);
   EXPECT_EQ(choice.selectedName(), "base");

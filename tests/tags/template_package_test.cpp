@@ -55,13 +55,13 @@ TEST(CanCopy, EveryOtherFileIsAResource) {
   }
 }
 
-TEST(CaricaVetFile, LineEndsAndOuterBlanksAreRemoved) {
+TEST(CaricaVetFile, LineEndsAndOuterSpacesAreRemoved) {
   const TempFolder folder;
   put(folder / "Kvan_Vet.ini", "  <td>\r\n a \xE8\n</td>\r\n ");
   EXPECT_EQ(CaricaVetFile(folder.path()), "<td> a è</td>");
 }
 
-TEST(CaricaVetFile, AnAbsentOrBlankFileIsNoCell) {
+TEST(CaricaVetFile, AnAbsentOrEmptyFileIsNoCell) {
   const TempFolder folder;
   EXPECT_EQ(CaricaVetFile(folder.path()), "");
   put(folder / "kvan_vet.ini", " \r\n ");

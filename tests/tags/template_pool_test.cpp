@@ -1,4 +1,4 @@
-// CreaPool: what stands in the two pools of a language, and which references are rewritten there.
+// CreaPool: what is in the two pools of a language, and which references are rewritten there.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -41,7 +41,7 @@ def make_data(home):
     shutil.rmtree(fresh, ignore_errors=True)
     log = home.log / "mariadb-install.log"
     with open(log, "wb") as output:
-        # The program is a shell script that takes no folder with a blank in its path: hence a relative one. --force: the
+        # The program is a shell script that takes no folder with a space in its path: hence a relative one. --force: the
         # machine's own name need not be known to any name server.
         done = subprocess.run(
             [program, "--no-defaults", f"--datadir=./{fresh.name}", "--skip-test-db", "--force",

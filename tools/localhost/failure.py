@@ -1,4 +1,4 @@
-"""The one failure of this program that a user is told."""
+"""The one failure of this program that is shown to its user."""
 
 
 class HostError(Exception):

@@ -1,4 +1,4 @@
-"""Where things stand below HOME, and how paths are written into the servers' settings."""
+"""Where things are below HOME, and how paths are written into the servers' settings."""
 import dataclasses
 import pathlib
 

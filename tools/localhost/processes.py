@@ -20,7 +20,7 @@ SYSTEM_FOLDERS = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
 
 
 def find_program(names, package):
-    """The path of the first program of `names` that is there; servers often stand outside a user's PATH."""
+    """The path of the first program of `names` that is there; servers are often outside a user's PATH."""
     path = os.environ.get("PATH", "") + ":" + SYSTEM_FOLDERS
     for name in names:
         found = shutil.which(name, path=path)

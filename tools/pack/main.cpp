@@ -28,7 +28,7 @@ bool isText(std::string_view name) {
   return false;
 }
 
-/// An error of a text routine, told with the file it happened in.
+/// An error of a text routine, with the file it happened in.
 tl::unexpected<kv::Error> inFile(const std::string& path, kv::Error error) {
   error.where = error.where.empty() ? path : path + ":" + error.where;
   return kv::fail(std::move(error));

@@ -1,5 +1,5 @@
 #pragma once
-// What must hold in every catalogue that is shipped, told as a list of complaints. It reads the finished file and
+// What must hold in every catalogue that is shipped, as a list of complaints. It reads the finished file and
 // takes nothing from the way it was made.
 
 #include <string>
@@ -11,7 +11,7 @@
 namespace kv {
 
 /// Checks one row tables, the department tree, variants and their defaults, the preselected country and method,
-/// pictures (in the folder `pictures`) with their sizes, and that titles and descriptions stand in each language of
+/// pictures (in the folder `pictures`) with their sizes, and that there are titles and descriptions in each language of
 /// the shop. Empty when all is well; each complaint is one line.
 Result<std::vector<std::string>> complaintsAbout(Database& catalogue, const std::string& pictures);
 

@@ -76,16 +76,16 @@ std::string departmentKey(std::int64_t serial) {
   return text.data();
 }
 
-/// A failure of the store, told with the row at which it happened.
+/// A failure of the store, with the row at which it happened.
 tl::unexpected<Error> at(const SeedRow& row, Error error) {
   error.what = "[" + row.table + "] " + error.where + ": " + error.what;
-  error.where = placeOf(row);
+  error.where = lineOf(row);
   return fail(std::move(error));
 }
 
 }  // namespace
 
-/// A row on its way in: the record set stands in addNew().
+/// A row being added: addNew() has been called on the record set.
 struct CatalogueSeeder::Edit {
   const SeedRow& row;
   const TableInfo& table;
@@ -120,9 +120,9 @@ Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
 
   Edit edit{row, known->second, *records};
   for (const SeedField& field : row.fields) {
-    const int place = edit.table.columnIndex(field.column);
-    if (place < 0) return fail(ErrorKind::Missing, placeOf(field), row.table + " has no column " + field.column);
-    Result<Value> value = valueOf(field, edit.table.columns[static_cast<std::size_t>(place)]);
+    const int index = edit.table.columnIndex(field.column);
+    if (index < 0) return fail(ErrorKind::Missing, lineOf(field), row.table + " has no column " + field.column);
+    Result<Value> value = valueOf(field, edit.table.columns[static_cast<std::size_t>(index)]);
     if (!value) return fail(value.error());
     if (Result<> done = edit.set(field.column, *value); !done) return done;
   }
@@ -133,7 +133,7 @@ Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
     if (Result<> done = completeCountry(edit); !done) return done;
 
   if (!row.name.empty() && !keys_.emplace(row.name, records->get("ID")).second)
-    return fail(ErrorKind::Exists, placeOf(row), "another row is named " + row.name);
+    return fail(ErrorKind::Exists, lineOf(row), "another row is named " + row.name);
   if (Result<> done = records->update(); !done) return at(row, done.error());
   return {};
 }
@@ -141,11 +141,11 @@ Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
 Result<Value> CatalogueSeeder::valueOf(const SeedField& field, const ColumnInfo& column) const {
   if (field.text.starts_with('@')) {
     const auto key = keys_.find(field.text.substr(1));
-    if (key == keys_.end()) return fail(ErrorKind::Missing, placeOf(field), "no row above is named " + field.text);
+    if (key == keys_.end()) return fail(ErrorKind::Missing, lineOf(field), "no row above is named " + field.text);
     return key->second;
   }
   if (auto value = typed(field.text, column.type)) return *value;
-  return fail(ErrorKind::Malformed, placeOf(field),
+  return fail(ErrorKind::Malformed, lineOf(field),
               field.column + " can't hold \"" + field.text + "\", it is " + columnTypeName(column.type, column.size));
 }
 
@@ -181,7 +181,7 @@ Result<> CatalogueSeeder::measurePictures(Edit& edit) const {
   for (const SeedField& field : edit.row.fields) {
     if (!field.column.starts_with(stem)) continue;
     const Result<ImageSize> size = imageSize(joinPath(pictures_, field.text));
-    if (!size) return fail(size.error().kind, placeOf(field), "picture " + field.text + ": " + size.error().what);
+    if (!size) return fail(size.error().kind, lineOf(field), "picture " + field.text + ": " + size.error().what);
     const std::string rest = field.column.substr(stem.size());
     if (Result<> done = edit.set("imgX" + rest, std::int64_t{size->width}); !done) return done;
     if (Result<> done = edit.set("imgY" + rest, std::int64_t{size->height}); !done) return done;
@@ -193,7 +193,7 @@ Result<> CatalogueSeeder::completeDepartment(Edit& edit) {
   const std::string key = departmentKey(asInteger(edit.records.get("contatore")));
   if (Result<> done = edit.set("ID", key); !done) return done;
   if (Result<> done = edit.set("pagina", key); !done) return done;
-  // A blank takes the shop's number of articles side by side.
+  // A space means the shop's number of articles side by side.
   if (!edit.given("affiancati"))
     if (Result<> done = edit.set("affiancati", std::string(" ")); !done) return done;
   const std::string parent = asText(edit.records.get("genitore"));

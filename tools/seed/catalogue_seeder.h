@@ -27,7 +27,7 @@ class CatalogueSeeder {
   /// pictures: the folder that holds the files named in the columns immagine*.
   CatalogueSeeder(Database& catalogue, std::string pictures);
 
-  /// Inserts the rows in order. Malformed or Missing with "file:line" as the place.
+  /// Inserts the rows in order. Malformed or Missing, `where` being "file:line".
   Result<> insert(const std::vector<SeedRow>& rows);
   /// Numbers departments and articles, after the last insert().
   Result<> number();

@@ -1,6 +1,6 @@
 // korvane-seed: makes the databases of a shop from seed files.
 //   korvane-seed --pictures FOLDER --out FOLDER SEED...
-// It leaves catalog.mdb, kvftp.mdb, source.new and new.mdb in the folder; on any fault it names the place, leaves
+// It leaves catalog.mdb, kvftp.mdb, source.new and new.mdb in the folder; on any fault it names file and line, leaves
 // none of them, and returns 1.
 #include <algorithm>
 #include <cstdio>

@@ -10,10 +10,10 @@ namespace kv {
 namespace {
 
 std::string_view stripped(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r";
-  const auto first = text.find_first_not_of(blanks);
+  constexpr std::string_view spaces = " \t\r";
+  const auto first = text.find_first_not_of(spaces);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(spaces) - first + 1);
 }
 
 std::vector<std::string> cellsOf(std::string_view line) {
@@ -81,9 +81,9 @@ class Parser {
     close();
     if (line.back() != ']') return wrong("a section line without its ]");
     const std::string_view inside = stripped(line.substr(1, line.size() - 2));
-    const auto blank = inside.find(' ');
-    std::string first(inside.substr(0, blank));
-    std::string second(blank == std::string_view::npos ? "" : stripped(inside.substr(blank)));
+    const auto space = inside.find(' ');
+    std::string first(inside.substr(0, space));
+    std::string second(space == std::string_view::npos ? "" : stripped(inside.substr(space)));
     if (first.empty()) return wrong("a section without a table");
     section_ = first == "every" ? Section::Every : first == "list" ? Section::ListHead : Section::Row;
     const bool more = first == "more";
@@ -101,7 +101,7 @@ class Parser {
     const auto colon = line.find(':');
     if (colon == std::string_view::npos) return wrong("expected \"column: text\"");
     std::string column(stripped(line.substr(0, colon)));
-    if (row_.find(column) != nullptr) return wrong("the column " + column + " stands twice");
+    if (row_.find(column) != nullptr) return wrong("the column " + column + " is given twice");
     std::string text(stripped(line.substr(colon + 1)));
     keepLines_ = text == "|";
     if (keepLines_) text.clear();
@@ -161,9 +161,9 @@ const SeedField* SeedRow::find(std::string_view column) const {
   return nullptr;
 }
 
-std::string placeOf(const SeedRow& row) { return row.file + ":" + std::to_string(row.line); }
+std::string lineOf(const SeedRow& row) { return row.file + ":" + std::to_string(row.line); }
 
-std::string placeOf(const SeedField& field) { return field.file + ":" + std::to_string(field.line); }
+std::string lineOf(const SeedField& field) { return field.file + ":" + std::to_string(field.line); }
 
 Result<std::vector<SeedRow>> parseSeed(const std::string& file, std::string_view text) {
   return Parser(file).run(text);
@@ -177,10 +177,10 @@ Result<std::vector<SeedRow>> joinRows(std::vector<SeedRow> rows) {
       continue;
     }
     const auto named = std::find_if(joined.begin(), joined.end(), [&](const SeedRow& r) { return r.name == row.name; });
-    if (named == joined.end()) return fail(ErrorKind::Missing, placeOf(row), "no row above is named @" + row.name);
+    if (named == joined.end()) return fail(ErrorKind::Missing, lineOf(row), "no row above is named @" + row.name);
     for (SeedField& field : row.fields) {
       if (named->find(field.column) != nullptr)
-        return fail(ErrorKind::Malformed, placeOf(field), "the column " + field.column + " stands twice");
+        return fail(ErrorKind::Malformed, lineOf(field), "the column " + field.column + " is given twice");
       named->fields.push_back(std::move(field));
     }
   }

@@ -6,7 +6,7 @@
 //   maxarticoli: 12
 //   [categorie ceramiche]        one row; other rows refer to it as @ceramiche
 //   titolo: Ceramiche
-//   descrizione:                 a long text, each line indented by two blanks; its lines are joined by a blank,
+//   descrizione:                 a long text, each line indented by two spaces; its lines are joined by a space,
 //     First line                 and an empty line begins a new paragraph
 //     goes on.
 //   firma_email: |               the same with its lines kept as they are
@@ -48,16 +48,16 @@ struct SeedRow {
 };
 
 /// "file:line", for messages.
-std::string placeOf(const SeedRow& row);
-std::string placeOf(const SeedField& field);
+std::string lineOf(const SeedRow& row);
+std::string lineOf(const SeedField& field);
 
-/// The rows of one seed file in order, with the columns of [every] added behind their own.
-/// Malformed, with "file:line" as the place, at the first line that fits nothing, a column given twice, a list row
+/// The rows of one seed file in order, with the columns of [every] added after their own.
+/// Malformed, `where` being "file:line", at the first line that fits nothing, a column given twice, a list row
 /// with more cells than columns, or a character that Windows-1252 lacks.
 Result<std::vector<SeedRow>> parseSeed(const std::string& file, std::string_view text);
 
 /// The rows with those of [more] taken into the rows that they name.
-/// Missing when no row above has the name, Malformed when the row has the column already; "file:line" is the place.
+/// Missing when no row above has the name, Malformed when the row has the column already; `where` is "file:line".
 Result<std::vector<SeedRow>> joinRows(std::vector<SeedRow> rows);
 
 }  // namespace kv

@@ -15,7 +15,7 @@ bool sameAscii(std::string_view a, std::string_view b) {
                     [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
 }
 
-// Finds the occurrences of one byte, each once, so that a search for two bytes (the cases of a letter) takes linear
+// Finds the occurrences of one byte, each once, so that a search for two bytes (upper and lower case) takes linear
 // time.
 class ByteScan {
  public:
