@@ -97,7 +97,8 @@ void ExportFullSql(const ExportContext& context, const std::string& sec, ExportR
   ExportReport unasked;
   ExportReport& done = report != nullptr ? *report : unasked;
   const std::string cache = joinPath(context.onlineFolder, filesOf("", sec).cachedLoad);
-  if (fileExists(cache) && isStale(cache, context.settings)) ignore(deleteFile(cache), "a stale dump that stays is published again");
+  if (fileExists(cache) && isStale(cache, context.settings))
+    ignore(deleteFile(cache), "a stale dump that stays is published again");
   if (!fileExists(cache)) {
     const double languages = notedLanguages(context.onlineFolder, sec);
     if (languages == 0) return;

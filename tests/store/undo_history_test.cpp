@@ -37,7 +37,7 @@ class UndoBound : public TreeFixture {
 
 TEST_F(UndoBound, TheOldestStepsAreDroppedWhenAllTakeMoreThanTheBound) {
   // A step holds what was before as well as what is after, but for the first.
-  UndoHistory steps(sets, stepBytes * 9 / 2);
+  UndoHistory steps(sets, {}, stepBytes * 9 / 2);
   steps.begin();
   for (const char* name : {"a", "b", "c", "d"}) write(steps, name);
   EXPECT_EQ(undone(steps), "dc");
@@ -46,7 +46,7 @@ TEST_F(UndoBound, TheOldestStepsAreDroppedWhenAllTakeMoreThanTheBound) {
 }
 
 TEST_F(UndoBound, UnderTheBoundEveryStepStays) {
-  UndoHistory steps(sets, stepBytes * 8);
+  UndoHistory steps(sets, {}, stepBytes * 8);
   steps.begin();
   for (const char* name : {"a", "b", "c", "d"}) write(steps, name);
   EXPECT_EQ(undone(steps), "dcba");
@@ -54,7 +54,7 @@ TEST_F(UndoBound, UnderTheBoundEveryStepStays) {
 }
 
 TEST_F(UndoBound, TheLastStepStaysHoweverBig) {
-  UndoHistory steps(sets, 1);
+  UndoHistory steps(sets, {}, 1);
   steps.begin();
   for (const char* name : {"a", "b"}) write(steps, name);
   EXPECT_EQ(undone(steps), "b");
@@ -62,7 +62,7 @@ TEST_F(UndoBound, TheLastStepStaysHoweverBig) {
 }
 
 TEST_F(UndoBound, AStepThatIsDoneAgainCountsAgain) {
-  UndoHistory steps(sets, stepBytes * 7 / 2);
+  UndoHistory steps(sets, {}, stepBytes * 7 / 2);
   steps.begin();
   for (const char* name : {"a", "b"}) write(steps, name);
   ASSERT_TRUE(steps.undo());

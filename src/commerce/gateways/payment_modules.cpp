@@ -95,7 +95,8 @@ void CompletaGateway(const std::string& shopFolder, const std::string& applicati
     if (!createFolders(code)) continue;
     // The descriptor first and the folder whole at the end: a module whose folder is there is complete, whenever an
     // earlier run was cut off. A descriptor that isn't shipped is no reason to leave the module out.
-    ignore(copyFile(joinPath(shipped, descriptor), joinPath(code, descriptor)), "the build reports a missing descriptor");
+    ignore(copyFile(joinPath(shipped, descriptor), joinPath(code, descriptor)),
+           "the build reports a missing descriptor");
     ignore(placeWhole(from, present.value_or(joinPath(code, name))), "the next opening tries again");
   }
 }
