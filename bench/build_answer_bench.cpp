@@ -37,7 +37,7 @@ double wallSeconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// A stretch without a yield, and where the build stood behind it.
+/// A stretch without a yield, and where the build was after it.
 struct Gap {
   double wall = 0, cpu = 0;
   std::string where;
