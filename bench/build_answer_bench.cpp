@@ -1,4 +1,4 @@
-// How long a build keeps its user waiting: the longest time between two moments at which it processes events,
+// How long a build keeps its user waiting: the longest stretch between two moments at which it lets his clicks through,
 // from its first line to its last, for shops of many articles, of many departments and of one large department.
 //
 // Arguments: --quick (a tenth of each).
@@ -37,7 +37,7 @@ double wallSeconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// A time without a yield, and what the build was doing after it.
+/// A stretch without a yield, and where the build was after it.
 struct Gap {
   double wall = 0, cpu = 0;
   std::string where;

@@ -1,4 +1,4 @@
-// The price of an article in every form it takes, worked out by hand from the rules.
+// The price of an article in every form it takes, computed by hand from the rules.
 
 #include "builder/article/article_price.h"
 
@@ -72,13 +72,19 @@ TEST(ArticlePriceTest, AnOfferAtOrAboveTheListPriceStrikesItButPrintsNoPercentag
   }
 }
 
+TEST(ArticlePriceTest, AnOfferBelowAListPriceOfZeroPrintsNoPercentage) {
+  const PriceTexts made = texts(rules(), {money("0"), money("-5"), 0.0F, 1.0F}, "M");
+  EXPECT_EQ(made.listino, "<strike>EUR 0,00</strike>");
+  EXPECT_EQ(made.offerta, "M");
+}
+
 TEST(ArticlePriceTest, AnOfferOfZeroIsAnOffer) {
   const PriceTexts made = texts(rules(), {money("10"), money("0"), 0.0F, 1.0F});
   EXPECT_EQ(made.prezzo, "EUR 0,00");
   EXPECT_EQ(made.offerta, " - 100% ");
 }
 
-TEST(ArticlePriceTest, TheDepartmentDiscountTakesThePlaceOfTheOfferMark) {
+TEST(ArticlePriceTest, TheDepartmentDiscountReplacesTheOfferMark) {
   const PriceTexts made = texts(rules(), {money("100"), {}, 0.0F, 0.9F}, "MARK");
   EXPECT_EQ(made.listino, "<strike>EUR 100,00</strike>");
   EXPECT_EQ(made.prezzo, "EUR 90,00");
@@ -92,7 +98,7 @@ TEST(ArticlePriceTest, WithoutTheSettingNoPercentageIsShownAndTheMarkStays) {
   EXPECT_EQ(texts(silent, {money("100"), money("50"), 0.0F, 0.9F}, "MARK").offerta, "MARK");
 }
 
-TEST(ArticlePriceTest, VatIsWorkedOutOnTheDiscountedPrice) {
+TEST(ArticlePriceTest, VatIsComputedOnTheDiscountedPrice) {
   PriceRules included = rules();
   included.vatIncluded = true;
   const PriceTexts made = texts(included, {money("100"), {}, 0.2F, 0.9F});

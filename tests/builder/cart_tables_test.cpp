@@ -49,7 +49,7 @@ class CartTablesTest : public ::testing::Test {
   int countries = 0;
 };
 
-TEST_F(CartTablesTest, CountriesStandAsTheyWereEnteredAndTheValueHasABlankBeforeItsSign) {
+TEST_F(CartTablesTest, CountriesKeepTheOrderOfEntryAndTheValueHasASpaceBeforeItsSign) {
   country("Italia", 1);
   country("Francia", 2);
   country("Austria", 2);
@@ -177,7 +177,7 @@ TEST_F(CartTablesTest, AShopThatNeverSetRequiredFieldsAsksForNothing) {
   EXPECT_EQ(MakeObbligatori(row("generale")), "obbl_magg = 0;");
 }
 
-TEST_F(CartTablesTest, NumbersForScriptsHaveTheirBlankInFront) {
+TEST_F(CartTablesTest, NumbersForScriptsStartWithASpace) {
   shop.update("generale", {{"qminima", std::int64_t{3}}, {"minimo", money("12.5")}});
   shop.sql("UPDATE pagamento SET ivaspese=20, imppeso=1");
   EXPECT_EQ(tag("java_qminima>>|<<1-java_minimo>>|<<1-java_aliquotaspese>>|<<1-java_tipopeso"), " 3| 12.5| .2|1");

@@ -16,11 +16,11 @@ TEST(HtmlTextTest, ATextWithMarkupIsLeftAsItIs) {
   EXPECT_EQ(HtmlText{}.TestoHTML("a > b < è"), "a > b < &egrave;");
 }
 
-TEST(HtmlTextTest, LineEndsBecomeBreaksAndAccentedLettersEntities) {
+TEST(HtmlTextTest, LineEndsBecomeBreaksAndAccentedCharactersEntities) {
   EXPECT_EQ(HtmlText{}.TestoHTML("Caffè\r\nperché\nno"), "Caff&egrave;<BR>perch&eacute;\nno");
 }
 
-TEST(HtmlTextTest, ExactlySixtyOneLettersHaveEntities) {
+TEST(HtmlTextTest, ExactlySixtyOneCharactersHaveEntities) {
   EXPECT_EQ(HtmlText{}.TestoHTML("ÁÂÀÅÃÄÆÉÊÈËÍÎÌÏÓÔÒÕÖÚÛÙÜÝ"),
             "&Aacute;&Acirc;&Agrave;&Aring;&Atilde;&Auml;&AElig;&Eacute;&Ecirc;&Egrave;&Euml;&Iacute;&Icirc;&Igrave;"
             "&Iuml;&Oacute;&Ocirc;&Ograve;&Otilde;&Ouml;&Uacute;&Ucirc;&Ugrave;&Uuml;&Yacute;");
@@ -77,7 +77,7 @@ TEST(HtmlTextTest, ATemplateImageCarriesItsSizeWhenItCanBeRead) {
   EXPECT_EQ(CreaTagImg(folder.path(), "manca.gif"), "<img src=\"manca.gif\">");
 }
 
-TEST(HtmlTextTest, ASearchKeyHoldsLettersAndDigitsBetweenSigns) {
+TEST(HtmlTextTest, ASearchKeyHoldsCharactersAndDigitsBetweenSigns) {
   EXPECT_EQ(CampoRicerca("  Olio  EXTRA-vergine 1l "), "#olio##extravergine##1l#");
   EXPECT_EQ(CampoRicerca("Caffè ñ"), "#caffè###");
   EXPECT_EQ(CampoRicerca("  -- "), "");

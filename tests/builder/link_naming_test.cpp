@@ -15,7 +15,7 @@ TEST(LinkNamingTest, AnAddressTypedLooselyIsMadeClean) {
   EXPECT_EQ(publicAddress("https://bottega.example", ""), "https://bottega.example");
 }
 
-TEST(LinkNamingTest, ThePageFileOfASubPageIsCutBehindItsExtension) {
+TEST(LinkNamingTest, ThePageFileOfASubPageIsCutAfterItsExtension) {
   EXPECT_EQ(PageFile("scarpe", 3, "_l2"), "scarpe_l2.php?n=3");
   EXPECT_EQ(NoASPQuery("scarpe_l2.php?n=3"), "scarpe_l2.php");
   EXPECT_EQ(NoASPQuery("a/index.php"), "a/index.php");

@@ -60,6 +60,18 @@ TEST(MakePagesTest, SevenColumnsInADepartmentFallBackToOneAndSixStay) {
             "\n3|<tr><td valign=top width=33%><table border=0 width=100%><tr><td valign=top>");
 }
 
+TEST(MakePagesTest, ANumberOfColumnsWithAFractionIsRoundedHalfToEven) {
+  TempShop shop;
+  shop.department("cat001", {{"affiancati", std::string("2.5")}});
+  shop.department("cat002", {{"affiancati", std::string("3.5")}});
+  shop.article("cat001");
+  shop.article("cat002");
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  const std::string cell = "%><table border=0 width=100%><tr><td valign=top>";
+  EXPECT_EQ(shop.rows("SELECT ID, beforecode FROM dettaglio ORDER BY ID"),
+            "1|<tr><td valign=top width=50" + cell + "\n2|<tr><td valign=top width=25" + cell);
+}
+
 TEST(MakePagesTest, ADepartmentModelOfAnotherNameFallsBackToTheFirst) {
   TempShop shop;
   shop.templateFile("modello2.htm", "due<KV_START><KV_END>");

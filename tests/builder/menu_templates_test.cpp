@@ -29,11 +29,11 @@ TEST(MenuTemplatesTest, EachHeadingNamesItsSection) {
   EXPECT_TRUE(menu.wraps());
 }
 
-TEST(MenuTemplatesTest, HeadingsCountInAnyCaseAndWithBlanksAround) {
+TEST(MenuTemplatesTest, HeadingsCountInAnyCaseAndWithSpacesAround) {
   EXPECT_EQ(menuTemplates("  [Top TITLES]  \r\n<b>").entry({true, false, false}), "<b>");
 }
 
-TEST(MenuTemplatesTest, LinesKeepTheirBlanksAndInnerEmptyLinesAndBlankLinesAroundGo) {
+TEST(MenuTemplatesTest, LinesKeepTheirSpacesAndInnerEmptyLinesAndEmptyLinesAroundGo) {
   EXPECT_EQ(menuTemplates("[tab]\n\n   \n  a \n\n b\n \n\n[titles]\nx").tab, "  a \r\n\r\n b");
 }
 

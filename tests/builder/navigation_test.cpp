@@ -71,7 +71,7 @@ TEST(NavigationTest, AnImageAtTheTopTurnsTheBulletIntoALineBreak) {
             "<BR><B><img src=\"a.gif\" width=\"20\" height=\"\" border=\"0\"></B><BR>\r\n");
 }
 
-TEST(NavigationTest, AnImageBelowTheTopKeepsTheBlanksAsItsMark) {
+TEST(NavigationTest, AnImageBelowTheTopKeepsTheSpacesAsItsMark) {
   EXPECT_THAT(
       navigation({department("a"), withImage(department("b", "a", 2))}).CatEsplora("a").tree,
       HasSubstr("&nbsp; &nbsp;&nbsp;<a href=\"b.php?n=1\"><img src=\"b.gif\" width=\"20\" height=\"\" border=\"0\">"));

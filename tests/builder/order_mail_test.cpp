@@ -12,7 +12,7 @@ TEST(OrderMailTest, AnEmptyTextGivesNothing) {
   EXPECT_EQ(CreaMail("", MailForm::Perl), "");
 }
 
-TEST(OrderMailTest, EachLineIsAppendedToTheMailBehindOneMoreLineEnd) {
+TEST(OrderMailTest, EachLineIsAppendedToTheMailAfterOneMoreLineEnd) {
   EXPECT_EQ(CreaMail("Grazie.\r\n\r\nA presto", MailForm::Php),
             "\r\n"
             "$info .= \"Grazie.\\r\\n\";\r\n"

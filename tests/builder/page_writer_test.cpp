@@ -73,7 +73,7 @@ TEST_F(PageWriterTest, APlainPageGetsThePrologueAndTheMark) {
             "content=\"Korvane " KORVANE_VERSION "\">\r\n<title>x</title></html>\r\n");
 }
 
-TEST_F(PageWriterTest, APageThatStartsWithTextHasNoLineEndBehindThePrologue) {
+TEST_F(PageWriterTest, APageThatStartsWithTextHasNoLineEndAfterThePrologue) {
   EXPECT_THAT(make("a.htm", "testo", "a.php"), EndsWith("?>testo\r\n"));
 }
 

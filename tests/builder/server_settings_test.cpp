@@ -55,7 +55,7 @@ TEST_F(ServerSettingsTest, APlainShopHasTheBlockWithoutItsTwoOptionalLines) {
             "$scontoimp = array(0,0,0,0,0,0,0,0,0,0);\r\n");
 }
 
-TEST_F(ServerSettingsTest, AShopWithEverythingOnHasEachLineInItsPlace) {
+TEST_F(ServerSettingsTest, AShopWithEverythingOnHasEachLineInItsOrder) {
   ASSERT_TRUE(writeBytes(shop.applicationFolder() + "/template/prova/kvan_offerta.gif", onePixelGif(1, 2, 3)));
   shop.sql(
       "UPDATE generale SET ivacompresa=1, decimali1=0, decimali2=1, vis_sconto=1, usa_cambio=1, cambio=1936.27, "
@@ -77,7 +77,7 @@ TEST_F(ServerSettingsTest, AShopWithEverythingOnHasEachLineInItsPlace) {
             "$scontoimp = array(100.5,0,0,0,0,0,0,0,0,.25);\r\n");
 }
 
-TEST_F(ServerSettingsTest, TheRateHasTwoBlanksBeforeItAndNoneTooManyWhenItIsOff) {
+TEST_F(ServerSettingsTest, TheRateHasTwoSpacesBeforeItAndNoneTooManyWhenItIsOff) {
   shop.sql("UPDATE generale SET usa_cambio=1, cambio=1");
   EXPECT_THAT(globals(), HasSubstr("$cambio =  1;\r\n"));
   shop.sql("UPDATE generale SET usa_cambio=0");
@@ -168,7 +168,7 @@ TEST_F(ServerSettingsTest, WhatGoesIntoQuotesOfPhpIsEscaped) {
   EXPECT_EQ(tag("db_password>> <<1-bo_username>> <<1-compact_privacy_policy"), "a\\\"b\\'c l\\'ape \\\"ALL\\\"");
 }
 
-TEST_F(ServerSettingsTest, AccountsForPagesStandAsTyped) {
+TEST_F(ServerSettingsTest, AccountsForPagesAreWrittenAsTyped) {
   set("password", "a\"b'c");
   set("folderCGI", "  /cgi  ");
   set("perl", "/usr/bin/perl");
@@ -189,7 +189,7 @@ TEST_F(ServerSettingsTest, PerlHasItsAddressAndSignatureEscaped) {
   EXPECT_EQ(tag("firma>>|<<1-perl_mailend"), "La \"Bottega\"\r\ninfo@bottega.it|La 'Bottega'\r\ninfo\\@bottega.it");
 }
 
-TEST_F(ServerSettingsTest, TheMailStandsInBothForms) {
+TEST_F(ServerSettingsTest, TheMailIsWrittenInBothForms) {
   set("testo_email", "Ordine <<Codice>>\r\n\"x\"@y");
   EXPECT_EQ(tag("testo_email"),
             "\r\n$info .= \"Ordine \" . $codice . \"\\r\\n\";\r\n$info .= \"\\\"x\\\"@y\\r\\n\";\r\n");

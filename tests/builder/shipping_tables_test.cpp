@@ -1,4 +1,4 @@
-// The shipping costs as arrays of the cart: which slot a cost stands in, how it is written, which letters go with it.
+// The shipping costs as arrays of the cart: which slot a cost is in, how it is written, which signs go with it.
 
 #include "builder/checkout/shipping_tables.h"
 
@@ -53,7 +53,7 @@ class ShippingTablesTest : public ::testing::Test {
     EXPECT_EQ(found.size(), 32U) << name;
     return found;
   }
-  static std::string lettersOf(const AmountTables& tables) {
+  static std::string signsOf(const AmountTables& tables) {
     const auto start = tables.java_permessi.find('\'') + 1;
     return tables.java_permessi.substr(start, tables.java_permessi.find('\'', start) - start);
   }
@@ -68,7 +68,7 @@ class ShippingTablesTest : public ::testing::Test {
   float aliquota = 0;
 };
 
-TEST_F(ShippingTablesTest, WithoutMethodsEveryAmountIsZeroAndNoSlotHasALetter) {
+TEST_F(ShippingTablesTest, WithoutMethodsEveryAmountIsZeroAndNoSlotHasASign) {
   const AmountTables tables = amounts();
   const std::string zeros = repeated("0,", 31) + "0);\r\n";
   const std::string costs = repeated("0.00,", 31) + "0.00);\r\n";
@@ -77,7 +77,7 @@ TEST_F(ShippingTablesTest, WithoutMethodsEveryAmountIsZeroAndNoSlotHasALetter) {
   EXPECT_EQ(tables.java_permessi, "var SpOk='';\r\nvar IvaOk='00000000';");
 }
 
-TEST_F(ShippingTablesTest, TheArraysByWeightStandInPairsAndTheTenthHasNoLimit) {
+TEST_F(ShippingTablesTest, TheArraysByWeightComeInPairsAndTheTenthHasNoLimit) {
   std::vector<std::string> names;
   const std::string script = weights();
   for (const std::string_view line : splitLines(script)) names.emplace_back(line.substr(0, line.find('=')));
@@ -101,7 +101,7 @@ TEST_F(ShippingTablesTest, ThreeActiveMethodsFillTwentyFourSlotsAndTheLastEightS
   wanted.insert(wanted.end(), 8, "4.00");
   wanted.insert(wanted.end(), 8, "0.00");
   EXPECT_EQ(values(tables.java_importi, "impspese3"), wanted);
-  EXPECT_EQ(lettersOf(tables), "111111110000000000000000");
+  EXPECT_EQ(signsOf(tables), "111111110000000000000000");
   const auto heaviest = values(weights(), "impspp10");
   EXPECT_EQ(heaviest[16], "4.00");
   EXPECT_EQ(heaviest[24], "0.00");
@@ -115,12 +115,12 @@ TEST_F(ShippingTablesTest, ASlotGoesByThePositionAmongTheActiveMethodsAndNotByTh
   EXPECT_EQ(std::count(costs.begin(), costs.end(), "0.00"), 31);
 }
 
-TEST_F(ShippingTablesTest, ALetterTellsWhetherTheMethodIsAllowedInTheZone) {
+TEST_F(ShippingTablesTest, ASignShowsWhetherTheMethodIsAllowedInTheZone) {
   shop.sql("UPDATE pagamento SET attivo2=1");
   shop.sql("UPDATE zona1 SET pag2=1");
   shop.sql("UPDATE zona3 SET pag2=1");
   shop.sql("UPDATE zona8 SET pag2=1");
-  EXPECT_EQ(lettersOf(amounts()), "10100001");
+  EXPECT_EQ(signsOf(amounts()), "10100001");
 }
 
 TEST_F(ShippingTablesTest, FirstThresholdsAboveTheSecondAreSwappedWithTheirCosts) {
@@ -138,7 +138,7 @@ TEST_F(ShippingTablesTest, FirstThresholdsAboveTheSecondAreSwappedWithTheirCosts
   EXPECT_EQ(values(script, "impspese3")[0], "3.00");
 }
 
-TEST_F(ShippingTablesTest, EqualThresholdsStayInTheirPlaces) {
+TEST_F(ShippingTablesTest, EqualThresholdsKeepTheirOrder) {
   shop.sql("UPDATE pagamento SET attivo1=1");
   shop.update("zona1",
               {{"m1imp1", money("50")}, {"m1sp1", money("8")}, {"m1imp2", money("50")}, {"m1sp2", money("5")}});

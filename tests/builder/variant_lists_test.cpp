@@ -109,7 +109,7 @@ TEST(VariantListsTest, AValueOfMarksAloneGivesNoOption) {
   EXPECT_EQ(shop.list(), "");
 }
 
-TEST(VariantListsTest, MarksGoFromTheTextAndABarBecomesABlank) {
+TEST(VariantListsTest, MarksGoFromTheTextAndABarBecomesASpace) {
   VariantShop shop;
   shop.value({{"testo", std::string("<b>2|3</b> \"pollici\"")}});
   EXPECT_THAT(shop.list(), HasSubstr("|Taglia: b2 3/b pollici\">b2 3/b pollici</option>"));
@@ -120,7 +120,7 @@ TEST(VariantListsTest, TheEndOfAnOptionGoesFromTheLabelInAnyCase) {
             "<option value=\"<<0.00>>=0#|ab: x\">x</option>");
 }
 
-TEST(VariantListsTest, ValuesStandInTheOrderOfTheirTable) {
+TEST(VariantListsTest, ValuesComeInTheOrderOfTheirTable) {
   VariantShop shop;
   shop.value({{"ID", number(9)}, {"testo", std::string("b")}});
   shop.value({{"ID", number(4)}, {"testo", std::string("a")}});
@@ -135,7 +135,7 @@ TEST(VariantListsTest, ANameEndsBeforeItsFirstBarAndHasNoMarks) {
   EXPECT_EQ(shop.rows("SELECT nomeopzione FROM opzioni WHERE ID = 3"), "Colore 1");
 }
 
-TEST(VariantListsTest, TheVariantThatStandsForNoneHasNeitherNameNorValues) {
+TEST(VariantListsTest, TheFixedVariantForNoneHasNeitherNameNorValues) {
   VariantShop shop;
   shop.variant(1, "(nessuna)");
   shop.value({{"testo", std::string("x")}}, 1);

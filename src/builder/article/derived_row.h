@@ -20,28 +20,34 @@ namespace kv {
 
 /// One field of a derived row.
 struct DerivedField {
+  /// What the field holds, and so the type that a table gets.
   enum class Kind : std::uint8_t { Null, Integer, Real, Money, Text };
   Kind kind = Kind::Null;
   std::int64_t whole = 0;  ///< Integer, flags as 0 and 1, ten-thousandths of Money
   double real = 0;         ///< Real
   std::string text;        ///< Text; kept when the field becomes a number, for its memory
 
+  /// Makes it a text.
   void set(std::string_view value) {
     kind = Kind::Text;
     text = value;
   }
+  /// Makes it a text and takes over its memory.
   void set(std::string&& value) {
     kind = Kind::Text;
     text = std::move(value);
   }
+  /// Makes it a whole number or a flag.
   void setWhole(std::int64_t value) {
     kind = Kind::Integer;
     whole = value;
   }
+  /// Makes it a floating point number.
   void setReal(double value) {
     kind = Kind::Real;
     real = value;
   }
+  /// Makes it an amount.
   void setMoney(Money value) {
     kind = Kind::Money;
     whole = value.tenThousandths();
@@ -63,8 +69,10 @@ class DerivedRows {
   /// Forgets all rows.
   void clear() { count_ = 0; }
 
+  /// The number of rows in use.
   std::size_t size() const { return count_; }
   bool empty() const { return count_ == 0; }
+  /// A row in use.
   const DerivedRow& operator[](std::size_t index) const { return rows_[index]; }
 
  private:
@@ -74,6 +82,7 @@ class DerivedRows {
 
 /// The index of each column in a derived row, found by name once per build.
 struct DerivedColumns {
+  /// Finds all of them; one that the schema lacks is -1.
   DerivedColumns();
 
   /// The columns in the order of a derived row.

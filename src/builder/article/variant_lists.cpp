@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int64_t emptyVariant = 1;
 
-// In any case of letters: a list must not end before its own last value.
+// In upper or lower case: a list must not end before its own last value.
 std::string withoutOptionEnd(std::string text) {
   constexpr std::string_view optionEnd = "</option>";
   for (std::size_t at = findIgnoringCase(text, optionEnd); at != std::string::npos;
@@ -88,7 +88,7 @@ Result<std::string> VariantReader::InserisciOpzione(std::int64_t id, std::string
     if (!*more) return out;
     const FieldRow row(values_);
     out += list_.option(
-        // A blank marks no value as the default one, as an empty text does.
+        // A space marks no value as the default one, as an empty text does.
         {row.text("testo"), row.text("codice"), row.money("prezzo"), row.single("peso"),
          std::string(trim(row.text("selezionato")))},
         nome);

@@ -14,22 +14,25 @@
 
 namespace kv {
 
-/// One value of a variant as it stands in the catalogue.
+/// One value of a variant as the catalogue has it.
 struct VariantValue {
-  std::string testo, codice;
-  Money prezzo;
-  float peso = 0;
+  std::string testo;        ///< what the visitor chooses; a value without it is left out
+  std::string codice;       ///< what the order names it by, may be empty
+  Money prezzo;             ///< what it adds to the article's price, negative for less
+  float peso = 0;           ///< what it adds to the article's weight
   std::string selezionato;  ///< not empty: the default value
 };
 
 /// How the values of a shop's variants are written.
 class VariantList {
  public:
+  /// `generale`: the settings in the language of the list.
   explicit VariantList(const FieldRow& generale);
+  /// With differences shown and the amounts of no currency.
   VariantList() = default;
 
-  /// <option value="<<PRICE>>=WEIGHT#CODE|LABEL">TEXT ( + EUR <<importo>> )</option>. <<PRICE>> and <<importo>> stand
-  /// as they are, for the shop's PHP to fill. Empty for a value without text; the default value carries " *".
+  /// <option value="<<PRICE>>=WEIGHT#CODE|LABEL">TEXT ( + EUR <<importo>> )</option>. <<PRICE>> and <<importo>> are
+  /// written as they are, for the shop's PHP to fill. Empty for a value without text; the default value carries " *".
   std::string option(const VariantValue& value, std::string_view nome) const;
 
  private:
@@ -39,16 +42,17 @@ class VariantList {
   Differences differences_ = Differences::WithSign;
 };
 
-/// Reads the variants of a catalogue in one language.
+/// Reads the variants of a catalogue in one language. The statements are prepared once for all variants.
 class VariantReader {
  public:
   /// `generale`: the settings in that language. Failures: as Database::prepare.
   static Result<VariantReader> open(Database& catalogue, const FieldRow& generale, std::string_view lingua);
 
   /// CreaNomeOpzione (make option name): the variant's name up to a "|", without marks; empty for the variant 1, which
-  /// stands for none, and for one that isn't there. Failures: as Statement::step.
+  /// is the fixed one for none, and for one that isn't there. Failures: as Statement::step.
   Result<std::string> CreaNomeOpzione(std::int64_t id);
   /// InserisciOpzione (insert option): the options of all values, in the order of the table; empty for the variant 1.
+  /// `nome`: the variant's name, which each option repeats for the cart. Failures: as Statement::step.
   Result<std::string> InserisciOpzione(std::int64_t id, std::string_view nome);
 
  private:

@@ -1,11 +1,13 @@
 #pragma once
-// The confirmation mail of an order, turned into program text of the scripts that send it.
+// The confirmation mail of an order, turned into program text of the scripts that send it. What the merchant typed ends
+// up inside double quotes of PHP or Perl, so that nothing of it may close them.
 
 #include <string>
 #include <string_view>
 
 namespace kv {
 
+/// The language of the script that sends the mail.
 enum class MailForm { Php, Perl };
 
 /// MakePerl: a text made safe within double quotes of Perl: "@" gets a backslash, a double quote becomes an apostrophe.

@@ -1,6 +1,6 @@
 #pragma once
 // What differs from shop to shop in the scripts of the server: PHP settings, addresses, accounts, mail texts. Most of
-// it stands in columns of the page tag row, from where the tags of the scripts take it.
+// it is in columns of the page tag row, from where the tags of the scripts take it.
 
 #include <string>
 #include <string_view>
@@ -17,16 +17,16 @@ std::string phpGlobals(const FieldRow& generale, const CurrencyForm& form, float
                        const std::string& templateFolder);
 
 /// The department lines `php_vars`: they load the department's factors and send a visitor whose listino is closed to
-/// the login page.
+/// the login page. `department`: its ID.
 std::string phpVars(std::string_view department);
 
 /// What the server's columns are made of, for one language.
 struct ServerTags {
-  const FieldRow& generale;  ///< in the language view
-  std::string_view lingua;   ///< language suffix
-  std::string_view pageExtension;
+  const FieldRow& generale;          ///< in the language view
+  std::string_view lingua;           ///< language suffix
+  std::string_view pageExtension;    ///< of the pages, with its dot
   const std::string& currencyLabel;  ///< primary
-  const std::string& phpGlobals;
+  const std::string& phpGlobals;     ///< as phpGlobals gives it
 };
 
 /// Fills the server's columns, which are the same on all pages of a language.

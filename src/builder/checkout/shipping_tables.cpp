@@ -34,7 +34,7 @@ struct SlotView {
   int first;
 };
 
-/// The columns of all methods by name, parted by commas; a "#" in `columns` stands for the number of the method.
+/// The columns of all methods by name, parted by commas; a "#" in `columns` is the number of the method.
 std::string columnNames(const std::vector<int>& methods, const std::vector<std::string>& columns) {
   std::string names;
   for (const int method : methods) {

@@ -1,5 +1,6 @@
 #pragma once
-// What one walk over all articles of the catalogue finds out, before any page is made.
+// What one walk over all articles of the catalogue finds out, before any page is made: how long the build will be, and
+// which variants it needs.
 
 #include <cstdint>
 #include <set>

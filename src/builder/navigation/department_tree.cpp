@@ -12,7 +12,7 @@ DepartmentTree::DepartmentTree(std::vector<MenuDepartment> rows) : rows_(std::mo
     byId_.try_emplace(foldCase(department.ID), row);
     if (department.genitore) byGenitore_[foldCase(*department.genitore)].push_back(row);
   }
-  places_.assign(rows_.size(), none);
+  indexes_.assign(rows_.size(), none);
   makeWalk();
 }
 
@@ -45,10 +45,10 @@ void DepartmentTree::makeWalk() {
     }
     const std::size_t row = level.children[level.next++];
     if (rows_[row].nascosto) continue;
-    const std::size_t place = walk_.size();
-    walk_.push_back({row, place + 1, level.parent});
-    places_[row] = place;
-    levels.push_back({childrenOf(rows_[row].ID), 0, place});
+    const std::size_t index = walk_.size();
+    walk_.push_back({row, index + 1, level.parent});
+    indexes_[row] = index;
+    levels.push_back({childrenOf(rows_[row].ID), 0, index});
   }
 }
 

@@ -30,7 +30,7 @@ bool isHeading(std::string_view line) { return line.size() >= 2 && line.front() 
 std::string* sectionOf(MenuTemplates& menu, std::string_view heading) {
   const std::string name = foldCase(heading);
   for (const EntrySection& section : entrySections) {
-    if (name == section.name) return &menu.entries.at(MenuTemplates::place(section.kind));
+    if (name == section.name) return &menu.entries.at(MenuTemplates::index(section.kind));
   }
   if (name == "[tab]") return &menu.tab;
   if (name == "[children]") return &menu.children;

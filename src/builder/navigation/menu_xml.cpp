@@ -28,8 +28,8 @@ std::string xmlText(std::string_view text) {
   return replaceAll(replaceAll(replaceAll(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
-void addLine(std::string& out, std::size_t blanks, std::string_view text) {
-  out.append(blanks, ' ').append(text).append("\r\n");
+void addLine(std::string& out, std::size_t indent, std::string_view text) {
+  out.append(indent, ' ').append(text).append("\r\n");
 }
 
 std::size_t indentOf(const MenuDepartment& department) {
@@ -50,7 +50,7 @@ void openItem(std::string& out, const MenuDepartment& department, std::string_vi
 std::string CatEsploraXML(const DepartmentTree& departments, std::string_view lingua) {
   std::string out(opening);
   const std::vector<WalkStep>& walk = departments.walk();
-  std::vector<std::size_t> unclosed;  // places in the walk, the ancestors of the department at hand
+  std::vector<std::size_t> unclosed;  // indexes in the walk, the ancestors of the department at hand
   const auto close = [&out, &departments, &walk, &unclosed] {
     const WalkStep& step = walk[unclosed.back()];
     const std::size_t indent = indentOf(departments.at(step));
@@ -59,12 +59,12 @@ std::string CatEsploraXML(const DepartmentTree& departments, std::string_view li
     unclosed.pop_back();
   };
   if (!walk.empty()) addLine(out, 2, "<submenu>");
-  for (std::size_t place = 0; place < walk.size(); ++place) {
-    while (!unclosed.empty() && walk[unclosed.back()].end <= place) close();
-    const MenuDepartment& department = departments.at(walk[place]);
+  for (std::size_t index = 0; index < walk.size(); ++index) {
+    while (!unclosed.empty() && walk[unclosed.back()].end <= index) close();
+    const MenuDepartment& department = departments.at(walk[index]);
     openItem(out, department, lingua);
-    if (walk[place].end > place + 1) addLine(out, indentOf(department) + 2, "<submenu>");
-    unclosed.push_back(place);
+    if (walk[index].end > index + 1) addLine(out, indentOf(department) + 2, "<submenu>");
+    unclosed.push_back(index);
   }
   while (!unclosed.empty()) close();
   if (!walk.empty()) addLine(out, 2, "</submenu>");

@@ -24,7 +24,7 @@ std::string repeated(std::string_view text, std::int64_t times) {
 
 std::string quoted(std::string_view text) { return replaceAll(text, "|", "\""); }
 
-// What stands before a department below the top level.
+// What comes before a department below the top level.
 std::string indentation(const MenuDepartment& department) {
   const std::int64_t depth = department.depth();
   if (depth == 0) return {};
@@ -49,12 +49,12 @@ std::string dropDown(const std::string& options) {
 DepartmentNavigation::DepartmentNavigation(DepartmentTree departments, NavigationLook look)
     : tree_(std::move(departments)), look_(std::move(look)) {
   std::string options;
-  for (std::size_t place = 0; place < tree_.walk().size(); ++place) {
-    const MenuDepartment& department = tree_.at(tree_.walk()[place]);
+  for (std::size_t index = 0; index < tree_.walk().size(); ++index) {
+    const MenuDepartment& department = tree_.at(tree_.walk()[index]);
     entries_.push_back(CatLink(department, false));
     if (look_.templates.wraps()) leaves_.push_back(leafText(look_.templates, entries_.back()));
     options += CatMenu(department);
-    if (department.livello && *department.livello <= look_.livelliaperti) alwaysOpen_.push_back(place);
+    if (department.livello && *department.livello <= look_.livelliaperti) alwaysOpen_.push_back(index);
   }
   menu_ = dropDown(options);
 }
@@ -111,13 +111,13 @@ std::string DepartmentNavigation::CatLinkRep(const MenuDepartment& department) c
   return quoted("<a href=\"" + link(department) + "\">" + department.titolo + "</a>");
 }
 
-// The places that the page of a department shows, ascending.
-std::vector<std::size_t> DepartmentNavigation::openPlaces(std::string_view corrente) const {
+// The steps of the walk that the page of a department shows, ascending.
+std::vector<std::size_t> DepartmentNavigation::openIndexes(std::string_view corrente) const {
   const std::size_t row = tree_.find(corrente);
   if (row == DepartmentTree::none) return alwaysOpen_;
   std::vector<std::size_t> own;
   const auto add = [this, &own](std::size_t opened) {
-    if (const std::size_t place = tree_.placeOf(opened); place != DepartmentTree::none) own.push_back(place);
+    if (const std::size_t index = tree_.indexOf(opened); index != DepartmentTree::none) own.push_back(index);
   };
   const auto parentOf = [this](std::size_t child) { return tree_.rows()[child].genitore.value_or(""); };
   for (const std::size_t child : tree_.childrenOf(tree_.rows()[row].ID)) add(child);
@@ -138,44 +138,48 @@ std::vector<std::size_t> DepartmentNavigation::openPlaces(std::string_view corre
 std::string DepartmentNavigation::joined(const std::vector<std::size_t>& open, std::size_t current) const {
   std::string out;
   std::size_t size = 0;
-  for (const std::size_t place : open) size += entries_[place].size();
+  for (const std::size_t index : open) size += entries_[index].size();
   out.reserve(size);
-  for (const std::size_t place : open) {
-    if (place == current) {
-      out += CatLink(tree_.at(tree_.walk()[place]), true);
+  for (const std::size_t index : open) {
+    if (index == current) {
+      out += CatLink(tree_.at(tree_.walk()[index]), true);
     } else {
-      out += entries_[place];
+      out += entries_[index];
     }
   }
   return out;
 }
 
+std::string DepartmentNavigation::entryText(std::size_t index, std::size_t current) const {
+  return index == current ? CatLink(tree_.at(tree_.walk()[index]), true) : entries_[index];
+}
+
+// The text of one department and of what is open beneath it, in its wrapper.
+std::string DepartmentNavigation::wrappedEntry(std::size_t index, const std::string& beneath,
+                                               std::size_t current) const {
+  if (index != current && beneath.empty()) return leaves_[index];
+  const std::string entry = entryText(index, current);
+  if (entry.empty()) return {};
+  if (beneath.empty()) return leafText(look_.templates, entry);
+  return replaceAll(replaceAll(look_.templates.children, "%rep", entry), "%subrep", beneath);
+}
+
 // What isn't open has no text, and takes with it what is beneath: only departments open up to the top are shown.
 std::string DepartmentNavigation::wrapped(const std::vector<std::size_t>& open, std::size_t current) const {
   struct Unclosed {
-    std::size_t place = DepartmentTree::none;
+    std::size_t index = DepartmentTree::none;
     std::string beneath;
   };
   std::vector<Unclosed> chain{{}};  // the root, then ancestors of the department at hand
   const auto close = [this, current, &chain] {
     const Unclosed last = std::move(chain.back());
     chain.pop_back();
-    std::string& out = chain.back().beneath;
-    if (last.place != current && last.beneath.empty()) {
-      out += leaves_[last.place];
-      return;
-    }
-    const std::string entry =
-        last.place == current ? CatLink(tree_.at(tree_.walk()[last.place]), true) : entries_[last.place];
-    if (entry.empty()) return;
-    out += last.beneath.empty()
-               ? leafText(look_.templates, entry)
-               : replaceAll(replaceAll(look_.templates.children, "%rep", entry), "%subrep", last.beneath);
+    chain.back().beneath += wrappedEntry(last.index, last.beneath, current);
   };
-  for (const std::size_t place : open) {
-    const WalkStep& step = tree_.walk()[place];
-    while (chain.size() > 1 && tree_.walk()[chain.back().place].end <= place) close();
-    if (chain.back().place == step.parent) chain.push_back({place, {}});
+  for (const std::size_t index : open) {
+    const WalkStep& step = tree_.walk()[index];
+    while (chain.size() > 1 && tree_.walk()[chain.back().index].end <= index) close();
+    if (chain.back().index == step.parent) chain.push_back({index, {}});
   }
   while (chain.size() > 1) close();
   return std::move(chain.front().beneath);
@@ -183,8 +187,8 @@ std::string DepartmentNavigation::wrapped(const std::vector<std::size_t>& open, 
 
 Navigation DepartmentNavigation::CatEsplora(std::string_view corrente) const {
   const std::size_t row = tree_.find(corrente);
-  const std::size_t current = row == DepartmentTree::none ? DepartmentTree::none : tree_.placeOf(row);
-  const std::vector<std::size_t> open = openPlaces(corrente);
+  const std::size_t current = row == DepartmentTree::none ? DepartmentTree::none : tree_.indexOf(row);
+  const std::vector<std::size_t> open = openIndexes(corrente);
   return {look_.templates.wraps() ? wrapped(open, current) : joined(open, current), menu_};
 }
 

@@ -29,7 +29,9 @@ class BuildOutput {
   BuildOutput(const BuildOutput&) = delete;
   BuildOutput& operator=(const BuildOutput&) = delete;
 
+  /// The folders that the site is written to.
   const SiteFolders& folders() const { return folders_; }
+  /// The columns of the derived rows of the page at hand.
   const DerivedColumns& columns() const { return tables_.columns(); }
 
   /// Removes the list of the last build and creates the build database. Failures as RowTables::create.
@@ -74,7 +76,9 @@ class BuildOutput {
 
   /// Whether a page was refused that the site can't do without.
   bool isIncomplete() const { return incomplete_; }
+  /// What was done with pages so far.
   const PageCounts& pageCounts() const { return pages_.counts(); }
+  /// The number of files that are listed.
   std::size_t filesListed() const { return files_.size(); }
 
  private:

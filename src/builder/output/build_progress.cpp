@@ -44,7 +44,6 @@ void BuildProgress::finish() {
   user_.progress({"", position_, maximum_});
 }
 
-/// AggiornaProg (update the progress): shows caption and bar.
 void BuildProgress::AggiornaProg() const {
   std::string caption = "Lingua " + std::to_string(language_);
   caption += ": Reparti " + std::to_string(departmentsDone_) + "/" + std::to_string(totals_.departments);

@@ -13,12 +13,13 @@ namespace kv {
 struct BuildTotals {
   int departments = 0;  ///< of one language
   int articles = 0;     ///< of one language, those that are excluded from the shop left out
-  int languages = 1;
+  int languages = 1;    ///< of the shop
 };
 
 /// The meter of one build run. `user` outlives it.
 class BuildProgress {
  public:
+  /// At the start, with totals that aren't known yet.
   explicit BuildProgress(UserPort& user) : user_(user) {}
 
   /// Lets the user act. Cancelled when he has cancelled the build.
@@ -33,11 +34,13 @@ class BuildProgress {
   /// All languages are done: the bar is full, without a caption.
   void finish();
 
-  /// Departments and articles of one language; 0 as long as they aren't known.
+  /// Departments of one language; 0 as long as they aren't known.
   int departments() const { return totals_.departments; }
+  /// Articles of one language; 0 as long as they aren't known.
   int articles() const { return totals_.articles; }
 
  private:
+  /// AggiornaProg (update the progress): shows caption and bar.
   void AggiornaProg() const;
 
   UserPort& user_;

@@ -23,8 +23,8 @@ class FileList {
   Result<> write(const std::string& path) const;
 
  private:
-  std::string text_;
-  std::size_t count_ = 0;
+  std::string text_;       // lines of "#" and a path, CR LF
+  std::size_t count_ = 0;  // of paths
 };
 
 }  // namespace kv

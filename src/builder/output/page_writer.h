@@ -36,10 +36,13 @@ class PageWriter {
   /// RowTables::writeArticles and writeBytes.
   Result<> CreaPagina(const PageJob& job, const PageSources& sources, const DerivedRows& articles = {});
 
+  /// What was done with pages so far.
   const PageCounts& counts() const { return counts_; }
 
  private:
+  /// The text that waits for this pass, else that of the file.
   Result<PageTemplate> readTemplate(const std::string& input);
+  /// Keeps the text for the next pass, or writes the file.
   Result<> finish(const PageJob& job, std::string text);
 
   UserPort& user_;

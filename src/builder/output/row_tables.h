@@ -21,6 +21,7 @@ class RowTables {
   /// Replaces the database of the shop by an empty one and begins. Failures as copyFile, Database::open,
   /// Database::begin.
   Result<> create(const std::string& shopFolder);
+  /// Whether there is a database to write to.
   bool isOpen() const { return build_.isOpen(); }
 
   /// Opens the tables that get the articles of a language. Failures as DerivedRowWriter::open.
@@ -33,15 +34,17 @@ class RowTables {
 
   /// Ends the transaction; what was written stays. Failures as Database::commit.
   Result<> commit() { return build_.commit(); }
+  /// Closes the file, without a commit.
   void close() { build_.close(); }
 
   /// The columns of the rows that writeArticles takes.
   const DerivedColumns& columns() const { return columns_; }
 
  private:
-  Database build_;
+  Database build_;  // declared before the writers, whose statements it outlives
   DerivedColumns columns_;
-  DerivedRowWriter articles_, details_, order_;
+  DerivedRowWriter articles_;         // of the language
+  DerivedRowWriter details_, order_;  // shared by all languages
   bool firstLanguage_ = true;
 };
 

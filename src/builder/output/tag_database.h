@@ -23,9 +23,10 @@ class TagDatabase {
   Result<> store(const PageTagRow& row, const DerivedColumns& columns, const DerivedRows& articles);
 
  private:
+  /// Appends the one row of `categoria`. Failures as store().
   Result<> storePageTags(const PageTagRow& row);
 
-  Database tags_;
+  Database tags_;  // of the language begun last
 };
 
 }  // namespace kv

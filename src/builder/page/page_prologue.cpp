@@ -113,10 +113,10 @@ std::string_view departmentEpilogue() {
          "?>";
 }
 
-CellCode cellCode(int place, int columns, bool last) {
+CellCode cellCode(int index, int columns, bool last) {
   if (columns <= 1) return {};
   const int width = fullWidth / columns;
-  const int column = place % columns;
+  const int column = index % columns;
   const bool closesRow = column == columns - 1;
   const int cellWidth = closesRow ? fullWidth - width * (columns - 1) : width;  // so that a row adds up to 100
   CellCode code;

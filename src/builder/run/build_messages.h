@@ -1,5 +1,5 @@
 #pragma once
-// What a build that failed tells the merchant.
+// What a build that failed tells the merchant. Each text is complete, in Italian, its lines parted by "\n".
 
 #include <string>
 #include <vector>

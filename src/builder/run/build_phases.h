@@ -21,10 +21,10 @@ namespace kv {
 
 /// What the pages of one language are made from. The references outlive the phases that take it.
 struct PageFacts {
-  const ShopFacts& shop;
-  const LanguageFacts& language;
-  const PageTagRow& sharedTags;  ///< the columns that all pages of the language share; the others are empty
-  PageSources sources;           ///< reads the page at hand of the output
+  const ShopFacts& shop;          ///< the same for all languages
+  const LanguageFacts& language;  ///< of this language
+  const PageTagRow& sharedTags;   ///< the columns that all pages of the language share; the others are empty
+  PageSources sources;            ///< reads the page at hand of the output
 };
 
 /// The lists of articles that fill up while the departments are made, for the shop's own pages.
@@ -42,18 +42,18 @@ Result<ArticleSurvey> copyShopRows(Database& catalogue, const ShopFacts& shop, B
 
 /// What makes one language, beside what it writes to.
 struct LanguageInputs {
-  Database& catalogue;
-  const ShopFacts& shop;
-  const ArticleSurvey& survey;
-  const BuildParts& parts;
-  int number = 1;  ///< the language, from 1
+  Database& catalogue;          ///< read, but for `db_security`
+  const ShopFacts& shop;        ///< of this build
+  const ArticleSurvey& survey;  ///< of this build
+  const BuildParts& parts;      ///< steps of other subjects
+  int number = 1;               ///< the language, from 1
 };
 
 /// Makes everything of one language. `shipping`: computed by the first language, used by all.
 Result<> makeLanguage(const LanguageInputs& inputs, std::optional<ShippingTables>& shipping, BuildOutput& output,
                       BuildProgress& progress);
 
-/// Makes the pages and rows of all departments of a language.
+/// Makes the pages and rows of all departments of a language. The lists that come back are those of the whole site.
 Result<ArticleLists> makeDepartments(const PageFacts& facts, Database& catalogue, BuildOutput& output,
                                      BuildProgress& progress);
 
@@ -61,10 +61,10 @@ Result<ArticleLists> makeDepartments(const PageFacts& facts, Database& catalogue
 Result<> makeShopPages(const PageFacts& facts, const ArticleLists& lists, BuildOutput& output,
                        const BuildProgress& progress);
 
-/// Makes the scripts of a language and copies its resources.
+/// Makes the scripts of a language, those of the back office among them, and copies its resources.
 Result<> makeScriptsAndResources(const PageFacts& facts, BuildOutput& output, const BuildProgress& progress);
 
-/// Copies what all languages share, and closes the output.
+/// Copies what all languages share (the pictures of articles and the flags), closes the output and removes the pools.
 Result<> finishBuild(const ShopFacts& shop, BuildOutput& output, BuildProgress& progress);
 
 }  // namespace kv

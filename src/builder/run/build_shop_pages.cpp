@@ -23,7 +23,7 @@ class ShopPageMaker {
   /// The columns that all of these pages show.
   void fillRow(const ArticleLists& lists);
   void fillNavigation();
-  /// Makes what a template of the pool stands for; nothing for a department model.
+  /// Makes the pages of a template of the pool; none for a department model.
   Result<> make(const std::string& name);
 
  private:

@@ -1,5 +1,6 @@
 #pragma once
-// What a build has made, in a line for the merchant.
+// What a build has made, in a line for the merchant: shown with the closing message of the window, and printed by the
+// command line program.
 
 #include <string>
 

@@ -47,7 +47,7 @@ class frmElabora::BuildUser final : public UserPort {
     position = progress.position;
     maximum = progress.maximum;
   }
-  bool yield() override { return window_.letThrough(); }
+  bool yield() override { return window_.processEvents(); }
 
   std::string closing;
   std::string caption{buildStarts};
@@ -99,7 +99,7 @@ void frmElabora::start() {
   running_ = false;
   if (outcome_ == BuildOutcome::Done) {
     showProgress();
-    tellFinished(user_->closing);
+    showFinished(user_->closing);
   }
   finish(outcome_ == BuildOutcome::Done ? "OK" : "");
 }
@@ -114,13 +114,13 @@ void frmElabora::reject() {
   lblStato_->setText(toQt(buildLeaves));
 }
 
-bool frmElabora::letThrough() {
+bool frmElabora::processEvents() {
   if (cancelled_) return false;
   if (!user_->pump.isDue()) return true;
   showProgress();
   user_->pump.pump(true);
-  // Hidden only here, behind the events: nothing that was clicked with it may reach the window below while the build
-  // still stands on the stack.
+  // Hidden only here, after the events: nothing that was clicked in it may reach the window below while the build
+  // is still running.
   if (cancelled_) hide();
   return !cancelled_;
 }
@@ -133,7 +133,7 @@ void frmElabora::showProgress() {
   if (maximum > 1) prgBarra_->setValue(static_cast<int>(user_->position));
 }
 
-void frmElabora::tellFinished(const std::string& text) {
+void frmElabora::showFinished(const std::string& text) {
   if (!views_.openShop && !views_.openFolder) {
     env_.user.message(text, Icon::Information);
     return;

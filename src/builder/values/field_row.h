@@ -21,13 +21,19 @@ class FieldRow {
   /// A row without columns.
   FieldRow() = default;
 
+  /// Whether the field is a null, or not there.
   bool isNull(std::string_view column) const { return kv::isNull(value(column)); }
+  /// The field as text: a number without zeros it does not need, a flag as "1" or "0".
   std::string text(std::string_view column) const { return asText(value(column)); }
+  /// The field as a number; 0 for a text that is none.
   double number(std::string_view column) const { return asNumber(value(column)); }
   /// The number in single precision, as prices and weights are computed.
   float single(std::string_view column) const { return static_cast<float>(number(column)); }
+  /// The field as a whole number.
   std::int64_t integer(std::string_view column) const { return asInteger(value(column)); }
+  /// The field as an amount.
   Money money(std::string_view column) const { return asMoney(value(column)); }
+  /// Whether the field is set.
   bool flag(std::string_view column) const { return asFlag(value(column)); }
   /// The field as it is stored.
   const Value& value(std::string_view column) const;

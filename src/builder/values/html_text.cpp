@@ -13,7 +13,7 @@ namespace kv {
 
 namespace {
 
-// Entity names of U+00C0 to U+00FF; empty for the characters that are none of the 61 letters (the signs of
+// Entity names of U+00C0 to U+00FF; empty for the characters that are none of the 61 (the signs of
 // multiplication and division, and n with tilde in lower case, stay).
 constexpr std::array<std::string_view, 64> entityNames{
     "Agrave", "Aacute", "Acirc",  "Atilde", "Auml",   "Aring", "AElig",  "Ccedil", "Egrave", "Eacute", "Ecirc",
@@ -40,9 +40,9 @@ void appendHtml(std::string& out, std::string_view text, bool entities) {
       continue;
     }
     if (entities && c == latinLead) {
-      const auto place = static_cast<std::size_t>(static_cast<unsigned char>(next)) - 0x80;
-      if (place < entityNames.size() && !entityNames[place].empty()) {
-        out.append("&").append(entityNames[place]).append(";");
+      const auto index = static_cast<std::size_t>(static_cast<unsigned char>(next)) - 0x80;
+      if (index < entityNames.size() && !entityNames[index].empty()) {
+        out.append("&").append(entityNames[index]).append(";");
         ++i;
         continue;
       }
@@ -56,7 +56,7 @@ void appendHtml(std::string& out, std::string_view text, bool entities) {
 std::string TogliTag(std::string_view testo) {
   std::string out;
   out.reserve(testo.size());
-  std::vector<std::size_t> opens;  // places of "<" in `out` that no ">" has closed yet
+  std::vector<std::size_t> opens;  // indexes of "<" in `out` that no ">" has closed yet
   for (const char c : testo) {
     if (c == '<') opens.push_back(out.size());
     if (c == '>' && !opens.empty()) {
@@ -173,26 +173,30 @@ std::string CreaTagImg(const std::string& templateFolder, std::string_view name)
   return out.append(">");
 }
 
-std::string CampoRicerca(std::string_view testo) {
+namespace {
+
+// What a search key keeps of a text: digits, and the small letters that Italian words are made of.
+bool isSearched(std::string_view character) {
   static constexpr std::string_view accented = "àèéìòù";
+  const char c = character.front();
+  if (character.size() > 1) return accented.find(character) != std::string_view::npos;
+  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+}
+
+}  // namespace
+
+std::string CampoRicerca(std::string_view testo) {
   const std::string lowered = foldCase(trim(testo));
   std::string out = "#";
-  bool inBlanks = false;
-  for (std::size_t i = 0; i < lowered.size(); ++i) {
-    const char c = lowered[i];
-    if (c == ' ') {
-      if (!inBlanks) out += "##";
-      inBlanks = true;
-      continue;
-    }
-    inBlanks = false;
-    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
-      out += c;
-    } else if (c == latinLead && i + 1 < lowered.size()) {
-      const std::string_view letter(lowered.data() + i, 2);
-      if (accented.find(letter) != std::string_view::npos) out += letter;
-      ++i;
-    }
+  bool afterSpace = false;
+  for (std::size_t i = 0; i < lowered.size();) {
+    const std::size_t size = lowered[i] == latinLead && i + 1 < lowered.size() ? 2 : 1;
+    const std::string_view character(lowered.data() + i, size);
+    i += size;
+    const bool isSpace = character == " ";
+    if (isSpace && !afterSpace) out += "##";
+    afterSpace = isSpace;
+    if (isSearched(character)) out += character;
   }
   out += '#';
   return out == "##" ? std::string() : out;

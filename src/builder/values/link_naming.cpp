@@ -102,15 +102,15 @@ bool isAbsolute(std::string_view value) {
   return value.starts_with('"');
 }
 
-// Whether a place lies in the drop-down of the departments, whose values are built by the page itself.
-bool inDepartmentMenu(std::string_view page, std::size_t place) {
+// Whether an index lies in the drop-down of the departments, whose values are built by the page itself.
+bool inDepartmentMenu(std::string_view page, std::size_t index) {
   static constexpr std::string_view opener = "SELECT NAME=";
   std::size_t last = std::string_view::npos;
-  for (auto at = findIgnoringCase(page, opener); at < place; at = findIgnoringCase(page, opener, at + 1)) last = at;
+  for (auto at = findIgnoringCase(page, opener); at < index; at = findIgnoringCase(page, opener, at + 1)) last = at;
   if (last == std::string_view::npos) return false;
   std::string_view name = page.substr(last + opener.size());
   if (name.starts_with('"')) name.remove_prefix(1);
-  return startsWithIgnoringCase(name, "kvRepartiMenu") && findIgnoringCase(page, "</SELECT", last) > place;
+  return startsWithIgnoringCase(name, "kvRepartiMenu") && findIgnoringCase(page, "</SELECT", last) > index;
 }
 
 std::size_t endOfValue(std::string_view page, std::size_t from) {

@@ -1,5 +1,5 @@
 #pragma once
-// Names that are worked out, not chosen: page files, public addresses, the colour form of pages.
+// Names that are computed, not chosen: page files, public addresses, the colour form of pages.
 
 #include <string>
 #include <string_view>
@@ -10,25 +10,28 @@
 
 namespace kv {
 
-/// PageFile: the page file of a department's sub-page: "scarpe_l2.php?n=3". On disk it is the part before the "?".
+/// PageFile (page file): the page file of a department's sub-page: "scarpe_l2.php?n=3". On disk it is the part before
+/// the "?".
 std::string PageFile(std::string_view pagina, int n, std::string_view lingua);
 
-/// NoASPQuery: a name cut behind ".php" when it holds ".php?n="; else unchanged.
+/// NoASPQuery (without the query): a name cut after ".php" when it holds ".php?n="; else unchanged.
 std::string NoASPQuery(std::string_view file);
 
-/// Address and folder as typed, made into one public address without a closing slash.
+/// Address and folder as typed, made into one public address without a closing slash. An address without a scheme gets
+/// "http://".
 std::string publicAddress(std::string_view url, std::string_view folder);
-/// URLNegozio (shop address): `URL` and `cartella` of the settings as a public address; URLCgi: `URL` and
-/// `cartellaCGI`, the address of the scripts.
+/// URLNegozio (shop address): `URL` and `cartella` of the settings as a public address.
 std::string URLNegozio(const FieldRow& generale);
+/// URLCgi (address of the scripts): `URL` and `cartellaCGI` of the settings as a public address.
 std::string URLCgi(const FieldRow& generale);
 
 /// HTMLColor: "#RRGGBB" of a colour value with blue in its high byte, then green, then red.
 std::string HTMLColor(std::uint32_t colour);
+/// HTMLColor of a colour by its parts.
 std::string HTMLColor(Colour colour);
 
-/// ImpostaEstensione (set extension): what was typed, normalised to "." and at most five letters or digits; ".htm" when
-/// nothing is left.
+/// ImpostaEstensione (set extension): what was typed, normalised to "." and at most five characters from a to z and 0
+/// to 9; ".htm" when nothing is left.
 std::string ImpostaEstensione(std::string_view text);
 
 /// IndirizzoIndice (address of the index): the address shown for the shop's first page; empty while `url` is empty.
@@ -38,7 +41,7 @@ std::string IndirizzoIndice(std::string_view url, std::string_view folder, std::
 std::string absoluteText(std::string_view page, std::string_view shopAddress);
 /// MakeAbsolute: reads a page, makes its addresses absolute and writes it. Failures: as readText, writeText.
 Result<> MakeAbsolute(const std::string& input, const std::string& output, std::string_view shopAddress);
-/// AbsoluteOutput: writes the text in the place of the file. Failures: as writeText.
+/// AbsoluteOutput (absolute output): replaces the file by the text. Failures: as writeText.
 Result<> AbsoluteOutput(const std::string& file, std::string_view text);
 
 }  // namespace kv
