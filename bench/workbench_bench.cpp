@@ -124,7 +124,7 @@ class OpenWorkbench {
     kv::wireSession(window_, session_, env_);
     if (kv::startSession(session_, env_) != kv::LoadResult::Opened) std::abort();
     bench.showShop();
-    window_.restorePlace();
+    window_.restoreLayout();
     window_.show();
     while (!window_.windowHandle()->isExposed()) QCoreApplication::processEvents();
     paint();

@@ -26,7 +26,7 @@ class CommandStates : public DrivenWindow {
     return wrong;
   }
   void expectKeys(std::span<const std::string_view> keys, bool wanted) {
-    settle();
+    processEvents();
     for (const std::string_view key : keys) EXPECT_EQ(others(key, wanted), "") << key;
   }
   /// Editors of a set that stand otherwise than the mask tells.
@@ -82,7 +82,7 @@ TEST_F(CommandStates, APictureIsTakenAwayOnlyWhereThereIsOne) {
       "UPDATE categorie SET immagine1 = 'foto.gif' WHERE ID = 'cat003'; UPDATE generale SET immagine1 = 'foto.gif'");
   openWide();
   const auto on = [this] {
-    settle();
+    processEvents();
     std::string names;
     for (const char* name :
          {"article.picture0.clear", "article.picture1.clear", "article.picture2.clear", "department.picture0.clear",
@@ -129,7 +129,7 @@ TEST_F(CommandStates, TheServerFoldersFollowHostUserAndPassword) {
   refreshEntries();
   goTab(Tab::Internet);
   const auto offered = [this] {
-    settle();
+    processEvents();
     return isEntryOn("connection.shopFolder") && isEntryOn("connection.scriptFolder");
   };
   for (const char* column : {"hostname", "username", "password"}) {

@@ -182,7 +182,7 @@ TEST_F(Commands, TheNumbers36To49AreNowhereAndDoNothing) {
     EXPECT_EQ(window->menus().command(number), nullptr) << number;
     window->workbench().commands().EseguiComando(number);
   }
-  settle();
+  processEvents();
   EXPECT_EQ(whole(), before);
   EXPECT_EQ(allShown(), shown);
   EXPECT_TRUE(user.shown.empty());
@@ -194,7 +194,7 @@ TEST_F(Commands, AVariantSlotNamesTheListThatIsShown) {
   goArticle(1);
   auto* strip = window->page(Tab::Articles).findChild<QTabBar*>(QStringLiteral("tabListino"));
   QTest::mouseClick(strip, Qt::LeftButton, {}, strip->tabRect(3).center());
-  settle();
+  processEvents();
   for (const char* name : {"article.variant1", "article.variant2", "article.variant3", "article.variant4"})
     EXPECT_TRUE(press(name));
   EXPECT_TRUE(choose("article.variant1"));

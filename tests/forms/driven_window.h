@@ -69,7 +69,7 @@ class DrivenWindow : public WindowFixture {
   void openWide() {
     open();
     window->resize(1900, 1000);
-    settle();
+    processEvents();
   }
 
   /// The buttons on the screen that run a command: of a row of buttons, of a picture, of a variant.
@@ -93,7 +93,7 @@ class DrivenWindow : public WindowFixture {
     const auto buttons = buttonsOf(name);
     if (buttons.empty() || !buttons.front()->isEnabled()) return false;
     QTest::mouseClick(buttons.front(), Qt::LeftButton);
-    settle();
+    processEvents();
     return true;
   }
   /// Chooses a command in the open menus. False when it can't be chosen.
@@ -103,18 +103,18 @@ class DrivenWindow : public WindowFixture {
 
   void go(const std::string& ID) {
     window->tree().setCurrentIndex(window->tree().departments().indexOf(ID));
-    settle();
+    processEvents();
   }
   void goTab(Tab tab) {
     QTest::mouseClick(&window->tabs(), Qt::LeftButton, {}, window->tabs().tabRect(static_cast<int>(tab)).center());
-    settle();
+    processEvents();
   }
   /// The articles' tab, on an article of the department in use.
   void goArticle(int row) {
     goTab(Tab::Articles);
     const QModelIndex index = window->articles().articles().index(row, ArticleModel::Title);
     QTest::mouseClick(window->articles().viewport(), Qt::LeftButton, {}, window->articles().visualRect(index).center());
-    settle();
+    processEvents();
   }
   /// The node of the tree that is selected.
   std::string selected() {
@@ -168,7 +168,7 @@ class DrivenWindow : public WindowFixture {
   }
   /// Everything the window shows of it: tree, list, and the fields of all pages.
   std::string allShown() {
-    settle();
+    processEvents();
     std::string text = treeShown() + "\n" + listShown() + "\n" + selected() + "\n";
     for (const Editor& editor : editorTable()) {
       const QWidget* field = window->page(editor.tab).binding(editor.set, editor.column)->field();

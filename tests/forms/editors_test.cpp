@@ -237,7 +237,7 @@ TEST_F(Editors, APictureShowsItsNameAndItsCommands) {
   run(shop, "UPDATE articoli SET immagine0 = 'foto.gif', imgX0 = 1, imgY0 = 1 WHERE ID = 1");
   open();
   goArticles();
-  settle();
+  processEvents();
   QWidget& picture = field<QWidget>(EditedSet::Articoli, "immagine0");
   QStringList texts;
   for (const QLabel* label : picture.findChildren<QLabel*>()) texts.append(label->text());
@@ -246,7 +246,7 @@ TEST_F(Editors, APictureShowsItsNameAndItsCommands) {
   ASSERT_EQ(buttons.size(), 2);
   EXPECT_TRUE(buttons[1]->isEnabled());
   buttons[1]->click();
-  settle();
+  processEvents();
   EXPECT_EQ(scalar("SELECT immagine0 FROM articoli WHERE ID = 1"), "");
   EXPECT_FALSE(buttons[1]->isEnabled());
 }

@@ -16,7 +16,7 @@ class TypedFields : public DrivenWindow {
     goTab(editorOf(set, column)->tab);
     QLineEdit& into = line(set, column);
     type(into, keys);
-    settle();
+    processEvents();
     leave(into);
     return fromQt(into.text());
   }
@@ -24,7 +24,7 @@ class TypedFields : public DrivenWindow {
   std::string typing(EditedSet set, std::string_view column, const QString& keys) {
     goTab(editorOf(set, column)->tab);
     type(line(set, column), keys);
-    settle();
+    processEvents();
     return fromQt(line(set, column).text());
   }
   std::string stored(std::string_view column, std::string_view from) {

@@ -17,7 +17,7 @@ class GuideWindow : public WiredWindow {
   }
   void step(int number) {
     click(*guide, ("cmdStep" + std::to_string(number)).c_str());
-    settle();
+    processEvents();
   }
   /// Fields and buttons in the highlight colour: "email_ordini", "14".
   std::set<std::string> lit() {
@@ -96,7 +96,7 @@ TEST_F(GuideWindow, ClosingTakesEverythingAway) {
   EXPECT_NE(fieldColour("email_ordini"), usual);
   click(*guide, "cmdStep3");
   QTest::keyClick(guide, Qt::Key_Escape);
-  settle();
+  processEvents();
   EXPECT_TRUE(lit().empty());
   EXPECT_EQ(fieldColour("email_ordini"), usual);
 }

@@ -110,11 +110,11 @@ class Keyboard : public WiredWindow {
   }
   void key(Qt::Key which, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     QTest::keyClick(&focus(), which, modifiers);
-    settle();
+    processEvents();
   }
   void type(const char* text) {
     QTest::keyClicks(&focus(), text);
-    settle();
+    processEvents();
   }
 };
 
@@ -149,13 +149,13 @@ TEST_F(Keyboard, TabGoesThroughAGroupFromTopToBottom) {
 TEST_F(Keyboard, AFieldThatTakesTheFocusComesIntoView) {
   openWindow();
   window->resize(900, 500);
-  settle();
+  processEvents();
   goTab(Tab::Internet);
   window->tabs().setFocus();
   for (QWidget* now : tabWay(*window)) {
     if (!window->page(Tab::Internet).isAncestorOf(now)) continue;
     now->setFocus(Qt::TabFocusReason);
-    settle();
+    processEvents();
     EXPECT_FALSE(now->visibleRegion().isEmpty()) << nameOf(*now);
   }
 }
@@ -211,7 +211,7 @@ TEST_F(Keyboard, TheMenusOpenByTheirLetters) {
     EXPECT_EQ(plain(menu->title()), title);
     while (QApplication::activePopupWidget() != nullptr)
       QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
-    settle();
+    processEvents();
   }
 }
 
@@ -249,7 +249,7 @@ TEST_F(Keyboard, EveryDialogIsNamedLabelledAndReachedByTab) {
     const std::string title = fromQt(dialog->windowTitle());
     dialog->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get())) << title;
-    settle();
+    processEvents();
     EXPECT_FALSE(title.empty());
     EXPECT_EQ(namelessControls(*dialog), "") << title;
     EXPECT_EQ(looseLabels(*dialog), "") << title;

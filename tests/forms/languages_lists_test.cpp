@@ -20,7 +20,7 @@ class FourLanguages : public DrivenWindow {
   }
   /// Department, article and first text as the language in use shows them.
   std::string shown() {
-    settle();
+    processEvents();
     return fromQt(line(EditedSet::Categorie, "titolo").text()) + " " +
            fromQt(line(EditedSet::Articoli, "titolo").text()) + " " +
            fromQt(field<QPlainTextEdit>(EditedSet::Generale, "home1").toPlainText());
@@ -126,9 +126,9 @@ class PriceLists : public DrivenWindow {
     goTab(tab);
     QTabBar& pages = strip(tab);
     window->page(tab).ensureWidgetVisible(&pages);
-    settle();
+    processEvents();
     QTest::mouseClick(&pages, Qt::LeftButton, {}, pages.tabRect(listino).center());
-    settle();
+    processEvents();
   }
   std::string text(EditedSet set, std::string_view column) { return fromQt(line(set, column).text()); }
   bool flag(EditedSet set, std::string_view column) { return field<QCheckBox>(set, column).isChecked(); }

@@ -71,7 +71,7 @@ TEST_F(Looks, TheToolkitSpeaksItalian) {
 
 TEST_F(Looks, EveryDrawingStandsOutFromItsGroundInBothPalettes) {
   for (const Appearance appearance : {Appearance::Light, Appearance::Dark}) {
-    wearAppearance(appearance, false);
+    applyAppearance(appearance, false);
     const QColor ground = QApplication::palette().color(QPalette::Window);
     for (const Command& command : allCommands()) {
       if (command.icon.empty()) continue;
@@ -83,20 +83,20 @@ TEST_F(Looks, EveryDrawingStandsOutFromItsGroundInBothPalettes) {
 }
 
 TEST_F(Looks, AnIconFollowsTheChangeOfThePaletteAndTheDensityOfTheScreen) {
-  wearAppearance(Appearance::Light, false);
+  applyAppearance(Appearance::Light, false);
   const QIcon icon = drawnIcon("cerca");
   const QImage onLight = icon.pixmap(QSize(24, 24), 1.0).toImage();
-  wearAppearance(Appearance::Dark, false);
+  applyAppearance(Appearance::Dark, false);
   EXPECT_NE(icon.pixmap(QSize(24, 24), 1.0).toImage(), onLight);
   EXPECT_EQ(icon.pixmap(QSize(24, 24), 2.0).size(), QSize(48, 48));
 }
 
 TEST_F(Looks, TheDesktopsPreferenceCountsWhereThePlatformsPaletteIsLight) {
-  wearAppearance(Appearance::Desktop, false);
+  applyAppearance(Appearance::Desktop, false);
   EXPECT_FALSE(isDark(QApplication::palette()));
-  wearAppearance(Appearance::Desktop, true);
+  applyAppearance(Appearance::Desktop, true);
   EXPECT_TRUE(isDark(QApplication::palette()));
-  wearAppearance(Appearance::Light, true);
+  applyAppearance(Appearance::Light, true);
   EXPECT_FALSE(isDark(QApplication::palette())) << "the merchant's own choice counts more";
 }
 
@@ -113,11 +113,11 @@ TEST_F(Looks, LettersCanBeReadInBothPalettes) {
 
 TEST_F(Looks, TheChoiceOfTheMenuIsWornStoredAndMarked) {
   std::vector<Appearance> worn;
-  window->workbench().ports().wear = [&worn](Appearance appearance) { worn.push_back(appearance); };
+  window->workbench().ports().applyAppearance = [&worn](Appearance appearance) { worn.push_back(appearance); };
   open();
   EXPECT_TRUE(window->menus().action("look.desktop")->isChecked());
   window->menus().action("look.dark")->trigger();
-  settle();
+  processEvents();
   EXPECT_EQ(worn, std::vector<Appearance>{Appearance::Dark});
   EXPECT_EQ(settings.get("Finestra", "Aspetto"), "scuro");
   EXPECT_TRUE(window->menus().action("look.dark")->isChecked());
@@ -129,10 +129,10 @@ TEST_F(Looks, TheChoiceOfTheMenuIsWornStoredAndMarked) {
 TEST_F(Looks, EveryButtonOfATabIsInReachAtTheWidthOfASmallScreen) {
   open();
   window->resize(1280, 760);
-  settle();
+  processEvents();
   for (const Tab tab : {Tab::Departments, Tab::Articles}) {
     window->workbench().selectTab(tab);
-    settle();
+    processEvents();
     for (const QToolBar* bar : window->findChildren<QToolBar*>()) {
       if (!bar->isVisible()) continue;
       for (QAction* action : bar->actions()) {
@@ -161,7 +161,7 @@ TEST_F(Looks, TheLabelOfAFieldIsDimmedWithIt) {
   ASSERT_NE(label, labels.end());
   EXPECT_FALSE((*label)->isEnabled());
   field<QCheckBox>(EditedSet::Generale, "usa_cambio").click();
-  settle();
+  processEvents();
   EXPECT_TRUE((*label)->isEnabled());
 }
 
@@ -169,7 +169,7 @@ TEST_F(Looks, AnEmptyListSaysSomething) {
   open();
   window->workbench().selectTab(Tab::Articles);
   window->workbench().goToDepartment("###");
-  settle();
+  processEvents();
   const QImage empty = window->articles().viewport()->grab().toImage();
   bool written = false;
   for (int y = 0; y < empty.height() && !written; ++y) {
@@ -191,7 +191,7 @@ TEST_F(Looks, TheGuideMakesTheMainWindowGiveWayAndGivesItsWidthBack) {
   EXPECT_LT(plain.width(), room.width());
   EXPECT_LE(plain.frameGeometry().right(), guide.frameGeometry().left());
   guide.close();
-  settle();
+  processEvents();
   EXPECT_EQ(plain.width(), room.width());
 }
 
@@ -215,7 +215,7 @@ TEST_F(Looks, ThePlaceThatIsRememberedIsTheOneWithoutTheGuide) {
   guide->placeBeside(*window);
   window->close();
   frmMain again(session, env, portsWithCommands());
-  again.restorePlace();
+  again.restoreLayout();
   EXPECT_EQ(again.width(), width);
 }
 

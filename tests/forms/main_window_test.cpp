@@ -44,7 +44,7 @@ class MainWindow : public WindowFixture {
     const QModelIndex onto = model.indexOf(target);
     if (!model.canDropMimeData(data.get(), Qt::MoveAction, -1, -1, onto)) return false;
     model.dropMimeData(data.get(), Qt::MoveAction, -1, -1, onto);
-    settle();
+    processEvents();
     return true;
   }
 };
@@ -61,11 +61,11 @@ TEST_F(MainWindow, ShowsTheMenusOfTheTableInTheirOrder) {
 TEST_F(MainWindow, EachTabHasItsOwnEditMenu) {
   open();
   window->workbench().selectTab(Tab::Site);
-  settle();
+  processEvents();
   EXPECT_EQ(visibleMenus().count("Modifica"), 1);
   EXPECT_TRUE(entriesOf("Modifica").contains("Spese di spedizione..."));
   window->workbench().selectTab(Tab::Internet);
-  settle();
+  processEvents();
   EXPECT_TRUE(entriesOf("Modifica").contains("Cartella FTP del negozio..."));
   EXPECT_FALSE(entriesOf("Modifica").contains("Spese di spedizione..."));
 }
@@ -213,7 +213,7 @@ TEST_F(MainWindow, WhatIsExpandedStaysSoOverARebuild) {
   EXPECT_FALSE(tree.isExpanded(tree.departments().indexOf("cat001")));
   tree.expand(tree.departments().indexOf("cat001"));
   window->menus().action("department.insertAfter")->trigger();
-  settle();
+  processEvents();
   EXPECT_TRUE(tree.isExpanded(tree.departments().indexOf("cat001")));
   window->menus().action("tree.collapse")->trigger();
   EXPECT_FALSE(tree.isExpanded(tree.departments().indexOf("cat001")));
@@ -269,7 +269,7 @@ TEST_F(MainWindow, TheLanguageIsChangedByKeyAndByItsButton) {
   EXPECT_EQ(button->text(), "inglese");
   ASSERT_FALSE(button->menu()->actions().isEmpty());
   button->menu()->actions().front()->trigger();
-  settle();
+  processEvents();
   EXPECT_EQ(session.currentLanguage, 1);
   EXPECT_EQ(button->text(), "italiano");
   EXPECT_TRUE(button->menu()->actions().front()->isChecked());
@@ -294,7 +294,7 @@ TEST_F(MainWindow, ClosingSavesWhatIsTypedAndRemembersItsPlace) {
   EXPECT_TRUE(session.compactOnExit);
   EXPECT_FALSE(settings.get("Finestra", "geometria").empty());
   frmMain again(session, env, portsWithCommands());
-  again.restorePlace();
+  again.restoreLayout();
   EXPECT_EQ(again.size(), QSize(1010, 700));
 }
 

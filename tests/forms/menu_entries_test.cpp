@@ -159,7 +159,7 @@ TEST_F(Menus, OneLanguageShowsOneEntryAndFourShowFour) {
       session.catalogue.execute("UPDATE lingue SET lingua2 = 'inglese', lingua3 = 'francese', lingua4 = 'tedesco'"));
   ASSERT_TRUE(readLanguages(session));
   window->workbench().MostraLingue();
-  settle();
+  processEvents();
   EXPECT_EQ(entries("Visualizza").filter("Lingua"), QStringList({"Lingua > 1 - italiano", "Lingua > 2 - inglese",
                                                                  "Lingua > 3 - francese", "Lingua > 4 - tedesco"}));
   EXPECT_TRUE(isEntryOn("languages.replicate"));
@@ -168,7 +168,7 @@ TEST_F(Menus, OneLanguageShowsOneEntryAndFourShowFour) {
 TEST_F(Menus, TheMarksStandAtTabLanguageAndHiddenDetails) {
   open();
   const auto marks = [this] {
-    settle();
+    processEvents();
     QStringList text;
     for (int tab = 0; tab < tabCount; ++tab) {
       if (window->menus().action(tabCommand(static_cast<Tab>(tab)))->isChecked())

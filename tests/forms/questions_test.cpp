@@ -192,7 +192,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   real.show();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&real));
   real.workbench().selectTab(Tab::Articles);
-  settle();
+  processEvents();
   std::vector<std::string> seen;
   const auto deleteWith = [&](Qt::Key key) {
     whenModal([&](QWidget& modal) {
@@ -205,7 +205,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
     QApplication::setActiveWindow(&real);
     real.articles().setFocus();
     QTest::keyClick(&real.articles(), Qt::Key_Delete);
-    settle();
+    processEvents();
     return real.articles().articles().rowCount();
   };
   EXPECT_EQ(deleteWith(Qt::Key_Return), 3) << "Enter refuses";
@@ -225,7 +225,7 @@ TEST_F(WiredWindow, TheReminderBeforePublishingIsShownUntilItIsToldNotTo) {
     return false;
   };
   window->entriesChanged();
-  settle();
+  processEvents();
   const auto answer = [](const char* button, bool never) {
     whenModal([button, never](QWidget& dialog) {
       EXPECT_EQ(defaultButton(dialog), "Sì");

@@ -52,7 +52,7 @@ TEST_F(SearchJump, TheKeyOpensItAndEnterJumpsToTheHit) {
     QTest::keyClick(&list, Qt::Key_Return);
   });
   QTest::keyClick(&window->articles(), Qt::Key_F, Qt::ControlModifier);
-  settle();
+  processEvents();
   EXPECT_EQ(path(), "Negozio/Vasi/Piccoli");
   EXPECT_TRUE(window->tree().isExpanded(window->tree().departments().indexOf("cat001"))) << "the node is in view";
   EXPECT_EQ(current(), "un blu");

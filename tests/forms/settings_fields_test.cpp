@@ -28,9 +28,9 @@ class SettingsFields : public DrivenWindow {
     goTab(editorOf(Generale, column)->tab);
     auto& check = field<QCheckBox>(Generale, column);
     window->page(editorOf(Generale, column)->tab).ensureWidgetVisible(&check);
-    settle();
+    processEvents();
     QTest::mouseClick(&check, Qt::LeftButton, {}, QPoint(8, check.height() / 2));
-    settle();
+    processEvents();
   }
 };
 
@@ -173,7 +173,7 @@ TEST_F(SettingsFields, TheRelatedWordsAreFilledAnewAndWhatIsTypedStays) {
   list.setFocus();
   QTest::keyClicks(list.lineEdit(), "monti");
   QTest::keyClick(&list, Qt::Key_F4);
-  settle();
+  processEvents();
   EXPECT_TRUE(list.view()->isVisible());
   list.hidePopup();
   EXPECT_EQ(list.count(), 1);

@@ -33,7 +33,7 @@ class TreeDrag : public DrivenWindow {
   void openTree() {
     openWide();
     window->tree().expandAll();
-    settle();
+    processEvents();
   }
   DepartmentModel& model() { return window->tree().departments(); }
   QPoint placeOf(const std::string& ID) { return window->tree().visualRect(model().indexOf(ID)).center(); }
@@ -46,8 +46,8 @@ class TreeDrag : public DrivenWindow {
     if (!model().canDropMimeData(data.get(), Qt::MoveAction, -1, -1, target)) return false;
     model().dropMimeData(data.get(), Qt::MoveAction, -1, -1, target);
     // The move waits until the drag is over, and the menus follow the move.
-    settle();
-    settle();
+    processEvents();
+    processEvents();
     return true;
   }
   /// Presses on a node and moves so far with the button held; whether a drag began.
@@ -63,7 +63,7 @@ class TreeDrag : public DrivenWindow {
     }
     const bool began = !already && watch.began();
     QTest::mouseRelease(view, Qt::LeftButton, {}, at + by);
-    settle();
+    processEvents();
     return began;
   }
 };
@@ -141,7 +141,7 @@ TEST_F(TreeDrag, ItBeginsBeyondFortyFiveTwipsAlongEitherAxis) {
 TEST_F(TreeDrag, PressingANodeMakesItTheCurrentDepartment) {
   openTree();
   QTest::mouseClick(window->tree().viewport(), Qt::LeftButton, {}, placeOf("cat003"));
-  settle();
+  processEvents();
   EXPECT_EQ(window->workbench().sets().department(), "cat003");
   EXPECT_EQ(listShown(), "[Duna]");
   EXPECT_EQ(line(EditedSet::Categorie, "titolo").text(), "Piatti");

@@ -78,7 +78,7 @@ class TreeEndurance : public WindowFixture {
     ASSERT_EQ(taken, key != target && !isAbove(key, target)) << key << " on " << target;
     if (!taken) return;
     model().dropMimeData(data.get(), Qt::MoveAction, -1, -1, onto);
-    settle();
+    processEvents();
     ASSERT_EQ(scalar("SELECT genitore FROM categorie WHERE ID = '" + key + "'"), target);
   }
   bool isAbove(const std::string& key, std::string below) {
@@ -93,7 +93,7 @@ class TreeEndurance : public WindowFixture {
     const bool article = sets().onArticle() && pick(2) == 0;
     if (!article && !sets().onDepartment()) return;
     bench().selectTab(article ? Tab::Articles : Tab::Departments);
-    settle();
+    processEvents();
     const EditedSet set = article ? EditedSet::Articoli : EditedSet::Categorie;
     QLineEdit& title = line(set, article && pick(3) == 0 ? "codice" : "titolo");
     const QString text = QStringLiteral("t%1").arg(pick(500));
@@ -209,7 +209,7 @@ class TreeEndurance : public WindowFixture {
   }
 
   void check() {
-    settle();
+    processEvents();
     checkTree();
     if (!HasFatalFailure()) checkList();
     if (!HasFatalFailure()) checkFields();

@@ -168,7 +168,7 @@ TEST_F(UndoInTheWindow, WhatIsBeingTypedIsTheFirstToGoBack) {
 TEST_F(UndoInTheWindow, AFlagAndAChoiceOfAListAreSteps) {
   openAll();
   field<QCheckBox>(EditedSet::Categorie, "nascosto").click();
-  settle();
+  processEvents();
   EXPECT_EQ(undoText(), "Annulla: Modifica Nascondi nell'elenco dei reparti");
   EXPECT_TRUE(choose("undo"));
   EXPECT_FALSE(field<QCheckBox>(EditedSet::Categorie, "nascosto").isChecked());

@@ -49,7 +49,7 @@ class WindowFixture : public ShopFixture, protected RememberedDialogs {
   /// Lets the entries of the menus follow a change of the dialogs that are there.
   void refreshEntries() {
     window->entriesChanged();
-    settle();
+    processEvents();
   }
 
   void open() {
@@ -57,9 +57,9 @@ class WindowFixture : public ShopFixture, protected RememberedDialogs {
     window->workbench().showShop();
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    settle();
+    processEvents();
   }
-  static void settle() { QCoreApplication::processEvents(); }
+  static void processEvents() { QCoreApplication::processEvents(); }
 
   template <class Widget>
   Widget& field(EditedSet set, std::string_view column) {
@@ -76,17 +76,17 @@ class WindowFixture : public ShopFixture, protected RememberedDialogs {
   }
   void leave(QWidget& left) {
     QTest::keyClick(&left, Qt::Key_Tab);
-    settle();
+    processEvents();
   }
   void key(Qt::Key which, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     QWidget* target = QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : window.get();
     QTest::keyClick(target, which, modifiers);
-    settle();
+    processEvents();
   }
   void goArticles() {
     window->workbench().selectTab(Tab::Articles);
     window->workbench().goToArticleAt(0);
-    settle();
+    processEvents();
   }
   std::string scalar(const std::string& query) {
     const auto value = session.catalogue.scalar(query);

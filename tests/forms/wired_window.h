@@ -51,22 +51,22 @@ class WiredWindow : public DialogFixture {
     window->resize(1900, 1000);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    settle();
+    processEvents();
   }
-  static void settle() { QCoreApplication::processEvents(); }
+  static void processEvents() { QCoreApplication::processEvents(); }
   bool choose(std::string_view name) { return chooseInMenus(*window->menuBar(), window->menus().action(name)); }
   void run(std::string_view name) {
     for (auto* each : window->findChildren<QToolButton*>()) {
       if (!each->isVisible() || each->defaultAction() != window->menus().action(name)) continue;
       QTest::mouseClick(each, Qt::LeftButton);
-      settle();
+      processEvents();
       return;
     }
     ADD_FAILURE() << "no button of command " << name;
   }
   void goTab(Tab tab) {
     QTest::mouseClick(&window->tabs(), Qt::LeftButton, {}, window->tabs().tabRect(static_cast<int>(tab)).center());
-    settle();
+    processEvents();
   }
   /// Acts in the dialog of this title once it is modal and has the focus.
   void whenShown(const QString& title, std::function<void(QWidget&)> act) {

@@ -87,8 +87,8 @@ TEST_F(ArticleSearch, AQuoteOrABracketInTheTextHarmsNothing) {
 }
 
 TEST(SearchLetters, AreThoseOfItalianWordsAndTwoWildcards) {
-  for (const char* letter : {"a", "Z", "7", " ", "*", "?", "à", "ù"}) EXPECT_TRUE(isSearchLetter(letter)) << letter;
-  for (const char* letter : {"[", "'", "-", "ñ", "é€", "_"}) EXPECT_FALSE(isSearchLetter(letter)) << letter;
+  for (const char* letter : {"a", "Z", "7", " ", "*", "?", "à", "ù"}) EXPECT_TRUE(isSearchCharacter(letter)) << letter;
+  for (const char* letter : {"[", "'", "-", "ñ", "é€", "_"}) EXPECT_FALSE(isSearchCharacter(letter)) << letter;
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ bool isWanted(const Scene& scene, const QStringList& names) {
 
 void dress(const QCommandLineParser& arguments) {
   QApplication::setStyle(QStringLiteral("Fusion"));
-  kv::wearAppearance(arguments.isSet(QStringLiteral("dark")) ? kv::Appearance::Dark : kv::Appearance::Light, false);
+  kv::applyAppearance(arguments.isSet(QStringLiteral("dark")) ? kv::Appearance::Dark : kv::Appearance::Light, false);
   QFont letters = QApplication::font();
   letters.setPointSizeF(letters.pointSizeF() * arguments.value(QStringLiteral("font")).toDouble() / 100);
   QApplication::setFont(letters);

@@ -30,31 +30,32 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
 
 }  // namespace
 
-CliOutcome runCommandLine(std::span<const std::string> arguments, const CliPlace& place) {
+CliOutcome runCommandLine(std::span<const std::string> arguments, const CliContext& context) {
   const auto line = parseCommandLine(arguments);
   if (!line) {
-    place.err << "korvane-cli: " << line.error().what << "\n\n" << usageText();
+    context.err << "korvane-cli: " << line.error().what << "\n\n" << usageText();
     return CliOutcome::WrongUsage;
   }
   if (line->command == CliCommand::Help || line->command == CliCommand::Version) {
-    place.out << (line->command == CliCommand::Help ? usageText() : versionText());
+    context.out << (line->command == CliCommand::Help ? usageText() : versionText());
     return CliOutcome::Done;
   }
-  const auto application = findApplicationFolder(line->applicationFolder, place.programs);
+  const auto application = findApplicationFolder(line->applicationFolder, context.programs);
   if (!application) {
     const Error& error = application.error();
-    place.err << "Impossibile preparare la cartella dell'applicazione:\n" << error.where << ": " << error.what << '\n';
+    context.err << "Impossibile preparare la cartella dell'applicazione:\n"
+                << error.where << ": " << error.what << '\n';
     return CliOutcome::Failed;
   }
-  ConsoleOptions screen = place.screen;
+  ConsoleOptions screen = context.screen;
   screen.answers = line->answers;
   screen.folder = absolutePath(line->shop);
-  ConsoleUser user(place.err, systemClock(), std::move(screen));
+  ConsoleUser user(context.err, systemClock(), std::move(screen));
   FileSettings settings(userSettingsPath());
   Environment env{user, settings, systemClock(), systemRandom(), *application, {}};
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
-  const CliOutcome outcome = runShopCommand(*line, env, place.out);
-  place.out.flush();
+  const CliOutcome outcome = runShopCommand(*line, env, context.out);
+  context.out.flush();
   return outcome;
 }
 

@@ -10,15 +10,15 @@
 
 namespace kv {
 
-/// Where the program writes and what it knows of its place. References outlive it.
-struct CliPlace {
+/// Where the program writes and what it knows of itself. References outlive it.
+struct CliContext {
   std::ostream& out;      ///< results
   std::ostream& err;      ///< messages, questions, progress
   ConsoleOptions screen;  ///< its answers and folder are set from the arguments
   std::string programs;   ///< the folder of the program, see installedData
 };
 
-/// Does what the arguments behind the program's name ask for.
-CliOutcome runCommandLine(std::span<const std::string> arguments, const CliPlace& place);
+/// Does what the arguments after the program's name ask for.
+CliOutcome runCommandLine(std::span<const std::string> arguments, const CliContext& context);
 
 }  // namespace kv

@@ -10,6 +10,7 @@
 
 namespace kv {
 
+/// What korvane-cli is asked to do.
 enum class CliCommand { Build, Check, ExportSql, New, Help, Version };
 
 struct CommandLine {
@@ -21,7 +22,7 @@ struct CommandLine {
   std::vector<Answer> answers;
 };
 
-/// Reads the arguments behind the program's name. "--app=X" and "--app X" mean the same; behind "--" every argument
+/// Reads the arguments after the program's name. "--app=X" and "--app X" mean the same; after "--" every argument
 /// is a name. Malformed, `what` saying in Italian what is wrong, when a command or its shop is missing, repeated or
 /// unknown.
 Result<CommandLine> parseCommandLine(std::span<const std::string> arguments);

@@ -1,5 +1,5 @@
 #pragma once
-// The user port of the command line: messages go to one stream as they stand, questions are answered from the
+// The user port of the command line: messages go to one stream as they are, questions are answered from the
 // arguments, progress is a bar on a terminal and an occasional line anywhere else. It never reads the keyboard.
 
 #include <functional>
@@ -12,8 +12,9 @@
 
 namespace kv {
 
+/// What the program knows of the terminal, and what the arguments answer.
 struct ConsoleOptions {
-  bool terminal = false;              ///< whether the stream is a terminal: a bar redrawn in place
+  bool terminal = false;              ///< whether the stream is a terminal: a bar drawn again over itself
   int width = 80;                     ///< columns of the terminal
   std::vector<Answer> answers{};      ///< see CommandLine::answers
   std::string folder{};               ///< what the first chooseFolder returns; each later one is a cancel
@@ -28,14 +29,17 @@ class ConsoleUser final : public UserPort {
   ConsoleUser(const ConsoleUser&) = delete;
   ConsoleUser& operator=(const ConsoleUser&) = delete;
 
+  /// Prints the text, whatever the icon.
   void message(const std::string& text, Icon icon) override;
   /// Prints the question and the answer it got. Yes and Ok are the same consent, No and Cancel the same refusal,
   /// whichever pair the question offers.
   Answer question(const Question& question) override;
+  /// Prints the prompt; the answer is the folder of the options, once.
   std::string chooseFolder(const std::string& prompt, const std::string& initial) override;
   /// Terminal: redraws the bar at most ten times a second. Elsewhere: one line for each new tenth of the way and for
   /// each new language, which is the caption's part before the colon. A maximum of 1 or less counts as unknown.
   void progress(const Progress& progress) override;
+  /// False once the options say that the run was cancelled.
   bool yield() override;
 
  private:
@@ -47,15 +51,15 @@ class ConsoleUser final : public UserPort {
   std::ostream& out_;
   Clock& clock_;
   ConsoleOptions options_;
-  std::size_t asked_ = 0;
-  bool barShown_ = false;
-  double drawnAt_ = 0;
-  int tenths_ = -1;
-  std::string stage_;
+  std::size_t asked_ = 0;  ///< how many answers have been used
+  bool barShown_ = false;  ///< the last thing on the terminal is the bar
+  double drawnAt_ = 0;     ///< seconds of the clock
+  int tenths_ = -1;        ///< of the way, as last printed
+  std::string stage_;      ///< part of the caption before its colon, as last printed
 };
 
 /// A progress bar of `width` columns without a line end: "[####    ]  50 % caption", the caption cut to what fits
-/// without splitting a letter.
+/// without splitting a character.
 std::string progressBar(const Progress& progress, int width);
 
 }  // namespace kv

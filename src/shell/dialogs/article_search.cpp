@@ -20,7 +20,7 @@ std::vector<std::string> patternsFor(std::string_view text, bool wholeWords) {
 
 }  // namespace
 
-bool isSearchLetter(std::string_view letter) {
+bool isSearchCharacter(std::string_view letter) {
   if (letter.size() == 1) {
     const char c = letter[0];
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '*' ||

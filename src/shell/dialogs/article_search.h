@@ -10,8 +10,8 @@
 
 namespace kv {
 
-/// Whether a letter may be typed into the search field: ASCII letters and digits, the blank, "àèéìòù", "*" and "?".
-bool isSearchLetter(std::string_view letter);
+/// Whether a character may be typed into the search field: ASCII letters and digits, the space, "àèéìòù", "*" and "?".
+bool isSearchCharacter(std::string_view character);
 
 /// The columns that can be searched, with their labels; the first is the one chosen at the start.
 struct SearchColumn {
@@ -25,8 +25,8 @@ struct ArticleHit {
   std::string codice, titolo;
 };
 /// The articles whose column, in the session's language, holds the text ("*" and "?" as wildcards), in the order of
-/// department and place. `wholeWords`: the text must have a letter beside it that is no ASCII letter or digit, at both
-/// ends, or at the one end that is not the field's own; a field that is exactly the text is no hit.
+/// department and order. `wholeWords`: the text must have a character beside it that is no ASCII letter or digit, at
+/// both ends, or at the one end that is not the field's own; a field that is exactly the text is no hit.
 Result<std::vector<ArticleHit>> findArticles(Session& session, std::string_view column, std::string_view text,
                                              bool wholeWords);
 

@@ -80,11 +80,11 @@ FolderChoice::FolderChoice(const Session& session) {
 }
 
 void FolderChoice::set(WorkingFolder folder, std::string_view path) {
-  fields_[place(folder)] = {std::string(path), FolderField::Source::Browsed};
+  fields_[indexOf(folder)] = {std::string(path), FolderField::Source::Browsed};
 }
 
 void FolderChoice::reset(WorkingFolder folder) {
-  fields_[place(folder)] = {defaults_[place(folder)], FolderField::Source::Reset};
+  fields_[indexOf(folder)] = {defaults_[indexOf(folder)], FolderField::Source::Reset};
 }
 
 bool FolderChoice::apply(Session& session, UserPort& user) const {

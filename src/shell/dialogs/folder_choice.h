@@ -12,6 +12,7 @@ namespace kv {
 
 inline constexpr std::string_view foldersTitle = "Korvane - Selezione cartelle";
 
+/// Where pages go, and where the scripts of the site go.
 enum class WorkingFolder : std::size_t { Online = 0, Scripts = 1 };
 
 /// One path field.
@@ -21,12 +22,13 @@ struct FolderField {
   Source source = Source::Stored;
 };
 
+/// What the dialog shows until it is closed.
 class FolderChoice {
  public:
   /// Starts on the session's folders.
   explicit FolderChoice(const Session& session);
 
-  const FolderField& field(WorkingFolder folder) const { return fields_[place(folder)]; }
+  const FolderField& field(WorkingFolder folder) const { return fields_[indexOf(folder)]; }
   /// A path chosen by browsing, or typed: it is going to be stored.
   void set(WorkingFolder folder, std::string_view path);
   /// Reset: back to the folder inside the shop's own.
@@ -38,7 +40,7 @@ class FolderChoice {
   bool apply(Session& session, UserPort& user) const;
 
  private:
-  static std::size_t place(WorkingFolder folder) { return static_cast<std::size_t>(folder); }
+  static std::size_t indexOf(WorkingFolder folder) { return static_cast<std::size_t>(folder); }
   std::array<FolderField, 2> fields_;
   std::array<std::string, 2> defaults_;
 };

@@ -5,6 +5,7 @@
 
 namespace kv {
 
+/// As a box it has a button; as the picture at the start it closes by itself.
 class frmAbout final : public FormDialog {
  public:
   explicit frmAbout(QWidget* parent = nullptr);
@@ -18,7 +19,7 @@ class frmAbout final : public FormDialog {
 
  private:
   frmAbout(QWidget* parent, bool splash);
-  bool splash_;
+  bool splash_;  ///< as the picture shown at the start
 };
 
 }  // namespace kv

@@ -11,15 +11,16 @@ class QPushButton;
 
 namespace kv {
 
-/// The tag is the name of the copy that the user chose and confirmed; RipristinaCopia puts it in place once the dialog
+/// The tag is the name of the copy that the user chose and confirmed; RipristinaCopia restores it once the dialog
 /// is closed, for the main window is loaded again on the way.
 class frmBackup final : public FormDialog {
  public:
-  /// `with` outlives the dialog.
+  /// `env` outlives the dialog.
   frmBackup(const std::string& shopFolder, Environment& env, QWidget* parent = nullptr);
 
  private:
   QWidget* makeList();
+  /// Asks, and ends the dialog with the copy that is selected.
   void choose();
 
   Environment& env_;

@@ -14,13 +14,15 @@ namespace kv {
 /// The tag is "OK"; a folder that was refused has been told to the user and stays as it was.
 class frmBrowse final : public FormDialog {
  public:
-  /// `session` and `with` outlive the dialog.
+  /// `session` and `env` outlive the dialog.
   frmBrowse(Session& session, Environment& env, QWidget* parent = nullptr);
 
  private:
+  /// One folder: its path, and the buttons to choose and to reset it.
   void addRow(QGridLayout& grid, WorkingFolder folder);
   void browse(WorkingFolder folder);
   void reset(WorkingFolder folder);
+  /// OK: what was refused has been told, and the dialog closes all the same.
   void accepted();
 
   Session& session_;

@@ -32,7 +32,7 @@ class SearchLetters final : public QValidator {
     QString kept;
     int place = position;
     for (int i = 0; i < text.size(); ++i) {
-      if (isSearchLetter(fromQt(QString(text.at(i))))) {
+      if (isSearchCharacter(fromQt(QString(text.at(i))))) {
         kept += text.at(i);
       } else if (i < position) {
         --place;
@@ -151,7 +151,7 @@ QWidget* frmSearch::makeAnswer() {
   column->addWidget(lstArticoli_, 1);
   column->addWidget(lblNessuno_);
   connect(lstArticoli_, &QTableView::doubleClicked, this, &frmSearch::showArticle);
-  connect(lstArticoli_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &frmSearch::settleMostra);
+  connect(lstArticoli_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &frmSearch::updateMostra);
   return answer;
 }
 
@@ -176,10 +176,10 @@ void frmSearch::showHits(std::vector<ArticleHit> hits) {
     lstArticoli_->setCurrentIndex(model_->index(0, 0));
     lstArticoli_->setFocus();
   }
-  settleMostra();
+  updateMostra();
 }
 
-void frmSearch::settleMostra() { cmdMostra_->setEnabled(lstArticoli_->currentIndex().isValid()); }
+void frmSearch::updateMostra() { cmdMostra_->setEnabled(lstArticoli_->currentIndex().isValid()); }
 
 void frmSearch::showArticle() {
   const QModelIndex current = lstArticoli_->currentIndex();

@@ -17,12 +17,12 @@ class QTableView;
 
 namespace kv {
 
-class HitModel;
+class HitModel;  ///< the hits as rows of code and title
 
 /// The tag is the ID of the article to show, as decimal text; empty when none was chosen.
 class frmSearch final : public FormDialog {
  public:
-  /// `session` and `with` outlive the dialog.
+  /// `session` and `env` outlive the dialog.
   frmSearch(Session& session, Environment& env, QWidget* parent = nullptr);
   ~frmSearch() override;
 
@@ -32,10 +32,14 @@ class frmSearch final : public FormDialog {
  private:
   QWidget* makeQuestion();
   QWidget* makeAnswer();
+  /// Runs the search that the controls describe.
   void search();
+  /// Fills the list, or says that nothing was found.
   void showHits(std::vector<ArticleHit> hits);
+  /// Ends the dialog with the hit that is selected.
   void showArticle();
-  void settleMostra();
+  /// The button is enabled while a hit is selected.
+  void updateMostra();
 
   Session& session_;
   Environment& env_;

@@ -11,7 +11,7 @@ namespace kv {
 /// other than a-z, 0-9 and "_" as "_", and "_" with four hexadecimal digits, one above the highest in use.
 std::string uniquePictureName(const std::string& folder, const std::string& source);
 
-/// Copies a picture into the image folder under such a name, which is the result; a file that stands there already
+/// Copies a picture into the image folder under such a name, which is the result; a file that is there already
 /// keeps its own. Malformed when it is no GIF, JPEG or PNG; other failures as copyFile.
 Result<std::string> importPicture(const std::string& folder, const std::string& source);
 

@@ -107,7 +107,7 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   WorkbenchPorts ports;
   ports.commands = allCommands();
   ports.open = desktopOpener();
-  ports.wear = [&appearance](Appearance chosen) { appearance.choose(chosen); };
+  ports.applyAppearance = [&appearance](Appearance chosen) { appearance.choose(chosen); };
   ports.decimalSeparator = decimalSeparator();
   frmMain window(session, env, std::move(ports));
   wireSession(window, session, env);
@@ -115,8 +115,8 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   const LoadResult loaded = startSession(session, env);
   if (loaded == LoadResult::Opened) window.workbench().showShop();
   if (!session.catalogue.isOpen()) return 1;
-  window.restorePlace();
-  appearance.settle();
+  window.restoreLayout();
+  appearance.takeEarlyAnswer();
   window.whenShown([&] { greet(window, settings); });
   user.setHome(&window);
   window.show();

@@ -16,7 +16,7 @@ QTranslator* speakItalian();
 /// All three outlive what they are tied by.
 void wireSession(frmMain& window, Session& session, Environment& env);
 
-/// Runs the program inside a QApplication that stands. The exit status: 0, or 1 when no shop could be opened.
+/// Runs the program inside a QApplication that exists. The exit status: 0, or 1 when no shop could be opened.
 /// `programs`: the folder of the program, see installedData.
 int runWindow(const WindowArguments& arguments, const std::string& programs);
 

@@ -18,7 +18,7 @@ class SessionEnd final : public QObject {
   SessionEnd& operator=(const SessionEnd&) = delete;
 
  private:
-  QTimer again_;
+  QTimer again_;  ///< asks a window again that could not close
 };
 
 }  // namespace kv

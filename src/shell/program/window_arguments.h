@@ -15,7 +15,7 @@ struct WindowArguments {
   bool version = false;
 };
 
-/// Reads the arguments behind the program's name. "--app=X" and "--app X" mean the same; behind "--" every argument is
+/// Reads the arguments after the program's name. "--app=X" and "--app X" mean the same; after "--" every argument is
 /// a name. Malformed, `what` saying in Italian what is wrong.
 Result<WindowArguments> parseWindowArguments(std::span<const std::string> arguments);
 

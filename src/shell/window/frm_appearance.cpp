@@ -80,7 +80,7 @@ bool isDark(const QPalette& palette) {
   return palette.color(QPalette::WindowText).lightness() > palette.color(QPalette::Window).lightness();
 }
 
-void wearAppearance(Appearance appearance, bool desktopPrefersDark) {
+void applyAppearance(Appearance appearance, bool desktopPrefersDark) {
   if (appearance == Appearance::Light) return QApplication::setPalette(lightPalette());
   if (appearance == Appearance::Dark) return QApplication::setPalette(darkPalette());
   QApplication::setPalette(QPalette());
@@ -89,7 +89,7 @@ void wearAppearance(Appearance appearance, bool desktopPrefersDark) {
 
 DesktopAppearance::DesktopAppearance(Appearance chosen, QObject* parent) : QObject(parent), chosen_(chosen) {
   if (hasSessionBus()) ask();
-  if (chosen_ != Appearance::Desktop) wearAppearance(chosen_, prefersDark_);
+  if (chosen_ != Appearance::Desktop) applyAppearance(chosen_, prefersDark_);
 }
 
 void DesktopAppearance::ask() {
@@ -102,12 +102,12 @@ void DesktopAppearance::ask() {
   answer_ = bus.asyncCall(read, patienceMilliseconds);
   auto* watcher = new QDBusPendingCallWatcher(*answer_, this);
   connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-    settle();
+    takeEarlyAnswer();
     watcher->deleteLater();
   });
 }
 
-void DesktopAppearance::settle() {
+void DesktopAppearance::takeEarlyAnswer() {
   if (!answer_ || !answer_->isFinished()) return;
   const QDBusMessage reply = answer_->reply();
   answer_.reset();
@@ -125,12 +125,12 @@ void DesktopAppearance::take(const QVariant& scheme) {
   const bool dark = value.toUInt() == schemeDark;
   if (dark == prefersDark_) return;
   prefersDark_ = dark;
-  if (chosen_ == Appearance::Desktop) wearAppearance(chosen_, prefersDark_);
+  if (chosen_ == Appearance::Desktop) applyAppearance(chosen_, prefersDark_);
 }
 
 void DesktopAppearance::choose(Appearance appearance) {
   chosen_ = appearance;
-  wearAppearance(chosen_, prefersDark_);
+  applyAppearance(chosen_, prefersDark_);
 }
 
 }  // namespace kv

@@ -13,19 +13,19 @@
 
 namespace kv {
 
-/// What a step of the guide lights: its fields, its buttons and its own number. Black letters are read on it.
+/// What a step of the guide lights: its fields, its buttons and its own number. Its text is black.
 inline constexpr QColor litColour(0xb9, 0xf2, 0xb0);
 
-/// The two palettes of the program's own, for desktops that tell a preference and no colours.
+/// The two palettes of the program's own, for desktops that have a preference and no colours.
 QPalette lightPalette();
 QPalette darkPalette();
 
-/// Whether letters are lighter than the ground they stand on.
+/// Whether text is lighter than its background.
 bool isDark(const QPalette& palette);
 
 /// Sets the palette of the program's windows. `Desktop` gives the platform's own back; when that is light and the
 /// desktop prefers dark, the dark one.
-void wearAppearance(Appearance appearance, bool desktopPrefersDark);
+void applyAppearance(Appearance appearance, bool desktopPrefersDark);
 
 /// Keeps to the appearance that is chosen, and follows the desktop while the program runs. The desktop's preference is
 /// "color-scheme" of the settings portal, 1 for dark; nothing is asked where there is no session bus.
@@ -35,10 +35,12 @@ class DesktopAppearance final : public QObject {
  public:
   explicit DesktopAppearance(Appearance chosen, QObject* parent = nullptr);
 
+  /// What the merchant has chosen.
   Appearance chosen() const { return chosen_; }
+  /// Changes the choice, and all windows at once.
   void choose(Appearance appearance);
   /// Takes the desktop's answer if it has come by now: before the first window shows, so that it needn't change colour.
-  void settle();
+  void takeEarlyAnswer();
 
  private slots:
   void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);

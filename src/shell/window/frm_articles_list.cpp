@@ -90,15 +90,15 @@ ArticleList::ArticleList(Workbench& workbench, QWidget* parent)
 }
 
 void ArticleList::rebuild() {
-  settling_ = true;
+  updating_ = true;
   model_->rebuild();
-  settling_ = false;
+  updating_ = false;
   selectCurrent();
 }
 
 void ArticleList::selectCurrent() {
   CatalogueSets& sets = workbench_.sets();
-  settling_ = true;
+  updating_ = true;
   if (sets.onArticle()) {
     const QModelIndex index = model_->index(static_cast<int>(sets.dataArticoli().position()), 0);
     setCurrentIndex(index);
@@ -107,7 +107,7 @@ void ArticleList::selectCurrent() {
     setCurrentIndex({});
     clearSelection();
   }
-  settling_ = false;
+  updating_ = false;
 }
 
 /// An empty list says why it is, and what to do.
@@ -125,7 +125,7 @@ void ArticleList::paintEvent(QPaintEvent* event) {
 
 void ArticleList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTableView::currentChanged(current, previous);
-  if (!settling_ && current.isValid()) workbench_.goToArticleAt(static_cast<std::size_t>(current.row()));
+  if (!updating_ && current.isValid()) workbench_.goToArticleAt(static_cast<std::size_t>(current.row()));
 }
 
 }  // namespace kv

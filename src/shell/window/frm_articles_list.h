@@ -9,6 +9,7 @@
 
 namespace kv {
 
+/// The rows of the current department, in the language and price list being edited.
 class ArticleModel final : public QAbstractTableModel {
   Q_OBJECT
  public:
@@ -18,7 +19,7 @@ class ArticleModel final : public QAbstractTableModel {
 
   /// Takes over the current department's articles.
   void rebuild();
-  /// Reads the rows again where they stand.
+  /// Reads the same rows again.
   void refresh();
   /// Shows a text in a cell while it is being typed.
   void preview(int row, Column column, const QString& text);
@@ -31,16 +32,18 @@ class ArticleModel final : public QAbstractTableModel {
  private:
   Workbench& workbench_;
   mutable ArticleRows rows_;
-  int previewRow_ = -1;
+  int previewRow_ = -1;  ///< of the cell that shows what is being typed; -1: none
   Column previewColumn_ = Code;
   QString previewText_;
 };
 
+/// The list on the screen. Moving the selection moves the article cursor of the workbench.
 class ArticleList final : public QTableView {
   Q_OBJECT
  public:
   explicit ArticleList(Workbench& workbench, QWidget* parent = nullptr);
 
+  /// Shows the articles of another department, or in another order.
   void rebuild();
   /// Selects the current article of the workbench.
   void selectCurrent();
@@ -53,7 +56,7 @@ class ArticleList final : public QTableView {
  private:
   Workbench& workbench_;
   ArticleModel* model_;
-  bool settling_ = false;
+  bool updating_ = false;  ///< the selection follows the workbench
 };
 
 }  // namespace kv

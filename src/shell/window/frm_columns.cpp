@@ -36,11 +36,11 @@ QSize ColumnsLayout::minimumSize() const {
 
 void ColumnsLayout::setGeometry(const QRect& area) {
   QLayout::setGeometry(area);
-  place(area, true);
+  arrange(area, true);
 }
 
 /// Places the groups, or only works out the height that they take.
-int ColumnsLayout::place(const QRect& area, bool move) const {
+int ColumnsLayout::arrange(const QRect& area, bool move) const {
   const QMargins margins = contentsMargins();
   const QRect inner = area.marginsRemoved(margins);
   const int gap = std::max(spacing(), 0);

@@ -6,6 +6,7 @@
 
 namespace kv {
 
+/// Groups keep their order; each goes below the shortest column.
 class ColumnsLayout final : public QLayout {
   Q_OBJECT
  public:
@@ -15,6 +16,7 @@ class ColumnsLayout final : public QLayout {
   /// A group of this layout that takes the whole width, below what comes before it.
   void setWide(const QWidget* group) { wide_ = group; }
 
+  // QLayout
   void addItem(QLayoutItem* item) override { items_.append(item); }
   int count() const override { return static_cast<int>(items_.size()); }
   QLayoutItem* itemAt(int index) const override { return items_.value(index); }
@@ -22,14 +24,15 @@ class ColumnsLayout final : public QLayout {
   QSize sizeHint() const override;
   QSize minimumSize() const override;
   bool hasHeightForWidth() const override { return true; }
-  int heightForWidth(int width) const override { return place(QRect(0, 0, width, 0), false); }
+  int heightForWidth(int width) const override { return arrange(QRect(0, 0, width, 0), false); }
   void setGeometry(const QRect& area) override;
 
  private:
-  int place(const QRect& area, bool move) const;
+  /// The height that the groups need in this area; with `move` they are put there.
+  int arrange(const QRect& area, bool move) const;
   QList<QLayoutItem*> items_;
   int narrowest_;
-  const QWidget* wide_ = nullptr;
+  const QWidget* wide_ = nullptr;  ///< takes the whole width; may be none
 };
 
 }  // namespace kv

@@ -12,11 +12,12 @@
 
 namespace kv {
 
-/// Filters what comes into a line; what stands there already is let be.
+/// Filters what is typed or pasted into a line; what is there already stays.
 class FieldFilter final : public QValidator {
   Q_OBJECT
  public:
   FieldFilter(FieldKind kind, char decimalSeparator, QLineEdit* line);
+  /// Removes from `text` what the kind of the field does not allow, and keeps the cursor on the same character.
   State validate(QString& text, int& position) const override;
   /// The text as the program sets it, which isn't filtered.
   void hold(const QString& text) { held_ = text; }
@@ -24,30 +25,34 @@ class FieldFilter final : public QValidator {
  private:
   FieldKind kind_;
   char separator_;
-  QString held_;
+  QString held_;  ///< let through whatever it holds
 };
 
+/// One line. While it is being typed into, a number is brought within its limits.
 class FieldLine : public QLineEdit {
   Q_OBJECT
  public:
   FieldLine(FieldKind kind, char decimalSeparator, QWidget* parent = nullptr);
+  /// Shows a text of the row, unfiltered, as the last good one.
   void load(const QString& text);
 
  signals:
-  /// The user typed Escape: what stood there is to come back.
+  /// The user typed Escape: what was there before is to be shown again.
   void givenUp();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  /// Brings what was typed to the form that the kind allows.
   void applyChange(const QString& text);
   FieldFilter* filter_;
   FieldKind kind_;
   char separator_;
-  QString lastGood_;
+  QString lastGood_;  ///< the last text that was a number
 };
 
+/// Many lines. Tab leaves it.
 class FieldMemo final : public QPlainTextEdit {
   Q_OBJECT
  public:
@@ -55,7 +60,7 @@ class FieldMemo final : public QPlainTextEdit {
   QSize sizeHint() const override;
 
  signals:
-  void left();
+  void left();  ///< the focus has gone elsewhere
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
@@ -69,8 +74,9 @@ class FieldList final : public QComboBox {
   Q_OBJECT
  public:
   explicit FieldList(QWidget* parent = nullptr);
-  /// Called before the list is opened, to fill it anew; the text typed is kept.
+  /// Called before the list is opened, to fill it again; the text typed is kept.
   std::function<QStringList()> refill;
+  /// Replaces the choices; the text stays.
   void fill(const QStringList& choices);
   void showPopup() override;
 

@@ -20,7 +20,7 @@ class frmIntro final : public FormDialog {
   explicit frmIntro(IntroTarget& target, QWidget* parent = nullptr);
 
   /// Places main window and guide so that both fit on the screen, the main window made narrower where that is needed
-  /// and it can be; it is given its place back when the guide closes. Called once both are shown.
+  /// and it can be; it goes back to where it was when the guide closes. Called once both are shown.
   void placeBeside(QWidget& mainWindow);
 
  protected:
@@ -28,9 +28,12 @@ class frmIntro final : public FormDialog {
 
  private:
   QWidget* makeSteps();
+  /// Lights what a step points at.
   void showStep(std::size_t step);
+  /// Gives the number of a step the highlight colour, and takes it from the others.
   void colour(std::size_t lit);
   void narrowMain(QWidget& mainWindow, const QRect& room);
+  /// Gives the main window back what narrowMain took.
   void widenMain();
 
   IntroTarget& target_;

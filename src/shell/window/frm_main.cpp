@@ -200,7 +200,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
   finishEdits();
   // The guide gives back the room that it took, before the place is remembered.
   if (auto* guide = findChild<QDialog*>(QStringLiteral("frmIntro"))) guide->close();
-  keepPlace();
+  keepLayout();
   // A session that is open when the window goes was left by the user.
   if (workbench_.isOpen()) session_.compactOnExit = true;
   event->accept();
@@ -218,7 +218,7 @@ void frmMain::showEvent(QShowEvent* event) {
   QTimer::singleShot(0, this, action);
 }
 
-void frmMain::keepPlace() {
+void frmMain::keepLayout() {
   const auto keep = [this](std::string_view key, const QByteArray& bytes) {
     const std::string text = bytes.toBase64().toStdString();
     if (env_.settings.get(placeSection, key) != text) static_cast<void>(env_.settings.set(placeSection, key, text));
@@ -228,7 +228,7 @@ void frmMain::keepPlace() {
   keep("elenchi", lists_->saveState());
 }
 
-void frmMain::restorePlace() {
+void frmMain::restoreLayout() {
   restoreGeometry(bytesOf(env_.settings, "geometria"));
   sides_->restoreState(bytesOf(env_.settings, "divisori"));
   lists_->restoreState(bytesOf(env_.settings, "elenchi"));

@@ -12,14 +12,17 @@ class QTabBar;
 
 namespace kv {
 
+/// One tab's fields. A page is longer than the window where it has to be, and scrolls.
 class EditorPage final : public QScrollArea {
   Q_OBJECT
  public:
   EditorPage(Tab tab, Workbench& workbench, const CommandActions& actions, QWidget* parent = nullptr);
 
-  /// Shows the current row of a set anew.
+  /// Shows the current row of a set again.
   void showFields(EditedSet set);
+  /// Gives every field the state that its mask or setting has now.
   void refreshEnabled();
+  /// The strips of price lists follow the workbench.
   void showListino(int listino);
   /// Hands what is being typed to the workbench.
   void commit();
@@ -31,6 +34,7 @@ class EditorPage final : public QScrollArea {
  signals:
   /// The text of an editor is being typed.
   void typed(const kv::EditorBinding& binding, const QString& text);
+  /// Enter was typed in an editor.
   void entered(const kv::EditorBinding& binding);
 
  private:
@@ -39,7 +43,9 @@ class EditorPage final : public QScrollArea {
   void addRow(QFormLayout& form, EditorBinding& binding);
   QWidget* makeTextStrip(const Group& group);
   QTabBar* makeListinoStrip(QWidget* parent);
+  /// Makes the field of an editor and connects it.
   EditorBinding* bind(const Editor& editor, QWidget* parent);
+  /// Shows the other of the two exchange rates while one is being typed.
   void followRate(const EditorBinding& from, const QString& text);
 
   Tab tab_;

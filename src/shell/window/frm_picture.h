@@ -10,9 +10,11 @@ class QPushButton;
 
 namespace kv {
 
+/// Preview, file name and size of a picture, with its two buttons.
 class PicturePreview final : public QWidget {
   Q_OBJECT
  public:
+  /// `name`: of the picture, for who can't see it. The actions are those of its commands.
   PicturePreview(const QString& name, QAction* choose, QAction* clear, QWidget* parent = nullptr);
 
   /// Shows a file of the image folder; an empty name for none. The file is read once the window has nothing else to do.
@@ -28,8 +30,8 @@ class PicturePreview final : public QWidget {
   QLabel* about_;
   QWidget* buttons_;
   QString name_, title_, path_;
-  qint64 stamp_ = 0;
-  bool waiting_ = false;
+  qint64 stamp_ = 0;      ///< time of change of the file that is shown
+  bool waiting_ = false;  ///< the file is still to be read
 };
 
 }  // namespace kv

@@ -143,20 +143,20 @@ void DepartmentView::rebuild() {
     const QModelIndex index = model_->indexOf(row.ID);
     if (index.isValid() && isExpanded(index)) open.push_back(row.ID);
   }
-  settling_ = true;
+  updating_ = true;
   model_->rebuild();
   expand(model_->indexOf(std::string(treeRoot)));
   for (const std::string& ID : open) expand(model_->indexOf(ID));
-  settling_ = false;
+  updating_ = false;
 }
 
 void DepartmentView::select(const std::string& ID) {
   const QModelIndex index = model_->indexOf(ID);
   if (!index.isValid()) return;
-  settling_ = true;
+  updating_ = true;
   setCurrentIndex(index);
   scrollTo(index);
-  settling_ = false;
+  updating_ = false;
 }
 
 void DepartmentView::expandTree(bool expanded) {
@@ -187,7 +187,7 @@ void DepartmentView::mouseMoveEvent(QMouseEvent* event) {
 
 void DepartmentView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTreeView::currentChanged(current, previous);
-  if (!settling_ && current.isValid()) workbench_.goToDepartment(model_->keyOf(current));
+  if (!updating_ && current.isValid()) workbench_.goToDepartment(model_->keyOf(current));
 }
 
 }  // namespace kv

@@ -23,10 +23,10 @@ void ArticleRows::refresh(int listino) {
   }
 }
 
-const ArticleRow& ArticleRows::at(std::size_t place) {
+const ArticleRow& ArticleRows::at(std::size_t index) {
   static const ArticleRow none;
-  if (place >= keys_.size()) return none;
-  const std::int64_t ID = keys_[place];
+  if (index >= keys_.size()) return none;
+  const std::int64_t ID = keys_[index];
   if (const auto known = rows_.find(ID); known != rows_.end()) return known->second;
   const Session& session = sets_.session();
   const std::string title =
@@ -41,7 +41,7 @@ const ArticleRow& ArticleRows::at(std::size_t place) {
   return rows_[ID] = {ID, std::string(row->text(0)), std::string(row->text(1)), asText(row->value(2))};
 }
 
-std::optional<std::size_t> ArticleRows::placeOf(std::int64_t ID) const {
+std::optional<std::size_t> ArticleRows::indexOf(std::int64_t ID) const {
   const auto found = std::ranges::find(keys_, ID);
   if (found == keys_.end()) return std::nullopt;
   return static_cast<std::size_t>(found - keys_.begin());

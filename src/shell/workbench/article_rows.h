@@ -1,5 +1,5 @@
 #pragma once
-// The articles of a department as the list shows them. The keys are read at once, what stands in a row only when it is
+// The articles of a department as the list shows them. The keys are read at once, the columns of a row only when it is
 // looked at: a list of thousands opens as quickly as a short one.
 
 #include <cstdint>
@@ -12,6 +12,7 @@
 
 namespace kv {
 
+/// A row in the language being edited.
 struct ArticleRow {
   std::int64_t ID = 0;
   std::string codice, titolo;
@@ -26,10 +27,12 @@ class ArticleRows {
   void refresh(int listino);
   /// Forgets what the rows said; keys and order stay.
   void forget() { rows_.clear(); }
+  /// How many articles the department has.
   std::size_t size() const { return keys_.size(); }
-  /// The row at a place from 0; an empty one when it can't be read.
-  const ArticleRow& at(std::size_t place);
-  std::optional<std::size_t> placeOf(std::int64_t ID) const;
+  /// The row at an index from 0; an empty one when it can't be read.
+  const ArticleRow& at(std::size_t index);
+  /// The index of an article; none when it is not of this department.
+  std::optional<std::size_t> indexOf(std::int64_t ID) const;
 
  private:
   CatalogueSets& sets_;

@@ -1,6 +1,6 @@
 #pragma once
-// A command of the main window: one row that carries what it is called, where it stands, when it can be chosen, and
-// what it does. Toolbars, menus, shortcuts, states and help are made of these rows and of nothing else.
+// A command of the main window: one row that carries what it is called, where its entries are, when it can be chosen,
+// and what it does. Toolbars, menus, shortcuts, states and help are made of these rows and of nothing else.
 
 #include <functional>
 #include <string>

@@ -14,9 +14,9 @@ struct WorkbenchPorts {
   /// The program's own are allCommands(); a test may add one.
   std::vector<Command> commands;
   WorkbenchDialogs dialogs;
-  DocumentOpener open;                   ///< of the desktop; unset: documents don't open
-  std::function<void(Appearance)> wear;  ///< makes the windows light or dark
-  char decimalSeparator = ',';           ///< of the user's locale, in every field
+  DocumentOpener open;                              ///< of the desktop; unset: documents don't open
+  std::function<void(Appearance)> applyAppearance;  ///< makes the windows light or dark
+  char decimalSeparator = ',';                      ///< of the user's locale, in every field
 };
 
 }  // namespace kv

@@ -41,7 +41,7 @@ Command expansionRow(Command row, bool expanded) {
 }
 
 void chooseAppearance(const CommandContext& context, Appearance appearance) {
-  if (context.ports.wear) context.ports.wear(appearance);
+  if (context.ports.applyAppearance) context.ports.applyAppearance(appearance);
   if (storeAppearance(context.env.settings, appearance)) return;
   context.env.user.message("L'aspetto scelto vale fino alla chiusura: l'impostazione non è stata salvata",
                            Icon::Exclamation);

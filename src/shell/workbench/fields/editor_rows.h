@@ -1,5 +1,5 @@
 #pragma once
-// The rows of the editor table, by the pages they stand on. Private to the table.
+// The rows of the editor table, by their pages. Private to the table.
 
 #include <vector>
 
@@ -20,7 +20,7 @@ inline Editor editorRow(EditedSet set, Tab tab, std::string_view column, std::st
 }
 
 std::vector<Editor> catalogueEditors();  ///< departments and articles
-std::vector<Editor> siteEditors();
-std::vector<Editor> internetEditors();
+std::vector<Editor> siteEditors();       ///< the settings of shop and site
+std::vector<Editor> internetEditors();   ///< addresses and the connection
 
 }  // namespace kv

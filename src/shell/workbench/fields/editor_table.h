@@ -1,5 +1,5 @@
 #pragma once
-// The editors of the main window as data: which column each writes, where it stands, what it is called and what may be
+// The editors of the main window as data: which column each writes, on which page, what it is called and what may be
 // typed. The pages are made from this table. Columns without a row here belong to a dialog, to the build, or to nobody
 // (`codincart`, `cercacodice`, `searchusesCGI`, `merchantid` and `sendmail` are carried along and read by no page).
 
@@ -15,10 +15,10 @@ namespace kv {
 
 enum class Control {
   Line,      ///< one line
-  Password,  ///< one line, its letters hidden
+  Password,  ///< one line, its characters hidden
   Memo,      ///< many lines
   Check,     ///< a flag
-  Choice,    ///< a number: the place in the list of choices
+  Choice,    ///< a number: the index in the list of choices
   Pick,      ///< a text of the list of choices
   Combo,     ///< a text, typed or taken from the list of choices
   Picture,   ///< a picture with its preview and its commands
@@ -41,14 +41,14 @@ struct Editor {
   Control control = Control::Line;
   FieldKind kind = FieldKind::PlainText;
   Per per = Per::Shop;
-  std::string_view unit;     ///< shown behind the field
+  std::string_view unit;     ///< shown after the field
   std::string_view toolTip;  ///< where the label alone isn't plain
   std::string_view choices;  ///< parted by "|"
   ChoiceSource source = ChoiceSource::Fixed;
   int number = 0;  ///< of the picture, or of the variant slot
 };
 
-/// All editors in the order of tab, group and place.
+/// All editors in the order of tab, group and row.
 std::span<const Editor> editorTable();
 /// The editor of a column; null when it has none.
 const Editor* editorOf(EditedSet set, std::string_view column);

@@ -21,9 +21,10 @@ std::string_view withoutOuterSlashes(std::string_view text) {
 
 }  // namespace
 
-FullAddresses NormalizzaURL(const WebPlace& place) {
-  if (trim(place.URL).empty()) return {};
-  return {IndirizzoIndice(place.URL, place.cartella), publicAddress(place.URL, place.cartellaCGI) + "/index.php"};
+FullAddresses NormalizzaURL(const WebLocation& location) {
+  if (trim(location.URL).empty()) return {};
+  return {IndirizzoIndice(location.URL, location.cartella),
+          publicAddress(location.URL, location.cartellaCGI) + "/index.php"};
 }
 
 bool isFolderKey(std::string_view key) {

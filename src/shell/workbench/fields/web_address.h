@@ -1,5 +1,5 @@
 #pragma once
-// Addresses and folders of the connection settings: what is worked out from what was typed.
+// Addresses and folders of the connection settings: what follows from what was typed.
 
 #include <string>
 #include <string_view>
@@ -7,7 +7,7 @@
 namespace kv {
 
 /// What the addresses are made from, as the columns of `generale` hold it.
-struct WebPlace {
+struct WebLocation {
   std::string URL, cartella, cartellaCGI;
 };
 
@@ -16,7 +16,7 @@ struct FullAddresses {
   std::string backOffice;  ///< of its first page
 };
 /// NormalizzaURL (normalise the address): the full addresses of shop and back office; both empty while `URL` is empty.
-FullAddresses NormalizzaURL(const WebPlace& place);
+FullAddresses NormalizzaURL(const WebLocation& location);
 
 /// Whether a key may be typed into a folder of the server: ASCII letters, digits, "_", "/" and "\".
 bool isFolderKey(std::string_view key);
@@ -25,8 +25,8 @@ bool isFolderKey(std::string_view key);
 /// slash, and, unless the server is Windows NT, without the server's usual root in front (www, public_html ...).
 std::string webFolderOf(std::string_view ftpFolder, bool serverNT);
 
-/// The web folder that takes the place of `current` once the FTP folder has been left: the one worked out from the new
-/// FTP folder when `current` is empty or still what was worked out from the old one, else `current`.
+/// The web folder that replaces `current` once the FTP folder has been left: the one computed from the new
+/// FTP folder when `current` is empty or still what was computed from the old one, else `current`.
 std::string suggestedWebFolder(std::string_view current, std::string_view oldFtpFolder, std::string_view newFtpFolder,
                                bool serverNT);
 
