@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/numbers/money.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

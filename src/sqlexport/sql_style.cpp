@@ -1,7 +1,7 @@
 #include "sqlexport/sql_style.h"
 
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/shop/session.h"
 

@@ -27,8 +27,8 @@ TEST_F(TheBackupDialog, ListsTheNewestFirst) {
   show(dialog);
   const auto* list = control<QTableWidget>(dialog, "lstCopie");
   ASSERT_EQ(list->rowCount(), 2);
-  EXPECT_EQ(fromQt(list->item(0, 0)->text()), shownTime(1783930500));
-  EXPECT_EQ(fromQt(list->item(1, 0)->text()), shownTime(1783840500));
+  EXPECT_EQ(fromQt(list->item(0, 0)->text()), formatTime(1783930500));
+  EXPECT_EQ(fromQt(list->item(1, 0)->text()), formatTime(1783840500));
   EXPECT_EQ(list->currentRow(), 0);
   EXPECT_EQ(test::defaultButton(dialog), "Ripristina");
   EXPECT_EQ(test::namelessControls(dialog), "");

@@ -36,7 +36,7 @@ TEST(MessageBox, ShowsTextAndIconAsTheyAreGiven) {
 }
 
 TEST(FormDialog, OverBusyWorkThePointerIsTheUsualOneUntilTheDialogGoes) {
-  const BusyPointer busy;
+  const WaitCursor busy;
   Qt::CursorShape during = Qt::WaitCursor;
   whenModal([&](QWidget& window) {
     during = QApplication::overrideCursor()->shape();
@@ -89,7 +89,7 @@ TEST(Question, EscapeRefusesWhateverIsPreset) {
 
 TEST(Question, ShowsTheUsualPointerOverABusyWindow) {
   QtUser user;
-  const BusyPointer busy;
+  const WaitCursor busy;
   whenModal([](QWidget& window) {
     EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
     QTest::keyClick(&window, Qt::Key_Escape);

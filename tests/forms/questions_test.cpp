@@ -188,7 +188,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   boxed.hooks.release = [&](Session&) { real.workbench().releaseSession(); };
   ASSERT_EQ(startSession(another, boxed), LoadResult::Opened);
   real.workbench().showShop();
-  boxes.setHome(&real);
+  boxes.setMainWindow(&real);
   real.show();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&real));
   real.workbench().selectTab(Tab::Articles);
@@ -212,7 +212,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   EXPECT_EQ(deleteWith(Qt::Key_Escape), 3);
   EXPECT_EQ(deleteWith(Qt::Key_S), 2) << "the letter of the button consents";
   EXPECT_EQ(seen, std::vector<std::string>(3, std::string(deleteArticle) + " No"));
-  boxes.setHome(nullptr);
+  boxes.setMainWindow(nullptr);
   closeSession(another, boxed);
 }
 

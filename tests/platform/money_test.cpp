@@ -7,7 +7,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 
 namespace kv {
 namespace {

@@ -345,17 +345,17 @@ TEST_F(RestoringACopy, IsAskedWithNoAsTheDefault) {
 }
 
 TEST(ShownCopies, SizesAreRoundedToWhatIsRead) {
-  EXPECT_EQ(shownSize(0), "0 KB");
-  EXPECT_EQ(shownSize(1), "1 KB");
-  EXPECT_EQ(shownSize(870'400), "850 KB");
-  EXPECT_EQ(shownSize(1'258'291), "1,2 MB");
-  EXPECT_EQ(shownSize(std::uint64_t{200} << 20U), "200,0 MB");
+  EXPECT_EQ(formatSize(0), "0 KB");
+  EXPECT_EQ(formatSize(1), "1 KB");
+  EXPECT_EQ(formatSize(870'400), "850 KB");
+  EXPECT_EQ(formatSize(1'258'291), "1,2 MB");
+  EXPECT_EQ(formatSize(std::uint64_t{200} << 20U), "200,0 MB");
 }
 
 TEST(ShownCopies, TimesAreThoseOfTheMachinesZone) {
   ASSERT_EQ(setenv("TZ", "UTC-2", 1), 0);
   tzset();
-  EXPECT_EQ(shownTime(static_cast<std::int64_t>(firstSecond)), "12/07/2026 09:15");
+  EXPECT_EQ(formatTime(static_cast<std::int64_t>(firstSecond)), "12/07/2026 09:15");
   unsetenv("TZ");
   tzset();
 }

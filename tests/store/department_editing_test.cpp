@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/database/recordset.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/order_numbers.h"
 #include "store/tree_fixture.h"

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv::test {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "tags/custom/custom_tags.h"
 #include "tags/engine/tag_engine.h"
 #include "tags/language/language_module.h"

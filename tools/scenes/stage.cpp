@@ -86,7 +86,7 @@ Stage::Stage(const StageOptions& options)
     : options_(options), env_{user_, settings_, systemClock(), systemRandom(), options.applicationFolder, {}} {}
 
 Stage::~Stage() {
-  user_.setHome(nullptr);
+  user_.setMainWindow(nullptr);
   closeSession(session_, env_);
 }
 
@@ -100,7 +100,7 @@ bool Stage::open() {
   static_cast<void>(writeServerPath(env_.applicationFolder, options_.shop));
   if (startSession(session_, env_) != LoadResult::Opened) return false;
   workbench.showShop();
-  user_.setHome(window_.get());
+  user_.setMainWindow(window_.get());
   window_->setGeometry(0, titleHeight, options_.size.width(), options_.size.height() - titleHeight);
   window_->show();
   QApplication::setActiveWindow(window_.get());

@@ -1,6 +1,6 @@
 #include "builder/article/article_price.h"
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 
 namespace kv {
 

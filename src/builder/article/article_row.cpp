@@ -1,7 +1,7 @@
 #include "builder/article/article_row.h"
 
 #include "builder/values/build_failure.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

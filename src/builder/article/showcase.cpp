@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

@@ -1,6 +1,6 @@
 #include "builder/article/variant_lists.h"
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/schema/schema.h"
 #include "tags/engine/tag_engine.h"

@@ -1,6 +1,6 @@
 #include "builder/checkout/cart_tables.h"
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "store/schema/schema.h"
 #include "tags/engine/tag_engine.h"
 

@@ -5,7 +5,7 @@
 #include "builder/checkout/order_mail.h"
 #include "builder/values/html_text.h"
 #include "builder/values/link_naming.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/schema/schema.h"
 #include "tags/engine/tag_engine.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "builder/values/build_failure.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

@@ -5,7 +5,7 @@
 #include <unordered_set>
 
 #include "builder/values/link_naming.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

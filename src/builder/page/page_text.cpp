@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

@@ -6,7 +6,7 @@
 #include "builder/run/build_phases.h"
 #include "builder/values/link_naming.h"
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

@@ -79,7 +79,7 @@ frmElabora::frmElabora(Session& session, Environment& env, BuildViews views, QWi
   column->addWidget(buttons);
   setCursor(Qt::BusyCursor);
   cmdAnnulla_->setCursor(Qt::ArrowCursor);
-  sizeInLetters(64, 9);
+  sizeInCharacters(64, 9);
 }
 
 frmElabora::~frmElabora() = default;
@@ -93,7 +93,7 @@ void frmElabora::start() {
   if (started_ || !isVisible()) return;
   started_ = true;
   running_ = true;
-  user_->pump.pump(false);
+  user_->pump.processEvents(false);
   Environment env{*user_, env_.settings, env_.clock, env_.random, env_.applicationFolder, env_.hooks};
   outcome_ = MakePages(session_, env, {}, &counts_);
   running_ = false;
@@ -118,7 +118,7 @@ bool frmElabora::processEvents() {
   if (cancelled_) return false;
   if (!user_->pump.isDue()) return true;
   showProgress();
-  user_->pump.pump(true);
+  user_->pump.processEvents(true);
   // Hidden only here, after the events: nothing that was clicked in it may reach the window below while the build
   // is still running.
   if (cancelled_) hide();

@@ -1,6 +1,6 @@
 #include "builder/values/currency_form.h"
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

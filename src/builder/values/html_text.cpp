@@ -6,7 +6,7 @@
 
 #include "platform/files/files.h"
 #include "platform/image/image.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "platform/database/engine.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

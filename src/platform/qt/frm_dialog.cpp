@@ -49,7 +49,7 @@ void FormDialog::reject() {
 }
 
 int FormDialog::exec() {
-  const PlainPointer pointer;
+  const UsualCursor pointer;
   return QDialog::exec();
 }
 
@@ -77,7 +77,7 @@ void FormDialog::addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string
   connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, this, open);
 }
 
-void FormDialog::sizeInLetters(int columns, int lines) {
+void FormDialog::sizeInCharacters(int columns, int lines) {
   const QFontMetrics metrics = fontMetrics();
   resize(sizeHint().expandedTo({metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines}));
 }
@@ -118,13 +118,13 @@ void makeReadable(QMessageBox& box) {
   }
 }
 
-BusyPointer::BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-BusyPointer::~BusyPointer() { QApplication::restoreOverrideCursor(); }
+WaitCursor::WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+WaitCursor::~WaitCursor() { QApplication::restoreOverrideCursor(); }
 
-PlainPointer::PlainPointer() : busy_(QApplication::overrideCursor() != nullptr) {
+UsualCursor::UsualCursor() : busy_(QApplication::overrideCursor() != nullptr) {
   if (busy_) QApplication::setOverrideCursor(Qt::ArrowCursor);
 }
-PlainPointer::~PlainPointer() {
+UsualCursor::~UsualCursor() {
   if (busy_) QApplication::restoreOverrideCursor();
 }
 

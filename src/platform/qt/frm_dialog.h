@@ -50,7 +50,7 @@ class FormDialog : public QDialog {
   /// Adds a "?" beside the buttons and the key F1, which open `page`; nothing when `help` is empty.
   void addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string_view page);
   /// Sets the size at opening, in average characters and lines of the dialog's font; at least the layout's own size.
-  void sizeInLetters(int columns, int lines);
+  void sizeInCharacters(int columns, int lines);
 
  private:
   std::string tag_;  // empty until finish()
@@ -74,23 +74,23 @@ Control* named(Control* control, std::string_view objectName, std::string_view a
 void makeReadable(QMessageBox& box);
 
 /// Shows the wait cursor as long as this object lives.
-class BusyPointer {
+class WaitCursor {
  public:
   /// Sets the wait cursor for all windows.
-  BusyPointer();
-  ~BusyPointer();
-  BusyPointer(const BusyPointer&) = delete;
-  BusyPointer& operator=(const BusyPointer&) = delete;
+  WaitCursor();
+  ~WaitCursor();
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
 /// Shows the usual cursor as long as this object lives, for a dialog over work that shows the wait cursor.
-class PlainPointer {
+class UsualCursor {
  public:
   /// Sets the usual cursor, when there is a wait cursor to cover.
-  PlainPointer();
-  ~PlainPointer();
-  PlainPointer(const PlainPointer&) = delete;
-  PlainPointer& operator=(const PlainPointer&) = delete;
+  UsualCursor();
+  ~UsualCursor();
+  UsualCursor(const UsualCursor&) = delete;
+  UsualCursor& operator=(const UsualCursor&) = delete;
 
  private:
   bool busy_;  // there was a wait cursor

@@ -58,7 +58,7 @@ std::vector<AnswerButton> buttonsOf(Buttons buttons) {
 }
 
 Answer ask(QWidget* over, const Question& question) {
-  const PlainPointer pointer;
+  const UsualCursor pointer;
   QMessageBox box(over);
   box.setWindowTitle(toQt(program));
   box.setIcon(pictureOf(question.icon));
@@ -81,7 +81,7 @@ Answer ask(QWidget* over, const Question& question) {
 
 }  // namespace
 
-void EventPump::pump(bool input) {
+void EventPump::processEvents(bool input) {
   QCoreApplication::processEvents(input ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
   since_.start();
 }
@@ -102,7 +102,7 @@ void QtUser::message(const std::string& text, Icon icon) {
 Answer QtUser::question(const Question& question) { return ask(over(), question); }
 
 std::string QtUser::chooseFolder(const std::string& prompt, const std::string& initial) {
-  const PlainPointer pointer;
+  const UsualCursor pointer;
   QFileDialog dialog(over(), toQt(prompt), toQt(initial));
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
@@ -137,12 +137,12 @@ void QtUser::showStatus(const Progress& progress) {
   }
   status_->findChild<QLabel*>()->setText(toQt(progress.caption));
   status_->show();
-  pump_.pump(false);
+  pump_.processEvents(false);
 }
 
 bool QtUser::yield() {
   if (running_ && cancelled_) return false;
-  if (pump_.isDue()) pump_.pump(running_);
+  if (pump_.isDue()) pump_.processEvents(running_);
   return !running_ || !cancelled_;
 }
 

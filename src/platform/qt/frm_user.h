@@ -13,16 +13,16 @@ class QWidget;
 
 namespace kv {
 
-/// Processes pending events at intervals. A run asks isDue() at every step and calls pump() when it is true.
+/// Processes pending events at intervals. A run asks isDue() at every step and calls processEvents() when it is true.
 class EventPump {
  public:
-  /// The least time between two calls of pump().
+  /// The least time between two calls of processEvents().
   static constexpr int milliseconds = 25;
   EventPump() { since_.start(); }
-  /// Whether `milliseconds` have passed since the last pump().
+  /// Whether `milliseconds` have passed since the last processEvents().
   bool isDue() const { return since_.elapsed() >= milliseconds; }
   /// Processes pending events. Without `input`, keys and clicks stay in the queue: nothing could react to them.
-  void pump(bool input);
+  void processEvents(bool input);
 
  private:
   QElapsedTimer since_;
@@ -40,7 +40,7 @@ class QtUser final : public UserPort {
   QtUser& operator=(const QtUser&) = delete;
 
   /// Sets the window over which boxes open while no other is active; null before that window is destroyed.
-  void setHome(QWidget* home) { home_ = home; }
+  void setMainWindow(QWidget* home) { home_ = home; }
 
   /// A message box with OK.
   void message(const std::string& text, Icon icon) override;

@@ -58,7 +58,7 @@ frmAbout::frmAbout(QWidget* parent, bool splash) : FormDialog("Informazioni su K
     buttons->button(QDialogButtonBox::Close)->setDefault(true);
     column->addWidget(buttons);
   }
-  sizeInLetters(60, 14);
+  sizeInCharacters(60, 14);
 }
 
 void frmAbout::showSplash(QWidget* over) {

@@ -35,7 +35,7 @@ frmAvviso::frmAvviso(Settings& settings, QWidget* parent) : FormDialog("Korvane"
   column->addSpacing(fontMetrics().lineSpacing());
   column->addWidget(chkMai_);
   column->addWidget(buttons);
-  sizeInLetters(72, 15);
+  sizeInCharacters(72, 15);
 }
 
 void frmAvviso::answer(bool yes) {

@@ -29,7 +29,7 @@ frmBackup::frmBackup(const std::string& shopFolder, Environment& env, QWidget* p
   cmdRipristina_->setEnabled(!copies_.empty());
   connect(buttons, &QDialogButtonBox::accepted, this, &frmBackup::choose);
   column->addWidget(buttons);
-  sizeInLetters(80, 20);
+  sizeInCharacters(80, 20);
 }
 
 QWidget* frmBackup::makeList() {
@@ -44,9 +44,9 @@ QWidget* frmBackup::makeList() {
   lstCopie_->horizontalHeader()->setHighlightSections(false);
   int row = 0;
   for (const BackupCopy& copy : copies_) {
-    lstCopie_->setItem(row, 0, new QTableWidgetItem(toQt(shownTime(copy.madeAt))));
-    lstCopie_->setItem(row, 1, new QTableWidgetItem(toQt(shownTime(copy.savedAt))));
-    lstCopie_->setItem(row, 2, new QTableWidgetItem(toQt(shownSize(copy.size))));
+    lstCopie_->setItem(row, 0, new QTableWidgetItem(toQt(formatTime(copy.madeAt))));
+    lstCopie_->setItem(row, 1, new QTableWidgetItem(toQt(formatTime(copy.savedAt))));
+    lstCopie_->setItem(row, 2, new QTableWidgetItem(toQt(formatSize(copy.size))));
     lstCopie_->item(row, 2)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     ++row;
   }

@@ -36,7 +36,7 @@ frmBrowse::frmBrowse(Session& session, Environment& env, QWidget* parent)
   QDialogButtonBox* buttons = makeButtons();
   connect(buttons, &QDialogButtonBox::accepted, this, &frmBrowse::accepted);
   column->addWidget(buttons);
-  sizeInLetters(96, 10);
+  sizeInCharacters(96, 10);
 }
 
 void frmBrowse::addRow(QGridLayout& grid, WorkingFolder folder) {

@@ -92,7 +92,7 @@ frmSearch::frmSearch(Session& session, Environment& env, QWidget* parent)
     if (now == lstArticoli_) cmdMostra_->setDefault(true);
     if (now == txtTesto_) cmdCerca_->setDefault(true);
   });
-  sizeInLetters(84, 30);
+  sizeInCharacters(84, 30);
   txtTesto_->setFocus();
 }
 
@@ -158,7 +158,7 @@ QWidget* frmSearch::makeAnswer() {
 void frmSearch::search() {
   const SearchColumn& field = searchColumns()[static_cast<std::size_t>(optCampo_->checkedId())];
   auto hits = [&] {
-    const BusyPointer busy;
+    const WaitCursor busy;
     return findArticles(session_, field.column, fromQt(txtTesto_->text()), chkParole_->isChecked());
   }();
   if (!hits) {

@@ -72,7 +72,7 @@ void wireSession(frmMain& window, Session& session, Environment& env) {
   env.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
   env.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
   env.hooks.reload = [&](const LoadOptions& options) {
-    const BusyPointer busy;
+    const WaitCursor busy;
     if (loadSession(session, env, options) == LoadResult::Opened) workbench.showShop();
   };
   wireDialogs(window, session, env);
@@ -118,10 +118,10 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   window.restoreLayout();
   appearance.takeEarlyAnswer();
   window.whenShown([&] { greet(window, settings); });
-  user.setHome(&window);
+  user.setMainWindow(&window);
   window.show();
   const int status = QApplication::exec();
-  user.setHome(nullptr);
+  user.setMainWindow(nullptr);
   closeSession(session, env);
   return status;
 }

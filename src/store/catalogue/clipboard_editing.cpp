@@ -4,7 +4,7 @@
 #include <array>
 
 #include "platform/database/recordset.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
@@ -31,12 +31,12 @@ Result<std::string> carriedColumns(Database& catalogue, std::string_view table) 
   return names;
 }
 
-class BusyPointer {
+class WaitCursor {
  public:
-  explicit BusyPointer(const EditingHooks& hooks) : hooks_(hooks) { show(true); }
-  BusyPointer(const BusyPointer&) = delete;
-  BusyPointer& operator=(const BusyPointer&) = delete;
-  ~BusyPointer() { show(false); }
+  explicit WaitCursor(const EditingHooks& hooks) : hooks_(hooks) { show(true); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+  ~WaitCursor() { show(false); }
 
  private:
   void show(bool busy) const {
@@ -181,7 +181,7 @@ Result<> TreeEditing::IncollaArticoli() {
   if (!*wanted) return {};
   auto at = sets_.cursors();
   if (!at) return fail(at.error());
-  const BusyPointer pointer(hooks_);
+  const WaitCursor pointer(hooks_);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   auto last = pasteArticles(*at);
@@ -198,7 +198,7 @@ Result<> TreeEditing::IncollaReparto() {
   if (!withArticles) return fail(withArticles.error());
   auto wanted = asFlag(*withArticles) ? wantsArticles() : Result<bool>(false);
   if (!wanted) return fail(wanted.error());
-  std::optional<BusyPointer> pointer;
+  std::optional<WaitCursor> pointer;
   if (*wanted) pointer.emplace(hooks_);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();

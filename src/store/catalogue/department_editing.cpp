@@ -1,7 +1,7 @@
 // The commands of departments: insert, sub-department, delete.
 
 #include "platform/database/recordset.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
 #include "store/shop/order_numbers.h"

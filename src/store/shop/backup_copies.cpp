@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
@@ -212,13 +212,13 @@ bool RipristinaCopia(Session& session, Environment& env, const std::string& name
 }
 
 Question restoreQuestion(const BackupCopy& copy) {
-  return {"Il catalogo del negozio sarà sostituito dalla copia del " + shownTime(copy.madeAt) +
+  return {"Il catalogo del negozio sarà sostituito dalla copia del " + formatTime(copy.madeAt) +
               ":\nle modifiche effettuate in seguito non ne fanno parte.\n"
               "Una copia del catalogo attuale sarà conservata.\n\nRipristinare la copia?",
           Buttons::YesNo, Answer::No, Icon::Exclamation};
 }
 
-std::string shownTime(std::int64_t seconds) {
+std::string formatTime(std::int64_t seconds) {
   const auto time = static_cast<std::time_t>(seconds);
   std::tm local{};
   if (::localtime_r(&time, &local) == nullptr) return {};
@@ -227,7 +227,7 @@ std::string shownTime(std::int64_t seconds) {
          two(local.tm_hour) + ":" + two(local.tm_min);
 }
 
-std::string shownSize(std::uint64_t bytes) {
+std::string formatSize(std::uint64_t bytes) {
   constexpr std::uint64_t kilobyte = 1024;
   constexpr std::uint64_t megabyte = kilobyte * kilobyte;
   if (bytes < megabyte) return std::to_string((bytes + kilobyte - 1) / kilobyte) + " KB";

@@ -52,8 +52,8 @@ bool RipristinaCopia(Session& session, Environment& env, const std::string& name
 Question restoreQuestion(const BackupCopy& copy);
 
 /// A time as the merchant reads it, "12/07/2026 09:15", in the machine's time zone. `seconds` since 1970-01-01 UTC.
-std::string shownTime(std::int64_t seconds);
+std::string formatTime(std::int64_t seconds);
 /// A size in bytes as the merchant reads it: "850 KB", "1,2 MB".
-std::string shownSize(std::uint64_t bytes);
+std::string formatSize(std::uint64_t bytes);
 
 }  // namespace kv

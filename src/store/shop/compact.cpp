@@ -1,7 +1,7 @@
 #include "store/shop/compact.h"
 
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "store/shop/shop_folders.h"
 
 namespace kv {

@@ -41,7 +41,7 @@ frmTags::frmTags(Session& session, Environment& env, QWidget* parent)
   column->addWidget(buttons);
   lstTag_->setCurrentRow(editor_.tags().empty() ? -1 : 0);
   showTag();
-  sizeInLetters(96, 26);
+  sizeInCharacters(96, 26);
 }
 
 QWidget* frmTags::makeList() {

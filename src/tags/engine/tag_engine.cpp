@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "tags/custom/custom_tags.h"
 #include "tags/language/language_module.h"
 #include "tags/syntax/pending_text.h"

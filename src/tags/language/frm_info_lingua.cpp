@@ -23,7 +23,7 @@ frmInfoLingua::frmInfoLingua(QWidget* parent) : FormDialog(title, parent) {
   QDialogButtonBox* buttons = makeClose("OK");
   buttons->button(QDialogButtonBox::Close)->setDefault(true);
   column->addWidget(buttons);
-  sizeInLetters(64, 12);
+  sizeInCharacters(64, 12);
 }
 
 }  // namespace kv

@@ -41,7 +41,7 @@ frmLingue::frmLingue(Session& session, Environment& env, LanguageHooks hooks, QW
   column->addWidget(buttons);
   connect(cboNumero_, &QComboBox::currentIndexChanged, this, [this](int index) { numberChosen(index + 1); });
   showBoxes();
-  sizeInLetters(56, 14);
+  sizeInCharacters(56, 14);
 }
 
 QComboBox* frmLingue::makeBox(int language) {

@@ -1,7 +1,7 @@
 #include "tags/language/language_module.h"
 
 #include "platform/files/files.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "tags/syntax/file_naming.h"
 

@@ -31,7 +31,7 @@ frmTemplate::frmTemplate(const std::string& applicationFolder, const std::string
   txtTemplate_->setText(toQt(choice_.selected() ? choice_.selectedName() : current));
   showChoice();
   txtTemplate_->selectAll();
-  sizeInLetters(100, 30);
+  sizeInCharacters(100, 30);
 }
 
 QWidget* frmTemplate::makeList() {

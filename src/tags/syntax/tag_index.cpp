@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {

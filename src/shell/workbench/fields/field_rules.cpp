@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "platform/numbers/money.h"
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "shell/workbench/fields/web_address.h"
 

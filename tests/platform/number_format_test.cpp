@@ -1,5 +1,5 @@
 // Numbers as text, and texts as numbers.
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 
 #include <gtest/gtest.h>
 

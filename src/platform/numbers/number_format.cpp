@@ -1,4 +1,4 @@
-#include "platform/numbers/number_form.h"
+#include "platform/numbers/number_format.h"
 
 #include <algorithm>
 #include <cmath>
