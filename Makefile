@@ -13,7 +13,7 @@ help:
 	@echo "make run      open the workbench on a model shop in a fresh folder (without a display: build it and say where)"
 	@echo "make demo     serve the model web shop on this machine and open it (DEMO_ARGS=--stay: leave it running)"
 	@echo "make test     run all tests"
-	@echo "make asan     run all tests under the address and undefined behaviour sanitizers"
+	@echo "make asan     run the tests of the programs under the sanitizers too, as far as they are C++"
 	@echo "make bench    run the benchmarks (BENCH_ARGS=--quick: the small shops only)"
 	@echo "make lighthouse  measure the pages of the model shop with Lighthouse"
 	@echo "make screenshots  a picture of every window and tab, in two sizes and palettes (SHOTS_ARGS=--font 125 ...)"
@@ -43,9 +43,13 @@ demo: build
 	@cmake --build --preset dev --target korvane-cli korvane_data
 	@tools/run-demo build/dev/bin/korvane-cli $(DEMO_ARGS)
 
+# Every test once: the unit tests with the sanitizers, all the others with the programs as they are handed out. Both
+# runs come to their end, whatever the first finds.
 test: build
-	@cmake --build --preset dev
-	@ctest --preset dev
+	@cmake --preset asan
+	@cmake --build --preset asan --target unit_tests
+	@cmake --build --preset dev --target program_tests
+	@ctest --preset unit; unit=$$?; ctest --preset programs && exit $$unit
 
 asan: deps
 	@cmake --preset asan
@@ -80,10 +84,13 @@ layers: deps
 	@tools/check-layers
 
 # The tidy preset runs clang-tidy beside each compilation, so that only what changed is looked at again.
+# The unit tests are compiled file by file as well, which proves that each includes what it uses: `make test` joins them.
 lint: format-check
 	@tools/check-words
 	@cmake --preset tidy
 	@cmake --build --preset tidy -- -k 0
+	@cmake --preset dev
+	@cmake --build --preset dev --target unit_tests
 
 check:
 	@tools/check format-check layers lint test

@@ -10,6 +10,7 @@ if(KORVANE_TIDY)
   find_program(CLANG_TIDY NAMES clang-tidy clang-tidy-14 REQUIRED)
 endif()
 
+option(KORVANE_UNITY_TESTS "Compile several files of a test program at once; test names in unnamed namespaces must differ" OFF)
 option(KORVANE_SANITIZE "Address and undefined behaviour sanitizers, without recovery" OFF)
 
 add_library(korvane_options INTERFACE)

@@ -19,7 +19,7 @@ function(korvane_must_not_compile name folder source expected)
     set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER "" EXPORT_COMPILE_COMMANDS OFF)
     add_test(NAME layers.${target} COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR} --target ${target})
     # Two builds in one folder at a time would wait for each other's lock.
-    set_tests_properties(layers.${target} PROPERTIES RESOURCE_LOCK build_folder TIMEOUT 300)
+    set_tests_properties(layers.${target} PROPERTIES RESOURCE_LOCK build_folder TIMEOUT 1200)
   endforeach()
   target_compile_definitions(${name}_wrong PRIVATE KORVANE_WRONG)
   set_tests_properties(layers.${name}_wrong PROPERTIES PASS_REGULAR_EXPRESSION "${expected}")
@@ -39,7 +39,7 @@ add_test(NAME layers.TheCoreConfiguresWithoutQt
 if(TARGET korvane AND NOT KORVANE_SANITIZE)
   add_test(NAME access.EveryControlHasANameAndIsReachedByTab
     COMMAND ${CMAKE_SOURCE_DIR}/tools/check-accessibility ${CMAKE_BINARY_DIR}/bin)
-  set_tests_properties(access.EveryControlHasANameAndIsReachedByTab PROPERTIES TIMEOUT 600)
+  set_tests_properties(access.EveryControlHasANameAndIsReachedByTab PROPERTIES TIMEOUT 3600 COST 200)
 endif()
 
 # The wanted parts of the golden cases, computed a second time without the program.
@@ -47,11 +47,11 @@ file(GLOB golden_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/buil
 add_test(NAME golden.TheWantedPartsAreWhatTheRulesGive
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/derive.py --check ${golden_cases})
 
-# The pictures of the program's windows. The program that makes them is built with the tests of the windows.
+# The pictures of the program's windows.
 if(TARGET korvane-screenshots AND TARGET test_forms AND NOT KORVANE_SANITIZE)
-  add_dependencies(test_forms korvane-screenshots korvane-cli)
+  add_dependencies(program_tests korvane-screenshots)
   add_test(NAME tools.EveryWindowLeavesAPictureOfItsSize
     COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/screenshots_test.py ${CMAKE_SOURCE_DIR}
       ${CMAKE_BINARY_DIR}/bin)
-  set_tests_properties(tools.EveryWindowLeavesAPictureOfItsSize PROPERTIES TIMEOUT 300)
+  set_tests_properties(tools.EveryWindowLeavesAPictureOfItsSize PROPERTIES TIMEOUT 3600 COST 200)
 endif()

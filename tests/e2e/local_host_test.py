@@ -17,7 +17,7 @@ CLI = sys.argv.pop(1)
 
 
 def host(*words, **more):
-    return subprocess.run([PROGRAM, *map(str, words)], capture_output=True, text=True, check=False, timeout=120,
+    return subprocess.run([PROGRAM, *map(str, words)], capture_output=True, text=True, check=False, timeout=1200,
                           stdin=subprocess.DEVNULL, **more)
 
 

@@ -25,7 +25,7 @@ APP = "it.korvane.Korvane"
 
 def run(*command, **options):
     return subprocess.run([str(word) for word in command], check=False, text=True, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, timeout=120, **options)
+                          stderr=subprocess.STDOUT, timeout=600, **options)
 
 
 def names(folder):

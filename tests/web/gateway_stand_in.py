@@ -125,7 +125,7 @@ class Service:
 def post(address, fields):
     """Sends a notice; status and text of the answer."""
     try:
-        with OPENER.open(address, urllib.parse.urlencode(fields, encoding="cp1252").encode(), timeout=30) as answer:
+        with OPENER.open(address, urllib.parse.urlencode(fields, encoding="cp1252").encode(), timeout=300) as answer:
             return answer.status, answer.read().decode("cp1252")
     except urllib.error.HTTPError as error:
         return error.code, error.read().decode("cp1252")

@@ -77,7 +77,7 @@ class Visitor:
         for _ in range(10):
             address = urllib.parse.urljoin(self.base, address)
             parts = urllib.parse.urlsplit(address)
-            connection = http.client.HTTPConnection(parts.hostname, parts.port, timeout=60)
+            connection = http.client.HTTPConnection(parts.hostname, parts.port, timeout=600)
             headers = {"Cookie": "; ".join(f"{name}={value}" for (path, name), value in self.cookies.items()
                                            if parts.path.startswith(path))}
             body = None
