@@ -1,5 +1,6 @@
 # The front door. `make` alone lists the commands.
 FUZZ_RUNS ?= 20000
+SOAK_SEEDS ?= 20
 DEMO_ARGS ?=
 SHOTS_ARGS ?=
 BENCH_ARGS ?=
@@ -7,7 +8,7 @@ PROCESSORS := $(shell nproc)
 SOURCES = $(shell git ls-files --cached --others --exclude-standard -- '*.h' '*.cpp' | sort -u)
 export CTEST_PARALLEL_LEVEL ?= $(PROCESSORS)
 
-.PHONY: help run demo test asan bench lighthouse screenshots fuzz format format-check layers lint check install package package-test clean deps deps-more build
+.PHONY: help run demo test asan bench lighthouse screenshots fuzz soak format format-check layers lint check install package package-test clean deps deps-more build
 
 help:
 	@echo "make run      open the workbench on a model shop in a fresh folder (without a display: build it and say where)"
@@ -18,6 +19,7 @@ help:
 	@echo "make lighthouse  measure the pages of the model shop with Lighthouse"
 	@echo "make screenshots  a picture of every window and tab, in two sizes and palettes (SHOTS_ARGS=--font 125 ...)"
 	@echo "make fuzz     run each fuzz target for FUZZ_RUNS inputs (now $(FUZZ_RUNS))"
+	@echo "make soak     the random and the failing tests for longer: SOAK_SEEDS series each (now $(SOAK_SEEDS)), about an hour"
 	@echo "make format   lay out all C++ files"
 	@echo "make lint     clang-tidy, the layout check and the list of words"
 	@echo "make check    layout, layers, lint, tests; says how long each took"
@@ -73,6 +75,15 @@ fuzz: deps-more
 	@cmake --preset fuzz
 	@cmake --build --preset fuzz --target fuzz_targets
 	@tools/run-fuzz-targets build/fuzz $(FUZZ_RUNS)
+
+# One series after the other in one program, without the time limit that a test has otherwise.
+soak: build
+	@cmake --build --preset dev --target test_store test_builder test_forms
+	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
+	  --gtest_filter='*TreeProperty*' --gtest_brief=1
+	@KORVANE_TEST_MOMENTS=100000 build/dev/tests/test_builder --gtest_filter='*FailingBuild*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_forms \
+	  --gtest_filter='*TreeEndurance*' --gtest_brief=1
 
 format: deps-more
 	@clang-format -i $(SOURCES)

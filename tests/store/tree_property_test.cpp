@@ -1,6 +1,10 @@
-// Ten thousand random operations on the tree in one run, undo and redo among them: after each one the rows are those
-// that a plain model of the commands has worked out, they keep their rules, and the tree that is shown is the tree that
-// is stored. KORVANE_TEST_SEED=<number> runs another row of operations.
+// A thousand random operations on the tree, undo and redo among them, from each of eight seeds: after each one the rows
+// are those that a plain model of the commands has computed, they keep their rules, and the tree that is shown is the
+// tree that is stored. A series that fails is made shorter before it is reported.
+//
+// KORVANE_TEST_SEED and KORVANE_TEST_SEEDS: the first seed and their number. KORVANE_TEST_OPERATIONS: the length.
+
+#include <gtest/gtest-spi.h>
 
 #include <functional>
 #include <map>
@@ -10,20 +14,21 @@
 #include "platform/database/recordset.h"
 #include "store/plain_tree.h"
 #include "store/tree_fixture.h"
+#include "support/shrink.h"
 #include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
 
-// Instrumented code takes three times as long.
-#ifdef __SANITIZE_ADDRESS__
-constexpr int operations = 4000;
-#else
-constexpr int operations = 10000;
-#endif
-constexpr int operationsBetweenReturns = operations / 4;
+constexpr int usualOperations = 1250;
+constexpr unsigned usualSeeds = 8;
+constexpr std::size_t returns = 4;  ///< times at which everything is undone
 constexpr std::size_t manyDepartments = 20;
 constexpr std::size_t manyArticles = 40;
+constexpr std::size_t shrinkBudget = 20000;  ///< operations spent on making a failing series shorter
+
+/// One number each: what an operation draws from. The same numbers without some of them are a series, too.
+using Series = std::vector<unsigned>;
 
 struct Operation {
   const char* name;
@@ -31,9 +36,60 @@ struct Operation {
   std::function<PlainCursors(const PlainCursors&)> expected;
 };
 
-class TreeProperty : public TreeFixture {
- protected:
-  void SetUp() override {
+/// A shop on which a series is played. Its failures go to whoever listens.
+class TreeRun : public TreeFixture {
+ public:
+  explicit TreeRun(const ::testing::TestPartResultArray& failures) : failures_(failures) {}
+
+  /// Plays until something fails or the series is over.
+  void play(const Series& series) {
+    start();
+    const std::size_t part = series.size() / returns + 1;
+    for (std::size_t n = 1; n <= series.size() && !hasFailed(); ++n) {
+      chance.seed(series[n - 1]);
+      playOne();
+      played_ = n;
+      if (n % part == 0 && !hasFailed()) comeBack(static_cast<std::size_t>(pick(static_cast<int>(states_.size()))));
+    }
+    if (!hasFailed()) comeBack(states_.size());
+    if (!hasFailed()) finish();
+  }
+  /// Operations played, the one that failed included.
+  std::size_t played() const { return played_; }
+  /// What was done, a line each.
+  const std::string& log() const { return log_; }
+  /// The most steps that could be undone at a time.
+  std::size_t longest() const { return longest_; }
+
+ private:
+  void TestBody() override {}
+  bool hasFailed() const { return failures_.size() > 0; }
+
+  void playOne() {
+    log_ += "  " + sets.department() + "/" + std::to_string(sets.article()) + ": ";
+    operate();
+    log_ += "\n";
+    if (hasFailed()) return;
+    check();
+    ASSERT_FALSE(sets.isSuppressed());
+    longest_ = std::max(longest_, present);
+  }
+  void check() {
+    checkRows();
+    if (!hasFailed()) checkShown();
+  }
+  void comeBack(std::size_t steps) {
+    undoEverything();
+    redo(steps);
+    if (!hasFailed()) check();
+  }
+  void finish() {
+    undoEverything();
+    ASSERT_EQ(fingerprint(), states_.front());
+    ASSERT_EQ(rows("PRAGMA integrity_check"), "ok\n");
+  }
+
+  void start() {
     department(1, "###", 100);
     department(2, "cat001", 105, 2);
     department(3, "###", 110);
@@ -76,8 +132,8 @@ class TreeProperty : public TreeFixture {
 
   std::string anyDepartment() {
     const auto& nodes = sets.tree();
-    const int place = pick(static_cast<int>(nodes.size()) + 1);
-    return place == 0 ? std::string(treeRoot) : nodes[static_cast<std::size_t>(place - 1)].ID;
+    const int index = pick(static_cast<int>(nodes.size()) + 1);
+    return index == 0 ? std::string(treeRoot) : nodes[static_cast<std::size_t>(index - 1)].ID;
   }
 
   Operation articleCommand() {
@@ -170,7 +226,8 @@ class TreeProperty : public TreeFixture {
     user.answers = {yes ? Answer::Yes : Answer::No};
     user.shown.clear();
     const Operation one = anyOperation();
-    SCOPED_TRACE(one.name);
+    log_ += one.name;
+    log_ += yes ? "" : " (No)";
     const PlainCursors wanted = one.expected(cursors());
     const auto done = history.record(one.name, one.command);
     ASSERT_TRUE(done) << done.error().what;
@@ -185,8 +242,6 @@ class TreeProperty : public TreeFixture {
     ASSERT_EQ(history.undoName(), one.name);
   }
 
-  void goBack() { travel(true); }
-  void goForth() { travel(false); }
   void travel(bool back) {
     const auto done = back ? history.undo() : history.redo();
     ASSERT_TRUE(done) << done.error().what;
@@ -194,32 +249,35 @@ class TreeProperty : public TreeFixture {
     ASSERT_LT(present, states_.size());
     ASSERT_EQ(fingerprint(), states_[present]);
   }
-  void settleModel() { model.read(session.catalogue); }
-
   void undoEverything() {
-    while (history.canUndo() && !HasFatalFailure()) goBack();
+    while (history.canUndo() && !hasFailed()) travel(true);
     ASSERT_EQ(present, 0U) << "steps are missing at the beginning";
-    settleModel();
+    model.read(session.catalogue);
   }
   void redo(std::size_t steps) {
-    for (std::size_t i = 0; i < steps && history.canRedo() && !HasFatalFailure(); ++i) goForth();
-    settleModel();
+    for (std::size_t i = 0; i < steps && history.canRedo() && !hasFailed(); ++i) travel(false);
+    model.read(session.catalogue);
   }
 
   void operate() {
     const int kind = pick(100);
     if (kind < 12) {
+      log_ += "other department";
       ASSERT_TRUE(sets.goToDepartment(anyDepartment()));
     } else if (kind < 20) {
-      // The place behind the last one takes the cursor off the list.
+      log_ += "other article";
+      // The position after the last one takes the cursor off the list.
       sets.goToArticlePlace(static_cast<std::size_t>(pick(static_cast<int>(sets.dataArticoli().size()) + 1)));
     } else if (kind < 22) {
+      log_ += "other language";
       ASSERT_TRUE(sets.CambiaLingua(pick(2) + 1));
       model.showLanguage(session.currentLanguage);
     } else if (kind < 36) {
-      for (int steps = pick(3); steps >= 0 && history.canUndo(); --steps) goBack();
-      settleModel();
+      log_ += "undo";
+      for (int steps = pick(3); steps >= 0 && history.canUndo(); --steps) travel(true);
+      model.read(session.catalogue);
     } else if (kind < 44) {
+      log_ += "redo";
       redo(static_cast<std::size_t>(pick(3) + 1));
     } else {
       edit();
@@ -258,10 +316,10 @@ class TreeProperty : public TreeFixture {
 
   /// The numbers of a set's rows in its order; its cursor stays.
   static std::vector<std::int64_t> keysOf(Recordset& set, const char* key) {
-    const std::size_t place = set.position();
+    const std::size_t position = set.position();
     std::vector<std::int64_t> keys;
     for (set.moveFirst(); !set.eof(); set.moveNext()) keys.push_back(asInteger(set.get(key)));
-    set.moveTo(place);
+    set.moveTo(position);
     return keys;
   }
 
@@ -285,37 +343,57 @@ class TreeProperty : public TreeFixture {
     ASSERT_EQ(asText(sets.dataFratelli().get("ID")), sets.department());
   }
 
-  std::mt19937 chance{seed()};
+  const ::testing::TestPartResultArray& failures_;
+  std::mt19937 chance;
   PlainTree model;
   bool yes = false;
-  std::vector<std::size_t> states_;  ///< fingerprints, one behind each step
+  std::vector<std::size_t> states_;  ///< fingerprints, one after each step
   std::size_t present = 0;
+  std::size_t played_ = 0, longest_ = 0;
+  std::string log_;
 };
 
-TEST_F(TreeProperty, TheRulesOfTheTreeHoldAfterEveryOperation) {
-  SCOPED_TRACE("KORVANE_TEST_SEED=" + std::to_string(seed()));
+/// How a series went.
+struct Played {
+  std::string failure;  ///< the first one; empty when all went well
+  std::size_t operations = 0;
+  std::string log;
   std::size_t longest = 0;
-  for (int n = 1; n <= operations; ++n) {
-    SCOPED_TRACE("operation " + std::to_string(n));
-    operate();
-    if (HasFatalFailure()) return;
-    checkRows();
-    checkShown();
-    ASSERT_FALSE(sets.isSuppressed());
-    if (HasFatalFailure()) return;
-    longest = std::max(longest, present);
-    if (n % operationsBetweenReturns != 0) continue;
-    undoEverything();
-    redo(n == operations ? states_.size() : static_cast<std::size_t>(pick(static_cast<int>(states_.size()))));
-    if (HasFatalFailure()) return;
-    checkRows();
-    checkShown();
+};
+
+Played play(const Series& series) {
+  ::testing::TestPartResultArray failures;
+  Played result;
+  {
+    const ::testing::ScopedFakeTestPartResultReporter reporter(
+        ::testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &failures);
+    TreeRun run(failures);
+    run.play(series);
+    result = {"", run.played(), run.log(), run.longest()};
   }
-  undoEverything();
-  EXPECT_EQ(fingerprint(), states_.front());
-  EXPECT_GT(longest, 100U);
-  EXPECT_EQ(rows("PRAGMA integrity_check"), "ok\n");
+  if (failures.size() > 0) result.failure = failures.GetTestPartResult(0).message();
+  return result;
 }
+
+class TreeProperty : public ::testing::TestWithParam<unsigned> {};
+
+TEST_P(TreeProperty, TheRulesOfTheTreeHoldAfterEveryOperation) {
+  std::mt19937 chance(GetParam());
+  Series series(static_cast<std::size_t>(operationsOf(usualOperations)));
+  for (unsigned& one : series) one = static_cast<unsigned>(chance());
+  const Played whole = play(series);
+  EXPECT_GT(whole.longest, 30U);
+  if (whole.failure.empty()) return;
+  series.resize(whole.operations);
+  const Series least = shrink<unsigned>(
+      series, [](const Series& part) { return !play(part).failure.empty(); }, shrinkBudget);
+  const Played shown = play(least);
+  FAIL() << "after " << whole.operations << " operations; " << least.size() << " of them fail, too:\n"
+         << shown.log << shown.failure;
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, TreeProperty, ::testing::Range(seed(), seed() + seeds(usualSeeds)),
+                         ::testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace kv::test

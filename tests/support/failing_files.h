@@ -11,6 +11,7 @@
 
 namespace kv::test {
 
+/// A gate before the file calls of this process while it lives; the one that was there comes back after it.
 class FailingFiles final : public FileGate {
  public:
   /// failing: the call that fails, from 1; 0: none, the calls are only counted. number: the errno it fails with.
@@ -25,6 +26,7 @@ class FailingFiles final : public FileGate {
   /// Only files whose path ends so count and fail.
   void onlyFor(std::string ending) { ending_ = std::move(ending); }
 
+  /// The errno for a call that is to fail, else 0.
   int refusal(FileStep step, const std::string& path) override {
     if (!steps_.empty() && !steps_.contains(step)) return 0;
     if (!path.ends_with(ending_)) return 0;
@@ -32,13 +34,14 @@ class FailingFiles final : public FileGate {
   }
   /// Calls that counted so far, those that failed included.
   std::int64_t calls() const { return point_.calls(); }
+  /// Whether the call that is to fail has been reached.
   bool hasFailed() const { return point_.hasFailed(); }
 
  private:
   FailurePoint point_;
   int number_;
-  std::set<FileStep> steps_;
-  std::string ending_;
+  std::set<FileStep> steps_;  ///< that count; empty: all
+  std::string ending_;        ///< of the paths that count
   FileGate* before_;
 };
 

@@ -1,0 +1,182 @@
+// A build during which a call of the files or of the store fails, at moments spread over the whole run: it finishes or
+// says why not, the catalogue is as it was, each page is the old one or the new one whole, nothing unfinished is left,
+// and the next build makes what a build never disturbed makes.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+
+#include "platform/files/files.h"
+#include "support/failing_files.h"
+#include "support/failing_store.h"
+#include "support/row_text.h"
+#include "support/temp_shop.h"
+#include "support/test_seed.h"
+
+namespace kv::test {
+namespace {
+
+using Files = std::map<std::string, std::string>;
+
+/// Moments of a run at which a call fails; KORVANE_TEST_MOMENTS tries more.
+std::int64_t moments() { return numberFromEnvironment("KORVANE_TEST_MOMENTS", 60); }
+
+/// Every file below a folder by its path with its bytes, the marker of the build left out: its name is new each time.
+void addFiles(const std::string& folder, Files& files) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (!entry.is_regular_file() || entry.path().extension() == ".sc") continue;
+    files[entry.path().string()] = readBytes(entry.path().string()).value_or("(unreadable)");
+  }
+}
+
+class FailingBuild : public ::testing::Test {
+ protected:
+  /// A shop in two languages, built with each of two titles.
+  void SetUp() override {
+    shop.templateFile("index.htm", "<html><<1-titolo>>|<<1-vetrina>></html>");
+    shop.sql("INSERT INTO lingue (lingua1, lingua2) VALUES ('italiano', 'inglese')");
+    for (const char* id : {"cat001", "cat002"}) {
+      shop.department(id);
+      for (int i = 0; i < 2; ++i) shop.article(id, {{"titolo", std::string("Articolo")}, {"prezzo", money("12.5")}});
+    }
+    for (std::size_t title = 0; title < 2; ++title) {
+      setTitles(title);
+      ASSERT_EQ(build(), BuildOutcome::Done);
+      pages_[title] = pages();
+      rows_[title] = builtRows();
+    }
+    ASSERT_NE(pages_[0], pages_[1]);
+  }
+
+  void setTitles(std::size_t title) {
+    const std::string text = title == 0 ? "Vasi" : "Piatti";
+    shop.sql("UPDATE categorie SET titolo = '" + text + "', titolo_l2 = '" + text + " en';" +
+             "UPDATE articoli SET titolo = '" + text + " '||ID; UPDATE generale SET titolo = '" + text + "'");
+  }
+  BuildOutcome build() {
+    shop.random = FixedRandom();
+    shop.user.shown.clear();
+    return shop.build();
+  }
+
+  Files pages() const {
+    Files files;
+    addFiles(shop.session.onlineFolder, files);
+    addFiles(shop.session.scriptFolder, files);
+    return files;
+  }
+  std::string builtRows() const {
+    std::string text;
+    for (const char* table : {"articoli", "articoli_l2", "dettaglio", "ordinamento"}) {
+      text += shop.rows(std::string("SELECT * FROM ") + table) + "\n";
+    }
+    return text;
+  }
+  /// All rows of the catalogue but for the token that a build writes.
+  std::string catalogueRows() {
+    std::string text;
+    const auto tables = shop.session.catalogue.tables();
+    EXPECT_TRUE(tables);
+    for (const TableInfo& table : tables.value_or(std::vector<TableInfo>())) {
+      std::string columns;
+      for (const ColumnInfo& column : table.columns) {
+        if (column.name != "db_security") columns += (columns.empty() ? "\"" : ", \"") + column.name + "\"";
+      }
+      text += table.name + "\n" + test::rows(shop.session.catalogue, "SELECT " + columns + " FROM " + table.name);
+    }
+    return text;
+  }
+  std::string unfinished() const {
+    std::string names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(shop.folder())) {
+      if (entry.path().filename().string().find(".kvtmp") != std::string::npos) names += entry.path().string() + "\n";
+    }
+    return names;
+  }
+
+  /// Builds with the other titles while something fails; `disturb` builds, and says whether anything did fail.
+  void disturbedBuild(const std::function<bool(BuildOutcome&)>& disturb) {
+    present_ = 1 - present_;
+    setTitles(present_);
+    const std::string catalogue = catalogueRows();
+    BuildOutcome outcome = BuildOutcome::Cancelled;
+    const bool failed = disturb(outcome);
+    EXPECT_TRUE(failed);
+    EXPECT_TRUE(outcome == BuildOutcome::Done || (outcome == BuildOutcome::Failed && !shop.user.shown.empty()));
+    EXPECT_EQ(catalogueRows(), catalogue);
+    EXPECT_EQ(unfinished(), "");
+    for (const auto& [path, bytes] : pages()) {
+      // The file by which a folder is tried stays, empty, when it cannot be removed; the next build removes it.
+      if (path.ends_with(".csv") && bytes.empty()) continue;
+      const bool whole = bytes == found(pages_[0], path) || bytes == found(pages_[1], path);
+      EXPECT_TRUE(whole) << path << " is neither the old page nor the new one:\n" << bytes;
+    }
+    EXPECT_EQ(build(), BuildOutcome::Done);
+    EXPECT_TRUE(pages() == pages_[present_]);
+    EXPECT_EQ(builtRows(), rows_[present_]);
+    EXPECT_FALSE(folderExists(shop.folder() + "/tmp"));
+  }
+  static std::string found(const Files& files, const std::string& path) {
+    const auto page = files.find(path);
+    return page == files.end() ? "(none)" : page->second;
+  }
+
+  /// The moments of a run of so many calls, spread evenly.
+  static std::vector<std::int64_t> spread(std::int64_t calls) {
+    std::vector<std::int64_t> chosen;
+    const std::int64_t step = std::max<std::int64_t>(calls / moments(), 1);
+    for (std::int64_t n = 1; n <= calls; n += step) chosen.push_back(n);
+    return chosen;
+  }
+
+  TempShop shop{2};
+  Files pages_[2];
+  std::string rows_[2];
+  std::size_t present_ = 1;  ///< the titles of the last build
+};
+
+class FailingBuildTest : public FailingBuild, public ::testing::WithParamInterface<AfterFailure> {};
+
+TEST_P(FailingBuildTest, ACallOfTheFilesFails) {
+  std::int64_t calls = 0;
+  {
+    const FailingFiles files;
+    ASSERT_EQ(build(), BuildOutcome::Done);
+    calls = files.calls();
+  }
+  ASSERT_GT(calls, 0);
+  for (const std::int64_t n : spread(calls)) {
+    SCOPED_TRACE("call " + std::to_string(n) + " of " + std::to_string(calls));
+    disturbedBuild([&](BuildOutcome& outcome) {
+      const FailingFiles files(n, GetParam());
+      outcome = build();
+      return files.hasFailed();
+    });
+    if (HasFailure()) return;
+  }
+}
+
+TEST_P(FailingBuildTest, ACallOfTheStoreFails) {
+  std::int64_t calls = 0;
+  {
+    const FailingStore store;
+    ASSERT_EQ(build(), BuildOutcome::Done);
+    calls = store.calls();
+  }
+  ASSERT_GT(calls, 0);
+  for (const std::int64_t n : spread(calls)) {
+    SCOPED_TRACE("call " + std::to_string(n) + " of " + std::to_string(calls));
+    disturbedBuild([&](BuildOutcome& outcome) {
+      const FailingStore store(n, GetParam());
+      outcome = build();
+      return store.hasFailed();
+    });
+    if (HasFailure()) return;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Damage, FailingBuildTest, ::testing::Values(AfterFailure::Works, AfterFailure::FailsToo),
+                         [](const auto& tried) { return tried.param == AfterFailure::Works ? "Once" : "FromThenOn"; });
+
+}  // namespace
+}  // namespace kv::test
