@@ -155,7 +155,7 @@ TEST_F(Editors, AFieldReachesTheRowBeforeABuild) {
   open();
   type(line(EditedSet::Categorie, "titolo"), "Orci");
   key(Qt::Key_B, Qt::ControlModifier);
-  EXPECT_EQ(dialogsRun, std::vector<std::string>{"frmElabora"});
+  EXPECT_EQ(dialogsRun, std::vector<std::string>{"build"});
   EXPECT_EQ(scalar("SELECT titolo FROM categorie WHERE ID = 'cat001'"), "Orci");
 }
 

@@ -89,13 +89,23 @@ TEST_F(FailingFilesTest, SettingsThatCannotBeReadAreNotReplaced) {
     ASSERT_TRUE(settings.set("AppIni", "lingua", "italiano"));
   }
   for (int n = 1; n <= 2; ++n) {
-    FailingFiles files(n);
+    FailingFiles files(n, AfterFailure::FailsToo);
     FileSettings settings(folder / "korvane.ini");
-    ASSERT_TRUE(files.hasFailed());
     EXPECT_EQ(settings.get("AppIni", "lingua"), "");
+    ASSERT_TRUE(files.hasFailed());
     EXPECT_FALSE(settings.set("AppIni", "lingua", "inglese")) << n;
   }
   EXPECT_EQ(contents(folder), "korvane.ini=[AppIni]\nlingua=italiano\n\n");
+}
+
+TEST_F(FailingFilesTest, SettingsThatCouldNotBeReadForAMomentAreReadAtTheNextLook) {
+  FileSettings settings(folder / "korvane.ini");
+  ASSERT_TRUE(FileSettings(folder / "korvane.ini").set("AppIni", "lingua", "italiano"));
+  {
+    const FailingFiles files(1);
+    EXPECT_EQ(settings.get("AppIni", "lingua"), "");
+  }
+  EXPECT_EQ(settings.get("AppIni", "lingua"), "italiano");
 }
 
 TEST_F(FailingFilesTest, ALongFileReportsTheFirstWriteOrTheClosingThatFailed) {

@@ -161,7 +161,7 @@ TEST(FileSettings, ALockThatIsNeverLeftIsAFailureAndNotAnEndlessWait) {
   TempFolder folder;
   FileSettings settings(folder / "s.ini");
   ASSERT_TRUE(settings.set("A", "k", "old"));
-  const int lock = ::open((folder / ".s.ini.lock").c_str(), O_RDWR);
+  const int lock = ::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY);
   ASSERT_GE(lock, 0);
   ASSERT_EQ(::flock(lock, LOCK_EX), 0);
   EXPECT_EQ(settings.set("A", "k", "new").error().kind, ErrorKind::InUse);

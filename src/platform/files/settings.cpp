@@ -60,10 +60,11 @@ Result<> requireNames(std::string_view section, std::string_view key) {
 constexpr int lockAttempts = 100;
 constexpr int pauseOfAttempt = 20;  // milliseconds
 
-/// Holds the lock of a settings file. The file itself can't carry it: it is replaced by each write.
-Result<Descriptor> lockBeside(const std::string& path) {
-  const std::string name = joinPath(folderOf(path), "." + std::string(baseName(path)) + ".lock");
-  Descriptor lock(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+/// Holds the lock that all writers of a settings file share. The file can't carry it, since each write replaces the
+/// file: it is taken on the folder.
+Result<Descriptor> lockFolderOf(const std::string& path) {
+  const std::string name(folderOf(path));
+  Descriptor lock(::open(name.empty() ? "." : name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!lock.isOpen()) return systemFailure(errno, name);
   for (int attempt = 0; ::flock(lock.number(), LOCK_EX | LOCK_NB) != 0; ++attempt) {
     if (errno != EWOULDBLOCK && errno != EINTR) return systemFailure(errno, name);
@@ -77,23 +78,26 @@ Result<Descriptor> lockBeside(const std::string& path) {
 
 FileSettings::FileSettings(std::string path) : path_(std::move(path)) {}
 
-Result<> FileSettings::readFile() const {
-  lines_.clear();
-  index_.clear();
+std::optional<FileStamp> FileSettings::presentStamp() const {
   const auto stamp = fileStamp(path_);
-  stamp_ = stamp ? std::optional(*stamp) : std::nullopt;
+  return stamp ? std::optional(*stamp) : std::nullopt;
+}
+
+Result<> FileSettings::readFile() const {
+  // Taken before the bytes: a change between the two is read again, not missed.
+  const auto stamp = presentStamp();
   const auto bytes = readBytes(path_);
   if (!bytes && bytes.error().kind != ErrorKind::Missing) return fail(bytes.error());
+  lines_.clear();
   if (bytes) parse(*bytes);
+  indexLines();
+  stamp_ = stamp;
   return {};
 }
 
 void FileSettings::refresh() const {
-  const auto stamp = fileStamp(path_);
-  if (stamp ? stamp_ == *stamp : !stamp_ && lines_.empty()) return;
-  // A file that can't be read gives empty values, as readFile has left them.
-  const auto read = readFile();
-  if (!read) lines_.clear();
+  if (presentStamp() == stamp_) return;
+  ignore(readFile(), "the values read last hold until the file can be read again");
 }
 
 void FileSettings::parse(std::string_view text) const {
@@ -109,7 +113,6 @@ void FileSettings::parse(std::string_view text) const {
       kept.value = unescaped(line.substr(equals + 1));
     }
   }
-  indexLines();
 }
 
 void FileSettings::indexLines() const {
@@ -128,9 +131,10 @@ std::string FileSettings::get(std::string_view section, std::string_view key) co
 Result<> FileSettings::set(std::string_view section, std::string_view key, std::string_view value) {
   if (auto fits = requireNames(section, key); !fits) return fits;
   if (auto created = createFolders(std::string(folderOf(path_))); !created) return created;
-  const auto lock = lockBeside(path_);
+  const auto lock = lockFolderOf(path_);
   if (!lock) return fail(lock.error());
   if (auto read = readFile(); !read) return read;
+  const std::vector<Line> before = lines_;
   Line line{std::string(key) + "=" + escaped(value), foldedName(section, key), std::string(value)};
   const auto found = index_.find(line.name);
   if (found != index_.end()) {
@@ -140,9 +144,10 @@ Result<> FileSettings::set(std::string_view section, std::string_view key, std::
     lines_.insert(lines_.begin() + at, std::move(line));
   }
   auto written = write();
-  // Whether it was written or not, the file says what is stored now.
-  const auto again = readFile();
-  return written ? again : written;
+  if (!written) lines_ = before;
+  indexLines();
+  if (written) stamp_ = presentStamp();
+  return written;
 }
 
 // After the last line of the section that isn't empty; a section that isn't there is opened at the end.

@@ -30,8 +30,8 @@ class Settings {
 ///
 /// Several programs may share the file: set() locks it, reads it again, changes its one key and replaces the file
 /// whole, so that what another window has stored meanwhile survives; get() reads again once the file has changed. The
-/// lock is that of an empty file beside it (".<name>.lock"), which stays; a lock that is held for more than two seconds
-/// is InUse. A file that is there and can't be read gives empty values, and set() fails rather than replace it.
+/// lock is taken on the folder; one that is held for more than two seconds is InUse. While the file can't be read the
+/// values read last hold (none at the start), and set() fails rather than replace it.
 class FileSettings final : public Settings {
  public:
   /// path: the file, made by the first set(). Nothing is read or made yet.
@@ -46,6 +46,7 @@ class FileSettings final : public Settings {
     std::string value;
   };
   Result<> readFile() const;
+  std::optional<FileStamp> presentStamp() const;
   void refresh() const;
   void parse(std::string_view text) const;
   void indexLines() const;
