@@ -36,7 +36,7 @@ const KindText& textOf(ErrorKind kind) {
   return texts[std::size(texts) - 1];
 }
 
-/// The first letter as a capital; the texts of the table begin with ASCII letters.
+/// The first character as a capital; the texts of the table begin with ASCII letters.
 std::string asSentence(std::string text) {
   if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') text.front() = static_cast<char>(text.front() - 32);
   return text;
