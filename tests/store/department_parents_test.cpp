@@ -60,7 +60,7 @@ TEST_F(DepartmentParents, ANewOneAtTheTopComesAfterThoseWithoutAParent) {
   EXPECT_EQ(rows("SELECT genitore, ordinamento FROM categorie WHERE ID = 'cat004'"), "###|106\n");
 }
 
-TEST_F(DepartmentParents, OneWithoutAParentChangesPlacesWithOneUnderTheRoot) {
+TEST_F(DepartmentParents, OneWithoutAParentIsSwappedWithOneUnderTheRoot) {
   go("cat002");
   ASSERT_TRUE(editing.Sposta(-1, TreeList::Departments));
   EXPECT_EQ(rows("SELECT ID, ordinamento FROM categorie WHERE livello = 1 ORDER BY ID"), "cat001|105\ncat002|100\n");

@@ -1,5 +1,5 @@
 // Ten thousand random operations on the tree in one run, undo and redo among them: after each one the rows are those
-// that a plain model of the commands has worked out, they keep their rules, and the tree that is shown is the tree that
+// that a plain model of the commands has computed, they keep their rules, and the tree that is shown is the tree that
 // is stored. KORVANE_TEST_SEED=<number> runs another row of operations.
 
 #include <functional>
@@ -76,8 +76,8 @@ class TreeProperty : public TreeFixture {
 
   std::string anyDepartment() {
     const auto& nodes = sets.tree();
-    const int place = pick(static_cast<int>(nodes.size()) + 1);
-    return place == 0 ? std::string(treeRoot) : nodes[static_cast<std::size_t>(place - 1)].ID;
+    const int position = pick(static_cast<int>(nodes.size()) + 1);
+    return position == 0 ? std::string(treeRoot) : nodes[static_cast<std::size_t>(position - 1)].ID;
   }
 
   Operation articleCommand() {
@@ -211,7 +211,7 @@ class TreeProperty : public TreeFixture {
     if (kind < 12) {
       ASSERT_TRUE(sets.goToDepartment(anyDepartment()));
     } else if (kind < 20) {
-      // The place behind the last one takes the cursor off the list.
+      // The position after the last one takes the cursor off the list.
       sets.goToArticlePlace(static_cast<std::size_t>(pick(static_cast<int>(sets.dataArticoli().size()) + 1)));
     } else if (kind < 22) {
       ASSERT_TRUE(sets.CambiaLingua(pick(2) + 1));
@@ -258,10 +258,10 @@ class TreeProperty : public TreeFixture {
 
   /// The numbers of a set's rows in its order; its cursor stays.
   static std::vector<std::int64_t> keysOf(Recordset& set, const char* key) {
-    const std::size_t place = set.position();
+    const std::size_t position = set.position();
     std::vector<std::int64_t> keys;
     for (set.moveFirst(); !set.eof(); set.moveNext()) keys.push_back(asInteger(set.get(key)));
-    set.moveTo(place);
+    set.moveTo(position);
     return keys;
   }
 
@@ -288,7 +288,7 @@ class TreeProperty : public TreeFixture {
   std::mt19937 chance{seed()};
   PlainTree model;
   bool yes = false;
-  std::vector<std::size_t> states_;  ///< fingerprints, one behind each step
+  std::vector<std::size_t> states_;  ///< fingerprints, one after each step
   std::size_t present = 0;
 };
 

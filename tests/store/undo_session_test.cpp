@@ -1,4 +1,4 @@
-// Undo and redo bring along what the session keeps of the rows: after each the session is that of a shop opened anew.
+// Undo and redo bring along what the session keeps of the rows: after each the session is that of a shop opened again.
 #include <gtest/gtest.h>
 
 #include <random>
