@@ -1,6 +1,5 @@
-// How long a build keeps its user waiting: the longest stretch between two moments at which it
-// processes events, from its first line to its last, for shops of many articles, of many departments and of one large
-// department.
+// How long a build keeps its user waiting: the longest stretch between two moments at which it processes events,
+// from its first line to its last, for shops of many articles, of many departments and of one large department.
 //
 // Arguments: --quick (a tenth of each).
 

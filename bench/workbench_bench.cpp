@@ -1,7 +1,7 @@
 // The workbench with its window over shops of 1,000, 10,000 and 100,000 articles in 100, 500 and 5,000 departments, the
 // largest department holding 500, 2,000 and 5,000 of them: opening as the program does it, with every order number to
-// be written anew and a dated copy to be kept, and then what a merchant does all day. The screen is one in memory, and
-// every figure holds the painting. Beside the opening stands its floor in the same run: a copy of the file, the same
+// be rewritten and a dated copy to be kept, and then what a merchant does all day. The screen is one in memory, and
+// every figure holds the painting. Beside the opening, its floor in the same run: a copy of the file, the same
 // order numbers written by one bare statement, and the rows that are shown read once.
 //
 // Arguments: --quick (1,000 and 10,000 articles); --once ARTICLES opens one shop once, for a profiler.
@@ -26,32 +26,28 @@
 #include <utility>
 #include <vector>
 
-#include "bench_shop.h"
 #include "measure.h"
-#include "platform/database/database.h"
-#include "platform/files/files.h"
 #include "platform/files/settings.h"
 #include "platform/ports/clock.h"
 #include "shell/program/frm_program.h"
 #include "shell/window/frm_main.h"
 #include "shell/workbench/commands/command_rows.h"
 #include "store/shop/session_start.h"
+#include "workbench_shop.h"
 
 namespace {
 
-using kv::bench::BenchShop;
 using kv::bench::verdict;
+using Shop = kv::bench::WorkbenchShop;
+using Size = kv::bench::WorkbenchSize;
 namespace fs = std::filesystem;
 
 constexpr int openings = 5;
 constexpr int times = 7;
 constexpr double milli = 1e3;
-const std::string largest = "cat001";
+const std::string largest = kv::bench::largestDepartment;
 const std::string small = "cat050";
 
-struct Size {
-  int articles, departments, inLargest;
-};
 constexpr std::array sizes{Size{1000, 100, 500}, Size{10000, 500, 2000}, Size{100000, 5000, 5000}};
 
 /// Seconds of one piece of work, on the clock and of the processor.
@@ -63,7 +59,7 @@ enum Figure { Open, Department, Article, Key, Leave, Insert, Crowded, Drag, Undo
 constexpr std::array<const char*, FigureCount> names{"open",
                                                      "to the largest department",
                                                      "to the next article",
-                                                     "a letter into a title",
+                                                     "a character into a title",
                                                      "leave a title",
                                                      "insert an article",
                                                      "insert, no number free",
@@ -218,7 +214,7 @@ class OpenWorkbench {
     for (std::size_t i = 0; i < times; ++i) {
       toMiddle(10 + 2 * i);
       keepFaster(figures[Insert], spanOf(insert));
-      // The number behind the current one is taken now: all that follow move up.
+      // The number after the current one is taken now: all that follow move up.
       toMiddle(10 + 2 * i);
       keepFaster(figures[Crowded], spanOf(insert));
     }
@@ -253,47 +249,6 @@ class OpenWorkbench {
   kv::Environment env_;
   kv::frmMain window_;
   PaintCount paints_;
-};
-
-/// The shop of a measurement. Its numbers are spoilt before each opening.
-class Shop {
- public:
-  Shop(std::string folder, const Size& size) : folder_(std::move(folder)), size_(size) {
-    BenchShop(folder_, size.articles, 4, size.departments);
-    run("INSERT INTO lingue (lingua1, lingua2, lingua3, lingua4) VALUES ('italiano', 'inglese', 'francese', 'tedesco');"
-        "UPDATE generale SET template = 'classico';"
-        "UPDATE articoli SET catID = '" +
-        largest + "' WHERE ID <= " + std::to_string(size.inLargest) +
-        ";UPDATE categorie SET hafigli = 1 WHERE ID IN (SELECT genitore FROM categorie)");
-    if (!kv::writeText(folder_ + "/app/serverpath.net", folder_ + "/shop\r\n")) std::abort();
-  }
-
-  const std::string& folder() const { return folder_; }
-  void spoil() const {
-    run("UPDATE articoli SET ordinamento = ordinamento + 3; UPDATE categorie SET ordinamento = ordinamento + 3");
-    fs::remove_all(folder_ + "/shop/backup");
-  }
-  void floor() const {
-    fs::remove(folder_ + "/copy.mdb");
-    fs::copy_file(folder_ + "/shop/catalog.mdb", folder_ + "/copy.mdb");
-    run("UPDATE articoli SET ordinamento = ordinamento + 5; UPDATE categorie SET ordinamento = ordinamento + 5");
-    auto catalogue = kv::Database::open(folder_ + "/shop/catalog.mdb", kv::OpenMode::Shared);
-    auto rows = catalogue->prepare("SELECT ID, genitore, titolo, livello FROM categorie ORDER BY livello, ordinamento");
-    while (*rows->step()) {
-    }
-    rows = catalogue->prepare("SELECT ID FROM articoli WHERE catID = '" + largest + "' ORDER BY ordinamento");
-    while (*rows->step()) {
-    }
-  }
-
- private:
-  void run(const std::string& statements) const {
-    auto catalogue = kv::Database::open(folder_ + "/shop/catalog.mdb", kv::OpenMode::Shared);
-    if (!catalogue || !catalogue->begin() || !catalogue->execute(statements) || !catalogue->commit()) std::abort();
-  }
-
-  std::string folder_;
-  Size size_;
 };
 
 /// Runs work that fills figures in a process of its own: a program that has just been started.

@@ -1,4 +1,4 @@
-"""tools/local-host by itself: what it says when something is missing, and that it never leaves a server behind."""
+"""tools/local-host by itself: what it says when something is missing, and that it never leaves a server running."""
 import os
 import pathlib
 import shutil
@@ -37,7 +37,7 @@ def processes_below(folder):
 class LocalHost(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        # A blank and an accent, as folders of merchants have them.
+        # A space and an accent, as folders of merchants have them.
         cls.root = pathlib.Path(tempfile.mkdtemp(prefix="korvane-")) / "città vecchia"
         cls.root.mkdir()
         cls.shop = cls.root / "shop"
@@ -122,7 +122,7 @@ class LocalHost(unittest.TestCase):
         self.assertEqual(host("stop", "--home", self.home).returncode, 0)
         self.start()
 
-    def test_servers_that_are_gone_do_not_stand_in_the_way(self):
+    def test_servers_that_are_gone_are_no_obstacle(self):
         self.start()
         for line in host("status", "--home", self.home).stdout.splitlines():
             if " process " in line:

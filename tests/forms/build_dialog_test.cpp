@@ -83,7 +83,7 @@ TEST_F(TheBuildDialog, OffersWaysToLookAtWhatWasBuilt) {
   }
 }
 
-TEST_F(TheBuildDialog, ShowsWhereTheBuildStands) {
+TEST_F(TheBuildDialog, ShowsHowFarTheBuildIs) {
   fill(3000);
   frmElabora dialog(shop.session, env);
   std::string caption;

@@ -13,7 +13,7 @@ constexpr std::array<std::string_view, 10> departmentKeys{
 
 class CommandStates : public DrivenWindow {
  protected:
-  /// Names of the key's commands whose action or button stands otherwise than told.
+  /// Names of the key's commands whose action or button isn't enabled as wanted.
   std::string others(std::string_view key, bool wanted) {
     std::string wrong;
     for (const Command& command : window->workbench().commands().table().rows()) {
@@ -29,7 +29,7 @@ class CommandStates : public DrivenWindow {
     processEvents();
     for (const std::string_view key : keys) EXPECT_EQ(others(key, wanted), "") << key;
   }
-  /// Editors of a set that stand otherwise than the mask tells.
+  /// Editors of a set that aren't enabled as wanted.
   std::string editorsOther(EditedSet set, bool wanted) {
     std::string wrong;
     for (const Editor& editor : editorTable()) {

@@ -134,7 +134,7 @@ class EveryCommand : public DrivenWindow, public ::testing::WithParamInterface<s
   }
 };
 
-/// Commands that stand in the menus alone.
+/// False for commands that are in the menus alone.
 bool hasButton(std::string_view name) { return name != "tree.collapse"; }
 
 TEST_P(EveryCommand, DoesWhatIsToldOfIt) {

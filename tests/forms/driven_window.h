@@ -55,10 +55,10 @@ inline bool chooseInMenus(QMenuBar& bar, QAction* action) {
   return closed;
 }
 
-/// Types letters that no key of the test library's keyboard makes.
-inline void typeLetters(QWidget& into, const QString& text) {
-  for (const QChar letter : text) {
-    QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(letter));
+/// Types characters that no key of the test library's keyboard makes.
+inline void typeCharacters(QWidget& into, const QString& text) {
+  for (const QChar character : text) {
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
     QApplication::sendEvent(&into, &press);
   }
 }

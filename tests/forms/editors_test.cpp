@@ -59,7 +59,7 @@ TEST_F(Editors, TextFieldsRefuseTheBarAndTheBrackets) {
   EXPECT_EQ(memo.toPlainText(), "abcdef");
 }
 
-TEST_F(Editors, WhatStandsInAFieldIsLetBeWhenItIsShown) {
+TEST_F(Editors, ShowingAStoredValueDoesNotChangeIt) {
   run(shop, "UPDATE articoli SET titolo = 'vecchio|titolo', peso = -2 WHERE ID = 1");
   open();
   goArticles();
@@ -88,7 +88,7 @@ TEST_F(Editors, ANumberOfArticlesTakesDigitsAlone) {
   EXPECT_EQ(most.text(), "12");
 }
 
-TEST_F(Editors, AServerFolderTakesItsLettersAlone) {
+TEST_F(Editors, AServerFolderTakesItsCharactersAlone) {
   open();
   window->workbench().selectTab(Tab::Internet);
   QLineEdit& folder = line(EditedSet::Generale, "folderFTP");

@@ -112,7 +112,7 @@ TEST_F(TypedFields, TextsAreCutToTheirLengthsWhenTheyAreLeft) {
     into.setFocus();
     into.selectAll();
     into.insert(QString(each.most, QLatin1Char('w')));
-    typeLetters(into, QString::fromUtf8("è|x"));
+    typeCharacters(into, QString::fromUtf8("è|x"));
     leave(into);
     EXPECT_EQ(into.text(), QString(each.most, QLatin1Char('w'))) << each.column;
     EXPECT_EQ(stored("length(" + std::string(each.column) + ")", each.from), std::to_string(each.most)) << each.column;
@@ -215,7 +215,7 @@ TEST_F(TypedFields, AVatRateIsTypedOrTaken) {
   EXPECT_EQ(stored("iva", department), "4.5");
 }
 
-TEST_F(TypedFields, EmptyArticlesSideBySideBecomeABlank) {
+TEST_F(TypedFields, EmptyArticlesSideBySideBecomeASpace) {
   run(shop, "UPDATE categorie SET affiancati = '3' WHERE ID = 'cat001'");
   open();
   auto& list = field<QComboBox>(Categorie, "affiancati");

@@ -71,7 +71,7 @@ TEST(TheGuide, ClosingTakesAllHighlightsAway) {
   EXPECT_EQ(colourOf(guide, "cmdStep7"), QColor(Qt::white));
 }
 
-TEST(TheGuide, StandsBesideTheMainWindow) {
+TEST(TheGuide, IsShownBesideTheMainWindow) {
   LitTarget target;
   frmIntro guide(target);
   guide.show();

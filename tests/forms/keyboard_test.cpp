@@ -73,8 +73,8 @@ std::string looseLabels(const QWidget& window) {
   return texts;
 }
 
-/// Letters that more than one control or menu on the screen answers to with Alt: pressed, none of them would act.
-std::string letterClashes(const frmMain& window) {
+/// Access keys that more than one control or menu on the screen answers to with Alt: pressed, none of them would act.
+std::string accessKeyClashes(const frmMain& window) {
   std::map<std::string, std::vector<std::string>> owners;
   const auto add = [&](const QString& text) {
     const QKeySequence letter = QKeySequence::mnemonic(text);
@@ -192,15 +192,15 @@ TEST_F(Keyboard, FromANewDepartmentToABuiltShop) {
   EXPECT_NE(readBytes(shop + "/online/" + page + ".php").value_or("").find("Lampade"), std::string::npos);
 }
 
-TEST_F(Keyboard, NoTwoControlsOfATabShareALetter) {
+TEST_F(Keyboard, NoTwoControlsOfATabShareAnAccessKey) {
   openWindow();
   for (const Tab tab : {Tab::Departments, Tab::Articles, Tab::Site, Tab::Internet}) {
     goTab(tab);
-    EXPECT_EQ(letterClashes(*window), "") << static_cast<int>(tab);
+    EXPECT_EQ(accessKeyClashes(*window), "") << static_cast<int>(tab);
   }
 }
 
-TEST_F(Keyboard, TheMenusOpenByTheirLetters) {
+TEST_F(Keyboard, TheMenusOpenByTheirAccessKeys) {
   openWindow();
   window->tree().setFocus();
   for (const auto& [letter, title] :

@@ -69,7 +69,7 @@ TEST_F(Looks, TheToolkitSpeaksItalian) {
   delete words;
 }
 
-TEST_F(Looks, EveryDrawingStandsOutFromItsGroundInBothPalettes) {
+TEST_F(Looks, EveryDrawingContrastsWithItsGroundInBothPalettes) {
   for (const Appearance appearance : {Appearance::Light, Appearance::Dark}) {
     applyAppearance(appearance, false);
     const QColor ground = QApplication::palette().color(QPalette::Window);
@@ -100,7 +100,7 @@ TEST_F(Looks, TheDesktopsPreferenceCountsWhereThePlatformsPaletteIsLight) {
   EXPECT_FALSE(isDark(QApplication::palette())) << "the merchant's own choice counts more";
 }
 
-TEST_F(Looks, LettersCanBeReadInBothPalettes) {
+TEST_F(Looks, TextCanBeReadInBothPalettes) {
   for (const QPalette& palette : {lightPalette(), darkPalette()}) {
     EXPECT_GE(contrast(palette.color(QPalette::WindowText), palette.color(QPalette::Window)), 7.0);
     EXPECT_GE(contrast(palette.color(QPalette::Text), palette.color(QPalette::Base)), 7.0);
@@ -205,7 +205,7 @@ TEST_F(Looks, AMainWindowThatCannotGiveWayIsNotMadeSmallerThanItMayBe) {
   EXPECT_EQ(window->frameGeometry().left(), window->screen()->availableGeometry().left());
 }
 
-TEST_F(Looks, ThePlaceThatIsRememberedIsTheOneWithoutTheGuide) {
+TEST_F(Looks, ThePositionThatIsRememberedIsTheOneWithoutTheGuide) {
   open();
   const int width = window->screen()->availableGeometry().width();
   window->resize(width, 500);

@@ -138,7 +138,7 @@ TEST_F(MainWindow, DeleteInTheListAsksAndDeletes) {
   EXPECT_EQ(window->articles().currentIndex().row(), 0);
 }
 
-TEST_F(MainWindow, DeleteInAFieldDeletesALetter) {
+TEST_F(MainWindow, DeleteInAFieldDeletesACharacter) {
   open();
   goArticles();
   QLineEdit& title = line(EditedSet::Articoli, "titolo");
@@ -285,7 +285,7 @@ TEST_F(MainWindow, HidingTheDetailsLeavesTheLists) {
   EXPECT_TRUE(window->page(Tab::Site).isVisible());
 }
 
-TEST_F(MainWindow, ClosingSavesWhatIsTypedAndRemembersItsPlace) {
+TEST_F(MainWindow, ClosingSavesWhatIsTypedAndRemembersItsPosition) {
   open();
   window->resize(1010, 700);
   type(line(EditedSet::Categorie, "titolo"), "Orci");

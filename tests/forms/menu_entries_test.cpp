@@ -1,4 +1,4 @@
-// The menus as they stand on the screen: entries, order, keys, marks, and that each entry does something or is off.
+// The menus as the screen shows them: entries, order, keys, marks, and that each entry does something or is off.
 
 #include "forms/driven_window.h"
 
@@ -165,7 +165,7 @@ TEST_F(Menus, OneLanguageShowsOneEntryAndFourShowFour) {
   EXPECT_TRUE(isEntryOn("languages.replicate"));
 }
 
-TEST_F(Menus, TheMarksStandAtTabLanguageAndHiddenDetails) {
+TEST_F(Menus, TheMarksAreAtTabLanguageAndHiddenDetails) {
   open();
   const auto marks = [this] {
     processEvents();

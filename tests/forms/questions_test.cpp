@@ -116,7 +116,7 @@ TEST_F(Questions, PastingNeedsADepartmentAndAsksForMoreThanOne) {
   user.answers = {Answer::Yes};
   EXPECT_TRUE(choose("article.paste"));
   EXPECT_EQ(listShown(), "Duna Eco [Fonte]");
-  EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the busy pointer is gone";
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the wait cursor is gone";
 }
 
 TEST_F(Questions, PublishingNeedsABuild) {
@@ -210,7 +210,7 @@ TEST_F(Questions, TheyAreBoxesOverTheWindowWithTheDefaultInPlace) {
   };
   EXPECT_EQ(deleteWith(Qt::Key_Return), 3) << "Enter refuses";
   EXPECT_EQ(deleteWith(Qt::Key_Escape), 3);
-  EXPECT_EQ(deleteWith(Qt::Key_S), 2) << "the letter of the button consents";
+  EXPECT_EQ(deleteWith(Qt::Key_S), 2) << "the access key of the button consents";
   EXPECT_EQ(seen, std::vector<std::string>(3, std::string(deleteArticle) + " No"));
   boxes.setMainWindow(nullptr);
   closeSession(another, boxed);

@@ -79,7 +79,7 @@ TEST_F(TheSearchDialog, WithoutHitsSaysSoAndMostraIsOff) {
   EXPECT_TRUE(control<QPushButton>(*dialog, "cmdMostra")->isEnabled());
 }
 
-TEST_F(TheSearchDialog, TakesTheSearchLettersAlone) {
+TEST_F(TheSearchDialog, TakesTheSearchCharactersAlone) {
   QTest::keyClicks(text, "a'b%c_d[e]*?9 ");
   EXPECT_EQ(text->text(), "abcde*?9 ");
   text->clear();
@@ -91,7 +91,7 @@ TEST_F(TheSearchDialog, TakesTheSearchLettersAlone) {
 TEST_F(TheSearchDialog, TheRadioChoosesTheColumn) {
   const std::string code = stored("codice", "articoli WHERE codice <> '' ORDER BY ID");
   control<QRadioButton>(*dialog, "opt_codice")->setChecked(true);
-  // The hyphen of a code is no search letter; "?" stands for any.
+  // The hyphen of a code is no search character; "?" stands for any.
   text->setText(toQt(replaceAll(code, "-", "?")));
   click(*dialog, "cmdCerca");
   ASSERT_GE(found(), 1);

@@ -19,7 +19,7 @@ class SettingsFields : public DrivenWindow {
     into.setFocus();
     into.selectAll();
     if (keys.isEmpty()) QTest::keyClick(&into, Qt::Key_Delete);
-    typeLetters(into, keys);
+    typeCharacters(into, keys);
     leave(into);
   }
   std::string text(std::string_view column) { return fromQt(line(Generale, column).text()); }
@@ -99,7 +99,7 @@ TEST_F(SettingsFields, TheScriptNamesGoBackToTheirDefaults) {
 TEST_F(SettingsFields, AServerFolderGivesItsWebFolderUntilThatIsTypedByHand) {
   open();
   put("folderFTP", "/public html/sh|op/");
-  EXPECT_EQ(text("folderFTP"), "/publichtml/shop/") << "a blank and a bar are no keys of it";
+  EXPECT_EQ(text("folderFTP"), "/publichtml/shop/") << "a space and a bar are no keys of it";
   put("folderFTP", "/public_html/shop/");
   EXPECT_EQ(text("cartella"), "shop");
   put("folderFTP", "/usr/local/etc/httpd/htdocs/vetrina");
@@ -113,7 +113,7 @@ TEST_F(SettingsFields, AServerFolderGivesItsWebFolderUntilThatIsTypedByHand) {
   EXPECT_EQ(text("cartellaCGI"), "mia") << "what was typed by hand stays";
 }
 
-TEST_F(SettingsFields, OnAWindowsServerTheFolderIsTakenAsItStandsAndPerlIsOff) {
+TEST_F(SettingsFields, OnAWindowsServerTheFolderIsTakenAsTypedAndPerlIsOff) {
   open();
   goTab(Tab::Internet);
   EXPECT_TRUE(field<QComboBox>(Generale, "perl").isEnabled());
@@ -163,7 +163,7 @@ TEST_F(SettingsFields, TheNumberNotationIsTheChoiceOfTheList) {
   EXPECT_EQ(scalar("SELECT notazione FROM generale"), "0");
 }
 
-TEST_F(SettingsFields, TheRelatedWordsAreFilledAnewAndWhatIsTypedStays) {
+TEST_F(SettingsFields, TheRelatedWordsAreFilledAgainAndWhatIsTypedStays) {
   run(shop,
       "UPDATE articoli SET correlazione = 'mare' WHERE ID = 2; UPDATE articoli SET correlazione = '  ' WHERE ID = 3;"
       "UPDATE articoli SET correlazione = 'mare' WHERE ID = 4");

@@ -95,7 +95,7 @@ TEST_F(TheTagsDialog, OkWritesWhatTheFieldsShow) {
   EXPECT_EQ(stored("personaltags"), "1");
 }
 
-TEST_F(TheTagsDialog, ABlankThatDoesNotBreakSurvivesAnEdit) {
+TEST_F(TheTagsDialog, ANonBreakingSpaceSurvivesAnEdit) {
   list->setCurrentRow(1);
   content->moveCursor(QTextCursor::End);
   QTest::keyClicks(content, "!");

@@ -1,4 +1,4 @@
-// Departments dragged in the tree of the main window: what may be dropped where, and how tree and cursor stand then.
+// Departments dragged in the tree of the main window: what may be dropped where, and what tree and cursor are then.
 
 #include <QDrag>
 #include <QMimeData>
@@ -115,7 +115,7 @@ TEST_F(TreeDrag, WhatIsTypedIsSavedBeforeTheMove) {
   EXPECT_EQ(line(EditedSet::Categorie, "titolo").text(), "Piatti");
 }
 
-TEST_F(TreeDrag, ItIsOneStepThatCanBeTakenBack) {
+TEST_F(TreeDrag, ItIsOneStepThatCanBeUndone) {
   openTree();
   const std::string before = whole();
   EXPECT_TRUE(drop("cat003", "cat002"));

@@ -86,7 +86,7 @@ class UndoInTheWindow : public DrivenWindow {
 
 class EachStep : public UndoInTheWindow, public ::testing::WithParamInterface<Step> {};
 
-TEST_P(EachStep, IsNamedTakenBackAndDoneAgain) {
+TEST_P(EachStep, IsNamedUndoneAndRedone) {
   const Step& step = GetParam();
   openAll();
   go(step.department);

@@ -1,4 +1,4 @@
-// A build started from the main window: its dialog, Annulla in the middle of it, and the questions before and behind.
+// A build started from the main window: its dialog, Annulla in the middle of it, and the questions before and after.
 
 #include <QLabel>
 #include <QMessageBox>
@@ -29,7 +29,7 @@ class WindowBuild : public WiredWindow {
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 4000)"
         " INSERT INTO articoli (catID, ordinamento, titolo) SELECT 'cat003', 1000 + i, 'Articolo ' || i FROM n");
   }
-  /// Acts in the dialog once the build stands among the articles.
+  /// Acts in the dialog once the build has reached the articles.
   void amidBuild(std::function<void(QDialog&)> act) {
     auto* poll = new QTimer(window.get());
     QObject::connect(poll, &QTimer::timeout, window.get(), [poll, act = std::move(act)] {
@@ -129,7 +129,7 @@ TEST_F(WindowBuild, AClickOnAnnullaLeavesWithoutAWordAndWithoutCleaning) {
   EXPECT_NE(stored("db_security"), "");
 }
 
-TEST_F(WindowBuild, BehindACancelTheWindowWorksOnAndTheNextBuildGoesThrough) {
+TEST_F(WindowBuild, AfterACancelTheWindowWorksOnAndTheNextBuildGoesThrough) {
   lengthen();
   openWindow();
   amidBuild([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });

@@ -68,7 +68,7 @@ class WindowFixture : public ShopFixture, protected RememberedDialogs {
     return *qobject_cast<Widget*>(binding->field());
   }
   QLineEdit& line(EditedSet set, std::string_view column) { return field<QLineEdit>(set, column); }
-  /// Goes to the field and types over what stands there.
+  /// Goes to the field and types over what it holds.
   void type(QLineEdit& into, const QString& text) {
     into.setFocus();
     into.selectAll();

@@ -1,5 +1,5 @@
 #pragma once
-// The main window with the dialogs of the program behind it, over the model shop and the data that come with it.
+// The main window wired to the dialogs of the program, over the model shop and the data that come with it.
 
 #include <memory>
 

@@ -65,7 +65,7 @@ void rewriteWanted(const std::string& path, Txtar archive, std::vector<TxtarPart
 
 class GoldenBuild : public testing::TestWithParam<std::string> {};
 
-TEST_P(GoldenBuild, LeavesBehindWhatTheCaseWants) {
+TEST_P(GoldenBuild, ProducesWhatTheCaseWants) {
   const std::string path = casesFolder + "/" + GetParam() + ".txt";
   const auto text = readBytes(path);
   ASSERT_TRUE(text) << path;

@@ -18,7 +18,7 @@ TEST(Txtar, HexEscapesAndAMissingLineEndAreToldByFlags) {
   EXPECT_EQ(partBytes({"a", {"escapes", "noeol"}, "a\\x0ab\\xzz\nc\n"}), "a\nb\\xzz\r\nc");
 }
 
-TEST(Txtar, ABlankInANameIsWrittenAsAPercentCode) {
+TEST(Txtar, ASpaceInANameIsWrittenAsAPercentCode) {
   const std::string text = "-- a%20b only=x,y --\n";
   const Txtar archive = parseTxtar(text);
   EXPECT_EQ(archive.parts.at(0).name, "a b");

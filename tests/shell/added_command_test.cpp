@@ -24,7 +24,7 @@ class AddedCommandTest : public WorkbenchFixture {
   const CommandTable& table() { return bench->commands().table(); }
 };
 
-TEST_F(AddedCommandTest, StandsInItsMenuAfterTheOthers) {
+TEST_F(AddedCommandTest, IsInItsMenuAfterTheOthers) {
   start();
   const MenuItem last = table().entriesOf(Menu::EditSite).back();
   ASSERT_NE(last.command, nullptr);

@@ -43,7 +43,7 @@ class ArticleSearch : public ::testing::Test {
   Session session;
 };
 
-TEST_F(ArticleSearch, AWholeWordNeedsAnotherLetterBesideIt) {
+TEST_F(ArticleSearch, AWholeWordNeedsANeighbouringCharacter) {
   int order = 0;
   for (const char* title : {"blu scuro", "un blu", "blu", "bluastro", "il blu e", "rosso/blu-verde"}) {
     article("cat001", ++order, title);
@@ -58,13 +58,13 @@ TEST_F(ArticleSearch, APartIsFoundAnywhereWhateverItsCase) {
   EXPECT_THAT(titles("blu", false), ElementsAre("Vaso BLU", "bluastro"));
 }
 
-TEST_F(ArticleSearch, WildcardsStandForLetters) {
+TEST_F(ArticleSearch, WildcardsMatchCharacters) {
   article("cat001", 1, "tazza alta");
   article("cat001", 2, "tazzina");
   EXPECT_THAT(titles("t?zz*ta", false), ElementsAre("tazza alta"));
 }
 
-TEST_F(ArticleSearch, HitsComeByDepartmentAndPlace) {
+TEST_F(ArticleSearch, HitsComeByDepartmentAndPosition) {
   article("cat002", 1, "vaso b");
   article("cat001", 9, "vaso c");
   article("cat001", 2, "vaso a");
@@ -86,7 +86,7 @@ TEST_F(ArticleSearch, AQuoteOrABracketInTheTextHarmsNothing) {
   EXPECT_THAT(titles("vaso", false), ElementsAre("vaso"));
 }
 
-TEST(SearchLetters, AreThoseOfItalianWordsAndTwoWildcards) {
+TEST(SearchCharacters, AreThoseOfItalianWordsAndTwoWildcards) {
   for (const char* letter : {"a", "Z", "7", " ", "*", "?", "à", "ù"}) EXPECT_TRUE(isSearchCharacter(letter)) << letter;
   for (const char* letter : {"[", "'", "-", "ñ", "é€", "_"}) EXPECT_FALSE(isSearchCharacter(letter)) << letter;
 }

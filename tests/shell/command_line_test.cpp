@@ -37,7 +37,7 @@ TEST(CommandLine, TheExportOfTheDatabaseIsACommandOfItsOwn) {
   EXPECT_EQ(parse({"export-sql", "shop"})->command, CliCommand::ExportSql);
 }
 
-TEST(CommandLine, OptionsStandBeforeBetweenOrBehindTheNames) {
+TEST(CommandLine, OptionsComeBeforeBetweenOrAfterTheNames) {
   for (const auto& line : {parse({"--app", "data", "build", "shop"}), parse({"build", "--app", "data", "shop"}),
                            parse({"build", "shop", "--app=data"})}) {
     ASSERT_TRUE(line);
@@ -52,7 +52,7 @@ TEST(CommandLine, AnswersAreKeptInTheirOrder) {
   EXPECT_THAT(line->answers, ElementsAre(Answer::Yes, Answer::No, Answer::Cancel, Answer::Ok));
 }
 
-TEST(CommandLine, BehindTwoHyphensAnOptionIsAName) {
+TEST(CommandLine, AfterTwoHyphensAnOptionIsAName) {
   const auto line = parse({"build", "--", "--app"});
   ASSERT_TRUE(line);
   EXPECT_EQ(line->shop, "--app");
@@ -60,7 +60,7 @@ TEST(CommandLine, BehindTwoHyphensAnOptionIsAName) {
 
 TEST(CommandLine, ASingleHyphenIsAName) { EXPECT_EQ(parse({"build", "-"})->shop, "-"); }
 
-TEST(CommandLine, HelpAndVersionWinOverEverythingBehindThem) {
+TEST(CommandLine, HelpAndVersionWinOverEverythingAfterThem) {
   EXPECT_EQ(parse({"--help", "--nonsense"})->command, CliCommand::Help);
   EXPECT_EQ(parse({"-h"})->command, CliCommand::Help);
   EXPECT_EQ(parse({"build", "shop", "--version"})->command, CliCommand::Version);

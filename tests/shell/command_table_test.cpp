@@ -71,7 +71,7 @@ TEST_F(CommandTableTest, AKeyStandsForOneCommandSaveTheExpansion) {
   for (const auto& [key, count] : uses) EXPECT_EQ(count, key == expansionKey ? 2 : 1) << key;
 }
 
-TEST_F(CommandTableTest, EveryNumberedCommandStandsInAMenu) {
+TEST_F(CommandTableTest, EveryNumberedCommandIsInAMenu) {
   for (const Command& command : table.rows()) EXPECT_TRUE(command.number < 0 || !command.menus.empty()) << command.name;
 }
 

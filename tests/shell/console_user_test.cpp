@@ -22,7 +22,7 @@ class ConsoleUserTest : public ::testing::Test {
 
 constexpr Question destructive{"Cancellare?", Buttons::YesNo, Answer::No, Icon::Question};
 
-TEST_F(ConsoleUserTest, AMessageStandsAsItIs) {
+TEST_F(ConsoleUserTest, AMessageIsWrittenAsItIs) {
   make().message("Riga 1\nRiga 2: è", Icon::Critical);
   EXPECT_EQ(shown(), "Riga 1\nRiga 2: è\n");
 }

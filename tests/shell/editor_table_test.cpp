@@ -42,7 +42,7 @@ TEST(EditorTable, EveryEditorHasALabelAGroupAndOnlyOneRow) {
 /// Columns of the tables that a dialog edits, the program keeps by itself, or nothing reads.
 const std::set<std::string, std::less<>>& elsewhere() {
   static const std::set<std::string, std::less<>> names{
-      // keys, places and the sizes of pictures
+      // keys, positions and the sizes of pictures
       "ID", "catID", "genitore", "hafigli", "livello", "contatore", "ordinamento", "imgX0", "imgY0", "imgX1", "imgY1",
       "imgX2", "imgY2",
       // written by dialogs
@@ -158,7 +158,7 @@ TEST_F(FieldStoreTest, APercentAboveOneHundredIsShownAsOneHundred) {
   EXPECT_EQ(stored("sconto", "categorie WHERE ID = 'cat001'"), "100.0\n");
 }
 
-TEST_F(FieldStoreTest, AnEmptySideBySideIsABlank) {
+TEST_F(FieldStoreTest, AnEmptySideBySideIsASpace) {
   run(shop, "UPDATE categorie SET affiancati = '3'");
   start();
   leave(EditedSet::Categorie, "affiancati", "");
@@ -226,7 +226,7 @@ TEST_F(FieldStoreTest, TheFtpFolderSuggestsTheWebFolderUntilTheUserHasHisOwn) {
   EXPECT_EQ(stored("cartellaCGI"), "cgi\n");
 }
 
-TEST_F(FieldStoreTest, OnAWindowsServerTheFolderIsTakenAsItStands) {
+TEST_F(FieldStoreTest, OnAWindowsServerTheFolderIsTakenAsTyped) {
   start();
   leave(EditedSet::Generale, "serverNT", "1");
   leave(EditedSet::Generale, "folderFTP", "/public_html/shop/");
@@ -262,7 +262,7 @@ TEST_F(FieldStoreTest, TheRelatedWordsInUseAreOfferedWithoutEmptyOnes) {
   EXPECT_EQ(bench->choicesOf(*editorOf(EditedSet::Articoli, "correlazione")), std::vector<std::string>{"mare"});
 }
 
-TEST_F(FieldStoreTest, TheNotationIsStoredAsItsPlace) {
+TEST_F(FieldStoreTest, TheNotationIsStoredAsItsIndex) {
   start();
   leave(EditedSet::Generale, "notazione", "1");
   EXPECT_EQ(stored("notazione"), "1\n");

@@ -42,7 +42,7 @@ TEST(FieldRules, TextsAreCutWhenTheyAreLeft) {
   EXPECT_EQ(leftField({FieldKind::PlainText}, longText, "").text.size(), 300U);
 }
 
-TEST(FieldRules, ACutCountsLettersAndNotBytes) {
+TEST(FieldRules, ACutCountsCharactersAndNotBytes) {
   std::string text;
   for (int i = 0; i < 60; ++i) text += "\xC3\xA8";
   EXPECT_EQ(leftField({FieldKind::Code}, text, "").text.size(), 100U);
@@ -70,7 +70,7 @@ TEST(FieldRules, TheMostArticlesOfAPageAreDigits) {
   EXPECT_EQ(changedText(FieldKind::WholeNumber, "12,7", "", ','), "12");
 }
 
-TEST(FieldRules, AnEmptySideBySideBecomesABlank) { EXPECT_EQ(changedText(FieldKind::SideBySide, "", "", ','), " "); }
+TEST(FieldRules, AnEmptySideBySideBecomesASpace) { EXPECT_EQ(changedText(FieldKind::SideBySide, "", "", ','), " "); }
 
 TEST(FieldRules, TheOtherRateIsOneThroughTheValueAndAZeroIsSkipped) {
   EXPECT_EQ(reverseRate("4", ','), "0,25");

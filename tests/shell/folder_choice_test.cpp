@@ -59,7 +59,7 @@ TEST_F(ChoosingFolders, StoresAFolderThatWasBrowsedFor) {
   EXPECT_EQ(column("siteonline"), "");
 }
 
-TEST_F(ChoosingFolders, TrimsBlanksAndTheSeparatorAtTheEnd) {
+TEST_F(ChoosingFolders, TrimsSpacesAndTheSeparatorAtTheEnd) {
   FolderChoice choice(session);
   choice.set(Online, "  " + other + "/ ");
   EXPECT_TRUE(choice.apply(session, user));

@@ -23,7 +23,7 @@ TEST(WebAddress, TheFullAddressesJoinUrlAndFolders) {
   EXPECT_EQ(full.backOffice, "http://www.montelune.it/cgi-bin/index.php");
 }
 
-TEST(WebAddress, WithoutAScriptFolderTheBackOfficeStandsAtTheSite) {
+TEST(WebAddress, WithoutAScriptFolderTheBackOfficeIsAtTheSite) {
   EXPECT_EQ(NormalizzaURL({"https://a.it", "", ""}).backOffice, "https://a.it/index.php");
 }
 
@@ -77,7 +77,7 @@ TEST(OpenDocument, AFailureIsTriedOnceMoreWithTheFullPath) {
                                                    std::pair<std::string, std::string>("/help/a.htm", "")));
 }
 
-TEST(OpenDocument, WithoutAFolderOrWithTheRetryOffAFailureStands) {
+TEST(OpenDocument, WithoutAFolderOrWithTheRetryOffAFailureIsFinal) {
   MemorySettings settings;
   Opened noFolder{{}, {2}};
   EXPECT_TRUE(ApriDocumento("http://a.it", "", settings, noFolder.opener()));
@@ -102,7 +102,7 @@ TEST(IntroSteps, EveryStepPointsAtSomethingThatExists) {
   }
 }
 
-TEST(IntroSteps, TheGuideStandsBesideTheWindowWhenBothFit) {
+TEST(IntroSteps, TheGuideIsBesideTheWindowWhenBothFit) {
   EXPECT_EQ(placeIntro(1920, 100, 1200, 400).introLeft, 1300);
   EXPECT_EQ(placeIntro(1920, 100, 1200, 400).mainLeft, 100);
   EXPECT_EQ(placeIntro(1920, 600, 1200, 400).mainLeft, 320);

@@ -24,7 +24,7 @@ TEST(WindowArguments, BothFormsOfTheApplicationFolderMeanTheSame) {
   EXPECT_EQ(read({"--app=/a b", "/negozio"})->shop, "/negozio");
 }
 
-TEST(WindowArguments, BehindTwoHyphensEverythingIsAName) { EXPECT_EQ(read({"--", "--app"})->shop, "--app"); }
+TEST(WindowArguments, AfterTwoHyphensEverythingIsAName) { EXPECT_EQ(read({"--", "--app"})->shop, "--app"); }
 
 TEST(WindowArguments, WhatIsWrongIsNamed) {
   EXPECT_EQ(read({"--veloce"}).error().what, "opzione sconosciuta: --veloce");

@@ -10,7 +10,7 @@
 
 namespace kv::test {
 
-/// Stands still at `seconds` (since 1970-01-01 00:00 UTC) until the test sets it forward; `step` is added after each
+/// Stays at `seconds` (since 1970-01-01 00:00 UTC) until the test sets it forward; `step` is added after each
 /// look, for routines that measure a duration.
 class FixedClock final : public Clock {
  public:

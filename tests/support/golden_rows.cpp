@@ -91,7 +91,7 @@ Result<> insertRow(Database& database, const TableInfo& table, const RowBlock& b
   return statement->execute();
 }
 
-// The text behind a column's name: "=value", or ":" and the lines of a text that has several.
+// The text after a column's name: "=value", or ":" and the lines of a text that has several.
 std::string shown(const Value& value, ColumnType type) {
   if (type == ColumnType::Bool) return asFlag(value) ? "=1" : "=0";
   if (type == ColumnType::Single) return "=" + trimmedNumber(static_cast<float>(asNumber(value)));

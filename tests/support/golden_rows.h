@@ -2,9 +2,9 @@
 // Rows as text: the part "rows" of a golden case put into a catalogue, and tables written down for comparison.
 //
 // Rows in: "[table]" or "[table x count]", then "column = value" lines; "{n}" is the number of the row among its
-// copies, a value may stand in double quotes, be "null", or be the lines between "column <<<" and ">>>".
+// copies, a value may be in double quotes, be "null", or be the lines between "column <<<" and ">>>".
 // Rows out: by ID, one "column=value" line for each column that holds something; columns of a family in a row
-// (prezzo1, prezzo2 ...) with equal values share a line; a text of several lines stands below its name.
+// (prezzo1, prezzo2 ...) with equal values share a line; a text of several lines follows below its name.
 
 #include <cstddef>
 #include <string>

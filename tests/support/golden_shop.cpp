@@ -182,7 +182,7 @@ void GoldenShop::apply(const std::string& step) {
 }
 
 void GoldenShop::build() {
-  // Each build draws its token anew: abcdefghijklmnopqrst.
+  // Each build draws its own token: abcdefghijklmnopqrst.
   FixedRandom random;
   Environment env{user_, settings_, clock_, random, application_, {}};
   user_.shown.clear();

@@ -1,5 +1,5 @@
 #pragma once
-// A shop and an application folder made from the parts of a golden case, its builds, and what they leave behind in the
+// A shop and an application folder made from the parts of a golden case, its builds, and what they produce in the
 // form of wanted parts.
 //
 // Parts in: "rows"; "settings" (key=value lines); "template/...", "code/...", "backoffice/...", "languages/...",
@@ -45,7 +45,8 @@ class GoldenShop {
   /// Writes the whole parts below "produced" in the folder of this shop; the result is that folder. A failure is a
   /// failure of the test.
   std::string writeProduced(const std::vector<ProducedPart>& parts) const;
-  /// What a finished build must not leave behind, and what it must have stored, by sentences; empty when all is well.
+  /// What a finished build must not leave in the shop, and what it must have stored, by sentences; empty when all is
+  /// well.
   std::string leftovers();
 
  private:

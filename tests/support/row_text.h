@@ -9,7 +9,7 @@
 
 namespace kv::test {
 
-/// A line each, "\n" behind it: fields with "|" between them, a null as "null". What fails stands as its message.
+/// A line each, "\n" after it: fields with "|" between them, a null as "null". A failure gives its message instead.
 inline std::string rows(Database& database, std::string_view query) {
   auto statement = database.prepare(query);
   if (!statement) return statement.error().what;

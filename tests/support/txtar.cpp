@@ -52,7 +52,7 @@ std::string hexOf(unsigned char byte) {
   return {digits[byte / 16], digits[byte % 16]};
 }
 
-// Whether "xNN" stands at a place, so that the backslash before it opens an escape.
+// Whether "xNN" begins at an index, so that the backslash before it opens an escape.
 bool escapeAt(std::string_view text, std::size_t at) {
   return at + 2 < text.size() && text[at] == 'x' && hexDigit(text[at + 1]) >= 0 && hexDigit(text[at + 2]) >= 0;
 }

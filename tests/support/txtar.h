@@ -13,7 +13,7 @@ namespace kv::test {
 struct TxtarPart {
   std::string name;
   std::vector<std::string> flags;
-  std::string text;  ///< as it stands in the case
+  std::string text;  ///< as the case holds it
 
   bool has(std::string_view flag) const;
   /// The value of a flag "name=value"; empty when there is none.

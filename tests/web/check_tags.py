@@ -3,9 +3,9 @@
 
 Every language tag that template, code, backoffice and the payment modules use must be defined, once and with a text,
 in every language module, as must the words that the build asks for itself; every word must be safe inside a script
-and a page; every page tag must be a column of the page tag row. The build token may stand in updatedb.php alone:
+and a page; every page tag must be a column of the page tag row. The build token may occur in updatedb.php alone:
 any other page would change with each build. Every template package has the same pages and a preview, a note, the
-menu, the showcase cell and the five colours; the parts that its pages and styles name stand beside it or in
+menu, the showcase cell and the five colours; the parts that its pages and styles name are beside it or in
 template/parts, and every one of them is used.
 """
 
@@ -103,7 +103,7 @@ def main():
                    for name, where in sorted(used.items()) if name not in texts]
         faults += [f"{path.name}: {name} has no text" for name, lines in texts.items() if not lines]
         faults += [f"{path.name}: {name} is used nowhere" for name in sorted(set(texts) - set(used))]
-        faults += [f"{path.name}: {name} holds a letter that breaks a script or a page"
+        faults += [f"{path.name}: {name} holds a character that breaks a script or a page"
                    for name, lines in texts.items() if FORBIDDEN.search("\n".join(lines))]
     if not modules:
         faults.append("no language modules")

@@ -7,7 +7,7 @@ $HTTP_GET_VARS = ['n' => 1, 'prod' => 0];
 $GLOBALS['sp'] = 1;
 shopScripts(['kvdb', 'kvcontext', 'kvprice', 'kvarticle', 'kvpay', 'kvlook']);
 
-/** The lowest contrast of any writing on any surface it may stand on, over palettes of every kind of colour. */
+/** The lowest contrast of any writing on any surface it may be shown on, over palettes of every kind of colour. */
 function lowestContrast(array $pairs): float
 {
     $shades = ['#000000', '#333333', '#767676', '#777777', '#808080', '#cccccc', '#ffffff', '#ff0000', '#00ff00', '#0000ff',

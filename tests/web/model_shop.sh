@@ -1,7 +1,7 @@
 #!/bin/sh
 # Builds the model shop as a new user would: a fresh user data folder, `new`, `build`.
 #   model_shop.sh KORVANE_CLI FOLDER
-# FOLDER is made anew; the shop stands in FOLDER/negozio. Fails when the program does, or when a produced page still
+# FOLDER is made empty; the shop is FOLDER/negozio. Fails when the program does, or when a produced page still
 # holds a tag that the build should have replaced.
 set -eu
 program=$1

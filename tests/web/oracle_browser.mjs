@@ -29,7 +29,7 @@ function shopContext(folder) {
   return contexts.get(folder);
 }
 
-/** The totals and the prices of the lines that the scripts work out of a page and its cookie. */
+/** The totals and the prices of the lines that the scripts compute from a page and its cookie. */
 function cart({ folder, page, cookie, method, zone }) {
   const { context, parts } = shopContext(folder);
   const data = /<script type="application\/json" id="kv-carrello-dati">(.*?)<\/script>/s.exec(page);

@@ -1,4 +1,4 @@
-"""What a visitor pays, worked out apart from the shop's own scripts: from the rows that the merchant typed, in whole
+"""What a visitor pays, computed apart from the shop's own scripts: from the rows that the merchant typed, in whole
 numbers and fractions.
 
 Amounts of the catalogue are whole numbers of ten-thousandths, amounts shown are whole numbers of the smallest unit

@@ -104,7 +104,7 @@ def thousandths(draw, below):
 
 
 def price(draw):
-    """An amount in ten-thousandths: cents mostly, now and then one that stands on the edge of a rounding."""
+    """An amount in ten-thousandths: cents mostly, now and then one that is on the edge of a rounding."""
     kind = draw.randrange(8)
     if kind == 0:
         return draw.randrange(1, 10000000)
@@ -137,7 +137,7 @@ def make_article(draw, number, department, position, variants):
     return Article(
         id=number, department=department, position=position, weight=thousandths(draw, 4000), prices=prices,
         offers=offers,
-        # A price that stands ready for the next offer is none of today.
+        # A price kept ready for the next offer is none of today.
         offer_prices=[max(1, int(full * draw.uniform(.4, 1.1))) if offered or draw.random() < .2 else None
                       for full, offered in zip(prices, offers)],
         quantity_discount=[draw.random() < .5 for _ in LISTINI],
@@ -168,8 +168,8 @@ def make_shop(number):
         shop.zones[zone] = {method: make_zone_row(draw) for method in range(1, 5)}
         shop.zones[zone][draw.choice(shop.methods)].allowed = True
     shop.variants = make_variants(draw)
-    for place in range(1, 6):
-        department = Department(f"cat{place:03}", draw.choice(VAT), [draw.choice((None,) + PERCENT) for _ in LISTINI])
+    for number in range(1, 6):
+        department = Department(f"cat{number:03}", draw.choice(VAT), [draw.choice((None,) + PERCENT) for _ in LISTINI])
         shop.departments.append(department)
         for position in range(1, 11):
             shop.articles.append(make_article(draw, len(shop.articles) + 1, department, position, shop.variants))
@@ -252,11 +252,11 @@ def fill_goods(catalogue, shop):
             insert(catalogue, "dettagliop", {
                 "ID": value.id, "OpID": variant, "codice": value.code, "testo": f"Valore {value.id}",
                 "prezzo": value.price, "peso": float(value.weight), "selezionato": ""})
-    for place, department in enumerate(shop.departments, 1):
+    for number, department in enumerate(shop.departments, 1):
         insert(catalogue, "categorie", {
-            "ID": department.id, "titolo": f"Reparto {place}", "pagina": department.id, "maxarticoli": 20,
-            "template": "modello1", "genitore": "###", "hafigli": 0, "ordinamento": place * 5, "livello": 1,
-            "contatore": place, "iva": department.vat, "nascosto": 0, **by_listino("sconto", department.discounts)})
+            "ID": department.id, "titolo": f"Reparto {number}", "pagina": department.id, "maxarticoli": 20,
+            "template": "modello1", "genitore": "###", "hafigli": 0, "ordinamento": number * 5, "livello": 1,
+            "contatore": number, "iva": department.vat, "nascosto": 0, **by_listino("sconto", department.discounts)})
     for article in shop.articles:
         variants = {f"opzione{slot}" + (f"_{n}" if n else ""): variant or None
                     for n, slots in enumerate(article.variants) for slot, variant in enumerate(slots, 1)}

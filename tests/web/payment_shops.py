@@ -1,5 +1,5 @@
 """The shops of payment_modules_test.py: which modules they have, with which accounts and services, and how they are
-made. `Setting` is the one shop that is built anew for each group of modules, `Case` the tests' common ground."""
+made. `Setting` is the one shop that is rebuilt for each group of modules, `Case` the tests' common ground."""
 import os
 import shutil
 import unittest
@@ -32,7 +32,7 @@ def sella(mode):
     extra = {"terminale": "3", "idlan": "it", **({"otp": None} if mode == "otp" else {})}
     service = Service("9000001", "242", extra, kind=mode if mode != "comp" else "fields")
     if mode == "otp":
-        # The shop's own addresses come behind the password.
+        # The shop's own addresses come after the password.
         service.extra["notifica"] = None
     return "Banca Sella", SELLA_ACCOUNT, SELLA[mode], service
 
@@ -133,7 +133,7 @@ class Setting:
         for name, _, _, service in methods:
             if service:
                 gateway.services[key(name)] = service
-        # Where a notice goes that the form doesn't name: the script behind the last module key of Banca Sella.
+        # Where a notice goes that the form doesn't name: the script after the last module key of Banca Sella.
         gateway.notices = {"banca-sella": f"{shop.base}/{methods[0][2][-1].split('=')[1]}.php"} if methods[0][2] else {}
         if aside.is_dir():
             aside.rename(online)

@@ -181,7 +181,7 @@ class Counter:
         return {"address": self.base + address, "position": article.position, "keys": keys, "pieces": line.pieces}
 
     def find_value(self, case, article, select, value):
-        """The key of a value in a selector; the difference that stands there is compared on the way."""
+        """The key of a value in a selector; the difference that it shows is compared on the way."""
         for price, key, text in re.findall(r'<option value="([-\d.]*)=[^"]*" data-k="(\w+)">([^<]*)<', select):
             if text.split(" (")[0] == f"Valore {value.id}":
                 wanted = self.rules.difference(article, case.listino, value)

@@ -31,7 +31,7 @@ class Parameters(Case):
                     self.check(self.visitor.ask(address, follow=False), address)
         self.assertGreater(self.count("articoli"), 0)
 
-    def test_a_department_page_shows_its_articles_whatever_stands_in_its_address(self):
+    def test_a_department_page_shows_its_articles_whatever_its_address_holds(self):
         wanted = self.visitor.ask("cat007.php").text.count("<article")
         for number in ("0", "-1", "99", "1 OR 1=1", "a"):
             self.assertEqual(self.visitor.ask("cat007.php?n=" + urllib.parse.quote(number)).text.count("<article"), wanted)
@@ -97,7 +97,7 @@ class Words(Case):
         self.assertIn("&lt;b&gt;&lt;script&gt;", page.text)
         self.assertNotIn(SCRIPT, page.text)
 
-    def test_a_letter_beyond_the_pages_coding_arrives_whole(self):
+    def test_a_character_beyond_the_pages_coding_arrives_whole(self):
         page = order(self.visitor, self.cart, Cognome="Wałęsa")
         self.assertIn("Wa&#322;&#281;sa", page.text)
         mail = email.message_from_string(shop().mails()[-1])

@@ -73,7 +73,7 @@ class Update(Case):
         self.assertEqual(self.update(), "OK")
         self.assertEqual(shop().rows("SELECT uno, due FROM prova"), [["a;", ";g\n"]])
 
-    def test_lines_that_end_in_a_single_letter_are_read(self):
+    def test_lines_that_end_in_a_single_character_are_read(self):
         self.put(TABLE + ROW.format(1, "a", "b", "1"))
         for name in ("db.sql", "dbdel.sql"):
             path = self.online / name
@@ -104,7 +104,7 @@ class Update(Case):
         self.assertEqual(self.update(), "OK")
         self.assertEqual(shop().rows("SELECT ID, LENGTH(due) FROM prova ORDER BY ID"), [["1", "1500000"], ["2", "1"]])
 
-    def test_rows_of_up_to_three_columns_stand_on_one_line(self):
+    def test_rows_of_up_to_three_columns_are_on_one_line(self):
         self.put("CREATE TABLE prova (ID INT, uno CHAR(9), due CHAR(9));\r\n" + "".join(
             f"INSERT INTO prova VALUES ( {n}, 'VALUES (', ');' );\r\n" for n in range(3)))
         self.assertEqual(self.update(), "OK")
@@ -173,7 +173,7 @@ class Update(Case):
 
 
 class Pages(Case):
-    def test_a_page_stands_while_the_tables_are_gone(self):
+    def test_a_page_is_served_while_the_tables_are_gone(self):
         shop().execute("RENAME TABLE articoli TO articoli_via, categorie TO categorie_via")
         try:
             page = self.visitor.ask("cat007.php")

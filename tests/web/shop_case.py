@@ -7,8 +7,8 @@ import unittest
 
 from served_shop import ServedShop, order
 
-__all__ = ["Case", "main", "order", "shop", "cart_cookie", "cart_number", "served_lines", "register", "enter", "send", "token", "own_tables",
-           "plain_article"]
+__all__ = ["Case", "CustomerCase", "main", "order", "shop", "article", "cart_cookie", "cart_number", "served_lines",
+           "register", "enter", "send", "token", "own_tables", "plain_article"]
 TABLES = ("ordini", "clienti", "disponibilita", "richieste", "tentativi")
 PASSWORD = "una-parola-lunga"
 
@@ -35,6 +35,26 @@ class Case(unittest.TestCase):
 
     def count(self, table, condition="1=1"):
         return int(Case.shop.rows(f"SELECT COUNT(*) FROM {table} WHERE {condition}")[0][0])
+
+
+class CustomerCase(Case):
+    """Tests with a registered customer and with what an order has stored."""
+
+    def customer(self, **columns):
+        """A registered customer whose row has these values."""
+        register(self.visitor)
+        for name, value in columns.items():
+            shop().execute(f"UPDATE kv_clienti SET {name} = {value}")
+        return self.visitor
+
+    def order_data(self):
+        """The stored data of the latest order."""
+        return json.loads(shop().rows("SELECT dati FROM kv_ordini ORDER BY id DESC LIMIT 1")[0][0].replace("\\\\", "\\"))
+
+
+def article(code):
+    """The number of the article that has this code."""
+    return int(shop().rows(f"SELECT ID FROM dettaglio WHERE codice = '{code}'")[0][0])
 
 
 def own_tables():

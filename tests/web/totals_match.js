@@ -18,7 +18,7 @@ function random(below) {
   return ((t ^ (t >>> 14)) >>> 0) % below;
 }
 
-/** A number as the build's tables write it: no zero before the point, a blank in front. */
+/** A number as the build's tables write it: no zero before the point, a space in front. */
 function plain(value, decimals) {
   return " " + String(Number((value / 10 ** decimals).toFixed(decimals))).replace(/^0\./, ".");
 }

@@ -22,8 +22,8 @@ namespace {
 
 constexpr int titleHeight = 30;  // of the frame that a desktop would draw
 constexpr int eventRounds = 12;
-constexpr int patience = 20000;  // milliseconds until a window that was asked for stands
-// The shop stands in a folder with a name by chance, which would make each picture another.
+constexpr int patience = 20000;  // milliseconds until a window that was asked for is shown
+// The shop is in a folder with a random name, which would make each picture another.
 const QString shopShown = QStringLiteral("~/negozi/bottega");
 const QColor desk(0x5b, 0x6b, 0x78);
 const QColor frameColour(0x17, 0x1b, 0x1f);
@@ -50,7 +50,7 @@ void drawWindow(QPainter& painter, QWidget& window, const QString& shop) {
   painter.drawPixmap(place.topLeft(), window.grab());
 }
 
-/// A window that was opened over another has it among its parents, and stands above it.
+/// A window that was opened over another has it among its parents, and is above it.
 int depthOf(const QWidget& window) {
   int depth = 0;
   for (const QWidget* parent = window.parentWidget(); parent != nullptr; parent = parent->parentWidget()) ++depth;
@@ -136,7 +136,7 @@ void Stage::take(const QString& name) {
   QWidgetList windows = QApplication::topLevelWidgets();
   std::stable_sort(windows.begin(), windows.end(),
                    [](const QWidget* one, const QWidget* other) { return depthOf(*one) < depthOf(*other); });
-  // The main window is the lowest; dialogs stand in the order in which they were made.
+  // The main window is the lowest; dialogs follow in the order in which they were made.
   const QString shop = toQt(options_.shop);
   drawWindow(painter, *window_, shop);
   for (QWidget* window : windows) {

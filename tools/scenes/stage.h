@@ -45,7 +45,7 @@ class Stage {
   void show(Tab tab);
   /// Writes the picture of the windows that are open now.
   void take(const QString& name);
-  /// Starts what opens a dialog or a menu and calls `meanwhile` once it stands; it is closed afterwards.
+  /// Starts what opens a dialog or a menu and calls `meanwhile` once it is shown; it is closed afterwards.
   void during(const std::function<void()>& opens, const std::function<void(QWidget&)>& meanwhile);
   /// Gives the windows time to lay out and paint.
   static void processEvents();

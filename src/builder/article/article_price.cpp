@@ -16,7 +16,7 @@ std::optional<Money> withVat(Money price, float rate, bool included) {
 
 std::string struck(const std::string& text) { return "<strike>" + text + "</strike>"; }
 
-// " - 20% ": the space after the minus sign comes from the number form.
+// " - 20% ": the space after the minus sign comes from the number format.
 template <class Number>
 std::string discountText(const CurrencyForm& form, Number percent) {
   return " -" + form.SepDecimale(plainNumber(percent)) + "% ";

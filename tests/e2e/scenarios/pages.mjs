@@ -46,12 +46,12 @@ async function tour(shopper, look) {
   await look("a customer's own page");
 }
 
-/** The controls that stand out of the screen to the right, as text and place. */
+/** The controls that exceed the right edge of the screen: their HTML and where they end. */
 function controlsOutside(page) {
   return page.evaluate(() => [...document.querySelectorAll("a, button, input, select, textarea")]
-    .map((element) => ({ element, place: element.getBoundingClientRect() }))
-    .filter(({ element, place }) => element.checkVisibility() && place.width > 1 && place.right > innerWidth + 1)
-    .map(({ element, place }) => `${element.outerHTML.slice(0, 80)} ends at ${Math.round(place.right)}`));
+    .map((element) => ({ element, box: element.getBoundingClientRect() }))
+    .filter(({ element, box }) => element.checkVisibility() && box.width > 1 && box.right > innerWidth + 1)
+    .map(({ element, box }) => `${element.outerHTML.slice(0, 80)} ends at ${Math.round(box.right)}`));
 }
 
 /** What axe-core says of each page of a tour. */
@@ -59,7 +59,7 @@ async function withAxe(shopper, name, faults) {
   faults.push(...(await accessibilityFaults(shopper.page)).map((fault) => `${name}: ${fault}`));
 }
 
-/** What stands out of the narrowest screen, 320 pixels. */
+/** What exceeds the width of the narrowest screen, 320 pixels. */
 async function onNarrowScreen(shopper, name, faults) {
   const { width, height } = shopper.screen;
   await shopper.page.setViewportSize({ width: narrowest, height });

@@ -2,7 +2,7 @@
 import { readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
 
-/** The words of a header, RFC 2047: =?windows-1252?B?...?= and Q; neighbours are joined without the blank between. */
+/** The words of a header, RFC 2047: =?windows-1252?B?...?= and Q; neighbours are joined without the space between. */
 function decodeHeader(text) {
   return text.replace(/\?=\s+=\?/g, "?==?").replace(/=\?([\w-]+)\?([BQ])\?(.*?)\?=/gi, (whole, charset, kind, coded) => {
     const bytes = kind.toUpperCase() === "B"

@@ -5,10 +5,10 @@ import { resolve } from "node:path";
 
 const usage = `run.mjs --cli KORVANE_CLI --template NAME --work FOLDER [--shots FOLDER]
   --template  the page template of the model shop
-  --work      made anew, removed after a good run
+  --work      made empty, removed after a good run
   --shots     pictures of the main pages are left here`;
 
-/** The options, with FOLDER made anew. Ends the program when one is missing. */
+/** The options, with FOLDER made empty. Ends the program when one is missing. */
 export function readOptions() {
   const { values } = parseArgs({
     options: {

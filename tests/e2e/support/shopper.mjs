@@ -61,7 +61,7 @@ export class Shopper {
     return this.page.locator("article").filter({ has: this.page.getByRole("heading", { name: title, exact: true }) });
   }
 
-  /** The place where an article of this page is bought: here, or on the page that its title leads to. */
+  /** The card from which an article of this page is bought: here, or on the page that its title leads to. */
   async forSale(title) {
     const card = this.card(title);
     await card.waitFor();

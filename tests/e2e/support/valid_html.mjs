@@ -1,7 +1,7 @@
 // html-validate on a page as the server sends it.
 import { HtmlValidate } from "html-validate";
 
-// How the text is laid out (blanks at line ends, the order of attributes) is no matter of validity.
+// How the text is laid out (spaces at line ends, the order of attributes) is no matter of validity.
 const validator = new HtmlValidate({
   extends: ["html-validate:standard", "html-validate:a11y"],
 });

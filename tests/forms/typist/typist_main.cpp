@@ -54,7 +54,7 @@ class Typist {
  private:
   int pick(int below) { return std::uniform_int_distribution<int>(0, below - 1)(chance_); }
 
-  /// The window once it can be typed into. Whatever stands over it is sent away; a message is a refusal.
+  /// The window once it can be typed into. Whatever is over it is sent away; a message is a refusal.
   kv::frmMain* window() {
     if (const QWidget* modal = QApplication::activeModalWidget()) {
       tell("refused|" + modal->windowTitle().toStdString());

@@ -8,7 +8,7 @@ VARIANTS = ["opzione%d%s" % (slot, "_" + n if n else "") for n in LISTINI for sl
 
 
 class Currency:
-    """Labels and number forms of the shop."""
+    """Labels and number formats of the shop."""
 
     def __init__(self, settings):
         self.labels = [settings.text(name).strip(" ") + " " for name in ("valuta1", "valuta2")]

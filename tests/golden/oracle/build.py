@@ -158,7 +158,7 @@ class Build:
         return text
 
     def navigation_columns(self, department):
-        """The tree and the drop-down, and what stands around the title of a department."""
+        """The tree and the drop-down, and the texts around the title of a department."""
         links, menu = self.navigation.tree(department, self.settings["livelliaperti"] or 0)
         row = {"reparti": links, "repartimenu": menu}
         if department is not None and self.settings["vis_percrep"]:

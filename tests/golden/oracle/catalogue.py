@@ -1,5 +1,5 @@
 """The catalogue as a case gives it: `[table]` or `[table x count]`, then `column = value` lines, `{n}` being the
-number of the row among its copies. A value may stand in double quotes, be `null`, or be the lines between `<<<` and
+number of the row among its copies. A value may be in double quotes, be `null`, or be the lines between `<<<` and
 `>>>`. A column that isn't named is null, but for an automatic key, which counts on. Reading through a language shows
 that language's columns under bare names."""
 import re
@@ -17,7 +17,7 @@ SINGLES = "cambio sconto scimp iva scqperc0 scqperc1 peso ivaspese".split()
 NUMBERS = """imgX0 imgY0 imgX1 imgY1 imgX2 imgY2 notazione operatorericerca livelliaperti colonnevetrina vetsize
 vetopzioni ricartperpag qminima maxarticoli ordinamento livello contatore scqart0 scqart1 opzione1 opzione2 opzione3
 opzione4 OpID paesesel zonasel imppeso zona""".split()
-# Families with a digit behind the name: price lists, the taxed zones, the methods of a zone.
+# Families with a digit after the name: price lists, the taxed zones, the methods of a zone.
 FAMILIES = "prezzo offerta offertaprezzo scq sconto inaccessibile scimp importo ivaok pag".split()
 # The costs of a method in a zone: m2imp1, m3spp10, m1peso9.
 ZONE_COST = re.compile(r"m[1-4](imp|spp?|peso)\d+")

@@ -29,7 +29,7 @@ def keys_of(table):
 
 
 def quoted(text):
-    """Line ends fold in pairs: the one of the other kind directly behind a line end is dropped, once."""
+    """Line ends fold in pairs: the one of the other kind directly after a line end is dropped, once."""
     out, before = "", ""
     for x in text:
         if x in "\r\n":

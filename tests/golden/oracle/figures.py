@@ -1,4 +1,4 @@
-"""Number kinds, their roundings and their texts, worked out naively: money as a Decimal of four places, a single as
+"""Number kinds, their roundings and their texts, computed naively: money as a Decimal of four digits after the point, a single as
 a float that has been through four bytes."""
 import struct
 from decimal import ROUND_HALF_EVEN, ROUND_HALF_UP, Decimal
@@ -18,12 +18,12 @@ def money(text_or_number):
 
 
 def times(amount, rate):
-    """Money by a rate: double, then single, then four places with ties to even."""
+    """Money by a rate: double, then single, then four decimal places with ties to even."""
     return money(Decimal(Single(float(amount) * float(rate))))
 
 
 def plain(value):
-    """The plain number form, with its blank before what isn't negative."""
+    """The plain number format, with its space before what isn't negative."""
     return text if (text := trimmed(value)).startswith("-") else " " + text
 
 
@@ -38,7 +38,7 @@ def trimmed(value):
 
 
 def _bare(text):
-    """No closing zeroes behind the point, no zero before it."""
+    """No closing zeroes after the point, no zero before it."""
     if "." in text:
         text = text.rstrip("0").rstrip(".")
     sign, digits = ("-", text[1:]) if text.startswith("-") else ("", text)

@@ -1,4 +1,4 @@
-"""The modules of the payment methods: descriptor, action and scripts, as they stand in the shop's folder of code."""
+"""The modules of the payment methods: descriptor, action and scripts, as they are in the shop's folder of code."""
 from texts import file_lingua
 from txtar import from_cp1252
 

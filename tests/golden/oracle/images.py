@@ -27,11 +27,11 @@ def first_pixel(data):
     while data[at]:
         stream += data[at + 1:at + 1 + data[at]]
         at += 1 + data[at]
-    bits, place = int.from_bytes(stream, "little"), 0
+    bits, position = int.from_bytes(stream, "little"), 0
     while True:
-        code = bits >> place & (1 << least + 1) - 1
-        place += least + 1
-        if code != 1 << least:  # behind the clear codes stands the first pixel itself
+        code = bits >> position & (1 << least + 1) - 1
+        position += least + 1
+        if code != 1 << least:  # after the clear codes comes the first pixel itself
             return "#" + table[3 * code:3 * code + 3].hex().upper()
 
 

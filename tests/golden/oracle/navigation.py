@@ -32,7 +32,7 @@ def menu_sections(text):
 
 
 class Navigation:
-    """`departments` are the views of one language, by level and place."""
+    """`departments` are the views of one language, by level and position."""
 
     def __init__(self, departments, suffix, colour, sections):
         self.departments, self.suffix, self.colour, self.sections = departments, suffix, colour, sections
@@ -49,7 +49,7 @@ class Navigation:
     def link(self, row):
         return row.text("pagina") + self.suffix + ".php?n=1"
 
-    # Which departments stand in the tree.
+    # Which departments the tree shows.
 
     def open_ids(self, current, open_levels):
         """`current` is None on a page that belongs to no department."""
@@ -156,15 +156,15 @@ class Navigation:
 
     def submenu(self, key, depth):
         lines = [line for child in self.shown_children(key) for line in self.item(child, depth + 1)]
-        place = "    " * depth + "  "
-        return [place + "<submenu>"] + lines + [place + "</submenu>"] if lines else []
+        indent = "    " * depth + "  "
+        return [indent + "<submenu>"] + lines + [indent + "</submenu>"] if lines else []
 
     def item(self, row, depth):
-        place, image = "    " * depth, row.text("immagine1")
-        return ([place + "<menuitem>"] + (["%s  <image>%s</image>" % (place, image)] if image else []) +
-                ["%s  <title>%s</title>" % (place, xml_text(row.text("titolo"))),
-                 "%s  <link>%s</link>" % (place, xml_text(self.link(row)))] +
-                self.submenu(row["ID"], depth) + [place + "</menuitem>"])
+        indent, image = "    " * depth, row.text("immagine1")
+        return ([indent + "<menuitem>"] + (["%s  <image>%s</image>" % (indent, image)] if image else []) +
+                ["%s  <title>%s</title>" % (indent, xml_text(row.text("titolo"))),
+                 "%s  <link>%s</link>" % (indent, xml_text(self.link(row)))] +
+                self.submenu(row["ID"], depth) + [indent + "</menuitem>"])
 
 
 def xml_text(text):

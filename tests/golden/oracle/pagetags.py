@@ -31,7 +31,7 @@ def logo(settings, i):
 
 
 def common_columns(run):
-    """What stands alike in the row of a department and of the shop."""
+    """The columns that are equal in the row of a department and of the shop."""
     settings, suffix = run.settings, run.suffix
     shop_url = address(settings["URL"], settings["cartella"])
     row = {name: run.html(settings[name]) for name in

@@ -62,7 +62,7 @@ class BuildTables:
 
 def rows_text(table, columns, rows, only=None, ids=None):
     """Rows by ID, one column a line; columns without a value are left out, and columns of a family in a row (prezzo1,
-    prezzo2 ...) with equal values share a line. A text of several lines stands below its name. only: the columns to
+    prezzo2 ...) with equal values share a line. A text of several lines follows below its name. only: the columns to
     show; ids: the rows to show, in a table that has IDs."""
     shown = [name for name in columns if only is None or name in only]
     text = ""

@@ -1,4 +1,4 @@
-"""The text forms of what the merchant typed, and the names that are worked out."""
+"""The text forms of what the merchant typed, and the names that are computed."""
 import re
 
 LETTERS = ("Á Aacute Â Acirc À Agrave Å Aring Ã Atilde Ä Auml Æ AElig É Eacute Ê Ecirc È Egrave Ë Euml Í Iacute "
@@ -81,7 +81,7 @@ def page_file(stem, n, suffix):
 
 
 def address(url, folder):
-    """The public address: scheme added, slashes trimmed, folder behind it."""
+    """The public address: scheme added, slashes trimmed, folder after it."""
     url, folder = (url or "").strip(" "), (folder or "").strip(" ")
     if "://" not in url:
         url = "http://" + url

@@ -1,0 +1,149 @@
+#!/usr/bin/env python3
+"""The orders of the model shop and the stock that they take from: server_orders.py KORVANE_CLI"""
+import concurrent.futures
+import email
+import re
+import urllib.parse
+
+from shop_case import CustomerCase, article, cart_cookie, main, order, register, send, served_lines, shop
+
+
+class Orders(CustomerCase):
+    def test_an_order_is_stored_and_told_to_both(self):
+        before = len(shop().mails())
+        page = order(self.visitor, f"{self.article}.2", method=2)
+        self.assertIn("thankyou2.php", page.address)
+        row = shop().rows("SELECT codice, nome, email, totale, stato, metodo FROM kv_ordini")[0]
+        self.assertEqual(row[1:3] + row[4:], ["Anna Bianchi", "anna@example.org", "nuovo", "Bonifico anticipato"])
+        self.assertIn(row[0], page.text)
+        mails = [email.message_from_string(text) for text in shop().mails()[before:]]
+        self.assertEqual(sorted(mail["To"] for mail in mails), ["anna@example.org", "ordini@bottega.example"])
+        amount = "{:,.2f}".format(float(row[3])).replace(",", " ").replace(".", ",").replace(" ", ".")
+        for mail in mails:
+            text = mail.get_payload(decode=True).decode("utf-8")
+            self.assertIn(row[0], text)
+            self.assertIn(amount, text)
+
+    def test_an_order_empties_the_cart(self):
+        order(self.visitor, self.cart, method=2)
+        self.assertFalse(any("kvstore_cart" in name for path, name in self.visitor.cookies))
+
+    def test_the_total_is_the_sum_of_its_parts(self):
+        order(self.visitor, f"{self.article}.3", method=2)
+        sums = self.order_data()["totali"]
+        total = sums["merce"] - sums["sconto"] + sums["iva"] + sums["spese"] + sums["ivaspese"]
+        self.assertAlmostEqual(sums["totale"], total, 6)
+        self.assertEqual(shop().rows("SELECT totale FROM kv_ordini")[0][0], f"{sums['totale']:.2f}")
+
+    def test_a_large_order_gets_the_discount_by_amount(self):
+        order(self.visitor, f"{self.article}.40", method=2)
+        sums = self.order_data()["totali"]
+        self.assertAlmostEqual(sums["sconto"], round(sums["merce"] * 0.05 + 1e-9, 2), 6)
+
+    def test_a_personal_discount_takes_the_place_of_the_one_by_amount(self):
+        self.customer(sconto="12.5")
+        order(self.visitor, f"{self.article}.40", method=2)
+        sums = self.order_data()["totali"]
+        self.assertAlmostEqual(sums["sconto"], round(sums["merce"] * 0.125 + 1e-9, 2), 6)
+        self.assertEqual(self.count("kv_ordini", "cliente > 0"), 1)
+
+    def test_an_order_below_the_minimum_is_refused(self):
+        page = order(self.visitor, f"{article('PA-002')}.1", method=2)
+        self.assertIn("messaggio", page.address)
+        self.assertEqual(self.count("kv_ordini"), 0)
+
+    def test_required_fields_are_required_by_the_server(self):
+        for name in ("Nome", "Cognome", "Indirizzo", "CAP", "Citta", "Email"):
+            order(self.visitor, self.cart, method=2, **{name: " "})
+        order(self.visitor, self.cart, method=2, Email="nessun indirizzo")
+        order(self.visitor, self.cart, method=2, Privacy=None)
+        self.assertEqual(self.count("kv_ordini"), 0)
+
+    def test_a_shop_that_asks_for_registration_takes_no_order_of_a_visitor(self):
+        script = shop().shop / "online/funcs.php"
+        text = script.read_bytes()
+        script.write_bytes(text.replace(b"$regobbl = 0;\r\n$visofferta", b"$regobbl = 1;\r\n$visofferta", 1))
+        try:
+            answer = self.visitor.ask("order.php", follow=False)
+            self.assertIn("login.php?m=23", answer.headers["Location"])
+            register(self.visitor, dopo="ordine")
+            page = order(self.visitor, self.cart, method=2)
+            self.assertIn("thankyou", page.address)
+        finally:
+            script.write_bytes(text)
+
+    def test_the_form_is_filled_with_the_customers_data(self):
+        self.customer()
+        send(self.visitor, "dati", nome="Ada", cognome="Neri", indirizzo="Via dell'Orto 3", citta="Forl\u00ec", paese="Italia")
+        cart_cookie(self.visitor, self.cart)
+        cookie = re.search(r'kvstore_cliente=([^"]*)"', self.visitor.ask("order.php").text).group(1)
+        data = dict(pair.split("=") for pair in cookie.split("|"))
+        self.assertEqual(urllib.parse.unquote(data["indirizzo"]), "Via dell'Orto 3")
+        self.assertEqual(urllib.parse.unquote(data["citta"]), "Forl\u00ec")
+        self.assertEqual(data["email"], "ada%40example.org")
+
+    def test_pages_of_the_second_language_take_orders(self):
+        cart_cookie(self.visitor, self.cart)
+        page = self.visitor.ask("order_l2.php")
+        form = page.form("kvorder")
+        self.assertEqual(form["action"], "kvorder_l2.php")
+
+
+class Stock(CustomerCase):
+    def limit(self, kind, key, pieces, available=1):
+        shop().execute(f"REPLACE INTO kv_disponibilita VALUES ('{kind}', '{key}', {available}, {pieces})")
+
+    def stock(self):
+        return shop().rows("SELECT quantita FROM kv_disponibilita")[0][0]
+
+    def test_an_order_takes_its_pieces(self):
+        self.limit("A", self.article, 5)
+        order(self.visitor, f"{self.article}.2", method=2)
+        self.assertEqual(self.stock(), "3")
+
+    def test_more_than_there_is_cannot_be_ordered(self):
+        self.limit("A", self.article, 1)
+        line = served_lines(self.visitor, f"{self.article}.2")[0]
+        self.assertEqual((line["ok"], line["m"]), (True, 1))
+        self.assertIn("m=53", self.visitor.ask("order.php", follow=False).headers["Location"])
+        order(self.visitor, self.cart, Dettaglio=f"{self.article}.2")
+        self.assertEqual((self.count("kv_ordini"), self.stock()), (0, "1"))
+
+    def test_an_article_that_is_switched_off_cannot_be_ordered(self):
+        self.limit("A", self.article, "NULL", 0)
+        self.assertEqual(served_lines(self.visitor, self.cart)[0]["m"], 0)
+
+    def test_a_value_of_a_variant_has_its_own_stock(self):
+        page = self.visitor.ask("cat007.php").text
+        key = re.search(r'value="[^"]*#O\|[^"]*" data-k="(\w+)"', page).group(1)
+        cart = f"{article('TZ-002')}.2.{key}"
+        self.limit("O", "O", 3)
+        order(self.visitor, cart, method=2)
+        self.assertEqual(self.stock(), "1")
+        self.assertEqual(served_lines(self.visitor, cart)[0]["m"], 1)
+
+    def test_two_lines_share_the_stock_of_their_article(self):
+        keys = re.findall(r'data-k="(\w+)"', self.visitor.ask("cat007.php").text.split("TZ-002")[0].rsplit("<article")[-1])
+        number = article("TZ-002")
+        self.limit("A", number, 3)
+        lines = served_lines(self.visitor, f"{number}.2.{keys[0]}_{number}.2.{keys[1]}")
+        self.assertEqual([line["m"] for line in lines], [1, 1])
+
+    def test_the_last_piece_goes_to_one_of_many(self):
+        self.limit("A", self.article, 1)
+        visitors = [shop().visitor() for _ in range(8)]
+        with concurrent.futures.ThreadPoolExecutor(8) as pool:
+            pages = list(pool.map(lambda visitor: self.attempt(visitor), visitors))
+        self.assertEqual((self.count("kv_ordini"), self.stock()), (1, "0"))
+        self.assertEqual(sum("thankyou" in address for address in pages), 1)
+
+    def attempt(self, visitor):
+        try:
+            return order(visitor, self.cart, method=2).address
+        except AttributeError:
+            return "order form refused"
+
+
+if __name__ == "__main__":
+    # The steps go by the simple template's pages, where a department page has every selector.
+    main(lambda catalogue: catalogue.execute("UPDATE generale SET template = 'classico'"))
