@@ -7,11 +7,13 @@
 
 #include "platform/database/recordset.h"
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "shell/workbench/busy.h"
 #include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/fields/related_words.h"
 #include "shell/workbench/fields/row_picture.h"
 #include "store/shop/load_shop.h"
+#include "store/shop/session_facts.h"
 #include "store/shop/session_start.h"
 
 namespace kv {
@@ -22,7 +24,7 @@ Workbench::Workbench(Session& session, Environment& env, WorkbenchView& view, Wo
       view_(view),
       ports_(std::move(ports)),
       sets_(session),
-      history_(sets_),
+      history_(sets_, [this] { return readSessionFacts(session_, env_.applicationFolder); }),
       editing_(sets_, env.user,
                {[this](std::string_view key, bool enabled) { commands_.StatoComando(key, enabled); },
                 [this](bool busy) { view_.showBusy(busy); }}),
@@ -250,7 +252,7 @@ std::string Workbench::picturePath(const Editor& editor) {
 
 void Workbench::showError(const Result<>& outcome) {
   if (outcome) return;
-  env_.user.message(outcome.error().what, Icon::Critical);
+  env_.user.message(failureText(outcome.error()), Icon::Critical);
 }
 
 void Workbench::editThrough(std::string_view step, const WorkbenchDialogs::Dialog& dialog) {

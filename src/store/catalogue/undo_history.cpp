@@ -94,21 +94,32 @@ Result<> UndoHistory::exchange(const Step& step, bool back) {
   Session& session = sets_.session();
   if (auto begun = session.catalogue.begin(); !begun) return begun;
   auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
-  if (moved && refresh_) moved = refresh_();
-  auto settings = moved ? readSettings(session) : Result<Recordset>(fail(moved.error()));
-  auto lists =
-      settings ? readLists(session, back ? step.before : step.after) : Result<CatalogueLists>(fail(settings.error()));
-  auto articles = lists ? countAllArticles(session) : Result<std::int64_t>(fail(lists.error()));
-  if (!articles) {
-    session.catalogue.rollback();
+  auto lists = moved ? readShown(back ? step.before : step.after) : Result<CatalogueLists>(fail(moved.error()));
+  if (!lists) session.catalogue.rollback();
+  const Result<> kept = lists ? session.catalogue.commit() : Result<>(fail(lists.error()));
+  if (!kept) {
     if (refresh_) ignore(refresh_(), "the first failure is the one to report");
-    return fail(articles.error());
+    return kept;
   }
-  if (auto kept = session.catalogue.commit(); !kept) return kept;
-  lists->generale = std::move(*settings);
-  lists->articles = *articles;
   sets_.show(std::move(*lists));
   return {};
+}
+
+/// What the session keeps of the rows, and all that is shown of them with the cursors of a step.
+Result<CatalogueLists> UndoHistory::readShown(const CatalogueCursors& cursors) {
+  Session& session = sets_.session();
+  if (refresh_) {
+    if (auto read = refresh_(); !read) return fail(read.error());
+  }
+  auto settings = readSettings(session);
+  if (!settings) return fail(settings.error());
+  auto lists = readLists(session, cursors);
+  if (!lists) return lists;
+  const auto articles = countAllArticles(session);
+  if (!articles) return fail(articles.error());
+  lists->generale = std::move(*settings);
+  lists->articles = *articles;
+  return lists;
 }
 
 }  // namespace kv

@@ -60,6 +60,7 @@ class UndoHistory {
   Result<> recordWatched(Step step, const std::function<Result<>()>& command);
   Result<> move(std::deque<Step>& from, std::deque<Step>& to, bool back);
   Result<> exchange(const Step& step, bool back);
+  Result<CatalogueLists> readShown(const CatalogueCursors& cursors);
   void keep(Step step);
 
   CatalogueSets& sets_;

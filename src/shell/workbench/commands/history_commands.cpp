@@ -26,6 +26,8 @@ Command historyRow(Command row, int position, std::string (UndoHistory::*stepNam
       done = (context.history.*move)();
     }
     context.bench.showError(done);
+    // The step may have changed the languages of the shop.
+    context.bench.MostraLingue();
     context.bench.refreshAll();
   };
   return row;
