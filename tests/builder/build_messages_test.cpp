@@ -19,14 +19,14 @@ TEST(BuildMessagesTest, AFailureIsShownWithItsNumberAndWhereItHappened) {
       "\n\nE' possibile che il template utilizzato contenga errori di progettazione: provare ad utilizzare un altro "
       "template.\n\n";
   EXPECT_EQ(
-      failureText({ErrorKind::Full, "/negozio/online/a.php", "No space left on device", 28}, "/negozio/online"),
+      buildFailureText({ErrorKind::Full, "/negozio/online/a.php", "No space left on device", 28}, "/negozio/online"),
       "Si è verificato un errore imprevisto:\n28 No space left on device (/negozio/online/a.php)" + advice + closing);
-  EXPECT_EQ(failureText({ErrorKind::Other, "", "Prezzo troppo grande: A1", overflowFailure}, "/negozio/online"),
+  EXPECT_EQ(buildFailureText({ErrorKind::Other, "", "Prezzo troppo grande: A1", overflowFailure}, "/negozio/online"),
             "Si è verificato un errore imprevisto:\n6 Prezzo troppo grande: A1" + advice + closing);
 }
 
 TEST(BuildMessagesTest, RunningOutOfTextSpaceNamesTheSettingToChange) {
-  EXPECT_EQ(failureText({ErrorKind::Other, "cat001", "out of string space", outOfTextSpace}, "/negozio/online"),
+  EXPECT_EQ(buildFailureText({ErrorKind::Other, "cat001", "out of string space", outOfTextSpace}, "/negozio/online"),
             std::string("Una o più pagine dei reparti contengono troppi articoli:\n"
                         "impostare un valore più basso (e diverso da zero) nel campo\n"
                         "\"Max articoli/pagina\" nella scheda \"Reparti\"\n\n") +

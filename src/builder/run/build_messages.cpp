@@ -11,7 +11,7 @@ std::string closingLines(const std::string& onlineFolder) {
          "Risolvere il problema, ricostruire il negozio e solo successivamente aggiornare il sito.\n";
 }
 
-std::string failureText(const Error& error, const std::string& onlineFolder) {
+std::string buildFailureText(const Error& error, const std::string& onlineFolder) {
   if (error.number == outOfTextSpace) {
     return "Una o più pagine dei reparti contengono troppi articoli:\n"
            "impostare un valore più basso (e diverso da zero) nel campo\n"

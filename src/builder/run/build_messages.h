@@ -13,7 +13,7 @@ std::string closingLines(const std::string& onlineFolder);
 
 /// The message of a failure that nobody has told of yet: what happened with its number, and the closing lines. Running
 /// out of text space has a text of its own, which names the setting to change.
-std::string failureText(const Error& error, const std::string& onlineFolder);
+std::string buildFailureText(const Error& error, const std::string& onlineFolder);
 
 /// The message of language modules that the program doesn't have, by their codes.
 std::string missingModulesText(const std::vector<std::string>& codes);

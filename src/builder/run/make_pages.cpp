@@ -34,7 +34,7 @@ BuildOutcome endOf(const Result<>& run, BuildOutput& output, UserPort& user) {
       if (output.isIncomplete()) user.message(closingLines(folder), Icon::Exclamation);
       return BuildOutcome::Failed;
     default:
-      user.message(failureText(run.error(), folder), Icon::Critical);
+      user.message(buildFailureText(run.error(), folder), Icon::Critical);
       return BuildOutcome::Failed;
   }
 }

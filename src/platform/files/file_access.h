@@ -14,6 +14,8 @@
 namespace kv {
 
 /// The failure for an errno at the path `where`: its kind, the system's text and the number.
+/// ENOENT is Missing, EACCES and EROFS are ReadOnly, ENOSPC is Full, EBUSY is InUse; what has no kind of its own is
+/// Other.
 tl::unexpected<Error> systemFailure(int number, const std::string& where);
 
 /// Asks the gate; false, with errno set, when it refuses the step. Source of the condition: FileGate::refusal.
@@ -22,9 +24,11 @@ bool mayProceed(FileStep step, const std::string& path);
 /// A file descriptor that closes itself. A negative number is one that couldn't be opened.
 class Descriptor {
  public:
+  /// `number`: what open(2) returned, -1 for its failure.
   explicit Descriptor(int number) : number_(number) {}
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor& operator=(Descriptor&&) = delete;
+  /// A failure to close is lost here: call close() where the bytes matter.
   ~Descriptor();
 
   /// Whether there is a descriptor to use.
@@ -35,6 +39,7 @@ class Descriptor {
   int close(const std::string& path);
 
  private:
+  /// Closes without asking the gate: 0 or an errno.
   int closeNow();
   int number_;
 };
@@ -45,22 +50,27 @@ bool mayWrite(const std::string& path, const struct stat& status);
 Result<> requireWritableFolderOf(const std::string& path);
 
 /// Whether a file name is that of a replacement that was never committed.
+/// It is what a crash has left, and holds nothing that is needed.
 bool isUnfinishedName(std::string_view name);
 
 /// The new content of a file, written beside it under a temporary name and renamed over it by commit(). Without a
 /// commit() the destructor removes it and the old file stays.
+/// Readers see the old content or the new one, never a part. For a link, the file it leads to is replaced.
 class Replacement {
  public:
   /// Opens the temporary file. ReadOnly when the old file may not be written, Missing when the folder isn't there. A
   /// new file gets the permission bits `mode`, reduced by the process's mask; an old one keeps its own.
+  /// A folder in the way of the file is a failure too.
   static Result<Replacement> begin(const std::string& path, mode_t mode);
   Replacement(Replacement&& other) noexcept;
   Replacement& operator=(Replacement&&) = delete;
   ~Replacement();
 
   /// Appends bytes. Full on a full disk.
+  /// After a failure nothing more should be written: let the object go.
   Result<> write(std::string_view bytes);
   /// Gives the new file the modification time of `status`.
+  /// A file system that can't keep times is no failure.
   void keepTime(const struct stat& status);
   /// Closes the temporary file and renames it over the target. On a failure the old file is as before.
   Result<> commit();

@@ -66,7 +66,7 @@ class Parser {
     return {};
   }
 
-  /// An option with a value, behind "=" or in the next argument.
+  /// An option with a value, after "=" or in the next argument.
   Result<> valued(const std::string& argument) {
     const auto equals = argument.find('=');
     const std::string name = argument.substr(0, equals);

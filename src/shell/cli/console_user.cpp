@@ -20,7 +20,7 @@ int percentOf(const Progress& progress) {
 
 bool isConsent(Answer answer) { return answer == Answer::Yes || answer == Answer::Ok; }
 
-/// The first `columns` letters of a UTF-8 text, one column each.
+/// The first `columns` characters of a UTF-8 text, one column each.
 std::string_view cut(std::string_view text, int columns) {
   std::size_t end = 0;
   for (; end < text.size(); ++end) {

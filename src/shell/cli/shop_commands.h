@@ -15,7 +15,7 @@ enum class CliOutcome { Done = 0, Failed = 1, WrongUsage = 2, Cancelled = 130 };
 /// Opens the shop and builds its site. What was made is told on `out`; messages go to the user port.
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out);
 
-/// Opens the shop as a build would and names what stands in the way of one: a folder that is no shop, a missing
+/// Opens the shop as a build would and names what prevents one: a folder that is no shop, a missing
 /// template, missing language modules, missing working folders. One sentence on `out` when nothing does.
 CliOutcome checkShop(const std::string& shop, Environment& env, std::ostream& out);
 

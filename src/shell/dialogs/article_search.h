@@ -11,15 +11,19 @@
 namespace kv {
 
 /// Whether a character may be typed into the search field: ASCII letters and digits, the space, "àèéìòù", "*" and "?".
+/// `character` is one character in UTF-8.
 bool isSearchCharacter(std::string_view character);
 
-/// The columns that can be searched, with their labels; the first is the one chosen at the start.
+/// A column of `articoli`, without the suffix of a language, and its label.
 struct SearchColumn {
   std::string_view column;
   std::string_view label;
 };
+/// The columns that can be searched; the first is the one chosen at the start. Indexes in this list are the ids of the
+/// dialog's buttons.
 const std::vector<SearchColumn>& searchColumns();
 
+/// An article that was found, as the list shows it.
 struct ArticleHit {
   std::int64_t ID = 0;
   std::string codice, titolo;

@@ -9,7 +9,7 @@
 namespace kv {
 namespace {
 
-/// What a working folder is to the session: its column, its name inside the shop's folder, its place in the session.
+/// What a working folder is to the session: its column, its name inside the shop's folder, its member of the session.
 struct Place {
   const char* column;
   const char* name;
@@ -18,7 +18,7 @@ struct Place {
 constexpr std::array<Place, 2> places{
     {{"siteonline", "online", &Session::onlineFolder}, {"sitescript", "scripts", &Session::scriptFolder}}};
 
-/// Whether two paths lead to one folder, by a link or with other letters too.
+/// Whether two paths lead to one folder, by a link or written in another case too.
 bool isSameFolder(const std::string& a, const std::string& b) {
   if (equalsIgnoringCase(withoutTrailingSeparator(a), withoutTrailingSeparator(b))) return true;
   std::error_code failure;

@@ -45,7 +45,7 @@ frmAbout::frmAbout(QWidget* parent, bool splash) : FormDialog("Informazioni su K
   column->addStretch();
   if (splash_) {
     setWindowFlags(Qt::SplashScreen);
-    // Set off from the window it stands on.
+    // Set off from the window below it.
     setBackgroundRole(QPalette::Base);
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_ShowWithoutActivating);

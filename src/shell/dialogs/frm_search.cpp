@@ -24,7 +24,7 @@ constexpr std::string_view searchTitle = "Korvane - Cerca articoli";
 constexpr std::string_view noHits = "Nessun articolo trovato";
 constexpr int columnsShown = 2;
 
-/// Lets search letters alone into a field; others vanish from what is typed or pasted.
+/// Lets search characters alone into a field; others vanish from what is typed or pasted.
 class SearchLetters final : public QValidator {
  public:
   using QValidator::QValidator;

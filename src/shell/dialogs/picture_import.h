@@ -7,7 +7,7 @@
 
 namespace kv {
 
-/// A name for a copy of `source` in the image folder that no picture there has had: the stem in lower case, letters
+/// A name for a copy of `source` in the image folder that no picture there has had: the stem in lower case, characters
 /// other than a-z, 0-9 and "_" as "_", and "_" with four hexadecimal digits, one above the highest in use.
 std::string uniquePictureName(const std::string& folder, const std::string& source);
 

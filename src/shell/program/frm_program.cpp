@@ -28,7 +28,7 @@
 namespace kv {
 namespace {
 
-/// The letter that parts decimals on this machine; the comma where it is none that a field can hold.
+/// The decimal separator of this machine; the comma where it is none that a field can hold.
 char decimalSeparator() {
   const QString point = QLocale::system().decimalPoint();
   return point == QLatin1String(".") ? '.' : ',';

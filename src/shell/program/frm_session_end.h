@@ -12,7 +12,9 @@ namespace kv {
 /// the same kind ends the process at once. One object at a time.
 class SessionEnd final : public QObject {
  public:
+  /// Installs the handlers of the three signals; one that was ignored when the program started stays ignored.
   explicit SessionEnd(QObject* parent = nullptr);
+  /// Gives the signals their default effect again.
   ~SessionEnd() override;
   SessionEnd(const SessionEnd&) = delete;
   SessionEnd& operator=(const SessionEnd&) = delete;

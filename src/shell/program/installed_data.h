@@ -1,5 +1,5 @@
 #pragma once
-// Where the data files that came with the program stand, and the application folder a run works with.
+// Where the data files that came with the program are, and the application folder a run works with.
 
 #include <string>
 

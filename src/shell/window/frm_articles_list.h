@@ -10,47 +10,63 @@
 namespace kv {
 
 /// The rows of the current department, in the language and price list being edited.
+/// Rows are counted from 0 in the order of the department. The model writes nothing; cells are edited on the page of
+/// the article.
 class ArticleModel final : public QAbstractTableModel {
   Q_OBJECT
  public:
+  /// The workbench outlives the model, which is empty until the first rebuild().
   explicit ArticleModel(Workbench& workbench, QObject* parent = nullptr);
 
+  /// The columns from left to right; the price is shown with the locale's decimal separator, an unset one as no text.
   enum Column { Code, Title, Price, ColumnCount };
 
   /// Takes over the current department's articles.
+  /// Called when rows or their order changed. A preview ends; selection and scroll position are lost.
   void rebuild();
   /// Reads the same rows again.
+  /// Called when fields of articles were written: the rows that are in view are read again, a preview ends.
   void refresh();
   /// Shows a text in a cell while it is being typed.
+  /// It replaces the preview shown before, ends with the next refresh() or rebuild(), and stores nothing. A row that
+  /// isn't in the list shows nothing.
   void preview(int row, Column column, const QString& text);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
+  /// Text for Qt::DisplayRole and Qt::ToolTipRole, alignment for the price; a row that can't be read has empty texts.
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
   Workbench& workbench_;
-  mutable ArticleRows rows_;
-  int previewRow_ = -1;  ///< of the cell that shows what is being typed; -1: none
+  mutable ArticleRows rows_;  ///< filled by data(), which is const
+  int previewRow_ = -1;       ///< of the cell that shows what is being typed; -1: none
   Column previewColumn_ = Code;
   QString previewText_;
 };
 
 /// The list on the screen. Moving the selection moves the article cursor of the workbench.
+/// An empty list says in its middle why it is empty and how to add an article.
 class ArticleList final : public QTableView {
   Q_OBJECT
  public:
+  /// The workbench outlives the list.
   explicit ArticleList(Workbench& workbench, QWidget* parent = nullptr);
 
   /// Shows the articles of another department, or in another order.
+  /// The current article stays selected; the cursor of the workbench isn't moved.
   void rebuild();
   /// Selects the current article of the workbench.
+  /// Scrolls to it; clears the selection when no article is current. Does not move the cursor.
   void selectCurrent();
+  /// Owned by the list, for previews and for reading its fields again.
   ArticleModel& articles() { return *model_; }
 
  protected:
+  /// Draws the text of an empty list; nothing more while no shop is open.
   void paintEvent(QPaintEvent* event) override;
+  /// Hands a row that the user went to to the workbench, which saves what is being typed first.
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:

@@ -39,7 +39,7 @@ void ColumnsLayout::setGeometry(const QRect& area) {
   arrange(area, true);
 }
 
-/// Places the groups, or only works out the height that they take.
+/// Lays the groups out, or only computes the height that they take.
 int ColumnsLayout::arrange(const QRect& area, bool move) const {
   const QMargins margins = contentsMargins();
   const QRect inner = area.marginsRemoved(margins);

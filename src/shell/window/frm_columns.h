@@ -7,6 +7,7 @@
 namespace kv {
 
 /// Groups keep their order; each goes below the shortest column.
+/// All columns are equally wide; how many there are follows the width at each resize.
 class ColumnsLayout final : public QLayout {
   Q_OBJECT
  public:
@@ -14,6 +15,7 @@ class ColumnsLayout final : public QLayout {
   explicit ColumnsLayout(int narrowest, QWidget* parent = nullptr);
   ~ColumnsLayout() override;
   /// A group of this layout that takes the whole width, below what comes before it.
+  /// At most one; it isn't owned.
   void setWide(const QWidget* group) { wide_ = group; }
 
   // QLayout
@@ -24,6 +26,7 @@ class ColumnsLayout final : public QLayout {
   QSize sizeHint() const override;
   QSize minimumSize() const override;
   bool hasHeightForWidth() const override { return true; }
+  /// The height in pixels that all groups need at a width.
   int heightForWidth(int width) const override { return arrange(QRect(0, 0, width, 0), false); }
   void setGeometry(const QRect& area) override;
 

@@ -17,7 +17,7 @@
 namespace kv {
 namespace {
 
-constexpr int numberWidth = 12;  // letters
+constexpr int numberWidth = 12;  // average characters
 
 bool isNumberKind(FieldKind kind) { return kind == FieldKind::WholeNumber || isDecimalKind(kind); }
 

@@ -17,12 +17,17 @@ namespace kv {
 class PicturePreview;
 
 /// The window's actions by the names of their commands.
+/// Null for a name that isn't in the table.
 using CommandActions = std::function<QAction*(std::string_view name)>;
 
 /// One editor on a page. What was typed and not saved yet is never overwritten by the row.
+/// Saving happens when a line or memo loses the focus, at once for a check box or a choice, and whenever the window
+/// finishes its edits.
 class EditorBinding final : public QObject {
   Q_OBJECT
  public:
+  /// Makes the control as a child of `parent`, which owns the binding too. Editor and workbench outlive it. `actions`
+  /// is asked for the buttons of pictures and variants.
   EditorBinding(const Editor& editor, Workbench& workbench, const CommandActions& actions, QWidget* parent);
 
   /// The row of the table that this is.
@@ -33,17 +38,22 @@ class EditorBinding final : public QObject {
   /// them: a reader of the screen finds the label of a field among its neighbours.
   QLayout* row() const { return row_; }
   /// The label beside the control, which is dimmed with it.
+  /// It belongs to the page; without one nothing is dimmed.
   void setLabel(QLabel* label) { label_ = label; }
   /// Whether the label is part of the control itself.
   bool labelsItself() const { return editor_.control == Control::Check; }
 
   /// Shows the current row, unless something typed still waits to be saved.
+  /// Also limits what can be typed to what the column takes. Called whenever the row or its fields changed.
   void show();
   /// The control is enabled as the workbench says, its label and unit with it.
+  /// Called when a mask or a setting that it depends on has changed.
   void refreshEnabled();
   /// Hands what was typed to the workbench.
+  /// Nothing when nothing was typed since the last time. A failure is told to the user by the workbench.
   void commit();
   /// Shows a text that follows from another field that is being typed.
+  /// It isn't saved, and does nothing while this field itself has something to be saved.
   void preview(const QString& text);
 
  signals:
@@ -51,26 +61,34 @@ class EditorBinding final : public QObject {
   void entered();                   ///< Enter was typed
 
  private:
+  // One of these makes the control, by the kind that the table gives it. `hidden`: dots instead of the text.
   void makeLine(bool hidden);
   void makeMemo();
   void makeCheck();
+  /// The row holds the index of the choice.
   void makeChoice();
+  /// The row holds the text; one that isn't offered any more is shown all the same.
   void makePick();
+  /// A choice or any text that its kind allows.
   void makeCombo();
   void makePicture(const CommandActions& actions);
   void makeVariant(const CommandActions& actions);
+  /// Text that can be copied and not edited.
   void makeShown();
+  /// Takes the control over and names it, for tests, the guide and screen readers.
   void adopt(QWidget* field);
+  /// The user changed the control: it is to be saved. Nothing while the program changes it.
   void edited();
+  /// Puts the unit of the table after the control; nothing for a row without one.
   void addUnit(QWidget* field);
 
   const Editor& editor_;
   Workbench& workbench_;
-  QWidget* parent_;
-  QWidget* field_ = nullptr;
+  QWidget* parent_;           ///< owns the controls
+  QWidget* field_ = nullptr;  ///< set by adopt()
   QLayout* row_ = nullptr;
-  QLabel* unit_ = nullptr;
-  QLabel* label_ = nullptr;
+  QLabel* unit_ = nullptr;   ///< null: none
+  QLabel* label_ = nullptr;  ///< null: none, or a part of the control
   // How the text of the control is read and set, whatever it is.
   std::function<QString()> read_;
   std::function<void(const QString&)> write_;

@@ -18,7 +18,7 @@ FieldFilter::FieldFilter(FieldKind kind, char decimalSeparator, QLineEdit* line)
 
 QValidator::State FieldFilter::validate(QString& text, int& position) const {
   if (text == held_) return Acceptable;
-  // What is new stands between what has stayed in front and what has stayed behind.
+  // What is new is between what has stayed at the start and what has stayed at the end.
   const qsizetype most = std::min(text.size(), held_.size());
   qsizetype front = 0;
   while (front < most && text[front] == held_[front]) ++front;

@@ -13,27 +13,34 @@
 namespace kv {
 
 /// Filters what is typed or pasted into a line; what is there already stays.
+/// A text set by the program passes unfiltered: a stored value that breaks the rules is shown as it is.
 class FieldFilter final : public QValidator {
   Q_OBJECT
  public:
+  /// `decimalSeparator`: "," or "." of the user's locale. The filter belongs to the line, and watches it.
   FieldFilter(FieldKind kind, char decimalSeparator, QLineEdit* line);
   /// Removes from `text` what the kind of the field does not allow, and keeps the cursor on the same character.
+  /// Only what differs from the text before is filtered, so that a paste loses its forbidden characters and no more.
+  /// Always Acceptable.
   State validate(QString& text, int& position) const override;
   /// The text as the program sets it, which isn't filtered.
   void hold(const QString& text) { held_ = text; }
 
  private:
-  FieldKind kind_;
+  FieldKind kind_;  ///< whose rules apply
   char separator_;
   QString held_;  ///< let through whatever it holds
 };
 
 /// One line. While it is being typed into, a number is brought within its limits.
+/// Enter and a loss of the focus are signalled as by any QLineEdit; the binding of the field saves then.
 class FieldLine : public QLineEdit {
   Q_OBJECT
  public:
+  /// `decimalSeparator`: as FieldFilter.
   FieldLine(FieldKind kind, char decimalSeparator, QWidget* parent = nullptr);
   /// Shows a text of the row, unfiltered, as the last good one.
+  /// Called for the row that became current; the cursor goes to the start. No signal of typing is emitted.
   void load(const QString& text);
 
  signals:
@@ -41,43 +48,56 @@ class FieldLine : public QLineEdit {
   void givenUp();
 
  protected:
+  /// Escape alone emits givenUp; every other key is that of a line.
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
   /// Brings what was typed to the form that the kind allows.
   void applyChange(const QString& text);
-  FieldFilter* filter_;
+  FieldFilter* filter_;  ///< belongs to the line
   FieldKind kind_;
   char separator_;
   QString lastGood_;  ///< the last text that was a number
 };
 
 /// Many lines. Tab leaves it.
+/// The characters "|", "[" and "]" are swallowed when typed, and what is pasted or composed goes through the rules of
+/// plain text. Pasted text loses its formats.
 class FieldMemo final : public QPlainTextEdit {
   Q_OBJECT
  public:
   explicit FieldMemo(QWidget* parent = nullptr);
+  /// Six lines of thirty average characters.
   QSize sizeHint() const override;
 
  signals:
+  // Not emitted when only a menu of the field itself has opened.
   void left();  ///< the focus has gone elsewhere
 
  protected:
+  /// Swallows the three characters.
   void keyPressEvent(QKeyEvent* event) override;
+  /// Filters what an input method or a dead key composes.
   void inputMethodEvent(QInputMethodEvent* event) override;
+  /// Filters what is pasted or dropped; only text is taken.
   void insertFromMimeData(const QMimeData* source) override;
   void focusOutEvent(QFocusEvent* event) override;
 };
 
 /// A drop-down list; the wheel turns it only while it has the focus, so that scrolling a page changes nothing.
+/// It may be edited, with a FieldLine inside, or only chosen from; typed text is never added to the choices.
 class FieldList final : public QComboBox {
   Q_OBJECT
  public:
+  /// Starts empty; fill() or `refill` gives it its choices.
   explicit FieldList(QWidget* parent = nullptr);
   /// Called before the list is opened, to fill it again; the text typed is kept.
+  /// Unset: the choices given by fill() stay.
   std::function<QStringList()> refill;
   /// Replaces the choices; the text stays.
+  /// No signal is emitted. In a list that can't be typed into, a text that isn't offered leaves no choice selected.
   void fill(const QStringList& choices);
+  /// Runs `refill` first, so that the list shows what is in use now.
   void showPopup() override;
 
  protected:

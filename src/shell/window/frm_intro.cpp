@@ -124,7 +124,7 @@ void frmIntro::narrowMain(QWidget& mainWindow, const QRect& room) {
   mainNarrow_ = mainWindow.width();
 }
 
-/// Gives the main window its place back, unless the user has sized it meanwhile.
+/// Gives the main window its geometry back, unless the user has sized it meanwhile.
 void frmIntro::widenMain() {
   if (main_ != nullptr && main_->width() == mainNarrow_) main_->restoreGeometry(mainBefore_);
   main_ = nullptr;

@@ -198,7 +198,7 @@ void frmMain::close() { QMainWindow::close(); }
 
 void frmMain::closeEvent(QCloseEvent* event) {
   finishEdits();
-  // The guide gives back the room that it took, before the place is remembered.
+  // The guide gives back the room that it took, before the geometry is stored.
   if (auto* guide = findChild<QDialog*>(QStringLiteral("frmIntro"))) guide->close();
   keepLayout();
   // A session that is open when the window goes was left by the user.

@@ -98,7 +98,7 @@ void MainMenus::makeActions(QMainWindow& window) {
       action->setObjectName(QStringLiteral("cmdButton%1").arg(command.number));
       action->setEnabled(false);
     }
-    // What stands in no menu is reached by its key alone.
+    // What is in no menu is reached by its key alone.
     if (command.menus.empty()) window.addAction(action);
     connect(action, &QAction::triggered, this, [this, &command] {
       if (command.number >= 0) return workbench_.commands().EseguiComando(command.number);
@@ -151,7 +151,7 @@ void MainMenus::makeMenu(QMenuBar& bar, Menu which) {
 
 QToolBar* MainMenus::makeToolbar(QMainWindow& window, Toolbar which, const QString& title) {
   auto* bar = new QToolBar(title, &window);
-  if (which != Toolbar::Shop) bar->addSeparator();  // from the row of the shop, while both stand in one line
+  if (which != Toolbar::Shop) bar->addSeparator();  // from the row of the shop, while both are in one line
   for (const Command* command : table().buttonsOf(which)) {
     if (command == nullptr) {
       bar->addSeparator();

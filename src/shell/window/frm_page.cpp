@@ -17,10 +17,10 @@
 namespace kv {
 namespace {
 
-constexpr int narrowestColumn = 54;  // letters
+constexpr int narrowestColumn = 54;  // average characters
 constexpr int rowSpacing = 6;
 
-/// The heading of a group stands out from what is below it, which keeps the usual letters.
+/// The heading of a group is bold; what is below it keeps the usual font.
 QWidget* underHeading(QGroupBox& box) {
   QFont heading = box.font();
   heading.setBold(true);

@@ -90,7 +90,7 @@ void PicturePreview::load() {
     preview_->setText(tr("(non leggibile)"));
     return;
   }
-  // On the white of a page, as visitors see it: a transparent logo may have dark letters.
+  // On the white of a page, as visitors see it: a transparent logo may have dark text.
   QPixmap onPage(picture.size());
   onPage.fill(Qt::white);
   QPainter(&onPage).drawPixmap(0, 0, picture);

@@ -13,7 +13,7 @@
 namespace kv {
 namespace {
 
-constexpr int rowRoom = 8;     // pixels above and below the letters together
+constexpr int rowRoom = 8;     // pixels above and below the text together
 constexpr int dragTwips = 45;  // a twip is the 1440th part of an inch
 const QString departmentMime = QStringLiteral("application/x-korvane-reparto");
 
@@ -109,7 +109,7 @@ bool DepartmentModel::canDropMimeData(const QMimeData* data, Qt::DropAction acti
   return workbench_.canMoveNode(data->data(departmentMime).toStdString(), keyOf(parent));
 }
 
-/// The move itself waits until the drag is over: it builds the tree anew, under the hands of who is dragging.
+/// The move itself waits until the drag is over: it rebuilds the tree, under the hands of who is dragging.
 bool DepartmentModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                                    const QModelIndex& parent) {
   if (!canDropMimeData(data, action, row, column, parent)) return false;

@@ -12,16 +12,23 @@
 namespace kv {
 
 /// The departments as nodes under one root. A node is identified by the ID of its department, the root by "###".
+/// A department whose parent doesn't exist is shown under the root. The model changes no row of the catalogue; a drop
+/// is handed to the workbench.
 class DepartmentModel final : public QAbstractItemModel {
   Q_OBJECT
  public:
+  /// The workbench outlives the model, which has the root alone until the first rebuild().
   explicit DepartmentModel(Workbench& workbench, QObject* parent = nullptr);
 
   /// Takes over the tree of the workbench.
+  /// Called when departments or their order changed. All QModelIndex of before are invalid then; the view restores what
+  /// was expanded.
   void rebuild();
   /// Shows another title at a department; nothing for an ID that isn't there.
+  /// Called while a title is being typed; nothing is stored. The title of the root stays.
   void setTitle(const std::string& ID, const QString& title);
   /// The node of a department; the root for "###", an invalid index for an unknown ID.
+  /// It holds until the next rebuild().
   QModelIndex indexOf(const std::string& ID) const;
   /// The key of a node; "###" for the root.
   std::string keyOf(const QModelIndex& index) const;
@@ -31,53 +38,67 @@ class DepartmentModel final : public QAbstractItemModel {
   QModelIndex parent(const QModelIndex& child) const override;
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
+  /// The title, and a row height of the font's height and eight pixels.
   QVariant data(const QModelIndex& index, int role) const override;
+  /// Every node takes a drop; every node but the root can be dragged.
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   QStringList mimeTypes() const override;
   QMimeData* mimeData(const QModelIndexList& indexes) const override;
   Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
+  /// Whether the workbench allows the move: not onto the node itself or a descendant.
   bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                        const QModelIndex& parent) const override;
+  /// Always false, so that the view removes no row: the rows change when the tree is rebuilt after the move.
   bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                     const QModelIndex& parent) override;
 
  signals:
   /// A department was dropped on another or on the root; the workbench moves it.
+  /// Emitted from the event loop once the drag has ended.
   void dropped(const std::string& key, const std::string& nuovoParent);
 
  private:
   /// A node by its index in nodes_, which is also the internal id of its QModelIndex.
   struct Node {
-    std::string key;
-    QString title;
-    std::size_t parent = 0;  ///< index in nodes_
-    int row = 0;             ///< among its siblings
-    std::vector<std::size_t> children;
+    std::string key;                    ///< ID of the department; "###" for the root
+    QString title;                      ///< as shown, which may be one being typed
+    std::size_t parent = 0;             ///< index in nodes_
+    int row = 0;                        ///< among its siblings
+    std::vector<std::size_t> children;  ///< indexes in nodes_, in the order shown
   };
   const Node& node(const QModelIndex& index) const { return nodes_[static_cast<std::size_t>(index.internalId())]; }
 
   Workbench& workbench_;
-  std::vector<Node> nodes_;  ///< the root first
-  std::unordered_map<std::string, std::size_t> places_;
+  std::vector<Node> nodes_;                              ///< the root first
+  std::unordered_map<std::string, std::size_t> places_;  ///< index in nodes_ by key
 };
 
 /// The tree on the screen. Moving the selection moves the department cursor of the workbench.
+/// Titles are edited on the page of the department, not in the tree.
 class DepartmentView final : public QTreeView {
   Q_OBJECT
  public:
+  /// The workbench outlives the view, which starts empty.
   explicit DepartmentView(Workbench& workbench, QWidget* parent = nullptr);
 
   /// Shows the tree again; what was expanded stays so.
+  /// The root is expanded. The selection is lost: the workbench selects the current department next.
   void rebuild();
   /// Selects the node of a department and scrolls to it, without moving the cursor of the workbench.
+  /// "###" selects the root; an unknown ID changes nothing.
   void select(const std::string& ID);
   /// Expands every node, or collapses every one but the root.
+  /// The selected node stays in view.
   void expandTree(bool expanded);
+  /// Owned by the view, for titles that are being typed.
   DepartmentModel& departments() { return *model_; }
 
  protected:
+  /// Hands the node that the user went to to the workbench, which saves what is being typed first.
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  /// Remembers where a drag may begin.
   void mousePressEvent(QMouseEvent* event) override;
+  /// Begins a drag after 45 twips (1/32 inch) along one axis, the same on every desktop.
   void mouseMoveEvent(QMouseEvent* event) override;
 
  private:

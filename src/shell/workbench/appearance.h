@@ -5,6 +5,7 @@
 
 namespace kv {
 
+/// As the desktop prefers, or light or dark whatever it prefers.
 enum class Appearance { Desktop, Light, Dark };
 
 /// The choice stored under `Aspetto`: "chiaro", "scuro"; anything else, and nothing, is the desktop's.

@@ -19,26 +19,34 @@ struct ArticleRow {
   std::string prezzo;  ///< in the price list being edited, as stored; empty for none
 };
 
+/// It is a view beside the cursor of articles and moves nothing. Rows that were read are kept until forget() or
+/// refresh(), so that scrolling up and down costs nothing.
 class ArticleRows {
  public:
+  /// The sets outlive it. Empty until the first refresh().
   explicit ArticleRows(CatalogueSets& sets) : sets_(sets) {}
 
   /// Reads the keys of the current department's articles in their order; prices are those of a price list, 0 to 9.
+  /// Empty without an open shop or a current department; a failure leaves the keys read until then.
   void refresh(int listino);
   /// Forgets what the rows said; keys and order stay.
+  /// Called when fields of articles were written; each row is read again when it is looked at.
   void forget() { rows_.clear(); }
   /// How many articles the department has.
   std::size_t size() const { return keys_.size(); }
   /// The row at an index from 0; an empty one when it can't be read.
+  /// The reference holds until the next forget() or refresh(). Title and price are read in the session's language and
+  /// the price list of refresh().
   const ArticleRow& at(std::size_t index);
   /// The index of an article; none when it is not of this department.
+  /// Searches all keys in turn.
   std::optional<std::size_t> indexOf(std::int64_t ID) const;
 
  private:
   CatalogueSets& sets_;
-  int listino_ = 0;
-  std::vector<std::int64_t> keys_;
-  std::unordered_map<std::int64_t, ArticleRow> rows_;
+  int listino_ = 0;                                    ///< 0 to 9
+  std::vector<std::int64_t> keys_;                     ///< IDs in the order shown
+  std::unordered_map<std::int64_t, ArticleRow> rows_;  ///< the rows looked at, by ID
 };
 
 }  // namespace kv

@@ -17,10 +17,10 @@ struct CommandContext;
 enum class Menu { File, EditDepartments, EditArticles, EditSite, EditInternet, View, Help };
 inline constexpr int menuCount = 7;
 
-/// A place in a menu.
+/// The position of a command in a menu.
 struct MenuPlace {
   Menu menu = Menu::File;
-  /// Entries stand in the order of their positions, with a separator between hundreds: 203 is the third of the second
+  /// Entries are in the order of their positions, with a separator between hundreds: 203 is the third of the second
   /// group. No two entries of a menu share one.
   int position = 0;
   std::string_view text;          ///< as shown in the entry
@@ -30,7 +30,7 @@ struct MenuPlace {
 /// The rows of buttons: that of the shop, which always shows, and those of two tabs.
 enum class Toolbar { None, Shop, Departments, Articles };
 
-/// A place in a row of buttons; positions as in a menu.
+/// The position of a command in a row of buttons, counted as in a menu.
 struct ToolbarPlace {
   Toolbar bar = Toolbar::None;
   int position = 0;
@@ -62,7 +62,7 @@ struct Command {
 
   Test visible = {};  ///< whether its entries show; unset: always
   Test checked = {};  ///< whether its entries are marked; unset: they can't be
-  /// The text of its entries where it changes; unset: that of the place.
+  /// The text of its entries where it changes; unset: that of its menu entry.
   std::function<std::string(const CommandContext&)> text = {};
 };
 

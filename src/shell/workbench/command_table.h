@@ -22,6 +22,7 @@ struct Shortcut {
   const Command* command = nullptr;
 };
 
+/// Numbers and names are unique among the rows, which never change.
 class CommandTable {
  public:
   /// Takes the rows over; pointers to them hold as long as the table.
@@ -37,8 +38,10 @@ class CommandTable {
   const Command* named(std::string_view name) const;
 
   /// The entries of a menu in their order, with the separators between their groups.
+  /// No separator comes first or last.
   std::vector<MenuItem> entriesOf(Menu menu) const;
   /// The buttons of a row in their order; null: a separator.
+  /// No separator comes first or last.
   std::vector<const Command*> buttonsOf(Toolbar bar) const;
   /// Every shortcut there is, in the order of the rows.
   std::vector<Shortcut> shortcuts() const;
@@ -48,6 +51,7 @@ class CommandTable {
 };
 
 /// The title of a menu, as the menu bar shows it.
+/// Without "&".
 std::string_view titleOf(Menu menu);
 
 /// The keys of StatoComando that belong to no command: masks over all editors of a panel, and the choice of a folder of

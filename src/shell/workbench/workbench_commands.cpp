@@ -49,7 +49,7 @@ void WorkbenchCommands::refreshKeys() {
   }
 }
 
-EntryState WorkbenchCommands::stateOf(const Command& command, const MenuPlace* place) const {
+EntryState WorkbenchCommands::stateOf(const Command& command, const MenuPlace* entry) const {
   EntryState state;
   state.enabled = isEnabled(command);
   state.visible = !command.visible || command.visible(context_);
@@ -57,8 +57,8 @@ EntryState WorkbenchCommands::stateOf(const Command& command, const MenuPlace* p
   state.checked = state.checkable && command.checked(context_);
   if (command.text) {
     state.text = command.text(context_);
-  } else if (place != nullptr) {
-    state.text = place->text;
+  } else if (entry != nullptr) {
+    state.text = entry->text;
   }
   return state;
 }

@@ -10,10 +10,11 @@
 
 namespace kv {
 
+/// Handed over when the workbench is made; the program fills it for the window, a test with what it plays.
 struct WorkbenchPorts {
   /// The program's own are allCommands(); a test may add one.
   std::vector<Command> commands;
-  WorkbenchDialogs dialogs;
+  WorkbenchDialogs dialogs;                         ///< a dialog that is unset leaves its commands disabled
   DocumentOpener open;                              ///< of the desktop; unset: documents don't open
   std::function<void(Appearance)> applyAppearance;  ///< makes the windows light or dark
   char decimalSeparator = ',';                      ///< of the user's locale, in every field

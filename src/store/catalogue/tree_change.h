@@ -15,13 +15,16 @@
 namespace kv {
 
 /// Holds the listener back, and everything written in one transaction. What isn't kept is rolled back.
+/// The handlers of the cursors don't run while it lives: nothing is shown until one of the keep functions.
 class TreeChange {
  public:
+  /// Begins the transaction; the catalogue is open.
   explicit TreeChange(CatalogueSets& sets) : sets_(sets), begun_(sets.session().catalogue.begin()) {
     sets_.suppress(true);
   }
   TreeChange(const TreeChange&) = delete;
   TreeChange& operator=(const TreeChange&) = delete;
+  /// Rolls back what wasn't kept, and lets the handlers work again.
   ~TreeChange() {
     if (begun_ && !kept_) sets_.session().catalogue.rollback();
     sets_.suppress(false);
@@ -33,39 +36,44 @@ class TreeChange {
   Result<> keep();
   /// Keeps, and shows the catalogue as it now is, the cursors on a department ("###": on none) and its first article.
   /// recounted: whether the number of the shop's articles may have changed.
+  /// A failure to read what is to be shown keeps nothing.
   Result<> keepAndShow(const std::string& department, bool recounted = false);
   /// Keeps, and shows the articles of the current department, the cursor on one of them.
+  /// `department`: its ID; the number of the shop's articles is counted again.
   Result<> keepAndShowArticle(const std::string& department, std::int64_t article);
   /// The same with the cursor on a position of the list, from 0: on the last article when it isn't that long.
   Result<> keepAndShowPosition(const std::string& department, std::size_t position);
 
  private:
+  /// Keeps, and shows these rows with the cursor where it is in them.
   Result<> keepArticles(Recordset articles);
 
   CatalogueSets& sets_;
   Result<> begun_;
-  bool kept_ = false;
+  bool kept_ = false;  ///< committed, or the commit has failed
 };
 
 /// A department as a command finds it in the catalogue.
 struct CurrentDepartment {
   std::int64_t contatore = 0;  ///< serial number
-  std::string ID;
-  std::string genitore;  ///< ID of the parent; "###" for the root, also where none is stored
-  std::int64_t livello = 1;
-  bool hafigli = false;  ///< has sub-departments
+  std::string ID;              ///< "cat007"
+  std::string genitore;        ///< ID of the parent; "###" for the root, also where none is stored
+  std::int64_t livello = 1;    ///< depth in the tree, 1 at the top level
+  bool hafigli = false;        ///< has sub-departments
 };
 /// The one that the cursor is on; it is on one.
+/// A row that can't be read is a failure, not a department of empty fields.
 Result<CurrentDepartment> readCurrent(CatalogueSets& sets);
 
 /// Runs a statement with values in place of its question marks.
+/// For a statement that returns no rows.
 Result<> runWith(Database& database, std::string_view sql, std::initializer_list<Value> values);
 /// The first field of its first row; Null when there is none.
 Result<Value> scalarWith(Database& database, std::string_view sql, std::initializer_list<Value> values);
 
 /// A list in its order: the keys of the rows (articles: ID, departments: contatore) and their order numbers.
 struct OrderedList {
-  std::vector<std::int64_t> keys, orders;
+  std::vector<std::int64_t> keys, orders;  ///< of equal length
 
   /// Where a key is, from 0; none when it isn't there.
   std::optional<std::size_t> positionOf(std::int64_t key) const;
@@ -81,6 +89,7 @@ inline constexpr std::string_view siblingsInOrder =
     "ORDER BY livello, ordinamento, contatore";
 
 /// Gives rows their new order numbers, key by key. `update` takes the number and the key, and outlives it.
+/// It prepares `update` once, however many rows are written.
 class OrderWriter {
  public:
   OrderWriter(Database& database, std::string_view update) : database_(database), update_(update) {}
@@ -90,8 +99,9 @@ class OrderWriter {
  private:
   Database& database_;
   std::string_view update_;
-  std::optional<Statement> statement_;
+  std::optional<Statement> statement_;  ///< none before the first write
 };
+/// The statements for the two lists.
 inline constexpr std::string_view writeArticleOrder = "UPDATE articoli SET ordinamento = ? WHERE ID = ?";
 inline constexpr std::string_view writeDepartmentOrder = "UPDATE categorie SET ordinamento = ? WHERE contatore = ?";
 

@@ -19,11 +19,13 @@ enum class TreeList { Articles = 0, Departments = 1 };
 /// What of the window the commands reach for; either may be empty.
 struct EditingHooks {
   /// Enables or disables a command by its key.
+  /// Called after a copy, with the keys of the two pastes.
   std::function<void(std::string_view key, bool enabled)> StatoComando;
   /// Shows the wait cursor, or the usual one again.
   std::function<void(bool busy)> pointer;
 };
 
+/// Each command returns once everything is shown; whether it is a step of the history is the caller's matter.
 class TreeEditing {
  public:
   /// The sets are bound whenever a command runs.
@@ -31,10 +33,12 @@ class TreeEditing {
       : sets_(sets), user_(user), hooks_(std::move(hooks)) {}
 
   /// The page model that the window's list shows: the one a new department starts with.
+  /// The name of a template, called whenever another department becomes current.
   void showModel(std::string model) { model_ = std::move(model); }
 
   /// InserisciArticoloDopo, -Prima (insert an article after, before): a new article after or before the current one, at
   /// the end or the start of the list when none is current; nothing without a department. It becomes the current one.
+  /// Other articles are renumbered only where the new one needs room.
   Result<> InserisciArticoloDopo();
   Result<> InserisciArticoloPrima();
   /// InserisciRepartoDopo, -Prima (insert a department after, before): a new department after or before the current
@@ -43,6 +47,7 @@ class TreeEditing {
   Result<> InserisciRepartoPrima();
   /// NuovoSottoreparto (new sub-department): the last one under the current department, or at the top level when there
   /// is none.
+  /// It becomes the current one.
   Result<> NuovoSottoreparto();
 
   /// Sposta (move): exchanges the current row with its neighbour: direzione -1 up, +1 down. At the end of the list
@@ -51,11 +56,13 @@ class TreeEditing {
 
   /// EliminaArticolo, EliminaReparto (delete an article, a department): asks first, with No as the default. A
   /// department with sub-departments, and the only one, stay, and the merchant is told why.
+  /// Afterwards the article at the same index is current, or the last one; for a department its parent.
   Result<> EliminaArticolo();
   Result<> EliminaReparto();
 
   /// CopiaArticolo, CopiaReparto (copy an article, a department) to the clipboard tables of the catalogue. With a
   /// department go its articles, if the merchant says so; Yes is the default.
+  /// What was in the clipboard is replaced.
   Result<> CopiaArticolo();
   Result<> CopiaReparto();
   /// IncollaArticoli, IncollaReparto (paste the articles, the department): after the current article; before the
@@ -65,31 +72,35 @@ class TreeEditing {
 
   /// SpostaNodo (move a node): hangs a department under another, or under the root. Refused, without a word: onto
   /// itself or onto its own descendant. All departments take the order numbers of the tree that results.
+  /// "###" names the root. Unknown IDs change nothing.
   Result<> SpostaNodo(const std::string& key, const std::string& nuovoParent);
 
  private:
   /// What a new department starts with.
   struct DepartmentPlan {
-    std::int64_t ordine = 1;
-    std::string genitore;
-    std::int64_t livello = 1;
-    bool sideBySide = false;  ///< `affiancati` is a space rather than null
+    std::int64_t ordine = 1;   ///< order number among its siblings
+    std::string genitore;      ///< ID of the parent, "###" for the root
+    std::int64_t livello = 1;  ///< depth in the tree, 1 at the top level
+    bool sideBySide = false;   ///< `affiancati` is a space rather than null
   };
   struct NewDepartment {
-    std::int64_t contatore = 0;
+    std::int64_t contatore = 0;  ///< serial number
     std::string ID;
   };
 
   // Parts of commands; each writes inside the transaction of its command and shows nothing.
+  /// Its ID.
   Result<std::int64_t> NuovoArticolo(const std::string& department, std::int64_t ordine);
   Result<NewDepartment> NuovoReparto(bool after);
   Result<NewDepartment> addDepartment(const DepartmentPlan& plan);
   Result<NewDepartment> addUnderCurrent();
+  /// False when there is no neighbour in that direction.
   Result<bool> exchange(TreeList list, std::int64_t key, const Value& holder, int direzione);
   Result<> copyArticles(const std::string& condition, const Value& value);
   Result<> fill(std::string_view table, std::string_view clipboard, std::int64_t from, std::int64_t to);
   Result<std::int64_t> pasteArticles(const CatalogueCursors& at);
 
+  // Whole commands that the public ones are made of, and their questions.
   Result<> insertArticle(bool after);
   Result<> insertDepartment(bool after);
   Result<> deleteDepartment(const std::string& department, const std::string& parent);
@@ -99,7 +110,7 @@ class TreeEditing {
   CatalogueSets& sets_;
   UserPort& user_;
   EditingHooks hooks_;
-  std::string model_;
+  std::string model_;  ///< empty until showModel()
 };
 
 }  // namespace kv

@@ -14,9 +14,11 @@
 
 namespace kv {
 
+/// Rows are put back by their own keys, so a step can only be undone while the rows are as it left them.
 class UndoHistory {
  public:
   /// The memory that steps take by default, in bytes.
+  /// 64 MiB of row images.
   static constexpr std::size_t usualBytes = std::size_t{64} << 20;
 
   /// What is read again after the rows of a step were put back or forward, before the lists are shown.
@@ -28,13 +30,16 @@ class UndoHistory {
       : sets_(sets), refresh_(std::move(refresh)), mostBytes_(mostBytes) {}
 
   /// Starts watching the session's catalogue, with an empty history; end() must come before it closes.
+  /// end() does nothing without begin(), and drops every step. Both are called by whoever opens and closes a shop.
   void begin();
+  /// Stops watching; until the next begin() commands run and nothing is recorded.
   void end();
 
   /// Runs a command and keeps what it changed as one step; none when it changed nothing. Steps that were undone are
   /// gone then. The command's failure is handed through, and what it wrote before is reverted; what can't be reverted
   /// is a step all the same. When what it changed cannot be read, the change stays, the history is cleared, and that
   /// failure is returned. A command inside a command belongs to the outer one.
+  /// `name` is what the menu entries of undo and redo show. Without begin() the command just runs.
   Result<> record(const std::string& name, const std::function<Result<>()>& command);
 
   bool canUndo() const { return !done_.empty(); }
@@ -46,30 +51,37 @@ class UndoHistory {
   /// Undoes the last step, or does it again; the sets are read again, and the cursors are where they were before or
   /// after it. Malformed when somebody else changed the rows meanwhile: the history is cleared then. Any other failure
   /// leaves rows, sets and history as they were.
+  /// Nothing happens, and there is no failure, when there is no such step.
   Result<> undo();
   Result<> redo();
+  /// Drops all steps and goes on watching.
   void clear();
 
  private:
   struct Step {
-    std::string name;
-    RowChanges changes;
-    CatalogueCursors before, after;
-    std::size_t size = 0;
+    std::string name;                ///< as given to record()
+    RowChanges changes;              ///< the rows before and after
+    CatalogueCursors before, after;  ///< where the cursors were
+    std::size_t size = 0;            ///< bytes of its row images
   };
+  /// Runs the command and turns what the recorder saw into a step.
   Result<> recordWatched(Step step, const std::function<Result<>()>& command);
+  /// Moves the last step of one stack to the other; `back`: undo. Clears the history on Malformed.
   Result<> move(std::deque<Step>& from, std::deque<Step>& to, bool back);
+  /// Writes the rows of a step and shows them, in one transaction: all of it or nothing.
   Result<> exchange(const Step& step, bool back);
+  /// Reads what the session keeps of the rows, and what is shown with these cursors.
   Result<CatalogueLists> readShown(const CatalogueCursors& cursors);
+  /// Adds a step, drops what was undone, and the oldest steps over the limit.
   void keep(Step step);
 
   CatalogueSets& sets_;
   Refresh refresh_;
   std::size_t mostBytes_;
-  std::unique_ptr<ChangeRecorder> recorder_;
-  std::deque<Step> done_, undone_;
-  std::size_t size_ = 0;  ///< bytes of the steps done
-  int depth_ = 0;
+  std::unique_ptr<ChangeRecorder> recorder_;  ///< null while no catalogue is watched
+  std::deque<Step> done_, undone_;            ///< the newest last
+  std::size_t size_ = 0;                      ///< bytes of the steps done
+  int depth_ = 0;                             ///< commands running inside one another
 };
 
 }  // namespace kv

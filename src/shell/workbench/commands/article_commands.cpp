@@ -6,6 +6,7 @@ namespace kv {
 namespace {
 
 using enum Menu;
+using enum Toolbar;
 
 /// The row of an edit of the list, enabled while an article is current.
 Command articleCommand(Command row, TreeEdit edit) {
@@ -17,6 +18,94 @@ Command articleCommand(Command row, TreeEdit edit) {
 Command insertCommand(Command row, TreeEdit edit) {
   row.enabled = isOnDepartment;
   return treeCommand(std::move(row), std::move(edit));
+}
+
+/// Exchange of the current article with its neighbour.
+std::vector<Command> moveCommands() {
+  constexpr std::string_view step = "Sposta articolo";
+  return {articleCommand({.number = 0,
+                          .name = "article.up",
+                          .key = "articolo su",
+                          .caption = "Muovi su",
+                          .icon = "su",
+                          .menus = {{EditArticles, 201, "Su", "Sposta"}},
+                          .toolbar = {Articles, 101},
+                          .shortcut = "Ctrl+Up",
+                          .step = step},
+                         [](TreeEditing& editing) { return editing.Sposta(-1, TreeList::Articles); }),
+          articleCommand({.number = 1,
+                          .name = "article.down",
+                          .key = "articolo giu",
+                          .caption = "Muovi giù",
+                          .icon = "giu",
+                          .menus = {{EditArticles, 202, "Giu", "Sposta"}},
+                          .toolbar = {Articles, 102},
+                          .shortcut = "Ctrl+Down",
+                          .step = step},
+                         [](TreeEditing& editing) { return editing.Sposta(+1, TreeList::Articles); })};
+}
+
+/// A new article before or after the current one.
+std::vector<Command> insertCommands() {
+  constexpr std::string_view step = "Aggiungi articolo";
+  return {insertCommand({.number = 2,
+                         .name = "article.insertBefore",
+                         .key = "+ articolo prima",
+                         .caption = "Aggiungi articolo prima",
+                         .icon = "prima",
+                         .menus = {{EditArticles, 203, "Prima", "Aggiungi"}},
+                         .toolbar = {Articles, 103},
+                         .shortcut = "Ctrl+Shift+I",
+                         .step = step},
+                        &TreeEditing::InserisciArticoloPrima),
+          insertCommand({.number = 3,
+                         .name = "article.insertAfter",
+                         .key = "+ articolo dopo",
+                         .caption = "Aggiungi articolo dopo",
+                         .icon = "dopo",
+                         .menus = {{EditArticles, 204, "Dopo", "Aggiungi"}},
+                         .toolbar = {Articles, 104},
+                         .shortcut = "Ctrl+I",
+                         .step = step},
+                        &TreeEditing::InserisciArticoloDopo)};
+}
+
+/// Copy and paste by the clipboard of the catalogue.
+std::vector<Command> clipboardCommands() {
+  return {articleCommand({.number = 5,
+                          .name = "article.copy",
+                          .key = "copia articolo",
+                          .caption = "Copia articolo",
+                          .icon = "copia",
+                          .menus = {{EditArticles, 205, "Copia"}},
+                          .toolbar = {Articles, 105},
+                          .shortcut = "Ctrl+C"},
+                         &TreeEditing::CopiaArticolo),
+          // Enabled by what was copied, whatever is current.
+          treeCommand({.number = 6,
+                       .name = "article.paste",
+                       .key = "incolla articolo",
+                       .caption = "Incolla articolo",
+                       .icon = "incolla",
+                       .menus = {{EditArticles, 206, "Incolla"}},
+                       .toolbar = {Articles, 106},
+                       .shortcut = "Ctrl+V",
+                       .step = "Incolla articoli"},
+                      &TreeEditing::IncollaArticoli)};
+}
+
+/// The deletion of the current article.
+Command deleteCommand() {
+  return articleCommand({.number = 4,
+                         .name = "article.delete",
+                         .key = "- articolo",
+                         .caption = "Elimina articolo",
+                         .icon = "elimina",
+                         .menus = {{EditArticles, 207, "Elimina"}},
+                         .toolbar = {Articles, 107},
+                         .shortcut = "Del",
+                         .step = "Elimina articolo"},
+                        &TreeEditing::EliminaArticolo);
 }
 
 /// The entry and button of the search; what was found is shown.
@@ -38,80 +127,13 @@ Command searchCommand() {
 }  // namespace
 
 std::vector<Command> articleCommands() {
-  using enum Toolbar;
-  constexpr std::string_view move = "Sposta articolo", add = "Aggiungi articolo";
-  return withHelp({articleCommand({.number = 0,
-                                   .name = "article.up",
-                                   .key = "articolo su",
-                                   .caption = "Muovi su",
-                                   .icon = "su",
-                                   .menus = {{EditArticles, 201, "Su", "Sposta"}},
-                                   .toolbar = {Articles, 101},
-                                   .shortcut = "Ctrl+Up",
-                                   .step = move},
-                                  [](TreeEditing& editing) { return editing.Sposta(-1, TreeList::Articles); }),
-                   articleCommand({.number = 1,
-                                   .name = "article.down",
-                                   .key = "articolo giu",
-                                   .caption = "Muovi giù",
-                                   .icon = "giu",
-                                   .menus = {{EditArticles, 202, "Giu", "Sposta"}},
-                                   .toolbar = {Articles, 102},
-                                   .shortcut = "Ctrl+Down",
-                                   .step = move},
-                                  [](TreeEditing& editing) { return editing.Sposta(+1, TreeList::Articles); }),
-                   insertCommand({.number = 2,
-                                  .name = "article.insertBefore",
-                                  .key = "+ articolo prima",
-                                  .caption = "Aggiungi articolo prima",
-                                  .icon = "prima",
-                                  .menus = {{EditArticles, 203, "Prima", "Aggiungi"}},
-                                  .toolbar = {Articles, 103},
-                                  .shortcut = "Ctrl+Shift+I",
-                                  .step = add},
-                                 &TreeEditing::InserisciArticoloPrima),
-                   insertCommand({.number = 3,
-                                  .name = "article.insertAfter",
-                                  .key = "+ articolo dopo",
-                                  .caption = "Aggiungi articolo dopo",
-                                  .icon = "dopo",
-                                  .menus = {{EditArticles, 204, "Dopo", "Aggiungi"}},
-                                  .toolbar = {Articles, 104},
-                                  .shortcut = "Ctrl+I",
-                                  .step = add},
-                                 &TreeEditing::InserisciArticoloDopo),
-                   articleCommand({.number = 5,
-                                   .name = "article.copy",
-                                   .key = "copia articolo",
-                                   .caption = "Copia articolo",
-                                   .icon = "copia",
-                                   .menus = {{EditArticles, 205, "Copia"}},
-                                   .toolbar = {Articles, 105},
-                                   .shortcut = "Ctrl+C"},
-                                  &TreeEditing::CopiaArticolo),
-                   // Enabled by what was copied, whatever is current.
-                   treeCommand({.number = 6,
-                                .name = "article.paste",
-                                .key = "incolla articolo",
-                                .caption = "Incolla articolo",
-                                .icon = "incolla",
-                                .menus = {{EditArticles, 206, "Incolla"}},
-                                .toolbar = {Articles, 106},
-                                .shortcut = "Ctrl+V",
-                                .step = "Incolla articoli"},
-                               &TreeEditing::IncollaArticoli),
-                   articleCommand({.number = 4,
-                                   .name = "article.delete",
-                                   .key = "- articolo",
-                                   .caption = "Elimina articolo",
-                                   .icon = "elimina",
-                                   .menus = {{EditArticles, 207, "Elimina"}},
-                                   .toolbar = {Articles, 107},
-                                   .shortcut = "Del",
-                                   .step = "Elimina articolo"},
-                                  &TreeEditing::EliminaArticolo),
-                   searchCommand()},
-                  "pagine/articoli.htm");
+  std::vector<Command> rows;
+  for (const auto& part : {moveCommands(), insertCommands(), clipboardCommands()}) {
+    rows.insert(rows.end(), part.begin(), part.end());
+  }
+  rows.push_back(deleteCommand());
+  rows.push_back(searchCommand());
+  return withHelp(std::move(rows), "pagine/articoli.htm");
 }
 
 }  // namespace kv

@@ -50,7 +50,7 @@ Command purgeRow() {
   return row;
 }
 
-/// An entry that shows where a companion program stands in the application folder, and starts it.
+/// An entry that shows where the application folder has a companion program, and starts it.
 Command companionRow(std::string name, const MenuPlace& place, std::string_view program) {
   Command row = shopRow(std::move(name), place, "", [program](const CommandContext& context) {
     const std::string& folder = context.env.applicationFolder;

@@ -15,7 +15,7 @@ void defineVariant(const CommandContext& context, int slot, std::string_view ste
   context.view.fieldsChanged(EditedSet::Articoli);
 }
 
-/// The button of a slot stands among the editors of the article and goes with them.
+/// The button of a slot is among the editors of the article and goes with them.
 Command variantRow(int number, int slot, std::string_view caption, std::string_view entry) {
   constexpr std::string_view step = "Definisci variante";
   return {.number = number,

@@ -8,6 +8,7 @@
 namespace kv {
 
 /// A row with the page, column, group and label that each row has.
+/// Everything else has the default of Editor: a line of plain text of the shop.
 inline Editor editorRow(EditedSet set, Tab tab, std::string_view column, std::string_view group,
                         std::string_view label) {
   Editor row;
@@ -19,6 +20,7 @@ inline Editor editorRow(EditedSet set, Tab tab, std::string_view column, std::st
   return row;
 }
 
+// In the order in which a page shows them; editorTable() joins them once.
 std::vector<Editor> catalogueEditors();  ///< departments and articles
 std::vector<Editor> siteEditors();       ///< the settings of shop and site
 std::vector<Editor> internetEditors();   ///< addresses and the connection

@@ -1,6 +1,6 @@
 #pragma once
 // What the editors of the main window let the user type, what a change does to a field, and what leaving it does.
-// Texts are those of the field as shown; numbers stand in them with the decimal separator of the user's locale.
+// Texts are those of the field as shown; numbers are in them with the decimal separator of the user's locale.
 
 #include <string>
 #include <string_view>

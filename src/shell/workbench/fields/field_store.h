@@ -10,35 +10,48 @@
 
 namespace kv {
 
+/// It knows the price list being edited, and nothing of the controls. The workbench owns it; the editors reach it
+/// through the workbench.
 class FieldStore {
  public:
   /// The sets and the history outlive it.
+  /// `decimalSeparator`: "," or "." of the user's locale, used in every text that is shown or taken.
   FieldStore(CatalogueSets& sets, UndoHistory& history, char decimalSeparator)
       : sets_(sets), history_(history), separator_(decimalSeparator) {}
 
   char separator() const { return separator_; }
   /// The price list that fields with a column for each list show and write, 0 to 9.
   int listino() const { return listino_; }
+  /// Changes what shown() and leave() mean from now on; the caller has the fields shown again.
   void selectListino(int listino) { listino_ = listino; }
 
   /// What the field shows of the current row, in the language and price list being edited; empty on no row.
+  /// A flag is "1" or "0", a choice its index, a number has the decimal separator, lines end with "\n". Addresses, the
+  /// reverse exchange rate and the names of variants are computed.
   std::string shown(const Editor& editor);
 
+  /// What became of a field that was left.
   struct Outcome {
-    Result<> done;
+    Result<> done;         ///< a failure leaves the row as it was
     bool written = false;  ///< a row was changed
     std::string note;      ///< to be told to the user
   };
   /// Leaving the field with this text: brings it to its form and saves the row; nothing happens when it says what the
   /// row says. One step of the history.
+  /// The step is called "Modifica" and the plain label. A price, quantity or percent that is no number becomes 0; other
+  /// numbers fail as Recordset::set. The reverse rate is stored as the rate it follows from. On no row nothing happens.
   Outcome leave(const Editor& editor, const std::string& text);
 
   /// The most characters that the column takes; 0: any number.
+  /// For texts the size of the column, for whole numbers the digits that always fit: 4 or 9.
   int widest(const Editor& editor);
 
  private:
+  /// The column in the language and price list being edited; null when the set has none of that name.
   const ColumnInfo* columnInfo(const Editor& editor);
+  /// Stores 1 divided by the text as the rate, unless the text is what the field showed.
   Outcome leaveReverseRate(const Editor& editor, const std::string& text);
+  /// Writes one column, and what follows from it in the connection settings.
   Result<> write(const Editor& editor, const Value& value, const std::string& oldText);
 
   CatalogueSets& sets_;

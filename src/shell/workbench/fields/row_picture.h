@@ -15,9 +15,11 @@ struct RowPicture {
 };
 
 /// The file name of the picture; empty when there is none, or no row.
+/// Without folder; the file may be missing.
 std::string pictureName(CatalogueSets& sets, const RowPicture& picture);
 /// Stores file name and size in pixels; an empty name and no size clear the three columns. Nothing on no row.
 /// Failures: as Recordset::update; the row is as before then.
+/// The file itself is neither copied nor deleted here.
 Result<> storePicture(CatalogueSets& sets, const RowPicture& picture, const std::string& name, ImageSize size);
 
 }  // namespace kv

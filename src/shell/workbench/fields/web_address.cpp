@@ -8,7 +8,7 @@
 namespace kv {
 namespace {
 
-// In this order: the longer root of a pair stands first.
+// In this order: the longer root of a pair comes first.
 constexpr std::array<std::string_view, 6> serverRoots{
     "www", "public_html", "usr/local/etc/httpd/htdocs", "usr/local/etc/httpd", "httpdocs", "htdocs"};
 
