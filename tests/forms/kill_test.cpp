@@ -25,7 +25,7 @@ constexpr int rounds = 20;
 constexpr auto patience = std::chrono::seconds(60);  // for the first field of a round
 constexpr int longestRound = 400;                    // milliseconds from there to the kill
 
-/// The program with the typist, and what it says.
+/// The killable window as a process of its own, and what it says.
 class Typing {
  public:
   Typing(const std::string& application, const std::string& shop, const std::string& settings, unsigned turn) {
@@ -38,7 +38,8 @@ class Typing {
       ::close(ends[0]);
       ::close(ends[1]);
       setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
-      execl(KORVANE_TYPIST, KORVANE_TYPIST, application.c_str(), shop.c_str(), number.c_str(), nullptr);
+      execl(KORVANE_KILLABLE_WINDOW, KORVANE_KILLABLE_WINDOW, application.c_str(), shop.c_str(), number.c_str(),
+            nullptr);
       _exit(127);
     }
     ::close(ends[1]);

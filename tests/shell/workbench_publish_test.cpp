@@ -74,6 +74,17 @@ TEST_F(WorkbenchPublishTest, TheReminderIsLeftOutWhenTheUserHasToldSo) {
   EXPECT_THAT(dialogsRun, ElementsAre("publishOptions"));
 }
 
+TEST_F(WorkbenchPublishTest, AnyOtherValueOfTheSettingLeavesTheReminderOn) {
+  start();
+  write(shop + "/kvftp.dat", "#\r\n");
+  for (const char* value : {"", "0", "2", "yes", "11"}) {
+    ASSERT_TRUE(settings.set(settingsSection, "NoShow", value));
+    dialogsRun.clear();
+    press("publish");
+    EXPECT_THAT(dialogsRun, ElementsAre("remindToBuild")) << value;
+  }
+}
+
 TEST_F(WorkbenchPublishTest, AShopThatWasNeverBuiltIsNotPublished) {
   start();
   answer(&WorkbenchDialogs::remindToBuild, true);

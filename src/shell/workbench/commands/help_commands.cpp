@@ -11,20 +11,6 @@ using enum Menu;
 
 constexpr const char* updateAddress = "https://korvane.example/update/checkupdate.php?id=";
 
-/// "0.1.0" as major and minor by mask "00" and revision by mask "000": "0001000".
-std::string versionNumber(std::string_view version) {
-  std::string number;
-  std::size_t part = 0;
-  for (std::string_view rest = version; part < 3; ++part) {
-    const std::size_t end = rest.find('.');
-    const std::string digits(rest.substr(0, end));
-    const std::size_t width = part < 2 ? 2 : 3;
-    number += std::string(digits.size() < width ? width - digits.size() : 0, '0') + digits;
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  }
-  return number;
-}
-
 /// An entry that opens a page of the help.
 Command pageRow(std::string name, const MenuPlace& place, std::string_view page) {
   Command row;
@@ -75,6 +61,19 @@ Command tabHelpRow() {
 }
 
 }  // namespace
+
+std::string versionNumber(std::string_view version) {
+  std::string number;
+  std::size_t part = 0;
+  for (std::string_view rest = version; part < 3; ++part) {
+    const std::size_t end = rest.find('.');
+    const std::string digits(rest.substr(0, end));
+    const std::size_t width = part < 2 ? 2 : 3;
+    number += std::string(digits.size() < width ? width - digits.size() : 0, '0') + digits;
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  }
+  return number;
+}
 
 std::vector<Command> helpCommands() {
   return withHelp(

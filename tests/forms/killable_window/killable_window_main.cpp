@@ -44,9 +44,9 @@ constexpr std::array fields{Field{EditedSet::Categorie, "categorie", "titolo", f
                             Field{EditedSet::Articoli, "articoli", "note", false},
                             Field{EditedSet::Generale, "generale", "titolo", false}};
 
-class Typist {
+class KillableWindow {
  public:
-  explicit Typist(unsigned seed) : chance_(seed), next_(1000 + pick(800000)) {
+  explicit KillableWindow(unsigned seed) : chance_(seed), next_(1000 + pick(800000)) {
     QObject::connect(&turn_, &QTimer::timeout, [this] { act(); });
     turn_.start(0);
   }
@@ -151,6 +151,6 @@ int main(int count, char** values) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QCoreApplication::setApplicationName(QStringLiteral("korvane"));
   const QApplication application(count, values);
-  const Typist typist(static_cast<unsigned>(std::stoul(values[3])));
+  const KillableWindow typing(static_cast<unsigned>(std::stoul(values[3])));
   return kv::runWindow({values[1], values[2]}, kv::programFolder());
 }
