@@ -65,6 +65,10 @@ if(TARGET korvane)
   endforeach()
 endif()
 add_custom_target(korvane_papers ALL DEPENDS ${packaged_documents})
+# What is installed is tested with the programs.
+if(TARGET program_tests)
+  add_dependencies(program_tests korvane_papers)
+endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME korvane)
