@@ -7,6 +7,7 @@
 #include "platform/text/text.h"
 #include "store/shop/open_shop.h"
 #include "store/shop/order_numbers.h"
+#include "store/shop/session_facts.h"
 #include "store/shop/shop_check.h"
 #include "store/shop/shop_folders.h"
 
@@ -14,7 +15,6 @@ namespace kv {
 namespace {
 
 constexpr std::size_t templateNameWidth = 50;
-constexpr const char* fallbackModel = "modello1";
 constexpr const char* incompatible =
     "Negozio non compatibile con la versione Korvane\nSi desidera aprire un altro negozio?";
 constexpr const char* templateNeeded = "Per costruire il negozio sarà necessario scegliere un template";
@@ -53,13 +53,6 @@ LoadResult offerAnotherShop(Session& session, Environment& env) {
   return LoadResult::Failed;
 }
 
-// The single field of `generale`; null as empty.
-Result<std::string> setting(Session& session, const std::string& column) {
-  auto value = session.catalogue.scalar("SELECT " + column + " FROM generale");
-  if (!value) return fail(value.error());
-  return asText(*value);
-}
-
 Result<> storeSetting(Session& session, const std::string& column, const std::string& value) {
   auto statement = session.catalogue.prepare("UPDATE generale SET " + column + " = ?");
   if (!statement) return fail(statement.error());
@@ -89,11 +82,7 @@ Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder&
 }
 
 Result<> resolveFolders(Session& session, Environment& env, const LoadOptions& options) {
-  for (const WorkingFolder& working : workingFolders) {
-    auto stored = setting(session, working.column);
-    if (!stored) return fail(stored.error());
-    session.*working.field = stored->empty() ? joinPath(session.ShopFolder, working.name) : *stored;
-  }
+  if (auto read = readWorkingFolders(session); !read) return read;
   if (options.folderJustChosen) return {};
   for (const WorkingFolder& working : workingFolders) {
     if (auto tested = resetIfMissing(session, env, working); !tested) return tested;
@@ -102,7 +91,7 @@ Result<> resolveFolders(Session& session, Environment& env, const LoadOptions& o
 }
 
 Result<> resolveTemplate(Session& session, Environment& env, const LoadOptions& options) {
-  auto name = setting(session, "template");
+  auto name = readSetting(session, "template");
   if (!name) return fail(name.error());
   session.templatePath.clear();
   session.models.clear();

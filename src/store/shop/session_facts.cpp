@@ -7,20 +7,19 @@
 namespace kv {
 namespace {
 
-/// The single field of `generale`; null as empty.
-Result<std::string> setting(Session& session, const std::string& column) {
-  const auto value = session.catalogue.scalar("SELECT " + column + " FROM generale");
-  if (!value) return fail(value.error());
-  return asText(*value);
-}
-
 Result<std::string> workingFolder(Session& session, const std::string& column, const std::string& name) {
-  auto stored = setting(session, column);
+  auto stored = readSetting(session, column);
   if (!stored || !stored->empty()) return stored;
   return joinPath(session.ShopFolder, name);
 }
 
 }  // namespace
+
+Result<std::string> readSetting(Session& session, const std::string& column) {
+  const auto value = session.catalogue.scalar("SELECT " + column + " FROM generale");
+  if (!value) return fail(value.error());
+  return asText(*value);
+}
 
 Result<> readWorkingFolders(Session& session) {
   auto online = workingFolder(session, "siteonline", "online");
@@ -33,7 +32,7 @@ Result<> readWorkingFolders(Session& session) {
 }
 
 Result<> readTemplate(Session& session, const std::string& applicationFolder) {
-  const auto name = setting(session, "template");
+  const auto name = readSetting(session, "template");
   if (!name) return fail(name.error());
   session.templatePath = name->empty() ? std::string() : joinPath(templateFolder, *name);
   session.models.clear();

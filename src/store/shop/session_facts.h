@@ -12,6 +12,9 @@ namespace kv {
 /// The page model that new departments start with while the shop has no template that is installed.
 inline constexpr const char* fallbackModel = "modello1";
 
+/// A column of the settings, the single row of `generale`, as text; null is empty.
+Result<std::string> readSetting(Session& session, const std::string& column);
+
 /// Reads `siteonline` and `sitescript`; an empty column gives the folder `online` or `scripts` of the shop. Whether the
 /// folders are there isn't looked at.
 Result<> readWorkingFolders(Session& session);
