@@ -141,7 +141,8 @@ CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream
     return CliOutcome::Failed;
   }
   for (const std::string& name : listFiles(open.session.onlineFolder, "*.sql")) {
-    static_cast<void>(deleteFile(joinPath(open.session.onlineFolder, name)));
+    ignore(deleteFile(joinPath(open.session.onlineFolder, name)),
+           "a copy that is in the way is reported when it is replaced");
   }
   LockStatements lock;
   readLockOption(shop, lock);

@@ -27,7 +27,7 @@ bool takeIntroTurn(Settings& settings) {
   const std::string stored = settings.get(settingsSection, "ShowIntro");
   if (!stored.empty() && stored != "yes") return false;
   // A setting that can't be stored shows the guide once more next time.
-  static_cast<void>(settings.set(settingsSection, "ShowIntro", "no"));
+  ignore(settings.set(settingsSection, "ShowIntro", "no"), "the guide then opens once more");
   return true;
 }
 

@@ -12,7 +12,7 @@ bool ApriDocumento(const std::string& file, const std::string& cartella, Setting
   if (retry.empty()) {
     retry = "on";
     // A setting that can't be stored is asked for again the next time; the document opens all the same.
-    static_cast<void>(settings.set(settingsSection, key, retry));
+    ignore(settings.set(settingsSection, key, retry), "the next opening stores it");
   }
   if (file.empty()) return false;
   if (open(file, cartella) >= openedWell) return false;
