@@ -84,7 +84,7 @@ TEST(MakePagesTest, ADepartmentModelOfAnotherNameFallsBackToTheFirst) {
   EXPECT_THAT(shop.page("cat003.php"), HasSubstr("</html>"));
 }
 
-TEST(MakePagesTest, ADepartmentModelIsFoundInOtherLetterCase) {
+TEST(MakePagesTest, ADepartmentModelIsFoundInAnyCase) {
   TempShop shop;
   shop.templateFile("modello2.htm", "due<KV_START><KV_END>");
   shop.department("cat001", {{"template", std::string("Modello2")}});

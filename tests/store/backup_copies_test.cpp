@@ -8,9 +8,12 @@
 #include <chrono>
 #include <cstdlib>
 
+#include "platform/files/file_gate.h"
 #include "shop_fixture.h"
+#include "store/shop/compact.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
+#include "support/failing_files.h"
 
 namespace kv {
 namespace {
@@ -314,6 +317,45 @@ TEST_F(RestoringACopy, RefusesWhileAnotherProgramHasTheShopOpen) {
   const auto restored = restoreCopy(folder, oldest(), clock);
   ASSERT_FALSE(restored);
   EXPECT_EQ(restored.error().kind, ErrorKind::InUse);
+}
+
+/// Another program that tries to open a catalogue at each renaming of files.
+class OpenerAtRenames final : public FileGate {
+ public:
+  explicit OpenerAtRenames(std::string catalogue) : catalogue_(std::move(catalogue)), before_(setFileGate(this)) {}
+  OpenerAtRenames(const OpenerAtRenames&) = delete;
+  OpenerAtRenames& operator=(const OpenerAtRenames&) = delete;
+  ~OpenerAtRenames() override { setFileGate(before_); }
+  int refusal(FileStep step, const std::string& path) override {
+    const bool isExchange = step == FileStep::Rename && path.ends_with("catalog.tmp");
+    if (!isExchange) return 0;
+    const auto opened = Database::open(catalogue_, OpenMode::Exclusive);
+    found.push_back(opened ? ErrorKind::Other : opened.error().kind);
+    return 0;
+  }
+  std::vector<ErrorKind> found;
+
+ private:
+  std::string catalogue_;
+  FileGate* before_;
+};
+
+TEST_F(RestoringACopy, HoldsTheCatalogueUntilItHasBeenExchanged) {
+  OpenerAtRenames other(folder + "/catalog.mdb");
+  ASSERT_TRUE(restoreCopy(folder, oldest(), clock));
+  EXPECT_THAT(other.found, ElementsAre(ErrorKind::InUse));
+}
+
+TEST_F(RestoringACopy, AFailureAtAnyCallLeavesOneOfTheTwoCatalogues) {
+  const std::string wanted = oldest();
+  for (std::int64_t call = 1;; ++call) {
+    test::FailingFiles files(call);
+    const auto restored = restoreCopy(folder, wanted, clock);
+    if (!files.hasFailed()) break;
+    recoverCatalogue(folder);
+    EXPECT_EQ(title(), restored ? "Lampada" : "Lume") << call;
+    if (restored) change("Lume");
+  }
 }
 
 TEST_F(RestoringACopy, TheSessionRestartsOnIt) {

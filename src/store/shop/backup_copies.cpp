@@ -10,6 +10,7 @@
 #include "platform/numbers/number_format.h"
 #include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
+#include "store/shop/compact.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
@@ -120,17 +121,16 @@ void dropOldest(const std::string& shopFolder, std::string_view justMade) {
   }
 }
 
-/// A catalogue that is about to be replaced: undoes the unfinished change of a killed writer. If its journal
-/// stayed, the engine would apply it to the new file.
-Result<> recoverPresent(const std::string& shopFolder) {
-  const std::string path = entryPath(shopFolder, catalogueFile);
-  if (fileExists(path)) {
-    const auto looked = ApriDatabase(path, false);
-    if (!looked && (looked.error().kind == ErrorKind::InUse || looked.error().kind == ErrorKind::ReadOnly)) {
-      return fail(looked.error());
-    }
+/// Holds a catalogue that is about to be replaced, after undoing the unfinished change of a killed writer: if its
+/// journal stayed, the engine would apply it to the new file. A damaged one can't be held; the database is closed then.
+Result<Database> holdPresent(const std::string& catalogue) {
+  auto held = ApriDatabase(catalogue, true);
+  if (!held) {
+    const bool isTaken = held.error().kind == ErrorKind::InUse || held.error().kind == ErrorKind::ReadOnly;
+    return isTaken ? Result<Database>(fail(held.error())) : Result<Database>(Database());
   }
-  return {};
+  if (auto prepared = held->prepareRename(); !prepared) return fail(prepared.error());
+  return held;
 }
 
 Result<> dropJournal(const std::string& shopFolder) {
@@ -183,24 +183,47 @@ std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& 
   };
 }
 
+namespace {
+
+/// Exchanges the catalogue for the replacement that lies beside it; the one that goes becomes a dated copy, unless the
+/// newest copy is the same. A failure leaves the catalogue as it is.
+Result<> exchangeForCopy(const std::string& shopFolder, const CatalogueExchange& files, Clock& clock) {
+  const auto stamp = fileStamp(files.catalogue);
+  if (!stamp) return fail(stamp.error());
+  const bool isKept = isNewest(shopFolder, *stamp);
+  const std::string folder = copiesFolder(shopFolder);
+  const std::string name = freeName(folder, static_cast<std::int64_t>(std::floor(clock.now())));
+  if (auto dropped = dropJournal(shopFolder); !dropped) return dropped;
+  if (auto swapped = swapInCompacted(shopFolder, renameFile); !swapped) return swapped;
+  if (isKept) return deleteFile(files.previous);
+  if (auto moved = renameFile(files.previous, joinPath(folder, name)); !moved) {
+    ignore(renameFile(files.previous, files.catalogue), "the first failure is the one to tell");
+    return moved;
+  }
+  dropOldest(shopFolder, name);
+  return {};
+}
+
+}  // namespace
+
 Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock) {
   const auto copies = backupCopies(shopFolder);
   const auto chosen = std::ranges::find(copies, name, &BackupCopy::name);
   if (chosen == copies.end()) return fail(ErrorKind::Missing, std::string(name), "no such copy");
   const std::string copy = joinPath(copiesFolder(shopFolder), chosen->name);
   if (auto looked = Database::open(copy, OpenMode::ReadOnly); !looked) return fail(looked.error());
-  if (auto recovered = recoverPresent(shopFolder); !recovered) return recovered;
-  const std::string catalogue = entryPath(shopFolder, catalogueFile);
-  std::string present;
-  if (fileExists(catalogue)) {
-    auto made = copyPresent(shopFolder, clock);
-    if (!made) return fail(made.error());
-    present = std::move(*made);
+  const CatalogueExchange files(shopFolder);
+  // The replacement is complete before the catalogue is held. From then on names alone change: to open and close the
+  // held file once more would give its lock up (fcntl(2), advisory record locking).
+  if (auto placed = copyFile(copy, files.replacement); !placed) return placed;
+  if (!fileExists(files.catalogue)) {
+    if (auto dropped = dropJournal(shopFolder); !dropped) return dropped;
+    return renameFile(files.replacement, files.catalogue);
   }
-  if (auto dropped = dropJournal(shopFolder); !dropped) return dropped;
-  if (auto placed = copyFile(copy, catalogue); !placed) return placed;
-  dropOldest(shopFolder, present);
-  return {};
+  const auto held = holdPresent(files.catalogue);
+  const auto exchanged = held ? exchangeForCopy(shopFolder, files, clock) : Result<>(fail(held.error()));
+  if (!exchanged) ignore(deleteFile(files.replacement), "the next compaction deletes it");
+  return exchanged;
 }
 
 bool RipristinaCopia(Session& session, Environment& env, const std::string& name) {

@@ -36,7 +36,7 @@ std::vector<BackupCopy> backupCopies(const std::string& shopFolder);
 /// replaces a good copy), ReadOnly, Missing, Full.
 Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock);
 
-/// The hook CopiaCatalogo of a program with windows: keepDatedCopy, with a message to the user when it fails for a
+/// The hook CopiaCatalogo of the programs: keepDatedCopy, with a message to the user when it fails for a
 /// reason that opening the shop doesn't report, such as a full disk. `env` outlives the hook.
 std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& env);
 

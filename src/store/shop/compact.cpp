@@ -9,16 +9,6 @@ namespace {
 
 constexpr int sessionsBetween = 9;  // the close that reads this number compacts
 
-struct CompactionFiles {
-  explicit CompactionFiles(const std::string& shopFolder)
-      : catalogue(entryPath(shopFolder, catalogueFile)),
-        previous(joinPath(shopFolder, "catalog.tmp")),
-        compacted(joinPath(shopFolder, "catalog.tm0")) {}
-  std::string catalogue;
-  std::string previous;
-  std::string compacted;
-};
-
 // Counts this close; true when it is the one that compacts.
 bool isTurn(Settings& settings) {
   const auto times = static_cast<std::int64_t>(leadingNumber(settings.get(settingsSection, "Times")));
@@ -29,15 +19,20 @@ bool isTurn(Settings& settings) {
 
 }  // namespace
 
+CatalogueExchange::CatalogueExchange(const std::string& shopFolder)
+    : catalogue(entryPath(shopFolder, catalogueFile)),
+      previous(joinPath(shopFolder, "catalog.tmp")),
+      replacement(joinPath(shopFolder, "catalog.tm0")) {}
+
 Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename) {
-  const CompactionFiles files(shopFolder);
+  const CatalogueExchange files(shopFolder);
   auto held = ApriDatabase(files.catalogue, true);
   if (!held) return fail(held.error());
-  for (const std::string& old : {files.previous, files.compacted}) {
+  for (const std::string& old : {files.previous, files.replacement}) {
     if (!fileExists(old)) continue;
     if (auto deleted = deleteFile(old); !deleted) return deleted;
   }
-  if (auto written = held->compactTo(files.compacted); !written) return written;
+  if (auto written = held->compactTo(files.replacement); !written) return written;
   if (auto prepared = held->prepareRename(); !prepared) return prepared;
   return swapInCompacted(shopFolder, rename);
 }
@@ -51,16 +46,16 @@ void CompattaCatalogo(const std::string& shopFolder, Environment& env) {
 }
 
 Result<> swapInCompacted(const std::string& shopFolder, const Rename& rename) {
-  const CompactionFiles files(shopFolder);
+  const CatalogueExchange files(shopFolder);
   if (auto kept = rename(files.catalogue, files.previous); !kept) return kept;
-  auto swapped = rename(files.compacted, files.catalogue);
+  auto swapped = rename(files.replacement, files.catalogue);
   if (!swapped) ignore(rename(files.previous, files.catalogue), "recoverCatalogue does it at the next start");
   return swapped;
 }
 
 void recoverCatalogue(const std::string& shopFolder) {
-  const CompactionFiles files(shopFolder);
-  if (fileExists(files.catalogue) || !fileExists(files.previous) || !fileExists(files.compacted)) return;
+  const CatalogueExchange files(shopFolder);
+  if (fileExists(files.catalogue) || !fileExists(files.previous) || !fileExists(files.replacement)) return;
   ignore(renameFile(files.previous, files.catalogue), "opening the shop tells that it has no catalogue");
 }
 

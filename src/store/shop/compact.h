@@ -14,6 +14,14 @@ namespace kv {
 /// The status window is progress with a caption; an empty caption hides it.
 void CompattaCatalogo(const std::string& shopFolder, Environment& env);
 
+/// The files that take part in an exchange of the catalogue, in its folder.
+struct CatalogueExchange {
+  explicit CatalogueExchange(const std::string& shopFolder);
+  std::string catalogue;    ///< catalog.mdb
+  std::string previous;     ///< catalog.tmp: the catalogue that was exchanged
+  std::string replacement;  ///< catalog.tm0: the one to come
+};
+
 /// A routine that renames a file; renameFile outside of tests.
 using Rename = std::function<Result<>(const std::string& from, const std::string& to)>;
 
