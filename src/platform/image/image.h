@@ -13,6 +13,7 @@ namespace kv {
 struct ImageSize {
   int width = 0;
   int height = 0;
+  friend bool operator==(const ImageSize&, const ImageSize&) = default;
 };
 
 /// A colour as red, green, blue, 0 to 255 each.

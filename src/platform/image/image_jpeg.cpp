@@ -34,6 +34,11 @@ void refuseManyScans(j_common_ptr jpeg) {
   if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > mostScans) leaveJpeg(jpeg);
 }
 
+// A marker where data should be: libjpeg would fill what is missing with grey.
+void refuseMissingData(j_common_ptr jpeg, int) {
+  if (jpeg->err->msg_code == JWRN_HIT_MARKER) leaveJpeg(jpeg);
+}
+
 // Inks to colours without a profile: paper times ink times black. Files by the maker of the four-ink form hold the
 // inks inverted, and say so by a marker of their own.
 void inksToColours(const std::uint8_t* inks, int width, bool inverted, std::uint8_t* to) {
@@ -72,6 +77,7 @@ bool decodeJpeg(const JpegRun& run) {
   jpeg_progress_mgr watching{};
   watching.progress_monitor = refuseManyScans;
   jpeg.err = prepare(failing);
+  failing.calls.emit_message = refuseMissingData;
   if (setjmp(failing.back) != 0) {
     jpeg_destroy_decompress(&jpeg);
     return false;

@@ -66,6 +66,7 @@ bool decodePng(PngRun& run) {
   }
   png_set_read_fn(png, &run, takePngBytes);
   readPngRows(png, info, run);
+  png_read_end(png, nullptr);  // a file that was cut off after its pixels is cut off
   png_destroy_read_struct(&png, &info, nullptr);
   return true;
 }

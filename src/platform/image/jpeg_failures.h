@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdio>
 // jpeglib.h needs std::size_t and FILE declared before it.
+#include <jerror.h>
 #include <jpeglib.h>
 
 namespace kv {
