@@ -15,6 +15,12 @@ constexpr std::string_view searching = "Ricerca immagini inutilizzate...";
 
 }  // namespace
 
+std::string purgeNotice(const std::string& folder) {
+  return "Nella cartella delle immagini interne (" + folder +
+         ") saranno cercate\nle immagini che nessun reparto, nessun articolo e nessun logo utilizza.\n\n"
+         "Le immagini citate soltanto nei template o nei testi risulteranno inutilizzate.";
+}
+
 bool PicturePurge::search() {
   unused_.clear();
   const auto files = listFiles(sources_.folder, "*");
@@ -58,6 +64,12 @@ void PicturePurge::tickAll(bool ticked) {
 
 std::size_t PicturePurge::tickedCount() const {
   return static_cast<std::size_t>(std::ranges::count(unused_, true, &UnusedPicture::ticked));
+}
+
+std::uint64_t PicturePurge::totalSize() const {
+  std::uint64_t total = 0;
+  for (const UnusedPicture& picture : unused_) total += picture.size;
+  return total;
 }
 
 bool PicturePurge::deleteTicked() {

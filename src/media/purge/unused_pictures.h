@@ -5,12 +5,17 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/ports/result.h"
 #include "platform/ports/user_port.h"
 
 namespace kv {
+
+inline constexpr std::string_view purgeTitle = "Korvane - Rimuovi immagini inutilizzate";
+/// The notice before the search, of the pictures of this folder.
+std::string purgeNotice(const std::string& folder);
 
 /// What the search works on.
 struct PurgeSources {
@@ -46,6 +51,9 @@ class PicturePurge {
   /// Ticks every picture (cmdTutti) or none (cmdNessuno).
   void tickAll(bool ticked);
   std::size_t tickedCount() const;
+  /// The bytes of all pictures found.
+  std::uint64_t totalSize() const;
+  const std::string& folder() const { return sources_.folder; }
 
   /// cmdElimina: asks, deletes what is ticked and tells how many files are really gone. False when nothing is ticked or
   /// the answer is No, and the window stays open. Files that can't be deleted are named after that.

@@ -36,8 +36,8 @@ int ImportaDati(Session& session, Environment& env, const std::string& path);
 bool holdsSource(Environment& env, const std::string& folder);
 
 /// The command OK of frmImportaPrimo: imports rows and pictures of the shop in `folder`, tells how it ended and
-/// restarts the session. The pictures are copied beside the shop's own ones before anything else changes, and take
-/// their place once the rows are in.
+/// restarts the session. The pictures are copied beside the shop's own ones before anything else changes, and
+/// replace them once the rows are in.
 PrimoOutcome importPrimoShop(Session& session, Environment& env, const std::string& folder);
 
 /// ImportaNegozio (import a shop): closes the session for a numbered backup, restarts it silently, tells the backup's

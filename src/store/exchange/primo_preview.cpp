@@ -1,5 +1,7 @@
 #include "store/exchange/primo_preview.h"
 
+#include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "store/exchange/primo_rows.h"
 #include "store/exchange/primo_settings.h"
 #include "store/shop/shop_folders.h"
@@ -61,6 +63,12 @@ std::string previewText(const PrimoPreview& preview) {
     text += "\n";
   }
   return text + "Impostazioni che restano: " + joined(preview.keptSettings) + "\n";
+}
+
+std::string previewOfShop(Database& catalogue, const std::string& folder) {
+  if (folder.empty()) return {};
+  const auto preview = previewPrimo(catalogue, joinPath(folder, catalogueFile));
+  return preview ? previewText(*preview) : failureText(preview.error(), folder);
 }
 
 }  // namespace kv

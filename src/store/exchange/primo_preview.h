@@ -13,7 +13,7 @@ namespace kv {
 struct PrimoTable {
   std::string name;
   std::int64_t present = 0;          ///< rows that would be replaced
-  std::int64_t coming = 0;           ///< rows that would take their place
+  std::int64_t coming = 0;           ///< rows that would replace them
   std::vector<std::string> leftOut;  ///< columns of the source that the catalogue lacks
 };
 
@@ -28,5 +28,8 @@ Result<PrimoPreview> previewPrimo(Database& catalogue, const std::string& path);
 
 /// The preview as lines of text in Italian, each closed.
 std::string previewText(const PrimoPreview& preview);
+
+/// The preview of the shop in `folder` as text, or why there is none; empty for an empty path.
+std::string previewOfShop(Database& catalogue, const std::string& folder);
 
 }  // namespace kv

@@ -1,5 +1,6 @@
 #include "shell/workbench/commands/shop_commands.h"
 
+#include "media/purge/unused_pictures.h"
 #include "platform/files/files.h"
 #include "shell/workbench/workbench.h"
 #include "store/shop/open_shop.h"
@@ -44,6 +45,7 @@ Command purgeRow() {
   Command row = shopRow("shop.purgePictures", {File, 203, "Rimuovi immagini inutilizzate..."}, "",
                         [](const CommandContext& context) {
                           const std::string pictures = joinPath(context.session.ShopFolder, "work");
+                          context.env.user.message(purgeNotice(pictures), Icon::Information);
                           static_cast<void>(context.ports.dialogs.purgePictures(pictures));
                         });
   row.dialog = wired(&WorkbenchDialogs::purgePictures);
