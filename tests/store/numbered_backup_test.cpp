@@ -1,10 +1,11 @@
 // Numbered backups of the catalogue: which number is next, and that none is ever overwritten.
-#include "store/exchange/numbered_backup.h"
+#include "store/shop/numbered_backup.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
+#include "store/shop/backup_copies.h"
 #include "store/shop/load_shop.h"
 #include "support/failing_files.h"
 
@@ -58,6 +59,30 @@ TEST_F(NumberedBackups, AnOpenCatalogueIsCopiedAndKeepsItsLock) {
   auto copy = Database::open(folder + "/catalog.000", OpenMode::ReadOnly);
   ASSERT_TRUE(copy);
   EXPECT_EQ(asText(*copy->scalar("SELECT titolo FROM articoli")), "Nuova");
+}
+
+TEST_F(NumberedBackups, OneCanBeRestoredLikeADatedCopy) {
+  ASSERT_EQ(CreaBackup(session, folder), "catalog.000");
+  run(folder, "UPDATE articoli SET titolo = 'Nuova'");
+  ASSERT_EQ(restorableCopies(folder).size(), 1U);
+  EXPECT_EQ(restorableCopies(folder).front().name, "catalog.000");
+  const auto restored = restoreCopy(folder, "catalog.000", clock);
+  ASSERT_TRUE(restored) << restored.error().what;
+  EXPECT_EQ(read(folder, "SELECT titolo FROM articoli"), "Lampada");
+  EXPECT_TRUE(fileExists(folder + "/catalog.000")) << "it stays";
+  EXPECT_EQ(backupCopies(folder).size(), 1U) << "the catalogue of before is kept as a dated copy";
+}
+
+TEST_F(NumberedBackups, DatedCopiesAndNumberedOnesAreListedByTheirTimes) {
+  write(folder + "/backup/catalog-20260712T071500Z.mdb", "x");
+  write(folder + "/backup/catalog-20100712T071500Z.mdb", "x");
+  present("catalog.003");
+  std::filesystem::last_write_time(
+      folder + "/catalog.003",
+      std::chrono::file_clock::from_sys(std::chrono::sys_seconds(std::chrono::seconds(1500000000))));
+  std::vector<std::string> names;
+  for (const BackupCopy& copy : restorableCopies(folder)) names.push_back(copy.name);
+  EXPECT_THAT(names, ElementsAre("catalog-20260712T071500Z.mdb", "catalog.003", "catalog-20100712T071500Z.mdb"));
 }
 
 TEST_F(NumberedBackups, AFullDiskGivesNoNameAndLeavesNoFile) {

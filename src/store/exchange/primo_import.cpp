@@ -1,7 +1,7 @@
 #include "store/exchange/primo_import.h"
 
 #include "platform/files/trees.h"
-#include "store/exchange/numbered_backup.h"
+#include "store/shop/numbered_backup.h"
 #include "store/exchange/primo_rows.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"

@@ -10,6 +10,7 @@
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/shop/load_shop.h"
+#include "store/shop/numbered_backup.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
 
@@ -159,6 +160,18 @@ std::vector<BackupCopy> backupCopies(const std::string& shopFolder) {
   return copies;
 }
 
+std::vector<BackupCopy> restorableCopies(const std::string& shopFolder) {
+  std::vector<BackupCopy> copies = backupCopies(shopFolder);
+  for (const std::string& name : numberedBackups(shopFolder)) {
+    const auto stamp = fileStamp(joinPath(shopFolder, name));
+    if (!stamp) continue;
+    const std::int64_t savedAt = stamp->changedAt / nanosecondsPerSecond;
+    copies.push_back({name, savedAt, savedAt, stamp->size});
+  }
+  std::ranges::stable_sort(copies, std::ranges::greater(), &BackupCopy::madeAt);
+  return copies;
+}
+
 Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock) {
   auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
   if (!catalogue) return fail(catalogue.error());
@@ -183,10 +196,11 @@ std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& 
 }
 
 Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock) {
-  const auto copies = backupCopies(shopFolder);
+  const auto copies = restorableCopies(shopFolder);
   const auto chosen = std::ranges::find(copies, name, &BackupCopy::name);
   if (chosen == copies.end()) return fail(ErrorKind::Missing, std::string(name), "no such copy");
-  const std::string copy = joinPath(copiesFolder(shopFolder), chosen->name);
+  const std::string dated = joinPath(copiesFolder(shopFolder), chosen->name);
+  const std::string copy = fileExists(dated) ? dated : joinPath(shopFolder, chosen->name);
   if (auto looked = Database::open(copy, OpenMode::ReadOnly); !looked) return fail(looked.error());
   if (auto recovered = recoverPresent(shopFolder); !recovered) return recovered;
   const std::string catalogue = joinPath(shopFolder, catalogueFile);

@@ -1,4 +1,4 @@
-#include "store/exchange/numbered_backup.h"
+#include "store/shop/numbered_backup.h"
 
 #include "platform/files/files.h"
 #include "platform/numbers/number_format.h"
