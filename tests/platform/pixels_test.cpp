@@ -57,6 +57,18 @@ TEST(Pixels, EveryKindShowsTheSamePicture) {
 
 TEST(Pixels, FourInksAreReducedToThreeColours) { EXPECT_EQ(corners(pictureOf("corners_cmyk.jpg")), "32x16 RGBY"); }
 
+TEST(Pixels, ColoursWithAProfileAreThoseOfAScreen) {
+  // 100, 200, 100 with the primaries of a wide display; the red of a screen is far less.
+  for (const char* name : {"green_wide.jpg", "green_wide.png", "green_wide.webp"}) {
+    const auto pixels = readPixels(pictureOf(name));
+    ASSERT_TRUE(pixels) << name;
+    const std::uint8_t* const pixel = pixels->row(3) + 9;
+    EXPECT_NEAR(pixel[2], 45, 3) << name;
+    EXPECT_NEAR(pixel[1], 203, 3) << name;
+    EXPECT_NEAR(pixel[0], 85, 3) << name;
+  }
+}
+
 TEST(Pixels, GreyHasThreeEqualBytes) {
   for (const char* name : {"corners_grey.png", "corners_grey.jpg"}) {
     const auto pixels = readPixels(pictureOf(name));

@@ -2,6 +2,7 @@
 // The pictures that a library reads, by kind; image.h and pixels.h tell the kinds apart. For the sources of this
 // folder.
 
+#include <string>
 #include <string_view>
 
 #include "platform/image/image.h"
@@ -46,6 +47,12 @@ int exifOrientation(std::string_view jpeg);
 constexpr bool swapsSides(int orientation) { return orientation >= 5; }
 /// The picture upright, of pixels stored in that orientation.
 Result<PixelBuffer> turnedUpright(PixelBuffer pixels, int orientation);
+
+/// The colour profile that a PNG carries; empty when there is none or it is damaged.
+std::string pngProfile(std::string_view bytes);
+/// Brings the colours of a picture whose file `bytes` carries a profile to those of a screen (sRGB). Nothing changes
+/// without a profile of three colours that can be read.
+void toScreenColours(PixelBuffer& pixels, std::string_view bytes);
 
 /// Lays `width` pixels of blue, green, red and opacity on white.
 void layOnWhite(const std::uint8_t* from, int width, std::uint8_t* to);

@@ -71,7 +71,44 @@ bool decodePng(PngRun& run) {
   return true;
 }
 
+/// A profile as libpng holds it until the reader is destroyed, copied out before.
+struct PngProfile {
+  std::string_view rest;
+  std::string* into;
+};
+
+void takePngStart(png_structp png, png_bytep to, std::size_t count) {
+  auto& profile = *static_cast<PngProfile*>(png_get_io_ptr(png));
+  if (profile.rest.size() < count) png_error(png, "cut off");
+  std::copy_n(profile.rest.begin(), count, to);
+  profile.rest.remove_prefix(count);
+}
+
+void readPngProfile(PngProfile& profile) {
+  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, leavePng, keepPngSilent);
+  png_infop info = png == nullptr ? nullptr : png_create_info_struct(png);
+  if (info != nullptr && setjmp(png_jmpbuf(png)) == 0) {
+    png_set_read_fn(png, &profile, takePngStart);
+    png_read_info(png, info);
+    png_charp name = nullptr;
+    png_bytep bytes = nullptr;
+    png_uint_32 count = 0;
+    int method = 0;
+    if (png_get_iCCP(png, info, &name, &method, &bytes, &count) != 0) {
+      profile.into->assign(reinterpret_cast<const char*>(bytes), count);
+    }
+  }
+  png_destroy_read_struct(&png, &info, nullptr);
+}
+
 }  // namespace
+
+std::string pngProfile(std::string_view bytes) {
+  std::string found;
+  PngProfile profile{bytes, &found};
+  readPngProfile(profile);
+  return found;
+}
 
 Result<ImageSize> pngSize(std::string_view bytes) {
   png_image png{};

@@ -68,6 +68,7 @@ void layOnWhite(const std::uint8_t* from, int width, std::uint8_t* to) {
 Result<PixelBuffer> readPixels(std::string_view bytes) {
   const PictureKind kind = pictureKind(bytes);
   auto pixels = storedPixels(bytes, kind);
+  if (pixels) toScreenColours(*pixels, bytes);
   if (!pixels || kind != PictureKind::Jpeg) return pixels;
   return turnedUpright(std::move(*pixels), exifOrientation(bytes));
 }

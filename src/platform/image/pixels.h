@@ -51,9 +51,9 @@ class PixelBuffer {
 };
 
 /// The pixels of a GIF (its first frame), JPEG, PNG or WebP (the first picture of an animation), upright: the turn that
-/// a camera has noted in a JPEG is applied. What is transparent shows white. CMYK and 16-bit colours are reduced to
-/// what a screen shows. Malformed, `what` saying why, when the bytes are none of these, damaged or cut off, or when
-/// there are more than mostPixels.
+/// a camera has noted in a JPEG is applied. What is transparent shows white; colours with a profile are those of sRGB.
+/// CMYK and 16-bit colours are reduced to what a screen shows. Malformed, `what` saying why, when the bytes are none of
+/// these, damaged or cut off, or when there are more than mostPixels.
 Result<PixelBuffer> readPixels(std::string_view bytes);
 /// The pixels of a picture file, as readPixels. Missing when it is no regular file, Malformed above mostPictureBytes;
 /// other failures as readBytes.
