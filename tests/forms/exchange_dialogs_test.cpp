@@ -56,6 +56,14 @@ TEST_F(TheExportDialog, TheTagsOfTheShopAloneLeaveTheirCharacterOut) {
   EXPECT_EQ(dialog->tag(), "OKT");
 }
 
+TEST_F(TheExportDialog, SaysThatPasswordsGoAlongAndLeavesThemOutWhenAsked) {
+  makeDialog({});
+  EXPECT_FALSE(control<QCheckBox>(*dialog, "chkSenzaPassword")->isChecked());
+  QTest::keyClick(control<QCheckBox>(*dialog, "chkSenzaPassword"), Qt::Key_Space);
+  accept();
+  EXPECT_EQ(dialog->tag(), "OKW");
+}
+
 TEST_F(TheExportDialog, HasTheCaptionsOfTheOptions) {
   makeDialog({true, false, {"a.php"}});
   EXPECT_EQ(fromQt(dialog->windowTitle()), "Korvane - Impostazioni esportazione");

@@ -138,6 +138,18 @@ TEST_F(ExportingAShop, WithoutTheOptionTheCopyKeepsItsWorkingFolders) {
   EXPECT_EQ(setting("siteonline"), shop + "/online");
 }
 
+TEST_F(ExportingAShop, PasswordsStayAtHomeWhenAsked) {
+  write(shop + "/firewall.net", "segreto");
+  write(shop + "/kvftp.ini", "passiva");
+  ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET password = 'Zq7Segreta', db_password = 'Zq7Segreta'"));
+  ASSERT_EQ(exportWith("OKW"), ExportOutcome::Done);
+  EXPECT_EQ(setting("password") + setting("db_password"), "");
+  EXPECT_EQ(copied("catalog.mdb").find("Zq7Segreta"), std::string::npos) << "not in the file's free space either";
+  EXPECT_EQ(copied("firewall.net"), "(none)");
+  EXPECT_EQ(copied("kvftp.ini"), "passiva");
+  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT password FROM generale")), "Zq7Segreta");
+}
+
 TEST_F(ExportingAShop, TheOpenShopIsNotWritten) {
   const auto before = fileStamp(shop + "/catalog.mdb");
   ASSERT_TRUE(before);
@@ -244,7 +256,7 @@ TEST_F(ExportingAShop, AFullDiskAtAnyWriteIsToldAndLeavesNoShop) {
 TEST(ExportTag, HoldsTheCharactersOfWhatIsChosen) {
   EXPECT_EQ(exportTag({}), "OK");
   EXPECT_EQ(exportTag(exportChoice("OKTLSRP")), "OKTLSRP");
-  EXPECT_EQ(exportTag(exportChoice("pt")), "OKTP");
+  EXPECT_EQ(exportTag(exportChoice("pwt")), "OKTPW");
   EXPECT_EQ(exportTag(exportChoice("OKR")), "OKR");
 }
 

@@ -13,11 +13,12 @@ struct ExportCharacter {
   char character;
   bool ExportChoice::*chosen;
 };
-constexpr std::array<ExportCharacter, 5> exportCharacters{{{'T', &ExportChoice::withTemplate},
+constexpr std::array<ExportCharacter, 6> exportCharacters{{{'T', &ExportChoice::withTemplate},
                                                            {'L', &ExportChoice::withLanguages},
                                                            {'S', &ExportChoice::withScripts},
                                                            {'R', &ExportChoice::resetFolders},
-                                                           {'P', &ExportChoice::withAllTags}}};
+                                                           {'P', &ExportChoice::withAllTags},
+                                                           {'W', &ExportChoice::noPasswords}}};
 constexpr std::string_view okTag = "OK";
 
 }  // namespace

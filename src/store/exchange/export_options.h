@@ -17,6 +17,9 @@ inline constexpr std::string_view exportScriptsNote =
     "(selezionare questa opzione se gli script sono stati personalizzati)";
 inline constexpr std::string_view exportResetCaption = "Resetta le cartelle di lavoro del negozio esportato";
 inline constexpr std::string_view exportAllTagsCaption = "Esporta tutti i tag personalizzati";
+inline constexpr std::string_view exportPasswordsNote =
+    "Con il negozio viaggiano anche le password del server e del database.";
+inline constexpr std::string_view exportNoPasswordsCaption = "Non esportare le password";
 inline constexpr std::string_view exportShopTagsCaption =
     "Esporta solo i tag personalizzati relativi al negozio corrente";
 
@@ -37,10 +40,11 @@ struct ExportChoice {
   bool withScripts = false;    ///< S
   bool resetFolders = false;   ///< R
   bool withAllTags = false;    ///< P
+  bool noPasswords = false;    ///< W: those of server and database are emptied in the copy, the firewall's file stays
 };
-/// "OK" and the characters of what is chosen, in the order TLSRP.
+/// "OK" and the characters of what is chosen, in the order TLSRPW.
 std::string exportTag(const ExportChoice& choice);
-/// The choice that a tag or a list of the five characters means; case and other characters are ignored.
+/// The choice that a tag or a list of these characters means; case and other characters are ignored.
 ExportChoice exportChoice(std::string_view characters);
 
 }  // namespace kv

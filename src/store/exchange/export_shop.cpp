@@ -142,23 +142,29 @@ Result<> copyAllButCatalogue(ExportRun& run) {
   if (done) done = copyLanguages(run);
   if (done) done = appendCommonTags(run);
   if (done) done = sortScripts(run);
-  for (const std::string_view name : {transferFile, std::string_view("firewall.net"), std::string_view("kvftp.ini")}) {
-    if (done) done = copyIfThere(run, name);
-  }
+  if (done) done = copyIfThere(run, transferFile);
+  if (done && !run.choice.noPasswords) done = copyIfThere(run, "firewall.net");
+  if (done) done = copyIfThere(run, "kvftp.ini");
   return done;
 }
 
-Result<> emptyWorkingFolders(const std::string& catalogue) {
+Result<> emptyColumns(const std::string& catalogue, const ExportChoice& choice) {
+  if (!choice.resetFolders && !choice.noPasswords) return {};
   auto copy = Database::open(catalogue, OpenMode::Shared);
   if (!copy) return fail(copy.error());
-  return copy->execute("UPDATE generale SET siteonline = '', sitescript = ''");
+  Result<> done;
+  if (choice.resetFolders) done = copy->execute("UPDATE generale SET siteonline = '', sitescript = ''");
+  if (done && choice.noPasswords) done = copy->execute("UPDATE generale SET password = '', db_password = ''");
+  // Emptied fields would stay in the file's free space.
+  if (done && choice.noPasswords) done = copy->execute("VACUUM");
+  return done;
 }
 
 /// The last step: under its name only once it is as it should be.
-Result<> copyCatalogue(const std::string& from, const std::string& to, bool resetFolders) {
+Result<> copyCatalogue(const std::string& from, const std::string& to, const ExportChoice& choice) {
   const std::string unfinished = joinPath(to, unfinishedCatalogue);
   Result<> done = copyFile(joinPath(from, catalogueFile), unfinished);
-  if (done && resetFolders) done = emptyWorkingFolders(unfinished);
+  if (done) done = emptyColumns(unfinished, choice);
   if (done) done = renameFile(unfinished, joinPath(to, catalogueFile));
   return done;
 }
@@ -183,7 +189,7 @@ ExportOutcome EsportaNegozio(Session& session, Environment& env, const ExportDia
   if (const auto copied = copyAllButCatalogue(run); !copied) return endEarly(run, copied.error());
   const std::string shopFolder = session.ShopFolder;
   releaseCatalogue(session, env);
-  const auto copied = copyCatalogue(shopFolder, folder, run.choice.resetFolders);
+  const auto copied = copyCatalogue(shopFolder, folder, run.choice);
   ignore(RiavviaSessione(session, env), "it has told the user of any failure");
   if (!copied) return endEarly(run, copied.error());
   env.user.progress({});

@@ -19,11 +19,14 @@ frmEsporta::frmEsporta(const ExportOffer& offer, QWidget* parent) : FormDialog(e
   chkReset_ = named(new QCheckBox(toQt(exportResetCaption)), "chkReset");
   column->addWidget(chkReset_);
   if (offer.commonTags) addTags(*column);
+  chkSenzaPassword_ = named(new QCheckBox(toQt(exportNoPasswordsCaption)), "chkSenzaPassword");
+  column->addWidget(wrappedText(exportPasswordsNote));
+  column->addWidget(chkSenzaPassword_);
   column->addStretch();
   QDialogButtonBox* buttons = makeButtons();
   connect(buttons, &QDialogButtonBox::accepted, this, &frmEsporta::accepted);
   column->addWidget(buttons);
-  sizeInCharacters(72, offer.scripts ? 20 : 10);
+  sizeInCharacters(72, offer.scripts ? 24 : 13);
 }
 
 void frmEsporta::addScripts(QBoxLayout& column, const ExportOffer& offer) {
@@ -55,6 +58,7 @@ void frmEsporta::accepted() {
   choice.withScripts = isChosen(chkScript_);
   choice.resetFolders = isChosen(chkReset_);
   choice.withAllTags = isChosen(optTuttiTag_);
+  choice.noPasswords = isChosen(chkSenzaPassword_);
   finish(exportTag(choice));
 }
 

@@ -31,6 +31,7 @@ class frmEsporta final : public FormDialog {
   QCheckBox* chkLingue_ = nullptr;
   QCheckBox* chkScript_ = nullptr;
   QCheckBox* chkReset_ = nullptr;
+  QCheckBox* chkSenzaPassword_ = nullptr;
   QPlainTextEdit* txtScript_ = nullptr;
   QRadioButton* optTuttiTag_ = nullptr;
 };

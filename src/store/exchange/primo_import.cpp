@@ -1,9 +1,9 @@
 #include "store/exchange/primo_import.h"
 
 #include "platform/files/trees.h"
-#include "store/shop/numbered_backup.h"
 #include "store/exchange/primo_rows.h"
 #include "store/shop/load_shop.h"
+#include "store/shop/numbered_backup.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
 
