@@ -131,9 +131,10 @@ TEST(Pixels, AFileCutAtEachTenthIsMalformed) {
 TEST(Pixels, ALyingSizeIsRefusedBeforeMemoryIsTaken) {
   // 60000 by 60000, the checksum right.
   const std::string png = "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\xEA\x60\0\0\xEA\x60\x08\x02\0\0\0"s;
-  const auto refused = readPixels(png + "\x30\x3E\x5D\xBE"s + std::string(900, '\0'));
+  const auto refused = readPixels(png + "\x0F\xB0\xE2\x15\0\0\x03\x80IDAT"s + std::string(900, '\0'));
   ASSERT_FALSE(refused);
   EXPECT_EQ(refused.error().kind, ErrorKind::Malformed);
+  EXPECT_EQ(refused.error().what, "The picture has too many pixels");
   EXPECT_EQ(corners("GIF89a\xFF\xFF\xFF\xFF\x80\x01\x00\x11\x22\x33\xAA\xBB\xCC"s), "malformed");
   std::string jpeg = pictureOf("corners.jpg");
   const std::size_t frame = jpeg.find("\xFF\xC0");

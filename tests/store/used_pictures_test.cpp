@@ -37,6 +37,14 @@ TEST_F(UsedPictures, AButtonOfOneLanguageAloneCounts) {
   EXPECT_THAT(used(), UnorderedElementsAre("solo.gif"));
 }
 
+TEST_F(UsedPictures, TemplatesAndTextsAreNotSearched) {
+  run(folder,
+      "UPDATE generale SET testo1 = '<img src=testo.gif>', template = 'base';"
+      "INSERT INTO categorie (ID, contatore, template, descrizione) VALUES ('cat001', 1, 'modello.gif', 'd.gif')");
+  write(application + "/template/base/modello1.htm", "<img src=\"solo.gif\">");
+  EXPECT_THAT(used(), UnorderedElementsAre());
+}
+
 TEST_F(UsedPictures, ClipboardVariantsAndSecondSettingsDoNotCount) {
   run(folder,
       "INSERT INTO cliparticoli (immagine0) VALUES ('a'); INSERT INTO clipcategorie (immagine0) VALUES ('b');"
