@@ -76,7 +76,7 @@ TEST_F(PictureNames, AnExtensionCarriesNoLineEndAndNoQuote) {
   EXPECT_EQ(named("foto.jp\xE9"), "foto_0001.jp_");
 }
 
-TEST_F(PictureNames, TenThousandRandomNamesNeverMeet) {
+TEST_F(PictureNames, NamesOfChanceNeverMeet) {
   std::mt19937 chance(test::seed());
   const std::vector<std::string> pieces{"foto", "Foto", "_00a1", "_ffff", "_", "à", " ", "É", ".", "x", "0", "_0001"};
   std::uniform_int_distribution<std::size_t> piece(0, pieces.size() - 1);

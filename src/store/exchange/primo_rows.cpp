@@ -28,6 +28,7 @@ Result<> replaceRows(Database& catalogue, std::string_view table, const std::vec
 /// The four texts of an option: "opzione3", "opzione3_l2" and so on.
 std::vector<std::string> optionTexts(int option) {
   std::vector<std::string> names;
+  names.reserve(languageSuffixes.size());
   for (const std::string_view suffix : languageSuffixes) {
     names.push_back("opzione" + std::to_string(option) + std::string(suffix));
   }
