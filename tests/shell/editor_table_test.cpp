@@ -2,7 +2,6 @@
 
 #include "shell/workbench_fixture.h"
 
-#include "shell/dialogs/picture_import.h"
 #include "store/schema/schema.h"
 
 namespace kv::test {
@@ -299,31 +298,6 @@ TEST_F(FieldStoreTest, TheNotationIsStoredAsItsIndex) {
   leave(EditedSet::Generale, "notazione", "1");
   EXPECT_EQ(stored("notazione"), "1\n");
   EXPECT_EQ(bench->choicesOf(*editorOf(EditedSet::Generale, "notazione")).size(), 2U);
-}
-
-class PictureImportTest : public ShopFixture {};
-
-TEST_F(PictureImportTest, APictureGetsANameThatNoneHasHad) {
-  const std::string folder = root / "work";
-  EXPECT_EQ(uniquePictureName(folder, "/a/Foto di Mare.JPG"), "foto_di_mare_0001.jpg");
-  write(folder + "/foto_di_mare_0009.jpg", "x");
-  write(folder + "/foto_di_mare_00zz.jpg", "x");
-  EXPECT_EQ(uniquePictureName(folder, "/a/Foto di Mare.JPG"), "foto_di_mare_000a.jpg");
-  EXPECT_EQ(uniquePictureName(folder, "foto_di_mare_0003.jpg"), "foto_di_mare_000a.jpg");
-}
-
-TEST_F(PictureImportTest, APictureIsCopiedAndWhatIsNoneIsRefused) {
-  const std::string folder = root / "work";
-  write(root / "x.gif", onePixelGif(1, 2, 3));
-  write(root / "y.gif", "testo");
-  const auto name = importPicture(folder, root / "x.gif");
-  ASSERT_TRUE(name) << name.error().what;
-  EXPECT_EQ(*name, "x_0001.gif");
-  EXPECT_TRUE(fileExists(folder + "/x_0001.gif"));
-  EXPECT_EQ(*importPicture(folder, folder + "/x_0001.gif"), "x_0001.gif");
-  const auto refused = importPicture(folder, root / "y.gif");
-  ASSERT_FALSE(refused);
-  EXPECT_EQ(refused.error().kind, ErrorKind::Malformed);
 }
 
 }  // namespace

@@ -5,11 +5,13 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QScrollBar>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTimer>
 #include <QToolButton>
 #include <array>
@@ -163,6 +165,18 @@ void takeNewTag(Stage& stage, const QString& name) {
                });
 }
 
+/// The choice of a picture, on one of the shop's own.
+void takePicture(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  stage.during([&] { stage.choose("article.picture0.set"); },
+               [&](QWidget& dialog) {
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabOrigine"))->setCurrentIndex(1);
+                 auto* pictures = dialog.findChild<QListWidget*>(QStringLiteral("lstNegozio"));
+                 pictures->setCurrentRow(pictures->count() / 2);
+                 stage.take(name);
+               });
+}
+
 void takeSearch(Stage& stage, const QString& text, const QString& name) {
   stage.show(Tab::Articles);
   stage.during([&] { stage.choose("article.search"); },
@@ -309,6 +323,7 @@ std::span<const Scene> sceneTable() {
                                      Scene{"cerca", takeSearchStart},
                                      Scene{"cerca-trovati", takeSearchHits},
                                      Scene{"cerca-nessuno", takeSearchNone},
+                                     Scene{"immagine", takePicture},
                                      Scene{"informazioni", takeAbout},
                                      Scene{"apertura", takeSplash},
                                      Scene{"avviso", takeReminder},

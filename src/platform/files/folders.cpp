@@ -10,6 +10,7 @@
 
 #include "platform/files/file_access.h"
 #include "platform/files/files.h"
+#include "platform/files/trees.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -206,21 +207,45 @@ std::vector<std::string> listFolders(const std::string& folder) {
   return names;
 }
 
-Result<> copyTree(const std::string& from, const std::string& to) {
+Result<> copyTree(const std::string& from, const std::string& to) { return copyTree(TreeCopy{from, to, {}, {}, {}}); }
+
+Result<> copyTree(const TreeCopy& copy) {
   std::vector<FolderId> leftOut;
-  if (const auto target = folderId(to)) {
-    const auto source = folderId(from);
+  if (const auto target = folderId(copy.to)) {
+    const auto source = folderId(copy.from);
     if (source && *source == *target) return {};
     leftOut.push_back(*target);
   }
+  if (const auto except = folderId(copy.exceptFolder)) leftOut.push_back(*except);
   TreeLister lister(std::move(leftOut));
-  if (auto listed = lister.list(from, ""); !listed) return listed;
-  if (auto created = createFolders(to); !created) return created;
-  CopyTarget target(to);
+  if (auto listed = lister.list(copy.from, ""); !listed) return listed;
+  if (auto created = createFolders(copy.to); !created) return created;
+  CopyTarget target(copy.to);
   if (auto created = createListed(lister.items(), target); !created) return created;
   for (const TreeItem& item : lister.items()) {
-    if (item.isFolder) continue;
-    if (auto copied = copyFile(joinPath(from, item.path), target.pathFor(item.path)); !copied) return copied;
+    if (item.isFolder || equalsIgnoringCase(item.path, copy.exceptFile)) continue;
+    if (copy.goOn && !copy.goOn()) return fail(ErrorKind::Cancelled, copy.from, "cancelled");
+    if (auto copied = copyFile(joinPath(copy.from, item.path), target.pathFor(item.path)); !copied) return copied;
+  }
+  return {};
+}
+
+Result<bool> isEmptyFolder(const std::string& path) {
+  const auto entries = entriesOf(path);
+  if (!entries) return fail(entries.error());
+  return entries->empty();
+}
+
+Result<> removeBelow(const std::string& path) {
+  const auto entries = entriesOf(path);
+  if (!entries) return fail(entries.error());
+  for (const Entry& entry : *entries) {
+    const std::string below = joinPath(path, entry.name);
+    struct stat status {};
+    const bool isFolder = ::lstat(below.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    Result<> removed = isFolder ? removeBelow(below) : deleteFile(below);
+    if (removed && isFolder) removed = removeFolder(below);
+    if (!removed) return removed;
   }
   return {};
 }

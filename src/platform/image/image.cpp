@@ -1,7 +1,5 @@
 #include "platform/image/image.h"
 
-#include <png.h>
-
 #include <cstdlib>
 #include <limits>
 
@@ -44,23 +42,31 @@ Error at(const std::string& path, Error error) {
 
 }  // namespace
 
-Result<ImageSize> pngSize(std::string_view bytes) {
-  png_image png{};
-  png.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_memory(&png, bytes.data(), bytes.size()) == 0) {
-    return badPicture("The PNG's header is damaged or cut off");
-  }
-  const ImageSize size{static_cast<int>(png.width), static_cast<int>(png.height)};  // each at most a million
-  png_image_free(&png);
-  return size;
+PictureKind pictureKind(std::string_view bytes) {
+  if (bytes.starts_with("GIF87a") || bytes.starts_with("GIF89a")) return PictureKind::Gif;
+  if (bytes.starts_with(jpegMark)) return PictureKind::Jpeg;
+  if (bytes.starts_with(pngMark)) return PictureKind::Png;
+  if (bytes.starts_with("BM")) return PictureKind::Bmp;
+  if (bytes.starts_with("RIFF") && bytes.substr(0, 12).ends_with("WEBP")) return PictureKind::Webp;
+  return PictureKind::None;
 }
 
 Result<ImageSize> imageSizeOf(std::string_view bytes) {
-  if (bytes.starts_with("GIF87a") || bytes.starts_with("GIF89a")) return gifSize(bytes);
-  if (bytes.starts_with(jpegMark)) return jpegSize(bytes);
-  if (bytes.starts_with(pngMark)) return pngSize(bytes);
-  if (bytes.starts_with("BM")) return bmpSize(bytes);
-  return badPicture("Neither GIF, JPEG, PNG nor BMP");
+  switch (pictureKind(bytes)) {
+    case PictureKind::Gif:
+      return gifSize(bytes);
+    case PictureKind::Jpeg:
+      return jpegSize(bytes);
+    case PictureKind::Png:
+      return pngSize(bytes);
+    case PictureKind::Bmp:
+      return bmpSize(bytes);
+    case PictureKind::Webp:
+      return webpSize(bytes);
+    case PictureKind::None:
+      break;
+  }
+  return badPicture("Neither GIF, JPEG, PNG, BMP nor WebP");
 }
 
 Result<ImageSize> imageSize(const std::string& path) {

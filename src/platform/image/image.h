@@ -13,6 +13,7 @@ namespace kv {
 struct ImageSize {
   int width = 0;
   int height = 0;
+  friend bool operator==(const ImageSize&, const ImageSize&) = default;
 };
 
 /// A colour as red, green, blue, 0 to 255 each.
@@ -20,9 +21,9 @@ struct Colour {
   std::uint8_t red = 0, green = 0, blue = 0;
 };
 
-/// Width and height of a GIF, JPEG, PNG or BMP, in pixels, each at least 1. Malformed when the bytes are none of these
-/// or their header is damaged, cut off or asks for more than the kind's library takes (PNG a million, JPEG 65500 on a
-/// side). Only the header is read, of a GIF up to its palette, of the others up to the data: what follows may be
+/// Width and height of a GIF, JPEG, PNG, BMP or WebP, in pixels, each at least 1. Malformed when the bytes are none of
+/// these or their header is damaged, cut off or asks for more than the kind's library takes (PNG a million, JPEG 65500
+/// on a side). Only the header is read, of a GIF up to its palette, of the others up to the data: what follows may be
 /// damaged.
 Result<ImageSize> imageSizeOf(std::string_view bytes);
 /// Width and height of a picture file, as imageSizeOf. Failures: as readBytes, Malformed.

@@ -5,6 +5,7 @@
 #include "platform/files/settings.h"
 #include "platform/ports/clock.h"
 #include "shell/cli/command_line.h"
+#include "shell/cli/exchange_commands.h"
 #include "shell/program/installed_data.h"
 #include "store/shop/backup_copies.h"
 
@@ -22,6 +23,14 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return exportShopSql(shop, env, out);
     case CliCommand::New:
       return newShop(env, out);
+    case CliCommand::Export:
+      return exportShop(shop, line, env);
+    case CliCommand::Import:
+      return importShop(shop, line, env, out);
+    case CliCommand::Purge:
+      return purgePictures(shop, line, env, out);
+    case CliCommand::Picture:
+      return setPicture(shop, line, env, out);
     case CliCommand::Help:
     case CliCommand::Version:
       break;
@@ -50,7 +59,9 @@ CliOutcome runCommandLine(std::span<const std::string> arguments, const CliConte
   }
   ConsoleOptions screen = context.screen;
   screen.answers = line->answers;
-  screen.folder = absolutePath(line->shop);
+  // --delete is the consent, unless an answer says otherwise.
+  if (line->has("--delete") && screen.answers.empty()) screen.answers = {Answer::Yes};
+  screen.folder = absolutePath(line->command == CliCommand::Export ? line->object : line->shop);
   ConsoleUser user(context.err, systemClock(), std::move(screen));
   FileSettings settings(userSettingsPath());
   Environment env{user, settings, systemClock(), systemRandom(), *application, {}};

@@ -1,6 +1,8 @@
 #include "shell/cli/command_line.h"
 
+#include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -8,10 +10,28 @@
 namespace kv {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, CliCommand>, 4> commands{{{"build", CliCommand::Build},
-                                                                           {"check", CliCommand::Check},
-                                                                           {"export-sql", CliCommand::ExportSql},
-                                                                           {"new", CliCommand::New}}};
+/// A command: what its second name is called when it is missing, and its own options, those that end in "=" with a
+/// value.
+struct CommandRow {
+  CliCommand command;
+  const char* object = nullptr;  ///< null: the command takes the shop alone
+  std::vector<std::string_view> options{};
+};
+
+const std::map<std::string_view, CommandRow>& commands() {
+  static const std::map<std::string_view, CommandRow> rows{
+      {"build", {CliCommand::Build}},
+      {"check", {CliCommand::Check}},
+      {"export-sql", {CliCommand::ExportSql}},
+      {"new", {CliCommand::New}},
+      {"export", {CliCommand::Export, "la cartella di destinazione", {"--with="}}},
+      {"import", {CliCommand::Import, "la cartella di origine", {"--dry-run"}}},
+      {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
+      {"picture",
+       {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}}};
+  return rows;
+}
+
 constexpr std::array<std::pair<std::string_view, Answer>, 4> answers{
     {{"yes", Answer::Yes}, {"no", Answer::No}, {"ok", Answer::Ok}, {"cancel", Answer::Cancel}}};
 
@@ -66,32 +86,59 @@ class Parser {
     return {};
   }
 
-  /// An option with a value, after "=" or in the next argument.
+  static bool isKnown(const std::string& spelling) {
+    if (spelling == "--app=" || spelling == "--answer=") return true;
+    return std::ranges::any_of(commands(), [&](const auto& row) {
+      return std::ranges::find(row.second.options, spelling) != row.second.options.end();
+    });
+  }
+
+  /// An option with a value, after "=" or in the next argument, or a flag.
   Result<> valued(const std::string& argument) {
     const auto equals = argument.find('=');
     const std::string name = argument.substr(0, equals);
-    if (name != "--app" && name != "--answer") return wrong("opzione sconosciuta: " + argument);
+    if (equals == std::string::npos && isKnown(name)) {
+      line_.options[name].clear();
+      return {};
+    }
+    if (!isKnown(name + "=")) return wrong("opzione sconosciuta: " + argument);
     if (equals == std::string::npos && rest_.empty()) return wrong("manca il valore di " + name);
     const std::string value = equals == std::string::npos ? next() : argument.substr(equals + 1);
     if (value.empty()) return wrong("manca il valore di " + name);
+    return take(name, value);
+  }
+
+  Result<> take(const std::string& name, const std::string& value) {
     if (name == "--app") {
       line_.applicationFolder = value;
-      return {};
+    } else if (name != "--answer") {
+      line_.options[name] = value;
+    } else if (const auto answer = find(answers, value)) {
+      line_.answers.push_back(*answer);
+    } else {
+      return wrong("risposta sconosciuta: " + value + " (yes, no, ok, cancel)");
     }
-    const auto answer = find(answers, value);
-    if (!answer) return wrong("risposta sconosciuta: " + value + " (yes, no, ok, cancel)");
-    line_.answers.push_back(*answer);
     return {};
   }
 
   Result<CommandLine> finish() {
     if (names_.empty()) return wrong("manca il comando");
-    const auto command = find(commands, names_[0]);
-    if (!command) return wrong("comando sconosciuto: " + names_[0]);
+    const auto found = commands().find(names_[0]);
+    if (found == commands().end()) return wrong("comando sconosciuto: " + names_[0]);
+    const CommandRow& row = found->second;
     if (names_.size() < 2 || names_[1].empty()) return wrong("manca la cartella del negozio");
-    if (names_.size() > 2) return wrong("argomento di troppo: " + names_[2]);
-    line_.command = *command;
+    const std::size_t count = row.object == nullptr ? 2 : 3;
+    if (names_.size() < count || names_.back().empty()) return wrong(std::string("manca ") + row.object);
+    if (names_.size() > count) return wrong("argomento di troppo: " + names_[count]);
+    for (const auto& [option, value] : line_.options) {
+      const std::string spelling = value.empty() ? option : option + "=";
+      if (std::ranges::find(row.options, spelling) == row.options.end()) {
+        return wrong("opzione non prevista per il comando " + names_[0] + ": " + option);
+      }
+    }
+    line_.command = row.command;
     line_.shop = names_[1];
+    if (row.object != nullptr) line_.object = names_[2];
     return line_;
   }
 
@@ -114,6 +161,17 @@ std::string usageText() {
          "  check NEGOZIO       apre il negozio e dice che cosa non va, senza costruirlo\n"
          "  export-sql NEGOZIO  scrive i file SQL del negozio costruito nella cartella online\n"
          "  new NEGOZIO         crea un nuovo negozio nella cartella NEGOZIO\n"
+         "  export NEGOZIO CARTELLA\n"
+         "                      esporta il negozio nella CARTELLA vuota. --with TLSRP: T il template, L i moduli\n"
+         "                      linguistici, S gli script, P i tag personalizzati di tutti i negozi; R resetta le\n"
+         "                      cartelle di lavoro del negozio esportato\n"
+         "  import NEGOZIO ORIGINE\n"
+         "                      sostituisce i dati del negozio con quelli del negozio Primo contenuto nella cartella\n"
+         "                      ORIGINE. --dry-run: dice soltanto che cosa verrebbe importato\n"
+         "  purge NEGOZIO       elenca le immagini inutilizzate. --delete: le cancella\n"
+         "  picture NEGOZIO FILE --article ID|--department ID --slot 0|1|2\n"
+         "                      imposta un'immagine e ne mostra nome e dimensioni. --fit 180x135: la adatta a queste\n"
+         "                      dimensioni massime\n"
          "\n"
          "Opzioni:\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"

@@ -1,6 +1,7 @@
 #pragma once
 // The arguments of korvane-cli. Parsing looks at nothing but the arguments, so that every form can be tested.
 
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,15 +12,25 @@
 namespace kv {
 
 /// What korvane-cli is asked to do.
-enum class CliCommand { Build, Check, ExportSql, New, Help, Version };
+enum class CliCommand { Build, Check, ExportSql, New, Export, Import, Purge, Picture, Help, Version };
 
 struct CommandLine {
   CliCommand command = CliCommand::Help;
   std::string shop;               ///< as typed; empty for Help and Version
+  std::string object;             ///< the second name of Export, Import and Picture, as typed
   std::string applicationFolder;  ///< of --app, as typed; empty means the user's own
   /// Of --answer, in order: the first question gets the first, the last one holds for all that follow. Empty means
   /// that every question gets its default.
   std::vector<Answer> answers;
+  /// The command's own options with their hyphens, and their values; a flag has an empty one.
+  std::map<std::string, std::string, std::less<>> options;
+
+  /// The value of an option; empty when it isn't given.
+  std::string option(std::string_view name) const {
+    const auto found = options.find(name);
+    return found == options.end() ? std::string() : found->second;
+  }
+  bool has(std::string_view name) const { return options.contains(name); }
 };
 
 /// Reads the arguments after the program's name. "--app=X" and "--app X" mean the same; after "--" every argument

@@ -19,7 +19,7 @@ constexpr std::string_view noCopies = "Non è ancora stata conservata alcuna cop
 }  // namespace
 
 frmBackup::frmBackup(const std::string& shopFolder, Environment& env, QWidget* parent)
-    : FormDialog(backupTitle, parent), env_(env), copies_(backupCopies(shopFolder)) {
+    : FormDialog(backupTitle, parent), env_(env), copies_(restorableCopies(shopFolder)) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(wrappedText(backupNote));
   column->addWidget(makeList(), 1);

@@ -1,20 +1,25 @@
 #include "shell/program/frm_dialogs.h"
 
 #include <QDesktopServices>
-#include <QFileDialog>
+#include <QFile>
 #include <QUrl>
 #include <optional>
 
 #include "builder/run/frm_elabora.h"
+#include "media/choice/frm_immagine.h"
+#include "media/purge/frm_pulisci_immagini.h"
 #include "platform/files/files.h"
 #include "shell/dialogs/frm_about.h"
 #include "shell/dialogs/frm_avviso.h"
 #include "shell/dialogs/frm_backup.h"
 #include "shell/dialogs/frm_browse.h"
 #include "shell/dialogs/frm_search.h"
-#include "shell/dialogs/picture_import.h"
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
+#include "store/catalogue/used_pictures.h"
+#include "store/exchange/export_shop.h"
+#include "store/exchange/frm_esporta.h"
+#include "store/exchange/frm_importa_primo.h"
 #include "store/shop/backup_copies.h"
 #include "tags/custom/frm_tags.h"
 #include "tags/language/frm_lingue.h"
@@ -34,15 +39,45 @@ std::string run(FormDialog& dialog) {
 /// Runs a dialog; false when it was left.
 bool isAccepted(FormDialog& dialog) { return !run(dialog).empty(); }
 
-/// A picture from the disk, copied into the image folder; its name there.
-std::optional<std::string> choosePicture(frmMain& window, const Session& session, UserPort& user) {
-  const QString source = QFileDialog::getOpenFileName(&window, QObject::tr("Korvane - Scelta dell'immagine"), QString(),
-                                                      QObject::tr("Immagini (*.gif *.jpg *.jpeg *.png)"));
-  if (source.isEmpty()) return std::nullopt;
-  const auto name = importPicture(joinPath(session.ShopFolder, "work"), fromQt(source));
-  if (name) return *name;
-  user.message("L'immagine non può essere usata:\n" + fromQt(source), Icon::Exclamation);
-  return std::nullopt;
+/// Where the desktop has a trash, a picture can be fetched from it.
+Result<> moveToTrash(const std::string& path) {
+  if (QFile::moveToTrash(toQt(path))) return {};
+  return deleteFile(path);
+}
+
+void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
+  dialogs.choosePicture = [&](const std::string& current) -> std::optional<std::string> {
+    frmImmagine dialog(env.settings, env.user, joinPath(session.ShopFolder, "work"), current, &window);
+    const std::string name = run(dialog);
+    if (name.empty()) return std::nullopt;
+    return name;
+  };
+  dialogs.purgePictures = [&](const std::string& folder) {
+    frmPulisciImmagini dialog({folder, [&session] { return usedPictures(session.catalogue); }, moveToTrash}, env.user,
+                              &window);
+    return isAccepted(dialog);
+  };
+}
+
+void wireExchange(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
+  dialogs.exportShop = [&] {
+    const ExportDialog options = [&window](const ExportOffer& offer) {
+      frmEsporta dialog(offer, &window);
+      return run(dialog);
+    };
+    return EsportaNegozio(session, env, options) == ExportOutcome::Done;
+  };
+  dialogs.importShop = [&] {
+    const auto takeShop = [&] {
+      frmImportaPrimo dialog(session, env, &window);
+      const std::string folder = run(dialog);
+      return folder.empty() ? PrimoOutcome::NotDone : importPrimoShop(session, env, folder);
+    };
+    const PrimoOutcome outcome = ImportaNegozio(session, env, takeShop);
+    // No further write may reach the shop after an import that failed on the way.
+    if (outcome == PrimoOutcome::Failed) window.close();
+    return outcome == PrimoOutcome::Done;
+  };
 }
 
 void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
@@ -87,7 +122,6 @@ void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Envi
     if (isAccepted(dialog)) return dialog.chosen();
     return std::nullopt;
   };
-  dialogs.choosePicture = [&](const std::string&) { return choosePicture(window, session, env.user); };
   dialogs.introduction = [&] {
     showGuide(window);
     return true;
@@ -104,6 +138,8 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   WorkbenchDialogs& dialogs = window.workbench().ports().dialogs;
   wireSettings(dialogs, window, session, env);
   wireWork(dialogs, window, session, env);
+  wirePictures(dialogs, window, session, env);
+  wireExchange(dialogs, window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);
   env.hooks.frmTemplate = [&](const std::string& current) {
     const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };

@@ -12,6 +12,7 @@
 #include "platform/text/text.h"
 #include "store/shop/compact.h"
 #include "store/shop/load_shop.h"
+#include "store/shop/numbered_backup.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
 
@@ -160,6 +161,18 @@ std::vector<BackupCopy> backupCopies(const std::string& shopFolder) {
   return copies;
 }
 
+std::vector<BackupCopy> restorableCopies(const std::string& shopFolder) {
+  std::vector<BackupCopy> copies = backupCopies(shopFolder);
+  for (const std::string& name : numberedBackups(shopFolder)) {
+    const auto stamp = fileStamp(joinPath(shopFolder, name));
+    if (!stamp) continue;
+    const std::int64_t savedAt = stamp->changedAt / nanosecondsPerSecond;
+    copies.push_back({name, savedAt, savedAt, stamp->size});
+  }
+  std::ranges::stable_sort(copies, std::ranges::greater(), &BackupCopy::madeAt);
+  return copies;
+}
+
 Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock) {
   auto catalogue = ApriDatabase(entryPath(shopFolder, catalogueFile), false);
   if (!catalogue) return fail(catalogue.error());
@@ -207,10 +220,11 @@ Result<> exchangeForCopy(const std::string& shopFolder, const CatalogueExchange&
 }  // namespace
 
 Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock) {
-  const auto copies = backupCopies(shopFolder);
+  const auto copies = restorableCopies(shopFolder);
   const auto chosen = std::ranges::find(copies, name, &BackupCopy::name);
   if (chosen == copies.end()) return fail(ErrorKind::Missing, std::string(name), "no such copy");
-  const std::string copy = joinPath(copiesFolder(shopFolder), chosen->name);
+  const std::string dated = joinPath(copiesFolder(shopFolder), chosen->name);
+  const std::string copy = fileExists(dated) ? dated : joinPath(shopFolder, chosen->name);
   if (auto looked = Database::open(copy, OpenMode::ReadOnly); !looked) return fail(looked.error());
   const CatalogueExchange files(shopFolder);
   // The replacement is complete before the catalogue is held. From then on names alone change: to open and close the

@@ -29,6 +29,9 @@ struct BackupCopy {
 
 /// The copies of a shop, newest first. Other files in the folder are no copies.
 std::vector<BackupCopy> backupCopies(const std::string& shopFolder);
+/// All copies that can be restored, newest first: the dated ones, and the numbered backups of the shop folder
+/// (catalog.000), whose time of making is that of the catalogue's last change.
+std::vector<BackupCopy> restorableCopies(const std::string& shopFolder);
 
 /// Makes a dated copy of a catalogue that nobody has open, unless the newest copy has its size and time, and deletes
 /// the oldest beyond ten. The unfinished change of a killed writer is undone first. True when a copy was made.
@@ -40,7 +43,7 @@ Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock);
 /// reason that opening the shop doesn't report, such as a full disk. `env` outlives the hook.
 std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& env);
 
-/// Replaces the catalogue, which is not open, by the copy of this name in one step. A dated copy of the present one is
+/// Replaces the catalogue, which is not open, by the dated copy or numbered backup of this name in one step. A dated copy of the present one is
 /// made first, even of a damaged one. Corrupt or Missing when the copy can't be read; then nothing has changed.
 Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock);
 

@@ -1,5 +1,6 @@
 #include "shell/workbench/commands/shop_commands.h"
 
+#include "media/purge/unused_pictures.h"
 #include "platform/files/files.h"
 #include "shell/workbench/workbench.h"
 #include "store/shop/open_shop.h"
@@ -44,9 +45,18 @@ Command purgeRow() {
   Command row = shopRow("shop.purgePictures", {File, 203, "Rimuovi immagini inutilizzate..."}, "",
                         [](const CommandContext& context) {
                           const std::string pictures = joinPath(context.session.ShopFolder, "work");
+                          context.env.user.message(purgeNotice(pictures), Icon::Information);
                           static_cast<void>(context.ports.dialogs.purgePictures(pictures));
                         });
   row.dialog = wired(&WorkbenchDialogs::purgePictures);
+  row.help = "pagine/immagini.htm";
+  return row;
+}
+
+/// A command that moves a whole shop.
+Command moveRow(std::string name, const MenuPlace& place, WorkbenchDialogs::Dialog WorkbenchDialogs::*dialog) {
+  Command row = dialogCommand(std::move(name), place, dialog);
+  row.help = "pagine/trasferire.htm";
   return row;
 }
 
@@ -80,8 +90,8 @@ std::vector<Command> shopCommands() {
                [](const CommandContext& context) {
                  closeWithoutShop(context, ApriNegozio(context.session, context.env, "*"));
                }),
-       dialogCommand("shop.export", {File, 103, "Esporta negozio per Korvane Banco"}, &Dialogs::exportShop),
-       dialogCommand("shop.import", {File, 104, "Importa negozio Primo..."}, &Dialogs::importShop),
+       moveRow("shop.export", {File, 103, "Esporta negozio per Korvane Banco"}, &Dialogs::exportShop),
+       moveRow("shop.import", {File, 104, "Importa negozio Primo..."}, &Dialogs::importShop),
        dialogCommand("shop.restoreCopy", {File, 105, "Ripristina una copia..."}, &Dialogs::restoreCopy),
        dialogCommand("shop.folders", {File, 201, "Cambia le cartelle di lavoro..."}, &Dialogs::changeFolders,
                      "Cambia le cartelle"),

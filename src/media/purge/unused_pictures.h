@@ -1,0 +1,70 @@
+#pragma once
+// Finding the pictures of the image folder that no row of the catalogue refers to, and deleting those that the merchant
+// has ticked. The catalogue's half, the names in use, comes in as a list.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ports/result.h"
+#include "platform/ports/user_port.h"
+
+namespace kv {
+
+inline constexpr std::string_view purgeTitle = "Korvane - Rimuovi immagini inutilizzate";
+/// The notice before the search, of the pictures of this folder.
+std::string purgeNotice(const std::string& folder);
+
+/// What the search works on.
+struct PurgeSources {
+  std::string folder;  ///< the shop's image folder
+  /// The names of all pictures in use, in any order and case.
+  std::function<Result<std::vector<std::string>>()> usedPictures;
+  /// Deletes a file or moves it where it can be fetched from; not set: deleteFile.
+  std::function<Result<>(const std::string& path)> remove;
+};
+
+/// A picture that nothing refers to.
+struct UnusedPicture {
+  std::string name;
+  std::uint64_t size = 0;  ///< bytes
+  bool ticked = false;     ///< to be deleted
+};
+
+/// The list of frmPulisciImmagini and what its buttons do.
+class PicturePurge {
+ public:
+  /// `user` outlives it. Nothing is read yet.
+  PicturePurge(PurgeSources sources, UserPort& user) : sources_(std::move(sources)), user_(user) {}
+
+  /// The search at the first activation: reads the folder and the names in use, and shows how it ended. The progress
+  /// goes from 1 to the number of files. False after an error: the window closes.
+  bool search();
+
+  /// What the search has found, in the order of the folder's listing.
+  const std::vector<UnusedPicture>& unused() const { return unused_; }
+  /// Whether there is anything to tick and delete.
+  bool hasUnused() const { return !unused_.empty(); }
+  void tick(std::size_t index, bool ticked) { unused_[index].ticked = ticked; }
+  /// Ticks every picture (cmdTutti) or none (cmdNessuno).
+  void tickAll(bool ticked);
+  std::size_t tickedCount() const;
+  /// The bytes of all pictures found.
+  std::uint64_t totalSize() const;
+  const std::string& folder() const { return sources_.folder; }
+
+  /// cmdElimina: asks, deletes what is ticked and tells how many files are really gone. False when nothing is ticked or
+  /// the answer is No, and the window stays open. Files that can't be deleted are named after that.
+  bool deleteTicked();
+
+ private:
+  bool ControllaFiles(const std::vector<std::string>& files);
+
+  PurgeSources sources_;
+  UserPort& user_;
+  std::vector<UnusedPicture> unused_;
+};
+
+}  // namespace kv

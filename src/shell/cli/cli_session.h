@@ -1,0 +1,30 @@
+#pragma once
+// The shop that a command of korvane-cli works on, open for as long as the command takes.
+
+#include <string>
+
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// A session that ends with the command. A restart of it opens the same shop again, whatever the user's current one.
+class CliSession {
+ public:
+  /// `env` outlives it; its hook `reload` is set meanwhile.
+  explicit CliSession(Environment& env);
+  CliSession(const CliSession&) = delete;
+  CliSession& operator=(const CliSession&) = delete;
+  ~CliSession();
+
+  /// False when the shop could not be opened; the user knows why.
+  bool open(const std::string& shop);
+  /// Whether the shop has a template that is installed.
+  bool hasTemplate() const;
+
+  Session session;
+
+ private:
+  Environment& env_;
+};
+
+}  // namespace kv

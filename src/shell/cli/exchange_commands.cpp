@@ -1,0 +1,54 @@
+#include "shell/cli/exchange_commands.h"
+
+#include "media/purge/unused_pictures.h"
+#include "platform/files/files.h"
+#include "shell/cli/cli_session.h"
+#include "store/catalogue/used_pictures.h"
+#include "store/exchange/export_shop.h"
+#include "store/exchange/primo_import.h"
+#include "store/exchange/primo_preview.h"
+
+namespace kv {
+
+CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environment& env) {
+  CliSession open(env);
+  if (!open.open(shop)) return CliOutcome::Failed;
+  ignore(createFolders(absolutePath(line.object)), "the export tells of a folder that can't be written");
+  const auto options = [&](const ExportOffer&) { return exportTag(exportChoice(line.option("--with"))); };
+  switch (EsportaNegozio(open.session, env, options)) {
+    case ExportOutcome::Done:
+      return CliOutcome::Done;
+    case ExportOutcome::Cancelled:
+      return CliOutcome::Cancelled;
+    case ExportOutcome::Left:
+    case ExportOutcome::Failed:
+      break;
+  }
+  return CliOutcome::Failed;
+}
+
+CliOutcome importShop(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
+  const std::string source = absolutePath(line.object);
+  CliSession open(env);
+  if (!open.open(shop) || !holdsSource(env, source)) return CliOutcome::Failed;
+  if (line.has("--dry-run")) {
+    const auto preview = previewPrimo(open.session.catalogue, joinPath(source, "catalog.mdb"));
+    out << previewOfShop(open.session.catalogue, source);
+    return preview ? CliOutcome::Done : CliOutcome::Failed;
+  }
+  const auto outcome = ImportaNegozio(open.session, env, [&] { return importPrimoShop(open.session, env, source); });
+  return outcome == PrimoOutcome::Done ? CliOutcome::Done : CliOutcome::Failed;
+}
+
+CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
+  CliSession open(env);
+  if (!open.open(shop)) return CliOutcome::Failed;
+  PicturePurge purge({joinPath(shop, "work"), [&] { return usedPictures(open.session.catalogue); }, {}}, env.user);
+  if (!purge.search()) return CliOutcome::Failed;
+  for (const UnusedPicture& picture : purge.unused()) out << picture.name << '\n';
+  if (!line.has("--delete") || !purge.hasUnused()) return CliOutcome::Done;
+  purge.tickAll(true);
+  return purge.deleteTicked() ? CliOutcome::Done : CliOutcome::Failed;
+}
+
+}  // namespace kv

@@ -1,0 +1,143 @@
+#include "store/exchange/primo_import.h"
+
+#include "platform/files/trees.h"
+#include "store/exchange/primo_rows.h"
+#include "store/shop/load_shop.h"
+#include "store/shop/numbered_backup.h"
+#include "store/shop/session_start.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* notOpened = "Impossibile importare a causa del seguente errore: \n";
+constexpr const char* otherVersion = "Impossibile importare: la versione del database di origine non è supportata\n";
+constexpr const char* imported = "Importazione terminata correttamente";
+constexpr const char* failedOnTheWay =
+    "L'importazione è avvenuta con errori: ripristinare il backup e riavviare il programma";
+constexpr const char* noSource = "La cartella selezionata non contiene un negozio";
+constexpr const char* noBackup = "Non è possibile creare un backup del negozio:\nprocedere comunque all'importazione?";
+constexpr const char* otherFirstVariant =
+    "Nel negozio di origine la variante numero 1 non è \"(nessuna)\":\n"
+    "gli articoli senza varianti la mostreranno. Verificare le varianti degli articoli.";
+constexpr const char* picturesKept =
+    "I dati sono stati importati, ma non è stato possibile sostituire le immagini.\nLe nuove immagini sono nella "
+    "cartella ";
+constexpr std::string_view makingBackup = "Creazione backup...";
+
+Result<int> sourceVersion(const std::string& path) {
+  auto source = ApriDatabase(path, false);
+  if (!source) return fail(source.error());
+  return catalogueVersion(*source);
+}
+
+/// The pictures of the source, complete, beside the shop's own ones.
+class StagedPictures {
+ public:
+  explicit StagedPictures(const std::string& shopFolder)
+      : own_(joinPath(shopFolder, "work")),
+        staged_(joinPath(shopFolder, "work.importa")),
+        old_(joinPath(shopFolder, "work.prima")) {}
+
+  /// Copies them; a folder that isn't there has none.
+  Result<> copyFrom(const std::string& folder) const {
+    drop();
+    if (auto made = createFolder(staged_); !made) return made;
+    for (const std::string& name : listFiles(folder, "*")) {
+      if (auto copied = copyFile(joinPath(folder, name), joinPath(staged_, name)); !copied) return copied;
+    }
+    return {};
+  }
+  /// Makes them the shop's own; the subfolders of the old ones stay. After a failure the folder is named by path().
+  Result<> exchange() const {
+    for (const std::string& name : listFolders(own_)) {
+      if (auto moved = renameFile(joinPath(own_, name), joinPath(staged_, name)); !moved) return moved;
+    }
+    if (folderExists(own_)) {
+      if (auto moved = renameFile(own_, old_); !moved) return moved;
+    }
+    if (auto moved = renameFile(staged_, own_); !moved) return moved;
+    drop();
+    return {};
+  }
+  /// Removes what isn't the shop's own.
+  void drop() const {
+    for (const std::string& folder : {staged_, old_}) {
+      if (!folderExists(folder)) continue;
+      if (removeBelow(folder)) ignore(removeFolder(folder), "the next import removes it");
+    }
+  }
+  const std::string& path() const { return staged_; }
+
+ private:
+  std::string own_, staged_, old_;
+};
+
+void tellOtherVariant(Session& session, Environment& env) {
+  const auto taken = isFirstVariantTaken(session.catalogue);
+  if (taken && *taken) env.user.message(otherFirstVariant, Icon::Exclamation);
+}
+
+PrimoOutcome finishImport(Session& session, Environment& env, const StagedPictures& pictures) {
+  tellOtherVariant(session, env);
+  const auto exchanged = pictures.exchange();
+  env.user.message(exchanged ? std::string(imported) : picturesKept + pictures.path(),
+                   exchanged ? Icon::Information : Icon::Exclamation);
+  ignore(RiavviaSessione(session, env), "it has told the user of any failure");
+  return PrimoOutcome::Done;
+}
+
+}  // namespace
+
+int ImportaDati(Session& session, Environment& env, const std::string& path) {
+  const auto version = sourceVersion(path);
+  if (!version) {
+    env.user.message(notOpened + version.error().what, Icon::Critical);
+    return static_cast<int>(PrimoOutcome::NotDone);
+  }
+  if (!isPrimoVersion(*version)) {
+    env.user.message(otherVersion, Icon::Exclamation);
+    return static_cast<int>(PrimoOutcome::NotDone);
+  }
+  const auto taken = takePrimoRows(session.catalogue, path);
+  return static_cast<int>(taken ? PrimoOutcome::Done : PrimoOutcome::Failed);
+}
+
+bool holdsSource(Environment& env, const std::string& folder) {
+  if (fileExists(joinPath(folder, catalogueFile))) return true;
+  env.user.message(noSource, Icon::Exclamation);
+  return false;
+}
+
+PrimoOutcome importPrimoShop(Session& session, Environment& env, const std::string& folder) {
+  const StagedPictures pictures(session.ShopFolder);
+  if (const auto staged = pictures.copyFrom(joinPath(folder, "work")); !staged) {
+    pictures.drop();
+    env.user.message(notOpened + staged.error().what, Icon::Critical);
+    return PrimoOutcome::NotDone;
+  }
+  const auto outcome = static_cast<PrimoOutcome>(ImportaDati(session, env, joinPath(folder, catalogueFile)));
+  if (outcome == PrimoOutcome::Done) return finishImport(session, env, pictures);
+  pictures.drop();
+  if (outcome == PrimoOutcome::Failed) env.user.message(failedOnTheWay, Icon::Critical);
+  return outcome;
+}
+
+PrimoOutcome ImportaNegozio(Session& session, Environment& env, const std::function<PrimoOutcome()>& frmImportaPrimo) {
+  const std::string shopFolder = session.ShopFolder;
+  releaseCatalogue(session, env);
+  env.user.progress({makingBackup, 0, 0});
+  const std::string backup = CreaBackup(session, shopFolder);
+  const LoadResult loaded = RiavviaSessione(session, env, {.folderJustChosen = false, .silent = true});
+  env.user.progress({});
+  if (loaded != LoadResult::Opened) return PrimoOutcome::NotDone;
+  if (!backup.empty()) {
+    env.user.message("E' stato creato un backup del file \"catalog.mdb\" col nome \"" + backup + "\"",
+                     Icon::Information);
+  } else if (env.user.question({noBackup, Buttons::YesNo, Answer::No, Icon::Exclamation}) != Answer::Yes) {
+    return PrimoOutcome::NotDone;
+  }
+  return frmImportaPrimo();
+}
+
+}  // namespace kv

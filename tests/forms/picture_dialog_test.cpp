@@ -1,0 +1,174 @@
+// The choice of a picture in its window, by mouse and keyboard.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QDir>
+#include <QImage>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTabWidget>
+
+#include "dialog_fixture.h"
+#include "media/choice/frm_immagine.h"
+
+namespace kv {
+namespace {
+
+using test::click;
+using test::control;
+
+class ThePictureDialog : public test::DialogFixture {
+ protected:
+  void SetUp() override {
+    pictures = root / "foto";
+    ASSERT_TRUE(createFolders(pictures + "/mare"));
+    save(pictures + "/Larga.png", 400, 200);
+    save(pictures + "/piccola.png", 20, 10);
+    save(shop + "/work/usata_0001.png", 30, 30);
+    save(pictures + "/mare/onda.jpg", 50, 50);
+    ASSERT_TRUE(writeBytes(pictures + "/rotta.jpg", "testo"));
+    ASSERT_TRUE(writeBytes(pictures + "/nota.txt", "testo"));
+    ASSERT_TRUE(settings.set("LoadImage", "Path", pictures));
+    ASSERT_TRUE(settings.set("LoadImage", "MaxSize", "1"));
+  }
+  static void save(const std::string& path, int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    ASSERT_TRUE(image.save(toQt(path)));
+  }
+  void makeDialog() {
+    dialog.emplace(settings, user, shop + "/work", "usata_0001.png");
+    show(*dialog);
+  }
+  QListWidget& files() { return *control<QListWidget>(*dialog, "lstFile"); }
+  void choose(const char* name) {
+    const auto found = files().findItems(toQt(name), Qt::MatchExactly);
+    ASSERT_EQ(found.size(), 1) << name;
+    files().setCurrentItem(found.front());
+  }
+  std::string size() { return fromQt(control<QLabel>(*dialog, "lblDimensioni")->text()); }
+  QLineEdit& field(const char* name) { return *control<QLineEdit>(*dialog, name); }
+  void type(const char* name, const char* text) {
+    field(name).setFocus();
+    field(name).selectAll();
+    QTest::keyClicks(&field(name), QString::fromUtf8(text));
+    QTest::keyClick(&field(name), Qt::Key_Tab);
+  }
+
+  std::string pictures;
+  std::optional<frmImmagine> dialog;
+};
+
+TEST_F(ThePictureDialog, ListsThePicturesOfTheFolderOpenedLast) {
+  makeDialog();
+  EXPECT_EQ(fromQt(field("txtCartella").text()), pictures);
+  ASSERT_EQ(files().count(), 3) << "no text file";
+  EXPECT_EQ(files().item(0)->text(), "Larga.png");
+  EXPECT_FALSE(control<QPushButton>(*dialog, "cmdOk")->isEnabled()) << "nothing is chosen";
+  EXPECT_EQ(test::defaultButton(*dialog), "OK");
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  choose("Larga.png");
+  test::keepPicture(*dialog, "immagine");
+}
+
+TEST_F(ThePictureDialog, ShowsTheReducedSizeAndWritesIt) {
+  makeDialog();
+  choose("Larga.png");
+  EXPECT_EQ(size(), "180 x 90");
+  EXPECT_EQ(control<QLabel>(*dialog, "picAnteprima")->pixmap().size(), QSize(180, 90));
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
+  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(180, 90));
+}
+
+TEST_F(ThePictureDialog, ThePreviewIsUpright) {
+  QImage image(20, 20, QImage::Format_RGB32);
+  image.fill(Qt::blue);
+  for (int x = 0; x < 20; ++x) image.setPixelColor(x, 0, Qt::green);
+  ASSERT_TRUE(image.save(toQt(pictures + "/sopra.png")));
+  makeDialog();
+  choose("sopra.png");
+  const QImage seen = control<QLabel>(*dialog, "picAnteprima")->pixmap().toImage();
+  EXPECT_EQ(seen.pixelColor(5, 0), QColor(Qt::green));
+  EXPECT_EQ(seen.pixelColor(5, 19), QColor(Qt::blue));
+}
+
+TEST_F(ThePictureDialog, UntickingTheBoxDisablesItsFieldsAndReducesNothing) {
+  makeDialog();
+  choose("Larga.png");
+  control<QCheckBox>(*dialog, "chkAdatta")->click();
+  EXPECT_FALSE(field("txtLarghezza").isEnabled());
+  EXPECT_FALSE(field("txtAltezza").isEnabled());
+  EXPECT_EQ(size(), "400 x 200");
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(dialog->tag(), "larga_0001.png");
+}
+
+TEST_F(ThePictureDialog, ALimitOutOfRangeGoesBackAndKeepsTheFocus) {
+  makeDialog();
+  choose("Larga.png");
+  type("txtLarghezza", "271");
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Specificare un numero compreso fra 5 e 270"}));
+  EXPECT_EQ(field("txtLarghezza").text(), "180");
+  type("txtLarghezza", "1a0-0");
+  EXPECT_EQ(field("txtLarghezza").text(), "100") << "only digits pass";
+  EXPECT_EQ(size(), "100 x 50") << "the preview follows";
+  type("txtAltezza", "4");
+  EXPECT_EQ(user.shown.size(), 2U);
+  EXPECT_EQ(field("txtAltezza").text(), "180");
+}
+
+TEST_F(ThePictureDialog, OneOfTheShopIsSelectedAndTakenByItsName) {
+  makeDialog();
+  auto* tabs = control<QTabWidget>(*dialog, "tabOrigine");
+  tabs->setCurrentIndex(1);
+  EXPECT_EQ(control<QListWidget>(*dialog, "lstNegozio")->currentItem()->text(), "usata_0001.png");
+  EXPECT_EQ(size(), "30 x 30");
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(dialog->tag(), "usata_0001.png");
+  EXPECT_EQ(listFiles(shop + "/work", "*").size(), 1U);
+}
+
+TEST_F(ThePictureDialog, AnUnreadableFileHasNoPreviewAndNoTag) {
+  makeDialog();
+  choose("rotta.jpg");
+  EXPECT_EQ(size(), "");
+  EXPECT_TRUE(control<QLabel>(*dialog, "picAnteprima")->pixmap().isNull());
+  click(*dialog, "cmdOk");
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(dialog->tag(), "");
+}
+
+TEST_F(ThePictureDialog, FoldersAreOpenedByEnterAndUpAgain) {
+  makeDialog();
+  auto* folders = control<QListWidget>(*dialog, "lstCartelle");
+  ASSERT_EQ(folders->count(), 2);
+  emit folders->itemActivated(folders->item(1));
+  EXPECT_EQ(fromQt(field("txtCartella").text()), pictures + "/mare");
+  EXPECT_EQ(files().count(), 1);
+  emit folders->itemActivated(folders->item(0));
+  EXPECT_EQ(fromQt(field("txtCartella").text()), pictures);
+}
+
+TEST_F(ThePictureDialog, AFolderThatCantBeReadFallsBackToTheOneBefore) {
+  makeDialog();
+  type("txtCartella", "/niente/di/simile");
+  EXPECT_EQ(fromQt(field("txtCartella").text()), pictures);
+  EXPECT_EQ(files().count(), 3);
+  user.folders = {pictures + "/mare"};
+  click(*dialog, "cmdSfoglia");
+  EXPECT_EQ(files().count(), 1);
+}
+
+TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {
+  makeDialog();
+  choose("Larga.png");
+  type("txtLarghezza", "99");
+  expectEscapeLeaves(*dialog);
+  EXPECT_EQ(settings.get("LoadImage", "MaxWidth"), "");
+  EXPECT_EQ(listFiles(shop + "/work", "*").size(), 1U);
+  EXPECT_TRUE(user.shown.empty());
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,95 @@
+// Unused pictures in their window: the search when it opens, ticks, and the deletion.
+#include <gtest/gtest.h>
+
+#include <QListWidget>
+#include <QProgressBar>
+
+#include "dialog_fixture.h"
+#include "media/purge/frm_pulisci_immagini.h"
+#include "store/catalogue/used_pictures.h"
+
+namespace kv {
+namespace {
+
+using test::click;
+using test::control;
+
+class ThePurgeDialog : public test::DialogFixture {
+ protected:
+  void makeDialog() {
+    dialog.emplace(PurgeSources{shop + "/work", [this] { return usedPictures(session.catalogue); }, {}}, user);
+    show(*dialog);
+    QApplication::processEvents();
+    list = control<QListWidget>(*dialog, "lstFiles");
+  }
+  void present(std::initializer_list<const char*> names) {
+    ASSERT_TRUE(emptyFolder(shop + "/work"));
+    for (const char* name : names) ASSERT_TRUE(writeBytes(shop + "/work/" + name, "x"));
+  }
+  std::vector<std::string> left() const { return listFiles(shop + "/work", "*"); }
+
+  std::optional<frmPulisciImmagini> dialog;
+  QListWidget* list = nullptr;
+};
+
+TEST_F(ThePurgeDialog, SearchesWhenItOpensAndTicksNothing) {
+  present({"A.GIF", "b.gif", "c.gif"});
+  ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET immagine0 = 'a.gif'"));
+  makeDialog();
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Ricerca terminata: sono state trovate 2 immagini inutilizzate"}));
+  ASSERT_EQ(list->count(), 2);
+  EXPECT_EQ(list->item(0)->checkState(), Qt::Unchecked);
+  EXPECT_EQ(control<QProgressBar>(*dialog, "prgBarra")->value(), 3);
+  EXPECT_TRUE(control<QPushButton>(*dialog, "cmdElimina")->isEnabled());
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  test::keepPicture(*dialog, "pulisci");
+  click(*dialog, "cmdElimina");
+  EXPECT_TRUE(dialog->isVisible()) << "nothing is ticked";
+}
+
+TEST_F(ThePurgeDialog, DeletesWhatIsTickedAndCloses) {
+  present({"b.gif", "c.gif"});
+  makeDialog();
+  click(*dialog, "cmdTutti");
+  EXPECT_EQ(list->item(1)->checkState(), Qt::Checked);
+  list->item(0)->setCheckState(Qt::Unchecked);
+  user.answers = {Answer::Yes};
+  click(*dialog, "cmdElimina");
+  EXPECT_EQ(dialog->tag(), "OK");
+  EXPECT_EQ(left(), (std::vector<std::string>{"b.gif"}));
+  EXPECT_EQ(user.shown.back().text, "1 file cancellati");
+}
+
+TEST_F(ThePurgeDialog, TheSpaceKeyTicksAndNoneClearsAll) {
+  present({"b.gif"});
+  makeDialog();
+  QTest::keyClick(list, Qt::Key_Space);
+  EXPECT_EQ(list->item(0)->checkState(), Qt::Checked);
+  click(*dialog, "cmdNessuno");
+  click(*dialog, "cmdElimina");
+  EXPECT_EQ(left().size(), 1U);
+}
+
+TEST_F(ThePurgeDialog, WithoutUnusedPicturesThereIsNothingToPress) {
+  present({});
+  makeDialog();
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Ricerca terminata: non sono state trovate immagini"}));
+  for (const char* name : {"cmdTutti", "cmdNessuno", "cmdElimina"}) {
+    EXPECT_FALSE(control<QPushButton>(*dialog, name)->isEnabled()) << name;
+  }
+  EXPECT_FALSE(list->isEnabled());
+  const auto* bar = control<QProgressBar>(*dialog, "prgBarra");
+  EXPECT_EQ(bar->value(), bar->maximum());
+  expectEscapeLeaves(*dialog);
+}
+
+TEST_F(ThePurgeDialog, ClosesAfterAnError) {
+  present({"b.gif"});
+  ASSERT_TRUE(session.catalogue.execute("ALTER TABLE articoli RENAME TO altri"));
+  makeDialog();
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(user.shown[0].icon, Icon::Critical);
+}
+
+}  // namespace
+}  // namespace kv

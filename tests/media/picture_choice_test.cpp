@@ -1,0 +1,148 @@
+// What OK of the picture dialog does, by the four modes, and what a failure leaves.
+#include "media/choice/picture_choice.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "media/bitmap/save_jpg.h"
+#include "media/choice/picture_names.h"
+#include "platform/files/files.h"
+#include "support/failing_files.h"
+#include "support/scripted_user.h"
+#include "support/temp_folder.h"
+
+namespace kv {
+namespace {
+
+class ChoosingAPicture : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(createFolder(work));
+    cDIBSection bitmap;
+    ASSERT_TRUE(bitmap.Create(400, 200));
+    std::fill_n(bitmap.DIBSectionBitsPtr(), bitmap.pixels().byteCount(), std::uint8_t{200});
+    ASSERT_TRUE(SaveJPG(bitmap, large, 90));
+    ASSERT_TRUE(bitmap.Create(20, 10));
+    ASSERT_TRUE(SaveJPG(bitmap, small, 90));
+  }
+  PictureChoice choice(bool fits = true) {
+    PictureChoice made(settings, user, work, "vecchia.jpg");
+    made.values.fits = fits;
+    return made;
+  }
+  std::vector<std::string> inWork() const { return listFiles(work, "*"); }
+
+  test::TempFolder root;
+  std::string work = root / "work", large = root / "Larga.jpeg", small = root / "Piccola.JPEG";
+  MemorySettings settings;
+  test::ScriptedUser user;
+};
+
+TEST_F(ChoosingAPicture, OneLargerThanTheBoxIsReduced) {
+  PictureChoice chosen = choice();
+  const PicturePreview shown = chosen.preview(large);
+  EXPECT_EQ(shown.mode, PictureMode::Reduced);
+  EXPECT_EQ(shown.size, (ImageSize{180, 90}));
+  EXPECT_EQ(shown.picture.Width(), 180);
+  EXPECT_EQ(chosen.accept(large), "larga_0001.jpg");
+  EXPECT_EQ(shownSize(work + "/larga_0001.jpg"), (ImageSize{180, 90}));
+}
+
+TEST_F(ChoosingAPicture, OneThatFitsIsCopiedAsItIs) {
+  PictureChoice chosen = choice();
+  EXPECT_EQ(chosen.preview(small).mode, PictureMode::AsItIs);
+  EXPECT_EQ(chosen.accept(small), "piccola_0001.jpeg");
+  EXPECT_EQ(*readBytes(work + "/piccola_0001.jpeg"), *readBytes(small));
+}
+
+TEST_F(ChoosingAPicture, WithoutTheTickNothingIsReduced) {
+  PictureChoice chosen = choice(false);
+  EXPECT_EQ(chosen.preview(large).mode, PictureMode::AsItIs);
+  EXPECT_EQ(chosen.accept(large), "larga_0001.jpeg");
+}
+
+TEST_F(ChoosingAPicture, AnUnreadableFileGivesNoPreviewAndAnEmptyTag) {
+  ASSERT_TRUE(writeBytes(root / "x.jpg", "testo"));
+  PictureChoice chosen = choice();
+  const PicturePreview shown = chosen.preview(root / "x.jpg");
+  EXPECT_EQ(shown.mode, PictureMode::Unreadable);
+  EXPECT_EQ(shown.picture.Width(), 0);
+  EXPECT_EQ(chosen.accept(root / "x.jpg"), "");
+  EXPECT_TRUE(inWork().empty());
+  EXPECT_TRUE(user.shown.empty());
+  EXPECT_EQ(settings.get("LoadImage", "MaxSize"), "");
+}
+
+TEST_F(ChoosingAPicture, OneOfTheShopIsTakenByItsNameAndNotCopied) {
+  ASSERT_TRUE(copyFile(large, work + "/larga_0007.jpg"));
+  PictureChoice chosen = choice();
+  chosen.tab = PictureTab::Shop;
+  const PicturePreview shown = chosen.preview(work + "/larga_0007.jpg");
+  EXPECT_EQ(shown.mode, PictureMode::OfShop);
+  EXPECT_EQ(shown.size, (ImageSize{400, 200})) << "the box is of the disk's tab";
+  EXPECT_EQ(chosen.accept(work + "/larga_0007.jpg"), "larga_0007.jpg");
+  EXPECT_EQ(inWork(), (std::vector<std::string>{"larga_0007.jpg"}));
+}
+
+TEST_F(ChoosingAPicture, TheSettingsAreStoredByOkAlone) {
+  PictureChoice chosen = choice();
+  chosen.values.path = root.path();
+  EXPECT_TRUE(chosen.leaveWidth("100"));
+  static_cast<void>(chosen.preview(large));
+  EXPECT_EQ(settings.get("LoadImage", "MaxWidth"), "");
+  ASSERT_TRUE(chosen.accept(small));
+  EXPECT_EQ(settings.get("LoadImage", "MaxWidth"), "100");
+  EXPECT_EQ(settings.get("LoadImage", "MaxHeight"), "180");
+  EXPECT_EQ(settings.get("LoadImage", "MaxSize"), "1");
+  EXPECT_EQ(settings.get("LoadImage", "Path"), root.path());
+}
+
+TEST_F(ChoosingAPicture, ALimitOutOfRangeIsToldAndTheOldOneHolds) {
+  PictureChoice chosen = choice();
+  EXPECT_TRUE(chosen.leaveHeight("270"));
+  EXPECT_FALSE(chosen.leaveHeight("271"));
+  EXPECT_EQ(chosen.values.limits.height, 270);
+  EXPECT_EQ(user.shown, (std::vector<test::Shown>{{"Specificare un numero compreso fra 5 e 270", Icon::Exclamation}}));
+}
+
+TEST_F(ChoosingAPicture, TwiceTheSameFileGivesTwoPictures) {
+  PictureChoice chosen = choice();
+  EXPECT_EQ(chosen.accept(large), "larga_0001.jpg");
+  EXPECT_EQ(chosen.accept(large), "larga_0002.jpg");
+}
+
+TEST_F(ChoosingAPicture, AFailureIsToldAndLeavesNoHalfFile) {
+  for (const std::string& source : {large, small}) {
+    for (std::int64_t failing = 1;; ++failing) {
+      user.shown.clear();
+      test::FailingFiles gate(failing, test::AfterFailure::Works, ENOSPC);
+      gate.onlyAt({FileStep::Create, FileStep::Write, FileStep::Close, FileStep::Rename});
+      PictureChoice chosen = choice();
+      const auto name = chosen.accept(source);
+      if (!gate.hasFailed()) break;
+      EXPECT_EQ(name, std::nullopt) << failing;
+      ASSERT_EQ(user.shown.size(), 1U) << failing;
+      EXPECT_EQ(user.shown[0].icon, Icon::Critical);
+      EXPECT_EQ(std::distance(std::filesystem::directory_iterator(work), {}), 0) << failing;
+    }
+    std::filesystem::remove_all(work);
+    ASSERT_TRUE(createFolder(work));
+  }
+}
+
+TEST_F(ChoosingAPicture, AFolderThatMayNotBeWrittenIsTold) {
+  std::filesystem::permissions(work, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  PictureChoice chosen = choice();
+  EXPECT_EQ(chosen.accept(large), std::nullopt);
+  EXPECT_EQ(user.shown.size(), 1U);
+}
+
+TEST_F(ChoosingAPicture, AVanishedFolderIsMadeAgain) {
+  std::filesystem::remove_all(work);
+  PictureChoice chosen = choice();
+  EXPECT_EQ(chosen.accept(large), "larga_0001.jpg");
+}
+
+}  // namespace
+}  // namespace kv
