@@ -1,0 +1,89 @@
+#pragma once
+// The account data of a payment module: read from its conf.ini, edited in its dialog, written to conf.ini, the
+// descriptor and the scripts. The rules of the fifteen dialogs frmPG_*.
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "commerce/gateways/gateway_table.h"
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// The addresses that the merchant copies into the bank's back office.
+struct SellaAddresses {
+  std::string server;   ///< for the notice from server to server; empty: none
+  std::string success;  ///< where the shopper comes back to after a payment
+  std::string failure;  ///< and after none
+};
+
+class GatewayAccount {
+ public:
+  /// Reads the settings of a module, which is a row of the table; without conf.ini all fields are empty. An old test
+  /// address shows as the present one. Of an offline method without a text in conf.ini the column of language 1 shows.
+  static GatewayAccount load(Session& session, const GatewayModule& module);
+
+  const GatewayModule& module() const { return *module_; }
+
+  // The fields, by key: texts, and "1" or "0" of a Flag.
+  /// Empty for a key without a value.
+  std::string value(std::string_view key) const;
+  /// Line ends are taken out of a text of one line.
+  void setValue(std::string_view key, std::string_view text);
+
+  // The test switch of a module that has one.
+  bool usesTest() const { return usesTest_; }
+  void setUsesTest(bool on);
+  const std::string& testAddress() const { return testAddress_; }
+  void setTestAddress(std::string_view text);
+  /// Whether the order's code can have a text before it: always in production, and on the operator's own test server.
+  /// While it can't, the option is off.
+  bool canPrefixOrder() const;
+
+  // Banca Sella.
+  SellaMode mode() const { return mode_; }
+  void setMode(SellaMode mode) { mode_ = mode; }
+  /// shopAddress: of the shop's folder on its site, with or without a slash at its end.
+  SellaAddresses addresses(const std::string& shopAddress) const;
+
+  /// cmdSvuota (empty): empties the secret keys.
+  void emptySecrets();
+  /// Whether all that the module needs is there.
+  bool isComplete() const;
+
+  /// OK: writes conf.ini, the descriptor and the scripts, readable by their owner alone, and the column of an offline
+  /// method. A missing or unreadable conf.ini or template is no failure: it and what comes after it is not written.
+  /// After a failure files and column are as before.
+  Result<> save(Session& session) const;
+
+ private:
+  void readSetting(std::string_view key, const std::string& value);
+  void readAddresses();
+  bool isModeKey(std::string_view key, std::string_view value);
+  std::string stored(const AccountKey& key) const;
+  std::string confText() const;  // of conf.ini
+
+  const GatewayModule* module_ = nullptr;
+  bool found_ = false;  ///< there is a conf.ini
+  std::string kept_;    ///< the lines of other keys, with their line ends
+  std::map<std::string, std::string, std::less<>> values_;
+  SellaMode mode_ = SellaMode::Compatible;
+  bool usesTest_ = false;
+  std::string testAddress_;
+};
+
+/// How far a module is set up.
+enum class GatewayState { Configured, ToConfigure, InUseToConfigure };
+/// The state of each of the fifteen modules of a shop.
+std::vector<GatewayState> gatewayStates(Session& session);
+/// "configurato", "da configurare" or "in uso, da configurare".
+std::string_view gatewayStateText(GatewayState state);
+
+/// A text of several lines on one line of conf.ini: CR LF as "||", a lone CR or LF as "|".
+std::string textOnOneLine(std::string_view text);
+/// The text that such a line holds: "||" and "|" are CR LF.
+std::string textOfOneLine(std::string_view line);
+
+}  // namespace kv
