@@ -1,4 +1,4 @@
-#include "builder/checkout/shipping_tables.h"
+#include "commerce/shipping/shipping_tables.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "builder/values/build_failure.h"
+#include "commerce/shipping/overflow_failure.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
