@@ -186,6 +186,25 @@ TEST_F(TheShippingDialog, OkStaysOnTheTabOfTheZoneThatLacksTheMethod) {
   EXPECT_EQ(line("m2sp1")->text(), "16,5");
 }
 
+TEST_F(TheShippingDialog, AnOrderIsTriedWithTheTablesAsTheyAreTyped) {
+  ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET ivacompresa = 1, valuta1 = '€', decimali1 = 1"));
+  goToCosts();
+  type(line("m2sp1"), "5");
+  pages->setCurrentIndex(3);
+  EXPECT_EQ(control<QComboBox>(*dialog, "cboProvaMetodo")->currentText(), "Bonifico anticipato");
+  EXPECT_EQ(control<QComboBox>(*dialog, "cboProvaPaese")->currentText(), "Italia");
+  type(line("txtProvaImporto"), "10");
+  EXPECT_EQ(fromQt(line("txtProva")->text()), "Spese: € 6,10, totale: € 6,10");
+  auto* country = control<QComboBox>(*dialog, "cboProvaPaese");
+  country->setFocus();
+  auto* method = control<QComboBox>(*dialog, "cboProvaMetodo");
+  method->setFocus();
+  QTest::keyClick(method, Qt::Key_Home);
+  QTest::keyClick(country, Qt::Key_Down);
+  EXPECT_EQ(fromQt(line("txtProva")->text()), "Questo metodo non è ammesso per il paese scelto");
+  test::keepPicture(*dialog, "shipping_trial");
+}
+
 TEST_F(TheShippingDialog, EnterStoresTheFieldAndCloses) {
   goToCosts();
   line("m1sp3")->setFocus(Qt::TabFocusReason);

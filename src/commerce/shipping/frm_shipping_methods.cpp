@@ -20,7 +20,7 @@ ShippingMethodsPage::ShippingMethodsPage(ShippingEditor& editor, std::function<v
   auto* grid = new QGridLayout();
   grid->addWidget(new QLabel(toQt("Modulo")), 0, 1);
   grid->addWidget(new QLabel(toQt("Nome per il cliente")), 0, 2);
-  for (int number = 1; number <= shippingMethodCount; ++number) {
+  for (int number = 1; number <= paymentMethods; ++number) {
     makeRow(number);
     const Row& row = rows_[static_cast<std::size_t>(number - 1)];
     grid->addWidget(row.chkMetodo, number, 0);

@@ -32,7 +32,7 @@ class ShippingMethodsPage final : public QWidget {
 
   ShippingEditor& editor_;
   std::function<void()> changed_;
-  std::array<Row, shippingMethodCount> rows_{};
+  std::array<Row, paymentMethods> rows_{};
 };
 
 }  // namespace kv

@@ -98,7 +98,7 @@ QWidget* ShippingZonesPage::makePanel(bool byWeight, char decimalSeparator) {
   auto* panel = new QWidget();
   auto* grid = new QGridLayout(panel);
   // Method by method, so that Tab goes down the steps of one method.
-  for (int number = 1; number <= shippingMethodCount; ++number) {
+  for (int number = 1; number <= paymentMethods; ++number) {
     const std::string method = "m" + std::to_string(number);
     const std::string spoken = ", metodo " + std::to_string(number);
     const int left = 2 * (number - 1);

@@ -49,7 +49,7 @@ class ShippingZonesPage final : public QWidget {
 
   ShippingEditor& editor_;
   QTabBar* tabZone_ = nullptr;
-  std::array<QCheckBox*, shippingZoneCount> chkIvaOk_{};
+  std::array<QCheckBox*, shippingZones> chkIvaOk_{};
   std::array<QRadioButton*, 2> optImpPeso_{};
   QStackedWidget* panels_ = nullptr;
   std::vector<Cost> costs_;

@@ -11,6 +11,7 @@
 
 #include "commerce/shipping/frm_shipping_countries.h"
 #include "commerce/shipping/frm_shipping_methods.h"
+#include "commerce/shipping/frm_shipping_trial.h"
 #include "commerce/shipping/frm_shipping_zones.h"
 #include "commerce/shipping/shipping_texts.h"
 #include "platform/qt/frm_number_line.h"
@@ -27,6 +28,7 @@ frmSpedizione::frmSpedizione(Session& session, Environment& env, const ShippingH
                  toQt("&Metodi"));
   pages_->addTab(new ShippingCountriesPage(editor_, [this] { showPreselection(); }), toQt("&Paesi"));
   pages_->addTab(zones_, toQt("&Zone e spese"));
+  pages_->addTab(new ShippingTrialPage(session, editor_, hooks.decimalSeparator), toQt("P&rova"));
   QDialogButtonBox* buttons = makeButtons();
   addHelp(buttons, hooks.help, "pagine/spedizione.htm");
   connect(buttons, &QDialogButtonBox::accepted, this, &frmSpedizione::accepted);

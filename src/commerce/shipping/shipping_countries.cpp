@@ -89,14 +89,14 @@ bool ShippingEditor::preselectCountry(const std::string& strID) {
 
 std::vector<std::string> ShippingEditor::zoneNames() {
   std::vector<std::string> names;
-  for (int zone = 1; zone <= shippingZoneCount; ++zone) names.push_back("Zona " + std::to_string(zone));
+  for (int zone = 1; zone <= shippingZones; ++zone) names.push_back("Zona " + std::to_string(zone));
   // The list of zones is the merchant's; a shop of another make may have other columns in it.
   auto query = session_.catalogue.prepare("SELECT zona, nome FROM zone ORDER BY ID");
   if (!query) return names;
   auto more = query->step();
   for (; more && *more; more = query->step()) {
     const std::int64_t zone = query->integer(0);
-    if (zone < 1 || zone > shippingZoneCount || query->text(1).empty()) continue;
+    if (zone < 1 || zone > shippingZones || query->text(1).empty()) continue;
     names[static_cast<std::size_t>(zone - 1)] = std::to_string(zone) + " - " + std::string(query->text(1));
   }
   return names;

@@ -18,7 +18,7 @@ constexpr std::size_t descriptorEnding = 4;  // ".kpg"
 
 std::string zoneTable(int zone) { return "zona" + std::to_string(zone); }
 
-bool isZone(std::int64_t zone) { return zone >= 1 && zone <= shippingZoneCount; }
+bool isZone(std::int64_t zone) { return zone >= 1 && zone <= shippingZones; }
 
 /// A typed number as the column takes it; none when it is no number, or one that the column can't hold.
 std::optional<Value> costValue(const Value& before, const std::string& stored) {
@@ -96,7 +96,7 @@ bool ShippingEditor::switchMethod(int number, bool on) {
   if (!on) {
     if (asInteger(payment("selezionato")) == number) return refuse(shippingMethodPreselected);
     int left = 0;
-    for (int other = 1; other <= shippingMethodCount; ++other) left += other != number && isActive(other) ? 1 : 0;
+    for (int other = 1; other <= paymentMethods; ++other) left += other != number && isActive(other) ? 1 : 0;
     if (left == 0) return refuse(shippingLastMethod);
   }
   return storePayment("attivo" + std::to_string(number), Value(on));
@@ -105,7 +105,7 @@ bool ShippingEditor::switchMethod(int number, bool on) {
 OfferedMethods ShippingEditor::PopolaMetodi() {
   OfferedMethods offered;
   const std::int64_t preselected = asInteger(payment("selezionato"));
-  for (int number = 1; number <= shippingMethodCount; ++number) {
+  for (int number = 1; number <= paymentMethods; ++number) {
     const ShippingMethod one = method(number);
     if (!one.active) continue;
     if (number == preselected) offered.selected = static_cast<int>(offered.items.size());
@@ -172,7 +172,7 @@ ShippingAnswer ShippingEditor::accept() {
   if (preselected.empty() || country == all.end()) return {refuse(shippingOtherCountry), 0};
   if (!isZone(country->zona)) return {refuse(shippingOtherMethod), 0};
   const auto selected = static_cast<int>(asInteger(payment("selezionato")));
-  const bool isMethod = selected >= 1 && selected <= shippingMethodCount;
+  const bool isMethod = selected >= 1 && selected <= paymentMethods;
   if (!isMethod || !isActive(selected) || !isAllowed(country->zona, selected)) {
     return {refuse(shippingOtherMethod), country->zona};
   }

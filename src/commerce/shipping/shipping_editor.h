@@ -9,13 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "commerce/shipping/shipping_tables.h"
 #include "store/shop/session.h"
 
 namespace kv {
-
-/// Methods that a shop can have, and zones that it can ship to; both are counted from 1.
-inline constexpr int shippingMethodCount = 4;
-inline constexpr int shippingZoneCount = 8;
 
 /// One of the four methods.
 struct ShippingMethod {
