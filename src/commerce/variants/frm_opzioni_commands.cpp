@@ -70,7 +70,7 @@ void frmOpzioni::paste(const std::string& text) {
 void frmOpzioni::showUses() {
   QMenu menu(this);
   menu.setObjectName(QStringLiteral("mnuUso"));
-  const std::vector<VariantUse> uses = editor_.uses(currentID());
+  const std::vector<ArticleUse> uses = editor_.uses(currentID());
   for (std::size_t i = 0; i < uses.size() && i < longestUseList; ++i) {
     const std::string title = uses[i].titolo.empty() ? "Articolo " + std::to_string(uses[i].ID) : uses[i].titolo;
     menu.addAction(toQt(title).replace(QLatin1Char('&'), QLatin1String("&&")))

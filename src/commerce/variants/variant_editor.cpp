@@ -136,8 +136,8 @@ std::optional<std::int64_t> VariantEditor::duplicateVariant(std::int64_t ID) {
   return std::nullopt;
 }
 
-std::vector<VariantUse> VariantEditor::uses(std::int64_t ID) {
-  std::vector<VariantUse> articles;
+std::vector<ArticleUse> VariantEditor::uses(std::int64_t ID) {
+  std::vector<ArticleUse> articles;
   if (!canRemove(ID)) return articles;
   eachRow(
       session_.catalogue,

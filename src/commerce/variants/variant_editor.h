@@ -37,7 +37,7 @@ struct OptionRow {
 enum class OptionCell { Codice, Testo, Prezzo, Peso };
 
 /// An article that uses a variant.
-struct VariantUse {
+struct ArticleUse {
   std::int64_t ID = 0;
   std::string titolo;  ///< in the language being edited
 };
@@ -78,7 +78,7 @@ class VariantEditor {
   /// Duplica: a copy of a variant with all its columns and options; its ID.
   std::optional<std::int64_t> duplicateVariant(std::int64_t ID);
   /// The articles with a variant in any slot of any price list, by ID; none for the fixed variant.
-  std::vector<VariantUse> uses(std::int64_t ID);
+  std::vector<ArticleUse> uses(std::int64_t ID);
   /// How many these are.
   std::int64_t useCount(std::int64_t ID);
 
