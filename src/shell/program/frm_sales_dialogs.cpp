@@ -3,10 +3,10 @@
 #include <QApplication>
 #include <memory>
 
-#include "builder/values/link_naming.h"
 #include "commerce/gateways/frm_configura_pg.h"
 #include "commerce/shipping/frm_spedizione.h"
 #include "commerce/variants/frm_opzioni.h"
+#include "shell/program/shop_address.h"
 #include "store/catalogue/table_rollback.h"
 
 namespace kv {
@@ -19,7 +19,7 @@ bool toldOutcome(frmMain& window, const Result<bool>& outcome) {
   return false;
 }
 
-HelpOpener helpOf(frmMain& window) {
+HelpOpener salesHelp(frmMain& window) {
   return [&window](std::string_view page) { window.workbench().openHelp(page); };
 }
 
@@ -31,7 +31,7 @@ void wireShipping(frmMain& window, Session& session, Environment& env, const std
       ShippingHooks hooks;
       const WorkbenchDialogs::Dialog& configure = window.workbench().ports().dialogs.configurePayment;
       if (configure) hooks.configure = [&] { configured = configure() || configured; };
-      hooks.help = helpOf(window);
+      hooks.help = salesHelp(window);
       hooks.decimalSeparator = window.workbench().decimalSeparator();
       frmSpedizione dialog(session, env, hooks, &window);
       dialog.exec();
@@ -45,9 +45,8 @@ void wireShipping(frmMain& window, Session& session, Environment& env, const std
 void wirePayment(frmMain& window, Session& session, Environment& env) {
   window.workbench().ports().dialogs.configurePayment = [&window, &session, &env] {
     GatewayHooks hooks;
-    const auto generale = firstRow(session.catalogue, "SELECT * FROM generale");
-    if (generale) hooks.shopAddress = URLNegozio(*generale);
-    hooks.help = helpOf(window);
+    hooks.shopAddress = shopAddress(session);
+    hooks.help = salesHelp(window);
     QWidget* const owner = QApplication::activeModalWidget();
     frmConfiguraPG dialog(session, env, std::move(hooks), owner != nullptr ? owner : &window);
     dialog.exec();
@@ -60,7 +59,7 @@ void wireVariants(frmMain& window, Session& session, Environment& env, const std
     std::optional<std::int64_t> jump;
     const auto opened = rollback->SalvaTabelleVarianti(
         variantColumn(slot.slot, slot.listino), [&](const std::string& current) -> Result<std::optional<std::int64_t>> {
-          frmOpzioni dialog(session, env, {current, window.workbench().decimalSeparator(), helpOf(window)}, &window);
+          frmOpzioni dialog(session, env, {current, window.workbench().decimalSeparator(), salesHelp(window)}, &window);
           dialog.exec();
           if (dialog.tag().empty()) return std::optional<std::int64_t>();
           jump = dialog.jump();
