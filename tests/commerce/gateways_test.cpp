@@ -338,6 +338,21 @@ TEST_F(TheGateways, TheButtonsTellHowFarEachModuleIs) {
   EXPECT_FALSE(load("Shopla").isComplete());
 }
 
+TEST_F(TheGateways, AModuleWhoseTemplateWasRenewedWantsAnOk) {
+  EXPECT_TRUE(modulesToConfirm(session).empty());
+  GatewayAccount account = load("Omnipay");
+  account.setValue("sto", "1");
+  account.setValue("key", "2");
+  save(account);
+  EXPECT_TRUE(modulesToConfirm(session).empty());
+  write("Omnipay/omniend.new", "<?php // nuovo #sto");
+  write("Shopla/form.kpg", "nuovo #mid");
+  EXPECT_EQ(modulesToConfirm(session), std::vector<std::string_view>{"Omnipay"});
+  save(load("Omnipay"));
+  EXPECT_TRUE(modulesToConfirm(session).empty());
+  EXPECT_EQ(read("Omnipay/omniend.php"), "<?php // nuovo 1");
+}
+
 TEST(ATemplate, HasItsPlaceholdersReplacedInTheirOrderAndKeepsUnknownWords) {
   const std::vector<Placeholder> values{{"mid", "7#val"}, {"val", "9#mid"}};
   EXPECT_EQ(fillTemplate("#mid #val #altro", values), "79#mid 9#mid #altro");

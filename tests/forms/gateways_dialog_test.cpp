@@ -3,6 +3,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
@@ -161,6 +162,17 @@ TEST_F(TheGatewayDialogs, TheWindowHasAButtonWithTheStateOfEachModule) {
   EXPECT_EQ(conf("Paypal"), "action=kvorder\r\nmid=conto@bottega.example\r\nval=GBP\r\n");
   QTest::keyClick(&window, Qt::Key_Escape);
   EXPECT_EQ(window.tag(), "OK");
+}
+
+TEST_F(TheGatewayDialogs, TheWindowNamesTheModulesThatWantAnOk) {
+  openModule(11);
+  line("txt_mid")->setText("7");
+  click(*dialog, "cmdOK");
+  ASSERT_TRUE(writeText(shop + "/code/Shopla/form.kpg", "nuovo #mid"));
+  frmConfiguraPG window(session, env, hooks);
+  show(window);
+  EXPECT_TRUE(control<QLabel>(window, "lblConferma")->isVisible());
+  EXPECT_TRUE(control<QLabel>(window, "lblConferma")->text().endsWith(": Shopla"));
 }
 
 TEST_F(TheGatewayDialogs, TheWindowLeftAloneHasNoResult) {

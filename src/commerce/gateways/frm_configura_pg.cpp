@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -30,6 +31,8 @@ frmConfiguraPG::frmConfiguraPG(Session& session, Environment& env, GatewayHooks 
   addHelp(close, hooks_.help, "pagine/pagamenti.htm");
   auto* column = new QVBoxLayout(this);
   column->addLayout(grid);
+  lblConferma_ = named(wrappedText(""), "lblConferma");
+  column->addWidget(lblConferma_);
   column->addStretch(1);
   column->addWidget(close);
   showStates();
@@ -55,6 +58,11 @@ void frmConfiguraPG::showStates() {
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
     buttons_[i]->setText(toQt(gatewayModules()[i].folder) + QStringLiteral(": ") + toQt(gatewayStateText(states[i])));
   }
+  QStringList names;
+  for (const std::string_view name : modulesToConfirm(session_)) names << toQt(name);
+  lblConferma_->setText(toQt("I modelli di questi sistemi sono stati rinnovati; aprili e premi OK perché valgano: ") +
+                        names.join(QStringLiteral(", ")));
+  lblConferma_->setVisible(!names.isEmpty());
 }
 
 }  // namespace kv

@@ -5,6 +5,7 @@
 
 #include "commerce/gateways/frm_pg.h"
 
+class QLabel;
 class QPushButton;
 
 namespace kv {
@@ -25,6 +26,7 @@ class frmConfiguraPG final : public FormDialog {
   Session& session_;
   Environment& env_;
   GatewayHooks hooks_;
+  QLabel* lblConferma_ = nullptr;      ///< which modules want an OK
   std::vector<QPushButton*> buttons_;  ///< cmdConfigura0 to cmdConfigura14; Qt owns them
   bool changed_ = false;
 };

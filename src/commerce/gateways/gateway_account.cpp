@@ -75,6 +75,7 @@ GatewayAccount GatewayAccount::load(Session& session, const GatewayModule& modul
   if (!module.column.empty() && account.value("info").empty()) {
     const auto column = readSingle(session.catalogue, "generale", module.column);
     if (column) account.values_["info"] = asText(*column);
+    account.fromColumn_ = true;
   }
   return account;
 }
@@ -120,6 +121,7 @@ void GatewayAccount::setValue(std::string_view key, std::string_view text) {
   const AccountKey* row = module_->find(key);
   if (row == nullptr) return;
   values_[std::string(key)] = row->role == KeyRole::Lines ? std::string(text) : withoutBreaks(text);
+  if (row->role == KeyRole::Lines) fromColumn_ = false;
 }
 
 void GatewayAccount::setUsesTest(bool on) { usesTest_ = on; }
@@ -147,7 +149,7 @@ void GatewayAccount::emptySecrets() {
 }
 
 bool GatewayAccount::isComplete() const {
-  return found_ && std::ranges::all_of(module_->keys, [this](const AccountKey& key) {
+  return found_ && !fromColumn_ && std::ranges::all_of(module_->keys, [this](const AccountKey& key) {
            return !key.needed || !trim(value(key.key)).empty();
          });
 }
@@ -194,6 +196,15 @@ std::vector<GatewayState> gatewayStates(Session& session) {
                                 : (inUse ? GatewayState::InUseToConfigure : GatewayState::ToConfigure));
   }
   return states;
+}
+
+std::vector<std::string_view> modulesToConfirm(Session& session) {
+  std::vector<std::string_view> names;
+  for (const GatewayModule& module : gatewayModules()) {
+    const GatewayAccount account = GatewayAccount::load(session, module);
+    if (!account.isUpToDate(session.ShopFolder)) names.push_back(module.folder);
+  }
+  return names;
 }
 
 std::string_view gatewayStateText(GatewayState state) {

@@ -19,6 +19,12 @@ struct SellaAddresses {
   std::string failure;  ///< and after none
 };
 
+/// A file as it is to be written.
+struct FilledFile {
+  std::string path;
+  std::string text;
+};
+
 class GatewayAccount {
  public:
   /// Reads the settings of a module, which is a row of the table; without conf.ini all fields are empty. An old test
@@ -57,6 +63,9 @@ class GatewayAccount {
   /// method. A missing or unreadable conf.ini or template is no failure: it and what comes after it is not written.
   /// After a failure files and column are as before.
   Result<> save(Session& session) const;
+  /// Whether descriptor and scripts are what OK would write. False after the templates of a complete module were
+  /// renewed: they fill nothing by themselves.
+  bool isUpToDate(const std::string& shopFolder) const;
 
  private:
   void readSetting(std::string_view key, const std::string& value);
@@ -64,10 +73,13 @@ class GatewayAccount {
   bool isModeKey(std::string_view key, std::string_view value);
   std::string stored(const AccountKey& key) const;
   std::string confText() const;  // of conf.ini
+  /// Adds the descriptor and the scripts, filled; false where a template is missing, nothing after it being added.
+  bool fill(const std::string& code, const std::string& folder, std::vector<FilledFile>& files) const;
 
   const GatewayModule* module_ = nullptr;
-  bool found_ = false;  ///< there is a conf.ini
-  std::string kept_;    ///< the lines of other keys, with their line ends
+  bool found_ = false;       ///< there is a conf.ini
+  bool fromColumn_ = false;  ///< the text of an offline method is not in conf.ini yet
+  std::string kept_;         ///< the lines of other keys, with their line ends
   std::map<std::string, std::string, std::less<>> values_;
   SellaMode mode_ = SellaMode::Compatible;
   bool usesTest_ = false;
@@ -80,6 +92,9 @@ enum class GatewayState { Configured, ToConfigure, InUseToConfigure };
 std::vector<GatewayState> gatewayStates(Session& session);
 /// "configurato", "da configurare" or "in uso, da configurare".
 std::string_view gatewayStateText(GatewayState state);
+
+/// The complete modules whose templates were renewed, so that their dialog wants an OK.
+std::vector<std::string_view> modulesToConfirm(Session& session);
 
 /// A text of several lines on one line of conf.ini: CR LF as "||", a lone CR or LF as "|".
 std::string textOnOneLine(std::string_view text);

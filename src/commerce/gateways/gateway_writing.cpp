@@ -1,5 +1,6 @@
 // What OK of a payment module's dialog writes.
 
+#include <algorithm>
 #include <optional>
 
 #include "commerce/gateways/gateway_account.h"
@@ -12,46 +13,48 @@
 namespace kv {
 namespace {
 
-/// A file to be written, and what it was before.
-struct WrittenFile {
-  std::string path;
-  std::string text;
-  std::optional<std::string> before;  ///< none: there was no such file
-};
-
-/// A file of a folder to be made from a template of the folder of a module; false when the template can't be read.
-bool addFilled(std::vector<WrittenFile>& files, const std::string& from, const std::string& to,
+/// Adds a file that a template is made into; false when the template can't be read.
+bool addFilled(std::vector<FilledFile>& files, const std::string& from, const std::string& to,
                std::span<const Placeholder> values) {
   const auto entry = findEntry(std::string(folderOf(from)), baseName(from));
   const auto text = entry ? readText(*entry) : Result<std::string>(fail(ErrorKind::Missing, from, "no template"));
   if (!text) return false;
   const auto target = findEntry(std::string(folderOf(to)), baseName(to)).value_or(to);
-  files.push_back({target, fillTemplate(*text, values), std::nullopt});
+  files.push_back({target, fillTemplate(*text, values)});
   return true;
 }
 
-void restoreFiles(const std::vector<WrittenFile>& files, std::size_t count) {
+/// The texts of files as they are; none for a file that isn't there.
+using FormerTexts = std::vector<std::optional<std::string>>;
+
+/// Gives the first `count` files their former texts again.
+void restoreFiles(const std::vector<FilledFile>& files, const FormerTexts& former, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
-    const WrittenFile& file = files[i];
-    if (file.before) {
-      ignore(writePrivateText(file.path, *file.before), "the first failure is the one to tell");
+    if (former[i]) {
+      ignore(writePrivateText(files[i].path, *former[i]), "the first failure is the one to tell");
     } else {
-      ignore(deleteFile(file.path), "the first failure is the one to tell");
+      ignore(deleteFile(files[i].path), "the first failure is the one to tell");
     }
   }
 }
 
-/// All of the files or none.
-Result<> writeFiles(std::vector<WrittenFile>& files) {
-  for (WrittenFile& file : files) {
+Result<FormerTexts> readFormer(const std::vector<FilledFile>& files) {
+  FormerTexts former;
+  for (const FilledFile& file : files) {
+    former.emplace_back();
     if (!fileExists(file.path)) continue;
-    auto before = readText(file.path);
-    if (!before) return fail(before.error());
-    file.before = std::move(*before);
+    auto text = readText(file.path);
+    if (!text) return fail(text.error());
+    former.back() = std::move(*text);
   }
+  return former;
+}
+
+/// All of the files or none.
+Result<> writeFiles(const std::vector<FilledFile>& files, const FormerTexts& former) {
   for (std::size_t i = 0; i < files.size(); ++i) {
     if (auto written = writePrivateText(files[i].path, files[i].text); !written) {
-      restoreFiles(files, i);
+      restoreFiles(files, former, i);
       return written;
     }
   }
@@ -75,32 +78,50 @@ std::string GatewayAccount::confText() const {
   return lines;
 }
 
-Result<> GatewayAccount::save(Session& session) const {
-  const std::string code = joinPath(session.ShopFolder, "code");
-  const auto folder = findEntry(code, module_->folder);
-  const auto conf = folder && found_ ? findEntry(*folder, "conf.ini") : std::nullopt;
-  if (!conf) return {};
+bool GatewayAccount::fill(const std::string& code, const std::string& folder, std::vector<FilledFile>& files) const {
   std::vector<Placeholder> values;
   for (const std::string_view key : module_->placeholders) values.emplace_back(key, stored(*module_->find(key)));
-
-  std::vector<WrittenFile> files{{*conf, confText(), std::nullopt}};
   const std::string_view form = value("newsys") == "1" ? "newform.kpg" : "form.kpg";
-  bool complete =
-      addFilled(files, joinPath(*folder, form), joinPath(code, std::string(module_->folder) + ".kpg"), values);
+  if (!addFilled(files, joinPath(folder, form), joinPath(code, std::string(module_->folder) + ".kpg"), values)) {
+    return false;
+  }
   std::vector<std::string_view> scripts = module_->scripts;
   if (module_->hasModes() && sellaMode(mode_).isFilled) {
     scripts = {sellaMode(mode_).answer};
     values.resize(1);  // its scripts know the merchant's code alone
   }
   for (const std::string_view script : scripts) {
-    const std::string stem = joinPath(*folder, script);
-    complete = complete && addFilled(files, stem + ".new", stem + ".php", values);
+    const std::string stem = joinPath(folder, script);
+    if (!addFilled(files, stem + ".new", stem + ".php", values)) return false;
   }
-  if (auto written = writeFiles(files); !written) return written;
+  return true;
+}
+
+Result<> GatewayAccount::save(Session& session) const {
+  const std::string code = joinPath(session.ShopFolder, "code");
+  const auto folder = findEntry(code, module_->folder);
+  const auto conf = folder && found_ ? findEntry(*folder, "conf.ini") : std::nullopt;
+  if (!conf) return {};
+  std::vector<FilledFile> files{{*conf, confText()}};
+  const bool complete = fill(code, *folder, files);
+  const auto former = readFormer(files);
+  if (!former) return fail(former.error());
+  if (auto written = writeFiles(files, *former); !written) return written;
   if (module_->column.empty() || !complete) return {};
   auto kept = storeSingle(session.catalogue, "generale", module_->column, Value(value("info")));
-  if (!kept) restoreFiles(files, files.size());
+  if (!kept) restoreFiles(files, *former, files.size());
   return kept;
+}
+
+bool GatewayAccount::isUpToDate(const std::string& shopFolder) const {
+  const std::string code = joinPath(shopFolder, "code");
+  const auto folder = findEntry(code, module_->folder);
+  std::vector<FilledFile> files;
+  if (!folder || !isComplete() || !fill(code, *folder, files)) return true;
+  return std::ranges::all_of(files, [](const FilledFile& file) {
+    const auto text = readText(file.path);
+    return text && *text == file.text;
+  });
 }
 
 }  // namespace kv
