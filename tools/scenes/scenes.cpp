@@ -10,6 +10,7 @@
 #include <QProgressBar>
 #include <QScrollBar>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTimer>
 #include <QToolButton>
 #include <array>
@@ -153,6 +154,29 @@ void takeFolders(Stage& stage, const QString& name) { takeEntry(stage, "shop.fol
 void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, "shop.restoreCopy", name); }
 void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, "help.about", name); }
 void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, "shop.cleanFolders", name); }
+
+/// A dialog of the tab of the site.
+void takeSiteEntry(Stage& stage, std::string_view command, const QString& name) {
+  stage.show(Tab::Site);
+  takeEntry(stage, command, name);
+}
+void takePayment(Stage& stage, const QString& name) { takeSiteEntry(stage, "payment", name); }
+void takeShipping(Stage& stage, const QString& name) { takeSiteEntry(stage, "shipping", name); }
+
+/// The costs of the first zone.
+void takeShippingCosts(Stage& stage, const QString& name) {
+  stage.show(Tab::Site);
+  stage.during([&] { stage.choose("shipping"); },
+               [&](QWidget& dialog) {
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
+                 stage.take(name);
+               });
+}
+
+void takeVariants(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  takeEntry(stage, "article.variant1", name);
+}
 
 void takeNewTag(Stage& stage, const QString& name) {
   stage.during([&] { stage.choose("customTags"); },
@@ -309,6 +333,10 @@ std::span<const Scene> sceneTable() {
                                      Scene{"cerca", takeSearchStart},
                                      Scene{"cerca-trovati", takeSearchHits},
                                      Scene{"cerca-nessuno", takeSearchNone},
+                                     Scene{"pagamenti", takePayment},
+                                     Scene{"spedizione", takeShipping},
+                                     Scene{"spedizione-spese", takeShippingCosts},
+                                     Scene{"varianti", takeVariants},
                                      Scene{"informazioni", takeAbout},
                                      Scene{"apertura", takeSplash},
                                      Scene{"avviso", takeReminder},
