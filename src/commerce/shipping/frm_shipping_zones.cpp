@@ -124,6 +124,9 @@ QWidget* ShippingZonesPage::makePanel(bool byWeight, char decimalSeparator) {
   scroll->setWidgetResizable(true);
   scroll->setFrameShape(QFrame::NoFrame);
   scroll->setFocusPolicy(Qt::NoFocus);
+  // The page's own background shows through, which differs from a window's in the dark palette.
+  scroll->viewport()->setAutoFillBackground(false);
+  panel->setAutoFillBackground(false);
   return scroll;
 }
 
