@@ -1,6 +1,6 @@
 // The shipping costs as arrays of the cart: which slot a cost is in, how it is written, which signs go with it.
 
-#include "builder/checkout/shipping_tables.h"
+#include "commerce/shipping/shipping_tables.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

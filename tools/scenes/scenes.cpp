@@ -156,6 +156,29 @@ void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, "shop.rest
 void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, "help.about", name); }
 void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, "shop.cleanFolders", name); }
 
+/// A dialog of the tab of the site.
+void takeSiteEntry(Stage& stage, std::string_view command, const QString& name) {
+  stage.show(Tab::Site);
+  takeEntry(stage, command, name);
+}
+void takePayment(Stage& stage, const QString& name) { takeSiteEntry(stage, "payment", name); }
+void takeShipping(Stage& stage, const QString& name) { takeSiteEntry(stage, "shipping", name); }
+
+/// The costs of the first zone.
+void takeShippingCosts(Stage& stage, const QString& name) {
+  stage.show(Tab::Site);
+  stage.during([&] { stage.choose("shipping"); },
+               [&](QWidget& dialog) {
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
+                 stage.take(name);
+               });
+}
+
+void takeVariants(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  takeEntry(stage, "article.variant1", name);
+}
+
 void takeNewTag(Stage& stage, const QString& name) {
   stage.during([&] { stage.choose("customTags"); },
                [&](QWidget& dialog) {
@@ -324,6 +347,10 @@ std::span<const Scene> sceneTable() {
                                      Scene{"cerca-trovati", takeSearchHits},
                                      Scene{"cerca-nessuno", takeSearchNone},
                                      Scene{"immagine", takePicture},
+                                     Scene{"pagamenti", takePayment},
+                                     Scene{"spedizione", takeShipping},
+                                     Scene{"spedizione-spese", takeShippingCosts},
+                                     Scene{"varianti", takeVariants},
                                      Scene{"informazioni", takeAbout},
                                      Scene{"apertura", takeSplash},
                                      Scene{"avviso", takeReminder},

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "builder/values/currency_form.h"
+#include "commerce/shipping/currency_form.h"
 #include "platform/numbers/money.h"
 
 namespace kv {

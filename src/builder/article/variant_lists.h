@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "builder/values/currency_form.h"
-#include "builder/values/field_row.h"
+#include "commerce/shipping/currency_form.h"
 #include "platform/database/database.h"
+#include "platform/database/field_row.h"
 #include "platform/database/statement.h"
 #include "platform/ports/result.h"
 

@@ -4,11 +4,11 @@
 
 #include <string>
 
-#include "builder/checkout/shipping_tables.h"
 #include "builder/page/page_tags.h"
-#include "builder/values/currency_form.h"
-#include "builder/values/field_row.h"
+#include "commerce/shipping/currency_form.h"
+#include "commerce/shipping/shipping_tables.h"
 #include "platform/database/database.h"
+#include "platform/database/field_row.h"
 #include "platform/ports/result.h"
 
 namespace kv {

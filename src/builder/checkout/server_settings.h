@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "builder/page/page_tags.h"
-#include "builder/values/currency_form.h"
-#include "builder/values/field_row.h"
+#include "commerce/shipping/currency_form.h"
+#include "platform/database/field_row.h"
 
 namespace kv {
 

@@ -1,6 +1,6 @@
 #include "builder/facts/department_facts.h"
 
-#include "builder/values/field_row.h"
+#include "platform/database/field_row.h"
 #include "store/schema/schema.h"
 
 namespace kv {

@@ -2,8 +2,8 @@
 
 #include "builder/checkout/server_settings.h"
 #include "builder/page/page_tags.h"
-#include "builder/values/currency_form.h"
 #include "builder/values/link_naming.h"
+#include "commerce/shipping/currency_form.h"
 #include "platform/files/files.h"
 #include "store/shop/shop_folders.h"
 

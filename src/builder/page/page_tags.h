@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "builder/values/field_row.h"
 #include "builder/values/html_text.h"
+#include "platform/database/field_row.h"
 #include "platform/database/table_info.h"
 #include "tags/engine/tag_engine.h"
 #include "tags/language/language_module.h"

@@ -2,7 +2,7 @@
 
 #include "builder/run/build_messages.h"
 #include "builder/run/build_phases.h"
-#include "builder/values/currency_form.h"
+#include "commerce/shipping/currency_form.h"
 #include "platform/files/files.h"
 #include "store/schema/schema.h"
 

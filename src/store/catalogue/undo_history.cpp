@@ -1,14 +1,16 @@
 #include "store/catalogue/undo_history.h"
 
 #include "platform/text/text.h"
+#include "store/schema/working_copies.h"
 
 namespace kv {
 namespace {
 
-// The clipboard is no matter of the history; and a serial number once given is not given again, whatever is undone.
+// The clipboard is no matter of the history, nor are the copies a dialog keeps aside; and a serial number once given
+// is not given again, whatever is undone.
 bool isWatched(std::string_view table) {
   return !equalsIgnoringCase(table, "cliparticoli") && !equalsIgnoringCase(table, "clipcategorie") &&
-         !startsWithIgnoringCase(table, "sqlite_");
+         !startsWithIgnoringCase(table, "sqlite_") && !isWorkingCopy(table);
 }
 
 }  // namespace

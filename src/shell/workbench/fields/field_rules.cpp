@@ -34,20 +34,13 @@ std::size_t longest(FieldKind kind) {
 
 bool isDigit(std::string_view character) { return character.size() == 1 && character[0] >= '0' && character[0] <= '9'; }
 
-std::string withSeparator(std::string number, char decimalSeparator) {
-  std::replace(number.begin(), number.end(), '.', decimalSeparator);
-  if (number.starts_with(decimalSeparator)) number.insert(0, 1, '0');
-  if (number.starts_with(std::string("-") + decimalSeparator)) number.insert(1, 1, '0');
-  return number;
-}
-
 /// Money beyond the range becomes the end of the range.
 std::string clippedMoney(const std::string& text, char decimalSeparator) {
   const std::string stored = storedNumber(text, decimalSeparator);
   const auto number = toNumber(stored);
   if (!number || Money::parse(stored)) return text;
   const Money end = *number < 0 ? Money::ofTenThousandths(INT64_MIN) : Money::ofTenThousandths(INT64_MAX);
-  return withSeparator(trimmedNumber(end), decimalSeparator);
+  return shownNumber(trimmedNumber(end), decimalSeparator);
 }
 
 /// Digits with at most one decimal separator, as the keys of a field type it.
@@ -85,7 +78,7 @@ FieldText leftNumber(const FieldForm& form, const std::string& text, const std::
   std::string number = storedNumber(field.text, form.decimalSeparator);
   if (form.kind == FieldKind::Amount) {
     const auto money = Money::parse(number);
-    field.text = money ? withSeparator(trimmedNumber(*money), form.decimalSeparator) : lastGood;
+    field.text = money ? shownNumber(trimmedNumber(*money), form.decimalSeparator) : lastGood;
     number = storedNumber(field.text, form.decimalSeparator);
   }
   field.valid = isNumeric(number);
@@ -192,24 +185,10 @@ FieldText leftField(const FieldForm& form, const std::string& text, const std::s
   return {cut, storedValue(form.stored, cut), true};
 }
 
-bool isFieldNumber(std::string_view text, char decimalSeparator) {
-  return isNumeric(storedNumber(text, decimalSeparator));
-}
-
-std::string storedNumber(std::string_view text, char decimalSeparator) {
-  std::string stored(trim(text));
-  std::replace(stored.begin(), stored.end(), decimalSeparator, '.');
-  return stored;
-}
-
-std::string shownNumber(std::string_view stored, char decimalSeparator) {
-  return withSeparator(std::string(trim(stored)), decimalSeparator);
-}
-
 std::string reverseRate(std::string_view text, char decimalSeparator) {
   const auto rate = toNumber(storedNumber(text, decimalSeparator));
   if (!rate || *rate == 0) return {};
-  return withSeparator(trimmedNumber(roundHalfAway(1 / *rate, rateDecimals)), decimalSeparator);
+  return shownNumber(trimmedNumber(roundHalfAway(1 / *rate, rateDecimals)), decimalSeparator);
 }
 
 std::string_view currencySignNote(std::string_view label) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/database/value.h"
+#include "platform/numbers/typed_number.h"
 #include "shell/workbench/fields/number_reading.h"
 
 namespace kv {
@@ -81,13 +82,6 @@ struct FieldText {
 /// Reads the text of a field that is left: cut to its length, or brought to the form of a number; an amount that is
 /// none goes back to `lastGood`. An empty number is stored as null.
 FieldText leftField(const FieldForm& form, const std::string& text, const std::string& lastGood);
-
-/// Whether the text is a number as the field shows it.
-bool isFieldNumber(std::string_view text, char decimalSeparator);
-/// The text of a number for the store ("." for decimals, nothing else); empty for an empty text.
-std::string storedNumber(std::string_view text, char decimalSeparator);
-/// A number of the store as the field shows it.
-std::string shownNumber(std::string_view stored, char decimalSeparator);
 
 /// The other of a pair of exchange rates: 1 / value, six decimals; empty when the value is no number or zero, and the
 /// other field then stays.

@@ -1,4 +1,4 @@
-#include "builder/values/field_row.h"
+#include "platform/database/field_row.h"
 
 #include "platform/text/text.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "builder/values/field_row.h"
+#include "platform/database/field_row.h"
 #include "platform/numbers/money.h"
 
 namespace kv {

@@ -1,4 +1,4 @@
-#include "builder/checkout/shipping_tables.h"
+#include "commerce/shipping/shipping_tables.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "builder/values/build_failure.h"
+#include "commerce/shipping/overflow_failure.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
@@ -14,7 +14,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::size_t slots = std::size_t{paymentMethods} * shippingZones;
+constexpr std::size_t cartSlots = std::size_t{paymentMethods} * shippingZones;
 constexpr std::size_t weightLimits = 9;
 constexpr std::size_t weightAmounts = weightLimits + 1;  // the last one is for what is heavier
 
@@ -70,7 +70,7 @@ Result<> readSlots(Database& catalogue, const FieldRow& pagamento, const std::ve
 template <class ValueOf>
 Result<> appendArray(std::string& out, std::string_view name, const ValueOf& value) {
   out.append(name).append("=new Array(");
-  for (std::size_t slot = 0; slot < slots; ++slot) {
+  for (std::size_t slot = 0; slot < cartSlots; ++slot) {
     const Result<std::string> text = value(slot);
     if (!text) return fail(text.error());
     out.append(slot > 0 ? "," : "").append(*text);
@@ -95,7 +95,7 @@ constexpr std::array<AmountArray, 5> amountArrays{{{"impord1", &AmountSteps::amo
                                                    {"impspese2", &AmountSteps::shipping2, true},
                                                    {"impspese3", &AmountSteps::shipping3, true}}};
 
-Result<std::string> amountText(const std::array<AmountSteps, slots>& steps, const ShippingPrice& price) {
+Result<std::string> amountText(const std::array<AmountSteps, cartSlots>& steps, const ShippingPrice& price) {
   std::string out;
   for (const AmountArray& array : amountArrays) {
     const auto appended = appendArray(out, array.name, [&](std::size_t slot) -> Result<std::string> {
@@ -113,11 +113,11 @@ struct WeightSteps {
   Money beyond;
 };
 
-Result<std::array<WeightSteps, slots>> readWeights(Database& catalogue, const FieldRow& pagamento) {
+Result<std::array<WeightSteps, cartSlots>> readWeights(Database& catalogue, const FieldRow& pagamento) {
   std::vector<std::string> columns;
   for (std::size_t i = 1; i <= weightLimits; ++i) columns.push_back("m#peso" + std::to_string(i));
   for (std::size_t i = 1; i <= weightAmounts; ++i) columns.push_back("m#spp" + std::to_string(i));
-  std::array<WeightSteps, slots> weights;
+  std::array<WeightSteps, cartSlots> weights;
   const auto read = readSlots(catalogue, pagamento, columns, [&weights](const SlotView& view) {
     WeightSteps& steps = weights[view.slot];
     int column = view.first;
@@ -133,13 +133,13 @@ Result<std::array<WeightSteps, slots>> readWeights(Database& catalogue, const Fi
 }
 
 struct SlotAmounts {
-  std::array<AmountSteps, slots> steps{};
+  std::array<AmountSteps, cartSlots> steps{};
   std::string allowed;  ///< "1" or "0" for each filled slot, in the order of the slots
 };
 
 Result<SlotAmounts> readAmounts(Database& catalogue, const FieldRow& pagamento) {
   SlotAmounts amounts;
-  std::array<std::string, slots> allowed;  // a slot without a method has no sign
+  std::array<std::string, cartSlots> allowed;  // a slot without a method has no sign
   const auto read = readSlots(catalogue, pagamento, {"pag#", "m#imp1", "m#sp1", "m#imp2", "m#sp2", "m#sp3"},
                               [&](const SlotView& view) {
                                 AmountSteps& step = amounts.steps[view.slot];

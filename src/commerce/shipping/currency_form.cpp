@@ -1,4 +1,4 @@
-#include "builder/values/currency_form.h"
+#include "commerce/shipping/currency_form.h"
 
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"

@@ -1,0 +1,132 @@
+// What OK of a payment module's dialog writes.
+
+#include <algorithm>
+#include <optional>
+
+#include "commerce/gateways/gateway_account.h"
+#include "commerce/gateways/template_filling.h"
+#include "commerce/shipping/single_row.h"
+#include "platform/files/files.h"
+#include "platform/files/private_file.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+/// Writes a text so that its owner alone can read it.
+Result<> writeAccountFile(const std::string& path, std::string_view text) {
+  return writePrivateBytes(path, toWindows1252(text));
+}
+
+/// Adds a file that a template is made into; false when the template can't be read.
+bool addFilled(std::vector<FilledFile>& files, const std::string& from, const std::string& to,
+               std::span<const Placeholder> values) {
+  const auto entry = findEntry(std::string(folderOf(from)), baseName(from));
+  const auto text = entry ? readText(*entry) : Result<std::string>(fail(ErrorKind::Missing, from, "no template"));
+  if (!text) return false;
+  const auto target = findEntry(std::string(folderOf(to)), baseName(to)).value_or(to);
+  files.push_back({target, fillTemplate(*text, values)});
+  return true;
+}
+
+/// The texts of files as they are; none for a file that isn't there.
+using FormerTexts = std::vector<std::optional<std::string>>;
+
+/// Gives the first `count` files their former texts again.
+void restoreFiles(const std::vector<FilledFile>& files, const FormerTexts& former, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (former[i]) {
+      ignore(writeAccountFile(files[i].path, *former[i]), "the first failure is the one to tell");
+    } else {
+      ignore(deleteFile(files[i].path), "the first failure is the one to tell");
+    }
+  }
+}
+
+Result<FormerTexts> readFormer(const std::vector<FilledFile>& files) {
+  FormerTexts former;
+  for (const FilledFile& file : files) {
+    former.emplace_back();
+    if (!fileExists(file.path)) continue;
+    auto text = readText(file.path);
+    if (!text) return fail(text.error());
+    former.back() = std::move(*text);
+  }
+  return former;
+}
+
+/// All of the files or none.
+Result<> writeFiles(const std::vector<FilledFile>& files, const FormerTexts& former) {
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (auto written = writeAccountFile(files[i].path, files[i].text); !written) {
+      restoreFiles(files, former, i);
+      return written;
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string GatewayAccount::confText() const {
+  std::string lines = kept_;
+  const auto addLine = [&lines](std::string_view key, std::string_view value) {
+    lines.append(key).append("=").append(value).append("\r\n");
+  };
+  if (module_->hasModes()) {
+    addLine("php(default)", sellaMode(mode_).start);
+    addLine("php", sellaMode(mode_).answer);
+  }
+  for (const AccountKey& key : module_->keys) {
+    addLine(key.key, key.role == KeyRole::Lines ? textOnOneLine(stored(key)) : stored(key));
+  }
+  return lines;
+}
+
+bool GatewayAccount::fill(const std::string& code, const std::string& folder, std::vector<FilledFile>& files) const {
+  std::vector<Placeholder> values;
+  for (const std::string_view key : module_->placeholders) values.emplace_back(key, stored(*module_->find(key)));
+  const std::string_view form = value("newsys") == "1" ? "newform.kpg" : "form.kpg";
+  if (!addFilled(files, joinPath(folder, form), joinPath(code, std::string(module_->folder) + ".kpg"), values)) {
+    return false;
+  }
+  std::vector<std::string_view> scripts = module_->scripts;
+  if (module_->hasModes() && sellaMode(mode_).isFilled) {
+    scripts = {sellaMode(mode_).answer};
+    values.resize(1);  // its scripts know the merchant's code alone
+  }
+  for (const std::string_view script : scripts) {
+    const std::string stem = joinPath(folder, script);
+    if (!addFilled(files, stem + ".new", stem + ".php", values)) return false;
+  }
+  return true;
+}
+
+Result<> GatewayAccount::save(Session& session) const {
+  const std::string code = joinPath(session.ShopFolder, "code");
+  const auto folder = findEntry(code, module_->folder);
+  const auto conf = folder && found_ ? findEntry(*folder, "conf.ini") : std::nullopt;
+  if (!conf) return {};
+  std::vector<FilledFile> files{{*conf, confText()}};
+  const bool complete = fill(code, *folder, files);
+  const auto former = readFormer(files);
+  if (!former) return fail(former.error());
+  if (auto written = writeFiles(files, *former); !written) return written;
+  if (module_->column.empty() || !complete) return {};
+  auto kept = storeSingle(session.catalogue, "generale", module_->column, Value(value("info")));
+  if (!kept) restoreFiles(files, *former, files.size());
+  return kept;
+}
+
+bool GatewayAccount::isUpToDate(const std::string& shopFolder) const {
+  const std::string code = joinPath(shopFolder, "code");
+  const auto folder = findEntry(code, module_->folder);
+  std::vector<FilledFile> files;
+  if (!folder || !isComplete() || !fill(code, *folder, files)) return true;
+  return std::ranges::all_of(files, [](const FilledFile& file) {
+    const auto text = readText(file.path);
+    return text && *text == file.text;
+  });
+}
+
+}  // namespace kv

@@ -1,0 +1,38 @@
+#pragma once
+// The page of the shipping dialog with the four methods: a box, a list of modules and a name for each.
+
+#include <QWidget>
+#include <array>
+#include <functional>
+
+#include "commerce/shipping/shipping_editor.h"
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+
+namespace kv {
+
+class ShippingMethodsPage final : public QWidget {
+ public:
+  /// `editor` outlives the page. changed: called after a method, its module or its name was stored.
+  /// configure: opens the window of the payment systems; empty: the button is off.
+  ShippingMethodsPage(ShippingEditor& editor, std::function<void()> changed, std::function<void()> configure);
+
+ private:
+  /// The controls of one method, under their given names with its number.
+  struct Row {
+    QCheckBox* chkMetodo = nullptr;
+    QComboBox* cboMetodo = nullptr;
+    QLineEdit* txtNome = nullptr;
+  };
+  void makeRow(int number);
+  void show(int number);  // fills and enables the controls of a method
+  void switched(int number, bool on);
+
+  ShippingEditor& editor_;
+  std::function<void()> changed_;
+  std::array<Row, paymentMethods> rows_{};
+};
+
+}  // namespace kv

@@ -1,0 +1,115 @@
+#include "commerce/shipping/frm_spedizione.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "commerce/shipping/frm_shipping_countries.h"
+#include "commerce/shipping/frm_shipping_methods.h"
+#include "commerce/shipping/frm_shipping_trial.h"
+#include "commerce/shipping/frm_shipping_zones.h"
+#include "commerce/shipping/shipping_texts.h"
+#include "platform/qt/frm_number_line.h"
+
+namespace kv {
+
+frmSpedizione::frmSpedizione(Session& session, Environment& env, const ShippingHooks& hooks, QWidget* parent)
+    : FormDialog(shippingTitle, parent), editor_(session, env.user, hooks.decimalSeparator) {
+  setObjectName(QStringLiteral("frmSpedizione"));
+  pages_ = named(new QTabWidget(), "tabSpedizione", "Spese di spedizione");
+  zones_ = new ShippingZonesPage(editor_, hooks.decimalSeparator);
+  pages_->addTab(new ShippingMethodsPage(
+                     editor_, [this] { methodsChanged(); }, hooks.configure),
+                 toQt("&Metodi"));
+  pages_->addTab(new ShippingCountriesPage(editor_, [this] { showPreselection(); }), toQt("&Paesi"));
+  pages_->addTab(zones_, toQt("&Zone e spese"));
+  pages_->addTab(new ShippingTrialPage(session, editor_, hooks.decimalSeparator), toQt("P&rova"));
+  QDialogButtonBox* buttons = makeButtons();
+  addHelp(buttons, hooks.help, "pagine/spedizione.htm");
+  connect(buttons, &QDialogButtonBox::accepted, this, &frmSpedizione::accepted);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(pages_, 1);
+  column->addWidget(makePreselection());
+  column->addWidget(makeSettings(hooks.decimalSeparator));
+  column->addWidget(buttons);
+  showPreselection();
+  sizeInCharacters(110, 36);
+}
+
+QWidget* frmSpedizione::makePreselection() {
+  cboPagamento_ = named(new QComboBox(), "cboPagamento");
+  cboPaese_ = named(new QComboBox(), "cboPaese");
+  auto* group = new QGroupBox(toQt("Preselezione"));
+  auto* row = new QHBoxLayout(group);
+  row->addWidget(labelFor("Pa&gamento/spedizione:", cboPagamento_));
+  row->addWidget(cboPagamento_, 1);
+  row->addWidget(labelFor("Pae&se preselezionato:", cboPaese_));
+  row->addWidget(cboPaese_, 1);
+  connect(cboPagamento_, &QComboBox::activated, this, [this](int index) {
+    static_cast<void>(editor_.preselectMethod(cboPagamento_->itemData(index).toInt()));
+    showPreselection();
+  });
+  connect(cboPaese_, &QComboBox::activated, this, [this](int index) {
+    static_cast<void>(editor_.preselectCountry(fromQt(cboPaese_->itemData(index).toString())));
+    showPreselection();
+  });
+  return group;
+}
+
+QWidget* frmSpedizione::makeSettings(char decimalSeparator) {
+  NumberKeys keys;
+  keys.decimalSeparator = decimalSeparator;
+  keys.spaces = true;
+  txtIvaSpese_ = named(new NumberLine(keys), "txtIvaSpese");
+  txtIvaSpese_->setText(toQt(editor_.vatRate()));
+  connect(txtIvaSpese_, &QLineEdit::editingFinished, this,
+          [this] { txtIvaSpese_->setText(toQt(editor_.leaveVatRate(fromQt(txtIvaSpese_->text())))); });
+  chkAlfabetico_ = named(new QCheckBox(toQt(shippingAlphabetic)), "chkAlfabetico");
+  chkAlfabetico_->setChecked(editor_.isAlphabetic());
+  connect(chkAlfabetico_, &QCheckBox::clicked, this, [this](bool on) {
+    static_cast<void>(editor_.setAlphabetic(on));
+    chkAlfabetico_->setChecked(editor_.isAlphabetic());
+  });
+  auto* settings = new QWidget();
+  auto* row = new QHBoxLayout(settings);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(labelFor(shippingVatRate, txtIvaSpese_));
+  row->addWidget(txtIvaSpese_);
+  row->addWidget(chkAlfabetico_);
+  row->addStretch(1);
+  return settings;
+}
+
+void frmSpedizione::showPreselection() {
+  const OfferedMethods offered = editor_.PopolaMetodi();
+  cboPagamento_->clear();
+  for (const OfferedMethod& one : offered.items) cboPagamento_->addItem(toQt(one.name), one.number);
+  cboPagamento_->setCurrentIndex(offered.selected);
+  cboPaese_->clear();
+  for (const ShippingCountry& one : editor_.countries()) cboPaese_->addItem(toQt(one.paese), toQt(one.strID));
+  cboPaese_->setCurrentIndex(cboPaese_->findData(toQt(editor_.preselectedCountry())));
+}
+
+void frmSpedizione::methodsChanged() {
+  zones_->showMethods();
+  showPreselection();
+}
+
+void frmSpedizione::accepted() {
+  zones_->storeTyped();
+  const ShippingAnswer answer = editor_.accept();
+  if (answer.closed) {
+    finish("OK");
+    return;
+  }
+  if (answer.zone == 0) return;
+  pages_->setCurrentWidget(zones_);
+  zones_->goToZone(answer.zone);
+}
+
+}  // namespace kv

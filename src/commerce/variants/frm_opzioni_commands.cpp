@@ -1,0 +1,110 @@
+// What the commands and the grids of the dialog of variants do.
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QTimer>
+
+#include "commerce/variants/frm_opzioni.h"
+#include "commerce/variants/frm_variant_grid.h"
+
+namespace kv {
+namespace {
+
+constexpr int languagePanelTime = 4000;     // milliseconds
+constexpr std::size_t longestUseList = 30;  // articles in the menu of uses
+
+}  // namespace
+
+void frmOpzioni::addVariant() {
+  const auto ID = editor_.addVariant();
+  if (!ID) return;
+  showVariants(*ID);
+  DBGrid1_->setFocus();
+}
+
+void frmOpzioni::deleteVariant() {
+  if (editor_.deleteVariant(currentID())) showVariants(0);
+}
+
+void frmOpzioni::duplicateVariant() {
+  if (const auto ID = editor_.duplicateVariant(currentID())) showVariants(*ID);
+}
+
+void frmOpzioni::variantEdited(int row) {
+  VariantRow& variant = variants_[static_cast<std::size_t>(row)];
+  if (editor_.rename(variant.ID, DBGrid1_->cell(row, 0))) variant.nome = DBGrid1_->cell(row, 0);
+  DBGrid1_->setCell(row, 0, variant.nome, VariantEditor::canRename(variant));
+}
+
+void frmOpzioni::addOption() {
+  if (!editor_.addOption(currentID())) return;
+  showOptions(static_cast<int>(options_.size()));
+  DBGrid2_->goTo(DBGrid2_->currentRow(), 0);
+  DBGrid2_->setFocus();
+}
+
+void frmOpzioni::deleteOption() {
+  const int row = DBGrid2_->currentRow();
+  if (optionID() == 0 || !editor_.deleteOption(optionID())) return;
+  showOptions(std::max(VariantEditor::afterDeletion(row, static_cast<int>(options_.size()) - 1), 0));
+}
+
+void frmOpzioni::optionEdited(int row, int column) {
+  static_cast<void>(editor_.setOption(options_[static_cast<std::size_t>(row)].ID, static_cast<OptionCell>(column),
+                                      DBGrid2_->cell(row, column)));
+  showOptions(row);
+}
+
+void frmOpzioni::mark(int row) {
+  if (row < 0 || row >= static_cast<int>(options_.size())) return;
+  static_cast<void>(editor_.markOption(currentID(), options_[static_cast<std::size_t>(row)].ID));
+  showOptions(row);
+}
+
+void frmOpzioni::paste(const std::string& text) {
+  if (editor_.pasteOptions(currentID(), text)) showOptions(static_cast<int>(options_.size()));
+}
+
+void frmOpzioni::showUses() {
+  QMenu menu(this);
+  menu.setObjectName(QStringLiteral("mnuUso"));
+  const std::vector<ArticleUse> uses = editor_.uses(currentID());
+  for (std::size_t i = 0; i < uses.size() && i < longestUseList; ++i) {
+    const std::string title = uses[i].titolo.empty() ? "Articolo " + std::to_string(uses[i].ID) : uses[i].titolo;
+    menu.addAction(toQt(title).replace(QLatin1Char('&'), QLatin1String("&&")))
+        ->setData(static_cast<qlonglong>(uses[i].ID));
+  }
+  const QAction* chosen = menu.exec(cmdUso_->mapToGlobal(cmdUso_->rect().bottomLeft()));
+  if (chosen == nullptr || !editor_.accept()) return;
+  jump_ = chosen->data().toLongLong();
+  chosen_ = initial_ == 0 ? noVariantID : initial_;
+  finish("OK");
+}
+
+void frmOpzioni::translate(VariantGrid& grid, int row) {
+  if (!cmdLingue_->isChecked() || row < 0) return;
+  const bool ofVariants = &grid == DBGrid1_;
+  const std::size_t count = ofVariants ? variants_.size() : options_.size();
+  const auto index = static_cast<std::size_t>(row);
+  if (index >= count) return;
+  const std::string lines =
+      ofVariants ? editor_.TraduciVariante(variants_[index].ID) : editor_.TraduciOpzione(options_[index].ID);
+  lblLingue_->setText(toQt(lines));
+  lblLingue_->adjustSize();
+  const QPoint beside(grid.viewport()->width() / 2, grid.rowViewportPosition(row) + grid.rowHeight(row));
+  lblLingue_->move(grid.viewport()->mapToGlobal(beside));
+  lblLingue_->show();
+  hiding_->start(languagePanelTime);
+}
+
+void frmOpzioni::accepted() {
+  // A cell that is being typed into is stored when the focus leaves it.
+  setFocus();
+  if (!editor_.accept()) return;
+  chosen_ = currentID() == 0 ? noVariantID : currentID();
+  finish("OK");
+}
+
+}  // namespace kv

@@ -1,0 +1,84 @@
+#include "shell/program/frm_sales_dialogs.h"
+
+#include <QApplication>
+#include <memory>
+
+#include "commerce/gateways/frm_configura_pg.h"
+#include "commerce/shipping/frm_spedizione.h"
+#include "commerce/variants/frm_opzioni.h"
+#include "shell/program/shop_address.h"
+#include "store/catalogue/table_rollback.h"
+
+namespace kv {
+namespace {
+
+/// Tells the user of a failure; whether a dialog ended with OK.
+bool toldOutcome(frmMain& window, const Result<bool>& outcome) {
+  if (outcome) return *outcome;
+  window.workbench().showError(fail(outcome.error()));
+  return false;
+}
+
+HelpOpener salesHelp(frmMain& window) {
+  return [&window](std::string_view page) { window.workbench().openHelp(page); };
+}
+
+void wireShipping(frmMain& window, Session& session, Environment& env, const std::shared_ptr<TableRollback>& rollback) {
+  WorkbenchDialogs& dialogs = window.workbench().ports().dialogs;
+  dialogs.shipping = [&window, &session, &env, rollback] {
+    bool configured = false;
+    const auto opened = rollback->SalvaTabelleSpedizione([&]() -> Result<bool> {
+      ShippingHooks hooks;
+      const WorkbenchDialogs::Dialog& configure = window.workbench().ports().dialogs.configurePayment;
+      if (configure) hooks.configure = [&] { configured = configure() || configured; };
+      hooks.help = salesHelp(window);
+      hooks.decimalSeparator = window.workbench().decimalSeparator();
+      frmSpedizione dialog(session, env, hooks, &window);
+      dialog.exec();
+      return !dialog.tag().empty();
+    });
+    // What was configured meanwhile stays, so it is shown again whatever became of the rest.
+    return toldOutcome(window, opened) || configured;
+  };
+}
+
+void wirePayment(frmMain& window, Session& session, Environment& env) {
+  window.workbench().ports().dialogs.configurePayment = [&window, &session, &env] {
+    GatewayHooks hooks;
+    hooks.shopAddress = shopAddress(session);
+    hooks.help = salesHelp(window);
+    QWidget* const owner = QApplication::activeModalWidget();
+    frmConfiguraPG dialog(session, env, std::move(hooks), owner != nullptr ? owner : &window);
+    dialog.exec();
+    return !dialog.tag().empty();
+  };
+}
+
+void wireVariants(frmMain& window, Session& session, Environment& env, const std::shared_ptr<TableRollback>& rollback) {
+  window.workbench().ports().dialogs.defineVariant = [&window, &session, &env, rollback](const VariantSlot& slot) {
+    std::optional<std::int64_t> jump;
+    const auto opened = rollback->SalvaTabelleVarianti(
+        variantColumn(slot.slot, slot.listino), [&](const std::string& current) -> Result<std::optional<std::int64_t>> {
+          frmOpzioni dialog(session, env, {current, window.workbench().decimalSeparator(), salesHelp(window)}, &window);
+          dialog.exec();
+          if (dialog.tag().empty()) return std::optional<std::int64_t>();
+          jump = dialog.jump();
+          return std::optional(dialog.lblID());
+        });
+    const bool accepted = toldOutcome(window, opened);
+    if (accepted && jump) window.workbench().MostraArticolo(*jump);
+    return accepted;
+  };
+}
+
+}  // namespace
+
+void wireSales(frmMain& window, Session& session, Environment& env) {
+  // One for both dialogs: neither opens while the other one is open.
+  const auto rollback = std::make_shared<TableRollback>(window.workbench().sets(), env);
+  wireShipping(window, session, env, rollback);
+  wirePayment(window, session, env);
+  wireVariants(window, session, env, rollback);
+}
+
+}  // namespace kv

@@ -1,0 +1,143 @@
+// Shipping and variants opened from the main window: one step of undo, and Annulla restores the tables.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTabWidget>
+
+#include "commerce/variants/frm_variant_grid.h"
+#include "forms/wired_window.h"
+
+namespace kv::test {
+namespace {
+
+class SalesInTheWindow : public WiredWindow {
+ protected:
+  /// Rows of these tables as text, and the last automatic numbers.
+  std::string rowsOf(const std::vector<std::string>& tables) {
+    std::string text;
+    for (const std::string& table : tables) {
+      auto rows = session.catalogue.prepare("SELECT * FROM " + table + " ORDER BY 1");
+      EXPECT_TRUE(rows) << table;
+      for (auto more = rows->step(); more && *more; more = rows->step()) {
+        for (int i = 0; i < rows->columnCount(); ++i) text += std::string(rows->text(i)) + "|";
+        text += "\n";
+      }
+    }
+    return text;
+  }
+  void openSite() {
+    openWindow();
+    goTab(Tab::Site);
+  }
+  void openArticle() {
+    openWindow();
+    window->workbench().MostraArticolo(1);
+    processEvents();
+  }
+  void inShipping(std::function<void(QWidget&)> act) {
+    whenShown(QStringLiteral("Korvane - Spese di spedizione"), std::move(act));
+  }
+  void inVariants(std::function<void(QWidget&)> act) {
+    whenShown(QStringLiteral("Korvane - Varianti articolo"), std::move(act));
+  }
+  std::string shipping() {
+    return rowsOf({"paesi", "pagamento", "zona1", "zona2", "zona3", "zona4", "zone", "sqlite_sequence"});
+  }
+  std::string variantTablesText() { return rowsOf({"opzioni", "dettagliop", "sqlite_sequence"}); }
+  std::string temporary() {
+    const auto count = session.catalogue.scalar("SELECT COUNT(*) FROM sqlite_master WHERE substr(name, 1, 4) = 'temp'");
+    return count ? asText(*count) : "failed";
+  }
+  static void type(QWidget& dialog, const char* name, const char* text) {
+    auto* field = control<QLineEdit>(dialog, name);
+    field->setFocus(Qt::TabFocusReason);
+    field->selectAll();
+    QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Tab);
+  }
+};
+
+TEST_F(SalesInTheWindow, AnnullaOfShippingRestoresAllButTheZonesFiveToEight) {
+  openSite();
+  const std::string before = shipping();
+  inShipping([this](QWidget& dialog) {
+    EXPECT_EQ(temporary(), "7");
+    control<QTabWidget>(dialog, "tabSpedizione")->setCurrentIndex(2);
+    type(dialog, "m1sp1", "77");
+    control<QTabBar>(dialog, "tabZone")->setCurrentIndex(5);
+    type(dialog, "m1sp1", "66");
+    control<QComboBox>(dialog, "cboAggiungi")->setEditText("Atlantide");
+    click(dialog, "cmdAggiungi");
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  ASSERT_TRUE(choose("shipping"));
+  EXPECT_EQ(shipping(), before);
+  EXPECT_EQ(stored("m1sp1", "zona6"), "66");
+  EXPECT_EQ(temporary(), "0");
+  EXPECT_EQ(window->workbench().history().undoName(), "Spese di spedizione");
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(stored("m1sp1", "zona6"), "0");
+}
+
+TEST_F(SalesInTheWindow, AnnullaWithoutAChangeIsNoStep) {
+  openSite();
+  inShipping([](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+  ASSERT_TRUE(choose("shipping"));
+  EXPECT_FALSE(window->workbench().history().canUndo());
+}
+
+TEST_F(SalesInTheWindow, OkOfShippingIsOneStepThatIsUndoneAndRedone) {
+  openSite();
+  const std::string before = shipping();
+  inShipping([](QWidget& dialog) {
+    control<QTabWidget>(dialog, "tabSpedizione")->setCurrentIndex(2);
+    type(dialog, "m1sp1", "77");
+    type(dialog, "m1sp2", "78");
+    QTest::keyClick(control<QCheckBox>(dialog, "chkAlfabetico"), Qt::Key_Space);
+    click(dialog, "cmdOK");
+  });
+  ASSERT_TRUE(choose("shipping"));
+  const std::string after = shipping();
+  EXPECT_NE(after, before);
+  EXPECT_EQ(temporary(), "0");
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(shipping(), before);
+  ASSERT_TRUE(choose("redo"));
+  EXPECT_EQ(shipping(), after);
+}
+
+TEST_F(SalesInTheWindow, AnnullaOfVariantsRestoresRowsAndSerialNumbers) {
+  openArticle();
+  const std::string before = variantTablesText();
+  const std::string slot = stored("opzione1", "articoli WHERE ID = 1");
+  inVariants([](QWidget& dialog) {
+    auto* grid = control<QTableWidget>(dialog, "DBGrid1");
+    QTest::keyClick(grid, Qt::Key_Insert);
+    QTest::keyClick(control<QTableWidget>(dialog, "DBGrid2"), Qt::Key_Insert);
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  run("article.variant1");
+  EXPECT_EQ(variantTablesText(), before);
+  EXPECT_EQ(stored("opzione1", "articoli WHERE ID = 1"), slot);
+  EXPECT_FALSE(window->workbench().history().canUndo());
+}
+
+TEST_F(SalesInTheWindow, TheVariantChosenGoesIntoTheSlotOfThePriceListShown) {
+  openArticle();
+  window->workbench().selectListino(3);
+  inVariants([](QWidget& dialog) {
+    auto* grid = control<QTableWidget>(dialog, "DBGrid1");
+    grid->setCurrentCell(4, 0);
+    click(dialog, "cmdOK");
+  });
+  run("article.variant2");
+  EXPECT_EQ(stored("opzione2_3", "articoli WHERE ID = 1"), "5");
+  EXPECT_EQ(window->workbench().history().undoName(), "Definisci variante");
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_NE(stored("opzione2_3", "articoli WHERE ID = 1"), "5");
+}
+
+}  // namespace
+}  // namespace kv::test
