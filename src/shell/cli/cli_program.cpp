@@ -6,6 +6,7 @@
 #include "platform/ports/clock.h"
 #include "shell/cli/command_line.h"
 #include "shell/program/installed_data.h"
+#include "store/upgrade/shop_upgrade.h"
 
 namespace kv {
 namespace {
@@ -54,6 +55,7 @@ CliOutcome runCommandLine(std::span<const std::string> arguments, const CliConte
   FileSettings settings(userSettingsPath());
   Environment env{user, settings, systemClock(), systemRandom(), *application, {}};
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
+  env.hooks.AggiornaNegozio = [&env](const std::string& folder) { AggiornaNegozio(folder, env.applicationFolder); };
   const CliOutcome outcome = runShopCommand(*line, env, context.out);
   context.out.flush();
   return outcome;
