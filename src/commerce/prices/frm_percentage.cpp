@@ -1,5 +1,6 @@
 #include "commerce/prices/frm_percentage.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -28,6 +29,8 @@ class PercentageRule final : public QValidator {
 
 PercentageBox::PercentageBox(char decimalSeparator, QWidget* parent) : QComboBox(parent) {
   setObjectName(QStringLiteral("cboVariazione"));
+  setAccessibleName(toQt("Variazione percentuale"));
+  view()->setAccessibleName(accessibleName());
   setEditable(true);
   setInsertPolicy(NoInsert);
   for (const char* usual : {"+5", "+10", "+15", "+20", "-5", "-10", "-15", "-20"}) addItem(QLatin1String(usual));
