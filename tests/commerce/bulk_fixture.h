@@ -19,7 +19,7 @@ class BulkFixture : public ::testing::Test {
  protected:
   BulkFixture() {
     std::filesystem::copy_file(model(), root / "catalog.mdb");
-    auto opened = Database::open(root / "catalog.mdb", OpenMode::Exclusive);
+    auto opened = Database::open(root / "catalog.mdb", OpenMode::Scratch);
     EXPECT_TRUE(opened);
     catalogue = std::move(*opened);
   }

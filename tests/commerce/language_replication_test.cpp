@@ -211,7 +211,7 @@ class ReplicatingRandomTexts : public ReplicatingALanguage {
 
 TEST_F(ReplicatingRandomTexts, ChangesWhatThePreviewCountsAndNoFilledFieldWhenOnlyEmptyOnesAreFilled) {
   std::mt19937 chance(seed());
-  for (int round = 0; round < operationsOf(25); ++round) {
+  for (int round = 0; round < operationsOf(120); ++round) {
     for (const char* table : {"generale", "pagamento", "categorie", "articoli", "opzioni", "dettagliop"}) {
       fillTable(chance, table);
     }

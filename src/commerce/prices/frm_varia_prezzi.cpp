@@ -139,7 +139,7 @@ void frmVariaPrezzi::run() {
     const WaitCursor busy;
     return ModificaPrezzi(session_.catalogue, change(), env_.user);
   }();
-  if (end == BulkEnd::Done) finish("OK");
+  if (end == BulkEnd::Done || end == BulkEnd::Interrupted) finish("OK");
   if (end == BulkEnd::Left) reject();
 }
 

@@ -98,8 +98,9 @@ BulkEnd write(Database& catalogue, const PriceChange& change, const PriceRule& r
     return BulkEnd::Stay;
   }
   const auto written = walkKeepingRows(catalogue, [&] { return writePrices(catalogue, *survey, rule); });
-  if (!written) tellInterrupted(user, what, written.error());
-  return BulkEnd::Done;
+  if (written) return BulkEnd::Done;
+  tellInterrupted(user, what, written.error());
+  return BulkEnd::Interrupted;
 }
 
 }  // namespace

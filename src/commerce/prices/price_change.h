@@ -26,7 +26,9 @@ struct PriceChange {
 enum class BulkEnd {
   Done,  ///< the dialog closes; rows have changed, unless there was nothing to change
   Left,  ///< the user thought better of it: the dialog closes, nothing has changed
-  Stay   ///< the user has been told what is wrong: the dialog stays, nothing has changed
+  /// An error has ended the run, the user has been told; the dialog closes, rows done before it stay.
+  Interrupted,
+  Stay  ///< the user has been told what is wrong: the dialog stays, nothing has changed
 };
 
 /// ModificaPrezzi (change the prices): asks when options would change elsewhere, too, then reads the percentage, then

@@ -91,7 +91,7 @@ void frmReplicaListini::run() {
     const WaitCursor busy;
     return ReplicaListino(session_.catalogue, replication(), env_.user);
   }();
-  if (end == BulkEnd::Done) finish("OK");
+  if (end == BulkEnd::Done || end == BulkEnd::Interrupted) finish("OK");
 }
 
 }  // namespace kv

@@ -129,9 +129,9 @@ std::vector<int> destinationsOf(const Session& session, int source) {
   return languages;
 }
 
-std::string ReplicationCount::text() const {
-  return "Campi da scrivere: " + std::to_string(fields) + ", in " + std::to_string(rows) +
-         (rows == 1 ? " riga" : " righe");
+std::string ReplicationCount::text(bool written) const {
+  return (written ? "Campi scritti: " : "Campi da scrivere: ") + std::to_string(fields) + ", in " +
+         std::to_string(rows) + (rows == 1 ? " riga" : " righe");
 }
 
 Result<ReplicationCount> countReplication(Database& catalogue, const LanguageReplication& replication) {

@@ -37,8 +37,8 @@ std::vector<int> destinationsOf(const Session& session, int source);
 struct ReplicationCount {
   std::size_t fields = 0;
   std::size_t rows = 0;
-  /// "Campi da scrivere: 12, in 4 righe".
-  std::string text() const;
+  /// "Campi da scrivere: 12, in 4 righe"; `written`: "Campi scritti: ...".
+  std::string text(bool written = false) const;
 };
 /// Counts what a replication would write. Failures: as the store's.
 Result<ReplicationCount> countReplication(Database& catalogue, const LanguageReplication& replication);

@@ -254,8 +254,9 @@ BulkEnd ReplicaListino(Database& catalogue, const ListReplication& replication, 
     if (auto done = writeArticles(catalogue, replication, *plan); !done) return done;
     return writeDepartments(catalogue, replication);
   });
-  if (!written) tellInterrupted(user, what, written.error());
-  return BulkEnd::Done;
+  if (written) return BulkEnd::Done;
+  tellInterrupted(user, what, written.error());
+  return BulkEnd::Interrupted;
 }
 
 }  // namespace kv

@@ -4,6 +4,7 @@
 #include "commerce/gateways/payment_modules.h"
 #include "platform/files/settings.h"
 #include "platform/ports/clock.h"
+#include "shell/cli/bulk_commands.h"
 #include "shell/cli/command_line.h"
 #include "shell/program/installed_data.h"
 #include "store/upgrade/shop_upgrade.h"
@@ -22,6 +23,14 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return exportShopSql(shop, env, out);
     case CliCommand::New:
       return newShop(env, out);
+    case CliCommand::Prices:
+      return changePrices(shop, line.bulk, env, out);
+    case CliCommand::ReplicateList:
+      return replicateList(shop, line.bulk, env, out);
+    case CliCommand::ReplicateLanguage:
+      return replicateLanguage(shop, line.bulk, env, out);
+    case CliCommand::Upgrade:
+      return upgradeShop(shop, line.bulk, env, out);
     case CliCommand::Help:
     case CliCommand::Version:
       break;

@@ -8,10 +8,15 @@
 namespace kv {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, CliCommand>, 4> commands{{{"build", CliCommand::Build},
-                                                                           {"check", CliCommand::Check},
-                                                                           {"export-sql", CliCommand::ExportSql},
-                                                                           {"new", CliCommand::New}}};
+constexpr std::array<std::pair<std::string_view, CliCommand>, 8> commands{
+    {{"build", CliCommand::Build},
+     {"check", CliCommand::Check},
+     {"export-sql", CliCommand::ExportSql},
+     {"new", CliCommand::New},
+     {"prices", CliCommand::Prices},
+     {"replicate-list", CliCommand::ReplicateList},
+     {"replicate-language", CliCommand::ReplicateLanguage},
+     {"upgrade", CliCommand::Upgrade}}};
 constexpr std::array<std::pair<std::string_view, Answer>, 4> answers{
     {{"yes", Answer::Yes}, {"no", Answer::No}, {"ok", Answer::Ok}, {"cancel", Answer::Cancel}}};
 
@@ -70,10 +75,15 @@ class Parser {
   Result<> valued(const std::string& argument) {
     const auto equals = argument.find('=');
     const std::string name = argument.substr(0, equals);
-    if (name != "--app" && name != "--answer") return wrong("opzione sconosciuta: " + argument);
+    const BulkOption* bulk = bulkOption(name);
+    if (bulk != nullptr && !bulk->hasValue && equals == std::string::npos) return take(*bulk, {});
+    if (name != "--app" && name != "--answer" && (bulk == nullptr || !bulk->hasValue)) {
+      return wrong("opzione sconosciuta: " + argument);
+    }
     if (equals == std::string::npos && rest_.empty()) return wrong("manca il valore di " + name);
     const std::string value = equals == std::string::npos ? next() : argument.substr(equals + 1);
     if (value.empty()) return wrong("manca il valore di " + name);
+    if (bulk != nullptr) return take(*bulk, value);
     if (name == "--app") {
       line_.applicationFolder = value;
       return {};
@@ -84,12 +94,23 @@ class Parser {
     return {};
   }
 
+  Result<> take(const BulkOption& option, const std::string& value) {
+    used_.push_back(&option);
+    if (option.take(line_.bulk, value)) return {};
+    return wrong("valore non ammesso per " + std::string(option.name) + ": " + value);
+  }
+
   Result<CommandLine> finish() {
     if (names_.empty()) return wrong("manca il comando");
     const auto command = find(commands, names_[0]);
     if (!command) return wrong("comando sconosciuto: " + names_[0]);
     if (names_.size() < 2 || names_[1].empty()) return wrong("manca la cartella del negozio");
     if (names_.size() > 2) return wrong("argomento di troppo: " + names_[2]);
+    for (const BulkOption* option : used_) {
+      if (!knowsOption(names_[0], *option)) return wrong("opzione sconosciuta: " + std::string(option->name));
+    }
+    const std::string missing = missingOption(names_[0], line_.bulk);
+    if (!missing.empty()) return wrong("manca l'opzione " + missing);
     line_.command = *command;
     line_.shop = names_[1];
     return line_;
@@ -97,6 +118,7 @@ class Parser {
 
   std::span<const std::string> rest_;
   std::vector<std::string> names_;
+  std::vector<const BulkOption*> used_;
   CommandLine line_;
   bool namesOnly_ = false;
   bool ended_ = false;
@@ -114,8 +136,18 @@ std::string usageText() {
          "  check NEGOZIO       apre il negozio e dice che cosa non va, senza costruirlo\n"
          "  export-sql NEGOZIO  scrive i file SQL del negozio costruito nella cartella online\n"
          "  new NEGOZIO         crea un nuovo negozio nella cartella NEGOZIO\n"
+         "  upgrade NEGOZIO     apre il negozio e dice che cosa è stato aggiornato\n"
+         "  prices NEGOZIO --percent +10 --list 0,3 [--department ID] [--offers] [--variants] [--round]\n"
+         "                      varia in percentuale i prezzi dei listini indicati\n"
+         "  replicate-list NEGOZIO --from 0 --to 1,2 [--percent -5] [--round] [--offers] [--variants]\n"
+         "                 [--quantity-discounts] [--department-discounts] [--restrictions]\n"
+         "                      copia un listino in altri\n"
+         "  replicate-language NEGOZIO --from 1 --to 2 --what shop,departments,articles,variants [--only-empty]\n"
+         "                      copia i testi di una lingua in un'altra\n"
          "\n"
          "Opzioni:\n"
+         "  --dry-run       con upgrade, prices, replicate-list e replicate-language: mostra l'anteprima e non\n"
+         "                  modifica nulla\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"
          "  --answer yes|no|ok|cancel\n"
          "                  risposta alle domande; ripetibile: la prima risposta va alla prima domanda,\n"

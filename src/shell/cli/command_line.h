@@ -7,11 +7,23 @@
 
 #include "platform/ports/result.h"
 #include "platform/ports/user_port.h"
+#include "shell/cli/bulk_options.h"
 
 namespace kv {
 
 /// What korvane-cli is asked to do.
-enum class CliCommand { Build, Check, ExportSql, New, Help, Version };
+enum class CliCommand {
+  Build,
+  Check,
+  ExportSql,
+  New,
+  Prices,
+  ReplicateList,
+  ReplicateLanguage,
+  Upgrade,
+  Help,
+  Version
+};
 
 struct CommandLine {
   CliCommand command = CliCommand::Help;
@@ -20,11 +32,12 @@ struct CommandLine {
   /// Of --answer, in order: the first question gets the first, the last one holds for all that follow. Empty means
   /// that every question gets its default.
   std::vector<Answer> answers;
+  BulkOptions bulk;  ///< of the commands that change many rows
 };
 
 /// Reads the arguments after the program's name. "--app=X" and "--app X" mean the same; after "--" every argument
 /// is a name. Malformed, `what` saying in Italian what is wrong, when a command or its shop is missing, repeated or
-/// unknown.
+/// unknown, or an option is missing, unknown to the command or without a value.
 Result<CommandLine> parseCommandLine(std::span<const std::string> arguments);
 
 /// The text of --help, its last line closed.

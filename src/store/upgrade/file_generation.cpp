@@ -71,18 +71,33 @@ Result<> renewFile(const std::string& shopFolder, const std::string& application
   return {};
 }
 
-}  // namespace
-
-Result<> upgradeFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
-  const std::string code = findEntry(shopFolder, "code").value_or(joinPath(shopFolder, "code"));
-  const std::string present = presentGeneration(code);
-  if (present >= currentGeneration) return {};
-  const bool isApplication = isApplicationFolder(shopFolder, applicationFolder);
+/// What was renewed after a generation; nothing in the application folder itself.
+std::vector<std::string_view> filesSince(const std::string& present, bool isApplication) {
+  std::vector<std::string_view> files;
   for (const Generation& generation : generations) {
     if (isApplication || present >= generation.name) continue;
-    for (const std::string_view name : generation.files) {
-      if (auto renewed = renewFile(shopFolder, applicationFolder, name, upgrade); !renewed) return renewed;
-    }
+    files.insert(files.end(), generation.files.begin(), generation.files.end());
+  }
+  return files;
+}
+
+}  // namespace
+
+void planFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
+  const std::string present = presentGeneration(entryPath(shopFolder, "code"));
+  if (present >= currentGeneration) return;
+  for (const std::string_view name : filesSince(present, isApplicationFolder(shopFolder, applicationFolder))) {
+    upgrade.files.emplace_back(name);
+  }
+  upgrade.stamped = true;
+}
+
+Result<> upgradeFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
+  const std::string code = entryPath(shopFolder, "code");
+  const std::string present = presentGeneration(code);
+  if (present >= currentGeneration) return {};
+  for (const std::string_view name : filesSince(present, isApplicationFolder(shopFolder, applicationFolder))) {
+    if (auto renewed = renewFile(shopFolder, applicationFolder, name, upgrade); !renewed) return renewed;
   }
   if (auto written = writeBytes(entryPath(code, generationFile), std::string(currentGeneration) + "\r\n"); !written) {
     return written;

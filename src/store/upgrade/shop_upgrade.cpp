@@ -62,6 +62,21 @@ Result<> upgradeSchema(const std::string& shopFolder, ShopUpgrade& upgrade) {
   return {};
 }
 
+ShopUpgrade plannedUpgrade(Database& catalogue, const std::string& shopFolder, const std::string& applicationFolder) {
+  ShopUpgrade upgrade;
+  const auto plan = [&](Database& database, const std::string& table, const NewColumn& column) {
+    const auto info = database.table(table);
+    if (info && info->columnIndex(column.name) < 0) upgrade.columns.push_back(table + "." + std::string(column.name));
+  };
+  for (const NewColumn& column : settingColumns) plan(catalogue, "generale", column);
+  const auto version = catalogueVersion(catalogue);
+  upgrade.stamped = version && *version != currentVersion;
+  auto seed = Database::open(joinPath(shopFolder, tagSeedFile), OpenMode::ReadOnly);
+  if (seed) plan(*seed, "categoria", pageTagColumn);
+  planFiles(shopFolder, applicationFolder, upgrade);
+  return upgrade;
+}
+
 ShopUpgrade AggiornaNegozio(const std::string& shopFolder, const std::string& applicationFolder) {
   ShopUpgrade upgrade;
   // A catalogue that another program holds is the other one's shop: its files stay as they are.

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/database/database.h"
 #include "platform/ports/result.h"
 
 namespace kv {
@@ -32,6 +33,10 @@ struct ShopUpgrade {
 /// opening tries again.
 ShopUpgrade AggiornaNegozio(const std::string& shopFolder, const std::string& applicationFolder);
 
+/// What AggiornaNegozio would do, read from the catalogue, which may be open for reading alone, and the shop's files.
+/// Nothing is changed.
+ShopUpgrade plannedUpgrade(Database& catalogue, const std::string& shopFolder, const std::string& applicationFolder);
+
 /// The schema part of it. A column that can't be added is left out, whatever the reason; a catalogue that can't be
 /// opened is a failure.
 Result<> upgradeSchema(const std::string& shopFolder, ShopUpgrade& upgrade);
@@ -39,5 +44,8 @@ Result<> upgradeSchema(const std::string& shopFolder, ShopUpgrade& upgrade);
 /// folder, and stamps the generation. A file that differs from the new one is kept in `backup` before. Generations
 /// compare as texts, character by character. Fails at the first file that can't be copied, unstamped.
 Result<> upgradeFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade);
+
+/// The files that the files part would copy; `stamped` when it would stamp the generation.
+void planFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade);
 
 }  // namespace kv
