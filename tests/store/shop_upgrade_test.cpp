@@ -1,11 +1,17 @@
 // A shop of an earlier release at its opening: the columns it gets, the files that are renewed, what is kept of it.
 #include <gmock/gmock.h>
 
+#include <iterator>
+#include <random>
+#include <set>
+#include <sstream>
+
 #include "store/schema/working_copies.h"
 #include "store/shop/load_shop.h"
 #include "store/shop_fixture.h"
 #include "store/upgrade/shop_upgrade.h"
 #include "support/failing_files.h"
+#include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
@@ -242,6 +248,54 @@ TEST_F(AnAgedShop, OpenedTwiceIsNotWrittenToAtTheSecond) {
   EXPECT_TRUE(upgrade().isEmpty());
   EXPECT_EQ(readBytes(shop + "/catalog.mdb"), catalogue);
   EXPECT_TRUE(fileStamp(shop + "/catalog.mdb").value() == stampBefore.value());
+}
+
+TEST_F(AnAgedShop, HoweverAgedHasTheSchemaOfANewOneAndIsLeftAloneAtTheSecondOpening) {
+  std::mt19937 chance(seed());
+  const auto sorted = [](std::string text) {
+    std::istringstream words(text);
+    std::set<std::string> names{std::istream_iterator<std::string>(words), {}};
+    return names;
+  };
+  const auto whole = sorted(columns());
+  for (int round = 0; round < operationsOf(25); ++round) {
+    std::string aging = "UPDATE generale SET versione = " + std::to_string(1000 + chance() % 100);
+    for (const char* column :
+         {"p3p", "subtitleincart", "regprices", "singleitem_search", "singleitem_vet", "reglist", "showsigns"}) {
+      if (chance() % 2 == 0) aging += std::string(";ALTER TABLE generale DROP COLUMN ") + column;
+    }
+    run(shop, aging);
+    constexpr const char* stamps[] = {"1.0.3", "1.0.4", "1.0.6", "1.0.8", "1.0.10", ""};
+    stamp(stamps[chance() % 6]);
+    env.hooks.AggiornaNegozio = [&](const std::string& folder) { AggiornaNegozio(folder, application); };
+    session.ShopFolder = shop;
+    ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
+    releaseCatalogue(session, env);
+    EXPECT_EQ(sorted(columns()), whole);
+    EXPECT_EQ(read(shop, "SELECT versione FROM generale"), "1002");
+    EXPECT_EQ(stampOf(shop).substr(0, 5), "1.0.8");
+    EXPECT_TRUE(upgrade().isEmpty());
+  }
+  EXPECT_THAT(user.shown, IsEmpty());
+}
+
+TEST_F(AnAgedShop, ThatIsOnlyLookedAtIsNotTouched) {
+  run(shop, "UPDATE generale SET versione = 1001; ALTER TABLE generale DROP COLUMN p3p");
+  stamp("1.0.6\r\n");
+  const std::string catalogue = readBytes(shop + "/catalog.mdb").value_or("(none)");
+  ShopUpgrade planned;
+  {
+    auto opened = Database::open(shop + "/catalog.mdb", OpenMode::ReadOnly);
+    ASSERT_TRUE(opened);
+    planned = plannedUpgrade(*opened, shop, application);
+  }
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb").value_or(""), catalogue);
+  EXPECT_EQ(renewed(), "0 0 0");
+  EXPECT_EQ(stampOf(shop), "1.0.6\r\n");
+  const ShopUpgrade done = upgrade();
+  EXPECT_EQ(planned.columns, done.columns);
+  EXPECT_EQ(planned.files, done.files);
+  EXPECT_EQ(planned.stamped, done.stamped);
 }
 
 TEST_F(AnAgedShop, OpensWithoutAQuestion) {
