@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "builder/run/build_parts.h"
 #include "builder/run/build_summary.h"
 #include "platform/qt/frm_user.h"
 
@@ -95,7 +96,7 @@ void frmElabora::start() {
   running_ = true;
   user_->pump.processEvents(false);
   Environment env{*user_, env_.settings, env_.clock, env_.random, env_.applicationFolder, env_.hooks};
-  outcome_ = MakePages(session_, env, {}, &counts_);
+  outcome_ = MakePages(session_, env, shopBuildParts(session_, env), &counts_);
   running_ = false;
   if (outcome_ == BuildOutcome::Done) {
     showProgress();

@@ -4,10 +4,12 @@
 #include "commerce/gateways/payment_modules.h"
 #include "platform/files/settings.h"
 #include "platform/ports/clock.h"
+#include "shell/cli/bulk_commands.h"
 #include "shell/cli/command_line.h"
 #include "shell/cli/exchange_commands.h"
 #include "shell/program/installed_data.h"
 #include "store/shop/backup_copies.h"
+#include "store/upgrade/shop_upgrade.h"
 
 namespace kv {
 namespace {
@@ -31,6 +33,14 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return purgePictures(shop, line, env, out);
     case CliCommand::Picture:
       return setPicture(shop, line, env, out);
+    case CliCommand::Prices:
+      return changePrices(shop, line.bulk, env, out);
+    case CliCommand::ReplicateList:
+      return replicateList(shop, line.bulk, env, out);
+    case CliCommand::ReplicateLanguage:
+      return replicateLanguage(shop, line.bulk, env, out);
+    case CliCommand::Upgrade:
+      return upgradeShop(shop, line.bulk, env, out);
     case CliCommand::Help:
     case CliCommand::Version:
       break;
@@ -67,6 +77,7 @@ CliOutcome runCommandLine(std::span<const std::string> arguments, const CliConte
   Environment env{user, settings, systemClock(), systemRandom(), *application, {}};
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
   env.hooks.CopiaCatalogo = catalogueCopier(env);
+  env.hooks.AggiornaNegozio = [&env](const std::string& folder) { AggiornaNegozio(folder, env.applicationFolder); };
   const CliOutcome outcome = runShopCommand(*line, env, context.out);
   context.out.flush();
   return outcome;

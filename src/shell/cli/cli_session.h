@@ -18,12 +18,15 @@ class CliSession {
 
   /// False when the shop could not be opened; the user knows why.
   bool open(const std::string& shop);
+  /// Opens the catalogue for reading alone: nothing is brought up to date. False as open().
+  bool openToLook(const std::string& shop);
   /// Whether the shop has a template that is installed.
   bool hasTemplate() const;
 
   Session session;
 
  private:
+  bool isShop(const std::string& shop);  // tells why it is none
   Environment& env_;
 };
 

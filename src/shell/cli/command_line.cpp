@@ -15,7 +15,7 @@ namespace {
 struct CommandRow {
   CliCommand command;
   const char* object = nullptr;  ///< null: the command takes the shop alone
-  std::vector<std::string_view> options{};
+  std::vector<std::string> options{};
 };
 
 const std::map<std::string_view, CommandRow>& commands() {
@@ -28,7 +28,11 @@ const std::map<std::string_view, CommandRow>& commands() {
       {"import", {CliCommand::Import, "la cartella di origine", {"--dry-run"}}},
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
       {"picture",
-       {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}}};
+       {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}},
+      {"upgrade", {CliCommand::Upgrade, nullptr, bulkOptionsOf("upgrade")}},
+      {"prices", {CliCommand::Prices, nullptr, bulkOptionsOf("prices")}},
+      {"replicate-list", {CliCommand::ReplicateList, nullptr, bulkOptionsOf("replicate-list")}},
+      {"replicate-language", {CliCommand::ReplicateLanguage, nullptr, bulkOptionsOf("replicate-language")}}};
   return rows;
 }
 
@@ -121,6 +125,17 @@ class Parser {
     return {};
   }
 
+  /// The values of the commands that change many rows; nothing for any other command.
+  Result<> readBulk() {
+    for (const auto& [name, value] : line_.options) {
+      const BulkOption* option = bulkOption(name);
+      if (option == nullptr || !knowsOption(names_[0], *option)) continue;
+      if (!option->take(line_.bulk, value)) return wrong("valore non ammesso per " + name + ": " + value);
+    }
+    const std::string missing = missingOption(names_[0], line_.bulk);
+    return missing.empty() ? Result<>() : Result<>(wrong("manca l'opzione " + missing));
+  }
+
   Result<CommandLine> finish() {
     if (names_.empty()) return wrong("manca il comando");
     const auto found = commands().find(names_[0]);
@@ -136,6 +151,7 @@ class Parser {
         return wrong("opzione non prevista per il comando " + names_[0] + ": " + option);
       }
     }
+    if (auto read = readBulk(); !read) return fail(read.error());
     line_.command = row.command;
     line_.shop = names_[1];
     if (row.object != nullptr) line_.object = names_[2];
@@ -172,8 +188,18 @@ std::string usageText() {
          "  picture NEGOZIO FILE --article ID|--department ID --slot 0|1|2\n"
          "                      imposta un'immagine e ne mostra nome e dimensioni. --fit 180x135: la adatta a queste\n"
          "                      dimensioni massime\n"
+         "  upgrade NEGOZIO     apre il negozio e dice che cosa è stato aggiornato\n"
+         "  prices NEGOZIO --percent +10 --list 0,3 [--department ID] [--offers] [--variants] [--round]\n"
+         "                      varia in percentuale i prezzi dei listini indicati\n"
+         "  replicate-list NEGOZIO --from 0 --to 1,2 [--percent -5] [--round] [--offers] [--variants]\n"
+         "                 [--quantity-discounts] [--department-discounts] [--restrictions]\n"
+         "                      copia un listino in altri\n"
+         "  replicate-language NEGOZIO --from 1 --to 2 --what shop,departments,articles,variants [--only-empty]\n"
+         "                      copia i testi di una lingua in un'altra\n"
          "\n"
          "Opzioni:\n"
+         "  --dry-run       con upgrade, prices, replicate-list e replicate-language: mostra l'anteprima e non\n"
+         "                  modifica nulla\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"
          "  --answer yes|no|ok|cancel\n"
          "                  risposta alle domande; ripetibile: la prima risposta va alla prima domanda,\n"

@@ -8,11 +8,27 @@
 
 #include "platform/ports/result.h"
 #include "platform/ports/user_port.h"
+#include "shell/cli/bulk_options.h"
 
 namespace kv {
 
 /// What korvane-cli is asked to do.
-enum class CliCommand { Build, Check, ExportSql, New, Export, Import, Purge, Picture, Help, Version };
+enum class CliCommand {
+  Build,
+  Check,
+  ExportSql,
+  New,
+  Export,
+  Import,
+  Purge,
+  Picture,
+  Prices,
+  ReplicateList,
+  ReplicateLanguage,
+  Upgrade,
+  Help,
+  Version
+};
 
 struct CommandLine {
   CliCommand command = CliCommand::Help;
@@ -24,6 +40,8 @@ struct CommandLine {
   std::vector<Answer> answers;
   /// The command's own options with their hyphens, and their values; a flag has an empty one.
   std::map<std::string, std::string, std::less<>> options;
+
+  BulkOptions bulk;  ///< the options of the commands that change many rows, read
 
   /// The value of an option; empty when it isn't given.
   std::string option(std::string_view name) const {

@@ -1,6 +1,6 @@
 #include "shell/cli/shop_commands.h"
 
-#include "builder/run/make_pages.h"
+#include "builder/run/build_parts.h"
 #include "platform/files/files.h"
 #include "shell/cli/cli_session.h"
 #include "sqlexport/full_export.h"
@@ -78,7 +78,7 @@ CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& ou
     return CliOutcome::Failed;
   }
   BuildCounts counts;
-  const CliOutcome outcome = outcomeOf(MakePages(open.session, env, {}, &counts));
+  const CliOutcome outcome = outcomeOf(MakePages(open.session, env, shopBuildParts(open.session, env), &counts));
   if (outcome == CliOutcome::Done) tellMade(open.session, counts, out);
   return outcome;
 }

@@ -27,6 +27,7 @@
 #include "store/shop/server_path.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_check.h"
+#include "store/upgrade/shop_upgrade.h"
 
 namespace kv {
 namespace {
@@ -87,6 +88,7 @@ void greet(frmMain& window, Settings& settings) {
 void wireSession(frmMain& window, Session& session, Environment& env) {
   Workbench& workbench = window.workbench();
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
+  env.hooks.AggiornaNegozio = [&env](const std::string& folder) { AggiornaNegozio(folder, env.applicationFolder); };
   env.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
   env.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
   // What the choice runs loads a shop again, and asks again by itself.

@@ -20,6 +20,17 @@ namespace {
 
 constexpr int numberWidth = 12;  // average characters
 
+/// The button "..." beside a field, which opens the dialog of a command.
+QToolButton* dialogButton(QAction& action, QWidget* parent) {
+  auto* button = new QToolButton(parent);
+  button->setDefaultAction(&action);
+  button->setText(QStringLiteral("..."));
+  button->setAccessibleName(action.iconText());
+  button->setFocusPolicy(Qt::StrongFocus);
+  QObject::connect(&action, &QAction::changed, button, [button] { button->setText(QStringLiteral("...")); });
+  return button;
+}
+
 QStringList listOf(const std::vector<std::string>& texts) {
   QStringList list;
   for (const std::string& text : texts) list.append(toQt(text));
@@ -34,6 +45,7 @@ EditorBinding::EditorBinding(const Editor& editor, Workbench& workbench, const C
     case Control::Line:
     case Control::Password:
       makeLine(editor.control == Control::Password);
+      addButton(actions);
       break;
     case Control::Memo:
       makeMemo();
@@ -80,6 +92,15 @@ void EditorBinding::addUnit(QWidget* field) {
   row->addWidget(field);
   row->addWidget(unit_);
   row->addStretch();
+  row_ = row;
+}
+
+void EditorBinding::addButton(const CommandActions& actions) {
+  QAction* action = editor_.command.empty() ? nullptr : actions(editor_.command);
+  if (action == nullptr) return;
+  auto* row = new QHBoxLayout;
+  row->addWidget(field_);
+  row->addWidget(dialogButton(*action, parent_));
   row_ = row;
 }
 
@@ -218,16 +239,9 @@ void EditorBinding::makePicture(const CommandActions& actions) {
 void EditorBinding::makeVariant(const CommandActions& actions) {
   auto* name = new QLineEdit(parent_);
   name->setReadOnly(true);
-  auto* button = new QToolButton(parent_);
-  QAction* action = actions(variantCommand(editor_.number));
-  button->setDefaultAction(action);
-  button->setText(QStringLiteral("..."));
-  button->setAccessibleName(action->iconText());
-  button->setFocusPolicy(Qt::StrongFocus);
-  connect(action, &QAction::changed, button, [button] { button->setText(QStringLiteral("...")); });
   auto* row = new QHBoxLayout;
   row->addWidget(name);
-  row->addWidget(button);
+  row->addWidget(dialogButton(*actions(variantCommand(editor_.number)), parent_));
   row_ = row;
   read_ = [name] { return name->text(); };
   write_ = [name](const QString& text) { name->setText(text); };

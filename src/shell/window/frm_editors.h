@@ -78,6 +78,8 @@ class EditorBinding final : public QObject {
   void makeVariant(const CommandActions& actions);
   /// Text that can be copied and not edited.
   void makeShown();
+  /// Puts the button of the row's command beside the control; nothing for a row without one.
+  void addButton(const CommandActions& actions);
   /// Takes the control over and names it, for tests, the guide and screen readers.
   void adopt(QWidget* field);
   /// The user changed the control: it is to be saved. Nothing while the program changes it.

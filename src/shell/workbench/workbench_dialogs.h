@@ -55,6 +55,7 @@ struct WorkbenchDialogs {
   Dialog orderMail;         ///< frmEmail: text of the confirmation
   Dialog showcase;          ///< frmVetrina: articles of the first page
   Dialog requiredFields;    ///< frmObbligatori: what a visitor must fill in
+  Dialog privacyPolicy;     ///< frmP3P: the compact privacy policy
   Dialog customTags;        ///< frmTags: tags of the merchant's own
   Dialog buildSettings;     ///< frmImpostazioni: how pages are built
 

@@ -39,6 +39,7 @@ Command replicationRow() {
   Command row = dialogCommand("languages.replicate", {Menu::File, 302, "Replica lingue..."},
                               &WorkbenchDialogs::replicateLanguages, "Replica lingue");
   row.enabled = [](const CommandContext& context) { return context.session.languageCount > 1; };
+  row.help = "pagine/prezzi.htm";
   return row;
 }
 

@@ -1,5 +1,6 @@
 #include "shell/workbench/commands/site_commands.h"
 
+#include "shell/workbench/fields/editor_table.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
@@ -28,6 +29,21 @@ Command changePricesRow() {
   return row;
 }
 
+/// It is beside its field on the tab of the site, and in no menu.
+Command privacyRow() {
+  Command row =
+      dialogCommand(std::string(privacyCommand), {}, &WorkbenchDialogs::privacyPolicy, "Compact Privacy Policy");
+  row.menus.clear();
+  row.caption = "Compact Privacy Policy";
+  return row;
+}
+
+/// A row whose help is the page of prices and replication.
+Command ofPrices(Command row) {
+  row.help = "pagine/prezzi.htm";
+  return row;
+}
+
 std::vector<Command> connectionCommands() {
   return {serverFolderRow("connection.shopFolder", {EditInternet, 201, "Cartella FTP del negozio..."},
                           ServerFolder::Shop, "Cartella FTP del negozio"),
@@ -51,9 +67,10 @@ std::vector<Command> siteCommands() {
       dialogCommand("requiredFields", {EditSite, 205, "Campi obbligatori..."}, &Dialogs::requiredFields,
                     "Campi obbligatori"),
       dialogCommand("customTags", {File, 501, "Tag personalizzati..."}, &Dialogs::customTags, "Tag personalizzati"),
-      dialogCommand("prices.replicate", {File, 401, "Replica listino..."}, &Dialogs::replicatePriceList,
-                    "Replica listino"),
-      changePricesRow()};
+      privacyRow(),
+      ofPrices(dialogCommand("prices.replicate", {File, 401, "Replica listino..."}, &Dialogs::replicatePriceList,
+                             "Replica listino")),
+      ofPrices(changePricesRow())};
   rows = withHelp(std::move(rows), "pagine/sito.htm");
   for (Command& row : withHelp(connectionCommands(), "pagine/internet.htm")) rows.push_back(std::move(row));
   return rows;

@@ -97,6 +97,9 @@ void pageEditors(std::vector<Editor>& rows) {
   customers.check("reglist", "Estendi i limiti ai clienti del listino base",
                   "Valgono anche per chi è registrato ma non ha ancora un listino proprio");
   customers.check("checkcookies", "Avvisa chi rifiuta i cookie", "Senza cookie il carrello non può funzionare");
+  Editor& privacy = customers.add("p3p", "Compact Privacy Policy:");
+  privacy.command = privacyCommand;
+  privacy.toolTip = "Come il negozio tratta le informazioni personali, nella forma breve per i browser";
 }
 
 void textEditors(std::vector<Editor>& rows) {

@@ -45,7 +45,8 @@ struct Editor {
   std::string_view toolTip;  ///< where the label alone isn't plain
   std::string_view choices;  ///< parted by "|"
   ChoiceSource source = ChoiceSource::Fixed;
-  int number = 0;  ///< of the picture, or of the variant slot
+  int number = 0;            ///< of the picture, or of the variant slot
+  std::string_view command;  ///< of the button beside a line; empty: there is none
 };
 
 /// All editors in the order of tab, group and row.
@@ -56,6 +57,8 @@ const Editor* editorOf(EditedSet set, std::string_view column);
 /// The column that the editor writes while a price list is being edited: "prezzo3", "opzione2_3".
 std::string columnOf(const Editor& editor, int listino);
 
+/// The name of the command beside `p3p`: the dialog of the compact privacy policy.
+inline constexpr std::string_view privacyCommand = "privacyPolicy";
 /// The group of `generale`'s long texts, which is shown as one strip of tabs (tabTesti).
 inline constexpr std::string_view longTexts = "Testi del negozio";
 /// The one of the pair of rate fields that is no column: 1 / `cambio`.

@@ -1,0 +1,181 @@
+#include "commerce/prices/price_change.h"
+
+#include "platform/numbers/number_format.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view otherLists =
+    "- alcune varianti dei listini selezionati sono presenti anche in altri listini";
+constexpr std::string_view otherDepartments =
+    "- alcune varianti del reparto selezionato sono presenti anche in altri reparti";
+constexpr std::size_t mostNames = 10;
+
+std::string columnOf(const SurveyedPrice& price) {
+  if (price.kind == PriceKind::Option) return "prezzo";
+  return (price.kind == PriceKind::Offer ? "offertaprezzo" : "prezzo") + std::string(listinoSuffixes[price.listino]);
+}
+
+/// The statement that writes all prices of one owner: "?1" is its ID. The layout of all articles is the same.
+Result<Statement> writerOf(Database& catalogue, std::span<const SurveyedPrice> prices) {
+  const bool isOption = prices.front().kind == PriceKind::Option;
+  std::string statement = std::string("UPDATE ") + (isOption ? "dettagliop" : "articoli") + " SET ";
+  int index = 1;
+  for (const SurveyedPrice& price : prices) {
+    if (index > 1) statement += ", ";
+    statement += columnOf(price) + " = ?" + std::to_string(++index);
+  }
+  return catalogue.prepare(statement + " WHERE ID = ?1");
+}
+
+/// The prices of the owner of `prices.front()`.
+std::span<const SurveyedPrice> firstOwner(std::span<const SurveyedPrice> prices) {
+  std::size_t count = 1;
+  while (count < prices.size() && prices[count].owner == prices.front().owner) ++count;
+  return prices.first(count);
+}
+
+Result<> writeOwner(Statement& writer, std::span<const SurveyedPrice> prices, std::int64_t ID, const PriceRule& rule) {
+  bool changes = false;
+  int index = 1;
+  writer.bind(index, ID);
+  for (const SurveyedPrice& price : prices) {
+    const Money after = Trasforma(price.before, rule);
+    changes = changes || price.before != after;
+    writer.bind(++index, after);
+  }
+  return changes ? writer.execute() : Result<>();
+}
+
+Result<> writePrices(Database& catalogue, const PriceSurvey& survey, const PriceRule& rule) {
+  std::span<const SurveyedPrice> rest = survey.prices;
+  std::optional<Statement> articles;
+  std::optional<Statement> options;
+  while (!rest.empty()) {
+    const auto prices = firstOwner(rest);
+    std::optional<Statement>& writer = prices.front().kind == PriceKind::Option ? options : articles;
+    if (!writer) {
+      auto made = writerOf(catalogue, prices);
+      if (!made) return fail(made.error());
+      writer = std::move(*made);
+    }
+    if (auto done = writeOwner(*writer, prices, survey.owners[prices.front().owner].ID, rule); !done) return done;
+    rest = rest.subspan(prices.size());
+  }
+  return {};
+}
+
+std::vector<std::string> namesOf(const PriceSurvey& survey, const std::vector<std::uint32_t>& indexes) {
+  std::vector<std::string> names;
+  for (const std::uint32_t index : indexes) {
+    const SurveyedPrice& price = survey.prices[index];
+    const PriceOwner& owner = survey.owners[price.owner];
+    names.push_back(owner.title + " (" + priceName(price) + "): " + shownPrice(price.before));
+  }
+  return names;
+}
+
+/// Step one: false when the user wants no change.
+Result<bool> isAgreed(Database& catalogue, const PriceChange& change, UserPort& user) {
+  if (!change.selection.variants) return true;
+  const auto use = surveyVariants(catalogue, change.selection);
+  if (!use) return fail(use.error());
+  const Question question = variantQuestion(*use);
+  return question.text.empty() || user.question(question) == Answer::Yes;
+}
+
+BulkEnd write(Database& catalogue, const PriceChange& change, const PriceRule& rule, UserPort& user) {
+  constexpr std::string_view what = "La modifica dei prezzi";
+  const auto survey = surveyPrices(catalogue, change.selection);
+  if (!survey) {
+    tellInterrupted(user, what, survey.error());
+    return BulkEnd::Stay;
+  }
+  const PricePreview preview = previewPrices(*survey, rule);
+  if (!preview.beyond.empty()) {
+    tellBeyond(user, namesOf(*survey, preview.beyond));
+    return BulkEnd::Stay;
+  }
+  const auto written = walkKeepingRows(catalogue, [&] { return writePrices(catalogue, *survey, rule); });
+  if (written) return BulkEnd::Done;
+  tellInterrupted(user, what, written.error());
+  return BulkEnd::Interrupted;
+}
+
+}  // namespace
+
+BulkEnd ModificaPrezzi(Database& catalogue, const PriceChange& change, UserPort& user) {
+  const auto agreed = isAgreed(catalogue, change, user);
+  if (!agreed) {
+    tellInterrupted(user, "La modifica dei prezzi", agreed.error());
+    return BulkEnd::Stay;
+  }
+  if (!*agreed) return BulkEnd::Left;
+  const auto percentage = readPercentage(change.percentage);
+  if (!percentage) {
+    user.message(std::string(invalidPercentage), Icon::Exclamation);
+    return BulkEnd::Stay;
+  }
+  return write(catalogue, change, ruleOfPercentage(*percentage, change.whole), user);
+}
+
+Question variantQuestion(const VariantUse& use) {
+  std::string lines;
+  if (use.inOtherLists) lines += std::string(otherLists);
+  if (use.inOtherDepartments) lines += (lines.empty() ? "" : "\n") + std::string(otherDepartments);
+  if (lines.empty()) return {};
+  return {"Questa operazione può produrre risultati imprevisti nelle varianti:\n\n" + lines +
+              "\n\nVerrebbero dunque modificati anche i prezzi di reparti o listini non selezionati."
+              "\n\nSi desidera procedere ugualmente?",
+          Buttons::YesNo, Answer::No, Icon::Question};
+}
+
+Result<> walkKeepingRows(Database& catalogue, const std::function<Result<>()>& walk) {
+  if (auto begun = catalogue.begin(); !begun) return begun;
+  const auto walked = walk();
+  const auto kept = catalogue.commit();
+  return walked ? kept : walked;
+}
+
+void tellInterrupted(UserPort& user, std::string_view what, const Error& error) {
+  user.message(std::string(what) +
+                   " è stata interrotta da un errore.\nCiò che era già stato modificato rimane: il comando \"Annulla\" "
+                   "riporta tutto com'era prima.\n\nDettaglio: " +
+                   error.where + ": " + error.what,
+               Icon::Critical);
+}
+
+void tellBeyond(UserPort& user, const std::vector<std::string>& names) {
+  std::string text = "Alcuni prezzi supererebbero il valore massimo consentito; nulla è stato modificato:\n";
+  for (std::size_t i = 0; i < names.size() && i < mostNames; ++i) text += "\n" + names[i];
+  if (names.size() > mostNames) text += "\n...e altri " + std::to_string(names.size() - mostNames);
+  user.message(text, Icon::Exclamation);
+}
+
+std::string priceName(const SurveyedPrice& price) {
+  if (price.kind == PriceKind::Option) return "Variante";
+  return (price.kind == PriceKind::Offer ? "Offerta " : "Listino ") + std::to_string(price.listino);
+}
+
+std::string shownPrice(std::optional<Money> price, char decimalSeparator) {
+  if (!price) return "-";
+  const std::string text = formatNumber(*price, "###,###,###,##0.00##");
+  if (decimalSeparator == '.') return text;
+  return replaceAll(replaceAll(replaceAll(text, ",", "\1"), ".", ","), "\1", ".");
+}
+
+std::string previewSummary(const PriceSurvey& survey, const PricePreview& preview, const PriceRule& rule) {
+  std::string text =
+      "Prezzi da modificare: " + std::to_string(preview.changed.size()) + " di " + std::to_string(survey.prices.size());
+  if (preview.largest) {
+    const SurveyedPrice& price = survey.prices[*preview.largest];
+    text += "; variazione maggiore: " + shownPrice(price.before) + " -> " + shownPrice(Trasforma(price.before, rule)) +
+            " (" + survey.owners[price.owner].title + ", " + priceName(price) + ")";
+  }
+  if (preview.zeros > 0) text += "; diventano 0: " + std::to_string(preview.zeros);
+  if (!preview.beyond.empty()) text += "; oltre il massimo consentito: " + std::to_string(preview.beyond.size());
+  return text;
+}
+
+}  // namespace kv

@@ -1,0 +1,133 @@
+// The commands of prices, replication and settings in the main window: their entries, and one step of the history each.
+#include <gmock/gmock.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLayout>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+#include <QToolButton>
+
+#include "shell/window/frm_page.h"
+#include "wired_window.h"
+
+namespace kv {
+namespace {
+
+using test::click;
+using test::control;
+
+class BulkCommands : public test::WiredWindow {
+ protected:
+  std::string everything() {
+    std::string text;
+    for (const char* columns :
+         {"group_concat(ifnull(prezzo, '-') || ifnull(prezzo3, '-') || ifnull(titolo_l2, '-'))"}) {
+      text += stored(columns, "articoli");
+    }
+    return text + stored("ifnull(testo_email, '') || ifnull(vetalign, '') || ifnull(p3p, '')");
+  }
+  /// Runs a command, acts in its dialog, and expects one step that undo and redo move over.
+  void expectOneStep(Tab tab, const char* command, const char* title, const char* step,
+                     const std::function<void(QWidget&)>& act) {
+    goTab(tab);
+    const std::string before = everything();
+    whenShown(QString::fromUtf8(title), act);
+    EXPECT_TRUE(choose(command)) << command;
+    const std::string after = everything();
+    EXPECT_NE(after, before) << command;
+    EXPECT_EQ(window->workbench().history().undoName(), step);
+    EXPECT_TRUE(choose("undo"));
+    EXPECT_EQ(everything(), before) << command;
+    EXPECT_TRUE(choose("redo"));
+    EXPECT_EQ(everything(), after) << command;
+    EXPECT_TRUE(choose("undo"));
+  }
+};
+
+TEST_F(BulkCommands, AreEachOneStepOfTheHistory) {
+  openWindow();
+  expectOneStep(Tab::Departments, "prices.change", "Korvane - Variazione prezzi", "Modifica prezzi",
+                [](QWidget& dialog) {
+                  control<QCheckBox>(dialog, "chkListino0")->setChecked(true);
+                  control<QRadioButton>(dialog, "optEstensione1")->setChecked(true);
+                  control<QComboBox>(dialog, "cboVariazione")->setEditText(QStringLiteral("+10"));
+                  click(dialog, "cmdOK");
+                });
+  expectOneStep(Tab::Departments, "prices.replicate", "Korvane - Replica listini", "Replica listino",
+                [](QWidget& dialog) {
+                  control<QCheckBox>(dialog, "chkListino3")->setChecked(true);
+                  control<QComboBox>(dialog, "cboVariazione")->setEditText(QStringLiteral("-5"));
+                  click(dialog, "cmdOK");
+                });
+  expectOneStep(Tab::Site, "showcase", "Korvane - Impostazioni vetrina", "Impostazioni vetrina", [](QWidget& dialog) {
+    const bool isRight = control<QRadioButton>(dialog, "optAllineamento2")->isChecked();
+    control<QRadioButton>(dialog, isRight ? "optAllineamento0" : "optAllineamento2")->setChecked(true);
+    click(dialog, "cmdOK");
+  });
+}
+
+TEST_F(BulkCommands, OfLanguagesFillTheOneBeingEdited) {
+  openWindow();
+  ASSERT_GT(session.languageCount, 1);
+  user.answers = {Answer::Yes};
+  ASSERT_TRUE(session.catalogue.execute("UPDATE articoli SET titolo = titolo || ' nuovo'"));
+  window->workbench().CambiaLingua(2);
+  expectOneStep(Tab::Departments, "languages.replicate", "Korvane - Replica lingue", "Replica lingue",
+                [](QWidget& dialog) {
+                  control<QCheckBox>(dialog, "chkCopy2")->setChecked(true);
+                  // The question of the replication is asked through the test's user.
+                  click(dialog, "cmdOK");
+                });
+}
+
+TEST_F(BulkCommands, OfTheMailGoThroughTheFieldOfTheWindow) {
+  fill("UPDATE generale SET testo_email = 'Grazie'");
+  openWindow();
+  expectOneStep(Tab::Site, "orderMail", "Korvane - Testo e-mail di conferma", "Testo e-mail di conferma",
+                [](QWidget& dialog) {
+                  auto* field = control<QPlainTextEdit>(dialog, "txtTesto");
+                  EXPECT_EQ(fromQt(field->toPlainText()), "Grazie");
+                  field->setPlainText(QStringLiteral("Grazie\nA presto"));
+                  click(dialog, "cmdOK");
+                });
+  EXPECT_EQ(stored("testo_email"), "Grazie");
+}
+
+TEST_F(BulkCommands, OfThePrivacyPolicyHaveAButtonBesideTheField) {
+  fill("UPDATE generale SET p3p = 'NOI'");
+  openWindow();
+  goTab(Tab::Site);
+  EditorBinding* binding = window->page(Tab::Site).binding(EditedSet::Generale, "p3p");
+  ASSERT_NE(binding, nullptr);
+  ASSERT_NE(binding->row(), nullptr);
+  auto* button = qobject_cast<QToolButton*>(binding->row()->itemAt(1)->widget());
+  ASSERT_NE(button, nullptr);
+  EXPECT_EQ(fromQt(button->text()), "...");
+  EXPECT_FALSE(button->accessibleName().isEmpty());
+  whenShown(QStringLiteral("Korvane - Compact Privacy Policy"), [](QWidget& dialog) {
+    click(dialog, "cmdReset");
+    click(dialog, "cmdOK");
+  });
+  button->click();
+  EXPECT_EQ(fromQt(qobject_cast<QLineEdit*>(binding->field())->text()),
+            "ALL CUR ADM CONi PHY ONL UNI PUR COM NAV INT OUR STP");
+  EXPECT_TRUE(choose("undo"));
+  EXPECT_EQ(stored("p3p"), "NOI");
+}
+
+TEST_F(BulkCommands, LeftByEscapeMakeNoStep) {
+  openWindow();
+  goTab(Tab::Site);
+  for (const auto& [command, title] : {std::pair{"showcase", "Korvane - Impostazioni vetrina"},
+                                       std::pair{"requiredFields", "Korvane - Campi obbligatori"},
+                                       std::pair{"orderMail", "Korvane - Testo e-mail di conferma"}}) {
+    whenShown(QString::fromUtf8(title), [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_TRUE(choose(command)) << command;
+    EXPECT_FALSE(window->workbench().history().canUndo()) << command;
+  }
+}
+
+}  // namespace
+}  // namespace kv
