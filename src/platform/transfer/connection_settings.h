@@ -1,12 +1,12 @@
 #pragma once
-// How a server of files is reached: its address, who logs in, and what stands between it and this machine. A plain
+// How a server of files is reached: its address, who logs in, and what is between it and this machine. A plain
 // value; who reads it from a shop and its files is no matter of this room.
 
 #include <string>
 
 namespace kv {
 
-/// What stands between this machine and the server; the numbers are those of the shop's file.
+/// What is between this machine and the server; the numbers are those of the shop's file.
 enum class FirewallKind {
   None = 0,
   Socks4 = 1,      ///< SOCKS 4, a host name sent as SOCKS 4a
