@@ -1,0 +1,35 @@
+#include "platform/files/private_file.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+
+#include "platform/files/file_access.h"
+
+namespace kv {
+namespace {
+
+constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+constexpr mode_t groupAndOthers = S_IRWXG | S_IRWXO;
+
+}  // namespace
+
+Result<> restrictToOwner(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  if ((status.st_mode & groupAndOthers) == 0) return {};
+  if (::chmod(path.c_str(), status.st_mode & S_IRWXU) == 0) return {};
+  if (errno == ENOTSUP || errno == ENOSYS) return {};
+  return systemFailure(errno == EPERM ? EACCES : errno, path);
+}
+
+Result<> writePrivateBytes(const std::string& path, std::string_view bytes) {
+  // The replacement of an old file takes over its permissions.
+  if (auto closed = restrictToOwner(path); !closed && closed.error().kind != ErrorKind::Missing) return closed;
+  auto replacement = Replacement::begin(path, ownerOnly);
+  if (!replacement) return fail(replacement.error());
+  if (auto written = replacement->write(bytes); !written) return written;
+  return replacement->commit();
+}
+
+}  // namespace kv
