@@ -11,6 +11,7 @@
 namespace kv {
 namespace {
 
+constexpr const char* alreadyBusy = "un'altra operazione è in corso";
 constexpr int leavingSeconds = 5;  // a server that doesn't answer QUIT is left all the same
 constexpr std::size_t longestListing = std::size_t{16} * 1024 * 1024;
 constexpr int serverLeaves = transferOther + 421;
@@ -84,7 +85,7 @@ class FtpTransfer final : public Transfer {
 };
 
 TransferCompletion FtpTransfer::run(int silenceSeconds, const Work& work) {
-  if (busy_) return {transferOther, "un'altra operazione è in corso", {}};
+  if (busy_) return {transferOther, alreadyBusy, {}};
   busy_ = true;
   aborted_ = false;
   Patience patience([this] { return !aborted_ && (!events_.yield || events_.yield()) && !aborted_; }, silenceSeconds);
@@ -214,6 +215,7 @@ TransferCompletion FtpTransfer::list() {
 }
 
 TransferCompletion FtpTransfer::quit() {
+  if (busy_) return {transferOther, alreadyBusy, {}};
   if (!session_.control.isOpen()) return {};
   const int seconds = std::min(leavingSeconds, session_.settings.silenceSeconds);
   const auto completion = run(seconds, [this](Patience& patience) -> Result<std::string> {
