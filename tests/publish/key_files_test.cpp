@@ -177,7 +177,7 @@ TEST(FirewallSettings, WithoutAFirewallThePortIsEmpty) {
   EXPECT_NE(firewallSettingsText(zero).find("PORT: \r\n"), std::string::npos);
 }
 
-TEST(FirewallSettings, APortThatIsNoNumberIsPassedOnAsItStands) {
+TEST(FirewallSettings, APortThatIsNoNumberIsPassedOnUnchanged) {
   FirewallSettings settings = parseFirewallSettings("PORT: socks\r\nFPRT: ftps\r\n");
   EXPECT_EQ(settings.port, "socks");
   const ConnectionSettings connection = connectionOf({"h", "u", "p"}, settings, 60);
