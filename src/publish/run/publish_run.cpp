@@ -131,6 +131,7 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
     sent = sendFolders(job, uploader, parts);
     cancelled = uploader.cancelled();
     if (report != nullptr) *report = uploader.report();
+    if (!cancelled) parts.view.operation(reportText(uploader.report()));
     // Nobody is there any more to tell.
     parts.transfer.listen({});
   }
