@@ -47,10 +47,11 @@ demo: build
 
 # Every test once: the unit tests with the sanitizers, all the others with the programs as they are handed out. Both
 # runs come to their end, whatever the first finds.
-test: build
+test: deps
 	@cmake --preset asan
+	@cmake --preset programs
 	@cmake --build --preset asan --target unit_tests
-	@cmake --build --preset dev --target program_tests
+	@cmake --build --preset programs --target program_tests
 	@ctest --preset unit; unit=$$?; ctest --preset programs && exit $$unit
 
 asan: deps

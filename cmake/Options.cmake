@@ -10,7 +10,7 @@ if(KORVANE_TIDY)
   find_program(CLANG_TIDY NAMES clang-tidy clang-tidy-14 REQUIRED)
 endif()
 
-option(KORVANE_UNITY_TESTS "Compile several files of a test program at once; test names in unnamed namespaces must differ" OFF)
+option(KORVANE_UNITY "Compile several files of a target at once; names in unnamed namespaces of a folder must differ" OFF)
 option(KORVANE_SANITIZE "Address and undefined behaviour sanitizers, without recovery" OFF)
 
 add_library(korvane_options INTERFACE)
@@ -19,6 +19,9 @@ target_compile_definitions(korvane_options INTERFACE KORVANE_VERSION="${PROJECT_
 target_compile_options(korvane_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
   -Wold-style-cast -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wimplicit-fallthrough)
+if(KORVANE_UNITY)
+  target_compile_options(korvane_options INTERFACE -Wno-shadow)  # the next file's names are global in this one
+endif()
 # GCC 12 sees overlapping copies in std::string that aren't there (its bug 105329).
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(korvane_options INTERFACE -Wno-restrict)
@@ -47,5 +50,14 @@ endif()
 function(korvane_tidy target)
   if(KORVANE_TIDY)
     set_target_properties(${target} PROPERTIES CXX_CLANG_TIDY "${CMAKE_SOURCE_DIR}/tools/quiet-clang-tidy;${CLANG_TIDY};--quiet")
+  endif()
+endfunction()
+
+# korvane_unity(TARGET FILES): several files of a target are compiled at once, when the preset asks for it. The headers of
+# the standard library and of Qt are most of a file's compilation, and the same in each. A name in an unnamed namespace may
+# then not be that of another file of the folder, nor hide one.
+function(korvane_unity target files)
+  if(KORVANE_UNITY)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${files})
   endif()
 endfunction()

@@ -3,6 +3,7 @@
 #include <QClipboard>
 
 #include "forms/driven_window.h"
+#include "shell/window/frm_field_mark.h"
 
 namespace kv::test {
 namespace {
@@ -26,6 +27,19 @@ class TypedFields : public DrivenWindow {
     type(line(set, column), keys);
     processEvents();
     return fromQt(line(set, column).text());
+  }
+  /// Replaces the whole text of a field by one from the clipboard; what the field shows then.
+  std::string pasting(EditedSet set, std::string_view column, const char* text) {
+    QLineEdit& into = line(set, column);
+    into.setFocus();
+    into.selectAll();
+    QApplication::clipboard()->setText(QString::fromUtf8(text));
+    key(Qt::Key_V, Qt::ControlModifier);
+    return fromQt(into.text());
+  }
+  /// What is said beside a field; empty when it has no mark.
+  std::string mark(EditedSet set, std::string_view column) {
+    return fromQt(line(set, column).findChild<FieldMark*>()->reason());
   }
   std::string stored(std::string_view column, std::string_view from) {
     return scalar("SELECT " + std::string(column) + " FROM " + std::string(from));
@@ -67,31 +81,69 @@ TEST_F(TypedFields, APriceIsClippedToTheRangeOfMoney) {
   EXPECT_EQ(stored("prezzo", article), "922337203685477.5807");
 }
 
-TEST_F(TypedFields, APriceThatHoldsNoNumberBecomesZeroAndTheSaveGoesOn) {
+TEST_F(TypedFields, WhatIsNoNumberIsMarkedAndTheFormerValueStays) {
+  run(shop, "UPDATE articoli SET peso = 2, prezzo = 10000, offertaprezzo = 30000 WHERE ID = 1");
   open();
   goArticle(0);
-  for (const char* column : {"prezzo", "offertaprezzo", "scqart0", "scqperc0"}) {
-    EXPECT_EQ(typed(Articoli, column, "1"), "1") << column;
-  }
-  EXPECT_EQ(typed(Articoli, "prezzo", ",,"), "0");
-  EXPECT_EQ(typed(Articoli, "offertaprezzo", "1,2,3"), "0");
+  EXPECT_EQ(typed(Articoli, "prezzo", ",,"), "1");
+  EXPECT_EQ(mark(Articoli, "prezzo"), "\",,\" non è un numero: è rimasto il valore precedente.");
+  EXPECT_EQ(typed(Articoli, "offertaprezzo", "1,2,3"), "3");
+  EXPECT_EQ(typed(Articoli, "peso", "1,2,3"), "2");
+  EXPECT_EQ(mark(Articoli, "peso"), "\"1,2,3\" non è un numero: è rimasto il valore precedente.");
+  EXPECT_EQ(rows("SELECT prezzo, offertaprezzo, peso FROM articoli WHERE ID = 1"), "10000|30000|2.0");
+  EXPECT_TRUE(user.shown.empty());
+  goArticle(1);
+  EXPECT_EQ(mark(Articoli, "peso"), "") << "the mark is of the other article";
+}
+
+TEST_F(TypedFields, AQuantityThatIsClearedBecomesZeroAndAPercentWithoutDigitsToo) {
+  open();
+  goArticle(0);
+  EXPECT_EQ(typed(Articoli, "scqart0", "1"), "1");
   line(Articoli, "scqart0").setFocus();
   line(Articoli, "scqart0").selectAll();
   key(Qt::Key_Delete);
   leave(line(Articoli, "scqart0"));
   EXPECT_EQ(typed(Articoli, "scqperc0", ","), "0");
-  EXPECT_EQ(rows("SELECT prezzo, offertaprezzo, scqart0, scqperc0 FROM articoli WHERE ID = 1"), "0|0|0|0.0");
-  EXPECT_TRUE(user.shown.empty());
+  EXPECT_EQ(rows("SELECT scqart0, scqperc0 FROM articoli WHERE ID = 1"), "0|0.0");
 }
 
-TEST_F(TypedFields, AWeightThatHoldsNoNumberIsToldAndKeepsItsRow) {
-  run(shop, "UPDATE articoli SET peso = 2 WHERE ID = 1");
+TEST_F(TypedFields, ARefusedKeySaysSoBesideTheField) {
   open();
   goArticle(0);
-  EXPECT_EQ(typed(Articoli, "peso", "1,2,3"), "2");
-  ASSERT_EQ(user.shown.size(), 1U);
-  EXPECT_EQ(user.shown[0].icon, Icon::Critical);
-  EXPECT_EQ(stored("peso", article), "2");
+  EXPECT_EQ(typing(Articoli, "prezzo", "-5"), "5");
+  EXPECT_EQ(mark(Articoli, "prezzo"), "Il carattere \"-\" non è ammesso in questo campo.");
+  leave(line(Articoli, "prezzo"));
+  EXPECT_NE(mark(Articoli, "prezzo"), "") << "the 5 was stored, and is not what was typed";
+  EXPECT_EQ(typing(Articoli, "prezzo", "7"), "7");
+  EXPECT_EQ(mark(Articoli, "prezzo"), "");
+}
+
+TEST_F(TypedFields, TheDecimalKeyOfTheNumberPadTypesTheDecimalSeparator) {
+  open();
+  goArticle(0);
+  typing(Articoli, "prezzo", "12");
+  key(Qt::Key_Period, Qt::KeypadModifier);
+  key(Qt::Key_5);
+  EXPECT_EQ(fromQt(line(Articoli, "prezzo").text()), "12,5");
+}
+
+TEST_F(TypedFields, APastedNumberIsReadInBothNotations) {
+  open();
+  goArticle(0);
+  EXPECT_EQ(pasting(Articoli, "prezzo", "12.50"), "12,50");
+  EXPECT_EQ(mark(Articoli, "prezzo"), "");
+  EXPECT_EQ(pasting(Articoli, "prezzo", "1.250"), "1250");
+  EXPECT_EQ(mark(Articoli, "prezzo"), "\"1.250\" è stato letto come 1250. Se era 1,250, correggerlo.");
+  leave(line(Articoli, "prezzo"));
+  EXPECT_EQ(stored("prezzo", article), "1250");
+  EXPECT_NE(mark(Articoli, "prezzo"), "") << "it stays to be seen after the field is left";
+  for (const char* text : {"-5", "1e5", "1,2,3"}) {
+    EXPECT_EQ(pasting(Articoli, "prezzo", text), "1250") << text;
+    EXPECT_EQ(mark(Articoli, "prezzo"),
+              "\"" + std::string(text) + "\" non è un numero: è rimasto il valore precedente.");
+  }
+  EXPECT_EQ(pasting(Articoli, "codice", "TR-77\r\n"), "TR-77");
 }
 
 struct Cut {

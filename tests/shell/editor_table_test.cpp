@@ -120,27 +120,59 @@ TEST_F(FieldStoreTest, ADepartmentTitleReachesTheTree) {
   EXPECT_EQ(view.told.back(), "title cat001=Orci");
 }
 
-TEST_F(FieldStoreTest, PricesQuantitiesAndPercentsThatHoldTextBecomeZero) {
+TEST_F(FieldStoreTest, PricesQuantitiesAndPercentsThatHoldTextBecomeZeroWhenTheRowIsSaved) {
   start();
   article(0);
-  leave(EditedSet::Articoli, "prezzo", "1,2,3");
-  leave(EditedSet::Articoli, "offertaprezzo", ",");
-  leave(EditedSet::Articoli, "scqart0", "x");
-  leave(EditedSet::Articoli, "scqperc0", "");
-  leave(EditedSet::Generale, "sconto", "x");
+  UndoHistory history(bench->sets());
+  FieldStore fields(bench->sets(), history, ',');
+  for (const auto& [column, text] : {std::pair{"prezzo", "1,2,3"}, {"offertaprezzo", ","}, {"scqart0", "x"}}) {
+    EXPECT_TRUE(fields.leave(*editorOf(EditedSet::Articoli, column), text).done) << column;
+  }
+  EXPECT_TRUE(fields.leave(*editorOf(EditedSet::Generale, "sconto"), "x").done);
   EXPECT_EQ(stored("prezzo, offertaprezzo, scqart0", "articoli WHERE ID = 1"), "0|0|0\n");
   EXPECT_EQ(stored("COALESCE(sconto, 0)"), "0.0\n");
-  EXPECT_TRUE(user.shown.empty());
 }
 
 TEST_F(FieldStoreTest, AnyOtherNumberThatHoldsTextKeepsTheEnginesMessage) {
   start();
   article(0);
-  leave(EditedSet::Articoli, "peso", "1,2,3");
-  ASSERT_EQ(user.shown.size(), 1U);
-  EXPECT_EQ(user.shown[0].icon, Icon::Critical);
+  UndoHistory history(bench->sets());
+  FieldStore fields(bench->sets(), history, ',');
+  const auto outcome = fields.leave(*editorOf(EditedSet::Articoli, "peso"), "1,2,3");
+  ASSERT_FALSE(outcome.done);
+  EXPECT_EQ(outcome.done.error().kind, ErrorKind::TextInNumber);
   EXPECT_EQ(stored("peso", "articoli WHERE ID = 1"), "null\n");
-  EXPECT_EQ(shown(EditedSet::Articoli, "peso"), "");
+}
+
+TEST_F(FieldStoreTest, ATextThatIsNoNumberIsMarkedAndTheFormerValueStays) {
+  start();
+  article(0);
+  for (const char* text : {"1,2,3", "-5,", "1e5", ","}) {
+    for (const char* column : {"prezzo", "peso"}) {
+      const Workbench::LeftField left = bench->leaveField(*editorOf(EditedSet::Articoli, column), text);
+      EXPECT_TRUE(left.saved);
+      EXPECT_EQ(left.mark, "\"" + std::string(text) + "\" non è un numero: è rimasto il valore precedente.");
+    }
+  }
+  EXPECT_EQ(stored("prezzo, peso", "articoli WHERE ID = 1"), "145000|null\n");
+  EXPECT_TRUE(user.shown.empty());
+  EXPECT_FALSE(bench->history().canUndo());
+}
+
+TEST_F(FieldStoreTest, AQuantityWithDecimalsIsNotRoundedInSilence) {
+  start();
+  leave(EditedSet::Generale, "qminima", "3");
+  const Workbench::LeftField left = bench->leaveField(*editorOf(EditedSet::Generale, "qminima"), "2,5");
+  EXPECT_EQ(left.mark, "\"2,5\" non è un numero intero: è rimasto il valore precedente.");
+  EXPECT_EQ(stored("qminima"), "3\n");
+}
+
+TEST_F(FieldStoreTest, LineEndsAndTabsNeverEnterAFieldOfOneLine) {
+  start();
+  article(0);
+  leave(EditedSet::Articoli, "codice", "\tTR-77\r\n");
+  leave(EditedSet::Articoli, "titolo", "Vaso \n blu\tscuro");
+  EXPECT_EQ(stored("codice, titolo", "articoli WHERE ID = 1"), "TR-77|Vaso blu scuro\n");
 }
 
 TEST_F(FieldStoreTest, ASettingThatIsNoNumberGoesBackToTheLastGoodOne) {

@@ -66,7 +66,8 @@ TEST(FieldRules, AnAmountGoesBackToTheLastGoodOneAndIsNormalisedWhenLeft) {
 TEST(FieldRules, TheMostArticlesOfAPageAreDigits) {
   EXPECT_EQ(typed(FieldKind::WholeNumber, "1-2x5"), "125");
   EXPECT_FALSE(keyTyped(FieldKind::WholeNumber, ",", ',').accepted);
-  EXPECT_EQ(pasted(FieldKind::WholeNumber, "1.250,75", ','), "1250");
+  EXPECT_EQ(pastedNumber(FieldKind::WholeNumber, "1.250,75", ',').text, "1250");
+  EXPECT_EQ(pastedNumber(FieldKind::WholeNumber, "12.7", ',').text, "12");
   EXPECT_EQ(changedText(FieldKind::WholeNumber, "12,7", "", ','), "12");
 }
 

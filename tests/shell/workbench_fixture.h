@@ -32,10 +32,12 @@ class FakeView final : public WorkbenchView {
   int listino = 0, busy = 0, mostBusy = 0, edits = 0;
   std::multiset<EditedSet> fields;
   bool hidden = false, closed = false;
+  bool canFinish = true;  ///< false: what is being typed can't be saved
 
-  void finishEdits() override {
+  bool finishEdits() override {
     ++edits;
     if (const auto action = std::exchange(typing, nullptr)) action();
+    return canFinish;
   }
   void showTab(Tab shown) override { tab = shown; }
   void enableKey(std::string_view key, bool on) override { enabled[std::string(key)] = on; }

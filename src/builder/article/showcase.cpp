@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "builder/values/line_end.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
@@ -10,7 +11,6 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view lineEnd = "\r\n";
 constexpr int defaultColumns = 3;
 constexpr int mostColumns = 10;
 constexpr int fullWidth = 100;  // percent

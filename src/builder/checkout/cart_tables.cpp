@@ -1,5 +1,6 @@
 #include "builder/checkout/cart_tables.h"
 
+#include "builder/values/line_end.h"
 #include "platform/numbers/number_format.h"
 #include "store/schema/schema.h"
 #include "tags/engine/tag_engine.h"
@@ -8,7 +9,6 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view lineEnd = "\r\n";
 constexpr std::int64_t mostSlots = std::int64_t{paymentMethods} * shippingZones;
 
 // Runs in every page: hands the cart what the server knows of the visitor.

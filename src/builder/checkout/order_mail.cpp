@@ -2,14 +2,13 @@
 
 #include <array>
 
+#include "builder/values/line_end.h"
 #include "platform/text/text.h"
 #include "tags/engine/tag_engine.h"
 
 namespace kv {
 
 namespace {
-
-constexpr std::string_view lineEnd = "\r\n";
 
 struct MailTag {
   std::string_view tag, php, perl;

@@ -4,6 +4,7 @@
 
 #include "builder/checkout/order_mail.h"
 #include "builder/values/html_text.h"
+#include "builder/values/line_end.h"
 #include "builder/values/link_naming.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
@@ -14,8 +15,6 @@
 namespace kv {
 
 namespace {
-
-constexpr std::string_view lineEnd = "\r\n";
 
 std::string includeBlock(std::string_view script, std::string_view lingua) {
   std::string out = "<?php\r\ninclude \"";

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <unordered_set>
 
+#include "builder/values/line_end.h"
 #include "builder/values/link_naming.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
@@ -12,7 +13,6 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view lineEnd = "\r\n";
 constexpr std::string_view sizeMask = "#####";
 constexpr std::string_view hardBlank = "&nbsp;";
 

@@ -10,6 +10,7 @@
 
 #include "platform/qt/frm_dialog.h"
 #include "shell/window/frm_field.h"
+#include "shell/window/frm_field_mark.h"
 #include "shell/window/frm_picture.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/variant_commands.h"
@@ -18,8 +19,6 @@ namespace kv {
 namespace {
 
 constexpr int numberWidth = 12;  // average characters
-
-bool isNumberKind(FieldKind kind) { return kind == FieldKind::WholeNumber || isDecimalKind(kind); }
 
 QStringList listOf(const std::vector<std::string>& texts) {
   QStringList list;
@@ -70,6 +69,7 @@ void EditorBinding::adopt(QWidget* field) {
   field->setToolTip(toQt(editor_.toolTip));
   field->setAccessibleName(toQt(plainLabel(editor_.label)));
   field->setAccessibleDescription(toQt(editor_.toolTip));
+  if (mark_ == nullptr) mark_ = new FieldMark(field);
   if (auto* list = qobject_cast<QComboBox*>(field)) list->view()->setAccessibleName(field->accessibleName());
 }
 
@@ -85,6 +85,9 @@ void EditorBinding::addUnit(QWidget* field) {
 
 void EditorBinding::edited() {
   if (loading_) return;
+  // What was said while this text was typed stays until it is typed into again: "-5" leaves a 5 that nobody meant.
+  if (!dirty_ && !noted_) mark_->clear();
+  noted_ = false;
   dirty_ = true;
   emit typed(read_());
 }
@@ -101,13 +104,26 @@ void EditorBinding::makeLine(bool hidden) {
   connect(line, &QLineEdit::textEdited, this, &EditorBinding::edited);
   connect(line, &QLineEdit::editingFinished, this, &EditorBinding::commit);
   connect(line, &QLineEdit::returnPressed, this, &EditorBinding::entered);
-  connect(line, &FieldLine::givenUp, this, [this] {
-    dirty_ = false;
-    show();
-    emit typed(read_());
-  });
+  follow(line);
   addUnit(line);
   adopt(line);
+}
+
+void EditorBinding::giveUp() {
+  dirty_ = false;
+  workbench_.giveUpField(editor_);
+  mark_->clear();
+  show();
+  emit typed(read_());
+}
+
+void EditorBinding::follow(FieldLine* line) {
+  mark_ = new FieldMark(line);
+  connect(line, &FieldLine::givenUp, this, &EditorBinding::giveUp);
+  connect(line, &FieldLine::noted, this, [this](const QString& note) {
+    noted_ = true;  // said of the text that is about to change
+    mark_->show(note);
+  });
 }
 
 void EditorBinding::makeMemo() {
@@ -185,10 +201,7 @@ void EditorBinding::makeCombo() {
     edited();
     commit();
   });
-  connect(line, &FieldLine::givenUp, this, [this] {
-    dirty_ = false;
-    show();
-  });
+  follow(line);
   addUnit(list);
   adopt(list);
 }
@@ -237,6 +250,7 @@ void EditorBinding::makeShown() {
 
 void EditorBinding::show() {
   if (dirty_) return;
+  if (!saving_) mark_->clear();  // it was about another row, or another text
   loading_ = true;
   if (auto* line = qobject_cast<QLineEdit*>(field_); line != nullptr && editor_.control != Control::Variant) {
     const int widest = workbench_.widest(editor_);
@@ -253,10 +267,21 @@ void EditorBinding::refreshEnabled() {
   if (label_ != nullptr) label_->setEnabled(enabled);
 }
 
-void EditorBinding::commit() {
-  if (!dirty_) return;
+bool EditorBinding::commit() {
+  if (!dirty_) return true;
+  if (saving_) return false;  // a message about it is open, and has taken the focus
+  saving_ = true;
   dirty_ = false;
-  workbench_.leaveField(editor_, fromQt(read_()));
+  const QString text = read_();
+  const Workbench::LeftField left = workbench_.leaveField(editor_, fromQt(text));
+  if (!left.saved) {
+    preview(text);
+    dirty_ = true;
+  }
+  // How a number was read is worth seeing while it is shown.
+  if (!left.mark.empty()) mark_->show(toQt(left.mark));
+  saving_ = false;
+  return left.saved;
 }
 
 void EditorBinding::preview(const QString& text) {

@@ -14,6 +14,8 @@ class QLayout;
 
 namespace kv {
 
+class FieldLine;
+class FieldMark;
 class PicturePreview;
 
 /// The window's actions by the names of their commands.
@@ -50,8 +52,9 @@ class EditorBinding final : public QObject {
   /// Called when a mask or a setting that it depends on has changed.
   void refreshEnabled();
   /// Hands what was typed to the workbench.
-  /// Nothing when nothing was typed since the last time. A failure is told to the user by the workbench.
-  void commit();
+  /// Nothing when nothing was typed since the last time. False when it could not be saved: the workbench has told the
+  /// user, and the field keeps what was typed, with a mark.
+  bool commit();
   /// Shows a text that follows from another field that is being typed.
   /// It isn't saved, and does nothing while this field itself has something to be saved.
   void preview(const QString& text);
@@ -79,6 +82,10 @@ class EditorBinding final : public QObject {
   void adopt(QWidget* field);
   /// The user changed the control: it is to be saved. Nothing while the program changes it.
   void edited();
+  /// Escape was typed: the field shows the row again.
+  void giveUp();
+  /// Connects what a line says about its text.
+  void follow(FieldLine* line);
   /// Puts the unit of the table after the control; nothing for a row without one.
   void addUnit(QWidget* field);
 
@@ -92,8 +99,11 @@ class EditorBinding final : public QObject {
   // How the text of the control is read and set, whatever it is.
   std::function<QString()> read_;
   std::function<void(const QString&)> write_;
-  bool dirty_ = false;    ///< typed into and not saved
-  bool loading_ = false;  ///< the program changes it, not the user
+  FieldMark* mark_ = nullptr;  ///< set by adopt() at the latest
+  bool dirty_ = false;         ///< typed into and not saved
+  bool saving_ = false;        ///< the workbench has been handed the text
+  bool noted_ = false;         ///< something was said of the text that is being typed
+  bool loading_ = false;       ///< the program changes it, not the user
 };
 
 }  // namespace kv

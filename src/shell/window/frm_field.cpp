@@ -16,8 +16,27 @@ FieldFilter::FieldFilter(FieldKind kind, char decimalSeparator, QLineEdit* line)
   connect(line, &QLineEdit::textChanged, this, [this](const QString& text) { held_ = text; });
 }
 
+QString FieldFilter::filtered(const QString& fresh) const {
+  const std::string typed = fromQt(key_ ? fresh : toQt(singleLine(fromQt(fresh))));
+  const QString kept = toQt(pasted(kind_, typed, separator_));
+  if (key_ && kept.isEmpty() && !fresh.isEmpty() && note) note(toQt(refusedKeyNote(typed)));
+  return kept;
+}
+
+QString FieldFilter::numberOf(const QString& text) const {
+  const NumberReading reading = pastedNumber(kind_, fromQt(text), separator_);
+  if (!reading.note.empty() && note) note(toQt(reading.note));
+  return reading.isNumber ? toQt(reading.text) : held_;
+}
+
 QValidator::State FieldFilter::validate(QString& text, int& position) const {
   if (text == held_) return Acceptable;
+  if (!key_ && isNumberKind(kind_)) {
+    const QString number = numberOf(text);
+    if (number != text) position = static_cast<int>(number.size());
+    text = number;
+    return Acceptable;
+  }
   // What is new is between what has stayed at the start and what has stayed at the end.
   const qsizetype most = std::min(text.size(), held_.size());
   qsizetype front = 0;
@@ -25,7 +44,7 @@ QValidator::State FieldFilter::validate(QString& text, int& position) const {
   qsizetype back = 0;
   while (back < most - front && text[text.size() - 1 - back] == held_[held_.size() - 1 - back]) ++back;
   const QString fresh = text.mid(front, text.size() - front - back);
-  const QString kept = toQt(pasted(kind_, fromQt(fresh), separator_));
+  const QString kept = filtered(fresh);
   if (kept == fresh) return Acceptable;
   text = text.left(front) + kept + text.right(back);
   position = static_cast<int>(front + kept.size());
@@ -38,6 +57,7 @@ FieldLine::FieldLine(FieldKind kind, char decimalSeparator, QWidget* parent)
       kind_(kind),
       separator_(decimalSeparator) {
   setValidator(filter_);
+  filter_->note = [this](const QString& note) { emit noted(note); };
   connect(this, &QLineEdit::textEdited, this, &FieldLine::applyChange);
 }
 
@@ -64,7 +84,17 @@ void FieldLine::keyPressEvent(QKeyEvent* event) {
     emit givenUp();
     return;
   }
-  QLineEdit::keyPressEvent(event);
+  const bool isDecimalKey = event->modifiers().testFlag(Qt::KeypadModifier) &&
+                            (event->key() == Qt::Key_Period || event->key() == Qt::Key_Comma);
+  const bool isCommand = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+  filter_->expectKey(!isCommand && !event->text().isEmpty() && event->text().front().isPrint());
+  if (isDecimalKey && isDecimalKind(kind_)) {
+    QKeyEvent separator(QEvent::KeyPress, event->key(), Qt::NoModifier, QString(QLatin1Char(separator_)));
+    QLineEdit::keyPressEvent(&separator);
+  } else {
+    QLineEdit::keyPressEvent(event);
+  }
+  filter_->expectKey(false);
 }
 
 namespace {

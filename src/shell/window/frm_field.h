@@ -25,11 +25,20 @@ class FieldFilter final : public QValidator {
   State validate(QString& text, int& position) const override;
   /// The text as the program sets it, which isn't filtered.
   void hold(const QString& text) { held_ = text; }
+  /// Whether what comes next is a single key; else it is pasted, dropped or undone.
+  void expectKey(bool key) { key_ = key; }
+  /// Called with what is to be said beside the field: a refused key, a number that was read in one of two ways.
+  std::function<void(const QString&)> note;
 
  private:
+  /// What is left of the characters that are new in a text.
+  QString filtered(const QString& fresh) const;
+  /// The text with a number pasted into it, in the field's own notation; the text before when it is none.
+  QString numberOf(const QString& text) const;
   FieldKind kind_;  ///< whose rules apply
   char separator_;
   QString held_;  ///< let through whatever it holds
+  bool key_ = false;
 };
 
 /// One line. While it is being typed into, a number is brought within its limits.
@@ -46,9 +55,12 @@ class FieldLine : public QLineEdit {
  signals:
   /// The user typed Escape: what was there before is to be shown again.
   void givenUp();
+  /// Something is to be said beside the field about what was typed or pasted last.
+  void noted(const QString& note);
 
  protected:
-  /// Escape alone emits givenUp; every other key is that of a line.
+  /// Escape alone emits givenUp. The decimal key of the number pad types the decimal separator, whatever the layout of
+  /// the keyboard prints on it. Every other key is that of a line.
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

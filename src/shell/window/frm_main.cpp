@@ -129,10 +129,10 @@ void frmMain::typed(const EditorBinding& binding, const QString& text) {
   if (editor.column == "prezzo") articles_->articles().preview(row, ArticleModel::Price, text);
 }
 
-void frmMain::finishEdits() {
-  for (EditorPage* page : pages_) {
-    if (page != nullptr) page->commit();
-  }
+bool frmMain::finishEdits() {
+  bool saved = true;
+  for (EditorPage* page : pages_) saved = (page == nullptr || page->commit()) && saved;
+  return saved;
 }
 
 void frmMain::showTab(Tab tab) {
@@ -197,7 +197,7 @@ void frmMain::hideDetails(bool hidden) {
 void frmMain::close() { QMainWindow::close(); }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-  finishEdits();
+  if (!workbench_.mayLeave()) return event->ignore();
   // The guide gives back the room that it took, before the geometry is stored.
   if (auto* guide = findChild<QDialog*>(QStringLiteral("frmIntro"))) guide->close();
   keepLayout();

@@ -59,7 +59,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
 
   // WorkbenchView
   // Each as WorkbenchView says. A panel that is hidden is kept up to date too.
-  void finishEdits() override;
+  bool finishEdits() override;
   void showTab(Tab tab) override;
   void enableKey(std::string_view key, bool enabled) override;
   /// Starts the timer that refreshes the menus.

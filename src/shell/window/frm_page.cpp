@@ -163,8 +163,10 @@ void EditorPage::showListino(int listino) {
   }
 }
 
-void EditorPage::commit() {
-  for (EditorBinding* binding : bindings_) binding->commit();
+bool EditorPage::commit() {
+  bool saved = true;
+  for (EditorBinding* binding : bindings_) saved = binding->commit() && saved;
+  return saved;
 }
 
 EditorBinding* EditorPage::binding(EditedSet set, std::string_view column) const {

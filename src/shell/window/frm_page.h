@@ -30,8 +30,9 @@ class EditorPage final : public QScrollArea {
   /// From 0, the base list, to 9; the workbench isn't told again.
   void showListino(int listino);
   /// Hands what is being typed to the workbench.
-  /// Each field that was typed into becomes one step of the history; the others do nothing.
-  void commit();
+  /// Each field that was typed into becomes one step of the history; the others do nothing. False when one of them
+  /// could not be saved.
+  bool commit();
   /// The editor of a column; null when this page has none.
   /// Owned by the page.
   EditorBinding* binding(EditedSet set, std::string_view column) const;

@@ -73,7 +73,7 @@ void Workbench::AggiornaSchede() {
 }
 
 void Workbench::selectTab(Tab tab) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return view_.showTab(tab_);
   tab_ = tab;
   AggiornaSchede();
 }
@@ -138,7 +138,7 @@ void Workbench::titleChanged(const std::string& department, const std::string& t
 void Workbench::statusChanged() { view_.showStatus(sets_.statusLine()); }
 
 void Workbench::CambiaLingua(int language) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return view_.showLanguages();
   Result<> changed;
   {
     const BusyGuard busy(view_);
@@ -155,7 +155,7 @@ void Workbench::MostraLingue() {
 }
 
 void Workbench::selectListino(int listino) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return view_.showListino(fields_.listino());
   fields_.selectListino(std::clamp(listino, 0, listini - 1));
   view_.showListino(fields_.listino());
   view_.articlesChanged();
@@ -163,20 +163,20 @@ void Workbench::selectListino(int listino) {
 }
 
 void Workbench::goToDepartment(const std::string& ID) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return view_.selectDepartment(sets_.department());
   if (!isOpen() || (ID == sets_.department() && sets_.onDepartment())) return;
   const auto found = sets_.goToDepartment(ID);
   if (!found) showError(fail(found.error()));
 }
 
 void Workbench::goToArticleAt(std::size_t index) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return view_.selectArticle();
   if (!isOpen() || (sets_.onArticle() && sets_.dataArticoli().position() == index)) return;
   sets_.goToArticlePlace(index);
 }
 
 void Workbench::MostraArticolo(std::int64_t ID) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return;
   const auto found = sets_.MostraArticolo(ID);
   if (!found) return showError(fail(found.error()));
   if (*found) selectTab(Tab::Articles);
@@ -198,7 +198,7 @@ bool Workbench::canMoveNode(const std::string& key, const std::string& nuovoPare
 }
 
 void Workbench::SpostaNodo(const std::string& key, const std::string& nuovoParent) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return;
   if (!canMoveNode(key, nuovoParent)) return;
   Result<> moved;
   {
@@ -209,16 +209,47 @@ void Workbench::SpostaNodo(const std::string& key, const std::string& nuovoParen
   view_.entriesChanged();
 }
 
-void Workbench::leaveField(const Editor& editor, const std::string& text) {
-  if (!isOpen()) return;
+Workbench::LeftField Workbench::leaveField(const Editor& editor, const std::string& text) {
+  if (!isOpen()) return {};
+  if (const std::string refusal = fields_.refusal(editor, text); !refusal.empty()) {
+    view_.fieldsChanged(editor.set);
+    return {true, refusal};
+  }
   const FieldStore::Outcome outcome = fields_.leave(editor, text);
-  showError(outcome.done);
+  if (!outcome.done) return refuseField(editor, text, outcome.done.error());
+  unsaved_.erase(&editor);
   view_.fieldsChanged(editor.set);
-  if (!outcome.written) return;
+  if (!outcome.written) return {};
   if (editor.column == "template") editing_.showModel(text);
   refreshTabKeys();
   view_.entriesChanged();
   if (!outcome.note.empty()) env_.user.message(outcome.note, Icon::Exclamation);
+  return {};
+}
+
+/// A value that the column doesn't take goes back to the former one. Any other failure may pass: tree and list show
+/// what is stored, the field what was typed.
+Workbench::LeftField Workbench::refuseField(const Editor& editor, const std::string& text, const Error& error) {
+  const std::string message = failureText(error, plainLabel(editor.label));
+  if (error.kind == ErrorKind::TextInNumber || error.kind == ErrorKind::Malformed) {
+    view_.fieldsChanged(editor.set);
+    env_.user.message(message, Icon::Critical);
+    return {true, message};
+  }
+  std::string& known = unsaved_[&editor];
+  const bool isTold = !known.empty() && known == text;
+  known = text;
+  view_.fieldsChanged(editor.set);
+  if (editor.kind == FieldKind::DepartmentTitle) view_.departmentTitle(sets_.department(), fields_.shown(editor));
+  if (!isTold) env_.user.message(message, Icon::Critical);
+  return {false, "Non salvato. " + message};
+}
+
+bool Workbench::mayLeave() {
+  if (view_.finishEdits()) return true;
+  return env_.user.question(
+             {"Alcune modifiche non sono state salvate e andranno perse.\nSi desidera uscire ugualmente?",
+              Buttons::YesNo, Answer::No, Icon::Exclamation}) == Answer::Yes;
 }
 
 bool Workbench::isEditorEnabled(const Editor& editor) {
@@ -256,7 +287,7 @@ void Workbench::showError(const Result<>& outcome) {
 }
 
 void Workbench::editThrough(std::string_view step, const WorkbenchDialogs::Dialog& dialog) {
-  view_.finishEdits();
+  if (!view_.finishEdits()) return;
   bool changed = false;
   showError(history_.record(std::string(step), [&]() -> Result<> {
     changed = dialog();

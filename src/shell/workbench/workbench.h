@@ -4,6 +4,7 @@
 // hands it what the user does.
 
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -65,8 +66,18 @@ class Workbench final : private SetsListener {
 
   /// What the field shows of the current row.
   std::string shown(const Editor& editor) { return fields_.shown(editor); }
-  /// Saves a field that is left with this text, and shows what has become of it.
-  void leaveField(const Editor& editor, const std::string& text);
+  /// What became of a field that was left.
+  struct LeftField {
+    bool saved = true;  ///< false: the row could not be written, and the field keeps what was typed
+    std::string mark;   ///< what to say beside the field; empty: nothing
+  };
+  /// Saves a field that is left with this text, and shows what has become of it. A failure is told once for a text, and
+  /// shown by the mark whenever the same text fails again.
+  LeftField leaveField(const Editor& editor, const std::string& text);
+  /// What was typed into a field and could not be saved is given up.
+  void giveUpField(const Editor& editor) { unsaved_.erase(&editor); }
+  /// Whether the window may go: everything typed is saved, or the user lets it be lost. Asks with No as the default.
+  bool mayLeave();
   /// Whether the field can be typed into now.
   bool isEditorEnabled(const Editor& editor);
   /// What the drop-down of a field offers.
@@ -113,6 +124,7 @@ class Workbench final : private SetsListener {
 
   void refreshStates();
   void refreshTabKeys();
+  LeftField refuseField(const Editor& editor, const std::string& text, const Error& error);
 
   Session& session_;
   Environment& env_;
@@ -125,6 +137,7 @@ class Workbench final : private SetsListener {
   WorkbenchCommands commands_;
   Tab tab_ = Tab::Departments;
   bool detailsHidden_ = false;
+  std::map<const Editor*, std::string> unsaved_;  ///< what was typed and could not be saved
 };
 
 }  // namespace kv

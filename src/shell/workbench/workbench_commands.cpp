@@ -11,14 +11,14 @@ bool WorkbenchCommands::canRun(const Command& command) const {
 void WorkbenchCommands::EseguiComando(int number) const {
   const Command* command = table_.numbered(number);
   if (command == nullptr || !context_.sets.isBound()) return;
-  context_.view.finishEdits();
+  if (!context_.view.finishEdits()) return;
   if (canRun(*command)) command->run(context_);
   context_.view.entriesChanged();
 }
 
 void WorkbenchCommands::choose(const Command& command) const {
   if (!isEnabled(command)) return;
-  if (command.finishesEdits) context_.view.finishEdits();
+  if (command.finishesEdits && !context_.view.finishEdits()) return;
   command.run(context_);
   context_.view.entriesChanged();
 }

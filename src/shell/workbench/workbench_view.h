@@ -13,8 +13,9 @@ class WorkbenchView {
  public:
   virtual ~WorkbenchView() = default;
 
-  /// Hands what is being typed to the workbench. Called before anything reads the row or moves off it.
-  virtual void finishEdits() = 0;
+  /// Hands what is being typed to the workbench. Called before anything reads the row or moves off it. False when it
+  /// could not be saved: it is still in its field then, and nothing may move off the row.
+  virtual bool finishEdits() = 0;
 
   /// Shows a tab with its panels and its menu.
   virtual void showTab(Tab tab) = 0;

@@ -9,7 +9,6 @@ using namespace columns;  // the shorthands of a list of rules
 
 namespace {
 
-constexpr int shortName = 50;
 constexpr int variantSlots = 4;
 constexpr int legacyOptions = 15;
 

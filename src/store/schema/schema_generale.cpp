@@ -7,7 +7,6 @@ using namespace columns;  // the shorthands of a list of rules
 
 namespace {
 
-constexpr int shortName = 50;
 constexpr int paymentMethods = 4;
 constexpr int zones = 8;
 

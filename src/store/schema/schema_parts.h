@@ -7,6 +7,9 @@
 
 namespace kv {
 
+/// Characters in a name, a code, an address: the width of most text columns.
+inline constexpr int shortName = 50;
+
 /// The shop's settings: one row.
 const TableRule& generaleRule();
 /// Payment methods and shipping settings: one row.

@@ -19,10 +19,10 @@ constexpr const char* earlierProduct =
 constexpr const char* unknownVersion = "Versione non riconosciuta: il negozio non può essere aperto.";
 
 constexpr std::array<std::string_view, 3> seeds{catalogueFile, transferFile, tagSeedFile};
-constexpr std::array<std::string_view, 4> workingFolders{"work", "online", "scripts", "db"};
+constexpr std::array<std::string_view, 4> workingFolderNames{"work", "online", "scripts", "db"};
 
 bool makeWorkingFolders(const std::string& folder) {
-  for (std::string_view name : workingFolders) {
+  for (std::string_view name : workingFolderNames) {
     ignore(createFolder(joinPath(folder, name)), "the next line tests whether it is there");
     if (!folderExists(joinPath(folder, name))) return false;
   }

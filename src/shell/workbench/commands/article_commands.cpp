@@ -46,7 +46,7 @@ std::vector<Command> moveCommands() {
 }
 
 /// A new article before or after the current one.
-std::vector<Command> insertCommands() {
+std::vector<Command> articleInsertCommands() {
   constexpr std::string_view step = "Aggiungi articolo";
   return {insertCommand({.number = 2,
                          .name = "article.insertBefore",
@@ -128,7 +128,7 @@ Command searchCommand() {
 
 std::vector<Command> articleCommands() {
   std::vector<Command> rows;
-  for (const auto& part : {moveCommands(), insertCommands(), clipboardCommands()}) {
+  for (const auto& part : {moveCommands(), articleInsertCommands(), clipboardCommands()}) {
     rows.insert(rows.end(), part.begin(), part.end());
   }
   rows.push_back(deleteCommand());

@@ -12,7 +12,7 @@ Command departmentCommand(Command row, TreeEdit edit) {
   return treeCommand(std::move(row), std::move(edit));
 }
 
-std::vector<Command> insertCommands() {
+std::vector<Command> departmentInsertCommands() {
   constexpr std::string_view add = "Aggiungi reparto";
   return {departmentCommand({.number = 15,
                              .name = "department.insertBefore",
@@ -101,7 +101,7 @@ std::vector<Command> departmentCommands() {
                          .shortcut = "Del",
                          .step = "Elimina reparto"},
                         &TreeEditing::EliminaReparto)};
-  for (Command& row : insertCommands()) rows.push_back(std::move(row));
+  for (Command& row : departmentInsertCommands()) rows.push_back(std::move(row));
   return withHelp(std::move(rows), "pagine/reparti.htm");
 }
 

@@ -1,6 +1,7 @@
 #include "shell/workbench/fields/field_rules.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <optional>
 
@@ -47,6 +48,14 @@ std::string clippedMoney(const std::string& text, char decimalSeparator) {
   if (!number || Money::parse(stored)) return text;
   const Money end = *number < 0 ? Money::ofTenThousandths(INT64_MIN) : Money::ofTenThousandths(INT64_MAX);
   return withSeparator(trimmedNumber(end), decimalSeparator);
+}
+
+/// Digits with at most one decimal separator, as the keys of a field type it.
+bool isTypedNumber(std::string_view text, char decimalSeparator) {
+  const auto isDecimal = [&](char c) { return c == decimalSeparator; };
+  return std::ranges::any_of(text, [](char c) { return c >= '0' && c <= '9'; }) &&
+         std::ranges::all_of(text, [&](char c) { return (c >= '0' && c <= '9') || isDecimal(c); }) &&
+         std::ranges::count_if(text, isDecimal) <= 1;
 }
 
 /// The text cut to the length of its kind. Articles side by side are never none: a space is the column's "as usual".
@@ -122,8 +131,6 @@ KeyAnswer keyTyped(FieldKind kind, std::string_view character, char decimalSepar
 
 std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator) {
   std::string kept;
-  // Of a number with decimals the integer part is kept, not all of its digits.
-  if (kind == FieldKind::WholeNumber) text = text.substr(0, text.find(decimalSeparator));
   while (!text.empty()) {
     const std::string_view character = firstCharacters(text, 1);
     kept += keyTyped(kind, character, decimalSeparator).inserted;
@@ -132,9 +139,35 @@ std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator)
   return kept;
 }
 
+bool isNumberKind(FieldKind kind) { return kind == FieldKind::WholeNumber || isDecimalKind(kind); }
+
+NumberReading pastedNumber(FieldKind kind, std::string_view text, char decimalSeparator) {
+  if (trim(text).empty()) return {};
+  NumberReading reading = readNumber(text, decimalSeparator);
+  if (kind == FieldKind::WholeNumber) reading.text = reading.text.substr(0, reading.text.find(decimalSeparator));
+  return reading;
+}
+
+std::string refusedKeyNote(std::string_view character) {
+  return "Il carattere \"" + std::string(character) + "\" non è ammesso in questo campo.";
+}
+
+std::string refusedText(FieldKind kind, std::string_view text, bool wholeNumbers, char decimalSeparator) {
+  if (!isNumberKind(kind) || trim(text).empty()) return {};
+  const std::string quoted = "\"" + std::string(text) + "\"";
+  if (!isTypedNumber(trim(text), decimalSeparator)) {
+    if (kind == FieldKind::Percent || kind == FieldKind::Amount) return {};
+    return quoted + " non è un numero: è rimasto il valore precedente.";
+  }
+  const auto number = toNumber(storedNumber(text, decimalSeparator));
+  if (!wholeNumbers || !number || std::trunc(*number) == *number) return {};
+  return quoted + " non è un numero intero: è rimasto il valore precedente.";
+}
+
 std::string changedText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator) {
   switch (kind) {
     case FieldKind::Price:
+    case FieldKind::Weight:
       return clippedMoney(text, decimalSeparator);
     case FieldKind::Percent: {
       const auto number = toNumber(storedNumber(text, decimalSeparator));
@@ -155,7 +188,7 @@ FieldText leftField(const FieldForm& form, const std::string& text, const std::s
   const bool isNumber =
       form.stored == ColumnForm::Number || form.kind == FieldKind::Percent || form.kind == FieldKind::Amount;
   if (isNumber) return leftNumber(form, text, lastGood);
-  const std::string cut = cutText(form.kind, text);
+  const std::string cut = cutText(form.kind, form.stored == ColumnForm::Text ? singleLine(text) : text);
   return {cut, storedValue(form.stored, cut), true};
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/database/value.h"
+#include "shell/workbench/fields/number_reading.h"
 
 namespace kv {
 
@@ -36,8 +37,20 @@ struct KeyAnswer {
 };
 /// What typing one character (UTF-8) does. Control keys are not asked for.
 KeyAnswer keyTyped(FieldKind kind, std::string_view character, char decimalSeparator);
-/// A text that is pasted, without the characters that could not be typed.
+/// A text that is pasted, without the characters that could not be typed. Of a text for one line; numbers go through
+/// pastedNumber().
 std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator);
+/// Whether the field takes digits only, with or without decimals.
+bool isNumberKind(FieldKind kind);
+/// The text of a number field after something was pasted into it, read as a number in either notation; a field of whole
+/// numbers keeps the integer part.
+NumberReading pastedNumber(FieldKind kind, std::string_view text, char decimalSeparator);
+/// What to say beside a field that refuses a character (UTF-8), in Italian.
+std::string refusedKeyNote(std::string_view character);
+/// Why the field does not take the text when it is left; empty when it does. Prices, weights, rates and VAT take
+/// numbers alone; percents and amounts have rules of their own (leftField). `wholeNumbers`: the column stores no
+/// decimals.
+std::string refusedText(FieldKind kind, std::string_view text, bool wholeNumbers, char decimalSeparator);
 
 /// The field's text after a change: what is too high is brought to the limit, what is no number goes back to
 /// `lastGood` where the kind says so.

@@ -23,6 +23,10 @@ bool isNumberType(ColumnType type) {
   }
 }
 
+bool isWholeNumberType(ColumnType type) {
+  return type == ColumnType::Byte || type == ColumnType::Int || type == ColumnType::Long;
+}
+
 /// Prices, quantities and percents that hold no number become 0; any other field keeps the engine's word on it.
 bool becomesZero(const Editor& editor) {
   switch (editor.kind) {
@@ -106,6 +110,12 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
   // Both fields show six decimals: what was only looked at doesn't wear the rate down.
   if (rate.empty() || text == shown(editor)) return {};
   return leave(rateEditor(), rate);
+}
+
+std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
+  if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
+  const ColumnInfo* info = columnInfo(editor);
+  return refusedText(editor.kind, text, info != nullptr && isWholeNumberType(info->type), separator_);
 }
 
 FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& text) {

@@ -42,6 +42,9 @@ class FieldStore {
   /// numbers fail as Recordset::set. The reverse rate is stored as the rate it follows from. On no row nothing happens.
   Outcome leave(const Editor& editor, const std::string& text);
 
+  /// Why the field does not take the text that it is left with, as refusedText(); empty when it does.
+  std::string refusal(const Editor& editor, const std::string& text);
+
   /// The most characters that the column takes; 0: any number.
   /// For texts the size of the column, for whole numbers the digits that always fit: 4 or 9.
   int widest(const Editor& editor);

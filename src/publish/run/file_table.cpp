@@ -1,0 +1,81 @@
+#include "publish/run/file_table.h"
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <utility>
+
+#include "store/schema/schema.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+
+std::string stampText(std::int64_t changedAt) {
+  constexpr std::int64_t second = 1'000'000'000;
+  std::int64_t fraction = changedAt % second;
+  if (fraction < 0) fraction += second;
+  const auto whole = static_cast<std::time_t>((changedAt - fraction) / second);
+  std::tm parts{};
+  if (::gmtime_r(&whole, &parts) == nullptr) return {};
+  std::array<char, 32> text{};
+  const std::size_t size = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &parts);
+  std::string digits = std::to_string(fraction);
+  digits.insert(0, 9 - digits.size(), '0');
+  return std::string(text.data(), size) + "." + digits;
+}
+
+Result<FileTable> FileTable::open(const std::string& shopFolder) {
+  const std::string path = joinPath(shopFolder, transferFile);
+  if (!fileExists(path)) {
+    const auto tables = transferTables();
+    if (auto created = createDatabase(path, tables); !created) return fail(created.error());
+  }
+  auto database = Database::open(path, OpenMode::Exclusive);
+  if (!database) return fail(database.error());
+  return FileTable(std::move(*database));
+}
+
+Result<std::optional<SentFile>> FileTable::find(const std::string& key) {
+  auto query = database_.prepare("SELECT data, peso FROM file WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
+  if (!query) return fail(query.error());
+  query->bind(1, key);
+  const auto found = query->step();
+  if (!found) return fail(found.error());
+  if (!*found) return std::optional<SentFile>();
+  return std::optional<SentFile>(SentFile{std::string(query->text(0)), query->integer(1)});
+}
+
+Result<> FileTable::write(const char* sql, const std::string& key, const FileStamp& stamp) {
+  auto statement = database_.prepare(sql);
+  if (!statement) return fail(statement.error());
+  const std::string text = stampText(stamp.changedAt);
+  statement->bind(1, key);
+  statement->bind(2, text);
+  statement->bind(3, static_cast<std::int64_t>(stamp.size));
+  return statement->execute();
+}
+
+Result<> FileTable::add(const std::string& key, const FileStamp& stamp) {
+  return write("INSERT INTO file (nome, data, peso) VALUES (?1, ?2, ?3)", key, stamp);
+}
+
+Result<> FileTable::edit(const std::string& key, const FileStamp& stamp) {
+  return write("UPDATE file SET data = ?2, peso = ?3 WHERE nome = ?1 AND nome = ?1 COLLATE BINARY", key, stamp);
+}
+
+Result<> FileTable::doubt(const std::string& key) {
+  auto statement = database_.prepare("UPDATE file SET data = NULL WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
+  if (!statement) return fail(statement.error());
+  statement->bind(1, key);
+  return statement->execute();
+}
+
+Result<> FileTable::PulisciDB(const std::string& host, const std::string& folder) {
+  const std::string start = host + "/" + folder + "/";
+  auto statement = database_.prepare("DELETE FROM file WHERE substr(nome, 1, length(?1)) = ?1 COLLATE BINARY");
+  if (!statement) return fail(statement.error());
+  statement->bind(1, start);
+  return statement->execute();
+}
+
+}  // namespace kv

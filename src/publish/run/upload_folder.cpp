@@ -1,0 +1,177 @@
+#include "publish/run/upload_folder.h"
+
+#include <utility>
+
+#include "platform/text/text.h"
+#include "publish/settings/server_names.h"
+
+namespace kv {
+
+FolderUploader::FolderUploader(UploadParts parts, UploadOptions options) : parts_(parts), options_(std::move(options)) {
+  TransferEvents events;
+  events.line = [this](const std::string& line) { MessaggioFTP(line, true); };
+  events.yield = [this] { return mayGoOn(); };
+  events.sent = [this](std::uint64_t bytes) { showProgress(bytes); };
+  events.trust = [this](const UntrustedServer& server) { return trusts(server); };
+  parts_.transfer.listen(std::move(events));
+  startedAt_ = parts_.clock.now();
+}
+
+bool FolderUploader::opensSession() const {
+  return folder_.firstFolder || options_.otpMode != OtpMode::None || options_.keepNoSession;
+}
+
+bool FolderUploader::UpdateFTP(const FolderUpload& folder) {
+  folder_ = folder;
+  failed_ = shown_ = false;
+  parts_.view.title("Korvane - " + folder.title);
+  const std::vector<std::string> names = listFiles(folder.localFolder, "*.*");
+  if (names.empty()) return emptyFolder();
+  if (options_.disabled) return carriedByHand();
+  host_ = options_.connection.host = serverHost(options_.connection.host);
+  target_ = serverFolder(folder.remoteFolder);
+  log_.open(folder.logPath);
+  progress_.filesDone = 0;
+  progress_.filesTotal = static_cast<int>(names.size());
+  const std::string path = target_ == "." ? "" : (target_.starts_with('/') ? "" : "/") + target_;
+  MessaggioFTP("Connessione a " + host_ + path, false);
+  const bool sent = enterServer() && sendFiles(names);
+  log_.close();
+  return sent;
+}
+
+bool FolderUploader::emptyFolder() {
+  if (folder_.firstFolder) {
+    parts_.user.message(
+        "La cartella '" + folder_.localFolder + "' è vuota: è necessario costruire il sito prima di metterlo online",
+        Icon::Exclamation);
+    return false;
+  }
+  if (parts_.transfer.isConnected()) WaitFTP(FtpState::LeaveEmpty, parts_.transfer.quit());
+  return !cancelled_;
+}
+
+bool FolderUploader::carriedByHand() {
+  const Question question{"Tutti i file contenuti nella cartella locale: \n\"" + folder_.localFolder +
+                              "\"\n\ndevono essere trasferiti manualmente sul server " + options_.connection.host +
+                              " nella cartella:\n\"" + folder_.remoteFolder +
+                              "\"\n\nEseguire adesso il trasferimento manuale\ne premere OK solo quando è stato "
+                              "completato",
+                          Buttons::OkCancel, Answer::Cancel, Icon::Question};
+  return parts_.user.question(question) == Answer::Ok;
+}
+
+bool FolderUploader::enterServer() {
+  if (opensSession()) {
+    WaitFTP(FtpState::Other, parts_.transfer.connect(options_.connection));
+    if (!failed_) WaitFTP(FtpState::Other, parts_.transfer.logIn());
+    if (failed_) return false;
+    const TransferCompletion current = parts_.transfer.currentFolder();
+    WaitFTP(FtpState::Other, current);
+    base_ = current.text;
+  } else {
+    WaitFTP(FtpState::Other, parts_.transfer.changeFolder(base_));
+  }
+  if (!failed_) WaitFTP(FtpState::EnterTarget, parts_.transfer.changeFolder(target_));
+  return !failed_;
+}
+
+bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
+    if (failed_) break;
+    if (!mayGoOn()) return false;
+    ++progress_.filesDone;
+    if (CaricaFile(name, options_.choice)) sendIfNewer(name);
+  }
+  progress_.file.clear();
+  if (failed_) return false;
+  if (!folder_.firstFolder || options_.keepNoSession) WaitFTP(FtpState::Other, parts_.transfer.quit());
+  return !cancelled_;
+}
+
+void FolderUploader::sendIfNewer(const std::string& name) {
+  MessaggioFTP("Confronto del file " + name, false);
+  file_ = {name, joinPath(folder_.localFolder, name), host_ + "/" + target_ + "/" + name, {}, false};
+  const auto stamp = fileStamp(file_.path);
+  if (!stamp) return tellTable(fail(stamp.error()));
+  file_.stamp = *stamp;
+  const auto row = parts_.table.find(file_.key);
+  if (!row) return tellTable(fail(row.error()));
+  file_.known = row->has_value();
+  const bool newer = !file_.known || stampText(stamp->changedAt) > (*row)->stamp;
+  progress_.file = name;
+  progress_.fileSize = stamp->size;
+  if (!newer && !options_.sendAll) {
+    ++report_.skipped;
+    return showProgress(0);
+  }
+  // While a file that isn't newer is sent again, the row must not go on saying that the server has it whole.
+  if (!newer) tellTable(parts_.table.doubt(file_.key));
+  if (!failed_) sendFile(file_);
+  if (failed_ && report_.failedFile.empty()) report_.failedFile = name;
+}
+
+void FolderUploader::sendFile(const FileInHand& file) {
+  MessaggioFTP("Invio del file " + file.name, false);
+  showProgress(0);
+  const bool appends = options_.otpMode == OtpMode::Append;
+  // What is appended to must stay.
+  if (!appends) WaitFTP(FtpState::DeleteBefore, parts_.transfer.deleteFile(file.name));
+  if (!failed_) storeFile(file);
+}
+
+void FolderUploader::storeFile(const FileInHand& file) {
+  const FtpState state = file.known ? FtpState::UploadKnown : FtpState::UploadNew;
+  const bool isScript = endsWithIgnoringCase(file.name, ".pl");
+  const bool isList = endsWithIgnoringCase(file.name, ".ris") || endsWithIgnoringCase(file.name, ".ric");
+  const TransferMode mode = isScript || isList ? TransferMode::Ascii : TransferMode::Binary;
+  const bool appends = isList && options_.otpMode == OtpMode::Append;
+  WaitFTP(state, appends ? parts_.transfer.append(file.path, file.name, mode)
+                         : parts_.transfer.upload(file.path, file.name, mode));
+  if (failed_ || options_.serverNT || !(isScript || isList)) return;
+  const std::string rights = isScript ? "755 " : "666 ";
+  WaitFTP(FtpState::Other, parts_.transfer.rawCommand("SITE chmod " + rights + file.name));
+}
+
+bool FolderUploader::enterOrMake(const std::string& part) {
+  if (parts_.transfer.changeFolder(part).succeeded()) return true;
+  WaitFTP(FtpState::MakeFolder, parts_.transfer.makeFolder(part));
+  return !failed_ && parts_.transfer.changeFolder(part).succeeded();
+}
+
+void FolderUploader::CreaCartella() {
+  const std::string start = target_.starts_with('/') ? "/" : base_;
+  WaitFTP(FtpState::Other, parts_.transfer.changeFolder(start));
+  std::string_view rest = target_;
+  while (!failed_ && !rest.empty()) {
+    const std::size_t slash = rest.find('/');
+    const std::string part(rest.substr(0, slash));
+    rest = slash == std::string_view::npos ? std::string_view() : rest.substr(slash + 1);
+    if (!part.empty() && !enterOrMake(part)) break;
+  }
+  if (failed_) return;
+  WaitFTP(FtpState::Other, parts_.transfer.changeFolder(start));
+  if (failed_ || parts_.transfer.changeFolder(target_).succeeded()) return;
+  failed_ = true;
+  if (cancelled_) return;
+  parts_.user.message("Impossibile posizionarsi nella cartella specificata", Icon::Exclamation);
+  shown_ = true;
+}
+
+void FolderUploader::offerFolder() {
+  failed_ = true;
+  if (auto cleaned = parts_.table.PulisciDB(host_, target_); !cleaned) return tellTable(cleaned);
+  const Question question{"La cartella specificata (" + target_ + ")\nnon è presente sul server. Si desidera crearla?",
+                          Buttons::YesNo, Answer::No, Icon::Question};
+  if (parts_.user.question(question) != Answer::Yes) return;
+  failed_ = false;
+  options_.sendAll = true;
+  CreaCartella();
+}
+
+void FolderUploader::HideForm() {
+  parts_.transfer.abort();
+  log_.close();
+}
+
+}  // namespace kv
