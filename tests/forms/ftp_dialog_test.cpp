@@ -14,6 +14,7 @@ namespace {
 
 using test::control;
 using test::ScriptedFtpServer;
+using test::TempFolder;
 
 class TheFtpDialog : public ::testing::Test {
  protected:
