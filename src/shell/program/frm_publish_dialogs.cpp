@@ -37,7 +37,8 @@ void wirePublishing(frmMain& window, Session& session, Environment& env) {
   // One for all exports of the program: a shop without kvftp.ini leaves it as it was.
   const auto lock = std::make_shared<LockStatements>();
   dialogs.publishOptions = [&, lock] {
-    frmImpostaFTP dialog(session, env, *lock, &window);
+    const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };
+    frmImpostaFTP dialog(session, env, *lock, help, &window);
     dialog.exec();
     return !dialog.tag().empty();
   };
