@@ -1,9 +1,7 @@
 // The window of a publish run: what it shows, how it ends, and how it is left while the server says nothing.
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QPlainTextEdit>
-#include <QProgressBar>
 
 #include "dialog_fixture.h"
 #include "publish/run/frm_ftp.h"
@@ -41,7 +39,7 @@ class TheFtpDialog : public ::testing::Test {
     return window.get();
   }
 
-  TempFolder root;
+  test::TempFolder root;
   ScriptedFtpServer server;
   std::unique_ptr<Transfer> transfer;
   PublishJob job;
@@ -60,19 +58,7 @@ TEST_F(TheFtpDialog, ReadsAsToldBeforeItStarts) {
 
 TEST_F(TheFtpDialog, PublishesOnceAndCloses) {
   frmFTP* shown = dialog();
-  std::string operation, progress, log, title;
-  int maximum = 0;
-  shown->steps.updateDatabase = [&] {
-    // What a window over this one would see of it.
-    user.message("in corso", Icon::Information);
-    operation = fromQt(control<QLabel>(*shown, "lblStato")->text());
-    progress = fromQt(control<QLabel>(*shown, "lblAvanzamento")->text());
-    log = fromQt(control<QPlainTextEdit>(*shown, "txtLog")->toPlainText());
-    title = fromQt(shown->windowTitle());
-    maximum = control<QProgressBar>(*shown, "prgBarra")->maximum();
-    test::keepPicture(*shown, "ftp");
-    return "OK";
-  };
+  shown->steps.updateDatabase = [] { return "OK"; };
   EXPECT_EQ(shown->exec(), QDialog::Accepted);
   EXPECT_EQ(shown->tag(), "OK");
   EXPECT_EQ(shown->outcome(), PublishOutcome::Done);
@@ -83,7 +69,6 @@ TEST_F(TheFtpDialog, PublishesOnceAndCloses) {
 }
 
 TEST_F(TheFtpDialog, ShowsOperationFilesAndDialogue) {
-  frmFTP* shown = dialog();
   // The question comes in the middle of the run, with the window up to date.
   server.removeFolders();
   server.makeFolder("/casa");
@@ -99,7 +84,7 @@ TEST_F(TheFtpDialog, ShowsOperationFilesAndDialogue) {
     bool yield() override { return true; }
   } watcher;
   window = std::make_unique<frmFTP>(job, options(), PublishServices{*transfer, watcher, clock});
-  shown = window.get();
+  frmFTP* shown = window.get();
   watcher.look = [&] {
     EXPECT_EQ(control<QLabel>(*shown, "lblStato")->text(), "Connessione a 127.0.0.1/www");
     EXPECT_EQ(shown->windowTitle(), "Korvane - Aggiornamento cartella del negozio");

@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -332,6 +333,9 @@ void ScriptedFtpServer::serve() {
     const int control = ::accept(listener_, nullptr, nullptr);
     if (control < 0) continue;
     ++connections_;
+    // A reply after a preliminary one goes out at once, whatever the client has acknowledged.
+    const int on = 1;
+    ::setsockopt(control, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     Talk(*this, control).run();
   }
 }

@@ -35,6 +35,24 @@ Result<FileTable> FileTable::open(const std::string& shopFolder) {
   return FileTable(std::move(*database));
 }
 
+FileTable::~FileTable() {
+  if (database_.isOpen()) ignore(keep(), "files whose rows are lost are sent once more");
+}
+
+Result<> FileTable::begin() {
+  if (group_ == 0) {
+    if (auto begun = database_.begin(); !begun) return begun;
+  }
+  ++group_;
+  return {};
+}
+
+Result<> FileTable::keep() {
+  if (group_ == 0) return {};
+  group_ = 0;
+  return database_.commit();
+}
+
 Result<std::optional<SentFile>> FileTable::find(const std::string& key) {
   auto query = database_.prepare("SELECT data, peso FROM file WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
   if (!query) return fail(query.error());
@@ -46,13 +64,15 @@ Result<std::optional<SentFile>> FileTable::find(const std::string& key) {
 }
 
 Result<> FileTable::write(const char* sql, const std::string& key, const FileStamp& stamp) {
+  if (auto begun = begin(); !begun) return begun;
   auto statement = database_.prepare(sql);
   if (!statement) return fail(statement.error());
   const std::string text = stampText(stamp.changedAt);
   statement->bind(1, key);
   statement->bind(2, text);
   statement->bind(3, static_cast<std::int64_t>(stamp.size));
-  return statement->execute();
+  if (auto written = statement->execute(); !written) return written;
+  return group_ < groupSize ? Result<>() : keep();
 }
 
 Result<> FileTable::add(const std::string& key, const FileStamp& stamp) {
@@ -63,14 +83,19 @@ Result<> FileTable::edit(const std::string& key, const FileStamp& stamp) {
   return write("UPDATE file SET data = ?2, peso = ?3 WHERE nome = ?1 AND nome = ?1 COLLATE BINARY", key, stamp);
 }
 
-Result<> FileTable::doubt(const std::string& key) {
+Result<> FileTable::doubt(std::span<const std::string> keys) {
+  if (auto begun = begin(); !begun) return begun;
   auto statement = database_.prepare("UPDATE file SET data = NULL WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
   if (!statement) return fail(statement.error());
-  statement->bind(1, key);
-  return statement->execute();
+  for (const std::string& key : keys) {
+    statement->bind(1, key);
+    if (auto written = statement->execute(); !written) return written;
+  }
+  return keep();
 }
 
 Result<> FileTable::PulisciDB(const std::string& host, const std::string& folder) {
+  if (auto kept = keep(); !kept) return kept;
   const std::string start = host + "/" + folder + "/";
   auto statement = database_.prepare("DELETE FROM file WHERE substr(nome, 1, length(?1)) = ?1 COLLATE BINARY");
   if (!statement) return fail(statement.error());

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -23,12 +24,19 @@ struct SentFile {
   std::int64_t size = 0;  ///< `peso`, bytes; never compared
 };
 
-/// The open table. Its key `nome` is host + "/" + remote folder + "/" + file name; case counts in it, as it does on
+/// The open table. Rows are kept in groups, each flushed once: a kill loses the last few, whose files are then sent
+/// once more. Its key `nome` is host + "/" + remote folder + "/" + file name; case counts in it, as it does on
 /// most servers.
 class FileTable {
  public:
+  /// The most rows of a group.
+  static constexpr int groupSize = 32;
   /// Opens kvftp.mdb of a shop; one that is missing is created. Failures as Database::open.
   static Result<FileTable> open(const std::string& shopFolder);
+  FileTable(FileTable&&) = default;
+  FileTable& operator=(FileTable&&) = delete;
+  /// Keeps the rows of the group that is open.
+  ~FileTable();
 
   /// The row of a key; nothing when the file was never sent there.
   Result<std::optional<SentFile>> find(const std::string& key);
@@ -36,17 +44,20 @@ class FileTable {
   Result<> add(const std::string& key, const FileStamp& stamp);
   /// Writes time and size into the row of a known file.
   Result<> edit(const std::string& key, const FileStamp& stamp);
-  /// Notes that what is on the server may be half a file, so that it will be sent whatever its time. A row that isn't
-  /// there is no failure.
-  Result<> doubt(const std::string& key);
+  /// Notes that what is on the server may soon be half a file, so that these will be sent whatever their time. Rows
+  /// that aren't there are no failure. Kept at once.
+  Result<> doubt(std::span<const std::string> keys);
   /// PulisciDB (clean the table): deletes the rows of all files below a folder of a host. Characters that a pattern
   /// would take for more mean themselves.
   Result<> PulisciDB(const std::string& host, const std::string& folder);
 
  private:
   explicit FileTable(Database database) : database_(std::move(database)) {}
+  Result<> begin();  // a group, unless one is open
+  Result<> keep();   // ends the group that is open
   Result<> write(const char* sql, const std::string& key, const FileStamp& stamp);
   Database database_;
+  int group_ = 0;  // rows of the group that is open; 0: there is none
 };
 
 }  // namespace kv

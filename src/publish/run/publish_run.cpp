@@ -28,14 +28,6 @@ FolderUpload secondFolderOf(const PublishJob& job) {
   return {job.scriptFolder, "Aggiornamento cartella password", log, job.passwordFolder, false};
 }
 
-void prepareDatabase(const PublishJob& job, const PublishParts& parts) {
-  parts.view.operation(preparing);
-  for (const std::string& name : listFiles(job.onlineFolder, "*.sql")) {
-    ignore(deleteFile(joinPath(job.onlineFolder, name)), "a file that is in the way is reported when it is replaced");
-  }
-  if (parts.steps.exportSql) parts.steps.exportSql();
-}
-
 PublishOutcome finishShop(const PublishParts& parts) {
   if (!parts.steps.updateDatabase) return PublishOutcome::Done;
   const std::string tag = parts.steps.updateDatabase();
@@ -56,7 +48,8 @@ PublishOutcome finishShop(const PublishParts& parts) {
 bool sendFolders(const PublishJob& job, FolderUploader& uploader, const PublishParts& parts) {
   bool sent = true;
   if (job.otpMode == OtpMode::None) {
-    prepareDatabase(job, parts);
+    parts.view.operation(preparing);
+    prepareDatabase(job, parts.steps);
     sent = uploader.UpdateFTP(shopFolderOf(job));
   }
   if (sent) sent = uploader.UpdateFTP(secondFolderOf(job));
@@ -99,6 +92,13 @@ Result<PublishJob> publishJobOf(Session& session) {
   job.folderCGI = row->text(1);
   job.serverNT = row->flag(2);
   return job;
+}
+
+void prepareDatabase(const PublishJob& job, const PublishSteps& steps) {
+  for (const std::string& name : listFiles(job.onlineFolder, "*.sql")) {
+    ignore(deleteFile(joinPath(job.onlineFolder, name)), "a file that is in the way is reported when it is replaced");
+  }
+  if (steps.exportSql) steps.exportSql();
 }
 
 UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settings, const FirewallSettings& way) {

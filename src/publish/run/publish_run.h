@@ -52,6 +52,9 @@ enum class PublishOutcome { Done, Failed, Cancelled };
 /// The choices of a run as the shop's files make them. kvftp.dat is read as well.
 UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settings, const FirewallSettings& way);
 
+/// Deletes the SQL files of the online folder and has the step make new ones.
+void prepareDatabase(const PublishJob& job, const PublishSteps& steps);
+
 /// Publishes a shop. `report`: what was sent, also after a failure.
 PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, const PublishParts& parts,
                            PublishReport* report = nullptr);

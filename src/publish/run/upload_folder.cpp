@@ -77,11 +77,12 @@ bool FolderUploader::enterServer() {
 }
 
 bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
-  for (const std::string& name : names) {
-    if (failed_) break;
+  for (std::size_t i = 0; i < names.size() && !failed_; ++i) {
     if (!mayGoOn()) return false;
-    ++progress_.filesDone;
-    if (CaricaFile(name, options_.choice)) sendIfNewer(name);
+    const std::string& name = names[i];
+    progress_.filesDone = static_cast<int>(i + 1);
+    if (options_.sendAll && i % FileTable::groupSize == 0) doubtNext(names, i);
+    if (!failed_ && CaricaFile(name, options_.choice)) sendIfNewer(name);
   }
   progress_.file.clear();
   if (failed_) return false;
@@ -89,9 +90,20 @@ bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
   return !cancelled_;
 }
 
+void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_t from) {
+  // A file that is sent again although it isn't newer: if it broke off, its row would go on saying that it is there.
+  std::vector<std::string> keys;
+  for (std::size_t i = from; i < names.size() && i < from + FileTable::groupSize; ++i) {
+    if (CaricaFile(names[i], options_.choice)) keys.push_back(keyOf(names[i]));
+  }
+  tellTable(parts_.table.doubt(keys));
+}
+
+std::string FolderUploader::keyOf(const std::string& name) const { return host_ + "/" + target_ + "/" + name; }
+
 void FolderUploader::sendIfNewer(const std::string& name) {
   MessaggioFTP("Confronto del file " + name, false);
-  file_ = {name, joinPath(folder_.localFolder, name), host_ + "/" + target_ + "/" + name, {}, false};
+  file_ = {name, joinPath(folder_.localFolder, name), keyOf(name), {}, false};
   const auto stamp = fileStamp(file_.path);
   if (!stamp) return tellTable(fail(stamp.error()));
   file_.stamp = *stamp;
@@ -105,9 +117,7 @@ void FolderUploader::sendIfNewer(const std::string& name) {
     ++report_.skipped;
     return showProgress(0);
   }
-  // While a file that isn't newer is sent again, the row must not go on saying that the server has it whole.
-  if (!newer) tellTable(parts_.table.doubt(file_.key));
-  if (!failed_) sendFile(file_);
+  sendFile(file_);
   if (failed_ && report_.failedFile.empty()) report_.failedFile = name;
 }
 

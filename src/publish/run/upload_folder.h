@@ -81,6 +81,8 @@ class FolderUploader {
   bool emptyFolder();
   bool enterServer();
   bool sendFiles(const std::vector<std::string>& names);
+  void doubtNext(const std::vector<std::string>& names, std::size_t from);
+  std::string keyOf(const std::string& name) const;
   void sendIfNewer(const std::string& name);
   void sendFile(const FileInHand& file);
   void storeFile(const FileInHand& file);

@@ -5,6 +5,7 @@
 #include "platform/files/settings.h"
 #include "platform/ports/clock.h"
 #include "shell/cli/command_line.h"
+#include "shell/cli/publish_command.h"
 #include "shell/program/installed_data.h"
 
 namespace kv {
@@ -21,6 +22,8 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return exportShopSql(shop, env, out);
     case CliCommand::New:
       return newShop(env, out);
+    case CliCommand::Publish:
+      return publishFromCli(shop, {line.dryRun, line.all}, env, out);
     case CliCommand::Help:
     case CliCommand::Version:
       break;

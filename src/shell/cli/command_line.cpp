@@ -8,10 +8,11 @@
 namespace kv {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, CliCommand>, 4> commands{{{"build", CliCommand::Build},
+constexpr std::array<std::pair<std::string_view, CliCommand>, 5> commands{{{"build", CliCommand::Build},
                                                                            {"check", CliCommand::Check},
                                                                            {"export-sql", CliCommand::ExportSql},
-                                                                           {"new", CliCommand::New}}};
+                                                                           {"new", CliCommand::New},
+                                                                           {"publish", CliCommand::Publish}}};
 constexpr std::array<std::pair<std::string_view, Answer>, 4> answers{
     {{"yes", Answer::Yes}, {"no", Answer::No}, {"ok", Answer::Ok}, {"cancel", Answer::Cancel}}};
 
@@ -56,7 +57,14 @@ class Parser {
     }
     if (argument == "--help" || argument == "-h") return end(CliCommand::Help);
     if (argument == "--version") return end(CliCommand::Version);
+    if (argument == "--dry-run") return flag(line_.dryRun);
+    if (argument == "--all") return flag(line_.all);
     return valued(argument);
+  }
+
+  static Result<> flag(bool& on) {
+    on = true;
+    return {};
   }
 
   Result<> end(CliCommand command) {
@@ -90,6 +98,9 @@ class Parser {
     if (!command) return wrong("comando sconosciuto: " + names_[0]);
     if (names_.size() < 2 || names_[1].empty()) return wrong("manca la cartella del negozio");
     if (names_.size() > 2) return wrong("argomento di troppo: " + names_[2]);
+    if (*command != CliCommand::Publish && (line_.dryRun || line_.all)) {
+      return wrong("--dry-run e --all valgono solo per publish");
+    }
     line_.command = *command;
     line_.shop = names_[1];
     return line_;
@@ -114,6 +125,7 @@ std::string usageText() {
          "  check NEGOZIO       apre il negozio e dice che cosa non va, senza costruirlo\n"
          "  export-sql NEGOZIO  scrive i file SQL del negozio costruito nella cartella online\n"
          "  new NEGOZIO         crea un nuovo negozio nella cartella NEGOZIO\n"
+         "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio\n"
          "\n"
          "Opzioni:\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"
@@ -122,6 +134,8 @@ std::string usageText() {
          "                  l'ultima vale anche per tutte le successive. \"yes\" e \"ok\" confermano,\n"
          "                  \"no\" e \"cancel\" rifiutano. Senza --answer vale la risposta predefinita\n"
          "                  di ogni domanda\n"
+         "  --all           publish: invia anche i file già presenti sul server\n"
+         "  --dry-run       publish: elenca i file da inviare, senza inviarli\n"
          "  --help          mostra questo testo\n"
          "  --version       mostra la versione\n"
          "\n"

@@ -11,7 +11,7 @@
 namespace kv {
 
 /// What korvane-cli is asked to do.
-enum class CliCommand { Build, Check, ExportSql, New, Help, Version };
+enum class CliCommand { Build, Check, ExportSql, New, Publish, Help, Version };
 
 struct CommandLine {
   CliCommand command = CliCommand::Help;
@@ -20,6 +20,8 @@ struct CommandLine {
   /// Of --answer, in order: the first question gets the first, the last one holds for all that follow. Empty means
   /// that every question gets its default.
   std::vector<Answer> answers;
+  bool dryRun = false;  ///< --dry-run, of Publish alone
+  bool all = false;     ///< --all, of Publish alone
 };
 
 /// Reads the arguments after the program's name. "--app=X" and "--app X" mean the same; after "--" every argument

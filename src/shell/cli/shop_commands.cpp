@@ -2,50 +2,12 @@
 
 #include "builder/run/make_pages.h"
 #include "platform/files/files.h"
+#include "shell/cli/cli_session.h"
 #include "sqlexport/full_export.h"
-#include "store/shop/load_shop.h"
 #include "store/shop/open_shop.h"
-#include "store/shop/session_start.h"
-#include "store/shop/shop_check.h"
 
 namespace kv {
 namespace {
-
-/// A session that ends with the command.
-class CliSession {
- public:
-  explicit CliSession(Environment& env) : env_(env) { session.smartBuild = wantsSmartBuild(env.settings); }
-  CliSession(const CliSession&) = delete;
-  CliSession& operator=(const CliSession&) = delete;
-  ~CliSession() { closeSession(session, env_); }
-
-  /// False when the shop could not be opened; the user knows why.
-  bool open(const std::string& shop) {
-    if (isRoot(shop)) {
-      env_.user.message(
-          "La cartella '" + shop + "' è la root di un disco: non è consentito aprire un negozio in questa posizione",
-          Icon::Exclamation);
-      return false;
-    }
-    const ShopCheck check = validateShop(shop);
-    if (!check.ok) {
-      env_.user.message(check.message, Icon::Exclamation);
-      return false;
-    }
-    session.ShopFolder = shop;
-    return CaricaNegozio(session, env_) == LoadResult::Opened;
-  }
-
-  bool hasTemplate() const {
-    const std::string folder = joinPath(env_.applicationFolder, session.templatePath);
-    return !session.templatePath.empty() && !listFiles(folder, "modello*.htm").empty();
-  }
-
-  Session session;
-
- private:
-  Environment& env_;
-};
 
 CliOutcome outcomeOf(BuildOutcome outcome) {
   switch (outcome) {
