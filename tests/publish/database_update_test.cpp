@@ -275,7 +275,7 @@ TEST_F(DatabaseUpdate, SqlFilesThatAnybodyCanReadAreWarnedOf) {
             "scrivibile la cartella del negozio.");
 }
 
-TEST_F(DatabaseUpdate, APageInTheirPlaceIsNoSqlFile) {
+TEST_F(DatabaseUpdate, APageInsteadIsNoSqlFile) {
   host.pages["http://www.a.it/shop/db.sql"] = {200, "<html>non trovato</html>"};
   EXPECT_EQ(run(), "OK");
   EXPECT_TRUE(user.shown.empty());
