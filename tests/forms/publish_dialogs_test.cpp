@@ -224,6 +224,17 @@ TEST_F(TheConnectionDialog, TheResetDeletesTheFileOnlyOnOk) {
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optPassiva")->isChecked());
 }
 
+TEST_F(TheConnectionDialog, TheConnectionIsTriedAsShown) {
+  FirewallSettings tried;
+  dialog.emplace(shop, user, [&](const FirewallSettings& shown) { tried = shown; });
+  show(*dialog);
+  type("txtPortaFTP", "2121");
+  click(*dialog, "cmdVerifica");
+  EXPECT_EQ(tried.ftpPort, "2121");
+  EXPECT_EQ(file("firewall.net"), "(missing)");
+  EXPECT_TRUE(dialog->isVisible());
+}
+
 TEST_F(TheConnectionDialog, EscapeWritesNothing) {
   start();
   click(*dialog, "optAttiva");

@@ -3,9 +3,12 @@
 #include <memory>
 
 #include "platform/ports/failure_text.h"
+#include "platform/text/text.h"
+#include "publish/settings/connection_check.h"
 #include "publish/settings/frm_firewall.h"
 #include "publish/settings/frm_folder_ftp.h"
 #include "publish/settings/frm_imposta_ftp.h"
+#include "publish/update/database_update.h"
 #include "shell/workbench/fields/editor_table.h"
 
 namespace kv {
@@ -30,6 +33,27 @@ bool chooseFolderOfServer(frmMain& window, Session& session, Environment& env, S
   return true;
 }
 
+/// Tries the connection with settings that needn't be stored yet, and shows what was found.
+void verifyConnection(Session& session, UserPort& user, const FirewallSettings& way) {
+  const auto job = updateJobOf(session);
+  const auto login = readServerLogin(session.catalogue);
+  const auto folder = session.catalogue.scalar("SELECT folderFTP FROM generale");
+  if (!job || !login || !folder) {
+    const Error& error = !job ? job.error() : !login ? login.error() : folder.error();
+    return user.message(failureText(error), Icon::Exclamation);
+  }
+  const auto transfer = makeTransfer();
+  const auto http = makeHttpClient();
+  std::string found;
+  {
+    const WaitCursor waiting;
+    const ConnectionCheck check{connectionOf(*login, way, 0), asText(*folder),
+                                trim(job->shop.URL).empty() ? std::string() : job->siteBase};
+    found = checkConnection(check, {*transfer, *http, user, [&user] { return user.yield(); }});
+  }
+  user.message(found, Icon::Information);
+}
+
 }  // namespace
 
 void wirePublishing(frmMain& window, Session& session, Environment& env) {
@@ -44,7 +68,8 @@ void wirePublishing(frmMain& window, Session& session, Environment& env) {
   };
   dialogs.chooseServerFolder = [&](ServerFolder folder) { return chooseFolderOfServer(window, session, env, folder); };
   dialogs.connectionSettings = [&] {
-    frmFirewall dialog(session.ShopFolder, env.user, &window);
+    const auto verify = [&](const FirewallSettings& way) { verifyConnection(session, env.user, way); };
+    frmFirewall dialog(session.ShopFolder, env.user, verify, &window);
     dialog.exec();
     return !dialog.tag().empty();
   };
