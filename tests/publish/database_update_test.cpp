@@ -263,6 +263,7 @@ TEST_F(DatabaseUpdate, WithoutANumberOfLanguagesNothingIsAskedAndNothingIsTakenF
   ASSERT_TRUE(deleteFile(shop + "/online/abc.sc"));
   EXPECT_EQ(run(), logAdvice());
   EXPECT_TRUE(host.requests.empty());
+  EXPECT_EQ(read("db/last.mdb"), "(missing)");
 }
 
 TEST_F(DatabaseUpdate, SqlFilesThatAnybodyCanReadAreWarnedOf) {

@@ -154,9 +154,9 @@ Result<std::string> UpdateDB(const UpdateJob& job, const UpdateParts& parts) {
 
 std::string updateDatabase(const UpdateJob& job, const UpdateParts& parts) {
   const double languages = languagesOf(job);
+  if (const auto gone = forgetLastRun(job.shopFolder); !gone) return failureText(gone.error(), "last.mdb");
   // Without a number of languages nothing would be asked, and nothing may be taken for loaded.
   if (languages < 1) return failureTag(job, {});
-  if (const auto gone = forgetLastRun(job.shopFolder); !gone) return failureText(gone.error(), "last.mdb");
   if (const auto gone = forgetSentSql(job.shopFolder); !gone) return failureText(gone.error(), "kvftp.mdb");
   const auto answers = UpdateDB(job, parts);
   if (!answers) return {};
