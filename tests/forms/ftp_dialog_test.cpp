@@ -12,6 +12,7 @@ namespace {
 
 using test::control;
 using test::ScriptedFtpServer;
+using test::TempFolder;
 
 class TheFtpDialog : public ::testing::Test {
  protected:
@@ -38,7 +39,7 @@ class TheFtpDialog : public ::testing::Test {
     return window.get();
   }
 
-  test::TempFolder root;
+  TempFolder root;
   ScriptedFtpServer server;
   std::unique_ptr<Transfer> transfer;
   PublishJob job;

@@ -6,9 +6,9 @@
 
 #include "platform/files/files.h"
 #include "platform/text/text.h"
-#include "publish/answering_host.h"
 #include "publish/update/sent_sql.h"
 #include "store/schema/schema.h"
+#include "support/answering_host.h"
 #include "support/failing_files.h"
 #include "support/fixed_clock.h"
 #include "support/scripted_user.h"

@@ -34,8 +34,6 @@ class frmFTP final : public FormDialog {
   PublishOutcome outcome() const { return outcome_; }
   /// What was sent; all 0 before the run.
   const PublishReport& report() const { return report_; }
-  /// Processes the events that are due; false when the user has left. For a step of the run that waits.
-  bool mayGoOn() { return processEvents(); }
 
   /// cmdAnnulla, Escape and the close box: the run leaves at once.
   void reject() override;

@@ -1,0 +1,47 @@
+#pragma once
+// The dialog of the way to the server: kind of connection, encryption, firewall.
+
+#include <string>
+
+#include "platform/ports/user_port.h"
+#include "platform/qt/frm_dialog.h"
+#include "publish/settings/firewall_choice.h"
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QRadioButton;
+
+namespace kv {
+
+/// The tag is "OK" when firewall.net has been written.
+class frmFirewall final : public FormDialog {
+ public:
+  /// `user` outlives the dialog.
+  frmFirewall(std::string shopFolder, UserPort& user, QWidget* parent = nullptr);
+
+ private:
+  QWidget* makeConnection();
+  QWidget* makeFirewall();
+  void show(const FirewallSettings& settings);
+  FirewallSettings shown() const;
+  void enable();  // the fields of the firewall, by its kind
+  void save();    // writes the file and closes, or shows the failure
+
+  std::string shopFolder_;
+  UserPort& user_;
+  FirewallSettings settings_;
+  // Controls under their names; Qt owns them.
+  QRadioButton* optPassiva_ = nullptr;
+  QRadioButton* optAttiva_ = nullptr;
+  QLineEdit* txtPortaFTP_ = nullptr;
+  QComboBox* cboTLS_ = nullptr;
+  QCheckBox* chkDisc_ = nullptr;
+  QComboBox* cboTipo_ = nullptr;
+  QLineEdit* txtHost_ = nullptr;
+  QLineEdit* txtPorta_ = nullptr;
+  QLineEdit* txtUser_ = nullptr;
+  QLineEdit* txtPassword_ = nullptr;
+};
+
+}  // namespace kv
