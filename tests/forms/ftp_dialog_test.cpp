@@ -39,7 +39,7 @@ class TheFtpDialog : public ::testing::Test {
     return window.get();
   }
 
-  test::TempFolder root;
+  TempFolder root;
   ScriptedFtpServer server;
   std::unique_ptr<Transfer> transfer;
   PublishJob job;

@@ -36,9 +36,9 @@ class FtpReplyParser {
   FtpReply open_;  // the reply of several lines that isn't whole yet; code 0 when there is none
 };
 
-/// The port of "227 Entering Passive Mode (127,0,0,1,4,1)". Its address is not used: in a private network it is often wrong,
-/// and a server could have any other machine connected to with it. Malformed when there are no six numbers up to 255,
-/// or the port is 0.
+/// The port of "227 Entering Passive Mode (127,0,0,1,4,1)". Its address is not used: in a private network it is often
+/// wrong, and a server could have any other machine connected to with it. Malformed when there are no six numbers up to
+/// 255, or the port is 0.
 Result<std::uint16_t> passivePort(std::string_view text);
 /// The port of "229 Entering Extended Passive Mode (|||1025|)". Malformed when there is none.
 Result<std::uint16_t> extendedPassivePort(std::string_view text);

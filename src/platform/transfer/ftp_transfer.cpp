@@ -105,10 +105,12 @@ TransferCompletion FtpTransfer::connect(const ConnectionSettings& settings) {
   session_.extendedPassive = true;
   session_.type = 'A';
   session_.names = NameEncoding::NotAsked;
-  auto completion = run(settings.silenceSeconds, [this](Patience& patience) -> Result<std::string> {
+  const auto open = [this](Patience& patience) -> Result<std::string> {
     if (auto opened = openControl(session_, patience); !opened) return fail(opened.error());
     return std::string();
-  });
+  };
+  auto completion = run(settings.silenceSeconds, open);
+  if (!completion.succeeded() && session_.tls.wantsAnother()) completion = run(settings.silenceSeconds, open);
   if (!completion.succeeded()) session_.control.close();
   return completion;
 }

@@ -11,11 +11,11 @@
 namespace kv {
 
 struct HttpRequest {
-  std::string url;                   ///< with "http://" or "https://"
-  std::string method = "GET";        ///< "GET" or "POST"
-  std::string body;                  ///< of a POST
-  std::vector<std::string> headers;  ///< whole lines, "Content-Type: text/plain"
-  int timeoutSeconds = 28800;        ///< for the whole request
+  std::string url;                     ///< with "http://" or "https://"
+  std::string method = "GET";          ///< "GET" or "POST"
+  std::string body{};                  ///< of a POST
+  std::vector<std::string> headers{};  ///< whole lines, "Content-Type: text/plain"
+  int timeoutSeconds = 28800;          ///< for the whole request
 };
 
 struct HttpResponse {

@@ -156,9 +156,17 @@ Tls::Tls() : context_(SSL_CTX_new(TLS_client_method()), &SSL_CTX_free) {
   // The handshake goes through in any case; verify() then judges, so that the user can be asked.
   SSL_CTX_set_verify(context_.get(), SSL_VERIFY_NONE, nullptr);
   SSL_CTX_set_session_cache_mode(context_.get(), SSL_SESS_CACHE_CLIENT | SSL_SESS_CACHE_NO_INTERNAL);
+  SSL_CTX_set_app_data(context_.get(), this);
+  SSL_CTX_sess_set_new_cb(context_.get(), &Tls::keepSession);
   SSL_CTX_set_mode(context_.get(), SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
   // Many servers close a data connection without a closing word; whether all arrived is told by their reply.
   SSL_CTX_set_options(context_.get(), SSL_OP_IGNORE_UNEXPECTED_EOF);
+}
+
+int Tls::keepSession(SSL* ssl, SSL_SESSION* session) {
+  auto* const self = static_cast<Tls*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(ssl)));
+  self->session_.reset(session);
+  return 1;  // the session now belongs to this object
 }
 
 Result<std::unique_ptr<TlsLine>> Tls::open(int descriptor, const TlsPeer& peer, Patience& patience) {
@@ -166,20 +174,26 @@ Result<std::unique_ptr<TlsLine>> Tls::open(int descriptor, const TlsPeer& peer, 
   BIO* const bio = socketBio(descriptor);
   SSL_set_bio(line->get(), bio, bio);
   nameHost(line->get(), peer.host);
-  if (peer.first != nullptr) {
-    const std::unique_ptr<SSL_SESSION, decltype(&SSL_SESSION_free)> session(SSL_get1_session(peer.first->get()),
-                                                                            &SSL_SESSION_free);
-    if (session) SSL_set_session(line->get(), session.get());
-  }
+  if (peer.first == nullptr) session_.reset();
+  if (session_) SSL_set_session(line->get(), session_.get());
+  if (!newest_) SSL_set_max_proto_version(line->get(), TLS1_2_VERSION);
+  if (auto shaken = shakeHands(line->get(), descriptor, patience); !shaken) return fail(shaken.error());
+  if (auto verified = verify(*line, peer); !verified) return fail(verified.error());
+  return line;
+}
+
+Result<> Tls::shakeHands(SSL* ssl, int descriptor, Patience& patience) {
+  wantsAnother_ = false;
   for (;;) {
     ERR_clear_error();
     errno = 0;
-    const int outcome = SSL_connect(line->get());
-    if (outcome == 1) break;
-    if (auto ready = awaitWanted(line->get(), outcome, descriptor, patience); !ready) return fail(ready.error());
+    const int outcome = SSL_connect(ssl);
+    if (outcome == 1) return {};
+    if (!newest_ && ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_TLSV1_ALERT_PROTOCOL_VERSION) {
+      newest_ = wantsAnother_ = true;
+    }
+    if (auto ready = awaitWanted(ssl, outcome, descriptor, patience); !ready) return ready;
   }
-  if (auto verified = verify(*line, peer); !verified) return fail(verified.error());
-  return line;
 }
 
 Result<> Tls::verify(const TlsLine& line, const TlsPeer& peer) {

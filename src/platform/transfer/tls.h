@@ -42,16 +42,29 @@ struct TlsPeer {
 class Tls {
  public:
   Tls();
+  Tls(const Tls&) = delete;
+  Tls& operator=(const Tls&) = delete;
   /// Whom to ask about a certificate that doesn't pass; not set: it is refused.
   std::function<bool(const UntrustedServer&)> trust;
 
   /// Shakes hands on a connected socket. transferNotTrusted when the certificate doesn't pass and isn't accepted, or
   /// when a further connection shows another one than the first; transferNoConnection when there is no TLS there.
   Result<std::unique_ptr<TlsLine>> open(int descriptor, const TlsPeer& peer, Patience& patience);
+  /// Whether the last handshake failed because the server speaks TLS 1.3 alone; the next one, over a new connection,
+  /// then speaks it too.
+  bool wantsAnother() const { return wantsAnother_; }
 
  private:
   Result<> verify(const TlsLine& line, const TlsPeer& peer);
+  static int keepSession(SSL* ssl, SSL_SESSION* session);
   std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context_;
+  Result<> shakeHands(SSL* ssl, int descriptor, Patience& patience);
+  // TLS 1.2 is preferred: its session is resumed by every data connection, while a ticket of TLS 1.3 is often good
+  // for one, and an upload ends before the server's next one has come.
+  bool newest_ = false;
+  bool wantsAnother_ = false;
+  // What the next connection resumes: the server's last offer.
+  std::unique_ptr<SSL_SESSION, decltype(&SSL_SESSION_free)> session_{nullptr, &SSL_SESSION_free};
   std::set<std::string> accepted_;  // fingerprints that the user has accepted
 };
 

@@ -123,13 +123,12 @@ void Wire::finish(Patience& patience) {
   if (!isOpen()) return;
   if (tls_) static_cast<void>(SSL_shutdown(tls_->get()));
   if (::shutdown(descriptor_, SHUT_WR) != 0 || !tls_) return;
-  // A server that has sent session tickets would see the connection reset, and lose what it hasn't read yet, if it
-  // were closed with them unread.
+  // What the server still says are session tickets: the next connection may need them, and a server would see the
+  // connection reset, and lose what it hasn't read yet, if it were closed with them unread.
   std::array<char, discardedPiece> discarded{};
   for (;;) {
-    const ssize_t count = ::recv(descriptor_, discarded.data(), discarded.size(), 0);
-    if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) return;
-    if (count < 0 && !patience.await(descriptor_, POLLIN)) return;
+    const auto count = tls_->read(discarded.data(), discarded.size(), descriptor_, patience);
+    if (!count || *count == 0) return;
   }
 }
 

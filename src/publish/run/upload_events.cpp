@@ -1,6 +1,7 @@
 // What the connection says, and what it means for the folder in hand.
 #include "platform/ports/failure_text.h"
 #include "publish/run/upload_folder.h"
+#include "publish/settings/server_trust.h"
 
 namespace kv {
 namespace {
@@ -85,11 +86,7 @@ bool FolderUploader::mayGoOn() {
 }
 
 bool FolderUploader::trusts(const UntrustedServer& server) {
-  const Question question{"Il certificato del server " + server.host + " non è valido:\n" + server.reason +
-                              "\n\nIntestatario: " + server.subject + "\nImpronta: " + server.fingerprint +
-                              "\n\nChi è in ascolto sulla rete potrebbe leggere la password. Si desidera proseguire?",
-                          Buttons::YesNo, Answer::No, Icon::Exclamation};
-  return parts_.user.question(question) == Answer::Yes;
+  return parts_.user.question(trustQuestion(server)) == Answer::Yes;
 }
 
 }  // namespace kv

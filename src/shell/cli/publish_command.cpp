@@ -50,7 +50,8 @@ CliOutcome cliOutcomeOf(PublishOutcome outcome) {
 CliOutcome publishFromCli(const std::string& shop, const PublishFlags& flags, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop) || !isBuilt(shop, env.user)) return CliOutcome::Failed;
-  auto setup = PublishSetup::of(open.session, env);
+  LockStatements lock;
+  auto setup = PublishSetup::of(open.session, env, lock);
   if (!setup) {
     env.user.message(failureText(setup.error()), Icon::Exclamation);
     return CliOutcome::Failed;

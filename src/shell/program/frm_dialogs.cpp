@@ -14,7 +14,6 @@
 #include "shell/dialogs/frm_search.h"
 #include "shell/dialogs/picture_import.h"
 #include "shell/program/frm_publish_dialogs.h"
-#include "shell/program/frm_publishing.h"
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
 #include "store/shop/backup_copies.h"
@@ -107,7 +106,6 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireSettings(dialogs, window, session, env);
   wireWork(dialogs, window, session, env);
   wirePublishing(window, session, env);
-  wirePublishRun(dialogs, window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);
   env.hooks.frmTemplate = [&](const std::string& current) {
     const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };

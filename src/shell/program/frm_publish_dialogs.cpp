@@ -9,6 +9,7 @@
 #include "publish/settings/frm_folder_ftp.h"
 #include "publish/settings/frm_imposta_ftp.h"
 #include "publish/update/database_update.h"
+#include "shell/program/frm_publishing.h"
 #include "shell/workbench/fields/editor_table.h"
 
 namespace kv {
@@ -66,6 +67,7 @@ void wirePublishing(frmMain& window, Session& session, Environment& env) {
     dialog.exec();
     return !dialog.tag().empty();
   };
+  dialogs.publish = publishRun(window, session, env, lock);
   dialogs.chooseServerFolder = [&](ServerFolder folder) { return chooseFolderOfServer(window, session, env, folder); };
   dialogs.connectionSettings = [&] {
     const auto verify = [&](const FirewallSettings& way) { verifyConnection(session, env.user, way); };

@@ -5,8 +5,8 @@
 
 namespace kv {
 
-/// Puts the settings of publishing, the choice of a folder of the server and the way to the server into the workbench
-/// of the window. All outlive the window's use.
+/// Puts the settings of publishing, the run, the choice of a folder of the server and the way to the server into the
+/// workbench of the window. All outlive the window's use.
 void wirePublishing(frmMain& window, Session& session, Environment& env);
 
 }  // namespace kv

@@ -12,25 +12,25 @@ namespace kv {
 namespace {
 
 /// frmUpdate over the window of the run; its tag.
-std::string showUpdate(Session& session, Environment& env, HttpClient& http, QWidget& over) {
+std::string updateInWindow(Session& session, Environment& env, QWidget* over) {
   auto job = updateJobOf(session);
   if (!job) return failureText(job.error());
-  frmUpdate dialog(std::move(*job), env, http, &over);
+  const auto http = makeHttpClient();
+  frmUpdate dialog(std::move(*job), env, *http, over);
   dialog.exec();
   return dialog.tag();
 }
 
-bool runPublish(frmMain& window, Session& session, Environment& env) {
-  auto setup = PublishSetup::of(session, env);
+bool runPublish(frmMain& window, Session& session, Environment& env, LockStatements& lock) {
+  auto setup = PublishSetup::of(session, env, lock);
   if (!setup) {
     env.user.message(failureText(setup.error()), Icon::Exclamation);
     return false;
   }
   const auto transfer = makeTransfer();
-  const auto http = makeHttpClient();
   frmFTP dialog(setup->job, setup->options(), {*transfer, env.user, env.clock}, &window);
   dialog.steps.exportSql = [&] { setup->exportSql(env.user); };
-  dialog.steps.updateDatabase = [&] { return showUpdate(session, env, *http, dialog); };
+  dialog.steps.updateDatabase = [&] { return updateInWindow(session, env, &dialog); };
   dialog.steps.openSite = [&window] {
     const std::string address = window.workbench().shown(*editorOf(EditedSet::Generale, shopAddressField));
     if (!address.empty()) window.workbench().openDocument(address);
@@ -41,8 +41,9 @@ bool runPublish(frmMain& window, Session& session, Environment& env) {
 
 }  // namespace
 
-void wirePublishRun(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
-  dialogs.publish = [&] { return runPublish(window, session, env); };
+WorkbenchDialogs::Dialog publishRun(frmMain& window, Session& session, Environment& env,
+                                    std::shared_ptr<LockStatements> lock) {
+  return [&window, &session, &env, lock = std::move(lock)] { return runPublish(window, session, env, *lock); };
 }
 
 }  // namespace kv

@@ -14,12 +14,12 @@ constexpr const char* builtFirst = "E' necessario costruire il negozio prima di 
 
 }  // namespace
 
-Result<PublishSetup> PublishSetup::of(Session& session, Environment& env) {
+Result<PublishSetup> PublishSetup::of(Session& session, Environment& env, LockStatements& lock) {
   auto job = publishJobOf(session);
   if (!job) return fail(job.error());
-  PublishSetup setup(session, env);
+  PublishSetup setup(session, env, lock);
   setup.job = std::move(*job);
-  setup.settings = AvanzateTrasf(session.ShopFolder, env.settings, setup.lock_);
+  setup.settings = AvanzateTrasf(session.ShopFolder, env.settings, lock);
   setup.way = readFirewallSettings(session.ShopFolder);
   return setup;
 }
@@ -27,7 +27,7 @@ Result<PublishSetup> PublishSetup::of(Session& session, Environment& env) {
 void PublishSetup::exportSql(UserPort& user) {
   const auto shop = readPublishedShop(session_->catalogue);
   if (!shop) return user.message(failureText(shop.error()), Icon::Exclamation);
-  exportForPublishing({session_->ShopFolder, session_->onlineFolder, user, env_->settings, lock_}, *shop,
+  exportForPublishing({session_->ShopFolder, session_->onlineFolder, user, env_->settings, *lock_}, *shop,
                       settings.allRecords);
 }
 

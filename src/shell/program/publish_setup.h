@@ -16,7 +16,7 @@ class PublishSetup {
  public:
   /// Reads what the run needs, and puts the choices for the SQL files into force (AvanzateTrasf). References outlive
   /// the object. Failures as Database::prepare.
-  static Result<PublishSetup> of(Session& session, Environment& env);
+  static Result<PublishSetup> of(Session& session, Environment& env, LockStatements& lock);
 
   PublishJob job;
   PublishSettings settings;
@@ -31,10 +31,11 @@ class PublishSetup {
   std::string updateDatabase(UserPort& user, HttpClient& http, const std::function<bool()>& yield) const;
 
  private:
-  PublishSetup(Session& session, Environment& env) : session_(&session), env_(&env) {}
+  PublishSetup(Session& session, Environment& env, LockStatements& lock)
+      : session_(&session), env_(&env), lock_(&lock) {}
   Session* session_;
   Environment* env_;
-  LockStatements lock_;
+  LockStatements* lock_;
 };
 
 /// Whether the shop has been built; else the user is told to.
