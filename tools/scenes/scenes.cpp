@@ -154,6 +154,13 @@ void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, "shop.rest
 void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, "help.about", name); }
 void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, "shop.cleanFolders", name); }
 
+void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "connection.settings", name); }
+/// What is sent, once the shop has been built.
+void takePublishing(Stage& stage, const QString& name) {
+  const auto& options = stage.window().workbench().ports().dialogs.publishOptions;
+  stage.during([&] { static_cast<void>(options()); }, [&](QWidget&) { stage.take(name); });
+}
+
 void takeNewTag(Stage& stage, const QString& name) {
   stage.during([&] { stage.choose("customTags"); },
                [&](QWidget& dialog) {
@@ -322,6 +329,8 @@ std::span<const Scene> sceneTable() {
                                      Scene{"guida-costruisci", takeGuideBuild},
                                      Scene{"costruzione", takeBuild},
                                      Scene{"costruito", takeBuilt},
+                                     Scene{"connessione", takeConnection},
+                                     Scene{"pubblicazione", takePublishing},
                                      Scene{"stretta", takeNarrow}};
   return scenes;
 }

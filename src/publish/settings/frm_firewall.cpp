@@ -48,7 +48,7 @@ frmFirewall::frmFirewall(std::string shopFolder, UserPort& user, Verifier verify
   });
   if (verify) {
     auto* cmdVerifica =
-        named(buttons->addButton(toQt("&Verifica connessione"), QDialogButtonBox::ActionRole), "cmdVerifica");
+        named(buttons->addButton(toQt("&Verifica connessione"), QDialogButtonBox::ResetRole), "cmdVerifica");
     connect(cmdVerifica, &QPushButton::clicked, this, [this, verify = std::move(verify)] { verify(shown()); });
   }
   connect(buttons, &QDialogButtonBox::accepted, this, &frmFirewall::save);
