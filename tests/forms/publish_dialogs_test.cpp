@@ -42,6 +42,8 @@ class TheSendingDialog : public PublishDialog {
     dialog.emplace(session, env, lock);
     show(*dialog);
   }
+  /// Chooses a box or a choice, wherever its caption ends in the row it fills.
+  void choose(const char* name) { control<QAbstractButton>(*dialog, name)->click(); }
   bool isOn(const char* name) const { return control<QAbstractButton>(*dialog, name)->isChecked(); }
   bool isEnabled(const char* name) const { return control<QWidget>(*dialog, name)->isEnabled(); }
 
@@ -72,9 +74,9 @@ TEST_F(TheSendingDialog, OkWithDefaultsLeavesNoFile) {
 
 TEST_F(TheSendingDialog, OkWritesWhatIsShown) {
   start();
-  click(*dialog, "chkImpo");
+  choose("chkImpo");
   EXPECT_TRUE(isEnabled("chkTipo1"));
-  for (const char* name : {"chkTipo1", "chkTipo4", "chkModificati", "optMySql4"}) click(*dialog, name);
+  for (const char* name : {"chkTipo1", "chkTipo4", "chkModificati", "optMySql4"}) choose(name);
   click(*dialog, "cmdOK");
   EXPECT_EQ(file("kvftp.ini"),
             "MODE: 0\r\nSHOP: 1\r\nTYPE: .gif.jpg.jpeg.png.bmp.mdb.csv.sql.\r\nOPDB: -1\r\nDISA: 0\r\nOPTM: 0\r\n"
@@ -92,18 +94,18 @@ TEST_F(TheSendingDialog, WhatWasWrittenIsShownAgain) {
 
 TEST_F(TheSendingDialog, WithoutFtpTheFilesCannotBeChosen) {
   start();
-  click(*dialog, "chkImpo");
-  click(*dialog, "optNonAbilitato");
+  choose("chkImpo");
+  choose("optNonAbilitato");
   for (const char* name : {"chkModificati", "chkNegozio", "chkImpo", "chkTipo1"}) EXPECT_FALSE(isEnabled(name)) << name;
   EXPECT_TRUE(isEnabled("optTutti"));
-  click(*dialog, "optAbilitato");
+  choose("optAbilitato");
   for (const char* name : {"chkModificati", "chkNegozio", "chkImpo", "chkTipo1"}) EXPECT_TRUE(isEnabled(name)) << name;
 }
 
 TEST_F(TheSendingDialog, TheResetBringsTheDefaultsBack) {
   start();
   for (const char* name : {"chkModificati", "chkImpo", "chkTipo2", "optNonAbilitato"}) {
-    if (isEnabled(name)) click(*dialog, name);
+    choose(name);
   }
   click(*dialog, "cmdReset");
   EXPECT_TRUE(isOn("chkModificati") && isOn("chkTipo2") && isOn("optAbilitato"));
@@ -145,7 +147,7 @@ TEST_F(TheSendingDialog, AShopThatIsNotBuiltIsToldAndNothingIsShown) {
 TEST_F(TheSendingDialog, AFailureToWriteIsToldAndTheDialogStays) {
   start();
   ASSERT_TRUE(createFolder(shop + "/kvftp.ini"));
-  click(*dialog, "chkModificati");
+  choose("chkModificati");
   click(*dialog, "cmdOK");
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_TRUE(user.shown[0].text.starts_with("Errore: "));
@@ -155,7 +157,7 @@ TEST_F(TheSendingDialog, AFailureToWriteIsToldAndTheDialogStays) {
 TEST_F(TheSendingDialog, EscapeLeavesTheFileAlone) {
   ASSERT_TRUE(writeBytes(shop + "/kvftp.ini", "MODE: 0\r\n"));
   start();
-  click(*dialog, "chkModificati");
+  choose("chkModificati");
   expectEscapeLeaves(*dialog);
   EXPECT_EQ(file("kvftp.ini"), "MODE: 0\r\n");
 }
@@ -222,6 +224,17 @@ TEST_F(TheConnectionDialog, TheResetDeletesTheFileOnlyOnOk) {
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optPassiva")->isChecked());
 }
 
+TEST_F(TheConnectionDialog, TheConnectionIsTriedAsShown) {
+  FirewallSettings tried;
+  dialog.emplace(shop, user, [&](const FirewallSettings& shown) { tried = shown; });
+  show(*dialog);
+  type("txtPortaFTP", "2121");
+  click(*dialog, "cmdVerifica");
+  EXPECT_EQ(tried.ftpPort, "2121");
+  EXPECT_EQ(file("firewall.net"), "(missing)");
+  EXPECT_TRUE(dialog->isVisible());
+}
+
 TEST_F(TheConnectionDialog, EscapeWritesNothing) {
   start();
   click(*dialog, "optAttiva");
@@ -238,7 +251,7 @@ class TheServerFolderDialog : public PublishDialog {
   void start() {
     dialog.emplace(shopFolderTitle, ConnectionSettings(), server, user);
     show(*dialog);
-    QTest::qWaitFor([this] { return !server.commands.empty(); });
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !server.commands.empty(); }));
     QApplication::processEvents();
   }
   QListWidgetItem* item(int row) const { return control<QListWidget>(*dialog, "lstCartelle")->item(row); }

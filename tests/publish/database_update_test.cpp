@@ -263,6 +263,7 @@ TEST_F(DatabaseUpdate, WithoutANumberOfLanguagesNothingIsAskedAndNothingIsTakenF
   ASSERT_TRUE(deleteFile(shop + "/online/abc.sc"));
   EXPECT_EQ(run(), logAdvice());
   EXPECT_TRUE(host.requests.empty());
+  EXPECT_EQ(read("db/last.mdb"), "(missing)");
 }
 
 TEST_F(DatabaseUpdate, SqlFilesThatAnybodyCanReadAreWarnedOf) {
@@ -275,7 +276,7 @@ TEST_F(DatabaseUpdate, SqlFilesThatAnybodyCanReadAreWarnedOf) {
             "scrivibile la cartella del negozio.");
 }
 
-TEST_F(DatabaseUpdate, APageInTheirPlaceIsNoSqlFile) {
+TEST_F(DatabaseUpdate, APageInsteadIsNoSqlFile) {
   host.pages["http://www.a.it/shop/db.sql"] = {200, "<html>non trovato</html>"};
   EXPECT_EQ(run(), "OK");
   EXPECT_TRUE(user.shown.empty());

@@ -114,7 +114,7 @@ TEST_F(IncrementalExportTest, TheSeparatorEndsEveryStatementAndIsNamedInBothHead
             "UNLOCK TABLES;\\g\n");
 }
 
-TEST_F(IncrementalExportTest, ACacheThatStandsIsPublishedAgainWithoutReadingTheDatabases) {
+TEST_F(IncrementalExportTest, AnExistingCacheIsPublishedAgainWithoutReadingTheDatabases) {
   put("abcdbupd.sc", "#abc\r\nkept\r\n");
   put("abcdbdelupd.sc", "#abc\r\nkept too\r\n");
   ASSERT_TRUE(run());

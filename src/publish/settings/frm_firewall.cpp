@@ -35,7 +35,7 @@ QComboBox* addNames(QFormLayout& form, std::string_view label, std::string_view 
 
 }  // namespace
 
-frmFirewall::frmFirewall(std::string shopFolder, UserPort& user, QWidget* parent)
+frmFirewall::frmFirewall(std::string shopFolder, UserPort& user, Verifier verify, QWidget* parent)
     : FormDialog(firewallTitle, parent), shopFolder_(std::move(shopFolder)), user_(user) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(makeConnection());
@@ -46,6 +46,11 @@ frmFirewall::frmFirewall(std::string shopFolder, UserPort& user, QWidget* parent
   connect(cmdReset, &QPushButton::clicked, this, [this] {
     if (resetFirewall(shopFolder_, user_)) show({});
   });
+  if (verify) {
+    auto* cmdVerifica =
+        named(buttons->addButton(toQt("&Verifica connessione"), QDialogButtonBox::ActionRole), "cmdVerifica");
+    connect(cmdVerifica, &QPushButton::clicked, this, [this, verify = std::move(verify)] { verify(shown()); });
+  }
   connect(buttons, &QDialogButtonBox::accepted, this, &frmFirewall::save);
   column->addWidget(buttons);
   show(readFirewallSettings(shopFolder_));

@@ -1,6 +1,7 @@
 #pragma once
 // The dialog of the way to the server: kind of connection, encryption, firewall.
 
+#include <functional>
 #include <string>
 
 #include "platform/ports/user_port.h"
@@ -17,8 +18,11 @@ namespace kv {
 /// The tag is "OK" when firewall.net has been written.
 class frmFirewall final : public FormDialog {
  public:
-  /// `user` outlives the dialog.
-  frmFirewall(std::string shopFolder, UserPort& user, QWidget* parent = nullptr);
+  /// Tries the connection with the settings as shown, and tells what was found.
+  using Verifier = std::function<void(const FirewallSettings& settings)>;
+
+  /// `user` outlives the dialog. Without a verifier there is no button for it.
+  frmFirewall(std::string shopFolder, UserPort& user, Verifier verify = {}, QWidget* parent = nullptr);
 
  private:
   QWidget* makeConnection();

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace kv {
 namespace {
@@ -16,6 +17,7 @@ constexpr std::string_view publishOptionsTitle = "Korvane - Aggiornamento del si
 constexpr std::array<std::string_view, typeGroups.size()> typeCaptions{
     "Pagine (&htm, html, shtm, shtml, css, js)", "&Immagini (gif, jpg, jpeg, png, bmp)", "&Dati (mdb, csv, sql)",
     "&Script (pl, asp, php)"};
+constexpr std::string_view publishHelp = "pagine/pubblicare.htm";
 constexpr int typeIndent = 24;
 
 /// The choices of a shop, the question about another host included.
@@ -34,7 +36,7 @@ QGroupBox* groupNamed(std::string_view caption) {
 
 }  // namespace
 
-frmImpostaFTP::frmImpostaFTP(Session& session, Environment& env, LockStatements& lock, QWidget* parent)
+frmImpostaFTP::frmImpostaFTP(Session& session, Environment& env, LockStatements& lock, HelpOpener help, QWidget* parent)
     : FormDialog(publishOptionsTitle, parent), session_(session), env_(env) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(makeFiles());
@@ -47,6 +49,7 @@ frmImpostaFTP::frmImpostaFTP(Session& session, Environment& env, LockStatements&
     options.reset();
     show(options);
   });
+  addHelp(buttons, std::move(help), publishHelp);
   connect(buttons, &QDialogButtonBox::accepted, this, &frmImpostaFTP::save);
   column->addWidget(buttons);
   if (isBuilt(session.ShopFolder)) show(loadOptions(session, env, lock, session.catalogue));

@@ -17,8 +17,9 @@ namespace kv {
 /// The tag is "OK" when the choices are kept and the run may begin.
 class frmImpostaFTP final : public FormDialog {
  public:
-  /// `session` and `env` outlive the dialog; `lock` is the flag that the exports read.
-  frmImpostaFTP(Session& session, Environment& env, LockStatements& lock, QWidget* parent = nullptr);
+  /// `session` and `env` outlive the dialog; `lock` is the flag that the exports read. `help` may be empty.
+  frmImpostaFTP(Session& session, Environment& env, LockStatements& lock, HelpOpener help = {},
+                QWidget* parent = nullptr);
 
   /// Shows the dialog, unless the shop hasn't been built: then the user is told, and the tag is empty.
   int exec() override;

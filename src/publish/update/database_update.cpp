@@ -23,7 +23,7 @@ constexpr int updateTimeout = 28800;
 constexpr int diagnosisTimeout = 60;
 constexpr int firstRefusal = 400;
 
-/// Letters that keep a request from being answered from a cache.
+/// Characters that keep a request from being answered from a cache.
 std::string requestToken(RandomSource& random) {
   std::string token;
   for (int i = 0; i < tokenLength; ++i) token += static_cast<char>('a' + random.below(alphabetLength));
@@ -40,7 +40,7 @@ HttpRequest updateRequest(const UpdateJob& job, const UpdateParts& parts, int la
   return request;
 }
 
-/// One language's answer, cleaned and logged; Cancelled, or the failure that takes its place.
+/// One language's answer, cleaned and logged; Cancelled, or the failure that is shown instead.
 Result<std::string> askHost(const UpdateJob& job, const UpdateParts& parts, int language) {
   const auto response = parts.http.send(updateRequest(job, parts, language), parts.yield);
   if (!response) return fail(response.error());
@@ -154,9 +154,9 @@ Result<std::string> UpdateDB(const UpdateJob& job, const UpdateParts& parts) {
 
 std::string updateDatabase(const UpdateJob& job, const UpdateParts& parts) {
   const double languages = languagesOf(job);
+  if (const auto gone = forgetLastRun(job.shopFolder); !gone) return failureText(gone.error(), "last.mdb");
   // Without a number of languages nothing would be asked, and nothing may be taken for loaded.
   if (languages < 1) return failureTag(job, {});
-  if (const auto gone = forgetLastRun(job.shopFolder); !gone) return failureText(gone.error(), "last.mdb");
   if (const auto gone = forgetSentSql(job.shopFolder); !gone) return failureText(gone.error(), "kvftp.mdb");
   const auto answers = UpdateDB(job, parts);
   if (!answers) return {};

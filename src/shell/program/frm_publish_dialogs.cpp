@@ -3,9 +3,12 @@
 #include <memory>
 
 #include "platform/ports/failure_text.h"
+#include "platform/text/text.h"
+#include "publish/settings/connection_check.h"
 #include "publish/settings/frm_firewall.h"
 #include "publish/settings/frm_folder_ftp.h"
 #include "publish/settings/frm_imposta_ftp.h"
+#include "publish/update/database_update.h"
 #include "shell/program/frm_publishing.h"
 #include "shell/workbench/fields/editor_table.h"
 
@@ -31,6 +34,27 @@ bool chooseFolderOfServer(frmMain& window, Session& session, Environment& env, S
   return true;
 }
 
+/// Tries the connection with settings that needn't be stored yet, and shows what was found.
+void verifyConnection(Session& session, UserPort& user, const FirewallSettings& way) {
+  const auto job = updateJobOf(session);
+  const auto login = readServerLogin(session.catalogue);
+  const auto folder = session.catalogue.scalar("SELECT folderFTP FROM generale");
+  if (!job || !login || !folder) {
+    const Error& error = !job ? job.error() : !login ? login.error() : folder.error();
+    return user.message(failureText(error), Icon::Exclamation);
+  }
+  const auto transfer = makeTransfer();
+  const auto http = makeHttpClient();
+  std::string found;
+  {
+    const WaitCursor waiting;
+    const ConnectionCheck check{connectionOf(*login, way, 0), asText(*folder),
+                                trim(job->shop.URL).empty() ? std::string() : job->siteBase};
+    found = checkConnection(check, {*transfer, *http, user, [&user] { return user.yield(); }});
+  }
+  user.message(found, Icon::Information);
+}
+
 }  // namespace
 
 void wirePublishing(frmMain& window, Session& session, Environment& env) {
@@ -38,14 +62,16 @@ void wirePublishing(frmMain& window, Session& session, Environment& env) {
   // One for all exports of the program: a shop without kvftp.ini leaves it as it was.
   const auto lock = std::make_shared<LockStatements>();
   dialogs.publishOptions = [&, lock] {
-    frmImpostaFTP dialog(session, env, *lock, &window);
+    const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };
+    frmImpostaFTP dialog(session, env, *lock, help, &window);
     dialog.exec();
     return !dialog.tag().empty();
   };
   dialogs.publish = publishRun(window, session, env, lock);
   dialogs.chooseServerFolder = [&](ServerFolder folder) { return chooseFolderOfServer(window, session, env, folder); };
   dialogs.connectionSettings = [&] {
-    frmFirewall dialog(session.ShopFolder, env.user, &window);
+    const auto verify = [&](const FirewallSettings& way) { verifyConnection(session, env.user, way); };
+    frmFirewall dialog(session.ShopFolder, env.user, verify, &window);
     dialog.exec();
     return !dialog.tag().empty();
   };

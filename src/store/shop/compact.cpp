@@ -1,6 +1,7 @@
 #include "store/shop/compact.h"
 
 #include "platform/files/files.h"
+#include "platform/files/private_file.h"
 #include "platform/numbers/number_format.h"
 #include "store/shop/shop_folders.h"
 
@@ -38,6 +39,7 @@ Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename) {
     if (auto deleted = deleteFile(old); !deleted) return deleted;
   }
   if (auto written = held->compactTo(files.compacted); !written) return written;
+  if (auto closed = restrictToOwner(files.compacted); !closed) return closed;
   if (auto prepared = held->prepareRename(); !prepared) return prepared;
   return swapInCompacted(shopFolder, rename);
 }

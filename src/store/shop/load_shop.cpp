@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "platform/files/files.h"
+#include "platform/files/private_file.h"
 #include "platform/text/text.h"
 #include "store/shop/open_shop.h"
 #include "store/shop/order_numbers.h"
@@ -39,6 +40,9 @@ bool isIncompatible(const std::string& path) {
 
 void completeShop(const Session& session, const Environment& env) {
   if (env.hooks.CompletaGateway) env.hooks.CompletaGateway(session.ShopFolder);
+  // It holds the passwords of the server and of its database, and so will its copies.
+  ignore(restrictToOwner(joinPath(session.ShopFolder, catalogueFile)),
+         "a shop on a medium that can't be changed opens");
   if (isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
   if (env.hooks.CopiaCatalogo) env.hooks.CopiaCatalogo(session.ShopFolder);
   if (env.hooks.AggiornaNegozio) env.hooks.AggiornaNegozio(session.ShopFolder);
