@@ -5,6 +5,7 @@ The folder that the FTP server writes to is the document root of a web host with
 each publish the shop is live.
 """
 import pathlib
+import random
 import shutil
 import sqlite3
 import subprocess
@@ -126,6 +127,23 @@ class Publishing(unittest.TestCase):
     def test_over_a_server_that_speaks_the_newest_tls_alone(self):
         with FtpServer("proftpd", self.live.shop, newest=True) as server:
             self.publish_twice(server, "--answer", "yes")
+
+    def test_after_a_kill_at_any_moment_the_next_run_brings_everything_right(self):
+        chance = random.Random(20240229)
+        with FtpServer("pyftpdlib", self.live.shop) as server:
+            self.publish_twice(server)
+            for round_number in range(10):
+                self.change("UPDATE articoli SET prezzo = prezzo + 10000, titolo = 'Giro ' || ?", round_number)
+                self.build()
+                words = [KORVANE, "publish", *chance.choice([[], ["--all"]]), str(self.shop)]
+                running = subprocess.Popen(words, env=self.live.environment, stdin=subprocess.DEVNULL,
+                                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                try:
+                    running.wait(chance.uniform(0.1, 1.5))
+                except subprocess.TimeoutExpired:
+                    running.kill()
+                running.wait()
+                self.assert_published()
 
     def test_a_certificate_that_nobody_has_signed_is_refused_by_default(self):
         with FtpServer("proftpd", self.live.shop) as server:

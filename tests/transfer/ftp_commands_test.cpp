@@ -119,6 +119,14 @@ TEST_F(AnFtpConnection, NamesALocalFileThatCannotBeRead) {
   EXPECT_EQ(server.commands("STOR"), std::vector<std::string>{});
 }
 
+TEST_F(AnFtpConnection, IsNotMadeInTheClearWhenAnotherProtocolIsWanted) {
+  ScriptedFtpServer server;
+  auto settings = settingsOf(server);
+  settings.protocol = TransferProtocol::Sftp;
+  EXPECT_EQ(enter(settings), "20000 il protocollo SFTP non è disponibile");
+  EXPECT_EQ(server.connections(), 0);
+}
+
 TEST_F(AnFtpConnection, IsNoneWithoutAServer) {
   ConnectionSettings settings;
   settings.host = "127.0.0.1";

@@ -99,6 +99,7 @@ TransferCompletion FtpTransfer::run(int silenceSeconds, const Work& work) {
 
 TransferCompletion FtpTransfer::connect(const ConnectionSettings& settings) {
   session_.control.close();
+  if (settings.protocol != TransferProtocol::Ftp) return {transferOther, "il protocollo SFTP non è disponibile", {}};
   session_.control.secrets = {settings.password, settings.firewallPassword};
   session_.settings = settings;
   session_.secureData = false;

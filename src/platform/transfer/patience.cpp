@@ -57,4 +57,12 @@ Result<> Patience::pause() {
   return transferFailure(transferCancelled, "operazione annullata");
 }
 
+bool waitFor(int milliseconds, const std::function<bool()>& yield) {
+  for (int waited = 0; waited < milliseconds; waited += Patience::step) {
+    ::poll(nullptr, 0, std::min(Patience::step, milliseconds - waited));
+    if (yield && !yield()) return false;
+  }
+  return true;
+}
+
 }  // namespace kv

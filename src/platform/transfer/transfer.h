@@ -105,7 +105,10 @@ class Transfer {
   virtual bool isConnected() const = 0;
 };
 
-/// A connection over FTP, or over SFTP where the settings given to connect() say so.
+/// Waits while events go on. False as soon as `yield` says so.
+bool waitFor(int milliseconds, const std::function<bool()>& yield);
+
+/// A connection over FTP. Settings that ask for SFTP are refused by connect() with transferOther.
 std::unique_ptr<Transfer> makeTransfer();
 
 }  // namespace kv

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/ports/result.h"
 
@@ -23,5 +24,9 @@ std::string CaricaListaFiles(const std::string& shopFolder);
 /// CaricaFile (is the file loaded): whether a file may be sent. The cached dumps (".sc") never are.
 /// path: its name, or a path that ends with it.
 bool CaricaFile(std::string_view path, const FileChoice& choice);
+
+/// The order in which visitors notice least of a publish under way: pictures and scripts, then the pages that show
+/// them, the SQL files last. Within a kind the order stays.
+std::vector<std::string> inSendingOrder(std::vector<std::string> names);
 
 }  // namespace kv

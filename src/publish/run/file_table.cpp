@@ -1,10 +1,12 @@
 #include "publish/run/file_table.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
 #include <utility>
 
+#include "platform/text/text.h"
 #include "store/schema/schema.h"
 #include "store/shop/shop_folders.h"
 
@@ -24,7 +26,7 @@ std::string stampText(std::int64_t changedAt) {
   return std::string(text.data(), size) + "." + digits;
 }
 
-Result<FileTable> FileTable::open(const std::string& shopFolder) {
+Result<FileTable> FileTable::open(const std::string& shopFolder, bool withDigests) {
   const std::string path = joinPath(shopFolder, transferFile);
   if (!fileExists(path)) {
     const auto tables = transferTables();
@@ -32,7 +34,17 @@ Result<FileTable> FileTable::open(const std::string& shopFolder) {
   }
   auto database = Database::open(path, OpenMode::Exclusive);
   if (!database) return fail(database.error());
-  return FileTable(std::move(*database));
+  const auto rows = database->table("file");
+  if (!rows) return fail(rows.error());
+  bool hasDigests = std::any_of(rows->columns.begin(), rows->columns.end(),
+                                [](const ColumnInfo& column) { return equalsIgnoringCase(column.name, "impronta"); });
+  if (withDigests && !hasDigests) {
+    if (auto added = database->execute("ALTER TABLE file ADD COLUMN impronta TEXT"); !added) return fail(added.error());
+    hasDigests = true;
+  }
+  FileTable table(std::move(*database));
+  table.hasDigests_ = hasDigests;
+  return table;
 }
 
 FileTable::~FileTable() {
@@ -54,16 +66,18 @@ Result<> FileTable::keep() {
 }
 
 Result<std::optional<SentFile>> FileTable::find(const std::string& key) {
-  auto query = database_.prepare("SELECT data, peso FROM file WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
+  const std::string columns = hasDigests_ ? "data, peso, impronta" : "data, peso, NULL";
+  auto query = database_.prepare("SELECT " + columns + " FROM file WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
   if (!query) return fail(query.error());
   query->bind(1, key);
   const auto found = query->step();
   if (!found) return fail(found.error());
   if (!*found) return std::optional<SentFile>();
-  return std::optional<SentFile>(SentFile{std::string(query->text(0)), query->integer(1)});
+  return std::optional<SentFile>(SentFile{std::string(query->text(0)), std::string(query->text(2)), query->integer(1)});
 }
 
-Result<> FileTable::write(const char* sql, const std::string& key, const FileStamp& stamp) {
+Result<> FileTable::write(const std::string& sql, const std::string& key, const FileStamp& stamp,
+                          const std::string& digest) {
   if (auto begun = begin(); !begun) return begun;
   auto statement = database_.prepare(sql);
   if (!statement) return fail(statement.error());
@@ -71,16 +85,20 @@ Result<> FileTable::write(const char* sql, const std::string& key, const FileSta
   statement->bind(1, key);
   statement->bind(2, text);
   statement->bind(3, static_cast<std::int64_t>(stamp.size));
+  if (hasDigests_) statement->bind(4, digest);
   if (auto written = statement->execute(); !written) return written;
   return group_ < groupSize ? Result<>() : keep();
 }
 
-Result<> FileTable::add(const std::string& key, const FileStamp& stamp) {
-  return write("INSERT INTO file (nome, data, peso) VALUES (?1, ?2, ?3)", key, stamp);
+Result<> FileTable::add(const std::string& key, const FileStamp& stamp, const std::string& digest) {
+  const char* const sql = hasDigests_ ? "INSERT INTO file (nome, data, peso, impronta) VALUES (?1, ?2, ?3, ?4)"
+                                      : "INSERT INTO file (nome, data, peso) VALUES (?1, ?2, ?3)";
+  return write(sql, key, stamp, digest);
 }
 
-Result<> FileTable::edit(const std::string& key, const FileStamp& stamp) {
-  return write("UPDATE file SET data = ?2, peso = ?3 WHERE nome = ?1 AND nome = ?1 COLLATE BINARY", key, stamp);
+Result<> FileTable::edit(const std::string& key, const FileStamp& stamp, const std::string& digest) {
+  const std::string columns = hasDigests_ ? "data = ?2, peso = ?3, impronta = ?4" : "data = ?2, peso = ?3";
+  return write("UPDATE file SET " + columns + " WHERE nome = ?1 AND nome = ?1 COLLATE BINARY", key, stamp, digest);
 }
 
 Result<> FileTable::doubt(std::span<const std::string> keys) {

@@ -21,6 +21,7 @@ std::string stampText(std::int64_t changedAt);
 /// What the table says of one file on one server.
 struct SentFile {
   std::string stamp;      ///< `data`, as stampText writes it; empty when it isn't known
+  std::string digest{};   ///< `impronta`, SHA-256 of its bytes; empty when it isn't known
   std::int64_t size = 0;  ///< `peso`, bytes; never compared
 };
 
@@ -31,8 +32,9 @@ class FileTable {
  public:
   /// The most rows of a group.
   static constexpr int groupSize = 32;
-  /// Opens kvftp.mdb of a shop; one that is missing is created. Failures as Database::open.
-  static Result<FileTable> open(const std::string& shopFolder);
+  /// Opens kvftp.mdb of a shop; one that is missing is created. withDigests: a table without the column `impronta`,
+  /// which is a later addition, gets it. Failures as Database::open.
+  static Result<FileTable> open(const std::string& shopFolder, bool withDigests = false);
   FileTable(FileTable&&) = default;
   FileTable& operator=(FileTable&&) = delete;
   /// Keeps the rows of the group that is open.
@@ -40,10 +42,10 @@ class FileTable {
 
   /// The row of a key; nothing when the file was never sent there.
   Result<std::optional<SentFile>> find(const std::string& key);
-  /// Adds the row of a new file.
-  Result<> add(const std::string& key, const FileStamp& stamp);
-  /// Writes time and size into the row of a known file.
-  Result<> edit(const std::string& key, const FileStamp& stamp);
+  /// Adds the row of a new file. digest: empty when it wasn't computed.
+  Result<> add(const std::string& key, const FileStamp& stamp, const std::string& digest = {});
+  /// Writes time, size and digest into the row of a known file.
+  Result<> edit(const std::string& key, const FileStamp& stamp, const std::string& digest = {});
   /// Notes that what is on the server may soon be half a file, so that these will be sent whatever their time. Rows
   /// that aren't there are no failure. Kept at once.
   Result<> doubt(std::span<const std::string> keys);
@@ -55,8 +57,9 @@ class FileTable {
   explicit FileTable(Database database) : database_(std::move(database)) {}
   Result<> begin();  // a group, unless one is open
   Result<> keep();   // ends the group that is open
-  Result<> write(const char* sql, const std::string& key, const FileStamp& stamp);
+  Result<> write(const std::string& sql, const std::string& key, const FileStamp& stamp, const std::string& digest);
   Database database_;
+  bool hasDigests_ = false;
   int group_ = 0;  // rows of the group that is open; 0: there is none
 };
 

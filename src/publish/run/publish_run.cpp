@@ -1,5 +1,6 @@
 #include "publish/run/publish_run.h"
 
+#include <array>
 #include <utility>
 
 #include "platform/ports/failure_text.h"
@@ -13,6 +14,7 @@ constexpr const char* seeSite =
     "Aggiornamento del negozio terminato. Vuoi vedere il sito?\n(aggiornare la pagina del browser se necessario)";
 constexpr const char* interrupted = "Aggiornamento interrotto";
 constexpr const char* listsUpdated = "I file di password sono stati aggiornati";
+constexpr std::array<int, 3> usualRetryPauses{1000, 5000, 15000};  // milliseconds
 constexpr const char* listTypes = ".ric.ris.";
 
 FolderUpload shopFolderOf(const PublishJob& job) {
@@ -110,6 +112,9 @@ UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settin
   options.disabled = settings.disabled;
   options.serverNT = job.serverNT;
   options.otpMode = job.otpMode;
+  options.safeUpload = settings.safeUpload;
+  options.contentCheck = settings.contentCheck;
+  if (settings.retry) options.retryPauses = {usualRetryPauses.begin(), usualRetryPauses.end()};
   if (job.otpMode == OtpMode::None) return options;
   options.sendAll = true;
   options.choice = {false, listTypes, {}};
@@ -122,7 +127,7 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
   bool cancelled = false;
   {
     // The table is closed before the update of the database, which deletes the rows of what the host has loaded.
-    auto table = FileTable::open(job.shopFolder);
+    auto table = FileTable::open(job.shopFolder, options.contentCheck);
     if (!table) {
       parts.user.message(failureText(table.error(), "kvftp.mdb"), Icon::Exclamation);
       return PublishOutcome::Failed;

@@ -10,6 +10,12 @@ constexpr const char* otherModeHint =
     "\nProvare a cambiare la modalità di connessione (attiva/passiva)\n"
     "nelle proprietà FTP avanzate (scheda \"Internet\", pulsante \"Avanzate\")";
 
+/// Whether a failure is one of the connection, which a new one may not have.
+bool isBroken(int code) {
+  return code == transferNoConnection || code == transferSilence || code == transferNoData ||
+         code == transferOther + 421;
+}
+
 }  // namespace
 
 void FolderUploader::WaitFTP(FtpState state, const TransferCompletion& completion) {
@@ -41,6 +47,8 @@ void FolderUploader::completeFailed(const TransferCompletion& completion) {
 void FolderUploader::refuse(const TransferCompletion& completion, const std::string& hint) {
   failed_ = true;
   if (cancelled_ || completion.code == transferCancelled) return;
+  broken_ = attemptsLeft_ > 0 && isBroken(completion.code);
+  if (broken_) return;
   parts_.user.message("Errore: " + completion.text + hint, Icon::Exclamation);
   shown_ = true;
 }
@@ -48,8 +56,8 @@ void FolderUploader::refuse(const TransferCompletion& completion, const std::str
 void FolderUploader::noteSent() {
   ++report_.sent;
   report_.bytesSent += file_.stamp.size;
-  tellTable(state_ == FtpState::UploadNew ? parts_.table.add(file_.key, file_.stamp)
-                                          : parts_.table.edit(file_.key, file_.stamp));
+  tellTable(state_ == FtpState::UploadNew ? parts_.table.add(file_.key, file_.stamp, file_.digest)
+                                          : parts_.table.edit(file_.key, file_.stamp, file_.digest));
   showProgress(0);
 }
 

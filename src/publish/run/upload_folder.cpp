@@ -25,7 +25,8 @@ bool FolderUploader::UpdateFTP(const FolderUpload& folder) {
   folder_ = folder;
   failed_ = shown_ = false;
   parts_.view.title("Korvane - " + folder.title);
-  const std::vector<std::string> names = listFiles(folder.localFolder, "*.*");
+  std::vector<std::string> names = listFiles(folder.localFolder, "*.*");
+  if (options_.safeUpload) names = inSendingOrder(std::move(names));
   if (names.empty()) return emptyFolder();
   if (options_.disabled) return carriedByHand();
   host_ = options_.connection.host = serverHost(options_.connection.host);
@@ -100,48 +101,6 @@ void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_
 }
 
 std::string FolderUploader::keyOf(const std::string& name) const { return host_ + "/" + target_ + "/" + name; }
-
-void FolderUploader::sendIfNewer(const std::string& name) {
-  MessaggioFTP("Confronto del file " + name, false);
-  file_ = {name, joinPath(folder_.localFolder, name), keyOf(name), {}, false};
-  const auto stamp = fileStamp(file_.path);
-  if (!stamp) return tellTable(fail(stamp.error()));
-  file_.stamp = *stamp;
-  const auto row = parts_.table.find(file_.key);
-  if (!row) return tellTable(fail(row.error()));
-  file_.known = row->has_value();
-  const bool newer = !file_.known || stampText(stamp->changedAt) > (*row)->stamp;
-  progress_.file = name;
-  progress_.fileSize = stamp->size;
-  if (!newer && !options_.sendAll) {
-    ++report_.skipped;
-    return showProgress(0);
-  }
-  sendFile(file_);
-  if (failed_ && report_.failedFile.empty()) report_.failedFile = name;
-}
-
-void FolderUploader::sendFile(const FileInHand& file) {
-  MessaggioFTP("Invio del file " + file.name, false);
-  showProgress(0);
-  const bool appends = options_.otpMode == OtpMode::Append;
-  // What is appended to must stay.
-  if (!appends) WaitFTP(FtpState::DeleteBefore, parts_.transfer.deleteFile(file.name));
-  if (!failed_) storeFile(file);
-}
-
-void FolderUploader::storeFile(const FileInHand& file) {
-  const FtpState state = file.known ? FtpState::UploadKnown : FtpState::UploadNew;
-  const bool isScript = endsWithIgnoringCase(file.name, ".pl");
-  const bool isList = endsWithIgnoringCase(file.name, ".ris") || endsWithIgnoringCase(file.name, ".ric");
-  const TransferMode mode = isScript || isList ? TransferMode::Ascii : TransferMode::Binary;
-  const bool appends = isList && options_.otpMode == OtpMode::Append;
-  WaitFTP(state, appends ? parts_.transfer.append(file.path, file.name, mode)
-                         : parts_.transfer.upload(file.path, file.name, mode));
-  if (failed_ || options_.serverNT || !(isScript || isList)) return;
-  const std::string rights = isScript ? "755 " : "666 ";
-  WaitFTP(FtpState::Other, parts_.transfer.rawCommand("SITE chmod " + rights + file.name));
-}
 
 bool FolderUploader::enterOrMake(const std::string& part) {
   if (parts_.transfer.changeFolder(part).succeeded()) return true;

@@ -3,6 +3,7 @@
 // file table remembers. One object serves one run, its two folders one after the other over one connection.
 
 #include <string>
+#include <vector>
 
 #include "platform/ports/clock.h"
 #include "platform/ports/user_port.h"
@@ -37,6 +38,10 @@ struct UploadOptions {
   bool disabled = false;       ///< the merchant carries the files by hand
   bool serverNT = false;       ///< the server is Windows: no permissions are set
   OtpMode otpMode = OtpMode::None;
+  bool safeUpload = false;    ///< each file under a temporary name, then renamed over the old one; pages late, SQL last
+  bool contentCheck = false;  ///< a newer file with the bytes last sent isn't sent
+  /// How long to wait before each further attempt after the connection broke, in milliseconds; empty: none is made.
+  std::vector<int> retryPauses{};
 };
 
 /// One folder to be sent.
@@ -74,6 +79,7 @@ class FolderUploader {
   struct FileInHand {
     std::string name, path, key;
     FileStamp stamp;
+    std::string digest;  // empty when it isn't wanted
     bool known = false;
   };
 
@@ -84,8 +90,14 @@ class FolderUploader {
   void doubtNext(const std::vector<std::string>& names, std::size_t from);
   std::string keyOf(const std::string& name) const;
   void sendIfNewer(const std::string& name);
-  void sendFile(const FileInHand& file);
-  void storeFile(const FileInHand& file);
+  bool hasSameContent(const SentFile& row) const;
+  void sendWithRetries();
+  bool connectAgain();
+  void sendFile();
+  void storeFile();
+  void storeSafely();
+  FtpState uploadState() const { return file_.known ? FtpState::UploadKnown : FtpState::UploadNew; }
+  void setRights();
   void noteSent();
   void tellTable(const Result<>& written);
   void CreaCartella();
@@ -110,6 +122,8 @@ class FolderUploader {
   bool failed_ = false;
   bool shown_ = false;
   bool cancelled_ = false;
+  bool broken_ = false;           // failed_, by a broken connection, and untold: there are attempts left
+  std::size_t attemptsLeft_ = 0;  // for the file in hand
   PublishProgress progress_;
   PublishReport report_;
   double startedAt_ = 0;
