@@ -54,23 +54,13 @@ Result<std::int64_t> exportDatabase(const DatabaseExport& job, const SqlStyle& s
   return writeLoadFile(*load, *database, *tables, job, style);
 }
 
-/// The files of one language: what the export makes, and what is published of it.
-struct LanguageFiles {
-  std::string cachedLoad, cachedDrop, load, drop;
-};
-
-LanguageFiles filesOf(std::string_view suffix, const std::string& sec) {
-  const std::string load = "db" + std::string(suffix), drop = "dbdel" + std::string(suffix);
-  return {sec + load + ".sc", sec + drop + ".sc", load + ".sql", drop + ".sql"};
-}
-
 void exportLanguages(const ExportContext& context, const std::string& sec, double languages, ExportReport& report) {
   const SqlStyle style = sqlStyle(context.settings, context.lock);
   for (int i = 0; i < maxLanguages && i + 1 <= languages; ++i) {
     const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(i)];
-    const LanguageFiles files = filesOf(suffix, sec);
-    const DatabaseExport job{joinPath(context.shopFolder, "db/sql.mdb"),
-                             joinPath(context.onlineFolder, files.cachedLoad),
+    const LanguageFiles files = languageFiles(ExportKind::Full, suffix, sec);
+    const std::string load = suffix.empty() ? unfinishedLoad(ExportKind::Full, sec) : files.cachedLoad;
+    const DatabaseExport job{joinPath(context.shopFolder, "db/sql.mdb"), joinPath(context.onlineFolder, load),
                              joinPath(context.onlineFolder, files.cachedDrop), std::string(suffix), sec};
     ignore(deleteFile(job.loadFilePath), "it is replaced anyway");
     ignore(deleteFile(job.dropFilePath), "it is replaced anyway");
@@ -79,6 +69,7 @@ void exportLanguages(const ExportContext& context, const std::string& sec, doubl
     report.rows += rows;
     ++report.languages;
   }
+  ignore(finishLoad(ExportKind::Full, context.onlineFolder, sec), "nothing was written, and the user knows why");
 }
 
 }  // namespace
@@ -96,7 +87,7 @@ bool ExportDatabaseSql(const DatabaseExport& job, const SqlStyle& style, UserPor
 void ExportFullSql(const ExportContext& context, const std::string& sec, ExportReport* report) {
   ExportReport unasked;
   ExportReport& done = report != nullptr ? *report : unasked;
-  const std::string cache = joinPath(context.onlineFolder, filesOf("", sec).cachedLoad);
+  const std::string cache = joinPath(context.onlineFolder, languageFiles(ExportKind::Full, "", sec).cachedLoad);
   if (fileExists(cache) && isStale(cache, context.settings))
     ignore(deleteFile(cache), "a stale dump that stays is published again");
   if (!fileExists(cache)) {
@@ -104,17 +95,7 @@ void ExportFullSql(const ExportContext& context, const std::string& sec, ExportR
     if (languages == 0) return;
     exportLanguages(context, sec, languages, done);
   }
-  const auto publish = [&](const std::string& from, const std::string& to) {
-    const auto copied = copyFile(joinPath(context.onlineFolder, from), joinPath(context.onlineFolder, to));
-    // A language that the shop doesn't have has no file to copy.
-    if (!copied && !fileExists(joinPath(context.onlineFolder, from))) return;
-    (copied ? done.published : done.unwritten).push_back(to);
-  };
-  for (const std::string_view suffix : languageSuffixes) {
-    const LanguageFiles files = filesOf(suffix, sec);
-    publish(files.cachedLoad, files.load);
-    publish(files.cachedDrop, files.drop);
-  }
+  publishCopies(ExportKind::Full, context.onlineFolder, sec, done);
 }
 
 }  // namespace kv

@@ -3,14 +3,12 @@
 // file, which creates them and inserts every row. The files are made once for a build, under names that nobody
 // can guess (`<sec>db.sc`), and published as plain copies (`db.sql`).
 
-#include <array>
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "platform/files/settings.h"
 #include "platform/ports/user_port.h"
+#include "sqlexport/export_files.h"
 #include "sqlexport/sql_style.h"
 
 namespace kv {
@@ -22,15 +20,6 @@ struct ExportContext {
   UserPort& user;            ///< sees the failures
   const Settings& settings;
   const LockStatements& lock;
-};
-
-/// What a full export did, for a report to the user.
-struct ExportReport {
-  int languages = 0;                   ///< exported now; 0 when the files of an earlier export were still valid
-  std::int64_t rows = 0;               ///< written now
-  bool failed = false;                 ///< a failure was shown to the user
-  std::vector<std::string> published;  ///< names of the files copied, in order
-  std::vector<std::string> unwritten;  ///< names of those that were to be copied and could not be written
 };
 
 /// ExportFullSql (full export): makes sure that the .sql files of the shop's languages are in the online folder.

@@ -186,6 +186,8 @@ void writeRow(OutputFile& out, const Statement& row, const RowFormat& format, Ex
 
 }  // namespace
 
+std::string storeName(std::string_view name) { return "\"" + replaceAll(name, "\"", "\"\"") + "\""; }
+
 Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableInfo& table, const SqlStyle& style,
                                ExportWarnings& warnings) {
   auto name = SqlIdent(table.name, warnings);
@@ -193,7 +195,7 @@ Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableI
   auto format = rowFormat(table, *name, style, warnings);
   if (!format) return fail(format.error());
   // Without an order the engine might read the rows from an index that holds every column.
-  auto row = database.prepare("SELECT * FROM \"" + replaceAll(table.name, "\"", "\"\"") + "\" NOT INDEXED");
+  auto row = database.prepare("SELECT * FROM " + storeName(table.name) + " NOT INDEXED");
   if (!row) return fail(row.error());
   std::int64_t count = 0;
   for (;; ++count) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/files/files.h"
+#include "platform/text/public_address.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {

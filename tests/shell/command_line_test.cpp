@@ -37,6 +37,21 @@ TEST(CommandLine, TheExportOfTheDatabaseIsACommandOfItsOwn) {
   EXPECT_EQ(parse({"export-sql", "shop"})->command, CliCommand::ExportSql);
 }
 
+TEST(CommandLine, PublishingHasFlagsThatNoOtherCommandHas) {
+  const auto plain = parse({"publish", "shop"});
+  ASSERT_TRUE(plain);
+  EXPECT_EQ(plain->command, CliCommand::Publish);
+  EXPECT_FALSE(plain->dryRun || plain->all);
+  const auto flagged = parse({"--dry-run", "publish", "shop", "--all"});
+  ASSERT_TRUE(flagged);
+  EXPECT_TRUE(flagged->dryRun && flagged->all);
+  for (const char* flag : {"--dry-run", "--all"}) {
+    const auto refused = parse({"build", "shop", flag});
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().what, "--dry-run e --all valgono solo per publish");
+  }
+}
+
 TEST(CommandLine, OptionsComeBeforeBetweenOrAfterTheNames) {
   for (const auto& line : {parse({"--app", "data", "build", "shop"}), parse({"build", "--app", "data", "shop"}),
                            parse({"build", "shop", "--app=data"})}) {

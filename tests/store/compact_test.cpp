@@ -1,6 +1,7 @@
 // Compaction at the tenth close, and the catalogue that is left after each failure.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -95,6 +96,14 @@ TEST_F(Compaction, MakesTheFileSmaller) {
   close();
   EXPECT_LT(readBytes(shop + "/catalog.mdb")->size(), before);
   EXPECT_EQ(read(shop, "SELECT titolo FROM articoli"), "Lampada");
+}
+
+TEST_F(Compaction, LeavesACatalogueThatOtherUsersCannotRead) {
+  setTimes("9");
+  close();
+  struct stat status {};
+  ASSERT_EQ(::stat((shop + "/catalog.mdb").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0600U);
 }
 
 TEST_F(Compaction, KeepsTheNextAutomaticKey) {

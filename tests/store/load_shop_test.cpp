@@ -1,6 +1,7 @@
 // Loading a shop into the session: what is filled in, and each way to fail.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "shop_fixture.h"
 #include "store/shop/load_shop.h"
@@ -48,6 +49,21 @@ TEST_F(LoadingAShop, FillsTheSession) {
   EXPECT_EQ(session.languageNames[0], "italiano");
   EXPECT_EQ(session.currentLanguage, 1);
   EXPECT_THAT(user.shown, IsEmpty());
+}
+
+TEST_F(LoadingAShop, KeepsTheCatalogueWithItsPasswordsFromOtherUsers) {
+  const std::string catalogue = makeShop("uno") + "/catalog.mdb";
+  ASSERT_EQ(::chmod(catalogue.c_str(), 0644), 0);
+  unsigned whenCopied = 0;
+  const auto modeNow = [&] {
+    struct stat status {};
+    EXPECT_EQ(::stat(catalogue.c_str(), &status), 0);
+    return status.st_mode & 07777U;
+  };
+  env.hooks.CopiaCatalogo = [&](const std::string&) { whenCopied = modeNow(); };
+  ASSERT_EQ(load(std::string(folderOf(catalogue))), LoadResult::Opened);
+  EXPECT_EQ(whenCopied, 0600U) << "its copies take over what it has";
+  EXPECT_EQ(modeNow(), 0600U);
 }
 
 TEST_F(LoadingAShop, HoldsTheCatalogueForItself) {

@@ -177,6 +177,11 @@ void takeShippingCosts(Stage& stage, const QString& name) {
 void takeVariants(Stage& stage, const QString& name) {
   goToArticle(stage);
   takeEntry(stage, "article.variant1", name);
+void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "connection.settings", name); }
+/// What is sent, once the shop has been built.
+void takePublishing(Stage& stage, const QString& name) {
+  const auto& options = stage.window().workbench().ports().dialogs.publishOptions;
+  stage.during([&] { static_cast<void>(options()); }, [&](QWidget&) { stage.take(name); });
 }
 
 void takeNewTag(Stage& stage, const QString& name) {
@@ -364,6 +369,8 @@ std::span<const Scene> sceneTable() {
                                      Scene{"guida-costruisci", takeGuideBuild},
                                      Scene{"costruzione", takeBuild},
                                      Scene{"costruito", takeBuilt},
+                                     Scene{"connessione", takeConnection},
+                                     Scene{"pubblicazione", takePublishing},
                                      Scene{"stretta", takeNarrow}};
   return scenes;
 }

@@ -5,6 +5,7 @@
 
 #include "platform/files/files.h"
 #include "platform/numbers/number_format.h"
+#include "platform/text/public_address.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -15,11 +16,6 @@ constexpr std::string_view queryMark = ".php?n=";
 constexpr std::size_t longestExtension = 6;
 
 bool isLowerAlphanumeric(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); }
-
-std::string_view withoutClosingSlash(std::string_view text) {
-  if (!text.empty() && text.back() == '/') text.remove_suffix(1);
-  return text;
-}
 
 }  // namespace
 
@@ -32,17 +28,6 @@ std::string PageFile(std::string_view pagina, int n, std::string_view lingua) {
 std::string NoASPQuery(std::string_view file) {
   const auto mark = file.find(queryMark);
   return std::string(mark == std::string_view::npos ? file : file.substr(0, mark + 4));
-}
-
-std::string publicAddress(std::string_view url, std::string_view folder) {
-  url = trim(url);
-  std::string address = url.find("://") == std::string_view::npos ? "http://" : "";
-  address.append(url);
-  if (address.ends_with('/')) address.pop_back();
-  folder = withoutClosingSlash(trim(folder));
-  if (!folder.empty() && folder.front() == '/') folder.remove_prefix(1);
-  if (!folder.empty()) address.append("/").append(folder);
-  return address;
 }
 
 std::string URLNegozio(const FieldRow& generale) {

@@ -17,9 +17,6 @@ std::string PageFile(std::string_view pagina, int n, std::string_view lingua);
 /// NoASPQuery (without the query): a name cut after ".php" when it holds ".php?n="; else unchanged.
 std::string NoASPQuery(std::string_view file);
 
-/// Address and folder as typed, made into one public address without a closing slash. An address without a scheme gets
-/// "http://".
-std::string publicAddress(std::string_view url, std::string_view folder);
 /// URLNegozio (shop address): `URL` and `cartella` of the settings as a public address.
 std::string URLNegozio(const FieldRow& generale);
 /// URLCgi (address of the scripts): `URL` and `cartellaCGI` of the settings as a public address.

@@ -29,6 +29,7 @@ const std::map<std::string_view, CommandRow>& commands() {
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
       {"picture",
        {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}},
+      {"publish", {CliCommand::Publish, nullptr, {"--dry-run", "--all"}}},
       {"upgrade", {CliCommand::Upgrade, nullptr, bulkOptionsOf("upgrade")}},
       {"prices", {CliCommand::Prices, nullptr, bulkOptionsOf("prices")}},
       {"replicate-list", {CliCommand::ReplicateList, nullptr, bulkOptionsOf("replicate-list")}},
@@ -188,6 +189,8 @@ std::string usageText() {
          "  picture NEGOZIO FILE --article ID|--department ID --slot 0|1|2\n"
          "                      imposta un'immagine e ne mostra nome e dimensioni. --fit 180x135: la adatta a queste\n"
          "                      dimensioni massime\n"
+         "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio. --all: invia\n"
+         "                      anche i file già presenti sul server. --dry-run: elenca i file da inviare\n"
          "  upgrade NEGOZIO     apre il negozio e dice che cosa è stato aggiornato\n"
          "  prices NEGOZIO --percent +10 --list 0,3 [--department ID] [--offers] [--variants] [--round]\n"
          "                      varia in percentuale i prezzi dei listini indicati\n"
@@ -198,8 +201,8 @@ std::string usageText() {
          "                      copia i testi di una lingua in un'altra\n"
          "\n"
          "Opzioni:\n"
-         "  --dry-run       con upgrade, prices, replicate-list e replicate-language: mostra l'anteprima e non\n"
-         "                  modifica nulla\n"
+         "  --dry-run       con publish, import, upgrade, prices, replicate-list e replicate-language: mostra\n"
+         "                  l'anteprima e non modifica nulla\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"
          "  --answer yes|no|ok|cancel\n"
          "                  risposta alle domande; ripetibile: la prima risposta va alla prima domanda,\n"

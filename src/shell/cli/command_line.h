@@ -26,6 +26,7 @@ enum class CliCommand {
   ReplicateList,
   ReplicateLanguage,
   Upgrade,
+  Publish,
   Help,
   Version
 };

@@ -15,6 +15,7 @@
 #include "shell/dialogs/frm_browse.h"
 #include "shell/dialogs/frm_search.h"
 #include "shell/program/frm_commerce_dialogs.h"
+#include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
@@ -144,6 +145,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireExchange(dialogs, window, session, env);
   wireSales(window, session, env);
   wireCommerceDialogs(window, session, env);
+  wirePublishing(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);
   env.hooks.frmTemplate = [&](const std::string& current) {
     const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };

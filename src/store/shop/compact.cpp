@@ -1,6 +1,7 @@
 #include "store/shop/compact.h"
 
 #include "platform/files/files.h"
+#include "platform/files/private_file.h"
 #include "platform/numbers/number_format.h"
 #include "store/shop/shop_folders.h"
 
@@ -33,6 +34,7 @@ Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename) {
     if (auto deleted = deleteFile(old); !deleted) return deleted;
   }
   if (auto written = held->compactTo(files.replacement); !written) return written;
+  if (auto closed = restrictToOwner(files.replacement); !closed) return closed;
   if (auto prepared = held->prepareRename(); !prepared) return prepared;
   return swapInCompacted(shopFolder, rename);
 }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "platform/files/files.h"
+#include "platform/files/private_file.h"
 #include "platform/text/text.h"
 #include "store/shop/open_shop.h"
 #include "store/shop/order_numbers.h"
@@ -39,7 +40,10 @@ bool isIncompatible(const std::string& path) {
 
 void completeShop(const Session& session, const Environment& env) {
   if (env.hooks.CompletaGateway) env.hooks.CompletaGateway(session.ShopFolder);
-  if (isIncompatible(entryPath(session.ShopFolder, catalogueFile))) return;
+  const std::string catalogue = entryPath(session.ShopFolder, catalogueFile);
+  // It holds the passwords of the server and of its database, and so will its copies.
+  ignore(restrictToOwner(catalogue), "a shop on a medium that can't be changed opens");
+  if (isIncompatible(catalogue)) return;
   if (env.hooks.CopiaCatalogo) env.hooks.CopiaCatalogo(session.ShopFolder);
   if (env.hooks.AggiornaNegozio) env.hooks.AggiornaNegozio(session.ShopFolder);
   renumberShop(session.ShopFolder);

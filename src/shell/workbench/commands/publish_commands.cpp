@@ -44,6 +44,7 @@ std::vector<Command> publishCommands() {
                     .menus = {{Menu::File, 604, "Aggiorna il sito..."}},
                     .toolbar = {Toolbar::Shop, 102},
                     .shortcut = "Ctrl+U",
+                    .help = "pagine/pubblicare.htm",
                     .dialog = wired(&WorkbenchDialogs::publishOptions),
                     .run = publish},
                    {.number = 52,

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "builder/values/link_naming.h"
+#include "platform/text/public_address.h"
 #include "platform/text/text.h"
 
 namespace kv {

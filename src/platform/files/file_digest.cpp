@@ -1,0 +1,52 @@
+#include "platform/files/file_digest.h"
+
+#include <fcntl.h>
+#include <openssl/evp.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <string_view>
+
+#include "platform/files/file_access.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t digestPiece = std::size_t{64} * 1024;
+
+std::string hexadecimal(const std::array<unsigned char, EVP_MAX_MD_SIZE>& bytes, unsigned int size) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string text;
+  for (unsigned int i = 0; i < size; ++i) {
+    text += digits[bytes.at(i) >> 4U];
+    text += digits[bytes.at(i) & 15U];
+  }
+  return text;
+}
+
+}  // namespace
+
+Result<std::string> fileDigest(const std::string& path) {
+  if (!mayProceed(FileStep::OpenToRead, path)) return systemFailure(errno, path);
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.isOpen()) return systemFailure(errno, path);
+  const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
+  EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr);
+  std::string piece(digestPiece, '\0');
+  for (;;) {
+    const bool mayRead = mayProceed(FileStep::Read, path);
+    const ssize_t count = mayRead ? ::read(file.number(), piece.data(), piece.size()) : -1;
+    if (count < 0 && mayRead && errno == EINTR) continue;
+    if (count < 0) return systemFailure(errno, path);
+    if (count == 0) break;
+    EVP_DigestUpdate(context.get(), piece.data(), static_cast<std::size_t>(count));
+  }
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+  unsigned int size = 0;
+  EVP_DigestFinal_ex(context.get(), digest.data(), &size);
+  return hexadecimal(digest, size);
+}
+
+}  // namespace kv

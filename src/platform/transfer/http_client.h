@@ -1,0 +1,40 @@
+#pragma once
+// One HTTP request at a time, without a thread: the caller processes events while the server thinks.
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/ports/result.h"
+
+namespace kv {
+
+struct HttpRequest {
+  std::string url;                     ///< with "http://" or "https://"
+  std::string method = "GET";          ///< "GET" or "POST"
+  std::string body{};                  ///< of a POST
+  std::vector<std::string> headers{};  ///< whole lines, "Content-Type: text/plain"
+  int timeoutSeconds = 28800;          ///< for the whole request
+};
+
+struct HttpResponse {
+  int status = 0;    ///< 200, 404 and so on
+  std::string body;  ///< bytes as they came
+};
+
+/// Who sends requests. Tests answer them from a list.
+class HttpClient {
+ public:
+  virtual ~HttpClient() = default;
+  /// Sends one request and waits for the whole answer. `yield` is called at least every 50 ms; false cancels.
+  /// A status of any number is an answer. Cancelled; Malformed for a body of more than 64 MiB; Other, with the
+  /// library's text, when no answer came: no such host, nobody there, a certificate that doesn't pass, time is over.
+  /// Redirections are followed, ten at most; a POST stays one.
+  virtual Result<HttpResponse> send(const HttpRequest& request, const std::function<bool()>& yield) = 0;
+};
+
+/// The client that speaks with servers. Certificates are verified against those the system trusts.
+std::unique_ptr<HttpClient> makeHttpClient();
+
+}  // namespace kv

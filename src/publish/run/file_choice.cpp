@@ -1,0 +1,51 @@
+#include "publish/run/file_choice.h"
+
+#include <algorithm>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "publish/settings/publish_settings.h"
+
+namespace kv {
+namespace {
+
+/// Both sides of the comparison without case; the list keeps one form for all of its names.
+std::string listForm(std::string_view text) { return foldCase(text); }
+
+/// 0 for what pages show, 1 for a page, 2 for an SQL file.
+int sendingRank(const std::string& name) {
+  if (endsWithIgnoringCase(name, ".sql")) return 2;
+  for (const char* page : {".php", ".htm", ".html", ".shtm", ".shtml", ".asp"}) {
+    if (endsWithIgnoringCase(name, page)) return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::string CaricaListaFiles(const std::string& shopFolder) {
+  const auto text = readText(joinPath(shopFolder, "kvftp.dat"));
+  if (!text) return {};
+  std::string list = "#";
+  for (std::string_view line : splitLines(*text)) {
+    if (line.starts_with('#')) line.remove_prefix(1);
+    list += std::string(baseName(line)) + "#";
+  }
+  return listForm(list);
+}
+
+bool CaricaFile(std::string_view path, const FileChoice& choice) {
+  const std::string_view name = baseName(path);
+  if (endsWithIgnoringCase(name, ".sc")) return false;
+  if (choice.shopOnly && choice.list.find(listForm("#" + std::string(name) + "#")) == std::string::npos) return false;
+  return acceptsType(choice.types, name);
+}
+
+std::vector<std::string> inSendingOrder(std::vector<std::string> names) {
+  std::stable_sort(names.begin(), names.end(), [](const std::string& one, const std::string& other) {
+    return sendingRank(one) < sendingRank(other);
+  });
+  return names;
+}
+
+}  // namespace kv

@@ -1,0 +1,32 @@
+#pragma once
+// Which files of a folder may be sent.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ports/result.h"
+
+namespace kv {
+
+/// By what files are chosen.
+struct FileChoice {
+  bool shopOnly = true;        ///< only files of the last build's list
+  std::string types = "ALL.";  ///< "ALL.", or extensions and a last dot: ".htm.css."
+  std::string list;            ///< the last build's list, as CaricaListaFiles gives it
+};
+
+/// CaricaListaFiles (load the list of files): the names of kvftp.dat of a shop, case folded, each between "#" marks.
+/// The list's folders are left out, so that a shop that was moved since its build can be sent. Empty when it hasn't
+/// been built.
+std::string CaricaListaFiles(const std::string& shopFolder);
+
+/// CaricaFile (is the file loaded): whether a file may be sent. The cached dumps (".sc") never are.
+/// path: its name, or a path that ends with it.
+bool CaricaFile(std::string_view path, const FileChoice& choice);
+
+/// The order in which visitors notice least of a publish under way: pictures and scripts, then the pages that show
+/// them, the SQL files last. Within a kind the order stays.
+std::vector<std::string> inSendingOrder(std::vector<std::string> names);
+
+}  // namespace kv

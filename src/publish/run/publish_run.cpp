@@ -1,0 +1,159 @@
+#include "publish/run/publish_run.h"
+
+#include <array>
+#include <utility>
+
+#include "platform/ports/failure_text.h"
+#include "publish/settings/server_names.h"
+
+namespace kv {
+namespace {
+
+constexpr const char* preparing = "Preparazione database...";
+constexpr const char* seeSite =
+    "Aggiornamento del negozio terminato. Vuoi vedere il sito?\n(aggiornare la pagina del browser se necessario)";
+constexpr const char* interrupted = "Aggiornamento interrotto";
+constexpr const char* listsUpdated = "I file di password sono stati aggiornati";
+constexpr std::array<int, 3> usualRetryPauses{1000, 5000, 15000};  // milliseconds
+constexpr const char* listTypes = ".ric.ris.";
+
+FolderUpload shopFolderOf(const PublishJob& job) {
+  return {job.onlineFolder, "Aggiornamento cartella del negozio", joinPath(job.shopFolder, "kvftp1.log"), job.folderFTP,
+          true};
+}
+
+FolderUpload secondFolderOf(const PublishJob& job) {
+  const std::string log = joinPath(job.shopFolder, "kvftp2.log");
+  if (job.otpMode == OtpMode::None) {
+    return {job.scriptFolder, "Aggiornamento cartella del BackOffice", log, job.folderCGI, false};
+  }
+  return {job.scriptFolder, "Aggiornamento cartella password", log, job.passwordFolder, false};
+}
+
+PublishOutcome finishShop(const PublishParts& parts) {
+  if (!parts.steps.updateDatabase) return PublishOutcome::Done;
+  const std::string tag = parts.steps.updateDatabase();
+  if (tag.empty()) {
+    parts.user.message(interrupted, Icon::Exclamation);
+    return PublishOutcome::Cancelled;
+  }
+  if (tag != "OK") {
+    parts.user.message(tag, Icon::Exclamation);
+    return PublishOutcome::Failed;
+  }
+  const bool wanted = parts.user.question({seeSite, Buttons::YesNo, Answer::Yes, Icon::Question}) == Answer::Yes;
+  if (wanted && parts.steps.openSite) parts.steps.openSite();
+  return PublishOutcome::Done;
+}
+
+/// Sends both folders; the connection is broken off when one fails.
+bool sendFolders(const PublishJob& job, FolderUploader& uploader, const PublishParts& parts) {
+  bool sent = true;
+  if (job.otpMode == OtpMode::None) {
+    parts.view.operation(preparing);
+    prepareDatabase(job, parts.steps);
+    sent = uploader.UpdateFTP(shopFolderOf(job));
+  }
+  if (sent) sent = uploader.UpdateFTP(secondFolderOf(job));
+  if (!sent) uploader.HideForm();
+  return sent;
+}
+
+/// Adds the files of one folder that are to be sent.
+Result<> addFilesToSend(const FolderUpload& folder, const UploadOptions& options, FileTable& table,
+                        std::vector<std::string>& found) {
+  const std::string start = serverHost(options.connection.host) + "/" + serverFolder(folder.remoteFolder) + "/";
+  for (const std::string& name : listFiles(folder.localFolder, "*.*")) {
+    if (!CaricaFile(name, options.choice)) continue;
+    const auto stamp = fileStamp(joinPath(folder.localFolder, name));
+    if (!stamp) return fail(stamp.error());
+    const auto row = table.find(start + name);
+    if (!row) return fail(row.error());
+    const bool newer = !row->has_value() || stampText(stamp->changedAt) > (*row)->stamp;
+    if (newer || options.sendAll) found.push_back(joinServerPath(serverFolder(folder.remoteFolder), name));
+  }
+  return {};
+}
+
+}  // namespace
+
+Result<PublishJob> publishJobOf(Session& session) {
+  auto row = session.catalogue.prepare("SELECT folderFTP, folderCGI, serverNT FROM generale");
+  if (!row) return fail(row.error());
+  const auto found = row->step();
+  if (!found) return fail(found.error());
+  auto login = readServerLogin(session.catalogue);
+  if (!login) return fail(login.error());
+  PublishJob job;
+  job.shopFolder = session.ShopFolder;
+  job.onlineFolder = session.onlineFolder;
+  job.scriptFolder = session.scriptFolder;
+  job.login = std::move(*login);
+  if (!*found) return job;
+  job.folderFTP = row->text(0);
+  job.folderCGI = row->text(1);
+  job.serverNT = row->flag(2);
+  return job;
+}
+
+void prepareDatabase(const PublishJob& job, const PublishSteps& steps) {
+  for (const std::string& name : listFiles(job.onlineFolder, "*.sql")) {
+    ignore(deleteFile(joinPath(job.onlineFolder, name)), "a file that is in the way is reported when it is replaced");
+  }
+  if (steps.exportSql) steps.exportSql();
+}
+
+UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settings, const FirewallSettings& way) {
+  UploadOptions options;
+  options.connection = connectionOf(job.login, way, settings.silenceSeconds);
+  options.sendAll = !settings.onlyModified;
+  options.choice = {settings.onlyShopFiles, settings.types, CaricaListaFiles(job.shopFolder)};
+  options.keepNoSession = way.reconnects;
+  options.disabled = settings.disabled;
+  options.serverNT = job.serverNT;
+  options.otpMode = job.otpMode;
+  options.safeUpload = settings.safeUpload;
+  options.contentCheck = settings.contentCheck;
+  if (settings.retry) options.retryPauses = {usualRetryPauses.begin(), usualRetryPauses.end()};
+  if (job.otpMode == OtpMode::None) return options;
+  options.sendAll = true;
+  options.choice = {false, listTypes, {}};
+  return options;
+}
+
+PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, const PublishParts& parts,
+                           PublishReport* report) {
+  bool sent = false;
+  bool cancelled = false;
+  {
+    // The table is closed before the update of the database, which deletes the rows of what the host has loaded.
+    auto table = FileTable::open(job.shopFolder, options.contentCheck);
+    if (!table) {
+      parts.user.message(failureText(table.error(), "kvftp.mdb"), Icon::Exclamation);
+      return PublishOutcome::Failed;
+    }
+    FolderUploader uploader({parts.transfer, parts.user, parts.view, *table, parts.clock}, options);
+    sent = sendFolders(job, uploader, parts);
+    cancelled = uploader.cancelled();
+    if (report != nullptr) *report = uploader.report();
+    if (!cancelled) parts.view.operation(reportText(uploader.report()));
+    // Nobody is there any more to tell.
+    parts.transfer.listen({});
+  }
+  if (!sent) return cancelled ? PublishOutcome::Cancelled : PublishOutcome::Failed;
+  if (job.otpMode == OtpMode::None) return finishShop(parts);
+  parts.user.message(listsUpdated, Icon::Information);
+  return PublishOutcome::Done;
+}
+
+Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options) {
+  auto table = FileTable::open(job.shopFolder);
+  if (!table) return fail(table.error());
+  std::vector<std::string> found;
+  for (const FolderUpload& folder : {shopFolderOf(job), secondFolderOf(job)}) {
+    if (auto added = addFilesToSend(folder, options, *table, found); !added) return fail(added.error());
+  }
+  return found;
+}
+
+}  // namespace kv

@@ -1,0 +1,37 @@
+#include "publish/run/publish_view.h"
+
+#include <cmath>
+
+namespace kv {
+namespace {
+
+constexpr std::uint64_t kilobyte = 1024;
+constexpr std::uint64_t megabyte = kilobyte * kilobyte;
+
+}  // namespace
+
+std::string sizeText(std::uint64_t bytes) {
+  if (bytes < kilobyte) return std::to_string(bytes) + " byte";
+  if (bytes < megabyte) return std::to_string((bytes + kilobyte / 2) / kilobyte) + " KB";
+  const std::uint64_t tenths = (bytes * 10 + megabyte / 2) / megabyte;
+  return std::to_string(tenths / 10) + "," + std::to_string(tenths % 10) + " MB";
+}
+
+std::string reportText(const PublishReport& report) {
+  std::string text = "File inviati: " + std::to_string(report.sent) + " (" + sizeText(report.bytesSent) +
+                     "), già presenti: " + std::to_string(report.skipped);
+  if (!report.failedFile.empty()) text += ", non inviato: " + report.failedFile;
+  return text;
+}
+
+std::string progressText(const PublishProgress& progress) {
+  std::string text = "File " + std::to_string(progress.filesDone) + " di " + std::to_string(progress.filesTotal) +
+                     " - " + sizeText(progress.bytesSent) + " inviati";
+  if (progress.bytesPerSecond > 0) {
+    text += " - " + sizeText(static_cast<std::uint64_t>(progress.bytesPerSecond)) + "/s";
+  }
+  if (progress.secondsLeft >= 1) text += " - ancora " + std::to_string(std::llround(progress.secondsLeft)) + " s";
+  return text;
+}
+
+}  // namespace kv

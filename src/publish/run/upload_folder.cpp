@@ -1,0 +1,146 @@
+#include "publish/run/upload_folder.h"
+
+#include <utility>
+
+#include "platform/text/text.h"
+#include "publish/settings/server_names.h"
+
+namespace kv {
+
+FolderUploader::FolderUploader(UploadParts parts, UploadOptions options) : parts_(parts), options_(std::move(options)) {
+  TransferEvents events;
+  events.line = [this](const std::string& line) { MessaggioFTP(line, true); };
+  events.yield = [this] { return mayGoOn(); };
+  events.sent = [this](std::uint64_t bytes) { showProgress(bytes); };
+  events.trust = [this](const UntrustedServer& server) { return trusts(server); };
+  parts_.transfer.listen(std::move(events));
+  startedAt_ = parts_.clock.now();
+}
+
+bool FolderUploader::opensSession() const {
+  return folder_.firstFolder || options_.otpMode != OtpMode::None || options_.keepNoSession;
+}
+
+bool FolderUploader::UpdateFTP(const FolderUpload& folder) {
+  folder_ = folder;
+  failed_ = shown_ = false;
+  parts_.view.title("Korvane - " + folder.title);
+  std::vector<std::string> names = listFiles(folder.localFolder, "*.*");
+  if (options_.safeUpload) names = inSendingOrder(std::move(names));
+  if (names.empty()) return emptyFolder();
+  if (options_.disabled) return carriedByHand();
+  host_ = options_.connection.host = serverHost(options_.connection.host);
+  target_ = serverFolder(folder.remoteFolder);
+  log_.open(folder.logPath);
+  progress_.filesDone = 0;
+  progress_.filesTotal = static_cast<int>(names.size());
+  const std::string path = target_ == "." ? "" : (target_.starts_with('/') ? "" : "/") + target_;
+  MessaggioFTP("Connessione a " + host_ + path, false);
+  const bool sent = enterServer() && sendFiles(names);
+  log_.close();
+  return sent;
+}
+
+bool FolderUploader::emptyFolder() {
+  if (folder_.firstFolder) {
+    parts_.user.message(
+        "La cartella '" + folder_.localFolder + "' è vuota: è necessario costruire il sito prima di metterlo online",
+        Icon::Exclamation);
+    return false;
+  }
+  if (parts_.transfer.isConnected()) WaitFTP(FtpState::LeaveEmpty, parts_.transfer.quit());
+  return !cancelled_;
+}
+
+bool FolderUploader::carriedByHand() {
+  const Question question{"Tutti i file contenuti nella cartella locale: \n\"" + folder_.localFolder +
+                              "\"\n\ndevono essere trasferiti manualmente sul server " + options_.connection.host +
+                              " nella cartella:\n\"" + folder_.remoteFolder +
+                              "\"\n\nEseguire adesso il trasferimento manuale\ne premere OK solo quando è stato "
+                              "completato",
+                          Buttons::OkCancel, Answer::Cancel, Icon::Question};
+  return parts_.user.question(question) == Answer::Ok;
+}
+
+bool FolderUploader::enterServer() {
+  if (opensSession()) {
+    WaitFTP(FtpState::Other, parts_.transfer.connect(options_.connection));
+    if (!failed_) WaitFTP(FtpState::Other, parts_.transfer.logIn());
+    if (failed_) return false;
+    const TransferCompletion current = parts_.transfer.currentFolder();
+    WaitFTP(FtpState::Other, current);
+    base_ = current.text;
+  } else {
+    WaitFTP(FtpState::Other, parts_.transfer.changeFolder(base_));
+  }
+  if (!failed_) WaitFTP(FtpState::EnterTarget, parts_.transfer.changeFolder(target_));
+  return !failed_;
+}
+
+bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
+  for (std::size_t i = 0; i < names.size() && !failed_; ++i) {
+    if (!mayGoOn()) return false;
+    const std::string& name = names[i];
+    progress_.filesDone = static_cast<int>(i + 1);
+    if (options_.sendAll && i % FileTable::groupSize == 0) doubtNext(names, i);
+    if (!failed_ && CaricaFile(name, options_.choice)) sendIfNewer(name);
+  }
+  progress_.file.clear();
+  if (failed_) return false;
+  if (!folder_.firstFolder || options_.keepNoSession) WaitFTP(FtpState::Other, parts_.transfer.quit());
+  return !cancelled_;
+}
+
+void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_t from) {
+  // A file that is sent again although it isn't newer: if it broke off, its row would go on saying that it is there.
+  std::vector<std::string> keys;
+  for (std::size_t i = from; i < names.size() && i < from + FileTable::groupSize; ++i) {
+    if (CaricaFile(names[i], options_.choice)) keys.push_back(keyOf(names[i]));
+  }
+  tellTable(parts_.table.doubt(keys));
+}
+
+std::string FolderUploader::keyOf(const std::string& name) const { return host_ + "/" + target_ + "/" + name; }
+
+bool FolderUploader::enterOrMake(const std::string& part) {
+  if (parts_.transfer.changeFolder(part).succeeded()) return true;
+  WaitFTP(FtpState::MakeFolder, parts_.transfer.makeFolder(part));
+  return !failed_ && parts_.transfer.changeFolder(part).succeeded();
+}
+
+void FolderUploader::CreaCartella() {
+  const std::string start = target_.starts_with('/') ? "/" : base_;
+  WaitFTP(FtpState::Other, parts_.transfer.changeFolder(start));
+  std::string_view rest = target_;
+  while (!failed_ && !rest.empty()) {
+    const std::size_t slash = rest.find('/');
+    const std::string part(rest.substr(0, slash));
+    rest = slash == std::string_view::npos ? std::string_view() : rest.substr(slash + 1);
+    if (!part.empty() && !enterOrMake(part)) break;
+  }
+  if (failed_) return;
+  WaitFTP(FtpState::Other, parts_.transfer.changeFolder(start));
+  if (failed_ || parts_.transfer.changeFolder(target_).succeeded()) return;
+  failed_ = true;
+  if (cancelled_) return;
+  parts_.user.message("Impossibile posizionarsi nella cartella specificata", Icon::Exclamation);
+  shown_ = true;
+}
+
+void FolderUploader::offerFolder() {
+  failed_ = true;
+  if (auto cleaned = parts_.table.PulisciDB(host_, target_); !cleaned) return tellTable(cleaned);
+  const Question question{"La cartella specificata (" + target_ + ")\nnon è presente sul server. Si desidera crearla?",
+                          Buttons::YesNo, Answer::No, Icon::Question};
+  if (parts_.user.question(question) != Answer::Yes) return;
+  failed_ = false;
+  options_.sendAll = true;
+  CreaCartella();
+}
+
+void FolderUploader::HideForm() {
+  parts_.transfer.abort();
+  log_.close();
+}
+
+}  // namespace kv

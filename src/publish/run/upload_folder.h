@@ -1,0 +1,132 @@
+#pragma once
+// UpdateFTP: sends one folder of the shop to one folder of the server, each file that is new or newer than what the
+// file table remembers. One object serves one run, its two folders one after the other over one connection.
+
+#include <string>
+#include <vector>
+
+#include "platform/ports/clock.h"
+#include "platform/ports/user_port.h"
+#include "platform/transfer/transfer.h"
+#include "publish/run/file_choice.h"
+#include "publish/run/file_table.h"
+#include "publish/run/ftp_log.h"
+#include "publish/run/publish_view.h"
+
+namespace kv {
+
+/// What the pending command of the connection is; it decides what a failure means.
+enum class FtpState {
+  MakeFolder = -1,
+  Other = 0,
+  UploadNew = 1,    ///< a row is added on success
+  UploadKnown = 2,  ///< the row is changed on success
+  EnterTarget = 4,
+  DeleteBefore = 5,
+  LeaveEmpty = 6  ///< closing a run that had nothing to send
+};
+
+/// What happens to password lists of a payment system.
+enum class OtpMode { None = 0, Replace = 1, Append = 2 };
+
+/// The choices of a run.
+struct UploadOptions {
+  ConnectionSettings connection;  ///< host normalised, user, password and the way to the server
+  FileChoice choice;
+  bool sendAll = false;        ///< files that are not newer too
+  bool keepNoSession = false;  ///< the second folder gets a connection of its own
+  bool disabled = false;       ///< the merchant carries the files by hand
+  bool serverNT = false;       ///< the server is Windows: no permissions are set
+  OtpMode otpMode = OtpMode::None;
+  bool safeUpload = false;    ///< each file under a temporary name, then renamed over the old one; pages late, SQL last
+  bool contentCheck = false;  ///< a newer file with the bytes last sent isn't sent
+  /// How long to wait before each further attempt after the connection broke, in milliseconds; empty: none is made.
+  std::vector<int> retryPauses{};
+};
+
+/// One folder to be sent.
+struct FolderUpload {
+  std::string localFolder;
+  std::string title;         ///< goes after "Korvane - " in the window's title
+  std::string logPath;       ///< of its log
+  std::string remoteFolder;  ///< as typed
+  bool firstFolder = true;   ///< the shop's own, with which the connection begins
+};
+
+/// Who takes part in a run. References outlive it.
+struct UploadParts {
+  Transfer& transfer;
+  UserPort& user;
+  PublishView& view;
+  FileTable& table;
+  Clock& clock;
+};
+
+class FolderUploader {
+ public:
+  FolderUploader(UploadParts parts, UploadOptions options);
+
+  /// UpdateFTP (update by FTP): sends one folder. False when it failed, was refused or cancelled; the user knows why.
+  bool UpdateFTP(const FolderUpload& folder);
+  /// HideForm (hide the form): breaks the connection off.
+  void HideForm();
+  /// Whether the user has cancelled.
+  bool cancelled() const { return cancelled_; }
+  const PublishReport& report() const { return report_; }
+
+ private:
+  /// What is known of the file in hand.
+  struct FileInHand {
+    std::string name, path, key;
+    FileStamp stamp;
+    std::string digest;  // empty when it isn't wanted
+    bool known = false;
+  };
+
+  bool carriedByHand();
+  bool emptyFolder();
+  bool enterServer();
+  bool sendFiles(const std::vector<std::string>& names);
+  void doubtNext(const std::vector<std::string>& names, std::size_t from);
+  std::string keyOf(const std::string& name) const;
+  void sendIfNewer(const std::string& name);
+  bool hasSameContent(const SentFile& row) const;
+  void sendWithRetries();
+  bool connectAgain();
+  void sendFile();
+  void storeFile();
+  void storeSafely();
+  FtpState uploadState() const { return file_.known ? FtpState::UploadKnown : FtpState::UploadNew; }
+  void setRights();
+  void noteSent();
+  void tellTable(const Result<>& written);
+  void CreaCartella();
+  bool enterOrMake(const std::string& part);
+  void offerFolder();
+  void refuse(const TransferCompletion& completion, const std::string& hint = {});
+  void WaitFTP(FtpState state, const TransferCompletion& completion);
+  void completeFailed(const TransferCompletion& completion);
+  void MessaggioFTP(const std::string& text, bool toLog);
+  void showProgress(std::uint64_t fileBytes);
+  bool mayGoOn();
+  bool trusts(const UntrustedServer& server);
+  bool opensSession() const;
+
+  UploadParts parts_;
+  UploadOptions options_;
+  FolderUpload folder_;
+  std::string host_, target_, base_;
+  FileInHand file_;
+  FtpLog log_;
+  FtpState state_ = FtpState::Other;
+  bool failed_ = false;
+  bool shown_ = false;
+  bool cancelled_ = false;
+  bool broken_ = false;           // failed_, by a broken connection, and untold: there are attempts left
+  std::size_t attemptsLeft_ = 0;  // for the file in hand
+  PublishProgress progress_;
+  PublishReport report_;
+  double startedAt_ = 0;
+};
+
+}  // namespace kv

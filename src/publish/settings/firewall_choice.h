@@ -1,0 +1,29 @@
+#pragma once
+// What the dialog of the way to the server shows: the rules of frmFirewall.
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "platform/ports/user_port.h"
+#include "publish/settings/firewall_settings.h"
+
+namespace kv {
+
+/// The names of the kinds, in the order of their numbers.
+inline constexpr std::array<std::string_view, 8> firewallKinds{
+    "Nessun firewall", "Socks 4", "Socks 5", "Proxy USER", "Proxy SITE", "Proxy PROXY", "Proxy OPEN", "Simple Pipe"};
+/// The names of the choices of encryption, in the order of their numbers.
+inline constexpr std::array<std::string_view, 4> tlsModes{"Mai", "Se il server la offre", "Obbligatoria",
+                                                          "Dall'inizio (porta 990)"};
+
+/// The settings as the dialog shows them: an FTP port that is no number is shown as 21.
+FirewallSettings shownFirewall(const FirewallSettings& settings);
+/// Whether host, port, user and password of the firewall can be typed.
+bool areFirewallFieldsEnabled(FirewallKind kind);
+
+/// cmdReset: asks, with Cancel as default, and deletes the file. False when the answer was no, or the file could not be
+/// deleted, which the user has been told.
+bool resetFirewall(const std::string& shopFolder, UserPort& user);
+
+}  // namespace kv

@@ -1,0 +1,58 @@
+#pragma once
+// The dialog before a publish run: what is sent, and how the online database is renewed.
+
+#include <array>
+
+#include "platform/qt/frm_dialog.h"
+#include "publish/settings/publish_options.h"
+#include "sqlexport/last_run.h"
+#include "store/shop/session.h"
+
+class QCheckBox;
+class QRadioButton;
+class QWidget;
+
+namespace kv {
+
+/// The tag is "OK" when the choices are kept and the run may begin.
+class frmImpostaFTP final : public FormDialog {
+ public:
+  /// `session` and `env` outlive the dialog; `lock` is the flag that the exports read. `help` may be empty.
+  frmImpostaFTP(Session& session, Environment& env, LockStatements& lock, HelpOpener help = {},
+                QWidget* parent = nullptr);
+
+  /// Shows the dialog, unless the shop hasn't been built: then the user is told, and the tag is empty.
+  int exec() override;
+
+ private:
+  QWidget* makeFiles();
+  QWidget* makeDatabase();
+  QWidget* makeLater();
+  QCheckBox* addBox(QWidget* group, std::string_view caption, std::string_view name);
+  QRadioButton* addChoice(QWidget* group, std::string_view caption, std::string_view name);
+  void show(const PublishOptions& options);
+  PublishOptions shown() const;
+  void enable();  // what can be used, by what is chosen
+  void save();    // writes the file and closes, or shows the failure
+
+  Session& session_;
+  Environment& env_;
+  PublishOptions options_;
+  // Controls under their names; Qt owns them.
+  QCheckBox* chkModificati_ = nullptr;
+  QCheckBox* chkNegozio_ = nullptr;
+  QCheckBox* chkImpo_ = nullptr;
+  std::array<QCheckBox*, typeGroups.size()> chkTipo_{};
+  QRadioButton* optAbilitato_ = nullptr;
+  QRadioButton* optNonAbilitato_ = nullptr;
+  QRadioButton* optTutti_ = nullptr;
+  QRadioButton* optSoloModificati_ = nullptr;
+  QCheckBox* chkOttimizza_ = nullptr;
+  QRadioButton* optMySql3_ = nullptr;
+  QRadioButton* optMySql4_ = nullptr;
+  QCheckBox* chkSicuro_ = nullptr;
+  QCheckBox* chkContenuto_ = nullptr;
+  QCheckBox* chkRiprova_ = nullptr;
+};
+
+}  // namespace kv

@@ -1,0 +1,367 @@
+// The windows of publishing: what is sent, the way to the server, the choice of a folder, the update of the database.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+
+#include "dialog_fixture.h"
+#include "publish/settings/frm_firewall.h"
+#include "publish/settings/frm_folder_ftp.h"
+#include "publish/settings/frm_imposta_ftp.h"
+#include "publish/update/busy_shape.h"
+#include "publish/update/frm_update.h"
+#include "support/answering_host.h"
+#include "support/listing_server.h"
+
+namespace kv {
+namespace {
+
+using test::click;
+using test::control;
+
+class PublishDialog : public test::DialogFixture {
+ protected:
+  std::string file(const std::string& name) const {
+    const auto bytes = readBytes(shop + "/" + name);
+    return bytes ? *bytes : "(missing)";
+  }
+};
+
+class TheSendingDialog : public PublishDialog {
+ protected:
+  void SetUp() override {
+    DialogFixture::SetUp();
+    ASSERT_TRUE(writeBytes(shop + "/kvftp.dat", "#\r\n"));
+  }
+  void start() {
+    dialog.emplace(session, env, lock);
+    show(*dialog);
+  }
+  /// Chooses a box or a choice, wherever its caption ends in the row it fills.
+  void choose(const char* name) { control<QAbstractButton>(*dialog, name)->click(); }
+  bool isOn(const char* name) const { return control<QAbstractButton>(*dialog, name)->isChecked(); }
+  bool isEnabled(const char* name) const { return control<QWidget>(*dialog, name)->isEnabled(); }
+
+  LockStatements lock;
+  std::optional<frmImpostaFTP> dialog;
+};
+
+TEST_F(TheSendingDialog, ShowsTheDefaultsOfAnUntouchedShop) {
+  start();
+  for (const char* name : {"chkModificati", "chkNegozio", "optAbilitato", "optTutti", "optMySql3", "chkTipo1"}) {
+    EXPECT_TRUE(isOn(name)) << name;
+  }
+  for (const char* name : {"chkImpo", "chkOttimizza", "chkSicuro"}) EXPECT_FALSE(isOn(name)) << name;
+  EXPECT_FALSE(isEnabled("chkTipo1"));
+  EXPECT_FALSE(isEnabled("optSoloModificati")) << "there is no base for a difference";
+  EXPECT_EQ(test::defaultButton(*dialog), "OK");
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  test::keepPicture(*dialog, "publish_options");
+}
+
+TEST_F(TheSendingDialog, OkWithDefaultsLeavesNoFile) {
+  ASSERT_TRUE(writeBytes(shop + "/kvftp.ini", "MODE: 1\r\n"));
+  start();
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(dialog->tag(), "OK");
+  EXPECT_EQ(file("kvftp.ini"), "(missing)");
+}
+
+TEST_F(TheSendingDialog, OkWritesWhatIsShown) {
+  start();
+  choose("chkImpo");
+  EXPECT_TRUE(isEnabled("chkTipo1"));
+  for (const char* name : {"chkTipo1", "chkTipo4", "chkModificati", "optMySql4"}) choose(name);
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(file("kvftp.ini"),
+            "MODE: 0\r\nSHOP: 1\r\nTYPE: .gif.jpg.jpeg.png.bmp.mdb.csv.sql.\r\nOPDB: -1\r\nDISA: 0\r\nOPTM: 0\r\n"
+            "LOCK: 0\r\n");
+}
+
+TEST_F(TheSendingDialog, WhatWasWrittenIsShownAgain) {
+  ASSERT_TRUE(writeBytes(shop + "/kvftp.ini", "MODE: 0\r\nTYPE: .pl.asp.php.\r\nDISA: -1\r\nOPTM: 1\r\nSAFE: 1\r\n"));
+  start();
+  for (const char* name : {"chkImpo", "chkTipo4", "optNonAbilitato", "chkOttimizza", "chkSicuro"}) {
+    EXPECT_TRUE(isOn(name)) << name;
+  }
+  EXPECT_FALSE(isOn("chkModificati") || isOn("chkTipo1"));
+}
+
+TEST_F(TheSendingDialog, WithoutFtpTheFilesCannotBeChosen) {
+  start();
+  choose("chkImpo");
+  choose("optNonAbilitato");
+  for (const char* name : {"chkModificati", "chkNegozio", "chkImpo", "chkTipo1"}) EXPECT_FALSE(isEnabled(name)) << name;
+  EXPECT_TRUE(isEnabled("optTutti"));
+  choose("optAbilitato");
+  for (const char* name : {"chkModificati", "chkNegozio", "chkImpo", "chkTipo1"}) EXPECT_TRUE(isEnabled(name)) << name;
+}
+
+TEST_F(TheSendingDialog, TheResetBringsTheDefaultsBack) {
+  start();
+  for (const char* name : {"chkModificati", "chkImpo", "chkTipo2", "optNonAbilitato"}) {
+    choose(name);
+  }
+  click(*dialog, "cmdReset");
+  EXPECT_TRUE(isOn("chkModificati") && isOn("chkTipo2") && isOn("optAbilitato"));
+  EXPECT_FALSE(isOn("chkImpo") || isEnabled("chkTipo2"));
+}
+
+TEST_F(TheSendingDialog, TheAdviceIsOneButton) {
+  start();
+  click(*dialog, "cmdConsigliate");
+  EXPECT_TRUE(isOn("chkSicuro") && isOn("chkContenuto") && isOn("chkRiprova"));
+  click(*dialog, "cmdOK");
+  EXPECT_TRUE(file("kvftp.ini").ends_with("LOCK: -1\r\nSAFE: 1\r\nCONN: 4\r\nHASH: 1\r\nRETR: 1\r\n"));
+}
+
+TEST_F(TheSendingDialog, AnotherHostIsAskedAboutOnce) {
+  ASSERT_TRUE(writeBytes(shop + "/db/sql.mdb", "x"));
+  ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET hostname = 'ftp.b.it'"));
+  const auto now = readPublishedShop(session.catalogue);
+  ASSERT_TRUE(now);
+  PublishedShop before = *now;
+  before.hostname = "ftp.a.it";
+  ASSERT_TRUE(writeBytes(session.onlineFolder + "/" + now->db_security + ".sc", "2\r\n"));
+  ASSERT_TRUE(keepLastRun(shop, before, 2));
+  user.answers = {Answer::Yes};
+  start();
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].preset, Answer::No);
+  EXPECT_TRUE(isEnabled("optSoloModificati"));
+}
+
+TEST_F(TheSendingDialog, AShopThatIsNotBuiltIsToldAndNothingIsShown) {
+  ASSERT_TRUE(deleteFile(shop + "/kvftp.dat"));
+  frmImpostaFTP early(session, env, lock);
+  early.exec();
+  EXPECT_EQ(user.texts(), std::vector<std::string>{"E' necessario costruire il negozio prima di aggiornare il sito"});
+  EXPECT_EQ(early.tag(), "");
+}
+
+TEST_F(TheSendingDialog, AFailureToWriteIsToldAndTheDialogStays) {
+  start();
+  ASSERT_TRUE(createFolder(shop + "/kvftp.ini"));
+  choose("chkModificati");
+  click(*dialog, "cmdOK");
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_TRUE(user.shown[0].text.starts_with("Errore: "));
+  EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(TheSendingDialog, EscapeLeavesTheFileAlone) {
+  ASSERT_TRUE(writeBytes(shop + "/kvftp.ini", "MODE: 0\r\n"));
+  start();
+  choose("chkModificati");
+  expectEscapeLeaves(*dialog);
+  EXPECT_EQ(file("kvftp.ini"), "MODE: 0\r\n");
+}
+
+class TheConnectionDialog : public PublishDialog {
+ protected:
+  void start() {
+    dialog.emplace(shop, user);
+    show(*dialog);
+  }
+  void type(const char* name, const char* text) { control<QLineEdit>(*dialog, name)->setText(QString::fromUtf8(text)); }
+  std::optional<frmFirewall> dialog;
+};
+
+TEST_F(TheConnectionDialog, ShowsADirectPassiveConnectionFirst) {
+  start();
+  EXPECT_TRUE(control<QRadioButton>(*dialog, "optPassiva")->isChecked());
+  EXPECT_EQ(control<QLineEdit>(*dialog, "txtPortaFTP")->text(), "21");
+  const auto* kinds = control<QComboBox>(*dialog, "cboTipo");
+  QStringList names;
+  for (int i = 0; i < kinds->count(); ++i) names << kinds->itemText(i);
+  EXPECT_EQ(fromQt(names.join("|")),
+            "Nessun firewall|Socks 4|Socks 5|Proxy USER|Proxy SITE|Proxy PROXY|Proxy OPEN|Simple Pipe");
+  EXPECT_FALSE(control<QLineEdit>(*dialog, "txtHost")->isEnabled());
+  EXPECT_EQ(control<QLineEdit>(*dialog, "txtPassword")->echoMode(), QLineEdit::Password);
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  test::keepPicture(*dialog, "firewall");
+}
+
+TEST_F(TheConnectionDialog, OkWritesTheFile) {
+  start();
+  control<QComboBox>(*dialog, "cboTipo")->setCurrentIndex(2);
+  EXPECT_TRUE(control<QLineEdit>(*dialog, "txtHost")->isEnabled());
+  type("txtHost", " fw ");
+  type("txtPorta", "1080");
+  type("txtUser", "ada");
+  type("txtPassword", "segreta");
+  control<QComboBox>(*dialog, "cboTLS")->setCurrentIndex(2);
+  click(*dialog, "optAttiva");
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(dialog->tag(), "OK");
+  EXPECT_EQ(file("firewall.net"),
+            "MODE: 0\r\nHOST: fw\r\nTYPE: 2\r\nPORT: 1080\r\nFPRT: 21\r\nUSER: ada\r\nPASS: segreta\r\nDISC: 0\r\n"
+            "TLSM: 2\r\n");
+}
+
+TEST_F(TheConnectionDialog, WhatHasNoControlOfItsOwnIsKept) {
+  ASSERT_TRUE(writeBytes(shop + "/firewall.net", "MODE: 1\r\nPROT: 1\r\n"));
+  start();
+  click(*dialog, "cmdOK");
+  EXPECT_TRUE(file("firewall.net").ends_with("PROT: 1\r\n"));
+}
+
+TEST_F(TheConnectionDialog, TheResetDeletesTheFileOnlyOnOk) {
+  ASSERT_TRUE(writeBytes(shop + "/firewall.net", "MODE: 0\r\nHOST: fw\r\nTYPE: 1\r\n"));
+  start();
+  click(*dialog, "cmdReset");
+  EXPECT_NE(file("firewall.net"), "(missing)");
+  EXPECT_EQ(control<QLineEdit>(*dialog, "txtHost")->text(), "fw");
+  user.answers = {Answer::Ok};
+  click(*dialog, "cmdReset");
+  EXPECT_EQ(file("firewall.net"), "(missing)");
+  EXPECT_EQ(control<QLineEdit>(*dialog, "txtHost")->text(), "");
+  EXPECT_TRUE(control<QRadioButton>(*dialog, "optPassiva")->isChecked());
+}
+
+TEST_F(TheConnectionDialog, TheConnectionIsTriedAsShown) {
+  FirewallSettings tried;
+  dialog.emplace(shop, user, [&](const FirewallSettings& shown) { tried = shown; });
+  show(*dialog);
+  type("txtPortaFTP", "2121");
+  click(*dialog, "cmdVerifica");
+  EXPECT_EQ(tried.ftpPort, "2121");
+  EXPECT_EQ(file("firewall.net"), "(missing)");
+  EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(TheConnectionDialog, EscapeWritesNothing) {
+  start();
+  click(*dialog, "optAttiva");
+  expectEscapeLeaves(*dialog);
+  EXPECT_EQ(file("firewall.net"), "(missing)");
+}
+
+class TheServerFolderDialog : public PublishDialog {
+ protected:
+  void SetUp() override {
+    server.home = "/home";
+    server.folders = {{"/home", {test::unixFolder("www"), test::unixFolder("la mia")}}, {"/home/www", {}}};
+  }
+  void start() {
+    dialog.emplace(shopFolderTitle, ConnectionSettings(), server, user);
+    show(*dialog);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !server.commands.empty(); }));
+    QApplication::processEvents();
+  }
+  QListWidgetItem* item(int row) const { return control<QListWidget>(*dialog, "lstCartelle")->item(row); }
+  void onItem(int row, bool twice) const {
+    auto* list = control<QListWidget>(*dialog, "lstCartelle");
+    const QPoint middle = list->visualItemRect(item(row)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, middle);
+    if (twice) QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, middle);
+  }
+  std::string line(const char* name) const { return fromQt(control<QLineEdit>(*dialog, name)->text()); }
+
+  test::ListingServer server;
+  std::optional<frmFolderFTP> dialog;
+};
+
+TEST_F(TheServerFolderDialog, ListsTheFoldersAfterTheLogin) {
+  start();
+  EXPECT_EQ(line("txtPath"), "/home");
+  ASSERT_EQ(control<QListWidget>(*dialog, "lstCartelle")->count(), 2);
+  EXPECT_EQ(item(1)->text(), "la mia");
+  EXPECT_EQ(fromQt(dialog->windowTitle()), "Korvane - Selezione cartella del negozio");
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  test::keepPicture(*dialog, "server_folder");
+}
+
+TEST_F(TheServerFolderDialog, AClickChoosesADoubleClickEnters) {
+  start();
+  onItem(1, false);
+  EXPECT_EQ(line("txtSelFolder"), "/home/la mia");
+  onItem(0, true);
+  EXPECT_EQ(line("txtPath"), "/home/www");
+  EXPECT_EQ(control<QListWidget>(*dialog, "lstCartelle")->count(), 0);
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(dialog->tag(), ">www");
+  EXPECT_EQ(server.commands.back(), "quit");
+}
+
+TEST_F(TheServerFolderDialog, AServerOutOfReachClosesItWithoutAChoice) {
+  server.failures["connect"] = {transferNoConnection, "refused", {}};
+  start();
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(dialog->tag(), "");
+  EXPECT_EQ(user.shown.size(), 1U);
+}
+
+TEST_F(TheServerFolderDialog, EscapeInTheMiddleOfAListingBreaksOff) {
+  server.beforeList = [this] { QTest::keyClick(&*dialog, Qt::Key_Escape); };
+  start();
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(dialog->tag(), "");
+  EXPECT_FALSE(server.isConnected());
+  EXPECT_TRUE(user.shown.empty());
+}
+
+class TheUpdateDialog : public PublishDialog {
+ protected:
+  void SetUp() override {
+    for (const char* folder : {"/db", "/online"}) ASSERT_TRUE(createFolders(shop + folder));
+    ASSERT_TRUE(writeBytes(shop + "/online/abc.sc", "2\r\n"));
+    ASSERT_TRUE(writeBytes(shop + "/db/sql.mdb", "the build"));
+    dialog.emplace(UpdateJob{shop, shop + "/online", "http://a", {"h", "u", "d", "n", "abc"}}, env, host);
+  }
+  std::string answers() const { return fromQt(control<QPlainTextEdit>(*dialog, "txtRisposta")->toPlainText()); }
+
+  test::AnsweringHost host;
+  std::optional<frmUpdate> dialog;
+};
+
+TEST_F(TheUpdateDialog, StartsByItselfAndEndsWithItsTag) {
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  dialog->exec();
+  EXPECT_EQ(dialog->tag(), "OK");
+  EXPECT_EQ(answers(), "Lingua1: OK\n_______________________\n\nLingua2: OK\n_______________________\n\n");
+}
+
+TEST_F(TheUpdateDialog, ShowsAFailureAboveItsHeading) {
+  host.answers = {"citt\xE0 piena"};
+  dialog->exec();
+  EXPECT_TRUE(answers().starts_with("città piena\nLingua1: ERRORE\n")) << answers();
+  EXPECT_TRUE(dialog->tag().starts_with("Si sono verificati errori nell'aggiornamento del database:"));
+}
+
+TEST_F(TheUpdateDialog, TheCancelIsAskedAboutAndTheRunGoesOnAfterANo) {
+  host.onRequest = [this](const HttpRequest&) {
+    if (host.requests.size() == 1) click(*dialog, "cmdAnnulla");
+  };
+  dialog->exec();
+  EXPECT_EQ(dialog->tag(), "OK");
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].preset, Answer::No);
+}
+
+TEST_F(TheUpdateDialog, AYesEndsItWithAnEmptyTag) {
+  user.answers = {Answer::Yes};
+  host.onRequest = [this](const HttpRequest&) {
+    EXPECT_TRUE(control<QFrame>(*dialog, "shpBusy")->isVisible());
+    test::keepPicture(*dialog, "update");
+    QTest::keyClick(&*dialog, Qt::Key_Escape);
+  };
+  dialog->exec();
+  EXPECT_EQ(dialog->tag(), "");
+  EXPECT_FALSE(dialog->isVisible());
+  EXPECT_EQ(host.requests.size(), 1U);
+}
+
+TEST(TheBusyShape, MovesFifteenToTheRightAndStartsAgainAtTheEdge) {
+  EXPECT_EQ(nextBusyEdge(0, 100), 15);
+  EXPECT_EQ(nextBusyEdge(84, 100), 99);
+  EXPECT_EQ(nextBusyEdge(85, 100), 0);
+}
+
+}  // namespace
+}  // namespace kv

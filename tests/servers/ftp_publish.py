@@ -1,0 +1,176 @@
+#!/usr/bin/env python3
+"""A shop is published to real FTP servers: ftp_publish.py KORVANE_CLI
+
+The folder that the FTP server writes to is the document root of a web host with PHP and MariaDB, so that at the end of
+each publish the shop is live.
+"""
+import pathlib
+import random
+import shutil
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+sys.path[:0] = [str(HERE), str(HERE.parent / "web")]
+from ftp_servers import PASSWORD, USER, FtpServer  # noqa: E402  (the paths above come first)
+from mariadb_round_trip import RoundTrip  # noqa: E402
+from online_update import Host  # noqa: E402
+from served_shop import ServedShop  # noqa: E402
+
+KORVANE = ""
+
+
+class Publishing(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.live = ServedShop(KORVANE).open()
+        cls.folder = pathlib.Path(tempfile.mkdtemp(prefix="korvane-publish-"))
+        cls.shop = cls.folder / "negozio"
+        shutil.copytree(cls.live.shop, cls.shop)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.live.close()
+        shutil.rmtree(cls.folder)
+
+    def setUp(self):
+        """Nothing is known of the server, and the shop is built."""
+        for name in ("db/last.mdb", "kvftp.ini"):
+            (self.shop / name).unlink(missing_ok=True)
+        table = sqlite3.connect(self.shop / "kvftp.mdb")
+        with table:
+            table.execute("DELETE FROM file")
+        table.close()
+        self.build()
+
+    def korvane(self, *words):
+        return subprocess.run([KORVANE, *words, str(self.shop)], env=self.live.environment, capture_output=True,
+                              text=True, stdin=subprocess.DEVNULL, check=False)
+
+    def build(self):
+        done = self.korvane("build")
+        self.assertEqual(done.returncode, 0, done.stderr)
+
+    def change(self, statement, *values):
+        catalogue = sqlite3.connect(self.shop / "catalog.mdb")
+        with catalogue:
+            catalogue.execute(statement, values)
+        catalogue.close()
+
+    def point_at(self, server, **keys):
+        self.change("UPDATE generale SET hostname = '127.0.0.1', username = ?, password = ?, folderFTP = 'online', "
+                    "folderCGI = 'scripts'", USER, PASSWORD)
+        keys = {"MODE:": "1", "FPRT:": server.port, **{name + ":": value for name, value in keys.items()}}
+        (self.shop / "firewall.net").write_text("".join("%s %s\r\n" % pair for pair in keys.items()))
+
+    def sent(self, done):
+        """Names of the files that a run has sent."""
+        return [line for line in done.stdout.splitlines() if not line.startswith("File inviati")]
+
+    def assert_live(self):
+        for folder in ("online", "scripts"):
+            listed = [line[1:] for line in (self.shop / "kvftp.dat").read_text("cp1252").splitlines() if len(line) > 1]
+            for path in map(pathlib.Path, listed):
+                if path.parent != self.shop / folder or path.suffix == ".sql":
+                    continue
+                self.assertEqual((self.live.shop / folder / path.name).read_bytes(), path.read_bytes(), path.name)
+        trip = RoundTrip(Host(self.live))
+        trip.compare(self.shop / "db/sql.mdb", "host", 1 + len(list((self.shop / "online").glob("updatedb_l*.php"))))
+        trip.connection.close()
+        self.assertEqual(trip.faults[:5], [])
+
+    def assert_published(self, *words):
+        done = self.korvane("publish", *words)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        for text in (done.stdout, done.stderr, (self.shop / "kvftp1.log").read_text("cp1252")):
+            self.assertNotIn(PASSWORD, text)
+        self.assert_live()
+        return self.sent(done)
+
+    def empty_host(self):
+        for name in ("online", "scripts"):
+            for path in (self.live.shop / name).iterdir():
+                if path.is_file():
+                    path.unlink()
+
+    def publish_twice(self, server, *words, **keys):
+        """A first publish, one without a change, and one after a change of price."""
+        self.empty_host()
+        self.point_at(server, **keys)
+        first = self.assert_published(*words)
+        self.assertGreater(len(first), 100)
+        again = self.assert_published(*words)
+        self.assertTrue(again and all(name.endswith(".sql") for name in again), again)
+        self.change("UPDATE articoli SET prezzo = prezzo + 10000 WHERE ID = (SELECT MIN(ID) FROM articoli)")
+        self.build()
+        third = self.assert_published(*words)
+        self.assertLess(len(third), len(first) / 2)
+
+    def test_over_pyftpdlib_in_the_clear_passive_and_active(self):
+        for mode in ("1", "0"):
+            with self.subTest(mode=mode), FtpServer("pyftpdlib", self.live.shop) as server:
+                self.setUp()
+                self.publish_twice(server, **{"MODE": mode})
+
+    def test_over_pyftpdlib_with_tls(self):
+        with FtpServer("pyftpdlib", self.live.shop, tls=True) as server:
+            self.publish_twice(server, "--answer", "yes", TLSM=2)
+
+    def test_over_proftpd_which_wants_one_session_for_both_connections(self):
+        with FtpServer("proftpd", self.live.shop) as server:
+            self.publish_twice(server, "--answer", "yes", TLSM=2)
+            self.assertIn("AUTH TLS", (self.shop / "kvftp1.log").read_text("cp1252"))
+
+    def test_over_a_server_that_speaks_the_newest_tls_alone(self):
+        with FtpServer("proftpd", self.live.shop, newest=True) as server:
+            self.publish_twice(server, "--answer", "yes")
+
+    def test_after_a_kill_at_any_moment_the_next_run_brings_everything_right(self):
+        chance = random.Random(20240229)
+        with FtpServer("pyftpdlib", self.live.shop) as server:
+            self.publish_twice(server)
+            for round_number in range(10):
+                self.change("UPDATE articoli SET prezzo = prezzo + 10000, titolo = 'Giro ' || ?", round_number)
+                self.build()
+                words = [KORVANE, "publish", *chance.choice([[], ["--all"]]), str(self.shop)]
+                running = subprocess.Popen(words, env=self.live.environment, stdin=subprocess.DEVNULL,
+                                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                try:
+                    running.wait(chance.uniform(0.1, 1.5))
+                except subprocess.TimeoutExpired:
+                    running.kill()
+                running.wait()
+                self.assert_published()
+
+    def test_a_certificate_that_nobody_has_signed_is_refused_by_default(self):
+        with FtpServer("proftpd", self.live.shop) as server:
+            self.point_at(server)
+            done = self.korvane("publish")
+            self.assertEqual(done.returncode, 1)
+            self.assertIn("Il certificato del server 127.0.0.1 non è valido", done.stderr)
+            self.assertNotIn("USER", (self.shop / "kvftp1.log").read_text("cp1252"))
+
+    def test_a_server_without_tls_is_left_when_that_is_required(self):
+        with FtpServer("pyftpdlib", self.live.shop) as server:
+            self.point_at(server, TLSM=2)
+            done = self.korvane("publish")
+            self.assertEqual(done.returncode, 1)
+            self.assertIn("il server non offre una connessione cifrata (TLS)", done.stderr)
+
+    def test_a_folder_that_is_missing_is_made_after_the_question(self):
+        with FtpServer("pyftpdlib", self.live.shop) as server:
+            self.point_at(server)
+            self.change("UPDATE generale SET folderCGI = 'nuova/cartella'")
+            self.assertEqual(self.korvane("publish").returncode, 1)
+            self.assertFalse((self.live.shop / "nuova").exists())
+            done = self.korvane("publish", "--answer", "yes")
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertTrue((self.live.shop / "nuova/cartella/bo.css").is_file())
+
+
+if __name__ == "__main__":
+    KORVANE = sys.argv.pop(1)
+    unittest.main(verbosity=2)

@@ -1,0 +1,156 @@
+"""FTP servers of a test's own on 127.0.0.1: pyftpdlib and ProFTPD, plain or with TLS, as ordinary processes in temporary
+folders. Both know one user and write into one folder."""
+import os
+import pathlib
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+USER, PASSWORD = "mario", "Segreto-di-Mario"
+
+PYFTPDLIB = """
+import logging, sys
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import FTPHandler, TLS_FTPHandler
+from pyftpdlib.servers import FTPServer
+port, home, certificate, user, password = sys.argv[1:]
+logging.basicConfig(level=logging.INFO)
+authorizer = DummyAuthorizer()
+authorizer.add_user(user, password, home, perm="elradfmwMT")
+handler = TLS_FTPHandler if certificate else FTPHandler
+handler.authorizer = authorizer
+handler.permit_foreign_addresses = True
+if certificate:
+    handler.certfile = certificate
+    handler.tls_control_required = handler.tls_data_required = True
+FTPServer(("127.0.0.1", int(port)), handler).serve_forever()
+"""
+
+PROFTPD = """
+ModulePath /usr/lib/proftpd
+LoadModule mod_tls.c
+ServerName "prova"
+ServerType standalone
+DefaultAddress 127.0.0.1
+Port {port}
+{owner}
+UseIPv6 off
+UseReverseDNS off
+RequireValidShell off
+RootLogin on
+AuthPAM off
+AuthOrder mod_auth_file.c
+AuthUserFile {folder}/passwd
+PidFile {folder}/pid
+ScoreboardFile {folder}/scoreboard
+DelayTable none
+SystemLog {folder}/log
+TransferLog none
+WtmpLog off
+AllowOverwrite on
+<IfModule mod_tls.c>
+  TLSEngine on
+  TLSRequired on
+  TLSRSACertificateFile {certificate}
+  TLSRSACertificateKeyFile {certificate}
+  TLSLog {folder}/tls.log
+  TLSVerifyClient off
+  {newest}
+</IfModule>
+"""
+
+
+def free_port():
+    with socket.socket() as one:
+        one.bind(("127.0.0.1", 0))
+        return one.getsockname()[1]
+
+
+def program(name):
+    found = shutil.which(name, path=os.environ.get("PATH", "") + ":/usr/sbin:/usr/local/sbin")
+    if not found:
+        raise SystemExit("%s is missing: tools/install-deps" % name)
+    return found
+
+
+def python_with(module):
+    """An interpreter that has a module: this one, or the system's, for which packages are installed."""
+    for one in (sys.executable, "/usr/bin/python3"):
+        if subprocess.run([one, "-c", "import " + module], capture_output=True, check=False).returncode == 0:
+            return one
+    raise SystemExit("%s is missing: tools/install-deps" % module)
+
+
+def make_certificate(folder, host="127.0.0.1"):
+    """A key and a certificate that nobody has signed, in one file."""
+    path = pathlib.Path(folder) / "certificate.pem"
+    key, certificate = path.with_suffix(".key"), path.with_suffix(".crt")
+    subprocess.run([program("openssl"), "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
+                    "/CN=" + host, "-addext", "subjectAltName=IP:" + host, "-keyout", key, "-out", certificate],
+                   check=True, capture_output=True)
+    path.write_bytes(key.read_bytes() + certificate.read_bytes())
+    path.chmod(0o600)
+    return path
+
+
+class FtpServer:
+    """`kind` is "pyftpdlib" or "proftpd"; ProFTPD always wants TLS, and one session for both connections. `newest`: it
+    speaks TLS 1.3 alone, whose sessions are another matter."""
+
+    def __init__(self, kind, home, tls=False, newest=False):
+        self.kind, self.home, self.newest = kind, pathlib.Path(home), newest
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="korvane-ftp-", dir="/tmp"))
+        self.port = free_port()
+        self.certificate = make_certificate(self.folder) if tls or kind == "proftpd" else None
+        self.process = None
+
+    def __enter__(self):
+        words = self._pyftpdlib() if self.kind == "pyftpdlib" else self._proftpd()
+        with open(self.folder / "output", "wb") as output:
+            self.process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=output, stderr=output)
+        for _ in range(300):
+            if self.process.poll() is not None:
+                break
+            try:
+                socket.create_connection(("127.0.0.1", self.port), 5).close()
+                return self
+            except OSError:
+                time.sleep(0.05)
+        raise SystemExit("the server did not start:\n" + (self.folder / "output").read_text(errors="replace"))
+
+    def _pyftpdlib(self):
+        script = self.folder / "server.py"
+        script.write_text(PYFTPDLIB)
+        return [python_with("pyftpdlib"), script, str(self.port), str(self.home), str(self.certificate or ""), USER,
+                PASSWORD]
+
+    def _proftpd(self):
+        hashed = subprocess.run([program("openssl"), "passwd", "-6", PASSWORD], capture_output=True, text=True,
+                                check=True).stdout.strip()
+        users = self.folder / "passwd"
+        users.write_text("%s:%s:%d:%d::%s:/bin/sh\n" % (USER, hashed, os.getuid(), os.getgid(), self.home))
+        users.chmod(0o600)
+        settings = self.folder / "proftpd.conf"
+        owner = "User root\nGroup root" if os.getuid() == 0 else ""
+        newest = "TLSProtocol TLSv1.3\n  TLSOptions NoSessionReuseRequired" if self.newest else ""
+        settings.write_text(PROFTPD.format(port=self.port, folder=self.folder, certificate=self.certificate,
+                                           owner=owner, newest=newest))
+        return [program("proftpd"), "-n", "-c", settings]
+
+    def log(self):
+        return "".join(path.read_text(errors="replace") for path in sorted(self.folder.glob("*log")))
+
+    def __exit__(self, kind, error, trace):
+        self.process.terminate()
+        try:
+            self.process.wait(20)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.wait()
+        if kind is None:
+            shutil.rmtree(self.folder)
+        else:
+            print("kept for inspection:", self.folder)
