@@ -50,6 +50,10 @@ class FakeView final : public WorkbenchView {
   void expandTree(bool expanded) override { told.emplace_back(expanded ? "expand" : "collapse"); }
   void articlesChanged() override { told.emplace_back("articles"); }
   void selectArticle() override { told.emplace_back("article"); }
+  void focusTree() override { told.emplace_back("focus tree"); }
+  void startRow(EditedSet set) override {
+    told.push_back(set == EditedSet::Articoli ? "new article" : "new department");
+  }
   void fieldsChanged(EditedSet set) override { fields.insert(set); }
   void showStatus(const std::string& text) override { status = text; }
   void showTitle(const std::string& text) override { title = text; }

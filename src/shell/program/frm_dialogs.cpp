@@ -2,11 +2,13 @@
 
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QPointer>
 #include <QUrl>
 #include <optional>
 
 #include "builder/run/frm_elabora.h"
 #include "platform/files/files.h"
+#include "platform/qt/frm_screen.h"
 #include "shell/dialogs/frm_about.h"
 #include "shell/dialogs/frm_avviso.h"
 #include "shell/dialogs/frm_backup.h"
@@ -129,7 +131,11 @@ void showGuide(frmMain& window) {
     guide->setAttribute(Qt::WA_DeleteOnClose);
   }
   guide->show();
-  guide->placeBeside(window);
+  // Until both have their frames, nobody knows how much room they take.
+  whenFramed(window, [&window, guide = QPointer<frmIntro>(guide)] {
+    if (guide == nullptr) return;
+    whenFramed(*guide, [&window, guide] { guide->placeBeside(window); });
+  });
 }
 
 }  // namespace kv

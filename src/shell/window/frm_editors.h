@@ -86,6 +86,10 @@ class EditorBinding final : public QObject {
   void giveUp();
   /// Connects what a line says about its text.
   void follow(FieldLine* line);
+  /// Opens a long text in a larger window, and stores it when that is left by OK.
+  void enlarge();
+  /// Ends the field's own undo: what was typed has been stored.
+  void forgetTyping();
   /// Puts the unit of the table after the control; nothing for a row without one.
   void addUnit(QWidget* field);
 
@@ -94,8 +98,9 @@ class EditorBinding final : public QObject {
   QWidget* parent_;           ///< owns the controls
   QWidget* field_ = nullptr;  ///< set by adopt()
   QLayout* row_ = nullptr;
-  QLabel* unit_ = nullptr;   ///< null: none
-  QLabel* label_ = nullptr;  ///< null: none, or a part of the control
+  QLabel* unit_ = nullptr;     ///< null: none
+  QWidget* larger_ = nullptr;  ///< the button of a long text; null: none
+  QLabel* label_ = nullptr;    ///< null: none, or a part of the control
   // How the text of the control is read and set, whatever it is.
   std::function<QString()> read_;
   std::function<void(const QString&)> write_;

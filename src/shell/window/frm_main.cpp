@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -16,6 +17,8 @@
 #include <QVBoxLayout>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_screen.h"
+#include "shell/window/frm_keys.h"
 
 namespace kv {
 namespace {
@@ -23,6 +26,8 @@ namespace {
 constexpr std::string_view placeSection = "Finestra";
 constexpr int firstWidth = 1180;
 constexpr int firstHeight = 760;
+constexpr int leastWidth = 640;
+constexpr int leastHeight = 420;
 constexpr int listsWidth = 320;
 
 QByteArray bytesOf(const Settings& settings, std::string_view key) {
@@ -46,8 +51,10 @@ frmMain::frmMain(Session& session, Environment& env, WorkbenchPorts ports)
   refresh_.setInterval(0);
   connect(&refresh_, &QTimer::timeout, menus_, &MainMenus::refresh);
   resize(firstWidth, firstHeight);
-  setMinimumSize(720, 480);
+  setMinimumSize(leastWidth, leastHeight);
   menus_->showTab(Tab::Departments);
+  new WindowKeys(*this, workbench_, *menus_, *tree_);
+  tree_->setFocus(Qt::OtherFocusReason);
 }
 
 frmMain::~frmMain() {
@@ -166,6 +173,13 @@ void frmMain::departmentTitle(const std::string& ID, const std::string& title) {
 void frmMain::expandTree(bool expanded) { tree_->expandTree(expanded); }
 void frmMain::articlesChanged() { articles_->rebuild(); }
 void frmMain::selectArticle() { articles_->selectCurrent(); }
+void frmMain::focusTree() { tree_->setFocus(Qt::OtherFocusReason); }
+
+void frmMain::startRow(EditedSet set) {
+  if (detailsHidden_) return;
+  const bool article = set == EditedSet::Articoli;
+  page(article ? Tab::Articles : Tab::Departments).goTo(set, article ? "codice" : "titolo");
+}
 
 void frmMain::fieldsChanged(EditedSet set) {
   for (EditorPage* page : pages_) page->showFields(set);
@@ -213,6 +227,12 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
+  if (!event->spontaneous()) {
+    bringOnScreen(*this);
+    whenFramed(*this, [this, shown = size()] {
+      if (size() == shown) bringOnScreen(*this);
+    });
+  }
   if (!whenShown_) return;
   const auto action = std::exchange(whenShown_, nullptr);
   QTimer::singleShot(0, this, action);

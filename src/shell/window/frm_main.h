@@ -70,6 +70,9 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void expandTree(bool expanded) override;
   void articlesChanged() override;
   void selectArticle() override;
+  void focusTree() override;
+  /// Nothing while the details are hidden: the keyboard stays in tree or list.
+  void startRow(EditedSet set) override;
   /// The list of articles reads its rows again too.
   void fieldsChanged(EditedSet set) override;
   void showStatus(const std::string& text) override;
@@ -96,7 +99,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void closeEvent(QCloseEvent* event) override;
   /// Puts the rows of buttons into one line or two.
   void resizeEvent(QResizeEvent* event) override;
-  /// Queues the action of whenShown.
+  /// The frame is within the screen, and the action of whenShown is queued.
   void showEvent(QShowEvent* event) override;
 
  private:

@@ -63,6 +63,7 @@ void Workbench::showShop() {
   }
   if (!sets_.tree().empty()) goToDepartment(sets_.tree().front().ID);
   AggiornaSchede();
+  view_.focusTree();
 }
 
 void Workbench::AggiornaSchede() {

@@ -38,6 +38,11 @@ class WorkbenchView {
   /// Selects the current article in the list; none when there is none.
   virtual void selectArticle() = 0;
 
+  /// The keyboard goes to the tree, which shows where it is.
+  virtual void focusTree() = 0;
+  /// The keyboard goes to the first field of the row that has just been added, its text selected.
+  virtual void startRow(EditedSet set) = 0;
+
   /// The editors of a set are to be read again.
   virtual void fieldsChanged(EditedSet set) = 0;
   /// The text of the status line.

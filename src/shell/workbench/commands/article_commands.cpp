@@ -11,13 +11,15 @@ using enum Toolbar;
 /// The row of an edit of the list, enabled while an article is current.
 Command articleCommand(Command row, TreeEdit edit) {
   row.enabled = isOnArticle;
+  row.whenOff = noArticle;
   return treeCommand(std::move(row), std::move(edit));
 }
 
-/// The row of an insertion, which needs a department and no article.
-Command insertCommand(Command row, TreeEdit edit) {
+/// The row of a new article, which needs a department and no article.
+Command newArticleCommand(Command row, TreeEdit edit) {
   row.enabled = isOnDepartment;
-  return treeCommand(std::move(row), std::move(edit));
+  row.whenOff = noDepartment;
+  return insertCommand(std::move(row), std::move(edit), EditedSet::Articoli);
 }
 
 /// Exchange of the current article with its neighbour.
@@ -48,26 +50,26 @@ std::vector<Command> moveCommands() {
 /// A new article before or after the current one.
 std::vector<Command> articleInsertCommands() {
   constexpr std::string_view step = "Aggiungi articolo";
-  return {insertCommand({.number = 2,
-                         .name = "article.insertBefore",
-                         .key = "+ articolo prima",
-                         .caption = "Aggiungi articolo prima",
-                         .icon = "prima",
-                         .menus = {{EditArticles, 203, "Prima", "Aggiungi"}},
-                         .toolbar = {Articles, 103},
-                         .shortcut = "Ctrl+Shift+I",
-                         .step = step},
-                        &TreeEditing::InserisciArticoloPrima),
-          insertCommand({.number = 3,
-                         .name = "article.insertAfter",
-                         .key = "+ articolo dopo",
-                         .caption = "Aggiungi articolo dopo",
-                         .icon = "dopo",
-                         .menus = {{EditArticles, 204, "Dopo", "Aggiungi"}},
-                         .toolbar = {Articles, 104},
-                         .shortcut = "Ctrl+I",
-                         .step = step},
-                        &TreeEditing::InserisciArticoloDopo)};
+  return {newArticleCommand({.number = 2,
+                             .name = "article.insertBefore",
+                             .key = "+ articolo prima",
+                             .caption = "Aggiungi articolo prima",
+                             .icon = "prima",
+                             .menus = {{EditArticles, 203, "Prima", "Aggiungi"}},
+                             .toolbar = {Articles, 103},
+                             .shortcut = "Ctrl+Shift+I",
+                             .step = step},
+                            &TreeEditing::InserisciArticoloPrima),
+          newArticleCommand({.number = 3,
+                             .name = "article.insertAfter",
+                             .key = "+ articolo dopo",
+                             .caption = "Aggiungi articolo dopo",
+                             .icon = "dopo",
+                             .menus = {{EditArticles, 204, "Dopo", "Aggiungi"}},
+                             .toolbar = {Articles, 104},
+                             .shortcut = "Ctrl+I",
+                             .step = step},
+                            &TreeEditing::InserisciArticoloDopo)};
 }
 
 /// Copy and paste by the clipboard of the catalogue.
@@ -90,7 +92,8 @@ std::vector<Command> clipboardCommands() {
                        .menus = {{EditArticles, 206, "Incolla"}},
                        .toolbar = {Articles, 106},
                        .shortcut = "Ctrl+V",
-                       .step = "Incolla articoli"},
+                       .step = "Incolla articoli",
+                       .whenOff = "Nessun articolo copiato"},
                       &TreeEditing::IncollaArticoli)};
 }
 

@@ -54,6 +54,20 @@ Command treeCommand(Command row, TreeEdit edit) {
   return row;
 }
 
+Command insertCommand(Command row, TreeEdit edit, EditedSet set) {
+  row.run = [step = std::string(row.step), edit = std::move(edit), set](const CommandContext& context) {
+    const CatalogueSets& sets = context.sets;
+    const auto current = [&] {
+      return set == EditedSet::Articoli ? std::to_string(sets.article()) : sets.department();
+    };
+    const std::string before = current();
+    const Result<> done = context.history.record(step, [&] { return edit(context.editing); });
+    context.bench.showError(done);
+    if (done && current() != before) context.view.startRow(set);
+  };
+  return row;
+}
+
 std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page) {
   for (Command& row : rows) {
     if (row.help.empty()) row.help = page;

@@ -52,6 +52,14 @@ FieldForm formOf(const Editor& editor, const ColumnInfo& info, char separator) {
   return {editor.kind, columnFormOf(editor, info), becomesZero(editor), separator};
 }
 
+/// A page has one to six articles side by side; a department without a number of its own takes that of the shop.
+bool isSideBySideAllowed(const Editor& editor, std::string_view text) {
+  if (editor.column != "affiancati") return true;
+  text = trim(text);
+  if (text.empty()) return editor.set == EditedSet::Categorie;
+  return text.size() == 1 && text[0] >= '1' && text[0] <= '6';
+}
+
 bool isReverseRate(const Editor& editor) { return editor.column == reverseRateField; }
 
 Editor rateEditor() {
@@ -114,6 +122,8 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
 
 std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
+  if (!isSideBySideAllowed(editor, text))
+    return "Gli articoli affiancati vanno da 1 a 6: è rimasto il valore precedente.";
   const ColumnInfo* info = columnInfo(editor);
   return refusedText(editor.kind, text, info != nullptr && isWholeNumberType(info->type), separator_);
 }
@@ -129,7 +139,10 @@ FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& t
     outcome.done = fail(ErrorKind::Missing, std::string(editor.column), "no such column");
     return outcome;
   }
-  const FieldText field = leftField(formOf(editor, *info, separator_), text, before);
+  FieldForm form = formOf(editor, *info, separator_);
+  // An article that isn't on offer has no offer price: a 0 would be one.
+  if (editor.column == "offertaprezzo" && trim(text).empty()) form.zeroUnlessNumber = false;
+  const FieldText field = leftField(form, text, before);
   if (field.text == before) return outcome;
   const std::string step = "Modifica " + plainLabel(editor.label);
   outcome.done = history_.record(step, [&] { return write(editor, field.value, before); });

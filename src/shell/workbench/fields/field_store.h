@@ -38,8 +38,9 @@ class FieldStore {
   };
   /// Leaving the field with this text: brings it to its form and saves the row; nothing happens when it says what the
   /// row says. One step of the history.
-  /// The step is called "Modifica" and the plain label. A price, quantity or percent that is no number becomes 0; other
-  /// numbers fail as Recordset::set. The reverse rate is stored as the rate it follows from. On no row nothing happens.
+  /// The step is called "Modifica" and the plain label. A price, quantity or percent that is no number becomes 0, an
+  /// empty offer price null; other numbers fail as Recordset::set. The reverse rate is stored as the rate it follows
+  /// from. On no row nothing happens.
   Outcome leave(const Editor& editor, const std::string& text);
 
   /// Why the field does not take the text that it is left with, as refusedText(); empty when it does.
