@@ -152,6 +152,14 @@ class DrivenWindow : public WindowFixture {
     }
     return text;
   }
+  /// The titles of the article list from top to bottom.
+  std::string titlesShown() {
+    std::string text;
+    for (int row = 0; row < window->articles().articles().rowCount(); ++row) {
+      text += (row > 0 ? " " : "") + fromQt(cell(row, ArticleModel::Title));
+    }
+    return text;
+  }
   /// Rows of a query: fields parted by "|", rows by " ".
   std::string rows(const std::string& query) {
     auto statement = session.catalogue.prepare(query);

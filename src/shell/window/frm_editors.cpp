@@ -76,7 +76,7 @@ void EditorBinding::adopt(QWidget* field) {
 }
 
 void EditorBinding::addUnit(QWidget* field) {
-  if (editor_.unit.empty()) return;
+  if (editor_.unit.empty() && editor_.kind != FieldKind::Price) return;
   unit_ = new QLabel(toQt(editor_.unit), parent_);
   auto* row = new QHBoxLayout;
   row->addWidget(field);
@@ -91,7 +91,16 @@ void EditorBinding::edited() {
   if (!dirty_ && !noted_) mark_->clear();
   noted_ = false;
   dirty_ = true;
+  showBeside();
   emit typed(read_());
+}
+
+void EditorBinding::showBeside() {
+  if (editor_.kind == FieldKind::Price) unit_->setText(toQt(workbench_.besideField(editor_, fromQt(read_()))));
+  if (dirty_ || (editor_.control != Control::Line && editor_.control != Control::Memo)) return;
+  const QString first = toQt(workbench_.firstLanguageText(editor_));
+  if (auto* line = qobject_cast<QLineEdit*>(field_)) line->setPlaceholderText(first);
+  if (auto* memo = qobject_cast<QPlainTextEdit*>(field_)) memo->setPlaceholderText(first);
 }
 
 void EditorBinding::makeLine(bool hidden) {
@@ -286,6 +295,7 @@ void EditorBinding::show() {
   }
   write_(toQt(workbench_.shown(editor_)));
   loading_ = false;
+  showBeside();
 }
 
 void EditorBinding::refreshEnabled() {

@@ -55,6 +55,8 @@ class EditorBinding final : public QObject {
   /// Nothing when nothing was typed since the last time. False when it could not be saved: the workbench has told the
   /// user, and the field keeps what was typed, with a mark.
   bool commit();
+  /// Whether something was typed that isn't stored yet.
+  bool isUnsaved() const { return dirty_; }
   /// Shows a text that follows from another field that is being typed.
   /// It isn't saved, and does nothing while this field itself has something to be saved.
   void preview(const QString& text);
@@ -90,6 +92,8 @@ class EditorBinding final : public QObject {
   void enlarge();
   /// Ends the field's own undo: what was typed has been stored.
   void forgetTyping();
+  /// Shows what goes with a price after its field, and the first language's text in an empty one.
+  void showBeside();
   /// Puts the unit of the table after the control; nothing for a row without one.
   void addUnit(QWidget* field);
 

@@ -174,6 +174,10 @@ bool EditorPage::commit() {
   return saved;
 }
 
+bool EditorPage::hasUnsaved() const {
+  return std::ranges::any_of(bindings_, [](const EditorBinding* binding) { return binding->isUnsaved(); });
+}
+
 EditorBinding* EditorPage::binding(EditedSet set, std::string_view column) const {
   for (EditorBinding* binding : bindings_) {
     if (binding->editor().set == set && binding->editor().column == column) return binding;

@@ -1,5 +1,6 @@
 #include "shell/workbench/commands/article_commands.h"
 
+#include "shell/workbench/commands/selection_commands.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
@@ -127,6 +128,11 @@ Command searchCommand() {
           }};
 }
 
+std::function<Result<>(TreeEditing&, const ArticleGroup&)> shiftBy(int direzione) {
+  return
+      [direzione](TreeEditing& editing, const ArticleGroup& group) { return editing.SpostaArticoli(group, direzione); };
+}
+
 }  // namespace
 
 std::vector<Command> articleCommands() {
@@ -136,6 +142,13 @@ std::vector<Command> articleCommands() {
   }
   rows.push_back(deleteCommand());
   rows.push_back(searchCommand());
+  for (Command& row : rows) {
+    if (row.name == "article.up") row = groupCommand(std::move(row), shiftBy(-1), "Sposta articoli");
+    if (row.name == "article.down") row = groupCommand(std::move(row), shiftBy(+1), "Sposta articoli");
+    if (row.name == "article.copy") row = groupCommand(std::move(row), &TreeEditing::CopiaArticoli, {});
+    if (row.name == "article.delete")
+      row = groupCommand(std::move(row), &TreeEditing::EliminaArticoli, "Elimina articoli");
+  }
   return withHelp(std::move(rows), "pagine/articoli.htm");
 }
 

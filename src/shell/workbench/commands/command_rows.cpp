@@ -10,6 +10,7 @@
 #include "shell/workbench/commands/language_commands.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/publish_commands.h"
+#include "shell/workbench/commands/selection_commands.h"
 #include "shell/workbench/commands/shop_commands.h"
 #include "shell/workbench/commands/site_commands.h"
 #include "shell/workbench/commands/variant_commands.h"
@@ -21,8 +22,8 @@ namespace kv {
 std::vector<Command> allCommands() {
   std::vector<Command> all;
   for (auto* const part :
-       {articleCommands, departmentCommands, pictureCommands, variantCommands, historyCommands, shopCommands,
-        buildCommands, publishCommands, languageCommands, siteCommands, viewCommands, helpCommands}) {
+       {articleCommands, selectionCommands, departmentCommands, pictureCommands, variantCommands, historyCommands,
+        shopCommands, buildCommands, publishCommands, languageCommands, siteCommands, viewCommands, helpCommands}) {
     std::vector<Command> rows = part();
     std::ranges::move(rows, std::back_inserter(all));
   }

@@ -102,6 +102,25 @@ std::string FieldStore::shown(const Editor& editor) {
   return isNumberType(info->type) && !text.empty() ? shownNumber(text, separator_) : text;
 }
 
+std::string FieldStore::firstLanguageText(const Editor& editor) {
+  const bool isText = editor.control == Control::Line || editor.control == Control::Memo;
+  if (sets_.session().currentLanguage == 1 || !isText || !isOnRow(sets_, editor.set)) return {};
+  const ColumnInfo* info = columnInfo(editor);
+  if (info == nullptr || isNumberType(info->type) || !shown(editor).empty()) return {};
+  // A column that all languages share is empty here too.
+  std::string query = "SELECT \"" + info->name + "\" FROM ";
+  if (editor.set == EditedSet::Generale) query += "generale";
+  if (editor.set == EditedSet::Categorie) query += "categorie WHERE ID = ?";
+  if (editor.set == EditedSet::Articoli) query += "articoli WHERE ID = ?";
+  auto row = sets_.session().catalogue.prepare(query);
+  if (!row) return {};
+  const std::string department = sets_.department();
+  if (editor.set == EditedSet::Categorie) row->bind(1, department);
+  if (editor.set == EditedSet::Articoli) row->bind(1, sets_.article());
+  const auto found = row->step();
+  return found && *found ? std::string(row->text(0)) : std::string();
+}
+
 int FieldStore::widest(const Editor& editor) {
   constexpr int smallDigits = 4;
   constexpr int longDigits = 9;

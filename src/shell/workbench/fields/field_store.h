@@ -46,6 +46,10 @@ class FieldStore {
   /// Why the field does not take the text that it is left with, as refusedText(); empty when it does.
   std::string refusal(const Editor& editor, const std::string& text);
 
+  /// What the first language has in the column of a text field that is empty in the language being edited; empty for a
+  /// field that isn't, and in the first language.
+  std::string firstLanguageText(const Editor& editor);
+
   /// The most characters that the column takes; 0: any number.
   /// For texts the size of the column, for whole numbers the digits that always fit: 4 or 9.
   int widest(const Editor& editor);
