@@ -1,6 +1,8 @@
 // The choice of a dated copy in its window.
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include <QTableWidget>
 
 #include "dialog_fixture.h"
@@ -22,13 +24,26 @@ class TheBackupDialog : public test::DialogFixture {
   }
 };
 
+TEST_F(TheBackupDialog, CopiesOfTheSameMinuteAndSecondCanBeToldApart) {
+  for (const char* name : {"catalog-20260713T081530Z.mdb", "catalog-20260713T081530Z-2.mdb"}) {
+    ASSERT_TRUE(copyFile(shop + "/catalog.mdb", shop + "/backup/" + name));
+  }
+  frmBackup dialog(shop, env);
+  show(dialog);
+  const auto* list = control<QTableWidget>(dialog, "lstCopie");
+  std::set<std::string> times;
+  for (int row = 0; row < list->rowCount(); ++row) times.insert(fromQt(list->item(row, 0)->text()));
+  EXPECT_EQ(times.size(), 4U);
+  EXPECT_TRUE(times.contains(formatTime(1783930530) + ":30 (2)"));
+}
+
 TEST_F(TheBackupDialog, ListsTheNewestFirst) {
   frmBackup dialog(shop, env);
   show(dialog);
   const auto* list = control<QTableWidget>(dialog, "lstCopie");
   ASSERT_EQ(list->rowCount(), 2);
-  EXPECT_EQ(fromQt(list->item(0, 0)->text()), formatTime(1783930500));
-  EXPECT_EQ(fromQt(list->item(1, 0)->text()), formatTime(1783840500));
+  EXPECT_EQ(fromQt(list->item(0, 0)->text()), formatTime(1783930500) + ":00");
+  EXPECT_EQ(fromQt(list->item(1, 0)->text()), formatTime(1783840500) + ":00");
   EXPECT_EQ(list->currentRow(), 0);
   EXPECT_EQ(test::defaultButton(dialog), "Ripristina");
   EXPECT_EQ(test::namelessControls(dialog), "");

@@ -98,6 +98,12 @@ class DrivenWindow : public WindowFixture {
   }
   /// Chooses a command in the open menus. False when it can't be chosen.
   bool choose(std::string_view name) { return chooseInMenus(*window->menuBar(), window->menus().action(name)); }
+  /// The keyboard is in the window again, as after a menu or a dialog on a desktop; the screen in memory needs a word.
+  void comeBack() {
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    processEvents();
+  }
   QString entryText(std::string_view name) { return plain(window->menus().action(name)->text()); }
   bool isEntryOn(std::string_view name) { return window->menus().action(name)->isEnabled(); }
 
@@ -143,6 +149,14 @@ class DrivenWindow : public WindowFixture {
       if (title.empty()) title = "-";
       if (current) title = "[" + title + "]";
       text += (row > 0 ? " " : "") + title;
+    }
+    return text;
+  }
+  /// The titles of the article list from top to bottom.
+  std::string titlesShown() {
+    std::string text;
+    for (int row = 0; row < window->articles().articles().rowCount(); ++row) {
+      text += (row > 0 ? " " : "") + fromQt(cell(row, ArticleModel::Title));
     }
     return text;
   }

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <iostream>
 
+#include "shell/window/frm_style.h"
+
 namespace {
 
 /// The screen in memory complains of what it lacks at every window; nothing of it is about the windows.
@@ -25,5 +27,6 @@ int main(int count, char** values) {
   qInstallMessageHandler(writeMessage);
   testing::InitGoogleTest(&count, values);
   const QApplication application(count, values);
+  kv::wearWorkbenchStyle();
   return RUN_ALL_TESTS();
 }

@@ -54,6 +54,23 @@ TEST_F(TheLanguagesDialog, OkStoresAndTellsTheWindow) {
   EXPECT_THAT(calls, ElementsAre("MostraLingue", "CambiaLingua 1"));
 }
 
+TEST_F(TheLanguagesDialog, TwoEqualLanguagesAreWarnedOfAndTheSecondIsNextToBeChosen) {
+  ASSERT_TRUE(storeLanguages(session, {2, {"italiano", "inglese"}}, {}));
+  frmLingue dialog(session, env);
+  show(dialog);
+  choose(dialog, "cboLingua2", "italiano");
+  QTest::keyClick(&dialog, Qt::Key_Return);
+  ASSERT_EQ(user.texts(), std::vector<std::string>{"La lingua 2 è uguale a un'altra: italiano.\nIl negozio avrebbe due "
+                                                   "volte le stesse pagine. Continuare comunque?"});
+  EXPECT_EQ(user.shown[0].preset, Answer::No);
+  EXPECT_TRUE(dialog.isVisible());
+  EXPECT_TRUE(control<QComboBox>(dialog, "cboLingua2")->hasFocus());
+  EXPECT_EQ(stored("lingua2", "lingue"), "inglese");
+  user.answers = {Answer::Yes};
+  QTest::keyClick(&dialog, Qt::Key_Return);
+  EXPECT_EQ(stored("lingua2", "lingue"), "italiano");
+}
+
 TEST_F(TheLanguagesDialog, ABoxThatComesIntoUseProposesAModule) {
   ASSERT_TRUE(storeLanguages(session, {1, session.languageNames}, {}));
   frmLingue dialog(session, env);

@@ -114,9 +114,29 @@ TEST_F(TheTagsDialog, SaysWhenThereAreTooMany) {
 TEST_F(TheTagsDialog, EscapeLeavesTheFilesAlone) {
   name->setText("altro");
   click(*dialog, "cmdElimina");
+  QTest::keyClick(&*dialog, Qt::Key_Escape);
+  EXPECT_TRUE(dialog->isVisible()) << "No is the default";
+  ASSERT_EQ(user.texts(), std::vector<std::string>{"Le modifiche ai tag non sono state salvate. Chiudere la finestra e "
+                                                   "perderle?"});
+  user.answers = {Answer::Yes};
   expectEscapeLeaves(*dialog);
   EXPECT_EQ(readBytes(shop + "/shoptag.tag"), "<<5-orari>>\r\n9-13\r\n");
   EXPECT_FALSE(fileExists(shop + "/shoptag.bak"));
+}
+
+TEST_F(TheTagsDialog, WithoutChangesItIsLeftWithoutAQuestion) {
+  list->setCurrentRow(1);
+  expectEscapeLeaves(*dialog);
+  EXPECT_TRUE(user.shown.empty());
+}
+
+TEST_F(TheTagsDialog, TheEndOfATagIsRefusedInItsName) {
+  name->setFocus();
+  name->selectAll();
+  QTest::keyClicks(name, "a>>b");
+  EXPECT_EQ(name->text(), "a>b");
+  EXPECT_EQ(line(0), "<<5-a>b>>");
+  EXPECT_TRUE(name->hasFocus());
 }
 
 TEST_F(TheTagsDialog, AFailureToWriteIsToldAndTheDialogStays) {

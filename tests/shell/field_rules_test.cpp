@@ -89,7 +89,9 @@ TEST(FieldRules, TheEuroSignBringsItsNote) {
 }
 
 TEST(FieldRules, AFolderTakesLettersDigitsUnderlinesAndSlashes) {
-  EXPECT_EQ(typed(FieldKind::Folder, "/www neg-ozio_1\\\xC3\xA8"), "/wwwnegozio_1\\");
+  EXPECT_EQ(typed(FieldKind::Folder, "/www neg+ozio_1\\\xC3\xA8"), "/wwwnegozio_1\\");
+  for (const char* key : {"-", ".", "+", " "}) EXPECT_FALSE(keyTyped(FieldKind::Folder, key, ',').accepted) << key;
+  EXPECT_EQ(pasted(FieldKind::Folder, "/www.nome.it/cgi-bin", ','), "/www.nome.it/cgi-bin");
 }
 
 TEST(FieldRules, ALeftFieldIsStoredAsItsColumnWantsIt) {

@@ -28,6 +28,7 @@ class FakeView final : public WorkbenchView {
   Tab tab = Tab::Departments;
   std::map<std::string, bool, std::less<>> enabled;
   std::vector<std::string> told;
+  std::vector<std::int64_t> group;  ///< what is selected in the list
   std::string selected, status, title;
   int listino = 0, busy = 0, mostBusy = 0, edits = 0;
   std::multiset<EditedSet> fields;
@@ -50,6 +51,11 @@ class FakeView final : public WorkbenchView {
   void expandTree(bool expanded) override { told.emplace_back(expanded ? "expand" : "collapse"); }
   void articlesChanged() override { told.emplace_back("articles"); }
   void selectArticle() override { told.emplace_back("article"); }
+  std::vector<std::int64_t> selectedArticles() const override { return group; }
+  void focusTree() override { told.emplace_back("focus tree"); }
+  void startRow(EditedSet set) override {
+    told.push_back(set == EditedSet::Articoli ? "new article" : "new department");
+  }
   void fieldsChanged(EditedSet set) override { fields.insert(set); }
   void showStatus(const std::string& text) override { status = text; }
   void showTitle(const std::string& text) override { title = text; }

@@ -13,6 +13,7 @@
 #include "scenes.h"
 #include "shell/program/frm_program.h"
 #include "shell/window/frm_appearance.h"
+#include "shell/window/frm_style.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ bool isWanted(const Scene& scene, const QStringList& names) {
 
 void dress(const QCommandLineParser& arguments) {
   QApplication::setStyle(QStringLiteral("Fusion"));
+  kv::wearWorkbenchStyle();
   kv::applyAppearance(arguments.isSet(QStringLiteral("dark")) ? kv::Appearance::Dark : kv::Appearance::Light, false);
   QFont letters = QApplication::font();
   letters.setPointSizeF(letters.pointSizeF() * arguments.value(QStringLiteral("font")).toDouble() / 100);

@@ -7,8 +7,11 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QShowEvent>
 #include <QTextDocument>
 #include <utility>
+
+#include "platform/qt/frm_screen.h"
 
 namespace kv {
 
@@ -51,6 +54,15 @@ void FormDialog::reject() {
 int FormDialog::exec() {
   const UsualCursor pointer;
   return QDialog::exec();
+}
+
+void FormDialog::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  if (event->spontaneous()) return;
+  bringOnScreen(*this);
+  whenFramed(*this, [this, shown = size()] {
+    if (size() == shown) bringOnScreen(*this);
+  });
 }
 
 QDialogButtonBox* FormDialog::makeButtons(std::string_view accept, std::string_view leave) {

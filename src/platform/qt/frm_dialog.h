@@ -42,6 +42,8 @@ class FormDialog : public QDialog {
   int exec() override;
 
  protected:
+  /// The dialog is within the screen when it shows, and once more when it has its frame.
+  void showEvent(QShowEvent* event) override;
   /// A row of two buttons: the default one (Ok of the row), which the dialog class connects, and the one that closes
   /// without a result (Cancel).
   QDialogButtonBox* makeButtons(std::string_view accept = "OK", std::string_view leave = "Annulla");

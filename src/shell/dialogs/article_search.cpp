@@ -29,6 +29,16 @@ bool isSearchCharacter(std::string_view letter) {
   return letter.size() == 2 && accents.find(letter) != std::string_view::npos;
 }
 
+bool isPastedSearchCharacter(std::string_view character) {
+  return isSearchCharacter(character) || character == "-" || character == ".";
+}
+
+std::string refusedSearchKey(std::string_view character) {
+  const std::string subject = "Il carattere \"" + std::string(character) + "\" ";
+  if (!isPastedSearchCharacter(character)) return subject + "non si può cercare";
+  return subject + "non si può digitare qui: un testo incollato lo conserva, e il filtro sopra l'elenco lo accetta";
+}
+
 const std::vector<SearchColumn>& searchColumns() {
   static const std::vector<SearchColumn> columns{
       {"titolo", "Titolo"},           {"codice", "Codice"}, {"sottotitolo", "Sottotitolo"},

@@ -14,6 +14,11 @@ namespace kv {
 /// `character` is one character in UTF-8.
 bool isSearchCharacter(std::string_view character);
 
+/// Whether a character stays in the search field when it is pasted: what may be typed, "-" and ".".
+bool isPastedSearchCharacter(std::string_view character);
+/// Why a character can't be typed into the search field, as it is said beside it.
+std::string refusedSearchKey(std::string_view character);
+
 /// A column of `articoli`, without the suffix of a language, and its label.
 struct SearchColumn {
   std::string_view column;

@@ -16,6 +16,20 @@ constexpr std::string_view backupNote =
     "a cui tornare:";
 constexpr std::string_view noCopies = "Non è ancora stata conservata alcuna copia.";
 
+/// The time of a copy with its seconds; copies of one second are numbered, the oldest is the first.
+std::string timeOfCopy(const std::vector<BackupCopy>& copies, const BackupCopy& copy) {
+  constexpr std::int64_t minute = 60;
+  const std::int64_t seconds = copy.madeAt % minute;
+  std::string text = formatTime(copy.madeAt) + (seconds < 10 ? ":0" : ":") + std::to_string(seconds);
+  std::size_t sameTime = 0, number = 0;
+  for (auto each = copies.rbegin(); each != copies.rend(); ++each) {
+    if (each->madeAt != copy.madeAt) continue;
+    ++sameTime;
+    if (each->name == copy.name) number = sameTime;
+  }
+  return sameTime > 1 ? text + " (" + std::to_string(number) + ")" : text;
+}
+
 }  // namespace
 
 frmBackup::frmBackup(const std::string& shopFolder, Environment& env, QWidget* parent)
@@ -44,7 +58,7 @@ QWidget* frmBackup::makeList() {
   lstCopie_->horizontalHeader()->setHighlightSections(false);
   int row = 0;
   for (const BackupCopy& copy : copies_) {
-    lstCopie_->setItem(row, 0, new QTableWidgetItem(toQt(formatTime(copy.madeAt))));
+    lstCopie_->setItem(row, 0, new QTableWidgetItem(toQt(timeOfCopy(copies_, copy))));
     lstCopie_->setItem(row, 1, new QTableWidgetItem(toQt(formatTime(copy.savedAt))));
     lstCopie_->setItem(row, 2, new QTableWidgetItem(toQt(formatSize(copy.size))));
     lstCopie_->item(row, 2)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);

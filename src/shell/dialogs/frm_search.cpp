@@ -9,6 +9,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -18,6 +19,8 @@
 #include <QValidator>
 #include <utility>
 
+#include "platform/qt/frm_note.h"
+
 namespace kv {
 namespace {
 
@@ -25,7 +28,23 @@ constexpr std::string_view searchTitle = "Korvane - Cerca articoli";
 constexpr std::string_view noHits = "Nessun articolo trovato";
 constexpr int columnsShown = 2;
 
-/// Lets search characters alone into a field; others vanish from what is typed or pasted.
+/// The field of the text: a character that can't be typed is swallowed, and it is said beside the field.
+class SearchLine final : public QLineEdit {
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const QString text = event->text();
+    const bool isCharacter = text.size() == 1 && text.front().isPrint() &&
+                             (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+    if (isCharacter && !isSearchCharacter(fromQt(text))) {
+      showNote(*this, toQt(refusedSearchKey(fromQt(text))));
+      return event->accept();
+    }
+    if (isCharacter) showNote(*this, {});
+    QLineEdit::keyPressEvent(event);
+  }
+};
+
+/// Lets search characters alone into a field, and of what is pasted two more; others vanish.
 class SearchLetters final : public QValidator {
  public:
   using QValidator::QValidator;
@@ -33,7 +52,7 @@ class SearchLetters final : public QValidator {
     QString kept;
     int place = position;
     for (int i = 0; i < text.size(); ++i) {
-      if (isSearchCharacter(fromQt(QString(text.at(i))))) {
+      if (isPastedSearchCharacter(fromQt(QString(text.at(i))))) {
         kept += text.at(i);
       } else if (i < position) {
         --place;
@@ -101,7 +120,7 @@ frmSearch::frmSearch(Session& session, Environment& env, QWidget* parent)
 frmSearch::~frmSearch() { disconnect(qApp, nullptr, this, nullptr); }
 
 QWidget* frmSearch::makeQuestion() {
-  txtTesto_ = named(new QLineEdit(), "txtTesto");
+  txtTesto_ = named(new SearchLine(), "txtTesto");
   txtTesto_->setValidator(new SearchLetters(txtTesto_));
   cmdCerca_ = named(new QPushButton(QStringLiteral("&Cerca")), "cmdCerca");
   auto* row = new QHBoxLayout();

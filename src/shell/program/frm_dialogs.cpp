@@ -2,6 +2,8 @@
 
 #include <QDesktopServices>
 #include <QFile>
+#include <QFileDialog>
+#include <QPointer>
 #include <QUrl>
 #include <optional>
 
@@ -9,6 +11,7 @@
 #include "media/choice/frm_immagine.h"
 #include "media/purge/frm_pulisci_immagini.h"
 #include "platform/files/files.h"
+#include "platform/qt/frm_screen.h"
 #include "shell/dialogs/frm_about.h"
 #include "shell/dialogs/frm_avviso.h"
 #include "shell/dialogs/frm_backup.h"
@@ -171,7 +174,11 @@ void showGuide(frmMain& window) {
     guide->setAttribute(Qt::WA_DeleteOnClose);
   }
   guide->show();
-  guide->placeBeside(window);
+  // Until both have their frames, nobody knows how much room they take.
+  whenFramed(window, [&window, guide = QPointer<frmIntro>(guide)] {
+    if (guide == nullptr) return;
+    whenFramed(*guide, [&window, guide] { guide->placeBeside(window); });
+  });
 }
 
 }  // namespace kv

@@ -23,6 +23,7 @@
 #include "shell/program/installed_data.h"
 #include "shell/window/frm_appearance.h"
 #include "shell/window/frm_main.h"
+#include "shell/window/frm_style.h"
 #include "shell/workbench/commands/command_rows.h"
 #include "store/shop/server_path.h"
 #include "store/shop/session_start.h"
@@ -116,6 +117,7 @@ QTranslator* speakItalian() {
 }
 
 int runWindow(const WindowArguments& arguments, const std::string& programs) {
+  wearWorkbenchStyle();
   speakItalian();
   const SessionEnd end;
   QtUser user;

@@ -7,7 +7,9 @@
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace kv {
 namespace {
@@ -46,7 +48,44 @@ QPalette paletteOf(std::initializer_list<Colour> colours, QRgb faded, QRgb faded
   return palette;
 }
 
+double luminanceOf(const QColor& colour) {
+  const auto part = [](double value) {
+    return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+}
+
+/// A colour brought away from the grounds of the palette until it can be told from each.
+QColor toldApart(QColor colour, const QPalette& palette) {
+  constexpr double least = 3.2;  // a little more than the limit, for edges that are drawn smooth
+  constexpr int steps = 64;
+  const bool dark = isDark(palette);
+  const auto isFaint = [&] {
+    return std::ranges::any_of(std::array{QPalette::Window, QPalette::Base, QPalette::AlternateBase, QPalette::Button},
+                               [&](auto role) { return contrastOf(colour, palette.color(role)) < least; });
+  };
+  for (int i = 0; i < steps && isFaint(); ++i) {
+    const int lightness = colour.lightness() + (dark ? 4 : -4);
+    colour.setHsl(colour.hslHue(), colour.hslSaturation(), std::clamp(lightness, 0, 255));
+  }
+  return colour.toRgb();
+}
+
 }  // namespace
+
+double contrastOf(const QColor& one, const QColor& other) {
+  constexpr double flare = 0.05;
+  const double first = luminanceOf(one), second = luminanceOf(other);
+  return (std::max(first, second) + flare) / (std::min(first, second) + flare);
+}
+
+QColor markColour(const QPalette& palette) {
+  return toldApart(palette.color(QPalette::Active, QPalette::Highlight), palette);
+}
+
+QColor edgeColour(const QPalette& palette) {
+  return toldApart(palette.color(QPalette::Active, QPalette::Mid), palette);
+}
 
 QPalette lightPalette() {
   return paletteOf({{QPalette::Window, 0xefefef},      {QPalette::WindowText, 0x1c2227},

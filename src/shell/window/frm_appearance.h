@@ -23,6 +23,15 @@ QPalette darkPalette();
 /// Whether text is lighter than its background.
 bool isDark(const QPalette& palette);
 
+/// The contrast of two colours, 1 to 21. Source: WCAG 2.1, definition of "contrast ratio".
+double contrastOf(const QColor& one, const QColor& other);
+/// The colour of what tells where the keyboard is and which of several is in use: the highlight, made lighter or darker
+/// until it has a contrast of 3:1 at least with every ground of the palette.
+/// Source of the limit: WCAG 2.1, success criterion 1.4.11.
+QColor markColour(const QPalette& palette);
+/// The colour of the edges of check boxes and radio buttons, by the same rule.
+QColor edgeColour(const QPalette& palette);
+
 /// Sets the palette of the program's windows. `Desktop` gives the platform's own back; when that is light and the
 /// desktop prefers dark, the dark one.
 void applyAppearance(Appearance appearance, bool desktopPrefersDark);

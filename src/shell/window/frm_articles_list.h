@@ -19,8 +19,18 @@ class ArticleModel final : public QAbstractTableModel {
   explicit ArticleModel(Workbench& workbench, QObject* parent = nullptr);
 
   /// The columns from left to right; the price is shown with the locale's decimal separator, an unset one as no text.
-  enum Column { Code, Title, Price, ColumnCount };
+  /// Beside it is the price with the VAT of the department.
+  enum Column { Code, Title, Price, Vat, ColumnCount };
 
+  /// Filters and sorts from the next rebuild() on.
+  void arrange(ArticleArrangement arrangement) { rows_.arrange(std::move(arrangement)); }
+  const ArticleArrangement& arrangement() const { return rows_.arrangement(); }
+  /// The article of a row; 0 for a row that isn't there.
+  std::int64_t articleAt(int row) const { return rows_.at(static_cast<std::size_t>(row)).ID; }
+  /// The row of an article; -1 when the list doesn't show it.
+  int rowOf(std::int64_t ID) const;
+  /// The row of the current article; -1 when the list doesn't show it, or there is none.
+  int currentRow() const;
   /// Takes over the current department's articles.
   /// Called when rows or their order changed. A preview ends; selection and scroll position are lost.
   void rebuild();
@@ -39,6 +49,9 @@ class ArticleModel final : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
+  /// As the column has it; empty for none.
+  std::string vatOfDepartment() const;
+
   Workbench& workbench_;
   mutable ArticleRows rows_;  ///< filled by data(), which is const
   int previewRow_ = -1;       ///< of the cell that shows what is being typed; -1: none
@@ -60,6 +73,11 @@ class ArticleList final : public QTableView {
   /// Selects the current article of the workbench.
   /// Scrolls to it; clears the selection when no article is current. Does not move the cursor.
   void selectCurrent();
+  /// Shows the same articles filtered and sorted in another way.
+  /// The order of the shop isn't changed; the current article stays current, shown or not.
+  void arrange(ArticleArrangement arrangement);
+  /// The articles of the selected rows, from top to bottom.
+  std::vector<std::int64_t> selected() const;
   /// Owned by the list, for previews and for reading its fields again.
   ArticleModel& articles() { return *model_; }
 
@@ -70,6 +88,8 @@ class ArticleList final : public QTableView {
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
  private:
+  void selectGroup(const std::vector<std::int64_t>& group);
+
   Workbench& workbench_;
   ArticleModel* model_;
   bool updating_ = false;  ///< the selection follows the workbench

@@ -37,6 +37,31 @@ QSize ColumnsLayout::minimumSize() const {
 void ColumnsLayout::setGeometry(const QRect& area) {
   QLayout::setGeometry(area);
   arrange(area, true);
+  growGroups(area.marginsRemoved(contentsMargins()));
+}
+
+void ColumnsLayout::growGroups(const QRect& area) const {
+  for (QLayoutItem* item : items_) {
+    if (!growing_.contains(item->widget())) continue;
+    const QRect own = item->geometry();
+    const auto isInColumn = [&](const QLayoutItem* other) {
+      return !other->isEmpty() && other->geometry().left() == own.left() && other->geometry().top() >= own.top();
+    };
+    int lowest = own.bottom();
+    bool isLast = true;
+    for (const QLayoutItem* other : items_) {
+      if (!isInColumn(other)) continue;
+      lowest = std::max(lowest, other->geometry().bottom());
+      isLast = isLast && (other == item || !growing_.contains(other->widget()));
+    }
+    const int left = area.bottom() - lowest;
+    if (left <= 0 || !isLast) continue;
+    for (QLayoutItem* other : items_) {
+      if (!isInColumn(other) || other == item) continue;
+      other->setGeometry(other->geometry().translated(0, left));
+    }
+    item->setGeometry(own.adjusted(0, 0, 0, left));
+  }
 }
 
 /// Lays the groups out, or only computes the height that they take.

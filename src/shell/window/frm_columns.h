@@ -18,6 +18,10 @@ class ColumnsLayout final : public QLayout {
   /// At most one; it isn't owned.
   void setWide(const QWidget* group) { wide_ = group; }
 
+  /// A group of this layout that takes the height that is left below its column; of two in a column the last does.
+  /// It isn't owned.
+  void addGrowing(const QWidget* group) { growing_.append(group); }
+
   // QLayout
   void addItem(QLayoutItem* item) override { items_.append(item); }
   int count() const override { return static_cast<int>(items_.size()); }
@@ -33,9 +37,12 @@ class ColumnsLayout final : public QLayout {
  private:
   /// The height that the groups need in this area; with `move` they are put there.
   int arrange(const QRect& area, bool move) const;
+  /// Gives the height that is left in each column of this area to its growing group.
+  void growGroups(const QRect& area) const;
   QList<QLayoutItem*> items_;
   int narrowest_;
   const QWidget* wide_ = nullptr;  ///< takes the whole width; may be none
+  QList<const QWidget*> growing_;  ///< take what height is left
 };
 
 }  // namespace kv

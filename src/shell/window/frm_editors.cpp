@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolButton>
 
@@ -12,6 +13,7 @@
 #include "shell/window/frm_field.h"
 #include "shell/window/frm_field_mark.h"
 #include "shell/window/frm_picture.h"
+#include "shell/window/frm_text.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/variant_commands.h"
 
@@ -86,7 +88,7 @@ void EditorBinding::adopt(QWidget* field) {
 }
 
 void EditorBinding::addUnit(QWidget* field) {
-  if (editor_.unit.empty()) return;
+  if (editor_.unit.empty() && editor_.kind != FieldKind::Price) return;
   unit_ = new QLabel(toQt(editor_.unit), parent_);
   auto* row = new QHBoxLayout;
   row->addWidget(field);
@@ -110,7 +112,16 @@ void EditorBinding::edited() {
   if (!dirty_ && !noted_) mark_->clear();
   noted_ = false;
   dirty_ = true;
+  showBeside();
   emit typed(read_());
+}
+
+void EditorBinding::showBeside() {
+  if (editor_.kind == FieldKind::Price) unit_->setText(toQt(workbench_.besideField(editor_, fromQt(read_()))));
+  if (dirty_ || (editor_.control != Control::Line && editor_.control != Control::Memo)) return;
+  const QString first = toQt(workbench_.firstLanguageText(editor_));
+  if (auto* line = qobject_cast<QLineEdit*>(field_)) line->setPlaceholderText(first);
+  if (auto* memo = qobject_cast<QPlainTextEdit*>(field_)) memo->setPlaceholderText(first);
 }
 
 void EditorBinding::makeLine(bool hidden) {
@@ -151,14 +162,40 @@ void EditorBinding::makeMemo() {
   auto* memo = new FieldMemo(parent_);
   constexpr int lines = 5;
   memo->setMinimumHeight(memo->fontMetrics().lineSpacing() * lines);
-  memo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  memo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   read_ = [memo] { return memo->toPlainText(); };
   write_ = [memo](const QString& text) {
     if (memo->toPlainText() != text) memo->setPlainText(text);
   };
   connect(memo, &QPlainTextEdit::textChanged, this, &EditorBinding::edited);
   connect(memo, &FieldMemo::left, this, &EditorBinding::commit);
+  connect(memo, &FieldMemo::refused, this,
+          [this](const QString& character) { mark_->show(toQt(refusedKeyNote(editor_.kind, fromQt(character)))); });
   adopt(memo);
+  auto* larger = new QToolButton(parent_);
+  larger->setText(QStringLiteral("..."));
+  larger->setToolTip(tr("Apri il testo in una finestra più grande (Ctrl+Invio)"));
+  larger->setAccessibleName(tr("Ingrandisci ") + memo->accessibleName());
+  larger->setFocusPolicy(Qt::TabFocus);
+  larger_ = larger;
+  connect(larger, &QToolButton::clicked, this, &EditorBinding::enlarge);
+  auto* key = new QShortcut(Qt::CTRL | Qt::Key_Return, memo, nullptr, nullptr, Qt::WidgetShortcut);
+  connect(key, &QShortcut::activated, this, &EditorBinding::enlarge);
+  auto* row = new QHBoxLayout;
+  row->addWidget(memo, 1);
+  row->addWidget(larger, 0, Qt::AlignTop);
+  row_ = row;
+}
+
+/// The text goes to the row only when the window is left by OK.
+void EditorBinding::enlarge() {
+  auto* memo = qobject_cast<QPlainTextEdit*>(field_);
+  if (memo == nullptr || !memo->isEnabled()) return;
+  frmTesto window(field_->accessibleName(), memo->toPlainText(), field_->window());
+  window.exec();
+  if (window.tag() != "OK" || window.text() == memo->toPlainText()) return;
+  memo->setPlainText(window.text());
+  commit();
 }
 
 void EditorBinding::makeCheck() {
@@ -272,12 +309,14 @@ void EditorBinding::show() {
   }
   write_(toQt(workbench_.shown(editor_)));
   loading_ = false;
+  showBeside();
 }
 
 void EditorBinding::refreshEnabled() {
   const bool enabled = workbench_.isEditorEnabled(editor_);
   field_->setEnabled(enabled);
   if (unit_ != nullptr) unit_->setEnabled(enabled);
+  if (larger_ != nullptr) larger_->setEnabled(enabled);
   if (label_ != nullptr) label_->setEnabled(enabled);
 }
 
@@ -295,7 +334,20 @@ bool EditorBinding::commit() {
   // How a number was read is worth seeing while it is shown.
   if (!left.mark.empty()) mark_->show(toQt(left.mark));
   saving_ = false;
+  if (left.saved) forgetTyping();
   return left.saved;
+}
+
+/// What is stored is undone as a step of the catalogue, and no longer as typing of the field.
+void EditorBinding::forgetTyping() {
+  if (auto* memo = qobject_cast<QPlainTextEdit*>(field_)) return memo->document()->clearUndoRedoStacks();
+  auto* line = qobject_cast<QLineEdit*>(field_);
+  if (const auto* list = qobject_cast<QComboBox*>(field_)) line = list->lineEdit();
+  if (line == nullptr) return;
+  const QSignalBlocker quiet(line);
+  const int position = line->cursorPosition();
+  line->setText(line->text());
+  line->setCursorPosition(position);
 }
 
 void EditorBinding::preview(const QString& text) {

@@ -55,6 +55,8 @@ class EditorBinding final : public QObject {
   /// Nothing when nothing was typed since the last time. False when it could not be saved: the workbench has told the
   /// user, and the field keeps what was typed, with a mark.
   bool commit();
+  /// Whether something was typed that isn't stored yet.
+  bool isUnsaved() const { return dirty_; }
   /// Shows a text that follows from another field that is being typed.
   /// It isn't saved, and does nothing while this field itself has something to be saved.
   void preview(const QString& text);
@@ -88,6 +90,12 @@ class EditorBinding final : public QObject {
   void giveUp();
   /// Connects what a line says about its text.
   void follow(FieldLine* line);
+  /// Opens a long text in a larger window, and stores it when that is left by OK.
+  void enlarge();
+  /// Ends the field's own undo: what was typed has been stored.
+  void forgetTyping();
+  /// Shows what goes with a price after its field, and the first language's text in an empty one.
+  void showBeside();
   /// Puts the unit of the table after the control; nothing for a row without one.
   void addUnit(QWidget* field);
 
@@ -96,8 +104,9 @@ class EditorBinding final : public QObject {
   QWidget* parent_;           ///< owns the controls
   QWidget* field_ = nullptr;  ///< set by adopt()
   QLayout* row_ = nullptr;
-  QLabel* unit_ = nullptr;   ///< null: none
-  QLabel* label_ = nullptr;  ///< null: none, or a part of the control
+  QLabel* unit_ = nullptr;     ///< null: none
+  QWidget* larger_ = nullptr;  ///< the button of a long text; null: none
+  QLabel* label_ = nullptr;    ///< null: none, or a part of the control
   // How the text of the control is read and set, whatever it is.
   std::function<QString()> read_;
   std::function<void(const QString&)> write_;

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/text/text.h"
 
 namespace kv {
 
@@ -18,8 +19,10 @@ FieldFilter::FieldFilter(FieldKind kind, char decimalSeparator, QLineEdit* line)
 
 QString FieldFilter::filtered(const QString& fresh) const {
   const std::string typed = fromQt(key_ ? fresh : toQt(singleLine(fromQt(fresh))));
-  const QString kept = toQt(pasted(kind_, typed, separator_));
-  if (key_ && kept.isEmpty() && !fresh.isEmpty() && note) note(toQt(refusedKeyNote(typed)));
+  // Of a folder a paste keeps what no key types.
+  const bool isKey = key_ && typed.size() == firstCharacters(typed, 1).size();
+  const QString kept = toQt(isKey ? keyTyped(kind_, typed, separator_).inserted : pasted(kind_, typed, separator_));
+  if (key_ && kept.isEmpty() && !fresh.isEmpty() && note) note(toQt(refusedKeyNote(kind_, typed)));
   return kept;
 }
 
@@ -118,6 +121,7 @@ QSize FieldMemo::sizeHint() const {
 void FieldMemo::keyPressEvent(QKeyEvent* event) {
   const QString text = event->text();
   if (text == QLatin1String("|") || text == QLatin1String("[") || text == QLatin1String("]")) {
+    emit refused(text);
     event->accept();
     return;
   }

@@ -85,6 +85,8 @@ class FieldMemo final : public QPlainTextEdit {
  signals:
   // Not emitted when only a menu of the field itself has opened.
   void left();  ///< the focus has gone elsewhere
+  /// One of the three characters was typed; nothing was inserted.
+  void refused(const QString& character);
 
  protected:
   /// Swallows the three characters.

@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "platform/qt/frm_screen.h"
 #include "shell/window/frm_appearance.h"
 #include "shell/window/intro_steps.h"
 
@@ -20,6 +21,7 @@ namespace {
 
 const QColor plainColour(Qt::white);
 const QColor letterColour(Qt::black);  // on both, in a dark palette too
+constexpr int narrowest = 36;          // average characters
 
 }  // namespace
 
@@ -130,15 +132,28 @@ void frmIntro::widenMain() {
   main_ = nullptr;
 }
 
+/// Beside a main window as narrow as it can be.
+void frmIntro::narrowSelf(const QWidget& mainWindow, const QRect& room) {
+  const int mainRim = mainWindow.frameGeometry().width() - mainWindow.width();
+  const int rim = frameGeometry().width() - width();
+  const int most = room.width() - mainWindow.minimumWidth() - mainRim - rim;
+  const int least = fontMetrics().averageCharWidth() * narrowest;
+  if (width() > most) resize(std::max(most, least), height());
+}
+
 void frmIntro::placeBeside(QWidget& mainWindow) {
   const QRect room = mainWindow.screen()->availableGeometry();
+  // Placed again, it starts from what the user had.
+  widenMain();
+  bringOnScreen(*this);
+  narrowSelf(mainWindow, room);
   narrowMain(mainWindow, room);
   const QRect frame = mainWindow.frameGeometry();
   const QRect own = frameGeometry();
   const IntroPlacement places = placeIntro(room.width(), frame.left() - room.left(), frame.width(), own.width());
   const int lowest = std::max(room.top(), room.bottom() + 1 - own.height());
   mainWindow.move(room.left() + places.mainLeft, frame.top());
-  move(room.left() + places.introLeft, std::min(frame.top(), lowest));
+  move(room.left() + places.introLeft, std::clamp(frame.top(), room.top(), lowest));
 }
 
 }  // namespace kv

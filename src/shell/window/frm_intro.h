@@ -36,7 +36,8 @@ class frmIntro final : public FormDialog {
   /// Gives the number of a step the highlight colour, and takes it from the others.
   /// An index from 0; one beyond the last colours none.
   void colour(std::size_t lit);
-  /// `room`: the part of the screen that windows may use.
+  // `room`: the part of the screen that windows may use.
+  void narrowSelf(const QWidget& mainWindow, const QRect& room);
   void narrowMain(QWidget& mainWindow, const QRect& room);
   /// Gives the main window back what narrowMain took.
   /// Nothing when the user has sized it meanwhile.

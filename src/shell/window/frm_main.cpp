@@ -7,6 +7,8 @@
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -14,8 +16,11 @@
 #include <QTabBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_screen.h"
+#include "shell/window/frm_keys.h"
 
 namespace kv {
 namespace {
@@ -23,7 +28,9 @@ namespace {
 constexpr std::string_view placeSection = "Finestra";
 constexpr int firstWidth = 1180;
 constexpr int firstHeight = 760;
-constexpr int listsWidth = 320;
+constexpr int leastWidth = 640;
+constexpr int leastHeight = 420;
+constexpr int listsWidth = 372;
 
 QByteArray bytesOf(const Settings& settings, std::string_view key) {
   return QByteArray::fromBase64(QByteArray::fromStdString(settings.get(placeSection, key)));
@@ -42,12 +49,18 @@ frmMain::frmMain(Session& session, Environment& env, WorkbenchPorts ports)
   status_ = new QLabel(this);
   status_->setObjectName(QStringLiteral("lblStato"));
   statusBar()->addWidget(status_, 1);
+  built_ = new QLabel(this);
+  built_->setObjectName(QStringLiteral("lblCostruito"));
+  statusBar()->addPermanentWidget(built_);
   refresh_.setSingleShot(true);
   refresh_.setInterval(0);
   connect(&refresh_, &QTimer::timeout, menus_, &MainMenus::refresh);
+  connect(&refresh_, &QTimer::timeout, this, &frmMain::showBuilt);
   resize(firstWidth, firstHeight);
-  setMinimumSize(720, 480);
+  setMinimumSize(leastWidth, leastHeight);
   menus_->showTab(Tab::Departments);
+  new WindowKeys(*this, workbench_, *menus_, *tree_);
+  tree_->setFocus(Qt::OtherFocusReason);
 }
 
 frmMain::~frmMain() {
@@ -68,10 +81,17 @@ void frmMain::makeTabs() {
 
 void frmMain::makePanels() {
   tree_ = new DepartmentView(workbench_, this);
-  articles_ = new ArticleList(workbench_, this);
+  panel_ = new ArticlePanel(workbench_, this);
+  articles_ = &panel_->list();
+  for (const auto& [list, bar] : {std::pair<QWidget*, Toolbar>{tree_, Toolbar::Departments},
+                                  std::pair<QWidget*, Toolbar>{articles_, Toolbar::Articles}}) {
+    list->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(list, &QWidget::customContextMenuRequested, this,
+            [this, list, bar](QPoint at) { offerCommands(*list, bar, at); });
+  }
   lists_ = new QSplitter(Qt::Vertical, this);
   lists_->addWidget(tree_);
-  lists_->addWidget(articles_);
+  lists_->addWidget(panel_);
   lists_->setChildrenCollapsible(false);
   stack_ = new QStackedWidget(this);
   const CommandActions actions = [this](std::string_view name) { return menus_->action(name); };
@@ -119,11 +139,12 @@ void frmMain::goToTitle() {
 
 /// A title shows in tree and list while it is being typed.
 void frmMain::typed(const EditorBinding& binding, const QString& text) {
+  showBuilt();
   const Editor& editor = binding.editor();
   CatalogueSets& sets = workbench_.sets();
   if (editor.kind == FieldKind::DepartmentTitle) return tree_->departments().setTitle(sets.department(), text);
   if (editor.set != EditedSet::Articoli || !sets.onArticle()) return;
-  const int row = static_cast<int>(sets.dataArticoli().position());
+  const int row = articles_->articles().currentRow();
   if (editor.column == "titolo") articles_->articles().preview(row, ArticleModel::Title, text);
   if (editor.column == "codice") articles_->articles().preview(row, ArticleModel::Code, text);
   if (editor.column == "prezzo") articles_->articles().preview(row, ArticleModel::Price, text);
@@ -141,7 +162,7 @@ void frmMain::showTab(Tab tab) {
   stack_->setCurrentIndex(static_cast<int>(tab));
   const bool lists = tab == Tab::Departments || tab == Tab::Articles;
   lists_->setVisible(lists);
-  articles_->setVisible(tab == Tab::Articles);
+  panel_->setVisible(tab == Tab::Articles);
   stack_->setVisible(!(lists && detailsHidden_));
   menus_->showTab(tab);
   entriesChanged();
@@ -166,10 +187,48 @@ void frmMain::departmentTitle(const std::string& ID, const std::string& title) {
 void frmMain::expandTree(bool expanded) { tree_->expandTree(expanded); }
 void frmMain::articlesChanged() { articles_->rebuild(); }
 void frmMain::selectArticle() { articles_->selectCurrent(); }
+std::vector<std::int64_t> frmMain::selectedArticles() const { return articles_->selected(); }
+void frmMain::focusTree() { tree_->setFocus(Qt::OtherFocusReason); }
+
+void frmMain::startRow(EditedSet set) {
+  if (detailsHidden_) return;
+  const bool article = set == EditedSet::Articoli;
+  // What was just added may be none that the filter lets through.
+  if (article && articles_->articles().currentRow() < 0) panel_->showAll();
+  page(article ? Tab::Articles : Tab::Departments).goTo(set, article ? "codice" : "titolo");
+}
 
 void frmMain::fieldsChanged(EditedSet set) {
   for (EditorPage* page : pages_) page->showFields(set);
   if (set == EditedSet::Articoli) articles_->articles().refresh();
+}
+
+void frmMain::offerCommands(QWidget& list, Toolbar bar, QPoint at) {
+  menus_->refresh();
+  QMenu menu(this);
+  for (const Command* command : workbench_.commands().table().buttonsOf(bar)) {
+    if (command == nullptr) {
+      menu.addSeparator();
+    } else {
+      menu.addAction(menus_->action(command->name));
+    }
+  }
+  if (bar == Toolbar::Articles) {
+    menu.addSeparator();
+    for (const char* name :
+         {"article.duplicate", "article.mark.novita", "article.mark.inelenco", "article.mark.fuoricatalogo"}) {
+      menu.addAction(menus_->action(name));
+    }
+  }
+  menu.setObjectName(QStringLiteral("menuElenco"));
+  menu.exec(list.mapToGlobal(at));
+}
+
+void frmMain::showBuilt() {
+  const std::string built = workbench_.buildStatus();
+  if (built.empty()) return built_->clear();
+  const bool all = std::ranges::all_of(pages_, [](const EditorPage* page) { return !page->hasUnsaved(); });
+  built_->setText((all ? tr("Tutto salvato") : tr("Non tutto è salvato")) + QStringLiteral(" - ") + toQt(built));
 }
 
 void frmMain::showStatus(const std::string& text) { status_->setText(toQt(text)); }
@@ -213,6 +272,12 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
+  if (!event->spontaneous()) {
+    bringOnScreen(*this);
+    whenFramed(*this, [this, shown = size()] {
+      if (size() == shown) bringOnScreen(*this);
+    });
+  }
   if (!whenShown_) return;
   const auto action = std::exchange(whenShown_, nullptr);
   QTimer::singleShot(0, this, action);

@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "shell/window/frm_articles_list.h"
+#include "shell/window/frm_articles_panel.h"
 #include "shell/window/frm_menus.h"
 #include "shell/window/frm_page.h"
 #include "shell/window/frm_tree.h"
@@ -70,6 +71,10 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void expandTree(bool expanded) override;
   void articlesChanged() override;
   void selectArticle() override;
+  std::vector<std::int64_t> selectedArticles() const override;
+  void focusTree() override;
+  /// Nothing while the details are hidden: the keyboard stays in tree or list.
+  void startRow(EditedSet set) override;
   /// The list of articles reads its rows again too.
   void fieldsChanged(EditedSet set) override;
   void showStatus(const std::string& text) override;
@@ -96,7 +101,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void closeEvent(QCloseEvent* event) override;
   /// Puts the rows of buttons into one line or two.
   void resizeEvent(QResizeEvent* event) override;
-  /// Queues the action of whenShown.
+  /// The frame is within the screen, and the action of whenShown is queued.
   void showEvent(QShowEvent* event) override;
 
  private:
@@ -112,6 +117,10 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void goToTitle();
   /// To the tab of a key; nothing for an empty key.
   void goToTab(std::string_view tabKey);
+  /// Opens the commands of a row of buttons as a menu, where the mouse or the keyboard asks for it.
+  void offerCommands(QWidget& list, Toolbar bar, QPoint at);
+  /// Says at the right of the status line what is stored and when the shop was built.
+  void showBuilt();
   /// Stores geometry and splitters in the settings.
   void keepLayout();
 
@@ -124,9 +133,11 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   QSplitter* lists_ = nullptr;       ///< tree above the article list
   QStackedWidget* stack_ = nullptr;  ///< the pages of the tabs
   DepartmentView* tree_ = nullptr;
-  ArticleList* articles_ = nullptr;
+  ArticlePanel* panel_ = nullptr;
+  ArticleList* articles_ = nullptr;  ///< in the panel
   std::array<EditorPage*, tabCount> pages_{};
   QLabel* status_ = nullptr;  ///< the text of the status line
+  QLabel* built_ = nullptr;   ///< what is stored, and when the shop was built
   QTimer refresh_;            ///< of the menus, once the work is done
   std::function<void()> whenShown_;
   int busy_ = 0;  ///< how many wait cursors are nested

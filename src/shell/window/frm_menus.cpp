@@ -1,12 +1,17 @@
 #include "shell/window/frm_menus.h"
 
 #include <QAction>
+#include <QActionGroup>
+#include <QHelpEvent>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMouseEvent>
 #include <QSet>
+#include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
+#include <QToolTip>
 #include <algorithm>
 #include <cstdlib>
 
@@ -81,7 +86,8 @@ void dressButton(QToolButton& button) {
 
 }  // namespace
 
-MainMenus::MainMenus(QMainWindow& window, Workbench& workbench) : QObject(&window), workbench_(workbench) {
+MainMenus::MainMenus(QMainWindow& window, Workbench& workbench)
+    : QObject(&window), workbench_(workbench), window_(window) {
   makeActions(window);
   for (int menu = 0; menu < menuCount; ++menu) makeMenu(*window.menuBar(), static_cast<Menu>(menu));
   makeToolbars(window);
@@ -106,6 +112,10 @@ void MainMenus::makeActions(QMainWindow& window) {
       refresh();
     });
     actions_[command.name] = action;
+    if (command.choice.empty()) continue;
+    QActionGroup*& group = choices_[command.choice];
+    if (group == nullptr) group = new QActionGroup(this);
+    group->addAction(action);
   }
 }
 
@@ -117,6 +127,34 @@ QAction* MainMenus::action(std::string_view name) const {
 QAction* MainMenus::command(int number) const {
   const Command* command = table().numbered(number);
   return command == nullptr ? nullptr : action(command->name);
+}
+
+const Command* MainMenus::commandOf(const QKeySequence& keys) const {
+  for (const auto& [name, action] : actions_) {
+    if (action->shortcut() != keys) continue;
+    const Command& command = *table().named(name);
+    const bool shows = std::ranges::any_of(command.menus, [this](const MenuPlace& place) {
+      const auto edit = editMenus_.find(place.menu);
+      return edit == editMenus_.end() || edit->second->menuAction()->isVisible();
+    });
+    if (shows || command.menus.empty()) return &command;
+  }
+  return nullptr;
+}
+
+bool MainMenus::eventFilter(QObject* watched, QEvent* event) {
+  auto* menu = qobject_cast<QMenu*>(watched);
+  if (menu == nullptr) return false;
+  if (event->type() == QEvent::MouseMove) {
+    const QAction* entry = menu->actionAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+    window_.statusBar()->showMessage(entry == nullptr ? QString() : entry->statusTip());
+  }
+  if (event->type() == QEvent::Hide) window_.statusBar()->clearMessage();
+  if (event->type() != QEvent::ToolTip) return false;
+  const auto& help = static_cast<const QHelpEvent&>(*event);
+  const QAction* entry = menu->actionAt(help.pos());
+  QToolTip::showText(help.globalPos(), entry == nullptr ? QString() : entry->statusTip(), menu);
+  return true;
 }
 
 QMenu* MainMenus::submenu(QMenu& menu, const QString& title) {
@@ -144,7 +182,9 @@ void MainMenus::makeMenu(QMenuBar& bar, Menu which) {
     const EntryState state = workbench_.commands().stateOf(*item.command, item.place);
     entries_.push_back({item, entry, freeMnemonic(toQt(state.text), mnemonics[into])});
   }
+  menu->installEventFilter(this);
   for (QMenu* inner : menu->findChildren<QMenu*>()) {
+    inner->installEventFilter(this);
     inner->menuAction()->setText(withMnemonic(inner->title(), freeMnemonic(inner->title(), mnemonics[menu])));
   }
 }
@@ -218,6 +258,7 @@ void MainMenus::refresh() {
     const EntryState state = commands.stateOf(*entry.item.command, entry.item.place);
     entry.action->setText(withMnemonic(toQt(state.text), entry.mnemonic));
     entry.action->setEnabled(state.enabled && state.visible);
+    entry.action->setStatusTip(toQt(state.why));
     entry.action->setVisible(state.visible);
     entry.action->setCheckable(state.checkable);
     entry.action->setChecked(state.checked);
@@ -228,14 +269,17 @@ void MainMenus::refresh() {
   }
 }
 
-/// A button keeps its caption; what it points out is its key, or its text where that changes.
+/// A button keeps its caption; what it points out is its key, or its text where that changes, and why it is off.
 void MainMenus::refreshButton(const Command& command) {
   if (command.caption.empty() && command.number < 0) return;
   QAction& button = *action(command.name);
   button.setIconText(toQt(command.caption));
-  if (command.text) return button.setToolTip(button.text().remove(QLatin1Char('&')));
   const QString keys = button.shortcut().toString(QKeySequence::NativeText);
-  button.setToolTip(keys.isEmpty() ? button.iconText() : button.iconText() + QStringLiteral(" (%1)").arg(keys));
+  QString tip = keys.isEmpty() ? button.iconText() : button.iconText() + QStringLiteral(" (%1)").arg(keys);
+  if (command.text) tip = button.text().remove(QLatin1Char('&'));
+  const std::string why = workbench_.commands().whyOff(command);
+  if (!why.empty()) tip += QLatin1Char('\n') + toQt(why);
+  button.setToolTip(tip);
 }
 
 void MainMenus::showTab(Tab tab) {

@@ -9,8 +9,10 @@
 #include "shell/workbench/workbench.h"
 
 class QAction;
+class QActionGroup;
 class QMainWindow;
 class QMenu;
+class QKeySequence;
 class QMenuBar;
 class QToolBar;
 class QToolButton;
@@ -29,6 +31,12 @@ class MainMenus final : public QObject {
   QAction* action(std::string_view name) const;
   /// The action of a command by its number; null for a number that isn't in the table.
   QAction* command(int number) const;
+
+  /// The command whose shortcut these keys are in the menus that show now; null for other keys.
+  /// Of commands that share a shortcut it is the one of the tab in use. Enabled or not.
+  const Command* commandOf(const QKeySequence& keys) const;
+  /// Why the entry under the mouse is off is told in its tool tip and in the status line.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
   /// Gives every action the state that its command has now.
   /// Called once the work in hand is done, by a timer of the window: texts, marks, visibility, tool tips. An entry that
@@ -76,13 +84,15 @@ class MainMenus final : public QObject {
   void refreshButton(const Command& command);
 
   Workbench& workbench_;
-  std::map<std::string_view, QAction*> actions_;  ///< by the name of the command
-  std::vector<Entry> entries_;                    ///< in the order of menus and positions
-  std::map<Menu, QMenu*> editMenus_;              ///< those that belong to a tab
-  std::map<Tab, QToolBar*> toolbars_;             ///< those that belong to a tab
-  std::vector<QToolBar*> allToolbars_;            ///< the row of the shop first
-  QToolButton* languageButton_ = nullptr;         ///< null until makeLanguageButton
-  QMenu* languageMenu_ = nullptr;                 ///< the submenu that holds the languages
+  QMainWindow& window_;
+  std::map<std::string_view, QAction*> actions_;       ///< by the name of the command
+  std::map<std::string_view, QActionGroup*> choices_;  ///< entries of which one is marked
+  std::vector<Entry> entries_;                         ///< in the order of menus and positions
+  std::map<Menu, QMenu*> editMenus_;                   ///< those that belong to a tab
+  std::map<Tab, QToolBar*> toolbars_;                  ///< those that belong to a tab
+  std::vector<QToolBar*> allToolbars_;                 ///< the row of the shop first
+  QToolButton* languageButton_ = nullptr;              ///< null until makeLanguageButton
+  QMenu* languageMenu_ = nullptr;                      ///< the submenu that holds the languages
 };
 
 }  // namespace kv

@@ -51,6 +51,8 @@ EditorPage::EditorPage(Tab tab, Workbench& workbench, const CommandActions& acti
     QWidget* box = makeGroup(group);
     columns->addWidget(box);
     if (group.front()->group == longTexts) columns->setWide(box);
+    const auto isMemo = [](const Editor* editor) { return editor->control == Control::Memo; };
+    if (tab_ != Tab::Site && std::any_of(group.begin(), group.end(), isMemo)) columns->addGrowing(box);
   }
   setWidget(body);
   setFocusPolicy(Qt::NoFocus);
@@ -117,9 +119,12 @@ QWidget* EditorPage::makeTextStrip(const Group& group) {
   strip->setUsesScrollButtons(true);
   auto* texts = new QStackedWidget(box);
   for (const Editor* editor : group) {
-    EditorBinding* binding = bind(*editor, texts);
+    auto* holder = new QWidget(texts);
+    EditorBinding* binding = bind(*editor, holder);
     strip->addTab(toQt(editor->label));
-    texts->addWidget(binding->field());
+    binding->row()->setContentsMargins(0, 0, 0, 0);
+    holder->setLayout(binding->row());
+    texts->addWidget(holder);
     constexpr int lines = 9;
     binding->field()->setMinimumHeight(fontMetrics().lineSpacing() * lines);
   }
@@ -167,6 +172,10 @@ bool EditorPage::commit() {
   bool saved = true;
   for (EditorBinding* binding : bindings_) saved = binding->commit() && saved;
   return saved;
+}
+
+bool EditorPage::hasUnsaved() const {
+  return std::ranges::any_of(bindings_, [](const EditorBinding* binding) { return binding->isUnsaved(); });
 }
 
 EditorBinding* EditorPage::binding(EditedSet set, std::string_view column) const {

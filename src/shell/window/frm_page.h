@@ -33,6 +33,8 @@ class EditorPage final : public QScrollArea {
   /// Each field that was typed into becomes one step of the history; the others do nothing. False when one of them
   /// could not be saved.
   bool commit();
+  /// Whether a field holds something that was typed and not stored yet.
+  bool hasUnsaved() const;
   /// The editor of a column; null when this page has none.
   /// Owned by the page.
   EditorBinding* binding(EditedSet set, std::string_view column) const;

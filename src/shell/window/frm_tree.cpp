@@ -83,7 +83,9 @@ int DepartmentModel::columnCount(const QModelIndex& /*parent*/) const { return 1
 
 QVariant DepartmentModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
-  if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) return node(index).title;
+  if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) {
+    return node(index).title.isEmpty() ? tr("(senza nome)") : node(index).title;
+  }
   if (role == Qt::SizeHintRole) return QSize(0, QFontMetrics(QApplication::font()).height() + rowRoom);
   return {};
 }

@@ -38,7 +38,7 @@ class DepartmentModel final : public QAbstractItemModel {
   QModelIndex parent(const QModelIndex& child) const override;
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
-  /// The title, and a row height of the font's height and eight pixels.
+  /// The title, "(senza nome)" for an empty one, and a row height of the font's height and eight pixels.
   QVariant data(const QModelIndex& index, int role) const override;
   /// Every node takes a drop; every node but the root can be dragged.
   Qt::ItemFlags flags(const QModelIndex& index) const override;

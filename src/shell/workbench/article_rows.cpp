@@ -1,7 +1,10 @@
 #include "shell/workbench/article_rows.h"
 
 #include <algorithm>
+#include <tuple>
 
+#include "platform/numbers/number_format.h"
+#include "platform/text/text.h"
 #include "store/schema/schema.h"
 
 namespace kv {
@@ -18,15 +21,49 @@ void ArticleRows::refresh(int listino) {
   rows->bind(1, department);
   for (;;) {
     const auto row = rows->step();
-    if (!row || !*row) return;
+    if (!row || !*row) break;
     keys_.push_back(rows->integer(0));
   }
+  if (!arrangement_.isPlain()) applyArrangement();
+}
+
+void ArticleRows::applyArrangement() {
+  using enum ArticleArrangement::By;
+  const std::string wanted = foldCase(arrangement_.filter);
+  std::erase_if(keys_, [&](std::int64_t ID) {
+    const ArticleRow& row = rowOf(ID);
+    return foldCase(row.codice).find(wanted) == std::string::npos &&
+           foldCase(row.titolo).find(wanted) == std::string::npos;
+  });
+  if (arrangement_.by == ShopOrder) return;
+  struct SortKey {
+    std::string text;
+    double number = 0;
+    std::int64_t ID = 0;
+  };
+  std::vector<SortKey> sorted;
+  for (const std::int64_t ID : keys_) {
+    const ArticleRow& row = rowOf(ID);
+    const bool byPrice = arrangement_.by == Price;
+    sorted.push_back({byPrice ? std::string() : foldCase(arrangement_.by == Code ? row.codice : row.titolo),
+                      byPrice ? toNumber(row.prezzo).value_or(-1) : 0, ID});
+  }
+  const auto isBefore = [](const SortKey& one, const SortKey& other) {
+    return std::tie(one.text, one.number) < std::tie(other.text, other.number);
+  };
+  std::ranges::stable_sort(sorted, [&](const SortKey& one, const SortKey& other) {
+    return arrangement_.descending ? isBefore(other, one) : isBefore(one, other);
+  });
+  std::ranges::transform(sorted, keys_.begin(), &SortKey::ID);
 }
 
 const ArticleRow& ArticleRows::at(std::size_t index) {
   static const ArticleRow none;
-  if (index >= keys_.size()) return none;
-  const std::int64_t ID = keys_[index];
+  return index < keys_.size() ? rowOf(keys_[index]) : none;
+}
+
+const ArticleRow& ArticleRows::rowOf(std::int64_t ID) {
+  static const ArticleRow none;
   if (const auto known = rows_.find(ID); known != rows_.end()) return known->second;
   const Session& session = sets_.session();
   const std::string title =

@@ -19,6 +19,17 @@ struct ArticleRow {
   std::string prezzo;  ///< in the price list being edited, as stored; empty for none
 };
 
+/// How the list shows the articles; the order of the shop stays what it is.
+struct ArticleArrangement {
+  enum class By { ShopOrder, Code, Title, Price };
+  By by = By::ShopOrder;
+  bool descending = false;  ///< of a column
+  std::string filter;       ///< only rows whose code or title has this text, in any case; empty: all
+
+  /// Whether all rows show in the order of the shop.
+  bool isPlain() const { return by == By::ShopOrder && filter.empty(); }
+};
+
 /// It is a view beside the cursor of articles and moves nothing. Rows that were read are kept until forget() or
 /// refresh(), so that scrolling up and down costs nothing.
 class ArticleRows {
@@ -26,6 +37,9 @@ class ArticleRows {
   /// The sets outlive it. Empty until the first refresh().
   explicit ArticleRows(CatalogueSets& sets) : sets_(sets) {}
 
+  /// How refresh() arranges the rows from now on.
+  void arrange(ArticleArrangement arrangement) { arrangement_ = std::move(arrangement); }
+  const ArticleArrangement& arrangement() const { return arrangement_; }
   /// Reads the keys of the current department's articles in their order; prices are those of a price list, 0 to 9.
   /// Empty without an open shop or a current department; a failure leaves the keys read until then.
   void refresh(int listino);
@@ -43,7 +57,13 @@ class ArticleRows {
   std::optional<std::size_t> indexOf(std::int64_t ID) const;
 
  private:
+  /// The row of an article; an empty one when it can't be read.
+  const ArticleRow& rowOf(std::int64_t ID);
+  /// Leaves the keys that the filter lets through, sorted by the column; reads every row.
+  void applyArrangement();
+
   CatalogueSets& sets_;
+  ArticleArrangement arrangement_;
   int listino_ = 0;                                    ///< 0 to 9
   std::vector<std::int64_t> keys_;                     ///< IDs in the order shown
   std::unordered_map<std::int64_t, ArticleRow> rows_;  ///< the rows looked at, by ID

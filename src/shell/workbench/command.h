@@ -50,6 +50,9 @@ struct Command {
   std::string_view shortcut = {};  ///< in the portable form, "Ctrl+N"
   std::string_view step = {};      ///< how undo names it; empty: nothing to undo
   std::string_view help = {};      ///< its page below the folder of the help
+  /// Why it can't be chosen, told while it is off; empty: only a missing shop or dialog turns it off.
+  std::string_view whenOff = {};
+  std::string_view choice = {};  ///< of the entries that share one, one is marked; empty: the mark is its own
   /// Off: what is being typed stays in its field while the command runs.
   bool finishesEdits = true;
 
@@ -79,6 +82,7 @@ struct EntryState {
   bool checkable = false;
   bool checked = false;
   std::string text;  ///< of a menu entry, "&" before the character of its key
+  std::string why;   ///< why it is off; empty while it is on
 };
 
 }  // namespace kv

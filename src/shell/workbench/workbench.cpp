@@ -12,6 +12,8 @@
 #include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/fields/related_words.h"
 #include "shell/workbench/fields/row_picture.h"
+#include "shell/workbench/fields/vat_price.h"
+#include "store/shop/backup_copies.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_facts.h"
 #include "store/shop/session_start.h"
@@ -48,6 +50,7 @@ void Workbench::releaseSession() {
 
 void Workbench::showShop() {
   history_.clear();
+  builtAt_ = 0;
   tab_ = Tab::Departments;
   fields_.selectListino(0);
   view_.showTitle("Korvane - " + session_.ShopFolder);
@@ -63,6 +66,7 @@ void Workbench::showShop() {
   }
   if (!sets_.tree().empty()) goToDepartment(sets_.tree().front().ID);
   AggiornaSchede();
+  view_.focusTree();
 }
 
 void Workbench::AggiornaSchede() {
@@ -175,6 +179,13 @@ void Workbench::goToArticleAt(std::size_t index) {
   sets_.goToArticlePlace(index);
 }
 
+void Workbench::goToArticle(std::int64_t ID) {
+  if (!view_.finishEdits()) return view_.selectArticle();
+  if (!isOpen() || ID == sets_.article()) return;
+  const auto found = sets_.goToArticle(ID);
+  if (!found) showError(fail(found.error()));
+}
+
 void Workbench::MostraArticolo(std::int64_t ID) {
   if (!view_.finishEdits()) return;
   const auto found = sets_.MostraArticolo(ID);
@@ -274,6 +285,28 @@ std::vector<std::string> Workbench::choicesOf(const Editor& editor) {
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
   return choices;
+}
+
+std::string Workbench::besideField(const Editor& editor, const std::string& text) {
+  if (editor.kind != FieldKind::Price || !isOpen() || !sets_.onDepartment()) return {};
+  const std::string price =
+      priceWithVat(storedNumber(text, decimalSeparator()), asText(sets_.dataCategorie().get("iva")));
+  return price.empty() ? price : shownNumber(price, decimalSeparator()) + " con IVA";
+}
+
+std::string Workbench::buildStatus() {
+  if (!sets_.isBound()) return {};
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  const auto built = fileStamp(joinPath(session_.ShopFolder, "kvftp.dat"));
+  if (!built) return "Mai costruito";
+  if (built->changedAt != builtAt_) {
+    builtAt_ = built->changedAt;
+    changesBefore_ = history_.changes();
+  }
+  const std::uint64_t since = history_.changes() - changesBefore_;
+  const std::string text = "Costruito il " + formatTime(builtAt_ / nanoseconds);
+  if (since == 0) return text;
+  return text + (since == 1 ? ", poi una modifica" : ", poi " + std::to_string(since) + " modifiche");
 }
 
 std::string Workbench::picturePath(const Editor& editor) {

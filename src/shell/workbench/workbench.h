@@ -55,6 +55,8 @@ class Workbench final : private SetsListener {
   void goToDepartment(const std::string& ID);
   /// Goes to the article at an index of the list, from 0.
   void goToArticleAt(std::size_t index);
+  /// Goes to an article of the current department by its ID; nothing for another.
+  void goToArticle(std::int64_t ID);
   /// MostraArticolo (show an article): goes to an article found by a search, to its department and the articles' tab.
   void MostraArticolo(std::int64_t ID);
   /// SpostaNodo (move a node): a drop of a department on another, or on the root. Nothing where canMoveNode refuses.
@@ -86,6 +88,13 @@ class Workbench final : private SetsListener {
   int widest(const Editor& editor) { return fields_.widest(editor); }
   /// The decimal separator of numbers in the fields.
   char decimalSeparator() const { return fields_.separator(); }
+  /// What is shown after a price while it is typed or shown: the price with the department's VAT.
+  /// Empty without a price or without VAT, and for every other field.
+  std::string besideField(const Editor& editor, const std::string& text);
+  /// The text of the first language, for an empty field of another one; empty where there is none.
+  std::string firstLanguageText(const Editor& editor) { return fields_.firstLanguageText(editor); }
+  /// When the shop was built and how many changes this session has made since; for the status line.
+  std::string buildStatus();
   /// Full path of the picture that an editor shows; empty when there is none.
   std::string picturePath(const Editor& editor);
 
@@ -135,6 +144,8 @@ class Workbench final : private SetsListener {
   TreeEditing editing_;
   FieldStore fields_;
   WorkbenchCommands commands_;
+  std::int64_t builtAt_ = 0;         ///< time of the build that was seen last, in nanoseconds; 0: none
+  std::uint64_t changesBefore_ = 0;  ///< of the history, when it was seen
   Tab tab_ = Tab::Departments;
   bool detailsHidden_ = false;
   std::map<const Editor*, std::string> unsaved_;  ///< what was typed and could not be saved

@@ -43,6 +43,13 @@ bool WorkbenchCommands::isEnabled(const Command& command) const {
   return !command.enabled || command.enabled(context_);
 }
 
+std::string WorkbenchCommands::whyOff(const Command& command) const {
+  if (isEnabled(command)) return {};
+  if (!context_.sets.isBound()) return "Nessun negozio aperto";
+  if (!canRun(command) || command.whenOff.empty()) return "Non disponibile in questa installazione";
+  return std::string(command.whenOff);
+}
+
 void WorkbenchCommands::refreshKeys() {
   for (const Command& command : table_.rows()) {
     if (!command.key.empty() && command.enabled) StatoComando(command.key, command.enabled(context_));
@@ -52,6 +59,7 @@ void WorkbenchCommands::refreshKeys() {
 EntryState WorkbenchCommands::stateOf(const Command& command, const MenuPlace* entry) const {
   EntryState state;
   state.enabled = isEnabled(command);
+  if (!state.enabled) state.why = whyOff(command);
   state.visible = !command.visible || command.visible(context_);
   state.checkable = command.checked != nullptr;
   state.checked = state.checkable && command.checked(context_);

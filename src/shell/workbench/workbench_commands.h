@@ -40,6 +40,8 @@ class WorkbenchCommands {
   /// Called whenever a cursor moves or the shop changes.
   void refreshKeys();
 
+  /// Why a command can't be chosen now, for its tool tip and the status line; empty while it can be.
+  std::string whyOff(const Command& command) const;
   /// How a command shows now; `entry` is the menu entry asked for, null for none.
   /// Without an entry and without a changing text the text is empty.
   EntryState stateOf(const Command& command, const MenuPlace* entry) const;

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "shell/workbench/fields/tab.h"
 #include "store/catalogue/catalogue_sets.h"
@@ -37,6 +38,13 @@ class WorkbenchView {
   virtual void articlesChanged() = 0;
   /// Selects the current article in the list; none when there is none.
   virtual void selectArticle() = 0;
+
+  /// The articles that are selected in the list, in its order; empty when there is none, or one alone is current.
+  virtual std::vector<std::int64_t> selectedArticles() const = 0;
+  /// The keyboard goes to the tree, which shows where it is.
+  virtual void focusTree() = 0;
+  /// The keyboard goes to the first field of the row that has just been added, its text selected.
+  virtual void startRow(EditedSet set) = 0;
 
   /// The editors of a set are to be read again.
   virtual void fieldsChanged(EditedSet set) = 0;

@@ -31,20 +31,6 @@ Result<std::string> carriedColumns(Database& catalogue, std::string_view table) 
   return names;
 }
 
-class WaitCursor {
- public:
-  explicit WaitCursor(const EditingHooks& hooks) : hooks_(hooks) { show(true); }
-  WaitCursor(const WaitCursor&) = delete;
-  WaitCursor& operator=(const WaitCursor&) = delete;
-  ~WaitCursor() { show(false); }
-
- private:
-  void show(bool busy) const {
-    if (hooks_.pointer) hooks_.pointer(busy);
-  }
-  const EditingHooks& hooks_;
-};
-
 /// Numbers `count` new articles, each after the one before it; the first after element `current`. `keys` has 0 for a
 /// new one.
 OrderedList roomFor(OrderedList list, std::optional<std::size_t> current, std::size_t count) {
@@ -80,11 +66,14 @@ Result<> TreeEditing::CopiaArticolo() {
   if (!change.begun()) return change.begun();
   if (auto copied = copyArticles("ID = ?", Value(at->article)); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
-  if (hooks_.StatoComando) {
-    hooks_.StatoComando("incolla articolo", true);
-    hooks_.StatoComando("incolla categoria", false);
-  }
+  tellArticlesCopied();
   return {};
+}
+
+void TreeEditing::tellArticlesCopied() const {
+  if (!hooks_.StatoComando) return;
+  hooks_.StatoComando("incolla articolo", true);
+  hooks_.StatoComando("incolla categoria", false);
 }
 
 Result<> TreeEditing::CopiaReparto() {
@@ -133,15 +122,21 @@ Result<std::int64_t> TreeEditing::pasteArticles(const CatalogueCursors& at) {
   Database& catalogue = sets_.session().catalogue;
   auto clipped = readOrder(catalogue, "SELECT rowid, 0 FROM cliparticoli WHERE ? = 0 ORDER BY rowid", Value(0));
   if (!clipped) return fail(clipped.error());
+  return insertCopies(at, "cliparticoli", clipped->keys);
+}
+
+Result<std::int64_t> TreeEditing::insertCopies(const CatalogueCursors& at, const std::string& source,
+                                               const std::vector<std::int64_t>& rows) {
+  Database& catalogue = sets_.session().catalogue;
   auto list = readOrder(catalogue, articlesInOrder, Value(at.department));
   if (!list) return fail(list.error());
   const auto current = list->positionOf(at.article);
   const std::vector<std::int64_t> oldOrders = list->orders;
-  const OrderedList wanted = roomFor(std::move(*list), current, clipped->keys.size());
+  const OrderedList wanted = roomFor(std::move(*list), current, rows.size());
   auto names = carriedColumns(catalogue, "articoli");
   if (!names) return fail(names.error());
   auto insert = catalogue.prepare("INSERT INTO articoli (catID, ordinamento, " + *names + ") SELECT ?, ?, " + *names +
-                                  " FROM cliparticoli WHERE rowid = ?");
+                                  " FROM " + source + " WHERE rowid = ?");
   if (!insert) return fail(insert.error());
   insert->bind(1, at.department);
   OrderWriter orders(catalogue, writeArticleOrder);
@@ -151,7 +146,7 @@ Result<std::int64_t> TreeEditing::pasteArticles(const CatalogueCursors& at) {
     Result<> done;
     if (wanted.keys[i] == 0) {
       insert->bind(2, wanted.orders[i]);
-      insert->bind(3, clipped->keys[fresh++]);
+      insert->bind(3, rows[fresh++]);
       done = insert->execute();
     } else if (wanted.orders[i] != oldOrders[old++]) {
       done = orders.write(wanted.keys[i], wanted.orders[i]);
@@ -181,7 +176,7 @@ Result<> TreeEditing::IncollaArticoli() {
   if (!*wanted) return {};
   auto at = sets_.cursors();
   if (!at) return fail(at.error());
-  const WaitCursor pointer(hooks_);
+  const WaitPointer pointer(hooks_);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   auto last = pasteArticles(*at);
@@ -198,7 +193,7 @@ Result<> TreeEditing::IncollaReparto() {
   if (!withArticles) return fail(withArticles.error());
   auto wanted = asFlag(*withArticles) ? wantsArticles() : Result<bool>(false);
   if (!wanted) return fail(wanted.error());
-  std::optional<WaitCursor> pointer;
+  std::optional<WaitPointer> pointer;
   if (*wanted) pointer.emplace(hooks_);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/ports/user_port.h"
 #include "store/catalogue/catalogue_sets.h"
@@ -23,6 +24,24 @@ struct EditingHooks {
   std::function<void(std::string_view key, bool enabled)> StatoComando;
   /// Shows the wait cursor, or the usual one again.
   std::function<void(bool busy)> pointer;
+};
+
+/// IDs of articles of the current department. Those of other departments, and unknown ones, are passed over.
+using ArticleGroup = std::vector<std::int64_t>;
+
+/// Shows the wait cursor as long as it lives, where the window has one.
+class WaitPointer {
+ public:
+  explicit WaitPointer(const EditingHooks& hooks) : hooks_(hooks) { show(true); }
+  WaitPointer(const WaitPointer&) = delete;
+  WaitPointer& operator=(const WaitPointer&) = delete;
+  ~WaitPointer() { show(false); }
+
+ private:
+  void show(bool busy) const {
+    if (hooks_.pointer) hooks_.pointer(busy);
+  }
+  const EditingHooks& hooks_;
 };
 
 /// Each command returns once everything is shown; whether it is a step of the history is the caller's matter.
@@ -70,6 +89,20 @@ class TreeEditing {
   Result<> IncollaArticoli();
   Result<> IncollaReparto();
 
+  // The same for several articles: one question, one change. The order of the IDs doesn't count.
+
+  /// EliminaArticoli: asks once, with No as the default; then the article after the first of them is current.
+  Result<> EliminaArticoli(const ArticleGroup& group);
+  /// CopiaArticoli: to the clipboard table, in the order of the department.
+  Result<> CopiaArticoli(const ArticleGroup& group);
+  /// SpostaArticoli: each exchanges its position with the neighbour that isn't one of them; direzione -1 up, +1 down.
+  Result<> SpostaArticoli(const ArticleGroup& group, int direzione);
+  /// SegnaArticoli (mark the articles): sets a flag of `articoli`, by its column.
+  Result<> SegnaArticoli(const ArticleGroup& group, std::string_view column, bool on);
+  /// DuplicaArticoli (duplicate): copies after the last of them, with all that a paste carries; the clipboard stays as
+  /// it is. The last copy becomes the current article.
+  Result<> DuplicaArticoli(const ArticleGroup& group);
+
   /// SpostaNodo (move a node): hangs a department under another, or under the root. Refused, without a word: onto
   /// itself or onto its own descendant. All departments take the order numbers of the tree that results.
   /// "###" names the root. Unknown IDs change nothing.
@@ -99,6 +132,11 @@ class TreeEditing {
   Result<> copyArticles(const std::string& condition, const Value& value);
   Result<> fill(std::string_view table, std::string_view clipboard, std::int64_t from, std::int64_t to);
   Result<std::int64_t> pasteArticles(const CatalogueCursors& at);
+  /// Copies of rows of a table, after an article; the ID of the last one.
+  Result<std::int64_t> insertCopies(const CatalogueCursors& at, const std::string& source,
+                                    const std::vector<std::int64_t>& rows);
+  /// Articles can be pasted now, and the department that was copied before no longer.
+  void tellArticlesCopied() const;
 
   // Whole commands that the public ones are made of, and their questions.
   Result<> insertArticle(bool after);

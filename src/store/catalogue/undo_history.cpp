@@ -62,6 +62,7 @@ Result<> UndoHistory::recordWatched(Step step, const std::function<Result<>()>& 
 }
 
 void UndoHistory::keep(Step step) {
+  ++changes_;
   for (const RowChange& change : step.changes) step.size += sizeInMemory(change);
   size_ += step.size;
   undone_.clear();

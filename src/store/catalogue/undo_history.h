@@ -48,6 +48,9 @@ class UndoHistory {
   std::string undoName() const { return done_.empty() ? std::string() : done_.back().name; }
   std::string redoName() const { return undone_.empty() ? std::string() : undone_.back().name; }
 
+  /// How often the catalogue was changed since begin(): by commands, by undo and by redo.
+  std::uint64_t changes() const { return changes_; }
+
   /// Undoes the last step, or does it again; the sets are read again, and the cursors are where they were before or
   /// after it. Malformed when somebody else changed the rows meanwhile: the history is cleared then. Any other failure
   /// leaves rows, sets and history as they were.
@@ -81,6 +84,7 @@ class UndoHistory {
   std::unique_ptr<ChangeRecorder> recorder_;  ///< null while no catalogue is watched
   std::deque<Step> done_, undone_;            ///< the newest last
   std::size_t size_ = 0;                      ///< bytes of the steps done
+  std::uint64_t changes_ = 0;                 ///< since begin()
   int depth_ = 0;                             ///< commands running inside one another
 };
 

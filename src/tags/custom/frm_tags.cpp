@@ -14,6 +14,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "platform/qt/frm_note.h"
+
 namespace kv {
 namespace {
 
@@ -136,8 +138,19 @@ void frmTags::removeTag() {
 void frmTags::nameTyped() {
   const int row = current();
   if (row < 0) return;
-  editor_.setName(static_cast<std::size_t>(row), fromQt(txtNome_->text()));
+  if (!editor_.setName(static_cast<std::size_t>(row), fromQt(txtNome_->text()))) {
+    txtNome_->setText(toQt(editor_.tags()[static_cast<std::size_t>(row)].name));
+    return showNote(*txtNome_, toQt(tagNameRefused));
+  }
+  showNote(*txtNome_, {});
   showLine(lstTag_->item(row), editor_.line(static_cast<std::size_t>(row)));
+}
+
+void frmTags::reject() {
+  editor_.setEnabled(chkAbilita_->isChecked());
+  const Question question{std::string(tagsUnsaved), Buttons::YesNo, Answer::No, Icon::Exclamation};
+  if (editor_.isChanged() && env_.user.question(question) != Answer::Yes) return;
+  FormDialog::reject();
 }
 
 void frmTags::save() {

@@ -21,6 +21,9 @@ class frmTags final : public FormDialog {
   /// `session` and `env` outlive the dialog.
   frmTags(Session& session, Environment& env, QWidget* parent = nullptr);
 
+  /// Asks before changes are lost; the dialog stays when they are not to be.
+  void reject() override;
+
  private:
   QWidget* makeList();
   QWidget* makeFields();

@@ -58,6 +58,8 @@ TagEditor TagEditor::load(Session& session, const std::string& applicationFolder
   editor.tags_ = CaricaTagPersonali(session.ShopFolder, applicationFolder).entries();
   const auto stored = session.catalogue.scalar("SELECT personaltags FROM generale");
   editor.enabled_ = stored && areCustomTagsOn(asText(*stored));
+  editor.read_ = editor.tags_;
+  editor.wasEnabled_ = editor.enabled_;
   return editor;
 }
 
@@ -76,9 +78,21 @@ void TagEditor::remove(std::size_t index) {
   if (index < tags_.size()) tags_.erase(tags_.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
-void TagEditor::setName(std::size_t index, std::string_view name) { tags_[index].name = withoutLineEnds(name); }
+bool TagEditor::setName(std::size_t index, std::string_view name) {
+  std::string line = withoutLineEnds(name);
+  if (line.find(">>") != std::string::npos) return false;
+  tags_[index].name = std::move(line);
+  return true;
+}
 void TagEditor::setText(std::size_t index, std::string_view text) { tags_[index].text = withCrLf(text); }
 void TagEditor::setOfShop(std::size_t index, bool ofShop) { tags_[index].ofShop = ofShop; }
+
+bool TagEditor::isChanged() const {
+  const auto isSame = [](const CustomTag& one, const CustomTag& other) {
+    return one.name == other.name && one.text == other.text && one.ofShop == other.ofShop;
+  };
+  return enabled_ != wasEnabled_ || !std::ranges::equal(tags_, read_, isSame);
+}
 
 std::string TagEditor::fileText(bool ofShop) const {
   std::string text;

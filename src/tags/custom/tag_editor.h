@@ -18,6 +18,12 @@ inline constexpr std::string_view tagsEnabled = "Abilita l'interpretazione dei t
 inline constexpr std::string_view tagsOfShop = "Solo il negozio corrente";
 inline constexpr std::string_view tagsOfAll = "Tutti i negozi";
 
+/// Said beside the field of the name: the end of a tag can't be in its name.
+inline constexpr std::string_view tagNameRefused = "Il nome di un tag non può contenere \">>\"";
+/// Asked before changes that were not stored are lost; No is the default.
+inline constexpr std::string_view tagsUnsaved =
+    "Le modifiche ai tag non sono state salvate. Chiudere la finestra e perderle?";
+
 /// The largest number of tags in both files together: they are numbered with three digits.
 inline constexpr std::size_t maxTags = 999;
 
@@ -39,8 +45,10 @@ class TagEditor {
   bool add();
   /// Elimina: removes a tag; nothing for an index without one.
   void remove(std::size_t index);
-  /// Sets the name, line ends removed.
-  void setName(std::size_t index, std::string_view name);
+  /// Whether anything differs from what was read.
+  bool isChanged() const;
+  /// Sets the name, line ends removed. False, and nothing changes, for a name with ">>", which would end the tag.
+  bool setName(std::size_t index, std::string_view name);
   /// Sets the content, whose lines end with CR LF or LF.
   void setText(std::size_t index, std::string_view text);
   /// Sets whether a tag is for this shop alone or for all shops.
@@ -55,7 +63,9 @@ class TagEditor {
   std::string fileText(bool ofShop) const;  // the content of one of the two files
 
   std::vector<CustomTag> tags_;
-  bool enabled_ = false;  // `personaltags` as it will be stored
+  std::vector<CustomTag> read_;  // the tags as load() found them
+  bool wasEnabled_ = false;      // the switch as load() found it
+  bool enabled_ = false;         // `personaltags` as it will be stored
 };
 
 }  // namespace kv

@@ -77,6 +77,11 @@ void frmLingue::codeChosen(int language) {
 }
 
 void frmLingue::store() {
+  if (const int repeated = choice_.repeated(); repeated > 0) {
+    if (env_.user.question(repeatedQuestion(choice_, repeated)) != Answer::Yes) {
+      return cboLingua_[placeOf(repeated)]->setFocus();
+    }
+  }
   const auto stored = storeLanguages(session_, choice_, hooks_);
   if (!stored) {
     env_.user.message(failureText(stored.error()), Icon::Critical);

@@ -46,6 +46,20 @@ bool LanguageChoice::canAccept() const {
   return std::none_of(codes.begin(), codes.begin() + count, [](const std::string& code) { return code.empty(); });
 }
 
+int LanguageChoice::repeated() const {
+  for (int n = 2; n <= count; ++n) {
+    const auto own = codes.begin() + n - 1;
+    if (!own->empty() && std::find(codes.begin(), own, *own) != own) return n;
+  }
+  return 0;
+}
+
+Question repeatedQuestion(const LanguageChoice& choice, int language) {
+  return {"La lingua " + std::to_string(language) + " è uguale a un'altra: " + choice.codes[placeOf(language)] +
+              ".\nIl negozio avrebbe due volte le stesse pagine. Continuare comunque?",
+          Buttons::YesNo, Answer::No, Icon::Exclamation};
+}
+
 LanguageChoice languagesOf(const Session& session) {
   return {std::clamp(session.languageCount, 1, maxLanguages), session.languageNames};
 }

@@ -29,7 +29,12 @@ struct LanguageChoice {
   void setCount(int number, const std::vector<std::string>& modules);
   /// Whether every box in use has a code.
   bool canAccept() const;
+  /// The first language in use whose code an earlier one has too; 0 when all are different.
+  int repeated() const;
 };
+
+/// The question before a shop with two equal languages is stored; No is the default. `language`: as repeated().
+Question repeatedQuestion(const LanguageChoice& choice, int language);
 
 /// The shop's languages as the session holds them.
 LanguageChoice languagesOf(const Session& session);

@@ -1,5 +1,6 @@
 #include "shell/workbench/commands/article_commands.h"
 
+#include "shell/workbench/commands/selection_commands.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
@@ -11,13 +12,15 @@ using enum Toolbar;
 /// The row of an edit of the list, enabled while an article is current.
 Command articleCommand(Command row, TreeEdit edit) {
   row.enabled = isOnArticle;
+  row.whenOff = noArticle;
   return treeCommand(std::move(row), std::move(edit));
 }
 
-/// The row of an insertion, which needs a department and no article.
-Command insertCommand(Command row, TreeEdit edit) {
+/// The row of a new article, which needs a department and no article.
+Command newArticleCommand(Command row, TreeEdit edit) {
   row.enabled = isOnDepartment;
-  return treeCommand(std::move(row), std::move(edit));
+  row.whenOff = noDepartment;
+  return insertCommand(std::move(row), std::move(edit), EditedSet::Articoli);
 }
 
 /// Exchange of the current article with its neighbour.
@@ -48,26 +51,26 @@ std::vector<Command> moveCommands() {
 /// A new article before or after the current one.
 std::vector<Command> articleInsertCommands() {
   constexpr std::string_view step = "Aggiungi articolo";
-  return {insertCommand({.number = 2,
-                         .name = "article.insertBefore",
-                         .key = "+ articolo prima",
-                         .caption = "Aggiungi articolo prima",
-                         .icon = "prima",
-                         .menus = {{EditArticles, 203, "Prima", "Aggiungi"}},
-                         .toolbar = {Articles, 103},
-                         .shortcut = "Ctrl+Shift+I",
-                         .step = step},
-                        &TreeEditing::InserisciArticoloPrima),
-          insertCommand({.number = 3,
-                         .name = "article.insertAfter",
-                         .key = "+ articolo dopo",
-                         .caption = "Aggiungi articolo dopo",
-                         .icon = "dopo",
-                         .menus = {{EditArticles, 204, "Dopo", "Aggiungi"}},
-                         .toolbar = {Articles, 104},
-                         .shortcut = "Ctrl+I",
-                         .step = step},
-                        &TreeEditing::InserisciArticoloDopo)};
+  return {newArticleCommand({.number = 2,
+                             .name = "article.insertBefore",
+                             .key = "+ articolo prima",
+                             .caption = "Aggiungi articolo prima",
+                             .icon = "prima",
+                             .menus = {{EditArticles, 203, "Prima", "Aggiungi"}},
+                             .toolbar = {Articles, 103},
+                             .shortcut = "Ctrl+Shift+I",
+                             .step = step},
+                            &TreeEditing::InserisciArticoloPrima),
+          newArticleCommand({.number = 3,
+                             .name = "article.insertAfter",
+                             .key = "+ articolo dopo",
+                             .caption = "Aggiungi articolo dopo",
+                             .icon = "dopo",
+                             .menus = {{EditArticles, 204, "Dopo", "Aggiungi"}},
+                             .toolbar = {Articles, 104},
+                             .shortcut = "Ctrl+I",
+                             .step = step},
+                            &TreeEditing::InserisciArticoloDopo)};
 }
 
 /// Copy and paste by the clipboard of the catalogue.
@@ -90,7 +93,8 @@ std::vector<Command> clipboardCommands() {
                        .menus = {{EditArticles, 206, "Incolla"}},
                        .toolbar = {Articles, 106},
                        .shortcut = "Ctrl+V",
-                       .step = "Incolla articoli"},
+                       .step = "Incolla articoli",
+                       .whenOff = "Nessun articolo copiato"},
                       &TreeEditing::IncollaArticoli)};
 }
 
@@ -124,6 +128,11 @@ Command searchCommand() {
           }};
 }
 
+std::function<Result<>(TreeEditing&, const ArticleGroup&)> shiftBy(int direzione) {
+  return
+      [direzione](TreeEditing& editing, const ArticleGroup& group) { return editing.SpostaArticoli(group, direzione); };
+}
+
 }  // namespace
 
 std::vector<Command> articleCommands() {
@@ -133,6 +142,13 @@ std::vector<Command> articleCommands() {
   }
   rows.push_back(deleteCommand());
   rows.push_back(searchCommand());
+  for (Command& row : rows) {
+    if (row.name == "article.up") row = groupCommand(std::move(row), shiftBy(-1), "Sposta articoli");
+    if (row.name == "article.down") row = groupCommand(std::move(row), shiftBy(+1), "Sposta articoli");
+    if (row.name == "article.copy") row = groupCommand(std::move(row), &TreeEditing::CopiaArticoli, {});
+    if (row.name == "article.delete")
+      row = groupCommand(std::move(row), &TreeEditing::EliminaArticoli, "Elimina articoli");
+  }
   return withHelp(std::move(rows), "pagine/articoli.htm");
 }
 

@@ -58,6 +58,7 @@ Command templateRow() {
   row.shortcut = "Ctrl+T";
   row.step = "Scegli il template";
   row.help = "pagine/template.htm";
+  row.whenOff = "Nessun template installato";
   row.enabled = [](const CommandContext& context) {
     return context.bench.isOpen() && context.env.hooks.frmTemplate != nullptr;
   };

@@ -10,6 +10,7 @@
 #include "shell/workbench/commands/language_commands.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/publish_commands.h"
+#include "shell/workbench/commands/selection_commands.h"
 #include "shell/workbench/commands/shop_commands.h"
 #include "shell/workbench/commands/site_commands.h"
 #include "shell/workbench/commands/variant_commands.h"
@@ -21,8 +22,8 @@ namespace kv {
 std::vector<Command> allCommands() {
   std::vector<Command> all;
   for (auto* const part :
-       {articleCommands, departmentCommands, pictureCommands, variantCommands, historyCommands, shopCommands,
-        buildCommands, publishCommands, languageCommands, siteCommands, viewCommands, helpCommands}) {
+       {articleCommands, selectionCommands, departmentCommands, pictureCommands, variantCommands, historyCommands,
+        shopCommands, buildCommands, publishCommands, languageCommands, siteCommands, viewCommands, helpCommands}) {
     std::vector<Command> rows = part();
     std::ranges::move(rows, std::back_inserter(all));
   }
@@ -50,6 +51,20 @@ Command treeCommand(Command row, TreeEdit edit) {
   row.run = [step = std::string(row.step), edit = std::move(edit)](const CommandContext& context) {
     const auto once = [&] { return edit(context.editing); };
     context.bench.showError(step.empty() ? once() : context.history.record(step, once));
+  };
+  return row;
+}
+
+Command insertCommand(Command row, TreeEdit edit, EditedSet set) {
+  row.run = [step = std::string(row.step), edit = std::move(edit), set](const CommandContext& context) {
+    const CatalogueSets& sets = context.sets;
+    const auto current = [&] {
+      return set == EditedSet::Articoli ? std::to_string(sets.article()) : sets.department();
+    };
+    const std::string before = current();
+    const Result<> done = context.history.record(step, [&] { return edit(context.editing); });
+    context.bench.showError(done);
+    if (done && current() != before) context.view.startRow(set);
   };
   return row;
 }

@@ -23,8 +23,16 @@ using TreeEdit = std::function<Result<>(TreeEditing& editing)>;
 /// The row with an edit as its run: one step of the history where the row names one. A failure is told to the user.
 Command treeCommand(Command row, TreeEdit edit);
 
+/// The row of an insertion: an edit of the tree after which the first field of what was added has the keyboard.
+/// `set`: which list it adds to. Nothing moves when nothing was added.
+Command insertCommand(Command row, TreeEdit edit, EditedSet set);
+
 /// Gives every row that names no help page of its own this one.
 std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page);
+
+/// Why the commands on the current row of a list are off.
+inline constexpr std::string_view noArticle = "Nessun articolo";
+inline constexpr std::string_view noDepartment = "Nessun reparto selezionato";
 
 /// Whether an article is current: for `Command::enabled`.
 bool isOnArticle(const CommandContext& context);

@@ -9,41 +9,48 @@ using enum Toolbar;
 /// The row of an edit of the tree, enabled while a department is current.
 Command departmentCommand(Command row, TreeEdit edit) {
   row.enabled = isOnDepartment;
+  row.whenOff = noDepartment;
   return treeCommand(std::move(row), std::move(edit));
+}
+
+Command newDepartmentCommand(Command row, TreeEdit edit) {
+  row.enabled = isOnDepartment;
+  row.whenOff = noDepartment;
+  return insertCommand(std::move(row), std::move(edit), EditedSet::Categorie);
 }
 
 std::vector<Command> departmentInsertCommands() {
   constexpr std::string_view add = "Aggiungi reparto";
-  return {departmentCommand({.number = 15,
-                             .name = "department.insertBefore",
-                             .key = "+ categoria prima",
-                             .caption = "Aggiungi reparto prima",
-                             .icon = "prima",
-                             .menus = {{EditDepartments, 203, "Prima", "Aggiungi"}},
-                             .toolbar = {Departments, 103},
-                             .shortcut = "Ctrl+Shift+I",
-                             .step = add},
-                            &TreeEditing::InserisciRepartoPrima),
-          departmentCommand({.number = 14,
-                             .name = "department.insertAfter",
-                             .key = "+ categoria dopo",
-                             .caption = "Aggiungi reparto dopo",
-                             .icon = "dopo",
-                             .menus = {{EditDepartments, 204, "Dopo", "Aggiungi"}},
-                             .toolbar = {Departments, 104},
-                             .shortcut = "Ctrl+I",
-                             .step = add},
-                            &TreeEditing::InserisciRepartoDopo),
+  return {newDepartmentCommand({.number = 15,
+                                .name = "department.insertBefore",
+                                .key = "+ categoria prima",
+                                .caption = "Aggiungi reparto prima",
+                                .icon = "prima",
+                                .menus = {{EditDepartments, 203, "Prima", "Aggiungi"}},
+                                .toolbar = {Departments, 103},
+                                .shortcut = "Ctrl+Shift+I",
+                                .step = add},
+                               &TreeEditing::InserisciRepartoPrima),
+          newDepartmentCommand({.number = 14,
+                                .name = "department.insertAfter",
+                                .key = "+ categoria dopo",
+                                .caption = "Aggiungi reparto dopo",
+                                .icon = "dopo",
+                                .menus = {{EditDepartments, 204, "Dopo", "Aggiungi"}},
+                                .toolbar = {Departments, 104},
+                                .shortcut = "Ctrl+I",
+                                .step = add},
+                               &TreeEditing::InserisciRepartoDopo),
           // On the root it adds a department of the top level.
-          treeCommand({.number = 20,
-                       .name = "department.insertBelow",
-                       .caption = "Aggiungi sottoreparto",
-                       .icon = "sotto",
-                       .menus = {{EditDepartments, 205, "Sottoreparto", "Aggiungi"}},
-                       .toolbar = {Departments, 105},
-                       .shortcut = "Ctrl+Alt+I",
-                       .step = "Aggiungi sottoreparto"},
-                      &TreeEditing::NuovoSottoreparto)};
+          insertCommand({.number = 20,
+                         .name = "department.insertBelow",
+                         .caption = "Aggiungi sottoreparto",
+                         .icon = "sotto",
+                         .menus = {{EditDepartments, 205, "Sottoreparto", "Aggiungi"}},
+                         .toolbar = {Departments, 105},
+                         .shortcut = "Ctrl+Alt+I",
+                         .step = "Aggiungi sottoreparto"},
+                        &TreeEditing::NuovoSottoreparto, EditedSet::Categorie)};
 }
 
 }  // namespace
@@ -89,7 +96,8 @@ std::vector<Command> departmentCommands() {
                    .menus = {{EditDepartments, 207, "Incolla"}},
                    .toolbar = {Departments, 107},
                    .shortcut = "Ctrl+V",
-                   .step = "Incolla reparto"},
+                   .step = "Incolla reparto",
+                   .whenOff = "Nessun reparto copiato"},
                   &TreeEditing::IncollaReparto),
       departmentCommand({.number = 13,
                          .name = "department.delete",

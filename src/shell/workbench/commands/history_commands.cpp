@@ -36,10 +36,18 @@ Command historyRow(Command row, int position, std::string (UndoHistory::*stepNam
 }  // namespace
 
 std::vector<Command> historyCommands() {
-  return withHelp({historyRow({.name = "undo", .caption = "Annulla", .icon = "annulla", .shortcut = "Ctrl+Z"}, 1,
-                              &UndoHistory::undoName, &UndoHistory::undo),
-                   historyRow({.name = "redo", .caption = "Ripeti", .icon = "ripeti", .shortcut = "Ctrl+Y"}, 2,
-                              &UndoHistory::redoName, &UndoHistory::redo)},
+  return withHelp({historyRow({.name = "undo",
+                               .caption = "Annulla",
+                               .icon = "annulla",
+                               .shortcut = "Ctrl+Z",
+                               .whenOff = "Niente da annullare"},
+                              1, &UndoHistory::undoName, &UndoHistory::undo),
+                   historyRow({.name = "redo",
+                               .caption = "Ripeti",
+                               .icon = "ripeti",
+                               .shortcut = "Ctrl+Y",
+                               .whenOff = "Niente da ripetere"},
+                              2, &UndoHistory::redoName, &UndoHistory::redo)},
                   "index.htm");
 }
 

@@ -13,6 +13,7 @@ Command languageRow(int language, std::string_view shortcut) {
   row.menus = {{Menu::View, 200 + language, {}, "Lingua"}};
   row.shortcut = shortcut;
   row.visible = [language](const CommandContext& context) { return language <= context.session.languageCount; };
+  row.choice = "language";
   row.checked = [language](const CommandContext& context) { return language == context.session.currentLanguage; };
   row.text = [language](const CommandContext& context) {
     return "&" + std::to_string(language) + " - " +
@@ -38,6 +39,7 @@ Command languagesRow() {
 Command replicationRow() {
   Command row = dialogCommand("languages.replicate", {Menu::File, 302, "Replica lingue..."},
                               &WorkbenchDialogs::replicateLanguages, "Replica lingue");
+  row.whenOff = "Il negozio ha una sola lingua";
   row.enabled = [](const CommandContext& context) { return context.session.languageCount > 1; };
   row.help = "pagine/prezzi.htm";
   return row;

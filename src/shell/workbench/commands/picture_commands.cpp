@@ -37,6 +37,7 @@ Command chooseRow(Command row, const RowPicture& picture) {
   row.dialog = wired(&WorkbenchDialogs::choosePicture);
   if (picture.set == EditedSet::Articoli) row.enabled = isOnArticle;
   if (picture.set == EditedSet::Categorie) row.enabled = isOnDepartment;
+  row.whenOff = picture.set == EditedSet::Articoli ? noArticle : noDepartment;
   row.run = [picture, step = row.step](const CommandContext& context) { choosePicture(context, picture, step); };
   return row;
 }
@@ -45,6 +46,7 @@ Command clearRow(Command row, const RowPicture& picture) {
   row.name = pictureCommandNames(picture.set, picture.number).clear;
   row.icon = "immagine-no";
   row.step = row.caption;
+  row.whenOff = "Nessuna immagine";
   row.enabled = [picture](const CommandContext& context) { return !pictureName(context.sets, picture).empty(); };
   row.run = [picture, step = row.step](const CommandContext& context) {
     if (!pictureName(context.sets, picture).empty()) store(context, picture, step, "", {});

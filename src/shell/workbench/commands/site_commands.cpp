@@ -15,6 +15,7 @@ Command serverFolderRow(std::string name, const MenuPlace& place, ServerFolder f
   row.menus = {place};
   row.step = step;
   row.dialog = wired(&WorkbenchDialogs::chooseServerFolder);
+  row.whenOff = "Indicare prima host, nome utente e password";
   row.enabled = [](const CommandContext& context) { return context.bench.commands().isEnabled(ftpFolders); };
   row.run = [folder, step](const CommandContext& context) {
     context.bench.editThrough(step, [&] { return context.ports.dialogs.chooseServerFolder(folder); });

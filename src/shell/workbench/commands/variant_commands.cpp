@@ -24,6 +24,7 @@ Command variantRow(int number, int slot, std::string_view caption, std::string_v
           .icon = "variante",
           .menus = {{Menu::EditArticles, 300 + slot, entry, "Definisci varianti"}},
           .step = step,
+          .whenOff = noArticle,
           .dialog = wired(&WorkbenchDialogs::defineVariant),
           .enabled = [](const CommandContext& context) { return context.bench.commands().isEnabled(articleMask); },
           .run = [slot](const CommandContext& context) { defineVariant(context, slot, step); }};

@@ -15,6 +15,7 @@ Command tabRow(Tab tab, std::string_view text, std::string_view shortcut, std::s
   row.menus = {{View, 101 + static_cast<int>(tab), text}};
   row.shortcut = shortcut;
   row.help = help;
+  row.choice = "tab";
   row.checked = [tab](const CommandContext& context) { return context.bench.tab() == tab; };
   row.run = [tab](const CommandContext& context) { context.bench.selectTab(tab); };
   return row;
@@ -25,6 +26,7 @@ Command detailsRow() {
   row.name = "details.hide";
   row.menus = {{View, 303, "Nascondi dettagli"}};
   row.shortcut = "Ctrl+D";
+  row.whenOff = "Solo nelle schede Reparti e Articoli";
   row.enabled = [](const CommandContext& context) {
     return context.bench.tab() == Tab::Departments || context.bench.tab() == Tab::Articles;
   };
@@ -36,6 +38,7 @@ Command detailsRow() {
 /// The state of the key is the workbench's: a tree has to be there and to be shown.
 Command expansionRow(Command row, bool expanded) {
   row.key = expansionKey;
+  row.whenOff = "Nessun reparto da mostrare";
   row.run = [expanded](const CommandContext& context) { context.view.expandTree(expanded); };
   return row;
 }
@@ -51,6 +54,7 @@ Command appearanceRow(std::string name, int position, std::string_view text, App
   Command row;
   row.name = std::move(name);
   row.menus = {{View, position, text, "Aspetto"}};
+  row.choice = "look";
   row.checked = [appearance](const CommandContext& context) {
     return storedAppearance(context.env.settings) == appearance;
   };

@@ -64,12 +64,20 @@ std::vector<Editor> departmentEditors() {
                    1)};
 }
 
-std::vector<Editor> articleTexts() {
+/// What each new article is given first, in the order in which it is typed.
+std::vector<Editor> articleNames() {
   using enum Control;
-  constexpr std::string_view general = "Articolo", texts = "Testi";
+  constexpr std::string_view general = "Articolo";
   return {article("codice", general, "&Codice:", Line, FieldKind::Code),
           article("titolo", general, "&Titolo:", Line, FieldKind::Heading),
-          article("sottotitolo", general, "&Sottotitolo:", Line, FieldKind::Heading),
+          article("sottotitolo", general, "&Sottotitolo:", Line, FieldKind::Heading)};
+}
+
+std::vector<Editor> articleTexts() {
+  using enum Control;
+  constexpr std::string_view general = "Altri dati", texts = "Testi";
+  return {article("descrizione", texts, "&Descrizione:", Memo),
+          article("note", texts, "N&ote:", Memo),
           env(article("peso", general, "&Peso:", Line, FieldKind::Weight), "",
               "Nell'unità usata per le spese di spedizione"),
           from(env(article("correlazione", general, "Articoli co&rrelati:", Combo), "",
@@ -82,14 +90,12 @@ std::vector<Editor> articleTexts() {
           env(article("inelenco", general, "In v&etrina", Check), "", "L'articolo compare nella vetrina del negozio"),
           env(article("popup", general, "Immagine in&grandita in una finestra", Check), "",
               "Un clic sull'immagine piccola apre quella grande in una finestra"),
-          env(article("fuoricatalogo", general, "Fuor&i catalogo", Check), "", "L'articolo è escluso dal negozio"),
-          article("descrizione", texts, "&Descrizione:", Memo),
-          article("note", texts, "N&ote:", Memo)};
+          env(article("fuoricatalogo", general, "Fuor&i catalogo", Check), "", "L'articolo è escluso dal negozio")};
 }
 
 std::vector<Editor> articlePrices() {
   using enum Control;
-  constexpr std::string_view list = "Listino", quantity = "Sconto per quantità", pictures = "Immagini";
+  constexpr std::string_view list = "Listino";
   std::vector<Editor> rows{perListino(article("prezzo", list, "Pre&zzo:", Line, FieldKind::Price)),
                            perListino(article("offerta", list, "In offert&a", Check)),
                            perListino(article("offertaprezzo", list, "Prezzo in offerta:", Line, FieldKind::Price)),
@@ -101,26 +107,30 @@ std::vector<Editor> articlePrices() {
     const auto place = static_cast<std::size_t>(slot - 1);
     rows.push_back(perListino(numbered(article(variantColumns[place], list, variantLabels[place], Variant), slot)));
   }
-  for (const Editor& row : {env(article("scqart0", quantity, "Da pezzi (1):", Line, FieldKind::WholeNumber), "pezzi",
-                                "Da questa quantità vale il primo sconto"),
-                            env(article("scqperc0", quantity, "Sconto (1):", Line, FieldKind::Percent), "%", ""),
-                            env(article("scqart1", quantity, "Da pezzi (2):", Line, FieldKind::WholeNumber), "pezzi",
-                                "Da questa quantità vale il secondo sconto"),
-                            env(article("scqperc1", quantity, "Sconto (2):", Line, FieldKind::Percent), "%", ""),
-                            numbered(article("immagine0", pictures, "Immagine 1:", Picture), 0),
-                            numbered(article("immagine1", pictures, "Immagine 2:", Picture), 1),
-                            numbered(article("immagine2", pictures, "Immagine piccola:", Picture), 2)}) {
-    rows.push_back(row);
-  }
   return rows;
+}
+
+std::vector<Editor> articleRest() {
+  using enum Control;
+  constexpr std::string_view quantity = "Sconto per quantità", pictures = "Immagini";
+  return {env(article("scqart0", quantity, "Da pezzi (1):", Line, FieldKind::WholeNumber), "pezzi",
+              "Da questa quantità vale il primo sconto"),
+          env(article("scqperc0", quantity, "Sconto (1):", Line, FieldKind::Percent), "%", ""),
+          env(article("scqart1", quantity, "Da pezzi (2):", Line, FieldKind::WholeNumber), "pezzi",
+              "Da questa quantità vale il secondo sconto"),
+          env(article("scqperc1", quantity, "Sconto (2):", Line, FieldKind::Percent), "%", ""),
+          numbered(article("immagine0", pictures, "Immagine 1:", Picture), 0),
+          numbered(article("immagine1", pictures, "Immagine 2:", Picture), 1),
+          numbered(article("immagine2", pictures, "Immagine piccola:", Picture), 2)};
 }
 
 }  // namespace
 
 std::vector<Editor> catalogueEditors() {
   std::vector<Editor> rows = departmentEditors();
-  for (const Editor& row : articleTexts()) rows.push_back(row);
-  for (const Editor& row : articlePrices()) rows.push_back(row);
+  for (const auto& part : {articleNames(), articlePrices(), articleTexts(), articleRest()}) {
+    rows.insert(rows.end(), part.begin(), part.end());
+  }
   return rows;
 }
 

@@ -47,15 +47,17 @@ void moneyEditors(std::vector<Editor>& rows) {
   money.check("usa_cambio", "Mostra una &seconda valuta");
   money.add("valuta2", "Seconda valuta:", Line, FieldKind::ShortText);
   money.check("decimali2", "Mostra i decimali della seconda valuta");
-  money.add("cambio", "Cambio:", Line, FieldKind::Rate).toolTip = "Quanta seconda valuta vale un'unità della prima";
+  money.add("cambio", "Cambio:", Line, FieldKind::Rate).toolTip =
+      "Quanta prima valuta vale un'unità della seconda: il prezzo diviso per il cambio è quello nella seconda valuta. "
+      "Con 0,8 un prezzo di 10 diventa 12,5";
   money.add(reverseRateField, "Cambio inverso:", Line, FieldKind::Rate).toolTip =
-      "Quanta prima valuta vale un'unità della seconda";
+      "Quanta seconda valuta vale un'unità della prima: con un cambio di 0,8 è 1,25";
 
   Group prices(rows, Tab::Site, "Prezzi e ordini");
   prices.check("ivacompresa", "Mostra i prezzi &IVA compresa");
   Editor& discount = prices.add("sconto", "Sconto del negozio:", Line, FieldKind::Percent);
   discount.unit = "%";
-  discount.toolTip = "Vale per tutti gli articoli";
+  discount.toolTip = "Vale per tutti gli articoli che non sono in offerta";
   prices.check("vis_sconto", "Mostra la percentuale di sconto");
   prices.check("vis_offerta", "Evidenzia le offerte");
   prices.add("minimo", "Ordine minimo:", Line, FieldKind::Amount).toolTip = "L'importo sotto il quale non si ordina";

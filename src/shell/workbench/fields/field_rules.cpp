@@ -126,7 +126,8 @@ std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator)
   std::string kept;
   while (!text.empty()) {
     const std::string_view character = firstCharacters(text, 1);
-    kept += keyTyped(kind, character, decimalSeparator).inserted;
+    const bool ofFolder = kind == FieldKind::Folder && (character == "-" || character == ".");
+    kept += ofFolder ? std::string(character) : keyTyped(kind, character, decimalSeparator).inserted;
     text.remove_prefix(character.size());
   }
   return kept;
@@ -141,7 +142,11 @@ NumberReading pastedNumber(FieldKind kind, std::string_view text, char decimalSe
   return reading;
 }
 
-std::string refusedKeyNote(std::string_view character) {
+std::string refusedKeyNote(FieldKind kind, std::string_view character) {
+  if (kind == FieldKind::Folder && (character == "-" || character == ".")) {
+    return "Il carattere \"" + std::string(character) +
+           "\" non si può digitare qui; un testo incollato o una cartella scelta lo conservano.";
+  }
   return "Il carattere \"" + std::string(character) + "\" non è ammesso in questo campo.";
 }
 

@@ -38,8 +38,8 @@ struct KeyAnswer {
 };
 /// What typing one character (UTF-8) does. Control keys are not asked for.
 KeyAnswer keyTyped(FieldKind kind, std::string_view character, char decimalSeparator);
-/// A text that is pasted, without the characters that could not be typed. Of a text for one line; numbers go through
-/// pastedNumber().
+/// A text that is pasted, without the characters that could not be typed; a folder keeps its "-" and ".". Of a text for
+/// one line; numbers go through pastedNumber().
 std::string pasted(FieldKind kind, std::string_view text, char decimalSeparator);
 /// Whether the field takes digits only, with or without decimals.
 bool isNumberKind(FieldKind kind);
@@ -47,7 +47,7 @@ bool isNumberKind(FieldKind kind);
 /// numbers keeps the integer part.
 NumberReading pastedNumber(FieldKind kind, std::string_view text, char decimalSeparator);
 /// What to say beside a field that refuses a character (UTF-8), in Italian.
-std::string refusedKeyNote(std::string_view character);
+std::string refusedKeyNote(FieldKind kind, std::string_view character);
 /// Why the field does not take the text when it is left; empty when it does. Prices, weights, rates and VAT take
 /// numbers alone; percents and amounts have rules of their own (leftField). `wholeNumbers`: the column stores no
 /// decimals.

@@ -52,6 +52,14 @@ FieldForm formOf(const Editor& editor, const ColumnInfo& info, char separator) {
   return {editor.kind, columnFormOf(editor, info), becomesZero(editor), separator};
 }
 
+/// A page has one to six articles side by side; a department without a number of its own takes that of the shop.
+bool isSideBySideAllowed(const Editor& editor, std::string_view text) {
+  if (editor.column != "affiancati") return true;
+  text = trim(text);
+  if (text.empty()) return editor.set == EditedSet::Categorie;
+  return text.size() == 1 && text[0] >= '1' && text[0] <= '6';
+}
+
 bool isReverseRate(const Editor& editor) { return editor.column == reverseRateField; }
 
 Editor rateEditor() {
@@ -94,6 +102,25 @@ std::string FieldStore::shown(const Editor& editor) {
   return isNumberType(info->type) && !text.empty() ? shownNumber(text, separator_) : text;
 }
 
+std::string FieldStore::firstLanguageText(const Editor& editor) {
+  const bool isText = editor.control == Control::Line || editor.control == Control::Memo;
+  if (sets_.session().currentLanguage == 1 || !isText || !isOnRow(sets_, editor.set)) return {};
+  const ColumnInfo* info = columnInfo(editor);
+  if (info == nullptr || isNumberType(info->type) || !shown(editor).empty()) return {};
+  // A column that all languages share is empty here too.
+  std::string query = "SELECT \"" + info->name + "\" FROM ";
+  if (editor.set == EditedSet::Generale) query += "generale";
+  if (editor.set == EditedSet::Categorie) query += "categorie WHERE ID = ?";
+  if (editor.set == EditedSet::Articoli) query += "articoli WHERE ID = ?";
+  auto row = sets_.session().catalogue.prepare(query);
+  if (!row) return {};
+  const std::string department = sets_.department();
+  if (editor.set == EditedSet::Categorie) row->bind(1, department);
+  if (editor.set == EditedSet::Articoli) row->bind(1, sets_.article());
+  const auto found = row->step();
+  return found && *found ? std::string(row->text(0)) : std::string();
+}
+
 int FieldStore::widest(const Editor& editor) {
   constexpr int smallDigits = 4;
   constexpr int longDigits = 9;
@@ -114,6 +141,8 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
 
 std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
+  if (!isSideBySideAllowed(editor, text))
+    return "Gli articoli affiancati vanno da 1 a 6: è rimasto il valore precedente.";
   const ColumnInfo* info = columnInfo(editor);
   return refusedText(editor.kind, text, info != nullptr && isWholeNumberType(info->type), separator_);
 }
@@ -129,7 +158,10 @@ FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& t
     outcome.done = fail(ErrorKind::Missing, std::string(editor.column), "no such column");
     return outcome;
   }
-  const FieldText field = leftField(formOf(editor, *info, separator_), text, before);
+  FieldForm form = formOf(editor, *info, separator_);
+  // An article that isn't on offer has no offer price: a 0 would be one.
+  if (editor.column == "offertaprezzo" && trim(text).empty()) form.zeroUnlessNumber = false;
+  const FieldText field = leftField(form, text, before);
   if (field.text == before) return outcome;
   const std::string step = "Modifica " + plainLabel(editor.label);
   outcome.done = history_.record(step, [&] { return write(editor, field.value, before); });

@@ -38,12 +38,17 @@ class FieldStore {
   };
   /// Leaving the field with this text: brings it to its form and saves the row; nothing happens when it says what the
   /// row says. One step of the history.
-  /// The step is called "Modifica" and the plain label. A price, quantity or percent that is no number becomes 0; other
-  /// numbers fail as Recordset::set. The reverse rate is stored as the rate it follows from. On no row nothing happens.
+  /// The step is called "Modifica" and the plain label. A price, quantity or percent that is no number becomes 0, an
+  /// empty offer price null; other numbers fail as Recordset::set. The reverse rate is stored as the rate it follows
+  /// from. On no row nothing happens.
   Outcome leave(const Editor& editor, const std::string& text);
 
   /// Why the field does not take the text that it is left with, as refusedText(); empty when it does.
   std::string refusal(const Editor& editor, const std::string& text);
+
+  /// What the first language has in the column of a text field that is empty in the language being edited; empty for a
+  /// field that isn't, and in the first language.
+  std::string firstLanguageText(const Editor& editor);
 
   /// The most characters that the column takes; 0: any number.
   /// For texts the size of the column, for whole numbers the digits that always fit: 4 or 9.

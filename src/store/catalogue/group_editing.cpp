@@ -1,0 +1,110 @@
+// The commands on several articles of the current department at once.
+
+#include <algorithm>
+
+#include "platform/numbers/number_format.h"
+#include "store/catalogue/tree_change.h"
+#include "store/catalogue/tree_editing.h"
+
+namespace kv {
+namespace {
+
+/// The IDs as the array that the engine reads them from.
+std::string arrayOf(const ArticleGroup& group) {
+  std::string text = "[";
+  for (const std::int64_t ID : group) text += (text.size() > 1 ? "," : "") + std::to_string(ID);
+  return text + "]";
+}
+
+constexpr const char* inGroup = "ID IN (SELECT value FROM json_each(?))";
+
+bool holds(const ArticleGroup& group, std::int64_t ID) { return std::ranges::find(group, ID) != group.end(); }
+
+/// The keys with the group one position further in a direction; at the end of the list it stays together.
+std::vector<std::int64_t> shifted(std::vector<std::int64_t> keys, const ArticleGroup& group, int direzione) {
+  if (direzione > 0) std::ranges::reverse(keys);
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    if (holds(group, keys[i]) && !holds(group, keys[i - 1])) std::swap(keys[i], keys[i - 1]);
+  }
+  if (direzione > 0) std::ranges::reverse(keys);
+  return keys;
+}
+
+}  // namespace
+
+Result<> TreeEditing::EliminaArticoli(const ArticleGroup& group) {
+  if (group.empty() || !sets_.onDepartment()) return {};
+  const std::string question =
+      "Eliminare i" + plainNumber(static_cast<std::int64_t>(group.size())) + " articoli selezionati?";
+  if (!ask(question, Answer::No)) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  auto list = readOrder(sets_.session().catalogue, articlesInOrder, Value(at->department));
+  if (!list) return fail(list.error());
+  const auto first = std::ranges::find_if(list->keys, [&](std::int64_t ID) { return holds(group, ID); });
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  auto deleted =
+      runWith(sets_.session().catalogue, std::string("DELETE FROM articoli WHERE ") + inGroup, {Value(arrayOf(group))});
+  if (!deleted) return deleted;
+  return change.keepAndShowPosition(at->department, static_cast<std::size_t>(first - list->keys.begin()));
+}
+
+Result<> TreeEditing::CopiaArticoli(const ArticleGroup& group) {
+  if (group.empty()) return {};
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  if (auto copied = copyArticles(inGroup, Value(arrayOf(group))); !copied) return copied;
+  if (auto kept = change.keep(); !kept) return kept;
+  tellArticlesCopied();
+  return {};
+}
+
+Result<> TreeEditing::SpostaArticoli(const ArticleGroup& group, int direzione) {
+  if (group.empty() || !sets_.onDepartment()) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  Database& catalogue = sets_.session().catalogue;
+  auto list = readOrder(catalogue, articlesInOrder, Value(at->department));
+  if (!list) return fail(list.error());
+  const std::vector<std::int64_t> wanted = shifted(list->keys, group, direzione);
+  OrderWriter orders(catalogue, writeArticleOrder);
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    if (wanted[i] == list->keys[i]) continue;
+    if (auto moved = orders.write(wanted[i], list->orders[i]); !moved) return moved;
+  }
+  return change.keepAndShowArticle(at->department, at->article);
+}
+
+Result<> TreeEditing::SegnaArticoli(const ArticleGroup& group, std::string_view column, bool on) {
+  if (group.empty()) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  const std::string update = "UPDATE articoli SET \"" + std::string(column) + "\" = ? WHERE " + inGroup;
+  auto marked = runWith(sets_.session().catalogue, update, {Value(on), Value(arrayOf(group))});
+  if (!marked) return marked;
+  return change.keepAndShowArticle(at->department, at->article);
+}
+
+Result<> TreeEditing::DuplicaArticoli(const ArticleGroup& group) {
+  if (group.empty() || !sets_.onDepartment()) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  const WaitPointer pointer(hooks_);
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  auto list = readOrder(sets_.session().catalogue, articlesInOrder, Value(at->department));
+  if (!list) return fail(list.error());
+  std::vector<std::int64_t> sources;
+  std::ranges::copy_if(list->keys, std::back_inserter(sources), [&](std::int64_t ID) { return holds(group, ID); });
+  if (sources.empty()) return {};
+  auto last = insertCopies({at->department, sources.back()}, "articoli", sources);
+  if (!last) return fail(last.error());
+  return change.keepAndShowArticle(at->department, *last);
+}
+
+}  // namespace kv
