@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -170,6 +171,21 @@ void takeShippingCosts(Stage& stage, const QString& name) {
   stage.during([&] { stage.choose("shipping"); },
                [&](QWidget& dialog) {
                  dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
+void takeLanguageCopy(Stage& stage, const QString& name) { takeEntry(stage, "languages.replicate", name); }
+void takeListCopy(Stage& stage, const QString& name) { takeEntry(stage, "prices.replicate", name); }
+void takeMail(Stage& stage, const QString& name) { takeEntry(stage, "orderMail", name); }
+void takeShowcase(Stage& stage, const QString& name) { takeEntry(stage, "showcase", name); }
+void takeRequired(Stage& stage, const QString& name) { takeEntry(stage, "requiredFields", name); }
+void takePrivacy(Stage& stage, const QString& name) { takeEntry(stage, "privacyPolicy", name); }
+void takeBuildSettings(Stage& stage, const QString& name) { takeEntry(stage, "build.settings", name); }
+
+void takePrices(Stage& stage, const QString& name) {
+  stage.during([&] { stage.choose("prices.change"); },
+               [&](QWidget& dialog) {
+                 for (const char* box : {"optEstensione1", "chkListino0", "chkListino3"}) {
+                   dialog.findChild<QAbstractButton*>(QLatin1String(box))->click();
+                 }
+                 dialog.findChild<QComboBox*>(QStringLiteral("cboVariazione"))->setEditText(QStringLiteral("+10"));
                  stage.take(name);
                });
 }
@@ -346,6 +362,14 @@ std::span<const Scene> sceneTable() {
                                      Scene{"lingue", takeLanguages},
                                      Scene{"tag", takeTags},
                                      Scene{"tag-nuovo", takeNewTag},
+                                     Scene{"prezzi", takePrices},
+                                     Scene{"replica-lingue", takeLanguageCopy},
+                                     Scene{"replica-listini", takeListCopy},
+                                     Scene{"email", takeMail},
+                                     Scene{"vetrina", takeShowcase},
+                                     Scene{"obbligatori", takeRequired},
+                                     Scene{"p3p", takePrivacy},
+                                     Scene{"costruzione", takeBuildSettings},
                                      Scene{"cartelle", takeFolders},
                                      Scene{"copie", takeCopies},
                                      Scene{"cerca", takeSearchStart},

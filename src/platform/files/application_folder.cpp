@@ -56,14 +56,14 @@ std::string listText(const ShippedList& list) {
   return text;
 }
 
-enum class EntryKind { Nothing, File, Folder, Other };
+enum class ShippedEntry { Nothing, File, Folder, Other };
 
 // What is at a path. A link counts as Other: the merchant made it, and nothing is written through it.
-EntryKind entryKindAt(const std::string& path) {
+ShippedEntry entryKindAt(const std::string& path) {
   struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return EntryKind::Nothing;
-  if (S_ISREG(status.st_mode)) return EntryKind::File;
-  return S_ISDIR(status.st_mode) ? EntryKind::Folder : EntryKind::Other;
+  if (::lstat(path.c_str(), &status) != 0) return ShippedEntry::Nothing;
+  if (S_ISREG(status.st_mode)) return ShippedEntry::File;
+  return S_ISDIR(status.st_mode) ? ShippedEntry::Folder : ShippedEntry::Other;
 }
 
 class Update {
@@ -91,11 +91,11 @@ Result<> Update::bring(const std::string& below, bool reachable) {
   const std::string source = joinPath(installed_, below);
   for (const std::string& name : listFiles(source, "*")) {
     const std::string path = joinPath(below, name);
-    if (path == listName || entryKindAt(joinPath(source, name)) != EntryKind::File) continue;
+    if (path == listName || entryKindAt(joinPath(source, name)) != ShippedEntry::File) continue;
     if (auto brought = bringFile(path, reachable); !brought) return brought;
   }
   for (const std::string& name : listFolders(source)) {
-    if (entryKindAt(joinPath(source, name)) != EntryKind::Folder) continue;
+    if (entryKindAt(joinPath(source, name)) != ShippedEntry::Folder) continue;
     if (auto brought = bringFolder(joinPath(below, name), reachable); !brought) return brought;
   }
   return {};
@@ -103,20 +103,20 @@ Result<> Update::bring(const std::string& below, bool reachable) {
 
 Result<> Update::bringFolder(const std::string& path, bool reachable) {
   const std::string source = joinPath(installed_, path), target = joinPath(folder_, path);
-  const EntryKind kind = reachable ? entryKindAt(target) : EntryKind::Other;
+  const ShippedEntry kind = reachable ? entryKindAt(target) : ShippedEntry::Other;
   // A folder with files is created with its first file, so that one the merchant deleted isn't created again, empty.
   const bool isBare = listFiles(source, "*").empty() && listFolders(source).empty();
-  if (kind == EntryKind::Nothing && isBare) return createFolders(target);
-  return bring(path, kind == EntryKind::Nothing || kind == EntryKind::Folder);
+  if (kind == ShippedEntry::Nothing && isBare) return createFolders(target);
+  return bring(path, kind == ShippedEntry::Nothing || kind == ShippedEntry::Folder);
 }
 
 Result<> Update::bringFile(const std::string& path, bool reachable) {
   const auto shipped = digestOf(joinPath(installed_, path));
   if (!shipped) return fail(shipped.error());
   const auto known = list_.find(path);
-  const EntryKind kind = reachable ? entryKindAt(joinPath(folder_, path)) : EntryKind::Other;
-  if (kind == EntryKind::Nothing && known == list_.end()) return install(path, *shipped, counts_.added);
-  if (kind == EntryKind::File) {
+  const ShippedEntry kind = reachable ? entryKindAt(joinPath(folder_, path)) : ShippedEntry::Other;
+  if (kind == ShippedEntry::Nothing && known == list_.end()) return install(path, *shipped, counts_.added);
+  if (kind == ShippedEntry::File) {
     const auto present = digestOf(joinPath(folder_, path));
     if (!present) return fail(present.error());
     if (*present == *shipped) {

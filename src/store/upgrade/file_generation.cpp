@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 8> thirdFiles{
 constexpr std::array<Generation, 3> generations{{{"1.0.4", firstFiles}, {"1.0.6", secondFiles}, {"1.0.8", thirdFiles}}};
 
 /// The path of an entry below a folder, its names found without regard to case where they are there.
-std::string entryPath(std::string folder, std::string_view name) {
+std::string pathWithin(std::string folder, std::string_view name) {
   while (!name.empty()) {
     const std::string_view part = name.substr(0, name.find('/'));
     folder = findEntry(folder, part).value_or(joinPath(folder, part));
@@ -38,7 +38,7 @@ std::string entryPath(std::string folder, std::string_view name) {
 
 /// The first line of the stamp, nothing taken from its ends; below every generation when it can't be read.
 std::string presentGeneration(const std::string& code) {
-  const auto stamp = readBytes(entryPath(code, generationFile));
+  const auto stamp = readBytes(pathWithin(code, generationFile));
   if (!stamp || stamp->empty()) return {};
   return std::string(splitLines(*stamp).front());
 }
@@ -61,7 +61,7 @@ Result<> keepFile(const std::string& file, std::string_view name, const std::str
 Result<> renewFile(const std::string& shopFolder, const std::string& applicationFolder, std::string_view name,
                    ShopUpgrade& upgrade) {
   const std::string from = joinPath(joinPath(applicationFolder, "new/code"), name);
-  const std::string to = entryPath(shopFolder, joinPath("code", name));
+  const std::string to = pathWithin(shopFolder, joinPath("code", name));
   if (fileExists(to) && readBytes(to).value_or("") != readBytes(from).value_or("")) {
     // Account data may be in it, which no one else has.
     if (auto kept = keepFile(to, name, shopFolder, upgrade); !kept) return kept;
@@ -84,7 +84,7 @@ std::vector<std::string_view> filesSince(const std::string& present, bool isAppl
 }  // namespace
 
 void planFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
-  const std::string present = presentGeneration(entryPath(shopFolder, "code"));
+  const std::string present = presentGeneration(pathWithin(shopFolder, "code"));
   if (present >= currentGeneration) return;
   for (const std::string_view name : filesSince(present, isApplicationFolder(shopFolder, applicationFolder))) {
     upgrade.files.emplace_back(name);
@@ -93,13 +93,13 @@ void planFiles(const std::string& shopFolder, const std::string& applicationFold
 }
 
 Result<> upgradeFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
-  const std::string code = entryPath(shopFolder, "code");
+  const std::string code = pathWithin(shopFolder, "code");
   const std::string present = presentGeneration(code);
   if (present >= currentGeneration) return {};
   for (const std::string_view name : filesSince(present, isApplicationFolder(shopFolder, applicationFolder))) {
     if (auto renewed = renewFile(shopFolder, applicationFolder, name, upgrade); !renewed) return renewed;
   }
-  if (auto written = writeBytes(entryPath(code, generationFile), std::string(currentGeneration) + "\r\n"); !written) {
+  if (auto written = writeBytes(pathWithin(code, generationFile), std::string(currentGeneration) + "\r\n"); !written) {
     return written;
   }
   upgrade.stamped = true;
