@@ -17,7 +17,6 @@ void requireSettings(bool holds) {
 
 void checkChoices(const std::string& text) {
   const kv::PublishSettings settings = kv::parsePublishSettings(text);
-  requireSettings(settings.connections >= 1 && settings.connections <= 4);
   requireSettings(settings.silenceSeconds >= 5 && settings.silenceSeconds <= 3600);
   const std::string written = kv::publishSettingsText(settings);
   requireSettings(kv::parsePublishSettings(written) == settings);

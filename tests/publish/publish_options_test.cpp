@@ -49,7 +49,7 @@ TEST(PublishOptionsRules, WithoutAFilterTheTypesDoNotCount) {
 
 TEST(PublishOptionsRules, AResetKeepsWhatItDoesNotName) {
   PublishOptions options;
-  options.settings = {false, false, ".", false, true, true, false, true, 3, true, true, true, 90};
+  options.settings = {false, false, ".", false, true, true, false, true, true, true, 90};
   options.filtersTypes = true;
   options.types.fill(false);
   options.reset();
@@ -60,12 +60,11 @@ TEST(PublishOptionsRules, AResetKeepsWhatItDoesNotName) {
   EXPECT_TRUE(settings.optimised && !settings.lockTables && settings.safeUpload);
 }
 
-TEST(PublishOptionsRules, TheAdviceTurnsTheFourOnAndNothingElse) {
+TEST(PublishOptionsRules, TheAdviceTurnsTheSafeChoicesOnAndNothingElse) {
   PublishOptions options;
   options.recommend();
   PublishSettings wanted;
   wanted.safeUpload = wanted.contentCheck = wanted.retry = true;
-  wanted.connections = 4;
   EXPECT_EQ(options.chosen(), wanted);
 }
 

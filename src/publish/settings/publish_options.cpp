@@ -26,11 +26,7 @@ void PublishOptions::reset() {
   settings.allRecords = true;
 }
 
-void PublishOptions::recommend() {
-  constexpr int recommendedConnections = 4;
-  settings.safeUpload = settings.contentCheck = settings.retry = true;
-  settings.connections = recommendedConnections;
-}
+void PublishOptions::recommend() { settings.safeUpload = settings.contentCheck = settings.retry = true; }
 
 PublishSettings PublishOptions::chosen() const {
   PublishSettings result = settings;

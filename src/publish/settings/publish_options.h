@@ -34,7 +34,7 @@ struct PublishOptions {
   /// The default choices of everything the reset names: only modified files of the shop, of every type, by FTP, and all
   /// records.
   void reset();
-  /// "Impostazioni consigliate": safe upload, four connections, content check and retry.
+  /// "Impostazioni consigliate": safe upload, content check and retry.
   void recommend();
   /// What is to be written.
   PublishSettings chosen() const;

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::string_view separatorSetting = "QS2";
 constexpr std::string_view advancedSeparator = ";\\g";
-constexpr int mostConnections = 4;
 constexpr int shortestSilence = 5, longestSilence = 3600;
 
 /// A whole number within limits; what is no number leaves the target as it is.
@@ -38,13 +37,11 @@ void readPublishValue(const KeyLine& line, PublishSettings& settings) {
                                    {"LOCK:", &PublishSettings::lockTables, unlessZero},
                                    {"SAFE:", &PublishSettings::safeUpload, isOn},
                                    {"HASH:", &PublishSettings::contentCheck, isOn},
-                                   {"RETR:", &PublishSettings::retry, isOn},
-                                   {"PULI:", &PublishSettings::cleanUp, isOn}};
+                                   {"RETR:", &PublishSettings::retry, isOn}};
   for (const Flag& flag : flags) {
     if (line.key == flag.key) settings.*flag.field = flag.read(value);
   }
   if (line.key == "TYPE:") settings.types = value;
-  if (line.key == "CONN:") readPublishNumber(value, 1, mostConnections, settings.connections);
   if (line.key == "WAIT:") readPublishNumber(value, shortestSilence, longestSilence, settings.silenceSeconds);
 }
 
@@ -57,10 +54,8 @@ void addLaterPublishKeys(const PublishSettings& settings, std::vector<KeyLine>& 
     if (number != usual) lines.push_back({key, std::to_string(number)});
   };
   addFlag("SAFE:", settings.safeUpload);
-  addNumber("CONN:", settings.connections, untouched.connections);
   addFlag("HASH:", settings.contentCheck);
   addFlag("RETR:", settings.retry);
-  addFlag("PULI:", settings.cleanUp);
   addNumber("WAIT:", settings.silenceSeconds, untouched.silenceSeconds);
 }
 

@@ -31,10 +31,8 @@ struct PublishSettings {
   bool optimised = false;       ///< OPTM: the separator ";\g" in the SQL files
   bool lockTables = true;       ///< LOCK: the host has MySQL 3.x; off for MySQL 4.x
   bool safeUpload = false;      ///< SAFE: each file under a temporary name first, then renamed
-  int connections = 1;          ///< CONN: at the same time, 1 to 4
   bool contentCheck = false;    ///< HASH: a file with the bytes last sent isn't sent again
   bool retry = false;           ///< RETR: a broken transfer is tried again, three times
-  bool cleanUp = false;         ///< PULI: files that are no longer built are offered for removal
   int silenceSeconds = 60;      ///< WAIT: how long a server may be silent, 5 to 3600
   friend bool operator==(const PublishSettings&, const PublishSettings&) = default;
 };
