@@ -52,7 +52,9 @@ Result<PixelBuffer> PixelBuffer::create(ImageSize size) {
   if (std::int64_t{size.width} * size.height > mostPixels) return badPicture("The picture has too many pixels");
   PixelBuffer made;
   made.size_ = size;
-  made.bytes_.resize(made.rowBytes() * (static_cast<std::size_t>(size.height) + 1));
+  // Of a picture one pixel wide, the pixel beside the extra row's reaches two bytes beyond that row.
+  constexpr std::size_t onePixelMore = 4;
+  made.bytes_.resize(made.rowBytes() * (static_cast<std::size_t>(size.height) + 1) + onePixelMore);
   return made;
 }
 

@@ -19,7 +19,7 @@ inline constexpr std::uint64_t mostPictureBytes = std::uint64_t{256} << 20;
 
 /// A picture of three bytes for each pixel: blue, green, red. In memory the bottom row comes first, as in a
 /// device-independent bitmap of positive height; row() counts from the top, and coders use row().
-/// Each row is padded to a multiple of four bytes. One row of zeros follows the last one, so that a reader of
+/// Each row is padded to a multiple of four bytes. A row and a pixel of zeros follow the last one, so that a reader of
 /// neighbouring pixels may look one pixel and one row too far.
 class PixelBuffer {
  public:
