@@ -26,11 +26,17 @@ TEST(BuildMessagesTest, AFailureIsShownWithItsNumberAndWhereItHappened) {
 }
 
 TEST(BuildMessagesTest, RunningOutOfTextSpaceNamesTheSettingToChange) {
-  EXPECT_EQ(buildFailureText({ErrorKind::Other, "cat001", "out of string space", outOfTextSpace}, "/negozio/online"),
+  EXPECT_EQ(buildFailureText({ErrorKind::Full, "cat001", "out of string space", outOfTextSpace}, "/negozio/online"),
             std::string("Una o più pagine dei reparti contengono troppi articoli:\n"
                         "impostare un valore più basso (e diverso da zero) nel campo\n"
                         "\"Max articoli/pagina\" nella scheda \"Reparti\"\n\n") +
                 closing);
+}
+
+TEST(BuildMessagesTest, TheFourteenOfEngineAndSystemIsAnUnforeseenFailure) {
+  const std::string text = buildFailureText({ErrorKind::Missing, "sql.mdb", "unable to open database file", 14}, "o");
+  EXPECT_EQ(text.rfind("Si è verificato un errore imprevisto:\n14 unable to open database file (sql.mdb)", 0), 0U)
+      << text;
 }
 
 TEST(BuildMessagesTest, MissingLanguageModulesAreListedOnePerLine) {

@@ -159,6 +159,59 @@ TEST(BuildRobustnessTest, FilesWithSpacesAndAccentsInTheirNamesAreMadeAndListed)
   EXPECT_THAT(shop.fileList(), ::testing::Contains("#" + moved + "/città è bella.php"));
 }
 
+TEST(BuildRobustnessTest, PathsOutsideTheTableOfTheFilesAreListedAsTheFileSystemKnowsThem) {
+  TempShop shop;
+  shop.department("cat001");
+  const std::string moved = shop.folder() + "/żółw";
+  ASSERT_TRUE(createFolder(moved).has_value());
+  shop.shopFile("work/\xE5\xBA\x97.gif", "x");
+  shop.session.onlineFolder = moved;
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  for (const std::string& line : shop.fileList()) {
+    const std::string path = line.substr(1);
+    if (path.empty() || path.ends_with(".sql")) continue;
+    EXPECT_TRUE(fileExists(path)) << path;
+  }
+  EXPECT_THAT(shop.fileList(), ::testing::Contains("#" + moved + "/\xE5\xBA\x97.gif"));
+}
+
+TEST(BuildRobustnessTest, ALinkAtTheNameOfAPageOrCopyIsReplacedAndWhatItLeadsToStays) {
+  TempShop shop;
+  shop.shopFile("work/foto.gif", "picture");
+  shop.department("cat001");
+  const std::string& online = shop.session.onlineFolder;
+  const std::string outside = shop.folder() + "-outside.txt";
+  ASSERT_TRUE(writeBytes(outside, "mine"));
+  for (const char* name : {"cat001.php", "foto.gif", "shopmenu.xml"}) {
+    std::filesystem::create_symlink(outside, online + "/" + name);
+  }
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  EXPECT_EQ(readBytes(outside).value_or(""), "mine");
+  for (const char* name : {"cat001.php", "foto.gif", "shopmenu.xml"}) EXPECT_FALSE(isLink(online + "/" + name)) << name;
+  EXPECT_EQ(readBytes(online + "/foto.gif").value_or(""), "picture");
+  std::filesystem::remove(outside);
+}
+
+TEST(BuildRobustnessTest, ALinkOutOfThePicturesIsNotPublishedAndALinkedFolderIs) {
+  TempShop shop;
+  shop.department("cat001");
+  const std::string elsewhere = shop.folder() + "-elsewhere";
+  ASSERT_TRUE(createFolder(elsewhere).has_value());
+  ASSERT_TRUE(writeBytes(elsewhere + "/foto.gif", "picture"));
+  ASSERT_TRUE(writeBytes(elsewhere + ".key", "secret"));
+  std::filesystem::create_symlink("foto.gif", elsewhere + "/same.gif");
+  std::filesystem::create_symlink(elsewhere + ".key", elsewhere + "/key.gif");
+  std::filesystem::remove_all(shop.folder() + "/work");
+  std::filesystem::create_directory_symlink(elsewhere, shop.folder() + "/work");
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  EXPECT_TRUE(shop.hasPage("foto.gif"));
+  EXPECT_TRUE(shop.hasPage("same.gif"));
+  EXPECT_FALSE(shop.hasPage("key.gif"));
+  EXPECT_THAT(shop.fileList(), ::testing::Not(::testing::Contains("#" + shop.session.onlineFolder + "/key.gif")));
+  std::filesystem::remove_all(elsewhere);
+  std::filesystem::remove(elsewhere + ".key");
+}
+
 TEST(BuildRobustnessTest, AFolderThatCannotBeWrittenIsReportedWithItsName) {
   TempShop shop;
   shop.session.onlineFolder = shop.folder() + "/catalog.mdb";  // no folder at all

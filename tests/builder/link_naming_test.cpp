@@ -15,6 +15,11 @@ TEST(LinkNamingTest, AnAddressTypedLooselyIsMadeClean) {
   EXPECT_EQ(publicAddress("https://bottega.example", ""), "https://bottega.example");
 }
 
+TEST(LinkNamingTest, AFolderWithoutASiteAddressFollowsTheSchemeAtOnce) {
+  EXPECT_EQ(publicAddress("", "shop"), "http://shop");
+  EXPECT_EQ(publicAddress(" ", ""), "http:/");
+}
+
 TEST(LinkNamingTest, ThePageFileOfASubPageIsCutAfterItsExtension) {
   EXPECT_EQ(PageFile("scarpe", 3, "_l2"), "scarpe_l2.php?n=3");
   EXPECT_EQ(NoASPQuery("scarpe_l2.php?n=3"), "scarpe_l2.php");

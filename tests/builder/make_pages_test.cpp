@@ -84,6 +84,47 @@ TEST(MakePagesTest, ADepartmentModelOfAnotherNameFallsBackToTheFirst) {
   EXPECT_THAT(shop.page("cat003.php"), HasSubstr("</html>"));
 }
 
+TEST(MakePagesTest, ADepartmentModelIsFoundInOtherLetterCase) {
+  TempShop shop;
+  shop.templateFile("modello2.htm", "due<KV_START><KV_END>");
+  shop.department("cat001", {{"template", std::string("Modello2")}});
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  EXPECT_THAT(shop.page("cat001.php"), HasSubstr("due"));
+}
+
+TEST(MakePagesTest, AShopWithoutAFirstLanguageIsRefusedBeforeAnythingIsWritten) {
+  TempShop shop;
+  shop.department("cat001");
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  const std::vector<std::string> before = listFiles(shop.session.onlineFolder, "*.*");
+  shop.session.languageCount = 0;
+  shop.user.shown.clear();
+  EXPECT_EQ(shop.build(), BuildOutcome::Failed);
+  EXPECT_THAT(shop.user.texts(),
+              ElementsAre("Il negozio non ha una prima lingua:\n"
+                          "per costruirlo è necessario sceglierla (menu \"File/Configura lingue\")"));
+  EXPECT_EQ(listFiles(shop.session.onlineFolder, "*.*"), before);
+  EXPECT_TRUE(fileExists(shop.folder() + "/kvftp.dat"));
+}
+
+TEST(MakePagesTest, CustomTagsAreOnForEveryFormOfTheSetting) {
+  for (const auto& [setting, isOn] : {std::pair{"1", true},
+                                      {"-1", true},
+                                      {"True", true},
+                                      {"VERO", true},
+                                      {"0", false},
+                                      {"falso", false},
+                                      {"", false}}) {
+    TempShop shop;
+    shop.shopFile("shoptag.tag", "<<5-saluto>>\r\nciao a tutti\r\n");
+    shop.templateFile("modello1.htm", "<html><<5-saluto>><KV_START><KV_END></html>");
+    shop.department("cat001");
+    shop.sql("UPDATE generale SET personaltags = '" + std::string(setting) + "'");
+    ASSERT_EQ(shop.build(), BuildOutcome::Done);
+    EXPECT_EQ(shop.page("cat001.php").find("ciao a tutti") != std::string::npos, isOn) << setting;
+  }
+}
+
 TEST(MakePagesTest, AMissingModelStopsTheBuildWithItsMessageAndTheClosingLines) {
   TempShop shop;
   shop.department("cat001", {{"template", std::string("modello9")}});

@@ -71,12 +71,14 @@ TEST(MenuXmlTest, ItemsNestWithTheImageBeforeTheTitle) {
                 "</shopmenu>\r\n");
 }
 
-TEST(MenuXmlTest, TitleAndLinkAreEscapedAndABarStays) {
+TEST(MenuXmlTest, TitleAndLinkAreEscapedAndABarIsADoubleQuote) {
   MenuDepartment odd = department("a", "###", 1);
   odd.titolo = "<b>R&D</b> |&lt;";
   odd.pagina = "r&d";
+  odd.immagine1 = "a|b.gif";
   EXPECT_THAT(CatEsploraXML(DepartmentTree({odd}), ""),
-              HasSubstr("      <title>&lt;b&gt;R&amp;D&lt;/b&gt; |&amp;lt;</title>\r\n"
+              HasSubstr("      <image>a\"b.gif</image>\r\n"
+                        "      <title>&lt;b&gt;R&amp;D&lt;/b&gt; \"&amp;lt;</title>\r\n"
                         "      <link>r&amp;d.php?n=1</link>\r\n"));
 }
 
@@ -127,11 +129,13 @@ TEST(MenuXmlBuildTest, TheSettingAtZeroAloneSwitchesTheMenuOff) {
   EXPECT_THAT(shop.fileList(), Contains(line));
 }
 
-TEST(MenuXmlBuildTest, AMenuThatCannotBeWrittenDoesNotEndTheBuild) {
+TEST(MenuXmlBuildTest, AMenuThatCannotBeWrittenIsToldAndDoesNotEndTheBuild) {
   TempShop shop;
   std::filesystem::create_directories(shop.session.onlineFolder + "/shopmenu.xml/x");
   EXPECT_EQ(shop.build(), BuildOutcome::Done);
-  EXPECT_THAT(shop.fileList(), Contains("#" + shop.session.onlineFolder + "/shopmenu.xml"));
+  const std::string path = shop.session.onlineFolder + "/shopmenu.xml";
+  EXPECT_THAT(shop.fileList(), Contains("#" + path));
+  EXPECT_THAT(shop.user.texts(), Contains("Impossibile scrivere il file '" + path + "'"));
 }
 
 }  // namespace

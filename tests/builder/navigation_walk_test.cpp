@@ -59,9 +59,9 @@ class SlowWalk {
     if (!templates.present || templates.children.empty() || templates.nochildren.empty() || id == root) {
       link += beneath;
     } else if (!link.empty() && !beneath.empty()) {
-      link = replaceAll(replaceAll(templates.children, "%rep", link), "%subrep", beneath);
+      link = replaceAll(replaceAll(replaceAll(templates.children, "|", "\""), "%rep", link), "%subrep", beneath);
     } else if (!link.empty()) {
-      link = replaceAll(templates.nochildren, "%rep", link);
+      link = replaceAll(replaceAll(templates.nochildren, "|", "\""), "%rep", link);
     }
   }
 
@@ -114,7 +114,7 @@ class SlowWalk {
   static std::int64_t level(const MenuDepartment& row) { return row.livello.value_or(0); }
   std::string address(const MenuDepartment& row) const { return row.pagina + look_.lingua + ".php?n=1"; }
   static std::string escaped(const std::string& text) {
-    return replaceAll(replaceAll(replaceAll(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
+    return replaceAll(replaceAll(replaceAll(replaceAll(text, "|", "\""), "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
   }
   std::string plainLink(const MenuDepartment& row) const {
     return replaceAll("<a href=|" + address(row) + "|>" + row.titolo + "</a>", "|", "\"");
@@ -209,7 +209,7 @@ class Chance {
       if (below(8) > 0) look.templates.entries[i] = name + "<a href='%link' x=%x y=%y i=%image>%title</a>" + name;
     }
     if (below(2) == 0) look.templates.tab = "<t|>";
-    if (below(4) > 0) look.templates.children = "{%rep[%subrep]%rep}";
+    if (below(4) > 0) look.templates.children = "{%rep|[%subrep]%rep}";
     if (below(4) > 0) look.templates.nochildren = below(6) > 0 ? "(%rep)" : "()";
     return look;
   }

@@ -228,7 +228,7 @@ void GoldenShop::addFiles(const std::string& folder, const std::string& prefix,
 std::vector<ProducedPart> GoldenShop::produced(const Txtar& archive) const {
   const TxtarPart messages = textPart("want/messages.txt", messages_);
   std::vector<ProducedPart> parts{producedText(archive, messages, messages.text)};
-  if (const auto list = readText(joinPath(shop_, "kvftp.dat"))) {
+  if (const auto list = readBytes(joinPath(shop_, "kvftp.dat"))) {
     const TxtarPart part = textPart("want/kvftp.dat", replaceAll(withPlaceholders(*list), "\r\n", "\n"));
     parts.push_back(producedText(archive, part, part.text));
   }

@@ -180,7 +180,7 @@ std::string TempShop::rows(const std::string& query) const { return dump(shop_ +
 std::string TempShop::tagRows(const std::string& query) const { return dump(shop_ + "/source.mdb", query); }
 
 std::vector<std::string> TempShop::fileList() const {
-  const std::string text = textOf(shop_ + "/kvftp.dat");
+  const std::string text = readBytes(shop_ + "/kvftp.dat").value_or("");
   std::vector<std::string> lines;
   for (const std::string_view line : splitLines(text)) lines.emplace_back(line);
   return lines;

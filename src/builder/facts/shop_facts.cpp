@@ -5,6 +5,7 @@
 #include "builder/values/link_naming.h"
 #include "commerce/shipping/currency_form.h"
 #include "platform/files/files.h"
+#include "store/shop/shop_folders.h"
 
 namespace kv {
 
@@ -36,7 +37,8 @@ void readProgramSettings(ShopFacts& facts, const Settings& settings) {
 // What follows from the settings of the shop alone.
 void deriveFacts(ShopFacts& facts) {
   const FieldRow& generale = facts.generale;
-  if (generale.flag("personaltags")) facts.custom = CaricaTagPersonali(facts.folders.shop, facts.applicationFolder);
+  if (areCustomTagsOn(generale.text("personaltags")))
+    facts.custom = CaricaTagPersonali(facts.folders.shop, facts.applicationFolder);
   facts.shopNumber = shopNumber(URLNegozio(generale));
   facts.factor = shopFactor(generale.text("sconto"));
   facts.redirectScript = MakeRedirect(generale);
@@ -55,7 +57,7 @@ ShopLanguages shopLanguages(const Session& session, const std::string& applicati
   ShopLanguages languages;
   languages.count = session.languageCount;
   languages.codes = session.languageNames;
-  languages.languagesFolder = joinPath(applicationFolder, "languages");
+  languages.languagesFolder = entryPath(applicationFolder, languagesFolder);
   languages.pageExtension = pageExtension;
   languages.flags = readFlagSizes(languages);
   return languages;

@@ -24,8 +24,11 @@ constexpr std::string_view opening =
     "]>\r\n"
     "<shopmenu>\r\n";
 
+// A "|" in a title or a name is a double quote wherever the shop shows it.
+std::string menuQuoted(std::string_view text) { return replaceAll(text, "|", "\""); }
+
 std::string xmlText(std::string_view text) {
-  return replaceAll(replaceAll(replaceAll(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
+  return replaceAll(replaceAll(replaceAll(menuQuoted(text), "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
 void addLine(std::string& out, std::size_t indent, std::string_view text) {
@@ -40,7 +43,8 @@ std::size_t indentOf(const MenuDepartment& department) {
 void openItem(std::string& out, const MenuDepartment& department, std::string_view lingua) {
   const std::size_t indent = indentOf(department);
   addLine(out, indent, "<menuitem>");
-  if (!department.immagine1.empty()) addLine(out, indent + 2, "<image>" + department.immagine1 + "</image>");
+  if (!department.immagine1.empty())
+    addLine(out, indent + 2, "<image>" + menuQuoted(department.immagine1) + "</image>");
   addLine(out, indent + 2, "<title>" + xmlText(department.titolo) + "</title>");
   addLine(out, indent + 2, "<link>" + xmlText(PageFile(department.pagina, 1, lingua)) + "</link>");
 }

@@ -33,7 +33,7 @@ std::string indentation(const MenuDepartment& department) {
 
 // The wrapper of a department with nothing beneath; an entry without text stays away as a whole.
 std::string leafText(const MenuTemplates& templates, const std::string& entry) {
-  return entry.empty() ? std::string() : replaceAll(templates.nochildren, "%rep", entry);
+  return entry.empty() ? std::string() : replaceAll(quoted(templates.nochildren), "%rep", entry);
 }
 
 std::string dropDown(const std::string& options) {
@@ -161,7 +161,7 @@ std::string DepartmentNavigation::wrappedEntry(std::size_t index, const std::str
   const std::string entry = entryText(index, current);
   if (entry.empty()) return {};
   if (beneath.empty()) return leafText(look_.templates, entry);
-  return replaceAll(replaceAll(look_.templates.children, "%rep", entry), "%subrep", beneath);
+  return replaceAll(replaceAll(quoted(look_.templates.children), "%rep", entry), "%subrep", beneath);
 }
 
 // What isn't open has no text, and takes with it what is beneath: only departments open up to the top are shown.

@@ -64,12 +64,12 @@ Result<> BuildOutput::tryPage(const PageJob& job, const PageSources& sources) {
 Result<> BuildOutput::writeChanged(const std::string& path, std::string_view text) {
   const std::string bytes = toWindows1252(text);
   const auto present = readBytes(path);
-  if ((present ? *present : std::string()) == bytes) return {};
-  return writeBytes(path, bytes);
+  if (!isLink(path) && (present ? *present : std::string()) == bytes) return {};
+  return writeBytes(path, bytes, AtLink::Replace);
 }
 
 Result<> BuildOutput::copy(const std::string& from, const std::string& to) {
-  if (auto copied = copyFile(from, to); !copied) return copied;
+  if (auto copied = copyFile(from, to, AtLink::Replace); !copied) return copied;
   files_.add(to);
   return {};
 }

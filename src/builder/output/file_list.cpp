@@ -11,6 +11,6 @@ void FileList::add(std::string_view path) {
 
 void FileList::close() { text_.append("#\r\n"); }
 
-Result<> FileList::write(const std::string& path) const { return writeText(path, text_); }
+Result<> FileList::write(const std::string& path) const { return writeBytes(path, text_, AtLink::Replace); }
 
 }  // namespace kv

@@ -19,7 +19,8 @@ class FileList {
   void close();
   /// The number of paths entered.
   std::size_t size() const { return count_; }
-  /// Replaces the file at `path` with what was entered so far. Failures as writeText.
+  /// Replaces the file at `path` with what was entered so far: paths are the bytes that the file system knows them by,
+  /// so that whatever can be built can be found again. Failures as writeBytes.
   Result<> write(const std::string& path) const;
 
  private:

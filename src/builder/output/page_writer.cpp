@@ -66,12 +66,12 @@ Result<> PageWriter::finish(const PageJob& job, std::string text) {
     return {};
   }
   std::string bytes = toWindows1252(text);
-  if (smartbuild_ && isUnchanged(output, bytes)) {
+  if (smartbuild_ && !isLink(output) && isUnchanged(output, bytes)) {
     ++counts_.unchanged;
     return {};
   }
   bytes += "\r\n";
-  if (auto written = writeBytes(output, bytes); !written) return written;
+  if (auto written = writeBytes(output, bytes, AtLink::Replace); !written) return written;
   ++counts_.written;
   return {};
 }

@@ -18,9 +18,10 @@ constexpr int mostColumns = 6;
 constexpr std::string_view listPlaceholder = "<<1-elenco>>";
 constexpr std::string_view fallbackModel = "modello1.htm";
 
-std::string modelFile(const Department& department) {
-  const std::string file = department.model + ".htm";
-  return matchesLike(file, "modello*.htm") ? file : std::string(fallbackModel);
+std::string modelPath(const std::string& pool, const Department& department) {
+  std::string file = department.model + ".htm";
+  if (!matchesLike(file, "modello*.htm")) file = fallbackModel;
+  return entryPath(pool, file);
 }
 
 int gridColumns(const FieldRow& generale, const Department& department) {
@@ -44,7 +45,7 @@ Result<DepartmentPages> readDepartment(const PageFacts& facts, const Department&
                                        const BuildProgress& progress) {
   const LanguageFacts& language = facts.language;
   DepartmentPages pages{department,
-                        joinPath(language.source.pools.templatePool, modelFile(department)),
+                        modelPath(language.source.pools.templatePool, department),
                         gridColumns(language.generale, department),
                         defaultPageSize,
                         {},

@@ -62,8 +62,10 @@ void writeShopMenu(const ShopFacts& shop, const LanguageFacts& language, BuildOu
   if (!shop.hasMenuXml) return;
   const std::string& lingua = language.source.lingua;
   const std::string path = shop.folders.onlineFile(FileLingua("shopmenu.xml", lingua));
-  ignore(output.writeChanged(path, CatEsploraXML(language.navigation.departments(), lingua)),
-         "no page of the shop reads it");
+  // No page of the shop reads it, so the build goes on.
+  if (!output.writeChanged(path, CatEsploraXML(language.navigation.departments(), lingua))) {
+    output.warn("Impossibile scrivere il file '" + path + "'");
+  }
   output.list(path);
 }
 

@@ -12,7 +12,8 @@ std::string closingLines(const std::string& onlineFolder) {
 }
 
 std::string buildFailureText(const Error& error, const std::string& onlineFolder) {
-  if (error.number == outOfTextSpace) {
+  // Engine and system have a 14 of their own, of another meaning.
+  if (error.number == outOfTextSpace && error.kind == ErrorKind::Full) {
     return "Una o più pagine dei reparti contengono troppi articoli:\n"
            "impostare un valore più basso (e diverso da zero) nel campo\n"
            "\"Max articoli/pagina\" nella scheda \"Reparti\"\n\n" +
@@ -24,6 +25,11 @@ std::string buildFailureText(const Error& error, const std::string& onlineFolder
          "E' possibile che il template utilizzato contenga errori di progettazione: provare ad utilizzare un altro "
          "template.\n\n" +
          closingLines(onlineFolder);
+}
+
+std::string noLanguageText() {
+  return "Il negozio non ha una prima lingua:\n"
+         "per costruirlo è necessario sceglierla (menu \"File/Configura lingue\")";
 }
 
 std::string missingModulesText(const std::vector<std::string>& codes) {

@@ -15,6 +15,9 @@ std::string closingLines(const std::string& onlineFolder);
 /// out of text space has a text of its own, which names the setting to change.
 std::string buildFailureText(const Error& error, const std::string& onlineFolder);
 
+/// The message of a shop without a first language, for which no page can be made.
+std::string noLanguageText();
+
 /// The message of language modules that the program doesn't have, by their codes.
 std::string missingModulesText(const std::vector<std::string>& codes);
 

@@ -96,6 +96,11 @@ Result<> copyOptionCodes(Database& catalogue, const ArticleSurvey& survey, Build
 }  // namespace
 
 Result<ShopFacts> prepareBuild(Session& session, Environment& env, BuildOutput& output) {
+  if (session.languageCount == 0) {
+    const std::string message = noLanguageText();
+    env.user.message(message, Icon::Exclamation);
+    return fail(ErrorKind::Told, "lingue", message);
+  }
   const std::string token = newToken(env.random);
   sweepFolders(output.folders());
   writeMarker(output.folders(), token, session.languageCount);

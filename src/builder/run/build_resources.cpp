@@ -83,7 +83,10 @@ Result<> copyPictures(const SiteFolders& folders, BuildOutput& output, const Bui
   const std::string work = folders.shopFile("work");
   for (const std::string& name : listFiles(work, "*.*")) {
     if (auto go = progress.checkCancel(); !go) return go;
-    if (auto copied = output.copy(joinPath(work, name), folders.onlineFile(name)); !copied) return copied;
+    // A link is a way to publish whatever the merchant can read; the folder itself may be one.
+    const std::string picture = joinPath(work, name);
+    if (leadsOutOf(picture, work) && leadsOutOf(picture, folders.shop)) continue;
+    if (auto copied = output.copy(picture, folders.onlineFile(name)); !copied) return copied;
   }
   return {};
 }

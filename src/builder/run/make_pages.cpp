@@ -1,9 +1,12 @@
 #include "builder/run/make_pages.h"
 
+#include <new>
 #include <optional>
+#include <stdexcept>
 
 #include "builder/run/build_messages.h"
 #include "builder/run/build_phases.h"
+#include "builder/values/build_failure.h"
 
 namespace kv {
 
@@ -21,6 +24,18 @@ Result<> runPhases(Session& session, Environment& env, const BuildParts& parts, 
     if (auto made = makeLanguage(inputs, shipping, output, progress); !made) return made;
   }
   return finishBuild(*shop, output, progress);
+}
+
+/// The phases, with memory that runs out as a failure: the pages of a department are held as a whole.
+Result<> runWithinMemory(Session& session, Environment& env, const BuildParts& parts, BuildOutput& output,
+                         BuildProgress& progress) {
+  try {
+    return runPhases(session, env, parts, output, progress);
+  } catch (const std::bad_alloc&) {
+    return fail(ErrorKind::Full, "MakePages", "out of memory", outOfTextSpace);
+  } catch (const std::length_error&) {
+    return fail(ErrorKind::Full, "MakePages", "text too long", outOfTextSpace);
+  }
 }
 
 BuildOutcome endOf(const Result<>& run, BuildOutput& output, UserPort& user) {
@@ -44,7 +59,7 @@ BuildOutcome endOf(const Result<>& run, BuildOutput& output, UserPort& user) {
 BuildOutcome MakePages(Session& session, Environment& env, const BuildParts& parts, BuildCounts* counts) {
   BuildOutput output(env.user, siteFolders(session), session.smartBuild);
   BuildProgress progress(env.user);
-  const BuildOutcome outcome = endOf(runPhases(session, env, parts, output, progress), output, env.user);
+  const BuildOutcome outcome = endOf(runWithinMemory(session, env, parts, output, progress), output, env.user);
   if (counts != nullptr) {
     const PageCounts& pages = output.pageCounts();
     *counts = {progress.departments(), progress.articles(), session.languageCount,

@@ -6,7 +6,8 @@
 
 namespace kv {
 
-/// A page needs more text than there is memory for: the message advises fewer articles per page.
+/// A page needs more text than there is memory for: the message advises fewer articles per page. Of kind Full, which
+/// tells it from the 14 of other levels.
 inline constexpr int outOfTextSpace = 14;
 
 }  // namespace kv

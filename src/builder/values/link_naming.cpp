@@ -35,10 +35,10 @@ std::string NoASPQuery(std::string_view file) {
 }
 
 std::string publicAddress(std::string_view url, std::string_view folder) {
-  std::string address;
   url = trim(url);
-  if (url.find("://") == std::string_view::npos) address = "http://";
-  address.append(withoutClosingSlash(url));
+  std::string address = url.find("://") == std::string_view::npos ? "http://" : "";
+  address.append(url);
+  if (address.ends_with('/')) address.pop_back();
   folder = withoutClosingSlash(trim(folder));
   if (!folder.empty() && folder.front() == '/') folder.remove_prefix(1);
   if (!folder.empty()) address.append("/").append(folder);

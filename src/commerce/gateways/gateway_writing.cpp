@@ -13,6 +13,11 @@
 namespace kv {
 namespace {
 
+/// Writes a text so that its owner alone can read it.
+Result<> writeAccountFile(const std::string& path, std::string_view text) {
+  return writePrivateBytes(path, toWindows1252(text));
+}
+
 /// Adds a file that a template is made into; false when the template can't be read.
 bool addFilled(std::vector<FilledFile>& files, const std::string& from, const std::string& to,
                std::span<const Placeholder> values) {
@@ -31,7 +36,7 @@ using FormerTexts = std::vector<std::optional<std::string>>;
 void restoreFiles(const std::vector<FilledFile>& files, const FormerTexts& former, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     if (former[i]) {
-      ignore(writePrivateText(files[i].path, *former[i]), "the first failure is the one to tell");
+      ignore(writeAccountFile(files[i].path, *former[i]), "the first failure is the one to tell");
     } else {
       ignore(deleteFile(files[i].path), "the first failure is the one to tell");
     }
@@ -53,7 +58,7 @@ Result<FormerTexts> readFormer(const std::vector<FilledFile>& files) {
 /// All of the files or none.
 Result<> writeFiles(const std::vector<FilledFile>& files, const FormerTexts& former) {
   for (std::size_t i = 0; i < files.size(); ++i) {
-    if (auto written = writePrivateText(files[i].path, files[i].text); !written) {
+    if (auto written = writeAccountFile(files[i].path, files[i].text); !written) {
       restoreFiles(files, former, i);
       return written;
     }

@@ -112,10 +112,11 @@ Replacement::~Replacement() {
   if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
-Result<Replacement> Replacement::begin(const std::string& path, mode_t mode) {
-  const std::string target = behindLinks(path);
+Result<Replacement> Replacement::begin(const std::string& path, mode_t mode, AtLink links) {
+  const std::string target = links == AtLink::Follow ? behindLinks(path) : path;
   struct stat old {};
-  const bool replaces = ::stat(target.c_str(), &old) == 0;
+  // A link that is replaced itself has no permissions to keep.
+  const bool replaces = ::lstat(target.c_str(), &old) == 0 && !S_ISLNK(old.st_mode);
   if (replaces && S_ISDIR(old.st_mode)) return systemFailure(EISDIR, path);
   if (replaces && !mayWrite(target, old)) return systemFailure(EACCES, path);
   if (auto writable = requireWritableFolderOf(target); !writable) return fail(writable.error());

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/files/file_gate.h"
+#include "platform/files/files.h"
 #include "platform/ports/result.h"
 
 namespace kv {
@@ -55,13 +56,13 @@ bool isUnfinishedName(std::string_view name);
 
 /// The new content of a file, written beside it under a temporary name and renamed over it by commit(). Without a
 /// commit() the destructor removes it and the old file stays.
-/// Readers see the old content or the new one, never a part. For a link, the file it leads to is replaced.
+/// Readers see the old content or the new one, never a part. For a link, `links` says what is replaced.
 class Replacement {
  public:
   /// Opens the temporary file. ReadOnly when the old file may not be written, Missing when the folder isn't there. A
   /// new file gets the permission bits `mode`, reduced by the process's mask; an old one keeps its own.
   /// A folder in the way of the file is a failure too.
-  static Result<Replacement> begin(const std::string& path, mode_t mode);
+  static Result<Replacement> begin(const std::string& path, mode_t mode, AtLink links);
   Replacement(Replacement&& other) noexcept;
   Replacement& operator=(Replacement&&) = delete;
   ~Replacement();

@@ -84,8 +84,8 @@ Result<std::string> readStart(const std::string& path, std::size_t limit) {
   return bytes;
 }
 
-Result<> writeBytes(const std::string& path, std::string_view bytes) {
-  auto replacement = Replacement::begin(path, newFileMode);
+Result<> writeBytes(const std::string& path, std::string_view bytes, AtLink links) {
+  auto replacement = Replacement::begin(path, newFileMode, links);
   if (!replacement) return fail(replacement.error());
   if (auto written = replacement->write(bytes); !written) return written;
   return replacement->commit();
@@ -113,6 +113,20 @@ std::string absolutePath(const std::string& path) {
 
 bool fileExists(const std::string& path) { return hasKind(path, S_IFREG); }
 bool folderExists(const std::string& path) { return hasKind(path, S_IFDIR); }
+
+bool isLink(const std::string& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+bool leadsOutOf(const std::string& path, const std::string& folder) {
+  if (!isLink(path)) return false;
+  std::error_code error;
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  if (error) return true;
+  const std::string inside = std::filesystem::canonical(folder, error).string() + "/";
+  return error || !target.string().starts_with(inside);
+}
 
 Result<FileStamp> fileStamp(const std::string& path) {
   constexpr std::int64_t nanoseconds = 1'000'000'000;
@@ -168,14 +182,15 @@ Result<> renameFile(const std::string& from, const std::string& to) {
   return {};
 }
 
-Result<> copyFile(const std::string& from, const std::string& to) {
+Result<> copyFile(const std::string& from, const std::string& to, AtLink links) {
   auto source = openToRead(from);
   if (!source) return fail(source.error());
   struct stat target {};
-  const bool isSame = ::stat(to.c_str(), &target) == 0 && target.st_dev == source->status.st_dev &&
+  const auto look = links == AtLink::Follow ? ::stat : ::lstat;
+  const bool isSame = look(to.c_str(), &target) == 0 && target.st_dev == source->status.st_dev &&
                       target.st_ino == source->status.st_ino;
   if (isSame) return {};
-  auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR);
+  auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR, links);
   if (!replacement) return fail(replacement.error());
   std::string buffer(copyPiece, '\0');
   for (;;) {

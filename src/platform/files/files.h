@@ -2,7 +2,8 @@
 // Files and folders of the machine. Paths are UTF-8 with "/"; names match without regard to case, listings are
 // sorted by lower-cased name. What is written replaces the old file in one step, so that a full disk or a kill
 // leaves the old file whole. Root is held to the owner's permission bits like any other user, so that what a merchant
-// protects stays protected. Symbolic links to files and folders are followed.
+// protects stays protected. Symbolic links to files and folders are followed
+// where nothing else is said.
 
 #include <cstdint>
 #include <optional>
@@ -18,11 +19,17 @@ namespace kv {
 Result<std::string> readBytes(const std::string& path);
 /// The first bytes of a file, at most `limit` of them. Failures as readBytes.
 Result<std::string> readStart(const std::string& path, std::size_t limit);
+/// What becomes of a symbolic link that is in the way of a file to be written.
+enum class AtLink {
+  Follow,  ///< the file that it leads to is written
+  Replace  ///< the link itself is replaced, and what it leads to stays as it is
+};
+
 /// Replaces a file by writing a temporary one beside it and renaming that. Full on a full disk, ReadOnly when it may
 /// not be written, Missing when its folder isn't there. The old file's permission bits are kept. The bytes are handed
 /// to the system before the rename and not flushed to the disk: a kill of the process at any moment leaves the old or
 /// the new file, a build's thousands of pages cost no flush each.
-Result<> writeBytes(const std::string& path, std::string_view bytes);
+Result<> writeBytes(const std::string& path, std::string_view bytes, AtLink links = AtLink::Follow);
 
 /// A Windows-1252 file as UTF-8, every character and line end kept. Failures as readBytes.
 Result<std::string> readText(const std::string& path);
@@ -36,6 +43,11 @@ std::string absolutePath(const std::string& path);
 bool fileExists(const std::string& path);
 /// Whether there is a folder of exactly this name.
 bool folderExists(const std::string& path);
+/// Whether there is a symbolic link of exactly this name, whatever it leads to.
+bool isLink(const std::string& path);
+/// Whether a symbolic link leads to a file that isn't below `folder`, which may be a link itself. False for anything
+/// that is no link.
+bool leadsOutOf(const std::string& path, const std::string& folder);
 
 /// By what two states of a file are told apart without reading it.
 struct FileStamp {
@@ -49,6 +61,9 @@ Result<FileStamp> fileStamp(const std::string& path);
 /// The entry of `folder` whose name equals `name` when case is ignored, as a full path; an exact match wins.
 /// Empty when there is none.
 std::optional<std::string> findEntry(const std::string& folder, std::string_view name);
+
+/// findEntry, or "folder/name" where there is no such entry yet.
+std::string entryPath(const std::string& folder, std::string_view name);
 
 /// Names (not paths) of the files of a folder that match a pattern: "*" any text, "?" any character, "*.*"
 /// every file. Case is ignored; sorted by lower-cased name. Empty when the folder is missing. The temporary files of
@@ -70,7 +85,7 @@ Result<> removeFolder(const std::string& path);
 Result<> renameFile(const std::string& from, const std::string& to);
 /// Copies one file over `to`, in one step like writeBytes; the copy can be written by the owner and keeps the
 /// modification time, so that a publish doesn't take it for a new picture.
-Result<> copyFile(const std::string& from, const std::string& to);
+Result<> copyFile(const std::string& from, const std::string& to, AtLink links = AtLink::Follow);
 /// Copies a tree: lists it first, then creates each folder under `to`, then copies each file over the one there.
 /// A file or folder in `to` whose name differs in case alone is the one copied over. When `to` lies inside `from` it
 /// is left out of the list. Missing when `from` isn't there.

@@ -180,6 +180,10 @@ std::optional<std::string> findEntry(const std::string& folder, std::string_view
   return std::nullopt;
 }
 
+std::string entryPath(const std::string& folder, std::string_view name) {
+  return findEntry(folder, name).value_or(joinPath(folder, name));
+}
+
 std::vector<std::string> listFiles(const std::string& folder, std::string_view pattern) {
   std::vector<std::string> names;
   auto entries = entriesOf(folder);

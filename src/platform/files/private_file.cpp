@@ -5,25 +5,31 @@
 #include <cerrno>
 
 #include "platform/files/file_access.h"
-#include "platform/text/text.h"
+#include "platform/files/files.h"
 
 namespace kv {
 namespace {
 
-constexpr mode_t ownerOnly = 0600;
+constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+constexpr mode_t groupAndOthers = S_IRWXG | S_IRWXO;
 
 }  // namespace
 
-Result<> writePrivateText(const std::string& path, std::string_view text) {
-  // The replacement takes over the bits of the old file, so these are narrowed first.
-  struct stat old {};
-  if (::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode) && (old.st_mode & 0077U) != 0 &&
-      ::chmod(path.c_str(), old.st_mode & 0700U) != 0) {
-    return systemFailure(errno, path);
-  }
-  auto replacement = Replacement::begin(path, ownerOnly);
+Result<> restrictToOwner(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return systemFailure(errno, path);
+  if ((status.st_mode & groupAndOthers) == 0) return {};
+  if (::chmod(path.c_str(), status.st_mode & S_IRWXU) == 0) return {};
+  if (errno == ENOTSUP || errno == ENOSYS) return {};
+  return systemFailure(errno == EPERM ? EACCES : errno, path);
+}
+
+Result<> writePrivateBytes(const std::string& path, std::string_view bytes) {
+  // The replacement of an old file takes over its permissions.
+  if (auto closed = restrictToOwner(path); !closed && closed.error().kind != ErrorKind::Missing) return closed;
+  auto replacement = Replacement::begin(path, ownerOnly, AtLink::Follow);
   if (!replacement) return fail(replacement.error());
-  if (auto written = replacement->write(toWindows1252(text)); !written) return written;
+  if (auto written = replacement->write(bytes); !written) return written;
   return replacement->commit();
 }
 

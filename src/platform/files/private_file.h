@@ -1,5 +1,5 @@
 #pragma once
-// Files that hold account data: readable and writable by their owner alone.
+// Files that hold passwords: nobody but their owner may read them, not even for the moment in which they are written.
 
 #include <string>
 #include <string_view>
@@ -8,8 +8,12 @@
 
 namespace kv {
 
-/// Replaces a file by the Windows-1252 bytes of UTF-8 text, in one step, and gives it the permission bits 0600 whatever
-/// the old file had; at no moment are the new bytes readable by other users. Failures as writeBytes.
-Result<> writePrivateText(const std::string& path, std::string_view text);
+/// Takes every permission from group and others; the owner's own stay. Missing when the file isn't there, ReadOnly when
+/// it is another user's. A file system without permissions is no failure.
+Result<> restrictToOwner(const std::string& path);
+
+/// Replaces a file as writeBytes does; the new one is restricted to its owner before the first byte is in it.
+/// Failures as writeBytes, and the old file stays.
+Result<> writePrivateBytes(const std::string& path, std::string_view bytes);
 
 }  // namespace kv

@@ -67,7 +67,7 @@ void tellMade(const Session& session, const BuildCounts& counts, std::ostream& o
 
 std::string missingLanguages(const Session& session, const std::string& applicationFolder) {
   std::string missing;
-  const std::string folder = joinPath(applicationFolder, "languages");
+  const std::string folder = entryPath(applicationFolder, "languages");
   for (int i = 0; i < session.languageCount; ++i) {
     const std::string& code = session.languageNames[static_cast<std::size_t>(i)];
     if (!findEntry(folder, code + ".lng")) missing += "\n" + code;

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "store/shop/shop_folders.h"
 
@@ -63,7 +64,7 @@ bool applyField(Session& session, UserPort& user, const Place& place, const Fold
   }
   const std::string path = withoutTrailingSeparator(absolutePath(typed));
   if (auto kept = keep(session, place, field.source, path); !kept) {
-    user.message(kept.error().what, Icon::Critical);
+    user.message(failureText(kept.error()), Icon::Critical);
     return false;
   }
   session.*place.field = path;

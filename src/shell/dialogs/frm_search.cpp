@@ -1,5 +1,6 @@
 #include "shell/dialogs/frm_search.h"
 
+#include "platform/ports/failure_text.h"
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QButtonGroup>
@@ -162,7 +163,7 @@ void frmSearch::search() {
     return findArticles(session_, field.column, fromQt(txtTesto_->text()), chkParole_->isChecked());
   }();
   if (!hits) {
-    env_.user.message(hits.error().what, Icon::Critical);
+    env_.user.message(failureText(hits.error()), Icon::Critical);
     return;
   }
   showHits(std::move(*hits));

@@ -8,6 +8,7 @@
 #include <QTranslator>
 
 #include <map>
+#include <memory>
 
 #include "commerce/gateways/payment_modules.h"
 #include "platform/files/settings.h"
@@ -15,6 +16,8 @@
 #include "platform/qt/frm_dialog.h"
 #include "platform/qt/frm_user.h"
 #include "shell/dialogs/frm_about.h"
+#include "shell/dialogs/frm_backup.h"
+#include "shell/dialogs/frm_rescue.h"
 #include "shell/program/frm_dialogs.h"
 #include "shell/program/frm_session_end.h"
 #include "shell/program/installed_data.h"
@@ -58,6 +61,21 @@ class MissingWords final : public QTranslator {
   }
 };
 
+RescuePorts rescuePorts(Environment& env) {
+  RescuePorts ports;
+  ports.ask = [](const std::string& shopFolder) {
+    frmRescue dialog(shopFolder, !backupCopies(shopFolder).empty(), QApplication::activeWindow());
+    dialog.exec();
+    return dialog.choice();
+  };
+  ports.chooseCopy = [&env](const std::string& shopFolder) {
+    frmBackup dialog(shopFolder, env, QApplication::activeWindow());
+    dialog.exec();
+    return dialog.tag();
+  };
+  return ports;
+}
+
 /// What shows once, over the window that has just been painted.
 void greet(frmMain& window, Settings& settings) {
   frmAbout::showSplash(&window);
@@ -71,9 +89,15 @@ void wireSession(frmMain& window, Session& session, Environment& env) {
   env.hooks.CompletaGateway = [&env](const std::string& folder) { CompletaGateway(folder, env.applicationFolder); };
   env.hooks.bind = [&workbench](Session&) { workbench.bindSession(); };
   env.hooks.release = [&workbench](Session&) { workbench.releaseSession(); };
-  env.hooks.reload = [&](const LoadOptions& options) {
+  // What the choice runs loads a shop again, and asks again by itself.
+  env.hooks.reload = [&, isRescuing = std::make_shared<bool>(false)](const LoadOptions& options) {
     const WaitCursor busy;
     if (loadSession(session, env, options) == LoadResult::Opened) workbench.showShop();
+    if (!session.catalogue.isOpen() && window.isVisible() && !*isRescuing) {
+      *isRescuing = true;
+      if (!rescueShop(session, env, rescuePorts(env))) window.QWidget::close();
+      *isRescuing = false;
+    }
   };
   wireDialogs(window, session, env);
 }
@@ -114,7 +138,7 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   takeShop(absolutePath(arguments.shop), env);
   const LoadResult loaded = startSession(session, env);
   if (loaded == LoadResult::Opened) window.workbench().showShop();
-  if (!session.catalogue.isOpen()) return 1;
+  if (!rescueShop(session, env, rescuePorts(env))) return 1;
   window.restoreLayout();
   appearance.takeEarlyAnswer();
   window.whenShown([&] { greet(window, settings); });

@@ -245,7 +245,7 @@ void MainMenus::showTab(Tab tab) {
 
 void MainMenus::showLanguages() {
   const Session& session = workbench_.session();
-  const std::string folder = joinPath(workbench_.env().applicationFolder, "languages");
+  const std::string folder = entryPath(workbench_.env().applicationFolder, "languages");
   for (int language = 1; language <= maxLanguages; ++language) {
     const std::string& name = session.languageNames[static_cast<std::size_t>(language - 1)];
     const QString flag = toQt(joinPath(folder, name));

@@ -8,6 +8,7 @@
 
 #include "platform/files/files.h"
 #include "platform/numbers/number_format.h"
+#include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
@@ -96,7 +97,7 @@ bool isNewest(const std::string& shopFolder, const FileStamp& catalogue) {
 
 /// The name of the copy made; empty when the newest one is the same.
 Result<std::string> copyPresent(const std::string& shopFolder, Clock& clock) {
-  const std::string catalogue = joinPath(shopFolder, catalogueFile);
+  const std::string catalogue = entryPath(shopFolder, catalogueFile);
   const auto stamp = fileStamp(catalogue);
   if (!stamp) return fail(stamp.error());
   if (isNewest(shopFolder, *stamp)) return std::string();
@@ -122,7 +123,7 @@ void dropOldest(const std::string& shopFolder, std::string_view justMade) {
 /// A catalogue that is about to be replaced: undoes the unfinished change of a killed writer. If its journal
 /// stayed, the engine would apply it to the new file.
 Result<> recoverPresent(const std::string& shopFolder) {
-  const std::string path = joinPath(shopFolder, catalogueFile);
+  const std::string path = entryPath(shopFolder, catalogueFile);
   if (fileExists(path)) {
     const auto looked = ApriDatabase(path, false);
     if (!looked && (looked.error().kind == ErrorKind::InUse || looked.error().kind == ErrorKind::ReadOnly)) {
@@ -133,7 +134,7 @@ Result<> recoverPresent(const std::string& shopFolder) {
 }
 
 Result<> dropJournal(const std::string& shopFolder) {
-  const std::string journal = joinPath(shopFolder, std::string(catalogueFile) + "-journal");
+  const std::string journal = entryPath(shopFolder, catalogueFile) + "-journal";
   return fileExists(journal) ? deleteFile(journal) : Result<>{};
 }
 
@@ -160,7 +161,7 @@ std::vector<BackupCopy> backupCopies(const std::string& shopFolder) {
 }
 
 Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock) {
-  auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
+  auto catalogue = ApriDatabase(entryPath(shopFolder, catalogueFile), false);
   if (!catalogue) return fail(catalogue.error());
   // Open until the copy is made, so that no other program changes the file in the meantime.
   if (auto held = catalogue->begin(); !held) return fail(held.error());
@@ -189,7 +190,7 @@ Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock
   const std::string copy = joinPath(copiesFolder(shopFolder), chosen->name);
   if (auto looked = Database::open(copy, OpenMode::ReadOnly); !looked) return fail(looked.error());
   if (auto recovered = recoverPresent(shopFolder); !recovered) return recovered;
-  const std::string catalogue = joinPath(shopFolder, catalogueFile);
+  const std::string catalogue = entryPath(shopFolder, catalogueFile);
   std::string present;
   if (fileExists(catalogue)) {
     auto made = copyPresent(shopFolder, clock);
@@ -206,7 +207,7 @@ bool RipristinaCopia(Session& session, Environment& env, const std::string& name
   const std::string shopFolder = session.ShopFolder;
   releaseCatalogue(session, env);
   const auto restored = restoreCopy(shopFolder, name, env.clock);
-  if (!restored) env.user.message(notRestored + restored.error().what, Icon::Critical);
+  if (!restored) env.user.message(notRestored + failureText(restored.error()), Icon::Critical);
   ignore(RiavviaSessione(session, env), "it has told the user of any failure");
   return restored.has_value();
 }

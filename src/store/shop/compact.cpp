@@ -11,7 +11,7 @@ constexpr int sessionsBetween = 9;  // the close that reads this number compacts
 
 struct CompactionFiles {
   explicit CompactionFiles(const std::string& shopFolder)
-      : catalogue(joinPath(shopFolder, catalogueFile)),
+      : catalogue(entryPath(shopFolder, catalogueFile)),
         previous(joinPath(shopFolder, "catalog.tmp")),
         compacted(joinPath(shopFolder, "catalog.tm0")) {}
   std::string catalogue;
@@ -43,7 +43,7 @@ Result<> compactCatalogue(const std::string& shopFolder, const Rename& rename) {
 }
 
 void CompattaCatalogo(const std::string& shopFolder, Environment& env) {
-  if (shopFolder.empty() || !fileExists(joinPath(shopFolder, catalogueFile))) return;
+  if (shopFolder.empty() || !fileExists(entryPath(shopFolder, catalogueFile))) return;
   if (!isTurn(env.settings)) return;
   env.user.progress({"Compattazione del database...", 0, 1});
   ignore(compactCatalogue(shopFolder, renameFile), "the catalogue stays as it was, and a later close tries again");

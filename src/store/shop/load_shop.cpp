@@ -39,7 +39,7 @@ bool isIncompatible(const std::string& path) {
 
 void completeShop(const Session& session, const Environment& env) {
   if (env.hooks.CompletaGateway) env.hooks.CompletaGateway(session.ShopFolder);
-  if (isIncompatible(joinPath(session.ShopFolder, catalogueFile))) return;
+  if (isIncompatible(entryPath(session.ShopFolder, catalogueFile))) return;
   if (env.hooks.CopiaCatalogo) env.hooks.CopiaCatalogo(session.ShopFolder);
   if (env.hooks.AggiornaNegozio) env.hooks.AggiornaNegozio(session.ShopFolder);
   renumberShop(session.ShopFolder);
@@ -96,7 +96,7 @@ Result<> resolveTemplate(Session& session, Environment& env, const LoadOptions& 
   session.templatePath.clear();
   session.models.clear();
   if (!name->empty()) {
-    session.templatePath = joinPath(templateFolder, *name);
+    session.templatePath = installedTemplate(env.applicationFolder, *name);
     session.models = templateModels(env.applicationFolder, *name);
     if (!session.models.empty()) return {};
   }
@@ -113,12 +113,13 @@ Result<> resolveTemplate(Session& session, Environment& env, const LoadOptions& 
 }
 
 Result<LoadResult> fillSession(Session& session, Environment& env, const LoadOptions& options) {
-  auto catalogue = ApriDatabase(joinPath(session.ShopFolder, catalogueFile), true);
+  auto catalogue = ApriDatabase(entryPath(session.ShopFolder, catalogueFile), true);
   if (!catalogue) return fail(catalogue.error());
   session.catalogue = std::move(*catalogue);
   const auto version = catalogueVersion(session.catalogue);
   if (!version) return fail(version.error());
   if (*version < firstVersion) return offerAnotherShop(session, env);
+  if (auto whole = requireTables(session.catalogue); !whole) return fail(whole.error());
   if (auto counted = countArticles(session); !counted) return fail(counted.error());
   if (env.hooks.bind) env.hooks.bind(session);
   session.bound = true;
@@ -168,7 +169,7 @@ LoadResult CaricaNegozio(Session& session, Environment& env, const LoadOptions& 
 }
 
 std::vector<std::string> templateModels(const std::string& applicationFolder, const std::string& name) {
-  return pageModels(joinPath(joinPath(applicationFolder, templateFolder), name));
+  return pageModels(joinPath(applicationFolder, installedTemplate(applicationFolder, name)));
 }
 
 Result<bool> chooseTemplate(Session& session, const Environment& env, const std::string& current) {
@@ -177,7 +178,7 @@ Result<bool> chooseTemplate(Session& session, const Environment& env, const std:
   const std::string name(firstCharacters(answer, templateNameWidth));
   if (name.empty()) return false;
   if (auto stored = storeSetting(session, "template", name); !stored) return fail(stored.error());
-  session.templatePath = joinPath(templateFolder, name);
+  session.templatePath = installedTemplate(env.applicationFolder, name);
   session.models = templateModels(env.applicationFolder, name);
   return true;
 }

@@ -85,7 +85,7 @@ Outcome tryFolder(Session& session, Environment& env, const std::string& path) {
 // Copies the model shop into the folder. After a failure the remains must not pass for a shop at the next try.
 bool layModelShop(const std::string& folder, const Environment& env) {
   if (CopiaAlbero(joinPath(env.applicationFolder, "new"), folder)) return true;
-  ignore(deleteFile(joinPath(folder, catalogueFile)), "the failure of the copy is the one to tell");
+  ignore(deleteFile(entryPath(folder, catalogueFile)), "the failure of the copy is the one to tell");
   return false;
 }
 
@@ -117,7 +117,7 @@ bool NuovoNegozio(Session& session, Environment& env) {
                      Icon::Exclamation);
     return false;
   }
-  if (fileExists(joinPath(folder, catalogueFile))) {
+  if (fileExists(entryPath(folder, catalogueFile))) {
     env.user.message("Nel percorso specificato è già presente un negozio", Icon::Exclamation);
     return false;
   }

@@ -56,7 +56,7 @@ Result<> renumberCatalogue(Database& catalogue) {
 }
 
 void renumberShop(const std::string& shopFolder) {
-  auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
+  auto catalogue = ApriDatabase(entryPath(shopFolder, catalogueFile), false);
   if (catalogue) ignore(renumberCatalogue(*catalogue), "the session reports it when it opens the catalogue");
 }
 

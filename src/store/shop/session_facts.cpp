@@ -34,7 +34,7 @@ Result<> readWorkingFolders(Session& session) {
 Result<> readTemplate(Session& session, const std::string& applicationFolder) {
   const auto name = readSetting(session, "template");
   if (!name) return fail(name.error());
-  session.templatePath = name->empty() ? std::string() : joinPath(templateFolder, *name);
+  session.templatePath = name->empty() ? std::string() : installedTemplate(applicationFolder, *name);
   session.models.clear();
   if (!name->empty()) session.models = templateModels(applicationFolder, *name);
   if (session.models.empty()) session.models = {fallbackModel};

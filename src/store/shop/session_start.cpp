@@ -57,7 +57,7 @@ LoadResult loadSession(Session& session, Environment& env, const LoadOptions& op
   if (!named.empty()) {
     session.ShopFolder = named;
     recoverCatalogue(named);
-    if (!fileExists(joinPath(named, catalogueFile))) {
+    if (!fileExists(entryPath(named, catalogueFile))) {
       const std::string text =
           "La cartella '" + named + "' non contiene un negozio valido.\nSi desidera aprire un altro negozio?";
       const Answer answer = env.user.question({text, Buttons::YesNo, Answer::Yes, Icon::Question});

@@ -38,13 +38,25 @@ Result<int> versionOf(const std::string& path, Database* own) {
 
 }  // namespace
 
+Result<> requireTables(Database& catalogue) {
+  for (const char* table : {"articoli", "categorie", "cliparticoli", "clipcategorie", "generale", "lingue", "opzioni",
+                            "pagamento", "paesi", "dettagliop"}) {
+    const auto rows = catalogue.scalar(std::string("SELECT 1 FROM ") + table + " LIMIT 1");
+    if (rows) continue;
+    const ErrorKind kind = rows.error().kind;
+    if (kind == ErrorKind::InUse || kind == ErrorKind::ReadOnly) return fail(rows.error());
+    return fail(ErrorKind::Corrupt, table, rows.error().what);
+  }
+  return {};
+}
+
 ShopCheck validateShop(const std::string& folder, Database* own) {
   recoverCatalogue(folder);
   for (std::string_view name : seeds) {
-    if (!fileExists(joinPath(folder, name))) return {false, ShopFault::NotAShop, notAShop};
+    if (!fileExists(entryPath(folder, name))) return {false, ShopFault::NotAShop, notAShop};
   }
   if (!makeWorkingFolders(folder)) return {false, ShopFault::FolderFailure, notAShop};
-  const auto version = versionOf(joinPath(folder, catalogueFile), own);
+  const auto version = versionOf(entryPath(folder, catalogueFile), own);
   if (!version) {
     const Error& error = version.error();
     return {false, ShopFault::DatabaseFailure,

@@ -30,6 +30,10 @@ constexpr int lastVersion = 1099;
 /// The first version that is not of the earlier product line.
 constexpr int firstOwnVersion = 299;
 
+/// Whether the catalogue has every table that the workbench binds and a build reads first; Corrupt, with the name of the
+/// first one that is missing.
+Result<> requireTables(Database& catalogue);
+
 /// Judges a folder. Makes `work`, `online`, `scripts` and `db` in it when they are missing. `own` is the handle of
 /// the running session, or null: the catalogue it holds is read through it, because its lock excludes any other.
 ShopCheck validateShop(const std::string& folder, Database* own = nullptr);

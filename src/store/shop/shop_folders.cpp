@@ -44,6 +44,12 @@ Result<int> catalogueVersion(Database& catalogue) {
   return static_cast<int>(statement->integer(0));
 }
 
+std::string installedTemplate(const std::string& applicationFolder, const std::string& name) {
+  const std::string folder = entryPath(applicationFolder, templateFolder);
+  const std::string package = entryPath(folder, name);
+  return joinPath(baseName(folder), baseName(package));
+}
+
 std::vector<std::string> pageModels(const std::string& packageFolder) {
   std::vector<std::string> models = listFiles(packageFolder, "modello*.htm");
   for (std::string& name : models) name.erase(name.rfind('.'));

@@ -41,6 +41,10 @@ Result<> SvuotaCartella(const std::string& path);
 /// The schema generation in `versione` of `generale`; null reads as 0. Corrupt when the table has no row.
 Result<int> catalogueVersion(Database& catalogue);
 
+/// Where an installed template is, below the application folder: "template/name", each in the letter case of the entry
+/// that is there.
+std::string installedTemplate(const std::string& applicationFolder, const std::string& name);
+
 /// The page models of a template package: the names of its files modello*.htm, less ".htm".
 std::vector<std::string> pageModels(const std::string& packageFolder);
 

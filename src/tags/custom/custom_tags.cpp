@@ -1,8 +1,15 @@
 #include "tags/custom/custom_tags.h"
 
 #include "platform/files/files.h"
+#include "platform/numbers/number_format.h"
+#include "platform/text/text.h"
 
 namespace kv {
+
+bool areCustomTagsOn(std::string_view setting) {
+  const std::string_view text = trim(setting);
+  return equalsIgnoringCase(text, "true") || equalsIgnoringCase(text, "vero") || toNumber(text).value_or(0) != 0;
+}
 
 const std::string* CustomTags::find(std::string_view name) const {
   const std::size_t section = index_.findName(name);

@@ -16,6 +16,9 @@ struct CustomTag {
   bool ofShop = false;  ///< from `shoptag.tag`; else from `personal.tag`
 };
 
+/// Whether the setting `personaltags`, a text, turns them on: a number other than 0, "true" or "vero", case ignored.
+bool areCustomTagsOn(std::string_view setting);
+
 /// The custom tags of a build, in the order of their files.
 class CustomTags {
  public:

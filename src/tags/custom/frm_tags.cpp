@@ -1,5 +1,6 @@
 #include "tags/custom/frm_tags.h"
 
+#include "platform/ports/failure_text.h"
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QGroupBox>
@@ -143,7 +144,7 @@ void frmTags::save() {
   editor_.setEnabled(chkAbilita_->isChecked());
   const auto saved = editor_.save(session_, env_.applicationFolder);
   if (!saved) {
-    env_.user.message(saved.error().what, Icon::Critical);
+    env_.user.message(failureText(saved.error()), Icon::Critical);
     return;
   }
   finish("OK");

@@ -19,9 +19,7 @@ std::string withCrLf(std::string_view text) {
 }
 
 /// The path of a file, its name found without regard to case.
-std::string placeOf(const std::string& folder, std::string_view name) {
-  return findEntry(folder, name).value_or(joinPath(folder, name));
-}
+std::string placeOf(const std::string& folder, std::string_view name) { return entryPath(folder, name); }
 
 /// Renames `stem`.tag to `stem`.bak, over the one of last time. True when there was such a file.
 Result<bool> setAside(const std::string& folder, const std::string& stem) {
@@ -59,7 +57,7 @@ TagEditor TagEditor::load(Session& session, const std::string& applicationFolder
   TagEditor editor;
   editor.tags_ = CaricaTagPersonali(session.ShopFolder, applicationFolder).entries();
   const auto stored = session.catalogue.scalar("SELECT personaltags FROM generale");
-  editor.enabled_ = stored && asFlag(*stored);
+  editor.enabled_ = stored && areCustomTagsOn(asText(*stored));
   return editor;
 }
 

@@ -1,5 +1,6 @@
 #include "tags/language/frm_lingue.h"
 
+#include "platform/ports/failure_text.h"
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -78,7 +79,7 @@ void frmLingue::codeChosen(int language) {
 void frmLingue::store() {
   const auto stored = storeLanguages(session_, choice_, hooks_);
   if (!stored) {
-    env_.user.message(stored.error().what, Icon::Critical);
+    env_.user.message(failureText(stored.error()), Icon::Critical);
     return;
   }
   finish("OK");

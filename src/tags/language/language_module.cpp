@@ -75,7 +75,7 @@ LanguageModule LanguageModule::parse(std::string_view text) {
 
 Result<LanguageModule> CaricaLngFile(const std::string& languagesFolder, std::string_view code) {
   const std::string name = std::string(code) + ".lng";
-  const std::string path = findEntry(languagesFolder, name).value_or(joinPath(languagesFolder, name));
+  const std::string path = entryPath(languagesFolder, name);
   auto text = readText(path);
   if (!text) return fail(text.error());
   if (text->find(pricelistTag) == std::string::npos) {

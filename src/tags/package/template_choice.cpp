@@ -20,8 +20,7 @@ std::string packageFile(const std::string& folder, const std::string& package, s
 }  // namespace
 
 TemplateChoice::TemplateChoice(const std::string& applicationFolder, std::string_view current)
-    : folder_(findEntry(applicationFolder, templateFolder).value_or(joinPath(applicationFolder, templateFolder))),
-      packages_(templatePackages(applicationFolder)) {
+    : folder_(entryPath(applicationFolder, templateFolder)), packages_(templatePackages(applicationFolder)) {
   type(current);
   if (selected_) return;
   const auto own = std::ranges::find_if(

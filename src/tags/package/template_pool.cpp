@@ -88,9 +88,7 @@ class NameList {
 };
 
 /// A subfolder, named without regard to case.
-std::string subfolder(const std::string& folder, std::string_view name) {
-  return findEntry(folder, name).value_or(joinPath(folder, name));
-}
+std::string subfolder(const std::string& folder, std::string_view name) { return entryPath(folder, name); }
 
 void fillTemplatePool(const PoolSources& sources, Pool& pool, NameList& list) {
   const std::string& package = sources.templateFolder;

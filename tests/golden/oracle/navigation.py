@@ -81,6 +81,7 @@ class Navigation:
             child_link, child_menu = self.walk(child, child["ID"], current, opened)
             below, menu = below + child_link, menu + child_menu
         wrappers = [(self.sections or {}).get(name, "") for name in ("children", "nochildren")]
+        wrappers = [wrapper.replace("|", '"') for wrapper in wrappers]
         if row is None or "" in wrappers:
             return link + below, menu
         if link and below:
@@ -161,11 +162,11 @@ class Navigation:
 
     def item(self, row, depth):
         indent, image = "    " * depth, row.text("immagine1")
-        return ([indent + "<menuitem>"] + (["%s  <image>%s</image>" % (indent, image)] if image else []) +
+        return ([indent + "<menuitem>"] + (["%s  <image>%s</image>" % (indent, image.replace("|", '"'))] if image else []) +
                 ["%s  <title>%s</title>" % (indent, xml_text(row.text("titolo"))),
                  "%s  <link>%s</link>" % (indent, xml_text(self.link(row)))] +
                 self.submenu(row["ID"], depth) + [indent + "</menuitem>"])
 
 
 def xml_text(text):
-    return text.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+    return text.replace("|", '"').replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
