@@ -1,6 +1,5 @@
 #include "shell/dialogs/frm_search.h"
 
-#include "platform/ports/failure_text.h"
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QButtonGroup>
@@ -18,6 +17,7 @@
 #include <QVBoxLayout>
 #include <QValidator>
 #include <utility>
+#include "platform/ports/failure_text.h"
 
 #include "platform/qt/frm_note.h"
 

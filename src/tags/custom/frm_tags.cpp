@@ -1,6 +1,5 @@
 #include "tags/custom/frm_tags.h"
 
-#include "platform/ports/failure_text.h"
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QGroupBox>
@@ -13,6 +12,7 @@
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include "platform/ports/failure_text.h"
 
 #include "platform/qt/frm_note.h"
 
