@@ -171,6 +171,10 @@ void takeShippingCosts(Stage& stage, const QString& name) {
   stage.during([&] { stage.choose("shipping"); },
                [&](QWidget& dialog) {
                  dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
+                 stage.take(name);
+               });
+}
+
 void takeLanguageCopy(Stage& stage, const QString& name) { takeEntry(stage, "languages.replicate", name); }
 void takeListCopy(Stage& stage, const QString& name) { takeEntry(stage, "prices.replicate", name); }
 void takeMail(Stage& stage, const QString& name) { takeEntry(stage, "orderMail", name); }
@@ -193,6 +197,8 @@ void takePrices(Stage& stage, const QString& name) {
 void takeVariants(Stage& stage, const QString& name) {
   goToArticle(stage);
   takeEntry(stage, "article.variant1", name);
+}
+
 void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "connection.settings", name); }
 /// What is sent, once the shop has been built.
 void takePublishing(Stage& stage, const QString& name) {
