@@ -3,10 +3,8 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
-#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
@@ -35,16 +33,6 @@ void takeRoot(Stage& stage, const QString& name) {
   stage.window().workbench().goToDepartment("###");
   stage.take(name);
   stage.window().workbench().goToDepartment(department);
-}
-
-/// To the department of the shop with the most articles, and to one of them.
-void goToArticle(Stage& stage) {
-  constexpr const char* fullest = "SELECT catID FROM articoli GROUP BY catID ORDER BY COUNT(*) DESC, catID";
-  const auto department = stage.session().catalogue.scalar(fullest);
-  stage.show(Tab::Articles);
-  stage.window().workbench().goToDepartment(department ? asText(*department) : std::string());
-  stage.window().workbench().goToArticleAt(0);
-  Stage::processEvents();
 }
 
 void takeArticles(Stage& stage, const QString& name) {
@@ -146,9 +134,6 @@ void takeLanguageMenu(Stage& stage, const QString& name) {
   menu.hide();
 }
 
-void takeEntry(Stage& stage, std::string_view command, const QString& name) {
-  stage.during([&] { stage.choose(command); }, [&](QWidget&) { stage.take(name); });
-}
 void takeTemplate(Stage& stage, const QString& name) { takeEntry(stage, "template", name); }
 void takeLanguages(Stage& stage, const QString& name) { takeEntry(stage, "languages", name); }
 void takeTags(Stage& stage, const QString& name) { takeEntry(stage, "customTags", name); }
@@ -157,72 +142,11 @@ void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, "shop.rest
 void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, "help.about", name); }
 void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, "shop.cleanFolders", name); }
 
-/// A dialog of the tab of the site.
-void takeSiteEntry(Stage& stage, std::string_view command, const QString& name) {
-  stage.show(Tab::Site);
-  takeEntry(stage, command, name);
-}
-void takePayment(Stage& stage, const QString& name) { takeSiteEntry(stage, "payment", name); }
-void takeShipping(Stage& stage, const QString& name) { takeSiteEntry(stage, "shipping", name); }
-
-/// The costs of the first zone.
-void takeShippingCosts(Stage& stage, const QString& name) {
-  stage.show(Tab::Site);
-  stage.during([&] { stage.choose("shipping"); },
-               [&](QWidget& dialog) {
-                 dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
-                 stage.take(name);
-               });
-}
-
-void takeLanguageCopy(Stage& stage, const QString& name) { takeEntry(stage, "languages.replicate", name); }
-void takeListCopy(Stage& stage, const QString& name) { takeEntry(stage, "prices.replicate", name); }
-void takeMail(Stage& stage, const QString& name) { takeEntry(stage, "orderMail", name); }
-void takeShowcase(Stage& stage, const QString& name) { takeEntry(stage, "showcase", name); }
-void takeRequired(Stage& stage, const QString& name) { takeEntry(stage, "requiredFields", name); }
-void takePrivacy(Stage& stage, const QString& name) { takeEntry(stage, "privacyPolicy", name); }
-void takeBuildSettings(Stage& stage, const QString& name) { takeEntry(stage, "build.settings", name); }
-
-void takePrices(Stage& stage, const QString& name) {
-  stage.during([&] { stage.choose("prices.change"); },
-               [&](QWidget& dialog) {
-                 for (const char* box : {"optEstensione1", "chkListino0", "chkListino3"}) {
-                   dialog.findChild<QAbstractButton*>(QLatin1String(box))->click();
-                 }
-                 dialog.findChild<QComboBox*>(QStringLiteral("cboVariazione"))->setEditText(QStringLiteral("+10"));
-                 stage.take(name);
-               });
-}
-
-void takeVariants(Stage& stage, const QString& name) {
-  goToArticle(stage);
-  takeEntry(stage, "article.variant1", name);
-}
-
-void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "connection.settings", name); }
-/// What is sent, once the shop has been built.
-void takePublishing(Stage& stage, const QString& name) {
-  const auto& options = stage.window().workbench().ports().dialogs.publishOptions;
-  stage.during([&] { static_cast<void>(options()); }, [&](QWidget&) { stage.take(name); });
-}
-
 void takeNewTag(Stage& stage, const QString& name) {
   stage.during([&] { stage.choose("customTags"); },
                [&](QWidget& dialog) {
                  dialog.findChild<QAbstractButton*>(QStringLiteral("cmdNuovo"))->click();
                  dialog.findChild<QLineEdit*>(QStringLiteral("txtNome"))->setFocus();
-                 stage.take(name);
-               });
-}
-
-/// The choice of a picture, on one of the shop's own.
-void takePicture(Stage& stage, const QString& name) {
-  goToArticle(stage);
-  stage.during([&] { stage.choose("article.picture0.set"); },
-               [&](QWidget& dialog) {
-                 dialog.findChild<QTabWidget*>(QStringLiteral("tabOrigine"))->setCurrentIndex(1);
-                 auto* pictures = dialog.findChild<QListWidget*>(QStringLiteral("lstNegozio"));
-                 pictures->setCurrentRow(pictures->count() / 2);
                  stage.take(name);
                });
 }
@@ -342,7 +266,7 @@ void takeNarrow(Stage& stage, const QString& name) {
 
 }  // namespace
 
-std::span<const Scene> sceneTable() {
+std::span<const Scene> windowScenes() {
   static constexpr std::array scenes{Scene{"reparti", takeDepartments},
                                      Scene{"reparti-radice", takeRoot},
                                      Scene{"reparti-lingua-2", takeSecondLanguage},
@@ -368,24 +292,11 @@ std::span<const Scene> sceneTable() {
                                      Scene{"lingue", takeLanguages},
                                      Scene{"tag", takeTags},
                                      Scene{"tag-nuovo", takeNewTag},
-                                     Scene{"prezzi", takePrices},
-                                     Scene{"replica-lingue", takeLanguageCopy},
-                                     Scene{"replica-listini", takeListCopy},
-                                     Scene{"email", takeMail},
-                                     Scene{"vetrina", takeShowcase},
-                                     Scene{"obbligatori", takeRequired},
-                                     Scene{"p3p", takePrivacy},
-                                     Scene{"costruzione", takeBuildSettings},
                                      Scene{"cartelle", takeFolders},
                                      Scene{"copie", takeCopies},
                                      Scene{"cerca", takeSearchStart},
                                      Scene{"cerca-trovati", takeSearchHits},
                                      Scene{"cerca-nessuno", takeSearchNone},
-                                     Scene{"immagine", takePicture},
-                                     Scene{"pagamenti", takePayment},
-                                     Scene{"spedizione", takeShipping},
-                                     Scene{"spedizione-spese", takeShippingCosts},
-                                     Scene{"varianti", takeVariants},
                                      Scene{"informazioni", takeAbout},
                                      Scene{"apertura", takeSplash},
                                      Scene{"avviso", takeReminder},
@@ -399,8 +310,6 @@ std::span<const Scene> sceneTable() {
                                      Scene{"guida-costruisci", takeGuideBuild},
                                      Scene{"costruzione", takeBuild},
                                      Scene{"costruito", takeBuilt},
-                                     Scene{"connessione", takeConnection},
-                                     Scene{"pubblicazione", takePublishing},
                                      Scene{"stretta", takeNarrow}};
   return scenes;
 }

@@ -12,7 +12,17 @@ struct Scene {
   void (*play)(Stage& stage, const QString& name);
 };
 
-/// In the order in which they are played over one shop; each leaves the windows as it found them.
+/// Those of the main window, its tabs and menus, and the dialogs of the shop as a whole.
+std::span<const Scene> windowScenes();
+/// Those of the dialogs of selling: prices, shipping, payment, variants, pictures, publishing.
+std::span<const Scene> tradeScenes();
+
+/// Goes to the department of the shop with the most articles, and to one of them.
+void goToArticle(Stage& stage);
+/// Takes the dialog that a command opens.
+void takeEntry(Stage& stage, std::string_view command, const QString& name);
+
+/// All of them, in the order in which they are played over one shop; each leaves the windows as it found them.
 std::span<const Scene> sceneTable();
 
 }  // namespace kv::scenes

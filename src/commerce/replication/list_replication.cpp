@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view noDestination = "E' necessario selezionare almeno un listino di destinazione";
 constexpr std::string_view what = "La replica del listino";
-constexpr int slots = 4;
+constexpr int replicatedSlots = 4;
 
 /// A column family of the articles that is copied: how its columns are called, and how a field becomes another one's.
 enum class Copy { Transformed, Unchanged, Flag };
@@ -34,7 +34,7 @@ std::vector<Family> familiesOf(const ListReplication& replication) {
     families.push_back({Copy::Flag, [](int listino) { return suffixedName("scq", listino); }});
   }
   if (replication.variants) {
-    for (auto* const column : {slotColumn<1>, slotColumn<2>, slotColumn<3>, slotColumn<slots>}) {
+    for (auto* const column : {slotColumn<1>, slotColumn<2>, slotColumn<3>, slotColumn<replicatedSlots>}) {
       families.push_back({Copy::Unchanged, column});
     }
   }

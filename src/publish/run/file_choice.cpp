@@ -24,7 +24,7 @@ int sendingRank(const std::string& name) {
 }  // namespace
 
 std::string CaricaListaFiles(const std::string& shopFolder) {
-  const auto text = readText(joinPath(shopFolder, "kvftp.dat"));
+  const auto text = readBytes(joinPath(shopFolder, "kvftp.dat"));
   if (!text) return {};
   std::string list = "#";
   for (std::string_view line : splitLines(*text)) {

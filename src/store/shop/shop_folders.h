@@ -41,8 +41,8 @@ Result<> SvuotaCartella(const std::string& path);
 /// The schema generation in `versione` of `generale`; null reads as 0. Corrupt when the table has no row.
 Result<int> catalogueVersion(Database& catalogue);
 
-/// Where an installed template is, below the application folder: "template/name", each in the letter case of the entry
-/// that is there.
+/// Where an installed template is, below the application folder: "template/name", with upper and lower case as they are
+/// on the disk.
 std::string installedTemplate(const std::string& applicationFolder, const std::string& name);
 
 /// The page models of a template package: the names of its files modello*.htm, less ".htm".

@@ -1,0 +1,94 @@
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QListWidget>
+#include <QTabWidget>
+#include <array>
+
+#include "scenes.h"
+
+namespace kv::scenes {
+namespace {
+
+/// A dialog of the tab of the site.
+void takeSiteEntry(Stage& stage, std::string_view command, const QString& name) {
+  stage.show(Tab::Site);
+  takeEntry(stage, command, name);
+}
+void takePayment(Stage& stage, const QString& name) { takeSiteEntry(stage, "payment", name); }
+void takeShipping(Stage& stage, const QString& name) { takeSiteEntry(stage, "shipping", name); }
+
+/// The costs of the first zone.
+void takeShippingCosts(Stage& stage, const QString& name) {
+  stage.show(Tab::Site);
+  stage.during([&] { stage.choose("shipping"); },
+               [&](QWidget& dialog) {
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
+                 stage.take(name);
+               });
+}
+
+void takeLanguageCopy(Stage& stage, const QString& name) { takeEntry(stage, "languages.replicate", name); }
+void takeListCopy(Stage& stage, const QString& name) { takeEntry(stage, "prices.replicate", name); }
+void takeMail(Stage& stage, const QString& name) { takeEntry(stage, "orderMail", name); }
+void takeShowcase(Stage& stage, const QString& name) { takeEntry(stage, "showcase", name); }
+void takeRequired(Stage& stage, const QString& name) { takeEntry(stage, "requiredFields", name); }
+void takePrivacy(Stage& stage, const QString& name) { takeEntry(stage, "privacyPolicy", name); }
+void takeBuildSettings(Stage& stage, const QString& name) { takeEntry(stage, "build.settings", name); }
+
+void takePrices(Stage& stage, const QString& name) {
+  stage.during([&] { stage.choose("prices.change"); },
+               [&](QWidget& dialog) {
+                 for (const char* box : {"optEstensione1", "chkListino0", "chkListino3"}) {
+                   dialog.findChild<QAbstractButton*>(QLatin1String(box))->click();
+                 }
+                 dialog.findChild<QComboBox*>(QStringLiteral("cboVariazione"))->setEditText(QStringLiteral("+10"));
+                 stage.take(name);
+               });
+}
+
+void takeVariants(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  takeEntry(stage, "article.variant1", name);
+}
+
+void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "connection.settings", name); }
+/// What is sent, once the shop has been built.
+void takePublishing(Stage& stage, const QString& name) {
+  const auto& options = stage.window().workbench().ports().dialogs.publishOptions;
+  stage.during([&] { static_cast<void>(options()); }, [&](QWidget&) { stage.take(name); });
+}
+
+/// The choice of a picture, on one of the shop's own.
+void takePicture(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  stage.during([&] { stage.choose("article.picture0.set"); },
+               [&](QWidget& dialog) {
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabOrigine"))->setCurrentIndex(1);
+                 auto* pictures = dialog.findChild<QListWidget*>(QStringLiteral("lstNegozio"));
+                 pictures->setCurrentRow(pictures->count() / 2);
+                 stage.take(name);
+               });
+}
+
+}  // namespace
+
+std::span<const Scene> tradeScenes() {
+  static constexpr std::array scenes{Scene{"prezzi", takePrices},
+                                     Scene{"replica-lingue", takeLanguageCopy},
+                                     Scene{"replica-listini", takeListCopy},
+                                     Scene{"email", takeMail},
+                                     Scene{"vetrina", takeShowcase},
+                                     Scene{"obbligatori", takeRequired},
+                                     Scene{"p3p", takePrivacy},
+                                     Scene{"impostazioni-costruzione", takeBuildSettings},
+                                     Scene{"immagine", takePicture},
+                                     Scene{"pagamenti", takePayment},
+                                     Scene{"spedizione", takeShipping},
+                                     Scene{"spedizione-spese", takeShippingCosts},
+                                     Scene{"varianti", takeVariants},
+                                     Scene{"connessione", takeConnection},
+                                     Scene{"pubblicazione", takePublishing}};
+  return scenes;
+}
+
+}  // namespace kv::scenes
