@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-std::string doneMessage() {
+std::string builtMessage() {
   return "Creazione del negozio terminata. Aggiornare il sito per rendere effettive le modifiche.";
 }
 
@@ -67,7 +67,7 @@ TEST_F(PaymentPagesTest, AMissingDescriptorIsToldAndThePageIsBuiltAllTheSame) {
   shop.sql("UPDATE pagamento SET metodo3='Cilme', attivo3=1, nome3='Tre'");
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   EXPECT_THAT(shop.page("thankyou1.php"), HasSubstr("<html>Tre::</html>"));
-  EXPECT_THAT(shop.user.texts(), ElementsAre("Impossibile trovare il file 'Cilme.kpg'", doneMessage()));
+  EXPECT_THAT(shop.user.texts(), ElementsAre("Impossibile trovare il file 'Cilme.kpg'", builtMessage()));
   EXPECT_EQ(shop.user.shown[0].icon, Icon::Exclamation);
 }
 
@@ -75,7 +75,7 @@ TEST_F(PaymentPagesTest, AMethodWithoutAModuleHasAnEmptyTextAndNoMessage) {
   shop.sql("UPDATE pagamento SET attivo1=1, nome1='Uno'");
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   EXPECT_THAT(shop.page("thankyou1.php"), HasSubstr("<html>Uno::</html>"));
-  EXPECT_THAT(shop.user.texts(), ElementsAre(doneMessage()));
+  EXPECT_THAT(shop.user.texts(), ElementsAre(builtMessage()));
 }
 
 TEST_F(PaymentPagesTest, TheFormPostsToTheScriptOfTheModuleInTheLanguage) {
@@ -129,7 +129,7 @@ TEST_F(PaymentPagesTest, AScriptThatFailsIsToldAndTheOthersFollow) {
                           "Il file manca.php non è presente nel template selezionato.\n"
                           "Selezionare un altro template per il sito o un altro modello per i reparti.",
                           "Errore nell'elaborazione del file manca.php",
-                          "Errore nell'elaborazione del file ../../fuori.php", doneMessage()));
+                          "Errore nell'elaborazione del file ../../fuori.php", builtMessage()));
   EXPECT_TRUE(shop.hasPage("buono.php"));
   EXPECT_THAT(linesBehind("thankyou1.php"), ElementsAre("buono.php"));
   EXPECT_THAT(shop.fileList(), Not(Contains(HasSubstr("fuori"))));

@@ -13,7 +13,7 @@ namespace {
 
 const QString buildTitle = QStringLiteral("Korvane - Costruzione sito");
 const QString templateTitle = QStringLiteral("Korvane - Scelta del template");
-constexpr const char* finished =
+constexpr const char* finishedText =
     "Creazione del negozio terminata. Aggiornare il sito per rendere effettive le modifiche.";
 constexpr const char* templateNeeded = "Per costruire il negozio è necessario scegliere un template";
 
@@ -69,7 +69,7 @@ TEST_F(WindowBuild, ItsButtonBuildsSavesWhatIsTypedAndSaysSo) {
   std::string said;
   whenFinished(said);
   run("build");
-  EXPECT_EQ(said, finished);
+  EXPECT_EQ(said, finishedText);
   EXPECT_TRUE(user.shown.empty()) << asText(user.shown.front());
   for (const char* page : {"cat001.php", "cat002.php", "cat003.php", "cat001_l2.php"}) EXPECT_TRUE(built(page)) << page;
   EXPECT_NE(readBytes(shop + "/online/cat001.php").value_or("").find("Orci"), std::string::npos);
@@ -140,7 +140,7 @@ TEST_F(WindowBuild, AfterACancelTheWindowWorksOnAndTheNextBuildGoesThrough) {
   std::string said;
   whenFinished(said);
   run("build");
-  EXPECT_EQ(said, finished);
+  EXPECT_EQ(said, finishedText);
   EXPECT_TRUE(built("cat003_l2.php"));
   EXPECT_FALSE(folderExists(shop + "/tmp"));
 }
@@ -182,7 +182,7 @@ TEST_F(WindowBuild, AMissingTemplateIsChosenFirst) {
     whenFinished(said);
   });
   run("build");
-  EXPECT_EQ(said, finished);
+  EXPECT_EQ(said, finishedText);
   EXPECT_EQ(stored("template"), offered);
   EXPECT_TRUE(user.shown.empty());
 }

@@ -87,8 +87,7 @@ TEST_F(CliPublish, SendsTheSqlFilesOfAnUnchangedShopOnceMore) {
   server.forgetCommands();
   run({"publish"});
   EXPECT_EQ(server.commands("STOR").size(), 8U);
-  EXPECT_EQ(server.commands("STOR db").size(), 8U)
-      << "the host has removed what it was told to load";
+  EXPECT_EQ(server.commands("STOR db").size(), 8U) << "the host has removed what it was told to load";
 }
 
 TEST_F(CliPublish, IsCancelledAtTheNextStep) {

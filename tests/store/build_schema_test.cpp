@@ -29,7 +29,7 @@ bool isReserved(const std::string& name) {
   return (" " + std::string(reservedList)).find(" " + foldCase(name) + " ") != std::string::npos;
 }
 
-std::vector<std::string> namesOf(const TableInfo& table) {
+std::vector<std::string> columnNamesOf(const TableInfo& table) {
   std::vector<std::string> names;
   for (const ColumnInfo& column : table.columns) names.push_back(column.name);
   return names;
@@ -133,7 +133,7 @@ TEST(BuildSchema, ARowOfEachTableFitsIntoHalfAPageOfInnoDb) {
 TEST(BuildSchema, EachColumnOfTheDerivedRowIsInOneTableAlone) {
   std::map<std::string, int> homes;
   for (const char* table : {"articoli", "dettaglio", "ordinamento"}) {
-    for (const std::string& name : namesOf(buildTable(table))) ++homes[name];
+    for (const std::string& name : columnNamesOf(buildTable(table))) ++homes[name];
   }
   for (const ColumnInfo& column : derivedArticleColumns()) {
     EXPECT_EQ(homes[column.name], column.name == "ID" ? 3 : 1) << column.name;
@@ -149,11 +149,11 @@ TEST(BuildSchema, WhatALanguageChangesIsWithTheArticlesTexts) {
       "ID",      "pagina", "sottopagina", "titolo", "plain_titolo", "sottotitolo", "plain_sottotitolo", "cart_articolo",
       "offerta", "iva",    "descrizione", "note",   "java_acquista"};
   for (std::string_view suffix : languageSuffixes)
-    EXPECT_EQ(namesOf(buildTable("articoli" + std::string(suffix))), wanted);
+    EXPECT_EQ(columnNamesOf(buildTable("articoli" + std::string(suffix))), wanted);
 }
 
 TEST(BuildSchema, PositionAndAmountsAreInTheOrderTable) {
-  const auto names = namesOf(buildTable("ordinamento"));
+  const auto names = columnNamesOf(buildTable("ordinamento"));
   ASSERT_EQ(names.size(), 22U);
   EXPECT_EQ(names[0], "ID");
   EXPECT_EQ(names[1], "implistino");
@@ -163,7 +163,7 @@ TEST(BuildSchema, PositionAndAmountsAreInTheOrderTable) {
 }
 
 TEST(BuildSchema, TheDetailsBeginWithTheCellCode) {
-  const auto names = namesOf(buildTable("dettaglio"));
+  const auto names = columnNamesOf(buildTable("dettaglio"));
   EXPECT_EQ(names[1], "beforecode");
   EXPECT_EQ(names[2], "aftercode");
   EXPECT_EQ(names[3], "novita");
@@ -182,7 +182,7 @@ TEST(BuildSchema, CopiesKeepTypeAndWidthOfTheDerivedRow) {
 }
 
 TEST(BuildSchema, TheDepartmentsCarryAFactorAndAFlagForEachPriceList) {
-  const auto names = namesOf(buildTable("categorie"));
+  const auto names = columnNamesOf(buildTable("categorie"));
   ASSERT_EQ(names.size(), 23U);
   EXPECT_THAT(std::vector(names.begin(), names.begin() + 4), ElementsAre("ID", "nascosto", "iva", "sconto"));
   EXPECT_EQ(names[12], "sconto9");
@@ -191,8 +191,8 @@ TEST(BuildSchema, TheDepartmentsCarryAFactorAndAFlagForEachPriceList) {
 }
 
 TEST(BuildSchema, TheVariantTablesHaveTheColumnsOfTheSelector) {
-  EXPECT_THAT(namesOf(buildTable("opzioni_l4")), ElementsAre("ID", "nomeopzione", "opzione"));
-  EXPECT_THAT(namesOf(buildTable("opcodici")), ElementsAre("ID", "codice", "OpID"));
+  EXPECT_THAT(columnNamesOf(buildTable("opzioni_l4")), ElementsAre("ID", "nomeopzione", "opzione"));
+  EXPECT_THAT(columnNamesOf(buildTable("opcodici")), ElementsAre("ID", "codice", "OpID"));
 }
 
 TEST(TagSchema, ThePageTagRowHasNinetySevenLongTexts) {
@@ -210,7 +210,7 @@ TEST(TagSchema, TheArticlesAreDerivedRows) {
   EXPECT_EQ(tables[1].name, "articoli");
   std::vector<std::string> derived;
   for (const ColumnInfo& column : derivedArticleColumns()) derived.push_back(column.name);
-  EXPECT_EQ(namesOf(tables[1]), derived);
+  EXPECT_EQ(columnNamesOf(tables[1]), derived);
   EXPECT_EQ(derived.size(), 103U);
 }
 
@@ -227,7 +227,7 @@ TEST(TagSchema, BothBuildDatabasesCanBeMade) {
   ASSERT_EQ(tables->size(), wanted.size());
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     EXPECT_EQ((*tables)[i].name, wanted[i].name);
-    EXPECT_EQ(namesOf((*tables)[i]), namesOf(wanted[i]));
+    EXPECT_EQ(columnNamesOf((*tables)[i]), columnNamesOf(wanted[i]));
     ASSERT_EQ((*tables)[i].indexes.size(), wanted[i].indexes.size()) << wanted[i].name;
     for (std::size_t j = 0; j < wanted[i].indexes.size(); ++j) {
       EXPECT_EQ((*tables)[i].indexes[j].columns, wanted[i].indexes[j].columns) << wanted[i].name;

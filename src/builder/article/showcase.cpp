@@ -12,7 +12,7 @@ namespace kv {
 namespace {
 
 constexpr int defaultColumns = 3;
-constexpr int mostColumns = 10;
+constexpr int mostShowcaseColumns = 10;
 constexpr int fullWidth = 100;  // percent
 
 std::string thirdPicture(const ArticleView& article) {
@@ -103,7 +103,7 @@ constexpr std::string_view offerFunction =
 
 int showcaseColumns(double columns) {
   if (columns < 1) return defaultColumns;
-  return columns > mostColumns ? mostColumns : static_cast<int>(columns);
+  return columns > mostShowcaseColumns ? mostShowcaseColumns : static_cast<int>(columns);
 }
 
 std::string listEntry(const ShowcaseSettings& settings, const HtmlText& html, const ArticleView& article,

@@ -7,7 +7,7 @@ namespace kv {
 
 namespace {
 
-constexpr int fullWidth = 100;  // percent
+constexpr int prologueWidth = 100;  // percent
 
 // Lines are joined by CR LF; each block of a prologue is opened by one.
 constexpr std::string_view orderRegistration =
@@ -115,10 +115,10 @@ std::string_view departmentEpilogue() {
 
 CellCode cellCode(int index, int columns, bool last) {
   if (columns <= 1) return {};
-  const int width = fullWidth / columns;
+  const int width = prologueWidth / columns;
   const int column = index % columns;
   const bool closesRow = column == columns - 1;
-  const int cellWidth = closesRow ? fullWidth - width * (columns - 1) : width;  // so that a row adds up to 100
+  const int cellWidth = closesRow ? prologueWidth - width * (columns - 1) : width;  // so that a row adds up to 100
   CellCode code;
   if (column == 0) code.before = "<tr>";
   code.before += "<td valign=top width=" + std::to_string(cellWidth) + "%>";

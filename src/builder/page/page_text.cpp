@@ -11,7 +11,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view queryMark = "?n=";
+constexpr std::string_view pageQuery = "?n=";
 constexpr std::string_view startMarker = "<KV_START>";
 constexpr std::string_view endMarker = "<KV_END>";
 constexpr std::string_view failedPass = "###ERROR###";
@@ -144,13 +144,13 @@ PageIdentity pageIdentity(std::string_view output) {
   if (extension == std::string_view::npos) return {};
   PageIdentity identity;
   identity.root = output.substr(0, extension);
-  const auto query = output.find(queryMark);
+  const auto query = output.find(pageQuery);
   if (query != std::string_view::npos) {
-    identity.subPage = static_cast<int>(leadingNumber(output.substr(query + queryMark.size())));
+    identity.subPage = static_cast<int>(leadingNumber(output.substr(query + pageQuery.size())));
   }
   return identity;
 }
 
-std::string withoutQuery(std::string_view path) { return std::string(path.substr(0, path.find(queryMark))); }
+std::string withoutQuery(std::string_view path) { return std::string(path.substr(0, path.find(pageQuery))); }
 
 }  // namespace kv

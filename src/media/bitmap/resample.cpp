@@ -9,7 +9,7 @@
 namespace kv {
 namespace {
 
-constexpr int channels = 3;
+constexpr int colourChannels = 3;
 constexpr double highest = 255;
 
 /// The nearest whole number, a tie to the even one, of a number from 0 to 2 to the power of 51: adding this constant
@@ -51,10 +51,10 @@ double between(const RowPair& rows, std::size_t at) {
 
 void resampleRow(const RowPair& rows, const std::vector<SourceIndex>& columns, std::uint8_t* to) {
   for (const SourceIndex& column : columns) {
-    const std::size_t left = column.whole * channels;
-    for (std::size_t channel = 0; channel < channels; ++channel) {
+    const std::size_t left = column.whole * colourChannels;
+    for (std::size_t channel = 0; channel < colourChannels; ++channel) {
       const double value = (1 - column.fraction) * between(rows, left + channel) +
-                           column.fraction * between(rows, left + channels + channel);
+                           column.fraction * between(rows, left + colourChannels + channel);
       *to++ = static_cast<std::uint8_t>(std::min(toWhole(value), highest));
     }
   }

@@ -8,12 +8,11 @@
 namespace kv {
 namespace {
 
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 bool isAscii(char c) { return static_cast<std::uint8_t>(c) < 0x80; }
 
 char32_t folded(char32_t character) {
   constexpr char32_t microSign = 0xB5, dottedCapitalI = 0x130, dotlessSmallI = 0x131;
-  if (character < 0x80) return static_cast<char32_t>(lowerAscii(static_cast<char>(character)));
+  if (character < 0x80) return static_cast<char32_t>(utf8::lowerAscii(static_cast<char>(character)));
   if (character >= 0xC0 && character <= 0xDE) return character == 0xD7 ? character : character + 0x20;
   if (character <= 0xFF && character != microSign) return character;
   if (character == microSign || character == dottedCapitalI || character == dotlessSmallI) return character;
@@ -31,7 +30,7 @@ std::string foldCase(std::string_view text) {
     const std::size_t before = result.size();
     result.append(text, at, end - at);
     std::transform(result.begin() + static_cast<std::ptrdiff_t>(before), result.end(),
-                   result.begin() + static_cast<std::ptrdiff_t>(before), lowerAscii);
+                   result.begin() + static_cast<std::ptrdiff_t>(before), utf8::lowerAscii);
     at = end;
     if (at == text.size()) break;
     const utf8::Unit unit = utf8::unitAt(text, at);
@@ -50,7 +49,7 @@ int compareIgnoringCase(std::string_view a, std::string_view b) {
   for (std::size_t i = 0; i < common; ++i) {
     // Both are at the start of a character here, because all before it was ASCII.
     if (!isAscii(a[i]) || !isAscii(b[i])) return foldCase(a.substr(i)).compare(foldCase(b.substr(i)));
-    const int difference = lowerAscii(a[i]) - lowerAscii(b[i]);
+    const int difference = utf8::lowerAscii(a[i]) - utf8::lowerAscii(b[i]);
     if (difference != 0) return difference;
   }
   if (a.size() == b.size()) return 0;

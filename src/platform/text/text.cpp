@@ -7,12 +7,11 @@
 namespace kv {
 namespace {
 
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 char upperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
 
 bool sameAscii(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
+                    [](char x, char y) { return utf8::lowerAscii(x) == utf8::lowerAscii(y); });
 }
 
 // Finds the occurrences of one byte, each once, so that a search for two bytes (upper and lower case) takes linear
@@ -43,7 +42,7 @@ std::size_t offsetAfter(std::string_view text, std::size_t count) {
 std::size_t findIgnoringCase(std::string_view text, std::string_view what, std::size_t from) {
   if (from > text.size() || what.size() > text.size() - from) return std::string_view::npos;
   if (what.empty()) return from;
-  ByteScan lower(text, lowerAscii(what.front()), from);
+  ByteScan lower(text, utf8::lowerAscii(what.front()), from);
   ByteScan upper(text, upperAscii(what.front()), from);
   const std::size_t last = text.size() - what.size();
   for (std::size_t at = from;; ++at) {

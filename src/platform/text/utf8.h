@@ -10,6 +10,9 @@
 
 namespace kv::utf8 {
 
+/// The lower-case form of A to Z; every other byte as it is.
+inline char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+
 /// One unit of a text: a character and its bytes, or one stray byte (`valid` false, length 1), whose number is
 /// 0xDC00 + byte and so equals no character.
 struct Unit {

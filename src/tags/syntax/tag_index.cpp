@@ -9,7 +9,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view closing = ">>";
+constexpr std::string_view indexClosing = ">>";
 constexpr std::size_t numberDigits = 3;
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
@@ -24,7 +24,7 @@ void TagIndex::add(std::string_view tag) {
   // A name may itself hold the start of a tag, and then the search could stop inside it.
   for (std::size_t position = start; position != std::string::npos; position = text_.find(prefix_, position + 1)) {
     const std::size_t name = position + prefix_.size();
-    const std::size_t end = text_.find(closing, name);
+    const std::size_t end = text_.find(indexClosing, name);
     if (end == std::string::npos) break;
     positions_.try_emplace(text_.substr(name, end - name), position);
     longest_ = std::max(longest_, end - name);
@@ -59,7 +59,7 @@ std::size_t TagIndex::findName(std::string_view name) const {
 std::size_t TagIndex::find(std::string_view bareOrWhole, bool isWhole) const {
   if (isWhole) return findTag(bareOrWhole);
   // A name with a ">>" of its own can match across two tags, which the hash table doesn't know.
-  const bool isPlain = bareOrWhole.find(closing) == std::string_view::npos && !bareOrWhole.ends_with('>');
+  const bool isPlain = bareOrWhole.find(indexClosing) == std::string_view::npos && !bareOrWhole.ends_with('>');
   return isPlain ? findName(bareOrWhole) : findTag(whole(bareOrWhole));
 }
 
@@ -70,12 +70,12 @@ std::size_t TagIndex::findTag(std::string_view tag) const {
 
 std::string TagIndex::whole(std::string_view name) const {
   std::string tag;
-  tag.reserve(prefix_.size() + name.size() + closing.size());
-  return tag.append(prefix_).append(name).append(closing);
+  tag.reserve(prefix_.size() + name.size() + indexClosing.size());
+  return tag.append(prefix_).append(name).append(indexClosing);
 }
 
 bool TagIndex::isWhole(std::string_view text) const {
-  return text.size() >= prefix_.size() + closing.size() && text.starts_with(prefix_) && text.ends_with(closing);
+  return text.size() >= prefix_.size() + indexClosing.size() && text.starts_with(prefix_) && text.ends_with(indexClosing);
 }
 
 std::vector<TagSection> readSections(std::string_view text, TagIndex& index, bool (*skips)(std::string_view line)) {
