@@ -29,6 +29,9 @@ class frmSpedizione final : public FormDialog {
   /// `session` and `env` outlive the dialog.
   frmSpedizione(Session& session, Environment& env, const ShippingHooks& hooks, QWidget* parent = nullptr);
 
+  /// A field that has the focus is left while the dialog is still whole.
+  ~frmSpedizione() override { hide(); }
+
  private:
   QWidget* makePreselection();
   QWidget* makeSettings(char decimalSeparator);

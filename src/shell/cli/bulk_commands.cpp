@@ -7,7 +7,6 @@
 #include "platform/files/files.h"
 #include "platform/ports/failure_text.h"
 #include "shell/cli/cli_session.h"
-#include "store/shop/backup_copies.h"
 #include "store/upgrade/shop_upgrade.h"
 
 namespace kv {
@@ -25,10 +24,8 @@ CliOutcome refused(Environment& env, const std::string& text) {
   return CliOutcome::Failed;
 }
 
-bool openFor(CliSession& open, const std::string& shop, const BulkOptions& options, Environment& env) {
-  if (options.dryRun) return open.openToLook(shop);
-  env.hooks.CopiaCatalogo = catalogueCopier(env);
-  return open.open(shop);
+bool openFor(CliSession& open, const std::string& shop, const BulkOptions& options) {
+  return options.dryRun ? open.openToLook(shop) : open.open(shop);
 }
 
 /// The preview as lines whose fields are parted by tabs.
@@ -86,7 +83,7 @@ CliOutcome changePrices(const std::string& shop, const BulkOptions& options, Env
   const PriceChange change{
       {options.lists, options.department, options.offers, options.variants}, options.percent, options.round};
   CliSession open(env);
-  if (!openFor(open, shop, options, env)) return CliOutcome::Failed;
+  if (!openFor(open, shop, options)) return CliOutcome::Failed;
   Database& catalogue = open.session.catalogue;
   const auto known = hasDepartment(catalogue, options.department);
   if (!known) return failed(env, known.error());
@@ -121,7 +118,7 @@ CliOutcome replicateList(const std::string& shop, const BulkOptions& options, En
   const auto percentage = readPercentage(replication.percentage);
   if (!percentage) return refused(env, std::string(invalidPercentage));
   CliSession open(env);
-  if (!openFor(open, shop, options, env)) return CliOutcome::Failed;
+  if (!openFor(open, shop, options)) return CliOutcome::Failed;
   Database& catalogue = open.session.catalogue;
   const auto count = countReplication(catalogue, replication, ruleOfPercentage(*percentage, options.round));
   if (!count) return failed(env, count.error());
@@ -137,7 +134,7 @@ CliOutcome replicateLanguage(const std::string& shop, const BulkOptions& options
   replication.parts = options.parts;
   replication.onlyEmpty = options.onlyEmpty;
   CliSession open(env);
-  if (!openFor(open, shop, options, env)) return CliOutcome::Failed;
+  if (!openFor(open, shop, options)) return CliOutcome::Failed;
   const auto isLanguage = [&](int language) { return language >= 1 && language <= open.session.languageCount; };
   const bool isOne = std::ranges::count(options.to, true) == 1;
   if (!isOne || !isLanguage(replication.source) || !isLanguage(replication.destination) ||
@@ -163,7 +160,7 @@ CliOutcome upgradeShop(const std::string& shop, const BulkOptions& options, Envi
     env.hooks.AggiornaNegozio = [&](const std::string& folder) {
       upgrade = AggiornaNegozio(folder, env.applicationFolder);
     };
-    if (!openFor(open, shop, options, env)) return CliOutcome::Failed;
+    if (!openFor(open, shop, options)) return CliOutcome::Failed;
   }
   printUpgrade(upgrade, options.dryRun, out);
   return CliOutcome::Done;

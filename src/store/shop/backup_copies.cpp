@@ -206,6 +206,7 @@ Result<> exchangeForCopy(const std::string& shopFolder, const CatalogueExchange&
   const bool isKept = isNewest(shopFolder, *stamp);
   const std::string folder = copiesFolder(shopFolder);
   const std::string name = freeName(folder, static_cast<std::int64_t>(std::floor(clock.now())));
+  if (auto made = createFolder(folder); !made) return made;
   if (auto dropped = dropJournal(shopFolder); !dropped) return dropped;
   if (auto swapped = swapInCompacted(shopFolder, renameFile); !swapped) return swapped;
   if (isKept) return deleteFile(files.previous);
