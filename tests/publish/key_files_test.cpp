@@ -50,10 +50,10 @@ TEST(PublishSettings, EveryOtherChoiceIsWrittenToo) {
 
 TEST(PublishSettings, LaterKeysFollowTheToldOnesWhereTheyDifferFromTheirDefault) {
   PublishSettings settings;
-  settings.safeUpload = settings.contentCheck = settings.retry = true;
+  settings.safeUpload = settings.contentCheck = settings.retry = settings.cleanUp = true;
   settings.silenceSeconds = 90;
   const std::string text = publishSettingsText(settings);
-  EXPECT_TRUE(text.ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nWAIT: 90\r\n")) << text;
+  EXPECT_TRUE(text.ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nPULI: 1\r\nWAIT: 90\r\n")) << text;
   EXPECT_EQ(parsePublishSettings(text), settings);
   settings.silenceSeconds = 60;
   EXPECT_EQ(publishSettingsText(settings).find("WAIT:"), std::string::npos);

@@ -41,6 +41,24 @@ bool CaricaFile(std::string_view path, const FileChoice& choice) {
   return acceptsType(choice.types, name);
 }
 
+std::vector<std::string> surplusFiles(std::vector<std::string> sent, const FileChoice& choice,
+                                      const std::vector<std::string>& localFolders) {
+  if (choice.list.find_first_not_of('#') == std::string::npos) return {};
+  FileChoice listed = choice;
+  listed.shopOnly = true;
+  const auto isWanted = [&](const std::string& name) {
+    for (const char* other : {".sql", ".sc", ".ric", ".ris"}) {
+      if (endsWithIgnoringCase(name, other)) return true;
+    }
+    if (!acceptsType(choice.types, name) || CaricaFile(name, listed)) return true;
+    return CaricaFile(name, choice) && std::any_of(localFolders.begin(), localFolders.end(), [&](const auto& folder) {
+             return fileExists(joinPath(folder, name));
+           });
+  };
+  std::erase_if(sent, isWanted);
+  return sent;
+}
+
 std::vector<std::string> inSendingOrder(std::vector<std::string> names) {
   std::stable_sort(names.begin(), names.end(), [](const std::string& one, const std::string& other) {
     return sendingRank(one) < sendingRank(other);

@@ -115,6 +115,7 @@ UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settin
   options.safeUpload = settings.safeUpload;
   options.contentCheck = settings.contentCheck;
   if (settings.retry) options.retryPauses = {usualRetryPauses.begin(), usualRetryPauses.end()};
+  if (settings.cleanUp && job.otpMode == OtpMode::None) options.cleanUpFolders = {job.onlineFolder, job.scriptFolder};
   if (job.otpMode == OtpMode::None) return options;
   options.sendAll = true;
   options.choice = {false, listTypes, {}};

@@ -86,6 +86,7 @@ bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
     if (!failed_ && CaricaFile(name, options_.choice)) sendIfNewer(name);
   }
   progress_.file.clear();
+  if (!failed_ && !options_.cleanUpFolders.empty()) offerCleanUp();
   if (failed_) return false;
   if (!folder_.firstFolder || options_.keepNoSession) WaitFTP(FtpState::Other, parts_.transfer.quit());
   return !cancelled_;

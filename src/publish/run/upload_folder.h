@@ -42,6 +42,9 @@ struct UploadOptions {
   bool contentCheck = false;  ///< a newer file with the bytes last sent isn't sent
   /// How long to wait before each further attempt after the connection broke, in milliseconds; empty: none is made.
   std::vector<int> retryPauses{};
+  /// The local folders of the shop, if files on the server that the shop no longer has are offered for removal; empty:
+  /// nothing is removed.
+  std::vector<std::string> cleanUpFolders{};
 };
 
 /// One folder to be sent.
@@ -103,6 +106,8 @@ class FolderUploader {
   void CreaCartella();
   bool enterOrMake(const std::string& part);
   void offerFolder();
+  void offerCleanUp();
+  void removeFromServer(const std::string& name, std::vector<std::string>& left);
   void refuse(const TransferCompletion& completion, const std::string& hint = {});
   void WaitFTP(FtpState state, const TransferCompletion& completion);
   void completeFailed(const TransferCompletion& completion);

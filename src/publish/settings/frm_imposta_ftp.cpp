@@ -117,6 +117,7 @@ QWidget* frmImpostaFTP::makeLater() {
   chkSicuro_ = addBox(group, "Invio sic&uro: il file vecchio resta finché il nuovo non è completo", "chkSicuro");
   chkContenuto_ = addBox(group, "Non inviare i file con lo stesso co&ntenuto", "chkContenuto");
   chkRiprova_ = addBox(group, "Riprova i trasferimenti interrotti", "chkRiprova");
+  chkPulizia_ = addBox(group, "Proponi di eliminare dal server i file che il negozio non ha &più", "chkPulizia");
   auto* cmdConsigliate = named(new QPushButton(toQt("Impostazioni consi&gliate")), "cmdConsigliate");
   cmdConsigliate->setAutoDefault(false);
   connect(cmdConsigliate, &QPushButton::clicked, this, [this] {
@@ -145,6 +146,7 @@ void frmImpostaFTP::show(const PublishOptions& options) {
   chkSicuro_->setChecked(settings.safeUpload);
   chkContenuto_->setChecked(settings.contentCheck);
   chkRiprova_->setChecked(settings.retry);
+  chkPulizia_->setChecked(settings.cleanUp);
   enable();
 }
 
@@ -162,6 +164,7 @@ PublishOptions frmImpostaFTP::shown() const {
   settings.safeUpload = chkSicuro_->isChecked();
   settings.contentCheck = chkContenuto_->isChecked();
   settings.retry = chkRiprova_->isChecked();
+  settings.cleanUp = chkPulizia_->isChecked();
   return options;
 }
 

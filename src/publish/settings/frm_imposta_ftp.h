@@ -53,6 +53,7 @@ class frmImpostaFTP final : public FormDialog {
   QCheckBox* chkSicuro_ = nullptr;
   QCheckBox* chkContenuto_ = nullptr;
   QCheckBox* chkRiprova_ = nullptr;
+  QCheckBox* chkPulizia_ = nullptr;
 };
 
 }  // namespace kv

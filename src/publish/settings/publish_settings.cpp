@@ -37,7 +37,8 @@ void readPublishValue(const KeyLine& line, PublishSettings& settings) {
                                    {"LOCK:", &PublishSettings::lockTables, unlessZero},
                                    {"SAFE:", &PublishSettings::safeUpload, isOn},
                                    {"HASH:", &PublishSettings::contentCheck, isOn},
-                                   {"RETR:", &PublishSettings::retry, isOn}};
+                                   {"RETR:", &PublishSettings::retry, isOn},
+                                   {"PULI:", &PublishSettings::cleanUp, isOn}};
   for (const Flag& flag : flags) {
     if (line.key == flag.key) settings.*flag.field = flag.read(value);
   }
@@ -56,6 +57,7 @@ void addLaterPublishKeys(const PublishSettings& settings, std::vector<KeyLine>& 
   addFlag("SAFE:", settings.safeUpload);
   addFlag("HASH:", settings.contentCheck);
   addFlag("RETR:", settings.retry);
+  addFlag("PULI:", settings.cleanUp);
   addNumber("WAIT:", settings.silenceSeconds, untouched.silenceSeconds);
 }
 
