@@ -30,7 +30,7 @@ std::string notRemovedText(const std::vector<std::string>& names) {
 
 void FolderUploader::offerCleanUp() {
   auto sent = parts_.table.names(host_, target_);
-  if (!sent) return tellTable(fail(sent.error()));
+  if (!sent) return tellTable(first(), fail(sent.error()));
   const auto surplus = surplusFiles(std::move(*sent), options_.choice, options_.cleanUpFolders);
   if (surplus.empty() || parts_.user.question(cleanUpQuestion(target_, surplus)) != Answer::Yes) return;
   std::vector<std::string> left;
@@ -43,13 +43,13 @@ void FolderUploader::offerCleanUp() {
 void FolderUploader::removeFromServer(const std::string& name, std::vector<std::string>& left) {
   MessaggioFTP("Eliminazione del file " + name, false);
   const TransferCompletion removed = parts_.transfer.deleteFile(name);
-  WaitFTP(FtpState::DeleteBefore, removed);
+  WaitFTP(first(), FtpState::DeleteBefore, removed);
   if (failed_) return;
   // A refusal has many reasons. One is that the file has gone already: then its time isn't known either.
   const bool isGone = removed.succeeded() || parts_.transfer.rawCommand("MDTM " + name).code == transferFolderMissing;
   if (!isGone) return left.push_back(name);
   if (removed.succeeded()) ++report_.removed;
-  tellTable(parts_.table.remove(keyOf(name)));
+  tellTable(first(), parts_.table.remove(keyOf(name)));
 }
 
 }  // namespace kv

@@ -12,15 +12,6 @@ namespace {
 /// Both sides of the comparison without case; the list keeps one form for all of its names.
 std::string listForm(std::string_view text) { return foldCase(text); }
 
-/// 0 for what pages show, 1 for a page, 2 for an SQL file.
-int sendingRank(const std::string& name) {
-  if (endsWithIgnoringCase(name, ".sql")) return 2;
-  for (const char* page : {".php", ".htm", ".html", ".shtm", ".shtml", ".asp"}) {
-    if (endsWithIgnoringCase(name, page)) return 1;
-  }
-  return 0;
-}
-
 }  // namespace
 
 std::string CaricaListaFiles(const std::string& shopFolder) {
@@ -57,6 +48,14 @@ std::vector<std::string> surplusFiles(std::vector<std::string> sent, const FileC
   };
   std::erase_if(sent, isWanted);
   return sent;
+}
+
+int sendingRank(const std::string& name) {
+  if (endsWithIgnoringCase(name, ".sql")) return 2;
+  for (const char* page : {".php", ".htm", ".html", ".shtm", ".shtml", ".asp"}) {
+    if (endsWithIgnoringCase(name, page)) return 1;
+  }
+  return 0;
 }
 
 std::vector<std::string> inSendingOrder(std::vector<std::string> names) {

@@ -32,6 +32,8 @@ bool CaricaFile(std::string_view path, const FileChoice& choice);
 std::vector<std::string> surplusFiles(std::vector<std::string> sent, const FileChoice& choice,
                                       const std::vector<std::string>& localFolders);
 
+/// The kind of a file by its name: 0 for what pages show, 1 for a page, 2 for an SQL file.
+int sendingRank(const std::string& name);
 /// The order in which visitors notice least of a publish under way: pictures and scripts, then the pages that show
 /// them, the SQL files last. Within a kind the order stays.
 std::vector<std::string> inSendingOrder(std::vector<std::string> names);
