@@ -50,10 +50,12 @@ TEST(PublishSettings, EveryOtherChoiceIsWrittenToo) {
 
 TEST(PublishSettings, LaterKeysFollowTheToldOnesWhereTheyDifferFromTheirDefault) {
   PublishSettings settings;
-  settings.safeUpload = settings.contentCheck = settings.retry = true;
+  settings.safeUpload = settings.contentCheck = settings.retry = settings.cleanUp = true;
+  settings.connections = 4;
   settings.silenceSeconds = 90;
   const std::string text = publishSettingsText(settings);
-  EXPECT_TRUE(text.ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nWAIT: 90\r\n")) << text;
+  EXPECT_TRUE(text.ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nCONN: 4\r\nPULI: 1\r\nWAIT: 90\r\n"))
+      << text;
   EXPECT_EQ(parsePublishSettings(text), settings);
   settings.silenceSeconds = 60;
   EXPECT_EQ(publishSettingsText(settings).find("WAIT:"), std::string::npos);
@@ -107,6 +109,8 @@ TEST(PublishSettings, OnlyAZeroMakesTheDatabaseIncremental) {
 TEST(PublishSettings, NumbersOutOfRangeAreBroughtIntoIt) {
   EXPECT_EQ(parsePublishSettings("WAIT: -3").silenceSeconds, 5);
   EXPECT_EQ(parsePublishSettings("WAIT: 1E30").silenceSeconds, 3600);
+  EXPECT_EQ(parsePublishSettings("CONN: 0").connections, 1);
+  EXPECT_EQ(parsePublishSettings("CONN: 40").connections, 4);
   EXPECT_EQ(parsePublishSettings("WAIT: presto").silenceSeconds, 60);
 }
 

@@ -49,7 +49,7 @@ TEST(PublishOptionsRules, WithoutAFilterTheTypesDoNotCount) {
 
 TEST(PublishOptionsRules, AResetKeepsWhatItDoesNotName) {
   PublishOptions options;
-  options.settings = {false, false, ".", false, true, true, false, true, true, true, 90};
+  options.settings = {false, false, ".", false, true, true, false, true, true, true, 3, true, 90};
   options.filtersTypes = true;
   options.types.fill(false);
   options.reset();
@@ -65,6 +65,7 @@ TEST(PublishOptionsRules, TheAdviceTurnsTheSafeChoicesOnAndNothingElse) {
   options.recommend();
   PublishSettings wanted;
   wanted.safeUpload = wanted.contentCheck = wanted.retry = true;
+  wanted.connections = PublishOptions::recommendedConnections;
   EXPECT_EQ(options.chosen(), wanted);
 }
 

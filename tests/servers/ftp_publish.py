@@ -4,6 +4,7 @@
 The folder that the FTP server writes to is the document root of a web host with PHP and MariaDB, so that at the end of
 each publish the shop is live.
 """
+import os
 import pathlib
 import random
 import shutil
@@ -15,12 +16,14 @@ import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "web")]
-from ftp_servers import PASSWORD, USER, FtpServer  # noqa: E402  (the paths above come first)
+from ftp_servers import PASSWORD, USER, FaultyGate, FtpServer  # noqa: E402  (the paths above come first)
 from mariadb_round_trip import RoundTrip  # noqa: E402
 from online_update import Host  # noqa: E402
 from served_shop import ServedShop  # noqa: E402
 
 KORVANE = ""
+WALK_ROUNDS = int(os.environ.get("KORVANE_TEST_ROUNDS", "5"))
+WALK_SEED = int(os.environ.get("KORVANE_TEST_SEED", "20240229"))
 
 
 class Publishing(unittest.TestCase):
@@ -149,6 +152,58 @@ class Publishing(unittest.TestCase):
                         break
                     self.assertFalse((self.shop / "db/last.mdb").exists())
                 self.assert_published()
+
+    def walk_edits(self, chance):
+        """A few edits such as a merchant makes; the catalogue stays one that can be built."""
+        catalogue = sqlite3.connect(self.shop / "catalog.mdb")
+        articles = [row[0] for row in catalogue.execute("SELECT ID FROM articoli ORDER BY ID")]
+        with catalogue:
+            for number in chance.sample(articles, min(3, len(articles))):
+                act = chance.choice(["price", "title", "delete", "copy", "department"])
+                if act == "price":
+                    catalogue.execute("UPDATE articoli SET prezzo = prezzo + 10000 WHERE ID = ?", (number,))
+                elif act == "title":
+                    catalogue.execute("UPDATE articoli SET titolo = substr(titolo || ?, -50) WHERE ID = ?",
+                                      (chance.choice([" è", "'", "\\", ' "x"', " €"]), number))
+                elif act == "delete" and len(articles) > 10:
+                    catalogue.execute("DELETE FROM articoli WHERE ID = ?", (number,))
+                elif act == "copy":
+                    catalogue.execute("INSERT INTO articoli (titolo, catID, prezzo) SELECT titolo, catID, prezzo FROM "
+                                      "articoli WHERE ID = ?", (number,))
+                else:
+                    catalogue.execute("UPDATE categorie SET titolo = substr(titolo || ?, -30) WHERE ID = (SELECT catID "
+                                      "FROM articoli WHERE ID = ?)", (chance.choice("abc"), number))
+        catalogue.close()
+
+    def publish_through_a_fault(self, server, chance, keys):
+        """A publish whose control connection is cut at a random command: it says so, and nothing claims success."""
+        with FaultyGate(server.port, chance.randint(1, 60)) as gate:
+            self.point_at(gate, **keys)
+            done = self.korvane("publish")
+            self.point_at(server, **keys)
+        # One that was cut after the last confirmed file, or never came so far, has done all that it was to do.
+        if done.returncode == 0:
+            return self.assert_live()
+        self.assertTrue(gate.fired)
+        self.assertIn("Errore:", done.stderr)
+        self.assertNotIn(PASSWORD, done.stdout + done.stderr)
+
+    def test_a_random_walk_of_edits_keeps_the_live_shop_equal_to_the_build(self):
+        chance = random.Random(WALK_SEED)
+        with FtpServer("pyftpdlib", self.live.shop) as server:
+            self.empty_host()
+            self.point_at(server)
+            self.assert_published()
+            for number in range(WALK_ROUNDS):
+                with self.subTest(round=number, seed=WALK_SEED):
+                    settings = ["OPDB: 0", "SAFE: %d" % chance.randint(0, 1), "HASH: %d" % chance.randint(0, 1),
+                                "CONN: %d" % chance.randint(1, 4), "PULI: 1"]
+                    (self.shop / "kvftp.ini").write_text("".join(line + "\r\n" for line in settings))
+                    self.walk_edits(chance)
+                    self.build()
+                    if chance.random() < 0.5:
+                        self.publish_through_a_fault(server, chance, {})
+                    self.assert_published("--answer", "yes")
 
     def test_a_certificate_that_nobody_has_signed_is_refused_by_default(self):
         with FtpServer("proftpd", self.live.shop) as server:

@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <string_view>
 #include <utility>
 
 #include "support/scripted_ftp_talk.h"
@@ -34,8 +35,27 @@ void ScriptedFtpServer::serve() {
     // A reply after a preliminary one goes out at once, whatever the client has acknowledged.
     const int on = 1;
     ::setsockopt(control, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    Talk(*this, control).run();
+    if (manners_.atOnce > 1) {
+      serveBeside(control);
+    } else {
+      Talk(*this, control).run();
+    }
   }
+  for (std::thread& one : talks_) one.join();
+}
+
+void ScriptedFtpServer::serveBeside(int control) {
+  if (open_ >= manners_.atOnce) {
+    const std::string_view refusal = "421 troppe connessioni\r\n";
+    ::send(control, refusal.data(), refusal.size(), MSG_NOSIGNAL);
+    ::close(control);
+    return;
+  }
+  ++open_;
+  talks_.emplace_back([this, control] {
+    Talk(*this, control).run();
+    --open_;
+  });
 }
 
 const FtpFault* ScriptedFtpServer::faultAt(const std::string& verb) {

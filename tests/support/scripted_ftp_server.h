@@ -41,6 +41,7 @@ struct FtpManners {
   bool asksUtf8 = false;        ///< lists UTF8 among its features
   std::string proxyUser = {};   ///< not empty: an FTP proxy with a login of its own
   std::string proxyPassword = {};
+  int atOnce = 1;  ///< connections that are served side by side; more wait, or are refused with 421 when this is > 1
   bool wantsHost = false;  ///< a proxy: SITE or OPEN comes before the login, or "@host" with the name
 };
 
@@ -73,6 +74,7 @@ class ScriptedFtpServer {
  private:
   class Talk;
   void serve();
+  void serveBeside(int control);
   const FtpFault* faultAt(const std::string& verb);
 
   FtpManners manners_;
@@ -80,12 +82,14 @@ class ScriptedFtpServer {
   int port_ = 0;
   std::atomic<bool> ending_{false};
   std::atomic<int> connections_{0};
+  std::atomic<int> open_{0};
   mutable std::mutex guard_;
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_{"/"};
   std::vector<std::string> commands_;
   std::vector<FtpFault> faults_;
   std::map<std::string, int> seen_;  // commands of each verb so far
+  std::vector<std::thread> talks_;   // of a server that serves several connections
   std::thread thread_;
 };
 

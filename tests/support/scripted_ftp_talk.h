@@ -138,6 +138,7 @@ class ScriptedFtpServer::Talk {
     if (verb == "STOR" || verb == "APPE") return store(path, verb == "APPE");
     if (verb == "LIST") return list();
     const std::lock_guard lock(server_.guard_);
+    if (verb == "MDTM") return say(server_.files_.count(path) > 0 ? "213 20260101120000" : "550 nessun file");
     if (verb == "DELE") return say(server_.files_.erase(path) > 0 ? "250 cancellato" : "550 nessun file");
     if (verb == "MKD") {
       const bool fits = server_.folders_.count(ftp::above(path)) > 0 && server_.folders_.insert(path).second;

@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/transfer/side_by_side.h"
 #include "platform/transfer/transfer.h"
 
 namespace kv {
@@ -39,7 +40,7 @@ Patience::Patience(std::function<bool()> yield, int silenceSeconds)
 Result<> Patience::await(std::span<pollfd> descriptors) {
   // Steps are counted rather than measured: a dialog that is open during a step is no silence of the server.
   for (int waited = 0; waited < silence_; waited += step) {
-    const int ready = ::poll(descriptors.data(), descriptors.size(), step);
+    const int ready = pollSideBySide(descriptors, step);
     if (ready > 0) return {};
     if (ready < 0 && errno != EINTR) return transferFailure(transferNoConnection, socketText(errno));
     if (auto paused = pause(); !paused) return paused;
@@ -53,13 +54,14 @@ Result<> Patience::await(int descriptor, short events) {
 }
 
 Result<> Patience::pause() {
+  if (isSideBySide()) static_cast<void>(pollSideBySide({}, 0));
   if (!yield_ || yield_()) return {};
   return transferFailure(transferCancelled, "operazione annullata");
 }
 
 bool waitFor(int milliseconds, const std::function<bool()>& yield) {
   for (int waited = 0; waited < milliseconds; waited += Patience::step) {
-    ::poll(nullptr, 0, std::min(Patience::step, milliseconds - waited));
+    static_cast<void>(pollSideBySide({}, std::min(Patience::step, milliseconds - waited)));
     if (yield && !yield()) return false;
   }
   return true;

@@ -12,15 +12,6 @@ namespace {
 /// Both sides of the comparison without case; the list keeps one form for all of its names.
 std::string listForm(std::string_view text) { return foldCase(text); }
 
-/// 0 for what pages show, 1 for a page, 2 for an SQL file.
-int sendingRank(const std::string& name) {
-  if (endsWithIgnoringCase(name, ".sql")) return 2;
-  for (const char* page : {".php", ".htm", ".html", ".shtm", ".shtml", ".asp"}) {
-    if (endsWithIgnoringCase(name, page)) return 1;
-  }
-  return 0;
-}
-
 }  // namespace
 
 std::string CaricaListaFiles(const std::string& shopFolder) {
@@ -39,6 +30,32 @@ bool CaricaFile(std::string_view path, const FileChoice& choice) {
   if (endsWithIgnoringCase(name, ".sc")) return false;
   if (choice.shopOnly && choice.list.find(listForm("#" + std::string(name) + "#")) == std::string::npos) return false;
   return acceptsType(choice.types, name);
+}
+
+std::vector<std::string> surplusFiles(std::vector<std::string> sent, const FileChoice& choice,
+                                      const std::vector<std::string>& localFolders) {
+  if (choice.list.find_first_not_of('#') == std::string::npos) return {};
+  FileChoice listed = choice;
+  listed.shopOnly = true;
+  const auto isWanted = [&](const std::string& name) {
+    for (const char* other : {".sql", ".sc", ".ric", ".ris"}) {
+      if (endsWithIgnoringCase(name, other)) return true;
+    }
+    if (!acceptsType(choice.types, name) || CaricaFile(name, listed)) return true;
+    return CaricaFile(name, choice) && std::any_of(localFolders.begin(), localFolders.end(), [&](const auto& folder) {
+             return fileExists(joinPath(folder, name));
+           });
+  };
+  std::erase_if(sent, isWanted);
+  return sent;
+}
+
+int sendingRank(const std::string& name) {
+  if (endsWithIgnoringCase(name, ".sql")) return 2;
+  for (const char* page : {".php", ".htm", ".html", ".shtm", ".shtml", ".asp"}) {
+    if (endsWithIgnoringCase(name, page)) return 1;
+  }
+  return 0;
 }
 
 std::vector<std::string> inSendingOrder(std::vector<std::string> names) {

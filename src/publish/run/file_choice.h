@@ -25,6 +25,15 @@ std::string CaricaListaFiles(const std::string& shopFolder);
 /// path: its name, or a path that ends with it.
 bool CaricaFile(std::string_view path, const FileChoice& choice);
 
+/// Names of files of ours that a server need not keep: of those that were sent there, the ones that the last build
+/// doesn't list, but for what a run would send again. SQL files, which the host deletes, and password lists, which
+/// no build makes, are never among them, nor is a file of a type that isn't transferred. Without a list there are none.
+/// sent: names in the server's folder, by the file table. localFolders: of the shop.
+std::vector<std::string> surplusFiles(std::vector<std::string> sent, const FileChoice& choice,
+                                      const std::vector<std::string>& localFolders);
+
+/// The kind of a file by its name: 0 for what pages show, 1 for a page, 2 for an SQL file.
+int sendingRank(const std::string& name);
 /// The order in which visitors notice least of a publish under way: pictures and scripts, then the pages that show
 /// them, the SQL files last. Within a kind the order stays.
 std::vector<std::string> inSendingOrder(std::vector<std::string> names);

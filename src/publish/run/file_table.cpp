@@ -121,4 +121,29 @@ Result<> FileTable::PulisciDB(const std::string& host, const std::string& folder
   return statement->execute();
 }
 
+Result<std::vector<std::string>> FileTable::names(const std::string& host, const std::string& folder) {
+  const std::string start = host + "/" + folder + "/";
+  auto query = database_.prepare(
+      "SELECT substr(nome, length(?1) + 1) FROM file WHERE substr(nome, 1, length(?1)) = ?1 COLLATE BINARY "
+      "AND instr(substr(nome, length(?1) + 1), '/') = 0 ORDER BY nome");
+  if (!query) return fail(query.error());
+  query->bind(1, start);
+  std::vector<std::string> found;
+  for (;;) {
+    const auto row = query->step();
+    if (!row) return fail(row.error());
+    if (!*row) return found;
+    found.emplace_back(query->text(0));
+  }
+}
+
+Result<> FileTable::remove(const std::string& key) {
+  if (auto begun = begin(); !begun) return begun;
+  auto statement = database_.prepare("DELETE FROM file WHERE nome = ?1 AND nome = ?1 COLLATE BINARY");
+  if (!statement) return fail(statement.error());
+  statement->bind(1, key);
+  if (auto written = statement->execute(); !written) return written;
+  return group_ < groupSize ? Result<>() : keep();
+}
+
 }  // namespace kv

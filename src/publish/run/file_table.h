@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/database/database.h"
 #include "platform/files/files.h"
@@ -52,6 +53,10 @@ class FileTable {
   /// PulisciDB (clean the table): deletes the rows of all files below a folder of a host. Characters that a pattern
   /// would take for more mean themselves.
   Result<> PulisciDB(const std::string& host, const std::string& folder);
+  /// The names of the files that were sent to a folder of a host, those of folders below it not included; by name.
+  Result<std::vector<std::string>> names(const std::string& host, const std::string& folder);
+  /// Deletes the row of a file that is no longer on the server. No failure when there is none.
+  Result<> remove(const std::string& key);
 
  private:
   explicit FileTable(Database database) : database_(std::move(database)) {}

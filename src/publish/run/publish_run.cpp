@@ -114,7 +114,9 @@ UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settin
   options.otpMode = job.otpMode;
   options.safeUpload = settings.safeUpload;
   options.contentCheck = settings.contentCheck;
+  options.connections = job.otpMode == OtpMode::None ? settings.connections : 1;
   if (settings.retry) options.retryPauses = {usualRetryPauses.begin(), usualRetryPauses.end()};
+  if (settings.cleanUp && job.otpMode == OtpMode::None) options.cleanUpFolders = {job.onlineFolder, job.scriptFolder};
   if (job.otpMode == OtpMode::None) return options;
   options.sendAll = true;
   options.choice = {false, listTypes, {}};

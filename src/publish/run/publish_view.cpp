@@ -20,6 +20,7 @@ std::string sizeText(std::uint64_t bytes) {
 std::string reportText(const PublishReport& report) {
   std::string text = "File inviati: " + std::to_string(report.sent) + " (" + sizeText(report.bytesSent) +
                      "), già presenti: " + std::to_string(report.skipped);
+  if (report.removed > 0) text += ", eliminati dal server: " + std::to_string(report.removed);
   if (!report.failedFile.empty()) text += ", non inviato: " + report.failedFile;
   return text;
 }

@@ -21,6 +21,7 @@ struct PublishProgress {
 /// What the run did.
 struct PublishReport {
   int sent = 0;
+  int removed = 0;  ///< files that the shop no longer has
   int skipped = 0;  ///< accepted files that the server has already
   std::uint64_t bytesSent = 0;
   std::string failedFile;  ///< in hand when a folder failed; empty when none did

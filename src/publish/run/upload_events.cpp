@@ -18,53 +18,55 @@ bool isBroken(int code) {
 
 }  // namespace
 
-void FolderUploader::WaitFTP(FtpState state, const TransferCompletion& completion) {
-  state_ = state;
-  if (!completion.succeeded()) return completeFailed(completion);
-  if (state == FtpState::UploadNew || state == FtpState::UploadKnown) noteSent();
-  state_ = FtpState::Other;
+void FolderUploader::WaitFTP(Lane& lane, FtpState state, const TransferCompletion& completion) {
+  lane.state = state;
+  if (!completion.succeeded()) return completeFailed(lane, completion);
+  if (state == FtpState::UploadNew || state == FtpState::UploadKnown) noteSent(lane);
+  lane.state = FtpState::Other;
 }
 
-void FolderUploader::completeFailed(const TransferCompletion& completion) {
-  switch (state_) {
+void FolderUploader::completeFailed(Lane& lane, const TransferCompletion& completion) {
+  switch (lane.state) {
     case FtpState::MakeFolder:
       // The folder exists; or it doesn't, and then it can't be entered either.
-      if (completion.code != transferFolderMissing) refuse(completion);
+      if (completion.code != transferFolderMissing) refuse(lane, completion);
       break;
     case FtpState::EnterTarget:
-      completion.code == transferFolderMissing ? offerFolder() : refuse(completion);
+      completion.code == transferFolderMissing ? offerFolder() : refuse(lane, completion);
       break;
     case FtpState::DeleteBefore:
       // Usually the file was not there; if it can't be replaced, the upload says so.
-      if (!isFileCommandFailure(completion.code)) refuse(completion);
+      if (!isFileCommandFailure(completion.code)) refuse(lane, completion);
       break;
     default:
-      refuse(completion, completion.code == transferNoData ? otherModeHint : "");
+      refuse(lane, completion, completion.code == transferNoData ? otherModeHint : "");
   }
-  state_ = FtpState::Other;
+  lane.state = FtpState::Other;
 }
 
-void FolderUploader::refuse(const TransferCompletion& completion, const std::string& hint) {
+void FolderUploader::refuse(Lane& lane, const TransferCompletion& completion, const std::string& hint) {
+  lane.failed = true;
+  lane.broken = lane.attemptsLeft > 0 && !failed_ && !cancelled_ && isBroken(completion.code);
+  if (lane.broken) return;
   failed_ = true;
-  if (cancelled_ || completion.code == transferCancelled) return;
-  broken_ = attemptsLeft_ > 0 && isBroken(completion.code);
-  if (broken_) return;
+  if (cancelled_ || shown_ || completion.code == transferCancelled) return;
   parts_.user.message("Errore: " + completion.text + hint, Icon::Exclamation);
   shown_ = true;
 }
 
-void FolderUploader::noteSent() {
+void FolderUploader::noteSent(Lane& lane) {
   ++report_.sent;
-  report_.bytesSent += file_.stamp.size;
-  tellTable(state_ == FtpState::UploadNew ? parts_.table.add(file_.key, file_.stamp, file_.digest)
-                                          : parts_.table.edit(file_.key, file_.stamp, file_.digest));
-  showProgress(0);
+  report_.bytesSent += lane.file.stamp.size;
+  tellTable(lane, lane.state == FtpState::UploadNew
+                      ? parts_.table.add(lane.file.key, lane.file.stamp, lane.file.digest)
+                      : parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
+  showProgress(lane, 0);
 }
 
-void FolderUploader::tellTable(const Result<>& written) {
+void FolderUploader::tellTable(Lane& lane, const Result<>& written) {
   if (written) return;
-  failed_ = true;
-  if (!shown_) parts_.user.message(failureText(written.error(), file_.name), Icon::Exclamation);
+  lane.failed = failed_ = true;
+  if (!shown_) parts_.user.message(failureText(written.error(), lane.file.name), Icon::Exclamation);
   shown_ = true;
 }
 
@@ -76,9 +78,13 @@ void FolderUploader::MessaggioFTP(const std::string& text, bool toLog) {
   parts_.view.dialogue(*line);
 }
 
-void FolderUploader::showProgress(std::uint64_t fileBytes) {
+void FolderUploader::showProgress(Lane& lane, std::uint64_t fileBytes) {
+  lane.fileBytes = fileBytes;
+  progress_.file = lane.file.name;
   progress_.fileBytes = fileBytes;
-  progress_.bytesSent = report_.bytesSent + fileBytes;
+  progress_.fileSize = lane.file.stamp.size;
+  progress_.bytesSent = report_.bytesSent;
+  for (const Lane& one : lanes_) progress_.bytesSent += one.fileBytes;
   const double seconds = parts_.clock.now() - startedAt_;
   if (seconds > 1 && progress_.bytesSent > 0) {
     progress_.bytesPerSecond = static_cast<double>(progress_.bytesSent) / seconds;
@@ -94,7 +100,11 @@ bool FolderUploader::mayGoOn() {
 }
 
 bool FolderUploader::trusts(const UntrustedServer& server) {
-  return parts_.user.question(trustQuestion(server)) == Answer::Yes;
+  // Further connections meet the same certificate.
+  if (accepted_.count(server.fingerprint) > 0) return true;
+  const bool accepts = parts_.user.question(trustQuestion(server)) == Answer::Yes;
+  if (accepts) accepted_.insert(server.fingerprint);
+  return accepts;
 }
 
 }  // namespace kv

@@ -19,101 +19,100 @@ TransferMode modeOf(const std::string& name) {
 
 }  // namespace
 
-void FolderUploader::sendIfNewer(const std::string& name) {
+void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
   MessaggioFTP("Confronto del file " + name, false);
-  file_ = {name, joinPath(folder_.localFolder, name), keyOf(name), {}, {}, false};
-  const auto stamp = fileStamp(file_.path);
-  if (!stamp) return tellTable(fail(stamp.error()));
-  file_.stamp = *stamp;
-  const auto row = parts_.table.find(file_.key);
-  if (!row) return tellTable(fail(row.error()));
-  file_.known = row->has_value();
-  progress_.file = name;
-  progress_.fileSize = stamp->size;
-  bool isWanted = options_.sendAll || !file_.known || stampText(stamp->changedAt) > (*row)->stamp;
+  lane.file = {name, joinPath(folder_.localFolder, name), keyOf(name), {}, {}, false};
+  const auto stamp = fileStamp(lane.file.path);
+  if (!stamp) return tellTable(lane, fail(stamp.error()));
+  lane.file.stamp = *stamp;
+  const auto row = parts_.table.find(lane.file.key);
+  if (!row) return tellTable(lane, fail(row.error()));
+  lane.file.known = row->has_value();
+  bool isWanted = options_.sendAll || !lane.file.known || stampText(stamp->changedAt) > (*row)->stamp;
   // What the host has loaded is no longer there: an SQL file is sent whatever is in it.
   if (isWanted && options_.contentCheck && !endsWithIgnoringCase(name, ".sql")) {
-    file_.digest = fileDigest(file_.path).value_or(std::string());
-    if (!options_.sendAll && file_.known && hasSameContent(**row)) {
+    lane.file.digest = fileDigest(lane.file.path).value_or(std::string());
+    if (!options_.sendAll && lane.file.known && hasSameContent(**row, lane.file.digest)) {
       isWanted = false;
-      tellTable(parts_.table.edit(file_.key, file_.stamp, file_.digest));
+      tellTable(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
     }
   }
   if (!isWanted) {
     ++report_.skipped;
-    return showProgress(0);
+    return showProgress(lane, 0);
   }
-  sendWithRetries();
-  if (failed_ && report_.failedFile.empty()) report_.failedFile = name;
+  sendWithRetries(lane);
+  if (lane.failed && report_.failedFile.empty()) report_.failedFile = name;
 }
 
-bool FolderUploader::hasSameContent(const SentFile& row) const {
+bool FolderUploader::hasSameContent(const SentFile& row, const std::string& digest) {
   // A row without a time is in doubt: the server may have half of the file.
-  return !row.stamp.empty() && !file_.digest.empty() && row.digest == file_.digest;
+  return !row.stamp.empty() && !digest.empty() && row.digest == digest;
 }
 
-void FolderUploader::sendWithRetries() {
-  attemptsLeft_ = options_.retryPauses.size();
-  sendFile();
-  while (failed_ && broken_) {
-    const int pause = options_.retryPauses[options_.retryPauses.size() - attemptsLeft_];
-    --attemptsLeft_;
-    failed_ = broken_ = false;
+void FolderUploader::sendWithRetries(Lane& lane) {
+  lane.attemptsLeft = options_.retryPauses.size();
+  sendFile(lane);
+  while (lane.failed && lane.broken) {
+    const int pause = options_.retryPauses[options_.retryPauses.size() - lane.attemptsLeft];
+    --lane.attemptsLeft;
+    lane.failed = lane.broken = false;
     MessaggioFTP("Connessione interrotta: nuovo tentativo tra breve", false);
-    if (!waitFor(pause, [this] { return mayGoOn(); }) || !connectAgain()) continue;
-    sendFile();
+    if (!waitFor(pause, [this] { return mayGoOn(); }) || !connectAgain(lane)) continue;
+    sendFile(lane);
   }
-  attemptsLeft_ = 0;
-  if (cancelled_) failed_ = true;
+  lane.attemptsLeft = 0;
+  if (cancelled_) lane.failed = failed_ = true;
 }
 
-bool FolderUploader::connectAgain() {
-  parts_.transfer.abort();
-  WaitFTP(FtpState::Other, parts_.transfer.connect(options_.connection));
-  if (!failed_) WaitFTP(FtpState::Other, parts_.transfer.logIn());
-  if (!failed_) WaitFTP(FtpState::Other, parts_.transfer.changeFolder(target_));
-  return !failed_;
+bool FolderUploader::connectAgain(Lane& lane) {
+  lane.transfer.abort();
+  WaitFTP(lane, FtpState::Other, lane.transfer.connect(options_.connection));
+  if (!lane.failed) WaitFTP(lane, FtpState::Other, lane.transfer.logIn());
+  if (!lane.failed) WaitFTP(lane, FtpState::Other, lane.transfer.changeFolder(target_));
+  return !lane.failed;
 }
 
-void FolderUploader::sendFile() {
-  MessaggioFTP("Invio del file " + file_.name, false);
-  showProgress(0);
+void FolderUploader::sendFile(Lane& lane) {
+  MessaggioFTP("Invio del file " + lane.file.name, false);
+  showProgress(lane, 0);
   if (options_.safeUpload && options_.otpMode == OtpMode::None) {
-    storeSafely();
+    storeSafely(lane);
   } else {
-    storeFile();
+    storeFile(lane);
   }
-  if (!failed_ && !options_.serverNT) setRights();
+  if (!lane.failed && !options_.serverNT) setRights(lane);
 }
 
-void FolderUploader::storeFile() {
-  const bool appends = isPasswordList(file_.name) && options_.otpMode == OtpMode::Append;
+void FolderUploader::storeFile(Lane& lane) {
+  const bool appends = isPasswordList(lane.file.name) && options_.otpMode == OtpMode::Append;
   // What is appended to must stay.
-  if (!appends) WaitFTP(FtpState::DeleteBefore, parts_.transfer.deleteFile(file_.name));
-  if (failed_) return;
-  const TransferMode mode = modeOf(file_.name);
-  WaitFTP(uploadState(), appends ? parts_.transfer.append(file_.path, file_.name, mode)
-                                 : parts_.transfer.upload(file_.path, file_.name, mode));
+  if (!appends) WaitFTP(lane, FtpState::DeleteBefore, lane.transfer.deleteFile(lane.file.name));
+  if (lane.failed) return;
+  const TransferMode mode = modeOf(lane.file.name);
+  WaitFTP(lane, uploadState(lane),
+          appends ? lane.transfer.append(lane.file.path, lane.file.name, mode)
+                  : lane.transfer.upload(lane.file.path, lane.file.name, mode));
 }
 
-void FolderUploader::storeSafely() {
-  const std::string temporary = temporaryStart + file_.name;
-  WaitFTP(FtpState::Other, parts_.transfer.upload(file_.path, temporary, modeOf(file_.name)));
-  if (failed_) return;
-  TransferCompletion renamed = parts_.transfer.renameFile(temporary, file_.name);
+void FolderUploader::storeSafely(Lane& lane) {
+  const std::string temporary = temporaryStart + lane.file.name;
+  WaitFTP(lane, FtpState::Other, lane.transfer.upload(lane.file.path, temporary, modeOf(lane.file.name)));
+  if (lane.failed) return;
+  TransferCompletion renamed = lane.transfer.renameFile(temporary, lane.file.name);
   if (isFileCommandFailure(renamed.code)) {
     // There are servers that rename over nothing.
-    WaitFTP(FtpState::DeleteBefore, parts_.transfer.deleteFile(file_.name));
-    if (failed_) return;
-    renamed = parts_.transfer.renameFile(temporary, file_.name);
+    WaitFTP(lane, FtpState::DeleteBefore, lane.transfer.deleteFile(lane.file.name));
+    if (lane.failed) return;
+    renamed = lane.transfer.renameFile(temporary, lane.file.name);
   }
-  WaitFTP(uploadState(), renamed);
+  WaitFTP(lane, uploadState(lane), renamed);
 }
 
-void FolderUploader::setRights() {
-  if (!isScript(file_.name) && !isPasswordList(file_.name)) return;
-  const std::string rights = isScript(file_.name) ? "755 " : "666 ";
-  WaitFTP(FtpState::Other, parts_.transfer.rawCommand("SITE chmod " + rights + file_.name));
+void FolderUploader::setRights(Lane& lane) {
+  if (!isScript(lane.file.name) && !isPasswordList(lane.file.name)) return;
+  const std::string rights = isScript(lane.file.name) ? "755 " : "666 ";
+  WaitFTP(lane, FtpState::Other, lane.transfer.rawCommand("SITE chmod " + rights + lane.file.name));
 }
 
 }  // namespace kv

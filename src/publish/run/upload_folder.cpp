@@ -8,14 +8,11 @@
 namespace kv {
 
 FolderUploader::FolderUploader(UploadParts parts, UploadOptions options) : parts_(parts), options_(std::move(options)) {
-  TransferEvents events;
-  events.line = [this](const std::string& line) { MessaggioFTP(line, true); };
-  events.yield = [this] { return mayGoOn(); };
-  events.sent = [this](std::uint64_t bytes) { showProgress(bytes); };
-  events.trust = [this](const UntrustedServer& server) { return trusts(server); };
-  parts_.transfer.listen(std::move(events));
+  addLane(parts_.transfer);
   startedAt_ = parts_.clock.now();
 }
+
+FolderUploader::~FolderUploader() = default;
 
 bool FolderUploader::opensSession() const {
   return folder_.firstFolder || options_.otpMode != OtpMode::None || options_.keepNoSession;
@@ -24,9 +21,10 @@ bool FolderUploader::opensSession() const {
 bool FolderUploader::UpdateFTP(const FolderUpload& folder) {
   folder_ = folder;
   failed_ = shown_ = false;
+  first().failed = false;
   parts_.view.title("Korvane - " + folder.title);
   std::vector<std::string> names = listFiles(folder.localFolder, "*.*");
-  if (options_.safeUpload) names = inSendingOrder(std::move(names));
+  if (options_.safeUpload || options_.connections > 1) names = inSendingOrder(std::move(names));
   if (names.empty()) return emptyFolder();
   if (options_.disabled) return carriedByHand();
   host_ = options_.connection.host = serverHost(options_.connection.host);
@@ -48,7 +46,7 @@ bool FolderUploader::emptyFolder() {
         Icon::Exclamation);
     return false;
   }
-  if (parts_.transfer.isConnected()) WaitFTP(FtpState::LeaveEmpty, parts_.transfer.quit());
+  if (parts_.transfer.isConnected()) WaitFTP(first(), FtpState::LeaveEmpty, parts_.transfer.quit());
   return !cancelled_;
 }
 
@@ -64,31 +62,40 @@ bool FolderUploader::carriedByHand() {
 
 bool FolderUploader::enterServer() {
   if (opensSession()) {
-    WaitFTP(FtpState::Other, parts_.transfer.connect(options_.connection));
-    if (!failed_) WaitFTP(FtpState::Other, parts_.transfer.logIn());
+    WaitFTP(first(), FtpState::Other, parts_.transfer.connect(options_.connection));
+    if (!failed_) WaitFTP(first(), FtpState::Other, parts_.transfer.logIn());
     if (failed_) return false;
     const TransferCompletion current = parts_.transfer.currentFolder();
-    WaitFTP(FtpState::Other, current);
+    WaitFTP(first(), FtpState::Other, current);
     base_ = current.text;
   } else {
-    WaitFTP(FtpState::Other, parts_.transfer.changeFolder(base_));
+    WaitFTP(first(), FtpState::Other, parts_.transfer.changeFolder(base_));
   }
-  if (!failed_) WaitFTP(FtpState::EnterTarget, parts_.transfer.changeFolder(target_));
+  if (!failed_) WaitFTP(first(), FtpState::EnterTarget, parts_.transfer.changeFolder(target_));
   return !failed_;
 }
 
 bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
-  for (std::size_t i = 0; i < names.size() && !failed_; ++i) {
-    if (!mayGoOn()) return false;
-    const std::string& name = names[i];
-    progress_.filesDone = static_cast<int>(i + 1);
-    if (options_.sendAll && i % FileTable::groupSize == 0) doubtNext(names, i);
-    if (!failed_ && CaricaFile(name, options_.choice)) sendIfNewer(name);
+  next_ = 0;
+  if (options_.connections > 1) {
+    sendSideBySide(names);
+  } else {
+    sendNext(first(), names, names.size());
   }
   progress_.file.clear();
-  if (failed_) return false;
-  if (!folder_.firstFolder || options_.keepNoSession) WaitFTP(FtpState::Other, parts_.transfer.quit());
+  if (!failed_ && !cancelled_ && !options_.cleanUpFolders.empty()) offerCleanUp();
+  if (failed_ || cancelled_) return false;
+  if (!folder_.firstFolder || options_.keepNoSession) WaitFTP(first(), FtpState::Other, parts_.transfer.quit());
   return !cancelled_;
+}
+
+void FolderUploader::sendNext(Lane& lane, const std::vector<std::string>& names, std::size_t end) {
+  while (next_ < end && !failed_ && mayGoOn()) {
+    const std::size_t i = next_++;
+    progress_.filesDone = static_cast<int>(i + 1);
+    if (options_.sendAll && i % FileTable::groupSize == 0) doubtNext(names, i);
+    if (!failed_ && CaricaFile(names[i], options_.choice)) sendIfNewer(lane, names[i]);
+  }
 }
 
 void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_t from) {
@@ -97,20 +104,20 @@ void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_
   for (std::size_t i = from; i < names.size() && i < from + FileTable::groupSize; ++i) {
     if (CaricaFile(names[i], options_.choice)) keys.push_back(keyOf(names[i]));
   }
-  tellTable(parts_.table.doubt(keys));
+  tellTable(first(), parts_.table.doubt(keys));
 }
 
 std::string FolderUploader::keyOf(const std::string& name) const { return host_ + "/" + target_ + "/" + name; }
 
 bool FolderUploader::enterOrMake(const std::string& part) {
   if (parts_.transfer.changeFolder(part).succeeded()) return true;
-  WaitFTP(FtpState::MakeFolder, parts_.transfer.makeFolder(part));
+  WaitFTP(first(), FtpState::MakeFolder, parts_.transfer.makeFolder(part));
   return !failed_ && parts_.transfer.changeFolder(part).succeeded();
 }
 
 void FolderUploader::CreaCartella() {
   const std::string start = target_.starts_with('/') ? "/" : base_;
-  WaitFTP(FtpState::Other, parts_.transfer.changeFolder(start));
+  WaitFTP(first(), FtpState::Other, parts_.transfer.changeFolder(start));
   std::string_view rest = target_;
   while (!failed_ && !rest.empty()) {
     const std::size_t slash = rest.find('/');
@@ -119,7 +126,7 @@ void FolderUploader::CreaCartella() {
     if (!part.empty() && !enterOrMake(part)) break;
   }
   if (failed_) return;
-  WaitFTP(FtpState::Other, parts_.transfer.changeFolder(start));
+  WaitFTP(first(), FtpState::Other, parts_.transfer.changeFolder(start));
   if (failed_ || parts_.transfer.changeFolder(target_).succeeded()) return;
   failed_ = true;
   if (cancelled_) return;
@@ -129,17 +136,17 @@ void FolderUploader::CreaCartella() {
 
 void FolderUploader::offerFolder() {
   failed_ = true;
-  if (auto cleaned = parts_.table.PulisciDB(host_, target_); !cleaned) return tellTable(cleaned);
+  if (auto cleaned = parts_.table.PulisciDB(host_, target_); !cleaned) return tellTable(first(), cleaned);
   const Question question{"La cartella specificata (" + target_ + ")\nnon è presente sul server. Si desidera crearla?",
                           Buttons::YesNo, Answer::No, Icon::Question};
   if (parts_.user.question(question) != Answer::Yes) return;
-  failed_ = false;
+  failed_ = first().failed = false;
   options_.sendAll = true;
   CreaCartella();
 }
 
 void FolderUploader::HideForm() {
-  parts_.transfer.abort();
+  for (Lane& lane : lanes_) lane.transfer.abort();
   log_.close();
 }
 

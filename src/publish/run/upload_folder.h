@@ -2,6 +2,9 @@
 // UpdateFTP: sends one folder of the shop to one folder of the server, each file that is new or newer than what the
 // file table remembers. One object serves one run, its two folders one after the other over one connection.
 
+#include <deque>
+#include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,8 +43,12 @@ struct UploadOptions {
   OtpMode otpMode = OtpMode::None;
   bool safeUpload = false;    ///< each file under a temporary name, then renamed over the old one; pages late, SQL last
   bool contentCheck = false;  ///< a newer file with the bytes last sent isn't sent
+  int connections = 1;        ///< 1 to 4, over which files are sent at once; kinds of files come in their order then
   /// How long to wait before each further attempt after the connection broke, in milliseconds; empty: none is made.
   std::vector<int> retryPauses{};
+  /// The local folders of the shop, if files on the server that the shop no longer has are offered for removal; empty:
+  /// nothing is removed.
+  std::vector<std::string> cleanUpFolders{};
 };
 
 /// One folder to be sent.
@@ -65,6 +72,9 @@ struct UploadParts {
 class FolderUploader {
  public:
   FolderUploader(UploadParts parts, UploadOptions options);
+  FolderUploader(const FolderUploader&) = delete;
+  FolderUploader& operator=(const FolderUploader&) = delete;
+  ~FolderUploader();
 
   /// UpdateFTP (update by FTP): sends one folder. False when it failed, was refused or cancelled; the user knows why.
   bool UpdateFTP(const FolderUpload& folder);
@@ -82,6 +92,17 @@ class FolderUploader {
     std::string digest;  // empty when it isn't wanted
     bool known = false;
   };
+  /// One connection and what goes over it. The first one is the run's own and enters the folders; the others only send.
+  struct Lane {
+    Transfer& transfer;
+    int number = 1;
+    FileInHand file{};
+    FtpState state = FtpState::Other;
+    bool failed = false;
+    bool broken = false;           // failed, by a broken connection, and untold: there are attempts left
+    std::size_t attemptsLeft = 0;  // for the file in hand
+    std::uint64_t fileBytes = 0;   // of the file in hand, sent so far
+  };
 
   bool carriedByHand();
   bool emptyFolder();
@@ -89,25 +110,38 @@ class FolderUploader {
   bool sendFiles(const std::vector<std::string>& names);
   void doubtNext(const std::vector<std::string>& names, std::size_t from);
   std::string keyOf(const std::string& name) const;
-  void sendIfNewer(const std::string& name);
-  bool hasSameContent(const SentFile& row) const;
-  void sendWithRetries();
-  bool connectAgain();
-  void sendFile();
-  void storeFile();
-  void storeSafely();
-  FtpState uploadState() const { return file_.known ? FtpState::UploadKnown : FtpState::UploadNew; }
-  void setRights();
-  void noteSent();
-  void tellTable(const Result<>& written);
+  Lane& first() { return lanes_.front(); }
+  Lane& addLane(Transfer& transfer);
+  void makeFurtherLanes();
+  void sendSideBySide(const std::vector<std::string>& names);
+  /// How many files from `begin` to before `end` are new or newer, up to the number of lanes.
+  std::size_t filesForLanes(const std::vector<std::string>& names, std::size_t begin, std::size_t end);
+  void sendNext(Lane& lane, const std::vector<std::string>& names, std::size_t end);
+  void helpSending(Lane& lane, const std::vector<std::string>& names, std::size_t end);
+  void leaveFurtherLanes();
+  void sendIfNewer(Lane& lane, const std::string& name);
+  static bool hasSameContent(const SentFile& row, const std::string& digest);
+  void sendWithRetries(Lane& lane);
+  bool connectAgain(Lane& lane);
+  void sendFile(Lane& lane);
+  void storeFile(Lane& lane);
+  void storeSafely(Lane& lane);
+  static FtpState uploadState(const Lane& lane) {
+    return lane.file.known ? FtpState::UploadKnown : FtpState::UploadNew;
+  }
+  void setRights(Lane& lane);
+  void noteSent(Lane& lane);
+  void tellTable(Lane& lane, const Result<>& written);
   void CreaCartella();
   bool enterOrMake(const std::string& part);
   void offerFolder();
-  void refuse(const TransferCompletion& completion, const std::string& hint = {});
-  void WaitFTP(FtpState state, const TransferCompletion& completion);
-  void completeFailed(const TransferCompletion& completion);
+  void offerCleanUp();
+  void removeFromServer(const std::string& name, std::vector<std::string>& left);
+  void refuse(Lane& lane, const TransferCompletion& completion, const std::string& hint = {});
+  void WaitFTP(Lane& lane, FtpState state, const TransferCompletion& completion);
+  void completeFailed(Lane& lane, const TransferCompletion& completion);
   void MessaggioFTP(const std::string& text, bool toLog);
-  void showProgress(std::uint64_t fileBytes);
+  void showProgress(Lane& lane, std::uint64_t fileBytes);
   bool mayGoOn();
   bool trusts(const UntrustedServer& server);
   bool opensSession() const;
@@ -116,14 +150,14 @@ class FolderUploader {
   UploadOptions options_;
   FolderUpload folder_;
   std::string host_, target_, base_;
-  FileInHand file_;
+  std::vector<std::unique_ptr<Transfer>> furtherTransfers_;
+  std::deque<Lane> lanes_;
+  std::size_t next_ = 0;            // file of the folder that no lane has taken yet
+  std::set<std::string> accepted_;  // fingerprints that the user has accepted
   FtpLog log_;
-  FtpState state_ = FtpState::Other;
   bool failed_ = false;
   bool shown_ = false;
   bool cancelled_ = false;
-  bool broken_ = false;           // failed_, by a broken connection, and untold: there are attempts left
-  std::size_t attemptsLeft_ = 0;  // for the file in hand
   PublishProgress progress_;
   PublishReport report_;
   double startedAt_ = 0;

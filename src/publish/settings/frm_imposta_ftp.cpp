@@ -2,9 +2,11 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -116,7 +118,15 @@ QWidget* frmImpostaFTP::makeLater() {
   QGroupBox* group = groupNamed("Trasferimento");
   chkSicuro_ = addBox(group, "Invio sic&uro: il file vecchio resta finché il nuovo non è completo", "chkSicuro");
   chkContenuto_ = addBox(group, "Non inviare i file con lo stesso co&ntenuto", "chkContenuto");
+  cboConnessioni_ = named(new QComboBox(), "cboConnessioni");
+  for (const char* number : {"1", "2", "3", "4"}) cboConnessioni_->addItem(number);
+  auto* connections = new QHBoxLayout();
+  connections->addWidget(labelFor("Conn&essioni contemporanee:", cboConnessioni_));
+  connections->addWidget(cboConnessioni_);
+  connections->addStretch();
+  qobject_cast<QVBoxLayout*>(group->layout())->addLayout(connections);
   chkRiprova_ = addBox(group, "Riprova i trasferimenti interrotti", "chkRiprova");
+  chkPulizia_ = addBox(group, "Proponi di eliminare dal server i file che il negozio non ha &più", "chkPulizia");
   auto* cmdConsigliate = named(new QPushButton(toQt("Impostazioni consi&gliate")), "cmdConsigliate");
   cmdConsigliate->setAutoDefault(false);
   connect(cmdConsigliate, &QPushButton::clicked, this, [this] {
@@ -144,7 +154,9 @@ void frmImpostaFTP::show(const PublishOptions& options) {
   (settings.lockTables ? optMySql3_ : optMySql4_)->setChecked(true);
   chkSicuro_->setChecked(settings.safeUpload);
   chkContenuto_->setChecked(settings.contentCheck);
+  cboConnessioni_->setCurrentIndex(settings.connections - 1);
   chkRiprova_->setChecked(settings.retry);
+  chkPulizia_->setChecked(settings.cleanUp);
   enable();
 }
 
@@ -161,7 +173,9 @@ PublishOptions frmImpostaFTP::shown() const {
   settings.lockTables = optMySql3_->isChecked();
   settings.safeUpload = chkSicuro_->isChecked();
   settings.contentCheck = chkContenuto_->isChecked();
+  settings.connections = cboConnessioni_->currentIndex() + 1;
   settings.retry = chkRiprova_->isChecked();
+  settings.cleanUp = chkPulizia_->isChecked();
   return options;
 }
 

@@ -9,6 +9,7 @@
 #include "store/shop/session.h"
 
 class QCheckBox;
+class QComboBox;
 class QRadioButton;
 class QWidget;
 
@@ -52,7 +53,9 @@ class frmImpostaFTP final : public FormDialog {
   QRadioButton* optMySql4_ = nullptr;
   QCheckBox* chkSicuro_ = nullptr;
   QCheckBox* chkContenuto_ = nullptr;
+  QComboBox* cboConnessioni_ = nullptr;
   QCheckBox* chkRiprova_ = nullptr;
+  QCheckBox* chkPulizia_ = nullptr;
 };
 
 }  // namespace kv

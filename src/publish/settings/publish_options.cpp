@@ -26,7 +26,10 @@ void PublishOptions::reset() {
   settings.allRecords = true;
 }
 
-void PublishOptions::recommend() { settings.safeUpload = settings.contentCheck = settings.retry = true; }
+void PublishOptions::recommend() {
+  settings.safeUpload = settings.contentCheck = settings.retry = true;
+  settings.connections = recommendedConnections;
+}
 
 PublishSettings PublishOptions::chosen() const {
   PublishSettings result = settings;

@@ -34,7 +34,9 @@ struct PublishOptions {
   /// The default choices of everything the reset names: only modified files of the shop, of every type, by FTP, and all
   /// records.
   void reset();
-  /// "Impostazioni consigliate": safe upload, content check and retry.
+  /// Few hosts allow a visitor fewer connections than these.
+  static constexpr int recommendedConnections = 3;
+  /// "Impostazioni consigliate": safe upload, several connections, content check and retry.
   void recommend();
   /// What is to be written.
   PublishSettings chosen() const;

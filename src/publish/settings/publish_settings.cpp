@@ -14,6 +14,7 @@ namespace {
 constexpr std::string_view separatorSetting = "QS2";
 constexpr std::string_view advancedSeparator = ";\\g";
 constexpr int shortestSilence = 5, longestSilence = 3600;
+constexpr int mostSendingConnections = 4;
 
 /// A whole number within limits; what is no number leaves the target as it is.
 void readPublishNumber(std::string_view value, int least, int most, int& target) {
@@ -37,11 +38,13 @@ void readPublishValue(const KeyLine& line, PublishSettings& settings) {
                                    {"LOCK:", &PublishSettings::lockTables, unlessZero},
                                    {"SAFE:", &PublishSettings::safeUpload, isOn},
                                    {"HASH:", &PublishSettings::contentCheck, isOn},
-                                   {"RETR:", &PublishSettings::retry, isOn}};
+                                   {"RETR:", &PublishSettings::retry, isOn},
+                                   {"PULI:", &PublishSettings::cleanUp, isOn}};
   for (const Flag& flag : flags) {
     if (line.key == flag.key) settings.*flag.field = flag.read(value);
   }
   if (line.key == "TYPE:") settings.types = value;
+  if (line.key == "CONN:") readPublishNumber(value, 1, mostSendingConnections, settings.connections);
   if (line.key == "WAIT:") readPublishNumber(value, shortestSilence, longestSilence, settings.silenceSeconds);
 }
 
@@ -56,6 +59,8 @@ void addLaterPublishKeys(const PublishSettings& settings, std::vector<KeyLine>& 
   addFlag("SAFE:", settings.safeUpload);
   addFlag("HASH:", settings.contentCheck);
   addFlag("RETR:", settings.retry);
+  addNumber("CONN:", settings.connections, untouched.connections);
+  addFlag("PULI:", settings.cleanUp);
   addNumber("WAIT:", settings.silenceSeconds, untouched.silenceSeconds);
 }
 

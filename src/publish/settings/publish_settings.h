@@ -33,6 +33,8 @@ struct PublishSettings {
   bool safeUpload = false;      ///< SAFE: each file under a temporary name first, then renamed
   bool contentCheck = false;    ///< HASH: a file with the bytes last sent isn't sent again
   bool retry = false;           ///< RETR: a broken transfer is tried again, three times
+  int connections = 1;          ///< CONN: over how many connections files are sent at once, 1 to 4
+  bool cleanUp = false;         ///< PULI: files of ours that the last build no longer lists are offered for removal
   int silenceSeconds = 60;      ///< WAIT: how long a server may be silent, 5 to 3600
   friend bool operator==(const PublishSettings&, const PublishSettings&) = default;
 };
