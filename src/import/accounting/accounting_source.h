@@ -18,7 +18,7 @@ namespace kv {
 /// The fields of a row, one for each column that was asked for.
 using AccountingRow = std::vector<Value>;
 
-/// An opened source; the file behind it is only read.
+/// An opened source; the file it reads is never changed.
 class AccountingSource {
  public:
   virtual ~AccountingSource() = default;

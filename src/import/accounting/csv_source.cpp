@@ -139,7 +139,7 @@ Result<CsvTable> readCsvTable(const std::string& path) {
   const std::string text = decodeCsv(*bytes, table.form);
   table.form.separator = separatorOf(text);
   table.records = splitCsv(text, table.form.separator);
-  table.form.decimalSign = decimalSignOf(numbersOf(table), table.form.separator);
+  table.form.decimalSeparator = decimalSeparatorOf(numbersOf(table), table.form.separator);
   return table;
 }
 
@@ -167,7 +167,8 @@ class CsvSource final : public AccountingSource {
       AccountingRow row;
       for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string_view text = read->field(record, indexes[i]);
-        row.emplace_back(isNumberColumn(columns[i]) ? plainCsvNumber(text, read->form.decimalSign) : std::string(text));
+        row.emplace_back(isNumberColumn(columns[i]) ? plainCsvNumber(text, read->form.decimalSeparator)
+                                                    : std::string(text));
       }
       found.push_back(std::move(row));
     }
@@ -180,8 +181,8 @@ class CsvSource final : public AccountingSource {
       const auto path = findEntry(folder_, name);
       const auto table = path ? readCsvTable(*path) : fail(ErrorKind::Missing, folder_, name);
       if (!table) continue;
-      text += std::string(name) + ": " + (table->form.utf8 ? "Unicode" : "Windows-1252") + ", separatore \"" +
-              csvName(table->form.separator) + "\", segno decimale \"" + table->form.decimalSign + "\"\n";
+      text += std::string(name) + ": " + (table->form.utf8 ? "Unicode" : "Windows-1252") + ", separatore di campo \"" +
+              csvName(table->form.separator) + "\", separatore decimale \"" + table->form.decimalSeparator + "\"\n";
     }
     return text;
   }
@@ -219,7 +220,7 @@ char separatorOf(std::string_view text) {
   return best;
 }
 
-char decimalSignOf(const std::vector<std::string>& numbers, char separator) {
+char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator) {
   std::ptrdiff_t commas = 0, points = 0;
   for (const std::string& number : numbers) {
     const auto last = number.find_last_of(",.");
@@ -235,11 +236,11 @@ char decimalSignOf(const std::vector<std::string>& numbers, char separator) {
   return commas > points ? ',' : '.';
 }
 
-std::string plainCsvNumber(std::string_view text, char decimalSign) {
-  const char groupSign = decimalSign == ',' ? '.' : ',';
+std::string plainCsvNumber(std::string_view text, char decimalSeparator) {
+  const char groupSign = decimalSeparator == ',' ? '.' : ',';
   std::string plain;
   for (const char c : trim(text)) {
-    if (c != groupSign) plain += c == decimalSign ? '.' : c;
+    if (c != groupSign) plain += c == decimalSeparator ? '.' : c;
   }
   return plain;
 }

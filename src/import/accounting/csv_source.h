@@ -1,6 +1,6 @@
 #pragma once
 // Tables of the accounting package as text files, one a table, the columns named by the first line. Programs write such
-// files in several ways, so code page, separator and decimal sign are found out from the bytes.
+// files in several ways, so code page, separator and decimal separator are found out from the bytes.
 
 #include "import/accounting/accounting_source.h"
 
@@ -8,9 +8,9 @@ namespace kv {
 
 /// How a file of separated values is written.
 struct CsvForm {
-  bool utf8 = true;        ///< else Windows-1252
-  char separator = ';';    ///< between fields: ';', ',', tab or '|'
-  char decimalSign = ',';  ///< in numbers: ',' or '.'
+  bool utf8 = true;             ///< else Windows-1252
+  char separator = ';';         ///< between fields: ';', ',', tab or '|'
+  char decimalSeparator = ',';  ///< in numbers: ',' or '.'
 };
 
 /// Splits a text into records of fields: a field in double quotes may hold separators, line ends and, doubled, quotes.
@@ -21,12 +21,12 @@ std::vector<std::vector<std::string>> splitCsv(std::string_view text, char separ
 std::string decodeCsv(std::string_view bytes, CsvForm& form);
 /// The separator that the first record has most of; ';' when it has none.
 char separatorOf(std::string_view text);
-/// The decimal sign of the numbers among these texts: the last sign before one, two, four or more digits; what stands
+/// The decimal separator of the numbers among these texts: the last one before one, two, four or more digits; what is
 /// in groups of three alone tells nothing, and ',' holds unless it separates the fields.
-char decimalSignOf(const std::vector<std::string>& numbers, char separator);
-/// A number written with this decimal sign as a text with "." for decimals and no group signs.
+char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator);
+/// A number written with this decimal separator as a text with "." for decimals and no group signs.
 /// "1.234,50" with ',' is "1234.50".
-std::string plainCsvNumber(std::string_view text, char decimalSign);
+std::string plainCsvNumber(std::string_view text, char decimalSeparator);
 
 /// Opens a folder with `Categoria.csv` and `Articoli.csv`, or with `Nomi.csv`, names in any case. Missing when they
 /// aren't there.
