@@ -25,7 +25,8 @@ const std::map<std::string_view, CommandRow>& commands() {
       {"export-sql", {CliCommand::ExportSql}},
       {"new", {CliCommand::New}},
       {"export", {CliCommand::Export, "la cartella di destinazione", {"--with="}}},
-      {"import", {CliCommand::Import, "la cartella di origine", {"--dry-run"}}},
+      {"import",
+       {CliCommand::Import, "la cartella di origine", {"--dry-run", "--options=", "--variant=", "--company="}}},
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
       {"picture", {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}},
       {"publish", {CliCommand::Publish, nullptr, {"--dry-run", "--all"}}},
@@ -184,6 +185,9 @@ std::string usageText() {
          "  import NEGOZIO ORIGINE\n"
          "                      sostituisce i dati del negozio con quelli del negozio Primo contenuto nella cartella\n"
          "                      ORIGINE. --dry-run: dice soltanto che cosa verrebbe importato\n"
+         "  import NEGOZIO ORIGINE [--options CIFRE] [--variant 0..5] [--company ID]\n"
+         "                      importa reparti e articoli da Orsa Gestionale, se ORIGINE ne è il database o una\n"
+         "                      cartella con Categoria.csv e Articoli.csv. --options: la riga delle impostazioni\n"
          "  purge NEGOZIO       elenca le immagini inutilizzate. --delete: le cancella\n"
          "  picture NEGOZIO FILE --article ID|--department ID --slot 0|1|2\n"
          "                      imposta un'immagine e ne mostra nome e dimensioni. --fit 180x135: la adatta a queste\n"

@@ -1,7 +1,9 @@
 #include "shell/cli/exchange_commands.h"
 
+#include "import/accounting/accounting_source.h"
 #include "media/purge/unused_pictures.h"
 #include "platform/files/files.h"
+#include "shell/cli/accounting_command.h"
 #include "shell/cli/cli_session.h"
 #include "store/catalogue/used_pictures.h"
 #include "store/exchange/export_shop.h"
@@ -29,6 +31,8 @@ CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environm
 
 CliOutcome importShop(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   const std::string source = absolutePath(line.object);
+  // A shop is a folder: a file is the accounting package's, and so are the tables of one in a folder.
+  if (fileExists(source) || isAccountingSource(source)) return importAccounting(shop, line, env, out);
   CliSession open(env);
   if (!open.open(shop) || !holdsSource(env, source)) return CliOutcome::Failed;
   if (line.has("--dry-run")) {

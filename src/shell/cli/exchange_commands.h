@@ -13,7 +13,8 @@ namespace kv {
 /// Exports the shop into an empty folder, which is made when it isn't there.
 CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environment& env);
 
-/// Imports a shop of the earlier product line; with --dry-run tells on `out` what would be imported.
+/// Imports a shop of the earlier product line, or, where the source is one of the accounting package, departments and
+/// articles (accounting_command.h); with --dry-run tells on `out` what would be imported.
 CliOutcome importShop(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out);
 
 /// Names the unused pictures of the shop on `out`, one a line; with --delete deletes them after a question.

@@ -17,6 +17,7 @@
 #include "shell/dialogs/frm_backup.h"
 #include "shell/dialogs/frm_browse.h"
 #include "shell/dialogs/frm_search.h"
+#include "shell/program/frm_accounting_dialogs.h"
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
@@ -147,6 +148,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wirePictures(dialogs, window, session, env);
   wireExchange(dialogs, window, session, env);
   wireSales(window, session, env);
+  wireAccounting(window, session, env);
   wireCommerceDialogs(window, session, env);
   wirePublishing(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);

@@ -1,0 +1,68 @@
+#pragma once
+// What an import would do, row by row, computed from the source and the catalogue before anything is written. The
+// preview shows it and the import writes it, so that both say the same.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "import/accounting/accounting_options.h"
+#include "import/accounting/accounting_source.h"
+#include "platform/database/database.h"
+#include "platform/numbers/money.h"
+
+namespace kv {
+
+/// What becomes of a row of the source.
+enum class RowFate {
+  New,      ///< a row of the catalogue is added
+  Changed,  ///< the row that is there takes other values
+  Same,     ///< the row that is there has these values already
+  LeftOut   ///< nothing is written; the reason says why
+};
+
+struct PlannedDepartment {
+  RowFate fate = RowFate::New;
+  std::string ID;           ///< "dgf" and the row's `Id`
+  std::string titolo;       ///< of at most 99 characters and the mark
+  std::string descrizione;  ///< `Nome`, uncut
+  std::string reason;       ///< in Italian; empty unless left out
+};
+
+struct PlannedArticle {
+  RowFate fate = RowFate::New;
+  std::size_t of = 0;  ///< the article that it changes: its position in the plan's `keys`
+  std::string catID, codice, titolo;
+  Money prezzo, offertaprezzo;
+  double iva = 0;  ///< the rate, 0.22 for 22 percent
+  std::string reason;
+};
+
+/// The catalogue and the options that an import has.
+struct AccountingTarget {
+  AccountingOptions options;
+  int generation = 2;
+};
+
+struct AccountingPlan {
+  std::vector<PlannedDepartment> departments;
+  std::vector<PlannedArticle> articles;
+  /// IDs of the articles that rows of the plan mean; 0 for one that the import adds first.
+  std::vector<std::int64_t> keys;
+  bool hasVat = false;  ///< the catalogue's articles have a column `iva`
+
+  /// How many rows have a fate.
+  std::size_t countDepartments(RowFate fate) const;
+  std::size_t countArticles(RowFate fate) const;
+};
+
+/// Plans an import. The source is read whole first: Missing when it lacks a table or column. Failures of the
+/// catalogue as Database::prepare.
+Result<AccountingPlan> planAccountingImport(Database& catalogue, const AccountingSource& source,
+                                            const AccountingTarget& target);
+
+/// The plan as lines of text in Italian: totals, then each row with what becomes of it and why.
+std::string planText(const AccountingPlan& plan, const AccountingOptions& options);
+
+}  // namespace kv

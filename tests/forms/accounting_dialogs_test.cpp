@@ -1,0 +1,188 @@
+// The dialogs of the import from the accounting package, in their windows.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+
+#include "import/accounting/frm_importa_og.h"
+#include "import/accounting/frm_importa_ogma_prog.h"
+#include "import/accounting/frm_og_choose.h"
+#include "wired_window.h"
+
+namespace kv {
+namespace {
+
+using test::click;
+using test::control;
+
+class TheAccountingDialogs : public test::DialogFixture {
+ protected:
+  void SetUp() override {
+    DialogFixture::SetUp();
+    source = root / "orsa.db";
+    auto made = Database::create(source);
+    ASSERT_TRUE(made);
+    ASSERT_TRUE(
+        made->execute("CREATE TABLE Categoria (Id INTEGER, Nome TEXT); INSERT INTO Categoria VALUES (7, 'Vasi');"
+                      "CREATE TABLE Articoli (Id INTEGER, IdCategoria INTEGER, Codice TEXT, Descrizione TEXT,"
+                      " iva DOUBLE, Vendita1 DOUBLE);"
+                      "INSERT INTO Articoli VALUES (1, 7, 'A', 'Vaso', 22, 3.5);"
+                      "CREATE TABLE Nomi (ID INTEGER, nome TEXT, path TEXT)"));
+    ASSERT_TRUE(made->execute("INSERT INTO Nomi VALUES (4, 'Uno', 'manca.mdb'), (9, 'Due', '" + source + "')"));
+  }
+  /// Enter in a dialog presses its default button.
+  static void accept(QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }
+  std::string source;
+};
+
+TEST_F(TheAccountingDialogs, TheChoiceListsInstalledVariantsAndReturnsTheNumber) {
+  ASSERT_TRUE(storeAccountingPath(settings, accountingVariants()[1], source));
+  ASSERT_TRUE(storeAccountingPath(settings, accountingVariants()[5], source));
+  frmOGChoose dialog(settings, user);
+  show(dialog);
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  auto* list = control<QListWidget>(dialog, "lstVarianti");
+  ASSERT_EQ(list->count(), 2);
+  EXPECT_EQ(list->currentRow(), 0);
+  list->setCurrentRow(1);
+  EXPECT_EQ(fromQt(control<QLineEdit>(dialog, "txtPercorso")->text()), source);
+  test::keepPicture(dialog, "og_choose");
+  accept(dialog);
+  EXPECT_EQ(dialog.tag(), "5");
+}
+
+TEST_F(TheAccountingDialogs, AFolderChosenForAVariantInstallsItAndOkStoresIt) {
+  frmOGChoose dialog(settings, user);
+  show(dialog);
+  accept(dialog);
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Selezionare una variante di Orsa Gestionale"}));
+  control<QComboBox>(dialog, "cboVariante")->setCurrentIndex(3);
+  user.folders = {shop};
+  click(dialog, "cmdCartella");
+  EXPECT_EQ(control<QListWidget>(dialog, "lstVarianti")->count(), 1);
+  EXPECT_EQ(accountingPath(settings, accountingVariants()[3]), "");
+  accept(dialog);
+  EXPECT_EQ(dialog.tag(), "3");
+  EXPECT_EQ(accountingPath(settings, accountingVariants()[3]), shop);
+}
+
+TEST_F(TheAccountingDialogs, EscapeFromTheChoiceStoresNothing) {
+  frmOGChoose dialog(settings, user);
+  show(dialog);
+  user.folders = {shop};
+  click(dialog, "cmdCartella");
+  expectEscapeLeaves(dialog);
+  EXPECT_TRUE(installedVariants(settings).empty());
+}
+
+TEST_F(TheAccountingDialogs, OkWithoutATargetPriceListSaysSo) {
+  frmImportaOG dialog(savedAccountingOptions(shop, accountingVariants()[0]), user);
+  show(dialog);
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  accept(dialog);
+  EXPECT_EQ(user.shown, (std::vector<test::Shown>{{"Impostare il listino di destinazione", Icon::Exclamation}}));
+  EXPECT_TRUE(dialog.isVisible());
+  control<QComboBox>(dialog, "cboListino")->setCurrentIndex(2);
+  accept(dialog);
+  EXPECT_EQ(dialog.tag(), "0100112");
+}
+
+TEST_F(TheAccountingDialogs, ASavedLineFillsTheControlsAndIsReadBackEqual) {
+  for (const char* line : {"1231013", "0190109"}) {
+    frmImportaOG dialog(readAccountingOptions(line, 2), user);
+    show(dialog);
+    EXPECT_EQ(dialog.findChild<QCheckBox*>(QStringLiteral("chkVista0")), nullptr);
+    accept(dialog);
+    EXPECT_EQ(dialog.tag(), line);
+  }
+}
+
+TEST_F(TheAccountingDialogs, TheThirdGenerationHasABoxForEachVisibility) {
+  frmImportaOG3 dialog(readAccountingOptions("12310130101", 3), user);
+  show(dialog);
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  EXPECT_EQ(control<QCheckBox>(dialog, "chkVista1")->text(), "Visibili solo in scarico e fatturazione");
+  EXPECT_TRUE(control<QCheckBox>(dialog, "chkVista1")->isChecked());
+  test::keepPicture(dialog, "importa_og3");
+  QTest::keyClick(control<QCheckBox>(dialog, "chkVista0"), Qt::Key_Space);
+  accept(dialog);
+  EXPECT_EQ(dialog.tag(), "12310131101");
+}
+
+TEST_F(TheAccountingDialogs, EscapeFromTheOptionsReturnsNothing) {
+  frmImportaOG3 dialog(readAccountingOptions("", 3), user);
+  show(dialog);
+  expectEscapeLeaves(dialog);
+}
+
+TEST_F(TheAccountingDialogs, ThePreviewFollowsTheCompanyAndWritesNothing) {
+  AccountingRequest request;
+  request.variant = accountingVariants()[2];
+  request.line = "0100100";
+  request.path = source;
+  const std::string before = stored("COUNT(*)", "articoli");
+  frmImportaOGMAProg dialog(session, settings, request);
+  show(dialog);
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  const auto* preview = control<QPlainTextEdit>(dialog, "txtAnteprima");
+  EXPECT_EQ(fromQt(preview->toPlainText()), "Il database \"manca.mdb\" non può essere aperto\n");
+  control<QComboBox>(dialog, "cboSelect")->setCurrentIndex(1);
+  EXPECT_TRUE(fromQt(preview->toPlainText()).starts_with("Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi"));
+  test::keepPicture(dialog, "importa_ogma_prog");
+  EXPECT_EQ(test::defaultButton(dialog), "Importa");
+  accept(dialog);
+  EXPECT_EQ(frmImportaOGMAProg::companyOf(dialog.tag()), "9");
+  EXPECT_EQ(stored("COUNT(*)", "articoli"), before);
+  EXPECT_FALSE(fileExists(shop + "/og.ini"));
+}
+
+TEST_F(TheAccountingDialogs, AVariantWithoutCompaniesShowsItsPreviewAlone) {
+  AccountingRequest request;
+  request.line = "0100100";
+  request.path = source;
+  request.variant = accountingVariants()[0];
+  frmImportaOGMAProg dialog(session, settings, request);
+  show(dialog);
+  EXPECT_EQ(dialog.findChild<QComboBox*>(QStringLiteral("cboSelect")), nullptr);
+  expectEscapeLeaves(dialog);
+}
+
+class TheAccountingImportInTheWindow : public test::WiredWindow {
+ protected:
+  /// Presses Enter in this many dialogs, one after the other.
+  void acceptNext(int dialogs) {
+    if (dialogs == 0) return;
+    whenShown(QStringLiteral("Korvane - Importa da Orsa Gestionale"), [this, dialogs](QWidget& dialog) {
+      acceptNext(dialogs - 1);
+      QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+  }
+};
+
+TEST_F(TheAccountingImportInTheWindow, GoesThroughThreeDialogsAndIsOneStepOfUndo) {
+  const std::string source = root / "orsa.db";
+  auto made = Database::create(source);
+  ASSERT_TRUE(made && made->execute("CREATE TABLE Categoria (Id INTEGER, Nome TEXT);"
+                                    "INSERT INTO Categoria VALUES (7, 'Vasi');"
+                                    "CREATE TABLE Articoli (Id INTEGER, IdCategoria INTEGER, Codice TEXT,"
+                                    " Descrizione TEXT, iva DOUBLE, Vendita1 DOUBLE);"
+                                    "INSERT INTO Articoli VALUES (1, 7, 'A1', 'Vaso', 22, 3.5)"));
+  ASSERT_TRUE(storeAccountingPath(settings, accountingVariants()[0], source));
+  ASSERT_TRUE(saveAccountingLine(shop, accountingVariants()[0], "0100100"));
+  openWindow();
+  acceptNext(3);
+  ASSERT_TRUE(choose("import.accounting"));
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Importazione completata"}));
+  EXPECT_EQ(stored("COUNT(*)", "articoli WHERE codice = 'A1'"), "1");
+  EXPECT_EQ(stored("COUNT(*)", "categorie WHERE ID = 'dgf7'"), "1");
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(stored("COUNT(*)", "articoli WHERE codice = 'A1'"), "0");
+  EXPECT_EQ(stored("COUNT(*)", "categorie WHERE ID = 'dgf7'"), "0");
+}
+
+}  // namespace
+}  // namespace kv

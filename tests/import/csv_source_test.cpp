@@ -1,0 +1,97 @@
+// A source of text files: what is found out about their form, and what is read from them.
+#include "import/accounting/csv_source.h"
+#include "accounting_shop.h"
+
+namespace kv::test {
+namespace {
+
+using Records = std::vector<std::vector<std::string>>;
+
+TEST(CsvTest, QuotesHoldSeparatorsLineEndsAndQuotes) {
+  EXPECT_EQ(splitCsv("a;\"b;\"\"c\"\"\r\nd\";\r\n\r\n;x\re\nf", ';'),
+            (Records{{"a", "b;\"c\"\r\nd", ""}, {"", "x"}, {"e"}, {"f"}}));
+  EXPECT_EQ(splitCsv("a,\"offen", ','), (Records{{"a", "offen"}}));
+  EXPECT_EQ(splitCsv("", ';'), Records{});
+}
+
+TEST(CsvTest, TheCodePageIsFoundOut) {
+  CsvForm form;
+  EXPECT_EQ(decodeCsv("\xEF\xBB\xBFt\xC3\xA8", form), "tè");
+  EXPECT_TRUE(form.utf8);
+  EXPECT_EQ(decodeCsv("t\xE8 \x80", form), "tè €");
+  EXPECT_FALSE(form.utf8);
+  EXPECT_EQ(decodeCsv(std::string("\xFF\xFEt\0\xE8\0", 6), form), "tè");
+  EXPECT_TRUE(form.utf8);
+}
+
+TEST(CsvTest, TheSeparatorIsTheMostFrequentOneOfTheFirstLine) {
+  EXPECT_EQ(separatorOf("Id;Nome\n1,2,3,4;b"), ';');
+  EXPECT_EQ(separatorOf("Id,Nome,x;y\n"), ',');
+  EXPECT_EQ(separatorOf("Id\tNome\n"), '\t');
+  EXPECT_EQ(separatorOf("Id"), ';');
+}
+
+TEST(CsvTest, TheDecimalSeparatorIsFoundAmongTheNumbers) {
+  EXPECT_EQ(decimalSeparatorOf({"1.234", "12,50"}, ';'), ',');
+  EXPECT_EQ(decimalSeparatorOf({"1,234", "12.50"}, ';'), '.');
+  EXPECT_EQ(decimalSeparatorOf({"1.234,500"}, ';'), ',');
+  EXPECT_EQ(decimalSeparatorOf({"1.234", "5"}, ';'), ',');
+  EXPECT_EQ(decimalSeparatorOf({"5"}, ','), '.');
+  EXPECT_EQ(plainCsvNumber(" 1.234,50 ", ','), "1234.50");
+  EXPECT_EQ(plainCsvNumber("1,234.50", '.'), "1234.50");
+}
+
+class CsvFolder : public AccountingShop {
+ protected:
+  CsvFolder() {
+    request.path = root / "dati";
+    EXPECT_TRUE(createFolders(request.path));
+    EXPECT_TRUE(writeBytes(request.path + "/categoria.CSV", "Id;Nome\r\n7;Caff\xE8\r\n"));
+    EXPECT_TRUE(writeBytes(
+        request.path + "/Articoli.csv",
+        "Vendita1;Id;IdCategoria;Codice;Descrizione;iva\r\n\"1.234,56\";42;7;;\"Tazza; \"\"blu\"\"\";22,0\r\n"));
+  }
+};
+
+TEST_F(CsvFolder, IsImportedLikeADatabase) {
+  importWith("0101100");
+  EXPECT_EQ(rows("SELECT ID, titolo FROM categorie"), "dgf7|Caffè\n");
+  EXPECT_EQ(rows("SELECT codice, titolo, prezzo FROM articoli"), "OG00042|Tazza; \"blu\"|1506.16\n");
+}
+
+TEST_F(CsvFolder, ItsFormIsShownInThePreview) {
+  const std::string preview = accountingPreviewText(session, settings, request);
+  EXPECT_TRUE(preview.starts_with(
+      "Categoria.csv: Windows-1252, separatore di campo \";\", separatore decimale \",\"\n"
+      "Articoli.csv: Unicode, separatore di campo \";\", separatore decimale \",\"\nReparti: 1 nuovi"))
+      << preview;
+}
+
+TEST_F(CsvFolder, WithoutItsTwoFilesIsNoSource) {
+  EXPECT_TRUE(isAccountingSource(request.path));
+  ASSERT_TRUE(deleteFile(request.path + "/Articoli.csv"));
+  EXPECT_FALSE(isAccountingSource(request.path));
+  EXPECT_EQ(import(), AccountingEnd::NotDone);
+  EXPECT_EQ(user.texts()[0], "Il database \"" + request.path + "\" non può essere aperto");
+}
+
+TEST_F(CsvFolder, AFileThatIsCutOffAnywhereIsReadOrRefusedButNeverHalfARow) {
+  const std::string whole = *readBytes(request.path + "/Articoli.csv");
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    ASSERT_TRUE(writeBytes(request.path + "/Articoli.csv", whole.substr(0, size)));
+    const auto plan = previewAccounting(session, settings, request);
+    EXPECT_LE(plan ? plan->articles.size() : 0, 1U) << size;
+  }
+}
+
+TEST_F(AccountingShop, AFileOfAnotherKindIsNoSource) {
+  request.path = root / "testo.mdb";
+  ASSERT_TRUE(writeBytes(request.path, "niente"));
+  EXPECT_FALSE(isAccountingSource(request.path));
+  EXPECT_FALSE(isAccountingSource(root / "manca"));
+  EXPECT_FALSE(isAccountingSource(shop + "/catalog.mdb"));
+  EXPECT_TRUE(isAccountingSource(source));
+}
+
+}  // namespace
+}  // namespace kv::test
