@@ -86,6 +86,68 @@ TEST_F(StoreChanges, AChangedRowKeepsTheFieldsThatDifferAlone) {
   EXPECT_EQ(rows(database, "SELECT nome, n FROM t WHERE ID = 1"), "altro|1.0\n");
 }
 
+TEST_F(StoreChanges, ARowThatIsChangedTwiceAndThenDeletedComesBackAsItFirstWas) {
+  const std::string before = all();
+  run(database,
+      "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET n = 8, prezzo = 3 WHERE ID = 1; DELETE FROM t WHERE ID = 1;"
+      "UPDATE t SET prezzo = 4 WHERE ID = 2; DELETE FROM t WHERE ID = 2; INSERT INTO t (ID, nome) VALUES (2, 'nuovo')");
+  const std::string after = all();
+  const RowChanges changes = taken();
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+  ASSERT_TRUE(recorder->repeat(changes));
+  EXPECT_EQ(all(), after);
+}
+
+TEST_F(StoreChanges, FieldsChangedOneAfterTheOtherAreOneChangeOfTheRow) {
+  const std::string before = all();
+  run(database,
+      "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET prezzo = 9 WHERE ID = 1; UPDATE t SET n = 1 WHERE ID = 1;"
+      "UPDATE t SET nome = 'Uno' WHERE ID = 1");
+  const std::string after = all();
+  const RowChanges changes = taken();
+  ASSERT_EQ(changes.size(), 1U);
+  EXPECT_EQ(changes[0].columns, (std::vector<std::size_t>{2, 1})) << "n has its old value again";
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+  ASSERT_TRUE(recorder->repeat(changes));
+  EXPECT_EQ(all(), after);
+}
+
+TEST_F(StoreChanges, ARowThatGetsAnotherNumberComesBackUnderItsOwn) {
+  const std::string before = all();
+  run(database, "UPDATE t SET n = 5 WHERE ID = 1; UPDATE t SET ID = 9 WHERE ID = 1; UPDATE t SET n = 6 WHERE ID = 9");
+  const std::string after = all();
+  const RowChanges changes = taken();
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+  ASSERT_TRUE(recorder->repeat(changes));
+  EXPECT_EQ(all(), after);
+}
+
+TEST_F(StoreChanges, RowsThatExchangeAKeyAndRowsThatDoNotGoBackTogether) {
+  const std::string before = all();
+  run(database,
+      "UPDATE t SET nome = 'x', n = 3 WHERE ID = 1; UPDATE t SET nome = 'uno' WHERE ID = 2;"
+      "UPDATE t SET nome = 'due' WHERE ID = 1; UPDATE t SET n = NULL, prezzo = 7 WHERE ID = 3");
+  const std::string after = all();
+  const RowChanges changes = taken();
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+  ASSERT_TRUE(recorder->repeat(changes));
+  EXPECT_EQ(all(), after);
+}
+
+TEST_F(StoreChanges, AFieldOfAConditionalKeyIsExchangedWithItsRow) {
+  run(database, "CREATE UNIQUE INDEX tp ON t (prezzo) WHERE n > 1; UPDATE t SET prezzo = 1, n = 2 WHERE ID = 2");
+  (void)taken();
+  const std::string before = all();
+  run(database, "UPDATE t SET n = 0 WHERE ID = 2; UPDATE t SET prezzo = 1, n = 2 WHERE ID = 3");
+  const RowChanges changes = taken();
+  ASSERT_TRUE(recorder->revert(changes));
+  EXPECT_EQ(all(), before);
+}
+
 TEST_F(StoreChanges, AChangeThatComesToNothingIsNoChange) {
   run(database, "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET n = 1 WHERE ID = 1");
   EXPECT_TRUE(taken().empty());

@@ -1,63 +1,35 @@
-// The recorder uses the engine's pre-update hook. Only the first image of a row is kept while statements run; its
-// present image is read when the changes are taken, so a rollback needs no bookkeeping of its own.
+// The recorder uses the engine's pre-update hook. Of a changed row only the fields that were changed are kept while
+// statements run, as they first were: a bulk change touches every row of the widest table. The present fields are read
+// when the changes are taken, so a rollback needs no bookkeeping of its own.
 // Source: SQLite, "The pre-update hook".
 
 #define SQLITE_ENABLE_PREUPDATE_HOOK 1
 #include "platform/database/changes.h"
 
+#include <algorithm>
 #include <map>
-#include <set>
+#include <optional>
 #include <utility>
 
-#include "platform/database/engine.h"
+#include "platform/database/change_rows.h"
 
 namespace kv {
 namespace {
 
-using Key = std::pair<std::string, std::int64_t>;
+using Key = std::pair<std::size_t, std::int64_t>;  ///< index of the table's name, number of the row
 
-Cell cellOf(sqlite3_value* value) {
-  const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
-  switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER:
-      return std::int64_t{sqlite3_value_int64(value)};
-    case SQLITE_FLOAT:
-      return sqlite3_value_double(value);
-    case SQLITE_TEXT:
-      return std::string(static_cast<const char*>(static_cast<const void*>(sqlite3_value_text(value))), size);
-    case SQLITE_BLOB: {
-      const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_value_blob(value));
-      return size == 0 ? Bytes{} : Bytes(bytes, bytes + size);
-    }
-    default:
-      return std::monostate{};
-  }
-}
-
-struct Binder {
-  sqlite3_stmt* statement;
-  int index;
-  int operator()(std::monostate) const { return sqlite3_bind_null(statement, index); }
-  int operator()(std::int64_t number) const { return sqlite3_bind_int64(statement, index, number); }
-  int operator()(double number) const { return sqlite3_bind_double(statement, index, number); }
-  int operator()(const std::string& text) const {
-    return sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
-  }
-  int operator()(const Bytes& bytes) const {
-    if (bytes.empty()) return sqlite3_bind_zeroblob(statement, index, 0);
-    return sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), SQLITE_STATIC);
-  }
-};
-
-struct Finisher {
-  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using Prepared = std::unique_ptr<sqlite3_stmt, Finisher>;
-using Statements = std::map<std::string, Prepared>;  ///< by table
 using Image = RowImage RowChange::*;
 
-RowChange changeOf(const Key& key, RowImage before, RowImage after) {
-  RowChange change{key.first, key.second, {}, {}, {}};
+/// What is kept of a row as it first was.
+struct FirstImage {
+  Key key;
+  bool whole = true;                 ///< of all its fields; an empty image: there was no row
+  std::vector<std::size_t> columns;  ///< of a row that isn't whole: its fields that were changed, in the order of that
+  RowImage image;
+};
+
+/// The change from one whole image to another.
+RowChange changeOf(RowChange change, RowImage before, RowImage after) {
   if (before.size() != after.size()) {
     change.before = std::move(before);
     change.after = std::move(after);
@@ -69,6 +41,27 @@ RowChange changeOf(const Key& key, RowImage before, RowImage after) {
     change.before.push_back(std::move(before[i]));
     change.after.push_back(std::move(after[i]));
   }
+  return change;
+}
+
+/// The change of the fields that were kept; nothing when they are as they were.
+std::optional<RowChange> changeOfFields(RowChange change, FirstImage first, RowImage now) {
+  if (first.image == now) return std::nullopt;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < now.size(); ++i) {
+    if (first.image[i] == now[i]) continue;
+    if (kept != i) {
+      first.columns[kept] = first.columns[i];
+      first.image[kept] = std::move(first.image[i]);
+      now[kept] = std::move(now[i]);
+    }
+    ++kept;
+  }
+  for (RowImage* image : {&first.image, &now}) image->resize(kept);
+  first.columns.resize(kept);
+  change.columns = std::move(first.columns);
+  change.before = std::move(first.image);
+  change.after = std::move(now);
   return change;
 }
 
@@ -92,98 +85,112 @@ struct ChangeRecorder::State {
   Database& database;
   sqlite3* handle;
   std::function<bool(std::string_view)> watched;
-  std::vector<std::pair<Key, RowImage>> first;  ///< images before, in the order of the first touch
-  std::set<Key> seen;
+  std::vector<std::string> tables;     ///< names that keys refer to
+  std::vector<FirstImage> first;       ///< in the order of the first touch
+  std::map<Key, std::size_t> seen;     ///< indexes into `first`
+  std::vector<std::size_t> differing;  ///< fields of the row in hand
   bool paused = false;
 
-  void note(Key key, RowImage image) {
-    if (seen.insert(key).second) first.emplace_back(std::move(key), std::move(image));
-  }
   void hear(int operation, const char* table, std::int64_t oldRow, std::int64_t newRow);
-  Result<Prepared> prepare(const std::string& sql) const;
-  Result<Prepared> prepareInsert(const std::string& table) const;
-  Result<RowImage> read(const Key& key, Statements& readers) const;
-  Result<> write(const RowChange& change, const RowImage& image, Statements& statements) const;
+  std::size_t tableIndex(std::string_view name);
+  FirstImage* firstTouched(const Key& key);
+  void noteMissing(const Key& key);
+  void noteWhole(const Key& key);
+  void noteFields(const Key& key);
+  Result<std::optional<RowChange>> changeSince(FirstImage image, ChangeRows& rows) const;
   Result<RowImage> target(const RowChange& change, Image from, Image to, RowImage present) const;
+  Result<> check(const RowChange& change, Image from, ChangeRows& rows) const;
   Result<> exchange(const RowChanges& changes, Image from, Image to) const;
+  Result<> exchangeWhole(const std::vector<const RowChange*>& changes, Image from, Image to, ChangeRows& rows) const;
   Result<> move(const RowChanges& changes, Image from, Image to);
+  tl::unexpected<Error> hasChangedSince(const std::string& table) const {
+    return fail(ErrorKind::Malformed, database.path(), "a row of " + table + " has changed since");
+  }
 };
+
+std::size_t ChangeRecorder::State::tableIndex(std::string_view name) {
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    if (tables[i] == name) return i;
+  }
+  tables.emplace_back(name);
+  return tables.size() - 1;
+}
+
+/// The image of a row, for a row that is touched for the first time a new one; nothing when it needs no more.
+FirstImage* ChangeRecorder::State::firstTouched(const Key& key) {
+  const auto [entry, isNew] = seen.try_emplace(key, first.size());
+  if (isNew) return &first.emplace_back(FirstImage{key, false, {}, {}});
+  FirstImage& image = first[entry->second];
+  return image.whole ? nullptr : &image;
+}
+
+void ChangeRecorder::State::noteMissing(const Key& key) {
+  // A row that was there before has been deleted, and is whole.
+  FirstImage* image = firstTouched(key);
+  if (image != nullptr && image->columns.empty()) image->whole = true;
+}
+
+void ChangeRecorder::State::noteWhole(const Key& key) {
+  FirstImage* image = firstTouched(key);
+  if (image == nullptr) return;
+  const auto count = static_cast<std::size_t>(sqlite3_preupdate_count(handle));
+  RowImage cells(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    sqlite3_value* value = nullptr;
+    if (sqlite3_preupdate_old(handle, static_cast<int>(i), &value) == SQLITE_OK && value != nullptr) {
+      cells[i] = cellOf(value);
+    }
+  }
+  for (std::size_t i = 0; i < image->columns.size(); ++i) cells[image->columns[i]] = std::move(image->image[i]);
+  *image = {key, true, {}, std::move(cells)};
+}
+
+void ChangeRecorder::State::noteFields(const Key& key) {
+  FirstImage* image = firstTouched(key);
+  if (image == nullptr) return;
+  differing.clear();
+  const int count = sqlite3_preupdate_count(handle);
+  for (int i = 0; i < count; ++i) {
+    sqlite3_value *before = nullptr, *after = nullptr;
+    const bool known = sqlite3_preupdate_old(handle, i, &before) == SQLITE_OK && before != nullptr &&
+                       sqlite3_preupdate_new(handle, i, &after) == SQLITE_OK && after != nullptr;
+    if (!known || isSameValue(before, after)) continue;
+    const auto column = static_cast<std::size_t>(i);
+    if (std::find(image->columns.begin(), image->columns.end(), column) == image->columns.end()) {
+      differing.push_back(column);
+    }
+  }
+  image->columns.reserve(image->columns.size() + differing.size());
+  image->image.reserve(image->image.size() + differing.size());
+  for (const std::size_t column : differing) {
+    sqlite3_value* before = nullptr;
+    sqlite3_preupdate_old(handle, static_cast<int>(column), &before);
+    image->columns.push_back(column);
+    image->image.push_back(cellOf(before));
+  }
+}
 
 void ChangeRecorder::State::hear(int operation, const char* table, std::int64_t oldRow, std::int64_t newRow) {
   if (paused || !watched(table)) return;
-  RowImage image;
-  if (operation != SQLITE_INSERT) {
-    const int columns = sqlite3_preupdate_count(handle);
-    image.reserve(static_cast<std::size_t>(columns));
-    for (int i = 0; i < columns; ++i) {
-      sqlite3_value* value = nullptr;
-      if (sqlite3_preupdate_old(handle, i, &value) != SQLITE_OK || value == nullptr) return;
-      image.push_back(cellOf(value));
-    }
-  }
-  if (operation == SQLITE_INSERT) {
-    note({table, newRow}, {});
-  } else {
-    note({table, oldRow}, std::move(image));
-    if (operation == SQLITE_UPDATE && newRow != oldRow) note({table, newRow}, {});
-  }
+  const std::size_t index = tableIndex(table);
+  if (operation == SQLITE_INSERT) return noteMissing({index, newRow});
+  if (operation == SQLITE_UPDATE && newRow == oldRow) return noteFields({index, oldRow});
+  noteWhole({index, oldRow});
+  if (operation == SQLITE_UPDATE) noteMissing({index, newRow});
 }
 
-Result<Prepared> ChangeRecorder::State::prepare(const std::string& sql) const {
-  sqlite3_stmt* statement = nullptr;
-  const int code = engine::prepare(handle, sql, 0, &statement);
-  if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, database.path()));
-  return Prepared(statement);
-}
-
-Result<RowImage> ChangeRecorder::State::read(const Key& key, Statements& readers) const {
-  Prepared& reader = readers[key.first];
-  if (!reader) {
-    auto made = prepare("SELECT * FROM main." + engine::quoted(key.first) + " WHERE rowid = ?1");
-    if (!made) return fail(made.error());
-    reader = std::move(*made);
+Result<std::optional<RowChange>> ChangeRecorder::State::changeSince(FirstImage image, ChangeRows& rows) const {
+  RowChange change{tables[image.key.first], image.key.second, {}, {}, {}};
+  if (!image.whole && image.columns.empty()) return std::nullopt;
+  auto now = rows.read(change.table, change.row, image.whole ? nullptr : &image.columns);
+  if (!now) return fail(now.error());
+  if (!image.whole) {
+    // The engine reports every deletion, so that a row whose fields were kept is there.
+    if (now->empty()) return hasChangedSince(change.table);
+    return changeOfFields(std::move(change), std::move(image), std::move(*now));
   }
-  sqlite3_bind_int64(reader.get(), 1, key.second);
-  RowImage image;
-  const int code = engine::step(reader.get());
-  if (code == SQLITE_ROW) {
-    const int columns = sqlite3_column_count(reader.get());
-    for (int i = 0; i < columns; ++i) image.push_back(cellOf(sqlite3_column_value(reader.get(), i)));
-  }
-  sqlite3_reset(reader.get());
-  if (code != SQLITE_ROW && code != SQLITE_DONE) return fail(engine::errorOf(handle, code, database.path()));
-  return image;
-}
-
-Result<Prepared> ChangeRecorder::State::prepareInsert(const std::string& table) const {
-  auto shape = prepare("SELECT * FROM main." + engine::quoted(table) + " LIMIT 0");
-  if (!shape) return fail(shape.error());
-  std::string names = "rowid";
-  std::string parameters = "?1";
-  for (int i = 0; i < sqlite3_column_count(shape->get()); ++i) {
-    names += ", " + engine::quoted(sqlite3_column_name(shape->get(), i));
-    parameters += ", ?" + std::to_string(i + 2);
-  }
-  return prepare("INSERT INTO main." + engine::quoted(table) + " (" + names + ") VALUES (" + parameters + ")");
-}
-
-/// Runs the statement of a table for one row; prepares it for the first one.
-Result<> ChangeRecorder::State::write(const RowChange& change, const RowImage& image, Statements& statements) const {
-  Prepared& statement = statements[change.table];
-  if (!statement) {
-    auto made = image.empty() ? prepare("DELETE FROM main." + engine::quoted(change.table) + " WHERE rowid = ?1")
-                              : prepareInsert(change.table);
-    if (!made) return fail(made.error());
-    statement = std::move(*made);
-  }
-  int code = sqlite3_bind_int64(statement.get(), 1, change.row);
-  for (std::size_t i = 0; code == SQLITE_OK && i < image.size(); ++i) {
-    code = std::visit(Binder{statement.get(), static_cast<int>(i) + 2}, image[i]);
-  }
-  if (code == SQLITE_OK) code = engine::step(statement.get());
-  sqlite3_reset(statement.get());
-  if (code != SQLITE_DONE) return fail(engine::errorOf(handle, code, database.path()));
-  return {};
+  if (*now == image.image) return std::nullopt;
+  return changeOf(std::move(change), std::move(image.image), std::move(*now));
 }
 
 /// The row that `change` leads to, computed from the present one. Malformed when that isn't what `from` says.
@@ -191,34 +198,57 @@ Result<RowImage> ChangeRecorder::State::target(const RowChange& change, Image fr
   const RowImage& expected = change.*from;
   bool same = change.columns.empty() ? present == expected : !present.empty();
   for (std::size_t i = 0; same && i < change.columns.size(); ++i) same = present[change.columns[i]] == expected[i];
-  if (!same) return fail(ErrorKind::Malformed, database.path(), "a row of " + change.table + " has changed since");
+  if (!same) return hasChangedSince(change.table);
   if (change.columns.empty()) return change.*to;
   for (std::size_t i = 0; i < change.columns.size(); ++i) present[change.columns[i]] = (change.*to)[i];
   return present;
 }
 
-/// Checks all rows, then deletes all of them and inserts the wanted ones. A row by row update could meet the unique key
-/// of another row that is to change as well.
-Result<> ChangeRecorder::State::exchange(const RowChanges& changes, Image from, Image to) const {
+/// Malformed when the fields of a changed row aren't what `from` says.
+Result<> ChangeRecorder::State::check(const RowChange& change, Image from, ChangeRows& rows) const {
+  const auto present = rows.read(change.table, change.row, &change.columns);
+  if (!present) return fail(present.error());
+  if (*present != change.*from) return hasChangedSince(change.table);
+  return {};
+}
+
+/// Checks rows, then deletes all of them and inserts the wanted ones. A row by row update could meet the unique key of
+/// another row that is to change as well.
+Result<> ChangeRecorder::State::exchangeWhole(const std::vector<const RowChange*>& changes, Image from, Image to,
+                                              ChangeRows& rows) const {
   std::vector<RowImage> wanted;
-  {
-    Statements readers;
-    for (const RowChange& change : changes) {
-      auto present = read({change.table, change.row}, readers);
-      if (!present) return fail(present.error());
-      auto image = target(change, from, to, std::move(*present));
-      if (!image) return fail(image.error());
-      wanted.push_back(std::move(*image));
-    }
+  for (const RowChange* change : changes) {
+    auto present = rows.read(change->table, change->row);
+    if (!present) return fail(present.error());
+    auto image = target(*change, from, to, std::move(*present));
+    if (!image) return fail(image.error());
+    wanted.push_back(std::move(*image));
   }
-  Statements deletions;
-  for (const RowChange& change : changes) {
-    if (auto done = write(change, {}, deletions); !done) return done;
+  for (const RowChange* change : changes) {
+    if (auto done = rows.remove(change->table, change->row); !done) return done;
   }
-  Statements insertions;
   for (std::size_t i = 0; i < changes.size(); ++i) {
     if (wanted[i].empty()) continue;
-    if (auto done = write(changes[i], wanted[i], insertions); !done) return done;
+    if (auto done = rows.insert(changes[i]->table, changes[i]->row, wanted[i]); !done) return done;
+  }
+  return {};
+}
+
+/// Fields that are no part of a unique key are written in their rows; the other rows are exchanged whole.
+Result<> ChangeRecorder::State::exchange(const RowChanges& changes, Image from, Image to) const {
+  ChangeRows rows(handle, database.path());
+  std::vector<const RowChange*> whole, fields;
+  for (const RowChange& change : changes) {
+    const auto keyed = change.columns.empty() ? Result<bool>(true) : rows.areKeys(change.table, change.columns);
+    if (!keyed) return fail(keyed.error());
+    (*keyed ? whole : fields).push_back(&change);
+  }
+  for (const RowChange* change : fields) {
+    if (auto done = check(*change, from, rows); !done) return done;
+  }
+  if (auto done = exchangeWhole(whole, from, to, rows); !done) return done;
+  for (const RowChange* change : fields) {
+    if (auto done = rows.update(change->table, change->row, change->columns, change->*to); !done) return done;
   }
   return {};
 }
@@ -237,7 +267,7 @@ Result<> ChangeRecorder::State::move(const RowChanges& changes, Image from, Imag
 }
 
 ChangeRecorder::ChangeRecorder(Database& database, std::function<bool(std::string_view)> watched)
-    : state_(new State{database, database.handle_, std::move(watched), {}, {}, false}) {
+    : state_(new State{database, database.handle_, std::move(watched), {}, {}, {}, {}, false}) {
   sqlite3_preupdate_hook(
       state_->handle,
       [](void* context, sqlite3*, int operation, const char* schema, const char* table, sqlite3_int64 oldRow,
@@ -253,14 +283,15 @@ ChangeRecorder::~ChangeRecorder() {
 
 Result<RowChanges> ChangeRecorder::take() {
   RowChanges changes;
-  Statements readers;
-  for (auto& [key, image] : state_->first) {
-    auto now = state_->read(key, readers);
-    if (!now) return fail(now.error());
-    if (*now != image) changes.push_back(changeOf(key, std::move(image), std::move(*now)));
-  }
-  state_->first.clear();
+  ChangeRows rows(state_->handle, state_->database.path());
   state_->seen.clear();
+  std::vector<FirstImage> first;
+  first.swap(state_->first);
+  for (FirstImage& image : first) {
+    auto change = state_->changeSince(std::move(image), rows);
+    if (!change) return fail(change.error());
+    if (*change) changes.push_back(std::move(**change));
+  }
   return changes;
 }
 

@@ -6,10 +6,6 @@
 namespace kv {
 namespace {
 
-constexpr const char* otherModeHint =
-    "\nProvare a cambiare la modalità di connessione (attiva/passiva)\n"
-    "nelle proprietà FTP avanzate (scheda \"Internet\", pulsante \"Avanzate\")";
-
 /// Whether a failure is one of the connection, which a new one may not have.
 bool isBroken(int code) {
   return code == transferNoConnection || code == transferSilence || code == transferNoData ||

@@ -6,6 +6,8 @@
 #include "commerce/gateways/frm_configura_pg.h"
 #include "commerce/shipping/frm_spedizione.h"
 #include "commerce/variants/frm_opzioni.h"
+#include "platform/ports/failure_text.h"
+#include "publish/passwords/frm_otp.h"
 #include "shell/program/shop_address.h"
 #include "store/catalogue/table_rollback.h"
 
@@ -42,10 +44,24 @@ void wireShipping(frmMain& window, Session& session, Environment& env, const std
   };
 }
 
+/// The lists of one-time passwords, over the dialog of the payment system.
+void openPasswordLists(Session& session, Environment& env) {
+  auto job = passwordJobOf(session);
+  if (!job) {
+    env.user.message(failureText(job.error()), Icon::Exclamation);
+    return;
+  }
+  const auto transfer = makeTransfer();
+  const auto http = makeHttpClient();
+  frmOTP dialog(std::move(*job), {*transfer, *http, env.user}, env.random, QApplication::activeModalWidget());
+  dialog.exec();
+}
+
 void wirePayment(frmMain& window, Session& session, Environment& env) {
   window.workbench().ports().dialogs.configurePayment = [&window, &session, &env] {
     GatewayHooks hooks;
     hooks.shopAddress = shopAddress(session);
+    hooks.passwords = [&session, &env] { openPasswordLists(session, env); };
     hooks.help = salesHelp(window);
     QWidget* const owner = QApplication::activeModalWidget();
     frmConfiguraPG dialog(session, env, std::move(hooks), owner != nullptr ? owner : &window);
