@@ -155,6 +155,30 @@ TEST_F(WorkedList, AnUntranslatedFieldShowsTheFirstLanguagesTextInGrey) {
   EXPECT_EQ(line(Articoli, "titolo").placeholderText(), "");
 }
 
+TEST_F(WorkedList, WhatIsToBeTranslatedCanBeFilteredInAShopOfSeveralLanguages) {
+  run(shop, "UPDATE articoli SET titolo_l2 = '' WHERE ID = 1; UPDATE articoli SET titolo_l2 = NULL WHERE ID = 3");
+  openList();
+  auto* untranslated = window->findChild<QToolButton*>(QStringLiteral("cmdDaTradurre"));
+  ASSERT_TRUE(untranslated->isVisible());
+  EXPECT_TRUE(choose("language.2"));
+  untranslated->click();
+  const std::vector<std::int64_t> wanted{1, 3};
+  std::vector<std::int64_t> shown;
+  ArticleModel& model = window->articles().articles();
+  for (int row = 0; row < model.rowCount(); ++row) shown.push_back(model.articleAt(row));
+  EXPECT_EQ(shown, wanted);
+  EXPECT_TRUE(choose("language.1"));
+  EXPECT_EQ(model.rowCount(), 0) << "every article has an Italian title";
+  untranslated->click();
+  EXPECT_EQ(titlesShown(), "Alba Brina Cielo");
+}
+
+TEST_F(WorkedList, AShopOfOneLanguageOffersNoFilterOfWhatIsToBeTranslated) {
+  run(shop, "UPDATE lingue SET lingua2 = NULL");
+  openList();
+  EXPECT_FALSE(window->findChild<QToolButton*>(QStringLiteral("cmdDaTradurre"))->isVisible());
+}
+
 TEST_F(WorkedList, TheStatusLineSaysWhatIsStored) {
   openList();
   auto* built = window->findChild<QLabel*>(QStringLiteral("lblCostruito"));

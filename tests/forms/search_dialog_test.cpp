@@ -71,6 +71,8 @@ TEST_F(TheSearchDialog, WithoutHitsSaysSoAndMostraIsOff) {
   click(*dialog, "cmdCerca");
   EXPECT_EQ(found(), 0);
   EXPECT_TRUE(control<QLabel>(*dialog, "lblNessuno")->isVisible());
+  EXPECT_TRUE(text->hasFocus());
+  EXPECT_EQ(text->selectedText(), "zzz nulla") << "the next words replace it";
   EXPECT_FALSE(control<QPushButton>(*dialog, "cmdMostra")->isEnabled());
   test::keepPicture(*dialog, "search_none");
   text->clear();

@@ -20,7 +20,8 @@ struct PlainDialog {
   const char* name;
   DialogMember member;
 };
-inline constexpr std::array plainDialogs{PlainDialog{"exportShop", &WorkbenchDialogs::exportShop},
+inline constexpr std::array plainDialogs{PlainDialog{"welcome", &WorkbenchDialogs::welcome},
+                                         PlainDialog{"exportShop", &WorkbenchDialogs::exportShop},
                                          PlainDialog{"importShop", &WorkbenchDialogs::importShop},
                                          PlainDialog{"restoreCopy", &WorkbenchDialogs::restoreCopy},
                                          PlainDialog{"changeFolders", &WorkbenchDialogs::changeFolders},

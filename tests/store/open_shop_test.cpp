@@ -50,6 +50,20 @@ TEST_F(OpeningAShop, DropsASeparatorAtTheEndOfThePath) {
   EXPECT_EQ(session.ShopFolder, shop);
 }
 
+TEST_F(OpeningAShop, AShopNamedAtTheStartIsAskedAboutAsOneOpenedFromTheMenu) {
+  const std::string shop = makeShop("uno");
+  write(shop + "/languages/klingon.lng", "words");
+  user.answers = {Answer::Yes};
+  const auto options = chooseShop(session, env, shop);
+  ASSERT_TRUE(options);
+  EXPECT_FALSE(session.catalogue.isOpen()) << "the start loads it";
+  EXPECT_EQ(startSession(session, env, *options), LoadResult::Opened);
+  EXPECT_THAT(user.texts(), ElementsAre(importLanguages));
+  EXPECT_TRUE(fileExists(application + "/languages/klingon.lng"));
+  EXPECT_FALSE(chooseShop(session, env, root / "nessuno"));
+  EXPECT_EQ(serverPath(), shop + "\r\n") << "a refused name leaves the last shop";
+}
+
 TEST_F(OpeningAShop, AsksForTheFolderWhenToldTo) {
   user.folders = {makeShop("uno")};
   EXPECT_TRUE(ApriNegozio(session, env, "*"));

@@ -8,7 +8,6 @@
 #include "platform/files/files.h"
 
 namespace kv {
-namespace {
 
 std::string homeFolder() {
   const char* const home = std::getenv("HOME");
@@ -16,8 +15,6 @@ std::string homeFolder() {
   const passwd* const user = ::getpwuid(::geteuid());
   return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "/";
 }
-
-}  // namespace
 
 std::string userFolder(const char* variable, const std::string& below) {
   const char* const named = std::getenv(variable);

@@ -1,5 +1,5 @@
 #pragma once
-// Where the files of one user belong. For the sources of this folder.
+// Where the files of one user belong.
 // Source: freedesktop.org, XDG base directories 0.8.
 
 #include <string>
@@ -9,5 +9,8 @@ namespace kv {
 /// A folder of this user: the one that the environment variable names, when it is an absolute path; else `below` in the
 /// home folder.
 std::string userFolder(const char* variable, const std::string& below);
+
+/// The home folder of this user: what HOME names, when it is an absolute path; else what the system knows; else "/".
+std::string homeFolder();
 
 }  // namespace kv

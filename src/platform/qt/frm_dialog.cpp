@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QShortcut>
 #include <QShowEvent>
@@ -36,6 +37,27 @@ QPushButton* plainButton(QDialogButtonBox& buttons, QDialogButtonBox::StandardBu
   button->setIcon(QIcon());
   return named(button, name);
 }
+
+/// Remembers the field of a dialog that had the focus last, and gives it back when the dialog is still open after its
+/// button was pressed: what was typed was refused.
+class FieldMemory final : public QObject {
+ public:
+  explicit FieldMemory(QWidget& dialog) : QObject(&dialog), dialog_(dialog) {
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+      const bool isField = now != nullptr && qobject_cast<QPushButton*>(now) == nullptr;
+      if (isField && dialog_.isAncestorOf(now)) field_ = now;
+    });
+  }
+  void giveBack() const {
+    const bool canTake = field_ != nullptr && field_->isEnabled() && field_->isVisible();
+    // A dialog that has named the field itself keeps its choice: the focus is on no button then.
+    if (canTake && qobject_cast<QPushButton*>(dialog_.focusWidget()) != nullptr) field_->setFocus();
+  }
+
+ private:
+  QWidget& dialog_;
+  QPointer<QWidget> field_;
+};
 
 }  // namespace
 
@@ -70,6 +92,9 @@ QDialogButtonBox* FormDialog::makeButtons(std::string_view accept, std::string_v
   plainButton(*buttons, QDialogButtonBox::Ok, accept, "cmdOK")->setDefault(true);
   plainButton(*buttons, QDialogButtonBox::Cancel, leave, "cmdAnnulla");
   connect(buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
+  // Queued: the dialog class connects its own routine later, which judges the fields and closes the dialog.
+  const auto* memory = new FieldMemory(*this);
+  connect(buttons, &QDialogButtonBox::accepted, memory, &FieldMemory::giveBack, Qt::QueuedConnection);
   return buttons;
 }
 

@@ -183,6 +183,7 @@ void frmSearch::search() {
   }();
   if (!hits) {
     env_.user.message(failureText(hits.error()), Icon::Critical);
+    txtTesto_->setFocus();
     return;
   }
   showHits(std::move(*hits));
@@ -195,6 +196,9 @@ void frmSearch::showHits(std::vector<ArticleHit> hits) {
   if (any) {
     lstArticoli_->setCurrentIndex(model_->index(0, 0));
     lstArticoli_->setFocus();
+  } else {
+    txtTesto_->setFocus();
+    txtTesto_->selectAll();
   }
   updateMostra();
 }

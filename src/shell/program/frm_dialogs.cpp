@@ -18,6 +18,7 @@
 #include "shell/dialogs/frm_browse.h"
 #include "shell/dialogs/frm_search.h"
 #include "shell/program/frm_accounting_dialogs.h"
+#include "shell/dialogs/frm_welcome.h"
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
@@ -107,6 +108,11 @@ void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
     frmBackup dialog(session.ShopFolder, env, &window);
     const std::string copy = run(dialog);
     return !copy.empty() && RipristinaCopia(session, env, copy);
+  };
+  dialogs.welcome = [&] {
+    frmWelcome dialog(welcomeFacts(session, env), env.user, &window);
+    dialog.exec();
+    return carryOutWelcome(dialog.choice(), session, env, dialogs.restoreCopy);
   };
 }
 

@@ -18,6 +18,7 @@
 #include "shell/dialogs/frm_about.h"
 #include "shell/dialogs/frm_backup.h"
 #include "shell/dialogs/frm_rescue.h"
+#include "shell/dialogs/recent_shops.h"
 #include "shell/program/frm_dialogs.h"
 #include "shell/program/frm_session_end.h"
 #include "shell/program/installed_data.h"
@@ -25,9 +26,8 @@
 #include "shell/window/frm_main.h"
 #include "shell/window/frm_style.h"
 #include "shell/workbench/commands/command_rows.h"
-#include "store/shop/server_path.h"
+#include "store/shop/open_shop.h"
 #include "store/shop/session_start.h"
-#include "store/shop/shop_check.h"
 #include "store/upgrade/shop_upgrade.h"
 
 namespace kv {
@@ -37,15 +37,6 @@ namespace {
 char decimalSeparator() {
   const QString point = QLocale::system().decimalPoint();
   return point == QLatin1String(".") ? '.' : ',';
-}
-
-/// Makes a shop folder that was asked for the one that the start finds; false when it is none.
-bool takeShop(const std::string& folder, const Environment& env) {
-  if (folder.empty()) return true;
-  const ShopCheck check = validateShop(folder);
-  if (check.ok) return writeServerPath(env.applicationFolder, folder).has_value();
-  env.user.message(check.message, Icon::Exclamation);
-  return false;
 }
 
 /// Words of the folder choice that Qt's own Italian lacks.
@@ -78,10 +69,12 @@ RescuePorts rescuePorts(Environment& env) {
   return ports;
 }
 
-/// What shows once, over the window that has just been painted.
-void greet(frmMain& window, Settings& settings) {
+/// What shows once, over the window that has just been painted. Whoever named a shop needs no page to choose one.
+void greet(frmMain& window, Settings& settings, bool isShopNamed) {
   frmAbout::showSplash(&window);
-  if (takeIntroTurn(settings)) showGuide(window);
+  if (!takeIntroTurn(settings)) return;
+  if (!isShopNamed) static_cast<void>(window.workbench().ports().dialogs.welcome());
+  if (window.isVisible()) showGuide(window);
 }
 
 }  // namespace
@@ -96,6 +89,7 @@ void wireSession(frmMain& window, Session& session, Environment& env) {
   env.hooks.reload = [&, isRescuing = std::make_shared<bool>(false)](const LoadOptions& options) {
     const WaitCursor busy;
     if (loadSession(session, env, options) == LoadResult::Opened) workbench.showShop();
+    if (session.catalogue.isOpen()) rememberShop(env.settings, session.ShopFolder);
     if (!session.catalogue.isOpen() && window.isVisible() && !*isRescuing) {
       *isRescuing = true;
       if (!rescueShop(session, env, rescuePorts(env))) window.QWidget::close();
@@ -139,13 +133,14 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   ports.decimalSeparator = decimalSeparator();
   frmMain window(session, env, std::move(ports));
   wireSession(window, session, env);
-  takeShop(absolutePath(arguments.shop), env);
-  const LoadResult loaded = startSession(session, env);
+  const auto named = chooseShop(session, env, absolutePath(arguments.shop));
+  const LoadResult loaded = startSession(session, env, named.value_or(LoadOptions{}));
   if (loaded == LoadResult::Opened) window.workbench().showShop();
   if (!rescueShop(session, env, rescuePorts(env))) return 1;
+  rememberShop(settings, session.ShopFolder);
   window.restoreLayout();
   appearance.takeEarlyAnswer();
-  window.whenShown([&] { greet(window, settings); });
+  window.whenShown([&] { greet(window, settings, named.has_value()); });
   user.setMainWindow(&window);
   window.show();
   const int status = QApplication::exec();

@@ -164,8 +164,10 @@ std::vector<std::int64_t> ArticleList::selected() const {
 void ArticleList::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
   if (model_->rowCount() > 0 || !workbench_.isOpen()) return;
-  const bool filtered = !model_->arrangement().filter.empty();
-  const QString text = filtered ? tr("Nessun articolo corrisponde al filtro.")
+  const ArticleArrangement& arrangement = model_->arrangement();
+  const QString text = arrangement.untranslated && arrangement.filter.empty()
+                           ? tr("Tutti gli articoli di questo reparto hanno un titolo in questa lingua.")
+                       : arrangement.isFiltered() ? tr("Nessun articolo corrisponde al filtro.")
                        : workbench_.sets().onDepartment()
                            ? tr("Questo reparto non ha articoli.\nCtrl+I ne aggiunge uno.")
                            : tr("Scegli un reparto per vederne gli articoli.");

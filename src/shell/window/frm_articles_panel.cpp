@@ -8,6 +8,7 @@
 
 #include "platform/qt/frm_dialog.h"
 #include "shell/window/frm_articles_list.h"
+#include "shell/workbench/workbench.h"
 
 namespace kv {
 namespace {
@@ -31,7 +32,9 @@ ArticleArrangement::By orderOf(int column) {
 
 ArticlePanel::ArticlePanel(Workbench& workbench, QWidget* parent)
     : QWidget(parent),
+      workbench_(workbench),
       list_(new ArticleList(workbench, this)),
+      cmdDaTradurre_(named(new QToolButton(this), "cmdDaTradurre", "Da tradurre")),
       txtFiltro_(named(new QLineEdit(this), "txtFiltro", "Filtra gli articoli")),
       cmdOrdine_(named(new QToolButton(this), "cmdOrdine", "Ordine del negozio")) {
   txtFiltro_->setPlaceholderText(tr("Filtra per codice o titolo"));
@@ -40,8 +43,14 @@ ArticlePanel::ArticlePanel(Workbench& workbench, QWidget* parent)
   cmdOrdine_->setToolTip(tr("Torna all'ordine in cui gli articoli compaiono nel negozio"));
   cmdOrdine_->setFocusPolicy(Qt::TabFocus);
   cmdOrdine_->hide();
+  cmdDaTradurre_->setText(tr("Da tradurre"));
+  cmdDaTradurre_->setToolTip(tr("Mostra soltanto gli articoli senza titolo nella lingua che si sta modificando"));
+  cmdDaTradurre_->setCheckable(true);
+  cmdDaTradurre_->setFocusPolicy(Qt::TabFocus);
+  cmdDaTradurre_->hide();
   auto* strip = new QHBoxLayout;
   strip->addWidget(txtFiltro_, 1);
+  strip->addWidget(cmdDaTradurre_);
   strip->addWidget(cmdOrdine_);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
@@ -52,11 +61,24 @@ ArticlePanel::ArticlePanel(Workbench& workbench, QWidget* parent)
   head.setSectionsClickable(true);
   connect(&head, &QHeaderView::sectionClicked, this, &ArticlePanel::sortBy);
   connect(txtFiltro_, &QLineEdit::textChanged, this, &ArticlePanel::arrange);
+  connect(cmdDaTradurre_, &QToolButton::toggled, this, &ArticlePanel::arrange);
+  connect(&list_->articles(), &QAbstractItemModel::modelReset, this, &ArticlePanel::offerLanguages);
   connect(cmdOrdine_, &QToolButton::clicked, this, [this] { sortBy(-1); });
+}
+
+void ArticlePanel::offerLanguages() {
+  const bool offered = workbench_.isOpen() && workbench_.session().languageCount > 1;
+  cmdDaTradurre_->setVisible(offered);
+  // A shop that has one language left shows all its articles again; the list is being filled just now.
+  if (!offered && cmdDaTradurre_->isChecked()) {
+    QMetaObject::invokeMethod(
+        cmdDaTradurre_, [this] { cmdDaTradurre_->setChecked(false); }, Qt::QueuedConnection);
+  }
 }
 
 void ArticlePanel::showAll() {
   column_ = -1;
+  cmdDaTradurre_->setChecked(false);
   if (txtFiltro_->text().isEmpty()) return arrange();
   txtFiltro_->clear();
 }
@@ -69,7 +91,7 @@ void ArticlePanel::sortBy(int column) {
 }
 
 void ArticlePanel::arrange() {
-  list_->arrange({orderOf(column_), descending_, fromQt(txtFiltro_->text())});
+  list_->arrange({orderOf(column_), descending_, fromQt(txtFiltro_->text()), cmdDaTradurre_->isChecked()});
   QHeaderView& head = *list_->horizontalHeader();
   head.setSortIndicatorShown(column_ >= 0);
   if (column_ >= 0) head.setSortIndicator(column_, descending_ ? Qt::DescendingOrder : Qt::AscendingOrder);

@@ -21,16 +21,20 @@ class ArticlePanel final : public QWidget {
 
   /// Owned by the panel.
   ArticleList& list() { return *list_; }
-  /// Shows every article in the order of the shop, the filter empty.
+  /// Shows every article in the order of the shop, no filter on.
   void showAll();
 
  private:
   /// Gives the list its filter and order.
   void arrange();
+  /// Offers "Da tradurre" in a shop of several languages.
+  void offerLanguages();
   /// The next order of a column: upwards, downwards, that of the shop.
   void sortBy(int column);
 
+  Workbench& workbench_;
   ArticleList* list_;
+  QToolButton* cmdDaTradurre_;  ///< "Da tradurre": only articles without a title in the language being edited
   QLineEdit* txtFiltro_;
   QToolButton* cmdOrdine_;  ///< "Ordine del negozio"; shows while another order does
   int column_ = -1;         ///< sorted by; -1: the order of the shop

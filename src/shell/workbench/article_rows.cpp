@@ -32,6 +32,7 @@ void ArticleRows::applyArrangement() {
   const std::string wanted = foldCase(arrangement_.filter);
   std::erase_if(keys_, [&](std::int64_t ID) {
     const ArticleRow& row = rowOf(ID);
+    if (arrangement_.untranslated && !trim(row.titolo).empty()) return true;
     return foldCase(row.codice).find(wanted) == std::string::npos &&
            foldCase(row.titolo).find(wanted) == std::string::npos;
   });

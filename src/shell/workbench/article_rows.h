@@ -23,11 +23,14 @@ struct ArticleRow {
 struct ArticleArrangement {
   enum class By { ShopOrder, Code, Title, Price };
   By by = By::ShopOrder;
-  bool descending = false;  ///< of a column
-  std::string filter;       ///< only rows whose code or title has this text, in any case; empty: all
+  bool descending = false;    ///< of a column
+  std::string filter;         ///< only rows whose code or title has this text, in any case; empty: all
+  bool untranslated = false;  ///< only rows without a title in the language being edited
 
   /// Whether all rows show in the order of the shop.
-  bool isPlain() const { return by == By::ShopOrder && filter.empty(); }
+  bool isPlain() const { return by == By::ShopOrder && !isFiltered(); }
+  /// Whether some rows may be left out.
+  bool isFiltered() const { return !filter.empty() || untranslated; }
 };
 
 /// It is a view beside the cursor of articles and moves nothing. Rows that were read are kept until forget() or

@@ -26,6 +26,7 @@ struct WorkbenchDialogs {
   using Dialog = std::function<bool()>;
 
   // The shop and its folders.
+  Dialog welcome;        ///< frmWelcome: a new shop or another one. False when the shop that is open stays
   Dialog exportShop;     ///< frmEsporta: for the point of sale
   Dialog importShop;     ///< frmImportaPrimo: from the smaller edition
   Dialog restoreCopy;    ///< frmBackup: a dated copy of the catalogue becomes the catalogue

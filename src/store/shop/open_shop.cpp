@@ -1,8 +1,10 @@
 #include "store/shop/open_shop.h"
 
 #include <array>
+#include <utility>
 
 #include "platform/files/files.h"
+#include "store/shop/empty_shop.h"
 #include "store/shop/server_path.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_check.h"
@@ -11,8 +13,8 @@
 namespace kv {
 namespace {
 
-constexpr const char* chooseShop = "Selezionare la cartella che contiene il negozio da aprire:";
-constexpr const char* chooseNewShop =
+constexpr const char* shopPrompt = "Selezionare la cartella che contiene il negozio da aprire:";
+constexpr const char* newShopPrompt =
     "Selezionare la cartella del nuovo negozio (la cartella deve essere preferibilmente vuota):";
 constexpr const char* chooseAnother =
     "La cartella selezionata non contiene un negozio\n(oppure il negozio contenuto è corrotto)\n\n"
@@ -82,46 +84,60 @@ Outcome tryFolder(Session& session, Environment& env, const std::string& path) {
   return takeFolder(path, env) ? Outcome::Accepted : offerAnother(env);
 }
 
-// Copies the model shop into the folder. After a failure the remains must not pass for a shop at the next try.
-bool layModelShop(const std::string& folder, const Environment& env) {
-  if (CopiaAlbero(joinPath(env.applicationFolder, "new"), folder)) return true;
+// After a failure the remains must not pass for a shop at the next try.
+bool layNewShop(const std::string& folder, const Environment& env, NewShop kind) {
+  const std::string model = joinPath(env.applicationFolder, "new");
+  if (kind == NewShop::Model ? CopiaAlbero(model, folder) : layEmptyShop(model, folder)) return true;
   ignore(deleteFile(entryPath(folder, catalogueFile)), "the failure of the copy is the one to tell");
   return false;
 }
 
 }  // namespace
 
-bool ApriNegozio(Session& session, Environment& env, std::string path) {
+std::optional<LoadOptions> chooseShop(Session& session, Environment& env, std::string path) {
   bool ask = path == "*";
   LoadOptions options;
   Outcome outcome = Outcome::AskAgain;
   while (outcome == Outcome::AskAgain) {
     if (ask) {
-      path = ScegliCartella(env.user, chooseShop, currentFolder(session, env));
+      path = ScegliCartella(env.user, shopPrompt, currentFolder(session, env));
       options.folderJustChosen = true;
     }
     path = withoutTrailingSeparator(path);
     outcome = tryFolder(session, env, path);
     ask = true;
   }
-  if (outcome == Outcome::Refused) return false;
-  ignore(RiavviaSessione(session, env, options), "it has told the user of any failure");
+  if (outcome == Outcome::Refused) return std::nullopt;
+  return options;
+}
+
+bool ApriNegozio(Session& session, Environment& env, std::string path) {
+  const auto options = chooseShop(session, env, std::move(path));
+  if (!options) return false;
+  ignore(RiavviaSessione(session, env, *options), "it has told the user of any failure");
   return true;
 }
 
 bool NuovoNegozio(Session& session, Environment& env) {
-  const std::string folder = ScegliCartella(env.user, chooseNewShop, currentFolder(session, env));
-  if (folder.empty()) return false;
+  return makeNewShop(session, env, ScegliCartella(env.user, newShopPrompt, currentFolder(session, env)),
+                     NewShop::Model);
+}
+
+std::string newShopRefusal(const std::string& folder) {
   if (isRoot(folder)) {
-    env.user.message("La cartella '" + folder + "' è la root di un disco, e non è consentito crearvi un nuovo negozio",
-                     Icon::Exclamation);
+    return "La cartella '" + folder + "' è la root di un disco, e non è consentito crearvi un nuovo negozio";
+  }
+  if (fileExists(entryPath(folder, catalogueFile))) return "Nel percorso specificato è già presente un negozio";
+  return {};
+}
+
+bool makeNewShop(Session& session, Environment& env, const std::string& folder, NewShop kind) {
+  if (folder.empty()) return false;
+  if (const std::string refusal = newShopRefusal(folder); !refusal.empty()) {
+    env.user.message(refusal, Icon::Exclamation);
     return false;
   }
-  if (fileExists(entryPath(folder, catalogueFile))) {
-    env.user.message("Nel percorso specificato è già presente un negozio", Icon::Exclamation);
-    return false;
-  }
-  if (!layModelShop(folder, env)) {
+  if (!layNewShop(folder, env, kind)) {
     env.user.message("Impossibile creare un negozio nel percorso specificato", Icon::Critical);
     return false;
   }

@@ -45,9 +45,9 @@ bool wantsSmartBuild(const Settings& settings) {
   return stored.empty() || stored == "1";
 }
 
-LoadResult startSession(Session& session, Environment& env) {
+LoadResult startSession(Session& session, Environment& env, const LoadOptions& options) {
   storeStartSettings(session, env);
-  return loadSession(session, env);
+  return loadSession(session, env, options);
 }
 
 LoadResult loadSession(Session& session, Environment& env, const LoadOptions& options) {

@@ -24,7 +24,7 @@ bool wantsSmartBuild(const Settings& settings);
 
 /// Starts the program: stores the settings `Path` and, when it has no value, `smartbuild`, then loads
 /// the session.
-LoadResult startSession(Session& session, Environment& env);
+LoadResult startSession(Session& session, Environment& env, const LoadOptions& options = {});
 
 /// Finds the shop folder (serverpath.net, else the application folder) and loads it. For a named folder without a
 /// catalogue the user is asked for another shop. Failed: the program ends.

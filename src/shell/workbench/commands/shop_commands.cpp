@@ -90,6 +90,7 @@ std::vector<Command> shopCommands() {
                [](const CommandContext& context) {
                  closeWithoutShop(context, ApriNegozio(context.session, context.env, "*"));
                }),
+       dialogCommand("shop.welcome", {File, 106, "Benvenuto..."}, &Dialogs::welcome),
        moveRow("shop.export", {File, 103, "Esporta negozio per Korvane Banco"}, &Dialogs::exportShop),
        moveRow("shop.import", {File, 104, "Importa negozio Primo..."}, &Dialogs::importShop),
        dialogCommand("shop.restoreCopy", {File, 105, "Ripristina una copia..."}, &Dialogs::restoreCopy),
