@@ -112,7 +112,7 @@ class InstalledTree(unittest.TestCase):
         for program in ("korvane", "korvane-cli"):
             page = gzip.decompress((self.tree / f"share/man/man1/{program}.1.gz").read_bytes()).decode("utf-8")
             usage = run(self.tree / "bin" / program, "--help").stdout
-            for option in {word.strip(",[]") for word in usage.split() if word.startswith(("--", "[--"))}:
+            for option in {word.strip(",[]:.") for word in usage.split() if word.startswith(("--", "[--"))}:
                 self.assertIn(option.replace("-", r"\-"), page, program)
 
     def test_compressed_papers_carry_no_date(self):

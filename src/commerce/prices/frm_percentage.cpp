@@ -32,6 +32,7 @@ PercentageBox::PercentageBox(char decimalSeparator, QWidget* parent) : QComboBox
   setAccessibleName(toQt("Variazione percentuale"));
   view()->setAccessibleName(accessibleName());
   setEditable(true);
+  lineEdit()->setAccessibleName(accessibleName());
   setInsertPolicy(NoInsert);
   for (const char* usual : {"+5", "+10", "+15", "+20", "-5", "-10", "-15", "-20"}) addItem(QLatin1String(usual));
   setCurrentIndex(-1);

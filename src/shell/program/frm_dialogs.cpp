@@ -17,8 +17,8 @@
 #include "shell/dialogs/frm_backup.h"
 #include "shell/dialogs/frm_browse.h"
 #include "shell/dialogs/frm_search.h"
-#include "shell/program/frm_accounting_dialogs.h"
 #include "shell/dialogs/frm_welcome.h"
+#include "shell/program/frm_accounting_dialogs.h"
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
@@ -182,6 +182,7 @@ void showGuide(frmMain& window) {
     guide->setAttribute(Qt::WA_DeleteOnClose);
   }
   guide->show();
+  guide->activateWindow();
   // Until both have their frames, nobody knows how much room they take.
   whenFramed(window, [&window, guide = QPointer<frmIntro>(guide)] {
     if (guide == nullptr) return;

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -49,6 +50,9 @@ ArticlePanel::ArticlePanel(Workbench& workbench, QWidget* parent)
   cmdDaTradurre_->setFocusPolicy(Qt::TabFocus);
   cmdDaTradurre_->hide();
   auto* strip = new QHBoxLayout;
+  auto* label = new QLabel(tr("Filtra:"), this);
+  label->setBuddy(txtFiltro_);
+  strip->addWidget(label);
   strip->addWidget(txtFiltro_, 1);
   strip->addWidget(cmdDaTradurre_);
   strip->addWidget(cmdOrdine_);
