@@ -117,7 +117,7 @@ TEST_F(TheSendingDialog, TheAdviceIsOneButton) {
   click(*dialog, "cmdConsigliate");
   EXPECT_TRUE(isOn("chkSicuro") && isOn("chkContenuto") && isOn("chkRiprova"));
   click(*dialog, "cmdOK");
-  EXPECT_TRUE(file("kvftp.ini").ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\n"));
+  EXPECT_TRUE(file("kvftp.ini").ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nCONN: 3\r\n"));
 }
 
 TEST_F(TheSendingDialog, AnotherHostIsAskedAboutOnce) {
