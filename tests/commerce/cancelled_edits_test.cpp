@@ -17,7 +17,7 @@
 namespace kv::test {
 namespace {
 
-constexpr int rounds = 500;
+const int rounds = operationsOf(500);
 
 class RandomEdits : public CommerceShop {
  protected:

@@ -183,10 +183,13 @@ void showGuide(frmMain& window) {
   }
   guide->show();
   guide->activateWindow();
-  // Until both have their frames, nobody knows how much room they take.
+  guide->placeBeside(window);
+  // How much room they take is known when a window manager has framed both; without one they are where they belong.
   whenFramed(window, [&window, guide = QPointer<frmIntro>(guide)] {
     if (guide == nullptr) return;
-    whenFramed(*guide, [&window, guide] { guide->placeBeside(window); });
+    whenFramed(*guide, [&window, guide] {
+      if (guide->frameGeometry() != guide->geometry()) guide->placeBeside(window);
+    });
   });
 }
 
