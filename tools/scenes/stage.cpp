@@ -1,5 +1,6 @@
 #include "stage.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -72,7 +73,18 @@ QWidget* opened() {
   return popup != nullptr ? popup : QApplication::activeModalWidget();
 }
 
+/// Closing a dialog may ask whether what was typed is thrown away; here it always is.
+void answerYes() {
+  const QWidget* question = QApplication::activeModalWidget();
+  if (question == nullptr) return;
+  auto* yes = question->findChild<QAbstractButton*>(QStringLiteral("cmdSi"));
+  if (yes != nullptr) yes->click();
+}
+
 void closeIt(QWidget& window) {
+  QTimer asked;
+  QObject::connect(&asked, &QTimer::timeout, &asked, &answerYes);
+  asked.start(10);
   if (auto* dialog = qobject_cast<QDialog*>(&window)) {
     dialog->reject();
   } else {
