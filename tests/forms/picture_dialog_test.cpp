@@ -24,7 +24,7 @@ class ThePictureDialog : public test::DialogFixture {
     ASSERT_TRUE(createFolders(pictures + "/mare"));
     save(pictures + "/Larga.png", 400, 200);
     save(pictures + "/piccola.png", 20, 10);
-    save(shop + "/work/usata_0001.png", 30, 30);
+    save(joinPath(shop, "work/usata_0001.png"), 30, 30);
     save(pictures + "/mare/onda.jpg", 50, 50);
     ASSERT_TRUE(writeBytes(pictures + "/rotta.jpg", "testo"));
     ASSERT_TRUE(writeBytes(pictures + "/nota.txt", "testo"));
@@ -78,7 +78,7 @@ TEST_F(ThePictureDialog, ShowsTheReducedSizeAndWritesIt) {
   EXPECT_EQ(control<QLabel>(*dialog, "picAnteprima")->pixmap().size(), QSize(180, 90));
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(180, 90));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(180, 90));
 }
 
 TEST_F(ThePictureDialog, ThePreviewIsUpright) {

@@ -24,7 +24,7 @@ class ThePurgeDialog : public test::DialogFixture {
   }
   void present(std::initializer_list<const char*> names) {
     ASSERT_TRUE(emptyFolder(shop + "/work"));
-    for (const char* name : names) ASSERT_TRUE(writeBytes(shop + "/work/" + name, "x"));
+    for (const char* name : names) ASSERT_TRUE(writeBytes(joinPath(shop, std::string("work/") + name), "x"));
   }
   std::vector<std::string> left() const { return listFiles(shop + "/work", "*"); }
 

@@ -126,7 +126,7 @@ class ShopOfChance : public ::testing::Test {
   std::string picture() {
     if (upTo(2) == 0) return {};
     const std::string name = "foto_000" + std::to_string(upTo(9)) + ".gif";
-    EXPECT_TRUE(writeBytes(shop.folder() + "/work/" + name, onePixelGif(1, 2, 3)));
+    EXPECT_TRUE(writeBytes(joinPath(shop.folder(), "work/" + name), onePixelGif(1, 2, 3)));
     return upTo(1) == 0 ? name : "FOTO" + name.substr(4);
   }
 

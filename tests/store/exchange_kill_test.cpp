@@ -28,8 +28,8 @@ class KilledExchange : public test::ShopFixture {
     run(shop, "UPDATE articoli SET immagine0 = 'vecchia00.gif'");
     for (int i = 10; i < 30; ++i) {
       const std::string number = std::to_string(i);
-      write(shop + "/work/vecchia" + number + ".gif", std::string(20000, 'v'));
-      write(source + "/work/nuova" + number + ".gif", std::string(20000, 'n'));
+      write(joinPath(shop, "work/vecchia" + number + ".gif"), std::string(20000, 'v'));
+      write(joinPath(source, "work/nuova" + number + ".gif"), std::string(20000, 'n'));
     }
     ASSERT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
   }

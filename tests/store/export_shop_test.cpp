@@ -25,8 +25,8 @@ class ExportingAShop : public test::ShopFixture {
     write(application + "/new/new.mdb", "seme");
     write(application + "/new/work/modello.gif", "del modello");
     write(application + "/new/work/comune.gif", "del modello");
-    write(shop + "/work/comune.gif", "del negozio");
-    write(shop + "/work/foto/interna.jpg", "x");
+    write(joinPath(shop, "work/comune.gif"), "del negozio");
+    write(joinPath(shop, "work/foto/interna.jpg"), "x");
     write(shop + "/db/sql.mdb", "righe");
     write(shop + "/kvftp.mdb", "spedizioni");
     run(shop, "UPDATE generale SET siteonline = '" + shop + "/online', sitescript = '" + shop + "/scripts'");
@@ -202,10 +202,10 @@ TEST_F(ExportingAShop, ATemplateThatIsNotThereIsTold) {
 }
 
 TEST_F(ExportingAShop, ADestinationInsideTheShopDoesNotHoldItself) {
-  destination = shop + "/work/x";
+  destination = joinPath(shop, "work/x");
   ASSERT_TRUE(createFolder(destination));
   ASSERT_EQ(exportWith("OK"), ExportOutcome::Done);
-  EXPECT_FALSE(folderExists(destination + "/work/x"));
+  EXPECT_FALSE(folderExists(joinPath(destination, "work/x")));
   EXPECT_EQ(copied("work/comune.gif"), "del negozio");
 }
 

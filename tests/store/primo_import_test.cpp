@@ -38,8 +38,8 @@ class ImportingPrimo : public test::ShopFixture {
     }
     run(shop, "UPDATE generale SET url = 'nostro', titolo = 'nostro', scimp = 9, importo = 9, importo3 = 9");
     run(source, "UPDATE generale SET URL = 'loro', titolo = 'loro', sconto = 4, template = 'altro', username = 'x'");
-    write(shop + "/work/vecchia.gif", "v");
-    write(source + "/work/nuova.gif", "n");
+    write(joinPath(shop, "work/vecchia.gif"), "v");
+    write(joinPath(source, "work/nuova.gif"), "n");
     ASSERT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
   }
   void open() {
@@ -205,8 +205,8 @@ TEST_F(ImportingPrimo, AFailureAtAnyStatementLeavesTheCatalogueAsBefore) {
 }
 
 TEST_F(ImportingPrimo, ThePicturesAreExchangedAndSubfoldersStay) {
-  write(shop + "/work/mie/foto.jpg", "f");
-  write(source + "/work/sue/altra.jpg", "a");
+  write(joinPath(shop, "work/mie/foto.jpg"), "f");
+  write(joinPath(source, "work/sue/altra.jpg"), "a");
   open();
   EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
   EXPECT_THAT(listFiles(shop + "/work", "*"), ElementsAre("nuova.gif"));
@@ -241,7 +241,7 @@ TEST_F(ImportingPrimo, TheSourceIsNotChanged) {
   EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
   session.catalogue.close();
   EXPECT_EQ(*readBytes(source + "/catalog.mdb"), before);
-  EXPECT_TRUE(fileExists(source + "/work/nuova.gif"));
+  EXPECT_TRUE(fileExists(joinPath(source, "work/nuova.gif")));
 }
 
 TEST_F(ImportingPrimo, TheCommandMakesABackupAndTellsItsName) {
