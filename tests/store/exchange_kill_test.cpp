@@ -58,7 +58,7 @@ TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
   for (int i = 0; i < test::operationsOf(12); ++i) {
     killed(moment(chance), [&] {
       user.folders = {destination};
-      static_cast<void>(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }));
+      ignore(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }), "it is killed on the way");
     });
     ASSERT_TRUE(isWhole(shop)) << i;
     EXPECT_EQ(read(shop, "SELECT titolo FROM articoli"), "Lampada");
@@ -73,7 +73,7 @@ TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
 
 TEST_F(KilledExchange, AnImportLeavesTheOldRowsOrAllOfTheNewOnes) {
   for (int i = 0; i < test::operationsOf(12); ++i) {
-    killed(moment(chance), [&] { static_cast<void>(importPrimoShop(session, env, source)); });
+    killed(moment(chance), [&] { ignore(importPrimoShop(session, env, source), "it is killed on the way"); });
     ASSERT_TRUE(isWhole(shop)) << i;
     const std::string title = read(shop, "SELECT titolo FROM articoli");
     if (title == "Lampada") {

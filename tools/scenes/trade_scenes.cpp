@@ -55,7 +55,7 @@ void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "conne
 /// What is sent, once the shop has been built.
 void takePublishing(Stage& stage, const QString& name) {
   const auto& options = stage.window().workbench().ports().dialogs.publishOptions;
-  stage.during([&] { static_cast<void>(options()); }, [&](QWidget&) { stage.take(name); });
+  stage.during([&] { ignore(options(), "the picture is all that counts"); }, [&](QWidget&) { stage.take(name); });
 }
 
 /// The choice of a picture, on one of the shop's own.

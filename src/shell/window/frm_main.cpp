@@ -286,7 +286,8 @@ void frmMain::showEvent(QShowEvent* event) {
 void frmMain::keepLayout() {
   const auto keep = [this](std::string_view key, const QByteArray& bytes) {
     const std::string text = bytes.toBase64().toStdString();
-    if (env_.settings.get(placeSection, key) != text) static_cast<void>(env_.settings.set(placeSection, key, text));
+    if (env_.settings.get(placeSection, key) != text)
+      ignore(env_.settings.set(placeSection, key, text), "the next start places the window as before");
   };
   keep("geometria", saveGeometry());
   keep("divisori", sides_->saveState());
