@@ -287,7 +287,7 @@ void frmMain::keepLayout() {
   const auto keep = [this](std::string_view key, const QByteArray& bytes) {
     const std::string text = bytes.toBase64().toStdString();
     if (env_.settings.get(placeSection, key) != text)
-      ignore(env_.settings.set(placeSection, key, text), "the next start places the window as before");
+      ignore(env_.settings.set(placeSection, key, text), "the next start puts the window where it was");
   };
   keep("geometria", saveGeometry());
   keep("divisori", sides_->saveState());
