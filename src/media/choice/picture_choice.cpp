@@ -51,7 +51,7 @@ PicturePreview PictureChoice::preview(const std::string& path) {
   shown.picture.CreateFromPicture(std::move(pixels));
   if (isTaken) return shown;
   shown.mode = edits.any() ? PictureMode::Reduced : PictureMode::AsItIs;
-  const ImageSize fitted = reduces() ? fittedSize(shown.size, values.limits) : shown.size;
+  const ImageSize fitted = copySize(shown.size);
   if (fitted == shown.size) {
     shown.tellsLocation = shown.mode == PictureMode::AsItIs && kv::tellsLocation(readBytes(path).value_or(""));
     return shown;

@@ -56,6 +56,9 @@ class PictureChoice {
   /// Whether a reduction is on: the box is ticked, and the tab is that of the disk.
   bool reduces() const { return values.fits && tab == PictureTab::Disk; }
 
+  /// The size of the copy of a picture of this size.
+  ImageSize copySize(ImageSize size) const { return reduces() ? fittedSize(size, values.limits) : size; }
+
   /// Reads a file, edited, and reduced when it is larger than the box; of the shop's tab the mode is OfShop unless the
   /// picture was edited. The last file is kept in memory: it is decoded once for all that is tried on it.
   PicturePreview preview(const std::string& path);

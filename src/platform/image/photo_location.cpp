@@ -157,7 +157,7 @@ Result<std::string> plainWebp(std::string_view bytes) {
   return plain;
 }
 
-// --- Which parts tell a place.
+// --- Which parts tell a location.
 
 bool exifHasLatitude(std::string_view exif) {
   const std::unique_ptr<ExifData, decltype(&exif_data_unref)> data(exif_data_new(), exif_data_unref);
