@@ -78,7 +78,8 @@ TEST_F(PurgingPictures, TheBarGoesFromOneToTheFileCount) {
 TEST_F(PurgingPictures, AnErrorIsShownWithItsNumber) {
   present({"a.jpg"});
   PicturePurge one(
-      {folder.path(), []() -> Result<Names> { return fail(ErrorKind::Corrupt, "articoli", "rotto", 11); }, {}}, user);
+      {folder.path(), []() -> Result<Names> { return fail(ErrorKind::Corrupt, "articoli", "rotto", 11); }, {}, {}},
+      user);
   EXPECT_FALSE(one.search());
   EXPECT_EQ(user.shown, (std::vector{test::Shown{"Si è verificato un errore:\n11 rotto", Icon::Critical}}));
 }
@@ -129,7 +130,9 @@ TEST_F(PurgingPictures, TheNumberToldIsOfFilesReallyGone) {
 TEST_F(PurgingPictures, ATrashTakesTheFilesWhereThereIsOne) {
   present({"a.jpg"});
   Names trashed;
-  PicturePurge one({folder.path(), []() -> Result<Names> { return Names{}; },
+  PicturePurge one({folder.path(),
+                    []() -> Result<Names> { return Names{}; },
+                    {},
                     [&](const std::string& path) -> Result<> {
                       trashed.push_back(path);
                       return {};
