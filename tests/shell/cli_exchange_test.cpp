@@ -65,6 +65,16 @@ TEST_F(MovingShops, AnExportIsAShopThatCanBeChecked) {
   EXPECT_EQ(run({"check", home / "copia"}), CliOutcome::Done) << err.str();
 }
 
+TEST_F(MovingShops, AZipHoldsAShopThatCanBeChecked) {
+  change(shop, "UPDATE articoli SET titolo = 'Unico'");
+  ASSERT_EQ(run({"export", shop, home / "copia", "--with", "T", "--zip"}), CliOutcome::Done) << err.str();
+  ASSERT_EQ(listFiles(home / "copia", "*"), (std::vector<std::string>{"negozio.zip"}));
+  const std::string unpack = "python3 -m zipfile -e '" + (home / "copia/negozio.zip") + "' '" + (home / "aperto") + "'";
+  ASSERT_EQ(std::system(unpack.c_str()), 0);
+  EXPECT_EQ(read(home / "aperto", "SELECT titolo FROM articoli"), "Unico");
+  EXPECT_EQ(run({"check", home / "aperto"}), CliOutcome::Done) << err.str();
+}
+
 TEST_F(MovingShops, AnExportIntoAFullFolderFails) {
   ASSERT_TRUE(createFolders(home / "copia/altro"));
   EXPECT_EQ(run({"export", shop, home / "copia"}), CliOutcome::Failed);

@@ -33,7 +33,12 @@ function kvTagImmagine(array $immagine, string $testo, bool $pigra = true, array
             $attributi += ['srcset' => implode(', ', $insieme), 'sizes' => $misure];
         }
     }
-    return kvTag('img', $attributi + ($pigra ? ['loading' => 'lazy'] : []) + ['decoding' => 'async']);
+    $forme = [];
+    foreach (array_merge([$immagine], $altre) as $altra) {
+        $forme += kvForme($altra['src'], (int) $altra['width']);
+    }
+    $tag = kvTag('img', $attributi + ($pigra ? ['loading' => 'lazy'] : []) + ['decoding' => 'async']);
+    return kvConForme($tag, $forme, $misure === '' ? "(max-width: {$immagine['width']}px) 100vw, {$immagine['width']}px" : $misure);
 }
 
 /** A piece of HTML of the build whose pictures say what they show. */

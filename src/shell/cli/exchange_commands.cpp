@@ -16,7 +16,9 @@ CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environm
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
   ignore(createFolders(absolutePath(line.object)), "the export tells of a folder that can't be written");
-  const auto options = [&](const ExportOffer&) { return exportTag(exportChoice(line.option("--with"))); };
+  const auto options = [&](const ExportOffer&) {
+    return exportTag(exportChoice(line.option("--with") + (line.has("--zip") ? "Z" : "")));
+  };
   switch (EsportaNegozio(open.session, env, options)) {
     case ExportOutcome::Done:
       return CliOutcome::Done;
@@ -47,7 +49,7 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
 CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  PicturePurge purge({joinPath(shop, "work"), [&] { return usedPictures(open.session.catalogue); }, {}}, env.user);
+  PicturePurge purge({joinPath(shop, "work"), [&] { return usedPictures(open.session.catalogue); }, {}, {}}, env.user);
   if (!purge.search()) return CliOutcome::Failed;
   for (const UnusedPicture& picture : purge.unused()) out << picture.name << '\n';
   if (!line.has("--delete") || !purge.hasUnused()) return CliOutcome::Done;
