@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <random>
 
 #include "commerce/shipping/shipping_tables.h"
@@ -13,6 +12,7 @@
 #include "platform/database/field_row.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
+#include "support/command_output.h"
 #include "support/test_seed.h"
 
 namespace kv::test {
@@ -85,16 +85,6 @@ TEST_F(TryingTheShipping, AZoneWithoutAMethodAndStepsOutOfOrderAreNamed) {
   EXPECT_THAT(shippingGaps(session.catalogue),
               ElementsAre("Zona 2, Bonifico anticipato: i limiti non sono in ordine crescente",
                           "Zona 3: nessun metodo è ammesso"));
-}
-
-/// The output of a command.
-std::string linesOf(const std::string& command) {
-  std::string text;
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return "cannot run";
-  char piece[4096];
-  for (std::size_t n = 0; (n = std::fread(piece, 1, sizeof piece, pipe)) > 0;) text.append(piece, n);
-  return ::pclose(pipe) == 0 ? text : "failed: " + text;
 }
 
 class TheTrialAndTheCart : public TryingTheShipping {
@@ -174,7 +164,7 @@ TEST_F(TheTrialAndTheCart, AgreeToTheCentOnFiveHundredOrders) {
   }
   ASSERT_TRUE(writeBytes(root / "cases", cases));
   EXPECT_EQ(
-      linesOf("node " KORVANE_TEST_DATA "/commerce/cart_answers.js " KORVANE_APP_DATA "/code " + (root / "cases")),
+      outputOf("node " KORVANE_TEST_DATA "/commerce/cart_answers.js " KORVANE_APP_DATA "/code " + (root / "cases")),
       expected);
 }
 

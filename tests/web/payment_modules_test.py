@@ -3,6 +3,7 @@
 
 The modules are filled as their dialogs do it, shops are built with four of them at a time, orders are placed over HTTP
 and the forms followed to a payment service of the test's own (gateway_stand_in.py)."""
+import os
 import re
 import shutil
 import subprocess
@@ -306,6 +307,13 @@ class Shipped(unittest.TestCase):
                     page = shopper.send(payment_form(page), page)
                 self.assertIn("non è ancora attivo", page.text, name)
                 self.assertNotIn('name="kvPagamento"', page.text, name)
+
+
+if "KORVANE_SEND_PASSWORDS" in os.environ:
+    import one_time_passwords
+
+    class LoadedPasswords(one_time_passwords.Passwords):
+        """Here, for the shop of this module."""
 
 
 if __name__ == "__main__":

@@ -36,8 +36,9 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
   // A shop is a folder: a file is the accounting package's, and so are the tables of one in a folder.
   if (fileExists(source) || isAccountingSource(source)) return importAccounting(shop, line, env, out);
   CliSession open(env);
-  if (!open.open(shop) || !holdsSource(env, source)) return CliOutcome::Failed;
-  if (line.has("--dry-run")) {
+  const bool dryRun = line.has("--dry-run");
+  if (!(dryRun ? open.openToLook(shop) : open.open(shop)) || !holdsSource(env, source)) return CliOutcome::Failed;
+  if (dryRun) {
     const auto preview = previewPrimo(open.session.catalogue, joinPath(source, "catalog.mdb"));
     out << previewOfShop(open.session.catalogue, source);
     return preview ? CliOutcome::Done : CliOutcome::Failed;
