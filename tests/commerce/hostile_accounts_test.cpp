@@ -140,7 +140,7 @@ class HostileAccounts : public CommerceShop {
 };
 
 TEST_F(HostileAccounts, ComeBackEqualFromSaveAndLoad) {
-  for (int round = 0; round < 30; ++round) {
+  for (int round = 0; round < operationsOf(6); ++round) {
     for (const GatewayModule& module : gatewayModules()) {
       const GatewayAccount account = hostile(module);
       ASSERT_TRUE(account.save(session)) << module.folder;
@@ -160,7 +160,7 @@ TEST_F(HostileAccounts, AreDataInTheFilledScriptsOfAllModules) {
   const std::string code = session.ShopFolder + "/code/";
   std::string list;
   for (const GatewayModule& module : gatewayModules()) {
-    for (int round = 0; round < 8; ++round) {
+    for (int round = 0; round < operationsOf(4); ++round) {
       const GatewayAccount account = hostile(module);
       ASSERT_TRUE(account.save(session));
       for (const auto& [file, form] : filesOf(module, account.mode())) {
