@@ -211,9 +211,9 @@ class Search(CustomerCase):
         self.assertIn('aria-current="page">1<', text)
         self.assertIn('kvsearch.php?q=di&amp;p=2"', text)
 
-    def test_a_result_leads_to_its_article(self):
+    def test_a_result_leads_to_the_single_article_as_the_shop_says(self):
         text = self.visitor.ask("kvsearch.php?q=PI-002").text
-        self.assertRegex(text, r'href="cat008\.php\?n=1#\d"')
+        self.assertRegex(text, r'href="cat008\.php\?n=1&amp;prod=\d+"')
 
 
 class Access(CustomerCase):

@@ -1,5 +1,4 @@
 <?php
-// ***1.0.7***
 // The search of the shop: finds the words in code, title, subtitle, description and notes, and prints the page
 // search.htm with one row of results.htm for each article found. Departments closed to the visitor and hidden ones stay
 // out. Upper and lower case and accents don't count: "perche" finds "Perché".
@@ -110,6 +109,7 @@ $kvModello = (string) @file_get_contents("results.htm");
 $kvRisultati = '';
 $fpagina = [];
 foreach ($kvTrovati as $artFound => $rowArt) {
+    // A build changes this line where results lead to the single article.
     $fpagina[$artFound]=$rowArt["linkPage"].".php?n=".$rowArt["sottopagina"]."#".$rowArt["contatore"];
     $kvRisultati .= kvRigaRisultato($kvModello, $fpagina[$artFound], $rowArt);
 }

@@ -52,8 +52,8 @@ void frmOpzioni::deleteOption() {
 }
 
 void frmOpzioni::optionEdited(int row, int column) {
-  ignore(editor_.setOption(options_[static_cast<std::size_t>(row)].ID, static_cast<OptionCell>(column),
-                           DBGrid2_->cell(row, column)),
+  const std::int64_t ID = options_[static_cast<std::size_t>(row)].ID;
+  ignore(editor_.setOption(ID, static_cast<OptionCell>(column), DBGrid2_->cell(row, column)),
          "the cell shows what is stored");
   showOptions(row);
 }

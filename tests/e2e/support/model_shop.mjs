@@ -24,15 +24,36 @@ function run(program, words, environment) {
   }
 }
 
-/** Makes, builds and exports the model shop below `folder`; the result is the shop's folder. */
-export function makeShop({ cli, template, wholeWords, folder }) {
+/** The folders of a user who has only this shop. */
+function userOf(folder) {
+  return { ...process.env, XDG_DATA_HOME: join(folder, "data"), XDG_CONFIG_HOME: join(folder, "config") };
+}
+
+/** Executes statements in the catalogue of a shop. */
+export function runIn(shop, statements) {
+  return run("sqlite3", [join(shop, "catalog.mdb"), statements], process.env);
+}
+
+/** Makes the model shop below `folder`, set up for tools/local-host; the result is the shop's folder. */
+export function newShop({ cli, template, wholeWords, folder }) {
   const shop = join(folder, "shop");
-  const environment = { ...process.env, XDG_DATA_HOME: join(folder, "data"), XDG_CONFIG_HOME: join(folder, "config") };
-  run(cli, ["new", shop], environment);
-  run("sqlite3", [join(shop, "catalog.mdb"), adjustments({ template, wholeWords })], environment);
-  run(localHost, ["prepare", shop], environment);
-  run(cli, ["build", shop], environment);
-  run(cli, ["export-sql", shop], environment);
+  run(cli, ["new", shop], userOf(folder));
+  runIn(shop, adjustments({ template, wholeWords }));
+  run(localHost, ["prepare", shop], userOf(folder));
+  return shop;
+}
+
+/** Builds and exports a shop; what the program said of the build. */
+export function buildShop({ cli, folder }, shop) {
+  const said = run(cli, ["build", shop], userOf(folder));
+  run(cli, ["export-sql", shop], userOf(folder));
+  return said;
+}
+
+/** Makes, builds and exports the model shop below `folder`; the result is the shop's folder. */
+export function makeShop(options) {
+  const shop = newShop(options);
+  buildShop(options, shop);
   return shop;
 }
 
