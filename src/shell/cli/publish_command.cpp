@@ -57,7 +57,7 @@ CliOutcome publishFromCli(const std::string& shop, const PublishFlags& flags, En
     return CliOutcome::Failed;
   }
   if (flags.all) setup->settings.onlyModified = false;
-  const auto transfer = makeTransfer();
+  const auto transfer = makeTransfer(setup->way.protocol);
   const auto http = makeHttpClient();
   PublishSteps steps;
   steps.exportSql = [&] { setup->exportSql(env.user); };
