@@ -132,9 +132,6 @@ TEST_F(TheSendingDialog, TheConnectionsAndTheCleanUpAreWrittenAndShownAgain) {
   start();
   EXPECT_EQ(fromQt(control<QComboBox>(*dialog, "cboConnessioni")->currentText()), "4");
   EXPECT_TRUE(isOn("chkPulizia"));
-  click(*dialog, "cmdReset");
-  EXPECT_EQ(fromQt(control<QComboBox>(*dialog, "cboConnessioni")->currentText()), "1");
-  EXPECT_FALSE(isOn("chkPulizia"));
 }
 
 TEST_F(TheSendingDialog, TheAdviceLeavesTheCleanUpToTheMerchant) {
