@@ -194,6 +194,7 @@ std::string usageText() {
          "                      dimensioni massime\n"
          "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio. --all invia\n"
          "                      anche i file già presenti sul server. --dry-run elenca i file da inviare\n"
+         "                      e quelli che si proporrebbe di eliminare\n"
          "  upgrade NEGOZIO     apre il negozio e dice che cosa è stato aggiornato\n"
          "  prices NEGOZIO --percent +10 --list 0,3 [--department ID] [--offers] [--variants] [--round]\n"
          "                      varia in percentuale i prezzi dei listini indicati\n"
