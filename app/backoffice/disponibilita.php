@@ -39,7 +39,7 @@ function boFiltroDisponibilita(array $richiesta): array
     if ($parametri['q'] === '') {
         return [$parametri, $tabelle, $dove, []];
     }
-    return [$parametri, $tabelle, $dove . ' AND INSTR(' . $fonte['cerca'] . ', ?) > 0', [$parametri['q']]];
+    return [$parametri, $tabelle, $dove . ' AND INSTR(' . $fonte['cerca'] . ', ?) > 0', [kvDaUtf8($parametri['q'])]];
 }
 
 /** What the fields of a row say: "1|12", "1|" without a limit, "0|..." for none; null when the quantity is none. */
@@ -85,7 +85,7 @@ function boSalvaVoci(string $tipo): void
     // The table must stand before a transaction: making it would end one.
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     foreach (array_slice($campi['c'], 0, BO_PER_PAGINA, true) as $n => $chiave) {
-        $chiave = kvCampo($campi['c'], (string) $n, 100);
+        $chiave = kvDaUtf8(kvCampo($campi['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
         $prima = kvCampo($campi['p'], (string) $n, 12);
         $dopo = boVoce(isset($campi['d'][$n]), kvCampo($campi['q'], (string) $n, 12));
         if ($dopo === null) {
@@ -135,7 +135,7 @@ $boVoci = kvQuery("SELECT {$boFonte['campi']}, MAX(d.chiave) AS d, MAX(d.disponi
     . "{$boFonte['ordine']} LIMIT " . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
 boInizio('Disponibilità', 'disponibilita.php');
 ?>
-<form class="filtro" method="get" action="disponibilita.php" role="search">
+<form class="filtro" method="get" accept-charset="utf-8" action="disponibilita.php" role="search">
 <label>Elenco <select name="tipo"><?php echo boScelte(['A' => 'Articoli', 'O' => 'Codici delle opzioni'],
     $boParametri['tipo']); ?></select></label>
 <?php echo boCampo('Codice o nome', 'q', $boParametri['q'], 'type="search" maxlength="100"'); ?>
@@ -148,7 +148,7 @@ boInizio('Disponibilità', 'disponibilita.php');
 <?php
 } else {
     $boQuesta = boIndirizzo('disponibilita.php', ['p' => $boPagina] + $boParametri);
-    echo '<form method="post" action="', kvHtml($boQuesta), '">', boCampoGettone();
+    echo '<form method="post" accept-charset="utf-8" action="', kvHtml($boQuesta), '">', boCampoGettone();
     boTabella(['Codice', $boParametri['tipo'] === 'A' ? 'Articolo' : 'Opzione', 'Disponibile', 'Quantità'],
         array_map('boCelleVoce', array_keys($boVoci), $boVoci), $boParametri['tipo'] === 'A' ? 'Articoli' : 'Codici');
     echo '<p class="salva"><button type="submit">Salva</button></p></form>';

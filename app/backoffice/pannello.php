@@ -49,7 +49,7 @@ if ($boUltimi === []) {
     boTabella(['Codice', 'Data', 'Cliente', '#Totale', 'Stato'], array_map(fn($riga) => [
         '<a href="' . kvHtml(boIndirizzo('ordine.php', ['codice' => $riga['codice']])) . '">' . kvHtml($riga['codice'])
             . '</a>',
-        boData($riga['creato']), kvHtml($riga['nome']), boImporto($riga['totale'], $riga['valuta']),
+        boData($riga['creato']), kvHtmlUtf8($riga['nome']), boImporto($riga['totale'], $riga['valuta']),
         boStato($riga['stato'])], $boUltimi), 'Ultimi ordini');
 }
 boFine();

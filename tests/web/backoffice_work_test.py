@@ -59,13 +59,13 @@ class Orders(Case):
         self.office.send(page.form("ordine.php"), page, stato="annullato", scorte=None)
         self.assertEqual(pieces(), [["41", "2"], ["CR", None]])
 
-    def test_the_csv_file_is_windows_1252_with_formulas_disarmed(self):
+    def test_the_csv_file_is_utf_8_with_a_mark_and_formulas_disarmed(self):
         self.add_order("261101-AAAAAA", "=HYPERLINK(\"x\");Città", "-2+3@example.org", total="1234.50",
                        created="'2026-11-01 10:00:00'", fields={"RagioneSociale": "@SUM(A1)", "CAP": "00100",
                                                                 "Telefono": "+39 02", "Note": "due\r\nrighe €"})
         self.add_order("261102-BBBBBB")
         page = self.office.ask("ordini_csv.php?q=AAAA")
-        self.assertEqual(page.headers["Content-Type"], "text/csv; charset=windows-1252")
+        self.assertEqual(page.headers["Content-Type"], "text/csv; charset=utf-8")
         self.assertRegex(page.headers["Content-Disposition"], r'^attachment; filename="ordini-[0-9-]+\.csv"$')
         self.assertEqual(page.body, (
             "Codice;Data;Cliente;E-mail;Totale;Valuta;Pagamento;Stato;Ragione sociale;Partita IVA;Indirizzo;CAP;Città;"
@@ -73,7 +73,7 @@ class Orders(Case):
             "\"261101-AAAAAA\";01/11/2026 10:00;\"'=HYPERLINK(\"\"x\"\");Città\";\"'-2+3@example.org\";1234,50;\"EUR\";"
             "\"Contrassegno\";\"nuovo\";\"'@SUM(A1)\";\"\";\"\";\"00100\";\"\";\"\";\"\";\"'+39 02\";"
             "\"due righe €\"\r\n"
-        ).encode("cp1252"))
+        ).encode("utf-8-sig"))
 
     def test_the_csv_file_holds_more_orders_than_one_step_reads(self):
         self.shop.execute("INSERT INTO kv_ordini (codice, creato, nome, email, totale, valuta, metodo, stato, lingua,"

@@ -83,7 +83,9 @@ class Visitor:
             body = None
             if fields is not None:
                 headers["Content-Type"] = "application/x-www-form-urlencoded"
-                body = urllib.parse.urlencode(fields, encoding="cp1252", errors="xmlcharrefreplace")
+                # As browsers fill this field.
+                sent = dict(fields, _charset_="UTF-8") if "_charset_" in fields else fields
+                body = urllib.parse.urlencode(sent)
             target = parts.path + ("?" + parts.query if parts.query else "")
             connection.request(method or ("GET" if fields is None else "POST"), target or "/", body, headers)
             page = Page(address, connection.getresponse())
@@ -186,13 +188,13 @@ class ServedShop:
         return Visitor(self.base + path)
 
     def rows(self, statement):
-        """The rows of a query, as texts of Windows-1252."""
+        """The rows of a query."""
         connection = Connection(str(self.home / "run/mysql.sock"))
         try:
             connection.execute(b"USE negozio")
-            connection.execute(b"SET NAMES latin1")
-            found = connection.rows(statement.encode("cp1252"))
-            return [[None if cell is None else cell.decode("cp1252") for cell in row] for row in found]
+            connection.execute(b"SET NAMES utf8mb4")
+            found = connection.rows(statement.encode())
+            return [[None if cell is None else cell.decode() for cell in row] for row in found]
         finally:
             connection.close()
 
@@ -200,9 +202,9 @@ class ServedShop:
         connection = Connection(str(self.home / "run/mysql.sock"))
         try:
             connection.execute(b"USE negozio")
-            connection.execute(b"SET NAMES latin1")
+            connection.execute(b"SET NAMES utf8mb4")
             for statement in statements:
-                connection.execute(statement.encode("cp1252"))
+                connection.execute(statement.encode())
         finally:
             connection.close()
 

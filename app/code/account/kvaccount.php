@@ -33,7 +33,7 @@ function kvDatiCliente(int $id): string
     $coppie = [];
     $lungo = 0;
     foreach ($riga === null ? [] : array_merge(array_keys(KV_DATI_CLIENTE), ['email']) as $nome) {
-        $coppia = $nome . '=' . rawurlencode(kvUtf8((string) $riga[$nome]));
+        $coppia = $nome . '=' . rawurlencode((string) $riga[$nome]);
         $lungo += strlen($coppia) + 1;
         if ($lungo < 3800) {
             $coppie[] = $coppia;
@@ -76,6 +76,13 @@ function kvEntra(int $id, string $impronta, bool $approvato): void
     kvVai(kvCampo($_POST, 'dopo', 10) === 'ordine' ? "order.htm" : "index.htm");
 }
 
+/** Whether a password has a hash; earlier releases made it of Windows-1252. */
+function kvPasswordGiusta(string $pw, string $impronta): bool
+{
+    return password_verify($pw, $impronta)
+        || (preg_match('/[\x80-\xFF]/', $pw) && password_verify(kvDaUtf8($pw), $impronta));
+}
+
 /** Access with address and password. */
 function kvAccesso(string $email, string $pw): void
 {
@@ -84,7 +91,7 @@ function kvAccesso(string $email, string $pw): void
     $riga = kvRiga('SELECT id, pw, approvato FROM kv_clienti WHERE email = ?', [$email]);
     // An unknown address is checked against a fixed hash, so that both answers take the same time.
     $impronta = $riga['pw'] ?? '$2y$10$dHKUwezJEPkiCbbCBpyIyewdj/VZnjbaUhH9QqxTXvkaE04HJYQTe';
-    if (!password_verify($pw, $impronta) || $riga === null) {
+    if (!kvPasswordGiusta($pw, $impronta) || $riga === null) {
         kvMessaggio(1);
     }
     kvAzzeraTentativi($chiave, 'kvQuery');
@@ -102,9 +109,10 @@ function kvRegistrazione(string $email, string $pw): void
     kvContaTentativo(kvChiaveTentativi('registrazione', ''), 20);
     $nome = kvRigaCampo($_POST, 'nome', 100);
     $cognome = kvRigaCampo($_POST, 'cognome', 100);
-    if (!kvIndirizzoValido($email) || strlen($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
+    if (!kvIndirizzoValido($email) || kvLunghezza($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
         kvMessaggio(2);
     }
+    kvTabellePronte();
     $approvato = $regpr ? 0 : 1;
     $impronta = password_hash($pw, PASSWORD_DEFAULT);
     $esito = kvQuery('INSERT INTO kv_clienti (email, pw, nome, cognome, approvato, lingua, creato)'
@@ -115,8 +123,8 @@ function kvRegistrazione(string $email, string $pw): void
     }
     if (!$approvato) {
         $negozio = kvMittente();
-        kvMail($negozio['email'], $negozio['email'], $negozio['nome'] . " - <<4-cliente_in_attesa>>",
-            "<<4-cliente_in_attesa>>: $nome $cognome, $email", $email);
+        kvMail($negozio['email'], $negozio['email'], $negozio['nome'] . ' - ' . kvUtf8("<<4-cliente_in_attesa>>"),
+            kvUtf8("<<4-cliente_in_attesa>>: ") . "$nome $cognome, $email", $email);
     }
     kvEntra((int) $riga['id'], $impronta, (bool) $approvato);
 }
@@ -128,6 +136,7 @@ function kvCambiaDati(): void
     if ($id === 0) {
         kvMessaggio(4);
     }
+    kvTabellePronte();
     $colonne = [];
     $valori = [];
     foreach (KV_DATI_CLIENTE as $nome => list(, $massimo)) {
@@ -160,11 +169,11 @@ function kvCambiaPassword(string $pw): void
     }
     $chiave = kvChiaveTentativi('negozio', $riga['email']);
     kvContaTentativo($chiave);
-    if (!password_verify(kvPassword('attuale'), $riga['pw'])) {
+    if (!kvPasswordGiusta(kvPassword('attuale'), $riga['pw'])) {
         kvMessaggio(1);
     }
     kvAzzeraTentativi($chiave, 'kvQuery');
-    if (strlen($pw) < 8) {
+    if (kvLunghezza($pw) < 8) {
         kvMessaggio(2);
     }
     $_SESSION['segno'] = kvSegnoPassword(kvNuovaPassword((int) $riga['id'], $riga['email'], $pw));
@@ -172,10 +181,10 @@ function kvCambiaPassword(string $pw): void
     kvMessaggio(9);
 }
 
-/** A password of the form as it was typed, of at most 100 bytes. */
+/** A password of the form as it was typed, of at most 100 characters. */
 function kvPassword(string $nome): string
 {
-    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? substr($_POST[$nome], 0, 100) : '';
+    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? kvTaglia(kvTestoInviato($_POST[$nome], true), 100) : '';
 }
 
 /**
@@ -191,8 +200,8 @@ function kvRichiediPassword(string $email): void
         kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
             . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $gettone)]);
         $negozio = kvMittente();
-        kvMail($email, $negozio['email'], $negozio['nome'] . " - <<4-password_richiesta>>",
-            "<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$gettone\r\n\r\n"
+        kvMail($email, $negozio['email'], $negozio['nome'] . ' - ' . kvUtf8("<<4-password_richiesta>>"),
+            kvUtf8("<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$gettone\r\n\r\n")
             . $negozio['firma']);
     }
     kvMessaggio(10);
@@ -214,7 +223,7 @@ function kvRipristina(string $gettone, string $pw): void
     if ($email === '') {
         kvMessaggio(12);
     }
-    if (strlen($pw) < 8) {
+    if (kvLunghezza($pw) < 8) {
         kvMessaggio(2, '&g=' . $gettone);
     }
     $riga = kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);

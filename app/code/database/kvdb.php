@@ -1,8 +1,12 @@
 <?php
 // ***1.0.7***
 // The shop's database: one connection, opened at the first query, and the mysql_ calls that the generated pages make.
-// Data and pages are Windows-1252, which MySQL calls latin1. Whatever comes from a visitor goes in through kvQuery,
-// whose values are bound, never pasted.
+// Catalogue and pages are Windows-1252, which MySQL calls latin1; the tables of what visitors typed are UTF-8, and the
+// connection speaks whichever a statement asks for. Whatever comes from a visitor goes in through kvQuery, whose values
+// are bound, never pasted.
+
+/** The tables whose texts are UTF-8; a statement about one of them takes and gives UTF-8. */
+const KV_TABELLE_UTF8 = '/\bkv_(?:clienti|ordini|richieste|stato|parole)\b/';
 
 /** The lines of a block of settings. */
 function kvLinee(string $blocco): array
@@ -59,12 +63,23 @@ KORVANE_VALORI
     return $connessione;
 }
 
+/** Lets the connection speak a character set: latin1, as it does from the start, or utf8mb4. */
+function kvCaratteri(string $insieme): void
+{
+    static $attuale = 'latin1';
+    $connessione = kvConnessione();
+    if ($insieme !== $attuale && mysqli_set_charset($connessione, $insieme)) {
+        $attuale = $insieme;
+    }
+}
+
 /**
  * Runs one statement with bound values: its result object or true. False when the server refused it; `guasto` then holds
  * number and words of its reason.
  */
 function kvEseguiLegata(string $sql, array $valori, ?array &$guasto = null)
 {
+    kvCaratteri(preg_match(KV_TABELLE_UTF8, $sql) ? 'utf8mb4' : 'latin1');
     $istruzione = mysqli_prepare(kvConnessione(), $sql);
     if ($istruzione === false) {
         $guasto = [mysqli_errno(kvConnessione()), mysqli_error(kvConnessione())];
@@ -156,12 +171,14 @@ final class KvRighe
 function kvArticoliPagina(string $sql)
 {
     $esito = false;
+    kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
         $esito = mysqli_query(kvConnessione(), str_replace(' WHERE ', " LEFT JOIN kv_disponibilita ON tipo = 'A' AND"
             . " chiave = CAST($parti[1].ID AS CHAR CHARACTER SET latin1) WHERE ", $sql));
         if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
             include_once "kvtables.php";
             kvTabelle();
+            kvCaratteri('latin1');
         }
     }
     $esito = $esito === false ? mysqli_query(kvConnessione(), $sql) : $esito;
@@ -191,6 +208,7 @@ if (!function_exists('mysql_query')) {
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
             return kvArticoliPagina(substr($sql, 0, -27));
         }
+        kvCaratteri('latin1');
         return mysqli_query(kvConnessione(), $sql);
     }
 

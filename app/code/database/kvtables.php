@@ -2,9 +2,15 @@
 // ***1.0.7***
 // The tables that live on the server alone: customers, orders, availability, requested passwords, failed attempts. No
 // publishing ever touches them. Shop and back office both read their definitions from this file, and both count failed
-// attempts by its functions; `query` is the caller's function for a statement with bound values (kvQuery, boQuery).
+// attempts by its functions; `query` is the caller's function for a statement with bound values.
 
-/** Name and columns of each table. Texts are Windows-1252; InnoDB, since an order and its stock change together. */
+/** What the tables have become; a lower number in kv_stato asks for the steps of kvAggiornaTabelle. */
+const KV_TABELLE = 2;
+
+/**
+ * Name and columns of each table; InnoDB, since an order and its stock change together. Texts of visitors are UTF-8; the
+ * keys of availability and attempts are those of the catalogue and of hashes, in its own character set.
+ */
 function kvDefinizioni(): array
 {
     return [
@@ -21,7 +27,7 @@ function kvDefinizioni(): array
             . " creato DATETIME NOT NULL, cliente INT NOT NULL DEFAULT 0, nome VARCHAR(255) NOT NULL,"
             . " email VARCHAR(190) NOT NULL, totale DECIMAL(12,2) NOT NULL, valuta VARCHAR(60) NOT NULL,"
             . " metodo VARCHAR(200) NOT NULL, stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL,"
-            . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo TEXT NOT NULL,"
+            . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo MEDIUMTEXT NOT NULL,"
             . " KEY creato (creato), KEY cliente (cliente)",
         // tipo A: an article by its number; O: a value of a variant by its code. No row: available without limit.
         'kv_disponibilita' => "tipo CHAR(1) NOT NULL, chiave VARCHAR(100) COLLATE latin1_bin NOT NULL,"
@@ -29,17 +35,42 @@ function kvDefinizioni(): array
         'kv_richieste' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL,"
             . " creato DATETIME NOT NULL, gettone CHAR(64) NOT NULL UNIQUE, scade DATETIME NOT NULL,"
             . " stato VARCHAR(20) NOT NULL, KEY email (email)",
+        'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];
 }
 
-/** Makes the tables that aren't there yet. */
+/** Makes the tables that aren't there yet, and brings those of an earlier shop up to date. */
 function kvTabelle(?callable $query = null): void
 {
+    $query = $query ?? 'kvQuery';
     foreach (kvDefinizioni() as $nome => $colonne) {
-        call_user_func($query ?? 'kvQuery',
-            "CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=latin1");
+        $insieme = preg_match(KV_TABELLE_UTF8, $nome) ? 'utf8mb4' : 'latin1';
+        $query("CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=$insieme", []);
     }
+    include_once "kvupgrade.php";
+    kvAggiornaTabelle();
+}
+
+/** Sees to it that the tables are those of this release. To be called before visitors' words are written. */
+function kvTabellePronte(): void
+{
+    static $pronte = false;
+    if (!$pronte && (int) kvStato('tabelle') < KV_TABELLE) {
+        kvTabelle();
+    }
+    $pronte = true;
+}
+
+/** A value that the shop keeps of itself; empty when there is none. */
+function kvStato(string $nome): string
+{
+    return (string) (kvRiga('SELECT valore FROM kv_stato WHERE nome = ?', [$nome])['valore'] ?? '');
+}
+
+function kvMettiStato(string $nome, string $valore): bool
+{
+    return kvQuery('REPLACE INTO kv_stato (nome, valore) VALUES (?, ?)', [$nome, $valore]) !== null;
 }
 
 /** The name under which the failed attempts of one account from one address are kept: nothing that tells either. */

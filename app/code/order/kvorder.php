@@ -6,6 +6,7 @@
 include "funcs.php";
 include_once "kvcart.php";
 include_once "kvmail.php";
+include_once "kvtables.php";
 
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
@@ -14,13 +15,13 @@ function kvRifiutaOrdine(string $motivo): void
     kvVai("messaggio.htm");
 }
 
-/** The names of the options of a select of the build, with their values where they have any: [value or null, name]. */
+/** The names (UTF-8) of the options of a select of the build, with their values where they have any: [value or null, name]. */
 function kvVociSelect(string $select): array
 {
     preg_match_all('/<option([^>]*)>(.*?)<\/option>/is', $select, $trovate, PREG_SET_ORDER);
     return array_map(function (array $voce): array {
         $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
-        return [$valore, kvTestoPiano($voce[2])];
+        return [$valore, kvUtf8(kvTestoPiano($voce[2]))];
     }, $trovate);
 }
 
@@ -45,7 +46,7 @@ function kvPaeseOrdine(): array
 <<1-paesi>>
 KORVANE_VALORI
     );
-    $nome = kvTestoPiano(kvRigaCampo($_POST, 'Paese'));
+    $nome = preg_replace('/\s+/u', ' ', kvRigaCampo($_POST, 'Paese'));
     $zona = kvCampo($_POST, 'LSStato', 2);
     if (!in_array([$zona, $nome], $paesi, true) || (int) $zona < 1 || (int) $zona > 8) {
         kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
@@ -118,7 +119,7 @@ function kvTotaliOrdine(array $righe, int $metodo, int $zona, array $dati): arra
     return $totali;
 }
 
-/** The order as plain text, for the mails and the back office. */
+/** The order as plain text in UTF-8, for the mails and the back office. */
 function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
 {
     $testo = $campi['Nome'] . ' ' . $campi['Cognome'] . "\r\n";
@@ -127,9 +128,16 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
     }
     $testo .= trim($campi['CAP'] . ' ' . $campi['Citta'] . ' ' . $campi['Provincia']) . "\r\n";
     $testo .= $campi['Paese'] . "\r\n";
-    $testo .= "<<4-ordine_email>>: " . $campi['Email'] . "\r\n";
-    $testo .= $campi['Telefono'] === '' ? '' : "<<4-ordine_telefono>>: " . $campi['Telefono'] . "\r\n";
-    $testo .= "\r\n";
+    $testo .= kvUtf8("<<4-ordine_email>>: ") . $campi['Email'] . "\r\n";
+    $testo .= $campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n";
+    return $testo . "\r\n" . kvUtf8(kvConto($righe, $totali)) . kvUtf8("<<4-ordine_pagamento>>: ") . $campi['NomePagamento']
+        . "\r\n" . ($campi['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $campi['Note'] . "\r\n");
+}
+
+/** The lines and the totals of an order as plain text, in the page's character set. */
+function kvConto(array $righe, array $totali): string
+{
+    $testo = '';
     foreach ($righe as $riga) {
         $scelte = $riga['scelte'] === '' ? '' : ' (' . $riga['scelte'] . ')';
         $testo .= "<<4-carrello_articolo>>: " . $riga['testo'] . $scelte . "\r\n  "
@@ -142,9 +150,7 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
     foreach ($voci as $n => list($nome, $importo)) {
         $testo .= $importo === 0 && $n !== 2 ? '' : $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
     }
-    $testo .= "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
-    $testo .= "<<4-ordine_pagamento>>: " . $campi['NomePagamento'] . "\r\n";
-    return $testo . ($campi['Note'] === '' ? '' : "\r\n<<4-ordine_note>>: " . $campi['Note'] . "\r\n");
+    return $testo . "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
 }
 
 /** The order for the column `dati`: campi, righe and totali as JSON, amounts in units, weights as in the catalogue. */
@@ -158,7 +164,7 @@ function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): st
     }
     unset($totali['ammesso']);
     return (string) json_encode([
-        'campi' => array_map('kvUtf8', $campi),
+        'campi' => $campi,
         'righe' => $voci,
         'totali' => array_map(fn($importo) => $importo / $scala, $totali),
     ], JSON_INVALID_UTF8_SUBSTITUTE);
@@ -191,7 +197,7 @@ function kvScriviOrdine(string $codice, array $campi, array $totali, string $dat
         'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
         . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
         [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
-         kvNumeroScript($totali['totale'], kvScala()), trim($valuta[0]), $campi['NomePagamento'], 'nuovo',
+         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), $campi['NomePagamento'], 'nuovo',
          "<<1-IDlingua>>", $dati, $riepilogo]);
 }
 
@@ -203,7 +209,7 @@ function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepil
 {
     $dati = kvDatiOrdine($campi, $righe, $totali, kvScala());
     // The tables must stand before the transaction: making one would end it.
-    kvRiga('SELECT COUNT(*) FROM kv_ordini WHERE id = 0');
+    kvTabellePronte();
     kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
     for ($prova = 0; $prova < 5; $prova++) {
         $codice = date('ymd') . '-' . strtoupper(substr(hash('sha256', $gettone . ($prova ?: '')), 0, 6));

@@ -22,7 +22,7 @@ function kvOrdineInCorso(): ?array
 /** One value of that order as HTML text: codice, totale (decimal point), nome, email, riepilogo... */
 function kvOrdine(string $nome): string
 {
-    return kvHtml((string) (kvOrdineInCorso()[$nome] ?? ''));
+    return kvHtmlUtf8((string) (kvOrdineInCorso()[$nome] ?? ''));
 }
 
 /** Whether that order still waits for its money. */
