@@ -233,14 +233,18 @@ class Availability(Case):
             self.assertIn("numero intero", self.save("disponibilita.php?q=RE-001", **{"q[0]": wrong})[1].text)
         self.assertEqual(self.shop.rows("SELECT * FROM kv_disponibilita"), [])
 
-    def test_codes_of_variants_are_listed_once_and_tell_small_from_capital_letters(self):
-        self.shop.execute("INSERT INTO opcodici VALUES (900, 'qx', 2), (901, 'QX', 3), (902, 'QX', 2)")
+    def test_values_are_listed_by_article_and_tell_small_from_capital_letters(self):
+        slots = ", ".join(f"opzione{slot}{listino}" for slot in range(1, 5) for listino in ("", *(f"_{n}" for n in range(1, 10))))
+        numbers = [row[0] for row in self.shop.rows(f"SELECT ID FROM dettaglio WHERE 2 IN ({slots})")]
+        self.shop.execute("INSERT INTO opcodici VALUES (900, 'qx', 2), (902, 'QX', 2)")
         try:
-            page, answer = self.save("disponibilita.php?tipo=O&q=qx", **{"q[0]": "0", "q[1]": "7"})
+            page = self.office.ask("disponibilita.php?tipo=V&q=qx")
             fields = next(f for f in page_forms(page) if "c[0]" in f["fields"])["fields"]
-            self.assertEqual(sorted(v for n, v in fields.items() if n.startswith("c[")), ["QX", "qx"])
-            self.assertEqual(sorted(row[1] for row in self.shop.rows("SELECT * FROM kv_disponibilita")), ["QX", "qx"])
-            self.assertIn("2 disponibilità", answer.text)
+            keys = sorted(value for name, value in fields.items() if name.startswith("c["))
+            self.assertEqual(keys, sorted(f"{number}.2.{code}" for number in numbers for code in ("QX", "qx")))
+            self.save("disponibilita.php?tipo=V&q=qx", **{"q[0]": "0", "q[1]": "7"})
+            stored = self.shop.rows("SELECT tipo, chiave, quantita FROM kv_disponibilita ORDER BY quantita")
+            self.assertEqual(stored, [["V", fields["c[0]"], "0"], ["V", fields["c[1]"], "7"]])
         finally:
             self.shop.execute("DELETE FROM opcodici WHERE ID >= 900")
 

@@ -144,8 +144,14 @@ function kvArticoloSolo(bool $unica = false): ?array
     return $righe[$posto - 1];
 }
 
-/** Whether an article can be bought: it isn't sold out. */
+/** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */
 function kvDisponibile(array $riga): bool
+{
+    return kvArticoloDisponibile($riga) && kvVariantiDisponibili($riga);
+}
+
+/** Whether the article itself isn't sold out. */
+function kvArticoloDisponibile(array $riga): bool
 {
     // A department page has the stock beside the article.
     if (!array_key_exists('disponibile', $riga)) {
@@ -249,6 +255,22 @@ function kvCodiceValuta(): string
     return $segni[$etichetta] ?? (preg_match('/^[A-Z]{3}$/D', $etichetta) ? $etichetta : '');
 }
 
+/** An offer for each value of an article with one variant that has a limited value; none for all other articles. */
+function kvOfferteValori(array $riga, callable $offerta, bool $disponibile): array
+{
+    $varianti = array_values(kvVariantiRiga($riga, (int) $GLOBALS['listino']));
+    $offerte = [];
+    $limitati = 0;
+    foreach (count($varianti) === 1 ? (kvElencoVariante($varianti[0])['voci'] ?? []) : [] as $voce) {
+        $libera = kvValoreDisponibile($riga, $varianti[0], $voce['codice']);
+        $limitati += $libera ? 0 : 1;
+        $prezzo = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) + kvDifferenza($voce['prezzo'], $riga);
+        $offerte[] = ['name' => kvParola($voce['etichetta'])] + ($voce['codice'] === '' ? []
+            : ['sku' => kvUtf8($voce['codice'])]) + $offerta(kvNumeroScript(max(0, $prezzo), kvScala()), $disponibile && $libera);
+    }
+    return $limitati > 0 ? $offerte : [];
+}
+
 /** An article as schema.org has it: Product with its Offer. A price that the visitor doesn't see isn't told either. */
 function kvDatiArticolo(array $riga, bool $disponibile): array
 {
@@ -260,12 +282,14 @@ function kvDatiArticolo(array $riga, bool $disponibile): array
     $valuta = kvCodiceValuta();
     if (!kvPrezziNascosti() && $valuta !== '') {
         $prezzo = kvNumeroScript(kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()), kvScala());
-        $dati['offers'] = ['@type' => 'Offer', 'price' => $prezzo, 'priceCurrency' => $valuta,
-            'availability' => 'https://schema.org/' . ($disponibile ? 'InStock' : 'OutOfStock'), 'url' => $dati['url']];
-        if (!$GLOBALS['ivacompresa']) {
-            $dati['offers']['priceSpecification'] = ['@type' => 'UnitPriceSpecification', 'price' => $prezzo,
-                'priceCurrency' => $valuta, 'valueAddedTaxIncluded' => false];
-        }
+        $offerta = fn(string $prezzo, bool $disponibile): array => ['@type' => 'Offer', 'price' => $prezzo,
+            'priceCurrency' => $valuta, 'availability' => 'https://schema.org/' . ($disponibile ? 'InStock' : 'OutOfStock'),
+            'url' => $dati['url']] + ($GLOBALS['ivacompresa'] ? [] : ['priceSpecification' => [
+            '@type' => 'UnitPriceSpecification', 'price' => $prezzo, 'priceCurrency' => $valuta,
+            'valueAddedTaxIncluded' => false]]);
+        $dati['offers'] = $offerta($prezzo, $disponibile);
+        $valori = kvOfferteValori($riga, $offerta, kvArticoloDisponibile($riga));
+        $dati['offers'] = $valori === [] ? $dati['offers'] : $valori;
     }
     return array_filter($dati, fn($valore) => $valore !== '');
 }

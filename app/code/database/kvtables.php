@@ -29,7 +29,7 @@ function kvDefinizioni(): array
             . " metodo VARCHAR(200) NOT NULL, stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL,"
             . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo MEDIUMTEXT NOT NULL,"
             . " KEY creato (creato), KEY cliente (cliente)",
-        // tipo A: an article by its number; O: a value of a variant by its code. No row: available without limit.
+        // tipo A: an article by its number; V: article, variant and code of a value. No row: available without limit.
         'kv_disponibilita' => "tipo CHAR(1) NOT NULL, chiave VARCHAR(100) COLLATE latin1_bin NOT NULL,"
             . " disponibile TINYINT NOT NULL DEFAULT 1, quantita INT NULL, PRIMARY KEY (tipo, chiave)",
         'kv_richieste' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL,"
@@ -38,6 +38,18 @@ function kvDefinizioni(): array
         'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];
+}
+
+/** The columns of `dettaglio` that name an article's variants, for all price lists; `come` is the table's alias. */
+function kvColonneVarianti(string $come): string
+{
+    $colonne = [];
+    foreach (['', '_1', '_2', '_3', '_4', '_5', '_6', '_7', '_8', '_9'] as $listino) {
+        foreach ([1, 2, 3, 4] as $posto) {
+            $colonne[] = "$come.opzione$posto$listino";
+        }
+    }
+    return implode(', ', $colonne);
 }
 
 /** Makes the tables that aren't there yet, and brings those of an earlier shop up to date. */

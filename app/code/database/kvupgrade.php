@@ -13,7 +13,7 @@ function kvAggiornaTabelle(): void
     $in_corso = true;
     $blocco = kvRiga("SELECT GET_LOCK(CONCAT(DATABASE(), '.kv_tabelle'), 60) AS mio");
     if ((int) ($blocco['mio'] ?? 0) === 1) {
-        if (kvTabelleInUtf8()) {
+        if (kvTabelleInUtf8() && kvScortePerArticolo()) {
             kvMettiStato('tabelle', (string) KV_TABELLE);
         }
         kvQuery("SELECT RELEASE_LOCK(CONCAT(DATABASE(), '.kv_tabelle'))");
@@ -32,6 +32,19 @@ function kvTabelleInUtf8(): bool
         }
     }
     return $tabelle !== null;
+}
+
+/** The stock of values, which an earlier release counted by their code alone, for each article that offers them. */
+function kvScortePerArticolo(): bool
+{
+    if ((kvRiga("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'O'")['n'] ?? 0) == 0) {
+        return true;
+    }
+    return kvQuery("INSERT IGNORE INTO kv_disponibilita (tipo, chiave, disponibile, quantita) SELECT 'V',"
+        . " LEFT(CONCAT(o.ID, '.', c.OpID, '.', c.codice), 100), disponibile, quantita FROM kv_disponibilita d INNER JOIN"
+        . " opcodici c ON CONVERT(c.codice USING latin1) COLLATE latin1_bin = d.chiave INNER JOIN dettaglio o"
+        . " ON c.OpID IN (" . kvColonneVarianti('o') . ") WHERE d.tipo = 'O'") !== null
+        && kvQuery("DELETE FROM kv_disponibilita WHERE tipo = 'O'") !== null;
 }
 
 /** The texts of a table without numeric references. */
