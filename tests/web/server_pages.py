@@ -14,12 +14,12 @@ class Pages(CustomerCase):
 
     def with_one_variant(self):
         """An article with one variant: number, variant, the codes of its values, the address of its page."""
-        number, variant, place = shop().rows(
+        number, variant, position = shop().rows(
             "SELECT dettaglio.ID, opzione1, contatore FROM dettaglio INNER JOIN articoli USING (ID) INNER JOIN ordinamento"
             " USING (ID) WHERE opzione1 > 1 AND opzione2 < 2 AND opzione3 < 2 AND opzione4 < 2 AND pagina = 'cat007'"
             " AND sottopagina = 1 LIMIT 1")[0]
         codes = [row[0] for row in shop().rows(f"SELECT codice FROM opcodici WHERE OpID = {variant}")]
-        return number, variant, codes, f"cat007.php?n=1&prod={place}"
+        return number, variant, codes, f"cat007.php?n=1&prod={position}"
 
     def sell_out(self, number, variant, codes):
         for code in codes:

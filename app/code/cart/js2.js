@@ -222,9 +222,54 @@ function NoteRiga(cella, riga) {
   }
 }
 
+/** Whether a line keeps the order from being placed. */
+function DaCorreggere(riga) {
+  return !Comprabile(riga) || riga.q < qminima;
+}
+
+/** The reasons why the lines can't be ordered as they are, one sentence each. */
+function Motivi(righe) {
+  const motivi = righe.some(DaCorreggere) ? ["<<4-carrello_da_correggere>>"] : [];
+  const manca = Interi(minimo, scala) - totali(righe, 1, 0).merce;
+  if (manca > 0) {
+    motivi.push("<<4-carrello_minimo>>" + ": " + TestoImporto(Interi(minimo, scala)) + ". " + "<<4-carrello_manca>>" + ": " +
+      TestoImporto(manca) + ".");
+  }
+  return motivi;
+}
+
+/** Opens or closes the way to the order; a closed one says why. */
+function ApriOrdine(righe) {
+  const passo = document.getElementById("kv-ordina");
+  if (!passo) {
+    return;
+  }
+  passo.dataset.href = passo.dataset.href || passo.getAttribute("href");
+  let motivo = document.getElementById("kv-motivo");
+  if (!motivo) {
+    motivo = document.createElement("div");
+    motivo.id = "kv-motivo";
+    motivo.setAttribute("role", "status");
+    passo.parentElement.before(motivo);
+  }
+  const motivi = righe.length === 0 ? [] : Motivi(righe);
+  motivo.textContent = motivi.join(" ");
+  motivo.className = motivi.length > 0 ? "avviso" : "";
+  if (motivi.length > 0) {
+    passo.removeAttribute("href");
+    passo.setAttribute("role", "link");
+    passo.setAttribute("aria-disabled", "true");
+    passo.setAttribute("aria-describedby", "kv-motivo");
+  } else {
+    passo.href = passo.dataset.href;
+    passo.removeAttribute("aria-disabled");
+  }
+}
+
 /** The cells of one cart line; each carries its column's title for narrow screens. */
 function RigaCarrello(corpo, riga, nomi) {
   const celle = corpo.insertRow();
+  celle.className = DaCorreggere(riga) ? "da-correggere" : "";
   const cella = function (posto) {
     const nuova = celle.insertCell();
     nuova.dataset.titolo = nomi[posto];
@@ -280,6 +325,7 @@ function DisegnaCarrello() {
   }
   if (!document.Ordine) {
     ScriviTotali(document.getElementById("carrello-totali"), totali(righe, 1, 0), false);
+    ApriOrdine(righe);
   }
 }
 

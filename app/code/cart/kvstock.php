@@ -69,34 +69,27 @@ function kvPezziRiga(array $riga): ?int
     return !$riga['disponibile'] ? 0 : ($riga['quantita'] === null ? null : max(0, (int) $riga['quantita']));
 }
 
-/** The pieces of each limited value of some articles, by key. Kept, so that one query serves all articles of a page. */
-function kvScorteValori(array $articoli): array
+/**
+ * The keys of an article's values that are sold out. A department page has them beside the article; a row from elsewhere
+ * costs a query.
+ */
+function kvValoriEsauriti(array $riga): array
 {
     static $letti = [];
-    static $scorte = [];
-    $mancanti = array_values(array_diff(array_map('intval', $articoli), $letti));
-    if ($mancanti !== []) {
-        $letti = array_merge($letti, $mancanti);
-        $prove = implode(' OR ', array_fill(0, count($mancanti), 'chiave LIKE ?'));
-        $righe = kvQuery("SELECT chiave, disponibile, quantita FROM kv_disponibilita WHERE tipo = 'V' AND ($prove)",
-            array_map(fn($articolo) => "$articolo.%", $mancanti));
-        foreach ($righe ?? [] as $riga) {
-            $scorte['V' . $riga['chiave']] = kvPezziRiga($riga);
-        }
+    $id = (int) ($riga['ID'] ?? 0);
+    if (!isset($letti[$id])) {
+        $elenco = array_key_exists('esauriti', $riga) ? (string) $riga['esauriti']
+            : (string) (kvRiga('SELECT ' . sprintf(KV_ESAURITI, '?') . ' AS esauriti', ["$id.%"])['esauriti'] ?? '');
+        $letti[$id] = $elenco === '' ? [] : array_fill_keys(explode("\n", $elenco), true);
     }
-    return $scorte;
+    return $letti[$id];
 }
 
 /** Whether a value of an article can be had. */
 function kvValoreDisponibile(array $riga, int $variante, string $codice): bool
 {
-    global $resultArt;
-    if ($codice === '') {
-        return true;
-    }
-    $pagina = $resultArt instanceof KvRighe ? array_column($resultArt->righe, 'ID') : [];
-    $scorte = kvScorteValori(array_merge([$riga['ID']], $pagina));
-    return ($scorte[kvChiaveValore((int) $riga['ID'], $variante, $codice)] ?? 1) > 0;
+    return $codice === ''
+        || !isset(kvValoriEsauriti($riga)[substr(kvChiaveValore((int) $riga['ID'], $variante, $codice), 1)]);
 }
 
 /** Whether each variant of an article has a value that can be had. */

@@ -163,18 +163,25 @@ final class KvRighe
     }
 }
 
+/** The keys of the sold out values of an article, one a line; the pattern of its keys stands for the mark. */
+const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE %s"
+    . ' AND (disponibile = 0 OR quantita <= 0))';
+
 /**
  * The articles of a page. Sorting them by a column of the last of three tables would make the server copy every text of
  * them to a temporary table, which takes longer than all the rest of the query; so they are sorted here. Where the
- * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't.
+ * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`.
  */
 function kvArticoliPagina(string $sql)
 {
     $esito = false;
     kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
-        $esito = mysqli_query(kvConnessione(), str_replace(' WHERE ', " LEFT JOIN kv_disponibilita ON tipo = 'A' AND"
-            . " chiave = CAST($parti[1].ID AS CHAR CHARACTER SET latin1) WHERE ", $sql));
+        $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
+        $esauriti = sprintf(KV_ESAURITI, "CONCAT($id, '.%') COLLATE latin1_bin");
+        $esito = mysqli_query(kvConnessione(), str_replace([' WHERE ', " FROM $parti[1] "], [
+            " LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
+            ", $esauriti AS esauriti FROM $parti[1] "], $sql));
         if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
             include_once "kvtables.php";
             kvTabelle();

@@ -199,11 +199,18 @@ function LoadDatiCliente(): string
     return kvDatiCliente((int) $GLOBALS['cliente']);
 }
 
-/** Whether each line of the visitor's cart can be bought: a letter for each, "1" or "0". */
+/**
+ * Whether each line of the visitor's cart can be bought: a letter for each, "1" or "0". The order page doesn't open with
+ * a line that can't: the cart does, which says which one and why.
+ */
 function CheckDispCart(): string
 {
     include_once "kvcart.php";
-    return kvLettereCarrello();
+    $lettere = kvLettereCarrello();
+    if (strpos($lettere, '0') !== false && basename((string) ($_SERVER['SCRIPT_NAME'] ?? '')) === "order.htm") {
+        kvVai("cart.htm");
+    }
+    return $lettere;
 }
 
 /** The lines of the visitor's cart as cart and order page need them: JSON that may stand in a script element. */
