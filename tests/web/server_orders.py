@@ -166,7 +166,7 @@ class Stock(CustomerCase):
     def attempt(self, visitor):
         try:
             return order(visitor, self.cart, method=2).address
-        except AttributeError:
+        except StopIteration:
             return "order form refused"
 
 

@@ -105,9 +105,17 @@ function kvPrezzo(): string
     $html .= '<strong class="prezzo">' . ViewArt('prezzo') . '</strong>';
     foreach (['iva', 'cambio'] as $nota) {
         $testo = ViewArt($nota);
-        $html .= $testo === '' ? '' : ' <span class="nota">' . kvPulito($testo) . '</span>';
+        $html .= $testo === '' ? '' : ' <span class="nota ' . $nota . '">' . kvPulito($testo) . '</span>';
     }
     return $html;
+}
+
+/** What the browser needs to show the price of the chosen values and pieces; nothing where prices are hidden. */
+function kvDatiPrezzo(array $riga): string
+{
+    return kvPrezziNascosti() ? '' : '<span class="kv-prezzo" hidden data-prezzo="'
+        . kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) . '" data-passi="'
+        . kvHtml((string) json_encode(kvScaglioni($riga, (int) $GLOBALS['listino']))) . '"></span>';
 }
 
 /** All rows of the department page; those that the loop has yet to read stay unread. */
@@ -256,7 +264,7 @@ function kvCodiceValuta(): string
 }
 
 /** An offer for each value of an article with one variant that has a limited value; none for all other articles. */
-function kvOfferteValori(array $riga, callable $offerta, bool $disponibile): array
+function kvOfferteValori(array $riga, callable $offerta): array
 {
     $varianti = array_values(kvVariantiRiga($riga, (int) $GLOBALS['listino']));
     $offerte = [];
@@ -266,7 +274,7 @@ function kvOfferteValori(array $riga, callable $offerta, bool $disponibile): arr
         $limitati += $libera ? 0 : 1;
         $prezzo = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) + kvDifferenza($voce['prezzo'], $riga);
         $offerte[] = ['name' => kvParola($voce['etichetta'])] + ($voce['codice'] === '' ? []
-            : ['sku' => kvUtf8($voce['codice'])]) + $offerta(kvNumeroScript(max(0, $prezzo), kvScala()), $disponibile && $libera);
+            : ['sku' => kvUtf8($voce['codice'])]) + $offerta(kvNumeroScript(max(0, $prezzo), kvScala()), $libera && kvArticoloDisponibile($riga));
     }
     return $limitati > 0 ? $offerte : [];
 }
@@ -288,7 +296,7 @@ function kvDatiArticolo(array $riga, bool $disponibile): array
             '@type' => 'UnitPriceSpecification', 'price' => $prezzo, 'priceCurrency' => $valuta,
             'valueAddedTaxIncluded' => false]]);
         $dati['offers'] = $offerta($prezzo, $disponibile);
-        $valori = kvOfferteValori($riga, $offerta, kvArticoloDisponibile($riga));
+        $valori = kvOfferteValori($riga, $offerta);
         $dati['offers'] = $valori === [] ? $dati['offers'] : $valori;
     }
     return array_filter($dati, fn($valore) => $valore !== '');

@@ -54,6 +54,8 @@ function kvLeggiVarianti(array $numeri): array
 /** The option elements of a built list: [attributes before value, price, weight, code, label, text of the element]. */
 function kvVociVariante(string $elenco): array
 {
+    // The build marks the default value with a star, which is for the selector alone.
+    $elenco = preg_replace('/(<option selected value="[^"]*) \*">/i', '$1">', $elenco);
     preg_match_all(
         '/<option ([^>]*?)value="<<\s*([-0-9.]*)>>=([^#"]*)#([^|"]*)\|([^"]*)">(.*?)<\/option>/is', $elenco, $voci,
         PREG_SET_ORDER);

@@ -7,22 +7,13 @@ include "funcs.php";
 include_once "kvcart.php";
 include_once "kvmail.php";
 include_once "kvtables.php";
+include_once "kvpaesi.php";
 
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
 {
     kvAvvisa($motivo);
     kvVai("messaggio.htm");
-}
-
-/** The names (UTF-8) of the options of a select of the build, with their values where they have any: [value or null, name]. */
-function kvVociSelect(string $select): array
-{
-    preg_match_all('/<option([^>]*)>(.*?)<\/option>/is', $select, $trovate, PREG_SET_ORDER);
-    return array_map(function (array $voce): array {
-        $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
-        return [$valore, kvUtf8(kvTestoPiano($voce[2]))];
-    }, $trovate);
 }
 
 /** The chosen payment method, counted from 1, and its name; ends the order when the shop has no such one. */
@@ -32,14 +23,17 @@ function kvMetodoOrdine(): array
 <<1-pagamento>>
 KORVANE_VALORI
     );
-    $metodo = (int) kvCampo($_POST, 'Metodo', 2);
+    $metodo = (int) kvCampo($_POST, kvCampo($_POST, 'Metodo', 2) === '' ? 'Pagamento' : 'Metodo', 2);
     if (!isset($metodi[$metodo - 1]) || !is_file('thankyou' . $metodo . '<<1-IDlingua>>.php')) {
         kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
     }
-    return [$metodo, $metodi[$metodo - 1][1]];
+    return [$metodo, kvUtf8($metodi[$metodo - 1]['nome'])];
 }
 
-/** The chosen country and its zone (1 to 8); the zone must be the one that the shop has the country in. */
+/**
+ * The chosen country in the shop's own words and its zone (1 to 8). The form sends "zone-position in the list"; one of a
+ * merchant's own template the zone and the country's name.
+ */
 function kvPaeseOrdine(): array
 {
     $paesi = kvVociSelect(<<<'KORVANE_VALORI'
@@ -47,11 +41,15 @@ function kvPaeseOrdine(): array
 KORVANE_VALORI
     );
     $nome = preg_replace('/\s+/u', ' ', kvRigaCampo($_POST, 'Paese'));
-    $zona = kvCampo($_POST, 'LSStato', 2);
-    if (!in_array([$zona, $nome], $paesi, true) || (int) $zona < 1 || (int) $zona > 8) {
-        kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    list($zona, $posto) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
+    foreach ($paesi as $n => $paese) {
+        $scelto = $posto === '' ? kvUtf8($paese['nome']) === $nome : $posto === (string) $n;
+        if ($scelto && $paese['valore'] === $zona && (int) $zona >= 1 && (int) $zona <= 8) {
+            return [kvUtf8($paese['nome']), (int) $zona];
+        }
     }
-    return [$nome, (int) $zona];
+    kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    return ['', 0];
 }
 
 /** The form's fields, by the names of the order form; ends the order when a required one is missing or wrong. */
@@ -127,7 +125,7 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
         $testo .= $campi[$nome] === '' ? '' : $campi[$nome] . "\r\n";
     }
     $testo .= trim($campi['CAP'] . ' ' . $campi['Citta'] . ' ' . $campi['Provincia']) . "\r\n";
-    $testo .= $campi['Paese'] . "\r\n";
+    $testo .= kvUtf8(kvNomePaese(kvDaUtf8($campi['Paese']))) . "\r\n";
     $testo .= kvUtf8("<<4-ordine_email>>: ") . $campi['Email'] . "\r\n";
     $testo .= $campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n";
     return $testo . "\r\n" . kvUtf8(kvConto($righe, $totali)) . kvUtf8("<<4-ordine_pagamento>>: ") . $campi['NomePagamento']
