@@ -127,7 +127,7 @@ def order(visitor, cart, method=1, suffix="", **fields):
     """Orders what a cart text says ("12.3": three pieces of article 12); the page that the visitor ends on."""
     visitor.cookies["/", "kvstore_cart" + cart_number(visitor)] = cart
     page = visitor.ask(f"order{suffix}.php")
-    sent = {"Dettaglio": cart, "Metodo": str(method), "Totale": None, **SHOPPER, **fields}
+    sent = {"Dettaglio": cart, "Metodo": str(method), "Totale": None, "senza_script": None, **SHOPPER, **fields}
     return visitor.send(page.form("kvorder"), page, **sent)
 
 

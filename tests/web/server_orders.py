@@ -88,6 +88,17 @@ class Orders(CustomerCase):
         form = page.form("kvorder")
         self.assertEqual(form["action"], "kvorder_l2.php")
 
+    def test_an_article_is_bought_by_a_plain_form(self):
+        page = self.visitor.ask("cat007.php")
+        form = page.form("kvcarrello")
+        number, position = shop().rows("SELECT ID, contatore FROM ordinamento INNER JOIN articoli USING (ID) WHERE pagina ="
+                                       " 'cat007' AND sottopagina = 1 ORDER BY contatore + 0 LIMIT 1")[0]
+        self.assertIn(f'name="compra" value="{number}.{position}"', page.text)
+        page = self.visitor.send(form, page, compra=f"{number}.{position}", **{f"qt{position}": "2"})
+        self.assertIn("/cart.php", page.address)
+        lines = served_lines(self.visitor, next(value for (_, name), value in self.visitor.cookies.items() if "cart" in name))
+        self.assertEqual([line["ok"] for line in lines], [True])
+
 
 class Stock(CustomerCase):
     def limit(self, kind, key, pieces, available=1):

@@ -3,7 +3,8 @@
 import json
 import re
 
-from shop_case import CustomerCase, main, shop
+from served_shop import SHOPPER
+from shop_case import CustomerCase, article, cart_cookie, main, shop
 
 
 class Pages(CustomerCase):
@@ -38,6 +39,48 @@ class Pages(CustomerCase):
         page = self.visitor.ask(address).text
         self.assertIn('class="esaurito"', page)
         self.assertNotIn('class="acquisto"', page)
+
+    def test_an_order_goes_through_without_scripts(self):
+        address = self.with_one_variant()[3]
+        page = self.visitor.ask(address)
+        form = page.form("kvcarrello")
+        pieces = next(name for name in form["fields"] if name.startswith("qt"))
+        page = self.visitor.send(form, page, **{pieces: "3"})
+        self.assertIn("/cart.php", page.address)
+        line = next(name for name in page.form("kvcarrello")["fields"] if name.startswith("q["))
+        self.assertEqual(page.form("kvcarrello")["fields"][line], "3")
+        page = self.visitor.send(page.form("kvcarrello"), page, **{line: "4"})
+        self.assertEqual(page.form("kvcarrello")["fields"][line], "4")
+        self.assertIn('href="order.php"', page.text)
+        page = self.visitor.ask("order.php")
+        page = self.visitor.send(page.form("kvorder"), page, **dict(SHOPPER, Nome="Łucja"))
+        self.assertEqual(self.count("kv_ordini"), 0)
+        total = re.search(r"Totale: (\S+ [\d.,]+)", page.text).group(1)
+        page = self.visitor.send(page.form("kvorder"), page)
+        self.assertIn("thankyou", page.address)
+        self.assertIn(total, page.text)
+        self.assertEqual(self.order_data()["righe"][0]["quantita"], 4)
+        self.assertEqual(self.order_data()["campi"]["Nome"], "Łucja")
+        self.assertFalse(any("kvstore_cart" in name for _, name in self.visitor.cookies))
+
+    def test_a_cart_without_scripts_says_what_keeps_from_the_order(self):
+        cart_cookie(self.visitor, self.cart)
+        shop().execute(f"REPLACE INTO kv_disponibilita VALUES ('A', '{self.article}', 1, 0)")
+        page = self.visitor.ask("cart.php").text
+        plain = page[page.index("<noscript>"):page.index("</noscript>")]
+        self.assertIn('class="da-correggere"', plain)
+        self.assertIn("correggere o togliere le righe segnate", plain)
+        self.assertNotIn('href="order.php"', plain)
+        cart_cookie(self.visitor, f"{article('PA-002')}.1")
+        self.assertRegex(self.visitor.ask("cart.php").text, r"Ordine minimo: € 15,00\. Mancano ancora: € [\d,]+\.")
+
+    def test_what_cannot_be_bought_is_told_without_scripts(self):
+        page = self.visitor.ask(self.with_one_variant()[3])
+        form = page.form("kvcarrello")
+        pieces = next(name for name in form["fields"] if name.startswith("qt"))
+        self.assertIn("quantità valida", self.visitor.send(form, page, **{pieces: "-1"}).text)
+        self.assertIn("non sono più disponibili", self.visitor.send(form, page, compra="99999.1").text)
+        self.assertFalse(any("kvstore_cart" in name for _, name in self.visitor.cookies))
 
 
 if __name__ == "__main__":

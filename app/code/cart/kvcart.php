@@ -32,6 +32,12 @@ function kvVociCarrello(string $testo): array
     return $voci;
 }
 
+/** What tells a line from all others: the article and the keys of the chosen values. */
+function kvSegnoRiga(array $voce): string
+{
+    return rtrim($voce['id'] . '.' . implode('.', $voce['k']), '.');
+}
+
 /** A text as it is read: without tags, its entities as letters. */
 function kvTestoPiano(?string $html): string
 {
@@ -159,7 +165,7 @@ function kvDatiCarrello(): string
     $dati = [];
     foreach (kvCarrelloVisitatore() as $riga) {
         $dati[] = [
-            'c' => rtrim($riga['id'] . '.' . implode('.', $riga['chiavi']), '.'), 'n' => kvUtf8($riga['testo']),
+            'c' => kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]), 'n' => kvUtf8($riga['testo']),
             'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'],
             'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'],
         ];

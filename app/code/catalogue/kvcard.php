@@ -211,7 +211,8 @@ function kvModuloAcquista(array $riga, bool $intera): string
             . " min=\"$minimo\" max=\"99999\" required><button type=\"button\" data-passo=\"1\" aria-label=\""
             . kvHtml("<<4-piu>>") . '">+</button></div></div>'
         : "<input type=\"hidden\" name=\"qt$posto\" value=\"$minimo\">";
-    return "<form class=\"acquisto\" onsubmit=\"$chiamata; return false\">" . ($intera ? ViewArt('opzioni') : '') . $quantita
+    return '<form class="acquisto" method="post" action="kvcarrello.php" accept-charset="utf-8" onsubmit="' . $chiamata
+        . '; return false"><input type="hidden" name="compra" value="' . (int) $riga['ID'] . ".$posto\">" . ($intera ? ViewArt('opzioni') : '') . $quantita
         . '<button type="submit">' . kvHtml("<<4-acquista>>") . ($intera ? '' : '<span class="nascosto">: ' . $nome . '</span>')
         . '</button></form>';
 }

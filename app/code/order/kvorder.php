@@ -8,6 +8,7 @@ include_once "kvcart.php";
 include_once "kvmail.php";
 include_once "kvtables.php";
 include_once "kvpaesi.php";
+include_once "kvplain.php";
 
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
@@ -81,10 +82,17 @@ function kvModuloOrdine(array $dati): array
     return $campi;
 }
 
+/** The cart text of the form; that of the cookie where no script could fill it in. */
+function kvDettaglio(): string
+{
+    $testo = kvCampo($_POST, 'Dettaglio', 8000);
+    return $testo === '' && isset($_POST['senza_script']) ? kvCampo($_COOKIE, kvBiscottoCarrello(), 8000) : $testo;
+}
+
 /** The lines of the order from the form's cart text; ends the order when one can't be bought. */
 function kvRigheOrdine(array $dati): array
 {
-    $righe = kvRigheCarrello(kvCampo($_POST, 'Dettaglio', 8000));
+    $righe = kvRigheCarrello(kvDettaglio());
     if ($righe === []) {
         kvRifiutaOrdine("<<4-ordine_vuoto>>");
     }
@@ -238,6 +246,11 @@ function kvPrendiOrdine(string $gettone): void
     list($metodo, $campi['NomePagamento']) = kvMetodoOrdine();
     $righe = kvRigheOrdine($dati);
     $totali = kvTotaliOrdine($righe, $metodo, $zona, $dati);
+    if (isset($_POST['senza_script'])) {
+        // Nobody orders without having seen the sum, which no script could show in the form.
+        $GLOBALS['kvConferma'] = kvConfermaOrdine(kvConto($righe, $totali), $totali, kvDettaglio());
+        return;
+    }
     $riepilogo = kvRiepilogoOrdine($campi, $righe, $totali);
     list($codice, $nuovo) = kvSalvaOrdine($campi, $righe, $totali, $riepilogo, $gettone);
     $pagina = 'thankyou' . $metodo . '<<1-IDlingua>>.php';
@@ -257,7 +270,7 @@ if (isset($_SESSION['ordini'][$kvForma])) {
     list($_SESSION['ordine'], $kvPagina) = $_SESSION['ordini'][$kvForma];
     kvVai($kvPagina);
 }
-if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvCampo($_POST, 'Dettaglio', 8000) === '') {
+if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvDettaglio() === '') {
     kvRifiutaOrdine("<<4-ordine_vuoto>>");
 }
 if (!kvGettoneValido()) {
@@ -267,3 +280,4 @@ if (($cliente === 0 && $regobbl) || kvAcquistoNegato()) {
     kvVai("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
 kvPrendiOrdine($kvForma);
+include "messaggio.htm";

@@ -5,6 +5,10 @@
 if (!defined('KORVANE_SHOP')) {
     exit;
 }
+if (isset($kvConferma)) {
+    echo $kvConferma;
+    return;
+}
 $kvMessaggi = [
     1 => "<<4-accesso_errato>>",
     2 => "<<4-registrazione_incompleta>>",
