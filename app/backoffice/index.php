@@ -7,11 +7,8 @@ include "bo_base.php";
 function boRifiuto(string $utente, string $password): string
 {
     $chiavi = [kvChiaveTentativi('backoffice', $utente), kvChiaveTentativi('backoffice', '')];
-    if (kvTroppiTentativi($chiavi[0], 'kvQuery') || kvTroppiTentativi($chiavi[1], 'kvQuery', 20)) {
+    if (!kvAmmetti($chiavi[0], 'accessi_conto') || !kvAmmetti($chiavi[1], 'accessi')) {
         return 'Troppi tentativi: riprovare tra un quarto d\'ora.';
-    }
-    foreach ($chiavi as $chiave) {
-        kvSegnaTentativo($chiave, 'kvQuery');
     }
     // Both comparisons always take place, on texts of equal length.
     $giuste = hash_equals(hash('sha256', kvDaCp1252(boImpostazioni()['utente'])), hash('sha256', $utente))
@@ -20,7 +17,7 @@ function boRifiuto(string $utente, string $password): string
         return 'Nome utente o password errati.';
     }
     foreach ($chiavi as $chiave) {
-        kvAzzeraTentativi($chiave, 'kvQuery');
+        kvAzzeraTentativi($chiave);
     }
     return '';
 }

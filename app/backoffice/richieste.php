@@ -52,7 +52,7 @@ if (boInvio()) {
     boVai('richieste.php');
 }
 $boCerca = kvRigaCampo($_GET, 'q', 100);
-$boDove = $boCerca === '' ? '1 = 1' : 'INSTR(r.email, ?) > 0';
+$boDove = "r.stato NOT IN ('registrazione', 'registrata')" . ($boCerca === '' ? '' : ' AND INSTR(r.email, ?) > 0');
 $boValori = $boCerca === '' ? [] : [$boCerca];
 $boTrovate = boConta("SELECT COUNT(*) AS n FROM kv_richieste r WHERE $boDove", $boValori);
 $boQuantePagine = max(1, (int) ceil($boTrovate / BO_PER_PAGINA));

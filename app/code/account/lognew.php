@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
-// The login page's forms, which logcheck.php takes. For a visitor: access, registration, a forgotten password, or with
-// the token of a mail in `g` the choice of a new one. For a customer: own data, password, the way out.
+// The login page's forms, which logcheck.php takes. For a visitor: access, registration, a forgotten password; with the
+// token of a mail in `g` the choice of a new one, in `r` the end of a registration. For a customer: own data, password, the way out.
 $home = "index<<1-IDlingua>>.php";
 if (!defined('KORVANE_SHOP')) {
     exit;
@@ -12,7 +12,18 @@ $kvGettoneMail = kvRichiestaValida(kvCampo($HTTP_GET_VARS, 'g', 64)) === '' ? ''
 $kvDopo = in_array((int) kvCampo($HTTP_GET_VARS, 'm', 4), [23], true) ? 'ordine' : '';
 $kvNascosti = '<input type="hidden" name="_charset_"><input type="hidden" name="gettone" value="' . kvGettone() . '">'
     . '<input type="hidden" name="dopo" value="' . $kvDopo . '">';
-if ($kvGettoneMail !== '') {
+$kvGettoneConto = kvRegistrazioneValida(kvCampo($HTTP_GET_VARS, 'r', 64)) === null ? '' : kvCampo($HTTP_GET_VARS, 'r', 64);
+if ($kvGettoneConto !== '') {
+?>
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
+<h2><<4-registrazione_titolo>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="conferma">
+<input type="hidden" name="r" value="<?php echo kvHtml($kvGettoneConto); ?>">
+<p><button type="submit"><<4-registrazione_conferma>></button></p>
+</form>
+<?php
+} elseif ($kvGettoneMail !== '') {
 ?>
 <form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-password_richiesta>></h2>
@@ -81,6 +92,7 @@ if ($kvGettoneMail !== '') {
 <h2><<4-registrazione_titolo>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="registra">
+<?php echo kvCampoEsca(); ?>
 <label><<4-ordine_nome>> <input name="nome" maxlength="100" autocomplete="given-name" required></label>
 <label><<4-ordine_cognome>> <input name="cognome" maxlength="100" autocomplete="family-name" required></label>
 <label><<4-ordine_email>> <input type="email" name="email" maxlength="190" autocomplete="email" required></label>

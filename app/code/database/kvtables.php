@@ -1,11 +1,11 @@
 <?php
 // ***1.0.7***
 // The tables that live on the server alone: customers, orders, availability, requested passwords, failed attempts. No
-// publishing ever touches them. Shop and back office both read their definitions from this file, and both count failed
-// attempts by its functions; `query` is the caller's function for a statement with bound values.
+// publishing ever touches them. Shop and back office both read their definitions from this file.
+include_once "kvlimits.php";
 
 /** What the tables have become; a lower number in kv_stato asks for the steps of kvAggiornaTabelle. */
-const KV_TABELLE = 2;
+const KV_TABELLE = 3;
 
 /**
  * Name and columns of each table; InnoDB, since an order and its stock change together. Texts of visitors are UTF-8; the
@@ -22,7 +22,7 @@ function kvDefinizioni(): array
             . " provincia VARCHAR(60) NOT NULL DEFAULT '', paese VARCHAR(60) NOT NULL DEFAULT '',"
             . " telefono VARCHAR(60) NOT NULL DEFAULT '', listino TINYINT NOT NULL DEFAULT 0,"
             . " sconto DECIMAL(5,2) NOT NULL DEFAULT 0, approvato TINYINT NOT NULL DEFAULT 1,"
-            . " lingua VARCHAR(5) NOT NULL DEFAULT '', creato DATETIME NOT NULL",
+            . " provato TINYINT NOT NULL DEFAULT 0, lingua VARCHAR(5) NOT NULL DEFAULT '', creato DATETIME NOT NULL",
         'kv_ordini' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, codice VARCHAR(20) NOT NULL UNIQUE,"
             . " creato DATETIME NOT NULL, cliente INT NOT NULL DEFAULT 0, nome VARCHAR(255) NOT NULL,"
             . " email VARCHAR(190) NOT NULL, totale DECIMAL(12,2) NOT NULL, valuta VARCHAR(60) NOT NULL,"
@@ -34,7 +34,7 @@ function kvDefinizioni(): array
             . " disponibile TINYINT NOT NULL DEFAULT 1, quantita INT NULL, PRIMARY KEY (tipo, chiave)",
         'kv_richieste' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL,"
             . " creato DATETIME NOT NULL, gettone CHAR(64) NOT NULL UNIQUE, scade DATETIME NOT NULL,"
-            . " stato VARCHAR(20) NOT NULL, KEY email (email)",
+            . " stato VARCHAR(20) NOT NULL, dati TEXT NULL, KEY email (email)",
         'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];
@@ -53,12 +53,11 @@ function kvColonneVarianti(string $come): string
 }
 
 /** Makes the tables that aren't there yet, and brings those of an earlier shop up to date. */
-function kvTabelle(?callable $query = null): void
+function kvTabelle(): void
 {
-    $query = $query ?? 'kvQuery';
     foreach (kvDefinizioni() as $nome => $colonne) {
         $insieme = preg_match(KV_TABELLE_UTF8, $nome) ? 'utf8mb4' : 'latin1';
-        $query("CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=$insieme", []);
+        kvQuery("CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=$insieme");
     }
     include_once "kvupgrade.php";
     kvAggiornaTabelle();
@@ -83,33 +82,4 @@ function kvStato(string $nome): string
 function kvMettiStato(string $nome, string $valore): bool
 {
     return kvQuery('REPLACE INTO kv_stato (nome, valore) VALUES (?, ?)', [$nome, $valore]) !== null;
-}
-
-/** The name under which the failed attempts of one account from one address are kept: nothing that tells either. */
-function kvChiaveTentativi(string $dove, string $conto): string
-{
-    return hash('sha256', $dove . "\n" . strtolower($conto) . "\n" . ($_SERVER['REMOTE_ADDR'] ?? ''));
-}
-
-/** Whether `massimo` attempts of the last fifteen minutes bar another one. */
-function kvTroppiTentativi(string $chiave, callable $query, int $massimo = 5): bool
-{
-    $righe = $query('SELECT COUNT(*) AS n FROM kv_tentativi WHERE chiave = ? AND quando > NOW() - INTERVAL 15 MINUTE',
-        [$chiave]);
-    return $righe !== null && $righe !== [] && (int) $righe[0]['n'] >= $massimo;
-}
-
-/** Counts an attempt before its outcome is known, so that many at a time don't slip through; sweeps old ones. */
-function kvSegnaTentativo(string $chiave, callable $query): void
-{
-    $query('INSERT INTO kv_tentativi (chiave, quando) VALUES (?, NOW())', [$chiave]);
-    if (random_int(1, 50) === 1) {
-        $query('DELETE FROM kv_tentativi WHERE quando < NOW() - INTERVAL 1 DAY', []);
-    }
-}
-
-/** Forgets the attempts of an account after a good one. */
-function kvAzzeraTentativi(string $chiave, callable $query): void
-{
-    $query('DELETE FROM kv_tentativi WHERE chiave = ?', [$chiave]);
 }

@@ -13,7 +13,7 @@ function kvAggiornaTabelle(): void
     $in_corso = true;
     $blocco = kvRiga("SELECT GET_LOCK(CONCAT(DATABASE(), '.kv_tabelle'), 60) AS mio");
     if ((int) ($blocco['mio'] ?? 0) === 1) {
-        if (kvTabelleInUtf8() && kvScortePerArticolo()) {
+        if (kvTabelleInUtf8() && kvColonneNuove() && kvScortePerArticolo()) {
             kvMettiStato('tabelle', (string) KV_TABELLE);
         }
         kvQuery("SELECT RELEASE_LOCK(CONCAT(DATABASE(), '.kv_tabelle'))");
@@ -32,6 +32,20 @@ function kvTabelleInUtf8(): bool
         }
     }
     return $tabelle !== null;
+}
+
+/** The columns that earlier releases didn't have. */
+function kvColonneNuove(): bool
+{
+    foreach (['kv_clienti' => ['provato', 'TINYINT NOT NULL DEFAULT 0'], 'kv_richieste' => ['dati', 'TEXT NULL']]
+             as $tabella => list($colonna, $tipo)) {
+        $righe = kvQuery('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA = DATABASE()'
+            . ' AND TABLE_NAME = ? AND COLUMN_NAME = ?', [$tabella, $colonna]);
+        if ($righe === null || ($righe === [] && kvQuery("ALTER TABLE $tabella ADD COLUMN $colonna $tipo") === null)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /** The stock of values, which an earlier release counted by their code alone, for each article that offers them. */

@@ -75,12 +75,23 @@ function kvTestoMail(string $codice, string $totale_lordo, string $ordine): stri
     return trim($info) === '' ? $ordine : str_replace("\x1A", $ordine, kvUtf8($info));
 }
 
-/** Tells customer and merchant of an order. `importo` is the total in the shop's notation, without a label. */
-function kvMailOrdine(string $codice, string $importo, string $riepilogo, string $email): void
+/** Whether a mail address is known to belong to who gives it: of this customer, or of an order that was paid or sent. */
+function kvIndirizzoProvato(string $email): bool
+{
+    return kvRiga('SELECT id FROM kv_clienti WHERE id = ? AND email = ? AND provato = 1', [(int) $GLOBALS['cliente'], $email])
+        !== null || kvRiga("SELECT id FROM kv_ordini WHERE email = ? AND stato IN ('pagato', 'spedito') LIMIT 1", [$email])
+        !== null;
+}
+
+/**
+ * Tells customer and merchant of an order. `importo` is the total in the shop's notation, without a label. An address
+ * that nobody has proven gets `anonimo`, which holds nothing that was typed: it could be words for a stranger.
+ */
+function kvMailOrdine(string $codice, string $importo, string $riepilogo, string $email, string $anonimo): void
 {
     $negozio = kvMittente();
     $oggetto = $negozio['nome'] . ' - ' . kvUtf8("<<4-ordine_titolo>> ") . $codice;
-    $testo = kvTestoMail($codice, $importo, $riepilogo);
+    $testo = kvTestoMail($codice, $importo, kvIndirizzoProvato($email) ? $riepilogo : $anonimo);
     kvMail($email, $negozio['email'], $oggetto, $testo . "\r\n" . $negozio['firma']);
     kvMail($negozio['email'], $negozio['email'], $oggetto, kvUtf8("<<4-ordine_codice>>: ") . "$codice\r\n\r\n" . $riepilogo, $email);
 }

@@ -241,6 +241,7 @@ function kvPrendiOrdine(string $gettone): void
 {
     global $notazione;
     $dati = kvDatiNegozio();
+    kvTroppoPresto('kvRifiutaOrdine', "<<4-troppo_presto>>");
     $campi = kvModuloOrdine($dati);
     list($campi['Paese'], $zona) = kvPaeseOrdine();
     list($metodo, $campi['NomePagamento']) = kvMetodoOrdine();
@@ -252,6 +253,10 @@ function kvPrendiOrdine(string $gettone): void
         return;
     }
     $riepilogo = kvRiepilogoOrdine($campi, $righe, $totali);
+    if (!kvAmmetti(kvChiaveTentativi('ordine', ''), 'ordini')
+        || !kvAmmetti(kvChiaveConto('ordine', $campi['Email']), 'ordini_email')) {
+        kvRifiutaOrdine("<<4-troppi_tentativi>>");
+    }
     list($codice, $nuovo) = kvSalvaOrdine($campi, $righe, $totali, $riepilogo, $gettone);
     $pagina = 'thankyou' . $metodo . '<<1-IDlingua>>.php';
     $_SESSION['ordine'] = $codice;
@@ -259,7 +264,8 @@ function kvPrendiOrdine(string $gettone): void
     unset($_SESSION['gettone']);
     setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
     if ($nuovo) {
-        kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email']);
+        $anonimo = kvUtf8(kvConto($righe, $totali) . "<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n";
+        kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email'], $anonimo);
     }
     kvVai($pagina);
 }

@@ -137,8 +137,16 @@ function kvGettone(): string
     }
     if (!isset($_SESSION['gettone'])) {
         $_SESSION['gettone'] = bin2hex(random_bytes(16));
+        $_SESSION['gettone_ora'] = time();
     }
     return $_SESSION['gettone'];
+}
+
+/** A field that nobody sees and only a program fills. */
+function kvCampoEsca(): string
+{
+    return '<div class="nascosto" aria-hidden="true"><label>' . kvHtml("<<4-lasciare_vuoto>>")
+        . ' <input name="kv_sito" tabindex="-1" autocomplete="off"></label></div>';
 }
 
 function kvGettoneValido(): bool
@@ -153,6 +161,29 @@ function kvAvvisa(string $html): void
     if (kvSessione(true)) {
         $_SESSION['avviso'] = $html;
     }
+}
+
+/** Does something when the visitor has the answer already: what takes long, and what shouldn't show by its time. */
+function kvDopoRisposta(callable $lavoro): void
+{
+    register_shutdown_function(function () use ($lavoro): void {
+        ignore_user_abort(true);
+        if (session_status() === PHP_SESSION_ACTIVE) {
+            session_write_close();
+        }
+        if (!headers_sent() && http_response_code() === 303) {
+            header('Content-Length: 0');
+            header('Connection: close');
+        }
+        while (ob_get_level() > 0 && @ob_end_flush()) {
+            continue;
+        }
+        flush();
+        if (function_exists('fastcgi_finish_request')) {
+            fastcgi_finish_request();
+        }
+        $lavoro();
+    });
 }
 
 /** Goes to another page of the shop and ends. */

@@ -28,11 +28,10 @@ function kvInizioPagamento(): array
         kvVai("messaggio<<1-IDlingua>>.php");
     }
     $chiave = kvChiaveTentativi('pagamento', $ordine['codice']);
-    if (kvTroppiTentativi($chiave, 'kvQuery', 10)) {
+    if (!kvAmmetti($chiave, 'pagamenti')) {
         kvAvvisa("<<4-troppi_tentativi>>");
         kvVai("messaggio<<1-IDlingua>>.php");
     }
-    kvSegnaTentativo($chiave, 'kvQuery');
     return array_map('strval', (array) ($_SESSION['conto'] ?? []));
 }
 

@@ -73,7 +73,9 @@ export function ordering(as) {
     const recipients = mails.map((mail) => mail.headers.to).sort();
     assert.deepEqual(recipients, ["ordini@bottega.example", person.Email]);
     for (const mail of mails) {
-      assert.ok(mail.text.includes("Zoë D'Ambrosio") && mail.text.includes(the(articles.mug)), mail.text);
+      assert.ok(mail.text.includes(the(articles.mug)), mail.text);
+      // Nobody has proven yet that the shopper's address is theirs.
+      assert.equal(mail.text.includes("Zoë D'Ambrosio"), mail.headers.to !== person.Email, mail.text);
       assert.ok(amountsIn(mail.text).includes(total), mail.text);
     }
     await shopper.open("cart");
