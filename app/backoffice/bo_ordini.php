@@ -32,7 +32,7 @@ function boFiltroOrdini(array $richiesta): array
         $valori[] = $parametri['a'];
     }
     if ($parametri['stato'] === 'aperti') {
-        $dove[] = "stato IN ('nuovo', 'da verificare')";
+        $dove[] = "stato IN ('nuovo', 'da verificare', 'importo diverso')";
     } elseif (in_array($parametri['stato'], BO_STATI, true)) {
         $dove[] = 'stato = ?';
         $valori[] = $parametri['stato'];

@@ -7,7 +7,7 @@ const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'clien
     'disponibilita.php' => 'Disponibilità', 'richieste.php' => 'Password'];
 
 /** The states of an order. */
-const BO_STATI = ['nuovo', 'da verificare', 'pagato', 'rifiutato', 'spedito', 'annullato'];
+const BO_STATI = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiutato', 'spedito', 'annullato'];
 
 /** The head of a page. */
 function boTesta(string $titolo): string

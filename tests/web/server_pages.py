@@ -4,7 +4,7 @@ import json
 import re
 
 from served_shop import SHOPPER
-from shop_case import CustomerCase, article, cart_cookie, main, shop
+from shop_case import CustomerCase, article, cart_cookie, main, order, shop
 
 
 class Pages(CustomerCase):
@@ -81,6 +81,16 @@ class Pages(CustomerCase):
         self.assertIn("quantità valida", self.visitor.send(form, page, **{pieces: "-1"}).text)
         self.assertIn("non sono più disponibili", self.visitor.send(form, page, compra="99999.1").text)
         self.assertFalse(any("kvstore_cart" in name for _, name in self.visitor.cookies))
+
+    def test_the_page_behind_a_payment_says_paid_only_of_a_paid_order(self):
+        word = "Il pagamento è andato a buon fine"
+        self.assertNotIn(word, self.visitor.ask("payok.php").text)
+        order(self.visitor, self.cart, method=2)
+        page = self.visitor.ask("payok.php").text
+        self.assertNotIn(word, page)
+        self.assertIn("non è ancora confermato", page)
+        shop().execute("UPDATE kv_ordini SET stato = 'pagato'")
+        self.assertIn(word, self.visitor.ask("payok.php").text)
 
 
 if __name__ == "__main__":

@@ -31,10 +31,15 @@ class Parameters(Case):
                     self.check(self.visitor.ask(address, follow=False), address)
         self.assertGreater(self.count("articoli"), 0)
 
-    def test_a_department_page_shows_its_articles_whatever_its_address_holds(self):
+    def test_an_address_of_what_there_is_not_is_not_found(self):
         wanted = self.visitor.ask("cat007.php").text.count("<article")
-        for number in ("0", "-1", "99", "1 OR 1=1", "a"):
-            self.assertEqual(self.visitor.ask("cat007.php?n=" + urllib.parse.quote(number)).text.count("<article"), wanted)
+        self.assertEqual(self.visitor.ask("cat007.php?n=").text.count("<article"), wanted)
+        for number in ("0", "-1", "99", "1 OR 1=1", "a", "01", "9" * 30):
+            for field in ("n", "prod"):
+                page = self.visitor.ask(f"cat007.php?{field}=" + urllib.parse.quote(number))
+                self.assertEqual((page.status, page.text.count("<article")), (404, 0), number)
+                self.assertIn("Questa pagina non esiste", page.text)
+                self.assertEqual((page.text.count("<!DOCTYPE"), page.text.count("</html>")), (1, 1))
 
     def test_no_cookie_breaks_a_page(self):
         number = cart_number()

@@ -43,7 +43,9 @@ class Prices(CustomerCase):
 
     def test_an_article_of_a_closed_department_cannot_be_ordered(self):
         cart = f"{article('RV-001')}.1"
-        self.assertFalse(served_lines(self.visitor, cart)[0]["ok"])
+        line = served_lines(self.visitor, cart)[0]
+        self.assertEqual((line["ok"], line["n"], line["o"], line["p"]), (False, "Articolo riservato", "", 0))
+        self.assertNotIn("RV-001", self.visitor.ask("cart.php").text)
         self.assertEqual(self.visitor.ask("order.php", follow=False).headers["Location"], "cart.php")
         order(self.visitor, self.cart, Dettaglio=cart)
         self.assertEqual(self.count("kv_ordini"), 0)

@@ -86,10 +86,14 @@ function kvRigaCarrello(array $voce, ?array $riga): array
         return $vuota;
     }
     SetVariables($riga['catID']);
+    if ($inaccessibile[$listino]) {
+        // Whoever isn't let into a department learns nothing of its articles, not even by a number in a cookie.
+        return ['testo' => "<<4-articolo_riservato>>"] + $vuota;
+    }
     $vuota['codice'] = (string) $riga['codice'];
     $vuota['testo'] = kvNomeArticolo($riga);
     $scelte = kvScelte($riga, $voce['k'], $listino);
-    if ($scelte === null || $inaccessibile[$listino] || kvPrezziNascosti()) {
+    if ($scelte === null || kvPrezziNascosti()) {
         return $vuota;
     }
     $base = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala());

@@ -138,18 +138,19 @@ function kvRighePagina($esito): array
 
 /**
  * The article that is shown alone: the one that the address asks for, or the only one of the page where `unica`. Null
- * for a list. To be called before the loop over the articles; an address that asks for more than there is shows all.
+ * for a list. To be called before the loop over the articles; an address that asks for what there isn't gets a page that
+ * says so, with status 404.
  */
 function kvArticoloSolo(bool $unica = false): ?array
 {
-    global $resultArt, $HTTP_GET_VARS;
+    global $resultArt, $HTTP_GET_VARS, $sp;
     $righe = kvRighePagina($resultArt);
     $posto = (int) $HTTP_GET_VARS['prod'];
-    if (!isset($righe[$posto - 1])) {
-        $HTTP_GET_VARS['prod'] = 0;
-        return $unica && count($righe) === 1 ? $righe[0] : null;
+    $pagina = (int) $HTTP_GET_VARS['n'];
+    if (!empty($GLOBALS['kvErrata']) || ($pagina > 0 && $pagina !== (int) $sp) || ($posto > 0 && !isset($righe[$posto - 1]))) {
+        kvNonTrovata();
     }
-    return $righe[$posto - 1];
+    return $posto > 0 ? $righe[$posto - 1] : ($unica && count($righe) === 1 ? $righe[0] : null);
 }
 
 /** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */

@@ -34,6 +34,18 @@ function kvServerDati(string $indirizzo): array
             $socket ? $parti[2] : null];
 }
 
+/** Ends the page: the shop can't be served for a moment. */
+function kvFuoriServizio(): void
+{
+    http_response_code(503);
+    header('Retry-After: 120');
+    header('Cache-Control: no-store');
+    while (ob_get_level() > 0 && @ob_end_clean()) {
+        continue;
+    }
+    die(function_exists('kvPaginaSola') ? kvPaginaSola("<<4-guasto>>") : "<<4-guasto>>");
+}
+
 /** The connection; ends the page with a notice when the server can't be reached. */
 function kvConnessione(): mysqli
 {
@@ -55,9 +67,7 @@ KORVANE_VALORI
     list($host, $porta, $socket) = kvServerDati($accesso[0]);
     if (!@mysqli_real_connect($nuova, $host, $accesso[1], $accesso[2], $accesso[3], $porta, $socket)) {
         error_log('Shop database: ' . mysqli_connect_error());
-        http_response_code(503);
-        header('Retry-After: 120');
-        die("<<4-guasto>>");
+        kvFuoriServizio();
     }
     $connessione = $nuova;
     return $connessione;

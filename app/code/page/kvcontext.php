@@ -33,11 +33,14 @@ function kvNegozio(): string
 
 /**
  * Gives the request's values the names that the generated pages read. `n` and `prod` reach SQL: they are always
- * there and always whole numbers.
+ * there and always whole numbers. $kvErrata tells that one of them was none that a page can have.
  */
 function kvPreparaRichiesta(): void
 {
+    $GLOBALS['kvErrata'] = false;
     foreach (['n', 'prod'] as $nome) {
+        $detto = $_GET[$nome] ?? '';
+        $GLOBALS['kvErrata'] = $GLOBALS['kvErrata'] || !is_string($detto) || !preg_match('/^(?:[1-9]\d{0,8})?$/D', $detto);
         $_GET[$nome] = isset($_GET[$nome]) && is_string($_GET[$nome]) ? (int) $_GET[$nome] : 0;
     }
     $GLOBALS['HTTP_GET_VARS'] = $_GET;
@@ -184,6 +187,29 @@ function kvDopoRisposta(callable $lavoro): void
         }
         $lavoro();
     });
+}
+
+/** Ends with a page that says that there is none at this address. */
+function kvNonTrovata(): void
+{
+    http_response_code(404);
+    while (ob_get_level() > 1) {
+        ob_end_clean();
+    }
+    ob_clean();
+    extract($GLOBALS, EXTR_SKIP);
+    $kvConferma = '<p class="avviso" role="status">' . kvHtml("<<4-pagina_inesistente>>") . '</p>';
+    include "messaggio.htm";
+    exit;
+}
+
+/** A whole page with one notice, for when nothing else can be shown. */
+function kvPaginaSola(string $avviso): string
+{
+    return '<!DOCTYPE html><html lang="<<4-codice_lingua>>"><head><meta charset="windows-1252"><meta name="viewport"'
+        . ' content="width=device-width, initial-scale=1"><meta name="robots" content="noindex"><title>'
+        . kvHtml("<<4-messaggio>>") . '</title></head><body><main><h1>' . kvHtml("<<4-messaggio>>") . '</h1><p>'
+        . kvHtml($avviso) . '</p><p><a href="">' . kvHtml("<<4-riprova>>") . '</a></p></main></body></html>';
 }
 
 /** Goes to another page of the shop and ends. */
