@@ -2,12 +2,13 @@
 #include "platform/files/isolated_work.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstring>
-#include <memory>
+#include <new>
 #include <stdexcept>
-#include <vector>
 
 namespace kv {
 namespace {
@@ -58,16 +59,29 @@ TEST(IsolatedWork, EndlessOutputIsBounded) {
             ErrorKind::Malformed);
 }
 
+// The memory is asked of the system, as an allocator does: that of the sanitizers does not outlive a refusal.
 TEST(IsolatedWork, EndlessMemoryIsBounded) {
   IsolationLimits limits;
   limits.memory = std::size_t{64} << 20;
   EXPECT_EQ(kindOfEnd(limits,
                       [](const IsolatedOutput&) {
-                        std::vector<std::unique_ptr<char[]>> kept;
+                        constexpr std::size_t piece = std::size_t{1} << 20;
                         for (;;) {
-                          kept.push_back(std::make_unique<char[]>(std::size_t{1} << 20));
-                          std::memset(kept.back().get(), 1, std::size_t{1} << 20);
+                          void* memory =
+                              ::mmap(nullptr, piece, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+                          if (memory == MAP_FAILED) throw std::bad_alloc();
+                          std::memset(memory, 1, piece);
                         }
+                      }),
+            ErrorKind::Malformed);
+}
+
+TEST(IsolatedWork, SilenceWithoutEndIsBounded) {
+  IsolationLimits limits;
+  limits.silence = 1;
+  EXPECT_EQ(kindOfEnd(limits,
+                      [](const IsolatedOutput&) {
+                        for (;;) ::pause();
                       }),
             ErrorKind::Malformed);
 }

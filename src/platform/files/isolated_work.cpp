@@ -1,6 +1,7 @@
 #include "platform/files/isolated_work.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -70,15 +71,20 @@ void writeAll(int pipe, std::string_view bytes) {
   ::_exit(0);
 }
 
-/// Everything that comes through the pipe; false when it is more than `most`.
-bool readAll(int pipe, std::size_t most, std::string& bytes) {
+/// Everything that comes through the pipe; false when it is more than the limit, or nothing comes for too long.
+bool readAll(int pipe, const IsolationLimits& limits, std::string& bytes) {
+  constexpr int milliseconds = 1000;
   std::array<char, pipePiece> piece{};
   for (;;) {
+    pollfd awaited{pipe, POLLIN, 0};
+    const int ready = ::poll(&awaited, 1, static_cast<int>(limits.silence) * milliseconds);
+    if (ready < 0 && errno == EINTR) continue;
+    if (ready <= 0) return false;
     const ssize_t count = ::read(pipe, piece.data(), piece.size());
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return count == 0;
     bytes.append(piece.data(), static_cast<std::size_t>(count));
-    if (bytes.size() > most) return false;
+    if (bytes.size() > limits.output) return false;
   }
 }
 
@@ -95,7 +101,7 @@ Result<std::string> runIsolated(const IsolationLimits& limits, const std::functi
   const int failed = errno;
   ::close(ends[1]);
   std::string bytes;
-  const bool isWhole = child > 0 && readAll(ends[0], limits.output, bytes);
+  const bool isWhole = child > 0 && readAll(ends[0], limits, bytes);
   ::close(ends[0]);
   if (child < 0) return fail(ErrorKind::Other, "fork", std::strerror(failed), failed);
   if (!isWhole) ::kill(child, SIGKILL);

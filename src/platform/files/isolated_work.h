@@ -15,6 +15,7 @@ struct IsolationLimits {
   std::size_t memory = std::size_t{512} << 20;  ///< bytes, besides what this process has
   std::size_t output = std::size_t{64} << 20;   ///< bytes
   unsigned seconds = 30;                        ///< of the processor
+  unsigned silence = 60;                        ///< seconds without output, for work that waits for what never comes
 };
 
 /// Receives the result of the work, in pieces of any size.
