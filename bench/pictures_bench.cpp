@@ -228,8 +228,8 @@ void measureExport(kv::Session& session, kv::Environment& env, BenchUser& user, 
 
 int main(int count, char** arguments) {
   const bool isQuick = count > 1 && std::string_view(arguments[1]) == "--quick";
-  const std::string folder = fs::temp_directory_path() / ("korvane-pictures-" + std::to_string(std::rand()));
-  fs::create_directories(folder);
+  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
+  if (mkdtemp(folder.data()) == nullptr) return 1;
   const kv::cDIBSection photo = detailed(4000, 3000);
   std::printf("%-58s %10s %10s\n", "", "ours", "theirs");
   measureReduction(photo);
@@ -243,6 +243,7 @@ int main(int count, char** arguments) {
     kv::Session session;
     session.ShopFolder = folder + "/shop";
     if (kv::CaricaNegozio(session, env) != kv::LoadResult::Opened) std::abort();
+    if (!session.catalogue.execute("UPDATE articoli SET immagine0 = 'foto_' || (ID % 9000) || '.jpg'")) std::abort();
     measurePurge(session.catalogue, folder, isQuick ? 1'000 : 10'000);
     measureExport(session, env, user, folder);
   }
