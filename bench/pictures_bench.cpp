@@ -12,7 +12,6 @@
 #include <string>
 #include <string_view>
 
-#include "bench_shop.h"
 #include "builder/run/light_pictures.h"
 #include "measure.h"
 #include "media/bitmap/save_jpg.h"
@@ -224,6 +223,41 @@ void measureExport(kv::Session& session, kv::Environment& env, BenchUser& user, 
        1.2);
 }
 
+/// The model shop with many articles, each with a picture and a description of a kilobyte.
+void makeShop(const std::string& folder, int articles) {
+  const std::string data = KORVANE_APP_DATA;
+  for (const char* part : {"new", "languages", "template"}) {
+    if (!kv::copyTree(data + "/" + part, folder + "/app/" + part)) std::abort();
+  }
+  if (!kv::copyTree(data + "/new", folder + "/shop")) std::abort();
+  for (const char* part : {"work", "online", "scripts", "db"}) {
+    if (!kv::createFolders(folder + "/shop/" + part)) std::abort();
+  }
+  auto catalogue = kv::Database::open(folder + "/shop/catalog.mdb", kv::OpenMode::Shared);
+  const std::string rows =
+      "INSERT INTO articoli (catID, titolo, descrizione, immagine0, immagine1) WITH RECURSIVE n(i) AS (SELECT 1 UNION "
+      "ALL "
+      "SELECT i + 1 FROM n WHERE i < " +
+      std::to_string(articles) +
+      ") SELECT (SELECT min(ID) FROM categorie), 'Vaso ' || i, "
+      "replace(hex(zeroblob(40)), '0', 'Ogni pezzo. '), 'foto_' || (i % 9000) || '.jpg', 'foto_' || (i % 50) || '.jpg' "
+      "FROM n";
+  if (!catalogue || !catalogue->execute(rows)) std::abort();
+}
+
+void measureShop(const std::string& folder, bool isQuick) {
+  makeShop(folder, isQuick ? 10'000 : 100'000);
+  BenchUser user;
+  kv::MemorySettings settings;
+  kv::Environment env{user, settings, kv::systemClock(), kv::systemRandom(), folder + "/app", {}};
+  kv::Session session;
+  session.ShopFolder = folder + "/shop";
+  if (!kv::writeBytes(folder + "/app/serverpath.net", session.ShopFolder + "\r\n")) std::abort();
+  if (kv::CaricaNegozio(session, env) != kv::LoadResult::Opened) std::abort();
+  measurePurge(session.catalogue, folder, isQuick ? 1'000 : 10'000);
+  measureExport(session, env, user, folder);
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -235,18 +269,7 @@ int main(int count, char** arguments) {
   measureReduction(photo);
   measureFileToFile(photo, folder);
   measureLight(folder, isQuick ? 10 : 200);
-  {
-    kv::bench::BenchShop shop(folder, isQuick ? 10'000 : 100'000, 1);
-    BenchUser user;
-    kv::MemorySettings settings;
-    kv::Environment env{user, settings, kv::systemClock(), kv::systemRandom(), folder + "/app", {}};
-    kv::Session session;
-    session.ShopFolder = folder + "/shop";
-    if (kv::CaricaNegozio(session, env) != kv::LoadResult::Opened) std::abort();
-    if (!session.catalogue.execute("UPDATE articoli SET immagine0 = 'foto_' || (ID % 9000) || '.jpg'")) std::abort();
-    measurePurge(session.catalogue, folder, isQuick ? 1'000 : 10'000);
-    measureExport(session, env, user, folder);
-  }
+  measureShop(folder, isQuick);
   fs::remove_all(folder);
   return 0;
 }
