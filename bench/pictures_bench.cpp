@@ -140,7 +140,20 @@ void measureFileToFile(const kv::cDIBSection& photo, const std::string& folder) 
   const std::string convert =
       "convert '" + file + "' -filter triangle -resize '180x135!' -quality 90 '" + work + "/altro.jpg'";
   tell("a photo from file to file, beside decode, loop and encode", inTurn(ours, plain), 1.05);
-  tell("the same, beside convert", inTurn(ours, [&] { return runs(convert); }), 0.8);
+  const auto previews = [&](int sizes) {
+    kv::MemorySettings settings;
+    BenchUser user;
+    kv::PictureChoice choice(settings, user, work, {});
+    choice.values.fits = true;
+    bool isSeen = true;
+    for (int i = 0; i < sizes; ++i) {
+      choice.values.limits = {90 + 60 * i, 90 + 60 * i};
+      isSeen = choice.preview(file).size.width > 0 && isSeen;
+    }
+    return isSeen;
+  };
+  tell("three sizes of a photo, beside one", inTurn([&] { return previews(3); }, [&] { return previews(1); }), 1.8);
+  tell("a photo from file to file, beside convert", inTurn(ours, [&] { return runs(convert); }), 0.8);
 }
 
 void measureLight(const std::string& folder, int count) {
@@ -224,7 +237,7 @@ void measureExport(kv::Session& session, kv::Environment& env, BenchUser& user, 
 }
 
 /// The model shop with many articles, each with a picture and a description of a kilobyte.
-void makeShop(const std::string& folder, int articles) {
+void makeShop(const std::string& folder, int articles, int usedPictures) {
   const std::string data = KORVANE_APP_DATA;
   for (const char* part : {"new", "languages", "template"}) {
     if (!kv::copyTree(data + "/" + part, folder + "/app/" + part)) std::abort();
@@ -240,13 +253,16 @@ void makeShop(const std::string& folder, int articles) {
       "SELECT i + 1 FROM n WHERE i < " +
       std::to_string(articles) +
       ") SELECT (SELECT min(ID) FROM categorie), 'Vaso ' || i, "
-      "replace(hex(zeroblob(40)), '0', 'Ogni pezzo. '), 'foto_' || (i % 9000) || '.jpg', 'foto_' || (i % 50) || '.jpg' "
+      "replace(hex(zeroblob(40)), '0', 'Ogni pezzo. '), 'foto_' || (i % " +
+      std::to_string(usedPictures) +
+      ") || '.jpg', 'foto_' || (i % 50) || '.jpg' "
       "FROM n";
   if (!catalogue || !catalogue->execute(rows)) std::abort();
 }
 
 void measureShop(const std::string& folder, bool isQuick) {
-  makeShop(folder, isQuick ? 10'000 : 100'000);
+  const int pictures = isQuick ? 1'000 : 10'000;
+  makeShop(folder, isQuick ? 10'000 : 100'000, pictures * 9 / 10);
   BenchUser user;
   kv::MemorySettings settings;
   kv::Environment env{user, settings, kv::systemClock(), kv::systemRandom(), folder + "/app", {}};
@@ -254,7 +270,7 @@ void measureShop(const std::string& folder, bool isQuick) {
   session.ShopFolder = folder + "/shop";
   if (!kv::writeBytes(folder + "/app/serverpath.net", session.ShopFolder + "\r\n")) std::abort();
   if (kv::CaricaNegozio(session, env) != kv::LoadResult::Opened) std::abort();
-  measurePurge(session.catalogue, folder, isQuick ? 1'000 : 10'000);
+  measurePurge(session.catalogue, folder, pictures);
   measureExport(session, env, user, folder);
 }
 

@@ -105,7 +105,7 @@ TEST_F(MediaWindow, WhatIsPurgedGoesToTheTrashOfTheDesktop) {
   const QByteArray before = qgetenv("XDG_DATA_HOME");
   qputenv("XDG_DATA_HOME", QByteArray::fromStdString(root / "dati"));
   ASSERT_TRUE(createFolder(root / "dati"));
-  ASSERT_TRUE(writeBytes(shop + "/work/inutile.gif", "x"));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile.gif"), "x"));
   openWindow();
   user.answers = {Answer::Yes};
   whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"), [](QWidget& dialog) {
@@ -116,7 +116,7 @@ TEST_F(MediaWindow, WhatIsPurgedGoesToTheTrashOfTheDesktop) {
   });
   EXPECT_TRUE(choose("shop.purgePictures"));
   EXPECT_EQ(user.texts().back(), "1 file cancellati");
-  EXPECT_FALSE(fileExists(shop + "/work/inutile.gif"));
+  EXPECT_FALSE(fileExists(joinPath(shop, "work/inutile.gif")));
   EXPECT_TRUE(fileExists(root / "dati/Trash/files/inutile.gif"));
   qputenv("XDG_DATA_HOME", before);
 }

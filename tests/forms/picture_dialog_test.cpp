@@ -27,7 +27,7 @@ class ThePictureDialog : public test::DialogFixture {
     ASSERT_TRUE(createFolders(pictures + "/mare"));
     save(pictures + "/Larga.png", 400, 200);
     save(pictures + "/piccola.png", 20, 10);
-    save(shop + "/work/usata_0001.png", 30, 30);
+    save(joinPath(shop, "work/usata_0001.png"), 30, 30);
     save(pictures + "/mare/onda.jpg", 50, 50);
     ASSERT_TRUE(writeBytes(pictures + "/rotta.jpg", "testo"));
     ASSERT_TRUE(writeBytes(pictures + "/nota.txt", "testo"));
@@ -81,7 +81,7 @@ TEST_F(ThePictureDialog, ShowsTheReducedSizeAndWritesIt) {
   EXPECT_EQ(control<QLabel>(*dialog, "picAnteprima")->pixmap().size(), QSize(180, 90));
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(180, 90));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(180, 90));
 }
 
 TEST_F(ThePictureDialog, ThePreviewIsUpright) {
@@ -173,7 +173,7 @@ TEST_F(ThePictureDialog, AQuarterTurnShowsAndWritesTheTurnedPicture) {
   click(*dialog, "cmdRuotaSinistra");
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(90, 180));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(90, 180));
 }
 
 TEST_F(ThePictureDialog, APartIsTypedInFixedProportions) {
@@ -194,7 +194,7 @@ TEST_F(ThePictureDialog, APartIsTypedInFixedProportions) {
   EXPECT_EQ(test::namelessControls(*dialog), "");
   test::keepPicture(*dialog, "immagine-ritaglio");
   click(*dialog, "cmdOk");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(120, 120));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(120, 120));
 }
 
 TEST_F(ThePictureDialog, APartIsDrawnWithTheMouse) {
@@ -243,7 +243,7 @@ TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
   test::keepPicture(*dialog, "immagine-luogo");
   box->click();
   click(*dialog, "cmdOk");
-  EXPECT_EQ(*readBytes(shop + "/work/casa_0001.jpg"), jpeg);
+  EXPECT_EQ(*readBytes(joinPath(shop, "work/casa_0001.jpg")), jpeg);
 }
 
 TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {

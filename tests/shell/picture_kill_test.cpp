@@ -61,9 +61,9 @@ class KilledPictures : public ::testing::Test {
   void expectWhole() const {
     EXPECT_EQ(read("PRAGMA integrity_check"), "ok");
     const std::string named = read("SELECT COALESCE(immagine0, '') FROM articoli WHERE ID = " + article);
-    EXPECT_TRUE(named.empty() || readPixelsOf(shop + "/work/" + named)) << named << " is named";
+    EXPECT_TRUE(named.empty() || readPixelsOf(joinPath(shop, "work/" + named))) << named << " is named";
     for (const std::string& name : listFiles(shop + "/work", "*")) {
-      EXPECT_TRUE(readPixelsOf(shop + "/work/" + name)) << name << " is half written";
+      EXPECT_TRUE(readPixelsOf(joinPath(shop, "work/" + name))) << name << " is half written";
     }
   }
 
@@ -83,22 +83,22 @@ TEST_F(KilledPictures, AChoiceLeavesAWholePictureOrNone) {
 TEST_F(KilledPictures, APurgeNeverTakesAPictureInUse) {
   for (int i = 0; i < test::operationsOf(5); ++i) {
     for (int n = 0; n < 30; ++n) {
-      ASSERT_TRUE(writeBytes(shop + "/work/inutile_" + std::to_string(n) + ".jpg", photo));
+      ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile_" + std::to_string(n) + ".jpg"), photo));
     }
-    ASSERT_TRUE(writeBytes(shop + "/work/usata.jpg", photo));
+    ASSERT_TRUE(writeBytes(joinPath(shop, "work/usata.jpg"), photo));
     {
       auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
       ASSERT_TRUE(catalogue && catalogue->execute("UPDATE articoli SET immagine0 = 'USATA.JPG'"));
     }
     killed({"purge", shop, "--delete"});
-    EXPECT_TRUE(fileExists(shop + "/work/usata.jpg"));
+    EXPECT_TRUE(fileExists(joinPath(shop, "work/usata.jpg")));
     EXPECT_EQ(read("PRAGMA integrity_check"), "ok");
   }
 }
 
 TEST_F(KilledPictures, AZipIsWholeOrNotThere) {
   const std::string copy = home / "copia", zip = copy + "/negozio.zip";
-  ASSERT_TRUE(writeBytes(shop + "/work/foto.jpg", std::string(3'000'000, 'x')));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/foto.jpg"), std::string(3'000'000, 'x')));
   for (int i = 0; i < test::operationsOf(5); ++i) {
     killed({"export", shop, copy, "--zip"});
     EXPECT_EQ(read("PRAGMA integrity_check"), "ok");

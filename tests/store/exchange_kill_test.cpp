@@ -55,7 +55,7 @@ class KilledExchange : public test::ShopFixture {
 };
 
 TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
-  for (int i = 0; i < test::operationsOf(5); ++i) {
+  for (int i = 0; i < test::operationsOf(12); ++i) {
     killed(moment(chance), [&] {
       user.folders = {destination};
       static_cast<void>(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }));
@@ -72,7 +72,7 @@ TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
 }
 
 TEST_F(KilledExchange, AnImportLeavesTheOldRowsOrAllOfTheNewOnes) {
-  for (int i = 0; i < test::operationsOf(5); ++i) {
+  for (int i = 0; i < test::operationsOf(12); ++i) {
     killed(moment(chance), [&] { static_cast<void>(importPrimoShop(session, env, source)); });
     ASSERT_TRUE(isWhole(shop)) << i;
     const std::string title = read(shop, "SELECT titolo FROM articoli");
