@@ -173,7 +173,7 @@ TEST_F(ThePictureDialog, AQuarterTurnShowsAndWritesTheTurnedPicture) {
   click(*dialog, "cmdRuotaSinistra");
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(90, 180));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(90, 180));
 }
 
 TEST_F(ThePictureDialog, APartIsTypedInFixedProportions) {
@@ -194,7 +194,7 @@ TEST_F(ThePictureDialog, APartIsTypedInFixedProportions) {
   EXPECT_EQ(test::namelessControls(*dialog), "");
   test::keepPicture(*dialog, "immagine-ritaglio");
   click(*dialog, "cmdOk");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(120, 120));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(120, 120));
 }
 
 TEST_F(ThePictureDialog, APartIsDrawnWithTheMouse) {
@@ -243,7 +243,7 @@ TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
   test::keepPicture(*dialog, "immagine-luogo");
   box->click();
   click(*dialog, "cmdOk");
-  EXPECT_EQ(*readBytes(shop + "/work/casa_0001.jpg"), jpeg);
+  EXPECT_EQ(*readBytes(joinPath(shop, "work/casa_0001.jpg")), jpeg);
 }
 
 TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {

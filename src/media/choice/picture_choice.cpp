@@ -40,24 +40,27 @@ const PixelBuffer& PictureChoice::turnedPicture(const std::string& path) {
   return decoded_.pixels;
 }
 
+// A photo of twelve megapixels takes 36 MB: it is lent to the bitmap rather than copied.
 PicturePreview PictureChoice::preview(const std::string& path) {
-  PicturePreview shown;
   const bool isTaken = tab == PictureTab::Shop && !edits.any();
-  if (isTaken) shown.mode = PictureMode::OfShop;
-  PixelBuffer pixels = turnedPicture(path);
-  if (edits.part && !pixels.isEmpty()) pixels = croppedTo(pixels, *edits.part).value_or(PixelBuffer());
-  if (pixels.isEmpty()) return shown;
-  shown.size = pixels.size();
-  shown.picture.CreateFromPicture(std::move(pixels));
-  if (isTaken) return shown;
-  shown.mode = edits.any() ? PictureMode::Reduced : PictureMode::AsItIs;
-  const ImageSize fitted = copySize(shown.size);
-  if (fitted == shown.size) {
-    shown.tellsLocation = shown.mode == PictureMode::AsItIs && kv::tellsLocation(readBytes(path).value_or(""));
-    return shown;
-  }
+  const PixelBuffer& turned = turnedPicture(path);
+  if (turned.isEmpty()) return {isTaken ? PictureMode::OfShop : PictureMode::Unreadable, {}, {}, false};
+  cDIBSection whole;
+  whole.CreateFromPicture(edits.part ? croppedTo(turned, *edits.part).value_or(PixelBuffer())
+                                     : std::move(decoded_.pixels));
+  PicturePreview shown =
+      isTaken ? PicturePreview{PictureMode::OfShop, whole.pixels().size(), whole, false} : copyOf(whole, path);
+  if (!edits.part) decoded_.pixels = whole.Release();
+  return shown;
+}
+
+PicturePreview PictureChoice::copyOf(const cDIBSection& picture, const std::string& path) const {
+  const ImageSize size = picture.pixels().size(), fitted = copySize(size);
+  if (picture.pixels().isEmpty()) return {};
+  if (fitted == size && edits.any()) return {PictureMode::Reduced, size, picture, false};
+  if (fitted == size) return {PictureMode::AsItIs, size, picture, tellsLocation(readBytes(path).value_or(""))};
   cDIBSection reduced;
-  if (!reduced.Create(fitted.width, fitted.height) || !shown.picture.Resample(reduced)) return {};
+  if (!reduced.Create(fitted.width, fitted.height) || !picture.Resample(reduced)) return {};
   return {PictureMode::Reduced, fitted, std::move(reduced), false};
 }
 

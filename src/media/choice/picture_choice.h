@@ -78,6 +78,8 @@ class PictureChoice {
 
  private:
   bool takeLimit(std::string_view text, int& limit);
+  /// What OK makes of a picture that is to be copied.
+  PicturePreview copyOf(const cDIBSection& picture, const std::string& path) const;
   Result<std::string> bringIn(const std::string& path, const PicturePreview& preview) const;
 
   /// The picture decoded last, turned by so many quarters.

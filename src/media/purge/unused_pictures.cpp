@@ -1,7 +1,7 @@
 #include "media/purge/unused_pictures.h"
 
 #include <algorithm>
-#include <set>
+#include <unordered_set>
 
 #include "media/purge/picture_mentions.h"
 #include "platform/files/files.h"
@@ -13,6 +13,18 @@ namespace {
 constexpr const char* noPictures = "Ricerca terminata: non sono state trovate immagini";
 constexpr const char* noneUnused = "Ricerca terminata: non sono state trovate immagini inutilizzate";
 constexpr std::string_view searching = "Ricerca immagini inutilizzate...";
+
+/// Those of the names, folded, that a file has. A shop has many more rows than pictures.
+std::unordered_set<std::string> namesAmong(const std::vector<std::string>& names,
+                                           const std::vector<std::string>& files) {
+  std::unordered_set<std::string> present, found;
+  for (const std::string& file : files) present.insert(foldCase(file));
+  for (const std::string& name : names) {
+    std::string folded = foldCase(name);
+    if (present.contains(folded)) found.insert(std::move(folded));
+  }
+  return found;
+}
 
 }  // namespace
 
@@ -47,8 +59,7 @@ bool PicturePurge::ControllaFiles(const std::vector<std::string>& files) {
                   Icon::Critical);
     return false;
   }
-  std::set<std::string> known;
-  for (const std::string& name : *used) known.insert(foldCase(name));
+  const auto known = namesAmong(*used, files);
   const auto count = static_cast<double>(files.size());
   double position = 0;
   for (const std::string& name : files) {

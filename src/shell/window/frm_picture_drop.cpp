@@ -23,7 +23,8 @@
 namespace kv {
 namespace {
 
-constexpr int fetchSeconds = 60;
+constexpr int fetchSeconds = 20;
+constexpr std::string_view fetching = "Scaricamento dell'immagine...";
 constexpr int statusFound = 200;
 
 bool isWebAddress(const QUrl& url) {
@@ -70,7 +71,9 @@ QByteArray bytesBehind(const QUrl& address, UserPort& user) {
   }
   HttpRequest request{address.toEncoded().toStdString()};
   request.timeoutSeconds = fetchSeconds;
+  user.progress({fetching, 0, 0});
   const auto answer = makeHttpClient()->send(request, [&user] { return user.yield(); });
+  user.progress({});
   return answer && answer->status == statusFound ? QByteArray::fromStdString(answer->body) : QByteArray();
 }
 
