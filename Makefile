@@ -79,10 +79,17 @@ fuzz: deps-more
 
 # One series after the other in one program, without the time limit that a test has otherwise.
 soak: build
-	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms
+	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_import test_shell jet_rows
+	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*' --gtest_brief=1
 	@KORVANE_TEST_MOMENTS=100000 build/dev/tests/test_builder --gtest_filter='*FailingBuild*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_shell --gtest_filter='ShopsOfChance.AnImport*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange.AnImport*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows
 	@KORVANE_TEST_OPERATIONS=2000 build/dev/tests/test_commerce --gtest_filter='RandomEdits*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_forms \
 	  --gtest_filter='*TreeEndurance*' --gtest_brief=1

@@ -5,6 +5,9 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
 
 namespace kv::bench {
 
@@ -41,6 +44,15 @@ double secondsOf(const std::function<bool()>& work) {
   const bool done = work();
   const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
   return done ? passed.count() : 0;
+}
+
+int measureInFolder(int argc, char** argv, const std::function<int(const std::string& folder, bool quick)>& run) {
+  const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
+  std::string folder = (std::filesystem::temp_directory_path() / "korvane-bench-XXXXXX").string();
+  if (::mkdtemp(folder.data()) == nullptr) return 1;
+  const int status = run(folder, quick);
+  std::filesystem::remove_all(folder);
+  return status;
 }
 
 const char* verdict(bool met) { return met ? "met" : "MISSED"; }

@@ -2,6 +2,7 @@
 // One measurement of a whole run, in a process of its own, so that its peak memory is its own.
 
 #include <functional>
+#include <string>
 
 namespace kv::bench {
 
@@ -25,6 +26,10 @@ Measured inOwnProcess(const std::function<Timed()>& work);
 
 /// The seconds that `work` took; 0 when it returned false.
 double secondsOf(const std::function<bool()>& work);
+
+/// Runs a measurement in a fresh folder, which goes afterwards, and gives its exit status; `quick` when the first
+/// argument is --quick.
+int measureInFolder(int argc, char** argv, const std::function<int(const std::string& folder, bool quick)>& run);
 
 /// "met" or "MISSED".
 const char* verdict(bool met);

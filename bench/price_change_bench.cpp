@@ -15,6 +15,7 @@
 #include "commerce/prices/price_change.h"
 #include "measure.h"
 #include "platform/database/changes.h"
+#include "quiet_user.h"
 
 namespace {
 
@@ -28,15 +29,6 @@ namespace fs = std::filesystem;
 constexpr int priceRounds = 5;
 constexpr double priceBar = 3;
 constexpr double memoryBar = 300;
-
-class PriceUser final : public kv::UserPort {
- public:
-  void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-  kv::Answer question(const kv::Question& question) override { return question.preset; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const kv::Progress&) override {}
-  bool yield() override { return true; }
-};
 
 /// "SET" of every price column of articoli to a term, in which "?" is the column itself.
 std::string setPrices(const std::string& term) {
@@ -77,7 +69,7 @@ class PricedShop {
   Timed changed(bool undone) const {
     kv::Database catalogue = fresh();
     kv::ChangeRecorder recorder(catalogue, [](std::string_view) { return true; });
-    PriceUser user;
+    kv::bench::QuietUser user;
     kv::PriceChange change;
     change.selection.lists.fill(true);
     change.selection.offers = true;
@@ -127,10 +119,6 @@ int run(const std::string& folder, int articles) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
-  const int status = run(folder, quick ? 10000 : 100000);
-  fs::remove_all(folder);
-  return status;
+  return kv::bench::measureInFolder(
+      argc, argv, [](const std::string& folder, bool quick) { return run(folder, quick ? 10000 : 100000); });
 }
