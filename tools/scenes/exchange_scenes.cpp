@@ -52,7 +52,7 @@ void takePrimoImport(Stage& stage, const QString& name) {
 
 /// The two tables of the package as text.
 std::string makeAccountingFolder(const QTemporaryDir& folder) {
-  const std::string path = fromQt(folder.path());
+  std::string path = fromQt(folder.path());
   ignore(writeBytes(joinPath(path, "Categoria.csv"), "Id;Nome\r\n7;Vasi\r\n8;Tazze\r\n"), "the preview says so");
   ignore(writeBytes(joinPath(path, "Articoli.csv"),
                     "Id;IdCategoria;Codice;Descrizione;iva;Vendita1\r\n1;7;V1;Vaso di vetro;22;12,50\r\n"
