@@ -79,7 +79,8 @@ fuzz: deps-more
 
 # One series after the other in one program, without the time limit that a test has otherwise.
 soak: build
-	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell
+	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell test_import jet_rows
+	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*' --gtest_brief=1
@@ -89,6 +90,11 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_commerce --gtest_brief=1 \
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_shell --gtest_filter='ShopsOfChance.AnImport*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_forms \
 	  --gtest_filter='*TreeEndurance*' --gtest_brief=1
 	@cmake --build --preset dev --target korvane-cli korvane_data

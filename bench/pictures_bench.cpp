@@ -278,14 +278,12 @@ void measureShop(const std::string& folder, bool isQuick) {
 
 int main(int count, char** arguments) {
   const bool isQuick = count > 1 && std::string_view(arguments[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const kv::bench::FreshFolder folder;
   const kv::cDIBSection photo = detailed(4000, 3000);
   std::printf("%-58s %10s %10s\n", "", "ours", "theirs");
   measureReduction(photo);
-  measureFileToFile(photo, folder);
-  measureLight(folder, isQuick ? 10 : 200);
-  measureShop(folder, isQuick);
-  fs::remove_all(folder);
+  measureFileToFile(photo, folder.path());
+  measureLight(folder.path(), isQuick ? 10 : 200);
+  measureShop(folder.path(), isQuick);
   return 0;
 }

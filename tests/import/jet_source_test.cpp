@@ -190,7 +190,7 @@ TEST_F(JetImport, AListOfCompaniesCanBeAJetDatabaseToo) {
 TEST_F(JetImport, ADamagedDatabaseChangesNothingAndIsTold) {
   std::string bytes = jetFile(JetVersion::Jet4, {categoriesTable(), articlesTable()});
   request.path = root / "orsa.mdb";
-  ASSERT_TRUE(writeBytes(request.path, bytes.substr(0, 3 * 4096)));
+  ASSERT_TRUE(writeBytes(request.path, bytes.substr(0, std::size_t{3} * 4096)));
   EXPECT_EQ(import(), AccountingEnd::NotDone);
   EXPECT_EQ(user.texts().back(), "Il database \"" + request.path + "\" non può essere aperto");
   EXPECT_EQ(allRows(), "");

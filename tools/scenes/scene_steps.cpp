@@ -20,6 +20,7 @@ std::span<const Scene> sceneTable() {
   static const std::vector<Scene> scenes = [] {
     std::vector<Scene> all(windowScenes().begin(), windowScenes().end());
     all.insert(all.end(), tradeScenes().begin(), tradeScenes().end());
+    all.insert(all.end(), exchangeScenes().begin(), exchangeScenes().end());
     return all;
   }();
   return scenes;

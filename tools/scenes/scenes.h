@@ -16,6 +16,8 @@ struct Scene {
 std::span<const Scene> windowScenes();
 /// Those of the dialogs of selling: prices, shipping, payment, variants, pictures, publishing.
 std::span<const Scene> tradeScenes();
+/// Those of what comes from other programs: shops, an accounting package, a bank's passwords.
+std::span<const Scene> exchangeScenes();
 
 /// Goes to the department of the shop with the most articles, and to one of them.
 void goToArticle(Stage& stage);

@@ -35,6 +35,7 @@ class Stage {
   Session& session() { return session_; }
   QtUser& user() { return user_; }
   Settings& settings() { return settings_; }
+  const Environment& environment() const { return env_; }
   QSize size() const { return options_.size; }
   int taken() const { return taken_; }
   bool failed() const { return failed_; }

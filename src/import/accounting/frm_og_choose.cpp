@@ -42,7 +42,7 @@ frmOGChoose::frmOGChoose(Settings& settings, UserPort& user, QWidget* parent)
   if (choice_.chosen() >= 0) cboVariante_->setCurrentIndex(choice_.chosen());
   showPath();
   showList();
-  sizeInCharacters(70, 16);
+  sizeInCharacters(84, 16);
 }
 
 QWidget* frmOGChoose::makePath() {

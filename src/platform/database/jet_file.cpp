@@ -35,6 +35,21 @@ Result<std::vector<std::vector<Value>>> readApart(const std::string& path, std::
   return rows;
 }
 
+/// The types have the same numbers here as in the file.
+ColumnType typeOf(std::int64_t number) {
+  const bool isKnown =
+      number >= static_cast<std::int64_t>(ColumnType::Bool) && number <= static_cast<std::int64_t>(ColumnType::Memo);
+  return isKnown ? static_cast<ColumnType>(number) : ColumnType::Text;
+}
+
+std::string insertInto(const JetTableInfo& table) {
+  std::string values;
+  for (std::size_t i = 1; i <= table.columns.size(); ++i) {
+    values += (i == 1 ? "?" : ", ?") + std::to_string(i);
+  }
+  return "INSERT INTO \"" + replaceAll(table.name, "\"", "\"\"") + "\" VALUES (" + values + ")";
+}
+
 }  // namespace
 
 bool isJetStart(std::string_view start) { return start.starts_with(jetMark); }
@@ -43,13 +58,14 @@ Result<JetFile> JetFile::open(const std::string& path) {
   const auto start = readStart(path, jetStartSize);
   if (!start) return fail(start.error());
   if (!isJetStart(*start)) return fail(ErrorKind::Malformed, path, "no Jet database");
-  const auto columns = readApart(path, 2, [&](const IsolatedOutput& output) { listJetColumns(path, output); });
+  const auto columns = readApart(path, 3, [&](const IsolatedOutput& output) { listJetColumns(path, output); });
   if (!columns) return fail(columns.error());
   JetFile file(path);
   for (const auto& row : *columns) {
     const std::string table = asText(row[0]);
-    if (file.tables_.empty() || file.tables_.back().name != table) file.tables_.push_back({table, {}});
+    if (file.tables_.empty() || file.tables_.back().name != table) file.tables_.push_back({table, {}, {}});
     file.tables_.back().columns.push_back(asText(row[1]));
+    file.tables_.back().types.push_back(typeOf(asInteger(row[2])));
   }
   return file;
 }
@@ -66,6 +82,26 @@ Result<std::vector<std::vector<Value>>> JetFile::rows(std::string_view table,
   if (columns.empty()) return std::vector<std::vector<Value>>();
   const JetQuery query{found->name, columns};
   return readApart(path_, columns.size(), [&](const IsolatedOutput& output) { readJetTable(path_, query, output); });
+}
+
+Result<> JetFile::copyTable(const JetTableInfo& table, Database& target) const {
+  const auto found = rows(table.name, table.columns);
+  if (!found) return fail(found.error());
+  TableInfo made{table.name, 0, {}, {}};
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    ColumnInfo column;
+    column.name = table.columns[i];
+    column.type = table.types[i];
+    made.columns.push_back(std::move(column));
+  }
+  if (auto created = target.createTable(made); !created) return created;
+  auto insert = target.prepare(insertInto(table));
+  if (!insert) return fail(insert.error());
+  for (const auto& row : *found) {
+    for (std::size_t i = 0; i < row.size(); ++i) insert->bind(static_cast<int>(i) + 1, row[i]);
+    if (auto written = insert->execute(); !written) return written;
+  }
+  return {};
 }
 
 }  // namespace kv

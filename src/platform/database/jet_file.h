@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/database/database.h"
 #include "platform/database/value.h"
 #include "platform/ports/result.h"
 
@@ -20,6 +21,7 @@ bool isJetStart(std::string_view start);
 struct JetTableInfo {
   std::string name;
   std::vector<std::string> columns;
+  std::vector<ColumnType> types;  ///< of each column; one that isn't known here is Text
 };
 
 /// A Jet database whose tables are known.
@@ -35,6 +37,9 @@ class JetFile {
   /// Null. A text is cut at a million bytes; pictures and other bytes are Null. Missing when there is no such table or
   /// column, Malformed when the file is damaged.
   Result<std::vector<std::vector<Value>>> rows(std::string_view table, const std::vector<std::string>& columns) const;
+  /// Creates a table of the same columns with the rows of this one in `target`. Failures as rows and
+  /// Database::createTable.
+  Result<> copyTable(const JetTableInfo& table, Database& target) const;
 
  private:
   explicit JetFile(std::string path) : path_(std::move(path)) {}

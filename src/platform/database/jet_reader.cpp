@@ -119,6 +119,7 @@ void putColumns(const MdbTableDef& table, std::string& stream) {
   for (std::size_t i = 0; i < table.num_cols; ++i) {
     putJetField(stream, std::string(table.name));
     putJetField(stream, std::string(columnAt(table, i)->name));
+    putJetField(stream, std::int64_t{columnAt(table, i)->col_type});
   }
 }
 

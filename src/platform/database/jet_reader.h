@@ -15,8 +15,8 @@ struct JetQuery {
   std::vector<std::string> columns;
 };
 
-/// Gives, as rows of two fields for jetRows, the name of each table that isn't the database's own with the name of each
-/// of its columns. A failure in the stream when the file is no such database.
+/// Gives, as rows of three fields for jetRows, the name of each table that isn't the database's own with the name and
+/// the number of the type of each of its columns. A failure in the stream when the file is no such database.
 void listJetColumns(const std::string& path, const IsolatedOutput& output);
 
 /// Gives the fields of the rows of a table, deleted rows left out, for jetRows. A failure in the stream when the table

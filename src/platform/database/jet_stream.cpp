@@ -6,14 +6,8 @@
 namespace kv {
 namespace {
 
-enum JetMark : char {
-  NullMark = 'n',
-  IntegerMark = 'i',
-  NumberMark = 'd',
-  MoneyMark = 'm',
-  TextMark = 't',
-  FailureMark = 'f'
-};
+// The first byte of a field.
+constexpr char nullMark = 'n', integerMark = 'i', numberMark = 'd', moneyMark = 'm', textMark = 't', failureMark = 'f';
 
 template <class T>
 void putRaw(std::string& stream, const T& value) {
@@ -58,16 +52,16 @@ std::optional<Value> valueOf(std::optional<T> value) {
 
 std::optional<Value> readField(StreamReader& reader, char mark) {
   switch (mark) {
-    case NullMark:
+    case nullMark:
       return Null{};
-    case IntegerMark:
+    case integerMark:
       return valueOf(reader.raw<std::int64_t>());
-    case NumberMark:
+    case numberMark:
       return valueOf(reader.raw<double>());
-    case MoneyMark:
+    case moneyMark:
       if (const auto count = reader.raw<std::int64_t>()) return Money::ofTenThousandths(*count);
       return std::nullopt;
-    case TextMark:
+    case textMark:
       return valueOf(reader.text());
     default:
       return std::nullopt;
@@ -85,24 +79,24 @@ Error readFailure(StreamReader& reader) {
 
 void putJetField(std::string& stream, const Value& value) {
   if (const auto* whole = std::get_if<std::int64_t>(&value)) {
-    stream += IntegerMark;
+    stream += integerMark;
     putRaw(stream, *whole);
   } else if (const auto* number = std::get_if<double>(&value)) {
-    stream += NumberMark;
+    stream += numberMark;
     putRaw(stream, *number);
   } else if (const auto* amount = std::get_if<Money>(&value)) {
-    stream += MoneyMark;
+    stream += moneyMark;
     putRaw(stream, amount->tenThousandths());
   } else if (const auto* text = std::get_if<std::string>(&value)) {
-    stream += TextMark;
+    stream += textMark;
     putText(stream, *text);
   } else {
-    stream += NullMark;
+    stream += nullMark;
   }
 }
 
 void putJetFailure(std::string& stream, const Error& error) {
-  stream += FailureMark;
+  stream += failureMark;
   putRaw(stream, static_cast<std::uint8_t>(error.kind));
   putText(stream, error.where);
   putText(stream, error.what);
@@ -116,7 +110,7 @@ Result<std::vector<std::vector<Value>>> jetRows(std::string_view stream, std::si
     std::vector<Value> row;
     while (row.size() < columns) {
       const auto mark = reader.raw<char>();
-      if (mark == FailureMark) return fail(readFailure(reader));
+      if (mark == failureMark) return fail(readFailure(reader));
       auto field = mark ? readField(reader, *mark) : std::nullopt;
       if (!field) return fail(ErrorKind::Malformed, "", "the rows break off");
       row.push_back(std::move(*field));

@@ -14,6 +14,7 @@ struct PasswordServices {
   Transfer& transfer;
   HttpClient& http;
   UserPort& user;
+  HelpOpener help = {};  ///< opens a page of the help; empty: there is none
 };
 
 /// exec() sends one script. The tag is "OK" when the passwords are loaded, and empty when that failed or was cancelled.

@@ -69,6 +69,7 @@ void frmOTP::build() {
   QDialogButtonBox* buttons = makeButtons("Aggiorna", "Chiudi");
   cmdAggiorna_ = named(buttons->button(QDialogButtonBox::Ok), "cmdAggiorna");
   cmdAggiorna_->setEnabled(false);
+  addHelp(buttons, services_.help, "pagine/password.htm");
   connect(buttons, &QDialogButtonBox::accepted, this, &frmOTP::cmdAggiorna);
   column->addWidget(buttons);
   sizeInCharacters(70, 0);

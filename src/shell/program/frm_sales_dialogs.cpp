@@ -45,7 +45,7 @@ void wireShipping(frmMain& window, Session& session, Environment& env, const std
 }
 
 /// The lists of one-time passwords, over the dialog of the payment system.
-void openPasswordLists(Session& session, Environment& env) {
+void openPasswordLists(Session& session, Environment& env, const HelpOpener& help) {
   auto job = passwordJobOf(session);
   if (!job) {
     env.user.message(failureText(job.error()), Icon::Exclamation);
@@ -53,7 +53,7 @@ void openPasswordLists(Session& session, Environment& env) {
   }
   const auto transfer = makeTransfer(job->connection.protocol);
   const auto http = makeHttpClient();
-  frmOTP dialog(std::move(*job), {*transfer, *http, env.user}, env.random, QApplication::activeModalWidget());
+  frmOTP dialog(std::move(*job), {*transfer, *http, env.user, help}, env.random, QApplication::activeModalWidget());
   dialog.exec();
 }
 
@@ -61,8 +61,8 @@ void wirePayment(frmMain& window, Session& session, Environment& env) {
   window.workbench().ports().dialogs.configurePayment = [&window, &session, &env] {
     GatewayHooks hooks;
     hooks.shopAddress = shopAddress(session);
-    hooks.passwords = [&session, &env] { openPasswordLists(session, env); };
     hooks.help = salesHelp(window);
+    hooks.passwords = [&session, &env, help = hooks.help] { openPasswordLists(session, env, help); };
     QWidget* const owner = QApplication::activeModalWidget();
     frmConfiguraPG dialog(session, env, std::move(hooks), owner != nullptr ? owner : &window);
     dialog.exec();

@@ -2,6 +2,7 @@
 
 #include "platform/files/trees.h"
 #include "store/exchange/primo_rows.h"
+#include "store/exchange/primo_source.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/numbered_backup.h"
 #include "store/shop/session_start.h"
@@ -90,7 +91,8 @@ PrimoOutcome finishImport(Session& session, Environment& env, const StagedPictur
 }  // namespace
 
 int ImportaDati(Session& session, Environment& env, const std::string& path) {
-  const auto version = sourceVersion(path);
+  const auto source = PrimoSource::open(path);
+  const auto version = source ? sourceVersion(source->path()) : fail(source.error());
   if (!version) {
     env.user.message(notOpened + version.error().what, Icon::Critical);
     return static_cast<int>(PrimoOutcome::NotDone);
@@ -99,7 +101,7 @@ int ImportaDati(Session& session, Environment& env, const std::string& path) {
     env.user.message(otherVersion, Icon::Exclamation);
     return static_cast<int>(PrimoOutcome::NotDone);
   }
-  const auto taken = takePrimoRows(session.catalogue, path);
+  const auto taken = takePrimoRows(session.catalogue, source->path());
   return static_cast<int>(taken ? PrimoOutcome::Done : PrimoOutcome::Failed);
 }
 

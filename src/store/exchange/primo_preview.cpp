@@ -9,6 +9,7 @@
 #include "platform/text/text.h"
 #include "store/exchange/primo_rows.h"
 #include "store/exchange/primo_settings.h"
+#include "store/exchange/primo_source.h"
 #include "store/shop/shop_folders.h"
 
 namespace kv {
@@ -188,9 +189,11 @@ std::size_t PrimoTable::count(PrimoFate fate) const {
 }
 
 Result<PrimoPreview> previewPrimo(Database& catalogue, const std::string& path) {
-  auto plan = planSource(catalogue, path);
+  const auto source = PrimoSource::open(path);
+  if (!source) return fail(source.error());
+  auto plan = planSource(catalogue, source->path());
   if (!plan) return fail(plan.error());
-  const auto attached = AttachedSource::attach(catalogue, path);
+  const auto attached = AttachedSource::attach(catalogue, source->path());
   if (!attached) return fail(attached.error());
   PrimoPreview preview;
   preview.version = plan->version;

@@ -24,6 +24,7 @@ constexpr bool isPrimoVersion(int version) { return version / 100 == 2; }
 /// besides them. Missing when one of them has no such table.
 struct SharedColumns {
   std::vector<std::string> shared, leftOut;
+  bool areAll = false;  ///< both tables have these columns alone, in the same order
 };
 Result<SharedColumns> sharedColumns(Database& catalogue, Database& source, std::string_view table);
 

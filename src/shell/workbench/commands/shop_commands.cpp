@@ -60,6 +60,13 @@ Command moveRow(std::string name, const MenuPlace& place, WorkbenchDialogs::Dial
   return row;
 }
 
+Command accountingRow() {
+  Command row = dialogCommand("import.accounting", {File, 701, "Importa da Orsa Gestionale..."},
+                              &WorkbenchDialogs::importAccounting, "Importa");
+  row.help = "pagine/orsa.htm";
+  return row;
+}
+
 /// An entry that shows where the application folder has a companion program, and starts it.
 Command companionRow(std::string name, const MenuPlace& place, std::string_view program) {
   Command row = shopRow(std::move(name), place, "", [program](const CommandContext& context) {
@@ -97,9 +104,7 @@ std::vector<Command> shopCommands() {
        dialogCommand("shop.folders", {File, 201, "Cambia le cartelle di lavoro..."}, &Dialogs::changeFolders,
                      "Cambia le cartelle"),
        shopRow("shop.cleanFolders", {File, 202, "Pulisci le cartelle di lavoro..."}, "", cleanFolders), purgeRow(),
-       dialogCommand("import.accounting", {File, 701, "Importa da Orsa Gestionale..."}, &Dialogs::importAccounting,
-                     "Importa"),
-       companionRow("import.stock", {File, 702, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
+       accountingRow(), companionRow("import.stock", {File, 702, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
        companionRow("import.orders", {File, 703, "Scarica ordini..."}, "ordsync.exe"),
        companionRow("import.companion", {File, 704, "Importa da Orsa Gestionale con gwimp..."}, "gwimp.exe"),
        shopRow("exit", {File, 801, "Esci"}, "Ctrl+Q", exitProgram)},
