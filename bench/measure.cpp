@@ -1,5 +1,7 @@
 #include "measure.h"
 
+#include <cstdio>
+
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -43,6 +45,14 @@ double secondsOf(const std::function<bool()>& work) {
   return done ? passed.count() : 0;
 }
 
+void keepFaster(Measured& best, const Measured& one) {
+  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
+}
+
 const char* verdict(bool met) { return met ? "met" : "MISSED"; }
+
+void printBar(const char* name, double ratio, double bar) {
+  std::printf("  %s: %.2f (bar %g) %s\n", name, ratio, bar, verdict(ratio <= bar));
+}
 
 }  // namespace kv::bench

@@ -26,7 +26,12 @@ Measured inOwnProcess(const std::function<Timed()>& work);
 /// The seconds that `work` took; 0 when it returned false.
 double secondsOf(const std::function<bool()>& work);
 
+/// Makes `best` the measurement that took less time; one that failed counts only as long as there is no other.
+void keepFaster(Measured& best, const Measured& one);
+
 /// "met" or "MISSED".
 const char* verdict(bool met);
+/// Prints a ratio with the bar that it must not pass.
+void printBar(const char* name, double ratio, double bar);
 
 }  // namespace kv::bench
