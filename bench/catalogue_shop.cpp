@@ -1,6 +1,5 @@
 #include "catalogue_shop.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -8,8 +7,6 @@
 #include "measure.h"
 
 namespace kv::bench {
-
-void AgreeingUser::message(const std::string& text, Icon /*icon*/) { std::fprintf(stderr, "%s\n", text.c_str()); }
 
 CatalogueShop::CatalogueShop(std::string folder, int articles, const std::string& statements)
     : folder_(std::move(folder)) {

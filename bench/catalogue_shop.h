@@ -5,19 +5,8 @@
 #include <string_view>
 
 #include "platform/database/database.h"
-#include "platform/ports/user_port.h"
 
 namespace kv::bench {
-
-/// Agrees to every question; messages go to the standard error.
-class AgreeingUser final : public UserPort {
- public:
-  void message(const std::string& text, Icon icon) override;
-  Answer question(const Question& /*question*/) override { return Answer::Yes; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const Progress&) override {}
-  bool yield() override { return true; }
-};
 
 /// What fails ends the program, since nothing could be measured then.
 class CatalogueShop {

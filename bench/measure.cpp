@@ -1,12 +1,13 @@
 #include "measure.h"
 
-#include <cstdio>
-
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 
 namespace kv::bench {
 
@@ -38,6 +39,10 @@ Measured inOwnProcess(const std::function<Timed()>& work) {
   return measured;
 }
 
+void keepFaster(Measured& best, const Measured& one) {
+  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
+}
+
 double secondsOf(const std::function<bool()>& work) {
   const auto start = std::chrono::steady_clock::now();
   const bool done = work();
@@ -45,14 +50,24 @@ double secondsOf(const std::function<bool()>& work) {
   return done ? passed.count() : 0;
 }
 
-void keepFaster(Measured& best, const Measured& one) {
-  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
-}
-
 const char* verdict(bool met) { return met ? "met" : "MISSED"; }
 
 void printBar(const char* name, double ratio, double bar) {
   std::printf("  %s: %.2f (bar %g) %s\n", name, ratio, bar, verdict(ratio <= bar));
 }
+
+void SilentUser::message(const std::string& text, Icon icon) {
+  if (icon != Icon::Information) std::fprintf(stderr, "%s\n", text.c_str());
+}
+Answer SilentUser::question(const Question& question) { return always_.value_or(question.preset); }
+std::string SilentUser::chooseFolder(const std::string& /*prompt*/, const std::string& /*initial*/) { return {}; }
+void SilentUser::progress(const Progress& /*progress*/) {}
+bool SilentUser::yield() { return true; }
+
+FreshFolder::FreshFolder() : path_((std::filesystem::temp_directory_path() / "korvane-bench-XXXXXX").string()) {
+  if (mkdtemp(path_.data()) == nullptr) std::abort();
+}
+
+FreshFolder::~FreshFolder() { std::filesystem::remove_all(path_); }
 
 }  // namespace kv::bench

@@ -1,7 +1,12 @@
 #pragma once
-// One measurement of a whole run, in a process of its own, so that its peak memory is its own.
+// One measurement of a whole run, in a process of its own, so that its peak memory is its own; with what the runs
+// share.
 
 #include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/ports/user_port.h"
 
 namespace kv::bench {
 
@@ -23,15 +28,43 @@ struct Timed {
 /// Runs `work` in a child of this process; `ok` is false when it died or reported no time.
 Measured inOwnProcess(const std::function<Timed()>& work);
 
+/// Takes over `one` where it is the first or faster.
+void keepFaster(Measured& best, const Measured& one);
+
 /// The seconds that `work` took; 0 when it returned false.
 double secondsOf(const std::function<bool()>& work);
-
-/// Makes `best` the measurement that took less time; one that failed counts only as long as there is no other.
-void keepFaster(Measured& best, const Measured& one);
 
 /// "met" or "MISSED".
 const char* verdict(bool met);
 /// Prints a ratio with the bar that it must not pass.
 void printBar(const char* name, double ratio, double bar);
+
+/// A user who gives the preset answers, or always the same one; warnings go to the standard error.
+class SilentUser final : public UserPort {
+ public:
+  explicit SilentUser(std::optional<Answer> always = std::nullopt) : always_(always) {}
+  void message(const std::string& text, Icon icon) override;
+  Answer question(const Question& question) override;
+  std::string chooseFolder(const std::string& prompt, const std::string& initial) override;
+  void progress(const Progress& progress) override;
+  bool yield() override;
+
+ private:
+  std::optional<Answer> always_;
+};
+
+/// An empty folder for temporary files, which goes with everything in it at the end.
+class FreshFolder {
+ public:
+  FreshFolder();
+  ~FreshFolder();
+  FreshFolder(const FreshFolder&) = delete;
+  FreshFolder& operator=(const FreshFolder&) = delete;
+  /// Without a "/" at the end.
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
 
 }  // namespace kv::bench

@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -18,13 +16,14 @@
 
 namespace {
 
+using kv::bench::FreshFolder;
 using kv::bench::inOwnProcess;
 using kv::bench::keepFaster;
 using kv::bench::Measured;
 using kv::bench::printBar;
 using kv::bench::secondsOf;
+using kv::bench::SilentUser;
 using kv::bench::Timed;
-namespace fs = std::filesystem;
 
 constexpr int priceRounds = 5;
 constexpr double priceBar = 3;
@@ -66,7 +65,7 @@ class PricedShop {
   Timed changed(bool undone) const {
     kv::Database catalogue = shop_.fresh();
     kv::ChangeRecorder recorder(catalogue, [](std::string_view) { return true; });
-    kv::bench::AgreeingUser user;
+    SilentUser user;
     kv::RowChanges changes;
     const double seconds = secondsOf([&] {
       if (kv::ModificaPrezzi(catalogue, raise(), user) != kv::BulkEnd::Done) return false;
@@ -118,9 +117,6 @@ int run(const std::string& folder, int articles) {
 
 int main(int argc, char** argv) {
   const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
-  const int status = run(folder, quick ? 10000 : 100000);
-  fs::remove_all(folder);
-  return status;
+  const FreshFolder folder;
+  return run(folder.path(), quick ? 10000 : 100000);
 }

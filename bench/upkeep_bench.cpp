@@ -75,7 +75,7 @@ class LargeShop {
   Timed bare() const { return {shop_.bareSeconds(setTexts("?")), 0}; }
   Timed copied() const {
     kv::Database catalogue = shop_.fresh();
-    kv::bench::AgreeingUser user;
+    kv::bench::SilentUser user(kv::Answer::Yes);
     return {secondsOf([&] {
               return kv::ReplicaLingue(catalogue, {1, 2, {false, false, true, false}}, user) == kv::BulkEnd::Done;
             }),
@@ -86,7 +86,7 @@ class LargeShop {
  private:
   std::string application() const { return folder_ + "/app"; }
   double open(bool upgraded) const {
-    kv::bench::AgreeingUser user;
+    kv::bench::SilentUser user(kv::Answer::Yes);
     kv::MemorySettings settings;
     kv::Environment env{user, settings, kv::systemClock(), kv::systemRandom(), application(), {}};
     if (upgraded) {
@@ -162,11 +162,7 @@ int run(const std::string& folder, int articles) {
 
 int main(int argc, char** argv) {
   const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
-  fs::create_directories(folder + "/large");
-  fs::create_directories(folder + "/built");
-  const int status = run(folder, quick ? 10000 : 100000);
-  fs::remove_all(folder);
-  return status;
+  const kv::bench::FreshFolder folder;
+  for (const char* shop : {"/large", "/built"}) fs::create_directories(folder.path() + shop);
+  return run(folder.path(), quick ? 10000 : 100000);
 }

@@ -7,8 +7,6 @@
 #include <QApplication>
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -23,7 +21,6 @@ namespace {
 
 using kv::bench::printBar;
 using kv::bench::secondsOf;
-namespace fs = std::filesystem;
 
 constexpr int variantRounds = 5;
 constexpr double scanBar = 3;
@@ -37,7 +34,7 @@ constexpr const char* manyVariants =
 
 int run(const std::string& folder, int articles) {
   const kv::bench::CatalogueShop shop(folder, articles, manyVariants);
-  kv::bench::AgreeingUser user;
+  kv::bench::SilentUser user(kv::Answer::Yes);
   kv::MemorySettings settings;
   kv::Environment env{user, settings, kv::systemClock(), kv::systemRandom(), folder + "/app", {}};
   kv::Session session;
@@ -73,9 +70,6 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QApplication application(argc, argv);
   const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
-  const int status = run(folder, quick ? 10000 : 100000);
-  fs::remove_all(folder);
-  return status;
+  const kv::bench::FreshFolder folder;
+  return run(folder.path(), quick ? 10000 : 100000);
 }

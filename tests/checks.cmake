@@ -9,6 +9,9 @@ add_test(NAME words.TheTreeKeepsToPlainWords COMMAND ${CMAKE_SOURCE_DIR}/tools/c
 add_test(NAME words.OddWordsAreFoundWhereTheyAreRead
   COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_words_test.py ${CMAKE_SOURCE_DIR})
 
+add_test(NAME host.AShopIsShownFromACopy
+  COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/view_copy_test.py ${CMAKE_SOURCE_DIR})
+
 # korvane_must_not_compile(NAME FOLDER SOURCE EXPECTED): SOURCE, compiled as a file of FOLDER, fails with the text
 # EXPECTED. The same file without KORVANE_WRONG compiles, so that it fails for no other reason.
 function(korvane_must_not_compile name folder source expected)

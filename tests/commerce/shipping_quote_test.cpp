@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <random>
 
 #include "commerce/shipping/shipping_tables.h"
@@ -13,6 +12,7 @@
 #include "platform/database/field_row.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
+#include "support/command_output.h"
 #include "support/test_seed.h"
 
 namespace kv::test {
@@ -88,16 +88,6 @@ TEST_F(TryingTheShipping, AZoneWithoutAMethodAndStepsOutOfOrderAreNamed) {
 }
 
 constexpr int ordersOfShop = 10;
-
-/// The output of a command.
-std::string linesOf(const std::string& command) {
-  std::string text;
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return "cannot run";
-  char piece[4096];
-  for (std::size_t n = 0; (n = std::fread(piece, 1, sizeof piece, pipe)) > 0;) text.append(piece, n);
-  return ::pclose(pipe) == 0 ? text : "failed: " + text;
-}
 
 class TheTrialAndTheCart : public TryingTheShipping {
  protected:
@@ -176,8 +166,8 @@ TEST_F(TheTrialAndTheCart, AndTheServerAgreeToTheCent) {
   }
   ASSERT_TRUE(writeBytes(root / "cases", cases));
   const std::string given = " " KORVANE_APP_DATA "/code " + (root / "cases");
-  EXPECT_EQ(linesOf("node " KORVANE_TEST_DATA "/commerce/cart_answers.js" + given), expected);
-  EXPECT_EQ(linesOf("php -n " KORVANE_TEST_DATA "/commerce/server_answers.php" + given), expected);
+  EXPECT_EQ(outputOf("node " KORVANE_TEST_DATA "/commerce/cart_answers.js" + given), expected);
+  EXPECT_EQ(outputOf("php -n " KORVANE_TEST_DATA "/commerce/server_answers.php" + given), expected);
 }
 
 }  // namespace

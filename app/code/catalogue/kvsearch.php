@@ -90,12 +90,12 @@ function kvPagineRisultati(string $testo, int $pagina, int $pagine): string
         $ultima = $numero;
         $html .= $numero === $pagina
             ? ' <strong aria-current="page">' . $numero . '</strong>'
-            : ' <a href="kvsearch<<1-IDlingua>>.php?q=' . rawurlencode($testo) . '&amp;p=' . $numero . '">' . $numero . '</a>';
+            : ' <a href="kvsearch<<1-IDlingua>>.php?q=' . rawurlencode(kvUtf8($testo)) . '&amp;p=' . $numero . '">' . $numero . '</a>';
     }
     return $html;
 }
 
-$kvTesto = kvCampo($HTTP_GET_VARS, 'q', 100);
+$kvTesto = kvDaUtf8(kvCampo($HTTP_GET_VARS, 'q', 100));
 $kvParole = kvParole($kvTesto);
 $kvIntere = strpos(<<<'KORVANE_VALORI'
 <<1-java_sepsearch>>

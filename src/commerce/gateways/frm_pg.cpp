@@ -58,7 +58,7 @@ void frmPG::addField(QFormLayout& form, const AccountKey& key) {
     case KeyRole::Language:
       return addFlag(form, key);
     default:
-      ignore(addLine(form, key), "the form keeps the field");
+      addLine(form, key);
   }
 }
 

@@ -27,6 +27,10 @@ PicturePreview::PicturePreview(const QString& name, QAction* choose, QAction* cl
   preview_->setAlignment(Qt::AlignCenter);
   row->addWidget(preview_, 0, Qt::AlignTop);
   preview_->setText(tr("(nessuna)"));
+  preview_->setFocusPolicy(Qt::StrongFocus);
+  preview_->setStyleSheet(QStringLiteral("QLabel:focus { border: 2px solid palette(highlight); }"));
+  preview_->setToolTip(tr("Trascina qui un'immagine, o incollala con Ctrl+V"));
+  nameFor({}, {});
   auto* column = new QVBoxLayout;
   about_->setWordWrap(true);
   about_->setTextFormat(Qt::PlainText);
@@ -64,7 +68,7 @@ void PicturePreview::showPicture(const QString& name, const QString& path) {
   stamp_ = stamp;
   preview_->clear();
   about_->setText(name);
-  preview_->setAccessibleName(name.isEmpty() ? title_ + tr(": nessuna") : title_ + QStringLiteral(": ") + name);
+  nameFor(name, {});
   if (path.isEmpty()) {
     preview_->setText(tr("(nessuna)"));
     return;
@@ -72,6 +76,12 @@ void PicturePreview::showPicture(const QString& name, const QString& path) {
   // Stepping through a list of articles doesn't wait for their pictures.
   if (!waiting_) QTimer::singleShot(0, this, &PicturePreview::load);
   waiting_ = true;
+}
+
+void PicturePreview::nameFor(const QString& file, const QString& size) {
+  QString name = title_ + QStringLiteral(": ") + (file.isEmpty() ? tr("nessuna") : file);
+  if (!size.isEmpty()) name += QStringLiteral(", ") + size;
+  preview_->setAccessibleName(name);
 }
 
 void PicturePreview::load() {
@@ -96,7 +106,9 @@ void PicturePreview::load() {
   QPainter(&onPage).drawPixmap(0, 0, picture);
   onPage.setDevicePixelRatio(ratio);
   preview_->setPixmap(onPage);
-  about_->setText(name_ + QStringLiteral("\n%1 x %2").arg(size.width()).arg(size.height()));
+  const QString sides = tr("%1 x %2").arg(size.width()).arg(size.height());
+  about_->setText(name_ + QLatin1Char('\n') + sides);
+  nameFor(name_, sides);
 }
 
 bool PicturePreview::event(QEvent* event) {

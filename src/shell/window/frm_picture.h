@@ -23,6 +23,8 @@ class PicturePreview final : public QWidget {
   /// Called for each row that becomes current. The same file is read again only after its time of change moved; an
   /// empty path shows that there is no picture.
   void showPicture(const QString& name, const QString& path);
+  /// The picture itself, which takes the focus so that another can be pasted on it.
+  QWidget& picture() { return *preview_; }
 
  protected:
   /// Reads the file again on a screen of another density.
@@ -31,6 +33,8 @@ class PicturePreview final : public QWidget {
  private:
   /// Reads the file and shows it scaled down, with its size in pixels below the name.
   void load();
+  /// Says which picture it is, with its file and size, to who can't see it.
+  void nameFor(const QString& file, const QString& size);
   /// `meaning`: what the button does, said before the picture's name to who can't see it.
   void addButton(QAction* action, const QString& text, const QString& meaning);
   QLabel* preview_;              ///< the picture, or why there is none
