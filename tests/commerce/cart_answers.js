@@ -1,5 +1,5 @@
 // What the cart's own script asks for orders: node cart_answers.js CODE CASES
-// CODE holds js0.js to js2.js; CASES is a file of lines, each a JSON object with the variables of the build as
+// CODE holds js0.js, js1.js and js2.js; CASES is a file of lines, each a JSON object with the variables of the build as
 // `script`, and goods (smallest units), weight (ten-thousandths), method (its position, from 1) and zone. Prints for
 // each line: allowed, cost and VAT in smallest units.
 "use strict";
@@ -15,8 +15,7 @@ const sources = ["js0.js", "js1.js", "js2.js"].map(function (name) {
 
 fs.readFileSync(cases, "utf8").split("\n").filter(Boolean).forEach(function (line) {
   const order = JSON.parse(line);
-  const page = { cookie: "", addEventListener: function () {} };
-  const context = vm.createContext({ document: page, console: console });
+  const context = vm.createContext({ document: { cookie: "", addEventListener: function () {} }, console: console });
   context.window = Object.assign(context, { addEventListener: function () {} });
   vm.runInContext(sources[0], context);
   vm.runInContext(order.script, context);

@@ -38,7 +38,7 @@ class PicturesDropped : public WindowFixture {
     data.setUrls(files);
     return drop(on, data, at);
   }
-  PicturePreview& picture(EditedSet set, std::string_view column) { return field<PicturePreview>(set, column); }
+  PictureField& picture(EditedSet set, std::string_view column) { return field<PictureField>(set, column); }
   std::string pictures(const char* code) {
     return scalar(
         "SELECT COALESCE(immagine0, '') || ' ' || COALESCE(immagine1, '') || ' ' || COALESCE(immagine2, '')"
@@ -82,7 +82,7 @@ TEST_F(PicturesDropped, OnTheSheetBelongToTheRowItShows) {
 TEST_F(PicturesDropped, OnAPictureReplaceIt) {
   open();
   goArticles();
-  PicturePreview& second = picture(EditedSet::Articoli, "immagine1");
+  PictureField& second = picture(EditedSet::Articoli, "immagine1");
   EXPECT_TRUE(dropFiles(second, {file(photo("uno.jpg"))}));
   EXPECT_TRUE(dropFiles(second, {file(photo("due.jpg"))}));
   EXPECT_EQ(pictures("A1"), " due_0001.jpg ");

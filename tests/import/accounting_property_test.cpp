@@ -37,7 +37,8 @@ class AccountingOfChance : public AccountingShop {
       auto insert =
           session.catalogue.prepare("INSERT INTO articoli (codice, titolo, catID) VALUES (?1, 'Mio', 'dgf1')");
       ASSERT_TRUE(insert);
-      insert->bind(1, asText(row[2]));
+      const std::string code = asText(row[2]);
+      insert->bind(1, code);
       ASSERT_TRUE(insert->execute());
     }
     request.variant = accountingVariants()[upTo(1) == 0 ? 0 : 3];

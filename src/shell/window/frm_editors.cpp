@@ -268,7 +268,7 @@ void EditorBinding::makeCombo() {
 void EditorBinding::makePicture(const CommandActions& actions) {
   const PictureCommandNames commands = pictureCommandNames(editor_.set, editor_.number);
   auto* picture =
-      new PicturePreview(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
+      new PictureField(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
   auto* drops = new PictureDrops(*picture, workbench_, [this](QPoint) {
     return std::optional(RowPicture{editor_.set, editor_.number});
   });

@@ -12,12 +12,12 @@ namespace kv {
 
 /// Preview, file name and size of a picture, with its two buttons.
 /// It never enlarges a picture, draws it on white as visitors see it, and says so where a file can't be read.
-class PicturePreview final : public QWidget {
+class PictureField final : public QWidget {
   Q_OBJECT
  public:
   /// `name`: of the picture, for who can't see it. The actions are those of its commands.
   /// Each button is enabled while its action is, and triggers it.
-  PicturePreview(const QString& name, QAction* choose, QAction* clear, QWidget* parent = nullptr);
+  PictureField(const QString& name, QAction* choose, QAction* clear, QWidget* parent = nullptr);
 
   /// Shows a file of the image folder; an empty name for none. The file is read once the window has nothing else to do.
   /// Called for each row that becomes current. The same file is read again only after its time of change moved; an

@@ -3,7 +3,7 @@
 #include "platform/files/trees.h"
 #include "platform/text/text.h"
 #include "store/exchange/export_plan.h"
-#include "store/exchange/export_report.h"
+#include "store/exchange/moved_pieces.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
@@ -54,7 +54,7 @@ struct ExportRun {
   std::string to;
   ExportChoice choice;
   ExportPlan plan{to};
-  ExportReport report{};
+  MovedPieces report{};
 
   std::string ofShop(std::string_view name) const { return joinPath(session.ShopFolder, name); }
   std::string ofApplication(std::string_view name) const { return joinPath(env.applicationFolder, name); }
