@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "bench_shop.h"
 #include "import/accounting/accounting_import.h"

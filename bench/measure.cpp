@@ -52,10 +52,14 @@ double secondsOf(const std::function<bool()>& work) {
 
 const char* verdict(bool met) { return met ? "met" : "MISSED"; }
 
+void printBar(const char* name, double ratio, double bar) {
+  std::printf("  %s: %.2f (bar %g) %s\n", name, ratio, bar, verdict(ratio <= bar));
+}
+
 void SilentUser::message(const std::string& text, Icon icon) {
   if (icon != Icon::Information) std::fprintf(stderr, "%s\n", text.c_str());
 }
-Answer SilentUser::question(const Question& question) { return question.preset; }
+Answer SilentUser::question(const Question& question) { return always_.value_or(question.preset); }
 std::string SilentUser::chooseFolder(const std::string& /*prompt*/, const std::string& /*initial*/) { return {}; }
 void SilentUser::progress(const Progress& /*progress*/) {}
 bool SilentUser::yield() { return true; }

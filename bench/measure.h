@@ -3,6 +3,7 @@
 // share.
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/ports/user_port.h"
@@ -35,15 +36,21 @@ double secondsOf(const std::function<bool()>& work);
 
 /// "met" or "MISSED".
 const char* verdict(bool met);
+/// Prints a ratio with the bar that it must not pass.
+void printBar(const char* name, double ratio, double bar);
 
-/// A user who gives the preset answers; warnings go to the standard error.
+/// A user who gives the preset answers, or always the same one; warnings go to the standard error.
 class SilentUser final : public UserPort {
  public:
+  explicit SilentUser(std::optional<Answer> always = std::nullopt) : always_(always) {}
   void message(const std::string& text, Icon icon) override;
   Answer question(const Question& question) override;
   std::string chooseFolder(const std::string& prompt, const std::string& initial) override;
   void progress(const Progress& progress) override;
   bool yield() override;
+
+ private:
+  std::optional<Answer> always_;
 };
 
 /// An empty folder for temporary files, which goes with everything in it at the end.

@@ -74,7 +74,7 @@ test("an aged shop takes an order", async () => {
     await shopper.buy(articles.mug[language.code], { pieces: 5 });
     await shopper.open("order");
     await shopper.fillOrder(person);
-    await shopper.chooseShipping(countries.italy, methods.transfer[language.code]);
+    await shopper.chooseShipping(countries.italy[language.code], methods.transfer[language.code]);
     await shopper.sendOrder();
     assert.match(await shopper.page.locator("main").innerText(), /\d{6}-[0-9A-F]{6}/);
     visit.check();

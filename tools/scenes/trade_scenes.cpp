@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QTabWidget>
 #include <array>
@@ -20,15 +21,34 @@ void takeSiteEntry(Stage& stage, std::string_view command, const QString& name) 
 void takePayment(Stage& stage, const QString& name) { takeSiteEntry(stage, "payment", name); }
 void takeShipping(Stage& stage, const QString& name) { takeSiteEntry(stage, "shipping", name); }
 
-/// The costs of the first zone.
-void takeShippingCosts(Stage& stage, const QString& name) {
+/// One page of the dialog of shipping.
+void takeShippingPage(Stage& stage, int page, const QString& name) {
   stage.show(Tab::Site);
   stage.during([&] { stage.choose("shipping"); },
                [&](QWidget& dialog) {
-                 dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(2);
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabSpedizione"))->setCurrentIndex(page);
+                 if (auto* amount = dialog.findChild<QLineEdit*>(QStringLiteral("txtProvaImporto"))) {
+                   amount->setText(QStringLiteral("49,90"));
+                 }
                  stage.take(name);
                });
 }
+void takeShippingCountries(Stage& stage, const QString& name) { takeShippingPage(stage, 1, name); }
+void takeShippingCosts(Stage& stage, const QString& name) { takeShippingPage(stage, 2, name); }
+void takeShippingTrial(Stage& stage, const QString& name) { takeShippingPage(stage, 3, name); }
+
+/// The dialog of one payment module, over the window with all of them.
+void takeAccount(Stage& stage, const char* button, const QString& name) {
+  stage.show(Tab::Site);
+  stage.during([&] { stage.choose("payment"); },
+               [&](QWidget& modules) {
+                 stage.during([&] { modules.findChild<QAbstractButton*>(QLatin1String(button))->click(); },
+                              [&](QWidget&) { stage.take(name); });
+               });
+}
+void takeBankpass(Stage& stage, const QString& name) { takeAccount(stage, "cmdConfigura13", name); }
+void takeSella(Stage& stage, const QString& name) { takeAccount(stage, "cmdConfigura1", name); }
+void takeCash(Stage& stage, const QString& name) { takeAccount(stage, "cmdConfigura4", name); }
 
 void takeLanguageCopy(Stage& stage, const QString& name) { takeEntry(stage, "languages.replicate", name); }
 void takeListCopy(Stage& stage, const QString& name) { takeEntry(stage, "prices.replicate", name); }
@@ -140,8 +160,13 @@ std::span<const Scene> tradeScenes() {
                                      Scene{"pulizia-immagini", takePurge},
                                      Scene{"esporta", takeExport},
                                      Scene{"pagamenti", takePayment},
+                                     Scene{"pagamenti-bankpass", takeBankpass},
+                                     Scene{"pagamenti-sella", takeSella},
+                                     Scene{"pagamenti-contrassegno", takeCash},
                                      Scene{"spedizione", takeShipping},
+                                     Scene{"spedizione-paesi", takeShippingCountries},
                                      Scene{"spedizione-spese", takeShippingCosts},
+                                     Scene{"spedizione-prova", takeShippingTrial},
                                      Scene{"varianti", takeVariants},
                                      Scene{"connessione", takeConnection},
                                      Scene{"pubblicazione", takePublishing}};

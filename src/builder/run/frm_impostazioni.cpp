@@ -12,7 +12,7 @@
 
 namespace kv {
 
-frmImpostazioni::frmImpostazioni(Session& session, Environment& env, QWidget* parent)
+frmImpostazioni::frmImpostazioni(Session& session, Environment& env, HelpOpener help, QWidget* parent)
     : FormDialog(buildSettingsTitle, parent), session_(session), env_(env) {
   auto* column = new QVBoxLayout(this);
   chkSelettiva_ = named(new QCheckBox(toQt("&Utilizza costruzione selettiva")), "chkSelettiva");
@@ -32,10 +32,12 @@ frmImpostazioni::frmImpostazioni(Session& session, Environment& env, QWidget* pa
   column->addWidget(cmdReset, 0, Qt::AlignLeft);
   column->addStretch();
   QDialogButtonBox* buttons = makeButtons();
+  addHelp(buttons, std::move(help), "pagine/sito.htm");
   column->addWidget(buttons);
   connect(cmdReset, &QPushButton::clicked, this, [this] { show({true, std::string(defaultExtension), false}); });
   connect(buttons, &QDialogButtonBox::accepted, this, &frmImpostazioni::store);
   show(loadBuildSettings(session).value_or(BuildSettings()));
+  sizeInCharacters(60, 9);
 }
 
 void frmImpostazioni::show(const BuildSettings& settings) {

@@ -12,8 +12,8 @@ namespace kv {
 /// The tag is "OK" when the settings have been stored.
 class frmImpostazioni final : public FormDialog {
  public:
-  /// `session` and `env` outlive the dialog.
-  frmImpostazioni(Session& session, Environment& env, QWidget* parent = nullptr);
+  /// `session` and `env` outlive the dialog. An empty `help`: no help.
+  frmImpostazioni(Session& session, Environment& env, HelpOpener help = {}, QWidget* parent = nullptr);
 
  private:
   void show(const BuildSettings& settings);

@@ -37,7 +37,7 @@ frmPG::frmPG(Session& session, Environment& env, const GatewayModule& module, co
   column->addLayout(form, 1);
   column->addWidget(buttons);
   if (module.hasTest()) showTest();
-  sizeInCharacters(70, 8);
+  sizeInCharacters(96, 8);
 }
 
 void frmPG::addField(QFormLayout& form, const AccountKey& key) {
@@ -204,6 +204,7 @@ void frmPG::showAddresses() {
   addresses_[0]->setText(toQt(shown.server));
   addresses_[1]->setText(toQt(shown.success));
   addresses_[2]->setText(toQt(shown.failure));
+  for (QLineEdit* line : addresses_) line->setCursorPosition(0);
 }
 
 void frmPG::accepted() {

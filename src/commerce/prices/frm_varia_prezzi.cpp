@@ -90,6 +90,8 @@ QWidget* frmVariaPrezzi::makePreview() {
   lstAnteprima_->verticalHeader()->hide();
   lstAnteprima_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   lstAnteprima_->verticalHeader()->setDefaultSectionSize(fontMetrics().lineSpacing() + characterPadding);
+  // Headings are whole in any font.
+  lstAnteprima_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   lstAnteprima_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
   lstAnteprima_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
   lstAnteprima_->setSortingEnabled(true);

@@ -26,7 +26,7 @@ QPushButton* addressButton(std::string_view address, int number) {
 
 }  // namespace
 
-frmP3P::frmP3P(Session& session, Environment& env, AddressOpener open, QWidget* parent)
+frmP3P::frmP3P(Session& session, Environment& env, AddressOpener open, HelpOpener help, QWidget* parent)
     : FormDialog(privacyTitle, parent), session_(session), env_(env) {
   auto* column = new QVBoxLayout(this);
   column->addWidget(wrappedText(privacyNote));
@@ -44,6 +44,7 @@ frmP3P::frmP3P(Session& session, Environment& env, AddressOpener open, QWidget* 
   }
   column->addStretch();
   QDialogButtonBox* buttons = makeButtons();
+  addHelp(buttons, std::move(help), "pagine/sito.htm");
   column->addWidget(buttons);
   connect(cmdReset, &QPushButton::clicked, this, [this] { txtP3P_->setText(toQt(defaultPrivacyPolicy)); });
   connect(buttons, &QDialogButtonBox::accepted, this, &frmP3P::store);

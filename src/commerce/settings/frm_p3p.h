@@ -17,8 +17,8 @@ class frmP3P final : public FormDialog {
  public:
   /// Opens an address in the browser.
   using AddressOpener = std::function<void(const std::string& address)>;
-  /// `session` and `env` outlive the dialog.
-  frmP3P(Session& session, Environment& env, AddressOpener open, QWidget* parent = nullptr);
+  /// `session` and `env` outlive the dialog. An empty `help`: no help.
+  frmP3P(Session& session, Environment& env, AddressOpener open, HelpOpener help = {}, QWidget* parent = nullptr);
 
  private:
   void store();  // stores and closes, or tells the failure

@@ -35,16 +35,19 @@ bool haveSameBytes(sqlite3_value* a, const void* first, sqlite3_value* b, const 
 }  // namespace
 
 Cell cellOf(sqlite3_value* value) {
-  const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
   switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
       return std::int64_t{sqlite3_value_int64(value)};
     case SQLITE_FLOAT:
       return sqlite3_value_double(value);
-    case SQLITE_TEXT:
-      return std::string(static_cast<const char*>(static_cast<const void*>(sqlite3_value_text(value))), size);
+    case SQLITE_TEXT: {
+      // Asked of a number, its size would make a text of it first.
+      const auto* text = static_cast<const char*>(static_cast<const void*>(sqlite3_value_text(value)));
+      return std::string(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+    }
     case SQLITE_BLOB: {
       const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_value_blob(value));
+      const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
       return size == 0 ? Bytes{} : Bytes(bytes, bytes + size);
     }
     default:

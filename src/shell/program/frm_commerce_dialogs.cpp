@@ -68,12 +68,12 @@ void wireCommerceDialogs(frmMain& window, Session& session, Environment& env) {
     return isOk(dialog);
   };
   dialogs.privacyPolicy = [&] {
-    frmP3P dialog(
-        session, env, [&window](const std::string& address) { window.workbench().openDocument(address); }, &window);
+    const auto open = [&window](const std::string& address) { window.workbench().openDocument(address); };
+    frmP3P dialog(session, env, open, helpOf(window), &window);
     return isOk(dialog);
   };
   dialogs.buildSettings = [&] {
-    frmImpostazioni dialog(session, env, &window);
+    frmImpostazioni dialog(session, env, helpOf(window), &window);
     return isOk(dialog);
   };
 }
