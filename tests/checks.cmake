@@ -9,6 +9,9 @@ add_test(NAME words.TheTreeKeepsToPlainWords COMMAND ${CMAKE_SOURCE_DIR}/tools/c
 add_test(NAME words.OddWordsAreFoundWhereTheyAreRead
   COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_words_test.py ${CMAKE_SOURCE_DIR})
 
+add_test(NAME host.AShopIsShownFromACopy
+  COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/view_copy_test.py ${CMAKE_SOURCE_DIR})
+
 # korvane_must_not_compile(NAME FOLDER SOURCE EXPECTED): SOURCE, compiled as a file of FOLDER, fails with the text
 # EXPECTED. The same file without KORVANE_WRONG compiles, so that it fails for no other reason.
 function(korvane_must_not_compile name folder source expected)
@@ -46,6 +49,11 @@ endif()
 file(GLOB golden_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/build/*.txt)
 add_test(NAME golden.TheWantedPartsAreWhatTheRulesGive
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/derive.py --check ${golden_cases})
+
+# The same of what the dialogs of the payment modules write; PHP reads each of these files.
+file(GLOB account_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/gateways/*.txt)
+add_test(NAME golden.TheFilledAccountsAreWhatTheRulesGive
+  COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/accounts.py --check ${account_cases})
 
 # The pictures of the program's windows.
 if(TARGET korvane-screenshots AND TARGET test_forms AND NOT KORVANE_SANITIZE)

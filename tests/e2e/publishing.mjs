@@ -7,7 +7,7 @@ import { after, test } from "node:test";
 import { Visit, openBrowser, screens } from "./support/browser.mjs";
 import { EmptySite, PublishedShop, edit, filesOf } from "./support/merchant_site.mjs";
 import { articles, departments } from "./support/model.mjs";
-import { makeShop, userBelow } from "./support/model_shop.mjs";
+import { makeShop, userOf } from "./support/model_shop.mjs";
 import { amountsIn } from "./support/money.mjs";
 import { readOptions } from "./support/options.mjs";
 import { Shopper } from "./support/shopper.mjs";
@@ -15,7 +15,7 @@ import { languages, readWords } from "./support/words.mjs";
 
 const options = readOptions();
 process.env.TMPDIR = options.work;
-const environment = userBelow(options.work);
+const environment = userOf(options.work);
 const merchant = new PublishedShop(options.cli, makeShop({ ...options, wholeWords: true, folder: options.work }), environment);
 const untouched = join(options.work, "untouched");
 cpSync(merchant.shop, untouched, { recursive: true });

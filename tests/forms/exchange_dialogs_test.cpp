@@ -4,10 +4,12 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressDialog>
 #include <QRadioButton>
 
 #include "dialog_fixture.h"
 #include "store/exchange/frm_esporta.h"
+#include "store/exchange/frm_export_progress.h"
 #include "store/exchange/frm_importa_primo.h"
 
 namespace kv {
@@ -122,6 +124,28 @@ TEST_F(TheImportDialog, EscapeReturnsNothingAndChangesNothing) {
   click(*dialog, "cmdSfoglia");
   expectEscapeLeaves(*dialog);
   EXPECT_EQ(stored("versione") == "250", false);
+}
+
+TEST(TheProgressOfAnExport, IsSeenAndCanBeCancelled) {
+  test::ScriptedUser user;
+  QWidget window;
+  ExportUser shown(user, &window);
+  EXPECT_TRUE(shown.yield()) << "before it begins there is nothing to cancel";
+  shown.progress({"Esportazione in corso...", 0, 1});
+  auto* progress = window.findChild<QProgressDialog*>(QStringLiteral("frmEsportazione"));
+  ASSERT_NE(progress, nullptr);
+  EXPECT_TRUE(progress->isVisible());
+  EXPECT_EQ(progress->labelText(), "Esportazione in corso...");
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    shown.progress({"Esportazione in corso...", 0.5, 1});
+    return progress->value() == 500;
+  }));
+  EXPECT_TRUE(shown.yield());
+  test::click(*progress, "cmdAnnulla");
+  EXPECT_FALSE(shown.yield());
+  shown.progress({});
+  EXPECT_EQ(window.findChild<QProgressDialog*>(), nullptr);
+  EXPECT_TRUE(user.shown.empty());
 }
 
 }  // namespace

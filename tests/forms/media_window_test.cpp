@@ -1,6 +1,7 @@
 // Pictures, purge, export and import from the menus of the main window, with the program's own dialogs.
 #include <QImage>
 #include <QListWidget>
+#include <QPushButton>
 #include <QTabWidget>
 
 #include "forms/wired_window.h"
@@ -71,7 +72,7 @@ TEST_F(MediaWindow, APictureFromTheDiskIsOneStepAndItsFileStaysAfterUndo) {
   EXPECT_EQ(picture(), "vaso_0001.jpg 180x90");
   EXPECT_TRUE(choose("undo"));
   EXPECT_NE(picture(), "vaso_0001.jpg 180x90");
-  EXPECT_TRUE(fileExists(shop + "/work/vaso_0001.jpg"));
+  EXPECT_TRUE(fileExists(joinPath(shop, "work/vaso_0001.jpg")));
 }
 
 TEST_F(MediaWindow, ACopiedPhotoHasTheSizesAsABrowserShowsIt) {
@@ -82,7 +83,7 @@ TEST_F(MediaWindow, ACopiedPhotoHasTheSizesAsABrowserShowsIt) {
 }
 
 TEST_F(MediaWindow, APictureOfTheShopIsTakenWithoutACopy) {
-  saveTurned(shop + "/work/altra_0003.jpg");
+  saveTurned(joinPath(shop, "work/altra_0003.jpg"));
   openOnArticle();
   choosePicture("lstNegozio", "altra_0003.jpg");
   EXPECT_EQ(picture(), "altra_0003.jpg 20x40");
@@ -90,7 +91,7 @@ TEST_F(MediaWindow, APictureOfTheShopIsTakenWithoutACopy) {
 }
 
 TEST_F(MediaWindow, ThePurgeBeginsWithANoticeOfTheFolder) {
-  ASSERT_TRUE(writeBytes(shop + "/work/LOGO.GIF", "x"));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/LOGO.GIF"), "x"));
   openWindow();
   whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"),
             [](QWidget& dialog) { QTimer::singleShot(50, &dialog, [&dialog] { dialog.close(); }); });
@@ -98,6 +99,26 @@ TEST_F(MediaWindow, ThePurgeBeginsWithANoticeOfTheFolder) {
   ASSERT_EQ(user.shown.size(), 2U);
   EXPECT_TRUE(user.shown[0].text.starts_with("Nella cartella delle immagini interne (" + shop + "/work)"));
   EXPECT_EQ(user.shown[1].text, "Ricerca terminata: non sono state trovate immagini inutilizzate");
+}
+
+TEST_F(MediaWindow, WhatIsPurgedGoesToTheTrashOfTheDesktop) {
+  const QByteArray before = qgetenv("XDG_DATA_HOME");
+  qputenv("XDG_DATA_HOME", QByteArray::fromStdString(root / "dati"));
+  ASSERT_TRUE(createFolder(root / "dati"));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile.gif"), "x"));
+  openWindow();
+  user.answers = {Answer::Yes};
+  whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"), [](QWidget& dialog) {
+    auto* all = control<QPushButton>(dialog, "cmdTutti");
+    EXPECT_TRUE(QTest::qWaitFor([all] { return all->isEnabled(); }));
+    click(dialog, "cmdTutti");
+    click(dialog, "cmdElimina");
+  });
+  EXPECT_TRUE(choose("shop.purgePictures"));
+  EXPECT_EQ(user.texts().back(), "1 file cancellati");
+  EXPECT_FALSE(fileExists(joinPath(shop, "work/inutile.gif")));
+  EXPECT_TRUE(fileExists(root / "dati/Trash/files/inutile.gif"));
+  qputenv("XDG_DATA_HOME", before);
 }
 
 TEST_F(MediaWindow, AnExportLeavesTheWindowOnTheShop) {

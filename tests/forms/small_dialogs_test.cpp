@@ -158,6 +158,20 @@ TEST_F(TheSmallDialogs, BuildSettingsKeepTheExtensionWhenTheBuildsOwnIsTyped) {
   EXPECT_EQ(stored("estensione"), ".htm");
 }
 
+TEST_F(TheSmallDialogs, LightPicturesAreOffUntilTheyAreAskedFor) {
+  {
+    frmImpostazioni dialog(session, env);
+    show(dialog);
+    EXPECT_FALSE(control<QCheckBox>(dialog, "chkLeggere")->isChecked());
+    control<QCheckBox>(dialog, "chkLeggere")->click();
+    click(dialog, "cmdOK");
+  }
+  frmImpostazioni dialog(session, env);
+  show(dialog);
+  EXPECT_TRUE(control<QCheckBox>(dialog, "chkLeggere")->isChecked());
+  EXPECT_TRUE(fileExists(shop + "/costruzione.ini"));
+}
+
 TEST_F(TheSmallDialogs, BuildSettingsAreResetWithoutBeingStored) {
   sql("UPDATE generale SET estensione = '.asp'");
   session.smartBuild = false;

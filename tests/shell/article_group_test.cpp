@@ -88,6 +88,58 @@ TEST_F(ArticleGroups, ADuplicateFollowsTheLastOfThemAndIsNotInTheShowcase) {
   EXPECT_EQ(list(), "Alba Brina Cielo");
 }
 
+TEST_F(ArticleGroups, GoToTheEndOfAnotherDepartmentWithAllTheirColumns) {
+  select({3, 1});
+  ASSERT_TRUE(session.catalogue.execute("UPDATE articoli SET inelenco = 1, immagine0 = 'vaso.jpg'"));
+  const std::string others = "SELECT ID, codice, titolo, titolo_l2, prezzo, immagine0, inelenco FROM articoli";
+  const std::string columns = inLine(others);
+  bench->SpostaInReparto(view.group, "cat003");
+  EXPECT_EQ(list(), "Brina");
+  EXPECT_EQ(inLine("SELECT ID, ordinamento FROM articoli WHERE catID = 'cat003' ORDER BY ordinamento"),
+            "4|115 1|116 3|117");
+  EXPECT_EQ(inLine(others), columns);
+  EXPECT_EQ(bench->sets().department(), "cat001");
+  EXPECT_EQ(bench->sets().article(), 2);
+  EXPECT_EQ(view.status, " Articoli: 1 /4");
+  EXPECT_TRUE(user.shown.empty());
+}
+
+TEST_F(ArticleGroups, AreMovedIntoADepartmentByOneStep) {
+  select({1, 2});
+  const std::string before = whole();
+  bench->SpostaInReparto(view.group, "cat002");
+  EXPECT_EQ(inLine("SELECT ID, ordinamento FROM articoli WHERE catID = 'cat002' ORDER BY ordinamento"), "1|1 2|2");
+  EXPECT_EQ(undoName(), "Trascina articoli");
+  undo();
+  EXPECT_EQ(whole(), before);
+  EXPECT_EQ(undoName(), "");
+  redo();
+  EXPECT_EQ(list(), "Cielo");
+}
+
+TEST_F(ArticleGroups, AreNotMovedOntoTheRootTheirOwnOrAnUnknownDepartment) {
+  select({1});
+  const std::string before = whole();
+  for (const char* refused : {"###", "cat001", "cat099", ""}) {
+    EXPECT_FALSE(bench->canMoveArticles(refused)) << refused;
+    bench->SpostaInReparto(view.group, refused);
+  }
+  EXPECT_TRUE(bench->canMoveArticles("cat002"));
+  bench->SpostaInReparto({4}, "cat002");
+  EXPECT_EQ(whole(), before) << "an article of another department is passed over";
+  EXPECT_EQ(undoName(), "");
+}
+
+TEST_F(ArticleGroups, TheLastArticleThatLeavesADepartmentLeavesNoneCurrent) {
+  start();
+  go("cat003");
+  article(0);
+  bench->SpostaInReparto({4}, "cat001");
+  EXPECT_FALSE(bench->sets().onArticle());
+  EXPECT_EQ(view.status, " Articoli: 0 /4");
+  EXPECT_FALSE(isOffered("article.delete"));
+}
+
 TEST_F(ArticleGroups, TheStatusSaysWhenTheShopWasBuiltAndWhatChangedSince) {
   start();
   go("cat001");

@@ -3,7 +3,7 @@ import argparse
 import signal
 import sys
 
-from . import host, update
+from . import host, update, view
 from .failure import HostError
 from .layout import home_of
 from .shop import prepare_shop, read_shop
@@ -21,6 +21,9 @@ a shop on this machine:
   tools/local-host start SHOP --home HOME
   tools/local-host load SHOP --home HOME
   tools/local-host stop --home HOME
+
+a look at any shop, which stays as it is; Ctrl-C ends it:
+  tools/local-host view SHOP --home HOME --cli build/dev/bin/korvane-cli
 
 HOME/mail/NNNN.eml   each mail that the shop sent
 HOME/log/php.log     what PHP complained of, with everything reported; empty is good
@@ -49,6 +52,10 @@ def parser():
     start.add_argument("--port", type=port_number, help="without it the one that the shop was prepared for")
     start.add_argument("--hold", action="store_true",
                        help="stay, and stop the host on Ctrl-C or at the end of a piped standard input")
+    look = command("view", "build a copy of a shop and serve it until Ctrl-C or the end of a piped standard input",
+                   shop=True, home=True)
+    look.add_argument("--cli", required=True, metavar="PROGRAM", help="korvane-cli, which builds the copy")
+    look.add_argument("--app", metavar="FOLDER", help="the application folder; without it the user's own")
     command("load", "have the shop load its SQL files", shop=True, home=True)
     command("status", "say what runs", home=True)
     command("stop", "stop the servers", home=True)
@@ -74,6 +81,8 @@ def run(arguments):
         for line in host.start(home, read_shop(arguments.shop), arguments.port):
             print(line, flush=True)
         return 0 if not arguments.hold or host.hold(home) else 1
+    if arguments.command == "view":
+        return 0 if view.view(arguments.shop, home, arguments.cli, arguments.app) else 1
     if arguments.command == "load":
         address = f"http://127.0.0.1:{host.running_port(home)}"
         return 0 if update.load(read_shop(arguments.shop), address) else 1

@@ -1,6 +1,7 @@
 #include "media/bitmap/dib_section.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kv {
 namespace {
@@ -45,6 +46,8 @@ bool cDIBSection::Create(int width, int height) {
 }
 
 void cDIBSection::CreateFromPicture(PixelBuffer picture) { pixels_ = std::move(picture); }
+
+PixelBuffer cDIBSection::Release() { return std::exchange(pixels_, {}); }
 
 void cDIBSection::ClearUp() { pixels_ = PixelBuffer(); }
 

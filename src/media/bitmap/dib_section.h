@@ -18,6 +18,8 @@ class cDIBSection {
   bool Create(int width, int height);
   /// Takes over a picture that was read. One without pixels leaves no bitmap.
   void CreateFromPicture(PixelBuffer picture);
+  /// Gives the picture back and leaves no bitmap.
+  PixelBuffer Release();
   /// Frees the bitmap; nothing happens when there is none.
   void ClearUp();
 

@@ -1,8 +1,9 @@
 #include "media/purge/unused_pictures.h"
 
 #include <algorithm>
-#include <set>
+#include <unordered_set>
 
+#include "media/purge/picture_mentions.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 
@@ -12,6 +13,18 @@ namespace {
 constexpr const char* noPictures = "Ricerca terminata: non sono state trovate immagini";
 constexpr const char* noneUnused = "Ricerca terminata: non sono state trovate immagini inutilizzate";
 constexpr std::string_view searching = "Ricerca immagini inutilizzate...";
+
+/// Those of the names, folded, that a file has. A shop has many more rows than pictures.
+std::unordered_set<std::string> namesAmong(const std::vector<std::string>& names,
+                                           const std::vector<std::string>& files) {
+  std::unordered_set<std::string> present, found;
+  for (const std::string& file : files) present.insert(foldCase(file));
+  for (const std::string& name : names) {
+    std::string folded = foldCase(name);
+    if (present.contains(folded)) found.insert(std::move(folded));
+  }
+  return found;
+}
 
 }  // namespace
 
@@ -30,6 +43,7 @@ bool PicturePurge::search() {
     return true;
   }
   if (!ControllaFiles(files)) return false;
+  markMentioned();
   user_.message(unused_.empty() ? std::string(noneUnused)
                                 : "Ricerca terminata: sono state trovate " + std::to_string(unused_.size()) +
                                       " immagini inutilizzate",
@@ -45,8 +59,7 @@ bool PicturePurge::ControllaFiles(const std::vector<std::string>& files) {
                   Icon::Critical);
     return false;
   }
-  std::set<std::string> known;
-  for (const std::string& name : *used) known.insert(foldCase(name));
+  const auto known = namesAmong(*used, files);
   const auto count = static_cast<double>(files.size());
   double position = 0;
   for (const std::string& name : files) {
@@ -56,6 +69,14 @@ bool PicturePurge::ControllaFiles(const std::vector<std::string>& files) {
     unused_.push_back({name, stamp ? stamp->size : 0, false});
   }
   return true;
+}
+
+void PicturePurge::markMentioned() {
+  if (unused_.empty() || !sources_.texts) return;
+  PictureMentions mentions;
+  for (const UnusedPicture& picture : unused_) mentions.lookFor(picture.name);
+  ignore(sources_.texts([&](std::string_view text) { mentions.read(text); }), "the marks are a help, no more");
+  for (UnusedPicture& picture : unused_) picture.isMentioned = mentions.isMentioned(picture.name);
 }
 
 void PicturePurge::tickAll(bool ticked) {

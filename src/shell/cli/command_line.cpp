@@ -24,7 +24,7 @@ const std::map<std::string_view, CommandRow>& commands() {
       {"check", {CliCommand::Check}},
       {"export-sql", {CliCommand::ExportSql}},
       {"new", {CliCommand::New}},
-      {"export", {CliCommand::Export, "la cartella di destinazione", {"--with="}}},
+      {"export", {CliCommand::Export, "la cartella di destinazione", {"--with=", "--zip"}}},
       {"import",
        {CliCommand::Import, "la cartella di origine", {"--dry-run", "--options=", "--variant=", "--company="}}},
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
@@ -181,7 +181,7 @@ std::string usageText() {
          "  export NEGOZIO CARTELLA\n"
          "                      esporta il negozio nella CARTELLA vuota. --with TLSRP: T il template, L i moduli\n"
          "                      linguistici, S gli script, P i tag personalizzati di tutti i negozi; R resetta le\n"
-         "                      cartelle di lavoro del negozio esportato\n"
+         "                      cartelle di lavoro del negozio esportato. --zip: nella CARTELLA un unico file .zip\n"
          "  import NEGOZIO ORIGINE\n"
          "                      sostituisce i dati del negozio con quelli del negozio Primo contenuto nella cartella\n"
          "                      ORIGINE. --dry-run: dice soltanto che cosa verrebbe importato\n"

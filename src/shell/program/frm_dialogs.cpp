@@ -27,6 +27,7 @@
 #include "store/catalogue/used_pictures.h"
 #include "store/exchange/export_shop.h"
 #include "store/exchange/frm_esporta.h"
+#include "store/exchange/frm_export_progress.h"
 #include "store/exchange/frm_importa_primo.h"
 #include "store/shop/backup_copies.h"
 #include "tags/custom/frm_tags.h"
@@ -61,8 +62,12 @@ void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
     return name;
   };
   dialogs.purgePictures = [&](const std::string& folder) {
-    frmPulisciImmagini dialog({folder, [&session] { return usedPictures(session.catalogue); }, moveToTrash}, env.user,
-                              &window);
+    PurgeSources sources{folder, [&session] { return usedPictures(session.catalogue); }, {}, moveToTrash};
+    sources.texts = [&](const TextReader& read) {
+      readTemplateTexts(joinPath(env.applicationFolder, session.templatePath), read);
+      return readAllTexts(session.catalogue, read);
+    };
+    frmPulisciImmagini dialog(std::move(sources), env.user, &window);
     return isAccepted(dialog);
   };
 }
@@ -73,7 +78,9 @@ void wireExchange(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
       frmEsporta dialog(offer, &window);
       return run(dialog);
     };
-    return EsportaNegozio(session, env, options) == ExportOutcome::Done;
+    ExportUser user(env.user, &window);
+    Environment watched{user, env.settings, env.clock, env.random, env.applicationFolder, env.hooks};
+    return EsportaNegozio(session, watched, options) == ExportOutcome::Done;
   };
   dialogs.importShop = [&] {
     const auto takeShop = [&] {

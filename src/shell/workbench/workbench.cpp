@@ -220,6 +220,18 @@ void Workbench::SpostaNodo(const std::string& key, const std::string& nuovoParen
   view_.entriesChanged();
 }
 
+bool Workbench::canMoveArticles(const std::string& department) const {
+  if (!sets_.onArticle() || department == sets_.department()) return false;
+  return std::ranges::find(sets_.tree(), department, &TreeNode::ID) != sets_.tree().end();
+}
+
+void Workbench::SpostaInReparto(const ArticleGroup& group, const std::string& department) {
+  if (!view_.finishEdits() || !canMoveArticles(department)) return;
+  const std::string step = group.size() > 1 ? "Trascina articoli" : "Trascina articolo";
+  showError(history_.record(step, [&] { return editing_.SpostaInReparto(group, department); }));
+  view_.entriesChanged();
+}
+
 Workbench::LeftField Workbench::leaveField(const Editor& editor, const std::string& text) {
   if (!isOpen()) return {};
   if (const std::string refusal = fields_.refusal(editor, text); !refusal.empty()) {

@@ -63,6 +63,11 @@ class Workbench final : private SetsListener {
   void SpostaNodo(const std::string& key, const std::string& nuovoParent);
   /// Whether the drop is allowed: not of the root, nor onto itself or one of its own descendants.
   bool canMoveNode(const std::string& key, const std::string& nuovoParent) const;
+  /// SpostaInReparto (move into a department): a drop of articles of the list on a department. Nothing where
+  /// canMoveArticles refuses.
+  void SpostaInReparto(const ArticleGroup& group, const std::string& department);
+  /// Whether the drop is allowed: not on the root, and not on the department that they are in.
+  bool canMoveArticles(const std::string& department) const;
 
   // The fields.
 

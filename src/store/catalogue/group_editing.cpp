@@ -1,7 +1,9 @@
 // The commands on several articles of the current department at once.
 
 #include <algorithm>
+#include <unordered_set>
 
+#include "platform/database/recordset.h"
 #include "platform/numbers/number_format.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
@@ -28,6 +30,30 @@ std::vector<std::int64_t> shifted(std::vector<std::int64_t> keys, const ArticleG
   }
   if (direzione > 0) std::ranges::reverse(keys);
   return keys;
+}
+
+/// Those of the keys that the group has, in the order of the keys.
+std::vector<std::int64_t> inOrder(const std::vector<std::int64_t>& keys, const ArticleGroup& group) {
+  const std::unordered_set<std::int64_t> wanted(group.begin(), group.end());
+  std::vector<std::int64_t> kept;
+  std::ranges::copy_if(keys, std::back_inserter(kept), [&](std::int64_t ID) { return wanted.contains(ID); });
+  return kept;
+}
+
+/// Hangs articles at the end of a department, in this order.
+Result<> appendTo(Database& catalogue, const std::string& department, const std::vector<std::int64_t>& articles) {
+  auto last = scalarWith(catalogue, "SELECT MAX(ordinamento) FROM articoli WHERE catID = ?", {Value(department)});
+  if (!last) return fail(last.error());
+  auto update = catalogue.prepare("UPDATE articoli SET catID = ?, ordinamento = ? WHERE ID = ?");
+  if (!update) return fail(update.error());
+  std::int64_t order = asInteger(*last);
+  for (const std::int64_t ID : articles) {
+    update->bind(1, department);
+    update->bind(2, ++order);
+    update->bind(3, ID);
+    if (auto done = update->execute(); !done) return done;
+  }
+  return {};
 }
 
 }  // namespace
@@ -99,12 +125,30 @@ Result<> TreeEditing::DuplicaArticoli(const ArticleGroup& group) {
   if (!change.begun()) return change.begun();
   auto list = readOrder(sets_.session().catalogue, articlesInOrder, Value(at->department));
   if (!list) return fail(list.error());
-  std::vector<std::int64_t> sources;
-  std::ranges::copy_if(list->keys, std::back_inserter(sources), [&](std::int64_t ID) { return holds(group, ID); });
+  const std::vector<std::int64_t> sources = inOrder(list->keys, group);
   if (sources.empty()) return {};
   auto last = insertCopies({at->department, sources.back()}, "articoli", sources);
   if (!last) return fail(last.error());
   return change.keepAndShowArticle(at->department, *last);
+}
+
+Result<> TreeEditing::SpostaInReparto(const ArticleGroup& group, const std::string& department) {
+  if (group.empty() || !sets_.onDepartment()) return {};
+  auto at = sets_.cursors();
+  if (!at) return fail(at.error());
+  Database& catalogue = sets_.session().catalogue;
+  auto known = scalarWith(catalogue, "SELECT COUNT(*) FROM categorie WHERE ID = ?", {Value(department)});
+  if (!known) return fail(known.error());
+  if (asInteger(*known) == 0 || department == at->department) return {};
+  const WaitPointer pointer(hooks_);
+  TreeChange change(sets_);
+  if (!change.begun()) return change.begun();
+  auto list = readOrder(catalogue, articlesInOrder, Value(at->department));
+  if (!list) return fail(list.error());
+  const std::vector<std::int64_t> moved = inOrder(list->keys, group);
+  if (moved.empty()) return {};
+  if (auto done = appendTo(catalogue, department, moved); !done) return done;
+  return change.keepAndShowPosition(at->department, *list->positionOf(moved.front()));
 }
 
 }  // namespace kv

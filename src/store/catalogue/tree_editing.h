@@ -102,6 +102,10 @@ class TreeEditing {
   /// DuplicaArticoli (duplicate): copies after the last of them, with all that a paste carries; the clipboard stays as
   /// it is. The last copy becomes the current article.
   Result<> DuplicaArticoli(const ArticleGroup& group);
+  /// SpostaInReparto (move into a department): hangs them at its end, in their order, with all their columns. The
+  /// current department stays, on the article after the first of them. Nothing for their own department, and for an
+  /// unknown one.
+  Result<> SpostaInReparto(const ArticleGroup& group, const std::string& department);
 
   /// SpostaNodo (move a node): hangs a department under another, or under the root. Refused, without a word: onto
   /// itself or onto its own descendant. All departments take the order numbers of the tree that results.

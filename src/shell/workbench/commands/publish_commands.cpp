@@ -25,7 +25,7 @@ void publish(const CommandContext& context) {
     return;
   }
   const WorkbenchDialogs& dialogs = context.ports.dialogs;
-  if (dialogs.publishOptions() && dialogs.publish) static_cast<void>(dialogs.publish());
+  if (dialogs.publishOptions() && dialogs.publish) ignore(dialogs.publish(), "the dialog has told how it ended");
 }
 
 void openBackOffice(const CommandContext& context) {
