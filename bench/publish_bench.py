@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
-"""publish_bench.py KORVANE_CLI [--quick]: a publish to pyftpdlib on loopback beside `lftp mirror -R`, over one connection
-and over four.
+"""publish_bench.py KORVANE_CLI [--quick]: a publish to pyftpdlib beside `lftp mirror -R`, over one connection and over
+four, on loopback and with 20 ms to and fro.
 
-The folder holds the model shop and 2,000 files of 8 KiB (--quick: 200). Three runs each: all of it, nothing changed, 5 %
-changed. Seconds; those of korvane-cli include making the SQL files and asking a host that isn't there to load them.
+The folder holds the model shop and 2,000 files of 8 KiB (--quick: 200, with the distance 60). Three runs each: all of it,
+nothing changed, 5 % changed. Seconds; those of korvane-cli include making the SQL files and asking a host that isn't there
+to load them. With the distance, what was sent is sent once more by a bare script: DELE, EPSV, STOR.
 """
 import os
 import pathlib
 import random
 import shutil
+import socket
 import sqlite3
 import subprocess
 import sys
@@ -17,10 +19,51 @@ import time
 
 SOURCES = pathlib.Path(__file__).resolve().parents[1]
 sys.path.insert(0, str(SOURCES / "tests/servers"))
-from ftp_servers import PASSWORD, USER, FtpServer  # noqa: E402  (the path above comes first)
+from distant_server import DistantServer  # noqa: E402  (the path above comes first)
+from ftp_servers import PASSWORD, USER, FtpServer  # noqa: E402
 
 FILE_SIZE = 8192
 FOLDERS = ("online", "scripts")
+DISTANCE = 0.02  # seconds to and fro
+DISTANT_FILES = 60
+
+
+class BareScript:
+    """The least that an upload over FTP takes when the old file is deleted first: no client around it."""
+
+    def __init__(self, port):
+        self.control = socket.create_connection(("127.0.0.1", port))
+        self.replies = self.control.makefile("rb")
+        self.reply()
+
+    def reply(self):
+        while True:
+            line = self.replies.readline()
+            if line[3:4] == b" ":
+                return line
+
+    def command(self, text):
+        self.control.sendall(text.encode() + b"\r\n")
+        return self.reply()
+
+    def store(self, path):
+        self.command("DELE " + path.name)
+        port = int(self.command("EPSV").split(b"|||")[1].split(b"|")[0])
+        with socket.create_connection(("127.0.0.1", port)) as data:
+            self.command("STOR " + path.name)
+            data.sendall(path.read_bytes())
+        self.reply()
+
+    def send(self, folders):
+        begin = time.monotonic()
+        for command in ("USER " + USER, "PASS " + PASSWORD, "TYPE I"):
+            self.command(command)
+        for name, paths in folders.items():
+            self.command("CWD /" + name)
+            for path in paths:
+                self.store(path)
+        self.command("QUIT")
+        return time.monotonic() - begin
 
 
 class Bench:
@@ -43,6 +86,14 @@ class Bench:
     def write(self, numbers):
         for number in numbers:
             (self.shop / ("online/misura%05d.bin" % number)).write_bytes(self.chance.randbytes(FILE_SIZE))
+
+    def send_bare(self, server):
+        """Sends what the last publish has sent."""
+        table = sqlite3.connect(self.shop / "kvftp.mdb")
+        keys = [row[0].split("/")[1:] for row in table.execute("SELECT nome FROM file")]
+        table.close()
+        return BareScript(server.port).send({name: [self.shop / name / key[1] for key in keys if key[0] == name]
+                                             for name in FOLDERS})
 
     def publish(self, server, connections):
         catalogue = sqlite3.connect(self.shop / "catalog.mdb")
@@ -67,25 +118,50 @@ class Bench:
         subprocess.run(["lftp", "-c", script], check=True, capture_output=True, stdin=subprocess.DEVNULL)
         return time.monotonic() - begin
 
-    def measure(self, connections):
-        homes = [self.folder / ("%s%d" % (name, connections)) for name in ("korvane", "lftp")]
+    def empty_homes(self):
+        """Folders for two servers without a file, of which the shop remembers nothing."""
+        homes = [self.folder / name for name in ("korvane", "lftp")]
         for home in homes:
+            shutil.rmtree(home, ignore_errors=True)
             for name in FOLDERS:
                 (home / name).mkdir(parents=True)
         table = sqlite3.connect(self.shop / "kvftp.mdb")
         with table:
             table.execute("DELETE FROM file")
         table.close()
+        return homes
+
+    def measure(self, connections):
+        homes = self.empty_homes()
         with FtpServer("pyftpdlib", homes[0]) as ours, FtpServer("pyftpdlib", homes[1]) as theirs:
-            for name in ("all", "nothing changed", "5 % changed"):
-                if name.startswith("5"):
-                    self.write(range(0, self.files, 20))
-                seconds = self.publish(ours, connections), self.mirror(theirs, connections)
-                for home in homes:
-                    if len(list((home / "online").glob("misura*.bin"))) != self.files:
-                        raise SystemExit("%s does not hold all files" % home)
-                print("publish, %d connections, %-16s %6.2f s   lftp %6.2f s   ratio %.2f"
-                      % (connections, name, *seconds, seconds[0] / seconds[1]), flush=True)
+            self.compare(homes, (ours, theirs), connections, "")
+
+    def measure_distant(self, connections):
+        homes = self.empty_homes()
+        with FtpServer("pyftpdlib", homes[0]) as one, FtpServer("pyftpdlib", homes[1]) as other, \
+                DistantServer(one.port, DISTANCE) as ours, DistantServer(other.port, DISTANCE) as theirs:
+            self.compare(homes, (ours, theirs), connections, " 20 ms away")
+
+    def compare(self, homes, servers, connections, where):
+        for name in ("all", "nothing changed", "5 % changed"):
+            if name.startswith("5"):
+                self.write(range(0, self.files, 20))
+            seconds = self.publish(servers[0], connections), self.mirror(servers[1], connections)
+            for home in homes:
+                if len(list((home / "online").glob("misura*.bin"))) != self.files:
+                    raise SystemExit("%s does not hold all files" % home)
+            print("publish%s, %d connections, %-16s %6.2f s   lftp %6.2f s   ratio %.2f"
+                  % (where, connections, name, *seconds, seconds[0] / seconds[1]), flush=True)
+            if where and name == "all" and connections == 1:
+                bare = self.send_bare(servers[0])
+                print("publish%s, %d connections, %-16s %6.2f s   bare %6.2f s   ratio %.2f"
+                      % (where, connections, name, seconds[0], bare, seconds[0] / bare), flush=True)
+
+    def thin_out(self, files):
+        """Leaves so many of the files that were written."""
+        for number in range(files, self.files):
+            (self.shop / ("online/misura%05d.bin" % number)).unlink()
+        self.files = min(self.files, files)
 
 
 def main():
@@ -95,6 +171,9 @@ def main():
         bench.prepare()
         for connections in (1, 4):
             bench.measure(connections)
+        bench.thin_out(DISTANT_FILES)
+        for connections in (1, 4):
+            bench.measure_distant(connections)
     finally:
         shutil.rmtree(folder)
 

@@ -104,6 +104,7 @@ void expectLeft(frmFTP& dialog, ScriptedFtpServer& server, const std::function<v
   QObject::connect(&poll, &QTimer::timeout, &dialog, [&] {
     if (server.commands("STOR").empty()) return;
     poll.stop();
+    test::keepPicture(dialog, "ftp_running");
     leave();
     EXPECT_FALSE(control<QPushButton>(dialog, "cmdAnnulla")->isEnabled());
     EXPECT_EQ(control<QLabel>(dialog, "lblStato")->text(), "Annullamento in corso...");

@@ -1,4 +1,6 @@
 // A publish run against a server that does its part: what is sent, in which order, and what is told.
+#include <unistd.h>
+
 #include "publish_fixture.h"
 
 namespace kv {
@@ -41,6 +43,23 @@ TEST_F(APublishRun, OfAnUnchangedShopSendsNothingAndOpensNoDataConnection) {
                                       "CWD cgi", "QUIT"}));
   EXPECT_EQ(report.sent, 0);
   EXPECT_EQ(report.skipped, 2);
+}
+
+TEST_F(APublishRun, SaysNoMoreForTenThousandFilesThatTheServerHas) {
+  write("online/p0.htm", "pagina");
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  for (int i = 1; i < 10'000; ++i) {
+    ASSERT_EQ(::link((root / "online/p0.htm").c_str(), (root / "online/p" + std::to_string(i) + ".htm").c_str()), 0);
+  }
+  auto table = Database::open(root / "kvftp.mdb", OpenMode::Shared);
+  ASSERT_TRUE(table &&
+              table->execute("WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n WHERE i < 9999) "
+                             "INSERT INTO file (nome, data, peso) SELECT replace(nome, 'p0.htm', 'p' || i || "
+                             "'.htm'), data, peso FROM n, file"));
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  EXPECT_EQ(report.skipped, 10'000);
+  EXPECT_LE(server.commands().size(), 8U);
+  EXPECT_EQ(server.commands("EPSV").size() + server.commands("PASV").size(), 0U);
 }
 
 TEST_F(APublishRun, SendsAFileThatIsNewerAndNoneWithAnEqualOrOlderTime) {

@@ -20,7 +20,7 @@ from ftp_servers import PASSWORD, USER, FaultyGate, FtpServer  # noqa: E402  (th
 from mariadb_round_trip import RoundTrip  # noqa: E402
 from online_update import Host  # noqa: E402
 from served_shop import ServedShop  # noqa: E402
-from ssh_and_socks import Dante, Microsocks, SshServer  # noqa: E402
+from ssh_and_socks import AskingSshServer, Dante, Microsocks, SshServer  # noqa: E402
 
 KORVANE = ""
 WALK_ROUNDS = int(os.environ.get("KORVANE_TEST_ROUNDS", "5"))
@@ -147,6 +147,17 @@ class Publishing(unittest.TestCase):
             (self.shop / "kvftp.ini").write_text("SAFE: 1\r\nCONN: 3\r\n")
             again = self.assert_published()
             self.assertLess(len(again), len(first) / 2)
+
+    def test_an_ssh_server_that_asks_for_the_password_gets_it_as_the_answer(self):
+        with AskingSshServer(self.live.shop) as server:
+            self.point_at(server, PROT=1)
+            # No folder to publish to: who is told so is in.
+            self.change("UPDATE generale SET folderFTP = 'manca'")
+            (self.live.work / "config/korvane/known_hosts").unlink(missing_ok=True)
+            done = self.korvane("publish", "--answer", "yes", "--answer", "no")
+            self.assertEqual(done.returncode, 1, done.stderr)
+            self.assertIn("La cartella specificata (manca)", done.stderr)
+            self.assertNotIn(PASSWORD, (self.shop / "kvftp1.log").read_text("cp1252") + done.stderr)
 
     def test_through_socks_servers(self):
         with FtpServer("pyftpdlib", self.live.shop) as server, Dante() as open_proxy, Microsocks() as proxy:

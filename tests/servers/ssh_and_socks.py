@@ -3,7 +3,7 @@ import os
 import pathlib
 import subprocess
 
-from ftp_servers import PASSWORD, USER, hashed_password
+from ftp_servers import PASSWORD, USER, hashed_password, python_with
 from own_server import OwnServer, program
 
 SSHD = """
@@ -17,6 +17,25 @@ PasswordAuthentication yes
 KbdInteractiveAuthentication no
 StrictModes no
 Subsystem sftp internal-sftp
+"""
+
+ASKING = """
+import asyncio, sys, asyncssh
+port, home, user, password = sys.argv[1:]
+class Asking(asyncssh.SSHServer):
+    def password_auth_supported(self):
+        return False
+    def kbdint_auth_supported(self):
+        return True
+    def get_kbdint_challenge(self, name, language, methods):
+        return "", "", "", [("Password: ", False)]
+    def validate_kbdint_response(self, name, answers):
+        return name == user and list(answers) == [password]
+async def serve():
+    await asyncssh.create_server(Asking, "127.0.0.1", int(port), server_host_keys=[asyncssh.generate_private_key(
+        "ecdsa-sha2-nistp256")], sftp_factory=lambda chan: asyncssh.SFTPServer(chan, chroot=home.encode()))
+    await asyncio.Event().wait()
+asyncio.run(serve())
 """
 
 # SOCKS 4 and 5 for anybody on this machine.
@@ -55,6 +74,19 @@ class SshServer(OwnServer):
     def environment(self):
         lists = {"NSS_WRAPPER_" + name.upper(): str(self.folder / name) for name in ("passwd", "group", "shadow")}
         return dict(os.environ, LD_PRELOAD="libnss_wrapper.so", **lists)
+
+
+class AskingSshServer(OwnServer):
+    """A server of SFTP that takes no password but asks for it (keyboard-interactive, RFC 4256)."""
+
+    def __init__(self, home):
+        super().__init__()
+        self.home = home
+
+    def words(self):
+        (self.folder / "server.py").write_text(ASKING)
+        return [python_with("asyncssh"), "-W", "ignore", self.folder / "server.py", str(self.port), str(self.home), USER,
+                PASSWORD]
 
 
 class Dante(OwnServer):

@@ -208,7 +208,7 @@ TransferCompletion FtpTransfer::list() {
 TransferCompletion FtpTransfer::quit() {
   if (!session_.control.isOpen()) return {};
   const int seconds = std::min(leavingSeconds, session_.settings.silenceSeconds);
-  const auto completion = run(seconds, [this](Patience& patience) -> Result<std::string> {
+  auto completion = run(seconds, [this](Patience& patience) -> Result<std::string> {
     if (auto left = session_.control.command("QUIT", patience); !left) return fail(left.error());
     return std::string();
   });

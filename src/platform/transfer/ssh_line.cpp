@@ -48,6 +48,7 @@ void* resizeForSession(void* memory, std::size_t size, void** abstract) {
 }
 
 /// Answers each question of the server with the password: the one that there is asks for it.
+// NOLINTNEXTLINE(readability-function-size): the library says which parameters there are
 void answerWithPassword(const char* /*name*/, int /*nameLength*/, const char* /*instruction*/,
                         int /*instructionLength*/, int count, const LIBSSH2_USERAUTH_KBDINT_PROMPT* /*prompts*/,
                         LIBSSH2_USERAUTH_KBDINT_RESPONSE* responses, void** abstract) {

@@ -62,7 +62,7 @@ frmFirewall::frmFirewall(std::string shopFolder, UserPort& user, Verifier verify
 QWidget* frmFirewall::makeConnection() {
   auto* group = new QGroupBox(toQt("Connessione"));
   auto* form = new QFormLayout(group);
-  cboProtocollo_ = addNames(*form, "P&rotocollo:", "cboProtocollo", protocolNames);
+  cboProtocollo_ = addNames(*form, "Protoco&llo:", "cboProtocollo", protocolNames);
   connect(cboProtocollo_, &QComboBox::activated, this, &frmFirewall::changeProtocol);
   optPassiva_ = named(new QRadioButton(toQt("Connessione &passiva (usa PASV)")), "optPassiva");
   optAttiva_ = named(new QRadioButton(toQt("Connessione &attiva (usa PORT)")), "optAttiva");

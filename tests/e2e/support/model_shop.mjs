@@ -16,7 +16,7 @@ function adjustments({ template, wholeWords }) {
 }
 
 /** Runs a program; its output is of interest only when it fails. */
-function run(program, words, environment) {
+export function run(program, words, environment) {
   try {
     return execFileSync(program, words, { env: environment, encoding: "utf8", stdio: ["ignore", "pipe", "pipe"] });
   } catch (error) {
@@ -25,7 +25,7 @@ function run(program, words, environment) {
 }
 
 /** The folders of a user who has only this shop. */
-function userOf(folder) {
+export function userOf(folder) {
   return { ...process.env, XDG_DATA_HOME: join(folder, "data"), XDG_CONFIG_HOME: join(folder, "config") };
 }
 
@@ -79,6 +79,9 @@ export class Host {
   }
 
   async stop() {
+    if (this.process.exitCode !== null) {
+      return;
+    }
     const ended = new Promise((done) => this.process.once("exit", done));
     this.process.stdin.end();
     await ended;
@@ -87,14 +90,19 @@ export class Host {
 
 /** Starts the servers, which end with this program however it ends, and loads the shop's database. */
 export async function serve(shop, home) {
+  const host = await startHost(shop, home);
+  run(localHost, ["load", shop, "--home", home], process.env);
+  return host;
+}
+
+/** Starts the servers with an empty database. */
+export async function startHost(shop, home) {
   const started = spawn(localHost, ["start", shop, "--home", home, "--hold"], { stdio: ["pipe", "pipe", "inherit"] });
   const lines = [];
   for await (const line of createInterface({ input: started.stdout })) {
     lines.push(line);
     if (line.startsWith("mail ")) {
-      const host = new Host(started, home, lines);
-      run(localHost, ["load", shop, "--home", home], process.env);
-      return host;
+      return new Host(started, home, lines);
     }
   }
   throw new Error("tools/local-host did not start");
