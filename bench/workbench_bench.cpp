@@ -56,7 +56,23 @@ struct Span {
   double wall = 0, cpu = 0;
 };
 
-enum Figure { Open, Department, Article, Key, Leave, Insert, Crowded, Drag, Undo, Paste, Language, Floor, FigureCount };
+enum Figure {
+  Open,
+  Department,
+  Article,
+  Key,
+  Leave,
+  Insert,
+  Crowded,
+  Drag,
+  Undo,
+  Paste,
+  Language,
+  Filter,
+  Sort,
+  Floor,
+  FigureCount
+};
 constexpr std::array<const char*, FigureCount> names{"open",
                                                      "to the largest department",
                                                      "to the next article",
@@ -68,6 +84,8 @@ constexpr std::array<const char*, FigureCount> names{"open",
                                                      "undo the drag",
                                                      "paste the largest department",
                                                      "change the language",
+                                                     "a character into the filter",
+                                                     "sort the list by price",
                                                      "floor of the opening"};
 using Figures = std::array<Span, FigureCount>;
 
@@ -148,6 +166,7 @@ class OpenWorkbench {
     window_.activateWindow();
     paint();
     walk(figures);
+    arrange(figures);
     edit(figures);
     drag(figures);
     paste(figures);
@@ -184,6 +203,24 @@ class OpenWorkbench {
       });
       if (paints_.take() < steps) std::abort();
       keepFaster(figures[Article], {all.wall / steps, all.cpu / steps});
+    }
+  }
+
+  void arrange(Figures& figures) {
+    auto* filter = window_.findChild<QLineEdit*>(QStringLiteral("txtFiltro"));
+    const auto show = [this](const kv::ArticleArrangement& arrangement) {
+      window_.articles().arrange(arrangement);
+      paint();
+    };
+    for (int i = 0; i < times; ++i) {
+      filter->clear();
+      keepFaster(figures[Filter], spanOf([filter] {
+                   filter->setText(QStringLiteral("1"));
+                   paint();
+                 }));
+      filter->clear();
+      keepFaster(figures[Sort], spanOf([&show] { show({kv::ArticleArrangement::By::Price, true, "", false}); }));
+      show({});
     }
   }
 
@@ -317,12 +354,16 @@ void judge(const Size& size, const Figures& figures) {
     double seconds;
   };
   std::printf("  bars at %d articles\n", size.articles);
-  for (const Bar& bar : {Bar{Open, 2}, Bar{Department, 0.15}, Bar{Article, 0.016}, Bar{Key, 0.016}, Bar{Leave, 0.05},
-                         Bar{Insert, 0.15}, Bar{Crowded, 0.5}, Bar{Drag, 0.5}, Bar{Undo, 0.5}, Bar{Paste, 1}}) {
+  for (const Bar& bar :
+       {Bar{Open, 2}, Bar{Department, 0.15}, Bar{Article, 0.016}, Bar{Key, 0.016}, Bar{Leave, 0.05}, Bar{Insert, 0.15},
+        Bar{Crowded, 0.5}, Bar{Drag, 0.5}, Bar{Undo, 0.5}, Bar{Paste, 1}, Bar{Filter, 0.1}, Bar{Sort, 0.1}}) {
     const double ratio = figures[bar.figure].wall / bar.seconds;
     std::printf("    %s: %.2f of %.0f ms %s\n", names[bar.figure], ratio, bar.seconds * milli, verdict(ratio < 1));
   }
   std::printf("    open / its floor: %.2f\n", figures[Open].wall / figures[Floor].wall);
+  rusage children{};
+  getrusage(RUSAGE_CHILDREN, &children);
+  std::printf("    most memory of a run: %ld MB\n", children.ru_maxrss / 1024);
 }
 
 }  // namespace

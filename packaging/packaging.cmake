@@ -94,6 +94,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS qt6-translations-l10n)
 # xdg-open shows pages and addresses in the user's browser; the plug-in is for desktops without an X server.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, qt6-wayland")
+# For "Vedi il negozio", which tells how to get them.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3, php-fpm, php-mysql, nginx, mariadb-server")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -137,8 +137,10 @@ TEST(ArticlePriceTest, TheSecondCurrencyIsThePriceDividedByTheRate) {
   second.secondCurrency = true;
   second.exchangeRate = 0.5F;
   EXPECT_EQ(texts(second, {money("10"), {}, 0.0F, 1.0F}).cambio, "USD 20,00");
-  second.exchangeRate = 0;
-  EXPECT_EQ(texts(second, {money("10"), {}, 0.0F, 1.0F}).cambio, "");
+  for (const float none : {0.0F, -2.0F}) {
+    second.exchangeRate = none;
+    EXPECT_EQ(texts(second, {money("10"), {}, 0.0F, 1.0F}).cambio, "") << none;
+  }
 }
 
 TEST(ArticlePriceTest, AnAmountBeyondTheRangeOfMoneyHasNoTexts) {
@@ -155,6 +157,14 @@ TEST(ArticlePriceTest, TheShopFactorIgnoresADiscountOutOfRange) {
   EXPECT_EQ(shopFactor("-1"), 1.0F);
   EXPECT_EQ(shopFactor(""), 1.0F);
   EXPECT_EQ(discountFactor(10.0F, 0.5F), 0.45F);
+}
+
+TEST(ArticlePriceTest, ANegativeDiscountOfADepartmentIsASurcharge) {
+  EXPECT_EQ(discountFactor(-10.0F, 1.0F), 1.1F);
+  EXPECT_EQ(discountFactor(-10.0F, 0.5F), 0.55F);
+  const PriceTexts made = texts(rules(), {money("100"), {}, 0.0F, discountFactor(-10.0F, 1.0F)});
+  EXPECT_EQ(made.prezzo, "EUR 110,00");
+  EXPECT_EQ(made.listino, "<strike>EUR 100,00</strike>");
 }
 
 }  // namespace

@@ -170,6 +170,18 @@ TEST(ShowcaseTest, WithOneArticleAPageTheSingleArticleLinkChangesNothing) {
   EXPECT_THAT(shop.page("index.php"), HasSubstr("<a href=\"cat002.php?n=1&prod=1\"></a>"));
 }
 
+TEST(ShowcaseTest, ATemplatesOwnCellLinksToTheOneArticleWhereTheSettingSaysSo) {
+  TempShop shop;
+  shop.sql("UPDATE generale SET singleitem_vet=1");
+  shop.application("template/prova/kvan_vet.ini", "<p id=\"#\">%link</p>");
+  shop.department("cat001");
+  shop.article("cat001", {{"inelenco", true}});
+  shop.templateFile("index.htm", "<<1-vetrina>>");
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  EXPECT_THAT(shop.page("index.php"), HasSubstr("<p id=\"#\">cat001.php?n=1&prod=1</p>"))
+      << "the template's own # stays";
+}
+
 TEST(ShowcaseTest, ATemplatesOwnCellHasItsPlaceholdersFilled) {
   TempShop shop;
   shop.application("template/prova/kvan_vet.ini",

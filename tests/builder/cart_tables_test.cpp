@@ -15,8 +15,8 @@ using ::testing::HasSubstr;
 class CartTablesTest : public ::testing::Test {
  protected:
   FieldRow row(const std::string& table) {
-    auto query = *shop.session.catalogue.prepare("SELECT * FROM " + table);
-    EXPECT_TRUE(*query.step());
+    auto query = shop.session.catalogue.prepare("SELECT * FROM " + table).value();
+    EXPECT_TRUE(query.step().value_or(false));
     return FieldRow(query);
   }
   FieldRow pagamento() { return row("pagamento"); }

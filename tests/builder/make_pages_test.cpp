@@ -339,6 +339,14 @@ TEST(MakePagesTest, TheNewTokenNamesTheMarkerAndTheSettingsRow) {
   EXPECT_EQ(asText(*shop.session.catalogue.scalar("SELECT db_security FROM generale")), "abcdefghijklmnopqrst");
 }
 
+TEST(MakePagesTest, TheBackOfficeHasTheFunctionsOfTheFirstLanguageInEveryShop) {
+  TempShop shop(2);
+  shop.department("cat001");
+  shop.application("backoffice/aiuto.htm", "<p>x</p>");
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  EXPECT_EQ(shop.scriptPage("aiuto.htm"), "<?php\r\ninclude(\"funcs.php\");\r\n$Lingua = \"\";\r\n?>\r\n<p>x</p>\r\n");
+}
+
 TEST(MakePagesTest, TheShopsCodeBeatsTheApplications) {
   TempShop shop;
   shop.application("code/a.js", "programma");

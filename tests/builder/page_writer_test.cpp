@@ -73,6 +73,21 @@ TEST_F(PageWriterTest, APlainPageGetsThePrologueAndTheMark) {
             "content=\"Korvane " KORVANE_VERSION "\">\r\n<title>x</title></html>\r\n");
 }
 
+TEST_F(PageWriterTest, APageOfTheLongExtensionGetsPrologueAndMarkTooInAnyCase) {
+  for (const char* name : {"a.html", "A.HTML", "A.HTM"}) {
+    const std::string page = make(name, "<html><title>x</title></html>", "a.php");
+    EXPECT_THAT(page, StartsWith("<?php\r\ninclude(\"funcs.php\");\r\n$Lingua = \"\";\r\n?>\r\n<html>")) << name;
+    EXPECT_THAT(page, HasSubstr(generatorMark(false) + "\r\n<title>")) << name;
+  }
+}
+
+TEST_F(PageWriterTest, APageWhoseNameHoldsThatOfTheResultPageHasNoPrologue) {
+  for (const char* name : {"results.html", "MyResults.htm", "results.htm.htm"}) {
+    EXPECT_EQ(make(name, "<b>x</b>", "made.php"), "<b>x</b>\r\n") << name;
+  }
+  EXPECT_THAT(make("result.htm", "<b>x</b>", "made.php"), StartsWith("<?php"));
+}
+
 TEST_F(PageWriterTest, APageThatStartsWithTextHasNoLineEndAfterThePrologue) {
   EXPECT_THAT(make("a.htm", "testo", "a.php"), EndsWith("?>testo\r\n"));
 }
@@ -117,7 +132,7 @@ TEST_F(PageWriterTest, OldPhpNamesPassThroughUnlessTheSettingIsOn) {
   sources.newPhpNames = true;
   EXPECT_EQ(make("c.php", "$HTTP_GET_VARS $HTTP_POST_FILES $HTTP_ENV_VARS", "b.php"), "$_GET $_FILES $_ENV\r\n");
   ASSERT_TRUE(makeDepartment("$HTTP_GET_VARS<KV_START><KV_END>", "cat001.php?n=1", 1));
-  const std::string page = *readText(folder / "cat001.php");
+  const std::string page = readText(folder / "cat001.php").value();
   EXPECT_THAT(page, HasSubstr("$sp = $HTTP_GET_VARS['n'];"));
   EXPECT_THAT(page, HasSubstr("$_GET<?php\r\n$Contatore"));
 }
@@ -126,7 +141,7 @@ TEST_F(PageWriterTest, ADepartmentPageIsPrologueLoopAndEpilogue) {
   ASSERT_TRUE(
       makeDepartment("<html><TITLE>t<kv_start>[<<2-titolo>>|<<2-nonesiste>>]<Kv_End></html>", "cat001.php?n=1", 2));
   EXPECT_EQ(
-      *readText(folder / "cat001.php"),
+      readText(folder / "cat001.php").value(),
       "<?php\r\n"
       "include(\"funcs.php\");\r\n"
       "$sp = $HTTP_GET_VARS['n'];\r\n"
@@ -177,7 +192,7 @@ TEST_F(PageWriterTest, ADepartmentPageIsPrologueLoopAndEpilogue) {
 
 TEST_F(PageWriterTest, ADepartmentWithoutArticlesKeepsAnEmptySection) {
   ASSERT_TRUE(makeDepartment("a<KV_START><<2-titolo>><KV_END>b", "cat001.php?n=1", 0));
-  EXPECT_THAT(*readText(folder / "cat001.php"), HasSubstr("$prod == $Contatore) {\r\n?>\r\n<?php\r\n}\r\n"));
+  EXPECT_THAT(readText(folder / "cat001.php").value(), HasSubstr("$prod == $Contatore) {\r\n?>\r\n<?php\r\n}\r\n"));
 }
 
 TEST_F(PageWriterTest, FurtherSubPagesAddRowsAndNoFile) {
@@ -260,7 +275,7 @@ TEST_F(PageWriterTest, AFileOfLineEndsAloneIsReplacedByAnEmptyPage) {
 TEST_F(PageWriterTest, CharactersOutsideTheCodePageAreWrittenAsReferences) {
   row.set("negozio", "caffè € \u20AA");
   make("a.js", "<<1-negozio>>", "b.js");
-  EXPECT_EQ(*readBytes(folder / "b.js"), "caff\xE8 \x80 &#8362;\r\n");
+  EXPECT_EQ(readBytes(folder / "b.js").value(), "caff\xE8 \x80 &#8362;\r\n");
 }
 
 TEST_F(PageWriterTest, APagesRootAndNumberAreReadFromItsPath) {

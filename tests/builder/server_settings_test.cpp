@@ -17,8 +17,8 @@ using ::testing::Not;
 class ServerSettingsTest : public ::testing::Test {
  protected:
   std::string globals() {
-    auto query = *shop.session.catalogue.prepare("SELECT * FROM generale");
-    EXPECT_TRUE(*query.step());
+    auto query = shop.session.catalogue.prepare("SELECT * FROM generale").value();
+    EXPECT_TRUE(query.step().value_or(false));
     const FieldRow generale(query);
     return phpGlobals(generale, CurrencyForm(generale), shopFactor(generale.text("sconto")),
                       shop.applicationFolder() + "/template/prova");

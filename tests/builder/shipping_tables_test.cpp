@@ -18,8 +18,8 @@ using ::testing::HasSubstr;
 class ShippingTablesTest : public ::testing::Test {
  protected:
   FieldRow pagamento() {
-    auto query = *shop.session.catalogue.prepare("SELECT * FROM pagamento");
-    EXPECT_TRUE(*query.step());
+    auto query = shop.session.catalogue.prepare("SELECT * FROM pagamento").value();
+    EXPECT_TRUE(query.step().value_or(false));
     return FieldRow(query);
   }
   Result<AmountTables> readAmounts() { return MakeImporti(shop.session.catalogue, pagamento(), {form, aliquota}); }

@@ -19,9 +19,8 @@ class BulkFixture : public ::testing::Test {
  protected:
   BulkFixture() {
     std::filesystem::copy_file(model(), root / "catalog.mdb");
-    auto opened = Database::open(root / "catalog.mdb", OpenMode::Scratch);
-    EXPECT_TRUE(opened);
-    catalogue = std::move(*opened);
+    auto opened = Database::open(root / "catalog.mdb", OpenMode::Scratch).value();
+    catalogue = std::move(opened);
   }
   void sql(const std::string& statements) {
     const auto done = catalogue.execute(statements);
@@ -48,10 +47,10 @@ class BulkFixture : public ::testing::Test {
     const std::string path = folder / "catalog.mdb";
     if (std::filesystem::exists(path)) return path;
     EXPECT_TRUE(createDatabase(path, catalogueTables()));
-    auto made = Database::open(path, OpenMode::Shared);
+    auto made = Database::open(path, OpenMode::Shared).value();
     EXPECT_TRUE(
-        made->execute("INSERT INTO generale (versione) VALUES (1002); INSERT INTO pagamento (selezionato) "
-                      "VALUES (1); INSERT INTO opzioni (ID, nome) VALUES (1, '(nessuna)')"));
+        made.execute("INSERT INTO generale (versione) VALUES (1002); INSERT INTO pagamento (selezionato) "
+                     "VALUES (1); INSERT INTO opzioni (ID, nome) VALUES (1, '(nessuna)')"));
     return path;
   }
 };

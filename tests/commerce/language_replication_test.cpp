@@ -193,16 +193,16 @@ class ReplicatingRandomTexts : public ReplicatingALanguage {
   std::size_t checkTable(Database& before, const char* table) {
     std::size_t changed = 0;
     const std::string query = std::string("SELECT * FROM ") + table;
-    auto old = before.prepare(query);
-    auto now = catalogue.prepare(query);
-    while (*old->step() && *now->step()) {
-      for (int i = 0; i < now->columnCount(); ++i) {
-        const std::string name(now->columnName(i));
-        if (old->isNull(i) == now->isNull(i) && old->text(i) == now->text(i)) continue;
+    auto old = before.prepare(query).value();
+    auto now = catalogue.prepare(query).value();
+    while (old.step().value() && now.step().value()) {
+      for (int i = 0; i < now.columnCount(); ++i) {
+        const std::string name(now.columnName(i));
+        if (old.isNull(i) == now.isNull(i) && old.text(i) == now.text(i)) continue;
         ++changed;
         const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(wanted.destination - 1)];
         EXPECT_TRUE(name.ends_with(suffix)) << name;
-        EXPECT_TRUE(!wanted.onlyEmpty || old->text(i).empty()) << name;
+        EXPECT_TRUE(!wanted.onlyEmpty || old.text(i).empty()) << name;
       }
     }
     return changed;
@@ -222,7 +222,7 @@ TEST_F(ReplicatingRandomTexts, ChangesWhatThePreviewCountsNoFilledFieldUnlessAsk
     if (wanted.parts == std::array<bool, 4>{}) wanted.parts[0] = true;
     const std::string copy = root / ("copy" + std::to_string(round));
     ASSERT_TRUE(catalogue.compactTo(copy));
-    auto before = Database::open(copy, OpenMode::Shared);
+    auto before = Database::open(copy, OpenMode::Shared).value();
     const auto count = countReplication(catalogue, wanted);
     ASSERT_TRUE(count);
     user.answers = {Answer::Yes};
@@ -231,12 +231,12 @@ TEST_F(ReplicatingRandomTexts, ChangesWhatThePreviewCountsNoFilledFieldUnlessAsk
     ASSERT_EQ(run(), BulkEnd::Done);
     std::size_t changed = 0;
     for (const char* table : {"generale", "pagamento", "categorie", "articoli", "opzioni", "dettagliop"}) {
-      changed += checkTable(*before, table);
+      changed += checkTable(before, table);
     }
     EXPECT_EQ(changed, count->fields);
-    const auto again = countReplication(catalogue, wanted);
-    EXPECT_EQ(again->fields, 0U);
-    EXPECT_EQ(again->text(), "Campi da scrivere: 0, in 0 righe");
+    const auto again = countReplication(catalogue, wanted).value();
+    EXPECT_EQ(again.fields, 0U);
+    EXPECT_EQ(again.text(), "Campi da scrivere: 0, in 0 righe");
     const std::string now = everything();
     const auto changes = recorder.take();
     ASSERT_TRUE(changes);

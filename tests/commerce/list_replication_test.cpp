@@ -183,7 +183,7 @@ TEST_F(ReplicatingAList, EqualsAWalkFieldByFieldAndItsCountAndUndoHold) {
     wanted.percentage = std::to_string(upTo(chance, 200) - 100);
     for (bool& list : wanted.destinations) list = upTo(chance, 2) == 0;
     if (wanted.destinations == PriceLists{}) wanted.destinations[4] = true;
-    const PriceRule rule = ruleOfPercentage(*readPercentage(wanted.percentage), wanted.whole);
+    const PriceRule rule = ruleOfPercentage(readPercentage(wanted.percentage).value(), wanted.whole);
     const PlainArticle before = plain;
     const auto source = static_cast<std::size_t>(wanted.source);
     std::size_t changed = 0;

@@ -75,9 +75,9 @@ TEST_F(TheShopsLooks, StoreRequiredFieldsAsTheTextOfTheirSum) {
   EXPECT_EQ(loadRequiredFields(catalogue).value(), RequiredFields{});
   for (int sum = 0; sum < 16; ++sum) {
     sql("UPDATE generale SET campi_obbligatori = '" + std::to_string(sum) + "'");
-    const auto fields = loadRequiredFields(catalogue);
+    const auto fields = loadRequiredFields(catalogue).value();
     sql("UPDATE generale SET campi_obbligatori = 'x'");
-    ASSERT_TRUE(storeRequiredFields(catalogue, *fields));
+    ASSERT_TRUE(storeRequiredFields(catalogue, fields));
     EXPECT_EQ(stored("campi_obbligatori, typeof(campi_obbligatori)"), std::to_string(sum) + "|text\n");
   }
   ASSERT_TRUE(storeRequiredFields(catalogue, requiredByDefault));

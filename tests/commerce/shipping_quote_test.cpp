@@ -33,7 +33,7 @@ class TryingTheShipping : public CommerceShop {
     return answer.value_or(ShippingQuote());
   }
   std::string text(const ShippingQuote& answer) {
-    return quoteText(answer, CurrencyForm(*firstRow(session.catalogue, "SELECT * FROM generale")));
+    return quoteText(answer, CurrencyForm(firstRow(session.catalogue, "SELECT * FROM generale").value()));
   }
 };
 
@@ -122,8 +122,8 @@ class TheTrialAndTheCart : public TryingTheShipping {
   }
   /// The variables of the build as JSON text.
   std::string script() {
-    const FieldRow generale = *firstRow(session.catalogue, "SELECT * FROM generale");
-    const FieldRow pagamento = *firstRow(session.catalogue, "SELECT * FROM pagamento");
+    const FieldRow generale = firstRow(session.catalogue, "SELECT * FROM generale").value();
+    const FieldRow pagamento = firstRow(session.catalogue, "SELECT * FROM pagamento").value();
     const CurrencyForm form(generale);
     const float vat = pagamento.single("ivaspese") / 100.0F;
     const ShippingPrice price{form, generale.flag("ivacompresa") ? vat : 0.0F};

@@ -2,9 +2,11 @@
 
 #include <QDialogButtonBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "forms/dialog_fixture.h"
+#include "platform/qt/frm_user.h"
 
 namespace kv::test {
 namespace {
@@ -28,7 +30,40 @@ class RefusingDialog final : public FormDialog {
   int refusals = 0;
 };
 
+/// A field, and buttons of a dialog's own that say something of what is in it.
+class SayingDialog final : public FormDialog {
+ public:
+  SayingDialog() : FormDialog("Prova", nullptr) {
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(field);
+    for (const auto& [button, icon] : {std::pair{refuse, Icon::Exclamation}, std::pair{tell, Icon::Information}}) {
+      column->addWidget(button);
+      connect(button, &QPushButton::clicked, this, [this, icon = icon] { user.message("Testo", icon); });
+    }
+  }
+  QLineEdit* field = named(new QLineEdit, "txtCampo", "Campo");
+  QPushButton* refuse = named(new QPushButton("Prova"), "cmdProva");
+  QPushButton* tell = named(new QPushButton("Dimmi"), "cmdDimmi");
+  QtUser user;
+};
+
 class DialogFocus : public DialogFixture {};
+
+TEST_F(DialogFocus, AfterARefusalOfAnyOtherButtonItIsInTheFieldToo) {
+  SayingDialog dialog;
+  show(dialog);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  const auto pressFromField = [&](QPushButton* button) {
+    dialog.field->setFocus();
+    button->setFocus(Qt::TabFocusReason);
+    whenModal([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+    QTest::keyClick(button, Qt::Key_Space);
+    QApplication::processEvents();
+    return dialog.focusWidget();
+  };
+  EXPECT_EQ(pressFromField(dialog.refuse), dialog.field);
+  EXPECT_EQ(pressFromField(dialog.tell), dialog.tell) << "who was only told something may press again";
+}
 
 TEST_F(DialogFocus, AfterARefusalItIsInTheFieldThatWasTypedIn) {
   RefusingDialog dialog(false);

@@ -5,7 +5,7 @@
 #include <QTimer>
 
 #include "forms/driven_window.h"
-#include "shell/window/frm_field_mark.h"
+#include "platform/qt/frm_field_mark.h"
 
 namespace kv::test {
 namespace {

@@ -141,7 +141,7 @@ TEST_F(Menus, TheViewAndHelpMenusHaveTheirEntriesInOrder) {
                          "Espandi tutti i reparti", "Comprimi tutti i reparti", "Nascondi dettagli",
                          "Aspetto > Come il sistema", "Aspetto > Chiaro", "Aspetto > Scuro"}));
   EXPECT_EQ(entries("?"), QStringList({"Sommario...", "Domande frequenti...", "Introduzione...", "Guida ai template...",
-                                       "Aggiornamenti online...", "Informazioni su..."}));
+                                       "Vedi il negozio", "Aggiornamenti online...", "Informazioni su..."}));
 }
 
 TEST_F(Menus, TheEntriesOfCompanionsAndManualAreHiddenWithoutTheirFiles) {

@@ -32,7 +32,7 @@ TEST_F(TheTemplateDialog, OpensOnTheShopsTemplateWithPictureAndNote) {
   EXPECT_EQ(control<QListWidget>(dialog, "lstTemplate")->currentRow(), 1);
   EXPECT_TRUE(control<QLabel>(dialog, "picPreview")->isVisible());
   EXPECT_EQ(fromQt(control<QPlainTextEdit>(dialog, "txtNote")->toPlainText()),
-            replaceAll(*readText(application + "/template/classico/kvan_note.txt"), "\r\n", "\n"));
+            replaceAll(readText(application + "/template/classico/kvan_note.txt").value(), "\r\n", "\n"));
   EXPECT_EQ(test::defaultButton(dialog), "OK");
   EXPECT_EQ(test::namelessControls(dialog), "");
   test::keepPicture(dialog, "template");

@@ -1,7 +1,7 @@
 // A field whose row can't be written, in the window: the text stays and is marked, and leaving the program asks.
 
 #include "forms/driven_window.h"
-#include "shell/window/frm_field_mark.h"
+#include "platform/qt/frm_field_mark.h"
 #include "support/failing_store.h"
 
 namespace kv::test {

@@ -42,10 +42,10 @@ TEST_F(AccountingRun, ShowsItsTwoStepsAndSaysWhenItIsOver) {
 
 TEST_F(AccountingRun, KeepsItsOptionsInTheShopFolderByGeneration) {
   importWith("1100100");
-  EXPECT_EQ(*readText(shop + "/og.ini"), "1100100\r\n");
+  EXPECT_EQ(readText(shop + "/og.ini").value(), "1100100\r\n");
   request.variant = accountingVariants()[4];
   importWith("01001001111");
-  EXPECT_EQ(*readText(shop + "/og3.ini"), "01001001111\r\n");
+  EXPECT_EQ(readText(shop + "/og3.ini").value(), "01001001111\r\n");
 }
 
 TEST_F(AccountingRun, TellsTheNameOfTheBackupItMakesThroughTheOpenCatalogue) {

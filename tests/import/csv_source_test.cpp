@@ -76,7 +76,7 @@ TEST_F(CsvFolder, WithoutItsTwoFilesIsNoSource) {
 }
 
 TEST_F(CsvFolder, AFileThatIsCutOffAnywhereIsReadOrRefusedButNeverHalfARow) {
-  const std::string whole = *readBytes(request.path + "/Articoli.csv");
+  const std::string whole = readBytes(request.path + "/Articoli.csv").value();
   for (std::size_t size = 0; size < whole.size(); ++size) {
     ASSERT_TRUE(writeBytes(request.path + "/Articoli.csv", whole.substr(0, size)));
     const auto plan = previewAccounting(session, settings, request);

@@ -53,7 +53,7 @@ TEST_F(ChoosingAPicture, OneThatFitsIsCopiedAsItIs) {
   PictureChoice chosen = choice();
   EXPECT_EQ(chosen.preview(small).mode, PictureMode::AsItIs);
   EXPECT_EQ(chosen.accept(small), "piccola_0001.jpeg");
-  EXPECT_EQ(*readBytes(work + "/piccola_0001.jpeg"), *readBytes(small));
+  EXPECT_EQ(readBytes(work + "/piccola_0001.jpeg").value(), readBytes(small).value());
 }
 
 TEST_F(ChoosingAPicture, WithoutTheTickNothingIsReduced) {

@@ -30,17 +30,17 @@ TEST_F(OutputFileTest, PiecesOfEverySizeFollowEachOther) {
   }
   EXPECT_EQ(file->size(), wanted.size());
   ASSERT_TRUE(file->close());
-  EXPECT_EQ(*readBytes(folder / "f"), wanted);
+  EXPECT_EQ(readBytes(folder / "f").value(), wanted);
 }
 
 TEST_F(OutputFileTest, OldContentIsRemovedAtOnce) {
   ASSERT_TRUE(writeBytes(folder / "f", "something longer"));
   auto file = OutputFile::create(folder / "f");
   ASSERT_TRUE(file);
-  EXPECT_EQ(*readBytes(folder / "f"), "");
+  EXPECT_EQ(readBytes(folder / "f").value(), "");
   file->append("new");
   ASSERT_TRUE(file->close());
-  EXPECT_EQ(*readBytes(folder / "f"), "new");
+  EXPECT_EQ(readBytes(folder / "f").value(), "new");
 }
 
 TEST_F(OutputFileTest, AFileThatIsLeftKeepsWhatWasAppended) {
@@ -55,7 +55,7 @@ TEST_F(OutputFileTest, AFileThatIsLeftKeepsWhatWasAppended) {
     ASSERT_TRUE(file);
     file->append("half");
   }
-  EXPECT_EQ(*readBytes(folder / "g"), "half");
+  EXPECT_EQ(readBytes(folder / "g").value(), "half");
 }
 
 TEST_F(OutputFileTest, AFullDiskIsReportedByCloseAndStopsNothingElse) {
@@ -76,7 +76,7 @@ TEST_F(OutputFileTest, WhatMayNotBeWrittenIsRefused) {
   ASSERT_TRUE(writeBytes(folder / "f", "kept"));
   std::filesystem::permissions(folder / "f", std::filesystem::perms::owner_read);
   EXPECT_EQ(OutputFile::create(folder / "f").error().kind, ErrorKind::ReadOnly);
-  EXPECT_EQ(*readBytes(folder / "f"), "kept");
+  EXPECT_EQ(readBytes(folder / "f").value(), "kept");
 }
 
 TEST_F(OutputFileTest, TheStartOfAFileIsReadWithoutTheRest) {

@@ -192,19 +192,18 @@ int seenAt(char side, int line, int count) { return side == 't' || side == 'l' ?
 std::string storedBy(const HeldCamera& camera, const PixelBuffer& seen) {
   const ImageSize size = seen.size();
   const bool rowsAreRows = camera.rowSide == 't' || camera.rowSide == 'b';
-  auto stored = PixelBuffer::create(rowsAreRows ? size : ImageSize{size.height, size.width});
-  EXPECT_TRUE(stored);
-  for (int row = 0; row < stored->size().height; ++row) {
-    for (int column = 0; column < stored->size().width; ++column) {
+  auto stored = PixelBuffer::create(rowsAreRows ? size : ImageSize{size.height, size.width}).value();
+  for (int row = 0; row < stored.size().height; ++row) {
+    for (int column = 0; column < stored.size().width; ++column) {
       const int x =
           rowsAreRows ? seenAt(camera.columnSide, column, size.width) : seenAt(camera.rowSide, row, size.width);
       const int y =
           rowsAreRows ? seenAt(camera.rowSide, row, size.height) : seenAt(camera.columnSide, column, size.height);
       std::copy_n(seen.row(y) + static_cast<std::ptrdiff_t>(x) * 3, 3,
-                  stored->row(row) + static_cast<std::ptrdiff_t>(column) * 3);
+                  stored.row(row) + static_cast<std::ptrdiff_t>(column) * 3);
     }
   }
-  return jpegOf(*stored, 95).value_or("");
+  return jpegOf(stored, 95).value_or("");
 }
 
 TEST(Orientation, EachOfTheEightComesOutUpright) {

@@ -51,7 +51,7 @@ TEST(PasswordList, EveryKindOfLineEndGivesTheSamePasswords) {
     ASSERT_TRUE(passwords);
     EXPECT_EQ(*passwords, wanted) << bytes;
     EXPECT_EQ(listFiles(folder.path(), "*.*"), Passwords{"a.ric"}) << "the repaired copy stays";
-    EXPECT_EQ(*readBytes(folder / "a.ric"), bytes);
+    EXPECT_EQ(readBytes(folder / "a.ric").value(), bytes);
   }
 }
 
@@ -145,7 +145,7 @@ TEST_F(ThePasswordScript, IsThereWhileItIsSentAndNotAfterwards) {
   for (const bool succeeds : {true, false}) {
     const auto sent = sendPasswordScript(job, random, [&](const std::string& name) {
       EXPECT_EQ(online(), Passwords{name});
-      EXPECT_EQ(*readBytes(root / "online/" + name), passwordScript({{"r1"}, {"s1"}}, true));
+      EXPECT_EQ(readBytes(root / "online/" + name).value(), passwordScript({{"r1"}, {"s1"}}, true));
       EXPECT_EQ(leftScripts(root.path()).back().name, name) << "a kill from here on would leave it unknown";
       return succeeds;
     });
@@ -195,7 +195,7 @@ TEST(LeftScripts, AreRememberedUntilTheyAreForgotten) {
   const std::string first = "aaaaaaaaaaaaaaaaaaaa.php", second = "bbbbbbbbbbbbbbbbbbbb.php";
   ASSERT_TRUE(rememberScript(folder.path(), {"host/www/negozio", first}));
   ASSERT_TRUE(rememberScript(folder.path(), {"host//", second}));
-  EXPECT_EQ(*readBytes(folder / "kvotp.dat"), "host/www/negozio/" + first + "\r\nhost///" + second + "\r\n");
+  EXPECT_EQ(readBytes(folder / "kvotp.dat").value(), "host/www/negozio/" + first + "\r\nhost///" + second + "\r\n");
   ASSERT_TRUE(forgetScript(folder.path(), first));
   ASSERT_EQ(leftScripts(folder.path()).size(), 1U);
   EXPECT_EQ(leftScripts(folder.path())[0].serverFolder, "host//");

@@ -18,9 +18,8 @@ class ArticleSearch : public ::testing::Test {
   ArticleSearch() {
     const std::string path = folder / "catalog.mdb";
     EXPECT_TRUE(createDatabase(path, catalogueTables()));
-    auto opened = Database::open(path, OpenMode::Exclusive);
-    EXPECT_TRUE(opened);
-    session.catalogue = std::move(*opened);
+    auto opened = Database::open(path, OpenMode::Exclusive).value();
+    session.catalogue = std::move(opened);
     session.languageCount = 2;
   }
   void article(const std::string& department, int order, const std::string& title, const std::string& english = "") {
@@ -32,10 +31,9 @@ class ArticleSearch : public ::testing::Test {
     ASSERT_TRUE(done) << done.error().what;
   }
   std::vector<std::string> titles(const std::string& text, bool words, const std::string& column = "titolo") {
-    auto hits = findArticles(session, column, text, words);
-    EXPECT_TRUE(hits);
+    auto hits = findArticles(session, column, text, words).value();
     std::vector<std::string> found;
-    for (const ArticleHit& hit : *hits) found.push_back(hit.titolo);
+    for (const ArticleHit& hit : hits) found.push_back(hit.titolo);
     return found;
   }
 

@@ -56,7 +56,8 @@ TEST_F(AccountingOnTheCommandLine, ASourceIsToldByWhatItHoldsAndImported) {
   EXPECT_EQ(run({"import", shop, source, "--options", "11010031000"}), CliOutcome::Done) << err.str();
   EXPECT_THAT(err.str(), HasSubstr("Importazione completata"));
   EXPECT_EQ(imported(), "*Vaso42700");
-  EXPECT_EQ(*readText(shop + "/og3.ini"), "11010031000\r\n") << "rows with a visibility are of the third generation";
+  EXPECT_EQ(readText(shop + "/og3.ini").value(), "11010031000\r\n")
+      << "rows with a visibility are of the third generation";
 }
 
 TEST_F(AccountingOnTheCommandLine, ADryRunPrintsEachRowAndWritesNothing) {

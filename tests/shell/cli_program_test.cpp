@@ -34,7 +34,8 @@ class CliProgram : public ::testing::Test {
                                 home / "config" + "' '" KORVANE_CLI "' " + arguments + " >'" + home / "out" + "' 2>'" +
                                 home / "err" + "'";
     const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, *readBytes(home / "out"), *readBytes(home / "err")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readBytes(home / "out").value(),
+            readBytes(home / "err").value()};
   }
 
   /// The same within this process, against the shipped data.
@@ -123,7 +124,7 @@ TEST_F(CliProgram, ABuiltShopIsExportedForEachOfItsLanguages) {
   EXPECT_EQ(exported.err, "");
   for (const std::string& name : listFiles(home / "shop/online", "*.sql")) EXPECT_THAT(made, HasSubstr(" " + name));
   EXPECT_FALSE(fileExists(home / "shop/online/old.sql"));
-  EXPECT_THAT(*readBytes(home / "shop/online/db.sql"), HasSubstr("\r\nCREATE TABLE articoli\r\n"));
+  EXPECT_THAT(readBytes(home / "shop/online/db.sql").value(), HasSubstr("\r\nCREATE TABLE articoli\r\n"));
   EXPECT_THAT(run("export-sql shop").out, StartsWith("File SQL dell'esportazione precedente, ancora validi; file: "));
 }
 
@@ -174,11 +175,11 @@ TEST_F(CliProgram, BuildAndCheckLeaveTheShopOfTheProgramAsItIs) {
   ASSERT_EQ(run("new first").status, 0);
   ASSERT_EQ(run("new second").status, 0);
   const std::string remembered = home / "data/korvane/serverpath.net";
-  const std::string before = *readBytes(remembered);
+  const std::string before = readBytes(remembered).value();
   EXPECT_EQ(before, home / "second\r\n");
   ASSERT_EQ(run("check first").status, 0);
   ASSERT_EQ(run("build first").status, 0);
-  EXPECT_EQ(*readBytes(remembered), before);
+  EXPECT_EQ(readBytes(remembered).value(), before);
 }
 
 TEST_F(CliProgram, AwayFromATerminalTheProgressHasNoControlCharacters) {

@@ -213,7 +213,7 @@ TEST_F(DatabaseExportTest, WhatWasWrittenBeforeAFailureStays) {
   for (int i = 0; i < 40; ++i) sql("INSERT INTO t VALUES (" + std::to_string(i) + ", hex(zeroblob(20000)))");
   database.close();
   // A page in the middle is overwritten: the rows before it can be read.
-  const std::string bytes = *readBytes(path);
+  const std::string bytes = readBytes(path).value();
   ASSERT_TRUE(
       writeBytes(path, bytes.substr(0, bytes.size() / 2) + std::string(bytes.size() - bytes.size() / 2, '\xFF')));
   const std::string text = load();

@@ -16,10 +16,9 @@ class FullExportTest : public ::testing::Test {
     EXPECT_TRUE(createFolders(online));
     const std::string path = folder / "shop/db/sql.mdb";
     EXPECT_TRUE(Database::create(path));
-    auto database = Database::open(path, OpenMode::Shared);
-    EXPECT_TRUE(database);
+    auto database = Database::open(path, OpenMode::Shared).value();
     for (const char* table : {"articoli", "articoli_l2", "articoli_l3", "articoli_l4"}) {
-      EXPECT_TRUE(database->execute("CREATE TABLE "s + table + " (ID INTEGER); INSERT INTO " + table + " VALUES (7)"));
+      EXPECT_TRUE(database.execute("CREATE TABLE "s + table + " (ID INTEGER); INSERT INTO " + table + " VALUES (7)"));
     }
   }
 

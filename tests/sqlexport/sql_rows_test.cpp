@@ -15,11 +15,10 @@ class SqlRowsTest : public ExportTest {
     TableInfo table;
     table.name = "t";
     table.columns = {column("c", static_cast<ColumnType>(code))};
-    auto out = OutputFile::create(folder / "rows.sql");
-    EXPECT_TRUE(out);
+    auto out = OutputFile::create(folder / "rows.sql").value();
     ExportWarnings warnings;
-    EXPECT_TRUE(writeRows(*out, database, table, style, warnings));
-    EXPECT_TRUE(out->close());
+    EXPECT_TRUE(writeRows(out, database, table, style, warnings));
+    EXPECT_TRUE(out.close());
     return plainLines(readBytes(folder / "rows.sql").value_or("(missing)"));
   }
 };

@@ -168,11 +168,10 @@ TEST(SqlQuoteText, TheFastRoutineAgreesWithTheTable) {
 class QuotedFile : public ::testing::Test {
  protected:
   std::string written(std::string_view text, void (*append)(OutputFile&, std::string_view)) {
-    auto file = OutputFile::create(folder / "out");
-    EXPECT_TRUE(file);
-    append(*file, text);
-    EXPECT_TRUE(file->close());
-    return *readBytes(folder / "out");
+    auto file = OutputFile::create(folder / "out").value();
+    append(file, text);
+    EXPECT_TRUE(file.close());
+    return readBytes(folder / "out").value();
   }
   test::TempFolder folder;
 };
@@ -209,7 +208,7 @@ TEST_F(QuotedFile, TextIsTheSameWhetherItIsEncodedBeforeOrAfter) {
     wanted += toWindows1252(SqlQuoteText(text));
   }
   ASSERT_TRUE(file->close());
-  EXPECT_EQ(*readBytes(folder / "out"), wanted);
+  EXPECT_EQ(readBytes(folder / "out").value(), wanted);
 }
 
 TEST_F(QuotedFile, BinaryBytesAreNoText) {

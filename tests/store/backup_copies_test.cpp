@@ -65,7 +65,8 @@ class DatedCopies : public test::ShopFixture {
 TEST_F(DatedCopies, ACopyIsNamedAfterTheTimeItWasMade) {
   EXPECT_TRUE(keep());
   EXPECT_THAT(names(), ElementsAre("catalog-20260712T071500Z.mdb"));
-  EXPECT_EQ(*readBytes(folder + "/backup/catalog-20260712T071500Z.mdb"), *readBytes(folder + "/catalog.mdb"));
+  EXPECT_EQ(readBytes(folder + "/backup/catalog-20260712T071500Z.mdb").value(),
+            readBytes(folder + "/catalog.mdb").value());
   const BackupCopy copy = backupCopies(folder).front();
   EXPECT_EQ(copy.madeAt, static_cast<std::int64_t>(firstSecond));
   EXPECT_EQ(copy.size, std::filesystem::file_size(folder + "/catalog.mdb"));
@@ -82,7 +83,7 @@ TEST_F(DatedCopies, ACatalogueThatHasNotChangedIsNotCopiedAgain) {
 TEST_F(DatedCopies, OnlyTheNewestCopyCountsForThat) {
   EXPECT_TRUE(keep());
   const auto before = std::filesystem::last_write_time(folder + "/catalog.mdb");
-  const std::string bytes = *readBytes(folder + "/catalog.mdb");
+  const std::string bytes = readBytes(folder + "/catalog.mdb").value();
   change("Lume");
   EXPECT_TRUE(keep());
   write(folder + "/catalog.mdb", bytes);
@@ -277,7 +278,7 @@ TEST_F(RestoringACopy, ReplacesADamagedCatalogueAndKeepsItToo) {
   write(folder + "/catalog.mdb", "no database");
   ASSERT_TRUE(restoreCopy(folder, oldest(), clock));
   EXPECT_EQ(title(), "Lampada");
-  EXPECT_EQ(*readBytes(folder + "/backup/" + names().front()), "no database");
+  EXPECT_EQ(readBytes(folder + "/backup/" + names().front()).value(), "no database");
 }
 
 TEST_F(RestoringACopy, ReplacesAMissingCatalogue) {

@@ -81,10 +81,10 @@ TEST_F(Compaction, ShowsAndHidesTheStatusWindow) {
 TEST_F(Compaction, ReplacesWhatAnEarlierOneLeft) {
   write(shop + "/catalog.tmp", "old");
   write(shop + "/catalog.tm0", "old");
-  const std::string before = *readBytes(shop + "/catalog.mdb");
+  const std::string before = readBytes(shop + "/catalog.mdb").value();
   setTimes("9");
   close();
-  EXPECT_EQ(*readBytes(shop + "/catalog.tmp"), before);
+  EXPECT_EQ(readBytes(shop + "/catalog.tmp").value(), before);
   EXPECT_FALSE(fileExists(shop + "/catalog.tm0"));
 }
 
@@ -130,21 +130,21 @@ TEST_F(Compaction, LeavesACorruptCatalogueSilently) {
   write(shop + "/catalog.mdb", "no database");
   setTimes("9");
   close();
-  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), "no database");
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb").value(), "no database");
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
 TEST_F(Compaction, StopsWhenAnOldFileCannotBeDeleted) {
-  const std::string before = *readBytes(shop + "/catalog.mdb");
+  const std::string before = readBytes(shop + "/catalog.mdb").value();
   write(shop + "/catalog.tm0/in the way", "");
   setTimes("9");
   close();
-  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb").value(), before);
 }
 
 TEST_F(Compaction, TakesTheFirstRenamingBackWhenTheSecondFails) {
   write(shop + "/catalog.tm0", "compacted");
-  const std::string before = *readBytes(shop + "/catalog.mdb");
+  const std::string before = readBytes(shop + "/catalog.mdb").value();
   int calls = 0;
   const Rename failing = [&](const std::string& from, const std::string& to) -> Result<> {
     if (++calls == 2) return fail(ErrorKind::Other, to, "injected");
@@ -153,7 +153,7 @@ TEST_F(Compaction, TakesTheFirstRenamingBackWhenTheSecondFails) {
   const auto swapped = swapInCompacted(shop, failing);
   ASSERT_FALSE(swapped);
   EXPECT_EQ(swapped.error().what, "injected");
-  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb").value(), before);
   EXPECT_FALSE(fileExists(shop + "/catalog.tmp"));
 }
 
@@ -168,14 +168,14 @@ TEST_F(Compaction, LeavesAllAsItIsWhenTheFirstRenamingFails) {
 }
 
 TEST_F(Compaction, InterruptedBetweenTheRenamingsIsUndoneAtTheNextStart) {
-  const std::string before = *readBytes(shop + "/catalog.mdb");
+  const std::string before = readBytes(shop + "/catalog.mdb").value();
   ASSERT_TRUE(renameFile(shop + "/catalog.mdb", shop + "/catalog.tmp"));
   write(shop + "/catalog.tm0", "compacted");
   write(application + "/serverpath.net", shop + "\r\n");
   EXPECT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_THAT(user.shown, IsEmpty());
   closeSession(session, env);
-  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb").value(), before);
 }
 
 TEST_F(Compaction, ABackupAloneIsNoCatalogue) {

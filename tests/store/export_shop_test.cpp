@@ -92,7 +92,7 @@ TEST_F(ExportingAShop, TemplateLanguagesAndTagsGoAlongAndAreTold) {
                               "Nella cartella \"" + destination +
                               "\" sono stati esportati\nil database del negozio, il template, i moduli linguistici, "
                               "i tag personalizzati.\n\n"));
-  EXPECT_EQ(*readBytes(shop + "/shoptag.tag"), "<<5-orari>>\r\n9-13");
+  EXPECT_EQ(readBytes(shop + "/shoptag.tag").value(), "<<5-orari>>\r\n9-13");
 }
 
 TEST_F(ExportingAShop, TheTagsOfAllShopsStayWithoutTheChoice) {

@@ -23,7 +23,7 @@ class NumberedBackups : public test::ShopFixture {
 
 TEST_F(NumberedBackups, TheFirstIs000) {
   EXPECT_EQ(CreaBackup(session, folder), "catalog.000");
-  EXPECT_EQ(*readBytes(folder + "/catalog.000"), *readBytes(folder + "/catalog.mdb"));
+  EXPECT_EQ(readBytes(folder + "/catalog.000").value(), readBytes(folder + "/catalog.mdb").value());
 }
 
 TEST_F(NumberedBackups, TheNextIsOneAfterTheLast) {
@@ -40,14 +40,14 @@ TEST_F(NumberedBackups, After999ThereIsNone) {
   present("catalog.999");
   EXPECT_EQ(CreaBackup(session, folder), "");
   EXPECT_FALSE(fileExists(folder + "/catalog.1000"));
-  EXPECT_EQ(*readBytes(folder + "/catalog.999"), "prima");
+  EXPECT_EQ(readBytes(folder + "/catalog.999").value(), "prima");
 }
 
 TEST_F(NumberedBackups, ANameThatIsTakenIsNeverOverwritten) {
   present("catalog.old.004");
   present("catalog.005");
   EXPECT_EQ(CreaBackup(session, folder), "catalog.006") << "005 would follow the last of the sorted list";
-  EXPECT_EQ(*readBytes(folder + "/catalog.005"), "prima");
+  EXPECT_EQ(readBytes(folder + "/catalog.005").value(), "prima");
 }
 
 TEST_F(NumberedBackups, AnOpenCatalogueIsCopiedAndKeepsItsLock) {

@@ -189,8 +189,8 @@ TEST_F(OpeningAShop, ImportsTheTemplatesItBringsAlong) {
   user.answers = {Answer::Yes};
   EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importTemplates, Answer::No, Answer::Yes)));
-  EXPECT_EQ(*readBytes(application + "/template/base/modello1.htm"), "brought");
-  EXPECT_EQ(*readBytes(application + "/template/nuovo/modello1.htm"), "new");
+  EXPECT_EQ(readBytes(application + "/template/base/modello1.htm").value(), "brought");
+  EXPECT_EQ(readBytes(application + "/template/nuovo/modello1.htm").value(), "new");
   EXPECT_TRUE(fileExists(application + "/template/base/modello2.htm"));
 }
 
@@ -200,7 +200,7 @@ TEST_F(OpeningAShop, LeavesTheInstalledTemplatesWhenTheImportIsDeclined) {
   user.answers = {Answer::No};
   EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importTemplates, Answer::No, Answer::No)));
-  EXPECT_EQ(*readBytes(application + "/template/base/modello1.htm"), "<KV_START><KV_END>");
+  EXPECT_EQ(readBytes(application + "/template/base/modello1.htm").value(), "<KV_START><KV_END>");
   EXPECT_EQ(session.ShopFolder, shop);
 }
 
@@ -210,7 +210,7 @@ TEST_F(OpeningAShop, ImportsTheLanguageModulesItBringsAlong) {
   user.answers = {Answer::Yes};
   EXPECT_TRUE(ApriNegozio(session, env, shop));
   EXPECT_THAT(user.shown, ElementsAre(asked(importLanguages, Answer::No, Answer::Yes)));
-  EXPECT_EQ(*readBytes(application + "/languages/deutsch.lng"), "wort");
+  EXPECT_EQ(readBytes(application + "/languages/deutsch.lng").value(), "wort");
 }
 
 TEST_F(OpeningAShop, AsksForTemplatesFirstAndLanguagesThen) {
@@ -291,8 +291,8 @@ TEST_F(MakingAShop, OverlaysAFolderThatHoldsFiles) {
   write(folder + "/code/funcs.php", "mine");
   user.folders = {folder};
   EXPECT_TRUE(NuovoNegozio(session, env));
-  EXPECT_EQ(*readBytes(folder + "/note.txt"), "mine");
-  EXPECT_EQ(*readBytes(folder + "/code/funcs.php"), "<?php");
+  EXPECT_EQ(readBytes(folder + "/note.txt").value(), "mine");
+  EXPECT_EQ(readBytes(folder + "/code/funcs.php").value(), "<?php");
 }
 
 TEST_F(MakingAShop, RefusesAFolderWithACatalogue) {

@@ -185,7 +185,7 @@ TEST_F(ImportingPrimo, ASourceWithoutATableChangesNothingAndEndsTheProgram) {
 }
 
 TEST_F(ImportingPrimo, AFailureAtAnyStatementLeavesTheCatalogueAsBefore) {
-  const std::string before = *readBytes(shop + "/catalog.mdb");
+  const std::string before = readBytes(shop + "/catalog.mdb").value();
   bool reached = true;
   for (std::int64_t failing = 1; reached; failing += 23) {
     ASSERT_TRUE(writeBytes(shop + "/catalog.mdb", before));
@@ -236,11 +236,11 @@ TEST_F(ImportingPrimo, PicturesThatCantBeCopiedLeaveEverythingAsItIs) {
 }
 
 TEST_F(ImportingPrimo, TheSourceIsNotChanged) {
-  const std::string before = *readBytes(source + "/catalog.mdb");
+  const std::string before = readBytes(source + "/catalog.mdb").value();
   open();
   EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
   session.catalogue.close();
-  EXPECT_EQ(*readBytes(source + "/catalog.mdb"), before);
+  EXPECT_EQ(readBytes(source + "/catalog.mdb").value(), before);
   EXPECT_TRUE(fileExists(joinPath(source, "work/nuova.gif")));
 }
 

@@ -254,12 +254,12 @@ TEST_F(PatchingScripts, EveryOtherByteSurvives) {
 
 TEST_F(PatchingScripts, ReadTheSettingsOfTheShop) {
   const std::string shop = makeShop("negozio");
-  auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
+  auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared).value();
   const auto read = [&](const char* sql) {
-    EXPECT_TRUE(catalogue->execute(std::string("UPDATE generale SET singleitem_search = 0, regobbl = NULL, "
-                                               "regprices = 0, reglist = 0; UPDATE generale SET ") +
-                                   sql));
-    const PatchFacts found = readPatchFacts(*catalogue, settings);
+    EXPECT_TRUE(catalogue.execute(std::string("UPDATE generale SET singleitem_search = 0, regobbl = NULL, "
+                                              "regprices = 0, reglist = 0; UPDATE generale SET ") +
+                                  sql));
+    const PatchFacts found = readPatchFacts(catalogue, settings);
     return std::string(found.singleItemSearch ? "single " : "") + (found.limitedToCustomers ? "limited" : "");
   };
   EXPECT_EQ(read("singleitem_search = 1"), "single ");

@@ -95,7 +95,7 @@ TEST_F(ShopChecking, ReportsACatalogueWithoutSettings) {
 
 TEST_F(ShopChecking, ReportsACatalogueThatIsCutShort) {
   const std::string shop = makeShop("uno");
-  const std::string whole = *readBytes(shop + "/catalog.mdb");
+  const std::string whole = readBytes(shop + "/catalog.mdb").value();
   write(shop + "/catalog.mdb", std::string_view(whole).substr(0, 3000));
   EXPECT_EQ(validateShop(shop).kind, ShopFault::DatabaseFailure);
 }
@@ -122,9 +122,9 @@ TEST_F(ShopChecking, AcceptsAReadOnlyCatalogueForTheRepairThatFollows) {
 
 TEST_F(ShopChecking, ChangesNothingInTheCatalogue) {
   const std::string shop = makeShop("uno", 1050);
-  const std::string before = *readBytes(shop + "/catalog.mdb");
+  const std::string before = readBytes(shop + "/catalog.mdb").value();
   EXPECT_TRUE(validateShop(shop).ok);
-  EXPECT_EQ(*readBytes(shop + "/catalog.mdb"), before);
+  EXPECT_EQ(readBytes(shop + "/catalog.mdb").value(), before);
 }
 
 }  // namespace

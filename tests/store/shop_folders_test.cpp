@@ -16,9 +16,9 @@ TEST_F(ShopFolders, ATreeIsCopiedOverTheOneThere) {
   write(root / "to/a.txt", "old");
   write(root / "to/mine.txt", "mine");
   ASSERT_TRUE(CopiaAlbero(root / "from", root / "to"));
-  EXPECT_EQ(*readBytes(root / "to/a.txt"), "new");
-  EXPECT_EQ(*readBytes(root / "to/sub/deep/b.txt"), "deep");
-  EXPECT_EQ(*readBytes(root / "to/mine.txt"), "mine");
+  EXPECT_EQ(readBytes(root / "to/a.txt").value(), "new");
+  EXPECT_EQ(readBytes(root / "to/sub/deep/b.txt").value(), "deep");
+  EXPECT_EQ(readBytes(root / "to/mine.txt").value(), "mine");
   EXPECT_TRUE(folderExists(root / "to/empty"));
 }
 

@@ -59,10 +59,10 @@ class AnAgedShop : public ShopFixture {
            std::to_string(renewedOf(thirdList));
   }
   std::string columns(const std::string& file = "catalog.mdb", const std::string& table = "generale") const {
-    auto database = Database::open(shop + "/" + file, OpenMode::Shared);
-    const auto info = database->table(table);
+    auto database = Database::open(shop + "/" + file, OpenMode::Shared).value();
+    const auto info = database.table(table).value();
     std::string text;
-    for (const ColumnInfo& column : info->columns) text += column.name + " ";
+    for (const ColumnInfo& column : info.columns) text += column.name + " ";
     return text;
   }
 
@@ -95,8 +95,8 @@ TEST_F(AnAgedShop, GetsTheMissingColumnsWithTheirFirstValues) {
 TEST_F(AnAgedShop, HasItsNewColumnsInTheTypesOfTheSchema) {
   run(shop, "ALTER TABLE generale DROP COLUMN p3p; ALTER TABLE generale DROP COLUMN reglist");
   upgrade();
-  auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
-  const auto table = catalogue->table("generale");
+  auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared).value();
+  const auto table = catalogue.table("generale");
   ASSERT_TRUE(table);
   const auto typeOf = [&](const char* name) {
     return table->columns[static_cast<std::size_t>(table->columnIndex(name))].type;

@@ -32,9 +32,8 @@ class TreeFixture : public ShopFixture {
     run(folder, "DELETE FROM articoli; DELETE FROM sqlite_sequence");
     session.ShopFolder = folder;
     session.languageCount = 2;
-    auto opened = Database::open(folder + "/catalog.mdb", OpenMode::Exclusive);
-    EXPECT_TRUE(opened);
-    session.catalogue = std::move(*opened);
+    auto opened = Database::open(folder + "/catalog.mdb", OpenMode::Exclusive).value();
+    session.catalogue = std::move(opened);
   }
   ~TreeFixture() override {
     history.end();

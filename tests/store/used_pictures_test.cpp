@@ -14,9 +14,8 @@ using ::testing::UnorderedElementsAre;
 class UsedPictures : public test::ShopFixture {
  protected:
   std::vector<std::string> used() const {
-    auto catalogue = Database::open(folder + "/catalog.mdb", OpenMode::Shared);
-    EXPECT_TRUE(catalogue);
-    const auto names = usedPictures(*catalogue);
+    auto catalogue = Database::open(folder + "/catalog.mdb", OpenMode::Shared).value();
+    const auto names = usedPictures(catalogue);
     EXPECT_TRUE(names);
     return names.value_or(std::vector<std::string>{"failed"});
   }

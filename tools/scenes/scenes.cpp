@@ -1,6 +1,7 @@
 #include "scenes.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemDelegate>
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
@@ -45,6 +46,30 @@ void takePriceList(Stage& stage, const QString& name) {
   stage.window().workbench().selectListino(3);
   stage.take(name);
   stage.window().workbench().selectListino(0);
+}
+
+/// A price typed in the list that is none: the former one again, with its mark and the reason.
+void takeCell(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  ArticleList& list = stage.window().articles();
+  list.setFocus();
+  list.editCell(ArticleModel::Price);
+  auto* cell = list.findChild<QLineEdit*>(QStringLiteral("txtCella"));
+  cell->selectAll();
+  cell->insert(QStringLiteral("1,2,3"));
+  emit cell->textEdited(cell->text());
+  emit list.itemDelegate()->commitData(cell);
+  stage.take(name);
+  emit list.itemDelegate()->closeEditor(cell, QAbstractItemDelegate::RevertModelCache);
+}
+
+void takeColumns(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  auto* menu = stage.window().findChild<QMenu*>(QStringLiteral("menuColonne"));
+  const QTableView& list = stage.window().articles();
+  menu->popup(list.mapToGlobal(QPoint(0, 0)));
+  stage.take(name);
+  menu->hide();
 }
 
 void takeEmptyDepartment(Stage& stage, const QString& name) {
@@ -273,6 +298,8 @@ std::span<const Scene> windowScenes() {
                                      Scene{"reparti-lingua-2", takeSecondLanguage},
                                      Scene{"articoli", takeArticles},
                                      Scene{"articoli-listino-3", takePriceList},
+                                     Scene{"articoli-cella", takeCell},
+                                     Scene{"articoli-colonne", takeColumns},
                                      Scene{"articoli-vuoto", takeEmptyDepartment},
                                      Scene{"articoli-nessuno", takeNoArticle},
                                      Scene{"articoli-senza-dettagli", takeHiddenDetails},

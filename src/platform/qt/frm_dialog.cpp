@@ -38,11 +38,14 @@ QPushButton* plainButton(QDialogButtonBox& buttons, QDialogButtonBox::StandardBu
   return named(button, name);
 }
 
+const QString memoryName = QStringLiteral("ultimoCampo");
+
 /// Remembers the field of a dialog that had the focus last, and gives it back when the dialog is still open after its
 /// button was pressed: what was typed was refused.
 class FieldMemory final : public QObject {
  public:
   explicit FieldMemory(QWidget& dialog) : QObject(&dialog), dialog_(dialog) {
+    setObjectName(memoryName);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
       const bool isField = now != nullptr && qobject_cast<QPushButton*>(now) == nullptr;
       if (isField && dialog_.isAncestorOf(now)) field_ = now;
@@ -61,7 +64,15 @@ class FieldMemory final : public QObject {
 
 }  // namespace
 
-FormDialog::FormDialog(std::string_view title, QWidget* parent) : QDialog(parent) { setWindowTitle(toQt(title)); }
+void returnToField(QWidget& dialog) {
+  const auto* memory = dynamic_cast<FieldMemory*>(dialog.findChild<QObject*>(memoryName, Qt::FindDirectChildrenOnly));
+  if (memory != nullptr) memory->giveBack();
+}
+
+FormDialog::FormDialog(std::string_view title, QWidget* parent) : QDialog(parent) {
+  setWindowTitle(toQt(title));
+  new FieldMemory(*this);
+}
 
 void FormDialog::finish(std::string tag) {
   tag_ = std::move(tag);
@@ -93,8 +104,8 @@ QDialogButtonBox* FormDialog::makeButtons(std::string_view accept, std::string_v
   plainButton(*buttons, QDialogButtonBox::Cancel, leave, "cmdAnnulla");
   connect(buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
   // Queued: the dialog class connects its own routine later, which judges the fields and closes the dialog.
-  const auto* memory = new FieldMemory(*this);
-  connect(buttons, &QDialogButtonBox::accepted, memory, &FieldMemory::giveBack, Qt::QueuedConnection);
+  connect(
+      buttons, &QDialogButtonBox::accepted, this, [this] { returnToField(*this); }, Qt::QueuedConnection);
   return buttons;
 }
 

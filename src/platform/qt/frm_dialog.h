@@ -58,6 +58,10 @@ class FormDialog : public QDialog {
   std::string tag_;  // empty until finish()
 };
 
+/// Gives the keyboard back to the field of a FormDialog that had it last, when a button has it now: for after a
+/// refusal. Nothing for another window, and for a field that is off.
+void returnToField(QWidget& dialog);
+
 /// A label whose shortcut, the character after "&", moves to the field. The label's text becomes the name of the field
 /// for screen readers, unless it has one.
 QLabel* labelFor(std::string_view text, QWidget* field);

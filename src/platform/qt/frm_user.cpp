@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
@@ -96,7 +97,11 @@ QWidget* QtUser::over() const {
 }
 
 void QtUser::message(const std::string& text, Icon icon) {
-  ignore(ask(over(), {text, Buttons::Ok, Answer::Ok, icon}), "a message has one button");
+  const QPointer<QWidget> window = over();
+  ignore(ask(window, {text, Buttons::Ok, Answer::Ok, icon}), "a message has one button");
+  // Whatever the button was that has been refused, the keyboard goes where there is something to mend.
+  const bool isRefusal = icon == Icon::Exclamation || icon == Icon::Critical;
+  if (isRefusal && window != nullptr) returnToField(*window);
 }
 
 Answer QtUser::question(const Question& question) { return ask(over(), question); }

@@ -20,6 +20,7 @@
 #include "shell/dialogs/frm_rescue.h"
 #include "shell/dialogs/recent_shops.h"
 #include "shell/program/frm_dialogs.h"
+#include "shell/program/frm_local_host.h"
 #include "shell/program/frm_session_end.h"
 #include "shell/program/installed_data.h"
 #include "shell/window/frm_appearance.h"
@@ -127,8 +128,10 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   DesktopAppearance appearance(storedAppearance(settings));
   Environment env{user, settings, systemClock(), systemRandom(), *folder, {}};
   Session session;
+  HostProcess host(*folder, programs);
   WorkbenchPorts ports;
   ports.commands = allCommands();
+  ports.host = host.port();
   ports.open = desktopOpener();
   ports.applyAppearance = [&appearance](Appearance chosen) { appearance.choose(chosen); };
   ports.decimalSeparator = decimalSeparator();

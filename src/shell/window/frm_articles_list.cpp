@@ -6,10 +6,17 @@
 #include <algorithm>
 
 #include "platform/qt/frm_dialog.h"
+#include "shell/window/frm_cell.h"
+#include "shell/window/frm_dragged.h"
 #include "shell/workbench/fields/field_rules.h"
 #include "shell/workbench/fields/vat_price.h"
 
 namespace kv {
+namespace {
+
+const ArticleColumn& columnFacts(int column) { return articleColumns()[static_cast<std::size_t>(column)]; }
+
+}  // namespace
 
 ArticleModel::ArticleModel(Workbench& workbench, QObject* parent)
     : QAbstractTableModel(parent), workbench_(workbench), rows_(workbench.sets()) {}
@@ -54,20 +61,38 @@ int ArticleModel::columnCount(const QModelIndex& parent) const { return parent.i
 
 QVariant ArticleModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
-  if (role == Qt::TextAlignmentRole && index.column() >= Price) return int{Qt::AlignRight | Qt::AlignVCenter};
+  if (role == Qt::TextAlignmentRole) {
+    const bool isNumber = columnFacts(index.column()).isNumber;
+    return isNumber ? QVariant(int{Qt::AlignRight | Qt::AlignVCenter}) : QVariant();
+  }
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
   if (index.row() == previewRow_ && index.column() == previewColumn_) return previewText_;
-  const ArticleRow& row = rows_.at(static_cast<std::size_t>(index.row()));
-  switch (index.column()) {
-    case Code:
-      return toQt(row.codice);
-    case Title:
-      return toQt(row.titolo);
-    case Vat:
-      return toQt(shownNumber(priceWithVat(row.prezzo, vatOfDepartment()), workbench_.decimalSeparator()));
-    default:
-      return row.prezzo.empty() ? QString() : toQt(shownNumber(row.prezzo, workbench_.decimalSeparator()));
-  }
+  return textOf(rows_.at(static_cast<std::size_t>(index.row())), static_cast<Column>(index.column()));
+}
+
+QString ArticleModel::textOf(const ArticleRow& row, Column column) const {
+  if (column == Showcase) return row.inelenco ? tr("Sì") : QString();
+  const ArticleColumn& facts = columnFacts(column);
+  const std::string text = column == Vat ? priceWithVat(row.prezzo, vatOfDepartment()) : row.*facts.text;
+  return toQt(facts.isNumber && !text.empty() ? shownNumber(text, workbench_.decimalSeparator()) : text);
+}
+
+Qt::ItemFlags ArticleModel::flags(const QModelIndex& index) const {
+  if (!index.isValid()) return Qt::NoItemFlags;
+  const Qt::ItemFlags every = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled;
+  return columnFacts(index.column()).edits.empty() ? every : every | Qt::ItemIsEditable;
+}
+
+QStringList ArticleModel::mimeTypes() const { return {articleMime}; }
+
+QMimeData* ArticleModel::mimeData(const QModelIndexList& indexes) const {
+  std::vector<int> rows;
+  for (const QModelIndex& index : indexes) rows.push_back(index.row());
+  std::ranges::sort(rows);
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  ArticleGroup group;
+  for (const int row : rows) group.push_back(articleAt(row));
+  return group.empty() ? nullptr : draggedArticles(group);
 }
 
 std::string ArticleModel::vatOfDepartment() const {
@@ -76,27 +101,25 @@ std::string ArticleModel::vatOfDepartment() const {
 }
 
 QVariant ArticleModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  switch (section) {
-    case Code:
-      return tr("Codice");
-    case Title:
-      return tr("Titolo");
-    case Vat:
-      return tr("Con IVA");
-    default:
-      return tr("Prezzo");
-  }
+  if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= ColumnCount) return {};
+  return toQt(columnFacts(section).heading);
 }
 
 ArticleList::ArticleList(Workbench& workbench, QWidget* parent)
-    : QTableView(parent), workbench_(workbench), model_(new ArticleModel(workbench, this)) {
+    : QTableView(parent),
+      workbench_(workbench),
+      model_(new ArticleModel(workbench, this)),
+      cells_(new ArticleCells(workbench, this)) {
   setObjectName(QStringLiteral("lstArticoli"));
   setAccessibleName(tr("Articoli del reparto"));
   setModel(model_);
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
-  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setItemDelegate(cells_);
+  connect(cells_, &ArticleCells::typed, this, &ArticleList::cellTyped);
+  setEditTriggers(QAbstractItemView::DoubleClicked);
+  setDragDropMode(QAbstractItemView::DragOnly);
+  setDragDropOverwriteMode(false);
   setTabKeyNavigation(false);
   setShowGrid(false);
   setAlternatingRowColors(true);
@@ -108,9 +131,16 @@ ArticleList::ArticleList(Workbench& workbench, QWidget* parent)
   horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
   horizontalHeader()->setSectionResizeMode(ArticleModel::Title, QHeaderView::Stretch);
   const int letter = fontMetrics().averageCharWidth();
-  setColumnWidth(ArticleModel::Code, letter * 10);
-  setColumnWidth(ArticleModel::Price, letter * 10);
-  setColumnWidth(ArticleModel::Vat, letter * 10);
+  for (int column = 0; column < ArticleModel::ColumnCount; ++column) {
+    if (column != ArticleModel::Title) setColumnWidth(column, letter * 10);
+  }
+  showColumns(shownColumns({}));
+}
+
+void ArticleList::showColumns(const ShownColumns& shown) {
+  for (int column = 0; column < ArticleModel::ColumnCount; ++column) {
+    setColumnHidden(column, !shown[static_cast<std::size_t>(column)]);
+  }
 }
 
 void ArticleList::rebuild() {
@@ -141,9 +171,9 @@ void ArticleList::selectCurrent() {
     setCurrentIndex({});
     clearSelection();
   } else if (row != currentIndex().row() || !selectionModel()->hasSelection()) {
-    setCurrentIndex(model_->index(row, 0));
+    setCurrentIndex(model_->index(row, currentIndex().isValid() ? currentIndex().column() : ArticleModel::Title));
   }
-  if (row >= 0) scrollTo(model_->index(row, 0));
+  if (row >= 0) scrollTo(model_->index(row, ArticleModel::Title));
   updating_ = false;
 }
 
@@ -181,6 +211,62 @@ void ArticleList::paintEvent(QPaintEvent* event) {
 void ArticleList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTableView::currentChanged(current, previous);
   if (!updating_ && current.isValid()) workbench_.goToArticle(model_->articleAt(current.row()));
+}
+
+bool ArticleList::isUnsaved() const { return cells_->isUnsaved(); }
+
+bool ArticleList::finishEdit() {
+  QWidget* cell = cells_->cell();
+  if (cell == nullptr) return true;
+  commitData(cell);
+  if (cells_->isUnsaved()) return false;
+  closeEditor(cell, QAbstractItemDelegate::NoHint);
+  return true;
+}
+
+void ArticleList::editCell() {
+  const int column = currentIndex().isValid() ? currentIndex().column() : ArticleModel::Title;
+  const bool canType = !columnFacts(column).edits.empty() && !isColumnHidden(column);
+  editCell(canType ? static_cast<ArticleModel::Column>(column) : ArticleModel::Title);
+}
+
+void ArticleList::editCell(ArticleModel::Column column) {
+  const QModelIndex cell = model_->index(model_->currentRow(), column);
+  if (!cell.isValid() || isColumnHidden(column)) return;
+  selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  QTableView::edit(cell);
+}
+
+bool ArticleList::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+  const bool isCurrent = index.isValid() && model_->articleAt(index.row()) == workbench_.sets().article();
+  return isCurrent && QTableView::edit(index, trigger, event);
+}
+
+QModelIndex ArticleList::nextCell(const QModelIndex& from, int step) const {
+  const int cells = model_->rowCount() * ArticleModel::ColumnCount;
+  for (int place = from.row() * ArticleModel::ColumnCount + from.column() + step; place >= 0 && place < cells;
+       place += step) {
+    const int column = place % ArticleModel::ColumnCount;
+    if (columnFacts(column).edits.empty() || isColumnHidden(column)) continue;
+    return model_->index(place / ArticleModel::ColumnCount, column);
+  }
+  return {};
+}
+
+void ArticleList::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  using enum QAbstractItemDelegate::EndEditHint;
+  if (hint == RevertModelCache) {
+    cells_->giveUp();
+  } else if (cells_->isUnsaved() || (hint != NoHint && cells_->isRefused())) {
+    return;
+  }
+  const QModelIndex from = currentIndex();
+  QTableView::closeEditor(editor, NoHint);
+  if (hint != EditNextItem && hint != EditPreviousItem) return;
+  const QModelIndex next = nextCell(from, hint == EditNextItem ? 1 : -1);
+  if (!next.isValid()) return;
+  setCurrentIndex(next);
+  QTableView::edit(next);
 }
 
 }  // namespace kv

@@ -1,26 +1,29 @@
 #pragma once
-// The list of a department's articles: code, title, price. Rows are read when they come into view.
+// The list of a department's articles: code, title, price and what else the merchant wants to see. Rows are read when
+// they come into view; code, title and price can be typed in them, and rows be dragged onto a department of the tree.
 
 #include <QAbstractTableModel>
 #include <QTableView>
 
-#include "shell/workbench/article_rows.h"
+#include "shell/workbench/article_columns.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
 
+class ArticleCells;
+
 /// The rows of the current department, in the language and price list being edited.
-/// Rows are counted from 0 in the order of the department. The model writes nothing; cells are edited on the page of
-/// the article.
+/// Rows are counted from 0 in the order of the department. The model writes nothing: what is typed in a cell goes to
+/// the workbench.
 class ArticleModel final : public QAbstractTableModel {
   Q_OBJECT
  public:
   /// The workbench outlives the model, which is empty until the first rebuild().
   explicit ArticleModel(Workbench& workbench, QObject* parent = nullptr);
 
-  /// The columns from left to right; the price is shown with the locale's decimal separator, an unset one as no text.
-  /// Beside it is the price with the VAT of the department.
-  enum Column { Code, Title, Price, Vat, ColumnCount };
+  /// The columns from left to right, those of ListColumn. Numbers are shown with the locale's decimal separator, an
+  /// unset one as no text. Beside the price is that with the VAT of the department.
+  enum Column { Code, Title, Price, Vat, Offer, Weight, Showcase, ColumnCount };
 
   /// Filters and sorts from the next rebuild() on.
   void arrange(ArticleArrangement arrangement) { rows_.arrange(std::move(arrangement)); }
@@ -47,8 +50,16 @@ class ArticleModel final : public QAbstractTableModel {
   /// Text for Qt::DisplayRole and Qt::ToolTipRole, alignment for the price; a row that can't be read has empty texts.
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  /// Rows can be dragged, and the cells of a column that edits one of the catalogue can be typed in.
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  QStringList mimeTypes() const override;
+  /// The articles of these cells, from top to bottom.
+  QMimeData* mimeData(const QModelIndexList& indexes) const override;
+  Qt::DropActions supportedDragActions() const override { return Qt::MoveAction; }
 
  private:
+  /// What a column shows of a row.
+  QString textOf(const ArticleRow& row, Column column) const;
   /// As the column has it; empty for none.
   std::string vatOfDepartment() const;
 
@@ -78,10 +89,29 @@ class ArticleList final : public QTableView {
   void arrange(ArticleArrangement arrangement);
   /// The articles of the selected rows, from top to bottom.
   std::vector<std::int64_t> selected() const;
+  /// Shows these columns.
+  void showColumns(const ShownColumns& shown);
+  /// Opens a cell of the current row for typing: in the current column, in the title where that can't be typed in.
+  /// Nothing while no article is current.
+  void editCell();
+  /// The same in a column that is shown.
+  void editCell(ArticleModel::Column column);
+  /// Saves what is being typed in a cell and closes it. False when it could not be saved: the cell stays open.
+  bool finishEdit();
+  /// Whether something was typed in a cell that isn't stored yet.
+  bool isUnsaved() const;
   /// Owned by the list, for previews and for reading its fields again.
   ArticleModel& articles() { return *model_; }
 
+ signals:
+  /// Something was typed in a cell.
+  void cellTyped();
+
  protected:
+  /// Opens a cell of the current article only.
+  bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+  /// Leaves a cell open whose text was not taken; Tab goes on to the next one that can be typed in.
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   /// Draws the text of an empty list; nothing more while no shop is open.
   void paintEvent(QPaintEvent* event) override;
   /// Hands a row that the user went to to the workbench, which saves what is being typed first.
@@ -89,9 +119,12 @@ class ArticleList final : public QTableView {
 
  private:
   void selectGroup(const std::vector<std::int64_t>& group);
+  /// The next cell that can be typed in, along the rows; an invalid index after the last.
+  QModelIndex nextCell(const QModelIndex& from, int step) const;
 
   Workbench& workbench_;
   ArticleModel* model_;
+  ArticleCells* cells_;
   bool updating_ = false;  ///< the selection follows the workbench
 };
 

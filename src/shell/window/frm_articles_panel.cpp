@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -14,19 +15,12 @@
 namespace kv {
 namespace {
 
+constexpr std::string_view columnSection = "Finestra";
+constexpr std::string_view columnKey = "colonne";
+
 ArticleArrangement::By orderOf(int column) {
-  using enum ArticleArrangement::By;
-  switch (column) {
-    case ArticleModel::Code:
-      return Code;
-    case ArticleModel::Title:
-      return Title;
-    case ArticleModel::Price:
-    case ArticleModel::Vat:
-      return Price;
-    default:
-      return ShopOrder;
-  }
+  if (column < 0) return ArticleArrangement::By::ShopOrder;
+  return articleColumns()[static_cast<std::size_t>(column)].by;
 }
 
 }  // namespace
@@ -37,7 +31,8 @@ ArticlePanel::ArticlePanel(Workbench& workbench, QWidget* parent)
       list_(new ArticleList(workbench, this)),
       cmdDaTradurre_(named(new QToolButton(this), "cmdDaTradurre", "Da tradurre")),
       txtFiltro_(named(new QLineEdit(this), "txtFiltro", "Filtra gli articoli")),
-      cmdOrdine_(named(new QToolButton(this), "cmdOrdine", "Ordine del negozio")) {
+      cmdOrdine_(named(new QToolButton(this), "cmdOrdine", "Ordine del negozio")),
+      columns_(named(new QMenu(tr("Colonne"), this), "menuColonne")) {
   txtFiltro_->setPlaceholderText(tr("Filtra per codice o titolo"));
   txtFiltro_->setClearButtonEnabled(true);
   cmdOrdine_->setText(tr("Ordine del negozio"));
@@ -68,6 +63,36 @@ ArticlePanel::ArticlePanel(Workbench& workbench, QWidget* parent)
   connect(cmdDaTradurre_, &QToolButton::toggled, this, &ArticlePanel::arrange);
   connect(&list_->articles(), &QAbstractItemModel::modelReset, this, &ArticlePanel::offerLanguages);
   connect(cmdOrdine_, &QToolButton::clicked, this, [this] { sortBy(-1); });
+  makeColumnMenu();
+  head.setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(&head, &QWidget::customContextMenuRequested, columns_,
+          [this, &head](QPoint at) { columns_->popup(head.mapToGlobal(at)); });
+}
+
+void ArticlePanel::makeColumnMenu() {
+  for (const ArticleColumn& column : articleColumns()) {
+    QAction* entry = columns_->addAction(toQt(column.heading));
+    entry->setCheckable(true);
+    entry->setChecked(column.isUsual);
+    entry->setEnabled(column.name != articleColumns()[ArticleModel::Title].name);
+    connect(entry, &QAction::triggered, this, &ArticlePanel::chooseColumns);
+  }
+}
+
+void ArticlePanel::restoreColumns() {
+  const ShownColumns shown = shownColumns(workbench_.env().settings.get(columnSection, columnKey));
+  for (std::size_t i = 0; i < shown.size(); ++i) columns_->actions()[static_cast<int>(i)]->setChecked(shown[i]);
+  list_->showColumns(shown);
+}
+
+void ArticlePanel::chooseColumns() {
+  ShownColumns shown{};
+  for (std::size_t i = 0; i < shown.size(); ++i) shown[i] = columns_->actions()[static_cast<int>(i)]->isChecked();
+  list_->showColumns(shown);
+  // An order that nobody sees any more would puzzle.
+  if (column_ >= 0 && !shown[static_cast<std::size_t>(column_)]) sortBy(-1);
+  ignore(workbench_.env().settings.set(columnSection, columnKey, storedColumns(shown)),
+         "the columns of before show at the next start");
 }
 
 void ArticlePanel::offerLanguages() {

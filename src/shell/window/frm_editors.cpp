@@ -10,8 +10,8 @@
 #include <QToolButton>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_field_mark.h"
 #include "shell/window/frm_field.h"
-#include "shell/window/frm_field_mark.h"
 #include "shell/window/frm_picture.h"
 #include "shell/window/frm_picture_drop.h"
 #include "shell/window/frm_text.h"

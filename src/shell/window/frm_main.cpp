@@ -26,16 +26,11 @@
 namespace kv {
 namespace {
 
-constexpr std::string_view placeSection = "Finestra";
 constexpr int firstWidth = 1180;
 constexpr int firstHeight = 760;
 constexpr int leastWidth = 640;
 constexpr int leastHeight = 420;
 constexpr int listsWidth = 372;
-
-QByteArray bytesOf(const Settings& settings, std::string_view key) {
-  return QByteArray::fromBase64(QByteArray::fromStdString(settings.get(placeSection, key)));
-}
 
 /// A picture for the row under the mouse: for the article or department that it shows.
 void takeDrops(frmMain& window) {
@@ -86,6 +81,11 @@ frmMain::frmMain(Session& session, Environment& env, WorkbenchPorts ports)
   built_ = new QLabel(this);
   built_->setObjectName(QStringLiteral("lblCostruito"));
   statusBar()->addPermanentWidget(built_);
+  auto* view = named(new QToolButton(this), "cmdVedi");
+  view->setDefaultAction(menus_->action("site.view"));
+  view->setAutoRaise(true);
+  view->setFocusPolicy(Qt::TabFocus);
+  statusBar()->addPermanentWidget(view);
   refresh_.setSingleShot(true);
   refresh_.setInterval(0);
   connect(&refresh_, &QTimer::timeout, menus_, &MainMenus::refresh);
@@ -117,6 +117,7 @@ void frmMain::makePanels() {
   tree_ = new DepartmentView(workbench_, this);
   panel_ = new ArticlePanel(workbench_, this);
   articles_ = &panel_->list();
+  connect(articles_, &ArticleList::cellTyped, this, &frmMain::showBuilt);
   for (const auto& [list, bar] : {std::pair<QWidget*, Toolbar>{tree_, Toolbar::Departments},
                                   std::pair<QWidget*, Toolbar>{articles_, Toolbar::Articles}}) {
     list->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -167,6 +168,7 @@ void frmMain::makeKeys() {
 
 void frmMain::goToTitle() {
   const bool articles = workbench_.tab() == Tab::Articles;
+  if (articles && articles_->hasFocus()) return articles_->editCell();
   if (!articles && workbench_.tab() != Tab::Departments) return;
   page(workbench_.tab()).goTo(articles ? EditedSet::Articoli : EditedSet::Categorie, "titolo");
 }
@@ -185,7 +187,7 @@ void frmMain::typed(const EditorBinding& binding, const QString& text) {
 }
 
 bool frmMain::finishEdits() {
-  bool saved = true;
+  bool saved = articles_ == nullptr || articles_->finishEdit();
   for (EditorPage* page : pages_) saved = (page == nullptr || page->commit()) && saved;
   return saved;
 }
@@ -225,10 +227,11 @@ std::vector<std::int64_t> frmMain::selectedArticles() const { return articles_->
 void frmMain::focusTree() { tree_->setFocus(Qt::OtherFocusReason); }
 
 void frmMain::startRow(EditedSet set) {
-  if (detailsHidden_) return;
   const bool article = set == EditedSet::Articoli;
   // What was just added may be none that the filter lets through.
   if (article && articles_->articles().currentRow() < 0) panel_->showAll();
+  if (detailsHidden_ && article) articles_->editCell(ArticleModel::Title);
+  if (detailsHidden_) return;
   page(article ? Tab::Articles : Tab::Departments).goTo(set, article ? "codice" : "titolo");
 }
 
@@ -249,6 +252,8 @@ void frmMain::offerCommands(QWidget& list, Toolbar bar, QPoint at) {
   }
   if (bar == Toolbar::Articles) {
     menu.addSeparator();
+    menu.addMenu(&panel_->columnMenu());
+    menu.addSeparator();
     for (const char* name :
          {"article.duplicate", "article.mark.novita", "article.mark.inelenco", "article.mark.fuoricatalogo"}) {
       menu.addAction(menus_->action(name));
@@ -261,7 +266,8 @@ void frmMain::offerCommands(QWidget& list, Toolbar bar, QPoint at) {
 void frmMain::showBuilt() {
   const std::string built = workbench_.buildStatus();
   if (built.empty()) return built_->clear();
-  const bool all = std::ranges::all_of(pages_, [](const EditorPage* page) { return !page->hasUnsaved(); });
+  const bool all = !articles_->isUnsaved() &&
+                   std::ranges::all_of(pages_, [](const EditorPage* page) { return !page->hasUnsaved(); });
   built_->setText((all ? tr("Tutto salvato") : tr("Non tutto è salvato")) + QStringLiteral(" - ") + toQt(built));
 }
 
@@ -315,23 +321,6 @@ void frmMain::showEvent(QShowEvent* event) {
   if (!whenShown_) return;
   const auto action = std::exchange(whenShown_, nullptr);
   QTimer::singleShot(0, this, action);
-}
-
-void frmMain::keepLayout() {
-  const auto keep = [this](std::string_view key, const QByteArray& bytes) {
-    const std::string text = bytes.toBase64().toStdString();
-    if (env_.settings.get(placeSection, key) != text)
-      ignore(env_.settings.set(placeSection, key, text), "the next start puts the window where it was");
-  };
-  keep("geometria", saveGeometry());
-  keep("divisori", sides_->saveState());
-  keep("elenchi", lists_->saveState());
-}
-
-void frmMain::restoreLayout() {
-  restoreGeometry(bytesOf(env_.settings, "geometria"));
-  sides_->restoreState(bytesOf(env_.settings, "divisori"));
-  lists_->restoreState(bytesOf(env_.settings, "elenchi"));
 }
 
 }  // namespace kv

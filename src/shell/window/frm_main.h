@@ -109,7 +109,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void makeTabs();
   /// Tree, list and pages, with the strip of tabs and the button of the languages above them.
   void makePanels();
-  /// F2, which goes to the title.
+  /// F2, which goes to the title, and in the list opens a cell.
   void makeKeys();
   /// Shows in tree or list what is being typed into a field.
   void typed(const EditorBinding& binding, const QString& text);

@@ -1,21 +1,21 @@
 #include "shell/window/frm_tree.h"
 
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QFontMetrics>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QTimer>
 #include <cstdlib>
 
 #include "platform/qt/frm_dialog.h"
+#include "shell/window/frm_dragged.h"
 
 namespace kv {
 namespace {
 
 constexpr int rowRoom = 8;     // pixels above and below the text together
 constexpr int dragTwips = 45;  // a twip is the 1440th part of an inch
-const QString departmentMime = QStringLiteral("application/x-korvane-reparto");
 
 }  // namespace
 
@@ -96,28 +96,29 @@ Qt::ItemFlags DepartmentModel::flags(const QModelIndex& index) const {
   return index.internalId() == 0 ? every : every | Qt::ItemIsDragEnabled;
 }
 
-QStringList DepartmentModel::mimeTypes() const { return {departmentMime}; }
+QStringList DepartmentModel::mimeTypes() const { return {departmentMime, articleMime}; }
 
 QMimeData* DepartmentModel::mimeData(const QModelIndexList& indexes) const {
-  if (indexes.isEmpty()) return nullptr;
-  auto* data = new QMimeData;
-  data->setData(departmentMime, QByteArray::fromStdString(keyOf(indexes.front())));
-  return data;
+  return indexes.isEmpty() ? nullptr : draggedDepartment(keyOf(indexes.front()));
 }
 
 bool DepartmentModel::canDropMimeData(const QMimeData* data, Qt::DropAction action, int /*row*/, int /*column*/,
                                       const QModelIndex& parent) const {
-  if (action != Qt::MoveAction || !data->hasFormat(departmentMime) || !parent.isValid()) return false;
-  return workbench_.canMoveNode(data->data(departmentMime).toStdString(), keyOf(parent));
+  if (action != Qt::MoveAction || !parent.isValid()) return false;
+  if (data->hasFormat(articleMime)) return !articlesOf(*data).empty() && workbench_.canMoveArticles(keyOf(parent));
+  return data->hasFormat(departmentMime) && workbench_.canMoveNode(departmentOf(*data), keyOf(parent));
 }
 
-/// The move itself waits until the drag is over: it rebuilds the tree, under the hands of who is dragging.
+/// The move itself waits until the drag is over: it rebuilds tree and list, under the hands of who is dragging.
 bool DepartmentModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                                    const QModelIndex& parent) {
   if (!canDropMimeData(data, action, row, column, parent)) return false;
-  const std::string key = data->data(departmentMime).toStdString();
   const std::string target = keyOf(parent);
-  QTimer::singleShot(0, this, [this, key, target] { emit dropped(key, target); });
+  if (const ArticleGroup group = articlesOf(*data); !group.empty()) {
+    QTimer::singleShot(0, this, [this, group, target] { workbench_.SpostaInReparto(group, target); });
+    return false;
+  }
+  QTimer::singleShot(0, this, [this, key = departmentOf(*data), target] { workbench_.SpostaNodo(key, target); });
   return false;
 }
 
@@ -131,11 +132,10 @@ DepartmentView::DepartmentView(Workbench& workbench, QWidget* parent)
   setIndentation(fontMetrics().height() + 2);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setSelectionMode(QAbstractItemView::SingleSelection);
-  setDragDropMode(QAbstractItemView::InternalMove);
+  setDragDropMode(QAbstractItemView::DragDrop);
+  setDefaultDropAction(Qt::MoveAction);
   setDragDropOverwriteMode(true);
   setAutoExpandDelay(700);
-  connect(model_, &DepartmentModel::dropped, this,
-          [this](const std::string& key, const std::string& target) { workbench_.SpostaNodo(key, target); });
 }
 
 void DepartmentView::rebuild() {
@@ -169,6 +169,12 @@ void DepartmentView::expandTree(bool expanded) {
     expand(model_->indexOf(std::string(treeRoot)));
   }
   scrollTo(currentIndex());
+}
+
+/// The keys of another window of the program are those of another shop.
+void DepartmentView::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->source() == nullptr) return event->ignore();
+  QTreeView::dragEnterEvent(event);
 }
 
 void DepartmentView::mousePressEvent(QMouseEvent* event) {

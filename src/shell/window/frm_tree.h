@@ -1,5 +1,6 @@
 #pragma once
-// The tree of departments: the rows of the catalogue under the node of the shop. Departments are moved by dragging.
+// The tree of departments: the rows of the catalogue under the node of the shop. Departments are moved by dragging, and
+// articles of the list by a drop on a department.
 
 #include <QAbstractItemModel>
 #include <QTreeView>
@@ -45,17 +46,14 @@ class DepartmentModel final : public QAbstractItemModel {
   QStringList mimeTypes() const override;
   QMimeData* mimeData(const QModelIndexList& indexes) const override;
   Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
-  /// Whether the workbench allows the move: not onto the node itself or a descendant.
+  /// Whether the workbench allows the move: a department not onto itself or a descendant, articles not onto the root or
+  /// the department that they are in.
   bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                        const QModelIndex& parent) const override;
-  /// Always false, so that the view removes no row: the rows change when the tree is rebuilt after the move.
+  /// Has the workbench move what is dropped, once the drag has ended. Always false, so that no view removes a row: the
+  /// rows change when they are read again after the move.
   bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                     const QModelIndex& parent) override;
-
- signals:
-  /// A department was dropped on another or on the root; the workbench moves it.
-  /// Emitted from the event loop once the drag has ended.
-  void dropped(const std::string& key, const std::string& nuovoParent);
 
  private:
   /// A node by its index in nodes_, which is also the internal id of its QModelIndex.
@@ -96,6 +94,8 @@ class DepartmentView final : public QTreeView {
  protected:
   /// Hands the node that the user went to to the workbench, which saves what is being typed first.
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  /// Takes what comes from this window alone.
+  void dragEnterEvent(QDragEnterEvent* event) override;
   /// Remembers where a drag may begin.
   void mousePressEvent(QMouseEvent* event) override;
   /// Begins a drag after 45 twips (1/32 inch) along one axis, the same on every desktop.

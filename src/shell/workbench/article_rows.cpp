@@ -8,6 +8,56 @@
 #include "store/schema/schema.h"
 
 namespace kv {
+namespace {
+
+/// What a row is sorted by: a text or a number, the other being equal in all rows.
+struct SortKey {
+  std::string text;
+  double number = 0;
+  std::int64_t ID = 0;
+};
+
+SortKey sortKeyOf(const ArticleRow& row, ArticleArrangement::By by) {
+  using enum ArticleArrangement::By;
+  // What has no number comes before all that have.
+  const auto number = [&](const std::string& text) { return SortKey{{}, toNumber(text).value_or(-1), row.ID}; };
+  switch (by) {
+    case Code:
+      return {foldCase(row.codice), 0, row.ID};
+    case Title:
+      return {foldCase(row.titolo), 0, row.ID};
+    case Price:
+      return number(row.prezzo);
+    case Offer:
+      return number(row.offerta);
+    case Weight:
+      return number(row.peso);
+    case Showcase:
+      return {{}, row.inelenco ? 0.0 : 1.0, row.ID};
+    case ShopOrder:
+      break;
+  }
+  return {{}, 0, row.ID};
+}
+
+bool isSortedBefore(const SortKey& one, const SortKey& other) {
+  return std::tie(one.text, one.number) < std::tie(other.text, other.number);
+}
+
+/// The row of a statement made by ArticleRows::query().
+ArticleRow readRow(const Statement& row) {
+  ArticleRow read;
+  read.ID = row.integer(0);
+  read.codice = row.text(1);
+  read.titolo = row.text(2);
+  read.prezzo = asText(row.value(3));
+  if (asFlag(row.value(4))) read.offerta = asText(row.value(5));
+  read.peso = asText(row.value(6));
+  read.inelenco = asFlag(row.value(7));
+  return read;
+}
+
+}  // namespace
 
 void ArticleRows::refresh(int listino) {
   listino_ = listino;
@@ -28,7 +78,7 @@ void ArticleRows::refresh(int listino) {
 }
 
 void ArticleRows::applyArrangement() {
-  using enum ArticleArrangement::By;
+  readAll();
   const std::string wanted = foldCase(arrangement_.filter);
   std::erase_if(keys_, [&](std::int64_t ID) {
     const ArticleRow& row = rowOf(ID);
@@ -36,24 +86,11 @@ void ArticleRows::applyArrangement() {
     return foldCase(row.codice).find(wanted) == std::string::npos &&
            foldCase(row.titolo).find(wanted) == std::string::npos;
   });
-  if (arrangement_.by == ShopOrder) return;
-  struct SortKey {
-    std::string text;
-    double number = 0;
-    std::int64_t ID = 0;
-  };
+  if (arrangement_.by == ArticleArrangement::By::ShopOrder) return;
   std::vector<SortKey> sorted;
-  for (const std::int64_t ID : keys_) {
-    const ArticleRow& row = rowOf(ID);
-    const bool byPrice = arrangement_.by == Price;
-    sorted.push_back({byPrice ? std::string() : foldCase(arrangement_.by == Code ? row.codice : row.titolo),
-                      byPrice ? toNumber(row.prezzo).value_or(-1) : 0, ID});
-  }
-  const auto isBefore = [](const SortKey& one, const SortKey& other) {
-    return std::tie(one.text, one.number) < std::tie(other.text, other.number);
-  };
+  for (const std::int64_t ID : keys_) sorted.push_back(sortKeyOf(rowOf(ID), arrangement_.by));
   std::ranges::stable_sort(sorted, [&](const SortKey& one, const SortKey& other) {
-    return arrangement_.descending ? isBefore(other, one) : isBefore(one, other);
+    return arrangement_.descending ? isSortedBefore(other, one) : isSortedBefore(one, other);
   });
   std::ranges::transform(sorted, keys_.begin(), &SortKey::ID);
 }
@@ -63,20 +100,34 @@ const ArticleRow& ArticleRows::at(std::size_t index) {
   return index < keys_.size() ? rowOf(keys_[index]) : none;
 }
 
+std::string ArticleRows::query(std::string_view condition) const {
+  const std::string_view language = languageSuffixes[static_cast<std::size_t>(sets_.session().currentLanguage - 1)];
+  const std::string list(listinoSuffixes[static_cast<std::size_t>(listino_)]);
+  return "SELECT ID, codice, titolo" + std::string(language) + ", prezzo" + list + ", offerta" + list +
+         ", offertaprezzo" + list + ", peso, inelenco FROM articoli WHERE " + std::string(condition);
+}
+
 const ArticleRow& ArticleRows::rowOf(std::int64_t ID) {
   static const ArticleRow none;
   if (const auto known = rows_.find(ID); known != rows_.end()) return known->second;
-  const Session& session = sets_.session();
-  const std::string title =
-      "titolo" + std::string(languageSuffixes[static_cast<std::size_t>(session.currentLanguage - 1)]);
-  const std::string price = "prezzo" + std::string(listinoSuffixes[static_cast<std::size_t>(listino_)]);
-  auto row =
-      sets_.session().catalogue.prepare("SELECT codice, " + title + ", " + price + " FROM articoli WHERE ID = ?");
+  auto row = sets_.session().catalogue.prepare(query("ID = ?"));
   if (!row) return none;
   row->bind(1, ID);
   const auto found = row->step();
   if (!found || !*found) return none;
-  return rows_[ID] = {ID, std::string(row->text(0)), std::string(row->text(1)), asText(row->value(2))};
+  return rows_[ID] = readRow(*row);
+}
+
+void ArticleRows::readAll() {
+  auto row = sets_.session().catalogue.prepare(query("catID = ?"));
+  if (!row) return;
+  const std::string department = sets_.department();
+  row->bind(1, department);
+  for (;;) {
+    const auto found = row->step();
+    if (!found || !*found) return;
+    rows_[row->integer(0)] = readRow(*row);
+  }
 }
 
 std::optional<std::size_t> ArticleRows::indexOf(std::int64_t ID) const {

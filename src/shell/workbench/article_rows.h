@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -16,12 +17,15 @@ namespace kv {
 struct ArticleRow {
   std::int64_t ID = 0;
   std::string codice, titolo;
-  std::string prezzo;  ///< in the price list being edited, as stored; empty for none
+  std::string prezzo;     ///< in the price list being edited, as stored; empty for none
+  std::string offerta;    ///< its price on offer in that list, as stored; empty while it is not on offer
+  std::string peso;       ///< as stored; empty for none
+  bool inelenco = false;  ///< in the showcase
 };
 
 /// How the list shows the articles; the order of the shop stays what it is.
 struct ArticleArrangement {
-  enum class By { ShopOrder, Code, Title, Price };
+  enum class By { ShopOrder, Code, Title, Price, Offer, Weight, Showcase };
   By by = By::ShopOrder;
   bool descending = false;    ///< of a column
   std::string filter;         ///< only rows whose code or title has this text, in any case; empty: all
@@ -62,7 +66,11 @@ class ArticleRows {
  private:
   /// The row of an article; an empty one when it can't be read.
   const ArticleRow& rowOf(std::int64_t ID);
-  /// Leaves the keys that the filter lets through, sorted by the column; reads every row.
+  /// The statement that reads rows as they are shown, by a condition with one value.
+  std::string query(std::string_view condition) const;
+  /// Reads every row of the department by one statement.
+  void readAll();
+  /// Leaves the keys that the filter lets through, sorted by the column.
   void applyArrangement();
 
   CatalogueSets& sets_;

@@ -6,6 +6,7 @@
 
 #include "shell/workbench/appearance.h"
 #include "shell/workbench/command.h"
+#include "shell/workbench/local_site.h"
 #include "shell/workbench/open_document.h"
 
 namespace kv {
@@ -16,6 +17,7 @@ struct WorkbenchPorts {
   std::vector<Command> commands;
   WorkbenchDialogs dialogs;                         ///< a dialog that is unset leaves its commands disabled
   DocumentOpener open;                              ///< of the desktop; unset: documents don't open
+  LocalHost host;                                   ///< of this machine; unset: the built shop can't be seen
   std::function<void(Appearance)> applyAppearance;  ///< makes the windows light or dark
   char decimalSeparator = ',';                      ///< of the user's locale, in every field
 };

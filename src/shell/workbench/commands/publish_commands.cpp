@@ -34,10 +34,38 @@ void openBackOffice(const CommandContext& context) {
   context.env.user.message(noBackOffice, Icon::Information);
 }
 
+/// The built shop in the browser, from this machine.
+void viewSite(const CommandContext& context) {
+  const LocalHost& host = context.ports.host;
+  if (const auto packages = missingPackages(host.programFolders); !packages.empty()) {
+    context.env.user.message(missingPackagesText(packages), Icon::Information);
+    return;
+  }
+  const auto address = serveShop(context.session.ShopFolder, host, context.env.user);
+  if (address) return context.bench.openDocument(*address);
+  if (address.error().kind == ErrorKind::Cancelled) return;
+  context.env.user.message("Impossibile mostrare il negozio su questa macchina:\n" + address.error().what,
+                           Icon::Exclamation);
+}
+
+Command viewSiteRow() {
+  Command row;
+  row.name = "site.view";
+  row.menus = {{Menu::Help, 105, "Vedi il negozio"}};
+  row.shortcut = "F5";
+  row.whenOff = "Costruire prima il negozio";
+  row.enabled = [](const CommandContext& context) {
+    return context.bench.isOpen() && context.ports.host.start != nullptr && isBuilt(context.session);
+  };
+  row.run = viewSite;
+  return row;
+}
+
 }  // namespace
 
 std::vector<Command> publishCommands() {
-  return withHelp({{.number = 51,
+  return withHelp({viewSiteRow(),
+                   {.number = 51,
                     .name = "publish",
                     .caption = "Aggiorna il sito",
                     .icon = "pubblica",

@@ -1,6 +1,6 @@
 #pragma once
 // The mark beside a field whose text was not taken as it was typed: a picture at the field's end, the reason as its
-// tip.
+// tip and, for a while, as the note of the window (frm_note.h).
 
 #include <QLabel>
 #include <QObject>
@@ -14,9 +14,9 @@ class FieldMark final : public QObject {
  public:
   /// The field owns the mark. Its tip and description are those it has when the mark is shown.
   explicit FieldMark(QWidget* field);
-  /// Shows the mark, and its reason below the field until the next key.
+  /// Shows the mark, and its reason as a note below the field.
   void show(const QString& reason);
-  /// Hides the mark; the field has its own tip and description again.
+  /// Hides the mark and its note; the field has its own tip and description again.
   void clear();
   /// Why the mark is shown; empty while it is hidden.
   const QString& reason() const { return reason_; }

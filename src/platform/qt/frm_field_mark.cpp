@@ -1,10 +1,11 @@
-#include "shell/window/frm_field_mark.h"
+#include "platform/qt/frm_field_mark.h"
 
 #include <QAccessible>
 #include <QEvent>
 #include <QLineEdit>
 #include <QStyle>
-#include <QToolTip>
+
+#include "platform/qt/frm_note.h"
 
 namespace kv {
 namespace {
@@ -39,13 +40,14 @@ void FieldMark::show(const QString& reason) {
   moveToEnd();
   picture_->show();
   picture_->raise();
-  if (field_->isVisible()) QToolTip::showText(field_->mapToGlobal(QPoint(0, field_->height())), reason, field_);
+  if (field_->isVisible()) showNote(*field_, reason);
   QAccessibleEvent changed(field_, QAccessible::DescriptionChanged);
   QAccessible::updateAccessibility(&changed);
 }
 
 void FieldMark::clear() {
   if (reason_.isEmpty()) return;
+  if (noteOf(*field_->window()) == reason_) showNote(*field_, {});
   reason_.clear();
   field_->setToolTip(usualTip_);
   field_->setAccessibleDescription(usualDescription_);
