@@ -82,7 +82,7 @@ class Pages(CustomerCase):
         self.assertIn("non sono più disponibili", self.visitor.send(form, page, compra="99999.1").text)
         self.assertFalse(any("kvstore_cart" in name for _, name in self.visitor.cookies))
 
-    def test_the_page_behind_a_payment_says_paid_only_of_a_paid_order(self):
+    def test_the_page_after_a_payment_says_paid_only_of_a_paid_order(self):
         word = "Il pagamento è andato a buon fine"
         self.assertNotIn(word, self.visitor.ask("payok.php").text)
         order(self.visitor, self.cart, method=2)

@@ -215,7 +215,9 @@ class Search(CustomerCase):
 
     def test_a_result_leads_to_its_article(self):
         text = self.visitor.ask("kvsearch.php?q=PI-002").text
-        self.assertRegex(text, r'href="cat008\.php\?n=1#\d"')
+        link = re.search(r'href="(cat008\.php\?n=1&amp;prod=\d)"', text).group(1)
+        page = self.visitor.ask(link.replace("&amp;", "&")).text
+        self.assertEqual((page.count("<article"), "PI-002" in page), (1, True))
 
 
 class Access(CustomerCase):

@@ -1,8 +1,9 @@
 <?php
-// ***1.0.7***
 // The search of the shop: finds the words in code, title, subtitle, description and notes, and prints the page
 // search.htm with one row of results.htm for each article found. Departments closed to the visitor and hidden ones stay
 // out. Upper and lower case and accents don't count: "perche" finds "Perché".
+// This script bears no mark of a release, so that the build can do its correction for shops whose results lead to the
+// single article: it exchanges the line that makes the address.
 include "funcs.php";
 
 /** What parts whole words from one another in a text. */

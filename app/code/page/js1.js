@@ -253,7 +253,7 @@ document.addEventListener("DOMContentLoaded", function () {
     document.kvReparti.kvRepartiMenu.setAttribute("aria-label", "<<4-menu_reparti>>");
   }
   // A shop reachable under several domains keeps its cart under one of them.
-  if (autoredirect === 1 && indirizzoNegozio !== "" && new URL(indirizzoNegozio).hostname !== location.hostname) {
+  if (autoredirect === 1 && /^https?:\/\/[^/]/i.test(indirizzoNegozio) && new URL(indirizzoNegozio).hostname !== location.hostname) {
     location.replace(indirizzoNegozio + location.pathname.replace(/^.*\//, "/") + location.search + location.hash);
   }
 });

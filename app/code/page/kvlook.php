@@ -137,6 +137,13 @@ KORVANE_VALORI
     return $html;
 }
 
+/** The keywords of the shop for search engines that still read them; nothing without any. */
+function kvParoleChiave(string $parole): string
+{
+    $parole = TestoSemplice($parole);
+    return $parole === '' ? '' : "<meta name=\"keywords\" content=\"$parole\">\n";
+}
+
 /** The shop's logo from its tag, named; its name alone without one. */
 function kvLogo(string $tag): string
 {
