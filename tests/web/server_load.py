@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Loads that visitors never see, and the index of words that they bring up to date: server_load.py KORVANE_CLI"""
 import concurrent.futures
+import http.client
 import os
 import pathlib
 import random
 import re
 import signal
 import threading
+import urllib.parse
 
-from shop_case import Case, main, shop
+from shop_case import Case, main, order, shop
 
 
 class Loads(Case):
@@ -44,7 +46,7 @@ class Loads(Case):
             while not ended.is_set() or count < 40:
                 try:
                     page = visitor.ask("cat007.php?n=1")
-                except (ConnectionError, OSError):
+                except (OSError, ValueError, http.client.HTTPException):
                     continue
                 if page.status != 502:
                     self.check(page)
@@ -59,7 +61,7 @@ class Loads(Case):
                         timer.start()
                         try:
                             self.load(None, None)
-                        except (ConnectionError, OSError):
+                        except (OSError, ValueError, http.client.HTTPException):
                             pass
                         timer.join()
                     else:
@@ -114,6 +116,29 @@ class Loads(Case):
             answer = self.load("DELETE FROM articoli WHERE ID IN ('1');\r\n", self.row(1) + broken)
             self.assertNotEqual(answer, "OK")
             self.assertEqual(shop().rows("SELECT plain_titolo FROM articoli WHERE ID = 1"), [[title]])
+
+    def ask_again(self, address, name):
+        """The status of a page for a browser that has it under a name."""
+        parts = urllib.parse.urlsplit(shop().base)
+        connection = http.client.HTTPConnection(parts.hostname, parts.port, timeout=60)
+        connection.request("GET", "/" + address, headers={"If-None-Match": name})
+        answer = connection.getresponse()
+        body = answer.read()
+        connection.close()
+        return answer.status, len(body)
+
+    def test_a_repeated_visit_costs_a_header_until_the_catalogue_or_the_stock_changes(self):
+        for address in ("index.php", "cat007.php?n=1", "cat007.php?n=1&prod=1", "condizioni_l2.php"):
+            name = self.visitor.ask(address).headers["ETag"]
+            self.assertEqual(self.ask_again(address, name), (304, 0), address)
+            self.assertEqual(self.load("\r\n", "\r\n"), "OK")
+            self.assertEqual(self.ask_again(address, name)[0], 200, address)
+        name = self.visitor.ask(address).headers["ETag"]
+        self.assertIn("thankyou", order(self.visitor, self.cart, method=2).address)
+        self.assertEqual(self.ask_again(address, name)[0], 200)
+        for private in ("cart.php", "order.php", "login.php", "messaggio.php", "kvsearch.php?q=gres"):
+            self.assertIsNone(shop().visitor().ask(private).headers["ETag"], private)
+        self.assertIsNone(self.visitor.ask("index.php").headers["ETag"], "a visitor with a session")
 
     def found(self, word):
         return int(re.search(r"Articoli trovati: (\d+)", self.visitor.ask("kvsearch.php?q=" + word).text).group(1))

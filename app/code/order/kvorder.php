@@ -265,6 +265,7 @@ function kvPrendiOrdine(string $gettone): void
     unset($_SESSION['gettone']);
     setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
     if ($nuovo) {
+        kvScorteCambiate();
         $anonimo = kvUtf8(kvConto($righe, $totali) . "<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n";
         $istruzioni = kvIstruzioniMail($metodo);
         $istruzioni = $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";

@@ -123,21 +123,23 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     }
     $guasto = $guasto === '' ? kvCaricaSql($nuovo, $carico) : $guasto;
     $guasto = $guasto === '' ? kvIndicizza($carico) : $guasto;
-    $guasto = $guasto === '' ? kvSegnaCarico($carico) : $guasto;
+    $guasto = $guasto === '' ? kvSegnaCarico() : $guasto;
     $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
     $guasto = $guasto === '' ? kvScambia($carico) : $guasto;
+    if ($guasto === '' && $carico->nuove !== []) {
+        // Once more: what was shown between the first mark and the exchange was the former catalogue.
+        $guasto = kvSegnaCarico(in_array("kv_parole$lingua", $carico->nuove, true) ? "indice$lingua" : '');
+        $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
+    }
     if ($guasto !== '') {
         kvAnnullaCarico($carico);
     }
     return $guasto;
 }
 
-/** Counts the load, for pages that browsers keep: a page of another load is another page. The failure. */
-function kvSegnaCarico(KvCarico $carico): string
+/** Marks the load, for pages that browsers keep: a page of another load is another page. Sets `altro` too. The failure. */
+function kvSegnaCarico(string $altro = ''): string
 {
-    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')";
-    if (in_array("kv_parole$carico->lingua", $carico->nuove, true)) {
-        $stati .= ", ('indice$carico->lingua', '1')";
-    }
+    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')" . ($altro === '' ? '' : ", ('$altro', '1')");
     return kvEseguiSql("REPLACE INTO kv_stato (nome, valore) VALUES $stati");
 }
