@@ -192,6 +192,7 @@ class Search(CustomerCase):
                            f"INSERT IGNORE INTO kv_vocaboli VALUES ('{word}')")
             titles += shop().rows(f"SELECT plain_titolo FROM articoli WHERE ID = {number}")[0]
         try:
+            self.assertEqual(self.total("gromba"), 5)
             found = [html.unescape(title) for title in self.found("gromba")]
             self.assertEqual(found, [titles[n - 1] for n in (1, 2, 5, 3, 4)])
         finally:

@@ -21,11 +21,12 @@ function kvIndicePronto(array $parole, bool $tutte): bool
     return kvStato('indice' . $GLOBALS['Lingua']) !== '';
 }
 
-/** The parts of a request word that the index holds. */
+/** What the index is asked for a request word: the word, or the longest part of one with marks; none below two characters. */
 function kvPezziParola(string $parola): array
 {
     preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega(kvUtf8($parola)), $trovati);
-    return array_values(array_filter($trovati[0], fn($pezzo) => kvLunghezza($pezzo) > 1));
+    usort($trovati[0], fn($uno, $altro) => kvLunghezza($altro) <=> kvLunghezza($uno));
+    return array_filter(array_slice($trovati[0], 0, 1), fn($pezzo) => kvLunghezza($pezzo) > 1);
 }
 
 /** Whether a request word holds other than characters and digits. */
@@ -42,7 +43,10 @@ function kvVocaboli(string $pezzo): ?array
     return $righe !== null && count($righe) <= KV_VOCABOLI ? array_column($righe, 'parola') : null;
 }
 
-/** The articles that have a part of a word or the whole of it, as a SELECT of articolo and punti; values go to `valori`. */
+/**
+ * The articles that have a part of a word or the whole of it, as a SELECT of articolo and punti; values go to `valori`.
+ * Without being told, the server would rather walk through all words in the order of the articles.
+ */
 function kvSceltaParola(string $pezzo, bool $intera, array &$valori): string
 {
     $tabella = 'kv_parole' . $GLOBALS['Lingua'];
@@ -59,8 +63,8 @@ function kvSceltaParola(string $pezzo, bool $intera, array &$valori): string
         $dove = $parole === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($parole), '?')) . ')';
         $valori = array_merge($valori, $parole);
     }
-    return "SELECT articolo, MIN(rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))) AS punti FROM $tabella WHERE $dove"
-        . ' GROUP BY articolo';
+    return "SELECT articolo, MIN(rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))) AS punti FROM $tabella"
+        . " FORCE INDEX (PRIMARY) WHERE $dove GROUP BY articolo";
 }
 
 /** The conditions that request words with marks inside put on an article besides; values go to `valori`. */
@@ -70,10 +74,20 @@ function kvCondizioneSegni(array $parole, bool $intere, array &$valori): string
     return $segnate === [] ? '' : ' AND ' . kvCondizione($segnate, true, $intere, $valori);
 }
 
+/** The condition that an article's department is open to the visitor and not hidden; values go to `valori`. */
+function kvCondizioneReparti(array &$valori): string
+{
+    $tutti = kvQuery('SELECT ID, inaccessibile' . ($GLOBALS['listino'] ?: '') . ' OR nascosto AS chiuso FROM categorie') ?? [];
+    $chiusi = array_values(array_filter($tutti, fn($riga) => (bool) $riga['chiuso']));
+    foreach ($chiusi as $riga) {
+        $valori[] = kvUtf8((string) $riga['ID']);
+    }
+    return $chiusi === [] ? '1 = 1' : 'reparto NOT IN (' . implode(',', array_fill(0, count($chiusi), '?')) . ')';
+}
+
 /** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
 function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
 {
-    global $listino;
     $pezzi = array_values(array_unique(array_merge(...array_map('kvPezziParola', $parole))));
     $valori = [];
     $scelte = [];
@@ -81,17 +95,17 @@ function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina,
         $scelte[] = '(' . kvSceltaParola($pezzo, $intere, $valori) . ')';
     }
     $voluti = $tutte ? count($pezzi) : 1;
-    $tabella = kvTabellaLingua('articoli');
     $trovati = count($pezzi) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
         . implode(' UNION ALL ', $scelte) . ") t GROUP BY articolo HAVING COUNT(*) >= $voluti)";
-    $segni = kvCondizioneSegni($parole, $intere, $valori);
-    $da = " FROM $trovati p INNER JOIN dettaglio ON dettaglio.ID = p.articolo INNER JOIN categorie ON categorie.ID = catID"
-        . " INNER JOIN $tabella ON $tabella.ID = p.articolo WHERE categorie.inaccessibile"
-        . ($listino ?: '') . ' = 0 AND nascosto = 0' . $segni;
+    list($reparti, $segni) = [kvCondizioneReparti($valori), kvCondizioneSegni($parole, $intere, $valori)];
+    $tabella = kvTabellaLingua('articoli');
+    $da = " FROM $trovati p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($segni === '' ? ''
+        : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
+        . ' WHERE ' . $reparti . $segni;
     // Named with a table of words, the statement speaks UTF-8 as they do.
     $quanti = (int) (kvRiga('SELECT COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
     $pagina = max(1, min($pagina, (int) ceil($quanti / $perPagina)));
-    $numeri = $quanti === 0 ? [] : kvQuery("SELECT p.articolo $da ORDER BY punti, plain_titolo, p.articolo LIMIT ? OFFSET ?",
+    $numeri = $quanti === 0 ? [] : kvQuery("SELECT p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
         array_merge($valori, [$perPagina, ($pagina - 1) * $perPagina]));
     return [$quanti, kvRigheTrovate(array_map('intval', array_column($numeri ?? [], 'articolo'))), $pagina];
 }

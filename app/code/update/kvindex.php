@@ -1,7 +1,8 @@
 <?php
 // ***1.0.7***
-// The index of words that the search asks: for each language kv_parole, which article has which word and where, and
-// kv_vocaboli, each word once, in which a part of a word is looked for. A load reads the words of the articles that it
+// The index of words that the search asks: for each language kv_parole, which article has which word and where;
+// kv_vocaboli, each word once, in which a part of a word is looked for; kv_voci, department and title of each article,
+// by which results are chosen and ordered without a look at the wide rows of the catalogue. A load reads the words of the articles that it
 // brings and of no others.
 include_once "kvutf8.php";
 
@@ -32,34 +33,41 @@ function kvParoleArticolo(array $riga): array
     return $parole;
 }
 
-/** Makes the two tables of a language under names that begin with `prefisso`. The failure. */
+/** Makes the tables of a language under names that begin with `prefisso`. The failure. */
 function kvTabelleIndice(string $prefisso, string $lingua, bool $nuove): string
 {
     $parola = 'parola VARCHAR(40) CHARACTER SET utf8mb4 COLLATE utf8mb4_bin NOT NULL';
     $guasto = '';
     foreach (["kv_parole$lingua" => "$parola, articolo INT NOT NULL, rango TINYINT NOT NULL, PRIMARY KEY (parola, articolo),"
-              . ' KEY articolo (articolo)', "kv_vocaboli$lingua" => "$parola PRIMARY KEY"] as $nome => $colonne) {
+              . ' KEY articolo (articolo)', "kv_vocaboli$lingua" => "$parola PRIMARY KEY",
+              "kv_voci$lingua" => 'articolo INT NOT NULL PRIMARY KEY, reparto VARCHAR(20) CHARACTER SET utf8mb4 NOT NULL,'
+              . ' titolo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL'] as $nome => $colonne) {
         $guasto = $guasto === '' && $nuove ? kvEseguiSql("DROP TABLE IF EXISTS $prefisso$nome") : $guasto;
         $guasto = $guasto === '' ? kvEseguiSql("CREATE TABLE IF NOT EXISTS $prefisso$nome ($colonne) ENGINE=InnoDB") : $guasto;
     }
     return $guasto;
 }
 
-/** Writes the words of some article rows. The failure. */
-function kvScriviParole(array $righe, string $parole, string $vocaboli): string
+/** Writes the words of some article rows; `forma` makes the name of a table. The failure. */
+function kvScriviParole(array $righe, callable $forma): string
 {
+    kvCaratteri('utf8mb4');
     $voci = [];
     $nuove = [];
+    $articoli = [];
     foreach ($righe as $riga) {
+        $titolo = kvTaglia(kvPiega(kvUtf8((string) $riga['plain_titolo'])), 60);
+        $articoli[] = '(' . (int) $riga['ID'] . ",'" . mysqli_real_escape_string(kvConnessione(), kvUtf8((string) $riga['catID']))
+            . "','" . mysqli_real_escape_string(kvConnessione(), $titolo) . "')";
         foreach (kvParoleArticolo($riga) as $parola => $rango) {
             $voci[] = "('$parola'," . (int) $riga['ID'] . ",$rango)";
             $nuove[$parola] = "('$parola')";
         }
     }
-    kvCaratteri('utf8mb4');
     sort($voci, SORT_STRING);
-    foreach ([$parole => array_chunk($voci, 5000), $vocaboli => array_chunk($nuove, 5000)] as $tabella => $lotti) {
-        foreach ($lotti as $lotto) {
+    foreach (['kv_parole' => $voci, 'kv_vocaboli' => $nuove, 'kv_voci' => $articoli] as $nome => $valori) {
+        $tabella = $forma($nome);
+        foreach (array_chunk($valori, 5000) as $lotto) {
             if (mysqli_query(kvConnessione(), "INSERT IGNORE INTO $tabella VALUES " . implode(',', $lotto)) === false) {
                 return kvGuastoSql("INSERT INTO $tabella");
             }
@@ -75,14 +83,14 @@ function kvLeggiParole(array $tabelle, string $dove, string $prefisso, string $l
     $ultimo = -2147483648;
     do {
         kvCaratteri('latin1');
-        $esito = mysqli_query(kvConnessione(), "SELECT a.ID, codice, plain_titolo, plain_sottotitolo, descrizione, note FROM"
+        $esito = mysqli_query(kvConnessione(), "SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note FROM"
             . " $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID WHERE a.ID > $ultimo AND $dove ORDER BY a.ID LIMIT "
             . KV_ARTICOLI_INSIEME);
         if ($esito === false) {
             return kvGuastoSql("SELECT FROM $articoli");
         }
         $righe = mysqli_fetch_all($esito, MYSQLI_ASSOC);
-        $guasto = kvScriviParole($righe, "{$prefisso}kv_parole$lingua", "{$prefisso}kv_vocaboli$lingua");
+        $guasto = kvScriviParole($righe, fn(string $nome): string => $prefisso . $nome . $lingua);
         if ($guasto !== '') {
             return $guasto;
         }
@@ -102,7 +110,9 @@ function kvIndicizza(KvCarico $carico): string
             return '';
         }
         $guasto = kvTabelleIndice(KV_NUOVA, $carico->lingua, true);
-        array_push($carico->nuove, 'kv_parole' . $carico->lingua, 'kv_vocaboli' . $carico->lingua);
+        foreach (['kv_parole', 'kv_vocaboli', 'kv_voci'] as $nome) {
+            $carico->nuove[] = $nome . $carico->lingua;
+        }
         return $guasto === ''
             ? kvLeggiParole([$nuova($articoli), $nuova('dettaglio')], '1 = 1', KV_NUOVA, $carico->lingua) : $guasto;
     }
@@ -119,6 +129,7 @@ function kvIndicizzaCambiati(KvCarico $carico): string
         foreach (array_chunk(array_keys($carico->articoli), KV_ARTICOLI_INSIEME) as $numeri) {
             $elenco = implode(',', array_map('intval', $numeri));
             $guasto = kvEseguiSql("DELETE FROM kv_parole$lingua WHERE articolo IN ($elenco)");
+            $guasto = $guasto === '' ? kvEseguiSql("DELETE FROM kv_voci$lingua WHERE articolo IN ($elenco)") : $guasto;
             $guasto = $guasto === '' ? kvLeggiParole(["articoli$lingua", 'dettaglio'], "a.ID IN ($elenco)", '', $lingua) : $guasto;
             if ($guasto !== '') {
                 return $guasto;
