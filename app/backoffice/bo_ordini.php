@@ -118,6 +118,7 @@ function boCambiaStato(array $ordine, string $prima, string $dopo, bool $scorte)
         $fatto = boMuoviScorte(boPezziOrdine(boDatiOrdine($ordine['dati'])['righe']), $verso);
     }
     if ($fatto && mysqli_commit(kvConnessione())) {
+        kvScorteCambiate();
         return true;
     }
     mysqli_rollback(kvConnessione());

@@ -104,6 +104,7 @@ function boSalvaVoci(string $tipo): void
         }
     }
     if ($salvate > 0) {
+        kvScorteCambiate();
         boAvvisa($salvate === 1 ? 'Disponibilità salvata.' : "$salvate disponibilità salvate.");
     }
 }

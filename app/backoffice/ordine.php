@@ -38,7 +38,7 @@ function boContenuto(array $ordine, array $dati): void
         (string) $riga['quantita'], boDecimale($riga['importo']), boDecimale($riga['importo'] * $riga['quantita'])],
         $dati['righe']), 'Articoli');
     echo '<dl class="totali">';
-    foreach (['merce' => 'Totale articoli', 'sconto' => 'Sconto', 'iva' => 'IVA', 'spese' => 'Spese di spedizione',
+    foreach (['merce' => 'Totale articoli', 'sconto' => 'Sconto', 'iva' => ($dati['totali']['iva'] ?? 0) < 0 ? 'IVA non dovuta' : 'IVA', 'spese' => 'Spese di spedizione',
               'ivaspese' => 'IVA sulle spese'] as $chiave => $nome) {
         $importo = $dati['totali'][$chiave] ?? 0.0;
         if ($importo != 0.0) {

@@ -12,7 +12,7 @@ import { Shopper } from "./support/shopper.mjs";
 import { languages, readWords } from "./support/words.mjs";
 import { customers } from "./scenarios/customers.mjs";
 import { ordering } from "./scenarios/ordering.mjs";
-import { accessibleBackOffice, fitsTheNarrowScreen, lookedAt, measured } from "./scenarios/pages.mjs";
+import { accessibleBackOffice, fitsInEveryLanguage, fitsTheNarrowScreen, lookedAt, measured } from "./scenarios/pages.mjs";
 import { searching } from "./scenarios/searching.mjs";
 import { visiting } from "./scenarios/visiting.mjs";
 
@@ -106,6 +106,7 @@ for (const [row, screen] of screens.entries()) {
 const [phone, desk] = screens.map((screen) => visitors(languages[0], screen));
 describe(`the pages of ${options.template}`, () => {
   lookedAt(phone, { narrow: true, html: false });
+  fitsInEveryLanguage(phone);
   lookedAt(desk, { narrow: false, html: options.template === "chiaro" });
   if (options.template === "chiaro") {
     accessibleBackOffice(desk);

@@ -39,6 +39,11 @@ runTests([
     'VatFollowsTheDiscount' => fn() => [5940, $total([$line(30000, 1, 220000)], 1, 1)['iva']],
     'ShippingPaysVatWherePricesExcludeIt' => fn() => [198, $total([$line(5000, 1)])['ivaspese']],
     'ShippingPaysNoVatWherePricesIncludeIt' => fn() => [0, $total([$line(5000, 1)], 1, 0, 0, ['ivacompresa' => true])['ivaspese']],
+    'AZoneFreeOfVatBuysNetWherePricesIncludeIt' => fn() => [[-2200, -180, 12200 + 1000 - 2200 - 180], (function () use ($total) {
+        $sums = $total([['importo' => 12200, 'quantita' => 1, 'iva' => 0, 'aliquota' => 220000, 'peso' => 0]], 2, 0, 0,
+            ['ivacompresa' => true, 'impord1' => array_fill(0, 32, 9000000), 'impspese1' => array_fill(0, 32, 1000)]);
+        return [$sums['iva'], $sums['ivaspese'], $sums['totale']];
+    })()],
     'TheTotalIsTheSumOfItsParts' => fn() => [30000 - 3000 + 5940 + 0 + 0, $total([$line(30000, 1, 220000)], 1, 1)['totale']],
     'AMethodThatTheZoneForbidsIsNotAllowed' => fn() => [[true, false], [$total([])['ammesso'], $total([], 2)['ammesso']]],
     'ASlotBehindTheLettersHasNoMethod' => fn() => [false, kvTotali([], 2, 1, $tables, 0, 0)['ammesso']],

@@ -137,6 +137,15 @@ class Rules:
             cost = product(cost, single(1 + single(single(self.shop.shipping_vat) / 100)))
         return self.shown(cost)
 
+    def vat_inside(self, case, factor):
+        """The VAT that the prices of an order hold, its discount taken off: by rate, each rounded."""
+        goods = {}
+        for line in case.lines:
+            rate = Fraction(millionths(Fraction(self.vat_rate(line.article.department))), MILLION)
+            goods[rate] = goods.get(rate, 0) + self.piece(line, case.listino) * line.pieces
+        return sum(half_up(half_up(Fraction(amount * factor, MILLION)) * rate / (1 + rate))
+                   for rate, amount in goods.items())
+
     def totals(self, case):
         """The totals of an order, in the names that the shop's data give them."""
         goods, vat, weight = 0, 0, 0
@@ -150,6 +159,7 @@ class Rules:
         discount = half_up(Fraction(goods * (MILLION - factor), MILLION))
         shipping = self.shipping(case.method, case.zone, goods - discount, weight)
         taxed = self.shop.zone_vat[case.zone] and not self.shop.vat_included
+        net = self.shop.vat_included and not self.shop.zone_vat[case.zone]
         totals = {
             "merce": goods,
             "sconto": discount,
@@ -157,5 +167,9 @@ class Rules:
             "spese": shipping,
             "ivaspese": half_up(Fraction(shipping) * Fraction(self.shop.shipping_vat) / 100) if taxed else 0,
         }
+        if net:
+            totals["iva"] = -self.vat_inside(case, factor)
+            rate = Fraction(millionths(Fraction(single(self.shop.shipping_vat)) / 100), MILLION)
+            totals["ivaspese"] = -half_up(shipping * rate / (1 + rate))
         totals["totale"] = goods - discount + totals["iva"] + shipping + totals["ivaspese"]
         return totals

@@ -208,7 +208,7 @@ class Counter:
         struck = re.search(r"<s>([^<]*)</s>", part)
         wanted = self.rules.text(self.rules.shown(full)) if self.rules.is_reduced(article, case.listino) else None
         self.expect(case, "the struck price", struck and struck.group(1), wanted)
-        second = re.search(r'class="nota">(USD[^<]*)<', part)
+        second = re.search(r'class="nota(?: \w+)?">(USD[^<]*)<', part)
         wanted = self.rules.second_text(Fraction(asked, 10000)) if self.shop.second else None
         self.expect(case, "the second currency", second and second.group(1), wanted)
 

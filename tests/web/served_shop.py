@@ -1,5 +1,6 @@
 """The model shop of a test: built by the program in a folder of its own, served by tools/local-host, and visited by
 plain HTTP. `ServedShop` is the shop with its servers, `Visitor` somebody with cookies, `Page` what they get."""
+import email
 import html.parser
 import http.client
 import os
@@ -10,6 +11,7 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import time
 import urllib.parse
 
 SOURCES = pathlib.Path(__file__).resolve().parents[2]
@@ -213,6 +215,14 @@ class ServedShop:
 
     def log(self, name="php.log"):
         return (self.home / "log" / name).read_text(errors="replace")
+
+    def mail_after(self, before):
+        """The text of the mail that follows the first `before`; it may be sent after the answer of a page."""
+        for _ in range(400):
+            if len(self.mails()) > before:
+                return email.message_from_string(self.mails()[before]).get_payload(decode=True).decode()
+            time.sleep(0.05)
+        raise AssertionError("no mail has come")
 
     def mails(self):
         return [path.read_text(errors="replace") for path in sorted((self.home / "mail").glob("*.eml"))]

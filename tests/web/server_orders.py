@@ -99,6 +99,30 @@ class Orders(CustomerCase):
         lines = served_lines(self.visitor, next(value for (_, name), value in self.visitor.cookies.items() if "cart" in name))
         self.assertEqual([line["ok"] for line in lines], [True])
 
+    def test_the_ways_to_pay_are_told_on_the_page_and_in_the_mail(self):
+        for method, words in ((2, "IBAN: IT60 X054 2811 1010 0000 0123 456"), (1, "contanti al corriere")):
+            before = len(shop().mails())
+            page = order(shop().visitor(), self.cart, method=method)
+            self.assertIn(words, page.text)
+            for mail in shop().mails()[before:]:
+                self.assertIn(words, email.message_from_string(mail).get_payload(decode=True).decode().replace("\r\n", " "))
+
+    def test_the_merchants_words_arrive_as_they_were_typed(self):
+        script = shop().shop / "online/kvmailtesto.php"
+        text = script.read_bytes()
+        typed = 'Costa $totale \\" e {$x} "così" \\r\\n $codice ${y} <?php ?> \''
+        emitted = '$info .= "' + typed.replace('"', '\\"') + '\\r\\n";\r\n$info .= "N. " . $codice . "!\\r\\n";\r\n'
+        start = text.index(b"$info .=")
+        script.write_bytes(text[:start] + emitted.encode("cp1252") + text[text.index(b"KORVANE_MAIL;"):])
+        before = len(shop().mails())
+        try:
+            order(self.visitor, self.cart, method=2)
+        finally:
+            script.write_bytes(text)
+        mail = next(mail for mail in map(email.message_from_string, shop().mails()[before:]) if "anna" in mail["To"])
+        code = shop().rows("SELECT codice FROM kv_ordini")[0][0]
+        self.assertIn(f"{typed}\r\nN. {code}!\r\n", mail.get_payload(decode=True).decode())
+
 
 class Stock(CustomerCase):
     def limit(self, kind, key, pieces, available=1):

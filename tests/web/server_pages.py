@@ -92,6 +92,15 @@ class Pages(CustomerCase):
         shop().execute("UPDATE kv_ordini SET stato = 'pagato'")
         self.assertIn(word, self.visitor.ask("payok.php").text)
 
+    def test_a_page_says_what_it_may_load_and_who_may_frame_it(self):
+        for address in ("index.php", "cat007.php?n=1", "cart.php", "login.php", "kvsearch.php?q=gres", "cat007.php?n=99"):
+            headers = self.visitor.ask(address).headers
+            policy = headers["Content-Security-Policy"]
+            for part in ("default-src 'self'", "object-src 'none'", "base-uri 'self'", "frame-ancestors 'self'"):
+                self.assertIn(part, policy, address)
+            self.assertNotIn("unsafe-eval", policy)
+            self.assertEqual((headers["X-Content-Type-Options"], headers["Referrer-Policy"]), ("nosniff", "same-origin"))
+
 
 if __name__ == "__main__":
     main()

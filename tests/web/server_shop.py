@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """Prices, variants, search and access of the model shop: server_shop.py KORVANE_CLI"""
+import html
 import re
 import urllib.parse
 
@@ -133,7 +134,7 @@ class Variants(CustomerCase):
             shop().execute("SET GLOBAL general_log = 0")
             asked = [row[0] for row in shop().rows(
                 "SELECT argument FROM mysql.general_log WHERE command_type IN ('Query', 'Execute')"
-                " AND argument LIKE 'SELECT%' AND argument NOT LIKE '%general_log%'")]
+                " AND argument LIKE 'SELECT%' AND argument NOT LIKE '%general_log%' AND argument NOT LIKE '%kv_stato%'")]
             variants = [query for query in asked if "FROM opzioni" in query]
             related = [query for query in asked if "correlazione IN" in query]
             self.assertEqual(len(variants), 1 if "data-k=" in text else 0, page)
@@ -178,6 +179,40 @@ class Search(CustomerCase):
             self.assertTrue(self.found("caffe"))
             self.assertTrue(self.found("olio"))
 
+    def test_titles_come_before_codes_and_texts_and_whole_words_before_parts(self):
+        words = {1: ("gromba", "x", ""), 2: ("grombarino", "y", ""), 3: ("z", "GROMBA-1", ""), 4: ("w", "v", "una gromba"),
+                 5: ("stragrombato", "u", "")}
+        numbers = [int(row[0]) for row in shop().rows("SELECT articoli.ID FROM articoli INNER JOIN dettaglio USING (ID) INNER"
+                                                      " JOIN categorie ON categorie.ID = catID WHERE inaccessibile + nascosto = 0 LIMIT 5")]
+        titles = []
+        for number, (title, code, text) in zip(numbers, words.values()):
+            rank = 0 if "gromba" in title else 1 if "GROMBA" in code else 2
+            word = next(word for word in (title, code.lower().split("-")[0], "gromba") if "gromba" in word)
+            shop().execute(f"INSERT INTO kv_parole VALUES ('{word}', {number}, {rank})",
+                           f"INSERT IGNORE INTO kv_vocaboli VALUES ('{word}')")
+            titles += shop().rows(f"SELECT plain_titolo FROM articoli WHERE ID = {number}")[0]
+        try:
+            self.assertEqual(self.total("gromba"), 5)
+            found = [html.unescape(title) for title in self.found("gromba")]
+            self.assertEqual(found, [titles[n - 1] for n in (1, 2, 5, 3, 4)])
+        finally:
+            shop().execute("DELETE FROM kv_parole WHERE parola LIKE '%gromba%'", "DELETE FROM kv_vocaboli WHERE parola LIKE"
+                           " '%gromba%'")
+
+    def total(self, words):
+        text = self.visitor.ask("kvsearch.php?" + urllib.parse.urlencode({"q": words})).text
+        return int(re.search(r"Articoli trovati: (\d+)", text).group(1))
+
+    def test_the_index_finds_what_reading_all_articles_finds(self):
+        requests = ["di", "tazz", "olio", "PI-00", "l'olio", "gres smalt", "per quattro", "caff\u00e8", "00", "con", "zzz"]
+        by_index = [self.total(words) for words in requests]
+        shop().execute("DELETE FROM kv_stato WHERE nome = 'indice'")
+        try:
+            self.assertEqual(by_index, [self.total(words) for words in requests])
+        finally:
+            shop().execute("INSERT INTO kv_stato VALUES ('indice', '1')")
+        self.assertGreater(min(by_index[:3]), 0)
+
     def changed(self, before, after):
         test = self
 
@@ -215,7 +250,9 @@ class Search(CustomerCase):
 
     def test_a_result_leads_to_the_single_article_as_the_shop_says(self):
         text = self.visitor.ask("kvsearch.php?q=PI-002").text
-        self.assertRegex(text, r'href="cat008\.php\?n=1&amp;prod=\d+"')
+        link = re.search(r'href="(cat008\.php\?n=1&amp;prod=\d+)"', text).group(1)
+        page = self.visitor.ask(link.replace("&amp;", "&")).text
+        self.assertEqual((page.count("<article"), "PI-002" in page), (1, True))
 
 
 class Access(CustomerCase):

@@ -1,10 +1,8 @@
 """What the tests of the served shop share: one shop for a file of tests, an empty error log after each of them, and the
 steps of a customer. A file ends with `main()`, which takes the program from the first argument."""
-import base64
 import json
 import re
 import sys
-import time
 import unittest
 
 from served_shop import ServedShop, order
@@ -106,13 +104,7 @@ def ask_to_register(visitor, address="ada@example.org", **fields):
 
 
 def mail_after(before):
-    """The text of the mail that follows the first `before`; it may be sent after the answer."""
-    for _ in range(200):
-        if len(shop().mails()) > before:
-            text = shop().mails()[before].replace("\r\n", "\n").partition("\n\n")[2]
-            return base64.b64decode(text).decode()
-        time.sleep(0.05)
-    raise AssertionError("no mail has come")
+    return shop().mail_after(before)
 
 
 def register(visitor, address="ada@example.org", **fields):

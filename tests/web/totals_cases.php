@@ -9,7 +9,7 @@ $answers = [];
 foreach (json_decode(stream_get_contents(STDIN), true) as $case) {
     $tables = kvTavole($case['script']);
     $lines = array_map(fn($line) => ['importo' => kvImportoPezzo($line['p'], $line['s'], $line['q']),
-        'quantita' => $line['q'], 'iva' => $line['v'], 'peso' => $line['w']], $case['lines']);
+        'quantita' => $line['q'], 'iva' => $line['v'], 'aliquota' => $tables['ivacompresa'] ? $line['a'] : 0, 'peso' => $line['w']], $case['lines']);
     $GLOBALS['visdec'] = [$tables['scala'] === 100 ? 1 : 0, 1, 2];
     $totals = kvTotali($lines, $case['method'], $case['zone'], $tables, $case['listino'], (float) $case['own']);
     $totals['testo'] = kvTestoMinimi($totals['totale']);

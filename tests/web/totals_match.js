@@ -52,7 +52,7 @@ function makeCase(number) {
     "';\ntipopeso = \"" + random(2) + "\";\naliquotaspese = " + plain(rate, 6) + ";\nivacompresa = \"" + random(2) + "\";\n";
   const lines = Array.from({ length: 1 + random(8) }, function () {
     return { p: random(random(4) ? 30000 : 90000000), q: 1 + random(random(3) ? 12 : 900), v: random(3) ? [0, 40000, 100000, 220000, 55000][random(5)] : random(300000),
-      w: random(50000), s: random(2) ? [] : [[3, 950000 - random(1000)], [10, 876543]] };
+      a: [0, 40000, 100000, 220000, 81000][random(5)], w: random(50000), s: random(2) ? [] : [[3, 950000 - random(1000)], [10, 876543]] };
   });
   return { script: script, lines: lines, method: 1 + random(4), zone: 1 + random(8), listino: random(10),
     own: random(3) ? 0 : random(10001) / 100 };
@@ -91,8 +91,20 @@ function exact(c, context) {
   }
   const shipping = whole(context[(byWeight ? "impspp" : "impspese") + n][slot], Number(scale));
   const taxed = context.IvaOk[c.zone - 1] === "1";
-  const goodsVat = taxed ? rounded(vat * factor, 1000000000000n) : 0n;
-  const shippingVat = taxed && context.ivacompresa !== "1" ? rounded(shipping * whole(context.aliquotaspese, 1000000), 1000000n) : 0n;
+  const included = context.ivacompresa === "1";
+  const rate = whole(context.aliquotaspese, 1000000);
+  let goodsVat = taxed ? rounded(vat * factor, 1000000000000n) : 0n;
+  let shippingVat = taxed && !included ? rounded(shipping * rate, 1000000n) : 0n;
+  if (included && !taxed) {
+    new Set(c.lines.map(function (line) { return line.a; })).forEach(function (of) {
+      const sum = c.lines.filter(function (line) { return line.a === of; }).reduce(function (total, line) {
+        const step = line.s.filter(function (s) { return line.q >= s[0]; }).pop();
+        return total + rounded(BigInt(line.p) * BigInt(step ? step[1] : 1000000), 1000000n) * BigInt(line.q);
+      }, 0n);
+      goodsVat -= rounded(rounded(sum * factor, 1000000n) * BigInt(of), 1000000n + BigInt(of));
+    });
+    shippingVat = -rounded(shipping * rate, 1000000n + rate);
+  }
   return String(goods - discount + goodsVat + shipping + shippingVat);
 }
 

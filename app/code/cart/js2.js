@@ -4,7 +4,7 @@
 // millionths. What is sent with the order is the cart; the server works the order out anew.
 /* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa */
 /* global scala, TestoImporto, Interi, Parte, ImportoRiga, scimp, scperc, scl */
-/* global SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, qminima, zonainiziale */
+/* global totiva, SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, qminima, zonainiziale */
 /* global obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
 /* exported MostraCarrello, SpedPaese, CaricaDati, InviaOrdine */
 "use strict";
@@ -54,10 +54,37 @@ function Ammesso(metodo, zona) {
   return SpOk.charAt((metodo - 1) * 8 + zona - 1) === "1";
 }
 
+/** The VAT that an amount includes at a rate in millionths, rounded half up. */
+function IvaCompresa(importo, aliquota) {
+  const base = BigInt(1000000 + aliquota);
+  return Number((BigInt(importo) * BigInt(aliquota) * 2n + base) / (base * 2n));
+}
+
+/** The VAT in the prices of the lines, less the discount of the order: by rate, each rounded. */
+function IvaNelleRighe(righe, fattore) {
+  const importi = new Map();
+  righe.forEach(function (riga) {
+    importi.set(riga.a || 0, (importi.get(riga.a || 0) || 0) + ImportoRiga(riga) * riga.q);
+  });
+  let iva = 0;
+  importi.forEach(function (importo, aliquota) { iva += IvaCompresa(Parte(importo, fattore), aliquota); });
+  return iva;
+}
+
+/** The VAT on shipping: added, taken off, or neither. */
+function IvaSpese(conIva, spese) {
+  const aliquota = Interi(aliquotaspese, 1000000);
+  if (ivacompresa === "1") {
+    return conIva ? 0 : -IvaCompresa(spese, aliquota);
+  }
+  return conIva ? Parte(spese, aliquota) : 0;
+}
+
 /** The totals for a payment method (from 1) and a zone (1 to 8); zona 0: goods alone, before the order form. */
 function totali(righe, metodo, zona) {
   const posto = (metodo - 1) * 8 + zona - 1;
-  const conIva = zona === 0 || IvaOk.charAt(zona - 1) === "1";
+  // Before the order form the zone is the one that the form starts with.
+  const conIva = zona === 0 ? totiva !== 0 : IvaOk.charAt(zona - 1) === "1";
   let merce = 0;
   let iva = 0;
   let peso = 0;
@@ -73,9 +100,9 @@ function totali(righe, metodo, zona) {
   const esito = {
     merce: merce,
     sconto: sconto,
-    iva: conIva ? ParteDoppia(iva, fattore) : 0,
+    iva: conIva ? ParteDoppia(iva, fattore) : (ivacompresa === "1" ? 0 - IvaNelleRighe(righe, fattore) : 0),
     spese: spese,
-    ivaspese: conIva && ivacompresa !== "1" ? Parte(spese, Interi(aliquotaspese, 1000000)) : 0,
+    ivaspese: zona === 0 ? 0 : IvaSpese(conIva, spese),
     ammesso: zona > 0 && Ammesso(metodo, zona)
   };
   esito.totale = merce - sconto + esito.iva + spese + esito.ivaspese;
@@ -126,12 +153,12 @@ function ScriviTotali(posto, somme, conSpese) {
   if (somme.sconto > 0) {
     RigaTotale(tabella, "<<4-sconto>>", -somme.sconto);
   }
-  if (somme.iva > 0) {
-    RigaTotale(tabella, "<<4-carrello_iva>>", somme.iva);
+  if (somme.iva !== 0) {
+    RigaTotale(tabella, somme.iva > 0 ? "<<4-carrello_iva>>" : "<<4-carrello_iva_esente>>", somme.iva);
   }
   if (conSpese) {
     RigaTotale(tabella, "<<4-carrello_spedizione>>", somme.spese);
-    if (somme.ivaspese > 0) {
+    if (somme.ivaspese !== 0) {
       RigaTotale(tabella, "<<4-carrello_iva_spedizione>>", somme.ivaspese);
     }
   }

@@ -80,7 +80,7 @@ function kvRigaCarrello(array $voce, ?array $riga): array
 {
     global $listino, $inaccessibile, $ivacompresa, $ivarep;
     $vuota = ['id' => $voce['id'], 'quantita' => $voce['q'], 'chiavi' => $voce['k'], 'ok' => false, 'codice' => '',
-        'testo' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'peso' => 0,
+        'testo' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'aliquota' => 0, 'peso' => 0,
         'scorte' => []];
     if ($riga === null) {
         return $vuota;
@@ -115,6 +115,7 @@ function kvRigaCarrello(array $voce, ?array $riga): array
         'passi' => $passi,
         'importo' => kvImportoPezzo($base, $passi, $voce['q']),
         'iva' => $ivacompresa ? 0 : (int) round($ivarep * 1000000),
+        'aliquota' => $ivacompresa ? (int) round($ivarep * 1000000) : 0,
         'peso' => max(0, $peso),
         'scorte' => $scorte,
     ] + $vuota;
@@ -163,14 +164,14 @@ function kvLettereCarrello(): string
     return $lettere;
 }
 
-/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, w, ok, m. */
+/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, a, w, ok, m. */
 function kvDatiCarrello(): string
 {
     $dati = [];
     foreach (kvCarrelloVisitatore() as $riga) {
         $dati[] = [
             'c' => kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]), 'n' => kvUtf8($riga['testo']),
-            'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'],
+            'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'], 'a' => $riga['aliquota'],
             'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'],
         ];
     }

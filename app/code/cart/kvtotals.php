@@ -14,7 +14,9 @@
 //  3. VAT, where prices come without it and the zone pays any: the sum over the lines of amount, rate and discount
 //     factor, rounded as a whole.
 //  4. Shipping by the goods less discount, or by weight; its VAT as in 3, rounded.
-//  5. The total is the sum of these.
+//  5. Where prices include VAT and the zone pays none, the VAT in them is taken off: of the goods of each rate, less
+//     discount (rounded), the part that is VAT (rounded), and that of shipping (rounded).
+//  6. The total is the sum of these.
 
 /** Reads assignments of a generated script: name => list of numbers, number or text. */
 function kvLeggiScript(string $script): array
@@ -160,9 +162,40 @@ function kvAmmesso(array $dati, int $posto): bool
     return $posto >= 0 && $posto < strlen($dati['SpOk']) && $dati['SpOk'][$posto] === '1';
 }
 
+/** The VAT on shipping: added, taken off, or neither. */
+function kvIvaSpese(array $dati, bool $conIva, int $spese): int
+{
+    if ($dati['ivacompresa']) {
+        return $conIva ? 0 : -kvIvaCompresa($spese, $dati['aliquotaspese']);
+    }
+    return $conIva ? kvParte($spese, $dati['aliquotaspese']) : 0;
+}
+
+/** The VAT that an amount includes at a rate in millionths, rounded half up. */
+function kvIvaCompresa(int $importo, int $aliquota): int
+{
+    $base = 1000000 + $aliquota;
+    return intdiv($importo, $base) * $aliquota + intdiv($importo % $base * $aliquota * 2 + $base, $base * 2);
+}
+
+/** The VAT in the prices of some lines, less the discount of the order. */
+function kvIvaNelleRighe(array $righe, int $fattore): int
+{
+    $importi = [];
+    foreach ($righe as $riga) {
+        $aliquota = (int) ($riga['aliquota'] ?? 0);
+        $importi[$aliquota] = ($importi[$aliquota] ?? 0) + $riga['importo'] * $riga['quantita'];
+    }
+    $iva = 0;
+    foreach ($importi as $aliquota => $importo) {
+        $iva += kvIvaCompresa(kvParte($importo, $fattore), (int) $aliquota);
+    }
+    return $iva;
+}
+
 /**
  * The totals of an order. Each line has importo (of one piece), quantita, iva (millionths, 0 where prices include it),
- * peso (ten-thousandths, of one piece). `metodo` counts the active payment methods from 1, `zona` is 1 to 8.
+ * aliquota (the rate that its price includes, 0 where it doesn't), peso (ten-thousandths, of one piece). `metodo` counts the active payment methods from 1, `zona` is 1 to 8.
  * Result: merce, sconto, iva, spese, ivaspese, totale, and ammesso: the method is allowed for the zone.
  */
 function kvTotali(array $righe, int $metodo, int $zona, array $dati, int $listino, float $scontoCliente): array
@@ -184,9 +217,9 @@ function kvTotali(array $righe, int $metodo, int $zona, array $dati, int $listin
     $totali = [
         'merce' => $merce,
         'sconto' => $sconto,
-        'iva' => $conIva ? kvParteDoppia($iva, $fattore) : 0,
+        'iva' => $conIva ? kvParteDoppia($iva, $fattore) : ($dati['ivacompresa'] ? -kvIvaNelleRighe($righe, $fattore) : 0),
         'spese' => $spese,
-        'ivaspese' => $conIva && !$dati['ivacompresa'] ? kvParte($spese, $dati['aliquotaspese']) : 0,
+        'ivaspese' => kvIvaSpese($dati, $conIva, $spese),
         'ammesso' => kvAmmesso($dati, $posto),
     ];
     $totali['totale'] = $merce - $sconto + $totali['iva'] + $spese + $totali['ivaspese'];

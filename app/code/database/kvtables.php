@@ -79,6 +79,12 @@ function kvStato(string $nome): string
     return (string) (kvRiga('SELECT valore FROM kv_stato WHERE nome = ?', [$nome])['valore'] ?? '');
 }
 
+/** Marks that the stock is another one, for pages that browsers keep. */
+function kvScorteCambiate(): void
+{
+    kvMettiStato('scorte', bin2hex(random_bytes(8)));
+}
+
 function kvMettiStato(string $nome, string $valore): bool
 {
     return kvQuery('REPLACE INTO kv_stato (nome, valore) VALUES (?, ?)', [$nome, $valore]) !== null;

@@ -62,17 +62,22 @@ KORVANE_VALORI
 /** The customer's order mail in UTF-8: the merchant's text with amount, code and summary in it; the summary without. */
 function kvTestoMail(string $codice, string $totale_lordo, string $ordine): string
 {
-    $mail_valuta = $GLOBALS['valuta'][0];
-    // The merchant's words are in another character set than the summary, whose position is marked until they aren't.
-    $riepilogo = "\x1A";
-    try {
-        $info = (string) include "kvmailtesto.php";
-    } catch (ParseError $errore) {
-        // The merchant's words can break the script that the build makes of them; the order goes on without them.
-        error_log('Shop mail: the text of the order mail is no valid script');
-        $info = '';
+    $valori = ['$mail_valuta . $totale_lordo' => kvUtf8($GLOBALS['valuta'][0] . $totale_lordo), '$codice' => $codice,
+        '$riepilogo' => $ordine];
+    $testo = '';
+    foreach (kvLinee((string) include "kvmailtesto.php") as $linea) {
+        if (!preg_match('/^\$info \.= "(.*)\\\\r\\\\n";$/s', $linea, $parti)) {
+            continue;
+        }
+        // What the build put between the merchant's words can't be theirs: their quotes have a backslash.
+        $pezzi = preg_split('/(?<!\\\\)" \. (\$mail_valuta \. \$totale_lordo|\$codice|\$riepilogo) \. "/', $parti[1], -1,
+            PREG_SPLIT_DELIM_CAPTURE);
+        foreach ($pezzi as $n => $pezzo) {
+            $testo .= $n % 2 === 1 ? $valori[$pezzo] : kvUtf8(str_replace('\\"', '"', $pezzo));
+        }
+        $testo .= "\r\n";
     }
-    return trim($info) === '' ? $ordine : str_replace("\x1A", $ordine, kvUtf8($info));
+    return trim($testo) === '' ? $ordine : $testo;
 }
 
 /** Whether a mail address is known to belong to who gives it: of this customer, or of an order that was paid or sent. */

@@ -1,10 +1,10 @@
 <?php
 // ***1.0.7***
-// The merchant's words of the order mail, as the build makes them: lines that append to $info. kvmail.php includes it
-// with $codice, $totale_lordo, $mail_valuta and $riepilogo set.
-if (!isset($riepilogo)) {
+// The merchant's words of the order mail, as the build makes them: lines of a script that would append to $info. They are
+// read as text (kvmail.php), not run: a backslash or a dollar sign of the merchant's would mean something in a script.
+if (!function_exists('kvTestoMail')) {
     exit;
 }
-$info = "";
+return <<<'KORVANE_MAIL'
 <<1-testo_email>>
-return $info;
+KORVANE_MAIL;

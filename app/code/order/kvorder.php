@@ -151,7 +151,8 @@ function kvConto(array $righe, array $totali): string
             . kvTestoMinimi($riga['importo'] * $riga['quantita']) . "\r\n";
     }
     $testo .= "\r\n<<4-carrello_merce>>: " . kvTestoMinimi($totali['merce']) . "\r\n";
-    $voci = [["<<4-sconto>>", -$totali['sconto']], ["<<4-carrello_iva>>", $totali['iva']],
+    $iva = $totali['iva'] < 0 ? "<<4-carrello_iva_esente>>" : "<<4-carrello_iva>>";
+    $voci = [["<<4-sconto>>", -$totali['sconto']], [$iva, $totali['iva']],
         ["<<4-carrello_spedizione>>", $totali['spese']], ["<<4-carrello_iva_spedizione>>", $totali['ivaspese']]];
     foreach ($voci as $n => list($nome, $importo)) {
         $testo .= $importo === 0 && $n !== 2 ? '' : $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
@@ -264,7 +265,11 @@ function kvPrendiOrdine(string $gettone): void
     unset($_SESSION['gettone']);
     setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
     if ($nuovo) {
+        kvScorteCambiate();
         $anonimo = kvUtf8(kvConto($righe, $totali) . "<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n";
+        $istruzioni = kvIstruzioniMail($metodo);
+        $istruzioni = $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
+        list($riepilogo, $anonimo) = [$riepilogo . $istruzioni, $anonimo . $istruzioni];
         kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email'], $anonimo);
     }
     kvVai($pagina);

@@ -2,7 +2,7 @@
 // The shop's data as the build knows them: currencies, discounts, shipping, required fields. First each as a shop
 // without any has it, then as the build wrote it. The functions that read them stand in js1.js (every page) and js2.js
 // (cart and order).
-/* exported idnegozio, lingua, aliquotaspese, minimo, qminima, tipopeso, ivacompresa, SpOk, IvaOk, zonainiziale */
+/* exported totiva, spediva, idnegozio, lingua, aliquotaspese, minimo, qminima, tipopeso, ivacompresa, SpOk, IvaOk, zonainiziale */
 var idnegozio = parseInt("<<1-IDnegozio>>", 10) || 0;
 var lingua = "<<1-IDlingua>>";
 var valuta = "", valuta2 = "", exch = 1, SecVal = 0, sepmigl = ".", sepdec = ",", PutDec = 1, PutDec2 = 1;
@@ -26,6 +26,10 @@ var ivacompresa = "<<1-java_ivacompresa>>";
 var aliquotaspese = Number("<<1-java_aliquotaspese>>") || 0;
 var qminima = Number("<<1-java_qminima>>") || 0;
 var minimo = Number("<<1-java_minimo>>") || 0;
+// A shop whose first zone pays no VAT says so by a 0 here.
+var totiva = 1, spediva = 1;
+<<1-java_iva>>
+<<1-java_iva_spese>>
 var obbl_rsoc = 0, obbl_piva = 0, obbl_tel = 0, obbl_magg = 1;
 <<1-java_campi>>
 var autoredirect = 0, checkcookies = 0;

@@ -250,10 +250,13 @@ document.addEventListener("DOMContentLoaded", function () {
     bandiera.alt = bandiera.getAttribute("src").replace(/^kvan_|\.gif$/g, "");
   });
   if (document.kvReparti) {
-    document.kvReparti.kvRepartiMenu.setAttribute("aria-label", "<<4-menu_reparti>>");
+    const menu = document.kvReparti.kvRepartiMenu;
+    menu.setAttribute("aria-label", "<<4-menu_reparti>>");
+    // The build leaves its first entry empty.
+    menu.options[0].text = menu.options[0].text.trim() || "<<4-scegli_reparto>>";
   }
   // A shop reachable under several domains keeps its cart under one of them.
-  if (autoredirect === 1 && indirizzoNegozio !== "" && new URL(indirizzoNegozio).hostname !== location.hostname) {
+  if (autoredirect === 1 && /^https?:\/\/[^/]/i.test(indirizzoNegozio) && new URL(indirizzoNegozio).hostname !== location.hostname) {
     location.replace(indirizzoNegozio + location.pathname.replace(/^.*\//, "/") + location.search + location.hash);
   }
 });

@@ -58,12 +58,51 @@ function kvPaginaFinita(string $pagina): string
     return $codice >= 300 && $codice < 400 ? '' : $pagina;
 }
 
+/**
+ * What a page may load and where it may stand. Pages of the build have scripts and styles in their text, merchants show
+ * pictures and films from elsewhere, payment services take forms: the policy forbids all the rest. Source: CSP Level 3.
+ */
+const KV_POLITICA = "default-src 'self'; script-src 'self' 'unsafe-inline'; style-src 'self' 'unsafe-inline';"
+    . " img-src 'self' data: https:; media-src 'self' https:; frame-src 'self' https:; object-src 'none'; base-uri 'self';"
+    . " form-action 'self' https: http://127.0.0.1:* http://localhost:*; frame-ancestors 'self'";
+
+/** Pages that are the same for all visitors without a session, but for what the catalogue and the stock bring. */
+const KV_PAGINE_COMUNI = '/^(?:cat\d+|index|condizioni|recesso|datipers|search)(?:_l[2-4])?\.php$/D';
+
+/**
+ * Gives a page that is the same for all visitors a name by load, stock and address: a browser that has it asks by that
+ * name, and gets a header instead of the page. Source: RFC 9110, sections 8.8.3 and 13.1.2.
+ */
+function kvPaginaNota(): void
+{
+    $file = (string) ($_SERVER['SCRIPT_FILENAME'] ?? '');
+    if (!in_array($_SERVER['REQUEST_METHOD'] ?? '', ['GET', 'HEAD'], true) || isset($_COOKIE['kvstore_sessione' . kvNegozio()])
+        || !preg_match(KV_PAGINE_COMUNI, basename($file))) {
+        return;
+    }
+    $esito = mysqli_query(kvConnessione(), "SELECT nome, valore FROM kv_stato WHERE nome IN ('carico', 'scorte') ORDER BY nome");
+    $stati = $esito instanceof mysqli_result ? mysqli_fetch_all($esito) : [];
+    if ($stati === []) {
+        return;
+    }
+    $nome = '"' . substr(hash('sha256', json_encode($stati) . ($_SERVER['REQUEST_URI'] ?? '') . (int) kvProtetta()
+        . (int) @filemtime($file)), 0, 24) . '"';
+    header('ETag: ' . $nome);
+    header('Cache-Control: private, no-cache');
+    header('Vary: Cookie');
+    if (trim((string) ($_SERVER['HTTP_IF_NONE_MATCH'] ?? '')) === $nome) {
+        http_response_code(304);
+        exit;
+    }
+}
+
 /** Headers of every page, and the buffer of kvPaginaFinita. */
 function kvPreparaRisposta(): void
 {
     header('Content-Type: text/html; charset=windows-1252');
     header('X-Content-Type-Options: nosniff');
     header('Referrer-Policy: same-origin');
+    header('Content-Security-Policy: ' . KV_POLITICA);
     $p3p = trim(str_replace(['\\"', "\\'", '"'], ['', "'", ''], <<<'KORVANE_VALORI'
 <<1-compact_privacy_policy>>
 KORVANE_VALORI
@@ -71,6 +110,7 @@ KORVANE_VALORI
     if ($p3p !== '') {
         header('P3P: CP="' . preg_replace('/\s+/', ' ', $p3p) . '"');
     }
+    kvPaginaNota();
     ob_start('kvPaginaFinita');
 }
 

@@ -89,14 +89,6 @@ function kvLingue(?string $collegamenti = null): array
     return $lingue;
 }
 
-/** The links to the other languages as the build makes them, each flag with the name of its language. */
-function kvBandiere(string $html): string
-{
-    return preg_replace_callback('/<img src="kvan_([^"]*)\.gif"/', function (array $parti): string {
-        return $parti[0] . ' alt="' . kvHtml(KV_LINGUE[strtolower($parti[1])][1] ?? ucfirst($parti[1])) . '"';
-    }, $html);
-}
-
 /** The links to the other languages as list items; nothing in a shop of one language. */
 function kvVociLingue(): string
 {
@@ -135,6 +127,13 @@ KORVANE_VALORI
         }
     }
     return $html;
+}
+
+/** The keywords of the shop for search engines that still read them; nothing without any. */
+function kvParoleChiave(string $parole): string
+{
+    $parole = TestoSemplice($parole);
+    return $parole === '' ? '' : "<meta name=\"keywords\" content=\"$parole\">\n";
 }
 
 /** The shop's logo from its tag, named; its name alone without one. */

@@ -7,6 +7,7 @@
 // payment is taken by kvpaynotice.php.
 
 if (!function_exists('kvOrdineInCorso')) {
+include_once "kvhtml.php";
 
 /** The order just placed by this visitor (a row of kv_ordini), null when there is none. */
 function kvOrdineInCorso(): ?array
@@ -150,6 +151,23 @@ function kvCampiPagamento(string $codiceNegozio, string $valutaServizio, string 
         'ritorno' => kvIndirizzo("payok<<1-IDlingua>>.php"),
         'annullo' => kvIndirizzo("payerr<<1-IDlingua>>.php"),
     ];
+}
+
+/** How an order is paid that no service is needed for: the words of the module and those of the shop, as HTML. */
+function kvIstruzioni(string $testo): string
+{
+    return kvTesto(trim($testo));
+}
+
+/** The same as plain text in UTF-8 for the mail, from the page of a payment method; empty for all other methods. */
+function kvIstruzioniMail(int $metodo): string
+{
+    $pagina = (string) @file_get_contents('thankyou' . $metodo . '<<1-IDlingua>>.php');
+    if (!preg_match("/kvIstruzioni\\(<<<'KORVANE_ISTRUZIONI'\r?\n(.*?)\r?\nKORVANE_ISTRUZIONI/s", $pagina, $parti)) {
+        return '';
+    }
+    $testo = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($parti[1]));
+    return kvUtf8(html_entity_decode(strip_tags($testo), ENT_QUOTES, 'cp1252'));
 }
 
 /** A free text of the merchant: HTML when it holds tags, else plain lines. */

@@ -2,6 +2,8 @@
 // ***1.0.7***
 // Loads SQL files of a publishing: updatedb.php's hands. A file is read in pieces and never held whole; single-row
 // INSERT statements of one table, as the build writes them, go to the server joined to large ones.
+include_once "kvtables.php";
+include_once "kvshadow.php";
 
 /** The most bytes of a joined statement; the server's own limit may be lower. */
 const KV_LOTTO = 1048576;
@@ -78,12 +80,15 @@ function kvIstruzioni(array $sql): Generator
 function kvGuastoSql(string $istruzione): string
 {
     $motivo = preg_replace('~[\w.:-]*(?:[\\\\/][\w.-]+)*[\\\\/]~', '', mysqli_error(kvConnessione()));
+    // The merchant knows the tables by their own names.
+    list($istruzione, $motivo) = str_replace(KV_NUOVA, '', [$istruzione, $motivo]);
     return preg_replace('/\s+/', ' ', substr($istruzione, 0, 60)) . "\n" . $motivo;
 }
 
 /** Runs one statement; the failure, empty when there is none. A table that isn't there needs no dropping. */
 function kvEseguiSql(string $istruzione): string
 {
+    kvCaratteri('latin1');
     // 1051 is "unknown table". Source: MySQL 8.0 Error Reference.
     if (mysqli_query(kvConnessione(), $istruzione) !== false
         || (mysqli_errno(kvConnessione()) === 1051 && stripos($istruzione, 'DROP TABLE') === 0)) {
@@ -112,13 +117,17 @@ function kvLimiteLotto(): int
     return max(16384, min(KV_LOTTO, (int) ($riga[0] ?? 0) - 8192));
 }
 
-/** Runs the statements of a file, rows of one table joined. The first failure, empty when all went well. */
-function kvCaricaSql(array $sql): string
+/** Runs the statements of a load file, rows of one table joined. The first failure, empty when all went well. */
+function kvCaricaSql(array $sql, KvCarico $carico): string
 {
     $limite = kvLimiteLotto();
     $tabella = '';
     $lotto = '';
-    foreach (kvIstruzioni($sql) as $istruzione) {
+    foreach (kvIstruzioni($sql) as $letta) {
+        $istruzione = kvIstruzioneCarico($carico, $letta);
+        if ($istruzione === null || $istruzione === '') {
+            continue;
+        }
         $riga = preg_match('/\AINSERT INTO (\S+)\s+VALUES \(/', $istruzione, $parti) === 1;
         if ($riga && $parti[1] === $tabella && strlen($lotto) + strlen($istruzione) < $limite) {
             $lotto .= ',(' . substr($istruzione, strlen($parti[0]));
@@ -127,37 +136,33 @@ function kvCaricaSql(array $sql): string
         $guasto = $lotto === '' ? '' : kvEseguiSql($lotto);
         $tabella = $riga ? $parti[1] : '';
         $lotto = $riga ? $istruzione : '';
-        if ($guasto === '' && !$riga && $istruzione !== '') {
-            // Locks are given back only when the rows are safe: the two go together.
-            $guasto = stripos($istruzione, 'UNLOCK') === 0 ? kvEseguiSql('COMMIT') : '';
-            $guasto = $guasto === '' ? kvEseguiSql($istruzione) : $guasto;
-        }
+        $guasto = $guasto === '' && !$riga ? kvEseguiSql($istruzione) : $guasto;
         if ($guasto !== '') {
             return $guasto;
         }
         kvSegnoDiVita();
     }
-    $guasto = $lotto === '' ? '' : kvEseguiSql($lotto);
-    return $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
+    return $lotto === '' ? '' : kvEseguiSql($lotto);
 }
 
 /** The whole load: the drop file, then the load file. The first failure, empty when all went well. */
-function kvCaricaTutto(array $via, array $nuovo): string
+function kvCaricaTutto(array $via, array $nuovo, string $lingua): string
 {
     if (!kvSqlIntero($via) || !kvSqlIntero($nuovo)) {
         return 'Il trasferimento dei file del database non è completo: aggiornare di nuovo il negozio.';
     }
+    kvTabellePronte();
+    kvCaratteri('latin1');
     $blocco = mysqli_fetch_row(mysqli_query(kvConnessione(), "SELECT GET_LOCK(CONCAT(DATABASE(), '.updatedb'), 5)"));
     if ((int) ($blocco[0] ?? 0) !== 1) {
         return 'Un altro aggiornamento del database è in corso.';
     }
     // The rows come checked from the build; what they must meet here is the width of the columns.
     foreach (["SET SESSION sql_mode = 'STRICT_ALL_TABLES,NO_AUTO_VALUE_ON_ZERO'", 'SET unique_checks = 0',
-              'SET foreign_key_checks = 0', 'SET autocommit = 0'] as $impostazione) {
+              'SET foreign_key_checks = 0', 'SET default_storage_engine = InnoDB', 'SET autocommit = 0'] as $impostazione) {
         mysqli_query(kvConnessione(), $impostazione);
     }
-    $guasto = kvCaricaSql($via);
-    return $guasto === '' ? kvCaricaSql($nuovo) : $guasto;
+    return kvCaricaInsieme($via, $nuovo, $lingua);
 }
 
 /** Keeps the files from being read over the web while they lie there, as far as this host lets us. */

@@ -4,6 +4,7 @@
 // then db.sql. The caller proves itself with the word that stands behind "#" on the files' first line; the answer is
 // "OK" or a description of what failed. Files that were loaded are removed. With ?w=phpinfo it shows what PHP is here, to
 // whoever has just proven themselves; to all others that there is one.
+include_once "kvutf8.php";
 include_once "kvdb.php";
 include_once "kvload.php";
 
@@ -25,7 +26,7 @@ if ($kvVia === null || $kvNuovo === null || !hash_equals($kvNuovo['parola'], $kv
 }
 kvAmmettiDiagnosi();
 kvProteggiSql($kvFile);
-$kvEsito = kvCaricaTutto($kvVia, $kvNuovo);
+$kvEsito = kvCaricaTutto($kvVia, $kvNuovo, "<<1-IDlingua>>");
 if ($kvEsito === '') {
     kvTogliSql([$kvVia, $kvNuovo], $kvFile);
     $kvEsito = 'OK';

@@ -125,6 +125,21 @@ export function fitsTheNarrowScreen(as) {
   }));
 }
 
+/** Pages with long words and long names of values in each of the shop's four languages, on the narrowest screen. */
+export function fitsInEveryLanguage(as) {
+  test(`at ${narrowest} pixels pages of all four languages keep within the screen`, as.visitor(async (shopper) => {
+    const faults = [];
+    await fillCart(shopper);
+    for (const suffix of ["", "_l2", "_l3", "_l4"]) {
+      for (const stem of ["index", "cat005", "cat007", "cat016", "cart", "order"]) {
+        await shopper.page.goto(as.address(stem, "").replace(/(?=\.php$)/, suffix));
+        await onNarrowScreen(shopper, stem + suffix, faults);
+      }
+    }
+    assert.equal([...new Set(faults)].join("\n"), "");
+  }));
+}
+
 export function accessibleBackOffice(as) {
   test("axe-core finds nothing serious in the back office", async () => {
     const faults = [];

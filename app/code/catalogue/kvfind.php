@@ -1,0 +1,126 @@
+<?php
+// ***1.0.7***
+// Finds articles by the index of words (kvindex.php). Each word of a request is looked up among the words of the shop,
+// whole or in part; results come by where the word is (title, code, texts) and how (whole, beginning, inside). A request
+// word with marks inside, as "l'olio", must also be in the article as it was typed.
+
+include_once "kvtables.php";
+
+/** Most words of the shop that one word of a request may stand for. */
+const KV_VOCABOLI = 5000;
+
+/** Whether the index is there and can answer: words of at least two characters, and where any word is enough no marks. */
+function kvIndicePronto(array $parole, bool $tutte): bool
+{
+    foreach ($parole as $parola) {
+        $pezzi = kvPezziParola($parola);
+        if ($pezzi === [] || (!$tutte && kvHaSegni($parola))) {
+            return false;
+        }
+    }
+    return kvStato('indice' . $GLOBALS['Lingua']) !== '';
+}
+
+/** What the index is asked for a request word: the word, or the longest part of one with marks; none below two characters. */
+function kvPezziParola(string $parola): array
+{
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega(kvUtf8($parola)), $trovati);
+    usort($trovati[0], fn($uno, $altro) => kvLunghezza($altro) <=> kvLunghezza($uno));
+    return array_filter(array_slice($trovati[0], 0, 1), fn($pezzo) => kvLunghezza($pezzo) > 1);
+}
+
+/** Whether a request word holds other than characters and digits. */
+function kvHaSegni(string $parola): bool
+{
+    return preg_match('/^[\p{L}\p{N}\p{M}]+$/uD', kvUtf8($parola)) !== 1;
+}
+
+/** The words of the shop that hold a part; null when there are too many to be told one by one. */
+function kvVocaboli(string $pezzo): ?array
+{
+    $righe = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . (KV_VOCABOLI + 1),
+        ['%' . addcslashes($pezzo, '%_\\') . '%']);
+    return $righe !== null && count($righe) <= KV_VOCABOLI ? array_column($righe, 'parola') : null;
+}
+
+/**
+ * The articles that have a part of a word or the whole of it, as a SELECT of articolo and punti; values go to `valori`.
+ * Without being told, the server would rather walk through all words in the order of the articles.
+ */
+function kvSceltaParola(string $pezzo, bool $intera, array &$valori): string
+{
+    $tabella = 'kv_parole' . $GLOBALS['Lingua'];
+    if ($intera) {
+        $valori[] = $pezzo;
+        return "SELECT articolo, rango * 3 AS punti FROM $tabella WHERE parola = ?";
+    }
+    $parole = kvVocaboli($pezzo);
+    array_push($valori, $pezzo, addcslashes($pezzo, '%_\\') . '%');
+    if ($parole === null) {
+        $dove = 'parola LIKE ?';
+        $valori[] = '%' . addcslashes($pezzo, '%_\\') . '%';
+    } else {
+        $dove = $parole === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($parole), '?')) . ')';
+        $valori = array_merge($valori, $parole);
+    }
+    return "SELECT articolo, MIN(rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))) AS punti FROM $tabella"
+        . " FORCE INDEX (PRIMARY) WHERE $dove GROUP BY articolo";
+}
+
+/** The conditions that request words with marks inside put on an article besides; values go to `valori`. */
+function kvCondizioneSegni(array $parole, bool $intere, array &$valori): string
+{
+    $segnate = array_values(array_filter($parole, 'kvHaSegni'));
+    return $segnate === [] ? '' : ' AND ' . kvCondizione($segnate, true, $intere, $valori);
+}
+
+/** The condition that an article's department is open to the visitor and not hidden; values go to `valori`. */
+function kvCondizioneReparti(array &$valori): string
+{
+    $tutti = kvQuery('SELECT ID, inaccessibile' . ($GLOBALS['listino'] ?: '') . ' OR nascosto AS chiuso FROM categorie') ?? [];
+    $chiusi = array_values(array_filter($tutti, fn($riga) => (bool) $riga['chiuso']));
+    foreach ($chiusi as $riga) {
+        $valori[] = kvUtf8((string) $riga['ID']);
+    }
+    return $chiusi === [] ? '1 = 1' : 'reparto NOT IN (' . implode(',', array_fill(0, count($chiusi), '?')) . ')';
+}
+
+/** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
+function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
+{
+    $pezzi = array_values(array_unique(array_merge(...array_map('kvPezziParola', $parole))));
+    $valori = [];
+    $scelte = [];
+    foreach ($pezzi as $pezzo) {
+        $scelte[] = '(' . kvSceltaParola($pezzo, $intere, $valori) . ')';
+    }
+    $voluti = $tutte ? count($pezzi) : 1;
+    $trovati = count($pezzi) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
+        . implode(' UNION ALL ', $scelte) . ") t GROUP BY articolo HAVING COUNT(*) >= $voluti)";
+    list($reparti, $segni) = [kvCondizioneReparti($valori), kvCondizioneSegni($parole, $intere, $valori)];
+    $tabella = kvTabellaLingua('articoli');
+    $da = " FROM $trovati p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($segni === '' ? ''
+        : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
+        . ' WHERE ' . $reparti . $segni;
+    // Named with a table of words, the statement speaks UTF-8 as they do.
+    $quanti = (int) (kvRiga('SELECT COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
+    $pagina = max(1, min($pagina, (int) ceil($quanti / $perPagina)));
+    $numeri = $quanti === 0 ? [] : kvQuery("SELECT p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
+        array_merge($valori, [$perPagina, ($pagina - 1) * $perPagina]));
+    return [$quanti, kvRigheTrovate(array_map('intval', array_column($numeri ?? [], 'articolo'))), $pagina];
+}
+
+/** The rows of results by the numbers of their articles, in that order. */
+function kvRigheTrovate(array $numeri): array
+{
+    if ($numeri === []) {
+        return [];
+    }
+    $tabella = kvTabellaLingua('articoli');
+    $righe = kvQuery("SELECT $tabella.ID, codice, plain_titolo, plain_sottotitolo, immagine3, $tabella.pagina AS linkPage,"
+        . " $tabella.pagina, sottopagina, contatore FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento"
+        . " USING (ID) WHERE $tabella.ID IN (" . implode(',', array_fill(0, count($numeri), '?')) . ')', $numeri) ?? [];
+    $posti = array_flip($numeri);
+    usort($righe, fn($una, $altra) => $posti[(int) $una['ID']] <=> $posti[(int) $altra['ID']]);
+    return $righe;
+}
