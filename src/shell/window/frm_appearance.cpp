@@ -29,14 +29,14 @@ bool hasSessionBus() {
   return !runtime.isEmpty() && QFile::exists(QDir(runtime).filePath(QStringLiteral("bus")));
 }
 
-struct Colour {
+struct RoleColour {
   QPalette::ColorRole role;
   QRgb rgb;
 };
 
-QPalette paletteOf(std::initializer_list<Colour> colours, QRgb faded, QRgb fadedGround) {
+QPalette paletteOf(std::initializer_list<RoleColour> colours, QRgb faded, QRgb fadedGround) {
   QPalette palette;
-  for (const Colour& colour : colours) palette.setColor(colour.role, QColor(colour.rgb));
+  for (const RoleColour& colour : colours) palette.setColor(colour.role, QColor(colour.rgb));
   for (const QPalette::ColorRole role :
        {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
     palette.setColor(QPalette::Disabled, role, QColor(faded));
