@@ -33,7 +33,7 @@ Result<> storeLightPictures(const std::string& shopFolder, bool wanted) {
   return FileSettings(joinPath(shopFolder, shopBuildFile)).set(picturesSection, lightKey, wanted ? "1" : "0");
 }
 
-LightFolder::LightFolder(std::string shopFolder) : folder_(joinPath(shopFolder, lightFolderName)) {
+LightFolder::LightFolder(const std::string& shopFolder) : folder_(joinPath(shopFolder, lightFolderName)) {
   const auto list = readBytes(joinPath(folder_, madeListName));
   if (!list) return;
   for (const std::string_view line : splitLines(*list)) {

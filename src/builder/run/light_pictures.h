@@ -22,7 +22,7 @@ Result<> storeLightPictures(const std::string& shopFolder, bool wanted);
 class LightFolder {
  public:
   /// Reads the list; without one nothing was made.
-  explicit LightFolder(std::string shopFolder);
+  explicit LightFolder(const std::string& shopFolder);
 
   /// The names of a picture's lighter forms in folder(), made now unless they were made of the same file before. A form
   /// whose name a picture of `taken` has is left out. Failures: as readBytes, writeBytes; Malformed never: a picture
