@@ -101,6 +101,16 @@ class Pages(CustomerCase):
             self.assertNotIn("unsafe-eval", policy)
             self.assertEqual((headers["X-Content-Type-Options"], headers["Referrer-Policy"]), ("nosniff", "same-origin"))
 
+    def test_the_first_page_reads_all_articles_of_its_showcase_by_one_query(self):
+        shop().execute("SET GLOBAL log_output = 'TABLE'", "TRUNCATE mysql.general_log", "SET GLOBAL general_log = 1")
+        text = self.visitor.ask("index.php").text
+        shop().execute("SET GLOBAL general_log = 0")
+        asked = [row[0] for row in shop().rows("SELECT argument FROM mysql.general_log WHERE command_type IN ('Query', 'Execute')"
+                                               " AND argument LIKE 'SELECT%FROM articoli%'")]
+        self.assertEqual(len(asked), 1, asked)
+        self.assertGreater(text.count('class="scheda"'), 3)
+        self.assertGreater(text.count('class="bollo'), 0)
+
 
 if __name__ == "__main__":
     main()

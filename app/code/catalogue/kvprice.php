@@ -219,10 +219,24 @@ function kvArticoli(array $numeri): array
     return array_filter(array_intersect_key($letti, array_flip(array_map('intval', $numeri))));
 }
 
+/** The numbers of the articles that this page's showcase asks for one by one, so that they are read at once. */
+function kvNumeriVetrina(): array
+{
+    static $numeri = null;
+    if ($numeri === null) {
+        preg_match_all('/\b(?:ArtPrice|ArtCambio|VetOfferta)\((\d+)\)/',
+            (string) @file_get_contents((string) ($_SERVER['SCRIPT_FILENAME'] ?? '')), $trovati);
+        $numeri = array_map('intval', array_unique($trovati[1]));
+    }
+    return $numeri;
+}
+
 /** One article by its number, null when it isn't in the shop. Sets its department. */
 function kvArticolo(int $id): ?array
 {
-    $riga = kvArticoli([$id])[$id] ?? null;
+    $articoli = kvArticoli(array_merge([$id], kvNumeriVetrina()));
+    kvLeggiReparti(array_map('strval', array_column($articoli, 'catID')));
+    $riga = $articoli[$id] ?? null;
     if ($riga !== null) {
         SetVariables($riga['catID']);
     }

@@ -224,6 +224,11 @@ if (!function_exists('mysql_query')) {
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
             return kvArticoliPagina(substr($sql, 0, -27));
+        } elseif (function_exists('kvArticolo')
+            && preg_match('/^SELECT \* FROM (articoli\w*) INNER JOIN dettaglio USING \(ID\) INNER JOIN ordinamento USING'
+                . ' \(ID\) WHERE \1\.ID=(\d+)$/D', $sql, $parti) && $parti[1] === kvTabellaLingua('articoli')) {
+            // The showcase asks for the mark of each of its articles.
+            return new KvRighe(array_filter([kvArticolo((int) $parti[2])]));
         }
         kvCaratteri('latin1');
         return mysqli_query(kvConnessione(), $sql);
