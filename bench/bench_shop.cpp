@@ -7,6 +7,7 @@
 #include <set>
 
 #include "builder/run/make_pages.h"
+#include "measure.h"
 #include "platform/files/files.h"
 #include "store/schema/schema.h"
 
@@ -17,17 +18,6 @@ namespace {
 constexpr int topDepartments = 100;
 constexpr int beneathEach = 4;
 const std::vector<std::string> codes{"italiano", "inglese", "francese", "tedesco"};
-
-class SilentUser final : public UserPort {
- public:
-  void message(const std::string& text, Icon icon) override {
-    if (icon != Icon::Information) std::fprintf(stderr, "%s\n", text.c_str());
-  }
-  Answer question(const Question& question) override { return question.preset; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const Progress&) override {}
-  bool yield() override { return true; }
-};
 
 template <class T>
 T need(Result<T> result) {

@@ -21,6 +21,7 @@
 namespace {
 
 using kv::bench::BenchShop;
+using kv::bench::FreshFolder;
 using kv::bench::verdict;
 namespace fs = std::filesystem;
 
@@ -123,8 +124,7 @@ bool measure(const std::string& folder, const Case& one) {
 int main(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv + 1, argv + argc);
   const int part = std::ranges::find(arguments, "--quick") != arguments.end() ? 10 : 1;
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const FreshFolder folder;
   const std::vector<Case> cases{{"100,000 articles", 100000 / part, 100, 0, 1, 0},
                                 {"the same in 4 languages", 100000 / part, 100, 0, 4, 0},
                                 {"one page of 5,000 articles", 10000 / part, 100, 5000 / part, 1, 0},
@@ -133,12 +133,11 @@ int main(int argc, char** argv) {
   std::printf("                              yields        ms ms of cpu\n");
   int status = 0;
   for (const Case& one : cases) {
-    if (!measure(folder + "/shop", one)) {
+    if (!measure(folder.path() + "/shop", one)) {
       std::printf("%s: the build failed\n", one.name);
       status = 1;
     }
-    fs::remove_all(folder + "/shop");
+    fs::remove_all(folder.path() + "/shop");
   }
-  fs::remove_all(folder);
   return status;
 }

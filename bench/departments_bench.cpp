@@ -13,10 +13,12 @@
 #include <vector>
 
 #include "bench_shop.h"
+#include "measure.h"
 
 namespace {
 
 using kv::bench::BenchShop;
+using kv::bench::FreshFolder;
 namespace fs = std::filesystem;
 
 constexpr int times = 5;
@@ -45,13 +47,12 @@ double buildSeconds(BenchShop& shop) {
 int main(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv + 1, argv + argc);
   const bool quick = std::find(arguments.begin(), arguments.end(), "--quick") != arguments.end();
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const FreshFolder folder;
 
   std::vector<Row> rows{{quick ? 100 : 500}, {quick ? 500 : 2000}};
   std::vector<BenchShop> shops;
   for (const Row& row : rows) {
-    shops.emplace_back(folder + "/" + std::to_string(row.departments), row.departments, 1, row.departments);
+    shops.emplace_back(folder.path() + "/" + std::to_string(row.departments), row.departments, 1, row.departments);
   }
   // Small and large in turn, so that both see the same machine.
   bool failed = false;
@@ -63,7 +64,6 @@ int main(int argc, char** argv) {
       rows[s].bytes = static_cast<double>(shops[s].outputBytes());
     }
   }
-  fs::remove_all(folder);
   if (failed) {
     std::printf("a build failed\n");
     return 1;

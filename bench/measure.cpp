@@ -5,6 +5,9 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 
 namespace kv::bench {
 
@@ -36,6 +39,10 @@ Measured inOwnProcess(const std::function<Timed()>& work) {
   return measured;
 }
 
+void keepFaster(Measured& best, const Measured& one) {
+  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
+}
+
 double secondsOf(const std::function<bool()>& work) {
   const auto start = std::chrono::steady_clock::now();
   const bool done = work();
@@ -44,5 +51,19 @@ double secondsOf(const std::function<bool()>& work) {
 }
 
 const char* verdict(bool met) { return met ? "met" : "MISSED"; }
+
+void SilentUser::message(const std::string& text, Icon icon) {
+  if (icon != Icon::Information) std::fprintf(stderr, "%s\n", text.c_str());
+}
+Answer SilentUser::question(const Question& question) { return question.preset; }
+std::string SilentUser::chooseFolder(const std::string& /*prompt*/, const std::string& /*initial*/) { return {}; }
+void SilentUser::progress(const Progress& /*progress*/) {}
+bool SilentUser::yield() { return true; }
+
+FreshFolder::FreshFolder() : path_((std::filesystem::temp_directory_path() / "korvane-bench-XXXXXX").string()) {
+  if (mkdtemp(path_.data()) == nullptr) std::abort();
+}
+
+FreshFolder::~FreshFolder() { std::filesystem::remove_all(path_); }
 
 }  // namespace kv::bench

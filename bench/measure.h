@@ -1,7 +1,11 @@
 #pragma once
-// One measurement of a whole run, in a process of its own, so that its peak memory is its own.
+// One measurement of a whole run, in a process of its own, so that its peak memory is its own; with what the runs
+// share.
 
 #include <functional>
+#include <string>
+
+#include "platform/ports/user_port.h"
 
 namespace kv::bench {
 
@@ -23,10 +27,37 @@ struct Timed {
 /// Runs `work` in a child of this process; `ok` is false when it died or reported no time.
 Measured inOwnProcess(const std::function<Timed()>& work);
 
+/// Takes over `one` where it is the first or faster.
+void keepFaster(Measured& best, const Measured& one);
+
 /// The seconds that `work` took; 0 when it returned false.
 double secondsOf(const std::function<bool()>& work);
 
 /// "met" or "MISSED".
 const char* verdict(bool met);
+
+/// A user who gives the preset answers; warnings go to the standard error.
+class SilentUser final : public UserPort {
+ public:
+  void message(const std::string& text, Icon icon) override;
+  Answer question(const Question& question) override;
+  std::string chooseFolder(const std::string& prompt, const std::string& initial) override;
+  void progress(const Progress& progress) override;
+  bool yield() override;
+};
+
+/// An empty folder for temporary files, which goes with everything in it at the end.
+class FreshFolder {
+ public:
+  FreshFolder();
+  ~FreshFolder();
+  FreshFolder(const FreshFolder&) = delete;
+  FreshFolder& operator=(const FreshFolder&) = delete;
+  /// Without a "/" at the end.
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
 
 }  // namespace kv::bench

@@ -18,9 +18,12 @@
 
 namespace {
 
+using kv::bench::FreshFolder;
 using kv::bench::inOwnProcess;
+using kv::bench::keepFaster;
 using kv::bench::Measured;
 using kv::bench::secondsOf;
+using kv::bench::SilentUser;
 using kv::bench::Timed;
 using kv::bench::verdict;
 namespace fs = std::filesystem;
@@ -28,15 +31,6 @@ namespace fs = std::filesystem;
 constexpr int priceRounds = 5;
 constexpr double priceBar = 3;
 constexpr double memoryBar = 300;
-
-class PriceUser final : public kv::UserPort {
- public:
-  void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-  kv::Answer question(const kv::Question& question) override { return question.preset; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const kv::Progress&) override {}
-  bool yield() override { return true; }
-};
 
 /// "SET" of every price column of articoli to a term, in which "?" is the column itself.
 std::string setPrices(const std::string& term) {
@@ -77,7 +71,7 @@ class PricedShop {
   Timed changed(bool undone) const {
     kv::Database catalogue = fresh();
     kv::ChangeRecorder recorder(catalogue, [](std::string_view) { return true; });
-    PriceUser user;
+    SilentUser user;
     kv::PriceChange change;
     change.selection.lists.fill(true);
     change.selection.offers = true;
@@ -96,10 +90,6 @@ class PricedShop {
  private:
   std::string folder_;
 };
-
-void keepFaster(Measured& best, const Measured& one) {
-  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
-}
 
 int run(const std::string& folder, int articles) {
   const PricedShop shop(folder, articles);
@@ -128,9 +118,7 @@ int run(const std::string& folder, int articles) {
 
 int main(int argc, char** argv) {
   const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
-  const int status = run(folder, quick ? 10000 : 100000);
-  fs::remove_all(folder);
+  const FreshFolder folder;
+  const int status = run(folder.path(), quick ? 10000 : 100000);
   return status;
 }

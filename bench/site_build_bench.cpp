@@ -23,6 +23,7 @@
 namespace {
 
 using kv::bench::BenchShop;
+using kv::bench::FreshFolder;
 using kv::bench::inOwnProcess;
 using kv::bench::Measured;
 using kv::bench::secondsOf;
@@ -176,19 +177,16 @@ int main(int argc, char** argv) {
   const auto given = [&arguments](std::string_view name) {
     return std::find(arguments.begin(), arguments.end(), name) != arguments.end();
   };
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const FreshFolder folder;
   if (given("--hugo-alone")) {
-    compareWithHugo(folder, 10000);
-    fs::remove_all(folder);
+    compareWithHugo(folder.path(), 10000);
     return 0;
   }
   if (argc == 4 && arguments[0] == "--once") {
-    BenchShop shop(folder + "/once", std::atoi(argv[2]), std::atoi(argv[3]));
+    BenchShop shop(folder.path() + "/once", std::atoi(argv[2]), std::atoi(argv[3]));
     double written = 0;
     const double seconds = secondsOf([&shop, &written] { return shop.build(&written); });
     std::printf("%.3f s, %.0f pages written\n", seconds, written);
-    fs::remove_all(folder);
     return seconds > 0 ? 0 : 1;
   }
   std::vector<int> sizes{1000, 10000};
@@ -197,7 +195,7 @@ int main(int argc, char** argv) {
   std::vector<Row> rows;
   for (const int languages : {1, 4}) {
     for (const int articles : sizes) {
-      rows.push_back(measure(folder, articles, languages));
+      rows.push_back(measure(folder.path(), articles, languages));
       if (!rows.back().first.ok || !rows.back().floor.ok) {
         std::printf("%d articles, %d languages: the build or its floor failed\n", articles, languages);
         return 1;
@@ -206,7 +204,6 @@ int main(int argc, char** argv) {
     }
   }
   judge(rows);
-  if (!given("--no-hugo")) compareWithHugo(folder, 10000);
-  fs::remove_all(folder);
+  if (!given("--no-hugo")) compareWithHugo(folder.path(), 10000);
   return 0;
 }

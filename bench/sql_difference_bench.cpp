@@ -18,24 +18,18 @@
 
 namespace {
 
+using kv::bench::FreshFolder;
 using kv::bench::inOwnProcess;
+using kv::bench::keepFaster;
 using kv::bench::Measured;
 using kv::bench::secondsOf;
+using kv::bench::SilentUser;
 using kv::bench::Timed;
 using kv::bench::verdict;
 namespace fs = std::filesystem;
 
 constexpr int rounds = 7;
 const std::string buildToken = "abcdefghijklmnopqrst";
-
-class QuietUser final : public kv::UserPort {
- public:
-  void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-  kv::Answer question(const kv::Question& question) override { return question.preset; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const kv::Progress&) override {}
-  bool yield() override { return true; }
-};
 
 /// The databases of a shop that was built below `folder`, before and after a change of one article in a hundred.
 class ChangedShop {
@@ -52,7 +46,7 @@ class ChangedShop {
 
   /// The whole step of a publish run. The count is that of rows.
   Timed exportOnce() const {
-    QuietUser user;
+    SilentUser user;
     const kv::MemorySettings settings;
     const kv::LockStatements lock;
     const std::string online = folder_ + "/published";
@@ -82,10 +76,6 @@ class ChangedShop {
   std::string folder_;
 };
 
-void keepFastest(Measured& best, const Measured& one) {
-  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
-}
-
 int run(const std::string& folder, int articles) {
   const Measured built = inOwnProcess([&] {
     kv::bench::BenchShop shop(folder, articles, 1);
@@ -96,9 +86,9 @@ int run(const std::string& folder, int articles) {
   Measured exported, compared, copied;
   for (int i = 0; built.ok && i < rounds; ++i) {
     if (i == 0 && !shop.change()) break;
-    keepFastest(exported, inOwnProcess([&] { return shop.exportOnce(); }));
-    keepFastest(compared, inOwnProcess([&] { return shop.compareOnce(); }));
-    keepFastest(copied, inOwnProcess([&] { return shop.copyOnce(); }));
+    keepFaster(exported, inOwnProcess([&] { return shop.exportOnce(); }));
+    keepFaster(compared, inOwnProcess([&] { return shop.compareOnce(); }));
+    keepFaster(copied, inOwnProcess([&] { return shop.copyOnce(); }));
   }
   if (!exported.ok || !compared.ok || !copied.ok) {
     std::printf("the build, the export, sqldiff or cp failed\n");
@@ -117,9 +107,7 @@ int run(const std::string& folder, int articles) {
 
 int main(int argc, char** argv) {
   const bool quick = argc > 1 && std::string_view(argv[1]) == "--quick";
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
-  const int status = run(folder, quick ? 10000 : 100000);
-  fs::remove_all(folder);
+  const FreshFolder folder;
+  const int status = run(folder.path(), quick ? 10000 : 100000);
   return status;
 }

@@ -25,9 +25,12 @@
 namespace {
 
 using kv::bench::BenchShop;
+using kv::bench::FreshFolder;
 using kv::bench::inOwnProcess;
+using kv::bench::keepFaster;
 using kv::bench::Measured;
 using kv::bench::secondsOf;
+using kv::bench::SilentUser;
 using kv::bench::Timed;
 using kv::bench::verdict;
 namespace fs = std::filesystem;
@@ -35,15 +38,6 @@ namespace fs = std::filesystem;
 constexpr double million = 1e6;
 constexpr int times = 7;
 const std::string sec = "abcdefghijklmnopqrst";
-
-class SilentUser final : public kv::UserPort {
- public:
-  void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-  kv::Answer question(const kv::Question& question) override { return question.preset; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const kv::Progress&) override {}
-  bool yield() override { return true; }
-};
 
 /// The build database of a shop that was built below `folder`.
 class Dumped {
@@ -133,10 +127,6 @@ struct Figures {
   Measured exported, published, dump, read;
 };
 
-void keepFaster(Measured& best, const Measured& one) {
-  if (one.ok && (!best.ok || one.wall < best.wall)) best = one;
-}
-
 Figures measure(const Dumped& shop) {
   Figures figures;
   for (int i = 0; i < times; ++i) {
@@ -204,19 +194,17 @@ int run(const std::string& folder, int articles, bool beside) {
 int main(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv + 1, argv + argc);
   const auto given = [&](std::string_view name) { return std::ranges::find(arguments, name) != arguments.end(); };
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const FreshFolder folder;
   int status = 0;
   if (argc == 3 && given("--once")) {
-    BenchShop shop(folder, std::atoi(argv[2]), 1);
+    BenchShop shop(folder.path(), std::atoi(argv[2]), 1);
     double written = 0;
     const bool built = shop.build(&written);
-    const Timed timed = built ? Dumped(folder).exportOnce() : Timed();
+    const Timed timed = built ? Dumped(folder.path()).exportOnce() : Timed();
     std::printf("%.3f s, %.0f rows\n", timed.wall, timed.written);
     status = built ? 0 : 1;
   } else {
-    status = run(folder, given("--quick") ? 10000 : 100000, !given("--no-mariadb"));
+    status = run(folder.path(), given("--quick") ? 10000 : 100000, !given("--no-mariadb"));
   }
-  fs::remove_all(folder);
   return status;
 }

@@ -37,6 +37,7 @@
 
 namespace {
 
+using kv::bench::FreshFolder;
 using kv::bench::verdict;
 using Shop = kv::bench::WorkbenchShop;
 using Size = kv::bench::WorkbenchSize;
@@ -105,7 +106,8 @@ void keepFaster(Span& best, const Span& one) {
   if (best.wall <= 0 || one.wall < best.wall) best = one;
 }
 
-class SilentUser final : public kv::UserPort {
+/// Says yes to everything.
+class WillingUser final : public kv::UserPort {
  public:
   void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
   kv::Answer question(const kv::Question&) override { return kv::Answer::Yes; }
@@ -280,7 +282,7 @@ class OpenWorkbench {
     }
   }
 
-  SilentUser user_;
+  WillingUser user_;
   kv::MemorySettings settings_;
   kv::Session session_;
   kv::Environment env_;
@@ -369,13 +371,12 @@ void judge(const Size& size, const Figures& figures) {
 int main(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv + 1, argv + argc);
   const bool quick = std::ranges::find(arguments, "--quick") != arguments.end();
-  std::string folder = (fs::temp_directory_path() / "korvane-bench-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const FreshFolder folder;
   int status = 0;
   for (const Size& size : sizes) {
     const bool once = argc == 3 && arguments[0] == "--once";
     if (once ? size.articles != std::atoi(argv[2]) : quick && size.articles > 10000) continue;
-    const Shop shop(folder + "/" + std::to_string(size.articles), size);
+    const Shop shop(folder.path() + "/" + std::to_string(size.articles), size);
     Figures figures{};
     bool done = true;
     if (once) {
@@ -393,6 +394,5 @@ int main(int argc, char** argv) {
     judge(size, figures);
     fs::remove_all(shop.folder());
   }
-  fs::remove_all(folder);
   return status;
 }

@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(words.TagLingua(name) == (found == nullptr ? whole : *found));
     require(words.TagLingua(whole) == words.TagLingua(name));
   }
-  static_cast<void>(words.TagLingua(view));
-  static_cast<void>(tags.TagPersonale(view));
+  ignore(words.TagLingua(view), "only faults count");
+  ignore(tags.TagPersonale(view), "only faults count");
   return 0;
 }

@@ -50,6 +50,11 @@ file(GLOB golden_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/buil
 add_test(NAME golden.TheWantedPartsAreWhatTheRulesGive
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/derive.py --check ${golden_cases})
 
+# The same of what the dialogs of the payment modules write; PHP reads each of these files.
+file(GLOB account_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/gateways/*.txt)
+add_test(NAME golden.TheFilledAccountsAreWhatTheRulesGive
+  COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/accounts.py --check ${account_cases})
+
 # The pictures of the program's windows.
 if(TARGET korvane-screenshots AND TARGET test_forms AND NOT KORVANE_SANITIZE)
   add_dependencies(program_tests korvane-screenshots)

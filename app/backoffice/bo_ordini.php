@@ -32,7 +32,7 @@ function boFiltroOrdini(array $richiesta): array
         $valori[] = $parametri['a'];
     }
     if ($parametri['stato'] === 'aperti') {
-        $dove[] = "stato IN ('nuovo', 'da verificare')";
+        $dove[] = "stato IN ('nuovo', 'da verificare', 'importo diverso')";
     } elseif (in_array($parametri['stato'], BO_STATI, true)) {
         $dove[] = 'stato = ?';
         $valori[] = $parametri['stato'];
@@ -48,7 +48,10 @@ function boSceltaStati(array $altri = []): array
     return $altri + array_combine(BO_STATI, array_map('ucfirst', BO_STATI));
 }
 
-/** What an order's column `dati` holds: campi, righe, totali, each empty when it doesn't. Texts as pages have them. */
+/**
+ * What an order's column `dati` holds: campi, righe, totali, each empty when it doesn't. Texts are UTF-8, but the
+ * keys of stock, which are in the catalogue's character set.
+ */
 function boDatiOrdine(string $json): array
 {
     $dati = json_decode($json, true);
@@ -56,15 +59,15 @@ function boDatiOrdine(string $json): array
     $dati = array_map(fn($parte) => is_array($parte) ? $parte : [], $dati);
     $campi = [];
     foreach ($dati['campi'] as $nome => $valore) {
-        $campi[$nome] = is_scalar($valore) ? boDaUtf8((string) $valore) : '';
+        $campi[$nome] = is_scalar($valore) ? (string) $valore : '';
     }
     $righe = [];
     foreach ($dati['righe'] as $riga) {
         if (is_array($riga) && isset($riga['testo'], $riga['quantita'], $riga['importo'])) {
-            $righe[] = ['testo' => boDaUtf8((string) $riga['testo']),
-                'scelte' => boDaUtf8((string) ($riga['scelte'] ?? '')), 'quantita' => (int) $riga['quantita'],
+            $righe[] = ['testo' => (string) $riga['testo'],
+                'scelte' => (string) ($riga['scelte'] ?? ''), 'quantita' => (int) $riga['quantita'],
                 'importo' => (float) $riga['importo'],
-                'scorte' => array_map(fn($chiave) => boDaUtf8((string) $chiave), (array) ($riga['scorte'] ?? []))];
+                'scorte' => array_map(fn($chiave) => kvDaUtf8((string) $chiave), (array) ($riga['scorte'] ?? []))];
         }
     }
     $totali = array_map('floatval', array_filter($dati['totali'], 'is_numeric'));

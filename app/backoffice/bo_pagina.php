@@ -1,13 +1,13 @@
 <?php
 // How pages of the back office look: frame, notices, tables that become cards on a phone, the pager, the forms of
-// dates and amounts. Texts come from customers: each one passes through kvHtml.
+// dates and amounts. Texts of customers pass through kvHtmlUtf8, all others through kvHtml.
 
 /** The pages of the menu. */
 const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'clienti.php' => 'Clienti',
     'disponibilita.php' => 'Disponibilità', 'richieste.php' => 'Password'];
 
 /** The states of an order. */
-const BO_STATI = ['nuovo', 'da verificare', 'pagato', 'rifiutato', 'spedito', 'annullato'];
+const BO_STATI = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiutato', 'spedito', 'annullato'];
 
 /** The head of a page. */
 function boTesta(string $titolo): string
@@ -37,7 +37,7 @@ function boInizio(string $titolo, string $voce = ''): void
             $questa = $pagina === $voce ? ' aria-current="page"' : '';
             echo '<li><a href="', $pagina, '"', $questa, '>', $nome, '</a></li>';
         }
-        echo '</ul></nav><form class="uscita" method="post" action="esci.php">', boCampoGettone(),
+        echo '</ul></nav><form class="uscita" method="post" accept-charset="utf-8" action="esci.php">', boCampoGettone(),
             '<button type="submit" class="piano">Esci</button></form>';
     }
     echo '</header><main id="contenuto"', $voce === '' ? ' class="stretta"' : '', '><h1>', kvHtml($titolo), '</h1>';
@@ -55,7 +55,7 @@ function boFine(): void
 /** The hidden field of the session's token. */
 function boCampoGettone(): string
 {
-    return '<input type="hidden" name="gettone" value="' . boGettone() . '">';
+    return '<input type="hidden" name="_charset_"><input type="hidden" name="gettone" value="' . boGettone() . '">';
 }
 
 /**
@@ -123,10 +123,10 @@ function boDecimale($numero, int $cifre = 2): string
     return number_format((float) $numero, $cifre, ',', '.');
 }
 
-/** An amount with its currency, as HTML. */
+/** An amount with its currency (UTF-8), as HTML. */
 function boImporto($numero, string $valuta): string
 {
-    return kvHtml(trim($valuta)) . '&nbsp;' . boDecimale($numero);
+    return kvHtmlUtf8(trim($valuta)) . '&nbsp;' . boDecimale($numero);
 }
 
 /** The state of an order, as HTML. */
@@ -146,26 +146,9 @@ function boScelte(array $scelte, string $scelta): string
     return $html;
 }
 
-/** A labelled field; `attributi` is HTML. */
+/** A labelled field; its value is UTF-8, `attributi` is HTML. */
 function boCampo(string $etichetta, string $nome, string $valore, string $attributi = ''): string
 {
-    return '<label>' . kvHtml($etichetta) . ' <input name="' . $nome . '" value="' . kvHtml($valore) . '" ' . $attributi
+    return '<label>' . kvHtml($etichetta) . ' <input name="' . $nome . '" value="' . kvHtmlUtf8($valore) . '" ' . $attributi
         . '></label>';
-}
-
-/** A UTF-8 text, as the JSON of an order holds it, in the pages' own Windows-1252; letters beyond as references. */
-function boDaUtf8(string $testo): string
-{
-    return (string) preg_replace_callback('/[^\x00-\x7f]/u', function (array $lettera): string {
-        $byte = array_values(unpack('C*', $lettera[0]));
-        $punto = $byte[0] & (0xff >> (count($byte) + 1));
-        foreach (array_slice($byte, 1) as $resto) {
-            $punto = $punto << 6 | $resto & 0x3f;
-        }
-        $posto = array_search($punto, KV_CP1252, true);
-        if ($posto !== false) {
-            return chr(0x80 + $posto);
-        }
-        return $punto >= 0xa0 && $punto < 0x100 ? chr($punto) : '&#' . $punto . ';';
-    }, $testo);
 }

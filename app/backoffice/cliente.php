@@ -19,6 +19,7 @@ function boSconto(string $testo): ?string
 /** Stores what the form says; the result is what is wrong with it, empty for nothing. */
 function boSalvaCliente(int $id): string
 {
+    kvTabellePronte();
     $email = strtolower(kvRigaCampo($_POST, 'email', 190));
     $listino = kvCampo($_POST, 'listino', 2);
     $sconto = boSconto(kvCampo($_POST, 'sconto', 8));
@@ -60,8 +61,8 @@ function boAnnullaRichieste(string $email): void
 function boNuovaPassword(array $cliente): void
 {
     $caso = kvCampo($_POST, 'azione', 20) === 'genera';
-    $pw = $caso ? boPasswordCasuale() : (is_string($_POST['pw'] ?? null) ? substr($_POST['pw'], 0, 100) : '');
-    if (strlen($pw) < 8) {
+    $pw = $caso ? boPasswordCasuale() : (is_string($_POST['pw'] ?? null) ? kvTaglia(kvTestoInviato($_POST['pw'], true), 100) : '');
+    if (kvLunghezza($pw) < 8) {
         boAvvisa('La password deve avere almeno 8 caratteri.', true);
         return;
     }
@@ -96,8 +97,8 @@ function boEsegui(array $cliente): void
 function boConfermaElimina(array $cliente): void
 {
     boInizio('Eliminare il cliente?', 'clienti.php');
-    echo '<p>', kvHtml(trim($cliente['nome'] . ' ' . $cliente['cognome'])), ', ', kvHtml($cliente['email']),
-        ': l\'accesso al negozio va perso; gli ordini restano.</p><form method="post" action="cliente.php?id=',
+    echo '<p>', kvHtmlUtf8(trim($cliente['nome'] . ' ' . $cliente['cognome'])), ', ', kvHtmlUtf8($cliente['email']),
+        ': l\'accesso al negozio va perso; gli ordini restano.</p><form method="post" accept-charset="utf-8" action="cliente.php?id=',
         (int) $cliente['id'], '">', boCampoGettone(), '<input type="hidden" name="azione" value="elimina">',
         '<p><button type="submit" class="pericolo">Elimina</button> <a href="cliente.php?id=', (int) $cliente['id'],
         '">Annulla</a></p></form>';
@@ -106,7 +107,7 @@ function boConfermaElimina(array $cliente): void
 
 function boModuloCliente(array $cliente): void
 {
-    echo '<form class="modulo" method="post" action="cliente.php?id=', (int) $cliente['id'], '"><h2>Dati</h2>',
+    echo '<form class="modulo" method="post" accept-charset="utf-8" action="cliente.php?id=', (int) $cliente['id'], '"><h2>Dati</h2>',
         boCampoGettone(), '<input type="hidden" name="azione" value="salva">',
         '<label class="spunta"><input type="checkbox" name="approvato" value="1"',
         $cliente['approvato'] ? ' checked' : '',
@@ -125,7 +126,7 @@ function boModuloCliente(array $cliente): void
 
 function boModuloPassword(array $cliente): void
 {
-    echo '<form class="modulo" method="post" action="cliente.php?id=', (int) $cliente['id'], '">', boCampoGettone(),
+    echo '<form class="modulo" method="post" accept-charset="utf-8" action="cliente.php?id=', (int) $cliente['id'], '">', boCampoGettone(),
         '<h2>Nuova password</h2><label>Password (almeno 8 caratteri) <input type="text" name="pw" maxlength="100"',
         ' autocomplete="off" spellcheck="false"></label><p>',
         '<button type="submit" name="azione" value="password">Imposta</button> ',
@@ -145,7 +146,7 @@ if (isset($_GET['elimina'])) {
 }
 $boOrdini = kvQuery('SELECT codice, creato, totale, valuta, stato FROM kv_ordini WHERE cliente = ? ORDER BY id DESC'
     . ' LIMIT 20', [(int) $boCliente['id']]) ?? [];
-boInizio(trim($boCliente['nome'] . ' ' . $boCliente['cognome']) ?: $boCliente['email'], 'clienti.php');
+boInizio(kvDaUtf8(trim($boCliente['nome'] . ' ' . $boCliente['cognome']) ?: $boCliente['email']), 'clienti.php');
 echo '<p class="sommario">Cliente n. ', (int) $boCliente['id'], ', registrato il ', boData($boCliente['creato']),
     '</p>';
 if (!$boCliente['approvato']) {

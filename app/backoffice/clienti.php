@@ -23,9 +23,9 @@ function boApprovazione(array $cliente, array $parametri): string
     if ($cliente['approvato']) {
         return 'Sì';
     }
-    return '<form method="post" action="' . kvHtml(boIndirizzo('clienti.php', $parametri)) . '">' . boCampoGettone()
+    return '<form method="post" accept-charset="utf-8" action="' . kvHtml(boIndirizzo('clienti.php', $parametri)) . '">' . boCampoGettone()
         . '<input type="hidden" name="id" value="' . (int) $cliente['id'] . '">'
-        . '<button type="submit" aria-label="Approva ' . kvHtml($cliente['email']) . '">Approva</button></form>';
+        . '<button type="submit" aria-label="Approva ' . kvHtmlUtf8($cliente['email']) . '">Approva</button></form>';
 }
 
 list($boParametri, $boDove, $boValori) = boFiltroClienti($_GET);
@@ -44,7 +44,7 @@ $boClienti = kvQuery('SELECT id, email, nome, cognome, rsoc, listino, sconto, ap
     $boValori) ?? [];
 boInizio('Clienti', 'clienti.php');
 ?>
-<form class="filtro" method="get" action="clienti.php" role="search">
+<form class="filtro" method="get" accept-charset="utf-8" action="clienti.php" role="search">
 <?php echo boCampo('Nome, e-mail, ragione sociale, partita IVA o città', 'q', $boParametri['q'],
     'type="search" maxlength="100"'); ?>
 <label class="spunta"><input type="checkbox" name="attesa" value="1"<?php
@@ -58,9 +58,9 @@ boInizio('Clienti', 'clienti.php');
 <?php
     boTabella(['Cliente', 'E-mail', 'Registrato', '#Listino', '#Sconto %', 'Approvato'], array_map(fn($riga) => [
         '<a href="cliente.php?id=' . (int) $riga['id'] . '">'
-            . kvHtml(trim($riga['nome'] . ' ' . $riga['cognome']) ?: $riga['email']) . '</a>'
-            . ($riga['rsoc'] === '' ? '' : '<small>' . kvHtml($riga['rsoc']) . '</small>'),
-        kvHtml($riga['email']), boData($riga['creato'], false), (string) (int) $riga['listino'],
+            . kvHtmlUtf8(trim($riga['nome'] . ' ' . $riga['cognome']) ?: $riga['email']) . '</a>'
+            . ($riga['rsoc'] === '' ? '' : '<small>' . kvHtmlUtf8($riga['rsoc']) . '</small>'),
+        kvHtmlUtf8($riga['email']), boData($riga['creato'], false), (string) (int) $riga['listino'],
         boDecimale($riga['sconto']), boApprovazione($riga, $boParametri)], $boClienti), 'Clienti');
     boPagine('clienti.php', $boParametri, $boPagina, $boQuantePagine);
 }

@@ -1,45 +1,50 @@
 <?php
-// What can be bought, and how many pieces: articles by their number, values of variants by their code. Without a row in
-// kv_disponibilita a thing is there without limit. Orders lower the quantities meanwhile, so only what was changed on
-// the page is stored, and only where the database still holds what the page had shown.
+// What can be bought, and how many pieces: articles by their number, values of variants by article, variant and code.
+// Without a row in kv_disponibilita a thing is there without limit. Orders lower the quantities meanwhile, so only what
+// was changed on the page is stored, and only where the database still holds what the page had shown.
 include "bo_base.php";
 boRiservata();
 
 const BO_PER_PAGINA = 50;
 
 /**
- * The list of articles (A) or codes (O): its tables, its key in the character set and order of kv_disponibilita, what
- * is grouped by, what is shown, what a search looks into, the order. All of it is SQL of our own.
+ * The list of articles (A) or values of variants (V): its tables, its key in the character set and order of
+ * kv_disponibilita, what is grouped by, what is shown, what a search looks into, the order. All of it is SQL of our own.
  */
-const BO_FONTI = [
-    'A' => ['tabelle' => 'articoli a LEFT JOIN dettaglio g ON g.ID = a.ID',
-        'chiave' => 'CONVERT(CAST(a.ID AS CHAR) USING latin1) COLLATE latin1_bin', 'gruppo' => 'a.ID',
-        'campi' => 'MAX(a.ID) AS chiave, MAX(g.codice) AS codice, MAX(a.plain_titolo) AS nome',
-        'cerca' => "CONCAT_WS(' ', g.codice, a.plain_titolo)", 'ordine' => 'MAX(g.codice), MAX(a.plain_titolo), a.ID'],
-    'O' => ['tabelle' => 'opcodici a LEFT JOIN opzioni g ON g.ID = a.OpID',
-        'chiave' => 'CONVERT(a.codice USING latin1) COLLATE latin1_bin',
-        'gruppo' => 'CONVERT(a.codice USING latin1) COLLATE latin1_bin',
-        'campi' => "MAX(a.codice) AS chiave, MAX(a.codice) AS codice,"
-            . " GROUP_CONCAT(DISTINCT g.nomeopzione SEPARATOR ', ') AS nome",
-        'cerca' => "CONCAT_WS(' ', a.codice, g.nomeopzione)", 'ordine' => 'MAX(g.nomeopzione), MAX(a.codice)'],
-];
+function boFonti(): array
+{
+    $valore = "CONVERT(LEFT(CONCAT(g.ID, '.', a.OpID, '.', a.codice), 100) USING latin1) COLLATE latin1_bin";
+    return [
+        'A' => ['tabelle' => 'articoli a LEFT JOIN dettaglio g ON g.ID = a.ID',
+            'chiave' => 'CONVERT(CAST(a.ID AS CHAR) USING latin1) COLLATE latin1_bin', 'gruppo' => 'a.ID',
+            'campi' => 'MAX(a.ID) AS chiave, MAX(g.codice) AS codice, MAX(a.plain_titolo) AS nome',
+            'cerca' => "CONCAT_WS(' ', g.codice, a.plain_titolo)", 'ordine' => 'MAX(g.codice), MAX(a.plain_titolo), a.ID'],
+        'V' => ['tabelle' => 'opcodici a INNER JOIN dettaglio g ON a.OpID IN (' . kvColonneVarianti('g')
+                . ') INNER JOIN articoli t ON t.ID = g.ID LEFT JOIN opzioni p ON p.ID = a.OpID',
+            'chiave' => $valore, 'gruppo' => $valore,
+            'campi' => "MAX($valore) AS chiave, MAX(a.codice) AS codice,"
+                . " MAX(CONCAT_WS(' ', g.codice, t.plain_titolo, '-', p.nomeopzione)) AS nome",
+            'cerca' => "CONCAT_WS(' ', a.codice, g.codice, t.plain_titolo, p.nomeopzione)",
+            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice)'],
+    ];
+}
 
 /** What a request asks of the list: the parameters, the tables, the condition and its values. */
 function boFiltroDisponibilita(array $richiesta): array
 {
-    $tipo = kvCampo($richiesta, 'tipo', 1) === 'O' ? 'O' : 'A';
+    $tipo = kvCampo($richiesta, 'tipo', 1) === 'V' ? 'V' : 'A';
     $vedi = kvCampo($richiesta, 'vedi', 10);
     $filtri = ['esauriti' => '(d.disponibile = 0 OR d.quantita <= 0)', 'limitati' => 'd.chiave IS NOT NULL'];
     $parametri = ['tipo' => $tipo, 'q' => kvRigaCampo($richiesta, 'q', 100),
         'vedi' => isset($filtri[$vedi]) ? $vedi : ''];
-    $fonte = BO_FONTI[$tipo];
+    $fonte = boFonti()[$tipo];
     $tabelle = $fonte['tabelle']
         . " LEFT JOIN kv_disponibilita d ON d.tipo = '$tipo' AND d.chiave = " . $fonte['chiave'];
     $dove = $parametri['vedi'] === '' ? '1 = 1' : $filtri[$vedi];
     if ($parametri['q'] === '') {
         return [$parametri, $tabelle, $dove, []];
     }
-    return [$parametri, $tabelle, $dove . ' AND INSTR(' . $fonte['cerca'] . ', ?) > 0', [$parametri['q']]];
+    return [$parametri, $tabelle, $dove . ' AND INSTR(' . $fonte['cerca'] . ', ?) > 0', [kvDaUtf8($parametri['q'])]];
 }
 
 /** What the fields of a row say: "1|12", "1|" without a limit, "0|..." for none; null when the quantity is none. */
@@ -85,7 +90,7 @@ function boSalvaVoci(string $tipo): void
     // The table must stand before a transaction: making it would end one.
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     foreach (array_slice($campi['c'], 0, BO_PER_PAGINA, true) as $n => $chiave) {
-        $chiave = kvCampo($campi['c'], (string) $n, 100);
+        $chiave = kvDaUtf8(kvCampo($campi['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
         $prima = kvCampo($campi['p'], (string) $n, 12);
         $dopo = boVoce(isset($campi['d'][$n]), kvCampo($campi['q'], (string) $n, 12));
         if ($dopo === null) {
@@ -126,7 +131,7 @@ if (boInvio()) {
     boSalvaVoci($boParametri['tipo']);
     boVai(boIndirizzo('disponibilita.php', ['p' => boNumero($_GET, 'p', 1, 99999)] + $boParametri));
 }
-$boFonte = BO_FONTI[$boParametri['tipo']];
+$boFonte = boFonti()[$boParametri['tipo']];
 $boTrovate = boConta("SELECT COUNT(DISTINCT {$boFonte['gruppo']}) AS n FROM $boTabelle WHERE $boDove", $boValori);
 $boQuantePagine = max(1, (int) ceil($boTrovate / BO_PER_PAGINA));
 $boPagina = boNumero($_GET, 'p', 1, $boQuantePagine);
@@ -135,8 +140,8 @@ $boVoci = kvQuery("SELECT {$boFonte['campi']}, MAX(d.chiave) AS d, MAX(d.disponi
     . "{$boFonte['ordine']} LIMIT " . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
 boInizio('Disponibilità', 'disponibilita.php');
 ?>
-<form class="filtro" method="get" action="disponibilita.php" role="search">
-<label>Elenco <select name="tipo"><?php echo boScelte(['A' => 'Articoli', 'O' => 'Codici delle opzioni'],
+<form class="filtro" method="get" accept-charset="utf-8" action="disponibilita.php" role="search">
+<label>Elenco <select name="tipo"><?php echo boScelte(['A' => 'Articoli', 'V' => 'Valori delle opzioni'],
     $boParametri['tipo']); ?></select></label>
 <?php echo boCampo('Codice o nome', 'q', $boParametri['q'], 'type="search" maxlength="100"'); ?>
 <label>Mostra <select name="vedi"><?php echo boScelte(['' => 'Tutti', 'limitati' => 'Con un limite',
@@ -148,9 +153,9 @@ boInizio('Disponibilità', 'disponibilita.php');
 <?php
 } else {
     $boQuesta = boIndirizzo('disponibilita.php', ['p' => $boPagina] + $boParametri);
-    echo '<form method="post" action="', kvHtml($boQuesta), '">', boCampoGettone();
-    boTabella(['Codice', $boParametri['tipo'] === 'A' ? 'Articolo' : 'Opzione', 'Disponibile', 'Quantità'],
-        array_map('boCelleVoce', array_keys($boVoci), $boVoci), $boParametri['tipo'] === 'A' ? 'Articoli' : 'Codici');
+    echo '<form method="post" accept-charset="utf-8" action="', kvHtml($boQuesta), '">', boCampoGettone();
+    boTabella(['Codice', $boParametri['tipo'] === 'A' ? 'Articolo' : 'Articolo e opzione', 'Disponibile', 'Quantità'],
+        array_map('boCelleVoce', array_keys($boVoci), $boVoci), $boParametri['tipo'] === 'A' ? 'Articoli' : 'Valori');
     echo '<p class="salva"><button type="submit">Salva</button></p></form>';
     boPagine('disponibilita.php', $boParametri, $boPagina, $boQuantePagine);
 }

@@ -7,20 +7,17 @@ include "bo_base.php";
 function boRifiuto(string $utente, string $password): string
 {
     $chiavi = [kvChiaveTentativi('backoffice', $utente), kvChiaveTentativi('backoffice', '')];
-    if (kvTroppiTentativi($chiavi[0], 'kvQuery') || kvTroppiTentativi($chiavi[1], 'kvQuery', 20)) {
+    if (!kvAmmetti($chiavi[0], 'accessi_conto') || !kvAmmetti($chiavi[1], 'accessi')) {
         return 'Troppi tentativi: riprovare tra un quarto d\'ora.';
     }
-    foreach ($chiavi as $chiave) {
-        kvSegnaTentativo($chiave, 'kvQuery');
-    }
     // Both comparisons always take place, on texts of equal length.
-    $giuste = hash_equals(hash('sha256', boImpostazioni()['utente']), hash('sha256', $utente))
-        & hash_equals(hash('sha256', boImpostazioni()['password']), hash('sha256', $password));
+    $giuste = hash_equals(hash('sha256', kvDaCp1252(boImpostazioni()['utente'])), hash('sha256', $utente))
+        & hash_equals(hash('sha256', kvDaCp1252(boImpostazioni()['password'])), hash('sha256', $password));
     if (!boProtetto() || !$giuste) {
         return 'Nome utente o password errati.';
     }
     foreach ($chiavi as $chiave) {
-        kvAzzeraTentativi($chiave, 'kvQuery');
+        kvAzzeraTentativi($chiave);
     }
     return '';
 }
@@ -34,7 +31,7 @@ if (!boProtetto()) {
         . ' quindi costruire ed aggiornare il negozio.';
 } elseif (boInvio()) {
     $boErrore = boRifiuto(kvCampo($_POST, 'utente'),
-        isset($_POST['password']) && is_string($_POST['password']) ? substr($_POST['password'], 0, 200) : '');
+        isset($_POST['password']) && is_string($_POST['password']) ? kvTaglia(kvTestoInviato($_POST['password'], true), 200) : '');
     if ($boErrore === '') {
         boEntra();
         boVai('pannello.php');
@@ -46,7 +43,7 @@ if ($boErrore !== '') {
 boInizio('Accesso');
 if (boProtetto()) {
 ?>
-<form class="modulo" method="post" action="index.php">
+<form class="modulo" method="post" accept-charset="utf-8" action="index.php">
 <?php echo boCampoGettone(); ?>
 <label>Nome utente <input name="utente" maxlength="200" autocomplete="username" required autofocus></label>
 <label>Password <input type="password" name="password" maxlength="200" autocomplete="current-password" required></label>

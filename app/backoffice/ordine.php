@@ -12,10 +12,10 @@ function boDestinatario(array $ordine, array $campi): void
         trim(($campi['CAP'] ?? '') . ' ' . ($campi['Citta'] ?? '') . ' ' . ($campi['Provincia'] ?? '')),
         $campi['Paese'] ?? ''];
     $righe = array_filter($righe, fn($riga) => $riga !== '');
-    $righe = array_map('kvHtml', $righe === [] ? [$ordine['nome']] : $righe);
+    $righe = array_map('kvHtmlUtf8', $righe === [] ? [$ordine['nome']] : $righe);
     echo '<address>', implode('<br>', $righe), '</address><dl>';
-    $voci = ['E-mail' => '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtml($ordine['email'])
-        . '</a>', 'Telefono' => kvHtml($campi['Telefono'] ?? ''), 'Partita IVA' => kvHtml($campi['PartitaIVA'] ?? '')];
+    $voci = ['E-mail' => '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtmlUtf8($ordine['email'])
+        . '</a>', 'Telefono' => kvHtmlUtf8($campi['Telefono'] ?? ''), 'Partita IVA' => kvHtmlUtf8($campi['PartitaIVA'] ?? '')];
     if ((int) $ordine['cliente'] > 0) {
         $numero = (int) $ordine['cliente'];
         $voci['Cliente'] = '<a href="cliente.php?id=' . $numero . '">n. ' . $numero . '</a>';
@@ -30,11 +30,11 @@ function boDestinatario(array $ordine, array $campi): void
 function boContenuto(array $ordine, array $dati): void
 {
     if ($dati['righe'] === []) {
-        echo '<pre>', kvHtml($ordine['riepilogo']), '</pre>';
+        echo '<pre>', kvHtmlUtf8($ordine['riepilogo']), '</pre>';
         return;
     }
     boTabella(['Articolo', '#Quantità', '#Importo', '#Totale'], array_map(fn($riga) => [
-        kvHtml($riga['testo']) . ($riga['scelte'] === '' ? '' : '<small>' . kvHtml($riga['scelte']) . '</small>'),
+        kvHtmlUtf8($riga['testo']) . ($riga['scelte'] === '' ? '' : '<small>' . kvHtmlUtf8($riga['scelte']) . '</small>'),
         (string) $riga['quantita'], boDecimale($riga['importo']), boDecimale($riga['importo'] * $riga['quantita'])],
         $dati['righe']), 'Articoli');
     echo '<dl class="totali">';
@@ -52,7 +52,7 @@ function boContenuto(array $ordine, array $dati): void
 function boModuloStato(array $ordine, array $dati): void
 {
     $annullato = $ordine['stato'] === 'annullato';
-    echo '<form class="modulo non-stampare" method="post" action="',
+    echo '<form class="modulo non-stampare" method="post" accept-charset="utf-8" action="',
         kvHtml(boIndirizzo('ordine.php', ['codice' => $ordine['codice']])), '">', boCampoGettone(),
         '<input type="hidden" name="prima" value="', kvHtml($ordine['stato']), '"><h2>Stato</h2>',
         '<label>Stato dell\'ordine <select name="stato">', boScelte(boSceltaStati(), $ordine['stato']),
@@ -84,9 +84,9 @@ $boDati = boDatiOrdine($boOrdine['dati']);
 boInizio('Ordine ' . $boOrdine['codice'], 'ordini.php');
 ?>
 <p class="sommario"><?php echo boData($boOrdine['creato']), ' &middot; ', boStato($boOrdine['stato']), ' &middot; ',
-    kvHtml($boOrdine['metodo']); ?></p>
+    kvHtmlUtf8($boOrdine['metodo']); ?></p>
 <?php if (($boOrdine['pagamento'] ?? '') !== '') { ?>
-<p>Pagamento confermato: <?php echo kvHtml($boOrdine['pagamento']); ?></p>
+<p>Pagamento confermato: <?php echo kvHtmlUtf8($boOrdine['pagamento']); ?></p>
 <?php } ?>
 <div class="colonne">
 <section><h2>Destinatario</h2>
@@ -98,7 +98,7 @@ boInizio('Ordine ' . $boOrdine['codice'], 'ordini.php');
 <?php
 boContenuto($boOrdine, $boDati);
 if (($boDati['campi']['Note'] ?? '') !== '') {
-    echo '<h2>Note</h2><p class="testo">', nl2br(kvHtml($boDati['campi']['Note'])), '</p>';
+    echo '<h2>Note</h2><p class="testo">', nl2br(kvHtmlUtf8($boDati['campi']['Note'])), '</p>';
 }
 ?>
 <p class="non-stampare"><button type="button" data-stampa hidden>Stampa</button>

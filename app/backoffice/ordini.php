@@ -14,7 +14,7 @@ $boOrdini = kvQuery('SELECT ' . BO_COLONNE_ORDINE . " FROM kv_ordini WHERE $boDo
     . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
 boInizio('Ordini', 'ordini.php');
 ?>
-<form class="filtro" method="get" action="ordini.php" role="search">
+<form class="filtro" method="get" accept-charset="utf-8" action="ordini.php" role="search">
 <?php echo boCampo('Codice, nome o e-mail', 'q', $boParametri['q'], 'type="search" maxlength="100"'),
     boCampo('Dal', 'da', $boParametri['da'], 'type="date"'), boCampo('Al', 'a', $boParametri['a'], 'type="date"'); ?>
 <label>Stato <select name="stato"><?php
@@ -30,8 +30,8 @@ boInizio('Ordini', 'ordini.php');
     boTabella(['Codice', 'Data', 'Cliente', 'E-mail', '#Totale', 'Pagamento', 'Stato'], array_map(fn($riga) => [
         '<a href="' . kvHtml(boIndirizzo('ordine.php', ['codice' => $riga['codice']])) . '">' . kvHtml($riga['codice'])
             . '</a>',
-        boData($riga['creato']), kvHtml($riga['nome']), kvHtml($riga['email']),
-        boImporto($riga['totale'], $riga['valuta']), kvHtml($riga['metodo']), boStato($riga['stato'])], $boOrdini),
+        boData($riga['creato']), kvHtmlUtf8($riga['nome']), kvHtmlUtf8($riga['email']),
+        boImporto($riga['totale'], $riga['valuta']), kvHtmlUtf8($riga['metodo']), boStato($riga['stato'])], $boOrdini),
         'Ordini');
     boPagine('ordini.php', $boParametri, $boPagina, $boQuantePagine);
 }

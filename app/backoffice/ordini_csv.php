@@ -1,5 +1,6 @@
 <?php
-// The orders of a search as a CSV file for spreadsheets of an Italian system: Windows-1252, ";", CR LF, decimal comma.
+// The orders of a search as a CSV file for spreadsheets of an Italian system: UTF-8 with a mark by which they know it,
+// ";", CR LF, decimal comma.
 include "bo_base.php";
 include_once "bo_ordini.php";
 boRiservata();
@@ -35,10 +36,10 @@ function boRigaCsv(array $ordine): string
 }
 
 list(, $boDove, $boValori) = boFiltroOrdini($_GET);
-header('Content-Type: text/csv; charset=windows-1252');
+header('Content-Type: text/csv; charset=utf-8');
 header('Content-Disposition: attachment; filename="ordini-' . date('Y-m-d') . '.csv"');
 ob_end_flush();
-echo 'Codice;Data;Cliente;E-mail;Totale;Valuta;Pagamento;Stato;', implode(';', array_keys(BO_CAMPI_CSV)), "\r\n";
+echo "\u{FEFF}", 'Codice;Data;Cliente;E-mail;Totale;Valuta;Pagamento;Stato;', kvUtf8(implode(';', array_keys(BO_CAMPI_CSV))), "\r\n";
 // In steps, each from where the last one ended, so that many orders need no more memory than few.
 $boUltimo = PHP_INT_MAX;
 do {

@@ -29,7 +29,7 @@ function boQuanti(int $n, string $uno, string $molti): string
 // The database's own clock dates the orders, so it also says what today is.
 $boOggi = kvRiga("SELECT CURDATE() AS oggi, DATE_FORMAT(CURDATE(), '%Y-%m-01') AS mese")
     ?? ['oggi' => date('Y-m-d'), 'mese' => date('Y-m-01')];
-$boNuovi = boConta("SELECT COUNT(*) AS n FROM kv_ordini WHERE stato IN ('nuovo', 'da verificare')");
+$boNuovi = boConta("SELECT COUNT(*) AS n FROM kv_ordini WHERE stato IN ('nuovo', 'da verificare', 'importo diverso')");
 $boAttesa = boConta('SELECT COUNT(*) AS n FROM kv_clienti WHERE approvato = 0');
 $boEsauriti = boConta("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'A'"
     . ' AND (disponibile = 0 OR quantita <= 0)');
@@ -49,7 +49,7 @@ if ($boUltimi === []) {
     boTabella(['Codice', 'Data', 'Cliente', '#Totale', 'Stato'], array_map(fn($riga) => [
         '<a href="' . kvHtml(boIndirizzo('ordine.php', ['codice' => $riga['codice']])) . '">' . kvHtml($riga['codice'])
             . '</a>',
-        boData($riga['creato']), kvHtml($riga['nome']), boImporto($riga['totale'], $riga['valuta']),
+        boData($riga['creato']), kvHtmlUtf8($riga['nome']), boImporto($riga['totale'], $riga['valuta']),
         boStato($riga['stato'])], $boUltimi), 'Ultimi ordini');
 }
 boFine();

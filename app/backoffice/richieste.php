@@ -20,7 +20,7 @@ function boInviaRichiesta(array $cliente): bool
     return kvMail($cliente['email'], $negozio['email'], $negozio['nome'] . ' - Password',
         "Per scegliere una nuova password aprire questo indirizzo entro un'ora.\r\n"
         . "To choose a new password, open this address within an hour.\r\n\r\n"
-        . boImpostazioni()['indirizzo'] . "/login$lingua.php?g=$gettone\r\n\r\n" . $negozio['firma']);
+        . kvUtf8(boImpostazioni()['indirizzo']) . "/login$lingua.php?g=$gettone\r\n\r\n" . $negozio['firma']);
 }
 
 /** What has become of a request. */
@@ -35,9 +35,9 @@ function boAzioniRichiesta(array $riga): string
     if ($riga['cliente'] === null) {
         return 'Nessun cliente';
     }
-    return '<form method="post" action="richieste.php">' . boCampoGettone() . '<input type="hidden" name="id" value="'
+    return '<form method="post" accept-charset="utf-8" action="richieste.php">' . boCampoGettone() . '<input type="hidden" name="id" value="'
         . (int) $riga['cliente'] . '"><button type="submit" class="piano" aria-label="Invia di nuovo a '
-        . kvHtml($riga['email']) . '">Invia di nuovo</button></form> <a href="cliente.php?id=' . (int) $riga['cliente']
+        . kvHtmlUtf8($riga['email']) . '">Invia di nuovo</button></form> <a href="cliente.php?id=' . (int) $riga['cliente']
         . '">Imposta una password</a>';
 }
 
@@ -52,7 +52,7 @@ if (boInvio()) {
     boVai('richieste.php');
 }
 $boCerca = kvRigaCampo($_GET, 'q', 100);
-$boDove = $boCerca === '' ? '1 = 1' : 'INSTR(r.email, ?) > 0';
+$boDove = "r.stato NOT IN ('registrazione', 'registrata')" . ($boCerca === '' ? '' : ' AND INSTR(r.email, ?) > 0');
 $boValori = $boCerca === '' ? [] : [$boCerca];
 $boTrovate = boConta("SELECT COUNT(*) AS n FROM kv_richieste r WHERE $boDove", $boValori);
 $boQuantePagine = max(1, (int) ceil($boTrovate / BO_PER_PAGINA));
@@ -62,7 +62,7 @@ $boRichieste = kvQuery('SELECT r.email, r.creato, r.scade, r.scade <= NOW() AS s
     . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
 boInizio('Password richieste', 'richieste.php');
 ?>
-<form class="filtro" method="get" action="richieste.php" role="search">
+<form class="filtro" method="get" accept-charset="utf-8" action="richieste.php" role="search">
 <?php echo boCampo('E-mail', 'q', $boCerca, 'type="search" maxlength="100"'); ?>
 <p><button type="submit">Cerca</button></p>
 </form>
@@ -71,7 +71,7 @@ boInizio('Password richieste', 'richieste.php');
 <?php
 } else {
     boTabella(['E-mail', 'Richiesta', 'Scade', 'Stato', 'Azioni'], array_map(fn($riga) => [
-        kvHtml($riga['email']), boData($riga['creato']), boData($riga['scade']), kvHtml(boEsitoRichiesta($riga)),
+        kvHtmlUtf8($riga['email']), boData($riga['creato']), boData($riga['scade']), kvHtml(boEsitoRichiesta($riga)),
         boAzioniRichiesta($riga)], $boRichieste), 'Richieste');
     boPagine('richieste.php', ['q' => $boCerca], $boPagina, $boQuantePagine);
 }

@@ -3,12 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
-#include "commerce/shipping/shipping_editor.h"
-#include "commerce/variants/variant_editor.h"
 #include "commerce_shop.h"
 #include "platform/files/settings.h"
+#include "random_merchant.h"
 #include "store/catalogue/table_rollback.h"
 #include "store/catalogue/undo_history.h"
 #include "support/fixed_clock.h"
@@ -17,7 +14,7 @@
 namespace kv::test {
 namespace {
 
-const int rounds = operationsOf(500);
+const int rounds = operationsOf(60);
 
 class RandomEdits : public CommerceShop {
  protected:
@@ -31,89 +28,6 @@ class RandomEdits : public CommerceShop {
     user.answers.assign(20000, Answer::Yes);
   }
   void TearDown() override { sets.release(); }
-
-  int below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(engine); }
-  std::string word() {
-    static const std::vector<std::string> words{"", "Altro", "città", "12,5", "x'y", "(nessuna)", " ", "0,25", "-3"};
-    return words[static_cast<std::size_t>(below(static_cast<int>(words.size())))];
-  }
-
-  void editShipping() {
-    const int method = 1 + below(4), zone = 1 + below(8);
-    const std::string column = "m" + std::to_string(method);
-    switch (below(11)) {
-      case 0:
-        shipping.switchMethod(method, below(2) == 0);
-        break;
-      case 1:
-        shipping.setMethodName(method, word());
-        break;
-      case 2:
-        shipping.setModule(method, word());
-        break;
-      case 3:
-        shipping.preselectMethod(method);
-        break;
-      case 4:
-        shipping.addCountry(word());
-        break;
-      case 5:
-        shipping.deleteCountry(1 + below(95));
-        break;
-      case 6:
-        shipping.setCountryZone(1 + below(95), zone);
-        break;
-      case 7:
-        shipping.preselectCountry(std::to_string(1 + below(95)));
-        break;
-      case 8:
-        shipping.leaveNumber(zone, column + "imp1", word());
-        break;
-      case 9:
-        shipping.leaveNumber(zone, column + "peso" + std::to_string(1 + below(9)), word());
-        break;
-      default:
-        shipping.allow(zone, method, below(2) == 0);
-        shipping.setPaysVat(zone, below(2) == 0);
-        shipping.accept();
-    }
-  }
-
-  void editVariants() {
-    const std::vector<VariantRow> all = variants.variants();
-    const std::int64_t variant = all[static_cast<std::size_t>(below(static_cast<int>(all.size())))].ID;
-    const std::vector<OptionRow> options = variants.options(variant);
-    const std::int64_t option =
-        options.empty() ? 0 : options[static_cast<std::size_t>(below(static_cast<int>(options.size())))].ID;
-    switch (below(9)) {
-      case 0:
-        variants.addVariant();
-        break;
-      case 1:
-        variants.duplicateVariant(variant);
-        break;
-      case 2:
-        variants.deleteVariant(variant);
-        break;
-      case 3:
-        variants.rename(variant, word());
-        break;
-      case 4:
-        variants.addOption(variant);
-        break;
-      case 5:
-        if (option != 0) variants.deleteOption(option);
-        break;
-      case 6:
-        if (option != 0) variants.setOption(option, static_cast<OptionCell>(below(4)), word());
-        break;
-      case 7:
-        if (option != 0) variants.markOption(variant, option);
-        break;
-      default:
-        variants.pasteOptions(variant, "A\tuno\t1,5\t2\nB\tdue\n");
-    }
-  }
 
   /// Every row of all tables but the zones 5 to 8, with the engine's row numbers; the last serial numbers; the schema.
   std::string whole() {
@@ -148,14 +62,14 @@ class RandomEdits : public CommerceShop {
   TableRollback rollback{sets, env};
   ShippingEditor shipping{session, user, ','};
   VariantEditor variants{session, user, ','};
-  std::mt19937 engine{seed()};
+  RandomMerchant merchant{shipping, variants, seed()};
 };
 
 TEST_F(RandomEdits, AnnullaOfShippingLeavesEverythingButTheZonesFiveToEight) {
   const std::string before = whole();
   for (int round = 0; round < rounds; ++round) {
     const auto ended = rollback.SalvaTabelleSpedizione([this]() -> Result<bool> {
-      for (int n = 1 + below(5); n > 0; --n) editShipping();
+      for (int n = 1 + merchant.below(5); n > 0; --n) merchant.editShipping();
       return false;
     });
     ASSERT_TRUE(ended) << ended.error().what;
@@ -170,7 +84,7 @@ TEST_F(RandomEdits, AnnullaOfVariantsLeavesEverything) {
   for (int round = 0; round < rounds; ++round) {
     const auto ended =
         rollback.SalvaTabelleVarianti("opzione1", [this](const std::string&) -> Result<std::optional<std::int64_t>> {
-          for (int n = 1 + below(5); n > 0; --n) editVariants();
+          for (int n = 1 + merchant.below(5); n > 0; --n) merchant.editVariants();
           return std::optional<std::int64_t>();
         });
     ASSERT_TRUE(ended) << ended.error().what;
@@ -191,11 +105,12 @@ TEST_F(RandomEdits, AnOkIsUndoneAndDoneAgain) {
     }
     return text;
   };
-  for (int round = 0; round < rounds / 5; ++round) {
+  for (int round = 0; round < operationsOf(15); ++round) {
     const std::string before = rowsAlone();
     const auto done = history.record("Prova", [this, round]() -> Result<> {
       const auto edit = [this, round] {
-        for (int n = 1 + below(5); n > 0; --n) round % 2 == 0 ? editShipping() : editVariants();
+        for (int n = 1 + merchant.below(5); n > 0; --n)
+          round % 2 == 0 ? merchant.editShipping() : merchant.editVariants();
       };
       const auto ended = rollback.SalvaTabelleSpedizione([&edit]() -> Result<bool> {
         edit();

@@ -105,6 +105,20 @@ TEST_F(TheGateways, EmptyFieldsLeaveNothingWhereThePlaceholdersWere) {
   }
 }
 
+TEST_F(TheGateways, OfAModuleThatWasNeverConfiguredHaveTheShippedDescriptorWithoutAccountData) {
+  for (const GatewayModule& module : gatewayModules()) {
+    const std::string descriptor = std::string(module.folder) + ".kpg";
+    const std::string shipped = read(descriptor);
+    GatewayAccount empty = GatewayAccount::load(session, module);
+    for (const AccountKey& key : module.keys) {
+      const bool isTyped = key.role == KeyRole::Text || key.role == KeyRole::Secret || key.role == KeyRole::Lines;
+      if (isTyped) empty.setValue(key.key, "");
+    }
+    save(empty);
+    EXPECT_EQ(shipped, read(descriptor)) << module.folder;
+  }
+}
+
 TEST_F(TheGateways, DescriptorAndScriptsAreFilled) {
   GatewayAccount account = load("Cartafacile");
   account.setValue("mid", "NEG1");

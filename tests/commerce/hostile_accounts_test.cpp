@@ -9,21 +9,11 @@
 #include "commerce/gateways/template_filling.h"
 #include "commerce_shop.h"
 #include "platform/text/text.h"
+#include "support/command_output.h"
 #include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
-
-/// The output of a command, errors included.
-std::string outputOf(const std::string& command) {
-  std::string text;
-  std::FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
-  if (pipe == nullptr) return "cannot run " + command;
-  char piece[4096];
-  for (std::size_t n = 0; (n = std::fread(piece, 1, sizeof piece, pipe)) > 0;) text.append(piece, n);
-  const int status = ::pclose(pipe);
-  return status == 0 ? text : text + "\nstatus " + std::to_string(status);
-}
 
 class HostileAccounts : public CommerceShop {
  protected:
@@ -140,7 +130,7 @@ class HostileAccounts : public CommerceShop {
 };
 
 TEST_F(HostileAccounts, ComeBackEqualFromSaveAndLoad) {
-  for (int round = 0; round < 30; ++round) {
+  for (int round = 0; round < operationsOf(6); ++round) {
     for (const GatewayModule& module : gatewayModules()) {
       const GatewayAccount account = hostile(module);
       ASSERT_TRUE(account.save(session)) << module.folder;
@@ -160,7 +150,7 @@ TEST_F(HostileAccounts, AreDataInTheFilledScriptsOfAllModules) {
   const std::string code = session.ShopFolder + "/code/";
   std::string list;
   for (const GatewayModule& module : gatewayModules()) {
-    for (int round = 0; round < 8; ++round) {
+    for (int round = 0; round < operationsOf(4); ++round) {
       const GatewayAccount account = hostile(module);
       ASSERT_TRUE(account.save(session));
       for (const auto& [file, form] : filesOf(module, account.mode())) {
@@ -181,7 +171,7 @@ TEST_F(HostileAccounts, AreDataInTheFilledScriptsOfAllModules) {
     }
   }
   ASSERT_TRUE(writeBytes(root / "list", list));
-  EXPECT_EQ(outputOf("php " KORVANE_TEST_DATA "/commerce/filled_scripts.php " + (root / "list")), "");
+  EXPECT_EQ(outputOf("php " KORVANE_TEST_DATA "/commerce/filled_scripts.php " + (root / "list") + " 2>&1"), "");
 }
 
 TEST_F(HostileAccounts, LeaveScriptsThatPhpAccepts) {
@@ -196,7 +186,7 @@ TEST_F(HostileAccounts, LeaveScriptsThatPhpAccepts) {
       ++files;
     }
   }
-  const std::string said = outputOf("(" + commands + ")");
+  const std::string said = outputOf("(" + commands + ") 2>&1");
   int accepted = 0;
   for (const std::string_view line : splitLines(said)) accepted += line.starts_with("No syntax errors") ? 1 : 0;
   EXPECT_EQ(accepted, files) << said;

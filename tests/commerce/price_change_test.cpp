@@ -281,7 +281,7 @@ class RandomPrices : public ChangingPrices {
 
 TEST_F(RandomPrices, BecomeWhatThePreviewSaidAndUndoRestoresThem) {
   std::mt19937 chance(seed());
-  for (int round = 0; round < operationsOf(500); ++round) {
+  for (int round = 0; round < operationsOf(60); ++round) {
     fill(chance);
     const std::string before = everything();
     const PriceRule rule = ruleOfPercentage(readPercentage(change.percentage).value(), change.whole);

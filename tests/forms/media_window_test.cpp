@@ -71,7 +71,7 @@ TEST_F(MediaWindow, APictureFromTheDiskIsOneStepAndItsFileStaysAfterUndo) {
   EXPECT_EQ(picture(), "vaso_0001.jpg 180x90");
   EXPECT_TRUE(choose("undo"));
   EXPECT_NE(picture(), "vaso_0001.jpg 180x90");
-  EXPECT_TRUE(fileExists(shop + "/work/vaso_0001.jpg"));
+  EXPECT_TRUE(fileExists(joinPath(shop, "work/vaso_0001.jpg")));
 }
 
 TEST_F(MediaWindow, ACopiedPhotoHasTheSizesAsABrowserShowsIt) {
@@ -82,7 +82,7 @@ TEST_F(MediaWindow, ACopiedPhotoHasTheSizesAsABrowserShowsIt) {
 }
 
 TEST_F(MediaWindow, APictureOfTheShopIsTakenWithoutACopy) {
-  saveTurned(shop + "/work/altra_0003.jpg");
+  saveTurned(joinPath(shop, "work/altra_0003.jpg"));
   openOnArticle();
   choosePicture("lstNegozio", "altra_0003.jpg");
   EXPECT_EQ(picture(), "altra_0003.jpg 20x40");
@@ -90,7 +90,7 @@ TEST_F(MediaWindow, APictureOfTheShopIsTakenWithoutACopy) {
 }
 
 TEST_F(MediaWindow, ThePurgeBeginsWithANoticeOfTheFolder) {
-  ASSERT_TRUE(writeBytes(shop + "/work/LOGO.GIF", "x"));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/LOGO.GIF"), "x"));
   openWindow();
   whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"),
             [](QWidget& dialog) { QTimer::singleShot(50, &dialog, [&dialog] { dialog.close(); }); });

@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
+#include <QSpinBox>
 #include <QTabWidget>
 
 #include "dialog_fixture.h"
@@ -24,7 +27,7 @@ class ThePictureDialog : public test::DialogFixture {
     ASSERT_TRUE(createFolders(pictures + "/mare"));
     save(pictures + "/Larga.png", 400, 200);
     save(pictures + "/piccola.png", 20, 10);
-    save(shop + "/work/usata_0001.png", 30, 30);
+    save(joinPath(shop, "work/usata_0001.png"), 30, 30);
     save(pictures + "/mare/onda.jpg", 50, 50);
     ASSERT_TRUE(writeBytes(pictures + "/rotta.jpg", "testo"));
     ASSERT_TRUE(writeBytes(pictures + "/nota.txt", "testo"));
@@ -78,7 +81,7 @@ TEST_F(ThePictureDialog, ShowsTheReducedSizeAndWritesIt) {
   EXPECT_EQ(control<QLabel>(*dialog, "picAnteprima")->pixmap().size(), QSize(180, 90));
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
-  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(180, 90));
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(180, 90));
 }
 
 TEST_F(ThePictureDialog, ThePreviewIsUpright) {
@@ -158,6 +161,89 @@ TEST_F(ThePictureDialog, AFolderThatCantBeReadFallsBackToTheOneBefore) {
   user.folders = {pictures + "/mare"};
   click(*dialog, "cmdSfoglia");
   EXPECT_EQ(files().count(), 1);
+}
+
+TEST_F(ThePictureDialog, AQuarterTurnShowsAndWritesTheTurnedPicture) {
+  makeDialog();
+  choose("Larga.png");
+  click(*dialog, "cmdRuotaDestra");
+  EXPECT_EQ(size(), "90 x 180");
+  click(*dialog, "cmdRuotaSinistra");
+  EXPECT_EQ(size(), "180 x 90");
+  click(*dialog, "cmdRuotaSinistra");
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
+  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(90, 180));
+}
+
+TEST_F(ThePictureDialog, APartIsTypedInFixedProportions) {
+  makeDialog();
+  choose("Larga.png");
+  control<QCheckBox>(*dialog, "chkAdatta")->click();
+  control<QCheckBox>(*dialog, "chkRitaglia")->click();
+  EXPECT_EQ(size(), "400 x 200") << "it begins with all of it";
+  control<QComboBox>(*dialog, "cboProporzioni")->setCurrentIndex(1);
+  EXPECT_EQ(size(), "200 x 200");
+  EXPECT_EQ(control<QSpinBox>(*dialog, "numSinistra")->value(), 100) << "in the middle";
+  auto* wide = control<QSpinBox>(*dialog, "numLarga");
+  wide->setFocus();
+  wide->selectAll();
+  QTest::keyClicks(wide, "120");
+  QTest::keyClick(wide, Qt::Key_Tab);
+  EXPECT_EQ(size(), "120 x 120") << "the height follows";
+  EXPECT_EQ(test::namelessControls(*dialog), "");
+  test::keepPicture(*dialog, "immagine-ritaglio");
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(QImage(toQt(shop + "/work/larga_0001.jpg")).size(), QSize(120, 120));
+}
+
+TEST_F(ThePictureDialog, APartIsDrawnWithTheMouse) {
+  makeDialog();
+  choose("Larga.png");
+  control<QCheckBox>(*dialog, "chkAdatta")->click();
+  control<QCheckBox>(*dialog, "chkRitaglia")->click();
+  auto* frame = control<QLabel>(*dialog, "picAnteprima");
+  // 400 by 200 are shown as 270 by 135 in the middle of the frame.
+  const QPoint middle = frame->rect().center();
+  QTest::mousePress(frame, Qt::LeftButton, {}, middle - QPoint(100, 50));
+  QTest::mouseMove(frame, middle - QPoint(50, 25));
+  QMouseEvent drag(QEvent::MouseMove, QPointF(middle), frame->mapToGlobal(QPointF(middle)), Qt::LeftButton,
+                   Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(frame, &drag);
+  QTest::mouseRelease(frame, Qt::LeftButton, {}, middle);
+  EXPECT_NEAR(control<QSpinBox>(*dialog, "numSinistra")->value(), 52, 3);
+  EXPECT_NEAR(control<QSpinBox>(*dialog, "numLarga")->value(), 148, 3);
+  EXPECT_NEAR(control<QSpinBox>(*dialog, "numAlta")->value(), 74, 3);
+}
+
+TEST_F(ThePictureDialog, AnotherPictureBeginsWithoutTurnsAndCuts) {
+  makeDialog();
+  choose("Larga.png");
+  click(*dialog, "cmdRuotaDestra");
+  control<QCheckBox>(*dialog, "chkRitaglia")->click();
+  choose("piccola.png");
+  EXPECT_FALSE(control<QCheckBox>(*dialog, "chkRitaglia")->isChecked());
+  EXPECT_EQ(size(), "20 x 10");
+  choose("rotta.jpg");
+  EXPECT_FALSE(control<QPushButton>(*dialog, "cmdRuotaDestra")->isEnabled()) << "there is nothing to turn";
+}
+
+TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
+  const std::string jpeg = *readBytes(pictures + "/mare/onda.jpg");
+  const std::string zero(1, '\0');
+  const std::string note = "\xFF\xE1" + zero + "\x2B" + "http://ns.adobe.com/xap/1.0/" + zero + "GPSLatitude'";
+  ASSERT_TRUE(writeBytes(pictures + "/casa.jpg", jpeg.substr(0, 2) + note + jpeg.substr(2)));
+  makeDialog();
+  auto* box = control<QCheckBox>(*dialog, "chkLuogo");
+  choose("piccola.png");
+  EXPECT_FALSE(box->isVisible());
+  choose("casa.jpg");
+  EXPECT_TRUE(box->isVisible());
+  EXPECT_FALSE(box->isChecked());
+  test::keepPicture(*dialog, "immagine-luogo");
+  box->click();
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(*readBytes(shop + "/work/casa_0001.jpg"), jpeg);
 }
 
 TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {

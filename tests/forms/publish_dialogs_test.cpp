@@ -120,6 +120,27 @@ TEST_F(TheSendingDialog, TheAdviceIsOneButton) {
   EXPECT_TRUE(file("kvftp.ini").ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nCONN: 3\r\n"));
 }
 
+TEST_F(TheSendingDialog, TheConnectionsAndTheCleanUpAreWrittenAndShownAgain) {
+  start();
+  auto* connections = control<QComboBox>(*dialog, "cboConnessioni");
+  EXPECT_EQ(fromQt(connections->currentText()), "1");
+  EXPECT_FALSE(isOn("chkPulizia"));
+  connections->setCurrentIndex(connections->findText("4"));
+  choose("chkPulizia");
+  click(*dialog, "cmdOK");
+  EXPECT_TRUE(file("kvftp.ini").ends_with("LOCK: -1\r\nCONN: 4\r\nPULI: 1\r\n")) << file("kvftp.ini");
+  start();
+  EXPECT_EQ(fromQt(control<QComboBox>(*dialog, "cboConnessioni")->currentText()), "4");
+  EXPECT_TRUE(isOn("chkPulizia"));
+}
+
+TEST_F(TheSendingDialog, TheAdviceLeavesTheCleanUpToTheMerchant) {
+  start();
+  click(*dialog, "cmdConsigliate");
+  EXPECT_FALSE(isOn("chkPulizia"));
+  EXPECT_EQ(fromQt(control<QComboBox>(*dialog, "cboConnessioni")->currentText()), "3");
+}
+
 TEST_F(TheSendingDialog, AnotherHostIsAskedAboutOnce) {
   ASSERT_TRUE(writeBytes(shop + "/db/sql.mdb", "x"));
   ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET hostname = 'ftp.b.it'"));
@@ -204,11 +225,25 @@ TEST_F(TheConnectionDialog, OkWritesTheFile) {
             "TLSM: 2\r\n");
 }
 
-TEST_F(TheConnectionDialog, WhatHasNoControlOfItsOwnIsKept) {
-  ASSERT_TRUE(writeBytes(shop + "/firewall.net", "MODE: 1\r\nPROT: 1\r\n"));
+TEST_F(TheConnectionDialog, SftpHasAPortOfItsOwnAndNothingThatOnlyFtpHas) {
   start();
+  auto* protocol = control<QComboBox>(*dialog, "cboProtocollo");
+  auto* kinds = control<QComboBox>(*dialog, "cboTipo");
+  kinds->setCurrentIndex(3);
+  protocol->setFocus();
+  QTest::keyClick(protocol, Qt::Key_Down);
+  EXPECT_EQ(fromQt(protocol->currentText()), "SFTP (SSH)");
+  EXPECT_EQ(fromQt(control<QLineEdit>(*dialog, "txtPortaFTP")->text()), "22");
+  EXPECT_EQ(kinds->currentIndex(), 0) << "a proxy of FTP carries no SFTP";
+  for (const char* name : {"optPassiva", "optAttiva", "cboTLS"}) {
+    EXPECT_FALSE(control<QWidget>(*dialog, name)->isEnabled()) << name;
+  }
+  test::keepPicture(*dialog, "firewall_sftp");
   click(*dialog, "cmdOK");
+  EXPECT_NE(file("firewall.net").find("FPRT: 22\r\n"), std::string::npos);
   EXPECT_TRUE(file("firewall.net").ends_with("PROT: 1\r\n"));
+  start();
+  EXPECT_EQ(control<QComboBox>(*dialog, "cboProtocollo")->currentIndex(), 1);
 }
 
 TEST_F(TheConnectionDialog, TheResetDeletesTheFileOnlyOnOk) {

@@ -17,17 +17,18 @@ using test::control;
 class ThePurgeDialog : public test::DialogFixture {
  protected:
   void makeDialog() {
-    dialog.emplace(PurgeSources{shop + "/work", [this] { return usedPictures(session.catalogue); }, {}}, user);
+    dialog.emplace(PurgeSources{shop + "/work", [this] { return usedPictures(session.catalogue); }, texts, {}}, user);
     show(*dialog);
     QApplication::processEvents();
     list = control<QListWidget>(*dialog, "lstFiles");
   }
   void present(std::initializer_list<const char*> names) {
     ASSERT_TRUE(emptyFolder(shop + "/work"));
-    for (const char* name : names) ASSERT_TRUE(writeBytes(shop + "/work/" + name, "x"));
+    for (const char* name : names) ASSERT_TRUE(writeBytes(joinPath(shop, std::string("work/") + name), "x"));
   }
   std::vector<std::string> left() const { return listFiles(shop + "/work", "*"); }
 
+  std::function<Result<>(const TextReader&)> texts;
   std::optional<frmPulisciImmagini> dialog;
   QListWidget* list = nullptr;
 };
@@ -45,6 +46,19 @@ TEST_F(ThePurgeDialog, SearchesWhenItOpensAndTicksNothing) {
   test::keepPicture(*dialog, "pulisci");
   click(*dialog, "cmdElimina");
   EXPECT_TRUE(dialog->isVisible()) << "nothing is ticked";
+}
+
+TEST_F(ThePurgeDialog, SaysWhichAreMentionedInAText) {
+  present({"b.gif", "c.gif"});
+  texts = [](const TextReader& read) -> Result<> {
+    read("<img src=\"B.gif\">");
+    return {};
+  };
+  makeDialog();
+  EXPECT_TRUE(list->item(0)->text().endsWith(", citata in un testo")) << fromQt(list->item(0)->text());
+  EXPECT_EQ(list->item(0)->data(Qt::AccessibleTextRole).toString().count(QStringLiteral("citata in un testo")), 1);
+  EXPECT_FALSE(list->item(1)->text().contains(QStringLiteral("citata")));
+  test::keepPicture(*dialog, "pulisci-citata");
 }
 
 TEST_F(ThePurgeDialog, DeletesWhatIsTickedAndCloses) {

@@ -23,6 +23,7 @@ class PurgingPictures : public ::testing::Test {
                ++reads;
                return used;
              },
+             texts,
              {}},
             user};
   }
@@ -36,6 +37,7 @@ class PurgingPictures : public ::testing::Test {
   test::TempFolder folder;
   test::ScriptedUser user;
   int reads = 0;
+  std::function<Result<>(const TextReader&)> texts;
 };
 
 TEST_F(PurgingPictures, ListsWhatNothingRefersTo) {
@@ -76,7 +78,8 @@ TEST_F(PurgingPictures, TheBarGoesFromOneToTheFileCount) {
 TEST_F(PurgingPictures, AnErrorIsShownWithItsNumber) {
   present({"a.jpg"});
   PicturePurge one(
-      {folder.path(), []() -> Result<Names> { return fail(ErrorKind::Corrupt, "articoli", "rotto", 11); }, {}}, user);
+      {folder.path(), []() -> Result<Names> { return fail(ErrorKind::Corrupt, "articoli", "rotto", 11); }, {}, {}},
+      user);
   EXPECT_FALSE(one.search());
   EXPECT_EQ(user.shown, (std::vector{test::Shown{"Si è verificato un errore:\n11 rotto", Icon::Critical}}));
 }
@@ -127,7 +130,9 @@ TEST_F(PurgingPictures, TheNumberToldIsOfFilesReallyGone) {
 TEST_F(PurgingPictures, ATrashTakesTheFilesWhereThereIsOne) {
   present({"a.jpg"});
   Names trashed;
-  PicturePurge one({folder.path(), []() -> Result<Names> { return Names{}; },
+  PicturePurge one({folder.path(),
+                    []() -> Result<Names> { return Names{}; },
+                    {},
                     [&](const std::string& path) -> Result<> {
                       trashed.push_back(path);
                       return {};
@@ -138,6 +143,19 @@ TEST_F(PurgingPictures, ATrashTakesTheFilesWhereThereIsOne) {
   user.answers = {Answer::Yes};
   EXPECT_TRUE(one.deleteTicked());
   EXPECT_EQ(trashed, (Names{folder / "a.jpg"}));
+}
+
+TEST_F(PurgingPictures, OneThatATextNamesIsListedAndMarked) {
+  present({"a.jpg", "b.gif"});
+  texts = [](const TextReader& read) -> Result<> {
+    read("<img src=A.jpg>");
+    return fail(ErrorKind::Other, "catalogue", "broken");  // what was read by then counts
+  };
+  PicturePurge one = purge({});
+  EXPECT_TRUE(one.search());
+  ASSERT_EQ(namesOf(one), (Names{"a.jpg", "b.gif"}));
+  EXPECT_TRUE(one.unused()[0].isMentioned);
+  EXPECT_FALSE(one.unused()[1].isMentioned);
 }
 
 }  // namespace

@@ -23,6 +23,14 @@ class StoreChanges : public ::testing::Test {
   }
   std::string all() { return rows(database, "SELECT * FROM t ORDER BY ID"); }
   RowChanges taken() { return valueOf(recorder->take()); }
+  /// Back to the rows of before, and again to the present ones.
+  void goBackAndForth(const RowChanges& changes, const std::string& before) {
+    const std::string after = all();
+    ASSERT_TRUE(recorder->revert(changes));
+    EXPECT_EQ(all(), before);
+    ASSERT_TRUE(recorder->repeat(changes));
+    EXPECT_EQ(all(), after);
+  }
 
   TempFolder folder;
   Database database;
@@ -34,13 +42,9 @@ TEST_F(StoreChanges, EveryKindOfChangeIsRevertedAndRepeated) {
   run(database,
       "INSERT INTO t (nome) VALUES ('quattro'); UPDATE t SET nome = 'Uno', n = n + 1 WHERE ID = 1;"
       "UPDATE t SET nome = 'uno bis' WHERE ID = 1; DELETE FROM t WHERE ID = 2");
-  const std::string after = all();
   const RowChanges changes = taken();
   EXPECT_EQ(changes.size(), 3U);
-  ASSERT_TRUE(recorder->revert(changes));
-  EXPECT_EQ(all(), before);
-  ASSERT_TRUE(recorder->repeat(changes));
-  EXPECT_EQ(all(), after);
+  goBackAndForth(changes, before);
   EXPECT_FALSE(recorder->touched());
 }
 
@@ -91,12 +95,7 @@ TEST_F(StoreChanges, ARowThatIsChangedTwiceAndThenDeletedComesBackAsItFirstWas) 
   run(database,
       "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET n = 8, prezzo = 3 WHERE ID = 1; DELETE FROM t WHERE ID = 1;"
       "UPDATE t SET prezzo = 4 WHERE ID = 2; DELETE FROM t WHERE ID = 2; INSERT INTO t (ID, nome) VALUES (2, 'nuovo')");
-  const std::string after = all();
-  const RowChanges changes = taken();
-  ASSERT_TRUE(recorder->revert(changes));
-  EXPECT_EQ(all(), before);
-  ASSERT_TRUE(recorder->repeat(changes));
-  EXPECT_EQ(all(), after);
+  goBackAndForth(taken(), before);
 }
 
 TEST_F(StoreChanges, FieldsChangedOneAfterTheOtherAreOneChangeOfTheRow) {
@@ -104,25 +103,16 @@ TEST_F(StoreChanges, FieldsChangedOneAfterTheOtherAreOneChangeOfTheRow) {
   run(database,
       "UPDATE t SET n = 7 WHERE ID = 1; UPDATE t SET prezzo = 9 WHERE ID = 1; UPDATE t SET n = 1 WHERE ID = 1;"
       "UPDATE t SET nome = 'Uno' WHERE ID = 1");
-  const std::string after = all();
   const RowChanges changes = taken();
   ASSERT_EQ(changes.size(), 1U);
   EXPECT_EQ(changes[0].columns, (std::vector<std::size_t>{2, 1})) << "n has its old value again";
-  ASSERT_TRUE(recorder->revert(changes));
-  EXPECT_EQ(all(), before);
-  ASSERT_TRUE(recorder->repeat(changes));
-  EXPECT_EQ(all(), after);
+  goBackAndForth(changes, before);
 }
 
 TEST_F(StoreChanges, ARowThatGetsAnotherNumberComesBackUnderItsOwn) {
   const std::string before = all();
   run(database, "UPDATE t SET n = 5 WHERE ID = 1; UPDATE t SET ID = 9 WHERE ID = 1; UPDATE t SET n = 6 WHERE ID = 9");
-  const std::string after = all();
-  const RowChanges changes = taken();
-  ASSERT_TRUE(recorder->revert(changes));
-  EXPECT_EQ(all(), before);
-  ASSERT_TRUE(recorder->repeat(changes));
-  EXPECT_EQ(all(), after);
+  goBackAndForth(taken(), before);
 }
 
 TEST_F(StoreChanges, RowsThatExchangeAKeyAndRowsThatDoNotGoBackTogether) {
@@ -130,12 +120,7 @@ TEST_F(StoreChanges, RowsThatExchangeAKeyAndRowsThatDoNotGoBackTogether) {
   run(database,
       "UPDATE t SET nome = 'x', n = 3 WHERE ID = 1; UPDATE t SET nome = 'uno' WHERE ID = 2;"
       "UPDATE t SET nome = 'due' WHERE ID = 1; UPDATE t SET n = NULL, prezzo = 7 WHERE ID = 3");
-  const std::string after = all();
-  const RowChanges changes = taken();
-  ASSERT_TRUE(recorder->revert(changes));
-  EXPECT_EQ(all(), before);
-  ASSERT_TRUE(recorder->repeat(changes));
-  EXPECT_EQ(all(), after);
+  goBackAndForth(taken(), before);
 }
 
 TEST_F(StoreChanges, AFieldOfAConditionalKeyIsExchangedWithItsRow) {

@@ -122,6 +122,15 @@ TEST_F(ACleanUp, ThatBreaksOffFailsTheRunAndKeepsTheRowsOfWhatIsStillThere) {
   EXPECT_EQ(tableRows(), "127.0.0.1/cgi/d.php|1\n127.0.0.1/www/negozio/a.htm|1\n127.0.0.1/www/negozio/c.gif|1\n");
 }
 
+TEST_F(ACleanUp, IsForetoldWithoutTheServer) {
+  build({"online/a.htm"});
+  const auto names = [this] { return filesToRemove(job, uploadOptions(job, settings, way)).value_or(Names{"failed"}); };
+  EXPECT_EQ(names(), (Names{"www/negozio/b.htm", "www/negozio/c.gif", "cgi/d.php"}));
+  EXPECT_EQ(server.fileNames().size(), 4U);
+  settings.cleanUp = false;
+  EXPECT_EQ(names(), Names{});
+}
+
 TEST_F(ACleanUp, NamesTheFirstOfManyFilesAndTheirNumber) {
   Names names;
   for (int i = 10; i < 30; ++i) names.push_back("p" + std::to_string(i) + ".htm");

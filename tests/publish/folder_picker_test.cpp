@@ -135,6 +135,16 @@ TEST_F(FolderPickerTest, AnUntrustedServerIsNamedAndTheDefaultIsNo) {
   EXPECT_TRUE(open());
 }
 
+TEST_F(FolderPickerTest, AnUnknownKeyIsShownToBeComparedAndTheDefaultIsNo) {
+  server.untrusted = {"ftp.a.it", "", "ssh-ed25519", "SHA256:abc", true};
+  EXPECT_FALSE(open());
+  EXPECT_EQ(asText(user.shown.at(0)),
+            "[Exclamation, YesNo, No -> No] La chiave del server ftp.a.it non è ancora conosciuta.\n\n"
+            "Tipo: ssh-ed25519\nImpronta: SHA256:abc\n\n"
+            "Proseguire solo se è quella indicata dal fornitore: chi è in ascolto sulla rete potrebbe essersi messo al "
+            "posto del server. Si desidera ricordarla e proseguire?");
+}
+
 TEST_F(FolderPickerTest, LeavingSaysGoodbyeAndCancellingBreaksOff) {
   ASSERT_TRUE(open());
   picker.close();

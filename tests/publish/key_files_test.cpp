@@ -5,6 +5,7 @@
 
 #include "platform/files/files.h"
 #include "platform/text/text.h"
+#include "publish/settings/firewall_choice.h"
 #include "publish/settings/firewall_settings.h"
 #include "publish/settings/publish_settings.h"
 #include "store/shop/session.h"
@@ -195,6 +196,24 @@ TEST(FirewallSettings, EncryptionAndProtocolFollowWhereTheyDifferFromTheirDefaul
   EXPECT_TRUE(text.ends_with("DISC: 0\r\nTLSM: 0\r\nPROT: 1\r\n")) << text;
   EXPECT_EQ(parseFirewallSettings(text), settings);
   EXPECT_EQ(parseFirewallSettings("TLSM: 7\r\nPROT: x\r\nTYPE: 1.5\r\n"), FirewallSettings());
+}
+
+TEST(FirewallSettings, OfSftpHaveItsUsualPortUnlessAnotherOneIsChosen) {
+  FirewallSettings settings = parseFirewallSettings("PROT: 1\r\n");
+  EXPECT_EQ(connectionOf({"h", "u", "p"}, settings, 60).ftpPort, "") << "that of the protocol";
+  EXPECT_TRUE(connectionOf({"h", "u", "p"}, settings, 60).knownHostsFile.ends_with("/korvane/known_hosts"));
+  settings.ftpPort = "2222";
+  EXPECT_EQ(connectionOf({"h", "u", "p"}, settings, 60).ftpPort, "2222");
+  EXPECT_EQ(portAfterChange("21", TransferProtocol::Sftp), "22");
+  EXPECT_EQ(portAfterChange("22", TransferProtocol::Ftp), "21");
+  EXPECT_EQ(portAfterChange("2121", TransferProtocol::Sftp), "2121");
+}
+
+TEST(FirewallSettings, OfSftpLeaveOutTheProxiesOfFtp) {
+  for (int kind = 0; kind < static_cast<int>(firewallKinds.size()); ++kind) {
+    EXPECT_TRUE(carries(static_cast<FirewallKind>(kind), TransferProtocol::Ftp));
+    EXPECT_EQ(carries(static_cast<FirewallKind>(kind), TransferProtocol::Sftp), kind < 3 || kind == 7) << kind;
+  }
 }
 
 TEST(FirewallSettings, EachOfTheEightKindsIsReadByItsNumber) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <set>
 
+#include "platform/transfer/side_by_side.h"
 #include "publish_fixture.h"
 
 namespace kv {
@@ -128,6 +129,63 @@ TEST_F(SeveralConnections, AreMarkedInTheDialogueAndHideThePassword) {
   ASSERT_EQ(publish(), PublishOutcome::Done);
   EXPECT_NE(log(1).find("[2] PASS (hidden)\r\n"), std::string::npos);
   EXPECT_EQ(log(1).find("segreto"), std::string::npos);
+}
+
+/// Notes whether it was ever called within a job of a connection, whose stack is none for windows.
+class HomeUser final : public UserPort {
+ public:
+  void message(const std::string& text, Icon) override {
+    note();
+    texts.push_back(text);
+  }
+  Answer question(const Question& question) override {
+    note();
+    return question.preset;
+  }
+  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
+  void progress(const Progress&) override { note(); }
+  bool yield() override {
+    note();
+    return true;
+  }
+  Names texts;
+  int calls = 0, strayed = 0;
+
+ private:
+  void note() {
+    ++calls;
+    if (isSideBySide()) ++strayed;
+  }
+};
+
+/// The same for the window of the run.
+class HomeView final : public PublishView {
+ public:
+  void title(const std::string&) override { note(); }
+  void operation(const std::string&) override { note(); }
+  void dialogue(const std::string&) override { note(); }
+  void progress(const PublishProgress&) override { note(); }
+  int calls = 0, strayed = 0;
+
+ private:
+  void note() {
+    ++calls;
+    if (isSideBySide()) ++strayed;
+  }
+};
+
+TEST_F(SeveralConnections, AskTellAndProcessEventsOnTheMainStackAlone) {
+  server.fail({.verb = "STOR", .reply = "552 disco pieno\r\n", .occurrence = 20});
+  HomeUser home;
+  HomeView window;
+  const auto transfer = makeTransfer();
+  EXPECT_EQ(publishShop(job, uploadOptions(job, settings, way), {*transfer, home, window, clock, steps}, &report),
+            PublishOutcome::Failed);
+  EXPECT_EQ(home.texts, Names{"Errore: 552 disco pieno"});
+  EXPECT_GT(home.calls, 20);
+  EXPECT_EQ(home.strayed, 0);
+  EXPECT_GT(window.calls, 50);
+  EXPECT_EQ(window.strayed, 0);
 }
 
 class TwoConnectionsAllowed : public SeveralConnections {

@@ -20,9 +20,11 @@ from ftp_servers import PASSWORD, USER, FaultyGate, FtpServer  # noqa: E402  (th
 from mariadb_round_trip import RoundTrip  # noqa: E402
 from online_update import Host  # noqa: E402
 from served_shop import ServedShop  # noqa: E402
+from ssh_and_socks import Dante, Microsocks, SshServer  # noqa: E402
 
 KORVANE = ""
 WALK_ROUNDS = int(os.environ.get("KORVANE_TEST_ROUNDS", "5"))
+KILL_ROUNDS = int(os.environ.get("KORVANE_TEST_KILLS", "10"))
 WALK_SEED = int(os.environ.get("KORVANE_TEST_SEED", "20240229"))
 
 
@@ -131,11 +133,38 @@ class Publishing(unittest.TestCase):
         with FtpServer("proftpd", self.live.shop, newest=True) as server:
             self.publish_twice(server, "--answer", "yes")
 
+    def test_over_openssh_whose_key_is_asked_about_once(self):
+        with SshServer(self.live.shop) as server:
+            self.empty_host()
+            self.point_at(server, PROT=1)
+            refused = self.korvane("publish")
+            self.assertEqual(refused.returncode, 1)
+            self.assertIn("La chiave del server 127.0.0.1 non è ancora conosciuta", refused.stderr)
+            first = self.assert_published("--answer", "yes")
+            self.assertGreater(len(first), 100)
+            self.change("UPDATE articoli SET prezzo = prezzo + 10000 WHERE ID = (SELECT MIN(ID) FROM articoli)")
+            self.build()
+            (self.shop / "kvftp.ini").write_text("SAFE: 1\r\nCONN: 3\r\n")
+            again = self.assert_published()
+            self.assertLess(len(again), len(first) / 2)
+
+    def test_through_socks_servers(self):
+        with FtpServer("pyftpdlib", self.live.shop) as server, Dante() as open_proxy, Microsocks() as proxy:
+            login = {"USER": USER, "PASS": PASSWORD}
+            for kind, through, more in ((1, open_proxy, {}), (2, open_proxy, {}), (2, proxy, login)):
+                with self.subTest(kind=kind, through=through.words()[0]):
+                    self.point_at(server, TYPE=kind, HOST="127.0.0.1", PORT=through.port, **more)
+                    self.assert_published()
+            self.point_at(server, TYPE=2, HOST="127.0.0.1", PORT=proxy.port)
+            refused = self.korvane("publish")
+            self.assertEqual(refused.returncode, 1)
+            self.assertIn("il firewall non apre la connessione: richiede un utente e una password", refused.stderr)
+
     def test_after_a_kill_at_any_moment_the_next_run_brings_everything_right(self):
         chance = random.Random(20240229)
         with FtpServer("pyftpdlib", self.live.shop) as server:
             self.publish_twice(server)
-            for round_number in range(10):
+            for round_number in range(KILL_ROUNDS):
                 self.change("UPDATE articoli SET prezzo = prezzo + 10000, titolo = 'Giro ' || ?", round_number)
                 self.build()
                 words = [KORVANE, "publish", *chance.choice([[], ["--all"]]), str(self.shop)]

@@ -2,13 +2,12 @@
 folders. Both know one user and write into one folder."""
 import os
 import pathlib
-import shutil
 import socket
 import subprocess
 import sys
-import tempfile
 import threading
-import time
+
+from own_server import OwnServer, free_port, program
 
 USER, PASSWORD = "mario", "Segreto-di-Mario"
 
@@ -64,25 +63,18 @@ AllowOverwrite on
 """
 
 
-def free_port():
-    with socket.socket() as one:
-        one.bind(("127.0.0.1", 0))
-        return one.getsockname()[1]
-
-
-def program(name):
-    found = shutil.which(name, path=os.environ.get("PATH", "") + ":/usr/sbin:/usr/local/sbin")
-    if not found:
-        raise SystemExit("%s is missing: tools/install-deps" % name)
-    return found
-
-
 def python_with(module):
     """An interpreter that has a module: this one, or the system's, for which packages are installed."""
     for one in (sys.executable, "/usr/bin/python3"):
         if subprocess.run([one, "-c", "import " + module], capture_output=True, check=False).returncode == 0:
             return one
     raise SystemExit("%s is missing: tools/install-deps" % module)
+
+
+def hashed_password(password):
+    """As /etc/shadow has it."""
+    return subprocess.run([program("openssl"), "passwd", "-6", password], capture_output=True, text=True,
+                          check=True).stdout.strip()
 
 
 def make_certificate(folder, host="127.0.0.1"):
@@ -142,30 +134,17 @@ class FaultyGate:
         source.close()
 
 
-class FtpServer:
+class FtpServer(OwnServer):
     """`kind` is "pyftpdlib" or "proftpd"; ProFTPD always wants TLS, and one session for both connections. `newest`: it
     speaks TLS 1.3 alone, whose sessions are another matter."""
 
     def __init__(self, kind, home, tls=False, newest=False):
+        super().__init__()
         self.kind, self.home, self.newest = kind, pathlib.Path(home), newest
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="korvane-ftp-", dir="/tmp"))
-        self.port = free_port()
         self.certificate = make_certificate(self.folder) if tls or kind == "proftpd" else None
-        self.process = None
 
-    def __enter__(self):
-        words = self._pyftpdlib() if self.kind == "pyftpdlib" else self._proftpd()
-        with open(self.folder / "output", "wb") as output:
-            self.process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=output, stderr=output)
-        for _ in range(300):
-            if self.process.poll() is not None:
-                break
-            try:
-                socket.create_connection(("127.0.0.1", self.port), 5).close()
-                return self
-            except OSError:
-                time.sleep(0.05)
-        raise SystemExit("the server did not start:\n" + (self.folder / "output").read_text(errors="replace"))
+    def words(self):
+        return self._pyftpdlib() if self.kind == "pyftpdlib" else self._proftpd()
 
     def _pyftpdlib(self):
         script = self.folder / "server.py"
@@ -174,8 +153,7 @@ class FtpServer:
                 PASSWORD]
 
     def _proftpd(self):
-        hashed = subprocess.run([program("openssl"), "passwd", "-6", PASSWORD], capture_output=True, text=True,
-                                check=True).stdout.strip()
+        hashed = hashed_password(PASSWORD)
         users = self.folder / "passwd"
         users.write_text("%s:%s:%d:%d::%s:/bin/sh\n" % (USER, hashed, os.getuid(), os.getgid(), self.home))
         users.chmod(0o600)
@@ -185,18 +163,3 @@ class FtpServer:
         settings.write_text(PROFTPD.format(port=self.port, folder=self.folder, certificate=self.certificate,
                                            owner=owner, newest=newest))
         return [program("proftpd"), "-n", "-c", settings]
-
-    def log(self):
-        return "".join(path.read_text(errors="replace") for path in sorted(self.folder.glob("*log")))
-
-    def __exit__(self, kind, error, trace):
-        self.process.terminate()
-        try:
-            self.process.wait(20)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
-        if kind is None:
-            shutil.rmtree(self.folder)
-        else:
-            print("kept for inspection:", self.folder)

@@ -7,6 +7,7 @@ import tempfile
 import time
 
 from mysql_wire import Connection
+from own_server import leave
 
 
 def program(*names):
@@ -61,13 +62,4 @@ class Server:
         return Connection(self.socket)
 
     def __exit__(self, kind, error, trace):
-        self.process.terminate()
-        try:
-            self.process.wait(60)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
-        if kind is None:
-            shutil.rmtree(self.folder)
-        else:
-            print("kept for inspection:", self.folder)
+        leave(self.process, self.folder, keep=kind is not None, patience=60)

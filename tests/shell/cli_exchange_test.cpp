@@ -25,7 +25,7 @@ class MovingShops : public ::testing::Test {
     }
     EXPECT_TRUE(copyTree(data + "/new", shop));
     for (const char* working : {"work", "online", "scripts", "db"}) EXPECT_TRUE(createFolders(shop + "/" + working));
-    for (const std::string& name : listFiles(shop + "/work", "*")) EXPECT_TRUE(deleteFile(shop + "/work/" + name));
+    for (const std::string& name : listFiles(shop + "/work", "*")) EXPECT_TRUE(deleteFile(joinPath(shop, "work/" + name)));
   }
   CliOutcome run(std::vector<std::string> arguments) {
     out.str("");
@@ -65,6 +65,16 @@ TEST_F(MovingShops, AnExportIsAShopThatCanBeChecked) {
   EXPECT_EQ(run({"check", home / "copia"}), CliOutcome::Done) << err.str();
 }
 
+TEST_F(MovingShops, AZipHoldsAShopThatCanBeChecked) {
+  change(shop, "UPDATE articoli SET titolo = 'Unico'");
+  ASSERT_EQ(run({"export", shop, home / "copia", "--with", "T", "--zip"}), CliOutcome::Done) << err.str();
+  ASSERT_EQ(listFiles(home / "copia", "*"), (std::vector<std::string>{"negozio.zip"}));
+  const std::string unpack = "python3 -m zipfile -e '" + (home / "copia/negozio.zip") + "' '" + (home / "aperto") + "'";
+  ASSERT_EQ(std::system(unpack.c_str()), 0);
+  EXPECT_EQ(read(home / "aperto", "SELECT titolo FROM articoli"), "Unico");
+  EXPECT_EQ(run({"check", home / "aperto"}), CliOutcome::Done) << err.str();
+}
+
 TEST_F(MovingShops, AnExportIntoAFullFolderFails) {
   ASSERT_TRUE(createFolders(home / "copia/altro"));
   EXPECT_EQ(run({"export", shop, home / "copia"}), CliOutcome::Failed);
@@ -94,14 +104,14 @@ TEST_F(MovingShops, AnImportOfSomethingElseFails) {
 }
 
 TEST_F(MovingShops, APurgeNamesUnusedPicturesAndDeletesThemWhenAsked) {
-  ASSERT_TRUE(writeBytes(shop + "/work/inutile.gif", "x"));
-  ASSERT_TRUE(writeBytes(shop + "/work/LOGO.gif", "x"));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile.gif"), "x"));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/LOGO.gif"), "x"));
   change(shop, "UPDATE generale SET immagine0 = 'logo.gif'");
   EXPECT_EQ(run({"purge", shop}), CliOutcome::Done);
   EXPECT_EQ(out.str(), "inutile.gif\n");
-  EXPECT_TRUE(fileExists(shop + "/work/inutile.gif"));
+  EXPECT_TRUE(fileExists(joinPath(shop, "work/inutile.gif")));
   EXPECT_EQ(run({"purge", shop, "--delete", "--answer", "no"}), CliOutcome::Failed);
-  EXPECT_TRUE(fileExists(shop + "/work/inutile.gif"));
+  EXPECT_TRUE(fileExists(joinPath(shop, "work/inutile.gif")));
   EXPECT_EQ(run({"purge", shop, "--delete"}), CliOutcome::Done);
   EXPECT_THAT(err.str(), HasSubstr("1 file cancellati"));
   EXPECT_EQ(listFiles(shop + "/work", "*"), (std::vector<std::string>{"LOGO.gif"}));

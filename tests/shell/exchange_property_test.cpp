@@ -126,7 +126,7 @@ class ShopOfChance : public ::testing::Test {
   std::string picture() {
     if (upTo(2) == 0) return {};
     const std::string name = "foto_000" + std::to_string(upTo(9)) + ".gif";
-    EXPECT_TRUE(writeBytes(shop.folder() + "/work/" + name, onePixelGif(1, 2, 3)));
+    EXPECT_TRUE(writeBytes(joinPath(shop.folder(), "work/" + name), onePixelGif(1, 2, 3)));
     return upTo(1) == 0 ? name : "FOTO" + name.substr(4);
   }
 
@@ -168,14 +168,22 @@ class ExchangeOfChance : public ShopOfChance {
  public:
   void TestBody() override {}
 
-  void exported(unsigned number) {
+  void exported(unsigned number) { moved(number, "OKTLSRP"); }
+  void zipped(unsigned number) { moved(number, "OKTLSRPZ"); }
+
+  void moved(unsigned number, const std::string& tag) {
     fill(number);
     const Files wanted = built(shop.session);
-    const std::string copy = shop.folder() + "-copia";
+    std::string copy = shop.folder() + "-copia";
     ASSERT_TRUE(createFolder(copy));
     shop.user.folders = {copy};
-    ASSERT_EQ(EsportaNegozio(shop.session, env, [](const ExportOffer&) { return "OKTLSRP"; }), ExportOutcome::Done)
+    ASSERT_EQ(EsportaNegozio(shop.session, env, [&](const ExportOffer&) { return tag; }), ExportOutcome::Done)
         << ::testing::PrintToString(shop.user.texts());
+    if (const auto zips = listFiles(copy, "*.zip"); !zips.empty()) {
+      const std::string unpacked = copy + "-aperta";
+      ASSERT_EQ(std::system(("python3 -m zipfile -e '" + copy + "/" + zips[0] + "' '" + unpacked + "'").c_str()), 0);
+      copy = unpacked;
+    }
     ASSERT_TRUE(validateShop(copy).ok);
     Session opened;
     reopen(opened, copy);
@@ -205,7 +213,7 @@ class ExchangeOfChance : public ShopOfChance {
     const Files wanted = built(shop.session);
     const std::string work = shop.folder() + "/work";
     ASSERT_TRUE(writeBytes(work + "/di_troppo_0001.gif", onePixelGif(9, 9, 9)));
-    PicturePurge purge({work, [&] { return usedPictures(shop.session.catalogue); }, {}}, shop.user);
+    PicturePurge purge({work, [&] { return usedPictures(shop.session.catalogue); }, {}, {}}, shop.user);
     ASSERT_TRUE(purge.search());
     purge.tickAll(true);
     shop.user.answers = {Answer::Yes};
@@ -258,6 +266,8 @@ class ExchangeOfChance : public ShopOfChance {
 };
 
 TEST(ShopsOfChance, AnExportBuildsWhatTheShopBuilds) { overShops(&ExchangeOfChance::exported); }
+
+TEST(ShopsOfChance, AZipOfThemDoesToo) { overShops(&ExchangeOfChance::zipped); }
 
 TEST(ShopsOfChance, AnImportOfTheFoldedShopBuildsWhatItBuilt) { overShops(&ExchangeOfChance::imported); }
 

@@ -28,8 +28,8 @@ class KilledExchange : public test::ShopFixture {
     run(shop, "UPDATE articoli SET immagine0 = 'vecchia00.gif'");
     for (int i = 10; i < 30; ++i) {
       const std::string number = std::to_string(i);
-      write(shop + "/work/vecchia" + number + ".gif", std::string(20000, 'v'));
-      write(source + "/work/nuova" + number + ".gif", std::string(20000, 'n'));
+      write(joinPath(shop, "work/vecchia" + number + ".gif"), std::string(20000, 'v'));
+      write(joinPath(source, "work/nuova" + number + ".gif"), std::string(20000, 'n'));
     }
     ASSERT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
   }
@@ -58,7 +58,7 @@ TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
   for (int i = 0; i < test::operationsOf(12); ++i) {
     killed(moment(chance), [&] {
       user.folders = {destination};
-      static_cast<void>(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }));
+      ignore(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }), "it is killed on the way");
     });
     ASSERT_TRUE(isWhole(shop)) << i;
     EXPECT_EQ(read(shop, "SELECT titolo FROM articoli"), "Lampada");
@@ -73,7 +73,7 @@ TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
 
 TEST_F(KilledExchange, AnImportLeavesTheOldRowsOrAllOfTheNewOnes) {
   for (int i = 0; i < test::operationsOf(12); ++i) {
-    killed(moment(chance), [&] { static_cast<void>(importPrimoShop(session, env, source)); });
+    killed(moment(chance), [&] { ignore(importPrimoShop(session, env, source), "it is killed on the way"); });
     ASSERT_TRUE(isWhole(shop)) << i;
     const std::string title = read(shop, "SELECT titolo FROM articoli");
     if (title == "Lampada") {

@@ -25,8 +25,8 @@ class ExportingAShop : public test::ShopFixture {
     write(application + "/new/new.mdb", "seme");
     write(application + "/new/work/modello.gif", "del modello");
     write(application + "/new/work/comune.gif", "del modello");
-    write(shop + "/work/comune.gif", "del negozio");
-    write(shop + "/work/foto/interna.jpg", "x");
+    write(joinPath(shop, "work/comune.gif"), "del negozio");
+    write(joinPath(shop, "work/foto/interna.jpg"), "x");
     write(shop + "/db/sql.mdb", "righe");
     write(shop + "/kvftp.mdb", "spedizioni");
     run(shop, "UPDATE generale SET siteonline = '" + shop + "/online', sitescript = '" + shop + "/scripts'");
@@ -202,10 +202,10 @@ TEST_F(ExportingAShop, ATemplateThatIsNotThereIsTold) {
 }
 
 TEST_F(ExportingAShop, ADestinationInsideTheShopDoesNotHoldItself) {
-  destination = shop + "/work/x";
+  destination = joinPath(shop, "work/x");
   ASSERT_TRUE(createFolder(destination));
   ASSERT_EQ(exportWith("OK"), ExportOutcome::Done);
-  EXPECT_FALSE(folderExists(destination + "/work/x"));
+  EXPECT_FALSE(folderExists(joinPath(destination, "work/x")));
   EXPECT_EQ(copied("work/comune.gif"), "del negozio");
 }
 
@@ -253,10 +253,66 @@ TEST_F(ExportingAShop, AFullDiskAtAnyWriteIsToldAndLeavesNoShop) {
   EXPECT_TRUE(fileExists(destination + "/catalog.mdb"));
 }
 
+TEST_F(ExportingAShop, OneZipHoldsWhatTheFolderWouldHold) {
+  write(shop + "/costruzione.ini", "[Immagini]");
+  ASSERT_EQ(exportWith("OKTLP"), ExportOutcome::Done);
+  const std::string folder = destination, unpacked = root / "aperto";
+  destination = root / "zip";
+  ASSERT_TRUE(createFolder(destination));
+  ASSERT_EQ(exportWith("OKTLPZ"), ExportOutcome::Done);
+  EXPECT_THAT(listFiles(destination, "*"), ElementsAre("negozio.zip"));
+  EXPECT_TRUE(listFolders(destination).empty());
+  const std::string command = "python3 -m zipfile -e '" + destination + "/negozio.zip' '" + unpacked + "'";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const auto expected = listTree(folder), found = listTree(unpacked);
+  ASSERT_TRUE(expected && found);
+  ASSERT_EQ(found->size(), expected->size());
+  for (std::size_t i = 0; i < found->size(); ++i) {
+    EXPECT_EQ((*found)[i].path, (*expected)[i].path);
+    if ((*found)[i].isFolder) continue;
+    EXPECT_EQ(readBytes(joinPath(unpacked, (*found)[i].path)).value_or("?"),
+              readBytes(joinPath(folder, (*found)[i].path)).value_or("!"))
+        << (*found)[i].path;
+  }
+}
+
+TEST_F(ExportingAShop, ACancelWhilePackingLeavesTheFolderEmpty) {
+  user.cancelAtYield = 1;
+  EXPECT_EQ(exportWith("OKTZ"), ExportOutcome::Cancelled);
+  EXPECT_TRUE(*isEmptyFolder(destination));
+  EXPECT_TRUE(session.catalogue.isOpen());
+}
+
+TEST_F(ExportingAShop, AFailureAtAnyStepOfPackingLeavesTheFolderEmpty) {
+  for (std::int64_t failing = 1;; ++failing) {
+    user.shown.clear();
+    test::FailingFiles gate(failing, test::AfterFailure::Works, ENOSPC);
+    gate.onlyAt({FileStep::Create, FileStep::Write, FileStep::Close, FileStep::Rename});
+    const ExportOutcome outcome = exportWith("OKTLSRPZ");
+    if (!gate.hasFailed()) break;
+    ASSERT_EQ(outcome, ExportOutcome::Failed) << failing;
+    EXPECT_THAT(user.texts(), ElementsAre(failedText)) << failing;
+    EXPECT_TRUE(*isEmptyFolder(destination)) << failing;
+  }
+  EXPECT_TRUE(fileExists(destination + "/negozio.zip"));
+}
+
+TEST_F(ExportingAShop, TheProgressGoesUpToTheEnd) {
+  ASSERT_EQ(exportWith("OKT"), ExportOutcome::Done);
+  double before = -1;
+  ASSERT_GT(user.progressShown.size(), 5U);
+  for (std::size_t i = 0; i + 1 < user.progressShown.size(); ++i) {
+    EXPECT_EQ(user.progressShown[i].caption, "Esportazione in corso...");
+    EXPECT_GT(user.progressShown[i].position, before);
+    before = user.progressShown[i].position;
+  }
+  EXPECT_EQ(user.progressShown.back().caption, "") << "it is taken away at the end";
+}
+
 TEST(ExportTag, HoldsTheCharactersOfWhatIsChosen) {
   EXPECT_EQ(exportTag({}), "OK");
   EXPECT_EQ(exportTag(exportChoice("OKTLSRP")), "OKTLSRP");
-  EXPECT_EQ(exportTag(exportChoice("pwt")), "OKTPW");
+  EXPECT_EQ(exportTag(exportChoice("pwzt")), "OKTPWZ");
   EXPECT_EQ(exportTag(exportChoice("OKR")), "OKR");
 }
 

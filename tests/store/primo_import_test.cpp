@@ -38,8 +38,8 @@ class ImportingPrimo : public test::ShopFixture {
     }
     run(shop, "UPDATE generale SET url = 'nostro', titolo = 'nostro', scimp = 9, importo = 9, importo3 = 9");
     run(source, "UPDATE generale SET URL = 'loro', titolo = 'loro', sconto = 4, template = 'altro', username = 'x'");
-    write(shop + "/work/vecchia.gif", "v");
-    write(source + "/work/nuova.gif", "n");
+    write(joinPath(shop, "work/vecchia.gif"), "v");
+    write(joinPath(source, "work/nuova.gif"), "n");
     ASSERT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
   }
   void open() {
@@ -205,8 +205,8 @@ TEST_F(ImportingPrimo, AFailureAtAnyStatementLeavesTheCatalogueAsBefore) {
 }
 
 TEST_F(ImportingPrimo, ThePicturesAreExchangedAndSubfoldersStay) {
-  write(shop + "/work/mie/foto.jpg", "f");
-  write(source + "/work/sue/altra.jpg", "a");
+  write(joinPath(shop, "work/mie/foto.jpg"), "f");
+  write(joinPath(source, "work/sue/altra.jpg"), "a");
   open();
   EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
   EXPECT_THAT(listFiles(shop + "/work", "*"), ElementsAre("nuova.gif"));
@@ -241,7 +241,7 @@ TEST_F(ImportingPrimo, TheSourceIsNotChanged) {
   EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
   session.catalogue.close();
   EXPECT_EQ(readBytes(source + "/catalog.mdb").value(), before);
-  EXPECT_TRUE(fileExists(source + "/work/nuova.gif"));
+  EXPECT_TRUE(fileExists(joinPath(source, "work/nuova.gif")));
 }
 
 TEST_F(ImportingPrimo, TheCommandMakesABackupAndTellsItsName) {
@@ -286,17 +286,68 @@ TEST_F(ImportingPrimo, AFolderWithoutCatalogueIsNoSource) {
   EXPECT_THAT(user.texts(), ElementsAre("La cartella selezionata non contiene un negozio"));
 }
 
-TEST_F(ImportingPrimo, APreviewTellsRowsAndColumnsAndWritesNothing) {
-  run(source, "ALTER TABLE articoli ADD COLUMN colore TEXT(9)");
+class PreviewingPrimo : public ImportingPrimo {
+ protected:
+  std::string preview() {
+    const auto preview = previewPrimo(session.catalogue, source + "/catalog.mdb");
+    return preview ? previewText(*preview) : "failed: " + preview.error().what;
+  }
+};
+
+TEST_F(PreviewingPrimo, TellsTotalsAndWhatIsLeftOutAndWritesNothing) {
+  run(source, "ALTER TABLE articoli ADD COLUMN colore TEXT(9); ALTER TABLE generale ADD COLUMN gusto TEXT(9)");
   open();
-  const auto preview = previewPrimo(session.catalogue, source + "/catalog.mdb");
-  ASSERT_TRUE(preview) << preview.error().what;
-  const std::string text = previewText(*preview);
+  const std::string text = preview();
   EXPECT_THAT(text, StartsWith("Versione del negozio di origine: 250\n"
-                               "articoli: 1 righe al posto di 1; colonne tralasciate: colore\n"
-                               "categorie: 1 righe al posto di 0\n"));
+                               "articoli: 1 nuove, 0 modificate, 0 invariate, 1 eliminate; colonne tralasciate, perché "
+                               "questo negozio non le ha: colore\n"
+                               "categorie: 1 nuove, 0 modificate, 0 invariate, 0 eliminate\n"));
+  EXPECT_THAT(text, HasSubstr("; colonne tralasciate, perché questo negozio non le ha: gusto\n"));
   EXPECT_THAT(text, HasSubstr("Impostazioni che restano: URL, cartella"));
   EXPECT_EQ(stored("SELECT titolo FROM articoli"), "Lampada");
+  EXPECT_TRUE(user.shown.empty());
+}
+
+TEST_F(PreviewingPrimo, TellsWhatBecomesOfEachRow) {
+  run(source,
+      "INSERT INTO articoli (ID, titolo) VALUES (9, 'vaso');"
+      "INSERT INTO paesi (ID, paese, zona) VALUES (1, 'Italia', 1), (2, 'Malta', 1)");
+  run(shop,
+      "DELETE FROM articoli; INSERT INTO articoli (ID, titolo) VALUES (9, 'Vaso'), (10, 'Lume');"
+      "INSERT INTO paesi (ID, paese, zona) VALUES (1, 'Italia', 2), (2, 'Malta', 1)");
+  open();
+  const std::string text = preview();
+  EXPECT_THAT(text, HasSubstr("nuova\tarticoli\t7\tSedia\nmodificata\tarticoli\t9\tvaso\n"
+                              "eliminata\tarticoli\t10\tLume\nnuova\tcategorie\tcat003\tCasa\n"));
+  EXPECT_THAT(text, HasSubstr("modificata\tpaesi\t1\tItalia\ninvariata\tpaesi\t2\tMalta\nmodificata\tpagamento\n"));
+  EXPECT_THAT(text, HasSubstr("Impostazioni modificate: titolo"));
+}
+
+TEST_F(PreviewingPrimo, AVariantIsChangedWhenOneOfItsOptionsIs) {
+  open();
+  ASSERT_EQ(import(), -1);
+  EXPECT_THAT(preview(), HasSubstr("invariata\topzioni\t2\tColore\n"));
+  ASSERT_TRUE(session.catalogue.execute("UPDATE dettagliop SET testo_l2 = 'RED'"));
+  EXPECT_THAT(preview(), HasSubstr("modificata\topzioni\t2\tColore\n"));
+}
+
+TEST_F(PreviewingPrimo, AfterTheImportNothingIsNewOrChanged) {
+  open();
+  ASSERT_EQ(import(), -1);
+  const auto again = previewPrimo(session.catalogue, source + "/catalog.mdb");
+  ASSERT_TRUE(again);
+  for (const PrimoTable& table : again->tables) {
+    EXPECT_EQ(table.count(PrimoFate::Same), table.rows.size()) << table.name;
+  }
+  EXPECT_THAT(again->changedSettings, ElementsAre());
+}
+
+TEST_F(PreviewingPrimo, OfAFolderCountsItsPicturesAndTellsWhyThereIsNone) {
+  open();
+  EXPECT_THAT(previewOfShop(session.catalogue, source), HasSubstr("Immagini che sostituiranno quelle attuali: 1\n"));
+  EXPECT_EQ(previewOfShop(session.catalogue, ""), "");
+  run(source, "UPDATE generale SET versione = 300");
+  EXPECT_THAT(previewOfShop(session.catalogue, source), HasSubstr("version 300"));
 }
 
 }  // namespace

@@ -269,13 +269,21 @@ TEST_F(PatchingScripts, ReadTheSettingsOfTheShop) {
   EXPECT_EQ(read("reglist = 0"), "");
 }
 
-TEST_F(PatchingScripts, TheShippedScriptsAreMarked) {
-  for (const char* name :
-       {"js2.js", "lognew.php", "funcs.php", "kvsearch.php", "output.php", "kvorder.php", "logcheck.php"}) {
+TEST_F(PatchingScripts, TheShippedScriptsAreMarkedButTheSearch) {
+  for (const char* name : {"js2.js", "lognew.php", "funcs.php", "output.php", "kvorder.php", "logcheck.php"}) {
     const auto text = readBytes(std::string(KORVANE_APP_DATA) + "/code/" + name);
     ASSERT_TRUE(text) << name;
     EXPECT_NE(text->find(patchedMark), std::string::npos) << name;
   }
+}
+
+TEST_F(PatchingScripts, TheShippedSearchLeadsToTheSingleArticleWhereTheShopSaysSo) {
+  const auto shipped = readBytes(std::string(KORVANE_APP_DATA) + "/code/kvsearch.php");
+  ASSERT_TRUE(shipped);
+  facts.singleItemSearch = false;
+  EXPECT_EQ(php("kvsearch.php", *shipped), *shipped);
+  facts.singleItemSearch = true;
+  EXPECT_THAT(php("kvsearch.php", *shipped), testing::HasSubstr(R"("&prod=".$rowArt["contatore"];)"));
 }
 
 }  // namespace

@@ -173,7 +173,7 @@ TEST_F(SessionRestart, HandsItsOptionsToTheNextLoad) {
     EXPECT_TRUE(options.silent);
     EXPECT_FALSE(options.folderJustChosen);
   };
-  static_cast<void>(RiavviaSessione(session, env, {.silent = true}));
+  ignore(RiavviaSessione(session, env, {.silent = true}), "the state afterwards is looked at");
 }
 
 TEST_F(SessionRestart, DoesNotCountTowardsCompaction) {

@@ -51,5 +51,28 @@ TEST_F(UsedPictures, ClipboardVariantsAndSecondSettingsDoNotCount) {
   EXPECT_THAT(used(), UnorderedElementsAre());
 }
 
+TEST_F(UsedPictures, EveryTextButTheClipboardsIsReadForMentions) {
+  run(folder,
+      "UPDATE articoli SET descrizione_l2 = 'inglese.gif'; UPDATE generale SET condizioni = 'testo.gif';"
+      "INSERT INTO cliparticoli (ID, descrizione) VALUES (1, 'appunti.gif')");
+  auto catalogue = Database::open(folder + "/catalog.mdb", OpenMode::Shared);
+  ASSERT_TRUE(catalogue);
+  std::string all;
+  ASSERT_TRUE(readAllTexts(*catalogue, [&](std::string_view text) { all += text; }));
+  EXPECT_NE(all.find("inglese.gif"), std::string::npos);
+  EXPECT_NE(all.find("testo.gif"), std::string::npos);
+  EXPECT_EQ(all.find("appunti.gif"), std::string::npos);
+}
+
+TEST_F(UsedPictures, TheTextsOfATemplateAreThoseOfItsPagesStylesAndScripts) {
+  const std::string package = application + "/template/mio";
+  write(package + "/index.htm", "pagina.gif");
+  write(package + "/stile.css", "stile.gif");
+  write(package + "/kvan_logo.gif", "immagine.gif");
+  std::string all;
+  readTemplateTexts(package, [&](std::string_view text) { all += text; });
+  EXPECT_EQ(all, "pagina.gifstile.gif");
+}
+
 }  // namespace
 }  // namespace kv

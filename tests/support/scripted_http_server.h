@@ -2,7 +2,6 @@
 // An HTTP server on 127.0.0.1 that answers with given bytes, in a thread of its own. For the client that speaks HTTP
 // itself; what uses a client takes an AnsweringHost.
 
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -16,21 +15,14 @@
 #include <utility>
 #include <vector>
 
+#include "support/local_listener.h"
+
 namespace kv::test {
 
 class ScriptedHttpServer {
  public:
   /// answers: whole answers to the requests in turn, each on a connection of its own; an empty one is never given.
   explicit ScriptedHttpServer(std::vector<std::string> answers) : answers_(std::move(answers)) {
-    listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(listener_, 8);
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
     thread_ = std::thread([this] { serve(); });
   }
   ScriptedHttpServer(const ScriptedHttpServer&) = delete;
@@ -38,9 +30,10 @@ class ScriptedHttpServer {
   ~ScriptedHttpServer() {
     ending_ = true;
     thread_.join();
-    ::close(listener_);
   }
-  std::string url(const std::string& path) const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
+  std::string url(const std::string& path) const {
+    return "http://127.0.0.1:" + std::to_string(listener_.port()) + path;
+  }
   /// The requests as they came, bodies included.
   std::vector<std::string> requests() const {
     const std::lock_guard lock(guard_);
@@ -64,8 +57,8 @@ class ScriptedHttpServer {
   }
   void serve() {
     for (const std::string& answer : answers_) {
-      if (!waits(listener_)) return;
-      const int client = ::accept(listener_, nullptr, nullptr);
+      if (!waits(listener_.descriptor())) return;
+      const int client = listener_.accept();
       std::string request;
       std::array<char, 4096> piece{};
       while (!isWhole(request) && waits(client)) {
@@ -84,8 +77,7 @@ class ScriptedHttpServer {
   }
 
   std::vector<std::string> answers_;
-  int listener_ = -1;
-  int port_ = 0;
+  LocalListener listener_;
   std::atomic<bool> ending_{false};
   mutable std::mutex guard_;
   std::vector<std::string> requests_;

@@ -2,8 +2,6 @@
 // A SOCKS proxy on 127.0.0.1 that a test directs, in a thread of its own: it reads a request, answers it, and passes
 // the bytes of the connection on.
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -16,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/local_listener.h"
+
 namespace kv::test {
 
 class SocksRelay {
@@ -24,13 +24,6 @@ class SocksRelay {
   /// none.
   explicit SocksRelay(int version, int refusal = 0, std::string user = {}, std::string password = {})
       : version_(version), refusal_(refusal), user_(std::move(user)), password_(std::move(password)) {
-    listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = local(0);
-    socklen_t size = sizeof address;
-    ::bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(listener_, 8);
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
     thread_ = std::thread([this] { serve(); });
   }
   SocksRelay(const SocksRelay&) = delete;
@@ -42,9 +35,8 @@ class SocksRelay {
       ::close(one);
       ::close(other);
     }
-    ::close(listener_);
   }
-  std::string port() const { return std::to_string(port_); }
+  std::string port() const { return std::to_string(listener_.port()); }
   /// "host:port" of each request.
   std::vector<std::string> asked() const {
     const std::lock_guard lock(guard_);
@@ -52,13 +44,6 @@ class SocksRelay {
   }
 
  private:
-  static sockaddr_in local(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-  }
   static std::string take(int from, std::size_t count) {
     std::string bytes(count, '\0');
     std::size_t filled = 0;
@@ -81,7 +66,7 @@ class SocksRelay {
 
   void serve() {
     while (!ending_) {
-      std::vector<pollfd> all{{listener_, POLLIN, 0}};
+      std::vector<pollfd> all{{listener_.descriptor(), POLLIN, 0}};
       for (const auto& [one, other] : pairs_) {
         all.push_back({one, POLLIN, 0});
         all.push_back({other, POLLIN, 0});
@@ -94,7 +79,7 @@ class SocksRelay {
         ::close(pairs_[i].second);
         pairs_.erase(pairs_.begin() + static_cast<std::ptrdiff_t>(i));
       }
-      if (all[0].revents != 0) greet(::accept(listener_, nullptr, nullptr));
+      if (all[0].revents != 0) greet(listener_.accept());
     }
   }
   static bool pass(const pollfd& from, int to) {
@@ -114,7 +99,7 @@ class SocksRelay {
       return;
     }
     const int server = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const sockaddr_in address = local(port);
+    const sockaddr_in address = localAddress(port);
     ::connect(server, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     pairs_.emplace_back(client, server);
   }
@@ -168,8 +153,7 @@ class SocksRelay {
   int version_;
   int refusal_;
   std::string user_, password_;
-  int listener_ = -1;
-  int port_ = 0;
+  LocalListener listener_;
   std::atomic<bool> ending_{false};
   mutable std::mutex guard_;
   std::vector<std::string> asked_;

@@ -123,7 +123,7 @@ TEST_F(AnFtpConnection, IsNotMadeInTheClearWhenAnotherProtocolIsWanted) {
   ScriptedFtpServer server;
   auto settings = settingsOf(server);
   settings.protocol = TransferProtocol::Sftp;
-  EXPECT_EQ(enter(settings), "20000 il protocollo SFTP non è disponibile");
+  EXPECT_EQ(enter(settings), "20000 questa connessione è di FTP");
   EXPECT_EQ(server.connections(), 0);
 }
 

@@ -2,9 +2,11 @@
 #include "platform/transfer/side_by_side.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <array>
+#include <functional>
 #include <string>
 
 #include "platform/transfer/transfer.h"
@@ -48,6 +50,43 @@ TEST(SideBySide, AJobIsWokenByWhatAnotherOneWrites) {
   EXPECT_EQ(order, "write read");
   ::close(ends[0]);
   ::close(ends[1]);
+}
+
+/// Whether an address is on the stack that the thread was given.
+bool isOnMainStack(const void* address) {
+  pthread_attr_t attributes;
+  void* bottom = nullptr;
+  std::size_t size = 0;
+  EXPECT_EQ(::pthread_getattr_np(::pthread_self(), &attributes), 0);
+  EXPECT_EQ(::pthread_attr_getstack(&attributes, &bottom, &size), 0);
+  ::pthread_attr_destroy(&attributes);
+  return std::less<>()(bottom, address) && std::less<>()(address, static_cast<const char*>(bottom) + size);
+}
+
+TEST(SideBySide, WhatOpensAWindowRunsOnTheMainStackAndTheJobGoesOnAfterIt) {
+  std::string order;
+  const auto job = [&order](char name) {
+    return [&order, name] {
+      const int mark = 0;
+      EXPECT_FALSE(isOnMainStack(&mark));
+      for (int turn = 0; turn < 2; ++turn) {
+        runOnMainStack([&] {
+          const int inner = 0;
+          EXPECT_TRUE(isOnMainStack(&inner));
+          EXPECT_FALSE(isSideBySide());
+          order += name;
+        });
+        EXPECT_TRUE(isSideBySide());
+        order += static_cast<char>(name - 'a' + 'A');
+      }
+      pollSideBySide({}, 0);
+      order += name;
+    };
+  };
+  runSideBySide({job('a'), job('b')});
+  EXPECT_EQ(order, "aAaAbBbBab");
+  runOnMainStack([&order] { order = "outside"; });
+  EXPECT_EQ(order, "outside");
 }
 
 TEST(SideBySide, AWaitEndsAfterAStepWithoutAnEvent) {

@@ -59,13 +59,13 @@ class Orders(Case):
         self.office.send(page.form("ordine.php"), page, stato="annullato", scorte=None)
         self.assertEqual(pieces(), [["41", "2"], ["CR", None]])
 
-    def test_the_csv_file_is_windows_1252_with_formulas_disarmed(self):
+    def test_the_csv_file_is_utf_8_with_a_mark_and_formulas_disarmed(self):
         self.add_order("261101-AAAAAA", "=HYPERLINK(\"x\");Città", "-2+3@example.org", total="1234.50",
                        created="'2026-11-01 10:00:00'", fields={"RagioneSociale": "@SUM(A1)", "CAP": "00100",
                                                                 "Telefono": "+39 02", "Note": "due\r\nrighe €"})
         self.add_order("261102-BBBBBB")
         page = self.office.ask("ordini_csv.php?q=AAAA")
-        self.assertEqual(page.headers["Content-Type"], "text/csv; charset=windows-1252")
+        self.assertEqual(page.headers["Content-Type"], "text/csv; charset=utf-8")
         self.assertRegex(page.headers["Content-Disposition"], r'^attachment; filename="ordini-[0-9-]+\.csv"$')
         self.assertEqual(page.body, (
             "Codice;Data;Cliente;E-mail;Totale;Valuta;Pagamento;Stato;Ragione sociale;Partita IVA;Indirizzo;CAP;Città;"
@@ -73,7 +73,7 @@ class Orders(Case):
             "\"261101-AAAAAA\";01/11/2026 10:00;\"'=HYPERLINK(\"\"x\"\");Città\";\"'-2+3@example.org\";1234,50;\"EUR\";"
             "\"Contrassegno\";\"nuovo\";\"'@SUM(A1)\";\"\";\"\";\"00100\";\"\";\"\";\"\";\"'+39 02\";"
             "\"due righe €\"\r\n"
-        ).encode("cp1252"))
+        ).encode("utf-8-sig"))
 
     def test_the_csv_file_holds_more_orders_than_one_step_reads(self):
         self.shop.execute("INSERT INTO kv_ordini (codice, creato, nome, email, totale, valuta, metodo, stato, lingua,"
@@ -233,14 +233,18 @@ class Availability(Case):
             self.assertIn("numero intero", self.save("disponibilita.php?q=RE-001", **{"q[0]": wrong})[1].text)
         self.assertEqual(self.shop.rows("SELECT * FROM kv_disponibilita"), [])
 
-    def test_codes_of_variants_are_listed_once_and_tell_small_from_capital_letters(self):
-        self.shop.execute("INSERT INTO opcodici VALUES (900, 'qx', 2), (901, 'QX', 3), (902, 'QX', 2)")
+    def test_values_are_listed_by_article_and_tell_small_from_capital_letters(self):
+        slots = ", ".join(f"opzione{slot}{listino}" for slot in range(1, 5) for listino in ("", *(f"_{n}" for n in range(1, 10))))
+        numbers = [row[0] for row in self.shop.rows(f"SELECT ID FROM dettaglio WHERE 2 IN ({slots})")]
+        self.shop.execute("INSERT INTO opcodici VALUES (900, 'qx', 2), (902, 'QX', 2)")
         try:
-            page, answer = self.save("disponibilita.php?tipo=O&q=qx", **{"q[0]": "0", "q[1]": "7"})
+            page = self.office.ask("disponibilita.php?tipo=V&q=qx")
             fields = next(f for f in page_forms(page) if "c[0]" in f["fields"])["fields"]
-            self.assertEqual(sorted(v for n, v in fields.items() if n.startswith("c[")), ["QX", "qx"])
-            self.assertEqual(sorted(row[1] for row in self.shop.rows("SELECT * FROM kv_disponibilita")), ["QX", "qx"])
-            self.assertIn("2 disponibilità", answer.text)
+            keys = sorted(value for name, value in fields.items() if name.startswith("c["))
+            self.assertEqual(keys, sorted(f"{number}.2.{code}" for number in numbers for code in ("QX", "qx")))
+            self.save("disponibilita.php?tipo=V&q=qx", **{"q[0]": "0", "q[1]": "7"})
+            stored = self.shop.rows("SELECT tipo, chiave, quantita FROM kv_disponibilita ORDER BY quantita")
+            self.assertEqual(stored, [["V", fields["c[0]"], "0"], ["V", fields["c[1]"], "7"]])
         finally:
             self.shop.execute("DELETE FROM opcodici WHERE ID >= 900")
 

@@ -69,7 +69,7 @@ runTests([
     'ANewLineInASubjectOpensNoHeader' => fn() => ['=?UTF-8?B?' . base64_encode('a Bcc: x@y.zz') . '?=',
         kvTestoIntestazione("a\r\nBcc: x@y.zz")],
     'ALongSubjectIsCutIntoWordsOfSeventyFive' => fn() => [true, max(array_map('strlen',
-        explode("\r\n ", kvTestoIntestazione(str_repeat("\xE8", 200))))) <= 75],
+        explode("\r\n ", kvTestoIntestazione(str_repeat("\u{3B8}", 200))))) <= 75],
     'AnAddressWithASecondHeaderIsNone' => fn() => [false, kvIndirizzoValido("a@b.it\r\nBcc: c@d.it")],
     'TheMerchantsMailTextIsFilled' => fn() => ["Ordine C1 di EUR 9,00\r\nR\r\n", kvTestoMail('C1', '9,00', 'R')],
 ]);

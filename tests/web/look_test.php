@@ -43,6 +43,23 @@ $article = ['ID' => '7', 'codice' => 'A<1>', 'plain_titolo' => 'Tazza "Alba" </s
     'descrizione' => "Prima riga\r\nseconda & terza", 'implistino' => '10.0000', 'importo' => '10.0000', 'catID' => 'c',
     'immagine1' => '<img border="0" src="a b.jpg" width="240" height="180">', 'immagine2' => '', 'immagine3' => ''];
 
+/** What a function writes in a site where these files are beside its scripts. */
+$inSite = function (array $files, callable $write): string {
+    $site = sys_get_temp_dir() . '/korvane-look-' . getmypid();
+    $before = getcwd();
+    mkdir($site);
+    chdir($site);
+    array_map('touch', $files);
+    try {
+        return $write();
+    } finally {
+        array_map('unlink', $files);
+        chdir($before);
+        rmdir($site);
+    }
+};
+$wide = '<a href="x.htm"><img border="0" src="a b.jpg" width="1200" height="900" alt=""></a>';
+
 runTests([
     'AnyColoursGiveReadableTexts' => fn() => [true, lowestContrast($texts) >= 4.5],
     'AnyColoursGiveVisibleEdgesOfControls' => fn() => [true,
@@ -104,6 +121,25 @@ runTests([
         kvTagImmagine(kvImmagine($article['immagine1']), 'x', false)],
     'ABiggerPictureIsOfferedToSharperScreens' => fn() => [1, substr_count(kvFotoGrande(['plain_titolo' => 'x',
         'immagine2' => '<img border="0" src="g.jpg" width="600" height="600">'] + $article), '600w, a%20b.jpg 240w')],
+    'LighterFormsOfAPictureAreOfferedWhereTheyAre' => fn() => ['<a href="x.htm"><picture><source type="image/webp" '
+        . 'srcset="a%20b.jpg.480.webp 480w, a%20b.jpg.webp 1200w" sizes="(max-width: 1200px) 100vw, 1200px">'
+        . '<img border="0" src="a b.jpg" width="1200" height="900" alt=""></picture></a>',
+        $inSite(['a b.jpg.webp', 'a b.jpg.480.webp'], function () use ($wide): string {
+            $GLOBALS['rowArt'] = ['immagine1' => $wide];
+            return ViewArt('immagine1');
+        })],
+    'WithoutThemAPictureIsAsTheBuildWroteIt' => function () use ($wide, $inSite) {
+        $GLOBALS['rowArt'] = ['immagine1' => $wide];
+        return [$wide, $inSite(['a b.jpg.480.webp'], fn() => ViewArt('immagine1'))];
+    },
+    'APictureOfUnknownSizeIsOfferedWhole' => fn() => [
+        '<picture><source type="image/webp" srcset="v.png.webp"><img src="v.png" alt="" loading="lazy"></picture>',
+        $inSite(['v.png.webp', 'v.png.480.webp'], fn() => VetImmagine('v.png', '', ''))],
+    'ACardOffersTheLighterFormsOfAllItsPictures' => fn() => [1, substr_count($inSite(
+        ['a b.jpg.webp', 'g.jpg.webp', 'g.jpg.480.webp'], fn() => kvFotoGrande(['plain_titolo' => 'x',
+            'immagine2' => '<img border="0" src="g.jpg" width="600" height="600">'] + $article)),
+        'srcset="a%20b.jpg.webp 240w, g.jpg.480.webp 480w, g.jpg.webp 600w"')],
+    'NoFileOutsideTheSiteIsLookedFor' => fn() => [[], kvForme('../a.jpg', 600)],
     'StructuredDataCannotEndTheirElement' => fn() => [1, substr_count(kvDati(['name' => '</script>']), '</script>')],
     'TheOfferOfSchemaOrgHasThePriceOfThePage' => fn() => [['12.20', 'EUR', 'https://schema.org/InStock'],
         array_slice(array_values(kvDatiArticolo($article, true)['offers']), 1, 3)],

@@ -3,6 +3,7 @@
 
 The modules are filled as their dialogs do it, shops are built with four of them at a time, orders are placed over HTTP
 and the forms followed to a payment service of the test's own (gateway_stand_in.py)."""
+import os
 import re
 import shutil
 import subprocess
@@ -104,6 +105,10 @@ class Notices(Case):
                                         ({"valuta": "840"}, 409), ({"valuta": ""}, 409), ({"esito": "FORSE"}, 409),
                                         ({"transazione": ""}, 409)):
                     self.assertEqual(self.send(script, told, secret, **changes), (status, "KO"), changes)
+                    differs = "importo" in changes or "valuta" in changes
+                    self.assertEqual(self.state(code), ("importo diverso" if differs else "nuovo", ""))
+                    self.shop.execute("UPDATE kv_ordini SET stato = 'nuovo'")
+                self.send(script, told, secret, importo="1", esito="KO")
                 self.assertEqual(self.state(code), ("nuovo", ""))
 
     def test_a_notice_counts_once(self):
@@ -156,7 +161,8 @@ class Sella(Case):
         for change in ({"importo": "1"}, {"valuta": "1"}):
             self.assertEqual(post(script, {**told, **change, "otp": "RIS8"})[0], 409)
         self.assertEqual(post(script, {**told, "negozio": "altro", "otp": "RIS8"})[0], 403)
-        self.assertEqual(self.state(code), ("rifiutato", ""))
+        self.assertEqual(self.state(code), ("importo diverso", ""))
+        self.shop.execute("UPDATE kv_ordini SET stato = 'rifiutato'")
         page = shopper.ask("thankyou1.php")
         payment = self.to_service(shopper, page, "Banca Sella")
         self.finish(shopper, "Banca Sella", payment, "OK")
@@ -176,7 +182,7 @@ class Sella(Case):
             self.assertEqual(post(script, {"a": "9000001", "b": sealed({**good, **changes})}), (status, "KO"))
         self.assertEqual(post(script, {"a": "altro", "b": sealed(good)}), (403, "KO"))
         self.assertEqual(post(script, {"a": "9000001", "b": sealed(good) + "0"}), (403, "KO"))
-        self.assertEqual(self.state(code), ("nuovo", ""))
+        self.assertEqual(self.state(code), ("importo diverso", ""))
         self.assertEqual(post(script, {"a": "9000001", "b": sealed(good)}), (200, "OK"))
         self.assertEqual(self.state(code), ("pagato", "Banca Sella T"))
 
@@ -306,6 +312,13 @@ class Shipped(unittest.TestCase):
                     page = shopper.send(payment_form(page), page)
                 self.assertIn("non è ancora attivo", page.text, name)
                 self.assertNotIn('name="kvPagamento"', page.text, name)
+
+
+if "KORVANE_SEND_PASSWORDS" in os.environ:
+    import one_time_passwords
+
+    class LoadedPasswords(one_time_passwords.Passwords):
+        """Here, for the shop of this module."""
 
 
 if __name__ == "__main__":

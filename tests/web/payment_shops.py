@@ -5,7 +5,7 @@ import shutil
 import unittest
 
 from gateway_stand_in import Gateway, Service
-from served_shop import SOURCES, Forms, ServedShop, order
+from served_shop import PATIENCE, SOURCES, Forms, ServedShop, order
 
 SCRIPT_KEYS = ("php(default)", "php", "php(sel)", "action")
 CENTS = "importo = Math.round(importo1 * 100);"
@@ -161,6 +161,7 @@ class Setting:
                     catalogue.execute(f"UPDATE zona{zone} SET pag{n} = 1")
         cls.shop.change(choose)
         cls.shop.korvane("build")
+        (cls.shop.shop / "online/kvlimiti.php").write_text(PATIENCE)
         # PHP keeps a script that it has compiled until the file's date is another one, in whole seconds.
         cls.date += 10
         for path in (cls.shop.shop / "online").glob("*.php"):

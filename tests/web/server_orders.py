@@ -88,6 +88,17 @@ class Orders(CustomerCase):
         form = page.form("kvorder")
         self.assertEqual(form["action"], "kvorder_l2.php")
 
+    def test_an_article_is_bought_by_a_plain_form(self):
+        page = self.visitor.ask("cat007.php")
+        form = page.form("kvcarrello")
+        number, position = shop().rows("SELECT ID, contatore FROM ordinamento INNER JOIN articoli USING (ID) WHERE pagina ="
+                                       " 'cat007' AND sottopagina = 1 ORDER BY contatore + 0 LIMIT 1")[0]
+        self.assertIn(f'name="compra" value="{number}.{position}"', page.text)
+        page = self.visitor.send(form, page, compra=f"{number}.{position}", **{f"qt{position}": "2"})
+        self.assertIn("/cart.php", page.address)
+        lines = served_lines(self.visitor, next(value for (_, name), value in self.visitor.cookies.items() if "cart" in name))
+        self.assertEqual([line["ok"] for line in lines], [True])
+
 
 class Stock(CustomerCase):
     def limit(self, kind, key, pieces, available=1):
@@ -105,7 +116,7 @@ class Stock(CustomerCase):
         self.limit("A", self.article, 1)
         line = served_lines(self.visitor, f"{self.article}.2")[0]
         self.assertEqual((line["ok"], line["m"]), (True, 1))
-        self.assertIn("m=53", self.visitor.ask("order.php", follow=False).headers["Location"])
+        self.assertEqual(self.visitor.ask("order.php", follow=False).headers["Location"], "cart.php")
         order(self.visitor, self.cart, Dettaglio=f"{self.article}.2")
         self.assertEqual((self.count("kv_ordini"), self.stock()), (0, "1"))
 
@@ -113,14 +124,40 @@ class Stock(CustomerCase):
         self.limit("A", self.article, "NULL", 0)
         self.assertEqual(served_lines(self.visitor, self.cart)[0]["m"], 0)
 
-    def test_a_value_of_a_variant_has_its_own_stock(self):
-        page = self.visitor.ask("cat007.php").text
-        key = re.search(r'value="[^"]*#O\|[^"]*" data-k="(\w+)"', page).group(1)
-        cart = f"{article('TZ-002')}.2.{key}"
-        self.limit("O", "O", 3)
-        order(self.visitor, cart, method=2)
+    def two_with_the_same_variant(self):
+        """Two articles that share a variant, the variant, and the keys of its value with the code O."""
+        variant, = shop().rows("SELECT OpID FROM opcodici WHERE codice = 'O'")[0]
+        numbers = [int(row[0]) for row in shop().rows(
+            f"SELECT ID FROM dettaglio INNER JOIN articoli USING (ID) WHERE opzione1 = {variant} AND opzione2 < 2 AND"
+            " pagina = 'cat007' ORDER BY ID")][:2]
+        key = re.search(r'value="[^"]*#O\|[^"]*" data-k="(\w+)"', self.visitor.ask("cat007.php").text).group(1)
+        return numbers, variant, key
+
+    def test_a_value_of_a_variant_has_its_own_stock_in_each_article(self):
+        (number, other), variant, key = self.two_with_the_same_variant()
+        self.limit("V", f"{number}.{variant}.O", 3)
+        order(self.visitor, f"{number}.2.{key}", method=2)
         self.assertEqual(self.stock(), "1")
-        self.assertEqual(served_lines(self.visitor, cart)[0]["m"], 1)
+        lines = served_lines(self.visitor, f"{number}.2.{key}_{other}.9.{key}")
+        self.assertEqual([line["m"] for line in lines], [1, None])
+
+    def test_a_value_that_is_sold_out_cannot_be_chosen(self):
+        (number, other), variant, key = self.two_with_the_same_variant()
+        self.limit("V", f"{number}.{variant}.O", 0)
+        page = self.visitor.ask("cat007.php").text
+        options = re.findall(rf'<option ([^>]*)data-k="{key}">([^<]*)<', page)
+        sold_out = [text for attributes, text in options if attributes.startswith("disabled")]
+        self.assertEqual((len(sold_out), len(options) > 1), (1, True))
+        self.assertIn("Al momento non disponibile", sold_out[0])
+        self.assertFalse(any("selected" in attributes for attributes, text in options if "disabled" in attributes))
+
+    def test_the_stock_of_an_earlier_shop_is_counted_for_each_article(self):
+        (number, other), variant, key = self.two_with_the_same_variant()
+        self.limit("O", "O", 4)
+        shop().execute("DELETE FROM kv_stato")
+        order(self.visitor, self.cart, method=2)
+        self.assertEqual(self.count("kv_disponibilita", "tipo = 'O'"), 0)
+        self.assertEqual([line["m"] for line in served_lines(self.visitor, f"{number}.1.{key}_{other}.1.{key}")], [4, 4])
 
     def test_two_lines_share_the_stock_of_their_article(self):
         keys = re.findall(r'data-k="(\w+)"', self.visitor.ask("cat007.php").text.split("TZ-002")[0].rsplit("<article")[-1])
@@ -140,7 +177,7 @@ class Stock(CustomerCase):
     def attempt(self, visitor):
         try:
             return order(visitor, self.cart, method=2).address
-        except AttributeError:
+        except StopIteration:
             return "order form refused"
 
 

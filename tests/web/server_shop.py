@@ -3,7 +3,8 @@
 import re
 import urllib.parse
 
-from shop_case import CustomerCase, article, cart_cookie, enter, main, order, register, send, served_lines, shop
+from shop_case import (CustomerCase, article, ask_to_register, cart_cookie, enter, mail_after, main, order, register, send,
+                       served_lines, shop)
 
 
 def units(text):
@@ -42,9 +43,10 @@ class Prices(CustomerCase):
 
     def test_an_article_of_a_closed_department_cannot_be_ordered(self):
         cart = f"{article('RV-001')}.1"
-        self.assertFalse(served_lines(self.visitor, cart)[0]["ok"])
-        page = self.visitor.ask("order.php", follow=False)
-        self.assertIn("m=53", page.headers["Location"])
+        line = served_lines(self.visitor, cart)[0]
+        self.assertEqual((line["ok"], line["n"], line["o"], line["p"]), (False, "Articolo riservato", "", 0))
+        self.assertNotIn("RV-001", self.visitor.ask("cart.php").text)
+        self.assertEqual(self.visitor.ask("order.php", follow=False).headers["Location"], "cart.php")
         order(self.visitor, self.cart, Dettaglio=cart)
         self.assertEqual(self.count("kv_ordini"), 0)
 
@@ -211,19 +213,38 @@ class Search(CustomerCase):
         self.assertIn('aria-current="page">1<', text)
         self.assertIn('kvsearch.php?q=di&amp;p=2"', text)
 
-    def test_a_result_leads_to_its_article(self):
+    def test_a_result_leads_to_the_single_article_as_the_shop_says(self):
         text = self.visitor.ask("kvsearch.php?q=PI-002").text
-        self.assertRegex(text, r'href="cat008\.php\?n=1#\d"')
+        self.assertRegex(text, r'href="cat008\.php\?n=1&amp;prod=\d+"')
 
 
 class Access(CustomerCase):
-    def test_an_address_registers_once(self):
+    def test_an_address_registers_once_and_the_form_does_not_tell(self):
         register(self.visitor)
-        self.assertIn("m=3", register(shop().visitor(), "ADA@example.org").address)
+        before = len(shop().mails())
+        pages = [ask_to_register(shop().visitor(), address) for address in ("ADA@example.org", "eva@example.org")]
+        self.assertEqual(pages[0].address, pages[1].address)
+        self.assertEqual(*(re.sub(r'name="gettone" value="\w+"', '', page.text) for page in pages))
+        mail_after(before + 1)
+        self.assertEqual(sum("già registrato" in mail_after(before + n) for n in (0, 1)), 1)
+        self.assertEqual(self.count("kv_clienti"), 1)
+
+    def test_a_registration_is_ended_by_the_link_of_its_mail_once(self):
+        before = len(shop().mails())
+        ask_to_register(self.visitor)
+        self.assertEqual(self.count("kv_clienti"), 0)
+        link = "login.php?r=" + re.search(r"r=(\w+)", mail_after(before)).group(1)
+        page = self.visitor.ask(link)
+        self.assertEqual(self.count("kv_clienti"), 0)
+        form = page.form("logcheck")
+        self.assertIn("index.php", self.visitor.send(form, page).address)
+        self.assertEqual(shop().rows("SELECT email, provato FROM kv_clienti"), [["ada@example.org", "1"]])
+        self.assertNotIn('value="conferma"', shop().visitor().ask(link).text)
+        self.assertEqual(self.count("kv_richieste", "dati <> ''"), 0)
 
     def test_an_incomplete_registration_is_refused(self):
         for fields in ({"pw": "corta"}, {"nome": ""}, {"cognome": " "}, {"address": "nessun indirizzo"}):
-            self.assertIn("m=2", register(shop().visitor(), **fields).address, fields)
+            self.assertIn("m=2", ask_to_register(shop().visitor(), **fields).address, fields)
         send(self.visitor, "registra", email="ada@example.org", pw="x" * 8, nome="Ada", cognome="Neri")
         self.assertEqual(self.count("kv_clienti"), 0)
 

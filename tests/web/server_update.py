@@ -160,12 +160,30 @@ class Update(Case):
         self.assertEqual(shop().rows("SELECT COUNT(*) FROM prova"), [["6000"]])
 
     def test_the_diagnostics_tell_versions_and_limits_and_no_more(self):
+        self.put(TABLE)
+        self.update()
         page = self.visitor.ask("updatedb.php?w=phpinfo&segreto=1")
         self.assertRegex(page.text, r"\APHP \d+\.\d+")
         self.assertIn("memory_limit: 128M", page.text)
         self.assertIn("mysqli", page.text)
         for secret in ("segreto", "negozio", str(shop().work), "HTTP_", "DOCUMENT_ROOT", "PATH", "cookie", "REMOTE_ADDR", "/"):
             self.assertNotIn(secret, page.text.replace("fpm-fcgi", ""))
+
+    def test_the_diagnostics_are_for_who_knew_the_word_and_not_for_long(self):
+        scratch = shop().home / "tmp"
+        for path in scratch.glob("kvdiagnosi*"):
+            path.unlink()
+        self.assertEqual(self.visitor.ask("updatedb.php?w=phpinfo").text, "PHP attivo\n")
+        self.update("x" * 20)
+        self.assertEqual(self.visitor.ask("updatedb.php?w=phpinfo").text, "PHP attivo\n")
+        self.put("CREATE TABLE (;\r\n")
+        self.assertNotEqual(self.update(), "OK")
+        self.assertIn("memory_limit", self.visitor.ask("updatedb.php?w=phpinfo").text)
+        path, = scratch.glob("kvdiagnosi*")
+        until, signed = path.read_text().split(" ")
+        for text in (f"{int(until) - 700} {signed}", f"{int(until) + 1} {signed}", until, ""):
+            path.write_text(text)
+            self.assertEqual(self.visitor.ask("updatedb.php?w=phpinfo").text, "PHP attivo\n")
 
     def test_each_language_has_its_own_files(self):
         self.put(TABLE)
@@ -192,6 +210,8 @@ class Pages(Case):
             script.write_bytes(text)
         self.assertEqual(page.status, 503)
         self.assertIn("raggiungibile", page.text)
+        self.assertEqual((page.text.count("<!DOCTYPE html>"), page.text.count("</html>")), (1, 1))
+        self.assertGreater(int(page.headers["Retry-After"]), 0)
         self.assertNotIn("nessuno", page.text)
         log = shop().home / "log/php.log"
         self.assertIn("Shop database", log.read_text())

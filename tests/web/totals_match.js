@@ -97,11 +97,13 @@ function exact(c, context) {
 }
 
 function browserContext(c) {
-  const context = vm.createContext({ document: { cookie: "" }, window: {}, console: console });
-  context.window = context;
+  const context = vm.createContext({ document: { cookie: "", addEventListener: function () {} }, window: {}, console: console });
+  context.window = Object.assign(context, { addEventListener: function () {} });
   vm.runInContext(fs.readFileSync(path.join(folder, "js0.js"), "latin1"), context);
   vm.runInContext(c.script, context);
-  vm.runInContext(fs.readFileSync(path.join(folder, "js2.js"), "latin1"), context);
+  ["js1.js", "js2.js"].forEach(function (name) {
+    vm.runInContext(fs.readFileSync(path.join(folder, name), "latin1"), context);
+  });
   context.scl = c.own;
   vm.runInContext("listinoCorrente = " + c.listino, context);
   return context;

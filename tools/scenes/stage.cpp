@@ -109,7 +109,7 @@ bool Stage::open() {
   window_ = std::make_unique<frmMain>(session_, env_, std::move(ports));
   Workbench& workbench = window_->workbench();
   wireSession(*window_, session_, env_);
-  static_cast<void>(writeServerPath(env_.applicationFolder, options_.shop));
+  ignore(writeServerPath(env_.applicationFolder, options_.shop), "the window is placed without it");
   if (startSession(session_, env_) != LoadResult::Opened) return false;
   workbench.showShop();
   user_.setMainWindow(window_.get());

@@ -4,7 +4,10 @@
 #include <QTabWidget>
 #include <array>
 
+#include "media/purge/frm_pulisci_immagini.h"
+#include "platform/files/files.h"
 #include "scenes.h"
+#include "store/exchange/frm_esporta.h"
 
 namespace kv::scenes {
 namespace {
@@ -55,7 +58,7 @@ void takeConnection(Stage& stage, const QString& name) { takeEntry(stage, "conne
 /// What is sent, once the shop has been built.
 void takePublishing(Stage& stage, const QString& name) {
   const auto& options = stage.window().workbench().ports().dialogs.publishOptions;
-  stage.during([&] { static_cast<void>(options()); }, [&](QWidget&) { stage.take(name); });
+  stage.during([&] { ignore(options(), "the picture is all that counts"); }, [&](QWidget&) { stage.take(name); });
 }
 
 /// The choice of a picture, on one of the shop's own.
@@ -70,6 +73,57 @@ void takePicture(Stage& stage, const QString& name) {
                });
 }
 
+/// The same with a square part of it marked.
+void takePictureCut(Stage& stage, const QString& name) {
+  goToArticle(stage);
+  stage.during([&] { stage.choose("article.picture0.set"); },
+               [&](QWidget& dialog) {
+                 dialog.findChild<QTabWidget*>(QStringLiteral("tabOrigine"))->setCurrentIndex(1);
+                 auto* pictures = dialog.findChild<QListWidget*>(QStringLiteral("lstNegozio"));
+                 pictures->setCurrentRow(pictures->count() / 2);
+                 dialog.findChild<QAbstractButton*>(QStringLiteral("chkRitaglia"))->click();
+                 dialog.findChild<QComboBox*>(QStringLiteral("cboProporzioni"))->setCurrentIndex(2);
+                 stage.take(name);
+               });
+}
+
+/// Says nothing: what the search of the purge tells would be over its window.
+class SilentUser final : public UserPort {
+ public:
+  void message(const std::string& /*text*/, Icon /*icon*/) override {}
+  Answer question(const Question& question) override { return question.preset; }
+  std::string chooseFolder(const std::string& /*prompt*/, const std::string& /*initial*/) override { return {}; }
+  void progress(const Progress& /*progress*/) override {}
+  bool yield() override { return true; }
+};
+
+/// Four pictures that nothing uses, one of them named in a text.
+void takePurge(Stage& stage, const QString& name) {
+  const std::string work = joinPath(stage.session().ShopFolder, "work");
+  SilentUser silent;
+  const auto used = [&]() -> Result<std::vector<std::string>> {
+    std::vector<std::string> names = listFiles(work, "*");
+    names.resize(names.size() - std::min<std::size_t>(names.size(), 4));
+    return names;
+  };
+  const auto texts = [&](const TextReader& read) -> Result<> {
+    read(listFiles(work, "*").back());
+    return {};
+  };
+  frmPulisciImmagini dialog({work, used, texts, {}}, silent, &stage.window());
+  stage.during([&] { dialog.exec(); },
+               [&](QWidget&) {
+                 Stage::processEvents();
+                 dialog.findChild<QAbstractButton*>(QStringLiteral("cmdTutti"))->click();
+                 stage.take(name);
+               });
+}
+
+void takeExport(Stage& stage, const QString& name) {
+  frmEsporta dialog({true, true, {"kvservizi.php", "vetrina.js"}}, &stage.window());
+  stage.during([&] { dialog.exec(); }, [&](QWidget&) { stage.take(name); });
+}
+
 }  // namespace
 
 std::span<const Scene> tradeScenes() {
@@ -82,6 +136,9 @@ std::span<const Scene> tradeScenes() {
                                      Scene{"p3p", takePrivacy},
                                      Scene{"impostazioni-costruzione", takeBuildSettings},
                                      Scene{"immagine", takePicture},
+                                     Scene{"immagine-ritaglio", takePictureCut},
+                                     Scene{"pulizia-immagini", takePurge},
+                                     Scene{"esporta", takeExport},
                                      Scene{"pagamenti", takePayment},
                                      Scene{"spedizione", takeShipping},
                                      Scene{"spedizione-spese", takeShippingCosts},

@@ -4,6 +4,7 @@
 // send; attempts are counted in kv_tentativi.
 include_once "kvtables.php";
 include_once "kvmail.php";
+include_once "kvregister.php";
 
 /** The data of a customer that forms show, by column: the field of the order form and the longest text. */
 const KV_DATI_CLIENTE = [
@@ -33,7 +34,7 @@ function kvDatiCliente(int $id): string
     $coppie = [];
     $lungo = 0;
     foreach ($riga === null ? [] : array_merge(array_keys(KV_DATI_CLIENTE), ['email']) as $nome) {
-        $coppia = $nome . '=' . rawurlencode(kvUtf8((string) $riga[$nome]));
+        $coppia = $nome . '=' . rawurlencode((string) $riga[$nome]);
         $lungo += strlen($coppia) + 1;
         if ($lungo < 3800) {
             $coppie[] = $coppia;
@@ -49,12 +50,11 @@ function kvMessaggio(int $numero, string $altro = ''): void
 }
 
 /** Ends with a message when there were too many attempts; else counts one. */
-function kvContaTentativo(string $chiave, int $massimo = 5): void
+function kvContaTentativo(string $chiave, string $limite): void
 {
-    if (kvTroppiTentativi($chiave, 'kvQuery', $massimo)) {
+    if (!kvAmmetti($chiave, $limite)) {
         kvMessaggio(6);
     }
-    kvSegnaTentativo($chiave, 'kvQuery');
 }
 
 /** Opens the customer's session under a fresh session number. */
@@ -67,58 +67,42 @@ function kvApriSessione(int $id, string $impronta): void
 }
 
 /** Lets a customer in: on to the shop or to the order, or back with a notice while approval is missing. */
-function kvEntra(int $id, string $impronta, bool $approvato): void
+function kvEntra(int $id, string $impronta, bool $approvato, string $dopo): void
 {
     kvApriSessione($id, $impronta);
     if (!$approvato) {
         kvMessaggio(5);
     }
-    kvVai(kvCampo($_POST, 'dopo', 10) === 'ordine' ? "order.htm" : "index.htm");
+    kvVai($dopo === 'ordine' ? "order.htm" : "index.htm");
+}
+
+/** Whether a password has a hash; earlier releases made it of Windows-1252. */
+function kvPasswordGiusta(string $pw, string $impronta): bool
+{
+    return password_verify($pw, $impronta)
+        || (preg_match('/[\x80-\xFF]/', $pw) && password_verify(kvDaUtf8($pw), $impronta));
 }
 
 /** Access with address and password. */
 function kvAccesso(string $email, string $pw): void
 {
     $chiave = kvChiaveTentativi('negozio', $email);
-    kvContaTentativo($chiave);
+    $indirizzo = kvChiaveTentativi('negozio', '');
+    kvContaTentativo($chiave, 'accessi_conto');
+    kvContaTentativo($indirizzo, 'accessi');
     $riga = kvRiga('SELECT id, pw, approvato FROM kv_clienti WHERE email = ?', [$email]);
     // An unknown address is checked against a fixed hash, so that both answers take the same time.
     $impronta = $riga['pw'] ?? '$2y$10$dHKUwezJEPkiCbbCBpyIyewdj/VZnjbaUhH9QqxTXvkaE04HJYQTe';
-    if (!password_verify($pw, $impronta) || $riga === null) {
+    if (!kvPasswordGiusta($pw, $impronta) || $riga === null) {
         kvMessaggio(1);
     }
-    kvAzzeraTentativi($chiave, 'kvQuery');
+    kvAzzeraTentativi($chiave);
+    kvTogliTentativo($indirizzo);
     if (password_needs_rehash($impronta, PASSWORD_DEFAULT)) {
         $impronta = password_hash($pw, PASSWORD_DEFAULT);
         kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$impronta, (int) $riga['id']]);
     }
-    kvEntra((int) $riga['id'], $impronta, (bool) $riga['approvato']);
-}
-
-/** A new customer: in the shop at once, unless prices are for approved customers alone. */
-function kvRegistrazione(string $email, string $pw): void
-{
-    global $regpr;
-    kvContaTentativo(kvChiaveTentativi('registrazione', ''), 20);
-    $nome = kvRigaCampo($_POST, 'nome', 100);
-    $cognome = kvRigaCampo($_POST, 'cognome', 100);
-    if (!kvIndirizzoValido($email) || strlen($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
-        kvMessaggio(2);
-    }
-    $approvato = $regpr ? 0 : 1;
-    $impronta = password_hash($pw, PASSWORD_DEFAULT);
-    $esito = kvQuery('INSERT INTO kv_clienti (email, pw, nome, cognome, approvato, lingua, creato)'
-        . ' VALUES (?, ?, ?, ?, ?, ?, NOW())', [$email, $impronta, $nome, $cognome, $approvato, "<<1-IDlingua>>"]);
-    $riga = $esito === null ? null : kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
-    if ($riga === null) {
-        kvMessaggio(3);
-    }
-    if (!$approvato) {
-        $negozio = kvMittente();
-        kvMail($negozio['email'], $negozio['email'], $negozio['nome'] . " - <<4-cliente_in_attesa>>",
-            "<<4-cliente_in_attesa>>: $nome $cognome, $email", $email);
-    }
-    kvEntra((int) $riga['id'], $impronta, (bool) $approvato);
+    kvEntra((int) $riga['id'], $impronta, (bool) $riga['approvato'], kvCampo($_POST, 'dopo', 10));
 }
 
 /** The customer's own data. */
@@ -128,6 +112,7 @@ function kvCambiaDati(): void
     if ($id === 0) {
         kvMessaggio(4);
     }
+    kvTabellePronte();
     $colonne = [];
     $valori = [];
     foreach (KV_DATI_CLIENTE as $nome => list(, $massimo)) {
@@ -159,12 +144,12 @@ function kvCambiaPassword(string $pw): void
         kvMessaggio(4);
     }
     $chiave = kvChiaveTentativi('negozio', $riga['email']);
-    kvContaTentativo($chiave);
-    if (!password_verify(kvPassword('attuale'), $riga['pw'])) {
+    kvContaTentativo($chiave, 'accessi_conto');
+    if (!kvPasswordGiusta(kvPassword('attuale'), $riga['pw'])) {
         kvMessaggio(1);
     }
-    kvAzzeraTentativi($chiave, 'kvQuery');
-    if (strlen($pw) < 8) {
+    kvAzzeraTentativi($chiave);
+    if (kvLunghezza($pw) < 8) {
         kvMessaggio(2);
     }
     $_SESSION['segno'] = kvSegnoPassword(kvNuovaPassword((int) $riga['id'], $riga['email'], $pw));
@@ -172,30 +157,34 @@ function kvCambiaPassword(string $pw): void
     kvMessaggio(9);
 }
 
-/** A password of the form as it was typed, of at most 100 bytes. */
+/** A password of the form as it was typed, of at most 100 characters. */
 function kvPassword(string $nome): string
 {
-    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? substr($_POST[$nome], 0, 100) : '';
+    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? kvTaglia(kvTestoInviato($_POST[$nome], true), 100) : '';
 }
 
-/**
- * Mails a link with a token that is good once, for an hour; the database holds its hash alone. The answer is the same
- * whether the address is known or not.
- */
+/** Takes the wish for a new password. The answer is the same, and comes as soon, whether the address is known or not. */
 function kvRichiediPassword(string $email): void
 {
-    kvContaTentativo(kvChiaveTentativi('richiesta', $email), 3);
-    kvContaTentativo(kvChiaveTentativi('richiesta', ''), 20);
-    if (kvIndirizzoValido($email) && kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) !== null) {
-        $gettone = bin2hex(random_bytes(24));
-        kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
-            . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $gettone)]);
-        $negozio = kvMittente();
-        kvMail($email, $negozio['email'], $negozio['nome'] . " - <<4-password_richiesta>>",
-            "<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$gettone\r\n\r\n"
-            . $negozio['firma']);
-    }
+    kvContaTentativo(kvChiaveConto('richiesta', $email), 'richieste_email');
+    kvContaTentativo(kvChiaveTentativi('richiesta', ''), 'richieste');
+    kvDopoRisposta(fn() => kvMandaPassword($email));
     kvMessaggio(10);
+}
+
+/** Mails a link with a token that is good once, for an hour; the database holds its hash alone. */
+function kvMandaPassword(string $email): void
+{
+    if (!kvIndirizzoValido($email) || kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) === null) {
+        return;
+    }
+    $gettone = bin2hex(random_bytes(24));
+    kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
+        . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $gettone)]);
+    $negozio = kvMittente();
+    kvMail($email, $negozio['email'], $negozio['nome'] . ' - ' . kvUtf8("<<4-password_richiesta>>"),
+        kvUtf8("<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$gettone\r\n\r\n")
+        . $negozio['firma']);
 }
 
 /** The address of the request that a token belongs to; empty when it is unknown, used or too old. */
@@ -209,12 +198,12 @@ function kvRichiestaValida(string $gettone): string
 /** The end of a request: the new password, if the token is good, and the customer is in. */
 function kvRipristina(string $gettone, string $pw): void
 {
-    kvContaTentativo(kvChiaveTentativi('ripristino', ''), 20);
+    kvContaTentativo(kvChiaveTentativi('ripristino', ''), 'collegamenti');
     $email = kvRichiestaValida($gettone);
     if ($email === '') {
         kvMessaggio(12);
     }
-    if (strlen($pw) < 8) {
+    if (kvLunghezza($pw) < 8) {
         kvMessaggio(2, '&g=' . $gettone);
     }
     $riga = kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
@@ -222,6 +211,8 @@ function kvRipristina(string $gettone, string $pw): void
     if (kvRigheToccate() !== 1 || $riga === null) {
         kvMessaggio(12);
     }
+    kvTabellePronte();
+    kvQuery('UPDATE kv_clienti SET provato = 1 WHERE id = ?', [(int) $riga['id']]);
     kvApriSessione((int) $riga['id'], kvNuovaPassword((int) $riga['id'], $email, $pw));
     kvMessaggio(9);
 }

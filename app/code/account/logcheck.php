@@ -17,6 +17,9 @@ switch (kvCampo($_POST, 'azione', 20)) {
     case 'registra':
         kvRegistrazione($kvEmail, $kvPw);
         break;
+    case 'conferma':
+        kvConfermaRegistrazione(kvCampo($_POST, 'r', 64));
+        break;
     case 'dati':
         kvCambiaDati();
         break;

@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
-// The login page's forms, which logcheck.php takes. For a visitor: access, registration, a forgotten password, or with
-// the token of a mail in `g` the choice of a new one. For a customer: own data, password, the way out.
+// The login page's forms, which logcheck.php takes. For a visitor: access, registration, a forgotten password; with the
+// token of a mail in `g` the choice of a new one, in `r` the end of a registration. For a customer: own data, password, the way out.
 $home = "index<<1-IDlingua>>.php";
 if (!defined('KORVANE_SHOP')) {
     exit;
@@ -10,11 +10,22 @@ include_once "kvaccount.php";
 $kvProprio = kvRigaCliente(kvClienteSessione());
 $kvGettoneMail = kvRichiestaValida(kvCampo($HTTP_GET_VARS, 'g', 64)) === '' ? '' : kvCampo($HTTP_GET_VARS, 'g', 64);
 $kvDopo = in_array((int) kvCampo($HTTP_GET_VARS, 'm', 4), [23], true) ? 'ordine' : '';
-$kvNascosti = '<input type="hidden" name="gettone" value="' . kvGettone() . '">'
+$kvNascosti = '<input type="hidden" name="_charset_"><input type="hidden" name="gettone" value="' . kvGettone() . '">'
     . '<input type="hidden" name="dopo" value="' . $kvDopo . '">';
-if ($kvGettoneMail !== '') {
+$kvGettoneConto = kvRegistrazioneValida(kvCampo($HTTP_GET_VARS, 'r', 64)) === null ? '' : kvCampo($HTTP_GET_VARS, 'r', 64);
+if ($kvGettoneConto !== '') {
 ?>
-<form class="modulo" method="post" action="logcheck.php" accept-charset="windows-1252">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
+<h2><<4-registrazione_titolo>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="conferma">
+<input type="hidden" name="r" value="<?php echo kvHtml($kvGettoneConto); ?>">
+<p><button type="submit"><<4-registrazione_conferma>></button></p>
+</form>
+<?php
+} elseif ($kvGettoneMail !== '') {
+?>
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-password_richiesta>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="ripristina">
@@ -33,28 +44,28 @@ if ($kvGettoneMail !== '') {
         'indirizzo' => 'address-line1', 'cap' => 'postal-code', 'citta' => 'address-level2',
         'provincia' => 'address-level1', 'paese' => 'country-name', 'telefono' => 'tel'];
 ?>
-<p><<4-accesso_attivo>> (<?php echo kvHtml($kvProprio['email']); ?>)</p>
+<p><<4-accesso_attivo>> (<?php echo kvHtmlUtf8($kvProprio['email']); ?>)</p>
 <?php if ($clienteinattesa > 0) { ?>
 <p class="avviso" role="status"><<4-attesa_approvazione>></p>
 <?php } ?>
-<form class="modulo" method="post" action="logcheck.php">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="esci">
 <p><button type="submit"><<4-esci>></button> <a href="<?php echo $home; ?>"><<4-torna_al_negozio>></a></p>
 </form>
 <div class="colonne">
-<form class="modulo" method="post" action="logcheck.php" accept-charset="windows-1252">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-dati_cliente>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="dati">
 <?php foreach ($kvEtichette as $kvNome => $kvEtichetta) { ?>
 <label><?php echo kvHtml($kvEtichetta); ?> <input name="<?php echo $kvNome; ?>" maxlength="<?php
     echo KV_DATI_CLIENTE[$kvNome][1]; ?>" autocomplete="<?php echo $kvCompilazione[$kvNome]; ?>" value="<?php
-    echo kvHtml($kvProprio[$kvNome]); ?>"<?php echo $kvNome === 'nome' || $kvNome === 'cognome' ? ' required' : ''; ?>></label>
+    echo kvHtmlUtf8($kvProprio[$kvNome]); ?>"<?php echo $kvNome === 'nome' || $kvNome === 'cognome' ? ' required' : ''; ?>></label>
 <?php } ?>
 <p><button type="submit"><<4-salva>></button></p>
 </form>
-<form class="modulo" method="post" action="logcheck.php">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-password>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="password">
@@ -69,7 +80,7 @@ if ($kvGettoneMail !== '') {
 } else {
 ?>
 <div class="colonne">
-<form class="modulo" method="post" action="logcheck.php">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-accesso_titolo>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="entra">
@@ -77,10 +88,11 @@ if ($kvGettoneMail !== '') {
 <label><<4-password>> <input type="password" name="pw" maxlength="100" autocomplete="current-password" required></label>
 <p><button type="submit"><<4-entra>></button></p>
 </form>
-<form class="modulo" method="post" action="logcheck.php" accept-charset="windows-1252">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-registrazione_titolo>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="registra">
+<?php echo kvCampoEsca(); ?>
 <label><<4-ordine_nome>> <input name="nome" maxlength="100" autocomplete="given-name" required></label>
 <label><<4-ordine_cognome>> <input name="cognome" maxlength="100" autocomplete="family-name" required></label>
 <label><<4-ordine_email>> <input type="email" name="email" maxlength="190" autocomplete="email" required></label>
@@ -90,7 +102,7 @@ if ($kvGettoneMail !== '') {
   <span><<4-consenso_privacy>> (<a href="datipers.htm"><<4-menu_privacy>></a>)</span></label>
 <p><button type="submit"><<4-registrati>></button></p>
 </form>
-<form class="modulo" method="post" action="logcheck.php">
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-password_dimenticata>></h2>
 <?php echo $kvNascosti; ?>
 <input type="hidden" name="azione" value="richiedi">

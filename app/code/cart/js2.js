@@ -3,59 +3,19 @@
 // numbers alone: amounts in smallest units of the currency, thresholds and weights in ten-thousandths, rates in
 // millionths. What is sent with the order is the cart; the server works the order out anew.
 /* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa */
-/* global valuta, valuta2, exch, SecVal, sepmigl, sepdec, PutDec, PutDec2, scimp, scperc, scl */
+/* global scala, TestoImporto, Interi, Parte, ImportoRiga, scimp, scperc, scl */
 /* global SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, qminima, zonainiziale */
 /* global obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
 /* exported MostraCarrello, SpedPaese, CaricaDati, InviaOrdine */
 "use strict";
 
-const scala = PutDec === 1 ? 100 : 1;
 let listinoCorrente = 0;
-
-/** Smallest units as digits in the shop's notation, with two decimals or none. */
-function Formato(minimi, unita) {
-  const cifre = String(Math.abs(minimi)).padStart(unita === 100 ? 3 : 1, "0");
-  const taglio = unita === 100 ? cifre.length - 2 : cifre.length;
-  const intero = cifre.slice(0, taglio).replace(/\B(?=(\d{3})+$)/g, sepmigl);
-  return (minimi < 0 ? "-" : "") + intero + (unita === 100 ? sepdec + cifre.slice(taglio) : "");
-}
-
-/** Smallest units with the currency's label, in the second currency too where the shop shows one. */
-function TestoImporto(minimi) {
-  if (SecVal !== 1) {
-    return valuta + Formato(minimi, scala);
-  }
-  const unita = PutDec2 === 1 ? 100 : 1;
-  const secondo = Math.floor(Number((Math.abs(minimi) / scala / exch * unita).toPrecision(15)) + 0.5);
-  return valuta + Formato(minimi, scala) + " (" + valuta2 + Formato(minimi < 0 ? -secondo : secondo, unita) + ")";
-}
-
-/** A decimal of the build's tables as a whole number of its parts. */
-function Interi(valore, per) {
-  return Math.floor((Number(valore) || 0) * per + 0.5);
-}
-
-/** An amount by millionths, rounded half up. */
-function Parte(importo, milionesimi) {
-  return Math.floor(importo / 1e6) * milionesimi + Math.floor((importo % 1e6 * milionesimi + 500000) / 1e6);
-}
 
 /** A product of amount and millionths by other millionths, rounded half up once. */
 function ParteDoppia(prodotto, milionesimi) {
   const alto = Math.floor(prodotto / 1e6) * milionesimi;
   const basso = prodotto % 1e6 * milionesimi;
   return Math.floor(alto / 1e6) + Math.floor((alto % 1e6 * 1e6 + basso + 5e11) / 1e12);
-}
-
-/** The price of one piece of a line, by the factor of the highest quantity step reached. */
-function ImportoRiga(riga) {
-  let fattore = 1000000;
-  riga.s.forEach(function (passo) {
-    if (riga.q >= passo[0]) {
-      fattore = passo[1];
-    }
-  });
-  return Parte(Math.max(0, riga.p), Math.max(0, fattore));
 }
 
 /** The discount factor of the order in millionths: the customer's own percent, else the one by amount. */
@@ -222,9 +182,54 @@ function NoteRiga(cella, riga) {
   }
 }
 
+/** Whether a line keeps the order from being placed. */
+function DaCorreggere(riga) {
+  return !Comprabile(riga) || riga.q < qminima;
+}
+
+/** The reasons why the lines can't be ordered as they are, one sentence each. */
+function Motivi(righe) {
+  const motivi = righe.some(DaCorreggere) ? ["<<4-carrello_da_correggere>>"] : [];
+  const manca = Interi(minimo, scala) - totali(righe, 1, 0).merce;
+  if (manca > 0) {
+    motivi.push("<<4-carrello_minimo>>" + ": " + TestoImporto(Interi(minimo, scala)) + ". " + "<<4-carrello_manca>>" + ": " +
+      TestoImporto(manca) + ".");
+  }
+  return motivi;
+}
+
+/** Opens or closes the way to the order; a closed one says why. */
+function ApriOrdine(righe) {
+  const passo = document.getElementById("kv-ordina");
+  if (!passo) {
+    return;
+  }
+  passo.dataset.href = passo.dataset.href || passo.getAttribute("href");
+  let motivo = document.getElementById("kv-motivo");
+  if (!motivo) {
+    motivo = document.createElement("div");
+    motivo.id = "kv-motivo";
+    motivo.setAttribute("role", "status");
+    passo.parentElement.before(motivo);
+  }
+  const motivi = righe.length === 0 ? [] : Motivi(righe);
+  motivo.textContent = motivi.join(" ");
+  motivo.className = motivi.length > 0 ? "avviso" : "";
+  if (motivi.length > 0) {
+    passo.removeAttribute("href");
+    passo.setAttribute("role", "link");
+    passo.setAttribute("aria-disabled", "true");
+    passo.setAttribute("aria-describedby", "kv-motivo");
+  } else {
+    passo.href = passo.dataset.href;
+    passo.removeAttribute("aria-disabled");
+  }
+}
+
 /** The cells of one cart line; each carries its column's title for narrow screens. */
 function RigaCarrello(corpo, riga, nomi) {
   const celle = corpo.insertRow();
+  celle.className = DaCorreggere(riga) ? "da-correggere" : "";
   const cella = function (posto) {
     const nuova = celle.insertCell();
     nuova.dataset.titolo = nomi[posto];
@@ -280,6 +285,7 @@ function DisegnaCarrello() {
   }
   if (!document.Ordine) {
     ScriviTotali(document.getElementById("carrello-totali"), totali(righe, 1, 0), false);
+    ApriOrdine(righe);
   }
 }
 
@@ -308,7 +314,7 @@ function OffriMetodi(form, zona) {
 /** The order's totals for the chosen country and payment method; called at each change of either. */
 function SpedPaese() {
   const form = document.Ordine;
-  const zona = Number(form.LSStato.value);
+  const zona = parseInt(form.LSStato.value, 10);
   OffriMetodi(form, zona);
   const somme = totali(RigheServite(), form.Pagamento.selectedIndex + 1, zona);
   ScriviTotali(document.getElementById("carrello-totali"), somme, true);
@@ -333,7 +339,7 @@ function CaricaDati() {
       campo.value = valore;
     }
     if (nome === "paese" && valore !== "") {
-      const paese = Array.from(form.LSStato.options).findIndex(function (voce) { return voce.text === valore; });
+      const paese = Array.from(form.LSStato.options).findIndex(function (voce) { return NomePaese(voce) === valore || voce.text === valore; });
       form.LSStato.selectedIndex = paese >= 0 ? paese : form.LSStato.selectedIndex;
     }
   });
@@ -343,6 +349,11 @@ function CaricaDati() {
   form.Telefono.required = obbl_tel === 1;
   form.Maggiorenne.required = obbl_magg === 1;
   SpedPaese();
+}
+
+/** The country of an option in the shop's own words. */
+function NomePaese(voce) {
+  return voce.dataset.paese || voce.text;
 }
 
 /** Sets a hidden field of the order form, which gets it when the template has none. */
@@ -379,6 +390,6 @@ function InviaOrdine() {
   CampoNascosto(form, "Dettaglio", TestoCarrello(righe));
   CampoNascosto(form, "Totale", String(somme.totale));
   CampoNascosto(form, "Metodo", String(form.Pagamento.selectedIndex + 1));
-  CampoNascosto(form, "Paese", form.LSStato.options[form.LSStato.selectedIndex].text);
+  CampoNascosto(form, "Paese", NomePaese(form.LSStato.options[form.LSStato.selectedIndex]));
   return form.reportValidity();
 }

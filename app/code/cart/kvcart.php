@@ -5,6 +5,7 @@
 // so that nothing in the cart can be out of date or made up.
 include_once "kvtotals.php";
 include_once "kvvariant.php";
+include_once "kvstock.php";
 
 /** Most lines of a cart. */
 const KV_RIGHE = 200;
@@ -29,6 +30,12 @@ function kvVociCarrello(string $testo): array
         }
     }
     return $voci;
+}
+
+/** What tells a line from all others: the article and the keys of the chosen values. */
+function kvSegnoRiga(array $voce): string
+{
+    return rtrim($voce['id'] . '.' . implode('.', $voce['k']), '.');
 }
 
 /** A text as it is read: without tags, its entities as letters. */
@@ -59,7 +66,7 @@ function kvScelte(array $riga, array $chiavi, int $listino): ?array
         if ($valore === null) {
             return null;
         }
-        $scelte[] = $valore;
+        $scelte[] = $valore + ['variante' => $id];
     }
     return $scelte;
 }
@@ -79,10 +86,14 @@ function kvRigaCarrello(array $voce, ?array $riga): array
         return $vuota;
     }
     SetVariables($riga['catID']);
+    if ($inaccessibile[$listino]) {
+        // Whoever isn't let into a department learns nothing of its articles, not even by a number in a cookie.
+        return ['testo' => "<<4-articolo_riservato>>"] + $vuota;
+    }
     $vuota['codice'] = (string) $riga['codice'];
     $vuota['testo'] = kvNomeArticolo($riga);
     $scelte = kvScelte($riga, $voce['k'], $listino);
-    if ($scelte === null || $inaccessibile[$listino] || kvPrezziNascosti()) {
+    if ($scelte === null || kvPrezziNascosti()) {
         return $vuota;
     }
     $base = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala());
@@ -92,7 +103,7 @@ function kvRigaCarrello(array $voce, ?array $riga): array
         $base += kvDifferenza($valore['prezzo'], $riga);
         $peso += kvDecimillesimi($valore['peso']);
         if ($valore['codice'] !== '') {
-            $scorte[] = 'O' . $valore['codice'];
+            $scorte[] = kvChiaveValore($voce['id'], $valore['variante'], $valore['codice']);
         }
     }
     $passi = kvScaglioni($riga, $listino);
@@ -107,63 +118,6 @@ function kvRigaCarrello(array $voce, ?array $riga): array
         'peso' => max(0, $peso),
         'scorte' => $scorte,
     ] + $vuota;
-}
-
-/**
- * How many pieces there are of each key of kv_disponibilita; keys without a limit are missing, 0 is sold out. With
- * `riserva`, inside a transaction, the rows are held until its end. Null when the server refused.
- */
-function kvScorte(array $chiavi, bool $riserva = false): ?array
-{
-    if ($chiavi === []) {
-        return [];
-    }
-    // In the order of the key, so that two orders that want the same pieces wait for one another.
-    sort($chiavi, SORT_STRING);
-    $valori = [];
-    foreach ($chiavi as $chiave) {
-        array_push($valori, $chiave[0], substr($chiave, 1, 100));
-    }
-    $righe = kvQuery('SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE (tipo, chiave) IN ('
-        . implode(',', array_fill(0, count($chiavi), '(?,?)')) . ') ORDER BY tipo, chiave'
-        . ($riserva ? ' FOR UPDATE' : ''), $valori);
-    if ($righe === null) {
-        return null;
-    }
-    $scorte = [];
-    foreach ($righe as $riga) {
-        if (!$riga['disponibile']) {
-            $scorte[$riga['tipo'] . $riga['chiave']] = 0;
-        } elseif ($riga['quantita'] !== null) {
-            $scorte[$riga['tipo'] . $riga['chiave']] = max(0, (int) $riga['quantita']);
-        }
-    }
-    return $scorte;
-}
-
-/** How many pieces of each key the lines want together. */
-function kvRichieste(array $righe): array
-{
-    $richieste = [];
-    foreach ($righe as $riga) {
-        foreach ($riga['scorte'] as $chiave) {
-            $richieste[$chiave] = ($richieste[$chiave] ?? 0) + $riga['quantita'];
-        }
-    }
-    return $richieste;
-}
-
-/** The most pieces of a line that its stock allows, all other lines left as they are; null without a limit. */
-function kvMassimo(array $riga, array $richieste, array $scorte): ?int
-{
-    $massimo = null;
-    foreach ($riga['scorte'] as $chiave) {
-        if (isset($scorte[$chiave])) {
-            $resto = max(0, $scorte[$chiave] - $richieste[$chiave] + $riga['quantita']);
-            $massimo = $massimo === null ? $resto : min($massimo, $resto);
-        }
-    }
-    return $massimo;
 }
 
 /** The lines of a cart text, worked out; with `massimo` where stock limits a line. Three queries at most. */
@@ -215,7 +169,7 @@ function kvDatiCarrello(): string
     $dati = [];
     foreach (kvCarrelloVisitatore() as $riga) {
         $dati[] = [
-            'c' => rtrim($riga['id'] . '.' . implode('.', $riga['chiavi']), '.'), 'n' => kvUtf8($riga['testo']),
+            'c' => kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]), 'n' => kvUtf8($riga['testo']),
             'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'],
             'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'],
         ];

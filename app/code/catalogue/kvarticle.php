@@ -5,6 +5,7 @@
 // all others are columns of the row. Besides the columns a template may name: prezzo_barrato (the list price, only
 // where a lower one is asked), opzioni (all variant selectors), scaglioni (the quantity discounts in words), correlati
 // (links to the articles of the same group).
+include_once "kvhtml.php";
 
 function ViewArt(string $nome): string
 {
@@ -36,9 +37,59 @@ function ViewArt(string $nome): string
             return kvCorrelati($riga);
         case 'iva':
             return kvPrezziNascosti() ? '' : (string) ($riga['iva'] ?? '');
+        case 'immagine1':
+        case 'immagine2':
+        case 'immagine3':
+            return kvConLeggere((string) ($riga[$nome] ?? ''));
         default:
             return (string) ($riga[$nome] ?? '');
     }
+}
+
+/** The lighter forms of a picture that are in the site, by their widths in pixels; nothing without any. `src` is as
+ *  in a tag; `larghezza` is the picture's own width, 0 where it isn't known. */
+function kvForme(string $src, int $larghezza): array
+{
+    $file = rawurldecode(html_entity_decode($src, ENT_QUOTES, 'ISO-8859-1'));
+    if ($file === '' || strpbrk($file, "/\\:\0") !== false || !is_file($file . '.webp')) {
+        return [];
+    }
+    $forme = [$larghezza => $src . '.webp'];
+    foreach ($larghezza > 0 ? [960, 480] : [] as $misura) {
+        if ($misura < $larghezza && is_file("$file.$misura.webp")) {
+            $forme[$misura] = "$src.$misura.webp";
+        }
+    }
+    return $forme;
+}
+
+/** A tag of a picture within the offer of its lighter forms; the tag itself without any. */
+function kvConForme(string $tag, array $forme, string $misure): string
+{
+    if ($forme === []) {
+        return $tag;
+    }
+    if (count($forme) > 1) {
+        unset($forme[0]);  // without its width a form can't be one of several
+    }
+    ksort($forme);
+    $insieme = [];
+    foreach ($forme as $larghezza => $src) {
+        $insieme[] = str_replace(' ', '%20', $src) . ($larghezza > 0 ? " {$larghezza}w" : '');
+    }
+    $attributi = ['type' => 'image/webp', 'srcset' => implode(', ', $insieme)];
+    return '<picture>' . kvTag('source', $attributi + (isset($forme[0]) ? [] : ['sizes' => $misure])) . $tag . '</picture>';
+}
+
+/** A piece of HTML of the build whose pictures are offered in their lighter forms. */
+function kvConLeggere(string $html): string
+{
+    return preg_replace_callback('/<img\b[^>]*>/i', function (array $parti): string {
+        $attributi = kvAttributi(substr($parti[0], 4));
+        $larghezza = (int) ($attributi['width'] ?? 0);
+        $forme = kvForme((string) ($attributi['src'] ?? ''), $larghezza);
+        return kvConForme($parti[0], $forme, "(max-width: {$larghezza}px) 100vw, {$larghezza}px");
+    }, $html);
 }
 
 function kvVistaPrezzo(string $nome, array $riga): string
@@ -91,7 +142,7 @@ function VetImmagine(string $file, string $larghezza, string $altezza): string
         return '';
     }
     $misure = (int) $larghezza > 0 ? ' width="' . (int) $larghezza . '" height="' . (int) $altezza . '"' : '';
-    return '<img src="' . kvHtml($file) . '"' . $misure . ' alt="" loading="lazy">';
+    return kvConLeggere('<img src="' . kvHtml($file) . '"' . $misure . ' alt="" loading="lazy">');
 }
 
 /** A text as an argument between single quotes of a script that stands in the address of a link. */

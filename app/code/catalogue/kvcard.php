@@ -33,7 +33,12 @@ function kvTagImmagine(array $immagine, string $testo, bool $pigra = true, array
             $attributi += ['srcset' => implode(', ', $insieme), 'sizes' => $misure];
         }
     }
-    return kvTag('img', $attributi + ($pigra ? ['loading' => 'lazy'] : []) + ['decoding' => 'async']);
+    $forme = [];
+    foreach (array_merge([$immagine], $altre) as $altra) {
+        $forme += kvForme($altra['src'], (int) $altra['width']);
+    }
+    $tag = kvTag('img', $attributi + ($pigra ? ['loading' => 'lazy'] : []) + ['decoding' => 'async']);
+    return kvConForme($tag, $forme, $misure === '' ? "(max-width: {$immagine['width']}px) 100vw, {$immagine['width']}px" : $misure);
 }
 
 /** A piece of HTML of the build whose pictures say what they show. */
@@ -105,9 +110,17 @@ function kvPrezzo(): string
     $html .= '<strong class="prezzo">' . ViewArt('prezzo') . '</strong>';
     foreach (['iva', 'cambio'] as $nota) {
         $testo = ViewArt($nota);
-        $html .= $testo === '' ? '' : ' <span class="nota">' . kvPulito($testo) . '</span>';
+        $html .= $testo === '' ? '' : ' <span class="nota ' . $nota . '">' . kvPulito($testo) . '</span>';
     }
     return $html;
+}
+
+/** What the browser needs to show the price of the chosen values and pieces; nothing where prices are hidden. */
+function kvDatiPrezzo(array $riga): string
+{
+    return kvPrezziNascosti() ? '' : '<span class="kv-prezzo" hidden data-prezzo="'
+        . kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) . '" data-passi="'
+        . kvHtml((string) json_encode(kvScaglioni($riga, (int) $GLOBALS['listino']))) . '"></span>';
 }
 
 /** All rows of the department page; those that the loop has yet to read stay unread. */
@@ -130,22 +143,29 @@ function kvRighePagina($esito): array
 
 /**
  * The article that is shown alone: the one that the address asks for, or the only one of the page where `unica`. Null
- * for a list. To be called before the loop over the articles; an address that asks for more than there is shows all.
+ * for a list. To be called before the loop over the articles; an address that asks for what there isn't gets a page that
+ * says so, with status 404.
  */
 function kvArticoloSolo(bool $unica = false): ?array
 {
-    global $resultArt, $HTTP_GET_VARS;
+    global $resultArt, $HTTP_GET_VARS, $sp;
     $righe = kvRighePagina($resultArt);
     $posto = (int) $HTTP_GET_VARS['prod'];
-    if (!isset($righe[$posto - 1])) {
-        $HTTP_GET_VARS['prod'] = 0;
-        return $unica && count($righe) === 1 ? $righe[0] : null;
+    $pagina = (int) $HTTP_GET_VARS['n'];
+    if (!empty($GLOBALS['kvErrata']) || ($pagina > 0 && $pagina !== (int) $sp) || ($posto > 0 && !isset($righe[$posto - 1]))) {
+        kvNonTrovata();
     }
-    return $righe[$posto - 1];
+    return $posto > 0 ? $righe[$posto - 1] : ($unica && count($righe) === 1 ? $righe[0] : null);
 }
 
-/** Whether an article can be bought: it isn't sold out. */
+/** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */
 function kvDisponibile(array $riga): bool
+{
+    return kvArticoloDisponibile($riga) && kvVariantiDisponibili($riga);
+}
+
+/** Whether the article itself isn't sold out. */
+function kvArticoloDisponibile(array $riga): bool
 {
     // A department page has the stock beside the article.
     if (!array_key_exists('disponibile', $riga)) {
@@ -197,7 +217,8 @@ function kvModuloAcquista(array $riga, bool $intera): string
             . " min=\"$minimo\" max=\"99999\" required><button type=\"button\" data-passo=\"1\" aria-label=\""
             . kvHtml("<<4-piu>>") . '">+</button></div></div>'
         : "<input type=\"hidden\" name=\"qt$posto\" value=\"$minimo\">";
-    return "<form class=\"acquisto\" onsubmit=\"$chiamata; return false\">" . ($intera ? ViewArt('opzioni') : '') . $quantita
+    return '<form class="acquisto" method="post" action="kvcarrello.php" accept-charset="utf-8" onsubmit="' . $chiamata
+        . '; return false"><input type="hidden" name="compra" value="' . (int) $riga['ID'] . ".$posto\">" . ($intera ? ViewArt('opzioni') : '') . $quantita
         . '<button type="submit">' . kvHtml("<<4-acquista>>") . ($intera ? '' : '<span class="nascosto">: ' . $nome . '</span>')
         . '</button></form>';
 }
@@ -249,6 +270,22 @@ function kvCodiceValuta(): string
     return $segni[$etichetta] ?? (preg_match('/^[A-Z]{3}$/D', $etichetta) ? $etichetta : '');
 }
 
+/** An offer for each value of an article with one variant that has a limited value; none for all other articles. */
+function kvOfferteValori(array $riga, callable $offerta): array
+{
+    $varianti = array_values(kvVariantiRiga($riga, (int) $GLOBALS['listino']));
+    $offerte = [];
+    $limitati = 0;
+    foreach (count($varianti) === 1 ? (kvElencoVariante($varianti[0])['voci'] ?? []) : [] as $voce) {
+        $libera = kvValoreDisponibile($riga, $varianti[0], $voce['codice']);
+        $limitati += $libera ? 0 : 1;
+        $prezzo = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) + kvDifferenza($voce['prezzo'], $riga);
+        $offerte[] = ['name' => kvParola($voce['etichetta'])] + ($voce['codice'] === '' ? []
+            : ['sku' => kvUtf8($voce['codice'])]) + $offerta(kvNumeroScript(max(0, $prezzo), kvScala()), $libera && kvArticoloDisponibile($riga));
+    }
+    return $limitati > 0 ? $offerte : [];
+}
+
 /** An article as schema.org has it: Product with its Offer. A price that the visitor doesn't see isn't told either. */
 function kvDatiArticolo(array $riga, bool $disponibile): array
 {
@@ -260,12 +297,14 @@ function kvDatiArticolo(array $riga, bool $disponibile): array
     $valuta = kvCodiceValuta();
     if (!kvPrezziNascosti() && $valuta !== '') {
         $prezzo = kvNumeroScript(kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()), kvScala());
-        $dati['offers'] = ['@type' => 'Offer', 'price' => $prezzo, 'priceCurrency' => $valuta,
-            'availability' => 'https://schema.org/' . ($disponibile ? 'InStock' : 'OutOfStock'), 'url' => $dati['url']];
-        if (!$GLOBALS['ivacompresa']) {
-            $dati['offers']['priceSpecification'] = ['@type' => 'UnitPriceSpecification', 'price' => $prezzo,
-                'priceCurrency' => $valuta, 'valueAddedTaxIncluded' => false];
-        }
+        $offerta = fn(string $prezzo, bool $disponibile): array => ['@type' => 'Offer', 'price' => $prezzo,
+            'priceCurrency' => $valuta, 'availability' => 'https://schema.org/' . ($disponibile ? 'InStock' : 'OutOfStock'),
+            'url' => $dati['url']] + ($GLOBALS['ivacompresa'] ? [] : ['priceSpecification' => [
+            '@type' => 'UnitPriceSpecification', 'price' => $prezzo, 'priceCurrency' => $valuta,
+            'valueAddedTaxIncluded' => false]]);
+        $dati['offers'] = $offerta($prezzo, $disponibile);
+        $valori = kvOfferteValori($riga, $offerta);
+        $dati['offers'] = $valori === [] ? $dati['offers'] : $valori;
     }
     return array_filter($dati, fn($valore) => $valore !== '');
 }

@@ -72,13 +72,17 @@ function kvPrezzi(array $riga, int $listino, float $aliquota, float $fattore, bo
     return $prezzi;
 }
 
-/** Smallest units in the shop's notation (0: 1.000,00; 1: 1,000.00). */
+/** The notation of this page: the merchant's in the first language, in others that of their readers where it is known. */
+function kvNotazione(int $propria): int
+{
+    return "<<1-IDlingua>>" === '' ? $propria : (['it' => 0, 'de' => 0, 'en' => 1, 'fr' => 2]["<<4-codice_lingua>>"] ?? $propria);
+}
+
+/** Smallest units in a notation (0: 1.000,00; 1: 1,000.00; 2: 1 000,00, with a space that keeps the line together). */
 function kvFormato(int $minimi, int $scala, int $notazione): string
 {
-    $decimali = $scala === 100 ? 2 : 0;
-    return $notazione === 1
-        ? number_format($minimi / $scala, $decimali, '.', ',')
-        : number_format($minimi / $scala, $decimali, ',', '.');
+    list($decimale, $migliaia) = [[',', '.'], ['.', ','], [',', "\xA0"]][$notazione] ?? [',', '.'];
+    return number_format($minimi / $scala, $scala === 100 ? 2 : 0, $decimale, $migliaia);
 }
 
 /** Smallest units for scripts: decimal point, no thousands separator. */

@@ -1,5 +1,4 @@
 <?php
-// ***1.0.7***
 // The search of the shop: finds the words in code, title, subtitle, description and notes, and prints the page
 // search.htm with one row of results.htm for each article found. Departments closed to the visitor and hidden ones stay
 // out. Upper and lower case and accents don't count: "perche" finds "Perché".
@@ -91,12 +90,12 @@ function kvPagineRisultati(string $testo, int $pagina, int $pagine): string
         $ultima = $numero;
         $html .= $numero === $pagina
             ? ' <strong aria-current="page">' . $numero . '</strong>'
-            : ' <a href="kvsearch<<1-IDlingua>>.php?q=' . rawurlencode($testo) . '&amp;p=' . $numero . '">' . $numero . '</a>';
+            : ' <a href="kvsearch<<1-IDlingua>>.php?q=' . rawurlencode(kvUtf8($testo)) . '&amp;p=' . $numero . '">' . $numero . '</a>';
     }
     return $html;
 }
 
-$kvTesto = kvCampo($HTTP_GET_VARS, 'q', 100);
+$kvTesto = kvDaUtf8(kvCampo($HTTP_GET_VARS, 'q', 100));
 $kvParole = kvParole($kvTesto);
 $kvIntere = strpos(<<<'KORVANE_VALORI'
 <<1-java_sepsearch>>
@@ -110,6 +109,7 @@ $kvModello = (string) @file_get_contents("results.htm");
 $kvRisultati = '';
 $fpagina = [];
 foreach ($kvTrovati as $artFound => $rowArt) {
+    // A build changes this line where results lead to the single article.
     $fpagina[$artFound]=$rowArt["linkPage"].".php?n=".$rowArt["sottopagina"]."#".$rowArt["contatore"];
     $kvRisultati .= kvRigaRisultato($kvModello, $fpagina[$artFound], $rowArt);
 }

@@ -4,6 +4,7 @@
 // <<PRICE>>=WEIGHT#CODE|LABEL and whose text may hold <<importo>>: here the visitor's own difference goes in.
 // In the cart a value is known by a key of six letters made of its code and label in the shop's first language, so that
 // the cart survives a change of language, of prices and of the order of the values.
+include_once "kvstock.php";
 
 /** The variants that a row names for a listino. */
 function kvVariantiRiga(array $riga, int $listino): array
@@ -53,6 +54,8 @@ function kvLeggiVarianti(array $numeri): array
 /** The option elements of a built list: [attributes before value, price, weight, code, label, text of the element]. */
 function kvVociVariante(string $elenco): array
 {
+    // The build marks the default value with a star, which is for the selector alone.
+    $elenco = preg_replace('/(<option selected value="[^"]*) \*">/i', '$1">', $elenco);
     preg_match_all(
         '/<option ([^>]*?)value="<<\s*([-0-9.]*)>>=([^#"]*)#([^|"]*)\|([^"]*)">(.*?)<\/option>/is', $elenco, $voci,
         PREG_SET_ORDER);
@@ -106,23 +109,31 @@ function kvDifferenza(int $differenza, array $riga): int
     return kvMinimi(kvConIva($differenza, (float) $ivarep, (bool) $ivacompresa), kvScala());
 }
 
+/** One value of a selector; one that is sold out can't be chosen, not even where it is the default. */
+function kvOpzione(array $riga, string $chiave, array $voce, bool $disponibile): string
+{
+    $nascosti = kvPrezziNascosti();
+    $importo = $nascosti ? 0 : kvDifferenza($voce['prezzo'], $riga);
+    $testo = $nascosti
+        ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $voce['testo'])
+        : str_replace('<<importo>>', kvFormato(abs($importo), kvScala(), (int) $GLOBALS['notazione']), $voce['testo']);
+    $attributi = $disponibile ? $voce['attributi'] : 'disabled';
+    return '<option ' . ($attributi === '' ? '' : $attributi . ' ') . 'value="' . kvNumeroScript($importo, kvScala()) . '='
+        . $voce['peso'] . '#' . $voce['cifrato'] . '|' . $voce['etichetta'] . '" data-k="' . $chiave . '">' . $testo
+        . ($disponibile ? '' : ' - ' . kvHtml("<<4-esaurito>>")) . '</option>';
+}
+
 /** The selector of a variant slot with the visitor's price differences; empty without a variant. */
 function kvSelettore(array $riga, int $posto): string
 {
-    $variante = kvElencoVariante(kvVariante($riga, $posto, $GLOBALS['listino']));
+    $id = kvVariante($riga, $posto, $GLOBALS['listino']);
+    $variante = kvElencoVariante($id);
     if ($variante === null) {
         return '';
     }
-    $nascosti = kvPrezziNascosti();
     $opzioni = '';
     foreach ($variante['voci'] as $chiave => $voce) {
-        $importo = $nascosti ? 0 : kvDifferenza($voce['prezzo'], $riga);
-        $testo = $nascosti
-            ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $voce['testo'])
-            : str_replace('<<importo>>', kvFormato(abs($importo), kvScala(), (int) $GLOBALS['notazione']), $voce['testo']);
-        $opzioni .= '<option ' . ($voce['attributi'] === '' ? '' : $voce['attributi'] . ' ') . 'value="'
-            . kvNumeroScript($importo, kvScala()) . '=' . $voce['peso'] . '#' . $voce['cifrato'] . '|'
-            . $voce['etichetta'] . '" data-k="' . $chiave . '">' . $testo . '</option>';
+        $opzioni .= kvOpzione($riga, $chiave, $voce, kvValoreDisponibile($riga, $id, $voce['codice']));
     }
     return '<label class="opzione">' . kvTestoHtml($variante['nome']) . ' <select name="op' . $posto
         . (int) ($riga['contatore'] ?? 0) . '">' . $opzioni . '</select></label>';

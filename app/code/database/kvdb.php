@@ -1,8 +1,12 @@
 <?php
 // ***1.0.7***
 // The shop's database: one connection, opened at the first query, and the mysql_ calls that the generated pages make.
-// Data and pages are Windows-1252, which MySQL calls latin1. Whatever comes from a visitor goes in through kvQuery,
-// whose values are bound, never pasted.
+// Catalogue and pages are Windows-1252, which MySQL calls latin1; the tables of what visitors typed are UTF-8, and the
+// connection speaks whichever a statement asks for. Whatever comes from a visitor goes in through kvQuery, whose values
+// are bound, never pasted.
+
+/** The tables whose texts are UTF-8; a statement about one of them takes and gives UTF-8. */
+const KV_TABELLE_UTF8 = '/\bkv_(?:clienti|ordini|richieste|stato|parole)\b/';
 
 /** The lines of a block of settings. */
 function kvLinee(string $blocco): array
@@ -30,6 +34,18 @@ function kvServerDati(string $indirizzo): array
             $socket ? $parti[2] : null];
 }
 
+/** Ends the page: the shop can't be served for a moment. */
+function kvFuoriServizio(): void
+{
+    http_response_code(503);
+    header('Retry-After: 120');
+    header('Cache-Control: no-store');
+    while (ob_get_level() > 0 && @ob_end_clean()) {
+        continue;
+    }
+    die(function_exists('kvPaginaSola') ? kvPaginaSola("<<4-guasto>>") : "<<4-guasto>>");
+}
+
 /** The connection; ends the page with a notice when the server can't be reached. */
 function kvConnessione(): mysqli
 {
@@ -51,12 +67,20 @@ KORVANE_VALORI
     list($host, $porta, $socket) = kvServerDati($accesso[0]);
     if (!@mysqli_real_connect($nuova, $host, $accesso[1], $accesso[2], $accesso[3], $porta, $socket)) {
         error_log('Shop database: ' . mysqli_connect_error());
-        http_response_code(503);
-        header('Retry-After: 120');
-        die("<<4-guasto>>");
+        kvFuoriServizio();
     }
     $connessione = $nuova;
     return $connessione;
+}
+
+/** Lets the connection speak a character set: latin1, as it does from the start, or utf8mb4. */
+function kvCaratteri(string $insieme): void
+{
+    static $attuale = 'latin1';
+    $connessione = kvConnessione();
+    if ($insieme !== $attuale && mysqli_set_charset($connessione, $insieme)) {
+        $attuale = $insieme;
+    }
 }
 
 /**
@@ -65,6 +89,7 @@ KORVANE_VALORI
  */
 function kvEseguiLegata(string $sql, array $valori, ?array &$guasto = null)
 {
+    kvCaratteri(preg_match(KV_TABELLE_UTF8, $sql) ? 'utf8mb4' : 'latin1');
     $istruzione = mysqli_prepare(kvConnessione(), $sql);
     if ($istruzione === false) {
         $guasto = [mysqli_errno(kvConnessione()), mysqli_error(kvConnessione())];
@@ -148,20 +173,29 @@ final class KvRighe
     }
 }
 
+/** The keys of the sold out values of an article, one a line; the pattern of its keys stands for the mark. */
+const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE %s"
+    . ' AND (disponibile = 0 OR quantita <= 0))';
+
 /**
  * The articles of a page. Sorting them by a column of the last of three tables would make the server copy every text of
  * them to a temporary table, which takes longer than all the rest of the query; so they are sorted here. Where the
- * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't.
+ * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`.
  */
 function kvArticoliPagina(string $sql)
 {
     $esito = false;
+    kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
-        $esito = mysqli_query(kvConnessione(), str_replace(' WHERE ', " LEFT JOIN kv_disponibilita ON tipo = 'A' AND"
-            . " chiave = CAST($parti[1].ID AS CHAR CHARACTER SET latin1) WHERE ", $sql));
+        $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
+        $esauriti = sprintf(KV_ESAURITI, "CONCAT($id, '.%') COLLATE latin1_bin");
+        $esito = mysqli_query(kvConnessione(), str_replace([' WHERE ', " FROM $parti[1] "], [
+            " LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
+            ", $esauriti AS esauriti FROM $parti[1] "], $sql));
         if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
             include_once "kvtables.php";
             kvTabelle();
+            kvCaratteri('latin1');
         }
     }
     $esito = $esito === false ? mysqli_query(kvConnessione(), $sql) : $esito;
@@ -191,6 +225,7 @@ if (!function_exists('mysql_query')) {
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
             return kvArticoliPagina(substr($sql, 0, -27));
         }
+        kvCaratteri('latin1');
         return mysqli_query(kvConnessione(), $sql);
     }
 

@@ -1,10 +1,16 @@
 <?php
 // ***1.0.7***
 // The tables that live on the server alone: customers, orders, availability, requested passwords, failed attempts. No
-// publishing ever touches them. Shop and back office both read their definitions from this file, and both count failed
-// attempts by its functions; `query` is the caller's function for a statement with bound values (kvQuery, boQuery).
+// publishing ever touches them. Shop and back office both read their definitions from this file.
+include_once "kvlimits.php";
 
-/** Name and columns of each table. Texts are Windows-1252; InnoDB, since an order and its stock change together. */
+/** What the tables have become; a lower number in kv_stato asks for the steps of kvAggiornaTabelle. */
+const KV_TABELLE = 3;
+
+/**
+ * Name and columns of each table; InnoDB, since an order and its stock change together. Texts of visitors are UTF-8; the
+ * keys of availability and attempts are those of the catalogue and of hashes, in its own character set.
+ */
 function kvDefinizioni(): array
 {
     return [
@@ -16,57 +22,64 @@ function kvDefinizioni(): array
             . " provincia VARCHAR(60) NOT NULL DEFAULT '', paese VARCHAR(60) NOT NULL DEFAULT '',"
             . " telefono VARCHAR(60) NOT NULL DEFAULT '', listino TINYINT NOT NULL DEFAULT 0,"
             . " sconto DECIMAL(5,2) NOT NULL DEFAULT 0, approvato TINYINT NOT NULL DEFAULT 1,"
-            . " lingua VARCHAR(5) NOT NULL DEFAULT '', creato DATETIME NOT NULL",
+            . " provato TINYINT NOT NULL DEFAULT 0, lingua VARCHAR(5) NOT NULL DEFAULT '', creato DATETIME NOT NULL",
         'kv_ordini' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, codice VARCHAR(20) NOT NULL UNIQUE,"
             . " creato DATETIME NOT NULL, cliente INT NOT NULL DEFAULT 0, nome VARCHAR(255) NOT NULL,"
             . " email VARCHAR(190) NOT NULL, totale DECIMAL(12,2) NOT NULL, valuta VARCHAR(60) NOT NULL,"
             . " metodo VARCHAR(200) NOT NULL, stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL,"
-            . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo TEXT NOT NULL,"
+            . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo MEDIUMTEXT NOT NULL,"
             . " KEY creato (creato), KEY cliente (cliente)",
-        // tipo A: an article by its number; O: a value of a variant by its code. No row: available without limit.
+        // tipo A: an article by its number; V: article, variant and code of a value. No row: available without limit.
         'kv_disponibilita' => "tipo CHAR(1) NOT NULL, chiave VARCHAR(100) COLLATE latin1_bin NOT NULL,"
             . " disponibile TINYINT NOT NULL DEFAULT 1, quantita INT NULL, PRIMARY KEY (tipo, chiave)",
         'kv_richieste' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL,"
             . " creato DATETIME NOT NULL, gettone CHAR(64) NOT NULL UNIQUE, scade DATETIME NOT NULL,"
-            . " stato VARCHAR(20) NOT NULL, KEY email (email)",
+            . " stato VARCHAR(20) NOT NULL, dati TEXT NULL, KEY email (email)",
+        'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];
 }
 
-/** Makes the tables that aren't there yet. */
-function kvTabelle(?callable $query = null): void
+/** The columns of `dettaglio` that name an article's variants, for all price lists; `come` is the table's alias. */
+function kvColonneVarianti(string $come): string
+{
+    $colonne = [];
+    foreach (['', '_1', '_2', '_3', '_4', '_5', '_6', '_7', '_8', '_9'] as $listino) {
+        foreach ([1, 2, 3, 4] as $posto) {
+            $colonne[] = "$come.opzione$posto$listino";
+        }
+    }
+    return implode(', ', $colonne);
+}
+
+/** Makes the tables that aren't there yet, and brings those of an earlier shop up to date. */
+function kvTabelle(): void
 {
     foreach (kvDefinizioni() as $nome => $colonne) {
-        call_user_func($query ?? 'kvQuery',
-            "CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=latin1");
+        $insieme = preg_match(KV_TABELLE_UTF8, $nome) ? 'utf8mb4' : 'latin1';
+        kvQuery("CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=$insieme");
     }
+    include_once "kvupgrade.php";
+    kvAggiornaTabelle();
 }
 
-/** The name under which the failed attempts of one account from one address are kept: nothing that tells either. */
-function kvChiaveTentativi(string $dove, string $conto): string
+/** Sees to it that the tables are those of this release. To be called before visitors' words are written. */
+function kvTabellePronte(): void
 {
-    return hash('sha256', $dove . "\n" . strtolower($conto) . "\n" . ($_SERVER['REMOTE_ADDR'] ?? ''));
-}
-
-/** Whether `massimo` attempts of the last fifteen minutes bar another one. */
-function kvTroppiTentativi(string $chiave, callable $query, int $massimo = 5): bool
-{
-    $righe = $query('SELECT COUNT(*) AS n FROM kv_tentativi WHERE chiave = ? AND quando > NOW() - INTERVAL 15 MINUTE',
-        [$chiave]);
-    return $righe !== null && $righe !== [] && (int) $righe[0]['n'] >= $massimo;
-}
-
-/** Counts an attempt before its outcome is known, so that many at a time don't slip through; sweeps old ones. */
-function kvSegnaTentativo(string $chiave, callable $query): void
-{
-    $query('INSERT INTO kv_tentativi (chiave, quando) VALUES (?, NOW())', [$chiave]);
-    if (random_int(1, 50) === 1) {
-        $query('DELETE FROM kv_tentativi WHERE quando < NOW() - INTERVAL 1 DAY', []);
+    static $pronte = false;
+    if (!$pronte && (int) kvStato('tabelle') < KV_TABELLE) {
+        kvTabelle();
     }
+    $pronte = true;
 }
 
-/** Forgets the attempts of an account after a good one. */
-function kvAzzeraTentativi(string $chiave, callable $query): void
+/** A value that the shop keeps of itself; empty when there is none. */
+function kvStato(string $nome): string
 {
-    $query('DELETE FROM kv_tentativi WHERE chiave = ?', [$chiave]);
+    return (string) (kvRiga('SELECT valore FROM kv_stato WHERE nome = ?', [$nome])['valore'] ?? '');
+}
+
+function kvMettiStato(string $nome, string $valore): bool
+{
+    return kvQuery('REPLACE INTO kv_stato (nome, valore) VALUES (?, ?)', [$nome, $valore]) !== null;
 }

@@ -6,22 +6,15 @@
 include "funcs.php";
 include_once "kvcart.php";
 include_once "kvmail.php";
+include_once "kvtables.php";
+include_once "kvpaesi.php";
+include_once "kvplain.php";
 
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
 {
     kvAvvisa($motivo);
     kvVai("messaggio.htm");
-}
-
-/** The names of the options of a select of the build, with their values where they have any: [value or null, name]. */
-function kvVociSelect(string $select): array
-{
-    preg_match_all('/<option([^>]*)>(.*?)<\/option>/is', $select, $trovate, PREG_SET_ORDER);
-    return array_map(function (array $voce): array {
-        $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
-        return [$valore, kvTestoPiano($voce[2])];
-    }, $trovate);
 }
 
 /** The chosen payment method, counted from 1, and its name; ends the order when the shop has no such one. */
@@ -31,26 +24,33 @@ function kvMetodoOrdine(): array
 <<1-pagamento>>
 KORVANE_VALORI
     );
-    $metodo = (int) kvCampo($_POST, 'Metodo', 2);
+    $metodo = (int) kvCampo($_POST, kvCampo($_POST, 'Metodo', 2) === '' ? 'Pagamento' : 'Metodo', 2);
     if (!isset($metodi[$metodo - 1]) || !is_file('thankyou' . $metodo . '<<1-IDlingua>>.php')) {
         kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
     }
-    return [$metodo, $metodi[$metodo - 1][1]];
+    return [$metodo, kvUtf8($metodi[$metodo - 1]['nome'])];
 }
 
-/** The chosen country and its zone (1 to 8); the zone must be the one that the shop has the country in. */
+/**
+ * The chosen country in the shop's own words and its zone (1 to 8). The form sends "zone-position in the list"; one of a
+ * merchant's own template the zone and the country's name.
+ */
 function kvPaeseOrdine(): array
 {
     $paesi = kvVociSelect(<<<'KORVANE_VALORI'
 <<1-paesi>>
 KORVANE_VALORI
     );
-    $nome = kvTestoPiano(kvRigaCampo($_POST, 'Paese'));
-    $zona = kvCampo($_POST, 'LSStato', 2);
-    if (!in_array([$zona, $nome], $paesi, true) || (int) $zona < 1 || (int) $zona > 8) {
-        kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    $nome = preg_replace('/\s+/u', ' ', kvRigaCampo($_POST, 'Paese'));
+    list($zona, $posto) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
+    foreach ($paesi as $n => $paese) {
+        $scelto = $posto === '' ? kvUtf8($paese['nome']) === $nome : $posto === (string) $n;
+        if ($scelto && $paese['valore'] === $zona && (int) $zona >= 1 && (int) $zona <= 8) {
+            return [kvUtf8($paese['nome']), (int) $zona];
+        }
     }
-    return [$nome, (int) $zona];
+    kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    return ['', 0];
 }
 
 /** The form's fields, by the names of the order form; ends the order when a required one is missing or wrong. */
@@ -82,10 +82,17 @@ function kvModuloOrdine(array $dati): array
     return $campi;
 }
 
+/** The cart text of the form; that of the cookie where no script could fill it in. */
+function kvDettaglio(): string
+{
+    $testo = kvCampo($_POST, 'Dettaglio', 8000);
+    return $testo === '' && isset($_POST['senza_script']) ? kvCampo($_COOKIE, kvBiscottoCarrello(), 8000) : $testo;
+}
+
 /** The lines of the order from the form's cart text; ends the order when one can't be bought. */
 function kvRigheOrdine(array $dati): array
 {
-    $righe = kvRigheCarrello(kvCampo($_POST, 'Dettaglio', 8000));
+    $righe = kvRigheCarrello(kvDettaglio());
     if ($righe === []) {
         kvRifiutaOrdine("<<4-ordine_vuoto>>");
     }
@@ -118,7 +125,7 @@ function kvTotaliOrdine(array $righe, int $metodo, int $zona, array $dati): arra
     return $totali;
 }
 
-/** The order as plain text, for the mails and the back office. */
+/** The order as plain text in UTF-8, for the mails and the back office. */
 function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
 {
     $testo = $campi['Nome'] . ' ' . $campi['Cognome'] . "\r\n";
@@ -126,10 +133,17 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
         $testo .= $campi[$nome] === '' ? '' : $campi[$nome] . "\r\n";
     }
     $testo .= trim($campi['CAP'] . ' ' . $campi['Citta'] . ' ' . $campi['Provincia']) . "\r\n";
-    $testo .= $campi['Paese'] . "\r\n";
-    $testo .= "<<4-ordine_email>>: " . $campi['Email'] . "\r\n";
-    $testo .= $campi['Telefono'] === '' ? '' : "<<4-ordine_telefono>>: " . $campi['Telefono'] . "\r\n";
-    $testo .= "\r\n";
+    $testo .= kvUtf8(kvNomePaese(kvDaUtf8($campi['Paese']))) . "\r\n";
+    $testo .= kvUtf8("<<4-ordine_email>>: ") . $campi['Email'] . "\r\n";
+    $testo .= $campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n";
+    return $testo . "\r\n" . kvUtf8(kvConto($righe, $totali)) . kvUtf8("<<4-ordine_pagamento>>: ") . $campi['NomePagamento']
+        . "\r\n" . ($campi['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $campi['Note'] . "\r\n");
+}
+
+/** The lines and the totals of an order as plain text, in the page's character set. */
+function kvConto(array $righe, array $totali): string
+{
+    $testo = '';
     foreach ($righe as $riga) {
         $scelte = $riga['scelte'] === '' ? '' : ' (' . $riga['scelte'] . ')';
         $testo .= "<<4-carrello_articolo>>: " . $riga['testo'] . $scelte . "\r\n  "
@@ -142,9 +156,7 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
     foreach ($voci as $n => list($nome, $importo)) {
         $testo .= $importo === 0 && $n !== 2 ? '' : $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
     }
-    $testo .= "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
-    $testo .= "<<4-ordine_pagamento>>: " . $campi['NomePagamento'] . "\r\n";
-    return $testo . ($campi['Note'] === '' ? '' : "\r\n<<4-ordine_note>>: " . $campi['Note'] . "\r\n");
+    return $testo . "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
 }
 
 /** The order for the column `dati`: campi, righe and totali as JSON, amounts in units, weights as in the catalogue. */
@@ -158,7 +170,7 @@ function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): st
     }
     unset($totali['ammesso']);
     return (string) json_encode([
-        'campi' => array_map('kvUtf8', $campi),
+        'campi' => $campi,
         'righe' => $voci,
         'totali' => array_map(fn($importo) => $importo / $scala, $totali),
     ], JSON_INVALID_UTF8_SUBSTITUTE);
@@ -191,7 +203,7 @@ function kvScriviOrdine(string $codice, array $campi, array $totali, string $dat
         'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
         . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
         [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
-         kvNumeroScript($totali['totale'], kvScala()), trim($valuta[0]), $campi['NomePagamento'], 'nuovo',
+         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), $campi['NomePagamento'], 'nuovo',
          "<<1-IDlingua>>", $dati, $riepilogo]);
 }
 
@@ -203,7 +215,7 @@ function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepil
 {
     $dati = kvDatiOrdine($campi, $righe, $totali, kvScala());
     // The tables must stand before the transaction: making one would end it.
-    kvRiga('SELECT COUNT(*) FROM kv_ordini WHERE id = 0');
+    kvTabellePronte();
     kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
     for ($prova = 0; $prova < 5; $prova++) {
         $codice = date('ymd') . '-' . strtoupper(substr(hash('sha256', $gettone . ($prova ?: '')), 0, 6));
@@ -229,12 +241,22 @@ function kvPrendiOrdine(string $gettone): void
 {
     global $notazione;
     $dati = kvDatiNegozio();
+    kvTroppoPresto('kvRifiutaOrdine', "<<4-troppo_presto>>");
     $campi = kvModuloOrdine($dati);
     list($campi['Paese'], $zona) = kvPaeseOrdine();
     list($metodo, $campi['NomePagamento']) = kvMetodoOrdine();
     $righe = kvRigheOrdine($dati);
     $totali = kvTotaliOrdine($righe, $metodo, $zona, $dati);
+    if (isset($_POST['senza_script'])) {
+        // Nobody orders without having seen the sum, which no script could show in the form.
+        $GLOBALS['kvConferma'] = kvConfermaOrdine(kvConto($righe, $totali), $totali, kvDettaglio());
+        return;
+    }
     $riepilogo = kvRiepilogoOrdine($campi, $righe, $totali);
+    if (!kvAmmetti(kvChiaveTentativi('ordine', ''), 'ordini')
+        || !kvAmmetti(kvChiaveConto('ordine', $campi['Email']), 'ordini_email')) {
+        kvRifiutaOrdine("<<4-troppi_tentativi>>");
+    }
     list($codice, $nuovo) = kvSalvaOrdine($campi, $righe, $totali, $riepilogo, $gettone);
     $pagina = 'thankyou' . $metodo . '<<1-IDlingua>>.php';
     $_SESSION['ordine'] = $codice;
@@ -242,7 +264,8 @@ function kvPrendiOrdine(string $gettone): void
     unset($_SESSION['gettone']);
     setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
     if ($nuovo) {
-        kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email']);
+        $anonimo = kvUtf8(kvConto($righe, $totali) . "<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n";
+        kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email'], $anonimo);
     }
     kvVai($pagina);
 }
@@ -253,7 +276,7 @@ if (isset($_SESSION['ordini'][$kvForma])) {
     list($_SESSION['ordine'], $kvPagina) = $_SESSION['ordini'][$kvForma];
     kvVai($kvPagina);
 }
-if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvCampo($_POST, 'Dettaglio', 8000) === '') {
+if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvDettaglio() === '') {
     kvRifiutaOrdine("<<4-ordine_vuoto>>");
 }
 if (!kvGettoneValido()) {
@@ -263,3 +286,4 @@ if (($cliente === 0 && $regobbl) || kvAcquistoNegato()) {
     kvVai("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
 kvPrendiOrdine($kvForma);
+include "messaggio.htm";

@@ -8,6 +8,11 @@ var lingua = "<<1-IDlingua>>";
 var valuta = "", valuta2 = "", exch = 1, SecVal = 0, sepmigl = ".", sepdec = ",", PutDec = 1, PutDec2 = 1;
 var scimp = new Array(0, 0, 0, 0, 0, 0, 0, 0, 0, 0), scperc = new Array(1, 1, 1, 1, 1, 1, 1, 1, 1, 1);
 <<1-java_valuta>>
+// Pages of the first language write amounts as the merchant chose, the others as their readers do.
+if (lingua !== "" && ["en", "fr", "it", "de"].indexOf("<<4-codice_lingua>>") >= 0) {
+  sepmigl = { en: ",", fr: "\u00a0" }["<<4-codice_lingua>>"] || ".";
+  sepdec = "<<4-codice_lingua>>" === "en" ? "." : ",";
+}
 var impord1, impspese1, impord2, impspese2, impspese3;
 var imppeso1, imppeso2, imppeso3, imppeso4, imppeso5, imppeso6, imppeso7, imppeso8, imppeso9;
 var impspp1, impspp2, impspp3, impspp4, impspp5, impspp6, impspp7, impspp8, impspp9, impspp10;

@@ -4,8 +4,11 @@
 // pieces and the keys of the chosen variant values by slot, joined by "." ("12.3.a1b2c3_45.1"). Names and prices never
 // stand in it: cart and order page have them from the server.
 /* global idnegozio, qminima, autoredirect, checkcookies */
+/* global valuta, valuta2, exch, SecVal, sepmigl, sepdec, PutDec, PutDec2 */
 /* exported Acquista, SvuotaCarrello, RepGoTo, SubmitSearchForm, PopupImage */
 "use strict";
+
+const scala = PutDec === 1 ? 100 : 1;
 
 const biscottoCarrello = "kvstore_cart" + idnegozio;
 const indirizzoNegozio = "<<1-perl_shopURL>>";
@@ -92,6 +95,76 @@ function Avvisa(testo) {
   Avvisa.attesa = setTimeout(function () { posto.classList.remove("visibile"); }, 4000);
 }
 
+/** Smallest units as digits in the shop's notation, with two decimals or none. */
+function Formato(minimi, unita) {
+  const cifre = String(Math.abs(minimi)).padStart(unita === 100 ? 3 : 1, "0");
+  const taglio = unita === 100 ? cifre.length - 2 : cifre.length;
+  const intero = cifre.slice(0, taglio).replace(/\B(?=(\d{3})+$)/g, sepmigl);
+  return (minimi < 0 ? "-" : "") + intero + (unita === 100 ? sepdec + cifre.slice(taglio) : "");
+}
+
+/** Smallest units with the currency's label, in the second currency too where the shop shows one. */
+function TestoImporto(minimi) {
+  if (SecVal !== 1) {
+    return valuta + Formato(minimi, scala);
+  }
+  return valuta + Formato(minimi, scala) + " (" + TestoCambio(minimi) + ")";
+}
+
+/** Smallest units in the second currency, with its label. */
+function TestoCambio(minimi) {
+  const unita = PutDec2 === 1 ? 100 : 1;
+  const secondo = Math.floor(Number((Math.abs(minimi) / scala / exch * unita).toPrecision(15)) + 0.5);
+  return valuta2 + Formato(minimi < 0 ? -secondo : secondo, unita);
+}
+
+/** A decimal of the build's tables as a whole number of its parts. */
+function Interi(valore, per) {
+  return Math.floor((Number(valore) || 0) * per + 0.5);
+}
+
+/** An amount by millionths, rounded half up. */
+function Parte(importo, milionesimi) {
+  return Math.floor(importo / 1e6) * milionesimi + Math.floor((importo % 1e6 * milionesimi + 500000) / 1e6);
+}
+
+/** The price of one piece of a line, by the factor of the highest quantity step reached. */
+function ImportoRiga(riga) {
+  let fattore = 1000000;
+  riga.s.forEach(function (passo) {
+    if (riga.q >= passo[0]) {
+      fattore = passo[1];
+    }
+  });
+  return Parte(Math.max(0, riga.p), Math.max(0, fattore));
+}
+
+/** Shows the price of one piece of an article as chosen: with the values of its variants and the pieces typed. */
+function SeguiPrezzo(dati) {
+  const articolo = dati.closest("article");
+  const prezzo = articolo.querySelector("strong.prezzo");
+  const cambio = articolo.querySelector(".cambio");
+  const campo = articolo.querySelector("input[name^=qt]");
+  const scelte = Array.from(articolo.querySelectorAll("select[name^=op]"));
+  const aggiorna = function () {
+    const somma = scelte.reduce(function (parte, scelta) {
+      return parte + (scelta.value === "" ? 0 : Math.round(parseFloat(scelta.value) * scala));
+    }, Number(dati.dataset.prezzo));
+    const pezzi = Math.max(1, Math.floor(Number(campo ? campo.value : 1)) || 1);
+    const importo = ImportoRiga({ p: somma, q: pezzi, s: JSON.parse(dati.dataset.passi) });
+    prezzo.textContent = valuta + Formato(importo, scala);
+    if (cambio && SecVal === 1) {
+      cambio.textContent = TestoCambio(importo);
+    }
+  };
+  if (prezzo && (scelte.length > 0 || dati.dataset.passi !== "[]")) {
+    articolo.addEventListener("change", aggiorna);
+    articolo.addEventListener("input", aggiorna);
+    // The browser may have kept what was chosen before.
+    aggiorna();
+  }
+}
+
 /** The key of the chosen value of a variant selector; empty when the page has none of that name. */
 function Variante(nome) {
   const scelta = document.getElementsByName(nome)[0];
@@ -168,6 +241,7 @@ function PopupImage(file, larghezza, altezza) {
 document.addEventListener("DOMContentLoaded", function () {
   PostoAvviso();
   ContaCarrello();
+  document.querySelectorAll(".kv-prezzo").forEach(SeguiPrezzo);
   if (checkcookies === 1 && !navigator.cookieEnabled) {
     Avvisa("<<4-cookie_necessari>>");
   }

@@ -1,10 +1,11 @@
 <?php
 // ***1.0.7***
-// What surrounds a page: the request's values, the answer's headers, the session, and the one escape function for
-// texts that go into HTML. Texts are Windows-1252; what a visitor typed beyond it arrives from the browser as numeric
-// references (&#322;), which stay whole through all of this.
+// What surrounds a page: the request's values, the answer's headers, the session, and the escape function for texts
+// that go into HTML. Pages and catalogue are Windows-1252; what a visitor typed is UTF-8 from the form to the mail, see
+// kvutf8.php.
+include_once "kvutf8.php";
 
-/** A text as HTML: the only way in which a visitor's words reach a page. */
+/** A text of the catalogue or of a module as HTML; numeric references in it stay what they are. */
 function kvHtml(?string $testo): string
 {
     $html = htmlspecialchars((string) $testo, ENT_QUOTES | ENT_SUBSTITUTE, 'cp1252');
@@ -24,44 +25,6 @@ function TestoSemplice(string $html): string
     return kvHtml(trim(preg_replace('/\s+/', ' ', $parole)));
 }
 
-/** Code points of the bytes 80 to 9F of Windows-1252. Source: the table of the WHATWG Encoding Standard. */
-const KV_CP1252 = [0x20AC, 0x81, 0x201A, 0x192, 0x201E, 0x2026, 0x2020, 0x2021, 0x2C6, 0x2030, 0x160, 0x2039, 0x152,
-    0x8D, 0x17D, 0x8F, 0x90, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x2DC, 0x2122, 0x161, 0x203A,
-    0x153, 0x9D, 0x17E, 0x178];
-
-/** A text in UTF-8, as JSON, mails and cookies want it; numeric references become their letters. */
-function kvUtf8(string $testo): string
-{
-    static $lettere = [];
-    if ($lettere === []) {
-        for ($byte = 0x80; $byte < 0x100; $byte++) {
-            $lettere[chr($byte)] = kvLettera($byte < 0xA0 ? KV_CP1252[$byte - 0x80] : $byte);
-        }
-    }
-    if (preg_match('/[\x80-\xFF]/', $testo)) {
-        $testo = strtr($testo, $lettere);
-    }
-    return strpos($testo, '&#') === false ? $testo
-        : preg_replace_callback('/&#(\d{2,7});/', fn($n) => kvLettera((int) $n[1]), $testo);
-}
-
-/** The UTF-8 letter of a code point; nothing for one that is none or steers the text. Source: RFC 3629, section 3. */
-function kvLettera(int $punto): string
-{
-    if ($punto < 0x20 || $punto === 0x7F || ($punto >= 0xD800 && $punto < 0xE000) || $punto > 0x10FFFF) {
-        return '';
-    }
-    if ($punto < 0x80) {
-        return chr($punto);
-    }
-    if ($punto < 0x800) {
-        return chr(0xC0 | $punto >> 6) . chr(0x80 | $punto & 0x3F);
-    }
-    $coda = chr(0x80 | $punto >> 6 & 0x3F) . chr(0x80 | $punto & 0x3F);
-    return $punto < 0x10000 ? chr(0xE0 | $punto >> 12) . $coda
-        : chr(0xF0 | $punto >> 18) . chr(0x80 | $punto >> 12 & 0x3F) . $coda;
-}
-
 /** The number that tells this shop from others on the same host. */
 function kvNegozio(): string
 {
@@ -70,11 +33,14 @@ function kvNegozio(): string
 
 /**
  * Gives the request's values the names that the generated pages read. `n` and `prod` reach SQL: they are always
- * there and always whole numbers.
+ * there and always whole numbers. $kvErrata tells that one of them was none that a page can have.
  */
 function kvPreparaRichiesta(): void
 {
+    $GLOBALS['kvErrata'] = false;
     foreach (['n', 'prod'] as $nome) {
+        $detto = $_GET[$nome] ?? '';
+        $GLOBALS['kvErrata'] = $GLOBALS['kvErrata'] || !is_string($detto) || !preg_match('/^(?:[1-9]\d{0,8})?$/D', $detto);
         $_GET[$nome] = isset($_GET[$nome]) && is_string($_GET[$nome]) ? (int) $_GET[$nome] : 0;
     }
     $GLOBALS['HTTP_GET_VARS'] = $_GET;
@@ -108,17 +74,26 @@ KORVANE_VALORI
     ob_start('kvPaginaFinita');
 }
 
-/** A text of a form, trimmed, of at most `massimo` bytes; empty when absent. Browsers send it as Windows-1252. */
+/**
+ * A text of a form in UTF-8, trimmed, of at most `massimo` characters; empty when absent. Forms are sent as UTF-8 and say
+ * so in `_charset_`; one of a merchant's own template may still come as Windows-1252, with references for what that lacks.
+ * Source: HTML Living Standard, section 4.10.21.4 (the field _charset_).
+ */
 function kvCampo(array $modulo, string $nome, int $massimo = 200): string
 {
     $valore = $modulo[$nome] ?? '';
-    return is_string($valore) ? rtrim(substr(trim(str_replace("\0", '', $valore)), 0, $massimo)) : '';
+    if (!is_string($valore)) {
+        return '';
+    }
+    $insieme = $modulo['_charset_'] ?? '';
+    $valore = kvTestoInviato($valore, is_string($insieme) && strcasecmp($insieme, 'utf-8') === 0);
+    return rtrim(kvTaglia(trim(str_replace("\0", '', $valore)), $massimo));
 }
 
 /** The same on one line, as names, addresses and whatever reaches the head of a mail must be. */
 function kvRigaCampo(array $modulo, string $nome, int $massimo = 200): string
 {
-    return trim(preg_replace('/[\x00-\x1f\x7f]+/', ' ', kvCampo($modulo, $nome, $massimo)));
+    return trim(preg_replace('/[\x00-\x1f\x7f\x{85}\x{2028}\x{2029}]+/u', ' ', kvCampo($modulo, $nome, $massimo)));
 }
 
 /** Where the shop's cookies hold: the folder of its pages. */
@@ -165,8 +140,16 @@ function kvGettone(): string
     }
     if (!isset($_SESSION['gettone'])) {
         $_SESSION['gettone'] = bin2hex(random_bytes(16));
+        $_SESSION['gettone_ora'] = time();
     }
     return $_SESSION['gettone'];
+}
+
+/** A field that nobody sees and only a program fills. */
+function kvCampoEsca(): string
+{
+    return '<div class="nascosto" aria-hidden="true"><label>' . kvHtml("<<4-lasciare_vuoto>>")
+        . ' <input name="kv_sito" tabindex="-1" autocomplete="off"></label></div>';
 }
 
 function kvGettoneValido(): bool
@@ -181,6 +164,52 @@ function kvAvvisa(string $html): void
     if (kvSessione(true)) {
         $_SESSION['avviso'] = $html;
     }
+}
+
+/** Does something when the visitor has the answer already: what takes long, and what shouldn't show by its time. */
+function kvDopoRisposta(callable $lavoro): void
+{
+    register_shutdown_function(function () use ($lavoro): void {
+        ignore_user_abort(true);
+        if (session_status() === PHP_SESSION_ACTIVE) {
+            session_write_close();
+        }
+        if (!headers_sent() && http_response_code() === 303) {
+            header('Content-Length: 0');
+            header('Connection: close');
+        }
+        while (ob_get_level() > 0 && @ob_end_flush()) {
+            continue;
+        }
+        flush();
+        if (function_exists('fastcgi_finish_request')) {
+            fastcgi_finish_request();
+        }
+        $lavoro();
+    });
+}
+
+/** Ends with a page that says that there is none at this address. */
+function kvNonTrovata(): void
+{
+    http_response_code(404);
+    while (ob_get_level() > 1) {
+        ob_end_clean();
+    }
+    ob_clean();
+    extract($GLOBALS, EXTR_SKIP);
+    $kvConferma = '<p class="avviso" role="status">' . kvHtml("<<4-pagina_inesistente>>") . '</p>';
+    include "messaggio.htm";
+    exit;
+}
+
+/** A whole page with one notice, for when nothing else can be shown. */
+function kvPaginaSola(string $avviso): string
+{
+    return '<!DOCTYPE html><html lang="<<4-codice_lingua>>"><head><meta charset="windows-1252"><meta name="viewport"'
+        . ' content="width=device-width, initial-scale=1"><meta name="robots" content="noindex"><title>'
+        . kvHtml("<<4-messaggio>>") . '</title></head><body><main><h1>' . kvHtml("<<4-messaggio>>") . '</h1><p>'
+        . kvHtml($avviso) . '</p><p><a href="">' . kvHtml("<<4-riprova>>") . '</a></p></main></body></html>';
 }
 
 /** Goes to another page of the shop and ends. */
@@ -227,11 +256,18 @@ function LoadDatiCliente(): string
     return kvDatiCliente((int) $GLOBALS['cliente']);
 }
 
-/** Whether each line of the visitor's cart can be bought: a letter for each, "1" or "0". */
+/**
+ * Whether each line of the visitor's cart can be bought: a letter for each, "1" or "0". The order page doesn't open with
+ * a line that can't: the cart does, which says which one and why.
+ */
 function CheckDispCart(): string
 {
     include_once "kvcart.php";
-    return kvLettereCarrello();
+    $lettere = kvLettereCarrello();
+    if (strpos($lettere, '0') !== false && basename((string) ($_SERVER['SCRIPT_NAME'] ?? '')) === "order.htm") {
+        kvVai("cart.htm");
+    }
+    return $lettere;
 }
 
 /** The lines of the visitor's cart as cart and order page need them: JSON that may stand in a script element. */

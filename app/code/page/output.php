@@ -5,6 +5,10 @@
 if (!defined('KORVANE_SHOP')) {
     exit;
 }
+if (isset($kvConferma)) {
+    echo $kvConferma;
+    return;
+}
 $kvMessaggi = [
     1 => "<<4-accesso_errato>>",
     2 => "<<4-registrazione_incompleta>>",
@@ -17,6 +21,8 @@ $kvMessaggi = [
     9 => "<<4-password_cambiata>>",
     10 => "<<4-password_inviata>>",
     12 => "<<4-password_scaduta>>",
+    13 => "<<4-registrazione_inviata>>",
+    14 => "<<4-troppo_presto>>",
     23 => "<<4-registrazione_obbligatoria>>",
     37 => "<<4-listino_obbligatorio>>",
     53 => "<<4-articolo_non_disponibile>>",

@@ -22,13 +22,23 @@ function kvOrdineInCorso(): ?array
 /** One value of that order as HTML text: codice, totale (decimal point), nome, email, riepilogo... */
 function kvOrdine(string $nome): string
 {
-    return kvHtml((string) (kvOrdineInCorso()[$nome] ?? ''));
+    return kvHtmlUtf8((string) (kvOrdineInCorso()[$nome] ?? ''));
 }
 
 /** Whether that order still waits for its money. */
 function kvDaPagare(): bool
 {
     return in_array(kvOrdineInCorso()['stato'] ?? '', ['nuovo', 'rifiutato'], true);
+}
+
+/**
+ * What the page behind a payment says. Anybody can open its address, and some services lead here whatever came of the
+ * payment: it says "paid" where the order is known to be.
+ */
+function kvEsitoMostrato(string $testo): string
+{
+    $pagato = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
+    return $pagato || kvFile() !== "payok<<1-IDlingua>>.php" ? $testo : kvHtml("<<4-pagamento_da_confermare>>");
 }
 
 /** The order's total in the smallest unit of the currency: cents. */

@@ -28,11 +28,10 @@ function kvInizioPagamento(): array
         kvVai("messaggio<<1-IDlingua>>.php");
     }
     $chiave = kvChiaveTentativi('pagamento', $ordine['codice']);
-    if (kvTroppiTentativi($chiave, 'kvQuery', 10)) {
+    if (!kvAmmetti($chiave, 'pagamenti')) {
         kvAvvisa("<<4-troppi_tentativi>>");
         kvVai("messaggio<<1-IDlingua>>.php");
     }
-    kvSegnaTentativo($chiave, 'kvQuery');
     return array_map('strval', (array) ($_SESSION['conto'] ?? []));
 }
 
@@ -74,7 +73,7 @@ function kvStatoDopo(array $ordine, string $riferimento, bool $pagato): ?string
         return $pagato && $ordine['pagamento'] === $riferimento ? $ordine['stato'] : null;
     }
     if ($pagato) {
-        return in_array($ordine['stato'], ['nuovo', 'rifiutato', 'da verificare'], true) ? 'pagato' : $ordine['stato'];
+        return in_array($ordine['stato'], ['nuovo', 'rifiutato', 'da verificare', 'importo diverso'], true) ? 'pagato' : $ordine['stato'];
     }
     return in_array($ordine['stato'], ['nuovo', 'da verificare'], true) ? 'rifiutato' : $ordine['stato'];
 }
@@ -101,6 +100,14 @@ function kvRegistraPagamento(string $codice, string $modulo, string $transazione
     return false;
 }
 
+/** Marks an order of which another amount or currency was paid: the merchant has to look. The status of the answer. */
+function kvImportoDiverso(array $ordine): int
+{
+    kvQuery("UPDATE kv_ordini SET stato = 'importo diverso' WHERE id = ? AND pagamento = ''"
+        . " AND stato IN ('nuovo', 'rifiutato', 'da verificare')", [(int) $ordine['id']]);
+    return 409;
+}
+
 /**
  * Checks what a service says, in the fields negozio, ordine, importo, valuta, transazione and esito, signed in this
  * order with the key in the field firma; and notes it. Result: the status of the answer. 403: not from the service, or
@@ -120,8 +127,10 @@ function kvAccettaEsito(array $detto, string $modulo, array $conto): int
     if ($ordine === null) {
         return 404;
     }
-    if ($campi['importo'] !== (string) kvCentesimi($ordine) || $campi['valuta'] !== $conto['valuta']
-        || !in_array($campi['esito'], ['OK', 'KO'], true)) {
+    if ($campi['importo'] !== (string) kvCentesimi($ordine) || $campi['valuta'] !== $conto['valuta']) {
+        return $campi['esito'] === 'OK' ? kvImportoDiverso($ordine) : 409;
+    }
+    if (!in_array($campi['esito'], ['OK', 'KO'], true)) {
         return 409;
     }
     $noto = kvRegistraPagamento((string) $ordine['codice'], $modulo, $campi['transazione'], $campi['esito'] === 'OK');

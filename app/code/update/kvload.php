@@ -199,3 +199,36 @@ function kvDiagnosi(): string
     $testo .= 'extensions: ' . implode(' ', $estensioni) . "\n";
     return $testo . 'mysqli: ' . (function_exists('mysqli_get_client_info') ? mysqli_get_client_info() : 'no') . "\n";
 }
+
+/** Seconds for which a caller who knew the word may ask for the diagnosis, which the program does after a failure. */
+const KV_DIAGNOSI = 600;
+
+/** Where it is kept who may ask for the diagnosis: outside the folder that the web sees. */
+function kvFileDiagnosi(): string
+{
+    return rtrim(sys_get_temp_dir(), '/\\') . '/kvdiagnosi' . substr(hash('sha256', __DIR__), 0, 16);
+}
+
+/** What lets a caller's address ask until a moment: others on the host can't make it without the database's password. */
+function kvFirmaDiagnosi(string $fino): string
+{
+    return hash_hmac('sha256', $fino . ' ' . ($_SERVER['REMOTE_ADDR'] ?? ''), <<<'KORVANE_VALORI'
+<<1-db_hostname>>
+<<1-db_password>>
+KORVANE_VALORI
+    );
+}
+
+/** Lets the caller, who knew the word, ask for the diagnosis. It can't without a folder for such files. */
+function kvAmmettiDiagnosi(): void
+{
+    $fino = (string) (time() + KV_DIAGNOSI);
+    @file_put_contents(kvFileDiagnosi(), $fino . ' ' . kvFirmaDiagnosi($fino));
+}
+
+/** Whether the caller may ask for the diagnosis. */
+function kvDiagnosiAmmessa(): bool
+{
+    list($fino, $firma) = explode(' ', (string) @file_get_contents(kvFileDiagnosi(), false, null, 0, 200)) + [1 => ''];
+    return (int) $fino > time() && hash_equals(kvFirmaDiagnosi($fino), $firma);
+}

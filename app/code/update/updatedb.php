@@ -2,7 +2,8 @@
 // ***1.0.7***
 // Loads the SQL files that came with the last publishing into the database: dbdel.sql, which drops the shop's tables,
 // then db.sql. The caller proves itself with the word that stands behind "#" on the files' first line; the answer is
-// "OK" or a description of what failed. Files that were loaded are removed. With ?w=phpinfo it shows what PHP is here.
+// "OK" or a description of what failed. Files that were loaded are removed. With ?w=phpinfo it shows what PHP is here, to
+// whoever has just proven themselves; to all others that there is one.
 include_once "kvdb.php";
 include_once "kvload.php";
 
@@ -10,7 +11,7 @@ header('Content-Type: text/plain; charset=windows-1252');
 header('Cache-Control: no-store');
 header('X-Content-Type-Options: nosniff');
 if (($_GET['w'] ?? '') === 'phpinfo') {
-    die(kvDiagnosi());
+    die(kvDiagnosiAmmessa() ? kvDiagnosi() : "PHP attivo\n");
 }
 ignore_user_abort(true);
 @set_time_limit(0);
@@ -22,6 +23,7 @@ if ($kvVia === null || $kvNuovo === null || !hash_equals($kvNuovo['parola'], $kv
     || !hash_equals($kvVia['parola'], $kvParola)) {
     die('accesso al database non autorizzato');
 }
+kvAmmettiDiagnosi();
 kvProteggiSql($kvFile);
 $kvEsito = kvCaricaTutto($kvVia, $kvNuovo);
 if ($kvEsito === '') {

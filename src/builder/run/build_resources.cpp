@@ -3,6 +3,7 @@
 #include <array>
 
 #include "builder/run/build_phases.h"
+#include "builder/run/light_pictures.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 #include "tags/package/template_package.h"
@@ -79,16 +80,41 @@ Result<> copyTemplateResources(const PageFacts& facts, BuildOutput& output, cons
   return {};
 }
 
+/// The lighter forms of a picture go beside it.
+Result<> copyForms(LightFolder& light, const std::string& picture, const std::vector<std::string>& pictures,
+                   BuildOutput& output) {
+  const auto forms = light.formsOf(picture, pictures);
+  if (!forms) return fail(forms.error());
+  for (const std::string& form : *forms) {
+    const std::string from = joinPath(light.folder(), form);
+    if (auto copied = output.copy(from, output.folders().onlineFile(form)); !copied) return copied;
+  }
+  return {};
+}
+
+/// Scripts of the site offer the forms that are in it: those of a setting that was turned off have to go.
+void removeForms(LightFolder& light, const SiteFolders& folders) {
+  for (const std::string& form : light.discard()) {
+    ignore(deleteFile(folders.onlineFile(form)), "one that was never copied isn't there");
+  }
+}
+
 Result<> copyPictures(const SiteFolders& folders, BuildOutput& output, const BuildProgress& progress) {
   const std::string work = folders.shopFile("work");
-  for (const std::string& name : listFiles(work, "*.*")) {
+  const std::vector<std::string> pictures = listFiles(work, "*.*");
+  const bool isLight = wantsLightPictures(folders.shop);
+  LightFolder light(folders.shop);
+  if (!isLight) removeForms(light, folders);
+  for (const std::string& name : pictures) {
     if (auto go = progress.checkCancel(); !go) return go;
     // A link is a way to publish whatever the merchant can read; the folder itself may be one.
     const std::string picture = joinPath(work, name);
     if (leadsOutOf(picture, work) && leadsOutOf(picture, folders.shop)) continue;
     if (auto copied = output.copy(picture, folders.onlineFile(name)); !copied) return copied;
+    if (!isLight) continue;
+    if (auto copied = copyForms(light, picture, pictures, output); !copied) return copied;
   }
-  return {};
+  return isLight ? light.finish() : Result<>();
 }
 
 Result<> copyFlags(const ShopFacts& shop, BuildOutput& output) {

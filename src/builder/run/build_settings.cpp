@@ -1,5 +1,6 @@
 #include "builder/run/build_settings.h"
 
+#include "builder/run/light_pictures.h"
 #include "builder/values/link_naming.h"
 
 namespace kv {
@@ -22,11 +23,12 @@ Result<> storeExtension(Session& session, const std::string& typed) {
 Result<BuildSettings> loadBuildSettings(Session& session) {
   const auto stored = session.catalogue.scalar("SELECT estensione FROM generale");
   if (!stored) return fail(stored.error());
-  return BuildSettings{session.smartBuild, asText(*stored)};
+  return BuildSettings{session.smartBuild, asText(*stored), wantsLightPictures(session.ShopFolder)};
 }
 
 Result<> storeBuildSettings(Session& session, Settings& settings, const BuildSettings& wanted) {
   if (auto stored = storeExtension(session, wanted.extension); !stored) return stored;
+  if (auto stored = storeLightPictures(session.ShopFolder, wanted.light); !stored) return stored;
   if (auto stored = settings.set(settingsSection, selectiveSetting, wanted.selective ? "1" : "0"); !stored) {
     return stored;
   }

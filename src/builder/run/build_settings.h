@@ -1,6 +1,6 @@
 #pragma once
-// How the shop is built (rules of frmImpostazioni): selective build, a setting of the program, and the extension of the
-// pages, a setting of the shop.
+// How the shop is built (rules of frmImpostazioni): selective build, a setting of the program, and two of the shop, the
+// extension of the pages and the lighter pictures.
 
 #include <string>
 #include <string_view>
@@ -17,12 +17,14 @@ inline constexpr std::string_view defaultExtension = ".htm";
 struct BuildSettings {
   bool selective = true;  ///< only pages that have changed are written
   std::string extension;  ///< as typed or stored
+  bool light = false;     ///< pictures are offered in lighter forms as well
 };
 
 /// Reads what is stored. Failures: as the store's.
 Result<BuildSettings> loadBuildSettings(Session& session);
 /// The OK command: the extension is normalised by ImpostaEstensione; an extension that a build uses by itself (".php")
-/// is not stored. The selective build holds at once, and is stored as `smartbuild` of the program's settings.
+/// is not stored. The lighter pictures are stored in a file of the shop's folder. The selective build holds at once,
+/// and is stored as `smartbuild` of the program's settings.
 Result<> storeBuildSettings(Session& session, Settings& settings, const BuildSettings& wanted);
 
 }  // namespace kv

@@ -22,13 +22,18 @@ frmImpostazioni::frmImpostazioni(Session& session, Environment& env, QWidget* pa
   auto* form = new QFormLayout();
   form->addRow(labelFor("&Estensione:", txtEstensione_), txtEstensione_);
   column->addLayout(form);
+  chkLeggere_ = named(new QCheckBox(toQt("Immagini &leggere per il web")), "chkLeggere");
+  chkLeggere_->setToolTip(
+      toQt("Accanto a ogni immagine ne pubblica anche versioni WebP più leggere, che il negozio offre\n"
+           "ai browser che le sanno mostrare"));
+  column->addWidget(chkLeggere_);
   auto* cmdReset = named(new QPushButton(toQt("Ripristina la configurazione di default")), "cmdReset");
   cmdReset->setAutoDefault(false);
   column->addWidget(cmdReset, 0, Qt::AlignLeft);
   column->addStretch();
   QDialogButtonBox* buttons = makeButtons();
   column->addWidget(buttons);
-  connect(cmdReset, &QPushButton::clicked, this, [this] { show({true, std::string(defaultExtension)}); });
+  connect(cmdReset, &QPushButton::clicked, this, [this] { show({true, std::string(defaultExtension), false}); });
   connect(buttons, &QDialogButtonBox::accepted, this, &frmImpostazioni::store);
   show(loadBuildSettings(session).value_or(BuildSettings()));
 }
@@ -36,10 +41,11 @@ frmImpostazioni::frmImpostazioni(Session& session, Environment& env, QWidget* pa
 void frmImpostazioni::show(const BuildSettings& settings) {
   chkSelettiva_->setChecked(settings.selective);
   txtEstensione_->setText(toQt(settings.extension));
+  chkLeggere_->setChecked(settings.light);
 }
 
 void frmImpostazioni::store() {
-  const BuildSettings wanted{chkSelettiva_->isChecked(), fromQt(txtEstensione_->text())};
+  const BuildSettings wanted{chkSelettiva_->isChecked(), fromQt(txtEstensione_->text()), chkLeggere_->isChecked()};
   if (const auto stored = storeBuildSettings(session_, env_.settings, wanted); !stored) {
     env_.user.message(failureText(stored.error()), Icon::Critical);
     return;

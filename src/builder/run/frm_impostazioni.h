@@ -24,6 +24,7 @@ class frmImpostazioni final : public FormDialog {
   // Controls; Qt owns them.
   QCheckBox* chkSelettiva_ = nullptr;
   QLineEdit* txtEstensione_ = nullptr;
+  QCheckBox* chkLeggere_ = nullptr;
 };
 
 }  // namespace kv

@@ -58,7 +58,7 @@ void frmPG::addField(QFormLayout& form, const AccountKey& key) {
     case KeyRole::Language:
       return addFlag(form, key);
     default:
-      static_cast<void>(addLine(form, key));
+      addLine(form, key);
   }
 }
 

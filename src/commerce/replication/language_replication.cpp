@@ -97,8 +97,7 @@ Result<> replicateRows(Database& catalogue, const ReplicatedTable& table, const 
     writer->bind(2, std::min(last, from + rowsAtOnce - 1));
     if (auto done = writer->execute(); !done) return done;
     user.progress({table.caption, static_cast<double>(from - first), static_cast<double>(last - first + 1)});
-    // The window repaints; the run has no cancel.
-    static_cast<void>(user.yield());
+    ignore(user.yield(), "the window repaints; the run has no cancel");
   }
   return {};
 }

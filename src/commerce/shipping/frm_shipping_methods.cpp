@@ -52,14 +52,14 @@ void ShippingMethodsPage::makeRow(int number) {
   row.txtNome = named(new QLineEdit(), "txtNome" + digit, "Nome del metodo " + digit);
   connect(row.chkMetodo, &QCheckBox::clicked, this, [this, number](bool on) { switched(number, on); });
   connect(row.cboMetodo, &QComboBox::activated, this, [this, number](int) {
-    static_cast<void>(
-        editor_.setModule(number, fromQt(rows_[static_cast<std::size_t>(number - 1)].cboMetodo->currentText())));
+    const QComboBox& modules = *rows_[static_cast<std::size_t>(number - 1)].cboMetodo;
+    ignore(editor_.setModule(number, fromQt(modules.currentText())), "the field shows what is stored");
     show(number);
     changed_();
   });
   connect(row.txtNome, &QLineEdit::editingFinished, this, [this, number] {
-    static_cast<void>(
-        editor_.setMethodName(number, fromQt(rows_[static_cast<std::size_t>(number - 1)].txtNome->text())));
+    const QLineEdit& name = *rows_[static_cast<std::size_t>(number - 1)].txtNome;
+    ignore(editor_.setMethodName(number, fromQt(name.text())), "the field shows what is stored");
     show(number);
     changed_();
   });

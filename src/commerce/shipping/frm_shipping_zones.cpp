@@ -57,7 +57,7 @@ QWidget* ShippingZonesPage::makeBasis() {
     row->addWidget(optImpPeso_[index]);
     connect(optImpPeso_[index], &QRadioButton::clicked, this, [this, index] {
       storeTyped();
-      static_cast<void>(editor_.setByWeight(index == 1));
+      ignore(editor_.setByWeight(index == 1), "the user has been told");
       panels_->setCurrentIndex(static_cast<int>(index));
     });
   }
@@ -82,7 +82,7 @@ QCheckBox* ShippingZonesPage::addAllowed(int number, const std::string& panel) {
   auto* box = named(new QCheckBox(), "chkPag" + panel + std::to_string(number));
   allowed_.emplace_back(number, box);
   connect(box, &QCheckBox::clicked, this, [this, number](bool on) {
-    static_cast<void>(editor_.allow(zone(), number, on));
+    ignore(editor_.allow(zone(), number, on), "the box shows what is stored");
     for (const auto& [other, same] : allowed_) {
       if (other == number) same->setChecked(editor_.isAllowed(zone(), number));
     }

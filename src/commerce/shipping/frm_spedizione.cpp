@@ -51,11 +51,11 @@ QWidget* frmSpedizione::makePreselection() {
   row->addWidget(labelFor("Pae&se preselezionato:", cboPaese_));
   row->addWidget(cboPaese_, 1);
   connect(cboPagamento_, &QComboBox::activated, this, [this](int index) {
-    static_cast<void>(editor_.preselectMethod(cboPagamento_->itemData(index).toInt()));
+    ignore(editor_.preselectMethod(cboPagamento_->itemData(index).toInt()), "the list shows what is stored");
     showPreselection();
   });
   connect(cboPaese_, &QComboBox::activated, this, [this](int index) {
-    static_cast<void>(editor_.preselectCountry(fromQt(cboPaese_->itemData(index).toString())));
+    ignore(editor_.preselectCountry(fromQt(cboPaese_->itemData(index).toString())), "the list shows what is stored");
     showPreselection();
   });
   return group;
@@ -72,7 +72,7 @@ QWidget* frmSpedizione::makeSettings(char decimalSeparator) {
   chkAlfabetico_ = named(new QCheckBox(toQt(shippingAlphabetic)), "chkAlfabetico");
   chkAlfabetico_->setChecked(editor_.isAlphabetic());
   connect(chkAlfabetico_, &QCheckBox::clicked, this, [this](bool on) {
-    static_cast<void>(editor_.setAlphabetic(on));
+    ignore(editor_.setAlphabetic(on), "the box shows what is stored");
     chkAlfabetico_->setChecked(editor_.isAlphabetic());
   });
   auto* settings = new QWidget();

@@ -56,7 +56,7 @@ std::optional<std::int64_t> ShippingEditor::addCountry(std::string_view name) {
   if (name.empty()) return std::nullopt;
   const auto added = insertCountry(session_.catalogue, name);
   if (added) return *added;
-  static_cast<void>(told(fail(added.error())));
+  ignore(told(fail(added.error())), "the user knows");
   return std::nullopt;
 }
 

@@ -129,7 +129,7 @@ std::string ShippingEditor::leave(std::string_view table, std::string_view colum
   if (!stored) return before;
   const auto value = costValue(kindOf(column, *stored), storedNumber(typed, separator_));
   if (!value) return before;
-  static_cast<void>(told(storeSingle(session_.catalogue, table, column, *value)));
+  ignore(told(storeSingle(session_.catalogue, table, column, *value)), "the field shows what is stored");
   return shown(table, column);
 }
 

@@ -52,14 +52,15 @@ void frmOpzioni::deleteOption() {
 }
 
 void frmOpzioni::optionEdited(int row, int column) {
-  static_cast<void>(editor_.setOption(options_[static_cast<std::size_t>(row)].ID, static_cast<OptionCell>(column),
-                                      DBGrid2_->cell(row, column)));
+  const std::int64_t ID = options_[static_cast<std::size_t>(row)].ID;
+  ignore(editor_.setOption(ID, static_cast<OptionCell>(column), DBGrid2_->cell(row, column)),
+         "the cell shows what is stored");
   showOptions(row);
 }
 
 void frmOpzioni::mark(int row) {
   if (row < 0 || row >= static_cast<int>(options_.size())) return;
-  static_cast<void>(editor_.markOption(currentID(), options_[static_cast<std::size_t>(row)].ID));
+  ignore(editor_.markOption(currentID(), options_[static_cast<std::size_t>(row)].ID), "the mark shows what is stored");
   showOptions(row);
 }
 

@@ -105,7 +105,7 @@ bool VariantEditor::rename(std::int64_t ID, std::string_view nome) {
 std::optional<std::int64_t> VariantEditor::addVariant() {
   const auto ID = insertVariant(session_.catalogue);
   if (ID) return *ID;
-  static_cast<void>(told(fail(ID.error())));
+  ignore(told(fail(ID.error())), "the user knows");
   return std::nullopt;
 }
 
@@ -132,7 +132,7 @@ std::optional<std::int64_t> VariantEditor::duplicateVariant(std::int64_t ID) {
   if (!canRemove(ID)) return std::nullopt;
   const auto copy = copyVariant(session_.catalogue, ID);
   if (copy) return *copy;
-  static_cast<void>(told(fail(copy.error())));
+  ignore(told(fail(copy.error())), "the user knows");
   return std::nullopt;
 }
 
@@ -175,7 +175,7 @@ std::optional<std::int64_t> VariantEditor::addOption(std::int64_t variant) {
   if (!canHaveOptions(variant)) return std::nullopt;
   const auto ID = insertOptions(session_.catalogue, variant, suffix(), {NewOption()});
   if (ID) return *ID;
-  static_cast<void>(told(fail(ID.error())));
+  ignore(told(fail(ID.error())), "the user knows");
   return std::nullopt;
 }
 

@@ -2,6 +2,7 @@
 
 #include "import/accounting/csv_source.h"
 #include "platform/database/database.h"
+#include "platform/database/jet_file.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 
@@ -60,6 +61,25 @@ class StoreSource final : public AccountingSource {
   mutable Database database_;
 };
 
+/// A database file of the package itself.
+class JetSource final : public AccountingSource {
+ public:
+  explicit JetSource(JetFile file) : file_(std::move(file)) {}
+  Result<std::vector<AccountingRow>> rows(std::string_view table,
+                                          const std::vector<std::string>& columns) const override {
+    return file_.rows(table, columns);
+  }
+
+ private:
+  JetFile file_;
+};
+
+Result<std::unique_ptr<AccountingSource>> openJet(const std::string& path) {
+  auto file = JetFile::open(path);
+  if (!file) return fail(file.error());
+  return std::make_unique<JetSource>(std::move(*file));
+}
+
 Result<std::unique_ptr<AccountingSource>> openStore(const std::string& path) {
   auto database = Database::open(path, OpenMode::ReadOnly);
   if (!database) return fail(database.error());
@@ -71,9 +91,10 @@ Result<std::unique_ptr<AccountingSource>> openStore(const std::string& path) {
 Result<std::unique_ptr<AccountingSource>> openAccountingSource(const std::string& path) {
   if (folderExists(path)) return openCsvSource(path);
   if (!fileExists(path)) return fail(ErrorKind::Missing, path, "no such file");
-  const auto start = readStart(path, storeMark.size());
+  const auto start = readStart(path, jetStartSize);
   if (!start) return fail(start.error());
-  if (*start == storeMark) return openStore(path);
+  if (start->starts_with(storeMark)) return openStore(path);
+  if (isJetStart(*start)) return openJet(path);
   return fail(ErrorKind::Malformed, path, "no database of a known kind");
 }
 

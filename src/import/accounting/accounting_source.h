@@ -30,8 +30,8 @@ class AccountingSource {
   virtual std::string description() const { return {}; }
 };
 
-/// Opens a database file with these tables, or a folder with `Categoria.csv` and `Articoli.csv`. Missing when there is
-/// nothing at `path`, Malformed when it is neither.
+/// Opens a database file with these tables, of Jet or of SQLite, or a folder with `Categoria.csv` and `Articoli.csv`.
+/// Missing when there is nothing at `path`, Malformed when it is neither or is damaged.
 Result<std::unique_ptr<AccountingSource>> openAccountingSource(const std::string& path);
 /// Whether what is at `path` is such a source rather than a shop: the file or folder holds the two tables.
 bool isAccountingSource(const std::string& path);

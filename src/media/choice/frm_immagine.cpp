@@ -7,13 +7,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPixmap>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "media/choice/frm_picture_edits.h"
+#include "media/choice/frm_picture_frame.h"
 #include "media/choice/picture_names.h"
 #include "platform/files/files.h"
 
@@ -22,21 +23,9 @@ namespace {
 
 constexpr std::string_view pictureTitle = "Korvane - Scelta dell'immagine";
 constexpr const char* picturePrompt = "Selezionare la cartella delle immagini:";
-constexpr int frameSide = mostLimit;
 
 std::string locationOf(QStandardPaths::StandardLocation location) {
   return fromQt(QStandardPaths::writableLocation(location));
-}
-
-/// The bitmap as the screen shows it, no larger than the frame. Its bottom row is the first in memory.
-QPixmap pixmapOf(const PixelBuffer& pixels) {
-  if (pixels.isEmpty()) return {};
-  const QImage stored(pixels.data(), pixels.size().width, pixels.size().height,
-                      static_cast<qsizetype>(pixels.rowBytes()), QImage::Format_BGR888);
-  const QSize frame(frameSide, frameSide);
-  const bool isLarger = stored.width() > frameSide || stored.height() > frameSide;
-  const QImage seen = isLarger ? stored.scaled(frame, Qt::KeepAspectRatio, Qt::SmoothTransformation) : stored;
-  return QPixmap::fromImage(seen.mirrored());
 }
 
 void fill(QListWidget& list, const std::vector<std::string>& names) {
@@ -59,6 +48,8 @@ frmImmagine::frmImmagine(Settings& settings, UserPort& user, const std::string& 
   auto* side = new QVBoxLayout();
   side->addWidget(makePreview());
   side->addWidget(makeBox());
+  editing_ = new PictureEditing(choice_, *picAnteprima_);
+  side->addWidget(editing_);
   side->addStretch();
   auto* sides = new QHBoxLayout();
   sides->addWidget(tabOrigine_, 1);
@@ -69,6 +60,7 @@ frmImmagine::frmImmagine(Settings& settings, UserPort& user, const std::string& 
   auto* column = new QVBoxLayout(this);
   column->addLayout(sides, 1);
   column->addWidget(buttons);
+  editing_->changed = [this] { showPreview(); };
   connect(tabOrigine_, &QTabWidget::currentChanged, this, [this](int tab) {
     choice_.tab = tab == 0 ? PictureTab::Disk : PictureTab::Shop;
     showPreview();
@@ -126,11 +118,7 @@ QWidget* frmImmagine::makeShopTab() {
 }
 
 QWidget* frmImmagine::makePreview() {
-  picAnteprima_ = named(new QLabel(), "picAnteprima", "Anteprima");
-  picAnteprima_->setFrameShape(QFrame::StyledPanel);
-  picAnteprima_->setAlignment(Qt::AlignCenter);
-  const int frame = frameSide + 2 * picAnteprima_->frameWidth();
-  picAnteprima_->setFixedSize(frame, frame);
+  picAnteprima_ = named(new PictureFrame(), "picAnteprima", "Anteprima");
   lblDimensioni_ = named(new QLabel(), "lblDimensioni");
   auto* side = new QWidget();
   auto* column = new QVBoxLayout(side);
@@ -160,6 +148,12 @@ QWidget* frmImmagine::makeBox() {
   grid->addWidget(txtLarghezza_, 1, 1);
   grid->addWidget(labelFor("Al&tezza:", txtAltezza_), 1, 2);
   grid->addWidget(txtAltezza_, 1, 3);
+  chkLuogo_ = named(new QCheckBox(toQt("Ometti il l&uogo dello scatto")), "chkLuogo");
+  chkLuogo_->setToolTip(toQt("La foto dice dove è stata scattata, e chiunque visiti il negozio può leggerlo"));
+  chkLuogo_->setChecked(choice_.values.dropsLocation);
+  chkLuogo_->hide();
+  grid->addWidget(chkLuogo_, 2, 0, 1, 4);
+  connect(chkLuogo_, &QCheckBox::toggled, this, [this](bool ticked) { choice_.values.dropsLocation = ticked; });
   connect(chkAdatta_, &QCheckBox::toggled, this, &frmImmagine::boxTicked);
   connect(txtLarghezza_, &QLineEdit::editingFinished, this, [this] { leaveLimit(txtLarghezza_, &ImageSize::width); });
   connect(txtAltezza_, &QLineEdit::editingFinished, this, [this] { leaveLimit(txtAltezza_, &ImageSize::height); });
@@ -197,11 +191,19 @@ void frmImmagine::showPreview() {
   if (cmdOk_ == nullptr) return;  // the window is still being made
   const std::string path = selected();
   cmdOk_->setEnabled(!path.empty());
+  editing_->takeUp(path);
+  if (editing_->isCutting()) {
+    chkLuogo_->hide();
+    return showSize(choice_.copySize(editing_->showCut()), baseName(path));
+  }
   const PicturePreview shown = path.empty() ? PicturePreview() : choice_.preview(path);
-  picAnteprima_->setPixmap(pixmapOf(shown.picture.pixels()));
-  const bool isSeen = shown.picture.Width() > 0;
-  lblDimensioni_->setText(isSeen ? tr("%1 x %2").arg(shown.size.width).arg(shown.size.height) : QString());
-  const std::string name(baseName(path));
+  picAnteprima_->showPicture(shown.picture.pixels());
+  chkLuogo_->setVisible(shown.tellsLocation);
+  showSize(shown.picture.Width() > 0 ? shown.size : ImageSize(), baseName(path));
+}
+
+void frmImmagine::showSize(ImageSize size, std::string_view name) {
+  lblDimensioni_->setText(size.width > 0 ? tr("%1 x %2").arg(size.width).arg(size.height) : QString());
   picAnteprima_->setAccessibleName(tr("Anteprima: ") + toQt(name.empty() ? "nessuna" : name) + QStringLiteral(" ") +
                                    lblDimensioni_->text());
 }

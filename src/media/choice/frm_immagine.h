@@ -14,6 +14,9 @@ class QTabWidget;
 
 namespace kv {
 
+class PictureEditing;
+class PictureFrame;
+
 /// The tag is the file name within the image folder; empty when the dialog was left, or the file can't be read.
 class frmImmagine final : public FormDialog {
  public:
@@ -37,6 +40,8 @@ class frmImmagine final : public FormDialog {
   /// The path of the file selected on the tab in use; empty when none is.
   std::string selected() const;
   void showPreview();
+  /// Says how large the copy will be, also to who can't see it; 0 by 0 for no picture.
+  void showSize(ImageSize size, std::string_view name);
   /// Takes over a limit's field, or puts the number that holds back and keeps the focus.
   void leaveLimit(QLineEdit* field, int ImageSize::*side);
   void boxTicked(bool ticked);
@@ -51,11 +56,13 @@ class frmImmagine final : public FormDialog {
   QListWidget* lstCartelle_ = nullptr;
   QListWidget* lstFile_ = nullptr;
   QListWidget* lstNegozio_ = nullptr;
-  QLabel* picAnteprima_ = nullptr;
+  PictureFrame* picAnteprima_ = nullptr;
+  PictureEditing* editing_ = nullptr;
   QLabel* lblDimensioni_ = nullptr;
   QCheckBox* chkAdatta_ = nullptr;
   QLineEdit* txtLarghezza_ = nullptr;
   QLineEdit* txtAltezza_ = nullptr;
+  QCheckBox* chkLuogo_ = nullptr;  ///< shown for a photo that tells where it was taken
   QPushButton* cmdOk_ = nullptr;
 };
 

@@ -20,7 +20,8 @@ int part(std::int64_t a, std::int64_t b, std::int64_t c) {
 LoadImageSettings readLoadImage(const Settings& settings) {
   return {settings.get(loadImageSection, "Path"),
           settings.get(loadImageSection, "MaxSize") == "1",
-          {storedLimit(settings, "MaxWidth"), storedLimit(settings, "MaxHeight")}};
+          {storedLimit(settings, "MaxWidth"), storedLimit(settings, "MaxHeight")},
+          settings.get(loadImageSection, "NoLocation") == "1"};
 }
 
 Result<> storeLoadImage(Settings& settings, const LoadImageSettings& values) {
@@ -28,6 +29,7 @@ Result<> storeLoadImage(Settings& settings, const LoadImageSettings& values) {
   if (stored) stored = settings.set(loadImageSection, "MaxSize", values.fits ? "1" : "0");
   if (stored) stored = settings.set(loadImageSection, "MaxWidth", std::to_string(values.limits.width));
   if (stored) stored = settings.set(loadImageSection, "MaxHeight", std::to_string(values.limits.height));
+  if (stored) stored = settings.set(loadImageSection, "NoLocation", values.dropsLocation ? "1" : "0");
   return stored;
 }
 

@@ -25,8 +25,9 @@ struct LoadImageSettings {
   std::string path;                          ///< the folder opened last
   bool fits = false;                         ///< pictures are reduced to the box
   ImageSize limits{usualLimit, usualLimit};  ///< the box, in pixels
+  bool dropsLocation = false;                ///< a copied photo doesn't tell where it was taken
 };
-/// Reads the keys Path, MaxSize, MaxWidth, MaxHeight; a limit that is out of range is the usual one.
+/// Reads the keys Path, MaxSize, MaxWidth, MaxHeight, NoLocation; a limit that is out of range is the usual one.
 LoadImageSettings readLoadImage(const Settings& settings);
 /// Stores them. Failures: as Settings::set.
 Result<> storeLoadImage(Settings& settings, const LoadImageSettings& values);

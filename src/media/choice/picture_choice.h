@@ -27,8 +27,17 @@ enum class PictureMode {
 /// A picture as the dialog shows it.
 struct PicturePreview {
   PictureMode mode = PictureMode::Unreadable;
-  ImageSize size;       ///< pixels, after the reduction
-  cDIBSection picture;  ///< what is seen: reduced, or the file itself; none when it can't be read
+  ImageSize size;              ///< pixels, after the reduction
+  cDIBSection picture;         ///< what is seen: reduced, or the file itself; none when it can't be read
+  bool tellsLocation = false;  ///< the file would be copied, and says where the photo was taken
+};
+
+/// What is done to a picture before it is reduced. A picture that was changed is written as a JPEG, of either tab.
+struct PictureEdits {
+  int quarters = 0;               ///< turned clockwise by so many quarters, 0 to 3
+  std::optional<PixelPart> part;  ///< of the turned picture, what is kept; nothing: all of it
+  /// Whether there is anything to do.
+  bool any() const { return quarters != 0 || part.has_value(); }
 };
 
 /// The fields of the dialog, and its work on the image folder.
@@ -40,14 +49,22 @@ class PictureChoice {
 
   PictureTab tab = PictureTab::Disk;
   LoadImageSettings values;  ///< folder shown, box ticked, limits
+  PictureEdits edits;        ///< of the picture that is selected; whoever selects another one empties them
 
   const std::string& folder() const { return folder_; }
   const std::string& current() const { return current_; }
   /// Whether a reduction is on: the box is ticked, and the tab is that of the disk.
   bool reduces() const { return values.fits && tab == PictureTab::Disk; }
 
-  /// Reads a file, reduced when it is larger than the box; of the shop's tab the mode is always OfShop.
-  PicturePreview preview(const std::string& path) const;
+  /// The size of the copy of a picture of this size.
+  ImageSize copySize(ImageSize size) const { return reduces() ? fittedSize(size, values.limits) : size; }
+
+  /// Reads a file, edited, and reduced when it is larger than the box; of the shop's tab the mode is OfShop unless the
+  /// picture was edited. The last file is kept in memory: it is decoded once for all that is tried on it.
+  PicturePreview preview(const std::string& path);
+  /// The whole picture as it was turned, before anything is cut off; none when the file can't be read. It holds until
+  /// another file or turn is asked for.
+  const PixelBuffer& turnedPicture(const std::string& path);
 
   /// A limit's field is left: takes the number over and is true, or says that it must be from 5 to 270 and is false;
   /// then the field's text goes back to the number that holds.
@@ -63,6 +80,13 @@ class PictureChoice {
   bool takeLimit(std::string_view text, int& limit);
   Result<std::string> bringIn(const std::string& path, const PicturePreview& preview) const;
 
+  /// The picture decoded last, turned by so many quarters.
+  struct Decoded {
+    std::string path;
+    int quarters = 0;
+    PixelBuffer pixels;
+  };
+  Decoded decoded_;
   Settings& settings_;
   UserPort& user_;
   std::string folder_, current_;

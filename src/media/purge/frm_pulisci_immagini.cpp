@@ -116,8 +116,10 @@ void frmPulisciImmagini::fillList() {
   const QSignalBlocker quiet(lstFiles_);
   for (const UnusedPicture& picture : purge_.unused()) {
     auto* item = new QListWidgetItem(lstFiles_);
-    item->setText(toQt(picture.name) + QStringLiteral("\n") + sizeText(picture.size));
-    item->setData(Qt::AccessibleTextRole, toQt(picture.name) + QStringLiteral(", ") + sizeText(picture.size));
+    QString about = sizeText(picture.size);
+    if (picture.isMentioned) about += QStringLiteral(", ") + toQt(mentionedNote);
+    item->setText(toQt(picture.name) + QStringLiteral("\n") + about);
+    item->setData(Qt::AccessibleTextRole, toQt(picture.name) + QStringLiteral(", ") + about);
     // The file is read when the line is first seen.
     item->setIcon(QIcon(toQt(purge_.folder() + "/" + picture.name)));
     item->setCheckState(Qt::Unchecked);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "media/purge/picture_mentions.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 
@@ -30,6 +31,7 @@ bool PicturePurge::search() {
     return true;
   }
   if (!ControllaFiles(files)) return false;
+  markMentioned();
   user_.message(unused_.empty() ? std::string(noneUnused)
                                 : "Ricerca terminata: sono state trovate " + std::to_string(unused_.size()) +
                                       " immagini inutilizzate",
@@ -56,6 +58,14 @@ bool PicturePurge::ControllaFiles(const std::vector<std::string>& files) {
     unused_.push_back({name, stamp ? stamp->size : 0, false});
   }
   return true;
+}
+
+void PicturePurge::markMentioned() {
+  if (unused_.empty() || !sources_.texts) return;
+  PictureMentions mentions;
+  for (const UnusedPicture& picture : unused_) mentions.lookFor(picture.name);
+  ignore(sources_.texts([&](std::string_view text) { mentions.read(text); }), "the marks are a help, no more");
+  for (UnusedPicture& picture : unused_) picture.isMentioned = mentions.isMentioned(picture.name);
 }
 
 void PicturePurge::tickAll(bool ticked) {

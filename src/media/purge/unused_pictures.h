@@ -14,14 +14,21 @@
 namespace kv {
 
 inline constexpr std::string_view purgeTitle = "Korvane - Rimuovi immagini inutilizzate";
+/// What is said beside an unused picture that a text names.
+inline constexpr std::string_view mentionedNote = "citata in un testo";
 /// The notice before the search, of the pictures of this folder.
 std::string purgeNotice(const std::string& folder);
+
+/// Who is handed one text after another.
+using TextReader = std::function<void(std::string_view text)>;
 
 /// What the search works on.
 struct PurgeSources {
   std::string folder;  ///< the shop's image folder
   /// The names of all pictures in use, in any order and case.
   std::function<Result<std::vector<std::string>>()> usedPictures;
+  /// Hands out every text that may name a picture, of the catalogue and of the template; not set: none is looked at.
+  std::function<Result<>(const TextReader& read)> texts;
   /// Deletes a file or moves it where it can be fetched from; not set: deleteFile.
   std::function<Result<>(const std::string& path)> remove;
 };
@@ -29,8 +36,9 @@ struct PurgeSources {
 /// A picture that nothing refers to.
 struct UnusedPicture {
   std::string name;
-  std::uint64_t size = 0;  ///< bytes
-  bool ticked = false;     ///< to be deleted
+  std::uint64_t size = 0;    ///< bytes
+  bool ticked = false;       ///< to be deleted
+  bool isMentioned = false;  ///< a text names it: a description with HTML of its own, or a template
 };
 
 /// The list of frmPulisciImmagini and what its buttons do.
@@ -61,6 +69,9 @@ class PicturePurge {
 
  private:
   bool ControllaFiles(const std::vector<std::string>& files);
+  /// Marks what a text names. What can't be read leaves its marks out: the merchant decides by the picture all the
+  /// same.
+  void markMentioned();
 
   PurgeSources sources_;
   UserPort& user_;

@@ -74,12 +74,6 @@ Result<FolderId> folderId(const std::string& path) {
   return FolderId{status.st_dev, status.st_ino};
 }
 
-// A tree as paths below its root, each folder before what it holds.
-struct TreeItem {
-  std::string path;
-  bool isFolder = false;
-};
-
 class TreeLister {
  public:
   explicit TreeLister(std::vector<FolderId> leftOut) : ancestors_(std::move(leftOut)) {}
@@ -98,7 +92,7 @@ class TreeLister {
     ancestors_.pop_back();
     return {};
   }
-  std::vector<TreeItem>& items() { return items_; }
+  std::vector<TreeEntry>& items() { return items_; }
 
  private:
   Result<> add(const std::string& root, const std::string& path, const Entry& entry) {
@@ -113,7 +107,7 @@ class TreeLister {
   }
 
   std::vector<FolderId> ancestors_;
-  std::vector<TreeItem> items_;
+  std::vector<TreeEntry> items_;
 };
 
 // The paths that the items of a tree are copied to: below `root`, under the names that exist there, case ignored.
@@ -155,8 +149,8 @@ Result<> addOwnerWrite(const std::string& path) {
 }
 
 /// Creates the listed folders below the target, in the order of the list.
-Result<> createListed(const std::vector<TreeItem>& items, CopyTarget& target) {
-  for (const TreeItem& item : items) {
+Result<> createListed(const std::vector<TreeEntry>& items, CopyTarget& target) {
+  for (const TreeEntry& item : items) {
     if (!item.isFolder) continue;
     const std::string path = target.pathFor(item.path);
     if (auto created = createFolder(path); !created) return created;
@@ -222,12 +216,20 @@ Result<> copyTree(const TreeCopy& copy) {
   if (auto created = createFolders(copy.to); !created) return created;
   CopyTarget target(copy.to);
   if (auto created = createListed(lister.items(), target); !created) return created;
-  for (const TreeItem& item : lister.items()) {
+  for (const TreeEntry& item : lister.items()) {
     if (item.isFolder || equalsIgnoringCase(item.path, copy.exceptFile)) continue;
     if (copy.goOn && !copy.goOn()) return fail(ErrorKind::Cancelled, copy.from, "cancelled");
     if (auto copied = copyFile(joinPath(copy.from, item.path), target.pathFor(item.path)); !copied) return copied;
   }
   return {};
+}
+
+Result<std::vector<TreeEntry>> listTree(const std::string& from, const std::string& exceptFolder) {
+  std::vector<FolderId> leftOut;
+  if (const auto except = folderId(exceptFolder)) leftOut.push_back(*except);
+  TreeLister lister(std::move(leftOut));
+  if (auto listed = lister.list(from, ""); !listed) return fail(listed.error());
+  return std::move(lister.items());
 }
 
 Result<bool> isEmptyFolder(const std::string& path) {

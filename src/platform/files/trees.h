@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/files/files.h"
 
@@ -18,6 +19,15 @@ struct TreeCopy {
 
 /// Copies a tree as copyTree(from, to) does. Cancelled when `goOn` said so; files copied by then stay.
 Result<> copyTree(const TreeCopy& copy);
+
+/// An entry of a tree, by its path below the root.
+struct TreeEntry {
+  std::string path;
+  bool isFolder = false;
+};
+/// The entries of a tree as copyTree takes them: sorted, each folder before what it holds, links followed, unfinished
+/// files left out; and without the folder at the path `exceptFolder`, wherever the tree meets it.
+Result<std::vector<TreeEntry>> listTree(const std::string& from, const std::string& exceptFolder = {});
 
 /// Whether a folder has no entry at all, hidden ones included. Missing when it isn't there.
 Result<bool> isEmptyFolder(const std::string& path);

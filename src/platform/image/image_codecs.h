@@ -54,6 +54,11 @@ std::string pngProfile(std::string_view bytes);
 /// without a profile of three colours that can be read.
 void toScreenColours(PixelBuffer& pixels, std::string_view bytes);
 
+/// isOpaqueStill of a WebP, as its header says.
+bool isOpaqueStillWebp(std::string_view bytes);
+/// isOpaqueStill of a PNG, as the parts before its pixels say.
+bool isOpaqueStillPng(std::string_view bytes);
+
 /// Lays `width` pixels of blue, green, red and opacity on white.
 void layOnWhite(const std::uint8_t* from, int width, std::uint8_t* to);
 

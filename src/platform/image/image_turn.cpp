@@ -2,6 +2,7 @@
 #include <libexif/exif-data.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 
 #include "platform/image/image_codecs.h"
@@ -68,6 +69,25 @@ Result<PixelBuffer> turnedUpright(PixelBuffer pixels, int orientation) {
     }
   }
   return upright;
+}
+
+// A quarter clockwise is what a picture needs whose camera was turned the other way.
+Result<PixelBuffer> quarterTurned(PixelBuffer pixels, int quarters) {
+  constexpr std::array<int, 4> orientations{1, 6, 3, 8};
+  return turnedUpright(std::move(pixels), orientations[static_cast<std::size_t>(((quarters % 4) + 4) % 4)]);
+}
+
+Result<PixelBuffer> croppedTo(const PixelBuffer& pixels, const PixelPart& part) {
+  const int left = std::max(part.x, 0), top = std::max(part.y, 0);
+  const int right = std::min(part.x + part.width, pixels.size().width);
+  const int bottom = std::min(part.y + part.height, pixels.size().height);
+  auto cropped = PixelBuffer::create({right - left, bottom - top});
+  if (!cropped) return cropped;
+  for (int y = top; y < bottom; ++y) {
+    std::copy_n(pixels.row(y) + static_cast<std::ptrdiff_t>(left) * 3, static_cast<std::ptrdiff_t>(right - left) * 3,
+                cropped->row(y - top));
+  }
+  return cropped;
 }
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 // WebP by libwebp: size and pixels. The container is opened first, because an animation is a row of whole pictures.
 #include <webp/decode.h>
 #include <webp/demux.h>
+#include <webp/encode.h>
 
 #include <algorithm>
 #include <memory>
@@ -73,6 +74,23 @@ Result<PixelBuffer> webpPixels(std::string_view bytes) {
   makeWhite(*canvas);
   layFrame(frame.at, pixels.get(), *canvas);
   return canvas;
+}
+
+// libwebp reads rows from the top down; a step backwards from the last row in memory does so.
+Result<std::string> webpOf(const PixelBuffer& pixels, int quality) {
+  if (pixels.isEmpty()) return badPicture("There is no picture to write");
+  std::uint8_t* made = nullptr;
+  const std::size_t count = WebPEncodeBGR(pixels.row(0), pixels.size().width, pixels.size().height,
+                                          -static_cast<int>(pixels.rowBytes()), static_cast<float>(quality), &made);
+  const std::unique_ptr<std::uint8_t, PixelsEnd> held(made);
+  if (count == 0) return badPicture("The picture can't be written as a WebP");
+  return std::string(reinterpret_cast<const char*>(made), count);
+}
+
+bool isOpaqueStillWebp(std::string_view bytes) {
+  WebPBitstreamFeatures features;
+  if (WebPGetFeatures(webpData(bytes), bytes.size(), &features) != VP8_STATUS_OK) return false;
+  return features.has_alpha == 0 && features.has_animation == 0;
 }
 
 }  // namespace kv

@@ -88,4 +88,17 @@ Result<ImageSize> shownSizeOf(std::string_view bytes) {
 
 Result<ImageSize> shownSize(const std::string& path) { return ofFile(path, shownSizeOf); }
 
+bool isOpaqueStill(std::string_view bytes) {
+  switch (pictureKind(bytes)) {
+    case PictureKind::Jpeg:
+      return true;
+    case PictureKind::Png:
+      return isOpaqueStillPng(bytes);
+    case PictureKind::Webp:
+      return isOpaqueStillWebp(bytes);
+    default:
+      return false;
+  }
+}
+
 }  // namespace kv

@@ -64,8 +64,24 @@ Result<ImageSize> shownSizeOf(std::string_view bytes);
 /// The same of a picture file. Failures: as readPixelsOf.
 Result<ImageSize> shownSize(const std::string& path);
 
+/// A part of a picture, in pixels from its top left corner.
+struct PixelPart {
+  int x = 0, y = 0, width = 0, height = 0;
+  friend bool operator==(const PixelPart&, const PixelPart&) = default;
+};
+/// The picture turned clockwise by quarters: 0 to 3, any other number by its remainder.
+Result<PixelBuffer> quarterTurned(PixelBuffer pixels, int quarters);
+/// A part of a picture, less what lies outside it. Malformed when nothing is left.
+Result<PixelBuffer> croppedTo(const PixelBuffer& pixels, const PixelPart& part);
+
 /// The bytes of a JPEG of this quality, 0 to 100, with libjpeg's usual settings.
 /// Malformed without a picture, or when a side is longer than the 65500 pixels of a JPEG.
 Result<std::string> jpegOf(const PixelBuffer& pixels, int quality);
+/// The bytes of a WebP of this quality, 0 to 100.
+/// Malformed without a picture, or when a side is longer than the 16383 pixels of a WebP.
+Result<std::string> webpOf(const PixelBuffer& pixels, int quality);
+/// Whether a picture is still and hides what is below it, so that its pixels are all there is to it: a JPEG, or a PNG
+/// or WebP without opacity and animation. False for a GIF, for any other bytes and for damaged ones.
+bool isOpaqueStill(std::string_view bytes);
 
 }  // namespace kv

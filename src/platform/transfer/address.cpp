@@ -72,7 +72,7 @@ Result<std::vector<SocketAddress>> askNameService(const std::string& host, const
   const timespec step{0, Patience::step * 1'000'000L};
   while (::gai_error(request) == EAI_INPROGRESS) {
     const gaicb* const waiting = request;
-    static_cast<void>(::gai_suspend(&waiting, 1, &step));
+    ignore(::gai_suspend(&waiting, 1, &step), "the state is asked for itself");
     if (auto paused = patience.pause(); !paused) {
       if (::gai_cancel(request) != EAI_CANCELED) abandon(std::move(lookup));
       return fail(paused.error());

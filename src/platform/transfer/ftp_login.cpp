@@ -2,43 +2,14 @@
 #include "platform/text/text.h"
 #include "platform/text/utf8.h"
 #include "platform/transfer/ftp_session.h"
-#include "platform/transfer/socks.h"
 #include "platform/transfer/transfer.h"
 
 namespace kv {
 namespace {
 
 constexpr const char* usualPort = "21";
-constexpr const char* implicitPort = "990";
-constexpr const char* socksPort = "1080";
 constexpr int passwordWanted = 331;
 constexpr int accountWanted = 332;
-
-std::string serverPort(const ConnectionSettings& settings) {
-  if (!settings.ftpPort.empty()) return settings.ftpPort;
-  return settings.tls == TlsMode::Implicit ? implicitPort : usualPort;
-}
-
-Result<Wire> openThroughSocks(const ConnectionSettings& settings, std::uint16_t port, Patience& patience) {
-  const std::string& proxyPort = settings.firewallPort;
-  auto wire = Wire::connect(settings.firewallHost, proxyPort.empty() ? socksPort : proxyPort, patience);
-  if (!wire) return wire;
-  const SocksRequest request{settings.firewall, settings.host, port, settings.firewallUser, settings.firewallPassword};
-  if (auto asked = askSocks(*wire, request, patience); !asked) return fail(asked.error());
-  return wire;
-}
-
-Result<Wire> openToHost(const ConnectionSettings& settings, Patience& patience) {
-  const std::string port = serverPort(settings);
-  if (settings.firewall == FirewallKind::None) return Wire::connect(settings.host, port, patience);
-  if (isSocks(settings.firewall)) {
-    const auto number = portNumber(port);
-    if (!number) return transferFailure(transferNoConnection, "porta non valida");
-    return openThroughSocks(settings, *number, patience);
-  }
-  const std::string& proxyPort = settings.firewallPort;
-  return Wire::connect(settings.firewallHost, proxyPort.empty() ? port : proxyPort, patience);
-}
 
 Result<> secureControl(FtpSession& session, Patience& patience) {
   // What came before TLS may have been put there by anybody on the way.
@@ -122,11 +93,8 @@ Result<> protectData(FtpSession& session, Patience& patience) {
 
 }  // namespace
 
-bool isFtpProxy(FirewallKind kind) { return kind >= FirewallKind::ProxyUser && kind <= FirewallKind::ProxyOpen; }
-bool isSocks(FirewallKind kind) { return kind == FirewallKind::Socks4 || kind == FirewallKind::Socks5; }
-
 Result<> openControl(FtpSession& session, Patience& patience) {
-  auto wire = openToHost(session.settings, patience);
+  auto wire = openServerWay(session.settings, patience);
   if (!wire) return fail(wire.error());
   session.control.open(std::move(*wire));
   if (session.settings.tls == TlsMode::Implicit) {

@@ -5,6 +5,7 @@
 
 #include "platform/transfer/connection_settings.h"
 #include "platform/transfer/ftp_control.h"
+#include "platform/transfer/server_way.h"
 #include "platform/transfer/tls.h"
 
 namespace kv {
@@ -21,11 +22,6 @@ struct FtpSession {
   char type = 'A';              ///< of the last TYPE, 'A' or 'I'; servers begin with 'A'
   NameEncoding names = NameEncoding::NotAsked;
 };
-
-/// Whether the control connection goes to an FTP proxy, which has to be told where to go on.
-bool isFtpProxy(FirewallKind kind);
-/// Whether a SOCKS proxy makes the connections.
-bool isSocks(FirewallKind kind);
 
 /// Opens the control connection, through the firewall, with TLS where the settings want it, and reads the greeting.
 Result<> openControl(FtpSession& session, Patience& patience);

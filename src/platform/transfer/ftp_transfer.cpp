@@ -5,23 +5,16 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "platform/transfer/command_runner.h"
 #include "platform/transfer/ftp_data.h"
 #include "platform/transfer/local_file.h"
 
 namespace kv {
 namespace {
 
-constexpr const char* alreadyBusy = "un'altra operazione è in corso";
 constexpr int leavingSeconds = 5;  // a server that doesn't answer QUIT is left all the same
 constexpr std::size_t longestListing = std::size_t{16} * 1024 * 1024;
-constexpr int serverLeaves = transferOther + 421;
 constexpr int directoryExists = transferOther + 521;
-
-/// Whether nothing more can be said over the connection after this failure.
-bool endsConnection(int code) {
-  return code == transferNoConnection || code == transferSilence || code == transferNotTrusted ||
-         code == transferCancelled || code == serverLeaves;
-}
 
 class FtpTransfer final : public Transfer {
  public:
@@ -29,6 +22,7 @@ class FtpTransfer final : public Transfer {
     events_ = std::move(events);
     session_.control.onLine = events_.line;
     session_.tls.trust = events_.trust;
+    runner_.yield = events_.yield;
   }
 
   TransferCompletion connect(const ConnectionSettings& settings) override;
@@ -54,8 +48,8 @@ class FtpTransfer final : public Transfer {
   TransferCompletion list() override;
   TransferCompletion quit() override;
   void abort() override {
-    aborted_ = true;
-    if (!busy_) session_.control.close();
+    runner_.abort();
+    if (!runner_.isBusy()) session_.control.close();
   }
   bool isConnected() const override { return session_.control.isOpen(); }
 
@@ -65,7 +59,7 @@ class FtpTransfer final : public Transfer {
     std::string name;  // on the server
     TransferMode mode;
   };
-  using Work = std::function<Result<std::string>(Patience&)>;
+  using Work = CommandRunner::Work;
 
   /// Runs the work of one command; its text becomes that of the completion.
   TransferCompletion command(const Work& work) {
@@ -80,26 +74,20 @@ class FtpTransfer final : public Transfer {
 
   FtpSession session_;
   TransferEvents events_;
-  bool busy_ = false;
-  bool aborted_ = false;
+  CommandRunner runner_;
 };
 
 TransferCompletion FtpTransfer::run(int silenceSeconds, const Work& work) {
-  if (busy_) return {transferOther, alreadyBusy, {}};
-  busy_ = true;
-  aborted_ = false;
-  Patience patience([this] { return !aborted_ && (!events_.yield || events_.yield()) && !aborted_; }, silenceSeconds);
-  const auto done = work(patience);
-  busy_ = false;
-  if (done) return {transferDone, *done, {}};
-  const Error& error = done.error();
-  if (endsConnection(error.number)) session_.control.close();
-  return {error.number, session_.control.withoutSecrets(error.what), {}};
+  auto completion = runner_.run(silenceSeconds, work);
+  if (completion.succeeded()) return completion;
+  if (endsConnection(completion.code)) session_.control.close();
+  completion.text = session_.control.withoutSecrets(completion.text);
+  return completion;
 }
 
 TransferCompletion FtpTransfer::connect(const ConnectionSettings& settings) {
   session_.control.close();
-  if (settings.protocol != TransferProtocol::Ftp) return {transferOther, "il protocollo SFTP non è disponibile", {}};
+  if (settings.protocol != TransferProtocol::Ftp) return {transferOther, "questa connessione è di FTP", {}};
   session_.control.secrets = {settings.password, settings.firewallPassword};
   session_.settings = settings;
   session_.secureData = false;
@@ -218,13 +206,13 @@ TransferCompletion FtpTransfer::list() {
 }
 
 TransferCompletion FtpTransfer::quit() {
-  if (busy_) return {transferOther, alreadyBusy, {}};
   if (!session_.control.isOpen()) return {};
   const int seconds = std::min(leavingSeconds, session_.settings.silenceSeconds);
   const auto completion = run(seconds, [this](Patience& patience) -> Result<std::string> {
     if (auto left = session_.control.command("QUIT", patience); !left) return fail(left.error());
     return std::string();
   });
+  if (runner_.isBusy()) return completion;  // this was asked from within another command
   session_.control.close();
   // All that was to be done is done: a server that leaves without a word has lost nothing.
   return completion.code == transferCancelled ? completion : TransferCompletion();

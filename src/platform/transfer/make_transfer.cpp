@@ -1,8 +1,11 @@
 #include "platform/transfer/ftp_transfer.h"
+#include "platform/transfer/sftp_transfer.h"
 #include "platform/transfer/transfer.h"
 
 namespace kv {
 
-std::unique_ptr<Transfer> makeTransfer() { return makeFtpTransfer(); }
+std::unique_ptr<Transfer> makeTransfer(TransferProtocol protocol) {
+  return protocol == TransferProtocol::Sftp ? makeSftpTransfer() : makeFtpTransfer();
+}
 
 }  // namespace kv

@@ -54,14 +54,14 @@ Result<> Patience::await(int descriptor, short events) {
 }
 
 Result<> Patience::pause() {
-  if (isSideBySide()) static_cast<void>(pollSideBySide({}, 0));
+  if (isSideBySide()) ignore(pollSideBySide({}, 0), "whatever is ready is asked about again");
   if (!yield_ || yield_()) return {};
   return transferFailure(transferCancelled, "operazione annullata");
 }
 
 bool waitFor(int milliseconds, const std::function<bool()>& yield) {
   for (int waited = 0; waited < milliseconds; waited += Patience::step) {
-    static_cast<void>(pollSideBySide({}, std::min(Patience::step, milliseconds - waited)));
+    ignore(pollSideBySide({}, std::min(Patience::step, milliseconds - waited)), "only time is to pass");
     if (yield && !yield()) return false;
   }
   return true;

@@ -20,7 +20,7 @@
 namespace kv {
 namespace {
 
-// As large as that of a main thread: a job may open a window. Pages are taken when they are touched.
+// As large as that of a main thread. Pages are taken when they are touched.
 constexpr std::size_t laneStackSize = std::size_t{8} * 1024 * 1024;
 constexpr std::size_t guardSize = std::size_t{64} * 1024;
 
@@ -71,6 +71,7 @@ struct JobLane {
   int ready = 0;      // what the wait returns
   bool isDue = true;  // goes on without waiting
   bool hasEnded = false;
+  const std::function<void()>* errand = nullptr;  // to be run on the main stack, before the job goes on
 };
 
 class LaneScheduler {
@@ -81,11 +82,13 @@ class LaneScheduler {
   LaneScheduler& operator=(const LaneScheduler&) = delete;
   void run();
   int wait(std::span<pollfd> descriptors, int milliseconds);
+  void runHome(const std::function<void()>& work);
   bool isInJob() const { return current_ != nullptr; }
 
  private:
   static void begin();
   void resume(JobLane& lane);
+  void enter(JobLane& lane);
   void awaitEvents();
   void leaveJob(bool forGood);
   void deal(const std::vector<pollfd>& events, bool failed);
@@ -131,8 +134,20 @@ void LaneScheduler::leaveJob(bool forGood) {
 }
 
 void LaneScheduler::resume(JobLane& lane) {
-  current_ = &lane;
   lane.isDue = false;
+  for (enter(lane); lane.errand != nullptr; enter(lane)) {
+    const auto* const errand = std::exchange(lane.errand, nullptr);
+    (*errand)();
+  }
+}
+
+void LaneScheduler::runHome(const std::function<void()>& work) {
+  current_->errand = &work;
+  leaveJob(false);
+}
+
+void LaneScheduler::enter(JobLane& lane) {
+  current_ = &lane;
   beforeStackChange(&homeSanitizerStack_, lane.stack.bottom(), LaneStack::size);
   ::swapcontext(&home_, &lane.context);
   afterStackChange(homeSanitizerStack_, nullptr, nullptr);
@@ -206,6 +221,11 @@ void runSideBySide(const std::vector<std::function<void()>>& jobs) {
 }
 
 bool isSideBySide() { return scheduler != nullptr && scheduler->isInJob(); }
+
+void runOnMainStack(const std::function<void()>& work) {
+  if (!isSideBySide()) return work();
+  scheduler->runHome(work);
+}
 
 int pollSideBySide(std::span<pollfd> descriptors, int milliseconds) {
   if (isSideBySide()) return scheduler->wait(descriptors, milliseconds);

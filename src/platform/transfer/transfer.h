@@ -48,8 +48,9 @@ constexpr bool isFileCommandFailure(int code) { return code >= transferFileComma
 struct UntrustedServer {
   std::string host;         ///< as the settings name it
   std::string subject;      ///< for whom the certificate was made; empty for a key
-  std::string reason;       ///< why it did not pass, in the library's English
-  std::string fingerprint;  ///< SHA-256, pairs of hexadecimal digits with ":" between
+  std::string reason;       ///< why it did not pass, in the library's English; for a key its type, "ssh-ed25519"
+  std::string fingerprint;  ///< SHA-256, pairs of hexadecimal digits with ":" between; for a key as ssh-keygen shows it
+  bool isKey = false;       ///< the key of an SSH server that isn't known
 };
 
 /// What a connection tells and asks during its commands. A function that isn't set is not called.
@@ -65,7 +66,8 @@ struct TransferEvents {
   std::function<bool(const UntrustedServer& server)> trust;
 };
 
-/// Whether line ends are converted: Ascii sends a lone LF as CR LF, Binary sends the bytes.
+/// Whether line ends are converted: Ascii sends a lone LF as CR LF over FTP, whose servers store their own line ends;
+/// SFTP stores what is sent, so that CR LF goes as LF. Binary sends the bytes.
 enum class TransferMode { Binary, Ascii };
 
 /// A connection to a server. Every command completes before it returns.
@@ -108,7 +110,8 @@ class Transfer {
 /// Waits while events go on. False as soon as `yield` says so.
 bool waitFor(int milliseconds, const std::function<bool()>& yield);
 
-/// A connection over FTP. Settings that ask for SFTP are refused by connect() with transferOther.
-std::unique_ptr<Transfer> makeTransfer();
+/// A connection over one of the protocols. Settings that ask for the other one are refused by connect() with
+/// transferOther.
+std::unique_ptr<Transfer> makeTransfer(TransferProtocol protocol = TransferProtocol::Ftp);
 
 }  // namespace kv

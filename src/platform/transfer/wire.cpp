@@ -25,7 +25,8 @@ int connectionFailure(int descriptor) {
 
 void setFlag(int descriptor, int level, int option, int value) {
   // An option that the system doesn't have changes no byte of the dialogue.
-  static_cast<void>(::setsockopt(descriptor, level, option, &value, sizeof value));
+  ignore(::setsockopt(descriptor, level, option, &value, sizeof value),
+         "a connection works without the option, slower");
 }
 
 }  // namespace
@@ -121,7 +122,7 @@ Result<> Wire::secure(Tls& tls, const TlsPeer& peer, Patience& patience) {
 
 void Wire::finish(Patience& patience) {
   if (!isOpen()) return;
-  if (tls_) static_cast<void>(SSL_shutdown(tls_->get()));
+  if (tls_) ignore(SSL_shutdown(tls_->get()), "the connection is closed whatever the other side answers");
   if (::shutdown(descriptor_, SHUT_WR) != 0 || !tls_) return;
   // What the server still says are session tickets: the next connection may need them, and a server would see the
   // connection reset, and lose what it hasn't read yet, if it were closed with them unread.

@@ -158,4 +158,20 @@ Result<std::vector<std::string>> filesToSend(const PublishJob& job, const Upload
   return found;
 }
 
+Result<std::vector<std::string>> filesToRemove(const PublishJob& job, const UploadOptions& options) {
+  std::vector<std::string> found;
+  if (options.cleanUpFolders.empty() || options.disabled) return found;
+  auto table = FileTable::open(job.shopFolder);
+  if (!table) return fail(table.error());
+  for (const FolderUpload& folder : {shopFolderOf(job), secondFolderOf(job)}) {
+    const std::string target = serverFolder(folder.remoteFolder);
+    auto sent = table->names(serverHost(options.connection.host), target);
+    if (!sent) return fail(sent.error());
+    for (const std::string& name : surplusFiles(std::move(*sent), options.choice, options.cleanUpFolders)) {
+      found.push_back(joinServerPath(target, name));
+    }
+  }
+  return found;
+}
+
 }  // namespace kv

@@ -63,4 +63,8 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
 /// no row is changed. Failures as FileTable::open.
 Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options);
 
+/// Names of the files on the server that a run would offer for removal now, written like those of filesToSend; none
+/// where the options have no clean-up. Failures as FileTable::open.
+Result<std::vector<std::string>> filesToRemove(const PublishJob& job, const UploadOptions& options);
+
 }  // namespace kv

@@ -7,7 +7,11 @@
 
 namespace kv {
 
-FolderUploader::FolderUploader(UploadParts parts, UploadOptions options) : parts_(parts), options_(std::move(options)) {
+FolderUploader::FolderUploader(UploadParts parts, UploadOptions options)
+    : user_(parts.user),
+      view_(parts.view),
+      parts_{parts.transfer, user_, view_, parts.table, parts.clock},
+      options_(std::move(options)) {
   addLane(parts_.transfer);
   startedAt_ = parts_.clock.now();
 }

@@ -14,6 +14,7 @@
 #include "publish/run/file_choice.h"
 #include "publish/run/file_table.h"
 #include "publish/run/ftp_log.h"
+#include "publish/run/main_stack.h"
 #include "publish/run/publish_view.h"
 
 namespace kv {
@@ -146,6 +147,8 @@ class FolderUploader {
   bool trusts(const UntrustedServer& server);
   bool opensSession() const;
 
+  MainStackUser user_;
+  MainStackView view_;
   UploadParts parts_;
   UploadOptions options_;
   FolderUpload folder_;

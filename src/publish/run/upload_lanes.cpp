@@ -35,7 +35,8 @@ FolderUploader::Lane& FolderUploader::addLane(Transfer& transfer) {
 
 void FolderUploader::makeFurtherLanes() {
   const int wanted = std::min(options_.connections, mostConnections);
-  while (static_cast<int>(lanes_.size()) < wanted) addLane(*furtherTransfers_.emplace_back(makeTransfer()));
+  while (static_cast<int>(lanes_.size()) < wanted)
+    addLane(*furtherTransfers_.emplace_back(makeTransfer(options_.connection.protocol)));
 }
 
 void FolderUploader::sendSideBySide(const std::vector<std::string>& names) {

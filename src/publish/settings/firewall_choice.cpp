@@ -8,10 +8,23 @@ namespace kv {
 FirewallSettings shownFirewall(const FirewallSettings& settings) {
   FirewallSettings shown = settings;
   if (!isNumeric(shown.ftpPort)) shown.ftpPort = usualFtpPort;
+  if (shown.ftpPort == usualFtpPort) shown.ftpPort = portAfterChange(shown.ftpPort, shown.protocol);
   return shown;
 }
 
 bool areFirewallFieldsEnabled(FirewallKind kind) { return kind != FirewallKind::None; }
+
+bool areFtpFieldsEnabled(TransferProtocol protocol) { return protocol == TransferProtocol::Ftp; }
+
+bool carries(FirewallKind kind, TransferProtocol protocol) {
+  return protocol == TransferProtocol::Ftp || kind < FirewallKind::ProxyUser || kind > FirewallKind::ProxyOpen;
+}
+
+std::string portAfterChange(const std::string& port, TransferProtocol protocol) {
+  const bool isSftp = protocol == TransferProtocol::Sftp;
+  if (port != (isSftp ? usualFtpPort : usualSftpPort)) return port;
+  return std::string(isSftp ? usualSftpPort : usualFtpPort);
+}
 
 bool resetFirewall(const std::string& shopFolder, UserPort& user) {
   const Question question{"Le impostazioni avanzate saranno riportate alle condizioni di default", Buttons::OkCancel,

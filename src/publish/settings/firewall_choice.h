@@ -17,10 +17,20 @@ inline constexpr std::array<std::string_view, 8> firewallKinds{
 inline constexpr std::array<std::string_view, 4> tlsModes{"Mai", "Se il server la offre", "Obbligatoria",
                                                           "Dall'inizio (porta 990)"};
 
+/// The names of the protocols, in the order of their numbers.
+inline constexpr std::array<std::string_view, 2> protocolNames{"FTP", "SFTP (SSH)"};
+
 /// The settings as the dialog shows them: an FTP port that is no number is shown as 21.
 FirewallSettings shownFirewall(const FirewallSettings& settings);
 /// Whether host, port, user and password of the firewall can be typed.
 bool areFirewallFieldsEnabled(FirewallKind kind);
+
+/// What only FTP has: the kind of the data connection, its own encryption and the FTP proxies.
+bool areFtpFieldsEnabled(TransferProtocol protocol);
+/// Whether a kind of firewall carries a protocol.
+bool carries(FirewallKind kind, TransferProtocol protocol);
+/// The port after a change of the protocol: a usual one becomes that of the new protocol, another one stays.
+std::string portAfterChange(const std::string& port, TransferProtocol protocol);
 
 /// cmdReset: asks, with Cancel as default, and deletes the file. False when the answer was no, or the file could not be
 /// deleted, which the user has been told.

@@ -4,6 +4,7 @@
 #include "platform/files/private_file.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
+#include "platform/transfer/known_hosts.h"
 #include "publish/settings/key_lines.h"
 #include "publish/settings/server_names.h"
 
@@ -118,6 +119,9 @@ ConnectionSettings connectionOf(const ServerLogin& login, const FirewallSettings
   connection.firewallPassword = way.password;
   connection.tls = way.tls;
   connection.protocol = way.protocol;
+  // 21 is what the file says where nobody has chosen a port.
+  if (way.protocol == TransferProtocol::Sftp && connection.ftpPort == usualFtpPort) connection.ftpPort.clear();
+  connection.knownHostsFile = userKnownHostsPath();
   connection.silenceSeconds = silenceSeconds;
   return connection;
 }

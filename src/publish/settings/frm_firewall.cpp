@@ -9,7 +9,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStandardItemModel>
 #include <QVBoxLayout>
+#include <initializer_list>
 #include <utility>
 
 #include "platform/ports/failure_text.h"
@@ -60,6 +62,8 @@ frmFirewall::frmFirewall(std::string shopFolder, UserPort& user, Verifier verify
 QWidget* frmFirewall::makeConnection() {
   auto* group = new QGroupBox(toQt("Connessione"));
   auto* form = new QFormLayout(group);
+  cboProtocollo_ = addNames(*form, "P&rotocollo:", "cboProtocollo", protocolNames);
+  connect(cboProtocollo_, &QComboBox::activated, this, &frmFirewall::changeProtocol);
   optPassiva_ = named(new QRadioButton(toQt("Connessione &passiva (usa PASV)")), "optPassiva");
   optAttiva_ = named(new QRadioButton(toQt("Connessione &attiva (usa PORT)")), "optAttiva");
   form->addRow(optPassiva_);
@@ -86,6 +90,7 @@ QWidget* frmFirewall::makeFirewall() {
 
 void frmFirewall::show(const FirewallSettings& settings) {
   settings_ = shownFirewall(settings);
+  cboProtocollo_->setCurrentIndex(static_cast<int>(settings_.protocol));
   (settings_.passive ? optPassiva_ : optAttiva_)->setChecked(true);
   txtPortaFTP_->setText(toQt(settings_.ftpPort));
   cboTLS_->setCurrentIndex(static_cast<int>(settings_.tls));
@@ -100,6 +105,7 @@ void frmFirewall::show(const FirewallSettings& settings) {
 
 FirewallSettings frmFirewall::shown() const {
   FirewallSettings settings = settings_;
+  settings.protocol = protocol();
   settings.passive = optPassiva_->isChecked();
   settings.ftpPort = fromQt(txtPortaFTP_->text());
   settings.tls = static_cast<TlsMode>(cboTLS_->currentIndex());
@@ -112,7 +118,21 @@ FirewallSettings frmFirewall::shown() const {
   return settings;
 }
 
+TransferProtocol frmFirewall::protocol() const { return static_cast<TransferProtocol>(cboProtocollo_->currentIndex()); }
+
+void frmFirewall::changeProtocol() {
+  txtPortaFTP_->setText(toQt(portAfterChange(fromQt(txtPortaFTP_->text()), protocol())));
+  if (!carries(static_cast<FirewallKind>(cboTipo_->currentIndex()), protocol())) cboTipo_->setCurrentIndex(0);
+  enable();
+}
+
 void frmFirewall::enable() {
+  const bool isFtp = areFtpFieldsEnabled(protocol());
+  for (QWidget* field : std::initializer_list<QWidget*>{optPassiva_, optAttiva_, cboTLS_}) field->setEnabled(isFtp);
+  const auto* const kinds = qobject_cast<QStandardItemModel*>(cboTipo_->model());
+  for (int i = 0; i < cboTipo_->count(); ++i) {
+    kinds->item(i)->setEnabled(carries(static_cast<FirewallKind>(i), protocol()));
+  }
   const bool used = areFirewallFieldsEnabled(static_cast<FirewallKind>(cboTipo_->currentIndex()));
   for (QLineEdit* field : {txtHost_, txtPorta_, txtUser_, txtPassword_}) field->setEnabled(used);
 }

@@ -29,8 +29,10 @@ class frmFirewall final : public FormDialog {
   QWidget* makeFirewall();
   void show(const FirewallSettings& settings);
   FirewallSettings shown() const;
-  void enable();  // the fields of the firewall, by its kind
-  void save();    // writes the file and closes, or shows the failure
+  void enable();  // the fields of the firewall by its kind, those of FTP by the protocol
+  void changeProtocol();
+  TransferProtocol protocol() const;
+  void save();  // writes the file and closes, or shows the failure
 
   std::string shopFolder_;
   UserPort& user_;
@@ -38,6 +40,7 @@ class frmFirewall final : public FormDialog {
   // Controls under their names; Qt owns them.
   QRadioButton* optPassiva_ = nullptr;
   QRadioButton* optAttiva_ = nullptr;
+  QComboBox* cboProtocollo_ = nullptr;
   QLineEdit* txtPortaFTP_ = nullptr;
   QComboBox* cboTLS_ = nullptr;
   QCheckBox* chkDisc_ = nullptr;

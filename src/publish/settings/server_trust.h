@@ -7,7 +7,7 @@
 
 namespace kv {
 
-/// Names the server, why it doesn't pass, and what the certificate says; default No.
+/// Names the server, why it doesn't pass, and what the certificate says, or the key and its type; default No.
 Question trustQuestion(const UntrustedServer& server);
 
 /// Goes after the message of transferNoData.

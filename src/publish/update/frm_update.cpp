@@ -1,7 +1,6 @@
 #include "publish/update/frm_update.h"
 
 #include <QDialogButtonBox>
-#include <QFrame>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -9,7 +8,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "publish/update/busy_shape.h"
+#include "publish/update/frm_busy_frame.h"
 
 namespace kv {
 namespace {
@@ -18,7 +17,6 @@ constexpr std::string_view updateTitle = "Korvane - Aggiornamento del database";
 constexpr std::string_view updateHeading =
     "Il server sta aggiornando il database del negozio: può richiedere alcuni minuti.";
 constexpr int startDelay = 1000;
-constexpr int shapeHeight = 9;
 
 }  // namespace
 
@@ -27,17 +25,7 @@ frmUpdate::frmUpdate(UpdateJob job, Environment& env, HttpClient& http, QWidget*
   txtRisposta_ = named(new QPlainTextEdit(), "txtRisposta");
   txtRisposta_->setReadOnly(true);
   txtRisposta_->setTabChangesFocus(true);
-  picBusy_ = named(new QFrame(), "picBusy");
-  picBusy_->setFrameShape(QFrame::StyledPanel);
-  picBusy_->setFixedHeight(shapeHeight + 2 * picBusy_->frameWidth());
-  shpBusy_ = named(new QFrame(picBusy_), "shpBusy");
-  shpBusy_->setGeometry(0, picBusy_->frameWidth(), 4 * shapeHeight, shapeHeight);
-  shpBusy_->setAutoFillBackground(true);
-  shpBusy_->setBackgroundRole(QPalette::Highlight);
-  shpBusy_->hide();
-  tmrBusy_ = new QTimer(this);
-  tmrBusy_->setInterval(busyInterval);
-  connect(tmrBusy_, &QTimer::timeout, this, &frmUpdate::moveShape);
+  picBusy_ = new BusyFrame();
   auto* column = new QVBoxLayout(this);
   column->addWidget(wrappedText(updateHeading));
   column->addWidget(picBusy_);
@@ -57,8 +45,7 @@ void frmUpdate::showEvent(QShowEvent* event) {
 void frmUpdate::start() {
   if (started_ || cancelled_ || !isVisible()) return;
   started_ = running_ = true;
-  shpBusy_->show();
-  tmrBusy_->start();
+  picBusy_->setBusy(true);
   const UpdateParts parts{http_, env_.random, env_.user, [this] { return processEvents(); },
                           [this](const std::string& answers) {
                             txtRisposta_->setPlainText(toQt(answers));
@@ -66,8 +53,7 @@ void frmUpdate::start() {
                           }};
   const std::string tag = updateDatabase(job_, parts);
   running_ = false;
-  tmrBusy_->stop();
-  shpBusy_->hide();
+  picBusy_->setBusy(false);
   finish(tag);
 }
 
@@ -75,8 +61,6 @@ bool frmUpdate::processEvents() {
   if (!cancelled_ && pump_.isDue()) pump_.processEvents(true);
   return !cancelled_;
 }
-
-void frmUpdate::moveShape() { shpBusy_->move(nextBusyEdge(shpBusy_->x(), picBusy_->width()), shpBusy_->y()); }
 
 void frmUpdate::reject() {
   if (asking_) return;

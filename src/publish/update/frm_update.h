@@ -5,12 +5,11 @@
 #include "platform/qt/frm_user.h"
 #include "publish/update/database_update.h"
 
-class QFrame;
-class QLabel;
 class QPlainTextEdit;
-class QTimer;
 
 namespace kv {
+
+class BusyFrame;
 
 /// The tag is "OK", or the text that the user is to read, or empty when the update was cancelled.
 class frmUpdate final : public FormDialog {
@@ -28,7 +27,6 @@ class frmUpdate final : public FormDialog {
  private:
   void start();
   bool processEvents();
-  void moveShape();
 
   UpdateJob job_;
   Environment& env_;
@@ -40,9 +38,7 @@ class frmUpdate final : public FormDialog {
   bool cancelled_ = false;  // the user has said Yes
   // Controls under their names; Qt owns them.
   QPlainTextEdit* txtRisposta_ = nullptr;
-  QFrame* picBusy_ = nullptr;
-  QFrame* shpBusy_ = nullptr;
-  QTimer* tmrBusy_ = nullptr;
+  BusyFrame* picBusy_ = nullptr;
 };
 
 }  // namespace kv

@@ -24,7 +24,7 @@ const std::map<std::string_view, CommandRow>& commands() {
       {"check", {CliCommand::Check}},
       {"export-sql", {CliCommand::ExportSql}},
       {"new", {CliCommand::New}},
-      {"export", {CliCommand::Export, "la cartella di destinazione", {"--with="}}},
+      {"export", {CliCommand::Export, "la cartella di destinazione", {"--with=", "--zip"}}},
       {"import",
        {CliCommand::Import, "la cartella di origine", {"--dry-run", "--options=", "--variant=", "--company="}}},
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
@@ -181,7 +181,7 @@ std::string usageText() {
          "  export NEGOZIO CARTELLA\n"
          "                      esporta il negozio nella CARTELLA vuota. --with TLSRP: T il template, L i moduli\n"
          "                      linguistici, S gli script, P i tag personalizzati di tutti i negozi; R resetta le\n"
-         "                      cartelle di lavoro del negozio esportato\n"
+         "                      cartelle di lavoro del negozio esportato. --zip: nella CARTELLA un unico file .zip\n"
          "  import NEGOZIO ORIGINE\n"
          "                      sostituisce i dati del negozio con quelli del negozio Primo contenuto nella cartella\n"
          "                      ORIGINE. --dry-run: dice soltanto che cosa verrebbe importato\n"
@@ -194,6 +194,7 @@ std::string usageText() {
          "                      dimensioni massime\n"
          "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio. --all invia\n"
          "                      anche i file già presenti sul server. --dry-run elenca i file da inviare\n"
+         "                      e quelli che si proporrebbe di eliminare\n"
          "  upgrade NEGOZIO     apre il negozio e dice che cosa è stato aggiornato\n"
          "  prices NEGOZIO --percent +10 --list 0,3 [--department ID] [--offers] [--variants] [--round]\n"
          "                      varia in percentuale i prezzi dei listini indicati\n"

@@ -16,7 +16,9 @@ CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environm
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
   ignore(createFolders(absolutePath(line.object)), "the export tells of a folder that can't be written");
-  const auto options = [&](const ExportOffer&) { return exportTag(exportChoice(line.option("--with"))); };
+  const auto options = [&](const ExportOffer&) {
+    return exportTag(exportChoice(line.option("--with") + (line.has("--zip") ? "Z" : "")));
+  };
   switch (EsportaNegozio(open.session, env, options)) {
     case ExportOutcome::Done:
       return CliOutcome::Done;
@@ -34,8 +36,9 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
   // A shop is a folder: a file is the accounting package's, and so are the tables of one in a folder.
   if (fileExists(source) || isAccountingSource(source)) return importAccounting(shop, line, env, out);
   CliSession open(env);
-  if (!open.open(shop) || !holdsSource(env, source)) return CliOutcome::Failed;
-  if (line.has("--dry-run")) {
+  const bool dryRun = line.has("--dry-run");
+  if (!(dryRun ? open.openToLook(shop) : open.open(shop)) || !holdsSource(env, source)) return CliOutcome::Failed;
+  if (dryRun) {
     const auto preview = previewPrimo(open.session.catalogue, joinPath(source, "catalog.mdb"));
     out << previewOfShop(open.session.catalogue, source);
     return preview ? CliOutcome::Done : CliOutcome::Failed;
@@ -47,7 +50,7 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
 CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  PicturePurge purge({joinPath(shop, "work"), [&] { return usedPictures(open.session.catalogue); }, {}}, env.user);
+  PicturePurge purge({joinPath(shop, "work"), [&] { return usedPictures(open.session.catalogue); }, {}, {}}, env.user);
   if (!purge.search()) return CliOutcome::Failed;
   for (const UnusedPicture& picture : purge.unused()) out << picture.name << '\n';
   if (!line.has("--delete") || !purge.hasUnused()) return CliOutcome::Done;

@@ -31,12 +31,16 @@ class CliView final : public PublishView {
 
 CliOutcome nameFiles(const PublishJob& job, const UploadOptions& options, Environment& env, std::ostream& out) {
   const auto files = filesToSend(job, options);
-  if (!files) {
-    env.user.message(failureText(files.error(), "kvftp.mdb"), Icon::Exclamation);
+  const auto surplus = filesToRemove(job, options);
+  if (!files || !surplus) {
+    env.user.message(failureText(files ? surplus.error() : files.error(), "kvftp.mdb"), Icon::Exclamation);
     return CliOutcome::Failed;
   }
   for (const std::string& name : *files) out << name << '\n';
   out << "File da inviare: " << files->size() << '\n';
+  if (options.cleanUpFolders.empty()) return CliOutcome::Done;
+  for (const std::string& name : *surplus) out << name << '\n';
+  out << "File da eliminare dal server: " << surplus->size() << '\n';
   return CliOutcome::Done;
 }
 
@@ -57,7 +61,7 @@ CliOutcome publishFromCli(const std::string& shop, const PublishFlags& flags, En
     return CliOutcome::Failed;
   }
   if (flags.all) setup->settings.onlyModified = false;
-  const auto transfer = makeTransfer();
+  const auto transfer = makeTransfer(setup->way.protocol);
   const auto http = makeHttpClient();
   PublishSteps steps;
   steps.exportSql = [&] { setup->exportSql(env.user); };

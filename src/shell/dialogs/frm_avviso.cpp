@@ -39,8 +39,7 @@ frmAvviso::frmAvviso(Settings& settings, QWidget* parent) : FormDialog("Korvane"
 }
 
 void frmAvviso::answer(bool yes) {
-  // A setting that can't be stored brings the reminder once more.
-  static_cast<void>(answerReminder(settings_, chkMai_->isChecked()));
+  ignore(answerReminder(settings_, chkMai_->isChecked()), "a setting that is not stored brings the reminder once more");
   finish(yes ? "OK" : "");
 }
 

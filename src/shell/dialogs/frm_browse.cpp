@@ -76,7 +76,7 @@ void frmBrowse::reset(WorkingFolder folder) {
 }
 
 void frmBrowse::accepted() {
-  static_cast<void>(choice_.apply(session_, env_.user));
+  ignore(choice_.apply(session_, env_.user), "the user has been told");
   finish("OK");
 }
 

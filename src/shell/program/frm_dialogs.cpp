@@ -61,8 +61,12 @@ void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
     return name;
   };
   dialogs.purgePictures = [&](const std::string& folder) {
-    frmPulisciImmagini dialog({folder, [&session] { return usedPictures(session.catalogue); }, moveToTrash}, env.user,
-                              &window);
+    PurgeSources sources{folder, [&session] { return usedPictures(session.catalogue); }, {}, moveToTrash};
+    sources.texts = [&](const TextReader& read) {
+      readTemplateTexts(joinPath(env.applicationFolder, session.templatePath), read);
+      return readAllTexts(session.catalogue, read);
+    };
+    frmPulisciImmagini dialog(std::move(sources), env.user, &window);
     return isAccepted(dialog);
   };
 }

@@ -74,7 +74,8 @@ RescuePorts rescuePorts(Environment& env) {
 void greet(frmMain& window, Settings& settings, bool isShopNamed) {
   frmAbout::showSplash(&window);
   if (!takeIntroTurn(settings)) return;
-  if (!isShopNamed) static_cast<void>(window.workbench().ports().dialogs.welcome());
+  if (!isShopNamed)
+    ignore(window.workbench().ports().dialogs.welcome(), "without a choice the program goes on as before");
   if (window.isVisible()) showGuide(window);
 }
 

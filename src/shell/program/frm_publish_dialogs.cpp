@@ -25,7 +25,7 @@ bool chooseFolderOfServer(frmMain& window, Session& session, Environment& env, S
   const bool isShop = folder == ServerFolder::Shop;
   const ConnectionSettings connection = connectionOf(*login, readFirewallSettings(session.ShopFolder),
                                                      readPublishSettings(session.ShopFolder).silenceSeconds);
-  const auto transfer = makeTransfer();
+  const auto transfer = makeTransfer(connection.protocol);
   frmFolderFTP dialog(isShop ? shopFolderTitle : scriptFolderTitle, connection, *transfer, env.user, &window);
   dialog.exec();
   const auto chosen = chosenServerFolder(dialog.tag());
@@ -43,7 +43,7 @@ void verifyConnection(Session& session, UserPort& user, const FirewallSettings& 
     const Error& error = !job ? job.error() : !login ? login.error() : folder.error();
     return user.message(failureText(error), Icon::Exclamation);
   }
-  const auto transfer = makeTransfer();
+  const auto transfer = makeTransfer(way.protocol);
   const auto http = makeHttpClient();
   std::string found;
   {

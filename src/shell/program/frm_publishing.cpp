@@ -27,7 +27,7 @@ bool runPublish(frmMain& window, Session& session, Environment& env, LockStateme
     env.user.message(failureText(setup.error()), Icon::Exclamation);
     return false;
   }
-  const auto transfer = makeTransfer();
+  const auto transfer = makeTransfer(setup->way.protocol);
   frmFTP dialog(setup->job, setup->options(), {*transfer, env.user, env.clock}, &window);
   dialog.steps.exportSql = [&] { setup->exportSql(env.user); };
   dialog.steps.updateDatabase = [&] { return updateInWindow(session, env, &dialog); };

@@ -51,7 +51,7 @@ void openPasswordLists(Session& session, Environment& env) {
     env.user.message(failureText(job.error()), Icon::Exclamation);
     return;
   }
-  const auto transfer = makeTransfer();
+  const auto transfer = makeTransfer(job->connection.protocol);
   const auto http = makeHttpClient();
   frmOTP dialog(std::move(*job), {*transfer, *http, env.user}, env.random, QApplication::activeModalWidget());
   dialog.exec();

@@ -13,6 +13,7 @@
 #include "platform/qt/frm_field_mark.h"
 #include "shell/window/frm_field.h"
 #include "shell/window/frm_picture.h"
+#include "shell/window/frm_picture_drop.h"
 #include "shell/window/frm_text.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/variant_commands.h"
@@ -267,7 +268,11 @@ void EditorBinding::makeCombo() {
 void EditorBinding::makePicture(const CommandActions& actions) {
   const PictureCommandNames commands = pictureCommandNames(editor_.set, editor_.number);
   auto* picture =
-      new PicturePreview(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
+      new PictureField(toQt(plainLabel(editor_.label)), actions(commands.choose), actions(commands.clear), parent_);
+  auto* drops = new PictureDrops(*picture, workbench_, [this](QPoint) {
+    return std::optional(RowPicture{editor_.set, editor_.number});
+  });
+  drops->pasteOn(picture->picture());
   read_ = [] { return QString(); };
   write_ = [this, picture](const QString& name) { picture->showPicture(name, toQt(workbench_.picturePath(editor_))); };
   adopt(picture);

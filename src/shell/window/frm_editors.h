@@ -16,7 +16,7 @@ namespace kv {
 
 class FieldLine;
 class FieldMark;
-class PicturePreview;
+class PictureField;
 
 /// The window's actions by the names of their commands.
 /// Null for a name that isn't in the table.

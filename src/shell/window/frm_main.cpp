@@ -21,6 +21,7 @@
 #include "platform/qt/frm_dialog.h"
 #include "platform/qt/frm_screen.h"
 #include "shell/window/frm_keys.h"
+#include "shell/window/frm_picture_drop.h"
 
 namespace kv {
 namespace {
@@ -31,6 +32,38 @@ constexpr int leastWidth = 640;
 constexpr int leastHeight = 420;
 constexpr int listsWidth = 372;
 
+/// A picture for the row under the mouse: for the article or department that it shows.
+void takeDrops(frmMain& window) {
+  Workbench& workbench = window.workbench();
+  DepartmentView& tree = window.tree();
+  ArticleList& articles = window.articles();
+  new PictureDrops(*tree.viewport(), workbench, [&workbench, &tree](QPoint at) -> std::optional<RowPicture> {
+    const QModelIndex node = tree.indexAt(at);
+    const std::string key = node.isValid() ? tree.departments().keyOf(node) : std::string();
+    if (key.empty() || key == treeRoot) return std::nullopt;
+    workbench.goToDepartment(key);
+    tree.select(workbench.sets().department());
+    // What is being typed may not let the row be left.
+    if (workbench.sets().department() != key) return std::nullopt;
+    return RowPicture{EditedSet::Categorie, freePictures};
+  });
+  new PictureDrops(*articles.viewport(), workbench, [&workbench, &articles](QPoint at) -> std::optional<RowPicture> {
+    const QModelIndex row = articles.indexAt(at);
+    if (!row.isValid()) return std::nullopt;
+    const std::int64_t ID = articles.articles().articleAt(row.row());
+    workbench.goToArticle(ID);
+    articles.selectCurrent();
+    if (workbench.sets().article() != ID) return std::nullopt;
+    return RowPicture{EditedSet::Articoli, freePictures};
+  });
+  for (const auto& [tab, set] :
+       {std::pair{Tab::Departments, EditedSet::Categorie}, std::pair{Tab::Articles, EditedSet::Articoli}}) {
+    new PictureDrops(*window.page(tab).viewport(), workbench, [set = set](QPoint) {
+      return std::optional(RowPicture{set, freePictures});
+    });
+  }
+}
+
 }  // namespace
 
 frmMain::frmMain(Session& session, Environment& env, WorkbenchPorts ports)
@@ -40,6 +73,7 @@ frmMain::frmMain(Session& session, Environment& env, WorkbenchPorts ports)
   menus_ = new MainMenus(*this, workbench_);
   makeTabs();
   makePanels();
+  takeDrops(*this);
   makeKeys();
   status_ = new QLabel(this);
   status_->setObjectName(QStringLiteral("lblStato"));

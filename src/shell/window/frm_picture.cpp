@@ -18,7 +18,7 @@ constexpr int previewHeight = 80;
 
 }  // namespace
 
-PicturePreview::PicturePreview(const QString& name, QAction* choose, QAction* clear, QWidget* parent)
+PictureField::PictureField(const QString& name, QAction* choose, QAction* clear, QWidget* parent)
     : QWidget(parent), preview_(new QLabel(this)), about_(new QLabel(this)), buttons_(new QWidget(this)), title_(name) {
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
@@ -27,6 +27,10 @@ PicturePreview::PicturePreview(const QString& name, QAction* choose, QAction* cl
   preview_->setAlignment(Qt::AlignCenter);
   row->addWidget(preview_, 0, Qt::AlignTop);
   preview_->setText(tr("(nessuna)"));
+  preview_->setFocusPolicy(Qt::StrongFocus);
+  preview_->setStyleSheet(QStringLiteral("QLabel:focus { border: 2px solid palette(highlight); }"));
+  preview_->setToolTip(tr("Trascina qui un'immagine, o incollala con Ctrl+V"));
+  nameFor({}, {});
   auto* column = new QVBoxLayout;
   about_->setWordWrap(true);
   about_->setTextFormat(Qt::PlainText);
@@ -42,7 +46,7 @@ PicturePreview::PicturePreview(const QString& name, QAction* choose, QAction* cl
   row->addLayout(column, 1);
 }
 
-void PicturePreview::addButton(QAction* action, const QString& text, const QString& meaning) {
+void PictureField::addButton(QAction* action, const QString& text, const QString& meaning) {
   auto* button = new QPushButton(text, buttons_);
   constexpr int roomBeside = 14;
   button->setMinimumWidth(button->fontMetrics().horizontalAdvance(text) + roomBeside);
@@ -55,7 +59,7 @@ void PicturePreview::addButton(QAction* action, const QString& text, const QStri
   buttons_->layout()->addWidget(button);
 }
 
-void PicturePreview::showPicture(const QString& name, const QString& path) {
+void PictureField::showPicture(const QString& name, const QString& path) {
   const QFileInfo file(path);
   const qint64 stamp = path.isEmpty() ? 0 : file.lastModified().toMSecsSinceEpoch();
   if (name == name_ && path == path_ && stamp == stamp_) return;
@@ -64,17 +68,23 @@ void PicturePreview::showPicture(const QString& name, const QString& path) {
   stamp_ = stamp;
   preview_->clear();
   about_->setText(name);
-  preview_->setAccessibleName(name.isEmpty() ? title_ + tr(": nessuna") : title_ + QStringLiteral(": ") + name);
+  nameFor(name, {});
   if (path.isEmpty()) {
     preview_->setText(tr("(nessuna)"));
     return;
   }
   // Stepping through a list of articles doesn't wait for their pictures.
-  if (!waiting_) QTimer::singleShot(0, this, &PicturePreview::load);
+  if (!waiting_) QTimer::singleShot(0, this, &PictureField::load);
   waiting_ = true;
 }
 
-void PicturePreview::load() {
+void PictureField::nameFor(const QString& file, const QString& size) {
+  QString name = title_ + QStringLiteral(": ") + (file.isEmpty() ? tr("nessuna") : file);
+  if (!size.isEmpty()) name += QStringLiteral(", ") + size;
+  preview_->setAccessibleName(name);
+}
+
+void PictureField::load() {
   waiting_ = false;
   if (path_.isEmpty()) return;
   QImageReader reader(path_);
@@ -96,10 +106,12 @@ void PicturePreview::load() {
   QPainter(&onPage).drawPixmap(0, 0, picture);
   onPage.setDevicePixelRatio(ratio);
   preview_->setPixmap(onPage);
-  about_->setText(name_ + QStringLiteral("\n%1 x %2").arg(size.width()).arg(size.height()));
+  const QString sides = tr("%1 x %2").arg(size.width()).arg(size.height());
+  about_->setText(name_ + QLatin1Char('\n') + sides);
+  nameFor(name_, sides);
 }
 
-bool PicturePreview::event(QEvent* event) {
+bool PictureField::event(QEvent* event) {
   if (event->type() == QEvent::ScreenChangeInternal && !path_.isEmpty()) load();
   return QWidget::event(event);
 }

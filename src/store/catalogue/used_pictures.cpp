@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "platform/files/files.h"
+
 namespace kv {
 namespace {
 
@@ -10,6 +12,21 @@ constexpr std::array<std::string_view, 3> pictureQueries{
     "SELECT immagine0, immagine1 FROM generale LIMIT 1",
     "SELECT immagine0, immagine1, immagine1_l2, immagine1_l3, immagine1_l4 FROM categorie",
     "SELECT immagine0, immagine1, immagine2 FROM articoli"};
+
+/// The clipboard is no part of the shop.
+Result<std::vector<std::string>> tablesWithTexts(Database& catalogue) {
+  std::vector<std::string> names;
+  auto rows = catalogue.prepare(
+      "SELECT name FROM sqlite_master WHERE type = 'table' AND substr(name, 1, 7) <> 'sqlite_' AND substr(name, 1, 4) "
+      "<> 'clip'");
+  if (!rows) return fail(rows.error());
+  for (;;) {
+    const auto row = rows->step();
+    if (!row) return fail(row.error());
+    if (!*row) return names;
+    names.emplace_back(rows->text(0));
+  }
+}
 
 Result<> addNames(Database& catalogue, std::string_view query, std::vector<std::string>& names) {
   auto rows = catalogue.prepare(query);
@@ -32,6 +49,30 @@ Result<std::vector<std::string>> usedPictures(Database& catalogue) {
     if (auto added = addNames(catalogue, query, names); !added) return fail(added.error());
   }
   return names;
+}
+
+Result<> readAllTexts(Database& catalogue, const std::function<void(std::string_view text)>& read) {
+  const auto tables = tablesWithTexts(catalogue);
+  if (!tables) return fail(tables.error());
+  for (const std::string& table : *tables) {
+    auto rows = catalogue.prepare("SELECT * FROM \"" + table + "\"");
+    if (!rows) return fail(rows.error());
+    for (;;) {
+      const auto row = rows->step();
+      if (!row) return fail(row.error());
+      if (!*row) break;
+      for (int column = 0; column < rows->columnCount(); ++column) read(rows->text(column));
+    }
+  }
+  return {};
+}
+
+void readTemplateTexts(const std::string& package, const std::function<void(std::string_view text)>& read) {
+  for (const char* pattern : {"*.htm", "*.html", "*.part", "*.php", "*.js", "*.css", "*.ini"}) {
+    for (const std::string& name : listFiles(package, pattern)) {
+      if (const auto text = readBytes(joinPath(package, name))) read(*text);
+    }
+  }
 }
 
 }  // namespace kv

@@ -1,7 +1,9 @@
 #pragma once
 // The names of all pictures that the catalogue refers to.
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/database/database.h"
@@ -12,5 +14,10 @@ namespace kv {
 /// names may come twice, empty ones don't. Variants, showcase, clipboard and templates name no pictures that count.
 /// Failures: as prepare.
 Result<std::vector<std::string>> usedPictures(Database& catalogue);
+
+/// Hands out every text of the catalogue but those of the clipboard, as stored, row by row. Failures: as prepare.
+Result<> readAllTexts(Database& catalogue, const std::function<void(std::string_view text)>& read);
+/// Hands out the files of a template package, byte by byte; nothing of one that can't be read.
+void readTemplateTexts(const std::string& package, const std::function<void(std::string_view text)>& read);
 
 }  // namespace kv

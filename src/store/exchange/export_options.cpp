@@ -13,12 +13,13 @@ struct ExportCharacter {
   char character;
   bool ExportChoice::*chosen;
 };
-constexpr std::array<ExportCharacter, 6> exportCharacters{{{'T', &ExportChoice::withTemplate},
+constexpr std::array<ExportCharacter, 7> exportCharacters{{{'T', &ExportChoice::withTemplate},
                                                            {'L', &ExportChoice::withLanguages},
                                                            {'S', &ExportChoice::withScripts},
                                                            {'R', &ExportChoice::resetFolders},
                                                            {'P', &ExportChoice::withAllTags},
-                                                           {'W', &ExportChoice::noPasswords}}};
+                                                           {'W', &ExportChoice::noPasswords},
+                                                           {'Z', &ExportChoice::asZip}}};
 constexpr std::string_view okTag = "OK";
 
 }  // namespace
@@ -40,6 +41,11 @@ std::string exportTag(const ExportChoice& choice) {
     if (choice.*one.chosen) tag += one.character;
   }
   return tag;
+}
+
+std::string zipName(std::string_view shopFolder) {
+  const std::string_view name = baseName(shopFolder);
+  return (name.empty() ? std::string("negozio") : std::string(name)) + ".zip";
 }
 
 ExportChoice exportChoice(std::string_view characters) {

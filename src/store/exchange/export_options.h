@@ -20,6 +20,7 @@ inline constexpr std::string_view exportAllTagsCaption = "Esporta tutti i tag pe
 inline constexpr std::string_view exportPasswordsNote =
     "Con il negozio viaggiano anche le password del server e del database.";
 inline constexpr std::string_view exportNoPasswordsCaption = "Non esportare le password";
+inline constexpr std::string_view exportZipCaption = "Esporta in un unico file .zip";
 inline constexpr std::string_view exportShopTagsCaption =
     "Esporta solo i tag personalizzati relativi al negozio corrente";
 
@@ -40,10 +41,13 @@ struct ExportChoice {
   bool withScripts = false;    ///< S
   bool resetFolders = false;   ///< R
   bool withAllTags = false;    ///< P
+  bool asZip = false;          ///< Z: one archive in the folder, instead of the files themselves
   bool noPasswords = false;    ///< W: those of server and database are emptied in the copy, the firewall's file stays
 };
-/// "OK" and the characters of what is chosen, in the order TLSRPW.
+/// "OK" and the characters of what is chosen, in the order TLSRPWZ.
 std::string exportTag(const ExportChoice& choice);
+/// The name of the archive of a shop: that of its folder with ".zip".
+std::string zipName(std::string_view shopFolder);
 /// The choice that a tag or a list of these characters means; case and other characters are ignored.
 ExportChoice exportChoice(std::string_view characters);
 

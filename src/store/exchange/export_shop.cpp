@@ -2,7 +2,8 @@
 
 #include "platform/files/trees.h"
 #include "platform/text/text.h"
-#include "store/exchange/export_report.h"
+#include "store/exchange/export_plan.h"
+#include "store/exchange/moved_pieces.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
@@ -17,16 +18,8 @@ constexpr const char* chooseEmptyFolder = "Selezionare una cartella vuota:";
 constexpr const char* notEmpty = "La cartella selezionata non è vuota";
 constexpr const char* notExported = "Impossibile esportare il negozio nel percorso specificato";
 constexpr const char* unfinishedCatalogue = "catalog.tm0";
+constexpr std::string_view firewallFile = "firewall.net", buildFile = "costruzione.ini";
 constexpr std::string_view exporting = "Esportazione in corso...";
-
-/// An export on its way: where from, where to, what goes along.
-struct ExportRun {
-  const Session& session;
-  Environment& env;
-  std::string to;
-  ExportChoice choice;
-  ExportReport report{};
-};
 
 bool hasTemplateToExport(const Session& session, Environment& env) {
   const char* reason = nullptr;
@@ -54,98 +47,86 @@ std::string exportFolder(const Session& session, Environment& env) {
   return {};
 }
 
-/// A folder inside the shop can be the target: it is left out of its own copy. The model's catalogue is never copied.
-Result<> copyFolder(const ExportRun& run, const std::string& from, const std::string& to) {
-  if (!folderExists(from)) return {};
-  const std::string exceptFile(to == run.to ? catalogueFile : std::string_view());
-  const auto goOn = [&user = run.env.user] {
-    user.progress({exporting, 0, 0});
-    return user.yield();
-  };
-  return copyTree({from, to, run.to, exceptFile, goOn});
-}
+/// An export on its way: where from, where to, what goes along.
+struct ExportRun {
+  const Session& session;
+  Environment& env;
+  std::string to;
+  ExportChoice choice;
+  ExportPlan plan{to};
+  MovedPieces report{};
 
-Result<> copyIfThere(const ExportRun& run, std::string_view name) {
-  const std::string from = joinPath(run.session.ShopFolder, name);
-  return fileExists(from) ? copyFile(from, joinPath(run.to, name)) : Result<>{};
-}
+  std::string ofShop(std::string_view name) const { return joinPath(session.ShopFolder, name); }
+  std::string ofApplication(std::string_view name) const { return joinPath(env.applicationFolder, name); }
+};
 
-Result<> copyModelAndFolders(const ExportRun& run) {
-  if (auto copied = copyFolder(run, joinPath(run.env.applicationFolder, "new"), run.to); !copied) return copied;
-  for (const char* name : {"work", "code", "db"}) {
-    const std::string from = joinPath(run.session.ShopFolder, name);
-    if (auto copied = copyFolder(run, from, joinPath(run.to, name)); !copied) return copied;
+/// The model's files lie below the shop's. The model's catalogue is never exported.
+Result<> planModelAndFolders(ExportRun& run) {
+  if (auto added = run.plan.addTree(run.ofApplication("new"), ""); !added) return added;
+  for (const std::string_view name : {"work", "code", "db"}) {
+    if (auto added = run.plan.addTree(run.ofShop(name), std::string(name)); !added) return added;
   }
-  return copyIfThere(run, "shoptag.tag");
+  run.plan.remove(std::string(catalogueFile));
+  run.plan.addFile(run.ofShop("shoptag.tag"), "shoptag.tag");
+  return {};
 }
 
-Result<> copyTemplate(ExportRun& run) {
+Result<> planTemplate(ExportRun& run) {
   if (!run.choice.withTemplate) return {};
   run.report.pieces.emplace_back("il template");
-  return copyFolder(run, joinPath(run.env.applicationFolder, run.session.templatePath),
-                    joinPath(run.to, run.session.templatePath));
+  return run.plan.addTree(run.ofApplication(run.session.templatePath), run.session.templatePath);
 }
 
 /// Line by line: the last line of either file may have no end.
-Result<> appendCommonTags(ExportRun& run) {
-  const auto common = readBytes(joinPath(run.env.applicationFolder, "personal.tag"));
-  if (!run.choice.withAllTags || !common) return {};
-  const std::string path = joinPath(run.to, "shoptag.tag");
-  std::string tags = readBytes(path).value_or("");
+void planCommonTags(ExportRun& run) {
+  const auto common = readBytes(run.ofApplication("personal.tag"));
+  if (!run.choice.withAllTags || !common) return;
+  std::string tags = run.plan.contentOf("shoptag.tag");
   if (!tags.empty() && !tags.ends_with('\n')) tags += "\r\n";
   for (const std::string_view line : splitLines(*common)) tags += std::string(line) + "\r\n";
   run.report.pieces.emplace_back("i tag personalizzati");
-  return writeBytes(path, tags);
+  run.plan.addContent(std::move(tags), "shoptag.tag");
 }
 
-Result<> copyLanguages(ExportRun& run) {
-  if (!run.choice.withLanguages) return {};
-  const std::string from = joinPath(run.env.applicationFolder, languagesFolder);
-  const std::string to = joinPath(run.to, languagesFolder);
-  if (auto made = createFolder(to); !made) return made;
+void planLanguages(ExportRun& run) {
+  if (!run.choice.withLanguages) return;
+  const std::string from = run.ofApplication(languagesFolder), to(languagesFolder);
+  run.plan.addFolder(to);
   for (int i = 0; i < run.session.languageCount; ++i) {
     const std::string& language = run.session.languageNames[static_cast<std::size_t>(i)];
     for (const std::string& name : listFiles(from, language + ".*")) {
-      if (auto copied = copyFile(joinPath(from, name), joinPath(to, name)); !copied) return copied;
+      run.plan.addFile(joinPath(from, name), joinPath(to, name));
     }
   }
   run.report.pieces.emplace_back("i moduli linguistici");
-  return {};
-}
-
-std::vector<std::string> scriptsIn(const std::string& code) {
-  std::vector<std::string> names = listFiles(code, "*.php");
-  for (std::string& name : listFiles(code, "*.js")) names.push_back(std::move(name));
-  return names;
-}
-
-Result<> deleteScripts(const std::string& code) {
-  for (const std::string& name : scriptsIn(code)) {
-    if (auto deleted = deleteFile(joinPath(code, name)); !deleted) return deleted;
-  }
-  return {};
 }
 
 /// The scripts of the application's own shop are the model's, and never go along.
-Result<> sortScripts(ExportRun& run) {
-  const std::string code = joinPath(run.to, "code");
+void planScripts(ExportRun& run) {
+  std::vector<std::string> scripts = run.plan.filesIn("code", "*.php");
+  for (std::string& name : run.plan.filesIn("code", "*.js")) scripts.push_back(std::move(name));
   const bool isModel = isApplicationFolder(run.session.ShopFolder, run.env.applicationFolder);
-  if (isModel || !run.choice.withScripts) return deleteScripts(code);
-  const std::string inShop = joinPath(run.session.ShopFolder, "code");
-  for (const std::string& name : scriptsIn(code)) run.report.scripts.push_back(joinPath(inShop, name));
-  return {};
+  const bool isKept = run.choice.withScripts && !isModel;
+  for (const std::string& name : scripts) {
+    if (isKept) {
+      run.report.scripts.push_back(joinPath(run.ofShop("code"), name));
+    } else {
+      run.plan.remove(joinPath("code", name));
+    }
+  }
 }
 
-Result<> copyAllButCatalogue(ExportRun& run) {
-  Result<> done = copyModelAndFolders(run);
-  if (done) done = copyTemplate(run);
-  if (done) done = copyLanguages(run);
-  if (done) done = appendCommonTags(run);
-  if (done) done = sortScripts(run);
-  if (done) done = copyIfThere(run, transferFile);
-  if (done && !run.choice.noPasswords) done = copyIfThere(run, "firewall.net");
-  if (done) done = copyIfThere(run, "kvftp.ini");
-  return done;
+Result<> planAllButCatalogue(ExportRun& run) {
+  if (auto added = planModelAndFolders(run); !added) return added;
+  if (auto added = planTemplate(run); !added) return added;
+  planLanguages(run);
+  planCommonTags(run);
+  planScripts(run);
+  for (const std::string_view name : {transferFile, firewallFile, std::string_view("kvftp.ini"), buildFile}) {
+    const bool isSecret = name == firewallFile && run.choice.noPasswords;
+    if (!isSecret) run.plan.addFile(run.ofShop(name), std::string(name));
+  }
+  return {};
 }
 
 Result<> emptyColumns(const std::string& catalogue, const ExportChoice& choice) {
@@ -160,13 +141,25 @@ Result<> emptyColumns(const std::string& catalogue, const ExportChoice& choice) 
   return done;
 }
 
-/// The last step: under its name only once it is as it should be.
+/// A copy of the closed catalogue as the export has it.
 Result<> copyCatalogue(const std::string& from, const std::string& to, const ExportChoice& choice) {
-  const std::string unfinished = joinPath(to, unfinishedCatalogue);
-  Result<> done = copyFile(joinPath(from, catalogueFile), unfinished);
-  if (done) done = emptyColumns(unfinished, choice);
-  if (done) done = renameFile(unfinished, joinPath(to, catalogueFile));
-  return done;
+  Result<> done = copyFile(from, to);
+  return done ? emptyColumns(to, choice) : done;
+}
+
+std::function<bool(double)> watched(UserPort& user) {
+  return [&user](double done) {
+    user.progress({exporting, done, 1});
+    return user.yield();
+  };
+}
+
+/// All files, packed: the catalogue last.
+Result<> pack(const ExportRun& run, const std::string& catalogue) {
+  std::vector<ZipEntry> entries = run.plan.entries();
+  entries.push_back({std::string(catalogueFile), catalogue, {}});
+  Result<> done = writeZip(joinPath(run.to, zipName(run.session.ShopFolder)), entries, watched(run.env.user));
+  return done ? deleteFile(catalogue) : done;
 }
 
 ExportOutcome endEarly(const ExportRun& run, const Error& error) {
@@ -186,12 +179,16 @@ ExportOutcome EsportaNegozio(Session& session, Environment& env, const ExportDia
   const std::string tag = frmEsporta(exportOffer(session, env.applicationFolder));
   if (tag.empty()) return ExportOutcome::Left;
   ExportRun run{session, env, folder, exportChoice(tag)};
-  if (const auto copied = copyAllButCatalogue(run); !copied) return endEarly(run, copied.error());
-  const std::string shopFolder = session.ShopFolder;
+  Result<> done = planAllButCatalogue(run);
+  if (done && !run.choice.asZip) done = run.plan.writeTo(folder, watched(env.user));
+  if (!done) return endEarly(run, done.error());
+  // Under its name only once all is there: half an export is no shop.
+  const std::string catalogue = run.ofShop(catalogueFile), unfinished = joinPath(folder, unfinishedCatalogue);
   releaseCatalogue(session, env);
-  const auto copied = copyCatalogue(shopFolder, folder, run.choice);
+  done = copyCatalogue(catalogue, unfinished, run.choice);
   ignore(RiavviaSessione(session, env), "it has told the user of any failure");
-  if (!copied) return endEarly(run, copied.error());
+  if (done) done = run.choice.asZip ? pack(run, unfinished) : renameFile(unfinished, joinPath(folder, catalogueFile));
+  if (!done) return endEarly(run, done.error());
   env.user.progress({});
   env.user.message(exportMessage(folder, run.report), Icon::Information);
   return ExportOutcome::Done;

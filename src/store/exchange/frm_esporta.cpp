@@ -22,11 +22,13 @@ frmEsporta::frmEsporta(const ExportOffer& offer, QWidget* parent) : FormDialog(e
   chkSenzaPassword_ = named(new QCheckBox(toQt(exportNoPasswordsCaption)), "chkSenzaPassword");
   column->addWidget(wrappedText(exportPasswordsNote));
   column->addWidget(chkSenzaPassword_);
+  chkZip_ = named(new QCheckBox(toQt(exportZipCaption)), "chkZip");
+  column->addWidget(chkZip_);
   column->addStretch();
   QDialogButtonBox* buttons = makeButtons();
   connect(buttons, &QDialogButtonBox::accepted, this, &frmEsporta::accepted);
   column->addWidget(buttons);
-  sizeInCharacters(72, offer.scripts ? 24 : 13);
+  sizeInCharacters(72, offer.scripts ? 26 : 15);
 }
 
 void frmEsporta::addScripts(QBoxLayout& column, const ExportOffer& offer) {
@@ -59,6 +61,7 @@ void frmEsporta::accepted() {
   choice.resetFolders = isChosen(chkReset_);
   choice.withAllTags = isChosen(optTuttiTag_);
   choice.noPasswords = isChosen(chkSenzaPassword_);
+  choice.asZip = isChosen(chkZip_);
   finish(exportTag(choice));
 }
 

@@ -32,6 +32,7 @@ class frmEsporta final : public FormDialog {
   QCheckBox* chkScript_ = nullptr;
   QCheckBox* chkReset_ = nullptr;
   QCheckBox* chkSenzaPassword_ = nullptr;
+  QCheckBox* chkZip_ = nullptr;
   QPlainTextEdit* txtScript_ = nullptr;
   QRadioButton* optTuttiTag_ = nullptr;
 };

@@ -1,5 +1,5 @@
 #pragma once
-// What an import of the earlier product line would do, before anything is written.
+// What an import of the earlier product line would do, row by row, before anything is written.
 
 #include <cstdint>
 #include <string>
@@ -9,27 +9,47 @@
 
 namespace kv {
 
+/// What becomes of a row.
+enum class PrimoFate {
+  New,      ///< the source has it, the shop does not
+  Changed,  ///< both have it, and it takes other values
+  Same,     ///< both have it with equal values
+  Removed   ///< the shop alone has it, and it goes
+};
+
+/// A row of the source or of the shop.
+struct PrimoRow {
+  PrimoFate fate = PrimoFate::New;
+  std::string key;    ///< its ID; empty in a table of one row
+  std::string title;  ///< what it is called, if it is called anything
+};
+
 /// One table of the import.
 struct PrimoTable {
   std::string name;
-  std::int64_t present = 0;          ///< rows that would be replaced
-  std::int64_t coming = 0;           ///< rows that would replace them
+  std::vector<PrimoRow> rows;        ///< those of the source in the order of their keys, then those that go
   std::vector<std::string> leftOut;  ///< columns of the source that the catalogue lacks
+
+  /// How many rows have a fate.
+  std::size_t count(PrimoFate fate) const;
 };
 
 /// The tables of an import and its reservations, if any. Missing when the source lacks a table, Malformed when its
-/// version is not 200 to 299; others as Database::open. The source is only read.
+/// version is not 200 to 299; others as Database::open and attach. Nothing is written.
 struct PrimoPreview {
   int version = 0;
-  std::vector<PrimoTable> tables;
-  std::vector<std::string> keptSettings;  ///< columns of `generale` whose present value stays
+  std::vector<PrimoTable> tables;            ///< those that are taken over whole
+  std::vector<std::string> changedSettings;  ///< columns of `generale` that take other values
+  std::vector<std::string> keptSettings;     ///< columns of `generale` whose present value stays
+  std::vector<std::string> leftOutSettings;  ///< columns of the source's `generale` that the catalogue lacks
 };
 Result<PrimoPreview> previewPrimo(Database& catalogue, const std::string& path);
 
-/// The preview as lines of text in Italian, each closed.
+/// The preview as lines of text in Italian, each closed: totals of each table, then each row with what becomes of it.
 std::string previewText(const PrimoPreview& preview);
 
-/// The preview of the shop in `folder` as text, or why there is none; empty for an empty path.
+/// The preview of the shop in `folder` as text, with the number of its pictures, or why there is none; empty for an
+/// empty path.
 std::string previewOfShop(Database& catalogue, const std::string& folder);
 
 }  // namespace kv

@@ -35,16 +35,30 @@ std::vector<std::string> optionTexts(int option) {
   return names;
 }
 
+/// Whether an option has any text, as SQL.
+std::string hasText(int option, const std::string& row = {}) {
+  std::string isAny;
+  for (const std::string& text : optionTexts(option)) {
+    isAny += (isAny.empty() ? "" : " OR ") + ("COALESCE(" + row + text + ", '') <> ''");
+  }
+  return isAny;
+}
+
+/// The values of an option one after the other, as SQL; a sign that no text has comes between them.
+std::string optionDigest(const std::vector<std::string>& texts, const std::string& weight, const std::string& price,
+                         const std::string& selected) {
+  std::string digest = "(COALESCE(" + weight + ", 0) + 0.0) || '|' || COALESCE(" + price + ", 0) || '|' || " + selected;
+  for (const std::string& text : texts) digest += " || char(31) || COALESCE(" + text + ", '')";
+  return "(" + digest + " || char(30))";
+}
+
 /// The rows that one of the fifteen options of all variants becomes.
 std::string optionRows(int option) {
   const std::string number = std::to_string(option);
-  std::string list, isAny;
-  for (const std::string& text : optionTexts(option)) {
-    list += ", " + text;
-    isAny += (isAny.empty() ? "" : " OR ") + ("COALESCE(" + text + ", '') <> ''");
-  }
+  std::string list;
+  for (const std::string& text : optionTexts(option)) list += ", " + text;
   return "SELECT ID, " + number + ", peso" + number + ", prezzo" + number + ", CASE WHEN selezionato = " + number +
-         " THEN '.' ELSE ' ' END" + list + " FROM opzioni WHERE " + isAny;
+         " THEN '.' ELSE ' ' END" + list + " FROM opzioni WHERE " + hasText(option);
 }
 
 /// An option was five columns of its variant; it is a row of its own now.
@@ -123,6 +137,33 @@ Result<> takeAll(Database& catalogue, const PrimoPlan& plan) {
 }  // namespace
 
 std::vector<std::string_view> primoTables() { return {wholeTables.begin(), wholeTables.end()}; }
+
+bool isOptionText(const std::string& column) {
+  for (int option = 1; option <= oldOptions; ++option) {
+    const auto texts = optionTexts(option);
+    if (std::ranges::any_of(texts, [&](const std::string& text) { return equalsIgnoringCase(text, column); })) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string sameOptions() {
+  std::string theirs = "''";
+  for (int option = 1; option <= oldOptions; ++option) {
+    const std::string number = std::to_string(option);
+    std::vector<std::string> texts = optionTexts(option);
+    for (std::string& text : texts) text.insert(0, "s.");
+    theirs += " || CASE WHEN " + hasText(option, "s.") + " THEN " +
+              optionDigest(texts, "s.peso" + number, "s.prezzo" + number,
+                           "(CASE WHEN s.selezionato = " + number + " THEN '.' ELSE ' ' END)") +
+              " ELSE '' END";
+  }
+  const std::vector<std::string> texts{"testo", "testo_l2", "testo_l3", "testo_l4"};
+  return "COALESCE((SELECT group_concat(digest, '') FROM (SELECT " +
+         optionDigest(texts, "peso", "prezzo", "COALESCE(selezionato, '')") +
+         " AS digest FROM main.dettagliop WHERE OpID = m.ID ORDER BY ID)), '') COLLATE BINARY = (" + theirs + ")";
+}
 
 Result<SharedColumns> sharedColumns(Database& catalogue, Database& source, std::string_view table) {
   const auto ours = catalogue.table(table);

@@ -27,6 +27,12 @@ struct SharedColumns {
 };
 Result<SharedColumns> sharedColumns(Database& catalogue, Database& source, std::string_view table);
 
+/// Whether a column of `opzioni` is a text of one of the fifteen options that a variant had; case is ignored.
+bool isOptionText(const std::string& column);
+/// Whether the options of the row `m` of main.opzioni are those that an import makes of the row `s` of the source, as
+/// an expression of SQL.
+std::string sameOptions();
+
 /// Replaces the rows of the catalogue by those of `source`, converts variants and settings and empties the clipboard,
 /// in one transaction: after a failure the catalogue is as before. Failures: InUse when another program has the
 /// source, Missing when it lacks a table, others as execute.

@@ -26,14 +26,18 @@ std::string taken(const std::string& name, std::string_view from) {
 
 bool staysInImport(const std::string& column) { return std::ranges::find(kept, foldCase(column)) != kept.end(); }
 
+bool isTakenOver(const std::string& column) {
+  const std::string name = foldCase(column);
+  const bool isThreshold = name.starts_with("scimp") || name.starts_with("importo");
+  return name != "template" && !isThreshold && !staysInImport(name);
+}
+
 Result<> takePrimoSettings(Database& catalogue, const std::vector<std::string>& columns) {
   std::string changes = "template = ''";
   bool hasDiscount = false;
   for (const std::string& column : columns) {
-    const std::string name = foldCase(column);
-    const bool isThreshold = name.starts_with("scimp") || name.starts_with("importo");
-    hasDiscount = hasDiscount || name == discount;
-    if (name != "template" && !isThreshold && !staysInImport(name)) changes += ", " + taken(column, column);
+    hasDiscount = hasDiscount || equalsIgnoringCase(column, discount);
+    if (isTakenOver(column)) changes += ", " + taken(column, column);
   }
   changes += ", " + (hasDiscount ? taken("scimp", discount) : std::string("scimp = 0"));
   for (const std::string_view suffix : listinoSuffixes) {

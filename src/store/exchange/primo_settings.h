@@ -16,4 +16,7 @@ Result<> takePrimoSettings(Database& catalogue, const std::vector<std::string>& 
 /// Whether a column of `generale` keeps its present value; case is ignored.
 bool staysInImport(const std::string& column);
 
+/// Whether a column of `generale` is copied; case is ignored. The template and the discounts are set in another way.
+bool isTakenOver(const std::string& column);
+
 }  // namespace kv

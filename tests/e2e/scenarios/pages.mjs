@@ -33,7 +33,7 @@ async function tour(shopper, look) {
   }
   await shopper.open("order");
   await shopper.fillOrder(person);
-  await shopper.chooseShipping(countries.italy, methods.transfer[shopper.language.code]);
+  await shopper.chooseShipping(countries.italy[shopper.language.code], methods.transfer[shopper.language.code]);
   await shopper.sendOrder();
   await look("thankyou");
   await shopper.open("cart");

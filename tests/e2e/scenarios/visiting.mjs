@@ -37,7 +37,9 @@ export function visiting(as) {
     const { paper } = variants.wrapping;
     const mug = await shopper.forSale(the(articles.mug));
     const offered = await mug.getByLabel(the(variants.glaze)).innerText();
-    assert.match(offered, new RegExp(`${the(ochre)}.*\\+.*${written(ochre.difference)}`));
+    assert.match(offered, new RegExp(`${the(ochre)}.*\\+.*${written(ochre.difference, language)}`));
+    await shopper.choose(mug, the(variants.glaze), the(ochre));
+    assert.equal(amountsIn(await mug.locator("strong.prezzo").innerText())[0], articles.mug.price + ochre.difference);
     await shopper.buy(the(articles.mug), {
       choices: { [the(variants.glaze)]: the(ochre), [the(variants.wrapping)]: the(paper) },
     });

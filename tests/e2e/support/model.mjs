@@ -20,7 +20,11 @@ export const variants = {
   wrapping: { it: "Confezione regalo", en: "Gift wrapping", paper: { it: "Carta", en: "Paper", difference: 300 } },
 };
 
-export const countries = { italy: "Italia", france: "Francia", switzerland: "Svizzera" };
+export const countries = {
+  italy: { it: "Italia", en: "Italy" },
+  france: { it: "Francia", en: "France" },
+  switzerland: { it: "Svizzera", en: "Switzerland" },
+};
 
 export const methods = {
   cash: { it: "Contrassegno", en: "Cash on delivery" },

@@ -1,6 +1,6 @@
 // The model shop in a fresh folder, set up and built as a merchant would, served by tools/local-host.
 import { execFileSync, spawn } from "node:child_process";
-import { existsSync, readFileSync } from "node:fs";
+import { existsSync, readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { createInterface } from "node:readline";
 import { fileURLToPath } from "node:url";
@@ -24,15 +24,40 @@ function run(program, words, environment) {
   }
 }
 
-/** Makes, builds and exports the model shop below `folder`; the result is the shop's folder. */
-export function makeShop({ cli, template, wholeWords, folder }) {
+/** The folders of a user who has only this shop. */
+function userOf(folder) {
+  return { ...process.env, XDG_DATA_HOME: join(folder, "data"), XDG_CONFIG_HOME: join(folder, "config") };
+}
+
+/** Executes statements in the catalogue of a shop. */
+export function runIn(shop, statements) {
+  return run("sqlite3", [join(shop, "catalog.mdb"), statements], process.env);
+}
+
+/** Makes the model shop below `folder`, set up for tools/local-host; the result is the shop's folder. */
+export function newShop({ cli, template, wholeWords, folder }) {
   const shop = join(folder, "shop");
-  const environment = { ...process.env, XDG_DATA_HOME: join(folder, "data"), XDG_CONFIG_HOME: join(folder, "config") };
-  run(cli, ["new", shop], environment);
-  run("sqlite3", [join(shop, "catalog.mdb"), adjustments({ template, wholeWords })], environment);
-  run(localHost, ["prepare", shop], environment);
-  run(cli, ["build", shop], environment);
-  run(cli, ["export-sql", shop], environment);
+  run(cli, ["new", shop], userOf(folder));
+  runIn(shop, adjustments({ template, wholeWords }));
+  run(localHost, ["prepare", shop], userOf(folder));
+  return shop;
+}
+
+/** Builds and exports a shop; what the program said of the build. */
+export function buildShop({ cli, folder }, shop) {
+  const said = run(cli, ["build", shop], userOf(folder));
+  run(cli, ["export-sql", shop], userOf(folder));
+  // Visitors of the tests fill a form at once, and all come from one address.
+  writeFileSync(join(shop, "online/kvlimiti.php"),
+    "<?php return ['tempo_minimo' => 0, 'ordini' => [100000, 15], 'ordini_email' => [100000, 60],"
+    + " 'registrazioni' => [100000, 15], 'accessi' => [100000, 15], 'collegamenti' => [100000, 15]];\n");
+  return said;
+}
+
+/** Makes, builds and exports the model shop below `folder`; the result is the shop's folder. */
+export function makeShop(options) {
+  const shop = newShop(options);
+  buildShop(options, shop);
   return shop;
 }
 

@@ -39,7 +39,7 @@ bool ensureTemplate(const CommandContext& context) {
 
 void buildShop(const CommandContext& context) {
   if (!ensureTemplate(context)) return;
-  static_cast<void>(context.ports.dialogs.build());
+  ignore(context.ports.dialogs.build(), "the dialog has told how it ended");
   context.bench.refreshAll();
 }
 

@@ -40,7 +40,7 @@ Command dialogCommand(std::string name, const MenuPlace& place, WorkbenchDialogs
   row.run = [dialog, step](const CommandContext& context) {
     const WorkbenchDialogs::Dialog& show = context.ports.dialogs.*dialog;
     if (!step.empty()) return context.bench.editThrough(step, show);
-    static_cast<void>(show());
+    ignore(show(), "the dialog has stored or told all");
     // A dialog that brought another shop, or another catalogue, may have brought none.
     if (!context.session.catalogue.isOpen()) context.view.close();
   };

@@ -25,7 +25,7 @@ void publish(const CommandContext& context) {
     return;
   }
   const WorkbenchDialogs& dialogs = context.ports.dialogs;
-  if (dialogs.publishOptions() && dialogs.publish) ignore(dialogs.publish(), "the run tells its own end");
+  if (dialogs.publishOptions() && dialogs.publish) ignore(dialogs.publish(), "the dialog has told how it ended");
 }
 
 void openBackOffice(const CommandContext& context) {

@@ -46,7 +46,7 @@ Command purgeRow() {
                         [](const CommandContext& context) {
                           const std::string pictures = joinPath(context.session.ShopFolder, "work");
                           context.env.user.message(purgeNotice(pictures), Icon::Information);
-                          static_cast<void>(context.ports.dialogs.purgePictures(pictures));
+                          ignore(context.ports.dialogs.purgePictures(pictures), "files are no part of the step");
                         });
   row.dialog = wired(&WorkbenchDialogs::purgePictures);
   row.help = "pagine/immagini.htm";

@@ -9,7 +9,7 @@ void defineVariant(const CommandContext& context, int slot, std::string_view ste
   if (!context.sets.onArticle()) return;
   const VariantSlot wanted{slot, context.bench.listino()};
   context.bench.showError(context.history.record(std::string(step), [&]() -> Result<> {
-    static_cast<void>(context.ports.dialogs.defineVariant(wanted));
+    ignore(context.ports.dialogs.defineVariant(wanted), "the step holds what was stored, with Cancel too");
     return {};
   }));
   context.view.fieldsChanged(EditedSet::Articoli);

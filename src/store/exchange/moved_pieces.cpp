@@ -1,10 +1,10 @@
-#include "store/exchange/export_report.h"
+#include "store/exchange/moved_pieces.h"
 
 #include "platform/files/files.h"
 
 namespace kv {
 
-std::string exportMessage(const std::string& folder, const ExportReport& report) {
+std::string exportMessage(const std::string& folder, const MovedPieces& report) {
   std::string text = "Nella cartella \"" + folder + "\" ";
   if (report.pieces.empty()) {
     text += "è stato esportato il database del negozio.";

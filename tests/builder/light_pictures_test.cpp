@@ -1,0 +1,134 @@
+// The lighter forms of pictures in a build: beside each picture and in the list of files, made once, and gone when they
+// are turned off.
+#include "builder/run/light_pictures.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "builder/run/build_settings.h"
+#include "platform/files/files.h"
+#include "platform/image/pixels.h"
+#include "support/temp_shop.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class LightBuild : public ::testing::Test {
+ protected:
+  /// A photo wide enough for a narrower form.
+  void photo(const std::string& name, int width = 600) {
+    auto pixels = PixelBuffer::create({width, 200});
+    for (int x = 0; x < width * 3; ++x) pixels->row(100)[x] = static_cast<std::uint8_t>(x * 37);
+    ASSERT_TRUE(writeBytes(work(name), *jpegOf(*pixels, 95)));
+  }
+  std::string work(const std::string& name) { return joinPath(joinPath(shop.folder(), "work"), name); }
+  std::string kept(const std::string& name) { return joinPath(joinPath(shop.folder(), "leggere"), name); }
+  std::vector<std::string> online() { return listFiles(joinPath(shop.folder(), "online"), "*.webp"); }
+  std::string fileList() { return readBytes(joinPath(shop.folder(), "kvftp.dat")).value_or(""); }
+  void setLight(bool wanted) { ASSERT_TRUE(storeLightPictures(shop.folder(), wanted)); }
+  void build() { ASSERT_EQ(shop.build(), BuildOutcome::Done); }
+
+  TempShop shop;
+};
+
+TEST_F(LightBuild, AnUntouchedShopHasNone) {
+  photo("foto_0001.jpg");
+  EXPECT_FALSE(wantsLightPictures(shop.folder()));
+  build();
+  EXPECT_THAT(online(), ElementsAre());
+  EXPECT_FALSE(folderExists(kept("")));
+  EXPECT_FALSE(fileExists(joinPath(shop.folder(), "costruzione.ini")));
+}
+
+TEST_F(LightBuild, TheFormsAreBesideThePictureAndInTheListOfFiles) {
+  photo("foto_0001.jpg");
+  photo("piccola_0001.jpg", 300);
+  setLight(true);
+  build();
+  EXPECT_THAT(online(), ElementsAre("foto_0001.jpg.480.webp", "foto_0001.jpg.webp", "piccola_0001.jpg.webp"));
+  for (const std::string& name : online()) EXPECT_THAT(fileList(), HasSubstr(name + "\r\n")) << name;
+}
+
+TEST_F(LightBuild, ASecondBuildMakesNone) {
+  photo("foto_0001.jpg");
+  setLight(true);
+  build();
+  const auto first = fileStamp(kept("foto_0001.jpg.webp"));
+  build();
+  const auto second = fileStamp(kept("foto_0001.jpg.webp"));
+  ASSERT_TRUE(first && second);
+  EXPECT_TRUE(*first == *second) << "what is written again has another time";
+  EXPECT_EQ(online().size(), 2U);
+}
+
+TEST_F(LightBuild, AChangedPictureGetsNewForms) {
+  photo("foto_0001.jpg");
+  setLight(true);
+  build();
+  photo("foto_0001.jpg", 300);
+  build();
+  EXPECT_FALSE(fileExists(kept("foto_0001.jpg.480.webp")));
+  EXPECT_EQ(imageSize(kept("foto_0001.jpg.webp")), (ImageSize{300, 200}));
+  EXPECT_THAT(fileList(), Not(HasSubstr("foto_0001.jpg.480.webp")));
+}
+
+TEST_F(LightBuild, FormsOfAPictureThatIsGoneGoToo) {
+  photo("foto_0001.jpg");
+  setLight(true);
+  build();
+  ASSERT_TRUE(deleteFile(work("foto_0001.jpg")));
+  build();
+  EXPECT_FALSE(fileExists(kept("foto_0001.jpg.webp")));
+}
+
+TEST_F(LightBuild, TurnedOffTheSiteHasNoneLeft) {
+  photo("foto_0001.jpg");
+  setLight(true);
+  build();
+  setLight(false);
+  build();
+  EXPECT_THAT(online(), ElementsAre());
+  EXPECT_FALSE(folderExists(joinPath(shop.folder(), "leggere")));
+  EXPECT_THAT(fileList(), Not(HasSubstr(".webp")));
+}
+
+TEST_F(LightBuild, ADamagedPictureIsCopiedAndHasNone) {
+  ASSERT_TRUE(writeBytes(work("rotta.jpg"), "\xFF\xD8 testo"));
+  setLight(true);
+  build();
+  EXPECT_THAT(online(), ElementsAre());
+  EXPECT_THAT(fileList(), HasSubstr("rotta.jpg\r\n"));
+}
+
+TEST_F(LightBuild, APictureOfTheMerchantKeepsItsName) {
+  photo("foto_0001.jpg");
+  ASSERT_TRUE(writeBytes(work("foto_0001.jpg.webp"), "mia"));
+  setLight(true);
+  build();
+  EXPECT_EQ(*readBytes(joinPath(shop.folder(), "online/foto_0001.jpg.webp")), "mia");
+}
+
+TEST_F(LightBuild, PagesAndRowsAreTheSameWithAndWithout) {
+  photo("foto_0001.jpg");
+  shop.templateFile("index.htm", "<<1-titolo>>");
+  build();
+  const std::string page = shop.page("index.php");
+  setLight(true);
+  build();
+  EXPECT_EQ(shop.page("index.php"), page);
+}
+
+TEST_F(LightBuild, TheSettingIsThatOfTheShop) {
+  MemorySettings program;
+  ASSERT_TRUE(storeBuildSettings(shop.session, program, {true, ".htm", true}));
+  EXPECT_TRUE(loadBuildSettings(shop.session)->light);
+  ASSERT_TRUE(storeBuildSettings(shop.session, program, {true, ".htm", false}));
+  EXPECT_FALSE(loadBuildSettings(shop.session)->light);
+}
+
+}  // namespace
+}  // namespace kv::test

@@ -1,0 +1,146 @@
+// Pictures dropped on a picture or a row: which of its pictures they become, as one step, and what is told.
+#include "shell/workbench/picture_drop.h"
+
+#include "media/choice/picture_box.h"
+#include "platform/image/pixels.h"
+#include "shell/workbench_fixture.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class DroppedPictures : public WorkbenchFixture {
+ protected:
+  std::string photo(const std::string& name, ImageSize size = {40, 20}) {
+    const auto pixels = PixelBuffer::create(size);
+    const std::string path = joinPath(home.path(), name);
+    EXPECT_TRUE(pixels && writeBytes(path, *jpegOf(*pixels, 90)));
+    return path;
+  }
+  /// A photo that notes a latitude.
+  std::string located(const std::string& name) {
+    const std::string path = photo(name), bytes = *readBytes(path), zero(1, '\0');
+    const std::string note = "\xFF\xE1" + zero + "\x2B" + "http://ns.adobe.com/xap/1.0/" + zero + "GPSLatitude'";
+    EXPECT_TRUE(writeBytes(path, bytes.substr(0, 2) + note + bytes.substr(2)));
+    return path;
+  }
+  void onArticle() {
+    start();
+    article(0);
+  }
+  std::string pictures() {
+    return rows("SELECT immagine0, imgX0, imgY0, immagine1, immagine2, imgX2 FROM articoli WHERE codice = 'A1'");
+  }
+  std::vector<std::string> inWork() { return listFiles(joinPath(shop, "work"), "*0001*"); }
+  void drop(int number, const std::vector<std::string>& files) {
+    takePictures(*bench, {EditedSet::Articoli, number}, files);
+  }
+
+  TempFolder home;
+};
+
+TEST_F(DroppedPictures, SeveralFillTheFreeOnesInOrderAsOneStep) {
+  onArticle();
+  const std::string before = whole();
+  drop(1, {photo("uno.jpg")});
+  drop(freePictures, {photo("due.jpg"), photo("tre.jpg", {10, 10})});
+  EXPECT_EQ(pictures(), "due_0001.jpg|40|20|uno_0001.jpg|tre_0001.jpg|10\n");
+  EXPECT_TRUE(user.shown.empty());
+  undo();
+  EXPECT_EQ(undoName(), "Imposta immagine");
+  undo();
+  EXPECT_EQ(whole(), before);
+  EXPECT_EQ(inWork().size(), 3U) << "the files stay until the purge";
+}
+
+TEST_F(DroppedPictures, TheFirstReplacesThePictureItIsDroppedOn) {
+  onArticle();
+  drop(0, {photo("uno.jpg")});
+  drop(0, {photo("due.jpg"), photo("tre.jpg")});
+  EXPECT_THAT(pictures(), HasSubstr("due_0001.jpg|40|20|tre_0001.jpg|"));
+}
+
+TEST_F(DroppedPictures, WhatThereIsNoPictureLeftForIsTold) {
+  onArticle();
+  drop(freePictures, {photo("a.jpg"), photo("b.jpg"), photo("c.jpg"), photo("d.jpg")});
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Non c'è più posto per:\nd.jpg"}));
+  drop(freePictures, {photo("e.jpg")});
+  EXPECT_EQ(user.texts().back(),
+            "Tutte le immagini sono già impostate: trascinare il file sull'immagine da sostituire");
+  EXPECT_EQ(inWork().size(), 3U);
+}
+
+TEST_F(DroppedPictures, AFileThatIsNoPictureIsToldAndTakesNoRoom) {
+  onArticle();
+  const std::string text = joinPath(home.path(), "nota.jpg");
+  ASSERT_TRUE(writeBytes(text, "testo"));
+  drop(freePictures, {text, joinPath(home.path(), "niente.jpg"), home.path(), photo("a.jpg")});
+  EXPECT_THAT(user.texts().at(0), HasSubstr("L'immagine non può essere letta:\nnota.jpg\nniente.jpg\n"));
+  EXPECT_THAT(pictures(), HasSubstr("a_0001.jpg|40|20|"));
+}
+
+TEST_F(DroppedPictures, ThePicturesAreReducedAsTheDialogWasLeftAndItsSettingsStay) {
+  ASSERT_TRUE(settings.set(loadImageSection, "MaxSize", "1"));
+  ASSERT_TRUE(settings.set(loadImageSection, "MaxWidth", "20"));
+  onArticle();
+  drop(2, {photo("Larga.JPG")});
+  EXPECT_THAT(pictures(), HasSubstr("|larga_0001.jpg|20\n"));
+  EXPECT_EQ(settings.get(loadImageSection, "Path"), "");
+}
+
+TEST_F(DroppedPictures, TheLocationThatPhotosTellIsAskedForOnce) {
+  onArticle();
+  const std::string first = located("uno.jpg"), second = located("due.jpg");
+  drop(freePictures, {first, second});
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].preset, Answer::Yes);
+  EXPECT_THAT(user.shown[0].text, HasSubstr("Omettere il luogo dalla copia?"));
+  const auto copied = readBytes(joinPath(shop, "work/due_0001.jpg"));
+  ASSERT_TRUE(copied);
+  EXPECT_EQ(copied->find("GPSLatitude"), std::string::npos);
+}
+
+TEST_F(DroppedPictures, WithANoThePhotoIsCopiedAsItIs) {
+  onArticle();
+  user.answers = {Answer::No};
+  const std::string file = located("uno.jpg");
+  drop(0, {file});
+  EXPECT_EQ(readBytes(joinPath(shop, "work/uno_0001.jpg")).value_or(""), readBytes(file).value_or("?"));
+}
+
+TEST_F(DroppedPictures, OneOfTheImageFolderIsTakenWithoutACopy) {
+  onArticle();
+  const std::string file = joinPath(shop, "work/mia.jpg");
+  ASSERT_TRUE(copyFile(photo("x.jpg"), file));
+  drop(0, {file});
+  EXPECT_THAT(pictures(), HasSubstr("mia.jpg|40|20|"));
+  EXPECT_TRUE(inWork().empty());
+}
+
+TEST_F(DroppedPictures, ADepartmentHasTwo) {
+  start();
+  takePictures(*bench, {EditedSet::Categorie, freePictures}, {photo("a.jpg"), photo("b.jpg"), photo("c.jpg")});
+  EXPECT_EQ(rows("SELECT immagine0, immagine1, imgX1 FROM categorie WHERE ID = 'cat001'"),
+            "a_0001.jpg|b_0001.jpg|40\n");
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Non c'è più posto per:\nc.jpg"}));
+}
+
+TEST_F(DroppedPictures, ThePictureOfAButtonIsThatOfTheLanguageBeingEdited) {
+  start();
+  bench->CambiaLingua(2);
+  takePictures(*bench, {EditedSet::Categorie, 1}, {photo("b.jpg", {30, 10})});
+  EXPECT_EQ(rows("SELECT immagine1, immagine1_l2, imgX1_l2, imgY1_l2 FROM categorie WHERE ID = 'cat001'"),
+            "null|b_0001.jpg|30|10\n");
+}
+
+TEST_F(DroppedPictures, OnNoRowNothingHappens) {
+  start();
+  go("###");
+  takePictures(*bench, {EditedSet::Categorie, 0}, {photo("a.jpg")});
+  EXPECT_TRUE(inWork().empty());
+  EXPECT_FALSE(bench->history().canUndo());
+}
+
+}  // namespace
+}  // namespace kv::test
