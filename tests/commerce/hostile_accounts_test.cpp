@@ -104,11 +104,13 @@ class HostileAccounts : public CommerceShop {
   /// What the text blocks of a template hold, one after the other, filled.
   static std::string expectedBlocks(const std::string& text, const GatewayAccount& account, bool merchantAlone) {
     std::string blocks;
-    const std::string opening = "<<<'KORVANE_VALORI'\r\n";
+    const std::string opening = "<<<'", closing = "'\r\n";
     for (auto at = text.find(opening); at != std::string::npos; at = text.find(opening, at + 1)) {
-      const auto from = at + opening.size();
+      const auto end = text.find(closing, at);
+      const std::string word = text.substr(at + opening.size(), end - at - opening.size());
+      const auto from = end + closing.size();
       // The line end before the end word is no part of the block's text, but of PHP's token.
-      blocks += text.substr(from, text.find("KORVANE_VALORI", from) - from);
+      blocks += text.substr(from, text.find(word, from) - from);
     }
     for (const std::string_view key : account.module().placeholders) {
       if (merchantAlone && key != "mid") continue;

@@ -149,13 +149,13 @@ TEST_F(MainWindow, DeleteInAFieldDeletesACharacter) {
   EXPECT_TRUE(user.shown.empty());
 }
 
-TEST_F(MainWindow, F2GoesToTheTitle) {
+TEST_F(MainWindow, F2GoesToTheTitleButInTheListWhichEditsItsCell) {
   open();
   window->tree().setFocus();
   key(Qt::Key_F2);
   EXPECT_EQ(QApplication::focusWidget(), &line(EditedSet::Categorie, "titolo"));
   goArticles();
-  window->articles().setFocus();
+  window->tree().setFocus();
   key(Qt::Key_F2);
   EXPECT_EQ(QApplication::focusWidget(), &line(EditedSet::Articoli, "titolo"));
   EXPECT_EQ(line(EditedSet::Articoli, "titolo").selectedText(), "Alba");

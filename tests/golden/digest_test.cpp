@@ -42,5 +42,18 @@ TEST(GoldenDigest, RowsAreCountedAndDigestedTableByTable) {
   EXPECT_EQ(formatTxtar({"", condensed({}, {rows})}), "-- want-rows --\ndb/sql.txt articoli 2 " + sha256("all") + "\n");
 }
 
+TEST(GoldenDigest, WhatTheFurtherLanguagesHaveFollowsOnTheLineOfTheFirst) {
+  const Txtar none;
+  std::string text =
+      formatTxtar({"", condensed(none, {produced("want/a.php", "1", none), produced("want/a_l2.php", "2", none),
+                                        produced("want/b_l3.php", "3", none)})});
+  EXPECT_EQ(text, "-- want-digest --\na.php 1 " + sha256("1") + " _l2 1 " + sha256("2") + "\nb_l3.php 1 " +
+                      sha256("3") + "\n");
+  const ProducedPart rows{
+      {"want/db/sql.txt", {}, ""}, {"want/db/sql.txt", {}, ""}, "", {{"articoli", 2, "x"}, {"articoli_l2", 3, "y"}}};
+  text = formatTxtar({"", condensed(none, {rows})});
+  EXPECT_EQ(text, "-- want-rows --\ndb/sql.txt articoli 2 " + sha256("x") + " _l2 3 " + sha256("y") + "\n");
+}
+
 }  // namespace
 }  // namespace kv::test

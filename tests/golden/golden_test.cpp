@@ -1,4 +1,5 @@
-// Whole builds, compared byte by byte with what the rules want: each case of tests/golden/build is a shop in a text.
+// Whole builds, compared byte by byte with what the rules want: each case of tests/golden/build is a shop in a text,
+// with what it has in common with others in tests/golden/base.
 //
 // UPDATE_GOLDEN=1 rewrites the wanted parts from what the program made, and is refused where CI is set. What it wrote
 // is reviewed like code: tests/golden/oracle/derive.py computes the same parts without the program, and a test
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "platform/files/files.h"
+#include "support/golden_case.h"
 #include "support/golden_shop.h"
 #include "support/txtar.h"
 
@@ -69,8 +71,10 @@ TEST_P(GoldenBuild, ProducesWhatTheCaseWants) {
   const std::string path = casesFolder + "/" + GetParam() + ".txt";
   const auto text = readBytes(path);
   ASSERT_TRUE(text) << path;
-  const Txtar archive = parseTxtar(*text);
-  ASSERT_EQ(formatTxtar(archive), *text) << "not the form of a case";
+  const auto one = readGoldenCase(path);
+  ASSERT_TRUE(one) << one.error().where << ": " << one.error().what;
+  ASSERT_EQ(formatTxtar(one->own), *text) << "not the form of a case";
+  const Txtar archive = withBase(*one);
   GoldenShop shop(archive);
   ASSERT_FALSE(testing::Test::HasFailure());
   shop.run();
@@ -78,7 +82,7 @@ TEST_P(GoldenBuild, ProducesWhatTheCaseWants) {
   const std::vector<TxtarPart> produced = condensed(archive, whole);
   if (isSet("UPDATE_GOLDEN")) {
     ASSERT_FALSE(isSet("CI")) << "wanted parts are written by hand or by derive.py, not here";
-    return rewriteWanted(path, archive, produced);
+    return rewriteWanted(path, one->own, withoutBase(*one, produced));
   }
   EXPECT_EQ(namesWithout(archive.parts, produced), "") << "missing";
   EXPECT_EQ(namesWithout(produced, archive.parts), "") << "surplus";

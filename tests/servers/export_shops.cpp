@@ -10,9 +10,9 @@
 #include "platform/text/text.h"
 #include "sqlexport/full_export.h"
 #include "store/schema/schema.h"
+#include "support/golden_case.h"
 #include "support/golden_shop.h"
 #include "support/scripted_user.h"
-#include "support/txtar.h"
 
 namespace kv::test {
 namespace {
@@ -62,7 +62,7 @@ void exportEachWay(const std::string& folder, int languages) {
 void exportGolden(const std::string& folder) {
   const std::string cases = std::string(KORVANE_TEST_DATA) + "/golden/build";
   for (const std::string& file : listFiles(cases, "*.txt")) {
-    GoldenShop shop(parseTxtar(need(readBytes(joinPath(cases, file)))));
+    GoldenShop shop(withBase(need(readGoldenCase(joinPath(cases, file)))));
     shop.run();
     if (shop.outcome() != BuildOutcome::Done) continue;  // a case of a build that fails has no rows to export
     const std::string place = joinPath(folder, file.substr(0, file.size() - 4));

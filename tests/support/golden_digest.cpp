@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <regex>
 #include <utility>
 
 #include "platform/text/text.h"
@@ -43,15 +44,38 @@ bool names(std::string_view ranges, std::size_t line) {
 // The name of a part as a line says it: without the folder of all wanted parts, and without a space.
 std::string lineName(const TxtarPart& part) { return replaceAll(part.name.substr(wantedFolder.size()), " ", "%20"); }
 
-std::string rowLines(const ProducedPart& part) {
-  std::string lines;
+// What is held of a file or table: its name, then numbers and digest.
+struct DigestEntry {
+  std::string name, rest;
+};
+
+void addRows(const ProducedPart& part, std::vector<DigestEntry>& rows) {
   for (const TableDump& dump : part.tables)
-    lines += lineName(part.whole) + " " + dump.table + " " + std::to_string(dump.rows) + " " + sha256(dump.text) + "\n";
-  return lines;
+    rows.push_back({lineName(part.whole) + " " + dump.table, std::to_string(dump.rows) + " " + sha256(dump.text)});
 }
 
-std::string fileLine(const ProducedPart& part) {
-  return lineName(part.whole) + " " + std::to_string(part.content.size()) + " " + sha256(part.content) + "\n";
+DigestEntry fileEntry(const ProducedPart& part) {
+  return {lineName(part.whole), std::to_string(part.content.size()) + " " + sha256(part.content)};
+}
+
+// A line for each entry, but one line for what differs in the end of the language alone.
+std::string groupedLines(const std::vector<DigestEntry>& entries) {
+  static const std::regex ofLanguage(R"((.*)(_l[234])(\.[^. /]*)?)");
+  std::vector<DigestEntry> lines;
+  for (const DigestEntry& entry : entries) {
+    std::smatch pieces;
+    auto first = lines.end();
+    if (std::regex_match(entry.name, pieces, ofLanguage))
+      first = std::ranges::find(lines, pieces[1].str() + pieces[3].str(), &DigestEntry::name);
+    if (first != lines.end()) {
+      first->rest += " " + pieces[2].str() + " " + entry.rest;
+    } else {
+      lines.push_back(entry);
+    }
+  }
+  std::string text;
+  for (const DigestEntry& line : lines) text += line.name + " " + line.rest + "\n";
+  return text;
 }
 
 }  // namespace
@@ -89,19 +113,19 @@ std::string sha256(std::string_view bytes) {
 
 std::vector<TxtarPart> condensed(const Txtar& archive, const std::vector<ProducedPart>& produced) {
   std::vector<TxtarPart> parts;
-  std::string rows, digests;
+  std::vector<DigestEntry> rows, digests;
   for (const ProducedPart& part : produced) {
     const TxtarPart* wanted = archive.find(part.whole.name);
     if (wanted != nullptr) parts.push_back(part.shown);
     if (wanted != nullptr && !isExcerpt(*wanted)) continue;
     if (part.tables.empty()) {
-      digests += fileLine(part);
+      digests.push_back(fileEntry(part));
     } else {
-      rows += rowLines(part);
+      addRows(part, rows);
     }
   }
-  if (!rows.empty()) parts.push_back({std::string(rowsPart), {}, std::move(rows)});
-  if (!digests.empty()) parts.push_back({std::string(digestPart), {}, std::move(digests)});
+  if (!rows.empty()) parts.push_back({std::string(rowsPart), {}, groupedLines(rows)});
+  if (!digests.empty()) parts.push_back({std::string(digestPart), {}, groupedLines(digests)});
   return parts;
 }
 

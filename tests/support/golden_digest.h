@@ -1,11 +1,13 @@
 #pragma once
 // What a golden case shows of what a build leaves, and what it holds by its digest alone.
 //
-// A case shows the parts that it is about. Everything else that was produced is a line of the part "want-digest": name,
-// size in bytes, SHA-256. A part may be shown in part: by the flags "lines=1-3,7" of a file or text, "only=a,b"
-// (columns) and "rows=1,cat001" (IDs; a table without IDs is shown whole) of a row dump. The whole of a file is then a
-// line of "want-digest" all the same; the whole of a dump is, for each table that has rows, a line of "want-rows": name
-// of the dump, table, number of rows, SHA-256 of the table's dump. So a case is short, and yet exact to the byte.
+// A case shows the parts that it is about. Everything else that was produced is in the part "want-digest": name, size
+// in bytes, SHA-256. A part may be shown in pieces: by the flags "only=a,b" (columns) and "rows=1,cat001" (IDs; a table
+// without IDs is shown whole) of a row dump, then in its brief form, and "lines=1-3,7" of a file, of a text, or of what
+// those two show. The whole of a file is then in "want-digest" all the same; the whole of a dump is in "want-rows", for
+// each table that has rows: name of the dump, table, number of rows, SHA-256 of the table's dump. What the further
+// languages have of a file or table follows on its line, after the end of its name: "online/a.php 9 <digest> _l2 12
+// <digest>". So a case is short, and yet exact to the byte.
 
 #include <cstddef>
 #include <string>

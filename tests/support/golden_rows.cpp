@@ -8,43 +8,10 @@
 
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
+#include "support/golden_blocks.h"
 
 namespace kv::test {
 namespace {
-
-struct RowBlock {
-  std::string table;
-  int count = 1;
-  std::vector<std::pair<std::string, std::string>> fields;
-};
-
-RowBlock readHead(std::string_view line) {
-  const std::string_view inside = line.substr(1, line.size() - 2);
-  const std::size_t times = inside.find(" x ");
-  if (times == std::string_view::npos) return {std::string(inside), 1, {}};
-  return {std::string(inside.substr(0, times)), std::atoi(std::string(inside.substr(times + 3)).c_str()), {}};
-}
-
-std::vector<RowBlock> readBlocks(std::string_view text) {
-  std::vector<RowBlock> blocks;
-  const std::vector<std::string_view> lines = splitLines(text);
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    const std::string_view line = lines[i];
-    if (trim(line).empty() || line.front() == '#') continue;
-    if (line.front() == '[') {
-      blocks.push_back(readHead(line));
-    } else if (line.ends_with(" <<<")) {
-      std::string block;
-      for (const std::size_t first = ++i; i < lines.size() && lines[i] != ">>>"; ++i)
-        block += (i > first ? "\r\n" : "") + std::string(lines[i]);
-      blocks.back().fields.emplace_back(line.substr(0, line.size() - 4), block);
-    } else {
-      const std::size_t equals = line.find(" = ");
-      blocks.back().fields.emplace_back(line.substr(0, equals), line.substr(equals + 3));
-    }
-  }
-  return blocks;
-}
 
 Result<Value> valueOf(const TableInfo& table, const std::string& column, std::string_view text) {
   const int index = table.columnIndex(column);
@@ -117,19 +84,47 @@ std::string shown(const Value& value, ColumnType type) {
 
 std::string stem(const std::string& column) { return column.substr(0, column.find_last_not_of("0123456789_") + 1); }
 
-// One row: runs of three and more columns of one family with equal values share a line.
-std::string rowText(const std::vector<std::pair<std::string, std::string>>& fields) {
-  std::string out;
+// The columns of one row: runs of three and more of one family with equal values are one.
+std::vector<std::string> joined(const std::vector<std::pair<std::string, std::string>>& fields) {
+  std::vector<std::string> out;
   for (std::size_t at = 0; at < fields.size();) {
     std::size_t end = at + 1;
     while (end < fields.size() && fields[end].second == fields[at].second &&
            stem(fields[end].first) == stem(fields[at].first))
       ++end;
     if (end - at < 3) end = at + 1;
-    out += fields[at].first + (end - at > 1 ? ".." + fields[end - 1].first : "") + fields[at].second + "\n";
+    out.push_back(fields[at].first + (end - at > 1 ? ".." + fields[end - 1].first : "") + fields[at].second);
     at = end;
   }
-  return out + "\n";
+  return out;
+}
+
+std::string fullText(const std::string& table, const std::vector<std::string>& fields) {
+  std::string text = "[" + table + "]\n";
+  for (const std::string& field : fields) text += field + "\n";
+  return text + "\n";
+}
+
+// A row with as many columns to a line as it can hold; a text of several lines is on lines of its own. Empty for a row
+// that has nothing to show but its ID.
+std::string briefText(const std::string& table, const std::vector<std::string>& fields) {
+  constexpr std::size_t longestLine = 118;
+  if (std::ranges::all_of(fields, [](const std::string& field) { return field.starts_with("ID="); })) return {};
+  std::string text, line = "[" + table + "]";
+  bool first = true, full = false;
+  for (const std::string& field : fields) {
+    const bool several = field.find('\n') != std::string::npos;
+    const std::string longer = line + (first ? " " : " | ") + field;
+    if (!first && (full || several || longer.size() > longestLine)) {
+      text += line + "\n";
+      line = field;
+    } else {
+      line = longer;
+    }
+    first = false;
+    full = several;
+  }
+  return text + line + "\n";
 }
 
 // Whether a list separated by "," names something; an empty one names everything.
@@ -141,7 +136,9 @@ bool isListed(const std::string& list, const std::string& name) {
 
 Result<> insertRows(Database& database, std::string_view text) {
   if (auto begun = database.begin(); !begun) return begun;
-  for (const RowBlock& block : readBlocks(text)) {
+  const auto blocks = readBlocks(text);
+  if (!blocks) return fail(blocks.error());
+  for (const RowBlock& block : *blocks) {
     auto table = database.table(block.table);
     if (!table) return fail(table.error());
     for (int n = 1; n <= block.count; ++n) {
@@ -182,7 +179,7 @@ Result<std::string> dumpTable(Database& database, const TableInfo& table, const 
           kv::isNull(value) ? column.type != ColumnType::Bool : options.hideEmpty && asText(value).empty();
       if (isListed(options.only, column.name) && !nothing) fields.emplace_back(column.name, shown(value, column.type));
     }
-    out += "[" + table.name + "]\n" + rowText(fields);
+    out += options.brief ? briefText(table.name, joined(fields)) : fullText(table.name, joined(fields));
     if (count != nullptr) ++*count;
   }
   return out;

@@ -1,10 +1,10 @@
 #pragma once
 // Rows as text: the part "rows" of a golden case put into a catalogue, and tables written down for comparison.
 //
-// Rows in: "[table]" or "[table x count]", then "column = value" lines; "{n}" is the number of the row among its
-// copies, a value may be in double quotes, be "null", or be the lines between "column <<<" and ">>>".
+// Rows in: see golden_blocks.h.
 // Rows out: by ID, one "column=value" line for each column that holds something; columns of a family in a row
-// (prezzo1, prezzo2 ...) with equal values share a line; a text of several lines follows below its name.
+// (prezzo1, prezzo2 ...) with equal values share a line; a text of several lines follows below its name. The brief form
+// has "[table]" and the columns on one line, separated by " | ", or on as many lines as they need.
 
 #include <cstddef>
 #include <string>
@@ -25,6 +25,7 @@ struct DumpOptions {
   std::string only;        ///< columns to show, separated by ","; empty: all
   std::string ids;         ///< the rows to show, by their IDs separated by ","; empty: all, as in a table without IDs
   bool hideEmpty = false;  ///< leave out empty texts as well as nulls
+  bool brief = false;      ///< several columns a line, and no row that has nothing to show but its ID
 };
 
 /// The rows of one table; `count`, when there is one, is increased by their number.

@@ -37,18 +37,11 @@ void expectDone(const Result<>& result, const std::string& what) {
                                   << (result ? std::string() : result.error().where + " " + result.error().what);
 }
 
-// Tables that have exactly one row even when the case doesn't speak of them.
-std::string rowsWithDefaults(std::string rows) {
-  constexpr std::pair<std::string_view, std::string_view> needed[] = {
-      {"generale", ""}, {"pagamento", ""}, {"lingue", "lingua1 = italiano\n"},
-      {"zona1", ""},    {"zona2", ""},     {"zona3", ""},
-      {"zona4", ""},    {"zona5", ""},     {"zona6", ""},
-      {"zona7", ""},    {"zona8", ""}};
-  for (const auto& [table, fields] : needed) {
-    if (("\n" + rows).find("\n[" + std::string(table) + "]") == std::string::npos)
-      rows += "\n[" + std::string(table) + "]\n" + std::string(fields);
-  }
-  return rows;
+// The rows of a case after those of the tables that always have one, of which the case need not speak.
+std::string rowsWithDefaults(const std::string& rows) {
+  std::string text = "[generale]\n[pagamento]\n[lingue]\nlingua1 = italiano\n";
+  for (int zone = 1; zone <= 8; ++zone) text += "[zona" + std::to_string(zone) + "]\n";
+  return text + rows;
 }
 
 std::string describe(const Shown& shown) {
@@ -87,12 +80,13 @@ ProducedPart producedText(const Txtar& archive, TxtarPart whole, std::string con
 }
 
 ProducedPart producedRows(const Txtar& archive, const std::string& name, const std::string& path, bool source) {
-  std::vector<TableDump> tables = dumpDatabase(path, {"", "", source});
+  std::vector<TableDump> tables = dumpDatabase(path, {"", "", source, false});
   const TxtarPart whole = textPart(name, textOf(tables));
-  const TxtarPart* wanted = archive.find(name);
-  TxtarPart shown = wanted != nullptr ? excerpt(whole, *wanted) : whole;
-  if (wanted != nullptr && isExcerpt(*wanted))
-    shown.text = textOf(dumpDatabase(path, {wanted->value("only"), wanted->value("rows"), source}));
+  TxtarPart shown = whole;
+  if (const TxtarPart* wanted = archive.find(name); wanted != nullptr && isExcerpt(*wanted)) {
+    shown.text = textOf(dumpDatabase(path, {wanted->value("only"), wanted->value("rows"), source, true}));
+    shown = excerpt(shown, *wanted);
+  }
   return {whole, std::move(shown), "", std::move(tables)};
 }
 

@@ -2,7 +2,8 @@
 // A shop and an application folder made from the parts of a golden case, its builds, and what they produce in the
 // form of wanted parts.
 //
-// Parts in: "rows"; "settings" (key=value lines); "template/...", "code/...", "backoffice/...", "languages/...",
+// Parts in, once the base of the case has been added and "files" divided (golden_case.h): "rows" (golden_blocks.h);
+// "settings" (key=value lines); "template/...", "code/...", "backoffice/...", "languages/...",
 // "tags/personal.tag" of the application; "shopcode/...", "work/...", "tags/shoptag.tag", "kvftp.ini" of the shop;
 // "builds", the steps when there is more to do than one build: "build", "export" (the SQL text of the build before it),
 // "set TABLE ID COLUMN = VALUE" (ID or *), "setting KEY = VALUE".

@@ -163,10 +163,10 @@ function kvIstruzioni(string $testo): string
 function kvIstruzioniMail(int $metodo): string
 {
     $pagina = (string) @file_get_contents('thankyou' . $metodo . '<<1-IDlingua>>.php');
-    if (!preg_match("/kvIstruzioni\\(<<<'KORVANE_ISTRUZIONI'\r?\n(.*?)\r?\nKORVANE_ISTRUZIONI/s", $pagina, $parti)) {
+    if (!preg_match("/kvIstruzioni\\(<<<'(\\w+)'\r?\n(.*?)\r?\n\\1/s", $pagina, $parti)) {
         return '';
     }
-    $testo = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($parti[1]));
+    $testo = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($parti[2]));
     return kvUtf8(html_entity_decode(strip_tags($testo), ENT_QUOTES, 'cp1252'));
 }
 

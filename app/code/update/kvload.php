@@ -54,7 +54,7 @@ function kvSqlIntero(array $sql): bool
  * The statements of a file, one at a time. A statement ends with the separator at the end of a line: line ends inside
  * values are written as \n, so no value can end one.
  */
-function kvIstruzioni(array $sql): Generator
+function kvIstruzioniSql(array $sql): Generator
 {
     $fine = $sql['fine'];
     $testo = '';
@@ -123,7 +123,7 @@ function kvCaricaSql(array $sql, KvCarico $carico): string
     $limite = kvLimiteLotto();
     $tabella = '';
     $lotto = '';
-    foreach (kvIstruzioni($sql) as $letta) {
+    foreach (kvIstruzioniSql($sql) as $letta) {
         $istruzione = kvIstruzioneCarico($carico, $letta);
         if ($istruzione === null || $istruzione === '') {
             continue;

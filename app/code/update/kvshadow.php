@@ -118,7 +118,7 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
 {
     $carico = new KvCarico($lingua);
     $guasto = '';
-    foreach (kvIstruzioni($via) as $istruzione) {
+    foreach (kvIstruzioniSql($via) as $istruzione) {
         $guasto = $guasto === '' && $istruzione !== '' ? kvTogliDaCarico($carico, $istruzione) : $guasto;
     }
     $guasto = $guasto === '' ? kvCaricaSql($nuovo, $carico) : $guasto;

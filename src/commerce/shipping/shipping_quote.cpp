@@ -81,6 +81,19 @@ double costAt(const CartShipping& cart, std::size_t slot, const ShippingTrial& t
   return wholeParts(valueAt(script, cost + std::to_string(step), slot), cart.unit);
 }
 
+/// The VAT that a cost includes at a rate, rounded half up.
+double includedIn(double cost, double rate) {
+  const auto whole = static_cast<std::int64_t>(cost), part = static_cast<std::int64_t>(rate);
+  const std::int64_t base = static_cast<std::int64_t>(rateParts) + part;
+  return static_cast<double>(whole / base * part + (whole % base * part * 2 + base) / (base * 2));
+}
+
+/// Added where a zone pays VAT on net costs, taken off where it pays none and costs include it.
+double vatOn(double cost, double rate, bool taxed, bool included) {
+  if (included) return taxed ? 0 : -includedIn(cost, rate);
+  return taxed ? partOf(cost, rate) : 0;
+}
+
 /// The zone of a country; 0 when it has none.
 Result<int> zoneOf(Database& catalogue, const std::string& country) {
   auto query = catalogue.prepare("SELECT zona FROM paesi WHERE strID = ?1");
@@ -109,8 +122,8 @@ Result<ShippingQuote> quoteShipping(Database& catalogue, const ShippingTrial& tr
   const std::size_t zoneIndex = static_cast<std::size_t>(*zone) - 1;
   const std::size_t slot = position * shippingZones + zoneIndex;
   const double cost = costAt(*cart, slot, trial);
-  const bool taxed = signAt(cart->amounts.java_permessi, "IvaOk", zoneIndex) == "1" && !cart->vatIncluded;
-  const double vat = taxed ? partOf(cost, wholeParts(plainNumber(cart->vat), rateParts)) : 0;
+  const bool taxed = signAt(cart->amounts.java_permessi, "IvaOk", zoneIndex) == "1";
+  const double vat = vatOn(cost, wholeParts(plainNumber(cart->vat), rateParts), taxed, cart->vatIncluded);
   const auto inMoney = [&cart](double smallest) { return Money::of(smallest / cart->unit).value_or(Money()); };
   return ShippingQuote{signAt(cart->amounts.java_permessi, "SpOk", slot) == "1", inMoney(cost), inMoney(vat),
                        inMoney(cost + vat)};

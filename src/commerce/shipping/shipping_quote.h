@@ -23,7 +23,7 @@ struct ShippingTrial {
 struct ShippingQuote {
   bool allowed = false;  ///< the method is offered, and available in the zone of the country
   Money cost;            ///< as the cart shows it
-  Money vat;             ///< VAT on it; 0 where prices hold it, or the zone pays none
+  Money vat;             ///< added to it, or taken off (negative) in a zone without VAT where prices include it
   Money total;           ///< of both
 };
 

@@ -1,11 +1,11 @@
-"""The catalogue as a case gives it: `[table]` or `[table x count]`, then `column = value` lines, `{n}` being the
-number of the row among its copies. A value may be in double quotes, be `null`, or be the lines between `<<<` and
-`>>>`. A column that isn't named is null, but for an automatic key, which counts on. Reading through a language shows
-that language's columns under bare names."""
+"""The catalogue as a case gives it, see rowtext.py; `{n}` is the number of the row among its copies. A column that isn't
+named is null, but for an automatic key, which counts on. Reading through a language shows that language's columns under
+bare names."""
 import re
 from decimal import Decimal
 
 from figures import Single, money
+from rowtext import read_blocks
 
 FLAGS = """codincart serverNT decimali1 decimali2 ivacompresa ricercaparole elenco_foto elenco_codice elenco_titolo
 elenco_sottotitolo vis_offerta vis_sconto autoredirect checkcookies usa_cambio vis_percrep nodiff cercacodice regobbl
@@ -60,22 +60,8 @@ def value_of(table, column, text):
 
 def read_rows(text):
     """{table: [row]} of the rows part."""
-    tables, blocks, lines = {}, [], iter(text.split("\n"))
-    for line in lines:
-        if not line.strip() or line.startswith("#"):
-            continue
-        head = re.fullmatch(r"\[(\w+)(?: x (\d+))?\]", line)
-        if head:
-            blocks.append((head.group(1), int(head.group(2) or 1), {}))
-            continue
-        column, value = (line.split(" = ", 1) if " = " in line else (line.split(" ", 1)))
-        if value == "<<<":
-            block = []
-            while (piece := next(lines)) != ">>>":
-                block.append(piece)
-            value = "\r\n".join(block)
-        blocks[-1][2][column] = value
-    for table, count, row in blocks:
+    tables = {}
+    for table, count, row in read_blocks(text):
         for n in range(1, count + 1):
             made = {column: value_of(table, column, value.replace("{n}", str(n))) for column, value in row.items()}
             rows = tables.setdefault(table, [])

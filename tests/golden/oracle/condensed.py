@@ -1,11 +1,13 @@
 """What a golden case shows of what a build leaves, and what it holds by its digest alone.
 
-A case shows the parts that it is about. All else is a line of the part `want-digest`: name, size, SHA-256. A part may be
-shown in pieces: by the flags `lines=1-3,7` of a file or text, `only=a,b` (columns) and `rows=1,cat001` (IDs) of a dump.
-The whole of a file is then a line of `want-digest` all the same, and the whole of a dump is, for each table that has
-rows, a line of `want-rows`: name of the dump, table, number of rows, SHA-256 of the table's dump.
+A case shows the parts that it is about. All else is in the part `want-digest`: name, size, SHA-256. A part may be shown
+in pieces: by the flags `only=a,b` (columns) and `rows=1,cat001` (IDs) of a dump, then in its brief form, and
+`lines=1-3,7` of a file, of a text, or of what those two show. The whole of a file is then in `want-digest` all the same,
+and the whole of a dump is in `want-rows`, for each table that has rows: name of the dump, table, number of rows, SHA-256
+of the table's dump. What the further languages have of a file or table follows on its line, after the end of its name.
 """
 import hashlib
+import re
 from dataclasses import dataclass
 
 from txtar import Part
@@ -47,13 +49,13 @@ def numbered(ranges):
 def shown(produced, wanted):
     """The part as the flags of the wanted one show it."""
     flags, text = excerpt_flags(wanted), produced.whole.text
+    if flags and produced.show:
+        only, ids = flag_value(wanted, "only"), flag_value(wanted, "rows")
+        text = produced.show(only and only.split(","), ids and ids.split(","))
     lines = flag_value(wanted, "lines")
     if lines:
         kept = numbered(lines)
         text = "".join(line + "\n" for n, line in enumerate(text.split("\n")[:-1], 1) if n in kept)
-    elif flags and produced.show:
-        only, ids = flag_value(wanted, "only"), flag_value(wanted, "rows")
-        text = produced.show(only and only.split(","), ids and ids.split(","))
     return Part(produced.whole.name, produced.whole.flags + flags, text)
 
 
@@ -61,10 +63,23 @@ def digest(content):
     return hashlib.sha256(content).hexdigest()
 
 
+def grouped(entries):
+    """A line for each (name, rest), but one line for what differs in the end of the language alone."""
+    lines = {}
+    for name, rest in entries:
+        of_language = re.fullmatch(r"(.*)(_l[234])(\.[^. /]*)?", name)
+        first = of_language and of_language.group(1) + (of_language.group(3) or "")
+        if first in lines:
+            lines[first] += " %s %s" % (of_language.group(2), rest)
+        else:
+            lines[name] = "%s %s" % (name, rest)
+    return "".join(line + "\n" for line in lines.values())
+
+
 def condensed(parts, produced):
     """The wanted parts of a case, in the form in which `parts` want them."""
     wanted = {part.name: part for part in parts}
-    out, rows, digests = [], "", ""
+    out, rows, digests = [], [], []
     for one in produced:
         name = one.whole.name[len("want/"):].replace(" ", "%20")
         part = wanted.get(one.whole.name)
@@ -73,12 +88,12 @@ def condensed(parts, produced):
         if part and not excerpt_flags(part):
             continue
         if one.tables:
-            for table, count, text in one.tables:
-                rows += "%s %s %d %s\n" % (name, table, count, digest(text.encode("utf-8")))
+            rows += [("%s %s" % (name, table), "%d %s" % (count, digest(text.encode("utf-8"))))
+                     for table, count, text in one.tables]
         else:
-            digests += "%s %d %s\n" % (name, len(one.content), digest(one.content))
+            digests.append((name, "%d %s" % (len(one.content), digest(one.content))))
     if rows:
-        out.append(Part("want-rows", [], rows))
+        out.append(Part("want-rows", [], grouped(rows)))
     if digests:
-        out.append(Part("want-digest", [], digests))
+        out.append(Part("want-digest", [], grouped(digests)))
     return out

@@ -15,7 +15,7 @@ from condensed import Produced, condensed, is_wanted
 from dump import export
 from shop import Shop
 from tables import rows_text
-from txtar import Part, bytes_part, parse, show
+from txtar import Part, base_of, bytes_part, parse, read, show, with_base
 
 
 def text_produced(name, text):
@@ -25,9 +25,9 @@ def text_produced(name, text):
 
 def rows_produced(name, tables):
     def text(only=None, ids=None):
-        return "".join(rows_text(*table, only, ids) for table in tables)
+        return "".join(rows_text(*table, only, ids, brief=True) for table in tables)
     dumps = [(table[0], len(table[2]), rows_text(*table)) for table in tables if table[2]]
-    return Produced(Part(name, [], text()), tables=dumps, show=text)
+    return Produced(Part(name, [], "".join(dump[2] for dump in dumps)), tables=dumps, show=text)
 
 
 def messages_text(build):
@@ -60,16 +60,17 @@ def produced_parts(parts):
     return produced
 
 
-def derive(text):
+def derive(path, text):
     comment, parts = parse(text)
+    base = base_of(path, parts)
     inputs = [part for part in parts if not is_wanted(part)]
-    return show(comment, inputs + condensed(parts, produced_parts(parts)))
+    whole = with_base(parts, base)
+    return show(comment, inputs + [part for part in condensed(whole, produced_parts(whole)) if part not in base])
 
 
 def write_whole(folder, path):
-    with open(path, encoding="utf-8", newline="") as file:
-        _, parts = parse(file.read())
-    for produced in produced_parts(parts):
+    _, parts = parse(read(path))
+    for produced in produced_parts(with_base(parts, base_of(path, parts))):
         target = pathlib.Path(folder) / produced.whole.name
         target.parent.mkdir(parents=True, exist_ok=True)
         target.write_text(produced.whole.text, encoding="utf-8", newline="")
@@ -82,9 +83,8 @@ def main(arguments):
         return 0
     failed = False
     for path in arguments:
-        with open(path, encoding="utf-8", newline="") as file:
-            old = file.read()
-        new = derive(old)
+        old = read(path)
+        new = derive(path, old)
         if mode == "--print":
             sys.stdout.write(new)
         elif mode == "--check":

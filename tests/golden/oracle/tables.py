@@ -20,6 +20,7 @@ java_ANDORsearch java_sepsearch java_carrello IDnegozio IDlingua ric_pagina ric_
 ric_foto logo1 logo2 meta_keywords meta_description colore0 colore1 colore2 colore3 db_security db_hostname
 db_username db_password db_dbname bo_username bo_password compact_privacy_policy php_vars php_globals output login
 rifiuto thankyou java_PGAction metodo_pagamento paymsg""".split()
+BRIEF_LINE = 118  # bytes of UTF-8
 SUFFIXES = ["", "_l2", "_l3", "_l4"]
 
 # Which table carries a column of the derived row: the words of a language, the amounts and the position, the rest.
@@ -60,28 +61,50 @@ class BuildTables:
         return [("categoria", PAGE_TAGS, [kept]), ("articoli", DERIVED, self.articles_of_page)]
 
 
-def rows_text(table, columns, rows, only=None, ids=None):
+def rows_text(table, columns, rows, only=None, ids=None, brief=False):
     """Rows by ID, one column a line; columns without a value are left out, and columns of a family in a row (prezzo1,
     prezzo2 ...) with equal values share a line. A text of several lines follows below its name. only: the columns to
-    show; ids: the rows to show, in a table that has IDs."""
+    show; ids: the rows to show, in a table that has IDs. brief: several columns a line, and no row that has nothing to
+    show but its ID."""
     shown = [name for name in columns if only is None or name in only]
     text = ""
     for row in sorted(rows, key=lambda row: (isinstance(row.get("ID"), str), row.get("ID") or 0)):
         if ids is not None and "ID" in columns and str(row.get("ID")) not in ids:
             continue
-        text += "[%s]\n" % table
-        lines = [(name, value_text(row[name])) for name in shown if row.get(name) is not None]
-        at = 0
-        while at < len(lines):
-            end = at + 1
-            while end < len(lines) and lines[end][1] == lines[at][1] and stem(lines[end][0]) == stem(lines[at][0]):
-                end += 1
-            end = end if end - at > 2 else at + 1
-            name = lines[at][0] + (".." + lines[end - 1][0] if end - at > 1 else "")
-            text += name + lines[at][1] + "\n"
-            at = end
-        text += "\n"
+        fields = joined([(name, value_text(row[name])) for name in shown if row.get(name) is not None])
+        if not brief:
+            text += "[%s]\n" % table + "".join(field + "\n" for field in fields) + "\n"
+        elif any(not field.startswith("ID=") for field in fields):
+            text += brief_text(table, fields)
     return text
+
+
+def joined(lines):
+    """`name=value` of each column; three and more of a family in a row with equal values are one."""
+    fields, at = [], 0
+    while at < len(lines):
+        end = at + 1
+        while end < len(lines) and lines[end][1] == lines[at][1] and stem(lines[end][0]) == stem(lines[at][0]):
+            end += 1
+        end = end if end - at > 2 else at + 1
+        name = lines[at][0] + (".." + lines[end - 1][0] if end - at > 1 else "")
+        fields.append(name + lines[at][1])
+        at = end
+    return fields
+
+
+def brief_text(table, fields):
+    """A row with as many columns to a line as it can hold; a text of several lines is on lines of its own."""
+    lines = ["[%s]" % table]
+    full = False
+    for n, field in enumerate(fields):
+        longer = lines[-1] + (" | " if n else " ") + field
+        if n and (full or "\n" in field or len(longer.encode("utf-8")) > BRIEF_LINE):
+            lines.append(field)
+        else:
+            lines[-1] = longer
+        full = "\n" in field
+    return "\n".join(lines) + "\n"
 
 
 def stem(name):

@@ -3,9 +3,16 @@
 Text parts are UTF-8 with LF and stand for Windows-1252 bytes with CR LF. Flags: `hex` (bytes as hexadecimal digits),
 `escapes` (`\\xNN` is that byte; a line end is still CR LF), `noeol` (the last line end isn't part of the file),
 and those of an excerpt, see condensed.py. A space in a name is written `%20`.
+
+A part `base NAME` names the case `base/NAME.txt`, beside the folder of the case: its parts hold where the case has none of
+that name, and its rows come before those of the case. A base may have a base, and wanted parts like any case. A part
+`files` has a file a line, `name | first line | second line`, with cells as in rows; of a .gif they are hexadecimal.
 """
+import pathlib
 import re
 from dataclasses import dataclass, field
+
+from rowtext import split_cells
 
 MARKER = re.compile(r"^-- (\S+)((?: [^ ]+)*) --$")
 
@@ -30,6 +37,40 @@ def parse(text):
         else:
             current.text += line + "\n"
     return "".join(comment), parts
+
+
+def read(path):
+    with open(path, encoding="utf-8", newline="") as file:
+        return file.read()
+
+
+def base_of(path, parts):
+    """The parts of a case's base and of the bases of that."""
+    name = next((part.flags[0] for part in parts if part.name == "base"), None)
+    if name is None:
+        return []
+    base = pathlib.Path(path).parent.parent / "base" / (name + ".txt")
+    _, own = parse(read(base))
+    return with_base(own, base_of(base, own))
+
+
+def file_part(line):
+    name, *cells = split_cells(line)
+    lines = [cell[1:-1] if len(cell) > 1 and cell[0] == cell[-1] == '"' else cell for cell in cells]
+    return Part(name, ["hex"] if name.lower().endswith(".gif") else [], "".join(line + "\n" for line in lines))
+
+
+def with_files(parts):
+    return [one for part in parts
+            for one in (map(file_part, part.text.splitlines()) if part.name == "files" else [part])]
+
+
+def with_base(parts, base):
+    parts = with_files(parts)
+    own = {part.name for part in parts}
+    rows = [part.text for part in base + parts if part.name == "rows"]
+    kept = [part for part in base if part.name not in own] + parts
+    return [part for part in kept if part.name != "rows"] + ([Part("rows", [], "\n".join(rows))] if rows else [])
 
 
 def show(comment, parts):
