@@ -3,7 +3,7 @@
 // numbers alone: amounts in smallest units of the currency, thresholds and weights in ten-thousandths, rates in
 // millionths. What is sent with the order is the cart; the server works the order out anew.
 /* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa */
-/* global scala, TestoImporto, Interi, Parte, ImportoRiga, scimp, scperc, scl */
+/* global scala, TestoImporto, Interi, Parte, ImportoRiga, IvaCompresa, IvaNelleRighe, NomePaese, scimp, scperc, scl */
 /* global totiva, SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, qminima, zonainiziale */
 /* global obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
 /* exported MostraCarrello, SpedPaese, CaricaDati, InviaOrdine */
@@ -52,23 +52,6 @@ function Spese(posto, merce, peso) {
  */
 function Ammesso(metodo, zona) {
   return SpOk.charAt((metodo - 1) * 8 + zona - 1) === "1";
-}
-
-/** The VAT that an amount includes at a rate in millionths, rounded half up. */
-function IvaCompresa(importo, aliquota) {
-  const base = BigInt(1000000 + aliquota);
-  return Number((BigInt(importo) * BigInt(aliquota) * 2n + base) / (base * 2n));
-}
-
-/** The VAT in the prices of the lines, less the discount of the order: by rate, each rounded. */
-function IvaNelleRighe(righe, fattore) {
-  const importi = new Map();
-  righe.forEach(function (riga) {
-    importi.set(riga.a || 0, (importi.get(riga.a || 0) || 0) + ImportoRiga(riga) * riga.q);
-  });
-  let iva = 0;
-  importi.forEach(function (importo, aliquota) { iva += IvaCompresa(Parte(importo, fattore), aliquota); });
-  return iva;
 }
 
 /** The VAT on shipping: added, taken off, or neither. */
@@ -376,11 +359,6 @@ function CaricaDati() {
   form.Telefono.required = obbl_tel === 1;
   form.Maggiorenne.required = obbl_magg === 1;
   SpedPaese();
-}
-
-/** The country of an option in the shop's own words. */
-function NomePaese(voce) {
-  return voce.dataset.paese || voce.text;
 }
 
 /** Sets a hidden field of the order form, which gets it when the template has none. */

@@ -5,7 +5,7 @@
 // stand in it: cart and order page have them from the server.
 /* global idnegozio, qminima, autoredirect, checkcookies */
 /* global valuta, valuta2, exch, SecVal, sepmigl, sepdec, PutDec, PutDec2 */
-/* exported Acquista, SvuotaCarrello, RepGoTo, SubmitSearchForm, PopupImage */
+/* exported Acquista, SvuotaCarrello, RepGoTo, SubmitSearchForm, PopupImage, IvaNelleRighe, NomePaese */
 "use strict";
 
 const scala = PutDec === 1 ? 100 : 1;
@@ -137,6 +137,28 @@ function ImportoRiga(riga) {
     }
   });
   return Parte(Math.max(0, riga.p), Math.max(0, fattore));
+}
+
+/** The VAT that an amount includes at a rate in millionths, rounded half up. */
+function IvaCompresa(importo, aliquota) {
+  const base = BigInt(1000000 + aliquota);
+  return Number((BigInt(importo) * BigInt(aliquota) * 2n + base) / (base * 2n));
+}
+
+/** The VAT in the prices of the lines, less the discount of the order: by rate, each rounded. */
+function IvaNelleRighe(righe, fattore) {
+  const importi = new Map();
+  righe.forEach(function (riga) {
+    importi.set(riga.a || 0, (importi.get(riga.a || 0) || 0) + ImportoRiga(riga) * riga.q);
+  });
+  let iva = 0;
+  importi.forEach(function (importo, aliquota) { iva += IvaCompresa(Parte(importo, fattore), aliquota); });
+  return iva;
+}
+
+/** The country of an option in the shop's own words. */
+function NomePaese(voce) {
+  return voce.dataset.paese || voce.text;
 }
 
 /** Shows the price of one piece of an article as chosen: with the values of its variants and the pieces typed. */
