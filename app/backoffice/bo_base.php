@@ -48,15 +48,17 @@ function boIntestazioni(): void
         . " form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
 }
 
-/** The buffered page. When the database can't be reached kvdb.php ends with bare words: a page says so instead. */
+/** The buffered page; a page that leads elsewhere has no text. */
 function boPaginaFinita(string $pagina): string
 {
     $codice = http_response_code();
-    if ($codice === 503 && stripos($pagina, '<html') === false) {
-        return boPaginaChiusa('Il database del negozio non è raggiungibile: riprovare tra qualche minuto.');
-    }
     return $codice >= 300 && $codice < 400 ? '' : $pagina;
 }
+
+// What kvdb.php shows when the database can't be reached: its own words are those of a visitor's language.
+$GLOBALS['kv_pagina_guasto'] = function (): string {
+    return boPaginaChiusa('Il database del negozio non è raggiungibile: riprovare tra qualche minuto.');
+};
 
 /** Goes to another page of the back office and ends. */
 function boVai(string $pagina): void

@@ -233,8 +233,8 @@ class Forms_(Case):
         self.assertEqual((fields["negozio"], fields["terminale"], fields["valuta"]), ("9000001", "3", "242"))
 
     def test_offline_methods_show_the_merchants_words_and_end_there(self):
-        for method, words in ((3, "Si paga al corriere\r\n<b>in contanti</b>"),
-                              (4, "IBAN: IT60 &#039;X&#039; &quot;Y&quot; $z<br />\r\nCausale &amp; codice")):
+        for method, words in ((3, "<p>Si paga al corriere<br><b>in contanti</b></p>"),
+                              (4, "IBAN: IT60 'X' \"Y\" $z<br>Causale &amp; codice</p>")):
             shopper, page, code = self.order(3, method)
             self.assertIn(words, page.text)
             self.assertIn(code, page.text)

@@ -43,6 +43,9 @@ function kvFuoriServizio(): void
     while (ob_get_level() > 0 && @ob_end_clean()) {
         continue;
     }
+    if (isset($GLOBALS['kv_pagina_guasto'])) {
+        die($GLOBALS['kv_pagina_guasto']());
+    }
     die(function_exists('kvPaginaSola') ? kvPaginaSola("<<4-guasto>>") : "<<4-guasto>>");
 }
 
