@@ -6,7 +6,8 @@ SHOTS_ARGS ?=
 BENCH_ARGS ?=
 PROCESSORS := $(shell nproc)
 SOURCES = $(shell git ls-files --cached --others --exclude-standard -- '*.h' '*.cpp' | sort -u)
-export CTEST_PARALLEL_LEVEL ?= $(PROCESSORS)
+# One more than processors: tests of servers and browsers wait for most of their time.
+export CTEST_PARALLEL_LEVEL ?= $(shell expr $(PROCESSORS) + 1)
 
 .PHONY: help run demo test asan bench lighthouse screenshots fuzz soak format format-check layers lint check install package package-test clean deps deps-more build
 

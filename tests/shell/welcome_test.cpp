@@ -23,7 +23,7 @@ class WelcomePage : public ShopFixture {
  protected:
   WelcomePage() {
     makeShopIn(application + "/new");
-    write(application + "/new/work/tazza.jpg", "picture");
+    write(joinPath(application + "/new", "work/tazza.jpg"), "picture");
     write(application + "/new/code/site.js", "script");
     run(application + "/new",
         "UPDATE generale SET titolo = 'Bottega', titolo_l2 = 'Shop', testo1 = 'Ciao', immagine0 = 'logo.png',"
@@ -67,7 +67,7 @@ TEST_F(WelcomePage, AnEmptyShopHasOneDepartmentNoArticleAndNothingOfTheModelsOwn
 TEST_F(WelcomePage, AShopFromTheModelIsTheModel) {
   EXPECT_TRUE(carryOut(Welcome::ModelShop, root / "a/b"));
   EXPECT_EQ(all("titolo", "categorie"), "Ceramiche");
-  EXPECT_TRUE(fileExists(root / "a/b/work/tazza.jpg"));
+  EXPECT_TRUE(fileExists(joinPath(root / "a/b", "work/tazza.jpg")));
 }
 
 TEST_F(WelcomePage, AnEmptyShopThatCantBeMadeIsNoShopToOpen) {

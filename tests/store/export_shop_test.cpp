@@ -23,8 +23,8 @@ class ExportingAShop : public test::ShopFixture {
     shop = makeShop("negozio");
     makeShopIn(application + "/new");
     write(application + "/new/new.mdb", "seme");
-    write(application + "/new/work/modello.gif", "del modello");
-    write(application + "/new/work/comune.gif", "del modello");
+    write(joinPath(application + "/new", "work/modello.gif"), "del modello");
+    write(joinPath(application + "/new", "work/comune.gif"), "del modello");
     write(joinPath(shop, "work/comune.gif"), "del negozio");
     write(joinPath(shop, "work/foto/interna.jpg"), "x");
     write(shop + "/db/sql.mdb", "righe");
