@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "platform/ports/result.h"
 #include "platform/text/text.h"
 #include "tags/custom/custom_tags.h"
 #include "tags/language/language_module.h"
@@ -48,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(words.TagLingua(name) == (found == nullptr ? whole : *found));
     require(words.TagLingua(whole) == words.TagLingua(name));
   }
-  ignore(words.TagLingua(view), "only faults count");
-  ignore(tags.TagPersonale(view), "only faults count");
+  kv::ignore(words.TagLingua(view), "only faults count");
+  kv::ignore(tags.TagPersonale(view), "only faults count");
   return 0;
 }
