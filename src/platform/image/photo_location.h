@@ -10,7 +10,7 @@
 namespace kv {
 
 /// Whether a JPEG, PNG or WebP notes a latitude, in its EXIF or XMP. False for any other bytes and for damaged ones.
-/// Source: CIPA DC-008, tag 2 of the GPS directory; XMP specification, part 2, property exif:GPSLatitude.
+/// Source: CIPA DC-008, tag 2 of the GPS directory; ISO 16684-2, property exif:GPSLatitude.
 bool tellsLocation(std::string_view bytes);
 
 /// The same file with the same pixels, less its notes: EXIF, XMP, IPTC, and what follows the end of a JPEG, where some
