@@ -18,17 +18,22 @@ inline sockaddr_in localAddress(int port) {
   return address;
 }
 
+/// A socket that listens at a port the system chose; the caller closes it.
+inline int listenLocally(int& port) {
+  const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address = localAddress(0);
+  socklen_t size = sizeof address;
+  ::bind(listener, reinterpret_cast<sockaddr*>(&address), size);
+  ::listen(listener, 8);
+  ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+  port = ntohs(address.sin_port);
+  return listener;
+}
+
 /// Listens from its first to its last moment.
 class LocalListener {
  public:
-  LocalListener() : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address = localAddress(0);
-    socklen_t size = sizeof address;
-    ::bind(descriptor_, reinterpret_cast<sockaddr*>(&address), size);
-    ::listen(descriptor_, 8);
-    ::getsockname(descriptor_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
-  }
+  LocalListener() : descriptor_(listenLocally(port_)) {}
   ~LocalListener() { ::close(descriptor_); }
   LocalListener(const LocalListener&) = delete;
   LocalListener& operator=(const LocalListener&) = delete;
@@ -38,8 +43,8 @@ class LocalListener {
   int accept() const { return ::accept(descriptor_, nullptr, nullptr); }
 
  private:
-  int descriptor_;
   int port_ = 0;
+  int descriptor_;
 };
 
 }  // namespace kv::test

@@ -14,7 +14,7 @@
 namespace kv::test {
 
 ScriptedFtpServer::ScriptedFtpServer(FtpManners manners) : manners_(std::move(manners)) {
-  listener_ = ftp::listenOnLoopback(port_);
+  listener_ = listenLocally(port_);
   makeFolder(manners_.home);
   thread_ = std::thread([this] { serve(); });
 }

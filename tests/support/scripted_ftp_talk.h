@@ -15,6 +15,7 @@
 #include <optional>
 #include <utility>
 
+#include "support/local_listener.h"
 #include "support/scripted_ftp_server.h"
 
 namespace kv::test {
@@ -22,25 +23,6 @@ namespace ftp {
 
 inline constexpr int tick = 5;          // milliseconds between two looks at the end of the test
 inline constexpr int dataWait = 20000;  // milliseconds for a data connection to come about
-
-inline sockaddr_in loopback(int port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-inline int listenOnLoopback(int& port) {
-  const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address = loopback(0);
-  socklen_t size = sizeof address;
-  ::bind(listener, reinterpret_cast<sockaddr*>(&address), size);
-  ::listen(listener, 8);
-  ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-  port = ntohs(address.sin_port);
-  return listener;
-}
 
 inline std::string joined(const std::string& folder, const std::string& name) {
   if (name.starts_with('/')) return name.size() > 1 && name.ends_with('/') ? name.substr(0, name.size() - 1) : name;
@@ -194,7 +176,7 @@ class ScriptedFtpServer::Talk {
   void passive(bool extended) {
     closeData();
     int port = 0;
-    dataListener_ = ftp::listenOnLoopback(port);
+    dataListener_ = listenLocally(port);
     if (extended) return say("229 Entering Extended Passive Mode (|||" + std::to_string(port) + "|)");
     // An address of another machine, which nobody may connect to.
     say("227 Entering Passive Mode (10,1,2,3," + std::to_string(port / 256) + "," + std::to_string(port % 256) + ")");
@@ -214,7 +196,7 @@ class ScriptedFtpServer::Talk {
       return ::poll(&one, 1, ftp::dataWait) > 0 ? ::accept(dataListener_, nullptr, nullptr) : -1;
     }
     const int data = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const sockaddr_in address = ftp::loopback(activePort_);
+    const sockaddr_in address = localAddress(activePort_);
     ::connect(data, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     return data;
   }

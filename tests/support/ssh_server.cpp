@@ -43,7 +43,7 @@ std::string serverFileText(const std::string& path) {
 
 SshServer::SshServer() {
   ::mkdir(home().c_str(), S_IRWXU);
-  ::close(ftp::listenOnLoopback(port_));
+  ::close(listenLocally(port_));
   // As root the server locks a part of itself into this empty folder, which the package's own service makes.
   if (::getuid() == 0) ::mkdir(privilegeFolder, S_IRWXU | S_IRGRP | S_IXGRP | S_IROTH | S_IXOTH);
   makeKey();
