@@ -16,7 +16,7 @@ PermitRootLogin yes
 PasswordAuthentication yes
 KbdInteractiveAuthentication no
 StrictModes no
-Subsystem sftp internal-sftp
+Subsystem sftp /usr/lib/openssh/sftp-server
 """
 
 ASKING = """

@@ -64,6 +64,8 @@ void SshServer::makeKey() const {
   EXPECT_EQ(status, 0) << "ssh-keygen is missing: tools/install-deps";
 }
 
+// The subsystem is a program of its own, without nss_wrapper: inside a session of sshd the descriptor that nss_wrapper
+// keeps is closed and given to the folder being read, which is then read twice.
 void SshServer::writeSettings() const {
   const std::string ids = std::to_string(::getuid()) + ":" + std::to_string(::getgid());
   writeServerFile(folder_ / "passwd", std::string(user) + ":x:" + ids + "::" + home() +
@@ -73,7 +75,7 @@ void SshServer::writeSettings() const {
   writeServerFile(folder_ / "config", "Port " + port() + "\nListenAddress 127.0.0.1\nHostKey " + (folder_ / "key") +
                                           "\nPidFile none\nUsePAM no\nPermitRootLogin yes\nPasswordAuthentication yes\n"
                                           "KbdInteractiveAuthentication no\nStrictModes no\nLogLevel VERBOSE\n"
-                                          "Subsystem sftp internal-sftp\n");
+                                          "Subsystem sftp /usr/lib/openssh/sftp-server\n");
 }
 
 void SshServer::start() {
