@@ -1,6 +1,6 @@
-// A thousand random operations on the tree, undo and redo among them, from each of eight seeds: after each one the rows
-// are those that a plain model of the commands has computed, they keep their rules, and the tree that is shown is the
-// tree that is stored. A series that fails is made shorter before it is reported.
+// Random operations on the tree, undo and redo among them, from each of eight seeds: after each one the rows are those
+// that a plain model of the commands has computed, they keep their rules, and the tree that is shown is the tree that is
+// stored. A series that fails is made shorter before it is reported.
 //
 // KORVANE_TEST_SEED and KORVANE_TEST_SEEDS: the first seed and their number. KORVANE_TEST_OPERATIONS: the length.
 
@@ -21,12 +21,7 @@ namespace kv::test {
 namespace {
 
 constexpr int usualOperations = 1250;
-// Together ten thousand operations, in instrumented code too, where a series is shorter.
-#ifdef __SANITIZE_ADDRESS__
-constexpr unsigned usualSeeds = 20;
-#else
 constexpr unsigned usualSeeds = 8;
-#endif
 constexpr std::size_t returns = 4;  ///< times at which everything is undone
 constexpr std::size_t manyDepartments = 20;
 constexpr std::size_t manyArticles = 40;

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Five hundred visitors of ten small random shops: the page of an article, the cart in the browser, the order that the
-server stores and a calculation apart from all three must agree to the last unit.
-  price_oracle.py KORVANE_CLI [--shops 0,3,7]
+"""Visitors of ten small random shops, fifty in each unless told: the page of an article, the cart in the browser, the
+order that the server stores and a calculation apart from all three must agree to the last unit.
+  price_oracle.py KORVANE_CLI [--shops 0,3,7] [--visitors 20]
 """
+import argparse
 import concurrent.futures
 import html
 import json
@@ -16,7 +17,7 @@ import threading
 from fractions import Fraction
 
 from oracle_prices import Rules
-from oracle_shops import SHOPS, fill, make_cases, make_shop
+from oracle_shops import CASES, SHOPS, fill, make_cases, make_shop
 from served_shop import PATIENCE, SHOPPER, ServedShop, Visitor
 from mysql_wire import Connection  # found by the path that served_shop adds
 
@@ -111,8 +112,8 @@ class Street:
 class Counter:
     """The visitors of one shop, one after the other, and what they found."""
 
-    def __init__(self, street, shop, browser):
-        self.street, self.shop, self.browser = street, shop, browser
+    def __init__(self, street, shop, browser, visitors):
+        self.street, self.shop, self.browser, self.visitors = street, shop, browser, visitors
         self.rules = Rules(shop)
         self.base = street.address(shop)
         self.database = street.connect(shop)
@@ -133,7 +134,7 @@ class Counter:
     def run(self):
         self.register()
         self.cart_name = "kvstore_cart" + re.search(r"idnegozio\s*=\D*(\d+)", self.guest.ask("js0.js").text).group(1)
-        cases = make_cases(self.shop)
+        cases = make_cases(self.shop)[:self.visitors]
         self.orders = {}
         for place, case in enumerate(cases):
             self.act(case, place % (len(cases) // VISITS) == 0)
@@ -251,13 +252,13 @@ class Counter:
         self.expect(case, "the order page", seen["totals"], [self.cart_text(totals[name]) for name in shown])
 
 
-def main(program, numbers):
+def main(program, numbers, visitors):
     street = Street(program, numbers)
     browser = Browser()
     passed = False
     try:
         street.open()
-        counters = [Counter(street, shop, browser) for shop in street.shops]
+        counters = [Counter(street, shop, browser, visitors) for shop in street.shops]
         # As many at a time as the host has PHP processes.
         with concurrent.futures.ThreadPoolExecutor(4) as pool:
             found = list(pool.map(Counter.run, counters))
@@ -273,7 +274,9 @@ def main(program, numbers):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
-    chosen = sys.argv[sys.argv.index("--shops") + 1].split(",") if "--shops" in sys.argv else range(SHOPS)
-    sys.exit(main(sys.argv[1], [int(number) for number in chosen]))
+    parser = argparse.ArgumentParser()
+    parser.add_argument("program")
+    parser.add_argument("--shops", default=",".join(map(str, range(SHOPS))))
+    parser.add_argument("--visitors", type=int, default=CASES)
+    options = parser.parse_args()
+    sys.exit(main(options.program, [int(number) for number in options.shops.split(",")], options.visitors))
