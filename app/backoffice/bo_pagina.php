@@ -4,7 +4,7 @@
 
 /** The pages of the menu. */
 const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'clienti.php' => 'Clienti',
-    'disponibilita.php' => 'Disponibilità', 'richieste.php' => 'Password'];
+    'disponibilita.php' => 'Disponibilità', 'testi.php' => 'Messaggi', 'richieste.php' => 'Password'];
 
 /** The states of an order. */
 const BO_STATI = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiutato', 'spedito', 'annullato'];
