@@ -55,9 +55,9 @@ function boGraficoVendite(): string
     boTabella(['Giorno', '#Ordini', '#Totale'], array_map(fn($giorno) => [boData($giorno['giorno']),
         (string) (int) $giorno['n'], boImporto($giorno['somma'], $valuta)], array_reverse($venduti)), 'Vendite per giorno');
     $tabella = (string) ob_get_clean();
-    return $titolo . '<figure class="grafico"><svg viewBox="0 -4 ' . BO_GIORNI * BO_PASSO . ' ' . (BO_ALTEZZA + 8)
+    return $titolo . '<div class="grafico"><figure><svg viewBox="0 -4 ' . BO_GIORNI * BO_PASSO . ' ' . (BO_ALTEZZA + 8)
         . '" role="img" aria-labelledby="vendite vendite-dette">'
         . boBarre($giorni, $valuta, max(0.01, (float) $migliore['somma']))
         . '<path d="M0 ' . BO_ALTEZZA . 'H' . BO_GIORNI * BO_PASSO . '"/></svg><figcaption id="vendite-dette">' . $detto
-        . '</figcaption><details><summary>I numeri giorno per giorno</summary>' . $tabella . '</details></figure>';
+        . '</figcaption></figure><details><summary>I numeri giorno per giorno</summary>' . $tabella . '</details></div>';
 }

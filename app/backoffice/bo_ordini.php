@@ -67,15 +67,14 @@ function boSceltaStati(bool $elenchi = false): array
 }
 
 /**
- * What an order's column `dati` holds: campi, righe, totali, lingua (a code), metodo_prima, each empty when it doesn't.
- * Texts are UTF-8, but the keys of stock, which are in the catalogue's character set.
+ * What an order's column `dati` holds: campi, righe, totali, lingua (a code), each empty when it doesn't. Texts are
+ * UTF-8, but the keys of stock, which are in the catalogue's character set.
  */
 function boDatiOrdine(string $json): array
 {
     $dati = json_decode($json, true);
     $dati = (is_array($dati) ? $dati : []) + ['campi' => [], 'righe' => [], 'totali' => []];
-    $parole = array_map(fn($nome) => is_string($dati[$nome] ?? null) ? $dati[$nome] : '',
-        ['lingua' => 'lingua', 'metodo_prima' => 'metodo_prima']);
+    $lingua = $dati['lingua'] ?? '';
     $dati = array_map(fn($parte) => is_array($parte) ? $parte : [], $dati);
     $campi = [];
     foreach ($dati['campi'] as $nome => $valore) {
@@ -85,7 +84,7 @@ function boDatiOrdine(string $json): array
         && isset($riga['testo'], $riga['quantita'], $riga['importo']));
     $totali = array_map('floatval', array_filter($dati['totali'], 'is_numeric'));
     return ['campi' => $campi, 'righe' => array_values(array_map('boRigaOrdine', $righe)), 'totali' => $totali,
-        'lingua' => $parole['lingua'], 'metodo_prima' => $parole['metodo_prima']];
+        'lingua' => is_string($lingua) ? $lingua : ''];
 }
 
 /** One line of an order: `prima` and `scelte_prima` are its words in the shop's first language. */
@@ -114,8 +113,9 @@ function boNomeRiga(array $riga): string
 /** The payment method of an order as HTML, in the same way. */
 function boNomeMetodo(array $ordine, array $dati): string
 {
-    $prima = $dati['metodo_prima'] === '' ? $ordine['metodo'] : $dati['metodo_prima'];
-    return kvHtmlUtf8($prima) . ($prima === $ordine['metodo'] ? '' : ' (' . kvHtmlUtf8($ordine['metodo']) . ')');
+    $detto = $dati['campi']['NomePagamento'] ?? '';
+    return kvHtmlUtf8($ordine['metodo'])
+        . (in_array($detto, ['', $ordine['metodo']], true) ? '' : ' (' . kvHtmlUtf8($detto) . ')');
 }
 
 /** Adds to the notes of an order; `tipo` is nota, stato or messaggio, the text UTF-8. */

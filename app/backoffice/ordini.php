@@ -16,7 +16,7 @@ $boOrdini = kvQuery('SELECT ' . BO_COLONNE_ORDINE . " FROM kv_ordini WHERE $boDo
 boInizio('Ordini', 'ordini.php');
 ?>
 <form class="filtro" method="get" accept-charset="utf-8" action="ordini.php" role="search">
-<?php echo boCampo('Codice, nome, e-mail, articolo o nota', 'q', $boParametri['q'], 'type="search" maxlength="100"'),
+<?php echo boCampo('Codice, nome, articolo o nota', 'q', $boParametri['q'], 'type="search" maxlength="100"'),
     boCampo('Dal', 'da', $boParametri['da'], 'type="date"'), boCampo('Al', 'a', $boParametri['a'], 'type="date"'); ?>
 <label>Stato <select name="stato"><?php
     echo boScelte(boSceltaStati(true), $boParametri['stato']); ?></select></label>

@@ -15,8 +15,8 @@ function boMittenteStampa(): string
 {
     $negozio = kvMittente();
     $firma = trim($negozio['firma']);
-    return '<p class="mittente"><strong>' . kvHtmlUtf8($negozio['nome']) . '</strong>'
-        . ($firma === '' ? '' : '<br>' . nl2br(kvHtmlUtf8($firma))) . '</p>';
+    $nome = strpos($firma, $negozio['nome']) === 0 ? '' : $negozio['nome'] . "\n";
+    return '<p>' . nl2br(kvHtmlUtf8(trim($nome . $firma))) . '</p>';
 }
 
 /** The lines without amounts, with room for a mark beside each; who receives them signs below. */
@@ -38,7 +38,7 @@ list($boNome, $boImporti) = BO_STAMPE[$boCosa];
 boInizio($boNome . ' ' . $boOrdine['codice'], 'ordini.php');
 echo '<p class="non-stampare"><button type="button" data-stampa hidden>Stampa</button> <a href="',
     kvHtml(boIndirizzo('ordine.php', ['codice' => $boOrdine['codice']])), '">Torna all\'ordine</a></p>',
-    '<div class="colonne carta">', boMittenteStampa(), '<section><h2>Destinatario</h2>';
+    '<div class="colonne">', boMittenteStampa(), '<section><h2>Destinatario</h2>';
 boDestinatario($boOrdine, $boDati['campi']);
 echo '</section></div><p class="sommario">Ordine ', kvHtml($boOrdine['codice']), ' del ', boData($boOrdine['creato'], false),
     $boImporti ? ' &middot; Pagamento: ' . boNomeMetodo($boOrdine, $boDati) : '',

@@ -52,8 +52,8 @@ foreach (BO_STATI as $boN => $boStato) {
         '" rows="7" maxlength="', BO_TESTO_MASSIMO, '">', "\n", kvHtmlUtf8($boTesto['testo']), '</textarea></label></fieldset>';
 }
 ?>
-<p class="salva"><button type="submit">Salva</button>
-<button type="submit" name="forniti" value="1" class="piano">Ripristina i testi forniti</button></p>
+<p class="salva"><button type="submit">Salva</button></p>
+<p><button type="submit" name="forniti" value="1" class="piano">Ripristina i testi forniti</button></p>
 </form>
 <?php
 boFine();

@@ -210,7 +210,7 @@ function kvScriviOrdine(string $codice, array $campi, array $totali, string $dat
         'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
         . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
         [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
-         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), $campi['NomePagamento'], 'nuovo',
+         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), kvMetodoPrima($campi['NomePagamento']), 'nuovo',
          "<<1-IDlingua>>", $dati, $riepilogo]);
 }
 

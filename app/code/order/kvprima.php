@@ -36,12 +36,13 @@ function kvNumeroMetodo(): int
     return (int) kvCampo($_POST, kvCampo($_POST, 'Metodo', 2) === '' ? 'Pagamento' : 'Metodo', 2);
 }
 
-/** The name of a payment method in the first language, UTF-8. */
-function kvMetodoPrima(int $metodo): string
+/** The name of the chosen payment method in the first language, UTF-8; `tradotto` where that is not known. */
+function kvMetodoPrima(string $tradotto): string
 {
     // Put together, for the build gives names of pages in a text the suffix of the language.
     $metodi = kvVociSelect((string) include 'kvmetodi' . '.php');
-    return kvUtf8((string) ($metodi[$metodo - 1]['nome'] ?? ''));
+    $nome = $metodi[kvNumeroMetodo() - 1]['nome'] ?? null;
+    return $nome === null ? $tradotto : kvUtf8($nome);
 }
 
 /**
@@ -57,7 +58,6 @@ function kvMetodoProva(int $metodo): bool
 /** What is kept of an order for the back office: `righe` for each of its lines, `ordine` for the whole. */
 function kvPrimaLingua(array $righe): array
 {
-    $metodo = kvNumeroMetodo();
     return ['righe' => kvRighePrima($righe), 'ordine' => ['lingua' => "<<4-codice_lingua>>",
-        'metodo_prima' => kvMetodoPrima($metodo), 'prova' => kvMetodoProva($metodo)]];
+        'prova' => kvMetodoProva(kvNumeroMetodo())]];
 }
