@@ -128,7 +128,7 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     $guasto = $guasto === '' ? kvScambia($carico) : $guasto;
     if ($guasto === '' && $carico->nuove !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.
-        $guasto = kvSegnaCarico(in_array("kv_parole$lingua", $carico->nuove, true) ? "indice$lingua" : '');
+        $guasto = kvSegnaCarico(in_array("articoli$lingua", $carico->nuove, true) ? "indice$lingua" : '');
         $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
     }
     if ($guasto !== '') {
