@@ -5,6 +5,7 @@
 // word with marks inside, as "l'olio", must also be in the article as it was typed.
 
 include_once "kvtables.php";
+include_once "kvfound.php";
 
 /** Most words of the shop that one word of a request may stand for. */
 const KV_VOCABOLI = 5000;
@@ -103,11 +104,8 @@ function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina,
         : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
         . ' WHERE ' . $reparti . $segni;
     // Named with a table of words, the statement speaks UTF-8 as they do.
-    $quanti = (int) (kvRiga('SELECT COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
-    $pagina = max(1, min($pagina, (int) ceil($quanti / $perPagina)));
-    $numeri = $quanti === 0 ? [] : kvQuery("SELECT p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
-        array_merge($valori, [$perPagina, ($pagina - 1) * $perPagina]));
-    return [$quanti, kvRigheTrovate(array_map('intval', array_column($numeri ?? [], 'articolo'))), $pagina];
+    list($quanti, $numeri) = kvNumeriTrovati($da, $valori, $perPagina, $pagina);
+    return [$quanti, kvRigheTrovate($numeri), $pagina];
 }
 
 /** The rows of results by the numbers of their articles, in that order. */

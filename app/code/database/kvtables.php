@@ -40,6 +40,9 @@ function kvDefinizioni(): array
             . " tipo VARCHAR(10) NOT NULL, testo TEXT NOT NULL, KEY ordine (ordine)",
         // The merchant's own words of a mail; nome is a state and a language: "spedito.it".
         'kv_testi' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, oggetto VARCHAR(200) NOT NULL, testo TEXT NOT NULL",
+        // Results of searches that found much, of the load whose mark they have.
+        'kv_ricerche' => "chiave CHAR(32) NOT NULL PRIMARY KEY, carico VARCHAR(190) NOT NULL, quanti INT NOT NULL,"
+            . " numeri TEXT NOT NULL",
         'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];
