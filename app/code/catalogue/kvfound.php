@@ -32,25 +32,27 @@ function kvTieniRicerca(string $chiave, string $carico, int $quanti, array $nume
 
 /**
  * How many articles a search finds and the numbers of one page of them, in their order. `da`: what stands behind the
- * columns of the SELECT, with `valori` bound; `pagina` becomes that of the page that there is.
+ * columns of the SELECT, with `valori` bound; `pagina` becomes that of the page that there is. With `tieni` the result is
+ * kept however little was found. The tables are read in the order of `da`: the words choose the articles, for the server
+ * can't know how few they leave, and would rather look into the texts of all.
  */
-function kvNumeriTrovati(string $da, array $valori, int $perPagina, int &$pagina): array
+function kvNumeriTrovati(string $da, array $valori, int $perPagina, int &$pagina, bool $tieni): array
 {
     $chiave = md5(json_encode([$GLOBALS['Lingua'], $da, $valori], JSON_INVALID_UTF8_SUBSTITUTE));
     $leggi = fn(int $quanti, int $dopo): array => array_map('intval', array_column(kvQuery(
-        "SELECT p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
+        "SELECT STRAIGHT_JOIN p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
         array_merge($valori, [$quanti, $dopo])) ?? [], 'articolo'));
     $tenuta = kvRicercaTenuta($chiave);
     if ($tenuta['quanti'] === null) {
         $numeri = $leggi(KV_TENUTI, 0);
         $quanti = count($numeri) < KV_TENUTI ? count($numeri)
-            : (int) (kvRiga('SELECT COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
-        if ($quanti >= KV_DA_TENERE && $tenuta['carico'] !== '') {
+            : (int) (kvRiga('SELECT STRAIGHT_JOIN COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
+        if (($tieni || $quanti >= KV_DA_TENERE) && $tenuta['carico'] !== '') {
             kvTieniRicerca($chiave, $tenuta['carico'], $quanti, $numeri);
         }
     } else {
         $quanti = (int) $tenuta['quanti'];
-        $numeri = array_map('intval', explode(',', $tenuta['numeri']));
+        $numeri = $tenuta['numeri'] === '' ? [] : array_map('intval', explode(',', $tenuta['numeri']));
     }
     $pagina = max(1, min($pagina, (int) ceil($quanti / $perPagina)));
     $dopo = ($pagina - 1) * $perPagina;
