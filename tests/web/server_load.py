@@ -98,6 +98,19 @@ class Loads(Case):
     def found(self, word):
         return int(re.search(r"Articoli trovati: (\d+)", self.visitor.ask("kvsearch.php?q=" + word).text).group(1))
 
+    def test_related_articles_are_found_by_key_as_by_reading_all(self):
+        self.assertEqual(self.load(None, None), "OK")
+        pages = [f"{page}.php?n={n}" for page, n in shop().rows(
+            "SELECT DISTINCT pagina, sottopagina FROM articoli INNER JOIN dettaglio USING (ID) WHERE correlazione > ''")]
+        ask = lambda: [re.sub(r"[0-9a-f]{32}", "", self.visitor.ask(address).text) for address in pages]
+        by_key = ask()
+        shop().execute("UPDATE kv_stato SET valore = '1' WHERE nome = 'indice'")
+        try:
+            self.assertEqual(by_key, ask())
+        finally:
+            shop().execute("UPDATE kv_stato SET valore = '2' WHERE nome = 'indice'")
+        self.assertTrue(pages)
+
     def results(self, page):
         """What a search shows on a page of it, without the form: its results and how many there are."""
         text = shop().visitor().ask(f"kvsearch.php?q=a+e+ta&p={page}").text

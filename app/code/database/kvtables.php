@@ -81,6 +81,12 @@ function kvTabellePronte(): void
     $pronte = true;
 }
 
+/** A group word of related articles as kv_voci has it; where two have the same beginning, the word itself decides. */
+function kvGruppoIndice(string $parola): string
+{
+    return kvTaglia(strtolower(trim(kvUtf8($parola))), 60);
+}
+
 /** A value that the shop keeps of itself; empty when there is none. */
 function kvStato(string $nome): string
 {

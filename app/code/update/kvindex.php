@@ -3,7 +3,7 @@
 // The index of words that the search asks: for each language kv_parole, which article has which word and where;
 // kv_vocaboli, each word once, in which a part of a word is looked for; kv_voci, department and title of each article,
 // by which results are chosen and ordered without a look at the wide rows of the catalogue, with a mark of the texts that
-// the words came from. A load reads the words of the articles whose texts it changes and of no others.
+// the words came from and the group word by which related articles are found. A load reads the words of the articles whose texts it changes and of no others.
 include_once "kvutf8.php";
 
 /** Where a word is: in the title, in the code, in the texts. A lower number comes first among results. */
@@ -18,7 +18,7 @@ const KV_RIGHE_INDICE = 500000;
  * rules of this file.
  */
 const KV_SEGNO = "UNHEX(MD5(CONCAT('1', '\n', IFNULL(catID, ''), '\n', IFNULL(codice, ''), '\n', IFNULL(plain_titolo, ''),"
-    . " '\n', IFNULL(plain_sottotitolo, ''), '\n', IFNULL(descrizione, ''), '\n', IFNULL(note, ''))))";
+    . " '\n', IFNULL(plain_sottotitolo, ''), '\n', IFNULL(descrizione, ''), '\n', IFNULL(note, ''), '\n', IFNULL(correlazione, ''))))";
 
 /** The words of an UTF-8 text, folded: its runs of characters and digits, of forty characters at most. */
 function kvParoleTesto(string $testo): array
@@ -50,7 +50,8 @@ function kvTabelleIndice(string $lingua): string
     foreach (["kv_parole$lingua" => "$parola, articolo INT NOT NULL, rango TINYINT NOT NULL, PRIMARY KEY (parola, articolo)",
               "kv_vocaboli$lingua" => "$parola PRIMARY KEY",
               "kv_voci$lingua" => 'articolo INT NOT NULL PRIMARY KEY, reparto VARCHAR(20) CHARACTER SET utf8mb4 NOT NULL,'
-              . ' titolo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, segno BINARY(16) NOT NULL'] as $nome => $colonne) {
+              . ' titolo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, segno BINARY(16) NOT NULL,'
+              . ' gruppo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, KEY gruppo (gruppo)'] as $nome => $colonne) {
         $guasto = $guasto === '' ? kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $nome) : $guasto;
         $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$nome ($colonne) ENGINE=InnoDB") : $guasto;
     }
@@ -65,7 +66,7 @@ function kvRaccogliParole(array $righe, array &$parole, array &$articoli): void
     foreach ($righe as $riga) {
         $titolo = kvTaglia(kvPiega(kvUtf8((string) $riga['plain_titolo'])), 60);
         $articoli[] = '(' . (int) $riga['ID'] . ',' . $testo(kvUtf8((string) $riga['catID'])) . ',' . $testo($titolo) . ',0x'
-            . bin2hex($riga['segno']) . ')';
+            . bin2hex($riga['segno']) . ',' . $testo(kvGruppoIndice((string) $riga['correlazione'])) . ')';
         foreach (kvParoleArticolo($riga) as $parola => $rango) {
             $parole[$parola] = ($parole[$parola] ?? '') . (int) $riga['ID'] . ",$rango;";
         }
@@ -120,8 +121,8 @@ function kvLeggiParole(array $tabelle, string $dove, callable $forma): string
     $parole = $voci = [];
     for ($passo = 1; true; $passo++) {
         kvCaratteri('latin1');
-        $esito = mysqli_query(kvConnessione(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note, '
-            . KV_SEGNO . " AS segno FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID WHERE a.ID > $ultimo AND $dove"
+        $esito = mysqli_query(kvConnessione(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
+            . ' correlazione, ' . KV_SEGNO . " AS segno FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID WHERE a.ID > $ultimo AND $dove"
             . ' ORDER BY a.ID LIMIT ' . KV_ARTICOLI_INSIEME);
         if ($esito === false) {
             return kvGuastoSql("SELECT FROM $articoli");
@@ -145,7 +146,7 @@ function kvLeggiParole(array $tabelle, string $dove, callable $forma): string
 function kvIndiceNuovo(string $lingua): bool
 {
     return kvEsiste("kv_parole$lingua") && kvRiga('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA ='
-        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'segno'", ["kv_voci$lingua"]) !== null;
+        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'gruppo'", ["kv_voci$lingua"]) !== null;
 }
 
 /**

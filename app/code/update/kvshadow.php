@@ -140,6 +140,6 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
 /** Marks the load, for pages that browsers keep: a page of another load is another page. Sets `altro` too. The failure. */
 function kvSegnaCarico(string $altro = ''): string
 {
-    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')" . ($altro === '' ? '' : ", ('$altro', '1')");
+    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')" . ($altro === '' ? '' : ", ('$altro', '2')");
     return kvEseguiSql("REPLACE INTO kv_stato (nome, valore) VALUES $stati");
 }
