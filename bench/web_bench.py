@@ -5,10 +5,7 @@
          queries and prints the rows; both in turn, so that they see the same machine, the middle ratio counts
   load   seconds that updatedb.php takes for a full dump of 10,000 articles (--quick: 1,000), beside the mariadb client
          reading the same files, once; the fastest of three of the script counts
-  search milliseconds (95 of 100 answers are faster) of a search with hits and of one without at four side by side, in a
-         shop of 100,000 articles and in one of 10,000 (--quick: a tenth of both)
 """
-import concurrent.futures
 import os
 import pathlib
 import re
@@ -154,38 +151,6 @@ def measure_load(program, articles):
     print(f"  updatedb.php / mariadb: {by_script / by_client:.2f} (bar 0.40) {verdict(by_script <= 0.4 * by_client)}")
 
 
-def slow_answer(served, words):
-    """Milliseconds within which 95 of 100 searches at four side by side are answered."""
-    def ask(word):
-        start = time.monotonic()
-        answer = Visitor(served.base).ask("kvsearch.php?q=" + word)
-        assert answer.status == 200, answer.text
-        return (time.monotonic() - start) * 1000
-    with concurrent.futures.ThreadPoolExecutor(CONNECTIONS) as pool:
-        list(pool.map(ask, words * 4))
-        return statistics.quantiles(pool.map(ask, words * 40), n=20)[-1]
-
-
-def measure_search(program, sizes):
-    figures = []
-    for articles in sizes:
-        def change(catalogue):
-            catalogue.execute("UPDATE lingue SET lingua2 = NULL, lingua3 = NULL, lingua4 = NULL")
-            departments = [row[0] for row in catalogue.execute("SELECT DISTINCT catID FROM articoli")]
-            copy_articles(catalogue, departments, articles // len(departments) + 1)
-        served = ServedShop(program, change)
-        try:
-            served.open()
-            figures.append([slow_answer(served, words) for words in (["PI-002-7", "alba", "gres", "tazz"], ["zzqq", "qwx"])])
-            assert served.log() == "", served.log()
-        finally:
-            served.close()
-        print(f"  {articles} articles: with hits {figures[-1][0]:.0f} ms, without {figures[-1][1]:.0f} ms", flush=True)
-    slowest, ratio = max(figures[-1]), figures[-1][0] / figures[0][0]
-    print(f"  search of {sizes[-1]} articles: {slowest:.0f} ms (bar 50) {verdict(slowest < 50)}, "
-          f"{ratio:.2f} of {sizes[0]} (bar 1.5) {verdict(ratio <= 1.5)}")
-
-
 def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)
@@ -193,7 +158,6 @@ def main():
     for template in ("classico", "chiaro"):
         measure_pages(program, template)
     measure_load(program, 1000 if "--quick" in sys.argv else 10000)
-    measure_search(program, (1000, 10000) if "--quick" in sys.argv else (10000, 100000))
 
 
 if __name__ == "__main__":

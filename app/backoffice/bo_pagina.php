@@ -4,7 +4,7 @@
 
 /** The pages of the menu. */
 const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'clienti.php' => 'Clienti',
-    'disponibilita.php' => 'Disponibilità', 'richieste.php' => 'Password'];
+    'disponibilita.php' => 'Disponibilità', 'testi.php' => 'Messaggi', 'richieste.php' => 'Password'];
 
 /** The states of an order. */
 const BO_STATI = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiutato', 'spedito', 'annullato'];
@@ -12,7 +12,7 @@ const BO_STATI = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiut
 /** The head of a page. */
 function boTesta(string $titolo): string
 {
-    return '<!DOCTYPE html><html lang="it"><head><meta charset="windows-1252">'
+    return '<!DOCTYPE html><html lang="it"><head>'
         . '<meta name="viewport" content="width=device-width, initial-scale=1"><meta name="robots" content="noindex">'
         . '<title>' . kvHtml($titolo . ' - ' . boImpostazioni()['negozio']) . '</title>'
         . '<link rel="icon" href="bo.svg" type="image/svg+xml"><link rel="stylesheet" href="bo.css">'
@@ -60,21 +60,21 @@ function boCampoGettone(): string
 
 /**
  * A table. Each row is a list of cells as HTML, in the order of the headings; a heading that starts with "#" is one of
- * numbers. On a phone each row is a card, with the heading in front of each cell: hence the roles, which a changed
- * display would take from the elements.
+ * numbers. On a phone each row is a card, with the heading in front of each cell; bo.js says the roles once more, which a
+ * changed display takes from the elements in some browsers.
  */
 function boTabella(array $titoli, array $righe, string $nome): void
 {
-    echo '<table role="table"><caption>', kvHtml($nome), '</caption><thead role="rowgroup"><tr role="row">';
+    echo '<table><caption>', kvHtml($nome), '</caption><thead><tr>';
     foreach ($titoli as $titolo) {
-        echo '<th role="columnheader" scope="col"', $titolo[0] === '#' ? ' class="numero">' : '>',
+        echo '<th scope="col"', $titolo[0] === '#' ? ' class="numero">' : '>',
             kvHtml(ltrim($titolo, '#')), '</th>';
     }
-    echo '</tr></thead><tbody role="rowgroup">';
+    echo '</tr></thead><tbody>';
     foreach ($righe as $riga) {
-        echo '<tr role="row">';
+        echo '<tr>';
         foreach (array_values($riga) as $n => $cella) {
-            echo '<td role="cell" data-nome="', kvHtml(ltrim($titoli[$n], '#')), '"',
+            echo '<td data-nome="', kvHtml(ltrim($titoli[$n], '#')), '"',
                 $titoli[$n][0] === '#' ? ' class="numero">' : '>', $cella, '</td>';
         }
         echo '</tr>';

@@ -1,6 +1,8 @@
 <?php
-// One customer: approval, price list, personal discount, data, a new password, the orders, the way out of the table.
+// One customer: approval, price list, personal discount, data, a new password, the orders; a copy of all data for the
+// customer, and the way out of the table.
 include "bo_base.php";
+include_once "kvcustomer.php";
 boRiservata();
 
 /** The data of a customer: column => label, longest text. */
@@ -85,10 +87,14 @@ function boEsegui(array $cliente): void
             boNuovaPassword($cliente);
             break;
         case 'elimina':
-            kvQuery('DELETE FROM kv_clienti WHERE id = ?', [$id]);
-            boAnnullaRichieste($cliente['email']);
-            boAvvisa('Il cliente ' . $cliente['email'] . ' è stato eliminato.');
-            boVai('clienti.php');
+            if (kvOrdiniAperti($cliente) > 0) {
+                boAvvisa('Il cliente ha ordini aperti: evaderli o annullarli prima.', true);
+            } elseif (kvEliminaCliente($cliente)) {
+                boAvvisa('Il cliente ' . $cliente['email'] . ' è stato eliminato.');
+                boVai('clienti.php');
+            } else {
+                boAvvisa('Il cliente non è stato eliminato: riprovare.', true);
+            }
     }
     boVai('cliente.php?id=' . $id);
 }
@@ -98,7 +104,7 @@ function boConfermaElimina(array $cliente): void
 {
     boInizio('Eliminare il cliente?', 'clienti.php');
     echo '<p>', kvHtmlUtf8(trim($cliente['nome'] . ' ' . $cliente['cognome'])), ', ', kvHtmlUtf8($cliente['email']),
-        ': l\'accesso al negozio va perso; gli ordini restano.</p><form method="post" accept-charset="utf-8" action="cliente.php?id=',
+        ': l\'accesso al negozio e i dati della persona vanno persi; gli ordini restano per il fisco, senza nome.</p><form method="post" accept-charset="utf-8" action="cliente.php?id=',
         (int) $cliente['id'], '">', boCampoGettone(), '<input type="hidden" name="azione" value="elimina">',
         '<p><button type="submit" class="pericolo">Elimina</button> <a href="cliente.php?id=', (int) $cliente['id'],
         '">Annulla</a></p></form>';
@@ -165,5 +171,6 @@ if ($boOrdini === []) {
             . '</a>', boData($riga['creato'], false), boImporto($riga['totale'], $riga['valuta']),
         boStato($riga['stato'])], $boOrdini), 'Ordini del cliente');
 }
-echo '<p><a href="cliente.php?id=', (int) $boCliente['id'], '&amp;elimina=1">Elimina il cliente...</a></p></div></div>';
+echo '<p><a href="cliente_dati.php?id=', (int) $boCliente['id'], '">Scarica tutti i dati del cliente (JSON)</a></p>',
+    '<p><a href="cliente.php?id=', (int) $boCliente['id'], '&amp;elimina=1">Elimina il cliente...</a></p></div></div>';
 boFine();

@@ -3,6 +3,7 @@
 // Without a row in kv_disponibilita a thing is there without limit. Orders lower the quantities meanwhile, so only what
 // was changed on the page is stored, and only where the database still holds what the page had shown.
 include "bo_base.php";
+include_once "bo_scorte.php";
 boRiservata();
 
 const BO_PER_PAGINA = 50;
@@ -25,7 +26,7 @@ function boFonti(): array
             'campi' => "MAX($valore) AS chiave, MAX(a.codice) AS codice,"
                 . " MAX(CONCAT_WS(' ', g.codice, t.plain_titolo, '-', p.nomeopzione)) AS nome",
             'cerca' => "CONCAT_WS(' ', a.codice, g.codice, t.plain_titolo, p.nomeopzione)",
-            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice)'],
+            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice), ' . $valore],
     ];
 }
 
@@ -34,7 +35,8 @@ function boFiltroDisponibilita(array $richiesta): array
 {
     $tipo = kvCampo($richiesta, 'tipo', 1) === 'V' ? 'V' : 'A';
     $vedi = kvCampo($richiesta, 'vedi', 10);
-    $filtri = ['esauriti' => '(d.disponibile = 0 OR d.quantita <= 0)', 'limitati' => 'd.chiave IS NOT NULL'];
+    $filtri = ['esauriti' => '(d.disponibile = 0 OR d.quantita <= 0)', 'limitati' => 'd.chiave IS NOT NULL',
+        'scarsi' => boCondizioneScarsi()];
     $parametri = ['tipo' => $tipo, 'q' => kvRigaCampo($richiesta, 'q', 100),
         'vedi' => isset($filtri[$vedi]) ? $vedi : ''];
     $fonte = boFonti()[$tipo];
@@ -109,6 +111,15 @@ function boSalvaVoci(string $tipo): void
     }
 }
 
+/** A mark for what is sold out or runs short, as HTML. */
+function boSegnoScorta(bool $disponibile, string $quantita): string
+{
+    if (!$disponibile || $quantita === '0') {
+        return ' <span class="stato stato-rifiutato">esaurito</span>';
+    }
+    return $quantita !== '' && (int) $quantita <= boSoglia() ? ' <span class="stato stato-nuovo">in esaurimento</span>' : '';
+}
+
 /** The fields of one row, as cells. */
 function boCelleVoce(int $n, array $riga): array
 {
@@ -123,13 +134,19 @@ function boCelleVoce(int $n, array $riga): array
             . ($voce[0] === '1' ? ' checked' : '') . '>',
         '<input type="text" inputmode="numeric" pattern="[0-9]*" maxlength="7" size="11" name="q[' . $n . ']" value="'
             . $quantita . '" aria-label="Quantità: ' . kvHtml($nome) . '" placeholder="senza limite">'
-            . ($voce[0] === '0' || $quantita === '0' ? ' <span class="stato stato-rifiutato">esaurito</span>' : ''),
+            . boSegnoScorta($voce[0] === '1', $quantita),
     ];
 }
 
 list($boParametri, $boTabelle, $boDove, $boValori) = boFiltroDisponibilita($_GET);
 if (boInvio()) {
-    boSalvaVoci($boParametri['tipo']);
+    if (isset($_POST['controllate'])) {
+        kvMettiStato('scorte_condivise', '');
+    } elseif (isset($_POST['soglia'])) {
+        boSalvaSoglia();
+    } else {
+        boSalvaVoci($boParametri['tipo']);
+    }
     boVai(boIndirizzo('disponibilita.php', ['p' => boNumero($_GET, 'p', 1, 99999)] + $boParametri));
 }
 $boFonte = boFonti()[$boParametri['tipo']];
@@ -146,9 +163,10 @@ boInizio('Disponibilità', 'disponibilita.php');
     $boParametri['tipo']); ?></select></label>
 <?php echo boCampo('Codice o nome', 'q', $boParametri['q'], 'type="search" maxlength="100"'); ?>
 <label>Mostra <select name="vedi"><?php echo boScelte(['' => 'Tutti', 'limitati' => 'Con un limite',
-    'esauriti' => 'Non disponibili'], $boParametri['vedi']); ?></select></label>
+    'scarsi' => 'In esaurimento', 'esauriti' => 'Non disponibili'], $boParametri['vedi']); ?></select></label>
 <p><button type="submit">Cerca</button></p>
 </form>
+<?php boModuloSoglia(boIndirizzo('disponibilita.php', $boParametri)); ?>
 <?php if ($boVoci === []) { ?>
 <p>Nessuna voce trovata.</p>
 <?php

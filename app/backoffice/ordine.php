@@ -1,52 +1,10 @@
 <?php
-// One order: what was bought, by whom, where it goes; its state; to be printed as it stands.
+// One order: what was bought, by whom, where it goes; its state, of which the customer is told; notes; ways to print it.
 include "bo_base.php";
 include_once "bo_ordini.php";
+include_once "bo_ordine.php";
+include_once "bo_testi.php";
 boRiservata();
-
-/** The customer's address, or the bare name of an order without fields. */
-function boDestinatario(array $ordine, array $campi): void
-{
-    $righe = [trim(($campi['Nome'] ?? '') . ' ' . ($campi['Cognome'] ?? '')), $campi['RagioneSociale'] ?? '',
-        $campi['Indirizzo'] ?? '',
-        trim(($campi['CAP'] ?? '') . ' ' . ($campi['Citta'] ?? '') . ' ' . ($campi['Provincia'] ?? '')),
-        $campi['Paese'] ?? ''];
-    $righe = array_filter($righe, fn($riga) => $riga !== '');
-    $righe = array_map('kvHtmlUtf8', $righe === [] ? [$ordine['nome']] : $righe);
-    echo '<address>', implode('<br>', $righe), '</address><dl>';
-    $voci = ['E-mail' => '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtmlUtf8($ordine['email'])
-        . '</a>', 'Telefono' => kvHtmlUtf8($campi['Telefono'] ?? ''), 'Partita IVA' => kvHtmlUtf8($campi['PartitaIVA'] ?? '')];
-    if ((int) $ordine['cliente'] > 0) {
-        $numero = (int) $ordine['cliente'];
-        $voci['Cliente'] = '<a href="cliente.php?id=' . $numero . '">n. ' . $numero . '</a>';
-    }
-    foreach ($voci as $nome => $html) {
-        echo $html === '' ? '' : "<dt>$nome</dt><dd>$html</dd>";
-    }
-    echo '</dl>';
-}
-
-/** The lines with their amounts, and the totals under them; the plain summary for an order that doesn't hold them. */
-function boContenuto(array $ordine, array $dati): void
-{
-    if ($dati['righe'] === []) {
-        echo '<pre>', kvHtmlUtf8($ordine['riepilogo']), '</pre>';
-        return;
-    }
-    boTabella(['Articolo', '#Quantità', '#Importo', '#Totale'], array_map(fn($riga) => [
-        kvHtmlUtf8($riga['testo']) . ($riga['scelte'] === '' ? '' : '<small>' . kvHtmlUtf8($riga['scelte']) . '</small>'),
-        (string) $riga['quantita'], boDecimale($riga['importo']), boDecimale($riga['importo'] * $riga['quantita'])],
-        $dati['righe']), 'Articoli');
-    echo '<dl class="totali">';
-    foreach (['merce' => 'Totale articoli', 'sconto' => 'Sconto', 'iva' => ($dati['totali']['iva'] ?? 0) < 0 ? 'IVA non dovuta' : 'IVA', 'spese' => 'Spese di spedizione',
-              'ivaspese' => 'IVA sulle spese'] as $chiave => $nome) {
-        $importo = $dati['totali'][$chiave] ?? 0.0;
-        if ($importo != 0.0) {
-            echo "<dt>$nome</dt><dd>", $chiave === 'sconto' ? '-' : '', boDecimale($importo), '</dd>';
-        }
-    }
-    echo '<dt>Totale</dt><dd><strong>', boImporto($ordine['totale'], $ordine['valuta']), '</strong></dd></dl>';
-}
 
 /** The form of the state. Whether stock moves is asked where an order has pieces and is cancelled or comes back. */
 function boModuloStato(array $ordine, array $dati): void
@@ -62,7 +20,53 @@ function boModuloStato(array $ordine, array $dati): void
             $annullato ? 'Se l\'ordine torna valido, togliere di nuovo i pezzi dalle quantità disponibili'
                 : 'Se l\'ordine viene annullato, rimettere i pezzi tra le quantità disponibili', '</span></label>';
     }
+    if ($ordine['email'] !== '') {
+        echo '<label class="spunta"><input type="checkbox" name="scrivi" value="1" checked> <span>Scrivere al cliente (',
+            kvHtml(BO_LINGUE[boLinguaOrdine($ordine, $dati)]), ')</span></label><label>Testo del messaggio',
+            ' <textarea name="messaggio" rows="3" maxlength="', BO_TESTO_MASSIMO,
+            '" placeholder="vuoto: quello previsto per lo stato"></textarea></label>';
+    }
     echo '<p><button type="submit">Salva</button></p></form>';
+}
+
+/** Sets the state that the form asks for, and writes to the customer; the notices say what came of both. */
+function boEseguiStato(array $ordine): void
+{
+    $prima = kvCampo($_POST, 'prima', 20);
+    $dopo = kvCampo($_POST, 'stato', 20);
+    if (!in_array($dopo, BO_STATI, true) || $dopo === $prima) {
+        return;
+    }
+    if (!boCambiaStato($ordine, $prima, $dopo, isset($_POST['scorte']))) {
+        boAvvisa('Lo stato è cambiato nel frattempo: controllare e ripetere.', true);
+        return;
+    }
+    boAvvisa("Lo stato dell'ordine è ora: $dopo.");
+    $esito = isset($_POST['scrivi']) ? boScriviStato($ordine, $dopo, kvCampo($_POST, 'messaggio', BO_TESTO_MASSIMO)) : '';
+    if ($esito !== '') {
+        boAnnota((int) $ordine['id'], 'messaggio', $esito);
+        boAvvisa(kvDaUtf8($esito) . '.', strpos($esito, 'Il server') === 0);
+    }
+}
+
+/** What was noted of an order, newest first, and the form for another note. */
+function boNote(array $ordine): void
+{
+    $note = kvQuery('SELECT quando, testo, tipo FROM kv_annotazioni WHERE ordine = ? ORDER BY id DESC LIMIT 200',
+        [(int) $ordine['id']]) ?? [];
+    echo '<h2>Annotazioni</h2>';
+    if ($note !== []) {
+        echo '<ul class="note">';
+        foreach ($note as $nota) {
+            echo '<li class="nota-', kvHtml($nota['tipo']), '"><small>', boData($nota['quando']), '</small> ',
+                nl2br(kvHtmlUtf8($nota['testo'])), '</li>';
+        }
+        echo '</ul>';
+    }
+    echo '<form class="modulo non-stampare" method="post" accept-charset="utf-8" action="',
+        kvHtml(boIndirizzo('ordine.php', ['codice' => $ordine['codice']])), '">', boCampoGettone(),
+        '<label>Nuova annotazione, solo per il negozio <textarea name="nota" rows="2" maxlength="2000" required></textarea>',
+        '</label><p><button type="submit">Annota</button></p></form>';
 }
 
 $boCodice = kvRigaCampo($_GET, 'codice', 20);
@@ -71,12 +75,13 @@ if ($boOrdine === null) {
     boChiudi(404, 'Questo ordine non esiste.');
 }
 if (boInvio()) {
-    $boPrima = kvCampo($_POST, 'prima', 20);
-    $boDopo = kvCampo($_POST, 'stato', 20);
-    if (in_array($boDopo, BO_STATI, true) && $boDopo !== $boPrima) {
-        $boFatto = boCambiaStato($boOrdine, $boPrima, $boDopo, isset($_POST['scorte']));
-        boAvvisa($boFatto ? 'Lo stato dell\'ordine è ora: ' . $boDopo . '.'
-            : 'Lo stato è cambiato nel frattempo: controllare e ripetere.', !$boFatto);
+    kvTabellePronte();
+    $boNota = kvCampo($_POST, 'nota', 2000);
+    if ($boNota !== '') {
+        boAvvisa(boAnnota((int) $boOrdine['id'], 'nota', $boNota) ? 'Annotazione salvata.'
+            : 'L\'annotazione non è stata salvata.');
+    } else {
+        boEseguiStato($boOrdine);
     }
     boVai(boIndirizzo('ordine.php', ['codice' => $boCodice]));
 }
@@ -84,7 +89,7 @@ $boDati = boDatiOrdine($boOrdine['dati']);
 boInizio('Ordine ' . $boOrdine['codice'], 'ordini.php');
 ?>
 <p class="sommario"><?php echo boData($boOrdine['creato']), ' &middot; ', boStato($boOrdine['stato']), ' &middot; ',
-    kvHtmlUtf8($boOrdine['metodo']); ?></p>
+    boNomeMetodo($boOrdine, $boDati); ?></p>
 <?php if (($boOrdine['pagamento'] ?? '') !== '') { ?>
 <p>Pagamento confermato: <?php echo kvHtmlUtf8($boOrdine['pagamento']); ?></p>
 <?php } ?>
@@ -100,8 +105,11 @@ boContenuto($boOrdine, $boDati);
 if (($boDati['campi']['Note'] ?? '') !== '') {
     echo '<h2>Note</h2><p class="testo">', nl2br(kvHtmlUtf8($boDati['campi']['Note'])), '</p>';
 }
-?>
-<p class="non-stampare"><button type="button" data-stampa hidden>Stampa</button>
-<a href="ordini.php">Tutti gli ordini</a></p>
-<?php
+boNote($boOrdine);
+echo '<p class="non-stampare stampe">';
+foreach (['ordine' => 'Stampa dell\'ordine', 'consegna' => 'Documento di consegna', 'ricevuta' => 'Ricevuta'] as $boCosa => $boNome) {
+    echo '<a href="', kvHtml(boIndirizzo('stampa.php', ['codice' => $boOrdine['codice'], 'cosa' => $boCosa])), '">',
+        kvHtml($boNome), '</a> ';
+}
+echo '<a href="ordini.php">Tutti gli ordini</a></p>';
 boFine();

@@ -1,6 +1,9 @@
 <?php
 // What waits for the merchant: orders of today and of this month, those to be worked on, customers to be approved.
 include "bo_base.php";
+include_once "bo_ordini.php";
+include_once "bo_grafico.php";
+include_once "bo_scorte.php";
 boRiservata();
 
 /** Orders since a moment (an SQL expression of ours): how many, and the sum of those still good, by currency. */
@@ -29,20 +32,24 @@ function boQuanti(int $n, string $uno, string $molti): string
 // The database's own clock dates the orders, so it also says what today is.
 $boOggi = kvRiga("SELECT CURDATE() AS oggi, DATE_FORMAT(CURDATE(), '%Y-%m-01') AS mese")
     ?? ['oggi' => date('Y-m-d'), 'mese' => date('Y-m-01')];
-$boNuovi = boConta("SELECT COUNT(*) AS n FROM kv_ordini WHERE stato IN ('nuovo', 'da verificare', 'importo diverso')");
 $boAttesa = boConta('SELECT COUNT(*) AS n FROM kv_clienti WHERE approvato = 0');
 $boEsauriti = boConta("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'A'"
     . ' AND (disponibile = 0 OR quantita <= 0)');
+$boScarsi = boVociScarse();
 $boUltimi = kvQuery('SELECT codice, creato, nome, totale, valuta, stato FROM kv_ordini ORDER BY id DESC LIMIT 8') ?? [];
 boInizio('Riepilogo', 'pannello.php');
 echo '<ul class="riquadri">',
     boRiquadro('Oggi', boSomma('CURDATE()'), boIndirizzo('ordini.php', ['da' => $boOggi['oggi']])),
     boRiquadro('Questo mese', boSomma("DATE_FORMAT(CURDATE(), '%Y-%m-01')"),
         boIndirizzo('ordini.php', ['da' => $boOggi['mese']])),
-    boRiquadro('Da evadere', boQuanti($boNuovi, 'ordine', 'ordini'), 'ordini.php?stato=aperti'),
+    implode('', array_map(fn($elenco) => boRiquadro(BO_ELENCHI[$elenco][0], boQuanti(boConta(
+        'SELECT COUNT(*) AS n FROM kv_ordini WHERE ' . BO_ELENCHI[$elenco][1]), 'ordine', 'ordini'),
+        'ordini.php?stato=' . $elenco), array_keys(BO_ELENCHI))),
     boRiquadro('In attesa di approvazione', boQuanti($boAttesa, 'cliente', 'clienti'), 'clienti.php?attesa=1'),
     boRiquadro('Non disponibili', boQuanti($boEsauriti, 'voce', 'voci'), 'disponibilita.php?vedi=esauriti'),
-    '</ul><h2>Ultimi ordini</h2>';
+    boRiquadro('In esaurimento', boQuanti($boScarsi['A'] + $boScarsi['V'], 'voce', 'voci'),
+        boIndirizzo('disponibilita.php', ['tipo' => $boScarsi['A'] > 0 ? '' : 'V', 'vedi' => 'scarsi'])),
+    '</ul>', boGraficoVendite(), '<h2>Ultimi ordini</h2>';
 if ($boUltimi === []) {
     echo '<p>Non ci sono ancora ordini.</p>';
 } else {

@@ -42,7 +42,8 @@ class Access(Case):
 
     def test_no_page_shows_anything_without_access(self):
         self.add_order("261101-AAAAAA")
-        for name in ("pannello", "ordini", "ordine", "ordini_csv", "clienti", "cliente", "disponibilita", "richieste"):
+        for name in ("pannello", "ordini", "ordine", "ordini_csv", "clienti", "cliente", "disponibilita", "richieste",
+                     "cliente_dati", "stampa", "testi"):
             page = self.office.ask(name + ".php?codice=261101-AAAAAA&id=1", follow=False)
             self.assertEqual((page.status, page.headers["Location"], page.body), (303, "index.php", b""), name)
 
@@ -82,6 +83,9 @@ class Tokens(Case):
                 ("ordine.php?codice=261101-AAAAAA", {"prima": "nuovo", "stato": "spedito"}),
                 ("clienti.php", {"id": number}),
                 (f"cliente.php?id={number}", {"azione": "elimina"}),
+                ("ordine.php?codice=261101-AAAAAA", {"nota": "x"}),
+                ("testi.php?lingua=it", {"o5": "x", "t5": "x"}), ("testi.php", {"forniti": "1"}),
+                ("disponibilita.php", {"soglia": "9"}),
                 (f"cliente.php?id={number}", {"azione": "password", "pw": "nuova-password"}),
                 ("disponibilita.php", {"c[0]": "41", "p[0]": "1|", "q[0]": "1", "d[0]": "1"}),
                 ("richieste.php", {"id": number}), ("esci.php", {})):
@@ -93,7 +97,8 @@ class Tokens(Case):
         self.assertEqual(self.shop.rows("SELECT stato FROM kv_ordini"), [["nuovo"]])
         self.assertEqual(self.shop.rows("SELECT approvato, pw FROM kv_clienti"), [["0", "x"]])
         self.assertEqual(self.shop.rows("SELECT * FROM kv_disponibilita"), [])
-        self.assertEqual(self.shop.rows("SELECT * FROM kv_richieste"), [])
+        for table in ("kv_richieste", "kv_annotazioni", "kv_testi", "kv_stato WHERE nome = 'soglia_scorte'"):
+            self.assertEqual(self.shop.rows("SELECT * FROM " + table), [])
         self.assertTrue(self.office.ask("ordini.php").address.endswith("/ordini.php"))
 
 
@@ -109,6 +114,8 @@ class Visitors(Case):
         self.shop.execute("INSERT INTO kv_richieste (email, creato, gettone, scade, stato) VALUES"
                           " ('<script>@example.org', NOW(), 'x', NOW(), 'nuova')")
         for address in ("pannello.php", "ordini.php", "ordini.php?q=" + "%3Cscript%3E", f"ordine.php?codice={code}",
+                        f"stampa.php?codice={code}&cosa=ordine", f"stampa.php?codice={code}&cosa=consegna",
+                        "ordini.php?metodo=%3Cscript%3E", "testi.php?lingua=%3Cscript%3E",
                         "clienti.php", f"cliente.php?id={number}", "richieste.php", "clienti.php?q=%22%3E%3Cscript%3E",
                         f"cliente.php?id={number}&elimina=1", "disponibilita.php?q=%3Cscript%3E"):
             text = self.office.ask(address).text
@@ -122,7 +129,8 @@ class Visitors(Case):
         for text in INJECTIONS:
             value = "".join(f"%{byte:02X}" for byte in text.encode())
             for address in ("ordini.php?q=", "ordini.php?stato=", "ordini.php?da=", "ordini.php?p=",
-                            "ordine.php?codice=", "ordini_csv.php?q=", "clienti.php?q=", "cliente.php?id=",
+                            "ordine.php?codice=", "ordini_csv.php?q=", "ordini.php?metodo=", "testi.php?lingua=",
+                            "cliente_dati.php?id=", "stampa.php?cosa=ordine&codice=", "clienti.php?q=", "cliente.php?id=",
                             "disponibilita.php?q=",
                             "disponibilita.php?tipo=", "disponibilita.php?vedi=", "disponibilita.php?tipo=O&q=",
                             "richieste.php?q="):

@@ -19,7 +19,8 @@ class Case(unittest.TestCase):
         # An attempt makes the tables, if it is the first.
         self.enter(visitor=Case.shop.visitor("/" + OFFICE))
         Case.shop.execute(*(f"DELETE FROM kv_{name}" for name in
-                       ("ordini", "clienti", "disponibilita", "richieste", "tentativi")))
+                       ("ordini", "clienti", "disponibilita", "richieste", "tentativi",
+                        "annotazioni", "testi")))
 
     def tearDown(self):
         self.assertEqual(Case.shop.log(), "")
@@ -30,8 +31,9 @@ class Case(unittest.TestCase):
         return visitor.send(page.form("index.php"), page, utente=user, password=password)
 
     def add_order(self, code, name="Anna Bianchi", email="anna@example.org", total="10.50", state="nuovo",
-                  created="NOW()", fields=None, lines=()):
-        data = json.dumps({"campi": fields or {}, "righe": list(lines), "totali": {"merce": 1}}).replace("\\", "\\\\")
+                  created="NOW()", fields=None, lines=(), extra=None):
+        data = json.dumps({"campi": fields or {}, "righe": list(lines), "totali": {"merce": 1}, **(extra or {})},
+                          separators=(",", ":")).replace("\\", "\\\\")
         quote = lambda text: "'" + text.replace("\\", "\\\\").replace("'", "\\'") + "'"
         Case.shop.execute("INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato,"
                      f" lingua, dati, riepilogo) VALUES ({quote(code)}, {created}, 0, {quote(name)}, {quote(email)},"

@@ -82,7 +82,8 @@ runTests([
         ['<ul class="scaglioni"><li>Da 3: -10%</li><li>Da 10: -20%</li></ul>', $view('scaglioni', article())],
     'AVariantValueIsTakenApart' => fn() => [
         ['attributi' => 'selected', 'prezzo' => 25000, 'peso' => '.2', 'cifrato' => 'R%3D1', 'codice' => 'R=1',
-         'etichetta' => 'Misura: R1 Grande', 'testo' => 'Grande * ( + EUR <<importo>> )'], $taken['voci'][$keys[0]]],
+         'etichetta' => 'Misura: R1 Grande', 'testo' => 'Grande * ( + EUR <<importo>> )',
+         'prima' => 'Misura: R1 Grande'], $taken['voci'][$keys[0]]],
     'AVariantKeepsItsKeysInAnotherLanguage' => fn() => [$keys, array_keys($translated['voci'])],
     'AValueWithoutTranslationHasItsOwnKey' => fn() => [false, in_array(array_keys($shorter['voci'])[0], $keys, true)],
     'TwoEqualValuesHaveTwoKeys' => fn() => [2, count(kvScomponiVariante(['nomeopzione' => '', 'prima' => '',

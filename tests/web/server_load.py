@@ -1,36 +1,29 @@
 #!/usr/bin/env python3
 """Loads that visitors never see, and the index of words that they bring up to date: server_load.py KORVANE_CLI"""
-import concurrent.futures
 import http.client
-import os
-import pathlib
 import random
 import re
-import signal
 import threading
 import urllib.parse
 
+from load_shop import LoadedShop
 from shop_case import Case, main, order, shop
 
 
 class Loads(Case):
     @classmethod
     def setUpClass(cls):
-        shop().korvane("export-sql")
-        online = shop().shop / "online"
-        cls.full = {name: (online / name).read_bytes() for name in ("dbdel.sql", "db.sql")}
-        cls.word = cls.full["db.sql"].decode("cp1252").splitlines()[0][1:]
-        cls.wanted = shop().visitor().ask("cat007.php?n=1").text.count("<article")
+        cls.loaded = LoadedShop(shop())
+        cls.full = cls.loaded.full
 
     def load(self, delete, insert):
-        """Has the host load two texts; None gives the whole shop."""
-        for name, text in (("dbdel.sql", delete), ("db.sql", insert)):
-            head = f"#{self.word}\r\n\r\n".encode()
-            (shop().shop / "online" / name).write_bytes(self.full[name] if text is None else head + text.encode("cp1252"))
-        return shop().visitor().ask("updatedb.php", {"rnd": "x", "sec": self.word}).text.strip()
+        return self.loaded.load(delete, insert)
+
+    def row(self, number, title="Titolo provvisorio"):
+        return self.loaded.row(number, title)
 
     def check(self, page):
-        self.assertEqual((page.status, page.text.count("<article"), page.text.count("</html>")), (200, self.wanted, 1))
+        self.assertTrue(self.loaded.is_whole(page), page.text[:200])
 
     def leftovers(self):
         return shop().rows("SHOW TABLES LIKE 'kvn\\_%'") + shop().rows("SHOW TABLES LIKE 'kvo\\_%'")
@@ -39,63 +32,25 @@ class Loads(Case):
         """Full and incremental loads one after the other, some of them ended by kill -9, beside visitors."""
         ended = threading.Event()
         killer = random.Random(20261122)
-
-        def visits():
-            count = 0
-            visitor = shop().visitor()
-            while not ended.is_set() or count < 40:
-                try:
-                    page = visitor.ask("cat007.php?n=1")
-                except (OSError, ValueError, http.client.HTTPException):
-                    continue
-                if page.status != 502:
-                    self.check(page)
-                count += 1
-            return count
-        with concurrent.futures.ThreadPoolExecutor(3) as pool:
-            visiting = [pool.submit(visits) for _ in range(2)]
-            try:
-                for number in range(6):
-                    if number % 3 == 2:
-                        timer = threading.Timer(killer.uniform(0.02, 0.25), self.kill_php)
-                        timer.start()
-                        try:
-                            self.load(None, None)
-                        except (OSError, ValueError, http.client.HTTPException):
-                            pass
-                        timer.join()
-                    else:
-                        self.assertEqual(self.load(None, None), "OK")
-                        self.assertEqual(self.load("DELETE FROM articoli WHERE ID IN ('1');\r\n", self.row(1)), "OK")
-            finally:
-                ended.set()
-            self.assertGreater(sum(future.result() for future in visiting), 60)
+        visiting = [threading.Thread(target=self.loaded.visit, args=(ended, 40)) for _ in range(2)]
+        for visitor in visiting:
+            visitor.start()
+        try:
+            for number in range(6):
+                if number % 3 == 2:
+                    self.loaded.load_and_kill(killer.uniform(0.02, 0.25))
+                else:
+                    self.assertEqual(self.load(None, None), "OK")
+                    self.assertEqual(self.load("DELETE FROM articoli WHERE ID IN ('1');\r\n", self.row(1)), "OK")
+        finally:
+            ended.set()
+            for visitor in visiting:
+                visitor.join()
+        self.assertEqual(self.loaded.bad, [])
+        self.assertGreater(self.loaded.seen, 60)
         self.assertEqual(self.load(None, None), "OK")
         self.assertEqual(self.leftovers(), [])
         (shop().home / "log/php.log").write_text("")
-
-    def row(self, number, title="Titolo provvisorio"):
-        """An INSERT for an article as the build writes it, with another title."""
-        names = [row[0] for row in shop().rows("SHOW COLUMNS FROM articoli")]
-        values = dict(zip(names, shop().rows(f"SELECT * FROM articoli WHERE ID = {number}")[0]))
-        values["plain_titolo"] = title
-        quoted = [f" {values[name]}" if name in ("ID", "sottopagina") else "NULL" if values[name] is None else
-                  "'" + values[name].replace("\\", "\\\\").replace("'", "\\'").replace("\r", "\\r").replace("\n", "\\n") + "'"
-                  for name in names]
-        return ("LOCK TABLES articoli WRITE;\r\nINSERT INTO articoli\r\nVALUES (\r\n" + ", \r\n".join(quoted)
-                + " );\r\n\r\nUNLOCK TABLES;\r\n")
-
-    def kill_php(self):
-        """kill -9 of the workers of this shop's PHP."""
-        for entry in pathlib.Path("/proc").glob("[0-9]*"):
-            try:
-                environment = (entry / "cmdline").read_bytes()
-                parent = re.search(r"PPid:\s*(\d+)", (entry / "status").read_text()).group(1)
-                master = pathlib.Path("/proc", parent, "cmdline").read_bytes()
-            except OSError:
-                continue
-            if b"php-fpm: pool" in environment and str(shop().home).encode() in master:
-                os.kill(int(entry.name), signal.SIGKILL)
 
     def test_whatever_statement_fails_the_former_catalogue_stays(self):
         before = shop().rows("SELECT COUNT(*), SUM(LENGTH(descrizione)) FROM articoli") + shop().rows("CHECKSUM TABLE dettaglio")
@@ -142,6 +97,46 @@ class Loads(Case):
 
     def found(self, word):
         return int(re.search(r"Articoli trovati: (\d+)", self.visitor.ask("kvsearch.php?q=" + word).text).group(1))
+
+    def test_related_articles_are_found_by_key_as_by_reading_all(self):
+        self.assertEqual(self.load(None, None), "OK")
+        pages = [f"{page}.php?n={n}" for page, n in shop().rows(
+            "SELECT DISTINCT pagina, sottopagina FROM articoli INNER JOIN dettaglio USING (ID) WHERE correlazione > ''")]
+        ask = lambda: [re.sub(r"[0-9a-f]{32}", "", self.visitor.ask(address).text) for address in pages]
+        by_key = ask()
+        shop().execute("UPDATE kv_stato SET valore = '1' WHERE nome = 'indice'")
+        try:
+            self.assertEqual(by_key, ask())
+        finally:
+            shop().execute("UPDATE kv_stato SET valore = '2' WHERE nome = 'indice'")
+        self.assertTrue(pages)
+
+    def results(self, page):
+        """What a search shows on a page of it, without the form: its results and how many there are."""
+        text = shop().visitor().ask(f"kvsearch.php?q=a+e+ta&p={page}").text
+        return re.search(r"Articoli trovati: (\d+)", text).group(1), re.findall(r'<li class="risultato">.*?</li>', text, re.S)
+
+    def test_a_search_that_found_much_is_kept_until_the_next_load(self):
+        script = shop().shop / "online/kvfound.php"
+        former = script.read_bytes()
+        kept = lambda: shop().rows("SELECT quanti, numeri FROM kv_ricerche r INNER JOIN kv_stato s ON s.nome = 'carico'"
+                                   " AND s.valore = r.carico")
+        pages = [self.results(page) for page in (1, 2, 9)]
+        self.assertEqual(kept(), [])
+        # As if few results were much, and a page and a half were all that is kept.
+        script.write_bytes(former.replace(b"KV_DA_TENERE = 100", b"KV_DA_TENERE = 3").replace(b"KV_TENUTI = 500", b"KV_TENUTI = 15"))
+        try:
+            for _ in range(2):
+                self.assertEqual([self.results(page) for page in (1, 2, 9)], pages)
+            (count, numbers), = kept()
+            self.assertEqual((count, len(numbers.split(","))), (pages[0][0], 15))
+            shop().execute("UPDATE kv_ricerche SET quanti = 999")
+            self.assertEqual(self.results(1)[0], "999", "what is kept is what is shown")
+            self.assertEqual(self.load("\r\n", "\r\n"), "OK")
+            self.assertEqual(kept(), [])
+            self.assertEqual(self.results(1), pages[0])
+        finally:
+            script.write_bytes(former)
 
     def test_the_index_follows_a_difference(self):
         number = int(shop().rows("SELECT articoli.ID FROM articoli INNER JOIN dettaglio USING (ID) INNER JOIN categorie ON"

@@ -165,6 +165,16 @@ class Stock(CustomerCase):
         lines = served_lines(self.visitor, f"{number}.2.{key}_{other}.9.{key}")
         self.assertEqual([line["m"] for line in lines], [1, None])
 
+    def test_sold_out_values_are_read_by_their_key_however_many_values_are_limited(self):
+        (number, other), variant, key = self.two_with_the_same_variant()
+        shop().execute(f"INSERT INTO kv_disponibilita SELECT 'V', CONCAT({number}, seq, '.{variant}.O'), 1, 0 FROM seq_0_to_999")
+        self.limit("V", f"{number}.{variant}.O", 0)
+        read = lambda: int(shop().rows("SHOW GLOBAL STATUS LIKE 'Handler_read_next'")[0][1])
+        before = read()
+        options = re.findall(rf'<option ([^>]*)data-k="{key}">', self.visitor.ask("cat007.php").text)
+        self.assertLess(read() - before, 900)
+        self.assertEqual(["disabled" in option for option in options].count(True), 1)
+
     def test_a_value_that_is_sold_out_cannot_be_chosen(self):
         (number, other), variant, key = self.two_with_the_same_variant()
         self.limit("V", f"{number}.{variant}.O", 0)

@@ -204,7 +204,7 @@ class Search(CustomerCase):
         return int(re.search(r"Articoli trovati: (\d+)", text).group(1))
 
     def test_the_index_finds_what_reading_all_articles_finds(self):
-        requests = ["di", "tazz", "olio", "PI-00", "l'olio", "gres smalt", "per quattro", "caff\u00e8", "00", "con", "zzz"]
+        requests = ["di", "tazz", "olio", "PI-00", "I-002", "PI-002", "l'olio", "dell'ol", "gres smalt", "per quattro", "caff\u00e8", "00", "con", "zzz"]
         by_index = [self.total(words) for words in requests]
         shop().execute("DELETE FROM kv_stato WHERE nome = 'indice'")
         try:

@@ -235,6 +235,21 @@ function kvGruppo(array $riga): string
     return strtolower(trim((string) ($riga['correlazione'] ?? '')));
 }
 
+/** The rows of related articles, by the key that a load makes; a shop that has none yet reads all its articles. */
+function kvRigheGruppi(string $colonne, string $tabella, string $dopo, array $gruppi): array
+{
+    include_once "kvtables.php";
+    if (kvStato('indice' . $GLOBALS['Lingua']) !== '2') {
+        return kvQuery("SELECT $colonne FROM $tabella$dopo ORDER BY plain_titolo", $gruppi) ?? [];
+    }
+    // Named with a table of the index, the statement speaks UTF-8.
+    $righe = kvQuery("SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON $tabella.ID ="
+        . " v.articolo$dopo AND v.gruppo IN (" . implode(',', array_fill(0, count($gruppi), '?')) . ') ORDER BY plain_titolo',
+        array_merge(array_map('kvUtf8', $gruppi), array_map('kvGruppoIndice', $gruppi)));
+    return array_map(fn($riga) => array_map(fn($valore) => is_string($valore) ? kvDaUtf8($valore) : $valore, $riga),
+        $righe ?? []);
+}
+
 /** The articles of each group word on the page, read by one query; closed and hidden departments stay out. */
 function kvGruppiPagina(string $gruppo): array
 {
@@ -247,11 +262,12 @@ function kvGruppiPagina(string $gruppo): array
     $nuovi = array_values(array_filter(array_unique(array_merge([$gruppo], array_map('kvGruppo', $righe)))));
     $gruppi += array_fill_keys($nuovi, []);
     $tabella = kvTabellaLingua('articoli');
-    $trovati = kvQuery("SELECT $tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione"
-        . " FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento USING (ID) INNER JOIN categorie"
-        . " ON categorie.ID = catID WHERE correlazione IN (" . implode(',', array_fill(0, count($nuovi), '?'))
-        . ') AND nascosto = 0 AND inaccessibile' . ($listino ?: '') . ' = 0 ORDER BY plain_titolo', $nuovi);
-    foreach ($trovati ?? [] as $riga) {
+    $elenco = '(' . implode(',', array_fill(0, count($nuovi), '?')) . ')';
+    $dopo = " INNER JOIN dettaglio ON dettaglio.ID = $tabella.ID INNER JOIN ordinamento ON ordinamento.ID = $tabella.ID"
+        . " INNER JOIN categorie ON categorie.ID = catID WHERE correlazione IN $elenco AND nascosto = 0 AND inaccessibile"
+        . ($listino ?: '') . ' = 0';
+    $colonne = "$tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione";
+    foreach (kvRigheGruppi($colonne, $tabella, $dopo, $nuovi) as $riga) {
         $gruppi[kvGruppo($riga)][] = $riga;
     }
     return $gruppi;

@@ -5,6 +5,7 @@
 // word with marks inside, as "l'olio", must also be in the article as it was typed.
 
 include_once "kvtables.php";
+include_once "kvfound.php";
 
 /** Most words of the shop that one word of a request may stand for. */
 const KV_VOCABOLI = 5000;
@@ -21,12 +22,21 @@ function kvIndicePronto(array $parole, bool $tutte): bool
     return kvStato('indice' . $GLOBALS['Lingua']) !== '';
 }
 
-/** What the index is asked for a request word: the word, or the longest part of one with marks; none below two characters. */
+/**
+ * What the index is asked for a request word, by the pattern of the words that it stands for: the word anywhere in them;
+ * of one with marks its parts of at least two characters, which end a word before a mark and begin one after it.
+ */
 function kvPezziParola(string $parola): array
 {
     preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega(kvUtf8($parola)), $trovati);
-    usort($trovati[0], fn($uno, $altro) => kvLunghezza($altro) <=> kvLunghezza($uno));
-    return array_filter(array_slice($trovati[0], 0, 1), fn($pezzo) => kvLunghezza($pezzo) > 1);
+    $pezzi = [];
+    foreach ($trovati[0] as $n => $pezzo) {
+        if (kvLunghezza($pezzo) > 1) {
+            $ultimo = $n === count($trovati[0]) - 1;
+            $pezzi[($n === 0 ? '%' : '') . addcslashes($pezzo, '%_\\') . ($ultimo ? '%' : '')] = $pezzo;
+        }
+    }
+    return $pezzi;
 }
 
 /** Whether a request word holds other than characters and digits. */
@@ -35,30 +45,30 @@ function kvHaSegni(string $parola): bool
     return preg_match('/^[\p{L}\p{N}\p{M}]+$/uD', kvUtf8($parola)) !== 1;
 }
 
-/** The words of the shop that hold a part; null when there are too many to be told one by one. */
-function kvVocaboli(string $pezzo): ?array
+/** The words of the shop that a pattern fits; null when there are too many to be told one by one. */
+function kvVocaboli(string $forma): ?array
 {
     $righe = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . (KV_VOCABOLI + 1),
-        ['%' . addcslashes($pezzo, '%_\\') . '%']);
+        [$forma]);
     return $righe !== null && count($righe) <= KV_VOCABOLI ? array_column($righe, 'parola') : null;
 }
 
 /**
- * The articles that have a part of a word or the whole of it, as a SELECT of articolo and punti; values go to `valori`.
- * Without being told, the server would rather walk through all words in the order of the articles.
+ * The articles that have a word which fits a pattern, or the whole of it, as a SELECT of articolo and punti; values go to
+ * `valori`. Without being told, the server would rather walk through all words in the order of the articles.
  */
-function kvSceltaParola(string $pezzo, bool $intera, array &$valori): string
+function kvSceltaParola(string $forma, string $pezzo, bool $intera, array &$valori): string
 {
     $tabella = 'kv_parole' . $GLOBALS['Lingua'];
     if ($intera) {
         $valori[] = $pezzo;
         return "SELECT articolo, rango * 3 AS punti FROM $tabella WHERE parola = ?";
     }
-    $parole = kvVocaboli($pezzo);
+    $parole = kvVocaboli($forma);
     array_push($valori, $pezzo, addcslashes($pezzo, '%_\\') . '%');
     if ($parole === null) {
         $dove = 'parola LIKE ?';
-        $valori[] = '%' . addcslashes($pezzo, '%_\\') . '%';
+        $valori[] = $forma;
     } else {
         $dove = $parole === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($parole), '?')) . ')';
         $valori = array_merge($valori, $parole);
@@ -88,11 +98,15 @@ function kvCondizioneReparti(array &$valori): string
 /** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
 function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
 {
-    $pezzi = array_values(array_unique(array_merge(...array_map('kvPezziParola', $parole))));
+    $pezzi = [];
+    foreach ($parole as $parola) {
+        $pezzi += kvPezziParola($parola);
+    }
     $valori = [];
     $scelte = [];
-    foreach ($pezzi as $pezzo) {
-        $scelte[] = '(' . kvSceltaParola($pezzo, $intere, $valori) . ')';
+    foreach ($pezzi as $forma => $pezzo) {
+        $intera = $intere || (string) $forma === addcslashes($pezzo, '%_\\');
+        $scelte[] = '(' . kvSceltaParola((string) $forma, $pezzo, $intera, $valori) . ')';
     }
     $voluti = $tutte ? count($pezzi) : 1;
     $trovati = count($pezzi) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
@@ -103,11 +117,8 @@ function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina,
         : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
         . ' WHERE ' . $reparti . $segni;
     // Named with a table of words, the statement speaks UTF-8 as they do.
-    $quanti = (int) (kvRiga('SELECT COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
-    $pagina = max(1, min($pagina, (int) ceil($quanti / $perPagina)));
-    $numeri = $quanti === 0 ? [] : kvQuery("SELECT p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
-        array_merge($valori, [$perPagina, ($pagina - 1) * $perPagina]));
-    return [$quanti, kvRigheTrovate(array_map('intval', array_column($numeri ?? [], 'articolo'))), $pagina];
+    list($quanti, $numeri) = kvNumeriTrovati($da, $valori, $perPagina, $pagina, $segni !== '');
+    return [$quanti, kvRigheTrovate($numeri), $pagina];
 }
 
 /** The rows of results by the numbers of their articles, in that order. */

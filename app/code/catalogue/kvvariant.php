@@ -64,7 +64,7 @@ function kvVociVariante(string $elenco): array
 
 /**
  * A variant taken apart: nome, and voci by key, each with attributi, prezzo (ten-thousandths), peso, cifrato (the code as
- * it stands in the value), codice, etichetta (the cart's label), testo.
+ * it stands in the value), codice, etichetta (the cart's label), testo, prima (the label in the first language).
  */
 function kvScomponiVariante(array $riga): array
 {
@@ -82,6 +82,7 @@ function kvScomponiVariante(array $riga): array
         $voci[$chiave] = [
             'attributi' => trim($voce[1]), 'prezzo' => kvDecimillesimi($voce[2]), 'peso' => $voce[3],
             'cifrato' => $voce[4], 'codice' => rawurldecode($voce[4]), 'etichetta' => $voce[5], 'testo' => $voce[6],
+            'prima' => $base[5],
         ];
     }
     return ['nome' => (string) $riga['nomeopzione'], 'voci' => $voci];

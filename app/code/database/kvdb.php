@@ -6,7 +6,7 @@
 // are bound, never pasted.
 
 /** The tables whose texts are UTF-8; a statement about one of them takes and gives UTF-8. */
-const KV_TABELLE_UTF8 = '/\bkv_(?:clienti|ordini|richieste|stato|(?:parole|vocaboli|voci)(?:_l[2-4])?)\b/';
+const KV_TABELLE_UTF8 = '/\bkv_(?:clienti|ordini|richieste|stato|annotazioni|testi|ricerche|(?:parole|vocaboli|voci)(?:_l[2-4])?)\b/';
 
 /** The lines of a block of settings. */
 function kvLinee(string $blocco): array
@@ -191,7 +191,7 @@ function kvArticoliPagina(string $sql)
     kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
-        $esauriti = sprintf(KV_ESAURITI, "CONCAT($id, '.%') COLLATE latin1_bin");
+        $esauriti = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
         $esito = mysqli_query(kvConnessione(), str_replace([' WHERE ', " FROM $parti[1] "], [
             " LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
             ", $esauriti AS esauriti FROM $parti[1] "], $sql));
@@ -205,9 +205,23 @@ function kvArticoliPagina(string $sql)
     if (!$esito instanceof mysqli_result) {
         return $esito;
     }
-    $righe = mysqli_fetch_all($esito, MYSQLI_ASSOC);
+    $righe = kvConEsauriti(mysqli_fetch_all($esito, MYSQLI_ASSOC));
     usort($righe, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
     return new KvRighe($righe);
+}
+
+/**
+ * The rows with their sold out values in `esauriti`, where they came with the word whether any value of the shop is
+ * limited. Read by the key of each article: where a key comes from another row, the server looks through all of them.
+ */
+function kvConEsauriti(array $righe): array
+{
+    $numeri = array_map('intval', array_column(array_filter($righe, fn($riga) => $riga['esauriti'] ?? false), 'ID'));
+    $scelte = array_map(fn($id) => sprintf(KV_ESAURITI, "'$id.%'") . " AS e$id", array_unique($numeri));
+    $esito = $scelte === [] ? false : mysqli_query(kvConnessione(), 'SELECT ' . implode(', ', $scelte));
+    $esauriti = $esito instanceof mysqli_result ? mysqli_fetch_assoc($esito) : [];
+    return array_map(fn($riga) => array_key_exists('esauriti', $riga)
+        ? ['esauriti' => $esauriti['e' . (int) $riga['ID']] ?? null] + $riga : $riga, $righe);
 }
 
 // The calls of the extension that PHP 7 left out, as far as pages, modules and merchants' own templates use them.

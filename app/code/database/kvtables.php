@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
-// The tables that live on the server alone: customers, orders, availability, requested passwords, failed attempts. No
-// publishing ever touches them. Shop and back office both read their definitions from this file.
+// The tables that live on the server alone: customers, orders with what was noted of them, availability, requested
+// passwords, failed attempts, words of mails. No publishing ever touches them. Shop and back office both read their definitions from this file.
 include_once "kvlimits.php";
 
 /** What the tables have become; a lower number in kv_stato asks for the steps of kvAggiornaTabelle. */
@@ -35,6 +35,14 @@ function kvDefinizioni(): array
         'kv_richieste' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL,"
             . " creato DATETIME NOT NULL, gettone CHAR(64) NOT NULL UNIQUE, scade DATETIME NOT NULL,"
             . " stato VARCHAR(20) NOT NULL, dati TEXT NULL, KEY email (email)",
+        // What the merchant and the back office have to say of an order. tipo: nota, stato, messaggio.
+        'kv_annotazioni' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, ordine INT NOT NULL, quando DATETIME NOT NULL,"
+            . " tipo VARCHAR(10) NOT NULL, testo TEXT NOT NULL, KEY ordine (ordine)",
+        // The merchant's own words of a mail; nome is a state and a language: "spedito.it".
+        'kv_testi' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, oggetto VARCHAR(200) NOT NULL, testo TEXT NOT NULL",
+        // Results of searches that found much, of the load whose mark they have.
+        'kv_ricerche' => "chiave CHAR(32) NOT NULL PRIMARY KEY, carico VARCHAR(190) NOT NULL, quanti INT NOT NULL,"
+            . " numeri TEXT NOT NULL",
         'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];
@@ -73,10 +81,23 @@ function kvTabellePronte(): void
     $pronte = true;
 }
 
+/** A group word of related articles as kv_voci has it; where two have the same beginning, the word itself decides. */
+function kvGruppoIndice(string $parola): string
+{
+    return kvTaglia(strtolower(trim(kvUtf8($parola))), 60);
+}
+
 /** A value that the shop keeps of itself; empty when there is none. */
 function kvStato(string $nome): string
 {
     return (string) (kvRiga('SELECT valore FROM kv_stato WHERE nome = ?', [$nome])['valore'] ?? '');
+}
+
+/** The number of pieces from which down a thing runs short: the merchant's own, else three. */
+function kvSogliaScorte(): int
+{
+    $soglia = kvStato('soglia_scorte');
+    return preg_match('/^\d{1,5}$/D', $soglia) ? (int) $soglia : 3;
 }
 
 /** Marks that the stock is another one, for pages that browsers keep. */

@@ -48,16 +48,29 @@ function kvColonneNuove(): bool
     return true;
 }
 
-/** The stock of values, which an earlier release counted by their code alone, for each article that offers them. */
+/**
+ * The stock of values, which an earlier release counted by their code alone, for each article that offers them. A code
+ * that more than one article offers had one count for all: nobody can tell whose pieces they were, so each article gets
+ * the count, which is the most it can have, and the merchant is told which ones to look at.
+ */
 function kvScortePerArticolo(): bool
 {
     if ((kvRiga("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'O'")['n'] ?? 0) == 0) {
         return true;
     }
+    $offerti = "opcodici c ON CONVERT(c.codice USING latin1) COLLATE latin1_bin = d.chiave INNER JOIN dettaglio o"
+        . " ON c.OpID IN (" . kvColonneVarianti('o') . ") WHERE d.tipo = 'O'";
+    $comuni = kvQuery("SELECT d.chiave FROM kv_disponibilita d INNER JOIN $offerti AND d.quantita > 0 GROUP BY d.chiave"
+        . ' HAVING COUNT(DISTINCT o.ID) > 1 ORDER BY d.chiave');
+    if ($comuni === null) {
+        return false;
+    }
+    if ($comuni !== []) {
+        kvMettiStato('scorte_condivise', kvTaglia(kvUtf8(implode(', ', array_column($comuni, 'chiave'))), 190));
+    }
     return kvQuery("INSERT IGNORE INTO kv_disponibilita (tipo, chiave, disponibile, quantita) SELECT 'V',"
         . " LEFT(CONCAT(o.ID, '.', c.OpID, '.', c.codice), 100), disponibile, quantita FROM kv_disponibilita d INNER JOIN"
-        . " opcodici c ON CONVERT(c.codice USING latin1) COLLATE latin1_bin = d.chiave INNER JOIN dettaglio o"
-        . " ON c.OpID IN (" . kvColonneVarianti('o') . ") WHERE d.tipo = 'O'") !== null
+        . " $offerti") !== null
         && kvQuery("DELETE FROM kv_disponibilita WHERE tipo = 'O'") !== null;
 }
 

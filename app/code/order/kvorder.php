@@ -9,6 +9,8 @@ include_once "kvmail.php";
 include_once "kvtables.php";
 include_once "kvpaesi.php";
 include_once "kvplain.php";
+include_once "kvprima.php";
+include_once "kvscarsi.php";
 
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
@@ -24,7 +26,7 @@ function kvMetodoOrdine(): array
 <<1-pagamento>>
 KORVANE_VALORI
     );
-    $metodo = (int) kvCampo($_POST, kvCampo($_POST, 'Metodo', 2) === '' ? 'Pagamento' : 'Metodo', 2);
+    $metodo = kvNumeroMetodo();
     if (!isset($metodi[$metodo - 1]) || !is_file('thankyou' . $metodo . '<<1-IDlingua>>.php')) {
         kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
     }
@@ -160,12 +162,16 @@ function kvConto(array $righe, array $totali): string
     return $testo . "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
 }
 
-/** The order for the column `dati`: campi, righe and totali as JSON, amounts in units, weights as in the catalogue. */
+/**
+ * The order for the column `dati` as JSON: campi, righe and totali, amounts in units, weights as in the catalogue; and
+ * what kvPrimaLingua says of it.
+ */
 function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): string
 {
     $voci = [];
-    foreach ($righe as $riga) {
-        $voci[] = ['id' => $riga['id'], 'codice' => kvUtf8($riga['codice']), 'testo' => kvUtf8($riga['testo']),
+    $prima = kvPrimaLingua($righe);
+    foreach ($righe as $n => $riga) {
+        $voci[] = ($prima['righe'][$n] ?? []) + ['id' => $riga['id'], 'codice' => kvUtf8($riga['codice']), 'testo' => kvUtf8($riga['testo']),
             'scelte' => kvUtf8($riga['scelte']), 'quantita' => $riga['quantita'], 'importo' => $riga['importo'] / $scala,
             'iva' => $riga['iva'] / 1000000, 'peso' => $riga['peso'] / 10000, 'scorte' => array_map('kvUtf8', $riga['scorte'])];
     }
@@ -174,7 +180,7 @@ function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): st
         'campi' => $campi,
         'righe' => $voci,
         'totali' => array_map(fn($importo) => $importo / $scala, $totali),
-    ], JSON_INVALID_UTF8_SUBSTITUTE);
+    ] + $prima['ordine'], JSON_INVALID_UTF8_SUBSTITUTE);
 }
 
 /** Takes the pieces of the lines off their stock; false when there are too few, null when the server refused. */
@@ -204,7 +210,7 @@ function kvScriviOrdine(string $codice, array $campi, array $totali, string $dat
         'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
         . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
         [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
-         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), $campi['NomePagamento'], 'nuovo',
+         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), kvMetodoPrima($campi['NomePagamento']), 'nuovo',
          "<<1-IDlingua>>", $dati, $riepilogo]);
 }
 
@@ -271,6 +277,7 @@ function kvPrendiOrdine(string $gettone): void
         $istruzioni = $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
         list($riepilogo, $anonimo) = [$riepilogo . $istruzioni, $anonimo . $istruzioni];
         kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email'], $anonimo);
+        kvMailScarsi($righe);
     }
     kvVai($pagina);
 }

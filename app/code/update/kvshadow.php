@@ -128,7 +128,7 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     $guasto = $guasto === '' ? kvScambia($carico) : $guasto;
     if ($guasto === '' && $carico->nuove !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.
-        $guasto = kvSegnaCarico(in_array("kv_parole$lingua", $carico->nuove, true) ? "indice$lingua" : '');
+        $guasto = kvSegnaCarico(in_array("articoli$lingua", $carico->nuove, true) ? "indice$lingua" : '');
         $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
     }
     if ($guasto !== '') {
@@ -140,6 +140,6 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
 /** Marks the load, for pages that browsers keep: a page of another load is another page. Sets `altro` too. The failure. */
 function kvSegnaCarico(string $altro = ''): string
 {
-    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')" . ($altro === '' ? '' : ", ('$altro', '1')");
+    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')" . ($altro === '' ? '' : ", ('$altro', '2')");
     return kvEseguiSql("REPLACE INTO kv_stato (nome, valore) VALUES $stati");
 }

@@ -141,11 +141,12 @@ export function fitsInEveryLanguage(as) {
 }
 
 export function accessibleBackOffice(as) {
-  test("axe-core finds nothing serious in the back office", async () => {
+  test("axe-core finds nothing serious in the back office, and its HTML is valid", async () => {
     const faults = [];
     await as.merchant(async (merchant) => {
       for (const address of await merchant.pages()) {
-        await merchant.page.goto(address);
+        const answer = await merchant.page.goto(address);
+        faults.push(...(await htmlFaults(await answer.text())).map((fault) => `${address}: ${fault}`));
         faults.push(...(await accessibilityFaults(merchant.page)).map((fault) => `${address}: ${fault}`));
       }
     });

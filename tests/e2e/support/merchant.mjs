@@ -36,13 +36,15 @@ export class Merchant {
     await Promise.all([this.page.waitForNavigation(), form.getByRole("button").first().click()]);
   }
 
-  /** The addresses of the pages that the menu leads to, and of the newest order. */
+  /** The addresses of the pages that the menu leads to, of the newest order and of its prints. */
   async pages() {
     const address = (link) => link.evaluate((element) => element.href);
     const links = await this.page.locator("nav a").all();
     const found = await Promise.all(links.map(address));
     await this.page.goto(`${this.host.backoffice}/ordini.php`);
     found.push(await address(this.page.locator("table").getByRole("link").first()));
+    await this.page.goto(found.at(-1));
+    found.push(...await Promise.all((await this.page.locator("a[href^='stampa']").all()).map(address)));
     return found.filter((one) => !/esci/.test(one));
   }
 }
