@@ -1,5 +1,6 @@
 #include "shell/sheet/frm_foglio.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -77,9 +78,13 @@ frmFoglio::frmFoglio(Workbench& workbench, HelpOpener help, QWidget* parent)
   addHelp(buttons, help_, sheetHelp);
   chooseColumns(chosenColumns(columns_, workbench_.env().settings.get(settingsSection, sheetColumnsKey)));
   refresh();
+  setWindowFlag(Qt::WindowMaximizeButtonHint);
   sizeInCharacters(150, 46);
   lstFoglio_->setFocus();
 }
+
+// The table asks its model until it goes, and the model reads the columns.
+frmFoglio::~frmFoglio() { delete lstFoglio_; }
 
 QWidget* frmFoglio::makeFilter() {
   txtFiltro_ = named(new QLineEdit(), "txtFiltro");
@@ -90,6 +95,8 @@ QWidget* frmFoglio::makeFilter() {
   cboMostra_ = named(new QComboBox(), "cboMostra");
   for (const ShownPart& part : shownParts()) cboMostra_->addItem(toQt(part.caption));
   fillDepartments();
+  cboReparto_->view()->setAccessibleName(toQt("Reparto"));
+  cboMostra_->view()->setAccessibleName(toQt("Mostra"));
   auto* row = new QWidget();
   auto* line = new QHBoxLayout(row);
   line->setContentsMargins(0, 0, 0, 0);

@@ -26,6 +26,7 @@ class frmFoglio final : public FormDialog {
  public:
   /// The workbench outlives the dialog; its shop stays open.
   frmFoglio(Workbench& workbench, HelpOpener help, QWidget* parent = nullptr);
+  ~frmFoglio() override;
 
   /// The article to show in the main window; 0 when none was asked for.
   std::int64_t jump() const { return jump_; }
