@@ -66,6 +66,7 @@ kv::bench::Timed measureSheet(const std::string& shop) {
   for (std::size_t i = 0; i < rows.size(); ++i) request.articles.push_back(rows.article(i));
   const double found = fastest([&] { return kv::findHits(session, *columns, request, ',').has_value(); });
   std::printf("  %-42s %8.1f ms\n", "find in one column", found);
+  std::fflush(stdout);  // the process ends without it
   return {1, static_cast<double>(rows.size())};
 }
 
@@ -77,6 +78,7 @@ int main(int count, char** arguments) {
   const kv::bench::FreshFolder folder;
   const kv::bench::WorkbenchShop shop(folder.path(), {articles, articles / 20, articles / 20});
   std::printf("%d articles\n", articles);
+  std::fflush(stdout);
   const auto run = kv::bench::inOwnProcess([&] { return measureSheet(folder.path() + "/shop"); });
   constexpr double mostMiB = 400;
   std::printf("  %-42s %8.0f MiB, limit %4.0f: %s\n", "peak of memory", run.peakMiB, mostMiB,

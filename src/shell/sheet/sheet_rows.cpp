@@ -14,14 +14,6 @@ namespace {
 
 constexpr std::size_t mostKept = 4096;  // rows whose cells are remembered; beyond them all are read again
 
-/// The departments as the tree shows them: parents before children, siblings in their order.
-constexpr std::string_view departmentsInOrder =
-    "WITH RECURSIVE tree (ID, path) AS ("
-    " SELECT ID, printf('%020d.%020d', COALESCE(ordinamento, 0), contatore) FROM categorie"
-    "  WHERE COALESCE(genitore, '###') = '###'"
-    " UNION ALL SELECT c.ID, t.path || '/' || printf('%020d.%020d', COALESCE(c.ordinamento, 0), c.contatore)"
-    "  FROM categorie c JOIN tree t ON c.genitore = t.ID) ";
-
 std::string titleColumns(const Session& session) {
   std::string text;
   for (std::size_t i = 0; i < static_cast<std::size_t>(session.languageCount); ++i) {
@@ -55,11 +47,21 @@ std::string conditionsOf(const Session& session, const SheetFilter& filter) {
   return where;
 }
 
-/// Whether one of the texts after the sort field holds what is looked for.
+// The fields of the statement that finds rows.
+enum RowField { FieldID, FieldDepartment, FieldOrder, FieldSort, FieldTexts };
+
+bool isAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+/// Whether one of the texts holds what is looked for, which is in lower case.
 bool holdsText(const Statement& row, const std::string& wanted) {
-  constexpr int firstText = 3;
-  for (int i = firstText; i < row.columnCount(); ++i) {
-    if (foldCase(row.text(i)).find(wanted) != std::string::npos) return true;
+  // No character beyond ASCII that a shop holds has one of ASCII as its lower case.
+  const bool isPlain = isAscii(wanted);
+  for (int i = FieldTexts; i < row.columnCount(); ++i) {
+    const std::string_view text = row.text(i);
+    const std::size_t at = isPlain ? findIgnoringCase(text, wanted) : foldCase(text).find(wanted);
+    if (at != std::string_view::npos) return true;
   }
   return false;
 }
@@ -69,11 +71,23 @@ bool holdsText(const Statement& row, const std::string& wanted) {
 Result<> SheetRows::readLookups() {
   departments_.clear();
   variants_.clear();
-  auto departments = session_.catalogue.prepare("SELECT ID, titolo, iva FROM categorie");
+  auto departments = session_.catalogue.prepare(
+      "SELECT ID, titolo, iva, COALESCE(genitore, '###') FROM categorie ORDER BY ordinamento, contatore");
   if (!departments) return fail(departments.error());
+  std::unordered_map<std::string, std::vector<std::string>> children;
   for (auto row = departments->step(); row && *row; row = departments->step()) {
-    departments_[std::string(departments->text(0))] = {std::string(departments->text(1)),
-                                                       asText(departments->value(2))};
+    const std::string ID(departments->text(0));
+    departments_[ID] = {std::string(departments->text(1)), asText(departments->value(2)), lastRank};
+    children[std::string(departments->text(3))].push_back(ID);
+  }
+  // Parents before children, as the tree shows them; what hangs nowhere comes last.
+  std::vector<std::string> open{std::string(treeRoot)};
+  for (std::size_t rank = 0; !open.empty();) {
+    const std::string ID = std::move(open.back());
+    open.pop_back();
+    if (const auto one = departments_.find(ID); one != departments_.end()) one->second.rank = rank++;
+    const auto below = children.extract(ID);
+    if (!below.empty()) open.insert(open.end(), below.mapped().rbegin(), below.mapped().rend());
   }
   auto variants = session_.catalogue.prepare("SELECT ID, nome FROM opzioni");
   if (!variants) return fail(variants.error());
@@ -83,35 +97,37 @@ Result<> SheetRows::readLookups() {
   return {};
 }
 
+const SheetRows::Department& SheetRows::departmentOf(std::string_view ID) const {
+  static const Department none{{}, {}, lastRank};
+  const auto found = departments_.find(std::string(ID));
+  return found == departments_.end() ? none : found->second;
+}
+
 SheetRows::SortKey SheetRows::sortKeyOf(const SheetColumn* by, const Statement& row) const {
-  SortKey key{{}, 0, row.integer(0)};
+  const Department& department = departmentOf(row.text(FieldDepartment));
+  SortKey key{{}, 0, department.rank, row.integer(FieldOrder), row.integer(FieldID)};
   if (by == nullptr) return key;
-  constexpr int sortField = 2;
   switch (by->kind) {
     case SheetKind::Number:
     case SheetKind::Price:
     case SheetKind::Flag:
       // What has no number comes before all that have.
-      key.number = row.isNull(sortField) ? -1 : row.number(sortField);
+      key.number = row.isNull(FieldSort) ? -1 : row.number(FieldSort);
       return key;
-    case SheetKind::Vat: {
-      const std::string shown = textOf(*by, row.value(sortField), std::string(row.text(1)));
-      key.number = toNumber(storedNumber(shown, separator_)).value_or(-1);
+    case SheetKind::Vat:
+      key.number = toNumber(storedNumber(textOf(*by, row.value(FieldSort), department), separator_)).value_or(-1);
       return key;
-    }
     default:
-      key.text = foldCase(textOf(*by, row.value(sortField), std::string(row.text(1))));
+      key.text = foldCase(textOf(*by, row.value(FieldSort), department));
       return key;
   }
 }
 
 Result<Statement> SheetRows::select(const SheetFilter& filter, const SheetColumn* by) const {
   const std::string sortField = by == nullptr || by->stored.name.empty() ? "NULL" : "a." + by->stored.name;
-  return session_.catalogue.prepare(std::string(departmentsInOrder) + "SELECT a.ID, a.catID, " + sortField +
+  return session_.catalogue.prepare("SELECT a.ID, a.catID, a.ordinamento, " + sortField +
                                     (trim(filter.text).empty() ? "" : ", a.codice" + titleColumns(session_)) +
-                                    " FROM articoli a LEFT JOIN tree t ON t.ID = a.catID" +
-                                    conditionsOf(session_, filter) +
-                                    " ORDER BY t.path IS NULL, t.path, a.ordinamento, a.ID");
+                                    " FROM articoli a" + conditionsOf(session_, filter));
 }
 
 Result<> SheetRows::refresh(const SheetFilter& filter, const SheetOrder& order) {
@@ -128,14 +144,14 @@ Result<> SheetRows::refresh(const SheetFilter& filter, const SheetOrder& order) 
     if (!*stepped) break;
     if (wanted.empty() || holdsText(*row, wanted)) found.push_back(sortKeyOf(by, *row));
   }
-  const auto isBefore = [](const SortKey& one, const SortKey& other) {
-    return std::tie(one.text, one.number) < std::tie(other.text, other.number);
-  };
-  if (by != nullptr) {
-    std::ranges::stable_sort(found, [&](const SortKey& one, const SortKey& other) {
-      return order.descending ? isBefore(other, one) : isBefore(one, other);
-    });
-  }
+  // Equal rows stay in the order of the shop, whichever way the others go.
+  std::ranges::sort(found, [&](const SortKey& one, const SortKey& other) {
+    if (by != nullptr) {
+      const auto difference = std::tie(one.text, one.number) <=> std::tie(other.text, other.number);
+      if (difference != 0) return order.descending ? difference > 0 : difference < 0;
+    }
+    return std::tie(one.rank, one.position, one.ID) < std::tie(other.rank, other.position, other.ID);
+  });
   keys_.resize(found.size());
   std::ranges::transform(found, keys_.begin(), &SortKey::ID);
   forget();
@@ -165,21 +181,19 @@ std::vector<std::string> SheetRows::readCells(std::int64_t ID) {
   row->bind(1, ID);
   const auto found = row->step();
   if (!found || !*found) return texts;
-  const std::string department(row->text(0));
+  const Department& department = departmentOf(row->text(0));
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     texts[i] = textOf(columns_[i], row->value(static_cast<int>(i) + 1), department);
   }
   return texts;
 }
 
-std::string SheetRows::textOf(const SheetColumn& column, const Value& stored, const std::string& department) const {
-  const auto of = departments_.find(department);
+std::string SheetRows::textOf(const SheetColumn& column, const Value& stored, const Department& department) const {
   switch (column.kind) {
     case SheetKind::Department:
-      return of == departments_.end() ? std::string() : of->second.title;
+      return department.title;
     case SheetKind::Vat:
-      if (of == departments_.end()) return {};
-      return shownNumber(priceWithVat(asText(stored), of->second.vat), separator_);
+      return shownNumber(priceWithVat(asText(stored), department.vat), separator_);
     case SheetKind::Variant: {
       const auto variant = variants_.find(asInteger(stored));
       return variant == variants_.end() ? std::string() : variant->second;

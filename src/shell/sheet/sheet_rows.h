@@ -54,19 +54,23 @@ class SheetRows {
   struct SortKey {
     std::string text;
     double number = 0;
+    std::size_t rank = 0;       ///< of the department in the tree
+    std::int64_t position = 0;  ///< in the department
     std::int64_t ID = 0;
+  };
+  static constexpr std::size_t lastRank = static_cast<std::size_t>(-1);  ///< of what is in no department of the tree
+  struct Department {
+    std::string title, vat;
+    std::size_t rank = lastRank;
   };
 
   Result<> readLookups();
-  /// ID, department, sort field and the texts that are searched, in the order of the shop.
+  /// ID, department, order number, sort field and the texts that are searched.
   Result<Statement> select(const SheetFilter& filter, const SheetColumn* by) const;
   SortKey sortKeyOf(const SheetColumn* by, const Statement& row) const;
   std::vector<std::string> readCells(std::int64_t ID);
-  std::string textOf(const SheetColumn& column, const Value& stored, const std::string& department) const;
-
-  struct Department {
-    std::string title, vat;
-  };
+  std::string textOf(const SheetColumn& column, const Value& stored, const Department& department) const;
+  const Department& departmentOf(std::string_view ID) const;
 
   Session& session_;
   std::span<const SheetColumn> columns_;
