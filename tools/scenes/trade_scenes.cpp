@@ -139,6 +139,26 @@ void takePurge(Stage& stage, const QString& name) {
                });
 }
 
+void takeSheet(Stage& stage, const QString& name) {
+  stage.show(Tab::Articles);
+  stage.during([&] { stage.choose("articles.sheet"); }, [&](QWidget&) { stage.take(name); });
+}
+
+/// A search over the sheet, with its hits.
+void takeReplace(Stage& stage, const QString& name) {
+  stage.show(Tab::Articles);
+  const auto search = [&](QWidget& dialog) {
+    dialog.findChild<QLineEdit*>(QStringLiteral("txtTrova"))->setText(QStringLiteral("o"));
+    dialog.findChild<QLineEdit*>(QStringLiteral("txtSostituisci"))->setText(QStringLiteral("a"));
+    dialog.findChild<QAbstractButton*>(QStringLiteral("cmdTrova"))->click();
+    stage.take(name);
+  };
+  stage.during([&] { stage.choose("articles.sheet"); },
+               [&](QWidget& sheet) {
+                 stage.during([&] { sheet.findChild<QAbstractButton*>(QStringLiteral("cmdTrova"))->click(); }, search);
+               });
+}
+
 void takeExport(Stage& stage, const QString& name) {
   frmEsporta dialog({true, true, {"kvservizi.php", "vetrina.js"}}, &stage.window());
   stage.during([&] { dialog.exec(); }, [&](QWidget&) { stage.take(name); });
@@ -150,6 +170,8 @@ std::span<const Scene> tradeScenes() {
   static constexpr std::array scenes{Scene{"prezzi", takePrices},
                                      Scene{"replica-lingue", takeLanguageCopy},
                                      Scene{"replica-listini", takeListCopy},
+                                     Scene{"foglio", takeSheet},
+                                     Scene{"foglio-sostituisci", takeReplace},
                                      Scene{"email", takeMail},
                                      Scene{"vetrina", takeShowcase},
                                      Scene{"obbligatori", takeRequired},

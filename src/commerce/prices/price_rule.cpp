@@ -49,9 +49,12 @@ bool isTypedPercentage(std::string_view text, char decimalSeparator) {
 Money Trasforma(std::optional<Money> price, const PriceRule& rule) {
   if (!price) return {};
   const auto product = multiplyThroughSingle(*price, rule.factor);
-  if (!product) return {};
-  std::int64_t count = roundedCount(product->tenThousandths(), cent);
-  if (rule.whole) count = roundedCount(count, unit);
+  return product ? roundedPrice(*product, rule.whole) : Money();
+}
+
+Money roundedPrice(Money price, bool whole) {
+  std::int64_t count = roundedCount(price.tenThousandths(), cent);
+  if (whole) count = roundedCount(count, unit);
   return Money::ofTenThousandths(count);
 }
 

@@ -32,6 +32,8 @@ bool isTypedPercentage(std::string_view text, char decimalSeparator);
 /// then to 2 decimals, half to even, then to none where the rule says so. From some 131,072 on single precision is
 /// coarser than a cent: 200000.01 becomes 200000.02 even at 0 %. No price, and a product out of range, become 0.
 Money Trasforma(std::optional<Money> price, const PriceRule& rule);
+/// A price as every change of prices leaves it: with 2 decimals, or with none, half to even each time.
+Money roundedPrice(Money price, bool whole);
 /// Whether the product is out of the range of Money.
 bool isBeyondMoney(std::optional<Money> price, const PriceRule& rule);
 

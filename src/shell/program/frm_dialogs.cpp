@@ -22,6 +22,7 @@
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
+#include "shell/sheet/frm_foglio.h"
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
 #include "store/catalogue/used_pictures.h"
@@ -141,6 +142,16 @@ void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Envi
     frmSearch dialog(session, env, &window);
     if (isAccepted(dialog)) return dialog.chosen();
     return std::nullopt;
+  };
+  dialogs.articleSheet = [&] {
+    Workbench& workbench = window.workbench();
+    frmFoglio dialog(
+        workbench, [&window](std::string_view page) { window.workbench().openHelp(page); }, &window);
+    const bool changed = isAccepted(dialog);
+    if (dialog.jump() == 0) return changed;
+    workbench.CambiaLingua(session.currentLanguage);
+    workbench.MostraArticolo(dialog.jump());
+    return false;
   };
   dialogs.introduction = [&] {
     showGuide(window);

@@ -121,6 +121,7 @@ class Workbench final : private SetsListener {
   WorkbenchCommands& commands() { return commands_; }
   const WorkbenchCommands& commands() const { return commands_; }
   const UndoHistory& history() const { return history_; }
+  UndoHistory& history() { return history_; }
   CatalogueSets& sets() { return sets_; }
   const CatalogueSets& sets() const { return sets_; }
   Session& session() { return session_; }

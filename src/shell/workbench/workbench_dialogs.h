@@ -48,6 +48,7 @@ struct WorkbenchDialogs {
   std::function<std::optional<std::string>(const std::string& current)> choosePicture;
   /// frmOpzioni: the variant of the current article in a slot. False when it was left.
   std::function<bool(const VariantSlot& slot)> defineVariant;
+  Dialog articleSheet;      ///< frmFoglio: all articles as a sheet. False when it has changed nothing
   Dialog importAccounting;  ///< frmImportaOG: rows of the accounting program
 
   // The site.

@@ -128,6 +128,21 @@ Command searchCommand() {
           }};
 }
 
+/// The sheet makes steps of its own; what it has changed is read again when it closes.
+Command sheetCommand() {
+  Command row{.name = "articles.sheet",
+              .menus = {{EditArticles, 402, "Foglio articoli..."}, {EditDepartments, 402, "Foglio articoli..."}},
+              .shortcut = "Ctrl+Shift+F",
+              .help = "pagine/foglio.htm",
+              .dialog = wired(&WorkbenchDialogs::articleSheet)};
+  row.enabled = [](const CommandContext& context) { return context.sets.isBound(); };
+  row.whenOff = "Nessun negozio aperto";
+  row.run = [](const CommandContext& context) {
+    if (context.ports.dialogs.articleSheet()) context.bench.CambiaLingua(context.session.currentLanguage);
+  };
+  return row;
+}
+
 std::function<Result<>(TreeEditing&, const ArticleGroup&)> shiftBy(int direzione) {
   return
       [direzione](TreeEditing& editing, const ArticleGroup& group) { return editing.SpostaArticoli(group, direzione); };
@@ -142,6 +157,7 @@ std::vector<Command> articleCommands() {
   }
   rows.push_back(deleteCommand());
   rows.push_back(searchCommand());
+  rows.push_back(sheetCommand());
   for (Command& row : rows) {
     if (row.name == "article.up") row = groupCommand(std::move(row), shiftBy(-1), "Sposta articoli");
     if (row.name == "article.down") row = groupCommand(std::move(row), shiftBy(+1), "Sposta articoli");

@@ -4,53 +4,11 @@
 #include "platform/text/text.h"
 #include "shell/workbench/fields/connection_settings.h"
 #include "shell/workbench/fields/current_row.h"
+#include "shell/workbench/fields/field_forms.h"
 #include "shell/workbench/fields/variant_names.h"
 
 namespace kv {
 namespace {
-
-bool isNumberType(ColumnType type) {
-  switch (type) {
-    case ColumnType::Byte:
-    case ColumnType::Int:
-    case ColumnType::Long:
-    case ColumnType::Money:
-    case ColumnType::Single:
-    case ColumnType::Double:
-      return true;
-    default:
-      return false;
-  }
-}
-
-bool isWholeNumberType(ColumnType type) {
-  return type == ColumnType::Byte || type == ColumnType::Int || type == ColumnType::Long;
-}
-
-/// Prices, quantities and percents that hold no number become 0; any other field keeps the engine's word on it.
-bool becomesZero(const Editor& editor) {
-  switch (editor.kind) {
-    case FieldKind::Price:
-    case FieldKind::Percent:
-    case FieldKind::Amount:
-      return true;
-    case FieldKind::WholeNumber:
-      return editor.column.starts_with("scqart");
-    default:
-      return false;
-  }
-}
-
-ColumnForm columnFormOf(const Editor& editor, const ColumnInfo& info) {
-  if (info.type == ColumnType::Bool) return ColumnForm::Flag;
-  if (editor.control == Control::Memo) return ColumnForm::Lines;
-  if (!isNumberType(info.type)) return ColumnForm::Text;
-  return editor.control == Control::Choice ? ColumnForm::Index : ColumnForm::Number;
-}
-
-FieldForm formOf(const Editor& editor, const ColumnInfo& info, char separator) {
-  return {editor.kind, columnFormOf(editor, info), becomesZero(editor), separator};
-}
 
 /// A page has one to six articles side by side; a department without a number of its own takes that of the shop.
 bool isSideBySideAllowed(const Editor& editor, std::string_view text) {
@@ -95,11 +53,7 @@ std::string FieldStore::shown(const Editor& editor) {
   const ColumnInfo* info = columnInfo(editor);
   if (info == nullptr) return {};
   const Value value = sets_.edited(editor.set).get(info->name);
-  if (editor.control == Control::Check) return asFlag(value) ? "1" : "0";
-  if (editor.control == Control::Choice) return std::to_string(asInteger(value));
-  const std::string text = asText(value);
-  if (editor.control == Control::Memo) return replaceAll(text, "\r\n", "\n");
-  return isNumberType(info->type) && !text.empty() ? shownNumber(text, separator_) : text;
+  return shownValue(editor, *info, value, separator_);
 }
 
 std::string FieldStore::firstLanguageText(const Editor& editor) {
@@ -158,10 +112,7 @@ FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& t
     outcome.done = fail(ErrorKind::Missing, std::string(editor.column), "no such column");
     return outcome;
   }
-  FieldForm form = formOf(editor, *info, separator_);
-  // An article that isn't on offer has no offer price: a 0 would be one.
-  if (editor.column == "offertaprezzo" && trim(text).empty()) form.zeroUnlessNumber = false;
-  const FieldText field = leftField(form, text, before);
+  const FieldText field = readField(editor, *info, text, before, separator_);
   if (field.text == before) return outcome;
   const std::string step = "Modifica " + plainLabel(editor.label);
   outcome.done = history_.record(step, [&] { return write(editor, field.value, before); });

@@ -1,0 +1,193 @@
+#include "shell/sheet/sheet_edits.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+
+#include "platform/database/recordset.h"
+#include "platform/text/text.h"
+#include "shell/workbench/fields/field_forms.h"
+
+namespace kv {
+namespace {
+
+/// What a cell would store, or why it keeps what it has.
+struct CellReading {
+  std::string why;
+  std::string note;            ///< how an ambiguous number was read
+  std::optional<Value> value;  ///< empty: it says what it said
+};
+
+constexpr std::string_view yes[] = {"1", "sì", "si", "x", "vero", "true"};
+constexpr std::string_view no[] = {"", "0", "no", "falso", "false"};
+
+bool isOneOf(std::span<const std::string_view> words, std::string_view text) {
+  return std::ranges::any_of(words, [&](std::string_view word) { return equalsIgnoringCase(word, trim(text)); });
+}
+
+CellReading readFlag(const std::string& text, const std::string& before) {
+  const bool on = isOneOf(yes, text);
+  if (!on && !isOneOf(no, text)) {
+    return {"\"" + text + "\" non è né sì né no: è rimasto il valore precedente.", {}, {}};
+  }
+  if (on == (before == "1")) return {};
+  return {{}, {}, Value(on)};
+}
+
+/// The text as the field would have it after it was pasted there.
+std::string asPasted(const Editor& editor, const std::string& text, char separator, CellReading& reading) {
+  if (!isNumberKind(editor.kind)) {
+    if (editor.control == Control::Memo) return text;
+    return pasted(editor.kind, singleLine(text), separator);
+  }
+  const NumberReading number = pastedNumber(editor.kind, text, separator);
+  if (!number.isNumber) reading.why = "\"" + text + "\" non è un numero: è rimasto il valore precedente.";
+  reading.note = number.note;
+  return changedText(editor.kind, number.text, {}, separator);
+}
+
+CellReading readCell(const SheetColumn& column, const CellText& cell, const std::string& before, char separator) {
+  const std::string& text = cell.text;
+  if (column.editor == nullptr) return {"Questa colonna non si può modificare qui.", {}, {}};
+  if (column.kind == SheetKind::Flag) return readFlag(text, before);
+  CellReading reading;
+  const std::string typed = cell.isTyped ? asPasted(*column.editor, text, separator, reading) : text;
+  if (!reading.why.empty() || typed == before) return reading;
+  reading.why = refusedText(column.editor->kind, typed, isWholeNumberType(column.stored.type), separator);
+  if (!reading.why.empty()) return reading;
+  const FieldText field = readField(*column.editor, column.stored, typed, before, separator);
+  if (field.text != before) reading.value = field.value;
+  return reading;
+}
+
+/// Whether a number column would hold what it holds: "14,50" is 14.5.
+bool isSameNumber(const SheetColumn& column, const Value& stored, const Value& wanted) {
+  if (!isNumberType(column.stored.type) || isNull(stored) || isNull(wanted)) return false;
+  return column.stored.type == ColumnType::Money ? asMoney(stored) == asMoney(wanted)
+                                                 : asNumber(stored) == asNumber(wanted);
+}
+
+/// The IDs of all articles, ascending: the positions of a set that is sorted by ID.
+Result<std::vector<std::int64_t>> allArticles(Database& catalogue) {
+  auto row = catalogue.prepare("SELECT ID FROM articoli ORDER BY ID");
+  if (!row) return fail(row.error());
+  std::vector<std::int64_t> keys;
+  for (;;) {
+    const auto found = row->step();
+    if (!found) return fail(found.error());
+    if (!*found) return keys;
+    keys.push_back(row->integer(0));
+  }
+}
+
+}  // namespace
+
+Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, SheetOutcome& outcome) {
+  if (auto loaded = rows.load(); !loaded) return loaded;
+  bool isEdited = false;
+  for (const CellText& cell : cells) {
+    const SheetColumn& column = columns_[cell.column];
+    const std::string before =
+        column.editor == nullptr ? "" : shownValue(*column.editor, column.stored, rows.get(column.name), separator_);
+    const CellReading reading = readCell(column, cell, before, separator_);
+    if (!reading.why.empty()) outcome.refused.push_back({cell.article, cell.column, reading.why});
+    if (!reading.value || isSameNumber(column, rows.get(column.name), *reading.value)) continue;
+    if (!reading.note.empty()) outcome.noted.push_back({cell.article, cell.column, reading.note});
+    if (!isEdited) {
+      if (auto begun = rows.edit(); !begun) return begun;
+      isEdited = true;
+    }
+    if (auto set = rows.set(column.name, *reading.value); !set) return set;
+    ++outcome.changed;
+  }
+  return isEdited ? rows.update() : Result<>();
+}
+
+Result<> SheetEdits::writeAll(std::vector<CellText>& cells, SheetOutcome& outcome) {
+  std::ranges::stable_sort(cells, {}, &CellText::article);
+  std::set<std::string> names;
+  for (const CellText& cell : cells) {
+    if (columns_[cell.column].editor != nullptr) names.insert(columns_[cell.column].name);
+  }
+  std::string fields = "ID";
+  for (const std::string& name : names) fields += ", " + name;
+  const auto keys = allArticles(session_.catalogue);
+  if (!keys) return fail(keys.error());
+  auto rows = session_.catalogue.openRecordset("SELECT " + fields + " FROM articoli ORDER BY ID");
+  if (!rows) return fail(rows.error());
+  const std::span<const CellText> all(cells);
+  for (std::size_t at = 0, end = 0; at < all.size(); at = end) {
+    while (end < all.size() && all[end].article == all[at].article) ++end;
+    const auto key = std::ranges::lower_bound(*keys, all[at].article);
+    if (key == keys->end() || *key != all[at].article) continue;
+    rows->moveTo(static_cast<std::size_t>(key - keys->begin()));
+    if (auto done = writeRow(*rows, all.subspan(at, end - at), outcome); !done) return done;
+  }
+  return {};
+}
+
+Result<SheetOutcome> SheetEdits::write(const std::string& step, std::vector<CellText> cells) {
+  SheetOutcome outcome;
+  const auto done = history_.record(step, [&]() -> Result<> {
+    if (auto begun = session_.catalogue.begin(); !begun) return begun;
+    if (auto written = writeAll(cells, outcome); !written) {
+      session_.catalogue.rollback();
+      return written;
+    }
+    return session_.catalogue.commit();
+  });
+  if (!done) return fail(done.error());
+  return outcome;
+}
+
+std::vector<CellText> cellsOf(std::span<const CellChange> changes) {
+  std::vector<CellText> cells;
+  for (const CellChange& change : changes) {
+    if (change.why.empty()) cells.push_back({change.article, change.column, change.after, false});
+  }
+  return cells;
+}
+
+std::string copiedBlock(const std::vector<std::vector<std::string>>& rows) {
+  std::string text;
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      if (i > 0) text += '\t';
+      const bool isPlain = row[i].find_first_of("\t\r\n\"") == std::string::npos;
+      text += isPlain ? row[i] : "\"" + replaceAll(row[i], "\"", "\"\"") + "\"";
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+std::vector<std::vector<std::string>> pastedBlock(std::string_view text) {
+  std::vector<std::vector<std::string>> rows;
+  bool isQuoted = false;
+  bool startsCell = true;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (rows.empty()) rows.push_back({""});
+    if (isQuoted) {
+      if (c != '"') {
+        if (c != '\r' || !text.substr(i).starts_with("\r\n")) rows.back().back() += c;
+      } else if (text.substr(i).starts_with("\"\"")) {
+        rows.back().back() += text[i++];
+      } else {
+        isQuoted = false;
+      }
+    } else if (c == '"' && startsCell) {
+      isQuoted = true;
+    } else if (c == '\t') {
+      rows.back().emplace_back();
+    } else if (c == '\n' || (c == '\r' && !text.substr(i).starts_with("\r\n"))) {
+      if (i + 1 < text.size()) rows.push_back({""});
+    } else if (c != '\r') {
+      rows.back().back() += c;
+    }
+    startsCell = !isQuoted && (c == '\t' || c == '\n' || c == '\r');
+  }
+  return rows;
+}
+
+}  // namespace kv

@@ -1,0 +1,73 @@
+#pragma once
+// Writing cells of the sheet, by the rules of the fields of the main window: one step of the history for all of them.
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "shell/sheet/sheet_columns.h"
+#include "store/catalogue/undo_history.h"
+
+namespace kv {
+
+/// A text for a cell.
+struct CellText {
+  std::int64_t article = 0;
+  std::size_t column = 0;  ///< index of the column
+  std::string text;        ///< as it is typed or pasted: numbers in either notation, lines end with "\n"
+  bool isTyped = true;     ///< false: characters that can't be typed there are kept
+};
+
+/// What is to be said of a cell, in Italian: why it keeps its former value, or how an ambiguous number was read.
+struct CellNote {
+  std::int64_t article = 0;
+  std::size_t column = 0;
+  std::string why;
+};
+
+/// What became of the cells.
+struct SheetOutcome {
+  std::size_t changed = 0;        ///< cells with another value than before
+  std::vector<CellNote> refused;  ///< cells that keep their former value
+  std::vector<CellNote> noted;    ///< cells whose text could be read in two ways
+};
+
+/// What a change of many cells would make of one of them, for its preview.
+struct CellChange {
+  std::int64_t article = 0;
+  std::size_t column = 0;
+  std::string before, after;  ///< as the cell shows them
+  std::string why;            ///< why it can't be changed, in Italian; empty: it can
+};
+/// The cells that put changes into effect; what can't be changed is left out.
+std::vector<CellText> cellsOf(std::span<const CellChange> changes);
+
+class SheetEdits {
+ public:
+  /// All outlive it.
+  SheetEdits(Session& session, UndoHistory& history, std::span<const SheetColumn> columns, char decimalSeparator)
+      : session_(session), history_(history), columns_(columns), separator_(decimalSeparator) {}
+
+  /// Writes cells as one transaction and one step of this name. A refused cell doesn't stop the others; articles that
+  /// are gone are passed over. A failure of the store leaves every row as it was.
+  Result<SheetOutcome> write(const std::string& step, std::vector<CellText> cells);
+
+ private:
+  Result<> writeAll(std::vector<CellText>& cells, SheetOutcome& outcome);
+  Result<> writeRow(Recordset& rows, std::span<const CellText> cells, SheetOutcome& outcome);
+
+  Session& session_;
+  UndoHistory& history_;
+  std::span<const SheetColumn> columns_;
+  char separator_;
+};
+
+/// A block of cells as text, as a spreadsheet puts it on the clipboard: cells parted by tabs, rows by "\n". A cell with
+/// a tab, a line end or a quote is in quotes, its own ones doubled.
+std::string copiedBlock(const std::vector<std::vector<std::string>>& rows);
+/// The rows of such a text; a line end at its end opens no further row. Reads CR LF as well.
+std::vector<std::vector<std::string>> pastedBlock(std::string_view text);
+
+}  // namespace kv

@@ -1,0 +1,242 @@
+// The sheet of articles without its window: columns, rows, what writing cells changes, find and replace.
+
+#include "shell/sheet/sheet_edits.h"
+
+#include "shell/sheet/price_step.h"
+#include "shell/sheet/sheet_rows.h"
+#include "shell/sheet/text_replacement.h"
+#include "shell/workbench_fixture.h"
+
+namespace kv::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+class TheSheet : public WorkbenchFixture {
+ protected:
+  void SetUp() override {
+    start();
+    auto all = sheetColumns(session);
+    ASSERT_TRUE(all);
+    columns = std::move(*all);
+  }
+  std::size_t column(std::string_view name) {
+    const auto found = std::ranges::find(columns, name, &SheetColumn::name);
+    EXPECT_NE(found, columns.end()) << name;
+    return static_cast<std::size_t>(found - columns.begin());
+  }
+  /// The codes of the articles that the sheet shows, and nothing else.
+  std::string shownCodes(const SheetFilter& filter, const SheetOrder& order = {}) {
+    SheetRows sheet(session, columns, ',');
+    const auto read = sheet.refresh(filter, order);
+    EXPECT_TRUE(read) << read.error().what;
+    std::string codes;
+    for (std::size_t i = 0; i < sheet.size(); ++i) codes += sheet.cells(i)[column("codice")] + " ";
+    return codes;
+  }
+  /// Writes into the sheet as the window does.
+  SheetOutcome write(std::vector<CellText> cells, const std::string& step = "Modifica") {
+    SheetEdits edits(session, bench->history(), columns, ',');
+    auto written = edits.write(step, std::move(cells));
+    EXPECT_TRUE(written) << written.error().what;
+    return written ? std::move(*written) : SheetOutcome();
+  }
+  CellText cell(std::int64_t article, std::string_view name, std::string text) {
+    return {article, column(name), std::move(text)};
+  }
+  std::string articles() { return rows("SELECT * FROM articoli ORDER BY ID"); }
+
+  std::vector<SheetColumn> columns;
+};
+
+TEST_F(TheSheet, HasAColumnForEachLanguageAndPriceList) {
+  EXPECT_EQ(columns[column("titolo_l2")].heading, "Titolo (inglese)");
+  EXPECT_EQ(columns[column("prezzo9")].heading, "Prezzo 9");
+  EXPECT_EQ(columns[column("iva3")].heading, "Con IVA 3");
+  EXPECT_EQ(std::ranges::count(columns, "titolo_l3", &SheetColumn::name), 0);
+  EXPECT_EQ(columns[column("opzione1")].editor, nullptr);
+}
+
+TEST_F(TheSheet, RemembersWhichColumnsShow) {
+  const std::vector<std::size_t> chosen{column("prezzo2"), column("codice")};
+  EXPECT_EQ(storedChoice(columns, chosen), "prezzo2 codice");
+  EXPECT_EQ(chosenColumns(columns, "prezzo2 gone codice"), chosen);
+  EXPECT_EQ(columns[chosenColumns(columns, "gone").front()].name, "codice");
+  EXPECT_GT(chosenColumns(columns, "").size(), 5U);
+}
+
+TEST_F(TheSheet, ShowsAllArticlesInTheOrderOfTheShop) {
+  ASSERT_TRUE(
+      session.catalogue.execute("INSERT INTO articoli (catID, ordinamento, codice) VALUES ('cat002', 5, 'E1')"));
+  EXPECT_EQ(shownCodes({}), "A1 B1 C1 E1 D1 ");
+  EXPECT_EQ(shownCodes({.department = "cat001"}), "A1 B1 C1 E1 ");
+  EXPECT_EQ(shownCodes({.department = "cat001", .subDepartments = false}), "A1 B1 C1 ");
+}
+
+TEST_F(TheSheet, FindsCodesAndTitlesOfAnyLanguage) {
+  EXPECT_EQ(shownCodes({.text = "FROST"}), "B1 ");
+  EXPECT_EQ(shownCodes({.text = " d1 "}), "D1 ");
+  EXPECT_EQ(shownCodes({.text = "nowhere"}), "");
+}
+
+TEST_F(TheSheet, ShowsWhatStillNeedsWork) {
+  ASSERT_TRUE(
+      session.catalogue.execute("UPDATE articoli SET titolo_l2 = ' ' WHERE codice = 'A1';"
+                                "UPDATE articoli SET prezzo = NULL, inelenco = 1 WHERE codice = 'B1';"
+                                "UPDATE articoli SET prezzo = 0, immagine1 = 'a.jpg' WHERE codice = 'C1'"));
+  EXPECT_EQ(shownCodes({.untranslated = true}), "A1 ");
+  EXPECT_EQ(shownCodes({.zeroPrice = true}), "B1 C1 ");
+  EXPECT_EQ(shownCodes({.withoutPicture = true}), "A1 B1 D1 ");
+  EXPECT_EQ(shownCodes({.flag = "inelenco"}), "B1 ");
+  EXPECT_EQ(shownCodes({.flag = "inelenco", .withoutPicture = true, .zeroPrice = true}), "B1 ");
+}
+
+TEST_F(TheSheet, SortsByAnyColumn) {
+  EXPECT_EQ(shownCodes({}, {column("prezzo"), false}), "D1 C1 A1 B1 ");
+  EXPECT_EQ(shownCodes({}, {column("prezzo"), true}), "B1 A1 C1 D1 ");
+  EXPECT_EQ(shownCodes({}, {column("titolo_l2"), false}), "A1 D1 B1 C1 ");
+  EXPECT_EQ(shownCodes({}, {column("reparto"), false}), "D1 A1 B1 C1 ");
+}
+
+TEST_F(TheSheet, ShowsPricesWithTheVatOfTheDepartmentAndNamesOfVariants) {
+  ASSERT_TRUE(
+      session.catalogue.execute("UPDATE categorie SET iva = 22 WHERE ID = 'cat001';"
+                                "UPDATE articoli SET opzione1 = 2 WHERE codice = 'A1'"));
+  SheetRows sheet(session, columns, ',');
+  ASSERT_TRUE(sheet.refresh({}, {}));
+  const auto& cells = sheet.cells(0);
+  EXPECT_EQ(cells[column("prezzo")], "14,5");
+  EXPECT_EQ(cells[column("iva0")], "17,69");
+  EXPECT_EQ(cells[column("opzione1")], "Colore");
+  EXPECT_EQ(cells[column("reparto")], "Vasi");
+}
+
+TEST_F(TheSheet, WritesWhatTheEditorsWouldWrite) {
+  go("cat001");
+  const std::vector<std::pair<std::string, std::string>> texts{
+      {"codice", "X-7"},         {"titolo", "Un titolo  nuovo"}, {"prezzo", "12,345"}, {"prezzo", "0"},
+      {"offertaprezzo", "9,99"}, {"offertaprezzo", ""},          {"peso", "1,5"},      {"scqperc0", "120"},
+      {"scqart0", "12"},         {"descrizione", "uno\ndue"},    {"link", ""},         {"offerta", "1"},
+      {"prezzo", "99999999999"}};
+  for (const auto& [name, text] : texts) {
+    SCOPED_TRACE(name + " = " + text);
+    const std::string before = articles();
+    article(0);
+    leave(EditedSet::Articoli, name,
+          std::string(changedText(editorOf(EditedSet::Articoli, name)->kind, text, "", ',')));
+    const std::string typed = articles();
+    if (typed != before) undo();
+    ASSERT_EQ(articles(), before);
+    write({cell(1, name, text)});
+    EXPECT_EQ(articles(), typed);
+  }
+}
+
+TEST_F(TheSheet, WritesManyCellsAsOneStep) {
+  const std::string before = articles();
+  const SheetOutcome outcome =
+      write({cell(1, "titolo", "Uno"), cell(2, "titolo", "Due"), cell(1, "prezzo", "7")}, "Incolla nel foglio");
+  EXPECT_EQ(outcome.changed, 3U);
+  EXPECT_EQ(undoName(), "Incolla nel foglio");
+  const std::string after = articles();
+  undo();
+  EXPECT_EQ(articles(), before);
+  redo();
+  EXPECT_EQ(articles(), after);
+}
+
+TEST_F(TheSheet, KeepsWhatWasRefusedAndWritesTheRest) {
+  const SheetOutcome outcome =
+      write({cell(1, "prezzo", "tanto"), cell(1, "novita", "forse"), cell(2, "prezzo", "1.250"),
+             cell(3, "reparto", "x"), cell(4, "scqart0", "3"), cell(99, "titolo", "gone")});
+  EXPECT_EQ(outcome.changed, 2U);
+  ASSERT_EQ(outcome.refused.size(), 3U);
+  EXPECT_EQ(outcome.refused[0].why, "\"tanto\" non è un numero: è rimasto il valore precedente.");
+  EXPECT_EQ(outcome.refused[1].why, "\"forse\" non è né sì né no: è rimasto il valore precedente.");
+  ASSERT_EQ(outcome.noted.size(), 1U) << "it could be a thousand or one and a quarter";
+  EXPECT_EQ(rows("SELECT prezzo FROM articoli WHERE ID < 3"), "145000\n12500000\n");
+}
+
+TEST_F(TheSheet, MakesNoStepOfWhatIsThereAlready) {
+  const std::string name = undoName();
+  EXPECT_EQ(write({cell(1, "titolo", "Alba"), cell(1, "prezzo", "14,50")}).changed, 0U);
+  EXPECT_EQ(undoName(), name);
+}
+
+TEST(ABlockOfCells, ComesBackAsItWasCopied) {
+  const std::vector<std::vector<std::string>> rows{{"a", "b\tc", ""}, {"due\nrighe", "\"citato\"", "5\" pollici"}};
+  EXPECT_EQ(pastedBlock(copiedBlock(rows)), rows);
+  EXPECT_THAT(pastedBlock("1\t2\r\n3\t4\r\n"), ElementsAre(ElementsAre("1", "2"), ElementsAre("3", "4")));
+  EXPECT_THAT(pastedBlock("a"), ElementsAre(ElementsAre("a")));
+  EXPECT_TRUE(pastedBlock("").empty());
+  EXPECT_THAT(pastedBlock("\t\n\n"), ElementsAre(ElementsAre("", ""), ElementsAre("")));
+}
+
+std::string stepped(std::string_view text, Money price, bool whole = false) {
+  const auto step = readPriceStep(text, whole);
+  if (!step) return "no step";
+  const auto after = steppedPrice(price, *step, whole);
+  return after ? asText(Value(*after)) : "too large";
+}
+
+TEST(AStepOfPrices, IsAPercentageAFactorOrAnAmount) {
+  const Money ten = Money::ofTenThousandths(100000);
+  EXPECT_EQ(stepped("+10 %", ten), "11");
+  EXPECT_EQ(stepped("-2,5%", ten), "9.75");
+  EXPECT_EQ(stepped("x1,1", ten), "11");
+  EXPECT_EQ(stepped("*0.5", ten), "5");
+  EXPECT_EQ(stepped("-5", ten), "5");
+  EXPECT_EQ(stepped("+0,005", ten), "10") << "half to even";
+  EXPECT_EQ(stepped("-25", ten), "0");
+  EXPECT_EQ(stepped("+0,6", ten, true), "11");
+  EXPECT_EQ(stepped("x1000000000", Money::ofTenThousandths(1'000'000'000'000'000)), "too large");
+}
+
+TEST(AStepOfPrices, IsNothingElse) {
+  for (const char* text : {"", "10", "10%%", "+", "%", "x", "x-1", "+200 %", "-101%", "+-5", "+1e400", "uno"}) {
+    EXPECT_FALSE(readPriceStep(text, false)) << text;
+  }
+}
+
+class FindAndReplace : public TheSheet {
+ protected:
+  std::vector<CellChange> hits(SearchWords words, std::string replacement, std::vector<std::string_view> names) {
+    ReplaceRequest request{std::move(words), std::move(replacement), {}, {4, 3, 2, 1}};
+    for (const auto name : names) request.columns.push_back(column(name));
+    auto found = findHits(session, columns, request, ',');
+    EXPECT_TRUE(found) << found.error().what;
+    return found ? std::move(*found) : std::vector<CellChange>();
+  }
+};
+
+TEST_F(FindAndReplace, ShowsWhatWouldChangeAndWritesJustThat) {
+  const std::string before = articles();
+  const auto found = hits({"d"}, "T", {"titolo", "titolo_l2"});
+  ASSERT_EQ(found.size(), 3U);
+  EXPECT_EQ(found[0].article, 4) << "in the order of the rows shown";
+  EXPECT_EQ(found[0].after, "Tuna");
+  EXPECT_EQ(articles(), before);
+  write(cellsOf(found), "Sostituisci");
+  EXPECT_EQ(rows("SELECT titolo, titolo_l2 FROM articoli ORDER BY ID"),
+            "Alba|Tawn\nBrina|Frost\nCielo|Sky\nTuna|Tune\n");
+  undo();
+  EXPECT_EQ(articles(), before);
+}
+
+TEST_F(FindAndReplace, KeepsCharactersThatOtherProgramsHaveStored) {
+  ASSERT_TRUE(session.catalogue.execute("UPDATE articoli SET descrizione = '[x] uno' WHERE ID = 1"));
+  write(cellsOf(hits({"uno"}, "due", {"descrizione"})));
+  EXPECT_EQ(rows("SELECT descrizione FROM articoli WHERE ID = 1"), "[x] due\n");
+}
+
+TEST_F(FindAndReplace, RefusesWhatWouldBeCut) {
+  const auto found = hits({"A1"}, std::string(60, 'x'), {"codice"});
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].why, "Il testo sarebbe troppo lungo per questa colonna.");
+  EXPECT_TRUE(cellsOf(found).empty());
+}
+
+TEST_F(FindAndReplace, PassesOverWhatStaysAsItIs) { EXPECT_TRUE(hits({"Alba"}, "Alba", {"titolo"}).empty()); }
+
+}  // namespace
+}  // namespace kv::test
