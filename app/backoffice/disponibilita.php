@@ -25,7 +25,7 @@ function boFonti(): array
             'campi' => "MAX($valore) AS chiave, MAX(a.codice) AS codice,"
                 . " MAX(CONCAT_WS(' ', g.codice, t.plain_titolo, '-', p.nomeopzione)) AS nome",
             'cerca' => "CONCAT_WS(' ', a.codice, g.codice, t.plain_titolo, p.nomeopzione)",
-            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice)'],
+            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice), MAX(BINARY a.codice)'],
     ];
 }
 
