@@ -1,6 +1,7 @@
 <?php
 // One customer: approval, price list, personal discount, data, a new password, the orders, the way out of the table.
 include "bo_base.php";
+include_once "kvdati.php";
 boRiservata();
 
 /** The data of a customer: column => label, longest text. */
@@ -84,11 +85,15 @@ function boEsegui(array $cliente): void
         case 'genera':
             boNuovaPassword($cliente);
             break;
+        case 'esporta':
+            kvScaricaDati($cliente);
+            break;
         case 'elimina':
-            kvQuery('DELETE FROM kv_clienti WHERE id = ?', [$id]);
-            boAnnullaRichieste($cliente['email']);
-            boAvvisa('Il cliente ' . $cliente['email'] . ' è stato eliminato.');
-            boVai('clienti.php');
+            if (kvEliminaDati($cliente)) {
+                boAvvisa('Il cliente ' . $cliente['email'] . ' è stato eliminato.');
+                boVai('clienti.php');
+            }
+            boAvvisa('Il cliente non è stato eliminato: riprovare tra qualche minuto.', true);
     }
     boVai('cliente.php?id=' . $id);
 }
@@ -98,7 +103,10 @@ function boConfermaElimina(array $cliente): void
 {
     boInizio('Eliminare il cliente?', 'clienti.php');
     echo '<p>', kvHtmlUtf8(trim($cliente['nome'] . ' ' . $cliente['cognome'])), ', ', kvHtmlUtf8($cliente['email']),
-        ': l\'accesso al negozio va perso; gli ordini restano.</p><form method="post" accept-charset="utf-8" action="cliente.php?id=',
+        ': l\'accesso al negozio e i dati vanno persi; gli ordini restano, senza nome né indirizzo.</p>',
+        kvOrdiniInCorso($cliente) === 0 ? ''
+            : '<p class="avviso errore" role="alert">Ci sono ordini in corso: senza i dati non si possono spedire.</p>',
+        '<form method="post" accept-charset="utf-8" action="cliente.php?id=',
         (int) $cliente['id'], '">', boCampoGettone(), '<input type="hidden" name="azione" value="elimina">',
         '<p><button type="submit" class="pericolo">Elimina</button> <a href="cliente.php?id=', (int) $cliente['id'],
         '">Annulla</a></p></form>';
@@ -165,5 +173,8 @@ if ($boOrdini === []) {
             . '</a>', boData($riga['creato'], false), boImporto($riga['totale'], $riga['valuta']),
         boStato($riga['stato'])], $boOrdini), 'Ordini del cliente');
 }
-echo '<p><a href="cliente.php?id=', (int) $boCliente['id'], '&amp;elimina=1">Elimina il cliente...</a></p></div></div>';
+echo '<h2>Dati personali</h2><form method="post" accept-charset="utf-8" action="cliente.php?id=', (int) $boCliente['id'], '">',
+    boCampoGettone(), '<input type="hidden" name="azione" value="esporta"><p><button type="submit" class="piano">',
+    'Esporta i dati (JSON)</button></p></form>',
+    '<p><a href="cliente.php?id=', (int) $boCliente['id'], '&amp;elimina=1">Elimina il cliente...</a></p></div></div>';
 boFine();

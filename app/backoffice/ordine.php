@@ -2,6 +2,7 @@
 // One order: what was bought, by whom, where it goes; its state; to be printed as it stands.
 include "bo_base.php";
 include_once "bo_ordini.php";
+include_once "bo_recessi.php";
 boRiservata();
 
 /** The customer's address, or the bare name of an order without fields. */
@@ -14,7 +15,7 @@ function boDestinatario(array $ordine, array $campi): void
     $righe = array_filter($righe, fn($riga) => $riga !== '');
     $righe = array_map('kvHtmlUtf8', $righe === [] ? [$ordine['nome']] : $righe);
     echo '<address>', implode('<br>', $righe), '</address><dl>';
-    $voci = ['E-mail' => '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtmlUtf8($ordine['email'])
+    $voci = ['E-mail' => $ordine['email'] === '' ? '' : '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtmlUtf8($ordine['email'])
         . '</a>', 'Telefono' => kvHtmlUtf8($campi['Telefono'] ?? ''), 'Partita IVA' => kvHtmlUtf8($campi['PartitaIVA'] ?? '')];
     if ((int) $ordine['cliente'] > 0) {
         $numero = (int) $ordine['cliente'];
@@ -97,6 +98,7 @@ boInizio('Ordine ' . $boOrdine['codice'], 'ordini.php');
 <h2>Articoli</h2>
 <?php
 boContenuto($boOrdine, $boDati);
+boRecessiOrdine($boOrdine);
 if (($boDati['campi']['Note'] ?? '') !== '') {
     echo '<h2>Note</h2><p class="testo">', nl2br(kvHtmlUtf8($boDati['campi']['Note'])), '</p>';
 }

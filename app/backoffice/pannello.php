@@ -31,6 +31,7 @@ $boOggi = kvRiga("SELECT CURDATE() AS oggi, DATE_FORMAT(CURDATE(), '%Y-%m-01') A
     ?? ['oggi' => date('Y-m-d'), 'mese' => date('Y-m-01')];
 $boNuovi = boConta("SELECT COUNT(*) AS n FROM kv_ordini WHERE stato IN ('nuovo', 'da verificare', 'importo diverso')");
 $boAttesa = boConta('SELECT COUNT(*) AS n FROM kv_clienti WHERE approvato = 0');
+$boRecessi = boConta("SELECT COUNT(*) AS n FROM kv_recessi WHERE stato = 'ricevuto'");
 $boEsauriti = boConta("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'A'"
     . ' AND (disponibile = 0 OR quantita <= 0)');
 $boUltimi = kvQuery('SELECT codice, creato, nome, totale, valuta, stato FROM kv_ordini ORDER BY id DESC LIMIT 8') ?? [];
@@ -40,6 +41,7 @@ echo '<ul class="riquadri">',
     boRiquadro('Questo mese', boSomma("DATE_FORMAT(CURDATE(), '%Y-%m-01')"),
         boIndirizzo('ordini.php', ['da' => $boOggi['mese']])),
     boRiquadro('Da evadere', boQuanti($boNuovi, 'ordine', 'ordini'), 'ordini.php?stato=aperti'),
+    boRiquadro('Recessi da trattare', boQuanti($boRecessi, 'recesso', 'recessi'), 'recessi.php?stato=ricevuto'),
     boRiquadro('In attesa di approvazione', boQuanti($boAttesa, 'cliente', 'clienti'), 'clienti.php?attesa=1'),
     boRiquadro('Non disponibili', boQuanti($boEsauriti, 'voce', 'voci'), 'disponibilita.php?vedi=esauriti'),
     '</ul><h2>Ultimi ordini</h2>';

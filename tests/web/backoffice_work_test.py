@@ -4,6 +4,7 @@ import json
 import re
 
 from backoffice_case import Case, last_link, main, page_forms
+from backoffice_law_cases import CustomersData, Withdrawn  # noqa: F401  (found by unittest)
 from served_shop import cart_number, order
 
 

@@ -6,6 +6,7 @@ import re
 import urllib.parse
 
 from order_mail_cases import OrderMails  # noqa: F401  (found by unittest)
+from personal_data_cases import PersonalData  # noqa: F401
 from withdrawal_cases import Withdrawals  # noqa: F401
 from shop_case import CustomerCase, article, cart_cookie, mail_text, main, order, register, send, served_lines, shop
 
