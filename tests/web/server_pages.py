@@ -3,6 +3,7 @@
 import json
 import re
 
+from at_home_cases import AtHome  # noqa: F401  (found by unittest)
 from served_shop import SHOPPER
 from shop_case import CustomerCase, article, cart_cookie, main, order, shop
 
