@@ -4,6 +4,7 @@
 #include "platform/text/text.h"
 #include "shell/workbench/fields/connection_settings.h"
 #include "shell/workbench/fields/current_row.h"
+#include "shell/workbench/fields/identity_fields.h"
 #include "shell/workbench/fields/variant_names.h"
 
 namespace kv {
@@ -87,6 +88,7 @@ const ColumnInfo* FieldStore::columnInfo(const Editor& editor) {
 
 std::string FieldStore::shown(const Editor& editor) {
   if (!isOnRow(sets_, editor.set)) return {};
+  if (isIdentityField(editor)) return identityText(sets_, editor);
   if (isReverseRate(editor)) return reverseRate(shown(rateEditor()), separator_);
   if (editor.column == shopAddressField) return addressesOf(sets_).shop;
   if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
@@ -139,6 +141,15 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
   return leave(rateEditor(), rate);
 }
 
+FieldStore::Outcome FieldStore::leaveIdentity(const Editor& editor, const std::string& text) {
+  const std::string entered(trim(text));
+  Outcome outcome;
+  if (entered == shown(editor)) return outcome;
+  outcome.done = storeIdentity(sets_, history_, editor, entered);
+  outcome.written = outcome.done.has_value();
+  return outcome;
+}
+
 std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
   if (!isSideBySideAllowed(editor, text))
@@ -149,6 +160,7 @@ std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
 
 FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set)) return {};
+  if (isIdentityField(editor)) return leaveIdentity(editor, text);
   if (isReverseRate(editor)) return leaveReverseRate(editor, text);
   const std::string before = shown(editor);
   if (text == before) return {};
