@@ -25,7 +25,7 @@ class Withdrawn(BackOfficeCase):
                           f" ('261101-AAAAAA-R1', {number}, NOW(), 'anna@example.org', 1, 'ricevuto', '',"
                           f" '{json.dumps(LINES)}', '')")
 
-    def test_a_withdrawal_stands_in_its_list_and_at_its_order(self):
+    def test_a_withdrawal_is_in_its_list_and_at_its_order(self):
         self.assertIn("<strong>1</strong> recesso", self.office.ask("pannello.php").text)
         for address in ("recessi.php", "ordine.php?codice=261101-AAAAAA"):
             text = self.office.ask(address).text

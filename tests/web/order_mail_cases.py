@@ -61,7 +61,7 @@ class OrderMails(CustomerCase):
         self.assertIn("&lt;b&gt;Ada&lt;/b&gt;", html)
         self.assertNotRegex(html, r"<(?:img|b)\b")
 
-    def test_quantities_and_values_stand_in_the_table(self):
+    def test_the_table_holds_quantities(self):
         self.cart = f"{article('PA-001')}.3_{self.article}.2"
         html = mail_html(self.mail())
         self.assertIn("3 &times; ", html)
