@@ -141,15 +141,6 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
   return leave(rateEditor(), rate);
 }
 
-FieldStore::Outcome FieldStore::leaveIdentity(const Editor& editor, const std::string& text) {
-  const std::string entered(trim(text));
-  Outcome outcome;
-  if (entered == shown(editor)) return outcome;
-  outcome.done = storeIdentity(sets_, history_, editor, entered);
-  outcome.written = outcome.done.has_value();
-  return outcome;
-}
-
 std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
   if (!isSideBySideAllowed(editor, text))
@@ -188,6 +179,15 @@ Result<> FieldStore::write(const Editor& editor, const Value& value, const std::
   const std::string column = columnOf(editor, listino_);
   if (auto stored = sets_.store(editor.set, column, value); !stored) return stored;
   return editor.set == EditedSet::Generale ? followConnection(sets_, editor.column, oldText) : Result<>();
+}
+
+FieldStore::Outcome FieldStore::leaveIdentity(const Editor& editor, const std::string& text) {
+  const std::string entered(trim(text));
+  Outcome outcome;
+  if (entered == shown(editor)) return outcome;
+  outcome.done = storeIdentity(sets_, history_, editor, entered);
+  outcome.written = outcome.done.has_value();
+  return outcome;
 }
 
 }  // namespace kv
