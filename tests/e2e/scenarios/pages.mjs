@@ -13,6 +13,8 @@ export const pageKinds = [
   ["kvsearch", "?q=nessunarticolo"], ["cart"], ["order"], ["login"], ["login", "?m=11"], ["messaggio"],
   ["condizioni"], ["recesso"], ["datipers"], ["kvrecesso"],
 ];
+// The cart, the session of those who order or sign in, and what the order form reads of a customer and of stock.
+const neededCookies = /^kvstore_(?:(?:cart|sessione)\d+|disp|cliente|di_nuovo)$/;
 const narrowest = 320;
 const measuredPages = [["index"], ["cat007", "?n=1"], ["cart"]];
 let tours = 0;
@@ -64,6 +66,8 @@ async function tour(shopper, look) {
   await shopper.register({ nome: "Ada", cognome: "Neri", email, pw: "una parola lunga" });
   await shopper.open("login");
   await look("a customer's own page");
+  const cookies = (await shopper.page.context().cookies()).map(({ name }) => name);
+  assert.deepEqual(cookies.filter((name) => !neededCookies.test(name)), []);
 }
 
 /** The controls that exceed the right edge of the screen: their HTML and where they end. */
