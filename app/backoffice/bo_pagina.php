@@ -3,7 +3,7 @@
 // dates and amounts. Texts of customers pass through kvHtmlUtf8, all others through kvHtml.
 
 /** The pages of the menu. */
-const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'clienti.php' => 'Clienti',
+const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'recessi.php' => 'Recessi', 'clienti.php' => 'Clienti',
     'disponibilita.php' => 'Disponibilità', 'testi.php' => 'Messaggi', 'richieste.php' => 'Password'];
 
 /** The states of an order. */

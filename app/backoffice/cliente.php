@@ -2,7 +2,7 @@
 // One customer: approval, price list, personal discount, data, a new password, the orders; a copy of all data for the
 // customer, and the way out of the table.
 include "bo_base.php";
-include_once "kvcustomer.php";
+include_once "kvdati.php";
 boRiservata();
 
 /** The data of a customer: column => label, longest text. */
@@ -86,15 +86,15 @@ function boEsegui(array $cliente): void
         case 'genera':
             boNuovaPassword($cliente);
             break;
+        case 'esporta':
+            kvScaricaDati($cliente);
+            break;
         case 'elimina':
-            if (kvOrdiniAperti($cliente) > 0) {
-                boAvvisa('Il cliente ha ordini aperti: evaderli o annullarli prima.', true);
-            } elseif (kvEliminaCliente($cliente)) {
+            if (kvEliminaDati($cliente)) {
                 boAvvisa('Il cliente ' . $cliente['email'] . ' è stato eliminato.');
                 boVai('clienti.php');
-            } else {
-                boAvvisa('Il cliente non è stato eliminato: riprovare.', true);
             }
+            boAvvisa('Il cliente non è stato eliminato: riprovare tra qualche minuto.', true);
     }
     boVai('cliente.php?id=' . $id);
 }
@@ -171,6 +171,8 @@ if ($boOrdini === []) {
             . '</a>', boData($riga['creato'], false), boImporto($riga['totale'], $riga['valuta']),
         boStato($riga['stato'])], $boOrdini), 'Ordini del cliente');
 }
-echo '<p><a href="cliente_dati.php?id=', (int) $boCliente['id'], '">Scarica tutti i dati del cliente (JSON)</a></p>',
+echo '<h2>Dati personali</h2><form method="post" accept-charset="utf-8" action="cliente.php?id=', (int) $boCliente['id'], '">',
+    boCampoGettone(), '<input type="hidden" name="azione" value="esporta"><p><button type="submit" class="piano">',
+    'Esporta i dati (JSON)</button></p></form>',
     '<p><a href="cliente.php?id=', (int) $boCliente['id'], '&amp;elimina=1">Elimina il cliente...</a></p></div></div>';
 boFine();

@@ -3,6 +3,7 @@
 include "bo_base.php";
 include_once "bo_ordini.php";
 include_once "bo_ordine.php";
+include_once "bo_recessi.php";
 include_once "bo_testi.php";
 boRiservata();
 
@@ -102,6 +103,7 @@ boInizio('Ordine ' . $boOrdine['codice'], 'ordini.php');
 <h2>Articoli</h2>
 <?php
 boContenuto($boOrdine, $boDati);
+boRecessiOrdine($boOrdine);
 if (($boDati['campi']['Note'] ?? '') !== '') {
     echo '<h2>Note</h2><p class="testo">', nl2br(kvHtmlUtf8($boDati['campi']['Note'])), '</p>';
 }

@@ -33,6 +33,7 @@ function boQuanti(int $n, string $uno, string $molti): string
 $boOggi = kvRiga("SELECT CURDATE() AS oggi, DATE_FORMAT(CURDATE(), '%Y-%m-01') AS mese")
     ?? ['oggi' => date('Y-m-d'), 'mese' => date('Y-m-01')];
 $boAttesa = boConta('SELECT COUNT(*) AS n FROM kv_clienti WHERE approvato = 0');
+$boRecessi = boConta("SELECT COUNT(*) AS n FROM kv_recessi WHERE stato = 'ricevuto'");
 $boEsauriti = boConta("SELECT COUNT(*) AS n FROM kv_disponibilita WHERE tipo = 'A'"
     . ' AND (disponibile = 0 OR quantita <= 0)');
 $boScarsi = boVociScarse();
@@ -45,6 +46,8 @@ echo '<ul class="riquadri">',
     implode('', array_map(fn($elenco) => boRiquadro(BO_ELENCHI[$elenco][0], boQuanti(boConta(
         'SELECT COUNT(*) AS n FROM kv_ordini WHERE ' . BO_ELENCHI[$elenco][1]), 'ordine', 'ordini'),
         'ordini.php?stato=' . $elenco), array_keys(BO_ELENCHI))),
+    boRiquadro('Da evadere', boQuanti($boNuovi, 'ordine', 'ordini'), 'ordini.php?stato=aperti'),
+    boRiquadro('Recessi da trattare', boQuanti($boRecessi, 'recesso', 'recessi'), 'recessi.php?stato=ricevuto'),
     boRiquadro('In attesa di approvazione', boQuanti($boAttesa, 'cliente', 'clienti'), 'clienti.php?attesa=1'),
     boRiquadro('Non disponibili', boQuanti($boEsauriti, 'voce', 'voci'), 'disponibilita.php?vedi=esauriti'),
     boRiquadro('In esaurimento', boQuanti($boScarsi['A'] + $boScarsi['V'], 'voce', 'voci'),

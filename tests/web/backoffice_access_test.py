@@ -43,7 +43,7 @@ class Access(Case):
     def test_no_page_shows_anything_without_access(self):
         self.add_order("261101-AAAAAA")
         for name in ("pannello", "ordini", "ordine", "ordini_csv", "clienti", "cliente", "disponibilita", "richieste",
-                     "cliente_dati", "stampa", "testi"):
+                     "stampa", "testi", "recessi"):
             page = self.office.ask(name + ".php?codice=261101-AAAAAA&id=1", follow=False)
             self.assertEqual((page.status, page.headers["Location"], page.body), (303, "index.php", b""), name)
 
@@ -130,7 +130,7 @@ class Visitors(Case):
             value = "".join(f"%{byte:02X}" for byte in text.encode())
             for address in ("ordini.php?q=", "ordini.php?stato=", "ordini.php?da=", "ordini.php?p=",
                             "ordine.php?codice=", "ordini_csv.php?q=", "ordini.php?metodo=", "testi.php?lingua=",
-                            "cliente_dati.php?id=", "stampa.php?cosa=ordine&codice=", "clienti.php?q=", "cliente.php?id=",
+                            "stampa.php?cosa=ordine&codice=", "clienti.php?q=", "cliente.php?id=",
                             "disponibilita.php?q=",
                             "disponibilita.php?tipo=", "disponibilita.php?vedi=", "disponibilita.php?tipo=O&q=",
                             "richieste.php?q="):

@@ -19,7 +19,7 @@ class Case(unittest.TestCase):
         # An attempt makes the tables, if it is the first.
         self.enter(visitor=Case.shop.visitor("/" + OFFICE))
         Case.shop.execute(*(f"DELETE FROM kv_{name}" for name in
-                       ("ordini", "clienti", "disponibilita", "richieste", "tentativi",
+                       ("ordini", "recessi", "clienti", "disponibilita", "richieste", "tentativi",
                         "annotazioni", "testi")))
 
     def tearDown(self):

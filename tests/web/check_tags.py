@@ -25,7 +25,7 @@ perl_testo_email valuta perl_mailend firma java_search java_daticliente java_cam
 java_sepsearch java_carrello IDnegozio IDlingua ric_pagina ric_codice ric_titolo ric_sottotitolo ric_foto logo1 logo2
 meta_keywords meta_description colore0 colore1 colore2 colore3 db_security db_hostname db_username db_password
 db_dbname bo_username bo_password compact_privacy_policy php_vars php_globals output login rifiuto thankyou
-java_PGAction metodo_pagamento paymsg
+java_PGAction metodo_pagamento paymsg legale_sede legale_piva legale_registro
 """.split())
 PACKAGE_FILES = {"kvan_preview.svg", "kvan_note.txt", "kvan_menu.ini", "kvan_vet.ini", "kvan_offerta.svg",
                  "kvan_novita.svg", "colours.txt"}

@@ -115,6 +115,22 @@ class Visitor:
         return self.ask(urllib.parse.urljoin(page.address, form["action"]), fields)
 
 
+def mail_text(mail):
+    """The words of a mail (its source or the read message): those of its part of plain text where it has several."""
+    return mail_part(mail, "text/plain")
+
+
+def mail_html(mail):
+    """The part of a mail that is HTML."""
+    return mail_part(mail, "text/html")
+
+
+def mail_part(mail, kind):
+    message = email.message_from_string(mail) if isinstance(mail, str) else mail
+    part = next(part for part in message.walk() if part.get_content_type() == kind)
+    return part.get_payload(decode=True).decode("utf-8")
+
+
 SHOPPER = {"Nome": "Anna", "Cognome": "Bianchi", "RagioneSociale": "", "PartitaIVA": "", "Indirizzo": "Via Roma 1",
            "CAP": "20100", "Citta": "Milano", "Provincia": "MI", "Telefono": "02 123456", "Email": "anna@example.org",
            "Note": "", "Privacy": "1", "Maggiorenne": "1"}
@@ -220,7 +236,7 @@ class ServedShop:
         """The text of the mail that follows the first `before`; it may be sent after the answer of a page."""
         for _ in range(400):
             if len(self.mails()) > before:
-                return email.message_from_string(self.mails()[before]).get_payload(decode=True).decode()
+                return mail_text(self.mails()[before])
             time.sleep(0.05)
         raise AssertionError("no mail has come")
 

@@ -5,7 +5,10 @@ import email
 import re
 import urllib.parse
 
-from shop_case import CustomerCase, article, cart_cookie, main, order, register, send, served_lines, shop
+from order_mail_cases import OrderMails  # noqa: F401  (found by unittest)
+from personal_data_cases import PersonalData  # noqa: F401
+from withdrawal_cases import Withdrawals  # noqa: F401
+from shop_case import CustomerCase, article, cart_cookie, mail_text, main, order, register, send, served_lines, shop
 
 
 class Orders(CustomerCase):
@@ -20,7 +23,7 @@ class Orders(CustomerCase):
         self.assertEqual(sorted(mail["To"] for mail in mails), ["anna@example.org", "ordini@bottega.example"])
         amount = "{:,.2f}".format(float(row[3])).replace(",", " ").replace(".", ",").replace(" ", ".")
         for mail in mails:
-            text = mail.get_payload(decode=True).decode("utf-8")
+            text = mail_text(mail)
             self.assertIn(row[0], text)
             self.assertIn(amount, text)
 
@@ -105,7 +108,7 @@ class Orders(CustomerCase):
             page = order(shop().visitor(), self.cart, method=method)
             self.assertIn(words, page.text)
             for mail in shop().mails()[before:]:
-                self.assertIn(words, email.message_from_string(mail).get_payload(decode=True).decode().replace("\r\n", " "))
+                self.assertIn(words, mail_text(mail).replace("\r\n", " "))
 
     def test_the_merchants_words_arrive_as_they_were_typed(self):
         script = shop().shop / "online/kvmailtesto.php"
@@ -121,7 +124,7 @@ class Orders(CustomerCase):
             script.write_bytes(text)
         mail = next(mail for mail in map(email.message_from_string, shop().mails()[before:]) if "anna" in mail["To"])
         code = shop().rows("SELECT codice FROM kv_ordini")[0][0]
-        self.assertIn(f"{typed}\r\nN. {code}!\r\n", mail.get_payload(decode=True).decode())
+        self.assertIn(f"{typed}\r\nN. {code}!\r\n", mail_text(mail))
 
 
 class Stock(CustomerCase):

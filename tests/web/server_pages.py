@@ -3,6 +3,8 @@
 import json
 import re
 
+from at_home_cases import AtHome  # noqa: F401  (found by unittest)
+from law_page_cases import LawfulPages, enter_identity  # noqa: F401
 from served_shop import SHOPPER
 from shop_case import CustomerCase, article, cart_cookie, main, order, shop
 
@@ -113,4 +115,4 @@ class Pages(CustomerCase):
 
 
 if __name__ == "__main__":
-    main()
+    main(enter_identity)

@@ -5,7 +5,7 @@ import json
 import re
 import subprocess
 
-from shop_case import CustomerCase, enter, main, order, register, send, shop, token
+from shop_case import CustomerCase, enter, mail_text, main, order, register, send, shop, token
 
 GREEK = {"Nome": "Κωνσταντίνος-Παναγιώτης", "Cognome": "Παπαδημητρόπουλος-Οικονομόπουλος",
          "Indirizzo": "Λεωφόρος Αλεξάνδρας και Πανεπιστημίου 128, τρίτος όροφος, διαμέρισμα 14",
@@ -17,7 +17,7 @@ BULGARIAN = {"Nome": "Александър", "Cognome": "Константино�
 def mails_of(before):
     """The texts of the mails sent since there were `before`, by recipient."""
     mails = [email.message_from_string(text) for text in shop().mails()[before:]]
-    return {mail["To"]: mail.get_payload(decode=True).decode("utf-8") for mail in mails}
+    return {mail["To"]: mail_text(mail) for mail in mails}
 
 
 class Texts(CustomerCase):

@@ -5,11 +5,11 @@ import re
 import sys
 import unittest
 
-from served_shop import ServedShop, order
+from served_shop import ServedShop, mail_text, order
 
 __all__ = ["Case", "CustomerCase", "main", "order", "shop", "article", "cart_cookie", "cart_number", "served_lines",
-           "register", "ask_to_register", "mail_after", "enter", "send", "token", "own_tables", "plain_article"]
-TABLES = ("ordini", "clienti", "disponibilita", "richieste", "tentativi")
+           "register", "ask_to_register", "mail_after", "mail_text", "enter", "send", "token", "own_tables", "plain_article"]
+TABLES = ("ordini", "recessi", "clienti", "disponibilita", "richieste", "tentativi")
 PASSWORD = "una-parola-lunga"
 
 

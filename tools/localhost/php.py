@@ -19,11 +19,15 @@ NO_SCAN = {"PHP_INI_SCAN_DIR": ""}
 
 # Numbers each mail by the first free name; a hard link is taken by one process only.
 SINK = """#!/bin/sh
-# Stands in for sendmail: keeps each mail as a file.
+# Stands in for sendmail: keeps each mail as a file, with the sender of its envelope as the last server writes it (RFC
+# 5321, section 4.4).
 umask 077
 box={box}
 mail=$(mktemp "$box/.mail-XXXXXX") || exit 75
-cat >"$mail" || exit 75
+case "$1" in
+-f*) printf 'Return-Path: <%s>\r\n' "${{1#-f}}" >"$mail" || exit 75 ;;
+esac
+cat >>"$mail" || exit 75
 number=1
 until ln "$mail" "$box/$(printf %04d "$number").eml" 2>/dev/null; do
   number=$((number + 1))

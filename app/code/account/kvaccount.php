@@ -5,6 +5,7 @@
 include_once "kvtables.php";
 include_once "kvmail.php";
 include_once "kvregister.php";
+include_once "kvdati.php";
 
 /** The data of a customer that forms show, by column: the field of the order form and the longest text. */
 const KV_DATI_CLIENTE = [
@@ -136,19 +137,57 @@ function kvNuovaPassword(int $id, string $email, string $pw): string
     return $impronta;
 }
 
-/** Another password for the customer of the session, who proves to know the old one. */
-function kvCambiaPassword(string $pw): void
+/** The customer of the session; ends with a message when there is none. */
+function kvClienteProprio(): array
 {
     $riga = kvRigaCliente(kvClienteSessione());
     if ($riga === null) {
         kvMessaggio(4);
     }
+    return $riga;
+}
+
+/** The customer of the session, who proves to know the password; ends with a message otherwise. */
+function kvClienteSicuro(): array
+{
+    $riga = kvClienteProprio();
     $chiave = kvChiaveTentativi('negozio', $riga['email']);
     kvContaTentativo($chiave, 'accessi_conto');
     if (!kvPasswordGiusta(kvPassword('attuale'), $riga['pw'])) {
         kvMessaggio(1);
     }
     kvAzzeraTentativi($chiave);
+    return $riga;
+}
+
+/** The customer's own data as a file. */
+function kvDatiPropri(): void
+{
+    kvScaricaDati(kvClienteProprio());
+}
+
+/** Deletes the customer of the session, who proves to be it; not while an order needs the address. */
+function kvEliminaAccesso(): void
+{
+    $riga = kvClienteSicuro();
+    if (!isset($_POST['sicuro'])) {
+        kvMessaggio(2);
+    }
+    if (kvOrdiniInCorso($riga) > 0) {
+        kvMessaggio(16);
+    }
+    if (!kvEliminaDati($riga)) {
+        kvFuoriServizio();
+    }
+    $_SESSION = [];
+    session_regenerate_id(true);
+    kvMessaggio(15);
+}
+
+/** Another password for the customer of the session, who proves to know the old one. */
+function kvCambiaPassword(string $pw): void
+{
+    $riga = kvClienteSicuro();
     if (kvLunghezza($pw) < 8) {
         kvMessaggio(2);
     }

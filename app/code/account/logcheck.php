@@ -26,6 +26,12 @@ switch (kvCampo($_POST, 'azione', 20)) {
     case 'password':
         kvCambiaPassword($kvPw);
         break;
+    case 'esporta':
+        kvDatiPropri();
+        break;
+    case 'elimina':
+        kvEliminaAccesso();
+        break;
     case 'richiedi':
         kvRichiediPassword($kvEmail);
         break;

@@ -75,6 +75,23 @@ if ($kvGettoneConto !== '') {
   required></label>
 <p><button type="submit"><<4-salva>></button></p>
 </form>
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
+<h2><<4-dati_personali>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="esporta">
+<p><<4-dati_spiega>></p>
+<p><button type="submit"><<4-dati_scarica>></button></p>
+</form>
+<form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
+<h2><<4-dati_elimina>></h2>
+<?php echo $kvNascosti; ?>
+<input type="hidden" name="azione" value="elimina">
+<p><<4-dati_elimina_spiega>></p>
+<label><<4-password_attuale>> <input type="password" name="attuale" maxlength="100" autocomplete="current-password"
+  required></label>
+<label class="spunta"><input type="checkbox" name="sicuro" value="1" required> <span><<4-dati_elimina_sicuro>></span></label>
+<p><button type="submit"><<4-dati_elimina>></button></p>
+</form>
 </div>
 <?php
 } else {

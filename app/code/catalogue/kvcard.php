@@ -4,6 +4,7 @@
 // price, the form that buys, and the structured data of schema.org. The row of the article stands in $rowArt and its
 // department is set, as for ViewArt.
 include_once "kvcart.php";
+include_once "kvnota.php";
 
 /** The picture in a tag of the build: src, and width and height where the build knew them; null without one. */
 function kvImmagine(string $tag): ?array
@@ -112,7 +113,7 @@ function kvPrezzo(): string
         $testo = ViewArt($nota);
         $html .= $testo === '' ? '' : ' <span class="nota ' . $nota . '">' . kvPulito($testo) . '</span>';
     }
-    return $html;
+    return $html . ' ' . kvNotaPrezzo();
 }
 
 /** What the browser needs to show the price of the chosen values and pieces; nothing where prices are hidden. */

@@ -43,6 +43,11 @@ function kvDefinizioni(): array
         // Results of searches that found much, of the load whose mark they have.
         'kv_ricerche' => "chiave CHAR(32) NOT NULL PRIMARY KEY, carico VARCHAR(190) NOT NULL, quanti INT NOT NULL,"
             . " numeri TEXT NOT NULL",
+        // ordine: the id of the order; righe: its lines and pieces as JSON; ricevuta: what the buyer was told.
+        'kv_recessi' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, numero VARCHAR(24) NOT NULL UNIQUE,"
+            . " ordine INT NOT NULL, creato DATETIME NOT NULL, email VARCHAR(190) NOT NULL, tardi TINYINT NOT NULL DEFAULT 0,"
+            . " stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL, righe TEXT NOT NULL, ricevuta TEXT NOT NULL,"
+            . " KEY ordine (ordine)",
         'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];

@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
-// Mails of the shop: plain text in UTF-8, in Base64, so that neither the words nor the line ends of a visitor can
-// become a header. Source: RFC 2045, section 6.8; RFC 2047.
+// Mails of the shop: UTF-8 in Base64, so that neither the words nor the line ends of a visitor can become a header.
+// Source: RFC 2045, section 6.8; RFC 2047.
 
 /** An UTF-8 text of a mail header, in encoded words of at most 75 characters, cut between characters. */
 function kvTestoIntestazione(string $testo): string
@@ -25,25 +25,41 @@ function kvIndirizzoValido(string $email): bool
     return strlen($email) <= 190 && filter_var($email, FILTER_VALIDATE_EMAIL) !== false;
 }
 
-/** Sends one mail, its texts in UTF-8; false when an address isn't one or the server refused it. `rispondi`: who gets the answers. */
-function kvMail(string $a, string $da, string $oggetto, string $testo, string $rispondi = ''): bool
+/**
+ * Hands a mail to the server; false when an address isn't one or the server refused it. `testa`: the lines of its head
+ * that say what `corpo` is; `rispondi`: who gets the answers.
+ */
+function kvSpedisci(array $mail, array $testa, string $corpo): bool
 {
+    list('a' => $a, 'da' => $da, 'oggetto' => $oggetto, 'rispondi' => $rispondi) = $mail + ['rispondi' => ''];
     if (!kvIndirizzoValido($a)) {
         return false;
     }
-    $righe = ['MIME-Version: 1.0', 'Content-Type: text/plain; charset=utf-8', 'Content-Transfer-Encoding: base64'];
     if (kvIndirizzoValido($da)) {
-        $righe[] = 'From: ' . $da;
+        $nome = trim(kvMittente()['nome']);
+        $testa[] = 'From: ' . ($nome === '' ? $da : kvTestoIntestazione($nome) . ' <' . $da . '>');
     }
     if (kvIndirizzoValido($rispondi)) {
-        $righe[] = 'Reply-To: ' . $rispondi;
+        $testa[] = 'Reply-To: ' . $rispondi;
     }
-    $corpo = rtrim(chunk_split(base64_encode($testo)));
-    if (@mail($a, kvTestoIntestazione($oggetto), $corpo, implode("\r\n", $righe))) {
+    $testa = implode("\r\n", array_merge(['MIME-Version: 1.0'], $testa));
+    // Where mails that can't be delivered go back to. It reaches a command line: plain characters only. A host that lets
+    // nobody say it takes the mail without.
+    $busta = preg_match('/^[A-Za-z0-9][A-Za-z0-9._+-]*@[A-Za-z0-9.-]+$/D', $da) ? '-f' . $da : '';
+    $oggetto = kvTestoIntestazione($oggetto);
+    if (@mail($a, $oggetto, $corpo, $testa, $busta) || ($busta !== '' && @mail($a, $oggetto, $corpo, $testa))) {
         return true;
     }
     error_log('Shop mail: a mail was refused');
     return false;
+}
+
+/** Sends one mail of plain text in UTF-8; see kvSpedisci. */
+function kvMail(string $a, string $da, string $oggetto, string $testo, string $rispondi = ''): bool
+{
+    return kvSpedisci(['a' => $a, 'da' => $da, 'oggetto' => $oggetto, 'rispondi' => $rispondi],
+        ['Content-Type: text/plain; charset=utf-8', 'Content-Transfer-Encoding: base64'],
+        rtrim(chunk_split(base64_encode($testo))));
 }
 
 /** The shop's own address, name and signature, in UTF-8. */
@@ -86,17 +102,4 @@ function kvIndirizzoProvato(string $email): bool
     return kvRiga('SELECT id FROM kv_clienti WHERE id = ? AND email = ? AND provato = 1', [(int) $GLOBALS['cliente'], $email])
         !== null || kvRiga("SELECT id FROM kv_ordini WHERE email = ? AND stato IN ('pagato', 'spedito') LIMIT 1", [$email])
         !== null;
-}
-
-/**
- * Tells customer and merchant of an order. `importo` is the total in the shop's notation, without a label. An address
- * that nobody has proven gets `anonimo`, which holds nothing that was typed: it could be words for a stranger.
- */
-function kvMailOrdine(string $codice, string $importo, string $riepilogo, string $email, string $anonimo): void
-{
-    $negozio = kvMittente();
-    $oggetto = $negozio['nome'] . ' - ' . kvUtf8("<<4-ordine_titolo>> ") . $codice;
-    $testo = kvTestoMail($codice, $importo, kvIndirizzoProvato($email) ? $riepilogo : $anonimo);
-    kvMail($email, $negozio['email'], $oggetto, $testo . "\r\n" . $negozio['firma']);
-    kvMail($negozio['email'], $negozio['email'], $oggetto, kvUtf8("<<4-ordine_codice>>: ") . "$codice\r\n\r\n" . $riepilogo, $email);
 }

@@ -5,7 +5,7 @@
 // A form is good for one order: sent twice, it leads to the page of the order it made.
 include "funcs.php";
 include_once "kvcart.php";
-include_once "kvmail.php";
+include_once "kvmailordine.php";
 include_once "kvtables.php";
 include_once "kvpaesi.php";
 include_once "kvplain.php";
@@ -127,8 +127,8 @@ function kvTotaliOrdine(array $righe, int $metodo, int $zona, array $dati): arra
     return $totali;
 }
 
-/** The order as plain text in UTF-8, for the mails and the back office. */
-function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
+/** Who gets the goods, as plain text in UTF-8. */
+function kvDestinatario(array $campi): string
 {
     $testo = $campi['Nome'] . ' ' . $campi['Cognome'] . "\r\n";
     foreach (['RagioneSociale', 'PartitaIVA', 'Indirizzo'] as $nome) {
@@ -137,9 +137,27 @@ function kvRiepilogoOrdine(array $campi, array $righe, array $totali): string
     $testo .= trim($campi['CAP'] . ' ' . $campi['Citta'] . ' ' . $campi['Provincia']) . "\r\n";
     $testo .= kvUtf8(kvNomePaese(kvDaUtf8($campi['Paese']))) . "\r\n";
     $testo .= kvUtf8("<<4-ordine_email>>: ") . $campi['Email'] . "\r\n";
-    $testo .= $campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n";
-    return $testo . "\r\n" . kvUtf8(kvConto($righe, $totali)) . kvUtf8("<<4-ordine_pagamento>>: ") . $campi['NomePagamento']
-        . "\r\n" . ($campi['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $campi['Note'] . "\r\n");
+    return $testo . ($campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n");
+}
+
+/**
+ * The order as plain text in UTF-8, in parts: destinatario, conto, coda, note. Joined, with an empty line after the first,
+ * they are the summary of the order's page and of the back office.
+ */
+function kvPartiOrdine(array $campi, array $righe, array $totali): array
+{
+    return ['destinatario' => kvDestinatario($campi), 'conto' => kvUtf8(kvConto($righe, $totali)),
+        'coda' => kvUtf8("<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n",
+        'note' => $campi['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $campi['Note'] . "\r\n"];
+}
+
+/** The discounts, taxes and costs of an order that there are, by their names. */
+function kvVociConto(array $totali): array
+{
+    $iva = $totali['iva'] < 0 ? "<<4-carrello_iva_esente>>" : "<<4-carrello_iva>>";
+    $voci = [["<<4-sconto>>", -$totali['sconto']], [$iva, $totali['iva']],
+        ["<<4-carrello_spedizione>>", $totali['spese']], ["<<4-carrello_iva_spedizione>>", $totali['ivaspese']]];
+    return array_filter($voci, fn(array $voce, int $n): bool => $voce[1] !== 0 || $n === 2, ARRAY_FILTER_USE_BOTH);
 }
 
 /** The lines and the totals of an order as plain text, in the page's character set. */
@@ -153,11 +171,8 @@ function kvConto(array $righe, array $totali): string
             . kvTestoMinimi($riga['importo'] * $riga['quantita']) . "\r\n";
     }
     $testo .= "\r\n<<4-carrello_merce>>: " . kvTestoMinimi($totali['merce']) . "\r\n";
-    $iva = $totali['iva'] < 0 ? "<<4-carrello_iva_esente>>" : "<<4-carrello_iva>>";
-    $voci = [["<<4-sconto>>", -$totali['sconto']], [$iva, $totali['iva']],
-        ["<<4-carrello_spedizione>>", $totali['spese']], ["<<4-carrello_iva_spedizione>>", $totali['ivaspese']]];
-    foreach ($voci as $n => list($nome, $importo)) {
-        $testo .= $importo === 0 && $n !== 2 ? '' : $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
+    foreach (kvVociConto($totali) as list($nome, $importo)) {
+        $testo .= $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
     }
     return $testo . "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
 }
@@ -259,7 +274,8 @@ function kvPrendiOrdine(string $gettone): void
         $GLOBALS['kvConferma'] = kvConfermaOrdine(kvConto($righe, $totali), $totali, kvDettaglio());
         return;
     }
-    $riepilogo = kvRiepilogoOrdine($campi, $righe, $totali);
+    $parti = kvPartiOrdine($campi, $righe, $totali);
+    $riepilogo = $parti['destinatario'] . "\r\n" . $parti['conto'] . $parti['coda'] . $parti['note'];
     if (!kvAmmetti(kvChiaveTentativi('ordine', ''), 'ordini')
         || !kvAmmetti(kvChiaveConto('ordine', $campi['Email']), 'ordini_email')) {
         kvRifiutaOrdine("<<4-troppi_tentativi>>");
@@ -272,11 +288,10 @@ function kvPrendiOrdine(string $gettone): void
     setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
     if ($nuovo) {
         kvScorteCambiate();
-        $anonimo = kvUtf8(kvConto($righe, $totali) . "<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n";
         $istruzioni = kvIstruzioniMail($metodo);
-        $istruzioni = $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
-        list($riepilogo, $anonimo) = [$riepilogo . $istruzioni, $anonimo . $istruzioni];
-        kvMailOrdine($codice, kvFormato($totali['totale'], kvScala(), (int) $notazione), $riepilogo, $campi['Email'], $anonimo);
+        $parti['coda'] .= $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
+        kvMailOrdine(['codice' => $codice, 'email' => $campi['Email'], 'tabella' => kvTabellaOrdine($righe, $totali),
+            'importo' => kvFormato($totali['totale'], kvScala(), (int) $notazione)] + $parti);
         kvMailScarsi($righe);
     }
     kvVai($pagina);

@@ -81,6 +81,8 @@ function kvLingue(?string $collegamenti = null): array
         } else {
             continue;
         }
+        // A script that shows its own words through another page leads to itself.
+        $file = isset($GLOBALS['kvPaginaLingue']) ? $GLOBALS['kvPaginaLingue'] . ($n === 0 ? '' : '_l' . ($n + 1)) . '.php' : $file;
         $lingue[$n + 1] = [$file . kvParteMostrata()] + [1 => '', 2 => ucfirst($codice)];
         if (isset(KV_LINGUE[strtolower($codice)])) {
             $lingue[$n + 1] = array_merge([$file . kvParteMostrata()], KV_LINGUE[strtolower($codice)]);

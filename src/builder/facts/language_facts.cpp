@@ -1,5 +1,6 @@
 #include "builder/facts/language_facts.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -7,6 +8,7 @@
 #include "builder/values/link_naming.h"
 #include "platform/files/files.h"
 #include "platform/image/image.h"
+#include "store/catalogue/shop_identity.h"
 #include "tags/syntax/file_naming.h"
 
 namespace kv {
@@ -109,12 +111,30 @@ Result<ShippingTables> readShipping(Database& catalogue, const ShopFacts& shop, 
   return makeShippingTables(catalogue, language.pagamento, price);
 }
 
+namespace {
+
+/// The tags of the merchant's identity, which are empty in a shop that has entered none.
+Result<> fillIdentity(PageTagRow& row, Database& catalogue) {
+  for (const std::string_view column : identityColumns) {
+    auto text = readIdentity(catalogue, column);
+    if (!text) return fail(text.error());
+    // The pages read them line by line.
+    std::ranges::replace_if(
+        *text, [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    row.setBeside(column, std::move(*text));
+  }
+  return {};
+}
+
+}  // namespace
+
 Result<> fillSharedTags(PageTagRow& row, Database& catalogue, const ShopFacts& shop, const LanguageFacts& language,
                         const ShippingTables& shipping) {
   const CurrencyForm& form = language.rules.prices.form;
   const std::string& lingua = language.source.lingua;
   fillShopTags(row,
                {language.generale, lingua, shop.shopNumber + lingua, shop.redirectScript, shop.html, language.colours});
+  if (auto filled = fillIdentity(row, catalogue); !filled) return filled;
   fillServerTags(row, {language.generale, lingua, shop.languages.pageExtension, form.label, shop.phpGlobals});
   return fillCartTags(row, {catalogue, language.generale, language.pagamento, form, shipping, shop.shippingVat});
 }

@@ -53,12 +53,18 @@ std::size_t PageTagRow::indexOf(std::string_view column) const {
 
 const std::string* PageTagRow::find(std::string_view column) const {
   const std::size_t index = indexOf(column);
-  return index < values_.size() ? &values_[index] : nullptr;
+  if (index < values_.size()) return &values_[index];
+  const auto beside = beside_.find(foldCase(column));
+  return beside == beside_.end() ? nullptr : &beside->second;
 }
 
 void PageTagRow::set(std::string_view column, std::string value) {
   const std::size_t index = indexOf(column);
   if (index < values_.size()) values_[index] = std::move(value);
+}
+
+void PageTagRow::setBeside(std::string_view tag, std::string value) {
+  beside_.insert_or_assign(foldCase(tag), std::move(value));
 }
 
 void fillShopTags(PageTagRow& row, const ShopTags& tags) {

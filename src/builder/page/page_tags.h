@@ -27,6 +27,8 @@ class PageTagRow final : public TagRow {
   const std::string* find(std::string_view column) const override;
   /// Sets a column; a tag database that lacks it (an older shop) goes without.
   void set(std::string_view column, std::string value);
+  /// Sets a tag that the tag database has no column for; pages alone know it.
+  void setBeside(std::string_view tag, std::string value);
   /// Columns in the order of the table.
   const std::vector<std::string>& names() const { return names_; }
   /// Their values, in the same order.
@@ -38,6 +40,7 @@ class PageTagRow final : public TagRow {
   std::vector<std::string> names_;
   std::vector<std::string> values_;
   std::unordered_map<std::string, std::size_t> indexes_;  // by folded name
+  std::unordered_map<std::string, std::string> beside_;   // tags without a column, by folded name
 };
 
 /// What the shop's own texts, pictures and colours are made of, for one language.

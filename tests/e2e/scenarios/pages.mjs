@@ -11,8 +11,10 @@ import { htmlFaults } from "../support/valid_html.mjs";
 export const pageKinds = [
   ["index"], ["cat001", "?n=1"], ["cat007", "?n=1"], ["cat007", "?n=2"], ["search"], ["kvsearch", "?q=gres&p=1"],
   ["kvsearch", "?q=nessunarticolo"], ["cart"], ["order"], ["login"], ["login", "?m=11"], ["messaggio"],
-  ["condizioni"], ["recesso"], ["datipers"],
+  ["condizioni"], ["recesso"], ["datipers"], ["kvrecesso"],
 ];
+// The cart, the session of those who order or sign in, and what the order form reads of a customer and of stock.
+const neededCookies = /^kvstore_(?:(?:cart|sessione)\d+|disp|cliente|di_nuovo)$/;
 const narrowest = 320;
 const measuredPages = [["index"], ["cat007", "?n=1"], ["cart"]];
 let tours = 0;
@@ -22,6 +24,25 @@ const categories = ["accessibility", "best-practices", "seo"];
 async function fillCart(shopper) {
   await shopper.open("cat007", "?n=1");
   await shopper.buy(articles.mug[shopper.language.code], { pieces: 2 });
+}
+
+/** Withdraws from the order whose page is open; each step is looked at. */
+async function withdraw(shopper, look) {
+  const main = shopper.page.locator("main");
+  const code = /\d{6}-[0-9A-F]{6}/.exec(await main.innerText())[0];
+  const goOn = (address) => Promise.all([shopper.page.waitForURL(address), main.locator("form button").last().click()]);
+  await shopper.open("kvrecesso");
+  await main.locator("[name=codice]").fill(code);
+  await main.locator("[name=email]").fill(person.Email);
+  await goOn(/passo=scegli/);
+  await look("the choice of a withdrawal");
+  await main.locator("[type=checkbox]").first().check();
+  await goOn(/passo=conferma/);
+  await look("the second step of a withdrawal");
+  assert.ok(await main.getByRole("button", { name: shopper.words.recesso_conferma }).isVisible());
+  await goOn(/passo=ricevuta/);
+  assert.ok((await main.innerText()).includes(`${code}-R1`));
+  await look("the receipt of a withdrawal");
 }
 
 /** Visits every kind of page with something in the cart, then orders; `look` is given the name of each. */
@@ -36,6 +57,7 @@ async function tour(shopper, look) {
   await shopper.chooseShipping(countries.italy[shopper.language.code], methods.transfer[shopper.language.code]);
   await shopper.sendOrder();
   await look("thankyou");
+  await withdraw(shopper, look);
   await shopper.open("cart");
   await look("an empty cart");
   tours += 1;
@@ -44,6 +66,8 @@ async function tour(shopper, look) {
   await shopper.register({ nome: "Ada", cognome: "Neri", email, pw: "una parola lunga" });
   await shopper.open("login");
   await look("a customer's own page");
+  const cookies = (await shopper.page.context().cookies()).map(({ name }) => name);
+  assert.deepEqual(cookies.filter((name) => !neededCookies.test(name)), []);
 }
 
 /** The controls that exceed the right edge of the screen: their HTML and where they end. */

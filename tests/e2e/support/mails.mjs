@@ -13,7 +13,14 @@ function decodeHeader(text) {
   });
 }
 
-/** One mail: headers by lower-case name, and its text. */
+/** The parts of a mail of several, each as its bytes; a mail of one part is its own only one. */
+function partsOf(raw, headers) {
+  const boundary = /^multipart\/.*boundary="?([^";]+)/i.exec(headers["content-type"] ?? "")?.[1];
+  return boundary === undefined ? null
+    : raw.split(`--${boundary}`).slice(1, -1).map((part) => Buffer.from(part.replace(/^\n/, ""), "latin1"));
+}
+
+/** One mail: headers by lower-case name, and its text; that of the first part where it has several. */
 export function parseMail(bytes) {
   const raw = bytes.toString("latin1").replace(/\r\n/g, "\n");
   const cut = raw.indexOf("\n\n");
@@ -23,6 +30,10 @@ export function parseMail(bytes) {
     headers[line.slice(0, colon).toLowerCase()] = decodeHeader(line.slice(colon + 1).trim());
   }
   const body = raw.slice(cut + 2);
+  const parts = partsOf(body, headers);
+  if (parts !== null) {
+    return { headers, text: parseMail(parts[0]).text };
+  }
   const coding = (headers["content-transfer-encoding"] ?? "").toLowerCase();
   let content = Buffer.from(body, "latin1");
   if (coding === "base64") {

@@ -39,6 +39,18 @@ void shopEditors(std::vector<Editor>& rows) {
   small.number = 1;
 }
 
+void identityEditors(std::vector<Editor>& rows) {
+  Group identity(rows, Tab::Site, "Dati legali");
+  const auto add = [&](std::string_view column, std::string_view label, std::string_view toolTip) {
+    Editor& row = identity.add(column, label);
+    row.toolTip = toolTip;
+    row.beside = true;
+  };
+  add("legale_sede", "Ragione sociale e sede:", "In fondo a ogni pagina: nome, via, CAP, città e Paese");
+  add("legale_piva", "Partita IVA:", "In fondo a ogni pagina");
+  add("legale_registro", "Registro delle imprese:", "In fondo a ogni pagina, come REA MI-1234567, cap. soc. € 10.000");
+}
+
 void moneyEditors(std::vector<Editor>& rows) {
   Group money(rows, Tab::Site, "Valuta");
   money.add("valuta1", "Val&uta:", Line, FieldKind::ShortText).toolTip = "Il segno accanto ai prezzi, come EUR";
@@ -167,6 +179,7 @@ void connectionEditors(std::vector<Editor>& rows) {
 std::vector<Editor> siteEditors() {
   std::vector<Editor> rows;
   shopEditors(rows);
+  identityEditors(rows);
   moneyEditors(rows);
   pageEditors(rows);
   textEditors(rows);

@@ -47,6 +47,7 @@ struct Editor {
   ChoiceSource source = ChoiceSource::Fixed;
   int number = 0;            ///< of the picture, or of the variant slot
   std::string_view command;  ///< of the button beside a line; empty: there is none
+  bool beside = false;       ///< kept in a table of its own (side_editors.h)
 };
 
 /// All editors in the order of tab, group and row.

@@ -5,6 +5,7 @@
 #include "shell/workbench/fields/connection_settings.h"
 #include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/fields/field_forms.h"
+#include "shell/workbench/fields/identity_fields.h"
 #include "shell/workbench/fields/variant_names.h"
 
 namespace kv {
@@ -45,6 +46,7 @@ const ColumnInfo* FieldStore::columnInfo(const Editor& editor) {
 
 std::string FieldStore::shown(const Editor& editor) {
   if (!isOnRow(sets_, editor.set)) return {};
+  if (isIdentityField(editor)) return identityText(sets_, editor);
   if (isReverseRate(editor)) return reverseRate(shown(rateEditor()), separator_);
   if (editor.column == shopAddressField) return addressesOf(sets_).shop;
   if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
@@ -103,6 +105,7 @@ std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
 
 FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set)) return {};
+  if (isIdentityField(editor)) return leaveIdentity(editor, text);
   if (isReverseRate(editor)) return leaveReverseRate(editor, text);
   const std::string before = shown(editor);
   if (text == before) return {};
@@ -127,6 +130,15 @@ Result<> FieldStore::write(const Editor& editor, const Value& value, const std::
   const std::string column = columnOf(editor, listino_);
   if (auto stored = sets_.store(editor.set, column, value); !stored) return stored;
   return editor.set == EditedSet::Generale ? followConnection(sets_, editor.column, oldText) : Result<>();
+}
+
+FieldStore::Outcome FieldStore::leaveIdentity(const Editor& editor, const std::string& text) {
+  const std::string entered(trim(text));
+  Outcome outcome;
+  if (entered == shown(editor)) return outcome;
+  outcome.done = storeIdentity(sets_, history_, editor, entered);
+  outcome.written = outcome.done.has_value();
+  return outcome;
 }
 
 }  // namespace kv

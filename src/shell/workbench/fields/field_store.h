@@ -61,6 +61,8 @@ class FieldStore {
   Outcome leaveReverseRate(const Editor& editor, const std::string& text);
   /// Writes one column, and what follows from it in the connection settings.
   Result<> write(const Editor& editor, const Value& value, const std::string& oldText);
+  /// Leaving a field of the merchant's identity.
+  Outcome leaveIdentity(const Editor& editor, const std::string& text);
 
   CatalogueSets& sets_;
   UndoHistory& history_;
