@@ -14,7 +14,7 @@ std::string_view tableOf(EditedSet set) {
 
 bool isDerived(const Editor& editor) {
   return editor.column == reverseRateField || editor.column == shopAddressField ||
-         editor.column == backOfficeAddressField;
+         editor.column == backOfficeAddressField || editor.beside;
 }
 
 TEST(EditorTable, EveryEditorWritesAColumnOfItsTable) {

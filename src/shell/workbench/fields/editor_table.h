@@ -30,7 +30,7 @@ enum class Control {
 enum class Per { Shop, Listino };
 
 /// The choices of a Pick or Combo that the workbench knows only when the list is opened.
-enum class ChoiceSource { Fixed, Models, RelatedWords };
+enum class ChoiceSource { Fixed, Models, RelatedWords, Makers };
 
 struct Editor {
   EditedSet set = EditedSet::Generale;
@@ -47,6 +47,7 @@ struct Editor {
   ChoiceSource source = ChoiceSource::Fixed;
   int number = 0;            ///< of the picture, or of the variant slot
   std::string_view command;  ///< of the button beside a line; empty: there is none
+  bool beside = false;       ///< kept in a table of its own (side_editors.h)
 };
 
 /// All editors in the order of tab, group and row.

@@ -4,6 +4,7 @@
 #include "platform/text/text.h"
 #include "shell/workbench/fields/connection_settings.h"
 #include "shell/workbench/fields/current_row.h"
+#include "shell/workbench/fields/side_editors.h"
 #include "shell/workbench/fields/variant_names.h"
 
 namespace kv {
@@ -90,6 +91,10 @@ std::string FieldStore::shown(const Editor& editor) {
   if (isReverseRate(editor)) return reverseRate(shown(rateEditor()), separator_);
   if (editor.column == shopAddressField) return addressesOf(sets_).shop;
   if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
+  if (isSideEditor(editor)) {
+    const std::string text = asText(sideValue(sets_, editor));
+    return isNumberKind(editor.kind) && !text.empty() ? shownNumber(text, separator_) : text;
+  }
   if (editor.control == Control::Variant)
     return variantNames(sets_, listino_)[static_cast<std::size_t>(editor.number - 1)];
   const ColumnInfo* info = columnInfo(editor);
@@ -139,6 +144,20 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
   return leave(rateEditor(), rate);
 }
 
+FieldStore::Outcome FieldStore::leaveSide(const Editor& editor, const std::string& text) {
+  const std::string before = shown(editor);
+  const ColumnForm stored = isNumberKind(editor.kind) ? ColumnForm::Number : ColumnForm::Text;
+  const FieldText field = leftField({editor.kind, stored, false, separator_}, text, before);
+  Outcome outcome;
+  if (text == before || field.text == before) return outcome;
+  outcome.done = prepareSideField(sets_.session().catalogue, sideFieldOf(editor));
+  if (!outcome.done) return outcome;
+  const std::string step = "Modifica " + plainLabel(editor.label);
+  outcome.done = history_.record(step, [&] { return storeSideValue(sets_, editor, field.value); });
+  outcome.written = outcome.done.has_value();
+  return outcome;
+}
+
 std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
   if (!isSideBySideAllowed(editor, text))
@@ -150,6 +169,7 @@ std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
 FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set)) return {};
   if (isReverseRate(editor)) return leaveReverseRate(editor, text);
+  if (isSideEditor(editor)) return leaveSide(editor, text);
   const std::string before = shown(editor);
   if (text == before) return {};
   Outcome outcome;
