@@ -3,6 +3,7 @@
 import json
 import re
 
+from law_price_cases import LegalNotes  # noqa: F401  (its tests run on this file's shop)
 from served_shop import SHOPPER
 from shop_case import CustomerCase, article, cart_cookie, main, order, shop
 
