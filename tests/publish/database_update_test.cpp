@@ -117,7 +117,7 @@ TEST_F(DatabaseUpdate, ALoadThatFailedOrWasCancelledIsNot) {
   EXPECT_FALSE(fileExists(priceHistoryPath(shop)));
 }
 
-TEST_F(DatabaseUpdate, AHistoryThatCannotBeWrittenIsToldAndTheUpdateStands) {
+TEST_F(DatabaseUpdate, AHistoryThatCannotBeWrittenIsToldAndTheUpdateIsKept) {
   put("prezzi.mdb", "no database");
   EXPECT_EQ(run(), "OK");
   ASSERT_EQ(user.shown.size(), 1U);

@@ -44,7 +44,7 @@ class LegalNotes(CustomerCase):
     def cents(self, text):
         return int(re.sub(r"\D", "", text))
 
-    def test_a_unit_price_stands_beside_the_price_on_page_list_and_showcase(self):
+    def test_a_unit_price_is_beside_the_price_on_page_list_and_showcase(self):
         number, address = self.an_offer()
         self.assertEqual(self.notes(address, "unitario"), [])
         shop().execute(f"INSERT INTO kv_unita VALUES ({number}, 0.25, 'kg')")

@@ -44,7 +44,13 @@ function kvContenuto(array $riga): ?array
     return $contenuto > 0 && isset($parole[$unita['misura'] ?? '']) ? [$contenuto, $parole[$unita['misura']]] : null;
 }
 
-/** The price of one unit: that of the piece as it is shown, by the content, rounded half up; empty without a content. */
+/** Smallest units by a content in ten-thousandths: the price of one unit, rounded half up. */
+function kvImportoUnitario(int $minimi, int $contenuto): int
+{
+    return intdiv($minimi * 20000 + $contenuto, $contenuto * 2);
+}
+
+/** The price of one unit: that of the piece as it is shown, by the content; empty without a content. */
 function kvPrezzoUnitario(array $riga): string
 {
     $contenuto = kvPrezziNascosti() ? null : kvContenuto($riga);
@@ -52,7 +58,7 @@ function kvPrezzoUnitario(array $riga): string
         return '';
     }
     $minimi = max(0, kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()));
-    return kvTestoMinimi(intdiv($minimi * 20000 + $contenuto[0], $contenuto[0] * 2)) . ' / ' . $contenuto[1];
+    return kvTestoMinimi(kvImportoUnitario($minimi, $contenuto[0])) . ' / ' . $contenuto[1];
 }
 
 /**

@@ -48,6 +48,7 @@ Result<> copyQuery(Database& catalogue, const char* query, const TableInfo& tabl
   if (!insert) return fail(insert.error());
   for (; more && *more; more = rows->step()) {
     std::vector<Value> values;  // bound texts must live until the row is written
+    values.reserve(table.columns.size());
     for (int column = 0; column < rows->columnCount(); ++column) values.push_back(rows->value(column));
     for (std::size_t i = 0; i < values.size(); ++i) insert->bind(static_cast<int>(i) + 1, values[i]);
     if (auto written = insert->execute(); !written) return written;

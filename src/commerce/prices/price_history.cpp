@@ -40,7 +40,7 @@ std::string builtQuery() {
          " ORDER BY o.ID";
 }
 
-/// The price asked, as the site's scripts compute it: an offer as it stands, else the list price by the factor of the
+/// The price asked, as the site's scripts compute it: an offer as it is, else the list price by the factor of the
 /// department. Nothing where neither is entered, or the amount is out of range.
 PriceState stateOf(Money list, Money asked, float factor) {
   PriceState state;

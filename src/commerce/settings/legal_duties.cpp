@@ -126,7 +126,7 @@ Result<> DutyReader::texts() {
   return {};
 }
 
-/// Directive 2000/31/EC, article 5, paragraph 1, letter c.
+/// Directive 2000/31/EC, article 5, paragraph 1, point (c).
 Result<> DutyReader::mail() {
   auto address = text("email");
   if (!address) return fail(address.error());

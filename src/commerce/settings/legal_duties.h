@@ -32,7 +32,7 @@ struct DutyTarget {
   std::string command;       ///< name of the command that opens the dialog
 };
 
-/// One duty and how this shop stands.
+/// One duty, and whether this shop meets it.
 struct LegalDuty {
   std::string title;
   DutyState state = DutyState::Met;

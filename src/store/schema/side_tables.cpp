@@ -1,6 +1,6 @@
 #include "store/schema/side_tables.h"
 
-#include "store/schema/column_family.h"
+#include "store/schema/schema_parts.h"
 
 namespace kv {
 
@@ -19,16 +19,6 @@ TableInfo keyed(const TableRule& rule) {
   key.unique = true;
   key.columns = {table.columns.front().name};
   table.indexes.push_back(std::move(key));
-  return table;
-}
-
-/// A table as it goes to the web server, where rows are looked up by `ID`.
-TableInfo sent(const TableRule& rule) {
-  TableInfo table = spreadTable(rule);
-  IndexInfo index;
-  index.name = "ix_" + table.name + "_ID";
-  index.columns = {"ID"};
-  table.indexes.push_back(std::move(index));
   return table;
 }
 
@@ -51,12 +41,12 @@ TableInfo makersTable() {
 TableInfo safetyTable() { return keyed({"sicurezza", {text("chiave", keyOfDepartment), number("produttore")}}); }
 
 TableInfo sentUnitTable() {
-  return sent({"kv_unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}});
+  return exported({"kv_unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}});
 }
-TableInfo sentMakersTable() { return sent({"kv_produttori", makerColumns()}); }
-TableInfo sentSafetyTable() { return sent({"kv_sicurezza", {number("ID"), number("produttore")}}); }
+TableInfo sentMakersTable() { return exported({"kv_produttori", makerColumns()}); }
+TableInfo sentSafetyTable() { return exported({"kv_sicurezza", {number("ID"), number("produttore")}}); }
 TableInfo sentLowestTable() {
-  return sent({"kv_minimi", {number("ID"), perListino(money("minimo")), perListino(smallNumber("giorni"))}});
+  return exported({"kv_minimi", {number("ID"), perListino(money("minimo")), perListino(smallNumber("giorni"))}});
 }
 
 }  // namespace kv
