@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "platform/files/files.h"
+#include "store/catalogue/side_fields.h"
 #include "store/schema/column_family.h"
 
 namespace kv {
@@ -124,7 +125,7 @@ Result<> addStates(Database& build, Database& history, double now) {
 
 }  // namespace
 
-std::string priceHistoryPath(const std::string& shopFolder) { return joinPath(shopFolder, "prezzi.mdb"); }
+std::string priceHistoryPath(const std::string& shopFolder) { return joinPath(shopFolder, priceHistoryFile); }
 
 Result<BuiltPriceReader> BuiltPriceReader::open(Database& build) {
   auto rows = build.prepare(builtQuery());

@@ -35,7 +35,7 @@ frmRequisiti::frmRequisiti(std::vector<LegalDuty> duties, HelpOpener help, QWidg
   connect(grdRequisiti_, &QTableWidget::cellActivated, this, &frmRequisiti::goThere);
   connect(cmdVai_, &QPushButton::clicked, this, &frmRequisiti::goThere);
   fill();
-  sizeInCharacters(84, 20);
+  sizeInCharacters(84, 28);
 }
 
 void frmRequisiti::fill() {

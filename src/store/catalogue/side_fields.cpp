@@ -96,6 +96,14 @@ Result<> writeSideField(Database& catalogue, SideField field, const std::string&
                  {Value(key)});
 }
 
+Result<> clearSideFields(Database& catalogue) {
+  for (const std::string_view table : {"unita", "sicurezza", "clipunita", "clipsicurezza"}) {
+    if (!hasSideTable(catalogue, table)) continue;
+    if (auto emptied = catalogue.execute("DELETE FROM " + std::string(table)); !emptied) return emptied;
+  }
+  return {};
+}
+
 std::vector<std::string> makerNames(Database& catalogue) {
   std::vector<std::string> names;
   if (!hasSideTable(catalogue, "produttori")) return names;

@@ -18,6 +18,9 @@ enum class SideField {
   Maker     ///< `produttore` of `sicurezza`: the number of a maker; read and written by its name
 };
 
+/// The file of a shop folder that holds what was published at which price, by the numbers of articles.
+inline constexpr std::string_view priceHistoryFile = "prezzi.mdb";
+
 /// Whether the catalogue has a table; a failure to look reads as none.
 bool hasSideTable(Database& catalogue, std::string_view table);
 
@@ -33,6 +36,10 @@ Result<> prepareSideField(Database& catalogue, SideField field);
 /// `produttori` doesn't have removes the choice. The table must be there (prepareSideField).
 /// Failures as Statement::execute.
 Result<> writeSideField(Database& catalogue, SideField field, const std::string& key, const Value& value);
+
+/// Removes what the tables have of articles and departments, for when other ones take their numbers; makers stay.
+/// Failures as Database::execute.
+Result<> clearSideFields(Database& catalogue);
 
 /// The names of the makers in alphabetical order; none while the shop has no such table.
 std::vector<std::string> makerNames(Database& catalogue);
