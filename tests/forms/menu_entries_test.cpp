@@ -71,6 +71,7 @@ TEST_F(Menus, TheFileMenuHasItsEntriesInOrder) {
                                                "Replica listino...",
                                                "-",
                                                "Tag personalizzati...",
+                                               "Requisiti di legge...",
                                                "-",
                                                "Scegli il template...",
                                                "Impostazioni costruzione...",
@@ -125,9 +126,9 @@ TEST_F(Menus, TheEditMenuIsTheOneOfTheTab) {
                                               "Elimina logo negozio > piccolo",
                                               "Modifica prezzi..."}));
   goTab(Tab::Site);
-  EXPECT_EQ(entries("Modifica"),
-            QStringList({"Annulla", "Ripeti", "Spese di spedizione...", "Sistemi di pagamento...",
-                         "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori..."}));
+  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Spese di spedizione...", "Sistemi di pagamento...",
+                                              "Testo e-mail di conferma...", "Impostazioni vetrina...",
+                                              "Campi obbligatori...", "Produttori..."}));
   goTab(Tab::Internet);
   EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Cartella FTP del negozio...",
                                               "Cartella FTP script CGI...", "Impostazioni avanzate..."}));
@@ -234,6 +235,8 @@ TEST_F(Menus, EveryDialogOfTheMenusIsAskedForByItsEntry) {
       {Tab::Site, "orderMail", &Port::orderMail},
       {Tab::Site, "showcase", &Port::showcase},
       {Tab::Site, "requiredFields", &Port::requiredFields},
+      {Tab::Site, "makers", &Port::makers},
+      {Tab::Departments, "legalDuties", &Port::legalDuties},
       {Tab::Internet, "connection.settings", &Port::connectionSettings},
       {Tab::Departments, "help.introduction", &Port::introduction},
       {Tab::Departments, "help.about", &Port::about}};

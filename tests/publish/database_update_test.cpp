@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "commerce/prices/price_history.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 #include "publish/update/sent_sql.h"
@@ -11,11 +12,29 @@
 #include "support/answering_host.h"
 #include "support/failing_files.h"
 #include "support/fixed_clock.h"
+#include "support/row_text.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {
 namespace {
+
+/// A build database with one article, for 12.50.
+const std::string& theBuild() {
+  static const std::string bytes = [] {
+    const TempFolder folder;
+    const std::string path = folder / "sql.mdb";
+    EXPECT_TRUE(createDatabase(path, buildDatabaseTables()));
+    {
+      auto build = Database::open(path, OpenMode::Scratch).value();
+      EXPECT_TRUE(
+          build.execute("INSERT INTO dettaglio (ID, catID) VALUES (7, 'cat001');"
+                        "INSERT INTO ordinamento (ID, implistino, importo) VALUES (7, 125000, 125000)"));
+    }
+    return readBytes(path).value();
+  }();
+  return bytes;
+}
 
 constexpr const char* refused = "accesso al database non autorizzato";
 
@@ -24,7 +43,7 @@ class DatabaseUpdate : public ::testing::Test {
   DatabaseUpdate() {
     EXPECT_TRUE(createFolders(shop + "/db"));
     EXPECT_TRUE(createFolders(shop + "/online"));
-    put("db/sql.mdb", "the build");
+    put("db/sql.mdb", theBuild());
     put("db/last.mdb", "the build before");
     languages(2);
   }
@@ -40,6 +59,10 @@ class DatabaseUpdate : public ::testing::Test {
     return {host, random, user, [this] { return user.yield(); }, [this](const std::string& text) { shown = text; }};
   }
   std::string run() { return updateDatabase(job, parts()); }
+  std::string published() const {
+    auto history = Database::open(priceHistoryPath(shop), OpenMode::ReadOnly).value();
+    return rows(history, "SELECT articolo, listino, CAST(dal AS INTEGER), netto, ridotto FROM prezzi");
+  }
   std::string logAdvice() const {
     return "Si sono verificati errori nell'aggiornamento del database:\nconsultare i file " + shop +
            "/db1.log ... db4.log per maggiori dettagli";
@@ -76,8 +99,29 @@ TEST_F(DatabaseUpdate, TheNumberOfLanguagesIsThatOfTheBuild) {
 
 TEST_F(DatabaseUpdate, EveryOkMakesTheBuildTheBaseOfTheNextDifference) {
   EXPECT_EQ(run(), "OK");
-  EXPECT_EQ(read("db/last.mdb"), "the build");
+  EXPECT_EQ(read("db/last.mdb"), theBuild());
   EXPECT_EQ(read("db/last.ini"), "ftp.a.it\r\nwww.a.it\r\nlocalhost\r\ndbn\r\n2\r\n");
+}
+
+TEST_F(DatabaseUpdate, AConfirmedLoadIsNotedAsPublished) {
+  UpdateParts dated = parts();
+  FixedClock clock(1.7e9);
+  dated.clock = &clock;
+  EXPECT_EQ(updateDatabase(job, dated), "OK");
+  EXPECT_EQ(published(), "7|0|1700000000|125000|0\n");
+}
+
+TEST_F(DatabaseUpdate, ALoadThatFailedOrWasCancelledIsNot) {
+  host.answers = {"OK", "Table is full"};
+  EXPECT_EQ(run(), logAdvice());
+  EXPECT_FALSE(fileExists(priceHistoryPath(shop)));
+}
+
+TEST_F(DatabaseUpdate, AHistoryThatCannotBeWrittenIsToldAndTheUpdateIsKept) {
+  put("prezzi.mdb", "no database");
+  EXPECT_EQ(run(), "OK");
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_NE(user.shown[0].text.find("i prezzi pubblicati non sono stati annotati"), std::string::npos);
 }
 
 TEST_F(DatabaseUpdate, AnOkFollowedByLineEndsAndTabsIsOne) {

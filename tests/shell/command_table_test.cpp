@@ -75,10 +75,11 @@ TEST_F(CommandTableTest, EveryNumberedCommandIsInAMenu) {
   for (const Command& command : table.rows()) EXPECT_TRUE(command.number < 0 || !command.menus.empty()) << command.name;
 }
 
-TEST_F(CommandTableTest, TheShopOfTheSiteHasItsFiveSettings) {
+TEST_F(CommandTableTest, TheShopOfTheSiteHasItsSixSettings) {
   EXPECT_THAT(entriesOf(Menu::EditSite),
               ::testing::ElementsAre("Annulla", "Ripeti", "-", "Spese di spedizione...", "Sistemi di pagamento...",
-                                     "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori..."));
+                                     "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori...",
+                                     "Produttori..."));
 }
 
 TEST_F(CommandTableTest, NoTwoEntriesOfAMenuShareAPosition) {

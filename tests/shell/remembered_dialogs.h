@@ -34,6 +34,8 @@ inline constexpr std::array plainDialogs{PlainDialog{"welcome", &WorkbenchDialog
                                          PlainDialog{"configurePayment", &WorkbenchDialogs::configurePayment},
                                          PlainDialog{"orderMail", &WorkbenchDialogs::orderMail},
                                          PlainDialog{"showcase", &WorkbenchDialogs::showcase},
+                                         PlainDialog{"makers", &WorkbenchDialogs::makers},
+                                         PlainDialog{"legalDuties", &WorkbenchDialogs::legalDuties},
                                          PlainDialog{"requiredFields", &WorkbenchDialogs::requiredFields},
                                          PlainDialog{"customTags", &WorkbenchDialogs::customTags},
                                          PlainDialog{"buildSettings", &WorkbenchDialogs::buildSettings},

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
+#include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_preview.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
@@ -124,6 +125,22 @@ TEST_F(ImportingPrimo, TheClipboardIsEmptied) {
   open();
   ASSERT_EQ(import(), -1);
   EXPECT_EQ(stored("SELECT (SELECT count(*) FROM cliparticoli) + (SELECT count(*) FROM clipcategorie)"), "0");
+}
+
+TEST_F(ImportingPrimo, WhatWasKeptBesideTheFormerArticlesGoes) {
+  open();
+  for (const SideField field : {SideField::Content, SideField::Maker}) {
+    ASSERT_TRUE(prepareSideField(session.catalogue, field));
+  }
+  ASSERT_TRUE(
+      session.catalogue.execute("INSERT INTO produttori (nome) VALUES ('Forno'); INSERT INTO sicurezza VALUES ('7', 1);"
+                                "INSERT INTO unita VALUES (7, 2500, 'kg')"));
+  write(joinPath(shop, priceHistoryFile), "x");
+  ASSERT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
+  EXPECT_EQ(stored("SELECT COUNT(*) FROM unita"), "0");
+  EXPECT_EQ(stored("SELECT COUNT(*) FROM sicurezza"), "0");
+  EXPECT_EQ(stored("SELECT nome FROM produttori"), "Forno");
+  EXPECT_FALSE(fileExists(joinPath(shop, priceHistoryFile)));
 }
 
 TEST_F(ImportingPrimo, VariantOneIsAddedWhenItIsMissing) {

@@ -7,6 +7,8 @@ shown (cents, or whole units in a shop without decimals). Rates and factors have
 import struct
 from fractions import Fraction
 
+from oracle_shops import PAST_DAYS
+
 MILLION = 1000000
 
 
@@ -90,6 +92,21 @@ class Rules:
         factor = self.factor(article.department, listino)
         price = article.prices[listino]
         return self.with_vat(price if factor == 1 else product(price, factor), article.department)
+
+    def unit_text(self, article, listino):
+        """The price of one unit of the content, from the price as it is shown; None without a content."""
+        if not article.content:
+            return None
+        content, measure = article.content
+        units = half_up(Fraction(self.shown(self.asked_price(article, listino)) * 10000, content))
+        return self.text(units) + " / " + {"pz": "pezzo"}.get(measure, measure)
+
+    def lowest_text(self, article, listino):
+        """The lowest price before a reduction in words; None without a reduction or an earlier price."""
+        if not article.past or self.asked_price(article, listino) >= self.list_price(article, listino):
+            return None
+        lowest = self.with_vat(min(article.past[listino]), article.department)
+        return f"Prezzo più basso nei {PAST_DAYS} giorni prima della riduzione: {self.text(self.shown(lowest))}"
 
     def is_reduced(self, article, listino):
         return self.on_offer(article, listino) or self.factor(article.department, listino) != 1

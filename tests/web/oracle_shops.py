@@ -1,6 +1,8 @@
 """Small random shops and visitors, the same ones in each run: `make_shop` draws a shop, `fill` writes it into a fresh
 catalogue, `make_cases` draws its visitors with their carts."""
 import random
+import sqlite3
+import time
 from dataclasses import dataclass, field
 from fractions import Fraction
 
@@ -9,6 +11,8 @@ ZONES = range(1, 9)
 SHOPS, CASES = 10, 50
 MODULES = ("Contrassegno", "Pagamento anticipato", "Contrassegno", "Pagamento anticipato")
 VAT = (0, 4, 5, 5.5, 8.1, 10, 20, 22)
+MEASURES = ("kg", "l", "m", "pz")
+PAST_DAYS = 20  # between the first published price and today
 PERCENT = (0, 2.5, 5, 10, 12.5, 15.75, 20, 33.33, 50)
 
 
@@ -40,6 +44,8 @@ class Article:
     quantities: tuple
     percents: tuple
     variants: list  # by listino: four numbers of variants, 0 for none
+    content: tuple = None  # ten-thousandths and measure, None: no unit price
+    past: list = None  # by listino: the two prices of the twenty days before today, none for a new article
 
 
 @dataclass
@@ -173,7 +179,19 @@ def make_shop(number):
         shop.departments.append(department)
         for position in range(1, 11):
             shop.articles.append(make_article(draw, len(shop.articles) + 1, department, position, shop.variants))
+    draw_past(shop)
     return shop
+
+
+def draw_past(shop):
+    """Contents and published prices, drawn apart from all else so that shops and visitors stay the same."""
+    draw = random.Random(31 + shop.number)
+    for article in shop.articles:
+        if draw.random() < .5:
+            article.content = (draw.choice((1, 500, 2500, 7500, 10000, 33333, draw.randrange(1, 200000))),
+                               draw.choice(MEASURES))
+        if draw.random() < .7:
+            article.past = [(price(draw), price(draw)) for _ in LISTINI]
 
 
 def make_line(draw, shop, article, listino):
@@ -269,7 +287,31 @@ def fill_goods(catalogue, shop):
             **by_listino("scq", article.quantity_discount), **variants})
 
 
+def fill_units(catalogue, shop):
+    catalogue.execute("CREATE TABLE unita (ID INTEGER PRIMARY KEY, contenuto MONEY_INTEGER, misura TEXT(2))")
+    for article in shop.articles:
+        if article.content:
+            insert(catalogue, "unita", {"ID": article.id, "contenuto": article.content[0], "misura": article.content[1]})
+
+
+def fill_history(folder, shop):
+    """What the shop has asked since twenty days, with one change on the way and no reduction."""
+    history = sqlite3.connect(folder / "prezzi.mdb")
+    with history:
+        history.execute("CREATE TABLE prezzi (articolo INTEGER, listino SMALLINT, dal DOUBLE, netto MONEY_INTEGER,"
+                        " ridotto BOOLEAN)")
+        for article in shop.articles:
+            for listino, asked in enumerate(article.past or []):
+                for days, amount in zip((PAST_DAYS, PAST_DAYS / 2), asked):
+                    # An hour less than whole days: the build comes later.
+                    since = time.time() - days * 86400 + 3600
+                    insert(history, "prezzi", {"articolo": article.id, "listino": listino, "dal": since,
+                                               "netto": amount, "ridotto": 0})
+    history.close()
+
+
 def fill(catalogue, shop):
     fill_settings(catalogue, shop)
     fill_zones(catalogue, shop)
     fill_goods(catalogue, shop)
+    fill_units(catalogue, shop)

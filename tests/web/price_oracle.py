@@ -17,7 +17,7 @@ import threading
 from fractions import Fraction
 
 from oracle_prices import Rules
-from oracle_shops import CASES, SHOPS, fill, make_cases, make_shop
+from oracle_shops import CASES, SHOPS, fill, fill_history, make_cases, make_shop
 from served_shop import PATIENCE, SHOPPER, ServedShop, Visitor
 from mysql_wire import Connection  # found by the path that served_shop adds
 
@@ -79,6 +79,7 @@ class Street:
                 catalogue.execute("UPDATE generale SET cartella = ?, siteonline = ?, db_dbname = ?",
                                   (self.name(shop), str(self.online(shop)), self.name(shop)))
         catalogue.close()
+        fill_history(self.folders[shop.number], shop)
         self.served.run(self.served.program, "build", self.folders[shop.number])
         self.served.run(self.served.program, "export-sql", self.folders[shop.number])
         (self.online(shop) / "kvlimiti.php").write_text(PATIENCE)
@@ -212,6 +213,10 @@ class Counter:
         second = re.search(r'class="nota(?: \w+)?">(USD[^<]*)<', part)
         wanted = self.rules.second_text(Fraction(asked, 10000)) if self.shop.second else None
         self.expect(case, "the second currency", second and second.group(1), wanted)
+        for kind, wanted in (("unitario", self.rules.unit_text(article, case.listino)),
+                             ("minimo", self.rules.lowest_text(article, case.listino))):
+            note = re.search(rf'class="nota {kind}">([^<]*)<', part)
+            self.expect(case, f"the note {kind}", html.unescape(note.group(1)) if note and note.group(1) else None, wanted)
 
     def compare_cart(self, case, seen):
         pieces = [self.rules.piece(line, case.listino) for line in case.lines]

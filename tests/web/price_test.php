@@ -27,6 +27,12 @@ function with(array $settings, callable $test)
     return $test();
 }
 
+/** Runs a test with rows of the tables that only some shops have; the article's number is 5. */
+function lawful(array $tables, callable $test)
+{
+    return with(['kvLegge' => array_map(fn($row) => [5 => $row], $tables) + $GLOBALS['kvLegge']], $test);
+}
+
 $view = function (string $name, array $row) {
     $GLOBALS['rowArt'] = $row;
     return ViewArt($name);
@@ -76,6 +82,34 @@ runTests([
         . "onMouseOver=\"window.status=''; return true", with(['regpr' => 1], fn() => $view('java_acquista', article()))],
     'AnUnknownTagOfAnArticleIsEmpty' => fn() => ['', $view('nonesiste', article())],
     'ATagOutsideAnyArticleIsEmpty' => fn() => ['', with(['rowArt' => false], fn() => ViewArt('titolo'))],
+    'AUnitPriceIsThePriceShownByTheContent' => fn() => [['EUR 488,00 / kg', 'EUR 162,67 / l', 'EUR 24,40 / pezzo'],
+        array_map(fn($unit) => lawful(['kv_unita' => ['contenuto' => $unit[0], 'misura' => $unit[1]]],
+            fn() => $view('unitario', article())), [['0.2500', 'kg'], ['0.7500', 'l'], ['5.0000', 'pz']])],
+    'AnOfferHasItsOwnUnitPrice' => fn() => ['EUR 97,60 / m', lawful(['kv_unita' => ['contenuto' => '1.0000', 'misura' => 'm']],
+        fn() => $view('unitario', article(80)))],
+    'AnArticleWithoutContentOrOfAnUnknownMeasureHasNoUnitPrice' => fn() => [['', '', ''], array_map(
+        fn($row) => lawful(['kv_unita' => $row], fn() => $view('unitario', article())),
+        [[], ['contenuto' => null, 'misura' => 'kg'], ['contenuto' => '1.0000', 'misura' => 'oz']])],
+    'AReducedPriceComesWithTheLowestBefore' => fn() => ['Prezzo più basso nei 30 giorni prima della riduzione: EUR 109,80',
+        kvUtf8(lawful(['kv_minimi' => ['minimo' => '90.0000', 'giorni' => '30', 'minimo1' => null]],
+            fn() => $view('minimo', article(80))))],
+    'TheOfferMarkEndsWithTheLowestPriceBefore' => fn() => ['EUR 109,80</span>', substr(lawful(
+        ['kv_minimi' => ['minimo' => '90.0000', 'giorni' => '30']], fn() => $view('offerta', article(80))), -17)],
+    'APriceThatIsNotReducedHasNoLowestBefore' => fn() => [['', '', ''], array_map(fn($offer) => lawful(
+        ['kv_minimi' => ['minimo' => '90.0000', 'giorni' => '30']], fn() => $view('minimo', article($offer))), [null, 100.0, 120.0])],
+    'AListWithoutAnEarlierPriceTellsNone' => fn() => ['', with(['listino' => 1, 'scontorep' => array_fill(0, 10, 0.5)],
+        fn() => lawful(['kv_minimi' => ['minimo' => '90.0000', 'giorni' => '30', 'minimo1' => null]],
+            fn() => $view('minimo', article())))],
+    'HiddenPricesHideWhatIsComputedFromThem' => fn() => [['', ''], with(['regpr' => 1], fn() => lawful(
+        ['kv_unita' => ['contenuto' => '1.0000', 'misura' => 'kg'], 'kv_minimi' => ['minimo' => '90', 'giorni' => '30']],
+        fn() => [$view('unitario', article()), $view('minimo', article(80))]))],
+    'MakerAndPersonResponsibleAreTold' => fn() => ['<details class="sicurezza"><summary>Sicurezza del prodotto</summary><dl>'
+        . '<dt>Produttore</dt><dd>Forno &lt;Due&gt;<br>Via Po 1<br><a href="mailto:a@b.it">a@b.it</a></dd>'
+        . '<dt>Responsabile nell&#039;Unione europea</dt><dd>Ada<br><a href="https://b.it/x" rel="noopener">https://b.it/x</a></dd>'
+        . '</dl></details>', with(['kvLegge' => ['kv_sicurezza' => [5 => ['produttore' => '2']], 'kv_produttori' => [2 => [
+            'nome' => 'Forno <Due>', 'indirizzo' => 'Via Po 1', 'contatto' => 'a@b.it', 'responsabile' => 'Ada',
+            'resp_indirizzo' => null, 'resp_contatto' => 'https://b.it/x']]]], fn() => $view('sicurezza', article()))],
+    'AnArticleWithoutMakerTellsNone' => fn() => ['', $view('sicurezza', article())],
     'QuantityStepsComeByRisingQuantity' => fn() => [[[3, 900000], [10, 800000]], kvScaglioni(article(), 0)],
     'AListinoWithoutQuantityDiscountHasNoSteps' => fn() => [[], kvScaglioni(article(), 1)],
     'QuantityStepsAreToldInWords' => fn() =>

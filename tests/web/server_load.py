@@ -52,6 +52,15 @@ class Loads(Case):
         self.assertEqual(self.leftovers(), [])
         (shop().home / "log/php.log").write_text("")
 
+    def test_a_full_load_takes_away_a_table_that_is_no_longer_sent(self):
+        shop().execute("CREATE TABLE kv_unita (ID INT)", "CREATE TABLE kv_propria (ID INT)")
+        self.assertEqual(self.load("DELETE FROM articoli WHERE ID IN ('1');\r\n", self.row(1)), "OK")
+        self.assertEqual(shop().rows("SHOW TABLES LIKE 'kv_unita'"), [["kv_unita"]])
+        self.assertEqual(self.load(None, None), "OK")
+        self.assertEqual(shop().rows("SHOW TABLES LIKE 'kv_unita'"), [])
+        self.assertEqual(shop().rows("SHOW TABLES LIKE 'kv_propria'"), [["kv_propria"]])
+        shop().execute("DROP TABLE kv_propria")
+
     def test_whatever_statement_fails_the_former_catalogue_stays(self):
         before = shop().rows("SELECT COUNT(*), SUM(LENGTH(descrizione)) FROM articoli") + shop().rows("CHECKSUM TABLE dettaglio")
         text = self.full["db.sql"].decode("cp1252")

@@ -5,6 +5,7 @@ import re
 
 from at_home_cases import AtHome  # noqa: F401  (found by unittest)
 from law_page_cases import LawfulPages, enter_identity  # noqa: F401
+from law_price_cases import LegalNotes  # noqa: F401  (its tests run on this file's shop)
 from served_shop import SHOPPER
 from shop_case import CustomerCase, article, cart_cookie, main, order, shop
 

@@ -129,11 +129,14 @@ cases.forEach(function (c, number) {
   const context = browserContext(c);
   const browser = context.totali(c.lines, c.method, c.zone);
   browser.testo = context.Formato(browser.totale, context.PutDec === 1 ? 100 : 1);
+  const first = c.lines[0];
+  browser.unitario = context.TestoUnitario(first.p, first.w + 1, "kg");
+  const unit = context.valuta + context.Formato(Number(rounded(BigInt(first.p) * 10000n, BigInt(first.w + 1))), context.PutDec === 1 ? 100 : 1) + " / kg";
   const there = Object.assign({}, server[number], { testo: server[number].testo.replace(/^EUR /, "") });
   const big = exact(c, context);
-  const names = ["merce", "sconto", "iva", "spese", "ivaspese", "totale", "ammesso", "testo"];
+  const names = ["merce", "sconto", "iva", "spese", "ivaspese", "totale", "ammesso", "testo", "unitario"];
   const differing = names.filter(function (name) { return browser[name] !== there[name]; });
-  if (differing.length > 0 || String(there.totale) !== big) {
+  if (differing.length > 0 || String(there.totale) !== big || unit !== there.unitario) {
     failed++;
     if (failed < 4) {
       console.log("case " + number + " differs in " + differing + "; exact total " + big + "\n", browser, there);

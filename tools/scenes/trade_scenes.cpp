@@ -55,6 +55,8 @@ void takeListCopy(Stage& stage, const QString& name) { takeEntry(stage, "prices.
 void takeMail(Stage& stage, const QString& name) { takeEntry(stage, "orderMail", name); }
 void takeShowcase(Stage& stage, const QString& name) { takeEntry(stage, "showcase", name); }
 void takeRequired(Stage& stage, const QString& name) { takeEntry(stage, "requiredFields", name); }
+void takeDuties(Stage& stage, const QString& name) { takeEntry(stage, "legalDuties", name); }
+void takeMakers(Stage& stage, const QString& name) { takeEntry(stage, "makers", name); }
 void takePrivacy(Stage& stage, const QString& name) { takeEntry(stage, "privacyPolicy", name); }
 void takeBuildSettings(Stage& stage, const QString& name) { takeEntry(stage, "build.settings", name); }
 
@@ -175,6 +177,8 @@ std::span<const Scene> tradeScenes() {
                                      Scene{"email", takeMail},
                                      Scene{"vetrina", takeShowcase},
                                      Scene{"obbligatori", takeRequired},
+                                     Scene{"requisiti", takeDuties},
+                                     Scene{"produttori", takeMakers},
                                      Scene{"p3p", takePrivacy},
                                      Scene{"impostazioni-costruzione", takeBuildSettings},
                                      Scene{"immagine", takePicture},

@@ -4,8 +4,10 @@
 // stands in the global $rowArt. Texts that depend on the visitor (prices, marks, the buy link, variants) are made here,
 // all others are columns of the row. Besides the columns a template may name: prezzo_barrato (the list price, only
 // where a lower one is asked), opzioni (all variant selectors), scaglioni (the quantity discounts in words), correlati
-// (links to the articles of the same group).
+// (links to the articles of the same group), unitario (the price of a unit), minimo (the lowest price before a
+// reduction), sicurezza (maker and person responsible).
 include_once "kvhtml.php";
+include_once "kvlegge.php";
 
 function ViewArt(string $nome): string
 {
@@ -35,6 +37,12 @@ function ViewArt(string $nome): string
             return kvTestoScaglioni($riga);
         case 'correlati':
             return kvCorrelati($riga);
+        case 'unitario':
+            return kvPrezzoUnitario($riga);
+        case 'minimo':
+            return kvPrezzoMinimo($riga);
+        case 'sicurezza':
+            return kvSicurezza($riga);
         case 'iva':
             return kvPrezziNascosti() ? '' : (string) ($riga['iva'] ?? '');
         case 'immagine1':
@@ -114,8 +122,16 @@ function kvVistaPrezzo(string $nome, array $riga): string
     }
 }
 
-/** The offer mark and the discount percent of the current row. */
+/** The offer mark, the discount percent and the lowest price before the reduction of the current row. */
 function ViewOfferta(): string
+{
+    global $rowArt;
+    $minimo = is_array($rowArt) ? kvPrezzoMinimo($rowArt) : '';
+    return kvSegnoOfferta() . ($minimo === '' ? '' : ' <span class="minimo">' . $minimo . '</span>');
+}
+
+/** The offer mark and the discount percent of the current row. */
+function kvSegnoOfferta(): string
 {
     global $rowArt, $visofferta, $vissconto, $notazione;
     if (!is_array($rowArt) || kvPrezziNascosti()) {

@@ -92,7 +92,7 @@ function kvFotoVetrina(string $file, string $larghezza, string $altezza): string
 function kvSegni(array $riga): string
 {
     $segni = empty($riga['novita']) ? '' : '<span class="bollo">' . kvHtml("<<4-novita>>") . '</span>';
-    return kvBolli(ViewOfferta()) . $segni;
+    return kvBolli(kvSegnoOfferta()) . $segni;
 }
 
 /** The marks of the build in words instead of pictures. */
@@ -113,14 +113,19 @@ function kvPrezzo(): string
         $testo = ViewArt($nota);
         $html .= $testo === '' ? '' : ' <span class="nota ' . $nota . '">' . kvPulito($testo) . '</span>';
     }
-    return $html . ' ' . kvNotaPrezzo();
+    return $html . ' ' . kvNotaPrezzo() . kvNotePrezzo($GLOBALS['rowArt']);
 }
 
 /** What the browser needs to show the price of the chosen values and pieces; nothing where prices are hidden. */
 function kvDatiPrezzo(array $riga): string
 {
-    return kvPrezziNascosti() ? '' : '<span class="kv-prezzo" hidden data-prezzo="'
-        . kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) . '" data-passi="'
+    if (kvPrezziNascosti()) {
+        return '';
+    }
+    $contenuto = kvContenuto($riga);
+    return '<span class="kv-prezzo" hidden data-prezzo="'
+        . kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala())
+        . ($contenuto === null ? '' : '" data-contenuto="' . $contenuto[0] . '" data-misura="' . $contenuto[1]) . '" data-passi="'
         . kvHtml((string) json_encode(kvScaglioni($riga, (int) $GLOBALS['listino']))) . '"></span>';
 }
 

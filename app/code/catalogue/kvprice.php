@@ -250,7 +250,9 @@ function ArtPrice($id): string
     if ($riga === null) {
         return '';
     }
-    return kvPrezziNascosti() ? kvHtml("<<4-prezzo_riservato>>") : kvTestoImporto(kvPrezziVisitatore($riga)['prezzo']);
+    // A showcase whose cells call VetOfferta has the lowest price in its mark.
+    return kvPrezziNascosti() ? kvHtml("<<4-prezzo_riservato>>")
+        : kvTestoImporto(kvPrezziVisitatore($riga)['prezzo']) . kvNotePrezzo($riga, !function_exists('VetOfferta'));
 }
 
 /** The price of an article of the showcase in the second currency. */

@@ -161,11 +161,17 @@ function NomePaese(voce) {
   return voce.dataset.paese || voce.text;
 }
 
+/** Smallest units by the content of a piece, in ten-thousandths of its measure: the price of one unit. */
+function TestoUnitario(importo, contenuto, misura) {
+  return valuta + Formato(Math.floor((importo * 20000 + contenuto) / (contenuto * 2)), scala) + " / " + misura;
+}
+
 /** Shows the price of one piece of an article as chosen: with the values of its variants and the pieces typed. */
 function SeguiPrezzo(dati) {
   const articolo = dati.closest("article");
   const prezzo = articolo.querySelector("strong.prezzo");
   const cambio = articolo.querySelector(".cambio");
+  const unitario = articolo.querySelector(".unitario");
   const campo = articolo.querySelector("input[name^=qt]");
   const scelte = Array.from(articolo.querySelectorAll("select[name^=op]"));
   const aggiorna = function () {
@@ -177,6 +183,9 @@ function SeguiPrezzo(dati) {
     prezzo.textContent = valuta + Formato(importo, scala);
     if (cambio && SecVal === 1) {
       cambio.textContent = TestoCambio(importo);
+    }
+    if (unitario && dati.dataset.contenuto) {
+      unitario.textContent = TestoUnitario(importo, Number(dati.dataset.contenuto), dati.dataset.misura);
     }
   };
   if (prezzo && (scelte.length > 0 || dati.dataset.passi !== "[]")) {

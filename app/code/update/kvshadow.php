@@ -8,6 +8,8 @@ include_once "kvindex.php";
 /** What the names of tables being filled, and of those being taken away, begin with. */
 const KV_NUOVA = 'kvn_';
 const KV_VECCHIA = 'kvo_';
+/** Tables of the catalogue that are sent only while they hold a row; a full load without one takes it away. */
+const KV_TALVOLTA = ['kv_unita', 'kv_minimi', 'kv_sicurezza', 'kv_produttori'];
 
 /** The state of a load: the tables to be dropped, those made anew, the numbers of changed articles. */
 final class KvCarico
@@ -125,6 +127,7 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     $guasto = $guasto === '' ? kvIndicizza($carico) : $guasto;
     $guasto = $guasto === '' ? kvSegnaCarico() : $guasto;
     $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
+    $carico->via = array_merge($carico->via, in_array('articoli', $carico->nuove, true) ? KV_TALVOLTA : []);
     $guasto = $guasto === '' ? kvScambia($carico) : $guasto;
     if ($guasto === '' && $carico->nuove !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.

@@ -69,6 +69,11 @@ class BuildOutput {
   /// Database::prepare.
   Result<Statement> insertInto(std::string_view table, const std::vector<std::string>& columns);
 
+  /// Adds a table that only some shops have to the build database. Failures as Database::createTable.
+  Result<> addTable(const TableInfo& table) { return tables_.addTable(table); }
+  /// The build database, for a phase that reads what was written so far.
+  Database& writtenRows() { return tables_.written(); }
+
   /// Tells the user of something that the site goes without; the build goes on.
   void warn(const std::string& message) { user_.message(message, Icon::Exclamation); }
   /// Tests whether the output folders can be written. Failures as kv::probeFolders.

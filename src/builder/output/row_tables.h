@@ -28,6 +28,10 @@ class RowTables {
   Result<> startLanguage(std::string_view lingua);
   /// The statement that appends rows to a table: one parameter per column, in the order given.
   Result<Statement> insertInto(std::string_view table, const std::vector<std::string>& columns);
+  /// Adds a table that only some shops have. Failures as Database::createTable.
+  Result<> addTable(const TableInfo& table) { return build_.createTable(table); }
+  /// Hands the database to a reader of what was written so far.
+  Database& written() { return build_; }
   /// Appends the articles of a sub-page, with the code around each cell of a grid of `affiancati` columns. The tables
   /// that all languages share get them in the first language alone. Failures as Statement::execute.
   Result<> writeArticles(const PageIdentity& page, int affiancati, const DerivedRows& rows);

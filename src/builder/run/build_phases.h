@@ -64,6 +64,11 @@ Result<> makeShopPages(const PageFacts& facts, const ArticleLists& lists, BuildO
 /// Makes the scripts of a language, those of the back office among them, and copies its resources.
 Result<> makeScriptsAndResources(const PageFacts& facts, BuildOutput& output, const BuildProgress& progress);
 
+/// Adds the tables that only some shops have: contents for unit prices, makers, and the lowest prices before reductions
+/// as the history of published prices tells them at `now`, seconds since 1970. A table without a row is not made. A
+/// history that can't be read is told, and the shop goes without those prices.
+Result<> copySideTables(Database& catalogue, const ShopFacts& shop, double now, BuildOutput& output);
+
 /// Copies what all languages share (the pictures of articles and the flags), closes the output and removes the pools.
 Result<> finishBuild(const ShopFacts& shop, BuildOutput& output, BuildProgress& progress);
 

@@ -23,6 +23,7 @@ Result<> runPhases(Session& session, Environment& env, const BuildParts& parts, 
     const LanguageInputs inputs{session.catalogue, *shop, *survey, parts, number};
     if (auto made = makeLanguage(inputs, shipping, output, progress); !made) return made;
   }
+  if (auto copied = copySideTables(session.catalogue, *shop, env.clock.now(), output); !copied) return copied;
   return finishBuild(*shop, output, progress);
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "commerce/prices/price_history.h"
 #include "platform/files/files.h"
 #include "platform/ports/failure_text.h"
 #include "platform/text/public_address.h"
@@ -107,6 +108,17 @@ void rememberUpdate(const UpdateJob& job, double languages) {
   ignore(forgetLastRun(job.shopFolder), "there is none after a failed keeping");
 }
 
+/// Notes what the host has just confirmed to show: the lowest prices before later reductions are found in it.
+void rememberPrices(const UpdateJob& job, const UpdateParts& parts) {
+  const auto noted = recordPublishedPrices(job.shopFolder, parts.clock->now());
+  if (noted) return;
+  parts.user.message(
+      failureText(noted.error(), "prezzi.mdb") +
+          "\n\nIl negozio è aggiornato, ma i prezzi pubblicati non sono stati annotati: il prezzo più basso degli "
+          "ultimi 30 giorni accanto a una riduzione potrebbe non essere esatto.",
+      Icon::Exclamation);
+}
+
 std::string failureTag(const UpdateJob& job, const std::string& answers) {
   const std::string text = fromWindows1252(answers);
   if (startsWithIgnoringCase(trim(text), notAuthorised)) return replaceAll(text, "\r\n", "\n");
@@ -162,6 +174,7 @@ std::string updateDatabase(const UpdateJob& job, const UpdateParts& parts) {
   if (!answers) return {};
   if (!answers->empty()) return failureTag(job, *answers);
   rememberUpdate(job, languages);
+  rememberPrices(job, parts);
   warnOfExposedSql(job, parts);
   return std::string(confirmed);
 }

@@ -34,6 +34,8 @@ struct UpdateParts {
   std::function<bool()> yield;
   /// Shows the text of all answers so far, lines separated by "\n". May be empty.
   std::function<void(const std::string& answers)> show;
+  /// Tells when a load was confirmed, for the history of published prices. Outlives the update.
+  Clock* clock = &systemClock();
 };
 
 /// The script of a language, 1 to 4: "updatedb.php", "updatedb_l2.php".

@@ -46,11 +46,15 @@ void frmUpdate::start() {
   if (started_ || cancelled_ || !isVisible()) return;
   started_ = running_ = true;
   picBusy_->setBusy(true);
-  const UpdateParts parts{http_, env_.random, env_.user, [this] { return processEvents(); },
+  const UpdateParts parts{http_,
+                          env_.random,
+                          env_.user,
+                          [this] { return processEvents(); },
                           [this](const std::string& answers) {
                             txtRisposta_->setPlainText(toQt(answers));
                             txtRisposta_->moveCursor(QTextCursor::End);
-                          }};
+                          },
+                          &env_.clock};
   const std::string tag = updateDatabase(job_, parts);
   running_ = false;
   picBusy_->setBusy(false);

@@ -20,6 +20,7 @@
 #include "shell/dialogs/frm_welcome.h"
 #include "shell/program/frm_accounting_dialogs.h"
 #include "shell/program/frm_commerce_dialogs.h"
+#include "shell/program/frm_law_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
 #include "shell/sheet/frm_foglio.h"
@@ -175,6 +176,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireAccounting(window, session, env);
   wireCommerceDialogs(window, session, env);
   wirePublishing(window, session, env);
+  wireLaw(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);
   env.hooks.frmTemplate = [&](const std::string& current) {
     const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };

@@ -34,7 +34,7 @@ void PublishSetup::exportSql(UserPort& user) {
 std::string PublishSetup::updateDatabase(UserPort& user, HttpClient& http, const std::function<bool()>& yield) const {
   const auto update = updateJobOf(*session_);
   if (!update) return failureText(update.error());
-  return kv::updateDatabase(*update, {http, env_->random, user, yield, {}});
+  return kv::updateDatabase(*update, {http, env_->random, user, yield, {}, &env_->clock});
 }
 
 bool isBuilt(const std::string& shopFolder, UserPort& user) {

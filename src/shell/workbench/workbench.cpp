@@ -12,6 +12,7 @@
 #include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/fields/related_words.h"
 #include "shell/workbench/fields/row_picture.h"
+#include "shell/workbench/fields/side_editors.h"
 #include "shell/workbench/fields/vat_price.h"
 #include "store/shop/backup_copies.h"
 #include "store/shop/load_shop.h"
@@ -290,6 +291,7 @@ bool Workbench::isEditorEnabled(const Editor& editor) {
 std::vector<std::string> Workbench::choicesOf(const Editor& editor) {
   if (editor.source == ChoiceSource::Models) return session_.models;
   if (editor.source == ChoiceSource::RelatedWords) return relatedWords(sets_);
+  if (editor.source == ChoiceSource::Makers) return makerChoices(sets_);
   std::vector<std::string> choices;
   for (std::string_view rest = editor.choices; !rest.empty();) {
     const std::size_t end = rest.find('|');

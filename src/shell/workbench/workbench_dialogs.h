@@ -56,6 +56,8 @@ struct WorkbenchDialogs {
   Dialog configurePayment;  ///< frmConfiguraPG: the payment systems on offer
   Dialog orderMail;         ///< frmEmail: text of the confirmation
   Dialog showcase;          ///< frmVetrina: articles of the first page
+  Dialog makers;            ///< frmProduttori: who made the articles
+  Dialog legalDuties;       ///< frmRequisiti: what the law asks. True when a field was gone to
   Dialog requiredFields;    ///< frmObbligatori: what a visitor must fill in
   Dialog privacyPolicy;     ///< frmP3P: the compact privacy policy
   Dialog customTags;        ///< frmTags: tags of the merchant's own

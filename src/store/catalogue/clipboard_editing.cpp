@@ -6,6 +6,7 @@
 #include "platform/database/recordset.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
+#include "store/catalogue/side_fields.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
 #include "store/shop/order_numbers.h"
@@ -45,6 +46,30 @@ OrderedList roomFor(OrderedList list, std::optional<std::size_t> current, std::s
   return list;
 }
 
+constexpr const char* clipboardRows = "SELECT rowid, 0 FROM cliparticoli WHERE ? = 0 ORDER BY rowid";
+
+/// The articles of a condition with the rows of the clipboard that they have just become.
+Result<std::vector<CopiedRow>> clippedRows(Database& catalogue, const std::string& condition, const Value& value) {
+  auto articles =
+      readOrder(catalogue, "SELECT ID, 0 FROM articoli WHERE " + condition + " ORDER BY ordinamento, ID", value);
+  if (!articles) return fail(articles.error());
+  auto clipped = readOrder(catalogue, clipboardRows, Value(0));
+  if (!clipped) return fail(clipped.error());
+  std::vector<CopiedRow> copies;
+  for (std::size_t i = 0; i < std::min(articles->keys.size(), clipped->keys.size()); ++i) {
+    copies.push_back({articles->keys[i], clipped->keys[i]});
+  }
+  return copies;
+}
+
+/// Runs a statement that inserts one row; the number of the row.
+Result<std::int64_t> insertedRow(Database& catalogue, Statement& insert) {
+  if (auto done = insert.execute(); !done) return fail(done.error());
+  auto number = catalogue.scalar("SELECT last_insert_rowid()");
+  if (!number) return fail(number.error());
+  return asInteger(*number);
+}
+
 }  // namespace
 
 Result<> TreeEditing::copyArticles(const std::string& condition, const Value& value) {
@@ -52,10 +77,13 @@ Result<> TreeEditing::copyArticles(const std::string& condition, const Value& va
   auto names = carriedColumns(catalogue, "articoli");
   if (!names) return fail(names.error());
   if (auto emptied = catalogue.execute("DELETE FROM cliparticoli"); !emptied) return emptied;
-  return runWith(catalogue,
-                 "INSERT INTO cliparticoli (" + *names + ") SELECT " + *names + " FROM articoli WHERE " + condition +
-                     " ORDER BY ordinamento, ID",
-                 {value});
+  auto copied = runWith(catalogue,
+                        "INSERT INTO cliparticoli (" + *names + ") SELECT " + *names + " FROM articoli WHERE " +
+                            condition + " ORDER BY ordinamento, ID",
+                        {value});
+  if (!copied) return copied;
+  auto copies = clippedRows(catalogue, condition, value);
+  return copies ? copySideRowsToClipboard(catalogue, *copies) : fail(copies.error());
 }
 
 Result<> TreeEditing::CopiaArticolo() {
@@ -120,7 +148,7 @@ Result<> TreeEditing::fill(std::string_view table, std::string_view clipboard, s
 /// such; the ID of the last one.
 Result<std::int64_t> TreeEditing::pasteArticles(const CatalogueCursors& at) {
   Database& catalogue = sets_.session().catalogue;
-  auto clipped = readOrder(catalogue, "SELECT rowid, 0 FROM cliparticoli WHERE ? = 0 ORDER BY rowid", Value(0));
+  auto clipped = readOrder(catalogue, clipboardRows, Value(0));
   if (!clipped) return fail(clipped.error());
   return insertCopies(at, "cliparticoli", clipped->keys);
 }
@@ -140,22 +168,25 @@ Result<std::int64_t> TreeEditing::insertCopies(const CatalogueCursors& at, const
   if (!insert) return fail(insert.error());
   insert->bind(1, at.department);
   OrderWriter orders(catalogue, writeArticleOrder);
+  std::vector<CopiedRow> copies;
   std::size_t old = 0;
-  std::size_t fresh = 0;
   for (std::size_t i = 0; i < wanted.keys.size(); ++i) {
     Result<> done;
     if (wanted.keys[i] == 0) {
       insert->bind(2, wanted.orders[i]);
-      insert->bind(3, rows[fresh++]);
-      done = insert->execute();
+      insert->bind(3, rows[copies.size()]);
+      auto made = insertedRow(catalogue, *insert);
+      if (!made) return made;
+      copies.push_back({rows[copies.size()], *made});
     } else if (wanted.orders[i] != oldOrders[old++]) {
       done = orders.write(wanted.keys[i], wanted.orders[i]);
     }
     if (!done) return fail(done.error());
   }
-  auto last = catalogue.scalar("SELECT last_insert_rowid()");
-  if (!last) return fail(last.error());
-  return asInteger(*last);
+  const bool clipped = source == "cliparticoli";
+  auto sides = clipped ? copySideRowsFromClipboard(catalogue, copies) : copySideRows(catalogue, copies);
+  if (!sides) return fail(sides.error());
+  return copies.empty() ? 0 : copies.back().to;
 }
 
 /// Whether the articles of the clipboard are to be pasted: there are some, and of several the merchant says so.

@@ -9,8 +9,7 @@ namespace {
 // The clipboard is no matter of the history, nor are the copies a dialog keeps aside; and a serial number once given
 // is not given again, whatever is undone.
 bool isWatched(std::string_view table) {
-  return !equalsIgnoringCase(table, "cliparticoli") && !equalsIgnoringCase(table, "clipcategorie") &&
-         !startsWithIgnoringCase(table, "sqlite_") && !isWorkingCopy(table);
+  return !startsWithIgnoringCase(table, "clip") && !startsWithIgnoringCase(table, "sqlite_") && !isWorkingCopy(table);
 }
 
 }  // namespace

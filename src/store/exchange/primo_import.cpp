@@ -1,6 +1,7 @@
 #include "store/exchange/primo_import.h"
 
 #include "platform/files/trees.h"
+#include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_rows.h"
 #include "store/exchange/primo_source.h"
 #include "store/shop/load_shop.h"
@@ -81,6 +82,8 @@ void tellOtherVariant(Session& session, Environment& env) {
 
 PrimoOutcome finishImport(Session& session, Environment& env, const StagedPictures& pictures) {
   tellOtherVariant(session, env);
+  // The numbers of the articles are those of other articles now.
+  ignore(deleteFile(joinPath(session.ShopFolder, priceHistoryFile)), "the catalogue was taken over all the same");
   const auto exchanged = pictures.exchange();
   env.user.message(exchanged ? std::string(imported) : picturesKept + pictures.path(),
                    exchanged ? Icon::Information : Icon::Exclamation);

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/text/text.h"
+#include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_settings.h"
 #include "store/schema/schema.h"
 
@@ -132,6 +133,7 @@ Result<> takeAll(Database& catalogue, const PrimoPlan& plan) {
   if (done) done = takePrimoSettings(catalogue, plan.settings);
   // What was copied before names departments of the catalogue that is gone.
   if (done) done = catalogue.execute("DELETE FROM clipcategorie; DELETE FROM cliparticoli");
+  if (done) done = clearSideFields(catalogue);
   return done;
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "store/schema/column_family.h"
+#include "store/schema/schema_parts.h"
 
 namespace kv {
 
@@ -184,17 +184,6 @@ void appendDerived(TableInfo& table, Home home) {
   }
 }
 
-// A table as it goes to the web server. Single rows are looked up by `ID`, there and in the comparison of two
-// builds.
-TableInfo exported(const TableRule& rule) {
-  TableInfo table = spreadTable(rule);
-  IndexInfo index;
-  index.name = "ix_" + table.name + "_ID";
-  index.columns = {"ID"};
-  table.indexes.push_back(std::move(index));
-  return table;
-}
-
 TableInfo articleTexts(std::string_view suffix) {
   TableInfo table =
       exported({"articoli" + std::string(suffix), {number("ID"), text("pagina", 100), number("sottopagina")}});
@@ -211,6 +200,15 @@ TableInfo variantLists(std::string_view suffix) {
 }
 
 }  // namespace
+
+TableInfo exported(const TableRule& rule) {
+  TableInfo table = spreadTable(rule);
+  IndexInfo index;
+  index.name = "ix_" + table.name + "_ID";
+  index.columns = {"ID"};
+  table.indexes.push_back(std::move(index));
+  return table;
+}
 
 std::span<const std::string_view> pageTagColumns() { return pageTags; }
 

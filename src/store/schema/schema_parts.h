@@ -17,4 +17,8 @@ const TableRule& pagamentoRule();
 /// zona1 to zona8, the costs of each shipping zone: one row each.
 std::vector<TableInfo> zoneTables();
 
+/// A table of the build database as it goes to the web server. Single rows are looked up by `ID`, there and in the
+/// comparison of two builds.
+TableInfo exported(const TableRule& rule);
+
 }  // namespace kv

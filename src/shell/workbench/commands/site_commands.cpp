@@ -45,6 +45,19 @@ Command ofPrices(Command row) {
   return row;
 }
 
+/// A row whose help is the page of what the law asks.
+Command ofLaw(Command row) {
+  row.help = "pagine/leggi.htm";
+  return row;
+}
+
+/// It changes nothing by itself, so it makes no step.
+Command dutiesRow() {
+  Command row = dialogCommand("legalDuties", {File, 502, "Requisiti di legge..."}, &WorkbenchDialogs::legalDuties);
+  row.enabled = [](const CommandContext& context) { return context.bench.isOpen(); };
+  return ofLaw(std::move(row));
+}
+
 std::vector<Command> connectionCommands() {
   return {serverFolderRow("connection.shopFolder", {EditInternet, 201, "Cartella FTP del negozio..."},
                           ServerFolder::Shop, "Cartella FTP del negozio"),
@@ -67,6 +80,8 @@ std::vector<Command> siteCommands() {
       dialogCommand("showcase", {EditSite, 204, "Impostazioni vetrina..."}, &Dialogs::showcase, "Impostazioni vetrina"),
       dialogCommand("requiredFields", {EditSite, 205, "Campi obbligatori..."}, &Dialogs::requiredFields,
                     "Campi obbligatori"),
+      ofLaw(dialogCommand("makers", {EditSite, 206, "Produttori..."}, &Dialogs::makers, "Produttori")),
+      dutiesRow(),
       dialogCommand("customTags", {File, 501, "Tag personalizzati..."}, &Dialogs::customTags, "Tag personalizzati"),
       privacyRow(),
       ofPrices(dialogCommand("prices.replicate", {File, 401, "Replica listino..."}, &Dialogs::replicatePriceList,

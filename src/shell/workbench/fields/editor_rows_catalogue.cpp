@@ -36,6 +36,13 @@ Editor numbered(Editor row, int number) {
   return row;
 }
 
+Editor beside(Editor row) {
+  row.beside = true;
+  return row;
+}
+
+constexpr std::string_view safety = "Sicurezza del prodotto";
+
 std::vector<Editor> departmentEditors() {
   using enum Control;
   constexpr std::string_view general = "Reparto", list = "Listino", texts = "Testi", pictures = "Immagini";
@@ -56,6 +63,9 @@ std::vector<Editor> departmentEditors() {
                          "Lo sconto del reparto nel listino scelto")),
           perListino(env(department("inaccessibile", list, "Non &accessibile", Check), "",
                          "Il reparto è chiuso ai clienti del listino scelto")),
+          beside(from(env(department("produttore", safety, "Produttore:", Pick), "",
+                          "Il produttore degli articoli del reparto e dei sottoreparti, se non ne hanno uno proprio"),
+                      ChoiceSource::Makers)),
           department("descrizione", texts, "&Descrizione:", Memo),
           department("note", texts, "N&ote:", Memo),
           numbered(department("immagine0", pictures, "Immagine:", Picture), 0),
@@ -113,15 +123,26 @@ std::vector<Editor> articlePrices() {
 std::vector<Editor> articleRest() {
   using enum Control;
   constexpr std::string_view quantity = "Sconto per quantità", pictures = "Immagini";
-  return {env(article("scqart0", quantity, "Da pezzi (1):", Line, FieldKind::WholeNumber), "pezzi",
-              "Da questa quantità vale il primo sconto"),
-          env(article("scqperc0", quantity, "Sconto (1):", Line, FieldKind::Percent), "%", ""),
-          env(article("scqart1", quantity, "Da pezzi (2):", Line, FieldKind::WholeNumber), "pezzi",
-              "Da questa quantità vale il secondo sconto"),
-          env(article("scqperc1", quantity, "Sconto (2):", Line, FieldKind::Percent), "%", ""),
-          numbered(article("immagine0", pictures, "Immagine 1:", Picture), 0),
-          numbered(article("immagine1", pictures, "Immagine 2:", Picture), 1),
-          numbered(article("immagine2", pictures, "Immagine piccola:", Picture), 2)};
+  constexpr std::string_view unit = "Prezzo per unità";
+  return {
+      beside(env(
+          article("contenuto", unit, "Contenuto:", Line, FieldKind::Weight), "",
+          "Quanto contiene una confezione, nell'unità scelta: 0,25 per 250 grammi; vuoto: nessun prezzo per unità")),
+      beside(env(article("misura", unit, "Unità:", Pick), "",
+                 "Chilogrammi, litri, metri o pezzi: il sito mostra il prezzo di uno accanto a ogni prezzo",
+                 "|kg|l|m|pz")),
+      beside(from(env(article("produttore", safety, "Produttore:", Pick), "",
+                      "Il produttore dell'articolo; vuoto: quello del reparto"),
+                  ChoiceSource::Makers)),
+      env(article("scqart0", quantity, "Da pezzi (1):", Line, FieldKind::WholeNumber), "pezzi",
+          "Da questa quantità vale il primo sconto"),
+      env(article("scqperc0", quantity, "Sconto (1):", Line, FieldKind::Percent), "%", ""),
+      env(article("scqart1", quantity, "Da pezzi (2):", Line, FieldKind::WholeNumber), "pezzi",
+          "Da questa quantità vale il secondo sconto"),
+      env(article("scqperc1", quantity, "Sconto (2):", Line, FieldKind::Percent), "%", ""),
+      numbered(article("immagine0", pictures, "Immagine 1:", Picture), 0),
+      numbered(article("immagine1", pictures, "Immagine 2:", Picture), 1),
+      numbered(article("immagine2", pictures, "Immagine piccola:", Picture), 2)};
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ enum class Control {
 enum class Per { Shop, Listino };
 
 /// The choices of a Pick or Combo that the workbench knows only when the list is opened.
-enum class ChoiceSource { Fixed, Models, RelatedWords };
+enum class ChoiceSource { Fixed, Models, RelatedWords, Makers };
 
 struct Editor {
   EditedSet set = EditedSet::Generale;

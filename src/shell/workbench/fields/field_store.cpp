@@ -6,6 +6,7 @@
 #include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/fields/field_forms.h"
 #include "shell/workbench/fields/identity_fields.h"
+#include "shell/workbench/fields/side_editors.h"
 #include "shell/workbench/fields/variant_names.h"
 
 namespace kv {
@@ -50,6 +51,10 @@ std::string FieldStore::shown(const Editor& editor) {
   if (isReverseRate(editor)) return reverseRate(shown(rateEditor()), separator_);
   if (editor.column == shopAddressField) return addressesOf(sets_).shop;
   if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
+  if (isSideEditor(editor)) {
+    const std::string text = asText(sideValue(sets_, editor));
+    return isNumberKind(editor.kind) && !text.empty() ? shownNumber(text, separator_) : text;
+  }
   if (editor.control == Control::Variant)
     return variantNames(sets_, listino_)[static_cast<std::size_t>(editor.number - 1)];
   const ColumnInfo* info = columnInfo(editor);
@@ -95,6 +100,20 @@ FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std
   return leave(rateEditor(), rate);
 }
 
+FieldStore::Outcome FieldStore::leaveSide(const Editor& editor, const std::string& text) {
+  const std::string before = shown(editor);
+  const ColumnForm stored = isNumberKind(editor.kind) ? ColumnForm::Number : ColumnForm::Text;
+  const FieldText field = leftField({editor.kind, stored, false, separator_}, text, before);
+  Outcome outcome;
+  if (text == before || field.text == before) return outcome;
+  outcome.done = prepareSideField(sets_.session().catalogue, sideFieldOf(editor));
+  if (!outcome.done) return outcome;
+  const std::string step = "Modifica " + plainLabel(editor.label);
+  outcome.done = history_.record(step, [&] { return storeSideValue(sets_, editor, field.value); });
+  outcome.written = outcome.done.has_value();
+  return outcome;
+}
+
 std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
   if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
   if (!isSideBySideAllowed(editor, text))
@@ -107,6 +126,7 @@ FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& t
   if (!isOnRow(sets_, editor.set)) return {};
   if (isIdentityField(editor)) return leaveIdentity(editor, text);
   if (isReverseRate(editor)) return leaveReverseRate(editor, text);
+  if (isSideEditor(editor)) return leaveSide(editor, text);
   const std::string before = shown(editor);
   if (text == before) return {};
   Outcome outcome;

@@ -59,6 +59,8 @@ class FieldStore {
   const ColumnInfo* columnInfo(const Editor& editor);
   /// Stores 1 divided by the text as the rate, unless the text is what the field showed.
   Outcome leaveReverseRate(const Editor& editor, const std::string& text);
+  /// Leaving a field that is kept in a table of its own.
+  Outcome leaveSide(const Editor& editor, const std::string& text);
   /// Writes one column, and what follows from it in the connection settings.
   Result<> write(const Editor& editor, const Value& value, const std::string& oldText);
   /// Leaving a field of the merchant's identity.

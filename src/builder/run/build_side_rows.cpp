@@ -1,0 +1,136 @@
+// The tables of the build database that only some shops have.
+
+#include <algorithm>
+
+#include "builder/run/build_phases.h"
+#include "commerce/prices/price_history.h"
+#include "platform/files/files.h"
+#include "store/catalogue/side_fields.h"
+#include "store/schema/side_tables.h"
+
+namespace kv {
+
+namespace {
+
+/// The maker of each article on sale: its own, else that of the nearest department above it that has one.
+constexpr const char* makersOfArticles =
+    "WITH RECURSIVE eredita (ID, produttore, livelli) AS ("
+    "  SELECT c.ID, s.produttore, 0 FROM categorie c LEFT JOIN sicurezza s ON s.chiave = c.ID"
+    "   WHERE c.genitore IS NULL OR c.genitore NOT IN (SELECT ID FROM categorie)"
+    "  UNION ALL"
+    "  SELECT c.ID, COALESCE(s.produttore, e.produttore), e.livelli + 1 FROM categorie c"
+    "   INNER JOIN eredita e ON e.ID = c.genitore LEFT JOIN sicurezza s ON s.chiave = c.ID WHERE e.livelli < 100)"
+    " SELECT a.ID, p.ID FROM articoli a LEFT JOIN sicurezza s ON s.chiave = CAST(a.ID AS TEXT)"
+    " LEFT JOIN eredita e ON e.ID = a.catID INNER JOIN produttori p ON p.ID = COALESCE(s.produttore, e.produttore)"
+    " WHERE COALESCE(a.fuoricatalogo, 0) = 0 ORDER BY a.ID";
+constexpr const char* usedMakers =
+    "SELECT ID, nome, indirizzo, contatto, responsabile, resp_indirizzo, resp_contatto FROM produttori"
+    " WHERE ID IN (SELECT produttore FROM sicurezza) ORDER BY ID";
+constexpr const char* completeUnits =
+    "SELECT u.ID, u.contenuto, u.misura FROM unita u INNER JOIN articoli a ON a.ID = u.ID"
+    " WHERE u.contenuto > 0 AND u.misura <> '' AND COALESCE(a.fuoricatalogo, 0) = 0 ORDER BY u.ID";
+
+std::vector<std::string> namesOf(const TableInfo& table) {
+  std::vector<std::string> names;
+  for (const ColumnInfo& column : table.columns) names.push_back(column.name);
+  return names;
+}
+
+/// Copies the rows of a query, as many columns as the table has, into a new table; none is made without a row.
+Result<> copyQuery(Database& catalogue, const char* query, const TableInfo& table, BuildOutput& output) {
+  auto rows = catalogue.prepare(query);
+  if (!rows) return fail(rows.error());
+  auto more = rows->step();
+  if (!more) return fail(more.error());
+  if (!*more) return {};
+  if (auto made = output.addTable(table); !made) return made;
+  auto insert = output.insertInto(table.name, namesOf(table));
+  if (!insert) return fail(insert.error());
+  for (; more && *more; more = rows->step()) {
+    std::vector<Value> values;  // bound texts must live until the row is written
+    values.reserve(table.columns.size());
+    for (int column = 0; column < rows->columnCount(); ++column) values.push_back(rows->value(column));
+    for (std::size_t i = 0; i < values.size(); ++i) insert->bind(static_cast<int>(i) + 1, values[i]);
+    if (auto written = insert->execute(); !written) return written;
+  }
+  return more ? Result<>() : fail(more.error());
+}
+
+/// Writes the lowest prices of articles; the table is made with the first one.
+class LowestWriter {
+ public:
+  explicit LowestWriter(BuildOutput& output) : output_(output) {}
+
+  /// Nothing for an article that is reduced in no price list, or has no earlier price.
+  Result<> add(const BuiltPrices& prices, const ArticleHistory& history, double now) {
+    std::array<std::optional<LowestPrice>, listini> lowest;
+    for (std::size_t list = 0; list < lowest.size(); ++list) {
+      if (prices.lists[list].reduced) lowest[list] = lowestBefore(history[list], now);
+    }
+    if (std::ranges::none_of(lowest, [](const auto& one) { return one.has_value(); })) return {};
+    if (auto ready = prepare(); !ready) return ready;
+    insert_->bind(1, prices.article);
+    for (int list = 0; list < listini; ++list) {
+      const auto& one = lowest[static_cast<std::size_t>(list)];
+      insert_->bind(2 + list, one ? Value(one->price) : Value(Null{}));
+      insert_->bind(2 + listini + list, one ? Value(std::int64_t{one->days}) : Value(Null{}));
+    }
+    return insert_->execute();
+  }
+
+ private:
+  Result<> prepare() {
+    if (insert_) return {};
+    const TableInfo table = sentLowestTable();
+    if (auto made = output_.addTable(table); !made) return made;
+    auto insert = output_.insertInto(table.name, namesOf(table));
+    if (!insert) return fail(insert.error());
+    insert_ = std::move(*insert);
+    return {};
+  }
+
+  BuildOutput& output_;
+  std::optional<Statement> insert_;
+};
+
+Result<> addLowest(PriceHistoryReader& known, double now, BuildOutput& output) {
+  LowestWriter writer(output);
+  auto built = BuiltPriceReader::open(output.writtenRows());
+  if (!built) return fail(built.error());
+  auto prices = built->next();
+  for (; prices && *prices; prices = built->next()) {
+    if (std::ranges::none_of((**prices).lists, &PriceState::reduced)) continue;
+    auto states = known.of((**prices).article);
+    if (!states) return fail(states.error());
+    if (auto added = writer.add(**prices, *states, now); !added) return added;
+  }
+  return prices ? Result<>() : fail(prices.error());
+}
+
+Result<> copyLowestPrices(const std::string& shopFolder, double now, BuildOutput& output) {
+  const std::string path = priceHistoryPath(shopFolder);
+  if (!fileExists(path)) return {};
+  auto history = Database::open(path, OpenMode::ReadOnly);
+  auto known = history ? PriceHistoryReader::open(*history) : Result<PriceHistoryReader>(fail(history.error()));
+  if (!known) {
+    output.warn("Impossibile leggere i prezzi pubblicati in precedenza (" + path +
+                "): accanto ai prezzi ridotti non comparirà il prezzo più basso dei 30 giorni precedenti.");
+    return {};
+  }
+  return addLowest(*known, now, output);
+}
+
+}  // namespace
+
+Result<> copySideTables(Database& catalogue, const ShopFacts& shop, double now, BuildOutput& output) {
+  if (hasSideTable(catalogue, "unita")) {
+    if (auto copied = copyQuery(catalogue, completeUnits, sentUnitTable(), output); !copied) return copied;
+  }
+  if (hasSideTable(catalogue, "sicurezza") && hasSideTable(catalogue, "produttori")) {
+    if (auto copied = copyQuery(catalogue, makersOfArticles, sentSafetyTable(), output); !copied) return copied;
+    if (auto copied = copyQuery(catalogue, usedMakers, sentMakersTable(), output); !copied) return copied;
+  }
+  return copyLowestPrices(shop.folders.shop, now, output);
+}
+
+}  // namespace kv

@@ -1,0 +1,52 @@
+#include "store/schema/side_tables.h"
+
+#include "store/schema/schema_parts.h"
+
+namespace kv {
+
+using namespace columns;  // the shorthands of a list of rules
+
+namespace {
+
+constexpr int measureWidth = 2;
+constexpr int keyOfDepartment = 20;
+constexpr int makerName = 100;
+
+TableInfo keyed(const TableRule& rule) {
+  TableInfo table = spreadTable(rule);
+  IndexInfo key;
+  key.primary = true;
+  key.unique = true;
+  key.columns = {table.columns.front().name};
+  table.indexes.push_back(std::move(key));
+  return table;
+}
+
+std::vector<ColumnRule> makerColumns() {
+  return {number("ID"),         text("nome", makerName),         text("indirizzo"),
+          text("contatto"),     text("responsabile", makerName), text("resp_indirizzo"),
+          text("resp_contatto")};
+}
+
+}  // namespace
+
+TableInfo unitTable() { return keyed({"unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}}); }
+
+TableInfo makersTable() {
+  TableInfo table = keyed({"produttori", makerColumns()});
+  table.columns.front().attributes = autoIncrement;
+  return table;
+}
+
+TableInfo safetyTable() { return keyed({"sicurezza", {text("chiave", keyOfDepartment), number("produttore")}}); }
+
+TableInfo sentUnitTable() {
+  return exported({"kv_unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}});
+}
+TableInfo sentMakersTable() { return exported({"kv_produttori", makerColumns()}); }
+TableInfo sentSafetyTable() { return exported({"kv_sicurezza", {number("ID"), number("produttore")}}); }
+TableInfo sentLowestTable() {
+  return exported({"kv_minimi", {number("ID"), perListino(money("minimo")), perListino(smallNumber("giorni"))}});
+}
+
+}  // namespace kv

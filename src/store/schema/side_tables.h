@@ -1,0 +1,29 @@
+#pragma once
+// Tables that a shop has only once it uses them. In the catalogue they are beside `articoli`, `categorie` and
+// `generale`, which keep their columns; in the build database they are there only while they hold a row, so that a shop
+// that uses none of them sends the same text as ever. No foreign keys: rows of an article that was deleted stay, and
+// serve again when the deletion is undone; numbers of articles are never given twice.
+
+#include "platform/database/table_info.h"
+
+namespace kv {
+
+/// `unita`: content and measure of an article. ID (of the article), contenuto (amount), misura ("kg", "l", "m", "pz").
+TableInfo unitTable();
+/// `produttori`: makers with the person responsible in the European Union. ID (automatic), nome, indirizzo, contatto,
+/// responsabile, resp_indirizzo, resp_contatto.
+TableInfo makersTable();
+/// `sicurezza`: the maker chosen for an article or a department. chiave ("12" or "cat007"), produttore (ID of a maker).
+TableInfo safetyTable();
+
+/// `kv_unita` of the build database: the rows of `unita` that are complete.
+TableInfo sentUnitTable();
+/// `kv_produttori`: the makers that some article has.
+TableInfo sentMakersTable();
+/// `kv_sicurezza`: ID of an article, produttore.
+TableInfo sentSafetyTable();
+/// `kv_minimi`: ID of an article; minimo (the lowest price of the time before a reduction, without VAT) and giorni (the
+/// days that it was looked for in), one of each for each price list, null where nothing is reduced.
+TableInfo sentLowestTable();
+
+}  // namespace kv
