@@ -12,6 +12,7 @@ namespace {
 constexpr int pagesInThePicture = 48;
 constexpr int pageOfThePicture = 30;  // while which one is sent the picture is taken
 constexpr std::size_t pageSize = 41'500;
+constexpr int shownMilliseconds = 200;  // a run shows itself a few times in a second
 
 /// A server that agrees to everything. In the middle of one page it has the picture taken; then the run is cancelled.
 class ServerInThePicture final : public Transfer {
@@ -19,7 +20,9 @@ class ServerInThePicture final : public Transfer {
   explicit ServerInThePicture(std::function<void()> take) : take_(std::move(take)) {}
 
   void listen(TransferEvents events) override { events_ = std::move(events); }
-  TransferCompletion connect(const ConnectionSettings& /*settings*/) override { return said("220 FTP server ready", {}); }
+  TransferCompletion connect(const ConnectionSettings& /*settings*/) override {
+    return said("220 FTP server ready", {});
+  }
   TransferCompletion logIn() override { return said("USER bottega", "230 User bottega logged in"); }
   TransferCompletion currentFolder() override { return {transferDone, "/", {}}; }
   TransferCompletion changeFolder(const std::string& folder) override {
@@ -36,6 +39,7 @@ class ServerInThePicture final : public Transfer {
     ignore(said("STOR " + name, "150 Opening BINARY mode data connection for " + name), "the next line tells");
     if (++uploads_ < pageOfThePicture) return said({}, "226 Transfer complete");
     events_.sent(pageSize * 2 / 5);
+    ignore(waitFor(shownMilliseconds, events_.yield), "the picture is taken as the window is then");
     take_();
     return {transferCancelled, {}, {}};
   }
