@@ -4,10 +4,12 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFrame>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+#include <set>
 
 #include "dialog_fixture.h"
 #include "publish/settings/frm_firewall.h"
@@ -118,6 +120,18 @@ TEST_F(TheSendingDialog, TheAdviceIsOneButton) {
   EXPECT_TRUE(isOn("chkSicuro") && isOn("chkContenuto") && isOn("chkRiprova"));
   click(*dialog, "cmdOK");
   EXPECT_TRUE(file("kvftp.ini").ends_with("LOCK: -1\r\nSAFE: 1\r\nHASH: 1\r\nRETR: 1\r\nCONN: 3\r\n"));
+}
+
+TEST_F(TheSendingDialog, TheFirstPublishOfAShopPointsAtTheAdvice) {
+  start();
+  EXPECT_EQ(fromQt(control<QLabel>(*dialog, "lblPrimoInvio")->text()),
+            "È il primo invio di questo negozio: \"Impostazioni consigliate\" lo rende più sicuro e più rapido.");
+  for (const char* trace : {"kvftp1.log", "kvftp.ini"}) {
+    ASSERT_TRUE(writeBytes(shop + "/" + trace, ""));
+    start();
+    EXPECT_EQ(dialog->findChild<QLabel*>(QStringLiteral("lblPrimoInvio")), nullptr) << trace;
+    ASSERT_TRUE(deleteFile(shop + "/" + trace));
+  }
 }
 
 TEST_F(TheSendingDialog, TheConnectionsAndTheCleanUpAreWrittenAndShownAgain) {
@@ -244,6 +258,18 @@ TEST_F(TheConnectionDialog, SftpHasAPortOfItsOwnAndNothingThatOnlyFtpHas) {
   EXPECT_TRUE(file("firewall.net").ends_with("PROT: 1\r\n"));
   start();
   EXPECT_EQ(control<QComboBox>(*dialog, "cboProtocollo")->currentIndex(), 1);
+}
+
+TEST_F(TheConnectionDialog, TabGoesRoundAllOfItsControls) {
+  dialog.emplace(shop, user, [](const FirewallSettings&) {});
+  show(*dialog);
+  std::set<std::string> reached;
+  for (int i = 0; i < 20; ++i) {
+    QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+    reached.insert(fromQt(dialog->focusWidget()->objectName()));
+  }
+  EXPECT_EQ(reached, (std::set<std::string>{"cboProtocollo", "optPassiva", "txtPortaFTP", "cboTLS", "chkDisc",
+                                            "cboTipo", "cmdReset", "cmdVerifica", "cmdOK", "cmdAnnulla"}));
 }
 
 TEST_F(TheConnectionDialog, TheResetDeletesTheFileOnlyOnOk) {

@@ -17,7 +17,11 @@ using test::control;
 class ThePurgeDialog : public test::DialogFixture {
  protected:
   void makeDialog() {
-    dialog.emplace(PurgeSources{shop + "/work", [this] { return usedPictures(session.catalogue); }, texts, {}}, user);
+    dialog.emplace(PurgeSources{shop + "/work",
+                                [this](const TextReader& read) { return usedPictures(session.catalogue, read); },
+                                texts,
+                                {}},
+                   user);
     show(*dialog);
     QApplication::processEvents();
     list = control<QListWidget>(*dialog, "lstFiles");

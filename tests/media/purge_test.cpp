@@ -19,9 +19,10 @@ class PurgingPictures : public ::testing::Test {
   }
   PicturePurge purge(Names used) {
     return {{folder.path(),
-             [this, used = std::move(used)]() -> Result<Names> {
+             [this, used = std::move(used)](const TextReader& read) -> Result<> {
                ++reads;
-               return used;
+               for (const std::string& name : used) read(name);
+               return {};
              },
              texts,
              {}},
@@ -58,6 +59,15 @@ TEST_F(PurgingPictures, NamesMatchWithoutRegardToCaseBeyondAsciiToo) {
   EXPECT_EQ(user.texts(), (Names{"Ricerca terminata: non sono state trovate immagini inutilizzate"}));
 }
 
+TEST_F(PurgingPictures, FilesThatDifferInCaseAloneAreAllInUse) {
+  present({"A.JPG", "a.jpg", "b.jpg"});
+  for (const char* name : {"a.jpg", "A.jpg"}) {
+    PicturePurge one = purge({name});
+    EXPECT_TRUE(one.search());
+    EXPECT_EQ(namesOf(one), (Names{"b.jpg"})) << name;
+  }
+}
+
 TEST_F(PurgingPictures, AnEmptyFolderIsToldAndTheBarIsFull) {
   PicturePurge one = purge({});
   EXPECT_TRUE(one.search());
@@ -77,9 +87,11 @@ TEST_F(PurgingPictures, TheBarGoesFromOneToTheFileCount) {
 
 TEST_F(PurgingPictures, AnErrorIsShownWithItsNumber) {
   present({"a.jpg"});
-  PicturePurge one(
-      {folder.path(), []() -> Result<Names> { return fail(ErrorKind::Corrupt, "articoli", "rotto", 11); }, {}, {}},
-      user);
+  PicturePurge one({folder.path(),
+                    [](const TextReader&) -> Result<> { return fail(ErrorKind::Corrupt, "articoli", "rotto", 11); },
+                    {},
+                    {}},
+                   user);
   EXPECT_FALSE(one.search());
   EXPECT_EQ(user.shown, (std::vector{test::Shown{"Si è verificato un errore:\n11 rotto", Icon::Critical}}));
 }
@@ -131,7 +143,7 @@ TEST_F(PurgingPictures, ATrashTakesTheFilesWhereThereIsOne) {
   present({"a.jpg"});
   Names trashed;
   PicturePurge one({folder.path(),
-                    []() -> Result<Names> { return Names{}; },
+                    [](const TextReader&) -> Result<> { return {}; },
                     {},
                     [&](const std::string& path) -> Result<> {
                       trashed.push_back(path);

@@ -1,6 +1,7 @@
 // A photo of a wallpaper package, brought into other forms by programs of others: what is read here is what ImageMagick
 // reads.
 #include <gtest/gtest.h>
+#include <lcms2.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -66,6 +67,19 @@ class RealPhotos : public ::testing::Test {
     EXPECT_EQ(shownSize(path), (ImageSize{240, 160})) << path;
   }
 
+  /// A profile of Display P3, by its primaries and white: SMPTE EG 432-1, with the curve of sRGB.
+  static void writeWideProfile(const std::string& path) {
+    const cmsCIExyY white{0.3127, 0.3290, 1};
+    const cmsCIExyYTRIPLE primaries{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}};
+    const cmsFloat64Number curve[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    cmsToneCurve* const one = cmsBuildParametricToneCurve(nullptr, 4, curve);
+    cmsToneCurve* const each[3] = {one, one, one};
+    cmsHPROFILE profile = cmsCreateRGBProfile(&white, &primaries, each);
+    ASSERT_TRUE(cmsSaveProfileToFile(profile, path.c_str()));
+    cmsCloseProfile(profile);
+    cmsFreeToneCurve(one);
+  }
+
   static test::TempFolder* folder;
 };
 test::TempFolder* RealPhotos::folder = nullptr;
@@ -88,6 +102,22 @@ TEST_F(RealPhotos, JpegsOfEverySamplingAreReadAsOthersReadThem) {
 TEST_F(RealPhotos, FourInksAndSixteenBitsComeOutAsAScreenShowsThem) {
   expectSame(form("-colorspace CMYK", "inks.jpg"), 1);
   expectSame(form("-depth 16 -evaluate add 0.2%", "deep.png"), 1);
+}
+
+TEST_F(RealPhotos, ColoursOfAWideScreenComeOutAsThoseOfAnOrdinaryOne) {
+  writeWideProfile(made("wide.icc"));
+  cmsHPROFILE ordinary = cmsCreate_sRGBProfile();
+  ASSERT_TRUE(cmsSaveProfileToFile(ordinary, made("ordinary.icc").c_str()));
+  cmsCloseProfile(ordinary);
+  run("convert base.png -quality 95 -profile wide.icc +write wide.png +write wide.jpg -profile ordinary.icc -depth 8 "
+      "rgb:brought.rgb");
+  const std::string wanted = readBytes(made("brought.rgb")).value_or("");
+  for (const auto& [name, most] : {std::pair{"wide.png", 0.5}, {"wide.jpg", 2.0}}) {
+    const double far = distance(made(name), wanted);
+    EXPECT_GE(far, 0) << name;
+    EXPECT_LE(far, most) << name;
+  }
+  EXPECT_GT(distance(made("wide.png"), others(made("base.png"))), 3) << "the stored numbers are shown";
 }
 
 TEST_F(RealPhotos, AnAnimationShowsItsFirstPicture) {

@@ -88,14 +88,6 @@ TEST_F(AForgivingRun, NeverLeavesHalfAFileWhereVisitorsAreWhenItSendsSafely) {
   EXPECT_EQ(server.file("/casa/www/negozio/a.htm"), "nuovo");
 }
 
-TEST_F(AForgivingRun, DeletesTheOldFileWhereTheServerRenamesOverNothing) {
-  settings.safeUpload = true;
-  server.fail({.verb = "RNTO", .reply = "550 esiste\r\n"});
-  ASSERT_EQ(publish(), PublishOutcome::Done);
-  EXPECT_EQ(server.commands("DELE"), Names{"DELE a.htm"});
-  EXPECT_EQ(server.file("/casa/www/negozio/a.htm"), "aaa");
-}
-
 TEST_F(AForgivingRun, SendsWhatPagesShowThenPagesThenSqlWhenItSendsSafely) {
   EXPECT_EQ(inSendingOrder({"a.php", "b.sql", "c.gif", "d.htm", "e.JS", "f.PHP"}),
             (Names{"c.gif", "e.JS", "a.php", "d.htm", "f.PHP", "b.sql"}));

@@ -213,7 +213,8 @@ class ExchangeOfChance : public ShopOfChance {
     const Files wanted = built(shop.session);
     const std::string work = shop.folder() + "/work";
     ASSERT_TRUE(writeBytes(work + "/di_troppo_0001.gif", onePixelGif(9, 9, 9)));
-    PicturePurge purge({work, [&] { return usedPictures(shop.session.catalogue); }, {}, {}}, shop.user);
+    PicturePurge purge(
+        {work, [&](const TextReader& read) { return usedPictures(shop.session.catalogue, read); }, {}, {}}, shop.user);
     ASSERT_TRUE(purge.search());
     purge.tickAll(true);
     shop.user.answers = {Answer::Yes};

@@ -15,9 +15,9 @@ class UsedPictures : public test::ShopFixture {
  protected:
   std::vector<std::string> used() const {
     auto catalogue = Database::open(folder + "/catalog.mdb", OpenMode::Shared).value();
-    const auto names = usedPictures(catalogue);
-    EXPECT_TRUE(names);
-    return names.value_or(std::vector<std::string>{"failed"});
+    std::vector<std::string> names;
+    EXPECT_TRUE(usedPictures(catalogue, [&](std::string_view name) { names.emplace_back(name); }));
+    return names;
   }
   std::string folder = makeShop("uno");
 };

@@ -42,7 +42,8 @@ struct FtpManners {
   std::string proxyUser = {};   ///< not empty: an FTP proxy with a login of its own
   std::string proxyPassword = {};
   int atOnce = 1;  ///< connections that are served side by side; more wait, or are refused with 421 when this is > 1
-  bool wantsHost = false;  ///< a proxy: SITE or OPEN comes before the login, or "@host" with the name
+  bool renamesOver = true;  ///< a name that is taken is no obstacle to a rename
+  bool wantsHost = false;   ///< a proxy: SITE or OPEN comes before the login, or "@host" with the name
 };
 
 class ScriptedFtpServer {

@@ -131,6 +131,7 @@ class ScriptedFtpServer::Talk {
       return say(server_.files_.count(path) > 0 ? "350 e poi" : "550 nessun file");
     }
     if (verb == "RNTO") {
+      if (!server_.manners_.renamesOver && server_.files_.count(path) > 0) return say("550 esiste");
       server_.files_[path] = std::exchange(server_.files_[renamed_], {});
       server_.files_.erase(renamed_);
       return say("250 rinominato");

@@ -46,17 +46,17 @@ SshServer::SshServer() {
   ::close(listenLocally(port_));
   // As root the server locks a part of itself into this empty folder, which the package's own service makes.
   if (::getuid() == 0) ::mkdir(privilegeFolder, S_IRWXU | S_IRGRP | S_IXGRP | S_IROTH | S_IXOTH);
-  makeKey();
+  makeKey("ed25519");
   writeSettings();
   start();
 }
 
-void SshServer::makeKey() const {
+void SshServer::makeKey(const char* type) const {
   const std::string key = folder_ / "key";
   ::unlink(key.c_str());
   const pid_t child = ::fork();
   if (child == 0) {
-    ::execlp("ssh-keygen", "ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", key.c_str(), nullptr);
+    ::execlp("ssh-keygen", "ssh-keygen", "-q", "-t", type, "-N", "", "-f", key.c_str(), nullptr);
     ::_exit(127);
   }
   int status = 0;
@@ -113,10 +113,10 @@ void SshServer::stop() {
   process_ = -1;
 }
 
-void SshServer::restartWithAnotherKey() {
+void SshServer::restartWithAnotherKey(const char* type) {
   stop();
   ::unlink((folder_ / "log").c_str());
-  makeKey();
+  makeKey(type);
   start();
 }
 

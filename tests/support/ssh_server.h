@@ -25,11 +25,11 @@ class SshServer {
   bool wasAskedForEntry() const;
   /// Ends the server and all of its sessions.
   void stop();
-  /// Starts it again at the same port, with another key.
-  void restartWithAnotherKey();
+  /// Starts it again at the same port, with another key of a type that ssh-keygen knows.
+  void restartWithAnotherKey(const char* type = "ed25519");
 
  private:
-  void makeKey() const;
+  void makeKey(const char* type) const;
   void writeSettings() const;
   void start();
   bool answers() const;

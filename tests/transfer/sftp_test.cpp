@@ -143,6 +143,15 @@ TEST_F(AnSftpServer, WithAnotherKeyThanBeforeIsLeftWithoutAQuestion) {
   EXPECT_FALSE(server.wasAskedForEntry());
 }
 
+TEST_F(AnSftpServer, WithAnRsaKeyAloneIsLeftWithAReasonAndAnAdvice) {
+  server.restartWithAnotherKey("rsa");
+  const std::string failure = enter(sftpSettings(server));
+  EXPECT_TRUE(failure.starts_with("20000 il server SSH e Korvane non hanno in comune un tipo di chiave")) << failure;
+  EXPECT_TRUE(failure.ends_with("una chiave Ed25519 o ECDSA, oppure pubblicare per FTP con TLS")) << failure;
+  EXPECT_TRUE(asked.empty());
+  EXPECT_FALSE(server.wasAskedForEntry());
+}
+
 TEST_F(AnSftpServer, RefusesAWrongPasswordWhichIsShownNowhere) {
   auto settings = sftpSettings(server);
   settings.password = "Sbagliata-e-segreta";

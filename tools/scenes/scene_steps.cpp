@@ -21,6 +21,7 @@ std::span<const Scene> sceneTable() {
     std::vector<Scene> all(windowScenes().begin(), windowScenes().end());
     all.insert(all.end(), tradeScenes().begin(), tradeScenes().end());
     all.insert(all.end(), exchangeScenes().begin(), exchangeScenes().end());
+    all.insert(all.end(), publishScenes().begin(), publishScenes().end());
     return all;
   }();
   return scenes;

@@ -18,6 +18,8 @@ std::span<const Scene> windowScenes();
 std::span<const Scene> tradeScenes();
 /// Those of what comes from other programs: shops, an accounting package, a bank's passwords.
 std::span<const Scene> exchangeScenes();
+/// That of a shop being sent to its server.
+std::span<const Scene> publishScenes();
 
 /// Goes to the department of the shop with the most articles, and to one of them.
 void goToArticle(Stage& stage);

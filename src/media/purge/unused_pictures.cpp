@@ -1,7 +1,7 @@
 #include "media/purge/unused_pictures.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "media/purge/picture_mentions.h"
 #include "platform/files/files.h"
@@ -14,17 +14,32 @@ constexpr const char* noPictures = "Ricerca terminata: non sono state trovate im
 constexpr const char* noneUnused = "Ricerca terminata: non sono state trovate immagini inutilizzate";
 constexpr std::string_view searching = "Ricerca immagini inutilizzate...";
 
-/// Those of the names, folded, that a file has. A shop has many more rows than pictures.
-std::unordered_set<std::string> namesAmong(const std::vector<std::string>& names,
-                                           const std::vector<std::string>& files) {
-  std::unordered_set<std::string> present, found;
-  for (const std::string& file : files) present.insert(foldCase(file));
-  for (const std::string& name : names) {
-    std::string folded = foldCase(name);
-    if (present.contains(folded)) found.insert(std::move(folded));
+/// Which of the files a name in use means. A shop has many more rows than pictures, and most rows name theirs exactly:
+/// only the others are folded.
+class FilesInUse {
+ public:
+  /// `files` outlive it.
+  explicit FilesInUse(const std::vector<std::string>& files) {
+    for (const std::string& file : files) {
+      const auto group = folded_.try_emplace(foldCase(file), used_.size()).first->second;
+      if (group == used_.size()) used_.push_back(false);
+      exact_.emplace(file, group);
+    }
   }
-  return found;
-}
+  void use(std::string_view name) {
+    if (const auto exact = exact_.find(name); exact != exact_.end()) {
+      used_[exact->second] = true;
+    } else if (const auto folded = folded_.find(foldCase(name)); folded != folded_.end()) {
+      used_[folded->second] = true;
+    }
+  }
+  bool isUsed(const std::string& file) const { return used_[exact_.at(file)]; }
+
+ private:
+  std::unordered_map<std::string_view, std::size_t> exact_;  // file -> the group of those that differ in case alone
+  std::unordered_map<std::string, std::size_t> folded_;
+  std::vector<bool> used_;  // by group
+};
 
 }  // namespace
 
@@ -53,18 +68,17 @@ bool PicturePurge::search() {
 
 // The names in use are read once: a query for each file takes minutes in a shop of thousands of pictures.
 bool PicturePurge::ControllaFiles(const std::vector<std::string>& files) {
-  const auto used = sources_.usedPictures();
-  if (!used) {
-    user_.message("Si è verificato un errore:\n" + std::to_string(used.error().number) + " " + used.error().what,
+  FilesInUse known(files);
+  if (const auto read = sources_.usedPictures([&](std::string_view name) { known.use(name); }); !read) {
+    user_.message("Si è verificato un errore:\n" + std::to_string(read.error().number) + " " + read.error().what,
                   Icon::Critical);
     return false;
   }
-  const auto known = namesAmong(*used, files);
   const auto count = static_cast<double>(files.size());
   double position = 0;
   for (const std::string& name : files) {
     user_.progress({searching, ++position, count});
-    if (known.contains(foldCase(name))) continue;
+    if (known.isUsed(name)) continue;
     const auto stamp = fileStamp(joinPath(sources_.folder, name));
     unused_.push_back({name, stamp ? stamp->size : 0, false});
   }

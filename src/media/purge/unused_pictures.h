@@ -19,14 +19,14 @@ inline constexpr std::string_view mentionedNote = "citata in un testo";
 /// The notice before the search, of the pictures of this folder.
 std::string purgeNotice(const std::string& folder);
 
-/// Who is handed one text after another.
+/// Who is handed one text or name after another.
 using TextReader = std::function<void(std::string_view text)>;
 
 /// What the search works on.
 struct PurgeSources {
   std::string folder;  ///< the shop's image folder
-  /// The names of all pictures in use, in any order and case.
-  std::function<Result<std::vector<std::string>>()> usedPictures;
+  /// Hands out the names of all pictures in use, in any order and case, the same name as often as it likes.
+  std::function<Result<>(const TextReader& read)> usedPictures;
   /// Hands out every text that may name a picture, of the catalogue and of the template; not set: none is looked at.
   std::function<Result<>(const TextReader& read)> texts;
   /// Deletes a file or moves it where it can be fetched from; not set: deleteFile.

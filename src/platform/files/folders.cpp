@@ -183,7 +183,7 @@ std::vector<std::string> listFiles(const std::string& folder, std::string_view p
   std::vector<std::string> names;
   auto entries = entriesOf(folder);
   if (!entries) return names;
-  const bool every = pattern == "*.*";
+  const bool every = pattern == "*.*" || pattern == "*";
   for (Entry& entry : *entries) {
     if (entry.kind != EntryKind::File || isUnfinishedName(entry.name)) continue;
     if (every || matchesWildcard(entry.name, pattern)) names.push_back(std::move(entry.name));

@@ -1,7 +1,9 @@
 #include "platform/files/private_file.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/files/file_access.h"
@@ -12,6 +14,8 @@ namespace {
 
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
 constexpr mode_t groupAndOthers = S_IRWXG | S_IRWXO;
+// Less than any core file has. Unlike 0 it also keeps one from being piped to a program (Linux, fs/coredump.c).
+constexpr rlim_t noCoreFile = 1;
 
 }  // namespace
 
@@ -31,6 +35,13 @@ Result<> writePrivateBytes(const std::string& path, std::string_view bytes) {
   if (!replacement) return fail(replacement.error());
   if (auto written = replacement->write(bytes); !written) return written;
   return replacement->commit();
+}
+
+void forbidCoreFiles() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_CORE, &limit) != 0) return;
+  limit.rlim_cur = std::min(noCoreFile, limit.rlim_max);
+  ignore(::setrlimit(RLIMIT_CORE, &limit), "lowering it is always allowed");
 }
 
 }  // namespace kv

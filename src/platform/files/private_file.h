@@ -1,5 +1,6 @@
 #pragma once
 // Files that hold passwords: nobody but their owner may read them, not even for the moment in which they are written.
+// And the file that nobody has asked for, of a program that crashes.
 
 #include <string>
 #include <string_view>
@@ -15,5 +16,8 @@ Result<> restrictToOwner(const std::string& path);
 /// Replaces a file as writeBytes does; the new one is restricted to its owner before the first byte is in it.
 /// Failures as writeBytes, and the old file stays.
 Result<> writePrivateBytes(const std::string& path, std::string_view bytes);
+
+/// Has no core file written of this process, and of those it starts, from now on: its memory holds passwords.
+void forbidCoreFiles();
 
 }  // namespace kv

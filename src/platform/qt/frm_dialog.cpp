@@ -92,6 +92,9 @@ int FormDialog::exec() {
 void FormDialog::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   if (event->spontaneous()) return;
+  // The row of buttons stands for its first button where Tab comes to the row itself: with several buttons in front of
+  // OK it comes there in between, and would never get to OK.
+  for (QDialogButtonBox* buttons : findChildren<QDialogButtonBox*>()) buttons->setFocusProxy(nullptr);
   bringOnScreen(*this);
   whenFramed(*this, [this, shown = size()] {
     if (size() == shown) bringOnScreen(*this);

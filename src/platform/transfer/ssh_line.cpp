@@ -17,6 +17,11 @@ namespace {
 
 // The first that both sides know is taken. DSA is left out: nobody trusts it any more.
 constexpr std::string_view keyTypes = "ssh-ed25519,ecdsa-sha2-nistp256,ecdsa-sha2-nistp384,ecdsa-sha2-nistp521,ssh-rsa";
+// The library signs with an RSA key by SHA-1 alone, which servers of these years refuse.
+constexpr const char* nothingInCommon =
+    "il server SSH e Korvane non hanno in comune un tipo di chiave o di cifratura: una chiave RSA del server è "
+    "accettata "
+    "soltanto con SHA-1. Chiedere al fornitore una chiave Ed25519 o ECDSA, oppure pubblicare per FTP con TLS";
 constexpr int accessDenied = transferOther + 530;
 constexpr int mostRepeats = 64;  // of a call that has nothing to wait for any more
 
@@ -135,7 +140,10 @@ Result<> SshLine::open(const ConnectionSettings& settings, Patience& patience) {
   libssh2_session_set_blocking(session_, 0);
   if (auto preferred = preferKnownKeys(settings); !preferred) return preferred;
   const auto shake = [this] { return libssh2_session_handshake(session_, wire_.descriptor()); };
-  if (auto shaken = complete(shake, patience); !shaken) return fail(shaken.error());
+  if (auto shaken = complete(shake, patience); !shaken) {
+    const bool isDisagreement = libssh2_session_last_errno(session_) == LIBSSH2_ERROR_KEX_FAILURE;
+    return isDisagreement ? transferFailure(transferOther, nothingInCommon) : fail(shaken.error());
+  }
   return trustKey(settings);
 }
 

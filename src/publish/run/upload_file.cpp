@@ -6,8 +6,9 @@
 namespace kv {
 namespace {
 
-// It keeps the extension, so that a page that is half there is not shown as a text.
+// They keep the extension, so that a page that is half there is not shown as a text.
 constexpr const char* temporaryStart = "kvtmp-";
+constexpr const char* asideStart = "kvold-";  // the old file, while the new one takes its name
 
 bool isScript(const std::string& name) { return endsWithIgnoringCase(name, ".pl"); }
 bool isPasswordList(const std::string& name) {
@@ -99,14 +100,29 @@ void FolderUploader::storeSafely(Lane& lane) {
   const std::string temporary = temporaryStart + lane.file.name;
   WaitFTP(lane, FtpState::Other, lane.transfer.upload(lane.file.path, temporary, modeOf(lane.file.name)));
   if (lane.failed) return;
+  const TransferCompletion renamed = lane.transfer.renameFile(temporary, lane.file.name);
+  WaitFTP(lane, uploadState(lane), isFileCommandFailure(renamed.code) ? exchange(lane, temporary, renamed) : renamed);
+}
+
+// There are servers that rename over nothing, those of SFTP before all: the old file gives way. It isn't deleted first,
+// or a server that renames nothing at all would be left without the page.
+TransferCompletion FolderUploader::exchange(Lane& lane, const std::string& temporary,
+                                            const TransferCompletion& refusal) {
+  const std::string aside = asideStart + lane.file.name;
+  TransferCompletion moved = lane.transfer.renameFile(lane.file.name, aside);
+  if (isFileCommandFailure(moved.code)) {
+    // A run that was killed may have left one there.
+    moved = lane.transfer.deleteFile(aside);
+    if (moved.succeeded()) moved = lane.transfer.renameFile(lane.file.name, aside);
+  }
+  if (!moved.succeeded()) return isFileCommandFailure(moved.code) ? refusal : moved;
   TransferCompletion renamed = lane.transfer.renameFile(temporary, lane.file.name);
   if (isFileCommandFailure(renamed.code)) {
-    // There are servers that rename over nothing.
-    WaitFTP(lane, FtpState::DeleteBefore, lane.transfer.deleteFile(lane.file.name));
-    if (lane.failed) return;
-    renamed = lane.transfer.renameFile(temporary, lane.file.name);
+    ignore(lane.transfer.renameFile(aside, lane.file.name), "what refused the new file its name is told");
+  } else if (renamed.succeeded()) {
+    ignore(lane.transfer.deleteFile(aside), "the next exchange deletes it; a broken connection shows at the next file");
   }
-  WaitFTP(lane, uploadState(lane), renamed);
+  return renamed;
 }
 
 void FolderUploader::setRights(Lane& lane) {

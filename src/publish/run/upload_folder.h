@@ -127,6 +127,8 @@ class FolderUploader {
   void sendFile(Lane& lane);
   void storeFile(Lane& lane);
   void storeSafely(Lane& lane);
+  /// Lets the temporary file take the name of an old one that is moved aside; on a refusal the old one has its name.
+  static TransferCompletion exchange(Lane& lane, const std::string& temporary, const TransferCompletion& refusal);
   static FtpState uploadState(const Lane& lane) {
     return lane.file.known ? FtpState::UploadKnown : FtpState::UploadNew;
   }

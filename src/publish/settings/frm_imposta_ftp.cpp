@@ -138,6 +138,9 @@ QWidget* frmImpostaFTP::makeLater() {
   row->addWidget(cmdConsigliate);
   row->addStretch();
   qobject_cast<QVBoxLayout*>(group->layout())->addLayout(row);
+  if (isFirstPublish(session_.ShopFolder)) {
+    group->layout()->addWidget(named(wrappedText(firstPublishAdvice), "lblPrimoInvio"));
+  }
   return group;
 }
 

@@ -8,6 +8,11 @@ namespace kv {
 
 bool isBuilt(const std::string& shopFolder) { return readStart(joinPath(shopFolder, "kvftp.dat"), 1).has_value(); }
 
+// Every run begins a log of its first folder.
+bool isFirstPublish(const std::string& shopFolder) {
+  return !fileExists(joinPath(shopFolder, "kvftp1.log")) && !fileExists(joinPath(shopFolder, "kvftp.ini"));
+}
+
 PublishOptions PublishOptions::of(const PublishSettings& settings, bool canUseIncremental) {
   PublishOptions options;
   options.settings = settings;

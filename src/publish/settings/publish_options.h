@@ -15,6 +15,12 @@ inline constexpr std::string_view buildBeforePublishing =
 /// Whether the list of files of the last build can be read, without which there is nothing to publish.
 bool isBuilt(const std::string& shopFolder);
 
+/// What is said beside "Impostazioni consigliate" before the first publish of a shop.
+inline constexpr std::string_view firstPublishAdvice =
+    "È il primo invio di questo negozio: \"Impostazioni consigliate\" lo rende più sicuro e più rapido.";
+/// Whether a shop was never sent and the choices of sending were never changed.
+bool isFirstPublish(const std::string& shopFolder);
+
 /// The choices as the controls show them.
 struct PublishOptions {
   /// What isn't one of the fields below is shown as it is.

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/files/private_file.h"
 #include "shell/cli/cli_program.h"
 #include "shell/cli/interrupt.h"
 #include "shell/program/installed_data.h"
@@ -23,6 +24,7 @@ int terminalWidth() {
 
 int main(int count, char** values) {
   const std::vector<std::string> arguments(values + (count > 0 ? 1 : 0), values + count);
+  kv::forbidCoreFiles();
   kv::noteInterrupts();
   kv::ConsoleOptions screen;
   screen.terminal = isatty(STDERR_FILENO) == 1;

@@ -50,7 +50,11 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
 CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  PicturePurge purge({joinPath(shop, "work"), [&] { return usedPictures(open.session.catalogue); }, {}, {}}, env.user);
+  PicturePurge purge({joinPath(shop, "work"),
+                      [&](const TextReader& read) { return usedPictures(open.session.catalogue, read); },
+                      {},
+                      {}},
+                     env.user);
   if (!purge.search()) return CliOutcome::Failed;
   for (const UnusedPicture& picture : purge.unused()) out << picture.name << '\n';
   if (!line.has("--delete") || !purge.hasUnused()) return CliOutcome::Done;

@@ -64,7 +64,8 @@ void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
     return name;
   };
   dialogs.purgePictures = [&](const std::string& folder) {
-    PurgeSources sources{folder, [&session] { return usedPictures(session.catalogue); }, {}, moveToTrash};
+    PurgeSources sources{
+        folder, [&session](const TextReader& read) { return usedPictures(session.catalogue, read); }, {}, moveToTrash};
     sources.texts = [&](const TextReader& read) {
       readTemplateTexts(joinPath(env.applicationFolder, session.templatePath), read);
       return readAllTexts(session.catalogue, read);

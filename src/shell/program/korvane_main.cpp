@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "platform/files/private_file.h"
 #include "shell/program/frm_program.h"
 #include "shell/program/installed_data.h"
 
 int main(int count, char** values) {
+  kv::forbidCoreFiles();
   QCoreApplication::setApplicationName(QStringLiteral("korvane"));
   QCoreApplication::setApplicationVersion(QStringLiteral(KORVANE_VERSION));
   QGuiApplication::setApplicationDisplayName(QString());

@@ -1,6 +1,8 @@
 #include "store/catalogue/used_pictures.h"
 
 #include <array>
+#include <string>
+#include <vector>
 
 #include "platform/files/files.h"
 
@@ -28,7 +30,8 @@ Result<std::vector<std::string>> tablesWithTexts(Database& catalogue) {
   }
 }
 
-Result<> addNames(Database& catalogue, std::string_view query, std::vector<std::string>& names) {
+Result<> readNames(Database& catalogue, std::string_view query,
+                   const std::function<void(std::string_view name)>& read) {
   auto rows = catalogue.prepare(query);
   if (!rows) return fail(rows.error());
   for (;;) {
@@ -36,19 +39,18 @@ Result<> addNames(Database& catalogue, std::string_view query, std::vector<std::
     if (!row) return fail(row.error());
     if (!*row) return {};
     for (int column = 0; column < rows->columnCount(); ++column) {
-      if (const std::string_view name = rows->text(column); !name.empty()) names.emplace_back(name);
+      if (const std::string_view name = rows->text(column); !name.empty()) read(name);
     }
   }
 }
 
 }  // namespace
 
-Result<std::vector<std::string>> usedPictures(Database& catalogue) {
-  std::vector<std::string> names;
+Result<> usedPictures(Database& catalogue, const std::function<void(std::string_view name)>& read) {
   for (const std::string_view query : pictureQueries) {
-    if (auto added = addNames(catalogue, query, names); !added) return fail(added.error());
+    if (auto done = readNames(catalogue, query, read); !done) return done;
   }
-  return names;
+  return {};
 }
 
 Result<> readAllTexts(Database& catalogue, const std::function<void(std::string_view text)>& read) {

@@ -4,16 +4,15 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/database/database.h"
 
 namespace kv {
 
-/// The pictures of the first row of `generale`, of all departments in every language, and of all articles, as stored;
-/// names may come twice, empty ones don't. Variants, showcase, clipboard and templates name no pictures that count.
-/// Failures: as prepare.
-Result<std::vector<std::string>> usedPictures(Database& catalogue);
+/// Hands out the pictures of the first row of `generale`, of all departments in every language, and of all articles, as
+/// stored; names may come twice, empty ones don't. Variants, showcase, clipboard and templates name no pictures that
+/// count. Failures: as prepare, with what was read by then handed out.
+Result<> usedPictures(Database& catalogue, const std::function<void(std::string_view name)>& read);
 
 /// Hands out every text of the catalogue but those of the clipboard, as stored, row by row. Failures: as prepare.
 Result<> readAllTexts(Database& catalogue, const std::function<void(std::string_view text)>& read);
