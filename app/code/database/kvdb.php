@@ -183,7 +183,8 @@ const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponi
 /**
  * The articles of a page. Sorting them by a column of the last of three tables would make the server copy every text of
  * them to a temporary table, which takes longer than all the rest of the query; so they are sorted here. Where the
- * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`.
+ * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`;
+ * `offerte` tells of offers at the list price, see kvPrezzi.
  */
 function kvArticoliPagina(string $sql)
 {
@@ -193,7 +194,7 @@ function kvArticoliPagina(string $sql)
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
         $esauriti = sprintf(KV_ESAURITI, "CONCAT($id, '.%') COLLATE latin1_bin");
         $esito = mysqli_query(kvConnessione(), str_replace([' WHERE ', " FROM $parti[1] "], [
-            " LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
+            " LEFT JOIN kv_offerte USING (ID) LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
             ", $esauriti AS esauriti FROM $parti[1] "], $sql));
         if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
             include_once "kvtables.php";
