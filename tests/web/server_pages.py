@@ -5,6 +5,7 @@ import re
 
 from served_shop import SHOPPER
 from shop_case import CustomerCase, article, cart_cookie, main, order, shop
+from shopper_cases import *  # noqa: F401,F403  (cases that this shop runs too)
 
 
 class Pages(CustomerCase):

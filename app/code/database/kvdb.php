@@ -189,6 +189,8 @@ const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponi
 function kvArticoliPagina(string $sql)
 {
     $esito = false;
+    $scelti = function_exists('kvScelteElenco') && kvScelteElenco()['attiva'];
+    $sql = $scelti ? kvSqlScelti($sql) : $sql;
     kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
@@ -208,7 +210,7 @@ function kvArticoliPagina(string $sql)
     }
     $righe = mysqli_fetch_all($esito, MYSQLI_ASSOC);
     usort($righe, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
-    return new KvRighe($righe);
+    return new KvRighe($scelti ? kvOrdinaScelti($righe) : $righe);
 }
 
 // The calls of the extension that PHP 7 left out, as far as pages, modules and merchants' own templates use them.
@@ -225,6 +227,9 @@ if (!function_exists('mysql_query')) {
         // A department page reads the articles of all its sub-pages to learn the number of the last one, which the
         // first row tells.
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
+            if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
+                return new KvRighe([['sottopagina' => kvPagineScelte()]]);
+            }
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
             return kvArticoliPagina(substr($sql, 0, -27));
