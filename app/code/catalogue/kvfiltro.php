@@ -57,10 +57,17 @@ function kvImportoCampo(?int $importo): string
     return $importo === null ? '' : rtrim(rtrim(number_format($importo / 10000, 2, '.', ''), '0'), '.');
 }
 
-/** What is chosen by of all articles of this department, by their numbers: narrow rows, in the order of the shop. */
+/**
+ * What is chosen by of all articles of this department, by their numbers: narrow rows, in the order of the shop. A page
+ * that holds the whole department has read them already.
+ */
 function kvRigheReparto(): array
 {
     static $righe = null;
+    $lette = $GLOBALS['resultArt'] ?? null;
+    if ($righe === null && $lette instanceof KvRighe && (int) ($GLOBALS['mp'] ?? 0) === 1 && !kvScelteElenco()['attiva']) {
+        $righe = array_column($lette->righe, null, 'ID');
+    }
     if ($righe === null) {
         list($tabella, $n) = [kvTabellaLingua('articoli'), (string) ($GLOBALS['listino'] ?: '')];
         $varianti = '';
@@ -223,7 +230,7 @@ function kvCampiFiltro(array $scelte): string
 /** The form above a list; nothing for a department of one article. What it found is told below it. */
 function kvFiltri(): string
 {
-    if (count(kvRigheReparto()) < 2) {
+    if (!($GLOBALS['resultArt'] ?? null) instanceof KvRighe || count(kvRigheReparto()) < 2) {
         return '';
     }
     $scelte = kvScelteElenco();
