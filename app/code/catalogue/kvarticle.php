@@ -262,7 +262,7 @@ function kvSchedaCorrelata(array $riga): string
 {
     SetVariables($riga['catID']);
     $foto = kvFotoPiccola($riga);
-    $prezzo = kvPrezziNascosti() ? '' : '<strong class="prezzo">' . kvTestoImporto(kvPrezziVisitatore($riga)['prezzo']) . '</strong>';
+    $prezzo = kvPrezziNascosti() ? '' : '<strong class="importo">' . kvTestoImporto(kvPrezziVisitatore($riga)['prezzo']) . '</strong>';
     return '<li><a class="scheda" href="' . kvHtml(kvPaginaArticolo($riga)) . '"><span class="foto">'
         . ($foto === null ? '' : kvTagImmagine($foto, '')) . '</span><span class="nome">' . TestoSemplice((string) $riga['plain_titolo'])
         . "</span>$prezzo</a></li>";

@@ -1,7 +1,7 @@
 // ***1.0.7***
 // What helps a shopper on every page, where scripts run: suggestions while they type a search, the small cart after
 // something was put into it, the pictures of an article one after the other. Every page works without.
-/* global LeggiCarrello, TestoImporto, lingua */
+/* global TestoImporto, lingua */
 "use strict";
 
 /** Milliseconds between the last key and the question, so that one word typed is one question. */
