@@ -10,6 +10,7 @@ import { makeShop, serve } from "./support/model_shop.mjs";
 import { readOptions } from "./support/options.mjs";
 import { Shopper } from "./support/shopper.mjs";
 import { languages, readWords } from "./support/words.mjs";
+import { choosing } from "./scenarios/choosing.mjs";
 import { customers } from "./scenarios/customers.mjs";
 import { ordering } from "./scenarios/ordering.mjs";
 import { accessibleBackOffice, fitsInEveryLanguage, fitsTheNarrowScreen, lookedAt, measured } from "./scenarios/pages.mjs";
@@ -97,6 +98,7 @@ for (const [row, screen] of screens.entries()) {
     describe(`${options.template}, ${language.name}, ${screen.width} pixels`, () => {
       visiting(as);
       searching(as);
+      choosing(as);
       ordering(as);
       customers(as);
     });

@@ -110,8 +110,15 @@ runTests([
         '/hreflang="x-default" href="[^"]*\/cat007.php\?n=1"/', $linksOf('_l2') ? kvTesta() : '')],
     'APageForTheVisitorAloneAsksToBeLeftOut' => fn() => [[1, 0], [substr_count(kvTesta(true), 'noindex'),
         substr_count(kvTesta(true), 'canonical')]],
-    'ADescriptionWithQuotesStaysInItsAttribute' => fn() => [1, substr_count(kvTesta(false, 'Tazza "Alba"'),
+    'ADescriptionWithQuotesStaysInItsAttribute' => fn() => [1, substr_count(kvTesta(true, 'Tazza "Alba"'),
         'content="Tazza &quot;Alba&quot;"')],
+    'WhoShowsALinkToAPageIsToldTitleAddressAndDescription' => fn() => [
+        ['og:title" content="Tazze &amp; c."', 'og:url" content="http://localhost:8080/cat007.php?n=1"',
+            'og:description" content="Tazza &quot;Alba&quot;"'], (function () {
+            kvTitolo('<b>Tazze</b> & c.');
+            preg_match_all('/og:(?:title|url|description)" content="[^"]*"/', kvTesta(false, 'Tazza "Alba"'), $told);
+            return $told[0] === [] ? [] : [$told[0][0], $told[0][2], $told[0][1]];
+        })()],
 
     'TheShowcaseTableBecomesAList' => fn() => [2, substr_count(kvVetrina("<table><tr>\r\n<td valign=\"top\" align=\"center\" "
         . "width=\"50%\">\r\n<font size=\"2\">\r\nuno</font></td>\r\n<td valign=\"top\" align=\"center\" width=\"50%\">\r\n<font "

@@ -18,8 +18,10 @@ function shopContext(folder) {
       getElementById: (id) => id === "kv-carrello-dati" ? { textContent: parts.data } : null,
       querySelectorAll: () => [],
       addEventListener: (name, act) => parts.ready.push(act),
+      dispatchEvent: () => true,
     };
-    const context = vm.createContext({ document, navigator: {}, location: { pathname: "/", protocol: "http:" } });
+    const location = { pathname: "/", protocol: "http:" };
+    const context = vm.createContext({ document, navigator: {}, location, CustomEvent: class {} });
     context.window = Object.assign(context, { addEventListener: () => {} });
     for (const name of ["js0.js", "js1.js", "js2.js"]) {
       vm.runInContext(readFileSync(join(folder, name), "latin1"), context);

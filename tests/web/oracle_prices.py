@@ -77,10 +77,10 @@ class Rules:
     def with_vat(self, amount, department):
         return amount + product(amount, self.vat_rate(department)) if self.shop.vat_included else amount
 
-    @staticmethod
-    def on_offer(article, listino):
-        """An offer at the list price is none: nothing tells it from the list price."""
-        return article.offers[listino] and article.offer_prices[listino] != article.prices[listino]
+    def on_offer(self, article, listino):
+        """An offer at the list price is one where there is a discount that it doesn't take."""
+        return article.offers[listino] and (article.offer_prices[listino] != article.prices[listino]
+                                            or self.factor(article.department, listino) != 1)
 
     def list_price(self, article, listino):
         return self.with_vat(article.prices[listino], article.department)

@@ -136,6 +136,13 @@ def make_variants(draw):
     return variants
 
 
+def offer_price(draw, full, offered):
+    """One of four offers is at the list price. A price kept ready for the next offer is none of today."""
+    if not offered and draw.random() >= .2:
+        return None
+    return full if draw.random() < .25 else max(1, int(full * draw.uniform(.4, 1.1)))
+
+
 def make_article(draw, number, department, position, variants):
     prices = [price(draw) for _ in LISTINI]
     offers = [draw.random() < .25 for _ in LISTINI]
@@ -143,9 +150,7 @@ def make_article(draw, number, department, position, variants):
     return Article(
         id=number, department=department, position=position, weight=thousandths(draw, 4000), prices=prices,
         offers=offers,
-        # A price kept ready for the next offer is none of today.
-        offer_prices=[max(1, int(full * draw.uniform(.4, 1.1))) if offered or draw.random() < .2 else None
-                      for full, offered in zip(prices, offers)],
+        offer_prices=[offer_price(draw, full, offered) for full, offered in zip(prices, offers)],
         quantity_discount=[draw.random() < .5 for _ in LISTINI],
         quantities=draw.choice(((3, 10), (10, 3), (0, 5), (4, 0), (2, 20))),
         percents=(draw.choice(PERCENT), draw.choice(PERCENT)), variants=slots)

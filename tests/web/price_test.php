@@ -56,6 +56,10 @@ runTests([
         kvPrezzi(article(), 0, single(0.22), single(0.9), true)],
     'AnOfferAboveTheListPriceShowsNoPercentage' => fn() =>
         [0.0, kvPrezzi(article(120), 0, 0.0, 1.0, false)['sconto']],
+    'AnOfferAtTheListPriceTakesNoDiscountOfTheDepartment' => fn() => [
+        ['listino' => 1220000, 'offerta' => true, 'sconto' => 0.0, 'prezzo' => 1220000, 'ridotto' => true],
+        kvPrezzi(['offerte' => '5'] + article(), 0, single(0.22), single(0.9), true)],
+    'AnOfferOfAnotherListinoIsNone' => fn() => [false, kvPrezzi(['offerte' => '5'] + article(), 1, 0.22, 0.9, true)['offerta']],
     'AFactorOfOneLeavesThePriceAlone' => fn() => [1000000, kvPrezzi(article(), 0, 0.22, 1.0, false)['prezzo']],
     'AnotherListinoHasItsOwnPrice' => fn() => [800000, kvPrezzi(article(50), 1, 0.22, 1.0, false)['prezzo']],
     'ARowWithoutPricesCostsNothing' => fn() => [0, kvPrezzi([], 3, 0.22, 0.9, true)['prezzo']],

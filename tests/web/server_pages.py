@@ -8,6 +8,7 @@ from law_page_cases import LawfulPages, enter_identity  # noqa: F401
 from law_price_cases import LegalNotes  # noqa: F401  (its tests run on this file's shop)
 from served_shop import SHOPPER
 from shop_case import CustomerCase, article, cart_cookie, main, order, shop
+from shopper_cases import *  # noqa: F401,F403  (cases that this shop runs too)
 
 
 class Pages(CustomerCase):

@@ -53,6 +53,7 @@ if ($kvGettoneConto !== '') {
 <input type="hidden" name="azione" value="esci">
 <p><button type="submit"><<4-esci>></button> <a href="<?php echo $home; ?>"><<4-torna_al_negozio>></a></p>
 </form>
+<?php include_once "kvstorico.php"; echo kvStorico((int) $cliente); ?>
 <div class="colonne">
 <form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-dati_cliente>></h2>

@@ -2,10 +2,9 @@
 // The cart page and the order form. The totals follow the same rule as kvTotali of kvtotals.php, told there, in whole
 // numbers alone: amounts in smallest units of the currency, thresholds and weights in ten-thousandths, rates in
 // millionths. What is sent with the order is the cart; the server works the order out anew.
-/* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa */
-/* global scala, TestoImporto, Interi, Parte, ImportoRiga, IvaCompresa, IvaNelleRighe, NomePaese, scimp, scperc, scl */
-/* global totiva, SpOk, IvaOk, tipopeso, ivacompresa, aliquotaspese, minimo, qminima, zonainiziale */
-/* global obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
+/* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa, scala, TestoImporto, Interi, Parte */
+/* global ImportoRiga, IvaCompresa, IvaNelleRighe, NomePaese, scimp, scperc, scl, totiva, SpOk, IvaOk, tipopeso, ivacompresa */
+/* global aliquotaspese, minimo, qminima, zonainiziale, obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
 /* exported MostraCarrello, SpedPaese, CaricaDati, InviaOrdine */
 "use strict";
 
@@ -296,6 +295,7 @@ function DisegnaCarrello() {
   if (!document.Ordine) {
     ScriviTotali(document.getElementById("carrello-totali"), totali(righe, 1, 0), false);
     ApriOrdine(righe);
+    document.dispatchEvent(new CustomEvent("kv-carrello", { detail: righe }));
   }
 }
 

@@ -1,7 +1,8 @@
 <?php
 // ***1.0.7***
 // Changes the cart for browsers without scripts: takes the plain forms of the article pages (compra: "article.position",
-// pieces and values under the names of the page) and of the cart page (q[line]: pieces, togli: a line). Leads to the cart.
+// pieces and values under the names of the page) and of the cart page (q[line]: pieces, togli: a line), and an order to be
+// repeated (ripeti: its code). Leads to the cart.
 include "funcs.php";
 include_once "kvcart.php";
 
@@ -78,6 +79,9 @@ $kvVoci = kvVociCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));
 $kvRifiuto = '';
 if (isset($_POST['compra'])) {
     $kvRifiuto = kvAggiungi($kvVoci);
+} elseif (isset($_POST['ripeti'])) {
+    include_once "kvstorico.php";
+    $kvRifiuto = kvRipeti($kvVoci, kvCampo($_POST, 'ripeti', 20), (int) $cliente);
 } else {
     $kvVoci = kvCambiaRighe($kvVoci);
 }

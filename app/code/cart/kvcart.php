@@ -6,6 +6,7 @@
 include_once "kvtotals.php";
 include_once "kvvariant.php";
 include_once "kvstock.php";
+include_once "kvcard.php";
 
 /** Most lines of a cart. */
 const KV_RIGHE = 200;
@@ -80,7 +81,7 @@ function kvRigaCarrello(array $voce, ?array $riga): array
 {
     global $listino, $inaccessibile, $ivacompresa, $ivarep;
     $vuota = ['id' => $voce['id'], 'quantita' => $voce['q'], 'chiavi' => $voce['k'], 'ok' => false, 'codice' => '',
-        'testo' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'aliquota' => 0, 'peso' => 0,
+        'testo' => '', 'pagina' => '', 'foto' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'aliquota' => 0, 'peso' => 0,
         'scorte' => []];
     if ($riga === null) {
         return $vuota;
@@ -92,6 +93,8 @@ function kvRigaCarrello(array $voce, ?array $riga): array
     }
     $vuota['codice'] = (string) $riga['codice'];
     $vuota['testo'] = kvNomeArticolo($riga);
+    $vuota['pagina'] = isset($riga['linkPage']) ? kvPaginaArticolo($riga) : '';
+    $vuota['foto'] = html_entity_decode((string) (kvFotoPiccola($riga)['src'] ?? ''), ENT_QUOTES, 'cp1252');
     $scelte = kvScelte($riga, $voce['k'], $listino);
     if ($scelte === null || kvPrezziNascosti()) {
         return $vuota;
@@ -164,7 +167,7 @@ function kvLettereCarrello(): string
     return $lettere;
 }
 
-/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, a, w, ok, m. */
+/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, a, w, ok, m, u (its page), f (picture). */
 function kvDatiCarrello(): string
 {
     $dati = [];
@@ -172,7 +175,7 @@ function kvDatiCarrello(): string
         $dati[] = [
             'c' => kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]), 'n' => kvUtf8($riga['testo']),
             'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'], 'a' => $riga['aliquota'],
-            'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'],
+            'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'], 'u' => $riga['pagina'], 'f' => kvUtf8($riga['foto']),
         ];
     }
     return (string) json_encode($dati, JSON_HEX_TAG | JSON_HEX_AMP | JSON_HEX_APOS | JSON_HEX_QUOT

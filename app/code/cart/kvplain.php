@@ -46,8 +46,10 @@ function kvRigaModulo(array $riga): string
 {
     $segno = kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]);
     $nome = kvHtml($riga['testo']);
+    $legame = $riga['pagina'] === '' ? $nome : '<a href="' . kvHtml($riga['pagina']) . "\">$nome</a>";
+    $foto = $riga['foto'] === '' ? '' : '<img class="provino" src="' . kvHtml($riga['foto']) . '" alt="">';
     $motivo = kvMotivoRiga($riga);
-    return '<tr' . ($motivo === '' ? '' : ' class="da-correggere"') . "><td>$nome"
+    return '<tr' . ($motivo === '' ? '' : ' class="da-correggere"') . "><td>$foto$legame"
         . ($riga['scelte'] === '' ? '' : '<br><small>' . kvHtml($riga['scelte']) . '</small>')
         . ($motivo === '' ? '' : '<br><strong>' . kvHtml($motivo) . '</strong>') . '</td><td><input type="number" name="q['
         . strtr($segno, '.', '-') . ']" min="0" max="99999" value="' . $riga['quantita'] . '" aria-label="'

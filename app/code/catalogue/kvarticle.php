@@ -289,16 +289,37 @@ function kvGruppiPagina(string $gruppo): array
     return $gruppi;
 }
 
-/** Links to the other articles with the same group word, twelve at most. */
+/** A card of another article: picture, title, price. Its department is set for its price, and not set back. */
+function kvSchedaCorrelata(array $riga): string
+{
+    SetVariables($riga['catID']);
+    $foto = kvFotoPiccola($riga);
+    $prezzo = kvPrezziNascosti() ? '' : '<strong class="importo">' . kvTestoImporto(kvPrezziVisitatore($riga)['prezzo']) . '</strong>';
+    return '<li><a class="scheda" href="' . kvHtml(kvPaginaArticolo($riga)) . '"><span class="foto">'
+        . ($foto === null ? '' : kvTagImmagine($foto, '')) . '</span><span class="nome">' . TestoSemplice((string) $riga['plain_titolo'])
+        . "</span>$prezzo</a></li>";
+}
+
+/** The other articles with the same group word, twelve at most: cards on the page of one article, links in a list. */
 function kvCorrelati(array $riga): string
 {
     $gruppo = kvGruppo($riga);
-    $voci = [];
-    foreach ($gruppo === '' ? [] : kvGruppiPagina($gruppo)[$gruppo] as $altra) {
-        if ((int) $altra['ID'] !== (int) $riga['ID'] && count($voci) < 12) {
-            $voci[] = '<li><a href="' . kvHtml($altra['pagina']) . '.php?n=' . (int) $altra['sottopagina'] . '#'
-                . (int) $altra['contatore'] . '">' . kvTestoHtml((string) $altra['plain_titolo']) . '</a></li>';
+    $altre = array_slice(array_filter($gruppo === '' ? [] : kvGruppiPagina($gruppo)[$gruppo],
+        fn($altra) => (int) $altra['ID'] !== (int) $riga['ID']), 0, 12);
+    $voci = '';
+    if (is_array($GLOBALS['kvSolo'] ?? null)) {
+        include_once "kvcard.php";
+        $intere = kvArticoli(array_column($altre, 'ID'));
+        kvLeggiReparti(array_map('strval', array_column($intere, 'catID')));
+        foreach ($altre as $altra) {
+            $voci .= isset($intere[(int) $altra['ID']]) ? kvSchedaCorrelata($intere[(int) $altra['ID']]) : '';
         }
+        SetVariables($riga['catID']);
+        return $voci === '' ? '' : '<ul class="correlati schede">' . $voci . '</ul>';
     }
-    return $voci === [] ? '' : '<ul class="correlati">' . implode('', $voci) . '</ul>';
+    foreach ($altre as $altra) {
+        $voci .= '<li><a href="' . kvHtml($altra['pagina']) . '.php?n=' . (int) $altra['sottopagina'] . '#'
+            . (int) $altra['contatore'] . '">' . kvTestoHtml((string) $altra['plain_titolo']) . '</a></li>';
+    }
+    return $voci === '' ? '' : '<ul class="correlati">' . $voci . '</ul>';
 }

@@ -161,7 +161,7 @@ function kvArticoloSolo(bool $unica = false): ?array
     if (!empty($GLOBALS['kvErrata']) || ($pagina > 0 && $pagina !== (int) $sp) || ($posto > 0 && !isset($righe[$posto - 1]))) {
         kvNonTrovata();
     }
-    return $posto > 0 ? $righe[$posto - 1] : ($unica && count($righe) === 1 ? $righe[0] : null);
+    return $posto > 0 ? $righe[$posto - 1] : ($unica && count($righe) === 1 && !kvScelteElenco()['attiva'] ? $righe[0] : null);
 }
 
 /** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */
@@ -183,7 +183,21 @@ function kvArticoloDisponibile(array $riga): bool
 /** The page that shows an article of this page alone. */
 function kvPaginaScheda(array $riga): string
 {
-    return kvFile() . '?n=' . (int) $GLOBALS['sp'] . '&prod=' . (int) $riga['contatore'];
+    return kvFile() . '?n=' . (int) ($riga['sottopagina'] ?? $GLOBALS['sp']) . '&prod='
+        . (int) ($riga['posto'] ?? $riga['contatore']);
+}
+
+/** The same for an article of any department. */
+function kvPaginaArticolo(array $riga): string
+{
+    return $riga['linkPage'] . '.php?n=' . (int) $riga['sottopagina'] . '&prod=' . (int) $riga['contatore'];
+}
+
+/** The smallest picture of an article that is fit for a list; null without any. */
+function kvFotoPiccola(array $riga): ?array
+{
+    return kvImmagine((string) ($riga['immagine3'] ?? '')) ?? kvImmagine((string) ($riga['immagine1'] ?? ''))
+        ?? kvImmagine((string) ($riga['immagine2'] ?? ''));
 }
 
 /** Whether the visitor has to choose a variant of the article. */
@@ -311,6 +325,11 @@ function kvDatiArticolo(array $riga, bool $disponibile): array
         $dati['offers'] = $offerta($prezzo, $disponibile);
         $valori = kvOfferteValori($riga, $offerta);
         $dati['offers'] = $valori === [] ? $dati['offers'] : $valori;
+        if (is_array($GLOBALS['kvSolo'] ?? null)) {
+            include_once "kvsociale.php";
+            $consegna = kvDatiConsegna($riga, $valuta);
+            $dati['offers'] = $valori === [] ? $dati['offers'] + $consegna : array_map(fn($uno) => $uno + $consegna, $valori);
+        }
     }
     return array_filter($dati, fn($valore) => $valore !== '');
 }

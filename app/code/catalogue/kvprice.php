@@ -47,7 +47,8 @@ function kvMinimi(int $importo, int $scala): int
 }
 
 /**
- * The prices of an article row. `aliquota` is a fraction, `fattore` the department's factor for the listino.
+ * The prices of an article row. `aliquota` is a fraction, `fattore` the department's factor for the listino. An offer is
+ * another price than the list price, or the same one where bit n of `offerte` says so of listino n.
  * Result: listino (list price) and prezzo (price asked), both in ten-thousandths, offerta (it is an offer), ridotto
  * (another price than the list price is asked), sconto (percent, 0 when none).
  */
@@ -56,7 +57,8 @@ function kvPrezzi(array $riga, int $listino, float $aliquota, float $fattore, bo
     $suffisso = $listino === 0 ? '' : (string) $listino;
     $pieno = kvDecimillesimi($riga['implistino' . $suffisso] ?? 0);
     $chiesto = kvDecimillesimi($riga['importo' . $suffisso] ?? 0);
-    $prezzi = ['listino' => kvConIva($pieno, $aliquota, $compresa), 'offerta' => $chiesto !== $pieno, 'sconto' => 0.0];
+    $pari = ((int) ($riga['offerte'] ?? 0) >> $listino & 1) === 1;
+    $prezzi = ['listino' => kvConIva($pieno, $aliquota, $compresa), 'offerta' => $chiesto !== $pieno || $pari, 'sconto' => 0.0];
     if ($prezzi['offerta']) {
         $prezzi['prezzo'] = kvConIva($chiesto, $aliquota, $compresa);
         if ($prezzi['listino'] > $prezzi['prezzo'] && $prezzi['listino'] !== 0) {
@@ -210,7 +212,7 @@ function kvArticoli(array $numeri): array
         $tabella = kvTabellaLingua('articoli');
         $letti += array_fill_keys($mancanti, null);
         $righe = kvQuery("SELECT *, $tabella.pagina AS linkPage FROM $tabella INNER JOIN dettaglio USING (ID)"
-            . " INNER JOIN ordinamento USING (ID) WHERE $tabella.ID IN ("
+            . " INNER JOIN ordinamento USING (ID) LEFT JOIN kv_offerte USING (ID) WHERE $tabella.ID IN ("
             . implode(',', array_fill(0, count($mancanti), '?')) . ')', $mancanti);
         foreach ($righe ?? [] as $riga) {
             $letti[(int) $riga['ID']] = $riga;

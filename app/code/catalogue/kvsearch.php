@@ -72,15 +72,31 @@ function kvTrova(array $parole, bool $tutte, bool $intere, int $perPagina, int $
     return [$quanti, $righe ?? [], $pagina];
 }
 
-/** One result: the row template with page, code, title, subtitle and picture in it. */
-function kvRigaRisultato(string $modello, string $pagina, array $rowArt): string
+/** Marks and price of a result, by the row of its article; nothing where that is missing. */
+function kvPrezzoRisultato(?array $riga): string
 {
+    if ($riga === null) {
+        return '';
+    }
+    SetVariables($riga['catID']);
+    $GLOBALS['rowArt'] = $riga;
+    return '<span class="segni">' . kvSegni($riga) . '</span> <span class="prezzi">' . kvPrezzo() . '</span>';
+}
+
+/**
+ * One result: the row template with page, code, title, subtitle and picture in it, and with marks and price where it
+ * names them: $arg6 is no tag of the build.
+ */
+function kvRigaRisultato(string $modello, string $pagina, array $rowArt, ?array $riga): string
+{
+    $foto = $riga === null ? null : kvFotoPiccola($riga);
     return strtr($modello, [
+        '$arg6' => strpos($modello, '$arg6') === false ? '' : kvPrezzoRisultato($riga),
         '$arg1' => kvHtml($pagina),
         '$arg2' => kvHtml((string) $rowArt['codice']),
         '$arg3' => kvTestoHtml((string) $rowArt['plain_titolo']),
         '$arg4' => kvTestoHtml((string) $rowArt['plain_sottotitolo']),
-        '$arg5' => (string) $rowArt['immagine3'],
+        '$arg5' => $foto === null ? (string) $rowArt['immagine3'] : kvTagImmagine($foto, ''),
     ]);
 }
 
@@ -112,13 +128,16 @@ $kvPerPagina = (int) "<<1-search_maxart>>" > 0 ? (int) "<<1-search_maxart>>" : 1
 list($kvQuanti, $kvTrovati, $kvPagina) = $kvParole === [] ? [0, [], 1] : kvTrova($kvParole,
     "<<1-java_ANDORsearch>>" !== 'any', $kvIntere, $kvPerPagina, (int) kvCampo($HTTP_GET_VARS, 'p', 6));
 
+include_once "kvlook.php";
 $kvModello = (string) @file_get_contents("results.htm");
+$kvRigheIntere = kvArticoli(array_column($kvTrovati, 'ID'));
+kvLeggiReparti(array_map('strval', array_column($kvRigheIntere, 'catID')));
 $kvRisultati = '';
 $fpagina = [];
 foreach ($kvTrovati as $artFound => $rowArt) {
     // A build changes this line where results lead to the single article.
     $fpagina[$artFound]=$rowArt["linkPage"].".php?n=".$rowArt["sottopagina"]."#".$rowArt["contatore"];
-    $kvRisultati .= kvRigaRisultato($kvModello, $fpagina[$artFound], $rowArt);
+    $kvRisultati .= kvRigaRisultato($kvModello, $fpagina[$artFound], $rowArt, $kvRigheIntere[(int) $rowArt['ID']] ?? null);
 }
 $kvNavigazione = kvPagineRisultati($kvTesto, $kvPagina, (int) ceil($kvQuanti / $kvPerPagina));
 include "search.htm";

@@ -183,17 +183,20 @@ const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponi
 /**
  * The articles of a page. Sorting them by a column of the last of three tables would make the server copy every text of
  * them to a temporary table, which takes longer than all the rest of the query; so they are sorted here. Where the
- * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`.
+ * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`;
+ * `offerte` tells of offers at the list price, see kvPrezzi.
  */
 function kvArticoliPagina(string $sql)
 {
     $esito = false;
+    $scelti = function_exists('kvScelteElenco') && kvScelteElenco()['attiva'];
+    $sql = $scelti ? kvSqlScelti($sql) : $sql;
     kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
         $esauriti = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
         $esito = mysqli_query(kvConnessione(), str_replace([' WHERE ', " FROM $parti[1] "], [
-            " LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
+            " LEFT JOIN kv_offerte USING (ID) LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
             ", $esauriti AS esauriti FROM $parti[1] "], $sql));
         if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
             include_once "kvtables.php";
@@ -207,7 +210,7 @@ function kvArticoliPagina(string $sql)
     }
     $righe = kvConEsauriti(mysqli_fetch_all($esito, MYSQLI_ASSOC));
     usort($righe, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
-    return new KvRighe($righe);
+    return new KvRighe($scelti ? kvOrdinaScelti($righe) : $righe);
 }
 
 /**
@@ -238,6 +241,9 @@ if (!function_exists('mysql_query')) {
         // A department page reads the articles of all its sub-pages to learn the number of the last one, which the
         // first row tells.
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
+            if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
+                return new KvRighe([['sottopagina' => kvPagineScelte()]]);
+            }
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
             return kvArticoliPagina(substr($sql, 0, -27));

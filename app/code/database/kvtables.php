@@ -32,6 +32,8 @@ function kvDefinizioni(): array
         // tipo A: an article by its number; V: article, variant and code of a value. No row: available without limit.
         'kv_disponibilita' => "tipo CHAR(1) NOT NULL, chiave VARCHAR(100) COLLATE latin1_bin NOT NULL,"
             . " disponibile TINYINT NOT NULL DEFAULT 1, quantita INT NULL, PRIMARY KEY (tipo, chiave)",
+        // Of the catalogue: an article with an offer at its list price, bit n of the number for listino n.
+        'kv_offerte' => "ID INT NULL, offerte INT NULL, KEY ix_kv_offerte_ID (ID)",
         'kv_richieste' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL,"
             . " creato DATETIME NOT NULL, gettone CHAR(64) NOT NULL UNIQUE, scade DATETIME NOT NULL,"
             . " stato VARCHAR(20) NOT NULL, dati TEXT NULL, KEY email (email)",

@@ -188,7 +188,7 @@ function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): st
     foreach ($righe as $n => $riga) {
         $voci[] = ($prima['righe'][$n] ?? []) + ['id' => $riga['id'], 'codice' => kvUtf8($riga['codice']), 'testo' => kvUtf8($riga['testo']),
             'scelte' => kvUtf8($riga['scelte']), 'quantita' => $riga['quantita'], 'importo' => $riga['importo'] / $scala,
-            'iva' => $riga['iva'] / 1000000, 'peso' => $riga['peso'] / 10000, 'scorte' => array_map('kvUtf8', $riga['scorte'])];
+            'chiavi' => $riga['chiavi'], 'iva' => $riga['iva'] / 1000000, 'peso' => $riga['peso'] / 10000, 'scorte' => array_map('kvUtf8', $riga['scorte'])];
     }
     unset($totali['ammesso']);
     return (string) json_encode([

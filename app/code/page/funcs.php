@@ -11,6 +11,7 @@ if (!defined('KORVANE_SHOP')) {
     include_once "kvcontext.php";
     include_once "kvprice.php";
     include_once "kvarticle.php";
+    include_once "kvfiltro.php";
     include_once "kvpay.php";
 
     // The settings, first as a shop without any has them, then as the build wrote them.

@@ -225,7 +225,11 @@ function Acquista(articolo, prezzo, iva, quantita, opzione1, opzione2, opzione3,
   } else {
     righe.push({ id: id, q: pezzi, k: chiavi });
   }
-  Avvisa(ScriviCarrello(righe) ? "<<4-aggiunto_al_carrello>>" : "<<4-carrello_non_conservato>>");
+  const tenuto = ScriviCarrello(righe);
+  Avvisa(tenuto ? "<<4-aggiunto_al_carrello>>" : "<<4-carrello_non_conservato>>");
+  if (tenuto) {
+    document.dispatchEvent(new CustomEvent("kv-aggiunto", { detail: segno }));
+  }
 }
 
 /** Goes to the department chosen in the drop-down. */

@@ -5,6 +5,7 @@
 include_once "kvhtml.php";
 include_once "kvpalette.php";
 include_once "kvcard.php";
+include_once "kvfiltro.php";
 
 /** The language codes and own names of the modules, by their file names. Source: BCP 47. */
 const KV_LINGUE = ['italiano' => ['it', 'Italiano'], 'inglese' => ['en', 'English'], 'francese' => ['fr', "Fran\xE7ais"],
@@ -25,6 +26,7 @@ KORVANE_VALORI
 function kvTitolo(string $html, int $sottopagina = 1): string
 {
     $titolo = TestoSemplice($html);
+    $GLOBALS['kvTitoloPagina'] = $titolo;
     return ($titolo === '' ? '' : $titolo . ($sottopagina > 1 ? " ($sottopagina)" : '') . ' - ') . kvNome();
 }
 
@@ -54,7 +56,7 @@ function kvParteMostrata(): string
     if (!isset($sp)) {
         return '';
     }
-    return '?n=' . (int) $sp . ($HTTP_GET_VARS['prod'] > 0 ? '&prod=' . $HTTP_GET_VARS['prod'] : '');
+    return '?n=' . (kvScelteElenco()['attiva'] ? 1 : (int) $sp) . ($HTTP_GET_VARS['prod'] > 0 ? '&prod=' . $HTTP_GET_VARS['prod'] : '');
 }
 
 /**
@@ -128,7 +130,8 @@ KORVANE_VALORI
             $html .= "<link rel=\"alternate\" hreflang=\"$per\" href=\"" . kvHtml(kvAssoluto($file)) . "\">\n";
         }
     }
-    return $html;
+    include_once "kvsociale.php";
+    return $html . kvDatiSociali($descrizione);
 }
 
 /** The keywords of the shop for search engines that still read them; nothing without any. */
@@ -220,7 +223,8 @@ function kvPagine(int $pagina, int $pagine): string
     if ($pagine < 2) {
         return '';
     }
-    $voce = fn(int $n, string $segno, string $altro) => '<a href="' . kvHtml(kvFile()) . "?n=$n\"$altro>$segno</a>";
+    $voce = fn(int $n, string $segno, string $altro) => '<a href="' . kvHtml(kvFile() . "?n=$n" . kvCodaScelte())
+        . "\"$altro>$segno</a>";
     $voci = $pagina > 1 ? '<li>' . $voce($pagina - 1, '&lsaquo; ' . kvHtml("<<4-precedente>>"), ' rel="prev"') . '</li>' : '';
     $ultima = 0;
     for ($n = 1; $n <= $pagine; $n++) {

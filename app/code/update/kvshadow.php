@@ -76,6 +76,22 @@ function kvIstruzioneCarico(KvCarico $carico, string $istruzione): ?string
     return $istruzione;
 }
 
+/** Tables of the catalogue that a build only writes where it has rows for them. */
+const KV_LATERALI = ['kv_offerte'];
+
+/** Where the whole catalogue comes without one of these tables, its former rows go with it. The failure. */
+function kvSvuotaLaterali(KvCarico $carico): string
+{
+    $guasto = '';
+    foreach (in_array('ordinamento', $carico->nuove, true) ? array_diff(KV_LATERALI, $carico->nuove) : [] as $tabella) {
+        $guasto = $guasto === '' ? kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $tabella) : $guasto;
+        $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$tabella (" . kvDefinizioni()[$tabella]
+            . ') ENGINE=InnoDB') : $guasto;
+        $carico->nuove[] = $tabella;
+    }
+    return $guasto;
+}
+
 /** Puts the filled tables in the position of the former ones, all at once; takes those away. The failure. */
 function kvScambia(KvCarico $carico): string
 {
@@ -124,6 +140,7 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
         $guasto = $guasto === '' && $istruzione !== '' ? kvTogliDaCarico($carico, $istruzione) : $guasto;
     }
     $guasto = $guasto === '' ? kvCaricaSql($nuovo, $carico) : $guasto;
+    $guasto = $guasto === '' ? kvSvuotaLaterali($carico) : $guasto;
     $guasto = $guasto === '' ? kvIndicizza($carico) : $guasto;
     $guasto = $guasto === '' ? kvSegnaCarico() : $guasto;
     $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;

@@ -29,6 +29,8 @@ kvProteggiSql($kvFile);
 $kvEsito = kvCaricaTutto($kvVia, $kvNuovo, "<<1-IDlingua>>");
 if ($kvEsito === '') {
     kvTogliSql([$kvVia, $kvNuovo], $kvFile);
+    include_once "kvmappa.php";
+    kvScriviMappe();
     $kvEsito = 'OK';
 }
 echo $kvEsito;

@@ -36,7 +36,8 @@ struct ArticleLists {
 /// Marks the build, reads the facts of the shop and creates the build database.
 Result<ShopFacts> prepareBuild(Session& session, Environment& env, BuildOutput& output);
 
-/// Copies the departments and the codes of options into the build database, and surveys the articles.
+/// Copies the departments, the codes of options and the offers at list price into the build database, and surveys the
+/// articles.
 Result<ArticleSurvey> copyShopRows(Database& catalogue, const ShopFacts& shop, BuildOutput& output,
                                    const BuildProgress& progress);
 

@@ -1,5 +1,9 @@
 // What is done once for all languages, before the first page.
 
+#include <map>
+#include <optional>
+#include <utility>
+
 #include "builder/run/build_messages.h"
 #include "builder/run/build_phases.h"
 #include "commerce/shipping/currency_form.h"
@@ -47,6 +51,12 @@ std::string departmentQuery() {
   return "SELECT " + names + " FROM categorie ORDER BY livello, ordinamento";
 }
 
+// What the discount of a row of departmentQuery, or else the shop's, leaves of a price of a listino.
+float departmentFactor(const Statement& department, int listino, float shopFactor) {
+  const int column = 3 + 2 * listino;
+  return department.isNull(column) ? shopFactor : discountFactor(department.single(column), shopFactor);
+}
+
 // A department with its VAT as a fraction and, for each listino, its discount factor and its lock.
 void bindDepartment(const Statement& department, float shopFactor, Statement& row) {
   row.bind(1, department.text(0));
@@ -54,8 +64,7 @@ void bindDepartment(const Statement& department, float shopFactor, Statement& ro
   row.bind(3, static_cast<double>(department.single(2) / 100.0F));
   for (int n = 0; n < listini; ++n) {
     const int column = 3 + 2 * n;
-    const float factor = department.isNull(column) ? shopFactor : discountFactor(department.single(column), shopFactor);
-    row.bind(column + 1, static_cast<double>(factor));
+    row.bind(column + 1, static_cast<double>(departmentFactor(department, n, shopFactor)));
     row.bind(column + 2, department.flag(column + 1));
   }
 }
@@ -93,6 +102,67 @@ Result<> copyOptionCodes(Database& catalogue, const ArticleSurvey& survey, Build
   return {};
 }
 
+// Which listini a department's discount, or else the shop's, lowers prices of: bit n for listino n, by key.
+using DiscountedListini = std::map<std::string, std::int64_t, std::less<>>;
+
+Result<DiscountedListini> discountedListini(Database& catalogue, float shopFactor) {
+  auto departments = catalogue.prepare(departmentQuery());
+  if (!departments) return fail(departments.error());
+  DiscountedListini found;
+  auto more = departments->step();
+  for (; more && *more; more = departments->step()) {
+    std::int64_t bits = 0;
+    for (int n = 0; n < listini; ++n) {
+      const float factor = departmentFactor(*departments, n, shopFactor);
+      if (factor != 1.0F) bits |= std::int64_t{1} << n;
+    }
+    found[std::string(departments->text(0))] = bits;
+  }
+  if (!more) return fail(more.error());
+  return found;
+}
+
+// Number and department of the articles with an offer at the list price, and the listini that it holds for. A price of
+// nothing is left out: no discount changes it.
+std::string levelOfferQuery() {
+  std::string bits;
+  for (std::size_t n = 0; n < listini; ++n) {
+    const std::string suffix(listinoSuffixes[n]);
+    bits.append(bits.empty() ? "" : " + ")
+        .append("COALESCE(offerta" + suffix + " <> 0 AND prezzo" + suffix + " <> 0 AND offertaprezzo" + suffix +
+                " = prezzo" + suffix + ", 0) * " + std::to_string(1U << n));
+  }
+  return "SELECT ID, catID, " + bits +
+         " AS bits FROM articoli WHERE COALESCE(fuoricatalogo, 0) = 0 AND bits > 0 ORDER BY ID";
+}
+
+// Only where a discount would be taken is such an offer another thing than none; a shop without one gets no table.
+Result<> copyLevelOffers(Database& catalogue, float shopFactor, BuildOutput& output) {
+  const auto discounted = discountedListini(catalogue, shopFactor);
+  if (!discounted) return fail(discounted.error());
+  auto offers = catalogue.prepare(levelOfferQuery());
+  if (!offers) return fail(offers.error());
+  std::optional<Statement> row;
+  auto more = offers->step();
+  for (; more && *more; more = offers->step()) {
+    const auto department = discounted->find(offers->text(1));
+    const std::int64_t bits = department == discounted->end() ? 0 : department->second & offers->integer(2);
+    if (bits == 0) continue;
+    if (!row) {
+      const TableInfo table = levelOffersTable();
+      if (auto added = output.addTable(table); !added) return added;
+      auto insert = output.insertInto(table.name, {"ID", "offerte"});
+      if (!insert) return fail(insert.error());
+      row = std::move(*insert);
+    }
+    row->bind(1, offers->integer(0));
+    row->bind(2, bits);
+    if (auto written = row->execute(); !written) return written;
+  }
+  if (!more) return fail(more.error());
+  return {};
+}
+
 }  // namespace
 
 Result<ShopFacts> prepareBuild(Session& session, Environment& env, BuildOutput& output) {
@@ -119,6 +189,7 @@ Result<ArticleSurvey> copyShopRows(Database& catalogue, const ShopFacts& shop, B
   auto survey = surveyArticles(catalogue, progress);
   if (!survey) return survey;
   if (auto copied = copyOptionCodes(catalogue, *survey, output); !copied) return fail(copied.error());
+  if (auto copied = copyLevelOffers(catalogue, shop.factor, output); !copied) return fail(copied.error());
   return survey;
 }
 

@@ -36,6 +36,10 @@ std::vector<TableInfo> tagDatabaseTables();
 /// so that InnoDB accepts a row. Every language-dependent column of the derived row is in articoli<suffix>, every
 /// other one in dettaglio or ordinamento; only ID is in more than one of the three.
 std::vector<TableInfo> buildDatabaseTables();
+/// kv_offerte: which articles are on offer at their list price where their department has a discount, by `ID`; bit n of
+/// `offerte` is listino n. In a build database only where there is such an article: the prices in `ordinamento` don't
+/// tell one from no offer at all, and no discount is taken off an offer.
+TableInfo levelOffersTable();
 /// kvftp.mdb: the table `file`, one row for each file of the site.
 std::vector<TableInfo> transferTables();
 

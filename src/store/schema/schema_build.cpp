@@ -220,6 +220,8 @@ std::vector<TableInfo> tagDatabaseTables() {
   return {spreadTable(page), spreadTable({"articoli", derivedRules()})};
 }
 
+TableInfo levelOffersTable() { return exported({"kv_offerte", {number("ID"), number("offerte")}}); }
+
 std::vector<TableInfo> buildDatabaseTables() {
   std::vector<TableInfo> tables{exported({"categorie",
                                           {text("ID", keyWidth), flag("nascosto"), single("iva"),

@@ -9,7 +9,8 @@ import { htmlFaults } from "../support/valid_html.mjs";
 
 /** Pages that any visitor can open, by stem and what follows it. */
 export const pageKinds = [
-  ["index"], ["cat001", "?n=1"], ["cat007", "?n=1"], ["cat007", "?n=2"], ["search"], ["kvsearch", "?q=gres&p=1"],
+  ["index"], ["cat001", "?n=1"], ["cat007", "?n=1"], ["cat007", "?n=2"], ["cat007", "?n=1&prod=1"],
+  ["cat007", "?n=1&ordine=prezzo"], ["search"], ["kvsearch", "?q=gres&p=1"],
   ["kvsearch", "?q=nessunarticolo"], ["cart"], ["order"], ["login"], ["login", "?m=11"], ["messaggio"],
   ["condizioni"], ["recesso"], ["datipers"], ["kvrecesso"],
 ];

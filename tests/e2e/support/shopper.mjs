@@ -114,7 +114,7 @@ export class Shopper {
 
   async search(words) {
     await this.open("search");
-    const field = this.page.locator("main").getByRole("searchbox");
+    const field = this.page.locator("main input[name=q]");
     await field.fill(words);
     await Promise.all([this.page.waitForURL(/kvsearch/), field.press("Enter")]);
   }
