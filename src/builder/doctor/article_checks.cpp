@@ -28,11 +28,11 @@ std::string inList(int listino) { return listino == 0 ? "" : " nel listino " + s
 /// A finding for each of the price lists, mended by ending the offer there.
 void addOffers(Findings& found, const DoctorFacts& facts, std::size_t index, ListFlags lists, const std::string& text) {
   const ArticleFact& article = facts.articles[index];
+  const std::string_view field = article.isHidden ? "offerta" : "offertaprezzo";
   for (int listino = 0; lists != 0 && listino < listini; ++listino) {
     if (!hasBit(lists, listino)) continue;
     const std::string column = "offerta" + std::string(listinoSuffixes[static_cast<std::size_t>(listino)]);
-    found.push_back(
-        articleFinding(facts, index, text + inList(listino), articleTarget(article, "offerta", 1, listino)));
+    found.push_back(articleFinding(facts, index, text + inList(listino), articleTarget(article, field, 1, listino)));
     found.back().mending = "Togli l'offerta";
     found.back().writes = {articleWrite(article, column, false)};
   }

@@ -182,6 +182,11 @@ class ArticleReader {
 
 }  // namespace
 
+std::string articleFactsQuery(int languages) {
+  ArticleColumns columns;
+  return articleSelect(languages, columns);
+}
+
 Result<> readArticleFacts(Database& catalogue, DoctorFacts& facts, const TextLook& look, PictureShelf& shelf) {
   return ArticleReader(facts, look, shelf).readAll(catalogue);
 }

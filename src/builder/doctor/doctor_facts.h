@@ -178,6 +178,8 @@ class PictureShelf {
 
 /// Reads all articles in one pass; departments and variants are there already. Private to the doctor.
 Result<> readArticleFacts(Database& catalogue, DoctorFacts& facts, const TextLook& look, PictureShelf& shelf);
+/// The query of that pass, with all columns that the checks of articles need.
+std::string articleFactsQuery(int languages);
 /// Reads template, pages and ages. Failures as Database::prepare and Statement::step. Private to the doctor.
 Result<> readSiteFacts(Session& session, const std::string& applicationFolder, DoctorFacts& facts, TextLook& look);
 
