@@ -13,11 +13,11 @@ constexpr std::array<std::string_view, 3> priceColumns{"prezzo", "offerta", "off
 constexpr std::string_view variantStems[]{"opzione1", "opzione2", "opzione3", "opzione4"};
 
 /// Where the families of columns begin in the statement.
-struct ArticleColumns {
+struct FactColumns {
   int texts = 6, prices = 0, pictures = 0, variants = 0;
 };
 
-std::string articleSelect(int languages, ArticleColumns& at) {
+std::string articleSelect(int languages, FactColumns& at) {
   std::string sql = "SELECT ID, catID, codice, fuoricatalogo, link, ID";
   for (const std::string_view column : textColumns) sql += ", " + languageColumns(column, languages);
   at.prices = at.texts + static_cast<int>(textColumns.size()) * languages;
@@ -36,9 +36,9 @@ std::string articleSelect(int languages, ArticleColumns& at) {
   return sql + " FROM articoli";
 }
 
-class ArticleReader {
+class ArticleFactReader {
  public:
-  ArticleReader(DoctorFacts& facts, const TextLook& look, PictureShelf& shelf)
+  ArticleFactReader(DoctorFacts& facts, const TextLook& look, PictureShelf& shelf)
       : facts_(facts), look_(look), shelf_(shelf) {
     for (std::size_t i = 0; i < facts.variants.size(); ++i) variantIndex_[facts.variants[i].ID] = i;
   }
@@ -174,7 +174,7 @@ class ArticleReader {
   DoctorFacts& facts_;
   const TextLook& look_;
   PictureShelf& shelf_;
-  ArticleColumns at_;
+  FactColumns at_;
   std::unordered_map<std::int64_t, std::size_t> variantIndex_;
   std::string lastID_;
   std::size_t lastDepartment_ = noIndex;
@@ -183,12 +183,12 @@ class ArticleReader {
 }  // namespace
 
 std::string articleFactsQuery(int languages) {
-  ArticleColumns columns;
+  FactColumns columns;
   return articleSelect(languages, columns);
 }
 
 Result<> readArticleFacts(Database& catalogue, DoctorFacts& facts, const TextLook& look, PictureShelf& shelf) {
-  return ArticleReader(facts, look, shelf).readAll(catalogue);
+  return ArticleFactReader(facts, look, shelf).readAll(catalogue);
 }
 
 }  // namespace kv

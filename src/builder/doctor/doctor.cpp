@@ -6,47 +6,49 @@ namespace kv {
 namespace {
 
 constexpr const char* silenceTable = "controllosilenzi";
-constexpr std::string_view articles = "Articoli", departments = "Reparti", variants = "Varianti", pictures = "Immagini",
-                           texts = "Testi e template", selling = "Vendita", server = "Sito e server";
+constexpr std::string_view ofArticles = "Articoli", ofDepartments = "Reparti", ofVariants = "Varianti",
+                           ofPictures = "Immagini", ofTexts = "Testi e template", ofSelling = "Vendita",
+                           ofServer = "Sito e server";
+constexpr std::string_view oldSite = "site.old", oldServer = "server.old";
 
 constexpr std::array checkTable{
-    DoctorCheck{"code.missing", articles, Severity::Warning, findMissingCodes},
-    DoctorCheck{"code.doubled", articles, Severity::Warning, findDoubledCodes},
-    DoctorCheck{"title.missing", articles, Severity::Error, findMissingTitles},
-    DoctorCheck{"article.untranslated", articles, Severity::Warning, findUntranslatedArticles},
-    DoctorCheck{"price.zero", articles, Severity::Error, findZeroPrices},
-    DoctorCheck{"offer.abovePrice", articles, Severity::Warning, findBadOffers},
-    DoctorCheck{"offer.hidden", articles, Severity::Warning, findHiddenOffers},
-    DoctorCheck{"article.stray", articles, Severity::Error, findStrayArticles},
-    DoctorCheck{"variant.lost", articles, Severity::Error, findLostVariants},
-    DoctorCheck{"department.untitled", departments, Severity::Error, findUntitledDepartments},
-    DoctorCheck{"department.untranslated", departments, Severity::Warning, findUntranslatedDepartments},
-    DoctorCheck{"department.empty", departments, Severity::Warning, findEmptyDepartments},
-    DoctorCheck{"department.hidden", departments, Severity::Warning, findHiddenBranches},
-    DoctorCheck{"department.model", departments, Severity::Error, findLostModels},
-    DoctorCheck{"variant.empty", variants, Severity::Error, findEmptyVariants},
-    DoctorCheck{"variant.default", variants, Severity::Warning, findVariantDefaults},
-    DoctorCheck{"variant.codes", variants, Severity::Warning, findDoubledValueCodes},
-    DoctorCheck{"variant.untranslated", variants, Severity::Warning, findUntranslatedValues},
-    DoctorCheck{"picture.missing", pictures, Severity::Error, findMissingPictures},
-    DoctorCheck{"picture.size", pictures, Severity::Warning, findResizedPictures},
-    DoctorCheck{"picture.heavy", pictures, Severity::Warning, findHeavyPictures},
-    DoctorCheck{"tag.endless", texts, Severity::Error, findEndlessTags},
-    DoctorCheck{"tag.unknown", texts, Severity::Warning, findUnknownTags},
-    DoctorCheck{"title.reference", texts, Severity::Warning, findReferences},
-    DoctorCheck{"link.dead", texts, Severity::Warning, findDeadLinks},
-    DoctorCheck{"template", texts, Severity::Error, findTemplateFaults},
-    DoctorCheck{"language.module", texts, Severity::Error, findMissingModules},
-    DoctorCheck{"country.stray", selling, Severity::Error, findStrayCountries},
-    DoctorCheck{"zone.closed", selling, Severity::Error, findClosedZones},
-    DoctorCheck{"zone.steps", selling, Severity::Warning, findShippingSteps},
-    DoctorCheck{"payment.none", selling, Severity::Error, findNoPayment},
-    DoctorCheck{"payment.unfinished", selling, Severity::Error, findUnfinishedPayments},
-    DoctorCheck{"setting.missing", server, Severity::Error, findMissingSettings},
-    DoctorCheck{"setting.scheme", server, Severity::Warning, findMissingScheme},
-    DoctorCheck{"setting.plain", server, Severity::Error, findPlainAddress},
-    DoctorCheck{"site.old", server, Severity::Warning, findOldSite},
-    DoctorCheck{"server.old", server, Severity::Warning, findOldServer},
+    DoctorCheck{"code.missing", ofArticles, Severity::Warning, findMissingCodes},
+    DoctorCheck{"code.doubled", ofArticles, Severity::Warning, findDoubledCodes},
+    DoctorCheck{"title.missing", ofArticles, Severity::Error, findMissingTitles},
+    DoctorCheck{"article.untranslated", ofArticles, Severity::Warning, findUntranslatedArticles},
+    DoctorCheck{"price.zero", ofArticles, Severity::Error, findZeroPrices},
+    DoctorCheck{"offer.abovePrice", ofArticles, Severity::Warning, findBadOffers},
+    DoctorCheck{"offer.hidden", ofArticles, Severity::Warning, findHiddenOffers},
+    DoctorCheck{"article.stray", ofArticles, Severity::Error, findStrayArticles},
+    DoctorCheck{"variant.lost", ofArticles, Severity::Error, findLostVariants},
+    DoctorCheck{"department.untitled", ofDepartments, Severity::Error, findUntitledDepartments},
+    DoctorCheck{"department.untranslated", ofDepartments, Severity::Warning, findUntranslatedDepartments},
+    DoctorCheck{"department.empty", ofDepartments, Severity::Warning, findEmptyDepartments},
+    DoctorCheck{"department.hidden", ofDepartments, Severity::Warning, findHiddenBranches},
+    DoctorCheck{"department.model", ofDepartments, Severity::Error, findLostModels},
+    DoctorCheck{"variant.empty", ofVariants, Severity::Error, findEmptyVariants},
+    DoctorCheck{"variant.default", ofVariants, Severity::Warning, findVariantDefaults},
+    DoctorCheck{"variant.codes", ofVariants, Severity::Warning, findDoubledValueCodes},
+    DoctorCheck{"variant.untranslated", ofVariants, Severity::Warning, findUntranslatedValues},
+    DoctorCheck{"picture.missing", ofPictures, Severity::Error, findMissingPictures},
+    DoctorCheck{"picture.size", ofPictures, Severity::Warning, findResizedPictures},
+    DoctorCheck{"picture.heavy", ofPictures, Severity::Warning, findHeavyPictures},
+    DoctorCheck{"tag.endless", ofTexts, Severity::Error, findEndlessTags},
+    DoctorCheck{"tag.unknown", ofTexts, Severity::Warning, findUnknownTags},
+    DoctorCheck{"title.reference", ofTexts, Severity::Warning, findReferences},
+    DoctorCheck{"link.dead", ofTexts, Severity::Warning, findDeadLinks},
+    DoctorCheck{"template", ofTexts, Severity::Error, findTemplateFaults},
+    DoctorCheck{"language.module", ofTexts, Severity::Error, findMissingModules},
+    DoctorCheck{"country.stray", ofSelling, Severity::Error, findStrayCountries},
+    DoctorCheck{"zone.closed", ofSelling, Severity::Error, findClosedZones},
+    DoctorCheck{"zone.steps", ofSelling, Severity::Warning, findShippingSteps},
+    DoctorCheck{"payment.none", ofSelling, Severity::Error, findNoPayment},
+    DoctorCheck{"payment.unfinished", ofSelling, Severity::Error, findUnfinishedPayments},
+    DoctorCheck{"setting.missing", ofServer, Severity::Error, findMissingSettings},
+    DoctorCheck{"setting.scheme", ofServer, Severity::Warning, findMissingScheme},
+    DoctorCheck{"setting.plain", ofServer, Severity::Error, findPlainAddress},
+    DoctorCheck{oldSite, ofServer, Severity::Warning, findOldSite},
+    DoctorCheck{oldServer, ofServer, Severity::Warning, findOldServer},
 };
 
 Result<bool> hasSilence(Database& catalogue) {
@@ -106,6 +108,15 @@ Result<Examination> examineShop(Session& session, const std::string& application
   examination.silenced =
       std::erase_if(examination.findings, [&](const Finding& one) { return silenced->contains(one.identity()); });
   return examination;
+}
+
+std::string noticeBeforeBuild(Session& session, const std::string& applicationFolder) {
+  auto examination = examineShop(session, applicationFolder);
+  if (!examination) return {};
+  std::erase_if(examination->findings,
+                [](const Finding& finding) { return finding.check == oldSite || finding.check == oldServer; });
+  const FindingCounts counts = countFindings(examination->findings);
+  return counts.all() == 0 ? std::string() : findingSummary(counts);
 }
 
 Result<> mendFinding(Database& catalogue, const Finding& finding) {

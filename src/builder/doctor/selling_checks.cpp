@@ -23,7 +23,7 @@ Findings findGaps(const DoctorFacts& facts, bool isClosed) {
   return found;
 }
 
-bool isActive(const FieldRow& pagamento, int method) { return pagamento.flag("attivo" + std::to_string(method)); }
+bool isSwitchedOn(const FieldRow& pagamento, int method) { return pagamento.flag("attivo" + std::to_string(method)); }
 
 /// The methods that send the customer's data nowhere.
 bool isOffline(std::string_view gateway) {
@@ -60,7 +60,7 @@ Findings findShippingSteps(const DoctorFacts& facts) { return findGaps(facts, fa
 
 Findings findNoPayment(const DoctorFacts& facts) {
   for (int method = 1; method <= paymentMethods; ++method) {
-    if (isActive(facts.pagamento, method)) return {};
+    if (isSwitchedOn(facts.pagamento, method)) return {};
   }
   return {commandFinding("Nessun metodo di pagamento è attivo, nessuno può ordinare", "shipping", "")};
 }
@@ -96,7 +96,7 @@ Findings findPlainAddress(const DoctorFacts& facts) {
   if (address.empty() || startsWithIgnoringCase(address, "https://")) return {};
   for (int method = 1; method <= paymentMethods; ++method) {
     const std::string gateway(trim(facts.pagamento.text("metodo" + std::to_string(method))));
-    if (!isActive(facts.pagamento, method) || isOffline(gateway)) continue;
+    if (!isSwitchedOn(facts.pagamento, method) || isOffline(gateway)) continue;
     return {settingFinding("Negozio: il pagamento con " + gateway + " richiede un indirizzo che comincia con https://",
                            "URL")};
   }

@@ -4,7 +4,7 @@
 namespace kv {
 namespace {
 
-constexpr std::uint64_t heaviestPicture = 500 * 1024;  // bytes
+constexpr std::uint64_t heaviestPicture = std::uint64_t{500} * 1024;  // bytes
 
 std::string ownerOf(const DoctorFacts& facts, const PictureUse& use) {
   if (use.target.subject == FindingSubject::Article) return "Articolo " + facts.articleName(use.owner);

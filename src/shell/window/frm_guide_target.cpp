@@ -29,6 +29,10 @@ void frmMain::goToTab(std::string_view tabKey) {
   }
 }
 
+void frmMain::goToField(EditedSet set, std::string_view column) {
+  for (EditorPage* page : pages_) page->goTo(set, column);
+}
+
 void frmMain::AttivaTextBox(std::string_view field, std::string_view tabKey) {
   goToTab(tabKey);
   for (EditorPage* page : pages_) {

@@ -51,6 +51,9 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   /// The strip of tabs.
   QTabBar& tabs() { return *tabs_; }
 
+  /// Gives the keyboard to the field of a column, wherever it is; nothing for a column without one.
+  void goToField(EditedSet set, std::string_view column);
+
   /// Runs once, when the window has been painted for the first time.
   /// It runs from the event loop; a second call before that replaces the first.
   void whenShown(std::function<void()> action) { whenShown_ = std::move(action); }
