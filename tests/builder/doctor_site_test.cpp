@@ -39,13 +39,13 @@ TEST_F(DoctorSite, AnEndlessTagIsAnError) {
 }
 
 TEST_F(DoctorSite, TheTemplateNeedsItsMarksAndKnownTags) {
-  shop.templateFile("modello1.htm", "<KV_START><<2-titolo>><<2-titulo>>");
+  shop.templateFile("modello1.htm", "<KV_START><<2-scaglioni>><<1-titulo>>");
   shop.templateFile("index.htm", "<<1-vetrina>><<3-ric_titolo>>");
   shop.templateFile("results.htm", "<<3-ric_titolo>>");
   EXPECT_THAT(
       told(),
       ElementsAre("tag.unknown: Template, file index.htm: il tag <<3-ric_titolo>> non è sostituito e resta visibile",
-                  "tag.unknown: Template, file modello1.htm: il tag <<2-titulo>> non è sostituito e resta visibile",
+                  "tag.unknown: Template, file modello1.htm: il tag <<1-titulo>> non è sostituito e resta visibile",
                   "template: Template, file modello1.htm: manca il tag <KV_END>, gli articoli non compaiono"));
   shop.templateFile("modello1.htm", "<KV_END><KV_START>");
   shop.templateFile("index.htm", "");

@@ -49,17 +49,16 @@ std::string_view attributeValue(std::string_view html, std::size_t at) {
 
 bool KnownTags::knows(char kind, std::string_view name, TextHome home, int language) const {
   if (!isReplacedIn(kind, home)) return false;
-  if (name == counterTag) return true;
+  // Those of articles are passed on to the shop's scripts, which know more names than the build.
+  if (name == counterTag || kind == '2') return true;
   if (kind == '4') return words[static_cast<std::size_t>(language - 1)].find(name) != nullptr;
   if (kind == '5') return customOn && custom.find(name) != nullptr;
-  const NameSet& columns = kind == '2' ? articleColumns : pageColumns;
-  return columns.contains(foldCase(name));
+  return pageColumns.contains(foldCase(name));
 }
 
 KnownTags shippedTags() {
   KnownTags tags;
   for (const std::string_view column : pageTagColumns()) tags.pageColumns.insert(foldCase(column));
-  for (const ColumnInfo& column : derivedArticleColumns()) tags.articleColumns.insert(foldCase(column.name));
   return tags;
 }
 

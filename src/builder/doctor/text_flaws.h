@@ -31,8 +31,8 @@ using NameSet = std::unordered_set<std::string, TextHash, std::equal_to<>>;
 struct KnownTags {
   std::array<LanguageModule, maxLanguages> words;  ///< by language
   CustomTags custom;
-  bool customOn = false;                ///< the settings turn the merchant's own tags on
-  NameSet pageColumns, articleColumns;  ///< folded
+  bool customOn = false;  ///< the settings turn the merchant's own tags on
+  NameSet pageColumns;    ///< folded
   /// Whether a tag of this kind ('1' to '5') and name is replaced. language: 1 to 4.
   bool knows(char kind, std::string_view name, TextHome home, int language) const;
 };
