@@ -87,6 +87,7 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
 	@KORVANE_TEST_MOMENTS=100000 build/dev/tests/test_builder --gtest_filter='*FailingBuild*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_commerce --gtest_brief=1 \
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'

@@ -56,6 +56,15 @@ TEST_F(TheBuildDialog, BuildsOnceSaysSoAndCloses) {
   EXPECT_FALSE(dialog.isVisible());
 }
 
+TEST_F(TheBuildDialog, SaysInALineWhatVisitorsWouldMeet) {
+  shop.article("cat001");
+  frmElabora dialog(shop.session, env);
+  dialog.exec();
+  const QString notice = control<QLabel>(dialog, "lblAvvisi")->text();
+  EXPECT_TRUE(notice.contains(QStringLiteral(" errori, ")) && notice.endsWith(QStringLiteral(" avvisi")))
+      << fromQt(notice);
+}
+
 TEST_F(TheBuildDialog, OffersWaysToLookAtWhatWasBuilt) {
   std::vector<std::string> opened;
   const BuildViews views{[&opened] { opened.emplace_back("negozio"); }, [&opened] { opened.emplace_back("cartella"); }};

@@ -52,10 +52,26 @@ class MainWindow : public WindowFixture {
 TEST_F(MainWindow, ShowsTheMenusOfTheTableInTheirOrder) {
   open();
   EXPECT_EQ(visibleMenus(), QStringList({"File", "Modifica", "Visualizza", "?"}));
-  EXPECT_EQ(entriesOf("Modifica"), QStringList({"Annulla", "Ripeti", "Su", "Giu", "Prima", "Dopo", "Sottoreparto",
-                                                "Copia", "Incolla", "Elimina", "Imposta immagine", "Elimina immagine",
-                                                "Imposta immagine pulsante", "Elimina immagine pulsante", "normale",
-                                                "piccolo", "normale", "piccolo", "Modifica prezzi..."}));
+  EXPECT_EQ(entriesOf("Modifica"), QStringList({"Annulla",
+                                                "Ripeti",
+                                                "Cronologia...",
+                                                "Su",
+                                                "Giu",
+                                                "Prima",
+                                                "Dopo",
+                                                "Sottoreparto",
+                                                "Copia",
+                                                "Incolla",
+                                                "Elimina",
+                                                "Imposta immagine",
+                                                "Elimina immagine",
+                                                "Imposta immagine pulsante",
+                                                "Elimina immagine pulsante",
+                                                "normale",
+                                                "piccolo",
+                                                "normale",
+                                                "piccolo",
+                                                "Modifica prezzi..."}));
 }
 
 TEST_F(MainWindow, EachTabHasItsOwnEditMenu) {

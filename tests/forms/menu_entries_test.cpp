@@ -89,15 +89,30 @@ TEST_F(Menus, TheFileMenuHasItsEntriesInOrder) {
 
 TEST_F(Menus, TheEditMenuIsTheOneOfTheTab) {
   open();
-  EXPECT_EQ(entries("Modifica"),
-            QStringList({"Annulla", "Ripeti", "Sposta > Su", "Sposta > Giu", "Aggiungi > Prima", "Aggiungi > Dopo",
-                         "Aggiungi > Sottoreparto", "Copia", "Incolla", "Elimina", "Imposta immagine",
-                         "Elimina immagine", "Imposta immagine pulsante", "Elimina immagine pulsante",
-                         "Imposta logo negozio > normale", "Imposta logo negozio > piccolo",
-                         "Elimina logo negozio > normale", "Elimina logo negozio > piccolo", "Modifica prezzi..."}));
+  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla",
+                                              "Ripeti",
+                                              "Cronologia...",
+                                              "Sposta > Su",
+                                              "Sposta > Giu",
+                                              "Aggiungi > Prima",
+                                              "Aggiungi > Dopo",
+                                              "Aggiungi > Sottoreparto",
+                                              "Copia",
+                                              "Incolla",
+                                              "Elimina",
+                                              "Imposta immagine",
+                                              "Elimina immagine",
+                                              "Imposta immagine pulsante",
+                                              "Elimina immagine pulsante",
+                                              "Imposta logo negozio > normale",
+                                              "Imposta logo negozio > piccolo",
+                                              "Elimina logo negozio > normale",
+                                              "Elimina logo negozio > piccolo",
+                                              "Modifica prezzi..."}));
   goTab(Tab::Articles);
   EXPECT_EQ(entries("Modifica"), QStringList({"Annulla",
                                               "Ripeti",
+                                              "Cronologia...",
                                               "Sposta > Su",
                                               "Sposta > Giu",
                                               "Aggiungi > Prima",
@@ -126,11 +141,12 @@ TEST_F(Menus, TheEditMenuIsTheOneOfTheTab) {
                                               "Elimina logo negozio > piccolo",
                                               "Modifica prezzi..."}));
   goTab(Tab::Site);
-  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Spese di spedizione...", "Sistemi di pagamento...",
-                                              "Testo e-mail di conferma...", "Impostazioni vetrina...",
-                                              "Campi obbligatori...", "Produttori..."}));
+  EXPECT_EQ(entries("Modifica"),
+            QStringList({"Annulla", "Ripeti", "Cronologia...", "Spese di spedizione...", "Sistemi di pagamento...",
+                         "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori...",
+                          "Produttori..."}));
   goTab(Tab::Internet);
-  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Cartella FTP del negozio...",
+  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Cronologia...", "Cartella FTP del negozio...",
                                               "Cartella FTP script CGI...", "Impostazioni avanzate..."}));
 }
 
@@ -142,7 +158,8 @@ TEST_F(Menus, TheViewAndHelpMenusHaveTheirEntriesInOrder) {
                          "Espandi tutti i reparti", "Comprimi tutti i reparti", "Nascondi dettagli",
                          "Aspetto > Come il sistema", "Aspetto > Chiaro", "Aspetto > Scuro"}));
   EXPECT_EQ(entries("?"), QStringList({"Sommario...", "Domande frequenti...", "Introduzione...", "Guida ai template...",
-                                       "Vedi il negozio", "Aggiornamenti online...", "Informazioni su..."}));
+                                       "Vedi il negozio", "Aggiornamenti online...", "Controlla il negozio...",
+                                       "Informazioni su..."}));
 }
 
 TEST_F(Menus, TheEntriesOfCompanionsAndManualAreHiddenWithoutTheirFiles) {

@@ -14,6 +14,7 @@ namespace kv {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 class MovingShops : public ::testing::Test {
@@ -101,6 +102,19 @@ TEST_F(MovingShops, AnImportOfSomethingElseFails) {
   const std::string source = home / "nuovo";
   ASSERT_TRUE(copyTree(shop, source));
   EXPECT_EQ(run({"import", shop, source, "--dry-run"}), CliOutcome::Failed);
+}
+
+TEST_F(MovingShops, TheDoctorTellsByItsExitStatusHowBadTheShopIs) {
+  change(shop, "UPDATE articoli SET prezzo = 0");
+  EXPECT_EQ(run({"doctor", shop}), CliOutcome::FoundErrors);
+  EXPECT_THAT(out.str(), HasSubstr("\nErrore\tNegozio: manca il nome del database\n"));
+  EXPECT_THAT(out.str(), HasSubstr("al prezzo di 0\n"));
+  change(shop, "UPDATE articoli SET prezzo = 10000");
+  EXPECT_EQ(run({"doctor", shop, "--json"}), CliOutcome::FoundErrors);
+  EXPECT_THAT(out.str(), StartsWith("[\n {\"check\": "));
+  EXPECT_THAT(out.str(), Not(HasSubstr("price.zero")));
+  EXPECT_EQ(run({"doctor", home / "nulla"}), CliOutcome::FoundErrors);
+  EXPECT_EQ(static_cast<int>(CliOutcome::FoundWarnings), 1);
 }
 
 TEST_F(MovingShops, APurgeNamesUnusedPicturesAndDeletesThemWhenAsked) {

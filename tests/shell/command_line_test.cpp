@@ -33,6 +33,12 @@ TEST(CommandLine, CheckAndNewAreCommandsOfTheirOwn) {
   EXPECT_EQ(parse({"new", "shop"})->command, CliCommand::New);
 }
 
+TEST(CommandLine, TheDoctorHasAFlagForPrograms) {
+  EXPECT_EQ(parse({"doctor", "shop"})->command, CliCommand::Doctor);
+  EXPECT_TRUE(parse({"doctor", "shop", "--json"})->has("--json"));
+  EXPECT_EQ(complaint({"check", "shop", "--json"}), "opzione non prevista per il comando check: --json");
+}
+
 TEST(CommandLine, TheExportOfTheDatabaseIsACommandOfItsOwn) {
   EXPECT_EQ(parse({"export-sql", "shop"})->command, CliCommand::ExportSql);
 }

@@ -77,9 +77,9 @@ TEST_F(CommandTableTest, EveryNumberedCommandIsInAMenu) {
 
 TEST_F(CommandTableTest, TheShopOfTheSiteHasItsSixSettings) {
   EXPECT_THAT(entriesOf(Menu::EditSite),
-              ::testing::ElementsAre("Annulla", "Ripeti", "-", "Spese di spedizione...", "Sistemi di pagamento...",
-                                     "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori...",
-                                     "Produttori..."));
+              ::testing::ElementsAre("Annulla", "Ripeti", "Cronologia...", "-", "Spese di spedizione...",
+                                     "Sistemi di pagamento...", "Testo e-mail di conferma...",
+                                     "Impostazioni vetrina...", "Campi obbligatori...", "Produttori..."));
 }
 
 TEST_F(CommandTableTest, NoTwoEntriesOfAMenuShareAPosition) {

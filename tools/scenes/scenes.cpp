@@ -164,6 +164,8 @@ void takeLanguages(Stage& stage, const QString& name) { takeEntry(stage, "langua
 void takeTags(Stage& stage, const QString& name) { takeEntry(stage, "customTags", name); }
 void takeFolders(Stage& stage, const QString& name) { takeEntry(stage, "shop.folders", name); }
 void takeCopies(Stage& stage, const QString& name) { takeEntry(stage, "shop.restoreCopy", name); }
+void takeDoctor(Stage& stage, const QString& name) { takeEntry(stage, "doctor", name); }
+void takeHistory(Stage& stage, const QString& name) { takeEntry(stage, "history", name); }
 void takeAbout(Stage& stage, const QString& name) { takeEntry(stage, "help.about", name); }
 void takeCleaning(Stage& stage, const QString& name) { takeEntry(stage, "shop.cleanFolders", name); }
 
@@ -322,6 +324,8 @@ std::span<const Scene> windowScenes() {
                                      Scene{"tag-nuovo", takeNewTag},
                                      Scene{"cartelle", takeFolders},
                                      Scene{"copie", takeCopies},
+                                     Scene{"controllo", takeDoctor},
+                                     Scene{"cronologia", takeHistory},
                                      Scene{"cerca", takeSearchStart},
                                      Scene{"cerca-trovati", takeSearchHits},
                                      Scene{"cerca-nessuno", takeSearchNone},

@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "builder/doctor/doctor.h"
 #include "builder/run/build_parts.h"
 #include "builder/run/build_summary.h"
 #include "platform/qt/frm_user.h"
@@ -23,6 +24,7 @@ constexpr std::string_view buildStarts = "Inizializzazione";
 constexpr std::string_view buildLeaves = "Annullamento in corso...";
 constexpr std::string_view publishedNote =
     "Il negozio com'è pubblicato ora: ciò che è stato costruito vi appare dopo l'aggiornamento del sito";
+constexpr std::string_view doctorNote = "Il comando Controlla il negozio del menu ? dice quali";
 
 }  // namespace
 
@@ -74,6 +76,10 @@ frmElabora::frmElabora(Session& session, Environment& env, BuildViews views, QWi
   prgBarra_ = named(new QProgressBar(), "prgBarra", "Avanzamento della costruzione");
   prgBarra_->setRange(0, 0);
   column->addWidget(prgBarra_);
+  lblAvvisi_ = named(new QLabel(), "lblAvvisi");
+  lblAvvisi_->setToolTip(toQt(doctorNote));
+  lblAvvisi_->hide();
+  column->addWidget(lblAvvisi_);
   column->addStretch();
   QDialogButtonBox* buttons = makeClose("Annulla");
   cmdAnnulla_ = named(buttons->button(QDialogButtonBox::Close), "cmdAnnulla");
@@ -95,6 +101,9 @@ void frmElabora::start() {
   started_ = true;
   running_ = true;
   user_->pump.processEvents(false);
+  const std::string notice = noticeBeforeBuild(session_, env_.applicationFolder);
+  lblAvvisi_->setText(toQt(notice));
+  lblAvvisi_->setVisible(!notice.empty());
   Environment env{*user_, env_.settings, env_.clock, env_.random, env_.applicationFolder, env_.hooks};
   outcome_ = MakePages(session_, env, shopBuildParts(session_, env), &counts_);
   running_ = false;

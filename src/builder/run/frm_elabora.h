@@ -56,6 +56,7 @@ class frmElabora final : public FormDialog {
   std::unique_ptr<BuildUser> user_;  // the user that the build sees
   // Controls, owned by the window.
   QLabel* lblStato_ = nullptr;
+  QLabel* lblAvvisi_ = nullptr;  // what the shop doctor has found; hidden while there is nothing
   QProgressBar* prgBarra_ = nullptr;
   QPushButton* cmdAnnulla_ = nullptr;
   bool started_ = false;  // once, at the first paint

@@ -32,7 +32,7 @@ bool hasHole(const FieldRow& zone, const std::string& column, int limits) {
   return false;
 }
 
-void addZoneGaps(std::vector<std::string>& gaps, const FieldRow& pagamento, const FieldRow& zone,
+void addZoneGaps(std::vector<ShippingGap>& gaps, const FieldRow& pagamento, const FieldRow& zone,
                  const std::string& name) {
   const bool byWeight = pagamento.flag("imppeso");
   bool anyMethod = false;
@@ -43,15 +43,15 @@ void addZoneGaps(std::vector<std::string>& gaps, const FieldRow& pagamento, cons
     const std::string column = "m" + digit + (byWeight ? "peso" : "imp");
     const int limits = byWeight ? limitsByWeight : limitsByAmount;
     if (isAscending(zone, column, limits) && !hasHole(zone, column, limits)) continue;
-    gaps.push_back(name + ", " + pagamento.text("nome" + digit) + ": i limiti non sono in ordine crescente");
+    gaps.push_back({name + ", " + pagamento.text("nome" + digit) + ": i limiti non sono in ordine crescente"});
   }
-  if (!anyMethod) gaps.push_back(name + ": nessun metodo è ammesso");
+  if (!anyMethod) gaps.push_back({name + ": nessun metodo è ammesso", true});
 }
 
 }  // namespace
 
-std::vector<std::string> shippingGaps(Database& catalogue) {
-  std::vector<std::string> gaps;
+std::vector<ShippingGap> findShippingGaps(Database& catalogue) {
+  std::vector<ShippingGap> gaps;
   const auto pagamento = firstRow(catalogue, "SELECT * FROM pagamento");
   if (!pagamento) return gaps;
   for (int zone = 1; zone <= shippingZones; ++zone) {
@@ -61,6 +61,12 @@ std::vector<std::string> shippingGaps(Database& catalogue) {
     if (countries && row && asInteger(*countries) > 0) addZoneGaps(gaps, *pagamento, *row, "Zona " + digit);
   }
   return gaps;
+}
+
+std::vector<std::string> shippingGaps(Database& catalogue) {
+  std::vector<std::string> texts;
+  for (ShippingGap& gap : findShippingGaps(catalogue)) texts.push_back(std::move(gap.text));
+  return texts;
 }
 
 }  // namespace kv

@@ -34,6 +34,13 @@ Result<ShippingQuote> quoteShipping(Database& catalogue, const ShippingTrial& tr
 /// The answer as the merchant reads it, in the shop's own notation.
 std::string quoteText(const ShippingQuote& quote, const CurrencyForm& form);
 
+/// One thing that the merchant may have overlooked.
+struct ShippingGap {
+  std::string text;       ///< a sentence for the merchant
+  bool isClosed = false;  ///< nothing can be sent to the zone; otherwise its steps are not in order
+};
+/// What shippingGaps tells, with what it means for a customer.
+std::vector<ShippingGap> findShippingGaps(Database& catalogue);
 /// What the merchant may have overlooked, a sentence each: a zone with countries and without an available method, and
 /// steps that are not in ascending order (the build sorts them). Empty: nothing.
 std::vector<std::string> shippingGaps(Database& catalogue);

@@ -301,6 +301,16 @@ Result<> ChangeRecorder::revert(const RowChanges& changes) {
   return state_->move(changes, &RowChange::after, &RowChange::before);
 }
 
+Result<> ChangeRecorder::revertAsChange(Database& database, const RowChanges& changes) {
+  const State state{database, database.handle_, {}, {}, {}, {}, {}, false};
+  if (auto begun = database.begin(); !begun) return begun;
+  if (auto done = state.exchange(changes, &RowChange::after, &RowChange::before); !done) {
+    database.rollback();
+    return done;
+  }
+  return database.commit();
+}
+
 Result<> ChangeRecorder::repeat(const RowChanges& changes) {
   return state_->move(changes, &RowChange::before, &RowChange::after);
 }

@@ -56,6 +56,9 @@ class ChangeRecorder {
   /// Repeats changes that were undone: gives each row its image from after. Malformed, and nothing is changed, when a
   /// row is not as its image from before says.
   Result<> repeat(const RowChanges& changes);
+  /// As revert(), by statements that a recorder of the database records like any other: for a change of long ago that
+  /// is undone by a step of its own.
+  static Result<> revertAsChange(Database& database, const RowChanges& changes);
 
  private:
   struct State;

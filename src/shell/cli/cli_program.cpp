@@ -22,6 +22,8 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return buildShop(shop, env, out);
     case CliCommand::Check:
       return checkShop(shop, env, out);
+    case CliCommand::Doctor:
+      return examineFromCli(shop, line.has("--json"), env, out);
     case CliCommand::ExportSql:
       return exportShopSql(shop, env, out);
     case CliCommand::New:

@@ -22,6 +22,7 @@ const std::map<std::string_view, CommandRow>& commands() {
   static const std::map<std::string_view, CommandRow> rows{
       {"build", {CliCommand::Build}},
       {"check", {CliCommand::Check}},
+      {"doctor", {CliCommand::Doctor, nullptr, {"--json"}}},
       {"export-sql", {CliCommand::ExportSql}},
       {"new", {CliCommand::New}},
       {"export", {CliCommand::Export, "la cartella di destinazione", {"--with=", "--zip"}}},
@@ -176,6 +177,8 @@ std::string usageText() {
          "Comandi:\n"
          "  build NEGOZIO       costruisce il sito del negozio contenuto nella cartella NEGOZIO\n"
          "  check NEGOZIO       apre il negozio e dice che cosa non va, senza costruirlo\n"
+         "  doctor NEGOZIO      controlla il negozio e dice che cosa troverebbe un visitatore. --json: in forma JSON.\n"
+         "                      Stato di uscita: 0 niente da segnalare, 1 soltanto avvisi, 2 errori\n"
          "  export-sql NEGOZIO  scrive i file SQL del negozio costruito nella cartella online\n"
          "  new NEGOZIO         crea un nuovo negozio nella cartella NEGOZIO\n"
          "  export NEGOZIO CARTELLA\n"

@@ -16,6 +16,7 @@ namespace kv {
 enum class CliCommand {
   Build,
   Check,
+  Doctor,
   ExportSql,
   New,
   Export,

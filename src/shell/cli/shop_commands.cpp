@@ -1,7 +1,9 @@
 #include "shell/cli/shop_commands.h"
 
+#include "builder/doctor/doctor.h"
 #include "builder/run/build_parts.h"
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "shell/cli/cli_session.h"
 #include "sqlexport/full_export.h"
 #include "store/shop/open_shop.h"
@@ -90,6 +92,27 @@ CliOutcome checkShop(const std::string& shop, Environment& env, std::ostream& ou
   out << "Il negozio può essere costruito: articoli " << open.session.articleCount << ", lingue "
       << open.session.languageCount << ", " << open.session.templatePath << ".\n";
   return CliOutcome::Done;
+}
+
+CliOutcome examineFromCli(const std::string& shop, bool asJson, Environment& env, std::ostream& out) {
+  CliSession open(env);
+  if (!open.open(shop)) return CliOutcome::FoundErrors;
+  const auto examination = examineShop(open.session, env.applicationFolder);
+  if (!examination) {
+    env.user.message(failureText(examination.error()), Icon::Critical);
+    return CliOutcome::FoundErrors;
+  }
+  const FindingCounts counts = countFindings(examination->findings);
+  if (asJson) {
+    out << findingsAsJson(examination->findings);
+  } else {
+    for (const Finding& finding : examination->findings) {
+      out << severityName(finding.severity) << '\t' << finding.text << '\n';
+    }
+    out << findingSummary(counts) << ".\n";
+  }
+  if (counts.errors > 0) return CliOutcome::FoundErrors;
+  return counts.warnings > 0 ? CliOutcome::FoundWarnings : CliOutcome::Done;
 }
 
 CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream& out) {

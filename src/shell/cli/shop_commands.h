@@ -10,7 +10,14 @@
 namespace kv {
 
 /// How a command ended; the number is the exit status of the program.
-enum class CliOutcome { Done = 0, Failed = 1, WrongUsage = 2, Cancelled = 130 };
+enum class CliOutcome {
+  Done = 0,
+  Failed = 1,
+  WrongUsage = 2,
+  Cancelled = 130,
+  FoundWarnings = Failed,   ///< of doctor
+  FoundErrors = WrongUsage  ///< of doctor; also when the shop can't be examined
+};
 
 /// Opens the shop and builds its site. What was made is told on `out`; messages go to the user port.
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out);
@@ -18,6 +25,10 @@ CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& ou
 /// Opens the shop as a build would and names what prevents one: a folder that is no shop, a missing
 /// template, missing language modules, missing working folders. One sentence on `out` when nothing does.
 CliOutcome checkShop(const std::string& shop, Environment& env, std::ostream& out);
+
+/// Opens the shop and prints what a visitor would meet, a line each: "Errore" or "Avviso", a tab, the sentence; then
+/// their number. asJson: the findings as findingsAsJson gives them instead. Done when there is nothing.
+CliOutcome examineFromCli(const std::string& shop, bool asJson, Environment& env, std::ostream& out);
 
 /// Opens the shop and writes the SQL files of its last build into the online folder, old ones deleted first. Names the
 /// files on `out`. Failed, with a message, when the shop hasn't been built.

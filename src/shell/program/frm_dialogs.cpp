@@ -19,6 +19,7 @@
 #include "shell/dialogs/frm_search.h"
 #include "shell/dialogs/frm_welcome.h"
 #include "shell/program/frm_accounting_dialogs.h"
+#include "shell/program/frm_care_dialogs.h"
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_law_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
@@ -116,8 +117,11 @@ void wireSettings(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
   };
   dialogs.restoreCopy = [&] {
     frmBackup dialog(session.ShopFolder, env, &window);
-    const std::string copy = run(dialog);
-    return !copy.empty() && RipristinaCopia(session, env, copy);
+    const std::string name = run(dialog);
+    for (const BackupCopy& copy : restorableCopies(session.ShopFolder)) {
+      if (copy.name == name) return restoreAndNote(window, session, env, copy);
+    }
+    return false;
   };
   dialogs.welcome = [&] {
     frmWelcome dialog(welcomeFacts(session, env), env.user, &window);
@@ -178,6 +182,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireCommerceDialogs(window, session, env);
   wirePublishing(window, session, env);
   wireLaw(window, session, env);
+  wireCare(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);
   env.hooks.frmTemplate = [&](const std::string& current) {
     const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };

@@ -41,11 +41,16 @@ Workbench::~Workbench() { releaseSession(); }
 
 void Workbench::bindSession() {
   showError(sets_.bind());
-  if (sets_.isBound()) history_.begin();
+  if (!sets_.isBound()) return;
+  stepLog_ = std::make_unique<StepLog>(session_.ShopFolder, env_.clock);
+  history_.listen(stepLog_.get());
+  history_.begin();
 }
 
 void Workbench::releaseSession() {
   history_.end();
+  history_.listen(nullptr);
+  stepLog_.reset();
   sets_.release();
 }
 

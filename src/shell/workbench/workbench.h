@@ -5,10 +5,12 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "shell/workbench/workbench_commands.h"
+#include "store/catalogue/step_log.h"
 
 namespace kv {
 
@@ -122,6 +124,8 @@ class Workbench final : private SetsListener {
   const WorkbenchCommands& commands() const { return commands_; }
   const UndoHistory& history() const { return history_; }
   UndoHistory& history() { return history_; }
+  /// The steps of this session and earlier ones; null while no shop is open.
+  StepLog* stepLog() { return stepLog_.get(); }
   CatalogueSets& sets() { return sets_; }
   const CatalogueSets& sets() const { return sets_; }
   Session& session() { return session_; }
@@ -147,6 +151,7 @@ class Workbench final : private SetsListener {
   WorkbenchPorts ports_;
   CatalogueSets sets_;
   UndoHistory history_;
+  std::unique_ptr<StepLog> stepLog_;  ///< of the open shop
   TreeEditing editing_;
   FieldStore fields_;
   WorkbenchCommands commands_;

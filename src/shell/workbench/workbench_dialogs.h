@@ -41,6 +41,7 @@ struct WorkbenchDialogs {
   Dialog changePrices;        ///< frmVariaPrezzi: all prices by a percent
 
   // The catalogue.
+  Dialog history;  ///< frmCronologia: the steps of this session and earlier ones, and the way back
   /// frmSearch: the ID of the article to show; none when it was left.
   std::function<std::optional<std::int64_t>()> searchArticle;
   /// frmImmagine: the file name, in the shop's picture folder, of the picture chosen instead of `current`, which is
@@ -73,6 +74,7 @@ struct WorkbenchDialogs {
   Dialog connectionSettings;  ///< frmFirewall: the way to the server
 
   // Help.
+  Dialog doctor;         ///< frmControlla: what visitors would meet
   Dialog introduction;  ///< frmIntro: the first-run guide
   Dialog about;         ///< frmAbout: name and version
 };

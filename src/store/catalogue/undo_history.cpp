@@ -65,6 +65,7 @@ void UndoHistory::keep(Step step) {
   for (const RowChange& change : step.changes) step.size += sizeInMemory(change);
   size_ += step.size;
   undone_.clear();
+  if (listener_ != nullptr) listener_->stepDone(step.name, step.changes);
   done_.push_back(std::move(step));
   while (size_ > mostBytes_ && done_.size() > 1) {
     size_ -= done_.front().size;
@@ -83,6 +84,7 @@ Result<> UndoHistory::move(std::deque<Step>& from, std::deque<Step>& to, bool ba
   }
   to.push_back(std::move(from.back()));
   from.pop_back();
+  if (listener_ != nullptr) back ? listener_->stepUndone() : listener_->stepRepeated();
   if (back) {
     size_ -= to.back().size;
   } else {

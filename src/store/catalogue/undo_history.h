@@ -14,6 +14,18 @@
 
 namespace kv {
 
+/// Who keeps a record of the steps beyond the session.
+class StepListener {
+ public:
+  virtual ~StepListener() = default;
+  /// A step was done; what was undone is gone.
+  virtual void stepDone(const std::string& name, const RowChanges& changes) = 0;
+  /// The last step that was done has been undone.
+  virtual void stepUndone() = 0;
+  /// The last step that was undone has been done again.
+  virtual void stepRepeated() = 0;
+};
+
 /// Rows are put back by their own keys, so a step can only be undone while the rows are as it left them.
 class UndoHistory {
  public:
@@ -34,6 +46,9 @@ class UndoHistory {
   void begin();
   /// Stops watching; until the next begin() commands run and nothing is recorded.
   void end();
+
+  /// Who is told of each step from now on; null: nobody. It outlives the history.
+  void listen(StepListener* listener) { listener_ = listener; }
 
   /// Runs a command and keeps what it changed as one step; none when it changed nothing. Steps that were undone are
   /// gone then. The command's failure is handed through, and what it wrote before is reverted; what can't be reverted
@@ -80,6 +95,7 @@ class UndoHistory {
 
   CatalogueSets& sets_;
   Refresh refresh_;
+  StepListener* listener_ = nullptr;
   std::size_t mostBytes_;
   std::unique_ptr<ChangeRecorder> recorder_;  ///< null while no catalogue is watched
   std::deque<Step> done_, undone_;            ///< the newest last

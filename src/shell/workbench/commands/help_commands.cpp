@@ -46,6 +46,13 @@ Command updatesRow() {
   return row;
 }
 
+Command doctorRow() {
+  Command row = dialogCommand("doctor", {Help, 202, "Controlla il negozio..."}, &WorkbenchDialogs::doctor);
+  row.help = "pagine/controllo.htm";
+  row.enabled = [](const CommandContext& context) { return context.bench.isOpen(); };
+  return row;
+}
+
 /// The page of the tab in use is that of the command which goes to it.
 Command tabHelpRow() {
   Command row;
@@ -80,8 +87,8 @@ std::vector<Command> helpCommands() {
       {pageRow("help.contents", {Help, 101, "Sommario..."}, "index.htm"),
        pageRow("help.questions", {Help, 102, "Domande frequenti..."}, "pagine/faq.htm"),
        dialogCommand("help.introduction", {Help, 103, "Introduzione..."}, &WorkbenchDialogs::introduction), manualRow(),
-       updatesRow(), dialogCommand("help.about", {Help, 301, "Informazioni su..."}, &WorkbenchDialogs::about),
-       tabHelpRow()},
+       updatesRow(), doctorRow(),
+       dialogCommand("help.about", {Help, 301, "Informazioni su..."}, &WorkbenchDialogs::about), tabHelpRow()},
       "index.htm");
 }
 

@@ -6,6 +6,8 @@
 namespace kv {
 namespace {
 
+constexpr std::string_view wayBackText = "Cronologia...";
+
 /// A row of the history, at the head of every `Modifica`; its entries name the step.
 Command historyRow(Command row, int position, std::string (UndoHistory::*stepName)() const,
                    Result<> (UndoHistory::*move)()) {
@@ -33,6 +35,17 @@ Command historyRow(Command row, int position, std::string (UndoHistory::*stepNam
   return row;
 }
 
+/// The way back that outlives the session, below undo and redo.
+Command wayBackRow() {
+  Command row = dialogCommand("history", {Menu::EditDepartments, 103, wayBackText}, &WorkbenchDialogs::history);
+  for (const Menu menu : {Menu::EditArticles, Menu::EditSite, Menu::EditInternet}) {
+    row.menus.push_back({menu, 103, wayBackText});
+  }
+  row.help = "pagine/cronologia.htm";
+  row.enabled = [](const CommandContext& context) { return context.bench.isOpen(); };
+  return row;
+}
+
 }  // namespace
 
 std::vector<Command> historyCommands() {
@@ -47,7 +60,8 @@ std::vector<Command> historyCommands() {
                                .icon = "ripeti",
                                .shortcut = "Ctrl+Y",
                                .whenOff = "Niente da ripetere"},
-                              2, &UndoHistory::redoName, &UndoHistory::redo)},
+                              2, &UndoHistory::redoName, &UndoHistory::redo),
+                   wayBackRow()},
                   "index.htm");
 }
 
