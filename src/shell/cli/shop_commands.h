@@ -12,6 +12,9 @@ namespace kv {
 /// How a command ended; the number is the exit status of the program.
 enum class CliOutcome { Done = 0, Failed = 1, WrongUsage = 2, Cancelled = 130 };
 
+/// Tells why a command isn't done; Failed, for its caller to return.
+CliOutcome refused(Environment& env, const std::string& text);
+
 /// Opens the shop and builds its site. What was made is told on `out`; messages go to the user port.
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out);
 
