@@ -162,7 +162,7 @@ bool GatewayAccount::isComplete() const {
 }
 
 std::string GatewayAccount::stored(const AccountKey& key) const {
-  const std::string held = value(key.key);
+  std::string held = value(key.key);
   switch (key.role) {
     case KeyRole::Constant:
       return std::string(key.constant);
