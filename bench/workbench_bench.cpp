@@ -29,6 +29,7 @@
 #include "measure.h"
 #include "platform/files/settings.h"
 #include "platform/ports/clock.h"
+#include "shell/dialogs/article_search.h"
 #include "shell/program/frm_program.h"
 #include "shell/window/frm_main.h"
 #include "shell/workbench/commands/command_rows.h"
@@ -70,6 +71,7 @@ enum Figure {
   Language,
   Filter,
   Sort,
+  Search,
   Floor,
   FigureCount
 };
@@ -86,6 +88,7 @@ constexpr std::array<const char*, FigureCount> names{"open",
                                                      "change the language",
                                                      "a character into the filter",
                                                      "sort the list by price",
+                                                     "search all articles",
                                                      "floor of the opening"};
 using Figures = std::array<Span, FigureCount>;
 
@@ -105,16 +108,6 @@ Span spanOf(const std::function<void()>& work) {
 void keepFaster(Span& best, const Span& one) {
   if (best.wall <= 0 || one.wall < best.wall) best = one;
 }
-
-/// Says yes to everything.
-class WillingUser final : public kv::UserPort {
- public:
-  void message(const std::string& text, kv::Icon) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-  kv::Answer question(const kv::Question&) override { return kv::Answer::Yes; }
-  std::string chooseFolder(const std::string&, const std::string&) override { return {}; }
-  void progress(const kv::Progress&) override {}
-  bool yield() override { return true; }
-};
 
 /// Counts what is painted: a figure without painting would be none.
 class PaintCount final : public QObject {
@@ -167,6 +160,7 @@ class OpenWorkbench {
     paint();
     walk(figures);
     arrange(figures);
+    search(figures);
     edit(figures);
     drag(figures);
     paste(figures);
@@ -221,6 +215,14 @@ class OpenWorkbench {
       filter->clear();
       keepFaster(figures[Sort], spanOf([&show] { show({kv::ArticleArrangement::By::Price, true, "", false}); }));
       show({});
+    }
+  }
+
+  void search(Figures& figures) {
+    for (int i = 0; i < times; ++i) {
+      keepFaster(figures[Search], spanOf([this] {
+                   if (!kv::findArticles(session_, "titolo", "99", true)) std::abort();
+                 }));
     }
   }
 
@@ -282,7 +284,7 @@ class OpenWorkbench {
     }
   }
 
-  WillingUser user_;
+  kv::bench::SilentUser user_{kv::Answer::Yes};
   kv::MemorySettings settings_;
   kv::Session session_;
   kv::Environment env_;
@@ -354,9 +356,9 @@ void judge(const Size& size, const Figures& figures) {
     double seconds;
   };
   std::printf("  bars at %d articles\n", size.articles);
-  for (const Bar& bar :
-       {Bar{Open, 2}, Bar{Department, 0.15}, Bar{Article, 0.016}, Bar{Key, 0.016}, Bar{Leave, 0.05}, Bar{Insert, 0.15},
-        Bar{Crowded, 0.5}, Bar{Drag, 0.5}, Bar{Undo, 0.5}, Bar{Paste, 1}, Bar{Filter, 0.1}, Bar{Sort, 0.1}}) {
+  for (const Bar& bar : {Bar{Open, 2}, Bar{Department, 0.15}, Bar{Article, 0.016}, Bar{Key, 0.016}, Bar{Leave, 0.05},
+                         Bar{Insert, 0.15}, Bar{Crowded, 0.5}, Bar{Drag, 0.5}, Bar{Undo, 0.5}, Bar{Paste, 1},
+                         Bar{Filter, 0.1}, Bar{Sort, 0.1}, Bar{Search, 0.5}}) {
     const double ratio = figures[bar.figure].wall / bar.seconds;
     std::printf("    %s: %.2f of %.0f ms %s\n", names[bar.figure], ratio, bar.seconds * milli, verdict(ratio < 1));
   }

@@ -1,5 +1,6 @@
 // Where the focus is after a dialog has refused what was typed.
 
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -47,7 +48,34 @@ class SayingDialog final : public FormDialog {
   QtUser user;
 };
 
+/// Buttons that were made before the field, a text to read and a choice that may be switched off.
+class ButtonsFirstDialog final : public FormDialog {
+ public:
+  ButtonsFirstDialog() : FormDialog("Prova", nullptr) {
+    QDialogButtonBox* buttons = makeButtons();
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(shown);
+    column->addWidget(again);
+    column->addWidget(field);
+    column->addWidget(buttons);
+    shown->setReadOnly(true);
+  }
+  QLineEdit* shown = named(new QLineEdit, "txtLetto", "Letto");
+  QCheckBox* again = named(new QCheckBox, "chkAncora", "Ancora");
+  QLineEdit* field = named(new QLineEdit, "txtCampo", "Campo");
+};
+
 class DialogFocus : public DialogFixture {};
+
+TEST_F(DialogFocus, BeginsInTheFirstFieldAndElseOnTheDefaultButton) {
+  ButtonsFirstDialog dialog;
+  show(dialog);
+  EXPECT_EQ(dialog.focusWidget(), dialog.field);
+  ButtonsFirstDialog question;
+  question.field->setEnabled(false);
+  show(question);
+  EXPECT_EQ(question.focusWidget(), control<QPushButton>(question, "cmdOK"));
+}
 
 TEST_F(DialogFocus, AfterARefusalOfAnyOtherButtonItIsInTheFieldToo) {
   SayingDialog dialog;

@@ -137,7 +137,7 @@ TEST_F(FieldNotes, ALongTextOpensInALargerWindowAndComesBackWithOk) {
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, window.get(), [&] {
       auto* larger = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-      if (larger == nullptr) return;
+      if (larger == nullptr || !larger->isActiveWindow()) return;
       poll.stop();
       EXPECT_EQ(larger->windowTitle(), "Korvane - Descrizione");
       auto* inside = larger->findChild<QPlainTextEdit*>();

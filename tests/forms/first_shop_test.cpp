@@ -2,7 +2,6 @@
 // keys and clicks that are counted.
 
 #include <QComboBox>
-#include <QMessageBox>
 #include <cstdlib>
 
 #include "forms/wired_window.h"
@@ -86,16 +85,9 @@ class FirstShop : public WiredWindow {
   }
   std::string build() {
     std::string said;
-    auto* poll = new QTimer(window.get());
-    QObject::connect(poll, &QTimer::timeout, window.get(), [&] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (box == nullptr) return;
-      poll->stop();
-      said = fromQt(box->text());
-      keyIn(*box, Qt::Key_Return);
-    });
-    poll->start(2);
+    whenFinished(said);
     key(Qt::Key_B, Qt::ControlModifier);
+    ++actions;  // the Enter in the box
     return said;
   }
   std::string rowsOf(const std::string& query) { return test::rows(session.catalogue, query); }

@@ -1,7 +1,6 @@
 // The main window by the keyboard alone: Tab reaches every control in the order of the eye, and the way from an empty
 // department to a built shop needs no mouse. And every control of every window has a name.
 
-#include <QMessageBox>
 #include <QScrollBar>
 
 #include "builder/run/frm_elabora.h"
@@ -176,15 +175,7 @@ TEST_F(Keyboard, FromANewDepartmentToABuiltShop) {
   for (int i = 0; i < 20 && focus().objectName() != QLatin1String("prezzo"); ++i) key(Qt::Key_Tab);
   type("12,50");
   std::string said;
-  auto* poll = new QTimer(window.get());
-  QObject::connect(poll, &QTimer::timeout, window.get(), [&] {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box == nullptr) return;
-    poll->stop();
-    said = fromQt(box->text());
-    QTest::keyClick(box, Qt::Key_Return);
-  });
-  poll->start(2);
+  whenFinished(said);
   key(Qt::Key_B, Qt::ControlModifier);
   EXPECT_NE(said.find("Creazione del negozio terminata."), std::string::npos);
   EXPECT_EQ(stored("titolo", "articoli ORDER BY ID DESC LIMIT 1"), "Lume");

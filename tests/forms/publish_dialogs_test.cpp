@@ -1,4 +1,4 @@
-// The windows of publishing: what is sent, the way to the server, the choice of a folder, the update of the database.
+// The windows of publishing that ask: what is sent, and the way to the server.
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
@@ -6,19 +6,12 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
 #include <QRadioButton>
 #include <set>
 
 #include "dialog_fixture.h"
 #include "publish/settings/frm_firewall.h"
-#include "publish/settings/frm_folder_ftp.h"
 #include "publish/settings/frm_imposta_ftp.h"
-#include "publish/update/busy_shape.h"
-#include "publish/update/frm_update.h"
-#include "support/answering_host.h"
-#include "support/listing_server.h"
 
 namespace kv {
 namespace {
@@ -64,6 +57,17 @@ TEST_F(TheSendingDialog, ShowsTheDefaultsOfAnUntouchedShop) {
   EXPECT_EQ(test::defaultButton(*dialog), "OK");
   EXPECT_EQ(test::namelessControls(*dialog), "");
   test::keepPicture(*dialog, "publish_options");
+}
+
+TEST_F(TheSendingDialog, FitsALowScreenWithLargerText) {
+  start();
+  QFont larger = dialog->font();
+  larger.setPointSizeF(larger.pointSizeF() * 1.25);
+  dialog->setFont(larger);
+  QApplication::processEvents();
+  const QSize least = dialog->minimumSizeHint();
+  EXPECT_LE(least.height(), 680) << "of 768, with a panel and the frame";
+  EXPECT_LE(least.width(), 1240);
 }
 
 TEST_F(TheSendingDialog, OkWithDefaultsLeavesNoFile) {
@@ -301,127 +305,6 @@ TEST_F(TheConnectionDialog, EscapeWritesNothing) {
   click(*dialog, "optAttiva");
   expectEscapeLeaves(*dialog);
   EXPECT_EQ(file("firewall.net"), "(missing)");
-}
-
-class TheServerFolderDialog : public PublishDialog {
- protected:
-  void SetUp() override {
-    server.home = "/home";
-    server.folders = {{"/home", {test::unixFolder("www"), test::unixFolder("la mia")}}, {"/home/www", {}}};
-  }
-  void start() {
-    dialog.emplace(shopFolderTitle, ConnectionSettings(), server, user);
-    show(*dialog);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !server.commands.empty(); }));
-    QApplication::processEvents();
-  }
-  QListWidgetItem* item(int row) const { return control<QListWidget>(*dialog, "lstCartelle")->item(row); }
-  void onItem(int row, bool twice) const {
-    auto* list = control<QListWidget>(*dialog, "lstCartelle");
-    const QPoint middle = list->visualItemRect(item(row)).center();
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, middle);
-    if (twice) QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, middle);
-  }
-  std::string line(const char* name) const { return fromQt(control<QLineEdit>(*dialog, name)->text()); }
-
-  test::ListingServer server;
-  std::optional<frmFolderFTP> dialog;
-};
-
-TEST_F(TheServerFolderDialog, ListsTheFoldersAfterTheLogin) {
-  start();
-  EXPECT_EQ(line("txtPath"), "/home");
-  ASSERT_EQ(control<QListWidget>(*dialog, "lstCartelle")->count(), 2);
-  EXPECT_EQ(item(1)->text(), "la mia");
-  EXPECT_EQ(fromQt(dialog->windowTitle()), "Korvane - Selezione cartella del negozio");
-  EXPECT_EQ(test::namelessControls(*dialog), "");
-  test::keepPicture(*dialog, "server_folder");
-}
-
-TEST_F(TheServerFolderDialog, AClickChoosesADoubleClickEnters) {
-  start();
-  onItem(1, false);
-  EXPECT_EQ(line("txtSelFolder"), "/home/la mia");
-  onItem(0, true);
-  EXPECT_EQ(line("txtPath"), "/home/www");
-  EXPECT_EQ(control<QListWidget>(*dialog, "lstCartelle")->count(), 0);
-  click(*dialog, "cmdOK");
-  EXPECT_EQ(dialog->tag(), ">www");
-  EXPECT_EQ(server.commands.back(), "quit");
-}
-
-TEST_F(TheServerFolderDialog, AServerOutOfReachClosesItWithoutAChoice) {
-  server.failures["connect"] = {transferNoConnection, "refused", {}};
-  start();
-  EXPECT_FALSE(dialog->isVisible());
-  EXPECT_EQ(dialog->tag(), "");
-  EXPECT_EQ(user.shown.size(), 1U);
-}
-
-TEST_F(TheServerFolderDialog, EscapeInTheMiddleOfAListingBreaksOff) {
-  server.beforeList = [this] { QTest::keyClick(&*dialog, Qt::Key_Escape); };
-  start();
-  EXPECT_FALSE(dialog->isVisible());
-  EXPECT_EQ(dialog->tag(), "");
-  EXPECT_FALSE(server.isConnected());
-  EXPECT_TRUE(user.shown.empty());
-}
-
-class TheUpdateDialog : public PublishDialog {
- protected:
-  void SetUp() override {
-    for (const char* folder : {"/db", "/online"}) ASSERT_TRUE(createFolders(shop + folder));
-    ASSERT_TRUE(writeBytes(shop + "/online/abc.sc", "2\r\n"));
-    ASSERT_TRUE(writeBytes(shop + "/db/sql.mdb", "the build"));
-    dialog.emplace(UpdateJob{shop, shop + "/online", "http://a", {"h", "u", "d", "n", "abc"}}, env, host);
-  }
-  std::string answers() const { return fromQt(control<QPlainTextEdit>(*dialog, "txtRisposta")->toPlainText()); }
-
-  test::AnsweringHost host;
-  std::optional<frmUpdate> dialog;
-};
-
-TEST_F(TheUpdateDialog, StartsByItselfAndEndsWithItsTag) {
-  EXPECT_EQ(test::namelessControls(*dialog), "");
-  dialog->exec();
-  EXPECT_EQ(dialog->tag(), "OK");
-  EXPECT_EQ(answers(), "Lingua1: OK\n_______________________\n\nLingua2: OK\n_______________________\n\n");
-}
-
-TEST_F(TheUpdateDialog, ShowsAFailureAboveItsHeading) {
-  host.answers = {"citt\xE0 piena"};
-  dialog->exec();
-  EXPECT_TRUE(answers().starts_with("città piena\nLingua1: ERRORE\n")) << answers();
-  EXPECT_TRUE(dialog->tag().starts_with("Si sono verificati errori nell'aggiornamento del database:"));
-}
-
-TEST_F(TheUpdateDialog, TheCancelIsAskedAboutAndTheRunGoesOnAfterANo) {
-  host.onRequest = [this](const HttpRequest&) {
-    if (host.requests.size() == 1) click(*dialog, "cmdAnnulla");
-  };
-  dialog->exec();
-  EXPECT_EQ(dialog->tag(), "OK");
-  ASSERT_EQ(user.shown.size(), 1U);
-  EXPECT_EQ(user.shown[0].preset, Answer::No);
-}
-
-TEST_F(TheUpdateDialog, AYesEndsItWithAnEmptyTag) {
-  user.answers = {Answer::Yes};
-  host.onRequest = [this](const HttpRequest&) {
-    EXPECT_TRUE(control<QFrame>(*dialog, "shpBusy")->isVisible());
-    test::keepPicture(*dialog, "update");
-    QTest::keyClick(&*dialog, Qt::Key_Escape);
-  };
-  dialog->exec();
-  EXPECT_EQ(dialog->tag(), "");
-  EXPECT_FALSE(dialog->isVisible());
-  EXPECT_EQ(host.requests.size(), 1U);
-}
-
-TEST(TheBusyShape, MovesFifteenToTheRightAndStartsAgainAtTheEdge) {
-  EXPECT_EQ(nextBusyEdge(0, 100), 15);
-  EXPECT_EQ(nextBusyEdge(84, 100), 99);
-  EXPECT_EQ(nextBusyEdge(85, 100), 0);
 }
 
 }  // namespace

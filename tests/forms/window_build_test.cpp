@@ -42,21 +42,6 @@ class WindowBuild : public WiredWindow {
     });
     poll->start(1);
   }
-  /// Presses OK in the box that ends a build, and keeps what it says.
-  void whenFinished(std::string& said) {
-    auto* poll = new QTimer(window.get());
-    QObject::connect(poll, &QTimer::timeout, window.get(), [poll, &said] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (box == nullptr) return;
-      poll->stop();
-      poll->deleteLater();
-      said = fromQt(box->text());
-      EXPECT_EQ(box->icon(), QMessageBox::Information);
-      EXPECT_EQ(defaultButton(*box), "OK");
-      QTest::keyClick(box, Qt::Key_Return);
-    });
-    poll->start(2);
-  }
   bool built(const std::string& page) const { return fileExists(shop + "/online/" + page); }
 };
 

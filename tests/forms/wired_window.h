@@ -1,6 +1,8 @@
 #pragma once
 // The main window wired to the dialogs of the program, over the model shop and the data that come with it.
 
+#include <QMessageBox>
+#include <QTimer>
 #include <memory>
 
 #include "forms/dialog_fixture.h"
@@ -77,6 +79,21 @@ class WiredWindow : public DialogFixture {
       poll->stop();
       poll->deleteLater();
       act(*modal);
+    });
+    poll->start(2);
+  }
+  /// Presses OK in the box that ends a build, and keeps what it says.
+  void whenFinished(std::string& said) {
+    auto* poll = new QTimer(window.get());
+    QObject::connect(poll, &QTimer::timeout, window.get(), [poll, &said] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (box == nullptr) return;
+      poll->stop();
+      poll->deleteLater();
+      said = fromQt(box->text());
+      EXPECT_EQ(box->icon(), QMessageBox::Information);
+      EXPECT_EQ(defaultButton(*box), "OK");
+      QTest::keyClick(box, Qt::Key_Return);
     });
     poll->start(2);
   }

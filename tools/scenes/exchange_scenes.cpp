@@ -8,22 +8,12 @@
 #include "import/accounting/frm_og_choose.h"
 #include "platform/files/files.h"
 #include "publish/passwords/frm_otp.h"
+#include "publish/update/frm_update.h"
 #include "scenes.h"
 #include "store/exchange/frm_importa_primo.h"
 
 namespace kv::scenes {
 namespace {
-
-/// Shows a dialog of its own and takes it; `arrange` fills it first.
-template <class Dialog>
-void takeShown(Stage& stage, Dialog& dialog, const QString& name, const std::function<void(QWidget&)>& arrange = {}) {
-  stage.during([&] { dialog.exec(); },
-               [&](QWidget& shown) {
-                 if (arrange) arrange(shown);
-                 Stage::processEvents();
-                 stage.take(name);
-               });
-}
 
 /// A shop of the earlier line made of the open one, with some rows of its own.
 void makePrimoShop(Stage& stage, const std::string& folder) {
@@ -145,6 +135,24 @@ void takePasswordTransfer(Stage& stage, const QString& name) {
   window.exec();
 }
 
+void takeUpdate(Stage& stage, const QString& name) {
+  const QTemporaryDir folder;
+  const std::string shop = fromQt(folder.path());
+  ignore(createFolder(joinPath(shop, "db")), "the picture shows what there is");
+  ignore(writeBytes(joinPath(shop, "abc.sc"), "2\r\n"), "the picture shows what there is");
+  ignore(writeBytes(joinPath(shop, "db/sql.mdb"), "-"), "the picture shows what there is");
+  int asked = 0;
+  HostInThePicture host([&] {
+    // The answer about the first language is there.
+    if (++asked != 2) return;
+    Stage::processEvents();
+    stage.take(name);
+  });
+  Environment env = stage.environment();
+  frmUpdate window({shop, shop, "http://bottega.example", {"h", "u", "d", "n", "abc"}}, env, host, &stage.window());
+  window.exec();
+}
+
 }  // namespace
 
 std::span<const Scene> exchangeScenes() {
@@ -154,7 +162,8 @@ std::span<const Scene> exchangeScenes() {
                                      Scene{"importa-og3", takeVisibleOptions},
                                      Scene{"importa-og-anteprima", takeAccountingPreview},
                                      Scene{"password", takePasswordLists},
-                                     Scene{"password-invio", takePasswordTransfer}};
+                                     Scene{"password-invio", takePasswordTransfer},
+                                     Scene{"aggiornamento", takeUpdate}};
   return scenes;
 }
 

@@ -5,6 +5,8 @@
 
 #include "stage.h"
 
+class QDialog;
+
 namespace kv::scenes {
 
 struct Scene {
@@ -21,10 +23,15 @@ std::span<const Scene> exchangeScenes();
 /// That of a shop being sent to its server.
 std::span<const Scene> publishScenes();
 
+/// Those of the first start and of no shop, of a long text, of the folders of a server.
+std::span<const Scene> startScenes();
+
 /// Goes to the department of the shop with the most articles, and to one of them.
 void goToArticle(Stage& stage);
 /// Takes the dialog that a command opens.
 void takeEntry(Stage& stage, std::string_view command, const QString& name);
+/// Shows a dialog of its own and takes it; `arrange` fills it first.
+void takeShown(Stage& stage, QDialog& dialog, const QString& name, const std::function<void(QWidget&)>& arrange = {});
 
 /// All of them, in the order in which they are played over one shop; each leaves the windows as it found them.
 std::span<const Scene> sceneTable();

@@ -68,6 +68,11 @@ void keepInside(QWidget& window, const QSize& size) {
   if (place.topLeft() != window.pos()) window.move(place.topLeft());
 }
 
+/// Whether a window with its frame has room on a screen.
+bool fits(const QWidget& window, const QSize& screen) {
+  return window.width() <= screen.width() && window.height() + titleHeight <= screen.height();
+}
+
 QWidget* opened() {
   QWidget* popup = QApplication::activePopupWidget();
   return popup != nullptr ? popup : QApplication::activeModalWidget();
@@ -153,6 +158,10 @@ void Stage::take(const QString& name) {
   drawWindow(painter, *window_, shop);
   for (QWidget* window : windows) {
     if (window == window_.get() || !window->isVisible() || qobject_cast<QMenu*>(window) != nullptr) continue;
+    if (!fits(*window, options_.size)) {
+      failed_ = true;
+      std::cerr << "larger than the screen: " << fromQt(name) << '\n';
+    }
     keepInside(*window, options_.size);
     drawWindow(painter, *window, shop);
   }

@@ -50,6 +50,15 @@ std::string shownValue(const AccountKey& key, const std::string& value) {
   }
 }
 
+/// The shop's conf.ini of a module; nothing when it can't be read.
+std::optional<std::string> settingsText(const std::string& shopFolder, std::string_view moduleFolder) {
+  const auto folder = findEntry(joinPath(shopFolder, "code"), moduleFolder);
+  const auto file = folder ? findEntry(*folder, "conf.ini") : std::nullopt;
+  if (!file) return std::nullopt;
+  auto text = readText(*file);
+  return text ? std::optional<std::string>(std::move(*text)) : std::nullopt;
+}
+
 }  // namespace
 
 std::string textOnOneLine(std::string_view text) {
@@ -64,10 +73,8 @@ GatewayAccount GatewayAccount::load(Session& session, const GatewayModule& modul
   GatewayAccount account;
   account.module_ = &module;
   for (const AccountKey& key : module.keys) account.values_[std::string(key.key)] = shownValue(key, "");
-  const auto folder = findEntry(joinPath(session.ShopFolder, "code"), module.folder);
-  const auto file = folder ? findEntry(*folder, "conf.ini") : std::nullopt;
-  const auto text = file ? readText(*file) : Result<std::string>();
-  account.found_ = file && text;
+  const auto text = settingsText(session.ShopFolder, module.folder);
+  account.found_ = text.has_value();
   if (account.found_) {
     for (const auto& [key, value] : parseModuleSettings(*text)) account.readSetting(key, value);
   }
@@ -155,7 +162,7 @@ bool GatewayAccount::isComplete() const {
 }
 
 std::string GatewayAccount::stored(const AccountKey& key) const {
-  const std::string held = value(key.key);
+  std::string held = value(key.key);
   switch (key.role) {
     case KeyRole::Constant:
       return std::string(key.constant);

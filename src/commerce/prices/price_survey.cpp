@@ -92,13 +92,18 @@ void noteSlots(const Statement& row, const PriceLists& lists, bool here, bool el
   }
 }
 
-Result<SlotUses> slotUses(Database& catalogue, const PriceSelection& selection) {
-  const bool all = selection.department.empty();
+/// Whether an article is in the selected department, Null without one, and its forty slots.
+std::string slotsQuery(bool all) {
   std::string query = all ? "SELECT NULL" : "SELECT catID = ?1";
   for (int listino = 0; listino < listini; ++listino) {
     for (int slot = 1; slot <= slots; ++slot) query += ", " + variantColumn(slot, listino);
   }
-  auto rows = catalogue.prepare(query + " FROM articoli");
+  return query + " FROM articoli";
+}
+
+Result<SlotUses> slotUses(Database& catalogue, const PriceSelection& selection) {
+  const bool all = selection.department.empty();
+  auto rows = catalogue.prepare(slotsQuery(all));
   if (!rows) return fail(rows.error());
   if (!all) rows->bind(1, selection.department);
   SlotUses uses;

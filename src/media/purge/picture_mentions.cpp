@@ -19,6 +19,17 @@ constexpr std::array<bool, 256> wordCharacters = [] {
 
 bool isInWord(char c) { return wordCharacters[static_cast<std::uint8_t>(c)]; }
 
+/// The word around a dot; `end` is after it. Folded, and without the point of a sentence.
+std::string wordAround(std::string_view text, std::size_t dot, std::size_t& end) {
+  std::size_t begin = dot;
+  end = dot + 1;
+  while (begin > 0 && isInWord(text[begin - 1])) --begin;
+  while (end < text.size() && isInWord(text[end])) ++end;
+  std::string word = foldCase(text.substr(begin, end - begin));
+  while (word.ends_with('.')) word.pop_back();
+  return word;
+}
+
 }  // namespace
 
 void PictureMentions::lookFor(const std::string& name) {
@@ -32,14 +43,10 @@ void PictureMentions::lookFor(const std::string& name) {
 
 void PictureMentions::read(std::string_view text) {
   // A picture's name has a dot, and most texts have none within a word.
-  for (std::size_t dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.', dot + 1)) {
-    std::size_t begin = dot, end = dot + 1;
-    while (begin > 0 && isInWord(text[begin - 1])) --begin;
-    while (end < text.size() && isInWord(text[end])) ++end;
-    std::string word = foldCase(text.substr(begin, end - begin));
-    while (word.ends_with('.')) word.pop_back();  // the end of a sentence
+  std::size_t end = 0;
+  for (std::size_t dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.', end)) {
+    std::string word = wordAround(text, dot, end);
     if (names_.contains(word)) found_.insert(std::move(word));
-    dot = end - 1;
   }
   if (oddNames_.empty()) return;
   const std::string folded = foldCase(text);

@@ -44,6 +44,13 @@ Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::s
   }
 }
 
+/// Whether a path leads to the file of this status.
+bool isFileAt(const std::string& path, const struct stat& file, AtLink links) {
+  struct stat found {};
+  const auto look = links == AtLink::Follow ? ::stat : ::lstat;
+  return look(path.c_str(), &found) == 0 && found.st_dev == file.st_dev && found.st_ino == file.st_ino;
+}
+
 bool hasKind(const std::string& path, mode_t kind) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IFMT) == kind;
@@ -185,11 +192,7 @@ Result<> renameFile(const std::string& from, const std::string& to) {
 Result<> copyFile(const std::string& from, const std::string& to, AtLink links) {
   auto source = openToRead(from);
   if (!source) return fail(source.error());
-  struct stat target {};
-  const auto look = links == AtLink::Follow ? ::stat : ::lstat;
-  const bool isSame = look(to.c_str(), &target) == 0 && target.st_dev == source->status.st_dev &&
-                      target.st_ino == source->status.st_ino;
-  if (isSame) return {};
+  if (isFileAt(to, source->status, links)) return {};
   auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR, links);
   if (!replacement) return fail(replacement.error());
   std::string buffer(copyPiece, '\0');

@@ -159,6 +159,16 @@ Result<> createListed(const std::vector<TreeEntry>& items, CopyTarget& target) {
   return {};
 }
 
+/// Copies the listed files into the folders that are there already.
+Result<> copyListed(const std::vector<TreeEntry>& items, const TreeCopy& copy, CopyTarget& target) {
+  for (const TreeEntry& item : items) {
+    if (item.isFolder || equalsIgnoringCase(item.path, copy.exceptFile)) continue;
+    if (copy.goOn && !copy.goOn()) return fail(ErrorKind::Cancelled, copy.from, "cancelled");
+    if (auto copied = copyFile(joinPath(copy.from, item.path), target.pathFor(item.path)); !copied) return copied;
+  }
+  return {};
+}
+
 }  // namespace
 
 std::optional<std::string> findEntry(const std::string& folder, std::string_view name) {
@@ -216,12 +226,7 @@ Result<> copyTree(const TreeCopy& copy) {
   if (auto created = createFolders(copy.to); !created) return created;
   CopyTarget target(copy.to);
   if (auto created = createListed(lister.items(), target); !created) return created;
-  for (const TreeEntry& item : lister.items()) {
-    if (item.isFolder || equalsIgnoringCase(item.path, copy.exceptFile)) continue;
-    if (copy.goOn && !copy.goOn()) return fail(ErrorKind::Cancelled, copy.from, "cancelled");
-    if (auto copied = copyFile(joinPath(copy.from, item.path), target.pathFor(item.path)); !copied) return copied;
-  }
-  return {};
+  return copyListed(lister.items(), copy, target);
 }
 
 Result<std::vector<TreeEntry>> listTree(const std::string& from, const std::string& exceptFolder) {

@@ -88,6 +88,14 @@ bool readAll(int pipe, const IsolationLimits& limits, std::string& bytes) {
   }
 }
 
+/// Waits for the end of a process; whether it ended by itself and with success.
+bool endedWell(pid_t child) {
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
 }  // namespace
 
 Result<std::string> runIsolated(const IsolationLimits& limits, const std::function<void(const IsolatedOutput&)>& work) {
@@ -105,12 +113,8 @@ Result<std::string> runIsolated(const IsolationLimits& limits, const std::functi
   ::close(ends[0]);
   if (child < 0) return fail(ErrorKind::Other, "fork", std::strerror(failed), failed);
   if (!isWhole) ::kill(child, SIGKILL);
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  if (!isWhole || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-    return fail(ErrorKind::Malformed, "", "the reading broke off");
-  }
+  const bool isDone = endedWell(child);
+  if (!isWhole || !isDone) return fail(ErrorKind::Malformed, "", "the reading broke off");
   return bytes;
 }
 

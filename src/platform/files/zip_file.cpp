@@ -39,6 +39,16 @@ void reportZip(zip_t*, double done, void* data) {
 }
 int isZipCancelled(zip_t*, void* data) { return static_cast<ZipListener*>(data)->isCancelled ? 1 : 0; }
 
+/// What the system said last, or a failed write when it said nothing.
+tl::unexpected<Error> unwritableZip(const std::string& path) { return systemFailure(errno == 0 ? EIO : errno, path); }
+
+/// Where the bytes of an entry come from; null when there is no memory for it. The content lives until the archive is
+/// written: the caller holds the entries.
+zip_source_t* sourceOf(zip_t* archive, const ZipEntry& entry) {
+  if (entry.content) return zip_source_buffer(archive, entry.content->data(), entry.content->size(), 0);
+  return zip_source_file(archive, entry.source.c_str(), 0, -1);
+}
+
 // libzip opens a file only when the archive is closed: one that is missing or may not be read is found here.
 Result<> addToZip(zip_t* archive, const ZipEntry& entry, const std::string& path) {
   if (entry.name.ends_with('/')) {
@@ -47,10 +57,7 @@ Result<> addToZip(zip_t* archive, const ZipEntry& entry, const std::string& path
   }
   if (!entry.content && !fileExists(entry.source)) return fail(ErrorKind::Missing, entry.source, "no such file");
   if (!entry.content && !mayProceed(FileStep::OpenToRead, entry.source)) return systemFailure(errno, entry.source);
-  // The content lives until the archive is written: the caller holds the entries.
-  zip_source_t* const source = entry.content
-                                   ? zip_source_buffer(archive, entry.content->data(), entry.content->size(), 0)
-                                   : zip_source_file(archive, entry.source.c_str(), 0, -1);
+  zip_source_t* const source = sourceOf(archive, entry);
   if (source == nullptr) return zipFailure(archive, path);
   const zip_int64_t index = zip_file_add(archive, entry.name.c_str(), source, ZIP_FL_ENC_UTF_8);
   if (index < 0) {
@@ -68,7 +75,7 @@ Result<> writeZip(const std::string& path, const std::vector<ZipEntry>& entries,
   if (!mayProceed(FileStep::Create, path)) return systemFailure(errno, path);
   int code = 0;
   OpenZip archive(zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &code));
-  if (!archive) return systemFailure(errno == 0 ? EIO : errno, path);
+  if (!archive) return unwritableZip(path);
   for (const ZipEntry& entry : entries) {
     if (auto added = addToZip(archive.get(), entry, path); !added) return added;
   }
@@ -76,9 +83,7 @@ Result<> writeZip(const std::string& path, const std::vector<ZipEntry>& entries,
   const bool isHeard =
       zip_register_progress_callback_with_state(archive.get(), reportSteps, reportZip, nullptr, &listener) == 0 &&
       zip_register_cancel_callback_with_state(archive.get(), isZipCancelled, nullptr, &listener) == 0;
-  if (!isHeard || !mayProceed(FileStep::Write, path) || !mayProceed(FileStep::Rename, path)) {
-    return systemFailure(errno == 0 ? EIO : errno, path);
-  }
+  if (!isHeard || !mayProceed(FileStep::Write, path) || !mayProceed(FileStep::Rename, path)) return unwritableZip(path);
   if (zip_close(archive.get()) != 0) return zipFailure(archive.get(), path);
   ignore(archive.release(), "closing it has freed it");
   return {};

@@ -131,7 +131,7 @@ Result<ImageSize> gifSize(std::string_view bytes) {
 }
 
 Result<Colour> firstPixelOf(std::string_view bytes) {
-  if (!bytes.starts_with("GIF87a") && !bytes.starts_with("GIF89a")) return badPicture("No GIF");
+  if (pictureKind(bytes) != PictureKind::Gif) return badPicture("No GIF");
   const OpenGif gif = openGif(bytes);
   if (!gif) return badPicture("The GIF's header is cut off");
   if (const char* fault = sizeFault(gif->SWidth, gif->SHeight, "The GIF has no size")) return badPicture(fault);

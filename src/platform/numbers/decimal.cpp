@@ -62,10 +62,10 @@ struct Exponent {
 };
 Exponent scanExponent(std::string_view text) {
   constexpr int limit = 100000;  // far above the exponents of a double, far below the limits of an int
-  if (text.empty() || (text[0] != 'E' && text[0] != 'e')) return {};
-  std::size_t at = 1;
-  const bool negative = at < text.size() && text[at] == '-';
-  if (at < text.size() && (text[at] == '-' || text[at] == '+')) ++at;
+  if (!text.starts_with('E') && !text.starts_with('e')) return {};
+  const char sign = text.size() > 1 ? text[1] : '0';
+  const bool negative = sign == '-';
+  std::size_t at = negative || sign == '+' ? 2 : 1;
   const std::size_t firstDigit = at;
   int value = 0;
   for (; at < text.size() && isDigit(text[at]); ++at) value = std::min(limit, value * 10 + (text[at] - '0'));

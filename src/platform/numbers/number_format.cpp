@@ -77,6 +77,9 @@ class WholeDigits {
     reversed += number_.digitAt(number_.point - 1 - done_);
     ++done_;
   }
+  void putAll(std::string& reversed) {
+    while (left()) put(reversed);
+  }
 
  private:
   const Decimal& number_;
@@ -90,9 +93,7 @@ std::string wholeText(const Decimal& number, const Mask& mask) {
   const std::size_t firstZero = part.find('0');
   WholeDigits digits(number, mask.groups);
   std::string reversed;
-  if (firstDigit == std::string_view::npos) {
-    while (digits.left()) digits.put(reversed);
-  }
+  if (firstDigit == std::string_view::npos) digits.putAll(reversed);
   for (std::size_t i = part.size(); i-- > 0;) {
     if (!isDigitPosition(part[i])) {
       if (part[i] != ',') reversed += part[i];
@@ -100,8 +101,7 @@ std::string wholeText(const Decimal& number, const Mask& mask) {
     }
     const bool forced = firstZero != std::string_view::npos && i >= firstZero;
     if (digits.left() || forced) digits.put(reversed);
-    if (i != firstDigit) continue;
-    while (digits.left()) digits.put(reversed);
+    if (i == firstDigit) digits.putAll(reversed);
   }
   return {reversed.rbegin(), reversed.rend()};
 }

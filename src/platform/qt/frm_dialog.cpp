@@ -1,12 +1,16 @@
 #include "platform/qt/frm_dialog.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QShortcut>
 #include <QShowEvent>
 #include <QTextDocument>
@@ -62,6 +66,25 @@ class FieldMemory final : public QObject {
   QPointer<QWidget> field_;
 };
 
+/// Whether a control takes what somebody opens a dialog for. A check box doesn't count: questions have one too; of
+/// choices the one that is made counts.
+bool isField(const QWidget& control) {
+  if (const auto* line = qobject_cast<const QLineEdit*>(&control)) return !line->isReadOnly();
+  if (const auto* text = qobject_cast<const QPlainTextEdit*>(&control)) return !text->isReadOnly();
+  if (const auto* choice = qobject_cast<const QRadioButton*>(&control)) return choice->isChecked();
+  return qobject_cast<const QComboBox*>(&control) != nullptr ||
+         qobject_cast<const QAbstractItemView*>(&control) != nullptr;
+}
+
+/// The first field on the way of Tab; null when there is none.
+QWidget* firstField(const QWidget& dialog) {
+  for (QWidget* one = dialog.nextInFocusChain(); one != &dialog; one = one->nextInFocusChain()) {
+    const bool isReached = one->isEnabled() && one->isVisibleTo(&dialog) && (one->focusPolicy() & Qt::TabFocus) != 0;
+    if (isReached && one->window() == &dialog && isField(*one)) return one;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 void returnToField(QWidget& dialog) {
@@ -95,6 +118,8 @@ void FormDialog::showEvent(QShowEvent* event) {
   // The row of buttons stands for its first button where Tab comes to the row itself: with several buttons in front of
   // OK it comes there in between, and would never get to OK.
   for (QDialogButtonBox* buttons : findChildren<QDialogButtonBox*>()) buttons->setFocusProxy(nullptr);
+  // Else the default button has the focus where the buttons were made before the fields.
+  if (QWidget* field = focusWidget() == nullptr ? firstField(*this) : nullptr) field->setFocus(Qt::TabFocusReason);
   bringOnScreen(*this);
   whenFramed(*this, [this, shown = size()] {
     if (size() == shown) bringOnScreen(*this);

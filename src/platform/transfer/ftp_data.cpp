@@ -18,26 +18,45 @@ tl::unexpected<Error> dataFailure(const Error& error) {
   return transferFailure(transferNoData, "connessione dati: " + error.what);
 }
 
+/// A server that has no data connection to offer.
+tl::unexpected<Error> refusedData(const FtpReply& reply) {
+  return transferFailure(transferNoData, std::to_string(reply.code) + " " + serverText(reply.text));
+}
+
+/// By PASV, which IPv4 alone has.
+Result<std::uint16_t> askForPort4(FtpSession& session, Patience& patience) {
+  const auto reply = session.control.command("PASV", patience);
+  if (!reply) return fail(reply.error());
+  const auto port = passivePort(reply->code == 227 ? reply->text : std::string());
+  if (!port) return refusedData(*reply);
+  return *port;
+}
+
 /// Asks the server for a port. EPSV has no address that a router on the way could have to change; a server that
 /// refuses it isn't asked again, and proxies are older than it.
 Result<std::uint16_t> askForPort(FtpSession& session, Patience& patience) {
   const bool is4 = session.control.wire().peerAddress().family() == AF_INET;
   const bool asksExtended = !is4 || (session.extendedPassive && !isFtpProxy(session.settings.firewall));
-  if (asksExtended) {
-    const auto reply = session.control.command("EPSV", patience);
-    if (!reply) return fail(reply.error());
-    if (reply->code == 229) {
-      const auto port = extendedPassivePort(reply->text);
-      if (port) return *port;
-    }
-    if (!is4) return transferFailure(transferNoData, std::to_string(reply->code) + " " + serverText(reply->text));
-    session.extendedPassive = false;
-  }
-  const auto reply = session.control.command("PASV", patience);
+  if (!asksExtended) return askForPort4(session, patience);
+  const auto reply = session.control.command("EPSV", patience);
   if (!reply) return fail(reply.error());
-  const auto port = passivePort(reply->code == 227 ? reply->text : std::string());
-  if (!port) return transferFailure(transferNoData, std::to_string(reply->code) + " " + serverText(reply->text));
-  return *port;
+  if (reply->code == 229) {
+    const auto port = extendedPassivePort(reply->text);
+    if (port) return *port;
+  }
+  if (!is4) return refusedData(*reply);
+  session.extendedPassive = false;
+  return askForPort4(session, patience);
+}
+
+/// Sends the command of a transfer; the server says that it begins.
+Result<> beginTransfer(FtpSession& session, const std::string& command, Patience& patience) {
+  if (auto sent = session.control.send(command, patience); !sent) return sent;
+  const auto begun = session.control.reply(patience);
+  if (!begun) return fail(begun.error());
+  if (begun->isRefusal()) return replyFailure(*begun);
+  if (!begun->isPreliminary()) return transferFailure(transferNoData, "risposta inattesa del server");
+  return {};
 }
 
 Result<Wire> listenForServer(FtpSession& session) {
@@ -96,9 +115,7 @@ Result<FtpData> FtpData::prepare(FtpSession& session, Patience& patience) {
   if (!listener) return fail(listener.error());
   const auto told = session.control.command(portCommand(listener->localAddress()), patience);
   if (!told) return fail(told.error());
-  if (told->isRefusal()) {
-    return transferFailure(transferNoData, std::to_string(told->code) + " " + serverText(told->text));
-  }
+  if (told->isRefusal()) return refusedData(*told);
   data.listener_ = std::move(*listener);
   return data;
 }
@@ -120,11 +137,7 @@ Result<> withData(FtpSession& session, const std::string& command,
                   const std::function<Result<>(Wire& wire, Patience& patience)>& use, Patience& patience) {
   auto data = FtpData::prepare(session, patience);
   if (!data) return fail(data.error());
-  if (auto sent = session.control.send(command, patience); !sent) return sent;
-  const auto begun = session.control.reply(patience);
-  if (!begun) return fail(begun.error());
-  if (begun->isRefusal()) return replyFailure(*begun);
-  if (!begun->isPreliminary()) return transferFailure(transferNoData, "risposta inattesa del server");
+  if (auto begun = beginTransfer(session, command, patience); !begun) return begun;
   Result<> used;
   if (auto wire = data->open(session, patience); !wire) {
     used = fail(wire.error());

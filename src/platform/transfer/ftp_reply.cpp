@@ -1,5 +1,6 @@
 #include "platform/transfer/ftp_reply.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
@@ -20,6 +21,11 @@ int codeOf(std::string_view line) {
   if (line.size() < 3 || line[0] < '1' || line[0] > '5' || !isDigit(line[1]) || !isDigit(line[2])) return 0;
   return (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
 }
+
+/// What divides the code of a line from its text: a hyphen when more lines follow.
+char dividerOf(std::string_view line) { return line.size() > 3 ? line[3] : ' '; }
+bool isDivider(char one) { return one == ' ' || one == '-'; }
+std::string_view afterCode(std::string_view line) { return line.substr(std::min<std::size_t>(line.size(), 4)); }
 
 /// The number at the start of `text`, which it is cut off from; nothing when there is none up to `most`.
 std::optional<unsigned> takeNumber(std::string_view& text, unsigned most) {
@@ -49,10 +55,10 @@ std::optional<std::array<unsigned, 6>> sixNumbers(std::string_view text) {
 
 Result<std::optional<FtpReply>> FtpReplyParser::take(std::string_view line) {
   const int code = codeOf(line);
-  const char next = line.size() > 3 ? line[3] : ' ';
+  const char next = dividerOf(line);
   if (open_.code == 0) {
-    if (code == 0 || (next != ' ' && next != '-')) return malformedReply(line);
-    FtpReply reply{code, std::string(line.substr(line.size() > 3 ? 4 : 3))};
+    if (code == 0 || !isDivider(next)) return malformedReply(line);
+    FtpReply reply{code, std::string(afterCode(line))};
     if (next == ' ') return std::optional<FtpReply>(std::move(reply));
     open_ = std::move(reply);
     return std::optional<FtpReply>();
@@ -61,10 +67,10 @@ Result<std::optional<FtpReply>> FtpReplyParser::take(std::string_view line) {
   open_.text += '\n';
   if (code != open_.code || next != ' ') {
     // Lines in the middle may repeat the code with a hyphen, or have none.
-    open_.text += code == open_.code && next == '-' ? line.substr(4) : line;
+    open_.text += code == open_.code && next == '-' ? afterCode(line) : line;
     return std::optional<FtpReply>();
   }
-  if (line.size() > 4) open_.text += line.substr(4);
+  open_.text += afterCode(line);
   return std::optional<FtpReply>(std::exchange(open_, {}));
 }
 

@@ -31,19 +31,20 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
   lane.file.known = row->has_value();
   bool isWanted = options_.sendAll || !lane.file.known || stampText(stamp->changedAt) > (*row)->stamp;
   // What the host has loaded is no longer there: an SQL file is sent whatever is in it.
-  if (isWanted && options_.contentCheck && !endsWithIgnoringCase(name, ".sql")) {
-    lane.file.digest = fileDigest(lane.file.path).value_or(std::string());
-    if (!options_.sendAll && lane.file.known && hasSameContent(**row, lane.file.digest)) {
-      isWanted = false;
-      tellTable(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
-    }
-  }
+  if (isWanted && options_.contentCheck && !endsWithIgnoringCase(name, ".sql")) isWanted = hasNewContent(lane, *row);
   if (!isWanted) {
     ++report_.skipped;
     return showProgress(lane, 0);
   }
   sendWithRetries(lane);
   if (lane.failed && report_.failedFile.empty()) report_.failedFile = name;
+}
+
+bool FolderUploader::hasNewContent(Lane& lane, const std::optional<SentFile>& row) {
+  lane.file.digest = fileDigest(lane.file.path).value_or(std::string());
+  if (options_.sendAll || !row || !hasSameContent(*row, lane.file.digest)) return true;
+  tellTable(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
+  return false;
 }
 
 bool FolderUploader::hasSameContent(const SentFile& row, const std::string& digest) {

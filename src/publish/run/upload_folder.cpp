@@ -124,9 +124,8 @@ void FolderUploader::CreaCartella() {
   WaitFTP(first(), FtpState::Other, parts_.transfer.changeFolder(start));
   std::string_view rest = target_;
   while (!failed_ && !rest.empty()) {
-    const std::size_t slash = rest.find('/');
-    const std::string part(rest.substr(0, slash));
-    rest = slash == std::string_view::npos ? std::string_view() : rest.substr(slash + 1);
+    const std::string part(rest.substr(0, rest.find('/')));
+    rest.remove_prefix(std::min(part.size() + 1, rest.size()));
     if (!part.empty() && !enterOrMake(part)) break;
   }
   if (failed_) return;

@@ -121,6 +121,8 @@ class FolderUploader {
   void helpSending(Lane& lane, const std::vector<std::string>& names, std::size_t end);
   void leaveFurtherLanes();
   void sendIfNewer(Lane& lane, const std::string& name);
+  /// Notes the file's digest; false, and the row follows, when the host has that content already.
+  bool hasNewContent(Lane& lane, const std::optional<SentFile>& row);
   static bool hasSameContent(const SentFile& row, const std::string& digest);
   void sendWithRetries(Lane& lane);
   bool connectAgain(Lane& lane);

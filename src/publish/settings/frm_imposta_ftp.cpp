@@ -41,9 +41,15 @@ QGroupBox* groupNamed(std::string_view caption) {
 frmImpostaFTP::frmImpostaFTP(Session& session, Environment& env, LockStatements& lock, HelpOpener help, QWidget* parent)
     : FormDialog(publishOptionsTitle, parent), session_(session), env_(env) {
   auto* column = new QVBoxLayout(this);
-  column->addWidget(makeFiles());
-  column->addWidget(makeDatabase());
-  column->addWidget(makeLater());
+  // Side by side: one below the other they are higher than a low screen with larger text.
+  auto* groups = new QHBoxLayout();
+  groups->addWidget(makeFiles(), 0, Qt::AlignTop);
+  auto* second = new QVBoxLayout();
+  second->addWidget(makeDatabase());
+  second->addWidget(makeLater());
+  second->addStretch();
+  groups->addLayout(second, 1);
+  column->addLayout(groups);
   QDialogButtonBox* buttons = makeButtons();
   auto* cmdReset = named(buttons->addButton(toQt("&Reset"), QDialogButtonBox::ResetRole), "cmdReset");
   connect(cmdReset, &QPushButton::clicked, this, [this] {
@@ -55,7 +61,7 @@ frmImpostaFTP::frmImpostaFTP(Session& session, Environment& env, LockStatements&
   connect(buttons, &QDialogButtonBox::accepted, this, &frmImpostaFTP::save);
   column->addWidget(buttons);
   if (isBuilt(session.ShopFolder)) show(loadOptions(session, env, lock, session.catalogue));
-  sizeInCharacters(72, 28);
+  sizeInCharacters(100, 20);
 }
 
 int frmImpostaFTP::exec() {

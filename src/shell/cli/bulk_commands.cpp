@@ -19,11 +19,6 @@ CliOutcome failed(Environment& env, const Error& error) {
   return CliOutcome::Failed;
 }
 
-CliOutcome refused(Environment& env, const std::string& text) {
-  env.user.message(text, Icon::Exclamation);
-  return CliOutcome::Failed;
-}
-
 bool openFor(CliSession& open, const std::string& shop, const BulkOptions& options) {
   return options.dryRun ? open.openToLook(shop) : open.open(shop);
 }

@@ -138,20 +138,32 @@ class Parser {
     return missing.empty() ? Result<>() : Result<>(wrong("manca l'opzione " + missing));
   }
 
+  /// The shop, and the object of a command that has one: all there, none empty, and no more.
+  Result<> checkNames(const CommandRow& row) const {
+    if (names_.size() < 2 || names_[1].empty()) return wrong("manca la cartella del negozio");
+    const std::size_t count = row.object == nullptr ? 2 : 3;
+    if (names_.size() < count || names_.back().empty()) return wrong(std::string("manca ") + row.object);
+    if (names_.size() > count) return wrong("argomento di troppo: " + names_[count]);
+    return {};
+  }
+
+  /// The first option given that the command doesn't take.
+  std::optional<std::string> foreignOption(const CommandRow& row) const {
+    for (const auto& [option, value] : line_.options) {
+      const std::string spelling = value.empty() ? option : option + "=";
+      if (std::ranges::find(row.options, spelling) == row.options.end()) return option;
+    }
+    return std::nullopt;
+  }
+
   Result<CommandLine> finish() {
     if (names_.empty()) return wrong("manca il comando");
     const auto found = commands().find(names_[0]);
     if (found == commands().end()) return wrong("comando sconosciuto: " + names_[0]);
     const CommandRow& row = found->second;
-    if (names_.size() < 2 || names_[1].empty()) return wrong("manca la cartella del negozio");
-    const std::size_t count = row.object == nullptr ? 2 : 3;
-    if (names_.size() < count || names_.back().empty()) return wrong(std::string("manca ") + row.object);
-    if (names_.size() > count) return wrong("argomento di troppo: " + names_[count]);
-    for (const auto& [option, value] : line_.options) {
-      const std::string spelling = value.empty() ? option : option + "=";
-      if (std::ranges::find(row.options, spelling) == row.options.end()) {
-        return wrong("opzione non prevista per il comando " + names_[0] + ": " + option);
-      }
+    if (auto fits = checkNames(row); !fits) return fail(fits.error());
+    if (auto option = foreignOption(row)) {
+      return wrong("opzione non prevista per il comando " + names_[0] + ": " + *option);
     }
     if (auto read = readBulk(); !read) return fail(read.error());
     line_.command = row.command;

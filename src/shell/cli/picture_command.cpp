@@ -64,11 +64,6 @@ Result<> storeInRow(Database& catalogue, const PictureTarget& target, const std:
   return change->execute();
 }
 
-CliOutcome pictureRefused(Environment& env, const std::string& text) {
-  env.user.message(text, Icon::Exclamation);
-  return CliOutcome::Failed;
-}
-
 /// Brings the file in as the dialog would; the settings of the user's own dialog are left alone.
 std::optional<std::string> bringIn(const std::string& file, const std::string& folder, ImageSize box, UserPort& user) {
   MemorySettings settings;
@@ -94,16 +89,16 @@ CliOutcome setPicture(const std::string& shop, const CommandLine& line, Environm
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
   const auto isThere = hasRow(open.session.catalogue, *target);
-  if (!isThere || !*isThere) return pictureRefused(env, "Nel negozio non esiste \"" + target->key + "\"");
+  if (!isThere || !*isThere) return refused(env, "Nel negozio non esiste \"" + target->key + "\"");
   const std::string folder = joinPath(shop, "work");
   const std::string file = absolutePath(line.object);
   const auto name = bringIn(file, folder, *box, env.user);
   if (!name) return CliOutcome::Failed;
-  if (name->empty()) return pictureRefused(env, "L'immagine non può essere letta: " + file);
+  if (name->empty()) return refused(env, "L'immagine non può essere letta: " + file);
   const auto size = shownSize(joinPath(folder, *name));
-  if (!size) return pictureRefused(env, "L'immagine non può essere letta: " + *name);
+  if (!size) return refused(env, "L'immagine non può essere letta: " + *name);
   if (const auto stored = storeInRow(open.session.catalogue, *target, *name, *size); !stored) {
-    return pictureRefused(env, "Impossibile modificare il catalogo:\n" + stored.error().what);
+    return refused(env, "Impossibile modificare il catalogo:\n" + stored.error().what);
   }
   out << *name << ' ' << size->width << 'x' << size->height << '\n';
   return CliOutcome::Done;

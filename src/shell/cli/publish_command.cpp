@@ -32,10 +32,7 @@ class CliView final : public PublishView {
 CliOutcome nameFiles(const PublishJob& job, const UploadOptions& options, Environment& env, std::ostream& out) {
   const auto files = filesToSend(job, options);
   const auto surplus = filesToRemove(job, options);
-  if (!files || !surplus) {
-    env.user.message(failureText(files ? surplus.error() : files.error(), "kvftp.mdb"), Icon::Exclamation);
-    return CliOutcome::Failed;
-  }
+  if (!files || !surplus) return refused(env, failureText(files ? surplus.error() : files.error(), "kvftp.mdb"));
   for (const std::string& name : *files) out << name << '\n';
   out << "File da inviare: " << files->size() << '\n';
   if (options.cleanUpFolders.empty()) return CliOutcome::Done;
@@ -56,10 +53,7 @@ CliOutcome publishFromCli(const std::string& shop, const PublishFlags& flags, En
   if (!open.open(shop) || !isBuilt(shop, env.user)) return CliOutcome::Failed;
   LockStatements lock;
   auto setup = PublishSetup::of(open.session, env, lock);
-  if (!setup) {
-    env.user.message(failureText(setup.error()), Icon::Exclamation);
-    return CliOutcome::Failed;
-  }
+  if (!setup) return refused(env, failureText(setup.error()));
   if (flags.all) setup->settings.onlyModified = false;
   const auto transfer = makeTransfer(setup->way.protocol);
   const auto http = makeHttpClient();

@@ -72,13 +72,15 @@ void tellExported(const Session& session, const ExportReport& report, std::ostre
 
 }  // namespace
 
+CliOutcome refused(Environment& env, const std::string& text) {
+  env.user.message(text, Icon::Exclamation);
+  return CliOutcome::Failed;
+}
+
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  if (!open.hasTemplate()) {
-    env.user.message("Per costruire il negozio è necessario scegliere un template", Icon::Exclamation);
-    return CliOutcome::Failed;
-  }
+  if (!open.hasTemplate()) return refused(env, "Per costruire il negozio è necessario scegliere un template");
   BuildCounts counts;
   const CliOutcome outcome = outcomeOf(MakePages(open.session, env, shopBuildParts(open.session, env), &counts));
   if (outcome == CliOutcome::Done) tellMade(open.session, counts, out);
@@ -121,9 +123,8 @@ CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream
   const auto word = open.session.catalogue.scalar("SELECT db_security FROM generale");
   const std::string sec = word ? asText(*word) : std::string();
   if (sec.empty() || !fileExists(joinPath(open.session.onlineFolder, sec + ".sc"))) {
-    env.user.message("Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database",
-                     Icon::Exclamation);
-    return CliOutcome::Failed;
+    return refused(env,
+                   "Il negozio non è stato costruito: è necessario costruire il sito prima di esportarne il database");
   }
   for (const std::string& name : listFiles(open.session.onlineFolder, "*.sql")) {
     ignore(deleteFile(joinPath(open.session.onlineFolder, name)),

@@ -19,6 +19,9 @@ enum class CliOutcome {
   FoundErrors = WrongUsage  ///< of doctor; also when the shop can't be examined
 };
 
+/// Tells why a command isn't done; Failed, for its caller to return.
+CliOutcome refused(Environment& env, const std::string& text);
+
 /// Opens the shop and builds its site. What was made is told on `out`; messages go to the user port.
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out);
 

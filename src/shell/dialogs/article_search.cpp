@@ -7,6 +7,7 @@
 namespace kv {
 namespace {
 
+constexpr std::string_view oneByteCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 *?";
 constexpr std::string_view accents = "àèéìòù";
 constexpr std::string_view edge = "[!a-zA-Z0-9]";
 
@@ -21,11 +22,7 @@ std::vector<std::string> patternsFor(std::string_view text, bool wholeWords) {
 }  // namespace
 
 bool isSearchCharacter(std::string_view letter) {
-  if (letter.size() == 1) {
-    const char c = letter[0];
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '*' ||
-           c == '?';
-  }
+  if (letter.size() == 1) return oneByteCharacters.find(letter[0]) != std::string_view::npos;
   return letter.size() == 2 && accents.find(letter) != std::string_view::npos;
 }
 

@@ -13,9 +13,9 @@ constexpr int endMilliseconds = 20'000;  // a database that has much to write
 
 const QString saidBy = QStringLiteral("local-host: ");
 
-/// The rest of the line that begins with a word; empty when there is none.
+/// The rest of the line that begins with a word; empty when there is none, or its end hasn't come yet.
 QString lineAfter(const QByteArray& text, const QByteArray& word) {
-  for (const QByteArray& line : text.split('\n')) {
+  for (const QByteArray& line : text.left(text.lastIndexOf('\n') + 1).split('\n')) {
     if (line.startsWith(word)) return QString::fromUtf8(line.mid(word.size())).trimmed();
   }
   return {};

@@ -11,6 +11,17 @@ int heightOf(const QLayoutItem& item, int width) {
   return item.hasHeightForWidth() ? item.heightForWidth(width) : item.sizeHint().height();
 }
 
+/// The groups that are shown from `first` down to the end of its column, itself included.
+std::vector<QLayoutItem*> columnFrom(const QLayoutItem& first, const QList<QLayoutItem*>& items) {
+  const QRect own = first.geometry();
+  std::vector<QLayoutItem*> found;
+  for (QLayoutItem* other : items) {
+    const QRect its = other->geometry();
+    if (!other->isEmpty() && its.left() == own.left() && its.top() >= own.top()) found.push_back(other);
+  }
+  return found;
+}
+
 }  // namespace
 
 ColumnsLayout::ColumnsLayout(int narrowest, QWidget* parent) : QLayout(parent), narrowest_(narrowest) {}
@@ -44,21 +55,17 @@ void ColumnsLayout::growGroups(const QRect& area) const {
   for (QLayoutItem* item : items_) {
     if (!growing_.contains(item->widget())) continue;
     const QRect own = item->geometry();
-    const auto isInColumn = [&](const QLayoutItem* other) {
-      return !other->isEmpty() && other->geometry().left() == own.left() && other->geometry().top() >= own.top();
-    };
+    const std::vector<QLayoutItem*> column = columnFrom(*item, items_);
     int lowest = own.bottom();
     bool isLast = true;
-    for (const QLayoutItem* other : items_) {
-      if (!isInColumn(other)) continue;
+    for (const QLayoutItem* other : column) {
       lowest = std::max(lowest, other->geometry().bottom());
       isLast = isLast && (other == item || !growing_.contains(other->widget()));
     }
     const int left = area.bottom() - lowest;
     if (left <= 0 || !isLast) continue;
-    for (QLayoutItem* other : items_) {
-      if (!isInColumn(other) || other == item) continue;
-      other->setGeometry(other->geometry().translated(0, left));
+    for (QLayoutItem* other : column) {
+      if (other != item) other->setGeometry(other->geometry().translated(0, left));
     }
     item->setGeometry(own.adjusted(0, 0, 0, left));
   }

@@ -81,6 +81,11 @@ void WorkbenchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption*
       QProxyStyle::drawPrimitive(element, option, painter, widget);
       if (isOn(*option, State_HasFocus)) drawFocus(*painter, option->rect, option->palette);
       return;
+    case PE_FrameTabWidget:
+      // The style's own page is the colour of a button, on which a dark palette's grey texts can't be read.
+      painter->fillRect(option->rect, option->palette.mid());
+      painter->fillRect(option->rect.adjusted(1, 1, -1, -1), option->palette.window());
+      return;
     default:
       QProxyStyle::drawPrimitive(element, option, painter, widget);
   }

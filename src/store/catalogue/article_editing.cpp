@@ -6,6 +6,16 @@
 #include "store/shop/order_numbers.h"
 
 namespace kv {
+namespace {
+
+/// The key before or after another one in a list; nothing at its end.
+std::optional<std::int64_t> neighbourOf(const OrderedList& order, std::int64_t key, int direzione) {
+  const auto position = order.positionOf(key);
+  if (!position || (direzione < 0 ? *position == 0 : *position + 1 >= order.keys.size())) return std::nullopt;
+  return order.keys[direzione < 0 ? *position - 1 : *position + 1];
+}
+
+}  // namespace
 
 bool TreeEditing::ask(const std::string& text, Answer preset) const {
   return user_.question({text, Buttons::YesNo, preset, Icon::Question}) == Answer::Yes;
@@ -64,10 +74,10 @@ Result<bool> TreeEditing::exchange(TreeList list, std::int64_t key, const Value&
   const bool articles = list == TreeList::Articles;
   auto order = readOrder(catalogue, articles ? articlesInOrder : siblingsInOrder, holder);
   if (!order) return fail(order.error());
-  const auto position = order->positionOf(key);
-  if (!position || (direzione < 0 ? *position == 0 : *position + 1 >= order->keys.size())) return false;
+  const auto next = neighbourOf(*order, key, direzione);
+  if (!next) return false;
   const Value own(key);
-  const Value neighbour(order->keys[direzione < 0 ? *position - 1 : *position + 1]);
+  const Value neighbour(*next);
   const std::string_view table = articles ? "articoli WHERE ID = ?" : "categorie WHERE contatore = ?";
   const std::string read = "SELECT ordinamento FROM " + std::string(table);
   // A row may have no order number at all, and then passes that on.

@@ -32,6 +32,17 @@ Result<std::string> carriedColumns(Database& catalogue, std::string_view table) 
   return names;
 }
 
+/// Leaves the department alone in its clipboard table, with the word whether its articles are pasted with it.
+Result<> copyDepartmentRow(Database& catalogue, const Value& ID, bool withArticles) {
+  auto names = carriedColumns(catalogue, "categorie");
+  if (!names) return fail(names.error());
+  if (auto emptied = catalogue.execute("DELETE FROM clipcategorie"); !emptied) return emptied;
+  return runWith(catalogue,
+                 "INSERT INTO clipcategorie (" + *names + ", incolla_articoli) SELECT " + *names +
+                     ", ? FROM categorie WHERE ID = ?",
+                 {Value(withArticles), ID});
+}
+
 /// Numbers `count` new articles, each after the one before it; the first after element `current`. `keys` has 0 for a
 /// new one.
 OrderedList roomFor(OrderedList list, std::optional<std::size_t> current, std::size_t count) {
@@ -117,14 +128,7 @@ Result<> TreeEditing::CopiaReparto() {
   if (withArticles) {
     if (auto copied = copyArticles("catID = ?", ID); !copied) return copied;
   }
-  auto names = carriedColumns(catalogue, "categorie");
-  if (!names) return fail(names.error());
-  if (auto emptied = catalogue.execute("DELETE FROM clipcategorie"); !emptied) return emptied;
-  auto copied = runWith(catalogue,
-                        "INSERT INTO clipcategorie (" + *names + ", incolla_articoli) SELECT " + *names +
-                            ", ? FROM categorie WHERE ID = ?",
-                        {Value(withArticles), ID});
-  if (!copied) return copied;
+  if (auto copied = copyDepartmentRow(catalogue, ID, withArticles); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
   if (hooks_.StatoComando) {
     if (withArticles) hooks_.StatoComando("incolla articolo", true);

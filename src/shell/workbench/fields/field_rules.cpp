@@ -96,6 +96,14 @@ FieldText leftNumber(const FieldForm& form, const std::string& text, const std::
   return field;
 }
 
+/// Whether a character may be typed into a field.
+bool isKeyOf(FieldKind kind, std::string_view character, char decimalSeparator) {
+  if (kind == FieldKind::WholeNumber) return isDigit(character);
+  if (kind == FieldKind::Folder) return isFolderKey(character);
+  if (!isDecimalKind(kind)) return character != "|" && character != "[" && character != "]";
+  return isDigit(character) || (character.size() == 1 && character[0] == decimalSeparator);
+}
+
 }  // namespace
 
 bool isDecimalKind(FieldKind kind) {
@@ -113,11 +121,7 @@ bool isDecimalKind(FieldKind kind) {
 }
 
 KeyAnswer keyTyped(FieldKind kind, std::string_view character, char decimalSeparator) {
-  const bool isSeparator = character.size() == 1 && character[0] == decimalSeparator;
-  bool accepted = character != "|" && character != "[" && character != "]";
-  if (isDecimalKind(kind)) accepted = isDigit(character) || isSeparator;
-  if (kind == FieldKind::WholeNumber) accepted = isDigit(character);
-  if (kind == FieldKind::Folder) accepted = isFolderKey(character);
+  const bool accepted = isKeyOf(kind, character, decimalSeparator);
   if ((kind == FieldKind::Price || kind == FieldKind::Weight) && character == "*") return {true, "000"};
   return {accepted, accepted ? std::string(character) : std::string()};
 }

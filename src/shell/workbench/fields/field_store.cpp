@@ -28,6 +28,20 @@ Editor rateEditor() {
   return row;
 }
 
+/// The text that the current row of a set has in the first language; empty when it can't be read.
+std::string textInFirstLanguage(CatalogueSets& sets, EditedSet set, const std::string& column) {
+  const bool isArticle = set == EditedSet::Articoli;
+  std::string query = "SELECT \"" + column + "\" FROM ";
+  query += set == EditedSet::Generale ? "generale" : isArticle ? "articoli WHERE ID = ?" : "categorie WHERE ID = ?";
+  auto row = sets.session().catalogue.prepare(query);
+  if (!row) return {};
+  const std::string department = sets.department();
+  if (set == EditedSet::Categorie) row->bind(1, department);
+  if (isArticle) row->bind(1, sets.article());
+  const auto found = row->step();
+  return found && *found ? std::string(row->text(0)) : std::string();
+}
+
 }  // namespace
 
 std::string plainLabel(std::string_view label) {
@@ -69,17 +83,7 @@ std::string FieldStore::firstLanguageText(const Editor& editor) {
   const ColumnInfo* info = columnInfo(editor);
   if (info == nullptr || isNumberType(info->type) || !shown(editor).empty()) return {};
   // A column that all languages share is empty here too.
-  std::string query = "SELECT \"" + info->name + "\" FROM ";
-  if (editor.set == EditedSet::Generale) query += "generale";
-  if (editor.set == EditedSet::Categorie) query += "categorie WHERE ID = ?";
-  if (editor.set == EditedSet::Articoli) query += "articoli WHERE ID = ?";
-  auto row = sets_.session().catalogue.prepare(query);
-  if (!row) return {};
-  const std::string department = sets_.department();
-  if (editor.set == EditedSet::Categorie) row->bind(1, department);
-  if (editor.set == EditedSet::Articoli) row->bind(1, sets_.article());
-  const auto found = row->step();
-  return found && *found ? std::string(row->text(0)) : std::string();
+  return textInFirstLanguage(sets_, editor.set, info->name);
 }
 
 int FieldStore::widest(const Editor& editor) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "platform/text/text.h"
 
@@ -77,26 +78,32 @@ NumberReading readBothSeparators(const std::string& digits, char decimalSeparato
   return {withoutCharacter(whole, group) + decimalSeparator + digits.substr(last + 1), true, {}};
 }
 
+/// The text without the spaces or apostrophes that group its whole digits; nothing when they group them wrongly.
+std::optional<std::string> withoutGroups(std::string digits) {
+  for (const char group : {' ', '\''}) {
+    if (digits.find(group) == std::string::npos) continue;
+    const std::string_view whole = std::string_view(digits).substr(0, digits.find_first_of(".,"));
+    if (!hasGroups(whole, group)) return std::nullopt;
+    digits = withoutCharacter(whole, group) + digits.substr(whole.size());
+  }
+  return digits;
+}
+
 }  // namespace
 
 NumberReading readNumber(std::string_view text, char decimalSeparator) {
   const std::string bare = bareNumber(text);
-  std::string digits = bare;
-  for (const char group : {' ', '\''}) {
-    if (digits.find(group) == std::string::npos) continue;
-    const std::string_view whole = std::string_view(digits).substr(0, digits.find_first_of(".,"));
-    if (!hasGroups(whole, group)) return noNumber(bare);
-    digits = withoutCharacter(whole, group) + digits.substr(whole.size());
-  }
+  auto plain = withoutGroups(bare);
+  if (!plain) return noNumber(bare);
+  const std::string& digits = *plain;
   const bool hasDigit = std::ranges::any_of(digits, isDigitCharacter);
-  const bool hasOther =
-      std::ranges::any_of(digits, [](char c) { return !isDigitCharacter(c) && c != '.' && c != ','; });
+  const bool hasOther = digits.find_first_not_of("0123456789.,") != std::string::npos;
   if (!hasDigit || hasOther) return noNumber(bare);
   const bool point = digits.find('.') != std::string::npos;
   const bool comma = digits.find(',') != std::string::npos;
   if (point && comma) return readBothSeparators(digits, decimalSeparator);
   if (point || comma) return readOneSeparator(digits, point ? '.' : ',', decimalSeparator);
-  return {std::move(digits), true, {}};
+  return {std::move(*plain), true, {}};
 }
 
 std::string singleLine(std::string_view text) {
