@@ -17,7 +17,8 @@ enum SheetFault : int {
   NoFault = 0,
   ProtectedSheet = 1,  ///< by a password
   TooLargeSheet = 2,   ///< beyond SheetLimits
-  OldSheet = 3         ///< the binary form of earlier programs, or one that is protected
+  OldSheet = 3,        ///< the binary form of earlier programs, or one that is protected
+  EmptySheet = 4       ///< no text in any cell
 };
 
 /// The attributes of one XML element.
