@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/ports/result.h"
+
 namespace kv {
 namespace {
 
