@@ -1,7 +1,7 @@
 #pragma once
-// Tables as texts of separated values, as programs write them in several ways: encoding, separator, decimal sign and
-// signs between thousands are found out from the bytes, and each can be given instead.
-// Source: RFC 4180, with the line ends of any system.
+// Tables as texts of separated values, as programs write them in several ways: encoding, separator, decimal separator
+// and signs between thousands are found out from the bytes, and each can be given instead. Source: RFC 4180, with the
+// line ends of any system.
 
 #include <optional>
 #include <string>

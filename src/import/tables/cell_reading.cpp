@@ -10,11 +10,11 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t groupDigits = 3;
+constexpr std::size_t digitsOfGroup = 3;
 constexpr std::array<std::string_view, 7> currencySigns{"€", "$", "£", "EUR", "USD", "GBP", "CHF"};
 constexpr std::array<std::string_view, 8> yesWords{"1", "sì", "si", "s", "vero", "true", "yes", "x"};
 constexpr std::array<std::string_view, 7> noWords{"0", "no", "n", "falso", "false", "-", "f"};
-constexpr double wholePercent = 100;
+constexpr double highestPercent = 100;
 
 CellValue refused(std::string why) { return {Null{}, std::move(why)}; }
 std::string quoted(std::string_view text) {
@@ -36,7 +36,7 @@ std::string withoutCurrency(std::string_view text) {
 
 bool isDigitSign(char c) { return c >= '0' && c <= '9'; }
 
-/// The whole part of a number without the signs between its groups of three; nothing where the groups are others.
+/// The whole part of a number without the signs between its groups of three; nothing where a group has another size.
 std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
   std::string digits;
   std::size_t inGroup = 0;
@@ -45,15 +45,15 @@ std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
     if (isDigitSign(c)) {
       digits += c;
       ++inGroup;
-    } else if (thousands == '\0' || c != thousands || inGroup == 0 || inGroup > groupDigits ||
-               (hasGroups && inGroup != groupDigits)) {
+    } else if (thousands == '\0' || c != thousands || inGroup == 0 || inGroup > digitsOfGroup ||
+               (hasGroups && inGroup != digitsOfGroup)) {
       return std::nullopt;
     } else {
       hasGroups = true;
       inGroup = 0;
     }
   }
-  if (hasGroups && inGroup != groupDigits) return std::nullopt;
+  if (hasGroups && inGroup != digitsOfGroup) return std::nullopt;
   return digits;
 }
 
@@ -161,7 +161,7 @@ CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cel
   }
   const auto number = singleOf(*digits);
   if (!number) return none;
-  if (column.field == CellField::Percent && *number > wholePercent) {
+  if (column.field == CellField::Percent && *number > highestPercent) {
     return refused(column.italian + ": " + *digits + " è più di 100");
   }
   return {static_cast<double>(*number), {}};

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view keptPrefix = "foglio-";
 
 /// A number by which two sets of headers are told apart: 64-bit FNV-1a.
-std::uint64_t numberOf(std::string_view text) {
+std::uint64_t headersNumber(std::string_view text) {
   constexpr std::uint64_t start = 14695981039346656037U, prime = 1099511628211U;
   std::uint64_t number = start;
   for (const char c : text) number = (number ^ static_cast<unsigned char>(c)) * prime;
@@ -59,7 +59,7 @@ std::optional<std::size_t> columnFor(const SheetTable& table, std::string_view h
 std::string settingOf(const SheetTable& table, const std::vector<std::string>& headers) {
   std::string all = table.name;
   for (const std::string& header : headers) all += "\n" + foldCase(header);
-  return std::string(keptPrefix) + std::to_string(numberOf(all));
+  return std::string(keptPrefix) + std::to_string(headersNumber(all));
 }
 
 }  // namespace

@@ -7,12 +7,12 @@ namespace {
 
 constexpr std::string_view writingRows = "Importazione del foglio...";
 constexpr std::string_view notImported = "Non è stato possibile importare il foglio";
-constexpr std::size_t rowsPerStep = 64;  // between two looks at the user
+constexpr std::size_t rowsPerTurn = 64;  // between two looks at the user
 
 /// Writes the rows of a plan; Cancelled when the user ends it.
 Result<> writePlanned(Environment& env, TableWriter& writer, const TablePlan& plan) {
   for (std::size_t i = 0; i < plan.rows.size(); ++i) {
-    if (i % rowsPerStep == 0) {
+    if (i % rowsPerTurn == 0) {
       env.user.progress({writingRows, static_cast<double>(i), static_cast<double>(plan.rows.size())});
       if (!env.user.yield()) return fail(ErrorKind::Cancelled, "", "cancelled");
     }
