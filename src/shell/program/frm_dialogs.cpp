@@ -22,6 +22,7 @@
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
+#include "shell/program/frm_sheet_dialogs.h"
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
 #include "store/catalogue/used_pictures.h"
@@ -162,6 +163,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireExchange(dialogs, window, session, env);
   wireSales(window, session, env);
   wireAccounting(window, session, env);
+  wireSheets(window, session, env);
   wireCommerceDialogs(window, session, env);
   wirePublishing(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);

@@ -49,6 +49,8 @@ struct WorkbenchDialogs {
   /// frmOpzioni: the variant of the current article in a slot. False when it was left.
   std::function<bool(const VariantSlot& slot)> defineVariant;
   Dialog importAccounting;  ///< frmImportaOG: rows of the accounting program
+  Dialog importSheet;       ///< frmImportaFoglio: rows of a sheet
+  Dialog exportSheet;       ///< frmEsportaFoglio: rows written to a sheet
 
   // The site.
   Dialog shipping;          ///< frmSpedizione: costs of shipping
