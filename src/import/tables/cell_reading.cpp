@@ -146,7 +146,7 @@ std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& 
 
 CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cell) const {
   const auto digits = cell.isNumber ? std::optional(std::string(cell.text)) : sheetNumber(cell.text, signs_);
-  const CellValue none = refused(column.italian + ": " + quoted(cell.text) + " non è un numero");
+  CellValue none = refused(column.italian + ": " + quoted(cell.text) + " non è un numero");
   if (!digits) return none;
   if (!column.isSigned && digits->starts_with('-')) return refused(column.italian + ": " + *digits + " è negativo");
   if (column.field == CellField::Money) {
