@@ -177,6 +177,24 @@ TEST_F(TableImport, CancelledOrFailingAnywhereLeavesEveryRowAsItWas) {
   EXPECT_EQ(allTables(), before);
 }
 
+TEST_F(TableImport, TakesPicturesOverAndRemovesThemAgainWhenItIsCancelled) {
+  const std::string picture = std::string(KORVANE_TEST_DATA) + "/platform/pictures/corners.gif";
+  ASSERT_TRUE(copyFile(picture, root / "Foto Nuova.gif"));
+  const std::string sheet = "codice;immagine0;immagine1\nT-1;Foto Nuova.gif;file://" + picture + "\n";
+  TablePlan planned = plan(sheet);
+  EXPECT_EQ(planned.sums().changed, 1U) << shownPlan(planned);
+  // The second look at the user comes after 64 rows.
+  planned.rows.resize(65, planned.rows.front());
+  user.cancelAtYield = 2;
+  EXPECT_EQ(importPlannedTable(session, env, planned, opened.sheet, table), TableEnd::Cancelled);
+  EXPECT_TRUE(listFiles(joinPath(shop, "work"), "*").empty());
+  user.cancelAtYield = 0;
+  ASSERT_EQ(importSheet(sheet), TableEnd::Done);
+  EXPECT_EQ(listFiles(joinPath(shop, "work"), "*").size(), 2U);
+  EXPECT_EQ(rows("SELECT substr(immagine0, 1, 10) = 'foto_nuova', imgX0 > 0, imgY1 > 0 FROM articoli WHERE ID = 1"),
+            "1|1|1\n");
+}
+
 TEST_F(TableImport, RemembersTheColumnsOfASheetByItsHeaders) {
   const std::vector<std::string> headers{"Cod", "Descr.", "Euro"};
   auto columns = sheetTable(session.catalogue, 1, "articoli");
