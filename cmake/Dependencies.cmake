@@ -7,6 +7,7 @@ pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
 pkg_check_modules(RE2 REQUIRED IMPORTED_TARGET re2)
 pkg_check_modules(SSH2 REQUIRED IMPORTED_TARGET libssh2)
 pkg_check_modules(PICTURES REQUIRED IMPORTED_TARGET libwebp libwebpdemux libexif lcms2 libzip)
+pkg_check_modules(SHEETS REQUIRED IMPORTED_TARGET expat xlsxwriter)
 pkg_check_modules(MDB REQUIRED IMPORTED_TARGET libmdb)
 find_package(tl-expected CONFIG REQUIRED)
 find_package(GIF 5 REQUIRED)
@@ -17,7 +18,7 @@ get_target_property(kind platform TYPE)
 if(NOT kind STREQUAL INTERFACE_LIBRARY)
   target_link_libraries(platform PUBLIC tl::expected PRIVATE SQLite::SQLite3 OpenSSL::Crypto OpenSSL::SSL
     CURL::libcurl PkgConfig::UTF8PROC PkgConfig::RE2 PkgConfig::SSH2 GIF::GIF JPEG::JPEG PNG::PNG
-    PkgConfig::PICTURES PkgConfig::MDB)
+    PkgConfig::PICTURES PkgConfig::SHEETS PkgConfig::MDB)
 endif()
 
 # The windows alone need Qt; without it the core and the command line program are built all the same.

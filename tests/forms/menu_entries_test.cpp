@@ -83,6 +83,8 @@ TEST_F(Menus, TheFileMenuHasItsEntriesInOrder) {
                                                "Aggiorna giacenze da Orsa Gestionale...",
                                                "Scarica ordini...",
                                                "Importa da Orsa Gestionale con gwimp...",
+                                               "Importa da un foglio...",
+                                               "Esporta in un foglio...",
                                                "-",
                                                "Esci"}));
 }
@@ -245,6 +247,8 @@ TEST_F(Menus, EveryDialogOfTheMenusIsAskedForByItsEntry) {
       {Tab::Departments, "customTags", &Port::customTags},
       {Tab::Departments, "build.settings", &Port::buildSettings},
       {Tab::Departments, "import.accounting", &Port::importAccounting},
+      {Tab::Departments, "import.sheet", &Port::importSheet},
+      {Tab::Departments, "export.sheet", &Port::exportSheet},
       {Tab::Departments, "prices.change", &Port::changePrices},
       {Tab::Articles, "prices.change", &Port::changePrices},
       {Tab::Site, "shipping", &Port::shipping},

@@ -194,8 +194,8 @@ TEST_F(TheSheetWindow, OffersItsToolsWhereThereIsSomethingToDo) {
   EXPECT_TRUE(control<QToolButton>(*sheet, "cmdPrezzi")->isEnabled());
   EXPECT_EQ(namelessControls(*sheet), "");
   QTest::keyClick(&*sheet, Qt::Key_F1);
-  EXPECT_EQ(helpOpened, "pagine/foglio.htm");
-  EXPECT_TRUE(fileExists(KORVANE_APP_DATA "/help/pagine/foglio.htm"));
+  EXPECT_EQ(helpOpened, "pagine/foglio-articoli.htm");
+  EXPECT_TRUE(fileExists(KORVANE_APP_DATA "/help/pagine/foglio-articoli.htm"));
 }
 
 TEST_F(TheSheetWindow, RemembersTheOrderOfItsColumns) {

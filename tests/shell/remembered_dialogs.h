@@ -30,6 +30,8 @@ inline constexpr std::array plainDialogs{PlainDialog{"welcome", &WorkbenchDialog
                                          PlainDialog{"replicatePriceList", &WorkbenchDialogs::replicatePriceList},
                                          PlainDialog{"changePrices", &WorkbenchDialogs::changePrices},
                                          PlainDialog{"importAccounting", &WorkbenchDialogs::importAccounting},
+                                         PlainDialog{"importSheet", &WorkbenchDialogs::importSheet},
+                                         PlainDialog{"exportSheet", &WorkbenchDialogs::exportSheet},
                                          PlainDialog{"shipping", &WorkbenchDialogs::shipping},
                                          PlainDialog{"configurePayment", &WorkbenchDialogs::configurePayment},
                                          PlainDialog{"orderMail", &WorkbenchDialogs::orderMail},

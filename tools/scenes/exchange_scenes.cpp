@@ -6,6 +6,8 @@
 #include "import/accounting/frm_importa_og.h"
 #include "import/accounting/frm_importa_ogma_prog.h"
 #include "import/accounting/frm_og_choose.h"
+#include "import/tables/frm_esporta_foglio.h"
+#include "import/tables/frm_importa_foglio.h"
 #include "platform/files/files.h"
 #include "publish/passwords/frm_otp.h"
 #include "publish/update/frm_update.h"
@@ -77,6 +79,33 @@ void takeAccountingPreview(Stage& stage, const QString& name) {
   request.line = "1100100";
   request.path = makeAccountingFolder(folder);
   frmImportaOGMAProg dialog(stage.session(), stage.settings(), request, &stage.window());
+  takeShown(stage, dialog, name);
+}
+
+/// The guide of a sheet, `pages` pages on.
+void takeSheetGuide(Stage& stage, const QString& name, int pages) {
+  const QTemporaryDir folder;
+  const std::string path = joinPath(fromQt(folder.path()), "listino.csv");
+  ignore(writeBytes(path,
+                    "ID;Codice;Titolo;Prezzo;Fornitore\r\n1;V1;Vaso di vetro;12,50;Rossi\r\n2;;Vaso di coccio;8,90;\r\n"
+                    "3;T1;Tazza blu;quattro;Rossi\r\n900;P1;Piatto;3,10;\r\n"),
+         "the picture shows it");
+  TableGuide guide(stage.session(), stage.settings(), "", "modello1");
+  frmImportaFoglio dialog(guide, stage.user(), {}, &stage.window());
+  takeShown(stage, dialog, name, [&](QWidget& shown) {
+    dialog.openFile(path);
+    for (int i = 0; i < pages; ++i) shown.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
+  });
+}
+
+void takeSheetFile(Stage& stage, const QString& name) { takeSheetGuide(stage, name, 0); }
+void takeSheetColumns(Stage& stage, const QString& name) { takeSheetGuide(stage, name, 1); }
+void takeSheetPlan(Stage& stage, const QString& name) { takeSheetGuide(stage, name, 2); }
+
+void takeSheetExport(Stage& stage, const QString& name) {
+  const auto tables = sheetTables(stage.session().catalogue, stage.session().languageCount);
+  if (!tables) return;
+  frmEsportaFoglio dialog(*tables, 7, {}, &stage.window());
   takeShown(stage, dialog, name);
 }
 
@@ -161,6 +190,10 @@ std::span<const Scene> exchangeScenes() {
                                      Scene{"importa-og", takeAccountingOptions},
                                      Scene{"importa-og3", takeVisibleOptions},
                                      Scene{"importa-og-anteprima", takeAccountingPreview},
+                                     Scene{"importa-foglio", takeSheetFile},
+                                     Scene{"importa-foglio-colonne", takeSheetColumns},
+                                     Scene{"importa-foglio-piano", takeSheetPlan},
+                                     Scene{"esporta-foglio", takeSheetExport},
                                      Scene{"password", takePasswordLists},
                                      Scene{"password-invio", takePasswordTransfer},
                                      Scene{"aggiornamento", takeUpdate}};

@@ -193,11 +193,6 @@ class Planner {
   AccountingPlan plan_;
 };
 
-const char* fateWord(RowFate fate) {
-  constexpr const char* words[] = {"nuovo", "modificato", "invariato", "tralasciato"};
-  return words[static_cast<std::size_t>(fate)];
-}
-
 std::string amountText(Money amount) { return formatNumber(amount, "0.00"); }
 
 template <class Rows>

@@ -9,18 +9,11 @@
 
 #include "import/accounting/accounting_options.h"
 #include "import/accounting/accounting_source.h"
+#include "import/sheets/row_fate.h"
 #include "platform/database/database.h"
 #include "platform/numbers/money.h"
 
 namespace kv {
-
-/// What becomes of a row of the source.
-enum class RowFate {
-  New,      ///< a row of the catalogue is added
-  Changed,  ///< the row that is there takes other values
-  Same,     ///< the row that is there has these values already
-  LeftOut   ///< nothing is written; the reason says why
-};
 
 struct PlannedDepartment {
   RowFate fate = RowFate::New;

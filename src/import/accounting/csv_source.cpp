@@ -1,105 +1,24 @@
 #include "import/accounting/csv_source.h"
 
-#include <algorithm>
-#include <array>
-
 #include "platform/files/files.h"
 #include "platform/text/text.h"
-#include "platform/text/utf8.h"
 
 namespace kv {
 namespace {
 
-constexpr std::array<char, 4> csvSeparators{';', ',', '\t', '|'};
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-constexpr std::size_t groupDigits = 3;
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-bool isUtf8(std::string_view text) {
-  for (std::size_t at = utf8::endOfAscii(text, 0); at < text.size();) {
-    const utf8::Unit unit = utf8::unitAt(text, at);
-    if (!unit.valid) return false;
-    at += unit.length;
+/// Gathers the records of a text.
+struct RecordSink final : CsvSink {
+  std::vector<std::string> record;
+  std::vector<std::vector<std::string>> records;
+  bool field(std::string_view text) override {
+    record.emplace_back(text);
+    return true;
   }
-  return true;
-}
-
-/// UTF-16 text after its byte order mark; what is no pair of surrogates becomes U+FFFD.
-std::string fromUtf16(std::string_view bytes, bool bigEndian) {
-  const auto unitAt = [&](std::size_t at) {
-    const auto first = static_cast<unsigned char>(bytes[at]), second = static_cast<unsigned char>(bytes[at + 1]);
-    return static_cast<char32_t>(bigEndian ? (first << 8) | second : (second << 8) | first);
-  };
-  constexpr char32_t highest = 0xDC00, lowest = 0xD800, after = 0xE000, unknown = 0xFFFD;
-  std::string text;
-  for (std::size_t at = 2; at + 1 < bytes.size(); at += 2) {
-    char32_t unit = unitAt(at);
-    if (unit >= lowest && unit < after) {
-      const char32_t next = at + 3 < bytes.size() ? unitAt(at + 2) : 0;
-      const bool isPair = unit < highest && next >= highest && next < after;
-      if (isPair) at += 2;
-      unit = isPair ? 0x10000 + ((unit - lowest) << 10) + (next - highest) : unknown;
-    }
-    utf8::append(text, unit);
+  bool endRecord(std::uint32_t) override {
+    records.push_back(std::move(record));
+    record.clear();
+    return true;
   }
-  return text;
-}
-
-/// One walk over a text of separated values.
-class CsvReader {
- public:
-  CsvReader(std::string_view text, char separator) : text_(text), separator_(separator) {}
-
-  std::vector<std::vector<std::string>> read() {
-    while (at_ < text_.size()) step(text_[at_++]);
-    endRecord();
-    return std::move(records_);
-  }
-
- private:
-  void step(char c) {
-    if (quoted_) {
-      stepQuoted(c);
-    } else if (c == '"' && field_.empty()) {
-      quoted_ = seen_ = true;
-    } else if (c == separator_) {
-      record_.push_back(std::move(field_));
-      field_.clear();
-      seen_ = true;
-    } else if (c == '\r' || c == '\n') {
-      endRecord();
-    } else {
-      field_ += c;
-    }
-  }
-  void stepQuoted(char c) {
-    if (c != '"') {
-      field_ += c;
-    } else if (at_ < text_.size() && text_[at_] == '"') {
-      field_ += text_[at_++];
-    } else {
-      quoted_ = false;
-    }
-  }
-  void endRecord() {
-    if (!field_.empty() || seen_) {
-      record_.push_back(std::move(field_));
-      records_.push_back(std::move(record_));
-    }
-    field_.clear();
-    record_.clear();
-    seen_ = false;
-  }
-
-  std::string_view text_;
-  char separator_;
-  std::size_t at_ = 0;
-  bool quoted_ = false;
-  bool seen_ = false;  // the record has something, even if it is an empty field
-  std::string field_;
-  std::vector<std::string> record_;
-  std::vector<std::vector<std::string>> records_;
 };
 
 bool isNumberColumn(std::string_view column) {
@@ -194,46 +113,15 @@ class CsvSource final : public AccountingSource {
 }  // namespace
 
 std::vector<std::vector<std::string>> splitCsv(std::string_view text, char separator) {
-  return CsvReader(text, separator).read();
+  RecordSink sink;
+  ignore(walkCsv(text, separator, sink), "this sink takes all");
+  return std::move(sink.records);
 }
 
 std::string decodeCsv(std::string_view bytes, CsvForm& form) {
-  form.utf8 = true;
-  if (bytes.starts_with("\xFF\xFE")) return fromUtf16(bytes, false);
-  if (bytes.starts_with("\xFE\xFF")) return fromUtf16(bytes, true);
-  if (bytes.starts_with(utf8Mark)) bytes.remove_prefix(utf8Mark.size());
-  if (isUtf8(bytes)) return std::string(bytes);
-  form.utf8 = false;
-  return fromWindows1252(bytes);
-}
-
-char separatorOf(std::string_view text) {
-  const std::string_view first = text.substr(0, text.find_first_of("\r\n"));
-  char best = ';';
-  std::ptrdiff_t most = 0;
-  for (const char separator : csvSeparators) {
-    const auto count = std::ranges::count(first, separator);
-    if (count <= most) continue;
-    most = count;
-    best = separator;
-  }
-  return best;
-}
-
-char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator) {
-  std::ptrdiff_t commas = 0, points = 0;
-  for (const std::string& number : numbers) {
-    const auto last = number.find_last_of(",.");
-    if (last == std::string::npos) continue;
-    const char sign = number[last];
-    const bool repeated = number.find(sign) != last;
-    const bool both = number.find(sign == ',' ? '.' : ',') != std::string::npos;
-    const auto after = std::count_if(number.begin() + static_cast<std::ptrdiff_t>(last), number.end(), isDigit);
-    if (repeated || (!both && static_cast<std::size_t>(after) == groupDigits)) continue;
-    ++(sign == ',' ? commas : points);
-  }
-  if (commas == points) return separator == ',' ? '.' : ',';
-  return commas > points ? ',' : '.';
+  const CsvEncoding encoding = csvEncodingOf(bytes);
+  form.utf8 = encoding != CsvEncoding::Windows1252;
+  return decodedCsv(bytes, encoding);
 }
 
 std::string plainCsvNumber(std::string_view text, char decimalSeparator) {

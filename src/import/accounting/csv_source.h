@@ -3,6 +3,7 @@
 // files in several ways, so code page, separator and decimal separator are found out from the bytes.
 
 #include "import/accounting/accounting_source.h"
+#include "import/sheets/csv_text.h"
 
 namespace kv {
 
@@ -13,17 +14,10 @@ struct CsvForm {
   char decimalSeparator = ',';  ///< in numbers: ',' or '.'
 };
 
-/// Splits a text into records of fields: a field in double quotes may hold separators, line ends and, doubled, quotes.
-/// Records end at CR LF, LF or CR; lines without any character are passed over. A quote that is never closed reaches
-/// to the end. Source: RFC 4180, with the line ends of any system.
+/// The records of a text: see walkCsv.
 std::vector<std::vector<std::string>> splitCsv(std::string_view text, char separator);
 /// The text of a file as UTF-8: UTF-16 by its byte order mark, UTF-8 when all of it is, else Windows-1252.
 std::string decodeCsv(std::string_view bytes, CsvForm& form);
-/// The separator that the first record has most of; ';' when it has none.
-char separatorOf(std::string_view text);
-/// The decimal separator of the numbers among these texts: the last one before one, two, four or more digits; what is
-/// in groups of three alone tells nothing, and ',' holds unless it separates the fields.
-char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator);
 /// A number written with this decimal separator as a text with "." for decimals and no group signs.
 /// "1.234,50" with ',' is "1234.50".
 std::string plainCsvNumber(std::string_view text, char decimalSeparator);

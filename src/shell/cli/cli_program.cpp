@@ -8,6 +8,7 @@
 #include "shell/cli/command_line.h"
 #include "shell/cli/exchange_commands.h"
 #include "shell/cli/publish_command.h"
+#include "shell/cli/table_command.h"
 #include "shell/program/installed_data.h"
 #include "store/shop/backup_copies.h"
 #include "store/upgrade/shop_upgrade.h"
@@ -36,6 +37,10 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return purgePictures(shop, line, env, out);
     case CliCommand::Picture:
       return setPicture(shop, line, env, out);
+    case CliCommand::ImportTable:
+      return importTable(shop, line, env, out);
+    case CliCommand::ExportTable:
+      return exportTableOf(shop, line, env, out);
     case CliCommand::Prices:
       return changePrices(shop, line.bulk, env, out);
     case CliCommand::ReplicateList:

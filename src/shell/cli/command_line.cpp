@@ -30,6 +30,9 @@ const std::map<std::string_view, CommandRow>& commands() {
        {CliCommand::Import, "la cartella di origine", {"--dry-run", "--options=", "--variant=", "--company="}}},
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
       {"picture", {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}},
+      {"import-table",
+       {CliCommand::ImportTable, "il foglio", {"--dry-run", "--table=", "--map=", "--mode=", "--key="}}},
+      {"export-table", {CliCommand::ExportTable, "il foglio", {"--table=", "--columns="}}},
       {"publish", {CliCommand::Publish, nullptr, {"--dry-run", "--all"}}},
       {"upgrade", {CliCommand::Upgrade, nullptr, bulkOptionsOf("upgrade")}},
       {"prices", {CliCommand::Prices, nullptr, bulkOptionsOf("prices")}},
@@ -207,6 +210,15 @@ std::string usageText() {
          "  picture NEGOZIO FILE --article ID|--department ID --slot 0|1|2\n"
          "                      imposta un'immagine e ne mostra nome e dimensioni. --fit 180x135: la adatta a queste\n"
          "                      dimensioni massime\n"
+         "  import-table NEGOZIO FOGLIO [--table TABELLA] [--map FILE] [--mode all|change|add|sync] [--key CHIAVE]\n"
+         "                      importa un foglio CSV, XLSX o ODS in una tabella: articoli, reparti, varianti, "
+         "valori,\n"
+         "                      paesi o spedizione. --mode: aggiunge e modifica, solo modifica, solo aggiunge, o "
+         "mette\n"
+         "                      anche fuori catalogo gli articoli che il foglio non elenca. --map: righe\n"
+         "                      \"intestazione=colonna\". --dry-run: dice soltanto che cosa cambierebbe\n"
+         "  export-table NEGOZIO FOGLIO [--table TABELLA] [--columns codice,titolo,prezzo]\n"
+         "                      scrive una tabella in un foglio CSV o XLSX, che si può importare di nuovo\n"
          "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio. --all invia\n"
          "                      anche i file già presenti sul server. --dry-run elenca i file da inviare\n"
          "                      e quelli che si proporrebbe di eliminare\n"
@@ -220,8 +232,8 @@ std::string usageText() {
          "                      copia i testi di una lingua in un'altra\n"
          "\n"
          "Opzioni:\n"
-         "  --dry-run       con publish, import, upgrade, prices, replicate-list e replicate-language: mostra\n"
-         "                  l'anteprima e non modifica nulla\n"
+         "  --dry-run       con publish, import, import-table, upgrade, prices, replicate-list e\n"
+         "                  replicate-language: mostra l'anteprima e non modifica nulla\n"
          "  --app CARTELLA  cartella dell'applicazione (altrimenti quella dell'utente)\n"
          "  --answer yes|no|ok|cancel\n"
          "                  risposta alle domande; ripetibile: la prima risposta va alla prima domanda,\n"

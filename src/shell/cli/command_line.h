@@ -23,6 +23,8 @@ enum class CliCommand {
   Import,
   Purge,
   Picture,
+  ImportTable,
+  ExportTable,
   Prices,
   ReplicateList,
   ReplicateLanguage,
@@ -35,7 +37,7 @@ enum class CliCommand {
 struct CommandLine {
   CliCommand command = CliCommand::Help;
   std::string shop;               ///< as typed; empty for Help and Version
-  std::string object;             ///< the second name of Export, Import and Picture, as typed
+  std::string object;             ///< the second name of the commands that take one, as typed
   std::string applicationFolder;  ///< of --app, as typed; empty means the user's own
   /// Of --answer, in order: the first question gets the first, the last one holds for all that follow. Empty means
   /// that every question gets its default.

@@ -24,6 +24,7 @@
 #include "shell/program/frm_law_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
+#include "shell/program/frm_sheet_dialogs.h"
 #include "shell/sheet/frm_foglio.h"
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
@@ -179,6 +180,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireExchange(dialogs, window, session, env);
   wireSales(window, session, env);
   wireAccounting(window, session, env);
+  wireSheets(window, session, env);
   wireCommerceDialogs(window, session, env);
   wirePublishing(window, session, env);
   wireLaw(window, session, env);

@@ -22,7 +22,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view sheetTitle = "Korvane - Foglio articoli";
-constexpr std::string_view sheetHelp = "pagine/foglio.htm";
+constexpr std::string_view sheetHelp = "pagine/foglio-articoli.htm";
 constexpr std::string_view sheetColumnsKey = "foglio";
 constexpr int sheetRowPadding = 8;       // pixels between two lines
 constexpr int typingMilliseconds = 150;  // after the last key, before the filter is applied

@@ -42,7 +42,7 @@ frmPassoPrezzi::frmPassoPrezzi(Session& session, std::span<const SheetColumn> co
   cmdOK_ = buttons->button(QDialogButtonBox::Ok);
   cmdOK_->setEnabled(false);
   column->addWidget(buttons);
-  addHelp(buttons, std::move(help), "pagine/foglio.htm");
+  addHelp(buttons, std::move(help), "pagine/foglio-articoli.htm");
   connect(buttons, &QDialogButtonBox::accepted, this, &frmPassoPrezzi::accept);
   connect(preview_, &ChangePreview::counted, this, &frmPassoPrezzi::showCount);
   connect(txtPasso_, &QLineEdit::textChanged, this, &frmPassoPrezzi::previewAgain);

@@ -43,7 +43,7 @@ frmSostituisci::frmSostituisci(Session& session, std::span<const SheetColumn> co
   QDialogButtonBox* buttons = makeButtons("Sostituisci");
   cmdSostituisci_ = named(buttons->button(QDialogButtonBox::Ok), "cmdSostituisci");
   column->addWidget(buttons);
-  addHelp(buttons, std::move(help), "pagine/foglio.htm");
+  addHelp(buttons, std::move(help), "pagine/foglio-articoli.htm");
   connect(buttons, &QDialogButtonBox::accepted, this, &frmSostituisci::accept);
   connect(preview_, &ChangePreview::counted, this, &frmSostituisci::showCount);
   cmdSostituisci_->setEnabled(false);

@@ -45,6 +45,9 @@ class ArticleModel final : public QAbstractTableModel {
   /// isn't in the list shows nothing.
   void preview(int row, Column column, const QString& text);
 
+  /// The articles that are shown, in their order.
+  const std::vector<std::int64_t>& keys() const { return rows_.keys(); }
+
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
   /// Text for Qt::DisplayRole and Qt::ToolTipRole, alignment for the price; a row that can't be read has empty texts.

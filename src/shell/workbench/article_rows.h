@@ -55,6 +55,8 @@ class ArticleRows {
   void forget() { rows_.clear(); }
   /// How many articles the department has.
   std::size_t size() const { return keys_.size(); }
+  /// The articles, in the order shown.
+  const std::vector<std::int64_t>& keys() const { return keys_; }
   /// The row at an index from 0; an empty one when it can't be read.
   /// The reference holds until the next forget() or refresh(). Title and price are read in the session's language and
   /// the price list of refresh().

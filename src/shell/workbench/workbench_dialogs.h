@@ -51,6 +51,8 @@ struct WorkbenchDialogs {
   std::function<bool(const VariantSlot& slot)> defineVariant;
   Dialog articleSheet;      ///< frmFoglio: all articles as a sheet. False when it has changed nothing
   Dialog importAccounting;  ///< frmImportaOG: rows of the accounting program
+  Dialog importSheet;       ///< frmImportaFoglio: rows of a sheet
+  Dialog exportSheet;       ///< frmEsportaFoglio: rows written to a sheet
 
   // The site.
   Dialog shipping;          ///< frmSpedizione: costs of shipping

@@ -1,5 +1,7 @@
 #include "store/catalogue/catalogue_lists.h"
 
+#include "platform/numbers/number_format.h"
+
 #include "store/schema/schema.h"
 
 namespace kv {
@@ -36,6 +38,8 @@ Result<Recordset> readSiblings(Session& session, const Recordset& departments) {
 }
 
 }  // namespace
+
+std::string departmentKey(std::int64_t contatore) { return "cat" + formatNumber(contatore, "###000"); }
 
 void leaveRows(Recordset& rows) {
   rows.moveFirst();

@@ -18,6 +18,9 @@ inline constexpr std::string_view treeRoot = "###";
 /// What the tree shows for the root.
 inline constexpr std::string_view treeRootTitle = "Negozio";
 
+/// The key of a department, and its page: "cat" and the serial number with at least three digits.
+std::string departmentKey(std::int64_t contatore);
+
 /// A department as the tree shows it.
 struct TreeNode {
   std::string ID, genitore, titolo;

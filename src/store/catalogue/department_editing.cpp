@@ -1,7 +1,6 @@
 // The commands of departments: insert, sub-department, delete.
 
 #include "platform/database/recordset.h"
-#include "platform/numbers/number_format.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
 #include "store/shop/order_numbers.h"
@@ -14,9 +13,6 @@ constexpr const char* hasChildren =
     "Per cancellare questo reparto è necessario rimuovere i sottoreparti.";
 constexpr const char* hasArticles = "Il reparto contiene articoli che saranno cancellati. Eliminarlo comunque?";
 constexpr const char* lastOne = "Almeno un reparto deve essere definito: non è possibile eliminare questo reparto";
-
-/// The key of a department, and its page: "cat" and the serial number with at least three digits.
-std::string departmentKey(std::int64_t contatore) { return "cat" + formatNumber(contatore, "###000"); }
 
 }  // namespace
 

@@ -133,7 +133,7 @@ Command sheetCommand() {
   Command row{.name = "articles.sheet",
               .menus = {{EditArticles, 402, "Foglio articoli..."}, {EditDepartments, 402, "Foglio articoli..."}},
               .shortcut = "Ctrl+Shift+F",
-              .help = "pagine/foglio.htm",
+              .help = "pagine/foglio-articoli.htm",
               .dialog = wired(&WorkbenchDialogs::articleSheet)};
   row.enabled = [](const CommandContext& context) { return context.sets.isBound(); };
   row.whenOff = "Nessun negozio aperto";

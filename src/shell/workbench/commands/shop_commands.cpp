@@ -67,6 +67,15 @@ Command accountingRow() {
   return row;
 }
 
+std::vector<Command> sheetRows() {
+  using Dialogs = WorkbenchDialogs;
+  std::vector<Command> rows{
+      dialogCommand("import.sheet", {File, 705, "Importa da un foglio..."}, &Dialogs::importSheet, "Importa il foglio"),
+      dialogCommand("export.sheet", {File, 706, "Esporta in un foglio..."}, &Dialogs::exportSheet)};
+  for (Command& row : rows) row.help = "pagine/foglio.htm";
+  return rows;
+}
+
 /// An entry that shows where the application folder has a companion program, and starts it.
 Command companionRow(std::string name, const MenuPlace& place, std::string_view program) {
   Command row = shopRow(std::move(name), place, "", [program](const CommandContext& context) {
@@ -88,27 +97,29 @@ void exitProgram(const CommandContext& context) {
 
 std::vector<Command> shopCommands() {
   using Dialogs = WorkbenchDialogs;
-  return withHelp(
-      {shopRow("shop.new", {File, 101, "Nuovo negozio.."}, "Ctrl+N",
-               [](const CommandContext& context) {
-                 closeWithoutShop(context, NuovoNegozio(context.session, context.env));
-               }),
-       shopRow("shop.open", {File, 102, "Apri negozio..."}, "Ctrl+O",
-               [](const CommandContext& context) {
-                 closeWithoutShop(context, ApriNegozio(context.session, context.env, "*"));
-               }),
-       dialogCommand("shop.welcome", {File, 106, "Benvenuto..."}, &Dialogs::welcome),
-       moveRow("shop.export", {File, 103, "Esporta negozio per Korvane Banco"}, &Dialogs::exportShop),
-       moveRow("shop.import", {File, 104, "Importa negozio Primo..."}, &Dialogs::importShop),
-       dialogCommand("shop.restoreCopy", {File, 105, "Ripristina una copia..."}, &Dialogs::restoreCopy),
-       dialogCommand("shop.folders", {File, 201, "Cambia le cartelle di lavoro..."}, &Dialogs::changeFolders,
-                     "Cambia le cartelle"),
-       shopRow("shop.cleanFolders", {File, 202, "Pulisci le cartelle di lavoro..."}, "", cleanFolders), purgeRow(),
-       accountingRow(), companionRow("import.stock", {File, 702, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
-       companionRow("import.orders", {File, 703, "Scarica ordini..."}, "ordsync.exe"),
-       companionRow("import.companion", {File, 704, "Importa da Orsa Gestionale con gwimp..."}, "gwimp.exe"),
-       shopRow("exit", {File, 801, "Esci"}, "Ctrl+Q", exitProgram)},
-      "index.htm");
+  std::vector<Command> rows{
+      shopRow(
+          "shop.new", {File, 101, "Nuovo negozio.."}, "Ctrl+N",
+          [](const CommandContext& context) { closeWithoutShop(context, NuovoNegozio(context.session, context.env)); }),
+      shopRow("shop.open", {File, 102, "Apri negozio..."}, "Ctrl+O",
+              [](const CommandContext& context) {
+                closeWithoutShop(context, ApriNegozio(context.session, context.env, "*"));
+              }),
+      dialogCommand("shop.welcome", {File, 106, "Benvenuto..."}, &Dialogs::welcome),
+      moveRow("shop.export", {File, 103, "Esporta negozio per Korvane Banco"}, &Dialogs::exportShop),
+      moveRow("shop.import", {File, 104, "Importa negozio Primo..."}, &Dialogs::importShop),
+      dialogCommand("shop.restoreCopy", {File, 105, "Ripristina una copia..."}, &Dialogs::restoreCopy),
+      dialogCommand("shop.folders", {File, 201, "Cambia le cartelle di lavoro..."}, &Dialogs::changeFolders,
+                    "Cambia le cartelle"),
+      shopRow("shop.cleanFolders", {File, 202, "Pulisci le cartelle di lavoro..."}, "", cleanFolders),
+      purgeRow(),
+      accountingRow(),
+      companionRow("import.stock", {File, 702, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
+      companionRow("import.orders", {File, 703, "Scarica ordini..."}, "ordsync.exe"),
+      companionRow("import.companion", {File, 704, "Importa da Orsa Gestionale con gwimp..."}, "gwimp.exe"),
+      shopRow("exit", {File, 801, "Esci"}, "Ctrl+Q", exitProgram)};
+  for (Command& row : sheetRows()) rows.push_back(std::move(row));
+  return withHelp(std::move(rows), "index.htm");
 }
 
 }  // namespace kv

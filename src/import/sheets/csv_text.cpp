@@ -1,0 +1,241 @@
+#include "import/sheets/csv_text.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+constexpr std::array<char, 4> csvSeparators{';', ',', '\t', '|'};
+constexpr std::string_view separatorLine = "sep=";  // of a first line that names the separator
+constexpr std::size_t groupDigits = 3;
+
+bool isCsvDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// One walk over a text of separated values.
+class CsvWalk {
+ public:
+  CsvWalk(std::string_view text, char separator, CsvSink& sink) : text_(text), separator_(separator), sink_(sink) {}
+
+  bool run() {
+    while (at_ < text_.size()) {
+      if (!step()) return false;
+    }
+    return !started_ || endRecord();
+  }
+
+ private:
+  /// Takes a field and what ends it.
+  bool step() {
+    const std::uint32_t line = line_;
+    if (!started_) begins_ = line;
+    if (isLineEnd(text_[at_]) && !started_) {
+      passLineEnd();
+      return true;
+    }
+    const bool goesOn = sink_.field(takeField());
+    started_ = true;
+    if (!goesOn) return false;
+    if (at_ >= text_.size()) return true;
+    if (text_[at_] == separator_) {
+      ++at_;
+      // A separator at the very end is followed by an empty field.
+      return at_ < text_.size() && !isLineEnd(text_[at_]) ? true : sink_.field({}) && endAtLineEnd();
+    }
+    return endAtLineEnd();
+  }
+  bool endAtLineEnd() {
+    if (at_ < text_.size()) passLineEnd();
+    return endRecord();
+  }
+  bool endRecord() {
+    started_ = false;
+    return sink_.endRecord(begins_);
+  }
+  static bool isLineEnd(char c) { return c == '\r' || c == '\n'; }
+  void passLineEnd() {
+    if (text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n') ++at_;
+    ++at_;
+    ++line_;
+  }
+
+  std::string_view takeField() {
+    if (text_[at_] != '"') return takePlain();
+    const std::size_t close = text_.find('"', at_ + 1);
+    const std::size_t after = close == std::string_view::npos ? text_.size() : close + 1;
+    const bool isSimple = close != std::string_view::npos && (after == text_.size() || endsField(text_[after]));
+    if (!isSimple) return takeQuoted();
+    const std::string_view field = text_.substr(at_ + 1, close - at_ - 1);
+    countLines(field);
+    at_ = after;
+    return field;
+  }
+  bool endsField(char c) const { return c == separator_ || isLineEnd(c); }
+  std::string_view takePlain() {
+    const std::size_t begin = at_;
+    while (at_ < text_.size() && !endsField(text_[at_])) ++at_;
+    return text_.substr(begin, at_ - begin);
+  }
+  /// A field with doubled quotes, or with text after its last quote.
+  std::string_view takeQuoted() {
+    scratch_.clear();
+    for (++at_; at_ < text_.size(); ++at_) {
+      if (text_[at_] == '"') {
+        if (at_ + 1 >= text_.size() || text_[at_ + 1] != '"') break;
+        ++at_;
+      }
+      scratch_ += text_[at_];
+    }
+    countLines(scratch_);
+    if (at_ < text_.size()) {
+      ++at_;
+      scratch_ += takePlain();
+    }
+    return scratch_;
+  }
+  void countLines(std::string_view field) {
+    for (std::size_t i = 0; i < field.size(); ++i) {
+      const bool isPair = field[i] == '\r' && i + 1 < field.size() && field[i + 1] == '\n';
+      if (isLineEnd(field[i]) && !isPair) ++line_;
+    }
+  }
+
+  std::string_view text_;
+  char separator_;
+  CsvSink& sink_;
+  std::size_t at_ = 0;
+  std::uint32_t line_ = 1, begins_ = 1;
+  bool started_ = false;  // the record has a field
+  std::string scratch_;
+};
+
+/// Fills a table of cells.
+struct CellSink final : CsvSink {
+  explicit CellSink(CellTable& into) : cells(into) {}
+  CellTable& cells;
+  bool field(std::string_view text) override { return cells.add(text); }
+  bool endRecord(std::uint32_t line) override { return cells.endRow(line); }
+};
+
+/// Whether a text has digits, and nothing else but signs of numbers; at least one of them between digits.
+bool looksLikeNumber(std::string_view text) {
+  constexpr std::size_t longest = 32;
+  constexpr std::string_view signs = ".,' \xC2\xA0\xE2\x80\xAF";
+  text = trim(text);
+  if (!text.empty() && text.front() == '-') text.remove_prefix(1);
+  if (text.empty() || text.size() > longest || !isCsvDigit(text.back())) return false;
+  bool hasSign = false;
+  for (const char c : text) {
+    const bool isSign = signs.find(c) != std::string_view::npos;
+    if (!isSign && !isCsvDigit(c)) return false;
+    hasSign = hasSign || isSign;
+  }
+  return hasSign;
+}
+
+}  // namespace
+
+bool walkCsv(std::string_view text, char separator, CsvSink& sink) { return CsvWalk(text, separator, sink).run(); }
+
+char separatorOf(std::string_view text) {
+  if (startsWithIgnoringCase(text, separatorLine) && text.size() > separatorLine.size()) {
+    const char named = text[separatorLine.size()];
+    if (std::ranges::find(csvSeparators, named) != csvSeparators.end()) return named;
+  }
+  std::array<std::ptrdiff_t, csvSeparators.size()> counts{};
+  bool quoted = false;
+  for (const char c : text) {
+    if (c == '"') quoted = !quoted;
+    if (quoted) continue;
+    if (c == '\r' || c == '\n') break;
+    const auto found = std::ranges::find(csvSeparators, c);
+    if (found != csvSeparators.end()) ++counts[static_cast<std::size_t>(found - csvSeparators.begin())];
+  }
+  const auto most = std::ranges::max_element(counts);
+  return *most == 0 ? ';' : csvSeparators[static_cast<std::size_t>(most - counts.begin())];
+}
+
+CsvLineEnd csvLineEndOf(std::string_view text) {
+  bool quoted = false;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '"') quoted = !quoted;
+    if (quoted) continue;
+    if (text[at] == '\n') return CsvLineEnd::Lf;
+    if (text[at] == '\r') return at + 1 < text.size() && text[at + 1] == '\n' ? CsvLineEnd::CrLf : CsvLineEnd::Cr;
+  }
+  return CsvLineEnd::CrLf;
+}
+
+char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator) {
+  std::ptrdiff_t commas = 0, points = 0;
+  for (const std::string& number : numbers) {
+    const auto last = number.find_last_of(",.");
+    if (last == std::string::npos) continue;
+    const char sign = number[last];
+    const bool repeated = number.find(sign) != last;
+    const bool both = number.find(sign == ',' ? '.' : ',') != std::string::npos;
+    const auto after = std::count_if(number.begin() + static_cast<std::ptrdiff_t>(last), number.end(), isCsvDigit);
+    if (repeated || (!both && static_cast<std::size_t>(after) == groupDigits)) continue;
+    ++(sign == ',' ? commas : points);
+  }
+  if (commas == points) return separator == ',' ? '.' : ',';
+  return commas > points ? ',' : '.';
+}
+
+char thousandsOf(const std::vector<std::string>& numbers, char decimalSeparator) {
+  const char other = decimalSeparator == ',' ? '.' : ',';
+  for (const std::string& number : numbers) {
+    if (number.find(other) != std::string::npos) return other;
+    if (number.find('\'') != std::string::npos) return '\'';
+    // Spaces that don't break start with these bytes.
+    if (trim(number).find_first_of(" \xC2\xE2") != std::string_view::npos) return ' ';
+  }
+  return '\0';
+}
+
+std::vector<std::string> numbersAmong(const CellTable& cells) {
+  std::vector<std::string> numbers;
+  for (std::size_t row = 0; row < cells.rows(); ++row) {
+    for (std::size_t column = 0; column < cells.width(row); ++column) {
+      const SheetCell cell = cells.cell(row, column);
+      if (!cell.isNumber && looksLikeNumber(cell.text)) numbers.emplace_back(cell.text);
+    }
+  }
+  return numbers;
+}
+
+std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
+                                 CsvReading& reading) {
+  reading.encoding = choice.encoding.value_or(csvEncodingOf(bytes));
+  const std::string text = decodedCsv(bytes, reading.encoding);
+  reading.separator = choice.separator.value_or(separatorOf(text));
+  reading.lineEnd = csvLineEndOf(text);
+  CellTable cells(limits);
+  CellSink sink(cells);
+  if (!walkCsv(text, reading.separator, sink)) return std::nullopt;
+  // The line that names the separator is no row.
+  const bool isNamed = startsWithIgnoringCase(text, separatorLine) && cells.rows() > 0 && cells.width(0) <= 1;
+  if (isNamed) cells.dropRows(1);
+  const std::vector<std::string> numbers = numbersAmong(cells);
+  reading.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, reading.separator));
+  reading.thousands = choice.thousands.value_or(thousandsOf(numbers, reading.decimalSeparator));
+  return cells;
+}
+
+void appendCsvField(std::string& line, std::string_view text, char separator) {
+  const std::array<char, 4> special{'"', '\r', '\n', separator};
+  if (text.find_first_of(std::string_view(special.data(), special.size())) == std::string_view::npos) {
+    line += text;
+    return;
+  }
+  line += '"';
+  for (const char c : text) {
+    if (c == '"') line += '"';
+    line += c;
+  }
+  line += '"';
+}
+
+}  // namespace kv

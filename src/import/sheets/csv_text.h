@@ -1,0 +1,82 @@
+#pragma once
+// Tables as texts of separated values, as programs write them in several ways: encoding, separator, decimal separator
+// and signs between thousands are found out from the bytes, and each can be given instead. Source: RFC 4180, with the
+// line ends of any system.
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/sheet/cell_table.h"
+
+namespace kv {
+
+enum class CsvEncoding {
+  Utf8,
+  Utf8Mark,  ///< with the three bytes of a mark at its start
+  Windows1252,
+  Utf16Little,
+  Utf16Big
+};
+
+enum class CsvLineEnd { CrLf, Lf, Cr };
+
+/// How a text of separated values is written.
+struct CsvReading {
+  CsvEncoding encoding = CsvEncoding::Utf8Mark;
+  char separator = ';';         ///< between fields: ';', ',', tab or '|'
+  char decimalSeparator = ',';  ///< in numbers: ',' or '.'
+  char thousands = '\0';        ///< between groups of three digits: '.', ',', ' ' or '\''; 0: none
+  CsvLineEnd lineEnd = CsvLineEnd::CrLf;
+};
+
+/// What of a reading is given instead of found out.
+struct CsvChoice {
+  std::optional<CsvEncoding> encoding;
+  std::optional<char> separator, decimalSeparator, thousands;
+};
+
+/// The encoding of bytes: by their mark, UTF-16 without one by its zeros, UTF-8 when all of it is, else Windows-1252.
+CsvEncoding csvEncodingOf(std::string_view bytes);
+/// Bytes as UTF-8, without a mark. What is no text of the encoding becomes U+FFFD in UTF-16, and stays in UTF-8.
+std::string decodedCsv(std::string_view bytes, CsvEncoding encoding);
+/// The separator that the first record has most of, outside of quotes; ';' when it has none. A first line "sep=," says
+/// it.
+char separatorOf(std::string_view text);
+/// The line end that comes first outside of quotes; CR LF when there is none.
+CsvLineEnd csvLineEndOf(std::string_view text);
+/// The decimal separator of the numbers among these texts: the last one before one, two, four or more digits; what is
+/// in groups of three alone tells nothing, and ',' holds unless it separates the fields.
+char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator);
+/// The sign between the thousands of these numbers: the first found; 0 when there is none.
+char thousandsOf(const std::vector<std::string>& numbers, char decimalSeparator);
+
+/// Receives the fields of a text.
+class CsvSink {
+ public:
+  virtual ~CsvSink() = default;
+  /// A field of the record; the text lives until the call returns. False ends the walk.
+  virtual bool field(std::string_view text) = 0;
+  /// The end of a record that began in a line, counted from 1. False ends the walk.
+  virtual bool endRecord(std::uint32_t line) = 0;
+};
+/// Splits a text into records of fields: a field in double quotes may hold separators, line ends and, doubled, quotes.
+/// Records end at CR LF, LF or CR; lines without any character are passed over. A quote that is never closed reaches
+/// to the end. False when the sink ended it.
+bool walkCsv(std::string_view text, char separator, CsvSink& sink);
+
+/// A text of separated values as cells, and how it was read. Nothing when it has more than the limits allow.
+std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
+                                 CsvReading& reading);
+/// The texts of a table that look like numbers, by which their signs are found out.
+std::vector<std::string> numbersAmong(const CellTable& cells);
+
+/// A field as it is written: in quotes where it needs them.
+void appendCsvField(std::string& line, std::string_view text, char separator);
+/// UTF-8 in an encoding, without its mark. What Windows-1252 hasn't becomes a character reference.
+std::string encodedCsv(std::string_view text, CsvEncoding encoding);
+/// The bytes that a file of an encoding starts with; none where there is no mark.
+std::string_view csvMark(CsvEncoding encoding);
+
+}  // namespace kv

@@ -1,0 +1,114 @@
+#include "import/tables/catalogue_names.h"
+
+#include <functional>
+
+#include "platform/text/text.h"
+#include "store/catalogue/catalogue_lists.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view pathSign = " > ";
+
+struct NamedDepartment {
+  std::string ID, genitore, titolo;
+};
+
+Result<std::vector<NamedDepartment>> readNamed(Database& catalogue) {
+  auto rows = catalogue.prepare("SELECT ID, genitore, titolo FROM categorie ORDER BY livello, ordinamento, contatore");
+  if (!rows) return fail(rows.error());
+  std::vector<NamedDepartment> named;
+  for (;;) {
+    const auto row = rows->step();
+    if (!row) return fail(row.error());
+    if (!*row) return named;
+    named.push_back({std::string(rows->text(0)), std::string(rows->text(1)), std::string(rows->text(2))});
+  }
+}
+
+void addName(std::unordered_map<std::string, NamedRow>& to, std::string name, std::string ID) {
+  const auto [found, added] = to.try_emplace(std::move(name), NamedRow{std::move(ID)});
+  if (!added) found->second.isAmbiguous = true;
+}
+
+NamedRow find(const std::unordered_map<std::string, NamedRow>& in, const std::string& name) {
+  const auto found = in.find(name);
+  return found == in.end() ? NamedRow() : found->second;
+}
+
+}  // namespace
+
+std::string plainPath(std::string_view path) {
+  std::string plain;
+  for (;;) {
+    const std::size_t end = path.find('>');
+    plain += (plain.empty() ? std::string_view() : pathSign);
+    plain += trim(path.substr(0, end));
+    if (end == std::string_view::npos) return foldCase(plain);
+    path.remove_prefix(end + 1);
+  }
+}
+
+SplitPath splitPath(std::string_view path) {
+  const std::size_t last = path.rfind('>');
+  if (last == std::string_view::npos) return {"", std::string(trim(path))};
+  return {std::string(trim(path.substr(0, last))), std::string(trim(path.substr(last + 1)))};
+}
+
+Result<CatalogueNames> CatalogueNames::read(Database& catalogue) {
+  const auto named = readNamed(catalogue);
+  if (!named) return fail(named.error());
+  std::unordered_map<std::string, const NamedDepartment*> byID;
+  for (const NamedDepartment& each : *named) byID.emplace(foldCase(each.ID), &each);
+  CatalogueNames names;
+  for (const NamedDepartment& each : *named) {
+    std::string path;
+    // Departments in a circle end the walk as well.
+    std::size_t steps = 0;
+    for (const NamedDepartment* at = &each; at != nullptr && steps <= named->size(); ++steps) {
+      path = (at->titolo.empty() ? at->ID : at->titolo) + (path.empty() ? "" : std::string(pathSign)) + path;
+      const auto parent = byID.find(foldCase(at->genitore));
+      at = parent == byID.end() ? nullptr : parent->second;
+    }
+    names.addDepartment(each.ID, path);
+  }
+  auto rows = catalogue.prepare("SELECT ID, nome FROM opzioni ORDER BY ID");
+  if (!rows) return fail(rows.error());
+  for (;;) {
+    const auto row = rows->step();
+    if (!row) return fail(row.error());
+    if (!*row) return names;
+    names.addVariant(rows->integer(0), std::string(rows->text(1)));
+  }
+}
+
+std::string_view CatalogueNames::pathOf(std::string_view department) const {
+  const auto found = paths_.find(foldCase(department));
+  return found == paths_.end() ? std::string_view() : std::string_view(found->second);
+}
+
+NamedRow CatalogueNames::department(std::string_view path) const {
+  const NamedRow found = find(departments_, plainPath(path));
+  if (!found.ID.empty()) return found;
+  const std::string ID = foldCase(trim(path));
+  return paths_.contains(ID) ? NamedRow{std::string(trim(path))} : NamedRow();
+}
+
+std::string_view CatalogueNames::variantName(std::int64_t ID) const {
+  const auto found = variantNames_.find(ID);
+  return found == variantNames_.end() ? std::string_view() : std::string_view(found->second);
+}
+
+NamedRow CatalogueNames::variant(std::string_view name) const { return find(variants_, foldCase(trim(name))); }
+
+void CatalogueNames::addDepartment(const std::string& ID, const std::string& path) {
+  paths_.emplace(foldCase(ID), path);
+  addName(departments_, plainPath(path), ID);
+}
+
+void CatalogueNames::addVariant(std::int64_t ID, const std::string& name) {
+  variantNames_.emplace(ID, name);
+  addName(variants_, foldCase(trim(name)), std::to_string(ID));
+}
+
+}  // namespace kv

@@ -1,0 +1,55 @@
+#pragma once
+// Departments by their paths and variants by their names, as cells of a sheet call them.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/database/database.h"
+
+namespace kv {
+
+/// What a name means.
+struct NamedRow {
+  std::string ID;            ///< empty: there is none of the name
+  bool isAmbiguous = false;  ///< several have it
+};
+
+/// The names of a catalogue, read once.
+class CatalogueNames {
+ public:
+  /// Reads departments and variants. Failures as Database::prepare.
+  static Result<CatalogueNames> read(Database& catalogue);
+
+  /// The path of a department, titles of language 1 from the top, parted by " > "; empty for an unknown ID.
+  std::string_view pathOf(std::string_view department) const;
+  /// The department of a path or an ID; spaces around ">" and case don't count.
+  NamedRow department(std::string_view path) const;
+  /// The name of a variant in language 1; empty for an unknown one.
+  std::string_view variantName(std::int64_t ID) const;
+  /// The variant of a name; case doesn't count.
+  NamedRow variant(std::string_view name) const;
+
+  // What is made while a sheet is read is known to the rows after it.
+  void addDepartment(const std::string& ID, const std::string& path);
+  void addVariant(std::int64_t ID, const std::string& name);
+
+ private:
+  std::unordered_map<std::string, std::string> paths_;     // folded ID -> path
+  std::unordered_map<std::string, NamedRow> departments_;  // folded path -> ID
+  std::unordered_map<std::int64_t, std::string> variantNames_;
+  std::unordered_map<std::string, NamedRow> variants_;  // folded name -> ID
+};
+
+/// A path as it is compared: one space on both sides of each ">", none at its ends, in lower case.
+std::string plainPath(std::string_view path);
+/// The path without its last title, and that title; an empty parent at the top level.
+struct SplitPath {
+  std::string parent, title;
+};
+SplitPath splitPath(std::string_view path);
+
+}  // namespace kv

@@ -1,0 +1,280 @@
+#include "import/tables/cell_reading.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t digitsOfGroup = 3;
+constexpr std::array<std::string_view, 7> currencySigns{"€", "$", "£", "EUR", "USD", "GBP", "CHF"};
+constexpr std::array<std::string_view, 8> yesWords{"1", "sì", "si", "s", "vero", "true", "yes", "x"};
+constexpr std::array<std::string_view, 7> noWords{"0", "no", "n", "falso", "false", "-", "f"};
+constexpr double highestPercent = 100;
+
+CellValue refused(std::string why) { return {Null{}, std::move(why)}; }
+std::string quoted(std::string_view text) {
+  constexpr std::size_t most = 40;
+  const std::string_view start = firstCharacters(text, most);
+  return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
+}
+
+std::string withoutCurrency(std::string_view text) {
+  std::string bare = replaceAll(replaceAll(std::string(text), "\xC2\xA0", " "), "\xE2\x80\xAF", " ");
+  bare = std::string(trim(bare));
+  if (bare.ends_with('%')) bare = std::string(trim(std::string_view(bare).substr(0, bare.size() - 1)));
+  for (const std::string_view sign : currencySigns) {
+    if (bare.starts_with(sign)) bare = std::string(trim(std::string_view(bare).substr(sign.size())));
+    if (bare.ends_with(sign)) bare = std::string(trim(std::string_view(bare).substr(0, bare.size() - sign.size())));
+  }
+  return bare;
+}
+
+bool isDigitSign(char c) { return c >= '0' && c <= '9'; }
+
+/// The whole part of a number without the signs between its groups of three; nothing where a group has another size.
+std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
+  std::string digits;
+  std::size_t inGroup = 0;
+  bool hasGroups = false;
+  for (const char c : whole) {
+    if (isDigitSign(c)) {
+      digits += c;
+      ++inGroup;
+    } else if (thousands == '\0' || c != thousands || inGroup == 0 || inGroup > digitsOfGroup ||
+               (hasGroups && inGroup != digitsOfGroup)) {
+      return std::nullopt;
+    } else {
+      hasGroups = true;
+      inGroup = 0;
+    }
+  }
+  if (hasGroups && inGroup != digitsOfGroup) return std::nullopt;
+  return digits;
+}
+
+std::optional<float> singleOf(const std::string& digits) {
+  float number = 0;
+  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (read.ec != std::errc() || read.ptr != digits.data() + digits.size()) return std::nullopt;
+  return number;
+}
+
+std::optional<std::int64_t> wholeOf(const std::string& digits) {
+  std::int64_t number = 0;
+  // A sheet may know whole numbers as "3.0" alone.
+  const std::size_t point = std::min(digits.find('.'), digits.size());
+  const bool isWhole = digits.find_first_not_of('0', std::min(point + 1, digits.size())) == std::string::npos;
+  const auto read = std::from_chars(digits.data(), digits.data() + point, number);
+  if (!isWhole || read.ec != std::errc() || read.ptr != digits.data() + point) return std::nullopt;
+  return number;
+}
+
+std::int64_t mostOf(ColumnType type) {
+  constexpr std::int64_t byte = 255, small = 32767, usual = 2147483647;
+  return type == ColumnType::Byte ? byte : type == ColumnType::Int ? small : usual;
+}
+
+/// Numbers as an export writes them: every digit that the column holds.
+std::string singleText(float number) {
+  std::array<char, 64> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed).ptr;
+  return {text.data(), end};
+}
+
+std::string moneyText(Money amount) {
+  constexpr std::int64_t unit = 10000;
+  const std::int64_t count = amount.tenThousandths();
+  const bool isNegative = count < 0;
+  const std::uint64_t size = isNegative ? 0 - static_cast<std::uint64_t>(count) : static_cast<std::uint64_t>(count);
+  std::string text = (isNegative ? "-" : "") + std::to_string(size / unit);
+  if (size % unit == 0) return text;
+  std::string decimals = std::to_string(unit + size % unit).substr(1);
+  decimals.erase(decimals.find_last_not_of('0') + 1);
+  return text + "." + decimals;
+}
+
+template <std::size_t size>
+bool isAmong(const std::array<std::string_view, size>& words, std::string_view text) {
+  return std::ranges::any_of(words, [&](auto word) { return equalsIgnoringCase(word, text); });
+}
+
+std::optional<bool> flagOf(std::string_view text) {
+  text = trim(text);
+  if (text.empty() || isAmong(noWords, text)) return false;
+  if (isAmong(yesWords, text)) return true;
+  return std::nullopt;
+}
+
+std::string withCrLf(std::string_view text) {
+  return replaceAll(replaceAll(replaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
+}
+
+/// Whether two texts are equal; their line ends come back from some programs as LF alone.
+bool isSameText(std::string_view a, std::string_view b) { return a == b || withCrLf(a) == withCrLf(b); }
+
+}  // namespace
+
+bool isNumberField(CellField field) {
+  return field == CellField::Money || field == CellField::Percent || field == CellField::Number ||
+         field == CellField::Whole;
+}
+
+std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& signs) {
+  std::string bare = withoutCurrency(text);
+  std::string sign;
+  if (bare.starts_with('-') || bare.starts_with('+')) {
+    if (bare[0] == '-') sign = "-";
+    bare.erase(0, 1);
+  }
+  const std::size_t decimal = bare.find(signs.decimalSeparator);
+  auto digits = ungrouped(std::string_view(bare).substr(0, decimal), signs.thousands);
+  if (!digits) return std::nullopt;
+  if (decimal != std::string::npos) {
+    const std::string_view decimals = std::string_view(bare).substr(decimal + 1);
+    if (!std::ranges::all_of(decimals, isDigitSign)) return std::nullopt;
+    if (digits->empty() && decimals.empty()) return std::nullopt;
+    *digits = (digits->empty() ? "0" : *digits) + (decimals.empty() ? "" : ".") + std::string(decimals);
+  }
+  if (digits->empty()) return std::nullopt;
+  return sign + *digits;
+}
+
+CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cell) const {
+  const auto digits = cell.isNumber ? std::optional(std::string(cell.text)) : sheetNumber(cell.text, signs_);
+  CellValue none = refused(column.italian + ": " + quoted(cell.text) + " non è un numero");
+  if (!digits) return none;
+  if (!column.isSigned && digits->starts_with('-')) return refused(column.italian + ": " + *digits + " è negativo");
+  if (column.field == CellField::Money) {
+    const auto amount = Money::parse(*digits);
+    return amount ? CellValue{*amount, {}} : none;
+  }
+  if (column.field == CellField::Whole) {
+    const auto number = wholeOf(*digits);
+    if (!number) return refused(column.italian + ": " + quoted(cell.text) + " non è un numero intero");
+    if (std::abs(*number) > mostOf(column.type)) return refused(column.italian + ": " + *digits + " è troppo grande");
+    return {*number, {}};
+  }
+  const auto number = singleOf(*digits);
+  if (!number) return none;
+  if (column.field == CellField::Percent && *number > highestPercent) {
+    return refused(column.italian + ": " + *digits + " è più di 100");
+  }
+  return {static_cast<double>(*number), {}};
+}
+
+CellValue CellReader::readText(const TableColumn& column, std::string_view text) const {
+  std::string value = column.field == CellField::Lines ? withCrLf(text) : std::string(text);
+  if (column.size > 0 && characterCount(value) > column.size) {
+    return refused(column.italian + ": più di " + std::to_string(column.size) + " caratteri");
+  }
+  return {std::move(value), {}};
+}
+
+CellValue CellReader::readNamed(const TableColumn& column, std::string_view text) const {
+  const bool isDepartment = column.field == CellField::Department;
+  NamedRow found = isDepartment ? names_.department(text) : names_.variant(text);
+  // Exports of shop programs name several departments; the first one counts.
+  if (isDepartment && found.ID.empty()) found = names_.department(text.substr(0, text.find_first_of(",|;")));
+  const std::string what = isDepartment ? "Il reparto " : "La variante ";
+  if (found.ID.empty()) return refused(what + quoted(text) + " non esiste");
+  if (found.isAmbiguous) return refused(what + quoted(text) + " c'è più volte");
+  if (isDepartment) return {std::move(found.ID), {}};
+  return {wholeOf(found.ID).value_or(0), {}};
+}
+
+CellValue CellReader::read(const TableColumn& column, const SheetCell& cell) const {
+  if (column.field == CellField::Flag || column.field == CellField::Mark) {
+    const auto flag = flagOf(cell.text);
+    if (!flag) return refused(column.italian + ": " + quoted(cell.text) + " non è né sì né no");
+    if (column.field == CellField::Mark) return {std::string(*flag ? "." : ""), {}};
+    return {*flag, {}};
+  }
+  if (trim(cell.text).empty() && column.field != CellField::Text && column.field != CellField::Lines) return {};
+  if (cell.text.empty()) return {};
+  switch (column.field) {
+    case CellField::Money:
+    case CellField::Percent:
+    case CellField::Number:
+    case CellField::Whole:
+      return readNumber(column, cell);
+    case CellField::Department:
+    case CellField::Variant:
+    case CellField::OwnVariant:
+      return readNamed(column, cell.text);
+    default:
+      return readText(column, cell.text);
+  }
+}
+
+std::string CellReader::shown(const TableColumn& column, const Statement& row, int index) const {
+  if (row.isNull(index)) return {};
+  switch (column.field) {
+    case CellField::Money:
+      return moneyText(row.money(index));
+    case CellField::Percent:
+    case CellField::Number:
+      return singleText(row.single(index));
+    case CellField::Whole:
+      return std::to_string(row.integer(index));
+    case CellField::Flag:
+      return row.flag(index) ? "1" : "0";
+    case CellField::Mark:
+      return row.text(index).empty() ? "0" : "1";
+    case CellField::Department:
+    case CellField::OwnPath:
+      return std::string(names_.pathOf(row.text(index)));
+    case CellField::Variant:
+    case CellField::OwnVariant:
+      return std::string(names_.variantName(row.integer(index)));
+    default:
+      return std::string(row.text(index));
+  }
+}
+
+bool CellReader::isSame(const TableColumn& column, const Statement& row, int index, const SheetCell& cell) const {
+  switch (column.field) {
+    case CellField::RowKey:
+    case CellField::OwnPath:
+      return true;
+    case CellField::Picture:
+    case CellField::Text:
+    case CellField::Lines:
+      return isSameText(row.text(index), cell.text);
+    case CellField::Flag:
+      return flagOf(cell.text) == row.flag(index);
+    case CellField::Mark:
+      return flagOf(cell.text) == !row.text(index).empty();
+    case CellField::Department:
+    case CellField::Variant:
+    case CellField::OwnVariant:
+      if (isSameText(shown(column, row, index), cell.text)) return true;
+      break;
+    default:
+      break;
+  }
+  const CellValue value = read(column, cell);
+  if (!value.refusal.empty()) return false;
+  if (isNull(value.value) || row.isNull(index)) return isNull(value.value) && row.isNull(index);
+  if (column.field == CellField::Money) return asMoney(value.value) == row.money(index);
+  if (column.field == CellField::Department) return equalsIgnoringCase(asText(value.value), row.text(index));
+  const bool isSingle = column.field == CellField::Percent || column.field == CellField::Number;
+  return isSingle ? static_cast<float>(asNumber(value.value)) == row.single(index)
+                  : asInteger(value.value) == row.integer(index);
+}
+
+std::string CellReader::keyText(const TableColumn& column, const SheetCell& cell) const {
+  if (column.field == CellField::Department || column.field == CellField::OwnPath) return plainPath(cell.text);
+  return foldCase(trim(cell.text));
+}
+
+std::string CellReader::keyText(const TableColumn& column, const Statement& row, int index) const {
+  const std::string text = shown(column, row, index);
+  return keyText(column, SheetCell{text});
+}
+
+}  // namespace kv

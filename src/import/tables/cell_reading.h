@@ -1,0 +1,51 @@
+#pragma once
+// A cell of a sheet as the value of its column, and the value of a column as the text of a cell.
+
+#include <string>
+
+#include "import/sheets/csv_text.h"
+#include "import/tables/catalogue_names.h"
+#include "import/tables/table_columns.h"
+#include "platform/database/database.h"
+
+namespace kv {
+
+/// A cell that was read: its value, or why it can't be one.
+struct CellValue {
+  Value value;
+  std::string refusal;  ///< in Italian; empty where the value holds
+};
+
+/// A number of a sheet with "." for decimals: spaces around it, a currency sign and a percent sign are passed over,
+/// groups of three are put together. Nothing for what is no number in this notation.
+std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& signs);
+
+/// Reads cells by what a sheet's texts mean. What it is made from outlives it.
+class CellReader {
+ public:
+  CellReader(const CsvReading& signs, const CatalogueNames& names) : signs_(signs), names_(names) {}
+
+  /// The value that a column would take. An empty cell is Null, of a flag false. Pictures give their text.
+  CellValue read(const TableColumn& column, const SheetCell& cell) const;
+  /// What a sheet shows of field `index` of a row; a number with "." for decimals.
+  std::string shown(const TableColumn& column, const Statement& row, int index) const;
+  /// Whether the field has the value of a cell already.
+  bool isSame(const TableColumn& column, const Statement& row, int index, const SheetCell& cell) const;
+  /// The text by which a cell is found again among the keys: numbers, paths and names in one form.
+  std::string keyText(const TableColumn& column, const SheetCell& cell) const;
+  /// The same of a row of the catalogue.
+  std::string keyText(const TableColumn& column, const Statement& row, int index) const;
+
+ private:
+  CellValue readNumber(const TableColumn& column, const SheetCell& cell) const;
+  CellValue readText(const TableColumn& column, std::string_view text) const;
+  CellValue readNamed(const TableColumn& column, std::string_view text) const;
+
+  const CsvReading& signs_;
+  const CatalogueNames& names_;
+};
+
+/// Whether a column's cells are numbers, which a sheet may write with any sign.
+bool isNumberField(CellField field);
+
+}  // namespace kv

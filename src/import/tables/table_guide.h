@@ -1,0 +1,73 @@
+#pragma once
+// The guide of an import (frmImportaFoglio) without its window: a file and how it is read, which column is which, and
+// what would happen. Nothing is written before the end.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "import/tables/table_import.h"
+
+namespace kv {
+
+/// Which rows the last page lists.
+enum class RowFilter { All, New, Changed, Same, LeftOut };
+
+/// A row of the last page.
+struct GuideRow {
+  std::string line, fate, label, reason;
+  bool canChoose = false;  ///< whether it has a box
+  bool isChosen = false;
+};
+
+/// The state of the guide. session, settings outlive it.
+class TableGuide {
+ public:
+  TableGuide(Session& session, const Settings& settings, std::string department, std::string model);
+
+  // The first page: the file and its reading.
+  std::string path;
+  std::string tableName = "articoli";
+  SheetChoice choice;
+  /// Reads the file again; an empty text, or why it can't be read.
+  std::string read();
+  bool isRead() const { return open_.has_value(); }
+  /// What was read, and how; isRead() holds.
+  const OpenSheet& sheet() const { return *open_; }
+  /// How the file was read, as a line; empty where it wasn't.
+  std::string reading() const;
+  /// The first rows, the headers among them.
+  std::vector<std::vector<std::string>> firstRows(std::size_t count) const;
+
+  // The second page: the columns.
+  TableRequest request;
+  /// The name of a column of the table, empty for none, becomes that of a column of the sheet; a column that another
+  /// one had is taken from it.
+  void map(std::size_t source, std::string_view column);
+  /// The first text under a header; empty when there is none.
+  std::string example(std::size_t source) const;
+  /// Name of the key that the columns allow; empty when there is none.
+  std::string usualKey() const;
+
+  // The third page: what would happen.
+  /// Makes the plan; an empty text, or why there is none.
+  std::string makePlan(const TableStep& step = {});
+  TablePlan& plan() { return *plan_; }
+  /// Indexes of the rows of the plan that a filter shows.
+  std::vector<std::size_t> rowsOf(RowFilter filter) const;
+  GuideRow row(std::size_t index) const;
+  /// Ticks a row, or unticks it; nothing for one that would not be written.
+  void choose(std::size_t index, bool isChosen);
+  std::vector<ShownChange> changes(std::size_t index) const;
+  std::string sums() const { return plan_ ? sumsText(*plan_) : std::string(); }
+  /// Whether there is anything to write.
+  bool canImport() const;
+
+ private:
+  Session& session_;
+  const Settings& settings_;
+  std::optional<OpenSheet> open_;
+  std::optional<TablePlan> plan_;
+};
+
+}  // namespace kv

@@ -1,0 +1,42 @@
+#pragma once
+// The import of a sheet as a whole: the file is read, its columns are found, the plan is made, and what is left of it
+// is written in one transaction.
+
+#include <string>
+
+#include "import/tables/table_writer.h"
+#include "store/shop/session.h"
+
+namespace kv {
+
+/// A sheet that was read, with the columns that were found.
+struct OpenSheet {
+  std::string path;
+  ReadSheet sheet;
+  SheetTable table;
+  ColumnMapping mapping;  ///< as it was kept for these headers, else by the headers
+};
+
+/// Reads a file for a table of the catalogue. Failures as readSheetFile and sheetTable.
+Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, const std::string& path,
+                                 std::string_view table, const SheetChoice& choice = {});
+
+/// How an import ended.
+enum class TableEnd {
+  Done,
+  Cancelled,  ///< the user ended it, and nothing was written
+  Failed      ///< nothing was written, and the user knows why
+};
+
+/// Writes a plan: all of it in one transaction, with progress, or nothing. The caller makes one step of the history of
+/// it and shows the catalogue again.
+TableEnd importPlannedTable(Session& session, Environment& env, TablePlan& plan, const ReadSheet& sheet,
+                            const TableRequest& request);
+
+/// The counts of a plan in a line: "Articoli: 2 nuovi, 1 modificati, 7 invariati, 1 tralasciati".
+std::string sumsText(const TablePlan& plan);
+/// The whole preview as text: how the file was read, the columns, the counts, and each row that is new, changed or left
+/// out, with its values.
+Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, const TablePlan& plan);
+
+}  // namespace kv

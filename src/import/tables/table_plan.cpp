@@ -1,0 +1,287 @@
+#include "import/tables/table_plan.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "import/tables/cell_reading.h"
+#include "import/tables/picture_source.h"
+#include "platform/image/pixels.h"
+#include "platform/text/text.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t rowsPerLook = 1024;  // between two looks at the user
+
+/// The making of a plan.
+class TablePlanner {
+ public:
+  TablePlanner(Database& catalogue, TablePlan& plan, const ReadSheet& sheet, const TableRequest& request)
+      : catalogue_(catalogue), plan_(plan), sheet_(sheet), request_(request), reader_(plan.signs, plan.names) {}
+
+  Result<> run(const TableKey& key, const TableStep& step) {
+    for (const std::string& name : key.columns) {
+      const std::size_t column = *plan_.table.columnIndex(name);
+      keys_.push_back({column, *sourceOf(request_.mapping, column)});
+    }
+    isByID_ = key.name == "id";
+    for (std::size_t row = 1; row < sheet_.cells.rows(); ++row) addRow(row);
+    if (auto matched = matchRows(step); !matched) return matched;
+    for (PlannedRow& row : plan_.rows) {
+      if (row.fate == RowFate::New) planNew(row);
+    }
+    return {};
+  }
+
+ private:
+  const TableColumn& columnAt(const MappedColumn& mapped) const { return plan_.table.columns[mapped.column]; }
+  SheetCell cellOf(const PlannedRow& row, const MappedColumn& mapped) const {
+    return sheet_.cells.cell(row.row, mapped.source);
+  }
+  static void refuse(PlannedRow& row, std::string reason) {
+    row.fate = RowFate::LeftOut;
+    row.changed.clear();
+    row.reason = std::move(reason);
+  }
+
+  /// Enters a row of the sheet under its key.
+  void addRow(std::size_t index) {
+    PlannedRow row;
+    row.row = index;
+    std::string key, empty;
+    for (const MappedColumn& mapped : keys_) {
+      const std::string text = reader_.keyText(columnAt(mapped), sheet_.cells.cell(index, mapped.source));
+      if (text.empty()) empty = columnAt(mapped).italian;
+      key += text + '\n';
+    }
+    if (!empty.empty()) {
+      if (!isByID_) refuse(row, "manca " + empty);
+    } else if (const auto [found, added] = byKey_.try_emplace(std::move(key), plan_.rows.size()); !added) {
+      refuse(row, "ripete la riga " + std::to_string(sheet_.cells.line(plan_.rows[found->second].row)));
+    } else if (isByID_) {
+      // Until it is found in the catalogue.
+      row.reason = "nel catalogo non c'è ID " + std::string(sheet_.cells.cell(index, keys_[0].source).text);
+    }
+    plan_.rows.push_back(std::move(row));
+  }
+
+  /// Reads the catalogue once, and settles the rows that it has.
+  Result<> matchRows(const TableStep& step) {
+    auto rows = catalogue_.prepare(selection());
+    if (!rows) return fail(rows.error());
+    std::size_t count = 0;
+    for (std::string key;; key.clear()) {
+      const auto row = rows->step();
+      if (!row) return fail(row.error());
+      if (!*row) break;
+      if (step && ++count % rowsPerLook == 0 && !step(count, 0)) return fail(ErrorKind::Cancelled, "", "cancelled");
+      for (std::size_t i = 0; i < keys_.size(); ++i) {
+        key += reader_.keyText(columnAt(keys_[i]), *rows, static_cast<int>(i) + firstKey) + '\n';
+      }
+      const auto found = byKey_.find(key);
+      if (found != byKey_.end()) {
+        settle(plan_.rows[found->second], *rows);
+      } else if (request_.unlistedOut && !rows->flag(1)) {
+        plan_.unlisted.push_back(rows->integer(0));
+      }
+    }
+    return {};
+  }
+  std::string selection() const {
+    const bool hasFlag = plan_.table.columnIndex("fuoricatalogo").has_value();
+    std::string sql = "SELECT " + plan_.table.rowKey + (hasFlag ? ", fuoricatalogo" : ", 1");
+    for (const MappedColumn& mapped : keys_) sql += ", " + columnAt(mapped).stored;
+    for (const MappedColumn& mapped : plan_.columns) sql += ", " + columnAt(mapped).stored;
+    return sql + " FROM " + plan_.table.from;
+  }
+
+  void settle(PlannedRow& row, const Statement& found) {
+    if (row.key != 0) return refuse(row, "nel catalogo c'è più volte");
+    row.key = found.integer(0);
+    if (row.fate == RowFate::LeftOut) return;
+    row.reason.clear();
+    if (request_.mode == TableMode::OnlyAdd) return refuse(row, "già presente");
+    row.fate = RowFate::Same;
+    const int first = firstKey + static_cast<int>(keys_.size());
+    for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
+      const MappedColumn& mapped = plan_.columns[i];
+      if (reader_.isSame(columnAt(mapped), found, first + static_cast<int>(i), cellOf(row, mapped))) continue;
+      row.fate = RowFate::Changed;
+      row.changed.push_back(static_cast<std::uint16_t>(i));
+      if (std::string why = refusalOf(mapped, row); !why.empty()) return refuse(row, std::move(why));
+    }
+  }
+
+  /// Why a cell can't be written; empty when it can.
+  std::string refusalOf(const MappedColumn& mapped, const PlannedRow& row) const {
+    const TableColumn& column = columnAt(mapped);
+    const SheetCell cell = cellOf(row, mapped);
+    const bool isOwner = column.field == CellField::Department || column.field == CellField::OwnVariant;
+    if (isOwner && trim(cell.text).empty()) return "manca " + column.italian;
+    if (column.field == CellField::Picture && !trim(cell.text).empty()) return pictureRefusal(cell.text);
+    if (column.field == CellField::OwnVariant && plan_.names.variant(cell.text).ID.empty()) return {};
+    return reader_.read(column, cell).refusal;
+  }
+
+  std::string pictureRefusal(std::string_view text) const {
+    const auto found = findPicture(text, request_.shopFolder, request_.sheetFolder);
+    if (!found) return "l'immagine \"" + std::string(text) + "\" non si trova";
+    return shownSize(found->path) ? "" : "l'immagine \"" + std::string(text) + "\" non può essere letta";
+  }
+
+  void planNew(PlannedRow& row) {
+    if (!row.reason.empty()) return refuse(row, std::move(row.reason));
+    if (request_.mode == TableMode::OnlyChange || !plan_.table.canAdd) return refuse(row, "non è nel catalogo");
+    for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
+      if (std::string why = refusalOf(plan_.columns[i], row); !why.empty()) return refuse(row, std::move(why));
+      if (!cellOf(row, plan_.columns[i]).text.empty()) row.changed.push_back(static_cast<std::uint16_t>(i));
+    }
+    if (std::string why = missingOf(row); !why.empty()) refuse(row, std::move(why));
+  }
+
+  /// What a new row can't do without; empty when it has it.
+  std::string missingOf(const PlannedRow& row) {
+    const std::string& table = plan_.table.name;
+    if (table == "articoli") return isMapped("reparto") || !request_.department.empty() ? "" : "manca Reparto";
+    if (table == "varianti") return isGiven("nome", row) ? "" : "manca Nome";
+    if (table == "valori") return isGiven("variante", row) ? "" : "manca Variante";
+    if (table == "paesi") return isGiven("paese", row) ? "" : "manca Paese";
+    return missingParent(row);
+  }
+  bool isMapped(std::string_view column) const {
+    const auto index = plan_.table.columnIndex(column);
+    return index && sourceOf(request_.mapping, *index);
+  }
+  bool isGiven(std::string_view column, const PlannedRow& row) const { return !textOf(column, row).empty(); }
+  std::string_view textOf(std::string_view column, const PlannedRow& row) const {
+    const auto index = plan_.table.columnIndex(column);
+    const auto source = index ? sourceOf(request_.mapping, *index) : std::nullopt;
+    return source ? trim(sheet_.cells.cell(row.row, *source).text) : std::string_view();
+  }
+  /// The department above a new one is in the catalogue, or in a row before.
+  std::string missingParent(const PlannedRow& row) {
+    const std::string_view path = textOf("percorso", row);
+    const SplitPath split = splitPath(path);
+    if (split.title.empty()) return "manca Percorso";
+    const TableColumn& title = plan_.table.columns[*plan_.table.columnIndex("titolo")];
+    if (characterCount(split.title) > title.size) return "Titolo: più di " + std::to_string(title.size) + " caratteri";
+    const bool isKnown = split.parent.empty() || !plan_.names.department(split.parent).ID.empty() ||
+                         newPaths_.contains(plainPath(split.parent));
+    if (!isKnown) return "Il reparto \"" + split.parent + "\" non esiste";
+    newPaths_.insert(plainPath(path));
+    return {};
+  }
+
+  static constexpr int firstKey = 2;  // index of the first key column in a row of the selection
+  Database& catalogue_;
+  TablePlan& plan_;
+  const ReadSheet& sheet_;
+  const TableRequest& request_;
+  CellReader reader_;
+  std::vector<MappedColumn> keys_;
+  bool isByID_ = false;
+  std::unordered_map<std::string, std::size_t> byKey_;  // index in the rows of the plan
+  std::unordered_set<std::string> newPaths_;            // plain paths of rows before
+};
+
+std::string keyNames(const SheetTable& table) {
+  std::string names;
+  for (const TableKey& key : table.keys) names += (names.empty() ? "" : ", ") + key.caption;
+  return names;
+}
+
+}  // namespace
+
+TableSums TablePlan::sums() const {
+  TableSums sums;
+  for (const PlannedRow& row : rows) {
+    if (row.fate == RowFate::LeftOut) ++sums.refused;
+    if (row.fate == RowFate::Same) ++sums.same;
+    if (row.fate == RowFate::New && row.isChosen) ++sums.added;
+    if (row.fate == RowFate::Changed && row.isChosen) ++sums.changed;
+  }
+  sums.unlisted = unlisted.size();
+  return sums;
+}
+
+CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
+                   const CsvChoice& choice) {
+  CsvReading signs = sheet.reading.csv;
+  std::vector<std::string> numbers;
+  for (std::size_t source = 0; source < mapping.size(); ++source) {
+    if (!mapping[source] || !isNumberField(table.columns[*mapping[source]].field)) continue;
+    for (std::size_t row = 1; row < sheet.cells.rows(); ++row) {
+      const SheetCell cell = sheet.cells.cell(row, source);
+      if (!cell.isNumber && !cell.text.empty()) numbers.emplace_back(cell.text);
+    }
+  }
+  const char separator = sheet.reading.form == SheetForm::Text ? signs.separator : ';';
+  signs.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, separator));
+  signs.thousands = choice.thousands.value_or(thousandsOf(numbers, signs.decimalSeparator));
+  return signs;
+}
+
+Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadSheet& sheet, const TableRequest& request,
+                            const TableStep& step) {
+  auto names = CatalogueNames::read(catalogue);
+  if (!names) return fail(names.error());
+  const TableKey* const key = request.key.empty() ? keyFor(table, request.mapping) : table.key(request.key);
+  const bool isMapped = key != nullptr && std::ranges::all_of(key->columns, [&](const std::string& column) {
+                          return sourceOf(request.mapping, *table.columnIndex(column)).has_value();
+                        });
+  if (!isMapped) {
+    return fail(ErrorKind::Malformed, table.name,
+                "Nessuna colonna del foglio dice quali sono gli " + table.rows + ": serve " + keyNames(table));
+  }
+  const TableKey used = *key;
+  TablePlan plan;
+  plan.signs = signsOf(sheet, table, request.mapping, request.signs);
+  plan.names = std::move(*names);
+  for (std::size_t source = 0; source < request.mapping.size(); ++source) {
+    if (request.mapping[source]) plan.columns.push_back({*request.mapping[source], source});
+  }
+  plan.table = std::move(table);
+  if (auto run = TablePlanner(catalogue, plan, sheet, request).run(used, step); !run) return fail(run.error());
+  return plan;
+}
+
+Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePlan& plan, const ReadSheet& sheet,
+                                              const PlannedRow& row) {
+  const CellReader reader(plan.signs, plan.names);
+  std::vector<ShownChange> changes;
+  std::string sql = "SELECT 0";
+  for (const std::uint16_t index : row.changed) {
+    const MappedColumn& mapped = plan.columns[index];
+    const TableColumn& column = plan.table.columns[mapped.column];
+    sql += ", " + column.stored;
+    changes.push_back({column.italian, "", std::string(sheet.cells.cell(row.row, mapped.source).text)});
+  }
+  if (row.key == 0 || changes.empty()) return changes;
+  auto found = catalogue.prepare(sql + " FROM " + plan.table.from + " WHERE " + plan.table.rowKey + " = ?1");
+  if (!found) return fail(found.error());
+  found->bind(1, row.key);
+  const auto step = found->step();
+  if (!step) return fail(step.error());
+  for (std::size_t i = 0; *step && i < changes.size(); ++i) {
+    const TableColumn& column = plan.table.columns[plan.columns[row.changed[i]].column];
+    changes[i].before = reader.shown(column, *found, static_cast<int>(i) + 1);
+  }
+  return changes;
+}
+
+std::string rowLabel(const TablePlan& plan, const ReadSheet& sheet, const PlannedRow& row) {
+  std::string label;
+  for (const std::string_view name :
+       {"codice", "percorso", "titolo", "variante", "nome", "testo", "paese", "zona", "ID"}) {
+    const auto index = plan.table.columnIndex(name);
+    if (!index || (name == "ID" && !label.empty())) continue;
+    const auto mapped = std::ranges::find(plan.columns, *index, &MappedColumn::column);
+    if (mapped == plan.columns.end()) continue;
+    const std::string_view text = sheet.cells.cell(row.row, mapped->source).text;
+    if (!text.empty()) label += (label.empty() ? "" : "  ") + std::string(text);
+  }
+  return label;
+}
+
+}  // namespace kv

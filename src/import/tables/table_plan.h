@@ -1,0 +1,92 @@
+#pragma once
+// What an import of a sheet would do, row by row, computed before anything is written. The preview shows it and the
+// import writes it, so that both say the same.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "import/sheets/row_fate.h"
+#include "import/sheets/sheet_file.h"
+#include "import/tables/catalogue_names.h"
+#include "import/tables/column_mapping.h"
+
+namespace kv {
+
+/// Which rows of a sheet are written.
+enum class TableMode {
+  AddAndChange,
+  OnlyChange,  ///< what the catalogue hasn't is left out
+  OnlyAdd      ///< what the catalogue has is left out
+};
+
+/// How a sheet is imported.
+struct TableRequest {
+  ColumnMapping mapping;  ///< a column for each of the sheet's
+  std::string key;        ///< name of a TableKey; empty: keyFor()
+  TableMode mode = TableMode::AddAndChange;
+  CsvChoice signs;           ///< of numbers that are texts: those that are given instead of found out
+  bool unlistedOut = false;  ///< articles that the sheet doesn't list get "fuoricatalogo"
+  std::string department;    ///< ID; of new articles where no column says it
+  std::string model;         ///< page model of new departments
+  std::string shopFolder;    ///< of the shop, whose pictures are in its folder "work"
+  std::string sheetFolder;   ///< where pictures of relative paths are
+};
+
+/// A column of the table and the column of the sheet that fills it.
+struct MappedColumn {
+  std::size_t column = 0, source = 0;
+};
+
+/// A row of the sheet.
+struct PlannedRow {
+  RowFate fate = RowFate::New;
+  std::size_t row = 0;                 ///< index in the cells of the sheet
+  std::int64_t key = 0;                ///< row key in the catalogue; 0 for a new one
+  std::vector<std::uint16_t> changed;  ///< indexes of mapped columns with another value
+  std::string reason;                  ///< in Italian; empty unless left out
+  bool isChosen = true;                ///< false: the merchant leaves it out
+};
+
+/// How many rows there are of each fate.
+struct TableSums {
+  std::size_t added = 0, changed = 0, same = 0, refused = 0, unlisted = 0;
+};
+
+struct TablePlan {
+  SheetTable table;
+  std::vector<MappedColumn> columns;
+  std::vector<PlannedRow> rows;        ///< in the order of the sheet
+  std::vector<std::int64_t> unlisted;  ///< row keys of articles that go "fuori catalogo"
+  CatalogueNames names;
+  CsvReading signs;  ///< of numbers that are texts
+
+  /// Counts of all rows; those that aren't chosen don't count as added or changed.
+  TableSums sums() const;
+};
+
+/// Asked now and then; false ends the work as Cancelled.
+using TableStep = std::function<bool(std::size_t row, std::size_t count)>;
+
+/// The signs of numbers that the texts of the mapped columns have, where none are given.
+CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
+                   const CsvChoice& choice = {});
+
+/// Plans an import of the rows after the header. Malformed, with a text for the merchant, when no key is mapped;
+/// failures of the catalogue as Database::prepare.
+Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadSheet& sheet, const TableRequest& request,
+                            const TableStep& step = {});
+
+/// A value as the preview shows it.
+struct ShownChange {
+  std::string column;         ///< its Italian header
+  std::string before, after;  ///< as a sheet shows them
+};
+/// The values of a row that would be written; of a new row all that the sheet gives, `before` empty.
+Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePlan& plan, const ReadSheet& sheet,
+                                              const PlannedRow& row);
+/// How the preview calls a row: its code and title, or the first of its texts.
+std::string rowLabel(const TablePlan& plan, const ReadSheet& sheet, const PlannedRow& row);
+
+}  // namespace kv

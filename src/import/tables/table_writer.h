@@ -1,0 +1,55 @@
+#pragma once
+// Writes a plan of a sheet into the catalogue, inside the transaction of its caller.
+
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "import/tables/cell_reading.h"
+#include "import/tables/picture_taking.h"
+#include "import/tables/table_plan.h"
+
+namespace kv {
+
+/// What a plan is written with; all of it outlives the writer.
+struct TableWork {
+  Database& catalogue;
+  TablePlan& plan;  ///< its names grow by what is added
+  const ReadSheet& sheet;
+  const TableRequest& request;
+  PictureTaking& pictures;
+};
+
+/// Writes rows of a plan. Each is whole or not at all.
+class TableWriter {
+ public:
+  explicit TableWriter(const TableWork& work) : work_(work), reader_(work.plan.signs, work.plan.names) {}
+
+  /// Writes a row; nothing unless it is new or changed, and chosen.
+  Result<> write(const PlannedRow& row);
+  /// Takes the articles that the sheet doesn't list out of the shop's pages.
+  Result<> writeUnlisted();
+
+ private:
+  using Fields = std::vector<std::pair<std::string, Value>>;
+
+  Result<Fields> fieldsOf(const PlannedRow& row);
+  Result<> addPicture(Fields& fields, const TableColumn& column, const std::string& cell);
+  Result<Value> ownVariant(std::string_view name);
+  Result<> insertArticle(Fields fields);
+  Result<> insertDepartment(const PlannedRow& row, Fields fields);
+  Result<> moveToEnd(Fields& fields);
+  Result<> insert(std::string_view table, const Fields& fields);
+  Result<> update(const PlannedRow& row, const Fields& fields);
+  /// Runs a statement that is prepared once for all rows that need it.
+  Result<> run(const std::string& sql, const Fields& fields, std::int64_t key);
+  Result<Value> ask(std::string_view sql, const std::string& text);
+
+  TableWork work_;
+  CellReader reader_;
+  std::unordered_map<std::string, Statement> statements_;
+  std::unordered_map<std::string, std::int64_t> orders_;  // folded department -> the highest of its articles
+};
+
+}  // namespace kv

@@ -1,0 +1,17 @@
+#pragma once
+// The readers of the two packed forms. For the sources of this folder.
+
+#include "platform/sheet/spreadsheet.h"
+
+namespace kv {
+
+/// The main part of an XLSX file; an empty text where the file is none.
+std::string xlsxMainPart(PackedFile& file);
+/// As readSpreadsheet.
+Result<SheetContent> readXlsx(PackedFile& file, const SheetRequest& request);
+Result<SheetContent> readOds(PackedFile& file, const SheetRequest& request);
+
+/// The failure that a listener ended the reading with, where it did; else `read`.
+Result<> withListenersFault(Result<> read, bool isFull);
+
+}  // namespace kv

@@ -1,0 +1,49 @@
+#include "platform/sheet/spreadsheet.h"
+
+#include <algorithm>
+
+#include "platform/files/files.h"
+#include "platform/sheet/sheet_readers.h"
+
+namespace kv {
+namespace {
+
+constexpr std::size_t lookedAt = 4096;  // bytes of a file by which its form is known
+
+/// Bytes that are no text: zeros that are not the halves of UTF-16.
+bool isBinary(std::string_view bytes) {
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) return false;
+  std::size_t even = 0, odd = 0;
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    if (bytes[at] == '\0') ++(at % 2 == 0 ? even : odd);
+  }
+  return even > 0 && odd > 0;
+}
+
+Result<SheetForm> packedFormOf(const std::string& path) {
+  constexpr std::uint64_t unpacked = std::uint64_t{16} << 20;  // for the list of parts
+  auto file = PackedFile::open(path, unpacked);
+  if (!file) return fail(file.error());
+  if (!xlsxMainPart(*file).empty()) return SheetForm::Xlsx;
+  if (file->has("content.xml")) return SheetForm::Ods;
+  return fail(ErrorKind::Malformed, path, "no sheet");
+}
+
+}  // namespace
+
+Result<SheetForm> sheetFormOf(const std::string& path) {
+  const auto start = readStart(path, lookedAt);
+  if (!start) return fail(start.error());
+  if (start->starts_with("PK\x03\x04")) return packedFormOf(path);
+  if (start->starts_with("\xD0\xCF\x11\xE0")) return fail(ErrorKind::Malformed, path, "binary sheet", OldSheet);
+  if (isBinary(*start)) return fail(ErrorKind::Malformed, path, "binary file");
+  return SheetForm::Text;
+}
+
+Result<SheetContent> readSpreadsheet(const std::string& path, SheetForm form, const SheetRequest& request) {
+  auto file = PackedFile::open(path, request.limits.unpacked);
+  if (!file) return fail(file.error());
+  return form == SheetForm::Xlsx ? readXlsx(*file, request) : readOds(*file, request);
+}
+
+}  // namespace kv

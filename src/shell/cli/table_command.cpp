@@ -1,0 +1,149 @@
+// korvane-cli import-table and export-table.
+#include "shell/cli/table_command.h"
+
+#include <algorithm>
+#include <array>
+
+#include "import/tables/table_export.h"
+#include "import/tables/table_import.h"
+#include "platform/files/files.h"
+#include "shell/cli/cli_session.h"
+#include "store/shop/session_facts.h"
+
+namespace kv {
+namespace {
+
+/// A word of --mode.
+struct ModeWord {
+  std::string_view word;
+  TableMode mode;
+  bool unlistedOut;
+};
+constexpr std::array<ModeWord, 4> modeWords{{{"all", TableMode::AddAndChange, false},
+                                             {"change", TableMode::OnlyChange, false},
+                                             {"add", TableMode::OnlyAdd, false},
+                                             {"sync", TableMode::AddAndChange, true}}};
+
+CliOutcome tableRefused(Environment& env, const std::string& text, CliOutcome outcome = CliOutcome::Failed) {
+  env.user.message(text, Icon::Exclamation);
+  return outcome;
+}
+
+CliOutcome wrongValue(Environment& env, const std::string& option, const std::string& value) {
+  return tableRefused(env, "valore non ammesso per " + option + ": " + value, CliOutcome::WrongUsage);
+}
+
+std::string tableName(const CommandLine& line) { return line.has("--table") ? line.option("--table") : "articoli"; }
+
+bool isTableName(const std::string& name) {
+  const auto names = sheetTableNames();
+  return std::ranges::find(names, name) != names.end();
+}
+
+/// Mode and key of the arguments; nothing when one of them is wrong, which the user is told.
+std::optional<TableRequest> tableRequestOf(const CommandLine& line, Environment& env) {
+  TableRequest request;
+  request.key = line.option("--key");
+  const std::string mode = line.has("--mode") ? line.option("--mode") : "all";
+  const auto found = std::ranges::find(modeWords, mode, &ModeWord::word);
+  if (found == modeWords.end()) {
+    ignore(wrongValue(env, "--mode", mode), "nothing tells the same");
+    return std::nullopt;
+  }
+  request.mode = found->mode;
+  request.unlistedOut = found->unlistedOut && tableName(line) == "articoli";
+  return request;
+}
+
+/// Puts the lines of --map over the columns that were found; false when the user has been told why not.
+bool mapColumns(const CommandLine& line, Environment& env, OpenSheet& open) {
+  if (!line.has("--map")) return true;
+  const std::string path = absolutePath(line.option("--map"));
+  const auto lines = readBytes(path);
+  const auto mapped = lines ? applyMapping(*lines, open.table, open.sheet.headers(), open.mapping) : Result<>();
+  if (lines && mapped) return true;
+  ignore(tableRefused(env, lines ? "Riga non valida in " + path + ": " + mapped.error().what
+                                 : "Il file " + path + " non può essere letto"),
+         "nothing tells the same");
+  return false;
+}
+
+void tellWritten(const OpenSheet& open, const TablePlan& plan, std::ostream& out) {
+  out << sumsText(plan) << '\n';
+  for (const PlannedRow& row : plan.rows) {
+    if (row.fate != RowFate::LeftOut) continue;
+    out << "riga " << open.sheet.cells.line(row.row) << '\t' << rowLabel(plan, open.sheet, row) << '\t' << row.reason
+        << '\n';
+  }
+}
+
+CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment& env, std::ostream& out) {
+  auto request = tableRequestOf(line, env);
+  if (!request) return CliOutcome::WrongUsage;
+  const std::string path = absolutePath(line.object);
+  auto sheet = openTableSheet(open.session, env.settings, path, tableName(line));
+  if (!sheet) return tableRefused(env, sheetFailureText(sheet.error(), path));
+  if (!request->key.empty() && sheet->table.key(request->key) == nullptr) {
+    return wrongValue(env, "--key", request->key);
+  }
+  if (!mapColumns(line, env, *sheet)) return CliOutcome::Failed;
+  request->mapping = sheet->mapping;
+  request->shopFolder = open.session.ShopFolder;
+  request->sheetFolder = folderOf(path);
+  request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
+  auto plan = planTable(open.session.catalogue, sheet->table, sheet->sheet, *request);
+  if (!plan) return tableRefused(env, plan.error().what);
+  if (line.has("--dry-run")) {
+    const auto text = tablePreviewText(open.session, *sheet, *plan);
+    if (!text) return tableRefused(env, text.error().what);
+    out << *text;
+    return CliOutcome::Done;
+  }
+  if (importPlannedTable(open.session, env, *plan, sheet->sheet, *request) != TableEnd::Done) return CliOutcome::Failed;
+  tellWritten(*sheet, *plan, out);
+  return CliOutcome::Done;
+}
+
+std::vector<std::string> columnNames(std::string_view text) {
+  std::vector<std::string> names;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(','), text.size());
+    if (end > 0) names.emplace_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return names;
+}
+
+}  // namespace
+
+CliOutcome importTable(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
+  if (!isTableName(tableName(line))) return wrongValue(env, "--table", tableName(line));
+  CliSession open(env);
+  if (!(line.has("--dry-run") ? open.openToLook(shop) : open.open(shop))) return CliOutcome::Failed;
+  return runTableImport(open, line, env, out);
+}
+
+CliOutcome exportTableOf(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
+  if (!isTableName(tableName(line))) return wrongValue(env, "--table", tableName(line));
+  CliSession open(env);
+  if (!open.openToLook(shop)) return CliOutcome::Failed;
+  const auto table = sheetTable(open.session.catalogue, open.session.languageCount, tableName(line));
+  if (!table) return tableRefused(env, table.error().what);
+  TableExport what;
+  what.columns = columnNames(line.option("--columns"));
+  what.goOn = [&](std::size_t) { return env.user.yield(); };
+  const std::string path = absolutePath(line.object);
+  const auto written = exportTable(open.session.catalogue, *table, path, what);
+  if (written) {
+    out << path << ": " << *written << ' ' << table->rows << '\n';
+    return CliOutcome::Done;
+  }
+  const Error& error = written.error();
+  if (error.kind == ErrorKind::Missing && error.where == table->name) {
+    return wrongValue(env, "--columns", error.what);
+  }
+  if (error.kind == ErrorKind::Cancelled) return CliOutcome::Failed;
+  return tableRefused(env, "Impossibile scrivere " + path + ":\n" + error.what);
+}
+
+}  // namespace kv

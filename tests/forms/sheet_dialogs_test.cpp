@@ -1,0 +1,156 @@
+// The guide of an import from a sheet and the export to one, in their windows.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTableView>
+#include <QTableWidget>
+
+#include "import/tables/frm_esporta_foglio.h"
+#include "import/tables/frm_importa_foglio.h"
+#include "wired_window.h"
+
+namespace kv {
+namespace {
+
+using test::click;
+using test::control;
+
+class TheSheetGuide : public test::DialogFixture {
+ protected:
+  void SetUp() override {
+    DialogFixture::SetUp();
+    ASSERT_TRUE(
+        session.catalogue.execute("DELETE FROM articoli; INSERT INTO articoli (ID, catID, codice, titolo, prezzo)"
+                                  " SELECT 1, ID, 'A-1', 'Tazza', 15000 FROM categorie LIMIT 1"));
+    sheet = root / "foglio.csv";
+    ASSERT_TRUE(writeBytes(sheet, "Codice;Nome;Euro\r\nA-1;Tazza;2,50\r\nA-2;Calice;x\r\nA-3;Vaso;7\r\n"));
+    guide = std::make_unique<TableGuide>(session, settings, stored("ID", "categorie LIMIT 1"), "modello1");
+  }
+  static std::string textAt(const QTableWidget& grid, int row, int column) {
+    return fromQt(grid.item(row, column)->text());
+  }
+  static std::string planText(const QTableView& view) {
+    std::string text;
+    for (int row = 0; row < view.model()->rowCount(); ++row) {
+      for (int column = 0; column < view.model()->columnCount(); ++column) {
+        text += fromQt(view.model()->index(row, column).data().toString()) + (column < 3 ? "|" : "\n");
+      }
+    }
+    return text;
+  }
+  std::string sheet;
+  std::unique_ptr<TableGuide> guide;
+};
+
+TEST_F(TheSheetGuide, GoesFromTheFileOverTheColumnsToWhatWouldHappen) {
+  frmImportaFoglio dialog(*guide, user, {});
+  dialog.chooseFile = [this] { return sheet; };
+  show(dialog);
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  EXPECT_FALSE(control<QAbstractButton>(dialog, "cmdOK")->isEnabled());
+  click(dialog, "cmdSfoglia");
+  EXPECT_EQ(fromQt(control<QLabel>(dialog, "lblLettura")->text()),
+            "CSV, UTF-8, separatore \";\", fine riga CR LF, decimali \",\", migliaia nessuno, 3 righe");
+  EXPECT_EQ(textAt(*control<QTableWidget>(dialog, "grdRighe"), 1, 2), "2,50");
+  test::keepPicture(dialog, "foglio_file");
+  click(dialog, "cmdOK");
+  auto* price = control<QComboBox>(dialog, "cboColonna2");
+  EXPECT_EQ(fromQt(price->currentText()), "(non importare)");
+  price->setCurrentIndex(price->findData(QStringLiteral("prezzo")));
+  emit price->activated(price->currentIndex());
+  EXPECT_EQ(fromQt(control<QComboBox>(dialog, "cboChiave")->currentText()), "Codice");
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  test::keepPicture(dialog, "foglio_colonne");
+  click(dialog, "cmdOK");
+  auto* plan = control<QTableView>(dialog, "grdPiano");
+  EXPECT_EQ(planText(*plan),
+            "2|modificato|A-1  Tazza|\n3|tralasciato|A-2  Calice|Prezzo: \"x\" non è un numero\n4|nuovo|A-3  Vaso|\n");
+  auto* values = control<QTableWidget>(dialog, "grdValori");
+  ASSERT_EQ(values->rowCount(), 1);
+  EXPECT_EQ(textAt(*values, 0, 0) + textAt(*values, 0, 1) + ">" + textAt(*values, 0, 2), "Prezzo1.5>2,50");
+  test::keepPicture(dialog, "foglio_piano");
+  control<QComboBox>(dialog, "cboFiltro")->setCurrentIndex(1);
+  EXPECT_EQ(planText(*plan), "4|nuovo|A-3  Vaso|\n");
+  plan->model()->setData(plan->model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
+  EXPECT_EQ(fromQt(control<QLabel>(dialog, "lblSomme")->text()),
+            "Articoli: 0 nuovi, 1 modificati, 0 invariati, 1 tralasciati");
+  EXPECT_EQ(test::defaultButton(dialog), "Importa");
+  click(dialog, "cmdOK");
+  EXPECT_EQ(dialog.tag(), "OK");
+  EXPECT_EQ(stored("titolo || prezzo", "articoli"), "Tazza15000");
+}
+
+TEST_F(TheSheetGuide, ShowsWhatAnotherSeparatorMakesAndRefusesWhatIsNoSheet) {
+  frmImportaFoglio dialog(*guide, user, {});
+  show(dialog);
+  dialog.openFile(sheet);
+  auto* separator = control<QComboBox>(dialog, "cboSeparatore");
+  separator->setCurrentIndex(2);
+  emit separator->activated(2);
+  EXPECT_EQ(textAt(*control<QTableWidget>(dialog, "grdRighe"), 0, 0), "Codice;Nome;Euro");
+  ASSERT_TRUE(writeBytes(sheet, std::string("MZ\0\1\0\0\1", 7)));
+  dialog.openFile(sheet);
+  EXPECT_EQ(user.texts(),
+            (std::vector<std::string>{"Il file \"foglio.csv\" non è un foglio: servono XLSX, ODS o CSV"}));
+  EXPECT_FALSE(control<QAbstractButton>(dialog, "cmdOK")->isEnabled());
+  expectEscapeLeaves(dialog);
+}
+
+TEST_F(TheSheetGuide, SaysWhichColumnIsMissing) {
+  ASSERT_TRUE(writeBytes(sheet, "Nome;Prezzo\nTazza;1\n"));
+  frmImportaFoglio dialog(*guide, user, {});
+  show(dialog);
+  dialog.openFile(sheet);
+  click(dialog, "cmdOK");
+  click(dialog, "cmdOK");
+  ASSERT_EQ(user.texts().size(), 1U);
+  EXPECT_TRUE(user.texts()[0].starts_with("Nessuna colonna del foglio dice quali sono gli articoli"));
+}
+
+TEST_F(TheSheetGuide, TheExportGivesTheTickedColumnsInTheirOrder) {
+  const auto tables = sheetTables(session.catalogue, 1);
+  ASSERT_TRUE(tables);
+  frmEsportaFoglio dialog(*tables, 3, {});
+  dialog.chooseFile = [this] { return root / "out.xlsx"; };
+  show(dialog);
+  EXPECT_EQ(test::namelessControls(dialog), "");
+  EXPECT_EQ(fromQt(control<QCheckBox>(dialog, "chkElenco")->text()), "Solo gli articoli dell'&elenco (3)");
+  test::keepPicture(dialog, "esporta_foglio");
+  click(dialog, "cmdNessuna");
+  auto* columns = control<QListWidget>(dialog, "lstColonne");
+  columns->item(1)->setCheckState(Qt::Checked);
+  columns->item(3)->setCheckState(Qt::Checked);
+  click(dialog, "chkElenco");
+  click(dialog, "cmdOK");
+  EXPECT_EQ(dialog.tag(), "OK");
+  EXPECT_EQ(dialog.choice().columns, (std::vector<std::string>{"codice", "titolo"}));
+  EXPECT_TRUE(dialog.choice().onlyListed);
+}
+
+class TheSheetsInTheWindow : public test::WiredWindow {};
+
+TEST_F(TheSheetsInTheWindow, AreImportedAsOneStepOfUndo) {
+  fill(
+      "UPDATE articoli SET codice = 'x' || ID;"
+      "UPDATE articoli SET codice = 'primo', titolo = 'Prima' WHERE ID = (SELECT MIN(ID) FROM articoli)");
+  ASSERT_TRUE(writeBytes(root / "foglio.csv", "codice;titolo\nprimo;Cambiato\n"));
+  openWindow();
+  whenShown(QStringLiteral("Korvane - Importa da un foglio"), [this](QWidget& shown) {
+    auto& dialog = dynamic_cast<frmImportaFoglio&>(shown);
+    dialog.openFile(root / "foglio.csv");
+    for (int page = 0; page < 3; ++page) click(dialog, "cmdOK");
+  });
+  ASSERT_TRUE(choose("import.sheet"));
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Importazione completata\n\nArticoli: 0 nuovi, 1 modificati, 0 "
+                                                    "invariati, 0 tralasciati"}));
+  EXPECT_EQ(stored("titolo", "articoli WHERE codice = 'primo'"), "Cambiato");
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(stored("titolo", "articoli WHERE codice = 'primo'"), "Prima");
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,66 @@
+// Texts of separated values: what is found out from their bytes, in five encodings.
+#include "import/sheets/csv_text.h"
+
+#include <gtest/gtest.h>
+
+namespace kv::test {
+namespace {
+
+std::string shownCsv(const std::string& bytes, const CsvChoice& choice = {}) {
+  CsvReading reading;
+  const auto cells = readCsv(bytes, choice, {}, reading);
+  if (!cells) return "too large";
+  std::string text;
+  for (std::size_t row = 0; row < cells->rows(); ++row) {
+    text += std::to_string(cells->line(row)) + ":";
+    for (std::size_t i = 0; i < cells->width(row); ++i) {
+      text += (i > 0 ? "|" : "") + std::string(cells->cell(row, i).text);
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+TEST(CsvText, IsReadAlikeInEveryEncoding) {
+  const std::string text = "codice;nome\r\n1;\"Caffè; \"\"città\"\"\r\nalta\"\r\n";
+  for (const CsvEncoding encoding : {CsvEncoding::Utf8, CsvEncoding::Utf8Mark, CsvEncoding::Windows1252,
+                                     CsvEncoding::Utf16Little, CsvEncoding::Utf16Big}) {
+    const std::string bytes = std::string(csvMark(encoding)) + encodedCsv(text, encoding);
+    EXPECT_EQ(csvEncodingOf(bytes), encoding);
+    EXPECT_EQ(shownCsv(bytes), "1:codice|nome\n2:1|Caffè; \"città\"\r\nalta\n");
+  }
+  EXPECT_EQ(csvEncodingOf(encodedCsv(text, CsvEncoding::Utf16Little)), CsvEncoding::Utf16Little);
+}
+
+TEST(CsvText, CountsTheLinesOfTheFileAndNotItsRecords) {
+  EXPECT_EQ(shownCsv("a;b\n\n\"x\ny\";1\nz;2\n;;\nw"), "1:a|b\n3:x\ny|1\n5:z|2\n7:w\n");
+}
+
+TEST(CsvText, MayNameItsSeparatorInTheFirstLine) { EXPECT_EQ(shownCsv("sep=,\na,b;c\n"), "2:a|b;c\n"); }
+
+TEST(CsvText, TakesWhatIsGivenInsteadOfWhatIsFound) {
+  CsvChoice choice;
+  choice.separator = ';';
+  choice.encoding = CsvEncoding::Windows1252;
+  EXPECT_EQ(shownCsv("a,b;c,\xC3\xA8\n", choice), "1:a,b|c,Ã¨\n");
+}
+
+TEST(CsvText, FindsTheSignsOfItsNumbersAndItsLineEnds) {
+  CsvReading reading;
+  ASSERT_TRUE(readCsv("a\tb\r1.234,5\t1\r", {}, {}, reading));
+  EXPECT_EQ(reading.separator, '\t');
+  EXPECT_EQ(reading.decimalSeparator, ',');
+  EXPECT_EQ(reading.thousands, '.');
+  EXPECT_EQ(reading.lineEnd, CsvLineEnd::Cr);
+}
+
+TEST(CsvText, BeyondTheLimitsIsNotRead) {
+  CsvReading reading;
+  SheetLimits limits;
+  limits.rows = 2;
+  EXPECT_FALSE(readCsv("a\nb\nc\n", {}, limits, reading));
+  EXPECT_TRUE(readCsv("a\nb\n\n\n", {}, limits, reading));
+}
+
+}  // namespace
+}  // namespace kv::test

@@ -1,0 +1,232 @@
+// Sheets of a merchant: what a plan says of each row, what is written of it, and what never is.
+#include "support/failing_store.h"
+#include "table_shop.h"
+
+namespace kv::test {
+namespace {
+
+class TableImport : public TableShop {};
+
+TEST_F(TableImport, TellsNewChangedSameAndRefusedRowsWithLineAndReason) {
+  EXPECT_EQ(shownPlan(plan("Codice;Titolo;Prezzo;Reparto\r\n"
+                           "T-1;Tazza;12,5;Ceramiche > Tazze\r\n"
+                           "t-2;Tazza grande;2,00;ceramiche>TAZZE\r\n"
+                           "\r\n"
+                           "V-1;Calice;0;Vetri\r\n"
+                           "N-1;Nuovo;\"1.234,50\";Vetri\r\n"
+                           "N-2;Nuovo;dodici;Vetri\r\n"
+                           "N-3;Nuovo;1;Legni\r\n"
+                           "N-1;Doppio;1;Vetri\r\n"
+                           ";Senza;1;Vetri\r\n")),
+            "2 invariato\n"
+            "3 modificato [Codice T-2>t-2] [Prezzo 1.5>2,00]\n"
+            "5 modificato [Titolo Bicchiere>Calice]\n"
+            "6 nuovo [Codice >N-1] [Titolo >Nuovo] [Prezzo >1.234,50] [Reparto >Vetri]\n"
+            "7 tralasciato: Prezzo: \"dodici\" non è un numero\n"
+            "8 tralasciato: Il reparto \"Legni\" non esiste\n"
+            "9 tralasciato: ripete la riga 6\n"
+            "10 tralasciato: manca Codice\n");
+}
+
+TEST_F(TableImport, WritesTheGoodRowsAlthoughOthersAreRefused) {
+  ASSERT_EQ(importSheet("codice,title,price,prezzo1,reparto,Variant 1,offerta\n"
+                        "T-1,Tazza blu,13.25,11,Ceramiche > Tazze,colore,x\n"
+                        "N-1,Nuovo,1,2,Vetri,,no\n"
+                        "N-2,Rotto,1,2,Vetri,Forma,no\n"),
+            TableEnd::Done);
+  EXPECT_EQ(rows("SELECT catID, codice, titolo, prezzo, prezzo1, opzione1, offerta, ordinamento FROM articoli"),
+            "cat002|T-1|Tazza blu|13.25|11|102|1|1\n"
+            "cat002|T-2|Tazza grande|1.5|(null)|(null)|(null)|2\n"
+            "cat003|V-1|Bicchiere|0|(null)|(null)|(null)|1\n"
+            "cat003|N-1|Nuovo|1|2|(null)|0|2\n");
+}
+
+TEST_F(TableImport, IsOneStepThatIsUndoneToEqualRows) {
+  ASSERT_TRUE(sets.bind());
+  history.begin();
+  const std::string before = allTables();
+  ASSERT_TRUE(history.record("Importa", [&]() -> Result<> {
+    EXPECT_EQ(importSheet("codice;titolo;reparto\nT-1;Altra;Vetri\nN-1;Nuovo;Vetri\n"), TableEnd::Done);
+    return {};
+  }));
+  EXPECT_NE(allTables(), before);
+  ASSERT_TRUE(history.undo());
+  EXPECT_EQ(allTables(), before);
+  EXPECT_FALSE(history.canUndo());
+}
+
+TEST_F(TableImport, OnlyChangesOrOnlyAddsWhenItIsTold) {
+  const std::string sheet = "codice;titolo;reparto\nT-1;Altra;Vetri\nN-1;Nuovo;Vetri\n";
+  table.mode = TableMode::OnlyChange;
+  EXPECT_EQ(plan(sheet).rows[1].reason, "non è nel catalogo");
+  table.mode = TableMode::OnlyAdd;
+  const TablePlan adding = plan(sheet);
+  EXPECT_EQ(adding.rows[0].reason, "già presente");
+  EXPECT_EQ(adding.rows[1].fate, RowFate::New);
+}
+
+TEST_F(TableImport, TakesWhatTheSheetNoLongerListsOutOfTheCatalogue) {
+  table.unlistedOut = true;
+  EXPECT_EQ(plan("codice;prezzo\nT-1;no\nT-2;1,5\n").sums().unlisted, 1U);
+  ASSERT_EQ(importSheet("codice;prezzo\nT-1;no\nT-2;1,5\n"), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT codice FROM articoli WHERE fuoricatalogo <> 0"), "V-1\n");
+}
+
+TEST_F(TableImport, LeavesOutARowThatIsTickedOff) {
+  TablePlan planned = plan("codice;titolo\nT-1;Uno\nT-2;Due\n");
+  planned.rows[0].isChosen = false;
+  EXPECT_EQ(planned.sums().changed, 1U);
+  ASSERT_EQ(importPlannedTable(session, env, planned, opened.sheet, table), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT titolo FROM articoli WHERE ID < 3"), "Tazza\nDue\n");
+}
+
+TEST_F(TableImport, FindsArticlesByIDOrByCodeAndDepartment) {
+  EXPECT_EQ(shownPlan(plan("ID;codice\n1;T-9\n77;X\n;Y\n")),
+            "2 modificato [Codice T-1>T-9]\n3 tralasciato: nel catalogo non c'è ID 77\n"
+            "4 tralasciato: manca Reparto\n");
+  sql("INSERT INTO articoli (ID, catID, codice) VALUES (9, 'cat003', 'T-1')");
+  EXPECT_EQ(plan("codice;titolo\nT-1;x\n").rows[0].reason, "nel catalogo c'è più volte");
+  table.key = "codice-reparto";
+  EXPECT_EQ(plan("codice;reparto;titolo\nT-1;Vetri;x\n").rows[0].key, 9);
+}
+
+TEST_F(TableImport, WithoutAKeySaysWhichColumnsItNeeds) {
+  ASSERT_TRUE(writeBytes(root / "foglio.csv", "titolo;prezzo\nx;1\n"));
+  const auto read = openTableSheet(session, settings, root / "foglio.csv", "articoli");
+  ASSERT_TRUE(read);
+  table.mapping = read->mapping;
+  const auto planned = planTable(session.catalogue, read->table, read->sheet, table);
+  ASSERT_FALSE(planned);
+  EXPECT_EQ(planned.error().what,
+            "Nessuna colonna del foglio dice quali sono gli articoli: serve Codice, ID, Codice e reparto");
+}
+
+TEST_F(TableImport, MovesAnArticleToTheEndOfItsNewDepartment) {
+  ASSERT_EQ(importSheet("codice;reparto\nT-1;Vetri\n"), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT catID, ordinamento FROM articoli WHERE ID = 1"), "cat003|2\n");
+}
+
+TEST_F(TableImport, RefusesWhatAColumnCannotHold) {
+  const std::string wide(51, 'x');
+  EXPECT_EQ(plan("codice;titolo\n" + wide + ";x\n").rows[0].reason, "Codice: più di 50 caratteri");
+  const auto reasonOf = [&](const std::string& column, const std::string& cell) {
+    return plan("codice;" + column + "\nT-1;" + cell + "\n").rows[0].reason;
+  };
+  EXPECT_EQ(reasonOf("prezzo", "-1"), "Prezzo: -1 è negativo");
+  EXPECT_EQ(reasonOf("scqart0", "1,5"), "Da pezzi (1): \"1,5\" non è un numero intero");
+  EXPECT_EQ(reasonOf("scqperc0", "101"), "Sconto (1): 101 è più di 100");
+  EXPECT_EQ(reasonOf("offerta", "forse"), "In offerta: \"forse\" non è né sì né no");
+  EXPECT_EQ(reasonOf("reparto", ""), "manca Reparto");
+  EXPECT_EQ(reasonOf("immagine0", "niente.jpg"), "l'immagine \"niente.jpg\" non si trova");
+  EXPECT_EQ(reasonOf("prezzo", "999999999999999999"), "Prezzo: \"999999999999999999\" non è un numero");
+}
+
+TEST_F(TableImport, ReadsPricesInEitherNotationWithCurrencyAndGroups) {
+  const auto priceOf = [&](const std::string& cells) {
+    EXPECT_EQ(importSheet("codice;prezzo\n" + cells), TableEnd::Done);
+    return rows("SELECT prezzo FROM articoli WHERE ID = 1");
+  };
+  EXPECT_EQ(priceOf("T-1;\"€ 1.234,50\"\n"), "1234.5\n");
+  EXPECT_EQ(priceOf("T-1;1'234.75 CHF\n"), "1234.75\n");
+  EXPECT_EQ(priceOf("T-1;1\xC2\xA0"
+                    "234,25\n"),
+            "1234.25\n");
+  EXPECT_EQ(priceOf("T-1;1,234.5\nV-1;7.25\n"), "1234.5\n");
+  EXPECT_EQ(plan("codice;prezzo\nT-1;12.34,5\n").rows[0].fate, RowFate::LeftOut);
+}
+
+TEST_F(TableImport, AddsDepartmentsUnderTheirPathsParentsFirst) {
+  ASSERT_EQ(importSheet("Percorso;Sconto;Nascosto\n"
+                        "Ceramiche > Tazze;5;0\n"
+                        "Vetri > Calici;10;1\n"
+                        "Vetri > Calici > Rossi;;\n"
+                        "Legni > Ciotole;;\n",
+                        "reparti"),
+            TableEnd::Done);
+  EXPECT_EQ(rows("SELECT ID, genitore, titolo, livello, ordinamento, sconto, nascosto, hafigli, pagina FROM categorie "
+                 "WHERE genitore <> '###' OR titolo = 'Vetri' ORDER BY contatore"),
+            rows("SELECT 'cat002', 'cat001', 'Tazze', 2, 1, 5.0, NULL, 0, NULL UNION ALL "
+                 "SELECT 'cat003', '###', 'Vetri', 1, 2, NULL, NULL, 1, NULL UNION ALL "
+                 "SELECT ID, 'cat003', 'Calici', 2, 1, 10.0, 1, 1, ID FROM categorie WHERE titolo = 'Calici' UNION ALL "
+                 "SELECT ID, (SELECT ID FROM categorie WHERE titolo = 'Calici'), 'Rossi', 3, 1, NULL, NULL, NULL, ID "
+                 "FROM categorie WHERE titolo = 'Rossi'"));
+}
+
+TEST_F(TableImport, AddsTheValuesOfVariantsAndTheVariantsThemselves) {
+  ASSERT_EQ(
+      importSheet("variante;codice;testo;prezzo\nTaglia;S;Piccola;-1,5\nTaglia;L;Grande;2\nForma;T;Tonda;\n", "valori"),
+      TableEnd::Done);
+  EXPECT_EQ(rows("SELECT o.nome, d.codice, d.testo, d.prezzo FROM dettagliop d JOIN opzioni o ON o.ID = d.OpID "
+                 "WHERE o.ID > 100 ORDER BY d.ID"),
+            "Taglia|S|Piccola|-1.5\nTaglia|L|Grande|2\nForma|T|Tonda|(null)\n");
+}
+
+TEST_F(TableImport, ChangesCountriesAndTheCostsOfZones) {
+  ASSERT_EQ(importSheet("paese;zona\nAtlantide;3\n", "paesi"), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT zona FROM paesi WHERE paese = 'Atlantide'"), "3\n");
+  sql("DELETE FROM zona2; INSERT INTO zona2 (m1sp1) VALUES (0)");
+  ASSERT_EQ(importSheet("zona;m1sp1;pag1\n2;7,5;si\n12;1;1\n", "spedizione"), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT m1sp1, pag1 FROM zona2"), "7.5|1\n");
+}
+
+TEST_F(TableImport, CancelledOrFailingAnywhereLeavesEveryRowAsItWas) {
+  const std::string sheet = "codice;titolo;reparto\nT-1;Altra;Vetri\nN-1;Nuovo;Vetri\n", before = allTables();
+  TablePlan planned = plan(sheet);
+  user.cancelAtYield = 1;
+  EXPECT_EQ(importPlannedTable(session, env, planned, opened.sheet, table), TableEnd::Cancelled);
+  EXPECT_EQ(allTables(), before);
+}
+
+TEST_F(TableImport, TakesPicturesOverAndRemovesThemAgainWhenItIsCancelled) {
+  const std::string picture = std::string(KORVANE_TEST_DATA) + "/platform/pictures/corners.gif";
+  ASSERT_TRUE(copyFile(picture, root / "Foto Nuova.gif"));
+  const std::string sheet = "codice;immagine0;immagine1\nT-1;Foto Nuova.gif;file://" + picture + "\n";
+  TablePlan planned = plan(sheet);
+  EXPECT_EQ(planned.sums().changed, 1U) << shownPlan(planned);
+  // The second look at the user comes after 64 rows.
+  planned.rows.resize(65, planned.rows.front());
+  user.cancelAtYield = 2;
+  EXPECT_EQ(importPlannedTable(session, env, planned, opened.sheet, table), TableEnd::Cancelled);
+  EXPECT_TRUE(listFiles(joinPath(shop, "work"), "*").empty());
+  user.cancelAtYield = 0;
+  ASSERT_EQ(importSheet(sheet), TableEnd::Done);
+  EXPECT_EQ(listFiles(joinPath(shop, "work"), "*").size(), 2U);
+  EXPECT_EQ(rows("SELECT substr(immagine0, 1, 10) = 'foto_nuova', imgX0 > 0, imgY1 > 0 FROM articoli WHERE ID = 1"),
+            "1|1|1\n");
+}
+
+TEST_F(TableImport, RemembersTheColumnsOfASheetByItsHeaders) {
+  const std::vector<std::string> headers{"Cod", "Descr.", "Euro"};
+  auto columns = sheetTable(session.catalogue, 1, "articoli");
+  ASSERT_TRUE(columns);
+  ColumnMapping mapping = mappingByHeaders(*columns, headers);
+  ASSERT_TRUE(applyMapping("# mia\nDescr. = titolo\nEuro=prezzo3\n", *columns, headers, mapping));
+  EXPECT_EQ(applyMapping("Euro=prezzo33", *columns, headers, mapping).error().what, "Euro=prezzo33");
+  ASSERT_TRUE(keepMapping(settings, *columns, headers, mapping));
+  EXPECT_EQ(keptMapping(settings, *columns, headers), mapping);
+  EXPECT_EQ(keptMapping(settings, *columns, {"Cod", "Descr."}), std::nullopt);
+  EXPECT_EQ(columns->columns[*mapping[2]].name, "prezzo3");
+}
+
+TEST_F(TableImport, KnowsTheHeadersOfProductExports) {
+  auto columns = sheetTable(session.catalogue, 1, "articoli");
+  ASSERT_TRUE(columns);
+  const auto namesOf = [&](const std::vector<std::string>& headers) {
+    std::string names;
+    for (const auto& column : mappingByHeaders(*columns, headers)) {
+      names += (column ? columns->columns[*column].name : "-") + std::string(" ");
+    }
+    return names;
+  };
+  EXPECT_EQ(namesOf({"ID", "Type", "SKU", "Name", "Short description", "Description", "Sale price", "Regular price",
+                     "Categories", "Weight (kg)", "Images"}),
+            "ID reparto codice titolo sottotitolo descrizione offertaprezzo prezzo - peso immagine0 ");
+  EXPECT_EQ(
+      namesOf({"Handle", "Title", "Body (HTML)", "Variant SKU", "Variant Price", "Image Src", "Product Category"}),
+      "- titolo descrizione codice prezzo immagine0 reparto ");
+  EXPECT_EQ(namesOf({"g:id", "g:title", "g:description", "g:link", "g:price", "g:image_link", "g:product_type"}),
+            "ID titolo descrizione link prezzo immagine0 reparto ");
+}
+
+}  // namespace
+}  // namespace kv::test

@@ -1,0 +1,88 @@
+// korvane-cli import-table and export-table: what they print and write, and how they end.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "platform/database/database.h"
+#include "platform/files/files.h"
+#include "shell/cli/cli_program.h"
+#include "support/temp_folder.h"
+
+namespace kv {
+namespace {
+
+using ::testing::HasSubstr;
+
+class TablesOnTheCommandLine : public ::testing::Test {
+ protected:
+  TablesOnTheCommandLine() : shop(home / "negozio"), application(home / "app"), sheet(home / "foglio.csv") {
+    const std::string data = KORVANE_APP_DATA;
+    for (const char* folder : {"new", "template", "languages"}) {
+      EXPECT_TRUE(copyTree(data + "/" + folder, application + "/" + folder));
+    }
+    EXPECT_TRUE(copyTree(data + "/new", shop));
+    for (const char* working : {"work", "online", "scripts", "db"}) EXPECT_TRUE(createFolders(shop + "/" + working));
+    auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
+    EXPECT_TRUE(catalogue && catalogue->execute("UPDATE articoli SET codice = 'x' || ID;"
+                                                "UPDATE articoli SET codice = 'primo', prezzo = 15000 WHERE ID = "
+                                                "(SELECT MIN(ID) FROM articoli)"));
+  }
+  CliOutcome run(std::vector<std::string> arguments) {
+    out.str("");
+    err.str("");
+    arguments.insert(arguments.end(), {"--app", application});
+    return runCommandLine(arguments, {out, err, {}, ""});
+  }
+  std::string priceOfFirst() const {
+    auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
+    const auto value = catalogue ? catalogue->scalar("SELECT prezzo FROM articoli WHERE codice = 'primo'")
+                                 : Result<Value>(fail(catalogue.error()));
+    return value ? asText(*value) : "none";
+  }
+
+  test::TempFolder home;
+  std::string shop, application, sheet;
+  std::ostringstream out, err;
+};
+
+TEST_F(TablesOnTheCommandLine, ImportsTheGoodRowsAndTellsTheOthersWithTheirReason) {
+  ASSERT_TRUE(writeBytes(sheet, "Codice;Prezzo\nprimo;2,75\nmai;1\n"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--mode", "change"}), CliOutcome::Done) << err.str();
+  EXPECT_EQ(out.str(),
+            "Articoli: 0 nuovi, 1 modificati, 0 invariati, 1 tralasciati\nriga 3\tmai\tnon è nel catalogo\n");
+  EXPECT_EQ(priceOfFirst(), "2.75");
+}
+
+TEST_F(TablesOnTheCommandLine, TellsWhatWouldChangeAndChangesNothingInADryRun) {
+  ASSERT_TRUE(writeBytes(sheet, "Cod;Euro\nprimo;2,75\n"));
+  ASSERT_TRUE(writeBytes(home / "mappa.txt", "Cod=codice\nEuro=prezzo\n"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--dry-run", "--map", home / "mappa.txt"}), CliOutcome::Done);
+  EXPECT_EQ(out.str(),
+            "foglio.csv: CSV, UTF-8, separatore \";\", fine riga LF, decimali \",\", migliaia nessuno\n"
+            "  Cod = codice\n  Euro = prezzo\nArticoli: 0 nuovi, 1 modificati, 0 invariati, 0 tralasciati\n"
+            "riga 2\tmodificato\tprimo\n\tPrezzo: \"1.5\" -> \"2,75\"\n");
+  EXPECT_EQ(priceOfFirst(), "1.5");
+}
+
+TEST_F(TablesOnTheCommandLine, ExportsASheetThatChangesNothingWhenItIsImported) {
+  const std::string exported = home / "articoli.xlsx";
+  ASSERT_EQ(run({"export-table", shop, exported, "--columns", "codice,titolo,prezzo,reparto"}), CliOutcome::Done);
+  EXPECT_THAT(out.str(), HasSubstr("articoli.xlsx: "));
+  ASSERT_EQ(run({"import-table", shop, exported, "--dry-run"}), CliOutcome::Done) << err.str();
+  EXPECT_THAT(out.str(), HasSubstr("Articoli: 0 nuovi, 0 modificati, "));
+  EXPECT_THAT(out.str(), HasSubstr(" invariati, 0 tralasciati\n"));
+}
+
+TEST_F(TablesOnTheCommandLine, RefusesWhatIsNoSheetAndOptionsThatMakeNoSense) {
+  ASSERT_TRUE(writeBytes(sheet, "\xD0\xCF\x11\xE0"));
+  EXPECT_EQ(run({"import-table", shop, sheet}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("Il foglio \"foglio.csv\" è protetto, o nel formato di un vecchio programma"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--table", "clienti"}), CliOutcome::WrongUsage);
+  EXPECT_EQ(run({"import-table", shop, sheet, "--mode", "mai"}), CliOutcome::WrongUsage);
+  EXPECT_EQ(run({"export-table", shop, sheet, "--columns", "costo"}), CliOutcome::WrongUsage);
+  EXPECT_THAT(err.str(), HasSubstr("valore non ammesso per --columns: costo"));
+}
+
+}  // namespace
+}  // namespace kv
