@@ -12,7 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using enum WorkingFolder;
+using enum BuildFolder;
 
 class ChoosingFolders : public test::ShopFixture {
  protected:

@@ -26,14 +26,14 @@ Result<std::vector<NamedDepartment>> readNamed(Database& catalogue) {
   }
 }
 
-void addName(std::unordered_map<std::string, NamedRow>& to, std::string name, std::string ID) {
-  const auto [found, added] = to.try_emplace(std::move(name), NamedRow{std::move(ID)});
+void addName(std::unordered_map<std::string, CatalogueName>& to, std::string name, std::string ID) {
+  const auto [found, added] = to.try_emplace(std::move(name), CatalogueName{std::move(ID)});
   if (!added) found->second.isAmbiguous = true;
 }
 
-NamedRow find(const std::unordered_map<std::string, NamedRow>& in, const std::string& name) {
+CatalogueName find(const std::unordered_map<std::string, CatalogueName>& in, const std::string& name) {
   const auto found = in.find(name);
-  return found == in.end() ? NamedRow() : found->second;
+  return found == in.end() ? CatalogueName() : found->second;
 }
 
 }  // namespace
@@ -87,11 +87,11 @@ std::string_view CatalogueNames::pathOf(std::string_view department) const {
   return found == paths_.end() ? std::string_view() : std::string_view(found->second);
 }
 
-NamedRow CatalogueNames::department(std::string_view path) const {
-  const NamedRow found = find(departments_, plainPath(path));
+CatalogueName CatalogueNames::department(std::string_view path) const {
+  const CatalogueName found = find(departments_, plainPath(path));
   if (!found.ID.empty()) return found;
   const std::string ID = foldCase(trim(path));
-  return paths_.contains(ID) ? NamedRow{std::string(trim(path))} : NamedRow();
+  return paths_.contains(ID) ? CatalogueName{std::string(trim(path))} : CatalogueName();
 }
 
 std::string_view CatalogueNames::variantName(std::int64_t ID) const {
@@ -99,7 +99,7 @@ std::string_view CatalogueNames::variantName(std::int64_t ID) const {
   return found == variantNames_.end() ? std::string_view() : std::string_view(found->second);
 }
 
-NamedRow CatalogueNames::variant(std::string_view name) const { return find(variants_, foldCase(trim(name))); }
+CatalogueName CatalogueNames::variant(std::string_view name) const { return find(variants_, foldCase(trim(name))); }
 
 void CatalogueNames::addDepartment(const std::string& ID, const std::string& path) {
   paths_.emplace(foldCase(ID), path);

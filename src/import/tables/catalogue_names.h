@@ -13,7 +13,7 @@
 namespace kv {
 
 /// What a name means.
-struct NamedRow {
+struct CatalogueName {
   std::string ID;            ///< empty: there is none of the name
   bool isAmbiguous = false;  ///< several have it
 };
@@ -27,21 +27,21 @@ class CatalogueNames {
   /// The path of a department, titles of language 1 from the top, parted by " > "; empty for an unknown ID.
   std::string_view pathOf(std::string_view department) const;
   /// The department of a path or an ID; spaces around ">" and case don't count.
-  NamedRow department(std::string_view path) const;
+  CatalogueName department(std::string_view path) const;
   /// The name of a variant in language 1; empty for an unknown one.
   std::string_view variantName(std::int64_t ID) const;
   /// The variant of a name; case doesn't count.
-  NamedRow variant(std::string_view name) const;
+  CatalogueName variant(std::string_view name) const;
 
   // What is made while a sheet is read is known to the rows after it.
   void addDepartment(const std::string& ID, const std::string& path);
   void addVariant(std::int64_t ID, const std::string& name);
 
  private:
-  std::unordered_map<std::string, std::string> paths_;     // folded ID -> path
-  std::unordered_map<std::string, NamedRow> departments_;  // folded path -> ID
+  std::unordered_map<std::string, std::string> paths_;          // folded ID -> path
+  std::unordered_map<std::string, CatalogueName> departments_;  // folded path -> ID
   std::unordered_map<std::int64_t, std::string> variantNames_;
-  std::unordered_map<std::string, NamedRow> variants_;  // folded name -> ID
+  std::unordered_map<std::string, CatalogueName> variants_;  // folded name -> ID
 };
 
 /// A path as it is compared: one space on both sides of each ">", none at its ends, in lower case.

@@ -177,7 +177,7 @@ CellValue CellReader::readText(const TableColumn& column, std::string_view text)
 
 CellValue CellReader::readNamed(const TableColumn& column, std::string_view text) const {
   const bool isDepartment = column.field == CellField::Department;
-  NamedRow found = isDepartment ? names_.department(text) : names_.variant(text);
+  CatalogueName found = isDepartment ? names_.department(text) : names_.variant(text);
   // Exports of shop programs name several departments; the first one counts.
   if (isDepartment && found.ID.empty()) found = names_.department(text.substr(0, text.find_first_of(",|;")));
   const std::string what = isDepartment ? "Il reparto " : "La variante ";

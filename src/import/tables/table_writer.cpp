@@ -85,7 +85,7 @@ Result<> TableWriter::addPicture(Fields& fields, const TableColumn& column, cons
 }
 
 Result<Value> TableWriter::ownVariant(std::string_view name) {
-  const NamedRow found = work_.plan.names.variant(name);
+  const CatalogueName found = work_.plan.names.variant(name);
   if (!found.ID.empty()) return Value(static_cast<std::int64_t>(std::stoll(found.ID)));
   const std::string added(trim(name));
   if (auto done = run("INSERT INTO opzioni (nome) VALUES (?1)", {{"nome", added}}, 0); !done) return fail(done.error());

@@ -80,11 +80,11 @@ FolderChoice::FolderChoice(const Session& session) {
   }
 }
 
-void FolderChoice::set(WorkingFolder folder, std::string_view path) {
+void FolderChoice::set(BuildFolder folder, std::string_view path) {
   fields_[indexOf(folder)] = {std::string(path), FolderField::Source::Browsed};
 }
 
-void FolderChoice::reset(WorkingFolder folder) {
+void FolderChoice::reset(BuildFolder folder) {
   fields_[indexOf(folder)] = {defaults_[indexOf(folder)], FolderField::Source::Reset};
 }
 

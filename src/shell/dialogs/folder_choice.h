@@ -14,7 +14,7 @@ namespace kv {
 inline constexpr std::string_view foldersTitle = "Korvane - Selezione cartelle";
 
 /// Where pages go, and where the scripts of the site go.
-enum class WorkingFolder : std::size_t { Online = 0, Scripts = 1 };
+enum class BuildFolder : std::size_t { Online = 0, Scripts = 1 };
 
 /// One path field.
 /// Where the path came from decides what OK stores: nothing, the path itself, or an empty text, which means the folder
@@ -33,11 +33,11 @@ class FolderChoice {
   /// Those are absolute paths; the shop must be open.
   explicit FolderChoice(const Session& session);
 
-  const FolderField& field(WorkingFolder folder) const { return fields_[indexOf(folder)]; }
+  const FolderField& field(BuildFolder folder) const { return fields_[indexOf(folder)]; }
   /// A path chosen by browsing, or typed: it is going to be stored.
-  void set(WorkingFolder folder, std::string_view path);
+  void set(BuildFolder folder, std::string_view path);
   /// Reset: back to the folder inside the shop's own.
-  void reset(WorkingFolder folder);
+  void reset(BuildFolder folder);
 
   /// OK: judges and stores one field after the other. A refusal is told to the user and leaves that folder as it was,
   /// whatever becomes of the other. A field that nobody touched is judged and stores nothing. True when both were
@@ -48,8 +48,8 @@ class FolderChoice {
   bool apply(Session& session, UserPort& user) const;
 
  private:
-  static std::size_t indexOf(WorkingFolder folder) { return static_cast<std::size_t>(folder); }
-  std::array<FolderField, 2> fields_;    ///< by WorkingFolder
+  static std::size_t indexOf(BuildFolder folder) { return static_cast<std::size_t>(folder); }
+  std::array<FolderField, 2> fields_;    ///< by BuildFolder
   std::array<std::string, 2> defaults_;  ///< the folders inside the shop's own
 };
 

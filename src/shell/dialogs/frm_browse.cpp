@@ -20,7 +20,7 @@ constexpr std::array<RowTexts, 2> rows{
     {{"Cartella &online:", "Online", "Selezionare la cartella in cui costruire le pagine del negozio:"},
      {"Cartella &script:", "Script", "Selezionare la cartella in cui costruire gli script del negozio:"}}};
 
-std::size_t placeOf(WorkingFolder folder) { return static_cast<std::size_t>(folder); }
+std::size_t placeOf(BuildFolder folder) { return static_cast<std::size_t>(folder); }
 
 }  // namespace
 
@@ -29,8 +29,8 @@ frmBrowse::frmBrowse(Session& session, Environment& env, QWidget* parent)
   auto* column = new QVBoxLayout(this);
   auto* grid = new QGridLayout();
   grid->setColumnStretch(1, 1);
-  addRow(*grid, WorkingFolder::Online);
-  addRow(*grid, WorkingFolder::Scripts);
+  addRow(*grid, BuildFolder::Online);
+  addRow(*grid, BuildFolder::Scripts);
   column->addLayout(grid);
   column->addStretch();
   QDialogButtonBox* buttons = makeButtons();
@@ -39,7 +39,7 @@ frmBrowse::frmBrowse(Session& session, Environment& env, QWidget* parent)
   sizeInCharacters(96, 10);
 }
 
-void frmBrowse::addRow(QGridLayout& grid, WorkingFolder folder) {
+void frmBrowse::addRow(QGridLayout& grid, BuildFolder folder) {
   const RowTexts& texts = rows[placeOf(folder)];
   const std::string name(texts.name);
   const int row = static_cast<int>(placeOf(folder));
@@ -62,7 +62,7 @@ void frmBrowse::addRow(QGridLayout& grid, WorkingFolder folder) {
   connect(cmdReset, &QPushButton::clicked, this, [this, folder] { reset(folder); });
 }
 
-void frmBrowse::browse(WorkingFolder folder) {
+void frmBrowse::browse(BuildFolder folder) {
   const std::string prompt(rows[placeOf(folder)].prompt);
   const std::string chosen = env_.user.chooseFolder(prompt, choice_.field(folder).text);
   if (chosen.empty()) return;
@@ -70,7 +70,7 @@ void frmBrowse::browse(WorkingFolder folder) {
   txtCartella_[placeOf(folder)]->setText(toQt(chosen));
 }
 
-void frmBrowse::reset(WorkingFolder folder) {
+void frmBrowse::reset(BuildFolder folder) {
   choice_.reset(folder);
   txtCartella_[placeOf(folder)]->setText(toQt(choice_.field(folder).text));
 }

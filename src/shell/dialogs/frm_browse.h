@@ -20,18 +20,18 @@ class frmBrowse final : public FormDialog {
 
  private:
   /// One folder: its path, and the buttons to choose and to reset it.
-  void addRow(QGridLayout& grid, WorkingFolder folder);
+  void addRow(QGridLayout& grid, BuildFolder folder);
   /// Asks for a folder and shows it in the field; leaving the question changes nothing.
-  void browse(WorkingFolder folder);
+  void browse(BuildFolder folder);
   /// Shows the folder inside the shop's own, which OK stores as "no folder set".
-  void reset(WorkingFolder folder);
+  void reset(BuildFolder folder);
   /// OK: what was refused has been told, and the dialog closes all the same.
   void accepted();
 
   Session& session_;                         ///< gets the folders that were accepted
   Environment& env_;                         ///< asks for folders and tells refusals
   FolderChoice choice_;                      ///< what the fields hold, typed or chosen
-  std::array<QLineEdit*, 2> txtCartella_{};  ///< the two paths, by WorkingFolder
+  std::array<QLineEdit*, 2> txtCartella_{};  ///< the two paths, by BuildFolder
 };
 
 }  // namespace kv

@@ -22,7 +22,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view sheetTitle = "Korvane - Foglio articoli";
-constexpr std::string_view sheetHelp = "pagine/foglio-articoli.htm";
+constexpr std::string_view sheetHelpPage = "pagine/foglio-articoli.htm";
 constexpr std::string_view sheetColumnsKey = "foglio";
 constexpr int sheetRowPadding = 8;       // pixels between two lines
 constexpr int typingMilliseconds = 150;  // after the last key, before the filter is applied
@@ -75,7 +75,7 @@ frmFoglio::frmFoglio(Workbench& workbench, HelpOpener help, QWidget* parent)
   column->addWidget(lblStato_);
   QDialogButtonBox* buttons = makeClose();
   column->addWidget(buttons);
-  addHelp(buttons, help_, sheetHelp);
+  addHelp(buttons, help_, sheetHelpPage);
   chooseColumns(chosenColumns(columns_, workbench_.env().settings.get(settingsSection, sheetColumnsKey)));
   refresh();
   setWindowFlag(Qt::WindowMaximizeButtonHint);
