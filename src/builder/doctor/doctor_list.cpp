@@ -27,8 +27,8 @@ std::vector<std::size_t> DoctorList::shown() const {
   for (std::size_t i = 0; i < examination.findings.size(); ++i) {
     if (passes(*this, examination.findings[i], folded)) indexes.push_back(i);
   }
-  std::ranges::stable_partition(indexes,
-                                [this](std::size_t i) { return examination.findings[i].severity == Severity::Error; });
+  std::stable_partition(indexes.begin(), indexes.end(),
+                        [this](std::size_t i) { return examination.findings[i].severity == Severity::Error; });
   return indexes;
 }
 
