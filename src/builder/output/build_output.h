@@ -65,8 +65,6 @@ class BuildOutput {
   Result<> copy(const std::string& from, const std::string& to);
   /// Lists a file as part of the site.
   void list(std::string_view path) { files_.add(path); }
-  /// Adds a table to the build database, for rows that most shops don't have. Failures as Database::createTable.
-  Result<> addTable(const TableInfo& table) { return tables_.add(table); }
   /// The statement that appends rows to a table of the build database: one parameter per column. Failures as
   /// Database::prepare.
   Result<Statement> insertInto(std::string_view table, const std::vector<std::string>& columns);

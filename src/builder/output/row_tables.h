@@ -27,8 +27,6 @@ class RowTables {
 
   /// Opens the tables that get the articles of a language. Failures as DerivedRowWriter::open.
   Result<> startLanguage(std::string_view lingua);
-  /// Adds a table that this shop needs beside those of every build. Failures as Database::createTable.
-  Result<> add(const TableInfo& table) { return build_.createTable(table); }
   /// The statement that appends rows to a table: one parameter per column, in the order given.
   Result<Statement> insertInto(std::string_view table, const std::vector<std::string>& columns);
   /// Adds a table that only some shops have. Failures as Database::createTable.

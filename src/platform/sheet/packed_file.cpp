@@ -13,16 +13,12 @@
 namespace kv {
 namespace {
 
-struct ArchiveEnd {
-  void operator()(zip_t* archive) const { zip_discard(archive); }
-};
 struct PartEnd {
   void operator()(zip_file_t* part) const { ignore(zip_fclose(part), "nothing was written"); }
 };
 struct ParserEnd {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
-using OpenArchive = std::unique_ptr<zip_t, ArchiveEnd>;
 using OpenPart = std::unique_ptr<zip_file_t, PartEnd>;
 using OpenParser = std::unique_ptr<XML_ParserStruct, ParserEnd>;
 
@@ -69,8 +65,12 @@ OpenParser makeParser(XmlRun& run) {
 }  // namespace
 
 struct PackedFile::State {
+  struct ArchiveEnd {
+    void operator()(zip_t* archive) const { zip_discard(archive); }
+  };
+
   std::string path;
-  OpenArchive archive;
+  std::unique_ptr<zip_t, ArchiveEnd> archive;
   std::uint64_t left;  // bytes that may still be unpacked
 };
 
@@ -90,7 +90,7 @@ Result<PackedFile> PackedFile::open(const std::string& path, std::uint64_t unpac
   if (!mayProceed(FileStep::OpenToRead, path)) return systemFailure(errno, path);
   int code = 0;
   errno = 0;
-  OpenArchive archive(zip_open(path.c_str(), ZIP_RDONLY, &code));
+  std::unique_ptr<zip_t, State::ArchiveEnd> archive(zip_open(path.c_str(), ZIP_RDONLY, &code));
   if (!archive) {
     if ((code == ZIP_ER_OPEN || code == ZIP_ER_READ) && errno != 0) return systemFailure(errno, path);
     return fail(code == ZIP_ER_NOENT ? ErrorKind::Missing : ErrorKind::Corrupt, path, "no zip archive");
