@@ -71,7 +71,8 @@ TEST_F(MainWindow, ShowsTheMenusOfTheTableInTheirOrder) {
                                                 "piccolo",
                                                 "normale",
                                                 "piccolo",
-                                                "Modifica prezzi..."}));
+                                                "Modifica prezzi...",
+                                                "Foglio articoli..."}));
 }
 
 TEST_F(MainWindow, EachTabHasItsOwnEditMenu) {

@@ -110,7 +110,8 @@ TEST_F(Menus, TheEditMenuIsTheOneOfTheTab) {
                                               "Imposta logo negozio > piccolo",
                                               "Elimina logo negozio > normale",
                                               "Elimina logo negozio > piccolo",
-                                              "Modifica prezzi..."}));
+                                              "Modifica prezzi...",
+                                              "Foglio articoli..."}));
   goTab(Tab::Articles);
   EXPECT_EQ(entries("Modifica"), QStringList({"Annulla",
                                               "Ripeti",
@@ -141,12 +142,12 @@ TEST_F(Menus, TheEditMenuIsTheOneOfTheTab) {
                                               "Imposta logo negozio > piccolo",
                                               "Elimina logo negozio > normale",
                                               "Elimina logo negozio > piccolo",
-                                              "Modifica prezzi..."}));
+                                              "Modifica prezzi...",
+                                              "Foglio articoli..."}));
   goTab(Tab::Site);
-  EXPECT_EQ(entries("Modifica"),
-            QStringList({"Annulla", "Ripeti", "Cronologia...", "Spese di spedizione...", "Sistemi di pagamento...",
-                         "Testo e-mail di conferma...", "Impostazioni vetrina...", "Campi obbligatori...",
-                          "Produttori..."}));
+  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Cronologia...", "Spese di spedizione...",
+                                              "Sistemi di pagamento...", "Testo e-mail di conferma...",
+                                              "Impostazioni vetrina...", "Campi obbligatori...", "Produttori..."}));
   goTab(Tab::Internet);
   EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Cronologia...", "Cartella FTP del negozio...",
                                               "Cartella FTP script CGI...", "Impostazioni avanzate..."}));

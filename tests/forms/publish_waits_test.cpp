@@ -10,6 +10,7 @@
 #include "publish/settings/frm_folder_ftp.h"
 #include "publish/update/busy_shape.h"
 #include "publish/update/frm_update.h"
+#include "store/schema/schema.h"
 #include "support/answering_host.h"
 #include "support/listing_server.h"
 
@@ -88,7 +89,7 @@ class TheUpdateDialog : public test::DialogFixture {
   void SetUp() override {
     for (const char* folder : {"/db", "/online"}) ASSERT_TRUE(createFolders(shop + folder));
     ASSERT_TRUE(writeBytes(shop + "/online/abc.sc", "2\r\n"));
-    ASSERT_TRUE(writeBytes(shop + "/db/sql.mdb", "the build"));
+    ASSERT_TRUE(createDatabase(shop + "/db/sql.mdb", buildDatabaseTables()));
     dialog.emplace(UpdateJob{shop, shop + "/online", "http://a", {"h", "u", "d", "n", "abc"}}, env, host);
   }
   std::string answers() const { return fromQt(control<QPlainTextEdit>(*dialog, "txtRisposta")->toPlainText()); }

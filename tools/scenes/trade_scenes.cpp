@@ -123,10 +123,11 @@ class SilentUser final : public UserPort {
 void takePurge(Stage& stage, const QString& name) {
   const std::string work = joinPath(stage.session().ShopFolder, "work");
   SilentUser silent;
-  const auto used = [&]() -> Result<std::vector<std::string>> {
-    std::vector<std::string> names = listFiles(work, "*");
-    names.resize(names.size() - std::min<std::size_t>(names.size(), 4));
-    return names;
+  const auto used = [&](const TextReader& read) -> Result<> {
+    const std::vector<std::string> names = listFiles(work, "*");
+    constexpr std::size_t unused = 4;
+    for (std::size_t i = 0; i + unused < names.size(); ++i) read(names[i]);
+    return {};
   };
   const auto texts = [&](const TextReader& read) -> Result<> {
     read(listFiles(work, "*").back());

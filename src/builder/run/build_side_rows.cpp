@@ -123,10 +123,16 @@ Result<> copyLowestPrices(const std::string& shopFolder, double now, BuildOutput
 }  // namespace
 
 Result<> copySideTables(Database& catalogue, const ShopFacts& shop, double now, BuildOutput& output) {
-  if (hasSideTable(catalogue, "unita")) {
+  const auto units = findSideTable(catalogue, "unita");
+  if (!units) return fail(units.error());
+  if (*units) {
     if (auto copied = copyQuery(catalogue, completeUnits, sentUnitTable(), output); !copied) return copied;
   }
-  if (hasSideTable(catalogue, "sicurezza") && hasSideTable(catalogue, "produttori")) {
+  const auto safety = findSideTable(catalogue, "sicurezza");
+  if (!safety) return fail(safety.error());
+  const auto makers = findSideTable(catalogue, "produttori");
+  if (!makers) return fail(makers.error());
+  if (*safety && *makers) {
     if (auto copied = copyQuery(catalogue, makersOfArticles, sentSafetyTable(), output); !copied) return copied;
     if (auto copied = copyQuery(catalogue, usedMakers, sentMakersTable(), output); !copied) return copied;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "store/catalogue/side_fields.h"
 #include "store/catalogue/tree_change.h"
 #include "store/schema/column_family.h"
 
@@ -24,19 +25,21 @@ TableInfo identityTable() {
   return table;
 }
 
-bool hasIdentity(Database& catalogue) { return catalogue.table("identita").has_value(); }
-
 }  // namespace
 
 Result<std::string> readIdentity(Database& catalogue, std::string_view column) {
-  if (!isIdentityColumn(column) || !hasIdentity(catalogue)) return std::string();
+  const auto there = findSideTable(catalogue, "identita");
+  if (!there) return fail(there.error());
+  if (!isIdentityColumn(column) || !*there) return std::string();
   auto text = scalarWith(catalogue, "SELECT " + std::string(column) + " FROM identita WHERE ID = 1", {});
   if (!text) return fail(text.error());
   return asText(*text);
 }
 
 Result<> prepareIdentity(Database& catalogue) {
-  return hasIdentity(catalogue) ? Result<>() : catalogue.createTable(identityTable());
+  const auto there = findSideTable(catalogue, "identita");
+  if (!there) return fail(there.error());
+  return *there ? Result<>() : catalogue.createTable(identityTable());
 }
 
 Result<> writeIdentity(Database& catalogue, std::string_view column, const std::string& text) {

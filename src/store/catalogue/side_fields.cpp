@@ -10,7 +10,15 @@ namespace {
 std::string_view tableOf(SideField field) { return field == SideField::Maker ? "sicurezza" : "unita"; }
 
 Result<> createUnlessThere(Database& catalogue, const TableInfo& table) {
-  return hasSideTable(catalogue, table.name) ? Result<>() : catalogue.createTable(table);
+  const auto found = findSideTable(catalogue, table.name);
+  if (!found) return fail(found.error());
+  return *found ? Result<>() : catalogue.createTable(table);
+}
+
+/// Whether the catalogue has both of two tables.
+Result<bool> findBoth(Database& catalogue, std::string_view one, std::string_view other) {
+  auto found = findSideTable(catalogue, one);
+  return found && *found ? findSideTable(catalogue, other) : found;
 }
 
 bool isEmptied(const Value& value) {
@@ -36,17 +44,19 @@ struct SideTables {
 
 Result<> copyRows(Database& catalogue, const SideTables& from, const SideTables& to,
                   const std::vector<CopiedRow>& copies) {
-  const bool units = hasSideTable(catalogue, from.units) && hasSideTable(catalogue, to.units);
-  const bool makers = hasSideTable(catalogue, from.makers) && hasSideTable(catalogue, to.makers);
+  const auto units = findBoth(catalogue, from.units, to.units);
+  if (!units) return fail(units.error());
+  const auto makers = findBoth(catalogue, from.makers, to.makers);
+  if (!makers) return fail(makers.error());
   for (const CopiedRow& copy : copies) {
     Result<> done;
-    if (units) {
+    if (*units) {
       done = runWith(catalogue,
                      "INSERT OR REPLACE INTO " + to.units +
                          " (ID, contenuto, misura) SELECT ?, contenuto, misura FROM " + from.units + " WHERE ID = ?",
                      {Value(copy.to), Value(copy.from)});
     }
-    if (done && makers) {
+    if (done && *makers) {
       done =
           runWith(catalogue,
                   "INSERT OR REPLACE INTO " + to.makers + " (chiave, produttore) SELECT CAST(? AS TEXT), produttore" +
@@ -60,10 +70,18 @@ Result<> copyRows(Database& catalogue, const SideTables& from, const SideTables&
 
 }  // namespace
 
+Result<bool> findSideTable(Database& catalogue, std::string_view table) {
+  const auto found = catalogue.table(table);
+  if (found) return true;
+  return found.error().kind == ErrorKind::Missing ? Result<bool>(false) : fail(found.error());
+}
+
 bool hasSideTable(Database& catalogue, std::string_view table) { return catalogue.table(table).has_value(); }
 
 Result<Value> readSideField(Database& catalogue, SideField field, const std::string& key) {
-  if (!hasSideTable(catalogue, tableOf(field))) return Value(Null{});
+  const auto there = findSideTable(catalogue, tableOf(field));
+  if (!there) return fail(there.error());
+  if (!*there) return Value(Null{});
   switch (field) {
     case SideField::Content:
       return scalarWith(catalogue, "SELECT contenuto FROM unita WHERE ID = CAST(? AS INTEGER)", {Value(key)});
@@ -98,7 +116,9 @@ Result<> writeSideField(Database& catalogue, SideField field, const std::string&
 
 Result<> clearSideFields(Database& catalogue) {
   for (const std::string_view table : {"unita", "sicurezza", "clipunita", "clipsicurezza"}) {
-    if (!hasSideTable(catalogue, table)) continue;
+    const auto there = findSideTable(catalogue, table);
+    if (!there) return fail(there.error());
+    if (!*there) continue;
     if (auto emptied = catalogue.execute("DELETE FROM " + std::string(table)); !emptied) return emptied;
   }
   return {};
@@ -119,10 +139,14 @@ Result<> copySideRows(Database& catalogue, const std::vector<CopiedRow>& copies)
 
 Result<> copySideRowsToClipboard(Database& catalogue, const std::vector<CopiedRow>& copies) {
   const auto made = [&](std::string_view of, std::string_view clip, TableInfo table) -> Result<> {
-    if (hasSideTable(catalogue, clip)) return catalogue.execute("DELETE FROM " + std::string(clip));
+    const auto there = findSideTable(catalogue, clip);
+    if (!there) return fail(there.error());
+    if (*there) return catalogue.execute("DELETE FROM " + std::string(clip));
     table.name = clip;
     for (IndexInfo& index : table.indexes) index.name.clear();
-    return hasSideTable(catalogue, of) ? catalogue.createTable(table) : Result<>();
+    const auto wanted = findSideTable(catalogue, of);
+    if (!wanted) return fail(wanted.error());
+    return *wanted ? catalogue.createTable(table) : Result<>();
   };
   if (auto units = made("unita", "clipunita", unitTable()); !units) return units;
   if (auto makers = made("sicurezza", "clipsicurezza", safetyTable()); !makers) return makers;

@@ -135,12 +135,10 @@ Command sheetCommand() {
               .shortcut = "Ctrl+Shift+F",
               .help = "pagine/foglio-articoli.htm",
               .dialog = wired(&WorkbenchDialogs::articleSheet)};
-  row.enabled = [](const CommandContext& context) { return context.sets.isBound(); };
-  row.whenOff = "Nessun negozio aperto";
   row.run = [](const CommandContext& context) {
     if (context.ports.dialogs.articleSheet()) context.bench.CambiaLingua(context.session.currentLanguage);
   };
-  return row;
+  return inOpenShop(std::move(row));
 }
 
 std::function<Result<>(TreeEditing&, const ArticleGroup&)> shiftBy(int direzione) {

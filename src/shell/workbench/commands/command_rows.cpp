@@ -76,6 +76,12 @@ std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page) 
   return rows;
 }
 
+Command inOpenShop(Command row) {
+  row.enabled = [](const CommandContext& context) { return context.sets.isBound(); };
+  row.whenOff = "Nessun negozio aperto";
+  return row;
+}
+
 bool isOnArticle(const CommandContext& context) { return context.sets.onArticle(); }
 bool isOnDepartment(const CommandContext& context) { return context.sets.onDepartment(); }
 

@@ -34,6 +34,9 @@ std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page);
 inline constexpr std::string_view noArticle = "Nessun articolo";
 inline constexpr std::string_view noDepartment = "Nessun reparto selezionato";
 
+/// The row of what can be done while a shop is open.
+Command inOpenShop(Command row);
+
 /// Whether an article is current: for `Command::enabled`.
 bool isOnArticle(const CommandContext& context);
 /// Whether a department is current: for `Command::enabled`.

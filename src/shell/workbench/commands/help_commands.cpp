@@ -49,8 +49,7 @@ Command updatesRow() {
 Command doctorRow() {
   Command row = dialogCommand("doctor", {Help, 202, "Controlla il negozio..."}, &WorkbenchDialogs::doctor);
   row.help = "pagine/controllo.htm";
-  row.enabled = [](const CommandContext& context) { return context.bench.isOpen(); };
-  return row;
+  return inOpenShop(std::move(row));
 }
 
 /// The page of the tab in use is that of the command which goes to it.

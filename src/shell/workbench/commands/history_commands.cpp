@@ -42,8 +42,7 @@ Command wayBackRow() {
     row.menus.push_back({menu, 103, wayBackText});
   }
   row.help = "pagine/cronologia.htm";
-  row.enabled = [](const CommandContext& context) { return context.bench.isOpen(); };
-  return row;
+  return inOpenShop(std::move(row));
 }
 
 }  // namespace

@@ -54,8 +54,7 @@ Command ofLaw(Command row) {
 /// It changes nothing by itself, so it makes no step.
 Command dutiesRow() {
   Command row = dialogCommand("legalDuties", {File, 502, "Requisiti di legge..."}, &WorkbenchDialogs::legalDuties);
-  row.enabled = [](const CommandContext& context) { return context.bench.isOpen(); };
-  return ofLaw(std::move(row));
+  return ofLaw(inOpenShop(std::move(row)));
 }
 
 std::vector<Command> connectionCommands() {
