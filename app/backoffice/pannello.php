@@ -46,7 +46,6 @@ echo '<ul class="riquadri">',
     implode('', array_map(fn($elenco) => boRiquadro(BO_ELENCHI[$elenco][0], boQuanti(boConta(
         'SELECT COUNT(*) AS n FROM kv_ordini WHERE ' . BO_ELENCHI[$elenco][1]), 'ordine', 'ordini'),
         'ordini.php?stato=' . $elenco), array_keys(BO_ELENCHI))),
-    boRiquadro('Da evadere', boQuanti($boNuovi, 'ordine', 'ordini'), 'ordini.php?stato=aperti'),
     boRiquadro('Recessi da trattare', boQuanti($boRecessi, 'recesso', 'recessi'), 'recessi.php?stato=ricevuto'),
     boRiquadro('In attesa di approvazione', boQuanti($boAttesa, 'cliente', 'clienti'), 'clienti.php?attesa=1'),
     boRiquadro('Non disponibili', boQuanti($boEsauriti, 'voce', 'voci'), 'disponibilita.php?vedi=esauriti'),
