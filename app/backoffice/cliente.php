@@ -104,7 +104,10 @@ function boConfermaElimina(array $cliente): void
 {
     boInizio('Eliminare il cliente?', 'clienti.php');
     echo '<p>', kvHtmlUtf8(trim($cliente['nome'] . ' ' . $cliente['cognome'])), ', ', kvHtmlUtf8($cliente['email']),
-        ': l\'accesso al negozio e i dati della persona vanno persi; gli ordini restano per il fisco, senza nome.</p><form method="post" accept-charset="utf-8" action="cliente.php?id=',
+        ': l\'accesso al negozio e i dati della persona vanno persi; gli ordini restano per il fisco, senza nome.</p>',
+        kvOrdiniInCorso($cliente) === 0 ? ''
+            : '<p class="avviso errore" role="alert">Ci sono ordini in corso: senza i dati non si possono spedire.</p>',
+        '<form method="post" accept-charset="utf-8" action="cliente.php?id=',
         (int) $cliente['id'], '">', boCampoGettone(), '<input type="hidden" name="azione" value="elimina">',
         '<p><button type="submit" class="pericolo">Elimina</button> <a href="cliente.php?id=', (int) $cliente['id'],
         '">Annulla</a></p></form>';

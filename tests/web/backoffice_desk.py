@@ -25,7 +25,8 @@ class Desk(Case):
         """Who gets a mail, its subject and its text."""
         message = email.message_from_string(self.shop.mails()[number])
         subject = str(email.header.make_header(email.header.decode_header(message["Subject"])))
-        return message["To"], subject, message.get_payload(decode=True).decode()
+        text = next(part for part in message.walk() if part.get_content_type() == "text/plain")
+        return message["To"], subject, text.get_payload(decode=True).decode()
 
     def annotations(self, kind):
         return [row[0] for row in self.shop.rows(f"SELECT testo FROM kv_annotazioni WHERE tipo = '{kind}' ORDER BY id")]
