@@ -11,7 +11,7 @@ function boDestinatario(array $ordine, array $campi): void
     $righe = array_filter($righe, fn($riga) => $riga !== '');
     $righe = array_map('kvHtmlUtf8', $righe === [] ? [$ordine['nome']] : $righe);
     echo '<address>', implode('<br>', $righe), '</address><dl>';
-    $voci = ['E-mail' => '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtmlUtf8($ordine['email'])
+    $voci = ['E-mail' => $ordine['email'] === '' ? '' : '<a href="mailto:' . kvHtml(rawurlencode($ordine['email'])) . '">' . kvHtmlUtf8($ordine['email'])
         . '</a>', 'Telefono' => kvHtmlUtf8($campi['Telefono'] ?? ''), 'Partita IVA' => kvHtmlUtf8($campi['PartitaIVA'] ?? '')];
     if ((int) $ordine['cliente'] > 0) {
         $numero = (int) $ordine['cliente'];

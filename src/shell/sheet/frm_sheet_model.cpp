@@ -65,18 +65,27 @@ int SheetModel::columnCount(const QModelIndex& parent) const {
 QVariant SheetModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const SheetKind kind = column(index.column()).kind;
+  if (role == Qt::AccessibleTextRole) return spokenText(index);
   if (role == Qt::TextAlignmentRole) {
     return isSheetNumber(kind) ? QVariant(int{Qt::AlignRight | Qt::AlignVCenter}) : QVariant();
   }
   if (kind == SheetKind::Flag) {
     const bool on = cell(index).text == "1";
     if (role == Qt::CheckStateRole) return on ? Qt::Checked : Qt::Unchecked;
-    if (role == Qt::AccessibleTextRole) return on ? tr("sì") : tr("no");
     return {};
   }
   if (role == Qt::DisplayRole) return inOneLine(cell(index).text);
   if (role == Qt::EditRole || role == Qt::ToolTipRole) return toQt(cell(index).text);
   return {};
+}
+
+QString SheetModel::spokenText(const QModelIndex& index) const {
+  const SheetColumn& facts = column(index.column());
+  const std::string text = cell(index).text;
+  QString spoken = toQt(text);
+  if (facts.kind == SheetKind::Flag) spoken = text == "1" ? tr("sì") : tr("no");
+  if (spoken.isEmpty()) spoken = tr("vuoto");
+  return toQt(facts.heading) + QStringLiteral(": ") + spoken;
 }
 
 bool SheetModel::setData(const QModelIndex& index, const QVariant& value, int role) {

@@ -45,6 +45,9 @@ class SheetModel final : public QAbstractTableModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
+  /// What a screen reader says of a cell: its heading and its text.
+  QString spokenText(const QModelIndex& index) const;
+
   std::span<const SheetColumn> columns_;
   std::vector<std::size_t> shown_;
   mutable SheetRows rows_;  ///< cells are read when they are looked at
