@@ -83,7 +83,7 @@ soak: build
 	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell test_import jet_rows
 	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
-	  --gtest_filter='*TreeProperty*' --gtest_brief=1
+	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1

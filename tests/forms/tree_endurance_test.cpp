@@ -15,7 +15,7 @@
 namespace kv::test {
 namespace {
 
-constexpr int usualOperations = 750;
+constexpr int usualOperations = 400;
 constexpr unsigned usualSeeds = 2;
 constexpr int returns = 3;  ///< times at which everything is undone
 constexpr std::int64_t manyDepartments = 20;

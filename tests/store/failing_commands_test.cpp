@@ -5,6 +5,7 @@
 #include "platform/database/recordset.h"
 #include "store/tree_fixture.h"
 #include "support/failing_store.h"
+#include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
@@ -112,18 +113,25 @@ class FailingCommands : public TreeFixture {
   }
 
   /// Makes call after call of a routine fail and expects that nothing has changed, until the routine comes through.
-  /// Each call fails once by itself, and once with more damage, of the two other kinds in turn. The number of calls.
+  /// The damage is of the three kinds in turn, or each call fails with all of them in a long run
+  /// (KORVANE_TEST_OPERATIONS). The number of calls.
   std::int64_t failEverywhere(const std::function<Result<>()>& routine) {
     const std::string rowsBefore = stored();
     const std::string shownBefore = shown();
     for (std::int64_t n = 1;; ++n) {
-      for (const Damage damage : {Damage::Once, n % 2 == 0 ? Damage::Lasting : Damage::Undoing}) {
+      for (const Damage damage : damagesOf(n)) {
         if (!failOnce(n, damage, routine) || HasFailure()) return n - 1;
         const std::string at = "call " + std::to_string(n) + ", damage " + std::to_string(static_cast<int>(damage));
         EXPECT_EQ(stored(), rowsBefore) << at;
         EXPECT_EQ(shown(), shownBefore) << at;
       }
     }
+  }
+
+  static std::vector<Damage> damagesOf(std::int64_t n) {
+    const std::vector<Damage> all{Damage::Once, Damage::Lasting, Damage::Undoing};
+    if (operationsOf(0) > 0) return all;
+    return {all[static_cast<std::size_t>(n) % all.size()]};
   }
 
   /// Runs a routine whose n-th call fails; false when it has less calls, and came through.
