@@ -13,6 +13,7 @@
 #include "publish/update/frm_update.h"
 #include "scenes.h"
 #include "store/exchange/frm_importa_primo.h"
+#include "store/schema/schema.h"
 
 namespace kv::scenes {
 namespace {
@@ -169,7 +170,7 @@ void takeUpdate(Stage& stage, const QString& name) {
   const std::string shop = fromQt(folder.path());
   ignore(createFolder(joinPath(shop, "db")), "the picture shows what there is");
   ignore(writeBytes(joinPath(shop, "abc.sc"), "2\r\n"), "the picture shows what there is");
-  ignore(writeBytes(joinPath(shop, "db/sql.mdb"), "-"), "the picture shows what there is");
+  ignore(createDatabase(joinPath(shop, "db/sql.mdb"), buildDatabaseTables()), "the picture shows what there is");
   int asked = 0;
   HostInThePicture host([&] {
     // The answer about the first language is there.
