@@ -103,6 +103,8 @@ soak: build
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-name-pattern='built like' tests/e2e/aged.mjs \
 	  --cli build/dev/bin/korvane-cli --template chiaro --work build/dev/aged
 	@python3 -B tests/web/price_oracle.py build/dev/bin/korvane-cli
+	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-reporter=spec tests/e2e/run.mjs --cli build/dev/bin/korvane-cli \
+	  --template chiaro --work build/dev/chiaro
 	@KORVANE_TEST_ROUNDS=200 KORVANE_TEST_KILLS=50 python3 -B tests/servers/ftp_publish.py build/dev/bin/korvane-cli \
 	  Publishing.test_a_random_walk_of_edits_keeps_the_live_shop_equal_to_the_build \
 	  Publishing.test_after_a_kill_at_any_moment_the_next_run_brings_everything_right
