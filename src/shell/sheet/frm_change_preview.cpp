@@ -6,7 +6,6 @@
 #include <array>
 
 #include "platform/qt/frm_dialog.h"
-#include "platform/text/text.h"
 
 namespace kv {
 namespace {

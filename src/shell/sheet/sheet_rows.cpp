@@ -75,11 +75,13 @@ Result<> SheetRows::readLookups() {
       "SELECT ID, titolo, iva, COALESCE(genitore, '###') FROM categorie ORDER BY ordinamento, contatore");
   if (!departments) return fail(departments.error());
   std::unordered_map<std::string, std::vector<std::string>> children;
-  for (auto row = departments->step(); row && *row; row = departments->step()) {
+  auto row = departments->step();
+  for (; row && *row; row = departments->step()) {
     const std::string ID(departments->text(0));
     departments_[ID] = {std::string(departments->text(1)), asText(departments->value(2)), lastRank};
     children[std::string(departments->text(3))].push_back(ID);
   }
+  if (!row) return fail(row.error());
   // Parents before children, as the tree shows them; what hangs nowhere comes last.
   std::vector<std::string> open{std::string(treeRoot)};
   for (std::size_t rank = 0; !open.empty();) {
@@ -91,10 +93,11 @@ Result<> SheetRows::readLookups() {
   }
   auto variants = session_.catalogue.prepare("SELECT ID, nome FROM opzioni");
   if (!variants) return fail(variants.error());
-  for (auto row = variants->step(); row && *row; row = variants->step()) {
+  row = variants->step();
+  for (; row && *row; row = variants->step()) {
     variants_[variants->integer(0)] = std::string(variants->text(1));
   }
-  return {};
+  return row ? Result<>() : fail(row.error());
 }
 
 const SheetRows::Department& SheetRows::departmentOf(std::string_view ID) const {

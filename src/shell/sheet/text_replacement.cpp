@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "platform/text/text.h"
 #include "shell/workbench/fields/field_forms.h"
 
 namespace kv {
