@@ -175,7 +175,7 @@ TEST(ABlockOfCells, ComesBackAsItWasCopied) {
 std::string stepped(std::string_view text, Money price, bool whole = false) {
   const auto step = readPriceStep(text, whole);
   if (!step) return "no step";
-  const auto after = steppedPrice(price, *step, whole);
+  const auto after = steppedPrice(price, *step);
   return after ? asText(Value(*after)) : "too large";
 }
 

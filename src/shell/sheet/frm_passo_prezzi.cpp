@@ -52,13 +52,12 @@ frmPassoPrezzi::frmPassoPrezzi(Session& session, std::span<const SheetColumn> co
 }
 
 void frmPassoPrezzi::previewAgain() {
-  const bool whole = chkTondi_->isChecked();
-  const auto step = readPriceStep(fromQt(txtPasso_->text()), whole);
+  const auto step = readPriceStep(fromQt(txtPasso_->text()), chkTondi_->isChecked());
   if (!step) {
     preview_->show({});
     return lblAnteprima_->setText(toQt(stepWanted));
   }
-  auto changes = priceChanges(session_, columns_, cells_, *step, whole, separator_);
+  auto changes = priceChanges(session_, columns_, cells_, *step, separator_);
   const std::string failed = changes ? std::string() : failureText(changes.error());
   preview_->show(std::move(changes).value_or(std::vector<CellChange>()));
   if (!failed.empty()) lblAnteprima_->setText(toQt(failed));

@@ -12,7 +12,7 @@ namespace {
 
 std::optional<PriceStep> productOf(double factor, bool whole) {
   if (factor < 0) return std::nullopt;
-  return PriceStep{PriceRule{static_cast<float>(factor), whole}, {}};
+  return PriceStep{PriceRule{static_cast<float>(factor), whole}, {}, whole};
 }
 
 }  // namespace
@@ -24,7 +24,7 @@ std::optional<PriceStep> readPriceStep(std::string_view text, bool whole) {
     typed.pop_back();
     const auto percentage = readPercentage(typed);
     if (!percentage) return std::nullopt;
-    return PriceStep{ruleOfPercentage(*percentage, whole), {}};
+    return PriceStep{ruleOfPercentage(*percentage, whole), {}, whole};
   }
   const char sign = typed.front();
   if (sign == 'x' || sign == 'X' || sign == '*') {
@@ -34,21 +34,21 @@ std::optional<PriceStep> readPriceStep(std::string_view text, bool whole) {
   if (sign != '+' && sign != '-') return std::nullopt;
   const auto amount = Money::parse(std::string_view(typed).substr(1));
   if (!amount || *amount < Money()) return std::nullopt;
-  return PriceStep{std::nullopt, Money::ofTenThousandths((sign == '-' ? -1 : 1) * amount->tenThousandths())};
+  return PriceStep{std::nullopt, Money::ofTenThousandths((sign == '-' ? -1 : 1) * amount->tenThousandths()), whole};
 }
 
-std::optional<Money> steppedPrice(Money price, const PriceStep& step, bool whole) {
+std::optional<Money> steppedPrice(Money price, const PriceStep& step) {
   if (step.product) {
     if (isBeyondMoney(price, *step.product)) return std::nullopt;
     return Trasforma(price, *step.product);
   }
   std::int64_t sum = 0;
   if (__builtin_add_overflow(price.tenThousandths(), step.added.tenThousandths(), &sum)) return std::nullopt;
-  return roundedPrice(Money::ofTenThousandths(std::max<std::int64_t>(sum, 0)), whole);
+  return roundedPrice(Money::ofTenThousandths(std::max<std::int64_t>(sum, 0)), step.whole);
 }
 
 Result<std::vector<CellChange>> priceChanges(Session& session, std::span<const SheetColumn> columns,
-                                             std::span<const CellText> cells, const PriceStep& step, bool whole,
+                                             std::span<const CellText> cells, const PriceStep& step,
                                              char decimalSeparator) {
   std::vector<CellChange> changes;
   std::map<std::size_t, Statement> readers;
@@ -67,7 +67,7 @@ Result<std::vector<CellChange>> priceChanges(Session& session, std::span<const S
     const Value stored = *found ? reader.value(0) : Value(Null{});
     reader.reset();
     if (isNull(stored)) continue;
-    const auto after = steppedPrice(asMoney(stored), step, whole);
+    const auto after = steppedPrice(asMoney(stored), step);
     CellChange change{
         cell.article, cell.column, shownValue(*column.editor, column.stored, stored, decimalSeparator), {}, {}};
     change.after = after ? shownValue(*column.editor, column.stored, Value(*after), decimalSeparator) : change.before;

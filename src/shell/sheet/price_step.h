@@ -14,6 +14,7 @@ namespace kv {
 struct PriceStep {
   std::optional<PriceRule> product;  ///< of "+10 %" and "x1,1"; none: `added` holds
   Money added;                       ///< of "-5"
+  bool whole = false;                ///< the price comes out without decimals
 };
 
 /// Reads a step, "," or "." for decimals. A percentage needs its sign "%" and is between -100 and +100; a factor begins
@@ -23,12 +24,12 @@ std::optional<PriceStep> readPriceStep(std::string_view text, bool whole);
 
 /// The price after a step: a product as Trasforma() computes it; an amount is added exactly and then rounded to two
 /// decimals, half to even, or to none. Never below 0. Empty when it leaves the range of Money.
-std::optional<Money> steppedPrice(Money price, const PriceStep& step, bool whole);
+std::optional<Money> steppedPrice(Money price, const PriceStep& step);
 
-/// What a step would make of cells: those that hold a price and would get another one. `whole`: as for steppedPrice.
+/// What a step would make of cells: those that hold a price and would get another one.
 /// Failures: as the store's.
 Result<std::vector<CellChange>> priceChanges(Session& session, std::span<const SheetColumn> columns,
-                                             std::span<const CellText> cells, const PriceStep& step, bool whole,
+                                             std::span<const CellText> cells, const PriceStep& step,
                                              char decimalSeparator);
 
 }  // namespace kv
