@@ -62,7 +62,10 @@ kv::bench::Timed measureSheet(const std::string& shop) {
     print(column == price ? "sort by price" : "sort by title",
           fastest([&] { return rows.refresh({}, order).has_value(); }), 150);
   }
-  kv::ReplaceRequest request{{"articolo"}, "x", {static_cast<std::size_t>(title)}, {}};
+  kv::ReplaceRequest request;
+  request.words.text = "articolo";
+  request.replacement = "x";
+  request.columns.push_back(static_cast<std::size_t>(title));
   for (std::size_t i = 0; i < rows.size(); ++i) request.articles.push_back(rows.article(i));
   const double found = fastest([&] { return kv::findHits(session, *columns, request, ',').has_value(); });
   std::printf("  %-42s %8.1f ms\n", "find in one column", found);
