@@ -60,6 +60,11 @@ class Withdrawals(CustomerCase):
             self.assertIn("2 x ", mail_text(mail))
             self.assertRegex(mail_text(mail), r"Ricevuto il: \d\d/\d\d/\d{4} \d\d:\d\d:\d\d")
 
+    def test_a_withdrawal_is_a_change_of_its_order(self):
+        shop().execute("UPDATE kv_ordini SET modificato = '2026-01-01'")
+        self.withdraw({0: 1})
+        self.assertEqual(shop().rows("SELECT COUNT(*) FROM kv_ordini WHERE modificato > '2026-01-02'"), [["1"]])
+
     def test_address_and_code_are_taken_whatever_their_case(self):
         self.assertIn("passo=scegli", self.look(code=self.code.lower(), address="ANNA@Example.org").address)
 

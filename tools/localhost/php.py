@@ -28,7 +28,9 @@ case "$1" in
 -f*) printf 'Return-Path: <%s>\r\n' "${{1#-f}}" >"$mail" || exit 75 ;;
 esac
 cat >>"$mail" || exit 75
-number=1
+# The number of mails is near the first free name: to try all from 1 on takes longer with each mail.
+set -- "$box"/*.eml
+number=$#
 until ln "$mail" "$box/$(printf %04d "$number").eml" 2>/dev/null; do
   number=$((number + 1))
   [ "$number" -lt 100000 ] || exit 75
