@@ -164,6 +164,33 @@ TEST(SumsOfSales, AreWhatALiteralComputationGives) {
   }
 }
 
+TEST(SumsOfSales, OfDepartmentsAreThoseOfTheirArticles) {
+  const auto departmentOf = [](std::int64_t article) {
+    return article == 0 ? std::string() : article % 2 == 0 ? std::string("Pari") : std::string("Dispari");
+  };
+  for (unsigned round = 0; round < seeds(50); ++round) {
+    const std::vector<DeskOrder> orders = randomOrders(seed() + round);
+    const auto sums = salesOf(orders, {SalesBy::Department, "", "", departmentOf});
+    ASSERT_TRUE(sums);
+    for (const CurrencySales& sales : *sums) {
+      for (const SalesRow& row : sales.rows) {
+        EXPECT_EQ(row.amount, literalSum(orders, sales.currency,
+                                         [&](const DeskOrder& order) {
+                                           std::int64_t sum = order.lines.empty() && row.key == "\t"
+                                                                  ? order.total.tenThousandths()
+                                                                  : 0;
+                                           for (const DeskOrderLine& line : order.lines) {
+                                             if (departmentOf(line.article) == row.key)
+                                               sum += line.price.tenThousandths() * line.quantity;
+                                           }
+                                           return sum;
+                                         }))
+            << round << " " << row.key;
+      }
+    }
+  }
+}
+
 TEST(SumsOfSales, WhatIsLeftAfterTheFirstRowsIsOneMore) {
   const std::vector<SalesRow> rows{{"a", "A", cents(9), 3, 2}, {"b", "B", cents(5), 2, 1}, {"c", "C", cents(2), 1, 1}};
   EXPECT_EQ(rowsTold(topRows(rows, 1)), "a [A] 900/3/2\n [Altri (2)] 700/3/2\n");

@@ -32,7 +32,8 @@ std::string paperCell(std::string_view tag, const PaperColumn& column, const std
 
 std::string paperTable(const std::vector<PaperColumn>& columns, const std::vector<std::vector<std::string>>& rows) {
   std::string html =
-      "<table width=\"100%\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" style=\"border-collapse:collapse\">"
+      "<table width=\"100%\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" "
+      "style=\"border-collapse:collapse;margin-top:6px;margin-bottom:6px\">"
       "<thead><tr>";
   for (const PaperColumn& column : columns) html += paperCell("th", column, std::string(column.heading));
   html += "</tr></thead>";
@@ -61,7 +62,7 @@ std::string totalsTable(const DeskOrder& order) {
                                                                                    {"iva", "IVA"},
                                                                                    {"spese", "Spese di spedizione"},
                                                                                    {"ivaspese", "IVA sulle spese"}}};
-  std::string html = "<table align=\"right\" cellspacing=\"0\" cellpadding=\"2\">";
+  std::string html = "<table align=\"right\" cellspacing=\"0\" cellpadding=\"4\">";
   const auto add = [&](const std::string& caption, const std::string& amount) {
     html += "<tr><td align=\"right\">" + caption + "</td><td align=\"right\" style=\"white-space:nowrap\">" + amount +
             "</td></tr>";
