@@ -16,6 +16,7 @@ constexpr double edge = 8;         // points around the whole
 constexpr double barShare = 0.72;  // of the band of a bar
 constexpr double widestBar = 64;   // points
 constexpr double nameShare = 0.4;  // of the width, at most, for names beside lying bars
+constexpr int lineAlpha = 64;      // of the lines at the marks, of 255
 constexpr int mostMarks = 6;
 constexpr int markRoomLines = 1;    // of text at the axis
 constexpr int narrowestMarks = 12;  // characters from one mark to the next, side by side
@@ -86,11 +87,13 @@ QRectF BarChart::barAt(const Room& room, std::size_t index) const {
 
 void BarChart::drawMarks(QPainter& painter, const Room& room) const {
   const QFontMetricsF metrics(font());
+  QColor faint = palette().color(QPalette::Text);
+  faint.setAlpha(lineAlpha);
   for (int i = 0; i <= room.marks.count; ++i) {
     const Money amount = Money::ofTenThousandths(room.marks.step.tenThousandths() * i);
     const double share = shareOf(amount, room.highest);
     const QString text = markText(amount, room.marks.step);
-    painter.setPen(palette().color(QPalette::Mid));
+    painter.setPen(faint);
     const QRectF& field = room.field;
     const double x = field.left() + share * field.width(), y = field.bottom() - share * field.height();
     painter.drawLine(isLying_ ? QLineF(x, field.top(), x, field.bottom()) : QLineF(field.left(), y, field.right(), y));
