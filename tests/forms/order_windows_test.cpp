@@ -168,7 +168,7 @@ TEST_F(ThePrintWindow, NoRowIsCutByTheEndOfAPageAndAllAfterThemIsOnPaper) {
 }
 
 TEST_F(ThePrintWindow, TheLogoIsOnPaperUnlessItIsSwitchedOff) {
-  const auto pictures = [&](PrintJob job) {
+  const auto pictures = [&](const PrintJob& job) {
     EXPECT_TRUE(writeOrdersPdf(file, std::vector{sampleOrder()}, job));
     return countOf(*readBytes(file), "/Subtype /Image");
   };

@@ -17,8 +17,8 @@ std::span<const LabelSheet> labelSheets() {
 LabelPosition labelPosition(const LabelSheet& sheet, int first, int index) {
   const int at = first + index;
   const int onPage = at % sheet.count();
-  return {at / sheet.count(), sheet.left + onPage % sheet.columns * (sheet.width + sheet.gap),
-          sheet.top + onPage / sheet.columns * sheet.height};
+  const int row = onPage / sheet.columns, column = onPage % sheet.columns;
+  return {at / sheet.count(), sheet.left + column * (sheet.width + sheet.gap), sheet.top + row * sheet.height};
 }
 
 std::string labelText(const DeskOrder& order) {

@@ -147,6 +147,7 @@ Result<std::vector<CurrencySales>> salesOf(std::span<const DeskOrder> orders, co
     if (!counted) return fail(counted.error());
   }
   std::vector<CurrencySales> sales;
+  sales.reserve(sums.size());
   for (auto& [currency, sum] : sums) sales.push_back(sum.finished(currency));
   std::ranges::stable_sort(sales, std::ranges::greater(), &CurrencySales::orders);
   return sales;
