@@ -29,7 +29,7 @@ struct HeadedColumn {
   std::string_view heading;
   int width;  // in characters, of a sheet
 };
-constexpr std::array orderColumns{
+constexpr std::array columnsOfOrder{
     HeadedColumn{"Codice", 14}, HeadedColumn{"Data", 17},  HeadedColumn{"Cliente", 26},   HeadedColumn{"E-mail", 28},
     HeadedColumn{"Totale", 12}, HeadedColumn{"Valuta", 8}, HeadedColumn{"Pagamento", 22}, HeadedColumn{"Stato", 14}};
 
@@ -39,29 +39,29 @@ struct FieldColumn {
   const char* field;
   int width;
 };
-constexpr std::array fieldColumns{FieldColumn{"Ragione sociale", "RagioneSociale", 24},
-                                  FieldColumn{"Partita IVA", "PartitaIVA", 16},
-                                  FieldColumn{"Indirizzo", "Indirizzo", 28},
-                                  FieldColumn{"CAP", "CAP", 8},
-                                  FieldColumn{"Città", "Citta", 20},
-                                  FieldColumn{"Provincia", "Provincia", 10},
-                                  FieldColumn{"Paese", "Paese", 14},
-                                  FieldColumn{"Telefono", "Telefono", 16},
-                                  FieldColumn{"Note", "Note", 30}};
-constexpr std::array lineColumns{HeadedColumn{"Riga", 6},
-                                 HeadedColumn{"Codice articolo", 16},
-                                 HeadedColumn{"Articolo", 30},
-                                 HeadedColumn{"Opzioni", 20},
-                                 HeadedColumn{"Articolo (cliente)", 30},
-                                 HeadedColumn{"Opzioni (cliente)", 20},
-                                 HeadedColumn{"Quantità", 9},
-                                 HeadedColumn{"Prezzo", 12},
-                                 HeadedColumn{"Totale riga", 12}};
+constexpr std::array columnsOfForm{FieldColumn{"Ragione sociale", "RagioneSociale", 24},
+                                   FieldColumn{"Partita IVA", "PartitaIVA", 16},
+                                   FieldColumn{"Indirizzo", "Indirizzo", 28},
+                                   FieldColumn{"CAP", "CAP", 8},
+                                   FieldColumn{"Città", "Citta", 20},
+                                   FieldColumn{"Provincia", "Provincia", 10},
+                                   FieldColumn{"Paese", "Paese", 14},
+                                   FieldColumn{"Telefono", "Telefono", 16},
+                                   FieldColumn{"Note", "Note", 30}};
+constexpr std::array columnsOfLine{HeadedColumn{"Riga", 6},
+                                   HeadedColumn{"Codice articolo", 16},
+                                   HeadedColumn{"Articolo", 30},
+                                   HeadedColumn{"Opzioni", 20},
+                                   HeadedColumn{"Articolo (cliente)", 30},
+                                   HeadedColumn{"Opzioni (cliente)", 20},
+                                   HeadedColumn{"Quantità", 9},
+                                   HeadedColumn{"Prezzo", 12},
+                                   HeadedColumn{"Totale riga", 12}};
 
 std::vector<HeadedColumn> fileColumns(bool withLines) {
-  std::vector<HeadedColumn> columns(orderColumns.begin(), orderColumns.end());
-  for (const FieldColumn& column : fieldColumns) columns.push_back({column.heading, column.width});
-  if (withLines) columns.insert(columns.end(), lineColumns.begin(), lineColumns.end());
+  std::vector<HeadedColumn> columns(columnsOfOrder.begin(), columnsOfOrder.end());
+  for (const FieldColumn& column : columnsOfForm) columns.push_back({column.heading, column.width});
+  if (withLines) columns.insert(columns.end(), columnsOfLine.begin(), columnsOfLine.end());
   return columns;
 }
 
@@ -89,7 +89,7 @@ FileRow orderCells(const DeskOrder& order) {
               textCell(order.name),    textCell(order.email),
               amountCell(order.total), textCell(order.currency),
               textCell(order.method),  textCell(order.state)};
-  for (const FieldColumn& column : fieldColumns) row.push_back(textCell(orderField(order, column.field)));
+  for (const FieldColumn& column : columnsOfForm) row.push_back(textCell(orderField(order, column.field)));
   return row;
 }
 
@@ -117,7 +117,7 @@ std::vector<FileRow> rowsOf(const DeskOrder& order, bool withLines) {
   if (rows.empty()) {
     rows.push_back(own);
     // Nothing at all, also no empty text in quotes.
-    rows.back().resize(own.size() + lineColumns.size(), FileCell{FileColumn::Whole, {}});
+    rows.back().resize(own.size() + columnsOfLine.size(), FileCell{FileColumn::Whole, {}});
   }
   return rows;
 }
