@@ -119,73 +119,57 @@ Money literalSum(const std::vector<DeskOrder>& orders, const std::string& curren
   return Money::ofTenThousandths(sum);
 }
 
-std::vector<CurrencySales> sumsBy(const std::vector<DeskOrder>& orders, SalesBy by) {
-  auto sales = salesOf(orders, {by});
-  EXPECT_TRUE(sales);
-  return sales ? *sales : std::vector<CurrencySales>();
-}
-
-TEST(SumsOfSales, AreWhatALiteralComputationGives) {
-  for (unsigned round = 0; round < seeds(50); ++round) {
-    const std::vector<DeskOrder> orders = randomOrders(seed() + round);
-    for (const SalesBy by : {SalesBy::Day, SalesBy::Week, SalesBy::Month}) {
-      for (const CurrencySales& sales : sumsBy(orders, by)) {
-        for (std::size_t i = 0; i < sales.rows.size(); ++i) {
-          const std::string& from = sales.rows[i].key;
-          const std::string until = i + 1 < sales.rows.size() ? sales.rows[i + 1].key : "9999";
-          EXPECT_EQ(sales.rows[i].amount, literalSum(orders, sales.currency,
-                                                     [&](const DeskOrder& order) {
-                                                       return order.created >= from && order.created < until
-                                                                  ? order.total.tenThousandths()
-                                                                  : 0;
-                                                     }))
-              << round << " " << from;
-        }
-      }
-    }
-    for (const CurrencySales& sales : sumsBy(orders, SalesBy::Article)) {
-      for (const SalesRow& row : sales.rows) {
-        EXPECT_EQ(row.amount, literalSum(orders, sales.currency,
-                                         [&](const DeskOrder& order) {
-                                           std::int64_t sum = order.lines.empty() && row.key == "\t"
-                                                                  ? order.total.tenThousandths()
-                                                                  : 0;
-                                           for (const DeskOrderLine& line : order.lines) {
-                                             const bool isIt = line.article == 0
-                                                                   ? row.key == "\tA0\tArticolo A0"
-                                                                   : row.key == std::to_string(line.article);
-                                             if (isIt) sum += line.price.tenThousandths() * line.quantity;
-                                           }
-                                           return sum;
-                                         }))
-            << round << " " << row.key;
-      }
-    }
+/// The sums by the time from one key to the next.
+void expectSumsOfTimes(const std::vector<DeskOrder>& orders, const CurrencySales& sales) {
+  for (std::size_t i = 0; i < sales.rows.size(); ++i) {
+    const std::string& from = sales.rows[i].key;
+    const std::string until = i + 1 < sales.rows.size() ? sales.rows[i + 1].key : "9999";
+    EXPECT_EQ(sales.rows[i].amount,
+              literalSum(orders, sales.currency,
+                         [&](const DeskOrder& order) {
+                           return order.created >= from && order.created < until ? order.total.tenThousandths() : 0;
+                         }))
+        << from;
   }
 }
 
-TEST(SumsOfSales, OfDepartmentsAreThoseOfTheirArticles) {
+/// The sums of the lines that belong to each row, by the key that a line has.
+void expectSumsOfLines(const std::vector<DeskOrder>& orders, const CurrencySales& sales,
+                       const std::function<std::string(const DeskOrderLine&)>& keyOf) {
+  for (const SalesRow& row : sales.rows) {
+    EXPECT_EQ(row.amount, literalSum(orders, sales.currency,
+                                     [&](const DeskOrder& order) {
+                                       std::int64_t sum =
+                                           order.lines.empty() && row.key == "\t" ? order.total.tenThousandths() : 0;
+                                       for (const DeskOrderLine& line : order.lines) {
+                                         if (keyOf(line) == row.key) sum += line.price.tenThousandths() * line.quantity;
+                                       }
+                                       return sum;
+                                     }))
+        << row.key;
+  }
+}
+
+TEST(SumsOfSales, AreWhatALiteralComputationGives) {
   const auto departmentOf = [](std::int64_t article) {
     return article == 0 ? std::string() : article % 2 == 0 ? std::string("Pari") : std::string("Dispari");
   };
   for (unsigned round = 0; round < seeds(50); ++round) {
+    SCOPED_TRACE(round);
     const std::vector<DeskOrder> orders = randomOrders(seed() + round);
-    const auto sums = salesOf(orders, {SalesBy::Department, "", "", departmentOf});
-    ASSERT_TRUE(sums);
-    for (const CurrencySales& sales : *sums) {
-      for (const SalesRow& row : sales.rows) {
-        EXPECT_EQ(row.amount, literalSum(orders, sales.currency,
-                                         [&](const DeskOrder& order) {
-                                           std::int64_t sum = order.lines.empty() && row.key == "\t"
-                                                                  ? order.total.tenThousandths()
-                                                                  : 0;
-                                           for (const DeskOrderLine& line : order.lines) {
-                                             if (departmentOf(line.article) == row.key)
-                                               sum += line.price.tenThousandths() * line.quantity;
-                                           }
-                                           return sum;
-                                         }))
-            << round << " " << row.key;
+    for (const SalesBy by : {SalesBy::Day, SalesBy::Week, SalesBy::Month, SalesBy::Department, SalesBy::Article}) {
+      const auto sums = salesOf(orders, {by, "", "", departmentOf});
+      ASSERT_TRUE(sums);
+      for (const CurrencySales& sales : *sums) {
+        if (isByTime(by)) {
+          expectSumsOfTimes(orders, sales);
+        } else if (by == SalesBy::Department) {
+          expectSumsOfLines(orders, sales, [&](const DeskOrderLine& line) { return departmentOf(line.article); });
+        } else {
+          expectSumsOfLines(orders, sales, [](const DeskOrderLine& line) {
+            return line.article == 0 ? std::string("\tA0\tArticolo A0") : std::to_string(line.article);
+          });
+        }
       }
     }
   }
