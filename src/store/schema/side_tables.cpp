@@ -11,6 +11,7 @@ namespace {
 constexpr int measureWidth = 2;
 constexpr int keyOfDepartment = 20;
 constexpr int makerName = 100;
+constexpr int digitsOfKey = 64;
 
 TableInfo keyed(const TableRule& rule) {
   TableInfo table = spreadTable(rule);
@@ -39,6 +40,10 @@ TableInfo makersTable() {
 }
 
 TableInfo safetyTable() { return keyed({"sicurezza", {text("chiave", keyOfDepartment), number("produttore")}}); }
+
+TableInfo orderKeyTable() {
+  return keyed({std::string(orderKeyTableName), {number("ID"), text("chiave", digitsOfKey)}});
+}
 
 TableInfo sentUnitTable() {
   return exported({"kv_unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}});

@@ -4,6 +4,8 @@
 // that uses none of them sends the same text as ever. No foreign keys: rows of an article that was deleted stay, and
 // serve again when the deletion is undone; numbers of articles are never given twice.
 
+#include <string_view>
+
 #include "platform/database/table_info.h"
 
 namespace kv {
@@ -15,6 +17,10 @@ TableInfo unitTable();
 TableInfo makersTable();
 /// `sicurezza`: the maker chosen for an article or a department. chiave ("12" or "cat007"), produttore (ID of a maker).
 TableInfo safetyTable();
+/// `chiave_ordini`: the key that signs requests for orders, one row. ID (1), chiave (64 hexadecimal digits). No part of
+/// the undo history.
+TableInfo orderKeyTable();
+inline constexpr std::string_view orderKeyTableName = "chiave_ordini";
 
 /// `kv_unita` of the build database: the rows of `unita` that are complete.
 TableInfo sentUnitTable();
