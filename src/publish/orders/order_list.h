@@ -37,6 +37,7 @@ std::string dayNote(std::string_view text);
 
 /// The columns of the list, and what an order shows in one of them.
 inline constexpr int orderColumns = 5;
+inline constexpr int orderNameColumn = 2;
 inline constexpr int orderTotalColumn = 3;
 std::string orderColumnTitle(int column);
 std::string orderCell(const OrderSummary& order, int column);
