@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::string_view ordersTitle = "Korvane - Ordini";
 constexpr int dayCharacters = 12;
-constexpr int listShare = 600, panelShare = 400;  // of the width, in proportion
+constexpr int listShare = 620, panelShare = 380;  // of the width, in proportion
 
 }  // namespace
 
@@ -57,7 +57,7 @@ frmOrdini::frmOrdini(OrderDesk& desk, UserPort& user, OrderTools tools, HelpOpen
   auto* column = new QVBoxLayout(this);
   column->addWidget(tabPagine_, 1);
   column->addWidget(makeCommands());
-  sizeInCharacters(150, 40);
+  sizeInCharacters(160, 40);
   desk_.open();
   reload();
   lstOrdini_->setFocus();

@@ -140,7 +140,7 @@ std::string orderCell(const OrderSummary& order, int column) {
     case 0:
       return order.code;
     case 1:
-      return orderDate(order.created, true);
+      return orderDate(order.created, false);
     case 2:
       return order.name;
     case 3:
