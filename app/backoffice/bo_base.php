@@ -3,31 +3,12 @@
 // The back office may stand anywhere on the host, so it uses no file of the shop's folder: kvcontext.php, kvutf8.php,
 // kvdati.php, kvdb.php, kvmail.php, kvlimits.php, kvtables.php and kvupgrade.php beside it are copies that the packing of the data
 // makes of the shop's own sources. Its own words and the catalogue's are Windows-1252, those of customers UTF-8: kvHtml and kvHtmlUtf8.
-include_once __DIR__ . '/kvcontext.php';
-include_once __DIR__ . '/kvdb.php';
-include_once __DIR__ . '/kvtables.php';
+include_once __DIR__ . '/bo_impostazioni.php';
 include_once __DIR__ . '/bo_pagina.php';
 
 /** Seconds without a request after which the access ends, and seconds after which it ends anyway. */
 const BO_INATTIVITA = 1800;
 const BO_DURATA = 43200;
-
-/** The shop's settings, as they were before the build put a backslash before each quote. */
-function boImpostazioni(): array
-{
-    static $impostazioni = null;
-    if ($impostazioni === null) {
-        $righe = kvValori(<<<'KORVANE_VALORI'
-<<1-bo_username>>
-<<1-bo_password>>
-<<1-negozio>>
-<<1-perl_shopURL>>
-KORVANE_VALORI
-        );
-        $impostazioni = array_combine(['utente', 'password', 'negozio', 'indirizzo'], array_slice($righe, 0, 4));
-    }
-    return $impostazioni;
-}
 
 /** Whether the merchant has set both a user name and a password; without them nobody gets in. */
 function boProtetto(): bool
@@ -159,12 +140,6 @@ function boNumero(array $modulo, string $nome, int $minimo, int $massimo): int
 {
     $testo = kvCampo($modulo, $nome, 10);
     return max($minimo, min($massimo, preg_match('/^\d+$/D', $testo) ? (int) $testo : $minimo));
-}
-
-/** How many rows a query of the form SELECT COUNT(*) AS n counts. */
-function boConta(string $sql, array $valori = []): int
-{
-    return (int) (kvRiga($sql, $valori)['n'] ?? 0);
 }
 
 boIntestazioni();

@@ -122,7 +122,7 @@ function boNomeMetodo(array $ordine, array $dati): string
 function boAnnota(int $ordine, string $tipo, string $testo): bool
 {
     return kvQuery('INSERT INTO kv_annotazioni (ordine, quando, tipo, testo) VALUES (?, NOW(), ?, ?)',
-        [$ordine, $tipo, $testo]) !== null;
+        [$ordine, $tipo, $testo]) !== null && kvToccaOrdine($ordine);
 }
 
 /**
@@ -181,6 +181,7 @@ function boMuoviScorte(array $pezzi, int $verso): bool
 function boCambiaStato(array $ordine, string $prima, string $dopo, bool $scorte): bool
 {
     // The tables must stand before the transaction: making one would end it.
+    kvTabellePronte();
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     kvRiga('SELECT COUNT(*) FROM kv_annotazioni WHERE ordine = 0');
     mysqli_begin_transaction(kvConnessione());

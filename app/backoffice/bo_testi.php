@@ -2,6 +2,7 @@
 // The mails that tell a customer of a change of state: words for each state in four languages, which the merchant
 // changes on the page testi.php. They hold nothing that the customer typed, for an order's address may be a stranger's.
 include_once "kvmail.php";
+include_once "bo_ordini.php";
 
 /** The languages of the words, by code. */
 const BO_LINGUE = ['it' => 'Italiano', 'en' => 'Inglese', 'fr' => 'Francese', 'de' => 'Tedesco'];
@@ -88,4 +89,14 @@ function boScriviStato(array $ordine, string $stato, string $proprio): string
     $partito = kvMail($ordine['email'], $negozio['email'],
         $negozio['nome'] . ' - ' . boRiempi($testo['oggetto'], $ordine), $corpo);
     return $partito ? "Messaggio al cliente: $stato" : kvDaCp1252("Il server non ha accettato il messaggio al cliente: $stato");
+}
+
+/** The same, noted at the order. */
+function boAvvisaCliente(array $ordine, string $stato, string $proprio): string
+{
+    $esito = boScriviStato($ordine, $stato, $proprio);
+    if ($esito !== '') {
+        boAnnota((int) $ordine['id'], 'messaggio', $esito);
+    }
+    return $esito;
 }

@@ -4,31 +4,10 @@
 // was changed on the page is stored, and only where the database still holds what the page had shown.
 include "bo_base.php";
 include_once "bo_scorte.php";
+include_once "bo_voci.php";
 boRiservata();
 
 const BO_PER_PAGINA = 50;
-
-/**
- * The list of articles (A) or values of variants (V): its tables, its key in the character set and order of
- * kv_disponibilita, what is grouped by, what is shown, what a search looks into, the order. All of it is SQL of our own.
- */
-function boFonti(): array
-{
-    $valore = "CONVERT(LEFT(CONCAT(g.ID, '.', a.OpID, '.', a.codice), 100) USING latin1) COLLATE latin1_bin";
-    return [
-        'A' => ['tabelle' => 'articoli a LEFT JOIN dettaglio g ON g.ID = a.ID',
-            'chiave' => 'CONVERT(CAST(a.ID AS CHAR) USING latin1) COLLATE latin1_bin', 'gruppo' => 'a.ID',
-            'campi' => 'MAX(a.ID) AS chiave, MAX(g.codice) AS codice, MAX(a.plain_titolo) AS nome',
-            'cerca' => "CONCAT_WS(' ', g.codice, a.plain_titolo)", 'ordine' => 'MAX(g.codice), MAX(a.plain_titolo), a.ID'],
-        'V' => ['tabelle' => 'opcodici a INNER JOIN dettaglio g ON a.OpID IN (' . kvColonneVarianti('g')
-                . ') INNER JOIN articoli t ON t.ID = g.ID LEFT JOIN opzioni p ON p.ID = a.OpID',
-            'chiave' => $valore, 'gruppo' => $valore,
-            'campi' => "MAX($valore) AS chiave, MAX(a.codice) AS codice,"
-                . " MAX(CONCAT_WS(' ', g.codice, t.plain_titolo, '-', p.nomeopzione)) AS nome",
-            'cerca' => "CONCAT_WS(' ', a.codice, g.codice, t.plain_titolo, p.nomeopzione)",
-            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice), ' . $valore],
-    ];
-}
 
 /** What a request asks of the list: the parameters, the tables, the condition and its values. */
 function boFiltroDisponibilita(array $richiesta): array
@@ -39,48 +18,12 @@ function boFiltroDisponibilita(array $richiesta): array
         'scarsi' => boCondizioneScarsi()];
     $parametri = ['tipo' => $tipo, 'q' => kvRigaCampo($richiesta, 'q', 100),
         'vedi' => isset($filtri[$vedi]) ? $vedi : ''];
-    $fonte = boFonti()[$tipo];
-    $tabelle = $fonte['tabelle']
-        . " LEFT JOIN kv_disponibilita d ON d.tipo = '$tipo' AND d.chiave = " . $fonte['chiave'];
+    $tabelle = boTabelleVoci($tipo);
     $dove = $parametri['vedi'] === '' ? '1 = 1' : $filtri[$vedi];
     if ($parametri['q'] === '') {
         return [$parametri, $tabelle, $dove, []];
     }
-    return [$parametri, $tabelle, $dove . ' AND INSTR(' . $fonte['cerca'] . ', ?) > 0', [kvDaUtf8($parametri['q'])]];
-}
-
-/** What the fields of a row say: "1|12", "1|" without a limit, "0|..." for none; null when the quantity is none. */
-function boVoce(bool $disponibile, string $quantita): ?string
-{
-    return preg_match('/^\d{0,7}$/D', $quantita) ? ($disponibile ? '1' : '0') . '|' . ltrim($quantita, '0')
-        . (preg_match('/^0+$/D', $quantita) ? '0' : '') : null;
-}
-
-/** The same of a row of kv_disponibilita, null for a missing one. */
-function boVoceRiga(?array $riga): string
-{
-    return $riga === null ? '1|' : ($riga['disponibile'] ? '1' : '0') . '|' . ($riga['quantita'] === null ? ''
-        : max(0, (int) $riga['quantita']));
-}
-
-/** Stores one row whose fields went from `prima` to `dopo`; false when the database no longer holds `prima`. */
-function boSalvaVoce(string $tipo, string $chiave, string $prima, string $dopo): bool
-{
-    mysqli_begin_transaction(kvConnessione());
-    $riga = kvRiga('SELECT disponibile, quantita FROM kv_disponibilita WHERE tipo = ? AND chiave = ? FOR UPDATE',
-        [$tipo, $chiave]);
-    if (boVoceRiga($riga) !== $prima) {
-        mysqli_rollback(kvConnessione());
-        return false;
-    }
-    list($disponibile, $quantita) = explode('|', $dopo);
-    if ($dopo === '1|') {
-        kvQuery('DELETE FROM kv_disponibilita WHERE tipo = ? AND chiave = ?', [$tipo, $chiave]);
-    } else {
-        kvQuery('REPLACE INTO kv_disponibilita (tipo, chiave, disponibile, quantita) VALUES (?, ?, ?, ?)',
-            [$tipo, $chiave, (int) $disponibile, $quantita === '' ? null : (int) $quantita]);
-    }
-    return mysqli_commit(kvConnessione());
+    return [$parametri, $tabelle, $dove . ' AND INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [kvDaUtf8($parametri['q'])]];
 }
 
 /** Stores the rows of the form that were changed, and tells of those that couldn't be. */
@@ -89,8 +32,6 @@ function boSalvaVoci(string $tipo): void
     $campi = array_map(fn($nome) => is_array($_POST[$nome] ?? null) ? $_POST[$nome] : [], ['c' => 'c', 'p' => 'p',
         'd' => 'd', 'q' => 'q']);
     $salvate = 0;
-    // The table must stand before a transaction: making it would end one.
-    kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     foreach (array_slice($campi['c'], 0, BO_PER_PAGINA, true) as $n => $chiave) {
         $chiave = kvDaUtf8(kvCampo($campi['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
         $prima = kvCampo($campi['p'], (string) $n, 12);
@@ -123,11 +64,11 @@ function boSegnoScorta(bool $disponibile, string $quantita): string
 /** The fields of one row, as cells. */
 function boCelleVoce(int $n, array $riga): array
 {
-    $voce = boVoceRiga($riga['d'] === null ? null : $riga);
+    $voce = boVoceTrovata($riga);
     $nome = trim($riga['codice'] . ' ' . strip_tags((string) $riga['nome']));
     $quantita = explode('|', $voce)[1];
     return [
-        kvHtml($riga['codice']), kvHtml(html_entity_decode(strip_tags((string) $riga['nome']), ENT_QUOTES, 'cp1252')),
+        kvHtml($riga['codice']), kvHtml(boNomeVoce($riga)),
         '<input type="hidden" name="c[' . $n . ']" value="' . kvHtml($riga['chiave']) . '">'
             . '<input type="hidden" name="p[' . $n . ']" value="' . $voce . '">'
             . '<input type="checkbox" name="d[' . $n . ']" value="1" aria-label="Disponibile: ' . kvHtml($nome) . '"'
@@ -153,9 +94,8 @@ $boFonte = boFonti()[$boParametri['tipo']];
 $boTrovate = boConta("SELECT COUNT(DISTINCT {$boFonte['gruppo']}) AS n FROM $boTabelle WHERE $boDove", $boValori);
 $boQuantePagine = max(1, (int) ceil($boTrovate / BO_PER_PAGINA));
 $boPagina = boNumero($_GET, 'p', 1, $boQuantePagine);
-$boVoci = kvQuery("SELECT {$boFonte['campi']}, MAX(d.chiave) AS d, MAX(d.disponibile) AS disponibile,"
-    . " MAX(d.quantita) AS quantita FROM $boTabelle WHERE $boDove GROUP BY {$boFonte['gruppo']} ORDER BY "
-    . "{$boFonte['ordine']} LIMIT " . BO_PER_PAGINA . ' OFFSET ' . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
+$boVoci = boTrovaVoci($boParametri['tipo'], [$boDove, $boValori], ($boPagina - 1) * BO_PER_PAGINA, BO_PER_PAGINA)
+    ?? [];
 boInizio('Disponibilità', 'disponibilita.php');
 ?>
 <form class="filtro" method="get" accept-charset="utf-8" action="disponibilita.php" role="search">

@@ -43,9 +43,8 @@ function boEseguiStato(array $ordine): void
         return;
     }
     boAvvisa("Lo stato dell'ordine è ora: $dopo.");
-    $esito = isset($_POST['scrivi']) ? boScriviStato($ordine, $dopo, kvCampo($_POST, 'messaggio', BO_TESTO_MASSIMO)) : '';
+    $esito = isset($_POST['scrivi']) ? boAvvisaCliente($ordine, $dopo, kvCampo($_POST, 'messaggio', BO_TESTO_MASSIMO)) : '';
     if ($esito !== '') {
-        boAnnota((int) $ordine['id'], 'messaggio', $esito);
         boAvvisa(kvDaUtf8($esito) . '.', strpos($esito, 'Il server') === 0);
     }
 }

@@ -90,6 +90,14 @@ TEST_F(DatabaseUpdate, EachLanguageIsOnePostWithATokenOfItsOwn) {
   EXPECT_EQ(host.requests[0].timeoutSeconds, 28800);
 }
 
+TEST_F(DatabaseUpdate, TheKeyOfOrdersGoesAlongWithEachLanguageOnceThereIsOne) {
+  job.orderKey = std::string(64, 'f');
+  EXPECT_EQ(run(), "OK");
+  EXPECT_EQ(host.requests[0].body, "rnd=abcdefghijklmnopqrst&sec=abc&chiave=" + job.orderKey);
+  EXPECT_EQ(host.requests[1].body, "rnd=uvwxyzabcdefghijklmn&sec=abc&chiave=" + job.orderKey);
+  for (const std::string log : {"db1.log", "db2.log"}) EXPECT_EQ(read(log).find(job.orderKey), std::string::npos);
+}
+
 TEST_F(DatabaseUpdate, TheNumberOfLanguagesIsThatOfTheBuild) {
   languages(1);
   EXPECT_EQ(run(), "OK");

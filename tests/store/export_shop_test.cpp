@@ -6,6 +6,7 @@
 
 #include "platform/files/trees.h"
 #include "shop_fixture.h"
+#include "store/shop/kept_order_key.h"
 #include "store/shop/load_shop.h"
 #include "support/failing_files.h"
 
@@ -148,6 +149,14 @@ TEST_F(ExportingAShop, PasswordsStayAtHomeWhenAsked) {
   EXPECT_EQ(copied("firewall.net"), "(none)");
   EXPECT_EQ(copied("kvftp.ini"), "passiva");
   EXPECT_EQ(asText(*session.catalogue.scalar("SELECT password FROM generale")), "Zq7Segreta");
+}
+
+TEST_F(ExportingAShop, TheKeyOfOrdersGoesAlongWithThePasswordsAlone) {
+  const std::string key(64, 'a');
+  ASSERT_TRUE(writeOrderKey(session.catalogue, key));
+  ASSERT_EQ(exportWith("OKW"), ExportOutcome::Done);
+  EXPECT_EQ(copied("catalog.mdb").find(key), std::string::npos) << "not in the file's free space either";
+  EXPECT_EQ(readOrderKey(session.catalogue).value(), key);
 }
 
 TEST_F(ExportingAShop, TheOpenShopIsNotWritten) {

@@ -5,6 +5,7 @@
 #include "platform/files/file_gate.h"
 #include "store/dated_copies_fixture.h"
 #include "store/shop/compact.h"
+#include "store/shop/kept_order_key.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "support/failing_files.h"
@@ -67,6 +68,24 @@ TEST_F(RestoringACopy, LetsNoJournalOfTheReplacedCatalogueLoose) {
   EXPECT_FALSE(fileExists(folder + "/catalog.mdb-journal"));
   EXPECT_EQ(title(), "Lampada");
   EXPECT_EQ(title("backup/" + names().front()), "Lume");
+}
+
+TEST_F(RestoringACopy, LeavesTheShopTheKeyOfOrdersThatItsServerKnows) {
+  const auto key = [this] {
+    auto catalogue = Database::open(folder + "/catalog.mdb", OpenMode::ReadOnly).value();
+    return readOrderKey(catalogue).value();
+  };
+  const std::string known(64, 'a');
+  {
+    auto catalogue = Database::open(folder + "/catalog.mdb", OpenMode::Shared).value();
+    ASSERT_TRUE(writeOrderKey(catalogue, known));
+  }
+  ASSERT_TRUE(restoreCopy(folder, oldest(), clock));
+  EXPECT_EQ(title(), "Lampada");
+  EXPECT_EQ(key(), known);
+  std::filesystem::remove(folder + "/catalog.mdb");
+  ASSERT_TRUE(restoreCopy(folder, names().back(), clock));
+  EXPECT_EQ(key(), "") << "the copy is of a time without a key, and nothing tells of another one";
 }
 
 TEST_F(RestoringACopy, RefusesADamagedCopy) {

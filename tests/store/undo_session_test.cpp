@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "store/shop/kept_order_key.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_facts.h"
 #include "store/tree_fixture.h"
@@ -72,6 +73,15 @@ TEST_F(UndoSession, TheLanguagesFollowAndOneThatIsGoneGivesWayToTheFirst) {
   EXPECT_EQ(session.currentLanguage, 1);
   ASSERT_TRUE(steps.redo());
   EXPECT_EQ(session.languageNames[1], "inglese");
+}
+
+TEST_F(UndoSession, AKeyOfOrdersStaysWhateverIsUndone) {
+  change("UPDATE generale SET template = 'altro'");
+  const std::string key(64, 'a');
+  ASSERT_TRUE(steps.record("Ordini", [&] { return writeOrderKey(session.catalogue, key); }));
+  ASSERT_TRUE(steps.undo());
+  EXPECT_EQ(session.templatePath, "template/base") << "the key was no step";
+  EXPECT_EQ(readOrderKey(session.catalogue).value(), key);
 }
 
 TEST_F(UndoSession, AfterEveryUndoAndRedoTheSessionIsThatOfTheStateShown) {

@@ -49,6 +49,24 @@ class Update(Case):
         self.assertEqual(self.update(), REFUSED)
         self.assertEqual(shop().rows("SHOW TABLES LIKE 'prova'"), [])
 
+    def test_the_key_of_orders_is_kept_by_the_database_once_the_word_was_right(self):
+        kept = lambda: shop().rows("SELECT valore FROM kv_stato WHERE nome = 'chiave_ordini'")
+        shop().execute("DELETE FROM kv_stato WHERE nome = 'chiave_ordini'")
+        key = "0123456789abcdef" * 4
+        self.put(TABLE)
+        self.assertEqual(self.update("x", chiave=key), REFUSED)
+        self.assertEqual(kept(), [])
+        for wrong in ("", key[1:], key.upper(), key + "\n"):
+            self.put(TABLE)
+            self.assertEqual(self.update(chiave=wrong), "OK")
+        self.assertEqual(kept(), [])
+        for fields in ({"chiave": key}, {}, {"chiave[]": "f" * 64}):
+            self.put(TABLE)
+            self.assertEqual(self.update(**fields), "OK")
+            self.assertEqual(kept(), [[key]])
+        files = [path for path in shop().shop.rglob("*") if path.is_file()]
+        self.assertEqual([path for path in files if key.encode() in path.read_bytes()], [])
+
     def test_an_empty_word_opens_nothing(self):
         for first in (b"#\r\n", b"\r\n", b""):
             for name in ("db.sql", "dbdel.sql"):

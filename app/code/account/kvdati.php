@@ -81,7 +81,8 @@ function kvAnonimizzaOrdine(array $ordine): bool
     $dati = kvJson($ordine['dati']);
     $dati = is_array($dati) ? $dati : [];
     $dati['campi'] = array_intersect_key(is_array($dati['campi'] ?? null) ? $dati['campi'] : [], KV_CAMPI_ANONIMI);
-    return kvQuery("UPDATE kv_ordini SET cliente = 0, nome = ?, email = '', dati = ?, riepilogo = '' WHERE id = ?",
+    return kvQuery("UPDATE kv_ordini SET cliente = 0, nome = ?, email = '', dati = ?, riepilogo = '',"
+            . " modificato = CURRENT_TIMESTAMP(6) WHERE id = ?",
             [KV_CLIENTE_ELIMINATO, (string) json_encode($dati, JSON_INVALID_UTF8_SUBSTITUTE), (int) $ordine['id']]) !== null
         && kvQuery("UPDATE kv_recessi SET email = '' WHERE ordine = ?", [(int) $ordine['id']]) !== null
         && kvQuery("DELETE FROM kv_annotazioni WHERE ordine = ? AND tipo <> 'stato'", [(int) $ordine['id']]) !== null;

@@ -17,6 +17,7 @@ const KV_LIMITI = [
     'ordini_email' => [5, 60],          // orders that write to one address
     'pagamenti' => [10, 15],            // starts of one order's payment
     'recessi' => [20, 15],              // looks for an order to withdraw from, from one address
+    'firme' => [10, 15],                // wrong signatures of requests for orders, from one address
 ];
 /** Seconds that a person takes at least to fill an order or a registration. */
 const KV_TEMPO_MINIMO = 3;

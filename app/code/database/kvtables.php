@@ -5,7 +5,9 @@
 include_once "kvlimits.php";
 
 /** What the tables have become; a lower number in kv_stato asks for the steps of kvAggiornaTabelle. */
-const KV_TABELLE = 3;
+const KV_TABELLE = 4;
+/** When an order or what belongs to it last changed; the server sees to it. In world time, so that no hour comes twice. */
+const KV_MODIFICATO = 'TIMESTAMP(6) NOT NULL DEFAULT CURRENT_TIMESTAMP(6) ON UPDATE CURRENT_TIMESTAMP(6)';
 
 /**
  * Name and columns of each table; InnoDB, since an order and its stock change together. Texts of visitors are UTF-8; the
@@ -28,7 +30,9 @@ function kvDefinizioni(): array
             . " email VARCHAR(190) NOT NULL, totale DECIMAL(12,2) NOT NULL, valuta VARCHAR(60) NOT NULL,"
             . " metodo VARCHAR(200) NOT NULL, stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL,"
             . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo MEDIUMTEXT NOT NULL,"
-            . " KEY creato (creato), KEY cliente (cliente)",
+            . " modificato " . KV_MODIFICATO . ", KEY creato (creato), KEY cliente (cliente), KEY modificato (modificato, id)",
+        // Numbers of signed requests, none of which is taken twice; quando: seconds since 1970.
+        'kv_numeri' => "numero CHAR(32) NOT NULL PRIMARY KEY, quando BIGINT NOT NULL, KEY quando (quando)",
         // tipo A: an article by its number; V: article, variant and code of a value. No row: available without limit.
         'kv_disponibilita' => "tipo CHAR(1) NOT NULL, chiave VARCHAR(100) COLLATE latin1_bin NOT NULL,"
             . " disponibile TINYINT NOT NULL DEFAULT 1, quantita INT NULL, PRIMARY KEY (tipo, chiave)",
@@ -86,6 +90,12 @@ function kvTabellePronte(): void
         kvTabelle();
     }
     $pronte = true;
+}
+
+/** Marks that what belongs to an order has changed: notes, withdrawals. The tables must be those of this release. */
+function kvToccaOrdine(int $ordine): bool
+{
+    return kvQuery('UPDATE kv_ordini SET modificato = CURRENT_TIMESTAMP(6) WHERE id = ?', [$ordine]) !== null;
 }
 
 /** A group word of related articles as kv_voci has it; where two have the same beginning, the word itself decides. */

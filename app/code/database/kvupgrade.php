@@ -37,7 +37,8 @@ function kvTabelleInUtf8(): bool
 /** The columns that earlier releases didn't have. */
 function kvColonneNuove(): bool
 {
-    foreach (['kv_clienti' => ['provato', 'TINYINT NOT NULL DEFAULT 0'], 'kv_richieste' => ['dati', 'TEXT NULL']]
+    foreach (['kv_clienti' => ['provato', 'TINYINT NOT NULL DEFAULT 0'], 'kv_richieste' => ['dati', 'TEXT NULL'],
+              'kv_ordini' => ['modificato', KV_MODIFICATO . ', ADD KEY modificato (modificato, id)']]
              as $tabella => list($colonna, $tipo)) {
         $righe = kvQuery('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA = DATABASE()'
             . ' AND TABLE_NAME = ? AND COLUMN_NAME = ?', [$tabella, $colonna]);

@@ -120,7 +120,7 @@ function kvRegistraRecesso(int $id, array $scelta): ?array
         $esito = kvQuery('INSERT INTO kv_recessi (numero, ordine, creato, email, tardi, stato, lingua, righe, ricevuta)'
             . " VALUES (?, ?, NOW(), ?, ?, 'ricevuto', ?, ?, ?)", [$numero, $id, $ordine['email'], (int) $ordine['tardi'],
             "<<1-IDlingua>>", (string) json_encode($righe, JSON_INVALID_UTF8_SUBSTITUTE), $ricevuta]);
-        if ($esito !== null && mysqli_commit(kvConnessione())) {
+        if ($esito !== null && kvToccaOrdine($id) && mysqli_commit(kvConnessione())) {
             return ['numero' => $numero, 'ricevuta' => $ricevuta, 'email' => (string) $ordine['email']];
         }
     }

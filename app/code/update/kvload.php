@@ -214,6 +214,17 @@ function kvFileDiagnosi(): string
     return rtrim(sys_get_temp_dir(), '/\\') . '/kvdiagnosi' . substr(hash('sha256', __DIR__), 0, 16);
 }
 
+/**
+ * Keeps the key with which the merchant's own machine signs its requests for orders, in the database alone. The caller
+ * has proven itself.
+ */
+function kvTieniChiave($chiave): void
+{
+    if (is_string($chiave) && preg_match('/^[0-9a-f]{64}$/D', $chiave) && kvStato('chiave_ordini') !== $chiave) {
+        kvMettiStato('chiave_ordini', $chiave);
+    }
+}
+
 /** What lets a caller's address ask until a moment: others on the host can't make it without the database's password. */
 function kvFirmaDiagnosi(string $fino): string
 {

@@ -25,6 +25,7 @@ if ($kvVia === null || $kvNuovo === null || !hash_equals($kvNuovo['parola'], $kv
     die('accesso al database non autorizzato');
 }
 kvAmmettiDiagnosi();
+kvTieniChiave($_POST['chiave'] ?? null);
 kvProteggiSql($kvFile);
 $kvEsito = kvCaricaTutto($kvVia, $kvNuovo, "<<1-IDlingua>>");
 if ($kvEsito === '') {

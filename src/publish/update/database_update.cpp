@@ -7,6 +7,7 @@
 #include "platform/ports/failure_text.h"
 #include "platform/text/public_address.h"
 #include "platform/text/text.h"
+#include "publish/orders/order_key.h"
 #include "publish/update/sent_sql.h"
 #include "sqlexport/export_files.h"
 #include "sqlexport/sql_style.h"
@@ -36,6 +37,7 @@ HttpRequest updateRequest(const UpdateJob& job, const UpdateParts& parts, int la
   request.url = job.siteBase + "/" + updateScript(language);
   request.method = "POST";
   request.body = "rnd=" + requestToken(parts.random) + "&sec=" + job.shop.db_security;
+  if (!job.orderKey.empty()) request.body += "&chiave=" + job.orderKey;
   request.headers = {"Content-Type: application/x-www-form-urlencoded"};
   request.timeoutSeconds = updateTimeout;
   return request;
@@ -136,7 +138,9 @@ Result<UpdateJob> updateJobOf(Session& session) {
   const auto folder = session.catalogue.scalar("SELECT cartella FROM generale");
   if (!folder) return fail(folder.error());
   const std::string base = publicAddress(shop->URL, asText(*folder));
-  return UpdateJob{session.ShopFolder, session.onlineFolder, base, std::move(*shop)};
+  auto key = orderKey(session);
+  if (!key) return fail(key.error());
+  return UpdateJob{session.ShopFolder, session.onlineFolder, base, std::move(*shop), std::move(*key)};
 }
 
 std::string updateScript(int language) {

@@ -21,6 +21,7 @@ struct UpdateJob {
   std::string onlineFolder;  ///< holds the number of languages of the build
   std::string siteBase;      ///< "http://host/folder", without a closing slash
   PublishedShop shop;
+  std::string orderKey{};  ///< goes to the shop's database with each request; empty: the shop has none
 };
 /// The job of an open shop. Failures as Database::prepare.
 Result<UpdateJob> updateJobOf(Session& session);

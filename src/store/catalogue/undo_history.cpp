@@ -1,15 +1,17 @@
 #include "store/catalogue/undo_history.h"
 
 #include "platform/text/text.h"
+#include "store/schema/side_tables.h"
 #include "store/schema/working_copies.h"
 
 namespace kv {
 namespace {
 
-// The clipboard is no matter of the history, nor are the copies a dialog keeps aside; and a serial number once given
-// is not given again, whatever is undone.
+// The clipboard is no matter of the history, nor are the copies a dialog keeps aside; a serial number once given is
+// not given again, and a key that the server may know is not forgotten, whatever is undone.
 bool isWatched(std::string_view table) {
-  return !startsWithIgnoringCase(table, "clip") && !startsWithIgnoringCase(table, "sqlite_") && !isWorkingCopy(table);
+  return !startsWithIgnoringCase(table, "clip") && !startsWithIgnoringCase(table, "sqlite_") && !isWorkingCopy(table) &&
+         table != orderKeyTableName;
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ struct ExportChoice {
   bool resetFolders = false;   ///< R
   bool withAllTags = false;    ///< P
   bool asZip = false;          ///< Z: one archive in the folder, instead of the files themselves
-  bool noPasswords = false;    ///< W: those of server and database are emptied in the copy, the firewall's file stays
+  bool noPasswords = false;    ///< W: those of server and database and the key of orders go from the copy, the firewall's file stays
 };
 /// "OK" and the characters of what is chosen, in the order TLSRPWZ.
 std::string exportTag(const ExportChoice& choice);

@@ -4,6 +4,7 @@
 #include "platform/text/text.h"
 #include "store/exchange/export_plan.h"
 #include "store/exchange/moved_pieces.h"
+#include "store/shop/kept_order_key.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
@@ -136,6 +137,7 @@ Result<> emptyColumns(const std::string& catalogue, const ExportChoice& choice) 
   Result<> done;
   if (choice.resetFolders) done = copy->execute("UPDATE generale SET siteonline = '', sitescript = ''");
   if (done && choice.noPasswords) done = copy->execute("UPDATE generale SET password = '', db_password = ''");
+  if (done && choice.noPasswords) done = dropOrderKey(*copy);
   // Emptied fields would stay in the file's free space.
   if (done && choice.noPasswords) done = copy->execute("VACUUM");
   return done;

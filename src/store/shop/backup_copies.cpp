@@ -11,6 +11,7 @@
 #include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "store/shop/compact.h"
+#include "store/shop/kept_order_key.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/numbered_backup.h"
 #include "store/shop/session_start.h"
@@ -218,6 +219,19 @@ Result<> exchangeForCopy(const std::string& shopFolder, const CatalogueExchange&
   return {};
 }
 
+/// Gives the replacement the key that the shop's server knows: that of the catalogue which goes, if it can be read.
+void carryOrderKey(const CatalogueExchange& files) {
+  auto present = Database::open(files.catalogue, OpenMode::ReadOnly);
+  if (!present) return;
+  const auto key = readOrderKey(*present);
+  present->close();
+  if (!key || key->empty()) return;
+  auto replacement = Database::open(files.replacement, OpenMode::Shared);
+  const auto own = replacement ? readOrderKey(*replacement) : Result<std::string>(fail(replacement.error()));
+  if (!own || *own == *key) return;
+  ignore(writeOrderKey(*replacement, *key), "the next publish run brings the copy's own key along");
+}
+
 }  // namespace
 
 Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock) {
@@ -231,6 +245,7 @@ Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock
   // The replacement is complete before the catalogue is held. From then on names alone change: to open and close the
   // held file once more would give its lock up (fcntl(2), advisory record locking).
   if (auto placed = copyFile(copy, files.replacement); !placed) return placed;
+  if (fileExists(files.catalogue)) carryOrderKey(files);
   if (!fileExists(files.catalogue)) {
     if (auto dropped = dropJournal(shopFolder); !dropped) return dropped;
     return renameFile(files.replacement, files.catalogue);

@@ -1,0 +1,28 @@
+<?php
+// The shop's settings and small questions to its database: what pages and remoto.php share, which has no session.
+include_once __DIR__ . '/kvcontext.php';
+include_once __DIR__ . '/kvdb.php';
+include_once __DIR__ . '/kvtables.php';
+
+/** The shop's settings, as they were before the build put a backslash before each quote. */
+function boImpostazioni(): array
+{
+    static $impostazioni = null;
+    if ($impostazioni === null) {
+        $righe = kvValori(<<<'KORVANE_VALORI'
+<<1-bo_username>>
+<<1-bo_password>>
+<<1-negozio>>
+<<1-perl_shopURL>>
+KORVANE_VALORI
+        );
+        $impostazioni = array_combine(['utente', 'password', 'negozio', 'indirizzo'], array_slice($righe, 0, 4));
+    }
+    return $impostazioni;
+}
+
+/** How many rows a query of the form SELECT COUNT(*) AS n counts. */
+function boConta(string $sql, array $valori = []): int
+{
+    return (int) (kvRiga($sql, $valori)['n'] ?? 0);
+}
