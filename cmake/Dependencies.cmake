@@ -22,7 +22,7 @@ if(NOT kind STREQUAL INTERFACE_LIBRARY)
 endif()
 
 # The windows alone need Qt; without it the core and the command line program are built all the same.
-find_package(Qt6 6.4 QUIET COMPONENTS Widgets Svg DBus Test)
+find_package(Qt6 6.4 QUIET COMPONENTS Widgets PrintSupport Svg DBus Test)
 if(NOT Qt6_FOUND)
   message(STATUS "Qt 6 is missing: the window is left out")
 endif()

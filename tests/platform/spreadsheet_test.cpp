@@ -75,6 +75,26 @@ class Spreadsheets : public ::testing::Test {
   TempFolder root;
 };
 
+TEST_F(Spreadsheets, AmountsAndMomentsAreNumbersAndDates) {
+  auto writer = SheetWriter::create(root / "foglio.xlsx", "Uno");
+  ASSERT_TRUE(writer);
+  writer->setWidths({12, 20});
+  ASSERT_TRUE(writer->dressedRow({{"a_x000D_", CellLook::Text},
+                                  {"12.5", CellLook::Amount},
+                                  {"3", CellLook::Number},
+                                  {"2026-05-31 13:45:07", CellLook::Moment},
+                                  {"2024-02-29", CellLook::Moment},
+                                  {"2026-02-29", CellLook::Moment},
+                                  {"ieri", CellLook::Moment},
+                                  {"1899-12-31", CellLook::Moment}}));
+  ASSERT_TRUE(writer->dressedRow({{"", CellLook::Amount}, {"b"}}));
+  ASSERT_TRUE(writer->finish());
+  const auto sheet = readSpreadsheet(root / "foglio.xlsx", SheetForm::Xlsx, {});
+  ASSERT_TRUE(sheet) << sheet.error().what;
+  EXPECT_EQ(shown(sheet->cells),
+            "1:a_x000D_|#12.5|#3|2026-05-31 13:45:07|2024-02-29|2026-02-29|ieri|1899-12-31\n2:|b\n");
+}
+
 TEST_F(Spreadsheets, AreReadAsTheyWereWritten) {
   auto writer = SheetWriter::create(root / "a.xlsx", "Articoli");
   ASSERT_TRUE(writer);

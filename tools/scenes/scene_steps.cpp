@@ -33,6 +33,7 @@ std::span<const Scene> sceneTable() {
     all.insert(all.end(), tradeScenes().begin(), tradeScenes().end());
     all.insert(all.end(), exchangeScenes().begin(), exchangeScenes().end());
     all.insert(all.end(), publishScenes().begin(), publishScenes().end());
+    all.insert(all.end(), salesScenes().begin(), salesScenes().end());
     all.insert(all.end(), startScenes().begin(), startScenes().end());
     return all;
   }();

@@ -23,6 +23,9 @@ std::span<const Scene> exchangeScenes();
 /// That of a shop being sent to its server.
 std::span<const Scene> publishScenes();
 
+/// Those of orders on paper, in files and in sums.
+std::span<const Scene> salesScenes();
+
 /// Those of the first start and of no shop, of a long text, of the folders of a server.
 std::span<const Scene> startScenes();
 

@@ -3,9 +3,11 @@
 // formula is read, never the formula.
 // Sources: ECMA-376 part 1 (SpreadsheetML), OASIS OpenDocument 1.3 part 3.
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/ports/result.h"
@@ -39,6 +41,19 @@ struct SheetContent {
 /// PackedFile::readXml; Malformed with TooLargeSheet beyond the limits.
 Result<SheetContent> readSpreadsheet(const std::string& path, SheetForm form, const SheetRequest& request);
 
+/// How a cell is written that is more than its text.
+enum class CellLook : std::uint8_t {
+  Text,
+  Number,  ///< digits, "." for decimals
+  Amount,  ///< the same, shown with two decimals
+  Moment   ///< "2024-05-31 13:45:00" or "2024-05-31", kept as a date; any other text stays one
+};
+/// A cell to write.
+struct DressedCell {
+  std::string_view text;  ///< UTF-8
+  CellLook look = CellLook::Text;
+};
+
 /// A sheet that is being written, row by row; rows are not kept in memory.
 class SheetWriter {
  public:
@@ -51,6 +66,10 @@ class SheetWriter {
 
   /// Writes a row of cells; of a number the text has "." for decimals and at most 15 digits.
   Result<> row(const std::vector<SheetCell>& cells);
+  /// Writes a row of cells with their looks; amounts and dates are shown as Italians write them.
+  Result<> dressedRow(const std::vector<DressedCell>& cells);
+  /// Sets how wide the first columns are, in characters; before the first row.
+  void setWidths(const std::vector<int>& characters);
   /// Ends the file and renames it to its name.
   Result<> finish();
 
