@@ -31,11 +31,12 @@ int chosenIndex(const std::string& state) {
 }  // namespace
 
 OrderPanel::OrderPanel(OrderPanelActions actions, QWidget* parent) : QWidget(parent), actions_(std::move(actions)) {
-  txtDettaglio_ = named(new QPlainTextEdit(), "txtDettaglio", "Ordine");
+  txtDettaglio_ = named(new QPlainTextEdit(), "txtDettaglio");
   txtDettaglio_->setReadOnly(true);
   txtDettaglio_->setTabChangesFocus(true);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(labelFor("Ordine scelto:", txtDettaglio_));
   column->addWidget(txtDettaglio_, 1);
   column->addWidget(makeState());
   column->addWidget(makeNote());

@@ -28,8 +28,8 @@ struct OrderTool {
 /// The windows beside this one.
 struct OrderTools {
   OrderTool print{};       ///< of the selected orders
-  OrderTool exportFile{};  ///< of the orders that are shown
-  OrderTool sales{};       ///< of all orders that are kept
+  OrderTool exportFile{};  ///< of all orders that are kept
+  OrderTool sales{};       ///< likewise
 };
 
 /// Closing it marks all orders as looked at. While the server is waited for, "Ferma", Escape and the close button end
@@ -57,7 +57,7 @@ class frmOrdini final : public FormDialog {
   /// Asks the server; everything but "Ferma" is off meanwhile.
   void working(const std::function<void()>& work);
   void fetch();
-  /// The selected orders, or those of a filter, whole; a failure is told.
+  /// The selected orders, or all that pass a filter, whole; a failure is told.
   std::vector<DeskOrder> selectedOrders();
   std::vector<DeskOrder> ordersOf(const OrderLookup& lookup);
   void tellStore(const Error& error);

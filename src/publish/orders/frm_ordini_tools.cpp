@@ -33,7 +33,7 @@ QWidget* frmOrdini::makeCommands() {
   connect(cmdAggiorna_, &QPushButton::clicked, this, &frmOrdini::fetch);
   connect(cmdFerma_, &QPushButton::clicked, this, [this] { stopped_ = true; });
   connect(cmdStampa_, &QPushButton::clicked, this, [this] { tools_.print.run(selectedOrders(), this); });
-  connect(cmdEsporta_, &QPushButton::clicked, this, [this] { tools_.exportFile.run(ordersOf(lookup()), this); });
+  connect(cmdEsporta_, &QPushButton::clicked, this, [this] { tools_.exportFile.run(ordersOf({}), this); });
   connect(cmdVendite_, &QPushButton::clicked, this, [this] { tools_.sales.run(ordersOf({}), this); });
   for (const auto& [button, tool] : {std::pair<QPushButton*, const OrderTool*>{cmdStampa_, &tools_.print},
                                      {cmdEsporta_, &tools_.exportFile},
@@ -46,12 +46,11 @@ QWidget* frmOrdini::makeCommands() {
 
 void frmOrdini::updateCommands() {
   if (cmdStampa_ == nullptr) return;
-  const bool hasOrders = model_->rowCount() > 0;
   tabPagine_->setEnabled(!busy_);
   cmdAggiorna_->setEnabled(!busy_);
   cmdFerma_->setEnabled(busy_);
   cmdStampa_->setEnabled(!busy_ && tools_.print.run && lstOrdini_->selectionModel()->hasSelection());
-  cmdEsporta_->setEnabled(!busy_ && tools_.exportFile.run && hasOrders);
+  cmdEsporta_->setEnabled(!busy_ && tools_.exportFile.run && desk_.store().isOpen());
   cmdVendite_->setEnabled(!busy_ && tools_.sales.run && desk_.store().isOpen());
 }
 

@@ -5,6 +5,7 @@
 #include "platform/numbers/number_format.h"
 #include "platform/ports/failure_text.h"
 #include "publish/orders/order_desk.h"
+#include "publish/orders/order_files.h"
 #include "publish/orders/order_list.h"
 #include "shell/cli/cli_session.h"
 
@@ -65,7 +66,7 @@ CliOutcome listOrders(const std::string& shop, const CommandLine& line, Environm
 
 CliOutcome listOrdersFromCli(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   const auto http = makeHttpClient();
-  return listOrders(shop, line, env, out, {*http, {}});
+  return listOrders(shop, line, env, out, {*http, [](std::span<const DeskOrder> orders) { return ordersCsv(orders); }});
 }
 
 }  // namespace kv

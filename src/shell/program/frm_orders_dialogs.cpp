@@ -5,8 +5,15 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include "platform/ports/failure_text.h"
+#include "publish/orders/frm_esporta_ordini.h"
+#include "publish/orders/frm_order_print.h"
 #include "publish/orders/frm_ordini.h"
+#include "publish/orders/frm_vendite.h"
+#include "publish/orders/order_list.h"
 #include "publish/orders/order_notice.h"
+#include "publish/orders/shop_sender.h"
+#include "store/shop/backup_copies.h"
 
 namespace kv {
 namespace {
@@ -41,13 +48,42 @@ void showNotice(frmMain& window, const std::string& text) {
   button->setVisible(!text.empty());
 }
 
+/// The day of this machine, from which the usual periods are seen.
+std::chrono::sys_days today(Environment& env) {
+  constexpr std::size_t dayCharacters = 10;
+  const std::string now = formatTime(static_cast<std::int64_t>(env.clock.now()));
+  return dayOf(typedDay(now.substr(0, dayCharacters)).value_or(std::string())).value_or(std::chrono::sys_days());
+}
+
+HelpOpener ordersHelpOf(frmMain& window) {
+  return [&window](std::string_view page) { window.workbench().openHelp(page); };
+}
+
+/// Paper, files and sums of orders.
+OrderTools orderTools(frmMain& window, Session& session, Environment& env) {
+  OrderTools tools;
+  tools.print.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
+    auto sender = readShopSender(session);
+    if (!sender) return env.user.message(failureText(sender.error()), Icon::Critical);
+    frmOrderPrint(orders, std::move(*sender), env.user, ordersHelpOf(window), over).exec();
+  };
+  tools.exportFile.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
+    frmEsportaOrdini(orders, today(env), env.user, ordersHelpOf(window), over).exec();
+  };
+  tools.sales.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
+    auto departments = readArticleDepartments(session.catalogue);
+    if (!departments) return env.user.message(failureText(departments.error()), Icon::Critical);
+    frmVendite(orders, std::move(*departments), today(env), ordersHelpOf(window), over).exec();
+  };
+  return tools;
+}
+
 bool showOrders(frmMain& window, Session& session, Environment& env) {
   OrderStore store(session.ShopFolder);
   const auto http = makeHttpClient();
   OrderDesk desk(store,
                  {[&] { return orderAccess(session, env.random); }, {*http, env.clock, env.random, {}}, env.user});
-  frmOrdini dialog(
-      desk, env.user, {}, [&window](std::string_view page) { window.workbench().openHelp(page); }, &window);
+  frmOrdini dialog(desk, env.user, orderTools(window, session, env), ordersHelpOf(window), &window);
   dialog.exec();
   showNotice(window, {});
   return false;
