@@ -202,7 +202,8 @@ TEST_F(TheOrdersDialog, HandsOrdersToItsTools) {
   choose("cboStato", 1);
   click(*dialog, "cmdEsporta");
   click(*dialog, "cmdVendite");
-  EXPECT_EQ(handed, (std::vector<std::string>{"print KV3 KV2 KV1", "print KV2", "export KV3 KV2 KV1", "sales KV3 KV2 KV1"}));
+  EXPECT_EQ(handed,
+            (std::vector<std::string>{"print KV3 KV2 KV1", "print KV2", "export KV3 KV2 KV1", "sales KV3 KV2 KV1"}));
 }
 
 TEST_F(TheOrdersDialog, StockIsReadAndSet) {

@@ -14,7 +14,7 @@ constexpr std::size_t deepest = 32;
 /// Values come in the order of the text, each after the one that holds it.
 constexpr std::string_view walk = "SELECT id, parent, key, type, atom FROM json_tree(?1)";
 
-enum WalkColumn { idColumn, parentColumn, keyColumn, typeColumn, atomColumn };
+constexpr int idColumn = 0, parentColumn = 1, keyColumn = 2, typeColumn = 3, atomColumn = 4;
 
 /// Owns a statement for the time of a reading.
 struct StatementEnd {

@@ -115,7 +115,7 @@ Result<> OrderStore::note(std::string_view name, const std::string& value) {
 }
 
 Result<std::string> OrderStore::cursor(const std::string& address) {
-  const auto asked = noted(addressNote);
+  auto asked = noted(addressNote);
   if (!asked) return asked;
   return *asked == address ? noted(cursorNote) : Result<std::string>(std::string());
 }
