@@ -78,6 +78,7 @@ TEST_F(Menus, TheFileMenuHasItsEntriesInOrder) {
                                                "Costruisci il negozio",
                                                "Aggiorna il sito...",
                                                "BackOffice...",
+                                               "Ordini...",
                                                "-",
                                                "Importa da Orsa Gestionale...",
                                                "Aggiorna giacenze da Orsa Gestionale...",

@@ -34,6 +34,8 @@ TEST(CommandLine, CheckAndNewAreCommandsOfTheirOwn) {
 }
 
 TEST(CommandLine, TheDoctorHasAFlagForPrograms) {
+  EXPECT_EQ(parse({"orders", "shop"})->command, CliCommand::Orders);
+  EXPECT_EQ(parse({"orders", "shop", "--since", "2026-05-01", "--csv=x.csv"})->option("--csv"), "x.csv");
   EXPECT_EQ(parse({"doctor", "shop"})->command, CliCommand::Doctor);
   EXPECT_TRUE(parse({"doctor", "shop", "--json"})->has("--json"));
   EXPECT_EQ(complaint({"check", "shop", "--json"}), "opzione non prevista per il comando check: --json");

@@ -6,6 +6,7 @@ import re
 from backoffice_case import Case, last_link, main, page_forms
 from backoffice_desk import Lines, Messages, TwoLanguages, Waiting  # noqa: F401  (tests of this program)
 from backoffice_people import PersonalData, Stock  # noqa: F401
+from backoffice_program import ProgramOrders  # noqa: F401
 from backoffice_remote import RemoteChanges, RemoteOrders, RemoteSignatures, RemoteStock  # noqa: F401
 from backoffice_law_cases import CustomersData, Withdrawn  # noqa: F401  (found by unittest)
 from served_shop import cart_number, order

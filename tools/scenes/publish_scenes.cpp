@@ -1,8 +1,11 @@
+#include <QAbstractButton>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <array>
 #include <utility>
 
 #include "platform/files/files.h"
+#include "publish/orders/frm_ordini.h"
 #include "publish/run/frm_ftp.h"
 #include "scenes.h"
 
@@ -106,10 +109,78 @@ void takeRunningPublish(Stage& stage, const QString& name) {
   window.exec();
 }
 
+/// A back office that answers the next request with a text.
+class OfficeInThePicture final : public HttpClient {
+ public:
+  OrderAccess access{"https://www.bottega.example/bo/remoto.php", std::string(64, 'a')};
+  std::string answer;
+
+  Result<HttpResponse> send(const HttpRequest& request, const std::function<bool()>& /*yield*/) override {
+    constexpr std::string_view field = "&numero=";
+    constexpr std::size_t digits = 32;
+    const std::string number = request.body.substr(request.body.find(field) + field.size(), digits);
+    return HttpResponse{200, answerSignature(access.key, number, answer) + "\n" + answer};
+  }
+};
+
+std::string orderInThePicture(int id, const char* name, const char* state, const char* total) {
+  const std::string day = (id < 10 ? "0" : "") + std::to_string(id);
+  return R"({"id":)" + std::to_string(id) + R"(,"codice":"KV26-10)" + day + R"(","creato":"2026-09-)" + day +
+         R"( 10:24:00","nome":")" + name + R"(","email":"cliente@posta.example","totale":")" + total +
+         R"(","valuta":"EUR","metodo":"Bonifico bancario","stato":")" + state +
+         R"(","campi":{"Indirizzo":"Via Garibaldi 7","CAP":"47121","Citta":"Forlì","Telefono":"0543 123456"},)"
+         R"("righe":[{"id":3,"codice":"TZ-12","testo":"Tazza di maiolica","scelte":"blu","prima":"Tazza di maiolica",)"
+         R"("scelte_prima":"blu","quantita":2,"importo":"18.50"}],"totali":{"merce":"37.00","spese":"7.90"},)"
+         R"("note":[{"quando":"2026-09-12 16:05:00","tipo":"nota","testo":"Confezione regalo"}]})";
+}
+
+std::string ordersInThePicture() {
+  return R"({"ordini":[)" + orderInThePicture(9, "Ugo Bassi", "spedito", "128.00") + "," +
+         orderInThePicture(11, "Élise d'Aubigné", "pagato", "61.40") + "," +
+         orderInThePicture(12, "Anna Neri", "da verificare", "44.90") + "," +
+         orderInThePicture(14, "Bottega Verdi s.n.c.", "nuovo", "1250.00") + R"(],"dopo":"c","altri":false})";
+}
+
+/// The window of orders once they have come, and what is done in it.
+void takeOrders(Stage& stage, const std::function<void(QWidget&, OfficeInThePicture&)>& act) {
+  const QTemporaryDir folder;
+  ClockInThePicture clock;
+  OfficeInThePicture office;
+  OrderStore store(fromQt(folder.path()));
+  OrderDesk desk(
+      store,
+      {[&office] { return Result<OrderAccess>(office.access); }, {office, clock, systemRandom(), {}}, stage.user()});
+  OrderTools tools;
+  for (OrderTool* tool : {&tools.print, &tools.exportFile, &tools.sales}) tool->run = [](const auto&, QWidget*) {};
+  frmOrdini window(desk, stage.user(), tools, {}, &stage.window());
+  stage.during([&] { window.exec(); },
+               [&](QWidget& dialog) {
+                 office.answer = ordersInThePicture();
+                 dialog.findChild<QAbstractButton*>(QStringLiteral("cmdAggiorna"))->click();
+                 act(dialog, office);
+               });
+}
+
+void takeOrderList(Stage& stage, const QString& name) {
+  takeOrders(stage, [&](QWidget&, OfficeInThePicture&) { stage.take(name); });
+}
+
+void takeOrderStock(Stage& stage, const QString& name) {
+  takeOrders(stage, [&](QWidget& dialog, OfficeInThePicture& office) {
+    dialog.findChild<QTabWidget*>(QStringLiteral("tabPagine"))->setCurrentIndex(1);
+    office.answer = R"({"voci":[{"chiave":"3","codice":"TZ-12","nome":"Tazza di maiolica","voce":"1|12"},)"
+                    R"({"chiave":"4","codice":"VS-03","nome":"Vaso grande","voce":"1|"},)"
+                    R"({"chiave":"5","codice":"PT-07","nome":"Piatto da portata","voce":"0|0"}],"altri":true})";
+    dialog.findChild<QAbstractButton*>(QStringLiteral("cmdCercaScorte"))->click();
+    stage.take(name);
+  });
+}
+
 }  // namespace
 
 std::span<const Scene> publishScenes() {
-  static constexpr std::array scenes{Scene{"pubblicazione-in-corso", takeRunningPublish}};
+  static constexpr std::array scenes{Scene{"pubblicazione-in-corso", takeRunningPublish},
+                                     Scene{"ordini", takeOrderList}, Scene{"ordini-scorte", takeOrderStock}};
   return scenes;
 }
 

@@ -1,28 +1,13 @@
 #include "builder/doctor/findings.h"
 
+#include "platform/text/json_text.h"
+
 namespace kv {
 namespace {
 
 constexpr std::string_view subjectNames[]{"article", "department", "settings", "command"};
 
 std::string_view nameOfSubject(FindingSubject subject) { return subjectNames[static_cast<std::size_t>(subject)]; }
-
-/// A text as a JSON string, with its quotes.
-std::string jsonString(std::string_view text) {
-  static constexpr std::string_view digits = "0123456789abcdef";
-  std::string out = "\"";
-  for (const char c : text) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      out.append(1, '\\').append(1, c);
-    } else if (code < 0x20) {
-      out.append("\\u00").append(1, digits[code >> 4]).append(1, digits[code & 15]);
-    } else {
-      out += c;
-    }
-  }
-  return out + "\"";
-}
 
 std::string countedNoun(std::size_t count, std::string_view one, std::string_view many) {
   if (count == 1) return "un " + std::string(one);

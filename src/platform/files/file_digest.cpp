@@ -7,24 +7,14 @@
 #include <array>
 #include <cerrno>
 #include <memory>
-#include <string_view>
 
 #include "platform/files/file_access.h"
+#include "platform/files/hexadecimal.h"
 
 namespace kv {
 namespace {
 
 constexpr std::size_t digestPiece = std::size_t{64} * 1024;
-
-std::string hexadecimal(const std::array<unsigned char, EVP_MAX_MD_SIZE>& bytes, unsigned int size) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string text;
-  for (unsigned int i = 0; i < size; ++i) {
-    text += digits[bytes.at(i) >> 4U];
-    text += digits[bytes.at(i) & 15U];
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -46,7 +36,7 @@ Result<std::string> fileDigest(const std::string& path) {
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned int size = 0;
   EVP_DigestFinal_ex(context.get(), digest.data(), &size);
-  return hexadecimal(digest, size);
+  return hexadecimal({digest.data(), size});
 }
 
 }  // namespace kv

@@ -7,6 +7,7 @@
 #include "shell/cli/bulk_commands.h"
 #include "shell/cli/command_line.h"
 #include "shell/cli/exchange_commands.h"
+#include "shell/cli/orders_command.h"
 #include "shell/cli/publish_command.h"
 #include "shell/cli/table_command.h"
 #include "shell/program/installed_data.h"
@@ -51,6 +52,8 @@ CliOutcome runShopCommand(const CommandLine& line, Environment& env, std::ostrea
       return upgradeShop(shop, line.bulk, env, out);
     case CliCommand::Publish:
       return publishFromCli(shop, {line.has("--dry-run"), line.has("--all")}, env, out);
+    case CliCommand::Orders:
+      return listOrdersFromCli(shop, line, env, out);
     case CliCommand::Help:
     case CliCommand::Version:
       break;

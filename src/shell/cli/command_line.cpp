@@ -34,6 +34,7 @@ const std::map<std::string_view, CommandRow>& commands() {
        {CliCommand::ImportTable, "il foglio", {"--dry-run", "--table=", "--map=", "--mode=", "--key="}}},
       {"export-table", {CliCommand::ExportTable, "il foglio", {"--table=", "--columns="}}},
       {"publish", {CliCommand::Publish, nullptr, {"--dry-run", "--all"}}},
+      {"orders", {CliCommand::Orders, nullptr, {"--since=", "--csv="}}},
       {"upgrade", {CliCommand::Upgrade, nullptr, bulkOptionsOf("upgrade")}},
       {"prices", {CliCommand::Prices, nullptr, bulkOptionsOf("prices")}},
       {"replicate-list", {CliCommand::ReplicateList, nullptr, bulkOptionsOf("replicate-list")}},
@@ -222,6 +223,9 @@ std::string usageText() {
          "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio. --all invia\n"
          "                      anche i file già presenti sul server. --dry-run elenca i file da inviare\n"
          "                      e quelli che si proporrebbe di eliminare\n"
+         "  orders NEGOZIO [--since AAAA-MM-GG] [--csv FILE]\n"
+         "                      riceve dal server gli ordini nuovi e li elenca tutti, o quelli da un giorno in poi.\n"
+         "                      --csv: li scrive anche in un file CSV. Senza collegamento elenca quelli già ricevuti\n"
          "  upgrade NEGOZIO     apre il negozio e dice che cosa è stato aggiornato\n"
          "  prices NEGOZIO --percent +10 --list 0,3 [--department ID] [--offers] [--variants] [--round]\n"
          "                      varia in percentuale i prezzi dei listini indicati\n"

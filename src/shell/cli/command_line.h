@@ -30,6 +30,7 @@ enum class CliCommand {
   ReplicateLanguage,
   Upgrade,
   Publish,
+  Orders,
   Help,
   Version
 };

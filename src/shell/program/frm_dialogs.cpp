@@ -22,6 +22,7 @@
 #include "shell/program/frm_care_dialogs.h"
 #include "shell/program/frm_commerce_dialogs.h"
 #include "shell/program/frm_law_dialogs.h"
+#include "shell/program/frm_orders_dialogs.h"
 #include "shell/program/frm_publish_dialogs.h"
 #include "shell/program/frm_sales_dialogs.h"
 #include "shell/program/frm_sheet_dialogs.h"
@@ -183,6 +184,7 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireSheets(window, session, env);
   wireCommerceDialogs(window, session, env);
   wirePublishing(window, session, env);
+  wireOrders(window, session, env);
   wireLaw(window, session, env);
   wireCare(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);

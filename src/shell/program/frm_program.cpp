@@ -21,6 +21,7 @@
 #include "shell/dialogs/recent_shops.h"
 #include "shell/program/frm_dialogs.h"
 #include "shell/program/frm_local_host.h"
+#include "shell/program/frm_orders_dialogs.h"
 #include "shell/program/frm_session_end.h"
 #include "shell/program/installed_data.h"
 #include "shell/window/frm_appearance.h"
@@ -92,6 +93,7 @@ void wireSession(frmMain& window, Session& session, Environment& env) {
     const WaitCursor busy;
     if (loadSession(session, env, options) == LoadResult::Opened) workbench.showShop();
     if (session.catalogue.isOpen()) rememberShop(env.settings, session.ShopFolder);
+    if (window.isVisible()) announceOrders(window, session, env);
     if (!session.catalogue.isOpen() && window.isVisible() && !*isRescuing) {
       *isRescuing = true;
       if (!rescueShop(session, env, rescuePorts(env))) window.QWidget::close();
@@ -144,7 +146,10 @@ int runWindow(const WindowArguments& arguments, const std::string& programs) {
   rememberShop(settings, session.ShopFolder);
   window.restoreLayout();
   appearance.takeEarlyAnswer();
-  window.whenShown([&] { greet(window, settings, named.has_value()); });
+  window.whenShown([&] {
+    announceOrders(window, session, env);
+    greet(window, settings, named.has_value());
+  });
   user.setMainWindow(&window);
   window.show();
   const int status = QApplication::exec();

@@ -73,10 +73,11 @@ struct WorkbenchDialogs {
   Dialog publish;         ///< frmFTP: sends the files
   /// frmFolderFTP: a folder of the server. False when it was left.
   std::function<bool(ServerFolder folder)> chooseServerFolder;
+  Dialog orders;              ///< frmOrdini: the orders received. It changes no row of the catalogue
   Dialog connectionSettings;  ///< frmFirewall: the way to the server
 
   // Help.
-  Dialog doctor;         ///< frmControlla: what visitors would meet
+  Dialog doctor;        ///< frmControlla: what visitors would meet
   Dialog introduction;  ///< frmIntro: the first-run guide
   Dialog about;         ///< frmAbout: name and version
 };

@@ -61,10 +61,18 @@ Command viewSiteRow() {
   return row;
 }
 
+Command ordersRow() {
+  Command row = dialogCommand("orders", {Menu::File, 606, "Ordini..."}, &WorkbenchDialogs::orders);
+  row.shortcut = "Ctrl+Shift+O";
+  row.help = "pagine/ordini.htm";
+  return inOpenShop(std::move(row));
+}
+
 }  // namespace
 
 std::vector<Command> publishCommands() {
   return withHelp({viewSiteRow(),
+                   ordersRow(),
                    {.number = 51,
                     .name = "publish",
                     .caption = "Aggiorna il sito",
