@@ -18,8 +18,8 @@ Result<> RowTables::create(const std::string& shopFolder) {
 Result<> RowTables::startLanguage(std::string_view lingua) {
   firstLanguage_ = lingua.empty();
   const auto open = [this](DerivedRowWriter& writer, const std::string& table,
-                           std::vector<std::string> extra) -> Result<> {
-    auto opened = DerivedRowWriter::open(build_, table, columns_, std::move(extra));
+                           const std::vector<std::string>& extra) -> Result<> {
+    auto opened = DerivedRowWriter::open(build_, table, columns_, extra);
     if (!opened) return fail(opened.error());
     writer = std::move(*opened);
     return {};
