@@ -270,9 +270,14 @@ function kvRigheGruppi(string $colonne, string $tabella, string $dopo, array $gr
     kvCaratteri('latin1');
     $parole = array_map(fn($parola) => "'" . mysqli_real_escape_string(kvConnessione(), $parola) . "'", $gruppi);
     $chiavi = array_map(fn($parola) => "_utf8mb4 x'" . bin2hex(kvGruppoIndice($parola)) . "'", $gruppi);
-    $esito = mysqli_query(kvConnessione(), "SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON"
-        . " $tabella.ID = v.articolo$dopo IN (" . implode(',', $parole) . ') AND v.gruppo IN (' . implode(',', $chiavi)
-        . ') ORDER BY plain_titolo');
+    $sql = "SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON $tabella.ID = v.articolo$dopo"
+        . ' IN (' . implode(',', $parole) . ') AND v.gruppo IN (' . implode(',', $chiavi) . ') ORDER BY plain_titolo';
+    $esito = mysqli_query(kvConnessione(), $sql);
+    if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
+        kvTabelle();
+        kvCaratteri('latin1');
+        $esito = mysqli_query(kvConnessione(), $sql);
+    }
     return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
 }
 
@@ -288,10 +293,15 @@ function kvGruppiPagina(string $gruppo): array
     $nuovi = array_values(array_filter(array_unique(array_merge([$gruppo], array_map('kvGruppo', $righe)))));
     $gruppi += array_fill_keys($nuovi, []);
     $tabella = kvTabellaLingua('articoli');
+    // Beside an article that is shown alone they are cards, with picture and price: those columns come along.
+    $schede = is_array($GLOBALS['kvSolo'] ?? null);
     $dopo = " INNER JOIN dettaglio ON dettaglio.ID = $tabella.ID INNER JOIN ordinamento ON ordinamento.ID = $tabella.ID"
+        . ($schede ? " LEFT JOIN kv_offerte ON kv_offerte.ID = $tabella.ID" : '')
         . " INNER JOIN categorie ON categorie.ID = catID WHERE nascosto = 0 AND inaccessibile" . ($listino ?: '')
         . ' = 0 AND correlazione';
-    $colonne = "$tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione";
+    $n = (string) ($listino ?: '');
+    $colonne = "$tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione"
+        . ($schede ? ", catID, $tabella.pagina AS linkPage, immagine1, immagine2, immagine3, implistino$n, importo$n, offerte" : '');
     foreach (kvRigheGruppi($colonne, $tabella, $dopo, $nuovi) as $riga) {
         $gruppi[kvGruppo($riga)][] = $riga;
     }
@@ -318,11 +328,8 @@ function kvCorrelati(array $riga): string
     $voci = '';
     if (is_array($GLOBALS['kvSolo'] ?? null)) {
         include_once "kvcard.php";
-        $intere = kvArticoli(array_column($altre, 'ID'));
-        kvLeggiReparti(array_map('strval', array_column($intere, 'catID')));
-        foreach ($altre as $altra) {
-            $voci .= isset($intere[(int) $altra['ID']]) ? kvSchedaCorrelata($intere[(int) $altra['ID']]) : '';
-        }
+        kvLeggiReparti(array_map('strval', array_column($altre, 'catID')));
+        $voci = implode('', array_map('kvSchedaCorrelata', $altre));
         SetVariables($riga['catID']);
         return $voci === '' ? '' : '<ul class="correlati schede">' . $voci . '</ul>';
     }
