@@ -9,13 +9,13 @@ NOTES = {"": "IVA inclusa, più <a href=\"condizioni.php\">spedizione</a>",
          "_l2": "VAT included, plus <a href=\"condizioni_l2.php\">delivery</a>",
          "_l3": "TVA comprise, plus <a href=\"condizioni_l3.php\">livraison</a>",
          "_l4": "inkl. MwSt., zzgl. <a href=\"condizioni_l4.php\">Versand</a>"}
-IDENTITY = "CREATE TABLE IF NOT EXISTS identita (ID INTEGER PRIMARY KEY, legale_sede TEXT, legale_piva TEXT, legale_registro TEXT);"
+IDENTITY = "CREATE TABLE identita (ID INTEGER PRIMARY KEY, legale_sede TEXT, legale_piva TEXT, legale_registro TEXT);"
 
 
 def enter_identity(catalogue):
     """What the merchant's fields leave in the catalogue."""
     catalogue.execute(IDENTITY)
-    catalogue.execute("INSERT OR REPLACE INTO identita VALUES (1, 'Livia & Figlie, via Nuova 3, Forlì', 'IT01234567890', 'REA FO-1')")
+    catalogue.execute("INSERT INTO identita VALUES (1, 'Livia & Figlie, via Nuova 3, Forlì', 'IT01234567890', 'REA FO-1')")
 
 
 class LawfulPages(Case):

@@ -10,7 +10,6 @@
 #include "platform/files/files.h"
 #include "platform/image/image.h"
 #include "platform/text/text.h"
-#include "store/catalogue/shop_identity.h"
 #include "store/schema/schema.h"
 
 namespace kv {
@@ -111,9 +110,6 @@ Result<> CatalogueSeeder::insert(const std::vector<SeedRow>& rows) {
 Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
   auto known = tables_.find(row.table);
   if (known == tables_.end()) {
-    // The only table of the model shop that an empty one hasn't.
-    const Result<> ready = equalsIgnoringCase(row.table, "identita") ? prepareIdentity(catalogue_) : Result<>();
-    if (!ready) return at(row, ready.error());
     Result<TableInfo> table = catalogue_.table(row.table);
     if (!table) return at(row, table.error());
     known = tables_.emplace(row.table, std::move(*table)).first;

@@ -86,7 +86,7 @@ class DutyReader {
   std::vector<LegalDuty> duties_;
 };
 
-/// Whether a VAT number is one: that of the model shop, zeros alone, is nobody's.
+/// Whether a VAT number is one: zeros alone, as in the terms of the model shop, are nobody's.
 bool isVatNumber(std::string_view number) { return number.find_first_of("123456789") != std::string_view::npos; }
 
 /// Directive 2000/31/EC, article 5: who sells is named on the site.
