@@ -105,6 +105,7 @@ soak: build
 	@python3 -B tests/web/price_oracle.py build/dev/bin/korvane-cli
 	@KORVANE_TEST_ORDERS=1000 python3 -B tests/web/backoffice_work_test.py build/dev/bin/korvane-cli \
 	  RemoteOrders.test_a_fetch_that_breaks_off_goes_on_and_its_sums_are_the_shops
+	@python3 -B tests/web/crowd_soak.py build/dev/bin/korvane-cli
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-reporter=spec tests/e2e/run.mjs --cli build/dev/bin/korvane-cli \
 	  --template chiaro --work build/dev/chiaro
 	@KORVANE_TEST_ROUNDS=200 KORVANE_TEST_KILLS=50 python3 -B tests/servers/ftp_publish.py build/dev/bin/korvane-cli \

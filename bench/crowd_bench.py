@@ -4,6 +4,7 @@
   search   milliseconds within which 95 of 100 searches are answered, with hits and without, four at a time, in a shop of
            100,000 articles and in one of 10,000 (--quick: a tenth of both); the first of each, whose result the shop
            then keeps until the next load, is told beside them
+  suggest  the same of what is suggested while a word is typed, under the same bars
   article  the same of an article page in the large shop, beside a bare script with the look-ups by key that it makes; both
            in turn, the middle ratio counts
   home     SELECT statements about articles that the first page makes for all articles of its showcase
@@ -31,8 +32,10 @@ from served_shop import ServedShop, Visitor  # noqa: E402
 ROUNDS = 7
 HITS = ["/kvsearch.php?q=" + word for word in ("PI-002-7", "alba", "gres", "tazz")]
 NO_HITS = ["/kvsearch.php?q=" + word for word in ("zzqq", "qwx")]
+TYPED = ["/kvsuggerisci.php?q=" + word for word in ("ta", "taz", "tazza+al", "PI", "zz")]
 
-# The connection of the page, and by key what the page reads: the last sub-page, the row, department, variants.
+# The connection of the page, and by key what the page reads: the last sub-page, the row, department, variants, and the
+# articles of the same group with their departments.
 BARE = """<?php
 $mysqli = mysqli_init();
 mysqli_options($mysqli, MYSQLI_SET_CHARSET_NAME, 'latin1');
@@ -51,10 +54,20 @@ mysqli_fetch_all(mysqli_query($mysqli, 'SELECT * FROM opzioni WHERE ID IN (' . (
     . (int) $row['opzione2'] . ')'));
 mysqli_fetch_all(mysqli_query($mysqli, "SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE '"
     . (int) $row['ID'] . ".%%' AND (disponibile = 0 OR quantita <= 0)"));
+$group = bin2hex(strtolower($row['correlazione']));
+$related = mysqli_fetch_all(mysqli_query($mysqli, 'SELECT STRAIGHT_JOIN articoli.ID, catID, plain_titolo, immagine3, articoli.pagina,'
+    . ' sottopagina, contatore, importo FROM kv_voci v INNER JOIN articoli ON articoli.ID = v.articolo INNER JOIN dettaglio ON'
+    . ' dettaglio.ID = articoli.ID INNER JOIN ordinamento ON ordinamento.ID = articoli.ID'
+    . " WHERE v.gruppo = _utf8mb4 x'$group' ORDER BY plain_titolo"), MYSQLI_ASSOC);
+mysqli_fetch_all(mysqli_query($mysqli, "SELECT * FROM categorie WHERE ID IN ('" . implode("','", array_column($related, 'catID')) . "')"));
 ?><!DOCTYPE html>
 <html lang="it"><head><title><?php echo htmlspecialchars($row['titolo'], ENT_QUOTES, 'cp1252'); ?></title></head><body>
 <article><?php echo $row['immagine1']; ?><h1><?php echo htmlspecialchars($row['titolo'], ENT_QUOTES, 'cp1252'); ?></h1>
-<p><?php echo $row['descrizione'], number_format((float) $row['importo'], 2, ',', '.'); ?></p></article></body></html>
+<p><?php echo $row['descrizione'], number_format((float) $row['importo'], 2, ',', '.'); ?></p>
+<ul><?php foreach ($related as $one) {
+    echo '<li><a href="', $one['pagina'], '.php?n=', $one['sottopagina'], '">', htmlspecialchars($one['plain_titolo'], ENT_QUOTES, 'cp1252'),
+        '</a>', $one['immagine3'], number_format((float) $one['importo'], 2, ',', '.'), '</li>';
+} ?></ul></article></body></html>
 """
 
 
@@ -73,9 +86,10 @@ def search_waits(served):
         start = time.monotonic()
         visitor.ask(path)
         print(f"  first search {path.partition('=')[2]}: {(time.monotonic() - start) * 1000:.0f} ms", flush=True)
-    for paths in (HITS, NO_HITS):
+    asked = (HITS, NO_HITS, TYPED)
+    for paths in asked:
         slow_answer(served.base, paths)
-    return [statistics.median(slow_answer(served.base, paths) for _ in range(3)) for paths in (HITS, NO_HITS)]
+    return [statistics.median(slow_answer(served.base, paths) for _ in range(3)) for paths in asked]
 
 
 def measure_article(served):
@@ -105,17 +119,19 @@ def measure_search_and_pages(program, sizes):
         served = shop_of(program, articles)
         try:
             figures.append(search_waits(served))
-            print(f"  {articles} articles: search with hits {figures[-1][0]:.0f} ms, without {figures[-1][1]:.0f} ms", flush=True)
+            print(f"  {articles} articles: search with hits {figures[-1][0]:.0f} ms, without {figures[-1][1]:.0f} ms, "
+                  f"suggestions {figures[-1][2]:.0f} ms", flush=True)
             if articles == sizes[-1]:
                 measure_article(served)
                 measure_home(served)
             assert served.log() == "", served.log()
         finally:
             served.close()
-    slowest = max(figures[-1])
-    ratio = max(large / small for large, small in zip(figures[-1], figures[0]))
-    print(f"  search of {sizes[-1]} articles: {slowest:.0f} ms (bar 50) {verdict(slowest < 50)}, {ratio:.2f} of {sizes[0]} "
-          f"(bar 1.5) {verdict(ratio <= 1.5)}", flush=True)
+    for name, rows in (("search", slice(2)), ("suggestions", slice(2, 3))):
+        slowest = max(figures[-1][rows])
+        ratio = max(large / small for large, small in zip(figures[-1][rows], figures[0][rows]))
+        print(f"  {name} of {sizes[-1]} articles: {slowest:.0f} ms (bar 50) {verdict(slowest < 50)}, {ratio:.2f} of {sizes[0]} "
+              f"(bar 1.5) {verdict(ratio <= 1.5)}", flush=True)
 
 
 def measure_load(served):

@@ -51,7 +51,7 @@ TEST_F(SideRowsOfABuild, AShopThatUsesNoneHasNoTable) {
 
 TEST_F(SideRowsOfABuild, EmptyTablesOfTheCatalogueAreNotSent) {
   article("cat001", "10");
-  for (const SideField field : {SideField::Content, SideField::Maker}) {
+  for (const SideField field : {SideField::Content, SideField::Maker, SideField::Delivery}) {
     ASSERT_TRUE(prepareSideField(shop.session.catalogue, field));
   }
   build();
@@ -86,6 +86,21 @@ TEST_F(SideRowsOfABuild, AnArticleHasItsOwnMakerOrThatOfTheNearestDepartment) {
   set(SideField::Maker, "cat002", Value("Vetreria"));
   build();
   EXPECT_EQ(shop.rows("SELECT ID, produttore FROM kv_sicurezza"), "1|1\n2|2\n3|2");
+}
+
+TEST_F(SideRowsOfABuild, TimesOfDeliveryAreThoseOfDepartmentsAndOfArticlesThatDiffer) {
+  article("cat001", "10");
+  article("cat002", "10");
+  shop.department("cat003");
+  set(SideField::Delivery, "cat001", Value("2-4 giorni"));
+  set(SideField::Delivery, "2", Value("Subito"));
+  build();
+  EXPECT_EQ(shop.rows("SELECT ID, tempo, tempo_l2 FROM kv_consegna"),
+            "2|Subito|NULL\ncat001|2-4 giorni|NULL\ncat002|2-4 giorni|NULL");
+  set(SideField::Delivery, "cat002", Value("Una settimana"));
+  shop.sql("UPDATE articoli SET fuoricatalogo = 1 WHERE ID = 2");
+  build();
+  EXPECT_EQ(shop.rows("SELECT ID, tempo FROM kv_consegna"), "cat001|2-4 giorni\ncat002|Una settimana");
 }
 
 TEST_F(SideRowsOfABuild, AReducedPriceComesWithTheLowestOfTheThirtyDaysBefore) {

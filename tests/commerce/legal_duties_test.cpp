@@ -61,6 +61,8 @@ TEST_F(LegalDuties, WhoSellsIsAskedFor) {
   sql("CREATE TABLE identita (legale_sede TEXT, legale_piva TEXT);"
       "INSERT INTO identita VALUES ('Forno, Via Po 1', NULL)");
   EXPECT_EQ(duty("Chi vende").text, "Indicare la partita IVA.");
+  sql("UPDATE identita SET legale_piva = '00000000000'");
+  EXPECT_EQ(duty("Chi vende").text, "Indicare la partita IVA.");
   sql("UPDATE identita SET legale_piva = 'IT01234567890'");
   EXPECT_EQ(duty("Chi vende").state, DutyState::Met);
 }

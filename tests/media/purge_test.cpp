@@ -115,6 +115,13 @@ TEST_F(PurgingPictures, DeletesWhatIsTickedAfterAQuestionThatDefaultsToNo) {
   EXPECT_EQ(listFiles(folder.path(), "*"), (Names{"b.gif"}));
 }
 
+TEST_F(PurgingPictures, PicturesThatNumbersJoinToOneInUseAreInUse) {
+  present({"vaso_g.jpg", "Vaso-2.JPG", "vaso-3.jpg", "vaso-5.jpg", "piatto-2.jpg", "vaso-2.gif"});
+  PicturePurge one = purge({"vaso_g.jpg", "piatto.jpg"});
+  EXPECT_TRUE(one.search());
+  EXPECT_EQ(namesOf(one), (Names{"piatto-2.jpg", "vaso-2.gif", "vaso-5.jpg"}));
+}
+
 TEST_F(PurgingPictures, TickingNoneLeavesNothingToDelete) {
   present({"a.jpg"});
   PicturePurge one = purge({});

@@ -45,6 +45,16 @@ TEST_F(SideEditors, AFieldThatIsLeftEmptyAsItWasMakesNoTable) {
   EXPECT_FALSE(hasSideTable(session.catalogue, "unita"));
 }
 
+TEST_F(SideEditors, ATimeOfDeliveryIsTypedInTheLanguageThatIsEdited) {
+  leave(EditedSet::Articoli, "consegna", "2-4 giorni");
+  leave(EditedSet::Categorie, "consegna", "Una settimana");
+  EXPECT_EQ(rows("SELECT chiave, tempo FROM consegna ORDER BY chiave"), "1|2-4 giorni\ncat001|Una settimana\n");
+  EXPECT_EQ(undoName(), "Modifica Tempo di consegna");
+  undo();
+  EXPECT_EQ(shown(EditedSet::Categorie, "consegna"), "");
+  EXPECT_EQ(shown(EditedSet::Articoli, "consegna"), "2-4 giorni");
+}
+
 TEST_F(SideEditors, AMakerIsChosenAmongThoseOfTheShop) {
   EXPECT_EQ(bench->choicesOf(*editorOf(EditedSet::Articoli, "produttore")), std::vector<std::string>{""});
   ASSERT_TRUE(prepareSideField(session.catalogue, SideField::Maker));

@@ -57,6 +57,25 @@ TEST_F(SideFieldsOfArticles, ARowInWhichNothingIsLeftGoes) {
   EXPECT_EQ(rows("SELECT * FROM sicurezza"), "");
 }
 
+TEST_F(SideFieldsOfArticles, ATimeOfDeliveryHasATextInEachLanguage) {
+  ASSERT_TRUE(prepareSideField(session.catalogue, SideField::Delivery));
+  ASSERT_TRUE(writeSideField(session.catalogue, SideField::Delivery, "cat001", Value("2 giorni")));
+  ASSERT_TRUE(writeSideField(session.catalogue, SideField::Delivery, "cat001", Value("2 days"), 2));
+  EXPECT_EQ(rows("SELECT chiave, tempo, tempo_l2 FROM consegna"), "cat001|2 giorni|2 days\n");
+  ASSERT_TRUE(writeSideField(session.catalogue, SideField::Delivery, "cat001", Value(" ")));
+  EXPECT_EQ(asText(readSideField(session.catalogue, SideField::Delivery, "cat001", 2).value()), "2 days");
+  ASSERT_TRUE(writeSideField(session.catalogue, SideField::Delivery, "cat001", Null{}, 2));
+  EXPECT_EQ(rows("SELECT * FROM consegna"), "");
+}
+
+TEST_F(SideFieldsOfArticles, APastedArticleHasItsTimeOfDeliveryInAllLanguages) {
+  write(SideField::Delivery, "1", Value("Subito"));
+  ASSERT_TRUE(writeSideField(session.catalogue, SideField::Delivery, "1", Value("Sofort"), 4));
+  ASSERT_TRUE(editing.CopiaArticolo());
+  ASSERT_TRUE(editing.IncollaArticoli());
+  EXPECT_EQ(rows("SELECT chiave, tempo, tempo_l4 FROM consegna ORDER BY chiave"), "1|Subito|Sofort\n2|Subito|Sofort\n");
+}
+
 TEST_F(SideFieldsOfArticles, UndoAndRedoWorkAsForEveryField) {
   fill();
   ASSERT_TRUE(history.undo());

@@ -1,8 +1,9 @@
 """What the law wants beside articles, as the server sends it: unit prices, lowest earlier prices, makers."""
 import html
+import json
 import re
 
-from shop_case import CustomerCase, shop
+from shop_case import CustomerCase, served_lines, shop
 
 TABLES = {
     "kv_unita": "ID INT, contenuto DECIMAL(20,4), misura CHAR(2)",
@@ -10,6 +11,7 @@ TABLES = {
     "kv_sicurezza": "ID INT, produttore INT",
     "kv_produttori": "ID INT, nome CHAR(100), indirizzo CHAR(255), contatto CHAR(255), responsabile CHAR(100),"
                      " resp_indirizzo CHAR(255), resp_contatto CHAR(255)",
+    "kv_consegna": "ID CHAR(20), tempo CHAR(100), tempo_l2 CHAR(100), tempo_l3 CHAR(100), tempo_l4 CHAR(100)",
 }
 
 
@@ -19,11 +21,14 @@ class LegalNotes(CustomerCase):
     def setUp(self):
         super().setUp()
         self.drop()
+        # What the load has said of these tables goes: pages try them.
+        shop().execute("DELETE FROM kv_stato WHERE nome = 'laterali'")
         for name, columns in TABLES.items():
             shop().execute(f"CREATE TABLE {name} ({columns}) ENGINE=InnoDB")
 
     def tearDown(self):
         self.drop()
+        shop().execute("REPLACE INTO kv_stato (nome, valore) VALUES ('laterali', '')")
         super().tearDown()
 
     def drop(self):
@@ -81,6 +86,24 @@ class LegalNotes(CustomerCase):
         self.assertIn("<dt>Produttore</dt><dd>Forno &lt;Po&gt;<br>Via Po 1<br>", part)
         self.assertIn('href="mailto:a@b.it"', part)
         self.assertNotIn("Responsabile", part)
+
+    def test_the_time_of_delivery_is_on_page_card_cart_and_for_those_who_compare_offers(self):
+        number, address = self.an_offer()
+        self.assertNotIn("consegna", self.visitor.ask(address).text)
+        department = shop().rows(f"SELECT catID FROM dettaglio WHERE ID = {number}")[0][0]
+        shop().execute(f"INSERT INTO kv_consegna VALUES ('{department}', '2-4 giorni', '2-4 days', '', NULL)")
+        page = self.visitor.ask(address).text
+        self.assertIn('<p class="nota consegna">Consegna: 2-4 giorni</p>', page)
+        days = json.loads(re.search(r'"transitTime":(\{[^}]*\})', page).group(1))
+        self.assertEqual((days["minValue"], days["maxValue"], days["unitCode"]), (2, 4, "DAY"))
+        cards = self.visitor.ask(address.split("&")[0]).text
+        self.assertEqual(cards.count("Consegna: 2-4 giorni"), cards.count('<article class="scheda"') - cards.count('class="esaurito"'))
+        self.assertIn("Delivery: 2-4 days", self.visitor.ask(address.replace(".php", "_l2.php")).text)
+        self.assertIn("Livraison : 2-4 giorni", self.visitor.ask(address.replace(".php", "_l3.php")).text)
+        shop().execute(f"INSERT INTO kv_consegna VALUES ('{number}', 'Su ordinazione', NULL, NULL, NULL)")
+        self.assertIn("Consegna: Su ordinazione", self.visitor.ask(address).text)
+        self.assertEqual(served_lines(self.visitor, f"{number}.1")[0]["t"], "Su ordinazione")
+        self.assertIn("<small>Consegna: Su ordinazione</small>", self.visitor.ask("cart.php").text)
 
     def test_a_page_without_the_tables_asks_for_each_once_and_complains_not(self):
         self.drop()

@@ -1,5 +1,6 @@
 """Small random shops and visitors, the same ones in each run: `make_shop` draws a shop, `fill` writes it into a fresh
 catalogue, `make_cases` draws its visitors with their carts."""
+import itertools
 import random
 import sqlite3
 import time
@@ -8,7 +9,7 @@ from fractions import Fraction
 
 LISTINI = range(10)
 ZONES = range(1, 9)
-SHOPS, CASES = 10, 50
+SHOPS, CASES = 10, 100
 MODULES = ("Contrassegno", "Pagamento anticipato", "Contrassegno", "Pagamento anticipato")
 VAT = (0, 4, 5, 5.5, 8.1, 10, 20, 22)
 MEASURES = ("kg", "l", "m", "pz")
@@ -205,11 +206,11 @@ def make_line(draw, shop, article, listino):
     return Line(article, draw.choice((1, 1, 2, 3, 5, draw.randrange(1, 30))), chosen)
 
 
-def make_cases(shop):
-    """One visitor for each article, who orders it and at times others with it."""
+def make_cases(shop, count):
+    """So many visitors, for one article after the other, who order it and at times others with it."""
     draw = random.Random(7 + shop.number)
     cases = []
-    for number, article in enumerate(shop.articles[:CASES]):
+    for number, article in enumerate(itertools.islice(itertools.cycle(shop.articles), count)):
         guest = draw.random() < .3
         listino = 0 if guest else draw.randrange(10)
         personal = Fraction(0) if guest or draw.random() < .6 else Fraction(draw.randrange(1, 3500), 100)

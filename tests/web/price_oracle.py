@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Visitors of ten small random shops, fifty in each unless told: the page of an article, the cart in the browser, the
+"""Visitors of ten small random shops, a hundred in each unless told: the page of an article, the cart in the browser, the
 order that the server stores and a calculation apart from all three must agree to the last unit.
   price_oracle.py KORVANE_CLI [--shops 0,3,7] [--visitors 20]
 """
@@ -135,7 +135,7 @@ class Counter:
     def run(self):
         self.register()
         self.cart_name = "kvstore_cart" + re.search(r"idnegozio\s*=\D*(\d+)", self.guest.ask("js0.js").text).group(1)
-        cases = make_cases(self.shop)[:self.visitors]
+        cases = make_cases(self.shop, self.visitors)
         self.orders = {}
         for place, case in enumerate(cases):
             self.act(case, place % (len(cases) // VISITS) == 0)

@@ -33,6 +33,13 @@ function lawful(array $tables, callable $test)
     return with(['kvLegge' => array_map(fn($row) => [5 => $row], $tables) + $GLOBALS['kvLegge']], $test);
 }
 
+/** Runs a test with times of delivery, by article or department; department "cat001" has the article. */
+function delivered(array $times, callable $test)
+{
+    $row = ['catID' => 'cat001', 'disponibile' => null, 'quantita' => null] + article();
+    return with(['kvLegge' => ['kv_consegna' => $times + ['5' => [], 'cat001' => []]] + $GLOBALS['kvLegge']], fn() => $test($row));
+}
+
 $view = function (string $name, array $row) {
     $GLOBALS['rowArt'] = $row;
     return ViewArt($name);
@@ -113,6 +120,20 @@ runTests([
         . '</dl></details>', with(['kvLegge' => ['kv_sicurezza' => [5 => ['produttore' => '2']], 'kv_produttori' => [2 => [
             'nome' => 'Forno <Due>', 'indirizzo' => 'Via Po 1', 'contatto' => 'a@b.it', 'responsabile' => 'Ada',
             'resp_indirizzo' => null, 'resp_contatto' => 'https://b.it/x']]]], fn() => $view('sicurezza', article()))],
+    'AnArticleHasItsOwnTimeOfDeliveryElseThatOfItsDepartment' => fn() => [['Subito', '2 giorni', ''], [
+        delivered(['5' => ['tempo' => 'Subito'], 'cat001' => ['tempo' => '2 giorni']], 'kvTempoConsegna'),
+        delivered(['cat001' => ['tempo' => '2 giorni']], 'kvTempoConsegna'), delivered([], 'kvTempoConsegna')]],
+    'ALanguageWithoutATimeOfDeliveryShowsThatOfTheFirst' => fn() => [['2 days', '2 giorni'], with(['Lingua' => '_l2'], fn() => [
+        delivered(['5' => ['tempo' => '2 giorni', 'tempo_l2' => '2 days']], 'kvTempoConsegna'),
+        delivered(['5' => ['tempo' => '2 giorni', 'tempo_l2' => '']], 'kvTempoConsegna')])],
+    'TheTimeOfDeliveryIsShownAsItWasTypedUnlessTheArticleIsSoldOut' => fn() => [
+        ['<p class="nota consegna">Consegna: 2 &lt; 4 giorni</p>', ''],
+        delivered(['cat001' => ['tempo' => '2 < 4 giorni']], fn($row) => [$view('consegna', $row),
+            $view('consegna', ['disponibile' => '1', 'quantita' => '0'] + $row)])],
+    'DaysAreReadFromATimeOfDelivery' => fn() => [
+        [[2, 4], [1, 2], [21, 21], [2, 3], [3, 5], [2, 4], [5, 5], [1, 1], null, null, null],
+        array_map('kvGiorniConsegna', ['2-4 giorni lavorativi', 'Corriere 24/48 ore', '3 weeks', '2 bis 3 Werktage', "3 \xe0 5 jours",
+            "2 \x96 4 working days", '5 gg', 'entro 1 giorno', 'Subito', '4-2 giorni', 'Dal 3 gennaio'])],
     'AnArticleWithoutMakerTellsNone' => fn() => ['', $view('sicurezza', article())],
     'QuantityStepsComeByRisingQuantity' => fn() => [[[3, 900000], [10, 800000]], kvScaglioni(article(), 0)],
     'AListinoWithoutQuantityDiscountHasNoSteps' => fn() => [[], kvScaglioni(article(), 1)],

@@ -61,6 +61,19 @@ class Loads(Case):
         self.assertEqual(shop().rows("SHOW TABLES LIKE 'kv_propria'"), [["kv_propria"]])
         shop().execute("DROP TABLE kv_propria")
 
+    def test_pages_show_the_time_of_delivery_from_the_load_on_that_brings_it(self):
+        known = lambda: shop().rows("SELECT valore FROM kv_stato WHERE nome = 'laterali'")
+        page = lambda: self.visitor.ask("cat007.php?n=1&prod=1").text
+        self.assertEqual(self.load(None, None), "OK")
+        self.assertEqual((known(), "Consegna:" in page()), ([[""]], False))
+        self.assertEqual(self.load("", "CREATE TABLE kv_consegna (ID CHAR(20), tempo CHAR(100), tempo_l2 CHAR(100), tempo_l3"
+                                   " CHAR(100), tempo_l4 CHAR(100) );\r\nINSERT INTO kv_consegna\r\nVALUES ( 'cat007', '2 giorni',"
+                                   " NULL, NULL, NULL );\r\n"), "OK")
+        self.assertEqual(known(), [["kv_consegna"]])
+        self.assertIn("Consegna: 2 giorni", page())
+        self.assertEqual(self.load("DROP TABLE kv_consegna;\r\n", ""), "OK")
+        self.assertEqual((known(), "Consegna:" in page()), ([[""]], False))
+
     def test_whatever_statement_fails_the_former_catalogue_stays(self):
         before = shop().rows("SELECT COUNT(*), SUM(LENGTH(descrizione)) FROM articoli") + shop().rows("CHECKSUM TABLE dettaglio")
         text = self.full["db.sql"].decode("cp1252")

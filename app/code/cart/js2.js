@@ -182,6 +182,9 @@ function NoteRiga(cella, riga) {
   if (riga.o !== "") {
     Nota(cella, "small", riga.o);
   }
+  if (riga.t) {
+    Nota(cella, "small", "<<4-tempo_consegna>>" + " " + riga.t);
+  }
   if (riga.ok && riga.m !== null && riga.m > 0 && riga.q > riga.m) {
     Nota(cella, "strong", "<<4-pezzi_disponibili>>" + ": " + riga.m);
   } else if (!Comprabile(riga)) {

@@ -81,7 +81,7 @@ function kvRigaCarrello(array $voce, ?array $riga): array
 {
     global $listino, $inaccessibile, $ivacompresa, $ivarep;
     $vuota = ['id' => $voce['id'], 'quantita' => $voce['q'], 'chiavi' => $voce['k'], 'ok' => false, 'codice' => '',
-        'testo' => '', 'pagina' => '', 'foto' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'aliquota' => 0, 'peso' => 0,
+        'testo' => '', 'pagina' => '', 'foto' => '', 'consegna' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'aliquota' => 0, 'peso' => 0,
         'scorte' => []];
     if ($riga === null) {
         return $vuota;
@@ -95,6 +95,7 @@ function kvRigaCarrello(array $voce, ?array $riga): array
     $vuota['testo'] = kvNomeArticolo($riga);
     $vuota['pagina'] = isset($riga['linkPage']) ? kvPaginaArticolo($riga) : '';
     $vuota['foto'] = html_entity_decode((string) (kvFotoPiccola($riga)['src'] ?? ''), ENT_QUOTES, 'cp1252');
+    $vuota['consegna'] = kvTempoConsegna($riga);
     $scelte = kvScelte($riga, $voce['k'], $listino);
     if ($scelte === null || kvPrezziNascosti()) {
         return $vuota;
@@ -136,6 +137,7 @@ function kvRigheCarrello(string $testo): array
         $varianti = array_merge($varianti, kvVariantiRiga($riga, $listino));
     }
     kvLeggiVarianti($varianti);
+    kvLeggiConsegne($articoli);
     $righe = [];
     foreach ($voci as $voce) {
         $righe[] = kvRigaCarrello($voce, $articoli[$voce['id']] ?? null);
@@ -167,7 +169,7 @@ function kvLettereCarrello(): string
     return $lettere;
 }
 
-/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, a, w, ok, m, u (its page), f (picture). */
+/** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, a, w, ok, m, u (its page), f (picture), t (time of delivery). */
 function kvDatiCarrello(): string
 {
     $dati = [];
@@ -176,7 +178,7 @@ function kvDatiCarrello(): string
             'c' => kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]), 'n' => kvUtf8($riga['testo']),
             'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'], 'a' => $riga['aliquota'],
             'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'], 'u' => $riga['pagina'], 'f' => kvUtf8($riga['foto']),
-        ];
+        ] + ($riga['consegna'] === '' ? [] : ['t' => kvUtf8($riga['consegna'])]);
     }
     return (string) json_encode($dati, JSON_HEX_TAG | JSON_HEX_AMP | JSON_HEX_APOS | JSON_HEX_QUOT
         | JSON_INVALID_UTF8_SUBSTITUTE);

@@ -51,6 +51,7 @@ function kvRigaModulo(array $riga): string
     $motivo = kvMotivoRiga($riga);
     return '<tr' . ($motivo === '' ? '' : ' class="da-correggere"') . "><td>$foto$legame"
         . ($riga['scelte'] === '' ? '' : '<br><small>' . kvHtml($riga['scelte']) . '</small>')
+        . ($riga['consegna'] === '' ? '' : '<br><small>' . kvHtml("<<4-tempo_consegna>> " . $riga['consegna']) . '</small>')
         . ($motivo === '' ? '' : '<br><strong>' . kvHtml($motivo) . '</strong>') . '</td><td><input type="number" name="q['
         . strtr($segno, '.', '-') . ']" min="0" max="99999" value="' . $riga['quantita'] . '" aria-label="'
         . kvHtml("<<4-quantita>>") . ': ' . $nome . '"></td><td>' . ($riga['ok'] ? kvTestoMinimi($riga['importo']) : '')

@@ -5,7 +5,7 @@
 // all others are columns of the row. Besides the columns a template may name: prezzo_barrato (the list price, only
 // where a lower one is asked), opzioni (all variant selectors), scaglioni (the quantity discounts in words), correlati
 // (links to the articles of the same group), unitario (the price of a unit), minimo (the lowest price before a
-// reduction), sicurezza (maker and person responsible).
+// reduction), sicurezza (maker and person responsible), consegna (the time of delivery).
 include_once "kvhtml.php";
 include_once "kvlegge.php";
 
@@ -43,6 +43,8 @@ function ViewArt(string $nome): string
             return kvPrezzoMinimo($riga);
         case 'sicurezza':
             return kvSicurezza($riga);
+        case 'consegna':
+            return kvConsegna($riga);
         case 'iva':
             return kvPrezziNascosti() ? '' : (string) ($riga['iva'] ?? '');
         case 'immagine1':
@@ -251,19 +253,32 @@ function kvGruppo(array $riga): string
     return strtolower(trim((string) ($riga['correlazione'] ?? '')));
 }
 
-/** The rows of related articles, by the key that a load makes; a shop that has none yet reads all its articles. */
+/**
+ * The rows of related articles, by the key that a load makes; a shop that has none yet reads all its articles. `dopo` is
+ * the rest of the statement up to the column of the group word.
+ */
 function kvRigheGruppi(string $colonne, string $tabella, string $dopo, array $gruppi): array
 {
     include_once "kvtables.php";
-    if (kvStato('indice' . $GLOBALS['Lingua']) !== '2') {
-        return kvQuery("SELECT $colonne FROM $tabella$dopo ORDER BY plain_titolo", $gruppi) ?? [];
+    $indice = 'indice' . $GLOBALS['Lingua'];
+    if (($GLOBALS['kvStati'][$indice] ?? kvStato($indice)) !== '2') {
+        return kvQuery("SELECT $colonne FROM $tabella$dopo IN (" . implode(',', array_fill(0, count($gruppi), '?'))
+            . ') ORDER BY plain_titolo', $gruppi) ?? [];
     }
-    // Named with a table of the index, the statement speaks UTF-8.
-    $righe = kvQuery("SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON $tabella.ID ="
-        . " v.articolo$dopo AND v.gruppo IN (" . implode(',', array_fill(0, count($gruppi), '?')) . ') ORDER BY plain_titolo',
-        array_merge(array_map('kvUtf8', $gruppi), array_map('kvGruppoIndice', $gruppi)));
-    return array_map(fn($riga) => array_map(fn($valore) => is_string($valore) ? kvDaUtf8($valore) : $valore, $riga),
-        $righe ?? []);
+    // The connection stays with the character set of the catalogue: a change of it, and bound values, are trips to the
+    // server. The words of the index are UTF-8 all the same, told by their bytes.
+    kvCaratteri('latin1');
+    $parole = array_map(fn($parola) => "'" . mysqli_real_escape_string(kvConnessione(), $parola) . "'", $gruppi);
+    $chiavi = array_map(fn($parola) => "_utf8mb4 x'" . bin2hex(kvGruppoIndice($parola)) . "'", $gruppi);
+    $sql = "SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON $tabella.ID = v.articolo$dopo"
+        . ' IN (' . implode(',', $parole) . ') AND v.gruppo IN (' . implode(',', $chiavi) . ') ORDER BY plain_titolo';
+    $esito = mysqli_query(kvConnessione(), $sql);
+    if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
+        kvTabelle();
+        kvCaratteri('latin1');
+        $esito = mysqli_query(kvConnessione(), $sql);
+    }
+    return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
 }
 
 /** The articles of each group word on the page, read by one query; closed and hidden departments stay out. */
@@ -278,11 +293,15 @@ function kvGruppiPagina(string $gruppo): array
     $nuovi = array_values(array_filter(array_unique(array_merge([$gruppo], array_map('kvGruppo', $righe)))));
     $gruppi += array_fill_keys($nuovi, []);
     $tabella = kvTabellaLingua('articoli');
-    $elenco = '(' . implode(',', array_fill(0, count($nuovi), '?')) . ')';
+    // Beside an article that is shown alone they are cards, with picture and price: those columns come along.
+    $schede = is_array($GLOBALS['kvSolo'] ?? null);
     $dopo = " INNER JOIN dettaglio ON dettaglio.ID = $tabella.ID INNER JOIN ordinamento ON ordinamento.ID = $tabella.ID"
-        . " INNER JOIN categorie ON categorie.ID = catID WHERE correlazione IN $elenco AND nascosto = 0 AND inaccessibile"
-        . ($listino ?: '') . ' = 0';
-    $colonne = "$tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione";
+        . ($schede ? " LEFT JOIN kv_offerte ON kv_offerte.ID = $tabella.ID" : '')
+        . " INNER JOIN categorie ON categorie.ID = catID WHERE nascosto = 0 AND inaccessibile" . ($listino ?: '')
+        . ' = 0 AND correlazione';
+    $n = (string) ($listino ?: '');
+    $colonne = "$tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione"
+        . ($schede ? ", catID, $tabella.pagina AS linkPage, immagine1, immagine2, immagine3, implistino$n, importo$n, offerte" : '');
     foreach (kvRigheGruppi($colonne, $tabella, $dopo, $nuovi) as $riga) {
         $gruppi[kvGruppo($riga)][] = $riga;
     }
@@ -309,11 +328,8 @@ function kvCorrelati(array $riga): string
     $voci = '';
     if (is_array($GLOBALS['kvSolo'] ?? null)) {
         include_once "kvcard.php";
-        $intere = kvArticoli(array_column($altre, 'ID'));
-        kvLeggiReparti(array_map('strval', array_column($intere, 'catID')));
-        foreach ($altre as $altra) {
-            $voci .= isset($intere[(int) $altra['ID']]) ? kvSchedaCorrelata($intere[(int) $altra['ID']]) : '';
-        }
+        kvLeggiReparti(array_map('strval', array_column($altre, 'catID')));
+        $voci = implode('', array_map('kvSchedaCorrelata', $altre));
         SetVariables($riga['catID']);
         return $voci === '' ? '' : '<ul class="correlati schede">' . $voci . '</ul>';
     }

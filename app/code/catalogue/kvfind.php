@@ -9,29 +9,25 @@ include_once "kvfound.php";
 
 /** Most words of the shop that one word of a request may stand for. */
 const KV_VOCABOLI = 5000;
+/** Most words of the shop for which a single character is looked up: of more, nearly every article has one. */
+const KV_VOCABOLI_BREVI = 300;
 
-/** Whether the index is there and can answer: words of at least two characters, and where any word is enough no marks. */
+/** Whether the index is there and can answer: where any word is enough, words without marks. */
 function kvIndicePronto(array $parole, bool $tutte): bool
 {
-    foreach ($parole as $parola) {
-        $pezzi = kvPezziParola($parola);
-        if ($pezzi === [] || (!$tutte && kvHaSegni($parola))) {
-            return false;
-        }
-    }
-    return kvStato('indice' . $GLOBALS['Lingua']) !== '';
+    return ($tutte || array_filter($parole, 'kvHaSegni') === []) && kvStato('indice' . $GLOBALS['Lingua']) !== '';
 }
 
 /**
  * What the index is asked for a request word, by the pattern of the words that it stands for: the word anywhere in them;
- * of one with marks its parts of at least two characters, which end a word before a mark and begin one after it.
+ * of one with marks its parts of at least so many characters, which end a word before a mark and begin one after it.
  */
-function kvPezziParola(string $parola): array
+function kvPezziParola(string $parola, int $almeno = 2): array
 {
     preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega(kvUtf8($parola)), $trovati);
     $pezzi = [];
     foreach ($trovati[0] as $n => $pezzo) {
-        if (kvLunghezza($pezzo) > 1) {
+        if (kvLunghezza($pezzo) >= $almeno) {
             $ultimo = $n === count($trovati[0]) - 1;
             $pezzi[($n === 0 ? '%' : '') . addcslashes($pezzo, '%_\\') . ($ultimo ? '%' : '')] = $pezzo;
         }
@@ -46,11 +42,11 @@ function kvHaSegni(string $parola): bool
 }
 
 /** The words of the shop that a pattern fits; null when there are too many to be told one by one. */
-function kvVocaboli(string $forma): ?array
+function kvVocaboli(string $forma, int $massimo = KV_VOCABOLI): ?array
 {
-    $righe = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . (KV_VOCABOLI + 1),
+    $righe = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . ($massimo + 1),
         [$forma]);
-    return $righe !== null && count($righe) <= KV_VOCABOLI ? array_column($righe, 'parola') : null;
+    return $righe !== null && count($righe) <= $massimo ? array_column($righe, 'parola') : null;
 }
 
 /**
@@ -95,21 +91,33 @@ function kvCondizioneReparti(array &$valori): string
     return $chiusi === [] ? '1 = 1' : 'reparto NOT IN (' . implode(',', array_fill(0, count($chiusi), '?')) . ')';
 }
 
+/**
+ * What the index is asked for all words of a request. Where those have single characters alone ("a-b"), the ones that
+ * few words of the shop begin or end with; empty when only the texts themselves can tell.
+ */
+function kvPezziRichiesta(array $parole): array
+{
+    $pezzi = $brevi = [];
+    foreach ($parole as $parola) {
+        $pezzi += kvPezziParola($parola);
+        $brevi += kvPezziParola($parola, 1);
+    }
+    return $pezzi !== [] ? $pezzi : array_filter($brevi,
+        fn($forma) => kvVocaboli((string) $forma, KV_VOCABOLI_BREVI) !== null, ARRAY_FILTER_USE_KEY);
+}
+
 /** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
 function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
 {
-    $pezzi = [];
-    foreach ($parole as $parola) {
-        $pezzi += kvPezziParola($parola);
-    }
+    $pezzi = kvPezziRichiesta($parole);
     $valori = [];
-    $scelte = [];
+    $scelte = $pezzi === [] ? ["(SELECT articolo, 0 AS punti FROM kv_voci{$GLOBALS['Lingua']})"] : [];
     foreach ($pezzi as $forma => $pezzo) {
         $intera = $intere || (string) $forma === addcslashes($pezzo, '%_\\');
         $scelte[] = '(' . kvSceltaParola((string) $forma, $pezzo, $intera, $valori) . ')';
     }
     $voluti = $tutte ? count($pezzi) : 1;
-    $trovati = count($pezzi) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
+    $trovati = count($scelte) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
         . implode(' UNION ALL ', $scelte) . ") t GROUP BY articolo HAVING COUNT(*) >= $voluti)";
     list($reparti, $segni) = [kvCondizioneReparti($valori), kvCondizioneSegni($parole, $intere, $valori)];
     $tabella = kvTabellaLingua('articoli');

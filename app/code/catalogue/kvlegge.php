@@ -1,8 +1,30 @@
 <?php
 // ***1.0.7***
 // What the law wants beside an article: the price of a unit of its content, the lowest price of the days before a
-// reduction, maker and person responsible. A shop that uses none of these has none of their tables, and a page that
+// reduction, maker and person responsible, the time of delivery. A shop that uses none of these has none of their tables, and a page that
 // misses one goes without.
+
+/** The tables of this kind that the load has left; null where no load has said so yet. */
+function kvTabelleLaterali(): ?array
+{
+    global $kvLaterali;
+    if (!isset($kvLaterali)) {
+        $esito = mysqli_query(kvConnessione(), "SELECT valore FROM kv_stato WHERE nome = 'laterali'");
+        $riga = $esito instanceof mysqli_result ? mysqli_fetch_row($esito) : null;
+        $kvLaterali = $riga === null ? false : explode(',', $riga[0]);
+    }
+    return $kvLaterali === false ? null : $kvLaterali;
+}
+
+/** Whether the catalogue has such a table; one of which the load says nothing is asked. */
+function kvHaTabella(string $tabella): bool
+{
+    global $kvLegge;
+    if (!array_key_exists($tabella, $kvLegge ?? []) && !in_array($tabella, kvTabelleLaterali() ?? [$tabella], true)) {
+        $kvLegge[$tabella] = null;
+    }
+    return !array_key_exists($tabella, $kvLegge ?? []) || $kvLegge[$tabella] !== null;
+}
 
 /**
  * The row of a number in such a table, empty when there is none; the rows of the other numbers are read along with it.
@@ -11,7 +33,7 @@
 function kvRigaLegge(string $tabella, int $id, array $altri): array
 {
     global $kvLegge;
-    if (array_key_exists($tabella, $kvLegge ?? []) && ($kvLegge[$tabella] === null || isset($kvLegge[$tabella][$id]))) {
+    if (!kvHaTabella($tabella) || isset($kvLegge[$tabella][$id])) {
         return $kvLegge[$tabella][$id] ?? [];
     }
     $numeri = array_values(array_unique(array_map('intval', array_merge([$id], $altri))));
@@ -120,4 +142,72 @@ function kvSicurezza(array $riga): string
     }
     return $voci === '' ? '' : '<details class="sicurezza"' . (is_array($kvSolo) ? ' open' : '') . '><summary>'
         . kvHtml("<<4-sicurezza_prodotto>>") . "</summary><dl>$voci</dl></details>";
+}
+
+/** Reads the times of delivery of some article rows and of their departments, by one question. */
+function kvLeggiConsegne(array $righe): void
+{
+    global $kvLegge;
+    if (!kvHaTabella('kv_consegna')) {
+        return;
+    }
+    $lette = $kvLegge['kv_consegna'] ?? [];
+    $chiavi = array_map('strval', array_merge(array_column($righe, 'ID'), array_column($righe, 'catID')));
+    $nuove = array_filter(array_unique($chiavi), fn($chiave) => $chiave !== '' && !isset($lette[$chiave]));
+    if ($nuove === []) {
+        return;
+    }
+    kvCaratteri('latin1');
+    $elenco = implode("','", array_map(fn($chiave) => mysqli_real_escape_string(kvConnessione(), $chiave), $nuove));
+    $esito = mysqli_query(kvConnessione(), "SELECT * FROM kv_consegna WHERE ID IN ('$elenco')");
+    if (!$esito instanceof mysqli_result) {
+        $kvLegge['kv_consegna'] = null;
+        return;
+    }
+    $kvLegge['kv_consegna'] = array_fill_keys($nuove, []) + $lette;
+    foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
+        $kvLegge['kv_consegna'][$riga['ID']] = $riga;
+    }
+}
+
+/** How long the delivery of an article takes, in words: its own time, else that of its department; empty without any. */
+function kvTempoConsegna(array $riga): string
+{
+    global $resultArt, $kvLegge, $Lingua;
+    kvLeggiConsegne(array_merge([$riga], $resultArt instanceof KvRighe ? $resultArt->righe : []));
+    foreach ([(string) ($riga['ID'] ?? ''), (string) ($riga['catID'] ?? '')] as $chiave) {
+        $tempo = $kvLegge['kv_consegna'][$chiave] ?? [];
+        if ($tempo !== []) {
+            $proprio = trim((string) ($tempo['tempo' . $Lingua] ?? ''));
+            return $proprio !== '' ? $proprio : trim((string) $tempo['tempo']);
+        }
+    }
+    return '';
+}
+
+/** The time of delivery of an article that can be bought; empty without any. */
+function kvConsegna(array $riga): string
+{
+    $tempo = kvTempoConsegna($riga);
+    include_once "kvcard.php";
+    return $tempo === '' || !kvDisponibile($riga) ? '' : '<p class="nota consegna">' . kvHtml("<<4-tempo_consegna>>") . ' '
+        . kvHtml($tempo) . '</p>';
+}
+
+/**
+ * The days that a time of delivery tells, fewest and most: "2-4 giorni lavorativi", "24/48 ore", "3 weeks"; null for
+ * words that tell none.
+ */
+function kvGiorniConsegna(string $tempo): ?array
+{
+    $unita = '(?<ore>ore|ora|h|hours?|heures?|stunden?)|(?<giorni>gg|giorn\p{L}*|days?|jours?|\p{L}*tage?n?)'
+        . '|(?<settimane>settiman\p{L}*|weeks?|semaines?|wochen?)';
+    if (!preg_match('~(\d{1,3})(?:\s*(?:-|\x{2013}|/|a|o|to|or|\x{e0}|ou|bis|oder)\s*(\d{1,3}))?\s*(?:(?:working|business) )?(?:'
+        . $unita . ')(?!\p{L})~iu', kvUtf8($tempo), $parti, PREG_UNMATCHED_AS_NULL)) {
+        return null;
+    }
+    $giorni = fn(int $n): int => $parti['ore'] !== null ? intdiv($n + 23, 24) : ($parti['settimane'] !== null ? 7 * $n : $n);
+    $primo = $giorni((int) $parti[1]);
+    $ultimo = $giorni((int) ($parti[2] ?? $parti[1]));
+    return $primo > $ultimo ? null : [$primo, $ultimo];
 }

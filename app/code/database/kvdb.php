@@ -195,9 +195,11 @@ function kvArticoliPagina(string $sql)
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
         $esauriti = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
-        $esito = mysqli_query(kvConnessione(), str_replace([' WHERE ', " FROM $parti[1] "], [
+        // The order of the tables is the one by their keys: to find that out takes the server longer than to read them.
+        $intera = str_replace([' WHERE ', " FROM $parti[1] "], [
             " LEFT JOIN kv_offerte USING (ID) LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
-            ", $esauriti AS esauriti FROM $parti[1] "], $sql));
+            ", $esauriti AS esauriti FROM $parti[1] "], $sql);
+        $esito = mysqli_query(kvConnessione(), preg_replace('/\ASELECT /', 'SELECT STRAIGHT_JOIN ', $intera));
         if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
             include_once "kvtables.php";
             kvTabelle();

@@ -80,11 +80,16 @@ function kvPaginaNota(): void
         || !preg_match(KV_PAGINE_COMUNI, basename($file))) {
         return;
     }
-    $esito = mysqli_query(kvConnessione(), "SELECT nome, valore FROM kv_stato WHERE nome IN ('carico', 'scorte') ORDER BY nome");
+    $esito = mysqli_query(kvConnessione(), "SELECT nome, valore FROM kv_stato WHERE nome IN"
+        . " ('carico', 'indice{$GLOBALS['Lingua']}', 'laterali', 'scorte') ORDER BY nome");
     $stati = $esito instanceof mysqli_result ? mysqli_fetch_all($esito) : [];
     if ($stati === []) {
         return;
     }
+    // What else this page asks of the load comes along: its index, and which tables of kvlegge.php it has left.
+    $GLOBALS['kvStati'] = array_column($stati, 1, 0);
+    $laterali = $GLOBALS['kvStati']['laterali'] ?? null;
+    $GLOBALS['kvLaterali'] = $laterali === null ? false : explode(',', $laterali);
     $nome = '"' . substr(hash('sha256', json_encode($stati) . ($_SERVER['REQUEST_URI'] ?? '') . (int) kvProtetta()
         . (int) @filemtime($file)), 0, 24) . '"';
     header('ETag: ' . $nome);

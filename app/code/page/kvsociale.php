@@ -69,7 +69,18 @@ function kvDatiConsegna(array $riga, string $valuta): array
     $spese = kvNumeroScript($stima['totali']['spese'] + $stima['totali']['ivaspese'], kvScala());
     $regione = ['@type' => 'DefinedRegion', 'addressCountry' => $paese[0]];
     return ['shippingDetails' => ['@type' => 'OfferShippingDetails', 'shippingDestination' => $regione,
-        'shippingRate' => ['@type' => 'MonetaryAmount', 'value' => $spese, 'currency' => $valuta]]] + kvDatiReso($paese[0]);
+        'shippingRate' => ['@type' => 'MonetaryAmount', 'value' => $spese, 'currency' => $valuta]]
+        + kvDatiTempo($voce['consegna'])] + kvDatiReso($paese[0]);
+}
+
+/** The time of delivery in days: from the order to the buyer, who isn't told when the goods are handed over. */
+function kvDatiTempo(string $tempo): array
+{
+    $giorni = kvGiorniConsegna($tempo);
+    $durata = fn(int $minimo, int $massimo): array => ['@type' => 'QuantitativeValue', 'minValue' => $minimo,
+        'maxValue' => $massimo, 'unitCode' => 'DAY'];
+    return $giorni === null ? [] : ['deliveryTime' => ['@type' => 'ShippingDeliveryTime', 'handlingTime' => $durata(0, 0),
+        'transitTime' => $durata(...$giorni)]];
 }
 
 /**

@@ -9,7 +9,7 @@ include_once "kvindex.php";
 const KV_NUOVA = 'kvn_';
 const KV_VECCHIA = 'kvo_';
 /** Tables of the catalogue that are sent only while they hold a row; a full load without one takes it away. */
-const KV_TALVOLTA = ['kv_unita', 'kv_minimi', 'kv_sicurezza', 'kv_produttori'];
+const KV_TALVOLTA = ['kv_unita', 'kv_minimi', 'kv_sicurezza', 'kv_produttori', 'kv_consegna'];
 
 /** The state of a load: the tables to be dropped, those made anew, the numbers of changed articles. */
 final class KvCarico
@@ -146,9 +146,10 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
     $carico->via = array_merge($carico->via, in_array('articoli', $carico->nuove, true) ? KV_TALVOLTA : []);
     $guasto = $guasto === '' ? kvScambia($carico) : $guasto;
-    if ($guasto === '' && $carico->nuove !== []) {
+    if ($guasto === '' && array_merge($carico->nuove, $carico->via) !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.
-        $guasto = kvSegnaCarico(in_array("articoli$lingua", $carico->nuove, true) ? "indice$lingua" : '');
+        $stati = in_array("articoli$lingua", $carico->nuove, true) ? ["indice$lingua" => '2'] : [];
+        $guasto = kvSegnaCarico($stati + ['laterali' => implode(',', array_filter(KV_TALVOLTA, 'kvEsiste'))]);
         $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
     }
     if ($guasto !== '') {
@@ -157,9 +158,12 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     return $guasto;
 }
 
-/** Marks the load, for pages that browsers keep: a page of another load is another page. Sets `altro` too. The failure. */
-function kvSegnaCarico(string $altro = ''): string
+/** Marks the load, for pages that browsers keep: a page of another load is another page. Sets other states too. The failure. */
+function kvSegnaCarico(array $stati = []): string
 {
-    $stati = "('carico', '" . bin2hex(random_bytes(8)) . "')" . ($altro === '' ? '' : ", ('$altro', '2')");
-    return kvEseguiSql("REPLACE INTO kv_stato (nome, valore) VALUES $stati");
+    $righe = "('carico', '" . bin2hex(random_bytes(8)) . "')";
+    foreach ($stati as $nome => $valore) {
+        $righe .= ", ('$nome', '$valore')";
+    }
+    return kvEseguiSql("REPLACE INTO kv_stato (nome, valore) VALUES $righe");
 }

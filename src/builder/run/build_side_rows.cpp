@@ -26,6 +26,18 @@ constexpr const char* makersOfArticles =
 constexpr const char* usedMakers =
     "SELECT ID, nome, indirizzo, contatto, responsabile, resp_indirizzo, resp_contatto FROM produttori"
     " WHERE ID IN (SELECT produttore FROM sicurezza) ORDER BY ID";
+/// The time of delivery of each department, its own or that of the nearest one above it, and of articles on sale that
+/// have their own.
+constexpr const char* timesOfDelivery =
+    "WITH RECURSIVE eredita (ID, chiave, livelli) AS ("
+    "  SELECT c.ID, s.chiave, 0 FROM categorie c LEFT JOIN consegna s ON s.chiave = c.ID"
+    "   WHERE c.genitore IS NULL OR c.genitore NOT IN (SELECT ID FROM categorie)"
+    "  UNION ALL"
+    "  SELECT c.ID, COALESCE(s.chiave, e.chiave), e.livelli + 1 FROM categorie c"
+    "   INNER JOIN eredita e ON e.ID = c.genitore LEFT JOIN consegna s ON s.chiave = c.ID WHERE e.livelli < 100)"
+    " SELECT e.ID AS ID, tempo, tempo_l2, tempo_l3, tempo_l4 FROM eredita e INNER JOIN consegna USING (chiave)"
+    " UNION ALL SELECT chiave, tempo, tempo_l2, tempo_l3, tempo_l4 FROM consegna INNER JOIN articoli a"
+    " ON chiave = CAST(a.ID AS TEXT) WHERE COALESCE(a.fuoricatalogo, 0) = 0 ORDER BY ID";
 constexpr const char* completeUnits =
     "SELECT u.ID, u.contenuto, u.misura FROM unita u INNER JOIN articoli a ON a.ID = u.ID"
     " WHERE u.contenuto > 0 AND u.misura <> '' AND COALESCE(a.fuoricatalogo, 0) = 0 ORDER BY u.ID";
@@ -135,6 +147,11 @@ Result<> copySideTables(Database& catalogue, const ShopFacts& shop, double now, 
   if (*safety && *makers) {
     if (auto copied = copyQuery(catalogue, makersOfArticles, sentSafetyTable(), output); !copied) return copied;
     if (auto copied = copyQuery(catalogue, usedMakers, sentMakersTable(), output); !copied) return copied;
+  }
+  const auto times = findSideTable(catalogue, "consegna");
+  if (!times) return fail(times.error());
+  if (*times) {
+    if (auto copied = copyQuery(catalogue, timesOfDelivery, sentDeliveryTable(), output); !copied) return copied;
   }
   return copyLowestPrices(shop.folders.shop, now, output);
 }

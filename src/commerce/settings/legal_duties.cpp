@@ -86,6 +86,9 @@ class DutyReader {
   std::vector<LegalDuty> duties_;
 };
 
+/// Whether a VAT number is one: zeros alone, as in the terms of the model shop, are nobody's.
+bool isVatNumber(std::string_view number) { return number.find_first_of("123456789") != std::string_view::npos; }
+
 /// Directive 2000/31/EC, article 5: who sells is named on the site.
 Result<> DutyReader::identity() {
   constexpr std::string_view title = "Chi vende";
@@ -100,7 +103,7 @@ Result<> DutyReader::identity() {
     add(title, DutyState::Missing, "Scrivere il nome del negozio.", setting("titolo"));
   } else if (seat->empty()) {
     add(title, DutyState::Missing, "Indicare ragione sociale e sede.", setting("legale_sede"));
-  } else if (number->empty()) {
+  } else if (!isVatNumber(*number)) {
     add(title, DutyState::Missing, "Indicare la partita IVA.", setting("legale_piva"));
   } else {
     add(title, DutyState::Met, "Nome, sede e partita IVA compaiono in ogni pagina.", setting("legale_sede"));

@@ -1,8 +1,10 @@
 #include "media/purge/unused_pictures.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
+#include "media/choice/numbered_pictures.h"
 #include "media/purge/picture_mentions.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
@@ -26,16 +28,25 @@ class FilesInUse {
       exact_.emplace(file, group);
     }
   }
+  /// With a picture that is there, those that numbers join to it are in use.
   void use(std::string_view name) {
-    if (const auto exact = exact_.find(name); exact != exact_.end()) {
-      used_[exact->second] = true;
-    } else if (const auto folded = folded_.find(foldCase(name)); folded != folded_.end()) {
-      used_[folded->second] = true;
+    const std::optional<std::size_t> group = groupOf(name);
+    if (!group || used_[*group]) return;
+    used_[*group] = true;
+    for (const std::string& other :
+         numberedPictures(name, [&](const auto& file) { return groupOf(file).has_value(); })) {
+      used_[*groupOf(other)] = true;
     }
   }
   bool isUsed(const std::string& file) const { return used_[exact_.at(file)]; }
 
  private:
+  std::optional<std::size_t> groupOf(std::string_view name) const {
+    if (const auto exact = exact_.find(name); exact != exact_.end()) return exact->second;
+    const auto folded = folded_.find(foldCase(name));
+    return folded == folded_.end() ? std::nullopt : std::optional(folded->second);
+  }
+
   std::unordered_map<std::string_view, std::size_t> exact_;  // file -> the group of those that differ in case alone
   std::unordered_map<std::string, std::size_t> folded_;
   std::vector<bool> used_;  // by group

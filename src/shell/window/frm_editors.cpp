@@ -17,6 +17,7 @@
 #include "shell/window/frm_text.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/variant_commands.h"
+#include "shell/workbench/fields/further_pictures.h"
 
 namespace kv {
 namespace {
@@ -274,7 +275,11 @@ void EditorBinding::makePicture(const CommandActions& actions) {
   });
   drops->pasteOn(picture->picture());
   read_ = [] { return QString(); };
-  write_ = [this, picture](const QString& name) { picture->showPicture(name, toQt(workbench_.picturePath(editor_))); };
+  write_ = [this, picture](const QString& name) {
+    const std::string path = workbench_.picturePath(editor_);
+    picture->showPicture(name, toQt(path));
+    picture->showFurther(editor_.set == EditedSet::Articoli ? toQt(furtherPictures(path)) : QString());
+  };
   adopt(picture);
 }
 

@@ -19,7 +19,12 @@ constexpr int previewHeight = 80;
 }  // namespace
 
 PictureField::PictureField(const QString& name, QAction* choose, QAction* clear, QWidget* parent)
-    : QWidget(parent), preview_(new QLabel(this)), about_(new QLabel(this)), buttons_(new QWidget(this)), title_(name) {
+    : QWidget(parent),
+      preview_(new QLabel(this)),
+      about_(new QLabel(this)),
+      further_(new QLabel(this)),
+      buttons_(new QWidget(this)),
+      title_(name) {
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   preview_->setFixedSize(previewWidth, previewHeight);
@@ -35,6 +40,10 @@ PictureField::PictureField(const QString& name, QAction* choose, QAction* clear,
   about_->setWordWrap(true);
   about_->setTextFormat(Qt::PlainText);
   column->addWidget(about_);
+  further_->setWordWrap(true);
+  further_->setTextFormat(Qt::PlainText);
+  further_->hide();
+  column->addWidget(further_);
   auto* line = new QHBoxLayout(buttons_);
   line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(4);
@@ -76,6 +85,11 @@ void PictureField::showPicture(const QString& name, const QString& path) {
   // Stepping through a list of articles doesn't wait for their pictures.
   if (!waiting_) QTimer::singleShot(0, this, &PictureField::load);
   waiting_ = true;
+}
+
+void PictureField::showFurther(const QString& text) {
+  further_->setText(text);
+  further_->setVisible(!text.isEmpty());
 }
 
 void PictureField::nameFor(const QString& file, const QString& size) {

@@ -23,6 +23,8 @@ class PictureField final : public QWidget {
   /// Called for each row that becomes current. The same file is read again only after its time of change moved; an
   /// empty path shows that there is no picture.
   void showPicture(const QString& name, const QString& path);
+  /// Says which pictures are shown with it on the site; an empty text for none.
+  void showFurther(const QString& text);
   /// The picture itself, which takes the focus so that another can be pasted on it.
   QWidget& picture() { return *preview_; }
 
@@ -39,6 +41,7 @@ class PictureField final : public QWidget {
   void addButton(QAction* action, const QString& text, const QString& meaning);
   QLabel* preview_;              ///< the picture, or why there is none
   QLabel* about_;                ///< file name and size
+  QLabel* further_;              ///< the pictures that are shown with it
   QWidget* buttons_;             ///< holds both buttons
   QString name_, title_, path_;  ///< of the file, of the picture, and the file's path
   qint64 stamp_ = 0;             ///< time of change of the file that is shown

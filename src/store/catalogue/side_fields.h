@@ -1,6 +1,6 @@
 #pragma once
 // Fields of articles and departments that are kept in tables of their own, which a shop has only once it uses them: the
-// content that unit prices are computed from, and the maker that product safety asks for.
+// content that unit prices are computed from, the maker that product safety asks for, and the time of delivery.
 
 #include <cstdint>
 #include <string>
@@ -15,7 +15,8 @@ namespace kv {
 enum class SideField {
   Content,  ///< `contenuto` of `unita`: an amount, in the measure of the article
   Measure,  ///< `misura` of `unita`: "kg", "l", "m" or "pz"
-  Maker     ///< `produttore` of `sicurezza`: the number of a maker; read and written by its name
+  Maker,    ///< `produttore` of `sicurezza`: the number of a maker; read and written by its name
+  Delivery  ///< `tempo` of `consegna`: a text in each language
 };
 
 /// The file of a shop folder that holds what was published at which price, by the numbers of articles.
@@ -27,8 +28,8 @@ Result<bool> findSideTable(Database& catalogue, std::string_view table);
 bool hasSideTable(Database& catalogue, std::string_view table);
 
 /// The value of a field; Null where nothing was entered. key: the number of an article, or the ID of a department.
-/// Failures as Database::prepare.
-Result<Value> readSideField(Database& catalogue, SideField field, const std::string& key);
+/// language: 1 to 4, of a text that each has. Failures as Database::prepare.
+Result<Value> readSideField(Database& catalogue, SideField field, const std::string& key, int language = 1);
 
 /// Makes the table of a field where the shop has none. The creation of a table can't be undone, so this comes before a
 /// step of the history begins. Failures as Database::createTable.
@@ -36,8 +37,9 @@ Result<> prepareSideField(Database& catalogue, SideField field);
 
 /// Writes a field; Null or an empty text removes it, and a row in which nothing is left goes. A maker of a name that
 /// `produttori` doesn't have removes the choice. The table must be there (prepareSideField).
-/// Failures as Statement::execute.
-Result<> writeSideField(Database& catalogue, SideField field, const std::string& key, const Value& value);
+/// language: as for readSideField. Failures as Statement::execute.
+Result<> writeSideField(Database& catalogue, SideField field, const std::string& key, const Value& value,
+                        int language = 1);
 
 /// Removes what the tables have of articles and departments, for when other ones take their numbers; makers stay.
 /// Failures as Database::execute.

@@ -29,6 +29,11 @@ std::vector<ColumnRule> makerColumns() {
           text("resp_contatto")};
 }
 
+/// key: the name of the column with the number of an article or the ID of a department.
+std::vector<ColumnRule> deliveryColumns(std::string_view key) {
+  return {text(key, keyOfDepartment), perLanguage(text("tempo", deliveryWidth))};
+}
+
 }  // namespace
 
 TableInfo unitTable() { return keyed({"unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}}); }
@@ -45,11 +50,14 @@ TableInfo orderKeyTable() {
   return keyed({std::string(orderKeyTableName), {number("ID"), text("chiave", digitsOfKey)}});
 }
 
+TableInfo deliveryTable() { return keyed({"consegna", deliveryColumns("chiave")}); }
+
 TableInfo sentUnitTable() {
   return exported({"kv_unita", {number("ID"), money("contenuto"), text("misura", measureWidth)}});
 }
 TableInfo sentMakersTable() { return exported({"kv_produttori", makerColumns()}); }
 TableInfo sentSafetyTable() { return exported({"kv_sicurezza", {number("ID"), number("produttore")}}); }
+TableInfo sentDeliveryTable() { return exported({"kv_consegna", deliveryColumns("ID")}); }
 TableInfo sentLowestTable() {
   return exported({"kv_minimi", {number("ID"), perListino(money("minimo")), perListino(smallNumber("giorni"))}});
 }

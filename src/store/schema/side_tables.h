@@ -10,6 +10,9 @@
 
 namespace kv {
 
+/// Most characters of a time of delivery.
+inline constexpr int deliveryWidth = 100;
+
 /// `unita`: content and measure of an article. ID (of the article), contenuto (amount), misura ("kg", "l", "m", "pz").
 TableInfo unitTable();
 /// `produttori`: makers with the person responsible in the European Union. ID (automatic), nome, indirizzo, contatto,
@@ -21,6 +24,8 @@ TableInfo safetyTable();
 /// the undo history.
 TableInfo orderKeyTable();
 inline constexpr std::string_view orderKeyTableName = "chiave_ordini";
+/// `consegna`: the time of delivery of an article or a department. chiave ("12" or "cat007"), tempo in each language.
+TableInfo deliveryTable();
 
 /// `kv_unita` of the build database: the rows of `unita` that are complete.
 TableInfo sentUnitTable();
@@ -28,6 +33,9 @@ TableInfo sentUnitTable();
 TableInfo sentMakersTable();
 /// `kv_sicurezza`: ID of an article, produttore.
 TableInfo sentSafetyTable();
+/// `kv_consegna`: ID of an article with a time of delivery of its own ("12"), or of a department with its own or an
+/// inherited one ("cat007"); tempo in each language.
+TableInfo sentDeliveryTable();
 /// `kv_minimi`: ID of an article; minimo (the lowest price of the time before a reduction, without VAT) and giorni (the
 /// days that it was looked for in), one of each for each price list, null where nothing is reduced.
 TableInfo sentLowestTable();

@@ -42,6 +42,7 @@ Editor beside(Editor row) {
 }
 
 constexpr std::string_view safety = "Sicurezza del prodotto";
+constexpr std::string_view delivery = "Consegna";
 
 std::vector<Editor> departmentEditors() {
   using enum Control;
@@ -66,6 +67,8 @@ std::vector<Editor> departmentEditors() {
           beside(from(env(department("produttore", safety, "Produttore:", Pick), "",
                           "Il produttore degli articoli del reparto e dei sottoreparti, se non ne hanno uno proprio"),
                       ChoiceSource::Makers)),
+          beside(env(department("consegna", delivery, "Tempo di consegna:"), "",
+                     "Per esempio: 2-4 giorni lavorativi. Vale per gli articoli del reparto e dei sottoreparti")),
           department("descrizione", texts, "&Descrizione:", Memo),
           department("note", texts, "N&ote:", Memo),
           numbered(department("immagine0", pictures, "Immagine:", Picture), 0),
@@ -134,6 +137,8 @@ std::vector<Editor> articleRest() {
       beside(from(env(article("produttore", safety, "Produttore:", Pick), "",
                       "Il produttore dell'articolo; vuoto: quello del reparto"),
                   ChoiceSource::Makers)),
+      beside(env(article("consegna", delivery, "Tempo di consegna:"), "",
+                 "Il tempo di consegna dell'articolo; vuoto: quello del reparto")),
       env(article("scqart0", quantity, "Da pezzi (1):", Line, FieldKind::WholeNumber), "pezzi",
           "Da questa quantità vale il primo sconto"),
       env(article("scqperc0", quantity, "Sconto (1):", Line, FieldKind::Percent), "%", ""),

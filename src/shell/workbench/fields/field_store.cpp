@@ -66,7 +66,7 @@ std::string FieldStore::shown(const Editor& editor) {
   if (editor.column == shopAddressField) return addressesOf(sets_).shop;
   if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
   if (isSideEditor(editor)) {
-    const std::string text = asText(sideValue(sets_, editor));
+    const std::string text = asText(sideValue(sets_, editor, sets_.session().currentLanguage));
     return isNumberKind(editor.kind) && !text.empty() ? shownNumber(text, separator_) : text;
   }
   if (editor.control == Control::Variant)
@@ -80,6 +80,7 @@ std::string FieldStore::shown(const Editor& editor) {
 std::string FieldStore::firstLanguageText(const Editor& editor) {
   const bool isText = editor.control == Control::Line || editor.control == Control::Memo;
   if (sets_.session().currentLanguage == 1 || !isText || !isOnRow(sets_, editor.set)) return {};
+  if (sideWidth(editor) > 0) return shown(editor).empty() ? asText(sideValue(sets_, editor, 1)) : std::string();
   const ColumnInfo* info = columnInfo(editor);
   if (info == nullptr || isNumberType(info->type) || !shown(editor).empty()) return {};
   // A column that all languages share is empty here too.
@@ -90,6 +91,7 @@ int FieldStore::widest(const Editor& editor) {
   constexpr int smallDigits = 4;
   constexpr int longDigits = 9;
   if (!isOnRow(sets_, editor.set)) return 0;
+  if (const int width = sideWidth(editor); width > 0) return width;
   const ColumnInfo* info = columnInfo(editor);
   if (info == nullptr) return 0;
   if (info->type == ColumnType::Text) return info->size;

@@ -15,10 +15,14 @@ bool isSideEditor(const Editor& editor);
 /// The field that such an editor writes.
 SideField sideFieldOf(const Editor& editor);
 
-/// The stored value of the current row's field; Null on no row, or when it can't be read.
-Value sideValue(CatalogueSets& sets, const Editor& editor);
+/// The stored value of the current row's field in a language; Null on no row, or when it can't be read.
+Value sideValue(CatalogueSets& sets, const Editor& editor, int language);
 
-/// Stores the field of the current row; its table must be there. Failures as writeSideField.
+/// Most characters of a text that such an editor takes; 0 for all other editors.
+int sideWidth(const Editor& editor);
+
+/// Stores the field of the current row in the language that is being edited; its table must be there. Failures as
+/// writeSideField.
 Result<> storeSideValue(CatalogueSets& sets, const Editor& editor, const Value& value);
 
 /// What may be chosen as maker: nothing, or one of the shop's.
