@@ -4,7 +4,8 @@ four, on loopback and with 20 ms to and fro.
 
 The folder holds the model shop and 2,000 files of 8 KiB (--quick: 200, with the distance 60). Three runs each: all of it,
 nothing changed, 5 % changed. Seconds; those of korvane-cli include making the SQL files and asking a host that isn't there
-to load them. With the distance, what was sent is sent once more by a bare script: DELE, EPSV, STOR.
+to load them. With the distance, what was sent is sent once more by a bare script: DELE, EPSV, STOR. At last 10,000 files
+(--quick: 1,000) of which nothing changed: commands, each of which waits for its reply, and data connections.
 """
 import os
 import pathlib
@@ -26,6 +27,15 @@ FILE_SIZE = 8192
 FOLDERS = ("online", "scripts")
 DISTANCE = 0.02  # seconds to and fro
 DISTANT_FILES = 60
+UNCHANGED_FILES, UNCHANGED_SIZE = 10000, 64
+# At most this much of what the other one takes, over one connection and over four, with the distance.
+DISTANT_BARS = {1: 0.85, 4: 1.0}
+BARE_BAR = 1.05
+MOST_COMMANDS, MOST_DATA_CONNECTIONS = 8, 0
+
+
+def verdict(value, bar):
+    return "bar %g  %s" % (bar, "met" if value <= bar else "MISSED")
 
 
 class BareScript:
@@ -83,9 +93,9 @@ class Bench:
         self.korvane("build")
         self.write(range(self.files))
 
-    def write(self, numbers):
+    def write(self, numbers, size=FILE_SIZE):
         for number in numbers:
-            (self.shop / ("online/misura%05d.bin" % number)).write_bytes(self.chance.randbytes(FILE_SIZE))
+            (self.shop / ("online/misura%05d.bin" % number)).write_bytes(self.chance.randbytes(size))
 
     def send_bare(self, server):
         """Sends what the last publish has sent."""
@@ -150,12 +160,28 @@ class Bench:
             for home in homes:
                 if len(list((home / "online").glob("misura*.bin"))) != self.files:
                     raise SystemExit("%s does not hold all files" % home)
-            print("publish%s, %d connections, %-16s %6.2f s   lftp %6.2f s   ratio %.2f"
-                  % (where, connections, name, *seconds, seconds[0] / seconds[1]), flush=True)
+            ratio = seconds[0] / seconds[1]
+            bar = "  " + verdict(ratio, DISTANT_BARS[connections]) if where and name == "all" else ""
+            print("publish%s, %d connections, %-16s %6.2f s   lftp %6.2f s   ratio %.2f%s"
+                  % (where, connections, name, *seconds, ratio, bar), flush=True)
             if where and name == "all" and connections == 1:
                 bare = self.send_bare(servers[0])
-                print("publish%s, %d connections, %-16s %6.2f s   bare %6.2f s   ratio %.2f"
-                      % (where, connections, name, seconds[0], bare, seconds[0] / bare), flush=True)
+                ratio = seconds[0] / bare
+                print("publish%s, %d connections, %-16s %6.2f s   bare %6.2f s   ratio %.2f  %s"
+                      % (where, connections, name, seconds[0], bare, ratio, verdict(ratio, BARE_BAR)), flush=True)
+
+    def measure_unchanged(self, files):
+        """What a publish of many files says to the server when nothing has changed."""
+        self.write(range(files), UNCHANGED_SIZE)
+        homes = self.empty_homes()
+        with FtpServer("pyftpdlib", homes[0]) as server, DistantServer(server.port, 0) as counted:
+            self.publish(counted, 1)
+            first = counted.commands
+            counted.commands = counted.data_connections = 0
+            seconds = self.publish(counted, 1)
+            print("publish, nothing changed of %d files  %6.2f s   commands %d (%d at first)  %s   data connections %d  %s"
+                  % (files, seconds, counted.commands, first, verdict(counted.commands, MOST_COMMANDS),
+                     counted.data_connections, verdict(counted.data_connections, MOST_DATA_CONNECTIONS)), flush=True)
 
     def thin_out(self, files):
         """Leaves so many of the files that were written."""
@@ -174,6 +200,7 @@ def main():
         bench.thin_out(DISTANT_FILES)
         for connections in (1, 4):
             bench.measure_distant(connections)
+        bench.measure_unchanged(UNCHANGED_FILES // 10 if "--quick" in sys.argv else UNCHANGED_FILES)
     finally:
         shutil.rmtree(folder)
 
