@@ -1,6 +1,7 @@
 # The front door. `make` alone lists the commands.
 FUZZ_RUNS ?= 20000
 SOAK_SEEDS ?= 20
+SOAK_SHOPS ?= 1000
 DEMO_ARGS ?=
 SHOTS_ARGS ?=
 BENCH_ARGS ?=
@@ -20,7 +21,8 @@ help:
 	@echo "make lighthouse  measure the pages of the model shop with Lighthouse"
 	@echo "make screenshots  a picture of every window and tab, in two sizes and palettes (SHOTS_ARGS=--font 125 ...)"
 	@echo "make fuzz     run each fuzz target for FUZZ_RUNS inputs (now $(FUZZ_RUNS))"
-	@echo "make soak     the random and the failing tests for longer: SOAK_SEEDS series each (now $(SOAK_SEEDS)), about an hour"
+	@echo "make soak     the random and the failing tests for longer: SOAK_SEEDS series each (now $(SOAK_SEEDS)) and"
+	@echo "               SOAK_SHOPS shops (now $(SOAK_SHOPS)), some hours"
 	@echo "make format   lay out all C++ files"
 	@echo "make lint     clang-tidy, the layout check and the list of words"
 	@echo "make check    layout, layers, lint, tests; says how long each took"
@@ -80,26 +82,27 @@ fuzz: deps-more
 
 # One series after the other in one program, without the time limit that a test has otherwise.
 soak: build
-	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell test_import jet_rows
+	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell test_import test_media jet_rows
 	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
 	@KORVANE_TEST_MOMENTS=100000 build/dev/tests/test_builder --gtest_filter='*FailingBuild*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_commerce --gtest_brief=1 \
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_shell --gtest_filter='ShopsOfChance.AnImport*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_forms \
 	  --gtest_filter='*TreeEndurance*' --gtest_brief=1
-	@cmake --build --preset dev --target korvane-cli korvane_data
+	@cmake --build --preset dev --target korvane korvane-cli korvane_data
+	@tools/check-accessibility build/dev/bin --whole
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-name-pattern='built like' tests/e2e/aged.mjs \
 	  --cli build/dev/bin/korvane-cli --template chiaro --work build/dev/aged
 	@python3 -B tests/web/price_oracle.py build/dev/bin/korvane-cli

@@ -1,6 +1,7 @@
 """A distance between a client and an FTP server of this machine: DistantServer(port, seconds) serves on a port of its own,
 and each byte takes half of `seconds` to go through, that of passive data connections too. What a real distance adds to
-the opening of a connection is left out, for every client alike."""
+the opening of a connection is left out, for every client alike. `commands` and `data_connections` count what clients
+have sent and opened."""
 import asyncio
 import re
 import threading
@@ -13,6 +14,7 @@ class DistantServer:
     def __init__(self, port, seconds):
         self.target, self.delay, self.port = port, seconds / 2, None
         self.loop = asyncio.new_event_loop()
+        self.commands = self.data_connections = 0
 
     def __enter__(self):
         ready = threading.Event()
@@ -33,12 +35,16 @@ class DistantServer:
     def _listen(self, target, control):
         async def serve(client, to_client):
             source, to_server = await asyncio.open_connection("127.0.0.1", target)
-            await asyncio.gather(self._carry(client, to_server, False), self._carry(source, to_client, control))
+            self.data_connections += not control
+            await asyncio.gather(self._carry(client, to_server, False, counted=control),
+                                 self._carry(source, to_client, control))
         return asyncio.start_server(serve, "127.0.0.1", 0)
 
-    async def _carry(self, source, sink, replies):
+    async def _carry(self, source, sink, replies, counted=False):
         try:
             while data := await source.read(65536):
+                if counted:
+                    self.commands += data.count(b"\n")
                 if replies:
                     data = await self._with_gates(data)
                 self.loop.call_later(self.delay, sink.write, data)

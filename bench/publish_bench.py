@@ -4,7 +4,8 @@ four, on loopback and with 20 ms to and fro.
 
 The folder holds the model shop and 2,000 files of 8 KiB (--quick: 200, with the distance 60). Three runs each: all of it,
 nothing changed, 5 % changed. Seconds; those of korvane-cli include making the SQL files and asking a host that isn't there
-to load them. With the distance, what was sent is sent once more by a bare script: DELE, EPSV, STOR.
+to load them. With the distance, what was sent is sent once more by a bare script: DELE, EPSV, STOR. At last 10,000 files
+(--quick: 1,000) of which nothing changed: commands, each of which waits for its reply, and data connections.
 """
 import os
 import pathlib
@@ -26,6 +27,16 @@ FILE_SIZE = 8192
 FOLDERS = ("online", "scripts")
 DISTANCE = 0.02  # seconds to and fro
 DISTANT_FILES = 60
+UNCHANGED_FILES, UNCHANGED_SIZE = 10000, 64
+MEASURED_TYPES = ".bin."
+# At most this much of what the other one takes, over one connection and over four, with the distance.
+DISTANT_BARS = {1: 0.85, 4: 1.0}
+BARE_BAR = 1.05
+MOST_COMMANDS, MOST_DATA_CONNECTIONS = 8, 0
+
+
+def verdict(value, bar):
+    return "bar %g  %s" % (bar, "met" if value <= bar else "MISSED")
 
 
 class BareScript:
@@ -83,9 +94,9 @@ class Bench:
         self.korvane("build")
         self.write(range(self.files))
 
-    def write(self, numbers):
+    def write(self, numbers, size=FILE_SIZE):
         for number in numbers:
-            (self.shop / ("online/misura%05d.bin" % number)).write_bytes(self.chance.randbytes(FILE_SIZE))
+            (self.shop / ("online/misura%05d.bin" % number)).write_bytes(self.chance.randbytes(size))
 
     def send_bare(self, server):
         """Sends what the last publish has sent."""
@@ -95,14 +106,15 @@ class Bench:
         return BareScript(server.port).send({name: [self.shop / name / key[1] for key in keys if key[0] == name]
                                              for name in FOLDERS})
 
-    def publish(self, server, connections):
+    def publish(self, server, connections, types=""):
         catalogue = sqlite3.connect(self.shop / "catalog.mdb")
         with catalogue:
             catalogue.execute("UPDATE generale SET URL = 'http://127.0.0.1:1', hostname = '127.0.0.1', username = ?, "
                               "password = ?, folderFTP = 'online', folderCGI = 'scripts'", (USER, PASSWORD))
         catalogue.close()
         (self.shop / "firewall.net").write_text("MODE: 1\r\nFPRT: %s\r\n" % server.port)
-        (self.shop / "kvftp.ini").write_text("SHOP: 0\r\nCONN: %d\r\n" % connections)
+        wanted = "TYPE: %s\r\n" % types if types else ""
+        (self.shop / "kvftp.ini").write_text("%sSHOP: 0\r\nCONN: %d\r\n" % (wanted, connections))
         begin = time.monotonic()
         done = self.korvane("publish", check=False)
         if b"File inviati" not in done.stdout or b"non inviato" in done.stdout:
@@ -150,12 +162,29 @@ class Bench:
             for home in homes:
                 if len(list((home / "online").glob("misura*.bin"))) != self.files:
                     raise SystemExit("%s does not hold all files" % home)
-            print("publish%s, %d connections, %-16s %6.2f s   lftp %6.2f s   ratio %.2f"
-                  % (where, connections, name, *seconds, seconds[0] / seconds[1]), flush=True)
+            ratio = seconds[0] / seconds[1]
+            bar = "  " + verdict(ratio, DISTANT_BARS[connections]) if where and name == "all" else ""
+            print("publish%s, %d connections, %-16s %6.2f s   lftp %6.2f s   ratio %.2f%s"
+                  % (where, connections, name, *seconds, ratio, bar), flush=True)
             if where and name == "all" and connections == 1:
                 bare = self.send_bare(servers[0])
-                print("publish%s, %d connections, %-16s %6.2f s   bare %6.2f s   ratio %.2f"
-                      % (where, connections, name, seconds[0], bare, seconds[0] / bare), flush=True)
+                ratio = seconds[0] / bare
+                print("publish%s, %d connections, %-16s %6.2f s   bare %6.2f s   ratio %.2f  %s"
+                      % (where, connections, name, seconds[0], bare, ratio, verdict(ratio, BARE_BAR)), flush=True)
+
+    def measure_unchanged(self, files):
+        """What a publish of many files says to the server when nothing has changed. The SQL files stay out: a host that
+        isn't there has not loaded them, so they go again each time."""
+        self.write(range(files), UNCHANGED_SIZE)
+        homes = self.empty_homes()
+        with FtpServer("pyftpdlib", homes[0]) as server, DistantServer(server.port, 0) as counted:
+            self.publish(counted, 1, MEASURED_TYPES)
+            first = counted.commands
+            counted.commands = counted.data_connections = 0
+            seconds = self.publish(counted, 1, MEASURED_TYPES)
+            print("publish, nothing changed of %d files  %6.2f s   commands %d (%d at first)  %s   data connections %d  %s"
+                  % (files, seconds, counted.commands, first, verdict(counted.commands, MOST_COMMANDS),
+                     counted.data_connections, verdict(counted.data_connections, MOST_DATA_CONNECTIONS)), flush=True)
 
     def thin_out(self, files):
         """Leaves so many of the files that were written."""
@@ -174,6 +203,7 @@ def main():
         bench.thin_out(DISTANT_FILES)
         for connections in (1, 4):
             bench.measure_distant(connections)
+        bench.measure_unchanged(UNCHANGED_FILES // 10 if "--quick" in sys.argv else UNCHANGED_FILES)
     finally:
         shutil.rmtree(folder)
 

@@ -38,6 +38,8 @@ add_test(NAME layers.TheCoreConfiguresWithoutQt
   COMMAND ${CMAKE_COMMAND} -S ${CMAKE_SOURCE_DIR} -B ${CMAKE_CURRENT_BINARY_DIR}/without-qt -G ${CMAKE_GENERATOR}
     -DCMAKE_DISABLE_FIND_PACKAGE_Qt5=ON -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON -DKORVANE_TESTS=OFF)
 
+add_test(NAME access.AWayLeadsToEveryWindow COMMAND ${CMAKE_SOURCE_DIR}/tools/check-accessibility --ways)
+
 # The running window as a screen reader sees it. The sanitizers look at the windows in test_forms.
 if(TARGET korvane AND NOT KORVANE_SANITIZE)
   add_test(NAME access.EveryControlHasANameAndIsReachedByTab

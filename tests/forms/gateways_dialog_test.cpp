@@ -107,17 +107,18 @@ TEST_F(TheGatewayDialogs, TheAddressesFollowTheSecurityMode) {
   EXPECT_EQ(line("txt_tid")->text(), "1");
 }
 
-TEST_F(TheGatewayDialogs, TheListOfPasswordsIsAHookAndTheLanguageAnExplanation) {
+TEST_F(TheGatewayDialogs, TheListOfPasswordsAndWhatIsToldOfTheLanguageAreHooks) {
   openModule(1);
-  EXPECT_FALSE(control<QPushButton>(*dialog, "cmdPwd")->isEnabled());
-  int opened = 0;
+  for (const char* button : {"cmdPwd", "cmdLingua"}) EXPECT_FALSE(control<QPushButton>(*dialog, button)->isEnabled());
+  int opened = 0, told = 0;
   hooks.passwords = [&opened] { ++opened; };
+  hooks.language = [&told] { ++told; };
   openModule(1);
   click(*dialog, "cmdPwd");
   EXPECT_EQ(opened, 1);
   click(*dialog, "cmdLingua");
-  ASSERT_EQ(user.shown.size(), 1U);
-  EXPECT_EQ(user.shown[0].icon, Icon::Information);
+  EXPECT_EQ(told, 1);
+  EXPECT_TRUE(user.shown.empty());
 }
 
 TEST_F(TheGatewayDialogs, TheTextOfAnOfflineMethodHasItsLines) {

@@ -189,12 +189,7 @@ void frmPG::addModes(QFormLayout& form, const GatewayHooks& hooks) {
     addresses_.push_back(line);
   }
   addButton(form, "Lista delle pass&word...", "cmdPwd", hooks.passwords);
-  addButton(form, "In&formazioni sulla lingua...", "cmdLingua", [this] {
-    env_.user.message(
-        "Con \"Invia dati lingua\" la pagina di pagamento della banca appare nella lingua in cui il cliente visita il "
-        "negozio.\nIl servizio va attivato nel back office della banca.",
-        Icon::Information);
-  });
+  addButton(form, "In&formazioni sulla lingua...", "cmdLingua", hooks.language);
   showAddresses();
 }
 

@@ -16,9 +16,10 @@ namespace kv {
 
 /// What the dialogs of the payment modules ask of the window that they belong to.
 struct GatewayHooks {
-  std::string shopAddress;          ///< of the shop's folder on its site
-  std::function<void()> passwords;  ///< opens the list of one-time passwords (cmdPwd); empty: its button is off
-  HelpOpener help;                  ///< empty: no help
+  std::string shopAddress;           ///< of the shop's folder on its site
+  std::function<void()> passwords;   ///< opens the list of one-time passwords (cmdPwd); empty: its button is off
+  HelpOpener help;                   ///< empty: no help
+  std::function<void()> language{};  ///< tells of the visitor's language (cmdLingua); empty: its button is off
 };
 
 /// The tag is "OK" when the module's files have been written.

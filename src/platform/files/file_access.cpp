@@ -141,6 +141,17 @@ Result<> Replacement::write(std::string_view bytes) {
   return {};
 }
 
+Result<std::size_t> Replacement::takeFrom(const Descriptor& source) {
+  constexpr std::size_t most = std::size_t{4} << 20;  // between two questions to the gate
+  if (!mayProceed(FileStep::Write, target_)) return systemFailure(errno, target_);
+  const ssize_t count = ::copy_file_range(source.number(), nullptr, descriptor_.number(), nullptr, most, 0);
+  if (count >= 0) return static_cast<std::size_t>(count);
+  // Any other failure shows again where the bytes are read and written one after the other: it isn't known yet whether
+  // the system or the disk has refused.
+  const bool isFull = errno == ENOSPC || errno == EDQUOT || errno == EFBIG;
+  return isFull ? systemFailure(errno, target_) : Result<std::size_t>(0);
+}
+
 void Replacement::keepTime(const struct stat& status) {
   const timespec times[] = {status.st_atim, status.st_mtim};
   ignore(::futimens(descriptor_.number(), times), "a file system that keeps no times is no reason to lose the copy");

@@ -70,6 +70,9 @@ class Replacement {
   /// Appends bytes. Full on a full disk.
   /// After a failure nothing more should be written: let the object go.
   Result<> write(std::string_view bytes);
+  /// Appends what the system can carry over from `source` in one call, which goes on from where it is: the count, 0 at
+  /// its end and where the system can't. Failures as write().
+  Result<std::size_t> takeFrom(const Descriptor& source);
   /// Gives the new file the modification time of `status`.
   /// A file system that can't keep times is no failure.
   void keepTime(const struct stat& status);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -14,7 +15,8 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t copyPiece = std::size_t{256} * 1024;
+constexpr std::size_t copyPiece = std::size_t{16} * 1024;
+constexpr std::size_t readStep = std::size_t{256} * 1024;
 constexpr mode_t newFileMode = 0666;
 constexpr mode_t newFolderMode = 0777;
 
@@ -44,6 +46,13 @@ Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::s
   }
 }
 
+/// Lets the system carry a piece of a file over, without a way through this process: the count, 0 at the end and where
+/// the system can't. Failures as reading and writing.
+Result<std::size_t> takeAlong(const Descriptor& source, Replacement& target, const std::string& from) {
+  if (!mayProceed(FileStep::Read, from)) return systemFailure(errno, from);
+  return target.takeFrom(source);
+}
+
 /// Whether a path leads to the file of this status.
 bool isFileAt(const std::string& path, const struct stat& file, AtLink links) {
   struct stat found {};
@@ -70,7 +79,7 @@ Result<std::string> readBytes(const std::string& path) {
     if (!count) return fail(count.error());
     filled += *count;
     if (*count == 0) break;
-    if (filled == bytes.size()) bytes.resize(bytes.size() + copyPiece);
+    if (filled == bytes.size()) bytes.resize(bytes.size() + readStep);
   }
   bytes.resize(filled);
   return bytes;
@@ -195,16 +204,21 @@ Result<> copyFile(const std::string& from, const std::string& to, AtLink links) 
   if (isFileAt(to, source->status, links)) return {};
   auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR, links);
   if (!replacement) return fail(replacement.error());
-  std::string buffer(copyPiece, '\0');
+  for (;;) {
+    const auto taken = takeAlong(source->descriptor, *replacement, from);
+    if (!taken) return fail(taken.error());
+    if (*taken == 0) break;
+  }
+  // The end of the file, or all of it where the system can't copy between these two.
+  std::array<char, copyPiece> buffer{};
   for (;;) {
     const auto count = readPiece(source->descriptor, buffer.data(), buffer.size(), from);
     if (!count) return fail(count.error());
-    if (*count == 0) {
-      replacement->keepTime(source->status);
-      return replacement->commit();
-    }
+    if (*count == 0) break;
     if (auto written = replacement->write({buffer.data(), *count}); !written) return written;
   }
+  replacement->keepTime(source->status);
+  return replacement->commit();
 }
 
 std::string joinPath(std::string_view folder, std::string_view name) {

@@ -1,5 +1,7 @@
 #include "platform/qt/frm_dialog.h"
 
+#include <cxxabi.h>
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
@@ -14,6 +16,9 @@
 #include <QShortcut>
 #include <QShowEvent>
 #include <QTextDocument>
+#include <cstdlib>
+#include <memory>
+#include <typeinfo>
 #include <utility>
 
 #include "platform/qt/frm_screen.h"
@@ -76,6 +81,14 @@ bool isField(const QWidget& control) {
          qobject_cast<const QAbstractItemView*>(&control) != nullptr;
 }
 
+/// The name of the class of a dialog without its namespace; empty where the compiler's name can't be read.
+QString classNameOf(const QDialog& dialog) {
+  int status = 0;
+  const std::unique_ptr<char, decltype(&std::free)> name(
+      abi::__cxa_demangle(typeid(dialog).name(), nullptr, nullptr, &status), &std::free);
+  return status == 0 ? QString::fromLatin1(name.get()).section(QStringLiteral("::"), -1) : QString();
+}
+
 /// The first field on the way of Tab; null when there is none.
 QWidget* firstField(const QWidget& dialog) {
   for (QWidget* one = dialog.nextInFocusChain(); one != &dialog; one = one->nextInFocusChain()) {
@@ -115,6 +128,8 @@ int FormDialog::exec() {
 void FormDialog::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   if (event->spontaneous()) return;
+  // Titles are repeated and change: the role is what tells the windows of the program apart for those outside it.
+  setWindowRole(classNameOf(*this));
   // The row of buttons stands for its first button where Tab comes to the row itself: with several buttons in front of
   // OK it comes there in between, and would never get to OK.
   for (QDialogButtonBox* buttons : findChildren<QDialogButtonBox*>()) buttons->setFocusProxy(nullptr);

@@ -66,7 +66,7 @@ OpenParser makeParser(XmlRun& run) {
 
 struct PackedFile::State {
   struct ArchiveEnd {
-    void operator()(zip_t* archive) const { zip_discard(archive); }
+    void operator()(zip_t* opened) const { zip_discard(opened); }
   };
 
   std::string path;

@@ -15,6 +15,7 @@ frmAvviso::frmAvviso(Settings& settings, QWidget* parent) : FormDialog("Korvane"
   const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
   sign->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side, side));
   sign->setAlignment(Qt::AlignTop);
+  sign->setAccessibleName(toQt("Attenzione"));
   auto* texts = new QVBoxLayout();
   for (const std::string_view text : {reminderText, reminderReason, reminderQuestion}) {
     texts->addWidget(wrappedText(text));

@@ -10,6 +10,7 @@
 #include "publish/passwords/frm_otp.h"
 #include "shell/program/shop_address.h"
 #include "store/catalogue/table_rollback.h"
+#include "tags/language/frm_info_lingua.h"
 
 namespace kv {
 namespace {
@@ -63,6 +64,7 @@ void wirePayment(frmMain& window, Session& session, Environment& env) {
     hooks.shopAddress = shopAddress(session);
     hooks.help = salesHelp(window);
     hooks.passwords = [&session, &env, help = hooks.help] { openPasswordLists(session, env, help); };
+    hooks.language = [] { frmInfoLingua(QApplication::activeModalWidget()).exec(); };
     QWidget* const owner = QApplication::activeModalWidget();
     frmConfiguraPG dialog(session, env, std::move(hooks), owner != nullptr ? owner : &window);
     dialog.exec();

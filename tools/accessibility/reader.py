@@ -1,0 +1,222 @@
+"""What a screen reader knows of the running program, over AT-SPI, and the keys that are pressed in it."""
+import re
+import subprocess
+import time
+
+WAIT_SECONDS = 30
+ANSWER_SECONDS = 15
+SHORT_MILLISECONDS = 400
+LONG_MILLISECONDS = 20000
+MOST_OF_A_CELL = 4  # stops of Tab for each cell that shows: a grid has more rows than are seen
+TAB_KEY, ESCAPE_KEY = "Tab", "Escape"
+
+EDITORS = {"text", "password text", "spin button", "combo box", "entry"}
+NAMED = {"push button", "toggle button", "check box", "radio button", "menu item", "check menu item", "radio menu item",
+         "page tab", "page tab list", "tree", "tree table", "table", "list", "list box", "slider", "dialog", "alert",
+         "image", "icon", "progress bar", "tool bar", "table cell", "tree item"} | EDITORS
+# Parts of a control that answer to the arrow keys, or that belong to the control around them.
+PARTS = {"page tab", "menu item", "check menu item", "radio menu item", "table cell", "tree item", "list item",
+         "table column header", "scroll bar"}
+WHOLES = {"combo box", "spin button", "page tab list", "menu bar"}
+
+
+class Reader:
+    """What a screen reader knows of the program."""
+
+    def __init__(self):
+        import gi  # pylint: disable=import-outside-toplevel
+        gi.require_version("Atspi", "2.0")
+        from gi.repository import Atspi, GLib  # pylint: disable=import-outside-toplevel
+        self.spi, self.loop = Atspi, GLib.MainContext.default()
+        Atspi.init()
+        Atspi.set_timeout(LONG_MILLISECONDS, LONG_MILLISECONDS)
+        self.focused = []
+        self.listener = Atspi.EventListener.new(lambda event: self.focused.append(event.source) if event.detail1 else None)
+        self.listener.register("object:state-changed:focused")
+        self.wrong, self.seen = [], 0
+
+    def wait(self, condition, seconds=WAIT_SECONDS):
+        """The first true value of condition(), or its last one."""
+        give_up = time.monotonic() + seconds
+        while True:
+            while self.loop.iteration(False):
+                pass
+            value = condition()
+            if value or time.monotonic() > give_up:
+                return value
+            time.sleep(0.005)
+
+    def children(self, node):
+        return [child for child in (node.get_child_at_index(at) for at in range(node.get_child_count())) if child]
+
+    def has(self, node, state):
+        return node.get_state_set().contains(getattr(self.spi.StateType, state))
+
+    def walk(self, node):
+        """A node and what shows below it; the menus, which have a turn of their own, are left out."""
+        yield node
+        for child in self.children(node):
+            if child.get_role_name() != "menu bar" and self.has(child, "SHOWING"):
+                yield from self.walk(child)
+
+    def labels(self, node):
+        return [relation.get_target(at).get_name() for relation in node.get_relation_set()
+                if relation.get_relation_type() == self.spi.RelationType.LABELLED_BY
+                for at in range(relation.get_n_targets())]
+
+    def program(self):
+        desktop = self.spi.get_desktop(0)
+        return next((child for child in self.children(desktop) if child.get_name() == "korvane"), None)
+
+    def windows(self, program):
+        return [child for child in self.children(program) if self.has(child, "SHOWING")]
+
+    def path(self, node):
+        steps = []
+        while node is not None and node.get_role_name() != "application":
+            if node.get_name().strip():
+                steps.append(f"{node.get_role_name()} \"{node.get_name().strip()}\"")
+            elif not steps:
+                steps.append(node.get_role_name())
+            node = node.get_parent()
+        return " < ".join(steps)
+
+    def complain(self, where, what, node=None):
+        text = f"{where}: {what}" + (f": {self.path(node)}" if node else "")
+        if text not in self.wrong:
+            print(text, flush=True)
+            self.wrong.append(text)
+
+    def look(self, where, root):
+        """Every control below `root` that shows has a name; editors have labels."""
+        for node in self.walk(root):
+            self.seen += 1
+            role = node.get_role_name()
+            if role not in NAMED:
+                continue
+            labels = [text for text in self.labels(node) if text.strip()]
+            if not node.get_name().strip() and not labels:
+                self.complain(where, "no name", node)
+            parent = node.get_parent()
+            if role in EDITORS and not labels and parent.get_role_name() not in WHOLES and not self.is_told(node):
+                self.complain(where, "no label", node)
+
+    def is_told(self, node):
+        """One of several texts under a strip of tabs, which is its label, or the text after which its window is named."""
+        pane = node.get_parent()
+        if node.get_name() and pane.get_role_name() == "dialog" and pane.get_name().endswith(" - " + node.get_name()):
+            return True
+        if pane.get_role_name() == "filler":  # the text with the button beside it
+            pane = pane.get_parent()
+        strips = self.children(pane.get_parent())
+        return pane.get_role_name() == "layered pane" and any(
+            strip.get_role_name() == "page tab list" for strip in strips)
+
+    def press(self, key):
+        subprocess.run(["xdotool", "key", key], check=True)
+
+    def click(self, node):
+        """Clicks into the middle of a node."""
+        box = self.spi.Component.get_extents(node, self.spi.CoordType.SCREEN)
+        middle = [str(box.x + box.width // 2), str(box.y + box.height // 2)]
+        subprocess.run(["xdotool", "mousemove", "--sync", *middle, "click", "1"], check=True)
+        return True
+
+    def type_line(self, text):
+        """Types a text over that of the line that has the focus, and Enter."""
+        self.press("ctrl+a")
+        subprocess.run(["xdotool", "type", "--delay", "2", text], check=True)
+        self.press("Return")
+
+    def x_windows(self, window):
+        """The numbers of the windows on the screen with the title of `window`."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(window.get_name())}$"],
+                               check=False, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        return found.stdout.split()
+
+    def class_of(self, window):
+        """The class of a dialog, which it bears as its role; empty for a box that only tells or asks, and for what is the
+        toolkit's own. None as long as the window isn't on the screen."""
+        numbers = self.x_windows(window)
+        if not numbers:
+            return None
+        for number in reversed(numbers):
+            told = subprocess.run(["xprop", "-id", number, "WM_WINDOW_ROLE"], check=False, stdout=subprocess.PIPE,
+                                  text=True).stdout
+            name = re.search(r'= "(\w+)"', told)
+            if name:
+                return name[1]
+        return ""
+
+    def activate(self, window):
+        """Gives the keyboard to a window, which is what a window manager would do."""
+        found = self.x_windows(window)
+        if found:
+            subprocess.run(["xdotool", "windowfocus", "--sync", found[-1]], check=False, stderr=subprocess.DEVNULL)
+        if not self.wait(lambda: self.has(window, "ACTIVE"), ANSWER_SECONDS):
+            self.complain(window.get_name(), "takes no keys", window)
+
+    def control(self, node):
+        """The control that a part belongs to."""
+        while node.get_role_name() in PARTS or node.get_parent().get_role_name() in WHOLES:
+            node = node.get_parent()
+        return node
+
+    def wanted(self, window):
+        """What Tab should reach: each control that shows, is on and takes the focus; of a group of radio buttons one."""
+        found, groups = [], []
+        for node in self.walk(window):
+            role = node.get_role_name()
+            # A sheet of tabs hands the focus to its strip.
+            if role in PARTS or role == "filler" or node.get_parent().get_role_name() in WHOLES:
+                continue
+            if not (self.has(node, "FOCUSABLE") and self.has(node, "ENABLED")):
+                continue
+            if role == "radio button":
+                if node.get_parent() in groups:
+                    continue
+                groups.append(node.get_parent())
+            found.append(node)
+        return found
+
+    def go_round(self, where, window):
+        """Tab from where the focus is until it is there again; the number of stops."""
+        wanted = self.wanted(window)
+        if len(wanted) == 1 and self.has(wanted[0], "FOCUSED"):
+            return 1
+        is_again, reached, cells = False, [], sum(node.get_role_name() == "table cell" for node in self.walk(window))
+        for _ in range(2 * len(wanted) + MOST_OF_A_CELL * cells + 5):
+            self.focused.clear()
+            self.press(TAB_KEY)
+            if not self.wait(lambda: self.focused, ANSWER_SECONDS):
+                break
+            self.wait(lambda: False, 0.01)
+            node = self.control(self.focused[-1])
+            # In a grid that is typed into Tab goes from cell to cell.
+            if reached and node == reached[-1]:
+                continue
+            if reached and node == reached[0] and (is_again or all(one in reached for one in wanted)):
+                break
+            # A list may tell of its current cell when something else has the focus: once more round, then.
+            is_again = is_again or (bool(reached) and node == reached[0])
+            reached.append(node)
+        self.compare_stops(where, wanted, reached)
+        return len(reached)
+
+    def compare_stops(self, where, wanted, reached):
+        radios = [node.get_parent() for node in reached if node.get_role_name() == "radio button"]
+        for node in wanted:
+            if node not in reached and not (node.get_role_name() == "radio button" and node.get_parent() in radios):
+                self.complain(where, "not reached by Tab", node)
+        for node in reached:
+            if not self.has(node, "SHOWING"):
+                self.complain(where, "hidden, but reached by Tab", node)
+
+    def trigger(self, node):
+        # A dialog answers when it is closed: whoever has opened it doesn't wait for that.
+        self.spi.set_timeout(SHORT_MILLISECONDS, SHORT_MILLISECONDS)
+        try:
+            self.spi.Action.do_action(node, 0)
+        except Exception:  # pylint: disable=broad-except
+            pass
+        self.spi.set_timeout(LONG_MILLISECONDS, LONG_MILLISECONDS)
