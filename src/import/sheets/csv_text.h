@@ -35,6 +35,7 @@ struct CsvReading {
 struct CsvChoice {
   std::optional<CsvEncoding> encoding;
   std::optional<char> separator, decimalSeparator, thousands;
+  std::optional<CsvLineEnd> lineEnd;  ///< the only one that ends a record; others belong to the text of a field
 };
 
 /// The encoding of bytes: by their mark, UTF-16 without one by its zeros, UTF-8 when all of it is, else Windows-1252.
@@ -63,8 +64,8 @@ class CsvSink {
 };
 /// Splits a text into records of fields: a field in double quotes may hold separators, line ends and, doubled, quotes.
 /// Records end at CR LF, LF or CR; lines without any character are passed over. A quote that is never closed reaches
-/// to the end. False when the sink ended it.
-bool walkCsv(std::string_view text, char separator, CsvSink& sink);
+/// to the end. lineEnd: the only line end there is, where it is given. False when the sink ended it.
+bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd = {});
 
 /// A text of separated values as cells, and how it was read. Nothing when it has more than the limits allow.
 std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
