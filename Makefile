@@ -84,7 +84,7 @@ soak: build
 	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
-	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*:KilledHistory*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
@@ -94,6 +94,8 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_shell --gtest_filter='ShopsOfChance.AnImport*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_import --gtest_filter='TablesOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_shell --gtest_filter='SheetOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows
