@@ -180,15 +180,16 @@ CsvLineEnd csvLineEndOf(std::string_view text) {
   return CsvLineEnd::CrLf;
 }
 
-char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator) {
+char decimalSeparatorOf(const std::vector<std::string_view>& numbers, char separator) {
   std::ptrdiff_t commas = 0, points = 0;
-  for (const std::string& number : numbers) {
-    const auto last = number.find_last_of(",.");
-    if (last == std::string::npos) continue;
-    const char sign = number[last];
+  for (const std::string_view number : numbers) {
+    std::size_t last = number.size();
+    while (last > 0 && number[last - 1] != ',' && number[last - 1] != '.') --last;
+    if (last == 0) continue;
+    const char sign = number[--last];
     const bool repeated = number.find(sign) != last;
-    const bool both = number.find(sign == ',' ? '.' : ',') != std::string::npos;
-    const auto after = std::count_if(number.begin() + static_cast<std::ptrdiff_t>(last), number.end(), isCsvDigit);
+    const bool both = number.find(sign == ',' ? '.' : ',') != std::string_view::npos;
+    const auto after = std::ranges::count_if(number.substr(last), isCsvDigit);
     if (repeated || (!both && static_cast<std::size_t>(after) == groupDigits)) continue;
     ++(sign == ',' ? commas : points);
   }
@@ -196,19 +197,19 @@ char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator)
   return commas > points ? ',' : '.';
 }
 
-char thousandsOf(const std::vector<std::string>& numbers, char decimalSeparator) {
+char thousandsOf(const std::vector<std::string_view>& numbers, char decimalSeparator) {
   const char other = decimalSeparator == ',' ? '.' : ',';
-  for (const std::string& number : numbers) {
-    if (number.find(other) != std::string::npos) return other;
-    if (number.find('\'') != std::string::npos) return '\'';
+  for (const std::string_view number : numbers) {
+    if (number.find(other) != std::string_view::npos) return other;
+    if (number.find('\'') != std::string_view::npos) return '\'';
     // Spaces that don't break start with these bytes.
     if (trim(number).find_first_of(" \xC2\xE2") != std::string_view::npos) return ' ';
   }
   return '\0';
 }
 
-std::vector<std::string> numbersAmong(const CellTable& cells) {
-  std::vector<std::string> numbers;
+std::vector<std::string_view> numbersAmong(const CellTable& cells) {
+  std::vector<std::string_view> numbers;
   for (std::size_t row = 0; row < cells.rows(); ++row) {
     for (std::size_t column = 0; column < cells.width(row); ++column) {
       const SheetCell cell = cells.cell(row, column);
@@ -230,7 +231,7 @@ std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice
   // The line that names the separator is no row.
   const bool isNamed = startsWithIgnoringCase(text, separatorLine) && cells.rows() > 0 && cells.width(0) <= 1;
   if (isNamed) cells.dropRows(1);
-  const std::vector<std::string> numbers = numbersAmong(cells);
+  const std::vector<std::string_view> numbers = numbersAmong(cells);
   reading.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, reading.separator));
   reading.thousands = choice.thousands.value_or(thousandsOf(numbers, reading.decimalSeparator));
   return cells;

@@ -28,7 +28,7 @@ Result<ReadSheet> readPackedFile(const std::string& path, SheetForm form, const 
   auto content = readSpreadsheet(path, form, {choice.sheet, choice.limits, choice.goOn});
   if (!content) return fail(content.error());
   ReadSheet sheet{{form, choice.sheet, {}}, std::move(content->names), std::move(content->cells)};
-  const std::vector<std::string> numbers = numbersAmong(sheet.cells);
+  const std::vector<std::string_view> numbers = numbersAmong(sheet.cells);
   CsvReading& signs = sheet.reading.csv;
   // A feed has prices as "12.50 EUR", so that "," is no decimal separator where nothing tells.
   if (form == SheetForm::Feed) signs.separator = ',';

@@ -239,7 +239,7 @@ std::vector<AmountSums> TablePlan::amountSums() const {
 CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
                    const CsvChoice& choice) {
   CsvReading signs = sheet.reading.csv;
-  std::vector<std::string> numbers;
+  std::vector<std::string_view> numbers;
   for (std::size_t source = 0; source < mapping.size(); ++source) {
     if (!mapping[source] || !isNumberField(table.columns[*mapping[source]].field)) continue;
     for (std::size_t row = 1; row < sheet.cells.rows(); ++row) {

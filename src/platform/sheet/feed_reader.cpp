@@ -18,7 +18,7 @@ std::string_view withoutSpaceAround(std::string_view text) {
   return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
 }
 
-/// The fields that every item of a feed has of its own. What stands deeper, as the price of a way of shipping, is none.
+/// The fields that every item of a feed has of its own. What is deeper, as the price of a way of shipping, is none.
 class FeedListener : public XmlListener {
  public:
   bool isFull = false;
