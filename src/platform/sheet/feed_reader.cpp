@@ -134,13 +134,16 @@ Result<SheetContent> readFeed(const std::string& path, const SheetRequest& reque
   // Names of elements take as much again as the texts.
   if (stamp->size > 2 * request.limits.textBytes) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
   const auto bytes = readBytes(path);
-  if (!bytes) return fail(bytes.error());
+  return bytes ? readFeedBytes(path, *bytes, request) : fail(bytes.error());
+}
+
+Result<SheetContent> readFeedBytes(const std::string& path, std::string_view bytes, const SheetRequest& request) {
   FeedNames fields(request.limits);
-  if (auto read = readFeedOnce(path, *bytes, fields); !read) return fail(read.error());
+  if (auto read = readFeedOnce(path, bytes, fields); !read) return fail(read.error());
   if (fields.names.empty()) return fail(ErrorKind::Malformed, path, "no item");
   if (request.goOn && !request.goOn()) return fail(ErrorKind::Cancelled, path, "cancelled");
   FeedRows rows(fields.names, request.limits);
-  if (auto read = readFeedOnce(path, *bytes, rows); !read) return fail(read.error());
+  if (auto read = readFeedOnce(path, bytes, rows); !read) return fail(read.error());
   return SheetContent{{}, std::move(rows.cells)};
 }
 

@@ -12,6 +12,8 @@ Result<SheetContent> readXlsx(PackedFile& file, const SheetRequest& request);
 Result<SheetContent> readOds(PackedFile& file, const SheetRequest& request);
 /// As readSpreadsheet, of a file of XML; Malformed with NoFault where it has no item with fields.
 Result<SheetContent> readFeed(const std::string& path, const SheetRequest& request);
+/// The same of the bytes of a file.
+Result<SheetContent> readFeedBytes(const std::string& path, std::string_view bytes, const SheetRequest& request);
 /// Whether a file that begins so may be a feed.
 bool startsLikeFeed(std::string_view bytes);
 
