@@ -215,6 +215,7 @@ const ExportShape* shapeNamed(std::string_view name) {
 
 std::vector<std::string> plainHeaders(const std::vector<std::string>& headers) {
   std::vector<std::string> plain;
+  plain.reserve(headers.size());
   for (const std::string& header : headers) plain.push_back(plainHeader(header));
   return plain;
 }
@@ -312,6 +313,7 @@ class ShapedSheet {
 
 std::vector<ExportShapeName> exportShapeNames() {
   std::vector<ExportShapeName> names;
+  names.reserve(exportShapes().size());
   for (const ExportShape& shape : exportShapes()) names.push_back(shape.name);
   return names;
 }

@@ -75,7 +75,7 @@ class FeedNames final : public FeedListener {
     return true;
   }
   bool endItem() override {
-    std::ranges::stable_partition(names, [](const auto& name) { return name.starts_with(productPrefix); });
+    std::stable_partition(names.begin(), names.end(), [](const auto& name) { return name.starts_with(productPrefix); });
     return true;
   }
 
