@@ -83,7 +83,7 @@ int DerivedColumns::indexOf(std::string_view name) const {
 }
 
 Result<DerivedRowWriter> DerivedRowWriter::open(Database& database, std::string_view table,
-                                                const DerivedColumns& derived, std::vector<std::string> extra) {
+                                                const DerivedColumns& derived, const std::vector<std::string>& extra) {
   auto info = database.table(table);
   if (!info) return fail(info.error());
   DerivedRowWriter writer;

@@ -112,7 +112,7 @@ class DerivedRowWriter {
   /// `extra`: names of fields that come with each derived row, in the order in which write() gets them.
   /// Failures as Database::table and Database::prepare.
   static Result<DerivedRowWriter> open(Database& database, std::string_view table, const DerivedColumns& derived,
-                                       std::vector<std::string> extra);
+                                       const std::vector<std::string>& extra);
   /// Appends one row. Failures as Statement::execute.
   Result<> write(const DerivedRow& row, const std::vector<DerivedField>& extra);
 

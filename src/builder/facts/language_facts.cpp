@@ -50,7 +50,7 @@ ArticleRules articleRules(const ShopFacts& shop, const LanguageSource& source, c
 }  // namespace
 
 Result<LanguageSource> openLanguage(const ShopFacts& shop, int number,
-                                    const std::function<void(const std::string& codePool)>& PatchScript) {
+                                    const std::function<void(const std::string& codePool)>& patchScript) {
   const auto index = static_cast<std::size_t>(number - 1);
   LanguageSource source;
   source.number = number;
@@ -61,7 +61,7 @@ Result<LanguageSource> openLanguage(const ShopFacts& shop, int number,
   pools.templateFolder = shop.templateFolder;
   pools.languageCode = shop.languages.codes[index];
   pools.pageExtension = shop.languages.pageExtension;
-  pools.PatchScript = PatchScript;
+  pools.PatchScript = patchScript;
   source.pools = CreaPool(pools, source.lingua);
   auto words = CaricaLngFile(shop.languages.languagesFolder, pools.languageCode);
   if (!words) return fail(words.error());

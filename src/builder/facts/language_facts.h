@@ -33,7 +33,7 @@ struct LanguageSource {
 /// Fills the pools for a language and loads its module. `PatchScript` patches the scripts of a pool; not set: none.
 /// Failures as CaricaLngFile.
 Result<LanguageSource> openLanguage(const ShopFacts& shop, int number,
-                                    const std::function<void(const std::string& codePool)>& PatchScript);
+                                    const std::function<void(const std::string& codePool)>& patchScript);
 
 /// Second step: what a template gives beside its pages.
 struct TemplateLook {

@@ -160,7 +160,7 @@ std::string priceName(const SurveyedPrice& price) {
 
 std::string shownPrice(std::optional<Money> price, char decimalSeparator) {
   if (!price) return "-";
-  const std::string text = formatNumber(*price, "###,###,###,##0.00##");
+  std::string text = formatNumber(*price, "###,###,###,##0.00##");
   if (decimalSeparator == '.') return text;
   return replaceAll(replaceAll(replaceAll(text, ",", "\1"), ".", ","), "\1", ".");
 }

@@ -123,7 +123,7 @@ std::string ShippingEditor::shown(std::string_view table, std::string_view colum
 }
 
 std::string ShippingEditor::leave(std::string_view table, std::string_view column, const std::string& typed) {
-  const std::string before = shown(table, column);
+  std::string before = shown(table, column);
   if (typed == before) return before;
   const auto stored = readSingle(session_.catalogue, table, column);
   if (!stored) return before;

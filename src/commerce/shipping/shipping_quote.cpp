@@ -85,7 +85,8 @@ double costAt(const CartShipping& cart, std::size_t slot, const ShippingTrial& t
 double includedIn(double cost, double rate) {
   const auto whole = static_cast<std::int64_t>(cost), part = static_cast<std::int64_t>(rate);
   const std::int64_t base = static_cast<std::int64_t>(rateParts) + part;
-  return static_cast<double>(whole / base * part + (whole % base * part * 2 + base) / (base * 2));
+  const std::int64_t included = whole / base * part + (whole % base * part * 2 + base) / (base * 2);
+  return static_cast<double>(included);
 }
 
 /// Added where a zone pays VAT on net costs, taken off where it pays none and costs include it.

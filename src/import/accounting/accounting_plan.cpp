@@ -17,18 +17,18 @@ constexpr std::size_t departmentTitle = 99, articleTitle = 199;  // one less tha
 constexpr double percents = 100;
 
 std::string fieldText(const Value& value) { return std::string(trim(asText(value))); }
-std::string keyOf(const Value& Id) { return std::string(keyStart) + fieldText(Id); }
+std::string keyOf(const Value& number) { return std::string(keyStart) + fieldText(number); }
 
 std::string titleOf(const Value& text, std::size_t most, bool mark) {
   const std::string whole = asText(text);
   return (mark ? "*" : "") + std::string(firstCharacters(whole, most));
 }
 
-/// `Codice` as it is; where there is none, "OG" and `Id` of at least five digits.
-std::string codeOf(const Value& code, const Value& Id) {
+/// `Codice` as it is; where there is none, "OG" and the number of at least five digits.
+std::string codeOf(const Value& code, const Value& number) {
   std::string text = asText(code);
   if (!text.empty()) return text;
-  const std::string digits = fieldText(Id);
+  const std::string digits = fieldText(number);
   if (!isNumeric(digits)) return "OG" + digits;
   return "OG" + formatNumber(static_cast<std::int64_t>(leadingNumber(digits)), "00000");
 }

@@ -88,7 +88,7 @@ std::string_view CatalogueNames::pathOf(std::string_view department) const {
 }
 
 CatalogueName CatalogueNames::department(std::string_view path) const {
-  const CatalogueName found = find(departments_, plainPath(path));
+  CatalogueName found = find(departments_, plainPath(path));
   if (!found.ID.empty()) return found;
   const std::string ID = foldCase(trim(path));
   return paths_.contains(ID) ? CatalogueName{std::string(trim(path))} : CatalogueName();

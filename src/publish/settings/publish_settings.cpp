@@ -100,7 +100,7 @@ Result<> writePublishSettings(const std::string& shopFolder, const PublishSettin
 }
 
 PublishSettings AvanzateTrasf(const std::string& shopFolder, Settings& settings, LockStatements& lock) {
-  const PublishSettings choices = readPublishSettings(shopFolder);
+  PublishSettings choices = readPublishSettings(shopFolder);
   readLockOption(shopFolder, lock);
   const std::string_view separator = choices.optimised ? advancedSeparator : std::string_view();
   if (settings.get(settingsSection, separatorSetting) != separator) {

@@ -323,7 +323,7 @@ std::string Workbench::buildStatus() {
     changesBefore_ = history_.changes();
   }
   const std::uint64_t since = history_.changes() - changesBefore_;
-  const std::string text = "Costruito il " + formatTime(builtAt_ / nanoseconds);
+  std::string text = "Costruito il " + formatTime(builtAt_ / nanoseconds);
   if (since == 0) return text;
   return text + (since == 1 ? ", poi una modifica" : ", poi " + std::to_string(since) + " modifiche");
 }

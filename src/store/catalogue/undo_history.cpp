@@ -100,7 +100,7 @@ Result<> UndoHistory::exchange(const Step& step, bool back) {
   auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
   auto lists = moved ? readShown(back ? step.before : step.after) : Result<CatalogueLists>(fail(moved.error()));
   if (!lists) session.catalogue.rollback();
-  const Result<> kept = lists ? session.catalogue.commit() : Result<>(fail(lists.error()));
+  Result<> kept = lists ? session.catalogue.commit() : Result<>(fail(lists.error()));
   if (!kept) {
     if (refresh_) ignore(refresh_(), "the first failure is the one to report");
     return kept;

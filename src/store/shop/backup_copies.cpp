@@ -236,7 +236,7 @@ Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock
     return renameFile(files.replacement, files.catalogue);
   }
   const auto held = holdPresent(files.catalogue);
-  const auto exchanged = held ? exchangeForCopy(shopFolder, files, clock) : Result<>(fail(held.error()));
+  auto exchanged = held ? exchangeForCopy(shopFolder, files, clock) : Result<>(fail(held.error()));
   if (!exchanged) ignore(deleteFile(files.replacement), "the next compaction deletes it");
   return exchanged;
 }

@@ -5,10 +5,12 @@
 namespace kv {
 namespace {
 
-void defineVariant(const CommandContext& context, int slot, std::string_view step) {
+constexpr std::string_view variantStep = "Definisci variante";
+
+void defineVariant(const CommandContext& context, int slot) {
   if (!context.sets.onArticle()) return;
   const VariantSlot wanted{slot, context.bench.listino()};
-  context.bench.showError(context.history.record(std::string(step), [&]() -> Result<> {
+  context.bench.showError(context.history.record(std::string(variantStep), [&]() -> Result<> {
     ignore(context.ports.dialogs.defineVariant(wanted), "the step holds what was stored, with Cancel too");
     return {};
   }));
@@ -17,17 +19,16 @@ void defineVariant(const CommandContext& context, int slot, std::string_view ste
 
 /// The button of a slot is among the editors of the article and goes with them.
 Command variantRow(int number, int slot, std::string_view caption, std::string_view entry) {
-  constexpr std::string_view step = "Definisci variante";
   return {.number = number,
           .name = variantCommand(slot),
           .caption = caption,
           .icon = "variante",
           .menus = {{Menu::EditArticles, 300 + slot, entry, "Definisci varianti"}},
-          .step = step,
+          .step = variantStep,
           .whenOff = noArticle,
           .dialog = wired(&WorkbenchDialogs::defineVariant),
           .enabled = [](const CommandContext& context) { return context.bench.commands().isEnabled(articleMask); },
-          .run = [slot](const CommandContext& context) { defineVariant(context, slot, step); }};
+          .run = [slot](const CommandContext& context) { defineVariant(context, slot); }};
 }
 
 }  // namespace
