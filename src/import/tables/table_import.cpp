@@ -58,7 +58,7 @@ Result<> findColumns(OpenSheet& open, const Settings& settings, const SheetChoic
 }
 
 /// An amount as the merchant writes it: "1234,50".
-std::string amountText(std::optional<Money> amount) {
+std::string shownAmount(std::optional<Money> amount) {
   return amount ? replaceAll(formatNumber(*amount, "0.00##"), ".", ",") : "(troppo grande)";
 }
 
@@ -115,7 +115,7 @@ std::string amountsText(const TablePlan& plan) {
   for (const AmountSums& sums : plan.amountSums()) {
     text += (text.empty() ? "" : "\n") + plan.table.columns[plan.columns[sums.mapped].column].italian + ": " +
             std::to_string(sums.count) + (sums.count == 1 ? " importo cambia" : " importi cambiano") +
-            ", in tutto da " + amountText(sums.before) + " a " + amountText(sums.after);
+            ", in tutto da " + shownAmount(sums.before) + " a " + shownAmount(sums.after);
   }
   return text;
 }

@@ -9,7 +9,7 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t longestField = std::size_t{1} << 20;  // bytes of one field
+constexpr std::size_t longestFeedField = std::size_t{1} << 20;  // bytes of one field
 constexpr std::string_view productPrefix = "g:", whiteSpace = " \t\r\n";
 
 std::string_view withoutSpaceAround(std::string_view text) {
@@ -47,7 +47,7 @@ class FeedListener : public XmlListener {
   void text(std::string_view piece) final {
     if (!isField()) return;
     // The end of the element refuses it.
-    isFull = isFull || piece.size() > longestField - value_.size();
+    isFull = isFull || piece.size() > longestFeedField - value_.size();
     if (!isFull) value_ += piece;
   }
 

@@ -81,9 +81,9 @@ XmlReading::~XmlReading() = default;
 Result<> XmlReading::take(std::string_view bytes, bool isLast, const std::string& where) {
   const XML_Parser parser = run_->parser.get();
   if (parser == nullptr) return fail(ErrorKind::Other, where, "no memory");
-  constexpr std::size_t pieceBytes = std::size_t{1} << 20;  // expat counts in int
+  constexpr std::size_t handedBytes = std::size_t{1} << 20;  // expat counts in int
   do {
-    const std::string_view piece = bytes.substr(0, pieceBytes);
+    const std::string_view piece = bytes.substr(0, handedBytes);
     bytes.remove_prefix(piece.size());
     const int ends = isLast && bytes.empty() ? 1 : 0;
     if (XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), ends) == XML_STATUS_OK) continue;
