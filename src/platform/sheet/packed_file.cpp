@@ -23,7 +23,7 @@ constexpr std::size_t pieceBytes = 64 * 1024;  // unpacked at once
 
 struct PackedFile::State {
   struct ArchiveEnd {
-    void operator()(zip_t* archive) const { zip_discard(archive); }
+    void operator()(zip_t* opened) const { zip_discard(opened); }
   };
 
   std::string path;
