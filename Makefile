@@ -86,7 +86,7 @@ soak: build
 	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
-	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*:KilledHistory*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
@@ -96,6 +96,8 @@ soak: build
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_import --gtest_filter='TablesOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_shell --gtest_filter='SheetOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows

@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   requireCsv(kv::splitCsv(quotedCsv(records, separator), separator) == records);
   for (const auto& record : records) {
     requireCsv(!record.empty());
-    const char decimal = kv::decimalSeparatorOf(record, separator);
+    const char decimal = kv::decimalSeparatorOf({record.begin(), record.end()}, separator);
     for (const std::string& field : record) {
       const std::string number = kv::plainCsvNumber(field, decimal);
       requireCsv(number.find(',') == std::string::npos && number.size() <= field.size());

@@ -48,6 +48,33 @@ TEST_F(DoctorCatalogue, AMissingTitleIsAnErrorAndATranslationAWarning) {
   EXPECT_EQ(found[0].severity, Severity::Error);
 }
 
+TEST_F(DoctorCatalogue, ATitleOfTwoArticlesOfADepartmentIsToldOnceWhateverItsCase) {
+  const auto add = [&](const std::string& department, const std::string& code, const std::string& english) {
+    shop.article(department, {{"codice", code},
+                              {"titolo", std::string(code == "E" ? "Brocca" : "VASO")},
+                              {"titolo_l2", english},
+                              {"prezzo", money("1")}});
+  };
+  shop.department("cat002", {{"titolo_l2", std::string("Jugs")}, {"template", std::string("modello1")}});
+  add("cat001", "D", "vase");
+  add("cat002", "F", "Vase");
+  add("cat001", "E", "VASE");
+  EXPECT_THAT(told(),
+              ElementsAre("title.doubled: Articolo D VASO: ha lo stesso titolo dell'articolo V1 Vaso nel reparto",
+                          "title.doubled: Articolo E Brocca: ha lo stesso titolo dell'articolo V1 Vaso nel reparto in "
+                          "inglese"));
+  sql("UPDATE articoli SET fuoricatalogo = 1 WHERE codice = 'V1'");
+  EXPECT_EQ(told().size(), 1U);
+}
+
+TEST_F(DoctorCatalogue, SubtitlesAndNotesAreMissedWhereLanguageOneHasThem) {
+  sql("UPDATE articoli SET sottotitolo = 'Alto', note = 'Fatto a mano'");
+  EXPECT_THAT(told(), ElementsAre("article.untranslated: Articolo V1 Vaso: manca il sottotitolo in inglese",
+                                  "article.untranslated: Articolo V1 Vaso: mancano le note in inglese"));
+  sql("UPDATE articoli SET sottotitolo_l2 = 'Tall', note_l2 = 'By hand'");
+  EXPECT_THAT(told(), IsEmpty());
+}
+
 TEST_F(DoctorCatalogue, ADescriptionIsMissedWhereLanguageOneHasOne) {
   sql("UPDATE articoli SET descrizione = 'Di terracotta'");
   EXPECT_THAT(told(), ElementsAre("article.untranslated: Articolo V1 Vaso: manca la descrizione in inglese"));
@@ -92,10 +119,12 @@ TEST_F(DoctorCatalogue, AnOfferOfAHiddenArticleIsEndedByTheMending) {
 }
 
 TEST_F(DoctorCatalogue, AnArticleWithoutDepartmentIsTold) {
-  shop.article("cat999", {{"codice", std::string("X")},
-                          {"titolo", std::string("Perso")},
-                          {"titolo_l2", std::string("Lost")},
-                          {"prezzo", money("1")}});
+  const std::int64_t lost = shop.article("cat999", {{"codice", std::string("X")},
+                                                    {"titolo", std::string("Perso")},
+                                                    {"titolo_l2", std::string("Lost")},
+                                                    {"prezzo", money("1")}});
+  ASSERT_TRUE(
+      writeSideField(shop.session.catalogue, SideField::Maker, std::to_string(lost), Value(std::string("Forno"))));
   EXPECT_THAT(told(), ElementsAre("article.stray: Articolo X Perso: il suo reparto non esiste, nessuno può vederlo"));
 }
 

@@ -10,6 +10,7 @@
 #include "builder/doctor/doctor.h"
 #include "platform/files/file_time.h"
 #include "platform/files/files.h"
+#include "store/catalogue/side_fields.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {
@@ -36,7 +37,30 @@ class DoctorShop : public ::testing::Test {
                                    {"titolo_l2", std::string("Vase")},
                                    {"prezzo", money("12.50")}});
     shop.update("generale", {{"titolo_l2", std::string("Shop")}});
+    meetDuties();
     for (const char* made : {"kvftp.dat", "db/sql.mdb", "db/last.mdb"}) makeAt(made, nextCentury);
+  }
+
+  /// What the law asks of a shop.
+  void meetDuties() {
+    shop.update("generale", {{"email", std::string("info@bottega.example")}, {"ivacompresa", true}});
+    for (const char* text : {"condizioni", "recesso", "datipers"}) {
+      shop.update("generale", {{text, std::string("Testo")}, {std::string(text) + "_l2", std::string("Text")}});
+    }
+    sql("CREATE TABLE identita (legale_sede TEXT, legale_piva TEXT);"
+        "INSERT INTO identita VALUES ('Via Po 1', 'IT01234567890')");
+    EXPECT_TRUE(prepareSideField(shop.session.catalogue, SideField::Maker));
+    sql("INSERT INTO produttori (nome, indirizzo, contatto) VALUES ('Forno', 'Via Po 1', 'a@b.example')");
+    // Departments that a test adds are in none of their own.
+    for (const char* department : {"cat001", "cat002", "cat003"}) {
+      EXPECT_TRUE(writeSideField(shop.session.catalogue, SideField::Maker, department, Value("Forno")));
+    }
+    shop.templateFile("order.htm", "<button><<4-invia_ordine>></button><a href=\"kvrecesso.php\">");
+    shop.shopFile("code/kvrecesso.php", "");
+    for (const char* language : {"italiano", "inglese"}) {
+      shop.application("languages/" + std::string(language) + ".lng",
+                       "<<4-pay_ok>>\r\nok\r\n<<4-invia_ordine>>\r\nOrdina e paga\r\n");
+    }
   }
 
   /// Writes an empty file of the shop with a time of change, in seconds.

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "builder/doctor_shop.h"
+#include "commerce/gateways/gateway_table.h"
 #include "store/catalogue/undo_history.h"
 #include "support/test_seed.h"
 
@@ -16,14 +17,15 @@ using ::testing::StartsWith;
 using DoctorSite = DoctorShop;
 
 TEST_F(DoctorSite, TagsThatNobodyReplacesAreTold) {
-  sql("UPDATE articoli SET note = 'a <<5-mio>>'; UPDATE generale SET home1 = '<<1-Titolo>> <<1-niente>> <<4-pay_ok>>'");
+  sql("UPDATE articoli SET note = 'a <<5-mio>>', note_l2 = 'a';"
+      "UPDATE generale SET home1_l2 = 'x', home1 = '<<1-Titolo>> <<1-niente>> <<4-pay_ok>>'");
   EXPECT_THAT(told(), ElementsAre("tag.unknown: Negozio: il tag <<1-niente>> non è sostituito e resta visibile",
                                   "tag.unknown: Articolo V1 Vaso: il tag <<5-mio>> non è sostituito e resta visibile"));
 }
 
 TEST_F(DoctorSite, AMerchantsOwnTagIsKnownWhileTheyAreOn) {
   shop.shopFile("shoptag.tag", "<<5-mio>>\r\nciao\r\n");
-  sql("UPDATE generale SET home1 = '&lt;&lt;5-mio&gt;&gt;'");
+  sql("UPDATE generale SET home1_l2 = 'x', home1 = '&lt;&lt;5-mio&gt;&gt;'");
   EXPECT_EQ(told().size(), 1U);
   sql("UPDATE generale SET personaltags = '1'");
   EXPECT_THAT(told(), IsEmpty());
@@ -68,7 +70,7 @@ TEST_F(DoctorSite, CharactersThatBecomeReferencesAreToldInTitlesAlone) {
 }
 
 TEST_F(DoctorSite, LinksToPagesOfTheShopAreFollowed) {
-  sql("UPDATE articoli SET link = 'cat001_l2.php?n=2#3', note = '<a href=\"index.php\">a</a> <a "
+  sql("UPDATE articoli SET link = 'cat001_l2.php?n=2#3', note_l2 = 'x', note = '<a href=\"index.php\">a</a> <a "
       "href=http://x/y.htm>b</a>'");
   EXPECT_THAT(told(), IsEmpty());
   sql("UPDATE articoli SET link = 'vecchia.htm', note = '<a HREF = ''cat002.php''>a</a>'");
@@ -161,6 +163,58 @@ TEST_F(DoctorSite, FindingsAreValidJson) {
                            joinPath(shop.folder(), "x.json") + "'";
   EXPECT_EQ(std::system(read.c_str()), 0);
   EXPECT_EQ(findingsAsJson({}), "[]\n");
+}
+
+TEST_F(DoctorSite, EveryMethodWithAServiceNeedsAnEncryptedAddressAndNoOther) {
+  sql("UPDATE generale SET URL = 'http://www.bottega.example'");
+  for (const auto& gateway : gatewayModules()) {
+    sql("UPDATE pagamento SET metodo1 = '" + std::string(gateway.folder) + "'");
+    const auto all = findings();
+    const bool isTold = std::ranges::any_of(all, [](const Finding& one) { return one.check == "setting.plain"; });
+    EXPECT_EQ(isTold, gateway.column.empty()) << gateway.folder;
+  }
+}
+
+TEST_F(DoctorSite, TheShopsOwnTextsAreMissedInAnotherLanguage) {
+  sql("UPDATE generale SET testo1 = 'Benvenuti', home1 = 'Casa', home1_l2 = 'Home', titolo = 'Bottega', titolo_l2 = "
+      "''");
+  EXPECT_THAT(told(), ElementsAre("shop.untranslated: Negozio: manca il nome del negozio in inglese",
+                                  "shop.untranslated: Negozio: manca il testo \"Testo libero 1\" in inglese"));
+  EXPECT_EQ(findings()[1].target.column, "testo1");
+  EXPECT_EQ(findings()[1].target.language, 2);
+}
+
+TEST_F(DoctorSite, WhatTheLawAsksIsToldWithItsField) {
+  sql("UPDATE generale SET ivacompresa = 0, recesso_l2 = ''; UPDATE produttori SET contatto = ''");
+  const Findings found = findings();
+  EXPECT_THAT(told(),
+              ElementsAre("law.missing: Requisiti di legge, Diritto di recesso: Scrivere come e fino a quando si "
+                          "può recedere, e chi paga la restituzione nella lingua 2",
+                          "law.missing: Requisiti di legge, Prezzi IVA compresa: Ai consumatori i prezzi si "
+                          "mostrano IVA compresa",
+                          "law.missing: Requisiti di legge, Sicurezza dei prodotti: Di Forno manca l'indirizzo "
+                          "o il contatto elettronico"));
+  ASSERT_EQ(found.size(), 3U);
+  EXPECT_EQ(found[0].target.column, "recesso");
+  EXPECT_EQ(found[0].target.language, 2);
+  EXPECT_EQ(found[2].target.subject, FindingSubject::Command);
+  EXPECT_EQ(found[2].target.key, "makers");
+}
+
+TEST_F(DoctorSite, TheButtonOfTheOrderAndTheFunctionOfWithdrawalAreLookedForInTheFiles) {
+  shop.templateFile("order.htm", "<button>Ordina</button>");
+  EXPECT_THAT(told(), ElementsAre("law.missing: Requisiti di legge, Pulsante dell'ordine: La pagina dell'ordine del "
+                                  "template non ha il pulsante \"Ordine con obbligo di pagare\"",
+                                  "law.missing: Requisiti di legge, Funzione di recesso: Nessuna pagina del template "
+                                  "porta alla funzione di recesso (kvrecesso.php)"));
+  shop.templateFile("order.htm", "<<4-invia_ordine>> kvrecesso.php");
+  shop.application("languages/inglese.lng", "<<4-pay_ok>>\r\nok\r\n");
+  ASSERT_TRUE(deleteFile(joinPath(shop.folder(), "code/kvrecesso.php")));
+  EXPECT_THAT(told(),
+              ElementsAre("law.missing: Requisiti di legge, Pulsante dell'ordine: Nel modulo linguistico inglese "
+                          "manca il testo del pulsante",
+                          "law.missing: Requisiti di legge, Funzione di recesso: Negli script del negozio manca "
+                          "la pagina con cui si recede da un ordine"));
 }
 
 TEST_F(DoctorSite, TheSummaryCountsInItalian) {

@@ -20,7 +20,7 @@ class LegalDuties : public CommerceShop {
     session.languageCount = 2;
   }
   LegalDuty duty(std::string_view title) {
-    auto duties = legalDuties(session).value();
+    auto duties = legalDuties(session, KORVANE_APP_DATA).value();
     const auto found = std::ranges::find(duties, title, &LegalDuty::title);
     EXPECT_NE(found, duties.end()) << title;
     return found == duties.end() ? LegalDuty{} : *found;
@@ -112,6 +112,34 @@ TEST_F(LegalDuties, TheMakerOfADepartmentAboveCounts) {
   EXPECT_EQ(duty("Sicurezza dei prodotti").state, DutyState::Missing);
   set(SideField::Maker, parent, Value("Forno"));
   EXPECT_EQ(duty("Sicurezza dei prodotti").state, DutyState::Met);
+}
+
+TEST_F(LegalDuties, TheShippedSiteHasTheButtonOfTheOrderAndTheFunctionOfWithdrawal) {
+  session.templatePath = "template/chiaro";
+  EXPECT_EQ(duty("Pulsante dell'ordine").state, DutyState::Met);
+  EXPECT_EQ(duty("Funzione di recesso").state, DutyState::Met) << duty("Funzione di recesso").text;
+  session.templatePath = "template/classico";
+  EXPECT_EQ(duty("Pulsante dell'ordine").state, DutyState::Met);
+  EXPECT_EQ(duty("Funzione di recesso").state, DutyState::Met);
+  session.templatePath = "template/altro";
+  EXPECT_EQ(duty("Pulsante dell'ordine").target.command, "template");
+  EXPECT_EQ(duty("Funzione di recesso").state, DutyState::Missing);
+}
+
+TEST_F(LegalDuties, AButtonThatSaysNothingOfPayingIsToBeChecked) {
+  const std::string application = root / "app";
+  ASSERT_TRUE(createFolders(application + "/languages"));
+  ASSERT_TRUE(createFolders(application + "/template/mio"));
+  session.templatePath = "template/mio";
+  ASSERT_TRUE(writeText(application + "/template/mio/order.htm", "<<4-invia_ordine>>"));
+  ASSERT_TRUE(writeText(application + "/languages/italiano.lng", "<<4-invia_ordine>>\r\nPaga adesso\r\n"));
+  ASSERT_TRUE(writeText(application + "/languages/inglese.lng", "<<4-invia_ordine>>\r\nSend\r\n"));
+  const auto duties = legalDuties(session, application).value();
+  const auto button = std::ranges::find(duties, "Pulsante dell'ordine", &LegalDuty::title);
+  ASSERT_NE(button, duties.end());
+  EXPECT_EQ(button->state, DutyState::Check);
+  EXPECT_EQ(button->text, "In inglese il pulsante dice \"Send\": deve dire che ordinare obbliga a pagare.");
+  EXPECT_EQ(button->target.command, "languages");
 }
 
 TEST_F(LegalDuties, TheSummaryCountsWhatIsMissingAndWhatIsToBeChecked) {

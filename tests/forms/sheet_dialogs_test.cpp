@@ -77,7 +77,8 @@ TEST_F(TheSheetGuide, GoesFromTheFileOverTheColumnsToWhatWouldHappen) {
   EXPECT_EQ(planText(*plan), "4|nuovo|A-3  Vaso|\n");
   plan->model()->setData(plan->model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
   EXPECT_EQ(fromQt(control<QLabel>(dialog, "lblSomme")->text()),
-            "Articoli: 0 nuovi, 1 modificati, 0 invariati, 1 tralasciati");
+            "Articoli: 0 nuovi, 1 modificati, 0 invariati, 1 tralasciati\n"
+            "Prezzo: 1 importo cambia, in tutto da 1,50 a 2,50");
   EXPECT_EQ(test::defaultButton(dialog), "Importa");
   click(dialog, "cmdOK");
   EXPECT_EQ(dialog.tag(), "OK");

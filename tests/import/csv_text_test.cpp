@@ -54,6 +54,16 @@ TEST(CsvText, FindsTheSignsOfItsNumbersAndItsLineEnds) {
   EXPECT_EQ(reading.lineEnd, CsvLineEnd::Cr);
 }
 
+TEST(CsvText, EndsRecordsAtTheGivenLineEndAlone) {
+  CsvChoice choice;
+  choice.lineEnd = CsvLineEnd::CrLf;
+  EXPECT_EQ(shownCsv("a;b\r\nx\ny;\"1\"\r\n\nz\r\n", choice), "1:a|b\n2:x\ny|1\n4:\nz\n");
+  choice.lineEnd = CsvLineEnd::Lf;
+  EXPECT_EQ(shownCsv("a;b\nx\ry;1\n", choice), "1:a|b\n2:x\ry|1\n");
+  choice.lineEnd = CsvLineEnd::Cr;
+  EXPECT_EQ(shownCsv("a;b\rx;\r\nz", choice), "1:a|b\n2:x\n3:\nz\n");
+}
+
 TEST(CsvText, BeyondTheLimitsIsNotRead) {
   CsvReading reading;
   SheetLimits limits;

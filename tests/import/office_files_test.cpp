@@ -1,8 +1,14 @@
-// A sheet as an office program writes it, with a date, formulas, merged cells and empty rows, in three forms: all of
-// them read alike.
+// Sheets as an office program writes them, with dates, formulas, merged cells, empty rows and empty cells in every
+// column there is, in three forms and several encodings: all of them read alike, and damaged ones are refused with a
+// reason.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "import/sheets/sheet_file.h"
+#include "platform/files/files.h"
+#include "support/temp_folder.h"
+#include "support/test_seed.h"
 
 namespace kv::test {
 namespace {
@@ -36,6 +42,70 @@ TEST(OfficeFiles, AsTextHaveWhatTheirCellsShow) {
             "CSV, UTF-8, separatore \";\", fine riga LF, decimali \".\", migliaia nessuno\n"
             "1:codice|titolo|prezzo|note|scqperc0\n2:007|Caffè  lungo\nin due righe|12.3|31/05/2024|22%\n"
             "7:1000001|Unita|24.6|TRUE\n8:€ \"x\"; <y>||0.1\n");
+}
+
+/// The rows without how they were read.
+std::string officeCellsOf(const std::string& name) {
+  const std::string text = officeRows(name);
+  return text.substr(std::min(text.find('\n') + 1, text.size()));
+}
+
+TEST(OfficeFiles, WithEmptyCellsInEveryColumnReadAlikeInBothForms) {
+  const std::string xlsx = officeCellsOf("magazzino.xlsx");
+  EXPECT_TRUE(
+      xlsx.starts_with("1:codice|titolo|prezzo|prezzo1|scqperc0|note|peso|descrizione\n"
+                       "2:00001|perché Tazza|1303.53|2607.06|10|2039-04-01|0.25\n"
+                       "3:00002|&c \"x\"|1703.54|3407.08|23||0.25|una riga\n"))
+      << xlsx;
+  EXPECT_EQ(officeCellsOf("magazzino.ods"), xlsx);
+}
+
+TEST(OfficeFiles, AsTextReadAlikeInEveryEncoding) {
+  const std::string utf8 = officeCellsOf("magazzino_utf8.csv");
+  EXPECT_TRUE(
+      utf8.starts_with("1:codice|titolo|prezzo|prezzo1|scqperc0|note|peso|descrizione\n"
+                       "2:00001|perché Tazza|1303.53|2607.06|10%|01/04/2039|0.25\n"
+                       "3:00002|&c \"x\"|1703.54|3407.08|23%||0.25|una riga\n"))
+      << utf8;
+  for (const char* form : {"cp1252", "utf16", "comma"}) {
+    EXPECT_EQ(officeCellsOf("magazzino_" + std::string(form) + ".csv"), utf8) << form;
+  }
+}
+
+TEST(OfficeFiles, ThatAreCutOffOrChangedAreRefusedOrReadAndNothingElse) {
+  const TempFolder root;
+  const std::string path = root / "listino.xlsx";
+  std::mt19937 chance(seed());
+  for (const char* name : {"listino.xlsx", "listino.ods"}) {
+    const auto whole = readBytes(std::string(KORVANE_TEST_DATA) + "/import/sheets/" + name);
+    ASSERT_TRUE(whole);
+    for (int i = 0; i < operationsOf(100); ++i) {
+      std::string bytes = *whole;
+      if (i % 2 == 0) bytes.resize(chance() % bytes.size());
+      for (unsigned flips = chance() % 4; flips > 0 && !bytes.empty(); --flips) {
+        bytes[chance() % bytes.size()] = static_cast<char>(chance());
+      }
+      ASSERT_TRUE(writeBytes(path, bytes));
+      const auto sheet = readSheetFile(path, {});
+      if (sheet) continue;
+      const std::string text = sheetFailureText(sheet.error(), path);
+      EXPECT_TRUE(text.starts_with("Il foglio \"listino.xlsx\" ") || text.starts_with("Il file \"listino.xlsx\" "));
+      EXPECT_EQ(text.find("\n\n"), std::string::npos) << text;
+    }
+  }
+}
+
+TEST(OfficeFiles, OfMoreRowsThanASheetHasAreRefused) {
+  const TempFolder root;
+  const std::string path = root / "lungo.csv";
+  std::string rows = "codice\n";
+  for (std::size_t i = 1; i < SheetLimits().rows; ++i) rows += "x\n";
+  ASSERT_TRUE(writeBytes(path, rows));
+  EXPECT_TRUE(readSheetFile(path, {}));
+  ASSERT_TRUE(writeBytes(path, rows + "x\n"));
+  const auto sheet = readSheetFile(path, {});
+  ASSERT_FALSE(sheet);
+  EXPECT_EQ(sheetFailureText(sheet.error(), path), "Il foglio \"lungo.csv\" è troppo grande: dividerlo in più fogli");
 }
 
 }  // namespace

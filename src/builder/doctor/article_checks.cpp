@@ -91,19 +91,48 @@ Findings findMissingTitles(const DoctorFacts& facts) {
 }
 
 Findings findUntranslatedArticles(const DoctorFacts& facts) {
+  struct Text {
+    std::string_view column, text;
+    LanguageFlags missing;
+  };
   Findings found;
   for (std::size_t i = 0; i < facts.articles.size(); ++i) {
     const ArticleFact& article = facts.articles[i];
-    if (article.isHidden || (article.untitled | article.undescribed) == 0) continue;
+    const LanguageFlags untitled = hasBit(article.untitled, 0) ? LanguageFlags{0} : article.untitled;
+    if (article.isHidden || (untitled | article.undescribed | article.unsubtitled | article.unnoted) == 0) continue;
+    const std::array<Text, 4> texts{{{"titolo", "manca il titolo", untitled},
+                                     {"sottotitolo", "manca il sottotitolo", article.unsubtitled},
+                                     {"descrizione", "manca la descrizione", article.undescribed},
+                                     {"note", "mancano le note", article.unnoted}}};
     for (int language = 1; language < facts.languages; ++language) {
-      const std::string where = " in " + languageName(facts, language);
-      if (hasBit(article.untitled, language) && !hasBit(article.untitled, 0)) {
-        found.push_back(
-            articleFinding(facts, i, "manca il titolo" + where, articleTarget(article, "titolo", language + 1)));
+      for (const Text& text : texts) {
+        if (!hasBit(text.missing, language)) continue;
+        found.push_back(articleFinding(facts, i, std::string(text.text) + " in " + languageName(facts, language),
+                                       articleTarget(article, text.column, language + 1)));
       }
-      if (!hasBit(article.undescribed, language)) continue;
-      found.push_back(articleFinding(facts, i, "manca la descrizione" + where,
-                                     articleTarget(article, "descrizione", language + 1)));
+    }
+  }
+  return found;
+}
+
+Findings findDoubledTitles(const DoctorFacts& facts) {
+  // An article is told once, in the first language that has its title twice.
+  std::vector<bool> isTold(facts.articles.size());
+  Findings found;
+  for (int language = 0; language < facts.languages; ++language) {
+    std::unordered_map<std::size_t, std::size_t> first;
+    first.reserve(facts.articles.size());
+    for (std::size_t i = 0; i < facts.articles.size(); ++i) {
+      const ArticleFact& article = facts.articles[i];
+      const std::size_t key = article.titleKeys[static_cast<std::size_t>(language)];
+      if (article.isHidden || article.department == noIndex || key == 0) continue;
+      const auto [same, isNew] = first.emplace(key, i);
+      if (isNew || isTold[i]) continue;
+      isTold[i] = true;
+      const std::string where = language == 0 ? "" : " in " + languageName(facts, language);
+      found.push_back(articleFinding(
+          facts, i, "ha lo stesso titolo dell'articolo " + facts.articleName(same->second) + " nel reparto" + where,
+          articleTarget(article, "titolo", language + 1)));
     }
   }
   return found;

@@ -8,7 +8,7 @@ namespace {
 constexpr int slots = 4;
 constexpr int articlePictures = 3;
 constexpr std::array<std::string_view, 4> textColumns{"titolo", "sottotitolo", "descrizione", "note"};
-constexpr std::size_t titleColumn = 0, descriptionColumn = 2, firstMemo = 2;
+constexpr std::size_t titleColumn = 0, subtitleColumn = 1, descriptionColumn = 2, notesColumn = 3, firstMemo = 2;
 constexpr std::array<std::string_view, 3> priceColumns{"prezzo", "offerta", "offertaprezzo"};
 constexpr std::string_view variantStems[]{"opzione1", "opzione2", "opzione3", "opzione4"};
 
@@ -96,12 +96,34 @@ class ArticleFactReader {
   }
 
   void readMissing(const Statement& row, ArticleFact& article) const {
-    const bool isDescribed = !trim(field(row, descriptionColumn, 1)).empty();
     for (int language = 1; language <= facts_.languages; ++language) {
-      const auto bit = static_cast<LanguageFlags>(1U << static_cast<unsigned>(language - 1));
-      if (trim(field(row, titleColumn, language)).empty()) article.untitled |= bit;
-      if (isDescribed && trim(field(row, descriptionColumn, language)).empty()) article.undescribed |= bit;
+      const std::string_view title = trim(field(row, titleColumn, language));
+      if (title.empty()) {
+        article.untitled |= static_cast<LanguageFlags>(1U << static_cast<unsigned>(language - 1));
+      } else {
+        article.titleKeys[static_cast<std::size_t>(language - 1)] = titleKey(article.department, title);
+      }
     }
+    article.undescribed = missingOf(row, descriptionColumn);
+    article.unsubtitled = missingOf(row, subtitleColumn);
+    article.unnoted = missingOf(row, notesColumn);
+  }
+
+  /// The languages in which a text is missing that language 1 has.
+  LanguageFlags missingOf(const Statement& row, std::size_t column) const {
+    LanguageFlags flags = 0;
+    if (facts_.languages == 1 || trim(field(row, column, 1)).empty()) return flags;
+    for (int language = 2; language <= facts_.languages; ++language) {
+      const bool isEmpty = trim(field(row, column, language)).empty();
+      if (isEmpty) flags |= static_cast<LanguageFlags>(1U << static_cast<unsigned>(language - 1));
+    }
+    return flags;
+  }
+
+  /// Never 0. Case counts for nothing, and titles of other departments are no matter.
+  static std::size_t titleKey(std::size_t department, std::string_view title) {
+    const std::size_t key = std::hash<std::string>()(foldCase(title)) * 31 + department;
+    return key == 0 ? 1 : key;
   }
 
   static bool isWorthALook(std::string_view text, std::size_t column) {

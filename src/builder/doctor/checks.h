@@ -25,7 +25,9 @@ Findings findMissingCodes(const DoctorFacts& facts);
 /// Codes that several articles of the catalogue have, case ignored.
 Findings findDoubledCodes(const DoctorFacts& facts);
 Findings findMissingTitles(const DoctorFacts& facts);
-/// Titles and descriptions that language 1 has and another language has not.
+/// Titles that several articles of one department have, in any language, case ignored.
+Findings findDoubledTitles(const DoctorFacts& facts);
+/// Titles, subtitles, descriptions and notes that language 1 has and another language has not.
 Findings findUntranslatedArticles(const DoctorFacts& facts);
 /// Prices of 0 in the price lists that are in use.
 Findings findZeroPrices(const DoctorFacts& facts);
@@ -67,6 +69,12 @@ Findings findDeadLinks(const DoctorFacts& facts);
 Findings findTemplateFaults(const DoctorFacts& facts);
 Findings findMissingModules(const DoctorFacts& facts);
 
+/// Texts of the shop itself that language 1 has and another language has not; those that the law asks for are told by
+/// it.
+Findings findUntranslatedShop(const DoctorFacts& facts);
+/// What the law asks and the shop lacks.
+Findings findLegalDuties(const DoctorFacts& facts);
+
 // Shipping and payment.
 Findings findStrayCountries(const DoctorFacts& facts);
 Findings findClosedZones(const DoctorFacts& facts);
@@ -78,6 +86,7 @@ Findings findUnfinishedPayments(const DoctorFacts& facts);
 Findings findMissingSettings(const DoctorFacts& facts);
 /// An address without scheme. Mended by the one that the build adds.
 Findings findMissingScheme(const DoctorFacts& facts);
+/// An address without https where a method of payment in use needs it.
 Findings findPlainAddress(const DoctorFacts& facts);
 Findings findOldSite(const DoctorFacts& facts);
 Findings findOldServer(const DoctorFacts& facts);

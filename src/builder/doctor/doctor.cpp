@@ -8,13 +8,14 @@ namespace {
 constexpr const char* silenceTable = "controllosilenzi";
 constexpr std::string_view ofArticles = "Articoli", ofDepartments = "Reparti", ofVariants = "Varianti",
                            ofPictures = "Immagini", ofTexts = "Testi e template", ofSelling = "Vendita",
-                           ofServer = "Sito e server";
+                           ofLaw = "Requisiti di legge", ofServer = "Sito e server";
 constexpr std::string_view oldSite = "site.old", oldServer = "server.old";
 
 constexpr std::array checkTable{
     DoctorCheck{"code.missing", ofArticles, Severity::Warning, findMissingCodes},
     DoctorCheck{"code.doubled", ofArticles, Severity::Warning, findDoubledCodes},
     DoctorCheck{"title.missing", ofArticles, Severity::Error, findMissingTitles},
+    DoctorCheck{"title.doubled", ofArticles, Severity::Warning, findDoubledTitles},
     DoctorCheck{"article.untranslated", ofArticles, Severity::Warning, findUntranslatedArticles},
     DoctorCheck{"price.zero", ofArticles, Severity::Error, findZeroPrices},
     DoctorCheck{"offer.abovePrice", ofArticles, Severity::Warning, findBadOffers},
@@ -37,6 +38,7 @@ constexpr std::array checkTable{
     DoctorCheck{"tag.unknown", ofTexts, Severity::Warning, findUnknownTags},
     DoctorCheck{"title.reference", ofTexts, Severity::Warning, findReferences},
     DoctorCheck{"link.dead", ofTexts, Severity::Warning, findDeadLinks},
+    DoctorCheck{"shop.untranslated", ofTexts, Severity::Warning, findUntranslatedShop},
     DoctorCheck{"template", ofTexts, Severity::Error, findTemplateFaults},
     DoctorCheck{"language.module", ofTexts, Severity::Error, findMissingModules},
     DoctorCheck{"country.stray", ofSelling, Severity::Error, findStrayCountries},
@@ -44,6 +46,7 @@ constexpr std::array checkTable{
     DoctorCheck{"zone.steps", ofSelling, Severity::Warning, findShippingSteps},
     DoctorCheck{"payment.none", ofSelling, Severity::Error, findNoPayment},
     DoctorCheck{"payment.unfinished", ofSelling, Severity::Error, findUnfinishedPayments},
+    DoctorCheck{"law.missing", ofLaw, Severity::Warning, findLegalDuties},
     DoctorCheck{"setting.missing", ofServer, Severity::Error, findMissingSettings},
     DoctorCheck{"setting.scheme", ofServer, Severity::Warning, findMissingScheme},
     DoctorCheck{"setting.plain", ofServer, Severity::Error, findPlainAddress},

@@ -236,6 +236,9 @@ Result<DoctorFacts> readDoctorFacts(Session& session, const std::string& applica
   if (auto read = reader.readVariants(); !read) return fail(read.error());
   if (auto read = readArticleFacts(session.catalogue, facts, look, shelf); !read) return fail(read.error());
   if (auto read = reader.readSelling(); !read) return fail(read.error());
+  auto duties = legalDuties(session, applicationFolder);
+  if (!duties) return fail(duties.error());
+  facts.duties = std::move(*duties);
   reader.countBranches();
   return facts;
 }

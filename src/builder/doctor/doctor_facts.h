@@ -11,6 +11,7 @@
 
 #include "builder/doctor/findings.h"
 #include "builder/doctor/text_flaws.h"
+#include "commerce/settings/legal_duties.h"
 #include "commerce/shipping/shipping_quote.h"
 #include "platform/database/field_row.h"
 #include "platform/ports/result.h"
@@ -36,6 +37,10 @@ struct ArticleFact {
   ListFlags badOffer = 0;         ///< the offer's price isn't below the price, which isn't 0
   LanguageFlags untitled = 0;     ///< languages of the shop without a title
   LanguageFlags undescribed = 0;  ///< the same of the description, where language 1 has one
+  LanguageFlags unsubtitled = 0;  ///< the same of the subtitle
+  LanguageFlags unnoted = 0;      ///< the same of the notes
+  /// By which equal titles of a department are known, one for each language; 0 without a title.
+  std::array<std::size_t, maxLanguages> titleKeys{};
   std::string codice;
   std::string titolo;  ///< of language 1
 };
@@ -137,6 +142,7 @@ struct DoctorFacts {
   std::vector<NamedRow> strayCountries;  ///< without a zone
   std::vector<ShippingGap> gaps;
   std::vector<std::string> unfinishedPayments;  ///< switched on and not set up
+  std::vector<LegalDuty> duties;                ///< what the law asks
   SiteAges ages;
 
   /// "A12 Vaso", or "n. 7" of an article without code and title.

@@ -25,10 +25,54 @@ Findings findGaps(const DoctorFacts& facts, bool isClosed) {
 
 bool isSwitchedOn(const FieldRow& pagamento, int method) { return pagamento.flag("attivo" + std::to_string(method)); }
 
-/// The methods that send the customer's data nowhere.
-bool isOffline(std::string_view gateway) {
-  return gateway.empty() || equalsIgnoringCase(gateway, "Contrassegno") ||
-         equalsIgnoringCase(gateway, "Pagamento anticipato");
+/// Whether a payment module needs a shop under https. The banks' services call a script of the shop, or send the buyer
+/// back to one with the outcome, and refuse plain addresses; the methods without a service send the data nowhere.
+struct HttpsNeed {
+  std::string_view gateway;
+  bool isNeeded;
+};
+constexpr HttpsNeed httpsNeeds[]{{"Telepay Light", true},
+                                 {"Banca Sella", true},
+                                 {"AuthorizeNet", true},
+                                 {"Planet Payment", true},
+                                 {"Contrassegno", false},
+                                 {"Pagamento anticipato", false},
+                                 {"Cilme", true},
+                                 {"Cartafacile", true},
+                                 {"Omnipay", true},
+                                 {"Paypal", true},
+                                 {"Consorzio Triveneto", true},
+                                 {"Shopla", true},
+                                 {"Cariverona", true},
+                                 {"Bankpass", true},
+                                 {"SysPay", true}};
+
+/// A module of the merchant's own is taken for one with a service.
+bool needsHttps(std::string_view gateway) {
+  const auto known = std::ranges::find_if(
+      httpsNeeds, [&](const HttpsNeed& need) { return equalsIgnoringCase(need.gateway, gateway); });
+  return known == std::ranges::end(httpsNeeds) ? !gateway.empty() : known->isNeeded;
+}
+
+/// Where a duty is met; one without a field is shown in its list.
+FindingTarget targetOf(const DutyTarget& duty) {
+  switch (duty.subject) {
+    case DutySubject::Settings:
+      return {FindingSubject::Settings, "", duty.column, duty.language, 0};
+    case DutySubject::Article:
+      return {FindingSubject::Article, std::to_string(duty.article), duty.column, duty.language, 0};
+    case DutySubject::Command:
+      return {FindingSubject::Command, duty.command, "", 1, 0};
+    case DutySubject::Nothing:
+      break;
+  }
+  return {FindingSubject::Command, "legalDuties", "", 1, 0};
+}
+
+/// A sentence as a finding has it.
+std::string withoutPoint(std::string text) {
+  if (text.ends_with('.')) text.pop_back();
+  return text;
 }
 
 struct NeededSetting {
@@ -65,6 +109,21 @@ Findings findNoPayment(const DoctorFacts& facts) {
   return {commandFinding("Nessun metodo di pagamento è attivo, nessuno può ordinare", "shipping", "")};
 }
 
+Findings findLegalDuties(const DoctorFacts& facts) {
+  Findings found;
+  for (const LegalDuty& duty : facts.duties) {
+    if (duty.state != DutyState::Missing) continue;
+    // Without a template nothing of its pages is worth telling.
+    if (!facts.hasTemplate && duty.target.command == "template") continue;
+    Finding finding;
+    finding.text = "Requisiti di legge, " + duty.title + ": " + withoutPoint(duty.text);
+    finding.detail = duty.title;
+    finding.target = targetOf(duty.target);
+    found.push_back(std::move(finding));
+  }
+  return found;
+}
+
 Findings findUnfinishedPayments(const DoctorFacts& facts) {
   Findings found;
   for (const std::string& name : facts.unfinishedPayments) {
@@ -96,7 +155,7 @@ Findings findPlainAddress(const DoctorFacts& facts) {
   if (address.empty() || startsWithIgnoringCase(address, "https://")) return {};
   for (int method = 1; method <= paymentMethods; ++method) {
     const std::string gateway(trim(facts.pagamento.text("metodo" + std::to_string(method))));
-    if (!isSwitchedOn(facts.pagamento, method) || isOffline(gateway)) continue;
+    if (!isSwitchedOn(facts.pagamento, method) || !needsHttps(gateway)) continue;
     return {settingFinding("Negozio: il pagamento con " + gateway + " richiede un indirizzo che comincia con https://",
                            "URL")};
   }

@@ -1,5 +1,6 @@
 // The checks of pictures, texts and template, and of when the site was made.
 #include "builder/doctor/checks.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {
@@ -99,6 +100,33 @@ Findings findReferences(const DoctorFacts& facts) {
 }
 Findings findDeadLinks(const DoctorFacts& facts) {
   return findFlaws(facts, FlawKind::DeadLink, "il link ", " porta a una pagina che non esiste");
+}
+
+Findings findUntranslatedShop(const DoctorFacts& facts) {
+  struct ShopText {
+    std::string_view column, caption;
+  };
+  static constexpr ShopText texts[]{{"titolo", "il nome del negozio"},
+                                    {"home1", "il testo \"Home page 1\""},
+                                    {"home2", "il testo \"Home page 2\""},
+                                    {"testo1", "il testo \"Testo libero 1\""},
+                                    {"testo2", "il testo \"Testo libero 2\""},
+                                    {"rifiutato", "il testo \"Reparto non accessibile\""},
+                                    {"contrassegno", "il testo del contrassegno"},
+                                    {"anticipato", "il testo del pagamento anticipato"}};
+  Findings found;
+  for (int language = 2; language <= facts.languages; ++language) {
+    const auto index = static_cast<std::size_t>(language - 1);
+    for (const ShopText& text : texts) {
+      const std::string translated = std::string(text.column) + std::string(languageSuffixes[index]);
+      if (trim(facts.generale.text(text.column)).empty() || !trim(facts.generale.text(translated)).empty()) continue;
+      Finding finding;
+      finding.text = "Negozio: manca " + std::string(text.caption) + " in " + facts.languageNames[index];
+      finding.target = {FindingSubject::Settings, "", std::string(text.column), language, 0};
+      found.push_back(std::move(finding));
+    }
+  }
+  return found;
 }
 
 Findings findTemplateFaults(const DoctorFacts& facts) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "commerce/prices/price_history.h"
+#include "commerce/settings/legal_site.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 #include "store/catalogue/side_fields.h"
@@ -233,7 +234,12 @@ std::string_view dutyStateName(DutyState state) {
   return state == DutyState::Missing ? "Manca" : "Da verificare";
 }
 
-Result<std::vector<LegalDuty>> legalDuties(Session& session) { return DutyReader(session).read(); }
+Result<std::vector<LegalDuty>> legalDuties(Session& session, const std::string& applicationFolder) {
+  auto duties = DutyReader(session).read();
+  if (!duties) return duties;
+  std::ranges::move(siteDuties(session, applicationFolder), std::back_inserter(*duties));
+  return duties;
+}
 
 std::string legalSummary(const std::vector<LegalDuty>& duties) {
   const auto missing = std::ranges::count(duties, DutyState::Missing, &LegalDuty::state);

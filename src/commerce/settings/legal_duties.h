@@ -40,8 +40,9 @@ struct LegalDuty {
   DutyTarget target;
 };
 
-/// All duties in the order in which a visitor meets them. Failures as Database::prepare.
-Result<std::vector<LegalDuty>> legalDuties(Session& session);
+/// All duties in the order in which a visitor meets them. applicationFolder: that of template,
+/// language modules and scripts. Failures as Database::prepare.
+Result<std::vector<LegalDuty>> legalDuties(Session& session, const std::string& applicationFolder);
 /// "2 requisiti mancano, 1 è da verificare."
 std::string legalSummary(const std::vector<LegalDuty>& duties);
 

@@ -42,8 +42,8 @@ struct CsvTable {
   }
 };
 
-std::vector<std::string> numbersOf(const CsvTable& table) {
-  std::vector<std::string> numbers;
+std::vector<std::string_view> numbersOf(const CsvTable& table) {
+  std::vector<std::string_view> numbers;
   for (std::size_t column = 0; !table.records.empty() && column < table.records[0].size(); ++column) {
     if (!isNumberColumn(trim(table.records[0][column]))) continue;
     for (std::size_t i = 1; i < table.records.size(); ++i) numbers.emplace_back(table.field(i, column));

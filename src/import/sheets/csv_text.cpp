@@ -17,7 +17,8 @@ bool isCsvDigit(char c) { return c >= '0' && c <= '9'; }
 /// One walk over a text of separated values.
 class CsvWalk {
  public:
-  CsvWalk(std::string_view text, char separator, CsvSink& sink) : text_(text), separator_(separator), sink_(sink) {}
+  CsvWalk(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd)
+      : text_(text), separator_(separator), lineEnd_(lineEnd), sink_(sink) {}
 
   bool run() {
     while (at_ < text_.size()) {
@@ -31,7 +32,7 @@ class CsvWalk {
   bool step() {
     const std::uint32_t line = line_;
     if (!started_) begins_ = line;
-    if (isLineEnd(text_[at_]) && !started_) {
+    if (!started_ && isEndAt(at_)) {
       passLineEnd();
       return true;
     }
@@ -42,7 +43,7 @@ class CsvWalk {
     if (text_[at_] == separator_) {
       ++at_;
       // A separator at the very end is followed by an empty field.
-      return at_ < text_.size() && !isLineEnd(text_[at_]) ? true : sink_.field({}) && endAtLineEnd();
+      return at_ < text_.size() && !isEndAt(at_) ? true : sink_.field({}) && endAtLineEnd();
     }
     return endAtLineEnd();
   }
@@ -55,9 +56,16 @@ class CsvWalk {
     return sink_.endRecord(begins_);
   }
   static bool isLineEnd(char c) { return c == '\r' || c == '\n'; }
+  /// Whether a record may end at a byte.
+  bool isEndAt(std::size_t at) const {
+    if (!isLineEnd(text_[at])) return false;
+    if (!lineEnd_) return true;
+    if (*lineEnd_ == CsvLineEnd::CrLf) return text_.substr(at).starts_with("\r\n");
+    return text_[at] == (*lineEnd_ == CsvLineEnd::Lf ? '\n' : '\r');
+  }
   void passLineEnd() {
-    if (text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n') ++at_;
-    ++at_;
+    const bool isPair = text_[at_] == '\r' && at_ + 1 < text_.size() && text_[at_ + 1] == '\n';
+    at_ += isPair && lineEnd_ != CsvLineEnd::Cr ? 2U : 1U;
     ++line_;
   }
 
@@ -65,17 +73,18 @@ class CsvWalk {
     if (text_[at_] != '"') return takePlain();
     const std::size_t close = text_.find('"', at_ + 1);
     const std::size_t after = close == std::string_view::npos ? text_.size() : close + 1;
-    const bool isSimple = close != std::string_view::npos && (after == text_.size() || endsField(text_[after]));
+    const bool isSimple = close != std::string_view::npos && (after == text_.size() || endsField(after));
     if (!isSimple) return takeQuoted();
     const std::string_view field = text_.substr(at_ + 1, close - at_ - 1);
     countLines(field);
     at_ = after;
     return field;
   }
-  bool endsField(char c) const { return c == separator_ || isLineEnd(c); }
+  bool endsField(std::size_t at) const { return text_[at] == separator_ || isEndAt(at); }
   std::string_view takePlain() {
     const std::size_t begin = at_;
-    while (at_ < text_.size() && !endsField(text_[at_])) ++at_;
+    while (at_ < text_.size() && !endsField(at_)) ++at_;
+    if (lineEnd_) countLines(text_.substr(begin, at_ - begin));
     return text_.substr(begin, at_ - begin);
   }
   /// A field with doubled quotes, or with text after its last quote.
@@ -104,6 +113,7 @@ class CsvWalk {
 
   std::string_view text_;
   char separator_;
+  std::optional<CsvLineEnd> lineEnd_;
   CsvSink& sink_;
   std::size_t at_ = 0;
   std::uint32_t line_ = 1, begins_ = 1;
@@ -137,7 +147,9 @@ bool looksLikeNumber(std::string_view text) {
 
 }  // namespace
 
-bool walkCsv(std::string_view text, char separator, CsvSink& sink) { return CsvWalk(text, separator, sink).run(); }
+bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd) {
+  return CsvWalk(text, separator, sink, lineEnd).run();
+}
 
 char separatorOf(std::string_view text) {
   if (startsWithIgnoringCase(text, separatorLine) && text.size() > separatorLine.size()) {
@@ -168,15 +180,16 @@ CsvLineEnd csvLineEndOf(std::string_view text) {
   return CsvLineEnd::CrLf;
 }
 
-char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator) {
+char decimalSeparatorOf(const std::vector<std::string_view>& numbers, char separator) {
   std::ptrdiff_t commas = 0, points = 0;
-  for (const std::string& number : numbers) {
-    const auto last = number.find_last_of(",.");
-    if (last == std::string::npos) continue;
-    const char sign = number[last];
+  for (const std::string_view number : numbers) {
+    std::size_t last = number.size();
+    while (last > 0 && number[last - 1] != ',' && number[last - 1] != '.') --last;
+    if (last == 0) continue;
+    const char sign = number[--last];
     const bool repeated = number.find(sign) != last;
-    const bool both = number.find(sign == ',' ? '.' : ',') != std::string::npos;
-    const auto after = std::count_if(number.begin() + static_cast<std::ptrdiff_t>(last), number.end(), isCsvDigit);
+    const bool both = number.find(sign == ',' ? '.' : ',') != std::string_view::npos;
+    const auto after = std::ranges::count_if(number.substr(last), isCsvDigit);
     if (repeated || (!both && static_cast<std::size_t>(after) == groupDigits)) continue;
     ++(sign == ',' ? commas : points);
   }
@@ -184,19 +197,19 @@ char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator)
   return commas > points ? ',' : '.';
 }
 
-char thousandsOf(const std::vector<std::string>& numbers, char decimalSeparator) {
+char thousandsOf(const std::vector<std::string_view>& numbers, char decimalSeparator) {
   const char other = decimalSeparator == ',' ? '.' : ',';
-  for (const std::string& number : numbers) {
-    if (number.find(other) != std::string::npos) return other;
-    if (number.find('\'') != std::string::npos) return '\'';
+  for (const std::string_view number : numbers) {
+    if (number.find(other) != std::string_view::npos) return other;
+    if (number.find('\'') != std::string_view::npos) return '\'';
     // Spaces that don't break start with these bytes.
     if (trim(number).find_first_of(" \xC2\xE2") != std::string_view::npos) return ' ';
   }
   return '\0';
 }
 
-std::vector<std::string> numbersAmong(const CellTable& cells) {
-  std::vector<std::string> numbers;
+std::vector<std::string_view> numbersAmong(const CellTable& cells) {
+  std::vector<std::string_view> numbers;
   for (std::size_t row = 0; row < cells.rows(); ++row) {
     for (std::size_t column = 0; column < cells.width(row); ++column) {
       const SheetCell cell = cells.cell(row, column);
@@ -211,14 +224,14 @@ std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice
   reading.encoding = choice.encoding.value_or(csvEncodingOf(bytes));
   const std::string text = decodedCsv(bytes, reading.encoding);
   reading.separator = choice.separator.value_or(separatorOf(text));
-  reading.lineEnd = csvLineEndOf(text);
+  reading.lineEnd = choice.lineEnd.value_or(csvLineEndOf(text));
   CellTable cells(limits);
   CellSink sink(cells);
-  if (!walkCsv(text, reading.separator, sink)) return std::nullopt;
+  if (!walkCsv(text, reading.separator, sink, choice.lineEnd)) return std::nullopt;
   // The line that names the separator is no row.
   const bool isNamed = startsWithIgnoringCase(text, separatorLine) && cells.rows() > 0 && cells.width(0) <= 1;
   if (isNamed) cells.dropRows(1);
-  const std::vector<std::string> numbers = numbersAmong(cells);
+  const std::vector<std::string_view> numbers = numbersAmong(cells);
   reading.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, reading.separator));
   reading.thousands = choice.thousands.value_or(thousandsOf(numbers, reading.decimalSeparator));
   return cells;

@@ -35,6 +35,7 @@ struct CsvReading {
 struct CsvChoice {
   std::optional<CsvEncoding> encoding;
   std::optional<char> separator, decimalSeparator, thousands;
+  std::optional<CsvLineEnd> lineEnd;  ///< the only one that ends a record; others belong to the text of a field
 };
 
 /// The encoding of bytes: by their mark, UTF-16 without one by its zeros, UTF-8 when all of it is, else Windows-1252.
@@ -48,9 +49,9 @@ char separatorOf(std::string_view text);
 CsvLineEnd csvLineEndOf(std::string_view text);
 /// The decimal separator of the numbers among these texts: the last one before one, two, four or more digits; what is
 /// in groups of three alone tells nothing, and ',' holds unless it separates the fields.
-char decimalSeparatorOf(const std::vector<std::string>& numbers, char separator);
+char decimalSeparatorOf(const std::vector<std::string_view>& numbers, char separator);
 /// The sign between the thousands of these numbers: the first found; 0 when there is none.
-char thousandsOf(const std::vector<std::string>& numbers, char decimalSeparator);
+char thousandsOf(const std::vector<std::string_view>& numbers, char decimalSeparator);
 
 /// Receives the fields of a text.
 class CsvSink {
@@ -63,14 +64,14 @@ class CsvSink {
 };
 /// Splits a text into records of fields: a field in double quotes may hold separators, line ends and, doubled, quotes.
 /// Records end at CR LF, LF or CR; lines without any character are passed over. A quote that is never closed reaches
-/// to the end. False when the sink ended it.
-bool walkCsv(std::string_view text, char separator, CsvSink& sink);
+/// to the end. lineEnd: the only line end there is, where it is given. False when the sink ended it.
+bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd = {});
 
 /// A text of separated values as cells, and how it was read. Nothing when it has more than the limits allow.
 std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
                                  CsvReading& reading);
-/// The texts of a table that look like numbers, by which their signs are found out.
-std::vector<std::string> numbersAmong(const CellTable& cells);
+/// The texts of a table that look like numbers, by which their signs are found out; they live as long as the table.
+std::vector<std::string_view> numbersAmong(const CellTable& cells);
 
 /// A field as it is written: in quotes where it needs them.
 void appendCsvField(std::string& line, std::string_view text, char separator);

@@ -28,9 +28,11 @@ Result<ReadSheet> readPackedFile(const std::string& path, SheetForm form, const 
   auto content = readSpreadsheet(path, form, {choice.sheet, choice.limits, choice.goOn});
   if (!content) return fail(content.error());
   ReadSheet sheet{{form, choice.sheet, {}}, std::move(content->names), std::move(content->cells)};
-  const std::vector<std::string> numbers = numbersAmong(sheet.cells);
+  const std::vector<std::string_view> numbers = numbersAmong(sheet.cells);
   CsvReading& signs = sheet.reading.csv;
-  signs.decimalSeparator = choice.csv.decimalSeparator.value_or(decimalSeparatorOf(numbers, ';'));
+  // A feed has prices as "12.50 EUR", so that "," is no decimal separator where nothing tells.
+  if (form == SheetForm::Feed) signs.separator = ',';
+  signs.decimalSeparator = choice.csv.decimalSeparator.value_or(decimalSeparatorOf(numbers, signs.separator));
   signs.thousands = choice.csv.thousands.value_or(thousandsOf(numbers, signs.decimalSeparator));
   return sheet;
 }
@@ -145,7 +147,7 @@ std::string readingText(const SheetReading& reading) {
            signName(reading.csv.separator) + ", fine riga " + ends[static_cast<std::size_t>(reading.csv.lineEnd)] +
            ", ";
   } else {
-    text = reading.form == SheetForm::Xlsx ? "XLSX, " : "ODS, ";
+    text = reading.form == SheetForm::Xlsx ? "XLSX, " : reading.form == SheetForm::Ods ? "ODS, " : "feed XML, ";
   }
   return text + "decimali " + signName(reading.csv.decimalSeparator) + ", migliaia " + signName(reading.csv.thousands);
 }

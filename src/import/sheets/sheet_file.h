@@ -1,6 +1,6 @@
 #pragma once
-// A sheet of a file in whatever form: CSV, XLSX or ODS, told from its content; and a sheet written as CSV or XLSX, told
-// from the name. The first row with text names the columns.
+// A sheet of a file in whatever form: CSV, XLSX, ODS or a feed of products, told from its content; and a sheet written
+// as CSV or XLSX, told from the name. The first row with text names the columns.
 
 #include <functional>
 #include <memory>
@@ -25,6 +25,7 @@ struct SheetChoice {
   CsvChoice csv;
   SheetLimits limits;
   std::function<bool()> goOn = {};  ///< false ends the reading as Cancelled
+  std::string shape;                ///< name of an ExportShape; empty: found by the headers; "no": none
 };
 
 /// A sheet that was read.

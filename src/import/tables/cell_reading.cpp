@@ -125,7 +125,8 @@ bool isNumberField(CellField field) {
 }
 
 std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& signs) {
-  std::string bare = withoutCurrency(text);
+  const bool isBare = std::ranges::all_of(text, [](char c) { return isDigitSign(c) || c == '.' || c == ','; });
+  std::string bare = isBare ? std::string(text) : withoutCurrency(text);
   std::string sign;
   if (bare.starts_with('-') || bare.starts_with('+')) {
     if (bare[0] == '-') sign = "-";
@@ -146,12 +147,12 @@ std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& 
 
 CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cell) const {
   const auto digits = cell.isNumber ? std::optional(std::string(cell.text)) : sheetNumber(cell.text, signs_);
-  CellValue none = refused(column.italian + ": " + quoted(cell.text) + " non è un numero");
-  if (!digits) return none;
+  const auto none = [&] { return refused(column.italian + ": " + quoted(cell.text) + " non è un numero"); };
+  if (!digits) return none();
   if (!column.isSigned && digits->starts_with('-')) return refused(column.italian + ": " + *digits + " è negativo");
   if (column.field == CellField::Money) {
     const auto amount = Money::parse(*digits);
-    return amount ? CellValue{*amount, {}} : none;
+    return amount ? CellValue{*amount, {}} : none();
   }
   if (column.field == CellField::Whole) {
     const auto number = wholeOf(*digits);
@@ -160,7 +161,7 @@ CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cel
     return {*number, {}};
   }
   const auto number = singleOf(*digits);
-  if (!number) return none;
+  if (!number) return none();
   if (column.field == CellField::Percent && *number > highestPercent) {
     return refused(column.italian + ": " + *digits + " è più di 100");
   }

@@ -18,17 +18,6 @@ std::uint64_t headersNumber(std::string_view text) {
   return number;
 }
 
-/// A header without what programs write differently: case, spaces, signs, and the prefix of a feed.
-std::string plainHeader(std::string_view header) {
-  std::string folded = foldCase(trim(header));
-  if (folded.starts_with("g:")) folded.erase(0, 2);
-  std::erase_if(folded, [](char c) {
-    const bool isWord = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
-    return !isWord;
-  });
-  return folded;
-}
-
 /// How well a header names a column: 0 not at all, the higher the better. As it is written it comes first: "Immagine 1"
 /// is the header of one column, "immagine1" the name of another.
 int nameRank(const TableColumn& column, std::string_view header, const std::string& plain) {
@@ -63,6 +52,16 @@ std::string settingOf(const SheetTable& table, const std::vector<std::string>& h
 }
 
 }  // namespace
+
+std::string plainHeader(std::string_view header) {
+  std::string folded = foldCase(trim(header));
+  if (folded.starts_with("g:")) folded.erase(0, 2);
+  std::erase_if(folded, [](char c) {
+    const bool isWord = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
+    return !isWord;
+  });
+  return folded;
+}
 
 ColumnMapping mappingByHeaders(const SheetTable& table, const std::vector<std::string>& headers) {
   ColumnMapping mapping;

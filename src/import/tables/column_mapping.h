@@ -14,6 +14,9 @@ namespace kv {
 /// For each column of a sheet the index of a column of the table; nothing where it is left out.
 using ColumnMapping = std::vector<std::optional<std::size_t>>;
 
+/// A header without what programs write differently: case, spaces, signs, and the prefix of a feed.
+std::string plainHeader(std::string_view header);
+
 /// The mapping that the headers say: by a column's own name, its Italian or English header, or one that exports of shop
 /// programs have; case, spaces and signs don't count. The first of several columns wins.
 ColumnMapping mappingByHeaders(const SheetTable& table, const std::vector<std::string>& headers);

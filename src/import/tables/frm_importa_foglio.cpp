@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "import/tables/export_shapes.h"
 #include "import/tables/frm_plan_model.h"
 
 namespace kv {
@@ -24,7 +25,7 @@ enum GuidePage { FilePage, ColumnsPage, PlanPage };
 constexpr std::size_t shownRows = 12;  // of the file, on the first page
 // The signs of the entries of the lists but the first one, which finds out.
 constexpr std::string_view separatorChoices = ";,\t|", decimalChoices = ",.";
-constexpr std::string_view thousandsChoices("\0., ", 4);
+constexpr std::string_view thousandsChoices("\0., '", 5);
 
 QTableWidget* grid(const char* name, std::string_view spoken, const QStringList& headings) {
   auto* table = named(new QTableWidget(0, static_cast<int>(headings.size())), name, spoken);
@@ -48,9 +49,14 @@ std::optional<CsvEncoding> encodingOf(const QComboBox& box) {
   return index < 0 ? std::nullopt : std::optional(static_cast<CsvEncoding>(index));
 }
 
+std::optional<CsvLineEnd> lineEndOf(const QComboBox& box) {
+  const int index = box.currentIndex() - 1;
+  return index < 0 ? std::nullopt : std::optional(static_cast<CsvLineEnd>(index));
+}
+
 std::string chosenFile(QWidget* over) {
   return fromQt(QFileDialog::getOpenFileName(over, toQt("Scegliere il foglio da importare"), QString(),
-                                             toQt("Fogli (*.csv *.txt *.xlsx *.ods);;Tutti i file (*)")));
+                                             toQt("Fogli (*.csv *.txt *.xlsx *.ods *.xml);;Tutti i file (*)")));
 }
 
 }  // namespace
@@ -105,13 +111,20 @@ QWidget* frmImportaFoglio::makeFilePage() {
                                           toQt("UTF-16"), toQt("UTF-16 (big endian)")});
   cboSeparatore_ = choiceOf("cboSeparatore", {found, toQt(";"), toQt(","), toQt("tabulazione"), toQt("|")});
   cboDecimali_ = choiceOf("cboDecimali", {found, toQt(","), toQt(".")});
-  cboMigliaia_ = choiceOf("cboMigliaia", {found, toQt("nessuno"), toQt("."), toQt(","), toQt("spazio")});
+  cboMigliaia_ = choiceOf("cboMigliaia", {found, toQt("nessuno"), toQt("."), toQt(","), toQt("spazio"), toQt("'")});
+  cboFineRiga_ = choiceOf("cboFineRiga", {found, toQt("CR LF"), toQt("LF"), toQt("CR")});
+  cboProgramma_ = choiceOf("cboProgramma", {found, toQt("nessuna")});
+  for (const auto& [name, caption] : exportShapeNames()) {
+    cboProgramma_->addItem(toQt(caption), toQt(name));
+  }
   form->addRow(labelFor("Importa &in:", cboTabella_), cboTabella_);
   form->addRow(labelFor("Fo&glio del file:", cboFoglio_), cboFoglio_);
   form->addRow(labelFor("&Codifica:", cboCodifica_), cboCodifica_);
   form->addRow(labelFor("Se&paratore:", cboSeparatore_), cboSeparatore_);
   form->addRow(labelFor("&Decimali:", cboDecimali_), cboDecimali_);
   form->addRow(labelFor("&Migliaia:", cboMigliaia_), cboMigliaia_);
+  form->addRow(labelFor("Fi&ne riga:", cboFineRiga_), cboFineRiga_);
+  form->addRow(labelFor("&Esportazione di un altro negozio:", cboProgramma_), cboProgramma_);
   column->addLayout(form);
   lblLettura_ = named(wrappedText(""), "lblLettura");
   column->addWidget(lblLettura_);
@@ -178,7 +191,10 @@ void frmImportaFoglio::readAgain() {
   guide_.tableName = sheetTableNames()[static_cast<std::size_t>(cboTabella_->currentIndex())];
   guide_.choice.sheet = static_cast<std::size_t>(std::max(cboFoglio_->currentIndex(), 0));
   guide_.choice.csv = {encodingOf(*cboCodifica_), signOf(*cboSeparatore_, separatorChoices),
-                       signOf(*cboDecimali_, decimalChoices), signOf(*cboMigliaia_, thousandsChoices)};
+                       signOf(*cboDecimali_, decimalChoices), signOf(*cboMigliaia_, thousandsChoices),
+                       lineEndOf(*cboFineRiga_)};
+  const int program = cboProgramma_->currentIndex();
+  guide_.choice.shape = program == 1 ? "no" : fromQt(cboProgramma_->currentData().toString());
   if (guide_.path.empty()) return;
   std::string failure;
   {
@@ -201,6 +217,8 @@ void frmImportaFoglio::showFile() {
   cboFoglio_->setEnabled(cboFoglio_->count() > 1);
   cboCodifica_->setEnabled(isText);
   cboSeparatore_->setEnabled(isText);
+  cboFineRiga_->setEnabled(isText);
+  cboProgramma_->setEnabled(guide_.tableName == "articoli");
   const auto rows = guide_.firstRows(shownRows);
   grdRighe_->setRowCount(static_cast<int>(rows.size()));
   grdRighe_->setColumnCount(rows.empty() ? 0 : static_cast<int>(rows[0].size()));

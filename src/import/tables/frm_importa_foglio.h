@@ -51,7 +51,7 @@ class frmImportaFoglio final : public FormDialog {
   QLineEdit* txtFile_ = nullptr;
   QComboBox *cboTabella_ = nullptr, *cboFoglio_ = nullptr, *cboCodifica_ = nullptr, *cboSeparatore_ = nullptr,
             *cboDecimali_ = nullptr, *cboMigliaia_ = nullptr, *cboChiave_ = nullptr, *cboModo_ = nullptr,
-            *cboFiltro_ = nullptr;
+            *cboFiltro_ = nullptr, *cboFineRiga_ = nullptr, *cboProgramma_ = nullptr;
   QLabel *lblLettura_ = nullptr, *lblSomme_ = nullptr;
   QTableWidget *grdRighe_ = nullptr, *grdColonne_ = nullptr, *grdValori_ = nullptr;
   QTableView* grdPiano_ = nullptr;

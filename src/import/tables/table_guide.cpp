@@ -29,7 +29,9 @@ std::string TableGuide::read() {
 std::string TableGuide::reading() const {
   if (!open_) return {};
   const std::size_t rows = open_->sheet.cells.rows();
-  return readingText(open_->sheet.reading) + ", " + std::to_string(rows == 0 ? 0 : rows - 1) + " righe";
+  return readingText(open_->sheet.reading) +
+         (open_->shape.empty() ? "" : ", esportazione " + std::string(open_->shape)) + ", " +
+         std::to_string(rows == 0 ? 0 : rows - 1) + " righe";
 }
 
 std::vector<std::vector<std::string>> TableGuide::firstRows(std::size_t count) const {
@@ -101,6 +103,12 @@ void TableGuide::choose(std::size_t index, bool isChosen) {
 std::vector<ShownChange> TableGuide::changes(std::size_t index) const {
   auto changes = shownChanges(session_.catalogue, *plan_, open_->sheet, plan_->rows[index]);
   return changes ? std::move(*changes) : std::vector<ShownChange>();
+}
+
+std::string TableGuide::sums() const {
+  if (!plan_) return {};
+  const std::string amounts = amountsText(*plan_);
+  return sumsText(*plan_) + (amounts.empty() ? "" : "\n" + amounts);
 }
 
 bool TableGuide::canImport() const {

@@ -59,7 +59,8 @@ class TableGuide {
   /// Ticks a row, or unticks it; nothing for one that would not be written.
   void choose(std::size_t index, bool isChosen);
   std::vector<ShownChange> changes(std::size_t index) const;
-  std::string sums() const { return plan_ ? sumsText(*plan_) : std::string(); }
+  /// Counts of the rows, and below them the amounts that change.
+  std::string sums() const;
   /// Whether there is anything to write.
   bool canImport() const;
 

@@ -1,6 +1,9 @@
 #include "import/tables/table_import.h"
 
+#include "import/tables/export_shapes.h"
 #include "platform/files/files.h"
+#include "platform/numbers/number_format.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {
@@ -36,6 +39,29 @@ std::string mappingText(const OpenSheet& open) {
   return text;
 }
 
+/// Turns the cells of a known export into ours, and finds the columns.
+Result<> findColumns(OpenSheet& open, const Settings& settings, const SheetChoice& choice) {
+  ColumnMapping byShape;
+  const bool isArticles = open.table.name == "articoli" && choice.shape != "no";
+  const std::string asked = choice.shape.empty() ? std::string(exportShapeOf(open.sheet.headers())) : choice.shape;
+  if (isArticles && !asked.empty()) {
+    auto mapping = applyExportShape(asked, open.table, choice.limits, open.sheet);
+    if (!mapping) return fail(mapping.error());
+    byShape = std::move(*mapping);
+    open.shape = exportShapeCaption(asked);
+  }
+  const auto headers = open.sheet.headers();
+  auto kept = keptMapping(settings, open.table, headers);
+  const bool isShaped = !open.shape.empty();
+  open.mapping = kept ? std::move(*kept) : isShaped ? std::move(byShape) : mappingByHeaders(open.table, headers);
+  return {};
+}
+
+/// An amount as the merchant writes it: "1234,50".
+std::string shownAmount(std::optional<Money> amount) {
+  return amount ? replaceAll(formatNumber(*amount, "0.00##"), ".", ",") : "(troppo grande)";
+}
+
 }  // namespace
 
 Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, const std::string& path,
@@ -44,10 +70,8 @@ Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, con
   if (!columns) return fail(columns.error());
   auto sheet = readSheetFile(path, choice);
   if (!sheet) return fail(sheet.error());
-  const auto headers = sheet->headers();
-  auto mapping = keptMapping(settings, *columns, headers);
-  if (!mapping) mapping = mappingByHeaders(*columns, headers);
-  OpenSheet open{path, std::move(*sheet), std::move(*columns), std::move(*mapping)};
+  OpenSheet open{path, std::move(*sheet), std::move(*columns), {}, {}};
+  if (auto mapped = findColumns(open, settings, choice); !mapped) return fail(mapped.error());
   open.sheet.reading.csv = signsOf(open.sheet, open.table, open.mapping, choice.csv);
   return open;
 }
@@ -86,11 +110,23 @@ std::string sumsText(const TablePlan& plan) {
   return text;
 }
 
+std::string amountsText(const TablePlan& plan) {
+  std::string text;
+  for (const AmountSums& sums : plan.amountSums()) {
+    text += (text.empty() ? "" : "\n") + plan.table.columns[plan.columns[sums.mapped].column].italian + ": " +
+            std::to_string(sums.count) + (sums.count == 1 ? " importo cambia" : " importi cambiano") +
+            ", in tutto da " + shownAmount(sums.before) + " a " + shownAmount(sums.after);
+  }
+  return text;
+}
+
 Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, const TablePlan& plan) {
   SheetReading reading = open.sheet.reading;
   reading.csv = plan.signs;
-  std::string text =
-      std::string(baseName(open.path)) + ": " + readingText(reading) + "\n" + mappingText(open) + sumsText(plan) + "\n";
+  const std::string amounts = amountsText(plan);
+  std::string text = std::string(baseName(open.path)) + ": " + readingText(reading) +
+                     (open.shape.empty() ? "" : ", esportazione " + std::string(open.shape)) + "\n" +
+                     mappingText(open) + sumsText(plan) + "\n" + amounts + (amounts.empty() ? "" : "\n");
   for (const PlannedRow& row : plan.rows) {
     if (row.fate == RowFate::Same) continue;
     text += "riga " + std::to_string(open.sheet.cells.line(row.row)) + "\t" + fateWord(row.fate) + "\t" +

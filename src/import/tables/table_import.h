@@ -14,10 +14,12 @@ struct OpenSheet {
   std::string path;
   ReadSheet sheet;
   SheetTable table;
-  ColumnMapping mapping;  ///< as it was kept for these headers, else by the headers
+  ColumnMapping mapping;   ///< as it was kept for these headers, else by the shape, else by the headers
+  std::string_view shape;  ///< caption of the export whose cells were turned into ours; empty: none
 };
 
-/// Reads a file for a table of the catalogue. Failures as readSheetFile and sheetTable.
+/// Reads a file for a table of the catalogue; articles in the shape of another program's export are turned into ours.
+/// Failures as readSheetFile, sheetTable and applyExportShape.
 Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, const std::string& path,
                                  std::string_view table, const SheetChoice& choice = {});
 
@@ -35,6 +37,9 @@ TableEnd importPlannedTable(Session& session, Environment& env, TablePlan& plan,
 
 /// The counts of a plan in a line: "Articoli: 2 nuovi, 1 modificati, 7 invariati, 1 tralasciati".
 std::string sumsText(const TablePlan& plan);
+/// What becomes of the amounts of the chosen rows, a line for each column of money that changes: how many, and their
+/// sum before and after; empty where none does.
+std::string amountsText(const TablePlan& plan);
 /// The whole preview as text: how the file was read, the columns, the counts, and each row that is new, changed or left
 /// out, with its values.
 Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, const TablePlan& plan);

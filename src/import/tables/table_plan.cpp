@@ -111,6 +111,21 @@ class TablePlanner {
       row.changed.push_back(static_cast<std::uint16_t>(i));
       if (std::string why = refusalOf(mapped, row); !why.empty()) return refuse(row, std::move(why));
     }
+    noteAmounts(row, &found);
+  }
+
+  /// Enters the amounts that a row would change.
+  void noteAmounts(const PlannedRow& row, const Statement* found) {
+    const int first = firstKey + static_cast<int>(keys_.size());
+    for (const std::uint16_t index : row.changed) {
+      const MappedColumn& mapped = plan_.columns[index];
+      if (columnAt(mapped).field != CellField::Money) continue;
+      PlannedAmount amount{static_cast<std::uint32_t>(&row - plan_.rows.data()), index, {}, {}};
+      if (found != nullptr) amount.before = found->money(first + index);
+      const Value after = reader_.read(columnAt(mapped), cellOf(row, mapped)).value;
+      if (!isNull(after)) amount.after = asMoney(after);
+      plan_.amounts.push_back(amount);
+    }
   }
 
   /// Why a cell can't be written; empty when it can.
@@ -137,7 +152,8 @@ class TablePlanner {
       if (std::string why = refusalOf(plan_.columns[i], row); !why.empty()) return refuse(row, std::move(why));
       if (!cellOf(row, plan_.columns[i]).text.empty()) row.changed.push_back(static_cast<std::uint16_t>(i));
     }
-    if (std::string why = missingOf(row); !why.empty()) refuse(row, std::move(why));
+    if (std::string why = missingOf(row); !why.empty()) return refuse(row, std::move(why));
+    noteAmounts(row, nullptr);
   }
 
   /// What a new row can't do without; empty when it has it.
@@ -205,10 +221,25 @@ TableSums TablePlan::sums() const {
   return sums;
 }
 
+std::vector<AmountSums> TablePlan::amountSums() const {
+  std::vector<AmountSums> sums;
+  const auto addTo = [](std::optional<Money>& sum, Money amount) { sum = sum ? add(*sum, amount) : sum; };
+  for (const PlannedAmount& amount : amounts) {
+    const PlannedRow& row = rows[amount.row];
+    if (!row.isChosen || (row.fate != RowFate::New && row.fate != RowFate::Changed)) continue;
+    auto found = std::ranges::find(sums, amount.mapped, &AmountSums::mapped);
+    if (found == sums.end()) found = sums.insert(sums.end(), AmountSums{amount.mapped});
+    ++found->count;
+    addTo(found->before, amount.before);
+    addTo(found->after, amount.after);
+  }
+  return sums;
+}
+
 CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
                    const CsvChoice& choice) {
   CsvReading signs = sheet.reading.csv;
-  std::vector<std::string> numbers;
+  std::vector<std::string_view> numbers;
   for (std::size_t source = 0; source < mapping.size(); ++source) {
     if (!mapping[source] || !isNumberField(table.columns[*mapping[source]].field)) continue;
     for (std::size_t row = 1; row < sheet.cells.rows(); ++row) {
@@ -216,8 +247,7 @@ CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const Column
       if (!cell.isNumber && !cell.text.empty()) numbers.emplace_back(cell.text);
     }
   }
-  const char separator = sheet.reading.form == SheetForm::Text ? signs.separator : ';';
-  signs.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, separator));
+  signs.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, signs.separator));
   signs.thousands = choice.thousands.value_or(thousandsOf(numbers, signs.decimalSeparator));
   return signs;
 }

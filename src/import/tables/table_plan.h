@@ -54,16 +54,32 @@ struct TableSums {
   std::size_t added = 0, changed = 0, same = 0, refused = 0, unlisted = 0;
 };
 
+/// An amount that a row would get. What is empty counts as 0.
+struct PlannedAmount {
+  std::uint32_t row = 0;     ///< index in the rows of the plan
+  std::uint16_t mapped = 0;  ///< index of the mapped column
+  Money before, after;
+};
+/// The amounts of one column, of all chosen rows.
+struct AmountSums {
+  std::uint16_t mapped = 0;  ///< index of the mapped column
+  std::size_t count = 0;
+  std::optional<Money> before = Money(), after = Money();  ///< nothing: beyond what Money holds
+};
+
 struct TablePlan {
   SheetTable table;
   std::vector<MappedColumn> columns;
   std::vector<PlannedRow> rows;        ///< in the order of the sheet
   std::vector<std::int64_t> unlisted;  ///< row keys of articles that go "fuori catalogo"
   CatalogueNames names;
-  CsvReading signs;  ///< of numbers that are texts
+  CsvReading signs;                    ///< of numbers that are texts
+  std::vector<PlannedAmount> amounts;  ///< of rows that are new or changed
 
   /// Counts of all rows; those that aren't chosen don't count as added or changed.
   TableSums sums() const;
+  /// The amounts that chosen rows would change, by column; none for a column where none does.
+  std::vector<AmountSums> amountSums() const;
 };
 
 /// Asked now and then; false ends the work as Cancelled.

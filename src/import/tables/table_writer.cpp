@@ -26,15 +26,22 @@ std::string sizeColumn(std::string_view picture, char axis) {
 Result<> TableWriter::run(const std::string& sql, const Fields& fields, std::int64_t key) {
   auto found = statements_.find(sql);
   if (found == statements_.end()) {
-    if (statements_.size() >= mostStatements) statements_.clear();
+    if (statements_.size() >= mostStatements) {
+      inserting_ = nullptr;
+      statements_.clear();
+    }
     auto statement = work_.catalogue.prepare(sql);
     if (!statement) return fail(statement.error());
     found = statements_.emplace(sql, std::move(*statement)).first;
   }
+  return runWith(found->second, fields, key);
+}
+
+Result<> TableWriter::runWith(Statement& statement, const Fields& fields, std::int64_t key) {
   int index = 0;
-  for (const auto& [column, value] : fields) found->second.bind(++index, value);
-  if (key != 0) found->second.bind(++index, key);
-  return found->second.execute();
+  for (const auto& [column, value] : fields) statement.bind(++index, value);
+  if (key != 0) statement.bind(++index, key);
+  return statement.execute();
 }
 
 Result<Value> TableWriter::ask(std::string_view sql, const std::string& text) {
@@ -47,12 +54,23 @@ Result<Value> TableWriter::ask(std::string_view sql, const std::string& text) {
 }
 
 Result<> TableWriter::insert(std::string_view table, const Fields& fields) {
+  // The rows of a sheet mostly fill the same columns.
+  const auto isColumn = [](const std::string& name, const auto& field) { return name == field.first; };
+  const bool isLast = inserting_ != nullptr && insertedTo_.front() == table &&
+                      std::equal(insertedTo_.begin() + 1, insertedTo_.end(), fields.begin(), fields.end(), isColumn);
+  if (isLast) return runWith(*inserting_, fields, 0);
   std::string columns, values;
+  insertedTo_.assign(1, std::string(table));
   for (std::size_t i = 0; i < fields.size(); ++i) {
+    insertedTo_.push_back(fields[i].first);
     columns += (i > 0 ? ", " : "") + fields[i].first;
     values += (i > 0 ? ", ?" : "?") + std::to_string(i + 1);
   }
-  return run("INSERT INTO " + std::string(table) + " (" + columns + ") VALUES (" + values + ")", fields, 0);
+  const std::string sql = "INSERT INTO " + std::string(table) + " (" + columns + ") VALUES (" + values + ")";
+  inserting_ = nullptr;
+  auto done = run(sql, fields, 0);
+  if (const auto found = statements_.find(sql); found != statements_.end()) inserting_ = &found->second;
+  return done;
 }
 
 Result<> TableWriter::update(const PlannedRow& row, const Fields& fields) {
@@ -97,6 +115,8 @@ Result<Value> TableWriter::ownVariant(std::string_view name) {
 
 Result<TableWriter::Fields> TableWriter::fieldsOf(const PlannedRow& row) {
   Fields fields;
+  constexpr std::size_t others = 2;  // that a new row gets beside
+  fields.reserve(row.changed.size() + others);
   for (const std::uint16_t index : row.changed) {
     const MappedColumn& mapped = work_.plan.columns[index];
     const TableColumn& column = work_.plan.table.columns[mapped.column];

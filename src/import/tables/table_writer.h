@@ -42,6 +42,8 @@ class TableWriter {
   Result<> moveToEnd(Fields& fields);
   Result<> insert(std::string_view table, const Fields& fields);
   Result<> update(const PlannedRow& row, const Fields& fields);
+  /// Runs a statement with these values, and the key where it isn't 0.
+  static Result<> runWith(Statement& statement, const Fields& fields, std::int64_t key);
   /// Runs a statement that is prepared once for all rows that need it.
   Result<> run(const std::string& sql, const Fields& fields, std::int64_t key);
   Result<Value> ask(std::string_view sql, const std::string& text);
@@ -49,6 +51,8 @@ class TableWriter {
   TableWork work_;
   CellReader reader_;
   std::unordered_map<std::string, Statement> statements_;
+  Statement* inserting_ = nullptr;                        // of the last row that was added; one of statements_
+  std::vector<std::string> insertedTo_;                   // its table and columns
   std::unordered_map<std::string, std::int64_t> orders_;  // folded department -> the highest of its articles
 };
 

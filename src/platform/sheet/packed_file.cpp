@@ -1,7 +1,6 @@
-// Parts of a zip archive by libzip, read by expat.
+// Parts of a zip archive by libzip.
 #include "platform/sheet/packed_file.h"
 
-#include <expat.h>
 #include <zip.h>
 
 #include <array>
@@ -16,51 +15,9 @@ namespace {
 struct PartEnd {
   void operator()(zip_file_t* part) const { ignore(zip_fclose(part), "nothing was written"); }
 };
-struct ParserEnd {
-  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
 using OpenPart = std::unique_ptr<zip_file_t, PartEnd>;
-using OpenParser = std::unique_ptr<XML_ParserStruct, ParserEnd>;
 
-constexpr int pieceBytes = 64 * 1024;  // unpacked at once
-
-std::string_view withoutPrefix(const char* name) {
-  const std::string_view whole(name);
-  const auto colon = whole.rfind(':');
-  return colon == std::string_view::npos ? whole : whole.substr(colon + 1);
-}
-
-/// Hands what expat tells to the listener.
-struct XmlRun {
-  XML_Parser parser;
-  XmlListener& listener;
-
-  static XmlRun& of(void* data) { return *static_cast<XmlRun*>(data); }
-  void stop() const { ignore(XML_StopParser(parser, XML_FALSE), "it is running"); }
-
-  static void onStart(void* data, const char* name, const char** attributes) {
-    if (!of(data).listener.start(withoutPrefix(name), XmlAttributes(attributes))) of(data).stop();
-  }
-  static void onEnd(void* data, const char* name) {
-    if (!of(data).listener.end(withoutPrefix(name))) of(data).stop();
-  }
-  static void onText(void* data, const char* piece, int length) {
-    of(data).listener.text({piece, static_cast<std::size_t>(length)});
-  }
-  // A sheet has no document type: one would only bring entities that grow.
-  static void onDoctype(void* data, const char*, const char*, const char*, int) { of(data).stop(); }
-};
-
-OpenParser makeParser(XmlRun& run) {
-  OpenParser parser(XML_ParserCreate(nullptr));
-  if (!parser) return parser;
-  run.parser = parser.get();
-  XML_SetUserData(parser.get(), &run);
-  XML_SetElementHandler(parser.get(), XmlRun::onStart, XmlRun::onEnd);
-  XML_SetCharacterDataHandler(parser.get(), XmlRun::onText);
-  XML_SetStartDoctypeDeclHandler(parser.get(), XmlRun::onDoctype);
-  return parser;
-}
+constexpr std::size_t pieceBytes = 64 * 1024;  // unpacked at once
 
 }  // namespace
 
@@ -73,13 +30,6 @@ struct PackedFile::State {
   std::unique_ptr<zip_t, ArchiveEnd> archive;
   std::uint64_t left;  // bytes that may still be unpacked
 };
-
-std::string_view XmlAttributes::get(std::string_view name) const {
-  for (const char** pair = pairs_; *pair != nullptr; pair += 2) {
-    if (withoutPrefix(*pair) == name) return pair[1];
-  }
-  return {};
-}
 
 PackedFile::PackedFile(std::unique_ptr<State> state) : state_(std::move(state)) {}
 PackedFile::PackedFile(PackedFile&&) noexcept = default;
@@ -111,9 +61,7 @@ Result<> PackedFile::readXml(const std::string& part, XmlListener& listener, con
     if (isLocked) return fail(ErrorKind::Malformed, state_->path, "encrypted", ProtectedSheet);
     return fail(ErrorKind::Corrupt, state_->path, part);
   }
-  XmlRun run{nullptr, listener};
-  const OpenParser parser = makeParser(run);
-  if (!parser) return fail(ErrorKind::Other, state_->path, "no memory");
+  XmlReading reading(listener);
   std::array<char, pieceBytes> piece;
   for (;;) {
     const zip_int64_t read = zip_fread(file.get(), piece.data(), piece.size());
@@ -122,11 +70,8 @@ Result<> PackedFile::readXml(const std::string& part, XmlListener& listener, con
       return fail(ErrorKind::Malformed, state_->path, "unpacks to too much", TooLargeSheet);
     }
     state_->left -= static_cast<std::uint64_t>(read);
-    if (XML_Parse(parser.get(), piece.data(), static_cast<int>(read), read == 0 ? 1 : 0) != XML_STATUS_OK) {
-      const bool isEnded = XML_GetErrorCode(parser.get()) == XML_ERROR_ABORTED;
-      return fail(isEnded ? ErrorKind::Malformed : ErrorKind::Corrupt, state_->path,
-                  XML_ErrorString(XML_GetErrorCode(parser.get())));
-    }
+    const std::string_view bytes(piece.data(), static_cast<std::size_t>(read));
+    if (auto taken = reading.take(bytes, read == 0, state_->path); !taken) return taken;
     if (read == 0) return {};
     if (goOn && !goOn()) return fail(ErrorKind::Cancelled, state_->path, "cancelled");
   }

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/ports/result.h"
+#include "platform/sheet/xml_reading.h"
 
 namespace kv {
 
@@ -19,30 +20,6 @@ enum SheetFault : int {
   TooLargeSheet = 2,   ///< beyond SheetLimits
   OldSheet = 3,        ///< the binary form of earlier programs, or one that is protected
   EmptySheet = 4       ///< no text in any cell
-};
-
-/// The attributes of one XML element.
-class XmlAttributes {
- public:
-  explicit XmlAttributes(const char** pairs) : pairs_(pairs) {}
-  /// The value of an attribute, known by its name without prefix; empty when it isn't there.
-  std::string_view get(std::string_view name) const;
-  /// Whether it is there.
-  bool has(std::string_view name) const { return get(name).data() != nullptr; }
-
- private:
-  const char** pairs_;
-};
-
-/// What is told of an XML part while it is read; element names come without prefix. A routine that returns false ends
-/// the reading.
-class XmlListener {
- public:
-  virtual ~XmlListener() = default;
-  virtual bool start(std::string_view name, const XmlAttributes& attributes) = 0;
-  virtual bool end(std::string_view name) = 0;
-  /// Text of the current element, in pieces of any size.
-  virtual void text(std::string_view piece) = 0;
 };
 
 /// An open packed file.

@@ -36,11 +36,13 @@ Result<SheetForm> sheetFormOf(const std::string& path) {
   if (!start) return fail(start.error());
   if (start->starts_with("PK\x03\x04")) return packedFormOf(path);
   if (start->starts_with("\xD0\xCF\x11\xE0")) return fail(ErrorKind::Malformed, path, "binary sheet", OldSheet);
+  if (startsLikeFeed(*start)) return SheetForm::Feed;
   if (isBinary(*start)) return fail(ErrorKind::Malformed, path, "binary file");
   return SheetForm::Text;
 }
 
 Result<SheetContent> readSpreadsheet(const std::string& path, SheetForm form, const SheetRequest& request) {
+  if (form == SheetForm::Feed) return readFeed(path, request);
   auto file = PackedFile::open(path, request.limits.unpacked);
   if (!file) return fail(file.error());
   return form == SheetForm::Xlsx ? readXlsx(*file, request) : readOds(*file, request);

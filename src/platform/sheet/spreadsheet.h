@@ -1,7 +1,7 @@
 #pragma once
-// Spreadsheets in and out: XLSX and ODS files read into tables of cells, XLSX files written. What a cell shows by its
-// formula is read, never the formula.
-// Sources: ECMA-376 part 1 (SpreadsheetML), OASIS OpenDocument 1.3 part 3.
+// Spreadsheets in and out: XLSX and ODS files and feeds of products read into tables of cells, XLSX files written. What
+// a cell shows by its formula is read, never the formula. Sources: ECMA-376 part 1 (SpreadsheetML), OASIS
+// OpenDocument 1.3 part 3.
 
 #include <cstdint>
 #include <functional>
@@ -17,7 +17,12 @@
 namespace kv {
 
 /// Which form a file has, told from its content whatever its name says.
-enum class SheetForm { Text, Xlsx, Ods };
+enum class SheetForm {
+  Text,
+  Xlsx,
+  Ods,
+  Feed  ///< items of RSS 2.0 or Atom, a row for each; the columns are the names of their elements
+};
 
 /// The form of a file. Failures as readBytes; Malformed with OldSheet for a binary sheet or a protected one, with
 /// NoFault for a packed file or a binary file that is no sheet.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "import/tables/export_shapes.h"
 #include "import/tables/table_export.h"
 #include "import/tables/table_import.h"
 #include "platform/files/files.h"
@@ -81,7 +82,11 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   auto request = tableRequestOf(line, env);
   if (!request) return CliOutcome::WrongUsage;
   const std::string path = absolutePath(line.object);
-  auto sheet = openTableSheet(open.session, env.settings, path, tableName(line));
+  SheetChoice choice;
+  choice.shape = line.option("--shape");
+  const bool isShape = choice.shape.empty() || choice.shape == "no" || !exportShapeCaption(choice.shape).empty();
+  if (!isShape) return wrongValue(env, "--shape", choice.shape);
+  auto sheet = openTableSheet(open.session, env.settings, path, tableName(line), choice);
   if (!sheet) return tableRefused(env, sheetFailureText(sheet.error(), path));
   if (!request->key.empty() && sheet->table.key(request->key) == nullptr) {
     return wrongValue(env, "--key", request->key);

@@ -57,8 +57,8 @@ void wireLaw(frmMain& window, Session& session, Environment& env) {
     dialog.exec();
     return !dialog.tag().empty();
   };
-  dialogs.legalDuties = [&window, &session] {
-    auto duties = legalDuties(session);
+  dialogs.legalDuties = [&window, &session, &env] {
+    auto duties = legalDuties(session, env.applicationFolder);
     if (!duties) {
       window.workbench().showError(fail(duties.error()));
       return false;

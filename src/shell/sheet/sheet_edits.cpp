@@ -5,8 +5,10 @@
 #include <set>
 
 #include "platform/database/recordset.h"
+#include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "shell/workbench/fields/field_forms.h"
+#include "shell/workbench/fields/field_store.h"
 
 namespace kv {
 namespace {
@@ -67,6 +69,9 @@ bool isSameNumber(const SheetColumn& column, const Value& stored, const Value& w
                                                  : asNumber(stored) == asNumber(wanted);
 }
 
+/// Whether a failure is the value's own, which the column doesn't take, and not the store's.
+bool isOfValue(ErrorKind kind) { return kind == ErrorKind::TextInNumber || kind == ErrorKind::Malformed; }
+
 /// The IDs of all articles, ascending: the positions of a set that is sorted by ID.
 Result<std::vector<std::int64_t>> allArticles(Database& catalogue) {
   auto row = catalogue.prepare("SELECT ID FROM articoli ORDER BY ID");
@@ -92,12 +97,19 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
     const CellReading reading = readCell(column, cell, before, separator_);
     if (!reading.why.empty()) outcome.refused.push_back({cell.article, cell.column, reading.why});
     if (!reading.value || isSameNumber(column, rows.get(column.name), *reading.value)) continue;
-    if (!reading.note.empty()) outcome.noted.push_back({cell.article, cell.column, reading.note});
     if (!isEdited) {
       if (auto begun = rows.edit(); !begun) return begun;
       isEdited = true;
     }
-    if (auto set = rows.set(column.name, *reading.value); !set) return set;
+    const auto set = rows.set(column.name, *reading.value);
+    const bool isRefused = !set && isOfValue(set.error().kind);
+    if (!set && !isRefused) return set;
+    if (isRefused) {
+      const std::string why = failureText(set.error(), plainLabel(column.editor->label));
+      outcome.refused.push_back({cell.article, cell.column, why});
+      continue;
+    }
+    if (!reading.note.empty()) outcome.noted.push_back({cell.article, cell.column, reading.note});
     ++outcome.changed;
   }
   return isEdited ? rows.update() : Result<>();

@@ -1,0 +1,91 @@
+#include "commerce/settings/legal_site.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "store/shop/shop_folders.h"
+
+namespace kv {
+namespace {
+
+constexpr std::string_view orderTag = "<<4-invia_ordine>>", withdrawalPage = "kvrecesso.php";
+// One of them is in every wording that says so, in the languages that are shipped.
+constexpr std::array<std::string_view, 9> payingWords{"paga",     "acquista", "compra",  "pay",   "buy",
+                                                      "paiement", "acheter",  "zahlung", "kaufen"};
+
+/// Whether a page of the template has a text.
+bool isInTemplate(const Session& session, const std::string& application, std::string_view text) {
+  const std::string folder = joinPath(application, session.templatePath);
+  const auto names = listFiles(folder, "*.htm");
+  return std::ranges::any_of(names, [&](const std::string& name) {
+    const auto page = readText(joinPath(folder, name));
+    return page && page->find(text) != std::string::npos;
+  });
+}
+
+/// What a language module says for a tag: its next line. Empty where module or tag is missing.
+std::string wordOf(const std::string& application, const std::string& language, std::string_view tag) {
+  const auto file = findEntry(entryPath(application, languagesFolder), language + ".lng");
+  const auto module = file ? readText(*file) : Result<std::string>(fail(ErrorKind::Missing, application, language));
+  if (!module) return {};
+  const auto lines = splitLines(*module);
+  const auto found = std::ranges::find_if(lines, [&](std::string_view line) { return trim(line) == tag; });
+  const bool hasWord = found != lines.end() && found + 1 != lines.end() && !(found + 1)->starts_with("<<");
+  return hasWord ? std::string(trim(*(found + 1))) : std::string();
+}
+
+bool saysPaying(std::string_view button) {
+  return std::ranges::any_of(payingWords,
+                             [&](auto word) { return findIgnoringCase(button, word) != std::string::npos; });
+}
+
+/// Directive 2011/83/EU, article 8, paragraph 2.
+LegalDuty orderButton(const Session& session, const std::string& application) {
+  LegalDuty duty{"Pulsante dell'ordine", DutyState::Met, "Il pulsante dice che ordinare obbliga a pagare.", {}};
+  if (!isInTemplate(session, application, orderTag)) {
+    return {duty.title,
+            DutyState::Missing,
+            "La pagina dell'ordine del template non ha il pulsante \"Ordine con obbligo di pagare\".",
+            {DutySubject::Command, {}, 0, 1, "template"}};
+  }
+  for (int language = 1; language <= session.languageCount; ++language) {
+    const std::string& name = session.languageNames[static_cast<std::size_t>(language - 1)];
+    const std::string button = wordOf(application, name, orderTag);
+    const DutyTarget target{DutySubject::Command, {}, 0, language, "languages"};
+    if (button.empty()) {
+      return {duty.title, DutyState::Missing, "Nel modulo linguistico " + name + " manca il testo del pulsante.",
+              target};
+    }
+    if (saysPaying(button)) continue;
+    return {duty.title, DutyState::Check,
+            "In " + name + " il pulsante dice \"" + button + "\": deve dire che ordinare obbliga a pagare.", target};
+  }
+  return duty;
+}
+
+/// Directive 2011/83/EU, article 11a, of Directive (EU) 2023/2673.
+LegalDuty withdrawalFunction(const Session& session, const std::string& application) {
+  const std::string title = "Funzione di recesso";
+  const bool hasScript = findEntry(joinPath(session.ShopFolder, "code"), withdrawalPage) ||
+                         findEntry(joinPath(application, "code"), withdrawalPage);
+  if (!hasScript) {
+    return {title, DutyState::Missing, "Negli script del negozio manca la pagina con cui si recede da un ordine.", {}};
+  }
+  if (isInTemplate(session, application, withdrawalPage)) {
+    return {title, DutyState::Met, "Le pagine portano alla funzione con cui si recede da un ordine.", {}};
+  }
+  return {title,
+          DutyState::Missing,
+          "Nessuna pagina del template porta alla funzione di recesso (" + std::string(withdrawalPage) + ").",
+          {DutySubject::Command, {}, 0, 1, "template"}};
+}
+
+}  // namespace
+
+std::vector<LegalDuty> siteDuties(const Session& session, const std::string& applicationFolder) {
+  return {orderButton(session, applicationFolder), withdrawalFunction(session, applicationFolder)};
+}
+
+}  // namespace kv
