@@ -8,11 +8,6 @@
 namespace kv {
 namespace {
 
-struct ParserEnd {
-  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
-using OpenParser = std::unique_ptr<XML_ParserStruct, ParserEnd>;
-
 std::string_view withoutPrefix(std::string_view whole) {
   const auto colon = whole.rfind(':');
   return colon == std::string_view::npos ? whole : whole.substr(colon + 1);
@@ -36,7 +31,12 @@ int onOtherEncoding(void*, const char* name, XML_Encoding* encoding) {
 
 /// Hands what expat tells to the listener.
 struct XmlReading::Run {
-  OpenParser parser;
+  struct ParserEnd {
+    void operator()(XML_Parser opened) const { XML_ParserFree(opened); }
+  };
+  using Parser = std::unique_ptr<XML_ParserStruct, ParserEnd>;
+
+  Parser parser;
   XmlListener& listener;
   XmlNames names;
 
@@ -66,7 +66,7 @@ std::string_view XmlAttributes::get(std::string_view name) const {
 }
 
 XmlReading::XmlReading(XmlListener& listener, XmlNames names)
-    : run_(std::make_unique<Run>(Run{OpenParser(XML_ParserCreate(nullptr)), listener, names})) {
+    : run_(std::make_unique<Run>(Run{Run::Parser(XML_ParserCreate(nullptr)), listener, names})) {
   const XML_Parser parser = run_->parser.get();
   if (parser == nullptr) return;
   XML_SetUserData(parser, run_.get());
