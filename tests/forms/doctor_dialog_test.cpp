@@ -33,9 +33,7 @@ class TheDoctorsDialog : public test::DialogFixture {
     show(*dialog);
     list = control<QTableView>(*dialog, "lstAvvisi");
   }
-  std::string cell(int row, int column) const {
-    return fromQt(list->model()->index(row, column).data().toString());
-  }
+  std::string cell(int row, int column) const { return fromQt(list->model()->index(row, column).data().toString()); }
   void filter(const char* text) { control<QLineEdit>(*dialog, "txtFiltro")->setText(QString::fromUtf8(text)); }
 
   std::optional<frmControlla> dialog;

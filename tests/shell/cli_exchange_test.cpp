@@ -26,7 +26,8 @@ class MovingShops : public ::testing::Test {
     }
     EXPECT_TRUE(copyTree(data + "/new", shop));
     for (const char* working : {"work", "online", "scripts", "db"}) EXPECT_TRUE(createFolders(shop + "/" + working));
-    for (const std::string& name : listFiles(shop + "/work", "*")) EXPECT_TRUE(deleteFile(joinPath(shop, "work/" + name)));
+    for (const std::string& name : listFiles(shop + "/work", "*"))
+      EXPECT_TRUE(deleteFile(joinPath(shop, "work/" + name)));
   }
   CliOutcome run(std::vector<std::string> arguments) {
     out.str("");

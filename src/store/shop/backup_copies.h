@@ -43,8 +43,9 @@ Result<bool> keepDatedCopy(const std::string& shopFolder, Clock& clock);
 /// reason that opening the shop doesn't report, such as a full disk. `env` outlives the hook.
 std::function<void(const std::string& shopFolder)> catalogueCopier(Environment& env);
 
-/// Replaces the catalogue, which is not open, by the dated copy or numbered backup of this name in one step. A dated copy of the present one is
-/// made first, even of a damaged one. Corrupt or Missing when the copy can't be read; then nothing has changed.
+/// Replaces the catalogue, which is not open, by the dated copy or numbered backup of this name in one step. A dated
+/// copy of the present one is made first, even of a damaged one. Corrupt or Missing when the copy can't be read; then
+/// nothing has changed.
 Result<> restoreCopy(const std::string& shopFolder, std::string_view name, Clock& clock);
 
 /// RipristinaCopia (restore a copy): releases the catalogue, restores the copy and restarts the session. A failure is

@@ -1,6 +1,5 @@
 #include "tags/language/frm_lingue.h"
 
-#include "platform/ports/failure_text.h"
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -9,6 +8,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <utility>
+#include "platform/ports/failure_text.h"
 
 namespace kv {
 namespace {

@@ -75,7 +75,8 @@ std::string TagIndex::whole(std::string_view name) const {
 }
 
 bool TagIndex::isWhole(std::string_view text) const {
-  return text.size() >= prefix_.size() + indexClosing.size() && text.starts_with(prefix_) && text.ends_with(indexClosing);
+  return text.size() >= prefix_.size() + indexClosing.size() && text.starts_with(prefix_) &&
+         text.ends_with(indexClosing);
 }
 
 std::vector<TagSection> readSections(std::string_view text, TagIndex& index, bool (*skips)(std::string_view line)) {
