@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "commerce/gateways/gateway_table.h"
 #include "platform/files/files.h"
 #include "support/temp_folder.h"
 
@@ -179,6 +180,22 @@ TEST_F(PaymentModules, EachOfTheFifteenComesWithTheProgram) {
     EXPECT_FALSE(moduleSettings(shop, name).empty()) << name;
     for (const ModuleScript& script : moduleScripts(shop, name)) EXPECT_TRUE(fileExists(script.path)) << script.path;
   }
+}
+
+// Names that nobody can own. Source: RFC 2606, section 2.
+TEST_F(PaymentModules, NameNoHostThatCouldAnswer) {
+  int addresses = 0;
+  const auto check = [&](std::string_view address) {
+    if (!address.starts_with("http")) return;
+    ++addresses;
+    const std::string_view host = address.substr(address.find("//") + 2);
+    EXPECT_TRUE(host.substr(0, host.find('/')).ends_with(".example")) << address;
+  };
+  for (const GatewayModule& module : gatewayModules()) {
+    for (const std::string_view address : {module.production, module.testServer, module.oldServer}) check(address);
+    for (const AccountKey& key : module.keys) check(key.constant);
+  }
+  EXPECT_GE(addresses, 9);
 }
 
 }  // namespace

@@ -64,6 +64,14 @@ TEST_F(TheVariants, AreNamedInTheLanguageBeingEdited) {
   EXPECT_EQ(editor.options(smalto)[0].testo, "Montelune blue");
 }
 
+TEST_F(TheVariants, ShowTheirOptionsByNumber) {
+  sql("UPDATE dettagliop SET ID = ID + 1000 WHERE OpID = 2 AND ID = (SELECT MIN(ID) FROM dettagliop WHERE OpID = 2)");
+  const auto rows = editor.options(smalto);
+  ASSERT_EQ(rows.size(), 4U);
+  for (std::size_t i = 1; i < rows.size(); ++i) EXPECT_LT(rows[i - 1].ID, rows[i].ID);
+  EXPECT_GT(rows.back().ID, 1000);
+}
+
 TEST_F(TheVariants, ANameIsCutToFiftyCharacters) {
   std::string sixty;
   for (int i = 0; i < 60; ++i) sixty += "è";

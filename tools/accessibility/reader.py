@@ -66,7 +66,7 @@ class Reader:
 
     def program(self):
         desktop = self.spi.get_desktop(0)
-        return next((child for child in self.children(desktop) if child.get_name() == "korvane"), None)
+        return next((child for child in reversed(self.children(desktop)) if child.get_name() == "korvane"), None)
 
     def windows(self, program):
         return [child for child in self.children(program) if self.has(child, "SHOWING")]
