@@ -1,4 +1,5 @@
 """A virtual screen with programs that run on a shop, a home of their own, and the servers that their dialogs speak to."""
+import json
 import os
 import pathlib
 import shutil
@@ -15,6 +16,11 @@ SERVER_FOLDERS = ("online", "cgi-bin")
 CONNECT_SECONDS = 15
 
 CATEGORIES = "Id;Nome\r\n7;Vasi\r\n8;Tazze\r\n"
+ORDER = {"id": 7, "codice": "A-7", "creato": "2026-05-04 10:00:00", "modificato": "", "cliente": 0, "nome": "Anna Verdi",
+         "email": "anna@clienti.example", "totale": "12.50", "valuta": "EUR", "metodo": "Bonifico", "stato": "nuovo",
+         "lingua": "it", "pagamento": "", "riepilogo": "", "campi": {"Citta": "Siena"}, "totali": {"merce": "12.50"},
+         "righe": [{"id": 1, "codice": "V1", "testo": "Vaso", "scelte": "", "prima": "Vaso", "scelte_prima": "",
+                    "quantita": 1, "importo": "12.50"}], "note": [], "recessi": []}
 ARTICLES = "Id;IdCategoria;Codice;Descrizione;iva;Vendita1\r\n1;7;V1;Vaso di vetro;22;12,50\r\n3;8;;Tazza blu;22;4,20\r\n"
 
 
@@ -62,6 +68,7 @@ class Screen:
         self.silent.listen()
         self.connect(self.serve())
         self.write_lists()
+        self.keep_order()
         self.run_program(self.shop)
 
     def serve(self):
@@ -110,6 +117,19 @@ class Screen:
         (self.home / "esportato").mkdir()
         # A picture that nothing shows, for the purge to list.
         shutil.copy(next((self.shop / "work").glob("*.*")), self.shop / "work" / "di_troppo_0001.jpg")
+
+    def keep_order(self):
+        """An order that was fetched before."""
+        kept = sqlite3.connect(self.shop / "ordini.db")
+        with kept:
+            kept.execute("CREATE TABLE ordini (riga INTEGER PRIMARY KEY, id INTEGER NOT NULL, codice TEXT NOT NULL, "
+                         "creato TEXT NOT NULL, nome TEXT, totale INTEGER, valuta TEXT, stato TEXT, visto INTEGER, "
+                         "cerca TEXT, dati TEXT, UNIQUE (id, codice))")
+            kept.execute("CREATE TABLE annotato (nome TEXT PRIMARY KEY, valore TEXT)")
+            kept.execute("INSERT INTO ordini (id, codice, creato, nome, totale, valuta, stato, visto, cerca, dati) "
+                         "VALUES (7, 'A-7', ?, ?, 125000, 'EUR', 'nuovo', 1, 'anna verdi', ?)",
+                         (ORDER["creato"], ORDER["nome"], json.dumps(ORDER)))
+        kept.close()
 
     def run_program(self, *shop):
         """Starts the window, on a shop or on the one that was open last."""

@@ -17,7 +17,7 @@ struct PartEnd {
 };
 using OpenPart = std::unique_ptr<zip_file_t, PartEnd>;
 
-constexpr std::size_t pieceBytes = 64 * 1024;  // unpacked at once
+constexpr std::size_t pieceBytes = 65536;  // unpacked at once
 
 }  // namespace
 
