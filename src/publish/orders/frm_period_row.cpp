@@ -38,7 +38,9 @@ PeriodRow::PeriodRow(SalesPeriod period, std::chrono::sys_days today, QWidget* p
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(labelFor("&Periodo:", cboPeriodo_));
   row->addWidget(cboPeriodo_);
+  row->addWidget(labelFor("&dal:", dtDa_));
   row->addWidget(dtDa_);
+  row->addWidget(labelFor("&al:", dtA_));
   row->addWidget(dtA_);
   row->addStretch();
   cboPeriodo_->setCurrentIndex(static_cast<int>(period));

@@ -59,7 +59,7 @@ QWidget* frmVendite::makeChoices(std::chrono::sys_days today) {
   spnPrimi_->setValue(static_cast<int>(view_.top));
   spnPrimi_->setToolTip(toQt("Quante barre ha il grafico; tutto il resto è in una sola"));
   cboValuta_ = named(new QComboBox(), "cboValuta");
-  lblValuta_ = labelFor("&Valuta:", cboValuta_);
+  lblValuta_ = labelFor("Val&uta:", cboValuta_);
   auto* choices = new QWidget();
   auto* row = new QHBoxLayout(choices);
   row->setContentsMargins(0, 0, 0, 0);

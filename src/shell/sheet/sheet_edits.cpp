@@ -101,7 +101,7 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
       if (auto begun = rows.edit(); !begun) return begun;
       isEdited = true;
     }
-    const auto set = rows.set(column.name, *reading.value);
+    auto set = rows.set(column.name, *reading.value);
     const bool isRefused = !set && isOfValue(set.error().kind);
     if (!set && !isRefused) return set;
     if (isRefused) {
