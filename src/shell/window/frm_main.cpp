@@ -118,12 +118,13 @@ void frmMain::makePanels() {
   panel_ = new ArticlePanel(workbench_, this);
   articles_ = &panel_->list();
   connect(articles_, &ArticleList::cellTyped, this, &frmMain::showBuilt);
-  for (const auto& [list, bar] : {std::pair<QWidget*, Toolbar>{tree_, Toolbar::Departments},
-                                  std::pair<QWidget*, Toolbar>{articles_, Toolbar::Articles}}) {
+  const auto offer = [this](QWidget* list, Toolbar bar) {
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(list, &QWidget::customContextMenuRequested, this,
             [this, list, bar](QPoint at) { offerCommands(*list, bar, at); });
-  }
+  };
+  offer(tree_, Toolbar::Departments);
+  offer(articles_, Toolbar::Articles);
   lists_ = new QSplitter(Qt::Vertical, this);
   lists_->addWidget(tree_);
   lists_->addWidget(panel_);
