@@ -55,7 +55,7 @@ mysqli_fetch_all(mysqli_query($mysqli, 'SELECT * FROM opzioni WHERE ID IN (' . (
 mysqli_fetch_all(mysqli_query($mysqli, "SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE '"
     . (int) $row['ID'] . ".%%' AND (disponibile = 0 OR quantita <= 0)"));
 $group = bin2hex(strtolower($row['correlazione']));
-$related = mysqli_fetch_all(mysqli_query($mysqli, 'SELECT STRAIGHT_JOIN articoli.ID, catID, plain_titolo, immagine3, articoli.pagina,'
+$related = $group === '' ? [] : mysqli_fetch_all(mysqli_query($mysqli, 'SELECT STRAIGHT_JOIN articoli.ID, catID, plain_titolo, immagine3, articoli.pagina,'
     . ' sottopagina, contatore, importo FROM kv_voci v INNER JOIN articoli ON articoli.ID = v.articolo INNER JOIN dettaglio ON'
     . ' dettaglio.ID = articoli.ID INNER JOIN ordinamento ON ordinamento.ID = articoli.ID'
     . " WHERE v.gruppo = _utf8mb4 x'$group' ORDER BY plain_titolo"), MYSQLI_ASSOC);
