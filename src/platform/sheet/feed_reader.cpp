@@ -1,5 +1,4 @@
-// Sources: RSS 2.0 (rssboard.org/rss-specification), RFC 4287 (Atom); both carry fields of products with the prefix
-// "g".
+// Feeds in RSS 2.0 (rssboard.org) and in Atom (RFC 4287); both carry fields of products with the prefix "g".
 #include <algorithm>
 
 #include "platform/files/files.h"
