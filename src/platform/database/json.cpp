@@ -86,6 +86,17 @@ class TreeOfValues {
   std::vector<OpenValue> open_;
 };
 
+/// The engine that reads, opened once: a list of orders is thousands of texts.
+Result<sqlite3*> readingEngine() {
+  static engine::Connection kept;
+  if (!kept) {
+    auto opened = engine::openMemory();
+    if (!opened) return fail(opened.error());
+    kept = std::move(*opened);
+  }
+  return kept.get();
+}
+
 tl::unexpected<Error> noJson(sqlite3* handle, int code) {
   Error error = engine::errorOf(handle, code, "json");
   // The engine has no code of its own for a text that is no JSON.
@@ -158,9 +169,9 @@ const std::vector<JsonValue>& JsonValue::listOf(std::string_view name) const {
 }
 
 Result<JsonValue> readJson(std::string_view text) {
-  auto connection = engine::openMemory();
-  if (!connection) return fail(connection.error());
-  sqlite3* handle = connection->get();
+  const auto reading = readingEngine();
+  if (!reading) return fail(reading.error());
+  sqlite3* handle = *reading;
   sqlite3_stmt* raw = nullptr;
   int code = engine::prepare(handle, walk, 0, &raw);
   const OwnedStatement row(raw);
