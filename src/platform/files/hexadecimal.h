@@ -1,9 +1,11 @@
 #pragma once
-// Bytes as text. For the sources of this room.
+// Bytes as hexadecimal text.
 
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "platform/ports/clock.h"
 
 namespace kv {
 
@@ -15,6 +17,14 @@ inline std::string hexadecimal(std::span<const unsigned char> bytes) {
     text += digits[byte >> 4U];
     text += digits[byte & 15U];
   }
+  return text;
+}
+
+/// So many random digits of that kind, each equally likely.
+inline std::string randomHexadecimal(RandomSource& random, std::size_t count) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string text;
+  while (text.size() < count) text += digits[random.below(static_cast<std::uint32_t>(digits.size()))];
   return text;
 }
 

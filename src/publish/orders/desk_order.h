@@ -68,4 +68,10 @@ inline const std::vector<std::string>& orderStates() {
   return states;
 }
 
+/// Those of orders to fulfil: not yet paid or looked at.
+inline const std::vector<std::string>& openOrderStates() {
+  static const std::vector<std::string> states{"nuovo", "da verificare", "importo diverso"};
+  return states;
+}
+
 }  // namespace kv

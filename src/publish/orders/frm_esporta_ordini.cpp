@@ -61,7 +61,7 @@ OrderFilter frmEsportaOrdini::filter() const {
   const SalesSpan span = period_->span();
   OrderFilter filter{span.from, span.to, {}};
   const int chosen = cboStato_->currentIndex();
-  if (chosen == openStates) filter.states = {"nuovo", "da verificare", "importo diverso"};
+  if (chosen == openStates) filter.states = openOrderStates();
   if (chosen >= firstState) filter.states = {orderStates()[static_cast<std::size_t>(chosen - firstState)]};
   return filter;
 }

@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QDateEdit>
+#include <QDateTime>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
@@ -69,11 +70,11 @@ SalesSpan PeriodRow::span() const {
   return {fromQt(dtDa_->date().toString(Qt::ISODate)), fromQt(dtA_->date().toString(Qt::ISODate))};
 }
 
-std::chrono::sys_days todayHere() {
-  const QDate today = QDate::currentDate();
-  return std::chrono::year_month_day(std::chrono::year(today.year()),
-                                     std::chrono::month(static_cast<unsigned>(today.month())),
-                                     std::chrono::day(static_cast<unsigned>(today.day())));
+std::chrono::sys_days dayHere(double seconds) {
+  const QDate day = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(seconds)).date();
+  return std::chrono::year_month_day(std::chrono::year(day.year()),
+                                     std::chrono::month(static_cast<unsigned>(day.month())),
+                                     std::chrono::day(static_cast<unsigned>(day.day())));
 }
 
 }  // namespace kv

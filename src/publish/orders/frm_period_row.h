@@ -33,7 +33,7 @@ class PeriodRow final : public QWidget {
   QDateEdit* dtA_ = nullptr;
 };
 
-/// Today by the machine's clock and zone.
-std::chrono::sys_days todayHere();
+/// The day of a moment in the machine's zone. seconds: since 1970-01-01 00:00 UTC.
+std::chrono::sys_days dayHere(double seconds);
 
 }  // namespace kv

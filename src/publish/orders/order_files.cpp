@@ -151,10 +151,7 @@ Result<> writeRow(SheetWriter& writer, const FileRow& row) {
 }  // namespace
 
 bool OrderFilter::matches(const DeskOrder& order) const {
-  constexpr std::size_t dayLength = 10;
-  const std::string day = order.created.substr(0, dayLength);
-  return (from.empty() || day >= from) && (to.empty() || day <= to) &&
-         (states.empty() || std::ranges::find(states, order.state) != states.end());
+  return isBetweenDays(order, from, to) && (states.empty() || std::ranges::find(states, order.state) != states.end());
 }
 
 std::vector<DeskOrder> ordersMatching(std::span<const DeskOrder> orders, const OrderFilter& filter) {

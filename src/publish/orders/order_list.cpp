@@ -4,9 +4,9 @@
 #include <charconv>
 #include <chrono>
 
-#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "publish/orders/order_texts.h"
+#include "publish/orders/sales_days.h"
 
 namespace kv {
 namespace {
@@ -41,8 +41,6 @@ std::optional<std::array<int, 3>> threeNumbers(std::string_view text) {
   }
   return numbers;
 }
-
-std::string twoDigits(int number) { return formatNumber(number, "00"); }
 
 void addLine(std::string& text, std::string_view name, std::string_view value) {
   if (!trim(value).empty()) text.append(name).append(": ").append(value).append("\n");
@@ -116,7 +114,7 @@ std::optional<std::string> typedDay(std::string_view text) {
   const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
                                          std::chrono::day(static_cast<unsigned>(day))};
   if (!date.ok() || year > 9999) return std::nullopt;
-  return formatNumber(year, "0000") + "-" + twoDigits(month) + "-" + twoDigits(day);
+  return dayText(date);
 }
 
 std::optional<OrderLookup> orderLookup(const OrderFields& fields) {

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "platform/files/hexadecimal.h"
 #include "platform/files/message_code.h"
 #include "platform/text/form_text.h"
 #include "platform/text/text.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr std::string_view signedAs = "korvane-ordini-1";
 constexpr std::string_view answeredAs = "risposta";
 constexpr std::size_t signatureDigits = 64;
-constexpr int numberDigits = 32;
+constexpr std::size_t numberDigits = 32;
 constexpr int secondsToWait = 60;
 constexpr int secondsInMinute = 60;
 
@@ -93,13 +94,6 @@ bool looksLikePage(std::string_view body) {
   return start != std::string_view::npos && body[start] == '<';
 }
 
-std::string freshNumber(RandomSource& random) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string number;
-  for (int i = 0; i < numberDigits; ++i) number += digits[random.below(static_cast<std::uint32_t>(digits.size()))];
-  return number;
-}
-
 }  // namespace
 
 std::string orderSignature(std::string_view key, const OrderMessage& message) {
@@ -147,7 +141,8 @@ Result<JsonValue> readOrderAnswer(const OrderAccess& access, const OrderMessage&
 }
 
 Result<JsonValue> askOrders(const OrderAccess& access, std::string data, const OrderMeans& means) {
-  const OrderMessage message{static_cast<std::int64_t>(means.clock.now()), freshNumber(means.random), std::move(data)};
+  const OrderMessage message{static_cast<std::int64_t>(means.clock.now()),
+                             randomHexadecimal(means.random, numberDigits), std::move(data)};
   const auto response = means.http.send(orderRequest(access, message), means.yield);
   if (response) return readOrderAnswer(access, message, *response);
   if (response.error().kind == ErrorKind::Cancelled) {

@@ -39,7 +39,12 @@ OrderQuery::OrderQuery(std::string_view columns, const OrderLookup& filter) {
   const std::string search(trim(filter.search));
   if (!search.empty()) require("instr(cerca, ?) > 0", foldCase(search));
   if (filter.state == openOrders) {
-    sql_ += " AND stato IN ('nuovo', 'da verificare', 'importo diverso')";
+    std::string marks;
+    for (const std::string& state : openOrderStates()) {
+      marks += marks.empty() ? "?" : ", ?";
+      values_.push_back(state);
+    }
+    sql_ += " AND stato IN (" + marks + ")";
   } else if (!filter.state.empty()) {
     require("stato = ?", filter.state);
   }

@@ -15,7 +15,7 @@ namespace kv {
 /// The file of a shop folder that holds the orders.
 inline constexpr std::string_view ordersFile = "ordini.db";
 
-/// Orders to fulfil: not yet paid or looked at. A value of OrderLookup::state beside orderStates().
+/// Any of openOrderStates(): a value of OrderLookup::state beside orderStates().
 inline constexpr std::string_view openOrders = "da evadere";
 
 /// Which orders are looked for; what is empty doesn't restrict.

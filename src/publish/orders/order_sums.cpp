@@ -129,12 +129,6 @@ CurrencySales CurrencySum::finished(std::string currency) {
   return std::move(sums_);
 }
 
-bool isWithin(const DeskOrder& order, const SalesQuestion& question) {
-  constexpr std::size_t dayLength = 10;
-  const std::string day = order.created.substr(0, dayLength);
-  return (question.from.empty() || day >= question.from) && (question.to.empty() || day <= question.to);
-}
-
 }  // namespace
 
 bool isSale(const DeskOrder& order) { return order.state != "annullato" && order.state != "rifiutato"; }
@@ -142,7 +136,7 @@ bool isSale(const DeskOrder& order) { return order.state != "annullato" && order
 Result<std::vector<CurrencySales>> salesOf(std::span<const DeskOrder> orders, const SalesQuestion& question) {
   std::map<std::string, CurrencySum> sums;
   for (const DeskOrder& order : orders) {
-    if (!isSale(order) || !isWithin(order, question)) continue;
+    if (!isSale(order) || !isBetweenDays(order, question.from, question.to)) continue;
     auto counted = sums.try_emplace(order.currency, question).first->second.count(order);
     if (!counted) return fail(counted.error());
   }

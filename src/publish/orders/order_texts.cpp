@@ -76,6 +76,12 @@ std::string orderDate(std::string_view when, bool withTime) {
   return withTime && beginsAs(when, "0000-00-00 00:00") ? day.append(when.substr(10, 6)) : day;
 }
 
+bool isBetweenDays(const DeskOrder& order, std::string_view from, std::string_view to) {
+  constexpr std::size_t dayLength = 10;
+  const std::string_view day = std::string_view(order.created).substr(0, dayLength);
+  return (from.empty() || day >= from) && (to.empty() || day <= to);
+}
+
 std::string orderField(const DeskOrder& order, const std::string& name) {
   const auto found = order.fields.find(name);
   return found == order.fields.end() ? std::string() : found->second;

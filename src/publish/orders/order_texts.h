@@ -17,6 +17,8 @@ std::string amountText(Money amount, std::string_view currency);
 Money lineTotal(const DeskOrderLine& line);
 /// "2026-05-31 10:20:30" as "31/05/2026 10:20", or as the day alone. Any other text stays.
 std::string orderDate(std::string_view when, bool withTime);
+/// Whether an order is of one of these days, both included; an empty one is an open end. from, to: "yyyy-mm-dd".
+bool isBetweenDays(const DeskOrder& order, std::string_view from, std::string_view to);
 /// A field of the order form; empty where the form has none of this name.
 std::string orderField(const DeskOrder& order, const std::string& name);
 
