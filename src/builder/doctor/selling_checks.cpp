@@ -25,33 +25,11 @@ Findings findGaps(const DoctorFacts& facts, bool isClosed) {
 
 bool isSwitchedOn(const FieldRow& pagamento, int method) { return pagamento.flag("attivo" + std::to_string(method)); }
 
-/// Whether a payment module needs a shop under https. The banks' services call a script of the shop, or send the buyer
-/// back to one with the outcome, and refuse plain addresses; the methods without a service send the data nowhere.
-struct HttpsNeed {
-  std::string_view gateway;
-  bool isNeeded;
-};
-constexpr HttpsNeed httpsNeeds[]{{"Telepay Light", true},
-                                 {"Banca Sella", true},
-                                 {"AuthorizeNet", true},
-                                 {"Planet Payment", true},
-                                 {"Contrassegno", false},
-                                 {"Pagamento anticipato", false},
-                                 {"Cilme", true},
-                                 {"Cartafacile", true},
-                                 {"Omnipay", true},
-                                 {"Paypal", true},
-                                 {"Consorzio Triveneto", true},
-                                 {"Shopla", true},
-                                 {"Cariverona", true},
-                                 {"Bankpass", true},
-                                 {"SysPay", true}};
-
-/// A module of the merchant's own is taken for one with a service.
+/// Whether a payment module needs a shop under https. The services of all others call a script of the shop, or send the
+/// buyer back to one with the outcome, and refuse plain addresses; these have no service, and send the data nowhere.
 bool needsHttps(std::string_view gateway) {
-  const auto known = std::ranges::find_if(
-      httpsNeeds, [&](const HttpsNeed& need) { return equalsIgnoringCase(need.gateway, gateway); });
-  return known == std::ranges::end(httpsNeeds) ? !gateway.empty() : known->isNeeded;
+  return !gateway.empty() && !equalsIgnoringCase(gateway, "Contrassegno") &&
+         !equalsIgnoringCase(gateway, "Pagamento anticipato");
 }
 
 /// Where a duty is met; one without a field is shown in its list.

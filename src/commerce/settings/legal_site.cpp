@@ -15,14 +15,18 @@ constexpr std::string_view orderTag = "<<4-invia_ordine>>", withdrawalPage = "kv
 constexpr std::array<std::string_view, 9> payingWords{"paga",     "acquista", "compra",  "pay",   "buy",
                                                       "paiement", "acheter",  "zahlung", "kaufen"};
 
-/// Whether a page of the template has a text.
-bool isInTemplate(const Session& session, const std::string& application, std::string_view text) {
+/// The pages of the template as texts; those that can't be read are missing.
+std::vector<std::string> templatePages(const Session& session, const std::string& application) {
   const std::string folder = joinPath(application, session.templatePath);
-  const auto names = listFiles(folder, "*.htm");
-  return std::ranges::any_of(names, [&](const std::string& name) {
-    const auto page = readText(joinPath(folder, name));
-    return page && page->find(text) != std::string::npos;
-  });
+  std::vector<std::string> pages;
+  for (const std::string& name : listFiles(folder, "*.htm")) {
+    if (auto page = readText(joinPath(folder, name))) pages.push_back(std::move(*page));
+  }
+  return pages;
+}
+
+bool isInAny(const std::vector<std::string>& pages, std::string_view text) {
+  return std::ranges::any_of(pages, [&](const std::string& page) { return page.find(text) != std::string::npos; });
 }
 
 /// What a language module says for a tag: its next line. Empty where module or tag is missing.
@@ -42,9 +46,9 @@ bool saysPaying(std::string_view button) {
 }
 
 /// Directive 2011/83/EU, article 8, paragraph 2.
-LegalDuty orderButton(const Session& session, const std::string& application) {
+LegalDuty orderButton(const Session& session, const std::string& application, const std::vector<std::string>& pages) {
   LegalDuty duty{"Pulsante dell'ordine", DutyState::Met, "Il pulsante dice che ordinare obbliga a pagare.", {}};
-  if (!isInTemplate(session, application, orderTag)) {
+  if (!isInAny(pages, orderTag)) {
     return {duty.title,
             DutyState::Missing,
             "La pagina dell'ordine del template non ha il pulsante \"Ordine con obbligo di pagare\".",
@@ -66,14 +70,15 @@ LegalDuty orderButton(const Session& session, const std::string& application) {
 }
 
 /// Directive 2011/83/EU, article 11a, of Directive (EU) 2023/2673.
-LegalDuty withdrawalFunction(const Session& session, const std::string& application) {
+LegalDuty withdrawalFunction(const Session& session, const std::string& application,
+                             const std::vector<std::string>& pages) {
   const std::string title = "Funzione di recesso";
   const bool hasScript = findEntry(joinPath(session.ShopFolder, "code"), withdrawalPage) ||
                          findEntry(joinPath(application, "code"), withdrawalPage);
   if (!hasScript) {
     return {title, DutyState::Missing, "Negli script del negozio manca la pagina con cui si recede da un ordine.", {}};
   }
-  if (isInTemplate(session, application, withdrawalPage)) {
+  if (isInAny(pages, withdrawalPage)) {
     return {title, DutyState::Met, "Le pagine portano alla funzione con cui si recede da un ordine.", {}};
   }
   return {title,
@@ -85,7 +90,8 @@ LegalDuty withdrawalFunction(const Session& session, const std::string& applicat
 }  // namespace
 
 std::vector<LegalDuty> siteDuties(const Session& session, const std::string& applicationFolder) {
-  return {orderButton(session, applicationFolder), withdrawalFunction(session, applicationFolder)};
+  const auto pages = templatePages(session, applicationFolder);
+  return {orderButton(session, applicationFolder, pages), withdrawalFunction(session, applicationFolder, pages)};
 }
 
 }  // namespace kv

@@ -55,6 +55,7 @@ struct XmlReading::Run {
   static void onText(void* data, const char* piece, int length) {
     of(data).listener.text({piece, static_cast<std::size_t>(length)});
   }
+  // Sheets and feeds have no document type: one would only bring entities that grow.
   static void onDoctype(void* data, const char*, const char*, const char*, int) { of(data).stop(); }
 };
 

@@ -9,11 +9,10 @@
 #include "publish/orders/frm_esporta_ordini.h"
 #include "publish/orders/frm_order_print.h"
 #include "publish/orders/frm_ordini.h"
+#include "publish/orders/frm_period_row.h"
 #include "publish/orders/frm_vendite.h"
-#include "publish/orders/order_list.h"
 #include "publish/orders/order_notice.h"
 #include "publish/orders/shop_sender.h"
-#include "store/shop/backup_copies.h"
 
 namespace kv {
 namespace {
@@ -48,13 +47,6 @@ void showNotice(frmMain& window, const std::string& text) {
   button->setVisible(!text.empty());
 }
 
-/// The day of this machine, from which the usual periods are seen.
-std::chrono::sys_days today(Environment& env) {
-  constexpr std::size_t dayCharacters = 10;
-  const std::string now = formatTime(static_cast<std::int64_t>(env.clock.now()));
-  return dayOf(typedDay(now.substr(0, dayCharacters)).value_or(std::string())).value_or(std::chrono::sys_days());
-}
-
 HelpOpener ordersHelpOf(frmMain& window) {
   return [&window](std::string_view page) { window.workbench().openHelp(page); };
 }
@@ -68,12 +60,12 @@ OrderTools orderTools(frmMain& window, Session& session, Environment& env) {
     frmOrderPrint(orders, std::move(*sender), env.user, ordersHelpOf(window), over).exec();
   };
   tools.exportFile.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
-    frmEsportaOrdini(orders, today(env), env.user, ordersHelpOf(window), over).exec();
+    frmEsportaOrdini(orders, dayHere(env.clock.now()), env.user, ordersHelpOf(window), over).exec();
   };
   tools.sales.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
     auto departments = readArticleDepartments(session.catalogue);
     if (!departments) return env.user.message(failureText(departments.error()), Icon::Critical);
-    frmVendite(orders, std::move(*departments), today(env), ordersHelpOf(window), over).exec();
+    frmVendite(orders, std::move(*departments), dayHere(env.clock.now()), ordersHelpOf(window), over).exec();
   };
   return tools;
 }
