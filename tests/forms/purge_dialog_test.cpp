@@ -58,7 +58,7 @@ TEST_F(ThePurgeDialog, ShowsEachPictureWithItsSizeAndTheirTotal) {
   present({"b.gif"});
   QPixmap red(20, 10);
   red.fill(Qt::red);
-  const std::string picture = shop + "/work/a.png";
+  const std::string picture = joinPath(shop, "work/a.png");
   ASSERT_TRUE(red.save(toQt(picture)));
   const std::string bytes = readBytes(picture).value_or("");
   ASSERT_TRUE(writeBytes(picture, bytes + std::string(2048 - bytes.size(), 'x')));
