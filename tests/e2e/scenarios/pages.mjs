@@ -134,7 +134,7 @@ export function lookedAt(as, { narrow, html }) {
     assert.ok(ended, "the tour did not come to its end");
     assert.equal([...new Set(found)].join("\n"), "");
   });
-  clean("axe-core finds nothing serious on any kind of page", faults.axe);
+  clean("axe-core finds nothing on any kind of page", faults.axe);
   if (narrow) {
     clean(`at ${narrowest} pixels no page scrolls sideways and every control is within reach`, faults.narrow);
   }
@@ -168,7 +168,7 @@ export function fitsInEveryLanguage(as) {
 }
 
 export function accessibleBackOffice(as) {
-  test("axe-core finds nothing serious in the back office, and its HTML is valid", async () => {
+  test("axe-core finds nothing in the back office, and its HTML is valid", async () => {
     const faults = [];
     await as.merchant(async (merchant) => {
       for (const address of await merchant.pages()) {
