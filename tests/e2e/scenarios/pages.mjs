@@ -86,7 +86,7 @@ async function withAxe(shopper, name, faults) {
 
 /** What exceeds the width of the narrowest screen, 320 pixels. */
 async function onNarrowScreen(as, shopper, name, faults) {
-  const { width, height } = shopper.screen;
+  const { width, height } = shopper.page.viewportSize();
   await shopper.page.setViewportSize({ width: narrowest, height });
   const needed = await shopper.page.evaluate(() => document.documentElement.scrollWidth);
   if (needed > narrowest) {
@@ -168,14 +168,16 @@ export function fitsInEveryLanguage(as) {
 }
 
 export function accessibleBackOffice(as) {
-  test("axe-core finds nothing in the back office, and its HTML is valid", async () => {
+  test("axe-core finds nothing in the back office, its HTML is valid, and it fits a narrow screen", async () => {
     const faults = [];
     await as.merchant(async (merchant) => {
       for (const address of await merchant.pages()) {
         const answer = await merchant.page.goto(address);
         faults.push(...(await htmlFaults(await answer.text())).map((fault) => `${address}: ${fault}`));
         faults.push(...(await accessibilityFaults(merchant.page)).map((fault) => `${address}: ${fault}`));
-        await as.picture(merchant, `office ${address.replace(/^.*\//, "")}`);
+        const name = `office ${address.replace(/^.*\//, "")}`;
+        await as.picture(merchant, name);
+        await onNarrowScreen(as, merchant, name, faults);
       }
     });
     assert.equal(faults.join("\n"), "");
