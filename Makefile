@@ -64,7 +64,8 @@ bench: deps-more
 lighthouse: build
 	@tools/install-npm
 	@cmake --build --preset dev --target korvane-cli korvane_data
-	@node tests/e2e/lighthouse.mjs --cli build/dev/bin/korvane-cli --template chiaro --work build/lighthouse
+	@for template in chiaro classico; do echo "$$template"; node tests/e2e/lighthouse.mjs \
+	  --cli build/dev/bin/korvane-cli --template $$template --work build/lighthouse || low=1; done; exit $${low:-0}
 
 screenshots: deps
 	@tools/screenshots $(SHOTS_ARGS)
