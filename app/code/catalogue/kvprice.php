@@ -118,6 +118,14 @@ function kvTestoCambio(float $importo): string
     return $valuta[1] . kvFormato($valore < 0 ? -$minimi : $minimi, $scala, (int) $notazione);
 }
 
+/** What is read of a department. A FLOAT comes with six digits unless it is made a DOUBLE; the factor needs all of its own. */
+const KV_COLONNE_REPARTI = 'ID, iva + 0e0 AS iva, sconto + 0e0 AS sconto, inaccessibile'
+    . ', sconto1 + 0e0 AS sconto1, inaccessibile1, sconto2 + 0e0 AS sconto2, inaccessibile2'
+    . ', sconto3 + 0e0 AS sconto3, inaccessibile3, sconto4 + 0e0 AS sconto4, inaccessibile4'
+    . ', sconto5 + 0e0 AS sconto5, inaccessibile5, sconto6 + 0e0 AS sconto6, inaccessibile6'
+    . ', sconto7 + 0e0 AS sconto7, inaccessibile7, sconto8 + 0e0 AS sconto8, inaccessibile8'
+    . ', sconto9 + 0e0 AS sconto9, inaccessibile9';
+
 /**
  * Departments as SetVariables keeps them, by their keys: [closed by listino, factor by listino, VAT]. One query at most;
  * an unknown department is open and plain.
@@ -129,16 +137,17 @@ function kvLeggiReparti(array $codici): array
     if ($mancanti === []) {
         return $letti;
     }
-    // A FLOAT comes with six digits unless it is made a DOUBLE; the factor needs all of its own.
-    $colonne = 'ID, iva + 0e0 AS iva';
-    foreach (['', 1, 2, 3, 4, 5, 6, 7, 8, 9] as $suffisso) {
-        $colonne .= ", sconto$suffisso + 0e0 AS sconto$suffisso, inaccessibile$suffisso";
-    }
-    $elenco = implode("','", array_map('mysql_real_escape_string', $mancanti));
     $righe = array_fill_keys($mancanti, []);
-    $esito = mysql_query("SELECT $colonne FROM categorie WHERE ID IN ('$elenco')");
-    while ($riga = mysql_fetch_assoc($esito)) {
-        $righe[$riga['ID']] = $riga;
+    // That of the page itself has come along with the state of the load.
+    $proprio = $GLOBALS['kvRepartoPagina'] ?? [];
+    if ($mancanti === [$proprio['ID'] ?? null]) {
+        $righe = [$proprio['ID'] => $proprio];
+    } else {
+        $elenco = implode("','", array_map('mysql_real_escape_string', $mancanti));
+        $esito = mysql_query('SELECT ' . KV_COLONNE_REPARTI . " FROM categorie WHERE ID IN ('$elenco')");
+        while ($riga = mysql_fetch_assoc($esito)) {
+            $righe[$riga['ID']] = $riga;
+        }
     }
     foreach ($righe as $codice => $riga) {
         $fattori = [];

@@ -193,6 +193,10 @@ function kvArticoliPagina(string $sql)
     $sql = $scelti ? kvSqlScelti($sql) : $sql;
     kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
+        $solo = $scelti ? null : kvArticoloPagina($sql, $parti[1]);
+        if ($solo !== null) {
+            return $solo;
+        }
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
         $esauriti = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
         // The order of the tables is the one by their keys: to find that out takes the server longer than to read them.
@@ -213,6 +217,30 @@ function kvArticoliPagina(string $sql)
     $righe = kvConEsauriti(mysqli_fetch_all($esito, MYSQLI_ASSOC));
     usort($righe, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
     return new KvRighe($scelti ? kvOrdinaScelti($righe) : $righe);
+}
+
+/**
+ * The one article of a page that the address asks for (`prod`), where its number is known ($kvPostiPagina). Before it are
+ * those that the loop of the page counts and doesn't show: of these the number alone. Null for all other pages.
+ */
+function kvArticoloPagina(string $sql, string $tabella): ?KvRighe
+{
+    $posto = (int) ($_GET['prod'] ?? 0);
+    list($pagina, $sottopagina, $numeri) = $GLOBALS['kvPostiPagina'] ?? ['', 0, []];
+    $fine = " FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento USING (ID) WHERE $tabella.pagina='$pagina'"
+        . " AND $tabella.sottopagina=$sottopagina";
+    if (!isset($numeri[$posto - 1]) || $sql !== "SELECT *, $tabella.pagina as 'linkPage'$fine") {
+        return null;
+    }
+    // By one number throughout, which the server needs no time to think about.
+    $id = $numeri[$posto - 1];
+    $esito = mysqli_query(kvConnessione(), "SELECT STRAIGHT_JOIN $tabella.*, dettaglio.*, ordinamento.*, offerte, disponibile, quantita,"
+        . " $tabella.pagina AS linkPage, " . sprintf(KV_ESAURITI, "'$id.%'") . " AS esauriti FROM $tabella INNER JOIN dettaglio ON"
+        . " dettaglio.ID = $id INNER JOIN ordinamento ON ordinamento.ID = $id LEFT JOIN kv_offerte ON kv_offerte.ID = $id"
+        . " LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = '$id' WHERE $tabella.ID = $id");
+    $righe = $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
+    return count($righe) !== 1 ? null
+        : new KvRighe(array_merge(array_map(fn($altro) => ['ID' => $altro], array_slice($numeri, 0, $posto - 1)), $righe));
 }
 
 /**
@@ -245,6 +273,10 @@ if (!function_exists('mysql_query')) {
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
             if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
                 return new KvRighe([['sottopagina' => kvPagineScelte()]]);
+            }
+            list($pagina, $ultima) = $GLOBALS['kvUltimaPagina'] ?? ['', null];
+            if ($pagina !== '' && $sql === 'SELECT * FROM ' . kvTabellaLingua('articoli') . " WHERE pagina='$pagina' ORDER BY sottopagina DESC") {
+                return new KvRighe($ultima === null ? [] : [['sottopagina' => $ultima]]);
             }
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
