@@ -116,6 +116,13 @@ function kvStatiReparto(string $pagina, string $reparto): array
     return array_filter(array_combine(kvNomiStati(), [$riga['s0'], $riga['s1'], $riga['s2'], $riga['s3']]), 'is_string');
 }
 
+/** Keeps the states of the load for what else this page asks of it: its index, and which tables of kvlegge.php it has left. */
+function kvRicordaStati(array $stati): void
+{
+    $GLOBALS['kvStati'] = $stati;
+    $GLOBALS['kvLaterali'] = isset($stati['laterali']) ? explode(',', $stati['laterali']) : false;
+}
+
 /**
  * Gives a page that is the same for all visitors a name by load, stock and address: a browser that has it asks by that
  * name, and gets a header instead of the page. Source: RFC 9110, sections 8.8.3 and 13.1.2.
@@ -132,10 +139,7 @@ function kvPaginaNota(): void
     if ($stati === []) {
         return;
     }
-    // What else this page asks of the load comes along: its index, and which tables of kvlegge.php it has left.
-    $GLOBALS['kvStati'] = $stati;
-    $laterali = $stati['laterali'] ?? null;
-    $GLOBALS['kvLaterali'] = $laterali === null ? false : explode(',', $laterali);
+    kvRicordaStati($stati);
     $nome = '"' . substr(hash('sha256', json_encode($stati) . ($_SERVER['REQUEST_URI'] ?? '') . (int) kvProtetta()
         . (int) @filemtime($file)), 0, 24) . '"';
     header('ETag: ' . $nome);
