@@ -57,7 +57,7 @@ const KV_PAESI = [
     'Vietnam' => ['Vietnam', 'Viêt Nam', 'Vietnam'],
 ];
 
-/** The options of a select of the build: value (null without one), name (as it is read), selected. Those selected alone with `scelte`. */
+/** The options of a select of the build, with `scelte` those selected alone: value (null without one), name (as it is read), selected. */
 function kvVociSelect(string $select, bool $scelte = false): array
 {
     $segno = $scelte ? '(?=[^>]*selected)' : '';

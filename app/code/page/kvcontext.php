@@ -85,9 +85,8 @@ function kvStatiPagina(): array
 }
 
 /**
- * The same for a department page, and with them, for a question of its own takes as long: the department
- * ($kvRepartoPagina), the number of its last sub-page ($kvUltimaPagina), and where one article is asked for the numbers of
- * those of the sub-page in their order ($kvPostiPagina). Empty where there is no such department.
+ * The same for a department page, and with them, for a question of its own would take as long: the department
+ * ($kvRepartoPagina) and the number of its last sub-page ($kvUltimaPagina). Empty where there is no such department.
  */
 function kvStatiReparto(string $pagina, string $reparto): array
 {
@@ -96,10 +95,6 @@ function kvStatiReparto(string $pagina, string $reparto): array
     foreach (kvNomiStati() as $n => $nome) {
         $colonne .= ", (SELECT valore FROM kv_stato WHERE nome = '$nome') AS s$n";
     }
-    if ($_GET['prod'] > 0) {
-        $colonne .= ", (SELECT GROUP_CONCAT(CONCAT(contatore, ' ', a.ID)) FROM $articoli a INNER JOIN ordinamento o ON o.ID = a.ID"
-            . " WHERE a.pagina = '$pagina' AND sottopagina = " . $_GET['n'] . ') AS posti';
-    }
     $esito = mysqli_query(kvConnessione(), "SELECT $colonne FROM categorie WHERE ID = '$reparto'");
     $riga = $esito instanceof mysqli_result ? mysqli_fetch_assoc($esito) : null;
     if ($riga === null) {
@@ -107,12 +102,6 @@ function kvStatiReparto(string $pagina, string $reparto): array
     }
     $GLOBALS['kvRepartoPagina'] = $riga;
     $GLOBALS['kvUltimaPagina'] = [$pagina, $riga['ultima']];
-    // A server may cut so long a list, at 1,024 characters.
-    if (isset($riga['posti']) && strlen($riga['posti']) < 1000) {
-        $posti = explode(',', $riga['posti']);
-        usort($posti, fn($uno, $altro) => (int) $uno <=> (int) $altro);
-        $GLOBALS['kvPostiPagina'] = [$pagina, $_GET['n'], array_map(fn($posto) => (int) strstr($posto, ' '), $posti)];
-    }
     return array_filter(array_combine(kvNomiStati(), [$riga['s0'], $riga['s1'], $riga['s2'], $riga['s3']]), 'is_string');
 }
 
