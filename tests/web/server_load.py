@@ -162,6 +162,14 @@ class Loads(Case):
         finally:
             script.write_bytes(former)
 
+    def test_a_search_that_found_nothing_is_kept_until_the_next_load(self):
+        self.assertEqual(self.load(None, None), "OK")
+        kept = lambda: shop().rows("SELECT quanti, numeri FROM kv_ricerche r INNER JOIN kv_stato s ON s.nome = 'carico'"
+                                   " AND s.valore = r.carico")
+        self.assertEqual([self.found("zzqq"), self.found("zzqq"), kept()], [0, 0, [["0", ""]]])
+        self.assertEqual(self.load("\r\n", "\r\n"), "OK")
+        self.assertEqual(kept(), [])
+
     def test_suggestions_for_a_much_used_beginning_are_kept_until_the_next_load(self):
         self.assertEqual(self.load(None, None), "OK")
         ask = lambda: json.loads(shop().visitor().ask("kvsuggerisci.php?q=ta").body)

@@ -6,7 +6,10 @@ include_once "kvtables.php";
 
 /** Most numbers kept of a search; further pages of results are read as before. */
 const KV_TENUTI = 500;
-/** Searches that found fewer aren't kept: they are quick, and there is no end of them. */
+/**
+ * Searches that found fewer aren't kept: they are quick, and there is no end of them. Those that found nothing are, for
+ * they looked through all words of the shop; of too many they go first.
+ */
 const KV_DA_TENERE = 100;
 /** Most searches kept. */
 const KV_RICERCHE = 2000;
@@ -51,7 +54,10 @@ function kvTieniRicerca(array $tenuta, int $quanti, array $numeri): void
         [$chiave, $carico, $quanti, implode(',', $numeri)]);
     if (random_int(1, 20) === 1) {
         $tante = (int) (kvRiga('SELECT COUNT(*) AS n FROM kv_ricerche')['n'] ?? 0) > KV_RICERCHE;
-        kvQuery('DELETE FROM kv_ricerche' . ($tante ? '' : ' WHERE carico <> ?'), $tante ? [] : [$carico]);
+        kvQuery('DELETE FROM kv_ricerche WHERE carico <> ?' . ($tante ? ' OR quanti = 0' : ''), [$carico]);
+        if ($tante && kvRigheToccate() === 0) {
+            kvQuery('DELETE FROM kv_ricerche');
+        }
     }
 }
 
@@ -63,11 +69,13 @@ function kvTieniRicerca(array $tenuta, int $quanti, array $numeri): void
  */
 function kvNumeriTrovati(array $tenuta, callable $domanda, int $perPagina, int &$pagina): array
 {
-    $leggi = function (int $quanti, int $dopo) use ($domanda): array {
+    $risposto = true;
+    $leggi = function (int $quanti, int $dopo) use ($domanda, &$risposto): array {
         list($da, $valori) = $domanda();
         $righe = kvQuery("SELECT STRAIGHT_JOIN p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
-            array_merge($valori, [$quanti, $dopo])) ?? [];
-        return array_map('intval', array_column($righe, 'articolo'));
+            array_merge($valori, [$quanti, $dopo]));
+        $risposto = $righe !== null;
+        return array_map('intval', array_column($righe ?? [], 'articolo'));
     };
     $numeri = kvNumeriTenuti($tenuta);
     $quanti = (int) $tenuta['quanti'];
@@ -76,7 +84,7 @@ function kvNumeriTrovati(array $tenuta, callable $domanda, int $perPagina, int &
         list($da, $valori, $tieni) = $domanda();
         $quanti = count($numeri) < KV_TENUTI ? count($numeri)
             : (int) (kvRiga('SELECT STRAIGHT_JOIN COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
-        if ($tieni || $quanti >= KV_DA_TENERE) {
+        if ($risposto && ($tieni || $quanti === 0 || $quanti >= KV_DA_TENERE)) {
             kvTieniRicerca($tenuta, $quanti, $numeri);
         }
     }
