@@ -212,6 +212,60 @@ function kvAcquistoNegato(): bool
     return kvPrezziNascosti() || ($cliente > 0 && $listino === 0 && $regobbl && kvLimiteListinoBase());
 }
 
+/**
+ * The one article that the address asks for of a page (`prod`). Before it are those that the loop of the page counts and
+ * doesn't show: of these the number alone. Null where none is asked for, and where there is none.
+ */
+function kvArticoloPagina(string $sql, string $tabella): ?KvRighe
+{
+    $posto = (int) ($_GET['prod'] ?? 0);
+    $forma = "/^SELECT \\*, $tabella\\.pagina as 'linkPage' FROM $tabella INNER JOIN dettaglio USING \\(ID\\) INNER JOIN ordinamento"
+        . " USING \\(ID\\) WHERE ($tabella\\.pagina='\\w+' AND $tabella\\.sottopagina=\\d+)$/D";
+    if ($posto === 0 || !preg_match($forma, $sql, $parti)) {
+        return null;
+    }
+    // Four small questions, each by a key: the server answers them sooner than it thinks about the one that they would make.
+    $elenco = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.ID, contatore FROM $tabella INNER JOIN ordinamento ON ordinamento.ID ="
+        . " $tabella.ID WHERE $parti[1]");
+    usort($elenco, fn($una, $altra) => (int) $una['contatore'] <=> (int) $altra['contatore']);
+    if (!isset($elenco[$posto - 1])) {
+        return null;
+    }
+    $id = (int) $elenco[$posto - 1]['ID'];
+    $righe = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.*, dettaglio.*, ordinamento.*, offerte, $tabella.pagina AS linkPage FROM"
+        . " $tabella INNER JOIN dettaglio ON dettaglio.ID = $id INNER JOIN ordinamento ON ordinamento.ID = $id LEFT JOIN kv_offerte"
+        . " ON kv_offerte.ID = $id WHERE $tabella.ID = $id");
+    $limiti = kvLimitiArticolo($id);
+    return count($righe) !== 1 || $limiti === null ? null
+        : new KvRighe(array_merge(array_slice($elenco, 0, $posto - 1), [$righe[0] + $limiti]));
+}
+
+/** The rows of a statement without bound values; none when the server refused it. */
+function kvRigheDirette(string $sql): array
+{
+    $esito = mysqli_query(kvConnessione(), $sql);
+    return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
+}
+
+/** What the back office limits of an article, as kvArticoliPagina adds it to its row; null when its table isn't there. */
+function kvLimitiArticolo(int $id): ?array
+{
+    $limiti = ['disponibile' => null, 'quantita' => null, 'esauriti' => null];
+    $esito = mysqli_query(kvConnessione(), 'SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE'
+        . " tipo = 'A' AND chiave = '$id' OR tipo = 'V' AND chiave LIKE '$id.%' AND (disponibile = 0 OR quantita <= 0)");
+    if (!$esito instanceof mysqli_result) {
+        return null;
+    }
+    foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
+        if ($riga['tipo'] === 'A') {
+            $limiti = ['disponibile' => $riga['disponibile'], 'quantita' => $riga['quantita']] + $limiti;
+        } else {
+            $limiti['esauriti'] = ($limiti['esauriti'] === null ? '' : $limiti['esauriti'] . "\n") . $riga['chiave'];
+        }
+    }
+    return $limiti;
+}
+
 /** Articles by their numbers, with all their columns; those that aren't in the shop are missing. One query at most. */
 function kvArticoli(array $numeri): array
 {
