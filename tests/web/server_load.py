@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Loads that visitors never see, and the index of words that they bring up to date: server_load.py KORVANE_CLI"""
+import html
 import http.client
+import json
 import random
 import re
 import threading
@@ -159,6 +161,56 @@ class Loads(Case):
             self.assertEqual(self.results(1), pages[0])
         finally:
             script.write_bytes(former)
+
+    def test_a_search_that_found_nothing_is_kept_until_the_next_load(self):
+        self.assertEqual(self.load(None, None), "OK")
+        kept = lambda: shop().rows("SELECT quanti, numeri FROM kv_ricerche r INNER JOIN kv_stato s ON s.nome = 'carico'"
+                                   " AND s.valore = r.carico")
+        self.assertEqual([self.found("zzqq"), self.found("zzqq"), kept()], [0, 0, [["0", ""]]])
+        self.assertEqual(self.load("\r\n", "\r\n"), "OK")
+        self.assertEqual(kept(), [])
+
+    def test_suggestions_for_a_much_used_beginning_are_kept_until_the_next_load(self):
+        self.assertEqual(self.load(None, None), "OK")
+        ask = lambda: json.loads(shop().visitor().ask("kvsuggerisci.php?q=ta").body)
+        kept = lambda: shop().rows("SELECT numeri FROM kv_ricerche r INNER JOIN kv_stato s ON s.nome = 'carico'"
+                                   " AND s.valore = r.carico")
+        self.assertEqual(json.loads(shop().visitor().ask("kvsuggerisci.php?q=zzqq").body), [])
+        self.assertEqual(kept(), [])
+        first = ask()
+        self.assertEqual(len(first), 8)
+        (numbers,), = kept()
+        shop().execute(f"UPDATE kv_ricerche SET numeri = '{numbers.split(',')[0]}'")
+        self.assertEqual(ask(), first[:1], "what is kept is what is shown")
+        self.assertEqual(self.load("\r\n", "\r\n"), "OK")
+        self.assertEqual(ask(), first)
+
+    def test_an_article_shown_alone_is_the_one_of_its_position_on_the_page(self):
+        rows = shop().rows("SELECT pagina, sottopagina, contatore, plain_titolo FROM articoli INNER JOIN ordinamento USING (ID)"
+                           " INNER JOIN dettaglio USING (ID) INNER JOIN categorie ON categorie.ID = catID"
+                           " WHERE inaccessibile + nascosto = 0")
+        self.assertGreater(len({int(row[2]) for row in rows}), 2)
+        for page, number, position, title in rows:
+            text = shop().visitor().ask(f"{page}.php?n={number}&prod={position}").text
+            self.assertEqual(html.unescape(re.search(r"<h1>(.*?)</h1>", text, re.S).group(1)), html.unescape(title))
+            self.assertEqual(shop().visitor().ask(f"{page}.php?n={number}&prod=99").status, 404)
+
+    def test_an_article_shown_alone_follows_the_stock_and_a_load_at_once(self):
+        number, page, part, position, title = shop().rows(
+            "SELECT articoli.ID, pagina, sottopagina, contatore, plain_titolo FROM articoli INNER JOIN ordinamento USING (ID)"
+            " WHERE pagina = 'cat007' ORDER BY contatore + 0 DESC LIMIT 1")[0]
+        ask = lambda: shop().visitor().ask(f"{page}.php?n={part}&prod={position}").text
+        self.assertNotIn('class="esaurito"', ask())
+        shop().execute(f"REPLACE INTO kv_disponibilita VALUES ('A', '{number}', 1, 0)")
+        try:
+            self.assertIn('class="esaurito"', ask())
+        finally:
+            shop().execute(f"DELETE FROM kv_disponibilita WHERE tipo = 'A' AND chiave = '{number}'")
+        delete = f"DELETE FROM articoli WHERE ID IN ('{number}');\r\n"
+        self.assertEqual(self.load(delete, self.row(number, "Un altro titolo")), "OK")
+        self.assertIn("Un altro titolo", ask())
+        self.assertEqual(self.load(delete, self.row(number, title)), "OK")
+        self.assertNotIn("Un altro titolo", ask())
 
     def test_the_index_follows_a_difference(self):
         number = int(shop().rows("SELECT articoli.ID FROM articoli INNER JOIN dettaglio USING (ID) INNER JOIN categorie ON"

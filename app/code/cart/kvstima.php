@@ -40,13 +40,28 @@ function kvTestoGratuita(array $dati, array $totali, int $posto): string
     return "<<4-gratuita_oltre>> " . kvTestoMinimi($minimi) . ". <<4-carrello_manca>>: " . kvTestoMinimi($manca) . '.';
 }
 
+/** The payment methods of the estimate for a zone, the one that it starts with first. */
+function kvMetodiStima(array $dati, int $zona): array
+{
+    return kvMetodiZona($dati, $zona, intdiv(max(1, (int) "<<1-java_zona>>") - 1, 8) + 1);
+}
+
+/** The totals for a zone by the method that the estimate starts with; null when nothing is sent there. */
+function kvStimaPrima(array $righe, int $zona): ?array
+{
+    global $listino, $scontocliente;
+    $dati = kvDatiNegozio();
+    $metodi = kvMetodiStima($dati, $zona);
+    return $metodi === [] ? null : kvTotali($righe, $metodi[0], $zona, $dati, (int) $listino, (float) $scontocliente);
+}
+
 /** The estimate for a zone: totali of the method it starts with, testo of free shipping, and the dearest and cheapest
  *  shipping of the methods; null when nothing is sent there. */
 function kvStima(array $righe, int $zona): ?array
 {
     global $listino, $scontocliente;
     $dati = kvDatiNegozio();
-    $metodi = kvMetodiZona($dati, $zona, intdiv(max(1, (int) "<<1-java_zona>>") - 1, 8) + 1);
+    $metodi = kvMetodiStima($dati, $zona);
     if ($metodi === []) {
         return null;
     }

@@ -27,7 +27,7 @@ function kvLeggiScript(string $script): array
     preg_match_all($forma, $script, $trovati, PREG_SET_ORDER | PREG_UNMATCHED_AS_NULL);
     foreach ($trovati as $trovato) {
         if ($trovato[2] !== null) {
-            $valori[$trovato[1]] = array_map($numero, explode(',', $trovato[2]));
+            $valori[$trovato[1]] = array_map('floatval', explode(',', str_replace(' ', '', $trovato[2])));
         } elseif ($trovato[5] !== null) {
             $valori[$trovato[1]] = $numero($trovato[5]);
         } else {
@@ -49,8 +49,12 @@ function kvTavole(string $script): array
     $letti = kvLeggiScript($script);
     $scala = ($letti['PutDec'] ?? 1.0) > 0 ? 100 : 1;
     $interi = function (string $nome, int $per, float $manca, int $quanti) use ($letti): array {
-        $valori = array_map(fn($v) => kvInteri($v, $per), (array) ($letti[$nome] ?? []));
-        return array_pad($valori, $quanti, (int) ($manca * $per));
+        $valori = array_fill(0, $quanti, (int) ($manca * $per));
+        foreach ((array) ($letti[$nome] ?? []) as $n => $valore) {
+            // As kvInteri: a call for each of hundreds of numbers takes longer than all the rest.
+            $valori[$n] = $valore === 0.0 ? 0 : (int) floor($valore * $per + 0.5);
+        }
+        return $valori;
     };
     $tavole = [
         'scala' => $scala,

@@ -13,9 +13,9 @@ const KV_VOCABOLI = 5000;
 const KV_VOCABOLI_BREVI = 300;
 
 /** Whether the index is there and can answer: where any word is enough, words without marks. */
-function kvIndicePronto(array $parole, bool $tutte): bool
+function kvIndicePronto(array $tenuta, array $parole, bool $tutte): bool
 {
-    return ($tutte || array_filter($parole, 'kvHaSegni') === []) && kvStato('indice' . $GLOBALS['Lingua']) !== '';
+    return $tenuta['indice'] !== '' && ($tutte || array_filter($parole, 'kvHaSegni') === []);
 }
 
 /**
@@ -106,8 +106,11 @@ function kvPezziRichiesta(array $parole): array
         fn($forma) => kvVocaboli((string) $forma, KV_VOCABOLI_BREVI) !== null, ARRAY_FILTER_USE_KEY);
 }
 
-/** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
-function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
+/**
+ * What the index is asked for a request: what stands behind the columns of the SELECT, its values, and whether it is so much
+ * work that the result is kept in any case.
+ */
+function kvDomandaIndice(array $parole, bool $tutte, bool $intere): array
 {
     $pezzi = kvPezziRichiesta($parole);
     $valori = [];
@@ -121,25 +124,26 @@ function kvTrovaIndice(array $parole, bool $tutte, bool $intere, int $perPagina,
         . implode(' UNION ALL ', $scelte) . ") t GROUP BY articolo HAVING COUNT(*) >= $voluti)";
     list($reparti, $segni) = [kvCondizioneReparti($valori), kvCondizioneSegni($parole, $intere, $valori)];
     $tabella = kvTabellaLingua('articoli');
+    // Named with a table of words, the statement speaks UTF-8 as they do.
     $da = " FROM $trovati p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($segni === '' ? ''
         : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
         . ' WHERE ' . $reparti . $segni;
-    // Named with a table of words, the statement speaks UTF-8 as they do.
-    list($quanti, $numeri) = kvNumeriTrovati($da, $valori, $perPagina, $pagina, $segni !== '');
+    return [$da, $valori, $segni !== ''];
+}
+
+/** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
+function kvTrovaIndice(array $tenuta, callable $domanda, int $perPagina, int $pagina): array
+{
+    $una = null;
+    list($quanti, $numeri) = kvNumeriTrovati($tenuta, function () use ($domanda, &$una): array {
+        return $una = $una ?? $domanda();
+    }, $perPagina, $pagina);
     return [$quanti, kvRigheTrovate($numeri), $pagina];
 }
 
 /** The rows of results by the numbers of their articles, in that order. */
 function kvRigheTrovate(array $numeri): array
 {
-    if ($numeri === []) {
-        return [];
-    }
-    $tabella = kvTabellaLingua('articoli');
-    $righe = kvQuery("SELECT $tabella.ID, codice, plain_titolo, plain_sottotitolo, immagine3, $tabella.pagina AS linkPage,"
-        . " $tabella.pagina, sottopagina, contatore FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento"
-        . " USING (ID) WHERE $tabella.ID IN (" . implode(',', array_fill(0, count($numeri), '?')) . ')', $numeri) ?? [];
-    $posti = array_flip($numeri);
-    usort($righe, fn($una, $altra) => $posti[(int) $una['ID']] <=> $posti[(int) $altra['ID']]);
-    return $righe;
+    $righe = kvArticoli($numeri);
+    return array_values(array_filter(array_map(fn($numero) => $righe[$numero] ?? null, $numeri)));
 }

@@ -27,16 +27,16 @@ function kvHaTabella(string $tabella): bool
 }
 
 /**
- * The row of a number in such a table, empty when there is none; the rows of the other numbers are read along with it.
- * $kvLegge keeps what was read, by table and number, and null for a table that isn't there.
+ * The row of a number in such a table, empty when there is none; with `articoli` those of the articles that the page shows
+ * beside it are read along with it. $kvLegge keeps what was read, by table and number, and null for a table that isn't there.
  */
-function kvRigaLegge(string $tabella, int $id, array $altri): array
+function kvRigaLegge(string $tabella, int $id, bool $articoli = true): array
 {
     global $kvLegge;
     if (!kvHaTabella($tabella) || isset($kvLegge[$tabella][$id])) {
         return $kvLegge[$tabella][$id] ?? [];
     }
-    $numeri = array_values(array_unique(array_map('intval', array_merge([$id], $altri))));
+    $numeri = array_values(array_unique(array_map('intval', array_merge([$id], $articoli ? kvNumeriPagina() : []))));
     kvCaratteri('latin1');
     $esito = mysqli_query(kvConnessione(), "SELECT * FROM $tabella WHERE ID IN (" . implode(',', $numeri) . ')');
     if (!$esito instanceof mysqli_result) {
@@ -60,7 +60,7 @@ function kvNumeriPagina(): array
 /** The content of an article in ten-thousandths of its measure, and the word of that; null without a content. */
 function kvContenuto(array $riga): ?array
 {
-    $unita = kvRigaLegge('kv_unita', (int) ($riga['ID'] ?? 0), kvNumeriPagina());
+    $unita = kvRigaLegge('kv_unita', (int) ($riga['ID'] ?? 0));
     $contenuto = kvDecimillesimi($unita['contenuto'] ?? 0);
     $parole = ['kg' => 'kg', 'l' => 'l', 'm' => 'm', 'pz' => kvHtml("<<4-unita_pezzo>>")];
     return $contenuto > 0 && isset($parole[$unita['misura'] ?? '']) ? [$contenuto, $parole[$unita['misura']]] : null;
@@ -94,7 +94,7 @@ function kvPrezzoMinimo(array $riga): string
     if ($prezzi === null || $prezzi['prezzo'] >= $prezzi['listino']) {
         return '';
     }
-    $minimi = kvRigaLegge('kv_minimi', (int) ($riga['ID'] ?? 0), kvNumeriPagina());
+    $minimi = kvRigaLegge('kv_minimi', (int) ($riga['ID'] ?? 0));
     $suffisso = $listino === 0 ? '' : (string) $listino;
     if (!isset($minimi['minimo' . $suffisso])) {
         return '';
@@ -131,8 +131,8 @@ function kvContatto(string $contatto): string
 function kvSicurezza(array $riga): string
 {
     global $kvSolo;
-    $scelta = kvRigaLegge('kv_sicurezza', (int) ($riga['ID'] ?? 0), kvNumeriPagina());
-    $chi = $scelta === [] ? [] : kvRigaLegge('kv_produttori', (int) $scelta['produttore'], []);
+    $scelta = kvRigaLegge('kv_sicurezza', (int) ($riga['ID'] ?? 0));
+    $chi = $scelta === [] ? [] : kvRigaLegge('kv_produttori', (int) $scelta['produttore'], false);
     $voci = '';
     foreach ([["<<4-produttore>>", 'nome', 'indirizzo', 'contatto'],
               ["<<4-responsabile_ue>>", 'responsabile', 'resp_indirizzo', 'resp_contatto']] as list($parola, $nome, $via, $contatto)) {

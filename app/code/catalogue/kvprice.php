@@ -118,6 +118,14 @@ function kvTestoCambio(float $importo): string
     return $valuta[1] . kvFormato($valore < 0 ? -$minimi : $minimi, $scala, (int) $notazione);
 }
 
+/** What is read of a department. A FLOAT comes with six digits unless it is made a DOUBLE; the factor needs all of its own. */
+const KV_COLONNE_REPARTI = 'ID, iva + 0e0 AS iva, sconto + 0e0 AS sconto, inaccessibile'
+    . ', sconto1 + 0e0 AS sconto1, inaccessibile1, sconto2 + 0e0 AS sconto2, inaccessibile2'
+    . ', sconto3 + 0e0 AS sconto3, inaccessibile3, sconto4 + 0e0 AS sconto4, inaccessibile4'
+    . ', sconto5 + 0e0 AS sconto5, inaccessibile5, sconto6 + 0e0 AS sconto6, inaccessibile6'
+    . ', sconto7 + 0e0 AS sconto7, inaccessibile7, sconto8 + 0e0 AS sconto8, inaccessibile8'
+    . ', sconto9 + 0e0 AS sconto9, inaccessibile9';
+
 /**
  * Departments as SetVariables keeps them, by their keys: [closed by listino, factor by listino, VAT]. One query at most;
  * an unknown department is open and plain.
@@ -129,16 +137,17 @@ function kvLeggiReparti(array $codici): array
     if ($mancanti === []) {
         return $letti;
     }
-    // A FLOAT comes with six digits unless it is made a DOUBLE; the factor needs all of its own.
-    $colonne = 'ID, iva + 0e0 AS iva';
-    foreach (['', 1, 2, 3, 4, 5, 6, 7, 8, 9] as $suffisso) {
-        $colonne .= ", sconto$suffisso + 0e0 AS sconto$suffisso, inaccessibile$suffisso";
-    }
-    $elenco = implode("','", array_map('mysql_real_escape_string', $mancanti));
     $righe = array_fill_keys($mancanti, []);
-    $esito = mysql_query("SELECT $colonne FROM categorie WHERE ID IN ('$elenco')");
-    while ($riga = mysql_fetch_assoc($esito)) {
-        $righe[$riga['ID']] = $riga;
+    // That of the page itself has come along with the state of the load.
+    $proprio = $GLOBALS['kvRepartoPagina'] ?? [];
+    if ($mancanti === [$proprio['ID'] ?? null]) {
+        $righe = [$proprio['ID'] => $proprio];
+    } else {
+        $elenco = implode("','", array_map('mysql_real_escape_string', $mancanti));
+        $esito = mysql_query('SELECT ' . KV_COLONNE_REPARTI . " FROM categorie WHERE ID IN ('$elenco')");
+        while ($riga = mysql_fetch_assoc($esito)) {
+            $righe[$riga['ID']] = $riga;
+        }
     }
     foreach ($righe as $codice => $riga) {
         $fattori = [];
@@ -201,6 +210,60 @@ function kvAcquistoNegato(): bool
 {
     global $cliente, $listino, $regobbl;
     return kvPrezziNascosti() || ($cliente > 0 && $listino === 0 && $regobbl && kvLimiteListinoBase());
+}
+
+/**
+ * The one article that the address asks for of a page (`prod`). Before it are those that the loop of the page counts and
+ * doesn't show: of these the number alone. Null where none is asked for, and where there is none.
+ */
+function kvArticoloPagina(string $sql, string $tabella): ?KvRighe
+{
+    $posto = (int) ($_GET['prod'] ?? 0);
+    $forma = "/^SELECT \\*, $tabella\\.pagina as 'linkPage' FROM $tabella INNER JOIN dettaglio USING \\(ID\\) INNER JOIN ordinamento"
+        . " USING \\(ID\\) WHERE ($tabella\\.pagina='\\w+' AND $tabella\\.sottopagina=\\d+)$/D";
+    if ($posto === 0 || !preg_match($forma, $sql, $parti)) {
+        return null;
+    }
+    // Four small questions, each by a key: the server answers them sooner than it thinks about the one that they would make.
+    $elenco = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.ID, contatore FROM $tabella INNER JOIN ordinamento ON ordinamento.ID ="
+        . " $tabella.ID WHERE $parti[1]");
+    usort($elenco, fn($una, $altra) => (int) $una['contatore'] <=> (int) $altra['contatore']);
+    if (!isset($elenco[$posto - 1])) {
+        return null;
+    }
+    $id = (int) $elenco[$posto - 1]['ID'];
+    $righe = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.*, dettaglio.*, ordinamento.*, offerte, $tabella.pagina AS linkPage FROM"
+        . " $tabella INNER JOIN dettaglio ON dettaglio.ID = $id INNER JOIN ordinamento ON ordinamento.ID = $id LEFT JOIN kv_offerte"
+        . " ON kv_offerte.ID = $id WHERE $tabella.ID = $id");
+    $limiti = kvLimitiArticolo($id);
+    return count($righe) !== 1 || $limiti === null ? null
+        : new KvRighe(array_merge(array_slice($elenco, 0, $posto - 1), [$righe[0] + $limiti]));
+}
+
+/** The rows of a statement without bound values; none when the server refused it. */
+function kvRigheDirette(string $sql): array
+{
+    $esito = mysqli_query(kvConnessione(), $sql);
+    return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
+}
+
+/** What the back office limits of an article, as kvArticoliPagina adds it to its row; null when its table isn't there. */
+function kvLimitiArticolo(int $id): ?array
+{
+    $limiti = ['disponibile' => null, 'quantita' => null, 'esauriti' => null];
+    $esito = mysqli_query(kvConnessione(), 'SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE'
+        . " tipo = 'A' AND chiave = '$id' OR tipo = 'V' AND chiave LIKE '$id.%' AND (disponibile = 0 OR quantita <= 0)");
+    if (!$esito instanceof mysqli_result) {
+        return null;
+    }
+    foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
+        if ($riga['tipo'] === 'A') {
+            $limiti = ['disponibile' => $riga['disponibile'], 'quantita' => $riga['quantita']] + $limiti;
+        } else {
+            $limiti['esauriti'] = ($limiti['esauriti'] === null ? '' : $limiti['esauriti'] . "\n") . $riga['chiave'];
+        }
+    }
+    return $limiti;
 }
 
 /** Articles by their numbers, with all their columns; those that aren't in the shop are missing. One query at most. */

@@ -55,8 +55,9 @@ function kvCondizione(array $parole, bool $tutte, bool $intere, array &$valori):
 function kvTrova(array $parole, bool $tutte, bool $intere, int $perPagina, int $pagina): array
 {
     global $listino;
-    if (kvIndicePronto($parole, $tutte)) {
-        return kvTrovaIndice($parole, $tutte, $intere, $perPagina, $pagina);
+    $tenuta = kvRicercaTenuta([$parole, $tutte, $intere]);
+    if (kvIndicePronto($tenuta, $parole, $tutte)) {
+        return kvTrovaIndice($tenuta, fn() => kvDomandaIndice($parole, $tutte, $intere), $perPagina, $pagina);
     }
     $tabella = kvTabellaLingua('articoli');
     $valori = [];

@@ -19,13 +19,27 @@ function kvParoleScritte(string $testo): array
     return array_slice($trovate[0], 0, 6);
 }
 
-/** The numbers of the articles that have all the words, the best first. */
+/** The numbers of the articles that have all the words, the best first; kept where there are as many as are told. */
 function kvSuggeriti(array $parole): array
 {
-    $ultima = (string) array_pop($parole);
-    if (kvLunghezza($ultima) < 2 || kvStato('indice' . $GLOBALS['Lingua']) === '') {
+    if (kvLunghezza((string) end($parole)) < 2) {
         return [];
     }
+    $tenuta = kvRicercaTenuta(['suggerisci', $parole]);
+    $numeri = kvNumeriTenuti($tenuta);
+    if ($numeri === null && $tenuta['indice'] !== '') {
+        $numeri = kvCercaSuggeriti($parole);
+        if (count($numeri) === KV_SUGGERITI) {
+            kvTieniRicerca($tenuta, count($numeri), $numeri);
+        }
+    }
+    return $numeri ?? [];
+}
+
+/** The same, asked of the index. */
+function kvCercaSuggeriti(array $parole): array
+{
+    $ultima = (string) array_pop($parole);
     $tabella = 'kv_parole' . $GLOBALS['Lingua'];
     $valori = [];
     $da = '';

@@ -193,6 +193,10 @@ function kvArticoliPagina(string $sql)
     $sql = $scelti ? kvSqlScelti($sql) : $sql;
     kvCaratteri('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
+        $solo = $scelti || !function_exists('kvArticoloPagina') ? null : kvArticoloPagina($sql, $parti[1]);
+        if ($solo !== null) {
+            return $solo;
+        }
         $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
         $esauriti = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
         // The order of the tables is the one by their keys: to find that out takes the server longer than to read them.
@@ -245,6 +249,10 @@ if (!function_exists('mysql_query')) {
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
             if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
                 return new KvRighe([['sottopagina' => kvPagineScelte()]]);
+            }
+            list($pagina, $ultima) = $GLOBALS['kvUltimaPagina'] ?? ['', null];
+            if ($pagina !== '' && $sql === 'SELECT * FROM ' . kvTabellaLingua('articoli') . " WHERE pagina='$pagina' ORDER BY sottopagina DESC") {
+                return new KvRighe($ultima === null ? [] : [['sottopagina' => $ultima]]);
             }
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {

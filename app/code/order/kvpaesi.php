@@ -57,10 +57,11 @@ const KV_PAESI = [
     'Vietnam' => ['Vietnam', 'Viêt Nam', 'Vietnam'],
 ];
 
-/** The options of a select of the build: value (null without one), name (as it is read), selected. */
-function kvVociSelect(string $select): array
+/** The options of a select of the build, with `scelte` those selected alone: value (null without one), name (as it is read), selected. */
+function kvVociSelect(string $select, bool $scelte = false): array
 {
-    preg_match_all('/<option([^>]*)>(.*?)<\/option>/is', $select, $trovate, PREG_SET_ORDER);
+    $segno = $scelte ? '(?=[^>]*selected)' : '';
+    preg_match_all("/<option$segno([^>]*)>(.*?)<\\/option>/is", $select, $trovate, PREG_SET_ORDER);
     return array_map(function (array $voce): array {
         $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
         return ['valore' => $valore, 'nome' => kvTestoPiano($voce[2]), 'scelta' => stripos($voce[1], 'selected') !== false];

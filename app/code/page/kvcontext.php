@@ -69,6 +69,49 @@ const KV_POLITICA = "default-src 'self'; script-src 'self' 'unsafe-inline'; styl
 /** Pages that are the same for all visitors without a session, but for what the catalogue and the stock bring. */
 const KV_PAGINE_COMUNI = '/^(?:cat\d+|index|condizioni|recesso|datipers|search)(?:_l[2-4])?\.php$/D';
 
+/** The states of the load by which a page is known. */
+function kvNomiStati(): array
+{
+    return ['carico', 'indice' . $GLOBALS['Lingua'], 'laterali', 'scorte'];
+}
+
+/** The values of these states, by their names; empty without any. */
+function kvStatiPagina(): array
+{
+    $esito = mysqli_query(kvConnessione(), "SELECT nome, valore FROM kv_stato WHERE nome IN ('" . implode("', '", kvNomiStati()) . "')");
+    $stati = $esito instanceof mysqli_result ? array_column(mysqli_fetch_all($esito), 1, 0) : [];
+    ksort($stati);
+    return $stati;
+}
+
+/**
+ * The same for a department page, and with them, for a question of its own would take as long: the department
+ * ($kvRepartoPagina) and the number of its last sub-page ($kvUltimaPagina). Empty where there is no such department.
+ */
+function kvStatiReparto(string $pagina, string $reparto): array
+{
+    $articoli = 'articoli' . $GLOBALS['Lingua'];
+    $colonne = KV_COLONNE_REPARTI . ", (SELECT MAX(sottopagina) FROM $articoli WHERE pagina = '$pagina') AS ultima";
+    foreach (kvNomiStati() as $n => $nome) {
+        $colonne .= ", (SELECT valore FROM kv_stato WHERE nome = '$nome') AS s$n";
+    }
+    $esito = mysqli_query(kvConnessione(), "SELECT $colonne FROM categorie WHERE ID = '$reparto'");
+    $riga = $esito instanceof mysqli_result ? mysqli_fetch_assoc($esito) : null;
+    if ($riga === null) {
+        return [];
+    }
+    $GLOBALS['kvRepartoPagina'] = $riga;
+    $GLOBALS['kvUltimaPagina'] = [$pagina, $riga['ultima']];
+    return array_filter(array_combine(kvNomiStati(), [$riga['s0'], $riga['s1'], $riga['s2'], $riga['s3']]), 'is_string');
+}
+
+/** Keeps the states of the load for what else this page asks of it: its index, and which tables of kvlegge.php it has left. */
+function kvRicordaStati(array $stati): void
+{
+    $GLOBALS['kvStati'] = $stati;
+    $GLOBALS['kvLaterali'] = isset($stati['laterali']) ? explode(',', $stati['laterali']) : false;
+}
+
 /**
  * Gives a page that is the same for all visitors a name by load, stock and address: a browser that has it asks by that
  * name, and gets a header instead of the page. Source: RFC 9110, sections 8.8.3 and 13.1.2.
@@ -80,16 +123,12 @@ function kvPaginaNota(): void
         || !preg_match(KV_PAGINE_COMUNI, basename($file))) {
         return;
     }
-    $esito = mysqli_query(kvConnessione(), "SELECT nome, valore FROM kv_stato WHERE nome IN"
-        . " ('carico', 'indice{$GLOBALS['Lingua']}', 'laterali', 'scorte') ORDER BY nome");
-    $stati = $esito instanceof mysqli_result ? mysqli_fetch_all($esito) : [];
+    $stati = preg_match('/^((cat\d+)\w*)\.php$/D', basename($file), $parti) ? kvStatiReparto($parti[1], $parti[2]) : [];
+    $stati = $stati === [] ? kvStatiPagina() : $stati;
     if ($stati === []) {
         return;
     }
-    // What else this page asks of the load comes along: its index, and which tables of kvlegge.php it has left.
-    $GLOBALS['kvStati'] = array_column($stati, 1, 0);
-    $laterali = $GLOBALS['kvStati']['laterali'] ?? null;
-    $GLOBALS['kvLaterali'] = $laterali === null ? false : explode(',', $laterali);
+    kvRicordaStati($stati);
     $nome = '"' . substr(hash('sha256', json_encode($stati) . ($_SERVER['REQUEST_URI'] ?? '') . (int) kvProtetta()
         . (int) @filemtime($file)), 0, 24) . '"';
     header('ETag: ' . $nome);

@@ -47,7 +47,7 @@ function kvPaeseIniziale(): ?array
     foreach (kvVociSelect(<<<'KORVANE_VALORI'
 <<1-paesi>>
 KORVANE_VALORI
-    ) as $voce) {
+        , true) as $voce) {
         if ($voce['scelta'] && isset(KV_SIGLE[$voce['nome']]) && (int) $voce['valore'] > 0) {
             return [KV_SIGLE[$voce['nome']], (int) $voce['valore']];
         }
@@ -61,12 +61,12 @@ function kvDatiConsegna(array $riga, string $valuta): array
     include_once "kvstima.php";
     $paese = kvPaeseIniziale();
     $voce = kvRigaCarrello(['id' => (int) $riga['ID'], 'q' => 1, 'k' => kvPrimeChiavi($riga)], $riga);
-    $stima = $paese === null || !$voce['ok'] ? null : kvStima([$voce], $paese[1]);
+    $stima = $paese === null || !$voce['ok'] ? null : kvStimaPrima([$voce], $paese[1]);
     if ($stima === null) {
         return [];
     }
     // The price is the visitor's: so is what shipping costs them, with its VAT.
-    $spese = kvNumeroScript($stima['totali']['spese'] + $stima['totali']['ivaspese'], kvScala());
+    $spese = kvNumeroScript($stima['spese'] + $stima['ivaspese'], kvScala());
     $regione = ['@type' => 'DefinedRegion', 'addressCountry' => $paese[0]];
     return ['shippingDetails' => ['@type' => 'OfferShippingDetails', 'shippingDestination' => $regione,
         'shippingRate' => ['@type' => 'MonetaryAmount', 'value' => $spese, 'currency' => $valuta]]
