@@ -83,7 +83,7 @@ function boLeggiOrdini(array $numeri): array
     $righe = array_column(boRemotoRighe('SELECT id, codice, creato, modificato, cliente, nome, email, totale, valuta, metodo, stato,'
         . " lingua, pagamento, riepilogo, dati FROM kv_ordini WHERE id IN ($elenco)"), null, 'id');
     $note = boRigheDiOrdini('quando, tipo, testo', 'kv_annotazioni', $elenco);
-    $recessi = boRigheDiOrdini('numero, creato, stato', 'kv_recessi', $elenco);
+    $recessi = boRigheDiOrdini('numero, creato, stato, righe', 'kv_recessi', $elenco);
     $ordini = [];
     foreach ($numeri as $numero) {
         if (isset($righe[$numero])) {
@@ -96,6 +96,15 @@ function boLeggiOrdini(array $numeri): array
 
 /** An order as it is sent: texts in UTF-8, amounts as texts with two decimals. */
 function boOrdineRemoto(array $ordine, array $note, array $recessi): array
+/** A withdrawal as it is sent; `riga` is the index of the line among those of the order, -1 when it isn't there. */
+function boRecessoRemoto(array $recesso, array $indici): array
+{
+    $righe = json_decode($recesso['righe'], true);
+    $righe = array_filter(is_array($righe) ? $righe : [], fn($riga) => is_array($riga) && isset($riga['testo'], $riga['quantita']));
+    return ['righe' => array_map(fn($riga) => ['riga' => $indici[(int) ($riga['n'] ?? -1)] ?? -1, 'testo' => (string) $riga['testo'],
+        'scelte' => (string) ($riga['scelte'] ?? ''), 'quantita' => (int) $riga['quantita']], array_values($righe))] + $recesso;
+}
+
 {
     $importo = fn(float $numero): string => number_format($numero, 2, '.', '');
     $dati = boDatiOrdine($ordine['dati']);
@@ -105,8 +114,27 @@ function boOrdineRemoto(array $ordine, array $note, array $recessi): array
     $lingua = $dati['lingua'] !== '' ? $dati['lingua'] : boLinguaOrdine($ordine, $dati);
     unset($ordine['dati']);
     return ['id' => (int) $ordine['id'], 'cliente' => (int) $ordine['cliente'], 'lingua' => $lingua,
+    $indici = array_flip(array_column($dati['righe'], 'n'));
         'valuta' => trim($ordine['valuta']), 'campi' => (object) $dati['campi'], 'righe' => $righe,
-        'totali' => (object) array_map($importo, $dati['totali']), 'note' => $note, 'recessi' => $recessi] + $ordine;
+        'totali' => (object) array_map($importo, $dati['totali']), 'note' => $note,
+        'recessi' => array_map(fn($recesso) => boRecessoRemoto($recesso, $indici), $recessi)] + $ordine;
+}
+
+/** A text that is another one once a further order was deleted; empty as long as none was. */
+function boSegnoTolti(): string
+{
+    $riga = boRemotoRighe('SELECT COUNT(*) AS quanti, MAX(id) AS ultimo FROM kv_tolti')[0];
+    return (int) $riga['quanti'] === 0 ? '' : $riga['quanti'] . '-' . $riga['ultimo'];
+}
+
+/** Orders that were deleted, from an index on: tolti, altri. */
+function boRemotoTolti(array $dati): array
+{
+    $quanti = boRemotoIntero($dati, 'quanti', 1, BO_REMOTO_TOLTI);
+    $righe = boRemotoRighe('SELECT ordine AS id, codice FROM kv_tolti ORDER BY id LIMIT ' . ($quanti + 1) . ' OFFSET '
+        . boRemotoIntero($dati, 'da', 0, PHP_INT_MAX));
+    return ['tolti' => array_map(fn($riga) => ['id' => (int) $riga['id'], 'codice' => $riga['codice']],
+        array_slice($righe, 0, $quanti)), 'altri' => count($righe) > $quanti];
 }
 
 /** Orders that changed since the last reading: ordini, dopo, altri. */

@@ -111,12 +111,14 @@ class RemoteSignatures(RemoteDesk):
 
 class RemoteOrders(RemoteDesk):
     def test_an_order_comes_whole_in_utf_8(self):
-        self.add_order("261101-AAAAAA", "Łucja 日本", created="'2026-11-01 10:00:00'", total="80.50", lines=LINES,
+        self.add_order("261101-AAAAAA", "Łucja 日本", created="'2026-11-01 10:00:00'", total="80.50",
+                       lines=[LINES[0], {"testo": "damaged"}, LINES[1]],
                        fields={"Nome": "Łucja", "Citta": "Forlì", "Note": "€ uno\r\ndue"},
                        extra={"lingua": "en", "totali": {"merce": 80.5, "iva": -1, "spese": 0}})
         number = self.shop.rows("SELECT id FROM kv_ordini")[0][0]
         self.shop.execute("INSERT INTO kv_recessi (numero, ordine, creato, email, tardi, stato, lingua, righe, ricevuta)"
-                          f" VALUES ('261101-AAAAAA-R1', {number}, '2026-11-02 11:00:00', '', 0, 'ricevuto', '', '[]', '')",
+                          f" VALUES ('261101-AAAAAA-R1', {number}, '2026-11-02 11:00:00', '', 0, 'ricevuto', '', '"
+                          + '[{"n":2,"testo":"Vaso €","scelte":"","quantita":1},{"n":9,"testo":"x","quantita":2},7]' + "', '')",
                           "INSERT INTO kv_annotazioni (ordine, quando, tipo, testo) VALUES"
                           f" ({number}, '2026-11-02 12:00:00', 'nota', 'Telefonato Ł')")
         found = self.order()
@@ -133,7 +135,9 @@ class RemoteOrders(RemoteDesk):
                        "quantita": 1, "importo": "7.00"}],
             "totali": {"merce": "80.50", "iva": "-1.00", "spese": "0.00"},
             "note": [{"quando": "2026-11-02 12:00:00", "tipo": "nota", "testo": "Telefonato Ł"}],
-            "recessi": [{"numero": "261101-AAAAAA-R1", "creato": "2026-11-02 11:00:00", "stato": "ricevuto"}]})
+            "recessi": [{"numero": "261101-AAAAAA-R1", "creato": "2026-11-02 11:00:00", "stato": "ricevuto", "righe": [
+                {"riga": 1, "testo": "Vaso €", "scelte": "", "quantita": 1},
+                {"riga": -1, "testo": "x", "scelte": "", "quantita": 2}]}]})
 
     def test_only_what_changed_comes_again(self):
         for code in "ABC":

@@ -13,6 +13,7 @@ constexpr std::size_t longestOrder = std::size_t{1} << 20;
 constexpr std::size_t longestCode = 200;
 constexpr std::int64_t mostPieces = 1'000'000'000;
 
+constexpr std::size_t mostWithdrawals = 1000;
 tl::unexpected<Error> outOfBounds(std::string_view what) {
   return fail(ErrorKind::Malformed, std::string(what),
               "La risposta del server contiene dati non validi (" + std::string(what) +
@@ -98,10 +99,31 @@ void readParts(const JsonValue& value, DeskOrder& order) {
   for (const JsonValue& note : value.listOf("note")) {
     order.notes.push_back({note.textOf("quando"), note.textOf("tipo"), note.textOf("testo")});
   }
-  for (const JsonValue& one : value.listOf("recessi")) {
-    order.withdrawals.push_back({one.textOf("numero"), one.textOf("creato"), one.textOf("stato")});
+}
+
+Result<DeskWithdrawal> readWithdrawal(const JsonValue& value) {
+  DeskWithdrawal withdrawal{value.textOf("numero"), value.textOf("creato"), value.textOf("stato"), {}};
+  const auto& lines = value.listOf("righe");
+  if (lines.size() > mostLines) return outOfBounds("recessi");
+  for (const JsonValue& one : lines) {
+    const auto quantity = one.wholeOf("quantita");
+    if (!quantity || *quantity < 0 || *quantity > mostPieces) return outOfBounds("recessi");
+    withdrawal.lines.push_back(
+        {one.wholeOf("riga").value_or(-1), one.textOf("testo"), one.textOf("scelte"), *quantity});
   }
 }
+  return withdrawal;
+}
+
+Result<> readWithdrawals(const JsonValue& value, DeskOrder& order) {
+  const auto& list = value.listOf("recessi");
+  if (list.size() > mostWithdrawals) return outOfBounds("recessi");
+  for (const JsonValue& one : list) {
+    auto withdrawal = readWithdrawal(one);
+    if (!withdrawal) return fail(withdrawal.error());
+    order.withdrawals.push_back(std::move(*withdrawal));
+  }
+  return {};
 
 Result<ReceivedOrder> receivedOrder(const JsonValue& value) {
   auto order = deskOrder(value);
@@ -144,6 +166,7 @@ Result<DeskOrder> deskOrder(const JsonValue& value) {
   if (auto read = readAmounts(value, order); !read) return fail(read.error());
   if (auto read = readLines(value, order); !read) return fail(read.error());
   return order;
+  if (auto read = readWithdrawals(value, order); !read) return fail(read.error());
 }
 
 Result<OrdersAnswer> ordersAnswer(const JsonValue& answer) {
