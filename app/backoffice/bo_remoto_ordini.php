@@ -9,6 +9,8 @@ const BO_REMOTO_BYTE = 8000000;
 const BO_REMOTO_DATI = 4000000;
 /** Most notes of an order, its newest ones: as many as its page shows. */
 const BO_REMOTO_NOTE = 200;
+/** Most deleted orders of an answer. */
+const BO_REMOTO_TOLTI = 5000;
 /** Seconds by which a transaction may end later than the moment that it writes in a row. */
 const BO_REMOTO_TRANSAZIONE = 120;
 
@@ -94,8 +96,6 @@ function boLeggiOrdini(array $numeri): array
     return $ordini;
 }
 
-/** An order as it is sent: texts in UTF-8, amounts as texts with two decimals. */
-function boOrdineRemoto(array $ordine, array $note, array $recessi): array
 /** A withdrawal as it is sent; `riga` is the index of the line among those of the order, -1 when it isn't there. */
 function boRecessoRemoto(array $recesso, array $indici): array
 {
@@ -105,6 +105,8 @@ function boRecessoRemoto(array $recesso, array $indici): array
         'scelte' => (string) ($riga['scelte'] ?? ''), 'quantita' => (int) $riga['quantita']], array_values($righe))] + $recesso;
 }
 
+/** An order as it is sent: texts in UTF-8, amounts as texts with two decimals. */
+function boOrdineRemoto(array $ordine, array $note, array $recessi): array
 {
     $importo = fn(float $numero): string => number_format($numero, 2, '.', '');
     $dati = boDatiOrdine($ordine['dati']);
@@ -112,9 +114,9 @@ function boRecessoRemoto(array $recesso, array $indici): array
         'scelte' => $riga['scelte'], 'prima' => $riga['prima'], 'scelte_prima' => $riga['scelte_prima'],
         'quantita' => $riga['quantita'], 'importo' => $importo($riga['importo'])], $dati['righe']);
     $lingua = $dati['lingua'] !== '' ? $dati['lingua'] : boLinguaOrdine($ordine, $dati);
+    $indici = array_flip(array_column($dati['righe'], 'n'));
     unset($ordine['dati']);
     return ['id' => (int) $ordine['id'], 'cliente' => (int) $ordine['cliente'], 'lingua' => $lingua,
-    $indici = array_flip(array_column($dati['righe'], 'n'));
         'valuta' => trim($ordine['valuta']), 'campi' => (object) $dati['campi'], 'righe' => $righe,
         'totali' => (object) array_map($importo, $dati['totali']), 'note' => $note,
         'recessi' => array_map(fn($recesso) => boRecessoRemoto($recesso, $indici), $recessi)] + $ordine;
@@ -137,7 +139,7 @@ function boRemotoTolti(array $dati): array
         array_slice($righe, 0, $quanti)), 'altri' => count($righe) > $quanti];
 }
 
-/** Orders that changed since the last reading: ordini, dopo, altri. */
+/** Orders that changed since the last reading: ordini, dopo, altri, tolti. */
 function boRemotoOrdini(array $dati): array
 {
     $segno = boSegnoOrdini(boRemotoTesto($dati, 'dopo', 100));
@@ -168,7 +170,7 @@ function boOrdiniDa(array $segno, int $quanti): array
     } else {
         $segno[2] = '';
     }
-    return ['ordini' => $ordini, 'dopo' => implode('|', $segno), 'altri' => $altri];
+    return ['ordini' => $ordini, 'dopo' => implode('|', $segno), 'altri' => $altri, 'tolti' => boSegnoTolti()];
 }
 
 /** The order of a request; null when there is none of this code. */

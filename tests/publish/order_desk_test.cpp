@@ -109,9 +109,20 @@ TEST_F(TheOrderDesk, AStateThatTheServerHasAlreadyIsTold) {
 TEST_F(TheOrderDesk, AnOrderThatIsGoneStaysReadable) {
   host.answers = {R"({"esito":"sconosciuto"})"};
   EXPECT_TRUE(desk.changeState(change("pagato")));
-  EXPECT_THAT(user.texts(),
-              ElementsAre("Il server non ha più questo ordine. Quello già ricevuto resta leggibile qui."));
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].text,
+            "Il server non ha più l'ordine KV1. Quello già ricevuto resta leggibile qui.\n\nSi desidera eliminarlo "
+            "anche da questo computer, con i dati del cliente?");
+  EXPECT_EQ(user.shown[0].preset, Answer::No);
   EXPECT_EQ(stateOf("KV1"), "nuovo");
+}
+
+TEST_F(TheOrderDesk, AnOrderThatIsGoneIsRemovedHereOnYes) {
+  host.answers = {R"({"esito":"sconosciuto"})"};
+  user.answers = {Answer::Yes};
+  EXPECT_FALSE(desk.addNote({"KV1", "x"}));
+  EXPECT_EQ(stateOf("KV1"), "(none)");
+  EXPECT_EQ(stateOf("KV2"), "nuovo");
 }
 
 TEST_F(TheOrderDesk, AStoreThatFailsAfterTheServerIsTold) {

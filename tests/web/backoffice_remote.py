@@ -171,6 +171,26 @@ class RemoteOrders(RemoteDesk):
         gone = self.desk.orders(after)[0]
         self.assertEqual([(one["codice"], one["nome"], one["campi"]) for one in gone], [("A", "Cliente eliminato", {})])
 
+    def test_orders_whose_years_are_over_are_named_when_they_are_deleted(self):
+        customer = self.add_customer("anna@example.org")
+        self.add_order("OLD", state="spedito", created="'2001-05-05 10:00:00'", lines=LINES)
+        self.add_order("NEW", state="spedito")
+        self.shop.execute(f"UPDATE kv_ordini SET cliente = {customer}",
+                          "INSERT INTO kv_annotazioni (ordine, quando, tipo, testo) SELECT id, NOW(), 'stato', 's' FROM kv_ordini")
+        number = self.shop.rows("SELECT id FROM kv_ordini WHERE codice = 'OLD'")[0][0]
+        self.assertEqual(self.desk.ask("ordini", dopo="", quanti=9)["tolti"], "")
+        self.assertEqual(self.desk.ask("tolti", da=0, quanti=9), {"tolti": [], "altri": False})
+        page = self.office.ask(f"cliente.php?id={customer}&elimina=1")
+        self.office.send(page.form("cliente.php"), page)
+        self.assertEqual([one["codice"] for one in self.desk.orders()[0]], ["NEW"])
+        self.assertEqual(self.desk.ask("ordini", dopo="", quanti=9)["tolti"].split("-")[0], "1")
+        self.assertEqual(self.desk.ask("tolti", da=0, quanti=9),
+                         {"tolti": [{"id": int(number), "codice": "OLD"}], "altri": False})
+        self.assertEqual(self.shop.rows(f"SELECT * FROM kv_annotazioni WHERE ordine = {number}"), [])
+        self.shop.execute("INSERT INTO kv_tolti (ordine, codice) VALUES (1, 'T1'), (2, 'T2'), (3, 'T3'), (4, 'T4')")
+        step = self.desk.ask("tolti", da=3, quanti=1)
+        self.assertEqual(([one["codice"] for one in step["tolti"]], step["altri"]), (["T3"], True))
+
     def test_a_transaction_that_ended_late_is_not_missed(self):
         self.add_order("A")
         after = self.desk.orders()[1]

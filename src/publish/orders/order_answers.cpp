@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "publish/orders/order_protocol.h"
+#include "publish/orders/order_requests.h"
 
 namespace kv {
 namespace {
@@ -12,8 +13,8 @@ constexpr std::size_t mostLines = 10'000;
 constexpr std::size_t longestOrder = std::size_t{1} << 20;
 constexpr std::size_t longestCode = 200;
 constexpr std::int64_t mostPieces = 1'000'000'000;
-
 constexpr std::size_t mostWithdrawals = 1000;
+
 tl::unexpected<Error> outOfBounds(std::string_view what) {
   return fail(ErrorKind::Malformed, std::string(what),
               "La risposta del server contiene dati non validi (" + std::string(what) +
@@ -111,7 +112,6 @@ Result<DeskWithdrawal> readWithdrawal(const JsonValue& value) {
     withdrawal.lines.push_back(
         {one.wholeOf("riga").value_or(-1), one.textOf("testo"), one.textOf("scelte"), *quantity});
   }
-}
   return withdrawal;
 }
 
@@ -124,6 +124,7 @@ Result<> readWithdrawals(const JsonValue& value, DeskOrder& order) {
     order.withdrawals.push_back(std::move(*withdrawal));
   }
   return {};
+}
 
 Result<ReceivedOrder> receivedOrder(const JsonValue& value) {
   auto order = deskOrder(value);
@@ -165,8 +166,8 @@ Result<DeskOrder> deskOrder(const JsonValue& value) {
   readParts(value, order);
   if (auto read = readAmounts(value, order); !read) return fail(read.error());
   if (auto read = readLines(value, order); !read) return fail(read.error());
-  return order;
   if (auto read = readWithdrawals(value, order); !read) return fail(read.error());
+  return order;
 }
 
 Result<OrdersAnswer> ordersAnswer(const JsonValue& answer) {
@@ -182,7 +183,26 @@ Result<OrdersAnswer> ordersAnswer(const JsonValue& answer) {
   }
   page.next = answer.textOf("dopo");
   page.more = answer.flagOf("altri");
+  page.goneMark = answer.textOf("tolti");
   if (page.next.size() > longestCode) return outOfBounds("dopo");
+  if (page.goneMark.size() > longestCode) return outOfBounds("tolti");
+  return page;
+}
+
+Result<GoneOrdersAnswer> goneOrdersAnswer(const JsonValue& answer) {
+  GoneOrdersAnswer page;
+  const JsonValue* orders = answer.member("tolti");
+  if (orders == nullptr || orders->kind != JsonKind::List || orders->items.size() > goneOrdersPerAnswer) {
+    return outOfBounds("tolti");
+  }
+  for (const JsonValue& one : orders->items) {
+    GoneOrder order{one.wholeOf("id").value_or(0), one.textOf("codice")};
+    if (order.id <= 0 || order.code.empty() || order.code.size() > longestCode) return outOfBounds("tolti");
+    page.orders.push_back(std::move(order));
+  }
+  page.more = answer.flagOf("altri");
+  // A part without an order would be asked for without end.
+  if (page.more && page.orders.empty()) return outOfBounds("tolti");
   return page;
 }
 
