@@ -5,10 +5,7 @@
 
 #include "platform/files/files.h"
 #include "support/failing_store.h"
-#include "support/fixed_clock.h"
-#include "support/order_host.h"
-#include "support/scripted_user.h"
-#include "support/temp_folder.h"
+#include "support/order_desk_case.h"
 
 namespace kv::test {
 namespace {
@@ -22,7 +19,7 @@ std::string changeJson(const std::string& outcome, const HostOrder& order, const
   return R"({"esito":")" + outcome + R"(","ordine":)" + orderJson(order) + R"(,"mail":")" + mail + R"("})";
 }
 
-class TheOrderDesk : public ::testing::Test {
+class TheOrderDesk : public OrderDeskCase {
  protected:
   TheOrderDesk() {
     host.answers = {ordersJson({{1}, {2}}, "c1")};
@@ -37,17 +34,6 @@ class TheOrderDesk : public ::testing::Test {
     return "(none)";
   }
   static StateChange change(const std::string& to) { return {"KV1", "nuovo", to, true, true, "Grazie"}; }
-
-  TempFolder folder;
-  OrderHost host;
-  FixedClock clock;
-  FixedRandom random;
-  ScriptedUser user;
-  OrderStore store{folder.path()};
-  OrderDesk desk{store,
-                 {[this] { return Result<OrderAccess>(host.access); },
-                  {host, clock, random, [this] { return user.yield(); }},
-                  user}};
 };
 
 TEST_F(TheOrderDesk, AChangeOfStateReachesTheServerThenTheStore) {
@@ -165,6 +151,16 @@ TEST_F(TheOrderDesk, AConflictOfStockShowsBothValues) {
   user.answers = {Answer::Yes};
   EXPECT_EQ(desk.setStock({StockKind::Values, "7.2.A", "1|12", "1|"}, "T1"), "1|");
   EXPECT_THAT(host.asked.back(), HasSubstr(R"("prima":"0|","dopo":"1|")"));
+}
+
+TEST_F(TheOrderDesk, TellsNoMoreOfAServersTextThanAWindowShows) {
+  host.answers = {R"({"errore":"<b>\u001b[2J)" + std::string(5000, 'x') + R"("})",
+                  changeJson("fatto", {1, "2026-05-31 10:20:30", "pagato"}, std::string(5000, 'y'))};
+  EXPECT_FALSE(desk.changeState(change("pagato")));
+  EXPECT_EQ(user.shown[0].text,
+            "Il server non ha potuto eseguire la richiesta:\n<b> [2J" + std::string(493, 'x') + "...");
+  EXPECT_TRUE(desk.changeState(change("pagato")));
+  EXPECT_EQ(user.shown[1].text, std::string(500, 'y') + "...");
 }
 
 TEST_F(TheOrderDesk, ACancelledFetchSaysNothing) {

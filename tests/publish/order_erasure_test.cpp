@@ -2,12 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/files/files.h"
-#include "publish/orders/order_desk.h"
 #include "support/failing_store.h"
-#include "support/fixed_clock.h"
-#include "support/order_host.h"
-#include "support/scripted_user.h"
-#include "support/temp_folder.h"
+#include "support/order_desk_case.h"
 
 namespace kv::test {
 namespace {
@@ -21,7 +17,7 @@ constexpr const char* goneTwo = R"({"tolti":[{"id":2,"codice":"KV2"},{"id":3,"co
 constexpr const char* elsewhere =
     "Se questi dati si trovano anche in stampe, in file PDF, CSV o XLSX e in copie del computer, eliminarli anche lì.";
 
-class AShopThatDeletes : public ::testing::Test {
+class AShopThatDeletes : public OrderDeskCase {
  protected:
   AShopThatDeletes() {
     host.answers = {ordersJson({{1, "2026-05-01 10:00:00", "spedito", "Łucja Nowak"}, {2}, {3}}, "c1")};
@@ -36,17 +32,6 @@ class AShopThatDeletes : public ::testing::Test {
   }
   std::string bytes() const { return readBytes(folder / "ordini.db").value(); }
   static HostOrder nameless() { return {1, "2026-05-01 10:00:00", "spedito", "Cliente eliminato", "25.50", true}; }
-
-  TempFolder folder;
-  OrderHost host;
-  FixedClock clock;
-  FixedRandom random;
-  ScriptedUser user;
-  OrderStore store{folder.path()};
-  OrderDesk desk{store,
-                 {[this] { return Result<OrderAccess>(host.access); },
-                  {host, clock, random, [this] { return user.yield(); }},
-                  user}};
 };
 
 TEST_F(AShopThatDeletes, TakesACustomersDataFromEachByteOfTheFile) {

@@ -172,6 +172,13 @@ TEST_F(TheOrderStore, AServerThatRepeatsItsAnswerIsLeft) {
   EXPECT_EQ(listed().size(), 1U);
 }
 
+TEST_F(TheOrderStore, AServerThatPromisesMoreWithoutAnOrderIsLeft) {
+  int cursor = 0;
+  host.onRequest = [&] { host.answers = {ordersJson({}, "c" + std::to_string(++cursor), true)}; };
+  EXPECT_EQ(fetch().error().kind, ErrorKind::Malformed);
+  EXPECT_EQ(host.asked.size(), 1U);
+}
+
 TEST_F(TheOrderStore, TwoRunsAtOnceDoNotTakeTheCursorBack) {
   fill();
   OrderStore store(folder.path());

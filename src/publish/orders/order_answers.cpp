@@ -4,6 +4,7 @@
 
 #include "publish/orders/order_protocol.h"
 #include "publish/orders/order_requests.h"
+#include "publish/orders/order_texts.h"
 
 namespace kv {
 namespace {
@@ -163,6 +164,7 @@ Result<DeskOrder> deskOrder(const JsonValue& value) {
   if (order.code.empty() || order.code.size() > longestCode) return outOfBounds("codice");
   if (!isTimeText(order.created)) return outOfBounds("creato");
   readTexts(value, order);
+  if (order.state.size() > longestCode) return outOfBounds("stato");
   readParts(value, order);
   if (auto read = readAmounts(value, order); !read) return fail(read.error());
   if (auto read = readLines(value, order); !read) return fail(read.error());
@@ -209,7 +211,7 @@ Result<GoneOrdersAnswer> goneOrdersAnswer(const JsonValue& answer) {
 Result<ChangeAnswer> changeAnswer(const JsonValue& answer) {
   const auto outcome = outcomeOf(answer);
   if (!outcome) return fail(outcome.error());
-  ChangeAnswer change{*outcome, std::nullopt, answer.textOf("mail")};
+  ChangeAnswer change{*outcome, std::nullopt, toldText(answer.textOf("mail"))};
   const JsonValue* order = answer.member("ordine");
   if (order == nullptr || order->kind == JsonKind::Null) {
     if (change.outcome != ChangeOutcome::Unknown) return outOfBounds("ordine");

@@ -7,6 +7,9 @@ namespace {
 constexpr const char* repeatsItself =
     "Il server ripete la stessa risposta: gli ordini già ricevuti sono rimasti. Riprovare più tardi.";
 
+/// Two million orders: a server that promises still more is none of ours.
+constexpr int mostAnswers = 10'000;
+
 /// More than any shop has; a server that names still more of them is none of ours.
 constexpr int mostGoneOrders = 1'000'000;
 
@@ -48,12 +51,16 @@ Result<FetchedOrders> fetchOrders(OrderStore& store, const OrderAccess& access, 
   auto cursor = store.cursor(access.address);
   if (!cursor) return fail(cursor.error());
   std::string goneMark;
+  int answers = 0;
   for (bool more = true; more;) {
     const auto answer = askOrders(access, ordersRequest(*cursor), means);
     if (!answer) return fail(answer.error());
     auto page = ordersAnswer(*answer);
     if (!page) return fail(page.error());
-    if (page->more && page->next == *cursor) return fail(ErrorKind::Malformed, access.address, repeatsItself);
+    const bool isStep = page->next != *cursor && !page->orders.empty();
+    if (page->more && (!isStep || ++answers > mostAnswers)) {
+      return fail(ErrorKind::Malformed, access.address, repeatsItself);
+    }
     const OrderArrival arrival{access.address, *cursor, std::move(*page)};
     const auto count = store.take(arrival);
     if (!count) return fail(count.error());
