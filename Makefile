@@ -103,8 +103,9 @@ soak: build
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-name-pattern='built like' tests/e2e/aged.mjs \
 	  --cli build/dev/bin/korvane-cli --template chiaro --work build/dev/aged
 	@python3 -B tests/web/price_oracle.py build/dev/bin/korvane-cli
-	@KORVANE_TEST_ORDERS=1000 python3 -B tests/web/backoffice_work_test.py build/dev/bin/korvane-cli \
-	  RemoteOrders.test_a_fetch_that_breaks_off_goes_on_and_its_sums_are_the_shops
+	@KORVANE_TEST_ORDERS=1000 KORVANE_DESK_AT_WORK=build/dev/tests/servers/desk_at_work python3 -B tests/web/backoffice_work_test.py build/dev/bin/korvane-cli \
+	  RemoteOrders.test_a_fetch_that_breaks_off_goes_on_and_its_sums_are_the_shops \
+	  ProgramOrders.test_states_are_set_on_both_sides_and_no_mail_goes_twice
 	@python3 -B tests/web/crowd_soak.py build/dev/bin/korvane-cli
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-reporter=spec tests/e2e/run.mjs --cli build/dev/bin/korvane-cli \
 	  --template chiaro --work build/dev/chiaro

@@ -80,14 +80,18 @@ function boDatiOrdine(string $json): array
     foreach ($dati['campi'] as $nome => $valore) {
         $campi[$nome] = is_scalar($valore) ? (string) $valore : '';
     }
-    $righe = array_filter($dati['righe'], fn($riga) => is_array($riga)
-        && isset($riga['testo'], $riga['quantita'], $riga['importo']));
+    $righe = [];
+    foreach ($dati['righe'] as $n => $riga) {
+        if (is_array($riga) && isset($riga['testo'], $riga['quantita'], $riga['importo'])) {
+            $righe[] = boRigaOrdine($riga) + ['n' => (int) $n];
+        }
+    }
     $totali = array_map('floatval', array_filter($dati['totali'], 'is_numeric'));
-    return ['campi' => $campi, 'righe' => array_values(array_map('boRigaOrdine', $righe)), 'totali' => $totali,
+    return ['campi' => $campi, 'righe' => $righe, 'totali' => $totali,
         'lingua' => is_string($lingua) ? $lingua : ''];
 }
 
-/** One line of an order: `prima` and `scelte_prima` are its words in the shop's first language. */
+/** One line of an order, whose number `n` is added by the caller: `prima` and `scelte_prima` are its words in the shop's first language. */
 function boRigaOrdine(array $riga): array
 {
     $testo = (string) $riga['testo'];

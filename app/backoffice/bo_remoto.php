@@ -42,14 +42,13 @@ function boRemotoChiave(): string
 /** Ends the request unless it was signed with the key, just now, and for the first time. */
 function boRemotoAmmetti(array $campi, string $chiave): void
 {
-    $tentativi = kvChiaveTentativi('remoto', '');
-    if (kvTroppiTentativi($tentativi, 'firme')) {
-        header('Retry-After: 900');
-        boRemotoRifiuta(429, 'tentativi');
-    }
     $firma = hash_hmac('sha256', BO_PROTOCOLLO . "\n{$campi['ora']}\n{$campi['numero']}\n{$campi['dati']}", $chiave);
     if (!hash_equals($firma, strtolower($campi['firma']))) {
-        kvSegnaTentativo($tentativi);
+        // Others at the merchant's address, or before the same proxy, must not be able to lock the merchant out.
+        if (!kvAmmetti(kvChiaveTentativi('remoto', ''), 'firme')) {
+            header('Retry-After: 900');
+            boRemotoRifiuta(429, 'tentativi');
+        }
         boRemotoRifiuta(403, 'firma');
     }
     $adesso = time();

@@ -9,6 +9,8 @@ const BO_REMOTO_BYTE = 8000000;
 const BO_REMOTO_DATI = 4000000;
 /** Most notes of an order, its newest ones: as many as its page shows. */
 const BO_REMOTO_NOTE = 200;
+/** Most deleted orders of an answer. */
+const BO_REMOTO_TOLTI = 5000;
 /** Seconds by which a transaction may end later than the moment that it writes in a row. */
 const BO_REMOTO_TRANSAZIONE = 120;
 
@@ -83,7 +85,7 @@ function boLeggiOrdini(array $numeri): array
     $righe = array_column(boRemotoRighe('SELECT id, codice, creato, modificato, cliente, nome, email, totale, valuta, metodo, stato,'
         . " lingua, pagamento, riepilogo, dati FROM kv_ordini WHERE id IN ($elenco)"), null, 'id');
     $note = boRigheDiOrdini('quando, tipo, testo', 'kv_annotazioni', $elenco);
-    $recessi = boRigheDiOrdini('numero, creato, stato', 'kv_recessi', $elenco);
+    $recessi = boRigheDiOrdini('numero, creato, stato, righe', 'kv_recessi', $elenco);
     $ordini = [];
     foreach ($numeri as $numero) {
         if (isset($righe[$numero])) {
@@ -92,6 +94,15 @@ function boLeggiOrdini(array $numeri): array
         }
     }
     return $ordini;
+}
+
+/** A withdrawal as it is sent; `riga` is the index of the line among those of the order, -1 when it isn't there. */
+function boRecessoRemoto(array $recesso, array $indici): array
+{
+    $righe = json_decode($recesso['righe'], true);
+    $righe = array_filter(is_array($righe) ? $righe : [], fn($riga) => is_array($riga) && isset($riga['testo'], $riga['quantita']));
+    return ['righe' => array_map(fn($riga) => ['riga' => $indici[(int) ($riga['n'] ?? -1)] ?? -1, 'testo' => (string) $riga['testo'],
+        'scelte' => (string) ($riga['scelte'] ?? ''), 'quantita' => (int) $riga['quantita']], array_values($righe))] + $recesso;
 }
 
 /** An order as it is sent: texts in UTF-8, amounts as texts with two decimals. */
@@ -103,13 +114,32 @@ function boOrdineRemoto(array $ordine, array $note, array $recessi): array
         'scelte' => $riga['scelte'], 'prima' => $riga['prima'], 'scelte_prima' => $riga['scelte_prima'],
         'quantita' => $riga['quantita'], 'importo' => $importo($riga['importo'])], $dati['righe']);
     $lingua = $dati['lingua'] !== '' ? $dati['lingua'] : boLinguaOrdine($ordine, $dati);
+    $indici = array_flip(array_column($dati['righe'], 'n'));
     unset($ordine['dati']);
     return ['id' => (int) $ordine['id'], 'cliente' => (int) $ordine['cliente'], 'lingua' => $lingua,
         'valuta' => trim($ordine['valuta']), 'campi' => (object) $dati['campi'], 'righe' => $righe,
-        'totali' => (object) array_map($importo, $dati['totali']), 'note' => $note, 'recessi' => $recessi] + $ordine;
+        'totali' => (object) array_map($importo, $dati['totali']), 'note' => $note,
+        'recessi' => array_map(fn($recesso) => boRecessoRemoto($recesso, $indici), $recessi)] + $ordine;
 }
 
-/** Orders that changed since the last reading: ordini, dopo, altri. */
+/** A text that is another one once a further order was deleted; empty as long as none was. */
+function boSegnoTolti(): string
+{
+    $riga = boRemotoRighe('SELECT COUNT(*) AS quanti, MAX(id) AS ultimo FROM kv_tolti')[0];
+    return (int) $riga['quanti'] === 0 ? '' : $riga['quanti'] . '-' . $riga['ultimo'];
+}
+
+/** Orders that were deleted, from an index on: tolti, altri. */
+function boRemotoTolti(array $dati): array
+{
+    $quanti = boRemotoIntero($dati, 'quanti', 1, BO_REMOTO_TOLTI);
+    $righe = boRemotoRighe('SELECT ordine AS id, codice FROM kv_tolti ORDER BY id LIMIT ' . ($quanti + 1) . ' OFFSET '
+        . boRemotoIntero($dati, 'da', 0, PHP_INT_MAX));
+    return ['tolti' => array_map(fn($riga) => ['id' => (int) $riga['id'], 'codice' => $riga['codice']],
+        array_slice($righe, 0, $quanti)), 'altri' => count($righe) > $quanti];
+}
+
+/** Orders that changed since the last reading: ordini, dopo, altri, tolti. */
 function boRemotoOrdini(array $dati): array
 {
     $segno = boSegnoOrdini(boRemotoTesto($dati, 'dopo', 100));
@@ -140,7 +170,7 @@ function boOrdiniDa(array $segno, int $quanti): array
     } else {
         $segno[2] = '';
     }
-    return ['ordini' => $ordini, 'dopo' => implode('|', $segno), 'altri' => $altri];
+    return ['ordini' => $ordini, 'dopo' => implode('|', $segno), 'altri' => $altri, 'tolti' => boSegnoTolti()];
 }
 
 /** The order of a request; null when there is none of this code. */

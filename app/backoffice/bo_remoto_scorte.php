@@ -34,7 +34,8 @@ function boRemotoScorta(array $dati): array
     $chiave = kvDaUtf8(boRemotoTesto($dati, 'chiave', 100));
     $detta = boRemotoTesto($dati, 'dopo', 12);
     $dopo = preg_match('/^[01]\|/', $detta) ? boVoce($detta[0] === '1', substr($detta, 2)) : null;
-    if ($tipo === null || $chiave === '' || $dopo === null) {
+    // Characters beyond the catalogue's set are longer in it: what the column can't hold is the key of nothing.
+    if ($tipo === null || $chiave === '' || strlen($chiave) > 100 || $dopo === null) {
         return boRemotoErrore("La quantità dev'essere un numero intero, vuota per nessun limite.");
     }
     $fatto = boSalvaVoce($tipo, $chiave, boRemotoTesto($dati, 'prima', 12), $dopo);

@@ -20,8 +20,8 @@ $GLOBALS['kv_pagina_guasto'] = function (): string {
 };
 
 /** What can be asked. Each takes the request and gives the answer. */
-const BO_AZIONI = ['prova' => 'boRemotoProva', 'ordini' => 'boRemotoOrdini', 'stato' => 'boRemotoStato',
-    'nota' => 'boRemotoNota', 'scorte' => 'boRemotoScorte', 'scorta' => 'boRemotoScorta'];
+const BO_AZIONI = ['prova' => 'boRemotoProva', 'ordini' => 'boRemotoOrdini', 'tolti' => 'boRemotoTolti',
+    'stato' => 'boRemotoStato', 'nota' => 'boRemotoNota', 'scorte' => 'boRemotoScorte', 'scorta' => 'boRemotoScorta'];
 
 /** That the two understand each other, and which shop this is. */
 function boRemotoProva(array $dati): array

@@ -91,6 +91,17 @@ TEST_F(TheOrdersDialog, ShowsWhatTheServerSendsNewestFirst) {
   test::keepPicture(*dialog, "orders");
 }
 
+TEST_F(TheOrdersDialog, ShowsWordsThatLookLikeHtmlAsTheyAre) {
+  openOrders();
+  host.answers = {ordersJson({{1, "2026-05-01 10:00:00", "nuovo", "<b>A</b> & <img src='x.png'>"}}, "c1")};
+  click(*dialog, "cmdAggiorna");
+  EXPECT_EQ(cell(0, 2), "<b>A</b> & <img src='x.png'>");
+  EXPECT_EQ(
+      list->model()->index(0, 2).data(Qt::ToolTipRole).toString(),
+      QStringLiteral("<span style=\"white-space:pre-wrap\">&lt;b&gt;A&lt;/b&gt; &amp; &lt;img src='x.png'&gt;</span>"));
+  EXPECT_NE(details().find("Cliente: <b>A</b> & <img src='x.png'>\n"), std::string::npos);
+}
+
 TEST_F(TheOrdersDialog, ReadsOfflineAndForgetsWhatWasNewOnceLookedAt) {
   openOrders();
   fill();

@@ -5,10 +5,7 @@
 
 #include "platform/files/files.h"
 #include "support/failing_store.h"
-#include "support/fixed_clock.h"
-#include "support/order_host.h"
-#include "support/scripted_user.h"
-#include "support/temp_folder.h"
+#include "support/order_desk_case.h"
 
 namespace kv::test {
 namespace {
@@ -22,7 +19,7 @@ std::string changeJson(const std::string& outcome, const HostOrder& order, const
   return R"({"esito":")" + outcome + R"(","ordine":)" + orderJson(order) + R"(,"mail":")" + mail + R"("})";
 }
 
-class TheOrderDesk : public ::testing::Test {
+class TheOrderDesk : public OrderDeskCase {
  protected:
   TheOrderDesk() {
     host.answers = {ordersJson({{1}, {2}}, "c1")};
@@ -37,17 +34,6 @@ class TheOrderDesk : public ::testing::Test {
     return "(none)";
   }
   static StateChange change(const std::string& to) { return {"KV1", "nuovo", to, true, true, "Grazie"}; }
-
-  TempFolder folder;
-  OrderHost host;
-  FixedClock clock;
-  FixedRandom random;
-  ScriptedUser user;
-  OrderStore store{folder.path()};
-  OrderDesk desk{store,
-                 {[this] { return Result<OrderAccess>(host.access); },
-                  {host, clock, random, [this] { return user.yield(); }},
-                  user}};
 };
 
 TEST_F(TheOrderDesk, AChangeOfStateReachesTheServerThenTheStore) {
@@ -109,9 +95,20 @@ TEST_F(TheOrderDesk, AStateThatTheServerHasAlreadyIsTold) {
 TEST_F(TheOrderDesk, AnOrderThatIsGoneStaysReadable) {
   host.answers = {R"({"esito":"sconosciuto"})"};
   EXPECT_TRUE(desk.changeState(change("pagato")));
-  EXPECT_THAT(user.texts(),
-              ElementsAre("Il server non ha più questo ordine. Quello già ricevuto resta leggibile qui."));
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].text,
+            "Il server non ha più l'ordine KV1. Quello già ricevuto resta leggibile qui.\n\nSi desidera eliminarlo "
+            "anche da questo computer, con i dati del cliente?");
+  EXPECT_EQ(user.shown[0].preset, Answer::No);
   EXPECT_EQ(stateOf("KV1"), "nuovo");
+}
+
+TEST_F(TheOrderDesk, AnOrderThatIsGoneIsRemovedHereOnYes) {
+  host.answers = {R"({"esito":"sconosciuto"})"};
+  user.answers = {Answer::Yes};
+  EXPECT_FALSE(desk.addNote({"KV1", "x"}));
+  EXPECT_EQ(stateOf("KV1"), "(none)");
+  EXPECT_EQ(stateOf("KV2"), "nuovo");
 }
 
 TEST_F(TheOrderDesk, AStoreThatFailsAfterTheServerIsTold) {
@@ -154,6 +151,16 @@ TEST_F(TheOrderDesk, AConflictOfStockShowsBothValues) {
   user.answers = {Answer::Yes};
   EXPECT_EQ(desk.setStock({StockKind::Values, "7.2.A", "1|12", "1|"}, "T1"), "1|");
   EXPECT_THAT(host.asked.back(), HasSubstr(R"("prima":"0|","dopo":"1|")"));
+}
+
+TEST_F(TheOrderDesk, TellsNoMoreOfAServersTextThanAWindowShows) {
+  host.answers = {R"({"errore":"<b>\u001b[2J)" + std::string(5000, 'x') + R"("})",
+                  changeJson("fatto", {1, "2026-05-31 10:20:30", "pagato"}, std::string(5000, 'y'))};
+  EXPECT_FALSE(desk.changeState(change("pagato")));
+  EXPECT_EQ(user.shown[0].text,
+            "Il server non ha potuto eseguire la richiesta:\n<b> [2J" + std::string(493, 'x') + "...");
+  EXPECT_TRUE(desk.changeState(change("pagato")));
+  EXPECT_EQ(user.shown[1].text, std::string(500, 'y') + "...");
 }
 
 TEST_F(TheOrderDesk, ACancelledFetchSaysNothing) {

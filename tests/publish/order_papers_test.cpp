@@ -4,7 +4,9 @@
 #include "platform/files/files.h"
 #include "publish/orders/order_documents.h"
 #include "publish/orders/order_labels.h"
+#include "publish/orders/order_list.h"
 #include "publish/orders/order_texts.h"
+#include "publish/orders/order_withdrawals.h"
 #include "store/catalogue/shop_identity.h"
 #include "support/sample_orders.h"
 #include "support/temp_shop.h"
@@ -104,6 +106,65 @@ TEST(OrderPapers, WithdrawalsAreMarkedOnEachPaper) {
                           "<h2>Recessi</h2><p>R1 del 02/06/2026 11:00: ricevuto<br>R2 del "
                           "03/06/2026 12:30: accolto</p></body>"));
   }
+}
+
+/// The sample order, of which one vase was given back, and another withdrawal refused.
+DeskOrder withdrawnOrder() {
+  DeskOrder order = sampleOrder();
+  order.withdrawals = {{"R1", "2026-06-02 11:00:00", "accolto", {{0, "Blue vase", "Size: M", 1}}},
+                       {"R2", "2026-06-03 12:30:00", "respinto", {{1, "Tazza", "", 1}}}};
+  return order;
+}
+
+TEST(OrderPapers, WhatIsGivenBackIsNamedByLineAndPiecesWithTheSumsThatRemain) {
+  const std::string list =
+      "<h2>Recessi</h2><p>R1 del 02/06/2026 11:00: accolto<br>1 × Vaso blu (Misura: M)<br>R2 del 03/06/2026 12:30: "
+      "respinto<br>1 × Tazza</p>";
+  for (const OrderPaper paper : {OrderPaper::Order, OrderPaper::Receipt}) {
+    const std::string html = bodyOf(withdrawnOrder(), paper);
+    EXPECT_TRUE(holdsPart(html, "(Size: M)</i></small><br><small><b>Recesso: 1 pezzo su 2</b></small></td>")) << html;
+    EXPECT_TRUE(holdsPart(html, list + "<p><b>Recesso: 1 pezzo su 3, €\u00A0600,00.</b></p><p><b>Restano: 2 pezzi, "
+                                       "€\u00A0612,50 (sconto, IVA e spese sono dell'ordine intero).</b></p></body>"))
+        << html;
+    EXPECT_FALSE(holdsPart(html, "Tazza<br><small><b>Recesso")) << "a refused withdrawal takes nothing";
+  }
+  const std::string note = bodyOf(withdrawnOrder(), OrderPaper::Delivery);
+  EXPECT_TRUE(holdsPart(note, list + "<p><b>Recesso: 1 pezzo su 3.</b></p><p><b>Restano: 2 pezzi.</b></p></body>"))
+      << note;
+  EXPECT_TRUE(holdsPart(note, "<p>Pezzi: 3</p>"));
+}
+
+TEST(OrderPapers, AnOrderThatIsGivenBackAsAWholeLeavesNothing) {
+  DeskOrder order = sampleOrder();
+  order.withdrawals = {{"R1", "2026-06-02 11:00:00", "ricevuto", {{0, "", "", 1}, {1, "", "", 1}}},
+                       {"R2", "2026-06-02 12:00:00", "ricevuto", {{0, "", "", 1}}}};
+  EXPECT_TRUE(holdsPart(bodyOf(order, OrderPaper::Order),
+                        "<p><b>Recesso: 3 pezzi su 3, €\u00A01.212,50.</b></p><p><b>Non resta nulla.</b></p>"));
+  EXPECT_TRUE(holdsPart(labelText(order), "<small>Ordine A1041 · recesso totale</small>"));
+  order.lines.clear();
+  order.withdrawals = {{"R1", "2026-06-02 11:00:00", "ricevuto", {{-1, "A1041", "", 1}}}};
+  EXPECT_TRUE(holdsPart(bodyOf(order, OrderPaper::Order),
+                        "ricevuto<br>1 × l'intero ordine</p><p><b>Recesso dall'intero ordine.</b></p>"));
+}
+
+TEST(OrderPapers, WithdrawalsBeyondTheOrderAreKeptWithinIt) {
+  DeskOrder order = sampleOrder();
+  order.withdrawals = {
+      {"R1", "2026-06-02 11:00:00", "ricevuto", {{0, "", "", 900}, {7, "Brocca", "Blu", 4}, {-3, "", "", 1}}}};
+  const OrderWithdrawn sums = withdrawnOf(order);
+  EXPECT_EQ(sums.ofLine, (std::vector<std::int64_t>{2, 0}));
+  EXPECT_EQ(sums.piecesLeft, 1);
+  EXPECT_EQ(sums.amountLeft, cents(1250));
+  EXPECT_EQ(withdrawalLines(order, order.withdrawals[0]),
+            (std::vector<std::string>{"900 × Vaso blu (Misura: M)", "4 × Brocca (Blu)", "1 × "}));
+}
+
+TEST(OrderPapers, TheWindowShowsTheSameOfAWithdrawal) {
+  EXPECT_TRUE(holdsPart(orderDetails(withdrawnOrder()),
+                        "\nRecessi\nR1, 02/06/2026 11:00: accolto\n    1 × Vaso blu (Misura: M)\nR2, 03/06/2026 12:30: "
+                        "respinto\n    1 × Tazza\nRecesso: 1 pezzo su 3, €\u00A0600,00.\nRestano: 2 pezzi, "
+                        "€\u00A0612,50 (sconto, IVA e spese sono dell'ordine intero).\n"));
+  EXPECT_TRUE(holdsPart(labelText(withdrawnOrder()), "<small>Ordine A1041 · restano 2 pezzi su 3</small>"));
 }
 
 TEST(OrderPapers, AnOrderWithoutLinesShowsItsSummaryOnEachPaper) {

@@ -172,6 +172,13 @@ TEST_F(TheOrderStore, AServerThatRepeatsItsAnswerIsLeft) {
   EXPECT_EQ(listed().size(), 1U);
 }
 
+TEST_F(TheOrderStore, AServerThatPromisesMoreWithoutAnOrderIsLeft) {
+  int cursor = 0;
+  host.onRequest = [&] { host.answers = {ordersJson({}, "c" + std::to_string(++cursor), true)}; };
+  EXPECT_EQ(fetch().error().kind, ErrorKind::Malformed);
+  EXPECT_EQ(host.asked.size(), 1U);
+}
+
 TEST_F(TheOrderStore, TwoRunsAtOnceDoNotTakeTheCursorBack) {
   fill();
   OrderStore store(folder.path());
@@ -262,7 +269,9 @@ TEST_F(TheOrderStore, AnAnswerOutOfBoundsIsRefusedWhole) {
         changed(R"("codice":"KV2")", R"("codice":"")"), changed("2026-05-31 10:20:30", "31/05/2026"),
         changed(R"("totale":"25.50")", R"("totale":"molto")"), changed(R"("quantita":2)", R"("quantita":-2)"),
         changed(R"("importo":"10.25")", R"("importo":null)"), changed(R"("spese":"5.00")", R"("spese":"x")"),
-        std::string(R"({"ordini":5,"dopo":"c1"})"), std::string(R"({"dopo":"c1"})"), std::string("{}")}) {
+        changed(R"("recessi":[])", R"("recessi":[{"righe":[{"riga":0,"quantita":-1}]}])"),
+        changed(R"("recessi":[])", R"("recessi":[{"righe":[5]}])"), std::string(R"({"ordini":5,"dopo":"c1"})"),
+        std::string(R"({"dopo":"c1"})"), std::string("{}")}) {
     host.answers = {answer};
     const auto fetched = fetch();
     ASSERT_FALSE(fetched) << answer;

@@ -58,12 +58,13 @@ class OrdersOnTheCommandLine : public ::testing::Test {
 
 TEST_F(OrdersOnTheCommandLine, PrintsALineForEachOrder) {
   publishKey();
-  host.answers = {
-      ordersJson({{1, "2026-05-01 10:00:00", "spedito", "Ugo\\tBassi", "1234.50"}, {2, "2026-05-31 09:00:00"}}, "c1")};
+  host.answers = {ordersJson(
+      {{1, "2026-05-01 10:00:00", "spedito", "Ugo\\tBassi\\u009b2J\\u007f", "1234.50"}, {2, "2026-05-31 09:00:00"}},
+      "c1")};
   EXPECT_EQ(run(), CliOutcome::Done);
   EXPECT_EQ(out.str(),
             "KV2\t2026-05-31 09:00:00\tAnna Neri\t25.50 EUR\tnuovo\n"
-            "KV1\t2026-05-01 10:00:00\tUgo Bassi\t1234.50 EUR\tspedito\n");
+            "KV1\t2026-05-01 10:00:00\tUgo Bassi 2J \t1234.50 EUR\tspedito\n");
 }
 
 TEST_F(OrdersOnTheCommandLine, PrintsWhatIsKeptWithoutAConnection) {

@@ -74,25 +74,34 @@ struct HostOrder {
   std::string state = "nuovo";
   std::string name = "Anna Neri";
   std::string total = "25.50";
+  bool isAnonymous = false;  ///< its customer was deleted
 };
 
 /// An order as the server writes it.
 inline std::string orderJson(const HostOrder& order) {
   const std::string id = std::to_string(order.id);
+  const bool named = !order.isAnonymous;
+  const std::string fields = named ? R"("Nome":"Anna","Citta":"Forlì","CAP":"47121")" : R"("Paese":"Italia")";
+  const std::string note = named ? R"({"quando":"2026-05-31 11:00:00","tipo":"nota","testo":"Chiamare"})" : "";
   return R"({"id":)" + id + R"(,"codice":"KV)" + id + R"(","creato":")" + order.created +
-         R"(","modificato":"m1","cliente":0,"nome":")" + order.name + R"(","email":"anna@posta.it","totale":")" +
-         order.total + R"(","valuta":"EUR","metodo":"Bonifico","stato":")" + order.state +
-         R"(","lingua":"it","pagamento":"","riepilogo":"","campi":{"Nome":"Anna","Citta":"Forlì","CAP":"47121"},)"
+         R"(","modificato":"m1","cliente":0,"nome":")" + order.name + R"(","email":")" +
+         (named ? "anna@posta.it" : "") + R"(","totale":")" + order.total +
+         R"(","valuta":"EUR","metodo":"Bonifico","stato":")" + order.state +
+         R"(","lingua":"it","pagamento":"","riepilogo":"","campi":{)" + fields +
+         R"(},)"
          R"("righe":[{"id":7,"codice":"T1","testo":"Cup","scelte":"red","prima":"Tazza","scelte_prima":"rossa",)"
          R"("quantita":2,"importo":"10.25"}],"totali":{"merce":"20.50","spese":"5.00"},)"
-         R"("note":[{"quando":"2026-05-31 11:00:00","tipo":"nota","testo":"Chiamare"}],"recessi":[]})";
+         R"("note":[)" +
+         note + R"(],"recessi":[]})";
 }
 
-/// An answer with orders.
-inline std::string ordersJson(const std::vector<HostOrder>& orders, const std::string& next, bool more = false) {
+/// An answer with orders; `gone` is the mark of what the shop has deleted.
+inline std::string ordersJson(const std::vector<HostOrder>& orders, const std::string& next, bool more = false,
+                              const std::string& gone = {}) {
   std::string list;
   for (const HostOrder& order : orders) list += (list.empty() ? "" : ",") + orderJson(order);
-  return R"({"ordini":[)" + list + R"(],"dopo":")" + next + R"(","altri":)" + (more ? "true}" : "false}");
+  return R"({"ordini":[)" + list + R"(],"dopo":")" + next + R"(","altri":)" + (more ? "true" : "false") +
+         (gone.empty() ? "}" : R"(,"tolti":")" + gone + R"("})");
 }
 
 }  // namespace kv::test

@@ -20,7 +20,7 @@ class Case(unittest.TestCase):
         self.enter(visitor=Case.shop.visitor("/" + OFFICE))
         Case.shop.execute(*(f"DELETE FROM kv_{name}" for name in
                        ("ordini", "recessi", "clienti", "disponibilita", "richieste", "tentativi",
-                        "annotazioni", "testi")))
+                        "annotazioni", "testi", "tolti")))
 
     def tearDown(self):
         self.assertEqual(Case.shop.log(), "")

@@ -1,17 +1,24 @@
-"""Orders on the merchant's own machine, with the program itself: korvane-cli at the door of a real back office. Classes
-for backoffice_work_test.py. KORVANE_TEST_ORDERS is how many orders are fetched, more than one answer brings."""
+"""Orders on the merchant's own machine, with the program itself: korvane-cli, and what the window of orders does, at the
+door of a real back office. Classes for backoffice_work_test.py. KORVANE_TEST_ORDERS is how many orders are fetched, more
+than one answer brings, and how many visitors order; KORVANE_DESK_AT_WORK the program of the desk."""
+import email.header
 import http.server
+import json
 import os
+import re
 import sqlite3
 import subprocess
 import threading
 import urllib.error
 import urllib.request
+from decimal import Decimal
 
-from backoffice_case import OFFICE
+from backoffice_case import OFFICE, page_forms
 from backoffice_remote import RemoteDesk
+from served_shop import order
 
 ORDERS = int(os.environ.get("KORVANE_TEST_ORDERS", "250"))
+PLACED = int(os.environ.get("KORVANE_TEST_ORDERS", "10"))
 
 
 class CutLine(http.server.BaseHTTPRequestHandler):
@@ -87,6 +94,114 @@ class ProgramOrders(RemoteDesk):
         status, lines, said = self.fetch()
         self.assertEqual([line[4] for line in lines if line[0] == "P7"], ["pagato"], said)
         self.assertEqual(len(lines), ORDERS)
+
+    def work(self, *lines):
+        """What the merchant was told and asked at the desk, a list for each line of work."""
+        done = subprocess.run([os.environ["KORVANE_DESK_AT_WORK"], self.shop.shop], env=self.shop.environment, text=True,
+                              input="".join("\t".join(line) + "\n" for line in lines), capture_output=True, check=True)
+        told = [[]]
+        for line in done.stdout.splitlines():
+            told[-1].append(line)
+            if line in ("done", "failed"):
+                told.append([])
+        self.assertEqual(len(told), len(lines) + 1, done.stdout)
+        return told[:-1]
+
+    def placed(self):
+        """Codes of orders that visitors have placed over HTTP, one to three pieces each, and the pieces by code."""
+        for n in range(PLACED):
+            self.assertIn("thankyou", order(self.shop.visitor(), f"41.{n % 3 + 1}", method=2, Cognome=f"Bianchi {n}").address)
+        codes = [row[0] for row in self.shop.rows("SELECT codice FROM kv_ordini ORDER BY id")]
+        return codes, {code: n % 3 + 1 for n, code in enumerate(codes)}
+
+    def status_mails(self, first):
+        """Which orders the mails from a number on are about, once for each mail."""
+        subjects = [str(email.header.make_header(email.header.decode_header(email.message_from_string(text)["Subject"])))
+                    for text in self.shop.mails()[first:]]
+        return sorted(re.search(r"\d{6}-[A-Z0-9]{6}", subject).group(0) for subject in subjects)
+
+    def test_states_are_set_on_both_sides_and_no_mail_goes_twice(self):
+        self.shop.execute("INSERT INTO kv_disponibilita VALUES ('A', '41', 1, 100000)")
+        codes, pieces = self.placed()
+        CutLine.cut = CutLine.asked + (1 if PLACED <= 200 else 2)
+        self.assertEqual(self.fetch()[0], 1)
+        status, lines, said = self.fetch()
+        self.assertEqual((status, sorted(line[0] for line in lines)), (0, sorted(codes)), said)
+        self.assert_sums_are_the_shops(lines)
+        mails, wanted, work, expected = len(self.shop.mails()), {}, [], []
+        for n, code in enumerate(codes):
+            here, there = ("annullato", None) if n % 5 == 4 else ("pagato", [None, "spedito", "spedito", "pagato"][n % 5])
+            if there:
+                self.change_state(there, code, scrivi=None)
+            work.append(("state", code, "nuovo", here, "yes" if n % 5 == 2 else "no", "yes", "yes"))
+            conflict = f"asked\tLo stato dell'ordine {code} è cambiato nel frattempo sul server.\\n\\nQui: nuovo\\nSul server: " \
+                "spedito\\nScelto: pagato\\n\\nNulla è stato modificato. Si desidera impostare comunque il valore scelto?"
+            sent = f"told\tMessaggio al cliente: {here}"
+            equal = "told\tL'ordine aveva già questo stato sul server: nulla è stato modificato, e nessun messaggio è partito."
+            expected.append([[sent], [conflict], [conflict, sent], [equal], [sent]][n % 5] + ["done"])
+            wanted[code] = "spedito" if n % 5 == 1 else here
+        self.assertEqual(self.work(*work), expected)
+        self.assertEqual(dict(self.shop.rows("SELECT codice, stato FROM kv_ordini")), wanted)
+        self.assertEqual(self.status_mails(mails), sorted(code for n, code in enumerate(codes) if n % 5 in (0, 2, 4)))
+        status, lines, said = self.fetch()
+        self.assertEqual((status, {line[0]: line[4] for line in lines}), (0, wanted), said)
+        self.assert_sums_are_the_shops(lines)
+        back = sum(pieces[code] for code in codes if wanted[code] == "annullato")
+        self.assertEqual(self.shop.rows("SELECT quantita FROM kv_disponibilita WHERE chiave = '41'"),
+                         [[str(100000 - sum(pieces.values()) + back)]])
+        self.assertEqual(self.pieces_here(), sum(pieces.values()))
+
+    def assert_sums_are_the_shops(self, lines):
+        shops = self.shop.rows("SELECT SUM(totale), COUNT(*) FROM kv_ordini")[0]
+        self.assertEqual((sum(Decimal(line[3].split(" ")[0]) for line in lines), len(lines)), (Decimal(shops[0]), int(shops[1])))
+
+    def pieces_here(self):
+        orders = sqlite3.connect(self.shop.shop / "ordini.db")
+        texts = [row[0] for row in orders.execute("SELECT dati FROM ordini")]
+        orders.close()
+        return sum(line["quantita"] for text in texts for line in json.loads(text)["righe"])
+
+    def test_a_stale_page_of_the_back_office_overwrites_nothing_that_was_set_here(self):
+        self.add_order("261101-AAAAAA")
+        self.fetch()
+        page = self.order_page()
+        form = next(f for f in page_forms(page) if "stato" in f["fields"])
+        self.assertEqual(self.work(("state", "261101-AAAAAA", "nuovo", "pagato", "no", "no", "no")), [["done"]])
+        self.assertIn("cambiato nel frattempo", self.office.send(form, page, stato="annullato").text)
+        self.assertEqual(self.shop.rows("SELECT stato FROM kv_ordini"), [["pagato"]])
+        told = self.work(("note", "261101-AAAAAA", "richiamare Łucja"), ("note", "261101-ZZZZZZ", "x"))
+        self.assertEqual((told[0], told[1][0].partition(".")[0]),
+                         (["done"], "asked\tIl server non ha più l'ordine 261101-ZZZZZZ"))
+        self.assertIn("richiamare &#321;ucja", self.order_page().text.replace("Ł", "&#321;"))
+
+    def test_a_change_whose_answer_is_lost_is_done_once(self):
+        self.add_order("261101-AAAAAA")
+        self.fetch()
+        mails = len(self.shop.mails())
+        CutLine.cut = CutLine.asked + 1
+        change = ("state", "261101-AAAAAA", "nuovo", "spedito", "no", "yes", "no")
+        told = self.work(change, change)
+        self.assertIn("Non si sa se il server ha eseguito la modifica", told[0][0])
+        self.assertIn("L'ordine aveva già questo stato", told[1][0])
+        self.assertEqual(len(self.shop.mails()), mails + 1)
+
+    def test_what_the_shop_deletes_of_a_customer_leaves_the_file_of_orders(self):
+        customer = self.add_customer("lucja@example.org")
+        self.add_order("OLD", "Łucja Nowakowska", "lucja@example.org", state="spedito", created="'2001-05-05 10:00:00'")
+        self.add_order("NEW", "Łucja Nowakowska", "lucja@example.org", state="spedito", fields={"Citta": "Nowakowska"})
+        self.add_order("OTHER", "Ugo Bassi")
+        self.shop.execute(f"UPDATE kv_ordini SET cliente = {customer} WHERE codice <> 'OTHER'")
+        self.assertEqual(len(self.fetch()[1]), 3)
+        self.assertIn(b"Nowakowska", (self.shop.shop / "ordini.db").read_bytes())
+        page = self.office.ask(f"cliente.php?id={customer}&elimina=1")
+        self.office.send(page.form("cliente.php"), page)
+        status, lines, said = self.fetch()
+        self.assertEqual((status, sorted(line[0] + " " + line[2] for line in lines)),
+                         (0, ["NEW Cliente eliminato", "OTHER Ugo Bassi"]), said)
+        self.assertIn("gli ordini restano, senza nome: NEW.", said)
+        self.assertIn("eliminati anche da questo computer: OLD.", said)
+        self.assertNotIn(b"owakowska", (self.shop.shop / "ordini.db").read_bytes())
+        self.assertEqual(self.fetch()[2], "")
 
     def test_a_server_with_another_key_or_none_is_told_apart(self):
         for key, words in (("f" * 64, "un'altra chiave"), ("", "non ha ancora la chiave")):

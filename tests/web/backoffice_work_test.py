@@ -4,6 +4,7 @@ import json
 import re
 
 from backoffice_case import Case, last_link, main, page_forms
+from backoffice_attacks import RemoteAttacks  # noqa: F401  (tests of this program)
 from backoffice_desk import Lines, Messages, TwoLanguages, Waiting  # noqa: F401  (tests of this program)
 from backoffice_people import PersonalData, Stock  # noqa: F401
 from backoffice_program import ProgramOrders  # noqa: F401

@@ -112,10 +112,27 @@ function kvEliminaDati(array $cliente): bool
     return true;
 }
 
-/** Deletes the anonymous orders whose years are over. */
+/**
+ * Deletes the anonymous orders whose years are over, with what belongs to them, and notes which, so that copies follow:
+ * all of it or nothing.
+ */
 function kvTogliOrdiniVecchi(): void
 {
-    $vecchi = "email = '' AND cliente = 0 AND nome = ? AND YEAR(creato) < YEAR(NOW()) - " . KV_ANNI_ORDINI;
-    kvQuery("DELETE FROM kv_recessi WHERE ordine IN (SELECT id FROM kv_ordini WHERE $vecchi)", [KV_CLIENTE_ELIMINATO]);
-    kvQuery("DELETE FROM kv_ordini WHERE $vecchi", [KV_CLIENTE_ELIMINATO]);
+    // The table must stand before the transaction: making one would end it.
+    kvRiga('SELECT COUNT(*) FROM kv_tolti WHERE id = 0');
+    mysqli_begin_transaction(kvConnessione());
+    $righe = kvQuery("SELECT id FROM kv_ordini WHERE email = '' AND cliente = 0 AND nome = ? AND YEAR(creato) < YEAR(NOW()) - "
+        . KV_ANNI_ORDINI . ' FOR UPDATE', [KV_CLIENTE_ELIMINATO]);
+    $fatto = $righe !== null && $righe !== [];
+    if ($fatto) {
+        $elenco = implode(',', array_map('intval', array_column($righe, 'id')));
+        foreach (["INSERT INTO kv_tolti (ordine, codice) SELECT id, codice FROM kv_ordini WHERE id IN ($elenco) ORDER BY id",
+                  "DELETE FROM kv_recessi WHERE ordine IN ($elenco)", "DELETE FROM kv_annotazioni WHERE ordine IN ($elenco)",
+                  "DELETE FROM kv_ordini WHERE id IN ($elenco)"] as $sql) {
+            $fatto = $fatto && kvQuery($sql) !== null;
+        }
+    }
+    if (!$fatto || !mysqli_commit(kvConnessione())) {
+        mysqli_rollback(kvConnessione());
+    }
 }

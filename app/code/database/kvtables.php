@@ -54,6 +54,8 @@ function kvDefinizioni(): array
             . " ordine INT NOT NULL, creato DATETIME NOT NULL, email VARCHAR(190) NOT NULL, tardi TINYINT NOT NULL DEFAULT 0,"
             . " stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL, righe TEXT NOT NULL, ricevuta TEXT NOT NULL,"
             . " KEY ordine (ordine)",
+        // Orders that were deleted, for whoever keeps a copy of them: number and code, and nothing of the customer.
+        'kv_tolti' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, ordine INT NOT NULL, codice VARCHAR(20) NOT NULL",
         'kv_stato' => "nome VARCHAR(40) NOT NULL PRIMARY KEY, valore VARCHAR(190) NOT NULL",
         'kv_tentativi' => "chiave CHAR(64) NOT NULL, quando DATETIME NOT NULL, KEY chiave (chiave, quando)",
     ];

@@ -31,11 +31,20 @@ struct DeskOrderNote {
   std::string text;
 };
 
+/// Pieces of one line that a withdrawal gives back.
+struct WithdrawnLine {
+  std::int64_t line = -1;  ///< index of the order's line; -1 when the order doesn't hold it
+  std::string title;       ///< in the customer's language
+  std::string choices;     ///< likewise; empty without any
+  std::int64_t quantity = 0;
+};
+
 /// A withdrawal of the customer from the order or from some of its lines.
 struct DeskWithdrawal {
   std::string number;
   std::string created;
-  std::string state;
+  std::string state;                   ///< "ricevuto", "accolto", "rimborsato", "respinto"
+  std::vector<WithdrawnLine> lines{};  ///< none from a server of an earlier release
 };
 
 /// A whole order.

@@ -3,6 +3,7 @@
 #include <QFont>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_plain_tip.h"
 #include "publish/orders/order_list.h"
 
 namespace kv {
@@ -31,8 +32,9 @@ QVariant OrderModel::data(const QModelIndex& index, int role) const {
   const OrderSummary& order = orders_[static_cast<std::size_t>(index.row())];
   switch (role) {
     case Qt::DisplayRole:
-    case Qt::ToolTipRole:
       return toQt(orderCell(order, index.column()));
+    case Qt::ToolTipRole:
+      return plainTip(toQt(orderCell(order, index.column())));
     case Qt::AccessibleTextRole:
       return toQt(orderCell(order, index.column()) + (order.isNew && index.column() == 0 ? ", nuovo" : ""));
     case Qt::TextAlignmentRole:

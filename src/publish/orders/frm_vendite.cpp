@@ -14,6 +14,7 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "platform/qt/frm_plain_tip.h"
 #include "publish/orders/frm_bar_chart.h"
 #include "publish/orders/frm_period_row.h"
 #include "publish/orders/order_texts.h"
@@ -137,7 +138,7 @@ void frmVendite::showRows() {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const int line = static_cast<int>(i);
     auto* name = new QTableWidgetItem(toQt(rows[i].label));
-    name->setToolTip(name->text());
+    name->setToolTip(plainTip(name->text()));
     lstVendite_->setItem(line, 0, name);
     lstVendite_->setItem(line, 1, numberItem(decimalText(rows[i].amount)));
     lstVendite_->setItem(line, 2, numberItem(std::to_string(rows[i].pieces)));

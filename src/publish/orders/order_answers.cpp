@@ -3,6 +3,8 @@
 #include <string_view>
 
 #include "publish/orders/order_protocol.h"
+#include "publish/orders/order_requests.h"
+#include "publish/orders/order_texts.h"
 
 namespace kv {
 namespace {
@@ -12,6 +14,7 @@ constexpr std::size_t mostLines = 10'000;
 constexpr std::size_t longestOrder = std::size_t{1} << 20;
 constexpr std::size_t longestCode = 200;
 constexpr std::int64_t mostPieces = 1'000'000'000;
+constexpr std::size_t mostWithdrawals = 1000;
 
 tl::unexpected<Error> outOfBounds(std::string_view what) {
   return fail(ErrorKind::Malformed, std::string(what),
@@ -98,9 +101,30 @@ void readParts(const JsonValue& value, DeskOrder& order) {
   for (const JsonValue& note : value.listOf("note")) {
     order.notes.push_back({note.textOf("quando"), note.textOf("tipo"), note.textOf("testo")});
   }
-  for (const JsonValue& one : value.listOf("recessi")) {
-    order.withdrawals.push_back({one.textOf("numero"), one.textOf("creato"), one.textOf("stato")});
+}
+
+Result<DeskWithdrawal> readWithdrawal(const JsonValue& value) {
+  DeskWithdrawal withdrawal{value.textOf("numero"), value.textOf("creato"), value.textOf("stato"), {}};
+  const auto& lines = value.listOf("righe");
+  if (lines.size() > mostLines) return outOfBounds("recessi");
+  for (const JsonValue& one : lines) {
+    const auto quantity = one.wholeOf("quantita");
+    if (!quantity || *quantity < 0 || *quantity > mostPieces) return outOfBounds("recessi");
+    withdrawal.lines.push_back(
+        {one.wholeOf("riga").value_or(-1), one.textOf("testo"), one.textOf("scelte"), *quantity});
   }
+  return withdrawal;
+}
+
+Result<> readWithdrawals(const JsonValue& value, DeskOrder& order) {
+  const auto& list = value.listOf("recessi");
+  if (list.size() > mostWithdrawals) return outOfBounds("recessi");
+  for (const JsonValue& one : list) {
+    auto withdrawal = readWithdrawal(one);
+    if (!withdrawal) return fail(withdrawal.error());
+    order.withdrawals.push_back(std::move(*withdrawal));
+  }
+  return {};
 }
 
 Result<ReceivedOrder> receivedOrder(const JsonValue& value) {
@@ -140,9 +164,11 @@ Result<DeskOrder> deskOrder(const JsonValue& value) {
   if (order.code.empty() || order.code.size() > longestCode) return outOfBounds("codice");
   if (!isTimeText(order.created)) return outOfBounds("creato");
   readTexts(value, order);
+  if (order.state.size() > longestCode) return outOfBounds("stato");
   readParts(value, order);
   if (auto read = readAmounts(value, order); !read) return fail(read.error());
   if (auto read = readLines(value, order); !read) return fail(read.error());
+  if (auto read = readWithdrawals(value, order); !read) return fail(read.error());
   return order;
 }
 
@@ -159,14 +185,33 @@ Result<OrdersAnswer> ordersAnswer(const JsonValue& answer) {
   }
   page.next = answer.textOf("dopo");
   page.more = answer.flagOf("altri");
+  page.goneMark = answer.textOf("tolti");
   if (page.next.size() > longestCode) return outOfBounds("dopo");
+  if (page.goneMark.size() > longestCode) return outOfBounds("tolti");
+  return page;
+}
+
+Result<GoneOrdersAnswer> goneOrdersAnswer(const JsonValue& answer) {
+  GoneOrdersAnswer page;
+  const JsonValue* orders = answer.member("tolti");
+  if (orders == nullptr || orders->kind != JsonKind::List || orders->items.size() > goneOrdersPerAnswer) {
+    return outOfBounds("tolti");
+  }
+  for (const JsonValue& one : orders->items) {
+    GoneOrder order{one.wholeOf("id").value_or(0), one.textOf("codice")};
+    if (order.id <= 0 || order.code.empty() || order.code.size() > longestCode) return outOfBounds("tolti");
+    page.orders.push_back(std::move(order));
+  }
+  page.more = answer.flagOf("altri");
+  // A part without an order would be asked for without end.
+  if (page.more && page.orders.empty()) return outOfBounds("tolti");
   return page;
 }
 
 Result<ChangeAnswer> changeAnswer(const JsonValue& answer) {
   const auto outcome = outcomeOf(answer);
   if (!outcome) return fail(outcome.error());
-  ChangeAnswer change{*outcome, std::nullopt, answer.textOf("mail")};
+  ChangeAnswer change{*outcome, std::nullopt, toldText(answer.textOf("mail"))};
   const JsonValue* order = answer.member("ordine");
   if (order == nullptr || order->kind == JsonKind::Null) {
     if (change.outcome != ChangeOutcome::Unknown) return outOfBounds("ordine");

@@ -22,6 +22,17 @@ struct OrdersAnswer {
   std::vector<ReceivedOrder> orders;  ///< at most 500
   std::string next;                   ///< for the next request
   bool more = false;                  ///< more have changed already
+  std::string goneMark = {};          ///< another one once a further order was deleted; empty: none was
+};
+
+/// An order that the shop has deleted.
+struct GoneOrder {
+  std::int64_t id = 0;
+  std::string code;
+};
+struct GoneOrdersAnswer {
+  std::vector<GoneOrder> orders;  ///< at most goneOrdersPerAnswer, see order_requests.h
+  bool more = false;
 };
 
 /// What became of a change that was asked for.
@@ -57,6 +68,7 @@ struct StockChangeAnswer {
 Result<DeskOrder> deskOrder(const JsonValue& value);
 
 Result<OrdersAnswer> ordersAnswer(const JsonValue& answer);
+Result<GoneOrdersAnswer> goneOrdersAnswer(const JsonValue& answer);
 /// Of `stato` and of `nota`.
 Result<ChangeAnswer> changeAnswer(const JsonValue& answer);
 Result<StockAnswer> stockAnswer(const JsonValue& answer);

@@ -23,7 +23,33 @@ constexpr const char* notKept =
     "La modifica è stata eseguita sul server, ma non è stata annotata qui: premere \"Aggiorna\".\n\n";
 constexpr const char* alreadyThere =
     "L'ordine aveva già questo stato sul server: nulla è stato modificato, e nessun messaggio è partito.";
-constexpr const char* unknownOrder = "Il server non ha più questo ordine. Quello già ricevuto resta leggibile qui.";
+constexpr const char* nameless =
+    "Il negozio ha eliminato i dati dei clienti di questi ordini. Sono stati eliminati anche da questo computer;\n"
+    "gli ordini restano, senza nome: ";
+constexpr const char* goneFromShop =
+    "Il negozio ha eliminato questi ordini, e perciò sono stati eliminati anche da questo computer: ";
+constexpr const char* alsoElsewhere =
+    "Se questi dati si trovano anche in stampe, in file PDF, CSV o XLSX e in copie del computer, eliminarli anche lì.";
+constexpr const char* notWiped =
+    "Gli ordini sono stati aggiornati, ma il file non è stato ripulito; accadrà con il prossimo \"Aggiorna\".\n\n";
+constexpr std::size_t codesTold = 20;
+
+/// The first codes, and how many there are beside them.
+std::string codeList(const std::vector<std::string>& codes) {
+  std::string text;
+  for (std::size_t i = 0; i < codes.size() && i < codesTold; ++i) text += (i > 0 ? ", " : "") + codes[i];
+  if (codes.size() > codesTold) text += " e altri " + std::to_string(codes.size() - codesTold);
+  return text + ".";
+}
+
+/// What was erased here, as the merchant reads it.
+std::string erasedText(const ErasedOrders& erased, bool keepsDamagedFile) {
+  std::string text;
+  if (!erased.anonymous.empty()) text += nameless + codeList(erased.anonymous) + "\n\n";
+  if (!erased.removed.empty()) text += goneFromShop + codeList(erased.removed) + "\n\n";
+  if (keepsDamagedFile) text += "Anche il file ordini-danneggiato.db, messo da parte, viene eliminato.\n\n";
+  return text + alsoElsewhere;
+}
 
 std::string levelFor(const std::string& level) {
   return level.empty() ? std::string("sconosciuta") : stockLevelText(level);
@@ -95,16 +121,35 @@ void OrderDesk::tellRefused(const Error& error) {
 
 void OrderDesk::tellRest(const OrderChange& done) {
   if (!done.mail.empty()) ports_.user.message(done.mail, Icon::Information);
+  tellErased();
   if (!done.kept) ports_.user.message(notKept + failureText(done.kept.error(), ordersFile), Icon::Exclamation);
+}
+
+void OrderDesk::tellErased() {
+  const auto erased = store_.erased();
+  if (!erased || erased->isNone()) return;
+  ports_.user.message(erasedText(*erased, store_.keepsDamagedFile()), Icon::Information);
+  const auto wiped = store_.erasedTold();
+  if (!wiped) ports_.user.message(notWiped + failureText(wiped.error(), ordersFile), Icon::Exclamation);
+}
+
+void OrderDesk::askUnknown(const std::string& code) {
+  const std::string text = "Il server non ha più l'ordine " + code +
+                           ". Quello già ricevuto resta leggibile qui.\n\nSi desidera eliminarlo anche da questo "
+                           "computer, con i dati del cliente?";
+  if (ports_.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return;
+  const auto removed = store_.removeCode(code);
+  if (!removed) ports_.user.message(failureText(removed.error(), ordersFile), Icon::Critical);
 }
 
 std::optional<FetchedOrders> OrderDesk::fetch(const std::function<void(int orders)>& received) {
   const auto access = ports_.access();
   const auto fetched =
       access ? fetchOrders(store_, *access, ports_.means, received) : Result<FetchedOrders>(fail(access.error()));
-  if (fetched) return *fetched;
-  tell(fetched.error());
-  return std::nullopt;
+  if (!fetched) tell(fetched.error());
+  // Also after a failure: what came before it is kept, and erased.
+  tellErased();
+  return fetched ? std::optional(*fetched) : std::nullopt;
 }
 
 bool OrderDesk::changeState(StateChange change) {
@@ -120,7 +165,7 @@ bool OrderDesk::changeState(StateChange change) {
       return false;
     }
     tellRest(*done);
-    if (done->outcome == ChangeOutcome::Unknown) ports_.user.message(unknownOrder, Icon::Exclamation);
+    if (done->outcome == ChangeOutcome::Unknown) askUnknown(change.code);
     if (done->outcome != ChangeOutcome::Different || !done->order) return true;
     const Conflict conflict{"Lo stato dell'ordine " + change.code + " è cambiato nel frattempo sul server.",
                             change.from, done->order->state, change.to};
@@ -142,7 +187,7 @@ bool OrderDesk::addNote(const OrderNote& note) {
     return false;
   }
   tellRest(*done);
-  if (done->outcome == ChangeOutcome::Unknown) ports_.user.message(unknownOrder, Icon::Exclamation);
+  if (done->outcome == ChangeOutcome::Unknown) askUnknown(note.code);
   return done->outcome == ChangeOutcome::Done;
 }
 

@@ -39,12 +39,14 @@ class OrderDesk {
 
   /// Opens the store; a damaged file is told. False when it can't be opened, which the user knows.
   bool open();
-  /// Fetches what is new. Nothing when it failed, which the user knows, or was cancelled; what came before is kept.
+  /// Fetches what is new, and tells what was erased here because the shop deleted it. Nothing when it failed, which the
+  /// user knows, or was cancelled; what came before is kept.
   std::optional<FetchedOrders> fetch(const std::function<void(int orders)>& received = {});
   /// Changes the state of an order. A state that the server no longer has is shown beside the chosen one, and the
   /// change is repeated on Yes. True when the order may show otherwise now.
   bool changeState(StateChange change);
-  /// Adds a note. True when it is on the server.
+  /// Adds a note. True when it is on the server. An order that the server no longer has can be removed here, as after
+  /// a change of state.
   bool addNote(const OrderNote& note);
   /// A part of the list of stock. Nothing when it failed, which the user knows.
   std::optional<StockAnswer> stock(const StockQuery& query);
@@ -58,6 +60,10 @@ class OrderDesk {
   void tellRefused(const Error& error);
   /// What came of a change beside its outcome: the mail, and a store that could not keep it.
   void tellRest(const OrderChange& done);
+  /// What was erased here because the shop deleted it.
+  void tellErased();
+  /// That the server doesn't know an order; removes it here on Yes.
+  void askUnknown(const std::string& code);
 
   OrderStore& store_;
   OrderDeskPorts ports_;

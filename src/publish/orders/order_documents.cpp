@@ -5,6 +5,7 @@
 
 #include "platform/text/text.h"
 #include "publish/orders/order_texts.h"
+#include "publish/orders/order_withdrawals.h"
 
 namespace kv {
 namespace {
@@ -46,13 +47,19 @@ std::string paperTable(const std::vector<PaperColumn>& columns, const std::vecto
 }
 
 /// The words of a line in the shop's first language, and under them the customer's where they differ.
-std::string lineName(const DeskOrderLine& line) {
+std::string lineWordsHtml(const DeskOrderLine& line) {
   std::string html = textAsHtml(line.shopTitle);
   if (!line.shopChoices.empty()) html += "<br><small>" + textAsHtml(line.shopChoices) + "</small>";
   if (line.title == line.shopTitle && line.choices == line.shopChoices) return html;
   html += "<br><small><i>" + textAsHtml(line.title);
   if (!line.choices.empty()) html += " (" + textAsHtml(line.choices) + ")";
   return html + "</i></small>";
+}
+
+/// The same with what the customer gives back of it.
+std::string lineName(const DeskOrderLine& line, std::int64_t withdrawn) {
+  const std::string part = withdrawnPart(withdrawn, line.quantity);
+  return lineWordsHtml(line) + (part.empty() ? "" : "<br><small><b>Recesso: " + part + "</b></small>");
 }
 
 /// The totals below the lines; those that are nothing are left out. VAT below 0 is none that is due.
@@ -79,9 +86,11 @@ std::string totalsTable(const DeskOrder& order) {
 
 std::string pricedLines(const DeskOrder& order) {
   std::vector<std::vector<std::string>> rows;
-  for (const DeskOrderLine& line : order.lines) {
-    rows.push_back(
-        {lineName(line), std::to_string(line.quantity), decimalText(line.price), decimalText(lineTotal(line))});
+  const OrderWithdrawn withdrawn = withdrawnOf(order);
+  for (std::size_t i = 0; i < order.lines.size(); ++i) {
+    const DeskOrderLine& line = order.lines[i];
+    rows.push_back({lineName(line, withdrawn.ofLine[i]), std::to_string(line.quantity), decimalText(line.price),
+                    decimalText(lineTotal(line))});
   }
   return "<h2>Articoli</h2>" +
          paperTable({{"Articolo", false, 55}, {"Quantità", true, 13}, {"Importo", true, 16}, {"Totale", true, 16}},
@@ -92,11 +101,12 @@ std::string pricedLines(const DeskOrder& order) {
 /// The lines without amounts; who receives them signs below.
 std::string deliveredLines(const DeskOrder& order) {
   std::vector<std::vector<std::string>> rows;
-  std::int64_t pieces = 0;
-  for (const DeskOrderLine& line : order.lines) {
-    rows.push_back({std::to_string(line.quantity), textAsHtml(line.code), lineName(line)});
-    pieces += line.quantity;
+  const OrderWithdrawn withdrawn = withdrawnOf(order);
+  for (std::size_t i = 0; i < order.lines.size(); ++i) {
+    const DeskOrderLine& line = order.lines[i];
+    rows.push_back({std::to_string(line.quantity), textAsHtml(line.code), lineName(line, withdrawn.ofLine[i])});
   }
+  const std::int64_t pieces = withdrawn.pieces + withdrawn.piecesLeft;
   return "<h2>Articoli consegnati</h2>" +
          paperTable({{"Quantità", true, 13}, {"Codice", false, 22}, {"Articolo", false, 65}}, rows) +
          "<p>Pezzi: " + std::to_string(pieces) +
@@ -149,14 +159,19 @@ std::string paperSummary(const DeskOrder& order, OrderPaper paper) {
   return html + "</p>";
 }
 
-std::string withdrawalsPart(const DeskOrder& order) {
+/// The withdrawals with their lines, and what is left; amounts are not for who gets the parcel.
+std::string withdrawalsPart(const DeskOrder& order, OrderPaper paper) {
   if (order.withdrawals.empty()) return {};
   std::string html = "<h2>Recessi</h2><p>";
   for (std::size_t i = 0; i < order.withdrawals.size(); ++i) {
     const DeskWithdrawal& one = order.withdrawals[i];
     html += (i > 0 ? "<br>" : "") + textAsHtml(one.number + " del " + orderDate(one.created, true) + ": " + one.state);
+    for (const std::string& line : withdrawalLines(order, one)) html += "<br>" + textAsHtml(line);
   }
-  return html + "</p>";
+  html += "</p>";
+  const auto sums = withdrawalSums(order, paper != OrderPaper::Delivery);
+  for (const std::string& sum : sums) html += "<p><b>" + textAsHtml(sum) + "</b></p>";
+  return html;
 }
 
 /// Whether the amount has come, on a receipt; the customer's notes on the other papers.
@@ -203,7 +218,7 @@ std::string orderPaper(const DeskOrder& order, OrderPaper paper, const ShopSende
   return "<html><head>" + std::string(paperStyle) + "</head><body><table width=\"100%\" cellspacing=\"0\"><tr>" +
          "<td width=\"55%\">" + senderCell(sender, logo) + "</td><td width=\"45%\">" + addresseeCell(order) +
          "</td></tr></table><h1>" + textAsHtml(paperTitle(order, paper)) + "</h1>" + paperSummary(order, paper) +
-         paperContent(order, paper) + paperEnd(order, paper) + withdrawalsPart(order) + "</body></html>";
+         paperContent(order, paper) + paperEnd(order, paper) + withdrawalsPart(order, paper) + "</body></html>";
 }
 
 }  // namespace kv

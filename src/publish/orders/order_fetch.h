@@ -21,7 +21,7 @@ struct FetchedOrders {
 
 /// Fetches what has changed since the last time, in as many answers as it takes; each is kept at once, so that a run
 /// that is cut goes on there. `received` is told how many orders have come so far, and may be empty. Cancelled when the
-/// means' `yield` said so.
+/// means' `yield` said so. What the shop has deleted since is removed too, see OrderStore::erased.
 Result<FetchedOrders> fetchOrders(OrderStore& store, const OrderAccess& access, const OrderMeans& means,
                                   const std::function<void(int orders)>& received = {});
 

@@ -4,6 +4,7 @@
 
 #include "publish/orders/order_documents.h"
 #include "publish/orders/order_texts.h"
+#include "publish/orders/order_withdrawals.h"
 
 namespace kv {
 
@@ -28,7 +29,9 @@ std::string labelText(const DeskOrder& order) {
     html += separator + textAsHtml(line);
     separator = "<br>";
   }
-  return html + separator + "<small>Ordine " + textAsHtml(order.code) + "</small></p></body></html>";
+  const std::string withdrawn = withdrawalOnLabel(order);
+  return html + separator + "<small>Ordine " + textAsHtml(order.code) + (withdrawn.empty() ? "" : " · ") + withdrawn +
+         "</small></p></body></html>";
 }
 
 }  // namespace kv

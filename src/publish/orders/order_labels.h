@@ -37,7 +37,8 @@ struct LabelPosition {
 /// sheet begins (0: a whole sheet).
 LabelPosition labelPosition(const LabelSheet& sheet, int first, int index);
 
-/// The address of an order as HTML, a line each, with its code in small print below.
+/// The address of an order as HTML, a line each, with its code in small print below, and what is left of an order of
+/// which the customer gives something back.
 std::string labelText(const DeskOrder& order);
 
 }  // namespace kv

@@ -6,6 +6,7 @@
 
 #include "platform/text/text.h"
 #include "publish/orders/order_texts.h"
+#include "publish/orders/order_withdrawals.h"
 #include "publish/orders/sales_days.h"
 
 namespace kv {
@@ -88,6 +89,15 @@ void addTotals(std::string& text, const DeskOrder& order) {
   addLine(text, "Totale", amountText(order.total, order.currency));
 }
 
+void addWithdrawals(std::string& text, const DeskOrder& order) {
+  if (!order.withdrawals.empty()) text += "\nRecessi\n";
+  for (const DeskWithdrawal& one : order.withdrawals) {
+    text += one.number + ", " + orderDate(one.created, true) + ": " + one.state + "\n";
+    for (const std::string& line : withdrawalLines(order, one)) text += "    " + line + "\n";
+  }
+  for (const std::string& sum : withdrawalSums(order, true)) text += sum + "\n";
+}
+
 }  // namespace
 
 std::vector<std::string> orderStateChoices() {
@@ -158,10 +168,7 @@ std::string orderDetails(const DeskOrder& order) {
   addRecipient(text, order);
   addLines(text, order);
   addTotals(text, order);
-  if (!order.withdrawals.empty()) text += "\nRecessi\n";
-  for (const DeskWithdrawal& one : order.withdrawals) {
-    text += one.number + ", " + orderDate(one.created, true) + ": " + one.state + "\n";
-  }
+  addWithdrawals(text, order);
   if (!order.notes.empty()) text += "\nAnnotazioni\n";
   for (const DeskOrderNote& note : order.notes) text += orderDate(note.when, true) + " " + note.text + "\n";
   return text;

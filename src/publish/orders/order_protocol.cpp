@@ -7,6 +7,7 @@
 #include "platform/files/message_code.h"
 #include "platform/text/form_text.h"
 #include "platform/text/text.h"
+#include "publish/orders/order_texts.h"
 
 namespace kv {
 namespace {
@@ -135,7 +136,7 @@ Result<JsonValue> readOrderAnswer(const OrderAccess& access, const OrderMessage&
   if (!answer || answer->kind != JsonKind::Object) return unusable(access);
   if (answer->member("errore") != nullptr) {
     return fail(ErrorKind::Other, access.address,
-                "Il server non ha potuto eseguire la richiesta:\n" + answer->textOf("errore"));
+                "Il server non ha potuto eseguire la richiesta:\n" + toldText(answer->textOf("errore")));
   }
   return answer;
 }

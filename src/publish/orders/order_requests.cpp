@@ -32,6 +32,10 @@ std::string ordersRequest(const std::string& after) {
   return RequestText("ordini").text("dopo", after).whole("quanti", ordersPerAnswer).end();
 }
 
+std::string goneOrdersRequest(int from) {
+  return RequestText("tolti").whole("da", from).whole("quanti", goneOrdersPerAnswer).end();
+}
+
 std::string stateRequest(const StateChange& change) {
   return RequestText("stato")
       .text("codice", change.code)

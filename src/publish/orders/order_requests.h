@@ -9,6 +9,8 @@ namespace kv {
 
 /// The most orders or rows of stock that one answer brings.
 inline constexpr int ordersPerAnswer = 200;
+/// The most orders that were deleted which one answer brings.
+inline constexpr int goneOrdersPerAnswer = 5000;
 
 /// A new state of an order, chosen while it was in another.
 struct StateChange {
@@ -40,6 +42,8 @@ struct StockChange {
 
 /// The changes since a cursor; empty: all orders.
 std::string ordersRequest(const std::string& after);
+/// Orders that were deleted, from an index on.
+std::string goneOrdersRequest(int from);
 std::string stateRequest(const StateChange& change);
 std::string noteRequest(const std::string& code, const std::string& text);
 std::string stockRequest(const StockQuery& query);

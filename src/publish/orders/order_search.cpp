@@ -28,6 +28,7 @@ std::string searchedText(const DeskOrder& order) {
 
 Result<DeskOrder> keptOrder(std::string_view text, const std::string& path) {
   auto value = readJson(text);
+  if (!value && value.error().kind != ErrorKind::Malformed) return fail(value.error());
   if (!value) return fail(ErrorKind::Corrupt, path, value.error().what);
   auto order = deskOrder(*value);
   if (!order) return fail(ErrorKind::Corrupt, path, order.error().what);

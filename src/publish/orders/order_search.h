@@ -12,7 +12,7 @@ namespace kv {
 /// All that a search looks into, in lower case.
 std::string searchedText(const DeskOrder& order);
 
-/// The order of a kept text. Corrupt, naming `path`, when it is none.
+/// The order of a kept text. Corrupt, naming `path`, when it is none; other failures as readJson.
 Result<DeskOrder> keptOrder(std::string_view text, const std::string& path);
 
 /// A query over the orders that pass a filter, newest first. It outlives its statement.

@@ -10,7 +10,7 @@
 namespace kv {
 namespace {
 
-constexpr std::string_view damagedFile = "ordini-danneggiato.db", unfinishedFile = "ordini.tm0";
+constexpr std::string_view unfinishedFile = "ordini.tm0";
 constexpr std::string_view addressNote = "indirizzo", cursorNote = "dopo", askedNote = "chiesto", tellNote = "avviso";
 
 // An order is known by number and code: a server that was set up again counts from 1, with other codes.
@@ -21,7 +21,8 @@ constexpr const char* tables =
     "CREATE TABLE annotato (nome TEXT PRIMARY KEY, valore TEXT)";
 
 // A kill leaves the file whole; after a loss of power it may be damaged, and is fetched again.
-constexpr const char* withoutFlushing = "PRAGMA synchronous=OFF";
+// What is replaced or removed is overwritten: a customer's data that the shop deletes must not stay in unused pages.
+constexpr const char* fileHabits = "PRAGMA synchronous=OFF; PRAGMA secure_delete=ON";
 
 constexpr const char* addOrder =
     "INSERT INTO ordini (id, codice, creato, nome, totale, valuta, stato, cerca, dati, visto)"
@@ -42,7 +43,7 @@ Result<bool> isWhole(Database& database) {
 Result<> makeFile(const std::string& path) {
   auto made = Database::create(path);
   if (!made) return fail(made.error());
-  ignore(made->execute(withoutFlushing), "it is only slower then");
+  ignore(made->execute(fileHabits), "it is only slower then");
   if (auto restricted = restrictToOwner(path); !restricted) return restricted;
   return made->execute(tables);
 }
@@ -70,7 +71,7 @@ Result<> OrderStore::open() {
     if (opened) opened->close();
     return putAside();
   }
-  ignore(opened->execute(withoutFlushing), "it is only slower then");
+  ignore(opened->execute(fileHabits), "it is only slower then");
   ignore(restrictToOwner(path()), "a file system without permissions, or another user's file, is read all the same");
   database_ = std::move(*opened);
   return {};
@@ -79,7 +80,7 @@ Result<> OrderStore::open() {
 Result<> OrderStore::putAside() {
   wasDamaged_ = true;
   ignore(deleteFile(path() + "-journal"), "usually there is none");
-  return renameFile(path(), joinPath(shopFolder_, damagedFile));
+  return renameFile(path(), joinPath(shopFolder_, damagedOrdersFile));
 }
 
 Result<> OrderStore::make() {
@@ -120,15 +121,25 @@ Result<std::string> OrderStore::cursor(const std::string& address) {
   return *asked == address ? noted(cursorNote) : Result<std::string>(std::string());
 }
 
+Result<> OrderStore::together(const std::function<Result<>()>& work) {
+  if (auto begun = database_.begin(); !begun) return begun;
+  if (auto done = work(); !done) {
+    database_.rollback();
+    return done;
+  }
+  return database_.commit();
+}
+
 Result<ArrivalCount> OrderStore::take(const OrderArrival& arrival) {
   if (auto made = make(); !made) return fail(made.error());
-  if (auto begun = database_.begin(); !begun) return fail(begun.error());
-  auto count = keep(arrival);
-  if (!count) {
-    database_.rollback();
-    return count;
-  }
-  if (auto done = database_.commit(); !done) return fail(done.error());
+  ArrivalCount count;
+  const auto taken = together([&]() -> Result<> {
+    const auto kept = keep(arrival);
+    if (!kept) return fail(kept.error());
+    count = *kept;
+    return {};
+  });
+  if (!taken) return fail(taken.error());
   return count;
 }
 
@@ -149,12 +160,11 @@ Result<ArrivalCount> OrderStore::keep(const OrderArrival& arrival) {
 
 Result<bool> OrderStore::keepOrder(const ReceivedOrder& received, bool isNew) {
   const DeskOrder& order = received.order;
-  auto known = database_.prepare("SELECT 1 FROM ordini WHERE id = ?1 AND codice = ?2");
-  if (!known) return fail(known.error());
-  known->bind(1, order.id);
-  known->bind(2, order.code);
-  const auto found = known->step();
+  const auto found = keptText(order.id, order.code);
   if (!found) return fail(found.error());
+  if (*found) {
+    if (auto noted = noteIfAnonymous(**found, order); !noted) return fail(noted.error());
+  }
   auto insert = database_.prepare(addOrder);
   if (!insert) return fail(insert.error());
   const std::string search = searchedText(order);
@@ -169,13 +179,25 @@ Result<bool> OrderStore::keepOrder(const ReceivedOrder& received, bool isNew) {
   insert->bind(9, received.text);
   insert->bind(10, !isNew);
   if (auto done = insert->execute(); !done) return fail(done.error());
-  return !*found;
+  return !found->has_value();
 }
 
 Result<> OrderStore::replace(const ReceivedOrder& order) {
   if (auto made = make(); !made) return made;
-  const auto kept = keepOrder(order, false);
-  return kept ? Result<>() : Result<>(fail(kept.error()));
+  return together([&]() -> Result<> {
+    const auto kept = keepOrder(order, false);
+    return kept ? Result<>() : Result<>(fail(kept.error()));
+  });
+}
+
+Result<std::optional<std::string>> OrderStore::keptText(std::int64_t id, const std::string& code) {
+  auto query = database_.prepare("SELECT dati FROM ordini WHERE id = ?1 AND codice = ?2");
+  if (!query) return fail(query.error());
+  query->bind(1, id);
+  query->bind(2, code);
+  const auto found = query->step();
+  if (!found) return fail(found.error());
+  return *found ? std::optional(std::string(query->text(0))) : std::nullopt;
 }
 
 Result<std::vector<OrderSummary>> OrderStore::list(const OrderLookup& filter) {

@@ -4,6 +4,8 @@
 // the server comes into it whole, together with the cursor for the next request, or not at all.
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,9 @@ namespace kv {
 
 /// The file of a shop folder that holds the orders.
 inline constexpr std::string_view ordersFile = "ordini.db";
+
+/// What a damaged one is renamed to.
+inline constexpr std::string_view damagedOrdersFile = "ordini-danneggiato.db";
 
 /// Any of openOrderStates(): a value of OrderLookup::state beside orderStates().
 inline constexpr std::string_view openOrders = "da evadere";
@@ -50,18 +55,27 @@ struct ArrivalCount {
   int changed = 0;
 };
 
+/// Codes of orders that lost their customer's data, or were removed, because the shop deleted them.
+struct ErasedOrders {
+  std::vector<std::string> anonymous;
+  std::vector<std::string> removed;
+  bool isNone() const { return anonymous.empty() && removed.empty(); }
+};
+
 class OrderStore {
  public:
   /// Opens nothing yet.
   explicit OrderStore(std::string shopFolder);
 
-  /// Opens the file where there is one. One that is damaged is put aside as `ordini-danneggiato.db`, and the next
+  /// Opens the file where there is one. One that is damaged is put aside as damagedOrdersFile, and the next
   /// answers make a new one. Failures as Database::open and renameFile.
   Result<> open();
   /// Whether orders have been kept here.
   bool isOpen() const { return database_.isOpen(); }
   /// Whether open() met a damaged file.
   bool wasDamaged() const { return wasDamaged_; }
+  /// Whether a damaged file that was put aside is still there.
+  bool keepsDamagedFile() const;
   /// The path of the file.
   std::string path() const;
 
@@ -74,6 +88,19 @@ class OrderStore {
   Result<ArrivalCount> take(const OrderArrival& arrival);
   /// Keeps an order as the server has it now, after a change from here. It isn't new.
   Result<> replace(const ReceivedOrder& order);
+
+  /// Removes orders that the shop has deleted; all of them or none.
+  Result<> remove(const std::vector<GoneOrder>& orders);
+  /// Removes the orders of a code that the server doesn't know, as the merchant wishes.
+  Result<> removeCode(const std::string& code);
+  /// The mark of what the server had deleted when that was last followed; empty: never.
+  Result<std::string> goneMark(const std::string& address);
+  Result<> noteGoneMark(const std::string& address, const std::string& mark);
+  /// What was erased here and not yet told.
+  Result<ErasedOrders> erased();
+  /// It was told. Rebuilds the file, so that nothing of it is left in unused pages, and deletes a damaged file that was
+  /// put aside, which may hold it too.
+  Result<> erasedTold();
 
   /// The orders that pass a filter, newest first.
   Result<std::vector<OrderSummary>> list(const OrderLookup& filter);
@@ -100,6 +127,14 @@ class OrderStore {
   Result<std::string> noted(std::string_view name);
   Result<> note(std::string_view name, const std::string& value);
   Result<ArrivalCount> keep(const OrderArrival& arrival);
+  Result<> removeEach(const std::vector<GoneOrder>& orders);
+  /// Runs a step in one transaction.
+  Result<> together(const std::function<Result<>()>& work);
+  /// Notes an order that has lost its customer since it was kept.
+  Result<> noteIfAnonymous(std::string_view kept, const DeskOrder& received);
+  Result<std::vector<std::string>> notedCodes(std::string_view kind);
+  /// The text of an order that is kept; nothing where there is none.
+  Result<std::optional<std::string>> keptText(std::int64_t id, const std::string& code);
   Result<bool> keepOrder(const ReceivedOrder& received, bool isNew);
 
   std::string shopFolder_;

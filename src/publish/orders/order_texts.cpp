@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::size_t longestRun = 24;  // characters of a word until it may break
 constexpr std::string_view breakHere = "&#8203;";
+constexpr unsigned char firstOfC1 = 0xC2;  // of the two bytes of U+0080 to U+009F in UTF-8
 
 bool isDigitAt(std::string_view text, std::size_t at) { return at < text.size() && text[at] >= '0' && text[at] <= '9'; }
 
@@ -37,6 +38,29 @@ std::string_view escapeOf(char c) {
     default:
       return {};
   }
+}
+
+/// Whether a character of UTF-8 begins here that only controls: C0, DEL, and C1 of two bytes.
+bool isControlAt(std::string_view text, std::size_t at) {
+  constexpr unsigned char firstPrinting = 0x20, deleteSign = 0x7F, endOfC1 = 0xA0;
+  const auto byte = static_cast<unsigned char>(text[at]);
+  if (byte < firstPrinting || byte == deleteSign) return true;
+  return byte == firstOfC1 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < endOfC1;
+}
+
+/// A text with a space for each character that controls; `kept` stays.
+std::string withoutControls(std::string_view text, char kept) {
+  std::string plain;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == kept || !isControlAt(text, at)) {
+      plain += text[at];
+      continue;
+    }
+    plain += ' ';
+    const bool isPair = static_cast<unsigned char>(text[at]) == firstOfC1;
+    if (isPair) ++at;
+  }
+  return plain;
 }
 
 bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }
@@ -86,6 +110,14 @@ std::string orderField(const DeskOrder& order, const std::string& name) {
   const auto found = order.fields.find(name);
   return found == order.fields.end() ? std::string() : found->second;
 }
+
+std::string toldText(std::string_view text) {
+  constexpr std::size_t longestTold = 500;
+  const std::string_view part = firstCharacters(text, longestTold);
+  return withoutControls(part, '\n') + (part.size() < text.size() ? "..." : "");
+}
+
+std::string toldLine(std::string_view text) { return withoutControls(text, ' '); }
 
 std::string textAsHtml(std::string_view text) {
   std::string html;

@@ -22,6 +22,12 @@ bool isBetweenDays(const DeskOrder& order, std::string_view from, std::string_vi
 /// A field of the order form; empty where the form has none of this name.
 std::string orderField(const DeskOrder& order, const std::string& name);
 
+/// Text of a server that is to be told or printed: at most 500 characters, without any that control a terminal but line
+/// ends.
+std::string toldText(std::string_view text);
+/// The same on one line, of any length.
+std::string toldLine(std::string_view text);
+
 /// Text as HTML, with line ends as breaks. A run of characters without a space may break after every 24 of them, so
 /// that no name pushes a table out of its page.
 std::string textAsHtml(std::string_view text);

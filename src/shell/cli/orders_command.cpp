@@ -7,23 +7,15 @@
 #include "publish/orders/order_desk.h"
 #include "publish/orders/order_files.h"
 #include "publish/orders/order_list.h"
+#include "publish/orders/order_texts.h"
 #include "shell/cli/cli_session.h"
 
 namespace kv {
 namespace {
 
-/// A text of a customer's as one column of a line.
-std::string inOneColumn(std::string text) {
-  for (char& c : text) {
-    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
-  }
-  return text;
-}
-
 void printOrder(const DeskOrder& order, std::ostream& out) {
-  out << inOneColumn(order.code) << '\t' << order.created << '\t' << inOneColumn(order.name) << '\t'
-      << formatNumber(order.total, "0.00") << ' ' << inOneColumn(order.currency) << '\t' << inOneColumn(order.state)
-      << '\n';
+  out << toldLine(order.code) << '\t' << order.created << '\t' << toldLine(order.name) << '\t'
+      << formatNumber(order.total, "0.00") << ' ' << toldLine(order.currency) << '\t' << toldLine(order.state) << '\n';
 }
 
 /// Whether the file was written, or none is wanted; the user knows why it wasn't.
