@@ -127,11 +127,27 @@ class CsvWalk {
 struct CellSink final : CsvSink {
   explicit CellSink(CellTable& into) : cells(into) {}
   CellTable& cells;
-  bool field(std::string_view text) override { return cells.add(text); }
+  bool field(std::string_view text) override { return cells.add(unguardedCsvText(text)); }
   bool endRecord(std::uint32_t line) override { return cells.endRow(line); }
 };
 
+/// Whether a spreadsheet would run a text as a formula, the apostrophes before it left out.
+bool isFormula(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of('\''), text.size()));
+  if (text.empty()) return false;
+  if (text.front() == '+' || text.front() == '-') {
+    return text.find_first_not_of("0123456789., ", 1) != std::string_view::npos;
+  }
+  return std::string_view("=@\t\r").find(text.front()) != std::string_view::npos;
+}
+
 }  // namespace
+
+std::string guardedCsvText(std::string_view text) { return (isFormula(text) ? "'" : "") + std::string(text); }
+
+std::string_view unguardedCsvText(std::string_view text) {
+  return text.starts_with('\'') && isFormula(text) ? text.substr(1) : text;
+}
 
 bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd) {
   return CsvWalk(text, separator, sink, lineEnd).run();

@@ -63,6 +63,12 @@ bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional
 /// A text of separated values as cells, and how it was read. Nothing when it has more than the limits allow.
 std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
                                  CsvReading& reading);
+/// A text as a file of separated values holds it: with an apostrophe before it where a spreadsheet would run it as a
+/// formula ("=", "@", a tab, or a sign before what is no number), or where it starts with apostrophes before such a
+/// text.
+std::string guardedCsvText(std::string_view text);
+/// The text that guardedCsvText made of another.
+std::string_view unguardedCsvText(std::string_view text);
 /// A field as it is written: in quotes where it needs them.
 void appendCsvField(std::string& line, std::string_view text, char separator);
 /// UTF-8 in an encoding, without its mark. What Windows-1252 hasn't becomes a character reference.

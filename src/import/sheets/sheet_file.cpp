@@ -53,7 +53,7 @@ class CsvOutput final : public SheetOutput {
     for (std::size_t i = 0; i < cells.size(); ++i) {
       if (i > 0) line += form_.separator;
       const SheetCell& cell = cells[i];
-      appendCsvField(line, cell.isNumber ? withSeparator(cell.text, form_.decimalSeparator) : std::string(cell.text),
+      appendCsvField(line, cell.isNumber ? withSeparator(cell.text, form_.decimalSeparator) : guardedCsvText(cell.text),
                      form_.separator);
     }
     line += form_.lineEnd == CsvLineEnd::CrLf ? "\r\n" : form_.lineEnd == CsvLineEnd::Lf ? "\n" : "\r";
