@@ -48,14 +48,8 @@ demo: build
 	@cmake --build --preset dev --target korvane-cli korvane_data
 	@tools/run-demo build/dev/bin/korvane-cli $(DEMO_ARGS)
 
-# Every test once: the unit tests with the sanitizers, all the others with the programs as they are handed out. Both
-# runs come to their end, whatever the first finds.
 test: deps
-	@cmake --preset asan
-	@cmake --preset programs
-	@cmake --build --preset asan --target unit_tests
-	@cmake --build --preset programs --target program_tests
-	@ctest --preset unit; unit=$$?; ctest --preset programs && exit $$unit
+	@tools/run-tests
 
 asan: deps
 	@cmake --preset asan
@@ -70,7 +64,8 @@ bench: deps-more
 lighthouse: build
 	@tools/install-npm
 	@cmake --build --preset dev --target korvane-cli korvane_data
-	@node tests/e2e/lighthouse.mjs --cli build/dev/bin/korvane-cli --template chiaro --work build/lighthouse
+	@for template in chiaro classico; do echo "$$template"; node tests/e2e/lighthouse.mjs \
+	  --cli build/dev/bin/korvane-cli --template $$template --work build/lighthouse || low=1; done; exit $${low:-0}
 
 screenshots: deps
 	@tools/screenshots $(SHOTS_ARGS)

@@ -15,6 +15,8 @@ sys.path.insert(0, str(SOURCES / "tests/web"))
 from served_shop import ServedShop  # noqa: E402  (the path above comes first)
 
 ROUNDS = 3
+BAR = 0.1  # of a full load
+LARGE = 10000  # articles
 EVERY_RECORD, CHANGED_RECORDS = "-1", "0"
 
 
@@ -72,12 +74,14 @@ class UpdateBench:
         part = self.best(CHANGED_RECORDS)
         if b"CREATE TABLE" in self.last_sql:
             raise SystemExit("no difference was made")
-        print("update of %d articles: all %.2f s   1 %% changed %.2f s   ratio %.3f"
-              % (self.articles, whole, part, part / whole), flush=True)
+        # The bar is that of a large shop: in a small one most of a load is what every load takes.
+        verdict = "  bar %g  %s" % (BAR, "met" if part <= BAR * whole else "MISSED") if self.articles >= LARGE else ""
+        print("update of %d articles: all %.2f s   1 %% changed %.2f s   ratio %.3f%s"
+              % (self.articles, whole, part, part / whole, verdict), flush=True)
 
 
 def main():
-    articles = 2000 if "--quick" in sys.argv else 10000
+    articles = 2000 if "--quick" in sys.argv else LARGE
     live = ServedShop(str(pathlib.Path(sys.argv[1]).resolve()), multiply_articles(articles))
     try:
         UpdateBench(live.open(), articles).measure()

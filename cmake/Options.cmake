@@ -34,9 +34,12 @@ target_link_options(korvane_options INTERFACE $<$<CONFIG:Release>:-Wl,-z,relro,-
 target_compile_options(korvane_options INTERFACE $<$<CONFIG:Release>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>
   $<$<CONFIG:Release>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>)
 if(KORVANE_SANITIZE)
-  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_compile_options(korvane_options INTERFACE ${sanitizers})
-  target_link_options(korvane_options INTERFACE ${sanitizers})
+  # A target with KORVANE_ADDRESSES_ONLY has no checks of undefined behaviour; the option of a target itself would come
+  # before these and mean nothing.
+  set(undefined $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KORVANE_ADDRESSES_ONLY>>>:,undefined>)
+  set(sanitizers -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(korvane_options INTERFACE -fsanitize=address${undefined} ${sanitizers})
+  target_link_options(korvane_options INTERFACE -fsanitize=address,undefined ${sanitizers})
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # The instrumented code makes GCC doubt variables that are set on every path.
     target_compile_options(korvane_options INTERFACE -Wno-error=maybe-uninitialized)

@@ -67,6 +67,38 @@ TEST_F(LegalDuties, WhoSellsIsAskedFor) {
   EXPECT_EQ(duty("Chi vende").state, DutyState::Met);
 }
 
+TEST_F(LegalDuties, WhatIsLeftOfTheModelShopsSellerIsNamedAndLeadsToItsField) {
+  const LegalDuty untouched = duty("Dati propri");
+  EXPECT_EQ(untouched.state, DutyState::Missing);
+  EXPECT_EQ(untouched.text,
+            "Sono ancora quelli del negozio modello: nome del negozio, e-mail per gli ordini, testo "
+            "libero 2, testo del pagamento anticipato, firma delle e-mail.");
+  EXPECT_EQ(untouched.target.column, "titolo");
+  EXPECT_EQ(untouched.target.language, 1);
+  sql("UPDATE generale SET titolo = 'Forno', titolo_l2 = 'Bakery', email_ordini = 'b@example.org', testo2 = 'Via Po',"
+      " testo2_l2 = ' ', anticipato = 'IBAN', firma_email = NULL");
+  EXPECT_EQ(duty("Dati propri").text, "Sono ancora quelli del negozio modello: testo del pagamento anticipato.");
+  EXPECT_EQ(duty("Dati propri").target.column, "anticipato");
+  EXPECT_EQ(duty("Dati propri").target.language, 2);
+  sql("UPDATE generale SET anticipato_l2 = 'IBAN'");
+  EXPECT_EQ(duty("Dati propri").state, DutyState::Met);
+}
+
+TEST_F(LegalDuties, ATextThatStillNamesTheModelShopsSellerIsNotTheShopsOwn) {
+  sql("UPDATE generale SET titolo = 'Forno', titolo_l2 = 'Bakery', email_ordini = 'b@example.org', testo2 = '',"
+      " testo2_l2 = '', anticipato = '', anticipato_l2 = '', firma_email = '',"
+      " recesso = 'Scrivere a Bottega Montelune entro 30 giorni.'");
+  EXPECT_EQ(duty("Dati propri").text, "Sono ancora quelli del negozio modello: diritto di recesso.");
+  session.languageCount = 1;
+  sql("UPDATE generale SET recesso = 'R', titolo_l2 = 'Bottega Montelune'");
+  EXPECT_EQ(duty("Dati propri").state, DutyState::Met) << "a language that the shop hasn't";
+}
+
+TEST_F(LegalDuties, WithoutAModelShopNothingIsComparedWithIt) {
+  const auto duties = legalDuties(session, root / "app").value();
+  EXPECT_EQ(std::ranges::count(duties, "Dati propri", &LegalDuty::title), 0);
+}
+
 TEST_F(LegalDuties, WithoutAnyContentTheMerchantHasToTellWhetherOneIsNeeded) {
   const LegalDuty unit = duty("Prezzo per unità");
   EXPECT_EQ(unit.state, DutyState::Check);

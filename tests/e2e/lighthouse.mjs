@@ -1,5 +1,6 @@
 // Lighthouse's scores for first page, a department and a filled cart of the model shop, on a telephone and at a desk.
-// Ends with 1 when a score is below 95. Options: see support/options.mjs.
+// Ends with 1 when a score is too low: `chiaro` reaches 100 wherever search engines may look, everything else 95. Options:
+// see support/options.mjs.
 import { rmSync } from "node:fs";
 import { join } from "node:path";
 import { measure, openMeasured } from "./support/lighthouse.mjs";
@@ -9,11 +10,11 @@ import { readOptions } from "./support/options.mjs";
 import { Shopper } from "./support/shopper.mjs";
 import { languages, readWords } from "./support/words.mjs";
 
-const wanted = 95;
 const categories = ["performance", "accessibility", "best-practices", "seo"];
 const pages = { home: "index.php", department: "cat007.php?n=1", cart: "cart.php" };
 
 const options = readOptions();
+const wanted = (page) => (options.template === "chiaro" && page !== pages.cart ? 100 : 95);
 process.env.TMPDIR = options.work;
 const host = await serve(makeShop({ ...options, folder: options.work }), join(options.work, "host"));
 const [language] = languages;
@@ -27,7 +28,7 @@ const browser = await openMeasured(async (page) => {
 /** The best of up to three runs: whatever else the machine does only makes a page slower. */
 async function best(page, screen) {
   let found = await measure(browser, `${host.shop}/${page}`, categories, screen);
-  for (let run = 2; run <= 3 && found.scores.performance < wanted; run++) {
+  for (let run = 2; run <= 3 && found.scores.performance < wanted(page); run++) {
     const again = await measure(browser, `${host.shop}/${page}`, categories, screen);
     found = again.scores.performance > found.scores.performance ? again : found;
   }
@@ -42,7 +43,7 @@ for (const screen of ["mobile", "desktop"]) {
     console.log([name, screen, ...categories.map((category) => String(scores[category]))]
       .map((word) => word.padEnd(15)).join(""));
     losses.forEach((loss) => console.log(`  ${loss}`));
-    low ||= categories.some((category) => scores[category] < wanted);
+    low ||= categories.some((category) => scores[category] < wanted(page));
   }
 }
 await browser.close();

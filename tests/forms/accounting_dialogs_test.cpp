@@ -105,7 +105,12 @@ TEST_F(TheAccountingDialogs, TheThirdGenerationHasABoxForEachVisibility) {
   frmImportaOG3 dialog(readAccountingOptions("12310130101", 3), user);
   show(dialog);
   EXPECT_EQ(test::namelessControls(dialog), "");
-  EXPECT_EQ(control<QCheckBox>(dialog, "chkVista1")->text(), "Visibili solo in scarico e fatturazione");
+  int box = 0;
+  for (const char* caption : {"Sempre visibili", "Visibili solo in scarico e fatturazione",
+                              "Visibili solo in operazioni di carico", "Invisibili"}) {
+    const std::string name = "chkVista" + std::to_string(box++);
+    EXPECT_EQ(control<QCheckBox>(dialog, name.c_str())->text().remove(QLatin1Char('&')), caption);
+  }
   EXPECT_TRUE(control<QCheckBox>(dialog, "chkVista1")->isChecked());
   test::keepPicture(dialog, "importa_og3");
   QTest::keyClick(control<QCheckBox>(dialog, "chkVista0"), Qt::Key_Space);

@@ -95,6 +95,21 @@ TEST_F(BulkCommands, OfTheMailGoThroughTheFieldOfTheWindow) {
   EXPECT_EQ(stored("testo_email"), "Grazie");
 }
 
+TEST_F(BulkCommands, OfTheMailEditTheLanguageBeingEdited) {
+  fill("UPDATE generale SET testo_email = 'Grazie', testo_email_l2 = 'Thanks'");
+  openWindow();
+  window->workbench().CambiaLingua(2);
+  goTab(Tab::Site);
+  whenShown(QStringLiteral("Korvane - Testo e-mail di conferma"), [](QWidget& dialog) {
+    auto* field = control<QPlainTextEdit>(dialog, "txtTesto");
+    EXPECT_EQ(fromQt(field->toPlainText()), "Thanks");
+    field->setPlainText(QStringLiteral("Thank you"));
+    click(dialog, "cmdOK");
+  });
+  EXPECT_TRUE(choose("orderMail"));
+  EXPECT_EQ(stored("testo_email || '|' || testo_email_l2"), "Grazie|Thank you");
+}
+
 TEST_F(BulkCommands, OfThePrivacyPolicyHaveAButtonBesideTheField) {
   fill("UPDATE generale SET p3p = 'NOI'");
   openWindow();

@@ -7,6 +7,7 @@
 #include <QProgressDialog>
 #include <QRadioButton>
 
+#include "captions.h"
 #include "dialog_fixture.h"
 #include "store/exchange/frm_esporta.h"
 #include "store/exchange/frm_export_progress.h"
@@ -42,6 +43,13 @@ TEST_F(TheExportDialog, ReturnsTheCharactersOfWhatIsChosen) {
   EXPECT_EQ(control<QPlainTextEdit>(*dialog, "txtScript")->toPlainText(), "a.php\nb.js");
   EXPECT_TRUE(control<QPlainTextEdit>(*dialog, "txtScript")->isReadOnly());
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optTuttiTag")->isChecked()) << "the first one is chosen";
+  EXPECT_EQ(
+      test::missingCaptions(
+          *dialog, {"Esporta il template utilizzato dal negozio", "Esporta i moduli linguistici utilizzati dal negozio",
+                    "Esporta gli script:", "(selezionare questa opzione se gli script sono stati personalizzati)",
+                    "Resetta le cartelle di lavoro del negozio esportato", "Esporta tutti i tag personalizzati",
+                    "Esporta solo i tag personalizzati relativi al negozio corrente"}),
+      "");
   test::keepPicture(*dialog, "esporta");
   for (const char* name : {"chkTemplate", "chkLingue", "chkScript", "chkReset"}) {
     QTest::keyClick(control<QCheckBox>(*dialog, name), Qt::Key_Space);
@@ -107,6 +115,9 @@ TEST_F(TheImportDialog, OkIsEnabledWithAPathAndReturnsIt) {
   EXPECT_EQ(user.foldersAsked[0].prompt, "Selezionare la cartella del negozio di origine:");
   EXPECT_TRUE(preview().starts_with("Versione del negozio di origine: 250\narticoli: ")) << preview();
   EXPECT_EQ(test::namelessControls(*dialog), "");
+  EXPECT_EQ(test::missingCaptions(*dialog, {"- Scelta del template", "- Configurazione dei sistemi di pagamento",
+                                            "- Configurazione della scheda \"Internet\""}),
+            "");
   test::keepPicture(*dialog, "importa_primo");
   QTest::mouseClick(ok, Qt::LeftButton);
   EXPECT_EQ(dialog->tag(), source);

@@ -8,6 +8,7 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 
+#include "captions.h"
 #include "commerce/gateways/frm_configura_pg.h"
 #include "dialog_fixture.h"
 
@@ -48,6 +49,18 @@ TEST_F(TheGatewayDialogs, EachModuleHasItsDialogWithEveryControlNamed) {
     test::keepPicture(*dialog, "gateway" + std::to_string(i));
     expectEscapeLeaves(*dialog);
     EXPECT_EQ(conf(std::string(gatewayModules()[i].folder)), before);
+  }
+}
+
+TEST_F(TheGatewayDialogs, TheSwitchesHaveTheirCaptions) {
+  std::string captions;
+  for (std::size_t i = 0; i < gatewayModules().size(); ++i) {
+    openModule(i);
+    captions += fromQt(test::captionsOf(*dialog));
+  }
+  for (const char* caption : {"Codice ordine preceduto da un testo", "Usa il server di test", "Invia dati lingua",
+                              "Immediata", "Differita"}) {
+    EXPECT_NE(captions.find(caption), std::string::npos) << caption;
   }
 }
 

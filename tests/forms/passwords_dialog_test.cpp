@@ -6,6 +6,7 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 
+#include "captions.h"
 #include "dialog_fixture.h"
 #include "publish/passwords/frm_otp.h"
 #include "publish/settings/firewall_settings.h"
@@ -79,6 +80,9 @@ TEST_F(ThePasswordsDialog, ShowsWhereThePasswordsGoAndCannotUpdateWithoutLists) 
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optSostituisci")->isChecked());
   EXPECT_FALSE(canUpdate());
   EXPECT_EQ(test::namelessControls(*dialog), "");
+  EXPECT_EQ(test::missingCaptions(
+                *dialog, {"Sostituisci le password sul server", "Accoda le password a quelle presenti sul server"}),
+            "");
   test::keepPicture(*dialog, "passwords");
 }
 

@@ -8,6 +8,7 @@
 #include <QRadioButton>
 #include <QTableView>
 
+#include "captions.h"
 #include "commerce/prices/frm_varia_prezzi.h"
 #include "dialog_fixture.h"
 
@@ -66,6 +67,10 @@ TEST_F(ThePricesDialog, OnADepartmentBeginsWithThatOneAlone) {
   EXPECT_EQ(fromQt(dialog->windowTitle()), "Korvane - Variazione prezzi");
   QTest::keyClick(&*dialog, Qt::Key_F1);
   EXPECT_EQ(helpOpened, "pagine/prezzi.htm");
+  EXPECT_EQ(test::missingCaptions(*dialog,
+                                  {"Modifica anche il prezzo delle offerte", "Modifica anche il prezzo delle varianti",
+                                   "Prezzi tondi (arrotonda ed elimina i decimali)"}),
+            "");
   test::keepPicture(*dialog, "prices");
 }
 

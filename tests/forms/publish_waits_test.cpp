@@ -135,6 +135,36 @@ TEST_F(TheUpdateDialog, AYesEndsItWithAnEmptyTag) {
   EXPECT_EQ(host.requests.size(), 1U);
 }
 
+/// Thinks about a question for longer than the window waits before it starts.
+class PonderingUser final : public UserPort {
+ public:
+  explicit PonderingUser(Answer answer) : answer_(answer) {}
+  void message(const std::string& /*text*/, Icon /*icon*/) override {}
+  Answer question(const Question& /*question*/) override {
+    QTest::qWait(1100);
+    return answer_;
+  }
+  std::string chooseFolder(const std::string& /*prompt*/, const std::string& /*initial*/) override { return {}; }
+  void progress(const Progress& /*progress*/) override {}
+  bool yield() override { return true; }
+
+ private:
+  Answer answer_;
+};
+
+TEST_F(TheUpdateDialog, WaitsForTheAnswerToACancelBeforeItStarts) {
+  for (const Answer answer : {Answer::Yes, Answer::No}) {
+    host.requests.clear();
+    PonderingUser pondering(answer);
+    Environment asked{pondering, settings, clock, random, application, {}};
+    dialog.emplace(UpdateJob{shop, shop + "/online", "http://a", {"h", "u", "d", "n", "abc"}}, asked, host);
+    QTimer::singleShot(0, &*dialog, [this] { QTest::keyClick(&*dialog, Qt::Key_Escape); });
+    dialog->exec();
+    EXPECT_EQ(dialog->tag(), answer == Answer::Yes ? "" : "OK");
+    EXPECT_EQ(host.requests.empty(), answer == Answer::Yes);
+  }
+}
+
 TEST(TheBusyShape, MovesFifteenToTheRightAndStartsAgainAtTheEdge) {
   EXPECT_EQ(nextBusyEdge(0, 100), 15);
   EXPECT_EQ(nextBusyEdge(84, 100), 99);

@@ -1,7 +1,9 @@
 // Unused pictures in their window: the search when it opens, ticks, and the deletion.
 #include <gtest/gtest.h>
 
+#include <QLabel>
 #include <QListWidget>
+#include <QPixmap>
 #include <QProgressBar>
 
 #include "dialog_fixture.h"
@@ -50,6 +52,21 @@ TEST_F(ThePurgeDialog, SearchesWhenItOpensAndTicksNothing) {
   test::keepPicture(*dialog, "pulisci");
   click(*dialog, "cmdElimina");
   EXPECT_TRUE(dialog->isVisible()) << "nothing is ticked";
+}
+
+TEST_F(ThePurgeDialog, ShowsEachPictureWithItsSizeAndTheirTotal) {
+  present({"b.gif"});
+  QPixmap red(20, 10);
+  red.fill(Qt::red);
+  const std::string picture = joinPath(shop, "work/a.png");
+  ASSERT_TRUE(red.save(toQt(picture)));
+  const std::string bytes = readBytes(picture).value_or("");
+  ASSERT_TRUE(writeBytes(picture, bytes + std::string(2048 - bytes.size(), 'x')));
+  makeDialog();
+  const QImage thumbnail = list->item(0)->icon().pixmap(20, 10).toImage();
+  EXPECT_EQ(thumbnail.pixelColor(0, 0), QColor(Qt::red));
+  EXPECT_EQ(fromQt(list->item(0)->text()), "a.png\n2,0 kB");
+  EXPECT_EQ(fromQt(control<QLabel>(*dialog, "lblTotale")->text()), "2 immagini, 2,0 kB");
 }
 
 TEST_F(ThePurgeDialog, SaysWhichAreMentionedInAText) {

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
+#include "captions.h"
 #include "commerce/replication/frm_replica.h"
 #include "commerce/replication/frm_replica_listini.h"
 #include "dialog_fixture.h"
@@ -53,6 +54,9 @@ TEST_F(TheReplicationDialogs, OfferAllLanguagesButTheSourceAndKeepTheDestination
   EXPECT_EQ(test::namelessControls(dialog), "");
   EXPECT_EQ(test::defaultButton(dialog), "OK");
   EXPECT_EQ(fromQt(dialog.windowTitle()), "Korvane - Replica lingue");
+  EXPECT_EQ(test::missingCaptions(dialog, {"Impostazioni generali del negozio e del sito", "Reparti", "Articoli",
+                                           "Varianti", "Aggiorna tutti i campi", "Aggiorna solo i campi vuoti"}),
+            "");
   test::keepPicture(dialog, "replicate-languages");
 }
 
@@ -99,6 +103,9 @@ TEST_F(TheReplicationDialogs, CopyAPriceListWithItsPercentage) {
   show(dialog);
   EXPECT_EQ(test::namelessControls(dialog), "");
   EXPECT_EQ(fromQt(dialog.windowTitle()), "Korvane - Replica listini");
+  EXPECT_EQ(test::missingCaptions(dialog,
+                                  {"Replica gli sconti dei reparti", "Replica le restrizioni (reparti inaccessibili)"}),
+            "");
   test::keepPicture(dialog, "replicate-lists");
   auto* percentage = control<QComboBox>(dialog, "cboVariazione")->lineEdit();
   EXPECT_EQ(fromQt(percentage->text()), "0");

@@ -9,6 +9,7 @@
 #include <QTabWidget>
 #include <QTableWidget>
 
+#include "captions.h"
 #include "commerce/shipping/frm_spedizione.h"
 #include "dialog_fixture.h"
 
@@ -50,6 +51,13 @@ TEST_F(TheShippingDialog, NamesEveryControlAndHasOkAsItsDefault) {
   EXPECT_EQ(fromQt(dialog->windowTitle()), "Korvane - Spese di spedizione");
   EXPECT_EQ(test::defaultButton(*dialog), "OK");
   EXPECT_EQ(test::namelessControls(*dialog), "");
+  EXPECT_EQ(test::missingCaptions(
+                *dialog, {"Importo dell'ordine", "Peso", "Gli ordini provenienti da questa zona sono soggetti ad IVA",
+                          "Ordina alfabeticamente nel negozio", "IVA spese  (%):", "Ordini fino a", "Peso fino a",
+                          "Importo spese", "Oltre:",
+                          "Dopo aver selezionato i metodi di pagamento, affinché funzionino è necessario configurarli "
+                          "nell'apposita schermata."}),
+            "");
   for (int page = 0; page < pages->count(); ++page) {
     pages->setCurrentIndex(page);
     test::keepPicture(*dialog, "shipping" + std::to_string(page));

@@ -10,6 +10,7 @@
 #include <QRadioButton>
 
 #include "builder/run/frm_impostazioni.h"
+#include "captions.h"
 #include "commerce/settings/frm_email.h"
 #include "commerce/settings/frm_obbligatori.h"
 #include "commerce/settings/frm_p3p.h"
@@ -38,6 +39,10 @@ TEST_F(TheSmallDialogs, ShowcaseShowsAndStoresItsSettings) {
       " colonnevetrina = 3, singleitem_vet = 1");
   frmVetrina dialog(session, env, {});
   show(dialog);
+  EXPECT_EQ(
+      test::missingCaptions(dialog, {"Mostra solo l'articolo in vetrina", "Mostra tutti gli articoli del reparto",
+                                     "Immagine piccola (obbligatorio)", "immagine a sinistra", "immagine a destra"}),
+      "");
   expectReadable(dialog, "Korvane - Impostazioni vetrina");
   EXPECT_TRUE(control<QRadioButton>(dialog, "optAllineamento3")->isChecked());
   EXPECT_TRUE(control<QCheckBox>(dialog, "chkCampo0")->isChecked());
@@ -79,6 +84,14 @@ TEST_F(TheSmallDialogs, RequiredFieldsAreStoredByOkAloneAfterAReset) {
   sql("UPDATE generale SET campi_obbligatori = '7'");
   frmObbligatori dialog(session, env, {});
   show(dialog);
+  EXPECT_EQ(
+      test::missingCaptions(
+          dialog,
+          {"Per alcuni campi del modulo d'ordine è possibile specificare se renderli obbligatori. Nel caso del campo "
+           "\"Maggiorenne\", se si sceglie di non renderlo obbligatorio gli ordini saranno inviati anche se l'utente "
+           "non ha selezionato l'apposita checkbox sul modulo d'ordine.",
+           "Ripristina la configurazione di default"}),
+      "");
   expectReadable(dialog, "Korvane - Campi obbligatori");
   click(dialog, "cmdReset");
   EXPECT_FALSE(control<QCheckBox>(dialog, "chkCampo0")->isChecked());
@@ -102,6 +115,12 @@ TEST_F(TheSmallDialogs, PrivacyPolicyIsResetStoredAndExplained) {
   std::vector<std::string> opened;
   frmP3P dialog(session, env, [&](const std::string& address) { opened.push_back(address); });
   show(dialog);
+  EXPECT_EQ(test::missingCaptions(
+                dialog,
+                {"Alcuni browser recenti possono essere impostati in modo da accettare i cookie solo dai siti che "
+                 "possiedono una \"Compact Privacy Policy\": una serie di dati che specificano il modo in cui vengono "
+                 "trattate le informazioni personali."}),
+            "");
   expectReadable(dialog, "Korvane - Compact Privacy Policy");
   EXPECT_EQ(fromQt(control<QLineEdit>(dialog, "txtP3P")->text()), "NOI");
   click(dialog, "lblIndirizzo0");
@@ -116,6 +135,15 @@ TEST_F(TheSmallDialogs, PrivacyPolicyIsResetStoredAndExplained) {
 TEST_F(TheSmallDialogs, MailTakesTagsAtTheCursorAndNoQuotes) {
   frmEmail dialog("Gentile cliente", {});
   show(dialog);
+  EXPECT_EQ(
+      test::missingCaptions(
+          dialog,
+          {"Inserire il contenuto dell'e-mail di conferma inviata dal negozio all'acquirente. L'e-mail sarà inviata in "
+           "formato testo, pertanto al suo interno non è consentito inserire codici HTML (o applicare qualsiasi "
+           "formattazione al testo).",
+           "I tag \"<<importo>>\", \"<<codice>>\" e \"<<riepilogo>>\" saranno sostituiti, all'invio dell'e-mail, "
+           "rispettivamente con l'importo totale, il codice identificativo e il riepilogo dell'ordine."}),
+      "");
   expectReadable(dialog, "Korvane - Testo e-mail di conferma");
   auto* field = control<QPlainTextEdit>(dialog, "txtTesto");
   QTextCursor cursor = field->textCursor();
@@ -139,6 +167,7 @@ TEST_F(TheSmallDialogs, BuildSettingsCountAtOnceAndNormaliseTheExtension) {
   sql("UPDATE generale SET estensione = '.htm'");
   frmImpostazioni dialog(session, env);
   show(dialog);
+  EXPECT_EQ(test::missingCaptions(dialog, {"Utilizza costruzione selettiva"}), "");
   expectReadable(dialog, "Korvane - Impostazioni costruzione negozio");
   EXPECT_EQ(control<QCheckBox>(dialog, "chkSelettiva")->isChecked(), session.smartBuild);
   control<QCheckBox>(dialog, "chkSelettiva")->setChecked(false);

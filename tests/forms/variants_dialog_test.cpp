@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenu>
 
+#include "captions.h"
 #include "commerce/variants/frm_opzioni.h"
 #include "commerce/variants/frm_variant_grid.h"
 #include "dialog_fixture.h"
@@ -64,6 +65,9 @@ TEST_F(TheVariantsDialog, ShowsTheVariantOfTheSlotWithItsOptions) {
   EXPECT_TRUE(isOn("cmdDuplica") && isOn("cmdElimina") && isOn("cmdAdd"));
   EXPECT_EQ(test::defaultButton(*dialog), "OK");
   EXPECT_EQ(test::namelessControls(*dialog), "");
+  EXPECT_EQ(test::missingCaptions(*dialog, {"Visualizza automaticamente la differenza di prezzo",
+                                            "Mostra il segno \"+\" davanti alle differenze positive"}),
+            "");
   test::keepPicture(*dialog, "variants");
 }
 

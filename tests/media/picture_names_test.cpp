@@ -74,6 +74,7 @@ TEST_F(PictureNames, TheTailGrowsToFiveDigitsAndNothingIsOverwritten) {
 TEST_F(PictureNames, AnExtensionCarriesNoLineEndAndNoQuote) {
   EXPECT_EQ(named("foto.j\np\"g"), "foto_0001.j_p_g");
   EXPECT_EQ(named("foto.jp\xE9"), "foto_0001.jp_");
+  EXPECT_EQ(named("\xFF\nmare.jpg"), "__mare_0001.jpg");
 }
 
 TEST_F(PictureNames, NamesOfChanceNeverMeet) {

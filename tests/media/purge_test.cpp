@@ -122,6 +122,17 @@ TEST_F(PurgingPictures, PicturesThatNumbersJoinToOneInUseAreInUse) {
   EXPECT_EQ(namesOf(one), (Names{"piatto-2.jpg", "vaso-2.gif", "vaso-5.jpg"}));
 }
 
+TEST_F(PurgingPictures, NamesOfTwoLinesOrOfNoTextAreListedAndDeletedToo) {
+  present({"a\nb.gif", "\xFF\xE8.jpg", "in uso\n.gif"});
+  PicturePurge one = purge({"IN USO\n.gif"});
+  EXPECT_TRUE(one.search());
+  EXPECT_EQ(namesOf(one), (Names{"a\nb.gif", "\xFF\xE8.jpg"}));
+  one.tickAll(true);
+  user.answers = {Answer::Yes};
+  EXPECT_TRUE(one.deleteTicked());
+  EXPECT_EQ(listFiles(folder.path(), "*"), (Names{"in uso\n.gif"}));
+}
+
 TEST_F(PurgingPictures, TickingNoneLeavesNothingToDelete) {
   present({"a.jpg"});
   PicturePurge one = purge({});

@@ -251,6 +251,15 @@ TEST_F(DatabaseUpdate, ALongAnswerIsKeptWhole) {
   EXPECT_EQ(read("db1.log"), answer);
 }
 
+TEST_F(DatabaseUpdate, AnAnswerOfMegabytesIsShownByItsStart) {
+  host.answers = {std::string(3'000'000, 'x'), "OK"};
+  run();
+  EXPECT_TRUE(shown.starts_with(std::string(32'000, 'x') + " ...\n\nLingua1: ERRORE\n")) << shown.substr(31'990, 100);
+  EXPECT_LT(shown.size(), 33'000U);
+  host.answers = {std::string(refused) + std::string(3'000'000, 'x'), "OK"};
+  EXPECT_EQ(run(), std::string(refused) + std::string(2'000 - std::string(refused).size(), 'x') + " ...\n");
+}
+
 TEST_F(DatabaseUpdate, AHostThatCannotBeReachedIsTheLanguagesAnswer) {
   host.failing = 1;
   EXPECT_EQ(run(), logAdvice());
@@ -321,6 +330,7 @@ TEST_F(DatabaseUpdate, WithoutANumberOfLanguagesNothingIsAskedAndNothingIsTakenF
 TEST_F(DatabaseUpdate, SqlFilesThatAnybodyCanReadAreWarnedOf) {
   host.pages["http://www.a.it/shop/db.sql"] = {206, "#abc\r\n\r\nCREATE TABLE"};
   EXPECT_EQ(run(), "OK");
+  EXPECT_EQ(host.requests.back().enough, 64U) << "a host may answer with gigabytes";
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_EQ(asText(user.shown[0]),
             "[Exclamation, Ok, Ok -> Ok] Il file db.sql, con i dati del negozio, può essere letto da chiunque "

@@ -60,6 +60,16 @@ TEST(ServerListing, FilesAndOtherLinesNameNoFolder) {
   }
 }
 
+TEST(ServerListing, APathOrANameWithAControlCharacterNamesNoFolder) {
+  const std::string unixStart = "drwxr-xr-x 2 ada web 4096 Jan  1 12:00 ", dosStart = "01-01-26  12:00PM       <DIR> ";
+  for (const char* name : {"../segreto", "a/b", "/etc", "a\nQUIT", "a\rb", "\x1b[2Jvuota", "a\tb", "a\x7f", "//"}) {
+    EXPECT_EQ(listedFolder(unixStart + name), std::nullopt) << name;
+    EXPECT_EQ(listedFolder(dosStart + name), std::nullopt) << name;
+  }
+  EXPECT_EQ(listedFolder("lrwxrwxrwx 1 ada web 11 Jan  1 12:00 www -> ../altrove"), "www");
+  EXPECT_EQ(listedFolder(unixStart + "negozio/"), "negozio/") << "as some servers mark a folder";
+}
+
 TEST(ServerListing, ANameThatIsNoUtf8IsShownByItsWindowsCharacters) {
   EXPECT_EQ(shownName("citt\xC3\xA0"), "citt\xC3\xA0");
   EXPECT_EQ(shownName("citt\xE0"), "citt\xC3\xA0");

@@ -124,6 +124,10 @@ TEST_F(MovingShops, APurgeNamesUnusedPicturesAndDeletesThemWhenAsked) {
   change(shop, "UPDATE generale SET immagine0 = 'logo.gif'");
   EXPECT_EQ(run({"purge", shop}), CliOutcome::Done);
   EXPECT_EQ(out.str(), "inutile.gif\n");
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile\n.gif"), "x"));
+  EXPECT_EQ(run({"purge", shop}), CliOutcome::Done);
+  EXPECT_EQ(out.str(), "inutile?.gif\ninutile.gif\n") << "a line is a picture, whatever its name holds";
+  ASSERT_TRUE(deleteFile(joinPath(shop, "work/inutile\n.gif")));
   EXPECT_TRUE(fileExists(joinPath(shop, "work/inutile.gif")));
   EXPECT_EQ(run({"purge", shop, "--delete", "--answer", "no"}), CliOutcome::Failed);
   EXPECT_TRUE(fileExists(joinPath(shop, "work/inutile.gif")));

@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "platform/database/database.h"
 #include "platform/files/files.h"
+#include "store/shop/backup_copies.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -126,6 +128,25 @@ TEST_F(CliProgram, ABuiltShopIsExportedForEachOfItsLanguages) {
   EXPECT_FALSE(fileExists(home / "shop/online/old.sql"));
   EXPECT_THAT(readBytes(home / "shop/online/db.sql").value(), HasSubstr("\r\nCREATE TABLE articoli\r\n"));
   EXPECT_THAT(run("export-sql shop").out, StartsWith("File SQL dell'esportazione precedente, ancora validi; file: "));
+}
+
+TEST_F(CliProgram, ADatedCopyIsMadeBeforeAShopIsNumberedAgain) {
+  ASSERT_EQ(run("new shop").status, 0);
+  const std::string orders = "SELECT MIN(ordinamento) FROM articoli";
+  const auto lowest = [&](const std::string& path) {
+    auto catalogue = Database::open(path, OpenMode::ReadOnly);
+    const auto value = catalogue ? catalogue->scalar(orders) : Result<Value>(fail(catalogue.error()));
+    return value ? asInteger(*value) : -1;
+  };
+  {
+    auto catalogue = Database::open(home / "shop/catalog.mdb", OpenMode::Exclusive);
+    ASSERT_TRUE(catalogue && catalogue->execute("UPDATE articoli SET ordinamento = ordinamento + 7"));
+  }
+  run("export-sql shop");
+  EXPECT_EQ(lowest(home / "shop/catalog.mdb"), 100);
+  const auto copies = backupCopies(home / "shop");
+  ASSERT_FALSE(copies.empty());
+  EXPECT_EQ(lowest(home / "shop/" + std::string(backupFolder) + "/" + copies.front().name), 107);
 }
 
 TEST_F(CliProgram, AShopThatWasNotBuiltIsNotExported) {

@@ -27,6 +27,13 @@ TEST_F(ConsoleUserTest, AMessageIsWrittenAsItIs) {
   EXPECT_EQ(shown(), "Riga 1\nRiga 2: è\n");
 }
 
+TEST_F(ConsoleUserTest, WhatATerminalTakesForACommandIsShownAsAQuestionMark) {
+  auto user = make();
+  user.message("550 \x1b[2Jno\rsi\r\nfine\x7f\t.", Icon::Exclamation);
+  user.question({"\x1b]0;x\a?", Buttons::YesNo, Answer::No, Icon::Question});
+  EXPECT_EQ(shown(), "550 ?[2Jno?si\nfine?\t.\n?]0;x??\n> No\n");
+}
+
 TEST_F(ConsoleUserTest, WithoutAnswersEachQuestionGetsItsDefault) {
   auto user = make();
   EXPECT_EQ(user.question(destructive), Answer::No);

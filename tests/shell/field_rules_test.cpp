@@ -20,9 +20,11 @@ TEST(FieldRules, APriceTakesDigitsAndTheSeparatorOfTheLocaleAlone) {
   EXPECT_EQ(typed(FieldKind::Price, "1,234.50", '.'), "1234.50");
 }
 
-TEST(FieldRules, APriceBeyondTheRangeOfMoneyIsClipped) {
-  EXPECT_EQ(changedText(FieldKind::Price, "999999999999999999", "", ','), "922337203685477,5807");
-  EXPECT_EQ(changedText(FieldKind::Price, "12,5", "", ','), "12,5");
+TEST(FieldRules, APriceOrAWeightBeyondTheRangeOfMoneyIsClipped) {
+  for (const FieldKind kind : {FieldKind::Price, FieldKind::Weight}) {
+    EXPECT_EQ(changedText(kind, "999999999999999999", "", ','), "922337203685477,5807");
+    EXPECT_EQ(changedText(kind, "12,5", "", ','), "12,5");
+  }
 }
 
 TEST(FieldRules, TextsRefuseTheBarAndTheSquareBrackets) {

@@ -223,11 +223,12 @@ TEST_F(WorkbenchTest, TheVariantCommandsNameTheSlotOfThePriceList) {
 }
 
 TEST_F(WorkbenchTest, TheVariantsOfAnArticleAreNamedInListAndLanguage) {
-  run(shop, "UPDATE articoli SET opzione1 = 2, opzione2_3 = 2 WHERE ID = 1");
+  run(shop, "UPDATE articoli SET opzione1 = 2, opzione2_3 = 2, opzione3 = 99 WHERE ID = 1");
   start();
   article(0);
   EXPECT_EQ(shown(EditedSet::Articoli, "opzione1"), "Colore");
   EXPECT_EQ(shown(EditedSet::Articoli, "opzione2"), "(nessuna)");
+  EXPECT_EQ(shown(EditedSet::Articoli, "opzione3"), "") << "an article pasted after its variant was deleted";
   bench->CambiaLingua(2);
   bench->selectListino(3);
   EXPECT_EQ(shown(EditedSet::Articoli, "opzione1"), "(none)");

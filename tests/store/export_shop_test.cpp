@@ -285,6 +285,18 @@ TEST_F(ExportingAShop, OneZipHoldsWhatTheFolderWouldHold) {
   }
 }
 
+TEST_F(ExportingAShop, FilesWhoseNamesAreNoTextGoAlongUnderTheirBytes) {
+  const std::vector<std::string> names{"work/\xFF\xE8.jpg", "work/due\nrighe.gif"};
+  for (const std::string& name : names) write(joinPath(shop, name), "x");
+  ASSERT_EQ(exportWith("OK"), ExportOutcome::Done);
+  for (const std::string& name : names) EXPECT_EQ(copied(name), "x") << name;
+  destination = root / "zip";
+  ASSERT_TRUE(createFolder(destination));
+  ASSERT_EQ(exportWith("OKZ"), ExportOutcome::Done);
+  const std::string packed = readBytes(destination + "/negozio.zip").value_or("");
+  for (const std::string& name : names) EXPECT_NE(packed.find(name), std::string::npos) << name;
+}
+
 TEST_F(ExportingAShop, ACancelWhilePackingLeavesTheFolderEmpty) {
   user.cancelAtYield = 1;
   EXPECT_EQ(exportWith("OKTZ"), ExportOutcome::Cancelled);

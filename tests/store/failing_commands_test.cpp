@@ -84,6 +84,8 @@ class FailingCommands : public TreeFixture {
         "INSERT INTO clipcategorie (titolo, incolla_articoli) VALUES ('Copia', 1)");
     sql("PRAGMA synchronous=OFF");  // the shop lives for one test
     bind();
+    for (const char* table : {"categorie", "articoli", "cliparticoli", "clipcategorie", "generale", "sqlite_sequence"})
+      tables_.push_back(session.catalogue.prepare(std::string("SELECT * FROM ") + table).value());
   }
 
   std::string keysOf(Recordset& set, const char* key) {
@@ -99,8 +101,7 @@ class FailingCommands : public TreeFixture {
   }
   std::string stored() {
     std::string text;
-    for (const char* table : {"categorie", "articoli", "cliparticoli", "clipcategorie", "generale", "sqlite_sequence"})
-      text += rows(std::string("SELECT * FROM ") + table);
+    for (Statement& table : tables_) text += test::rows(table);
     return text;
   }
   /// Lists and cursors, the status line, what can be undone.
@@ -143,6 +144,9 @@ class FailingCommands : public TreeFixture {
     EXPECT_EQ(done.has_value(), !store.hasFailed()) << "call " << n << (done ? "" : ": " + done.error().what);
     return store.hasFailed();
   }
+
+ private:
+  std::vector<Statement> tables_;  // read thousands of times
 };
 
 class FailingCommandsTest : public FailingCommands, public ::testing::WithParamInterface<std::size_t> {};

@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+
+#include "platform/text/text.h"
 #include "shop_fixture.h"
 #include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_preview.h"
@@ -101,6 +104,32 @@ TEST_F(ImportingPrimo, ConnectionAndVersionStayAndTheTemplateIsEmptied) {
   EXPECT_EQ(stored("SELECT URL || '|' || titolo || '|' || template || '|' || versione || '|' ||"
                    " COALESCE(username, '') FROM generale"),
             "nostro|loro||1002|");
+}
+
+TEST_F(ImportingPrimo, SeventeenSettingsStayAndAllOthersAreTakenOver) {
+  const std::set<std::string> stay{"url",        "cartella",      "cgisearch", "cgiordine",   "username",  "password",
+                                   "hostname",   "searchusescgi", "servernt",  "folderftp",   "foldercgi", "perl",
+                                   "merchantid", "estensione",    "sendmail",  "cartellacgi", "versione"};
+  open();
+  const TableInfo settingRow = session.catalogue.table("generale").value();
+  std::string ours, theirs;
+  std::set<std::string> asked;
+  for (const ColumnInfo& column : settingRow.columns) {
+    const std::string name = foldCase(column.name);
+    const bool isComputed = name == "template" || name.starts_with("scimp") || name.starts_with("importo");
+    if (isComputed || name == "versione") continue;
+    asked.insert(name);
+    ours += (ours.empty() ? "\"" : ", \"") + column.name + "\" = 0";
+    theirs += (theirs.empty() ? "\"" : ", \"") + column.name + "\" = 1";
+  }
+  ASSERT_TRUE(session.catalogue.execute("UPDATE generale SET " + ours));
+  run(source, "UPDATE generale SET " + theirs);
+  ASSERT_EQ(import(), -1);
+  for (const std::string& name : asked) {
+    EXPECT_EQ(stored("SELECT CAST(\"" + name + "\" AS REAL) > 0 FROM generale"), stay.contains(name) ? "0" : "1")
+        << name;
+  }
+  for (const std::string& name : stay) EXPECT_TRUE(name == "versione" || asked.contains(name)) << name;
 }
 
 TEST_F(ImportingPrimo, TheDiscountBecomesAThresholdAndIsCopiedAsWell) {

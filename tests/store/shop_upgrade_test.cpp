@@ -92,6 +92,19 @@ TEST_F(AnAgedShop, GetsTheMissingColumnsWithTheirFirstValues) {
             "1");
 }
 
+TEST_F(AnAgedShop, HasItsArticlesAndDepartmentsRenumbered) {
+  run(shop, "DELETE FROM articoli");
+  run(shop, "DELETE FROM categorie");
+  run(shop,
+      "INSERT INTO articoli (ID, catID, ordinamento) VALUES (1, 'cat002', 100), (2, 'cat001', 7), (3, 'cat001', NULL)");
+  run(shop, "INSERT INTO categorie (ID, livello, ordinamento) VALUES ('cat001', 2, 100), ('cat002', 1, 105)");
+  upgrade();
+  EXPECT_EQ(read(shop, "SELECT group_concat(ID || ':' || ordinamento) FROM (SELECT * FROM articoli ORDER BY ID)"),
+            "1:110,2:105,3:100");
+  EXPECT_EQ(read(shop, "SELECT group_concat(ID || ':' || ordinamento) FROM (SELECT * FROM categorie ORDER BY ID)"),
+            "cat001:105,cat002:100");
+}
+
 TEST_F(AnAgedShop, HasItsNewColumnsInTheTypesOfTheSchema) {
   run(shop, "ALTER TABLE generale DROP COLUMN p3p; ALTER TABLE generale DROP COLUMN reglist");
   upgrade();

@@ -23,7 +23,8 @@ struct FtpFault {
     LateReply,   ///< the usual reply, `milliseconds` later
     RefuseData,  ///< the command is begun and no data connection comes about
     CutData,     ///< the data connection is reset after `bytes`
-    StallData    ///< nothing more is read after `bytes`
+    StallData,   ///< nothing more is read after `bytes`
+    ListData     ///< `reply` is the listing
   };
   std::string verb = {};  ///< "STOR"; "" is the greeting
   Kind kind = Kind::Reply;

@@ -256,6 +256,7 @@ class ScriptedFtpServer::Talk {
         }
       }
     }
+    if (hasFault(FtpFault::Kind::ListData)) text = fault_->reply;
     say("150 elenco");
     const int data = openData();
     ::send(data, text.data(), text.size(), MSG_NOSIGNAL);

@@ -56,6 +56,50 @@ TEST_F(AFailingServer, ThatNeverEndsALineIsLeft) {
   }
 }
 
+TEST_F(AFailingServer, ThatEndsALineAfterThirtyMegabytesIsLeftBeforeThat) {
+  EXPECT_EQ(outcome({.verb = "CWD", .reply = "250 " + std::string(30'000'000, 'x') + "\r\n"}),
+            "20001 risposta del server troppo lunga");
+}
+
+TEST_F(AFailingServer, ThatNeverComesToItsReplyIsLeft) {
+  std::string more;
+  for (int i = 0; i < 1000; ++i) more += "150 ancora un momento\r\n";
+  for (const char* verb : everyCommand) {
+    EXPECT_EQ(outcome({.verb = verb, .reply = more}), "20001 il server non arriva alla risposta") << verb;
+    EXPECT_FALSE(transfer->isConnected());
+  }
+}
+
+TEST_F(AFailingServer, ThatAnswersInLinesWithoutAnEndIsLeftAndCanBeCancelledMeanwhile) {
+  std::string more = "250-";
+  for (int i = 0; i < 100'000; ++i) more += "riga\r\n";
+  EXPECT_TRUE(outcome({.verb = "CWD", .reply = more}).starts_with("20001 risposta del server non valida: riga"));
+  ScriptedFtpServer server;
+  ASSERT_EQ(enter(settingsOf(server)), "ok");
+  server.fail({.verb = "CWD", .reply = more});
+  lines.clear();
+  cancelAt = yields + 20;
+  EXPECT_EQ(textOf(transfer->changeFolder("a")), "20004 operazione annullata");
+  EXPECT_LT(lines.size(), 2000U) << "events go on while lines come without a pause";
+}
+
+TEST_F(AFailingServer, IsQuotedAsFarAsAMessageCanShow) {
+  std::string refusal;
+  for (int i = 0; i < 3000; ++i) refusal += "550-no\r\n";
+  const std::string told = outcome({.verb = "CWD", .reply = refusal + "550 no\r\n"});
+  EXPECT_EQ(told.size(), std::string("20550 550 ").size() + 1000 + 4);
+  EXPECT_TRUE(told.starts_with("20550 550 no\nno\nno") && told.ends_with(" ..."));
+}
+
+TEST_F(AFailingServer, ThatListsWithoutAnEndIsLeft) {
+  ScriptedFtpServer server;
+  ASSERT_EQ(enter(settingsOf(server)), "ok");
+  for (const std::string& listing : {std::string(30'000'000, 'd'), std::string(300'000, '\n')}) {
+    server.fail({.verb = "LIST", .kind = Kind::ListData, .reply = listing});
+    EXPECT_EQ(textOf(transfer->list()), "20503 elenco troppo lungo");
+  }
+}
+
 TEST_F(AFailingServer, ThatIsOnlyLateIsWaitedFor) {
   for (const char* verb : everyCommand) {
     EXPECT_EQ(outcome({.verb = verb, .kind = Kind::LateReply, .milliseconds = 120}), "ok") << verb;

@@ -54,6 +54,73 @@ TEST_F(AnHttpRequest, StaysAPostWhenItIsSentElsewhere) {
   EXPECT_TRUE(target.requests().at(0).starts_with("POST /nuovo"));
 }
 
+std::string movedTo(const std::string& address) {
+  return "HTTP/1.1 302 Found\r\nLocation: " + address + "\r\nContent-Length: 0\r\n\r\n";
+}
+
+TEST_F(AnHttpRequest, KeepsTheBodyOfAPostFromAnyOtherHost) {
+  ScriptedHttpServer thief({"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK"});
+  std::string elsewhere = thief.url("/raccolta");
+  elsewhere.replace(elsewhere.find("127.0.0.1"), 9, "localhost");
+  for (const std::string& next : {elsewhere, std::string("file:///etc/hostname"), std::string("http:///senza-host"),
+                                  std::string("http://127.0.0.1.altrove.it/")}) {
+    ScriptedHttpServer server({movedTo(next)});
+    const auto answer = send({.url = server.url("/"), .method = "POST", .body = "sec=segreto"});
+    ASSERT_FALSE(answer) << next;
+    EXPECT_EQ(answer.error().kind, ErrorKind::Other);
+  }
+  EXPECT_TRUE(thief.requests().empty());
+  ScriptedHttpServer server({movedTo(elsewhere)});
+  EXPECT_EQ(send({.url = server.url("/"), .method = "POST", .body = "sec=segreto"}).error().what,
+            "il sito rimanda a " + elsewhere + ": correggere l'URL del sito");
+}
+
+TEST_F(AnHttpRequest, FollowsAGetToAnotherHost) {
+  ScriptedHttpServer target({"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK"});
+  std::string elsewhere = target.url("/");
+  elsewhere.replace(elsewhere.find("127.0.0.1"), 9, "localhost");
+  ScriptedHttpServer server({movedTo(elsewhere)});
+  const auto answer = send({.url = server.url("/")});
+  ASSERT_TRUE(answer) << answer.error().what;
+  EXPECT_EQ(answer->body, "OK");
+}
+
+TEST_F(AnHttpRequest, EndsInACircleOfRedirections) {
+  for (const char* method : {"GET", "POST"}) {
+    ScriptedHttpServer server(std::vector<std::string>(20, movedTo("/di-nuovo")));
+    const auto answer = send({.url = server.url("/"), .method = method, .body = "a=b"});
+    ASSERT_FALSE(answer) << method;
+    EXPECT_EQ(server.requests().size(), 11U) << "the first one and ten that follow";
+  }
+}
+
+TEST_F(AnHttpRequest, LeavesAnAnswerOfMoreThanItCanHold) {
+  ScriptedHttpServer server({"HTTP/1.1 200 OK\r\n\r\n" + std::string((std::size_t{64} << 20U) + 1, 'x')});
+  const auto answer = send({.url = server.url("/")});
+  ASSERT_FALSE(answer);
+  EXPECT_EQ(answer.error().kind, ErrorKind::Malformed);
+}
+
+TEST_F(AnHttpRequest, FetchesNoMoreThanIsEnough) {
+  ScriptedHttpServer server({"HTTP/1.1 200 OK\r\nContent-Length: 3000000\r\n\r\n" + std::string(3'000'000, 'x'),
+                             "HTTP/1.1 206 Part\r\nContent-Length: 3\r\n\r\nabc"});
+  for (const std::string& wanted : {std::string(10, 'x'), std::string("abc")}) {
+    const auto answer = send({.url = server.url("/"), .enough = 10});
+    ASSERT_TRUE(answer) << answer.error().what;
+    EXPECT_EQ(answer->body, wanted);
+  }
+}
+
+TEST_F(AnHttpRequest, DoesNotUnpackWhatItDidNotAskFor) {
+  // Twenty zero bytes, packed; a bomb would be a gigabyte of them.
+  const std::string packed("\x1f\x8b\x08\0\0\0\0\0\x02\x03\x63\x60\xc0\x04\0\x8d\x9b\xd5\x0f\x14\0\0\0", 23);
+  ScriptedHttpServer server({"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 23\r\n\r\n" + packed});
+  const auto answer = send({.url = server.url("/")});
+  ASSERT_TRUE(answer) << answer.error().what;
+  EXPECT_EQ(answer->body, packed);
+  EXPECT_EQ(server.requests().at(0).find("Accept-Encoding"), std::string::npos);
+}
+
 TEST_F(AnHttpRequest, CanBeCancelledWhileTheServerSaysNothing) {
   ScriptedHttpServer server({""});
   cancelAt = 3;

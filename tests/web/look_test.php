@@ -112,6 +112,8 @@ runTests([
         substr_count(kvTesta(true), 'canonical')]],
     'ADescriptionWithQuotesStaysInItsAttribute' => fn() => [1, substr_count(kvTesta(true, 'Tazza "Alba"'),
         'content="Tazza &quot;Alba&quot;"')],
+    'KeywordsAreAMetaElementOfTheirOwn' => fn() => [['<meta name="keywords" content="tazze, gres &quot;blu&quot;">' . "\n", ''],
+        [kvParoleChiave('tazze, gres "blu"'), kvParoleChiave(" \r\n")]],
     'WhoShowsALinkToAPageIsToldTitleAddressAndDescription' => fn() => [
         ['og:title" content="Tazze &amp; c."', 'og:url" content="http://localhost:8080/cat007.php?n=1"',
             'og:description" content="Tazza &quot;Alba&quot;"'], (function () {

@@ -2,7 +2,7 @@
 import time
 
 from .reader import ANSWER_SECONDS, ESCAPE_KEY
-from .ways import BOX, CHOOSER, OUTSIDE, PASSING, WAYS, Click, Each, Fill, Key, Type
+from .ways import BOX, CHOOSER, OUTSIDE, PASSING, WAYS, Await, Click, Each, Fill, Key, Type, Walk
 
 PAGES = ["Reparti", "Articoli", "Sito", "Internet"]
 BUTTONS = ("push button", "toggle button")
@@ -17,6 +17,7 @@ class Looks:
         self.reader, self.program, self.frame, self.screen = reader, program, frame, screen
         self.is_whole = is_whole
         self.classes, self.windows, self.stops = set(), 0, 0
+        self.is_silent = False
 
     # Windows.
 
@@ -44,7 +45,7 @@ class Looks:
                 self.reader.complain(where, "instead there is " + ", ".join(there))
             return None
         self.classes.add(name)
-        if name in PASSING:
+        if name in PASSING and not (self.is_silent and name == "frmFTP"):
             self.reader.look(where, window)
             self.windows += 1
         elif name != CHOOSER:
@@ -86,6 +87,10 @@ class Looks:
         top = before[-1]
         if isinstance(step, Each):
             return self.each(where, top, step)
+        if isinstance(step, Walk):
+            return self.walk_again(where, step.name)
+        if isinstance(step, Await):
+            return self.await_window(where, base, step.opens) is not None
         if isinstance(step, Click):
             return self.reader.click(next(node for node in self.reader.walk(top) if node.get_role_name() == "table cell"))
         if isinstance(step, (Key, Type)):
@@ -100,6 +105,14 @@ class Looks:
             return True
         # A window may be there already: it came by itself, or a box over it had to go first.
         return self.await_window(where, before if step.opens in (BOX, CHOOSER) else base, step.opens) is not None
+
+    def walk_again(self, where, name):
+        """The window of the class `name` once it is in front; False when it isn't."""
+        if not self.reader.wait(lambda: self.reader.class_of(self.shown()[-1]) == name, ANSWER_SECONDS):
+            self.reader.complain(where, f"{name} does not come to the front", self.shown()[-1])
+            return False
+        self.look(where, self.shown()[-1])
+        return True
 
     def path(self, text):
         return text.replace("~", str(self.screen.home))
@@ -143,6 +156,8 @@ class Looks:
     def go(self, way, opener, where):
         """One whole way from what opens its window."""
         before = self.shown()
+        self.is_silent = way.isSilent
+        self.screen.use_server(way.isSilent)
         self.reader.trigger(opener)
         ok = self.await_window(where, before, way.opens) is not None
         for step in way.steps if ok else ():

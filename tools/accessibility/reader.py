@@ -182,7 +182,8 @@ class Reader:
     def go_round(self, where, window):
         """Tab from where the focus is until it is there again; the number of stops."""
         wanted = self.wanted(window)
-        if len(wanted) == 1 and self.has(wanted[0], "FOCUSED"):
+        # Where there is nothing else to go to, Tab stays; a window at work takes the focus when it comes to that.
+        if len(wanted) == 1 and self.wait(lambda: self.has(wanted[0], "FOCUSED"), ANSWER_SECONDS):
             return 1
         is_again, reached, cells = False, [], sum(node.get_role_name() == "table cell" for node in self.walk(window))
         for _ in range(2 * len(wanted) + MOST_OF_A_CELL * cells + 5):

@@ -34,6 +34,7 @@ class Screen:
         self.started = []
         self.silent = socket.socket()
         self.program = self.log = None
+        self.port = 0
 
     def __enter__(self):
         try:
@@ -94,12 +95,18 @@ class Screen:
     def connect(self, port):
         """The shop publishes to the server, and to a web host that takes what it is asked and never answers: the windows
         that wait for it stay for as long as they are looked at."""
+        self.port = port
         host = self.silent.getsockname()[1]
         catalogue = sqlite3.connect(self.shop / "catalog.mdb")
         with catalogue:
             catalogue.execute("UPDATE generale SET URL = ?, hostname = '127.0.0.1', username = ?, password = ?, "
                               "folderFTP = 'online', folderCGI = 'cgi-bin'", (f"http://127.0.0.1:{host}", USER, PASSWORD))
         catalogue.close()
+        self.use_server(False)
+
+    def use_server(self, is_silent):
+        """The file server of the next publish run: the shop's own, or one that takes the call and never greets."""
+        port = self.silent.getsockname()[1] if is_silent else self.port
         (self.shop / "firewall.net").write_bytes(b"MODE: 1\r\nFPRT: %d\r\n" % port)
 
     def write_lists(self):

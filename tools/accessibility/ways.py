@@ -8,7 +8,8 @@ from dataclasses import dataclass
 
 BOX = ""  # a box that tells or asks
 CHOOSER = "chooser"  # the choice of a file or a folder, which is the toolkit's own
-# Windows that go by themselves or have a message over them at once, so nobody walks through them.
+# Windows that go by themselves or have a message over them at once: they are walked where a way makes them last, or
+# when their message has gone.
 PASSING = {"frmElabora", "frmFTP", "frmPulisciImmagini"}
 
 
@@ -46,6 +47,18 @@ class Click:
 
 
 @dataclass(frozen=True)
+class Await:
+    """Waits for a window that comes by itself; `opens` as for Press."""
+    opens: str
+
+
+@dataclass(frozen=True)
+class Walk:
+    """Walks a window of the class `name` that was under another one, and is in front now."""
+    name: str
+
+
+@dataclass(frozen=True)
 class Fill:
     """Enters a text into the editor whose name starts with `name`, "~" as above."""
     name: str
@@ -56,13 +69,15 @@ class Fill:
 class Way:
     """`start`: the caption of a menu entry, or what the name of a control of a page starts with when `page` is given.
     `opens`: the class of its window. Windows that stay open are left by Escape; `yes`: the question then wants a yes.
-    `isLong`: gone only when all is looked at."""
+    `isLong`: gone only when all is looked at. `isSilent`: the file server never greets, so that the window that waits for
+    it lasts and is walked."""
     start: str
     opens: str
     steps: tuple = ()
     page: str = ""
     yes: bool = False
     isLong: bool = False
+    isSilent: bool = False
 
 
 ACCOUNTING = (Fill("Percorso dei dati", "~/orsa"), Press("OK", "{}"), Press("OK", "frmImportaOGMAProg"))
@@ -83,7 +98,8 @@ WAYS = (
     Way("Ripristina una copia...", "frmBackup"),
     Way("Cambia le cartelle di lavoro...", "frmBrowse"),
     Way("Pulisci le cartelle di lavoro...", BOX),
-    Way("Rimuovi immagini inutilizzate...", BOX, (Press("OK", "frmPulisciImmagini"),)),
+    Way("Rimuovi immagini inutilizzate...", BOX, (Press("OK", "frmPulisciImmagini"), Await(BOX), Press("OK"),
+                                                        Walk("frmPulisciImmagini"))),
     Way("Configura lingue...", "frmLingue"),
     Way("Replica lingue...", "frmReplica"),
     Way("Replica listino...", "frmReplicaListini"),
@@ -92,6 +108,8 @@ WAYS = (
     Way("Scegli il template...", "frmTemplate"),
     Way("Impostazioni costruzione...", "frmImpostazioni"),
     Way("Costruisci il negozio", "frmElabora", isLong=True),
+    Way("Aggiorna il sito...", "frmAvviso", (Press("Sì", "frmImpostaFTP"), Press("OK", "frmFTP")), yes=True, isLong=True,
+        isSilent=True),
     Way("Aggiorna il sito...", "frmAvviso", (Press("Sì", "frmImpostaFTP"), Press("OK", "frmFTP"), Press("", "frmUpdate")),
         yes=True, isLong=True),
     Way("Importa da Orsa Gestionale...", "frmOGChoose", accounting("frmImportaOG"), isLong=True),

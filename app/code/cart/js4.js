@@ -66,7 +66,8 @@ function Stima(righe, scelta, esito) {
   }
   note.filter(Boolean).forEach(function (testo) {
     const nota = document.createElement("p");
-    nota.textContent = testo;
+    // An amount stays together with its currency at the end of a line.
+    nota.textContent = testo.replaceAll(valuta, valuta.replaceAll(" ", "\u00a0"));
     esito.append(nota);
   });
 }

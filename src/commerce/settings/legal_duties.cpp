@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "commerce/prices/price_history.h"
+#include "commerce/settings/legal_model.h"
 #include "commerce/settings/legal_site.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
@@ -237,6 +238,10 @@ std::string_view dutyStateName(DutyState state) {
 Result<std::vector<LegalDuty>> legalDuties(Session& session, const std::string& applicationFolder) {
   auto duties = DutyReader(session).read();
   if (!duties) return duties;
+  auto ownData = ownDataDuty(session, applicationFolder);
+  if (!ownData) return fail(ownData.error());
+  // After "Chi vende", which it belongs to.
+  if (*ownData) duties->insert(duties->begin() + 1, std::move(**ownData));
   std::ranges::move(siteDuties(session, applicationFolder), std::back_inserter(*duties));
   return duties;
 }

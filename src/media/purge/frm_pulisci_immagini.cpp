@@ -125,7 +125,9 @@ void frmPulisciImmagini::fillList() {
     item->setCheckState(Qt::Unchecked);
   }
   if (purge_.hasUnused()) {
-    lblTotale_->setText(tr("%1 immagini, %2").arg(purge_.unused().size()).arg(sizeText(purge_.totalSize())));
+    const std::size_t count = purge_.unused().size();
+    const char* const noun = count == 1 ? "%1 immagine, %2" : "%1 immagini, %2";
+    lblTotale_->setText(tr(noun).arg(count).arg(sizeText(purge_.totalSize())));
     lstFiles_->setCurrentRow(0);
   }
 }

@@ -46,11 +46,29 @@ Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::s
   }
 }
 
-/// Lets the system carry a piece of a file over, without a way through this process: the count, 0 at the end and where
-/// the system can't. Failures as reading and writing.
-Result<std::size_t> takeAlong(const Descriptor& source, Replacement& target, const std::string& from) {
-  if (!mayProceed(FileStep::Read, from)) return systemFailure(errno, from);
-  return target.takeFrom(source);
+/// Lets the system carry a file over, without a way through this process: whether it has carried all of it, which it
+/// can't between any two file systems, nor where a file has no size before it is read. Failures as reading and writing.
+Result<bool> takeAll(const OpenedFile& source, Replacement& target, const std::string& from) {
+  const auto size = static_cast<std::uint64_t>(source.status.st_size);
+  for (std::uint64_t all = 0; all < size;) {
+    if (!mayProceed(FileStep::Read, from)) return systemFailure(errno, from);
+    const auto taken = target.takeFrom(source.descriptor);
+    if (!taken) return fail(taken.error());
+    if (*taken == 0) return false;
+    all += *taken;
+  }
+  return size > 0;
+}
+
+/// Copies what is left of a file, piece by piece.
+Result<> copyPieces(const Descriptor& source, Replacement& target, const std::string& from) {
+  std::array<char, copyPiece> buffer{};
+  for (;;) {
+    const auto count = readPiece(source, buffer.data(), buffer.size(), from);
+    if (!count) return fail(count.error());
+    if (*count == 0) return {};
+    if (auto written = target.write({buffer.data(), *count}); !written) return written;
+  }
 }
 
 /// Whether a path leads to the file of this status.
@@ -204,18 +222,10 @@ Result<> copyFile(const std::string& from, const std::string& to, AtLink links) 
   if (isFileAt(to, source->status, links)) return {};
   auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR, links);
   if (!replacement) return fail(replacement.error());
-  for (;;) {
-    const auto taken = takeAlong(source->descriptor, *replacement, from);
-    if (!taken) return fail(taken.error());
-    if (*taken == 0) break;
-  }
-  // The end of the file, or all of it where the system can't copy between these two.
-  std::array<char, copyPiece> buffer{};
-  for (;;) {
-    const auto count = readPiece(source->descriptor, buffer.data(), buffer.size(), from);
-    if (!count) return fail(count.error());
-    if (*count == 0) break;
-    if (auto written = replacement->write({buffer.data(), *count}); !written) return written;
+  const auto isWhole = takeAll(*source, *replacement, from);
+  if (!isWhole) return fail(isWhole.error());
+  if (!*isWhole) {
+    if (auto copied = copyPieces(source->descriptor, *replacement, from); !copied) return copied;
   }
   replacement->keepTime(source->status);
   return replacement->commit();

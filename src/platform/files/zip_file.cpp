@@ -9,6 +9,7 @@
 #include "platform/files/file_access.h"
 #include "platform/files/file_gate.h"
 #include "platform/files/files.h"
+#include "platform/text/utf8.h"
 
 namespace kv {
 namespace {
@@ -49,17 +50,28 @@ zip_source_t* sourceOf(zip_t* archive, const ZipEntry& entry) {
   return zip_source_file(archive, entry.source.c_str(), 0, -1);
 }
 
+/// How an entry's name is written: as UTF-8; the bytes of a name that is no text, as other systems leave them on a
+/// stick, go as they are.
+zip_flags_t nameFlags(std::string_view name) {
+  for (std::size_t at = 0; at < name.size();) {
+    const utf8::Unit unit = utf8::unitAt(name, at);
+    if (!unit.valid) return ZIP_FL_ENC_GUESS;
+    at += unit.length;
+  }
+  return ZIP_FL_ENC_UTF_8;
+}
+
 // libzip opens a file only when the archive is closed: one that is missing or may not be read is found here.
 Result<> addToZip(zip_t* archive, const ZipEntry& entry, const std::string& path) {
   if (entry.name.ends_with('/')) {
-    const bool isAdded = zip_dir_add(archive, entry.name.c_str(), ZIP_FL_ENC_UTF_8) >= 0;
+    const bool isAdded = zip_dir_add(archive, entry.name.c_str(), nameFlags(entry.name)) >= 0;
     return isAdded ? Result<>() : Result<>(zipFailure(archive, path));
   }
   if (!entry.content && !fileExists(entry.source)) return fail(ErrorKind::Missing, entry.source, "no such file");
   if (!entry.content && !mayProceed(FileStep::OpenToRead, entry.source)) return systemFailure(errno, entry.source);
   zip_source_t* const source = sourceOf(archive, entry);
   if (source == nullptr) return zipFailure(archive, path);
-  const zip_int64_t index = zip_file_add(archive, entry.name.c_str(), source, ZIP_FL_ENC_UTF_8);
+  const zip_int64_t index = zip_file_add(archive, entry.name.c_str(), source, nameFlags(entry.name));
   if (index < 0) {
     zip_source_free(source);
     return zipFailure(archive, path);

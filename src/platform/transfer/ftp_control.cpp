@@ -14,7 +14,16 @@ constexpr std::string_view passwordCommand = "PASS ";
 constexpr std::string_view hidden = "(hidden)";
 constexpr int leave = 421;
 constexpr std::size_t longestLine = std::size_t{64} * 1024;
+constexpr int mostPreliminary = 100;
+constexpr int linesBetweenPauses = 64;
+constexpr std::size_t longestQuotation = 1000;  // characters
 constexpr char telnetEscape = '\xff';
+
+/// So much of a refusal as a message can show.
+std::string quotation(const std::string& text) {
+  const std::string_view start = firstCharacters(text, longestQuotation);
+  return start.size() == text.size() ? text : std::string(start) + " ...";
+}
 
 bool isUtf8(std::string_view bytes) {
   for (std::size_t at = utf8::endOfAscii(bytes, 0); at < bytes.size();) {
@@ -34,7 +43,7 @@ tl::unexpected<Error> replyFailure(const FtpReply& reply) {
   // "Bad sequence of commands" is no failure of a data connection, whose code this would be.
   if (code == transferNoData) code = transferFileCommand;
   if (reply.code == 425 || reply.code == 426) code = transferNoData;
-  return transferFailure(code, std::to_string(reply.code) + " " + serverText(reply.text));
+  return transferFailure(code, std::to_string(reply.code) + " " + quotation(serverText(reply.text)));
 }
 
 void FtpControl::open(Wire wire) {
@@ -99,6 +108,11 @@ Result<FtpReply> FtpControl::reply(Patience& patience) {
   for (;;) {
     const auto text = line(patience);
     if (!text) return fail(text.error());
+    // A server that never stops talking doesn't make anybody wait, so that no wait would let events be processed.
+    if (++linesRead_ % linesBetweenPauses == 0) {
+      linesRead_ = 0;
+      if (auto paused = patience.pause(); !paused) return fail(paused.error());
+    }
     tell(*text);
     auto whole = parser.take(*text);
     if (!whole) {
@@ -111,12 +125,17 @@ Result<FtpReply> FtpControl::reply(Patience& patience) {
   }
 }
 
-Result<FtpReply> FtpControl::command(const std::string& command, Patience& patience) {
-  if (auto sent = send(command, patience); !sent) return fail(sent.error());
-  for (;;) {
+Result<FtpReply> FtpControl::finalReply(Patience& patience) {
+  for (int seen = 0; seen < mostPreliminary; ++seen) {
     auto received = reply(patience);
     if (!received || !received->isPreliminary()) return received;
   }
+  return transferFailure(transferNoConnection, "il server non arriva alla risposta");
+}
+
+Result<FtpReply> FtpControl::command(const std::string& command, Patience& patience) {
+  if (auto sent = send(command, patience); !sent) return fail(sent.error());
+  return finalReply(patience);
 }
 
 Result<FtpReply> FtpControl::require(const std::string& command, Patience& patience) {

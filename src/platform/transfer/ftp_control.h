@@ -11,7 +11,7 @@
 
 namespace kv {
 
-/// The failure that a refusing reply is: 20000 + its code, the server's words as text.
+/// The failure that a refusing reply is: 20000 + its code, the server's words as text, a thousand characters of them.
 tl::unexpected<Error> replyFailure(const FtpReply& reply);
 /// Bytes of a server as UTF-8: kept when they are that, else taken for Windows-1252.
 std::string serverText(std::string_view bytes);
@@ -36,7 +36,10 @@ class FtpControl {
   /// Reads one whole reply, a preliminary one too. transferNoConnection when the server has closed or says something
   /// else than FTP; 20421 when it takes its leave.
   Result<FtpReply> reply(Patience& patience);
-  /// Sends a command and reads its final reply, preliminary ones passed over.
+  /// Reads the reply that ends a command, preliminary ones passed over. transferNoConnection when it doesn't come after
+  /// a hundred of them.
+  Result<FtpReply> finalReply(Patience& patience);
+  /// Sends a command and reads its final reply.
   Result<FtpReply> command(const std::string& command, Patience& patience);
   /// The same, a refusal being the failure of replyFailure.
   Result<FtpReply> require(const std::string& command, Patience& patience);
@@ -48,6 +51,7 @@ class FtpControl {
   void tell(const std::string& text) const;
   Wire wire_;
   std::string unread_;  // bytes after the line that was read last
+  int linesRead_ = 0;
 };
 
 }  // namespace kv

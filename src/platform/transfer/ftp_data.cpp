@@ -91,13 +91,6 @@ Result<Wire> acceptServer(FtpSession& session, Wire& listener, Patience& patienc
   }
 }
 
-Result<FtpReply> finalReply(FtpSession& session, Patience& patience) {
-  for (;;) {
-    auto reply = session.control.reply(patience);
-    if (!reply || !reply->isPreliminary()) return reply;
-  }
-}
-
 }  // namespace
 
 Result<FtpData> FtpData::prepare(FtpSession& session, Patience& patience) {
@@ -148,7 +141,7 @@ Result<> withData(FtpSession& session, const std::string& command,
   *data = {};
   // A stalled connection has had its time, and a cancel none.
   if (!used && (used.error().number == transferCancelled || used.error().number == transferSilence)) return used;
-  const auto closing = finalReply(session, patience);
+  const auto closing = session.control.finalReply(patience);
   if (!closing) return used ? fail(closing.error()) : used;
   if (closing->isRefusal()) return replyFailure(*closing);
   return used;

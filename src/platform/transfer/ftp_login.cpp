@@ -100,14 +100,11 @@ Result<> openControl(FtpSession& session, Patience& patience) {
   if (session.settings.tls == TlsMode::Implicit) {
     if (auto secured = secureControl(session, patience); !secured) return secured;
   }
-  for (;;) {
-    const auto greeting = session.control.reply(patience);
-    if (!greeting) return fail(greeting.error());
-    // "Service ready in nnn minutes" comes before the greeting itself.
-    if (greeting->isPreliminary()) continue;
-    if (greeting->isRefusal()) return replyFailure(*greeting);
-    return askForTls(session, patience);
-  }
+  // "Service ready in nnn minutes" comes before the greeting itself.
+  const auto greeting = session.control.finalReply(patience);
+  if (!greeting) return fail(greeting.error());
+  if (greeting->isRefusal()) return replyFailure(*greeting);
+  return askForTls(session, patience);
 }
 
 Result<> logInto(FtpSession& session, Patience& patience) {

@@ -14,7 +14,27 @@ namespace {
 
 constexpr int leavingSeconds = 5;  // a server that doesn't answer QUIT is left all the same
 constexpr std::size_t longestListing = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t mostLineEnds = 200'000;  // of a listing; CR LF are two
 constexpr int directoryExists = transferOther + 521;
+
+bool isLineEnd(char byte) { return byte == '\n' || byte == '\r'; }
+
+/// Reads a listing to its end. transferNoData when it is longer than any that is one.
+Result<> receiveListing(Wire& wire, std::string& text, Patience& patience) {
+  std::array<char, 16384> piece{};
+  std::size_t ends = 0;
+  for (;;) {
+    const auto count = wire.read(piece.data(), piece.size(), patience);
+    if (!count) return fail(count.error());
+    if (*count == 0) return {};
+    text.append(piece.data(), *count);
+    ends += static_cast<std::size_t>(std::count_if(piece.data(), piece.data() + *count, isLineEnd));
+    if (text.size() > longestListing || ends > mostLineEnds) {
+      return transferFailure(transferNoData, "elenco troppo lungo");
+    }
+    if (auto paused = patience.pause(); !paused) return paused;
+  }
+}
 
 class FtpTransfer final : public Transfer {
  public:
@@ -185,16 +205,7 @@ TransferCompletion FtpTransfer::store(const std::string& verb, const SentFile& f
 
 TransferCompletion FtpTransfer::list() {
   std::string text;
-  const auto receive = [&](Wire& wire, Patience& patience) -> Result<> {
-    std::array<char, 16384> piece{};
-    for (;;) {
-      const auto count = wire.read(piece.data(), piece.size(), patience);
-      if (!count) return fail(count.error());
-      if (*count == 0) return {};
-      text.append(piece.data(), *count);
-      if (text.size() > longestListing) return transferFailure(transferNoData, "elenco troppo lungo");
-    }
-  };
+  const auto receive = [&](Wire& wire, Patience& patience) { return receiveListing(wire, text, patience); };
   auto completion = command([&](Patience& patience) -> Result<std::string> {
     if (auto set = setType('A', patience); !set) return fail(set.error());
     if (auto listed = withData(session_, "LIST", receive, patience); !listed) return fail(listed.error());

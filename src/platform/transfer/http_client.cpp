@@ -2,8 +2,12 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
+
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {
@@ -12,23 +16,25 @@ constexpr std::size_t longestBody = std::size_t{64} * 1024 * 1024;
 constexpr int stepMilliseconds = 40;
 constexpr long mostRedirections = 10;
 constexpr long connectSeconds = 60;
+constexpr std::size_t longestAddress = 200;  // characters of one that a message shows
 
 using Easy = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 using Multi = std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)>;
 using Lines = std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)>;
 
-/// The answer as it grows.
+/// The answer as it grows, up to `most` bytes.
 struct Answer {
   std::string body;
-  bool tooLong = false;
+  std::size_t most = longestBody;
+  bool hasMore = false;
 };
 
 std::size_t receivePiece(char* bytes, std::size_t size, std::size_t count, void* target) {
   auto* const answer = static_cast<Answer*>(target);
-  answer->tooLong = answer->body.size() + size * count > longestBody;
-  if (answer->tooLong) return 0;  // the library ends the request
-  answer->body.append(bytes, size * count);
-  return size * count;
+  const std::size_t room = answer->most - answer->body.size();
+  answer->hasMore = size * count > room;
+  answer->body.append(bytes, std::min(size * count, room));
+  return answer->hasMore ? 0 : size * count;  // with 0 the library ends the request
 }
 
 Lines headerLines(const HttpRequest& request) {
@@ -46,9 +52,9 @@ void setRequest(CURL* easy, const HttpRequest& request, Answer& answer) {
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(easy, CURLOPT_TIMEOUT, static_cast<long>(request.timeoutSeconds));
   curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, connectSeconds);
-  curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+  // Where a POST is sent on to is looked at first.
+  curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, request.method == "POST" ? 0L : 1L);
   curl_easy_setopt(easy, CURLOPT_MAXREDIRS, mostRedirections);
-  curl_easy_setopt(easy, CURLOPT_POSTREDIR, static_cast<long>(CURL_REDIR_POST_ALL));
   curl_easy_setopt(easy, CURLOPT_TCP_KEEPALIVE, 1L);
   curl_easy_setopt(easy, CURLOPT_USERAGENT, "Korvane/" KORVANE_VERSION);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &receivePiece);
@@ -80,6 +86,37 @@ Result<CURLcode> pump(CURLM* multi, const HttpRequest& request, const std::funct
   }
 }
 
+/// Scheme and host of an address, in lower case.
+struct Target {
+  std::string scheme, host;
+};
+Target targetOf(const std::string& url) {
+  const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parts(curl_url(), &curl_url_cleanup);
+  if (!parts || curl_url_set(parts.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK) return {};
+  const auto part = [&parts](CURLUPart which) {
+    char* text = nullptr;
+    if (curl_url_get(parts.get(), which, &text, 0) != CURLUE_OK) return std::string();
+    const std::unique_ptr<char, decltype(&curl_free)> owner(text, &curl_free);
+    return foldCase(text);
+  };
+  return {part(CURLUPART_SCHEME), part(CURLUPART_HOST)};
+}
+
+/// Whether a POST to one address may be sent on to another one.
+bool maySendOn(const std::string& from, const std::string& to) {
+  const Target first = targetOf(from), second = targetOf(to);
+  const auto isWorldWide = [](const std::string& host, const std::string& other) { return host == "www." + other; };
+  const bool isSameHost =
+      first.host == second.host || isWorldWide(first.host, second.host) || isWorldWide(second.host, first.host);
+  return isSameHost && !first.host.empty() && (first.scheme != "https" || second.scheme == "https");
+}
+
+/// What came of one address.
+struct Exchange {
+  HttpResponse response;
+  std::string next;  // where a POST is to go instead; empty: this is the answer
+};
+
 class CurlClient final : public HttpClient {
  public:
   CurlClient() { curl_global_init(CURL_GLOBAL_DEFAULT); }
@@ -88,10 +125,27 @@ class CurlClient final : public HttpClient {
   ~CurlClient() override { curl_global_cleanup(); }
 
   Result<HttpResponse> send(const HttpRequest& request, const std::function<bool()>& yield) override {
+    HttpRequest now = request;
+    for (long followed = 0; followed <= mostRedirections; ++followed) {
+      auto exchange = ask(now, yield);
+      if (!exchange) return fail(exchange.error());
+      if (exchange->next.empty()) return std::move(exchange->response);
+      if (!maySendOn(now.url, exchange->next)) {
+        const std::string_view shown = firstCharacters(exchange->next, longestAddress);
+        return libraryFailure(request, "il sito rimanda a " + std::string(shown) + ": correggere l'URL del sito");
+      }
+      now.url = std::move(exchange->next);
+    }
+    return libraryFailure(request, "il sito rimanda troppe volte a un altro indirizzo");
+  }
+
+ private:
+  static Result<Exchange> ask(const HttpRequest& request, const std::function<bool()>& yield) {
     const Multi multi(curl_multi_init(), &curl_multi_cleanup);
     const Easy easy(curl_easy_init(), &curl_easy_cleanup);
     if (!multi || !easy) return libraryFailure(request, "out of memory");
     Answer answer;
+    if (request.enough > 0) answer.most = std::min(request.enough, longestBody);
     std::array<char, CURL_ERROR_SIZE> reason{};
     const Lines headers = headerLines(request);
     setRequest(easy.get(), request, answer);
@@ -100,14 +154,20 @@ class CurlClient final : public HttpClient {
     curl_multi_add_handle(multi.get(), easy.get());
     const auto result = pump(multi.get(), request, yield);
     long status = 0;
+    const char* next = nullptr;
     curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(easy.get(), CURLINFO_REDIRECT_URL, &next);
+    Exchange exchange{{static_cast<int>(status), {}}, next != nullptr ? next : ""};
     curl_multi_remove_handle(multi.get(), easy.get());
     if (!result) return fail(result.error());
-    if (answer.tooLong) return fail(ErrorKind::Malformed, request.url, "the answer is too long");
-    if (*result != CURLE_OK) {
+    if (answer.hasMore && request.enough == 0) {
+      return fail(ErrorKind::Malformed, request.url, "the answer is too long");
+    }
+    if (*result != CURLE_OK && !answer.hasMore) {
       return libraryFailure(request, reason[0] != '\0' ? reason.data() : curl_easy_strerror(*result));
     }
-    return HttpResponse{static_cast<int>(status), std::move(answer.body)};
+    exchange.response.body = std::move(answer.body);
+    return exchange;
   }
 };
 

@@ -151,7 +151,9 @@ Result<> TlsLine::write(std::string_view bytes, int descriptor, Patience& patien
 
 std::string TlsLine::fingerprint() const { return fingerprintOf(certificateOf(ssl_.get()).get()); }
 
-Tls::Tls() : context_(SSL_CTX_new(TLS_client_method()), &SSL_CTX_free) {
+void Tls::prepare() {
+  if (context_) return;
+  context_.reset(SSL_CTX_new(TLS_client_method()));
   SSL_CTX_set_default_verify_paths(context_.get());
   // The handshake goes through in any case; verify() then judges, so that the user can be asked.
   SSL_CTX_set_verify(context_.get(), SSL_VERIFY_NONE, nullptr);
@@ -170,6 +172,7 @@ int Tls::keepSession(SSL* ssl, SSL_SESSION* session) {
 }
 
 Result<std::unique_ptr<TlsLine>> Tls::open(int descriptor, const TlsPeer& peer, Patience& patience) {
+  prepare();
   auto line = std::make_unique<TlsLine>(SSL_new(context_.get()));
   BIO* const bio = socketBio(descriptor);
   SSL_set_bio(line->get(), bio, bio);

@@ -41,7 +41,7 @@ struct TlsPeer {
 /// What all TLS connections to one server share.
 class Tls {
  public:
-  Tls();
+  Tls() = default;
   Tls(const Tls&) = delete;
   Tls& operator=(const Tls&) = delete;
   /// Whom to ask about a certificate that doesn't pass; not set: it is refused.
@@ -57,7 +57,9 @@ class Tls {
  private:
   Result<> verify(const TlsLine& line, const TlsPeer& peer);
   static int keepSession(SSL* ssl, SSL_SESSION* session);
-  std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context_;
+  // Made for the first connection: reading the trusted certificates takes longer than a whole dialogue in the clear.
+  void prepare();
+  std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context_{nullptr, &SSL_CTX_free};
   Result<> shakeHands(SSL* ssl, int descriptor, Patience& patience);
   // TLS 1.2 is preferred: its session is resumed by every data connection, while a ticket of TLS 1.3 is often good
   // for one, and an upload ends before the server's next one has come.

@@ -15,6 +15,7 @@ namespace kv {
 namespace {
 
 constexpr std::size_t discardedPiece = 4096;
+constexpr std::size_t mostDiscarded = std::size_t{1024} * 1024;
 
 /// The errno with which a connection that was begun has failed; 0 when it is there.
 int connectionFailure(int descriptor) {
@@ -126,10 +127,12 @@ void Wire::finish(Patience& patience) {
   if (::shutdown(descriptor_, SHUT_WR) != 0 || !tls_) return;
   // What the server still says are session tickets: the next connection may need them, and a server would see the
   // connection reset, and lose what it hasn't read yet, if it were closed with them unread.
+  // That is little; whoever says more would be listened to for ever.
   std::array<char, discardedPiece> discarded{};
-  for (;;) {
+  for (std::size_t all = 0; all < mostDiscarded;) {
     const auto count = tls_->read(discarded.data(), discarded.size(), descriptor_, patience);
     if (!count || *count == 0) return;
+    all += *count;
   }
 }
 

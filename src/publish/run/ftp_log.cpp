@@ -31,10 +31,14 @@ void VisibleLog::add(std::string_view line) {
   text_ += line;
   text_ += '\n';
   // Far beyond the limit in bytes, so that characters are counted now and then only.
-  if (text_.size() < 2 * longest) return;
-  const std::size_t count = characterCount(text_);
-  if (count <= longest) return;
-  text_.erase(0, firstCharacters(text_, count - longest).size());
+  if (text_.size() >= 2 * longest) text_ = text();
+}
+
+std::string_view VisibleLog::text() const {
+  std::string_view shown = text_;
+  const std::size_t count = characterCount(shown);
+  if (count > longest) shown.remove_prefix(firstCharacters(shown, count - longest).size());
+  return shown;
 }
 
 }  // namespace kv

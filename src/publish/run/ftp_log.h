@@ -32,7 +32,8 @@ class VisibleLog {
   /// The most characters that are kept.
   static constexpr std::size_t longest = 32000;
   void add(std::string_view line);
-  const std::string& text() const { return text_; }
+  /// The last `longest` characters of what was added, each line with its end.
+  std::string_view text() const;
 
  private:
   std::string text_;

@@ -48,6 +48,14 @@ std::string_view afterColumns(std::string_view line) {
   return line;
 }
 
+/// Whether a text can name one folder inside another one, rather than lead out of it or hide what it is.
+bool isOneName(std::string_view name) {
+  constexpr unsigned char firstCharacter = ' ', deletion = 0x7f;
+  if (name.ends_with('/')) name.remove_suffix(1);  // how some servers mark a folder
+  return std::ranges::none_of(
+      name, [](unsigned char byte) { return byte == '/' || byte < firstCharacter || byte == deletion; });
+}
+
 bool startsLike(std::string_view line, char lower) {
   return !line.empty() && (line.front() == lower || line.front() == static_cast<char>(lower - 'a' + 'A'));
 }
@@ -101,7 +109,7 @@ std::optional<std::string> listedFolder(std::string_view line) {
   } else {
     name = NomeDirectoryDOS(line);
   }
-  if (name.empty() || name == "." || name == "..") return std::nullopt;
+  if (name.empty() || name == "." || name == ".." || !isOneName(name)) return std::nullopt;
   return name;
 }
 

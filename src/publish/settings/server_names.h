@@ -20,7 +20,8 @@ std::string joinServerPath(std::string_view folder, std::string_view name);
 /// it lies elsewhere.
 std::string relativeToBase(std::string_view folder, std::string_view base);
 
-/// The folder that a line of a listing names, links to whatever included; nothing for a file and for "." and "..".
+/// The folder that a line of a listing names, links to whatever included; nothing for a file, for "." and "..", and for
+/// what no folder can be called: a path, and a name with a control character.
 /// Both styles are read: "drwxr-xr-x 2 user group 4096 Jan  1 12:00 my shop" and "01-01-26  12:00PM  <DIR>  my shop".
 /// A name keeps its bytes and the spaces inside it.
 std::optional<std::string> listedFolder(std::string_view line);

@@ -24,6 +24,9 @@ constexpr std::uint32_t alphabetLength = 26;
 constexpr int updateTimeout = 28800;
 constexpr int diagnosisTimeout = 60;
 constexpr int firstRefusal = 400;
+constexpr std::size_t enoughSql = 64;         // bytes that tell an SQL file by its first line
+constexpr std::size_t longestShown = 32'000;  // characters of an answer; its log has all of them
+constexpr std::size_t longestMessage = 2'000;
 
 /// Characters that keep a request from being answered from a cache.
 std::string requestToken(RandomSource& random) {
@@ -41,6 +44,13 @@ HttpRequest updateRequest(const UpdateJob& job, const UpdateParts& parts, int la
   request.headers = {"Content-Type: application/x-www-form-urlencoded"};
   request.timeoutSeconds = updateTimeout;
   return request;
+}
+
+/// Text of the host with as many characters as a window can show.
+std::string shownText(std::string_view answer, std::size_t most) {
+  // No character takes more than one byte there.
+  std::string text = replaceAll(fromWindows1252(answer.substr(0, most)), "\r\n", "\n");
+  return answer.size() > most ? text + " ...\n" : text;
 }
 
 /// One language's answer, cleaned and logged; Cancelled, or the failure that is shown instead.
@@ -62,7 +72,7 @@ struct Answers {
   void add(int language, const std::string& answer) {
     const bool ok = answer == confirmed;
     collected += answer + "\r\n\r\n";
-    if (!ok) shown += replaceAll(fromWindows1252(answer), "\r\n", "\n") + "\n";
+    if (!ok) shown += shownText(answer, longestShown) + "\n";
     shown.append("Lingua").append(std::to_string(language)).append(ok ? ": OK\n" : ": ERRORE\n");
     shown.append(rule).append("\n\n");
     failed = failed || !ok;
@@ -90,7 +100,8 @@ void logDiagnosis(const UpdateJob& job, const UpdateParts& parts) {
 void warnOfExposedSql(const UpdateJob& job, const UpdateParts& parts) {
   HttpRequest request;
   request.url = job.siteBase + "/db.sql";
-  request.headers = {"Range: bytes=0-63"};
+  request.headers = {"Range: bytes=0-63"};  // a host may send all of it nevertheless
+  request.enough = enoughSql;
   request.timeoutSeconds = diagnosisTimeout;
   const auto response = parts.http.send(request, parts.yield);
   if (!response || response->status >= firstRefusal) return;
@@ -122,8 +133,7 @@ void rememberPrices(const UpdateJob& job, const UpdateParts& parts) {
 }
 
 std::string failureTag(const UpdateJob& job, const std::string& answers) {
-  const std::string text = fromWindows1252(answers);
-  if (startsWithIgnoringCase(trim(text), notAuthorised)) return replaceAll(text, "\r\n", "\n");
+  if (startsWithIgnoringCase(trim(answers), notAuthorised)) return shownText(answers, longestMessage);
   return "Si sono verificati errori nell'aggiornamento del database:\nconsultare i file " + job.shopFolder +
          "/db1.log ... db4.log per maggiori dettagli";
 }

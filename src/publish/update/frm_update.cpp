@@ -44,6 +44,9 @@ void frmUpdate::showEvent(QShowEvent* event) {
 
 void frmUpdate::start() {
   if (started_ || cancelled_ || !isVisible()) return;
+  // Within the question the run would hold the answer until it is over.
+  mayStart_ = true;
+  if (asking_) return;
   started_ = running_ = true;
   picBusy_->setBusy(true);
   const UpdateParts parts{http_,
@@ -71,6 +74,7 @@ void frmUpdate::reject() {
   asking_ = true;
   const bool leaves = env_.user.question(interruptQuestion()) == Answer::Yes;
   asking_ = false;
+  if (!leaves && mayStart_) QTimer::singleShot(0, this, &frmUpdate::start);
   if (!leaves) return;
   cancelled_ = true;
   // A request that is under way ends at its next step, and with it the dialog.

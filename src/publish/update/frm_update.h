@@ -32,6 +32,7 @@ class frmUpdate final : public FormDialog {
   Environment& env_;
   HttpClient& http_;
   EventPump pump_;
+  bool mayStart_ = false;  // the second is over
   bool started_ = false;
   bool running_ = false;
   bool asking_ = false;     // the question is open

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/text/text.h"
+
 namespace kv {
 namespace {
 
@@ -28,6 +30,18 @@ std::string_view cut(std::string_view text, int columns) {
     if (starts && columns-- <= 0) break;
   }
   return text.substr(0, end);
+}
+
+/// The text without what a terminal takes for a command: texts of servers and of files reach it, too.
+std::string printable(std::string_view text) {
+  constexpr unsigned char firstCharacter = ' ', deletion = 0x7f;
+  std::string shown;
+  for (const char byte : replaceAll(text, "\r\n", "\n")) {
+    const auto code = static_cast<unsigned char>(byte);
+    const bool isKept = byte == '\n' || byte == '\t' || (code >= firstCharacter && code != deletion);
+    shown += isKept ? byte : '?';
+  }
+  return shown;
 }
 
 std::string_view nameOf(Answer answer) {
@@ -64,13 +78,13 @@ ConsoleUser::~ConsoleUser() { clearBar(); }
 
 void ConsoleUser::message(const std::string& text, Icon) {
   clearBar();
-  out_ << text << '\n' << std::flush;
+  out_ << printable(text) << '\n' << std::flush;
 }
 
 Answer ConsoleUser::question(const Question& question) {
   clearBar();
   const Answer answer = nextAnswer(question);
-  out_ << question.text << "\n> " << nameOf(answer) << '\n' << std::flush;
+  out_ << printable(question.text) << "\n> " << nameOf(answer) << '\n' << std::flush;
   return answer;
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// The user port of the command line: messages go to one stream as they are, questions are answered from the
+// The user port of the command line: messages go to one stream, questions are answered from the
 // arguments, progress is a bar on a terminal and an occasional line anywhere else. It never reads the keyboard.
 
 #include <functional>
@@ -29,7 +29,7 @@ class ConsoleUser final : public UserPort {
   ConsoleUser(const ConsoleUser&) = delete;
   ConsoleUser& operator=(const ConsoleUser&) = delete;
 
-  /// Prints the text, whatever the icon.
+  /// Prints the text, whatever the icon; "?" for each control character but line ends and tabs.
   void message(const std::string& text, Icon icon) override;
   /// Prints the question and the answer it got. Yes and Ok are the same consent, No and Cancel the same refusal,
   /// whichever pair the question offers.

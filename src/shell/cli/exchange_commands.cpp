@@ -1,5 +1,7 @@
 #include "shell/cli/exchange_commands.h"
 
+#include <algorithm>
+
 #include "import/accounting/accounting_source.h"
 #include "media/purge/unused_pictures.h"
 #include "platform/files/files.h"
@@ -11,6 +13,16 @@
 #include "store/exchange/primo_preview.h"
 
 namespace kv {
+namespace {
+
+/// A name on a line of its own: a character that would end the line shows as "?".
+std::string onOneLine(std::string name) {
+  std::ranges::replace_if(
+      name, [](char c) { return c == '\n' || c == '\r'; }, '?');
+  return name;
+}
+
+}  // namespace
 
 CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environment& env) {
   CliSession open(env);
@@ -56,7 +68,7 @@ CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Envir
                       {}},
                      env.user);
   if (!purge.search()) return CliOutcome::Failed;
-  for (const UnusedPicture& picture : purge.unused()) out << picture.name << '\n';
+  for (const UnusedPicture& picture : purge.unused()) out << onOneLine(picture.name) << '\n';
   if (!line.has("--delete") || !purge.hasUnused()) return CliOutcome::Done;
   purge.tickAll(true);
   return purge.deleteTicked() ? CliOutcome::Done : CliOutcome::Failed;

@@ -45,8 +45,12 @@ void completeShop(const Session& session, const Environment& env) {
   ignore(restrictToOwner(catalogue), "a shop on a medium that can't be changed opens");
   if (isIncompatible(catalogue)) return;
   if (env.hooks.CopiaCatalogo) env.hooks.CopiaCatalogo(session.ShopFolder);
-  if (env.hooks.AggiornaNegozio) env.hooks.AggiornaNegozio(session.ShopFolder);
-  renumberShop(session.ShopFolder);
+  // It renumbers, too, while it has the catalogue open: in a large shop each opening is a good part of the loading.
+  if (env.hooks.AggiornaNegozio) {
+    env.hooks.AggiornaNegozio(session.ShopFolder);
+  } else {
+    renumberShop(session.ShopFolder);
+  }
 }
 
 LoadResult offerAnotherShop(Session& session, Environment& env) {

@@ -1,7 +1,10 @@
 #include "store/upgrade/shop_upgrade.h"
 
+#include <span>
+
 #include "platform/files/files.h"
 #include "store/schema/working_copies.h"
+#include "store/shop/order_numbers.h"
 #include "store/shop/shop_folders.h"
 
 namespace kv {
@@ -22,7 +25,14 @@ constexpr NewColumn settingColumns[] = {
     {"singleitem_vet"},
     {"reglist"},
     {"showsigns", ColumnType::Bool, "1"}};
-constexpr NewColumn pageTagColumn{"compact_privacy_policy", ColumnType::Memo};
+constexpr NewColumn pageTagColumns[] = {{"compact_privacy_policy", ColumnType::Memo}};
+
+/// Whether a table has all of the columns, as one of a shop that is up to date has.
+bool hasColumns(Database& database, const std::string& table, std::span<const NewColumn> columns) {
+  std::string names;
+  for (const NewColumn& column : columns) names += (names.empty() ? "" : ", ") + std::string(column.name);
+  return database.prepare("SELECT " + names + " FROM " + table).has_value();
+}
 
 /// Adds a column; that it is there already is the sign that this has been done.
 void addColumn(Database& database, const std::string& table, const NewColumn& column, ShopUpgrade& upgrade) {
@@ -41,6 +51,12 @@ void addColumn(Database& database, const std::string& table, const NewColumn& co
   if (database.commit()) upgrade.columns.push_back(table + "." + name);
 }
 
+void addColumns(Database& database, const std::string& table, std::span<const NewColumn> columns,
+                ShopUpgrade& upgrade) {
+  if (hasColumns(database, table, columns)) return;
+  for (const NewColumn& column : columns) addColumn(database, table, column, upgrade);
+}
+
 void stampVersion(Database& catalogue, ShopUpgrade& upgrade) {
   const std::string version = std::to_string(currentVersion);
   // A row that has the version already isn't written: its file keeps its time.
@@ -54,11 +70,12 @@ void stampVersion(Database& catalogue, ShopUpgrade& upgrade) {
 Result<> upgradeSchema(const std::string& shopFolder, ShopUpgrade& upgrade) {
   auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
   if (!catalogue) return fail(catalogue.error());
+  ignore(renumberCatalogue(*catalogue), "the numbers are in order as they are");
   ignore(dropWorkingCopies(*catalogue), "the dialog that needs them drops them, too");
-  for (const NewColumn& column : settingColumns) addColumn(*catalogue, "generale", column, upgrade);
+  addColumns(*catalogue, "generale", settingColumns, upgrade);
   stampVersion(*catalogue, upgrade);
   auto seed = ApriDatabase(joinPath(shopFolder, tagSeedFile), false);
-  if (seed) addColumn(*seed, "categoria", pageTagColumn, upgrade);
+  if (seed) addColumns(*seed, "categoria", pageTagColumns, upgrade);
   return {};
 }
 
@@ -72,7 +89,7 @@ ShopUpgrade plannedUpgrade(Database& catalogue, const std::string& shopFolder, c
   const auto version = catalogueVersion(catalogue);
   upgrade.stamped = version && *version != currentVersion;
   auto seed = Database::open(joinPath(shopFolder, tagSeedFile), OpenMode::ReadOnly);
-  if (seed) plan(*seed, "categoria", pageTagColumn);
+  if (seed) plan(*seed, "categoria", pageTagColumns[0]);
   planFiles(shopFolder, applicationFolder, upgrade);
   return upgrade;
 }

@@ -27,8 +27,9 @@ struct ShopUpgrade {
   bool isEmpty() const { return columns.empty() && files.empty() && !stamped; }
 };
 
-/// AggiornaNegozio (bring the shop up to date): adds missing columns to the catalogue and to source.new, stamps the
-/// version, drops what a killed dialog has left, and brings the file generation up. The catalogue is open nowhere.
+/// AggiornaNegozio (bring the shop up to date): renumbers articles and departments, adds missing columns to the
+/// catalogue and to source.new, stamps the version, drops what a killed dialog has left, and brings the file generation
+/// up. The catalogue is open nowhere.
 /// Shows no message: a step of the schema that fails is left out, any other failure ends the routine, and the next
 /// opening tries again.
 ShopUpgrade AggiornaNegozio(const std::string& shopFolder, const std::string& applicationFolder);

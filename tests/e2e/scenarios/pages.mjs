@@ -1,5 +1,5 @@
-// Every kind of page, looked at by tools: accessibility in both templates and in the back office; valid HTML, and
-// Lighthouse's scores that do not depend on the machine, for `chiaro`.
+// Every kind of page, looked at by tools: accessibility and valid HTML in both templates and in the back office, and
+// Lighthouse's scores that do not depend on the machine.
 import { strict as assert } from "node:assert";
 import { after, before, test } from "node:test";
 import { accessibilityFaults } from "../support/accessibility.mjs";
@@ -85,25 +85,26 @@ async function withAxe(shopper, name, faults) {
 }
 
 /** What exceeds the width of the narrowest screen, 320 pixels. */
-async function onNarrowScreen(shopper, name, faults) {
-  const { width, height } = shopper.screen;
+async function onNarrowScreen(as, shopper, name, faults) {
+  const { width, height } = shopper.page.viewportSize();
   await shopper.page.setViewportSize({ width: narrowest, height });
   const needed = await shopper.page.evaluate(() => document.documentElement.scrollWidth);
   if (needed > narrowest) {
     faults.push(`${name}: ${needed} pixels wide`);
   }
   faults.push(...(await controlsOutside(shopper.page)).map((fault) => `${name}: ${fault}`));
+  await as.picture(shopper, `${narrowest} ${name}`);
   await shopper.page.setViewportSize({ width, height });
 }
 
 /** Collects what html-validate says of each page as the server sends it; the result waits for the last. */
-function withHtmlValidate(page, faults) {
+function withHtmlValidate(page, accepted, faults) {
   const pending = [];
   const look = async (response) => {
     if (response.request().resourceType() === "document" && response.status() === 200) {
       const html = new TextDecoder("windows-1252").decode(await response.body());
       const name = response.url().replace(/^.*\//, "");
-      faults.push(...(await htmlFaults(html)).map((fault) => `${name}: ${fault}`));
+      faults.push(...(await htmlFaults(html, accepted)).map((fault) => `${name}: ${fault}`));
     }
   };
   page.on("response", (response) => pending.push(look(response)));
@@ -112,17 +113,18 @@ function withHtmlValidate(page, faults) {
 
 /**
  * One tour through all kinds of pages, and a test for each tool that looked on. narrow: whether pages are tried on the
- * narrowest screen too; html: whether their HTML must be valid.
+ * narrowest screen too; html: the faults of HTML that are accepted (`htmlFaults`), without which it isn't looked at.
  */
 export function lookedAt(as, { narrow, html }) {
   const faults = { axe: [], narrow: [], html: [] };
   let ended = false;
   test(`every kind of page opens at ${as.screen.width} pixels`, as.visitor(async (shopper) => {
-    const settled = html ? withHtmlValidate(shopper.page, faults.html) : () => {};
+    const settled = html ? withHtmlValidate(shopper.page, html, faults.html) : () => {};
     await tour(shopper, async (name) => {
       await withAxe(shopper, name, faults.axe);
+      await as.picture(shopper, `page ${name}`);
       if (narrow) {
-        await onNarrowScreen(shopper, name, faults.narrow);
+        await onNarrowScreen(as, shopper, name, faults.narrow);
       }
       await settled();
     });
@@ -132,7 +134,7 @@ export function lookedAt(as, { narrow, html }) {
     assert.ok(ended, "the tour did not come to its end");
     assert.equal([...new Set(found)].join("\n"), "");
   });
-  clean("axe-core finds nothing serious on any kind of page", faults.axe);
+  clean("axe-core finds nothing on any kind of page", faults.axe);
   if (narrow) {
     clean(`at ${narrowest} pixels no page scrolls sideways and every control is within reach`, faults.narrow);
   }
@@ -145,7 +147,7 @@ export function lookedAt(as, { narrow, html }) {
 export function fitsTheNarrowScreen(as) {
   test(`at ${narrowest} pixels no page scrolls sideways and every control is within reach`, as.visitor(async (shopper) => {
     const faults = [];
-    await tour(shopper, (name) => onNarrowScreen(shopper, name, faults));
+    await tour(shopper, (name) => onNarrowScreen(as, shopper, name, faults));
     assert.equal([...new Set(faults)].join("\n"), "");
   }));
 }
@@ -158,7 +160,7 @@ export function fitsInEveryLanguage(as) {
     for (const suffix of ["", "_l2", "_l3", "_l4"]) {
       for (const stem of ["index", "cat005", "cat007", "cat016", "cart", "order"]) {
         await shopper.page.goto(as.address(stem, "").replace(/(?=\.php$)/, suffix));
-        await onNarrowScreen(shopper, stem + suffix, faults);
+        await onNarrowScreen(as, shopper, stem + suffix, faults);
       }
     }
     assert.equal([...new Set(faults)].join("\n"), "");
@@ -166,13 +168,16 @@ export function fitsInEveryLanguage(as) {
 }
 
 export function accessibleBackOffice(as) {
-  test("axe-core finds nothing serious in the back office, and its HTML is valid", async () => {
+  test("axe-core finds nothing in the back office, its HTML is valid, and it fits a narrow screen", async () => {
     const faults = [];
     await as.merchant(async (merchant) => {
       for (const address of await merchant.pages()) {
         const answer = await merchant.page.goto(address);
         faults.push(...(await htmlFaults(await answer.text())).map((fault) => `${address}: ${fault}`));
         faults.push(...(await accessibilityFaults(merchant.page)).map((fault) => `${address}: ${fault}`));
+        const name = `office ${address.replace(/^.*\//, "")}`;
+        await as.picture(merchant, name);
+        await onNarrowScreen(as, merchant, name, faults);
       }
     });
     assert.equal(faults.join("\n"), "");

@@ -69,8 +69,7 @@ std::string FieldStore::shown(const Editor& editor) {
     const std::string text = asText(sideValue(sets_, editor, sets_.session().currentLanguage));
     return isNumberKind(editor.kind) && !text.empty() ? shownNumber(text, separator_) : text;
   }
-  if (editor.control == Control::Variant)
-    return variantNames(sets_, listino_)[static_cast<std::size_t>(editor.number - 1)];
+  if (editor.control == Control::Variant) return variantName(sets_, listino_, editor.number);
   const ColumnInfo* info = columnInfo(editor);
   if (info == nullptr) return {};
   const Value value = sets_.edited(editor.set).get(info->name);
