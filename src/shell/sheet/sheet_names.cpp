@@ -8,7 +8,7 @@
 namespace kv {
 namespace {
 
-constexpr std::string_view kept = ": è rimasto il valore precedente.";
+constexpr std::string_view formerKept = ": è rimasto il valore precedente.";
 
 std::string withID(std::string_view name, std::string_view ID) {
   return std::string(name) + (name.empty() ? "[" : " [") + std::string(ID) + "]";
@@ -29,8 +29,8 @@ std::int64_t numberOf(std::string_view digits) {
 
 /// Why a name that was looked up means no row; empty where it means one.
 std::string whyNot(const CatalogueName& found, const std::string& what) {
-  if (found.isAmbiguous) return "C'è più volte " + what + std::string(kept);
-  return found.ID.empty() ? "Non c'è " + what + std::string(kept) : "";
+  if (found.isAmbiguous) return "C'è più volte " + what + std::string(formerKept);
+  return found.ID.empty() ? "Non c'è " + what + std::string(formerKept) : "";
 }
 
 }  // namespace
