@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "import/accounting/csv_source.h"
+#include "import/sheets/number_signs.h"
 #include "platform/text/text.h"
 #include "platform/text/utf8.h"
 

@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QTableView>
 #include <QToolButton>
@@ -124,6 +125,35 @@ TEST_F(TheSheetWindow, CopiesAndPastesBlocks) {
   EXPECT_EQ(test::rows(session.catalogue, "SELECT titolo, titolo_l2 FROM articoli ORDER BY ID"),
             "Alba|Dawn\nUno|One\nDue|Two\nDuna|Dune\n");
   EXPECT_EQ(window->workbench().history().undoName(), "Incolla nel foglio");
+}
+
+TEST_F(TheSheetWindow, ChoosesDepartmentsAndVariantsFromLists) {
+  sheet.reset();
+  ASSERT_TRUE(settings.set(settingsSection, "foglio", "codice reparto opzione1"));
+  openSheet();
+  const auto choose = [this](int column, const QString& name) {
+    go(0, column);
+    QTest::keyClick(table, Qt::Key_F2);
+    auto* list = table->findChild<QComboBox*>(QStringLiteral("cboCella"));
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(namelessControls(*sheet), "");
+    list->setCurrentIndex(list->findText(name));
+    QTest::keyClick(list, Qt::Key_Return);
+    processEvents();
+  };
+  const auto stored = [this] { return test::rows(session.catalogue, "SELECT catID, opzione1 FROM articoli"); };
+  choose(1, QStringLiteral("Piatti"));
+  EXPECT_EQ(window->workbench().history().undoName(), "Modifica Reparto");
+  choose(2, QStringLiteral("Colore"));
+  EXPECT_EQ(stored(), "cat003|2\ncat001|(null)\ncat001|(null)\ncat003|(null)\n");
+  select(0, 1, 1, 2);
+  press(Qt::Key_D);
+  EXPECT_EQ(stored(), "cat003|2\ncat003|2\ncat001|(null)\ncat003|(null)\n");
+  EXPECT_EQ(text(1, 1), QStringLiteral("Piatti"));
+  press(Qt::Key_Z);
+  press(Qt::Key_Z);
+  press(Qt::Key_Z);
+  EXPECT_EQ(stored(), "cat001|(null)\ncat001|(null)\ncat001|(null)\ncat003|(null)\n");
 }
 
 TEST_F(TheSheetWindow, FillsASelection) {

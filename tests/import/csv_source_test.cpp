@@ -1,6 +1,7 @@
 // A source of text files: what is found out about their form, and what is read from them.
 #include "import/accounting/csv_source.h"
 #include "accounting_shop.h"
+#include "import/sheets/number_signs.h"
 
 namespace kv::test {
 namespace {

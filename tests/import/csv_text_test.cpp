@@ -64,6 +64,24 @@ TEST(CsvText, EndsRecordsAtTheGivenLineEndAlone) {
   EXPECT_EQ(shownCsv("a;b\rx;\r\nz", choice), "1:a|b\n2:x\n3:\nz\n");
 }
 
+TEST(CsvText, IsNoFormulaToASpreadsheetAndComesBackEqual) {
+  EXPECT_EQ(guardedCsvText("=HYPERLINK(\"http://x\")"), "'=HYPERLINK(\"http://x\")");
+  EXPECT_EQ(guardedCsvText("@SUM(A1)"), "'@SUM(A1)");
+  EXPECT_EQ(guardedCsvText("-2+cmd|' /C calc'!A0"), "'-2+cmd|' /C calc'!A0");
+  EXPECT_EQ(guardedCsvText("\t=1"), "'\t=1");
+  for (const char* plain : {"-5", "+39 055 1234", "-1.234,50", "'Ndrina", "a=b", "", "'"}) {
+    EXPECT_EQ(guardedCsvText(plain), plain);
+  }
+  const std::string text = "a\n'=1+1\n''=x\n'-5\n'Ndrina\n\"'+a\"\n";
+  EXPECT_EQ(shownCsv(text), "1:a\n2:=1+1\n3:'=x\n4:'-5\n5:'Ndrina\n6:+a\n");
+  for (const char* start : {"=", "+", "-", "@", "\t", "\r", "'", "''=", "'-", "x"}) {
+    for (const char* rest : {"", "1", "A1*2", "'=1"}) {
+      const std::string whole = std::string(start) + rest;
+      EXPECT_EQ(unguardedCsvText(guardedCsvText(whole)), whole);
+    }
+  }
+}
+
 TEST(CsvText, BeyondTheLimitsIsNotRead) {
   CsvReading reading;
   SheetLimits limits;

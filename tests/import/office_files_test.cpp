@@ -72,6 +72,29 @@ TEST(OfficeFiles, AsTextReadAlikeInEveryEncoding) {
   }
 }
 
+TEST(OfficeFiles, UnderAPasswordOrOfAnEarlierFormSaySo) {
+  EXPECT_EQ(officeRows("protetto.xlsx"),
+            "Il foglio \"protetto.xlsx\" è protetto da una password: salvarne una copia senza");
+  EXPECT_EQ(officeRows("protetto.ods"),
+            "Il foglio \"protetto.ods\" è protetto da una password: salvarne una copia senza");
+  EXPECT_EQ(
+      officeRows("vecchio.xls"),
+      "Il foglio \"vecchio.xls\" è protetto, o nel formato di un vecchio programma: salvarlo come XLSX, ODS o CSV");
+}
+
+TEST(OfficeFiles, AreKnownByTheirContentUnderAnyName) {
+  const TempFolder root;
+  for (const char* name : {"listino.xlsx", "listino.ods", "listino.csv"}) {
+    const auto whole = readBytes(std::string(KORVANE_TEST_DATA) + "/import/sheets/" + name);
+    for (const char* wrong : {"foglio.csv", "foglio.xlsx", "foglio.xls", "foglio"}) {
+      ASSERT_TRUE(whole && writeBytes(root / wrong, *whole));
+      const auto sheet = readSheetFile(root / wrong, {});
+      ASSERT_TRUE(sheet) << name << " as " << wrong;
+      EXPECT_EQ(sheet->headers()[1], "titolo");
+    }
+  }
+}
+
 TEST(OfficeFiles, ThatAreCutOffOrChangedAreRefusedOrReadAndNothingElse) {
   const TempFolder root;
   const std::string path = root / "listino.xlsx";

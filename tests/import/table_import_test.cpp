@@ -1,4 +1,5 @@
 // Sheets of a merchant: what a plan says of each row, what is written of it, and what never is.
+#include "import/tables/cell_reading.h"
 #include "support/failing_store.h"
 #include "table_shop.h"
 
@@ -119,6 +120,58 @@ TEST_F(TableImport, RefusesWhatAColumnCannotHold) {
   EXPECT_EQ(reasonOf("reparto", ""), "manca Reparto");
   EXPECT_EQ(reasonOf("immagine0", "niente.jpg"), "l'immagine \"niente.jpg\" non si trova");
   EXPECT_EQ(reasonOf("prezzo", "999999999999999999"), "Prezzo: \"999999999999999999\" non è un numero");
+}
+
+TEST_F(TableImport, ReadsAnExportOfTheFilteredRowsAndChosenColumnsAlone) {
+  const auto columns = sheetTable(session.catalogue, 1, "articoli");
+  ASSERT_TRUE(columns);
+  TableExport what;
+  what.columns = {"titolo", "codice"};
+  what.only = {3, 1};
+  what.isFiltered = true;
+  for (const char* name : {"filtro.csv", "filtro.xlsx"}) {
+    EXPECT_EQ(exportTable(session.catalogue, *columns, root / name, what), 2U);
+    const auto sheet = readSheetFile(root / name, {});
+    ASSERT_TRUE(sheet);
+    EXPECT_EQ(sheet->headers(), (std::vector<std::string>{"Titolo", "Codice"}));
+    EXPECT_EQ(sheet->cells.rows(), 3U);
+    EXPECT_EQ(planFile(root / name, "articoli").sums().same, 2U);
+  }
+}
+
+TEST_F(TableImport, RefusesNumbersThatAreNone) {
+  const auto columns = sheetTable(session.catalogue, 1, "articoli");
+  ASSERT_TRUE(columns);
+  const CsvReading signs;
+  const CatalogueNames names;
+  const CellReader reader(signs, names);
+  for (const char* name : {"peso", "prezzo", "scqart0", "scqperc0"}) {
+    for (const char* number : {"NaN", "inf", "-nan", "1e308", "1E+400", ""}) {
+      const SheetCell cell{number, true};
+      const bool isEmpty = cell.text.empty();
+      EXPECT_EQ(reader.read(columns->columns[*columns->columnIndex(name)], cell).refusal.empty(), isEmpty)
+          << name << " " << number;
+      EXPECT_EQ(reader.refusal(columns->columns[*columns->columnIndex(name)], cell).empty(), isEmpty);
+    }
+  }
+}
+
+TEST_F(TableImport, AddsManyRowsOfDifferentColumnsInTheirOrder) {
+  std::string sheet = "codice;titolo;reparto;prezzo\n";
+  for (int i = 1; i <= 65; ++i) {
+    const std::string number = std::to_string(i);
+    sheet += "N-" + number + ";Nuovo;" + (i % 2 == 0 ? "Vetri" : "Ceramiche > Tazze") + ";" +
+             (i % 7 == 0 ? "" : number) + "\n";
+  }
+  ASSERT_EQ(importSheet(sheet), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT COUNT(*) FROM articoli WHERE codice = 'N-' || (ID + 1 - (SELECT MIN(ID) FROM articoli WHERE "
+                 "ID > 3))"),
+            "65\n");
+  EXPECT_EQ(rows("SELECT SUM(prezzo), SUM(prezzo IS NULL) FROM articoli WHERE ID > 3"), "18300000|9\n");
+  EXPECT_EQ(rows("SELECT group_concat(ordinamento) FROM (SELECT ordinamento FROM articoli WHERE catID = 'cat003' ORDER "
+                 "BY ID)"),
+            rows("WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 33) SELECT group_concat(i) "
+                 "FROM n"));
 }
 
 TEST_F(TableImport, ReadsPricesInEitherNotationWithCurrencyAndGroups) {

@@ -211,6 +211,43 @@ TEST_F(Spreadsheets, OfWhatIsNoneAreRefusedWithTheReason) {
   EXPECT_EQ(failureOf(packed({manifest, {"content.xml", "", "\x01\x02"}})).number, ProtectedSheet);
 }
 
+TEST_F(Spreadsheets, ThatWouldTakeMemoryAreRefusedAsDamaged) {
+  std::string deep;
+  for (int i = 0; i < 300; ++i) deep += "<a>";
+  const std::string longPart(std::size_t{20} << 20, 'x');
+  EXPECT_EQ(failureOf(packed({{"content.xml", "", deep}})).kind, ErrorKind::Corrupt);
+  EXPECT_EQ(failureOf(packed({{"content.xml", "", "<a><!--" + longPart + "--></a>"}})).kind, ErrorKind::Corrupt);
+  EXPECT_EQ(failureOf(packed({{"content.xml", "", "<a b='" + longPart + "'/>"}})).kind, ErrorKind::Corrupt);
+}
+
+TEST_F(Spreadsheets, WithATextOrAListBeyondTheLimitsAreRefused) {
+  SheetRequest small;
+  small.limits.textBytes = 10;
+  small.limits.cells = 3;
+  const std::string cell = "<c r='A1' t='inlineStr'><is><t>undici caratteri</t></is></c>";
+  EXPECT_EQ(failureOf(packed(xlsxParts("<row r='1'>" + cell + "</row>")), small).number, TooLargeSheet);
+  EXPECT_EQ(failureOf(packed(xlsxParts("", "<si/><si/><si/><si/>")), small).number, TooLargeSheet);
+  const std::string odsCell = "<table:table-cell><text:p>undici caratteri</text:p></table:table-cell>";
+  EXPECT_EQ(
+      failureOf(packed({odsContent("<table:table><table:table-row>" + odsCell + "</table:table-row></table:table>")}),
+                small)
+          .number,
+      TooLargeSheet);
+  std::string tables;
+  for (int i = 0; i <= 10000; ++i) tables += "<table:table/>";
+  EXPECT_EQ(failureOf(packed({odsContent(tables)})).number, TooLargeSheet);
+}
+
+TEST_F(Spreadsheets, ShowNumbersAndDaysThatAreNoneAsTheyAreWritten) {
+  const std::string styles = "<cellXfs><xf numFmtId='0'/><xf numFmtId='14'/><xf numFmtId='9'/></cellXfs>";
+  std::string row;
+  for (const char* value : {"NaN", "inf", "-1", "1e308", "2958466"}) {
+    for (const char* style : {"1", "2"}) row += std::string("<c s='") + style + "'><v>" + value + "</v></c>";
+  }
+  EXPECT_EQ(read(packed(xlsxParts("<row r='1'>" + row + "</row>", "", styles))),
+            "1:NaN|#NaN|inf|#inf|-1|#-100|1e308|#1e308|2958466|#295846600\n");
+}
+
 TEST_F(Spreadsheets, WithEntitiesThatGrowAreRefused) {
   const ZipEntry bomb{"content.xml", "", "<!DOCTYPE a [<!ENTITY b 'bbbbbbbb'><!ENTITY c '&b;&b;&b;'>]><a>&c;</a>"};
   EXPECT_EQ(failureOf(packed({bomb})).kind, ErrorKind::Malformed);

@@ -33,6 +33,8 @@ class SheetOfChance : public SheetFixture {
   }
   std::string chanceText(const SheetColumn& column) {
     if (column.kind == SheetKind::Flag) return anyOf({"0", "1"});
+    if (column.kind == SheetKind::Variant) return anyOf({"", "(nessuna)", "Colore", "colore", "Sapore"});
+    if (column.kind == SheetKind::Department) return anyOf({"Vasi", "Vasi > Piccoli", "vasi>piccoli", "Piatti", "-"});
     return isNumberKind(column.editor->kind) ? chanceNumber() : chanceWords();
   }
   /// What a field holds after a text was typed or pasted there.
@@ -50,7 +52,10 @@ class SheetOfChance : public SheetFixture {
     return typed;
   }
   std::vector<CellText> chanceCells(int count) {
-    const auto typed = typedColumns();
+    auto typed = typedColumns();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if (isChoice(columns[i])) typed.push_back(i);
+    }
     std::vector<CellText> cells;
     for (int i = 0; i < count; ++i) {
       const std::size_t at = typed[static_cast<std::size_t>(upTo(static_cast<int>(typed.size()) - 1))];

@@ -125,6 +125,69 @@ TEST_F(TheSheet, MakesNoStepOfWhatIsThereAlready) {
   EXPECT_EQ(undoName(), name);
 }
 
+TEST_F(TheSheet, StoresAVariantByItsNameAsItsDialogDoes) {
+  ASSERT_TRUE(session.catalogue.execute("INSERT INTO opzioni (ID, nome) VALUES (7, 'Forma'), (8, 'Forma'), (9, '')"));
+  const std::string before = articles();
+  const SheetOutcome outcome =
+      write({cell(1, "opzione1", "colore"), cell(2, "opzione4_3", "Forma [8]"), cell(3, "opzione1", "Forma"),
+             cell(4, "opzione2", "Sapore"), cell(3, "opzione2", "(nessuna)"), cell(4, "opzione1", "")},
+            "Incolla nel foglio");
+  EXPECT_EQ(outcome.changed, 3U);
+  ASSERT_EQ(outcome.refused.size(), 2U);
+  EXPECT_EQ(outcome.refused[0].why, "C'è più volte la variante \"Forma\": è rimasto il valore precedente.");
+  EXPECT_EQ(outcome.refused[1].why, "Non c'è la variante \"Sapore\": è rimasto il valore precedente.");
+  EXPECT_EQ(rows("SELECT opzione1, opzione4_3, opzione2 FROM articoli ORDER BY ID"),
+            "2|null|null\nnull|8|null\nnull|null|1\nnull|null|null\n");
+  undo();
+  EXPECT_EQ(articles(), before);
+}
+
+TEST_F(TheSheet, TakesAnEmptyVariantForTheOneThatMeansNone) {
+  write({cell(1, "opzione1", "Colore")});
+  EXPECT_EQ(write({cell(1, "opzione1", " ")}).changed, 1U);
+  EXPECT_EQ(rows("SELECT opzione1 FROM articoli WHERE ID = 1"), "1\n");
+  EXPECT_EQ(write({cell(1, "opzione1", ""), cell(1, "opzione1", "(nessuna)")}).changed, 0U);
+}
+
+TEST_F(TheSheet, MovesArticlesToAnotherDepartmentAsTheTreeDoes) {
+  go("cat001");
+  article(0);
+  const std::string before = articles();
+  bench->SpostaInReparto({3, 1}, "cat003");
+  const std::string dragged = articles();
+  ASSERT_NE(dragged, before);
+  undo();
+  ASSERT_EQ(articles(), before);
+  EXPECT_EQ(write({cell(3, "reparto", "piatti"), cell(1, "reparto", "Piatti")}, "Incolla nel foglio").changed, 2U);
+  EXPECT_EQ(articles(), dragged) << "at its end, in the order of the shop";
+  EXPECT_EQ(undoName(), "Incolla nel foglio");
+  undo();
+  EXPECT_EQ(articles(), before);
+  EXPECT_EQ(bench->sets().article(), 1);
+}
+
+TEST_F(TheSheet, KnowsDepartmentsByTheirPathsAlone) {
+  ASSERT_TRUE(
+      session.catalogue.execute("INSERT INTO categorie (contatore, ID, genitore, ordinamento, livello, titolo)"
+                                " VALUES (4, 'cat004', 'cat001', 500, 2, 'Piccoli')"));
+  SheetRows sheet(session, columns, ',');
+  ASSERT_TRUE(sheet.refresh({}, {}));
+  EXPECT_THAT(sheet.choices(columns[column("reparto")]),
+              ElementsAre("Vasi", "Vasi > Piccoli [cat002]", "Vasi > Piccoli [cat004]", "Piatti"));
+  EXPECT_THAT(sheet.choices(columns[column("opzione1")]), ElementsAre("(nessuna)", "Colore"));
+  EXPECT_TRUE(sheet.choices(columns[column("titolo")]).empty());
+  const SheetOutcome outcome =
+      write({cell(1, "reparto", "Vasi > Piccoli"), cell(2, "reparto", "Tazze"), cell(3, "reparto", ""),
+             cell(4, "reparto", "Vasi > Piccoli [cat004]"), cell(4, "titolo", "Duna alta")});
+  EXPECT_EQ(outcome.changed, 2U);
+  ASSERT_EQ(outcome.refused.size(), 3U);
+  EXPECT_EQ(outcome.refused[0].why, "C'è più volte il reparto \"Vasi > Piccoli\": è rimasto il valore precedente.");
+  EXPECT_EQ(outcome.refused[1].why, "Non c'è il reparto \"Tazze\": è rimasto il valore precedente.");
+  EXPECT_EQ(outcome.refused[2].why, "Non c'è il reparto \"\": è rimasto il valore precedente.");
+  EXPECT_EQ(rows("SELECT catID, ordinamento, titolo FROM articoli WHERE ID = 4"), "cat004|1|Duna alta\n");
+  EXPECT_EQ(write({cell(4, "reparto", "CAT004")}).changed, 0U) << "an ID in any case";
+}
+
 TEST(ABlockOfCells, ComesBackAsItWasCopied) {
   const std::vector<std::vector<std::string>> rows{{"a", "b\tc", ""}, {"due\nrighe", "\"citato\"", "5\" pollici"}};
   EXPECT_EQ(pastedBlock(copiedBlock(rows)), rows);

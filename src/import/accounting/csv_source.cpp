@@ -1,5 +1,6 @@
 #include "import/accounting/csv_source.h"
 
+#include "import/sheets/number_signs.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 

@@ -14,7 +14,7 @@ bool isUtf8Throughout(std::string_view text) {
   for (std::size_t at = utf8::endOfAscii(text, 0); at < text.size();) {
     const utf8::Unit unit = utf8::unitAt(text, at);
     if (!unit.valid) return false;
-    at += unit.length;
+    at = utf8::endOfAscii(text, at + unit.length);
   }
   return true;
 }

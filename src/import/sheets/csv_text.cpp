@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "import/sheets/number_signs.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -10,15 +11,14 @@ namespace {
 
 constexpr std::array<char, 4> csvSeparators{';', ',', '\t', '|'};
 constexpr std::string_view separatorLine = "sep=";  // of a first line that names the separator
-constexpr std::size_t groupDigits = 3;
-
-bool isCsvDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// One walk over a text of separated values.
 class CsvWalk {
  public:
   CsvWalk(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd)
-      : text_(text), separator_(separator), lineEnd_(lineEnd), sink_(sink) {}
+      : text_(text), separator_(separator), lineEnd_(lineEnd), sink_(sink) {
+    for (const char c : {separator, '\r', '\n'}) mayEnd_[static_cast<unsigned char>(c)] = true;
+  }
 
   bool run() {
     while (at_ < text_.size()) {
@@ -83,7 +83,7 @@ class CsvWalk {
   bool endsField(std::size_t at) const { return text_[at] == separator_ || isEndAt(at); }
   std::string_view takePlain() {
     const std::size_t begin = at_;
-    while (at_ < text_.size() && !endsField(at_)) ++at_;
+    while (at_ < text_.size() && (!mayEnd_[static_cast<unsigned char>(text_[at_])] || !endsField(at_))) ++at_;
     if (lineEnd_) countLines(text_.substr(begin, at_ - begin));
     return text_.substr(begin, at_ - begin);
   }
@@ -105,6 +105,7 @@ class CsvWalk {
     return scratch_;
   }
   void countLines(std::string_view field) {
+    if (field.find('\n') == std::string_view::npos && field.find('\r') == std::string_view::npos) return;
     for (std::size_t i = 0; i < field.size(); ++i) {
       const bool isPair = field[i] == '\r' && i + 1 < field.size() && field[i + 1] == '\n';
       if (isLineEnd(field[i]) && !isPair) ++line_;
@@ -115,6 +116,7 @@ class CsvWalk {
   char separator_;
   std::optional<CsvLineEnd> lineEnd_;
   CsvSink& sink_;
+  std::array<bool, 256> mayEnd_{};  // by byte: what a field without quotes may end at
   std::size_t at_ = 0;
   std::uint32_t line_ = 1, begins_ = 1;
   bool started_ = false;  // the record has a field
@@ -125,27 +127,27 @@ class CsvWalk {
 struct CellSink final : CsvSink {
   explicit CellSink(CellTable& into) : cells(into) {}
   CellTable& cells;
-  bool field(std::string_view text) override { return cells.add(text); }
+  bool field(std::string_view text) override { return cells.add(unguardedCsvText(text)); }
   bool endRecord(std::uint32_t line) override { return cells.endRow(line); }
 };
 
-/// Whether a text has digits, and nothing else but signs of numbers; at least one of them between digits.
-bool looksLikeNumber(std::string_view text) {
-  constexpr std::size_t longest = 32;
-  constexpr std::string_view signs = ".,' \xC2\xA0\xE2\x80\xAF";
-  text = trim(text);
-  if (!text.empty() && text.front() == '-') text.remove_prefix(1);
-  if (text.empty() || text.size() > longest || !isCsvDigit(text.back())) return false;
-  bool hasSign = false;
-  for (const char c : text) {
-    const bool isSign = signs.find(c) != std::string_view::npos;
-    if (!isSign && !isCsvDigit(c)) return false;
-    hasSign = hasSign || isSign;
+/// Whether a spreadsheet would run a text as a formula, the apostrophes before it left out.
+bool isFormula(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of('\''), text.size()));
+  if (text.empty()) return false;
+  if (text.front() == '+' || text.front() == '-') {
+    return text.find_first_not_of("0123456789., ", 1) != std::string_view::npos;
   }
-  return hasSign;
+  return std::string_view("=@\t\r").find(text.front()) != std::string_view::npos;
 }
 
 }  // namespace
+
+std::string guardedCsvText(std::string_view text) { return (isFormula(text) ? "'" : "") + std::string(text); }
+
+std::string_view unguardedCsvText(std::string_view text) {
+  return text.starts_with('\'') && isFormula(text) ? text.substr(1) : text;
+}
 
 bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd) {
   return CsvWalk(text, separator, sink, lineEnd).run();
@@ -180,45 +182,6 @@ CsvLineEnd csvLineEndOf(std::string_view text) {
   return CsvLineEnd::CrLf;
 }
 
-char decimalSeparatorOf(const std::vector<std::string_view>& numbers, char separator) {
-  std::ptrdiff_t commas = 0, points = 0;
-  for (const std::string_view number : numbers) {
-    std::size_t last = number.size();
-    while (last > 0 && number[last - 1] != ',' && number[last - 1] != '.') --last;
-    if (last == 0) continue;
-    const char sign = number[--last];
-    const bool repeated = number.find(sign) != last;
-    const bool both = number.find(sign == ',' ? '.' : ',') != std::string_view::npos;
-    const auto after = std::ranges::count_if(number.substr(last), isCsvDigit);
-    if (repeated || (!both && static_cast<std::size_t>(after) == groupDigits)) continue;
-    ++(sign == ',' ? commas : points);
-  }
-  if (commas == points) return separator == ',' ? '.' : ',';
-  return commas > points ? ',' : '.';
-}
-
-char thousandsOf(const std::vector<std::string_view>& numbers, char decimalSeparator) {
-  const char other = decimalSeparator == ',' ? '.' : ',';
-  for (const std::string_view number : numbers) {
-    if (number.find(other) != std::string_view::npos) return other;
-    if (number.find('\'') != std::string_view::npos) return '\'';
-    // Spaces that don't break start with these bytes.
-    if (trim(number).find_first_of(" \xC2\xE2") != std::string_view::npos) return ' ';
-  }
-  return '\0';
-}
-
-std::vector<std::string_view> numbersAmong(const CellTable& cells) {
-  std::vector<std::string_view> numbers;
-  for (std::size_t row = 0; row < cells.rows(); ++row) {
-    for (std::size_t column = 0; column < cells.width(row); ++column) {
-      const SheetCell cell = cells.cell(row, column);
-      if (!cell.isNumber && looksLikeNumber(cell.text)) numbers.emplace_back(cell.text);
-    }
-  }
-  return numbers;
-}
-
 std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
                                  CsvReading& reading) {
   reading.encoding = choice.encoding.value_or(csvEncodingOf(bytes));
@@ -231,9 +194,7 @@ std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice
   // The line that names the separator is no row.
   const bool isNamed = startsWithIgnoringCase(text, separatorLine) && cells.rows() > 0 && cells.width(0) <= 1;
   if (isNamed) cells.dropRows(1);
-  const std::vector<std::string_view> numbers = numbersAmong(cells);
-  reading.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, reading.separator));
-  reading.thousands = choice.thousands.value_or(thousandsOf(numbers, reading.decimalSeparator));
+  fillSigns(cells, choice, reading);
   return cells;
 }
 

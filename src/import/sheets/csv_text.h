@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/sheet/cell_table.h"
 
@@ -47,12 +46,6 @@ std::string decodedCsv(std::string_view bytes, CsvEncoding encoding);
 char separatorOf(std::string_view text);
 /// The line end that comes first outside of quotes; CR LF when there is none.
 CsvLineEnd csvLineEndOf(std::string_view text);
-/// The decimal separator of the numbers among these texts: the last one before one, two, four or more digits; what is
-/// in groups of three alone tells nothing, and ',' holds unless it separates the fields.
-char decimalSeparatorOf(const std::vector<std::string_view>& numbers, char separator);
-/// The sign between the thousands of these numbers: the first found; 0 when there is none.
-char thousandsOf(const std::vector<std::string_view>& numbers, char decimalSeparator);
-
 /// Receives the fields of a text.
 class CsvSink {
  public:
@@ -70,9 +63,12 @@ bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional
 /// A text of separated values as cells, and how it was read. Nothing when it has more than the limits allow.
 std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
                                  CsvReading& reading);
-/// The texts of a table that look like numbers, by which their signs are found out; they live as long as the table.
-std::vector<std::string_view> numbersAmong(const CellTable& cells);
-
+/// A text as a file of separated values holds it: with an apostrophe before it where a spreadsheet would run it as a
+/// formula ("=", "@", a tab, or a sign before what is no number), or where it starts with apostrophes before such a
+/// text.
+std::string guardedCsvText(std::string_view text);
+/// The text that guardedCsvText made of another.
+std::string_view unguardedCsvText(std::string_view text);
 /// A field as it is written: in quotes where it needs them.
 void appendCsvField(std::string& line, std::string_view text, char separator);
 /// UTF-8 in an encoding, without its mark. What Windows-1252 hasn't becomes a character reference.

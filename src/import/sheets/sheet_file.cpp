@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "import/sheets/number_signs.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 
@@ -28,12 +29,10 @@ Result<ReadSheet> readPackedFile(const std::string& path, SheetForm form, const 
   auto content = readSpreadsheet(path, form, {choice.sheet, choice.limits, choice.goOn});
   if (!content) return fail(content.error());
   ReadSheet sheet{{form, choice.sheet, {}}, std::move(content->names), std::move(content->cells)};
-  const std::vector<std::string_view> numbers = numbersAmong(sheet.cells);
   CsvReading& signs = sheet.reading.csv;
   // A feed has prices as "12.50 EUR", so that "," is no decimal separator where nothing tells.
   if (form == SheetForm::Feed) signs.separator = ',';
-  signs.decimalSeparator = choice.csv.decimalSeparator.value_or(decimalSeparatorOf(numbers, signs.separator));
-  signs.thousands = choice.csv.thousands.value_or(thousandsOf(numbers, signs.decimalSeparator));
+  fillSigns(sheet.cells, choice.csv, signs);
   return sheet;
 }
 
@@ -54,7 +53,7 @@ class CsvOutput final : public SheetOutput {
     for (std::size_t i = 0; i < cells.size(); ++i) {
       if (i > 0) line += form_.separator;
       const SheetCell& cell = cells[i];
-      appendCsvField(line, cell.isNumber ? withSeparator(cell.text, form_.decimalSeparator) : std::string(cell.text),
+      appendCsvField(line, cell.isNumber ? withSeparator(cell.text, form_.decimalSeparator) : guardedCsvText(cell.text),
                      form_.separator);
     }
     line += form_.lineEnd == CsvLineEnd::CrLf ? "\r\n" : form_.lineEnd == CsvLineEnd::Lf ? "\n" : "\r";

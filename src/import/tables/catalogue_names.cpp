@@ -84,14 +84,14 @@ Result<CatalogueNames> CatalogueNames::read(Database& catalogue) {
 
 std::string_view CatalogueNames::pathOf(std::string_view department) const {
   const auto found = paths_.find(foldCase(department));
-  return found == paths_.end() ? std::string_view() : std::string_view(found->second);
+  return found == paths_.end() ? std::string_view() : std::string_view(found->second.path);
 }
 
 CatalogueName CatalogueNames::department(std::string_view path) const {
   CatalogueName found = find(departments_, plainPath(path));
   if (!found.ID.empty()) return found;
-  const std::string ID = foldCase(trim(path));
-  return paths_.contains(ID) ? CatalogueName{std::string(trim(path))} : CatalogueName();
+  const auto byID = paths_.find(foldCase(trim(path)));
+  return byID == paths_.end() ? CatalogueName() : CatalogueName{byID->second.ID};
 }
 
 std::string_view CatalogueNames::variantName(std::int64_t ID) const {
@@ -102,7 +102,7 @@ std::string_view CatalogueNames::variantName(std::int64_t ID) const {
 CatalogueName CatalogueNames::variant(std::string_view name) const { return find(variants_, foldCase(trim(name))); }
 
 void CatalogueNames::addDepartment(const std::string& ID, const std::string& path) {
-  paths_.emplace(foldCase(ID), path);
+  paths_.emplace(foldCase(ID), NamedPath{ID, path});
   addName(departments_, plainPath(path), ID);
 }
 

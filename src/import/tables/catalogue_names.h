@@ -30,6 +30,7 @@ class CatalogueNames {
   CatalogueName department(std::string_view path) const;
   /// The name of a variant in language 1; empty for an unknown one.
   std::string_view variantName(std::int64_t ID) const;
+  bool hasVariant(std::int64_t ID) const { return variantNames_.contains(ID); }
   /// The variant of a name; case doesn't count.
   CatalogueName variant(std::string_view name) const;
 
@@ -38,7 +39,10 @@ class CatalogueNames {
   void addVariant(std::int64_t ID, const std::string& name);
 
  private:
-  std::unordered_map<std::string, std::string> paths_;          // folded ID -> path
+  struct NamedPath {
+    std::string ID, path;
+  };
+  std::unordered_map<std::string, NamedPath> paths_;            // folded ID ->
   std::unordered_map<std::string, CatalogueName> departments_;  // folded path -> ID
   std::unordered_map<std::int64_t, std::string> variantNames_;
   std::unordered_map<std::string, CatalogueName> variants_;  // folded name -> ID

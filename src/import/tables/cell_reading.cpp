@@ -57,18 +57,18 @@ std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
   return digits;
 }
 
-std::optional<float> singleOf(const std::string& digits) {
+std::optional<float> singleOf(std::string_view digits) {
   float number = 0;
   const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (read.ec != std::errc() || read.ptr != digits.data() + digits.size()) return std::nullopt;
-  return number;
+  return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
-std::optional<std::int64_t> wholeOf(const std::string& digits) {
+std::optional<std::int64_t> wholeOf(std::string_view digits) {
   std::int64_t number = 0;
   // A sheet may know whole numbers as "3.0" alone.
   const std::size_t point = std::min(digits.find('.'), digits.size());
-  const bool isWhole = digits.find_first_not_of('0', std::min(point + 1, digits.size())) == std::string::npos;
+  const bool isWhole = digits.find_first_not_of('0', std::min(point + 1, digits.size())) == std::string_view::npos;
   const auto read = std::from_chars(digits.data(), digits.data() + point, number);
   if (!isWhole || read.ec != std::errc() || read.ptr != digits.data() + point) return std::nullopt;
   return number;
@@ -77,6 +77,24 @@ std::optional<std::int64_t> wholeOf(const std::string& digits) {
 std::int64_t mostOf(ColumnType type) {
   constexpr std::int64_t byte = 255, small = 32767, usual = 2147483647;
   return type == ColumnType::Byte ? byte : type == ColumnType::Int ? small : usual;
+}
+
+/// A number of digits, a minus before them and a decimal separator between them, with "." for decimals; `kept` holds it
+/// where the text doesn't. Nothing for any other text.
+std::optional<std::string_view> simpleNumber(std::string_view text, char decimalSeparator, std::string& kept) {
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  std::size_t separator = std::string_view::npos;
+  for (std::size_t at = first; at < text.size(); ++at) {
+    if (isDigitSign(text[at])) continue;
+    const bool isDecimal = text[at] == decimalSeparator && separator == std::string_view::npos;
+    if (!isDecimal || at == first || at + 1 == text.size()) return std::nullopt;
+    separator = at;
+  }
+  if (text.size() == first) return std::nullopt;
+  if (separator == std::string_view::npos || decimalSeparator == '.') return text;
+  kept = text;
+  kept[separator] = '.';
+  return kept;
 }
 
 /// Numbers as an export writes them: every digit that the column holds.
@@ -104,13 +122,19 @@ bool isAmong(const std::array<std::string_view, size>& words, std::string_view t
 }
 
 std::optional<bool> flagOf(std::string_view text) {
+  if (text == "0" || text == "1") return text == "1";
   text = trim(text);
   if (text.empty() || isAmong(noWords, text)) return false;
   if (isAmong(yesWords, text)) return true;
   return std::nullopt;
 }
 
+bool hasLineEnds(std::string_view text) {
+  return text.find('\n') != std::string_view::npos || text.find('\r') != std::string_view::npos;
+}
+
 std::string withCrLf(std::string_view text) {
+  if (!hasLineEnds(text)) return std::string(text);
   return replaceAll(replaceAll(replaceAll(text, "\r\n", "\n"), "\r", "\n"), "\n", "\r\n");
 }
 
@@ -146,10 +170,16 @@ std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& 
 }
 
 CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cell) const {
-  const auto digits = cell.isNumber ? std::optional(std::string(cell.text)) : sheetNumber(cell.text, signs_);
+  std::string kept;
+  auto digits = cell.isNumber ? std::optional(cell.text) : simpleNumber(cell.text, signs_.decimalSeparator, kept);
+  if (!digits) {
+    auto number = sheetNumber(cell.text, signs_);
+    if (number) digits = kept = std::move(*number);
+  }
   const auto none = [&] { return refused(column.italian + ": " + quoted(cell.text) + " non è un numero"); };
   if (!digits) return none();
-  if (!column.isSigned && digits->starts_with('-')) return refused(column.italian + ": " + *digits + " è negativo");
+  if (!column.isSigned && digits->starts_with('-'))
+    return refused(column.italian + ": " + std::string(*digits) + " è negativo");
   if (column.field == CellField::Money) {
     const auto amount = Money::parse(*digits);
     return amount ? CellValue{*amount, {}} : none();
@@ -157,20 +187,21 @@ CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cel
   if (column.field == CellField::Whole) {
     const auto number = wholeOf(*digits);
     if (!number) return refused(column.italian + ": " + quoted(cell.text) + " non è un numero intero");
-    if (std::abs(*number) > mostOf(column.type)) return refused(column.italian + ": " + *digits + " è troppo grande");
+    if (std::abs(*number) > mostOf(column.type))
+      return refused(column.italian + ": " + std::string(*digits) + " è troppo grande");
     return {*number, {}};
   }
   const auto number = singleOf(*digits);
   if (!number) return none();
   if (column.field == CellField::Percent && *number > highestPercent) {
-    return refused(column.italian + ": " + *digits + " è più di 100");
+    return refused(column.italian + ": " + std::string(*digits) + " è più di 100");
   }
   return {static_cast<double>(*number), {}};
 }
 
 CellValue CellReader::readText(const TableColumn& column, std::string_view text) const {
   std::string value = column.field == CellField::Lines ? withCrLf(text) : std::string(text);
-  if (column.size > 0 && characterCount(value) > column.size) {
+  if (column.size > 0 && value.size() > column.size && characterCount(value) > column.size) {
     return refused(column.italian + ": più di " + std::to_string(column.size) + " caratteri");
   }
   return {std::move(value), {}};
@@ -195,8 +226,9 @@ CellValue CellReader::read(const TableColumn& column, const SheetCell& cell) con
     if (column.field == CellField::Mark) return {std::string(*flag ? "." : ""), {}};
     return {*flag, {}};
   }
-  if (trim(cell.text).empty() && column.field != CellField::Text && column.field != CellField::Lines) return {};
   if (cell.text.empty()) return {};
+  const bool keepsSpaces = column.field == CellField::Text || column.field == CellField::Lines;
+  if (!keepsSpaces && cell.text.front() == ' ' && trim(cell.text).empty()) return {};
   switch (column.field) {
     case CellField::Money:
     case CellField::Percent:
@@ -210,6 +242,12 @@ CellValue CellReader::read(const TableColumn& column, const SheetCell& cell) con
     default:
       return readText(column, cell.text);
   }
+}
+
+std::string CellReader::refusal(const TableColumn& column, const SheetCell& cell) const {
+  const bool isText = column.field == CellField::Text || column.field == CellField::Lines;
+  const bool mayRefuse = !isText || (column.size > 0 && (cell.text.size() > column.size || hasLineEnds(cell.text)));
+  return mayRefuse ? read(column, cell).refusal : std::string();
 }
 
 std::string CellReader::shown(const TableColumn& column, const Statement& row, int index) const {

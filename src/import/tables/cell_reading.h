@@ -27,6 +27,8 @@ class CellReader {
 
   /// The value that a column would take. An empty cell is Null, of a flag false. Pictures give their text.
   CellValue read(const TableColumn& column, const SheetCell& cell) const;
+  /// Why read() would refuse a cell; empty where it wouldn't.
+  std::string refusal(const TableColumn& column, const SheetCell& cell) const;
   /// What a sheet shows of field `index` of a row; a number with "." for decimals.
   std::string shown(const TableColumn& column, const Statement& row, int index) const;
   /// Whether the field has the value of a cell already.

@@ -21,7 +21,7 @@ Result<> writePlanned(Environment& env, TableWriter& writer, const TablePlan& pl
     }
     if (auto done = writer.write(plan.rows[i]); !done) return done;
   }
-  return writer.writeUnlisted();
+  return writer.finish();
 }
 
 void tellTableFailure(Environment& env, const Error& error) {
@@ -68,7 +68,11 @@ Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, con
                                  std::string_view table, const SheetChoice& choice) {
   auto columns = sheetTable(session.catalogue, session.languageCount, table);
   if (!columns) return fail(columns.error());
-  auto sheet = readSheetFile(path, choice);
+  // The signs of numbers are those of the mapped columns alone, which are known below.
+  SheetChoice withSigns = choice;
+  if (!withSigns.csv.decimalSeparator) withSigns.csv.decimalSeparator = ',';
+  if (!withSigns.csv.thousands) withSigns.csv.thousands = '\0';
+  auto sheet = readSheetFile(path, withSigns);
   if (!sheet) return fail(sheet.error());
   OpenSheet open{path, std::move(*sheet), std::move(*columns), {}, {}};
   if (auto mapped = findColumns(open, settings, choice); !mapped) return fail(mapped.error());

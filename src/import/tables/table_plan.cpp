@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "import/sheets/number_signs.h"
 #include "import/tables/cell_reading.h"
 #include "import/tables/picture_source.h"
 #include "platform/image/pixels.h"
@@ -26,6 +27,8 @@ class TablePlanner {
       keys_.push_back({column, *sourceOf(request_.mapping, column)});
     }
     isByID_ = key.name == "id";
+    plan_.rows.reserve(sheet_.cells.rows());
+    byKey_.reserve(sheet_.cells.rows());
     for (std::size_t row = 1; row < sheet_.cells.rows(); ++row) addRow(row);
     if (auto matched = matchRows(step); !matched) return matched;
     for (PlannedRow& row : plan_.rows) {
@@ -97,6 +100,7 @@ class TablePlanner {
   }
 
   void settle(PlannedRow& row, const Statement& found) {
+    amounts_.clear();
     if (row.key != 0) return refuse(row, "nel catalogo c'è più volte");
     row.key = found.integer(0);
     if (row.fate == RowFate::LeftOut) return;
@@ -109,34 +113,35 @@ class TablePlanner {
       if (reader_.isSame(columnAt(mapped), found, first + static_cast<int>(i), cellOf(row, mapped))) continue;
       row.fate = RowFate::Changed;
       row.changed.push_back(static_cast<std::uint16_t>(i));
-      if (std::string why = refusalOf(mapped, row); !why.empty()) return refuse(row, std::move(why));
+      if (std::string why = refusalOf(i, row); !why.empty()) return refuse(row, std::move(why));
     }
     noteAmounts(row, &found);
   }
 
-  /// Enters the amounts that a row would change.
+  /// Enters the amounts among those read that a row would change.
   void noteAmounts(const PlannedRow& row, const Statement* found) {
     const int first = firstKey + static_cast<int>(keys_.size());
-    for (const std::uint16_t index : row.changed) {
-      const MappedColumn& mapped = plan_.columns[index];
-      if (columnAt(mapped).field != CellField::Money) continue;
-      PlannedAmount amount{static_cast<std::uint32_t>(&row - plan_.rows.data()), index, {}, {}};
-      if (found != nullptr) amount.before = found->money(first + index);
-      const Value after = reader_.read(columnAt(mapped), cellOf(row, mapped)).value;
-      if (!isNull(after)) amount.after = asMoney(after);
+    for (PlannedAmount& amount : amounts_) {
+      if (!std::ranges::binary_search(row.changed, amount.mapped)) continue;
+      amount.row = static_cast<std::uint32_t>(&row - plan_.rows.data());
+      if (found != nullptr) amount.before = found->money(first + amount.mapped);
       plan_.amounts.push_back(amount);
     }
   }
 
-  /// Why a cell can't be written; empty when it can.
-  std::string refusalOf(const MappedColumn& mapped, const PlannedRow& row) const {
+  /// Why the cell of a mapped column can't be written; empty when it can. An amount is kept for noteAmounts.
+  std::string refusalOf(std::size_t index, const PlannedRow& row) {
+    const MappedColumn& mapped = plan_.columns[index];
     const TableColumn& column = columnAt(mapped);
     const SheetCell cell = cellOf(row, mapped);
     const bool isOwner = column.field == CellField::Department || column.field == CellField::OwnVariant;
     if (isOwner && trim(cell.text).empty()) return "manca " + column.italian;
     if (column.field == CellField::Picture && !trim(cell.text).empty()) return pictureRefusal(cell.text);
     if (column.field == CellField::OwnVariant && plan_.names.variant(cell.text).ID.empty()) return {};
-    return reader_.read(column, cell).refusal;
+    if (column.field != CellField::Money) return reader_.refusal(column, cell);
+    CellValue read = reader_.read(column, cell);
+    amounts_.push_back({0, static_cast<std::uint16_t>(index), {}, isNull(read.value) ? Money() : asMoney(read.value)});
+    return std::move(read.refusal);
   }
 
   std::string pictureRefusal(std::string_view text) const {
@@ -146,10 +151,12 @@ class TablePlanner {
   }
 
   void planNew(PlannedRow& row) {
+    amounts_.clear();
     if (!row.reason.empty()) return refuse(row, std::move(row.reason));
     if (request_.mode == TableMode::OnlyChange || !plan_.table.canAdd) return refuse(row, "non è nel catalogo");
+    row.changed.reserve(plan_.columns.size());
     for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
-      if (std::string why = refusalOf(plan_.columns[i], row); !why.empty()) return refuse(row, std::move(why));
+      if (std::string why = refusalOf(i, row); !why.empty()) return refuse(row, std::move(why));
       if (!cellOf(row, plan_.columns[i]).text.empty()) row.changed.push_back(static_cast<std::uint16_t>(i));
     }
     if (std::string why = missingOf(row); !why.empty()) return refuse(row, std::move(why));
@@ -199,6 +206,7 @@ class TablePlanner {
   bool isByID_ = false;
   std::unordered_map<std::string, std::size_t> byKey_;  // index in the rows of the plan
   std::unordered_set<std::string> newPaths_;            // plain paths of rows before
+  std::vector<PlannedAmount> amounts_;                  // of the row that is being planned
 };
 
 std::string keyNames(const SheetTable& table) {
@@ -239,16 +247,15 @@ std::vector<AmountSums> TablePlan::amountSums() const {
 CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
                    const CsvChoice& choice) {
   CsvReading signs = sheet.reading.csv;
-  std::vector<std::string_view> numbers;
+  NumberSigns numbers;
   for (std::size_t source = 0; source < mapping.size(); ++source) {
     if (!mapping[source] || !isNumberField(table.columns[*mapping[source]].field)) continue;
     for (std::size_t row = 1; row < sheet.cells.rows(); ++row) {
       const SheetCell cell = sheet.cells.cell(row, source);
-      if (!cell.isNumber && !cell.text.empty()) numbers.emplace_back(cell.text);
+      if (!cell.isNumber && !cell.text.empty()) numbers.see(cell.text);
     }
   }
-  signs.decimalSeparator = choice.decimalSeparator.value_or(decimalSeparatorOf(numbers, signs.separator));
-  signs.thousands = choice.thousands.value_or(thousandsOf(numbers, signs.decimalSeparator));
+  numbers.fill(signs, choice);
   return signs;
 }
 

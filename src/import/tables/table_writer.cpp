@@ -1,6 +1,7 @@
 #include "import/tables/table_writer.h"
 
 #include <algorithm>
+#include <span>
 
 #include "platform/text/text.h"
 #include "store/catalogue/catalogue_lists.h"
@@ -9,9 +10,12 @@ namespace kv {
 namespace {
 
 constexpr std::size_t mostStatements = 64;  // kept for rows to come
+constexpr std::size_t rowsPerInsert = 20;   // their values stay below the engine's 32766 for any columns
 
-const Value* fieldIn(const std::vector<std::pair<std::string, Value>>& fields, std::string_view column) {
-  const auto found = std::ranges::find(fields, column, [](const auto& field) { return std::string_view(field.first); });
+using FieldList = std::vector<std::pair<std::string_view, Value>>;
+
+const Value* fieldIn(const FieldList& fields, std::string_view column) {
+  const auto found = std::ranges::find(fields, column, &FieldList::value_type::first);
   return found == fields.end() ? nullptr : &found->second;
 }
 
@@ -21,27 +25,41 @@ std::string sizeColumn(std::string_view picture, char axis) {
   return std::string("img") + axis + std::string(picture.substr(start.size()));
 }
 
-}  // namespace
-
-Result<> TableWriter::run(const std::string& sql, const Fields& fields, std::int64_t key) {
-  auto found = statements_.find(sql);
-  if (found == statements_.end()) {
-    if (statements_.size() >= mostStatements) {
-      inserting_ = nullptr;
-      statements_.clear();
-    }
-    auto statement = work_.catalogue.prepare(sql);
-    if (!statement) return fail(statement.error());
-    found = statements_.emplace(sql, std::move(*statement)).first;
-  }
-  return runWith(found->second, fields, key);
+/// Whether two names of columns are equal; mostly they are one.
+bool isSameName(std::string_view one, std::string_view other) {
+  return one.data() == other.data() ? one.size() == other.size() : one == other;
 }
 
-Result<> TableWriter::runWith(Statement& statement, const Fields& fields, std::int64_t key) {
+/// The statement that adds a number of rows with these columns.
+std::string insertOf(std::string_view table, std::span<const std::string_view> names, std::size_t rows) {
+  std::string columns, values;
+  for (const std::string_view name : names) {
+    columns += (columns.empty() ? "" : ", ") + std::string(name);
+    values += values.empty() ? "(?" : ", ?";
+  }
+  std::string sql = "INSERT INTO " + std::string(table) + " (" + columns + ") VALUES " + values + ")";
+  for (std::size_t row = 1; row < rows; ++row) sql += ", " + values + ")";
+  return sql;
+}
+
+}  // namespace
+
+Result<Statement*> TableWriter::prepared(const std::string& sql) {
+  const auto found = statements_.find(sql);
+  if (found != statements_.end()) return &found->second;
+  if (statements_.size() >= mostStatements) statements_.clear();
+  auto statement = work_.catalogue.prepare(sql);
+  if (!statement) return fail(statement.error());
+  return &statements_.emplace(sql, std::move(*statement)).first->second;
+}
+
+Result<> TableWriter::run(const std::string& sql, const Fields& fields, std::int64_t key) {
+  const auto statement = prepared(sql);
+  if (!statement) return fail(statement.error());
   int index = 0;
-  for (const auto& [column, value] : fields) statement.bind(++index, value);
-  if (key != 0) statement.bind(++index, key);
-  return statement.execute();
+  for (const auto& [column, value] : fields) (*statement)->bind(++index, value);
+  if (key != 0) (*statement)->bind(++index, key);
+  return (*statement)->execute();
 }
 
 Result<Value> TableWriter::ask(std::string_view sql, const std::string& text) {
@@ -54,22 +72,31 @@ Result<Value> TableWriter::ask(std::string_view sql, const std::string& text) {
 }
 
 Result<> TableWriter::insert(std::string_view table, const Fields& fields) {
-  // The rows of a sheet mostly fill the same columns.
-  const auto isColumn = [](const std::string& name, const auto& field) { return name == field.first; };
-  const bool isLast = inserting_ != nullptr && insertedTo_.front() == table &&
-                      std::equal(insertedTo_.begin() + 1, insertedTo_.end(), fields.begin(), fields.end(), isColumn);
-  if (isLast) return runWith(*inserting_, fields, 0);
-  std::string columns, values;
-  insertedTo_.assign(1, std::string(table));
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    insertedTo_.push_back(fields[i].first);
-    columns += (i > 0 ? ", " : "") + fields[i].first;
-    values += (i > 0 ? ", ?" : "?") + std::to_string(i + 1);
+  std::vector<std::string_view> names;
+  for (const auto& [column, value] : fields) names.push_back(column);
+  return run(insertOf(table, names, 1), fields, 0);
+}
+
+Result<> TableWriter::addWaiting(Fields fields) {
+  if (!std::ranges::equal(fields, waitingColumns_, isSameName, &FieldList::value_type::first)) {
+    if (auto written = writeWaiting(); !written) return written;
+    waitingColumns_.clear();
+    for (const auto& [column, value] : fields) waitingColumns_.push_back(column);
+    fullInsert_ = insertOf("articoli", waitingColumns_, rowsPerInsert);
   }
-  const std::string sql = "INSERT INTO " + std::string(table) + " (" + columns + ") VALUES (" + values + ")";
-  inserting_ = nullptr;
-  auto done = run(sql, fields, 0);
-  if (const auto found = statements_.find(sql); found != statements_.end()) inserting_ = &found->second;
+  for (auto& [column, value] : fields) waiting_.push_back(std::move(value));
+  return waiting_.size() == rowsPerInsert * fields.size() ? writeWaiting() : Result<>();
+}
+
+Result<> TableWriter::writeWaiting() {
+  if (waiting_.empty()) return {};
+  const std::size_t rows = waiting_.size() / waitingColumns_.size();
+  auto statement = prepared(rows == rowsPerInsert ? fullInsert_ : insertOf("articoli", waitingColumns_, rows));
+  if (!statement) return fail(statement.error());
+  int index = 0;
+  for (const Value& value : waiting_) (*statement)->bind(++index, value);
+  auto done = (*statement)->execute();
+  waiting_.clear();
   return done;
 }
 
@@ -78,7 +105,7 @@ Result<> TableWriter::update(const PlannedRow& row, const Fields& fields) {
   const SheetTable& table = work_.plan.table;
   std::string changes;
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    changes += (i > 0 ? ", " : "") + fields[i].first + " = ?" + std::to_string(i + 1);
+    changes += (i > 0 ? ", " : "") + std::string(fields[i].first) + " = ?" + std::to_string(i + 1);
   }
   // Each zone is a table of one row.
   if (!table.canAdd) return run("UPDATE zona" + std::to_string(row.key) + " SET " + changes, fields, 0);
@@ -95,10 +122,10 @@ Result<> TableWriter::addPicture(Fields& fields, const TableColumn& column, cons
     picture = std::move(*taken);
   }
   const bool isNone = picture.name.empty();
-  fields.emplace_back(column.stored, isNone ? Value(Null{}) : Value(picture.name));
-  fields.emplace_back(sizeColumn(column.stored, 'X'), isNone ? Value(Null{}) : Value(std::int64_t{picture.size.width}));
-  fields.emplace_back(sizeColumn(column.stored, 'Y'),
-                      isNone ? Value(Null{}) : Value(std::int64_t{picture.size.height}));
+  const auto sized = [&](int pixels) { return isNone ? Value() : Value(std::in_place_type<std::int64_t>, pixels); };
+  fields.emplace_back(column.stored, isNone ? Value() : Value(picture.name));
+  fields.emplace_back(*names_.insert(sizeColumn(column.stored, 'X')).first, sized(picture.size.width));
+  fields.emplace_back(*names_.insert(sizeColumn(column.stored, 'Y')).first, sized(picture.size.height));
   return {};
 }
 
@@ -152,7 +179,7 @@ Result<> TableWriter::moveToEnd(Fields& fields) {
 Result<> TableWriter::insertArticle(Fields fields) {
   if (fieldIn(fields, "catID") == nullptr) fields.emplace_back("catID", work_.request.department);
   if (auto moved = moveToEnd(fields); !moved) return moved;
-  return insert("articoli", fields);
+  return addWaiting(std::move(fields));
 }
 
 Result<> TableWriter::insertDepartment(const PlannedRow& row, Fields fields) {
@@ -171,12 +198,12 @@ Result<> TableWriter::insertDepartment(const PlannedRow& row, Fields fields) {
   }
   const std::int64_t contatore = std::max(asInteger(*next), asInteger(*highest)) + 1;
   const std::string key = departmentKey(contatore);
-  const std::pair<std::string, Value> own[] = {{"contatore", contatore},
-                                               {"ID", key},
-                                               {"pagina", key},
-                                               {"genitore", parent},
-                                               {"livello", asInteger(*level) + 1},
-                                               {"ordinamento", asInteger(*last) + 1}};
+  const std::pair<std::string_view, Value> own[] = {{"contatore", contatore},
+                                                    {"ID", key},
+                                                    {"pagina", key},
+                                                    {"genitore", parent},
+                                                    {"livello", asInteger(*level) + 1},
+                                                    {"ordinamento", asInteger(*last) + 1}};
   fields.insert(fields.end(), std::begin(own), std::end(own));
   if (fieldIn(fields, "titolo") == nullptr) fields.emplace_back("titolo", split.title);
   if (fieldIn(fields, "template") == nullptr) fields.emplace_back("template", work_.request.model);
@@ -203,7 +230,8 @@ Result<> TableWriter::write(const PlannedRow& row) {
   return insert(work_.plan.table.from, *fields);
 }
 
-Result<> TableWriter::writeUnlisted() {
+Result<> TableWriter::finish() {
+  if (auto written = writeWaiting(); !written) return written;
   for (const std::int64_t ID : work_.plan.unlisted) {
     if (auto done = run("UPDATE articoli SET fuoricatalogo = 1 WHERE ID = ?1", {}, ID); !done) return done;
   }

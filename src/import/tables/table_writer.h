@@ -2,7 +2,9 @@
 // Writes a plan of a sheet into the catalogue, inside the transaction of its caller.
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -21,38 +23,44 @@ struct TableWork {
   PictureTaking& pictures;
 };
 
-/// Writes rows of a plan. Each is whole or not at all.
+/// Writes rows of a plan. New articles wait for one another, so that one statement adds several of them; finish()
+/// writes the last ones.
 class TableWriter {
  public:
   explicit TableWriter(const TableWork& work) : work_(work), reader_(work.plan.signs, work.plan.names) {}
 
   /// Writes a row; nothing unless it is new or changed, and chosen.
   Result<> write(const PlannedRow& row);
-  /// Takes the articles that the sheet doesn't list out of the shop's pages.
-  Result<> writeUnlisted();
+  /// Writes what waits, and takes the articles that the sheet doesn't list out of the shop's pages.
+  Result<> finish();
 
  private:
-  using Fields = std::vector<std::pair<std::string, Value>>;
+  /// Columns of the catalogue, whose names live as long as the writer, and their values.
+  using Fields = std::vector<std::pair<std::string_view, Value>>;
 
   Result<Fields> fieldsOf(const PlannedRow& row);
   Result<> addPicture(Fields& fields, const TableColumn& column, const std::string& cell);
   Result<Value> ownVariant(std::string_view name);
   Result<> insertArticle(Fields fields);
+  Result<> addWaiting(Fields fields);
+  Result<> writeWaiting();
   Result<> insertDepartment(const PlannedRow& row, Fields fields);
   Result<> moveToEnd(Fields& fields);
   Result<> insert(std::string_view table, const Fields& fields);
   Result<> update(const PlannedRow& row, const Fields& fields);
-  /// Runs a statement with these values, and the key where it isn't 0.
-  static Result<> runWith(Statement& statement, const Fields& fields, std::int64_t key);
-  /// Runs a statement that is prepared once for all rows that need it.
+  /// A statement that is prepared once for all rows that need it.
+  Result<Statement*> prepared(const std::string& sql);
+  /// Runs such a statement with these values, and the key where it isn't 0.
   Result<> run(const std::string& sql, const Fields& fields, std::int64_t key);
   Result<Value> ask(std::string_view sql, const std::string& text);
 
   TableWork work_;
   CellReader reader_;
   std::unordered_map<std::string, Statement> statements_;
-  Statement* inserting_ = nullptr;                        // of the last row that was added; one of statements_
-  std::vector<std::string> insertedTo_;                   // its table and columns
+  std::vector<Value> waiting_;                            // of new articles, one after the other
+  std::vector<std::string_view> waitingColumns_;          // of each of them
+  std::string fullInsert_;                                // the statement for as many as may wait
+  std::unordered_set<std::string> names_;                 // of columns that aren't the table's own
   std::unordered_map<std::string, std::int64_t> orders_;  // folded department -> the highest of its articles
 };
 

@@ -22,6 +22,25 @@ Wide shiftedHalfEven(Wide value, int shift) {
   return whole;
 }
 
+/// The ten-thousandths of what most amounts are: digits with at most four decimals. Nothing for any other text.
+std::optional<std::int64_t> plainCount(std::string_view text) {
+  constexpr std::size_t mostDigits = 14, decimals = 4;
+  const bool isNegative = text.starts_with('-');
+  if (isNegative) text.remove_prefix(1);
+  const std::size_t point = std::min(text.find('.'), text.size());
+  const std::size_t after = text.size() - std::min(point + 1, text.size());
+  if (point == 0 || point > mostDigits || after > decimals || (after == 0 && point < text.size())) return std::nullopt;
+  std::int64_t count = 0;
+  constexpr int ten = 10;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (at == point) continue;
+    if (text[at] < '0' || text[at] > '9') return std::nullopt;
+    count = count * ten + (text[at] - '0');
+  }
+  for (std::size_t at = after; at < decimals; ++at) count *= ten;
+  return isNegative ? -count : count;
+}
+
 }  // namespace
 
 std::optional<Money> Money::of(double value) {
@@ -40,6 +59,7 @@ std::optional<Money> Money::of(double value) {
 
 std::optional<Money> Money::parse(std::string_view text) {
   text = trim(text);
+  if (const auto plain = plainCount(text)) return Money(*plain);
   const ScannedNumber scanned = scanNumber(text, ".");
   if (scanned.length == 0 || scanned.length != text.size()) return std::nullopt;
   const std::optional<std::int64_t> count = toTenThousandths(scanned.number);

@@ -45,14 +45,6 @@ bool CellTable::repeatRow(std::uint32_t line) {
   return endRow(line);
 }
 
-SheetCell CellTable::cell(std::size_t row, std::size_t column) const {
-  if (column >= width(row)) return {};
-  const std::size_t index = starts_[row] + column;
-  const std::uint32_t begin = index == 0 ? 0 : ends_[index - 1] & ~numberMark;
-  const std::uint32_t end = ends_[index] & ~numberMark;
-  return {std::string_view(text_).substr(begin, end - begin), (ends_[index] & numberMark) != 0};
-}
-
 void CellTable::dropRows(std::size_t count) {
   count = std::min(count, rows());
   // The cells before the first row stay where they are: the start of a row says where it begins.

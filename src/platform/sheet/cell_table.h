@@ -46,7 +46,13 @@ class CellTable {
   /// Cells of one row up to its last text.
   std::size_t width(std::size_t row) const { return starts_[row + 1] - starts_[row]; }
   /// A cell, both counted from 0; an empty one after the end of its row. The text lives as long as the table.
-  SheetCell cell(std::size_t row, std::size_t column) const;
+  SheetCell cell(std::size_t row, std::size_t column) const {
+    if (column >= width(row)) return {};
+    const std::size_t index = starts_[row] + column;
+    const std::uint32_t begin = index == 0 ? 0 : ends_[index - 1] & ~numberMark;
+    const std::uint32_t end = ends_[index] & ~numberMark;
+    return {std::string_view(text_.data() + begin, end - begin), (ends_[index] & numberMark) != 0};
+  }
   /// The number of a row in its file, from 1.
   std::uint32_t line(std::size_t row) const { return lines_[row]; }
   /// Leaves out the first rows.

@@ -20,7 +20,9 @@ constexpr double percents = 100;
 std::optional<double> cellDouble(std::string_view digits) {
   double value = 0;
   const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (digits.empty() || read.ec != std::errc() || read.ptr != digits.data() + digits.size()) return std::nullopt;
+  if (digits.empty() || read.ec != std::errc() || read.ptr != digits.data() + digits.size() || !std::isfinite(value)) {
+    return std::nullopt;
+  }
   return value;
 }
 
@@ -87,13 +89,13 @@ std::string cellNumber(std::string_view digits) {
 
 std::string cellPercent(std::string_view digits) {
   const auto value = cellDouble(digits);
-  return value ? shownDouble(*value * percents) : std::string(digits);
+  return value && std::isfinite(*value * percents) ? shownDouble(*value * percents) : std::string(digits);
 }
 
 std::string cellDate(std::string_view serial, bool since1904) {
   constexpr double mostDays = 2958465;  // 9999-12-31
   const auto value = cellDouble(serial);
-  if (!value || *value < 0 || *value > mostDays) return std::string(serial);
+  if (!value || !(*value >= 0 && *value <= mostDays)) return std::string(serial);
   auto days = static_cast<int>(*value);
   auto seconds = static_cast<int>(std::lround((*value - days) * secondsOfDay));
   if (seconds == secondsOfDay) {

@@ -26,9 +26,12 @@ std::size_t repeated(const XmlAttributes& attributes, std::string_view name) {
   return read.ec != std::errc() || count == 0 ? 1 : count;
 }
 
+constexpr std::size_t mostSheets = 10000;  // of a file
+
 class OdsListener final : public XmlListener {
  public:
-  explicit OdsListener(const SheetRequest& request) : cells(request.limits), wanted_(request.sheet) {}
+  explicit OdsListener(const SheetRequest& request)
+      : cells(request.limits), wanted_(request.sheet), mostText_(request.limits.textBytes) {}
 
   std::vector<std::string> names;
   CellTable cells;
@@ -38,6 +41,8 @@ class OdsListener final : public XmlListener {
     if (passed_ > 0 || isPassedOver(name)) {
       ++passed_;
     } else if (name == "table") {
+      isFull = names.size() >= mostSheets;
+      if (isFull) return false;
       isWanted_ = names.size() == wanted_;
       names.emplace_back(attributes.get("name"));
       line_ = 0;
@@ -57,7 +62,8 @@ class OdsListener final : public XmlListener {
     return true;
   }
   void text(std::string_view piece) override {
-    if (inParagraph_ && passed_ == 0) text_ += piece;
+    // A text beyond the limit is refused as a cell.
+    if (inParagraph_ && passed_ == 0 && text_.size() <= mostText_) text_ += piece;
   }
 
  private:
@@ -149,6 +155,7 @@ class OdsListener final : public XmlListener {
   }
 
   std::size_t wanted_;
+  std::size_t mostText_;
   bool isWanted_ = false, inCell_ = false, inParagraph_ = false, hasParagraph_ = false;
   int passed_ = 0;  // depth in what is passed over
   std::uint32_t line_ = 0;

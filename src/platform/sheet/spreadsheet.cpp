@@ -8,7 +8,8 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t lookedAt = 4096;  // bytes of a file by which its form is known
+constexpr std::size_t lookedAt = 4096;                        // bytes of a file by which its form is known
+constexpr std::size_t searchedBytes = std::size_t{16} << 20;  // of a compound file, whose names may be at its end
 
 /// Bytes that are no text: zeros that are not the halves of UTF-16.
 bool isBinary(std::string_view bytes) {
@@ -18,6 +19,17 @@ bool isBinary(std::string_view bytes) {
     if (bytes[at] == '\0') ++(at % 2 == 0 ? even : odd);
   }
   return even > 0 && odd > 0;
+}
+
+/// Why a compound file is no sheet: it is one of an earlier program, or holds one that a password hides. Source:
+/// MS-OFFCRYPTO, 2.3.4.4, the name of the stream in UTF-16.
+Result<SheetForm> compoundFailure(const std::string& path) {
+  const auto bytes = readStart(path, searchedBytes);
+  if (!bytes) return fail(bytes.error());
+  std::string name;
+  for (const char c : std::string_view("EncryptedPackage")) name += {c, '\0'};
+  if (bytes->find(name) == std::string::npos) return fail(ErrorKind::Malformed, path, "binary sheet", OldSheet);
+  return fail(ErrorKind::Malformed, path, "encrypted", ProtectedSheet);
 }
 
 Result<SheetForm> packedFormOf(const std::string& path) {
@@ -35,7 +47,7 @@ Result<SheetForm> sheetFormOf(const std::string& path) {
   const auto start = readStart(path, lookedAt);
   if (!start) return fail(start.error());
   if (start->starts_with("PK\x03\x04")) return packedFormOf(path);
-  if (start->starts_with("\xD0\xCF\x11\xE0")) return fail(ErrorKind::Malformed, path, "binary sheet", OldSheet);
+  if (start->starts_with("\xD0\xCF\x11\xE0")) return compoundFailure(path);
   if (startsLikeFeed(*start)) return SheetForm::Feed;
   if (isBinary(*start)) return fail(ErrorKind::Malformed, path, "binary file");
   return SheetForm::Text;

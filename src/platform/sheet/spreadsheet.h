@@ -24,7 +24,7 @@ enum class SheetForm {
   Feed  ///< items of RSS 2.0 or Atom, a row for each; the columns are the names of their elements
 };
 
-/// The form of a file. Failures as readBytes; Malformed with OldSheet for a binary sheet or a protected one, with
+/// The form of a file. Failures as readBytes; Malformed with ProtectedSheet or OldSheet for a binary sheet, with
 /// NoFault for a packed file or a binary file that is no sheet.
 Result<SheetForm> sheetFormOf(const std::string& path);
 

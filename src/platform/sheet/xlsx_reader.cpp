@@ -67,12 +67,14 @@ struct WorkbookParts final : XmlListener {
 
 /// What the styles of cells make of numbers.
 struct CellStyles final : XmlListener {
+  static constexpr std::size_t mostFormats = 100000;  // a program writes 65,490 at most
   std::map<unsigned, CellFormat> own;
   std::vector<CellFormat> formats;
   bool inside = false;  // of the list that cells refer to
 
   bool start(std::string_view name, const XmlAttributes& attributes) override {
     if (name == "numFmt") own[wholeOf(attributes.get("numFmtId"))] = cellFormatOf(attributes.get("formatCode"));
+    if (own.size() > mostFormats || formats.size() > mostFormats) return false;
     if (name == "cellXfs") inside = true;
     if (name != "xf" || !inside) return true;
     const unsigned number = wholeOf(attributes.get("numFmtId"));
@@ -92,6 +94,9 @@ struct CellStyles final : XmlListener {
 /// Collects the text of an item: its runs, without what only says how they are spoken.
 class RunText {
  public:
+  /// most: bytes beyond which a text grows no further; its owner refuses it.
+  explicit RunText(std::size_t most) : most_(most) {}
+
   void start(std::string_view name) {
     if (name == "rPh") isSpoken_ = true;
     if (name == "t") takes_ = !isSpoken_;
@@ -101,7 +106,7 @@ class RunText {
     if (name == "t") takes_ = false;
   }
   void text(std::string_view piece) {
-    if (takes_) text_ += piece;
+    if (takes_ && text_.size() <= most_) text_ += piece;
   }
   std::string take() {
     std::string whole = text_.find("_x") == std::string::npos ? std::move(text_) : withoutEscapes(text_);
@@ -110,14 +115,15 @@ class RunText {
   }
 
  private:
+  std::size_t most_;
   std::string text_;
   bool isSpoken_ = false, takes_ = false;
 };
 
 /// The texts that cells refer to by number.
 struct SharedTexts final : XmlListener {
-  explicit SharedTexts(const SheetLimits& limits) : most(limits.textBytes) {}
-  std::size_t most;
+  explicit SharedTexts(const SheetLimits& limits) : most(limits.textBytes), mostTexts(limits.cells), run(most) {}
+  std::size_t most, mostTexts;
   std::string texts;
   std::vector<std::uint32_t> ends;
   RunText run;
@@ -131,7 +137,7 @@ struct SharedTexts final : XmlListener {
     run.end(name);
     if (name != "si") return true;
     const std::string text = run.take();
-    isFull = text.size() > most - texts.size();
+    isFull = text.size() > most - texts.size() || ends.size() >= mostTexts;
     if (isFull) return false;
     texts += text;
     ends.push_back(static_cast<std::uint32_t>(texts.size()));
@@ -150,7 +156,12 @@ struct SharedTexts final : XmlListener {
 class SheetListener final : public XmlListener {
  public:
   SheetListener(const SharedTexts& shared, const CellStyles& styles, bool since1904, const SheetLimits& limits)
-      : cells(limits), shared_(shared), styles_(styles), since1904_(since1904) {}
+      : cells(limits),
+        shared_(shared),
+        styles_(styles),
+        since1904_(since1904),
+        run_(limits.textBytes),
+        mostText_(limits.textBytes) {}
 
   CellTable cells;
   bool isFull = false;
@@ -184,7 +195,7 @@ class SheetListener final : public XmlListener {
   }
   void text(std::string_view piece) override {
     if (inValue_) {
-      value_ += piece;
+      if (value_.size() <= mostText_) value_ += piece;
     } else {
       run_.text(piece);
     }
@@ -246,6 +257,7 @@ class SheetListener final : public XmlListener {
   unsigned style_ = 0;
   bool inValue_ = false;
   RunText run_;
+  std::size_t mostText_;  // bytes
 };
 
 }  // namespace

@@ -2,11 +2,17 @@
 
 #include <expat.h>
 
+#include <algorithm>
+#include <cstdint>
+
 #include "platform/text/text.h"
 #include "platform/text/utf8.h"
 
 namespace kv {
 namespace {
+
+// Beyond what any sheet has. Each open element takes memory, and a comment or an attribute is held whole.
+constexpr std::size_t deepestElement = 256, longestPart = std::size_t{16} << 20;
 
 std::string_view withoutPrefix(std::string_view whole) {
   const auto colon = whole.rfind(':');
@@ -39,17 +45,25 @@ struct XmlReading::Run {
   Parser parser;
   XmlListener& listener;
   XmlNames names;
+  std::size_t depth = 0;    // elements that are open
+  std::uint64_t taken = 0;  // bytes that were read
 
   static Run& of(void* data) { return *static_cast<Run*>(data); }
   void stop() const { ignore(XML_StopParser(parser.get(), XML_FALSE), "it is running"); }
+  /// Where what was told last begins, or what is being read.
+  std::uint64_t begun() const {
+    return static_cast<std::uint64_t>(std::max(XML_GetCurrentByteIndex(parser.get()), 0L));
+  }
   std::string_view told(const char* name) const { return names == XmlNames::Whole ? name : withoutPrefix(name); }
 
   static void onStart(void* data, const char* name, const char** attributes) {
-    const Run& run = of(data);
+    Run& run = of(data);
+    if (++run.depth > deepestElement) return run.stop();
     if (!run.listener.start(run.told(name), XmlAttributes(attributes))) run.stop();
   }
   static void onEnd(void* data, const char* name) {
-    const Run& run = of(data);
+    Run& run = of(data);
+    --run.depth;
     if (!run.listener.end(run.told(name))) run.stop();
   }
   static void onText(void* data, const char* piece, int length) {
@@ -67,7 +81,7 @@ std::string_view XmlAttributes::get(std::string_view name) const {
 }
 
 XmlReading::XmlReading(XmlListener& listener, XmlNames names)
-    : run_(std::make_unique<Run>(Run{Run::Parser(XML_ParserCreate(nullptr)), listener, names})) {
+    : run_(std::make_unique<Run>(Run{Run::Parser(XML_ParserCreate(nullptr)), listener, names, 0, 0})) {
   const XML_Parser parser = run_->parser.get();
   if (parser == nullptr) return;
   XML_SetUserData(parser, run_.get());
@@ -87,8 +101,12 @@ Result<> XmlReading::take(std::string_view bytes, bool isLast, const std::string
     const std::string_view piece = bytes.substr(0, handedBytes);
     bytes.remove_prefix(piece.size());
     const int ends = isLast && bytes.empty() ? 1 : 0;
-    if (XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), ends) == XML_STATUS_OK) continue;
-    const bool isEnded = XML_GetErrorCode(parser) == XML_ERROR_ABORTED;
+    if (XML_Parse(parser, piece.data(), static_cast<int>(piece.size()), ends) == XML_STATUS_OK) {
+      run_->taken += piece.size();
+      if (run_->taken <= run_->begun() + longestPart) continue;
+      return fail(ErrorKind::Corrupt, where, "a part is too long");
+    }
+    const bool isEnded = XML_GetErrorCode(parser) == XML_ERROR_ABORTED && run_->depth <= deepestElement;
     return fail(isEnded ? ErrorKind::Malformed : ErrorKind::Corrupt, where, XML_ErrorString(XML_GetErrorCode(parser)));
   } while (!bytes.empty());
   return {};

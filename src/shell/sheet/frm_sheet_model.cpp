@@ -1,5 +1,8 @@
 #include "shell/sheet/frm_sheet_model.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
+
 #include "platform/qt/frm_dialog.h"
 #include "platform/text/text.h"
 #include "shell/window/frm_field.h"
@@ -113,16 +116,25 @@ Qt::ItemFlags SheetModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) return Qt::NoItemFlags;
   const Qt::ItemFlags every = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
   const SheetColumn& facts = column(index.column());
-  if (facts.editor == nullptr) return every;
+  if (!isEditable(facts)) return every;
   return every | (facts.kind == SheetKind::Flag ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);
 }
 
 SheetCells::SheetCells(SheetModel& model, char decimalSeparator, QObject* parent)
     : QStyledItemDelegate(parent), model_(model), separator_(decimalSeparator) {}
 
+QWidget* SheetCells::createChoice(QWidget* parent, int section) const {
+  const SheetColumn& facts = model_.column(section);
+  auto* list = named(new QComboBox(parent), "cboCella", facts.heading);
+  for (const std::string& choice : model_.choices(section)) list->addItem(toQt(choice));
+  list->view()->setAccessibleName(toQt(facts.heading));
+  return list;
+}
+
 QWidget* SheetCells::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                                   const QModelIndex& index) const {
   const SheetColumn& facts = model_.column(index.column());
+  if (isChoice(facts)) return createChoice(parent, index.column());
   // A text of several lines has a window of its own.
   if (facts.editor == nullptr || facts.kind == SheetKind::Lines || facts.kind == SheetKind::Flag) return nullptr;
   auto* line = named(new FieldLine(facts.editor->kind, separator_, parent), "txtCella", facts.heading);
@@ -133,10 +145,15 @@ QWidget* SheetCells::createEditor(QWidget* parent, const QStyleOptionViewItem& /
 
 void SheetCells::setEditorData(QWidget* editor, const QModelIndex& index) const {
   if (auto* line = qobject_cast<FieldLine*>(editor)) line->load(index.data(Qt::EditRole).toString());
+  if (auto* list = qobject_cast<QComboBox*>(editor)) {
+    list->setCurrentIndex(list->findText(index.data(Qt::EditRole).toString()));
+  }
 }
 
 void SheetCells::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const {
   if (const auto* line = qobject_cast<FieldLine*>(editor)) model->setData(index, line->text(), Qt::EditRole);
+  const auto* list = qobject_cast<QComboBox*>(editor);
+  if (list != nullptr && list->currentIndex() >= 0) model->setData(index, list->currentText(), Qt::EditRole);
 }
 
 }  // namespace kv

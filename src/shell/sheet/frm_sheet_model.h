@@ -30,6 +30,8 @@ class SheetModel final : public QAbstractTableModel {
   void forget();
 
   const SheetColumn& column(int section) const { return columns_[shown_[static_cast<std::size_t>(section)]]; }
+  /// What the cells of a section are chosen from; none where they are typed.
+  const std::vector<std::string>& choices(int section) const { return rows_.choices(column(section)); }
   /// The cell of an index, with the text that it shows.
   CellText cell(const QModelIndex& index) const;
   /// The row of an article; -1 when the sheet doesn't show it.
@@ -53,8 +55,8 @@ class SheetModel final : public QAbstractTableModel {
   mutable SheetRows rows_;  ///< cells are read when they are looked at
 };
 
-/// Opens a cell with the field of its column: a line that lets through what its kind allows, or a window for a text of
-/// several lines.
+/// Opens a cell with the field of its column: a line that lets through what its kind allows, a list of names, or a
+/// window for a text of several lines.
 class SheetCells final : public QStyledItemDelegate {
  public:
   SheetCells(SheetModel& model, char decimalSeparator, QObject* parent);
@@ -64,6 +66,8 @@ class SheetCells final : public QStyledItemDelegate {
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
 
  private:
+  QWidget* createChoice(QWidget* parent, int section) const;
+
   SheetModel& model_;
   char separator_;
 };

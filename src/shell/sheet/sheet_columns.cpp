@@ -20,7 +20,7 @@ struct SheetRule {
 };
 
 // In the order in which the sheet shows them until the merchant moves them.
-constexpr std::array<SheetRule, 24> rules{{{"codice", Repeats::Once, true},
+constexpr std::array<SheetRule, 25> rules{{{"codice", Repeats::Once, true},
                                            {"titolo", Repeats::PerLanguage, true},
                                            {"sottotitolo", Repeats::PerLanguage},
                                            {"prezzo", Repeats::PerListino, true},
@@ -42,6 +42,7 @@ constexpr std::array<SheetRule, 24> rules{{{"codice", Repeats::Once, true},
                                            {"opzione1", Repeats::PerListino},
                                            {"opzione2", Repeats::PerListino},
                                            {"opzione3", Repeats::PerListino},
+                                           {"opzione4", Repeats::PerListino},
                                            {"descrizione", Repeats::PerLanguage},
                                            {"note", Repeats::PerLanguage}}};
 
@@ -141,6 +142,12 @@ std::string storedChoice(const std::vector<SheetColumn>& all, const std::vector<
   for (const std::size_t index : chosen) names += (names.empty() ? "" : " ") + all[index].name;
   return names;
 }
+
+bool isChoice(const SheetColumn& column) {
+  return column.kind == SheetKind::Variant || column.kind == SheetKind::Department;
+}
+
+bool isEditable(const SheetColumn& column) { return column.editor != nullptr || isChoice(column); }
 
 bool isSearchable(const SheetColumn& column) {
   return column.kind == SheetKind::Text || column.kind == SheetKind::Lines;

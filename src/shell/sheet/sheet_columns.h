@@ -19,15 +19,15 @@ enum class SheetKind {
   Price,      ///< a number that the steps of prices change
   Flag,       ///< "1" or "0"
   Vat,        ///< a price with the VAT of the department; can't be typed
-  Variant,    ///< the name of a variant; can't be typed
-  Department  ///< the title of the department; can't be typed
+  Variant,    ///< a variant by its name, chosen from those of the shop
+  Department  ///< a department by its path, chosen from those of the shop
 };
 
 struct SheetColumn {
   std::string name;     ///< its identity: the column of `articoli`, "iva3" or "reparto"
   std::string heading;  ///< in Italian, with its language or price list
   SheetKind kind = SheetKind::Text;
-  const Editor* editor = nullptr;  ///< whose rules hold for what is typed; null: nothing can be typed
+  const Editor* editor = nullptr;  ///< whose rules hold for what is typed; null: nothing is typed
   ColumnInfo stored;               ///< the column of `articoli`; of Vat its price, without a name for Department
   bool isUsual = false;            ///< shown until the merchant chooses
 };
@@ -41,6 +41,10 @@ std::vector<std::size_t> chosenColumns(const std::vector<SheetColumn>& all, std:
 /// The text of a choice for the settings.
 std::string storedChoice(const std::vector<SheetColumn>& all, const std::vector<std::size_t>& chosen);
 
+/// Whether the cells of a column say one of several names, which are chosen and not typed.
+bool isChoice(const SheetColumn& column);
+/// Whether the cells of a column can be changed.
+bool isEditable(const SheetColumn& column);
 /// Whether find and replace looks into a column.
 bool isSearchable(const SheetColumn& column);
 

@@ -7,11 +7,12 @@
 #include "platform/database/recordset.h"
 #include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
+#include "shell/sheet/sheet_rows.h"
 #include "shell/workbench/fields/field_forms.h"
 #include "shell/workbench/fields/field_store.h"
+#include "store/catalogue/article_move.h"
 
 namespace kv {
-namespace {
 
 /// What a cell would store, or why it keeps what it has.
 struct CellReading {
@@ -19,6 +20,8 @@ struct CellReading {
   std::string note;            ///< how an ambiguous number was read
   std::optional<Value> value;  ///< empty: it says what it said
 };
+
+namespace {
 
 constexpr std::string_view yes[] = {"1", "sì", "si", "x", "vero", "true"};
 constexpr std::string_view no[] = {"", "0", "no", "falso", "false"};
@@ -46,6 +49,15 @@ std::string asPasted(const Editor& editor, const std::string& text, char separat
   if (!number.isNumber) reading.why = "\"" + text + "\" non è un numero: è rimasto il valore precedente.";
   reading.note = number.note;
   return changedText(editor.kind, number.text, {}, separator);
+}
+
+CellReading readVariant(const SheetNames& names, const std::string& text, const std::string& before) {
+  if (text == before) return {};
+  MeantRow meant = names.variantOf(text);
+  // An empty cell and the variant that means none are alike.
+  if (trim(text).empty() && names.variant(asInteger(meant.ID)) == before) return {};
+  if (!meant.why.empty()) return {std::move(meant.why), {}, {}};
+  return {{}, {}, std::move(meant.ID)};
 }
 
 CellReading readCell(const SheetColumn& column, const CellText& cell, const std::string& before, char separator) {
@@ -92,9 +104,11 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
   bool isEdited = false;
   for (const CellText& cell : cells) {
     const SheetColumn& column = columns_[cell.column];
-    const std::string before =
-        column.editor == nullptr ? "" : shownValue(*column.editor, column.stored, rows.get(column.name), separator_);
-    const CellReading reading = readCell(column, cell, before, separator_);
+    if (column.kind == SheetKind::Department) {
+      if (auto noted = noteMove(cell, outcome); !noted) return noted;
+      continue;
+    }
+    const CellReading reading = readingOf(rows, cell);
     if (!reading.why.empty()) outcome.refused.push_back({cell.article, cell.column, reading.why});
     if (!reading.value || isSameNumber(column, rows.get(column.name), *reading.value)) continue;
     if (!isEdited) {
@@ -105,7 +119,8 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
     const bool isRefused = !set && isOfValue(set.error().kind);
     if (!set && !isRefused) return set;
     if (isRefused) {
-      const std::string why = failureText(set.error(), plainLabel(column.editor->label));
+      const std::string why =
+          failureText(set.error(), column.editor == nullptr ? column.heading : plainLabel(column.editor->label));
       outcome.refused.push_back({cell.article, cell.column, why});
       continue;
     }
@@ -118,8 +133,16 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
 Result<> SheetEdits::writeAll(std::vector<CellText>& cells, SheetOutcome& outcome) {
   std::ranges::stable_sort(cells, {}, &CellText::article);
   std::set<std::string> names;
+  bool hasChoices = false;
   for (const CellText& cell : cells) {
-    if (columns_[cell.column].editor != nullptr) names.insert(columns_[cell.column].name);
+    const SheetColumn& column = columns_[cell.column];
+    if (isEditable(column) && column.kind != SheetKind::Department) names.insert(column.name);
+    hasChoices = hasChoices || isChoice(column);
+  }
+  if (hasChoices) {
+    auto read = SheetNames::read(session_.catalogue);
+    if (!read) return fail(read.error());
+    names_ = std::move(*read);
   }
   std::string fields = "ID";
   for (const std::string& name : names) fields += ", " + name;
@@ -135,11 +158,55 @@ Result<> SheetEdits::writeAll(std::vector<CellText>& cells, SheetOutcome& outcom
     rows->moveTo(static_cast<std::size_t>(key - keys->begin()));
     if (auto done = writeRow(*rows, all.subspan(at, end - at), outcome); !done) return done;
   }
+  return moveArticles();
+}
+
+CellReading SheetEdits::readingOf(Recordset& rows, const CellText& cell) const {
+  const SheetColumn& column = columns_[cell.column];
+  if (column.kind == SheetKind::Variant) {
+    return readVariant(names_, cell.text, names_.variant(asInteger(rows.get(column.name))));
+  }
+  const std::string before =
+      column.editor == nullptr ? "" : shownValue(*column.editor, column.stored, rows.get(column.name), separator_);
+  return readCell(column, cell, before, separator_);
+}
+
+Result<> SheetEdits::noteMove(const CellText& cell, SheetOutcome& outcome) {
+  auto row = session_.catalogue.prepare("SELECT catID FROM articoli WHERE ID = ?1");
+  if (!row) return fail(row.error());
+  row->bind(1, cell.article);
+  const auto found = row->step();
+  if (!found) return fail(found.error());
+  const std::string before = *found ? names_.department(row->text(0)) : std::string();
+  if (cell.text == before) return {};
+  const MeantRow meant = names_.departmentOf(cell.text);
+  if (!meant.why.empty()) {
+    outcome.refused.push_back({cell.article, cell.column, meant.why});
+  } else if (asText(meant.ID) != row->text(0)) {
+    moves_[cell.article] = asText(meant.ID);
+    ++outcome.changed;
+  }
+  return {};
+}
+
+Result<> SheetEdits::moveArticles() {
+  if (moves_.empty()) return {};
+  SheetRows all(session_, columns_, separator_);
+  if (auto read = all.refresh({}, {}); !read) return read;
+  std::map<std::string, std::vector<std::int64_t>> toDepartments;
+  for (std::size_t row = 0; row < all.size(); ++row) {
+    const auto moved = moves_.find(all.article(row));
+    if (moved != moves_.end()) toDepartments[moved->second].push_back(moved->first);
+  }
+  for (const auto& [department, articles] : toDepartments) {
+    if (auto done = appendToDepartment(session_.catalogue, department, articles); !done) return done;
+  }
   return {};
 }
 
 Result<SheetOutcome> SheetEdits::write(const std::string& step, std::vector<CellText> cells) {
   SheetOutcome outcome;
+  moves_.clear();
   const auto done = history_.record(step, [&]() -> Result<> {
     if (auto begun = session_.catalogue.begin(); !begun) return begun;
     if (auto written = writeAll(cells, outcome); !written) {

@@ -2,12 +2,14 @@
 // Writing cells of the sheet, by the rules of the fields of the main window: one step of the history for all of them.
 
 #include <cstdint>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "shell/sheet/sheet_columns.h"
+#include "shell/sheet/sheet_names.h"
 #include "store/catalogue/undo_history.h"
 
 namespace kv {
@@ -44,6 +46,8 @@ struct CellChange {
 /// The cells that put changes into effect; what can't be changed is left out.
 std::vector<CellText> cellsOf(std::span<const CellChange> changes);
 
+struct CellReading;
+
 class SheetEdits {
  public:
   /// All outlive it.
@@ -51,17 +55,24 @@ class SheetEdits {
       : session_(session), history_(history), columns_(columns), separator_(decimalSeparator) {}
 
   /// Writes cells as one transaction and one step of this name. A refused cell doesn't stop the others; articles that
-  /// are gone are passed over. A failure of the store leaves every row as it was.
+  /// are gone are passed over. Articles that get another department go to its end, in the order of the shop. A failure
+  /// of the store leaves every row as it was.
   Result<SheetOutcome> write(const std::string& step, std::vector<CellText> cells);
 
  private:
   Result<> writeAll(std::vector<CellText>& cells, SheetOutcome& outcome);
   Result<> writeRow(Recordset& rows, std::span<const CellText> cells, SheetOutcome& outcome);
+  CellReading readingOf(Recordset& rows, const CellText& cell) const;
+  /// Notes that an article goes to another department, or refuses it.
+  Result<> noteMove(const CellText& cell, SheetOutcome& outcome);
+  Result<> moveArticles();
 
   Session& session_;
   UndoHistory& history_;
   std::span<const SheetColumn> columns_;
   char separator_;
+  SheetNames names_;                           ///< read when the first cell needs them
+  std::map<std::int64_t, std::string> moves_;  ///< article -> its new department
 };
 
 /// A block of cells as text, as a spreadsheet puts it on the clipboard: cells parted by tabs, rows by "\n". A cell with

@@ -69,17 +69,25 @@ bool holdsText(const Statement& row, const std::string& wanted) {
 }  // namespace
 
 Result<> SheetRows::readLookups() {
+  auto names = SheetNames::read(session_.catalogue);
+  if (!names) return fail(names.error());
+  names_ = std::move(*names);
+  if (auto read = readDepartments(); !read) return read;
+  return readVariants();
+}
+
+Result<> SheetRows::readDepartments() {
   departments_.clear();
-  variants_.clear();
+  departmentChoices_.clear();
   auto departments = session_.catalogue.prepare(
-      "SELECT ID, titolo, iva, COALESCE(genitore, '###') FROM categorie ORDER BY ordinamento, contatore");
+      "SELECT ID, iva, COALESCE(genitore, '###') FROM categorie ORDER BY ordinamento, contatore");
   if (!departments) return fail(departments.error());
   std::unordered_map<std::string, std::vector<std::string>> children;
   auto row = departments->step();
   for (; row && *row; row = departments->step()) {
     const std::string ID(departments->text(0));
-    departments_[ID] = {std::string(departments->text(1)), asText(departments->value(2)), lastRank};
-    children[std::string(departments->text(3))].push_back(ID);
+    departments_[ID] = {names_.department(ID), asText(departments->value(1)), lastRank};
+    children[std::string(departments->text(2))].push_back(ID);
   }
   if (!row) return fail(row.error());
   // Parents before children, as the tree shows them; what hangs nowhere comes last.
@@ -87,17 +95,29 @@ Result<> SheetRows::readLookups() {
   for (std::size_t rank = 0; !open.empty();) {
     const std::string ID = std::move(open.back());
     open.pop_back();
-    if (const auto one = departments_.find(ID); one != departments_.end()) one->second.rank = rank++;
+    if (const auto one = departments_.find(ID); one != departments_.end()) {
+      one->second.rank = rank++;
+      departmentChoices_.push_back(one->second.path);
+    }
     const auto below = children.extract(ID);
     if (!below.empty()) open.insert(open.end(), below.mapped().rbegin(), below.mapped().rend());
   }
-  auto variants = session_.catalogue.prepare("SELECT ID, nome FROM opzioni");
+  return {};
+}
+
+Result<> SheetRows::readVariants() {
+  variantChoices_.clear();
+  auto variants = session_.catalogue.prepare("SELECT ID FROM opzioni ORDER BY ID");
   if (!variants) return fail(variants.error());
-  row = variants->step();
-  for (; row && *row; row = variants->step()) {
-    variants_[variants->integer(0)] = std::string(variants->text(1));
-  }
+  auto row = variants->step();
+  for (; row && *row; row = variants->step()) variantChoices_.push_back(names_.variant(variants->integer(0)));
   return row ? Result<>() : fail(row.error());
+}
+
+const std::vector<std::string>& SheetRows::choices(const SheetColumn& column) const {
+  static const std::vector<std::string> none;
+  if (column.kind == SheetKind::Department) return departmentChoices_;
+  return column.kind == SheetKind::Variant ? variantChoices_ : none;
 }
 
 const SheetRows::Department& SheetRows::departmentOf(std::string_view ID) const {
@@ -194,13 +214,11 @@ std::vector<std::string> SheetRows::readCells(std::int64_t ID) {
 std::string SheetRows::textOf(const SheetColumn& column, const Value& stored, const Department& department) const {
   switch (column.kind) {
     case SheetKind::Department:
-      return department.title;
+      return department.path;
     case SheetKind::Vat:
       return shownNumber(priceWithVat(asText(stored), department.vat), separator_);
-    case SheetKind::Variant: {
-      const auto variant = variants_.find(asInteger(stored));
-      return variant == variants_.end() ? std::string() : variant->second;
-    }
+    case SheetKind::Variant:
+      return names_.variant(asInteger(stored));
     default:
       return shownValue(*column.editor, column.stored, stored, separator_);
   }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "shell/sheet/sheet_columns.h"
+#include "shell/sheet/sheet_names.h"
 
 namespace kv {
 
@@ -48,6 +49,9 @@ class SheetRows {
   std::optional<std::size_t> rowOf(std::int64_t ID) const;
   /// What the cells of a row show, one text for each column; empty texts when it can't be read.
   const std::vector<std::string>& cells(std::size_t row);
+  /// What the cells of a column are chosen from, as of the last refresh: the departments in the order of the tree, the
+  /// variants in that of their IDs; none of any other column.
+  const std::vector<std::string>& choices(const SheetColumn& column) const;
 
  private:
   /// What a row is sorted by; the other of text and number is equal in all rows.
@@ -60,11 +64,13 @@ class SheetRows {
   };
   static constexpr std::size_t lastRank = static_cast<std::size_t>(-1);  ///< of what is in no department of the tree
   struct Department {
-    std::string title, vat;
+    std::string path, vat;
     std::size_t rank = lastRank;
   };
 
   Result<> readLookups();
+  Result<> readDepartments();
+  Result<> readVariants();
   /// ID, department, order number, sort field and the texts that are searched.
   Result<Statement> select(const SheetFilter& filter, const SheetColumn* by) const;
   SortKey sortKeyOf(const SheetColumn* by, const Statement& row) const;
@@ -78,7 +84,8 @@ class SheetRows {
   std::vector<std::int64_t> keys_;
   std::unordered_map<std::int64_t, std::vector<std::string>> cells_;  ///< the rows looked at, by ID
   std::unordered_map<std::string, Department> departments_;           ///< by ID
-  std::unordered_map<std::int64_t, std::string> variants_;            ///< names by ID
+  SheetNames names_;
+  std::vector<std::string> departmentChoices_, variantChoices_;
 };
 
 }  // namespace kv

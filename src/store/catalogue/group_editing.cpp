@@ -5,6 +5,7 @@
 
 #include "platform/database/recordset.h"
 #include "platform/numbers/number_format.h"
+#include "store/catalogue/article_move.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
 
@@ -38,22 +39,6 @@ std::vector<std::int64_t> inOrder(const std::vector<std::int64_t>& keys, const A
   std::vector<std::int64_t> kept;
   std::ranges::copy_if(keys, std::back_inserter(kept), [&](std::int64_t ID) { return wanted.contains(ID); });
   return kept;
-}
-
-/// Hangs articles at the end of a department, in this order.
-Result<> appendTo(Database& catalogue, const std::string& department, const std::vector<std::int64_t>& articles) {
-  auto last = scalarWith(catalogue, "SELECT MAX(ordinamento) FROM articoli WHERE catID = ?", {Value(department)});
-  if (!last) return fail(last.error());
-  auto update = catalogue.prepare("UPDATE articoli SET catID = ?, ordinamento = ? WHERE ID = ?");
-  if (!update) return fail(update.error());
-  std::int64_t order = asInteger(*last);
-  for (const std::int64_t ID : articles) {
-    update->bind(1, department);
-    update->bind(2, ++order);
-    update->bind(3, ID);
-    if (auto done = update->execute(); !done) return done;
-  }
-  return {};
 }
 
 }  // namespace
@@ -147,7 +132,7 @@ Result<> TreeEditing::SpostaInReparto(const ArticleGroup& group, const std::stri
   if (!list) return fail(list.error());
   const std::vector<std::int64_t> moved = inOrder(list->keys, group);
   if (moved.empty()) return {};
-  if (auto done = appendTo(catalogue, department, moved); !done) return done;
+  if (auto done = appendToDepartment(catalogue, department, moved); !done) return done;
   return change.keepAndShowPosition(at->department, *list->positionOf(moved.front()));
 }
 
