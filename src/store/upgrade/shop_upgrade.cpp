@@ -25,7 +25,7 @@ constexpr NewColumn settingColumns[] = {
     {"singleitem_vet"},
     {"reglist"},
     {"showsigns", ColumnType::Bool, "1"}};
-constexpr NewColumn pageTagColumns[] = {{"compact_privacy_policy", ColumnType::Memo}};
+constexpr NewColumn newSeedColumns[] = {{"compact_privacy_policy", ColumnType::Memo}};
 
 /// Whether a table has all of the columns, as one of a shop that is up to date has.
 bool hasColumns(Database& database, const std::string& table, std::span<const NewColumn> columns) {
@@ -75,7 +75,7 @@ Result<> upgradeSchema(const std::string& shopFolder, ShopUpgrade& upgrade) {
   addColumns(*catalogue, "generale", settingColumns, upgrade);
   stampVersion(*catalogue, upgrade);
   auto seed = ApriDatabase(joinPath(shopFolder, tagSeedFile), false);
-  if (seed) addColumns(*seed, "categoria", pageTagColumns, upgrade);
+  if (seed) addColumns(*seed, "categoria", newSeedColumns, upgrade);
   return {};
 }
 
@@ -89,7 +89,7 @@ ShopUpgrade plannedUpgrade(Database& catalogue, const std::string& shopFolder, c
   const auto version = catalogueVersion(catalogue);
   upgrade.stamped = version && *version != currentVersion;
   auto seed = Database::open(joinPath(shopFolder, tagSeedFile), OpenMode::ReadOnly);
-  if (seed) plan(*seed, "categoria", pageTagColumns[0]);
+  if (seed) plan(*seed, "categoria", newSeedColumns[0]);
   planFiles(shopFolder, applicationFolder, upgrade);
   return upgrade;
 }
