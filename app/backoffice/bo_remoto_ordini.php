@@ -133,7 +133,7 @@ function boSegnoTolti(): string
 function boRemotoTolti(array $dati): array
 {
     $quanti = boRemotoIntero($dati, 'quanti', 1, BO_REMOTO_TOLTI);
-    $righe = boRemotoRighe('SELECT ordine AS id, codice FROM kv_tolti ORDER BY id LIMIT ' . ($quanti + 1) . ' OFFSET '
+    $righe = boRemotoRighe('SELECT ordine AS id, codice FROM kv_tolti ORDER BY kv_tolti.id LIMIT ' . ($quanti + 1) . ' OFFSET '
         . boRemotoIntero($dati, 'da', 0, PHP_INT_MAX));
     return ['tolti' => array_map(fn($riga) => ['id' => (int) $riga['id'], 'codice' => $riga['codice']],
         array_slice($righe, 0, $quanti)), 'altri' => count($righe) > $quanti];

@@ -145,15 +145,15 @@ TEST_F(TheSheetWindow, ChoosesDepartmentsAndVariantsFromLists) {
   choose(1, QStringLiteral("Piatti"));
   EXPECT_EQ(window->workbench().history().undoName(), "Modifica Reparto");
   choose(2, QStringLiteral("Colore"));
-  EXPECT_EQ(stored(), "cat003|2\ncat001|(null)\ncat001|(null)\ncat003|(null)\n");
+  EXPECT_EQ(stored(), "cat003|2\ncat001|null\ncat001|null\ncat003|null\n");
   select(0, 1, 1, 2);
   press(Qt::Key_D);
-  EXPECT_EQ(stored(), "cat003|2\ncat003|2\ncat001|(null)\ncat003|(null)\n");
+  EXPECT_EQ(stored(), "cat003|2\ncat003|2\ncat001|null\ncat003|null\n");
   EXPECT_EQ(text(1, 1), QStringLiteral("Piatti"));
   press(Qt::Key_Z);
   press(Qt::Key_Z);
   press(Qt::Key_Z);
-  EXPECT_EQ(stored(), "cat001|(null)\ncat001|(null)\ncat001|(null)\ncat003|(null)\n");
+  EXPECT_EQ(stored(), "cat001|null\ncat001|null\ncat001|null\ncat003|null\n");
 }
 
 TEST_F(TheSheetWindow, FillsASelection) {
