@@ -140,6 +140,7 @@ TEST_F(TheSheetWindow, ChoosesDepartmentsAndVariantsFromLists) {
     list->setCurrentIndex(list->findText(name));
     QTest::keyClick(list, Qt::Key_Return);
     processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // the list of this cell
   };
   const auto stored = [this] { return test::rows(session.catalogue, "SELECT catID, opzione1 FROM articoli"); };
   choose(1, QStringLiteral("Piatti"));
