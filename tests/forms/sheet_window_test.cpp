@@ -127,6 +127,14 @@ TEST_F(TheSheetWindow, CopiesAndPastesBlocks) {
   EXPECT_EQ(window->workbench().history().undoName(), "Incolla nel foglio");
 }
 
+TEST_F(TheSheetWindow, ShowsTagsInATipAsTheyAreWritten) {
+  go(0, 1);
+  typeInCell(QStringLiteral("<b>Alba</b>"));
+  EXPECT_EQ(text(0, 1), QStringLiteral("<b>Alba</b>"));
+  EXPECT_TRUE(
+      table->model()->index(0, 1).data(Qt::ToolTipRole).toString().contains(QStringLiteral("&lt;b&gt;Alba&lt;/b&gt;")));
+}
+
 TEST_F(TheSheetWindow, ChoosesDepartmentsAndVariantsFromLists) {
   sheet.reset();
   ASSERT_TRUE(settings.set(settingsSection, "foglio", "codice reparto opzione1"));

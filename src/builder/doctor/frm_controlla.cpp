@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "platform/ports/failure_text.h"
+#include "platform/qt/frm_plain_tip.h"
 
 namespace kv {
 namespace {
@@ -42,8 +43,9 @@ class FindingModel final : public QAbstractTableModel {
   }
   int columnCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : 2; }
   QVariant data(const QModelIndex& index, int role) const override {
-    const bool isText = role == Qt::DisplayRole || (role == Qt::ToolTipRole && index.column() == 1);
-    if (!index.isValid() || !isText) return {};
+    if (!index.isValid()) return {};
+    if (role == Qt::ToolTipRole && index.column() == 1) return plainTip(toQt(finding(index.row()).text));
+    if (role != Qt::DisplayRole) return {};
     const Finding& one = finding(index.row());
     return index.column() == 0 ? toQt(severityName(one.severity)) : toQt(one.text);
   }

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_plain_tip.h"
 
 namespace kv {
 namespace {
@@ -63,7 +64,8 @@ QVariant ChangePreview::data(const QModelIndex& index, int role) const {
   if (role == Qt::CheckStateRole && index.column() == PreviewArticle) {
     return isTicked_[row] ? Qt::Checked : Qt::Unchecked;
   }
-  if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+  if (role == Qt::ToolTipRole) return plainTip(data(index, Qt::DisplayRole).toString());
+  if (role != Qt::DisplayRole) return {};
   switch (index.column()) {
     case PreviewArticle:
       return articleText(change.article);

@@ -4,6 +4,7 @@
 #include <QComboBox>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_plain_tip.h"
 #include "platform/text/text.h"
 #include "shell/window/frm_field.h"
 
@@ -78,7 +79,8 @@ QVariant SheetModel::data(const QModelIndex& index, int role) const {
     return {};
   }
   if (role == Qt::DisplayRole) return inOneLine(cell(index).text);
-  if (role == Qt::EditRole || role == Qt::ToolTipRole) return toQt(cell(index).text);
+  if (role == Qt::EditRole) return toQt(cell(index).text);
+  if (role == Qt::ToolTipRole) return plainTip(toQt(cell(index).text));
   return {};
 }
 

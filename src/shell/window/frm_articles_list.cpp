@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_plain_tip.h"
 #include "shell/window/frm_cell.h"
 #include "shell/window/frm_dragged.h"
 #include "shell/workbench/fields/field_rules.h"
@@ -65,7 +66,8 @@ QVariant ArticleModel::data(const QModelIndex& index, int role) const {
     const bool isNumber = columnFacts(index.column()).isNumber;
     return isNumber ? QVariant(int{Qt::AlignRight | Qt::AlignVCenter}) : QVariant();
   }
-  if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+  if (role == Qt::ToolTipRole) return plainTip(data(index, Qt::DisplayRole).toString());
+  if (role != Qt::DisplayRole) return {};
   if (index.row() == previewRow_ && index.column() == previewColumn_) return previewText_;
   return textOf(rows_.at(static_cast<std::size_t>(index.row())), static_cast<Column>(index.column()));
 }
