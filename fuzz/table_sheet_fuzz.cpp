@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t row = 0; row < cells->rows(); ++row) {
     for (std::size_t i = 0; i < cells->width(); ++i) {
       if (i > 0) text += ';';
-      kv::appendCsvField(text, cells->cell(row, i).text, ';');
+      kv::appendCsvField(text, kv::guardedCsvText(cells->cell(row, i).text), ';');
       if (row == 0) headers.emplace_back(kv::SheetCell(cells->cell(row, i)).text);
     }
     text += "\r\n";
