@@ -44,7 +44,7 @@ add_test(NAME access.AWayLeadsToEveryWindow COMMAND ${CMAKE_SOURCE_DIR}/tools/ch
 if(TARGET korvane AND NOT KORVANE_SANITIZE)
   add_test(NAME access.EveryControlHasANameAndIsReachedByTab
     COMMAND ${CMAKE_SOURCE_DIR}/tools/check-accessibility ${CMAKE_BINARY_DIR}/bin)
-  set_tests_properties(access.EveryControlHasANameAndIsReachedByTab PROPERTIES TIMEOUT 3600 COST 200)
+  set_tests_properties(access.EveryControlHasANameAndIsReachedByTab PROPERTIES TIMEOUT 1200 COST 200)
 endif()
 
 # The wanted parts of the golden cases, computed a second time without the program.
@@ -63,5 +63,5 @@ if(TARGET korvane-screenshots AND TARGET test_forms AND NOT KORVANE_SANITIZE)
   add_test(NAME tools.EveryWindowLeavesAPictureOfItsSize
     COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/screenshots_test.py ${CMAKE_SOURCE_DIR}
       ${CMAKE_BINARY_DIR}/bin)
-  set_tests_properties(tools.EveryWindowLeavesAPictureOfItsSize PROPERTIES TIMEOUT 3600 COST 200)
+  set_tests_properties(tools.EveryWindowLeavesAPictureOfItsSize PROPERTIES TIMEOUT 1200 COST 200)
 endif()

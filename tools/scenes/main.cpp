@@ -7,7 +7,10 @@
 #include <QCommandLineParser>
 #include <QFont>
 #include <QIcon>
+#include <csignal>
+#include <cstring>
 #include <iostream>
+#include <unistd.h>
 
 #include "platform/qt/frm_dialog.h"
 #include "scenes.h"
@@ -26,6 +29,17 @@ QSize sizeOf(const QString& text) {
 
 bool isWanted(const Scene& scene, const QStringList& names) {
   return names.isEmpty() || names.contains(QString::fromUtf8(scene.name));
+}
+
+constexpr unsigned sceneSeconds = 300;
+const char* sceneNow = "";
+
+/// A scene without an end names itself, instead of standing until someone looks.
+void endScene(int /*signal*/) {
+  for (const char* text : {"korvane-screenshots: no end of the scene ", sceneNow, "\n"}) {
+    if (write(STDERR_FILENO, text, std::strlen(text)) < 0) break;
+  }
+  _exit(1);
 }
 
 void dress(const QCommandLineParser& arguments) {
@@ -71,8 +85,13 @@ int main(int count, char** values) {
     return 1;
   }
   QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/korvane.svg")));
+  std::signal(SIGALRM, endScene);
   for (const Scene& scene : kv::scenes::sceneTable()) {
-    if (isWanted(scene, arguments.positionalArguments())) scene.play(stage, QString::fromUtf8(scene.name));
+    if (!isWanted(scene, arguments.positionalArguments())) continue;
+    sceneNow = scene.name;
+    alarm(sceneSeconds);
+    scene.play(stage, QString::fromUtf8(scene.name));
   }
+  alarm(0);
   return stage.failed() || stage.taken() == 0 ? 1 : 0;
 }

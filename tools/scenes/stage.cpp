@@ -159,8 +159,7 @@ void Stage::take(const QString& name) {
   for (QWidget* window : windows) {
     if (window == window_.get() || !window->isVisible() || qobject_cast<QMenu*>(window) != nullptr) continue;
     if (!fits(*window, options_.size)) {
-      failed_ = true;
-      std::cerr << "larger than the screen: " << fromQt(name) << '\n';
+      fail(QStringLiteral("larger than the screen: ") + name);
     }
     keepInside(*window, options_.size);
     drawWindow(painter, *window, shop);
@@ -173,9 +172,13 @@ void Stage::take(const QString& name) {
   if (picture.save(file)) {
     ++taken_;
   } else {
-    failed_ = true;
-    std::cerr << "not written: " << fromQt(file) << '\n';
+    fail(QStringLiteral("not written: ") + file);
   }
+}
+
+void Stage::fail(const QString& why) {
+  failed_ = true;
+  std::cerr << fromQt(why) << '\n';
 }
 
 void Stage::during(const std::function<void()>& opens, const std::function<void(QWidget&)>& meanwhile) {
@@ -183,16 +186,19 @@ void Stage::during(const std::function<void()>& opens, const std::function<void(
   QElapsedTimer since;
   since.start();
   bool stood = false;
+  bool looking = false;
   QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
     QWidget* standing = opened();
-    if (standing == nullptr || !standing->isVisible()) {
-      if (since.elapsed() > patience) poll.stop();
+    if (looking || standing == nullptr || !standing->isVisible()) return;
+    // What comes up after it was looked at, or too late, would otherwise stand for ever: nobody sits at this screen.
+    if (stood || since.elapsed() > patience) {
+      closeIt(*standing);
       return;
     }
-    poll.stop();
-    stood = true;
+    stood = looking = true;
     processEvents();
     meanwhile(*standing);
+    looking = false;
     // What it led to is closed before it.
     for (QWidget* last = opened(); last != nullptr && last->isVisible(); last = opened()) {
       closeIt(*last);
@@ -202,10 +208,7 @@ void Stage::during(const std::function<void()>& opens, const std::function<void(
   poll.start(10);
   opens();
   processEvents();
-  if (!stood) {
-    failed_ = true;
-    std::cerr << "a window did not open\n";
-  }
+  if (!stood) fail(QStringLiteral("a window did not open"));
 }
 
 }  // namespace kv::scenes

@@ -48,6 +48,8 @@ class Stage {
   void take(const QString& name);
   /// Starts what opens a dialog or a menu and calls `meanwhile` once it is shown; it is closed afterwards.
   void during(const std::function<void()>& opens, const std::function<void(QWidget&)>& meanwhile);
+  /// Says why a picture is not as it should be; the run ends with an error.
+  void fail(const QString& why);
   /// Gives the windows time to lay out and paint.
   static void processEvents();
 

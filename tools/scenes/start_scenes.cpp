@@ -30,7 +30,7 @@ void takeLongText(Stage& stage, const QString& name) {
 }
 
 /// A server with three folders, in the first of which the login ends.
-class ServerInThePicture final : public Transfer {
+class FolderServer final : public Transfer {
  public:
   TransferCompletion currentFolder() override { return {transferDone, "/www", {}}; }
   TransferCompletion list() override {
@@ -57,7 +57,7 @@ class ServerInThePicture final : public Transfer {
 };
 
 void takeServerFolder(Stage& stage, const QString& name) {
-  ServerInThePicture server;
+  FolderServer server;
   frmFolderFTP dialog(shopFolderTitle, ConnectionSettings(), server, stage.user(), &stage.window());
   takeShown(stage, dialog, name, [](QWidget& shown) {
     const auto* folders = shown.findChild<QListWidget*>(QStringLiteral("lstCartelle"));
