@@ -24,7 +24,7 @@ Result<> finishLoad(ExportKind kind, const std::string& onlineFolder, const std:
 
 void publishCopies(ExportKind kind, const std::string& onlineFolder, const std::string& sec, ExportReport& report) {
   const auto publish = [&](const std::string& from, const std::string& to) {
-    const auto copied = copyFile(joinPath(onlineFolder, from), joinPath(onlineFolder, to));
+    const auto copied = copyFile(joinPath(onlineFolder, from), joinPath(onlineFolder, to), AtLink::Replace);
     // A language that the shop doesn't have has no file to copy.
     if (!copied && !fileExists(joinPath(onlineFolder, from))) return;
     (copied ? report.published : report.unwritten).push_back(to);

@@ -184,6 +184,17 @@ void writeRow(OutputFile& out, const Statement& row, const RowFormat& format, Ex
   out.append(format.rowEnd);
 }
 
+/// The lines around the rows of a table that is locked; empty for one that isn't.
+struct TableLock {
+  std::string before, after;
+};
+
+TableLock lockOf(const std::string& name, const SqlStyle& style) {
+  if (!style.lockTables) return {};
+  return {toWindows1252("LOCK TABLES " + name + " WRITE" + style.separator + "\r\n"),
+          toWindows1252("UNLOCK TABLES" + style.separator + "\r\n")};
+}
+
 }  // namespace
 
 std::string storeName(std::string_view name) { return "\"" + replaceAll(name, "\"", "\"\"") + "\""; }
@@ -197,17 +208,15 @@ Result<std::int64_t> writeRows(OutputFile& out, Database& database, const TableI
   // Without an order the engine might read the rows from an index that holds every column.
   auto row = database.prepare("SELECT * FROM " + storeName(table.name) + " NOT INDEXED");
   if (!row) return fail(row.error());
+  const TableLock lock = lockOf(*name, style);
   std::int64_t count = 0;
-  for (;; ++count) {
-    auto found = row->step();
-    if (!found) return fail(found.error());
-    if (!*found) break;
-    if (count == 0 && style.lockTables)
-      out.append(toWindows1252("LOCK TABLES " + *name + " WRITE" + style.separator + "\r\n"));
+  auto found = row->step();
+  for (; found && *found && !out.failed(); found = row->step()) {
+    if (count++ == 0) out.append(lock.before);
     writeRow(out, *row, *format, warnings);
-    if (out.failed()) break;
   }
-  if (count > 0 && style.lockTables) out.append(toWindows1252("UNLOCK TABLES" + style.separator + "\r\n"));
+  if (!found) return fail(found.error());
+  if (count > 0) out.append(lock.after);
   return count;
 }
 

@@ -230,11 +230,12 @@ TEST(Orientation, TheSizeOfOtherKindsIsThatOfTheirHeader) {
   EXPECT_EQ(imageSizeOf(pictureOf("corners_animated.webp")), (ImageSize{32, 16}));
 }
 
-TEST(PictureFile, AFolderAPipeAndNothingAreMissing) {
+TEST(PictureFile, AFolderAPipeASocketAndNothingAreMissing) {
   const TempFolder root;
   ASSERT_TRUE(createFolder(root / "cartella.jpg"));
   ASSERT_EQ(::mkfifo((root / "pipe.jpg").c_str(), 0600), 0);
-  for (const char* name : {"cartella.jpg", "pipe.jpg", "niente.jpg"}) {
+  ASSERT_EQ(::mknod((root / "socket.jpg").c_str(), S_IFSOCK | 0600, 0), 0);
+  for (const char* name : {"cartella.jpg", "pipe.jpg", "socket.jpg", "niente.jpg"}) {
     const auto refused = readPixelsOf(root / name);
     ASSERT_FALSE(refused) << name;
     EXPECT_EQ(refused.error().kind, ErrorKind::Missing) << name;

@@ -94,7 +94,7 @@ Result<> readColumns(RowBlock& block, std::string_view line) {
 }
 
 // The lines up to ">>>", as the text of a column; `i` is left on that line.
-std::string readText(const std::vector<std::string_view>& lines, std::size_t& i) {
+std::string textField(const std::vector<std::string_view>& lines, std::size_t& i) {
   std::string text;
   for (const std::size_t first = ++i; i < lines.size() && lines[i] != ">>>"; ++i)
     text += (i > first ? "\r\n" : "") + std::string(lines[i]);
@@ -156,7 +156,7 @@ Result<std::vector<RowBlock>> readBlocks(std::string_view text) {
       return fail(ErrorKind::Malformed, "rows", std::string(line));
     } else if (line.ends_with(" <<<")) {
       std::string column(line.substr(0, line.size() - 4));
-      blocks.back().fields.emplace_back(std::move(column), readText(lines, i));
+      blocks.back().fields.emplace_back(std::move(column), textField(lines, i));
     } else if (auto read = readColumns(blocks.back(), line); !read) {
       return fail(read.error());
     }

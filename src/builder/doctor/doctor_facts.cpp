@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "commerce/gateways/gateway_account.h"
+#include "platform/database/rows.h"
 #include "platform/files/files.h"
 #include "platform/image/pixels.h"
 #include "platform/text/text.h"
@@ -13,17 +14,6 @@ namespace {
 
 constexpr std::string_view rootID = "###";
 constexpr int settingsPictures = 2;
-
-/// Runs a query and hands over each row.
-Result<> forEachRow(Database& catalogue, const std::string& sql, const std::function<void(const Statement&)>& take) {
-  auto row = catalogue.prepare(sql);
-  if (!row) return fail(row.error());
-  for (auto found = row->step();; found = row->step()) {
-    if (!found) return fail(found.error());
-    if (!*found) return {};
-    take(*row);
-  }
-}
 
 /// The languages in which a text is missing, its columns beginning at `at`.
 LanguageFlags emptyTexts(const Statement& row, int at, int languages) {

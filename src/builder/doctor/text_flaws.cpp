@@ -31,18 +31,19 @@ bool endsAddress(char c, char quote) {
   return quote != 0 ? c == quote : c == ' ' || c == '>' || c == '\t' || c == '\r' || c == '\n';
 }
 
+std::string_view withoutSpaces(std::string_view text) {
+  return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+}
+
 /// The value of the attribute whose name ends at `at`; empty when there is none.
 std::string_view attributeValue(std::string_view html, std::size_t at) {
-  while (at < html.size() && html[at] == ' ') ++at;
-  if (at == html.size() || html[at] != '=') return {};
-  ++at;
-  while (at < html.size() && html[at] == ' ') ++at;
-  if (at == html.size()) return {};
-  const char quote = html[at] == '"' || html[at] == '\'' ? html[at] : '\0';
-  if (quote != 0) ++at;
-  std::size_t end = at;
-  while (end < html.size() && !endsAddress(html[end], quote)) ++end;
-  return html.substr(at, end - at);
+  std::string_view rest = withoutSpaces(html.substr(at));
+  if (!rest.starts_with('=')) return {};
+  rest = withoutSpaces(rest.substr(1));
+  const char quote = rest.starts_with('"') || rest.starts_with('\'') ? rest.front() : '\0';
+  if (quote != 0) rest.remove_prefix(1);
+  const auto end = std::ranges::find_if(rest, [&](char c) { return endsAddress(c, quote); });
+  return rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
 }
 
 }  // namespace

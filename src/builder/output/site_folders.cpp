@@ -7,7 +7,7 @@ namespace kv {
 namespace {
 
 Result<> probeFolder(const std::string& folder, std::string_view probe, UserPort& user) {
-  if (writeBytes(joinPath(folder, probe), "")) return {};
+  if (writeBytes(joinPath(folder, probe), "", AtLink::Replace)) return {};
   const std::string message = "La cartella di lavoro '" + folder +
                               "' non esiste: \n"
                               "selezionare un'altra cartella (oppure resettare le cartelle di lavoro) e ripetere "

@@ -7,6 +7,7 @@
 #include "builder/run/build_messages.h"
 #include "builder/run/build_phases.h"
 #include "commerce/shipping/currency_form.h"
+#include "platform/database/rows.h"
 #include "platform/files/files.h"
 #include "store/schema/schema.h"
 
@@ -136,18 +137,12 @@ std::string levelOfferQuery() {
          " AS bits FROM articoli WHERE COALESCE(fuoricatalogo, 0) = 0 AND bits > 0 ORDER BY ID";
 }
 
-// Only where a discount would be taken is such an offer another thing than none; a shop without one gets no table.
-Result<> copyLevelOffers(Database& catalogue, float shopFactor, BuildOutput& output) {
-  const auto discounted = discountedListini(catalogue, shopFactor);
-  if (!discounted) return fail(discounted.error());
-  auto offers = catalogue.prepare(levelOfferQuery());
-  if (!offers) return fail(offers.error());
+// The table is made with the first row.
+struct LevelOfferWriter {
+  BuildOutput& output;
   std::optional<Statement> row;
-  auto more = offers->step();
-  for (; more && *more; more = offers->step()) {
-    const auto department = discounted->find(offers->text(1));
-    const std::int64_t bits = department == discounted->end() ? 0 : department->second & offers->integer(2);
-    if (bits == 0) continue;
+
+  Result<> add(std::int64_t article, std::int64_t bits) {
     if (!row) {
       const TableInfo table = levelOffersTable();
       if (auto added = output.addTable(table); !added) return added;
@@ -155,12 +150,24 @@ Result<> copyLevelOffers(Database& catalogue, float shopFactor, BuildOutput& out
       if (!insert) return fail(insert.error());
       row = std::move(*insert);
     }
-    row->bind(1, offers->integer(0));
+    row->bind(1, article);
     row->bind(2, bits);
-    if (auto written = row->execute(); !written) return written;
+    return row->execute();
   }
-  if (!more) return fail(more.error());
-  return {};
+};
+
+// Only where a discount would be taken is such an offer another thing than none; a shop without one gets no table.
+Result<> copyLevelOffers(Database& catalogue, float shopFactor, BuildOutput& output) {
+  const auto discounted = discountedListini(catalogue, shopFactor);
+  if (!discounted) return fail(discounted.error());
+  auto offers = catalogue.prepare(levelOfferQuery());
+  if (!offers) return fail(offers.error());
+  LevelOfferWriter writer{output, {}};
+  return forEachRow(*offers, [&](const Statement& offer) -> Result<> {
+    const auto department = discounted->find(offer.text(1));
+    const std::int64_t bits = department == discounted->end() ? 0 : department->second & offer.integer(2);
+    return bits == 0 ? Result<>() : writer.add(offer.integer(0), bits);
+  });
 }
 
 }  // namespace

@@ -48,6 +48,17 @@ std::vector<std::string> namesOf(const TableInfo& table) {
   return names;
 }
 
+Result<> insertRow(Statement& insert, const Statement& row) {
+  std::vector<Value> values;  // bound texts must live until the row is written
+  const int columns = row.columnCount();
+  values.reserve(static_cast<std::size_t>(columns));
+  for (int column = 0; column < columns; ++column) {
+    values.push_back(row.value(column));
+    insert.bind(column + 1, values.back());
+  }
+  return insert.execute();
+}
+
 /// Copies the rows of a query, as many columns as the table has, into a new table; none is made without a row.
 Result<> copyQuery(Database& catalogue, const char* query, const TableInfo& table, BuildOutput& output) {
   auto rows = catalogue.prepare(query);
@@ -59,14 +70,32 @@ Result<> copyQuery(Database& catalogue, const char* query, const TableInfo& tabl
   auto insert = output.insertInto(table.name, namesOf(table));
   if (!insert) return fail(insert.error());
   for (; more && *more; more = rows->step()) {
-    std::vector<Value> values;  // bound texts must live until the row is written
-    values.reserve(table.columns.size());
-    for (int column = 0; column < rows->columnCount(); ++column) values.push_back(rows->value(column));
-    for (std::size_t i = 0; i < values.size(); ++i) insert->bind(static_cast<int>(i) + 1, values[i]);
-    if (auto written = insert->execute(); !written) return written;
+    if (auto written = insertRow(*insert, *rows); !written) return written;
   }
   return more ? Result<>() : fail(more.error());
 }
+
+/// Copies the rows of queries into new tables, those of the side tables that the queries need.
+struct SideCopy {
+  Database& catalogue;
+  BuildOutput& output;
+
+  Result<> copy(const char* query, const TableInfo& table) const { return copyQuery(catalogue, query, table, output); }
+  Result<> copyIf(const char* source, const char* query, const TableInfo& table) const {
+    const auto present = findSideTable(catalogue, source);
+    if (!present) return fail(present.error());
+    return *present ? copy(query, table) : Result<>();
+  }
+  Result<> copySafety() const {
+    const auto safety = findSideTable(catalogue, "sicurezza");
+    if (!safety) return fail(safety.error());
+    const auto makers = findSideTable(catalogue, "produttori");
+    if (!makers) return fail(makers.error());
+    if (!*safety || !*makers) return {};
+    if (auto copied = copy(makersOfArticles, sentSafetyTable()); !copied) return copied;
+    return copy(usedMakers, sentMakersTable());
+  }
+};
 
 /// Writes the lowest prices of articles; the table is made with the first one.
 class LowestWriter {
@@ -135,24 +164,10 @@ Result<> copyLowestPrices(const std::string& shopFolder, double now, BuildOutput
 }  // namespace
 
 Result<> copySideTables(Database& catalogue, const ShopFacts& shop, double now, BuildOutput& output) {
-  const auto units = findSideTable(catalogue, "unita");
-  if (!units) return fail(units.error());
-  if (*units) {
-    if (auto copied = copyQuery(catalogue, completeUnits, sentUnitTable(), output); !copied) return copied;
-  }
-  const auto safety = findSideTable(catalogue, "sicurezza");
-  if (!safety) return fail(safety.error());
-  const auto makers = findSideTable(catalogue, "produttori");
-  if (!makers) return fail(makers.error());
-  if (*safety && *makers) {
-    if (auto copied = copyQuery(catalogue, makersOfArticles, sentSafetyTable(), output); !copied) return copied;
-    if (auto copied = copyQuery(catalogue, usedMakers, sentMakersTable(), output); !copied) return copied;
-  }
-  const auto times = findSideTable(catalogue, "consegna");
-  if (!times) return fail(times.error());
-  if (*times) {
-    if (auto copied = copyQuery(catalogue, timesOfDelivery, sentDeliveryTable(), output); !copied) return copied;
-  }
+  const SideCopy sides{catalogue, output};
+  if (auto copied = sides.copyIf("unita", completeUnits, sentUnitTable()); !copied) return copied;
+  if (auto copied = sides.copySafety(); !copied) return copied;
+  if (auto copied = sides.copyIf("consegna", timesOfDelivery, sentDeliveryTable()); !copied) return copied;
   return copyLowestPrices(shop.folders.shop, now, output);
 }
 

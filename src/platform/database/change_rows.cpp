@@ -17,12 +17,12 @@ struct CellBinder {
   int operator()(std::monostate) const { return sqlite3_bind_null(statement, index); }
   int operator()(std::int64_t number) const { return sqlite3_bind_int64(statement, index, number); }
   int operator()(double number) const { return sqlite3_bind_double(statement, index, number); }
-  int operator()(const std::string& text) const {
-    return sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+  int operator()(const BoxedText& text) const {
+    return sqlite3_bind_text64(statement, index, text->data(), text->size(), SQLITE_STATIC, SQLITE_UTF8);
   }
-  int operator()(const Bytes& bytes) const {
-    if (bytes.empty()) return sqlite3_bind_zeroblob(statement, index, 0);
-    return sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), SQLITE_STATIC);
+  int operator()(const BoxedBytes& bytes) const {
+    if (bytes->empty()) return sqlite3_bind_zeroblob(statement, index, 0);
+    return sqlite3_bind_blob64(statement, index, bytes->data(), bytes->size(), SQLITE_STATIC);
   }
 };
 
@@ -48,7 +48,9 @@ Cell cellOf(sqlite3_value* value) {
     case SQLITE_BLOB: {
       const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_value_blob(value));
       const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
-      return size == 0 ? Bytes{} : Bytes(bytes, bytes + size);
+      Bytes field;
+      if (size > 0) field.assign(bytes, bytes + size);
+      return BoxedBytes(std::move(field));
     }
     default:
       return std::monostate{};
@@ -72,11 +74,13 @@ bool isSameValue(sqlite3_value* a, sqlite3_value* b) {
   }
 }
 
+void ChangeRows::Finisher::operator()(sqlite3_stmt* statement) const { engine::giveBack(statement); }
+
 tl::unexpected<Error> ChangeRows::failed(int code) const { return fail(engine::errorOf(handle_, code, path_)); }
 
 Result<ChangeRows::Prepared> ChangeRows::prepare(const std::string& sql) const {
   sqlite3_stmt* statement = nullptr;
-  const int code = engine::prepare(handle_, sql, 0, &statement);
+  const int code = engine::borrow(handle_, sql, &statement);
   if (code != SQLITE_OK) return failed(code);
   return Prepared(statement);
 }

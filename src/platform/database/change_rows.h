@@ -40,7 +40,7 @@ class ChangeRows {
 
  private:
   struct Finisher {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+    void operator()(sqlite3_stmt* statement) const;
   };
   using Prepared = std::unique_ptr<sqlite3_stmt, Finisher>;
   using Names = std::vector<std::string>;

@@ -65,11 +65,16 @@ std::optional<RowChange> changeOfFields(RowChange change, FirstImage first, RowI
   return change;
 }
 
+template <class T>
+std::size_t sizeOfBoxed(const T& value) {
+  return value.empty() ? 0 : sizeof(T) + value.size();
+}
+
 std::size_t sizeOf(const RowImage& image) {
   std::size_t size = image.size() * sizeof(Cell);
   for (const Cell& cell : image) {
-    if (const auto* text = std::get_if<std::string>(&cell)) size += text->size();
-    if (const auto* bytes = std::get_if<Bytes>(&cell)) size += bytes->size();
+    if (const auto* text = std::get_if<BoxedText>(&cell)) size += sizeOfBoxed(**text);
+    if (const auto* bytes = std::get_if<BoxedBytes>(&cell)) size += sizeOfBoxed(**bytes);
   }
   return size;
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -16,8 +17,36 @@
 
 namespace kv {
 
+/// A text or bytes that take the room of a pointer, and none beyond it while they are empty: most fields of a row hold
+/// a number or nothing, and a step of thousands of rows is kept whole.
+template <class T>
+class Boxed {
+ public:
+  Boxed() = default;
+  // NOLINTNEXTLINE(google-explicit-constructor): a text is a cell
+  Boxed(T value) : value_(value.empty() ? nullptr : std::make_unique<T>(std::move(value))) {}
+  Boxed(const Boxed& other) : value_(other.value_ ? std::make_unique<T>(*other.value_) : nullptr) {}
+  Boxed(Boxed&&) noexcept = default;
+  Boxed& operator=(const Boxed& other) { return *this = Boxed(other); }
+  Boxed& operator=(Boxed&&) noexcept = default;
+  ~Boxed() = default;
+
+  /// The text or the bytes.
+  const T& operator*() const {
+    static const T none;
+    return value_ ? *value_ : none;
+  }
+  const T* operator->() const { return &**this; }
+  bool operator==(const Boxed& other) const { return **this == *other; }
+
+ private:
+  std::unique_ptr<T> value_;
+};
+using BoxedText = Boxed<std::string>;
+using BoxedBytes = Boxed<Bytes>;
+
 /// A field as the engine holds it, whatever its column declares.
-using Cell = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
+using Cell = std::variant<std::monostate, std::int64_t, double, BoxedText, BoxedBytes>;
 /// Fields of a row; empty for no row.
 using RowImage = std::vector<Cell>;
 

@@ -107,7 +107,7 @@ void Database::close() {
   if (sqlite3_get_autocommit(handle_) == 0) engine::run(handle_, "ROLLBACK");
   engine::run(handle_, "PRAGMA main.locking_mode=NORMAL; PRAGMA main.journal_mode=DELETE");
   engine::run(handle_, "SELECT 1 FROM main.sqlite_schema LIMIT 1");
-  sqlite3_close_v2(handle_);
+  engine::closeConnection(handle_);
   handle_ = nullptr;
   path_.clear();
   depth_ = 0;
@@ -124,7 +124,7 @@ std::int64_t Database::changes() const { return sqlite3_changes64(handle_); }
 Result<Statement> Database::prepare(std::string_view sql) {
   sqlite3_stmt* handle = nullptr;
   const char* tail = nullptr;
-  const int code = engine::prepare(handle_, sql, SQLITE_PREPARE_PERSISTENT, &handle, &tail);
+  const int code = engine::borrow(handle_, sql, &handle, &tail);
   if (code != SQLITE_OK) return fail(engine::errorOf(handle_, code, path_));
   Statement statement(handle, path_);
   if (handle == nullptr) return fail(ErrorKind::Malformed, path_, "no statement");

@@ -10,14 +10,16 @@
 #include <vector>
 
 #include "platform/database/database.h"
+#include "platform/database/statement_cache.h"
 #include "platform/database/table_info.h"
 #include "platform/database/value.h"
 
 namespace kv::engine {
 
-/// Closes a connection, at the latest when its last statement is gone.
+/// Closes a connection with what it kept, at the latest when its last statement is gone.
+void closeConnection(sqlite3* handle);
 struct Closer {
-  void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+  void operator()(sqlite3* handle) const { closeConnection(handle); }
 };
 /// An SQLite connection that closes itself.
 using Connection = std::unique_ptr<sqlite3, Closer>;
@@ -27,12 +29,23 @@ ErrorKind kindOf(int code);
 /// The failure of the last call on a connection. `code` is what that call returned.
 Error errorOf(sqlite3* handle, int code, std::string where);
 
+/// Asks the gate for a call, which is then made or was made before: the engine's SQLITE_OK, or what the gate says.
+int ask(std::string_view sql);
 /// Prepares the first statement of a text and makes one step of a statement, unless the gate refuses it. Every
-/// statement of the store comes through these two. The engine's code, or the gate's; the statement is null then.
+/// statement of the store comes through these two, or borrow. The engine's code, or the gate's; the statement is null
+/// then.
 /// flags: SQLITE_PREPARE_*; `tail`, if given, becomes the end of the statement in `sql`.
 int prepare(sqlite3* handle, std::string_view sql, unsigned flags, sqlite3_stmt** statement,
             const char** tail = nullptr);
 int step(sqlite3_stmt* statement);
+/// As prepare, for a statement that lives long or is needed again: one of the same text that was given back is used
+/// again if the schema is still the same. Such a statement looks like a new one. It goes to giveBack, not to the
+/// engine.
+int borrow(sqlite3* handle, std::string_view sql, sqlite3_stmt** statement, const char** tail = nullptr);
+/// Ends the use of a statement: what it reads and what is bound to it is let go at once. Null is none.
+void giveBack(sqlite3_stmt* statement);
+/// What a connection keeps; null for one without the store's functions.
+StatementCache* cacheOf(sqlite3* handle);
 
 /// Runs statements without parameters and ignores their rows. The engine's code, SQLITE_OK when all went well.
 int run(sqlite3* handle, std::string_view sql);
@@ -71,6 +84,8 @@ bool isTextual(ColumnType type);
 /// and Malformed as Recordset::set describes.
 Result<Value> valueForColumn(const ColumnInfo& column, const Value& value, const std::string& where);
 
+/// What readColumns asks the engine, prepared once and stepped once for each column and once more.
+constexpr std::string_view columnsSql = "SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info(?1, ?2)";
 /// The columns of a table in their order; empty when there is no such table. `schema` is "main" or an attached name.
 Result<std::vector<ColumnInfo>> readColumns(sqlite3* handle, std::string_view schema, std::string_view table);
 

@@ -43,34 +43,52 @@ void like(sqlite3_context* context, int, sqlite3_value** arguments) noexcept {
   sqlite3_result_int(context, matchesLike(textOf(arguments[1]), textOf(arguments[0])) ? 1 : 0);
 }
 
-void countUndone(void* counter) noexcept { ++*static_cast<std::int64_t*>(counter); }
+/// What the store has beside a connection of the engine.
+struct ConnectionExtras {
+  std::int64_t undone = 0;  ///< count of rollbacks
+  StatementCache cache;
+};
 
-/// The connection's count of rollbacks. The engine hands the pointer out only when it is replaced by another.
-std::int64_t* undoneCounter(sqlite3* handle) {
-  void* counter = sqlite3_rollback_hook(handle, countUndone, nullptr);
-  sqlite3_rollback_hook(handle, counter == nullptr ? nullptr : countUndone, counter);
-  return static_cast<std::int64_t*>(counter);
+void countUndone(void* extras) noexcept { ++static_cast<ConnectionExtras*>(extras)->undone; }
+
+/// The extras of a connection; null for one that has none. The engine hands the pointer out only when it is replaced by
+/// another.
+ConnectionExtras* extrasOf(sqlite3* handle) {
+  void* extras = sqlite3_rollback_hook(handle, countUndone, nullptr);
+  sqlite3_rollback_hook(handle, extras == nullptr ? nullptr : countUndone, extras);
+  return static_cast<ConnectionExtras*>(extras);
 }
 
 }  // namespace
 
 std::int64_t changeCounter(sqlite3* handle) {
-  const std::int64_t* undone = undoneCounter(handle);
-  return sqlite3_total_changes64(handle) + (undone == nullptr ? 0 : *undone);
+  const ConnectionExtras* extras = extrasOf(handle);
+  return sqlite3_total_changes64(handle) + (extras == nullptr ? 0 : extras->undone);
 }
 
 void noteUndone(sqlite3* handle) {
-  if (std::int64_t* undone = undoneCounter(handle)) ++*undone;
+  if (ConnectionExtras* extras = extrasOf(handle)) ++extras->undone;
+}
+
+StatementCache* cacheOf(sqlite3* handle) {
+  ConnectionExtras* extras = extrasOf(handle);
+  return extras == nullptr ? nullptr : &extras->cache;
+}
+
+void closeConnection(sqlite3* handle) {
+  if (handle == nullptr) return;
+  if (StatementCache* cache = cacheOf(handle)) cache->close();
+  sqlite3_close_v2(handle);
 }
 
 int addFunctions(sqlite3* handle) {
   const int code = sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase, nullptr);
   if (code != SQLITE_OK) return code;
-  auto* undone = new std::int64_t(0);  // deleted with the function below
-  sqlite3_rollback_hook(handle, countUndone, undone);
-  return sqlite3_create_function_v2(handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, undone,
+  auto* extras = new ConnectionExtras;  // deleted with the function below
+  sqlite3_rollback_hook(handle, countUndone, extras);
+  return sqlite3_create_function_v2(handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, extras,
                                     like, nullptr, nullptr,
-                                    [](void* counter) { delete static_cast<std::int64_t*>(counter); });
+                                    [](void* given) { delete static_cast<ConnectionExtras*>(given); });
 }
 
 }  // namespace kv::engine

@@ -35,11 +35,11 @@ void Recordset::moveTo(std::size_t position) {
   state_->moveTo(static_cast<std::ptrdiff_t>(std::min(position, state_->keys.size())));
 }
 
-const std::vector<ColumnInfo>& Recordset::columns() const { return state_->columns; }
+const std::vector<ColumnInfo>& Recordset::columns() const { return state_->shape->columns; }
 
 int Recordset::columnIndex(std::string_view name) const {
-  const auto index = state_->columnIndexes.find(name);
-  return index == state_->columnIndexes.end() ? -1 : static_cast<int>(index->second);
+  const auto index = state_->shape->columnIndexes.find(name);
+  return index == state_->shape->columnIndexes.end() ? -1 : static_cast<int>(index->second);
 }
 
 /// Reads the current row, unless it has been read and nothing was written through this connection since. A row that is
@@ -47,7 +47,7 @@ int Recordset::columnIndex(std::string_view name) const {
 Result<> Recordset::State::readRow() {
   const std::int64_t counter = engine::changeCounter(rowsHandle());
   if (rowAt == cursor && rowCounter == counter) return {};
-  rowFields.assign(columns.size(), Null{});
+  rowFields.assign(shape->columns.size(), Null{});
   rowAt = -2;
   fetch.bind(1, key());
   const auto found = fetch.step();

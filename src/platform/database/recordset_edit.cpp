@@ -21,8 +21,8 @@ void Recordset::State::endDraft() {
 /// the row is abandoned or a second record set adds rows.
 Result<std::int64_t> Recordset::State::reserveKey() {
   const std::string highest = "coalesce((SELECT max(_rowid_) FROM " + qualifiedTable() + "), 0)";
-  const std::string sequence = engine::quoted(schema) + ".sqlite_sequence";
-  const std::string name = engine::literal(table);
+  const std::string sequence = engine::quoted(shape->schema) + ".sqlite_sequence";
+  const std::string name = engine::literal(shape->table);
   auto raise = prepare("UPDATE " + sequence + " SET seq = max(seq, " + highest + ") + 1 WHERE name = " + name +
                        " RETURNING seq");
   if (!raise) return fail(raise.error());
@@ -58,21 +58,21 @@ Result<Value> Recordset::State::evaluateDefault(const ColumnInfo& column) const 
 Result<> Recordset::edit() {
   State& state = *state_;
   if (state.memory) return fail(ErrorKind::ReadOnly, state.where(), "these rows cannot be changed");
-  if (sqlite3_db_readonly(state.handle, state.schema.c_str()) == 1) {
+  if (sqlite3_db_readonly(state.handle, state.shape->schema.c_str()) == 1) {
     return fail(ErrorKind::ReadOnly, state.where(), sqlite3_errstr(SQLITE_READONLY), SQLITE_READONLY);
   }
   if (!state.onRow()) return fail(ErrorKind::Missing, state.where(), "no current row");
   state.draft = State::Draft::Edit;
-  state.drafted.assign(state.columns.size(), std::nullopt);
+  state.drafted.assign(state.shape->columns.size(), std::nullopt);
   return {};
 }
 
 Result<> Recordset::addNew() {
   State& state = *state_;
   if (state.memory) return fail(ErrorKind::ReadOnly, state.where(), "these rows cannot be changed");
-  std::vector<std::optional<Value>> fields(state.columns.size());
+  std::vector<std::optional<Value>> fields(state.shape->columns.size());
   for (std::size_t at = 0; at < fields.size(); ++at) {
-    const ColumnInfo& column = state.columns[at];
+    const ColumnInfo& column = state.shape->columns[at];
     if (isAutomatic(column)) {
       auto number = state.reserveKey();
       if (!number) return fail(number.error());
@@ -94,10 +94,10 @@ Result<> Recordset::set(std::string_view column, const Value& value) {
   if (at < 0) return fail(ErrorKind::Missing, state.where(), "no such column: " + std::string(column));
   if (state.draft == State::Draft::None) return fail(ErrorKind::Other, state.where(), "no edit has begun");
   const auto index = static_cast<std::size_t>(at);
-  if (state.draft == State::Draft::Edit && isAutomatic(state.columns[index])) {
+  if (state.draft == State::Draft::Edit && isAutomatic(state.shape->columns[index])) {
     return fail(ErrorKind::Other, state.where(), "the automatic key of a row cannot be changed");
   }
-  auto held = engine::valueForColumn(state.columns[index], value, state.where());
+  auto held = engine::valueForColumn(state.shape->columns[index], value, state.where());
   if (!held) return fail(held.error());
   state.drafted[index] = std::move(*held);
   return {};
@@ -110,7 +110,7 @@ std::string Recordset::State::writeSql() const {
   std::string pairs;
   for (std::size_t each = 0; each < drafted.size(); ++each) {
     if (!drafted[each]) continue;
-    const std::string name = engine::quoted(origins[each]);
+    const std::string name = engine::quoted(shape->origins[each]);
     const char* comma = names.empty() ? "" : ", ";
     names += comma + name;
     marks += std::string(comma) + "?";

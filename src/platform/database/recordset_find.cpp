@@ -31,7 +31,7 @@ void Recordset::State::forgetFound() {
 
 /// The indexes, ascending, of the rows for which a condition holds now. `bound` is the value of ?1.
 Result<std::vector<std::size_t>> Recordset::State::search(std::string_view condition, const Value* bound) {
-  auto list = prepare(rowsSql + "(" + std::string(condition) + "\n)" + amongKeys(keys));
+  auto list = prepare(shape->rowsSql + "(" + std::string(condition) + "\n)" + amongKeys(keys));
   if (!list) return fail(list.error());
   if (bound != nullptr) list->bind(1, *bound);
   if (indexOfKey.size() != keys.size()) {
@@ -112,13 +112,14 @@ Result<bool> Recordset::findPrevious(std::string_view condition) {
 Result<bool> Recordset::seek(std::string_view column, const Value& value) {
   const int at = columnIndex(column);
   if (at < 0) return fail(ErrorKind::Missing, state_->where(), "no such column: " + std::string(column));
-  const ColumnInfo& info = state_->columns[static_cast<std::size_t>(at)];
+  const ColumnInfo& info = state_->shape->columns[static_cast<std::size_t>(at)];
   // The text sought may be longer than the column; then no row has it.
   ColumnInfo unsized = info;
   unsized.size = 0;
   auto wanted = engine::valueForColumn(unsized, value, state_->where());
   if (!wanted) return false;
-  const std::string name = engine::quoted(state_->memory ? state_->origins[static_cast<std::size_t>(at)] : info.name);
+  const std::string name =
+      engine::quoted(state_->memory ? state_->shape->origins[static_cast<std::size_t>(at)] : info.name);
   auto indexes = state_->search(name + " IS ?1", &*wanted);
   if (!indexes) return fail(indexes.error());
   if (indexes->empty()) return false;

@@ -22,20 +22,23 @@ std::string trimmedSelect(std::string_view source) {
 
 /// The query for the numbers of a single table's rows. Rows that the source does not order, or orders as
 /// equal, come in the table's own order, whichever index the engine reads them by. The engine carries the inner ORDER
-/// BY outwards and computes none of the columns that are not asked for.
-std::string keysSql(std::string_view select) {
+/// BY outwards and computes none of the columns that are not asked for. Where the source's names are the table's own,
+/// they need not be listed at all; but "ORDER BY 2" counts them.
+std::string keysSql(std::string_view select, const engine::TableSelect& parts) {
   engine::SqlReader reader(select);
   engine::SqlToken token = reader.next();
-  while (!(token.depth == 0 && token.isWord("FROM"))) token = reader.next();
-  const std::size_t from = token.position;
   bool ordered = false;
+  bool counted = false;
   while (token.kind != engine::SqlToken::Kind::End && !(token.depth == 0 && token.isWord("LIMIT"))) {
     ordered = ordered || (token.depth == 0 && token.isWord("ORDER"));
+    counted = counted || (ordered && token.text[0] >= '0' && token.text[0] <= '9');
     token = reader.next();
   }
-  const std::string rows(select.substr(from, token.position - from));
-  return "SELECT kv_row FROM (" + std::string(select.substr(0, from)) + ", _rowid_ AS kv_row " + rows +
-         (ordered ? "\n, kv_row " : "\nORDER BY kv_row ") + std::string(select.substr(token.position)) + "\n)";
+  const std::string rows = std::string(select.substr(parts.from, token.position - parts.from)) +
+                           (ordered ? "\n, kv_row " : "\nORDER BY kv_row ") +
+                           std::string(select.substr(token.position));
+  if (parts.allColumns && !counted) return "SELECT _rowid_ AS kv_row " + rows;
+  return "SELECT kv_row FROM (" + std::string(select.substr(0, parts.from)) + ", _rowid_ AS kv_row " + rows + "\n)";
 }
 
 /// The type of a computed column, by its value in the first row.
@@ -64,98 +67,138 @@ ColumnInfo copiedColumn(std::string_view name, const std::string& declaration, C
   return column;
 }
 
-}  // namespace
-
-std::size_t ColumnNameHash::operator()(std::string_view name) const {
-  // FNV-1a over the ASCII characters in lower case. Those beyond ASCII may fold to each other, so only the comparison
-  // looks at them.
-  std::size_t hash = 14695981039346656037U;
-  for (const char c : name) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) hash = (hash ^ (byte >= 'A' && byte <= 'Z' ? byte + 32U : byte)) * 1099511628211U;
+/// Adds the statements that read rows of a shape with its columns, and finds its columns by their names.
+/// ownNames: the source's names count; else those of the table, which is a copy.
+void addStatements(engine::RecordsetShape& shape, bool ownNames) {
+  std::string fields;
+  std::string named;
+  for (std::size_t each = 0; each < shape.origins.size(); ++each) {
+    const std::string& name = shape.columns[each].name;
+    const std::string origin = engine::quoted(shape.origins[each]);
+    fields += (each == 0 ? "" : ", ") + origin;
+    named += origin + " AS " + engine::quoted(ownNames ? name : shape.origins[each]) + ", ";
+    shape.columnIndexes.try_emplace(name, each);
   }
-  return hash;
+  const std::string table = engine::quoted(shape.schema) + "." + engine::quoted(shape.table);
+  // The name after the parentheses lets a condition say "articoli.ID".
+  const std::string from = shape.wholeTable ? table : "(SELECT " + named + "_rowid_ AS kv_row FROM " + table + ")";
+  shape.rowsSql = std::string("SELECT ") + (shape.wholeTable ? "_rowid_ AS " : "") + "kv_row FROM " + from + " AS " +
+                  engine::quoted(shape.table) + " WHERE ";
+  shape.fetchSql = "SELECT " + fields + " FROM " + table + " WHERE _rowid_ = ?1";
+  shape.versionSql = "PRAGMA " + engine::quoted(shape.schema) + ".data_version";
 }
 
-bool ColumnNameEqual::operator()(std::string_view a, std::string_view b) const {
-  return a == b || equalsIgnoringCase(a, b);
-}
+}  // namespace
 
 Result<Statement> Recordset::State::prepare(std::string_view sql) const {
   sqlite3_stmt* statement = nullptr;
-  const int code = engine::prepare(rowsHandle(), sql, SQLITE_PREPARE_PERSISTENT, &statement);
+  const int code = engine::borrow(rowsHandle(), sql, &statement);
   if (code != SQLITE_OK) return fail(engine::errorOf(rowsHandle(), code, where()));
   return Statement(statement, where());
 }
 
-/// Determines what the source is. It is the rows of one table when the statement is of that kind and every column of it
-/// is a column of the table.
+/// The columns depend on what comes before WHERE and ORDER BY alone, so a known shape serves every department's rows.
 Result<> Recordset::State::open() {
-  sqlite3_stmt* raw = nullptr;
-  const int code = engine::prepare(handle, source, 0, &raw);
-  if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
-  Statement rows(raw, path);
-  const auto single = engine::singleTableOf(source);
-  bool oneTable = single.has_value();
-  for (int each = 0; oneTable && each < rows.columnCount(); ++each) {
-    const char* origin = sqlite3_column_table_name(raw, each);
-    oneTable = origin != nullptr && equalsIgnoringCase(origin, *single);
+  const auto parts = engine::singleTableOf(source);
+  const std::string_view head = parts ? std::string_view(source).substr(0, parts->end) : std::string_view();
+  const auto known = parts ? openKnown(head) : Result<bool>(false);
+  if (!known) return fail(known.error());
+  if (!*known) {
+    if (auto opened = openNew(parts); !opened) return opened;
   }
-  Result<> opened = oneTable ? openTable(rows) : openCopy(rows);
-  if (!opened) return opened;
-  columnIndexes.clear();
-  for (std::size_t each = 0; each < columns.size(); ++each) columnIndexes.try_emplace(columns[each].name, each);
   if (auto ready = prepareReading(); !ready) return ready;
   return readKeys();
 }
 
-Result<> Recordset::State::openTable(Statement& sourceRows) {
-  sqlite3_stmt* raw = sourceRows.handle_;
-  schema = orEmpty(sqlite3_column_database_name(raw, 0));
-  table = orEmpty(sqlite3_column_table_name(raw, 0));
-  const auto base = engine::readColumns(handle, schema, table);
-  if (!base) return fail(base.error());
-  std::unordered_map<std::string_view, const ColumnInfo*, ColumnNameHash, ColumnNameEqual> named;
-  for (const ColumnInfo& column : *base) named.emplace(column.name, &column);
-  for (int each = 0; each < sourceRows.columnCount(); ++each) {
-    const std::string origin = orEmpty(sqlite3_column_origin_name(raw, each));
-    const auto found = named.find(origin);
-    if (found == named.end()) return fail(ErrorKind::Missing, where(), "no such column: " + origin);
-    ColumnInfo column = *found->second;
-    column.name = sourceRows.columnName(each);
-    columns.push_back(std::move(column));
-    origins.push_back(origin);
+/// Takes the shape that is kept for the head of a source; false when there is none. The gate is asked as often as if
+/// the shape had to be found.
+Result<bool> Recordset::State::openKnown(std::string_view head) {
+  engine::StatementCache* cache = engine::cacheOf(handle);
+  if (cache == nullptr || !cache->refresh(handle)) return false;
+  auto found = cache->shape(head);
+  if (found == nullptr) return false;
+  int code = engine::ask(source);
+  for (std::size_t call = 0; code == SQLITE_OK && call < found->factCalls; ++call)
+    code = engine::ask(engine::columnsSql);
+  if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
+  shape = std::move(found);
+  return true;
+}
+
+/// Determines what the source is. It is the rows of one table when the statement is of that kind and every column of it
+/// is a column of the table.
+Result<> Recordset::State::openNew(const std::optional<engine::TableSelect>& parts) {
+  sqlite3_stmt* raw = nullptr;
+  const int code = engine::prepare(handle, source, 0, &raw);
+  if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
+  Statement rows(raw, path);
+  bool oneTable = parts.has_value();
+  for (int each = 0; oneTable && each < rows.columnCount(); ++each) {
+    const char* origin = sqlite3_column_table_name(raw, each);
+    oneTable = origin != nullptr && equalsIgnoringCase(origin, parts->table);
   }
+  auto found = oneTable ? tableShape(rows) : copyShape(rows);
+  if (!found) return fail(found.error());
+  found->wholeTable = oneTable && parts->allColumns;
+  addStatements(*found, oneTable);
+  shape = std::make_shared<const engine::RecordsetShape>(std::move(*found));
+  engine::StatementCache* cache = oneTable ? engine::cacheOf(handle) : nullptr;
+  if (cache != nullptr && cache->refresh(handle)) cache->keepShape(source.substr(0, parts->end), shape);
   return {};
 }
 
+Result<engine::RecordsetShape> Recordset::State::tableShape(Statement& sourceRows) const {
+  sqlite3_stmt* raw = sourceRows.handle_;
+  engine::RecordsetShape found;
+  found.schema = orEmpty(sqlite3_column_database_name(raw, 0));
+  found.table = orEmpty(sqlite3_column_table_name(raw, 0));
+  const auto base = engine::readColumns(handle, found.schema, found.table);
+  if (!base) return fail(base.error());
+  found.factCalls = base->size() + 2;
+  engine::ByColumnName<const ColumnInfo*> named;
+  for (const ColumnInfo& column : *base) named.emplace(column.name, &column);
+  for (int each = 0; each < sourceRows.columnCount(); ++each) {
+    const std::string origin = orEmpty(sqlite3_column_origin_name(raw, each));
+    const auto original = named.find(origin);
+    if (original == named.end()) {
+      return fail(ErrorKind::Missing, path + ": " + found.table, "no such column: " + origin);
+    }
+    ColumnInfo column = *original->second;
+    column.name = sourceRows.columnName(each);
+    found.columns.push_back(std::move(column));
+    found.origins.push_back(origin);
+  }
+  return found;
+}
+
 /// Creates the table in memory. Its columns keep their declarations and with them their types and comparisons.
-Result<> Recordset::State::openCopy(Statement& sourceRows) {
+Result<engine::RecordsetShape> Recordset::State::copyShape(Statement& sourceRows) {
   auto opened = engine::openMemory();
   if (!opened) return fail(opened.error());
   memory = std::move(*opened);
-  schema = "main";
-  table = copyTableName;
+  engine::RecordsetShape found;
+  found.schema = "main";
+  found.table = copyTableName;
   auto first = sourceRows.step();
   if (!first) return fail(first.error());
   std::string declared;
+  engine::ByColumnName<int> taken;
   for (int each = 0; each < sourceRows.columnCount(); ++each) {
     const std::string declaration = orEmpty(sqlite3_column_decltype(sourceRows.handle_, each));
     const ColumnType stored = *first ? typeOfStored(sqlite3_column_type(sourceRows.handle_, each)) : ColumnType::Memo;
     ColumnInfo column = copiedColumn(sourceRows.columnName(each), declaration, stored);
     std::string name = column.name;
-    for (int copy = 1; columnIndexes.contains(name); ++copy) name = column.name + ":" + std::to_string(copy);
-    columnIndexes.emplace(name, origins.size());
+    for (int copy = 1; !taken.emplace(name, each).second; ++copy) name = column.name + ":" + std::to_string(copy);
     const bool compares = !declaration.empty() && engine::isTextual(column.type);
     declared +=
         (each == 0 ? "" : ", ") + engine::quoted(name) + " " + declaration + (compares ? " COLLATE NOCASE" : "");
-    columns.push_back(std::move(column));
-    origins.push_back(std::move(name));
+    found.columns.push_back(std::move(column));
+    found.origins.push_back(std::move(name));
   }
   sourceRows.reset();
   const int code = engine::run(memory.get(), std::string("CREATE TABLE ") + copyTableName + " (" + declared + ")");
-  if (code != SQLITE_OK) return fail(engine::errorOf(memory.get(), code, where()));
-  return {};
+  if (code != SQLITE_OK) return fail(engine::errorOf(memory.get(), code, path + ": " + found.table));
+  return found;
 }
 
 /// Copies the rows that the source gives now.
@@ -167,7 +210,7 @@ Result<> Recordset::State::refill() {
   if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
   Statement from(raw, path);
   std::string marks;
-  for (std::size_t each = 0; each < columns.size(); ++each) marks += each == 0 ? "?" : ",?";
+  for (std::size_t each = 0; each < shape->columns.size(); ++each) marks += each == 0 ? "?" : ",?";
   auto into = prepare(std::string("INSERT INTO ") + copyTableName + " VALUES (" + marks + ")");
   if (!into) return fail(into.error());
   engine::run(memory.get(), "BEGIN");
@@ -185,20 +228,10 @@ Result<> Recordset::State::refill() {
 }
 
 Result<> Recordset::State::prepareReading() {
-  std::string fields;
-  std::string named;
-  for (std::size_t each = 0; each < origins.size(); ++each) {
-    const std::string origin = engine::quoted(origins[each]);
-    fields += (each == 0 ? "" : ", ") + origin;
-    named += origin + " AS " + engine::quoted(memory ? origins[each] : columns[each].name) + ", ";
-  }
-  // The name after the parentheses lets a condition say "articoli.ID".
-  rowsSql = "SELECT kv_row FROM (SELECT " + named + "_rowid_ AS kv_row FROM " + qualifiedTable() + ") AS " +
-            engine::quoted(table) + " WHERE ";
-  auto fetching = prepare("SELECT " + fields + " FROM " + qualifiedTable() + " WHERE _rowid_ = ?1");
+  auto fetching = prepare(shape->fetchSql);
   if (!fetching) return fail(fetching.error());
   fetch = std::move(*fetching);
-  auto versioning = prepare("PRAGMA " + engine::quoted(schema) + ".data_version");
+  auto versioning = prepare(shape->versionSql);
   if (!versioning) return fail(versioning.error());
   version = std::move(*versioning);
   return {};
@@ -215,7 +248,7 @@ Result<> Recordset::State::readKeys() {
   if (memory) {
     if (auto filled = refill(); !filled) return filled;
   } else {
-    sql = keysSql(source);
+    sql = keysSql(source, *engine::singleTableOf(source));
   }
   auto list = prepare(sql);
   if (!list) return fail(list.error());

@@ -9,19 +9,10 @@
 
 #include "platform/database/engine.h"
 #include "platform/database/recordset.h"
+#include "platform/database/recordset_shape.h"
+#include "platform/database/sql_reader.h"
 
 namespace kv {
-
-/// Hash of a column name, equal for names that differ in case alone.
-struct ColumnNameHash {
-  using is_transparent = void;
-  std::size_t operator()(std::string_view name) const;
-};
-/// Whether two column names are equal, case ignored.
-struct ColumnNameEqual {
-  using is_transparent = void;
-  bool operator()(std::string_view a, std::string_view b) const;
-};
 
 /// All that a record set holds, so that its header needs nothing of the engine.
 struct Recordset::State {
@@ -32,14 +23,9 @@ struct Recordset::State {
   sqlite3* handle = nullptr;  ///< of the database the source was given to
   engine::Connection memory;  ///< holds the copy; null when the rows come from one table
   std::string path;
-  std::string source;                ///< a SELECT
-  std::string schema;                ///< "main" or an attached file
-  std::string table;                 ///< as the engine spells it
-  std::vector<ColumnInfo> columns;   ///< under the names of the source
-  std::vector<std::string> origins;  ///< the table's column of each
-  std::unordered_map<std::string, std::size_t, ColumnNameHash, ColumnNameEqual> columnIndexes;  ///< by name
-  std::string rowsSql;  ///< SELECT over all rows of the table under the source's names, with kv_row; no WHERE yet
-  Statement fetch;      ///< reads one row by its number
+  std::string source;  ///< a SELECT
+  std::shared_ptr<const engine::RecordsetShape> shape = std::make_shared<engine::RecordsetShape>();
+  Statement fetch;  ///< reads one row by its number
 
   // Where the cursor is. -1 is before the first row.
   std::vector<std::int64_t> keys;  ///< the engine's number of each row
@@ -67,16 +53,18 @@ struct Recordset::State {
   bool onRow() const { return cursor >= 0 && cursor < static_cast<std::ptrdiff_t>(keys.size()); }
   /// The number of the current row; the cursor is on one.
   std::int64_t key() const { return keys[static_cast<std::size_t>(cursor)]; }
-  std::string qualifiedTable() const { return engine::quoted(schema) + "." + engine::quoted(table); }
-  std::string where() const { return path + ": " + table; }
+  std::string qualifiedTable() const { return engine::quoted(shape->schema) + "." + engine::quoted(shape->table); }
+  std::string where() const { return path + ": " + shape->table; }
   Result<Statement> prepare(std::string_view sql) const;
 
   // Opening (recordset_open.cpp).
   Result<> open();
   Result<> readKeys();
   Result<> refill();
-  Result<> openTable(Statement& sourceRows);
-  Result<> openCopy(Statement& sourceRows);
+  Result<bool> openKnown(std::string_view head);
+  Result<> openNew(const std::optional<engine::TableSelect>& parts);
+  Result<engine::RecordsetShape> tableShape(Statement& sourceRows) const;
+  Result<engine::RecordsetShape> copyShape(Statement& sourceRows);
   Result<> prepareReading();
 
   // Finding (recordset_find.cpp).

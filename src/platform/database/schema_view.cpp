@@ -166,8 +166,7 @@ namespace engine {
 
 Result<std::vector<ColumnInfo>> readColumns(sqlite3* handle, std::string_view schema, std::string_view table) {
   sqlite3_stmt* list = nullptr;
-  const char* sql = "SELECT name, type, \"notnull\", dflt_value, pk FROM pragma_table_info(?1, ?2)";
-  int code = prepare(handle, sql, 0, &list);
+  int code = prepare(handle, columnsSql, 0, &list);
   if (code != SQLITE_OK) return fail(errorOf(handle, code, std::string(table)));
   const std::string schemaName(schema);
   const std::string tableName(table);

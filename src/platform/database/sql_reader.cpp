@@ -112,21 +112,27 @@ SqlToken SqlReader::next() {
   return token;
 }
 
-std::optional<std::string> singleTableOf(std::string_view select) {
+std::optional<TableSelect> singleTableOf(std::string_view select) {
+  TableSelect found;
   SqlReader reader(select);
   if (!reader.next().isWord("SELECT")) return std::nullopt;
   SqlToken token = reader.next();
   if (token.isWord("DISTINCT")) return std::nullopt;
-  while (!(token.depth == 0 && token.isWord("FROM"))) {
+  found.allColumns = token.isMark('*');
+  for (std::size_t tokens = 0; !(token.depth == 0 && token.isWord("FROM")); ++tokens) {
     if (token.kind == SqlToken::Kind::End) return std::nullopt;
+    found.allColumns = found.allColumns && tokens == 0;
     token = reader.next();
   }
+  found.from = token.position;
   auto table = readTableName(reader, token);
   if (!table) return std::nullopt;
+  found.table = std::move(*table);
+  found.end = token.position;
   for (; token.kind != SqlToken::Kind::End; token = reader.next()) {
     if (combinesRows(token)) return std::nullopt;
   }
-  return table;
+  return found;
 }
 
 bool isSelect(std::string_view source) {

@@ -45,9 +45,15 @@ class SqlReader {
   int depth_ = 0;
 };
 
-/// The table after FROM of a SELECT that takes its rows one by one from one table; empty for any other statement,
-/// such as a join, a union, DISTINCT or GROUP BY.
-std::optional<std::string> singleTableOf(std::string_view select);
+/// A SELECT that takes its rows one by one from one table. Positions are byte indexes in it.
+struct TableSelect {
+  std::string table;
+  std::size_t from = 0;     ///< of the word FROM
+  std::size_t end = 0;      ///< of what follows the table: WHERE, ORDER, LIMIT or the end
+  bool allColumns = false;  ///< nothing but "*" is asked for
+};
+/// The parts of such a SELECT; empty for any other statement, such as a join, a union, DISTINCT or GROUP BY.
+std::optional<TableSelect> singleTableOf(std::string_view select);
 
 /// Whether a record set's source is a statement rather than the name of a table.
 bool isSelect(std::string_view source);

@@ -57,7 +57,7 @@ Statement& Statement::operator=(Statement&& other) noexcept {
   return *this;
 }
 
-Statement::~Statement() { sqlite3_finalize(handle_); }
+Statement::~Statement() { engine::giveBack(handle_); }
 
 void Statement::bindNull(int index) { sqlite3_bind_null(handle_, index); }
 void Statement::bind(int index, bool value) { sqlite3_bind_int(handle_, index, value ? 1 : 0); }

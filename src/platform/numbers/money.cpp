@@ -22,22 +22,35 @@ Wide shiftedHalfEven(Wide value, int shift) {
   return whole;
 }
 
+constexpr int ten = 10;
+
+/// Puts digits at the end of a number; false when one of them is none.
+bool appendDigits(std::int64_t& count, std::string_view digits) {
+  for (const char c : digits) {
+    if (c < '0' || c > '9') return false;
+    count = count * ten + (c - '0');
+  }
+  return true;
+}
+
+constexpr std::size_t mostDigits = 14, decimals = 4;
+
+bool hasPlainLengths(std::string_view whole, std::string_view part) {
+  return !whole.empty() && whole.size() <= mostDigits && part.size() <= decimals;
+}
+
 /// The ten-thousandths of what most amounts are: digits with at most four decimals. Nothing for any other text.
 std::optional<std::int64_t> plainCount(std::string_view text) {
-  constexpr std::size_t mostDigits = 14, decimals = 4;
   const bool isNegative = text.starts_with('-');
   if (isNegative) text.remove_prefix(1);
   const std::size_t point = std::min(text.find('.'), text.size());
-  const std::size_t after = text.size() - std::min(point + 1, text.size());
-  if (point == 0 || point > mostDigits || after > decimals || (after == 0 && point < text.size())) return std::nullopt;
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view part = text.substr(std::min(point + 1, text.size()));
+  const bool endsAtPoint = part.empty() && point < text.size();
+  if (endsAtPoint || !hasPlainLengths(whole, part)) return std::nullopt;
   std::int64_t count = 0;
-  constexpr int ten = 10;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (at == point) continue;
-    if (text[at] < '0' || text[at] > '9') return std::nullopt;
-    count = count * ten + (text[at] - '0');
-  }
-  for (std::size_t at = after; at < decimals; ++at) count *= ten;
+  if (!(appendDigits(count, whole) && appendDigits(count, part))) return std::nullopt;
+  for (std::size_t at = part.size(); at < decimals; ++at) count *= ten;
   return isNegative ? -count : count;
 }
 

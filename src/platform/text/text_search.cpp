@@ -39,16 +39,15 @@ void appendReplacement(std::string& out, std::string_view replacement, const Gro
   for (std::size_t i = 0; i < replacement.size(); ++i) {
     const char c = replacement[i];
     const char next = i + 1 < replacement.size() ? replacement[i + 1] : '\0';
-    if ((c == '$' || c == '\\') && next >= '0' && next <= '9') {
+    const bool isSign = c == '$' || c == '\\';
+    if (isSign && next >= '0' && next <= '9') {
       const re2::StringPiece& group = groups[static_cast<std::size_t>(next - '0')];
       out.append(group.data() == nullptr ? "" : group.data(), group.size());
       ++i;
-    } else if ((c == '$' || c == '\\') && next == c) {
-      out += c;
-      ++i;
-    } else {
-      out += c;
+      continue;
     }
+    out += c;
+    if (isSign && next == c) ++i;
   }
 }
 

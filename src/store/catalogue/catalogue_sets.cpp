@@ -183,12 +183,14 @@ Result<> CatalogueSets::store(EditedSet set, std::string_view column, const Valu
     rows.cancelUpdate();
     return done;
   }
-  if (!isTitle) return {};
-  const std::string title = asText(value);
+  if (isTitle) showTitle(ID, asText(value));
+  return {};
+}
+
+void CatalogueSets::showTitle(const std::string& ID, const std::string& title) {
   const auto node = std::ranges::find(tree_, ID, &TreeNode::ID);
   if (node != tree_.end()) node->titolo = title;
   if (isHeard()) listener_->titleChanged(ID, title);
-  return {};
 }
 
 Result<> CatalogueSets::CostruisciAlbero(int mode) {

@@ -110,6 +110,8 @@ class CatalogueSets {
   void moveBack(std::size_t position);
   void takeFollowing(FollowingLists following);
   void tellFollowing();
+  /// The new title of a department, in the tree and for who listens.
+  void showTitle(const std::string& ID, const std::string& title);
   void setArticleCount(std::int64_t ofShop);
   void tellStatus();
   bool isHeard() const { return !suppressed_ && listener_ != nullptr; }

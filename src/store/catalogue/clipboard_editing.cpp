@@ -81,6 +81,54 @@ Result<std::int64_t> insertedRow(Database& catalogue, Statement& insert) {
   return asInteger(*number);
 }
 
+/// Writes a list with room for copies: a copy of the next row where it has no key, else the order that has changed.
+struct CopyWriter {
+  Database& catalogue;
+  Statement& insert;
+  const std::vector<std::int64_t>& rows;
+  std::vector<CopiedRow> copies;
+
+  Result<> write(const OrderedList& wanted, const std::vector<std::int64_t>& oldOrders) {
+    OrderWriter orders(catalogue, writeArticleOrder);
+    std::size_t old = 0;
+    for (std::size_t i = 0; i < wanted.keys.size(); ++i) {
+      Result<> done;
+      if (wanted.keys[i] == 0) {
+        done = copyNext(wanted.orders[i]);
+      } else if (wanted.orders[i] != oldOrders[old++]) {
+        done = orders.write(wanted.keys[i], wanted.orders[i]);
+      }
+      if (!done) return done;
+    }
+    return {};
+  }
+
+ private:
+  Result<> copyNext(std::int64_t order) {
+    const std::int64_t from = rows[copies.size()];
+    insert.bind(2, order);
+    insert.bind(3, from);
+    auto made = insertedRow(catalogue, insert);
+    if (!made) return fail(made.error());
+    copies.push_back({from, *made});
+    return {};
+  }
+};
+
+/// What is pasted with a department: its row in the clipboard, 0 for none, and whether its articles were copied.
+struct ClippedDepartment {
+  std::int64_t row = 0;
+  bool withArticles = false;
+};
+
+Result<ClippedDepartment> clippedDepartment(Database& catalogue) {
+  auto query = catalogue.prepare("SELECT rowid, incolla_articoli FROM clipcategorie LIMIT 1");
+  if (!query) return fail(query.error());
+  const auto found = query->step();
+  if (!found) return fail(found.error());
+  return *found ? ClippedDepartment{query->integer(0), query->flag(1)} : ClippedDepartment();
+}
+
 }  // namespace
 
 Result<> TreeEditing::copyArticles(const std::string& condition, const Value& value) {
@@ -130,11 +178,14 @@ Result<> TreeEditing::CopiaReparto() {
   }
   if (auto copied = copyDepartmentRow(catalogue, ID, withArticles); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
-  if (hooks_.StatoComando) {
-    if (withArticles) hooks_.StatoComando("incolla articolo", true);
-    hooks_.StatoComando("incolla categoria", true);
-  }
+  tellDepartmentCopied(withArticles);
   return {};
+}
+
+void TreeEditing::tellDepartmentCopied(bool withArticles) const {
+  if (!hooks_.StatoComando) return;
+  if (withArticles) hooks_.StatoComando("incolla articolo", true);
+  hooks_.StatoComando("incolla categoria", true);
 }
 
 /// Fills one row of a table with the carried columns of a row of its clipboard; rows by the engine's number.
@@ -171,26 +222,12 @@ Result<std::int64_t> TreeEditing::insertCopies(const CatalogueCursors& at, const
                                   " FROM " + source + " WHERE rowid = ?");
   if (!insert) return fail(insert.error());
   insert->bind(1, at.department);
-  OrderWriter orders(catalogue, writeArticleOrder);
-  std::vector<CopiedRow> copies;
-  std::size_t old = 0;
-  for (std::size_t i = 0; i < wanted.keys.size(); ++i) {
-    Result<> done;
-    if (wanted.keys[i] == 0) {
-      insert->bind(2, wanted.orders[i]);
-      insert->bind(3, rows[copies.size()]);
-      auto made = insertedRow(catalogue, *insert);
-      if (!made) return made;
-      copies.push_back({rows[copies.size()], *made});
-    } else if (wanted.orders[i] != oldOrders[old++]) {
-      done = orders.write(wanted.keys[i], wanted.orders[i]);
-    }
-    if (!done) return fail(done.error());
-  }
+  CopyWriter writer{catalogue, *insert, rows, {}};
+  if (auto written = writer.write(wanted, oldOrders); !written) return fail(written.error());
   const bool clipped = source == "cliparticoli";
-  auto sides = clipped ? copySideRowsFromClipboard(catalogue, copies) : copySideRows(catalogue, copies);
+  auto sides = clipped ? copySideRowsFromClipboard(catalogue, writer.copies) : copySideRows(catalogue, writer.copies);
   if (!sides) return fail(sides.error());
-  return copies.empty() ? 0 : copies.back().to;
+  return writer.copies.empty() ? 0 : writer.copies.back().to;
 }
 
 /// Whether the articles of the clipboard are to be pasted: there are some, and of several the merchant says so.
@@ -220,13 +257,10 @@ Result<> TreeEditing::IncollaArticoli() {
 }
 
 Result<> TreeEditing::IncollaReparto() {
-  Database& catalogue = sets_.session().catalogue;
-  auto clipped = catalogue.scalar("SELECT rowid FROM clipcategorie LIMIT 1");
+  auto clipped = clippedDepartment(sets_.session().catalogue);
   if (!clipped) return fail(clipped.error());
-  if (isNull(*clipped)) return {};
-  auto withArticles = catalogue.scalar("SELECT incolla_articoli FROM clipcategorie LIMIT 1");
-  if (!withArticles) return fail(withArticles.error());
-  auto wanted = asFlag(*withArticles) ? wantsArticles() : Result<bool>(false);
+  if (clipped->row == 0) return {};
+  auto wanted = clipped->withArticles ? wantsArticles() : Result<bool>(false);
   if (!wanted) return fail(wanted.error());
   std::optional<WaitPointer> pointer;
   if (*wanted) pointer.emplace(hooks_);
@@ -234,10 +268,9 @@ Result<> TreeEditing::IncollaReparto() {
   if (!change.begun()) return change.begun();
   auto made = sets_.onDepartment() ? NuovoReparto(false) : addUnderCurrent();
   if (!made) return fail(made.error());
-  if (auto filled = fill("categorie", "clipcategorie", asInteger(*clipped), made->contatore); !filled) return filled;
-  if (*wanted) {
-    if (auto pasted = pasteArticles({made->ID, 0}); !pasted) return fail(pasted.error());
-  }
+  if (auto filled = fill("categorie", "clipcategorie", clipped->row, made->contatore); !filled) return filled;
+  auto pasted = *wanted ? pasteArticles({made->ID, 0}) : Result<std::int64_t>(0);
+  if (!pasted) return fail(pasted.error());
   return change.keepAndShow(made->ID, *wanted);
 }
 

@@ -41,6 +41,13 @@ std::vector<std::int64_t> inOrder(const std::vector<std::int64_t>& keys, const A
   return kept;
 }
 
+/// Whether a department is in the catalogue, and not the current one.
+Result<bool> isOtherDepartment(Database& catalogue, const std::string& department, const std::string& current) {
+  auto known = scalarWith(catalogue, "SELECT COUNT(*) FROM categorie WHERE ID = ?", {Value(department)});
+  if (!known) return fail(known.error());
+  return asInteger(*known) != 0 && department != current;
+}
+
 }  // namespace
 
 Result<> TreeEditing::EliminaArticoli(const ArticleGroup& group) {
@@ -122,9 +129,9 @@ Result<> TreeEditing::SpostaInReparto(const ArticleGroup& group, const std::stri
   auto at = sets_.cursors();
   if (!at) return fail(at.error());
   Database& catalogue = sets_.session().catalogue;
-  auto known = scalarWith(catalogue, "SELECT COUNT(*) FROM categorie WHERE ID = ?", {Value(department)});
-  if (!known) return fail(known.error());
-  if (asInteger(*known) == 0 || department == at->department) return {};
+  auto other = isOtherDepartment(catalogue, department, at->department);
+  if (!other) return fail(other.error());
+  if (!*other) return {};
   const WaitPointer pointer(hooks_);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();

@@ -50,8 +50,8 @@ std::string cellText(const Cell& cell, ColumnType type) {
     return std::to_string(*number);
   }
   if (const auto* real = std::get_if<double>(&cell)) return replaceAll(asText(Value(*real)), ".", ",");
-  if (const auto* text = std::get_if<std::string>(&cell)) return "\"" + shortText(*text) + "\"";
-  return std::holds_alternative<Bytes>(cell) ? "dati" : "vuoto";
+  if (const auto* text = std::get_if<BoxedText>(&cell)) return "\"" + shortText(**text) + "\"";
+  return std::holds_alternative<BoxedBytes>(cell) ? "dati" : "vuoto";
 }
 
 /// The tables of the catalogue as they are, each asked for once.

@@ -29,12 +29,12 @@ void putCell(std::string& out, const Cell& cell) {
     std::memcpy(&bits, real, sizeof bits);
     putNumber(out, RealCell);
     putNumber(out, bits);
-  } else if (const auto* text = std::get_if<std::string>(&cell)) {
+  } else if (const auto* text = std::get_if<BoxedText>(&cell)) {
     putNumber(out, TextCell);
-    putText(out, *text);
-  } else if (const auto* bytes = std::get_if<Bytes>(&cell)) {
+    putText(out, **text);
+  } else if (const auto* bytes = std::get_if<BoxedBytes>(&cell)) {
     putNumber(out, BytesCell);
-    putText(out, std::string(bytes->begin(), bytes->end()));
+    putText(out, std::string((*bytes)->begin(), (*bytes)->end()));
   } else {
     putNumber(out, NullCell);
   }

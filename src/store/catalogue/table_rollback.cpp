@@ -74,6 +74,11 @@ Result<> restoreCopies(Database& catalogue, Names tables) {
   });
 }
 
+void releaseSession(Session& session, const Environment& env) {
+  if (session.bound && env.hooks.release) env.hooks.release(session);
+  session.bound = false;
+}
+
 }  // namespace
 
 Result<bool> TableRollback::guarded(Tables tables, const TableDialog& dialog) {
@@ -90,8 +95,7 @@ Result<bool> TableRollback::run(Tables tables, const TableDialog& dialog) {
   auto ended = dialog();
   const bool reload = !ended && ended.error().number == outOfMemory;
   if (reload) {
-    if (session.bound && env_.hooks.release) env_.hooks.release(session);
-    session.bound = false;
+    releaseSession(session, env_);
     ended = dialog();
   }
   const bool committed = ended && *ended;

@@ -141,6 +141,8 @@ class TreeEditing {
                                     const std::vector<std::int64_t>& rows);
   /// Articles can be pasted now, and the department that was copied before no longer.
   void tellArticlesCopied() const;
+  /// A department can be pasted now, and articles when it was copied with its own.
+  void tellDepartmentCopied(bool withArticles) const;
 
   // Whole commands that the public ones are made of, and their questions.
   Result<> insertArticle(bool after);

@@ -40,13 +40,21 @@ Result<> UndoHistory::record(const std::string& name, const std::function<Result
   }
   auto before = sets_.cursors();
   if (!before) return fail(before.error());
-  return recordWatched({name, {}, *before, {}, 0}, command);
+  Step step;
+  step.name = name;
+  step.before = std::move(*before);
+  return recordWatched(std::move(step), command);
+}
+
+void UndoHistory::noteFiles(FileEdits edits) {
+  if (recorder_ != nullptr && depth_ > 0) addFileEdits(files_, std::move(edits));
 }
 
 Result<> UndoHistory::recordWatched(Step step, const std::function<Result<>()>& command) {
   ++depth_;
   auto outcome = command();
   --depth_;
+  step.files = std::exchange(files_, {});
   // A command that changed the shop has ended this history.
   if (recorder_ == nullptr) return outcome;
   auto changes = recorder_->take();
@@ -54,8 +62,11 @@ Result<> UndoHistory::recordWatched(Step step, const std::function<Result<>()>& 
     clear();
     return outcome ? Result<>(fail(changes.error())) : outcome;
   }
-  if (changes->empty()) return outcome;
-  if (!outcome && recorder_->revert(*changes)) return outcome;
+  if (!outcome && recorder_->revert(*changes)) {
+    if (exchangeFiles(step.files, true)) return outcome;
+    changes->clear();
+  }
+  if (changes->empty() && step.files.empty()) return outcome;
   step.changes = std::move(*changes);
   step.after = sets_.cursors().value_or(step.before);
   keep(std::move(step));
@@ -65,6 +76,7 @@ Result<> UndoHistory::recordWatched(Step step, const std::function<Result<>()>& 
 void UndoHistory::keep(Step step) {
   ++changes_;
   for (const RowChange& change : step.changes) step.size += sizeInMemory(change);
+  for (const FileEdit& file : step.files) step.size += file.before.value_or("").size() + file.after.value_or("").size();
   size_ += step.size;
   undone_.clear();
   if (listener_ != nullptr) listener_->stepDone(step.name, step.changes);
@@ -95,15 +107,17 @@ Result<> UndoHistory::move(std::deque<Step>& from, std::deque<Step>& to, bool ba
   return {};
 }
 
-/// Puts the rows of a step back or forward and shows them; all of it or nothing.
+/// Puts the rows and files of a step back or forward and shows them; all of it or nothing.
 Result<> UndoHistory::exchange(const Step& step, bool back) {
   Session& session = sets_.session();
   if (auto begun = session.catalogue.begin(); !begun) return begun;
   auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
   auto lists = moved ? readShown(back ? step.before : step.after) : Result<CatalogueLists>(fail(moved.error()));
-  if (!lists) session.catalogue.rollback();
-  Result<> kept = lists ? session.catalogue.commit() : Result<>(fail(lists.error()));
+  const Result<> exchanged = lists ? exchangeFiles(step.files, back) : Result<>(fail(lists.error()));
+  if (!exchanged) session.catalogue.rollback();
+  Result<> kept = exchanged ? session.catalogue.commit() : exchanged;
   if (!kept) {
+    if (exchanged) ignore(exchangeFiles(step.files, !back), "the first failure is the one to report");
     if (refresh_) ignore(refresh_(), "the first failure is the one to report");
     return kept;
   }

@@ -1,6 +1,7 @@
 #pragma once
 // Undo and redo of what the merchant did to the catalogue: each command is a step with its name, kept as images of the
-// rows it changed. Kept for the session; a change of shop clears it. The clipboard is not the history's matter.
+// rows it changed, with the files it wrote. Kept for the session; a change of shop clears it. The clipboard is not the
+// history's matter.
 
 #include <cstdint>
 #include <deque>
@@ -11,6 +12,7 @@
 
 #include "platform/database/changes.h"
 #include "store/catalogue/catalogue_sets.h"
+#include "store/catalogue/file_edits.h"
 
 namespace kv {
 
@@ -57,6 +59,10 @@ class UndoHistory {
   /// `name` is what the menu entries of undo and redo show. Without begin() the command just runs.
   Result<> record(const std::string& name, const std::function<Result<>()>& command);
 
+  /// Files that the running command has written: they go back and forward with its rows, and make a step by themselves.
+  /// Nothing is kept outside of a command. The listener is told of a step's rows alone.
+  void noteFiles(FileEdits edits);
+
   bool canUndo() const { return !done_.empty(); }
   bool canRedo() const { return !undone_.empty(); }
   /// The name of the step that would be undone or done again; empty when there is none.
@@ -67,8 +73,8 @@ class UndoHistory {
   std::uint64_t changes() const { return changes_; }
 
   /// Undoes the last step, or does it again; the sets are read again, and the cursors are where they were before or
-  /// after it. Malformed when somebody else changed the rows meanwhile: the history is cleared then. Any other failure
-  /// leaves rows, sets and history as they were.
+  /// after it. Malformed when somebody else changed the rows or the files meanwhile: the history is cleared then. Any
+  /// other failure leaves rows, files, sets and history as they were.
   /// Nothing happens, and there is no failure, when there is no such step.
   Result<> undo();
   Result<> redo();
@@ -80,7 +86,8 @@ class UndoHistory {
     std::string name;                ///< as given to record()
     RowChanges changes;              ///< the rows before and after
     CatalogueCursors before, after;  ///< where the cursors were
-    std::size_t size = 0;            ///< bytes of its row images
+    FileEdits files;                 ///< the files before and after
+    std::size_t size = 0;            ///< bytes of its row images and files
   };
   /// Runs the command and turns what the recorder saw into a step.
   Result<> recordWatched(Step step, const std::function<Result<>()>& command);
@@ -101,6 +108,7 @@ class UndoHistory {
   std::deque<Step> done_, undone_;            ///< the newest last
   std::size_t size_ = 0;                      ///< bytes of the steps done
   std::uint64_t changes_ = 0;                 ///< since begin()
+  FileEdits files_;                           ///< written by the command that runs
   int depth_ = 0;                             ///< commands running inside one another
 };
 

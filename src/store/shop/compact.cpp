@@ -1,5 +1,7 @@
 #include "store/shop/compact.h"
 
+#include <algorithm>
+
 #include "platform/files/files.h"
 #include "platform/files/private_file.h"
 #include "platform/numbers/number_format.h"
@@ -12,7 +14,9 @@ constexpr int sessionsBetween = 9;  // the close that reads this number compacts
 
 // Counts this close; true when it is the one that compacts.
 bool isTurn(Settings& settings) {
-  const auto times = static_cast<std::int64_t>(leadingNumber(settings.get(settingsSection, "Times")));
+  constexpr double most = 1e6;  // whatever a hand has written
+  const double noted = leadingNumber(settings.get(settingsSection, "Times"));
+  const auto times = static_cast<std::int64_t>(std::clamp(noted, -most, most));
   if (!settings.set(settingsSection, "Times", trimmedNumber(times + 1)) || times < sessionsBetween) return false;
   if (!settings.set(settingsSection, "Times", "0")) return false;
   return settings.get(settingsSection, "Compact") != "0";

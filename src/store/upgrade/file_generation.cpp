@@ -2,6 +2,7 @@
 #include <span>
 
 #include "platform/files/files.h"
+#include "platform/files/private_file.h"
 #include "platform/text/text.h"
 #include "store/shop/backup_copies.h"
 #include "store/shop/shop_folders.h"
@@ -53,7 +54,7 @@ Result<> keepFile(const std::string& file, std::string_view name, const std::str
   for (int number = 2; fileExists(path) && readBytes(path).value_or("") != *bytes; ++number) {
     path = wanted + "-" + std::to_string(number);
   }
-  if (auto written = writeBytes(path, *bytes); !written) return written;
+  if (auto written = writePrivateBytes(path, *bytes); !written) return written;
   upgrade.kept.push_back(path);
   return {};
 }
