@@ -194,6 +194,7 @@ TEST_F(TheShipping, TheSwitchesAreStoredAtOnce) {
 TEST_F(TheShipping, OkAloneStoresTheZoneOfThePreselectedCountry) {
   EXPECT_TRUE(editor.preselectCountry("2"));
   EXPECT_EQ(field("SELECT paesesel || ' ' || zonasel FROM pagamento"), "2 1");
+  EXPECT_EQ(field("SELECT typeof(paesesel) FROM pagamento"), "integer");
   EXPECT_TRUE(editor.accept().closed);
   EXPECT_EQ(field("SELECT zonasel FROM pagamento"), "2");
   EXPECT_EQ(said(), "");

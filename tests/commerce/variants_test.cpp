@@ -266,6 +266,13 @@ TEST_F(TheVariants, RowsOfASpreadsheetBecomeOptions) {
   EXPECT_EQ(optionText(*variant), "S|Piccola|-1,5|\nL|Grande|1234,5|0,75\nXL|||\n");
 }
 
+TEST_F(TheVariants, PastedNumbersAreReadInEitherNotation) {
+  const auto variant = editor.addVariant();
+  ASSERT_TRUE(variant);
+  EXPECT_TRUE(editor.pasteOptions(*variant, "a\t\t1,234.50\t12.5\nb\t\t1.250\t0.125\nc\t\t-1,234.50\t€ 2\n"));
+  EXPECT_EQ(optionText(*variant), "a||1234,5|12,5\nb||1250|0,125\nc||-1234,5|2\n");
+}
+
 TEST_F(TheVariants, APastedRowWithoutANumberAddsNothing) {
   const std::string before = tables();
   EXPECT_FALSE(editor.pasteOptions(smalto, "S\tPiccola\t1\nM\tMedia\tmolto\n"));

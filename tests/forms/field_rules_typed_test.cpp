@@ -207,7 +207,9 @@ TEST_F(TypedFields, PercentsAboveAHundredAreAHundredAndNoNumberIsZero) {
     EXPECT_EQ(typing(set, column, "100,01"), "100") << column;
     leave(line(set, column));
     EXPECT_EQ(typed(set, column, "99,5"), "99,5") << column;
+    EXPECT_EQ(mark(set, column), "") << column;
     EXPECT_EQ(typed(set, column, ",,"), "0") << column;
+    EXPECT_EQ(mark(set, column), "\",,\" non è un numero: il valore è ora 0.") << column;
     EXPECT_EQ(stored(column, from), "0") << column;
   }
 }
@@ -217,7 +219,9 @@ TEST_F(TypedFields, AnAmountFallsBackToItsLastGoodValueAndTakesTheFormOfANumber)
   for (const char* column : {"minimo", "importo"}) {
     EXPECT_EQ(typed(Generale, column, "007,50"), "7,5") << column;
     EXPECT_EQ(typing(Generale, column, "3,5,"), "3,5") << column << ": the second separator makes it no number";
+    EXPECT_EQ(mark(Generale, column), "\"3,5,\" non è un numero: è rimasto il valore precedente.") << column;
     leave(line(Generale, column));
+    EXPECT_NE(mark(Generale, column), "") << column << ": it stays until the field is typed into again";
     EXPECT_EQ(rows("SELECT " + std::string(column) + " FROM generale"), "35000") << column;
   }
   EXPECT_EQ(typed(Generale, "qminima", "007"), "7");

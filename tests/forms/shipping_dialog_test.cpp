@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QRadioButton>
 #include <QTabBar>
 #include <QTabWidget>
@@ -12,6 +14,7 @@
 #include "captions.h"
 #include "commerce/shipping/frm_spedizione.h"
 #include "dialog_fixture.h"
+#include "platform/qt/frm_field_mark.h"
 
 namespace kv {
 namespace {
@@ -60,6 +63,7 @@ TEST_F(TheShippingDialog, NamesEveryControlAndHasOkAsItsDefault) {
             "");
   for (int page = 0; page < pages->count(); ++page) {
     pages->setCurrentIndex(page);
+    EXPECT_EQ(test::repeatedKeys(*dialog), "") << page;
     test::keepPicture(*dialog, "shipping" + std::to_string(page));
   }
 }
@@ -162,6 +166,40 @@ TEST_F(TheShippingDialog, ACostTakesTheCharactersOfANumberAloneAndIsStoredWhenLe
   EXPECT_EQ(line("m1sp1")->text(), "12,5");
 }
 
+TEST_F(TheShippingDialog, APastedCostIsReadInEitherNotationAndSaysWhatIsUncertain) {
+  goToCosts();
+  auto* cost = line("m1sp1");
+  const auto paste = [&](const char* text) {
+    QApplication::clipboard()->setText(QString::fromUtf8(text));
+    cost->setFocus(Qt::TabFocusReason);
+    cost->selectAll();
+    QTest::keyClick(cost, Qt::Key_V, Qt::ControlModifier);
+    const auto* mark = cost->findChild<FieldMark*>();
+    const std::string said = mark == nullptr ? std::string() : fromQt(mark->reason());
+    QTest::keyClick(cost, Qt::Key_Tab);
+    return stored("m1sp1", "zona1") + "|" + said;
+  };
+  EXPECT_EQ(paste("12.50"), "12.5|");
+  EXPECT_EQ(paste("€ 1,234.50\n"), "1234.5|");
+  EXPECT_EQ(paste("1.250"), "1250|\"1.250\" è stato letto come 1250. Se era 1,250, correggerlo.");
+  EXPECT_FALSE(cost->findChild<FieldMark*>()->reason().isEmpty()) << "it stays until the field is changed";
+  EXPECT_EQ(paste("12 pezzi"), "1250|\"12 pezzi\" non è un numero: è rimasto il valore precedente.");
+  EXPECT_EQ(paste("1,2,3"), "1250|\"1,2,3\" non è un numero: è rimasto il valore precedente.");
+  EXPECT_EQ(paste("7,5"), "7.5|");
+}
+
+TEST_F(TheShippingDialog, ThePointOfTheKeypadTypesTheDecimalSeparator) {
+  goToCosts();
+  auto* cost = line("m1sp1");
+  cost->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(cost, Qt::Key_7);
+  QTest::keyClick(cost, Qt::Key_Period, Qt::KeypadModifier);
+  QTest::keyClick(cost, Qt::Key_5);
+  QTest::keyClick(cost, Qt::Key_Tab);
+  EXPECT_EQ(cost->text(), "7,5");
+  EXPECT_EQ(stored("m1sp1", "zona1"), "7.5");
+}
+
 TEST_F(TheShippingDialog, WhatIsTypedBelongsToTheZoneThatWasShown) {
   goToCosts();
   auto* tabs = control<QTabBar>(*dialog, "tabZone");
@@ -211,6 +249,17 @@ TEST_F(TheShippingDialog, AnOrderIsTriedWithTheTablesAsTheyAreTyped) {
   QTest::keyClick(country, Qt::Key_Down);
   EXPECT_EQ(fromQt(line("txtProva")->text()), "Questo metodo non è ammesso per il paese scelto");
   test::keepPicture(*dialog, "shipping_trial");
+}
+
+TEST_F(TheShippingDialog, GapsOfTheTablesAreNamedBesideTheTrial) {
+  auto* gaps = control<QListWidget>(*dialog, "lstAvvisi");
+  pages->setCurrentIndex(3);
+  EXPECT_EQ(gaps->count(), 0);
+  goToCosts();
+  ASSERT_TRUE(session.catalogue.execute("UPDATE zona3 SET pag2 = 0"));
+  pages->setCurrentIndex(3);
+  ASSERT_EQ(gaps->count(), 1);
+  EXPECT_EQ(fromQt(gaps->item(0)->text()), "Zona 3: nessun metodo è ammesso");
 }
 
 TEST_F(TheShippingDialog, EnterStoresTheFieldAndCloses) {

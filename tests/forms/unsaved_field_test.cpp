@@ -12,8 +12,10 @@ using enum EditedSet;
 class UnsavedField : public DrivenWindow {
  protected:
   /// Types a title for the first article while the disk is full, and goes to another field.
-  void typeOnFullDisk(const QString& title) {
-    FailingStore full(1, AfterFailure::FailsToo, FailingStore::fullDisk);
+  void typeOnFullDisk(const QString& title) { typeWhileFailing(title, FailingStore::fullDisk); }
+  /// The same while each change of a row fails with a code of the engine.
+  void typeWhileFailing(const QString& title, int code) {
+    FailingStore full(1, AfterFailure::FailsToo, code);
     full.onlyFor("UPDATE");
     goTab(Tab::Articles);
     type(line(Articoli, "titolo"), title);
@@ -33,10 +35,29 @@ TEST_F(UnsavedField, TheTextStaysWithAMarkAndIsSavedWhenThereIsRoomAgain) {
   EXPECT_EQ(line(Articoli, "titolo").accessibleDescription(), QString::fromStdString(reason()));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_NE(scalar("SELECT titolo FROM articoli WHERE ID = 1"), "Aurora");
+  EXPECT_EQ(fromQt(cell(0, ArticleModel::Title)), scalar("SELECT titolo FROM articoli WHERE ID = 1"));
   goArticle(1);
   EXPECT_EQ(scalar("SELECT titolo FROM articoli WHERE ID = 1"), "Aurora");
   EXPECT_EQ(reason(), "");
   EXPECT_EQ(user.shown.size(), 1U);
+}
+
+TEST_F(UnsavedField, AStoreThatCannotBeWrittenOrOpenedKeepsTheTextAsAFullDiskDoes) {
+  open();
+  goArticle(0);
+  constexpr int readOnly = 8;     // SQLITE_READONLY
+  constexpr int cannotOpen = 14;  // SQLITE_CANTOPEN
+  for (const int code : {readOnly, cannotOpen}) {
+    const std::string title = "Aurora " + std::to_string(code);
+    typeWhileFailing(QString::fromStdString(title), code);
+    EXPECT_EQ(shownTitle(), title);
+    EXPECT_TRUE(reason().starts_with("Non salvato. Titolo: ")) << reason();
+    EXPECT_NE(scalar("SELECT titolo FROM articoli WHERE ID = 1"), title);
+    goArticle(1);
+    EXPECT_EQ(scalar("SELECT titolo FROM articoli WHERE ID = 1"), title);
+    goArticle(0);
+    EXPECT_EQ(reason(), "");
+  }
 }
 
 TEST_F(UnsavedField, EscapeGivesTheTextUpAndTheRowIsShownAgain) {

@@ -65,6 +65,7 @@ TEST_F(TheVariantsDialog, ShowsTheVariantOfTheSlotWithItsOptions) {
   EXPECT_TRUE(isOn("cmdDuplica") && isOn("cmdElimina") && isOn("cmdAdd"));
   EXPECT_EQ(test::defaultButton(*dialog), "OK");
   EXPECT_EQ(test::namelessControls(*dialog), "");
+  EXPECT_EQ(test::repeatedKeys(*dialog), "");
   EXPECT_EQ(test::missingCaptions(*dialog, {"Visualizza automaticamente la differenza di prezzo",
                                             "Mostra il segno \"+\" davanti alle differenze positive"}),
             "");
@@ -212,6 +213,31 @@ TEST_F(TheVariantsDialog, SignsDependOnTheDifferencesAndOkStoresBoth) {
   EXPECT_EQ(dialog->tag(), "OK");
   EXPECT_EQ(stored("nodiff || showsigns"), "11");
   EXPECT_EQ(dialog->lblID(), 2);
+}
+
+TEST_F(TheVariantsDialog, TheButtonOfUsesCountsTheArticles) {
+  const auto button = [this] { return control<QPushButton>(*dialog, "cmdUso"); };
+  const auto use = [this](const char* articles) {
+    for (const char* slot : {"opzione1", "opzione2", "opzione3", "opzione4"}) {
+      for (const char* list : {"", "_1", "_2", "_3", "_4", "_5", "_6", "_7", "_8", "_9"}) {
+        ASSERT_TRUE(session.catalogue.execute(std::string("UPDATE articoli SET ") + slot + list + " = 1"));
+      }
+    }
+    ASSERT_TRUE(session.catalogue.execute(
+        std::string("UPDATE articoli SET opzione4_9 = 3 WHERE ID IN (SELECT ID FROM articoli ORDER BY ID LIMIT ") +
+        articles + ")"));
+    QTest::keyClick(variants, Qt::Key_Up);
+    QTest::keyClick(variants, Qt::Key_Down);
+  };
+  QTest::keyClick(variants, Qt::Key_Down);
+  use("0");
+  EXPECT_EQ(fromQt(button()->text()), "&Usata in 0 articoli");
+  EXPECT_FALSE(button()->isEnabled());
+  use("1");
+  EXPECT_EQ(fromQt(button()->text()), "&Usata in 1 articolo");
+  EXPECT_TRUE(button()->isEnabled());
+  use("3");
+  EXPECT_EQ(fromQt(button()->text()), "&Usata in 3 articoli");
 }
 
 TEST_F(TheVariantsDialog, TheListOfUsesLeadsToAnArticleAndKeepsTheSlot) {

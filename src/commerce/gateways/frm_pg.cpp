@@ -24,7 +24,8 @@ frmPG::frmPG(Session& session, Environment& env, const GatewayModule& module, co
       session_(session),
       env_(env),
       account_(GatewayAccount::load(session, module)),
-      shopAddress_(hooks.shopAddress) {
+      shopAddress_(hooks.shopAddress),
+      written_(hooks.written) {
   setObjectName(toQt(module.dialog));
   auto* form = new QFormLayout();
   if (module.hasModes()) addModes(*form, hooks);
@@ -203,11 +204,12 @@ void frmPG::showAddresses() {
 }
 
 void frmPG::accepted() {
-  const auto saved = account_.save(session_);
+  auto saved = account_.save(session_);
   if (!saved) {
     env_.user.message(failureText(saved.error()), Icon::Exclamation);
     return;
   }
+  if (written_) written_(std::move(*saved));
   finish("OK");
 }
 

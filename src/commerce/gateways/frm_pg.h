@@ -20,6 +20,7 @@ struct GatewayHooks {
   std::function<void()> passwords;   ///< opens the list of one-time passwords (cmdPwd); empty: its button is off
   HelpOpener help;                   ///< empty: no help
   std::function<void()> language{};  ///< tells of the visitor's language (cmdLingua); empty: its button is off
+  std::function<void(FileEdits)> written{};  ///< told of the files that OK has changed, for undo; empty: nobody is told
 };
 
 /// The tag is "OK" when the module's files have been written.
@@ -49,6 +50,7 @@ class frmPG final : public FormDialog {
   Environment& env_;
   GatewayAccount account_;
   std::string shopAddress_;
+  std::function<void(FileEdits)> written_;
   // Controls; Qt owns them.
   std::vector<std::pair<std::string, QLineEdit*>> secrets_;  ///< by key
   std::vector<QLineEdit*> addresses_;                        ///< notice, success, failure

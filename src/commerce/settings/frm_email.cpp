@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMimeData>
@@ -12,13 +13,19 @@
 namespace kv {
 namespace {
 
-/// A field that takes what the rules accept, typed, pasted or dropped.
+/// A field that takes what the rules accept, typed, composed, pasted or dropped.
 class MailField final : public QPlainTextEdit {
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     const std::string typed = fromQt(event->text());
     if (!typed.empty() && acceptedMailText(typed).empty()) return;
     QPlainTextEdit::keyPressEvent(event);
+  }
+  // Dead keys and input methods commit text without a key event.
+  void inputMethodEvent(QInputMethodEvent* event) override {
+    event->setCommitString(toQt(acceptedMailText(fromQt(event->commitString()))), event->replacementStart(),
+                           event->replacementLength());
+    QPlainTextEdit::inputMethodEvent(event);
   }
   void insertFromMimeData(const QMimeData* source) override {
     insertPlainText(toQt(acceptedMailText(fromQt(source->text()))));

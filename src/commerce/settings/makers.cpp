@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 #include "store/catalogue/side_fields.h"
 
@@ -63,7 +64,7 @@ std::string MakerEditor::line(std::size_t maker) const {
 void MakerEditor::remove(std::size_t maker) { makers_.erase(makers_.begin() + static_cast<std::ptrdiff_t>(maker)); }
 
 void MakerEditor::set(std::size_t maker, std::size_t field, std::string_view text) {
-  makers_[maker].texts[field] = trim(text);
+  makers_[maker].texts[field] = trim(singleLine(text));
 }
 
 std::optional<MakerFault> MakerEditor::fault() const {

@@ -77,7 +77,7 @@ QWidget* ShippingCountriesPage::makeAdding() {
   cboAggiungi_->installEventFilter(this);
   cboAggiungi_->lineEdit()->installEventFilter(this);
   cmdAggiungi_ = named(new QPushButton(toQt("&Aggiungi")), "cmdAggiungi");
-  auto* cmdElimina = named(new QPushButton(toQt("&Elimina")), "cmdElimina");
+  auto* cmdElimina = named(new QPushButton(toQt("E&limina")), "cmdElimina");
   for (QPushButton* button : {cmdAggiungi_, cmdElimina}) button->setAutoDefault(false);
   cmdAggiungi_->setEnabled(false);
   auto* side = new QWidget();

@@ -38,7 +38,7 @@ ShippingTrialPage::ShippingTrialPage(Session& session, ShippingEditor& editor, c
   column->addWidget(labelFor("Da c&ontrollare:", lstAvvisi_));
   column->addWidget(lstAvvisi_, 1);
   for (NumberLine* line : {txtProvaImporto_, txtProvaPeso_}) {
-    line->setText(QStringLiteral("0"));
+    line->load(QStringLiteral("0"));
     connect(line, &QLineEdit::textChanged, this, &ShippingTrialPage::answer);
   }
   for (QComboBox* box : {cboProvaPaese_, cboProvaMetodo_}) {

@@ -149,11 +149,11 @@ void ShippingZonesPage::storeTyped() {
 
 void ShippingZonesPage::leave(const Cost& cost) {
   const std::string shown = editor_.leaveNumber(shownZone_, cost.column, fromQt(cost.line->text()));
-  cost.line->setText(toQt(shown));
+  cost.line->load(toQt(shown));
 }
 
 void ShippingZonesPage::showZone() {
-  for (const Cost& cost : costs_) cost.line->setText(toQt(editor_.number(shownZone_, cost.column)));
+  for (const Cost& cost : costs_) cost.line->load(toQt(editor_.number(shownZone_, cost.column)));
   for (const auto& [number, box] : allowed_) box->setChecked(editor_.isAllowed(shownZone_, number));
   for (std::size_t i = 0; i < chkIvaOk_.size(); ++i) {
     const int zone = static_cast<int>(i) + 1;

@@ -48,7 +48,7 @@ QWidget* frmSpedizione::makePreselection() {
   auto* row = new QHBoxLayout(group);
   row->addWidget(labelFor("Pa&gamento/spedizione:", cboPagamento_));
   row->addWidget(cboPagamento_, 1);
-  row->addWidget(labelFor("Pae&se preselezionato:", cboPaese_));
+  row->addWidget(labelFor("Paese preselezio&nato:", cboPaese_));
   row->addWidget(cboPaese_, 1);
   connect(cboPagamento_, &QComboBox::activated, this, [this](int index) {
     ignore(editor_.preselectMethod(cboPagamento_->itemData(index).toInt()), "the list shows what is stored");
@@ -66,9 +66,9 @@ QWidget* frmSpedizione::makeSettings(char decimalSeparator) {
   keys.decimalSeparator = decimalSeparator;
   keys.spaces = true;
   txtIvaSpese_ = named(new NumberLine(keys), "txtIvaSpese");
-  txtIvaSpese_->setText(toQt(editor_.vatRate()));
+  txtIvaSpese_->load(toQt(editor_.vatRate()));
   connect(txtIvaSpese_, &QLineEdit::editingFinished, this,
-          [this] { txtIvaSpese_->setText(toQt(editor_.leaveVatRate(fromQt(txtIvaSpese_->text())))); });
+          [this] { txtIvaSpese_->load(toQt(editor_.leaveVatRate(fromQt(txtIvaSpese_->text())))); });
   chkAlfabetico_ = named(new QCheckBox(toQt(shippingAlphabetic)), "chkAlfabetico");
   chkAlfabetico_->setChecked(editor_.isAlphabetic());
   connect(chkAlfabetico_, &QCheckBox::clicked, this, [this](bool on) {

@@ -9,6 +9,7 @@
 #include "platform/numbers/number_format.h"
 #include "platform/numbers/typed_number.h"
 #include "platform/ports/failure_text.h"
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -87,8 +88,8 @@ bool ShippingEditor::setModule(int number, const std::string& module) {
 }
 
 bool ShippingEditor::setMethodName(int number, const std::string& name) {
-  const bool none = trim(name).empty();
-  const std::string wanted = none ? method(number).module : name;
+  const std::string line = singleLine(name);
+  const std::string wanted = trim(line).empty() ? method(number).module : line;
   return wanted == method(number).name || storePayment(nameColumn(number), Value(wanted));
 }
 

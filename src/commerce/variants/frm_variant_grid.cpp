@@ -19,6 +19,12 @@ QWidget* CellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
   return named(line, "celCella", rule_.spoken);
 }
 
+void CellDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  auto* number = dynamic_cast<NumberLine*>(editor);
+  if (number == nullptr) return QStyledItemDelegate::setEditorData(editor, index);
+  number->load(index.data(Qt::EditRole).toString());
+}
+
 VariantGrid::VariantGrid(const QStringList& headings, Commands commands)
     : QTableWidget(0, static_cast<int>(headings.size())), commands_(std::move(commands)) {
   setHorizontalHeaderLabels(headings);

@@ -24,6 +24,7 @@ class CellDelegate final : public QStyledItemDelegate {
  public:
   CellDelegate(CellRule rule, QObject* parent) : QStyledItemDelegate(parent), rule_(std::move(rule)) {}
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override;
 
  private:
   CellRule rule_;

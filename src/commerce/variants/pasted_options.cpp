@@ -5,6 +5,7 @@
 #include "commerce/variants/variant_editor.h"
 #include "commerce/variants/variant_rows.h"
 #include "platform/numbers/number_format.h"
+#include "platform/numbers/number_reading.h"
 #include "platform/numbers/typed_number.h"
 #include "platform/text/text.h"
 
@@ -24,12 +25,9 @@ std::array<std::string, pastedCells> cellsOf(std::string_view line) {
   return cells;
 }
 
-/// A number of a spreadsheet: the separator of thousands is left out where a decimal separator follows it.
+/// A number of a spreadsheet, in either notation, as the store takes it; empty for any other text.
 std::string cellNumber(const std::string& cell, char decimalSeparator) {
-  const char thousands = decimalSeparator == ',' ? '.' : ',';
-  std::string text = cell;
-  if (text.find(decimalSeparator) != std::string::npos) std::erase(text, thousands);
-  return storedNumber(text, decimalSeparator);
+  return storedNumber(readSignedNumber(cell, decimalSeparator).text, decimalSeparator);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "platform/numbers/number_format.h"
 #include "platform/numbers/typed_number.h"
 #include "platform/ports/failure_text.h"
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -42,7 +43,7 @@ std::string optionColumn(OptionCell cell, std::string_view suffix) {
 /// hold it.
 std::optional<Value> optionValue(OptionCell cell, const std::string& typed, const std::string& number) {
   constexpr double most = std::numeric_limits<float>::max();
-  if (cell == OptionCell::Codice || cell == OptionCell::Testo) return Value(typed);
+  if (cell == OptionCell::Codice || cell == OptionCell::Testo) return Value(singleLine(typed));
   if (number.empty()) return Value(Null{});
   if (cell == OptionCell::Prezzo) {
     const auto money = Money::parse(number);
@@ -96,7 +97,7 @@ bool VariantEditor::rename(std::int64_t ID, std::string_view nome) {
   auto statement =
       session_.catalogue.prepare("UPDATE opzioni SET nome" + std::string(suffix()) + " = ?1 WHERE ID = ?2");
   if (!statement) return told(fail(statement.error()));
-  const std::string cut(firstCharacters(nome, longestVariantName));
+  const std::string cut(firstCharacters(singleLine(nome), longestVariantName));
   statement->bind(1, cut);
   statement->bind(2, ID);
   return told(statement->execute());

@@ -16,6 +16,8 @@
 #include <QShortcut>
 #include <QShowEvent>
 #include <QTextDocument>
+#include <QTimer>
+#include <QWindow>
 #include <cstdlib>
 #include <memory>
 #include <typeinfo>
@@ -98,6 +100,15 @@ QWidget* firstField(const QWidget& dialog) {
   return nullptr;
 }
 
+/// Where a box and the dialog below it close at once, a window manager gives the keyboard to the dialog, which is gone
+/// by then, and no window has it. The window below takes it, unless the user has gone to another program.
+void keepKeyboard(QWidget& below) {
+  constexpr int managerMilliseconds = 200;
+  QTimer::singleShot(managerMilliseconds, &below, [&below] {
+    if (below.isVisible() && QApplication::activeWindow() == nullptr) below.activateWindow();
+  });
+}
+
 }  // namespace
 
 void returnToField(QWidget& dialog) {
@@ -122,7 +133,15 @@ void FormDialog::reject() {
 
 int FormDialog::exec() {
   const UsualCursor pointer;
-  return QDialog::exec();
+  bool isElsewhere = false;
+  const QMetaObject::Connection seen =
+      connect(qApp, &QGuiApplication::focusWindowChanged, this, [this, &isElsewhere](const QWindow* now) {
+        if (now != nullptr || isVisible()) isElsewhere = now == nullptr;
+      });
+  const int result = QDialog::exec();
+  disconnect(seen);
+  if (!isElsewhere && parentWidget() != nullptr) keepKeyboard(*parentWidget()->window());
+  return result;
 }
 
 void FormDialog::showEvent(QShowEvent* event) {

@@ -51,6 +51,7 @@ void ArticleCells::edited() const {
 
 void ArticleCells::setEditorData(QWidget* /*editor*/, const QModelIndex& /*index*/) const {
   if (line_ == nullptr || line_->isModified()) return;
+  line_->setPlaceholderText(toQt(workbench_.firstLanguageText(*column_)));
   line_->load(toQt(workbench_.shown(*column_)));
 }
 

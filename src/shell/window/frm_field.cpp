@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -74,6 +75,9 @@ void FieldLine::load(const QString& text) {
 void FieldLine::applyChange(const QString& typed) {
   const QString wanted = toQt(changedText(kind_, fromQt(typed), fromQt(lastGood_), separator_));
   if (wanted != typed) {
+    if (kind_ == FieldKind::Amount && filter_->note) {
+      filter_->note(QStringLiteral("\"%1\" non è un numero: è rimasto il valore precedente.").arg(typed));
+    }
     const int place = cursorPosition();
     filter_->hold(wanted);
     setText(wanted);

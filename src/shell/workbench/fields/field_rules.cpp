@@ -7,6 +7,7 @@
 
 #include "platform/numbers/money.h"
 #include "platform/numbers/number_format.h"
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 #include "shell/workbench/fields/web_address.h"
 

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "platform/database/value.h"
+#include "platform/numbers/number_reading.h"
 #include "platform/numbers/typed_number.h"
-#include "shell/workbench/fields/number_reading.h"
 
 namespace kv {
 

@@ -65,15 +65,17 @@ std::string FieldStore::shown(const Editor& editor) {
   if (isReverseRate(editor)) return reverseRate(shown(rateEditor()), separator_);
   if (editor.column == shopAddressField) return addressesOf(sets_).shop;
   if (editor.column == backOfficeAddressField) return addressesOf(sets_).backOffice;
-  if (isSideEditor(editor)) {
-    const std::string text = asText(sideValue(sets_, editor, sets_.session().currentLanguage));
-    return isNumberKind(editor.kind) && !text.empty() ? shownNumber(text, separator_) : text;
-  }
-  if (editor.control == Control::Variant) return variantName(sets_, listino_, editor.number);
+  if (isSideEditor(editor)) return shownSideValue(editor);
+  if (editor.control == Control::Variant) return MostraVarianti(sets_, listino_, editor.number);
   const ColumnInfo* info = columnInfo(editor);
   if (info == nullptr) return {};
   const Value value = sets_.edited(editor.set).get(info->name);
   return shownValue(editor, *info, value, separator_);
+}
+
+std::string FieldStore::shownSideValue(const Editor& editor) const {
+  const std::string text = asText(sideValue(sets_, editor, sets_.session().currentLanguage));
+  return isNumberKind(editor.kind) && !text.empty() ? shownNumber(text, separator_) : text;
 }
 
 std::string FieldStore::firstLanguageText(const Editor& editor) {

@@ -29,7 +29,6 @@ class FieldStore {
   /// A flag is "1" or "0", a choice its index, a number has the decimal separator, lines end with "\n". Addresses, the
   /// reverse exchange rate and the names of variants are computed.
   std::string shown(const Editor& editor);
-
   /// What became of a field that was left.
   struct Outcome {
     Result<> done;         ///< a failure leaves the row as it was
@@ -59,6 +58,8 @@ class FieldStore {
   const ColumnInfo* columnInfo(const Editor& editor);
   /// Stores 1 divided by the text as the rate, unless the text is what the field showed.
   Outcome leaveReverseRate(const Editor& editor, const std::string& text);
+  /// What a field shows that is kept in a table of its own.
+  std::string shownSideValue(const Editor& editor) const;
   /// Leaving a field that is kept in a table of its own.
   Outcome leaveSide(const Editor& editor, const std::string& text);
   /// Writes one column, and what follows from it in the connection settings.

@@ -5,7 +5,7 @@
 
 namespace kv {
 
-std::string variantName(CatalogueSets& sets, int listino, int slot) {
+std::string MostraVarianti(CatalogueSets& sets, int listino, int slot) {
   if (!isOnRow(sets, EditedSet::Articoli)) return {};
   // The one column alone: each field of a row reads its own name, and the statement is compiled each time.
   const auto language = static_cast<std::size_t>(sets.session().currentLanguage - 1);

@@ -20,8 +20,7 @@ struct NumberReading {
 /// make no number.
 NumberReading readNumber(std::string_view text, char decimalSeparator);
 
-/// One line of text for a field of one line: line ends and tabs are removed at its ends, spaces beside them included,
-/// and become one space inside. A text without them is returned as it is.
-std::string singleLine(std::string_view text);
+/// The same with a "-" before it, which the text keeps.
+NumberReading readSignedNumber(std::string_view text, char decimalSeparator);
 
 }  // namespace kv

@@ -1,8 +1,10 @@
 // Numbers pasted from elsewhere, in either notation.
 
-#include "shell/workbench/fields/number_reading.h"
+#include "platform/numbers/number_reading.h"
 
 #include <gtest/gtest.h>
+
+#include "platform/text/single_line.h"
 
 namespace kv::test {
 namespace {
@@ -62,6 +64,13 @@ TEST(NumberReading, WhatCouldBeEitherSaysHowItWasRead) {
   EXPECT_FALSE(readNumber("1,250", '.').note.empty());
   EXPECT_EQ(readNumber("1,250", ',').text, "1,250");
   EXPECT_TRUE(readNumber("1,250", ',').note.empty());
+}
+
+TEST(NumberReading, AMinusBeforeTheNumberStaysWhereItMayBeNegative) {
+  EXPECT_EQ(readSignedNumber(" -1.250,50", ',').text, "-1250,50");
+  EXPECT_EQ(readSignedNumber("- 5", ',').text, "-5");
+  EXPECT_EQ(readSignedNumber("5.5", ',').text, "5,5");
+  for (const char* text : {"-", "--5", "5-", "-abc"}) EXPECT_FALSE(readSignedNumber(text, ',').isNumber) << text;
 }
 
 TEST(NumberReading, LineEndsAndTabsAreOneSpaceInsideAndNoneAtTheEnds) {

@@ -1,9 +1,10 @@
-#include "shell/workbench/fields/number_reading.h"
+#include "platform/numbers/number_reading.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
 
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -11,7 +12,6 @@ namespace {
 
 constexpr std::size_t groupDigits = 3;
 constexpr std::array<std::string_view, 7> currencies{"€", "$", "£", "EUR", "USD", "GBP", "CHF"};
-constexpr std::string_view breaks = "\r\n\t\v\f";
 
 bool isDigitCharacter(char c) { return c >= '0' && c <= '9'; }
 
@@ -106,17 +106,12 @@ NumberReading readNumber(std::string_view text, char decimalSeparator) {
   return {std::move(*plain), true, {}};
 }
 
-std::string singleLine(std::string_view text) {
-  if (text.find_first_of(breaks) == std::string_view::npos) return std::string(text);
-  std::string line;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find_first_of(breaks), text.size());
-    const std::string_view part = trim(text.substr(0, end));
-    if (!line.empty() && !part.empty()) line += ' ';
-    line += part;
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return line;
+NumberReading readSignedNumber(std::string_view text, char decimalSeparator) {
+  const std::string_view bare = trim(text);
+  if (!bare.starts_with('-')) return readNumber(text, decimalSeparator);
+  NumberReading reading = readNumber(bare.substr(1), decimalSeparator);
+  if (reading.isNumber) reading.text.insert(0, 1, '-');
+  return reading;
 }
 
 }  // namespace kv
