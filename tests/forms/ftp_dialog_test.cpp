@@ -68,6 +68,21 @@ TEST_F(TheFtpDialog, PublishesOnceAndCloses) {
   EXPECT_EQ(user.shown.back().preset, Answer::Yes) << "whether to see the site";
 }
 
+TEST_F(TheFtpDialog, SaysThatItPreparesTheDatabaseWhileTheExportGoesOn) {
+  frmFTP* shown = dialog();
+  QString during;
+  shown->steps.exportSql = [&] { during = control<QLabel>(*shown, "lblStato")->text(); };
+  EXPECT_EQ(shown->exec(), QDialog::Accepted);
+  EXPECT_EQ(during, "Preparazione database...");
+}
+
+TEST_F(TheFtpDialog, TellsWhatWasSentBeforeItClosesAfterAFailure) {
+  server.fail({.verb = "STOR", .reply = "552 disco pieno\r\n", .occurrence = 2});
+  EXPECT_EQ(dialog()->exec(), QDialog::Rejected);
+  EXPECT_EQ(user.texts(), (std::vector<std::string>{"Errore: 552 disco pieno",
+                                                    "File inviati: 1 (6 byte), già presenti: 0, non inviato: b.htm"}));
+}
+
 TEST_F(TheFtpDialog, ShowsOperationFilesAndDialogue) {
   // The question comes in the middle of the run, with the window up to date.
   server.removeFolders();

@@ -67,6 +67,15 @@ TEST_F(TheServerFolderDialog, AClickChoosesADoubleClickEnters) {
   EXPECT_EQ(server.commands.back(), "quit");
 }
 
+TEST_F(TheServerFolderDialog, AHyphenInTheNameOfAChosenFolderStays) {
+  server.folders["/home"].push_back(test::unixFolder("cgi-bin"));
+  start();
+  onItem(2, false);
+  EXPECT_EQ(line("txtSelFolder"), "/home/cgi-bin");
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(dialog->tag(), ">cgi-bin");
+}
+
 TEST_F(TheServerFolderDialog, AServerOutOfReachClosesItWithoutAChoice) {
   server.failures["connect"] = {transferNoConnection, "refused", {}};
   start();

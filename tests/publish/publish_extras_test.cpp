@@ -104,6 +104,7 @@ TEST_F(AForgivingRun, SendsNoFileAgainThatHasTheBytesLastSent) {
   ASSERT_EQ(publish(), PublishOutcome::Done);
   write("online/a.htm", "aaa", 5);
   write("online/b.htm", "BBB", 5);
+  EXPECT_EQ(filesToSend(job, uploadOptions(job, settings, way)).value(), Names{"www/negozio/b.htm"});
   ASSERT_EQ(publish(), PublishOutcome::Done);
   EXPECT_EQ(sent(), Names{"b.htm"});
   EXPECT_EQ(report.skipped, 2);

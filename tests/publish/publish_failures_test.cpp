@@ -37,6 +37,7 @@ TEST_F(APublishRunInTrouble, AsksBeforeItMakesTheFolderAndThenSendsEverything) {
   EXPECT_EQ(server.file("/casa/www/negozio/a.htm"), "aaa");
   EXPECT_EQ(server.file("/casa/www/negozio/b.htm"), "bbb");
   EXPECT_EQ(server.commands("MKD"), (Names{"MKD www", "MKD negozio"}));
+  EXPECT_EQ(sent(), (Names{"a.htm", "b.htm", "b.php"})) << "the second folder too";
   EXPECT_EQ(tableRows(), "127.0.0.1/cgi/b.php|1\n127.0.0.1/www/negozio/a.htm|3\n127.0.0.1/www/negozio/b.htm|3\n");
 }
 

@@ -1,6 +1,8 @@
 // A publish run against a server that does its part: what is sent, in which order, and what is told.
 #include <unistd.h>
 
+#include <map>
+
 #include "publish_fixture.h"
 
 namespace kv {
@@ -187,6 +189,8 @@ TEST_F(APublishRun, NamesInTheDryRunWhatItWouldSendAndChangesNothing) {
   ASSERT_EQ(publish(), PublishOutcome::Done);
   write("online/b.htm", "2", 1);
   EXPECT_EQ(filesToSend(job, uploadOptions(job, settings, way)).value(), Names{"www/negozio/b.htm"});
+  settings.disabled = true;
+  EXPECT_EQ(filesToSend(job, uploadOptions(job, settings, way)).value(), Names{}) << "nothing goes by FTP";
 }
 
 TEST_F(APublishRun, AddsUpWhatItDidForTheLineUnderTheBar) {
@@ -200,6 +204,36 @@ TEST_F(APublishRun, AddsUpWhatItDidForTheLineUnderTheBar) {
   EXPECT_EQ(last.filesTotal, 2);
   EXPECT_EQ(last.bytesSent, 2001U);
   EXPECT_GT(last.bytesPerSecond, 0);
+}
+
+TEST_F(APublishRun, TellsTheTimeThatTheFilesOfAFolderWillStillTake) {
+  for (const char* name : {"online/a.htm", "online/b.htm", "online/c.htm", "online/d.htm"}) {
+    write(name, std::string(1000, 'x'));
+  }
+  clock.step = 2;
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  std::map<int, PublishProgress> last;  // by the files that are done
+  for (const PublishProgress& step : view.steps) last[step.filesDone] = step;
+  for (const int done : {1, 2, 3}) {
+    const PublishProgress& step = last[done];
+    EXPECT_DOUBLE_EQ(step.secondsLeft, (4 - done) * 1000 / step.bytesPerSecond) << done;
+  }
+  EXPECT_EQ(last[4].secondsLeft, 0);
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  EXPECT_EQ(view.steps.back().secondsLeft, 0) << "nothing is to be sent any more";
+}
+
+TEST(TheLineUnderTheBar, TellsFilesBytesSpeedAndTime) {
+  PublishProgress progress;
+  progress.filesDone = 3;
+  progress.filesTotal = 40;
+  progress.bytesSent = 12288;
+  EXPECT_EQ(progressText(progress), "File 3 di 40 - 12 KB inviati");
+  progress.bytesPerSecond = 87040;
+  progress.secondsLeft = 12.4;
+  EXPECT_EQ(progressText(progress), "File 3 di 40 - 12 KB inviati - 85 KB/s - ancora 12 s");
+  progress.secondsLeft = 200;
+  EXPECT_EQ(progressText(progress), "File 3 di 40 - 12 KB inviati - 85 KB/s - ancora 3 min");
 }
 
 TEST_F(APublishRun, ReplacesPasswordListsOrAddsToThem) {

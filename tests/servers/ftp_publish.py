@@ -16,7 +16,8 @@ import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "web")]
-from ftp_servers import PASSWORD, USER, FaultyGate, FtpServer  # noqa: E402  (the paths above come first)
+from faulty_gate import DATA_FAULTS, FAULTS, HARMLESS, FaultyGate  # noqa: E402  (the paths above come first)
+from ftp_servers import PASSWORD, USER, FtpServer  # noqa: E402
 from mariadb_round_trip import RoundTrip  # noqa: E402
 from online_update import Host  # noqa: E402
 from served_shop import ServedShop  # noqa: E402
@@ -215,21 +216,38 @@ class Publishing(unittest.TestCase):
                                       "FROM articoli WHERE ID = ?)", (chance.choice("abc"), number))
         catalogue.close()
 
-    def publish_through_a_fault(self, server, chance, keys):
-        """A publish whose control connection is cut at a random command: it says so, and nothing claims success."""
-        with FaultyGate(server.port, chance.randint(1, 60)) as gate:
-            self.point_at(gate, **keys)
+    def publish_through_a_fault(self, server, chance, fault):
+        """A publish that meets a fault at a random command or data connection: it says so, and nothing claims success.
+        True when it has failed."""
+        settings = self.shop / "kvftp.ini"
+        usual = settings.read_text()
+        settings.write_text("%sWAIT: 5\r\nRETR: %d\r\n" % (usual, chance.random() < 0.2))
+        most = 6 if fault in DATA_FAULTS else 60
+        with FaultyGate(server.port, chance.randint(1, most), fault, chance.randint(0, 3000)) as gate:
+            self.point_at(gate)
             done = self.korvane("publish")
-            self.point_at(server, **keys)
-        # One that was cut after the last confirmed file, or never came so far, has done all that it was to do.
-        if done.returncode == 0:
-            return self.assert_live()
-        self.assertTrue(gate.fired)
-        self.assertIn("Errore:", done.stderr)
+            self.point_at(server)
+        settings.write_text(usual)
         self.assertNotIn(PASSWORD, done.stdout + done.stderr)
+        # One that was over before the fault, or has met it where nothing was to be lost, has done all that it was to do.
+        if done.returncode == 0:
+            self.assert_live()
+            return False
+        self.assertTrue(gate.fired, fault)
+        self.assertNotIn(fault, HARMLESS)
+        self.assertIn("Errore:", done.stderr, fault)
+        self.assertNotIn("terminato", done.stdout + done.stderr, fault)
+        return True
+
+    @staticmethod
+    def faults(chance):
+        """Faults without an end; none comes again before each of the others has come."""
+        while True:
+            yield from chance.sample(FAULTS, len(FAULTS))
 
     def test_a_random_walk_of_edits_keeps_the_live_shop_equal_to_the_build(self):
         chance = random.Random(WALK_SEED)
+        faults, met = self.faults(chance), {}
         with FtpServer("pyftpdlib", self.live.shop) as server:
             self.empty_host()
             self.point_at(server)
@@ -242,8 +260,11 @@ class Publishing(unittest.TestCase):
                     self.walk_edits(chance)
                     self.build()
                     if chance.random() < 0.5:
-                        self.publish_through_a_fault(server, chance, {})
+                        fault = next(faults)
+                        met.setdefault(fault, []).append(self.publish_through_a_fault(server, chance, fault))
                     self.assert_published("--answer", "yes")
+        print("faults, and how many of the runs that met them failed:",
+              ", ".join("%s %d of %d" % (name, sum(runs), len(runs)) for name, runs in sorted(met.items())), flush=True)
 
     def test_a_certificate_that_nobody_has_signed_is_refused_by_default(self):
         with FtpServer("proftpd", self.live.shop) as server:

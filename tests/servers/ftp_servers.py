@@ -2,12 +2,10 @@
 folders. Both know one user and write into one folder."""
 import os
 import pathlib
-import socket
 import subprocess
 import sys
-import threading
 
-from own_server import OwnServer, free_port, program
+from own_server import OwnServer, program
 
 USER, PASSWORD = "mario", "Segreto-di-Mario"
 
@@ -87,51 +85,6 @@ def make_certificate(folder, host="127.0.0.1"):
     path.write_bytes(key.read_bytes() + certificate.read_bytes())
     path.chmod(0o600)
     return path
-
-
-class FaultyGate:
-    """A gate of its own on 127.0.0.1 before the control connection of a server: at the command `fatal_at` (from 1) it
-    closes both sides without a word. Data connections go to the server itself."""
-
-    def __init__(self, port, fatal_at):
-        self.port, self.target, self.left = free_port(), port, fatal_at
-        self.fired = False
-
-    def __enter__(self):
-        self.listener = socket.create_server(("127.0.0.1", self.port))
-        threading.Thread(target=self._accept, daemon=True).start()
-        return self
-
-    def __exit__(self, kind, error, trace):
-        self.listener.close()
-
-    def _accept(self):
-        while True:
-            try:
-                client, _ = self.listener.accept()
-            except OSError:
-                return
-            server = socket.create_connection(("127.0.0.1", self.target))
-            threading.Thread(target=self._carry, args=(server, client, False), daemon=True).start()
-            threading.Thread(target=self._carry, args=(client, server, True), daemon=True).start()
-
-    def _carry(self, source, sink, commands):
-        try:
-            while data := source.recv(65536):
-                if commands:
-                    self.left -= data.count(b"\n")
-                    if self.left <= 0 and not self.fired:
-                        self.fired = True
-                        break
-                sink.sendall(data)
-        except OSError:
-            pass
-        for one in (source, sink):
-            try:
-                one.shutdown(socket.SHUT_RDWR)
-            except OSError:
-                pass
-        source.close()
 
 
 class FtpServer(OwnServer):

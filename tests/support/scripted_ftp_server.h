@@ -22,7 +22,7 @@ struct FtpFault {
     Close,       ///< the control connection is closed
     LateReply,   ///< the usual reply, `milliseconds` later
     RefuseData,  ///< the command is begun and no data connection comes about
-    CutData,     ///< the data connection is reset after `bytes`
+    CutData,     ///< the data connection is reset after `bytes`; then `reply`, 426 when that is empty
     StallData,   ///< nothing more is read after `bytes`
     ListData     ///< `reply` is the listing
   };

@@ -120,6 +120,9 @@ class ScriptedFtpServer::Talk {
     if (verb == "STOR" || verb == "APPE") return store(path, verb == "APPE");
     if (verb == "LIST") return list();
     const std::lock_guard lock(server_.guard_);
+    if (verb == "SIZE" && server_.files_.count(path) > 0) {
+      return say("213 " + std::to_string(server_.files_[path].size()));
+    }
     if (verb == "MDTM") return say(server_.files_.count(path) > 0 ? "213 20260101120000" : "550 nessun file");
     if (verb == "DELE") return say(server_.files_.erase(path) > 0 ? "250 cancellato" : "550 nessun file");
     if (verb == "MKD") {
@@ -236,9 +239,9 @@ class ScriptedFtpServer::Talk {
     closeData();
     {
       const std::lock_guard lock(server_.guard_);
-      server_.files_[path] = bytes;
+      server_.files_[path] = bytes.substr(0, fault_->bytes);
     }
-    say("426 connessione interrotta");
+    fault_->reply.empty() ? say("426 connessione interrotta") : sendAll(fault_->reply);
   }
 
   void waitForLeave() {

@@ -75,7 +75,8 @@ void SshServer::writeSettings() const {
   writeServerFile(folder_ / "config", "Port " + port() + "\nListenAddress 127.0.0.1\nHostKey " + (folder_ / "key") +
                                           "\nPidFile none\nUsePAM no\nPermitRootLogin yes\nPasswordAuthentication yes\n"
                                           "KbdInteractiveAuthentication no\nStrictModes no\nLogLevel VERBOSE\n"
-                                          "Subsystem sftp /usr/lib/openssh/sftp-server\n");
+                                          "Subsystem sftp " +
+                                          sftp_ + "\n");
 }
 
 void SshServer::start() {
@@ -117,6 +118,14 @@ void SshServer::restartWithAnotherKey(const char* type) {
   stop();
   ::unlink((folder_ / "log").c_str());
   makeKey(type);
+  start();
+}
+
+void SshServer::restartWithSftp(const std::string& command) {
+  stop();
+  ::unlink((folder_ / "log").c_str());
+  sftp_ = command;
+  writeSettings();
   start();
 }
 

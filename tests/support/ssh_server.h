@@ -27,6 +27,8 @@ class SshServer {
   void stop();
   /// Starts it again at the same port, with another key of a type that ssh-keygen knows.
   void restartWithAnotherKey(const char* type = "ed25519");
+  /// Starts it again with this command line as its SFTP; it runs in home().
+  void restartWithSftp(const std::string& command);
 
  private:
   void makeKey(const char* type) const;
@@ -35,6 +37,7 @@ class SshServer {
   bool answers() const;
 
   TempFolder folder_;
+  std::string sftp_ = "/usr/lib/openssh/sftp-server";
   int port_ = 0;
   int process_ = -1;
 };

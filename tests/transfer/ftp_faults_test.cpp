@@ -131,6 +131,15 @@ TEST_F(AFailingServer, ThatCutsTheDataConnectionHasReceivedNothing) {
             "20503 426 connessione interrotta");
 }
 
+TEST_F(AFailingServer, ThatTakesHalfAFileForAWholeOneIsAskedForItsSize) {
+  const FtpFault half{.verb = "STOR", .kind = Kind::CutData, .reply = "226 ricevuto\r\n", .bytes = 500};
+  EXPECT_EQ(outcome(half), "20503 connessione dati: connessione interrotta");
+  // There are servers that end each connection so.
+  FtpFault whole = half;
+  whole.bytes = 1000;
+  EXPECT_EQ(outcome(whole), "ok");
+}
+
 TEST_F(AFailingServer, WithAFullDiskIsQuoted) {
   EXPECT_EQ(outcome({.verb = "STOR", .reply = "552 disco pieno\r\n"}), "20552 552 disco pieno");
 }

@@ -126,25 +126,25 @@ Result<Wire> FtpData::open(FtpSession& session, Patience& patience) {
   return std::move(wire_);
 }
 
-Result<> withData(FtpSession& session, const std::string& command,
-                  const std::function<Result<>(Wire& wire, Patience& patience)>& use, Patience& patience) {
+Result<DataEnd> withData(FtpSession& session, const std::string& command,
+                         const std::function<Result<>(Wire& wire, Patience& patience)>& use, Patience& patience) {
   auto data = FtpData::prepare(session, patience);
   if (!data) return fail(data.error());
-  if (auto begun = beginTransfer(session, command, patience); !begun) return begun;
-  Result<> used;
-  if (auto wire = data->open(session, patience); !wire) {
-    used = fail(wire.error());
-  } else {
-    used = use(*wire, patience);
-    if (used) wire->finish(patience);
-  }
+  if (auto begun = beginTransfer(session, command, patience); !begun) return fail(begun.error());
+  auto wire = data->open(session, patience);
   *data = {};
-  // A stalled connection has had its time, and a cancel none.
-  if (!used && (used.error().number == transferCancelled || used.error().number == transferSilence)) return used;
+  const Result<> used = wire ? use(*wire, patience) : fail(wire.error());
+  if (used) wire->finish(patience);
+  if (!used) {
+    if (wire) wire->close();
+    // A stalled connection has had its time, and a cancel none.
+    if (used.error().number == transferCancelled || used.error().number == transferSilence) return fail(used.error());
+  }
   const auto closing = session.control.finalReply(patience);
-  if (!closing) return used ? fail(closing.error()) : used;
+  if (!closing) return fail(used ? closing.error() : used.error());
   if (closing->isRefusal()) return replyFailure(*closing);
-  return used;
+  if (!used) return fail(used.error());
+  return wire->wasReset() ? DataEnd::Reset : DataEnd::Closed;
 }
 
 }  // namespace kv

@@ -23,9 +23,15 @@ class FtpData {
   Wire listener_;  // active
 };
 
+/// How a data connection has ended whose bytes are all written or read.
+enum class DataEnd {
+  Closed,
+  Reset  ///< broken off: what was written may not have arrived, although the server says so
+};
+
 /// Runs a command with a data connection: agrees on one, sends the command, has `use` send or read the bytes, and
 /// reads the closing reply. The failure of the server's reply counts before that of the connection.
-Result<> withData(FtpSession& session, const std::string& command,
-                  const std::function<Result<>(Wire& wire, Patience& patience)>& use, Patience& patience);
+Result<DataEnd> withData(FtpSession& session, const std::string& command,
+                         const std::function<Result<>(Wire& wire, Patience& patience)>& use, Patience& patience);
 
 }  // namespace kv

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <utility>
 
 #include "platform/text/text.h"
@@ -90,7 +91,9 @@ class FtpTransfer final : public Transfer {
   TransferCompletion namedCommand(const std::string& verb, const std::string& name);
   TransferCompletion store(const std::string& verb, const SentFile& file);
   Result<> setType(char type, Patience& patience);
-  Result<> sendFile(LocalFile& file, Wire& wire, Patience& patience);
+  /// Returns the bytes that were sent.
+  Result<std::uint64_t> sendFile(LocalFile& file, Wire& wire, Patience& patience);
+  Result<> requireSize(const std::string& name, std::uint64_t bytes, Patience& patience);
 
   FtpSession session_;
   TransferEvents events_;
@@ -173,21 +176,30 @@ Result<> FtpTransfer::setType(char type, Patience& patience) {
   return {};
 }
 
-Result<> FtpTransfer::sendFile(LocalFile& file, Wire& wire, Patience& patience) {
+Result<std::uint64_t> FtpTransfer::sendFile(LocalFile& file, Wire& wire, Patience& patience) {
   std::uint64_t sent = 0;
   for (;;) {
     const auto piece = file.next();
     if (!piece) return fail(piece.error());
-    if (piece->empty()) return {};
+    if (piece->empty()) return sent;
     if (auto written = wire.write(*piece, patience); !written) {
       const Error& error = written.error();
-      if (error.number != transferNoConnection) return written;
+      if (error.number != transferNoConnection) return fail(error);
       return transferFailure(transferNoData, "connessione dati: " + error.what);
     }
     sent += piece->size();
     if (events_.sent) events_.sent(sent);
-    if (auto paused = patience.pause(); !paused) return paused;
+    if (auto paused = patience.pause(); !paused) return fail(paused.error());
   }
+}
+
+// Many servers take a connection that was broken off for one that was closed, and half a file for a whole one.
+Result<> FtpTransfer::requireSize(const std::string& name, std::uint64_t bytes, Patience& patience) {
+  const auto reply = session_.control.command("SIZE " + name, patience);
+  if (!reply) return fail(reply.error());
+  // A server that doesn't tell has said that the file is there.
+  if (reply->code != 213 || trim(reply->text) == std::to_string(bytes)) return {};
+  return transferFailure(transferNoData, "connessione dati: " + socketText(ECONNRESET));
 }
 
 TransferCompletion FtpTransfer::store(const std::string& verb, const SentFile& file) {
@@ -196,9 +208,21 @@ TransferCompletion FtpTransfer::store(const std::string& verb, const SentFile& f
     if (!open) return fail(open.error());
     const auto encoded = encodedName(session_, file.name, patience);
     if (!encoded) return fail(encoded.error());
-    if (auto set = setType(file.mode == TransferMode::Ascii ? 'A' : 'I', patience); !set) return fail(set.error());
-    const auto send = [&](Wire& wire, Patience& inner) { return sendFile(*open, wire, inner); };
-    if (auto stored = withData(session_, verb + *encoded, send, patience); !stored) return fail(stored.error());
+    const bool isText = file.mode == TransferMode::Ascii;
+    if (auto set = setType(isText ? 'A' : 'I', patience); !set) return fail(set.error());
+    std::uint64_t bytes = 0;
+    const auto send = [&](Wire& wire, Patience& inner) -> Result<> {
+      const auto sent = sendFile(*open, wire, inner);
+      if (!sent) return fail(sent.error());
+      bytes = *sent;
+      return {};
+    };
+    const auto stored = withData(session_, verb + *encoded, send, patience);
+    if (!stored) return fail(stored.error());
+    // The size of a text is another one on each system.
+    if (*stored == DataEnd::Reset && !isText) {
+      if (auto whole = requireSize(*encoded, bytes, patience); !whole) return fail(whole.error());
+    }
     return std::string();
   });
 }

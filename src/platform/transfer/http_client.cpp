@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
 
@@ -59,6 +60,10 @@ void setRequest(CURL* easy, const HttpRequest& request, Answer& answer) {
   curl_easy_setopt(easy, CURLOPT_USERAGENT, "Korvane/" KORVANE_VERSION);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &receivePiece);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, static_cast<void*>(&answer));
+  // As OpenSSL reads it for FTP; this library would know its own file of trusted certificates alone.
+  if (const char* const trusted = std::getenv("SSL_CERT_FILE"); trusted != nullptr && *trusted != '\0') {
+    curl_easy_setopt(easy, CURLOPT_CAINFO, trusted);
+  }
   if (request.method == "POST") {
     curl_easy_setopt(easy, CURLOPT_POST, 1L);
     curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));

@@ -11,7 +11,9 @@ namespace {
 
 // So many bytes are on their way at once: what a distant server needs, and no more than a moment's sending.
 constexpr std::size_t windowSize = std::size_t{256} * 1024;
-constexpr std::size_t mostListed = 100'000;
+constexpr std::size_t mostListed = 100'000;                           // entries
+constexpr std::size_t longestListed = std::size_t{16} * 1024 * 1024;  // bytes of all entries
+constexpr std::size_t entriesBetweenPauses = 64;
 constexpr std::size_t longestEntry = 4096;
 constexpr long fileRights = 0644, folderRights = 0755;
 
@@ -193,6 +195,7 @@ Result<> SftpChannel::store(const std::string& localPath, const std::string& pat
 
 Result<> SftpChannel::readFolder(LIBSSH2_SFTP_HANDLE* folder, std::vector<std::string>& lines, Patience& patience) {
   std::array<char, longestEntry> name{}, whole{};
+  std::size_t bytes = 0;
   for (;;) {
     LIBSSH2_SFTP_ATTRIBUTES found{};
     const auto size = line_.complete(
@@ -205,7 +208,12 @@ Result<> SftpChannel::readFolder(LIBSSH2_SFTP_HANDLE* folder, std::vector<std::s
     const std::string_view entry(name.data(), static_cast<std::size_t>(*size));
     if (entry == "." || entry == "..") continue;
     lines.push_back(serverText(whole.data()));
-    if (lines.size() > mostListed) return transferFailure(transferFileCommand, "elenco troppo lungo");
+    bytes += lines.back().size();
+    if (lines.size() > mostListed || bytes > longestListed) {
+      return transferFailure(transferFileCommand, "elenco troppo lungo");
+    }
+    if (lines.size() % entriesBetweenPauses != 0) continue;
+    if (auto paused = patience.pause(); !paused) return paused;
   }
 }
 

@@ -23,6 +23,9 @@ constexpr const char* nothingInCommon =
     "accettata "
     "soltanto con SHA-1. Chiedere al fornitore una chiave Ed25519 o ECDSA, oppure pubblicare per FTP con TLS";
 constexpr int accessDenied = transferOther + 530;
+// Of one session. A file needs less than a megabyte; a server that floods us with answers is left, after
+// a moment: the library doesn't pause while they come.
+constexpr std::size_t mostMemory = std::size_t{16} * 1024 * 1024;
 constexpr int mostRepeats = 64;  // of a call that has nothing to wait for any more
 
 /// The library's own state, made before its first session.
@@ -33,22 +36,41 @@ bool isLibraryReady() {
 
 SshMemory& memoryOf(void** abstract) { return *static_cast<SshMemory*>(*abstract); }
 
+void keepForSession(void* made, std::size_t size, SshMemory& memory) {
+  if (made == nullptr) return;
+  memory.live[made] = size;
+  memory.bytes += size;
+}
+
+void dropForSession(void* given, SshMemory& memory) {
+  const auto found = memory.live.find(given);
+  if (found == memory.live.end()) return;
+  memory.bytes -= found->second;
+  memory.live.erase(found);
+}
+
 void* allocateForSession(std::size_t size, void** abstract) {
+  SshMemory& memory = memoryOf(abstract);
+  if (size > mostMemory - memory.bytes) return nullptr;  // the library then gives up what it is doing
   void* const made = std::malloc(size);
-  if (made != nullptr) memoryOf(abstract).live.insert(made);
+  keepForSession(made, size, memory);
   return made;
 }
 
-void freeForSession(void* memory, void** abstract) {
-  memoryOf(abstract).live.erase(memory);
-  std::free(memory);
+void freeForSession(void* given, void** abstract) {
+  dropForSession(given, memoryOf(abstract));
+  std::free(given);
 }
 
-void* resizeForSession(void* memory, std::size_t size, void** abstract) {
-  memoryOf(abstract).live.erase(memory);
-  void* const made = std::realloc(memory, size);
+void* resizeForSession(void* given, std::size_t size, void** abstract) {
+  SshMemory& memory = memoryOf(abstract);
+  if (size > mostMemory - memory.bytes) return nullptr;
+  const auto found = memory.live.find(given);
+  const std::size_t before = found == memory.live.end() ? 0 : found->second;
+  dropForSession(given, memory);
+  void* const made = std::realloc(given, size);
   // A failed one leaves the memory as it was.
-  if (void* const kept = made == nullptr ? memory : made; kept != nullptr) memoryOf(abstract).live.insert(kept);
+  made == nullptr ? keepForSession(given, before, memory) : keepForSession(made, size, memory);
   return made;
 }
 
@@ -81,8 +103,9 @@ std::string hostNameOf(const ConnectionSettings& settings) {
 }  // namespace
 
 void SshMemory::release() {
-  for (void* const one : live) std::free(one);
+  for (const auto& [one, size] : live) std::free(one);
   live.clear();
+  bytes = 0;
   password.clear();
 }
 

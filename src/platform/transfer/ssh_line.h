@@ -9,7 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "platform/transfer/connection_settings.h"
 #include "platform/transfer/transfer.h"
@@ -20,14 +20,16 @@ namespace kv {
 class HostKey;
 
 /// What the library has allocated for one session. It loses a file's memory when the connection ends in the middle of
-/// that file, so that what is left is freed with the session; and it holds the answer to the server's questions.
+/// that file, so that what is left is freed with the session. It keeps each answer that nobody has asked for, so that
+/// what it may have is limited. And this holds the answer to the server's questions.
 struct SshMemory {
   SshMemory() = default;
   SshMemory(const SshMemory&) = delete;
   SshMemory& operator=(const SshMemory&) = delete;
   ~SshMemory() { release(); }
   void release();
-  std::unordered_set<void*> live;
+  std::unordered_map<void*, std::size_t> live;  // with the bytes of each
+  std::size_t bytes = 0;
   std::string password;
 };
 

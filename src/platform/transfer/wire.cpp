@@ -37,12 +37,14 @@ Wire::Wire(int descriptor) : descriptor_(descriptor) {
   setFlag(descriptor_, IPPROTO_TCP, TCP_NODELAY, 1);
 }
 
-Wire::Wire(Wire&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)), tls_(std::move(other.tls_)) {}
+Wire::Wire(Wire&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), wasReset_(other.wasReset_), tls_(std::move(other.tls_)) {}
 
 Wire& Wire::operator=(Wire&& other) noexcept {
   if (this != &other) {
     close();
     descriptor_ = std::exchange(other.descriptor_, -1);
+    wasReset_ = other.wasReset_;
     tls_ = std::move(other.tls_);
   }
   return *this;
@@ -131,9 +133,15 @@ void Wire::finish(Patience& patience) {
   std::array<char, discardedPiece> discarded{};
   for (std::size_t all = 0; all < mostDiscarded;) {
     const auto count = tls_->read(discarded.data(), discarded.size(), descriptor_, patience);
+    wasReset_ = !count && count.error().number == transferNoConnection;
     if (!count || *count == 0) return;
     all += *count;
   }
+}
+
+bool Wire::wasReset() const {
+  char byte = 0;
+  return wasReset_ || (isOpen() && ::recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0 && errno == ECONNRESET);
 }
 
 void Wire::keepAlive() const {

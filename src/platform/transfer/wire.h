@@ -47,12 +47,16 @@ class Wire {
   /// Says that nothing more is sent, and waits until the other side has taken it. A failure there is none: what was
   /// taken is told by the server.
   void finish(Patience& patience);
+  /// Whether the other side has broken the connection off instead of closing it, as far as that is known by now: bytes
+  /// that were written may not have arrived.
+  bool wasReset() const;
   /// Keeps the connection alive while nothing is said, so that routers on the way don't forget it.
   void keepAlive() const;
   void close();
 
  private:
   int descriptor_ = -1;
+  bool wasReset_ = false;  // and has told so: that is told once
   std::unique_ptr<TlsLine> tls_;
 };
 

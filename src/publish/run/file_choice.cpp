@@ -14,27 +14,27 @@ std::string listForm(std::string_view text) { return foldCase(text); }
 
 }  // namespace
 
-std::string CaricaListaFiles(const std::string& shopFolder) {
+BuiltFiles CaricaListaFiles(const std::string& shopFolder) {
   const auto text = readBytes(joinPath(shopFolder, "kvftp.dat"));
   if (!text) return {};
-  std::string list = "#";
+  BuiltFiles list;
   for (std::string_view line : splitLines(*text)) {
     if (line.starts_with('#')) line.remove_prefix(1);
-    list += std::string(baseName(line)) + "#";
+    if (!baseName(line).empty()) list.insert(listForm(baseName(line)));
   }
-  return listForm(list);
+  return list;
 }
 
 bool CaricaFile(std::string_view path, const FileChoice& choice) {
   const std::string_view name = baseName(path);
   if (endsWithIgnoringCase(name, ".sc")) return false;
-  if (choice.shopOnly && choice.list.find(listForm("#" + std::string(name) + "#")) == std::string::npos) return false;
+  if (choice.shopOnly && choice.list.count(listForm(name)) == 0) return false;
   return acceptsType(choice.types, name);
 }
 
 std::vector<std::string> surplusFiles(std::vector<std::string> sent, const FileChoice& choice,
                                       const std::vector<std::string>& localFolders) {
-  if (choice.list.find_first_not_of('#') == std::string::npos) return {};
+  if (choice.list.empty()) return {};
   FileChoice listed = choice;
   listed.shopOnly = true;
   const auto isWanted = [&](const std::string& name) {

@@ -3,23 +3,27 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/ports/result.h"
 
 namespace kv {
 
+/// The names of the last build's files, case folded: each file of a run is looked for in it.
+using BuiltFiles = std::unordered_set<std::string>;
+
 /// By what files are chosen.
 struct FileChoice {
   bool shopOnly = true;        ///< only files of the last build's list
   std::string types = "ALL.";  ///< "ALL.", or extensions and a last dot: ".htm.css."
-  std::string list;            ///< the last build's list, as CaricaListaFiles gives it
+  BuiltFiles list;             ///< the last build's list, as CaricaListaFiles gives it
 };
 
-/// CaricaListaFiles (load the list of files): the names of kvftp.dat of a shop, case folded, each between "#" marks.
+/// CaricaListaFiles (load the list of files): the names of kvftp.dat of a shop, case folded.
 /// The list's folders are left out, so that a shop that was moved since its build can be sent. Empty when it hasn't
 /// been built.
-std::string CaricaListaFiles(const std::string& shopFolder);
+BuiltFiles CaricaListaFiles(const std::string& shopFolder);
 
 /// CaricaFile (is the file loaded): whether a file may be sent. The cached dumps (".sc") never are.
 /// path: its name, or a path that ends with it.

@@ -26,6 +26,10 @@ std::string stampText(std::int64_t changedAt) {
   return std::string(text.data(), size) + "." + digits;
 }
 
+bool hasSameContent(const SentFile& row, const std::string& digest) {
+  return !row.stamp.empty() && !digest.empty() && row.digest == digest;
+}
+
 Result<FileTable> FileTable::open(const std::string& shopFolder, bool withDigests) {
   const std::string path = joinPath(shopFolder, transferFile);
   if (!fileExists(path)) {

@@ -26,6 +26,10 @@ struct SentFile {
   std::int64_t size = 0;  ///< `peso`, bytes; never compared
 };
 
+/// Whether the server has a file's bytes already, by their digest. Never while the row has no time, which means doubt:
+/// half of the file may be there.
+bool hasSameContent(const SentFile& row, const std::string& digest);
+
 /// The open table. Rows are kept in groups, each flushed once: a kill loses the last few, whose files are then sent
 /// once more. Its key `nome` is host + "/" + remote folder + "/" + file name; case counts in it, as it does on
 /// most servers.

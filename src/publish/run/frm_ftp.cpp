@@ -25,8 +25,17 @@ frmFTP::frmFTP(PublishJob job, UploadOptions options, PublishServices services, 
 }
 
 std::string frmFTP::run() {
-  const PublishParts parts{services_.transfer, runUser(), runView(), services_.clock, steps};
+  PublishParts parts{services_.transfer, runUser(), runView(), services_.clock, steps};
+  if (steps.exportSql) {
+    parts.steps.exportSql = [this] {
+      showNow();
+      steps.exportSql();
+    };
+  }
   outcome_ = publishShop(job_, options_, parts, &report_);
+  // The window goes now, and the line of the operation with it.
+  const bool hasBegun = report_.sent + report_.skipped > 0 || !report_.failedFile.empty();
+  if (outcome_ == PublishOutcome::Failed && hasBegun) runUser().message(reportText(report_), Icon::Information);
   return outcome_ == PublishOutcome::Done ? "OK" : "";
 }
 

@@ -123,6 +123,11 @@ void TransferWindow::refresh() {
   txtLog_->verticalScrollBar()->setValue(txtLog_->verticalScrollBar()->maximum());
 }
 
+void TransferWindow::showNow() {
+  refresh();
+  ports_->pump.processEvents(false);
+}
+
 UserPort& TransferWindow::runUser() { return *ports_; }
 PublishView& TransferWindow::runView() { return *ports_; }
 const PublishProgress& TransferWindow::latest() const { return ports_->latest; }

@@ -37,6 +37,8 @@ class TransferWindow : public FormDialog {
   virtual std::string run() = 0;
   /// Brings the controls up to date with what the run has told.
   virtual void refresh();
+  /// Paints what the run has told, before a step that doesn't yield.
+  void showNow();
   /// What the run asks.
   UserPort& runUser();
   /// What the run tells.

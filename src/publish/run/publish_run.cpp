@@ -3,7 +3,9 @@
 #include <array>
 #include <utility>
 
+#include "platform/files/file_digest.h"
 #include "platform/ports/failure_text.h"
+#include "platform/text/text.h"
 #include "publish/settings/server_names.h"
 
 namespace kv {
@@ -59,18 +61,34 @@ bool sendFolders(const PublishJob& job, FolderUploader& uploader, const PublishP
   return sent;
 }
 
+/// A file of the shop and what is known of it.
+struct FileOfRun {
+  std::string path;
+  FileStamp stamp;
+};
+
+/// Whether the run sends a file that it may send. SQL files go whatever is in them: the host deletes what it has
+/// loaded.
+bool isToBeSent(const FileOfRun& file, const std::optional<SentFile>& row, bool contentCheck) {
+  if (!row) return true;
+  if (stampText(file.stamp.changedAt) <= row->stamp) return false;
+  if (!contentCheck || endsWithIgnoringCase(file.path, ".sql")) return true;
+  return !hasSameContent(*row, fileDigest(file.path).value_or(std::string()));
+}
+
 /// Adds the files of one folder that are to be sent.
 Result<> addFilesToSend(const FolderUpload& folder, const UploadOptions& options, FileTable& table,
                         std::vector<std::string>& found) {
   const std::string start = serverHost(options.connection.host) + "/" + serverFolder(folder.remoteFolder) + "/";
   for (const std::string& name : listFiles(folder.localFolder, "*.*")) {
     if (!CaricaFile(name, options.choice)) continue;
-    const auto stamp = fileStamp(joinPath(folder.localFolder, name));
+    const std::string path = joinPath(folder.localFolder, name);
+    const auto stamp = fileStamp(path);
     if (!stamp) return fail(stamp.error());
     const auto row = table.find(start + name);
     if (!row) return fail(row.error());
-    const bool newer = !row->has_value() || stampText(stamp->changedAt) > (*row)->stamp;
-    if (newer || options.sendAll) found.push_back(joinServerPath(serverFolder(folder.remoteFolder), name));
+    if (options.sendAll || isToBeSent({path, *stamp}, *row, options.contentCheck))
+      found.push_back(joinServerPath(serverFolder(folder.remoteFolder), name));
   }
   return {};
 }
@@ -149,9 +167,10 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
 }
 
 Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options) {
+  std::vector<std::string> found;
+  if (options.disabled) return found;
   auto table = FileTable::open(job.shopFolder);
   if (!table) return fail(table.error());
-  std::vector<std::string> found;
   for (const FolderUpload& folder : {shopFolderOf(job), secondFolderOf(job)}) {
     if (auto added = addFilesToSend(folder, options, *table, found); !added) return fail(added.error());
   }

@@ -8,6 +8,12 @@ namespace {
 constexpr std::uint64_t kilobyte = 1024;
 constexpr std::uint64_t megabyte = kilobyte * kilobyte;
 
+std::string timeText(double seconds) {
+  constexpr double countedSeconds = 100, minute = 60;
+  if (seconds < countedSeconds) return std::to_string(std::llround(seconds)) + " s";
+  return std::to_string(std::llround(seconds / minute)) + " min";
+}
+
 }  // namespace
 
 std::string sizeText(std::uint64_t bytes) {
@@ -31,7 +37,7 @@ std::string progressText(const PublishProgress& progress) {
   if (progress.bytesPerSecond > 0) {
     text += " - " + sizeText(static_cast<std::uint64_t>(progress.bytesPerSecond)) + "/s";
   }
-  if (progress.secondsLeft >= 1) text += " - ancora " + std::to_string(std::llround(progress.secondsLeft)) + " s";
+  if (progress.secondsLeft >= 1) text += " - ancora " + timeText(progress.secondsLeft);
   return text;
 }
 

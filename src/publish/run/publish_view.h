@@ -15,7 +15,7 @@ struct PublishProgress {
   std::uint64_t fileSize = 0;   ///< of it
   std::uint64_t bytesSent = 0;  ///< in the whole run
   double bytesPerSecond = 0;    ///< 0 while nothing was measured
-  double secondsLeft = 0;       ///< of the file in hand; 0 when it isn't known
+  double secondsLeft = 0;       ///< of the folder in hand; 0 when it isn't known
 };
 
 /// What the run did.
@@ -41,7 +41,7 @@ class PublishView {
 
 /// One line about what was done: "File inviati: 3 (12 KB), già presenti: 7".
 std::string reportText(const PublishReport& report);
-/// The line under the bar: "File 3 di 40 - 12 KB inviati - 85 KB/s - 2 s".
+/// The line under the bar: "File 3 di 40 - 12 KB inviati - 85 KB/s - ancora 2 s"; from 100 seconds on in minutes.
 std::string progressText(const PublishProgress& progress);
 /// A number of bytes as it is read: "512 byte", "12 KB", "3,4 MB".
 std::string sizeText(std::uint64_t bytes);

@@ -56,6 +56,7 @@ void FolderUploader::noteSent(Lane& lane) {
   tellTable(lane, lane.state == FtpState::UploadNew
                       ? parts_.table.add(lane.file.key, lane.file.stamp, lane.file.digest)
                       : parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
+  lane.fileSize = 0;
   showProgress(lane, 0);
 }
 
@@ -80,11 +81,14 @@ void FolderUploader::showProgress(Lane& lane, std::uint64_t fileBytes) {
   progress_.fileBytes = fileBytes;
   progress_.fileSize = lane.file.stamp.size;
   progress_.bytesSent = report_.bytesSent;
-  for (const Lane& one : lanes_) progress_.bytesSent += one.fileBytes;
+  std::uint64_t left = bytesLeft_;
+  for (const Lane& one : lanes_) {
+    progress_.bytesSent += one.fileBytes;
+    left += one.fileSize > one.fileBytes ? one.fileSize - one.fileBytes : 0;
+  }
   const double seconds = parts_.clock.now() - startedAt_;
   if (seconds > 1 && progress_.bytesSent > 0) {
     progress_.bytesPerSecond = static_cast<double>(progress_.bytesSent) / seconds;
-    const std::uint64_t left = progress_.fileSize > fileBytes ? progress_.fileSize - fileBytes : 0;
     progress_.secondsLeft = static_cast<double>(left) / progress_.bytesPerSecond;
   }
   parts_.view.progress(progress_);

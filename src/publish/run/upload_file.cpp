@@ -1,4 +1,6 @@
 // One file: whether it is sent, how, and what is done when the connection breaks.
+#include <algorithm>
+
 #include "platform/files/file_digest.h"
 #include "platform/text/text.h"
 #include "publish/run/upload_folder.h"
@@ -30,10 +32,15 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
   if (!row) return tellTable(lane, fail(row.error()));
   lane.file.known = row->has_value();
   bool isWanted = options_.sendAll || !lane.file.known || stampText(stamp->changedAt) > (*row)->stamp;
+  if (isWanted) {
+    lane.fileSize = std::min(stamp->size, bytesLeft_);
+    bytesLeft_ -= lane.fileSize;
+  }
   // What the host has loaded is no longer there: an SQL file is sent whatever is in it.
   if (isWanted && options_.contentCheck && !endsWithIgnoringCase(name, ".sql")) isWanted = hasNewContent(lane, *row);
   if (!isWanted) {
     ++report_.skipped;
+    lane.fileSize = 0;
     return showProgress(lane, 0);
   }
   sendWithRetries(lane);
@@ -45,11 +52,6 @@ bool FolderUploader::hasNewContent(Lane& lane, const std::optional<SentFile>& ro
   if (options_.sendAll || !row || !hasSameContent(*row, lane.file.digest)) return true;
   tellTable(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
   return false;
-}
-
-bool FolderUploader::hasSameContent(const SentFile& row, const std::string& digest) {
-  // A row without a time is in doubt: the server may have half of the file.
-  return !row.stamp.empty() && !digest.empty() && row.digest == digest;
 }
 
 void FolderUploader::sendWithRetries(Lane& lane) {

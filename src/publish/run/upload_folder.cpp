@@ -81,6 +81,7 @@ bool FolderUploader::enterServer() {
 
 bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
   next_ = 0;
+  if (!measure(names)) return false;
   if (options_.connections > 1) {
     sendSideBySide(names);
   } else {
@@ -91,6 +92,15 @@ bool FolderUploader::sendFiles(const std::vector<std::string>& names) {
   if (failed_ || cancelled_) return false;
   if (!folder_.firstFolder || options_.keepNoSession) WaitFTP(first(), FtpState::Other, parts_.transfer.quit());
   return !cancelled_;
+}
+
+bool FolderUploader::measure(const std::vector<std::string>& names) {
+  bytesLeft_ = 0;
+  for (const std::string& name : names) {
+    if (!mayGoOn()) return false;
+    bytesLeft_ += bytesToSend(name).value_or(0);
+  }
+  return true;
 }
 
 void FolderUploader::sendNext(Lane& lane, const std::vector<std::string>& names, std::size_t end) {
@@ -109,6 +119,18 @@ void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_
     if (CaricaFile(names[i], options_.choice)) keys.push_back(keyOf(names[i]));
   }
   tellTable(first(), parts_.table.doubt(keys));
+}
+
+std::optional<std::uint64_t> FolderUploader::bytesToSend(const std::string& name) {
+  if (!CaricaFile(name, options_.choice)) return std::nullopt;
+  const auto stamp = fileStamp(joinPath(folder_.localFolder, name));
+  // What can't be read is told by the lane that comes to it.
+  if (!stamp) return 0;
+  if (options_.sendAll) return stamp->size;
+  const auto row = parts_.table.find(keyOf(name));
+  const bool isKnown = row && row->has_value();
+  if (isKnown && stampText(stamp->changedAt) <= (*row)->stamp) return std::nullopt;
+  return stamp->size;
 }
 
 std::string FolderUploader::keyOf(const std::string& name) const { return host_ + "/" + target_ + "/" + name; }

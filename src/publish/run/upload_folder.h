@@ -103,6 +103,7 @@ class FolderUploader {
     bool broken = false;           // failed, by a broken connection, and untold: there are attempts left
     std::size_t attemptsLeft = 0;  // for the file in hand
     std::uint64_t fileBytes = 0;   // of the file in hand, sent so far
+    std::uint64_t fileSize = 0;    // of the file in hand while it is to be sent
   };
 
   bool carriedByHand();
@@ -115,15 +116,18 @@ class FolderUploader {
   Lane& addLane(Transfer& transfer);
   void makeFurtherLanes();
   void sendSideBySide(const std::vector<std::string>& names);
+  /// The size of a file of the folder that is new or newer; nothing for one that isn't sent.
+  std::optional<std::uint64_t> bytesToSend(const std::string& name);
   /// How many files from `begin` to before `end` are new or newer, up to the number of lanes.
   std::size_t filesForLanes(const std::vector<std::string>& names, std::size_t begin, std::size_t end);
+  /// Adds up the bytes of the files to be sent; false when the user has cancelled meanwhile.
+  bool measure(const std::vector<std::string>& names);
   void sendNext(Lane& lane, const std::vector<std::string>& names, std::size_t end);
   void helpSending(Lane& lane, const std::vector<std::string>& names, std::size_t end);
   void leaveFurtherLanes();
   void sendIfNewer(Lane& lane, const std::string& name);
   /// Notes the file's digest; false, and the row follows, when the host has that content already.
   bool hasNewContent(Lane& lane, const std::optional<SentFile>& row);
-  static bool hasSameContent(const SentFile& row, const std::string& digest);
   void sendWithRetries(Lane& lane);
   bool connectAgain(Lane& lane);
   void sendFile(Lane& lane);
@@ -168,6 +172,7 @@ class FolderUploader {
   PublishProgress progress_;
   PublishReport report_;
   double startedAt_ = 0;
+  std::uint64_t bytesLeft_ = 0;  // of the folder, without the files in hand
 };
 
 }  // namespace kv

@@ -56,12 +56,7 @@ void FolderUploader::sendSideBySide(const std::vector<std::string>& names) {
 std::size_t FolderUploader::filesForLanes(const std::vector<std::string>& names, std::size_t begin, std::size_t end) {
   std::size_t count = 0;
   for (std::size_t i = begin; i < end && count < lanes_.size(); ++i) {
-    if (!CaricaFile(names[i], options_.choice)) continue;
-    const auto stamp = fileStamp(joinPath(folder_.localFolder, names[i]));
-    const auto row = parts_.table.find(keyOf(names[i]));
-    // What can't be read is told by the lane that comes to it.
-    const bool known = stamp && row && row->has_value();
-    if (options_.sendAll || !known || stampText(stamp->changedAt) > (*row)->stamp) ++count;
+    if (bytesToSend(names[i])) ++count;
   }
   return count;
 }

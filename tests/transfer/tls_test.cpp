@@ -1,0 +1,311 @@
+// TLS with a server that shows a certificate of the test's own: what is trusted, what a server may do with the closing
+// of a connection, and where a secret must not go.
+#include <openssl/pem.h>
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "platform/transfer/http_client.h"
+#include "support/scripted_http_server.h"
+#include "transfer/transfer_fixture.h"
+
+namespace kv {
+namespace {
+
+using test::LocalListener;
+using test::ScriptedHttpServer;
+
+using CertifiedContext = std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)>;
+using OwnKey = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
+using OwnCertificate = std::unique_ptr<X509, decltype(&X509_free)>;
+
+void addToCertificate(X509* certificate, int kind, const char* value) {
+  X509_EXTENSION* const extension = X509V3_EXT_conf_nid(nullptr, nullptr, kind, value);
+  X509_add_ext(certificate, extension, -1);
+  X509_EXTENSION_free(extension);
+}
+
+/// A certificate for 127.0.0.1 that has signed itself.
+OwnCertificate certificateFor(EVP_PKEY* key) {
+  constexpr long day = 86400;
+  OwnCertificate made(X509_new(), &X509_free);
+  X509_set_version(made.get(), X509_VERSION_3);
+  ASN1_INTEGER_set(X509_get_serialNumber(made.get()), 1);
+  X509_gmtime_adj(X509_getm_notBefore(made.get()), -day);
+  X509_gmtime_adj(X509_getm_notAfter(made.get()), day);
+  X509_NAME* const name = X509_get_subject_name(made.get());
+  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("prova"), -1, -1, 0);
+  X509_set_issuer_name(made.get(), name);
+  X509_set_pubkey(made.get(), key);
+  addToCertificate(made.get(), NID_subject_alt_name, "IP:127.0.0.1");
+  addToCertificate(made.get(), NID_basic_constraints, "critical,CA:TRUE");
+  X509_sign(made.get(), key, EVP_sha256());
+  return made;
+}
+
+/// A server that shakes hands with each connection, and leaves the rest to the test.
+class TlsServer {
+ public:
+  TlsServer()
+      : key_(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"), &EVP_PKEY_free),
+        certificate_(certificateFor(key_.get())) {
+    SSL_CTX_use_certificate(context_.get(), certificate_.get());
+    SSL_CTX_use_PrivateKey(context_.get(), key_.get());
+  }
+  /// In the server's thread, which a client that has gone away must not end.
+  SSL* shakeHands(int descriptor) const {
+    sigset_t pipe;
+    ::sigemptyset(&pipe);
+    ::sigaddset(&pipe, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
+    SSL* const ssl = SSL_new(context_.get());
+    SSL_set_fd(ssl, descriptor);
+    SSL_accept(ssl);
+    return ssl;
+  }
+  /// The certificate as a file of trusted ones.
+  void writeTo(const std::string& path) const {
+    FILE* const file = std::fopen(path.c_str(), "w");
+    PEM_write_X509(file, certificate_.get());
+    std::fclose(file);
+  }
+
+ private:
+  OwnKey key_;
+  OwnCertificate certificate_;
+  CertifiedContext context_{SSL_CTX_new(TLS_server_method()), &SSL_CTX_free};
+};
+
+std::string readSome(SSL* ssl) {
+  std::array<char, 65536> piece{};
+  const int count = SSL_read(ssl, piece.data(), static_cast<int>(piece.size()));
+  return {piece.data(), static_cast<std::size_t>(std::max(count, 0))};
+}
+
+/// An HTTPS server that gives one answer to all.
+class HttpsServer {
+ public:
+  explicit HttpsServer(std::string answer) : answer_(std::move(answer)) {
+    thread_ = std::thread([this] { serve(); });
+  }
+  HttpsServer(const HttpsServer&) = delete;
+  HttpsServer& operator=(const HttpsServer&) = delete;
+  ~HttpsServer() {
+    ::shutdown(listener_.descriptor(), SHUT_RDWR);
+    thread_.join();
+  }
+  std::string url() const { return "https://127.0.0.1:" + std::to_string(listener_.port()) + "/updatedb.php"; }
+  const TlsServer& tls() const { return tls_; }
+  int requests() const { return requests_; }
+
+ private:
+  void serve() {
+    for (int client = listener_.accept(); client >= 0; client = listener_.accept()) {
+      SSL* const ssl = tls_.shakeHands(client);
+      if (!readSome(ssl).empty()) {
+        ++requests_;
+        SSL_write(ssl, answer_.data(), static_cast<int>(answer_.size()));
+        SSL_shutdown(ssl);
+      }
+      SSL_free(ssl);
+      ::close(client);
+    }
+  }
+  std::string answer_;
+  TlsServer tls_;
+  LocalListener listener_;
+  std::atomic<int> requests_{0};
+  std::thread thread_;
+};
+
+std::string movedBy302(const std::string& address) {
+  return "HTTP/1.1 302 Found\r\nLocation: " + address + "\r\nContent-Length: 0\r\n\r\n";
+}
+
+class AnHttpsRequest : public ::testing::Test {
+ protected:
+  void TearDown() override { ::unsetenv("SSL_CERT_FILE"); }
+  void trust(const HttpsServer& server) {
+    server.tls().writeTo(root / "fidati.pem");
+    ::setenv("SSL_CERT_FILE", (root / "fidati.pem").c_str(), 1);
+  }
+  Result<HttpResponse> post(const std::string& url) {
+    return client->send({.url = url, .method = "POST", .body = "sec=segreto"}, {});
+  }
+  test::TempFolder root;
+  std::unique_ptr<HttpClient> client = makeHttpClient();
+};
+
+TEST_F(AnHttpsRequest, SaysNothingToAServerWhoseCertificateDoesNotPass) {
+  HttpsServer server("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK");
+  EXPECT_FALSE(post(server.url()));
+  EXPECT_EQ(server.requests(), 0);
+  trust(server);
+  const auto answer = post(server.url());
+  ASSERT_TRUE(answer) << answer.error().what;
+  EXPECT_EQ(answer->body, "OK");
+}
+
+TEST_F(AnHttpsRequest, NeverSendsAPostOnInTheClear) {
+  ScriptedHttpServer plain({"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK"});
+  HttpsServer server(movedBy302(plain.url("/updatedb.php")));
+  trust(server);
+  const auto answer = post(server.url());
+  ASSERT_FALSE(answer);
+  EXPECT_EQ(answer.error().what, "il sito rimanda a " + plain.url("/updatedb.php") + ": correggere l'URL del sito");
+  EXPECT_EQ(server.requests(), 1);
+  EXPECT_TRUE(plain.requests().empty());
+}
+
+TEST_F(AnHttpsRequest, TakesAPostThatComesFromThePlainSite) {
+  HttpsServer server("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK");
+  trust(server);
+  ScriptedHttpServer plain({movedBy302(server.url())});
+  const auto answer = post(plain.url("/updatedb.php"));
+  ASSERT_TRUE(answer) << answer.error().what;
+  EXPECT_EQ(answer->body, "OK");
+}
+
+/// An FTP server with TLS that takes one file, and then does something with the data connection. Where TLS is implicit
+/// it says nothing before the handshake.
+class CertifiedFtpServer {
+ public:
+  using Ending = std::function<void(SSL* data, int control)>;
+  explicit CertifiedFtpServer(Ending ending, bool isImplicit = false)
+      : ending_(std::move(ending)), isImplicit_(isImplicit) {
+    thread_ = std::thread([this] { serve(); });
+  }
+  CertifiedFtpServer(const CertifiedFtpServer&) = delete;
+  CertifiedFtpServer& operator=(const CertifiedFtpServer&) = delete;
+  ~CertifiedFtpServer() {
+    ::shutdown(listener_.descriptor(), SHUT_RDWR);
+    thread_.join();
+  }
+  std::string port() const { return std::to_string(listener_.port()); }
+
+ private:
+  void say(const std::string& line) {
+    const std::string text = line + "\r\n";
+    control_ == nullptr ? ::send(descriptor_, text.data(), text.size(), MSG_NOSIGNAL)
+                        : SSL_write(control_, text.data(), static_cast<int>(text.size()));
+  }
+  std::string hear() {
+    std::string line = unread_.empty() ? next() : std::exchange(unread_, {});
+    while (!line.empty() && line.find("\r\n") == std::string::npos) line += next();
+    const std::size_t end = line.find("\r\n");
+    if (end == std::string::npos) return {};
+    unread_ = line.substr(end + 2);
+    return line.substr(0, end);
+  }
+  std::string next() {
+    if (control_ != nullptr) return readSome(control_);
+    std::array<char, 4096> piece{};
+    const ssize_t count = ::recv(descriptor_, piece.data(), piece.size(), 0);
+    return {piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+  }
+  void answer(const std::string& line) {
+    const std::string verb = line.substr(0, line.find(' '));
+    if (verb == "AUTH") {
+      say(control_ == nullptr ? "234 avanti" : "503 c'è già");
+      if (control_ != nullptr) return;
+      control_ = tls_.shakeHands(descriptor_);
+    } else if (verb == "USER") {
+      say("331 e la password");
+    } else if (verb == "EPSV") {
+      say("229 modo (|||" + std::to_string(data_.port()) + "|)");
+    } else if (verb == "STOR") {
+      store();
+    } else {
+      say(verb == "QUIT" ? "221 ciao" : "230 bene");
+    }
+  }
+  void store() {
+    say("150 avanti");
+    const int descriptor = data_.accept();
+    SSL* const data = tls_.shakeHands(descriptor);
+    while (!readSome(data).empty()) {
+    }
+    say("226 ricevuto");
+    ending_(data, descriptor_);
+    SSL_free(data);
+    ::close(descriptor);
+  }
+  void serve() {
+    descriptor_ = listener_.accept();
+    if (descriptor_ < 0) return;
+    if (isImplicit_) control_ = tls_.shakeHands(descriptor_);
+    say("220 pronto");
+    for (std::string line = hear(); !line.empty(); line = hear()) answer(line);
+    SSL_free(control_);
+    ::close(descriptor_);
+  }
+
+  Ending ending_;
+  bool isImplicit_;
+  TlsServer tls_;
+  LocalListener listener_, data_;
+  int descriptor_ = -1;
+  SSL* control_ = nullptr;
+  std::string unread_;
+  std::thread thread_;
+};
+
+class TheEndOfACertifiedUpload : public test::TransferFixture {
+ protected:
+  /// What comes of sending a file to a server that does so with the connection after it.
+  std::string outcome(const CertifiedFtpServer::Ending& ending, TlsMode tls = TlsMode::Required) {
+    TransferEvents events;
+    events.trust = [](const UntrustedServer& /*server*/) { return true; };
+    transfer->listen(std::move(events));
+    CertifiedFtpServer server(ending, tls == TlsMode::Implicit);
+    ConnectionSettings settings;
+    settings.host = "127.0.0.1";
+    settings.ftpPort = server.port();
+    settings.user = "mario";
+    settings.password = "segreto";
+    settings.tls = tls;
+    settings.silenceSeconds = 1;
+    std::string failed = enter(settings);
+    if (failed == "ok") failed = textOf(transfer->upload(localFile("a", "bytes"), "a", TransferMode::Binary));
+    transfer->abort();
+    return failed;
+  }
+};
+
+TEST_F(TheEndOfACertifiedUpload, IsNotPutOffByAServerThatGoesOnTalking) {
+  constexpr std::size_t most = 100'000'000;
+  std::size_t said = 0;
+  const auto talk = [&said](SSL* data, int /*control*/) {
+    const std::string piece(16384, 'x');
+    while (said < most && SSL_write(data, piece.data(), static_cast<int>(piece.size())) > 0) said += piece.size();
+  };
+  EXPECT_EQ(outcome(talk), "ok");
+  EXPECT_LT(said, most / 4) << "a megabyte is heard, some more is on its way";
+}
+
+TEST_F(TheEndOfACertifiedUpload, ComesOnBothConnectionsWhereTlsBeginsWithTheFirstByte) {
+  bool isEncrypted = false;
+  const auto look = [&isEncrypted](SSL* data, int /*control*/) { isEncrypted = SSL_is_init_finished(data) == 1; };
+  EXPECT_EQ(outcome(look, TlsMode::Implicit), "ok");
+  EXPECT_TRUE(isEncrypted);
+}
+
+TEST_F(TheEndOfACertifiedUpload, IsNotPutOffByAServerThatKeepsTheConnection) {
+  const auto keep = [](SSL* /*data*/, int control) {
+    pollfd untilLeft{control, POLLIN, 0};
+    ::poll(&untilLeft, 1, -1);
+  };
+  EXPECT_EQ(outcome(keep), "ok");
+}
+
+}  // namespace
+}  // namespace kv
