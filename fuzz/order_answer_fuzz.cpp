@@ -31,6 +31,10 @@ void readEachWay(const kv::JsonValue& answer) {
   if (const auto orders = kv::ordersAnswer(answer)) {
     for (const kv::ReceivedOrder& one : orders->orders) keepAndRead(one);
   }
+  if (const auto gone = kv::goneOrdersAnswer(answer)) {
+    for (const kv::GoneOrder& one : gone->orders) requireOrders(one.id > 0 && !one.code.empty());
+    requireOrders(!gone->more || !gone->orders.empty());
+  }
   if (const auto change = kv::changeAnswer(answer); change && change->order) keepAndRead(*change->order);
   if (const auto stock = kv::stockAnswer(answer)) {
     for (const kv::StockItem& item : stock->items) requireOrders(item.level.size() >= 2);

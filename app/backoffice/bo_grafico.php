@@ -49,7 +49,8 @@ function boGraficoVendite(): string
     }
     $somma = array_sum(array_column($venduti, 'somma'));
     $migliore = array_reduce($venduti, fn($una, $altra) => $una === null || $altra['somma'] > $una['somma'] ? $altra : $una);
-    $detto = array_sum(array_column($venduti, 'n')) . ' ordini per ' . boImporto($somma, $valuta)
+    $quanti = array_sum(array_column($venduti, 'n'));
+    $detto = $quanti . ($quanti === 1 ? ' ordine per ' : ' ordini per ') . boImporto($somma, $valuta)
         . ', il giorno migliore ' . boData($migliore['giorno']) . ' con ' . boImporto($migliore['somma'], $valuta);
     ob_start();
     boTabella(['Giorno', '#Ordini', '#Totale'], array_map(fn($giorno) => [boData($giorno['giorno']),

@@ -12,7 +12,8 @@ boRiservata();
 function boCampoCsv(string $testo): string
 {
     $testo = trim(preg_replace('/[\x00-\x1f\x7f]+/', ' ', $testo));
-    if (preg_match('/^[=+\-@]/', $testo)) {
+    // The wide forms of these characters too: U+FF1D, U+FF0B, U+FF0D, U+FF20 as UTF-8.
+    if (preg_match('/^(?:[=+\-@]|\xEF\xBC[\x9D\x8B\x8D\xA0])/', $testo)) {
         $testo = "'" . $testo;
     }
     return '"' . str_replace('"', '""', $testo) . '"';

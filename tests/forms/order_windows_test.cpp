@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDateEdit>
+#include <QHelpEvent>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QSpinBox>
@@ -10,6 +11,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextTable>
+#include <QToolTip>
 #include <climits>
 
 #include "dialog_fixture.h"
@@ -310,6 +312,19 @@ TEST_F(TheSalesWindow, CopiesItsTableForASpreadsheet) {
   choose(*dialog, "cboPer", "Mese");
   click(*dialog, "cmdCopia");
   EXPECT_EQ(QGuiApplication::clipboard()->text(), "Mese\tImporto\tPezzi\tOrdini\nmaggio 2026\t1234,50\t3\t1\n");
+}
+
+TEST_F(TheSalesWindow, TellsInATipOfABarTheTitleAsItIsWritten) {
+  DeskOrder order = sampleOrder();
+  order.lines[0].shopTitle = "<h1>Vaso</h1>";
+  open({order});
+  choose(*dialog, "cboPer", "Articolo");
+  auto* chart = control<BarChart>(*dialog, "grafico");
+  const QPoint first(chart->width() / 2, chart->height() / 4);
+  QHelpEvent asked(QEvent::ToolTip, first, chart->mapToGlobal(first));
+  QCoreApplication::sendEvent(chart, &asked);
+  EXPECT_NE(QToolTip::text().indexOf(QStringLiteral("V7 &lt;h1&gt;Vaso&lt;/h1&gt;: ")), -1) << fromQt(QToolTip::text());
+  QToolTip::hideText();
 }
 
 TEST_F(TheSalesWindow, DrawsABarInTheColourOfTheSelectionInEitherPalette) {

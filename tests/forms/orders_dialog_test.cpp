@@ -136,6 +136,35 @@ TEST_F(TheOrdersDialog, NarrowsTheListByTextStateAndDays) {
   EXPECT_EQ(details(), "");
 }
 
+TEST_F(TheOrdersDialog, HoldsAThousandOrdersThatCameInSeveralAnswers) {
+  constexpr int answers = 5, each = ordersPerAnswer;
+  for (int answer = 0; answer < answers; ++answer) {
+    std::vector<test::HostOrder> orders;
+    for (int i = 1; i <= each; ++i) {
+      const int id = answer * each + i;
+      orders.push_back(
+          {id, "2026-05-01 10:00:00", id % 10 == 0 ? "nuovo" : "spedito", "Cliente " + std::to_string(id)});
+    }
+    host.answers.push_back(ordersJson(orders, "c" + std::to_string(answer), answer + 1 < answers));
+  }
+  std::size_t exported = 0;
+  OrderTools tools;
+  tools.exportFile.run = [&exported](const std::vector<DeskOrder>& orders, QWidget*) { exported = orders.size(); };
+  openOrders(std::move(tools));
+  click(*dialog, "cmdAggiorna");
+  EXPECT_EQ(list->model()->rowCount(), answers * each);
+  EXPECT_EQ(text("lblRiepilogo").substr(0, 26), "1000 ordini, 1000 nuovi; r");
+  list->setFocus();
+  QTest::keyClick(list, Qt::Key_End, Qt::ControlModifier);
+  EXPECT_NE(details().find("Cliente: Cliente 1\n"), std::string::npos);
+  choose("cboStato", 1);
+  EXPECT_EQ(list->model()->rowCount(), 100);
+  type("txtCerca", "cliente 70");
+  EXPECT_EQ(list->model()->rowCount(), 2) << "70 and 700";
+  click(*dialog, "cmdEsporta");
+  EXPECT_EQ(exported, static_cast<std::size_t>(answers * each)) << "the window of the file chooses among all";
+}
+
 TEST_F(TheOrdersDialog, AStateThatIsChangedReachesServerListAndCustomer) {
   openOrders();
   fill();

@@ -104,6 +104,17 @@ TEST(OrderFiles, ASheetHoldsAmountsAsNumbersAndMomentsAsDates) {
   EXPECT_EQ(cell(1, 25), "#1200");
 }
 
+TEST(OrderFiles, ALongTextDoesNotKeepTheOthersFromTheSheet) {
+  const TempFolder folder;
+  DeskOrder order = sampleOrder();
+  order.name = std::string(40000, 'x');
+  ASSERT_TRUE(writeOrderFile(folder / "a.xlsx", std::vector{order, sampleOrder()}, false));
+  const auto sheet = readSpreadsheet(folder / "a.xlsx", SheetForm::Xlsx, {});
+  ASSERT_TRUE(sheet) << sheet.error().what;
+  EXPECT_EQ(sheet->cells.cell(1, 2).text.size(), 16000U);
+  EXPECT_EQ(sheet->cells.cell(2, 2).text, "Anna Neri");
+}
+
 TEST(OrderFiles, TakeTheFormThatTheirNameSays) {
   const TempFolder folder;
   ASSERT_TRUE(writeOrderFile(folder / "a.csv", std::vector{sampleOrder()}, false));

@@ -2,7 +2,7 @@
 """Who gets into the back office and who doesn't: backoffice_access_test.py KORVANE_CLI"""
 import re
 
-from backoffice_case import OFFICE, Case, main
+from backoffice_case import OFFICE, Case, main, page_forms
 from served_shop import order
 
 SCRIPT = "<script>alert('x')</script>"
@@ -106,21 +106,29 @@ class Visitors(Case):
     def test_what_customers_write_is_shown_and_not_run(self):
         self.enter()
         buyer = self.shop.visitor()
-        page = order(buyer, "41.1", Nome=SCRIPT, Cognome='"><img src=x onerror=alert(1)>', Note=SCRIPT,
-                     Indirizzo=SCRIPT)
+        fields = ("Nome", "RagioneSociale", "PartitaIVA", "Indirizzo", "CAP", "Citta", "Provincia", "Telefono", "Note")
+        page = order(buyer, "41.1", Cognome='"><img src=x onerror=alert(1)>', **dict.fromkeys(fields, SCRIPT))
         self.assertIn("thankyou", page.address)
         code = self.shop.rows("SELECT codice FROM kv_ordini")[0][0]
         number = self.add_customer("x@example.org", name="<script>alert(1)</script>")
+        for column in ("cognome", "rsoc", "piva", "indirizzo", "cap", "citta", "provincia", "paese", "telefono"):
+            self.shop.execute(f"UPDATE kv_clienti SET {column} = '<script>x'")
         self.shop.execute("INSERT INTO kv_richieste (email, creato, gettone, scade, stato) VALUES"
                           " ('<script>@example.org', NOW(), 'x', NOW(), 'nuova')")
         for address in ("pannello.php", "ordini.php", "ordini.php?q=" + "%3Cscript%3E", f"ordine.php?codice={code}",
                         f"stampa.php?codice={code}&cosa=ordine", f"stampa.php?codice={code}&cosa=consegna",
+                        f"stampa.php?codice={code}&cosa=ricevuta", "recessi.php", "recessi.php?stato=%3Cscript%3E",
                         "ordini.php?metodo=%3Cscript%3E", "testi.php?lingua=%3Cscript%3E",
                         "clienti.php", f"cliente.php?id={number}", "richieste.php", "clienti.php?q=%22%3E%3Cscript%3E",
                         f"cliente.php?id={number}&elimina=1", "disponibilita.php?q=%3Cscript%3E"):
             text = self.office.ask(address).text
             self.assertNotIn("<script>", text, address)
             self.assertNotIn("<img", text, address)
+        page = self.office.ask(f"cliente.php?id={number}")
+        form = next(form for form in page_forms(page) if form["fields"].get("azione") == "esporta")
+        headers = self.office.send(form, page).headers
+        self.assertEqual((headers["X-Content-Type-Options"], headers["Content-Disposition"].split(";")[0]),
+                         ("nosniff", "attachment"))
 
     def test_sql_in_a_search_is_a_text_like_any_other(self):
         self.enter()

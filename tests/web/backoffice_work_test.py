@@ -68,7 +68,8 @@ class Orders(Case):
     def test_the_csv_file_is_utf_8_with_a_mark_and_formulas_disarmed(self):
         self.add_order("261101-AAAAAA", "=HYPERLINK(\"x\");Città", "-2+3@example.org", total="1234.50",
                        created="'2026-11-01 10:00:00'", fields={"RagioneSociale": "@SUM(A1)", "CAP": "00100",
-                                                                "Telefono": "+39 02", "Note": "due\r\nrighe €"})
+                                                                "Provincia": "\uff1d1+1", "Telefono": "+39 02",
+                                                                "Note": "due\r\nrighe €"})
         self.add_order("261102-BBBBBB")
         page = self.office.ask("ordini_csv.php?q=AAAA")
         self.assertEqual(page.headers["Content-Type"], "text/csv; charset=utf-8")
@@ -77,7 +78,7 @@ class Orders(Case):
             "Codice;Data;Cliente;E-mail;Totale;Valuta;Pagamento;Stato;Ragione sociale;Partita IVA;Indirizzo;CAP;Città;"
             "Provincia;Paese;Telefono;Note\r\n"
             "\"261101-AAAAAA\";01/11/2026 10:00;\"'=HYPERLINK(\"\"x\"\");Città\";\"'-2+3@example.org\";1234,50;\"EUR\";"
-            "\"Contrassegno\";\"nuovo\";\"'@SUM(A1)\";\"\";\"\";\"00100\";\"\";\"\";\"\";\"'+39 02\";"
+            "\"Contrassegno\";\"nuovo\";\"'@SUM(A1)\";\"\";\"\";\"00100\";\"\";\"'\uff1d1+1\";\"\";\"'+39 02\";"
             "\"due righe €\"\r\n"
         ).encode("utf-8-sig"))
 

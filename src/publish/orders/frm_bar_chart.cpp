@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_plain_tip.h"
 #include "publish/orders/order_texts.h"
 
 namespace kv {
@@ -159,7 +160,7 @@ bool BarChart::event(QEvent* event) {
     QToolTip::hideText();
   } else {
     const SalesBar& bar = bars_[static_cast<std::size_t>(index)];
-    QToolTip::showText(asked->globalPos(), toQt(bar.label + ": " + bar.amountText), this);
+    QToolTip::showText(asked->globalPos(), plainTip(toQt(bar.label + ": " + bar.amountText)), this);
   }
   return true;
 }

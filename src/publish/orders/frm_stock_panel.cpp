@@ -99,6 +99,11 @@ QWidget* StockPanel::makeLevel() {
   return level;
 }
 
+std::string StockPanel::itemCount(std::size_t count, bool more) {
+  if (count == 0) return "Nessuna voce";
+  return std::to_string(count) + (count == 1 ? " voce" : " voci") + (more ? ", ce ne sono altre" : "");
+}
+
 void StockPanel::find(bool more) {
   if (!more) {
     query_.kind = cboTipo_->currentIndex() == 0 ? StockKind::Articles : StockKind::Values;
@@ -113,9 +118,7 @@ void StockPanel::find(bool more) {
   lstScorte_->setRowCount(static_cast<int>(items_.size()));
   for (std::size_t i = 0; i < items_.size(); ++i) showRow(static_cast<int>(i), items_[i]);
   cmdAltre_->setEnabled(found->more);
-  lblScorte_->setText(toQt(items_.empty() ? std::string("Nessuna voce")
-                                          : std::to_string(items_.size()) + (items_.size() == 1 ? " voce" : " voci") +
-                                                (found->more ? ", ce ne sono altre" : "")));
+  lblScorte_->setText(toQt(itemCount(items_.size(), found->more)));
   if (!items_.empty() && lstScorte_->currentRow() < 0) lstScorte_->setCurrentCell(0, 0);
   showLevel();
 }

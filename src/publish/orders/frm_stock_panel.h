@@ -35,6 +35,7 @@ class StockPanel final : public QWidget {
   QWidget* makeLevel();
   /// Asks for the first rows, or for those after the ones that are shown.
   void find(bool more);
+  static std::string itemCount(std::size_t count, bool more);
   void showRow(int row, const StockItem& item);
   /// Puts the level of the current row into the fields.
   void showLevel();

@@ -6,6 +6,7 @@
 #include "platform/files/files.h"
 #include "platform/numbers/number_format.h"
 #include "platform/sheet/spreadsheet.h"
+#include "platform/text/formula_sign.h"
 #include "platform/text/text.h"
 #include "publish/orders/order_texts.h"
 
@@ -129,14 +130,18 @@ std::string csvCell(const FileCell& cell) {
     std::string moment = orderDate(cell.text, true);
     if (moment != cell.text) return moment;
   }
-  const bool isFormula = !cell.text.empty() && std::string_view("=+-@").find(cell.text.front()) != std::string::npos;
-  return (isFormula ? "\"'" : "\"") + replaceAll(cell.text, "\"", "\"\"") + "\"";
+  return (hasFormulaSign(cell.text) ? "\"'" : "\"") + replaceAll(cell.text, "\"", "\"\"") + "\"";
 }
+
+// Half of what a cell of a sheet holds, for escapes may double a text. No order that a customer has typed comes near
+// it.
+constexpr std::size_t mostCharacters = 16'000;
 
 /// A cell of a sheet; `texts` keeps what it shows.
 DressedCell dressed(const FileCell& cell, std::vector<std::string>& texts) {
   constexpr CellLook looks[] = {CellLook::Text, CellLook::Number, CellLook::Amount, CellLook::Moment};
-  texts.push_back(cell.kind == FileColumn::Amount ? formatNumber(cell.amount, "0.00##") : cell.text);
+  texts.push_back(cell.kind == FileColumn::Amount ? formatNumber(cell.amount, "0.00##")
+                                                  : std::string(firstCharacters(cell.text, mostCharacters)));
   return {texts.back(), looks[static_cast<std::size_t>(cell.kind)]};
 }
 

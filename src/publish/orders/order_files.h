@@ -25,7 +25,8 @@ std::vector<DeskOrder> ordersMatching(std::span<const DeskOrder> orders, const O
 /// formula gets an apostrophe in front. Source: OWASP, CSV Injection.
 std::string ordersCsv(std::span<const DeskOrder> orders, bool withLines = false);
 
-/// The same columns as XLSX. Texts are texts there and get no apostrophe. Failures as SheetWriter.
+/// The same columns as XLSX. Texts are texts there and get no apostrophe; they end after 16,000 characters. Failures as
+/// SheetWriter.
 Result<> writeOrdersXlsx(const std::string& path, std::span<const DeskOrder> orders, bool withLines = false);
 
 /// Writes a file, XLSX where its name ends so, else CSV. Failures as writeBytes and SheetWriter.

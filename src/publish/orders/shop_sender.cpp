@@ -32,6 +32,23 @@ bool holdsText(const std::vector<std::string>& lines, std::string_view text) {
   return false;
 }
 
+/// The path of a picture of the shop; empty when it isn't there.
+std::string pictureOf(const std::string& shopFolder, std::string_view name) {
+  const std::string path = joinPath(joinPath(shopFolder, "work"), name);
+  return !name.empty() && fileExists(path) ? path : std::string();
+}
+
+/// Adds what the law wants of a sender and isn't there yet.
+Result<> addLegalLines(Database& catalogue, std::vector<std::string>& lines) {
+  for (const LegalLine& line : legalLines) {
+    const auto text = readIdentity(catalogue, line.column);
+    if (!text) return fail(text.error());
+    const std::string said(trim(*text));
+    if (!said.empty() && !holdsText(lines, said)) lines.push_back(std::string(line.caption) + said);
+  }
+  return {};
+}
+
 }  // namespace
 
 Result<ShopSender> readShopSender(Session& session) {
@@ -43,17 +60,10 @@ Result<ShopSender> readShopSender(Session& session) {
   if (*found) {
     sender.name = std::string(trim(row->text(0)));
     sender.lines = signatureLines(row->text(1), sender.name);
-    for (const int column : {2, 3}) {
-      const std::string path = joinPath(joinPath(session.ShopFolder, "work"), row->text(column));
-      if (sender.logo.empty() && !row->text(column).empty() && fileExists(path)) sender.logo = path;
-    }
+    sender.logo = pictureOf(session.ShopFolder, row->text(2));
+    if (sender.logo.empty()) sender.logo = pictureOf(session.ShopFolder, row->text(3));
   }
-  for (const LegalLine& line : legalLines) {
-    const auto text = readIdentity(session.catalogue, line.column);
-    if (!text) return fail(text.error());
-    const std::string said(trim(*text));
-    if (!said.empty() && !holdsText(sender.lines, said)) sender.lines.push_back(std::string(line.caption) + said);
-  }
+  if (auto added = addLegalLines(session.catalogue, sender.lines); !added) return fail(added.error());
   return sender;
 }
 

@@ -29,6 +29,11 @@ bool wroteCsv(const CommandLine& line, Environment& env, const OrdersParts& part
   return written.has_value();
 }
 
+CliOutcome outcomeOf(bool isFetched, Environment& env) {
+  if (isFetched) return CliOutcome::Done;
+  return env.user.yield() ? CliOutcome::Failed : CliOutcome::Cancelled;
+}
+
 }  // namespace
 
 CliOutcome listOrders(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out,
@@ -46,14 +51,12 @@ CliOutcome listOrders(const std::string& shop, const CommandLine& line, Environm
                          {parts.http, env.clock, env.random, [&env] { return env.user.yield(); }},
                          env.user});
   if (!desk.open()) return CliOutcome::Failed;
-  const auto fetched = desk.fetch();
-  const bool isCancelled = !fetched && !env.user.yield();
+  const CliOutcome fetched = outcomeOf(desk.fetch().has_value(), env);
   const auto orders = store.orders({{}, {}, *since, {}});
   if (!orders) return refused(env, failureText(orders.error(), ordersFile));
   for (const DeskOrder& order : *orders) printOrder(order, out);
   const bool isWritten = wroteCsv(line, env, parts, *orders);
-  if (isCancelled) return CliOutcome::Cancelled;
-  return fetched && isWritten ? CliOutcome::Done : CliOutcome::Failed;
+  return fetched == CliOutcome::Done && !isWritten ? CliOutcome::Failed : fetched;
 }
 
 CliOutcome listOrdersFromCli(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {

@@ -65,6 +65,7 @@ void wirePayment(frmMain& window, Session& session, Environment& env) {
     hooks.help = salesHelp(window);
     hooks.passwords = [&session, &env, help = hooks.help] { openPasswordLists(session, env, help); };
     hooks.language = [] { frmInfoLingua(QApplication::activeModalWidget()).exec(); };
+    hooks.written = [&window](FileEdits edits) { window.workbench().history().noteFiles(std::move(edits)); };
     QWidget* const owner = QApplication::activeModalWidget();
     frmConfiguraPG dialog(session, env, std::move(hooks), owner != nullptr ? owner : &window);
     dialog.exec();
