@@ -6,7 +6,6 @@
 
 #include "commerce/gateways/gateway_account.h"
 #include "commerce/gateways/payment_modules.h"
-#include "commerce/gateways/template_filling.h"
 #include "commerce_shop.h"
 #include "support/failing_files.h"
 #include "support/failing_store.h"
@@ -39,18 +38,14 @@ class TheGateways : public CommerceShop {
     return text ? *text : "(missing)";
   }
   void write(const std::string& path, std::string_view text) const { ASSERT_TRUE(writeText(code(path), text)); }
+  static bool isTyped(const AccountKey& key) {
+    return key.role == KeyRole::Text || key.role == KeyRole::Secret || key.role == KeyRole::Lines;
+  }
   static unsigned modeOf(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
   }
 };
-
-TEST_F(TheGateways, AreTheModulesInTheirOrder) {
-  ASSERT_EQ(gatewayModules().size(), paymentModules.size());
-  for (std::size_t i = 0; i < paymentModules.size(); ++i) EXPECT_EQ(gatewayModules()[i].folder, paymentModules[i]);
-  EXPECT_EQ(gatewayModules()[3].dialog, "frmPG_PlanetPayment");
-  EXPECT_EQ(gatewayModules()[9].dialog, "frmPG_PayPal");
-}
 
 TEST_F(TheGateways, KeptLinesComeFirstAndTheAccountKeysInTheirOrder) {
   write("Bankpass/conf.ini",
@@ -97,10 +92,21 @@ TEST_F(TheGateways, EmptyFieldsLeaveNothingWhereThePlaceholdersWere) {
     GatewayAccount account = GatewayAccount::load(session, module);
     for (const AccountKey& key : module.keys) account.setValue(key.key, "");
     save(account);
-    const std::string descriptor = read(std::string(module.folder) + ".kpg");
-    EXPECT_NE(descriptor, "(missing)") << module.folder;
-    for (const std::string_view key : module.placeholders) {
-      EXPECT_THAT(descriptor, Not(HasSubstr("\n#" + std::string(key) + "\r\n"))) << module.folder;
+    std::vector<std::string> files{std::string(module.folder) + ".kpg"};
+    for (const std::string_view name : module.scripts) {
+      files.push_back(std::string(module.folder).append("/").append(name) + ".php");
+    }
+    for (const std::string& file : files) {
+      const std::string filled = read(file);
+      EXPECT_NE(filled, "(missing)") << file;
+      for (const std::string_view key : module.placeholders) {
+        EXPECT_THAT(filled, Not(HasSubstr("\n#" + std::string(key) + "\r\n"))) << file;
+      }
+    }
+    const std::string settings = read(std::string(module.folder) + "/conf.ini");
+    for (const AccountKey& key : module.keys) {
+      if (!isTyped(key)) continue;
+      EXPECT_THAT(settings, HasSubstr("\n" + std::string(key.key) + "=\r\n")) << module.folder;
     }
   }
 }
@@ -111,8 +117,7 @@ TEST_F(TheGateways, OfAModuleThatWasNeverConfiguredHaveTheShippedDescriptorWitho
     const std::string shipped = read(descriptor);
     GatewayAccount empty = GatewayAccount::load(session, module);
     for (const AccountKey& key : module.keys) {
-      const bool isTyped = key.role == KeyRole::Text || key.role == KeyRole::Secret || key.role == KeyRole::Lines;
-      if (isTyped) empty.setValue(key.key, "");
+      if (isTyped(key)) empty.setValue(key.key, "");
     }
     save(empty);
     EXPECT_EQ(shipped, read(descriptor)) << module.folder;
@@ -167,6 +172,14 @@ TEST_F(TheGateways, AnOldTestAddressShowsAsThePresentOneAndIsStoredByOk) {
   EXPECT_THAT(read("Telepay Light/conf.ini"), HasSubstr("vecchio"));
   save(account);
   EXPECT_THAT(read("Telepay Light/conf.ini"), HasSubstr("url=https://prova.telepay.example/avvio\r\n"));
+  // The stored address of a test that is off, too.
+  write("Bankpass/conf.ini",
+        "url=https://pagamenti.bankpass.example/avvio\r\ntest=https://test.bankpass.example/vecchio\r\n");
+  account = load("Bankpass");
+  EXPECT_FALSE(account.usesTest());
+  EXPECT_EQ(account.testAddress(), "https://prova.bankpass.example/avvio");
+  save(account);
+  EXPECT_THAT(read("Bankpass/conf.ini"), HasSubstr("test=https://prova.bankpass.example/avvio\r\n"));
 }
 
 TEST_F(TheGateways, TheTextBeforeTheOrdersCodeIsOffOnAnotherTestServer) {
@@ -246,6 +259,12 @@ TEST_F(TheGateways, TheTextOfAnOfflineMethodIsAlsoItsColumnOfLanguageOne) {
   EXPECT_EQ(field("SELECT contrassegno_l2 FROM generale").substr(0, 7), "You pay");
   EXPECT_EQ(load("Contrassegno").value("info"), "uno\r\ndue\r\ntre\r\nquattro");
   EXPECT_THAT(read("Contrassegno.kpg"), HasSubstr("uno\r\ndue\ntre\rquattro"));
+  account = load("Pagamento anticipato");
+  EXPECT_EQ(account.value("info"), field("SELECT anticipato FROM generale"));
+  account.setValue("info", "IBAN");
+  save(account);
+  EXPECT_EQ(field("SELECT anticipato FROM generale"), "IBAN");
+  EXPECT_EQ(field("SELECT contrassegno FROM generale"), "uno\r\ndue\ntre\rquattro");
 }
 
 TEST_F(TheGateways, TheEndpointsOfSysPayComeInWhenAbsent) {
@@ -285,6 +304,16 @@ TEST_F(TheGateways, AMissingTemplateEndsTheWritingThereWithoutAWord) {
   EXPECT_THAT(read("Cariverona/conf.ini"), HasSubstr("ncom=1234\r\n"));
   EXPECT_EQ(read("Cariverona.kpg"), descriptor);
   EXPECT_EQ(read("Cariverona/cariverona.php"), script);
+}
+
+TEST_F(TheGateways, AMissingDescriptorOrScriptIsWrittenFromItsTemplate) {
+  ASSERT_TRUE(deleteFile(code("Omnipay.kpg")));
+  ASSERT_TRUE(deleteFile(code("Omnipay/omniend.php")));
+  GatewayAccount account = load("Omnipay");
+  account.setValue("sto", "NEG1");
+  save(account);
+  EXPECT_THAT(read("Omnipay.kpg"), HasSubstr("NEG1"));
+  EXPECT_THAT(read("Omnipay/omniend.php"), HasSubstr("NEG1"));
 }
 
 TEST_F(TheGateways, AMissingConfIniLeavesTheModuleAlone) {
@@ -365,27 +394,6 @@ TEST_F(TheGateways, AModuleWhoseTemplateWasRenewedWantsAnOk) {
   save(load("Omnipay"));
   EXPECT_TRUE(modulesToConfirm(session).empty());
   EXPECT_EQ(read("Omnipay/omniend.php"), "<?php // nuovo 1");
-}
-
-TEST(ATemplate, HasItsPlaceholdersReplacedInTheirOrderAndKeepsUnknownWords) {
-  const std::vector<Placeholder> values{{"mid", "7#val"}, {"val", "9#mid"}};
-  EXPECT_EQ(fillTemplate("#mid #val #altro", values), "79#mid 9#mid #altro");
-}
-
-TEST(ATemplate, IsNotSearchedAgainForThePlaceholderOfTheValueItself) {
-  const std::vector<Placeholder> values{{"mid", "#mid#mid"}};
-  EXPECT_EQ(fillTemplate("a #mid b", values), "a #mid#mid b");
-}
-
-TEST(ATemplate, GetsAnotherEndWordWhenAValueHoldsThatOfATextBlock) {
-  const std::vector<Placeholder> values{{"info", "uno\r\n  FINE);\r\nFINE_1"}};
-  EXPECT_EQ(fillTemplate("<?php f(<<<'FINE'\n#info\nFINE\n);", values),
-            "<?php f(<<<'FINE_2'\nuno\r\n  FINE);\r\nFINE_1\nFINE_2\n);");
-}
-
-TEST(ATemplate, GetsAnotherEndWordWhenTwoValuesMakeUpTheOldOne) {
-  const std::vector<Placeholder> values{{"a", "FI#b"}, {"b", "NE"}};
-  EXPECT_EQ(fillTemplate("<<<'FINE'\n#a\nFINE\n", values), "<<<'FINE_1'\nFINE\nFINE_1\n");
 }
 
 }  // namespace

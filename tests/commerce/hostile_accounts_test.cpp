@@ -165,7 +165,7 @@ TEST_F(HostileAccounts, AreDataInTheFilledScriptsOfAllModules) {
           plain.emplace_back(key, row.role == KeyRole::Constant ? std::string(row.constant) : "1");
         }
         const bool merchantAlone = module.hasModes() && form.ends_with(".new");
-        ASSERT_TRUE(writeText(stem + ".plain", fillTemplate(*text, plain)));
+        ASSERT_TRUE(writeText(stem + ".plain", ElaboraPG(*text, plain)));
         ASSERT_TRUE(copyFile(code + file, stem + ".filled"));
         ASSERT_TRUE(writeText(stem + ".blocks", expectedBlocks(*text, account, merchantAlone)));
         list.append(stem).append(".plain\t").append(stem).append(".filled\t").append(stem).append(".blocks\n");

@@ -112,6 +112,11 @@ TEST_F(ReplicatingALanguage, PutsASpaceIntoANameOfPaymentThatStaysEmpty) {
     EXPECT_EQ(run(), BulkEnd::Done);
     EXPECT_EQ(read("SELECT nome1_l3 || '.', nome2_l3 || '.', metodo1 FROM pagamento"), " .| .|Contrassegno\n");
   }
+  // That space is a text as any other for a later run.
+  wanted.source = 1;
+  user.answers = {Answer::Yes};
+  EXPECT_EQ(run(), BulkEnd::Done);
+  EXPECT_EQ(read("SELECT nome1, nome1_l3 || '.' FROM pagamento"), "Contanti| .\n");
 }
 
 TEST_F(ReplicatingALanguage, CopiesTheButtonOfADepartmentButNotItsSize) {
@@ -136,6 +141,20 @@ TEST_F(ReplicatingALanguage, ShowsTheCaptionsInTheirOrder) {
   }
   EXPECT_THAT(captions, ElementsAre("Replica negozio e sito...", "Replica reparti...", "Replica articoli...",
                                     "Replica varianti...", ""));
+}
+
+TEST_F(ReplicatingALanguage, TakesNoRoundsForTheGapsBetweenIDs) {
+  sql("WITH RECURSIVE n(i) AS (SELECT 3 UNION ALL SELECT i + 1 FROM n WHERE i < 600)"
+      " INSERT INTO articoli (ID, catID, titolo) SELECT i, 'cat001', 'Piatto' FROM n;"
+      "INSERT INTO articoli (ID, catID, titolo) VALUES (2147483647, 'cat001', 'Ultimo')");
+  tick(2);
+  EXPECT_EQ(run(), BulkEnd::Done);
+  EXPECT_EQ(read("SELECT titolo_l2, count(*) FROM articoli WHERE ID > 2 GROUP BY 1"), "Piatto|598\nUltimo|1\n");
+  std::vector<double> done;
+  for (const ProgressShown& shown : user.progressShown) {
+    if (shown.caption == "Replica articoli...") done.push_back(shown.position);
+  }
+  EXPECT_THAT(done, ElementsAre(0, 0, 500));
 }
 
 TEST_F(ReplicatingALanguage, OfEmptyTablesDoesNothing) {

@@ -118,6 +118,9 @@ TEST_F(ReplicatingAList, RestrictionsGoByTheirBox) {
   wanted.percentage = "-100";
   EXPECT_EQ(run(), BulkEnd::Done);
   EXPECT_EQ(departments(), "10.0|5.0|null|1|1|1\n");
+  wanted.quantityDiscounts = true;
+  EXPECT_EQ(run(), BulkEnd::Done);
+  EXPECT_EQ(departments(), "10.0|10.0|10.0|1|1|1\n");
 }
 
 TEST_F(ReplicatingAList, DiscountsOfDepartmentsGoWithTheQuantityDiscounts) {
@@ -144,6 +147,9 @@ TEST_F(ReplicatingAList, RefusesAPriceBeyondTheRangeBeforeAnythingIsWritten) {
   EXPECT_EQ(run(), BulkEnd::Stay);
   EXPECT_THAT(user.texts(), ElementsAre(testing::HasSubstr("Tazza")));
   EXPECT_EQ(everything(), before);
+  const auto count = countReplication(catalogue, wanted, ruleOfPercentage(50, false));
+  ASSERT_TRUE(count);
+  EXPECT_THAT(count->text(), testing::EndsWith("; oltre il massimo consentito: 1 (Tazza)"));
 }
 
 TEST_F(ReplicatingAList, RowsDoneBeforeAFailureStay) {

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "commerce/gateways/gateway_table.h"
 #include "platform/files/files.h"
 #include "support/temp_folder.h"
@@ -37,6 +39,13 @@ TEST_F(PaymentModules, AreFifteenInTheOrderOfTheirNumbers) {
               ElementsAre("Telepay Light", "Banca Sella", "AuthorizeNet", "Planet Payment", "Contrassegno",
                           "Pagamento anticipato", "Cilme", "Cartafacile", "Omnipay", "Paypal", "Consorzio Triveneto",
                           "Shopla", "Cariverona", "Bankpass", "SysPay"));
+}
+
+TEST_F(PaymentModules, HaveTheirDialogsInTheSameOrder) {
+  ASSERT_EQ(gatewayModules().size(), paymentModules.size());
+  for (std::size_t i = 0; i < paymentModules.size(); ++i) EXPECT_EQ(gatewayModules()[i].folder, paymentModules[i]);
+  EXPECT_EQ(gatewayModules()[3].dialog, "frmPG_PlanetPayment");
+  EXPECT_EQ(gatewayModules()[9].dialog, "frmPG_PayPal");
 }
 
 TEST_F(PaymentModules, ASettingIsCutAtItsFirstEqualsSignAlone) {
@@ -134,6 +143,19 @@ TEST_F(PaymentModules, AModuleThatHasAnyFileIsLeftUnchanged) {
   CompletaGateway(shop, application);
   EXPECT_EQ(read("negozio/code/Cilme/conf.ini"), "(missing)");
   EXPECT_EQ(read("negozio/code/Cilme.kpg"), "mio");
+}
+
+TEST_F(PaymentModules, TheAccountDataOfAnOlderShopAreTakenFromOtherUsers) {
+  const std::vector<std::string> withAccounts{"negozio/code/Omnipay/Conf.ini", "negozio/code/Omnipay/omniend.php",
+                                              "negozio/code/Omnipay.kpg"};
+  write("negozio/code/Omnipay/omniend.new", "modello");
+  for (const std::string& path : withAccounts) write(path, "key=segreta\r\n");
+  CompletaGateway(shop, application);
+  using std::filesystem::perms;
+  for (const std::string& path : withAccounts) {
+    EXPECT_EQ(std::filesystem::status(root / path).permissions() & (perms::group_all | perms::others_all), perms::none);
+    EXPECT_EQ(read(path), "key=segreta\r\n");
+  }
 }
 
 TEST_F(PaymentModules, AnEmptyModuleFolderIsFilled) {

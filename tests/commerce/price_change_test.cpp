@@ -133,7 +133,9 @@ TEST_F(ChangingPrices, AsksWhenAVariantIsInAnotherListToo) {
 }
 
 TEST_F(ChangingPrices, AsksWhenAVariantIsInAnotherDepartmentTooAndOnYesChangesItForBoth) {
-  sql("UPDATE articoli SET opzione1 = 2 WHERE ID = 1; UPDATE articoli SET opzione4 = 2 WHERE ID = 3");
+  // A department below the selected one is another one, too.
+  sql("INSERT INTO categorie (ID, genitore) VALUES ('cat001', '###'), ('cat002', 'cat001');"
+      "UPDATE articoli SET opzione1 = 2 WHERE ID = 1; UPDATE articoli SET opzione4 = 2 WHERE ID = 3");
   change.selection.variants = true;
   change.selection.department = "cat001";
   user.answers = {Answer::Yes};
@@ -183,11 +185,31 @@ TEST_F(ChangingPrices, ThePreviewNamesCountLargestChangeAndZeros) {
   ASSERT_TRUE(survey);
   PriceRule rule = ruleOfPercentage(10, false);
   EXPECT_EQ(previewSummary(*survey, previewPrices(*survey, rule), rule),
-            "Prezzi da modificare: 4 di 4; variazione maggiore: 19,99 -> 21,99 (Vaso, Listino 0)");
+            "Prezzi da modificare: 4 di 4; variazione maggiore: 19,99 -> 21,99 (Vaso, Listino 0); diventano 0: 1");
   rule = ruleOfPercentage(-100, false);
   EXPECT_EQ(previewSummary(*survey, previewPrices(*survey, rule), rule),
-            "Prezzi da modificare: 4 di 4; variazione maggiore: 19,99 -> 0,00 (Vaso, Listino 0); diventano 0: 3");
+            "Prezzi da modificare: 4 di 4; variazione maggiore: 19,99 -> 0,00 (Vaso, Listino 0); diventano 0: 4");
   EXPECT_EQ(survey->owners[survey->prices[2].owner].title, "Tazza");
+}
+
+TEST_F(ChangingPrices, ThePreviewNamesThePricesBeyondTheRange) {
+  sql("UPDATE articoli SET prezzo = 9000000000000000000 WHERE ID = 3");
+  const auto survey = surveyPrices(catalogue, change.selection);
+  ASSERT_TRUE(survey);
+  const PriceRule rule = ruleOfPercentage(10, false);
+  EXPECT_EQ(previewSummary(*survey, previewPrices(*survey, rule), rule),
+            "Prezzi da modificare: 4 di 4; variazione maggiore: 19,99 -> 21,99 (Vaso, Listino 0); diventano 0: 1; "
+            "oltre il massimo consentito: 1 (Tazza, Listino 0)");
+  EXPECT_EQ(newPrice(survey->prices[2].before, rule), "oltre il massimo");
+  EXPECT_EQ(beyondSummary({"a", "b", "c", "d"}), "; oltre il massimo consentito: 4 (a, b, c, ...)");
+}
+
+TEST_F(ChangingPrices, ThePreviewHasTheDecimalSeparatorOfTheWindow) {
+  const auto survey = surveyPrices(catalogue, change.selection);
+  ASSERT_TRUE(survey);
+  const PriceRule rule = ruleOfPercentage(10, false);
+  EXPECT_THAT(previewSummary(*survey, previewPrices(*survey, rule), rule, '.'),
+              testing::HasSubstr("variazione maggiore: 19.99 -> 21.99"));
 }
 
 TEST_F(ChangingPrices, ThePreviewShowsWhatSinglePrecisionDoes) {

@@ -45,6 +45,7 @@ TEST_F(TheGatewayDialogs, EachModuleHasItsDialogWithEveryControlNamed) {
     EXPECT_EQ(fromQt(dialog->objectName()), gatewayModules()[i].dialog);
     EXPECT_EQ(test::defaultButton(*dialog), "OK");
     EXPECT_EQ(test::namelessControls(*dialog), "") << gatewayModules()[i].dialog;
+    EXPECT_EQ(test::repeatedKeys(*dialog), "") << gatewayModules()[i].dialog;
     const std::string before = conf(std::string(gatewayModules()[i].folder));
     test::keepPicture(*dialog, "gateway" + std::to_string(i));
     expectEscapeLeaves(*dialog);

@@ -64,6 +64,7 @@ TEST_F(ThePricesDialog, OnADepartmentBeginsWithThatOneAlone) {
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optEstensione0")->isChecked());
   EXPECT_EQ(test::defaultButton(*dialog), "OK");
   EXPECT_EQ(test::namelessControls(*dialog), "");
+  EXPECT_EQ(test::repeatedKeys(*dialog), "");
   EXPECT_EQ(fromQt(dialog->windowTitle()), "Korvane - Variazione prezzi");
   QTest::keyClick(&*dialog, Qt::Key_F1);
   EXPECT_EQ(helpOpened, "pagine/prezzi.htm");
@@ -102,6 +103,17 @@ TEST_F(ThePricesDialog, PreviewsEveryPriceThatChangesWhileThePercentageIsTyped) 
               testing::StartsWith("Prezzi da modificare: 6 di 6; variazione maggiore: 19,99 -> 22,00"));
 }
 
+TEST_F(ThePricesDialog, AnEmptyPreviewSaysWhyThereIsNothingToChange) {
+  openOn("cat003");
+  const auto* summary = control<QLabel>(*dialog, "lblAnteprima");
+  type("+10");
+  EXPECT_EQ(fromQt(summary->text()), "Nessun listino è selezionato.");
+  tick("chkListino0");
+  EXPECT_EQ(fromQt(summary->text()), "Il reparto non ha articoli propri; quelli dei sottoreparti non sono compresi.");
+  control<QRadioButton>(*dialog, "optEstensione1")->setChecked(true);
+  EXPECT_THAT(fromQt(summary->text()), testing::StartsWith("Prezzi da modificare: 3 di 3"));
+}
+
 TEST_F(ThePricesDialog, SortsThePreviewByAClickOnAColumn) {
   openOn("###");
   tick("chkListino0");
@@ -120,6 +132,19 @@ TEST_F(ThePricesDialog, SortsThePreviewByAClickOnAColumn) {
   EXPECT_THAT(shown(), testing::StartsWith("A|Tazza|Listino 0|"));
   type("20");
   EXPECT_THAT(shown(), testing::StartsWith("A|Tazza|Listino 0|5,00|6,00\n")) << "the order stays while typing";
+}
+
+TEST_F(ThePricesDialog, APriceBeyondTheRangeIsNamedAndComesAfterAllOthers) {
+  ASSERT_TRUE(session.catalogue.execute("UPDATE articoli SET prezzo = 9000000000000000000 WHERE ID = 1"));
+  openOn("###");
+  tick("chkListino0");
+  type("10");
+  EXPECT_THAT(fromQt(control<QLabel>(*dialog, "lblAnteprima")->text()),
+              testing::EndsWith("; oltre il massimo consentito: 1 (Vaso, Listino 0)"));
+  preview->sortByColumn(4, Qt::AscendingOrder);
+  EXPECT_EQ(shown(),
+            "C|Piatto|Listino 0|-|0,00\nA|Tazza|Listino 0|5,00|5,50\n"
+            "B|Vaso|Listino 0|900.000.000.000.000,00|oltre il massimo\n");
 }
 
 TEST_F(ThePricesDialog, OkWritesWhatThePreviewShows) {

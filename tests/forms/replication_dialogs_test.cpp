@@ -52,6 +52,7 @@ TEST_F(TheReplicationDialogs, OfferAllLanguagesButTheSourceAndKeepTheDestination
   source->setCurrentIndex(2);
   EXPECT_EQ(fromQt(destination->currentText()), "Lingua 1 (italiano)");
   EXPECT_EQ(test::namelessControls(dialog), "");
+  EXPECT_EQ(test::repeatedKeys(dialog), "");
   EXPECT_EQ(test::defaultButton(dialog), "OK");
   EXPECT_EQ(fromQt(dialog.windowTitle()), "Korvane - Replica lingue");
   EXPECT_EQ(test::missingCaptions(dialog, {"Impostazioni generali del negozio e del sito", "Reparti", "Articoli",
@@ -102,6 +103,7 @@ TEST_F(TheReplicationDialogs, CopyAPriceListWithItsPercentage) {
   frmReplicaListini dialog(session, env, ',', {});
   show(dialog);
   EXPECT_EQ(test::namelessControls(dialog), "");
+  EXPECT_EQ(test::repeatedKeys(dialog), "");
   EXPECT_EQ(fromQt(dialog.windowTitle()), "Korvane - Replica listini");
   EXPECT_EQ(test::missingCaptions(dialog,
                                   {"Replica gli sconti dei reparti", "Replica le restrizioni (reparti inaccessibili)"}),

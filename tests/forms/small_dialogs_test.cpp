@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
@@ -29,6 +30,7 @@ class TheSmallDialogs : public test::DialogFixture {
   static void expectReadable(FormDialog& dialog, const char* title) {
     EXPECT_EQ(fromQt(dialog.windowTitle()), title);
     EXPECT_EQ(test::namelessControls(dialog), "");
+    EXPECT_EQ(test::repeatedKeys(dialog), "");
     EXPECT_EQ(test::defaultButton(dialog), "OK");
     test::keepPicture(dialog, title);
   }
@@ -159,6 +161,10 @@ TEST_F(TheSmallDialogs, MailTakesTagsAtTheCursorAndNoQuotes) {
   QApplication::clipboard()->setText(QStringLiteral("\"x\"|y\nz"));
   field->paste();
   EXPECT_EQ(dialog.text(), "Gentile <<codice>>abxy\nzcliente");
+  QInputMethodEvent composed;
+  composed.setCommitString(QStringLiteral("\"è|[é]"));
+  QApplication::sendEvent(field, &composed);
+  EXPECT_EQ(dialog.text(), "Gentile <<codice>>abxy\nzèécliente");
   click(dialog, "cmdOK");
   EXPECT_EQ(dialog.tag(), "OK");
 }

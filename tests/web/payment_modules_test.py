@@ -226,6 +226,12 @@ class Forms_(Case):
         self.assertIn("/messaggio.php", shopper.ask("bankpass.php").address)
         self.assertIn("/messaggio.php", self.shop.visitor().send(form, page).address)
 
+    def test_the_eleventh_start_of_one_payment_waits(self):
+        shopper, page, code = self.order(0, 1)
+        answers = [shopper.send(payment_form(page), page) for _ in range(11)]
+        self.assertEqual(["/messaggio.php" in answer.address for answer in answers], [False] * 10 + [True])
+        self.assertEqual(self.state(code), ("nuovo", ""))
+
     def test_a_merchants_code_is_never_taken_from_the_browser(self):
         shopper, page, code = self.order(3, 1)
         page = shopper.send(payment_form(page), page, negozio="altro", terminale="99", valuta="1", conto="x")

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commerce/gateways/gateway_table.h"
+#include "store/catalogue/file_edits.h"
 #include "store/shop/session.h"
 
 namespace kv {
@@ -61,8 +62,8 @@ class GatewayAccount {
 
   /// OK: writes conf.ini, the descriptor and the scripts, readable by their owner alone, and the column of an offline
   /// method. A missing or unreadable conf.ini or template is no failure: it and what comes after it is not written.
-  /// After a failure files and column are as before.
-  Result<> save(Session& session) const;
+  /// After a failure files and column are as before. Returns the files that have changed, for the history.
+  Result<FileEdits> save(Session& session) const;
   /// Whether descriptor and scripts are what OK would write. False after the templates of a complete module were
   /// renewed: they fill nothing by themselves.
   bool isUpToDate(const std::string& shopFolder) const;

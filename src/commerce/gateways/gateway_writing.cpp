@@ -7,16 +7,10 @@
 #include "commerce/gateways/template_filling.h"
 #include "commerce/shipping/single_row.h"
 #include "platform/files/files.h"
-#include "platform/files/private_file.h"
 #include "platform/text/text.h"
 
 namespace kv {
 namespace {
-
-/// Writes a text so that its owner alone can read it.
-Result<> writeAccountFile(const std::string& path, std::string_view text) {
-  return writePrivateBytes(path, toWindows1252(text));
-}
 
 /// Adds a file that a template is made into; false when the template can't be read.
 bool addFilled(std::vector<FilledFile>& files, const std::string& from, const std::string& to,
@@ -25,45 +19,21 @@ bool addFilled(std::vector<FilledFile>& files, const std::string& from, const st
   const auto text = entry ? readText(*entry) : Result<std::string>(fail(ErrorKind::Missing, from, "no template"));
   if (!text) return false;
   const auto target = findEntry(std::string(folderOf(to)), baseName(to)).value_or(to);
-  files.push_back({target, fillTemplate(*text, values)});
+  files.push_back({target, ElaboraPG(*text, values)});
   return true;
 }
 
-/// The texts of files as they are; none for a file that isn't there.
-using FormerTexts = std::vector<std::optional<std::string>>;
-
-/// Gives the first `count` files their former texts again.
-void restoreFiles(const std::vector<FilledFile>& files, const FormerTexts& former, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (former[i]) {
-      ignore(writeAccountFile(files[i].path, *former[i]), "the first failure is the one to tell");
-    } else {
-      ignore(deleteFile(files[i].path), "the first failure is the one to tell");
-    }
-  }
-}
-
-Result<FormerTexts> readFormer(const std::vector<FilledFile>& files) {
-  FormerTexts former;
+/// What writing the files changes.
+Result<FileEdits> editsOf(const std::vector<FilledFile>& files) {
+  FileEdits edits;
   for (const FilledFile& file : files) {
-    former.emplace_back();
+    edits.push_back({file.path, std::nullopt, toWindows1252(file.text)});
     if (!fileExists(file.path)) continue;
-    auto text = readText(file.path);
-    if (!text) return fail(text.error());
-    former.back() = std::move(*text);
+    auto bytes = readBytes(file.path);
+    if (!bytes) return fail(bytes.error());
+    edits.back().before = std::move(*bytes);
   }
-  return former;
-}
-
-/// All of the files or none.
-Result<> writeFiles(const std::vector<FilledFile>& files, const FormerTexts& former) {
-  for (std::size_t i = 0; i < files.size(); ++i) {
-    if (auto written = writeAccountFile(files[i].path, files[i].text); !written) {
-      restoreFiles(files, former, i);
-      return written;
-    }
-  }
-  return {};
+  return edits;
 }
 
 }  // namespace
@@ -102,20 +72,25 @@ bool GatewayAccount::fill(const std::string& code, const std::string& folder, st
   return true;
 }
 
-Result<> GatewayAccount::save(Session& session) const {
+Result<FileEdits> GatewayAccount::save(Session& session) const {
   const std::string code = joinPath(session.ShopFolder, "code");
   const auto folder = findEntry(code, module_->folder);
   const auto conf = folder && found_ ? findEntry(*folder, "conf.ini") : std::nullopt;
-  if (!conf) return {};
+  if (!conf) return FileEdits();
   std::vector<FilledFile> files{{*conf, confText()}};
   const bool complete = fill(code, *folder, files);
-  const auto former = readFormer(files);
-  if (!former) return fail(former.error());
-  if (auto written = writeFiles(files, *former); !written) return written;
-  if (module_->column.empty() || !complete) return {};
-  auto kept = storeSingle(session.catalogue, "generale", module_->column, Value(value("info")));
-  if (!kept) restoreFiles(files, *former, files.size());
-  return kept;
+  auto edits = editsOf(files);
+  if (!edits) return edits;
+  if (auto written = writeFileEdits(*edits, false); !written) return fail(written.error());
+  if (!module_->column.empty() && complete) {
+    if (auto kept = storeSingle(session.catalogue, "generale", module_->column, Value(value("info"))); !kept) {
+      ignore(writeFileEdits(*edits, true), "the first failure is the one to tell");
+      return fail(kept.error());
+    }
+  }
+  FileEdits changed;
+  addFileEdits(changed, std::move(*edits));
+  return changed;
 }
 
 bool GatewayAccount::isUpToDate(const std::string& shopFolder) const {

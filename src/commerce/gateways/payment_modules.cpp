@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/files/files.h"
+#include "platform/files/private_file.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::string_view codeFolder = "code";
 constexpr std::string_view descriptorExtension = ".kpg";
+constexpr std::string_view settingsFile = "conf.ini";
 constexpr std::string_view scriptExtension = ".php";
 
 bool isEmptyName(std::string_view name) { return trim(name).empty(); }
@@ -28,6 +30,17 @@ Result<> placeWhole(const std::string& from, const std::string& to) {
   const std::string unfinished = joinPath(folderOf(to), "." + std::string(baseName(to)) + ".kvtmp");
   if (auto copied = copyTree(from, unfinished); !copied) return copied;
   return renameFile(unfinished, to);
+}
+
+/// Takes a module's files with account data from all users but their owner: those of an older shop are open to
+/// everyone.
+void closeToOthers(const std::string& descriptor, const std::string& folder, const std::vector<std::string>& names) {
+  constexpr std::string_view why = "a module on a medium that can't be changed works all the same";
+  ignore(restrictToOwner(descriptor), why);
+  for (const std::string& name : names) {
+    if (!equalsIgnoringCase(name, settingsFile) && !name.ends_with(scriptExtension)) continue;
+    ignore(restrictToOwner(joinPath(folder, name)), why);
+  }
 }
 
 bool isPlainName(std::string_view name) { return name.find_first_of("/\\") == std::string_view::npos; }
@@ -88,10 +101,14 @@ void CompletaGateway(const std::string& shopFolder, const std::string& applicati
   const std::string code = joinPath(shopFolder, codeFolder);
   for (const std::string_view name : paymentModules) {
     const auto present = codeEntry(shopFolder, name);
-    if (present && !listFiles(*present, "*.*").empty()) continue;
+    const auto files = present ? listFiles(*present, "*.*") : std::vector<std::string>();
+    const std::string descriptor = std::string(name).append(descriptorExtension);
+    if (!files.empty()) {
+      closeToOthers(joinPath(code, descriptor), *present, files);
+      continue;
+    }
     const std::string from = joinPath(shipped, name);
     if (!folderExists(from)) continue;
-    const std::string descriptor = std::string(name).append(descriptorExtension);
     if (!createFolders(code)) continue;
     // The descriptor first and the folder whole at the end: a module whose folder is there is complete, whenever an
     // earlier run was cut off. A descriptor that isn't shipped is no reason to leave the module out.

@@ -50,8 +50,9 @@ struct ModuleScript {
 std::vector<ModuleScript> moduleScripts(const std::string& shopFolder, std::string_view name);
 
 /// CompletaGateway (complete the gateways): gives a shop each of the modules whose folder is missing or shows no file,
-/// folder and descriptor, from `new/code` of the application. A module that has any file is left unchanged, and so
-/// is the shop where nothing is shipped for a module. A failure with one module doesn't keep the others from coming.
+/// folder and descriptor, from `new/code` of the application. A module that has any file is left unchanged, but
+/// other users may no longer read its account data; and so is the shop where nothing is shipped for a module. A failure
+/// with one module doesn't keep the others from coming.
 void CompletaGateway(const std::string& shopFolder, const std::string& applicationFolder);
 
 }  // namespace kv

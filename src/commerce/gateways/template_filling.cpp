@@ -32,7 +32,7 @@ std::size_t occurrences(std::string_view text, std::string_view word) {
 
 }  // namespace
 
-std::string fillTemplate(std::string_view text, std::span<const Placeholder> values) {
+std::string ElaboraPG(std::string_view text, std::span<const Placeholder> values) {
   std::string source(text);
   for (const std::string& word : endWords(text)) {
     // Values can make up the word together, so it is the filled text that is looked at.

@@ -51,7 +51,7 @@ QString PricePreviewModel::text(const SurveyedPrice& price, int column) const {
     case Before:
       return toQt(shownPrice(price.before, separator_));
     default:
-      return toQt(shownPrice(Trasforma(price.before, rule_), separator_));
+      return toQt(newPrice(price.before, rule_, separator_));
   }
 }
 
@@ -84,8 +84,15 @@ bool PricePreviewModel::isBefore(std::uint32_t a, std::uint32_t b) const {
     case Before:
       return compareMoney(first.before.value_or(Money()), second.before.value_or(Money())) < 0;
     default:
-      return compareMoney(Trasforma(first.before, rule_), Trasforma(second.before, rule_)) < 0;
+      return isCheaper(first, second);
   }
+}
+
+bool PricePreviewModel::isCheaper(const SurveyedPrice& a, const SurveyedPrice& b) const {
+  const bool isBeyond = isBeyondMoney(a.before, rule_);
+  // What has no new price, for it would be too high, comes after all that have one.
+  if (isBeyond || isBeyondMoney(b.before, rule_)) return !isBeyond;
+  return compareMoney(Trasforma(a.before, rule_), Trasforma(b.before, rule_)) < 0;
 }
 
 void PricePreviewModel::sortRows() {

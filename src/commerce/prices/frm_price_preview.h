@@ -30,6 +30,7 @@ class PricePreviewModel final : public QAbstractTableModel {
   void sortRows();
   QString text(const SurveyedPrice& price, int column) const;
   bool isBefore(std::uint32_t a, std::uint32_t b) const;
+  bool isCheaper(const SurveyedPrice& a, const SurveyedPrice& b) const;
 
   PriceSurvey survey_;
   PriceRule rule_;

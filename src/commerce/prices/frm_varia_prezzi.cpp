@@ -133,7 +133,9 @@ void frmVariaPrezzi::previewAgain() {
   const PriceRule rule = ruleOfPercentage(*percentage, chkTondi_->isChecked());
   const PricePreview preview = previewPrices(model_->survey(), rule);
   model_->show(preview, rule);
-  lblAnteprima_->setText(toQt(previewSummary(model_->survey(), preview, rule)));
+  const std::string empty = model_->survey().prices.empty() ? emptyPreview(change().selection) : "";
+  const std::string summary = previewSummary(model_->survey(), preview, rule, facts_.decimalSeparator);
+  lblAnteprima_->setText(toQt(empty.empty() ? summary : empty));
 }
 
 void frmVariaPrezzi::run() {

@@ -11,6 +11,7 @@ constexpr std::string_view otherLists =
 constexpr std::string_view otherDepartments =
     "- alcune varianti del reparto selezionato sono presenti anche in altri reparti";
 constexpr std::size_t mostNames = 10;
+constexpr std::size_t namesInSummary = 3;
 
 std::string columnOf(const SurveyedPrice& price) {
   if (price.kind == PriceKind::Option) return "prezzo";
@@ -66,6 +67,17 @@ Result<> writePrices(Database& catalogue, const PriceSurvey& survey, const Price
   return {};
 }
 
+/// "Vaso, Listino 3" for each.
+std::vector<std::string> titlesOf(const PriceSurvey& survey, const std::vector<std::uint32_t>& indexes) {
+  std::vector<std::string> names;
+  for (const std::uint32_t index : indexes) {
+    const SurveyedPrice& price = survey.prices[index];
+    names.push_back(survey.owners[price.owner].title + ", " + priceName(price));
+  }
+  return names;
+}
+
+/// "Vaso (Listino 3): 12,00" for each.
 std::vector<std::string> namesOf(const PriceSurvey& survey, const std::vector<std::uint32_t>& indexes) {
   std::vector<std::string> names;
   for (const std::uint32_t index : indexes) {
@@ -165,17 +177,36 @@ std::string shownPrice(std::optional<Money> price, char decimalSeparator) {
   return replaceAll(replaceAll(replaceAll(text, ",", "\1"), ".", ","), "\1", ".");
 }
 
-std::string previewSummary(const PriceSurvey& survey, const PricePreview& preview, const PriceRule& rule) {
+std::string newPrice(std::optional<Money> price, const PriceRule& rule, char decimalSeparator) {
+  if (isBeyondMoney(price, rule)) return "oltre il massimo";
+  return shownPrice(Trasforma(price, rule), decimalSeparator);
+}
+
+std::string emptyPreview(const PriceSelection& selection) {
+  if (selection.lists == PriceLists{}) return "Nessun listino è selezionato.";
+  if (selection.department.empty()) return {};
+  return "Il reparto non ha articoli propri; quelli dei sottoreparti non sono compresi.";
+}
+
+std::string beyondSummary(const std::vector<std::string>& names) {
+  if (names.empty()) return {};
+  std::string text = "; oltre il massimo consentito: " + std::to_string(names.size()) + " (";
+  for (std::size_t i = 0; i < names.size() && i < namesInSummary; ++i) text += (i == 0 ? "" : ", ") + names[i];
+  return text + (names.size() > namesInSummary ? ", ...)" : ")");
+}
+
+std::string previewSummary(const PriceSurvey& survey, const PricePreview& preview, const PriceRule& rule,
+                           char decimalSeparator) {
   std::string text =
       "Prezzi da modificare: " + std::to_string(preview.changed.size()) + " di " + std::to_string(survey.prices.size());
   if (preview.largest) {
     const SurveyedPrice& price = survey.prices[*preview.largest];
-    text += "; variazione maggiore: " + shownPrice(price.before) + " -> " + shownPrice(Trasforma(price.before, rule)) +
-            " (" + survey.owners[price.owner].title + ", " + priceName(price) + ")";
+    text += "; variazione maggiore: " + shownPrice(price.before, decimalSeparator) + " -> " +
+            newPrice(price.before, rule, decimalSeparator) + " (" + survey.owners[price.owner].title + ", " +
+            priceName(price) + ")";
   }
   if (preview.zeros > 0) text += "; diventano 0: " + std::to_string(preview.zeros);
-  if (!preview.beyond.empty()) text += "; oltre il massimo consentito: " + std::to_string(preview.beyond.size());
-  return text;
+  return text + beyondSummary(titlesOf(survey, preview.beyond));
 }
 
 }  // namespace kv

@@ -50,11 +50,20 @@ void tellBeyond(UserPort& user, const std::vector<std::string>& names);
 
 // Texts of the preview.
 
-/// "Prezzi da modificare: 12", with the largest change and what becomes 0.
-std::string previewSummary(const PriceSurvey& survey, const PricePreview& preview, const PriceRule& rule);
+/// "Prezzi da modificare: 12", with the largest change, what becomes 0 and, by name, what would leave the range of
+/// Money.
+std::string previewSummary(const PriceSurvey& survey, const PricePreview& preview, const PriceRule& rule,
+                           char decimalSeparator = ',');
+/// Why a survey has no price: no list is ticked, or the department has sub-departments alone. Empty for all
+/// departments.
+std::string emptyPreview(const PriceSelection& selection);
+/// "; oltre il massimo consentito: 2 (Vaso, Tazza)", with the first three names; empty without any.
+std::string beyondSummary(const std::vector<std::string>& names);
 /// What a price is called: "Listino 3", "Offerta 3", "Variante".
 std::string priceName(const SurveyedPrice& price);
 /// An amount with at least two decimals, "1.234,50" by the comma; a field without value is "-".
 std::string shownPrice(std::optional<Money> price, char decimalSeparator = ',');
+/// The same of what a rule makes of a price; "oltre il massimo" where that is out of the range of Money.
+std::string newPrice(std::optional<Money> price, const PriceRule& rule, char decimalSeparator = ',');
 
 }  // namespace kv

@@ -160,12 +160,17 @@ PricePreview previewPrices(const PriceSurvey& survey, const PriceRule& rule) {
   std::int64_t largest = 0;
   for (std::uint32_t i = 0; i < survey.prices.size(); ++i) {
     const SurveyedPrice& price = survey.prices[i];
+    if (isBeyondMoney(price.before, rule)) {
+      // It has no new price, so it is neither one that becomes 0 nor the one that changes most.
+      preview.beyond.push_back(i);
+      preview.changed.push_back(i);
+      continue;
+    }
     const Money after = Trasforma(price.before, rule);
-    if (isBeyondMoney(price.before, rule)) preview.beyond.push_back(i);
     if (price.before == after) continue;
     preview.changed.push_back(i);
     const std::int64_t change = sizeOfChange(price, after);
-    if (after == Money() && change != 0) ++preview.zeros;
+    if (after == Money()) ++preview.zeros;
     if (change > largest) {
       largest = change;
       preview.largest = i;

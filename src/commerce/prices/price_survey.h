@@ -65,8 +65,8 @@ Result<VariantUse> surveyVariants(Database& catalogue, const PriceSelection& sel
 /// What a rule would make of a survey.
 struct PricePreview {
   std::vector<std::uint32_t> changed;    ///< indexes of the prices that get another value, in their order
-  std::vector<std::uint32_t> beyond;     ///< those whose product is out of the range of Money
-  std::size_t zeros = 0;                 ///< prices other than 0 that become 0
+  std::vector<std::uint32_t> beyond;     ///< those of them whose product is out of the range of Money
+  std::size_t zeros = 0;                 ///< prices that become 0, missing ones included
   std::optional<std::uint32_t> largest;  ///< the one that changes most
 };
 PricePreview previewPrices(const PriceSurvey& survey, const PriceRule& rule);

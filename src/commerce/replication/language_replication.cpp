@@ -80,26 +80,44 @@ std::string anyDiffers(const std::vector<CopiedColumn>& columns) {
   return condition;
 }
 
+/// The rowid at which a range of rowsAtOnce rows that starts at ?1 ends, `last` where fewer are left.
+Result<std::int64_t> endOfRange(Statement& ends, std::int64_t from, std::int64_t last) {
+  ends.bind(1, from);
+  ends.bind(2, rowsAtOnce - 1);
+  const auto found = ends.step();
+  if (!found) return fail(found.error());
+  const std::int64_t end = *found ? ends.integer(0) : last;
+  ends.reset();
+  return end;
+}
+
 Result<> replicateRows(Database& catalogue, const ReplicatedTable& table, const std::string& update, UserPort& user) {
-  const std::string range = "SELECT min(rowid), max(rowid) FROM " + std::string(table.name);
-  auto bounds = catalogue.prepare(range);
+  const std::string name(table.name);
+  auto bounds = catalogue.prepare("SELECT min(rowid), max(rowid), count(*) FROM " + name);
   if (!bounds) return fail(bounds.error());
   const auto found = bounds->step();
   if (!found) return fail(found.error());
   if (!*found || bounds->isNull(0)) return {};
-  const std::int64_t first = bounds->integer(0);
+  std::int64_t from = bounds->integer(0);
   const std::int64_t last = bounds->integer(1);
+  const auto total = static_cast<double>(bounds->integer(2));
   bounds->reset();
+  // The ends come from the rows: IDs may be far apart.
+  auto ends = catalogue.prepare("SELECT rowid FROM " + name + " WHERE rowid >= ?1 ORDER BY rowid LIMIT 1 OFFSET ?2");
+  if (!ends) return fail(ends.error());
   auto writer = catalogue.prepare(update);
   if (!writer) return fail(writer.error());
-  for (std::int64_t from = first; from <= last; from += rowsAtOnce) {
+  for (double written = 0;; written += rowsAtOnce) {
+    const auto end = endOfRange(*ends, from, last);
+    if (!end) return fail(end.error());
     writer->bind(1, from);
-    writer->bind(2, std::min(last, from + rowsAtOnce - 1));
+    writer->bind(2, *end);
     if (auto done = writer->execute(); !done) return done;
-    user.progress({table.caption, static_cast<double>(from - first), static_cast<double>(last - first + 1)});
+    user.progress({table.caption, written, total});
     ignore(user.yield(), "the window repaints; the run has no cancel");
+    if (*end >= last) return {};
+    from = *end + 1;
   }
-  return {};
 }
 
 Result<> replicateAll(Database& catalogue, const LanguageReplication& replication, UserPort& user) {
@@ -130,7 +148,7 @@ std::vector<int> destinationsOf(const Session& session, int source) {
 
 std::string ReplicationCount::text(bool written) const {
   return (written ? "Campi scritti: " : "Campi da scrivere: ") + std::to_string(fields) + ", in " +
-         std::to_string(rows) + (rows == 1 ? " riga" : " righe");
+         std::to_string(rows) + (rows == 1 ? " riga" : " righe") + beyondSummary(beyond);
 }
 
 Result<ReplicationCount> countReplication(Database& catalogue, const LanguageReplication& replication) {

@@ -37,7 +37,8 @@ std::vector<int> destinationsOf(const Session& session, int source);
 struct ReplicationCount {
   std::size_t fields = 0;
   std::size_t rows = 0;
-  /// "Campi da scrivere: 12, in 4 righe"; `written`: "Campi scritti: ...".
+  std::vector<std::string> beyond;  ///< titles of articles with a price out of range, for which the run is refused
+  /// "Campi da scrivere: 12, in 4 righe", and whose price is out of range; `written`: "Campi scritti: ...".
   std::string text(bool written = false) const;
 };
 /// Counts what a replication would write. Failures: as the store's.

@@ -227,6 +227,7 @@ Result<ReplicationCount> countReplication(Database& catalogue, const ListReplica
   if (!count) return count;
   count->fields += plan->fields;
   count->rows += plan->articles.size();
+  count->beyond = plan->beyond;
   return count;
 }
 
