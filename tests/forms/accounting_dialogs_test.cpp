@@ -158,6 +158,18 @@ TEST_F(TheAccountingDialogs, AVariantWithoutCompaniesShowsItsPreviewAlone) {
 
 class TheAccountingImportInTheWindow : public test::WiredWindow {
  protected:
+  /// The window of a shop whose accounting package has one article.
+  void openWithData() {
+    const std::string source = root / "orsa.db";
+    auto made = Database::create(source);
+    ASSERT_TRUE(made && made->execute("CREATE TABLE Categoria (Id INTEGER, Nome TEXT);"
+                                      "INSERT INTO Categoria VALUES (7, 'Vasi');"
+                                      "CREATE TABLE Articoli (Id INTEGER, IdCategoria INTEGER, Codice TEXT,"
+                                      " Descrizione TEXT, iva DOUBLE, Vendita1 DOUBLE);"
+                                      "INSERT INTO Articoli VALUES (1, 7, 'A1', 'Vaso', 22, 3.5)"));
+    ASSERT_TRUE(storeAccountingPath(settings, accountingVariants()[0], source));
+    openWindow();
+  }
   /// Presses Enter in this many dialogs, one after the other.
   void acceptNext(int dialogs) {
     if (dialogs == 0) return;
@@ -169,24 +181,72 @@ class TheAccountingImportInTheWindow : public test::WiredWindow {
 };
 
 TEST_F(TheAccountingImportInTheWindow, GoesThroughThreeDialogsAndIsOneStepOfUndo) {
-  const std::string source = root / "orsa.db";
-  auto made = Database::create(source);
-  ASSERT_TRUE(made && made->execute("CREATE TABLE Categoria (Id INTEGER, Nome TEXT);"
-                                    "INSERT INTO Categoria VALUES (7, 'Vasi');"
-                                    "CREATE TABLE Articoli (Id INTEGER, IdCategoria INTEGER, Codice TEXT,"
-                                    " Descrizione TEXT, iva DOUBLE, Vendita1 DOUBLE);"
-                                    "INSERT INTO Articoli VALUES (1, 7, 'A1', 'Vaso', 22, 3.5)"));
-  ASSERT_TRUE(storeAccountingPath(settings, accountingVariants()[0], source));
   ASSERT_TRUE(saveAccountingLine(shop, accountingVariants()[0], "0100100"));
-  openWindow();
+  openWithData();
+  const auto counted = [this] { return window->workbench().sets().statusLine(); };
+  const std::string before = counted();
   acceptNext(3);
   ASSERT_TRUE(choose("import.accounting"));
   EXPECT_EQ(user.texts(), (std::vector<std::string>{"Importazione completata"}));
   EXPECT_EQ(stored("COUNT(*)", "articoli WHERE codice = 'A1'"), "1");
   EXPECT_EQ(stored("COUNT(*)", "categorie WHERE ID = 'dgf7'"), "1");
+  EXPECT_TRUE(counted().ends_with("/" + stored("COUNT(*)", "articoli"))) << counted();
+  EXPECT_NE(counted(), before);
   ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(counted(), before);
   EXPECT_EQ(stored("COUNT(*)", "articoli WHERE codice = 'A1'"), "0");
   EXPECT_EQ(stored("COUNT(*)", "categorie WHERE ID = 'dgf7'"), "0");
+}
+
+TEST_F(TheAccountingImportInTheWindow, EscapeFromItsPreviewChangesNothing) {
+  openWithData();
+  const QString title = QStringLiteral("Korvane - Importa da Orsa Gestionale");
+  const std::string before =
+      stored("group_concat(ID || codice || titolo)", "articoli") + stored("group_concat(ID)", "categorie");
+  bool isPreview = false;
+  whenShown(title, [&](QWidget& choice) {
+    whenShown(title, [&](QWidget& options) {
+      whenShown(title, [&](QWidget& preview) {
+        isPreview = preview.findChild<QPlainTextEdit*>(QStringLiteral("txtAnteprima")) != nullptr;
+        QTest::keyClick(&preview, Qt::Key_Escape);
+      });
+      control<QComboBox>(options, "cboListino")->setCurrentIndex(0);
+      QTest::keyClick(&options, Qt::Key_Return);
+    });
+    QTest::keyClick(&choice, Qt::Key_Return);
+  });
+  ignore(choose("import.accounting"), "nothing was imported");
+  EXPECT_TRUE(isPreview);
+  EXPECT_EQ(stored("group_concat(ID || codice || titolo)", "articoli") + stored("group_concat(ID)", "categorie"),
+            before);
+  EXPECT_FALSE(fileExists(shop + "/og.ini"));
+  EXPECT_FALSE(window->workbench().history().canUndo());
+  EXPECT_TRUE(user.shown.empty());
+}
+
+TEST_F(TheAccountingImportInTheWindow, IsOffUntilTheDataAreFoundOnThisMachine) {
+  openWindow();
+  const QAction* import = window->menus().action("import.accounting");
+  const QAction* search = window->menus().action("import.accountingData");
+  EXPECT_FALSE(import->isEnabled());
+  EXPECT_TRUE(search->isVisible());
+  const QString title = QStringLiteral("Korvane - Importa da Orsa Gestionale");
+  whenShown(title, [&](QWidget& dialog) {
+    whenShown(title, [](QWidget& options) { QTest::keyClick(&options, Qt::Key_Escape); });
+    user.folders = {shop};
+    click(dialog, "cmdCartella");
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  });
+  ASSERT_TRUE(choose("import.accountingData"));
+  EXPECT_EQ(accountingPath(settings, accountingVariants()[0]), shop);
+  EXPECT_TRUE(import->isEnabled());
+  EXPECT_FALSE(search->isVisible());
+}
+
+TEST_F(TheAccountingImportInTheWindow, IsOnForTheProgramAloneToo) {
+  ASSERT_TRUE(settings.set("OGMA2002/AppPath", "AppPath", "C:\\Orsa"));
+  openWindow();
+  EXPECT_TRUE(window->menus().action("import.accounting")->isEnabled());
 }
 
 }  // namespace

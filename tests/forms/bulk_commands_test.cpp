@@ -10,6 +10,7 @@
 #include <QToolButton>
 
 #include "shell/window/frm_page.h"
+#include "support/failing_store.h"
 #include "wired_window.h"
 
 namespace kv {
@@ -44,6 +45,27 @@ class BulkCommands : public test::WiredWindow {
     EXPECT_EQ(everything(), after) << command;
     EXPECT_TRUE(choose("undo"));
   }
+  /// Runs a command whose second row fails: what it has done is one step, and its undo leaves nothing of it.
+  void expectInterruptedStep(const char* command, const char* title, const char* step,
+                             const std::function<void(QWidget&)>& fill) {
+    goTab(Tab::Departments);
+    const std::string before = everything();
+    user.shown.clear();
+    whenShown(QString::fromUtf8(title), [&fill](QWidget& dialog) {
+      fill(dialog);
+      test::FailingStore failing(3);
+      failing.onlyFor("UPDATE articoli");
+      click(dialog, "cmdOK");
+      EXPECT_TRUE(failing.hasFailed());
+    });
+    EXPECT_TRUE(choose(command)) << command;
+    ASSERT_EQ(user.shown.size(), 1U) << command;
+    EXPECT_EQ(user.shown[0].icon, Icon::Critical) << command;
+    EXPECT_NE(everything(), before) << command;
+    EXPECT_EQ(window->workbench().history().undoName(), step);
+    EXPECT_TRUE(choose("undo"));
+    EXPECT_EQ(everything(), before) << command;
+  }
 };
 
 TEST_F(BulkCommands, AreEachOneStepOfTheHistory) {
@@ -68,6 +90,19 @@ TEST_F(BulkCommands, AreEachOneStepOfTheHistory) {
   });
 }
 
+TEST_F(BulkCommands, InterruptedByAFailureAreUndoneAsOneStep) {
+  openWindow();
+  expectInterruptedStep("prices.change", "Korvane - Variazione prezzi", "Modifica prezzi", [](QWidget& dialog) {
+    control<QCheckBox>(dialog, "chkListino0")->setChecked(true);
+    control<QRadioButton>(dialog, "optEstensione1")->setChecked(true);
+    control<QComboBox>(dialog, "cboVariazione")->setEditText(QStringLiteral("+10"));
+  });
+  expectInterruptedStep("prices.replicate", "Korvane - Replica listini", "Replica listino", [](QWidget& dialog) {
+    control<QCheckBox>(dialog, "chkListino3")->setChecked(true);
+    control<QComboBox>(dialog, "cboVariazione")->setEditText(QStringLiteral("-5"));
+  });
+}
+
 TEST_F(BulkCommands, OfLanguagesFillTheOneBeingEdited) {
   openWindow();
   ASSERT_GT(session.languageCount, 1);
@@ -80,6 +115,41 @@ TEST_F(BulkCommands, OfLanguagesFillTheOneBeingEdited) {
                   // The question of the replication is asked through the test's user.
                   click(dialog, "cmdOK");
                 });
+}
+
+TEST_F(BulkCommands, OfAPaymentSystemTakeItsFilesBackAndForward) {
+  openWindow();
+  goTab(Tab::Site);
+  const auto state = [this] {
+    std::string text = stored("ifnull(contrassegno, '')");
+    for (const char* name :
+         {"Omnipay/conf.ini", "Omnipay.kpg", "Omnipay/omniend.php", "Contrassegno/conf.ini", "Contrassegno.kpg"}) {
+      text += readBytes(shop + "/code/" + name).value_or("(missing)");
+    }
+    return text;
+  };
+  const std::string before = state();
+  whenShown(QStringLiteral("Korvane - Configurazione sistemi di pagamento"), [this](QWidget& dialog) {
+    whenShown(QStringLiteral("Korvane - Omnipay"), [](QWidget& account) {
+      control<QLineEdit>(account, "txt_sto")->setText(QStringLiteral("4711"));
+      click(account, "cmdOK");
+    });
+    click(dialog, "cmdConfigura8");
+    whenShown(QStringLiteral("Korvane - Contrassegno"), [](QWidget& account) {
+      control<QPlainTextEdit>(account, "txt_info")->setPlainText(QStringLiteral("Si paga al corriere"));
+      click(account, "cmdOK");
+    });
+    click(dialog, "cmdConfigura4");
+    click(dialog, "cmdChiudi");
+  });
+  EXPECT_TRUE(choose("payment"));
+  const std::string after = state();
+  EXPECT_THAT(after, testing::AllOf(testing::HasSubstr("sto=4711"), testing::HasSubstr("info=Si paga al corriere")));
+  EXPECT_EQ(window->workbench().history().undoName(), "Sistemi di pagamento");
+  EXPECT_TRUE(choose("undo"));
+  EXPECT_EQ(state(), before);
+  EXPECT_TRUE(choose("redo"));
+  EXPECT_EQ(state(), after);
 }
 
 TEST_F(BulkCommands, OfTheMailGoThroughTheFieldOfTheWindow) {

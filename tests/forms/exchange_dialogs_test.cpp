@@ -45,10 +45,11 @@ TEST_F(TheExportDialog, ReturnsTheCharactersOfWhatIsChosen) {
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optTuttiTag")->isChecked()) << "the first one is chosen";
   EXPECT_EQ(
       test::missingCaptions(
-          *dialog, {"Esporta il template utilizzato dal negozio", "Esporta i moduli linguistici utilizzati dal negozio",
-                    "Esporta gli script:", "(selezionare questa opzione se gli script sono stati personalizzati)",
-                    "Resetta le cartelle di lavoro del negozio esportato", "Esporta tutti i tag personalizzati",
-                    "Esporta solo i tag personalizzati relativi al negozio corrente"}),
+          *dialog,
+          {"Esporta il template utilizzato dal negozio", "Esporta i moduli linguistici utilizzati dal negozio",
+           "Esporta gli script:", "(selezionare questa opzione se gli script sono stati personalizzati)",
+           "Resetta le cartelle di lavoro del negozio esportato", "Esporta tutti i tag personalizzati",
+           "Esporta solo i tag personalizzati relativi al negozio corrente", std::string(exportPasswordsNote).c_str()}),
       "");
   test::keepPicture(*dialog, "esporta");
   for (const char* name : {"chkTemplate", "chkLingue", "chkScript", "chkReset"}) {
@@ -121,6 +122,15 @@ TEST_F(TheImportDialog, OkIsEnabledWithAPathAndReturnsIt) {
   test::keepPicture(*dialog, "importa_primo");
   QTest::mouseClick(ok, Qt::LeftButton);
   EXPECT_EQ(dialog->tag(), source);
+}
+
+TEST_F(TheImportDialog, LeavingThePathUnchangedReadsTheSourceNoSecondTime) {
+  user.folders = {source};
+  click(*dialog, "cmdSfoglia");
+  control<QPlainTextEdit>(*dialog, "txtAnteprima")->setPlainText(QStringLiteral("letta"));
+  control<QLineEdit>(*dialog, "txtPercorso")->setFocus();
+  QTest::keyClick(control<QLineEdit>(*dialog, "txtPercorso"), Qt::Key_Tab);
+  EXPECT_EQ(preview(), "letta");
 }
 
 TEST_F(TheImportDialog, AFolderWithoutCatalogueIsToldAndNotTaken) {

@@ -104,6 +104,14 @@ TEST_F(AccountingRows, TwoRowsOfOneCodeAreOneArticle) {
   EXPECT_EQ(rows(fieldsOfArticle), "dgf7|A|Primo|1\n");
 }
 
+TEST_F(AccountingRows, ACodeWithQuotesIsFoundAgainLikeAnyOther) {
+  article("1, 7, 'L''anfora \"A\"', 'Primo', 22, 1, 1, 0");
+  importWith("0100100");
+  fill("UPDATE Articoli SET Descrizione = 'L''altra'");
+  importWith("0100100");
+  EXPECT_EQ(rows(fieldsOfArticle), "dgf7|L'anfora \"A\"|L'altra|1\n");
+}
+
 TEST_F(AccountingRows, AnOfferColumnOfZeroLeavesTheOfferAlone) {
   sql("INSERT INTO articoli (catID, codice, offertaprezzo) VALUES ('x', 'A', 70000)");
   article("1, 7, 'A', 'Vaso', 22, 1, 2, 0");

@@ -65,9 +65,6 @@ TEST_F(KilledAccountingImport, LeavesTheRowsOfBeforeOrAllOfTheNewOnes) {
     imported = count;
   }
   for (const std::string& backup : listFiles(shop, "catalog.0*")) {
-    // Half a copy is no database; a whole one has the rows of before.
-    const auto opened = Database::open(joinPath(shop, backup), OpenMode::ReadOnly);
-    if (!opened) continue;
     EXPECT_EQ(readIn(joinPath(shop, backup), "SELECT COUNT(*) FROM articoli"), "1") << backup;
   }
 }

@@ -45,6 +45,17 @@ TEST(AccountingVariantsTest, TheInstalledOnesAreThoseWithAPath) {
   EXPECT_EQ(installed[1].key, "OGMA2002V3");
 }
 
+TEST(AccountingVariantsTest, ThePackageIsKnownByItsProgramOrItsDataAndInstalledByItsDataAlone) {
+  MemorySettings settings;
+  EXPECT_FALSE(isAccountingKnown(settings));
+  ASSERT_TRUE(settings.set("OGV3/AppPath", "AppPath", "C:\\Orsa"));
+  EXPECT_TRUE(isAccountingKnown(settings));
+  EXPECT_TRUE(installedVariants(settings).empty());
+  MemorySettings others;
+  ASSERT_TRUE(storeAccountingPath(others, accountingVariants()[2], "/dati/nomi.mdb"));
+  EXPECT_TRUE(isAccountingKnown(others));
+}
+
 TEST(AccountingChoiceTest, APathIsStoredWhenTheChoiceIsApplied) {
   MemorySettings settings;
   AccountingChoice choice;

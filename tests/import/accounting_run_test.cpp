@@ -143,6 +143,37 @@ TEST_F(AccountingRun, ACancelUndoesWhatItHasWritten) {
   EXPECT_TRUE(user.shown.empty());
 }
 
+TEST_F(AccountingRun, AFailureAtAnyStatementLeavesTheCatalogueAsBeforeOrSaysThatItIsPartial) {
+  const std::string own = "INSERT INTO articoli (ID, catID, codice, titolo) VALUES (5, 'altro', 'A', 'Mio')";
+  const std::string reset = "DELETE FROM articoli; DELETE FROM categorie;" + own;
+  const auto imported = [this] { return rows("SELECT catID, codice, titolo, prezzo FROM articoli ORDER BY ID"); };
+  sql(own);
+  const std::string before = allRows();
+  article("1, 7, 'A', 'Vaso', 22, 1, 1, 0");
+  article("2, 7, 'B', 'Tazza', 22, 1, 1, 0");
+  ASSERT_EQ(import(), AccountingEnd::Done);
+  const std::string complete = imported();
+  int undone = 0;
+  bool reached = true;
+  for (std::int64_t failing = 1; reached; ++failing) {
+    sql(reset);
+    AccountingEnd end = AccountingEnd::Done;
+    {
+      const FailingStore gate(failing);
+      end = import();
+      reached = gate.hasFailed();
+    }
+    if (end == AccountingEnd::NotDone) {
+      ++undone;
+      ASSERT_EQ(allRows(), before) << failing;
+    }
+    if (end == AccountingEnd::Done) {
+      ASSERT_EQ(imported(), complete) << failing;
+    }
+  }
+  EXPECT_GT(undone, 10);
+}
+
 class AccountingUndo : public AccountingRun {
  protected:
   AccountingUndo() : sets(session), history(sets) {

@@ -4,10 +4,13 @@
 
 #include <sstream>
 
+#include "builder/doctor/doctor.h"
 #include "platform/database/database.h"
 #include "platform/files/files.h"
 #include "platform/image/pixels.h"
 #include "shell/cli/cli_program.h"
+#include "shell/cli/cli_session.h"
+#include "support/scripted_user.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -45,6 +48,22 @@ class MovingShops : public ::testing::Test {
     ASSERT_TRUE(catalogue);
     const auto done = catalogue->execute(sql);
     ASSERT_TRUE(done) << done.error().what;
+  }
+  /// The merchant silences what the doctor finds, all of it or the errors alone.
+  void silence(bool warningsToo) {
+    test::ScriptedUser user;
+    MemorySettings settings;
+    Environment env{user, settings, systemClock(), systemRandom(), application, {}};
+    CliSession open(env);
+    ASSERT_TRUE(open.open(shop));
+    const auto examination = examineShop(open.session, application);
+    ASSERT_TRUE(examination);
+    for (const Finding& finding : examination->findings) {
+      const bool isWanted = warningsToo || finding.severity == Severity::Error;
+      if (isWanted) {
+        ASSERT_TRUE(silenceFinding(open.session.catalogue, finding));
+      }
+    }
   }
   std::string savePicture(const std::string& name, ImageSize size) const {
     const auto pixels = PixelBuffer::create(size);
@@ -115,7 +134,16 @@ TEST_F(MovingShops, TheDoctorTellsByItsExitStatusHowBadTheShopIs) {
   EXPECT_THAT(out.str(), StartsWith("[\n {\"check\": "));
   EXPECT_THAT(out.str(), Not(HasSubstr("price.zero")));
   EXPECT_EQ(run({"doctor", home / "nulla"}), CliOutcome::FoundErrors);
-  EXPECT_EQ(static_cast<int>(CliOutcome::FoundWarnings), 1);
+}
+
+TEST_F(MovingShops, TheDoctorEndsWithOneForWarningsAndWithZeroForNothing) {
+  silence(false);
+  EXPECT_EQ(static_cast<int>(run({"doctor", shop})), 1);
+  EXPECT_THAT(out.str(), StartsWith("Avviso\t"));
+  EXPECT_THAT(out.str(), Not(HasSubstr("Errore\t")));
+  silence(true);
+  EXPECT_EQ(static_cast<int>(run({"doctor", shop})), 0);
+  EXPECT_EQ(out.str(), "Nessun avviso.\n");
 }
 
 TEST_F(MovingShops, APurgeNamesUnusedPicturesAndDeletesThemWhenAsked) {

@@ -216,6 +216,8 @@ class ExchangeOfChance : public ShopOfChance {
     PicturePurge purge(
         {work, [&](const TextReader& read) { return usedPictures(shop.session.catalogue, read); }, {}, {}}, shop.user);
     ASSERT_TRUE(purge.search());
+    ASSERT_EQ(purge.unused().size(), 1U) << "shop " << number;
+    EXPECT_EQ(purge.unused()[0].name, "di_troppo_0001.gif") << "shop " << number;
     purge.tickAll(true);
     shop.user.answers = {Answer::Yes};
     ASSERT_TRUE(purge.deleteTicked());

@@ -32,7 +32,7 @@ class ShopRescue : public ShopFixture {
       choices.pop_front();
       return choice;
     };
-    ports.chooseCopy = [this](const std::string& folder) {
+    ports.chooseCopy = [](const std::string& folder) {
       const auto copies = backupCopies(folder);
       return copies.empty() ? std::string() : copies.front().name;
     };

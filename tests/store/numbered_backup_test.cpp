@@ -61,6 +61,15 @@ TEST_F(NumberedBackups, AnOpenCatalogueIsCopiedAndKeepsItsLock) {
   EXPECT_EQ(asText(*copy->scalar("SELECT titolo FROM articoli")), "Nuova");
 }
 
+TEST_F(NumberedBackups, WhatAKilledProgramLeftOfACopyIsNoBackupAndNoHindrance) {
+  present("catalog.tm0");
+  session.ShopFolder = folder;
+  ASSERT_EQ(CaricaNegozio(session, env), LoadResult::Opened);
+  EXPECT_EQ(CreaBackup(session, folder), "catalog.000");
+  EXPECT_TRUE(Database::open(folder + "/catalog.000", OpenMode::ReadOnly));
+  EXPECT_FALSE(fileExists(folder + "/catalog.tm0"));
+}
+
 TEST_F(NumberedBackups, OneCanBeRestoredLikeADatedCopy) {
   ASSERT_EQ(CreaBackup(session, folder), "catalog.000");
   run(folder, "UPDATE articoli SET titolo = 'Nuova'");

@@ -253,8 +253,10 @@ TEST_F(ImportingPrimo, AFailureAtAnyStatementLeavesTheCatalogueAsBefore) {
 TEST_F(ImportingPrimo, ThePicturesAreExchangedAndSubfoldersStay) {
   write(joinPath(shop, "work/mie/foto.jpg"), "f");
   write(joinPath(source, "work/sue/altra.jpg"), "a");
+  for (const std::string& folder : {shop, source}) write(joinPath(folder, "code/conto.php"), folder);
   open();
   EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
+  EXPECT_EQ(readBytes(joinPath(shop, "code/conto.php")).value(), shop) << "account data are the shop's own";
   EXPECT_THAT(listFiles(shop + "/work", "*"), ElementsAre("nuova.gif"));
   EXPECT_THAT(listFolders(shop + "/work"), ElementsAre("mie"));
   EXPECT_FALSE(folderExists(shop + "/work.prima"));
@@ -312,10 +314,7 @@ TEST_F(ImportingPrimo, WithoutABackupTheUserIsAskedAndNoIsTheDefault) {
   write(shop + "/catalog.999", "x");
   open();
   int shown = 0;
-  const auto dialog = [&] {
-    ++shown;
-    return PrimoOutcome::Done;
-  };
+  const auto dialog = [&] { return ++shown, PrimoOutcome::Done; };
   EXPECT_EQ(ImportaNegozio(session, env, dialog), PrimoOutcome::NotDone);
   EXPECT_THAT(user.shown,
               ElementsAre(asked("Non è possibile creare un backup del negozio:\nprocedere comunque all'importazione?",

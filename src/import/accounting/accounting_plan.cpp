@@ -29,7 +29,8 @@ std::string codeOf(const Value& code, const Value& number) {
   std::string text = asText(code);
   if (!text.empty()) return text;
   const std::string digits = fieldText(number);
-  if (!isNumeric(digits)) return "OG" + digits;
+  constexpr std::size_t most = 15;  // digits that a number holds exactly
+  if (!isNumeric(digits) || digits.size() > most) return "OG" + digits;
   return "OG" + formatNumber(static_cast<std::int64_t>(leadingNumber(digits)), "00000");
 }
 

@@ -1,16 +1,18 @@
 #include "import/accounting/accounting_variants.h"
 
+#include <algorithm>
+
 namespace kv {
 namespace {
 
-constexpr std::string_view pathKey = "pathRete";
+constexpr std::string_view pathKey = "pathRete", programKey = "AppPath";
 constexpr std::string_view ofShop =
     "Non è possibile creare un backup del negozio:\nprocedere comunque all'importazione?";
 constexpr std::string_view ofCompanies = "Non è possibile creare un backup:\nprocedere comunque all'importazione?";
 
 /// The store has one application here; the one that a value belongs to comes in front of its section.
-std::string sectionOf(const AccountingVariant& variant) {
-  return std::string(variant.key) + "/" + std::string(pathKey);
+std::string sectionOf(const AccountingVariant& variant, std::string_view key = pathKey) {
+  return std::string(variant.key) + "/" + std::string(key);
 }
 
 }  // namespace
@@ -31,6 +33,13 @@ std::string accountingPath(const Settings& settings, const AccountingVariant& va
 
 Result<> storeAccountingPath(Settings& settings, const AccountingVariant& variant, const std::string& path) {
   return settings.set(sectionOf(variant), pathKey, path);
+}
+
+bool isAccountingKnown(const Settings& settings) {
+  return std::ranges::any_of(accountingVariants(), [&](const AccountingVariant& variant) {
+    return !accountingPath(settings, variant).empty() ||
+           !settings.get(sectionOf(variant, programKey), programKey).empty();
+  });
 }
 
 std::vector<AccountingVariant> installedVariants(const Settings& settings) {

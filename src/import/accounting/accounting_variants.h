@@ -28,6 +28,9 @@ const std::array<AccountingVariant, 6>& accountingVariants();
 std::string accountingPath(const Settings& settings, const AccountingVariant& variant);
 /// Stores `pathRete`. Failures as Settings::set.
 Result<> storeAccountingPath(Settings& settings, const AccountingVariant& variant, const std::string& path);
+/// Whether this machine knows of the package: an `AppPath`, which its own installation leaves, or a `pathRete` of any
+/// variant isn't empty. An `AppPath` alone installs no variant.
+bool isAccountingKnown(const Settings& settings);
 /// The variants whose `pathRete` isn't empty, by number.
 std::vector<AccountingVariant> installedVariants(const Settings& settings);
 /// How a list shows a variant: its key, and what tells it from the others.

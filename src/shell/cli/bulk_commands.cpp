@@ -29,7 +29,7 @@ void printPrices(const PriceSurvey& survey, const PricePreview& preview, const P
     const SurveyedPrice& price = survey.prices[index];
     const PriceOwner& owner = survey.owners[price.owner];
     out << owner.code << '\t' << owner.title << '\t' << priceName(price) << '\t' << shownPrice(price.before) << '\t'
-        << shownPrice(Trasforma(price.before, rule)) << '\n';
+        << newPrice(price.before, rule) << '\n';
   }
 }
 

@@ -130,17 +130,20 @@ Result<> planAllButCatalogue(ExportRun& run) {
   return {};
 }
 
+Result<> dropPasswords(Database& catalogue) {
+  auto done = catalogue.execute("UPDATE generale SET password = '', db_password = ''");
+  if (done) done = dropOrderKey(catalogue);
+  // Emptied fields would stay in the file's free space.
+  return done ? catalogue.execute("VACUUM") : done;
+}
+
 Result<> emptyColumns(const std::string& catalogue, const ExportChoice& choice) {
   if (!choice.resetFolders && !choice.noPasswords) return {};
   auto copy = Database::open(catalogue, OpenMode::Shared);
   if (!copy) return fail(copy.error());
   Result<> done;
   if (choice.resetFolders) done = copy->execute("UPDATE generale SET siteonline = '', sitescript = ''");
-  if (done && choice.noPasswords) done = copy->execute("UPDATE generale SET password = '', db_password = ''");
-  if (done && choice.noPasswords) done = dropOrderKey(*copy);
-  // Emptied fields would stay in the file's free space.
-  if (done && choice.noPasswords) done = copy->execute("VACUUM");
-  return done;
+  return done && choice.noPasswords ? dropPasswords(*copy) : done;
 }
 
 /// A copy of the closed catalogue as the export has it.

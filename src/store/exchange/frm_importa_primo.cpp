@@ -49,8 +49,13 @@ void frmImportaPrimo::browse() {
 
 void frmImportaPrimo::pathChanged() { cmdOk_->setEnabled(!txtPercorso_->text().isEmpty()); }
 
+// The field is left by every click beside it and by the end of the dialog too, and a large shop takes seconds.
 void frmImportaPrimo::showPreview() {
-  txtAnteprima_->setPlainText(toQt(previewOfShop(session_.catalogue, fromQt(txtPercorso_->text()))));
+  const std::string path = fromQt(txtPercorso_->text());
+  if (path == previewed_) return;
+  previewed_ = path;
+  const WaitCursor wait;
+  txtAnteprima_->setPlainText(toQt(previewOfShop(session_.catalogue, path)));
 }
 
 }  // namespace kv

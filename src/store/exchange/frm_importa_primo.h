@@ -24,11 +24,12 @@ class frmImportaPrimo final : public FormDialog {
   void browse();
   /// OK is enabled when the field isn't empty.
   void pathChanged();
-  /// Shows what the import of this folder would do, or why there is none.
+  /// Shows what the import of this folder would do, or why there is none; nothing for the folder it shows already.
   void showPreview();
 
   Session& session_;
   Environment& env_;
+  std::string previewed_;  // the folder that the preview is of
   QLineEdit* txtPercorso_ = nullptr;
   QPlainTextEdit* txtAnteprima_ = nullptr;
   QPushButton* cmdOk_ = nullptr;

@@ -1,6 +1,6 @@
 #include "store/exchange/primo_import.h"
 
-#include "platform/files/trees.h"
+#include "platform/files/files.h"
 #include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_rows.h"
 #include "store/exchange/primo_source.h"
@@ -8,6 +8,7 @@
 #include "store/shop/numbered_backup.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
+#include "store/shop/staged_pictures.h"
 
 namespace kv {
 namespace {
@@ -33,58 +34,18 @@ Result<int> sourceVersion(const std::string& path) {
   return catalogueVersion(*source);
 }
 
-/// The pictures of the source, complete, beside the shop's own ones.
-class StagedPictures {
- public:
-  explicit StagedPictures(const std::string& shopFolder)
-      : own_(joinPath(shopFolder, "work")),
-        staged_(joinPath(shopFolder, "work.importa")),
-        old_(joinPath(shopFolder, "work.prima")) {}
-
-  /// Copies them; a folder that isn't there has none.
-  Result<> copyFrom(const std::string& folder) const {
-    drop();
-    if (auto made = createFolder(staged_); !made) return made;
-    for (const std::string& name : listFiles(folder, "*")) {
-      if (auto copied = copyFile(joinPath(folder, name), joinPath(staged_, name)); !copied) return copied;
-    }
-    return {};
-  }
-  /// Makes them the shop's own; the subfolders of the old ones stay. After a failure the folder is named by path().
-  Result<> exchange() const {
-    for (const std::string& name : listFolders(own_)) {
-      if (auto moved = renameFile(joinPath(own_, name), joinPath(staged_, name)); !moved) return moved;
-    }
-    if (folderExists(own_)) {
-      if (auto moved = renameFile(own_, old_); !moved) return moved;
-    }
-    if (auto moved = renameFile(staged_, own_); !moved) return moved;
-    drop();
-    return {};
-  }
-  /// Removes what isn't the shop's own.
-  void drop() const {
-    for (const std::string& folder : {staged_, old_}) {
-      if (!folderExists(folder)) continue;
-      if (removeBelow(folder)) ignore(removeFolder(folder), "the next import removes it");
-    }
-  }
-  const std::string& path() const { return staged_; }
-
- private:
-  std::string own_, staged_, old_;
-};
-
 void tellOtherVariant(Session& session, Environment& env) {
   const auto taken = isFirstVariantTaken(session.catalogue);
   if (taken && *taken) env.user.message(otherFirstVariant, Icon::Exclamation);
 }
 
 PrimoOutcome finishImport(Session& session, Environment& env, const StagedPictures& pictures) {
-  tellOtherVariant(session, env);
   // The numbers of the articles are those of other articles now.
   ignore(deleteFile(joinPath(session.ShopFolder, priceHistoryFile)), "the catalogue was taken over all the same");
   const auto exchanged = pictures.exchange();
+  // After a failure too: from here on the user knows where they are, and adds others to the old ones.
+  ignore(session.catalogue.execute(noPicturesAreDue), "the next start exchanges them");
+  tellOtherVariant(session, env);
   env.user.message(exchanged ? std::string(imported) : picturesKept + pictures.path(),
                    exchanged ? Icon::Information : Icon::Exclamation);
   ignore(RiavviaSessione(session, env), "it has told the user of any failure");
@@ -116,14 +77,17 @@ bool holdsSource(Environment& env, const std::string& folder) {
 
 PrimoOutcome importPrimoShop(Session& session, Environment& env, const std::string& folder) {
   const StagedPictures pictures(session.ShopFolder);
-  if (const auto staged = pictures.copyFrom(joinPath(folder, "work")); !staged) {
-    pictures.drop();
+  // The mark of an earlier import must not make pictures the shop's own that are only half copied.
+  Result<> staged = session.catalogue.execute(noPicturesAreDue);
+  if (staged) staged = pictures.copyFrom(joinPath(folder, "work"));
+  if (!staged) {
+    ignore(pictures.drop(), "the next import removes them");
     env.user.message(notOpened + staged.error().what, Icon::Critical);
     return PrimoOutcome::NotDone;
   }
   const auto outcome = static_cast<PrimoOutcome>(ImportaDati(session, env, joinPath(folder, catalogueFile)));
   if (outcome == PrimoOutcome::Done) return finishImport(session, env, pictures);
-  pictures.drop();
+  ignore(pictures.drop(), "the next import removes them");
   if (outcome == PrimoOutcome::Failed) env.user.message(failedOnTheWay, Icon::Critical);
   return outcome;
 }

@@ -7,6 +7,7 @@
 #include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_settings.h"
 #include "store/schema/schema.h"
+#include "store/shop/staged_pictures.h"
 
 namespace kv {
 namespace {
@@ -134,6 +135,7 @@ Result<> takeAll(Database& catalogue, const PrimoPlan& plan) {
   // What was copied before names departments of the catalogue that is gone.
   if (done) done = catalogue.execute("DELETE FROM clipcategorie; DELETE FROM cliparticoli");
   if (done) done = clearSideFields(catalogue);
+  if (done) done = catalogue.execute(picturesAreDue);
   return done;
 }
 

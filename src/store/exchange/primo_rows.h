@@ -35,7 +35,8 @@ bool isOptionText(const std::string& column);
 std::string sameOptions();
 
 /// Replaces the rows of the catalogue by those of `source`, converts variants and settings and empties the clipboard,
-/// in one transaction: after a failure the catalogue is as before. Failures: InUse when another program has the
+/// in one transaction: after a failure the catalogue is as before. It marks the exchange of pictures as due (see
+/// staged_pictures.h). Failures: InUse when another program has the
 /// source, Missing when it lacks a table, others as execute.
 Result<> takePrimoRows(Database& catalogue, const std::string& source);
 

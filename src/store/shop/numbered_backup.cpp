@@ -3,6 +3,7 @@
 #include "platform/files/files.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
+#include "store/shop/compact.h"
 #include "store/shop/shop_folders.h"
 
 namespace kv {
@@ -20,6 +21,18 @@ int numberAfterLast(const std::string& shopFolder) {
   return static_cast<int>(leadingNumber(last.substr(last.size() - numberDigits))) + 1;
 }
 
+/// The engine writes a copy where it is to be: until it is whole it has the name of a copy that nobody restores.
+Result<> copyOpenCatalogue(Database& catalogue, const std::string& shopFolder, const std::string& path) {
+  const std::string unfinished = CatalogueExchange(shopFolder).replacement;
+  if (fileExists(unfinished)) {
+    if (auto deleted = deleteFile(unfinished); !deleted) return deleted;
+  }
+  Result<> copied = catalogue.compactTo(unfinished);
+  if (copied) copied = renameFile(unfinished, path);
+  if (!copied) ignore(deleteFile(unfinished), "the next copy deletes it");
+  return copied;
+}
+
 }  // namespace
 
 std::vector<std::string> numberedBackups(const std::string& shopFolder) {
@@ -34,11 +47,9 @@ std::string CreaBackup(Session& session, const std::string& shopFolder) {
   if (number > lastNumber) return {};
   std::string name = backupName(number);
   const std::string path = joinPath(shopFolder, name);
-  const Result<> copied = session.catalogue.isOpen() ? session.catalogue.compactTo(path)
+  const Result<> copied = session.catalogue.isOpen() ? copyOpenCatalogue(session.catalogue, shopFolder, path)
                                                      : copyFile(joinPath(shopFolder, catalogueFile), path);
-  if (copied) return name;
-  ignore(deleteFile(path), "half a copy, if there is any, is told apart by the engine");
-  return {};
+  return copied ? name : std::string();
 }
 
 }  // namespace kv

@@ -14,7 +14,7 @@ std::vector<std::string> numberedBackups(const std::string& shopFolder);
 
 /// CreaBackup (make a backup): copies the catalogue to the number after the last one, and gives the copy's name. An
 /// open catalogue is copied through the engine, which keeps its lock. An empty text when the copy can't be made, and
-/// after catalog.999; then no file is left.
+/// after catalog.999; then no file is left. A file of such a name is a whole copy, whenever the program was killed.
 std::string CreaBackup(Session& session, const std::string& shopFolder);
 
 }  // namespace kv

@@ -7,6 +7,7 @@
 #include "store/shop/open_shop.h"
 #include "store/shop/server_path.h"
 #include "store/shop/shop_folders.h"
+#include "store/shop/staged_pictures.h"
 
 namespace kv {
 namespace {
@@ -57,6 +58,7 @@ LoadResult loadSession(Session& session, Environment& env, const LoadOptions& op
   if (!named.empty()) {
     session.ShopFolder = named;
     recoverCatalogue(named);
+    recoverPictures(named);
     if (!fileExists(entryPath(named, catalogueFile))) {
       const std::string text =
           "La cartella '" + named + "' non contiene un negozio valido.\nSi desidera aprire un altro negozio?";
@@ -66,6 +68,7 @@ LoadResult loadSession(Session& session, Environment& env, const LoadOptions& op
     }
   } else {
     recoverCatalogue(session.ShopFolder);
+    recoverPictures(session.ShopFolder);
   }
   return CaricaNegozio(session, env, options);
 }

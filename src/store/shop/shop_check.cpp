@@ -5,6 +5,7 @@
 #include "platform/files/files.h"
 #include "store/shop/compact.h"
 #include "store/shop/shop_folders.h"
+#include "store/shop/staged_pictures.h"
 
 namespace kv {
 namespace {
@@ -52,6 +53,7 @@ Result<> requireTables(Database& catalogue) {
 
 ShopCheck validateShop(const std::string& folder, Database* own) {
   recoverCatalogue(folder);
+  if (own == nullptr) recoverPictures(folder);
   for (std::string_view name : seeds) {
     if (!fileExists(entryPath(folder, name))) return {false, ShopFault::NotAShop, notAShop};
   }
