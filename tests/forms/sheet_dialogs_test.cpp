@@ -71,7 +71,7 @@ TEST_F(TheSheetGuide, GoesFromTheFileOverTheColumnsToWhatWouldHappen) {
             "2|modificato|A-1  Tazza|\n3|tralasciato|A-2  Calice|Prezzo: \"x\" non è un numero\n4|nuovo|A-3  Vaso|\n");
   auto* values = control<QTableWidget>(dialog, "grdValori");
   ASSERT_EQ(values->rowCount(), 1);
-  EXPECT_EQ(textAt(*values, 0, 0) + textAt(*values, 0, 1) + ">" + textAt(*values, 0, 2), "Prezzo1.5>2,50");
+  EXPECT_EQ(textAt(*values, 0, 0) + textAt(*values, 0, 1) + ">" + textAt(*values, 0, 2), "Prezzo1,50>2,50");
   test::keepPicture(dialog, "foglio_piano");
   control<QComboBox>(dialog, "cboFiltro")->setCurrentIndex(1);
   EXPECT_EQ(planText(*plan), "4|nuovo|A-3  Vaso|\n");
@@ -99,6 +99,42 @@ TEST_F(TheSheetGuide, ShowsWhatAnotherSeparatorMakesAndRefusesWhatIsNoSheet) {
             (std::vector<std::string>{"Il file \"foglio.csv\" non è un foglio: servono XLSX, ODS o CSV"}));
   EXPECT_FALSE(control<QAbstractButton>(dialog, "cmdOK")->isEnabled());
   expectEscapeLeaves(dialog);
+}
+
+TEST_F(TheSheetGuide, EachSignOfTheReadingCanBeChangedAndTheFirstRowsFollow) {
+  ASSERT_TRUE(writeBytes(sheet, "Codice;Nome;Prezzo\r\nA-1;Caffè;1.234,50\r\nA-2;Tè;7\r\n"));
+  frmImportaFoglio dialog(*guide, user, {});
+  show(dialog);
+  dialog.openFile(sheet);
+  const auto& grid = *control<QTableWidget>(dialog, "grdRighe");
+  const auto set = [&](const char* name, int index) {
+    auto* box = control<QComboBox>(dialog, name);
+    box->setCurrentIndex(index);
+    emit box->activated(index);
+    return fromQt(control<QLabel>(dialog, "lblLettura")->text());
+  };
+  const auto isRight = [&](int row) { return (grid.item(row, 2)->textAlignment() & Qt::AlignRight) != 0; };
+  const std::string found = set("cboCodifica", 0);
+  EXPECT_EQ(found,
+            "CSV, UTF-8, separatore \";\", fine riga CR LF, decimali \",\", migliaia \".\", 2 righe, "
+            "\"1.234,50\" vale 1234,50");
+  EXPECT_TRUE(isRight(1) && !isRight(0));
+  EXPECT_TRUE(set("cboCodifica", 3).starts_with("CSV, Windows-1252, "));
+  EXPECT_EQ(textAt(grid, 1, 1), "CaffÃ¨");
+  EXPECT_EQ(set("cboCodifica", 0), found);
+  EXPECT_NE(set("cboSeparatore", 2).find("separatore \",\""), std::string::npos);
+  EXPECT_EQ(textAt(grid, 1, 0), "A-1;Caffè;1.234");
+  EXPECT_EQ(set("cboSeparatore", 0), found);
+  const std::string byPoint = set("cboDecimali", 2);
+  EXPECT_NE(byPoint.find("decimali \".\""), std::string::npos);
+  EXPECT_TRUE(byPoint.ends_with(", 2 righe, \"1.234,50\" non è un numero"));
+  EXPECT_FALSE(isRight(1));
+  EXPECT_EQ(set("cboDecimali", 0), found);
+  EXPECT_TRUE(set("cboMigliaia", 1).ends_with("migliaia nessuno, 2 righe, \"1.234,50\" non è un numero"));
+  EXPECT_EQ(set("cboMigliaia", 0), found);
+  EXPECT_NE(set("cboFineRiga", 3).find("fine riga CR,"), std::string::npos);
+  EXPECT_EQ(textAt(grid, 1, 0), "\nA-1");
+  EXPECT_EQ(set("cboFineRiga", 0), found);
 }
 
 TEST_F(TheSheetGuide, SaysWhichColumnIsMissing) {

@@ -1,5 +1,6 @@
 // Sheets of a merchant: what a plan says of each row, what is written of it, and what never is.
 #include "import/tables/cell_reading.h"
+#include "import/tables/table_guide.h"
 #include "support/failing_store.h"
 #include "table_shop.h"
 
@@ -20,9 +21,9 @@ TEST_F(TableImport, TellsNewChangedSameAndRefusedRowsWithLineAndReason) {
                            "N-1;Doppio;1;Vetri\r\n"
                            ";Senza;1;Vetri\r\n")),
             "2 invariato\n"
-            "3 modificato [Codice T-2>t-2] [Prezzo 1.5>2,00]\n"
+            "3 modificato [Codice T-2>t-2] [Prezzo 1,50>2,00]\n"
             "5 modificato [Titolo Bicchiere>Calice]\n"
-            "6 nuovo [Codice >N-1] [Titolo >Nuovo] [Prezzo >1.234,50] [Reparto >Vetri]\n"
+            "6 nuovo [Codice >N-1] [Titolo >Nuovo] [Prezzo >1234,50] [Reparto >Vetri]\n"
             "7 tralasciato: Prezzo: \"dodici\" non è un numero\n"
             "8 tralasciato: Il reparto \"Legni\" non esiste\n"
             "9 tralasciato: ripete la riga 6\n"
@@ -70,6 +71,13 @@ TEST_F(TableImport, TakesWhatTheSheetNoLongerListsOutOfTheCatalogue) {
   table.unlistedOut = true;
   EXPECT_EQ(plan("codice;prezzo\nT-1;no\nT-2;1,5\n").sums().unlisted, 1U);
   ASSERT_EQ(importSheet("codice;prezzo\nT-1;no\nT-2;1,5\n"), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT codice FROM articoli WHERE fuoricatalogo <> 0"), "V-1\n");
+}
+
+TEST_F(TableImport, LeavesArticlesWithoutACodeWhereTheyAreForNoSheetCanListThem) {
+  sql("INSERT INTO articoli (ID, catID, codice) VALUES (9, 'cat003', '')");
+  table.unlistedOut = true;
+  ASSERT_EQ(importSheet("codice;prezzo\nT-1;1\nT-2;1,5\n"), TableEnd::Done);
   EXPECT_EQ(rows("SELECT codice FROM articoli WHERE fuoricatalogo <> 0"), "V-1\n");
 }
 
@@ -139,6 +147,34 @@ TEST_F(TableImport, ReadsAnExportOfTheFilteredRowsAndChosenColumnsAlone) {
   }
 }
 
+TEST_F(TableImport, ATextThatNoCellOfASheetHoldsGoesToATextFile) {
+  sql("UPDATE articoli SET descrizione = replace(hex(zeroblob(16384)), '0', 'x') WHERE ID = 1");
+  const auto columns = sheetTable(session.catalogue, 1, "articoli");
+  ASSERT_TRUE(columns);
+  const auto refused = exportTable(session.catalogue, *columns, root / "lungo.xlsx", {});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(
+      sheetWritingFailureText(refused.error(), root / "lungo.xlsx"),
+      "Un file XLSX ha al più 1.048.576 righe, e 32.767 caratteri in una cella: qui c'è di più. Scegliere un file "
+      "CSV");
+  EXPECT_FALSE(fileExists(root / "lungo.xlsx"));
+  ASSERT_TRUE(exportTable(session.catalogue, *columns, root / "lungo.csv", {}));
+  EXPECT_EQ(planFile(root / "lungo.csv", "articoli").sums().same, 3U);
+}
+
+TEST_F(TableImport, ShowsTheBeginningOfWhatAQuoteWithoutAnEndMakesOneCellOf) {
+  std::string sheet = "codice;titolo\n\"";
+  for (int i = 0; i < 5000; ++i) sheet += "T-1;Tazza\n";
+  const TablePlan planned = plan(sheet);
+  ASSERT_EQ(planned.rows.size(), 1U);
+  EXPECT_EQ(rowLabel(planned, opened.sheet, planned.rows[0]).size(), 83U);
+  TableGuide guide(session, settings, "cat003", "modello1");
+  guide.path = root / "foglio.csv";
+  ASSERT_EQ(guide.read(), "");
+  EXPECT_EQ(guide.firstRows(8)[1][0].size(), 203U);
+  EXPECT_EQ(guide.example(0).size(), 203U);
+}
+
 TEST_F(TableImport, RefusesNumbersThatAreNone) {
   const auto columns = sheetTable(session.catalogue, 1, "articoli");
   ASSERT_TRUE(columns);
@@ -154,6 +190,13 @@ TEST_F(TableImport, RefusesNumbersThatAreNone) {
       EXPECT_EQ(reader.refusal(columns->columns[*columns->columnIndex(name)], cell).empty(), isEmpty);
     }
   }
+}
+
+TEST_F(TableImport, ShowsValuesAsTheyWereReadAndAsTheMerchantWritesThem) {
+  sql("UPDATE articoli SET offerta = 1, peso = 1.25 WHERE ID = 1");
+  EXPECT_EQ(shownPlan(plan("codice;prezzo;peso;offerta;scqart0\nT-1;1.234;0.5;N;3.0\nT-2;1,234.50;;x;\n")),
+            "2 modificato [Prezzo 12,50>1,234] [Peso 1,25>0,5] [In offerta sì>no] [Da pezzi (1) >3]\n"
+            "3 modificato [Prezzo 1,50>1234,50] [Peso 0,25>] [In offerta no>sì]\n");
 }
 
 TEST_F(TableImport, AddsManyRowsOfDifferentColumnsInTheirOrder) {
@@ -186,6 +229,8 @@ TEST_F(TableImport, ReadsPricesInEitherNotationWithCurrencyAndGroups) {
             "1234.25\n");
   EXPECT_EQ(priceOf("T-1;1,234.5\nV-1;7.25\n"), "1234.5\n");
   EXPECT_EQ(plan("codice;prezzo\nT-1;12.34,5\n").rows[0].fate, RowFate::LeftOut);
+  EXPECT_EQ(plan("codice;prezzo\nT-1;€ 13,50\nT-2;7,25 €\nV-1;1.234,5\n").sums().changed, 3U)
+      << "the space at a currency sign is none between thousands";
 }
 
 TEST_F(TableImport, AddsDepartmentsUnderTheirPathsParentsFirst) {
@@ -277,6 +322,9 @@ TEST_F(TableImport, KnowsTheHeadersOfProductExports) {
   EXPECT_EQ(
       namesOf({"Handle", "Title", "Body (HTML)", "Variant SKU", "Variant Price", "Image Src", "Product Category"}),
       "- titolo descrizione codice prezzo immagine0 reparto ");
+  EXPECT_EQ(namesOf({"Cod. Art.", "Nome articolo", "Descrizione breve", "Prezzo €", "Peso (kg)"}),
+            "codice titolo sottotitolo prezzo peso ");
+  EXPECT_EQ(namesOf({"Weight (g)", "Variant Grams", "Peso (g)"}), "- - - ") << "grams are no kilograms";
   EXPECT_EQ(namesOf({"g:id", "g:title", "g:description", "g:link", "g:price", "g:image_link", "g:product_type"}),
             "ID titolo descrizione link prezzo immagine0 reparto ");
 }

@@ -62,7 +62,7 @@ TEST_F(TablesOnTheCommandLine, TellsWhatWouldChangeAndChangesNothingInADryRun) {
             "foglio.csv: CSV, UTF-8, separatore \";\", fine riga LF, decimali \",\", migliaia nessuno\n"
             "  Cod = codice\n  Euro = prezzo\nArticoli: 0 nuovi, 1 modificati, 0 invariati, 0 tralasciati\n"
             "Prezzo: 1 importo cambia, in tutto da 1,50 a 2,75\n"
-            "riga 2\tmodificato\tprimo\n\tPrezzo: \"1.5\" -> \"2,75\"\n");
+            "riga 2\tmodificato\tprimo\n\tPrezzo: \"1,50\" -> \"2,75\"\n");
   EXPECT_EQ(priceOfFirst(), "1.5");
 }
 

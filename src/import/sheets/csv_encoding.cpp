@@ -93,13 +93,19 @@ CsvEncoding csvEncodingOf(std::string_view bytes) {
   return isUtf8Throughout(bytes) ? CsvEncoding::Utf8 : CsvEncoding::Windows1252;
 }
 
-std::string decodedCsv(std::string_view bytes, CsvEncoding encoding) {
+std::string_view decodedCsv(std::string_view bytes, CsvEncoding encoding, std::string& kept) {
   const bool isUtf16 = encoding == CsvEncoding::Utf16Little || encoding == CsvEncoding::Utf16Big;
   const bool isBytes = encoding == CsvEncoding::Utf8 || encoding == CsvEncoding::Windows1252;
   const std::string_view mark = isBytes ? utf8Mark : csvMark(encoding);
   if (!mark.empty() && bytes.starts_with(mark)) bytes.remove_prefix(mark.size());
-  if (isUtf16) return fromUtf16(bytes, encoding == CsvEncoding::Utf16Big);
-  return encoding == CsvEncoding::Windows1252 ? fromWindows1252(bytes) : std::string(bytes);
+  if (!isUtf16 && encoding != CsvEncoding::Windows1252) return bytes;
+  kept = isUtf16 ? fromUtf16(bytes, encoding == CsvEncoding::Utf16Big) : fromWindows1252(bytes);
+  return kept;
+}
+
+std::string decodedCsv(std::string_view bytes, CsvEncoding encoding) {
+  std::string kept;
+  return std::string(decodedCsv(bytes, encoding, kept));
 }
 
 std::string encodedCsv(std::string_view text, CsvEncoding encoding) {

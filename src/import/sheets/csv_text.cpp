@@ -4,6 +4,7 @@
 #include <array>
 
 #include "import/sheets/number_signs.h"
+#include "platform/text/formula_sign.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -134,11 +135,9 @@ struct CellSink final : CsvSink {
 /// Whether a spreadsheet would run a text as a formula, the apostrophes before it left out.
 bool isFormula(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of('\''), text.size()));
-  if (text.empty()) return false;
-  if (text.front() == '+' || text.front() == '-') {
-    return text.find_first_not_of("0123456789., ", 1) != std::string_view::npos;
-  }
-  return std::string_view("=@\t\r").find(text.front()) != std::string_view::npos;
+  if (!hasFormulaSign(text)) return false;
+  const bool isSigned = text.front() == '+' || text.front() == '-';
+  return !isSigned || text.find_first_not_of("0123456789., ", 1) != std::string_view::npos;
 }
 
 }  // namespace
@@ -185,7 +184,8 @@ CsvLineEnd csvLineEndOf(std::string_view text) {
 std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
                                  CsvReading& reading) {
   reading.encoding = choice.encoding.value_or(csvEncodingOf(bytes));
-  const std::string text = decodedCsv(bytes, reading.encoding);
+  std::string decoded;
+  const std::string_view text = decodedCsv(bytes, reading.encoding, decoded);
   reading.separator = choice.separator.value_or(separatorOf(text));
   reading.lineEnd = choice.lineEnd.value_or(csvLineEndOf(text));
   CellTable cells(limits);

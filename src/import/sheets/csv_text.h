@@ -41,6 +41,8 @@ struct CsvChoice {
 CsvEncoding csvEncodingOf(std::string_view bytes);
 /// Bytes as UTF-8, without a mark. What is no text of the encoding becomes U+FFFD in UTF-16, and stays in UTF-8.
 std::string decodedCsv(std::string_view bytes, CsvEncoding encoding);
+/// The same without a copy of bytes that are UTF-8 already; `kept` holds the text of the other encodings.
+std::string_view decodedCsv(std::string_view bytes, CsvEncoding encoding, std::string& kept);
 /// The separator that the first record has most of, outside of quotes; ';' when it has none. A first line "sep=," says
 /// it.
 char separatorOf(std::string_view text);

@@ -32,8 +32,57 @@ bool isPlainDecimal(std::string_view end) {
   return (end.front() == ',' || end.front() == '.') && std::ranges::all_of(end.substr(1), isCsvDigit);
 }
 
-/// Whether there is a space within a text; those that don't break start with one of the two bytes.
-bool hasInnerSpace(std::string_view text) { return trim(text).find_first_of(" \xC2\xE2") != std::string_view::npos; }
+/// The signs of a number after its first digits.
+struct SignCount {
+  std::size_t commas = 0, points = 0;
+  std::size_t last = 0;  ///< the index of the last comma or point
+  bool hasOthers = false, hasQuote = false;
+
+  bool isComma(std::string_view number) const { return number[last] == ','; }
+  void add(char c, std::size_t at) {
+    hasQuote = hasQuote || c == '\'';
+    if (c != ',' && c != '.') {
+      hasOthers = true;
+      return;
+    }
+    ++(c == ',' ? commas : points);
+    last = at;
+  }
+};
+
+SignCount countSigns(std::string_view number, std::size_t first) {
+  SignCount signs;
+  for (std::size_t at = first; at < number.size(); ++at) {
+    if (!isCsvDigit(number[at])) signs.add(number[at], at);
+  }
+  return signs;
+}
+
+/// Whether the last comma or point of a number can only be the one of its decimals.
+bool endsInDecimals(std::string_view number, const SignCount& signs) {
+  if (signs.commas + signs.points == 0) return false;
+  if ((signs.isComma(number) ? signs.commas : signs.points) > 1) return false;
+  if (signs.commas > 0 && signs.points > 0) return true;
+  return static_cast<std::size_t>(std::ranges::count_if(number.substr(signs.last), isCsvDigit)) != groupDigits;
+}
+
+/// Whether there is a space between two digits, one that breaks or not; that of "12,50 €" is none between thousands.
+bool hasInnerSpace(std::string_view text) {
+  for (std::size_t at = 1; at < text.size(); ++at) {
+    if (!isCsvDigit(text[at - 1])) continue;
+    for (const std::string_view space : {" ", "\xC2\xA0", "\xE2\x80\xAF"}) {
+      const std::size_t after = at + space.size();
+      if (text.substr(at).starts_with(space) && after < text.size() && isCsvDigit(text[after])) return true;
+    }
+  }
+  return false;
+}
+
+/// The sign of thousands of a number that is neither comma nor point; 0: it has none.
+char otherThousands(std::string_view number, const SignCount& signs) {
+  if (signs.hasQuote) return '\'';
+  return signs.hasOthers && hasInnerSpace(number) ? ' ' : '\0';
+}
 
 }  // namespace
 
@@ -49,28 +98,11 @@ void NumberSigns::see(std::string_view number) {
   const std::size_t first = static_cast<std::size_t>(std::ranges::find_if_not(number, isCsvDigit) - number.begin());
   if (first == number.size()) return;
   if (isPlainDecimal(number.substr(first))) return seeSign(number[first], number.size() - first - 1);
-  std::size_t commas = 0, points = 0, last = 0;
-  bool hasOthers = false, hasQuote = false;
-  for (std::size_t at = first; at < number.size(); ++at) {
-    const char c = number[at];
-    if (isCsvDigit(c)) continue;
-    if (c == ',') ++commas;
-    if (c == '.') ++points;
-    if (c == ',' || c == '.') last = at;
-    hasOthers = hasOthers || (c != ',' && c != '.');
-    hasQuote = hasQuote || c == '\'';
-  }
-  const bool isSpaced = hasOthers && hasInnerSpace(number);
-  const char other = hasQuote ? '\'' : isSpaced ? ' ' : '\0';
-  if (thousandsByComma_ == '\0') thousandsByComma_ = points > 0 ? '.' : other;
-  if (thousandsByPoint_ == '\0') thousandsByPoint_ = commas > 0 ? ',' : other;
-  if (commas + points == 0) return;
-  const bool isComma = number[last] == ',';
-  const bool isRepeated = (isComma ? commas : points) > 1;
-  const bool hasBoth = commas > 0 && points > 0;
-  const auto after = std::ranges::count_if(number.substr(last), isCsvDigit);
-  if (isRepeated || (!hasBoth && static_cast<std::size_t>(after) == groupDigits)) return;
-  ++(isComma ? commas_ : points_);
+  const SignCount signs = countSigns(number, first);
+  const char other = otherThousands(number, signs);
+  if (thousandsByComma_ == '\0') thousandsByComma_ = signs.points > 0 ? '.' : other;
+  if (thousandsByPoint_ == '\0') thousandsByPoint_ = signs.commas > 0 ? ',' : other;
+  if (endsInDecimals(number, signs)) ++(signs.isComma(number) ? commas_ : points_);
 }
 
 char NumberSigns::decimalSeparator(char separator) const {

@@ -14,8 +14,8 @@ constexpr std::size_t exactDigits = 15;  // of a number in a cell
 Result<ReadSheet> readTextFile(const std::string& path, const SheetChoice& choice) {
   const auto stamp = fileStamp(path);
   if (!stamp) return fail(stamp.error());
-  // In UTF-16 a character has at least two bytes; larger texts can't fit the limit.
-  if (stamp->size > 4 * choice.limits.textBytes) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
+  // In UTF-16 a character has at least two bytes, and a text in quotes may have them doubled.
+  if (stamp->size > 2 * choice.limits.textBytes) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
   const auto bytes = readBytes(path);
   if (!bytes) return fail(bytes.error());
   ReadSheet sheet;
@@ -136,6 +136,14 @@ std::string sheetFailureText(const Error& error, const std::string& path) {
     default:
       return "Il foglio " + name + " non può essere letto\n\n" + error.what;
   }
+}
+
+std::string sheetWritingFailureText(const Error& error, const std::string& path) {
+  if (error.number == TooLargeSheet) {
+    return "Un file XLSX ha al più 1.048.576 righe, e 32.767 caratteri in una cella: qui c'è di più. Scegliere un file "
+           "CSV";
+  }
+  return "Impossibile scrivere " + path + ":\n" + error.what;
 }
 
 std::string readingText(const SheetReading& reading) {

@@ -42,6 +42,8 @@ struct ReadSheet {
 Result<ReadSheet> readSheetFile(const std::string& path, const SheetChoice& choice);
 /// Why a file can't be read, for the merchant.
 std::string sheetFailureText(const Error& error, const std::string& path);
+/// Why a file can't be written, for the merchant.
+std::string sheetWritingFailureText(const Error& error, const std::string& path);
 /// How a file was read, as one line: "CSV, UTF-8, separatore \";\", decimali \",\", migliaia \".\"".
 std::string readingText(const SheetReading& reading);
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "platform/database/rows.h"
 #include "platform/text/text.h"
 #include "store/catalogue/catalogue_lists.h"
 
@@ -18,12 +19,26 @@ Result<std::vector<NamedDepartment>> readNamed(Database& catalogue) {
   auto rows = catalogue.prepare("SELECT ID, genitore, titolo FROM categorie ORDER BY livello, ordinamento, contatore");
   if (!rows) return fail(rows.error());
   std::vector<NamedDepartment> named;
-  for (;;) {
-    const auto row = rows->step();
-    if (!row) return fail(row.error());
-    if (!*row) return named;
-    named.push_back({std::string(rows->text(0)), std::string(rows->text(1)), std::string(rows->text(2))});
+  const auto read = forEachRow(*rows, [&](const Statement& row) {
+    named.push_back({std::string(row.text(0)), std::string(row.text(1)), std::string(row.text(2))});
+  });
+  if (!read) return fail(read.error());
+  return named;
+}
+
+using DepartmentsByID = std::unordered_map<std::string, const NamedDepartment*>;
+
+/// The titles from the root down to a department.
+std::string namedPath(const NamedDepartment& department, const DepartmentsByID& byID) {
+  std::string path;
+  // Departments in a circle end the walk as well.
+  std::size_t steps = 0;
+  for (const NamedDepartment* at = &department; at != nullptr && steps <= byID.size(); ++steps) {
+    path = (at->titolo.empty() ? at->ID : at->titolo) + (path.empty() ? "" : std::string(pathSign)) + path;
+    const auto parent = byID.find(foldCase(at->genitore));
+    at = parent == byID.end() ? nullptr : parent->second;
   }
+  return path;
 }
 
 void addName(std::unordered_map<std::string, CatalogueName>& to, std::string name, std::string ID) {
@@ -58,28 +73,15 @@ SplitPath splitPath(std::string_view path) {
 Result<CatalogueNames> CatalogueNames::read(Database& catalogue) {
   const auto named = readNamed(catalogue);
   if (!named) return fail(named.error());
-  std::unordered_map<std::string, const NamedDepartment*> byID;
+  DepartmentsByID byID;
   for (const NamedDepartment& each : *named) byID.emplace(foldCase(each.ID), &each);
   CatalogueNames names;
-  for (const NamedDepartment& each : *named) {
-    std::string path;
-    // Departments in a circle end the walk as well.
-    std::size_t steps = 0;
-    for (const NamedDepartment* at = &each; at != nullptr && steps <= named->size(); ++steps) {
-      path = (at->titolo.empty() ? at->ID : at->titolo) + (path.empty() ? "" : std::string(pathSign)) + path;
-      const auto parent = byID.find(foldCase(at->genitore));
-      at = parent == byID.end() ? nullptr : parent->second;
-    }
-    names.addDepartment(each.ID, path);
-  }
-  auto rows = catalogue.prepare("SELECT ID, nome FROM opzioni ORDER BY ID");
-  if (!rows) return fail(rows.error());
-  for (;;) {
-    const auto row = rows->step();
-    if (!row) return fail(row.error());
-    if (!*row) return names;
-    names.addVariant(rows->integer(0), std::string(rows->text(1)));
-  }
+  for (const NamedDepartment& each : *named) names.addDepartment(each.ID, namedPath(each, byID));
+  const auto read = forEachRow(catalogue, "SELECT ID, nome FROM opzioni ORDER BY ID", [&](const Statement& row) {
+    names.addVariant(row.integer(0), std::string(row.text(1)));
+  });
+  if (!read) return fail(read.error());
+  return names;
 }
 
 std::string_view CatalogueNames::pathOf(std::string_view department) const {

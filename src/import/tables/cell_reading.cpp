@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -19,8 +20,7 @@ constexpr double highestPercent = 100;
 CellValue refused(std::string why) { return {Null{}, std::move(why)}; }
 std::string quoted(std::string_view text) {
   constexpr std::size_t most = 40;
-  const std::string_view start = firstCharacters(text, most);
-  return "\"" + std::string(start) + (start.size() < text.size() ? "..." : "") + "\"";
+  return "\"" + beginningOf(text, most) + "\"";
 }
 
 std::string withoutCurrency(std::string_view text) {
@@ -104,6 +104,12 @@ std::string singleText(float number) {
   return {text.data(), end};
 }
 
+/// A number with "." for decimals as the merchant writes it.
+std::string withComma(std::string number) {
+  std::ranges::replace(number, '.', ',');
+  return number;
+}
+
 std::string moneyText(Money amount) {
   constexpr std::int64_t unit = 10000;
   const std::int64_t count = amount.tenThousandths();
@@ -142,6 +148,13 @@ std::string withCrLf(std::string_view text) {
 bool isSameText(std::string_view a, std::string_view b) { return a == b || withCrLf(a) == withCrLf(b); }
 
 }  // namespace
+
+std::string beginningOf(std::string_view text, std::size_t most) {
+  const std::string_view start = firstCharacters(text, most);
+  return std::string(start) + (start.size() < text.size() ? "..." : "");
+}
+
+std::string shownAmount(Money amount) { return withComma(formatNumber(amount, "0.00##")); }
 
 bool isNumberField(CellField field) {
   return field == CellField::Money || field == CellField::Percent || field == CellField::Number ||
@@ -272,6 +285,26 @@ std::string CellReader::shown(const TableColumn& column, const Statement& row, i
       return std::string(names_.variantName(row.integer(index)));
     default:
       return std::string(row.text(index));
+  }
+}
+
+std::string CellReader::plain(const TableColumn& column, const SheetCell& cell) const {
+  const bool isFlag = column.field == CellField::Flag || column.field == CellField::Mark;
+  if (!isFlag && !isNumberField(column.field)) return std::string(cell.text);
+  const CellValue value = read(column, cell);
+  if (!value.refusal.empty()) return std::string(cell.text);
+  if (isNull(value.value)) return {};
+  switch (column.field) {
+    case CellField::Money:
+      return shownAmount(asMoney(value.value));
+    case CellField::Whole:
+      return std::to_string(asInteger(value.value));
+    case CellField::Flag:
+      return asFlag(value.value) ? "sì" : "no";
+    case CellField::Mark:
+      return asText(value.value).empty() ? "no" : "sì";
+    default:
+      return withComma(singleText(static_cast<float>(asNumber(value.value))));
   }
 }
 

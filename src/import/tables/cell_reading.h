@@ -33,6 +33,9 @@ class CellReader {
   std::string shown(const TableColumn& column, const Statement& row, int index) const;
   /// Whether the field has the value of a cell already.
   bool isSame(const TableColumn& column, const Statement& row, int index, const SheetCell& cell) const;
+  /// A text of shown(), or of a cell that read() takes, as the merchant reads it: "," for decimals, amounts with two of
+  /// them at least, "sì" and "no"; what is no such value stays as it is.
+  std::string plain(const TableColumn& column, const SheetCell& cell) const;
   /// The text by which a cell is found again among the keys: numbers, paths and names in one form.
   std::string keyText(const TableColumn& column, const SheetCell& cell) const;
   /// The same of a row of the catalogue.
@@ -47,6 +50,10 @@ class CellReader {
   const CatalogueNames& names_;
 };
 
+/// The first characters of a text for a list or a message, with "..." where it has more.
+std::string beginningOf(std::string_view text, std::size_t most);
+/// An amount as the merchant writes it: "1234,50".
+std::string shownAmount(Money amount);
 /// Whether a column's cells are numbers, which a sheet may write with any sign.
 bool isNumberField(CellField field);
 

@@ -284,18 +284,20 @@ class ShapedSheet {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       const ShapeColumn* const column = columns_[i];
       const SheetCell cell = sheet_.cells.cell(row_.row, i);
-      if (column == nullptr || (column->cell == nullptr && !column->isCarried)) {
-        if (!to.add(cell.text, cell.isNumber)) return false;
-        continue;
-      }
-      std::string text = cell.text.empty() && i < headers_.size() ? std::string() : shaped(*column, cell.text);
-      if (column->isCarried) {
-        if (text.empty() && isFurther) text = last_[i];
-        last_[i] = text;
-      }
-      if (!to.add(text, cell.isNumber)) return false;
+      const bool isAsRead = column == nullptr || (column->cell == nullptr && !column->isCarried);
+      const std::string own = isAsRead ? std::string() : filled(i, cell.text, isFurther);
+      if (!to.add(isAsRead ? cell.text : std::string_view(own), cell.isNumber)) return false;
     }
     return to.endRow(sheet_.cells.line(row_.row));
+  }
+  /// What the cell of a column of the shape becomes: shaped, or the value above in a further row.
+  std::string filled(std::size_t i, std::string_view cell, bool isFurther) {
+    const ShapeColumn& column = *columns_[i];
+    std::string text = cell.empty() && i < headers_.size() ? std::string() : shaped(column, cell);
+    if (!column.isCarried) return text;
+    if (text.empty() && isFurther) text = last_[i];
+    last_[i] = text;
+    return text;
   }
   std::string shaped(const ShapeColumn& column, std::string_view cell) const {
     return column.cell == nullptr ? std::string(cell) : column.cell(row_, trim(cell));

@@ -174,8 +174,18 @@ QWidget* frmImportaFoglio::makePlanPage() {
     lblSomme_->setText(toQt(guide_.sums()));
     cmdAvanti_->setEnabled(guide_.canImport());
   });
+  // In characters; the last column takes the rest.
+  constexpr std::array planWidths{10, 14, 38};
+  constexpr std::array valueWidths{20, 38};
+  const int character = fontMetrics().averageCharWidth();
+  for (std::size_t i = 0; i < planWidths.size(); ++i) {
+    grdPiano_->setColumnWidth(static_cast<int>(i), planWidths.at(i) * character);
+  }
   column->addWidget(grdPiano_, 2);
   grdValori_ = grid("grdValori", "Valori della riga", {toQt("Colonna"), toQt("Adesso"), toQt("Dopo")});
+  for (std::size_t i = 0; i < valueWidths.size(); ++i) {
+    grdValori_->setColumnWidth(static_cast<int>(i), valueWidths.at(i) * character);
+  }
   column->addWidget(grdValori_, 1);
   return page;
 }
@@ -224,7 +234,9 @@ void frmImportaFoglio::showFile() {
   grdRighe_->setColumnCount(rows.empty() ? 0 : static_cast<int>(rows[0].size()));
   for (std::size_t row = 0; row < rows.size(); ++row) {
     for (std::size_t i = 0; i < rows[row].size(); ++i) {
-      grdRighe_->setItem(static_cast<int>(row), static_cast<int>(i), new QTableWidgetItem(toQt(rows[row][i])));
+      auto* item = new QTableWidgetItem(toQt(rows[row][i]));
+      if (guide_.isNumber(row, i)) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+      grdRighe_->setItem(static_cast<int>(row), static_cast<int>(i), item);
     }
   }
   cmdAvanti_->setEnabled(guide_.isRead());

@@ -271,18 +271,20 @@ std::vector<std::string_view> exportHeaders(std::string_view column) {
     std::vector<std::string_view> others;
   };
   static const std::vector<Headers> rows{
-      {"codice", {"sku", "variant sku", "reference", "reference #", "codice articolo", "cod.", "mpn", "item number"}},
-      {"titolo", {"name", "name *", "product name", "nome", "nome prodotto", "denominazione"}},
-      {"sottotitolo", {"short description", "summary", "breve descrizione"}},
+      {"codice",
+       {"sku", "variant sku", "reference", "reference #", "codice articolo", "cod.", "cod. art.", "cod. articolo",
+        "mpn", "item number"}},
+      {"titolo", {"name", "name *", "product name", "nome", "nome prodotto", "nome articolo", "denominazione"}},
+      {"sottotitolo", {"short description", "summary", "breve descrizione", "descrizione breve"}},
       {"descrizione", {"body (html)", "body html", "long description", "product description"}},
       {"reparto",
        {"categories", "category", "product category", "product type", "type", "categoria", "categorie",
         "categories (x,y,z...)"}},
       {"prezzo",
        {"regular price", "variant price", "price tax included", "price tax included. (ti)", "price tax excluded",
-        "unit price", "prezzo unitario", "listino"}},
+        "unit price", "prezzo unitario", "prezzo €", "prezzo di vendita", "prezzo al pubblico", "listino"}},
       {"offertaprezzo", {"sale price", "discounted price", "special price"}},
-      {"peso", {"weight (kg)", "weight (g)", "variant grams", "package weight", "shipping weight"}},
+      {"peso", {"weight (kg)", "peso (kg)", "peso kg", "package weight", "shipping weight"}},
       {"immagine0", {"images", "image", "image src", "image url", "image link", "image urls (x,y,z...)", "immagine"}},
       {"link", {"external url", "url"}}};
   const auto found = std::ranges::find(rows, column, &Headers::column);

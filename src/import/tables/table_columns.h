@@ -74,7 +74,8 @@ std::vector<std::string> sheetTableNames();
 /// One of them. Missing when there is none of the name.
 Result<SheetTable> sheetTable(Database& catalogue, int languageCount, std::string_view name);
 
-/// Other headers under which product exports of shop programs know a column, by its own name.
+/// Other headers under which product exports of shop programs and merchants know a column, by its own name; none with
+/// another unit than the column's.
 std::vector<std::string_view> exportHeaders(std::string_view column);
 
 }  // namespace kv

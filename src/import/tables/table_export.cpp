@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "import/tables/cell_reading.h"
+#include "platform/database/rows.h"
 
 namespace kv {
 namespace {
@@ -60,6 +61,23 @@ std::string selectionOf(const SheetTable& table, const std::vector<const TableCo
   return sql + " FROM " + table.from + " ORDER BY " + table.order;
 }
 
+/// Writes the headers and the wanted rows; how many of these.
+Result<std::size_t> writeTableRows(Statement& rows, TableRows& cells, SheetOutput& output, const TableExport& what) {
+  if (auto done = output.row(cells.headers(what.ownNames)); !done) return fail(done.error());
+  const std::unordered_set<std::int64_t> only(what.only.begin(), what.only.end());
+  std::size_t written = 0;
+  const auto done = forEachRow(rows, [&](const Statement& row) -> Result<> {
+    if (what.isFiltered && !only.contains(row.integer(0))) return {};
+    if (what.goOn && written % rowsPerCheck == 0 && !what.goOn(written)) {
+      return fail(ErrorKind::Cancelled, "", "cancelled");
+    }
+    ++written;
+    return output.row(cells.row(row));
+  });
+  if (!done) return fail(done.error());
+  return written;
+}
+
 }  // namespace
 
 Result<std::size_t> exportTable(Database& catalogue, const SheetTable& table, const std::string& path,
@@ -73,22 +91,10 @@ Result<std::size_t> exportTable(Database& catalogue, const SheetTable& table, co
   auto output = openSheetOutput(path, table.caption, what.form);
   if (!output) return fail(output.error());
   TableRows cells(*columns, *names);
-  if (auto done = (*output)->row(cells.headers(what.ownNames)); !done) return fail(done.error());
-  const std::unordered_set<std::int64_t> only(what.only.begin(), what.only.end());
-  std::size_t written = 0;
-  for (;;) {
-    const auto row = rows->step();
-    if (!row) return fail(row.error());
-    if (!*row) break;
-    if (what.isFiltered && !only.contains(rows->integer(0))) continue;
-    if (what.goOn && written % rowsPerCheck == 0 && !what.goOn(written)) {
-      return fail(ErrorKind::Cancelled, path, "cancelled");
-    }
-    if (auto done = (*output)->row(cells.row(*rows)); !done) return fail(done.error());
-    ++written;
-  }
+  auto written = writeTableRows(*rows, cells, **output, what);
+  if (!written) return fail(written.error());
   if (auto done = (*output)->finish(); !done) return fail(done.error());
-  return written;
+  return *written;
 }
 
 }  // namespace kv

@@ -2,9 +2,33 @@
 
 #include <algorithm>
 
+#include "import/tables/cell_reading.h"
 #include "platform/files/files.h"
+#include "platform/text/text.h"
 
 namespace kv {
+
+namespace {
+
+constexpr std::size_t rowsWithExample = 50;  // looked at for a number
+constexpr std::size_t mostShown = 200;       // characters of a cell
+constexpr std::size_t longestNumber = 30;
+
+/// Whether a text is of digits with at least one sign that numbers have inside.
+bool isSignedNumberText(std::string_view text) {
+  if (text.size() > longestNumber) return false;
+  const bool isNumber = text.find_first_not_of("0123456789.,' -+") == std::string_view::npos;
+  const std::size_t sign = text.find_first_of(".,' ", 1);
+  return isNumber && sign != std::string_view::npos && sign + 1 < text.size() && text.back() >= '0' &&
+         text.back() <= '9';
+}
+
+/// Whether a column of the sheet fills one of numbers; the signs are found out from these alone.
+bool isNumberColumn(const SheetTable& table, const ColumnMapping& mapping, std::size_t source) {
+  return source < mapping.size() && mapping[source] && isNumberField(table.columns[*mapping[source]].field);
+}
+
+}  // namespace
 
 TableGuide::TableGuide(Session& session, const Settings& settings, std::string department, std::string model)
     : session_(session), settings_(settings) {
@@ -31,7 +55,29 @@ std::string TableGuide::reading() const {
   const std::size_t rows = open_->sheet.cells.rows();
   return readingText(open_->sheet.reading) +
          (open_->shape.empty() ? "" : ", esportazione " + std::string(open_->shape)) + ", " +
-         std::to_string(rows == 0 ? 0 : rows - 1) + " righe";
+         std::to_string(rows == 0 ? 0 : rows - 1) + " righe" + numberNote();
+}
+
+std::string TableGuide::numberNote() const {
+  const CellTable& cells = open_->sheet.cells;
+  for (std::size_t row = 1; row < std::min(rowsWithExample, cells.rows()); ++row) {
+    for (std::size_t i = 0; i < cells.width(row); ++i) {
+      const SheetCell cell = cells.cell(row, i);
+      const std::string_view text = trim(cell.text);
+      const bool mayTell = !cell.isNumber && !text.empty() && isNumberColumn(open_->table, request.mapping, i);
+      if (!mayTell || !isSignedNumberText(text)) continue;
+      const auto number = sheetNumber(text, open_->sheet.reading.csv);
+      return ", \"" + std::string(text) + "\" " +
+             (number ? "vale " + replaceAll(*number, ".", ",") : "non è un numero");
+    }
+  }
+  return {};
+}
+
+bool TableGuide::isNumber(std::size_t row, std::size_t column) const {
+  const SheetCell cell = open_->sheet.cells.cell(row, column);
+  const bool mayBe = cell.text.size() <= longestNumber && isNumberColumn(open_->table, request.mapping, column);
+  return cell.isNumber || (mayBe && sheetNumber(cell.text, open_->sheet.reading.csv));
 }
 
 std::vector<std::vector<std::string>> TableGuide::firstRows(std::size_t count) const {
@@ -40,7 +86,8 @@ std::vector<std::vector<std::string>> TableGuide::firstRows(std::size_t count) c
   const CellTable& cells = open_->sheet.cells;
   for (std::size_t row = 0; row < std::min(count, cells.rows()); ++row) {
     rows.emplace_back();
-    for (std::size_t i = 0; i < cells.width(); ++i) rows.back().emplace_back(cells.cell(row, i).text);
+    for (std::size_t i = 0; i < cells.width(); ++i)
+      rows.back().push_back(beginningOf(cells.cell(row, i).text, mostShown));
   }
   return rows;
 }
@@ -55,7 +102,7 @@ std::string TableGuide::example(std::size_t source) const {
   const CellTable& cells = open_->sheet.cells;
   for (std::size_t row = 1; row < cells.rows(); ++row) {
     const std::string_view text = cells.cell(row, source).text;
-    if (!text.empty()) return std::string(text);
+    if (!text.empty()) return beginningOf(text, mostShown);
   }
   return {};
 }

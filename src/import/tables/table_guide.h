@@ -34,17 +34,20 @@ class TableGuide {
   bool isRead() const { return open_.has_value(); }
   /// What was read, and how; isRead() holds.
   const OpenSheet& sheet() const { return *open_; }
-  /// How the file was read, as a line; empty where it wasn't.
+  /// How the file was read, as a line, and what that makes of the first number with signs in
+  /// a column of numbers; empty where it wasn't.
   std::string reading() const;
-  /// The first rows, the headers among them.
+  /// The first rows, the headers among them; of a long text its beginning.
   std::vector<std::vector<std::string>> firstRows(std::size_t count) const;
+  /// Whether a cell of these rows is a number as the file is read.
+  bool isNumber(std::size_t row, std::size_t column) const;
 
   // The second page: the columns.
   TableRequest request;
   /// The name of a column of the table, empty for none, becomes that of a column of the sheet; a column that another
   /// one had is taken from it.
   void map(std::size_t source, std::string_view column);
-  /// The first text under a header; empty when there is none.
+  /// The first text under a header, of a long one its beginning; empty when there is none.
   std::string example(std::size_t source) const;
   /// Name of the key that the columns allow; empty when there is none.
   std::string usualKey() const;
@@ -65,6 +68,9 @@ class TableGuide {
   bool canImport() const;
 
  private:
+  /// What the signs make of a number of the first rows: ""1.234,50" vale 1234,50"; empty when none has a sign.
+  std::string numberNote() const;
+
   Session& session_;
   const Settings& settings_;
   std::optional<OpenSheet> open_;

@@ -1,9 +1,8 @@
 #include "import/tables/table_import.h"
 
+#include "import/tables/cell_reading.h"
 #include "import/tables/export_shapes.h"
 #include "platform/files/files.h"
-#include "platform/numbers/number_format.h"
-#include "platform/text/text.h"
 
 namespace kv {
 namespace {
@@ -57,10 +56,7 @@ Result<> findColumns(OpenSheet& open, const Settings& settings, const SheetChoic
   return {};
 }
 
-/// An amount as the merchant writes it: "1234,50".
-std::string shownAmount(std::optional<Money> amount) {
-  return amount ? replaceAll(formatNumber(*amount, "0.00##"), ".", ",") : "(troppo grande)";
-}
+std::string shownSum(std::optional<Money> sum) { return sum ? shownAmount(*sum) : "(troppo grande)"; }
 
 }  // namespace
 
@@ -119,7 +115,7 @@ std::string amountsText(const TablePlan& plan) {
   for (const AmountSums& sums : plan.amountSums()) {
     text += (text.empty() ? "" : "\n") + plan.table.columns[plan.columns[sums.mapped].column].italian + ": " +
             std::to_string(sums.count) + (sums.count == 1 ? " importo cambia" : " importi cambiano") +
-            ", in tutto da " + shownAmount(sums.before) + " a " + shownAmount(sums.after);
+            ", in tutto da " + shownSum(sums.before) + " a " + shownSum(sums.after);
   }
   return text;
 }

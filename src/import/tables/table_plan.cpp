@@ -74,22 +74,30 @@ class TablePlanner {
     auto rows = catalogue_.prepare(selection());
     if (!rows) return fail(rows.error());
     std::size_t count = 0;
-    for (std::string key;; key.clear()) {
+    for (;;) {
       const auto row = rows->step();
       if (!row) return fail(row.error());
       if (!*row) break;
       if (step && ++count % rowsPerLook == 0 && !step(count, 0)) return fail(ErrorKind::Cancelled, "", "cancelled");
-      for (std::size_t i = 0; i < keys_.size(); ++i) {
-        key += reader_.keyText(columnAt(keys_[i]), *rows, static_cast<int>(i) + firstKey) + '\n';
-      }
-      const auto found = byKey_.find(key);
-      if (found != byKey_.end()) {
+      const std::string key = keyOf(*rows);
+      if (key.empty()) continue;
+      if (const auto found = byKey_.find(key); found != byKey_.end()) {
         settle(plan_.rows[found->second], *rows);
       } else if (request_.unlistedOut && !rows->flag(1)) {
         plan_.unlisted.push_back(rows->integer(0));
       }
     }
     return {};
+  }
+  /// The key of a row of the catalogue; empty where a part of it is missing, so that no sheet can name the row.
+  std::string keyOf(const Statement& row) {
+    std::string key;
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+      const std::string text = reader_.keyText(columnAt(keys_[i]), row, static_cast<int>(i) + firstKey);
+      if (text.empty()) return {};
+      key += text + '\n';
+    }
+    return key;
   }
   std::string selection() const {
     const bool hasFlag = plan_.table.columnIndex("fuoricatalogo").has_value();
@@ -209,6 +217,9 @@ class TablePlanner {
   std::vector<PlannedAmount> amounts_;                  // of the row that is being planned
 };
 
+// Characters that a preview shows; a quote that is never closed makes one cell of the rest of a file.
+constexpr std::size_t mostOfLabel = 80, mostOfValue = 2000;
+
 std::string keyNames(const SheetTable& table) {
   std::string names;
   for (const TableKey& key : table.keys) names += (names.empty() ? "" : ", ") + key.caption;
@@ -292,7 +303,8 @@ Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePl
     const MappedColumn& mapped = plan.columns[index];
     const TableColumn& column = plan.table.columns[mapped.column];
     sql += ", " + column.stored;
-    changes.push_back({column.italian, "", std::string(sheet.cells.cell(row.row, mapped.source).text)});
+    const std::string after = reader.plain(column, sheet.cells.cell(row.row, mapped.source));
+    changes.push_back({column.italian, "", beginningOf(after, mostOfValue)});
   }
   if (row.key == 0 || changes.empty()) return changes;
   auto found = catalogue.prepare(sql + " FROM " + plan.table.from + " WHERE " + plan.table.rowKey + " = ?1");
@@ -302,7 +314,8 @@ Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePl
   if (!step) return fail(step.error());
   for (std::size_t i = 0; *step && i < changes.size(); ++i) {
     const TableColumn& column = plan.table.columns[plan.columns[row.changed[i]].column];
-    changes[i].before = reader.shown(column, *found, static_cast<int>(i) + 1);
+    const std::string before = reader.shown(column, *found, static_cast<int>(i) + 1);
+    changes[i].before = beginningOf(reader.plain(column, {before, isNumberField(column.field)}), mostOfValue);
   }
   return changes;
 }
@@ -316,7 +329,7 @@ std::string rowLabel(const TablePlan& plan, const ReadSheet& sheet, const Planne
     const auto mapped = std::ranges::find(plan.columns, *index, &MappedColumn::column);
     if (mapped == plan.columns.end()) continue;
     const std::string_view text = sheet.cells.cell(row.row, mapped->source).text;
-    if (!text.empty()) label += (label.empty() ? "" : "  ") + std::string(text);
+    if (!text.empty()) label += (label.empty() ? "" : "  ") + beginningOf(text, mostOfLabel);
   }
   return label;
 }

@@ -97,7 +97,8 @@ Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadShe
 /// A value as the preview shows it.
 struct ShownChange {
   std::string column;         ///< its Italian header
-  std::string before, after;  ///< as a sheet shows them
+  std::string before, after;  ///< as the merchant writes them, so that a number shows how it was read;
+                              ///< at most 2,000 characters
 };
 /// The values of a row that would be written; of a new row all that the sheet gives, `before` empty.
 Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePlan& plan, const ReadSheet& sheet,

@@ -1,5 +1,6 @@
 #include "platform/sheet/cell_value.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -33,7 +34,14 @@ std::string shownDouble(double value) {
   return text;
 }
 
-bool isDateSign(char c) { return c == 'y' || c == 'm' || c == 'd' || c == 'h' || c == 's'; }
+bool isDateSign(char c) { return std::string_view("ymdhsYMDHS").find(c) != std::string_view::npos; }
+
+/// How many characters after the first belong to it and say nothing: a quoted or bracketed part, a literal.
+std::size_t passedOver(std::string_view code) {
+  const char c = code.front();
+  if (c == '"' || c == '[') return std::min(code.find(c == '[' ? ']' : '"', 1), code.size());
+  return c == '\\' || c == '_' || c == '*' ? 1 : 0;
+}
 
 std::optional<char32_t> escapedCharacter(std::string_view text) {
   constexpr std::size_t length = 7, digits = 4;
@@ -51,22 +59,12 @@ std::optional<char32_t> escapedCharacter(std::string_view text) {
 }  // namespace
 
 CellFormat cellFormatOf(std::string_view code) {
-  char closes = 0;  // what ends the part that is passed over
   for (std::size_t at = 0; at < code.size(); ++at) {
-    const char c = utf8::lowerAscii(code[at]);
-    if (closes != 0) {
-      if (c == closes) closes = 0;
-    } else if (c == '"' || c == '[') {
-      closes = c == '[' ? ']' : '"';
-      // Hours beyond a day are in brackets.
-      if (c == '[' && at + 1 < code.size() && isDateSign(utf8::lowerAscii(code[at + 1]))) return CellFormat::Date;
-    } else if (c == '\\' || c == '_' || c == '*') {
-      ++at;
-    } else if (c == '%') {
-      return CellFormat::Percent;
-    } else if (isDateSign(c)) {
-      return CellFormat::Date;
-    }
+    const char c = code[at];
+    if (c == '%') return CellFormat::Percent;
+    // Hours beyond a day are in brackets.
+    if (isDateSign(c) || (c == '[' && at + 1 < code.size() && isDateSign(code[at + 1]))) return CellFormat::Date;
+    at += passedOver(code.substr(at));
   }
   return CellFormat::Plain;
 }

@@ -17,6 +17,17 @@ struct PartEnd {
 };
 using OpenPart = std::unique_ptr<zip_file_t, PartEnd>;
 
+/// Whether what failed last in an archive failed for want of a password.
+bool isLocked(zip_t& archive) {
+  const int code = zip_error_code_zip(zip_get_error(&archive));
+  return code == ZIP_ER_NOPASSWD || code == ZIP_ER_WRONGPASSWD || code == ZIP_ER_ENCRNOTSUPP;
+}
+
+Result<> unpackFailure(zip_t& archive, const std::string& path, const std::string& part) {
+  if (isLocked(archive)) return fail(ErrorKind::Malformed, path, "encrypted", ProtectedSheet);
+  return fail(ErrorKind::Corrupt, path, part);
+}
+
 constexpr std::size_t pieceBytes = 65536;  // unpacked at once
 
 }  // namespace
@@ -55,12 +66,7 @@ bool PackedFile::has(const std::string& part) const {
 Result<> PackedFile::readXml(const std::string& part, XmlListener& listener, const std::function<bool()>& goOn) {
   if (!has(part)) return fail(ErrorKind::Missing, state_->path, part);
   const OpenPart file(zip_fopen(state_->archive.get(), part.c_str(), 0));
-  if (!file) {
-    const int code = zip_error_code_zip(zip_get_error(state_->archive.get()));
-    const bool isLocked = code == ZIP_ER_NOPASSWD || code == ZIP_ER_WRONGPASSWD || code == ZIP_ER_ENCRNOTSUPP;
-    if (isLocked) return fail(ErrorKind::Malformed, state_->path, "encrypted", ProtectedSheet);
-    return fail(ErrorKind::Corrupt, state_->path, part);
-  }
+  if (!file) return unpackFailure(*state_->archive, state_->path, part);
   XmlReading reading(listener);
   std::array<char, pieceBytes> piece;
   for (;;) {

@@ -45,17 +45,24 @@ std::optional<int> digitsOf(std::string_view text, std::size_t at, std::size_t c
   return value;
 }
 
+/// The day at the start of a text; nothing when there is none, or one that isn't.
+std::optional<std::chrono::year_month_day> dayOf(std::string_view text) {
+  const auto year = digitsOf(text, 0, 4), month = digitsOf(text, 5, 2), day = digitsOf(text, 8, 2);
+  if (!year || !month || !day) return {};
+  const std::chrono::year_month_day date(std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
+                                         std::chrono::day(static_cast<unsigned>(*day)));
+  return date.ok() ? std::optional(date) : std::nullopt;
+}
+
 /// "2024-05-31 13:45:00" or "2024-05-31" as a date of the library; nothing for any other text, or a day that isn't.
 std::optional<lxw_datetime> momentOf(std::string_view text) {
   constexpr std::size_t dayLength = 10, momentLength = 19;
   constexpr int firstYear = 1900;  // of what a sheet can hold
-  const auto year = digitsOf(text, 0, 4), month = digitsOf(text, 5, 2), day = digitsOf(text, 8, 2);
-  if (!year || !month || !day || *year < firstYear || (text.size() != dayLength && text.size() != momentLength))
-    return {};
-  const std::chrono::year_month_day date(std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
-                                         std::chrono::day(static_cast<unsigned>(*day)));
-  if (!date.ok()) return {};
-  lxw_datetime moment{*year, *month, *day, 0, 0, 0};
+  if (text.size() != dayLength && text.size() != momentLength) return {};
+  const auto date = dayOf(text);
+  if (!date || date->year() < std::chrono::year(firstYear)) return {};
+  lxw_datetime moment{
+      int{date->year()}, static_cast<int>(unsigned{date->month()}), static_cast<int>(unsigned{date->day()}), 0, 0, 0};
   if (text.size() == dayLength) return moment;
   const auto hour = digitsOf(text, 11, 2), minute = digitsOf(text, 14, 2), second = digitsOf(text, 17, 2);
   if (!hour || !minute || !second) return {};

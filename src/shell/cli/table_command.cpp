@@ -56,6 +56,18 @@ std::optional<TableRequest> tableRequestOf(const CommandLine& line, Environment&
   return request;
 }
 
+/// Whether a word may follow --shape; none is said when it is empty.
+bool isShapeChoice(const std::string& shape) {
+  return shape.empty() || shape == "no" || !exportShapeCaption(shape).empty();
+}
+
+/// What an import works with: what is wanted, the sheet, and what would happen.
+struct TableJob {
+  const TableRequest& request;
+  OpenSheet& sheet;
+  TablePlan& plan;
+};
+
 /// Puts the lines of --map over the columns that were found; false when the user has been told why not.
 bool mapColumns(const CommandLine& line, Environment& env, OpenSheet& open) {
   if (!line.has("--map")) return true;
@@ -78,14 +90,28 @@ void tellWritten(const OpenSheet& open, const TablePlan& plan, std::ostream& out
   }
 }
 
+/// Shows what the import would do, or does it.
+CliOutcome previewOrImport(CliSession& open, const CommandLine& line, Environment& env, const TableJob& job,
+                           std::ostream& out) {
+  if (line.has("--dry-run")) {
+    const auto text = tablePreviewText(open.session, job.sheet, job.plan);
+    if (!text) return tableRefused(env, text.error().what);
+    out << *text;
+    return CliOutcome::Done;
+  }
+  const TableEnd end = importPlannedTable(open.session, env, job.plan, job.sheet.sheet, job.request);
+  if (end != TableEnd::Done) return CliOutcome::Failed;
+  tellWritten(job.sheet, job.plan, out);
+  return CliOutcome::Done;
+}
+
 CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment& env, std::ostream& out) {
   auto request = tableRequestOf(line, env);
   if (!request) return CliOutcome::WrongUsage;
   const std::string path = absolutePath(line.object);
   SheetChoice choice;
   choice.shape = line.option("--shape");
-  const bool isShape = choice.shape.empty() || choice.shape == "no" || !exportShapeCaption(choice.shape).empty();
-  if (!isShape) return wrongValue(env, "--shape", choice.shape);
+  if (!isShapeChoice(choice.shape)) return wrongValue(env, "--shape", choice.shape);
   auto sheet = openTableSheet(open.session, env.settings, path, tableName(line), choice);
   if (!sheet) return tableRefused(env, sheetFailureText(sheet.error(), path));
   if (!request->key.empty() && sheet->table.key(request->key) == nullptr) {
@@ -98,15 +124,7 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
   auto plan = planTable(open.session.catalogue, sheet->table, sheet->sheet, *request);
   if (!plan) return tableRefused(env, plan.error().what);
-  if (line.has("--dry-run")) {
-    const auto text = tablePreviewText(open.session, *sheet, *plan);
-    if (!text) return tableRefused(env, text.error().what);
-    out << *text;
-    return CliOutcome::Done;
-  }
-  if (importPlannedTable(open.session, env, *plan, sheet->sheet, *request) != TableEnd::Done) return CliOutcome::Failed;
-  tellWritten(*sheet, *plan, out);
-  return CliOutcome::Done;
+  return previewOrImport(open, line, env, {*request, *sheet, *plan}, out);
 }
 
 std::vector<std::string> columnNames(std::string_view text) {
@@ -148,7 +166,7 @@ CliOutcome exportTableOf(const std::string& shop, const CommandLine& line, Envir
     return wrongValue(env, "--columns", error.what);
   }
   if (error.kind == ErrorKind::Cancelled) return CliOutcome::Failed;
-  return tableRefused(env, "Impossibile scrivere " + path + ":\n" + error.what);
+  return tableRefused(env, sheetWritingFailureText(error, path));
 }
 
 }  // namespace kv

@@ -51,7 +51,7 @@ bool exportToSheet(frmMain& window, Session& session, Environment& env) {
   const SheetTable& table = (*tables)[choice.table];
   const auto written = exportTable(session.catalogue, table, choice.path, what);
   if (!written) {
-    env.user.message("Impossibile scrivere " + choice.path + ":\n" + written.error().what, Icon::Critical);
+    env.user.message(sheetWritingFailureText(written.error(), choice.path), Icon::Critical);
     return false;
   }
   env.user.message("Esportazione completata: " + std::to_string(*written) + " " + table.rows, Icon::Information);

@@ -73,11 +73,12 @@ QVariant SheetModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::TextAlignmentRole) {
     return isSheetNumber(kind) ? QVariant(int{Qt::AlignRight | Qt::AlignVCenter}) : QVariant();
   }
-  if (kind == SheetKind::Flag) {
-    const bool on = cell(index).text == "1";
-    if (role == Qt::CheckStateRole) return on ? Qt::Checked : Qt::Unchecked;
-    return {};
-  }
+  if (kind != SheetKind::Flag) return textData(index, role);
+  if (role != Qt::CheckStateRole) return {};
+  return cell(index).text == "1" ? Qt::Checked : Qt::Unchecked;
+}
+
+QVariant SheetModel::textData(const QModelIndex& index, int role) const {
   if (role == Qt::DisplayRole) return inOneLine(cell(index).text);
   if (role == Qt::EditRole) return toQt(cell(index).text);
   if (role == Qt::ToolTipRole) return plainTip(toQt(cell(index).text));

@@ -49,6 +49,7 @@ class SheetModel final : public QAbstractTableModel {
  private:
   /// What a screen reader says of a cell: its heading and its text.
   QString spokenText(const QModelIndex& index) const;
+  QVariant textData(const QModelIndex& index, int role) const;
 
   std::span<const SheetColumn> columns_;
   std::vector<std::size_t> shown_;

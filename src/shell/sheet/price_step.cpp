@@ -10,10 +10,42 @@
 namespace kv {
 namespace {
 
-std::optional<PriceStep> productOf(double factor, bool whole) {
-  if (factor < 0) return std::nullopt;
-  return PriceStep{PriceRule{static_cast<float>(factor), whole}, {}, whole};
+std::optional<PriceStep> productOf(std::optional<double> factor, bool whole) {
+  if (!factor || *factor < 0) return std::nullopt;
+  return PriceStep{PriceRule{static_cast<float>(*factor), whole}, {}, whole};
 }
+
+std::optional<PriceStep> sumOf(std::string_view text, int sign, bool whole) {
+  const auto amount = Money::parse(text);
+  if (!amount || *amount < Money()) return std::nullopt;
+  return PriceStep{std::nullopt, Money::ofTenThousandths(sign * amount->tenThousandths()), whole};
+}
+
+/// The stored prices of single cells; null where there is no article.
+class CellPrices {
+ public:
+  explicit CellPrices(Database& catalogue) : catalogue_(catalogue) {}
+
+  Result<Value> read(const std::string& column, std::int64_t article) {
+    auto reader = readers_.find(column);
+    if (reader == readers_.end()) {
+      auto made = catalogue_.prepare("SELECT " + column + " FROM articoli WHERE ID = ?1");
+      if (!made) return fail(made.error());
+      reader = readers_.emplace(column, std::move(*made)).first;
+    }
+    Statement& row = reader->second;
+    row.bind(1, article);
+    const auto found = row.step();
+    if (!found) return fail(found.error());
+    Value stored = *found ? row.value(0) : Value(Null{});
+    row.reset();
+    return stored;
+  }
+
+ private:
+  Database& catalogue_;
+  std::map<std::string, Statement> readers_;
+};
 
 }  // namespace
 
@@ -26,15 +58,19 @@ std::optional<PriceStep> readPriceStep(std::string_view text, bool whole) {
     if (!percentage) return std::nullopt;
     return PriceStep{ruleOfPercentage(*percentage, whole), {}, whole};
   }
-  const char sign = typed.front();
-  if (sign == 'x' || sign == 'X' || sign == '*') {
-    const auto factor = toNumber(std::string_view(typed).substr(1));
-    return factor ? productOf(*factor, whole) : std::nullopt;
+  const std::string_view number = std::string_view(typed).substr(1);
+  switch (typed.front()) {
+    case 'x':
+    case 'X':
+    case '*':
+      return productOf(toNumber(number), whole);
+    case '+':
+      return sumOf(number, 1, whole);
+    case '-':
+      return sumOf(number, -1, whole);
+    default:
+      return std::nullopt;
   }
-  if (sign != '+' && sign != '-') return std::nullopt;
-  const auto amount = Money::parse(std::string_view(typed).substr(1));
-  if (!amount || *amount < Money()) return std::nullopt;
-  return PriceStep{std::nullopt, Money::ofTenThousandths((sign == '-' ? -1 : 1) * amount->tenThousandths()), whole};
 }
 
 std::optional<Money> steppedPrice(Money price, const PriceStep& step) {
@@ -51,28 +87,19 @@ Result<std::vector<CellChange>> priceChanges(Session& session, std::span<const S
                                              std::span<const CellText> cells, const PriceStep& step,
                                              char decimalSeparator) {
   std::vector<CellChange> changes;
-  std::map<std::size_t, Statement> readers;
+  CellPrices prices(session.catalogue);
   for (const CellText& cell : cells) {
     const SheetColumn& column = columns[cell.column];
     if (column.kind != SheetKind::Price) continue;
-    if (!readers.contains(cell.column)) {
-      auto made = session.catalogue.prepare("SELECT " + column.name + " FROM articoli WHERE ID = ?1");
-      if (!made) return fail(made.error());
-      readers.emplace(cell.column, std::move(*made));
-    }
-    Statement& reader = readers.at(cell.column);
-    reader.bind(1, cell.article);
-    const auto found = reader.step();
-    if (!found) return fail(found.error());
-    const Value stored = *found ? reader.value(0) : Value(Null{});
-    reader.reset();
-    if (isNull(stored)) continue;
-    const auto after = steppedPrice(asMoney(stored), step);
+    const auto stored = prices.read(column.name, cell.article);
+    if (!stored) return fail(stored.error());
+    if (isNull(*stored)) continue;
+    const auto after = steppedPrice(asMoney(*stored), step);
     CellChange change{
-        cell.article, cell.column, shownValue(*column.editor, column.stored, stored, decimalSeparator), {}, {}};
+        cell.article, cell.column, shownValue(*column.editor, column.stored, *stored, decimalSeparator), {}, {}};
     change.after = after ? shownValue(*column.editor, column.stored, Value(*after), decimalSeparator) : change.before;
     if (!after) change.why = "Il prezzo supererebbe il valore massimo consentito.";
-    if (!after || *after != asMoney(stored)) changes.push_back(std::move(change));
+    if (!after || *after != asMoney(*stored)) changes.push_back(std::move(change));
   }
   return changes;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/database/recordset.h"
 #include "platform/ports/failure_text.h"
+#include "platform/text/single_line.h"
 #include "platform/text/text.h"
 #include "shell/sheet/sheet_rows.h"
 #include "shell/workbench/fields/field_forms.h"
@@ -97,6 +98,50 @@ Result<std::vector<std::int64_t>> allArticles(Database& catalogue) {
   }
 }
 
+/// The cells of a text from a spreadsheet: tabs between cells, line ends between rows, quotes around what holds either.
+class BlockReading {
+ public:
+  explicit BlockReading(std::string_view text) : text_(text) {}
+
+  std::vector<std::vector<std::string>> rows() {
+    if (!text_.empty()) rows_.push_back({""});
+    for (; at_ < text_.size(); ++at_) {
+      const char c = text_[at_];
+      isQuoted_ ? readQuoted(c) : readPlain(c);
+      startsCell_ = !isQuoted_ && (c == '\t' || c == '\n' || c == '\r');
+    }
+    return std::move(rows_);
+  }
+
+ private:
+  bool isHere(std::string_view part) const { return text_.substr(at_).starts_with(part); }
+  void readQuoted(char c) {
+    if (c != '"') {
+      if (!isHere("\r\n")) rows_.back().back() += c;
+    } else if (isHere("\"\"")) {
+      rows_.back().back() += text_[at_++];
+    } else {
+      isQuoted_ = false;
+    }
+  }
+  void readPlain(char c) {
+    if (c == '"' && startsCell_) {
+      isQuoted_ = true;
+    } else if (c == '\t') {
+      rows_.back().emplace_back();
+    } else if (c != '\n' && c != '\r') {
+      rows_.back().back() += c;
+    } else if (!isHere("\r\n") && at_ + 1 < text_.size()) {
+      rows_.push_back({""});
+    }
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::vector<std::vector<std::string>> rows_;
+  bool isQuoted_ = false, startsCell_ = true;
+};
+
 }  // namespace
 
 Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, SheetOutcome& outcome) {
@@ -115,40 +160,36 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
       if (auto begun = rows.edit(); !begun) return begun;
       isEdited = true;
     }
-    auto set = rows.set(column.name, *reading.value);
-    const bool isRefused = !set && isOfValue(set.error().kind);
-    if (!set && !isRefused) return set;
-    if (isRefused) {
-      const std::string why =
-          failureText(set.error(), column.editor == nullptr ? column.heading : plainLabel(column.editor->label));
-      outcome.refused.push_back({cell.article, cell.column, why});
-      continue;
-    }
-    if (!reading.note.empty()) outcome.noted.push_back({cell.article, cell.column, reading.note});
-    ++outcome.changed;
+    if (auto set = setCell(rows, cell, reading, outcome); !set) return set;
   }
   return isEdited ? rows.update() : Result<>();
 }
 
+Result<> SheetEdits::setCell(Recordset& rows, const CellText& cell, const CellReading& reading, SheetOutcome& outcome) {
+  const SheetColumn& column = columns_[cell.column];
+  if (auto set = rows.set(column.name, *reading.value); !set) {
+    if (!isOfValue(set.error().kind)) return set;
+    const std::string label = column.editor == nullptr ? column.heading : plainLabel(column.editor->label);
+    outcome.refused.push_back({cell.article, cell.column, failureText(set.error(), label)});
+    return {};
+  }
+  if (!reading.note.empty()) outcome.noted.push_back({cell.article, cell.column, reading.note});
+  ++outcome.changed;
+  return {};
+}
+
 Result<> SheetEdits::writeAll(std::vector<CellText>& cells, SheetOutcome& outcome) {
   std::ranges::stable_sort(cells, {}, &CellText::article);
-  std::set<std::string> names;
-  bool hasChoices = false;
-  for (const CellText& cell : cells) {
-    const SheetColumn& column = columns_[cell.column];
-    if (isEditable(column) && column.kind != SheetKind::Department) names.insert(column.name);
-    hasChoices = hasChoices || isChoice(column);
-  }
+  const bool hasChoices =
+      std::ranges::any_of(cells, [&](const CellText& cell) { return isChoice(columns_[cell.column]); });
   if (hasChoices) {
     auto read = SheetNames::read(session_.catalogue);
     if (!read) return fail(read.error());
     names_ = std::move(*read);
   }
-  std::string fields = "ID";
-  for (const std::string& name : names) fields += ", " + name;
   const auto keys = allArticles(session_.catalogue);
   if (!keys) return fail(keys.error());
-  auto rows = session_.catalogue.openRecordset("SELECT " + fields + " FROM articoli ORDER BY ID");
+  auto rows = session_.catalogue.openRecordset("SELECT " + fieldsOf(cells) + " FROM articoli ORDER BY ID");
   if (!rows) return fail(rows.error());
   const std::span<const CellText> all(cells);
   for (std::size_t at = 0, end = 0; at < all.size(); at = end) {
@@ -159,6 +200,17 @@ Result<> SheetEdits::writeAll(std::vector<CellText>& cells, SheetOutcome& outcom
     if (auto done = writeRow(*rows, all.subspan(at, end - at), outcome); !done) return done;
   }
   return moveArticles();
+}
+
+std::string SheetEdits::fieldsOf(std::span<const CellText> cells) const {
+  std::set<std::string> names;
+  for (const CellText& cell : cells) {
+    const SheetColumn& column = columns_[cell.column];
+    if (isEditable(column) && column.kind != SheetKind::Department) names.insert(column.name);
+  }
+  std::string fields = "ID";
+  for (const std::string& name : names) fields += ", " + name;
+  return fields;
 }
 
 CellReading SheetEdits::readingOf(Recordset& rows, const CellText& cell) const {
@@ -240,33 +292,6 @@ std::string copiedBlock(const std::vector<std::vector<std::string>>& rows) {
   return text;
 }
 
-std::vector<std::vector<std::string>> pastedBlock(std::string_view text) {
-  std::vector<std::vector<std::string>> rows;
-  bool isQuoted = false;
-  bool startsCell = true;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (rows.empty()) rows.push_back({""});
-    if (isQuoted) {
-      if (c != '"') {
-        if (c != '\r' || !text.substr(i).starts_with("\r\n")) rows.back().back() += c;
-      } else if (text.substr(i).starts_with("\"\"")) {
-        rows.back().back() += text[i++];
-      } else {
-        isQuoted = false;
-      }
-    } else if (c == '"' && startsCell) {
-      isQuoted = true;
-    } else if (c == '\t') {
-      rows.back().emplace_back();
-    } else if (c == '\n' || (c == '\r' && !text.substr(i).starts_with("\r\n"))) {
-      if (i + 1 < text.size()) rows.push_back({""});
-    } else if (c != '\r') {
-      rows.back().back() += c;
-    }
-    startsCell = !isQuoted && (c == '\t' || c == '\n' || c == '\r');
-  }
-  return rows;
-}
+std::vector<std::vector<std::string>> pastedBlock(std::string_view text) { return BlockReading(text).rows(); }
 
 }  // namespace kv

@@ -62,6 +62,10 @@ class SheetEdits {
  private:
   Result<> writeAll(std::vector<CellText>& cells, SheetOutcome& outcome);
   Result<> writeRow(Recordset& rows, std::span<const CellText> cells, SheetOutcome& outcome);
+  /// Sets a value in the row that is edited; a value that the column doesn't take is refused.
+  Result<> setCell(Recordset& rows, const CellText& cell, const CellReading& reading, SheetOutcome& outcome);
+  /// The columns that the cells change, and the ID before them.
+  std::string fieldsOf(std::span<const CellText> cells) const;
   CellReading readingOf(Recordset& rows, const CellText& cell) const;
   /// Notes that an article goes to another department, or refuses it.
   Result<> noteMove(const CellText& cell, SheetOutcome& outcome);

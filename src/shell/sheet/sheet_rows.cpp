@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "platform/database/rows.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "shell/workbench/fields/field_forms.h"
@@ -153,27 +154,30 @@ Result<Statement> SheetRows::select(const SheetFilter& filter, const SheetColumn
                                     " FROM articoli a" + conditionsOf(session_, filter));
 }
 
+bool SheetRows::SortKey::isBefore(const SortKey& other) const {
+  return std::tie(rank, position, ID) < std::tie(other.rank, other.position, other.ID);
+}
+
+bool SheetRows::SortKey::isBefore(const SortKey& other, bool descending) const {
+  const auto difference = std::tie(text, number) <=> std::tie(other.text, other.number);
+  if (difference == 0) return isBefore(other);
+  return descending ? difference > 0 : difference < 0;
+}
+
 Result<> SheetRows::refresh(const SheetFilter& filter, const SheetOrder& order) {
-  if (auto read = readLookups(); !read) return read;
+  if (auto looked = readLookups(); !looked) return looked;
   const SheetColumn* const by = order.column && *order.column < columns_.size() ? &columns_[*order.column] : nullptr;
   auto row = select(filter, by);
   if (!row) return fail(row.error());
   if (!filter.department.empty()) row->bind(1, filter.department);
   const std::string wanted = foldCase(trim(filter.text));
   std::vector<SortKey> found;
-  for (;;) {
-    const auto stepped = row->step();
-    if (!stepped) return fail(stepped.error());
-    if (!*stepped) break;
-    if (wanted.empty() || holdsText(*row, wanted)) found.push_back(sortKeyOf(by, *row));
-  }
-  // Equal rows stay in the order of the shop, whichever way the others go.
+  auto read = forEachRow(*row, [&](const Statement& each) {
+    if (wanted.empty() || holdsText(each, wanted)) found.push_back(sortKeyOf(by, each));
+  });
+  if (!read) return read;
   std::ranges::sort(found, [&](const SortKey& one, const SortKey& other) {
-    if (by != nullptr) {
-      const auto difference = std::tie(one.text, one.number) <=> std::tie(other.text, other.number);
-      if (difference != 0) return order.descending ? difference > 0 : difference < 0;
-    }
-    return std::tie(one.rank, one.position, one.ID) < std::tie(other.rank, other.position, other.ID);
+    return by == nullptr ? one.isBefore(other) : one.isBefore(other, order.descending);
   });
   keys_.resize(found.size());
   std::ranges::transform(found, keys_.begin(), &SortKey::ID);

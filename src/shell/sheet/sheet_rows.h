@@ -61,6 +61,11 @@ class SheetRows {
     std::size_t rank = 0;       ///< of the department in the tree
     std::int64_t position = 0;  ///< in the department
     std::int64_t ID = 0;
+
+    /// By the position in the shop.
+    bool isBefore(const SortKey& other) const;
+    /// By what the column holds; equal rows stay in the order of the shop, whichever way the others go.
+    bool isBefore(const SortKey& other, bool descending) const;
   };
   static constexpr std::size_t lastRank = static_cast<std::size_t>(-1);  ///< of what is in no department of the tree
   struct Department {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "platform/database/rows.h"
 #include "shell/workbench/fields/field_forms.h"
 
 namespace kv {
@@ -38,23 +39,23 @@ Result<std::vector<CellChange>> findHits(Session& session, std::span<const Sheet
   auto row = session.catalogue.prepare(selectOf(columns, request));
   if (!row) return fail(row.error());
   std::vector<std::pair<std::size_t, CellChange>> found;
-  for (;;) {
-    const auto stepped = row->step();
-    if (!stepped) return fail(stepped.error());
-    if (!*stepped) break;
-    const auto position = positions.find(row->integer(0));
-    if (position == positions.end()) continue;
+  const auto addHits = [&](const Statement& article, std::size_t position) {
     for (std::size_t i = 0; i < request.columns.size(); ++i) {
       const SheetColumn& column = columns[request.columns[i]];
       const std::string before =
-          shownValue(*column.editor, column.stored, row->value(static_cast<int>(i) + 1), decimalSeparator);
+          shownValue(*column.editor, column.stored, article.value(static_cast<int>(i) + 1), decimalSeparator);
       auto hit = hitIn(column, *search, before, request, decimalSeparator);
       if (!hit) continue;
-      hit->article = row->integer(0);
+      hit->article = article.integer(0);
       hit->column = request.columns[i];
-      found.emplace_back(position->second, std::move(*hit));
+      found.emplace_back(position, std::move(*hit));
     }
-  }
+  };
+  const auto read = forEachRow(*row, [&](const Statement& article) {
+    const auto position = positions.find(article.integer(0));
+    if (position != positions.end()) addHits(article, position->second);
+  });
+  if (!read) return fail(read.error());
   std::ranges::stable_sort(found, {}, &std::pair<std::size_t, CellChange>::first);
   std::vector<CellChange> hits;
   hits.reserve(found.size());
