@@ -13,6 +13,7 @@ import { emittedMarkup } from "./support/valid_html.mjs";
 import { languages, readWords } from "./support/words.mjs";
 import { choosing } from "./scenarios/choosing.mjs";
 import { customers } from "./scenarios/customers.mjs";
+import { orderingByKeyboard } from "./scenarios/keyboard.mjs";
 import { ordering } from "./scenarios/ordering.mjs";
 import { accessibleBackOffice, fitsInEveryLanguage, fitsTheNarrowScreen, lookedAt, measured } from "./scenarios/pages.mjs";
 import { searching } from "./scenarios/searching.mjs";
@@ -102,6 +103,10 @@ for (const [row, screen] of screens.entries()) {
       searching(as);
       choosing(as);
       ordering(as);
+      // The narrow screen is the harder one; the wide one is tried once.
+      if (screen.isMobile || options.template === "chiaro") {
+        orderingByKeyboard(as);
+      }
       customers(as);
     });
   }

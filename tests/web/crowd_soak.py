@@ -16,8 +16,8 @@ import time
 import urllib.parse
 
 from load_shop import LoadedShop
-from served_shop import ServedShop, Visitor, order
-from shop_case import Case, own_tables, plain_article
+from served_shop import Visitor, order
+from shop_case import Case, open_shop, plain_article
 
 WORDS = ("alba", "tazz", "gres", "olio", "PI-00", "l'olio", "caff\u00e8", "zzqq", "di", "a-b")
 LEAST_SECONDS = 5
@@ -173,20 +173,14 @@ def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)
     seconds = int(sys.argv[sys.argv.index("--seconds") + 1]) if "--seconds" in sys.argv else 600
-    Case.shop = served = ServedShop(sys.argv[1])
-    failures = ["not ended"]
-    try:
-        served.open()
-        own_tables()
-        Case.cart = f"{plain_article()}.1"
+    with open_shop(sys.argv[1]) as served:
         each = mails_of_an_order(served)
         before = len(served.mails())
         crowd = Crowd(served, max(LEAST_SECONDS, seconds))
         crowd.run()
         failures = crowd.check(before, each)
-    finally:
-        served.close(keep=bool(failures))
-    sys.exit("\n".join(failures) if failures else 0)
+        if failures:
+            sys.exit("\n".join(failures))
 
 
 if __name__ == "__main__":

@@ -14,7 +14,8 @@ from payment_shops import SHOPS, Case
 from served_shop import SOURCES
 
 sys.path.insert(0, str(SOURCES / "tests/servers"))
-from ftp_servers import PASSWORD, USER, FaultyGate, FtpServer  # noqa: E402  (the path above comes first)
+from faulty_gate import FaultyGate  # noqa: E402  (the path above comes first)
+from ftp_servers import PASSWORD, USER, FtpServer  # noqa: E402
 
 DONE = "Aggiornamento password completato."
 SCRIPT = re.compile(r"^[a-z]{20}\.php$")

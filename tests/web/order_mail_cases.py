@@ -35,6 +35,8 @@ class OrderMails(CustomerCase):
         names = sorted(part.get_filename() for part in mail.walk() if part.get_filename())
         self.assertEqual(names, ["Allgemeine Geschäftsbedingungen.html", "Widerrufsrecht.html"])
         self.assertIn('<html lang="de">', mail_html(mail))
+        self.assertIn("Italien", mail_text(next(mail for mail in map(email.message_from_string, shop().mails()[-2:])
+                                                if mail["To"] == "ordini@bottega.example")))
         self.assertIn("/kvrecesso_l4.php", mail_text(mail))
 
     def test_text_and_html_say_the_same(self):

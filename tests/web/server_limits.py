@@ -77,6 +77,27 @@ class Limits(Case):
         answers = [enter(shop().visitor(), f"persona{n}@example.org", "Primavera2026").address for n in range(24)]
         self.assertEqual(["m=6" in answer for answer in answers], [False] * 20 + [True] * 4)
 
+    def waits_from(self, attempt, number):
+        """Whether each of one more attempts than this number, made with what `attempt` is given, has to wait."""
+        answers = [attempt(n).address for n in range(number + 1)]
+        self.assertEqual(["m=6" in answer for answer in answers], [False] * number + [True])
+
+    def test_registrations_wait_by_address_whether_complete_or_not(self):
+        self.waits_from(lambda n: ask_to_register(shop().visitor(), f"persona{n}@example.org", pw="corta"), 20)
+
+    def test_one_mailbox_gets_three_mails_of_registrations(self):
+        before = len(shop().mails())
+        self.waits_from(lambda n: ask_to_register(shop().visitor(), "Vittima@example.org"), 3)
+        mail_after(before + 2)
+        self.assertEqual(len(shop().mails()) - before, 3)
+
+    def test_wishes_for_passwords_wait_by_address_whoever_they_are_for(self):
+        self.waits_from(lambda n: send(shop().visitor(), "richiedi", email=f"persona{n}@example.org"), 20)
+
+    def test_links_of_mails_cannot_be_guessed_without_end(self):
+        self.waits_from(lambda n: send(shop().visitor(), "conferma" if n % 2 else "ripristina", r=f"{n:048x}", g=f"{n:048x}",
+                                       pw="x" * 8), 20)
+
     def test_an_account_of_ones_own_does_not_reset_the_count(self):
         register(shop().visitor())
         for n in range(19):

@@ -63,6 +63,17 @@ class Loads(Case):
         self.assertEqual(shop().rows("SHOW TABLES LIKE 'kv_propria'"), [["kv_propria"]])
         shop().execute("DROP TABLE kv_propria")
 
+    def test_a_full_load_takes_away_offers_that_are_no_longer_sent(self):
+        shop().execute("INSERT INTO kv_offerte VALUES (1, 1)")
+        self.assertEqual(self.load(None, None), "OK")
+        self.assertEqual(shop().rows("SELECT * FROM kv_offerte"), [])
+
+    def test_a_load_is_not_kept_from_its_way_by_what_an_ended_one_has_left(self):
+        shop().execute("CREATE TABLE kvn_articoli (resto INT)", "CREATE TABLE kvo_articoli (resto INT)")
+        self.assertEqual(self.load(None, None), "OK")
+        self.check(self.visitor.ask("cat007.php?n=1"))
+        self.assertEqual(self.leftovers(), [])
+
     def test_pages_show_the_time_of_delivery_from_the_load_on_that_brings_it(self):
         known = lambda: shop().rows("SELECT valore FROM kv_stato WHERE nome = 'laterali'")
         page = lambda: self.visitor.ask("cat007.php?n=1&prod=1").text

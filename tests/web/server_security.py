@@ -23,7 +23,9 @@ class Parameters(Case):
 
     def test_no_address_of_a_page_breaks_it(self):
         pages = [("cat007.php", "n"), ("cat007.php", "prod"), ("kvsearch.php", "q"), ("kvsearch.php", "p"), ("login.php", "m"),
-                 ("login.php", "t"), ("login.php", "g"), ("updatedb.php", "w"), ("index.php", "Lingua"), ("cat007.php", "PageRoot")]
+                 ("login.php", "t"), ("login.php", "g"), ("updatedb.php", "w"), ("index.php", "Lingua"), ("cat007.php", "PageRoot"),
+                 ("kvsuggerisci.php", "q"), ("kvsitemap.php", "p"), ("kvrecesso.php", "passo"), ("cart.php", "paese"),
+                 ("cat007.php", "ordine"), ("cat007.php", "da"), ("cat007.php", "v1")]
         for page, name in pages:
             for text in STRINGS:
                 for field in (name, name + "[]", name + "[x][y]"):
@@ -61,6 +63,15 @@ class Parameters(Case):
         for text in STRINGS:
             for name in ("Dettaglio", "Metodo", "LSStato", "Paese", "Nome", "Email", "Note", "Totale", "gettone"):
                 self.check(order(self.visitor, self.cart, **{name: text}), f"{name} {text}")
+
+    def test_no_field_of_the_plain_forms_of_cart_and_withdrawal_breaks_them(self):
+        fields = {"compra": f"{self.article}.1", "qt1": "1"}
+        for text in STRINGS:
+            for name in ("compra", "qt1", "qt1[]", "op11", "q", "q[x]", "togli", "togli[]", "ripeti"):
+                self.check(self.visitor.ask("kvcarrello.php", {**fields, name: text}, follow=False), f"{name} {text}")
+            page = self.visitor.ask("kvrecesso.php")
+            for name in ("codice", "email", "azione", "riga[0]", "pezzi", "gettone[]"):
+                self.check(self.visitor.send(page.form("kvrecesso"), page, **{name: text}), f"{name} {text}")
 
     def test_an_address_that_asks_for_a_list_is_no_text(self):
         page = self.visitor.ask("logcheck.php", [("azione[]", "entra"), ("gettone[]", token(self.visitor)), ("email[]", "x")])

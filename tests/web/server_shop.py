@@ -4,7 +4,7 @@ import html
 import re
 import urllib.parse
 
-from shop_case import (CustomerCase, article, ask_to_register, cart_cookie, enter, mail_after, main, order, register, send,
+from shop_case import (CustomerCase, article, ask_to_register, cart_cookie, enter, mail_after, main, order, mail_text, register, send,
                        served_lines, shop)
 
 
@@ -110,6 +110,19 @@ class Variants(CustomerCase):
         self.assertEqual(line["p"] - plain["p"], round(float(price) * 100))
         order(self.visitor, f"{number}.2.{key}", method=2)
         self.assertIn("Ocra", self.order_data()["righe"][0]["scelte"])
+
+    def test_a_default_value_has_no_mark_in_cart_order_and_mails(self):
+        _, key, text = self.options("cat007.php", "TZ-002")[0]
+        self.assertTrue(text.endswith(" *"))
+        number, before = article("TZ-002"), len(shop().mails())
+        self.assertNotIn("*", served_lines(self.visitor, f"{number}.2.{key}")[0]["o"])
+        page = order(self.visitor, f"{number}.2.{key}", method=2)
+        self.assertIn("thankyou", page.address)
+        mail_after(before + 1)
+        summary = re.search(r'<pre class="riepilogo">(.*?)</pre>', page.text, re.S).group(1)
+        for words in [str(self.order_data()), summary, *map(mail_text, shop().mails()[before:])]:
+            self.assertIn(text[:-2], html.unescape(words))
+            self.assertNotIn("*", words)
 
     def test_a_line_without_its_value_cannot_be_ordered(self):
         number = article("TZ-002")

@@ -1,5 +1,6 @@
 """What the tests of the served shop share: one shop for a file of tests, an empty error log after each of them, and the
 steps of a customer. A file ends with `main()`, which takes the program from the first argument."""
+import contextlib
 import json
 import re
 import sys
@@ -8,7 +9,8 @@ import unittest
 from served_shop import ServedShop, mail_text, order
 
 __all__ = ["Case", "CustomerCase", "main", "order", "shop", "article", "cart_cookie", "cart_number", "served_lines",
-           "register", "ask_to_register", "mail_after", "mail_text", "enter", "send", "token", "own_tables", "plain_article"]
+           "register", "ask_to_register", "mail_after", "mail_text", "enter", "send", "token", "own_tables", "plain_article",
+           "open_shop"]
 TABLES = ("ordini", "recessi", "clienti", "disponibilita", "richieste", "tentativi")
 PASSWORD = "una-parola-lunga"
 
@@ -70,6 +72,21 @@ def plain_article(above=0):
         "SELECT dettaglio.ID FROM dettaglio INNER JOIN ordinamento USING (ID) INNER JOIN categorie ON categorie.ID = catID"
         " WHERE opzione1 < 2 AND opzione2 < 2 AND opzione3 < 2 AND opzione4 < 2 AND implistino = importo AND scq = 0"
         f" AND inaccessibile = 0 AND importo > 10 AND dettaglio.ID > {above} ORDER BY dettaglio.ID LIMIT 1")[0][0])
+
+
+@contextlib.contextmanager
+def open_shop(program):
+    """The shop, open with its own tables, for a program without cases; kept where what is done with it fails."""
+    Case.shop = ServedShop(program)
+    passed = False
+    try:
+        Case.shop.open()
+        own_tables()
+        Case.cart = f"{plain_article()}.1"
+        yield Case.shop
+        passed = True
+    finally:
+        Case.shop.close(keep=not passed)
 
 
 def cart_number():

@@ -89,6 +89,15 @@ class Choosing(ShopperCase):
         self.assertIn("Nessun articolo corrisponde ai filtri.", nothing)
         self.assertEqual(nothing.count("<article"), 0)
 
+    def test_new_articles_are_shown_alone_or_first(self):
+        new = {row[0] for row in shop().rows("SELECT plain_titolo FROM articoli INNER JOIN dettaglio USING (ID) WHERE pagina ="
+                                             " 'cat007' AND novita <> 0")}
+        self.assertTrue(new)
+        self.assertEqual({title for title, _, _ in self.cards("cat007.php?n=1&novita=1")}, new)
+        first = [title for title, _, _ in self.cards("cat007.php?n=1&ordine=novita")]
+        self.assertEqual(set(first[:len(new)]), new)
+        self.assertGreater(len(first), len(new))
+
     def test_a_value_of_a_variant_chooses_the_articles_that_have_it(self):
         text = self.visitor.ask("cat007.php?n=1").text
         name, values = re.search(r'<select name="(v\d+)">(.*?)</select>', text, re.S).groups()
@@ -236,6 +245,22 @@ class ForOthers(ShopperCase):
         robots = (online / "robots.txt").read_text()
         self.assertIn(f"Sitemap: {shop().base}/sitemap.xml", robots)
         self.assertNotIn("Disallow: /\n", robots)
+
+    def test_the_map_counts_what_every_visitor_sees(self):
+        script = shop().shop / "online/conta.php"
+        script.write_text("<?php include 'funcs.php'; include_once 'kvload.php'; include_once 'kvmappa.php'; echo "
+                          "kvQuantiVisibili('', kvRiga('SELECT COUNT(*) AS n FROM articoli')['n']), ' ', kvRiga('SELECT COUNT(*) AS n' . kvArticoliVisibili('articoli'))['n'];")
+        self.addCleanup(script.unlink)
+        [[department, articles]] = shop().rows(
+            "SELECT catID, COUNT(*) AS n FROM dettaglio INNER JOIN categorie ON categorie.ID = catID"
+            " WHERE nascosto = 0 AND inaccessibile = 0 GROUP BY catID ORDER BY n DESC LIMIT 1")
+        before = self.visitor.ask("conta.php").body.decode().split()
+        shop().execute("UPDATE categorie SET nascosto = 1 WHERE ID = '%s'" % department)
+        self.addCleanup(shop().execute, "UPDATE categorie SET nascosto = 0 WHERE ID = '%s'" % department)
+        after = self.visitor.ask("conta.php").body.decode().split()
+        self.assertEqual(before[0], before[1])
+        self.assertEqual(after[0], after[1])
+        self.assertEqual(int(before[0]) - int(after[0]), int(articles))
 
     def test_a_robots_file_of_the_merchant_stays(self):
         robots = shop().shop / "online/robots.txt"

@@ -1,7 +1,7 @@
 // ***1.0.7***
 // The cart page and the order form. The totals follow the same rule as kvTotali of kvtotals.php, told there, in whole
 // numbers alone: amounts in smallest units of the currency, thresholds and weights in ten-thousandths, rates in
-// millionths. What is sent with the order is the cart; the server works the order out anew.
+// millionths. What is sent with the order is the cart; the server computes the order again.
 /* global LeggiCarrello, ScriviCarrello, TestoCarrello, Biscotto, ScriviBiscotto, Avvisa, scala, TestoImporto, Interi, Parte */
 /* global ImportoRiga, IvaCompresa, IvaNelleRighe, NomePaese, scimp, scperc, scl, totiva, SpOk, IvaOk, tipopeso, ivacompresa */
 /* global aliquotaspese, minimo, qminima, zonainiziale, obbl_rsoc, obbl_piva, obbl_tel, obbl_magg */
@@ -9,6 +9,12 @@
 "use strict";
 
 let listinoCorrente = 0;
+let mousePremuto = false;
+
+/** A new element with these properties. */
+function Crea(nome, proprieta) {
+  return Object.assign(document.createElement(nome), proprieta);
+}
 
 /** A product of amount and millionths by other millionths, rounded half up once. */
 function ParteDoppia(prodotto, milionesimi) {
@@ -46,8 +52,8 @@ function Spese(posto, merce, peso) {
 }
 
 /**
- * Whether a method (from 1) may be used in a zone (1 to 8). SpOk has a letter for each filled slot in the order of the
- * slots; the filled slots are the first ones, eight for each method, so a slot behind the letters has no method.
+ * Whether a method (from 1) may be used in a zone (1 to 8). SpOk has a character for each filled slot in the order
+ * of the slots; the filled slots are the first ones, eight for each method, so a slot after the characters has no method.
  */
 function Ammesso(metodo, zona) {
   return SpOk.charAt((metodo - 1) * 8 + zona - 1) === "1";
@@ -117,10 +123,7 @@ function Comprabile(riga) {
 function RigaTotale(tabella, testo, importo, classe) {
   const riga = tabella.insertRow();
   riga.className = classe || "";
-  const intestazione = document.createElement("th");
-  intestazione.scope = "row";
-  intestazione.textContent = testo;
-  riga.appendChild(intestazione);
+  riga.appendChild(Crea("th", { scope: "row", textContent: testo }));
   riga.insertCell().textContent = TestoImporto(importo);
 }
 
@@ -129,8 +132,7 @@ function ScriviTotali(posto, somme, conSpese) {
     return;
   }
   posto.textContent = "";
-  const tabella = document.createElement("table");
-  tabella.className = "totali";
+  const tabella = Crea("table", { className: "totali" });
   RigaTotale(tabella, "<<4-carrello_merce>>", somme.merce);
   if (somme.sconto > 0) {
     RigaTotale(tabella, "<<4-sconto>>", -somme.sconto);
@@ -148,7 +150,23 @@ function ScriviTotali(posto, somme, conSpese) {
   posto.appendChild(tabella);
 }
 
-/** Changes the quantity of a line, 0 takes it out, draws the cart again and keeps the keyboard where it was. */
+/**
+ * Does something as soon as no button of the mouse is down. A quantity is taken when its field is left, often by a press on
+ * a button: what moves that away under the pointer would cost its click.
+ */
+function DopoLaPressione(atto) {
+  if (mousePremuto) {
+    document.addEventListener("mouseup", function () { setTimeout(atto, 0); }, { once: true, capture: true });
+  } else {
+    atto();
+  }
+}
+
+["mousedown", "mouseup", "dragend"].forEach(function (tipo) {
+  document.addEventListener(tipo, function () { mousePremuto = tipo === "mousedown"; }, true);
+});
+
+/** Changes the quantity of a line and draws the cart again; 0 takes the line out, and the keyboard goes to the next one. */
 function CambiaQuantita(segno, quantita) {
   const righe = LeggiCarrello();
   const indice = righe.findIndex(function (riga) { return riga.c === segno; });
@@ -156,12 +174,12 @@ function CambiaQuantita(segno, quantita) {
   if (indice < 0) {
     return;
   }
+  righe[indice].q = pezzi;
+  ScriviCarrello(righe.filter(function (riga) { return riga.q > 0; }));
   if (pezzi > 0) {
-    righe[indice].q = pezzi;
-  } else {
-    righe.splice(indice, 1);
+    DopoLaPressione(DisegnaCarrello);
+    return;
   }
-  ScriviCarrello(righe);
   DisegnaCarrello();
   const campi = document.querySelectorAll("#carrello input");
   const prossimo = campi[Math.min(indice, campi.length - 1)] || document.getElementById("carrello");
@@ -172,9 +190,7 @@ function CambiaQuantita(segno, quantita) {
 
 /** A note under the name of a cart line. */
 function Nota(cella, elemento, testo) {
-  const nota = document.createElement(elemento);
-  nota.textContent = testo;
-  cella.append(document.createElement("br"), nota);
+  cella.append(document.createElement("br"), Crea(elemento, { textContent: testo }));
 }
 
 /** The notes of a line: the chosen values, and why it can't be ordered as it is. */
@@ -199,75 +215,58 @@ function DaCorreggere(riga) {
   return !Comprabile(riga) || riga.q < qminima;
 }
 
-/** The reasons why the lines can't be ordered as they are, one sentence each. */
-function Motivi(righe) {
-  const motivi = righe.some(DaCorreggere) ? ["<<4-carrello_da_correggere>>"] : [];
-  const manca = Interi(minimo, scala) - totali(righe, 1, 0).merce;
-  if (manca > 0) {
-    motivi.push("<<4-carrello_minimo>>" + ": " + TestoImporto(Interi(minimo, scala)) + ". " + "<<4-carrello_manca>>" + ": " +
-      TestoImporto(manca) + ".");
-  }
-  return motivi;
-}
-
-/** Opens or closes the way to the order; a closed one says why. */
-function ApriOrdine(righe) {
-  const passo = document.getElementById("kv-ordina");
-  if (!passo) {
-    return;
-  }
-  passo.dataset.href = passo.dataset.href || passo.getAttribute("href");
-  let motivo = document.getElementById("kv-motivo");
-  if (!motivo) {
-    motivo = document.createElement("div");
-    motivo.id = "kv-motivo";
-    motivo.setAttribute("role", "status");
-    passo.parentElement.before(motivo);
-  }
-  const motivi = righe.length === 0 ? [] : Motivi(righe);
-  motivo.textContent = motivi.join(" ");
-  motivo.className = motivi.length > 0 ? "avviso" : "";
-  if (motivi.length > 0) {
-    passo.removeAttribute("href");
-    passo.setAttribute("role", "link");
-    passo.setAttribute("aria-disabled", "true");
-    passo.setAttribute("aria-describedby", "kv-motivo");
-  } else {
-    passo.href = passo.dataset.href;
-    passo.removeAttribute("aria-disabled");
-  }
+/** Shows what of a cart line depends on its pieces. */
+function RiempiRiga(celle, riga) {
+  celle.className = DaCorreggere(riga) ? "da-correggere" : "";
+  celle.cells[0].textContent = riga.n;
+  NoteRiga(celle.cells[0], riga);
+  celle.querySelector("input").value = String(riga.q);
+  celle.cells[2].textContent = riga.ok ? TestoImporto(ImportoRiga(riga)) : "";
+  celle.cells[3].textContent = riga.ok ? TestoImporto(ImportoRiga(riga) * riga.q) : "";
 }
 
 /** The cells of one cart line; each carries its column's title for narrow screens. */
 function RigaCarrello(corpo, riga, nomi) {
   const celle = corpo.insertRow();
-  celle.className = DaCorreggere(riga) ? "da-correggere" : "";
-  const cella = function (posto) {
-    const nuova = celle.insertCell();
-    nuova.dataset.titolo = nomi[posto];
-    return nuova;
-  };
-  const nome = cella(0);
-  nome.textContent = riga.n;
-  NoteRiga(nome, riga);
-  const campo = document.createElement("input");
-  campo.type = "number";
-  campo.min = "0";
-  campo.max = "99999";
-  campo.inputMode = "numeric";
-  campo.value = String(riga.q);
+  nomi.forEach(function (nome) { celle.insertCell().dataset.titolo = nome; });
+  const campo = Crea("input", { type: "number", min: "0", max: "99999", inputMode: "numeric" });
   campo.setAttribute("aria-label", nomi[1] + ": " + riga.n);
   campo.addEventListener("change", function () { CambiaQuantita(riga.c, campo.value); });
-  cella(1).appendChild(campo);
-  cella(2).textContent = riga.ok ? TestoImporto(ImportoRiga(riga)) : "";
-  cella(3).textContent = riga.ok ? TestoImporto(ImportoRiga(riga) * riga.q) : "";
-  const togli = document.createElement("button");
-  togli.type = "button";
-  togli.className = "secondario";
-  togli.textContent = "<<4-togli>>";
+  celle.cells[1].appendChild(campo);
+  const togli = Crea("button", { type: "button", className: "secondario", textContent: "<<4-togli>>" });
   togli.setAttribute("aria-label", "<<4-togli>>" + ": " + riga.n);
   togli.addEventListener("click", function () { CambiaQuantita(riga.c, 0); });
-  cella(4).appendChild(togli);
+  celle.cells[4].appendChild(togli);
+  RiempiRiga(celle, riga);
+}
+
+/** The cart's lines as a table. */
+function TabellaCarrello(righe) {
+  const nomi = ["<<4-carrello_articolo>>", "<<4-quantita>>", "<<4-prezzo>>", "<<4-carrello_importo>>", ""];
+  const tabella = document.createElement("table");
+  const testa = tabella.createTHead().insertRow();
+  nomi.forEach(function (nome) {
+    testa.appendChild(nome === "" ? Crea("td", {}) : Crea("th", { scope: "col", textContent: nome }));
+  });
+  const corpo = tabella.createTBody();
+  righe.forEach(function (riga) { RigaCarrello(corpo, riga, nomi); });
+  return tabella;
+}
+
+/**
+ * Draws the lines. Where they are those that are drawn already their fields and buttons stay, and with them the focus and
+ * the button that is being pressed.
+ */
+function DisegnaRighe(posto, righe) {
+  const segni = righe.map(function (riga) { return riga.c; }).join("_");
+  const disegnate = posto.querySelectorAll("tbody tr");
+  posto.tabIndex = -1;
+  if (disegnate.length > 0 && posto.dataset.righe === segni) {
+    righe.forEach(function (riga, n) { RiempiRiga(disegnate[n], riga); });
+    return;
+  }
+  posto.dataset.righe = segni;
+  posto.replaceChildren(righe.length === 0 ? "<<4-carrello_vuoto>>" : TabellaCarrello(righe));
 }
 
 /** Draws the cart into the element carrello and its totals into carrello-totali. */
@@ -276,28 +275,10 @@ function DisegnaCarrello() {
   const righe = RigheServite();
   document.querySelectorAll(".se-pieno").forEach(function (parte) { parte.hidden = righe.length === 0; });
   if (posto) {
-    posto.tabIndex = -1;
-    posto.textContent = righe.length === 0 ? "<<4-carrello_vuoto>>" : "";
-  }
-  if (posto && righe.length > 0) {
-    const nomi = ["<<4-carrello_articolo>>", "<<4-quantita>>", "<<4-prezzo>>", "<<4-carrello_importo>>", ""];
-    const tabella = document.createElement("table");
-    const testa = tabella.createTHead().insertRow();
-    nomi.forEach(function (nome) {
-      const colonna = document.createElement(nome === "" ? "td" : "th");
-      colonna.textContent = nome;
-      if (nome !== "") {
-        colonna.scope = "col";
-      }
-      testa.appendChild(colonna);
-    });
-    const corpo = tabella.createTBody();
-    righe.forEach(function (riga) { RigaCarrello(corpo, riga, nomi); });
-    posto.appendChild(tabella);
+    DisegnaRighe(posto, righe);
   }
   if (!document.Ordine) {
     ScriviTotali(document.getElementById("carrello-totali"), totali(righe, 1, 0), false);
-    ApriOrdine(righe);
     document.dispatchEvent(new CustomEvent("kv-carrello", { detail: righe }));
   }
 }
@@ -368,10 +349,7 @@ function CaricaDati() {
 function CampoNascosto(form, nome, valore) {
   let campo = form.elements[nome];
   if (!campo) {
-    campo = document.createElement("input");
-    campo.type = "hidden";
-    campo.name = nome;
-    form.appendChild(campo);
+    campo = form.appendChild(Crea("input", { type: "hidden", name: nome }));
   }
   campo.value = valore;
 }

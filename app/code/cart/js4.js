@@ -1,7 +1,9 @@
 // ***1.0.7***
-// The cart page beyond its lines: picture and link of each, what shipping would cost by country before there is an order
-// form, and what is missing until it costs nothing. The rule is that of kvstima.php.
-/* global totali, Ammesso, RigaTotale, TestoImporto, Tavola, SpOk, tipopeso, zonainiziale, scala */
+// The cart page beyond its lines: picture and link of each, the way to the order or what keeps from it, what shipping would
+// cost by country before there is an order form, and what is missing until it costs nothing. The rule is that of
+// kvstima.php.
+/* global totali, Ammesso, RigaTotale, TestoImporto, Tavola, SpOk, tipopeso, zonainiziale, scala, Crea, DaCorreggere, Interi */
+/* global minimo, valuta */
 "use strict";
 
 /** The payment methods (from 1) that a zone allows, the one that the order form starts with first. */
@@ -94,10 +96,49 @@ function AbbellisciRighe(righe) {
   });
 }
 
+/** The reasons why the lines can't be ordered as they are, one sentence each. */
+function Motivi(righe) {
+  const motivi = righe.some(DaCorreggere) ? ["<<4-carrello_da_correggere>>"] : [];
+  const manca = Interi(minimo, scala) - totali(righe, 1, 0).merce;
+  if (manca > 0) {
+    motivi.push("<<4-carrello_minimo>>" + ": " + TestoImporto(Interi(minimo, scala)) + ". " + "<<4-carrello_manca>>" + ": " +
+      TestoImporto(manca) + ".");
+  }
+  return motivi;
+}
+
+/** Opens or closes the way to the order; a closed one says why. */
+function ApriOrdine(righe) {
+  const passo = document.getElementById("kv-ordina");
+  if (!passo) {
+    return;
+  }
+  passo.dataset.href = passo.dataset.href || passo.getAttribute("href");
+  let motivo = document.getElementById("kv-motivo");
+  if (!motivo) {
+    motivo = Crea("div", { id: "kv-motivo" });
+    motivo.setAttribute("role", "status");
+    passo.parentElement.before(motivo);
+  }
+  const motivi = righe.length === 0 ? [] : Motivi(righe);
+  motivo.textContent = motivi.join(" ");
+  motivo.className = motivi.length > 0 ? "avviso" : "";
+  if (motivi.length > 0) {
+    passo.removeAttribute("href");
+    passo.setAttribute("role", "link");
+    passo.setAttribute("aria-disabled", "true");
+    passo.setAttribute("aria-describedby", "kv-motivo");
+  } else {
+    passo.href = passo.dataset.href;
+    passo.removeAttribute("aria-disabled");
+  }
+}
+
 document.addEventListener("kv-carrello", function (evento) {
   const scelta = document.querySelector("#kv-stima select");
   const esito = document.getElementById("kv-stima-esito");
   AbbellisciRighe(evento.detail);
+  ApriOrdine(evento.detail);
   if (!scelta || !esito) {
     return;
   }

@@ -83,15 +83,24 @@ function kvTavole(string $script): array
     return $tavole;
 }
 
+/** The tables of shipping by amount or by weight, whichever the shop has: the others are hundreds of numbers that no rule asks for. */
+function kvScriptSpese(): string
+{
+    return "<<1-java_tipopeso>>" === '1' ? <<<'KORVANE_VALORI'
+<<1-java_importi_peso>>
+KORVANE_VALORI
+        : <<<'KORVANE_VALORI'
+<<1-java_importi>>
+KORVANE_VALORI;
+}
+
 /** The shop's tables: shipping, permissions, discounts by amount, smallest order, required fields. */
 function kvDatiNegozio(): array
 {
     static $dati = null;
     if ($dati === null) {
-        $dati = kvTavole(<<<'KORVANE_VALORI'
+        $dati = kvTavole(kvScriptSpese() . "\n" . <<<'KORVANE_VALORI'
 <<1-java_valuta>>
-<<1-java_importi>>
-<<1-java_importi_peso>>
 <<1-java_permessi>>
 tipopeso = "<<1-java_tipopeso>>";
 aliquotaspese = <<1-java_aliquotaspese>>;

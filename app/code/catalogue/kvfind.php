@@ -69,8 +69,10 @@ function kvSceltaParola(string $forma, string $pezzo, bool $intera, array &$valo
         $dove = $parole === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($parole), '?')) . ')';
         $valori = array_merge($valori, $parole);
     }
-    return "SELECT articolo, MIN(rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))) AS punti FROM $tabella"
-        . " FORCE INDEX (PRIMARY) WHERE $dove GROUP BY articolo";
+    $punti = 'rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))';
+    // An article has a word once: of one word alone there is nothing to be put together.
+    return $parole !== null && count($parole) === 1 ? "SELECT articolo, $punti AS punti FROM $tabella WHERE $dove"
+        : "SELECT articolo, MIN($punti) AS punti FROM $tabella FORCE INDEX (PRIMARY) WHERE $dove GROUP BY articolo";
 }
 
 /** The conditions that request words with marks inside put on an article besides; values go to `valori`. */

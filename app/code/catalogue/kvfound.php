@@ -72,8 +72,9 @@ function kvNumeriTrovati(array $tenuta, callable $domanda, int $perPagina, int &
     $risposto = true;
     $leggi = function (int $quanti, int $dopo) use ($domanda, &$risposto): array {
         list($da, $valori) = $domanda();
-        $righe = kvQuery("SELECT STRAIGHT_JOIN p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?",
-            array_merge($valori, [$quanti, $dopo]));
+        // To choose the first ones the server meets all of them: counted along, it needn't do so twice.
+        $righe = kvQuery('SELECT STRAIGHT_JOIN ' . ($dopo === 0 ? 'SQL_CALC_FOUND_ROWS ' : '')
+            . "p.articolo $da ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?", array_merge($valori, [$quanti, $dopo]));
         $risposto = $righe !== null;
         return array_map('intval', array_column($righe ?? [], 'articolo'));
     };
@@ -81,9 +82,9 @@ function kvNumeriTrovati(array $tenuta, callable $domanda, int $perPagina, int &
     $quanti = (int) $tenuta['quanti'];
     if ($numeri === null) {
         $numeri = $leggi(KV_TENUTI, 0);
-        list($da, $valori, $tieni) = $domanda();
-        $quanti = count($numeri) < KV_TENUTI ? count($numeri)
-            : (int) (kvRiga('SELECT STRAIGHT_JOIN COUNT(*) AS n' . $da, $valori)['n'] ?? 0);
+        $contati = kvRigheDirette('SELECT FOUND_ROWS() AS n');
+        $quanti = count($numeri) < KV_TENUTI ? count($numeri) : (int) ($contati[0]['n'] ?? 0);
+        $tieni = $domanda()[2];
         if ($risposto && ($tieni || $quanti === 0 || $quanti >= KV_DA_TENERE)) {
             kvTieniRicerca($tenuta, $quanti, $numeri);
         }

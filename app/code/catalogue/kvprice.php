@@ -224,20 +224,14 @@ function kvArticoloPagina(string $sql, string $tabella): ?KvRighe
     if ($posto === 0 || !preg_match($forma, $sql, $parti)) {
         return null;
     }
-    // Four small questions, each by a key: the server answers them sooner than it thinks about the one that they would make.
-    $elenco = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.ID, contatore FROM $tabella INNER JOIN ordinamento ON ordinamento.ID ="
-        . " $tabella.ID WHERE $parti[1]");
-    usort($elenco, fn($una, $altra) => (int) $una['contatore'] <=> (int) $altra['contatore']);
-    if (!isset($elenco[$posto - 1])) {
-        return null;
-    }
-    $id = (int) $elenco[$posto - 1]['ID'];
-    $righe = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.*, dettaglio.*, ordinamento.*, offerte, $tabella.pagina AS linkPage FROM"
-        . " $tabella INNER JOIN dettaglio ON dettaglio.ID = $id INNER JOIN ordinamento ON ordinamento.ID = $id LEFT JOIN kv_offerte"
-        . " ON kv_offerte.ID = $id WHERE $tabella.ID = $id");
-    $limiti = kvLimitiArticolo($id);
-    return count($righe) !== 1 || $limiti === null ? null
-        : new KvRighe(array_merge(array_slice($elenco, 0, $posto - 1), [$righe[0] + $limiti]));
+    // The build numbers the articles of a page from 1 on: their numbers are their positions.
+    $righe = kvRigheDirette("SELECT STRAIGHT_JOIN $tabella.*, dettaglio.*, ordinamento.*, offerte, s.disponibile, s.quantita,"
+        . " $tabella.pagina AS linkPage FROM $tabella INNER JOIN ordinamento ON ordinamento.ID = $tabella.ID INNER JOIN dettaglio ON"
+        . " dettaglio.ID = $tabella.ID LEFT JOIN kv_offerte ON kv_offerte.ID = $tabella.ID LEFT JOIN kv_disponibilita s ON s.tipo ="
+        . " 'A' AND s.chiave = CAST($tabella.ID AS CHAR CHARACTER SET latin1) WHERE $parti[1] AND contatore = '$posto'");
+    $esauriti = count($righe) === 1 ? kvEsauritiArticolo($righe[0]) : null;
+    return $esauriti === null ? null
+        : new KvRighe(array_merge(array_fill(0, $posto - 1, ['ID' => '0']), [$righe[0] + $esauriti]));
 }
 
 /** The rows of a statement without bound values; none when the server refused it. */
@@ -247,23 +241,20 @@ function kvRigheDirette(string $sql): array
     return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
 }
 
-/** What the back office limits of an article, as kvArticoliPagina adds it to its row; null when its table isn't there. */
-function kvLimitiArticolo(int $id): ?array
+/**
+ * The keys of the sold out values of an article as kvArticoliPagina adds them to its row, asked for where it has variants;
+ * null when their table isn't there.
+ */
+function kvEsauritiArticolo(array $riga): ?array
 {
-    $limiti = ['disponibile' => null, 'quantita' => null, 'esauriti' => null];
-    $esito = mysqli_query(kvConnessione(), 'SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE'
-        . " tipo = 'A' AND chiave = '$id' OR tipo = 'V' AND chiave LIKE '$id.%' AND (disponibile = 0 OR quantita <= 0)");
-    if (!$esito instanceof mysqli_result) {
-        return null;
+    if (kvVariantiRiga($riga, (int) $GLOBALS['listino']) === []) {
+        return ['esauriti' => null];
     }
-    foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
-        if ($riga['tipo'] === 'A') {
-            $limiti = ['disponibile' => $riga['disponibile'], 'quantita' => $riga['quantita']] + $limiti;
-        } else {
-            $limiti['esauriti'] = ($limiti['esauriti'] === null ? '' : $limiti['esauriti'] . "\n") . $riga['chiave'];
-        }
-    }
-    return $limiti;
+    $id = (int) $riga['ID'];
+    $esito = mysqli_query(kvConnessione(), "SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE '$id.%'"
+        . ' AND (disponibile = 0 OR quantita <= 0)');
+    return $esito instanceof mysqli_result
+        ? ['esauriti' => implode("\n", array_column(mysqli_fetch_all($esito), 0)) ?: null] : null;
 }
 
 /** Articles by their numbers, with all their columns; those that aren't in the shop are missing. One query at most. */

@@ -131,8 +131,12 @@ class Suggerimenti {
   }
 }
 
-/** The small cart: the line that was added first, the sum, the way to the cart. It takes no focus and covers no field. */
-async function MostraMiniCarrello(segno) {
+/**
+ * The small cart: the line that was added first, the sum, the way to the cart. It takes no focus, but is next in the order
+ * of Tab after what was bought by (null: after the page), and goes when the focus gets to anything else, which it could
+ * cover.
+ */
+async function MostraMiniCarrello(segno, acquisto) {
   const risposta = await fetch("kvminicarrello" + lingua + ".php");
   if (!risposta.ok) {
     return;
@@ -150,16 +154,28 @@ async function MostraMiniCarrello(segno) {
   const chiudi = Elemento("button", { type: "button", class: "secondario", "aria-label": "<<4-chiudi>>" }, "\u00d7");
   chiudi.addEventListener("click", ChiudiMiniCarrello);
   const altre = dati.righe.length > righe.length ? [Elemento("p", { class: "nota" }, "+ " + (dati.righe.length - righe.length))] : [];
-  document.body.append(Elemento("section", { id: "kv-mini", class: "mini-carrello", "aria-label": "<<4-menu_carrello>>" },
+  const mini = Elemento("section", { id: "kv-mini", class: "mini-carrello", "aria-label": "<<4-menu_carrello>>" },
     Elemento("h2", {}, "<<4-menu_carrello>>"), chiudi, elenco, ...altre,
     Elemento("p", { class: "somma" }, "<<4-carrello_merce>>" + ": ", Elemento("strong", {}, TestoImporto(dati.merce))),
-    Elemento("p", {}, Elemento("a", { class: "bottone", href: "cart.htm" }, "<<4-carrello_vai>>"))));
+    Elemento("p", {}, Elemento("a", { class: "bottone", href: "cart.htm" }, "<<4-carrello_vai>>")));
+  if (acquisto) {
+    acquisto.after(mini);
+  } else {
+    document.body.append(mini);
+  }
 }
 
+/** Takes the small cart away; a focus in it goes back to the button that bought. */
 function ChiudiMiniCarrello() {
   const aperto = document.getElementById("kv-mini");
-  if (aperto) {
-    aperto.remove();
+  if (!aperto) {
+    return;
+  }
+  const prima = aperto.previousElementSibling;
+  const bottone = aperto.contains(document.activeElement) && prima ? prima.querySelector("[type=submit], .bottone") : null;
+  aperto.remove();
+  if (bottone) {
+    bottone.focus();
   }
 }
 
@@ -236,7 +252,14 @@ document.addEventListener("DOMContentLoaded", function () {
   });
   document.querySelectorAll(".galleria").forEach(PreparaGalleria);
 });
-document.addEventListener("kv-aggiunto", function (evento) { MostraMiniCarrello(evento.detail).catch(ChiudiMiniCarrello); });
+document.addEventListener("kv-aggiunto", function (evento) {
+  MostraMiniCarrello(evento.detail, document.activeElement?.closest(".acquisto")).catch(ChiudiMiniCarrello);
+});
+document.addEventListener("focusin", function (evento) {
+  if (!evento.target.closest("#kv-mini")) {
+    ChiudiMiniCarrello();
+  }
+});
 document.addEventListener("keydown", function (evento) {
   if (evento.key === "Escape") {
     ChiudiMiniCarrello();

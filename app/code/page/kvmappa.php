@@ -16,12 +16,55 @@ function kvArticoliVisibili(string $tabella): string
         . ' ON categorie.ID = catID WHERE nascosto = 0 AND inaccessibile = 0';
 }
 
+/**
+ * How many of so many articles of a language every visitor sees. The index of words has a narrow row for each, with its
+ * department; the rows of the catalogue are wide, and a large one doesn't fit into the server's memory.
+ */
+function kvQuantiVisibili(string $lingua, int $tutti): int
+{
+    if (!kvEsiste("kv_voci$lingua")) {
+        return (int) (kvRiga('SELECT COUNT(*) AS n' . kvArticoliVisibili("articoli$lingua"))['n'] ?? 0);
+    }
+    $chiusi = kvQuery('SELECT ID FROM categorie WHERE NOT (nascosto = 0 AND inaccessibile = 0)') ?? [];
+    if ($chiusi === []) {
+        return $tutti;
+    }
+    $reparti = implode(',', array_fill(0, count($chiusi), '?'));
+    return $tutti - (int) (kvRiga("SELECT COUNT(*) AS n FROM kv_voci$lingua WHERE reparto IN ($reparti)",
+        array_column($chiusi, 'ID'))['n'] ?? 0);
+}
+
 /** How many parts the map of a language has; 0 for a language that the shop hasn't. During a load (kvshadow.php). */
 function kvPartiMappa(string $lingua): int
 {
     $tabella = 'articoli' . $lingua;
-    $quanti = kvEsiste($tabella) ? (int) (kvRiga('SELECT COUNT(*) AS n' . kvArticoliVisibili($tabella))['n'] ?? 0) : 0;
+    if (!kvEsiste($tabella)) {
+        return $lingua === '' ? 1 : 0;
+    }
+    // Which articles are visible takes long to count, and seldom says more than that there is one.
+    $tutti = (int) (kvRiga("SELECT COUNT(*) AS n FROM $tabella")['n'] ?? 0);
+    if ($tutti <= KV_PAGINE_MAPPA) {
+        return $lingua === '' || kvRiga('SELECT 1' . kvArticoliVisibili($tabella) . ' LIMIT 1') !== null ? 1 : 0;
+    }
+    $quanti = kvQuantiVisibili($lingua, $tutti);
     return $lingua === '' ? max(1, (int) ceil($quanti / KV_PAGINE_MAPPA)) : (int) ceil($quanti / KV_PAGINE_MAPPA);
+}
+
+/**
+ * The same for any language while one is loaded: counted for that one, and kept. The others are counted by their own
+ * loads, which each publishing brings.
+ */
+function kvPartiTenute(string $lingua, string $caricata): int
+{
+    $tenute = kvStato("mappa$lingua");
+    if ($lingua !== $caricata && ctype_digit($tenute) && kvEsiste("articoli$lingua")) {
+        return (int) $tenute;
+    }
+    $parti = kvPartiMappa($lingua);
+    if ((string) $parti !== $tenute && kvMettiStato("mappa$lingua", (string) $parti)) {
+        kvQuery('COMMIT');
+    }
+    return $parti;
 }
 
 /** One part of the map of this language. */
@@ -53,8 +96,8 @@ function kvScriviFile(string $nome, string $testo): void
     }
 }
 
-/** Renews sitemap.xml and robots.txt after a load. */
-function kvScriviMappe(): void
+/** Renews sitemap.xml and robots.txt after the load of a language. */
+function kvScriviMappe(string $caricata): void
 {
     $negozio = rtrim("<<1-perl_shopURL>>", '/');
     if (!preg_match('~^https?://[^/]~i', $negozio)) {
@@ -62,7 +105,7 @@ function kvScriviMappe(): void
     }
     $xml = '<?xml version="1.0" encoding="UTF-8"?>' . "\n" . '<sitemapindex xmlns="http://www.sitemaps.org/schemas/sitemap/0.9">' . "\n";
     foreach (['', '_l2', '_l3', '_l4'] as $lingua) {
-        for ($parte = 1, $parti = kvPartiMappa($lingua); $parte <= $parti; $parte++) {
+        for ($parte = 1, $parti = kvPartiTenute($lingua, $caricata); $parte <= $parti; $parte++) {
             $xml .= '<sitemap><loc>' . htmlspecialchars(kvUtf8("$negozio/kvsitemap$lingua.php?p=$parte"), ENT_XML1) . "</loc></sitemap>\n";
         }
     }

@@ -21,18 +21,24 @@ function kvColore(array $rgb): string
 /** Relative luminance, 0 for black to 1 for white. */
 function kvLuminanza(array $rgb): float
 {
-    $lineari = array_map(function ($canale): float {
-        $valore = $canale / 255;
-        return $valore <= 0.03928 ? $valore / 12.92 : pow(($valore + 0.055) / 1.055, 2.4);
-    }, $rgb);
-    return 0.2126 * $lineari[0] + 0.7152 * $lineari[1] + 0.0722 * $lineari[2];
+    $luce = 0.0;
+    foreach ([0.2126, 0.7152, 0.0722] as $n => $parte) {
+        $valore = $rgb[$n] / 255;
+        $luce += $parte * ($valore <= 0.03928 ? $valore / 12.92 : pow(($valore + 0.055) / 1.055, 2.4));
+    }
+    return $luce;
+}
+
+/** The contrast of two luminances, 1 to 21. */
+function kvContrastoLuci(float $una, float $altra): float
+{
+    return $una > $altra ? ($una + 0.05) / ($altra + 0.05) : ($altra + 0.05) / ($una + 0.05);
 }
 
 /** The contrast of two colours, 1 to 21. */
 function kvContrasto(array $uno, array $altro): float
 {
-    $luci = [kvLuminanza($uno), kvLuminanza($altro)];
-    return (max($luci) + 0.05) / (min($luci) + 0.05);
+    return kvContrastoLuci(kvLuminanza($uno), kvLuminanza($altro));
 }
 
 /** A colour with so much (0 to 1) of another one in it. */
@@ -54,12 +60,14 @@ function kvVuoleScuro(array $superficie): bool
 /** The colour, moved towards black or white until it has a contrast on every surface; all surfaces want the same. */
 function kvLeggibile(array $colore, array $superfici, float $contrasto): array
 {
+    $luci = array_map('kvLuminanza', $superfici);
     $fine = kvVuoleScuro($superfici[0]) ? [0, 0, 0] : [255, 255, 255];
     for ($passo = 0; $passo < 32; $passo++) {
-        $prova = kvMescola($colore, $fine, $passo / 32);
+        $prova = $passo === 0 ? $colore : kvMescola($colore, $fine, $passo / 32);
+        $luce = kvLuminanza($prova);
         $basta = true;
-        foreach ($superfici as $superficie) {
-            $basta = $basta && kvContrasto($prova, $superficie) >= $contrasto;
+        foreach ($luci as $altra) {
+            $basta = $basta && kvContrastoLuci($luce, $altra) >= $contrasto;
         }
         if ($basta) {
             return $prova;

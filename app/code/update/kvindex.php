@@ -161,14 +161,39 @@ function kvArticoliDiversi(array $tabelle, string $lingua): ?array
     }
     kvCaratteri('latin1');
     $esito = mysqli_query(kvConnessione(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
-        . " kv_voci$lingua v ON v.articolo = a.ID WHERE v.articolo IS NULL OR v.segno <> " . KV_SEGNO
-        . " UNION SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo WHERE a.ID IS NULL");
-    $quanti = mysqli_query(kvConnessione(), "SELECT COUNT(*) FROM $articoli");
+        . " kv_voci$lingua v ON v.articolo = a.ID WHERE v.articolo IS NULL OR v.segno <> " . KV_SEGNO);
+    $quanti = mysqli_query(kvConnessione(), "SELECT COUNT(*), (SELECT COUNT(*) FROM kv_voci$lingua) FROM $articoli");
     if (!$esito instanceof mysqli_result || !$quanti instanceof mysqli_result) {
         return null;
     }
     $numeri = array_column(mysqli_fetch_all($esito), 0);
-    return count($numeri) * 4 > (int) mysqli_fetch_row($quanti)[0] ? null : $numeri;
+    list($righe, $voci) = mysqli_fetch_row($quanti);
+    if ($numeri !== [] || $righe !== $voci) {
+        $esito = mysqli_query(kvConnessione(), "SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo"
+            . ' WHERE a.ID IS NULL');
+        if (!$esito instanceof mysqli_result) {
+            return null;
+        }
+        $numeri = array_values(array_unique(array_merge($numeri, array_column(mysqli_fetch_all($esito), 0))));
+    }
+    return count($numeri) * 4 > (int) $righe ? null : $numeri;
+}
+
+/** Of some articles those whose words the index doesn't have as they are in the tables, those gone included. */
+function kvDiversiTra(array $numeri, array $tabelle, string $lingua): array
+{
+    list($articoli, $dettaglio) = $tabelle;
+    kvCaratteri('latin1');
+    $diversi = [];
+    foreach (array_chunk($numeri, KV_ARTICOLI_INSIEME) as $alcuni) {
+        $elenco = implode(',', array_map('intval', $alcuni));
+        $esito = mysqli_query(kvConnessione(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
+            . " kv_voci$lingua v ON v.articolo = a.ID WHERE a.ID IN ($elenco) AND (v.articolo IS NULL OR v.segno <> " . KV_SEGNO
+            . ") UNION SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo WHERE articolo IN ($elenco)"
+            . ' AND a.ID IS NULL');
+        $diversi[] = $esito instanceof mysqli_result ? array_column(mysqli_fetch_all($esito), 0) : $alcuni;
+    }
+    return $diversi === [] ? [] : array_merge(...$diversi);
 }
 
 /** Makes the index of a language anew beside the former one. The failure. */
@@ -217,15 +242,24 @@ function kvRileggiArticoli(array $numeri, array $tabelle, string $lingua): strin
     return '';
 }
 
-/** The words of the changed articles. Their codes are in one table for all languages, which the first one brings. */
+/**
+ * The words of the changed articles. Their codes are in one table for all languages, which the first one brings: what it
+ * brings for others shows in its own marks as well. Most changes are of prices, which have no words.
+ */
 function kvIndicizzaCambiati(KvCarico $carico): string
 {
+    $numeri = array_keys($carico->articoli);
     foreach ($carico->lingua === '' ? ['', '_l2', '_l3', '_l4'] : [$carico->lingua] as $lingua) {
-        $guasto = kvIndiceNuovo($lingua)
-            ? kvRileggiArticoli(array_keys($carico->articoli), ["articoli$lingua", 'dettaglio'], $lingua) : '';
+        if (!kvIndiceNuovo($lingua)) {
+            continue;
+        }
+        $tabelle = ["articoli$lingua", 'dettaglio'];
+        $diversi = kvDiversiTra($numeri, $tabelle, $lingua);
+        $guasto = kvRileggiArticoli($diversi, $tabelle, $lingua);
         if ($guasto !== '') {
             return $guasto;
         }
+        $numeri = $lingua === '' ? $diversi : $numeri;
     }
     return '';
 }

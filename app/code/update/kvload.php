@@ -117,13 +117,27 @@ function kvLimiteLotto(): int
     return max(16384, min(KV_LOTTO, (int) ($riga[0] ?? 0) - 8192));
 }
 
+/** What the further rows of the same table begin with, where it is being filled; empty for a table that visitors read. */
+function kvCapoRiga(string $istruzione, KvCarico $carico): string
+{
+    return preg_match('/\AINSERT INTO (\S+)\s+VALUES \(/', $istruzione, $parti) && in_array($parti[1], $carico->nuove, true)
+        ? $parti[0] : '';
+}
+
 /** Runs the statements of a load file, rows of one table joined. The first failure, empty when all went well. */
 function kvCaricaSql(array $sql, KvCarico $carico): string
 {
     $limite = kvLimiteLotto();
     $tabella = '';
     $lotto = '';
+    $capo = '';
     foreach (kvIstruzioniSql($sql) as $letta) {
+        // One more row of a table that is being filled: nothing else of it is looked at.
+        if ($capo !== '' && strncmp($letta, $capo, strlen($capo)) === 0 && strlen($lotto) + strlen($letta) < $limite) {
+            $lotto .= ',(' . substr($letta, strlen($capo));
+            continue;
+        }
+        $capo = '';
         $istruzione = kvIstruzioneCarico($carico, $letta);
         if ($istruzione === null || $istruzione === '') {
             continue;
@@ -136,6 +150,7 @@ function kvCaricaSql(array $sql, KvCarico $carico): string
         $guasto = $lotto === '' ? '' : kvEseguiSql($lotto);
         $tabella = $riga ? $parti[1] : '';
         $lotto = $riga ? $istruzione : '';
+        $capo = $riga ? kvCapoRiga($letta, $carico) : '';
         $guasto = $guasto === '' && !$riga ? kvEseguiSql($istruzione) : $guasto;
         if ($guasto !== '') {
             return $guasto;

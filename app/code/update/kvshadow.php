@@ -20,12 +20,15 @@ final class KvCarico
     public $nuove = [];
     /** @var int[] */
     public $articoli = [];
+    /** @var string[] What a load that was ended has left. */
+    public $resti;
     /** @var string */
     public $lingua;
 
     public function __construct(string $lingua)
     {
         $this->lingua = $lingua;
+        $this->resti = kvTabelleComincianti(KV_NUOVA);
     }
 }
 
@@ -61,7 +64,9 @@ function kvIstruzioneCarico(KvCarico $carico, string $istruzione): ?string
     }
     if (preg_match('/\ACREATE TABLE (\S+)/i', $istruzione, $parti)) {
         $carico->nuove[] = $parti[1];
-        kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $parti[1]);
+        if (in_array(KV_NUOVA . $parti[1], $carico->resti, true)) {
+            kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $parti[1]);
+        }
         return 'CREATE TABLE ' . KV_NUOVA . $parti[1] . substr($istruzione, strlen($parti[0]));
     }
     if (preg_match('/\AINSERT INTO (\S+)/i', $istruzione, $parti)) {
@@ -84,6 +89,9 @@ function kvSvuotaLaterali(KvCarico $carico): string
 {
     $guasto = '';
     foreach (in_array('ordinamento', $carico->nuove, true) ? array_diff(KV_LATERALI, $carico->nuove) : [] as $tabella) {
+        if (kvQuery("SELECT 1 FROM $tabella LIMIT 1") === []) {
+            continue;
+        }
         $guasto = $guasto === '' ? kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $tabella) : $guasto;
         $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$tabella (" . kvDefinizioni()[$tabella]
             . ') ENGINE=InnoDB') : $guasto;
@@ -97,10 +105,12 @@ function kvScambia(KvCarico $carico): string
 {
     $passi = [];
     $vecchie = [];
+    $presenti = kvTabelleComincianti('');
     foreach (array_unique(array_merge($carico->via, $carico->nuove)) as $tabella) {
-        $esiste = kvEsiste($tabella);
-        if ($esiste) {
-            kvEseguiSql('DROP TABLE IF EXISTS ' . KV_VECCHIA . $tabella);
+        if (in_array($tabella, $presenti, true)) {
+            if (in_array(KV_VECCHIA . $tabella, $presenti, true)) {
+                kvEseguiSql('DROP TABLE IF EXISTS ' . KV_VECCHIA . $tabella);
+            }
             $passi[] = "$tabella TO " . KV_VECCHIA . $tabella;
             $vecchie[] = KV_VECCHIA . $tabella;
         }
@@ -113,6 +123,13 @@ function kvScambia(KvCarico $carico): string
         kvEseguiSql('DROP TABLE IF EXISTS ' . implode(', ', $vecchie));
     }
     return $guasto;
+}
+
+/** The tables of the database whose names begin so. */
+function kvTabelleComincianti(string $inizio): array
+{
+    $esito = mysqli_query(kvConnessione(), "SHOW TABLES LIKE '" . addcslashes($inizio, '_%') . "%'");
+    return $esito instanceof mysqli_result ? array_column(mysqli_fetch_all($esito), 0) : [];
 }
 
 /** Whether a table is there. */
@@ -149,7 +166,7 @@ function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
     if ($guasto === '' && array_merge($carico->nuove, $carico->via) !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.
         $stati = in_array("articoli$lingua", $carico->nuove, true) ? ["indice$lingua" => '2'] : [];
-        $guasto = kvSegnaCarico($stati + ['laterali' => implode(',', array_filter(KV_TALVOLTA, 'kvEsiste'))]);
+        $guasto = kvSegnaCarico($stati + ['laterali' => implode(',', array_intersect(KV_TALVOLTA, kvTabelleComincianti('kv_')))]);
         $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
     }
     if ($guasto !== '') {

@@ -31,7 +31,7 @@ $kvEsito = kvCaricaTutto($kvVia, $kvNuovo, "<<1-IDlingua>>");
 if ($kvEsito === '') {
     kvTogliSql([$kvVia, $kvNuovo], $kvFile);
     include_once "kvmappa.php";
-    kvScriviMappe();
+    kvScriviMappe("<<1-IDlingua>>");
     $kvEsito = 'OK';
 }
 echo $kvEsito;

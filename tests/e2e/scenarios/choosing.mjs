@@ -57,12 +57,8 @@ export function choosing(as) {
   }));
 
   test("the picture of an article opens in its full size and closes again", as.visitor(async (shopper) => {
-    await shopper.open("cat007", "?n=1");
-    await shopper.forSale(the(articles.mug));
+    await shopper.open("cat005", "?n=1&prod=1");
     const button = shopper.page.getByRole("button", { name: words.immagine_apri }).first();
-    if (await button.count() === 0) {
-      return;
-    }
     await button.click();
     const layer = shopper.page.getByRole("dialog", { name: words.immagine_grande });
     await layer.waitFor();

@@ -92,6 +92,38 @@ export function ordering(as) {
     });
   }));
 
+  test("a line that is sold out says so where it is and closes the way to the order until it is gone",
+    as.visitor((shopper) => as.merchant(async (merchant) => {
+      const line = shopper.line(the(articles.mug));
+      const other = shopper.line(the(articles.set));
+      await fillCart(shopper, the);
+      try {
+        await merchant.setStock(articles.mug.code, 0);
+        await shopper.open("cart");
+        await line.getByText(words.riga_non_disponibile).waitFor();
+        assert.match(await line.getAttribute("class"), /da-correggere/);
+        assert.doesNotMatch(await other.getAttribute("class") ?? "", /da-correggere/);
+        const step = shopper.page.getByRole("link", { name: words.vai_all_ordine });
+        assert.equal(await step.getAttribute("aria-disabled"), "true");
+        await shopper.page.getByRole("status").filter({ hasText: words.carrello_da_correggere }).waitFor();
+        await as.picture(shopper, "cart-sold-out");
+        await step.click({ force: true });
+        assert.match(shopper.page.url(), /cart/);
+        await merchant.setStock(articles.mug.code, 1);
+        await shopper.page.reload();
+        await line.getByText(`${words.pezzi_disponibili}: 1`).waitFor();
+        // The quantity is taken as its field is left by a press on the other line's button, which has to get its click.
+        await line.locator("input[type=number]").fill("1");
+        await other.getByRole("button", { name: words.togli }).click();
+        await other.waitFor({ state: "detached" });
+        assert.equal(await line.locator("strong").count(), 0);
+        await shopper.follow(words.vai_all_ordine);
+        assert.match(shopper.page.url(), /order/);
+      } finally {
+        await merchant.setStock(articles.mug.code, "");
+      }
+    })));
+
   test("an order below the smallest amount is not taken", as.visitor(async (shopper) => {
     await shopper.open("cat007", "?n=2");
     // The page shows the price of one of six pieces, then of one.

@@ -50,6 +50,18 @@ export function visiting(as) {
     assert.deepEqual(amountsIn(line).slice(-2), [price, price]);
   }));
 
+  test("the price of a litre follows the chosen variant", as.visitor(async (shopper) => {
+    await shopper.open("cat007", "?n=1");
+    const { ochre } = variants.glaze;
+    const mug = await shopper.forSale(the(articles.mug));
+    const shown = async () => amountsIn(await mug.locator(".unitario").innerText())[0];
+    assert.equal(await shown(), Math.round(articles.mug.price / articles.mug.litres));
+    assert.match(await mug.locator(".unitario").innerText(), / \/ l$/);
+    await shopper.choose(mug, the(variants.glaze), the(ochre));
+    assert.equal(await shown(), Math.round((articles.mug.price + ochre.difference) / articles.mug.litres));
+    await as.picture(shopper, "unit-price");
+  }));
+
   test("an offer shows the old price beside the new one, and the cart charges the new one",
     as.visitor(async (shopper) => {
       await shopper.open("cat007", "?n=2");

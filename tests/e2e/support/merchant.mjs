@@ -19,6 +19,14 @@ export class Merchant {
     await this.page.getByRole("heading", { name: code }).waitFor();
   }
 
+  /** Sets how many pieces there are of the article that has a code; "" is no limit. */
+  async setStock(code, pieces) {
+    await this.page.goto(`${this.host.backoffice}/disponibilita.php?q=${code}`);
+    const field = this.page.getByLabel(`Quantità: ${code}`);
+    await field.fill(String(pieces));
+    await Promise.all([this.page.waitForNavigation(), field.press("Enter")]);
+  }
+
   /** Gives a customer one of the price lists 0 to 9. */
   async setPriceList(email, list) {
     await this.page.goto(`${this.host.backoffice}/clienti.php?q=${encodeURIComponent(email)}`);

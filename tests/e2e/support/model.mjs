@@ -2,7 +2,7 @@
 
 /** Articles by their code: title, and what a visitor pays. */
 export const articles = {
-  mug: { it: 'Tazza "Alba"', en: '"Alba" mug', price: 1800, retailer: 1196 },
+  mug: { it: 'Tazza "Alba"', en: '"Alba" mug', code: "TZ-001", price: 1800, retailer: 1196, litres: 0.3 },
   set: { it: "Servizio di sei tazzine", en: "Set of six espresso cups", price: 7200, before: 8400 },
   tumbler: { it: "Bicchiere in gres", en: "Stoneware tumbler", price: 1200 },
   plate: { it: 'Piatto "Ginestra"', en: '"Ginestra" plate', price: 2400 },

@@ -7,11 +7,16 @@ import { fileURLToPath } from "node:url";
 
 const localHost = fileURLToPath(new URL("../../../tools/local-host", import.meta.url));
 
-/** What a run changes in the model shop: pages so small that departments have several, and how the search works. */
+/**
+ * What a run changes in the model shop: pages so small that departments have several, how the search works, and a content
+ * of 0.3 litres for the first mug, so that it has a price by the litre.
+ */
 function adjustments({ template, wholeWords }) {
   return [
     `UPDATE generale SET template = '${template}', ricercaparole = ${wholeWords ? 1 : 0}, ricartperpag = 3`,
     "UPDATE categorie SET maxarticoli = 3 WHERE ID = 'cat007'",
+    "CREATE TABLE IF NOT EXISTS unita (ID INTEGER PRIMARY KEY, contenuto MONEY_INTEGER, misura TEXT(2) COLLATE NOCASE)",
+    "INSERT INTO unita SELECT ID, 3000, 'l' FROM articoli WHERE codice = 'TZ-001'",
   ].join("; ");
 }
 

@@ -42,6 +42,7 @@ export class Shopper {
       return;
     }
     const texts = await menu.locator("option").allInnerTexts();
+    assert.equal(texts[0].trim(), this.words.scegli_reparto);
     const index = texts.findIndex((text) => text.trim() === name);
     assert.notEqual(index, -1, `the list has no ${name}`);
     await Promise.all([this.page.waitForNavigation(), menu.selectOption({ index })]);
