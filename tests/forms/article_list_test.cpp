@@ -155,6 +155,20 @@ TEST_F(WorkedList, AnUntranslatedFieldShowsTheFirstLanguagesTextInGrey) {
   EXPECT_EQ(line(Articoli, "titolo").placeholderText(), "");
 }
 
+TEST_F(WorkedList, AnUntranslatedTitleIsTheFirstLanguagesInGreyInTheListToo) {
+  run(shop, "UPDATE articoli SET titolo_l2 = '' WHERE ID = 1");
+  openList();
+  EXPECT_TRUE(choose("language.2"));
+  ArticleModel& model = window->articles().articles();
+  const QModelIndex title = model.index(0, ArticleModel::Title);
+  EXPECT_EQ(title.data().toString(), "Alba");
+  EXPECT_EQ(title.data(Qt::ForegroundRole).value<QBrush>(), QApplication::palette().placeholderText());
+  model.preview(0, ArticleModel::Title, "Dawn");
+  EXPECT_EQ(title.data().toString(), "Dawn");
+  EXPECT_FALSE(title.data(Qt::ForegroundRole).isValid());
+  EXPECT_FALSE(model.index(1, ArticleModel::Title).data(Qt::ForegroundRole).isValid());
+}
+
 TEST_F(WorkedList, WhatIsToBeTranslatedCanBeFilteredInAShopOfSeveralLanguages) {
   run(shop, "UPDATE articoli SET titolo_l2 = '' WHERE ID = 1; UPDATE articoli SET titolo_l2 = NULL WHERE ID = 3");
   openList();

@@ -123,14 +123,18 @@ TEST_F(CommandStates, PastingFollowsWhatWasCopied) {
   EXPECT_FALSE(isEntryOn("department.paste"));
 }
 
-TEST_F(CommandStates, TheServerFoldersFollowHostUserAndPassword) {
+TEST_F(CommandStates, TheServerFoldersAndItsTrialFollowHostUserAndPassword) {
   openWide();
   answerServerFolder(false);
+  answer(&WorkbenchDialogs::verifyConnection, true);
   refreshEntries();
   goTab(Tab::Internet);
   const auto offered = [this] {
     processEvents();
-    return isEntryOn("connection.shopFolder") && isEntryOn("connection.scriptFolder");
+    const bool isOn = isEntryOn("connection.verify");
+    EXPECT_EQ(isEntryOn("connection.shopFolder"), isOn);
+    EXPECT_EQ(isEntryOn("connection.scriptFolder"), isOn);
+    return isOn;
   };
   for (const char* column : {"hostname", "username", "password"}) {
     EXPECT_FALSE(offered()) << column;

@@ -2,6 +2,8 @@
 
 #include <QActionGroup>
 #include <QClipboard>
+#include <QMenuBar>
+#include <QMouseEvent>
 #include <QStatusBar>
 
 #include "forms/driven_window.h"
@@ -152,6 +154,12 @@ TEST_F(Focus, AShortcutOfTheMenusDoesItsThingInEveryField) {
   line(Categorie, "titolo").setFocus();
   key(Qt::Key_D, Qt::ControlModifier);
   EXPECT_TRUE(window->workbench().areDetailsHidden());
+  answer(&WorkbenchDialogs::remindToBuild, true);
+  refreshEntries();
+  line(Categorie, "titolo").setFocus();
+  key(Qt::Key_U, Qt::ControlModifier);
+  ASSERT_FALSE(dialogsRun.empty());
+  EXPECT_EQ(dialogsRun.back(), "remindToBuild");
 }
 
 TEST_F(Focus, AKeyWhoseCommandIsOffLeavesTheFieldAndSaysWhy) {
@@ -228,6 +236,21 @@ TEST_F(Focus, AGreyButtonSaysWhyInItsToolTipAndItsStatusText) {
   processEvents();
   EXPECT_EQ(up->toolTip(), "Muovi su (Ctrl+Up)");
   EXPECT_EQ(up->statusTip(), "");
+}
+
+TEST_F(Focus, AGreyEntryUnderTheMouseSaysWhyInTheStatusLine) {
+  openWide();
+  goTab(Tab::Articles);
+  go("cat002");
+  QAction* up = window->menus().action("article.up");
+  QMenu* menu = menusOf(*window->menuBar(), up).back();
+  menu->popup(QPoint(0, 0));
+  const QPointF middle = menu->actionGeometry(up).center();
+  QMouseEvent over(QEvent::MouseMove, middle, menu->mapToGlobal(middle), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+  QApplication::sendEvent(menu, &over);
+  EXPECT_EQ(statusText(), "Nessun articolo");
+  menu->close();
+  EXPECT_EQ(statusText(), "");
 }
 
 TEST_F(Focus, EveryEntryThatIsOffHasAReason) {

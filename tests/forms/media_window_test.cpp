@@ -1,5 +1,6 @@
 // Pictures, purge, export and import from the menus of the main window, with the program's own dialogs.
 #include <QImage>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTabWidget>
@@ -99,6 +100,27 @@ TEST_F(MediaWindow, ThePurgeBeginsWithANoticeOfTheFolder) {
   ASSERT_EQ(user.shown.size(), 2U);
   EXPECT_TRUE(user.shown[0].text.starts_with("Nella cartella delle immagini interne (" + shop + "/work)"));
   EXPECT_EQ(user.shown[1].text, "Ricerca terminata: non sono state trovate immagini inutilizzate");
+}
+
+TEST_F(MediaWindow, TheRowBeingEditedIsSavedBeforeThePurgeSearches) {
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile.gif"), "x"));
+  openOnArticle();
+  auto* title = qobject_cast<QLineEdit*>(window->page(Tab::Articles).binding(EditedSet::Articoli, "titolo")->field());
+  ASSERT_NE(title, nullptr);
+  QString shown;
+  whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"), [&](QWidget& dialog) {
+    const auto* files = control<QListWidget>(dialog, "lstFiles");
+    EXPECT_TRUE(QTest::qWaitFor([files] { return files->count() == 1; }));
+    if (files->count() == 1) shown = files->item(0)->text();
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  title->setFocus();
+  title->selectAll();
+  QTest::keyClicks(title, QStringLiteral("Vaso inutile.gif"));
+  EXPECT_EQ(stored("titolo", "articoli WHERE ID = 7"), "Vaso");
+  EXPECT_TRUE(choose("shop.purgePictures"));
+  EXPECT_EQ(stored("titolo", "articoli WHERE ID = 7"), "Vaso inutile.gif");
+  EXPECT_TRUE(shown.endsWith(QStringLiteral("citata in un testo"))) << fromQt(shown);
 }
 
 TEST_F(MediaWindow, WhatIsPurgedGoesToTheTrashOfTheDesktop) {

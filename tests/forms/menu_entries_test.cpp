@@ -81,6 +81,7 @@ TEST_F(Menus, TheFileMenuHasItsEntriesInOrder) {
                                                "Ordini...",
                                                "-",
                                                "Importa da Orsa Gestionale...",
+                                               "Cerca i dati di Orsa Gestionale...",
                                                "Aggiorna giacenze da Orsa Gestionale...",
                                                "Scarica ordini...",
                                                "Importa da Orsa Gestionale con gwimp...",
@@ -150,8 +151,9 @@ TEST_F(Menus, TheEditMenuIsTheOneOfTheTab) {
                                               "Sistemi di pagamento...", "Testo e-mail di conferma...",
                                               "Impostazioni vetrina...", "Campi obbligatori...", "Produttori..."}));
   goTab(Tab::Internet);
-  EXPECT_EQ(entries("Modifica"), QStringList({"Annulla", "Ripeti", "Cronologia...", "Cartella FTP del negozio...",
-                                              "Cartella FTP script CGI...", "Impostazioni avanzate..."}));
+  EXPECT_EQ(entries("Modifica"),
+            QStringList({"Annulla", "Ripeti", "Cronologia...", "Cartella FTP del negozio...",
+                         "Cartella FTP script CGI...", "Impostazioni avanzate...", "Verifica connessione"}));
 }
 
 TEST_F(Menus, TheViewAndHelpMenusHaveTheirEntriesInOrder) {
@@ -263,6 +265,7 @@ TEST_F(Menus, EveryDialogOfTheMenusIsAskedForByItsEntry) {
       {Tab::Internet, "connection.settings", &Port::connectionSettings},
       {Tab::Departments, "help.introduction", &Port::introduction},
       {Tab::Departments, "help.about", &Port::about}};
+  ASSERT_TRUE(settings.set("orsa2000/pathRete", "pathRete", "/dati/orsa.mdb"));
   open();
   for (const auto& [tab, name, member] : entries) {
     goTab(tab);
@@ -279,18 +282,20 @@ TEST_F(Menus, EveryDialogOfTheMenusIsAskedForByItsEntry) {
   }
 }
 
-TEST_F(Menus, ThePurgeOfPicturesIsGivenTheirFolderAndTheTwoFtpFoldersTheirKinds) {
+TEST_F(Menus, ThePurgeOfPicturesIsGivenTheirFolderAndTheTwoFtpFoldersTheirKindsAndTheirServerIsTried) {
   run(shop, "UPDATE generale SET hostname = 'h', username = 'u', password = 'p'");
   open();
   answerPurge(false);
   answerServerFolder(false);
+  answer(&WorkbenchDialogs::verifyConnection, true);
   refreshEntries();
   EXPECT_TRUE(choose("shop.purgePictures"));
   goTab(Tab::Internet);
   EXPECT_TRUE(choose("connection.shopFolder"));
   EXPECT_TRUE(choose("connection.scriptFolder"));
+  EXPECT_TRUE(choose("connection.verify"));
   EXPECT_EQ(dialogsRun, (std::vector<std::string>{"purgePictures " + shop + "/work", "chooseServerFolder shop",
-                                                  "chooseServerFolder scripts"}));
+                                                  "chooseServerFolder scripts", "verifyConnection"}));
 }
 
 TEST_F(Menus, TheHelpEntriesOpenTheirPages) {

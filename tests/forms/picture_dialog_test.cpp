@@ -79,6 +79,7 @@ TEST_F(ThePictureDialog, ShowsTheReducedSizeAndWritesIt) {
   choose("Larga.png");
   EXPECT_EQ(size(), "180 x 90");
   EXPECT_EQ(control<QLabel>(*dialog, "picAnteprima")->pixmap().size(), QSize(180, 90));
+  EXPECT_EQ(fromQt(control<QLabel>(*dialog, "picAnteprima")->accessibleName()), "Anteprima: Larga.png 180 x 90");
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
   EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(180, 90));
@@ -151,6 +152,21 @@ TEST_F(ThePictureDialog, FoldersAreOpenedByEnterAndUpAgain) {
   EXPECT_EQ(files().count(), 1);
   emit folders->itemActivated(folders->item(0));
   EXPECT_EQ(fromQt(field("txtCartella").text()), pictures);
+}
+
+TEST_F(ThePictureDialog, TheDesktopIsAButtonAway) {
+  const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+  const std::string desktop = root / "scrivania";
+  ASSERT_TRUE(createFolder(desktop));
+  ASSERT_TRUE(copyFile(pictures + "/Larga.png", desktop + "/sulla.png"));
+  ASSERT_TRUE(writeBytes(root / "user-dirs.dirs", "XDG_DESKTOP_DIR=\"" + desktop + "\"\n"));
+  qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(root.path()));
+  makeDialog();
+  click(*dialog, "cmdDesktop");
+  EXPECT_EQ(fromQt(field("txtCartella").text()), desktop);
+  ASSERT_EQ(files().count(), 1);
+  EXPECT_EQ(files().item(0)->text(), "sulla.png");
+  qputenv("XDG_CONFIG_HOME", before);
 }
 
 TEST_F(ThePictureDialog, AFolderThatCantBeReadFallsBackToTheOneBefore) {

@@ -8,7 +8,9 @@
 #include <QTableView>
 
 #include "dialog_fixture.h"
+#include "platform/qt/frm_note.h"
 #include "platform/text/text.h"
+#include "shell/dialogs/article_search.h"
 #include "shell/dialogs/frm_search.h"
 
 namespace kv {
@@ -84,10 +86,18 @@ TEST_F(TheSearchDialog, WithoutHitsSaysSoAndMostraIsOff) {
 TEST_F(TheSearchDialog, TakesTheSearchCharactersAlone) {
   QTest::keyClicks(text, "a'b%c_d[e]*?9 ");
   EXPECT_EQ(text->text(), "abcde*?9 ");
+  QTest::keyClicks(text, "%");
+  EXPECT_EQ(fromQt(noteOf(*dialog)), refusedSearchKey("%"));
   text->clear();
   QApplication::clipboard()->setText(QStringLiteral("caffè; \"città\"\n"));
   text->paste();
   EXPECT_EQ(fromQt(text->text()), "caffè città");
+  for (const char* kept : {"TZ-001", "www.a.it"}) {
+    text->clear();
+    QApplication::clipboard()->setText(kept);
+    text->paste();
+    EXPECT_EQ(text->text(), kept);
+  }
 }
 
 TEST_F(TheSearchDialog, TheRadioChoosesTheColumn) {

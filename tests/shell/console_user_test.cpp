@@ -20,7 +20,7 @@ class ConsoleUserTest : public ::testing::Test {
   test::FixedClock clock;
 };
 
-constexpr Question destructive{"Cancellare?", Buttons::YesNo, Answer::No, Icon::Question};
+const Question destructive{"Cancellare?", Buttons::YesNo, Answer::No, Icon::Question};
 
 TEST_F(ConsoleUserTest, AMessageIsWrittenAsItIs) {
   make().message("Riga 1\nRiga 2: è", Icon::Critical);

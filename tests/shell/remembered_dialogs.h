@@ -46,6 +46,7 @@ inline constexpr std::array plainDialogs{PlainDialog{"welcome", &WorkbenchDialog
                                          PlainDialog{"publishOptions", &WorkbenchDialogs::publishOptions},
                                          PlainDialog{"publish", &WorkbenchDialogs::publish},
                                          PlainDialog{"connectionSettings", &WorkbenchDialogs::connectionSettings},
+                                         PlainDialog{"verifyConnection", &WorkbenchDialogs::verifyConnection},
                                          PlainDialog{"introduction", &WorkbenchDialogs::introduction},
                                          PlainDialog{"about", &WorkbenchDialogs::about}};
 

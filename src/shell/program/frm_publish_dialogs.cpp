@@ -75,6 +75,10 @@ void wirePublishing(frmMain& window, Session& session, Environment& env) {
     dialog.exec();
     return !dialog.tag().empty();
   };
+  dialogs.verifyConnection = [&] {
+    verifyConnection(session, env.user, readFirewallSettings(session.ShopFolder));
+    return true;
+  };
 }
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 #include "shell/window/frm_articles_list.h"
 #include "platform/database/recordset.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QPainter>
 #include <algorithm>
@@ -66,14 +67,21 @@ QVariant ArticleModel::data(const QModelIndex& index, int role) const {
     const bool isNumber = columnFacts(index.column()).isNumber;
     return isNumber ? QVariant(int{Qt::AlignRight | Qt::AlignVCenter}) : QVariant();
   }
+  if (role == Qt::ForegroundRole) return isBorrowed(index) ? QApplication::palette().placeholderText() : QVariant();
   if (role == Qt::ToolTipRole) return plainTip(data(index, Qt::DisplayRole).toString());
   if (role != Qt::DisplayRole) return {};
   if (index.row() == previewRow_ && index.column() == previewColumn_) return previewText_;
   return textOf(rows_.at(static_cast<std::size_t>(index.row())), static_cast<Column>(index.column()));
 }
 
+bool ArticleModel::isBorrowed(const QModelIndex& index) const {
+  const bool isTyped = index.row() == previewRow_ && index.column() == previewColumn_;
+  return index.column() == Title && !isTyped && !rows_.at(static_cast<std::size_t>(index.row())).primo.empty();
+}
+
 QString ArticleModel::textOf(const ArticleRow& row, Column column) const {
   if (column == Showcase) return row.inelenco ? tr("Sì") : QString();
+  if (column == Title && !row.primo.empty()) return toQt(row.primo);
   const ArticleColumn& facts = columnFacts(column);
   const std::string text = column == Vat ? priceWithVat(row.prezzo, vatOfDepartment()) : row.*facts.text;
   return toQt(facts.isNumber && !text.empty() ? shownNumber(text, workbench_.decimalSeparator()) : text);

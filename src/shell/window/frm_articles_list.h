@@ -61,6 +61,8 @@ class ArticleModel final : public QAbstractTableModel {
   Qt::DropActions supportedDragActions() const override { return Qt::MoveAction; }
 
  private:
+  /// Whether a title is that of the first language, for want of one in the language being edited.
+  bool isBorrowed(const QModelIndex& index) const;
   /// What a column shows of a row.
   QString textOf(const ArticleRow& row, Column column) const;
   /// As the column has it; empty for none.

@@ -54,6 +54,7 @@ ArticleRow readRow(const Statement& row) {
   if (asFlag(row.value(4))) read.offerta = asText(row.value(5));
   read.peso = asText(row.value(6));
   read.inelenco = asFlag(row.value(7));
+  if (trim(read.titolo).empty()) read.primo = row.text(8);
   return read;
 }
 
@@ -104,7 +105,7 @@ std::string ArticleRows::query(std::string_view condition) const {
   const std::string_view language = languageSuffixes[static_cast<std::size_t>(sets_.session().currentLanguage - 1)];
   const std::string list(listinoSuffixes[static_cast<std::size_t>(listino_)]);
   return "SELECT ID, codice, titolo" + std::string(language) + ", prezzo" + list + ", offerta" + list +
-         ", offertaprezzo" + list + ", peso, inelenco FROM articoli WHERE " + std::string(condition);
+         ", offertaprezzo" + list + ", peso, inelenco, titolo FROM articoli WHERE " + std::string(condition);
 }
 
 const ArticleRow& ArticleRows::rowOf(std::int64_t ID) {

@@ -17,6 +17,7 @@ namespace kv {
 struct ArticleRow {
   std::int64_t ID = 0;
   std::string codice, titolo;
+  std::string primo;      ///< the title in the first language while this one has none; else empty
   std::string prezzo;     ///< in the price list being edited, as stored; empty for none
   std::string offerta;    ///< its price on offer in that list, as stored; empty while it is not on offer
   std::string peso;       ///< as stored; empty for none

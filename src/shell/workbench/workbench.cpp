@@ -8,6 +8,7 @@
 #include "platform/database/recordset.h"
 #include "platform/files/files.h"
 #include "platform/ports/failure_text.h"
+#include "platform/text/text.h"
 #include "shell/workbench/busy.h"
 #include "shell/workbench/fields/current_row.h"
 #include "shell/workbench/fields/related_words.h"
@@ -238,6 +239,16 @@ void Workbench::SpostaInReparto(const ArticleGroup& group, const std::string& de
   view_.entriesChanged();
 }
 
+namespace {
+
+/// What to say of a percent that was stored as 0 since it is no number; empty for anything else.
+std::string zeroNote(FieldKind kind, const std::string& text, char decimalSeparator) {
+  if (kind != FieldKind::Percent || trim(text).empty() || isFieldNumber(text, decimalSeparator)) return {};
+  return "\"" + text + "\" non è un numero: il valore è ora 0.";
+}
+
+}  // namespace
+
 Workbench::LeftField Workbench::leaveField(const Editor& editor, const std::string& text) {
   if (!isOpen()) return {};
   if (const std::string refusal = fields_.refusal(editor, text); !refusal.empty()) {
@@ -248,12 +259,13 @@ Workbench::LeftField Workbench::leaveField(const Editor& editor, const std::stri
   if (!outcome.done) return refuseField(editor, text, outcome.done.error());
   unsaved_.erase(&editor);
   view_.fieldsChanged(editor.set);
-  if (!outcome.written) return {};
+  const std::string mark = zeroNote(editor.kind, text, decimalSeparator());
+  if (!outcome.written) return {true, mark};
   if (editor.column == "template") editing_.showModel(text);
   refreshTabKeys();
   view_.entriesChanged();
   if (!outcome.note.empty()) env_.user.message(outcome.note, Icon::Exclamation);
-  return {};
+  return {true, mark};
 }
 
 /// A value that the column doesn't take goes back to the former one. Any other failure may pass: tree and list show
@@ -345,7 +357,10 @@ void Workbench::editThrough(std::string_view step, const WorkbenchDialogs::Dialo
     changed = dialog();
     return {};
   }));
-  if (changed) CambiaLingua(session_.currentLanguage);
+  if (!changed) return;
+  CambiaLingua(session_.currentLanguage);
+  // An import brings articles.
+  showError(sets_.recount());
 }
 
 void Workbench::openDocument(const std::string& file, const std::string& folder) {

@@ -75,6 +75,7 @@ struct WorkbenchDialogs {
   std::function<bool(ServerFolder folder)> chooseServerFolder;
   Dialog orders;              ///< frmOrdini: the orders received. It changes no row of the catalogue
   Dialog connectionSettings;  ///< frmFirewall: the way to the server
+  Dialog verifyConnection;    ///< tries the connection as it is stored, and tells what was found
 
   // Help.
   Dialog doctor;        ///< frmControlla: what visitors would meet

@@ -1,5 +1,6 @@
 #include "shell/workbench/commands/shop_commands.h"
 
+#include "import/accounting/accounting_variants.h"
 #include "media/purge/unused_pictures.h"
 #include "platform/files/files.h"
 #include "shell/workbench/workbench.h"
@@ -60,18 +61,28 @@ Command moveRow(std::string name, const MenuPlace& place, WorkbenchDialogs::Dial
   return row;
 }
 
-Command accountingRow() {
-  Command row = dialogCommand("import.accounting", {File, 701, "Importa da Orsa Gestionale..."},
-                              &WorkbenchDialogs::importAccounting, "Importa");
-  row.help = "pagine/orsa.htm";
-  return row;
+bool knowsAccounting(const CommandContext& context) { return isAccountingKnown(context.env.settings); }
+
+/// The import is on where the machine knows of the package. The installation of the package leaves its path in the
+/// settings of other systems and never here, so until there is one a second entry leads to the same dialogs: the first
+/// of them asks where the data are, and keeps what it is told.
+std::vector<Command> accountingRows() {
+  const auto row = [](std::string name, const MenuPlace& place) {
+    return dialogCommand(std::move(name), place, &WorkbenchDialogs::importAccounting, "Importa");
+  };
+  Command import = row("import.accounting", {File, 701, "Importa da Orsa Gestionale..."});
+  import.enabled = knowsAccounting;
+  import.whenOff = "Orsa Gestionale non è stato trovato: indicare dove sono i suoi dati";
+  Command search = row("import.accountingData", {File, 702, "Cerca i dati di Orsa Gestionale..."});
+  search.visible = [](const CommandContext& context) { return !knowsAccounting(context); };
+  return withHelp({std::move(import), std::move(search)}, "pagine/orsa.htm");
 }
 
 std::vector<Command> sheetRows() {
   using Dialogs = WorkbenchDialogs;
   std::vector<Command> rows{
-      dialogCommand("import.sheet", {File, 705, "Importa da un foglio..."}, &Dialogs::importSheet, "Importa il foglio"),
-      dialogCommand("export.sheet", {File, 706, "Esporta in un foglio..."}, &Dialogs::exportSheet)};
+      dialogCommand("import.sheet", {File, 706, "Importa da un foglio..."}, &Dialogs::importSheet, "Importa il foglio"),
+      dialogCommand("export.sheet", {File, 707, "Esporta in un foglio..."}, &Dialogs::exportSheet)};
   for (Command& row : rows) row.help = "pagine/foglio.htm";
   return rows;
 }
@@ -113,11 +124,11 @@ std::vector<Command> shopCommands() {
                     "Cambia le cartelle"),
       shopRow("shop.cleanFolders", {File, 202, "Pulisci le cartelle di lavoro..."}, "", cleanFolders),
       purgeRow(),
-      accountingRow(),
-      companionRow("import.stock", {File, 702, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
-      companionRow("import.orders", {File, 703, "Scarica ordini..."}, "ordsync.exe"),
-      companionRow("import.companion", {File, 704, "Importa da Orsa Gestionale con gwimp..."}, "gwimp.exe"),
+      companionRow("import.stock", {File, 703, "Aggiorna giacenze da Orsa Gestionale..."}, "ogg.exe"),
+      companionRow("import.orders", {File, 704, "Scarica ordini..."}, "ordsync.exe"),
+      companionRow("import.companion", {File, 705, "Importa da Orsa Gestionale con gwimp..."}, "gwimp.exe"),
       shopRow("exit", {File, 801, "Esci"}, "Ctrl+Q", exitProgram)};
+  for (Command& row : accountingRows()) rows.push_back(std::move(row));
   for (Command& row : sheetRows()) rows.push_back(std::move(row));
   return withHelp(std::move(rows), "index.htm");
 }

@@ -57,13 +57,23 @@ Command dutiesRow() {
   return ofLaw(inOpenShop(std::move(row)));
 }
 
+/// It is on as soon as there is a server to try, like the choice of its folders.
+Command verifyRow() {
+  Command row = dialogCommand("connection.verify", {EditInternet, 204, "Verifica connessione"},
+                              &WorkbenchDialogs::verifyConnection);
+  row.whenOff = "Indicare prima host, nome utente e password";
+  row.enabled = [](const CommandContext& context) { return context.bench.commands().isEnabled(ftpFolders); };
+  return row;
+}
+
 std::vector<Command> connectionCommands() {
   return {serverFolderRow("connection.shopFolder", {EditInternet, 201, "Cartella FTP del negozio..."},
                           ServerFolder::Shop, "Cartella FTP del negozio"),
           serverFolderRow("connection.scriptFolder", {EditInternet, 202, "Cartella FTP script CGI..."},
                           ServerFolder::Scripts, "Cartella FTP script CGI"),
           dialogCommand("connection.settings", {EditInternet, 203, "Impostazioni avanzate..."},
-                        &WorkbenchDialogs::connectionSettings)};
+                        &WorkbenchDialogs::connectionSettings),
+          verifyRow()};
 }
 
 }  // namespace
