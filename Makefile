@@ -100,6 +100,7 @@ soak: build
 	  --gtest_filter='*TreeEndurance*' --gtest_brief=1
 	@cmake --build --preset dev --target korvane korvane-cli korvane_data
 	@tools/check-accessibility build/dev/bin --whole
+	@tests/e2e/first_day.py build/dev/bin --all
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-name-pattern='built like' tests/e2e/aged.mjs \
 	  --cli build/dev/bin/korvane-cli --template chiaro --work build/dev/aged
 	@python3 -B tests/web/price_oracle.py build/dev/bin/korvane-cli
@@ -107,6 +108,7 @@ soak: build
 	  RemoteOrders.test_a_fetch_that_breaks_off_goes_on_and_its_sums_are_the_shops \
 	  ProgramOrders.test_states_are_set_on_both_sides_and_no_mail_goes_twice
 	@python3 -B tests/web/crowd_soak.py build/dev/bin/korvane-cli
+	@python3 -B tests/web/equal_times.py build/dev/bin/korvane-cli
 	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) node --test-reporter=spec tests/e2e/run.mjs --cli build/dev/bin/korvane-cli \
 	  --template chiaro --work build/dev/chiaro
 	@KORVANE_TEST_ROUNDS=200 KORVANE_TEST_KILLS=50 python3 -B tests/servers/ftp_publish.py build/dev/bin/korvane-cli \

@@ -28,6 +28,7 @@ class Reader:
         gi.require_version("Atspi", "2.0")
         from gi.repository import Atspi, GLib  # pylint: disable=import-outside-toplevel
         self.spi, self.loop = Atspi, GLib.MainContext.default()
+        self.gone = GLib.Error  # what is raised about a node that is no longer there
         Atspi.init()
         Atspi.set_timeout(LONG_MILLISECONDS, LONG_MILLISECONDS)
         self.focused = []

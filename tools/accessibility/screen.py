@@ -27,6 +27,8 @@ ARTICLES = "Id;IdCategoria;Codice;Descrizione;iva;Vendita1\r\n1;7;V1;Vaso di vet
 class Screen:
     """The programs' environment: a virtual screen, a home, and the program on a new model shop."""
 
+    size = "1280x1024"  # of the screen, in pixels
+
     def __init__(self, programs):
         self.programs = pathlib.Path(programs).resolve()
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="korvane-access-"))
@@ -45,9 +47,20 @@ class Screen:
         return self
 
     def start(self):
+        self.open_screen()
+        self.make_shop()
+        self.silent.bind(("127.0.0.1", 0))
+        self.silent.listen()
+        self.connect(self.serve())
+        self.write_lists()
+        self.keep_order()
+        self.run_program(self.shop)
+
+    def open_screen(self):
+        """Starts the virtual screen, and names an empty home in the environment `own`."""
         read, write = os.pipe()
         self.started.append(subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x1024x24", "-nolisten", "tcp"], pass_fds=[write],
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", self.size + "x24", "-nolisten", "tcp"], pass_fds=[write],
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
         os.close(write)
         with os.fdopen(read) as told:
@@ -61,16 +74,13 @@ class Screen:
                     "XDG_CONFIG_HOME": str(self.home / "config"), "XDG_RUNTIME_DIR": str(runtime),
                     "FONTCONFIG_FILE": str(fonts),
                     "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_QPA_PLATFORM": "xcb", "LANG": "C.UTF-8"}
+
+    def make_shop(self):
+        """Makes the model shop."""
         made = subprocess.run([self.programs / "korvane-cli", "new", self.shop], env=self.own, check=False,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         if made.returncode != 0:
             sys.exit(f"no model shop could be made:\n{made.stdout}")
-        self.silent.bind(("127.0.0.1", 0))
-        self.silent.listen()
-        self.connect(self.serve())
-        self.write_lists()
-        self.keep_order()
-        self.run_program(self.shop)
 
     def serve(self):
         """An FTP server for the shop; its port, once it can be reached."""
@@ -115,6 +125,10 @@ class Screen:
         accounting.mkdir()
         (accounting / "Categoria.csv").write_bytes(CATEGORIES.encode())
         (accounting / "Articoli.csv").write_bytes(ARTICLES.encode())
+        # Where they are: the entry of the import is off on a machine that doesn't know it.
+        settings = self.home / "config" / "korvane"
+        settings.mkdir(parents=True, exist_ok=True)
+        (settings / "korvane.ini").write_text(f"[orsa2000/pathRete]\r\npathRete={accounting}\r\n", encoding="utf-8")
         # The options that the dialogs of the import begin with: a price list to write is among them.
         (self.shop / "og.ini").write_bytes(b"1100100\r\n")
         (self.shop / "og3.ini").write_bytes(b"11001001100\r\n")

@@ -146,10 +146,11 @@ WAYS = (
     Way("Introduzione...", "frmIntro"),
     Way("Informazioni su...", "frmAbout"),
 )
-# What opens a page in a browser, another program, or the choice of a folder alone.
+# What opens a page in a browser, another program, or the choice of a folder alone, or is hidden since the windows that it
+# leads to have an entry that is on.
 OUTSIDE = {"Sommario...", "Domande frequenti...", "Guida ai template...", "Aggiornamenti online...", "BackOffice...",
            "Aggiorna giacenze da Orsa Gestionale...", "Scarica ordini...", "Importa da Orsa Gestionale con gwimp...",
-           "Nuovo negozio..", "Apri negozio..."}
+           "Nuovo negozio..", "Apri negozio...", "Cerca i dati di Orsa Gestionale..."}
 # Windows that the check opens by itself, since no entry does.
 BY_THEMSELVES = {"frmRescue"}
 BASES = {"FormDialog", "TransferWindow", "AccountingForm"}
