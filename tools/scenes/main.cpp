@@ -3,6 +3,7 @@
 //   korvane-screenshots --list
 // NAME: only these pictures. The shop is worked with, so it should be one made for the purpose. The scale of the
 // screen is Qt's own QT_SCALE_FACTOR. tools/screenshots calls this for all sizes and palettes.
+#include <unistd.h>
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFont>
@@ -10,7 +11,6 @@
 #include <csignal>
 #include <cstring>
 #include <iostream>
-#include <unistd.h>
 
 #include "platform/qt/frm_dialog.h"
 #include "scenes.h"

@@ -1,6 +1,9 @@
 #include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <array>
 #include <utility>
 
@@ -16,6 +19,7 @@ constexpr int pagesInThePicture = 48;
 constexpr int pageOfThePicture = 30;  // while which one is sent the picture is taken
 constexpr std::size_t pageSize = 41'500;
 constexpr int shownMilliseconds = 200;  // a run shows itself a few times in a second
+constexpr int messageMilliseconds = 20;
 
 /// A server that agrees to everything. In the middle of one page it has the picture taken; then the run is cancelled.
 class ServerInThePicture final : public Transfer {
@@ -100,12 +104,19 @@ void takeRunningPublish(Stage& stage, const QString& name) {
   makePages(job.onlineFolder);
   PublishSettings settings;
   settings.onlyShopFiles = false;
+  QTimer closing;
   ServerInThePicture server([&] {
     Stage::processEvents();
     stage.take(name);
+    closing.start(messageMilliseconds);
   });
   ClockInThePicture clock;
   frmFTP window(job, uploadOptions(job, settings, {}), {server, stage.user(), clock}, &stage.window());
+  // A run that ends early says what was sent.
+  QObject::connect(&closing, &QTimer::timeout, &closing, [&window] {
+    auto* message = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (message != nullptr && message != &window) message->reject();
+  });
   window.exec();
 }
 
