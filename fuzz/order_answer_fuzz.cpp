@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "publish/orders/order_answers.h"
-#include "publish/orders/order_list.h"
-#include "publish/orders/order_protocol.h"
-#include "publish/orders/order_search.h"
+#include "publish/orders/desk/order_list.h"
+#include "publish/orders/store/order_search.h"
+#include "publish/orders/wire/order_answers.h"
+#include "publish/orders/wire/order_protocol.h"
 
 namespace {
 

@@ -15,10 +15,10 @@
 #include <climits>
 
 #include "dialog_fixture.h"
-#include "publish/orders/frm_bar_chart.h"
-#include "publish/orders/frm_esporta_ordini.h"
-#include "publish/orders/frm_order_print.h"
-#include "publish/orders/frm_vendite.h"
+#include "publish/orders/desk/frm_esporta_ordini.h"
+#include "publish/orders/papers/frm_order_print.h"
+#include "publish/orders/sales/frm_bar_chart.h"
+#include "publish/orders/sales/frm_vendite.h"
 #include "support/sample_orders.h"
 
 namespace kv::test {

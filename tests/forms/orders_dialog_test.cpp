@@ -8,7 +8,7 @@
 #include <QTableWidget>
 
 #include "dialog_fixture.h"
-#include "publish/orders/frm_ordini.h"
+#include "publish/orders/desk/frm_ordini.h"
 #include "support/order_host.h"
 
 namespace kv {

@@ -1,5 +1,5 @@
 // The desk for orders: the server comes first, a conflict is shown with both values, and every failure says what to do.
-#include "publish/orders/order_desk.h"
+#include "publish/orders/desk/order_desk.h"
 
 #include <gmock/gmock.h>
 

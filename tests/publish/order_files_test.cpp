@@ -1,5 +1,5 @@
 // Orders as files for the accountant: the columns of the back office's file, and the same cells in a sheet.
-#include "publish/orders/order_files.h"
+#include "publish/orders/papers/order_files.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The key of a shop's orders: made once, kept by the catalogue whatever is undone, sent along with an update.
 
-#include "publish/orders/order_key.h"
+#include "publish/orders/wire/order_key.h"
 
 #include <gtest/gtest.h>
 

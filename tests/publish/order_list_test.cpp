@@ -1,9 +1,9 @@
 // What the window of orders shows and takes: days, states, amounts, all of an order as text.
-#include "publish/orders/order_list.h"
+#include "publish/orders/desk/order_list.h"
 
 #include <gmock/gmock.h>
 
-#include "publish/orders/order_answers.h"
+#include "publish/orders/wire/order_answers.h"
 #include "support/order_host.h"
 
 namespace kv::test {

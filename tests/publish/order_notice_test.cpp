@@ -1,11 +1,11 @@
 // When a shop says at its start how many orders are new, and what it asks for that.
-#include "publish/orders/order_notice.h"
+#include "publish/orders/desk/order_notice.h"
 
 #include <gmock/gmock.h>
 
 #include "platform/files/files.h"
-#include "publish/orders/order_desk.h"
-#include "publish/orders/order_key.h"
+#include "publish/orders/desk/order_desk.h"
+#include "publish/orders/wire/order_key.h"
 #include "support/fixed_clock.h"
 #include "support/order_host.h"
 #include "support/temp_shop.h"

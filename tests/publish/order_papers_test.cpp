@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/files/files.h"
-#include "publish/orders/order_documents.h"
-#include "publish/orders/order_labels.h"
-#include "publish/orders/order_list.h"
-#include "publish/orders/order_texts.h"
-#include "publish/orders/order_withdrawals.h"
+#include "publish/orders/desk/order_list.h"
+#include "publish/orders/papers/order_documents.h"
+#include "publish/orders/papers/order_labels.h"
+#include "publish/orders/values/order_texts.h"
+#include "publish/orders/values/order_withdrawals.h"
 #include "store/catalogue/shop_identity.h"
 #include "support/sample_orders.h"
 #include "support/temp_shop.h"

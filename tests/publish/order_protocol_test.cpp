@@ -1,5 +1,5 @@
 // Requests for orders as they are signed and sent, and what each kind of answer tells the merchant.
-#include "publish/orders/order_protocol.h"
+#include "publish/orders/wire/order_protocol.h"
 
 #include <gtest/gtest.h>
 

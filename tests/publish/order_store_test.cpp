@@ -1,12 +1,12 @@
 // The file of received orders: nothing is lost or doubled wherever a run is cut, it is read offline, and a damaged one
 // is put aside.
-#include "publish/orders/order_store.h"
+#include "publish/orders/store/order_store.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include "platform/files/files.h"
-#include "publish/orders/order_fetch.h"
+#include "publish/orders/desk/order_fetch.h"
 #include "support/failing_store.h"
 #include "support/fixed_clock.h"
 #include "support/order_host.h"

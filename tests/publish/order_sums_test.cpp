@@ -1,13 +1,13 @@
 // Sales by time, department and article: exact sums, each currency by itself, what is no sale left out.
-#include "publish/orders/order_sums.h"
+#include "publish/orders/sales/order_sums.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
 
-#include "publish/orders/sales_days.h"
-#include "publish/orders/sales_view.h"
+#include "publish/orders/sales/sales_days.h"
+#include "publish/orders/sales/sales_view.h"
 #include "support/sample_orders.h"
 #include "support/test_seed.h"
 

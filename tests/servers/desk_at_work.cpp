@@ -12,7 +12,7 @@
 #include "platform/files/files.h"
 #include "platform/ports/clock.h"
 #include "platform/text/text.h"
-#include "publish/orders/order_desk.h"
+#include "publish/orders/desk/order_desk.h"
 
 namespace {
 

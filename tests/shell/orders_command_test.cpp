@@ -8,7 +8,7 @@
 
 #include "platform/files/files.h"
 #include "platform/files/settings.h"
-#include "publish/orders/order_desk.h"
+#include "publish/orders/desk/order_desk.h"
 #include "support/fixed_clock.h"
 #include "support/order_host.h"
 #include "support/scripted_user.h"

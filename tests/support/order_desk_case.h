@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "publish/orders/order_desk.h"
+#include "publish/orders/desk/order_desk.h"
 #include "support/fixed_clock.h"
 #include "support/order_host.h"
 #include "support/scripted_user.h"

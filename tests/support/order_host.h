@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "publish/orders/order_protocol.h"
+#include "publish/orders/wire/order_protocol.h"
 
 namespace kv::test {
 

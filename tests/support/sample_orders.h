@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "publish/orders/desk_order.h"
+#include "publish/orders/values/desk_order.h"
 
 namespace kv::test {
 

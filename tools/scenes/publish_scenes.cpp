@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/files/files.h"
-#include "publish/orders/frm_ordini.h"
+#include "publish/orders/desk/frm_ordini.h"
 #include "publish/run/frm_ftp.h"
 #include "scenes.h"
 

@@ -3,9 +3,9 @@
 #include <QSpinBox>
 #include <array>
 
-#include "publish/orders/frm_esporta_ordini.h"
-#include "publish/orders/frm_order_print.h"
-#include "publish/orders/frm_vendite.h"
+#include "publish/orders/desk/frm_esporta_ordini.h"
+#include "publish/orders/papers/frm_order_print.h"
+#include "publish/orders/sales/frm_vendite.h"
 #include "scenes.h"
 
 namespace kv::scenes {

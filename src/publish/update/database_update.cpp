@@ -7,7 +7,7 @@
 #include "platform/ports/failure_text.h"
 #include "platform/text/public_address.h"
 #include "platform/text/text.h"
-#include "publish/orders/order_key.h"
+#include "publish/orders/wire/order_key.h"
 #include "publish/update/sent_sql.h"
 #include "sqlexport/export_files.h"
 #include "sqlexport/sql_style.h"

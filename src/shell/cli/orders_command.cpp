@@ -4,10 +4,10 @@
 #include "platform/files/private_file.h"
 #include "platform/numbers/number_format.h"
 #include "platform/ports/failure_text.h"
-#include "publish/orders/order_desk.h"
-#include "publish/orders/order_files.h"
-#include "publish/orders/order_list.h"
-#include "publish/orders/order_texts.h"
+#include "publish/orders/desk/order_desk.h"
+#include "publish/orders/desk/order_list.h"
+#include "publish/orders/papers/order_files.h"
+#include "publish/orders/values/order_texts.h"
 #include "shell/cli/cli_session.h"
 
 namespace kv {

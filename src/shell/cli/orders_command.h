@@ -6,7 +6,7 @@
 #include <span>
 
 #include "platform/transfer/http_client.h"
-#include "publish/orders/desk_order.h"
+#include "publish/orders/values/desk_order.h"
 #include "shell/cli/command_line.h"
 #include "shell/cli/shop_commands.h"
 

@@ -6,13 +6,13 @@
 #include <QToolButton>
 
 #include "platform/ports/failure_text.h"
-#include "publish/orders/frm_esporta_ordini.h"
-#include "publish/orders/frm_order_print.h"
-#include "publish/orders/frm_ordini.h"
-#include "publish/orders/frm_period_row.h"
-#include "publish/orders/frm_vendite.h"
-#include "publish/orders/order_notice.h"
-#include "publish/orders/shop_sender.h"
+#include "publish/orders/desk/frm_esporta_ordini.h"
+#include "publish/orders/desk/frm_ordini.h"
+#include "publish/orders/desk/order_notice.h"
+#include "publish/orders/papers/frm_order_print.h"
+#include "publish/orders/papers/shop_sender.h"
+#include "publish/orders/sales/frm_period_row.h"
+#include "publish/orders/sales/frm_vendite.h"
 
 namespace kv {
 namespace {
