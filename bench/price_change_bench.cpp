@@ -12,7 +12,7 @@
 #include "catalogue_shop.h"
 #include "commerce/prices/price_change.h"
 #include "measure.h"
-#include "platform/database/changes.h"
+#include "platform/database/changes/changes.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/text/text.h"
-#include "platform/transfer/ftp_reply.h"
+#include "platform/transfer/protocols/ftp_reply.h"
 #include "publish/settings/server_names.h"
 
 namespace {

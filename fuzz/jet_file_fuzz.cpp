@@ -14,9 +14,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/database/jet_file.h"
-#include "platform/database/jet_reader.h"
-#include "platform/database/jet_stream.h"
+#include "platform/database/jet/jet_file.h"
+#include "platform/database/jet/jet_reader.h"
+#include "platform/database/jet/jet_stream.h"
 #include "platform/files/files.h"
 
 // Where the counters of covered code begin and end, as the linker knows it. A declaration of its symbols would make the

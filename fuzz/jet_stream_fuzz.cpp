@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/database/jet_stream.h"
+#include "platform/database/jet/jet_stream.h"
 
 namespace {
 

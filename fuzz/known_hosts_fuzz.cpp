@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/files/files.h"
-#include "platform/transfer/known_hosts.h"
+#include "platform/transfer/protocols/known_hosts.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include "commerce/bulk_fixture.h"
 #include "commerce/replication/language_replication.h"
-#include "platform/database/changes.h"
+#include "platform/database/changes/changes.h"
 #include "store/schema/column_family.h"
 #include "support/failing_store.h"
 

@@ -3,7 +3,7 @@
 
 #include "commerce/bulk_fixture.h"
 #include "commerce/replication/list_replication.h"
-#include "platform/database/changes.h"
+#include "platform/database/changes/changes.h"
 #include "support/failing_store.h"
 
 namespace kv::test {

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <iostream>
 
-#include "platform/database/jet_file.h"
+#include "platform/database/jet/jet_file.h"
 #include "platform/files/files.h"
 #include "support/jet_samples.h"
 

@@ -9,7 +9,7 @@
 #include <QRadioButton>
 #include <QToolButton>
 
-#include "shell/window/frm_page.h"
+#include "shell/window/fields/frm_page.h"
 #include "support/failing_store.h"
 #include "wired_window.h"
 

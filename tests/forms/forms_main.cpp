@@ -4,7 +4,7 @@
 #include <QApplication>
 #include <iostream>
 
-#include "shell/window/frm_style.h"
+#include "shell/window/look/frm_style.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include "forms/window_fixture.h"
 #include "platform/qt/frm_dialog.h"
 #include "shell/program/frm_program.h"
-#include "shell/window/frm_appearance.h"
-#include "shell/window/frm_icons.h"
 #include "shell/window/frm_intro.h"
+#include "shell/window/look/frm_appearance.h"
+#include "shell/window/look/frm_icons.h"
 
 namespace kv::test {
 namespace {

@@ -6,8 +6,8 @@
 #include "forms/window_fixture.h"
 #include "platform/qt/frm_dialog.h"
 #include "platform/qt/frm_screen.h"
-#include "shell/window/frm_appearance.h"
 #include "shell/window/frm_intro.h"
+#include "shell/window/look/frm_appearance.h"
 
 namespace kv::test {
 namespace {

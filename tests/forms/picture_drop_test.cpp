@@ -8,7 +8,7 @@
 
 #include "forms/driven_window.h"
 #include "platform/image/pixels.h"
-#include "shell/window/frm_picture.h"
+#include "shell/window/fields/frm_picture.h"
 #include "support/scripted_http_server.h"
 
 namespace kv::test {

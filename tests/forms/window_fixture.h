@@ -11,7 +11,7 @@
 #include <QTest>
 #include <memory>
 
-#include "shell/window/frm_field.h"
+#include "shell/window/fields/frm_field.h"
 #include "shell/window/frm_main.h"
 #include "shell/workbench_fixture.h"
 

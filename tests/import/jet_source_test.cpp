@@ -1,8 +1,8 @@
 // Jet databases as a source: what is read from both versions of the file, that another reader sees the same, and what
 // damaged files become.
 #include "accounting_shop.h"
-#include "platform/database/jet_file.h"
-#include "platform/database/jet_stream.h"
+#include "platform/database/jet/jet_file.h"
+#include "platform/database/jet/jet_stream.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "support/command_output.h"

@@ -1,7 +1,7 @@
 // Calls of the engine that fail: what was open is undone, what could not be read is not taken for a value.
 #include <gtest/gtest.h>
 
-#include "platform/database/changes.h"
+#include "platform/database/changes/changes.h"
 #include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
 #include "support/failing_store.h"

@@ -1,6 +1,6 @@
 // What a recorder records, and what reverting and repeating it does.
 
-#include "platform/database/changes.h"
+#include "platform/database/changes/changes.h"
 
 #include <optional>
 

@@ -1,5 +1,5 @@
 // Replies of a server: what is one, what is none, and what single ones hold.
-#include "platform/transfer/ftp_reply.h"
+#include "platform/transfer/protocols/ftp_reply.h"
 
 #include <gtest/gtest.h>
 

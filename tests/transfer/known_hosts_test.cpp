@@ -1,5 +1,5 @@
 // The file of servers that are known by their keys.
-#include "platform/transfer/known_hosts.h"
+#include "platform/transfer/protocols/known_hosts.h"
 
 #include <gtest/gtest.h>
 

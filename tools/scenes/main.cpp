@@ -15,8 +15,8 @@
 #include "platform/qt/frm_dialog.h"
 #include "scenes.h"
 #include "shell/program/frm_program.h"
-#include "shell/window/frm_appearance.h"
-#include "shell/window/frm_style.h"
+#include "shell/window/look/frm_appearance.h"
+#include "shell/window/look/frm_style.h"
 
 namespace {
 

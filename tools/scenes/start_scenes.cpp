@@ -7,7 +7,7 @@
 #include "scenes.h"
 #include "shell/dialogs/frm_rescue.h"
 #include "shell/dialogs/frm_welcome.h"
-#include "shell/window/frm_text.h"
+#include "shell/window/fields/frm_text.h"
 
 namespace kv::scenes {
 namespace {

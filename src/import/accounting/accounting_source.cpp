@@ -2,7 +2,7 @@
 
 #include "import/accounting/csv_source.h"
 #include "platform/database/database.h"
-#include "platform/database/jet_file.h"
+#include "platform/database/jet/jet_file.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-// Names of hosts and ports as addresses. For the sources of this room.
+// Names of hosts and ports as addresses. For the sources of platform/transfer.
 
 #include <netinet/in.h>
 #include <sys/socket.h>

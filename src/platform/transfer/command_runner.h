@@ -1,6 +1,6 @@
 #pragma once
 // One command at a time, however long its server takes: what the connections of all protocols share. For the sources of
-// this room.
+// platform/transfer.
 
 #include <functional>
 #include <string>

@@ -1,5 +1,5 @@
 #pragma once
-// A file of this machine, read from start to end in pieces, as it is to be sent. For the sources of this room.
+// A file of this machine, read from start to end in pieces, as it is to be sent. For the sources of platform/transfer.
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,7 @@
 #pragma once
 // Waiting for the other side without a thread: in short steps, the caller's events between them, and never without an
-// end. Every failure of this room carries one of the codes of transfer.h as its number. For the sources of this room.
+// end. Every failure of this room carries one of the codes of transfer.h as its number. For the sources of
+// platform/transfer.
 
 #include <poll.h>
 

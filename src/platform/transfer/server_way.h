@@ -1,6 +1,6 @@
 #pragma once
 // The way to a server, whatever is spoken there: straight, through a SOCKS proxy, or to a machine before it. For the
-// sources of this room.
+// sources of platform/transfer.
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
-// The greeting of a SOCKS proxy: after it the connection is one with the server itself. For the sources of this room.
-// Source: "SOCKS 4" and "SOCKS 4A" (Ying-Da Lee), RFC 1928, RFC 1929.
+// The greeting of a SOCKS proxy: after it the connection is one with the server itself. For the sources of
+// platform/transfer. Source: "SOCKS 4" and "SOCKS 4A" (Ying-Da Lee), RFC 1928, RFC 1929.
 
 #include <cstdint>
 #include <string>

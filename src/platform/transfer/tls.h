@@ -1,6 +1,6 @@
 #pragma once
 // TLS over a socket of this room: certificates are verified, one that doesn't pass is asked about once, and further
-// connections reuse the session of the first, as strict servers want. For the sources of this room.
+// connections reuse the session of the first, as strict servers want. For the sources of platform/transfer.
 
 #include <openssl/ssl.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 // A connected socket, in the clear or with TLS over it. Nothing blocks: whoever waits does so with Patience. For the
-// sources of this room.
+// sources of platform/transfer.
 
 #include <cstddef>
 #include <memory>

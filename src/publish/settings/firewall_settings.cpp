@@ -4,7 +4,7 @@
 #include "platform/files/private_file.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
-#include "platform/transfer/known_hosts.h"
+#include "platform/transfer/protocols/known_hosts.h"
 #include "publish/settings/key_lines.h"
 #include "publish/settings/server_names.h"
 

@@ -12,7 +12,7 @@
 #include "shell/sheet/frm_passo_prezzi.h"
 #include "shell/sheet/frm_sheet_model.h"
 #include "shell/sheet/frm_sostituisci.h"
-#include "shell/window/frm_text.h"
+#include "shell/window/fields/frm_text.h"
 
 namespace kv {
 

@@ -6,7 +6,7 @@
 #include "platform/qt/frm_dialog.h"
 #include "platform/qt/frm_plain_tip.h"
 #include "platform/text/text.h"
-#include "shell/window/frm_field.h"
+#include "shell/window/fields/frm_field.h"
 
 namespace kv {
 namespace {

@@ -3,8 +3,8 @@
 #include <QLineEdit>
 #include <QPalette>
 
-#include "shell/window/frm_appearance.h"
 #include "shell/window/frm_main.h"
+#include "shell/window/look/frm_appearance.h"
 
 namespace kv {
 namespace {

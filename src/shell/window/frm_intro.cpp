@@ -13,8 +13,8 @@
 #include <algorithm>
 
 #include "platform/qt/frm_screen.h"
-#include "shell/window/frm_appearance.h"
 #include "shell/window/intro_steps.h"
+#include "shell/window/look/frm_appearance.h"
 
 namespace kv {
 namespace {

@@ -10,9 +10,9 @@
 #include <QTextDocument>
 
 #include "platform/qt/frm_dialog.h"
+#include "shell/window/fields/frm_page.h"
 #include "shell/window/frm_menus.h"
-#include "shell/window/frm_page.h"
-#include "shell/window/frm_tree.h"
+#include "shell/window/lists/frm_tree.h"
 
 namespace kv {
 namespace {

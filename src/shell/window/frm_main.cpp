@@ -20,8 +20,8 @@
 
 #include "platform/qt/frm_dialog.h"
 #include "platform/qt/frm_screen.h"
+#include "shell/window/fields/frm_picture_drop.h"
 #include "shell/window/frm_keys.h"
-#include "shell/window/frm_picture_drop.h"
 
 namespace kv {
 namespace {

@@ -7,12 +7,12 @@
 #include <array>
 #include <functional>
 
-#include "shell/window/frm_articles_list.h"
-#include "shell/window/frm_articles_panel.h"
+#include "shell/window/fields/frm_page.h"
 #include "shell/window/frm_menus.h"
-#include "shell/window/frm_page.h"
-#include "shell/window/frm_tree.h"
 #include "shell/window/intro_guide.h"
+#include "shell/window/lists/frm_articles_list.h"
+#include "shell/window/lists/frm_articles_panel.h"
+#include "shell/window/lists/frm_tree.h"
 #include "shell/workbench/workbench.h"
 
 class QLabel;

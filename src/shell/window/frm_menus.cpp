@@ -17,8 +17,8 @@
 
 #include "platform/files/files.h"
 #include "platform/qt/frm_dialog.h"
-#include "shell/window/frm_appearance.h"
-#include "shell/window/frm_icons.h"
+#include "shell/window/look/frm_appearance.h"
+#include "shell/window/look/frm_icons.h"
 #include "shell/workbench/commands/language_commands.h"
 
 namespace kv {

@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/database/changes.h"
+#include "platform/database/changes/changes.h"
 #include "store/catalogue/catalogue_sets.h"
 #include "store/catalogue/file_edits.h"
 

@@ -1,7 +1,7 @@
 #include "store/exchange/primo_source.h"
 
 #include "platform/database/database.h"
-#include "platform/database/jet_file.h"
+#include "platform/database/jet/jet_file.h"
 #include "platform/files/files.h"
 #include "store/shop/shop_folders.h"
 

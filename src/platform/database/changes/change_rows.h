@@ -1,0 +1,66 @@
+#pragma once
+// Rows by their number, read and written field by field as the engine holds them. For the recorder of changes.
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/database/changes/changes.h"
+
+namespace kv {
+
+/// A value of the engine as a cell of its own.
+Cell cellOf(sqlite3_value* value);
+/// Whether two values have the same type and content.
+bool isSameValue(sqlite3_value* a, sqlite3_value* b);
+
+/// The rows of one connection, for one run of reads or writes: its statements are prepared once.
+class ChangeRows {
+ public:
+  /// The connection outlives the object. path: named in failures.
+  ChangeRows(sqlite3* handle, std::string path) : handle_(handle), path_(std::move(path)) {}
+
+  /// All fields of a row, or those of `columns`; empty when there is no row.
+  Result<RowImage> read(const std::string& table, std::int64_t row, const std::vector<std::size_t>* columns = nullptr);
+  /// Deletes a row; one that isn't there is no failure.
+  Result<> remove(const std::string& table, std::int64_t row);
+  /// Adds a row with all its fields.
+  Result<> insert(const std::string& table, std::int64_t row, const RowImage& image);
+  /// Writes the fields `columns` of a row.
+  Result<> update(const std::string& table, std::int64_t row, const std::vector<std::size_t>& columns,
+                  const RowImage& image);
+  /// Whether writing these fields one row after the other could meet the unique key of a row that is yet to be written.
+  Result<bool> areKeys(const std::string& table, const std::vector<std::size_t>& columns);
+
+ private:
+  struct Finisher {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+  using Prepared = std::unique_ptr<sqlite3_stmt, Finisher>;
+  using Names = std::vector<std::string>;
+  using Columns = std::vector<std::size_t>;
+  /// Fields of unique keys; nothing when any field may be part of one.
+  using Keys = std::optional<std::set<std::size_t>>;
+
+  Result<Prepared> prepare(const std::string& sql) const;
+  Result<const Names*> namesOf(const std::string& table);
+  Result<Keys> findKeys(const std::string& table) const;
+  Result<sqlite3_stmt*> updater(const std::string& table, const Columns& columns);
+  Result<> run(sqlite3_stmt* statement, std::int64_t row, const RowImage& image) const;
+  tl::unexpected<Error> failed(int code) const;
+
+  sqlite3* handle_;
+  std::string path_;
+  std::map<std::string, Prepared> readers_, deletions_, insertions_;  // by table
+  std::map<std::pair<std::string, Columns>, Prepared> updates_;
+  std::map<std::string, Names> names_;
+  std::map<std::string, Keys> keys_;
+};
+
+}  // namespace kv
