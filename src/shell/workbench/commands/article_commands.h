@@ -1,11 +1,11 @@
 #pragma once
-// The commands on the articles of a department, and their search.
+// The commands that change which articles a department has, and in which order.
 
 #include "shell/workbench/commands/command_rows.h"
 
 namespace kv {
 
-/// Adding, moving, copying, pasting and deleting articles, and the search.
+/// Moving articles, and adding new ones.
 std::vector<Command> articleCommands();
 
 }  // namespace kv

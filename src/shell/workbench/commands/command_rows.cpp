@@ -4,12 +4,16 @@
 
 #include "shell/workbench/commands/article_commands.h"
 #include "shell/workbench/commands/build_commands.h"
+#include "shell/workbench/commands/clipboard_commands.h"
 #include "shell/workbench/commands/department_commands.h"
+#include "shell/workbench/commands/folder_commands.h"
 #include "shell/workbench/commands/help_commands.h"
 #include "shell/workbench/commands/history_commands.h"
+#include "shell/workbench/commands/import_commands.h"
 #include "shell/workbench/commands/language_commands.h"
 #include "shell/workbench/commands/picture_commands.h"
 #include "shell/workbench/commands/publish_commands.h"
+#include "shell/workbench/commands/search_commands.h"
 #include "shell/workbench/commands/selection_commands.h"
 #include "shell/workbench/commands/shop_commands.h"
 #include "shell/workbench/commands/site_commands.h"
@@ -22,8 +26,9 @@ namespace kv {
 std::vector<Command> allCommands() {
   std::vector<Command> all;
   for (auto* const part :
-       {articleCommands, selectionCommands, departmentCommands, pictureCommands, variantCommands, historyCommands,
-        shopCommands, buildCommands, publishCommands, languageCommands, siteCommands, viewCommands, helpCommands}) {
+       {articleCommands, clipboardCommands, searchCommands, selectionCommands, departmentCommands, pictureCommands,
+        variantCommands, historyCommands, shopCommands, folderCommands, importCommands, buildCommands, publishCommands,
+        languageCommands, siteCommands, viewCommands, helpCommands}) {
     std::vector<Command> rows = part();
     std::ranges::move(rows, std::back_inserter(all));
   }
@@ -80,6 +85,12 @@ Command inOpenShop(Command row) {
   row.enabled = [](const CommandContext& context) { return context.sets.isBound(); };
   row.whenOff = "Nessun negozio aperto";
   return row;
+}
+
+Command articleCommand(Command row, TreeEdit edit) {
+  row.enabled = isOnArticle;
+  row.whenOff = noArticle;
+  return treeCommand(std::move(row), std::move(edit));
 }
 
 bool isOnArticle(const CommandContext& context) { return context.sets.onArticle(); }

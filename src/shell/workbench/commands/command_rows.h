@@ -34,6 +34,9 @@ std::vector<Command> withHelp(std::vector<Command> rows, std::string_view page);
 inline constexpr std::string_view noArticle = "Nessun articolo";
 inline constexpr std::string_view noDepartment = "Nessun reparto selezionato";
 
+/// The row of an edit of the list of articles, enabled while an article is current.
+Command articleCommand(Command row, TreeEdit edit);
+
 /// The row of what can be done while a shop is open.
 Command inOpenShop(Command row);
 
