@@ -37,7 +37,7 @@ function boPaginaFinita(string $pagina): string
 }
 
 // What kvdb.php shows when the database can't be reached: its own words are those of a visitor's language.
-$GLOBALS['kv_pagina_guasto'] = function (): string {
+$GLOBALS['kvFailurePage'] = function (): string {
     return boPaginaChiusa('Il database del negozio non è raggiungibile: riprovare tra qualche minuto.');
 };
 
@@ -60,7 +60,7 @@ function boApriSessione(): void
     session_name('kvstore_backoffice' . (int) kvNegozio());
     $cartella = rtrim(str_replace('\\', '/', dirname((string) ($_SERVER['SCRIPT_NAME'] ?? '/'))), '/');
     session_set_cookie_params(['path' => $cartella . '/', 'httponly' => true, 'samesite' => 'Strict',
-        'secure' => kvProtetta()]);
+        'secure' => kvIsEncrypted()]);
     $aperta = @session_start(['use_strict_mode' => 1, 'use_only_cookies' => 1, 'cache_limiter' => '',
         'gc_maxlifetime' => BO_INATTIVITA]);
     if (!$aperta) {

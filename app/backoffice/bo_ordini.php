@@ -27,9 +27,9 @@ function boGiorno(array $modulo, string $nome): string
 /** What a request asks of the list of orders: the parameters that stand for it, the condition and its values. */
 function boFiltroOrdini(array $richiesta): array
 {
-    $parametri = ['q' => kvRigaCampo($richiesta, 'q', 100), 'da' => boGiorno($richiesta, 'da'),
+    $parametri = ['q' => kvLineField($richiesta, 'q', 100), 'da' => boGiorno($richiesta, 'da'),
         'a' => boGiorno($richiesta, 'a'), 'stato' => kvCampo($richiesta, 'stato', 20),
-        'metodo' => kvRigaCampo($richiesta, 'metodo', 200)];
+        'metodo' => kvLineField($richiesta, 'metodo', 200)];
     $dove = ['1 = 1'];
     $valori = [];
     if ($parametri['q'] !== '') {
@@ -100,7 +100,7 @@ function boRigaOrdine(array $riga): array
         'scelte' => $scelte, 'prima' => (string) ($riga['testo_prima'] ?? $testo),
         'scelte_prima' => (string) ($riga['scelte_prima'] ?? $scelte), 'quantita' => (int) $riga['quantita'],
         'importo' => (float) $riga['importo'],
-        'scorte' => array_map(fn($chiave) => kvDaUtf8((string) $chiave), (array) ($riga['scorte'] ?? []))];
+        'scorte' => array_map(fn($chiave) => kvFromUtf8((string) $chiave), (array) ($riga['scorte'] ?? []))];
 }
 
 /** The name of a line as HTML: in the first language, with the customer's words under it where they are others. */
@@ -195,7 +195,7 @@ function boCambiaStato(array $ordine, string $prima, string $dopo, bool $scorte)
     if ($fatto && $scorte && $verso !== 0) {
         $fatto = boMuoviScorte(boPezziOrdine(boDatiOrdine($ordine['dati'])['righe']), $verso);
     }
-    $fatto = $fatto && boAnnota((int) $ordine['id'], 'stato', kvDaCp1252("Stato: da \"$prima\" a \"$dopo\""));
+    $fatto = $fatto && boAnnota((int) $ordine['id'], 'stato', kvFromCp1252("Stato: da \"$prima\" a \"$dopo\""));
     if ($fatto && mysqli_commit(kvConnessione())) {
         kvScorteCambiate();
         return true;

@@ -192,7 +192,7 @@ function boRemotoStato(array $dati): array
     $prima = boRemotoTesto($dati, 'da', 20);
     $dopo = boRemotoTesto($dati, 'a', 20);
     if (!in_array($dopo, BO_STATI, true)) {
-        return boRemotoErrore('Il negozio non conosce lo stato "' . kvDaUtf8($dopo) . '".');
+        return boRemotoErrore('Il negozio non conosce lo stato "' . kvFromUtf8($dopo) . '".');
     }
     $ordine = boOrdineRichiesto($dati);
     if ($ordine === null || $ordine['stato'] !== $prima || $dopo === $prima) {

@@ -15,14 +15,14 @@ function boRemotoScorte(array $dati): array
     if ($tipo === null) {
         return boRemotoErrore('Il negozio non ha questo elenco.');
     }
-    $cerca = kvDaUtf8(boRemotoTesto($dati, 'cerca', 100));
+    $cerca = kvFromUtf8(boRemotoTesto($dati, 'cerca', 100));
     $quante = boRemotoIntero($dati, 'quanti', 1, 500);
     $filtro = $cerca === '' ? ['1 = 1', []] : ['INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [$cerca]];
     $trovate = boTrovaVoci($tipo, $filtro, boRemotoIntero($dati, 'da', 0, 10000000), $quante + 1);
     if ($trovate === null) {
         kvFuoriServizio();
     }
-    return ['voci' => array_map(fn($riga) => ['chiave' => kvDaCp1252((string) $riga['chiave']),
+    return ['voci' => array_map(fn($riga) => ['chiave' => kvFromCp1252((string) $riga['chiave']),
         'codice' => kvUtf8((string) $riga['codice']), 'nome' => kvUtf8(boNomeVoce($riga)),
         'voce' => boVoceTrovata($riga)], array_slice($trovate, 0, $quante)), 'altri' => count($trovate) > $quante];
 }
@@ -31,7 +31,7 @@ function boRemotoScorte(array $dati): array
 function boRemotoScorta(array $dati): array
 {
     $tipo = boRemotoTipo($dati);
-    $chiave = kvDaUtf8(boRemotoTesto($dati, 'chiave', 100));
+    $chiave = kvFromUtf8(boRemotoTesto($dati, 'chiave', 100));
     $detta = boRemotoTesto($dati, 'dopo', 12);
     $dopo = preg_match('/^[01]\|/', $detta) ? boVoce($detta[0] === '1', substr($detta, 2)) : null;
     // Characters beyond the catalogue's set are longer in it: what the column can't hold is the key of nothing.

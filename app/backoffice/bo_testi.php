@@ -44,7 +44,7 @@ function boTestoFornito(string $stato, string $lingua): array
 {
     list($oggetto, $inizio, $fine) = BO_CORNICI[$lingua];
     $parole = BO_PAROLE[$stato][array_search($lingua, array_keys(BO_LINGUE), true)];
-    return ['oggetto' => kvDaCp1252($oggetto), 'testo' => kvDaCp1252($inizio . $parole . $fine)];
+    return ['oggetto' => kvFromCp1252($oggetto), 'testo' => kvFromCp1252($inizio . $parole . $fine)];
 }
 
 /** The same as the merchant wants it; an empty text: no mail for this state. */
@@ -88,7 +88,7 @@ function boScriviStato(array $ordine, string $stato, string $proprio): string
     $corpo = preg_replace('/\r?\n/', "\r\n", boRiempi($testo['testo'], $ordine)) . "\r\n\r\n" . $negozio['firma'];
     $partito = kvMail($ordine['email'], $negozio['email'],
         $negozio['nome'] . ' - ' . boRiempi($testo['oggetto'], $ordine), $corpo);
-    return $partito ? "Messaggio al cliente: $stato" : kvDaCp1252("Il server non ha accettato il messaggio al cliente: $stato");
+    return $partito ? "Messaggio al cliente: $stato" : kvFromCp1252("Il server non ha accettato il messaggio al cliente: $stato");
 }
 
 /** The same, noted at the order. */

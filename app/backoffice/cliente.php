@@ -22,7 +22,7 @@ function boSconto(string $testo): ?string
 function boSalvaCliente(int $id): string
 {
     kvTabellePronte();
-    $email = strtolower(kvRigaCampo($_POST, 'email', 190));
+    $email = strtolower(kvLineField($_POST, 'email', 190));
     $listino = kvCampo($_POST, 'listino', 2);
     $sconto = boSconto(kvCampo($_POST, 'sconto', 8));
     if (filter_var($email, FILTER_VALIDATE_EMAIL) === false) {
@@ -35,7 +35,7 @@ function boSalvaCliente(int $id): string
     $valori = [$email, (int) $listino, $sconto, isset($_POST['approvato']) ? 1 : 0];
     foreach (BO_DATI_CLIENTE as $nome => list(, $massimo)) {
         $colonne[] = $nome . ' = ?';
-        $valori[] = kvRigaCampo($_POST, $nome, $massimo);
+        $valori[] = kvLineField($_POST, $nome, $massimo);
     }
     $valori[] = $id;
     $esito = kvQuery('UPDATE kv_clienti SET ' . implode(', ', $colonne) . ' WHERE id = ?', $valori);
@@ -63,8 +63,8 @@ function boAnnullaRichieste(string $email): void
 function boNuovaPassword(array $cliente): void
 {
     $caso = kvCampo($_POST, 'azione', 20) === 'genera';
-    $pw = $caso ? boPasswordCasuale() : (is_string($_POST['pw'] ?? null) ? kvTaglia(kvTestoInviato($_POST['pw'], true), 100) : '');
-    if (kvLunghezza($pw) < 8) {
+    $pw = $caso ? boPasswordCasuale() : (is_string($_POST['pw'] ?? null) ? kvCut(kvSentText($_POST['pw'], true), 100) : '');
+    if (kvLength($pw) < 8) {
         boAvvisa('La password deve avere almeno 8 caratteri.', true);
         return;
     }
@@ -155,7 +155,7 @@ if (isset($_GET['elimina'])) {
 }
 $boOrdini = kvQuery('SELECT codice, creato, totale, valuta, stato FROM kv_ordini WHERE cliente = ? ORDER BY id DESC'
     . ' LIMIT 20', [(int) $boCliente['id']]) ?? [];
-boInizio(kvDaUtf8(trim($boCliente['nome'] . ' ' . $boCliente['cognome']) ?: $boCliente['email']), 'clienti.php');
+boInizio(kvFromUtf8(trim($boCliente['nome'] . ' ' . $boCliente['cognome']) ?: $boCliente['email']), 'clienti.php');
 echo '<p class="sommario">Cliente n. ', (int) $boCliente['id'], ', registrato il ', boData($boCliente['creato']),
     '</p>';
 if (!$boCliente['approvato']) {

@@ -8,7 +8,7 @@ const BO_PER_PAGINA = 25;
 /** What a request asks of the list: the parameters that stand for it, the condition and its values. */
 function boFiltroClienti(array $richiesta): array
 {
-    $parametri = ['q' => kvRigaCampo($richiesta, 'q', 100), 'attesa' => isset($richiesta['attesa']) ? '1' : ''];
+    $parametri = ['q' => kvLineField($richiesta, 'q', 100), 'attesa' => isset($richiesta['attesa']) ? '1' : ''];
     $dove = $parametri['attesa'] === '' ? '1 = 1' : 'approvato = 0';
     if ($parametri['q'] === '') {
         return [$parametri, $dove, []];

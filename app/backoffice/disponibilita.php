@@ -16,14 +16,14 @@ function boFiltroDisponibilita(array $richiesta): array
     $vedi = kvCampo($richiesta, 'vedi', 10);
     $filtri = ['esauriti' => '(d.disponibile = 0 OR d.quantita <= 0)', 'limitati' => 'd.chiave IS NOT NULL',
         'scarsi' => boCondizioneScarsi()];
-    $parametri = ['tipo' => $tipo, 'q' => kvRigaCampo($richiesta, 'q', 100),
+    $parametri = ['tipo' => $tipo, 'q' => kvLineField($richiesta, 'q', 100),
         'vedi' => isset($filtri[$vedi]) ? $vedi : ''];
     $tabelle = boTabelleVoci($tipo);
     $dove = $parametri['vedi'] === '' ? '1 = 1' : $filtri[$vedi];
     if ($parametri['q'] === '') {
         return [$parametri, $tabelle, $dove, []];
     }
-    return [$parametri, $tabelle, $dove . ' AND INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [kvDaUtf8($parametri['q'])]];
+    return [$parametri, $tabelle, $dove . ' AND INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [kvFromUtf8($parametri['q'])]];
 }
 
 /** Stores the rows of the form that were changed, and tells of those that couldn't be. */
@@ -33,7 +33,7 @@ function boSalvaVoci(string $tipo): void
         'd' => 'd', 'q' => 'q']);
     $salvate = 0;
     foreach (array_slice($campi['c'], 0, BO_PER_PAGINA, true) as $n => $chiave) {
-        $chiave = kvDaUtf8(kvCampo($campi['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
+        $chiave = kvFromUtf8(kvCampo($campi['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
         $prima = kvCampo($campi['p'], (string) $n, 12);
         $dopo = boVoce(isset($campi['d'][$n]), kvCampo($campi['q'], (string) $n, 12));
         if ($dopo === null) {

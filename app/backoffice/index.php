@@ -11,8 +11,8 @@ function boRifiuto(string $utente, string $password): string
         return 'Troppi tentativi: riprovare tra un quarto d\'ora.';
     }
     // Both comparisons always take place, on texts of equal length.
-    $giuste = hash_equals(hash('sha256', kvDaCp1252(boImpostazioni()['utente'])), hash('sha256', $utente))
-        & hash_equals(hash('sha256', kvDaCp1252(boImpostazioni()['password'])), hash('sha256', $password));
+    $giuste = hash_equals(hash('sha256', kvFromCp1252(boImpostazioni()['utente'])), hash('sha256', $utente))
+        & hash_equals(hash('sha256', kvFromCp1252(boImpostazioni()['password'])), hash('sha256', $password));
     if (!boProtetto() || !$giuste) {
         return 'Nome utente o password errati.';
     }
@@ -31,7 +31,7 @@ if (!boProtetto()) {
         . ' quindi costruire ed aggiornare il negozio.';
 } elseif (boInvio()) {
     $boErrore = boRifiuto(kvCampo($_POST, 'utente'),
-        isset($_POST['password']) && is_string($_POST['password']) ? kvTaglia(kvTestoInviato($_POST['password'], true), 200) : '');
+        isset($_POST['password']) && is_string($_POST['password']) ? kvCut(kvSentText($_POST['password'], true), 200) : '');
     if ($boErrore === '') {
         boEntra();
         boVai('pannello.php');

@@ -45,7 +45,7 @@ function boEseguiStato(array $ordine): void
     boAvvisa("Lo stato dell'ordine è ora: $dopo.");
     $esito = isset($_POST['scrivi']) ? boAvvisaCliente($ordine, $dopo, kvCampo($_POST, 'messaggio', BO_TESTO_MASSIMO)) : '';
     if ($esito !== '') {
-        boAvvisa(kvDaUtf8($esito) . '.', strpos($esito, 'Il server') === 0);
+        boAvvisa(kvFromUtf8($esito) . '.', strpos($esito, 'Il server') === 0);
     }
 }
 
@@ -69,7 +69,7 @@ function boNote(array $ordine): void
         '</label><p><button type="submit">Annota</button></p></form>';
 }
 
-$boCodice = kvRigaCampo($_GET, 'codice', 20);
+$boCodice = kvLineField($_GET, 'codice', 20);
 $boOrdine = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [$boCodice]);
 if ($boOrdine === null) {
     boChiudi(404, 'Questo ordine non esiste.');

@@ -14,7 +14,7 @@ header('Cache-Control: no-store');
 header("Content-Security-Policy: default-src 'none'");
 // A state that is set gets its mail, whether or not the caller still listens.
 ignore_user_abort(true);
-$GLOBALS['kv_pagina_guasto'] = function (): string {
+$GLOBALS['kvFailurePage'] = function (): string {
     header('Content-Type: text/plain; charset=utf-8');
     return "database\n";
 };

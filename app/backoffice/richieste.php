@@ -51,7 +51,7 @@ if (boInvio()) {
     }
     boVai('richieste.php');
 }
-$boCerca = kvRigaCampo($_GET, 'q', 100);
+$boCerca = kvLineField($_GET, 'q', 100);
 $boDove = "r.stato NOT IN ('registrazione', 'registrata')" . ($boCerca === '' ? '' : ' AND INSTR(r.email, ?) > 0');
 $boValori = $boCerca === '' ? [] : [$boCerca];
 $boTrovate = boConta("SELECT COUNT(*) AS n FROM kv_richieste r WHERE $boDove", $boValori);

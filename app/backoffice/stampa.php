@@ -28,7 +28,7 @@ function boConsegna(array $dati): void
     echo '<p>Pezzi: ', $pezzi, '</p><p class="firma">Data e firma del destinatario</p>';
 }
 
-$boOrdine = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [kvRigaCampo($_GET, 'codice', 20)]);
+$boOrdine = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [kvLineField($_GET, 'codice', 20)]);
 $boCosa = kvCampo($_GET, 'cosa', 10);
 if ($boOrdine === null || !isset(BO_STAMPE[$boCosa])) {
     boChiudi(404, 'Questo ordine non esiste.');

@@ -12,7 +12,7 @@ function boSalvaTesti(string $lingua): void
         if (!isset($_POST["t$n"])) {
             continue;
         }
-        $testo = ['oggetto' => kvRigaCampo($_POST, "o$n", 200),
+        $testo = ['oggetto' => kvLineField($_POST, "o$n", 200),
             'testo' => str_replace("\r\n", "\n", kvCampo($_POST, "t$n", BO_TESTO_MASSIMO))];
         if ($testo === boTestoFornito($stato, $lingua)) {
             kvQuery('DELETE FROM kv_testi WHERE nome = ?', ["$stato.$lingua"]);

@@ -32,7 +32,7 @@ function shopSettings(): void
               'visofferta' => '<img src="kvan_offerta.gif">', 'Lingua' => '', 'cliente' => 0, 'listino' => 0,
               'scontocliente' => 0, 'clienteinattesa' => 0, 'scontorep' => array_fill(0, 10, 1.0), 'ivarep' => 0.22,
               'inaccessibile' => array_fill(0, 10, 0), 'rowArt' => [],
-              'kvLegge' => ['kv_unita' => null, 'kv_minimi' => null, 'kv_sicurezza' => null, 'kv_produttori' => null,
+              'kvLegalRows' => ['kv_unita' => null, 'kv_minimi' => null, 'kv_sicurezza' => null, 'kv_produttori' => null,
                   'kv_consegna' => null]] as $name => $value) {
         $GLOBALS[$name] = $value;
     }

@@ -18,7 +18,7 @@ function lowestContrast(array $pairs): float
             foreach ($shades as $link) {
                 $palette = kvPalette($text, $page, $link, $shades[15 - $n]);
                 foreach ($pairs as list($over, $under)) {
-                    $lowest = min($lowest, kvContrasto(kvRgb($palette[$over]), kvRgb($palette[$under])));
+                    $lowest = min($lowest, kvContrast(kvRgb($palette[$over]), kvRgb($palette[$under])));
                 }
             }
         }
@@ -88,7 +88,7 @@ runTests([
     'LineBreaksOfTheBuildPartParagraphsToo' => fn() => ["<p>uno</p>\n<p>due</p>\n", kvTesto("uno<BR>\r\n<BR>due")],
     'HtmlOfTheMerchantKeepsItsForm' => fn() => ["<ul>\n<li>x\n</ul>", kvTesto("<UL>\n<LI>x\n</UL>")],
     'AnEmptyTextIsEmpty' => fn() => ['', kvTesto(" \r\n")],
-    'ADescriptionEndsWithAWholeWord' => fn() => ["Tazze fatte\x85", kvPrimeParole('Tazze <b>fatte</b> a mano', 12)],
+    'ADescriptionEndsWithAWholeWord' => fn() => ["Tazze fatte\x85", kvFirstWords('Tazze <b>fatte</b> a mano', 12)],
 
     'ATitleWithoutPathIsOnlyATitle' => fn() => [['titolo' => 'Vasi', 'percorso' => [], 'sotto' => []], kvReparto('Vasi')],
     'ATitleWithPathAndSubdepartmentsIsTakenApart' => fn() => [
@@ -149,7 +149,7 @@ runTests([
             'immagine2' => '<img border="0" src="g.jpg" width="600" height="600">'] + $article)),
         'srcset="a%20b.jpg.webp 240w, g.jpg.480.webp 480w, g.jpg.webp 600w"')],
     'NoFileOutsideTheSiteIsLookedFor' => fn() => [[], kvForme('../a.jpg', 600)],
-    'StructuredDataCannotEndTheirElement' => fn() => [1, substr_count(kvDati(['name' => '</script>']), '</script>')],
+    'StructuredDataCannotEndTheirElement' => fn() => [1, substr_count(kvStructuredData(['name' => '</script>']), '</script>')],
     'TheOfferOfSchemaOrgHasThePriceOfThePage' => fn() => [['12.20', 'EUR', 'https://schema.org/InStock'],
         array_slice(array_values(kvDatiArticolo($article, true)['offers']), 1, 3)],
     'ASoldOutArticleSaysSo' => fn() => ['https://schema.org/OutOfStock',

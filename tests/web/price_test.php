@@ -30,14 +30,14 @@ function with(array $settings, callable $test)
 /** Runs a test with rows of the tables that only some shops have; the article's number is 5. */
 function lawful(array $tables, callable $test)
 {
-    return with(['kvLegge' => array_map(fn($row) => [5 => $row], $tables) + $GLOBALS['kvLegge']], $test);
+    return with(['kvLegalRows' => array_map(fn($row) => [5 => $row], $tables) + $GLOBALS['kvLegalRows']], $test);
 }
 
 /** Runs a test with times of delivery, by article or department; department "cat001" has the article. */
 function delivered(array $times, callable $test)
 {
     $row = ['catID' => 'cat001', 'disponibile' => null, 'quantita' => null] + article();
-    return with(['kvLegge' => ['kv_consegna' => $times + ['5' => [], 'cat001' => []]] + $GLOBALS['kvLegge']], fn() => $test($row));
+    return with(['kvLegalRows' => ['kv_consegna' => $times + ['5' => [], 'cat001' => []]] + $GLOBALS['kvLegalRows']], fn() => $test($row));
 }
 
 $view = function (string $name, array $row) {
@@ -117,7 +117,7 @@ runTests([
     'MakerAndPersonResponsibleAreTold' => fn() => ['<details class="sicurezza"><summary>Sicurezza del prodotto</summary><dl>'
         . '<dt>Produttore</dt><dd>Forno &lt;Due&gt;<br>Via Po 1<br><a href="mailto:a@b.it">a@b.it</a></dd>'
         . '<dt>Responsabile nell&#039;Unione europea</dt><dd>Ada<br><a href="https://b.it/x" rel="noopener">https://b.it/x</a></dd>'
-        . '</dl></details>', with(['kvLegge' => ['kv_sicurezza' => [5 => ['produttore' => '2']], 'kv_produttori' => [2 => [
+        . '</dl></details>', with(['kvLegalRows' => ['kv_sicurezza' => [5 => ['produttore' => '2']], 'kv_produttori' => [2 => [
             'nome' => 'Forno <Due>', 'indirizzo' => 'Via Po 1', 'contatto' => 'a@b.it', 'responsabile' => 'Ada',
             'resp_indirizzo' => null, 'resp_contatto' => 'https://b.it/x']]]], fn() => $view('sicurezza', article()))],
     'AnArticleHasItsOwnTimeOfDeliveryElseThatOfItsDepartment' => fn() => [['Subito', '2 giorni', ''], [
@@ -169,6 +169,6 @@ runTests([
         ["javascript:window.status='';Acquista('A1 Vaso','122.00','0',document.itemsform.qt3.value,'op13','op23','op33',"
             . "'.5','op43',5)\" onMouseOver=\"window.status=''; return true",
             with(['ivarep' => single(0.22)], fn() => kvAcquista(article()))],
-    'AFieldOfAFormIsOneLine' => fn() => ['a b', kvRigaCampo(['x' => "a\r\nb\0"], 'x')],
+    'AFieldOfAFormIsOneLine' => fn() => ['a b', kvLineField(['x' => "a\r\nb\0"], 'x')],
     'AFieldThatIsAListIsEmpty' => fn() => ['', kvCampo(['x' => ['y']], 'x')],
 ]);

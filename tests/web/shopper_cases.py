@@ -249,7 +249,7 @@ class ForOthers(ShopperCase):
     def test_the_map_counts_what_every_visitor_sees(self):
         script = shop().shop / "online/conta.php"
         script.write_text("<?php include 'funcs.php'; include_once 'kvload.php'; include_once 'kvmappa.php'; echo "
-                          "kvQuantiVisibili('', kvRiga('SELECT COUNT(*) AS n FROM articoli')['n']), ' ', kvRiga('SELECT COUNT(*) AS n' . kvArticoliVisibili('articoli'))['n'];")
+                          "kvCountVisible('', kvRiga('SELECT COUNT(*) AS n FROM articoli')['n']), ' ', kvRiga('SELECT COUNT(*) AS n' . kvVisibleArticles('articoli'))['n'];")
         self.addCleanup(script.unlink)
         [[department, articles]] = shop().rows(
             "SELECT catID, COUNT(*) AS n FROM dettaglio INNER JOIN categorie ON categorie.ID = catID"

@@ -47,7 +47,7 @@ function kvDatiCliente(int $id): string
 /** Back to the login page with the message of a number. */
 function kvMessaggio(int $numero, string $altro = ''): void
 {
-    kvVai("login<<1-IDlingua>>.php?m=" . $numero . $altro);
+    kvGoTo("login<<1-IDlingua>>.php?m=" . $numero . $altro);
 }
 
 /** Ends with a message when there were too many attempts; else counts one. */
@@ -63,7 +63,7 @@ function kvApriSessione(int $id, string $impronta): void
 {
     session_regenerate_id(true);
     $_SESSION['cliente'] = $id;
-    $_SESSION['segno'] = kvSegnoPassword($impronta);
+    $_SESSION['segno'] = kvPasswordMark($impronta);
     unset($_SESSION['gettone']);
 }
 
@@ -74,14 +74,14 @@ function kvEntra(int $id, string $impronta, bool $approvato, string $dopo): void
     if (!$approvato) {
         kvMessaggio(5);
     }
-    kvVai($dopo === 'ordine' ? "order.htm" : "index.htm");
+    kvGoTo($dopo === 'ordine' ? "order.htm" : "index.htm");
 }
 
 /** Whether a password has a hash; earlier releases made it of Windows-1252. */
 function kvPasswordGiusta(string $pw, string $impronta): bool
 {
     return password_verify($pw, $impronta)
-        || (preg_match('/[\x80-\xFF]/', $pw) && password_verify(kvDaUtf8($pw), $impronta));
+        || (preg_match('/[\x80-\xFF]/', $pw) && password_verify(kvFromUtf8($pw), $impronta));
 }
 
 /** Access with address and password. */
@@ -120,7 +120,7 @@ function kvCambiaDati(): void
     $valori = [];
     foreach (KV_DATI_CLIENTE as $nome => list(, $massimo)) {
         $colonne[] = $nome . ' = ?';
-        $valori[] = kvRigaCampo($_POST, $nome, $massimo);
+        $valori[] = kvLineField($_POST, $nome, $massimo);
     }
     if (kvCampo($_POST, 'nome') === '' || kvCampo($_POST, 'cognome') === '') {
         kvMessaggio(7);
@@ -190,10 +190,10 @@ function kvEliminaAccesso(): void
 function kvCambiaPassword(string $pw): void
 {
     $riga = kvClienteSicuro();
-    if (kvLunghezza($pw) < 8) {
+    if (kvLength($pw) < 8) {
         kvMessaggio(2);
     }
-    $_SESSION['segno'] = kvSegnoPassword(kvNuovaPassword((int) $riga['id'], $riga['email'], $pw));
+    $_SESSION['segno'] = kvPasswordMark(kvNuovaPassword((int) $riga['id'], $riga['email'], $pw));
     session_regenerate_id(true);
     kvMessaggio(9);
 }
@@ -201,7 +201,7 @@ function kvCambiaPassword(string $pw): void
 /** A password of the form as it was typed, of at most 100 characters. */
 function kvPassword(string $nome): string
 {
-    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? kvTaglia(kvTestoInviato($_POST[$nome], true), 100) : '';
+    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? kvCut(kvSentText($_POST[$nome], true), 100) : '';
 }
 
 /** Takes the wish for a new password. The answer is the same, and comes as soon, whether the address is known or not. */
@@ -209,7 +209,7 @@ function kvRichiediPassword(string $email): void
 {
     kvContaTentativo(kvChiaveConto('richiesta', $email), 'richieste_email');
     kvContaTentativo(kvChiaveTentativi('richiesta', ''), 'richieste');
-    kvDopoRisposta(fn() => kvMandaPassword($email));
+    kvAfterResponse(fn() => kvMandaPassword($email));
     kvMessaggio(10);
 }
 
@@ -244,7 +244,7 @@ function kvRipristina(string $gettone, string $pw): void
     if ($email === '') {
         kvMessaggio(12);
     }
-    if (kvLunghezza($pw) < 8) {
+    if (kvLength($pw) < 8) {
         kvMessaggio(2, '&g=' . $gettone);
     }
     $riga = kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);

@@ -8,15 +8,15 @@ function kvRegistrazione(string $email, string $pw): void
 {
     kvContaTentativo(kvChiaveTentativi('registrazione', ''), 'registrazioni');
     kvTroppoPresto('kvMessaggio', 14);
-    $nome = kvRigaCampo($_POST, 'nome', 100);
-    $cognome = kvRigaCampo($_POST, 'cognome', 100);
-    if (!kvIndirizzoValido($email) || kvLunghezza($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
+    $nome = kvLineField($_POST, 'nome', 100);
+    $cognome = kvLineField($_POST, 'cognome', 100);
+    if (!kvIndirizzoValido($email) || kvLength($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
         kvMessaggio(2);
     }
     kvContaTentativo(kvChiaveConto('registrazione', $email), 'registrazioni_email');
     $dati = ['nome' => $nome, 'cognome' => $cognome, 'pw' => password_hash($pw, PASSWORD_DEFAULT),
         'dopo' => kvCampo($_POST, 'dopo', 10)];
-    kvDopoRisposta(fn() => kvMandaRegistrazione($email, $dati));
+    kvAfterResponse(fn() => kvMandaRegistrazione($email, $dati));
     kvMessaggio(13);
 }
 

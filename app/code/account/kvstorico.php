@@ -36,7 +36,7 @@ function kvRipeti(array &$voci, string $codice, int $cliente): string
 {
     $ordine = $cliente === 0 ? null
         : kvRiga('SELECT dati FROM kv_ordini WHERE codice = ? AND cliente = ?', [$codice, $cliente]);
-    if ($ordine === null || !kvGettoneValido()) {
+    if ($ordine === null || !kvIsTokenValid()) {
         return "<<4-sessione_scaduta>>";
     }
     $posti = array_flip(array_map('kvSegnoRiga', $voci));

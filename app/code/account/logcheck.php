@@ -5,10 +5,10 @@
 include "funcs.php";
 include_once "kvaccount.php";
 
-if ($_SERVER['REQUEST_METHOD'] !== 'POST' || !kvGettoneValido()) {
+if ($_SERVER['REQUEST_METHOD'] !== 'POST' || !kvIsTokenValid()) {
     kvMessaggio(4);
 }
-$kvEmail = strtolower(kvRigaCampo($_POST, 'email', 190));
+$kvEmail = strtolower(kvLineField($_POST, 'email', 190));
 $kvPw = kvPassword('pw');
 switch (kvCampo($_POST, 'azione', 20)) {
     case 'entra':
@@ -41,7 +41,7 @@ switch (kvCampo($_POST, 'azione', 20)) {
     case 'esci':
         $_SESSION = [];
         session_regenerate_id(true);
-        kvVai("index.htm");
+        kvGoTo("index.htm");
         break;
     default:
         kvMessaggio(4);

@@ -14,7 +14,7 @@ function kvChiaviScelte(array $riga, string $posto): array
 {
     $chiavi = [];
     foreach ([1, 2, 3, 4] as $slot) {
-        $scelto = explode('#', kvDaUtf8(kvCampo($_POST, "op$slot$posto", 500)), 2)[1] ?? '';
+        $scelto = explode('#', kvFromUtf8(kvCampo($_POST, "op$slot$posto", 500)), 2)[1] ?? '';
         $chiavi[$slot] = '';
         foreach (kvElencoVariante(kvVariante($riga, $slot, (int) $GLOBALS['listino']))['voci'] ?? [] as $chiave => $voce) {
             if ($voce['cifrato'] . '|' . html_entity_decode($voce['etichetta'], ENT_QUOTES, 'cp1252') === $scelto) {
@@ -70,30 +70,30 @@ function kvCambiaRighe(array $voci): array
 }
 
 if ($_SERVER['REQUEST_METHOD'] !== 'POST') {
-    kvVai("cart.htm");
+    kvGoTo("cart.htm");
 }
 if (kvAcquistoNegato()) {
-    kvVai("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : 'm=23'));
+    kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : 'm=23'));
 }
-$kvVoci = kvVociCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));
-$kvRifiuto = '';
+$kvEntries = kvVociCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));
+$kvRefusal = '';
 if (isset($_POST['compra'])) {
-    $kvRifiuto = kvAggiungi($kvVoci);
+    $kvRefusal = kvAggiungi($kvEntries);
 } elseif (isset($_POST['ripeti'])) {
     include_once "kvstorico.php";
-    $kvRifiuto = kvRipeti($kvVoci, kvCampo($_POST, 'ripeti', 20), (int) $cliente);
+    $kvRefusal = kvRipeti($kvEntries, kvCampo($_POST, 'ripeti', 20), (int) $cliente);
 } else {
-    $kvVoci = kvCambiaRighe($kvVoci);
+    $kvEntries = kvCambiaRighe($kvEntries);
 }
 $kvTesto = implode('_', array_map(fn($voce) => rtrim($voce['id'] . '.' . $voce['q'] . '.' . implode('.', $voce['k']), '.'),
-    $kvVoci));
-if ($kvRifiuto === '' && (strlen($kvTesto) > KV_LUNGO_CARRELLO || count($kvVoci) > KV_RIGHE)) {
-    $kvRifiuto = "<<4-carrello_non_conservato>>";
+    $kvEntries));
+if ($kvRefusal === '' && (strlen($kvTesto) > KV_LUNGO_CARRELLO || count($kvEntries) > KV_RIGHE)) {
+    $kvRefusal = "<<4-carrello_non_conservato>>";
 }
-if ($kvRifiuto !== '') {
-    kvAvvisa($kvRifiuto);
-    kvVai("messaggio.htm");
+if ($kvRefusal !== '') {
+    kvNotify($kvRefusal);
+    kvGoTo("messaggio.htm");
 }
-setcookie(kvBiscottoCarrello(), $kvTesto, ['expires' => $kvVoci === [] ? 1 : time() + 30 * 86400,
-    'path' => kvCartellaBiscotti(), 'samesite' => 'Lax', 'secure' => kvProtetta()]);
-kvVai("cart.htm");
+setcookie(kvBiscottoCarrello(), $kvTesto, ['expires' => $kvEntries === [] ? 1 : time() + 30 * 86400,
+    'path' => kvCookieFolder(), 'samesite' => 'Lax', 'secure' => kvIsEncrypted()]);
+kvGoTo("cart.htm");

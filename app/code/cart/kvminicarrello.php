@@ -5,13 +5,13 @@
 include "funcs.php";
 include_once "kvplain.php";
 
-$kvRighe = kvCarrelloVisitatore();
-$kvVoci = [];
-foreach ($kvRighe as $kvRiga) {
-    $kvVoci[] = ['c' => kvSegnoRiga(['id' => $kvRiga['id'], 'k' => $kvRiga['chiavi']]), 'n' => kvUtf8($kvRiga['testo']),
-        'o' => kvUtf8($kvRiga['scelte']), 'q' => $kvRiga['quantita'], 't' => $kvRiga['importo'] * $kvRiga['quantita'],
-        'f' => kvUtf8($kvRiga['foto'] ?? '')];
+$kvRows = kvCarrelloVisitatore();
+$kvEntries = [];
+foreach ($kvRows as $kvRow) {
+    $kvEntries[] = ['c' => kvSegnoRiga(['id' => $kvRow['id'], 'k' => $kvRow['chiavi']]), 'n' => kvUtf8($kvRow['testo']),
+        'o' => kvUtf8($kvRow['scelte']), 'q' => $kvRow['quantita'], 't' => $kvRow['importo'] * $kvRow['quantita'],
+        'f' => kvUtf8($kvRow['foto'] ?? '')];
 }
 header('Content-Type: application/json; charset=utf-8');
 header('Cache-Control: no-store');
-echo json_encode(['righe' => $kvVoci, 'merce' => kvMerce($kvRighe)], JSON_UNESCAPED_SLASHES | JSON_INVALID_UTF8_SUBSTITUTE);
+echo json_encode(['righe' => $kvEntries, 'merce' => kvMerce($kvRows)], JSON_UNESCAPED_SLASHES | JSON_INVALID_UTF8_SUBSTITUTE);

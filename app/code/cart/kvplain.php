@@ -88,7 +88,7 @@ function kvConfermaOrdine(string $conto, array $totali, string $dettaglio): stri
         . kvHtml("<<4-ordine_riepilogo>>") . '</h2><pre class="riepilogo">' . kvHtml($conto) . '</pre>';
     foreach ($campi as $nome => $valore) {
         $html .= '<input type="hidden" name="' . kvHtmlUtf8((string) $nome) . '" value="'
-            . kvHtmlUtf8(kvTestoInviato($valore, true)) . '">';
+            . kvHtmlUtf8(kvSentText($valore, true)) . '">';
     }
     return $html . '<p><button type="submit">' . kvHtml("<<4-invia_ordine>>") . '</button></p></form>';
 }

@@ -95,7 +95,7 @@ function kvConForme(string $tag, array $forme, string $misure): string
 function kvConLeggere(string $html): string
 {
     return preg_replace_callback('/<img\b[^>]*>/i', function (array $parti): string {
-        $attributi = kvAttributi(substr($parti[0], 4));
+        $attributi = kvAttributes(substr($parti[0], 4));
         $larghezza = (int) ($attributi['width'] ?? 0);
         $forme = kvForme((string) ($attributi['src'] ?? ''), $larghezza);
         return kvConForme($parti[0], $forme, "(max-width: {$larghezza}px) 100vw, {$larghezza}px");
@@ -261,7 +261,7 @@ function kvRigheGruppi(string $colonne, string $tabella, string $dopo, array $gr
 {
     include_once "kvtables.php";
     $indice = 'indice' . $GLOBALS['Lingua'];
-    if (($GLOBALS['kvStati'][$indice] ?? kvStato($indice)) !== '2') {
+    if (($GLOBALS['kvStates'][$indice] ?? kvStato($indice)) !== '2') {
         return kvQuery("SELECT $colonne FROM $tabella$dopo IN (" . implode(',', array_fill(0, count($gruppi), '?'))
             . ') ORDER BY plain_titolo', $gruppi) ?? [];
     }
@@ -335,7 +335,7 @@ function kvCorrelati(array $riga): string
     }
     foreach ($altre as $altra) {
         $voci .= '<li><a href="' . kvHtml($altra['pagina']) . '.php?n=' . (int) $altra['sottopagina'] . '#'
-            . (int) $altra['contatore'] . '">' . kvTestoHtml((string) $altra['plain_titolo']) . '</a></li>';
+            . (int) $altra['contatore'] . '">' . kvTextHtml((string) $altra['plain_titolo']) . '</a></li>';
     }
     return $voci === '' ? '' : '<ul class="correlati">' . $voci . '</ul>';
 }

@@ -12,7 +12,7 @@ function kvImmagine(string $tag): ?array
     if (!preg_match('/<img\b[^>]*>/i', $tag, $parti)) {
         return null;
     }
-    $attributi = kvAttributi(substr($parti[0], 4));
+    $attributi = kvAttributes(substr($parti[0], 4));
     $src = (string) ($attributi['src'] ?? '');
     return $src === '' ? null
         : ['src' => $src, 'width' => (int) ($attributi['width'] ?? 0), 'height' => (int) ($attributi['height'] ?? 0)];
@@ -158,8 +158,8 @@ function kvArticoloSolo(bool $unica = false): ?array
     $righe = kvRighePagina($resultArt);
     $posto = (int) $HTTP_GET_VARS['prod'];
     $pagina = (int) $HTTP_GET_VARS['n'];
-    if (!empty($GLOBALS['kvErrata']) || ($pagina > 0 && $pagina !== (int) $sp) || ($posto > 0 && !isset($righe[$posto - 1]))) {
-        kvNonTrovata();
+    if (!empty($GLOBALS['kvWrong']) || ($pagina > 0 && $pagina !== (int) $sp) || ($posto > 0 && !isset($righe[$posto - 1]))) {
+        kvNotFound();
     }
     return $posto > 0 ? $righe[$posto - 1] : ($unica && count($righe) === 1 && !kvScelteElenco()['attiva'] ? $righe[0] : null);
 }
@@ -183,7 +183,7 @@ function kvArticoloDisponibile(array $riga): bool
 /** The page that shows an article of this page alone. */
 function kvPaginaScheda(array $riga): string
 {
-    return kvFile() . '?n=' . (int) ($riga['sottopagina'] ?? $GLOBALS['sp']) . '&prod='
+    return kvPageFile() . '?n=' . (int) ($riga['sottopagina'] ?? $GLOBALS['sp']) . '&prod='
         . (int) ($riga['posto'] ?? $riga['contatore']);
 }
 
@@ -249,14 +249,14 @@ function kvLinkEsterno(array $riga): string
     if (!preg_match('/^<a href="([^"]*)"( target="_blank")?>/', (string) ($riga['titolo'] ?? ''), $parti)) {
         return '';
     }
-    return '<p><a href="' . kvTestoTraTag($parti[1]) . '"' . (isset($parti[2]) ? ' target="_blank" rel="noopener"' : '') . '>'
+    return '<p><a href="' . kvTextBetweenTags($parti[1]) . '"' . (isset($parti[2]) ? ' target="_blank" rel="noopener"' : '') . '>'
         . kvHtml("<<4-approfondimento>>") . '</a></p>';
 }
 
 /** The start of the article loop: what the build puts around each article is not wanted, see kvFineSchede. */
 function kvInizioSchede(): void
 {
-    $GLOBALS['kvSchede'] = '';
+    $GLOBALS['kvCards'] = '';
     $GLOBALS['kvDatiSchede'] = [];
     ob_start();
 }
@@ -270,7 +270,7 @@ function kvInizioScheda(): void
 /** The end of one article: it is kept together with its structured data. */
 function kvFineScheda(): void
 {
-    $GLOBALS['kvSchede'] .= ob_get_clean();
+    $GLOBALS['kvCards'] .= ob_get_clean();
     $GLOBALS['kvDatiSchede'][] = kvDatiArticolo($GLOBALS['rowArt'], kvDisponibile($GLOBALS['rowArt']));
 }
 
@@ -278,7 +278,7 @@ function kvFineScheda(): void
 function kvFineSchede(): string
 {
     ob_end_clean();
-    return $GLOBALS['kvSchede'];
+    return $GLOBALS['kvCards'];
 }
 
 /** The ISO 4217 code of the shop's currency from its label; empty when the label doesn't tell. */
@@ -300,7 +300,7 @@ function kvOfferteValori(array $riga, callable $offerta): array
         $libera = kvValoreDisponibile($riga, $varianti[0], $voce['codice']);
         $limitati += $libera ? 0 : 1;
         $prezzo = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) + kvDifferenza($voce['prezzo'], $riga);
-        $offerte[] = ['name' => kvParola($voce['etichetta'])] + ($voce['codice'] === '' ? []
+        $offerte[] = ['name' => kvDataText($voce['etichetta'])] + ($voce['codice'] === '' ? []
             : ['sku' => kvUtf8($voce['codice'])]) + $offerta(kvNumeroScript(max(0, $prezzo), kvScala()), $libera && kvArticoloDisponibile($riga));
     }
     return $limitati > 0 ? $offerte : [];
@@ -310,10 +310,10 @@ function kvOfferteValori(array $riga, callable $offerta): array
 function kvDatiArticolo(array $riga, bool $disponibile): array
 {
     $foto = kvImmagine((string) ($riga['immagine2'] ?? '')) ?? kvImmagine((string) ($riga['immagine1'] ?? ''));
-    $dati = ['@type' => 'Product', 'name' => kvParola((string) $riga['plain_titolo']), 'sku' => kvUtf8((string) $riga['codice']),
-        'description' => kvUtf8(kvPrimeParole((string) $riga['descrizione'], 1000)),
-        'image' => $foto === null ? '' : kvAssoluto(rawurlencode(html_entity_decode($foto['src']))),
-        'url' => kvAssoluto(kvPaginaScheda($riga))];
+    $dati = ['@type' => 'Product', 'name' => kvDataText((string) $riga['plain_titolo']), 'sku' => kvUtf8((string) $riga['codice']),
+        'description' => kvUtf8(kvFirstWords((string) $riga['descrizione'], 1000)),
+        'image' => $foto === null ? '' : kvAbsoluteAddress(rawurlencode(html_entity_decode($foto['src']))),
+        'url' => kvAbsoluteAddress(kvPaginaScheda($riga))];
     $valuta = kvCodiceValuta();
     if (!kvPrezziNascosti() && $valuta !== '') {
         $prezzo = kvNumeroScript(kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()), kvScala());
@@ -327,7 +327,7 @@ function kvDatiArticolo(array $riga, bool $disponibile): array
         $dati['offers'] = $valori === [] ? $dati['offers'] : $valori;
         if (is_array($GLOBALS['kvSolo'] ?? null)) {
             include_once "kvsociale.php";
-            $consegna = kvDatiConsegna($riga, $valuta);
+            $consegna = kvDeliveryData($riga, $valuta);
             $dati['offers'] = $valori === [] ? $dati['offers'] + $consegna : array_map(fn($uno) => $uno + $consegna, $valori);
         }
     }
@@ -339,13 +339,13 @@ function kvDatiSchede(): string
 {
     $schede = $GLOBALS['kvDatiSchede'] ?? [];
     if (count($schede) < 2) {
-        return $schede === [] ? '' : kvDati(['@context' => 'https://schema.org'] + $schede[0]);
+        return $schede === [] ? '' : kvStructuredData(['@context' => 'https://schema.org'] + $schede[0]);
     }
     $voci = [];
     foreach ($schede as $n => $scheda) {
         $voci[] = ['@type' => 'ListItem', 'position' => $n + 1, 'item' => $scheda];
     }
-    return kvDati(['@context' => 'https://schema.org', '@type' => 'ItemList', 'itemListElement' => $voci]);
+    return kvStructuredData(['@context' => 'https://schema.org', '@type' => 'ItemList', 'itemListElement' => $voci]);
 }
 
 /** The cells of the showcase table of the build as list items; nothing without any. */

@@ -122,7 +122,7 @@ function kvNumeriScelti(): array
         include_once "kvcart.php";
         kvLeggiVarianti(array_keys($scelte['valori']));
         $righe = array_filter(kvRigheReparto(), fn($riga) => kvSceltaRiga($riga, $scelte));
-        $nome = fn($riga) => kvPiega(kvUtf8(kvTestoPiano((string) $riga['plain_titolo'])));
+        $nome = fn($riga) => kvFold(kvUtf8(kvTestoPiano((string) $riga['plain_titolo'])));
         $valori = ['prezzo' => fn($riga) => kvPrezziRiga($riga)['prezzo'], 'prezzo-giu' => fn($riga) => -kvPrezziRiga($riga)['prezzo'],
             'nome' => $nome, 'novita' => fn($riga) => empty($riga['novita'])][$scelte['ordine']] ?? null;
         if ($valori !== null && ($scelte['ordine'][0] !== 'p' || !kvPrezziNascosti())) {
@@ -188,9 +188,9 @@ function kvFiltroVariante(int $id, array $scelte): string
         // The text of a value ends in what it adds to the price, which is not what is chosen by.
         $testo = preg_replace('/ \( [^()]*<<importo>> \)/', '', $voce['testo']);
         $opzioni .= '<option value="' . $chiave . '"' . (($scelte['valori'][$id] ?? '') === (string) $chiave ? ' selected' : '')
-            . '>' . kvTestoHtml(trim($testo, " *")) . '</option>';
+            . '>' . kvTextHtml(trim($testo, " *")) . '</option>';
     }
-    return '<label><span>' . kvTestoHtml($variante['nome']) . '</span> <select name="v' . $id . '">' . $opzioni . '</select></label>';
+    return '<label><span>' . kvTextHtml($variante['nome']) . '</span> <select name="v' . $id . '">' . $opzioni . '</select></label>';
 }
 
 /** A box to be ticked. */
@@ -235,9 +235,9 @@ function kvFiltri(): string
     }
     $scelte = kvScelteElenco();
     $html = '<details class="filtri"' . ($scelte['attiva'] ? ' open' : '') . '><summary>' . kvHtml("<<4-filtri>>") . '</summary>'
-        . '<form method="get" action="' . kvHtml(kvFile()) . '"><input type="hidden" name="n" value="1">' . kvCampiFiltro($scelte)
+        . '<form method="get" action="' . kvHtml(kvPageFile()) . '"><input type="hidden" name="n" value="1">' . kvCampiFiltro($scelte)
         . '<p><button type="submit">' . kvHtml("<<4-filtri_mostra>>") . '</button>' . ($scelte['attiva']
-        ? ' <a href="' . kvHtml(kvFile()) . '?n=1">' . kvHtml("<<4-filtri_togli>>") . '</a>' : '') . "</p></form></details>\n";
+        ? ' <a href="' . kvHtml(kvPageFile()) . '?n=1">' . kvHtml("<<4-filtri_togli>>") . '</a>' : '') . "</p></form></details>\n";
     if (!$scelte['attiva']) {
         return $html;
     }

@@ -24,10 +24,10 @@ function kvIndicePronto(array $tenuta, array $parole, bool $tutte): bool
  */
 function kvPezziParola(string $parola, int $almeno = 2): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega(kvUtf8($parola)), $trovati);
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold(kvUtf8($parola)), $trovati);
     $pezzi = [];
     foreach ($trovati[0] as $n => $pezzo) {
-        if (kvLunghezza($pezzo) >= $almeno) {
+        if (kvLength($pezzo) >= $almeno) {
             $ultimo = $n === count($trovati[0]) - 1;
             $pezzi[($n === 0 ? '%' : '') . addcslashes($pezzo, '%_\\') . ($ultimo ? '%' : '')] = $pezzo;
         }

@@ -32,7 +32,7 @@ function kvRicercaTenuta(array $richiesta): array
     if ($riga === null) {
         return ['chiave' => $chiave, 'carico' => '', 'indice' => kvStato('indice' . $lingua), 'quanti' => null, 'numeri' => null];
     }
-    kvRicordaStati(array_filter(['carico' => $riga['carico'], "indice$lingua" => $riga['indice'], 'laterali' => $riga['laterali']],
+    kvRememberStates(array_filter(['carico' => $riga['carico'], "indice$lingua" => $riga['indice'], 'laterali' => $riga['laterali']],
         'is_string'));
     return ['chiave' => $chiave, 'indice' => (string) $riga['indice']] + $riga;
 }

@@ -7,23 +7,23 @@
 /** The tables of this kind that the load has left; null where no load has said so yet. */
 function kvTabelleLaterali(): ?array
 {
-    global $kvLaterali;
-    if (!isset($kvLaterali)) {
+    global $kvSideTables;
+    if (!isset($kvSideTables)) {
         $esito = mysqli_query(kvConnessione(), "SELECT valore FROM kv_stato WHERE nome = 'laterali'");
         $riga = $esito instanceof mysqli_result ? mysqli_fetch_row($esito) : null;
-        $kvLaterali = $riga === null ? false : explode(',', $riga[0]);
+        $kvSideTables = $riga === null ? false : explode(',', $riga[0]);
     }
-    return $kvLaterali === false ? null : $kvLaterali;
+    return $kvSideTables === false ? null : $kvSideTables;
 }
 
 /** Whether the catalogue has such a table; one of which the load says nothing is asked. */
 function kvHaTabella(string $tabella): bool
 {
-    global $kvLegge;
-    if (!array_key_exists($tabella, $kvLegge ?? []) && !in_array($tabella, kvTabelleLaterali() ?? [$tabella], true)) {
-        $kvLegge[$tabella] = null;
+    global $kvLegalRows;
+    if (!array_key_exists($tabella, $kvLegalRows ?? []) && !in_array($tabella, kvTabelleLaterali() ?? [$tabella], true)) {
+        $kvLegalRows[$tabella] = null;
     }
-    return !array_key_exists($tabella, $kvLegge ?? []) || $kvLegge[$tabella] !== null;
+    return !array_key_exists($tabella, $kvLegalRows ?? []) || $kvLegalRows[$tabella] !== null;
 }
 
 /**
@@ -32,22 +32,22 @@ function kvHaTabella(string $tabella): bool
  */
 function kvRigaLegge(string $tabella, int $id, bool $articoli = true): array
 {
-    global $kvLegge;
-    if (!kvHaTabella($tabella) || isset($kvLegge[$tabella][$id])) {
-        return $kvLegge[$tabella][$id] ?? [];
+    global $kvLegalRows;
+    if (!kvHaTabella($tabella) || isset($kvLegalRows[$tabella][$id])) {
+        return $kvLegalRows[$tabella][$id] ?? [];
     }
     $numeri = array_values(array_unique(array_map('intval', array_merge([$id], $articoli ? kvNumeriPagina() : []))));
     kvCaratteri('latin1');
     $esito = mysqli_query(kvConnessione(), "SELECT * FROM $tabella WHERE ID IN (" . implode(',', $numeri) . ')');
     if (!$esito instanceof mysqli_result) {
-        $kvLegge[$tabella] = null;
+        $kvLegalRows[$tabella] = null;
         return [];
     }
-    $kvLegge[$tabella] = array_fill_keys($numeri, []) + ($kvLegge[$tabella] ?? []);
+    $kvLegalRows[$tabella] = array_fill_keys($numeri, []) + ($kvLegalRows[$tabella] ?? []);
     foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
-        $kvLegge[$tabella][(int) $riga['ID']] = $riga;
+        $kvLegalRows[$tabella][(int) $riga['ID']] = $riga;
     }
-    return $kvLegge[$tabella][$id];
+    return $kvLegalRows[$tabella][$id];
 }
 
 /** The numbers of the articles that the page shows beside this one. */
@@ -147,11 +147,11 @@ function kvSicurezza(array $riga): string
 /** Reads the times of delivery of some article rows and of their departments, by one question. */
 function kvLeggiConsegne(array $righe): void
 {
-    global $kvLegge;
+    global $kvLegalRows;
     if (!kvHaTabella('kv_consegna')) {
         return;
     }
-    $lette = $kvLegge['kv_consegna'] ?? [];
+    $lette = $kvLegalRows['kv_consegna'] ?? [];
     $chiavi = array_map('strval', array_merge(array_column($righe, 'ID'), array_column($righe, 'catID')));
     $nuove = array_filter(array_unique($chiavi), fn($chiave) => $chiave !== '' && !isset($lette[$chiave]));
     if ($nuove === []) {
@@ -161,22 +161,22 @@ function kvLeggiConsegne(array $righe): void
     $elenco = implode("','", array_map(fn($chiave) => mysqli_real_escape_string(kvConnessione(), $chiave), $nuove));
     $esito = mysqli_query(kvConnessione(), "SELECT * FROM kv_consegna WHERE ID IN ('$elenco')");
     if (!$esito instanceof mysqli_result) {
-        $kvLegge['kv_consegna'] = null;
+        $kvLegalRows['kv_consegna'] = null;
         return;
     }
-    $kvLegge['kv_consegna'] = array_fill_keys($nuove, []) + $lette;
+    $kvLegalRows['kv_consegna'] = array_fill_keys($nuove, []) + $lette;
     foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
-        $kvLegge['kv_consegna'][$riga['ID']] = $riga;
+        $kvLegalRows['kv_consegna'][$riga['ID']] = $riga;
     }
 }
 
 /** How long the delivery of an article takes, in words: its own time, else that of its department; empty without any. */
 function kvTempoConsegna(array $riga): string
 {
-    global $resultArt, $kvLegge, $Lingua;
+    global $resultArt, $kvLegalRows, $Lingua;
     kvLeggiConsegne(array_merge([$riga], $resultArt instanceof KvRighe ? $resultArt->righe : []));
     foreach ([(string) ($riga['ID'] ?? ''), (string) ($riga['catID'] ?? '')] as $chiave) {
-        $tempo = $kvLegge['kv_consegna'][$chiave] ?? [];
+        $tempo = $kvLegalRows['kv_consegna'][$chiave] ?? [];
         if ($tempo !== []) {
             $proprio = trim((string) ($tempo['tempo' . $Lingua] ?? ''));
             return $proprio !== '' ? $proprio : trim((string) $tempo['tempo']);

@@ -139,7 +139,7 @@ function kvLeggiReparti(array $codici): array
     }
     $righe = array_fill_keys($mancanti, []);
     // That of the page itself has come along with the state of the load.
-    $proprio = $GLOBALS['kvRepartoPagina'] ?? [];
+    $proprio = $GLOBALS['kvPageDepartment'] ?? [];
     if ($mancanti === [$proprio['ID'] ?? null]) {
         $righe = [$proprio['ID'] => $proprio];
     } else {

@@ -95,8 +95,8 @@ function kvRigaRisultato(string $modello, string $pagina, array $rowArt, ?array 
         '$arg6' => strpos($modello, '$arg6') === false ? '' : kvPrezzoRisultato($riga),
         '$arg1' => kvHtml($pagina),
         '$arg2' => kvHtml((string) $rowArt['codice']),
-        '$arg3' => kvTestoHtml((string) $rowArt['plain_titolo']),
-        '$arg4' => kvTestoHtml((string) $rowArt['plain_sottotitolo']),
+        '$arg3' => kvTextHtml((string) $rowArt['plain_titolo']),
+        '$arg4' => kvTextHtml((string) $rowArt['plain_sottotitolo']),
         '$arg5' => $foto === null ? (string) $rowArt['immagine3'] : kvTagImmagine($foto, ''),
     ]);
 }
@@ -119,26 +119,26 @@ function kvPagineRisultati(string $testo, int $pagina, int $pagine): string
     return $html;
 }
 
-$kvTesto = kvDaUtf8(kvCampo($HTTP_GET_VARS, 'q', 100));
-$kvParole = kvParole($kvTesto);
-$kvIntere = strpos(<<<'KORVANE_VALORI'
+$kvTesto = kvFromUtf8(kvCampo($HTTP_GET_VARS, 'q', 100));
+$kvWords = kvParole($kvTesto);
+$kvWhole = strpos(<<<'KORVANE_VALORI'
 <<1-java_sepsearch>>
 KORVANE_VALORI
 , 'sleft = "#"') !== false;
-$kvPerPagina = (int) "<<1-search_maxart>>" > 0 ? (int) "<<1-search_maxart>>" : 10;
-list($kvQuanti, $kvTrovati, $kvPagina) = $kvParole === [] ? [0, [], 1] : kvTrova($kvParole,
-    "<<1-java_ANDORsearch>>" !== 'any', $kvIntere, $kvPerPagina, (int) kvCampo($HTTP_GET_VARS, 'p', 6));
+$kvPerPage = (int) "<<1-search_maxart>>" > 0 ? (int) "<<1-search_maxart>>" : 10;
+list($kvQuanti, $kvTrovati, $kvPage) = $kvWords === [] ? [0, [], 1] : kvTrova($kvWords,
+    "<<1-java_ANDORsearch>>" !== 'any', $kvWhole, $kvPerPage, (int) kvCampo($HTTP_GET_VARS, 'p', 6));
 
 include_once "kvlook.php";
-$kvModello = (string) @file_get_contents("results.htm");
-$kvRigheIntere = kvArticoli(array_column($kvTrovati, 'ID'));
-kvLeggiReparti(array_map('strval', array_column($kvRigheIntere, 'catID')));
+$kvTemplate = (string) @file_get_contents("results.htm");
+$kvWholeRows = kvArticoli(array_column($kvTrovati, 'ID'));
+kvLeggiReparti(array_map('strval', array_column($kvWholeRows, 'catID')));
 $kvRisultati = '';
 $fpagina = [];
 foreach ($kvTrovati as $artFound => $rowArt) {
     // A build changes this line where results lead to the single article.
     $fpagina[$artFound]=$rowArt["linkPage"].".php?n=".$rowArt["sottopagina"]."#".$rowArt["contatore"];
-    $kvRisultati .= kvRigaRisultato($kvModello, $fpagina[$artFound], $rowArt, $kvRigheIntere[(int) $rowArt['ID']] ?? null);
+    $kvRisultati .= kvRigaRisultato($kvTemplate, $fpagina[$artFound], $rowArt, $kvWholeRows[(int) $rowArt['ID']] ?? null);
 }
-$kvNavigazione = kvPagineRisultati($kvTesto, $kvPagina, (int) ceil($kvQuanti / $kvPerPagina));
+$kvNavigazione = kvPagineRisultati($kvTesto, $kvPage, (int) ceil($kvQuanti / $kvPerPage));
 include "search.htm";

@@ -15,14 +15,14 @@ const KV_VOCI_GUARDATE = 2000;
 /** The words typed, folded as the index has them; the last of them is the beginning of a word. */
 function kvParoleScritte(string $testo): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega($testo), $trovate);
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($testo), $trovate);
     return array_slice($trovate[0], 0, 6);
 }
 
 /** The numbers of the articles that have all the words, the best first; kept where there are as many as are told. */
 function kvSuggeriti(array $parole): array
 {
-    if (kvLunghezza((string) end($parole)) < 2) {
+    if (kvLength((string) end($parole)) < 2) {
         return [];
     }
     $tenuta = kvRicercaTenuta(['suggerisci', $parole]);
@@ -60,20 +60,20 @@ function kvCercaSuggeriti(array $parole): array
 function kvSuggerimento(array $riga): array
 {
     $foto = kvFotoPiccola($riga);
-    return ['t' => kvParola((string) $riga['plain_titolo']), 'u' => kvPaginaArticolo($riga),
+    return ['t' => kvDataText((string) $riga['plain_titolo']), 'u' => kvPaginaArticolo($riga),
         'p' => kvPrezziNascosti() ? '' : kvUtf8(kvTestoImporto(kvPrezziVisitatore($riga)['prezzo'])),
         'i' => $foto === null ? '' : kvUtf8(html_entity_decode($foto['src'], ENT_QUOTES, 'cp1252'))];
 }
 
-$kvNumeri = kvSuggeriti(kvParoleScritte(kvCampo($HTTP_GET_VARS, 'q', 100)));
-$kvArticoliLetti = kvArticoli($kvNumeri);
-$kvVoci = [];
-foreach ($kvNumeri as $kvNumero) {
-    if (isset($kvArticoliLetti[$kvNumero])) {
-        SetVariables($kvArticoliLetti[$kvNumero]['catID']);
-        $kvVoci[] = kvSuggerimento($kvArticoliLetti[$kvNumero]);
+$kvNumbers = kvSuggeriti(kvParoleScritte(kvCampo($HTTP_GET_VARS, 'q', 100)));
+$kvReadArticles = kvArticoli($kvNumbers);
+$kvEntries = [];
+foreach ($kvNumbers as $kvNumber) {
+    if (isset($kvReadArticles[$kvNumber])) {
+        SetVariables($kvReadArticles[$kvNumber]['catID']);
+        $kvEntries[] = kvSuggerimento($kvReadArticles[$kvNumber]);
     }
 }
 header('Content-Type: application/json; charset=utf-8');
 header('Cache-Control: private, max-age=60');
-echo json_encode($kvVoci, JSON_UNESCAPED_SLASHES | JSON_INVALID_UTF8_SUBSTITUTE);
+echo json_encode($kvEntries, JSON_UNESCAPED_SLASHES | JSON_INVALID_UTF8_SUBSTITUTE);

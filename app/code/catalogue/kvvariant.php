@@ -136,6 +136,6 @@ function kvSelettore(array $riga, int $posto): string
     foreach ($variante['voci'] as $chiave => $voce) {
         $opzioni .= kvOpzione($riga, $chiave, $voce, kvValoreDisponibile($riga, $id, $voce['codice']));
     }
-    return '<label class="opzione">' . kvTestoHtml($variante['nome']) . ' <select name="op' . $posto
+    return '<label class="opzione">' . kvTextHtml($variante['nome']) . ' <select name="op' . $posto
         . (int) ($riga['contatore'] ?? 0) . '">' . $opzioni . '</select></label>';
 }

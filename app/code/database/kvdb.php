@@ -43,10 +43,10 @@ function kvFuoriServizio(): void
     while (ob_get_level() > 0 && @ob_end_clean()) {
         continue;
     }
-    if (isset($GLOBALS['kv_pagina_guasto'])) {
-        die($GLOBALS['kv_pagina_guasto']());
+    if (isset($GLOBALS['kvFailurePage'])) {
+        die($GLOBALS['kvFailurePage']());
     }
-    die(function_exists('kvPaginaSola') ? kvPaginaSola("<<4-guasto>>") : "<<4-guasto>>");
+    die(function_exists('kvNoticePage') ? kvNoticePage("<<4-guasto>>") : "<<4-guasto>>");
 }
 
 /** The connection; ends the page with a notice when the server can't be reached. */
@@ -250,7 +250,7 @@ if (!function_exists('mysql_query')) {
             if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
                 return new KvRighe([['sottopagina' => kvPagineScelte()]]);
             }
-            list($pagina, $ultima) = $GLOBALS['kvUltimaPagina'] ?? ['', null];
+            list($pagina, $ultima) = $GLOBALS['kvLastPage'] ?? ['', null];
             if ($pagina !== '' && $sql === 'SELECT * FROM ' . kvTabellaLingua('articoli') . " WHERE pagina='$pagina' ORDER BY sottopagina DESC") {
                 return new KvRighe($ultima === null ? [] : [['sottopagina' => $ultima]]);
             }

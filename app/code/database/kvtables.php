@@ -103,7 +103,7 @@ function kvToccaOrdine(int $ordine): bool
 /** A group word of related articles as kv_voci has it; where two have the same beginning, the word itself decides. */
 function kvGruppoIndice(string $parola): string
 {
-    return kvTaglia(strtolower(trim(kvUtf8($parola))), 60);
+    return kvCut(strtolower(trim(kvUtf8($parola))), 60);
 }
 
 /** A value that the shop keeps of itself; empty when there is none. */

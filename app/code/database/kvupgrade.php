@@ -67,7 +67,7 @@ function kvScortePerArticolo(): bool
         return false;
     }
     if ($comuni !== []) {
-        kvMettiStato('scorte_condivise', kvTaglia(kvUtf8(implode(', ', array_column($comuni, 'chiave'))), 190));
+        kvMettiStato('scorte_condivise', kvCut(kvUtf8(implode(', ', array_column($comuni, 'chiave'))), 190));
     }
     return kvQuery("INSERT IGNORE INTO kv_disponibilita (tipo, chiave, disponibile, quantita) SELECT 'V',"
         . " LEFT(CONCAT(o.ID, '.', c.OpID, '.', c.codice), 100), disponibile, quantita FROM kv_disponibilita d INNER JOIN"
@@ -84,7 +84,7 @@ function kvRiferimentiInTabella(string $tabella): bool
         $righe = kvQuery("SELECT id, $colonna AS testo FROM $tabella WHERE INSTR($colonna, '&#') > 0");
         foreach ($righe ?? [] as $riga) {
             if (kvQuery("UPDATE $tabella SET $colonna = ? WHERE id = ?",
-                [kvSenzaRiferimenti((string) $riga['testo']), (int) $riga['id']]) === null) {
+                [kvWithoutReferences((string) $riga['testo']), (int) $riga['id']]) === null) {
                 return false;
             }
         }

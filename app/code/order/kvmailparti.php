@@ -33,7 +33,7 @@ function kvPaginaMail(string $titolo, string $corpo): string
 function kvParteMail(string $tipo, string $contenuto, string $nome = ''): string
 {
     // A reader that knows no coded names takes the plain one of the type.
-    $semplice = preg_replace('/[^A-Za-z0-9._-]+/', '-', kvPiega($nome));
+    $semplice = preg_replace('/[^A-Za-z0-9._-]+/', '-', kvFold($nome));
     return "Content-Type: $tipo; charset=utf-8" . ($nome === '' ? '' : ";\r\n name=\"$semplice\"\r\nContent-Disposition: attachment;"
         . "\r\n filename*=UTF-8''" . rawurlencode($nome)) . "\r\nContent-Transfer-Encoding: base64\r\n\r\n"
         . chunk_split(base64_encode($contenuto));
@@ -70,7 +70,7 @@ function kvDocumento(string $titolo, string $testo, string $coda = ''): string
     $titolo = kvUtf8($titolo);
     // References stay what they are: they would mean something else as characters of HTML.
     return trim(strip_tags($testo)) === '' ? ''
-        : kvPaginaMail($titolo, '<h1>' . kvHtmlMail($titolo) . "</h1>\n" . kvDaCp1252($testo) . $coda);
+        : kvPaginaMail($titolo, '<h1>' . kvHtmlMail($titolo) . "</h1>\n" . kvFromCp1252($testo) . $coda);
 }
 
 /** The terms and the instruction on withdrawal as files that the buyer keeps. Source: directive 2011/83/EU, article 8(7). */

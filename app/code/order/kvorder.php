@@ -15,8 +15,8 @@ include_once "kvscarsi.php";
 /** Ends with a page that names what is wrong. */
 function kvRifiutaOrdine(string $motivo): void
 {
-    kvAvvisa($motivo);
-    kvVai("messaggio.htm");
+    kvNotify($motivo);
+    kvGoTo("messaggio.htm");
 }
 
 /** The chosen payment method, counted from 1, and its name; ends the order when the shop has no such one. */
@@ -43,7 +43,7 @@ function kvPaeseOrdine(): array
 <<1-paesi>>
 KORVANE_VALORI
     );
-    $nome = preg_replace('/\s+/u', ' ', kvRigaCampo($_POST, 'Paese'));
+    $nome = preg_replace('/\s+/u', ' ', kvLineField($_POST, 'Paese'));
     list($zona, $posto) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
     foreach ($paesi as $n => $paese) {
         $scelto = $posto === '' ? kvUtf8($paese['nome']) === $nome : $posto === (string) $n;
@@ -61,7 +61,7 @@ function kvModuloOrdine(array $dati): array
     $campi = [];
     foreach (['Nome' => 100, 'Cognome' => 100, 'RagioneSociale' => 200, 'PartitaIVA' => 40, 'Indirizzo' => 200,
               'CAP' => 20, 'Citta' => 100, 'Provincia' => 60, 'Telefono' => 60, 'Email' => 190] as $nome => $massimo) {
-        $campi[$nome] = kvRigaCampo($_POST, $nome, $massimo);
+        $campi[$nome] = kvLineField($_POST, $nome, $massimo);
     }
     $campi['Note'] = kvCampo($_POST, 'Note', 2000);
     $richiesti = ['Nome', 'Cognome', 'Indirizzo', 'CAP', 'Citta', 'Email'];
@@ -135,7 +135,7 @@ function kvDestinatario(array $campi): string
         $testo .= $campi[$nome] === '' ? '' : $campi[$nome] . "\r\n";
     }
     $testo .= trim($campi['CAP'] . ' ' . $campi['Citta'] . ' ' . $campi['Provincia']) . "\r\n";
-    $testo .= kvUtf8(kvNomePaese(kvDaUtf8($campi['Paese']))) . "\r\n";
+    $testo .= kvUtf8(kvNomePaese(kvFromUtf8($campi['Paese']))) . "\r\n";
     $testo .= kvUtf8("<<4-ordine_email>>: ") . $campi['Email'] . "\r\n";
     return $testo . ($campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n");
 }
@@ -271,7 +271,7 @@ function kvPrendiOrdine(string $gettone): void
     $totali = kvTotaliOrdine($righe, $metodo, $zona, $dati);
     if (isset($_POST['senza_script'])) {
         // Nobody orders without having seen the sum, which no script could show in the form.
-        $GLOBALS['kvConferma'] = kvConfermaOrdine(kvConto($righe, $totali), $totali, kvDettaglio());
+        $GLOBALS['kvConfirmation'] = kvConfermaOrdine(kvConto($righe, $totali), $totali, kvDettaglio());
         return;
     }
     $parti = kvPartiOrdine($campi, $righe, $totali);
@@ -285,7 +285,7 @@ function kvPrendiOrdine(string $gettone): void
     $_SESSION['ordine'] = $codice;
     $_SESSION['ordini'] = array_slice([$gettone => [$codice, $pagina]] + ($_SESSION['ordini'] ?? []), 0, 20, true);
     unset($_SESSION['gettone']);
-    setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCartellaBiscotti(), 'samesite' => 'Lax']);
+    setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
     if ($nuovo) {
         kvScorteCambiate();
         $istruzioni = kvIstruzioniMail($metodo);
@@ -294,23 +294,23 @@ function kvPrendiOrdine(string $gettone): void
             'importo' => kvFormato($totali['totale'], kvScala(), (int) $notazione)] + $parti);
         kvMailScarsi($righe);
     }
-    kvVai($pagina);
+    kvGoTo($pagina);
 }
 
-kvSessione(true);
-$kvForma = kvCampo($_POST, 'gettone', 64);
-if (isset($_SESSION['ordini'][$kvForma])) {
-    list($_SESSION['ordine'], $kvPagina) = $_SESSION['ordini'][$kvForma];
-    kvVai($kvPagina);
+kvStartSession(true);
+$kvPattern = kvCampo($_POST, 'gettone', 64);
+if (isset($_SESSION['ordini'][$kvPattern])) {
+    list($_SESSION['ordine'], $kvPage) = $_SESSION['ordini'][$kvPattern];
+    kvGoTo($kvPage);
 }
 if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvDettaglio() === '') {
     kvRifiutaOrdine("<<4-ordine_vuoto>>");
 }
-if (!kvGettoneValido()) {
+if (!kvIsTokenValid()) {
     kvRifiutaOrdine("<<4-sessione_scaduta>>");
 }
 if (($cliente === 0 && $regobbl) || kvAcquistoNegato()) {
-    kvVai("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
+    kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
-kvPrendiOrdine($kvForma);
+kvPrendiOrdine($kvPattern);
 include "messaggio.htm";

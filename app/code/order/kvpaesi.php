@@ -83,7 +83,7 @@ function kvSceltaPaesi(string $select): string
         $voci[] = ['n' => $n, 'tradotto' => kvNomePaese($voce['nome'])] + $voce;
     }
     if ("<<1-IDlingua>>" !== '') {
-        $chiave = fn(array $voce): string => kvPiega(kvUtf8($voce['tradotto']));
+        $chiave = fn(array $voce): string => kvFold(kvUtf8($voce['tradotto']));
         usort($voci, fn($una, $altra) => [$chiave($una), $una['n']] <=> [$chiave($altra), $altra['n']]);
     }
     $html = '<select name="LSStato" onchange="SpedPaese()" autocomplete="country-name">';

@@ -9,9 +9,9 @@ include_once "kvrecessi.php";
 function kvPassoRecesso(string $passo, string $avviso = ''): void
 {
     if ($avviso !== '') {
-        kvAvvisa(kvHtml($avviso));
+        kvNotify(kvHtml($avviso));
     }
-    kvVai("kvrecesso.php" . ($passo === '' ? '' : "?passo=$passo"));
+    kvGoTo("kvrecesso.php" . ($passo === '' ? '' : "?passo=$passo"));
 }
 
 /** The order of the session; goes back to the first step when there is none, or nothing of it to give back. */
@@ -36,8 +36,8 @@ function kvCercaRecesso(): void
     if (!kvAmmetti(kvChiaveTentativi('recesso', ''), 'recessi')) {
         kvPassoRecesso('', "<<4-troppi_tentativi>>");
     }
-    $codice = strtoupper(kvRigaCampo($_POST, 'codice', 20));
-    $email = kvRigaCampo($_POST, 'email', 190);
+    $codice = strtoupper(kvLineField($_POST, 'codice', 20));
+    $email = kvLineField($_POST, 'email', 190);
     if (kvOrdineRecesso($codice, $email) === null) {
         unset($_SESSION['recesso']);
         kvPassoRecesso('', "<<4-recesso_non_trovato>>");
@@ -156,14 +156,14 @@ function kvPaginaRecesso(string $passo): string
     return ($avviso === '' ? '' : '<p class="avviso" role="status">' . $avviso . '</p>') . $html;
 }
 
-kvSessione(true);
+kvStartSession(true);
 if ($_SERVER['REQUEST_METHOD'] === 'POST') {
-    $kvForma = kvCampo($_POST, 'gettone', 64);
-    if (isset($_SESSION['ricevute'][$kvForma])) {
-        $_SESSION['ricevuta'] = $_SESSION['ricevute'][$kvForma];
+    $kvPattern = kvCampo($_POST, 'gettone', 64);
+    if (isset($_SESSION['ricevute'][$kvPattern])) {
+        $_SESSION['ricevuta'] = $_SESSION['ricevute'][$kvPattern];
         kvPassoRecesso('ricevuta');
     }
-    if (!kvGettoneValido()) {
+    if (!kvIsTokenValid()) {
         kvPassoRecesso('', "<<4-sessione_scaduta>>");
     }
     switch (kvCampo($_POST, 'azione', 20)) {
@@ -174,11 +174,11 @@ if ($_SERVER['REQUEST_METHOD'] === 'POST') {
             kvScegliRecesso(kvOrdineScelto());
             break;
         case 'conferma':
-            kvConfermaRecesso(kvOrdineScelto(), $kvForma);
+            kvConfermaRecesso(kvOrdineScelto(), $kvPattern);
     }
     kvPassoRecesso('');
 }
-$kvConferma = kvPaginaRecesso(kvCampo($_GET, 'passo', 10));
+$kvConfirmation = kvPaginaRecesso(kvCampo($_GET, 'passo', 10));
 $kvTitoloPagina = kvHtml("<<4-recesso_titolo>>");
-$kvPaginaLingue = 'kvrecesso';
+$kvPageLanguages = 'kvrecesso';
 include "messaggio.htm";

@@ -40,7 +40,7 @@ if (!defined('KORVANE_SHOP')) {
     $cartdisp = '';
     $ordercliente = '';
     $rowArt = [];
-    kvPreparaRichiesta();
-    kvPreparaRisposta();
-    list($cliente, $listino, $scontocliente) = kvCliente();
+    kvPrepareRequest();
+    kvPrepareResponse();
+    list($cliente, $listino, $scontocliente) = kvCustomer();
 }

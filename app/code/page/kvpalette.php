@@ -7,73 +7,73 @@
 // 1.4.11 (3:1 for the edges of controls).
 
 /** "#RRGGBB" as three numbers from 0 to 255; black when it is none. */
-function kvRgb(string $colore): array
+function kvRgb(string $colour): array
 {
-    return preg_match('/^#([0-9a-f]{2})([0-9a-f]{2})([0-9a-f]{2})$/iD', trim($colore), $parti)
-        ? [hexdec($parti[1]), hexdec($parti[2]), hexdec($parti[3])] : [0, 0, 0];
+    return preg_match('/^#([0-9a-f]{2})([0-9a-f]{2})([0-9a-f]{2})$/iD', trim($colour), $parts)
+        ? [hexdec($parts[1]), hexdec($parts[2]), hexdec($parts[3])] : [0, 0, 0];
 }
 
-function kvColore(array $rgb): string
+function kvColourText(array $rgb): string
 {
     return sprintf('#%02x%02x%02x', ...$rgb);
 }
 
 /** Relative luminance, 0 for black to 1 for white. */
-function kvLuminanza(array $rgb): float
+function kvLuminance(array $rgb): float
 {
-    $luce = 0.0;
-    foreach ([0.2126, 0.7152, 0.0722] as $n => $parte) {
-        $valore = $rgb[$n] / 255;
-        $luce += $parte * ($valore <= 0.03928 ? $valore / 12.92 : pow(($valore + 0.055) / 1.055, 2.4));
+    $light = 0.0;
+    foreach ([0.2126, 0.7152, 0.0722] as $n => $part) {
+        $value = $rgb[$n] / 255;
+        $light += $part * ($value <= 0.03928 ? $value / 12.92 : pow(($value + 0.055) / 1.055, 2.4));
     }
-    return $luce;
+    return $light;
 }
 
 /** The contrast of two luminances, 1 to 21. */
-function kvContrastoLuci(float $una, float $altra): float
+function kvLuminanceContrast(float $one, float $other): float
 {
-    return $una > $altra ? ($una + 0.05) / ($altra + 0.05) : ($altra + 0.05) / ($una + 0.05);
+    return $one > $other ? ($one + 0.05) / ($other + 0.05) : ($other + 0.05) / ($one + 0.05);
 }
 
 /** The contrast of two colours, 1 to 21. */
-function kvContrasto(array $uno, array $altro): float
+function kvContrast(array $one, array $other): float
 {
-    return kvContrastoLuci(kvLuminanza($uno), kvLuminanza($altro));
+    return kvLuminanceContrast(kvLuminance($one), kvLuminance($other));
 }
 
 /** A colour with so much (0 to 1) of another one in it. */
-function kvMescola(array $colore, array $altro, float $quanto): array
+function kvMixColours(array $colour, array $other, float $amount): array
 {
-    $misto = [];
-    foreach ($colore as $n => $canale) {
-        $misto[] = (int) round($canale + ($altro[$n] - $canale) * $quanto);
+    $mixed = [];
+    foreach ($colour as $n => $channel) {
+        $mixed[] = (int) round($channel + ($other[$n] - $channel) * $amount);
     }
-    return $misto;
+    return $mixed;
 }
 
 /** Whether black is the surer writing on a surface; white is on all others. One of the two always has 4.5:1. */
-function kvVuoleScuro(array $superficie): bool
+function kvWantsDark(array $surface): bool
 {
-    return kvLuminanza($superficie) >= 0.179;
+    return kvLuminance($surface) >= 0.179;
 }
 
 /** The colour, moved towards black or white until it has a contrast on every surface; all surfaces want the same. */
-function kvLeggibile(array $colore, array $superfici, float $contrasto): array
+function kvReadable(array $colour, array $surfaces, float $contrast): array
 {
-    $luci = array_map('kvLuminanza', $superfici);
-    $fine = kvVuoleScuro($superfici[0]) ? [0, 0, 0] : [255, 255, 255];
-    for ($passo = 0; $passo < 32; $passo++) {
-        $prova = $passo === 0 ? $colore : kvMescola($colore, $fine, $passo / 32);
-        $luce = kvLuminanza($prova);
-        $basta = true;
-        foreach ($luci as $altra) {
-            $basta = $basta && kvContrastoLuci($luce, $altra) >= $contrasto;
+    $lights = array_map('kvLuminance', $surfaces);
+    $end = kvWantsDark($surfaces[0]) ? [0, 0, 0] : [255, 255, 255];
+    for ($step = 0; $step < 32; $step++) {
+        $trial = $step === 0 ? $colour : kvMixColours($colour, $end, $step / 32);
+        $light = kvLuminance($trial);
+        $isEnough = true;
+        foreach ($lights as $other) {
+            $isEnough = $isEnough && kvLuminanceContrast($light, $other) >= $contrast;
         }
-        if ($basta) {
-            return $prova;
+        if ($isEnough) {
+            return $trial;
         }
     }
-    return $fine;
+    return $end;
 }
 
 /**
@@ -81,38 +81,38 @@ function kvLeggibile(array $colore, array $superfici, float $contrasto): array
  * and fields), pannello (bands), pieno (buttons and marks). Writing: testo, tenue, link on the first two; su-pannello,
  * link-pannello; su-pieno. bordo edges controls on the first two, riga only parts.
  */
-function kvPalette(string $testo, string $fondo, string $link, string $pannello): array
+function kvPalette(string $text, string $background, string $link, string $panel): array
 {
-    $fondo = kvRgb($fondo);
-    $pannello = kvRgb($pannello);
-    $pieno = kvRgb($link);
+    $background = kvRgb($background);
+    $panel = kvRgb($panel);
+    $full = kvRgb($link);
     // A card is raised away from the writing, so that what is readable on the page is so on the card.
-    $scheda = kvVuoleScuro($fondo) ? kvMescola($fondo, [255, 255, 255], 0.75) : kvMescola($fondo, [0, 0, 0], 0.25);
-    $sopra = [$fondo, $scheda];
-    $nero = kvLeggibile(kvRgb($testo), $sopra, 4.5);
-    $colori = [
-        'testo' => $nero,
-        'tenue' => kvLeggibile(kvMescola($nero, $fondo, 0.3), $sopra, 4.5),
-        'link' => kvLeggibile($pieno, $sopra, 4.5),
-        'bordo' => kvLeggibile(kvMescola($nero, $fondo, 0.5), $sopra, 3),
-        'riga' => kvMescola($nero, $fondo, 0.82),
-        'fondo' => $fondo,
-        'scheda' => $scheda,
-        'pannello' => $pannello,
-        'su-pannello' => kvLeggibile(kvRgb($testo), [$pannello], 4.5),
-        'link-pannello' => kvLeggibile($pieno, [$pannello], 4.5),
-        'pieno' => $pieno,
-        'su-pieno' => kvLeggibile(kvVuoleScuro($pieno) ? [0, 0, 0] : [255, 255, 255], [$pieno], 4.5),
+    $card = kvWantsDark($background) ? kvMixColours($background, [255, 255, 255], 0.75) : kvMixColours($background, [0, 0, 0], 0.25);
+    $above = [$background, $card];
+    $black = kvReadable(kvRgb($text), $above, 4.5);
+    $colours = [
+        'testo' => $black,
+        'tenue' => kvReadable(kvMixColours($black, $background, 0.3), $above, 4.5),
+        'link' => kvReadable($full, $above, 4.5),
+        'bordo' => kvReadable(kvMixColours($black, $background, 0.5), $above, 3),
+        'riga' => kvMixColours($black, $background, 0.82),
+        'fondo' => $background,
+        'scheda' => $card,
+        'pannello' => $panel,
+        'su-pannello' => kvReadable(kvRgb($text), [$panel], 4.5),
+        'link-pannello' => kvReadable($full, [$panel], 4.5),
+        'pieno' => $full,
+        'su-pieno' => kvReadable(kvWantsDark($full) ? [0, 0, 0] : [255, 255, 255], [$full], 4.5),
     ];
-    return array_map('kvColore', $colori);
+    return array_map('kvColourText', $colours);
 }
 
 /** The style element of a page's head with the colours of the template. */
 function kvStilePagina(): string
 {
-    $regole = '';
-    foreach (kvPalette("<<1-colore0>>", "<<1-colore1>>", "<<1-colore2>>", "<<1-colore3>>") as $nome => $colore) {
-        $regole .= "--$nome:$colore;";
+    $rules = '';
+    foreach (kvPalette("<<1-colore0>>", "<<1-colore1>>", "<<1-colore2>>", "<<1-colore3>>") as $name => $colour) {
+        $rules .= "--$name:$colour;";
     }
-    return "<style>:root{{$regole}}</style>\n";
+    return "<style>:root{{$rules}}</style>\n";
 }

@@ -9,98 +9,98 @@ const KV_CP1252 = [0x20AC, 0x81, 0x201A, 0x192, 0x201E, 0x2026, 0x2020, 0x2021, 
     0x153, 0x9D, 0x17E, 0x178];
 
 /** The UTF-8 character of a code point; nothing for one that is none or steers the text. Source: RFC 3629, section 3. */
-function kvLettera(int $punto): string
+function kvUtf8Character(int $point): string
 {
-    if ($punto < 0x20 || $punto === 0x7F || ($punto >= 0xD800 && $punto < 0xE000) || $punto > 0x10FFFF) {
+    if ($point < 0x20 || $point === 0x7F || ($point >= 0xD800 && $point < 0xE000) || $point > 0x10FFFF) {
         return '';
     }
-    if ($punto < 0x80) {
-        return chr($punto);
+    if ($point < 0x80) {
+        return chr($point);
     }
-    if ($punto < 0x800) {
-        return chr(0xC0 | $punto >> 6) . chr(0x80 | $punto & 0x3F);
+    if ($point < 0x800) {
+        return chr(0xC0 | $point >> 6) . chr(0x80 | $point & 0x3F);
     }
-    $coda = chr(0x80 | $punto >> 6 & 0x3F) . chr(0x80 | $punto & 0x3F);
-    return $punto < 0x10000 ? chr(0xE0 | $punto >> 12) . $coda
-        : chr(0xF0 | $punto >> 18) . chr(0x80 | $punto >> 12 & 0x3F) . $coda;
+    $tail = chr(0x80 | $point >> 6 & 0x3F) . chr(0x80 | $point & 0x3F);
+    return $point < 0x10000 ? chr(0xE0 | $point >> 12) . $tail
+        : chr(0xF0 | $point >> 18) . chr(0x80 | $point >> 12 & 0x3F) . $tail;
 }
 
 /** The code point of one UTF-8 character. */
-function kvPunto(string $lettera): int
+function kvCodePoint(string $character): int
 {
-    $byte = array_values(unpack('C*', $lettera));
-    $punto = count($byte) === 1 ? $byte[0] : $byte[0] & (0xFF >> (count($byte) + 1));
-    foreach (array_slice($byte, 1) as $resto) {
-        $punto = $punto << 6 | $resto & 0x3F;
+    $bytes = array_values(unpack('C*', $character));
+    $point = count($bytes) === 1 ? $bytes[0] : $bytes[0] & (0xFF >> (count($bytes) + 1));
+    foreach (array_slice($bytes, 1) as $rest) {
+        $point = $point << 6 | $rest & 0x3F;
     }
-    return $punto;
+    return $point;
 }
 
 /** Windows-1252 bytes in UTF-8. */
-function kvDaCp1252(string $testo): string
+function kvFromCp1252(string $text): string
 {
-    static $lettere = [];
-    if ($lettere === []) {
-        for ($byte = 0x80; $byte < 0x100; $byte++) {
-            $lettere[chr($byte)] = kvLettera($byte < 0xA0 ? KV_CP1252[$byte - 0x80] : $byte);
+    static $characters = [];
+    if ($characters === []) {
+        for ($bytes = 0x80; $bytes < 0x100; $bytes++) {
+            $characters[chr($bytes)] = kvUtf8Character($bytes < 0xA0 ? KV_CP1252[$bytes - 0x80] : $bytes);
         }
     }
-    return preg_match('/[\x80-\xFF]/', $testo) ? strtr($testo, $lettere) : $testo;
+    return preg_match('/[\x80-\xFF]/', $text) ? strtr($text, $characters) : $text;
 }
 
 /** Numeric references in an UTF-8 text as their characters. */
-function kvSenzaRiferimenti(string $testo): string
+function kvWithoutReferences(string $text): string
 {
-    return strpos($testo, '&#') === false ? $testo
-        : preg_replace_callback('/&#(\d{2,7});/', fn($n) => kvLettera((int) $n[1]), $testo);
+    return strpos($text, '&#') === false ? $text
+        : preg_replace_callback('/&#(\d{2,7});/', fn($n) => kvUtf8Character((int) $n[1]), $text);
 }
 
 /** A text of catalogue, module or build in UTF-8; numeric references become their characters. */
-function kvUtf8(string $testo): string
+function kvUtf8(string $text): string
 {
-    return kvSenzaRiferimenti(kvDaCp1252($testo));
+    return kvWithoutReferences(kvFromCp1252($text));
 }
 
 /** An UTF-8 text in Windows-1252; characters beyond it as numeric references. */
-function kvDaUtf8(string $testo): string
+function kvFromUtf8(string $text): string
 {
-    return (string) preg_replace_callback('/[^\x00-\x7F]/u', function (array $lettera): string {
-        $punto = kvPunto($lettera[0]);
-        $byte = array_search($punto, KV_CP1252, true);
-        if ($byte !== false) {
-            return chr(0x80 + $byte);
+    return (string) preg_replace_callback('/[^\x00-\x7F]/u', function (array $character): string {
+        $point = kvCodePoint($character[0]);
+        $bytes = array_search($point, KV_CP1252, true);
+        if ($bytes !== false) {
+            return chr(0x80 + $bytes);
         }
-        return $punto >= 0xA0 && $punto < 0x100 ? chr($punto) : '&#' . $punto . ';';
-    }, $testo);
+        return $point >= 0xA0 && $point < 0x100 ? chr($point) : '&#' . $point . ';';
+    }, $text);
 }
 
 /** A visitor's UTF-8 text as HTML of a page: the only way in which their words reach one. */
-function kvHtmlUtf8(?string $testo): string
+function kvHtmlUtf8(?string $text): string
 {
-    return kvDaUtf8(htmlspecialchars((string) $testo, ENT_QUOTES | ENT_SUBSTITUTE, 'UTF-8'));
+    return kvFromUtf8(htmlspecialchars((string) $text, ENT_QUOTES | ENT_SUBSTITUTE, 'UTF-8'));
 }
 
-/** A value of a request in UTF-8. `sicuro`: the form says that it is, so that "&#65;" is what somebody typed. */
-function kvTestoInviato(string $valore, bool $sicuro): string
+/** A value of a request in UTF-8. `isSafe`: the form says that it is, so that "&#65;" is what somebody typed. */
+function kvSentText(string $value, bool $isSafe): string
 {
-    $valore = preg_match('//u', $valore) === 1 ? $valore : kvDaCp1252($valore);
-    return $sicuro ? $valore : kvSenzaRiferimenti($valore);
+    $value = preg_match('//u', $value) === 1 ? $value : kvFromCp1252($value);
+    return $isSafe ? $value : kvWithoutReferences($value);
 }
 
 /** The first characters of an UTF-8 text. */
-function kvTaglia(string $testo, int $massimo): string
+function kvCut(string $text, int $most): string
 {
-    return preg_match('/^.{0,' . $massimo . '}/us', $testo, $inizio) === 1 ? $inizio[0] : '';
+    return preg_match('/^.{0,' . $most . '}/us', $text, $start) === 1 ? $start[0] : '';
 }
 
 /** The number of characters of an UTF-8 text. */
-function kvLunghezza(string $testo): int
+function kvLength(string $text): int
 {
-    return (int) preg_match_all('/./us', $testo);
+    return (int) preg_match_all('/./us', $text);
 }
 
 /** Ranges of code points and what stands for them where case and marks don't count: a text, or a number to be added. */
-const KV_PIEGHE = [[0xC0, 0xC5, 'a'], [0xC6, 0xC6, 'ae'], [0xC7, 0xC7, 'c'], [0xC8, 0xCB, 'e'], [0xCC, 0xCF, 'i'],
+const KV_FOLDS = [[0xC0, 0xC5, 'a'], [0xC6, 0xC6, 'ae'], [0xC7, 0xC7, 'c'], [0xC8, 0xCB, 'e'], [0xCC, 0xCF, 'i'],
     [0xD0, 0xD0, 0x20], [0xD1, 0xD1, 'n'], [0xD2, 0xD6, 'o'], [0xD8, 0xD8, 'o'], [0xD9, 0xDC, 'u'], [0xDD, 0xDD, 'y'],
     [0xDE, 0xDE, 0x20], [0xDF, 0xDF, 'ss'], [0xE0, 0xE5, 'a'], [0xE6, 0xE6, 'ae'], [0xE7, 0xE7, 'c'], [0xE8, 0xEB, 'e'],
     [0xEC, 0xEF, 'i'], [0xF1, 0xF1, 'n'], [0xF2, 0xF6, 'o'], [0xF8, 0xF8, 'o'], [0xF9, 0xFC, 'u'], [0xFD, 0xFD, 'y'],
@@ -115,16 +115,16 @@ const KV_PIEGHE = [[0xC0, 0xC5, 'a'], [0xC6, 0xC6, 'ae'], [0xC7, 0xC7, 'c'], [0x
     [0x3CD, 0x3CD, -8], [0x3CE, 0x3CE, -5], [0x400, 0x40F, 0x50], [0x410, 0x42F, 0x20]];
 
 /** An UTF-8 text in which neither case nor the marks on Latin and Greek characters count, for searching and ordering. */
-function kvPiega(string $testo): string
+function kvFold(string $text): string
 {
-    static $tavola = [];
-    if ($tavola === []) {
-        foreach (KV_PIEGHE as list($prima, $ultima, $piega)) {
-            for ($punto = $prima; $punto <= $ultima; $punto++) {
-                $tavola[kvLettera($punto)] = is_string($piega) ? $piega : kvLettera($punto + $piega);
+    static $table = [];
+    if ($table === []) {
+        foreach (KV_FOLDS as list($first, $last, $fold)) {
+            for ($point = $first; $point <= $last; $point++) {
+                $table[kvUtf8Character($point)] = is_string($fold) ? $fold : kvUtf8Character($point + $fold);
             }
         }
     }
-    $testo = strtolower($testo);
-    return preg_match('/[\x80-\xFF]/', $testo) ? strtr($testo, $tavola) : $testo;
+    $text = strtolower($text);
+    return preg_match('/[\x80-\xFF]/', $text) ? strtr($text, $table) : $text;
 }

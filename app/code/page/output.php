@@ -5,11 +5,11 @@
 if (!defined('KORVANE_SHOP')) {
     exit;
 }
-if (isset($kvConferma)) {
-    echo $kvConferma;
+if (isset($kvConfirmation)) {
+    echo $kvConfirmation;
     return;
 }
-$kvMessaggi = [
+$kvMessages = [
     1 => "<<4-accesso_errato>>",
     2 => "<<4-registrazione_incompleta>>",
     3 => "<<4-registrazione_doppia>>",
@@ -29,21 +29,21 @@ $kvMessaggi = [
     37 => "<<4-listino_obbligatorio>>",
     53 => "<<4-articolo_non_disponibile>>",
 ];
-$kvNumero = (int) kvCampo($HTTP_GET_VARS, 'm', 4);
-if (preg_match('/^\.(\d+)\.$/D', kvCampo($HTTP_GET_VARS, 't', 8), $kvCodice)) {
-    $kvNumero = (int) $kvCodice[1];
+$kvNumber = (int) kvCampo($HTTP_GET_VARS, 'm', 4);
+if (preg_match('/^\.(\d+)\.$/D', kvCampo($HTTP_GET_VARS, 't', 8), $kvCode)) {
+    $kvNumber = (int) $kvCode[1];
 }
-if ($kvNumero === 23 && $clienteinattesa > 0) {
-    $kvNumero = 5;
+if ($kvNumber === 23 && $clienteinattesa > 0) {
+    $kvNumber = 5;
 }
 $kvAvviso = '';
-if (kvSessione() && isset($_SESSION['avviso'])) {
+if (kvStartSession() && isset($_SESSION['avviso'])) {
     $kvAvviso = (string) $_SESSION['avviso'];
     unset($_SESSION['avviso']);
-} elseif (isset($kvMessaggi[$kvNumero])) {
-    $kvAvviso = $kvMessaggi[$kvNumero];
+} elseif (isset($kvMessages[$kvNumber])) {
+    $kvAvviso = $kvMessages[$kvNumber];
 }
-if ($kvNumero === 11) {
+if ($kvNumber === 11) {
 ?>
 <div class="avviso" role="status"><<1-rifiuto>></div>
 <?php

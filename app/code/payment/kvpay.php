@@ -13,7 +13,7 @@ include_once "kvhtml.php";
 function kvOrdineInCorso(): ?array
 {
     static $letto = [];
-    $codice = kvSessione() ? (string) ($_SESSION['ordine'] ?? '') : '';
+    $codice = kvStartSession() ? (string) ($_SESSION['ordine'] ?? '') : '';
     if (!array_key_exists($codice, $letto)) {
         $letto[$codice] = $codice === '' ? null : kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [$codice]);
     }
@@ -39,7 +39,7 @@ function kvDaPagare(): bool
 function kvEsitoMostrato(string $testo): string
 {
     $pagato = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
-    return $pagato || kvFile() !== "payok<<1-IDlingua>>.php" ? $testo : kvHtml("<<4-pagamento_da_confermare>>");
+    return $pagato || kvPageFile() !== "payok<<1-IDlingua>>.php" ? $testo : kvHtml("<<4-pagamento_da_confermare>>");
 }
 
 /** The order's total in the smallest unit of the currency: cents. */

@@ -10,7 +10,7 @@ include_once "kvtables.php";
 /** Sends the shopper to payok or payerr. */
 function kvEsitoPagamento(bool $pagato): void
 {
-    kvVai($pagato ? "payok<<1-IDlingua>>.php" : "payerr<<1-IDlingua>>.php");
+    kvGoTo($pagato ? "payok<<1-IDlingua>>.php" : "payerr<<1-IDlingua>>.php");
 }
 
 /**
@@ -21,16 +21,16 @@ function kvEsitoPagamento(bool $pagato): void
 function kvInizioPagamento(): array
 {
     $ordine = kvOrdineInCorso();
-    if ($ordine === null || $_SERVER['REQUEST_METHOD'] !== 'POST' || !kvGettoneValido()
+    if ($ordine === null || $_SERVER['REQUEST_METHOD'] !== 'POST' || !kvIsTokenValid()
         || kvCampo($_POST, 'ordine', 40) !== $ordine['codice']
         || kvCampo($_POST, 'importo', 15) !== (string) kvCentesimi($ordine)) {
-        kvAvvisa("<<4-sessione_scaduta>>");
-        kvVai("messaggio<<1-IDlingua>>.php");
+        kvNotify("<<4-sessione_scaduta>>");
+        kvGoTo("messaggio<<1-IDlingua>>.php");
     }
     $chiave = kvChiaveTentativi('pagamento', $ordine['codice']);
     if (!kvAmmetti($chiave, 'pagamenti')) {
-        kvAvvisa("<<4-troppi_tentativi>>");
-        kvVai("messaggio<<1-IDlingua>>.php");
+        kvNotify("<<4-troppi_tentativi>>");
+        kvGoTo("messaggio<<1-IDlingua>>.php");
     }
     return array_map('strval', (array) ($_SESSION['conto'] ?? []));
 }

@@ -23,8 +23,8 @@ const KV_SEGNO = "UNHEX(MD5(CONCAT('1', '\n', IFNULL(catID, ''), '\n', IFNULL(co
 /** The words of an UTF-8 text, folded: its runs of characters and digits, of forty characters at most. */
 function kvParoleTesto(string $testo): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvPiega($testo), $trovate);
-    return array_map(fn($parola) => kvTaglia($parola, 40), $trovate[0]);
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($testo), $trovate);
+    return array_map(fn($parola) => kvCut($parola, 40), $trovate[0]);
 }
 
 /** The words of an article row with their rank, the best one of each. */
@@ -64,7 +64,7 @@ function kvRaccogliParole(array $righe, array &$parole, array &$articoli): void
     $testo = fn(string $valore): string => "'" . mysqli_real_escape_string(kvConnessione(), $valore) . "'";
     kvCaratteri('utf8mb4');
     foreach ($righe as $riga) {
-        $titolo = kvTaglia(kvPiega(kvUtf8((string) $riga['plain_titolo'])), 60);
+        $titolo = kvCut(kvFold(kvUtf8((string) $riga['plain_titolo'])), 60);
         $articoli[] = '(' . (int) $riga['ID'] . ',' . $testo(kvUtf8((string) $riga['catID'])) . ',' . $testo($titolo) . ',0x'
             . bin2hex($riga['segno']) . ',' . $testo(kvGruppoIndice((string) $riga['correlazione'])) . ')';
         foreach (kvParoleArticolo($riga) as $parola => $rango) {

@@ -17,21 +17,21 @@ if (($_GET['w'] ?? '') === 'phpinfo') {
 ignore_user_abort(true);
 @set_time_limit(0);
 $kvFile = ['dbdel<<1-IDlingua>>.sql', 'db<<1-IDlingua>>.sql'];
-$kvVia = kvApriSql($kvFile[0]);
-$kvNuovo = kvApriSql($kvFile[1]);
-$kvParola = isset($_POST['sec']) && is_string($_POST['sec']) ? $_POST['sec'] : '';
-if ($kvVia === null || $kvNuovo === null || !hash_equals($kvNuovo['parola'], $kvParola)
-    || !hash_equals($kvVia['parola'], $kvParola)) {
+$kvDrops = kvApriSql($kvFile[0]);
+$kvNew = kvApriSql($kvFile[1]);
+$kvWord = isset($_POST['sec']) && is_string($_POST['sec']) ? $_POST['sec'] : '';
+if ($kvDrops === null || $kvNew === null || !hash_equals($kvNew['parola'], $kvWord)
+    || !hash_equals($kvDrops['parola'], $kvWord)) {
     die('accesso al database non autorizzato');
 }
 kvAmmettiDiagnosi();
 kvTieniChiave($_POST['chiave'] ?? null);
 kvProteggiSql($kvFile);
-$kvEsito = kvCaricaTutto($kvVia, $kvNuovo, "<<1-IDlingua>>");
-if ($kvEsito === '') {
-    kvTogliSql([$kvVia, $kvNuovo], $kvFile);
+$kvResult = kvCaricaTutto($kvDrops, $kvNew, "<<1-IDlingua>>");
+if ($kvResult === '') {
+    kvTogliSql([$kvDrops, $kvNew], $kvFile);
     include_once "kvmappa.php";
-    kvScriviMappe("<<1-IDlingua>>");
-    $kvEsito = 'OK';
+    kvWriteMaps("<<1-IDlingua>>");
+    $kvResult = 'OK';
 }
-echo $kvEsito;
+echo $kvResult;
