@@ -35,7 +35,7 @@ function formerFile(array $sql): string
 @set_time_limit(0);
 foreach (["SET SESSION sql_mode = 'STRICT_ALL_TABLES,NO_AUTO_VALUE_ON_ZERO'", 'SET unique_checks = 0',
           'SET foreign_key_checks = 0', 'SET autocommit = 0'] as $setting) {
-    mysqli_query(kvConnessione(), $setting);
+    mysqli_query(kvConnection(), $setting);
 }
 $failure = formerFile(kvApriSql('dbdel.sql'));
 $failure = $failure === '' ? formerFile(kvApriSql('db.sql')) : $failure;

@@ -9,7 +9,7 @@ function boImpostazioni(): array
 {
     static $impostazioni = null;
     if ($impostazioni === null) {
-        $righe = kvValori(<<<'KORVANE_VALORI'
+        $righe = kvValues(<<<'KORVANE_VALORI'
 <<1-bo_username>>
 <<1-bo_password>>
 <<1-negozio>>

@@ -126,7 +126,7 @@ function boNomeMetodo(array $ordine, array $dati): string
 function boAnnota(int $ordine, string $tipo, string $testo): bool
 {
     return kvQuery('INSERT INTO kv_annotazioni (ordine, quando, tipo, testo) VALUES (?, NOW(), ?, ?)',
-        [$ordine, $tipo, $testo]) !== null && kvToccaOrdine($ordine);
+        [$ordine, $tipo, $testo]) !== null && kvTouchOrder($ordine);
 }
 
 /**
@@ -185,10 +185,10 @@ function boMuoviScorte(array $pezzi, int $verso): bool
 function boCambiaStato(array $ordine, string $prima, string $dopo, bool $scorte): bool
 {
     // The tables must stand before the transaction: making one would end it.
-    kvTabellePronte();
+    kvRequireTables();
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     kvRiga('SELECT COUNT(*) FROM kv_annotazioni WHERE ordine = 0');
-    mysqli_begin_transaction(kvConnessione());
+    mysqli_begin_transaction(kvConnection());
     $fatto = kvQuery('UPDATE kv_ordini SET stato = ? WHERE id = ? AND stato = ?', [$dopo, (int) $ordine['id'], $prima])
         !== null && kvRigheToccate() === 1;
     $verso = ($dopo === 'annullato' ? 1 : 0) - ($prima === 'annullato' ? 1 : 0);
@@ -196,10 +196,10 @@ function boCambiaStato(array $ordine, string $prima, string $dopo, bool $scorte)
         $fatto = boMuoviScorte(boPezziOrdine(boDatiOrdine($ordine['dati'])['righe']), $verso);
     }
     $fatto = $fatto && boAnnota((int) $ordine['id'], 'stato', kvFromCp1252("Stato: da \"$prima\" a \"$dopo\""));
-    if ($fatto && mysqli_commit(kvConnessione())) {
-        kvScorteCambiate();
+    if ($fatto && mysqli_commit(kvConnection())) {
+        kvStockChanged();
         return true;
     }
-    mysqli_rollback(kvConnessione());
+    mysqli_rollback(kvConnection());
     return false;
 }

@@ -39,11 +39,11 @@ function boSalvaRecesso(string $pagina): void
 {
     $stato = kvCampo($_POST, 'stato_recesso', 20);
     if (in_array($stato, BO_STATI_RECESSO, true)) {
-        kvTabellePronte();
+        kvRequireTables();
         $numero = boNumero($_POST, 'recesso', 0, PHP_INT_MAX);
         kvQuery('UPDATE kv_recessi SET stato = ? WHERE id = ?', [$stato, $numero]);
         if (kvRigheToccate() === 1) {
-            kvToccaOrdine((int) (kvRiga('SELECT ordine FROM kv_recessi WHERE id = ?', [$numero])['ordine'] ?? 0));
+            kvTouchOrder((int) (kvRiga('SELECT ordine FROM kv_recessi WHERE id = ?', [$numero])['ordine'] ?? 0));
             boAvvisa('Lo stato del recesso è ora: ' . $stato . '.');
         }
     }

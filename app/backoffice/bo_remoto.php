@@ -32,7 +32,7 @@ function boRemotoCampi(): array
 /** The key as bytes; ends the request when the shop has none. */
 function boRemotoChiave(): string
 {
-    $chiave = kvStato('chiave_ordini');
+    $chiave = kvStoredValue('chiave_ordini');
     if (!preg_match('/^[0-9a-f]{64}$/D', $chiave)) {
         boRemotoRifiuta(403, 'chiave');
     }
@@ -45,7 +45,7 @@ function boRemotoAmmetti(array $campi, string $chiave): void
     $firma = hash_hmac('sha256', BO_PROTOCOLLO . "\n{$campi['ora']}\n{$campi['numero']}\n{$campi['dati']}", $chiave);
     if (!hash_equals($firma, strtolower($campi['firma']))) {
         // Others at the merchant's address, or before the same proxy, must not be able to lock the merchant out.
-        if (!kvAmmetti(kvChiaveTentativi('remoto', ''), 'firme')) {
+        if (!kvAdmitAttempt(kvAttemptsKey('remoto', ''), 'firme')) {
             header('Retry-After: 900');
             boRemotoRifiuta(429, 'tentativi');
         }
@@ -68,7 +68,7 @@ function boRemotoNumeroNuovo(string $numero, int $adesso): bool
         return true;
     }
     if (kvRiga('SELECT numero FROM kv_numeri WHERE numero = ?', [$numero]) === null) {
-        kvFuoriServizio();
+        kvOutOfService();
     }
     return false;
 }

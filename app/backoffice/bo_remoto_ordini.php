@@ -19,7 +19,7 @@ function boRemotoRighe(string $sql, array $valori = []): array
 {
     $righe = kvQuery($sql, $valori);
     if ($righe === null) {
-        kvFuoriServizio();
+        kvOutOfService();
     }
     return $righe ?? [];
 }
@@ -30,7 +30,7 @@ function boInUtc(callable $azione): array
     $fuso = (string) (kvRiga('SELECT @@session.time_zone AS fuso')['fuso'] ?? 'SYSTEM');
     kvQuery("SET time_zone = '+00:00'");
     $esito = $azione();
-    kvQuery("SET time_zone = '" . mysqli_real_escape_string(kvConnessione(), $fuso) . "'");
+    kvQuery("SET time_zone = '" . mysqli_real_escape_string(kvConnection(), $fuso) . "'");
     return $esito;
 }
 

@@ -20,7 +20,7 @@ function boRemotoScorte(array $dati): array
     $filtro = $cerca === '' ? ['1 = 1', []] : ['INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [$cerca]];
     $trovate = boTrovaVoci($tipo, $filtro, boRemotoIntero($dati, 'da', 0, 10000000), $quante + 1);
     if ($trovate === null) {
-        kvFuoriServizio();
+        kvOutOfService();
     }
     return ['voci' => array_map(fn($riga) => ['chiave' => kvFromCp1252((string) $riga['chiave']),
         'codice' => kvUtf8((string) $riga['codice']), 'nome' => kvUtf8(boNomeVoce($riga)),
@@ -40,7 +40,7 @@ function boRemotoScorta(array $dati): array
     }
     $fatto = boSalvaVoce($tipo, $chiave, boRemotoTesto($dati, 'prima', 12), $dopo);
     if ($fatto) {
-        kvScorteCambiate();
+        kvStockChanged();
     }
     $riga = kvRiga('SELECT disponibile, quantita FROM kv_disponibilita WHERE tipo = ? AND chiave = ?', [$tipo, $chiave]);
     return ['esito' => $fatto ? 'fatto' : 'diverso', 'voce' => boVoceRiga($riga)];

@@ -6,7 +6,7 @@
 function boSoglia(): int
 {
     static $soglia = null;
-    return $soglia = $soglia ?? kvSogliaScorte();
+    return $soglia = $soglia ?? kvLowStockLimit();
 }
 
 /** The condition of what runs short, of a row named d: still there, but few. */
@@ -28,7 +28,7 @@ function boSalvaSoglia(): void
     $soglia = kvCampo($_POST, 'soglia', 6);
     $giusta = preg_match('/^\d{1,5}$/D', $soglia) === 1;
     if ($giusta) {
-        kvMettiStato('soglia_scorte', (string) (int) $soglia);
+        kvStoreValue('soglia_scorte', (string) (int) $soglia);
     }
     boAvvisa($giusta ? 'Soglia salvata.' : "La soglia dev'essere un numero intero.", !$giusta);
 }
@@ -38,9 +38,9 @@ function boModuloSoglia(string $indirizzo): void
 {
     $azione = '<form class="filtro" method="post" accept-charset="utf-8" action="' . kvHtml($indirizzo) . '">'
         . boCampoGettone();
-    if (kvStato('scorte_condivise') !== '') {
+    if (kvStoredValue('scorte_condivise') !== '') {
         echo '<p class="avviso errore">Quantità riprese da una versione che contava insieme le opzioni di più articoli: ',
-            kvHtmlUtf8(kvStato('scorte_condivise')), '. Ogni articolo ha ora la propria: controllarle.</p>', $azione,
+            kvHtmlUtf8(kvStoredValue('scorte_condivise')), '. Ogni articolo ha ora la propria: controllarle.</p>', $azione,
             '<p><button type="submit" name="controllate" value="1">Ho controllato</button></p></form>';
     }
     echo $azione, boCampo('Avvisare da quanti pezzi in giù', 'soglia', (string) boSoglia(),

@@ -13,7 +13,7 @@ function boFonti(): array
             'chiave' => 'CONVERT(CAST(a.ID AS CHAR) USING latin1) COLLATE latin1_bin', 'gruppo' => 'a.ID',
             'campi' => 'MAX(a.ID) AS chiave, MAX(g.codice) AS codice, MAX(a.plain_titolo) AS nome',
             'cerca' => "CONCAT_WS(' ', g.codice, a.plain_titolo)", 'ordine' => 'MAX(g.codice), MAX(a.plain_titolo), a.ID'],
-        'V' => ['tabelle' => 'opcodici a INNER JOIN dettaglio g ON a.OpID IN (' . kvColonneVarianti('g')
+        'V' => ['tabelle' => 'opcodici a INNER JOIN dettaglio g ON a.OpID IN (' . kvVariantColumns('g')
                 . ') INNER JOIN articoli t ON t.ID = g.ID LEFT JOIN opzioni p ON p.ID = a.OpID',
             'chiave' => $valore, 'gruppo' => $valore,
             'campi' => "MAX($valore) AS chiave, MAX(a.codice) AS codice,"
@@ -74,11 +74,11 @@ function boSalvaVoce(string $tipo, string $chiave, string $prima, string $dopo):
 {
     // The table must stand before a transaction: making it would end one.
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
-    mysqli_begin_transaction(kvConnessione());
+    mysqli_begin_transaction(kvConnection());
     $riga = kvRiga('SELECT disponibile, quantita FROM kv_disponibilita WHERE tipo = ? AND chiave = ? FOR UPDATE',
         [$tipo, $chiave]);
     if (boVoceRiga($riga) !== $prima) {
-        mysqli_rollback(kvConnessione());
+        mysqli_rollback(kvConnection());
         return false;
     }
     list($disponibile, $quantita) = explode('|', $dopo);
@@ -88,9 +88,9 @@ function boSalvaVoce(string $tipo, string $chiave, string $prima, string $dopo):
         $esito = kvQuery('REPLACE INTO kv_disponibilita (tipo, chiave, disponibile, quantita) VALUES (?, ?, ?, ?)',
             [$tipo, $chiave, (int) $disponibile, $quantita === '' ? null : (int) $quantita]);
     }
-    if ($esito !== null && mysqli_commit(kvConnessione())) {
+    if ($esito !== null && mysqli_commit(kvConnection())) {
         return true;
     }
-    mysqli_rollback(kvConnessione());
+    mysqli_rollback(kvConnection());
     return false;
 }

@@ -21,7 +21,7 @@ function boSconto(string $testo): ?string
 /** Stores what the form says; the result is what is wrong with it, empty for nothing. */
 function boSalvaCliente(int $id): string
 {
-    kvTabellePronte();
+    kvRequireTables();
     $email = strtolower(kvLineField($_POST, 'email', 190));
     $listino = kvCampo($_POST, 'listino', 2);
     $sconto = boSconto(kvCampo($_POST, 'sconto', 8));

@@ -47,7 +47,7 @@ function boSalvaVoci(string $tipo): void
         }
     }
     if ($salvate > 0) {
-        kvScorteCambiate();
+        kvStockChanged();
         boAvvisa($salvate === 1 ? 'Disponibilità salvata.' : "$salvate disponibilità salvate.");
     }
 }
@@ -82,7 +82,7 @@ function boCelleVoce(int $n, array $riga): array
 list($boParametri, $boTabelle, $boDove, $boValori) = boFiltroDisponibilita($_GET);
 if (boInvio()) {
     if (isset($_POST['controllate'])) {
-        kvMettiStato('scorte_condivise', '');
+        kvStoreValue('scorte_condivise', '');
     } elseif (isset($_POST['soglia'])) {
         boSalvaSoglia();
     } else {

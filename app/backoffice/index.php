@@ -6,8 +6,8 @@ include "bo_base.php";
 /** Why these access data don't open the back office; empty when they do. */
 function boRifiuto(string $utente, string $password): string
 {
-    $chiavi = [kvChiaveTentativi('backoffice', $utente), kvChiaveTentativi('backoffice', '')];
-    if (!kvAmmetti($chiavi[0], 'accessi_conto') || !kvAmmetti($chiavi[1], 'accessi')) {
+    $chiavi = [kvAttemptsKey('backoffice', $utente), kvAttemptsKey('backoffice', '')];
+    if (!kvAdmitAttempt($chiavi[0], 'accessi_conto') || !kvAdmitAttempt($chiavi[1], 'accessi')) {
         return 'Troppi tentativi: riprovare tra un quarto d\'ora.';
     }
     // Both comparisons always take place, on texts of equal length.
@@ -17,7 +17,7 @@ function boRifiuto(string $utente, string $password): string
         return 'Nome utente o password errati.';
     }
     foreach ($chiavi as $chiave) {
-        kvAzzeraTentativi($chiave);
+        kvForgetAttempts($chiave);
     }
     return '';
 }

@@ -75,7 +75,7 @@ if ($boOrdine === null) {
     boChiudi(404, 'Questo ordine non esiste.');
 }
 if (boInvio()) {
-    kvTabellePronte();
+    kvRequireTables();
     $boNota = kvCampo($_POST, 'nota', 2000);
     if ($boNota !== '') {
         boAvvisa(boAnnota((int) $boOrdine['id'], 'nota', $boNota) ? 'Annotazione salvata.'

@@ -32,7 +32,7 @@ function boRemotoProva(array $dati): array
 $boCampi = boRemotoCampi();
 $boChiave = boRemotoChiave();
 boRemotoAmmetti($boCampi, $boChiave);
-kvTabellePronte();
+kvRequireTables();
 $boDati = json_decode($boCampi['dati'], true, 8);
 $boAzione = is_array($boDati) && is_string($boDati['azione'] ?? null) ? BO_AZIONI[$boDati['azione']] ?? '' : '';
 boRemotoRispondi($boChiave, $boCampi['numero'], $boAzione === ''

@@ -7,7 +7,7 @@ boRiservata();
 /** Stores the words of the form: those that differ from the shipped ones. */
 function boSalvaTesti(string $lingua): void
 {
-    kvTabellePronte();
+    kvRequireTables();
     foreach (BO_STATI as $n => $stato) {
         if (!isset($_POST["t$n"])) {
             continue;

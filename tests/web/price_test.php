@@ -161,10 +161,10 @@ runTests([
     'AForeignLetterReachesAMailInUtf8' => fn() => ["Wał \u{20AC} è", kvUtf8("Wa&#322; \x80 \xE8")],
     'AReferenceToAControlLetterIsDropped' => fn() => ['ab', kvUtf8('a&#10;b')],
     'ATitleOfTagsBecomesPlainWords' => fn() => ['Vasi &gt; Blu', TestoSemplice('<font size="1">Vasi</font> &gt; <b>Blu</b>')],
-    'AQuotedSettingComesBackAsItWas' => fn() => [['pa"ss\\\'x', 'b'], kvValori('pa\\"ss\\\\\'x' . "\r\n" . 'b')],
-    'ADatabaseAddressMayNameAPort' => fn() => [['db.example', 3307, null], kvServerDati('db.example:3307')],
-    'ADatabaseAddressMayNameASocket' => fn() => [['localhost', 0, '/run/x.sock'], kvServerDati('localhost:/run/x.sock')],
-    'ADatabaseAddressMayBeAHostAlone' => fn() => [['localhost', 0, null], kvServerDati(' localhost ')],
+    'AQuotedSettingComesBackAsItWas' => fn() => [['pa"ss\\\'x', 'b'], kvValues('pa\\"ss\\\\\'x' . "\r\n" . 'b')],
+    'ADatabaseAddressMayNameAPort' => fn() => [['db.example', 3307, null], kvDatabaseServer('db.example:3307')],
+    'ADatabaseAddressMayNameASocket' => fn() => [['localhost', 0, '/run/x.sock'], kvDatabaseServer('localhost:/run/x.sock')],
+    'ADatabaseAddressMayBeAHostAlone' => fn() => [['localhost', 0, null], kvDatabaseServer(' localhost ')],
     'AnInnerQuoteOfTheBuyLinkClosesTheAddress' => fn() =>
         ["javascript:window.status='';Acquista('A1 Vaso','122.00','0',document.itemsform.qt3.value,'op13','op23','op33',"
             . "'.5','op43',5)\" onMouseOver=\"window.status=''; return true",

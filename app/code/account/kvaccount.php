@@ -53,7 +53,7 @@ function kvMessaggio(int $numero, string $altro = ''): void
 /** Ends with a message when there were too many attempts; else counts one. */
 function kvContaTentativo(string $chiave, string $limite): void
 {
-    if (!kvAmmetti($chiave, $limite)) {
+    if (!kvAdmitAttempt($chiave, $limite)) {
         kvMessaggio(6);
     }
 }
@@ -87,8 +87,8 @@ function kvPasswordGiusta(string $pw, string $impronta): bool
 /** Access with address and password. */
 function kvAccesso(string $email, string $pw): void
 {
-    $chiave = kvChiaveTentativi('negozio', $email);
-    $indirizzo = kvChiaveTentativi('negozio', '');
+    $chiave = kvAttemptsKey('negozio', $email);
+    $indirizzo = kvAttemptsKey('negozio', '');
     kvContaTentativo($chiave, 'accessi_conto');
     kvContaTentativo($indirizzo, 'accessi');
     $riga = kvRiga('SELECT id, pw, approvato FROM kv_clienti WHERE email = ?', [$email]);
@@ -99,8 +99,8 @@ function kvAccesso(string $email, string $pw): void
     if (!kvPasswordGiusta($pw, $impronta) || $riga === null) {
         kvMessaggio(1);
     }
-    kvAzzeraTentativi($chiave);
-    kvTogliTentativo($indirizzo);
+    kvForgetAttempts($chiave);
+    kvForgetAttempt($indirizzo);
     if (password_needs_rehash($impronta, PASSWORD_DEFAULT)) {
         $impronta = password_hash($pw, PASSWORD_DEFAULT);
         kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$impronta, (int) $riga['id']]);
@@ -115,7 +115,7 @@ function kvCambiaDati(): void
     if ($id === 0) {
         kvMessaggio(4);
     }
-    kvTabellePronte();
+    kvRequireTables();
     $colonne = [];
     $valori = [];
     foreach (KV_DATI_CLIENTE as $nome => list(, $massimo)) {
@@ -153,12 +153,12 @@ function kvClienteProprio(): array
 function kvClienteSicuro(): array
 {
     $riga = kvClienteProprio();
-    $chiave = kvChiaveTentativi('negozio', $riga['email']);
+    $chiave = kvAttemptsKey('negozio', $riga['email']);
     kvContaTentativo($chiave, 'accessi_conto');
     if (!kvPasswordGiusta(kvPassword('attuale'), $riga['pw'])) {
         kvMessaggio(1);
     }
-    kvAzzeraTentativi($chiave);
+    kvForgetAttempts($chiave);
     return $riga;
 }
 
@@ -179,7 +179,7 @@ function kvEliminaAccesso(): void
         kvMessaggio(16);
     }
     if (!kvEliminaDati($riga)) {
-        kvFuoriServizio();
+        kvOutOfService();
     }
     $_SESSION = [];
     session_regenerate_id(true);
@@ -207,8 +207,8 @@ function kvPassword(string $nome): string
 /** Takes the wish for a new password. The answer is the same, and comes as soon, whether the address is known or not. */
 function kvRichiediPassword(string $email): void
 {
-    kvContaTentativo(kvChiaveConto('richiesta', $email), 'richieste_email');
-    kvContaTentativo(kvChiaveTentativi('richiesta', ''), 'richieste');
+    kvContaTentativo(kvAccountKey('richiesta', $email), 'richieste_email');
+    kvContaTentativo(kvAttemptsKey('richiesta', ''), 'richieste');
     kvAfterResponse(fn() => kvMandaPassword($email));
     kvMessaggio(10);
 }
@@ -239,7 +239,7 @@ function kvRichiestaValida(string $gettone): string
 /** The end of a request: the new password, if the token is good, and the customer is in. */
 function kvRipristina(string $gettone, string $pw): void
 {
-    kvContaTentativo(kvChiaveTentativi('ripristino', ''), 'collegamenti');
+    kvContaTentativo(kvAttemptsKey('ripristino', ''), 'collegamenti');
     $email = kvRichiestaValida($gettone);
     if ($email === '') {
         kvMessaggio(12);
@@ -252,7 +252,7 @@ function kvRipristina(string $gettone, string $pw): void
     if (kvRigheToccate() !== 1 || $riga === null) {
         kvMessaggio(12);
     }
-    kvTabellePronte();
+    kvRequireTables();
     kvQuery('UPDATE kv_clienti SET provato = 1 WHERE id = ?', [(int) $riga['id']]);
     kvApriSessione((int) $riga['id'], kvNuovaPassword((int) $riga['id'], $email, $pw));
     kvMessaggio(9);

@@ -30,7 +30,7 @@ function kvJson(?string $testo)
 /** All that is kept of a customer (a row of kv_clienti), as a document of JSON in UTF-8. */
 function kvEsportaDati(array $cliente): string
 {
-    kvTabellePronte();
+    kvRequireTables();
     list($dove, $valori) = kvOrdiniDi($cliente);
     $ordini = kvQuery("SELECT id, codice, creato, nome, email, totale, valuta, metodo, stato, lingua, pagamento, dati, riepilogo"
         . " FROM kv_ordini WHERE $dove ORDER BY id", $valori) ?? [];
@@ -92,20 +92,20 @@ function kvAnonimizzaOrdine(array $ordine): bool
 function kvEliminaDati(array $cliente): bool
 {
     // The tables must stand before the transaction: making one would end it.
-    kvTabellePronte();
+    kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_recessi WHERE id = 0');
     kvRiga('SELECT COUNT(*) FROM kv_annotazioni WHERE id = 0');
     list($dove, $valori) = kvOrdiniDi($cliente);
-    mysqli_begin_transaction(kvConnessione());
+    mysqli_begin_transaction(kvConnection());
     $ordini = kvQuery("SELECT id, dati FROM kv_ordini WHERE $dove FOR UPDATE", $valori);
     $fatto = $ordini !== null;
     foreach ($ordini ?? [] as $ordine) {
         $fatto = $fatto && kvAnonimizzaOrdine($ordine);
     }
     $fatto = $fatto && kvQuery('DELETE FROM kv_richieste WHERE email = ?', [$cliente['email']]) !== null
-        && kvQuery('DELETE FROM kv_clienti WHERE id = ?', [(int) $cliente['id']]) !== null && mysqli_commit(kvConnessione());
+        && kvQuery('DELETE FROM kv_clienti WHERE id = ?', [(int) $cliente['id']]) !== null && mysqli_commit(kvConnection());
     if (!$fatto) {
-        mysqli_rollback(kvConnessione());
+        mysqli_rollback(kvConnection());
         return false;
     }
     kvTogliOrdiniVecchi();
@@ -120,7 +120,7 @@ function kvTogliOrdiniVecchi(): void
 {
     // The table must stand before the transaction: making one would end it.
     kvRiga('SELECT COUNT(*) FROM kv_tolti WHERE id = 0');
-    mysqli_begin_transaction(kvConnessione());
+    mysqli_begin_transaction(kvConnection());
     $righe = kvQuery("SELECT id FROM kv_ordini WHERE email = '' AND cliente = 0 AND nome = ? AND YEAR(creato) < YEAR(NOW()) - "
         . KV_ANNI_ORDINI . ' FOR UPDATE', [KV_CLIENTE_ELIMINATO]);
     $fatto = $righe !== null && $righe !== [];
@@ -132,7 +132,7 @@ function kvTogliOrdiniVecchi(): void
             $fatto = $fatto && kvQuery($sql) !== null;
         }
     }
-    if (!$fatto || !mysqli_commit(kvConnessione())) {
-        mysqli_rollback(kvConnessione());
+    if (!$fatto || !mysqli_commit(kvConnection())) {
+        mysqli_rollback(kvConnection());
     }
 }

@@ -6,14 +6,14 @@
 /** Takes the registration form. What differs for a known address happens when the visitor has the answer already. */
 function kvRegistrazione(string $email, string $pw): void
 {
-    kvContaTentativo(kvChiaveTentativi('registrazione', ''), 'registrazioni');
-    kvTroppoPresto('kvMessaggio', 14);
+    kvContaTentativo(kvAttemptsKey('registrazione', ''), 'registrazioni');
+    kvRefusePrograms('kvMessaggio', 14);
     $nome = kvLineField($_POST, 'nome', 100);
     $cognome = kvLineField($_POST, 'cognome', 100);
     if (!kvIndirizzoValido($email) || kvLength($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
         kvMessaggio(2);
     }
-    kvContaTentativo(kvChiaveConto('registrazione', $email), 'registrazioni_email');
+    kvContaTentativo(kvAccountKey('registrazione', $email), 'registrazioni_email');
     $dati = ['nome' => $nome, 'cognome' => $cognome, 'pw' => password_hash($pw, PASSWORD_DEFAULT),
         'dopo' => kvCampo($_POST, 'dopo', 10)];
     kvAfterResponse(fn() => kvMandaRegistrazione($email, $dati));
@@ -23,7 +23,7 @@ function kvRegistrazione(string $email, string $pw): void
 /** Mails the link that ends a registration; to a known address, that it has an account already. */
 function kvMandaRegistrazione(string $email, array $dati): void
 {
-    kvTabellePronte();
+    kvRequireTables();
     $negozio = kvMittente();
     $oggetto = $negozio['nome'] . ' - ' . kvUtf8("<<4-registrazione_titolo>>");
     $pagina = kvUtf8("<<1-perl_shopURL>>/login<<1-IDlingua>>.php");
@@ -53,7 +53,7 @@ function kvRegistrazioneValida(string $gettone): ?array
 function kvConfermaRegistrazione(string $gettone): void
 {
     global $regpr;
-    kvContaTentativo(kvChiaveTentativi('ripristino', ''), 'collegamenti');
+    kvContaTentativo(kvAttemptsKey('ripristino', ''), 'collegamenti');
     $richiesta = kvRegistrazioneValida($gettone);
     kvQuery("UPDATE kv_richieste SET stato = 'registrata', dati = '' WHERE gettone = ? AND stato = 'registrazione'",
         [hash('sha256', $gettone)]);
@@ -62,7 +62,7 @@ function kvConfermaRegistrazione(string $gettone): void
     }
     list('email' => $email, 'dati' => $dati) = $richiesta;
     $approvato = $regpr ? 0 : 1;
-    kvTabellePronte();
+    kvRequireTables();
     $esito = kvQuery('INSERT INTO kv_clienti (email, pw, nome, cognome, approvato, provato, lingua, creato)'
         . ' VALUES (?, ?, ?, ?, ?, 1, ?, NOW())',
         [$email, (string) $dati['pw'], (string) $dati['nome'], (string) $dati['cognome'], $approvato, "<<1-IDlingua>>"]);

@@ -79,7 +79,7 @@ function kvValoriEsauriti(array $riga): array
     $id = (int) ($riga['ID'] ?? 0);
     if (!isset($letti[$id])) {
         $elenco = array_key_exists('esauriti', $riga) ? (string) $riga['esauriti']
-            : (string) (kvRiga('SELECT ' . sprintf(KV_ESAURITI, '?') . ' AS esauriti', ["$id.%"])['esauriti'] ?? '');
+            : (string) (kvRiga('SELECT ' . sprintf(KV_SOLD_OUT, '?') . ' AS esauriti', ["$id.%"])['esauriti'] ?? '');
         $letti[$id] = $elenco === '' ? [] : array_fill_keys(explode("\n", $elenco), true);
     }
     return $letti[$id];

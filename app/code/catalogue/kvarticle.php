@@ -261,22 +261,22 @@ function kvRigheGruppi(string $colonne, string $tabella, string $dopo, array $gr
 {
     include_once "kvtables.php";
     $indice = 'indice' . $GLOBALS['Lingua'];
-    if (($GLOBALS['kvStates'][$indice] ?? kvStato($indice)) !== '2') {
+    if (($GLOBALS['kvStates'][$indice] ?? kvStoredValue($indice)) !== '2') {
         return kvQuery("SELECT $colonne FROM $tabella$dopo IN (" . implode(',', array_fill(0, count($gruppi), '?'))
             . ') ORDER BY plain_titolo', $gruppi) ?? [];
     }
     // The connection stays with the character set of the catalogue: a change of it, and bound values, are trips to the
     // server. The words of the index are UTF-8 all the same, told by their bytes.
-    kvCaratteri('latin1');
-    $parole = array_map(fn($parola) => "'" . mysqli_real_escape_string(kvConnessione(), $parola) . "'", $gruppi);
-    $chiavi = array_map(fn($parola) => "_utf8mb4 x'" . bin2hex(kvGruppoIndice($parola)) . "'", $gruppi);
+    kvSetCharset('latin1');
+    $parole = array_map(fn($parola) => "'" . mysqli_real_escape_string(kvConnection(), $parola) . "'", $gruppi);
+    $chiavi = array_map(fn($parola) => "_utf8mb4 x'" . bin2hex(kvIndexGroup($parola)) . "'", $gruppi);
     $sql = "SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON $tabella.ID = v.articolo$dopo"
         . ' IN (' . implode(',', $parole) . ') AND v.gruppo IN (' . implode(',', $chiavi) . ') ORDER BY plain_titolo';
-    $esito = mysqli_query(kvConnessione(), $sql);
-    if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
-        kvTabelle();
-        kvCaratteri('latin1');
-        $esito = mysqli_query(kvConnessione(), $sql);
+    $esito = mysqli_query(kvConnection(), $sql);
+    if ($esito === false && mysqli_errno(kvConnection()) === 1146) {
+        kvUpdateTables();
+        kvSetCharset('latin1');
+        $esito = mysqli_query(kvConnection(), $sql);
     }
     return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
 }
@@ -289,10 +289,10 @@ function kvGruppiPagina(string $gruppo): array
     if (isset($gruppi[$gruppo])) {
         return $gruppi;
     }
-    $righe = $resultArt instanceof KvRighe ? $resultArt->righe : [];
+    $righe = $resultArt instanceof KvRows ? $resultArt->rows : [];
     $nuovi = array_values(array_filter(array_unique(array_merge([$gruppo], array_map('kvGruppo', $righe)))));
     $gruppi += array_fill_keys($nuovi, []);
-    $tabella = kvTabellaLingua('articoli');
+    $tabella = kvLanguageTable('articoli');
     // Beside an article that is shown alone they are cards, with picture and price: those columns come along.
     $schede = is_array($GLOBALS['kvSolo'] ?? null);
     $dopo = " INNER JOIN dettaglio ON dettaglio.ID = $tabella.ID INNER JOIN ordinamento ON ordinamento.ID = $tabella.ID"

@@ -133,8 +133,8 @@ function kvDatiPrezzo(array $riga): string
 function kvRighePagina($esito): array
 {
     static $righe = null;
-    if ($esito instanceof KvRighe) {
-        return $esito->righe;
+    if ($esito instanceof KvRows) {
+        return $esito->rows;
     }
     if ($righe === null && $esito instanceof mysqli_result) {
         $righe = [];

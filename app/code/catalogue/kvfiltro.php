@@ -65,11 +65,11 @@ function kvRigheReparto(): array
 {
     static $righe = null;
     $lette = $GLOBALS['resultArt'] ?? null;
-    if ($righe === null && $lette instanceof KvRighe && (int) ($GLOBALS['mp'] ?? 0) === 1 && !kvScelteElenco()['attiva']) {
-        $righe = array_column($lette->righe, null, 'ID');
+    if ($righe === null && $lette instanceof KvRows && (int) ($GLOBALS['mp'] ?? 0) === 1 && !kvScelteElenco()['attiva']) {
+        $righe = array_column($lette->rows, null, 'ID');
     }
     if ($righe === null) {
-        list($tabella, $n) = [kvTabellaLingua('articoli'), (string) ($GLOBALS['listino'] ?: '')];
+        list($tabella, $n) = [kvLanguageTable('articoli'), (string) ($GLOBALS['listino'] ?: '')];
         $varianti = '';
         foreach ([1, 2, 3, 4] as $posto) {
             $varianti .= ", opzione$posto" . ($n === '' ? '' : '_' . $n);
@@ -230,7 +230,7 @@ function kvCampiFiltro(array $scelte): string
 /** The form above a list; nothing for a department of one article. What it found is told below it. */
 function kvFiltri(): string
 {
-    if (!($GLOBALS['resultArt'] ?? null) instanceof KvRighe || count(kvRigheReparto()) < 2) {
+    if (!($GLOBALS['resultArt'] ?? null) instanceof KvRows || count(kvRigheReparto()) < 2) {
         return '';
     }
     $scelte = kvScelteElenco();

@@ -125,7 +125,7 @@ function kvDomandaIndice(array $parole, bool $tutte, bool $intere): array
     $trovati = count($scelte) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
         . implode(' UNION ALL ', $scelte) . ") t GROUP BY articolo HAVING COUNT(*) >= $voluti)";
     list($reparti, $segni) = [kvCondizioneReparti($valori), kvCondizioneSegni($parole, $intere, $valori)];
-    $tabella = kvTabellaLingua('articoli');
+    $tabella = kvLanguageTable('articoli');
     // Named with a table of words, the statement speaks UTF-8 as they do.
     $da = " FROM $trovati p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($segni === '' ? ''
         : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")

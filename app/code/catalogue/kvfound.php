@@ -27,10 +27,10 @@ function kvRicercaTenuta(array $richiesta): array
     $sql = "SELECT s.valore AS carico, i.valore AS indice, l.valore AS laterali, r.quanti, r.numeri FROM kv_stato s LEFT JOIN"
         . " kv_stato i ON i.nome = 'indice$lingua' LEFT JOIN kv_stato l ON l.nome = 'laterali' LEFT JOIN kv_ricerche r ON"
         . " r.chiave = '$chiave' AND r.carico = s.valore WHERE s.nome = 'carico'";
-    $esito = mysqli_query(kvConnessione(), $sql);
+    $esito = mysqli_query(kvConnection(), $sql);
     $riga = $esito instanceof mysqli_result ? mysqli_fetch_assoc($esito) : kvRiga($sql);
     if ($riga === null) {
-        return ['chiave' => $chiave, 'carico' => '', 'indice' => kvStato('indice' . $lingua), 'quanti' => null, 'numeri' => null];
+        return ['chiave' => $chiave, 'carico' => '', 'indice' => kvStoredValue('indice' . $lingua), 'quanti' => null, 'numeri' => null];
     }
     kvRememberStates(array_filter(['carico' => $riga['carico'], "indice$lingua" => $riga['indice'], 'laterali' => $riga['laterali']],
         'is_string'));

@@ -9,7 +9,7 @@ function kvTabelleLaterali(): ?array
 {
     global $kvSideTables;
     if (!isset($kvSideTables)) {
-        $esito = mysqli_query(kvConnessione(), "SELECT valore FROM kv_stato WHERE nome = 'laterali'");
+        $esito = mysqli_query(kvConnection(), "SELECT valore FROM kv_stato WHERE nome = 'laterali'");
         $riga = $esito instanceof mysqli_result ? mysqli_fetch_row($esito) : null;
         $kvSideTables = $riga === null ? false : explode(',', $riga[0]);
     }
@@ -37,8 +37,8 @@ function kvRigaLegge(string $tabella, int $id, bool $articoli = true): array
         return $kvLegalRows[$tabella][$id] ?? [];
     }
     $numeri = array_values(array_unique(array_map('intval', array_merge([$id], $articoli ? kvNumeriPagina() : []))));
-    kvCaratteri('latin1');
-    $esito = mysqli_query(kvConnessione(), "SELECT * FROM $tabella WHERE ID IN (" . implode(',', $numeri) . ')');
+    kvSetCharset('latin1');
+    $esito = mysqli_query(kvConnection(), "SELECT * FROM $tabella WHERE ID IN (" . implode(',', $numeri) . ')');
     if (!$esito instanceof mysqli_result) {
         $kvLegalRows[$tabella] = null;
         return [];
@@ -54,7 +54,7 @@ function kvRigaLegge(string $tabella, int $id, bool $articoli = true): array
 function kvNumeriPagina(): array
 {
     global $resultArt;
-    return array_merge($resultArt instanceof KvRighe ? array_column($resultArt->righe, 'ID') : [], kvNumeriVetrina());
+    return array_merge($resultArt instanceof KvRows ? array_column($resultArt->rows, 'ID') : [], kvNumeriVetrina());
 }
 
 /** The content of an article in ten-thousandths of its measure, and the word of that; null without a content. */
@@ -157,9 +157,9 @@ function kvLeggiConsegne(array $righe): void
     if ($nuove === []) {
         return;
     }
-    kvCaratteri('latin1');
-    $elenco = implode("','", array_map(fn($chiave) => mysqli_real_escape_string(kvConnessione(), $chiave), $nuove));
-    $esito = mysqli_query(kvConnessione(), "SELECT * FROM kv_consegna WHERE ID IN ('$elenco')");
+    kvSetCharset('latin1');
+    $elenco = implode("','", array_map(fn($chiave) => mysqli_real_escape_string(kvConnection(), $chiave), $nuove));
+    $esito = mysqli_query(kvConnection(), "SELECT * FROM kv_consegna WHERE ID IN ('$elenco')");
     if (!$esito instanceof mysqli_result) {
         $kvLegalRows['kv_consegna'] = null;
         return;
@@ -174,7 +174,7 @@ function kvLeggiConsegne(array $righe): void
 function kvTempoConsegna(array $riga): string
 {
     global $resultArt, $kvLegalRows, $Lingua;
-    kvLeggiConsegne(array_merge([$riga], $resultArt instanceof KvRighe ? $resultArt->righe : []));
+    kvLeggiConsegne(array_merge([$riga], $resultArt instanceof KvRows ? $resultArt->rows : []));
     foreach ([(string) ($riga['ID'] ?? ''), (string) ($riga['catID'] ?? '')] as $chiave) {
         $tempo = $kvLegalRows['kv_consegna'][$chiave] ?? [];
         if ($tempo !== []) {

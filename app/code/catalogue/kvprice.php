@@ -216,7 +216,7 @@ function kvAcquistoNegato(): bool
  * The one article that the address asks for of a page (`prod`). Before it are those that the loop of the page counts and
  * doesn't show: of these the number alone. Null where none is asked for, and where there is none.
  */
-function kvArticoloPagina(string $sql, string $tabella): ?KvRighe
+function kvArticoloPagina(string $sql, string $tabella): ?KvRows
 {
     $posto = (int) ($_GET['prod'] ?? 0);
     $forma = "/^SELECT \\*, $tabella\\.pagina as 'linkPage' FROM $tabella INNER JOIN dettaglio USING \\(ID\\) INNER JOIN ordinamento"
@@ -231,18 +231,18 @@ function kvArticoloPagina(string $sql, string $tabella): ?KvRighe
         . " 'A' AND s.chiave = CAST($tabella.ID AS CHAR CHARACTER SET latin1) WHERE $parti[1] AND contatore = '$posto'");
     $esauriti = count($righe) === 1 ? kvEsauritiArticolo($righe[0]) : null;
     return $esauriti === null ? null
-        : new KvRighe(array_merge(array_fill(0, $posto - 1, ['ID' => '0']), [$righe[0] + $esauriti]));
+        : new KvRows(array_merge(array_fill(0, $posto - 1, ['ID' => '0']), [$righe[0] + $esauriti]));
 }
 
 /** The rows of a statement without bound values; none when the server refused it. */
 function kvRigheDirette(string $sql): array
 {
-    $esito = mysqli_query(kvConnessione(), $sql);
+    $esito = mysqli_query(kvConnection(), $sql);
     return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
 }
 
 /**
- * The keys of the sold out values of an article as kvArticoliPagina adds them to its row, asked for where it has variants;
+ * The keys of the sold out values of an article as kvPageArticles adds them to its row, asked for where it has variants;
  * null when their table isn't there.
  */
 function kvEsauritiArticolo(array $riga): ?array
@@ -251,7 +251,7 @@ function kvEsauritiArticolo(array $riga): ?array
         return ['esauriti' => null];
     }
     $id = (int) $riga['ID'];
-    $esito = mysqli_query(kvConnessione(), "SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE '$id.%'"
+    $esito = mysqli_query(kvConnection(), "SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE '$id.%'"
         . ' AND (disponibile = 0 OR quantita <= 0)');
     return $esito instanceof mysqli_result
         ? ['esauriti' => implode("\n", array_column(mysqli_fetch_all($esito), 0)) ?: null] : null;
@@ -263,13 +263,13 @@ function kvArticoli(array $numeri): array
     static $letti = [];
     $mancanti = array_values(array_diff(array_map('intval', $numeri), array_keys($letti)));
     if ($mancanti !== []) {
-        $tabella = kvTabellaLingua('articoli');
+        $tabella = kvLanguageTable('articoli');
         $letti += array_fill_keys($mancanti, null);
         $sql = "SELECT STRAIGHT_JOIN *, $tabella.pagina AS linkPage FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento"
             . " USING (ID) LEFT JOIN kv_offerte USING (ID) WHERE $tabella.ID IN (" . implode(',', $mancanti) . ')';
         // Numbers alone need no binding, which takes two more trips to the server.
-        kvCaratteri('latin1');
-        $esito = mysqli_query(kvConnessione(), $sql);
+        kvSetCharset('latin1');
+        $esito = mysqli_query(kvConnection(), $sql);
         $righe = $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : kvQuery($sql);
         foreach ($righe ?? [] as $riga) {
             $letti[(int) $riga['ID']] = $riga;

@@ -59,7 +59,7 @@ function kvTrova(array $parole, bool $tutte, bool $intere, int $perPagina, int $
     if (kvIndicePronto($tenuta, $parole, $tutte)) {
         return kvTrovaIndice($tenuta, fn() => kvDomandaIndice($parole, $tutte, $intere), $perPagina, $pagina);
     }
-    $tabella = kvTabellaLingua('articoli');
+    $tabella = kvLanguageTable('articoli');
     $valori = [];
     $da = " FROM $tabella INNER JOIN dettaglio USING (ID) INNER JOIN ordinamento USING (ID)"
         . ' INNER JOIN categorie ON categorie.ID = catID WHERE categorie.inaccessibile' . ($listino ?: '')

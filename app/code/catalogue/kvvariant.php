@@ -21,7 +21,7 @@ function kvVariantiPagina(): array
 {
     global $resultArt, $listino;
     $numeri = [];
-    foreach ($resultArt instanceof KvRighe ? $resultArt->righe : [] as $riga) {
+    foreach ($resultArt instanceof KvRows ? $resultArt->rows : [] as $riga) {
         foreach (kvVariantiRiga($riga, $listino) as $id) {
             $numeri[] = $id;
         }
@@ -35,7 +35,7 @@ function kvLeggiVarianti(array $numeri): array
     static $letti = [];
     $mancanti = array_values(array_unique(array_diff($numeri, array_keys($letti))));
     if ($mancanti !== []) {
-        $tabella = kvTabellaLingua('opzioni');
+        $tabella = kvLanguageTable('opzioni');
         $letti += array_fill_keys($mancanti, null);
         // Numbers that the database gave: one trip to the server, where a bound statement takes three.
         $elenco = implode(',', array_map('intval', $mancanti));

@@ -6,36 +6,36 @@
 // are bound, never pasted.
 
 /** The tables whose texts are UTF-8; a statement about one of them takes and gives UTF-8. */
-const KV_TABELLE_UTF8 = '/\bkv_(?:clienti|ordini|recessi|richieste|stato|annotazioni|testi|ricerche|(?:parole|vocaboli|voci)(?:_l[2-4])?)\b/';
+const KV_UTF8_TABLES = '/\bkv_(?:clienti|ordini|recessi|richieste|stato|annotazioni|testi|ricerche|(?:parole|vocaboli|voci)(?:_l[2-4])?)\b/';
 
 /** The lines of a block of settings. */
-function kvLinee(string $blocco): array
+function kvLinee(string $block): array
 {
-    return preg_split('/\r\n|\n|\r/', $blocco);
+    return preg_split('/\r\n|\n|\r/', $block);
 }
 
 /** The same, freed of the backslash that the build puts before each quote of a value. */
-function kvValori(string $blocco): array
+function kvValues(string $block): array
 {
-    return kvLinee(preg_replace('/\\\\(["\'])/', '$1', $blocco));
+    return kvLinee(preg_replace('/\\\\(["\'])/', '$1', $block));
 }
 
 /**
  * A database address as the settings hold it: host, port and socket. "host", "host:3307", "host:/path/of/socket",
  * "[::1]:3307"; a port of 0 and a null socket stand for the server's own.
  */
-function kvServerDati(string $indirizzo): array
+function kvDatabaseServer(string $address): array
 {
-    if (!preg_match('/^(\[[^\]]*\]|[^:]*):(\d+|\/.*)$/', trim($indirizzo), $parti)) {
-        return [trim($indirizzo), 0, null];
+    if (!preg_match('/^(\[[^\]]*\]|[^:]*):(\d+|\/.*)$/', trim($address), $parts)) {
+        return [trim($address), 0, null];
     }
-    $socket = $parti[2][0] === '/';
-    return [$parti[1] === '' || $socket ? 'localhost' : $parti[1], $socket ? 0 : (int) $parti[2],
-            $socket ? $parti[2] : null];
+    $socket = $parts[2][0] === '/';
+    return [$parts[1] === '' || $socket ? 'localhost' : $parts[1], $socket ? 0 : (int) $parts[2],
+            $socket ? $parts[2] : null];
 }
 
 /** Ends the page: the shop can't be served for a moment. */
-function kvFuoriServizio(): void
+function kvOutOfService(): void
 {
     http_response_code(503);
     header('Retry-After: 120');
@@ -50,13 +50,13 @@ function kvFuoriServizio(): void
 }
 
 /** The connection; ends the page with a notice when the server can't be reached. */
-function kvConnessione(): mysqli
+function kvConnection(): mysqli
 {
-    static $connessione = null;
-    if ($connessione !== null) {
-        return $connessione;
+    static $connection = null;
+    if ($connection !== null) {
+        return $connection;
     }
-    $accesso = kvValori(<<<'KORVANE_VALORI'
+    $access = kvValues(<<<'KORVANE_VALORI'
 <<1-db_hostname>>
 <<1-db_username>>
 <<1-db_password>>
@@ -64,64 +64,64 @@ function kvConnessione(): mysqli
 KORVANE_VALORI
     );
     mysqli_report(MYSQLI_REPORT_OFF);
-    $nuova = mysqli_init();
+    $isNew = mysqli_init();
     // The character set goes along with the greeting: a SET NAMES would be one more trip to the server.
-    mysqli_options($nuova, MYSQLI_SET_CHARSET_NAME, 'latin1');
-    list($host, $porta, $socket) = kvServerDati($accesso[0]);
-    if (!@mysqli_real_connect($nuova, $host, $accesso[1], $accesso[2], $accesso[3], $porta, $socket)) {
+    mysqli_options($isNew, MYSQLI_SET_CHARSET_NAME, 'latin1');
+    list($host, $port, $socket) = kvDatabaseServer($access[0]);
+    if (!@mysqli_real_connect($isNew, $host, $access[1], $access[2], $access[3], $port, $socket)) {
         error_log('Shop database: ' . mysqli_connect_error());
-        kvFuoriServizio();
+        kvOutOfService();
     }
-    $connessione = $nuova;
-    return $connessione;
+    $connection = $isNew;
+    return $connection;
 }
 
 /** Lets the connection speak a character set: latin1, as it does from the start, or utf8mb4. */
-function kvCaratteri(string $insieme): void
+function kvSetCharset(string $charset): void
 {
-    static $attuale = 'latin1';
-    $connessione = kvConnessione();
-    if ($insieme !== $attuale && mysqli_set_charset($connessione, $insieme)) {
-        $attuale = $insieme;
+    static $current = 'latin1';
+    $connection = kvConnection();
+    if ($charset !== $current && mysqli_set_charset($connection, $charset)) {
+        $current = $charset;
     }
 }
 
 /**
- * Runs one statement with bound values: its result object or true. False when the server refused it; `guasto` then holds
+ * Runs one statement with bound values: its result object or true. False when the server refused it; `failure` then holds
  * number and words of its reason.
  */
-function kvEseguiLegata(string $sql, array $valori, ?array &$guasto = null)
+function kvRunBound(string $sql, array $values, ?array &$failure = null)
 {
-    kvCaratteri(preg_match(KV_TABELLE_UTF8, $sql) ? 'utf8mb4' : 'latin1');
-    $istruzione = mysqli_prepare(kvConnessione(), $sql);
-    if ($istruzione === false) {
-        $guasto = [mysqli_errno(kvConnessione()), mysqli_error(kvConnessione())];
+    kvSetCharset(preg_match(KV_UTF8_TABLES, $sql) ? 'utf8mb4' : 'latin1');
+    $statement = mysqli_prepare(kvConnection(), $sql);
+    if ($statement === false) {
+        $failure = [mysqli_errno(kvConnection()), mysqli_error(kvConnection())];
         return false;
     }
-    if ($valori !== []) {
-        $tipi = '';
-        foreach ($valori as $valore) {
-            $tipi .= is_int($valore) ? 'i' : (is_float($valore) ? 'd' : 's');
+    if ($values !== []) {
+        $kinds = '';
+        foreach ($values as $value) {
+            $kinds .= is_int($value) ? 'i' : (is_float($value) ? 'd' : 's');
         }
-        mysqli_stmt_bind_param($istruzione, $tipi, ...array_values($valori));
+        mysqli_stmt_bind_param($statement, $kinds, ...array_values($values));
     }
-    if (!mysqli_stmt_execute($istruzione)) {
-        $guasto = [mysqli_stmt_errno($istruzione), mysqli_stmt_error($istruzione)];
+    if (!mysqli_stmt_execute($statement)) {
+        $failure = [mysqli_stmt_errno($statement), mysqli_stmt_error($statement)];
         return false;
     }
-    $esito = mysqli_stmt_get_result($istruzione);
-    kvRigheToccate((int) mysqli_stmt_affected_rows($istruzione));
-    return $esito === false ? true : $esito;
+    $result = mysqli_stmt_get_result($statement);
+    kvRigheToccate((int) mysqli_stmt_affected_rows($statement));
+    return $result === false ? true : $result;
 }
 
 /** How many rows the last statement of kvQuery changed. With an argument it keeps that number. */
-function kvRigheToccate(?int $nuove = null): int
+function kvRigheToccate(?int $newOnes = null): int
 {
-    static $righe = 0;
-    if ($nuove !== null) {
-        $righe = $nuove;
+    static $rows = 0;
+    if ($newOnes !== null) {
+        $rows = $newOnes;
     }
-    return $righe;
+    return $rows;
 }
 
 /**
@@ -129,55 +129,55 @@ function kvRigheToccate(?int $nuove = null): int
  * statement; null when the server refused it, with the reason in the server's error log. The shop's own tables
  * (kv_...) are made when the first statement misses them.
  */
-function kvQuery(string $sql, array $valori = []): ?array
+function kvQuery(string $sql, array $values = []): ?array
 {
-    $esito = kvEseguiLegata($sql, $valori, $guasto);
+    $result = kvRunBound($sql, $values, $failure);
     // 1146 is "no such table", 1062 "duplicate entry". Source: MySQL 8.0 Error Reference.
-    if ($esito === false && $guasto[0] === 1146 && strpos($sql, 'kv_') !== false) {
+    if ($result === false && $failure[0] === 1146 && strpos($sql, 'kv_') !== false) {
         include_once "kvtables.php";
-        kvTabelle();
-        $esito = kvEseguiLegata($sql, $valori, $guasto);
+        kvUpdateTables();
+        $result = kvRunBound($sql, $values, $failure);
     }
-    if ($esito === false) {
+    if ($result === false) {
         // A key that is there already is an answer, which the caller asked for.
-        if ($guasto[0] !== 1062) {
-            error_log('Shop database: ' . $guasto[1]);
+        if ($failure[0] !== 1062) {
+            error_log('Shop database: ' . $failure[1]);
         }
         return null;
     }
-    return $esito === true ? [] : mysqli_fetch_all($esito, MYSQLI_ASSOC);
+    return $result === true ? [] : mysqli_fetch_all($result, MYSQLI_ASSOC);
 }
 
 /** The first row of a query, null when there is none. */
-function kvRiga(string $sql, array $valori = []): ?array
+function kvRiga(string $sql, array $values = []): ?array
 {
-    $righe = kvQuery($sql, $valori);
-    return $righe ? $righe[0] : null;
+    $rows = kvQuery($sql, $values);
+    return $rows ? $rows[0] : null;
 }
 
 /** The table of the visitor's language: `articoli` or `opzioni` with the language suffix. */
-function kvTabellaLingua(string $tabella): string
+function kvLanguageTable(string $table): string
 {
-    $suffisso = (string) ($GLOBALS['Lingua'] ?? '');
-    return preg_match('/^_l[2-4]$/', $suffisso) ? $tabella . $suffisso : $tabella;
+    $suffix = (string) ($GLOBALS['Lingua'] ?? '');
+    return preg_match('/^_l[2-4]$/', $suffix) ? $table . $suffix : $table;
 }
 
 /** The articles of a department page as mysql_query gives them: all rows by column name, read one after the other. */
-final class KvRighe
+final class KvRows
 {
     /** @var array[] */
-    public $righe;
+    public $rows;
     /** @var int */
-    public $prossima = 0;
+    public $next = 0;
 
-    public function __construct(array $righe)
+    public function __construct(array $rows)
     {
-        $this->righe = $righe;
+        $this->rows = $rows;
     }
 }
 
 /** The keys of the sold out values of an article, one a line; the pattern of its keys stands for the mark. */
-const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE %s"
+const KV_SOLD_OUT = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE %s"
     . ' AND (disponibile = 0 OR quantita <= 0))';
 
 /**
@@ -186,51 +186,51 @@ const KV_ESAURITI = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponi
  * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`;
  * `offerte` tells of offers at the list price, see kvPrezzi.
  */
-function kvArticoliPagina(string $sql)
+function kvPageArticles(string $sql)
 {
-    $esito = false;
-    $scelti = function_exists('kvScelteElenco') && kvScelteElenco()['attiva'];
-    $sql = $scelti ? kvSqlScelti($sql) : $sql;
-    kvCaratteri('latin1');
-    if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parti)) {
-        $solo = $scelti || !function_exists('kvArticoloPagina') ? null : kvArticoloPagina($sql, $parti[1]);
-        if ($solo !== null) {
-            return $solo;
+    $result = false;
+    $chosen = function_exists('kvScelteElenco') && kvScelteElenco()['attiva'];
+    $sql = $chosen ? kvSqlScelti($sql) : $sql;
+    kvSetCharset('latin1');
+    if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parts)) {
+        $only = $chosen || !function_exists('kvArticoloPagina') ? null : kvArticoloPagina($sql, $parts[1]);
+        if ($only !== null) {
+            return $only;
         }
-        $id = "CAST($parti[1].ID AS CHAR CHARACTER SET latin1)";
-        $esauriti = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
+        $id = "CAST($parts[1].ID AS CHAR CHARACTER SET latin1)";
+        $soldOut = "EXISTS (SELECT 1 FROM kv_disponibilita WHERE tipo = 'V')";
         // The order of the tables is the one by their keys: to find that out takes the server longer than to read them.
-        $intera = str_replace([' WHERE ', " FROM $parti[1] "], [
+        $whole = str_replace([' WHERE ', " FROM $parts[1] "], [
             " LEFT JOIN kv_offerte USING (ID) LEFT JOIN kv_disponibilita s ON s.tipo = 'A' AND s.chiave = $id WHERE ",
-            ", $esauriti AS esauriti FROM $parti[1] "], $sql);
-        $esito = mysqli_query(kvConnessione(), preg_replace('/\ASELECT /', 'SELECT STRAIGHT_JOIN ', $intera));
-        if ($esito === false && mysqli_errno(kvConnessione()) === 1146) {
+            ", $soldOut AS esauriti FROM $parts[1] "], $sql);
+        $result = mysqli_query(kvConnection(), preg_replace('/\ASELECT /', 'SELECT STRAIGHT_JOIN ', $whole));
+        if ($result === false && mysqli_errno(kvConnection()) === 1146) {
             include_once "kvtables.php";
-            kvTabelle();
-            kvCaratteri('latin1');
+            kvUpdateTables();
+            kvSetCharset('latin1');
         }
     }
-    $esito = $esito === false ? mysqli_query(kvConnessione(), $sql) : $esito;
-    if (!$esito instanceof mysqli_result) {
-        return $esito;
+    $result = $result === false ? mysqli_query(kvConnection(), $sql) : $result;
+    if (!$result instanceof mysqli_result) {
+        return $result;
     }
-    $righe = kvConEsauriti(mysqli_fetch_all($esito, MYSQLI_ASSOC));
-    usort($righe, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
-    return new KvRighe($scelti ? kvOrdinaScelti($righe) : $righe);
+    $rows = kvWithSoldOut(mysqli_fetch_all($result, MYSQLI_ASSOC));
+    usort($rows, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
+    return new KvRows($chosen ? kvOrdinaScelti($rows) : $rows);
 }
 
 /**
  * The rows with their sold out values in `esauriti`, where they came with the word whether any value of the shop is
  * limited. Read by the key of each article: where a key comes from another row, the server looks through all of them.
  */
-function kvConEsauriti(array $righe): array
+function kvWithSoldOut(array $rows): array
 {
-    $numeri = array_map('intval', array_column(array_filter($righe, fn($riga) => $riga['esauriti'] ?? false), 'ID'));
-    $scelte = array_map(fn($id) => sprintf(KV_ESAURITI, "'$id.%'") . " AS e$id", array_unique($numeri));
-    $esito = $scelte === [] ? false : mysqli_query(kvConnessione(), 'SELECT ' . implode(', ', $scelte));
-    $esauriti = $esito instanceof mysqli_result ? mysqli_fetch_assoc($esito) : [];
-    return array_map(fn($riga) => array_key_exists('esauriti', $riga)
-        ? ['esauriti' => $esauriti['e' . (int) $riga['ID']] ?? null] + $riga : $riga, $righe);
+    $numbers = array_map('intval', array_column(array_filter($rows, fn($row) => $row['esauriti'] ?? false), 'ID'));
+    $choices = array_map(fn($id) => sprintf(KV_SOLD_OUT, "'$id.%'") . " AS e$id", array_unique($numbers));
+    $result = $choices === [] ? false : mysqli_query(kvConnection(), 'SELECT ' . implode(', ', $choices));
+    $soldOut = $result instanceof mysqli_result ? mysqli_fetch_assoc($result) : [];
+    return array_map(fn($row) => array_key_exists('esauriti', $row)
+        ? ['esauriti' => $soldOut['e' . (int) $row['ID']] ?? null] + $row : $row, $rows);
 }
 
 // The calls of the extension that PHP 7 left out, as far as pages, modules and merchants' own templates use them.
@@ -242,116 +242,116 @@ if (!function_exists('mysql_query')) {
     define('MYSQL_BOTH', 3);
 
     /** A result set; true for a statement without rows; false on a failure, told by mysql_error. */
-    function mysql_query(string $sql, $collegamento = null)
+    function mysql_query(string $sql, $link = null)
     {
         // A department page reads the articles of all its sub-pages to learn the number of the last one, which the
         // first row tells.
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
             if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
-                return new KvRighe([['sottopagina' => kvPagineScelte()]]);
+                return new KvRows([['sottopagina' => kvPagineScelte()]]);
             }
-            list($pagina, $ultima) = $GLOBALS['kvLastPage'] ?? ['', null];
-            if ($pagina !== '' && $sql === 'SELECT * FROM ' . kvTabellaLingua('articoli') . " WHERE pagina='$pagina' ORDER BY sottopagina DESC") {
-                return new KvRighe($ultima === null ? [] : [['sottopagina' => $ultima]]);
+            list($page, $last) = $GLOBALS['kvLastPage'] ?? ['', null];
+            if ($page !== '' && $sql === 'SELECT * FROM ' . kvLanguageTable('articoli') . " WHERE pagina='$page' ORDER BY sottopagina DESC") {
+                return new KvRows($last === null ? [] : [['sottopagina' => $last]]);
             }
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
-            return kvArticoliPagina(substr($sql, 0, -27));
+            return kvPageArticles(substr($sql, 0, -27));
         } elseif (function_exists('kvArticolo')
             && preg_match('/^SELECT \* FROM (articoli\w*) INNER JOIN dettaglio USING \(ID\) INNER JOIN ordinamento USING'
-                . ' \(ID\) WHERE \1\.ID=(\d+)$/D', $sql, $parti) && $parti[1] === kvTabellaLingua('articoli')) {
+                . ' \(ID\) WHERE \1\.ID=(\d+)$/D', $sql, $parts) && $parts[1] === kvLanguageTable('articoli')) {
             // The showcase asks for the mark of each of its articles.
-            return new KvRighe(array_filter([kvArticolo((int) $parti[2])]));
+            return new KvRows(array_filter([kvArticolo((int) $parts[2])]));
         }
-        kvCaratteri('latin1');
-        return mysqli_query(kvConnessione(), $sql);
+        kvSetCharset('latin1');
+        return mysqli_query(kvConnection(), $sql);
     }
 
-    function mysql_num_rows($esito): int
+    function mysql_num_rows($result): int
     {
-        if ($esito instanceof KvRighe) {
-            return count($esito->righe);
+        if ($result instanceof KvRows) {
+            return count($result->rows);
         }
-        return $esito instanceof mysqli_result ? (int) mysqli_num_rows($esito) : 0;
+        return $result instanceof mysqli_result ? (int) mysqli_num_rows($result) : 0;
     }
 
-    function mysql_num_fields($esito): int
+    function mysql_num_fields($result): int
     {
-        return $esito instanceof mysqli_result ? (int) mysqli_num_fields($esito) : 0;
+        return $result instanceof mysqli_result ? (int) mysqli_num_fields($result) : 0;
     }
 
     /**
      * The next row by number and by name; false behind the last one and for a failed query. Articles of a department
      * page come by name alone.
      */
-    function mysql_fetch_array($esito, int $forma = MYSQL_BOTH)
+    function mysql_fetch_array($result, int $pattern = MYSQL_BOTH)
     {
-        if ($esito instanceof KvRighe) {
-            return $esito->righe[$esito->prossima++] ?? false;
+        if ($result instanceof KvRows) {
+            return $result->rows[$result->next++] ?? false;
         }
-        return ($esito instanceof mysqli_result ? mysqli_fetch_array($esito, $forma) : null) ?? false;
+        return ($result instanceof mysqli_result ? mysqli_fetch_array($result, $pattern) : null) ?? false;
     }
 
-    function mysql_fetch_assoc($esito)
+    function mysql_fetch_assoc($result)
     {
-        return mysql_fetch_array($esito, MYSQL_ASSOC);
+        return mysql_fetch_array($result, MYSQL_ASSOC);
     }
 
-    function mysql_fetch_row($esito)
+    function mysql_fetch_row($result)
     {
-        return mysql_fetch_array($esito, MYSQL_NUM);
+        return mysql_fetch_array($result, MYSQL_NUM);
     }
 
-    function mysql_data_seek($esito, int $riga): bool
+    function mysql_data_seek($result, int $row): bool
     {
-        if ($esito instanceof KvRighe) {
-            $esito->prossima = $riga;
-            return isset($esito->righe[$riga]);
+        if ($result instanceof KvRows) {
+            $result->next = $row;
+            return isset($result->rows[$row]);
         }
-        return $esito instanceof mysqli_result && mysqli_data_seek($esito, $riga);
+        return $result instanceof mysqli_result && mysqli_data_seek($result, $row);
     }
 
     /** One field of a row, by its number or name; false when there is none. */
-    function mysql_result($esito, int $riga, $campo = 0)
+    function mysql_result($result, int $row, $field = 0)
     {
-        return mysql_data_seek($esito, $riga) ? (mysql_fetch_array($esito)[$campo] ?? false) : false;
+        return mysql_data_seek($result, $row) ? (mysql_fetch_array($result)[$field] ?? false) : false;
     }
 
-    function mysql_free_result($esito): bool
+    function mysql_free_result($result): bool
     {
-        if ($esito instanceof mysqli_result) {
-            mysqli_free_result($esito);
+        if ($result instanceof mysqli_result) {
+            mysqli_free_result($result);
         }
         return true;
     }
 
-    function mysql_error($collegamento = null): string
+    function mysql_error($link = null): string
     {
-        return mysqli_error(kvConnessione());
+        return mysqli_error(kvConnection());
     }
 
-    function mysql_errno($collegamento = null): int
+    function mysql_errno($link = null): int
     {
-        return mysqli_errno(kvConnessione());
+        return mysqli_errno(kvConnection());
     }
 
-    function mysql_affected_rows($collegamento = null): int
+    function mysql_affected_rows($link = null): int
     {
-        return (int) mysqli_affected_rows(kvConnessione());
+        return (int) mysqli_affected_rows(kvConnection());
     }
 
-    function mysql_insert_id($collegamento = null): int
+    function mysql_insert_id($link = null): int
     {
-        return (int) mysqli_insert_id(kvConnessione());
+        return (int) mysqli_insert_id(kvConnection());
     }
 
-    function mysql_real_escape_string(string $testo, $collegamento = null): string
+    function mysql_real_escape_string(string $text, $link = null): string
     {
-        return mysqli_real_escape_string(kvConnessione(), $testo);
+        return mysqli_real_escape_string(kvConnection(), $text);
     }
 
-    function mysql_escape_string(string $testo): string
+    function mysql_escape_string(string $text): string
     {
-        return mysqli_real_escape_string(kvConnessione(), $testo);
+        return mysqli_real_escape_string(kvConnection(), $text);
     }
 }

@@ -2,10 +2,10 @@
 // ***1.0.7***
 // How much one visitor may ask for: attempts are counted in kv_tentativi, under hashes that tell neither address nor
 // account. A merchant whose customers come from one address, as behind some providers, may put a script kvlimiti.php
-// among the shop's pictures, which brings it here: it returns other values by the names of KV_LIMITI.
+// among the shop's pictures, which brings it here: it returns other values by the names of KV_LIMITS.
 
 /** Most attempts within so many minutes. */
-const KV_LIMITI = [
+const KV_LIMITS = [
     'accessi_conto' => [5, 15],         // to one account from one address
     'accessi' => [20, 15],              // to any accounts from one address
     'registrazioni' => [20, 15],        // from one address
@@ -20,93 +20,93 @@ const KV_LIMITI = [
     'firme' => [10, 15],                // wrong signatures of requests for orders, from one address
 ];
 /** Seconds that a person takes at least to fill an order or a registration. */
-const KV_TEMPO_MINIMO = 3;
+const KV_LEAST_TIME = 3;
 
 /** A limit by its name; `tempo_minimo` is a number of seconds, all others a number of attempts and of minutes. */
-function kvLimite(string $nome)
+function kvLimit(string $name)
 {
-    static $propri = null;
-    if ($propri === null) {
-        $propri = is_file(__DIR__ . '/kvlimiti.php') ? include __DIR__ . '/kvlimiti.php' : [];
-        $propri = is_array($propri) ? $propri : [];
+    static $own = null;
+    if ($own === null) {
+        $own = is_file(__DIR__ . '/kvlimiti.php') ? include __DIR__ . '/kvlimiti.php' : [];
+        $own = is_array($own) ? $own : [];
     }
-    return $propri[$nome] ?? ($nome === 'tempo_minimo' ? KV_TEMPO_MINIMO : KV_LIMITI[$nome]);
+    return $own[$name] ?? ($name === 'tempo_minimo' ? KV_LEAST_TIME : KV_LIMITS[$name]);
 }
 
 /** The visitor's address; of an IPv6 one the half that a provider gives to a household. Source: RFC 6177, section 2. */
-function kvIndirizzoVisitatore(): string
+function kvVisitorAddress(): string
 {
-    $indirizzo = (string) ($_SERVER['REMOTE_ADDR'] ?? '');
-    $byte = @inet_pton($indirizzo);
-    return $byte !== false && strlen($byte) === 16 ? bin2hex(substr($byte, 0, 8)) : $indirizzo;
+    $address = (string) ($_SERVER['REMOTE_ADDR'] ?? '');
+    $bytes = @inet_pton($address);
+    return $bytes !== false && strlen($bytes) === 16 ? bin2hex(substr($bytes, 0, 8)) : $address;
 }
 
 /** The name under which the attempts at one account from one address are kept. */
-function kvChiaveTentativi(string $dove, string $conto): string
+function kvAttemptsKey(string $where, string $account): string
 {
-    return kvChiaveConto($dove, $conto . "\n" . kvIndirizzoVisitatore());
+    return kvAccountKey($where, $account . "\n" . kvVisitorAddress());
 }
 
 /** The same for attempts from any address. */
-function kvChiaveConto(string $dove, string $conto): string
+function kvAccountKey(string $where, string $account): string
 {
-    return hash('sha256', $dove . "\n" . strtolower($conto));
+    return hash('sha256', $where . "\n" . strtolower($account));
 }
 
 /** How many attempts of the last minutes stand under a name. */
-function kvTentativi(string $chiave, int $minuti): int
+function kvAttempts(string $key, int $minutes): int
 {
-    return (int) (kvRiga("SELECT COUNT(*) AS n FROM kv_tentativi WHERE chiave = ? AND quando > NOW() - INTERVAL $minuti MINUTE",
-        [$chiave])['n'] ?? 0);
+    return (int) (kvRiga("SELECT COUNT(*) AS n FROM kv_tentativi WHERE chiave = ? AND quando > NOW() - INTERVAL $minutes MINUTE",
+        [$key])['n'] ?? 0);
 }
 
 /** Whether a limit bars another attempt. */
-function kvTroppiTentativi(string $chiave, string $limite): bool
+function kvTooManyAttempts(string $key, string $limit): bool
 {
-    list($massimo, $minuti) = kvLimite($limite);
-    return kvTentativi($chiave, (int) $minuti) >= $massimo;
+    list($most, $minutes) = kvLimit($limit);
+    return kvAttempts($key, (int) $minutes) >= $most;
 }
 
 /** Counts an attempt before its outcome is known, so that many at a time don't slip through; sweeps old ones. */
-function kvSegnaTentativo(string $chiave): void
+function kvCountAttempt(string $key): void
 {
-    kvQuery('INSERT INTO kv_tentativi (chiave, quando) VALUES (?, NOW())', [$chiave]);
+    kvQuery('INSERT INTO kv_tentativi (chiave, quando) VALUES (?, NOW())', [$key]);
     if (random_int(1, 50) === 1) {
         kvQuery('DELETE FROM kv_tentativi WHERE quando < NOW() - INTERVAL 1 DAY');
     }
 }
 
 /** Counts an attempt unless a limit bars it; whether it may go on. Of many at a time no more than the limit may. */
-function kvAmmetti(string $chiave, string $limite): bool
+function kvAdmitAttempt(string $key, string $limit): bool
 {
-    if (kvTroppiTentativi($chiave, $limite)) {
+    if (kvTooManyAttempts($key, $limit)) {
         return false;
     }
-    kvSegnaTentativo($chiave);
-    list($massimo, $minuti) = kvLimite($limite);
-    return kvTentativi($chiave, (int) $minuti) <= $massimo;
+    kvCountAttempt($key);
+    list($most, $minutes) = kvLimit($limit);
+    return kvAttempts($key, (int) $minutes) <= $most;
 }
 
 /** Forgets the attempts at an account after a good one. */
-function kvAzzeraTentativi(string $chiave): void
+function kvForgetAttempts(string $key): void
 {
-    kvQuery('DELETE FROM kv_tentativi WHERE chiave = ?', [$chiave]);
+    kvQuery('DELETE FROM kv_tentativi WHERE chiave = ?', [$key]);
 }
 
 /** Forgets one attempt: a good access from an address says nothing for the others that came from there. */
-function kvTogliTentativo(string $chiave): void
+function kvForgetAttempt(string $key): void
 {
-    kvQuery('DELETE FROM kv_tentativi WHERE chiave = ? ORDER BY quando DESC LIMIT 1', [$chiave]);
+    kvQuery('DELETE FROM kv_tentativi WHERE chiave = ? ORDER BY quando DESC LIMIT 1', [$key]);
 }
 
 /**
  * Whether a program, not a person, filled a form: it wrote into the field that nobody sees, or was quicker than anybody.
- * Calls `rifiuta` with `motivo` if so.
+ * Calls `refuse` with `reason` if so.
  */
-function kvTroppoPresto(callable $rifiuta, $motivo): void
+function kvRefusePrograms(callable $refuse, $reason): void
 {
-    $secondi = time() - (int) ($_SESSION['gettone_ora'] ?? 0);
-    if (kvCampo($_POST, 'kv_sito', 10) !== '' || $secondi < (int) kvLimite('tempo_minimo')) {
-        $rifiuta($motivo);
+    $seconds = time() - (int) ($_SESSION['gettone_ora'] ?? 0);
+    if (kvCampo($_POST, 'kv_sito', 10) !== '' || $seconds < (int) kvLimit('tempo_minimo')) {
+        $refuse($reason);
     }
 }

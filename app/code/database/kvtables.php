@@ -4,16 +4,16 @@
 // passwords, failed attempts, words of mails. No publishing ever touches them. Shop and back office both read their definitions from this file.
 include_once "kvlimits.php";
 
-/** What the tables have become; a lower number in kv_stato asks for the steps of kvAggiornaTabelle. */
-const KV_TABELLE = 4;
+/** What the tables have become; a lower number in kv_stato asks for the steps of kvUpgradeTables. */
+const KV_TABLES = 4;
 /** When an order or what belongs to it last changed; the server sees to it. In world time, so that no hour comes twice. */
-const KV_MODIFICATO = 'TIMESTAMP(6) NOT NULL DEFAULT CURRENT_TIMESTAMP(6) ON UPDATE CURRENT_TIMESTAMP(6)';
+const KV_MODIFIED = 'TIMESTAMP(6) NOT NULL DEFAULT CURRENT_TIMESTAMP(6) ON UPDATE CURRENT_TIMESTAMP(6)';
 
 /**
  * Name and columns of each table; InnoDB, since an order and its stock change together. Texts of visitors are UTF-8; the
  * keys of availability and attempts are those of the catalogue and of hashes, in its own character set.
  */
-function kvDefinizioni(): array
+function kvDefinitions(): array
 {
     return [
         'kv_clienti' => "id INT NOT NULL AUTO_INCREMENT PRIMARY KEY, email VARCHAR(190) NOT NULL UNIQUE,"
@@ -30,7 +30,7 @@ function kvDefinizioni(): array
             . " email VARCHAR(190) NOT NULL, totale DECIMAL(12,2) NOT NULL, valuta VARCHAR(60) NOT NULL,"
             . " metodo VARCHAR(200) NOT NULL, stato VARCHAR(20) NOT NULL, lingua VARCHAR(5) NOT NULL,"
             . " pagamento VARCHAR(190) NOT NULL DEFAULT '', dati LONGTEXT NOT NULL, riepilogo MEDIUMTEXT NOT NULL,"
-            . " modificato " . KV_MODIFICATO . ", KEY creato (creato), KEY cliente (cliente), KEY modificato (modificato, id)",
+            . " modificato " . KV_MODIFIED . ", KEY creato (creato), KEY cliente (cliente), KEY modificato (modificato, id)",
         // Numbers of signed requests, none of which is taken twice; quando: seconds since 1970.
         'kv_numeri' => "numero CHAR(32) NOT NULL PRIMARY KEY, quando BIGINT NOT NULL, KEY quando (quando)",
         // tipo A: an article by its number; V: article, variant and code of a value. No row: available without limit.
@@ -61,71 +61,71 @@ function kvDefinizioni(): array
     ];
 }
 
-/** The columns of `dettaglio` that name an article's variants, for all price lists; `come` is the table's alias. */
-function kvColonneVarianti(string $come): string
+/** The columns of `dettaglio` that name an article's variants, for all price lists; `alias` is the table's alias. */
+function kvVariantColumns(string $alias): string
 {
-    $colonne = [];
+    $columns = [];
     foreach (['', '_1', '_2', '_3', '_4', '_5', '_6', '_7', '_8', '_9'] as $listino) {
-        foreach ([1, 2, 3, 4] as $posto) {
-            $colonne[] = "$come.opzione$posto$listino";
+        foreach ([1, 2, 3, 4] as $slot) {
+            $columns[] = "$alias.opzione$slot$listino";
         }
     }
-    return implode(', ', $colonne);
+    return implode(', ', $columns);
 }
 
 /** Makes the tables that aren't there yet, and brings those of an earlier shop up to date. */
-function kvTabelle(): void
+function kvUpdateTables(): void
 {
-    foreach (kvDefinizioni() as $nome => $colonne) {
-        $insieme = preg_match(KV_TABELLE_UTF8, $nome) ? 'utf8mb4' : 'latin1';
-        kvQuery("CREATE TABLE IF NOT EXISTS $nome ($colonne) ENGINE=InnoDB DEFAULT CHARSET=$insieme");
+    foreach (kvDefinitions() as $name => $columns) {
+        $set = preg_match(KV_UTF8_TABLES, $name) ? 'utf8mb4' : 'latin1';
+        kvQuery("CREATE TABLE IF NOT EXISTS $name ($columns) ENGINE=InnoDB DEFAULT CHARSET=$set");
     }
     include_once "kvupgrade.php";
-    kvAggiornaTabelle();
+    kvUpgradeTables();
 }
 
 /** Sees to it that the tables are those of this release. To be called before visitors' words are written. */
-function kvTabellePronte(): void
+function kvRequireTables(): void
 {
-    static $pronte = false;
-    if (!$pronte && (int) kvStato('tabelle') < KV_TABELLE) {
-        kvTabelle();
+    static $ready = false;
+    if (!$ready && (int) kvStoredValue('tabelle') < KV_TABLES) {
+        kvUpdateTables();
     }
-    $pronte = true;
+    $ready = true;
 }
 
 /** Marks that what belongs to an order has changed: notes, withdrawals. The tables must be those of this release. */
-function kvToccaOrdine(int $ordine): bool
+function kvTouchOrder(int $order): bool
 {
-    return kvQuery('UPDATE kv_ordini SET modificato = CURRENT_TIMESTAMP(6) WHERE id = ?', [$ordine]) !== null;
+    return kvQuery('UPDATE kv_ordini SET modificato = CURRENT_TIMESTAMP(6) WHERE id = ?', [$order]) !== null;
 }
 
 /** A group word of related articles as kv_voci has it; where two have the same beginning, the word itself decides. */
-function kvGruppoIndice(string $parola): string
+function kvIndexGroup(string $word): string
 {
-    return kvCut(strtolower(trim(kvUtf8($parola))), 60);
+    return kvCut(strtolower(trim(kvUtf8($word))), 60);
 }
 
 /** A value that the shop keeps of itself; empty when there is none. */
-function kvStato(string $nome): string
+function kvStoredValue(string $name): string
 {
-    return (string) (kvRiga('SELECT valore FROM kv_stato WHERE nome = ?', [$nome])['valore'] ?? '');
+    return (string) (kvRiga('SELECT valore FROM kv_stato WHERE nome = ?', [$name])['valore'] ?? '');
 }
 
 /** The number of pieces from which down a thing runs short: the merchant's own, else three. */
-function kvSogliaScorte(): int
+function kvLowStockLimit(): int
 {
-    $soglia = kvStato('soglia_scorte');
-    return preg_match('/^\d{1,5}$/D', $soglia) ? (int) $soglia : 3;
+    $threshold = kvStoredValue('soglia_scorte');
+    return preg_match('/^\d{1,5}$/D', $threshold) ? (int) $threshold : 3;
 }
 
 /** Marks that the stock is another one, for pages that browsers keep. */
-function kvScorteCambiate(): void
+function kvStockChanged(): void
 {
-    kvMettiStato('scorte', bin2hex(random_bytes(8)));
+    kvStoreValue('scorte', bin2hex(random_bytes(8)));
 }
 
-function kvMettiStato(string $nome, string $valore): bool
+function kvStoreValue(string $name, string $value): bool
 {
-    return kvQuery('REPLACE INTO kv_stato (nome, valore) VALUES (?, ?)', [$nome, $valore]) !== null;
+    return kvQuery('REPLACE INTO kv_stato (nome, valore) VALUES (?, ?)', [$name, $value]) !== null;
 }

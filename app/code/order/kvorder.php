@@ -237,16 +237,16 @@ function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepil
 {
     $dati = kvDatiOrdine($campi, $righe, $totali, kvScala());
     // The tables must stand before the transaction: making one would end it.
-    kvTabellePronte();
+    kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
     for ($prova = 0; $prova < 5; $prova++) {
         $codice = date('ymd') . '-' . strtoupper(substr(hash('sha256', $gettone . ($prova ?: '')), 0, 6));
-        mysqli_begin_transaction(kvConnessione());
+        mysqli_begin_transaction(kvConnection());
         $prese = kvPrendiScorte($righe);
-        if ($prese && kvScriviOrdine($codice, $campi, $totali, $dati, $riepilogo) && mysqli_commit(kvConnessione())) {
+        if ($prese && kvScriviOrdine($codice, $campi, $totali, $dati, $riepilogo) && mysqli_commit(kvConnection())) {
             return [$codice, true];
         }
-        mysqli_rollback(kvConnessione());
+        mysqli_rollback(kvConnection());
         if (kvRiga('SELECT id FROM kv_ordini WHERE codice = ? AND dati = ?', [$codice, $dati]) !== null) {
             return [$codice, false];
         }
@@ -263,7 +263,7 @@ function kvPrendiOrdine(string $gettone): void
 {
     global $notazione;
     $dati = kvDatiNegozio();
-    kvTroppoPresto('kvRifiutaOrdine', "<<4-troppo_presto>>");
+    kvRefusePrograms('kvRifiutaOrdine', "<<4-troppo_presto>>");
     $campi = kvModuloOrdine($dati);
     list($campi['Paese'], $zona) = kvPaeseOrdine();
     list($metodo, $campi['NomePagamento']) = kvMetodoOrdine();
@@ -276,8 +276,8 @@ function kvPrendiOrdine(string $gettone): void
     }
     $parti = kvPartiOrdine($campi, $righe, $totali);
     $riepilogo = $parti['destinatario'] . "\r\n" . $parti['conto'] . $parti['coda'] . $parti['note'];
-    if (!kvAmmetti(kvChiaveTentativi('ordine', ''), 'ordini')
-        || !kvAmmetti(kvChiaveConto('ordine', $campi['Email']), 'ordini_email')) {
+    if (!kvAdmitAttempt(kvAttemptsKey('ordine', ''), 'ordini')
+        || !kvAdmitAttempt(kvAccountKey('ordine', $campi['Email']), 'ordini_email')) {
         kvRifiutaOrdine("<<4-troppi_tentativi>>");
     }
     list($codice, $nuovo) = kvSalvaOrdine($campi, $righe, $totali, $riepilogo, $gettone);
@@ -287,7 +287,7 @@ function kvPrendiOrdine(string $gettone): void
     unset($_SESSION['gettone']);
     setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
     if ($nuovo) {
-        kvScorteCambiate();
+        kvStockChanged();
         $istruzioni = kvIstruzioniMail($metodo);
         $parti['coda'] .= $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
         kvMailOrdine(['codice' => $codice, 'email' => $campi['Email'], 'tabella' => kvTabellaOrdine($righe, $totali),

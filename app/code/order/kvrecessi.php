@@ -108,9 +108,9 @@ function kvRicevutaRecesso(array $ordine, string $numero, array $righe): string
 function kvRegistraRecesso(int $id, array $scelta): ?array
 {
     // The tables must stand before the transaction: making one would end it.
-    kvTabellePronte();
+    kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_recessi WHERE id = 0');
-    mysqli_begin_transaction(kvConnessione());
+    mysqli_begin_transaction(kvConnection());
     $ordine = kvRiga('SELECT ' . kvColonneRecesso() . ' FROM kv_ordini WHERE id = ? FOR UPDATE', [$id]);
     $righe = $ordine === null || kvRecessoNegato($ordine) !== '' ? null : kvRigheScelte(kvRigheRecesso($ordine), $scelta);
     if ($righe !== null) {
@@ -120,11 +120,11 @@ function kvRegistraRecesso(int $id, array $scelta): ?array
         $esito = kvQuery('INSERT INTO kv_recessi (numero, ordine, creato, email, tardi, stato, lingua, righe, ricevuta)'
             . " VALUES (?, ?, NOW(), ?, ?, 'ricevuto', ?, ?, ?)", [$numero, $id, $ordine['email'], (int) $ordine['tardi'],
             "<<1-IDlingua>>", (string) json_encode($righe, JSON_INVALID_UTF8_SUBSTITUTE), $ricevuta]);
-        if ($esito !== null && kvToccaOrdine($id) && mysqli_commit(kvConnessione())) {
+        if ($esito !== null && kvTouchOrder($id) && mysqli_commit(kvConnection())) {
             return ['numero' => $numero, 'ricevuta' => $ricevuta, 'email' => (string) $ordine['email']];
         }
     }
-    mysqli_rollback(kvConnessione());
+    mysqli_rollback(kvConnection());
     return null;
 }
 

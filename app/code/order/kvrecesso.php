@@ -32,8 +32,8 @@ function kvOrdineScelto(): array
 /** Takes the first form. Unknown codes and wrong addresses get one answer. */
 function kvCercaRecesso(): void
 {
-    kvTroppoPresto(fn(string $motivo) => kvPassoRecesso('', $motivo), "<<4-troppo_presto>>");
-    if (!kvAmmetti(kvChiaveTentativi('recesso', ''), 'recessi')) {
+    kvRefusePrograms(fn(string $motivo) => kvPassoRecesso('', $motivo), "<<4-troppo_presto>>");
+    if (!kvAdmitAttempt(kvAttemptsKey('recesso', ''), 'recessi')) {
         kvPassoRecesso('', "<<4-troppi_tentativi>>");
     }
     $codice = strtoupper(kvLineField($_POST, 'codice', 20));

@@ -5,7 +5,7 @@
 /** The keys of kv_disponibilita that ran short by an order, with the pieces left. */
 function kvAppenaScarsi(array $righe): array
 {
-    $soglia = kvSogliaScorte();
+    $soglia = kvLowStockLimit();
     $richieste = kvRichieste($righe);
     $scarsi = [];
     foreach (kvScorte(array_map('strval', array_keys($richieste))) ?? [] as $chiave => $pezzi) {

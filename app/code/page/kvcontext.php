@@ -78,7 +78,7 @@ function kvStateNames(): array
 /** The values of these states, by their names; empty without any. */
 function kvPageStates(): array
 {
-    $result = mysqli_query(kvConnessione(), "SELECT nome, valore FROM kv_stato WHERE nome IN ('" . implode("', '", kvStateNames()) . "')");
+    $result = mysqli_query(kvConnection(), "SELECT nome, valore FROM kv_stato WHERE nome IN ('" . implode("', '", kvStateNames()) . "')");
     $states = $result instanceof mysqli_result ? array_column(mysqli_fetch_all($result), 1, 0) : [];
     ksort($states);
     return $states;
@@ -95,7 +95,7 @@ function kvDepartmentStates(string $page, string $department): array
     foreach (kvStateNames() as $n => $name) {
         $columns .= ", (SELECT valore FROM kv_stato WHERE nome = '$name') AS s$n";
     }
-    $result = mysqli_query(kvConnessione(), "SELECT $columns FROM categorie WHERE ID = '$department'");
+    $result = mysqli_query(kvConnection(), "SELECT $columns FROM categorie WHERE ID = '$department'");
     $row = $result instanceof mysqli_result ? mysqli_fetch_assoc($result) : null;
     if ($row === null) {
         return [];

@@ -56,12 +56,12 @@ function kvMapParts(string $language): int
  */
 function kvKeptMapParts(string $language, string $loaded): int
 {
-    $kept = kvStato("mappa$language");
+    $kept = kvStoredValue("mappa$language");
     if ($language !== $loaded && ctype_digit($kept) && kvEsiste("articoli$language")) {
         return (int) $kept;
     }
     $parts = kvMapParts($language);
-    if ((string) $parts !== $kept && kvMettiStato("mappa$language", (string) $parts)) {
+    if ((string) $parts !== $kept && kvStoreValue("mappa$language", (string) $parts)) {
         kvQuery('COMMIT');
     }
     return $parts;
@@ -70,7 +70,7 @@ function kvKeptMapParts(string $language, string $loaded): int
 /** One part of the map of this language. */
 function kvSiteMap(int $part): string
 {
-    $table = kvTabellaLingua('articoli');
+    $table = kvLanguageTable('articoli');
     $pages = [];
     if ($part === 1) {
         $pages = ["index.htm", "condizioni.htm", "recesso.htm", "datipers.htm"];

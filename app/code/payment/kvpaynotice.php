@@ -27,8 +27,8 @@ function kvInizioPagamento(): array
         kvNotify("<<4-sessione_scaduta>>");
         kvGoTo("messaggio<<1-IDlingua>>.php");
     }
-    $chiave = kvChiaveTentativi('pagamento', $ordine['codice']);
-    if (!kvAmmetti($chiave, 'pagamenti')) {
+    $chiave = kvAttemptsKey('pagamento', $ordine['codice']);
+    if (!kvAdmitAttempt($chiave, 'pagamenti')) {
         kvNotify("<<4-troppi_tentativi>>");
         kvGoTo("messaggio<<1-IDlingua>>.php");
     }
@@ -88,15 +88,15 @@ function kvRegistraPagamento(string $codice, string $modulo, string $transazione
         return false;
     }
     $riferimento = $modulo . ' ' . $transazione;
-    mysqli_begin_transaction(kvConnessione());
+    mysqli_begin_transaction(kvConnection());
     $ordine = kvRiga('SELECT id, stato, pagamento FROM kv_ordini WHERE codice = ? FOR UPDATE', [$codice]);
     $dopo = $ordine === null ? null : kvStatoDopo($ordine, $riferimento, $pagato);
     $fatto = $dopo !== null && null !== kvQuery('UPDATE kv_ordini SET stato = ?, pagamento = ? WHERE id = ?',
         [$dopo, $pagato ? $riferimento : $ordine['pagamento'], (int) $ordine['id']]);
     if ($fatto) {
-        return mysqli_commit(kvConnessione());
+        return mysqli_commit(kvConnection());
     }
-    mysqli_rollback(kvConnessione());
+    mysqli_rollback(kvConnection());
     return false;
 }
 

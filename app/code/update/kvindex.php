@@ -61,12 +61,12 @@ function kvTabelleIndice(string $lingua): string
 /** Adds the words of some article rows to those that wait: each word with "article,rank;", each article with its row. */
 function kvRaccogliParole(array $righe, array &$parole, array &$articoli): void
 {
-    $testo = fn(string $valore): string => "'" . mysqli_real_escape_string(kvConnessione(), $valore) . "'";
-    kvCaratteri('utf8mb4');
+    $testo = fn(string $valore): string => "'" . mysqli_real_escape_string(kvConnection(), $valore) . "'";
+    kvSetCharset('utf8mb4');
     foreach ($righe as $riga) {
         $titolo = kvCut(kvFold(kvUtf8((string) $riga['plain_titolo'])), 60);
         $articoli[] = '(' . (int) $riga['ID'] . ',' . $testo(kvUtf8((string) $riga['catID'])) . ',' . $testo($titolo) . ',0x'
-            . bin2hex($riga['segno']) . ',' . $testo(kvGruppoIndice((string) $riga['correlazione'])) . ')';
+            . bin2hex($riga['segno']) . ',' . $testo(kvIndexGroup((string) $riga['correlazione'])) . ')';
         foreach (kvParoleArticolo($riga) as $parola => $rango) {
             $parole[$parola] = ($parole[$parola] ?? '') . (int) $riga['ID'] . ",$rango;";
         }
@@ -81,14 +81,14 @@ function kvInserisciRighe(string $come, iterable $righe): string
     foreach ($righe as $riga) {
         $lotto .= ($lotto === '' ? '' : ',') . $riga;
         if (strlen($lotto) > $massimo) {
-            if (mysqli_query(kvConnessione(), "$come VALUES $lotto") === false) {
+            if (mysqli_query(kvConnection(), "$come VALUES $lotto") === false) {
                 return kvGuastoSql($come);
             }
             kvSegnoDiVita();
             $lotto = '';
         }
     }
-    return $lotto === '' || mysqli_query(kvConnessione(), "$come VALUES $lotto") !== false ? '' : kvGuastoSql($come);
+    return $lotto === '' || mysqli_query(kvConnection(), "$come VALUES $lotto") !== false ? '' : kvGuastoSql($come);
 }
 
 /** Rows of kv_parole in the order of their key, which the server adds to the end of its pages. */
@@ -105,7 +105,7 @@ function kvRigheParole(array $parole): Generator
 /** Writes the words that wait; `forma` makes the name of a table. The failure. */
 function kvScriviParole(array $parole, array $articoli, callable $forma): string
 {
-    kvCaratteri('utf8mb4');
+    kvSetCharset('utf8mb4');
     $vocaboli = array_map(fn($parola) => "('$parola')", array_keys($parole));
     // Without IGNORE, which a word of before alone needs, some servers sort the rows of an empty table by themselves.
     $guasto = kvInserisciRighe('INSERT INTO ' . $forma('kv_parole'), kvRigheParole($parole));
@@ -120,8 +120,8 @@ function kvLeggiParole(array $tabelle, string $dove, callable $forma): string
     $ultimo = -2147483648;
     $parole = $voci = [];
     for ($passo = 1; true; $passo++) {
-        kvCaratteri('latin1');
-        $esito = mysqli_query(kvConnessione(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
+        kvSetCharset('latin1');
+        $esito = mysqli_query(kvConnection(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
             . ' correlazione, ' . KV_SEGNO . " AS segno FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID WHERE a.ID > $ultimo AND $dove"
             . ' ORDER BY a.ID LIMIT ' . KV_ARTICOLI_INSIEME);
         if ($esito === false) {
@@ -159,17 +159,17 @@ function kvArticoliDiversi(array $tabelle, string $lingua): ?array
     if (!kvIndiceNuovo($lingua)) {
         return null;
     }
-    kvCaratteri('latin1');
-    $esito = mysqli_query(kvConnessione(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
+    kvSetCharset('latin1');
+    $esito = mysqli_query(kvConnection(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
         . " kv_voci$lingua v ON v.articolo = a.ID WHERE v.articolo IS NULL OR v.segno <> " . KV_SEGNO);
-    $quanti = mysqli_query(kvConnessione(), "SELECT COUNT(*), (SELECT COUNT(*) FROM kv_voci$lingua) FROM $articoli");
+    $quanti = mysqli_query(kvConnection(), "SELECT COUNT(*), (SELECT COUNT(*) FROM kv_voci$lingua) FROM $articoli");
     if (!$esito instanceof mysqli_result || !$quanti instanceof mysqli_result) {
         return null;
     }
     $numeri = array_column(mysqli_fetch_all($esito), 0);
     list($righe, $voci) = mysqli_fetch_row($quanti);
     if ($numeri !== [] || $righe !== $voci) {
-        $esito = mysqli_query(kvConnessione(), "SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo"
+        $esito = mysqli_query(kvConnection(), "SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo"
             . ' WHERE a.ID IS NULL');
         if (!$esito instanceof mysqli_result) {
             return null;
@@ -183,11 +183,11 @@ function kvArticoliDiversi(array $tabelle, string $lingua): ?array
 function kvDiversiTra(array $numeri, array $tabelle, string $lingua): array
 {
     list($articoli, $dettaglio) = $tabelle;
-    kvCaratteri('latin1');
+    kvSetCharset('latin1');
     $diversi = [];
     foreach (array_chunk($numeri, KV_ARTICOLI_INSIEME) as $alcuni) {
         $elenco = implode(',', array_map('intval', $alcuni));
-        $esito = mysqli_query(kvConnessione(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
+        $esito = mysqli_query(kvConnection(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
             . " kv_voci$lingua v ON v.articolo = a.ID WHERE a.ID IN ($elenco) AND (v.articolo IS NULL OR v.segno <> " . KV_SEGNO
             . ") UNION SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo WHERE articolo IN ($elenco)"
             . ' AND a.ID IS NULL');

@@ -79,7 +79,7 @@ function kvIstruzioniSql(array $sql): Generator
 /** What the server said of a failed statement: its beginning and the reason, without any path of the server. */
 function kvGuastoSql(string $istruzione): string
 {
-    $motivo = preg_replace('~[\w.:-]*(?:[\\\\/][\w.-]+)*[\\\\/]~', '', mysqli_error(kvConnessione()));
+    $motivo = preg_replace('~[\w.:-]*(?:[\\\\/][\w.-]+)*[\\\\/]~', '', mysqli_error(kvConnection()));
     // The merchant knows the tables by their own names.
     list($istruzione, $motivo) = str_replace(KV_NUOVA, '', [$istruzione, $motivo]);
     return preg_replace('/\s+/', ' ', substr($istruzione, 0, 60)) . "\n" . $motivo;
@@ -88,10 +88,10 @@ function kvGuastoSql(string $istruzione): string
 /** Runs one statement; the failure, empty when there is none. A table that isn't there needs no dropping. */
 function kvEseguiSql(string $istruzione): string
 {
-    kvCaratteri('latin1');
+    kvSetCharset('latin1');
     // 1051 is "unknown table". Source: MySQL 8.0 Error Reference.
-    if (mysqli_query(kvConnessione(), $istruzione) !== false
-        || (mysqli_errno(kvConnessione()) === 1051 && stripos($istruzione, 'DROP TABLE') === 0)) {
+    if (mysqli_query(kvConnection(), $istruzione) !== false
+        || (mysqli_errno(kvConnection()) === 1051 && stripos($istruzione, 'DROP TABLE') === 0)) {
         return '';
     }
     return kvGuastoSql($istruzione);
@@ -113,7 +113,7 @@ function kvSegnoDiVita(): void
 /** The bytes that a joined statement may have on this server. */
 function kvLimiteLotto(): int
 {
-    $riga = mysqli_fetch_row(mysqli_query(kvConnessione(), 'SELECT @@max_allowed_packet'));
+    $riga = mysqli_fetch_row(mysqli_query(kvConnection(), 'SELECT @@max_allowed_packet'));
     return max(16384, min(KV_LOTTO, (int) ($riga[0] ?? 0) - 8192));
 }
 
@@ -166,16 +166,16 @@ function kvCaricaTutto(array $via, array $nuovo, string $lingua): string
     if (!kvSqlIntero($via) || !kvSqlIntero($nuovo)) {
         return 'Il trasferimento dei file del database non è completo: aggiornare di nuovo il negozio.';
     }
-    kvTabellePronte();
-    kvCaratteri('latin1');
-    $blocco = mysqli_fetch_row(mysqli_query(kvConnessione(), "SELECT GET_LOCK(CONCAT(DATABASE(), '.updatedb'), 5)"));
+    kvRequireTables();
+    kvSetCharset('latin1');
+    $blocco = mysqli_fetch_row(mysqli_query(kvConnection(), "SELECT GET_LOCK(CONCAT(DATABASE(), '.updatedb'), 5)"));
     if ((int) ($blocco[0] ?? 0) !== 1) {
         return 'Un altro aggiornamento del database è in corso.';
     }
     // The rows come checked from the build; what they must meet here is the width of the columns.
     foreach (["SET SESSION sql_mode = 'STRICT_ALL_TABLES,NO_AUTO_VALUE_ON_ZERO'", 'SET unique_checks = 0',
               'SET foreign_key_checks = 0', 'SET default_storage_engine = InnoDB', 'SET autocommit = 0'] as $impostazione) {
-        mysqli_query(kvConnessione(), $impostazione);
+        mysqli_query(kvConnection(), $impostazione);
     }
     return kvCaricaInsieme($via, $nuovo, $lingua);
 }
@@ -235,8 +235,8 @@ function kvFileDiagnosi(): string
  */
 function kvTieniChiave($chiave): void
 {
-    if (is_string($chiave) && preg_match('/^[0-9a-f]{64}$/D', $chiave) && kvStato('chiave_ordini') !== $chiave) {
-        kvMettiStato('chiave_ordini', $chiave);
+    if (is_string($chiave) && preg_match('/^[0-9a-f]{64}$/D', $chiave) && kvStoredValue('chiave_ordini') !== $chiave) {
+        kvStoreValue('chiave_ordini', $chiave);
     }
 }
 

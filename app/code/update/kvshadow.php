@@ -93,7 +93,7 @@ function kvSvuotaLaterali(KvCarico $carico): string
             continue;
         }
         $guasto = $guasto === '' ? kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $tabella) : $guasto;
-        $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$tabella (" . kvDefinizioni()[$tabella]
+        $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$tabella (" . kvDefinitions()[$tabella]
             . ') ENGINE=InnoDB') : $guasto;
         $carico->nuove[] = $tabella;
     }
@@ -128,7 +128,7 @@ function kvScambia(KvCarico $carico): string
 /** The tables of the database whose names begin so. */
 function kvTabelleComincianti(string $inizio): array
 {
-    $esito = mysqli_query(kvConnessione(), "SHOW TABLES LIKE '" . addcslashes($inizio, '_%') . "%'");
+    $esito = mysqli_query(kvConnection(), "SHOW TABLES LIKE '" . addcslashes($inizio, '_%') . "%'");
     return $esito instanceof mysqli_result ? array_column(mysqli_fetch_all($esito), 0) : [];
 }
 
