@@ -148,22 +148,22 @@ runTests([
         ['a b.jpg.webp', 'g.jpg.webp', 'g.jpg.480.webp'], fn() => kvFotoGrande(['plain_titolo' => 'x',
             'immagine2' => '<img border="0" src="g.jpg" width="600" height="600">'] + $article)),
         'srcset="a%20b.jpg.webp 240w, g.jpg.480.webp 480w, g.jpg.webp 600w"')],
-    'NoFileOutsideTheSiteIsLookedFor' => fn() => [[], kvForme('../a.jpg', 600)],
+    'NoFileOutsideTheSiteIsLookedFor' => fn() => [[], kvLighterForms('../a.jpg', 600)],
     'StructuredDataCannotEndTheirElement' => fn() => [1, substr_count(kvStructuredData(['name' => '</script>']), '</script>')],
     'TheOfferOfSchemaOrgHasThePriceOfThePage' => fn() => [['12.20', 'EUR', 'https://schema.org/InStock'],
-        array_slice(array_values(kvDatiArticolo($article, true)['offers']), 1, 3)],
+        array_slice(array_values(kvArticleData($article, true)['offers']), 1, 3)],
     'ASoldOutArticleSaysSo' => fn() => ['https://schema.org/OutOfStock',
-        kvDatiArticolo($article, false)['offers']['availability']],
+        kvArticleData($article, false)['offers']['availability']],
     'AHiddenPriceIsNotTold' => function () use ($article) {
         $GLOBALS['regpr'] = 1;
-        return [false, isset(kvDatiArticolo($article, true)['offers'])];
+        return [false, isset(kvArticleData($article, true)['offers'])];
     },
     'TheCurrencyIsKnownByItsSign' => function () {
         $GLOBALS['valuta'] = ["\x80 ", ''];
-        return ['EUR', kvCodiceValuta()];
+        return ['EUR', kvCurrencyCode()];
     },
     'AnUnknownCurrencyIsNotGuessed' => function () {
         $GLOBALS['valuta'] = ['Gettoni ', ''];
-        return ['', kvCodiceValuta()];
+        return ['', kvCurrencyCode()];
     },
 ]);

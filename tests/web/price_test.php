@@ -47,37 +47,37 @@ $view = function (string $name, array $row) {
 $variant = '<option selected value="<< 2.50>>=.2#R%3D1|Misura: R1 Grande *">Grande * ( + EUR <<importo>> )</option>'
     . '<option value="<<-1.00>>=0#|Misura: Piccola">Piccola ( - EUR <<importo>> )</option>'
     . '<option value="<< 0>>=0#|Misura: Media">Media</option>';
-$taken = kvScomponiVariante(['nomeopzione' => 'Misura', 'opzione' => $variant, 'prima' => $variant]);
+$taken = kvParseVariant(['nomeopzione' => 'Misura', 'opzione' => $variant, 'prima' => $variant]);
 $keys = array_keys($taken['voci']);
-$translated = kvScomponiVariante(['nomeopzione' => 'Size', 'prima' => $variant,
+$translated = kvParseVariant(['nomeopzione' => 'Size', 'prima' => $variant,
     'opzione' => str_replace(['Misura', 'Grande', 'Piccola', 'Media'], ['Size', 'Large', 'Small', 'Medium'], $variant)]);
-$shorter = kvScomponiVariante(['nomeopzione' => 'Size', 'prima' => $variant,
+$shorter = kvParseVariant(['nomeopzione' => 'Size', 'prima' => $variant,
     'opzione' => '<option value="<< 0>>=0#|Size: Medium">Medium</option>']);
 
 runTests([
     'AnOfferPriceWinsOverTheDepartmentDiscount' => fn() => [
         ['listino' => 1220000, 'offerta' => true, 'sconto' => 20.0, 'prezzo' => 976000, 'ridotto' => true],
-        kvPrezzi(article(80), 0, single(0.22), single(0.9), true)],
+        kvPrices(article(80), 0, single(0.22), single(0.9), true)],
     'ADepartmentFactorLowersThePriceBeforeVat' => fn() => [
         ['listino' => 1220000, 'offerta' => false, 'sconto' => 10.0, 'prezzo' => 1098000, 'ridotto' => true],
-        kvPrezzi(article(), 0, single(0.22), single(0.9), true)],
+        kvPrices(article(), 0, single(0.22), single(0.9), true)],
     'AnOfferAboveTheListPriceShowsNoPercentage' => fn() =>
-        [0.0, kvPrezzi(article(120), 0, 0.0, 1.0, false)['sconto']],
+        [0.0, kvPrices(article(120), 0, 0.0, 1.0, false)['sconto']],
     'AnOfferAtTheListPriceTakesNoDiscountOfTheDepartment' => fn() => [
         ['listino' => 1220000, 'offerta' => true, 'sconto' => 0.0, 'prezzo' => 1220000, 'ridotto' => true],
-        kvPrezzi(['offerte' => '5'] + article(), 0, single(0.22), single(0.9), true)],
-    'AnOfferOfAnotherListinoIsNone' => fn() => [false, kvPrezzi(['offerte' => '5'] + article(), 1, 0.22, 0.9, true)['offerta']],
-    'AFactorOfOneLeavesThePriceAlone' => fn() => [1000000, kvPrezzi(article(), 0, 0.22, 1.0, false)['prezzo']],
-    'AnotherListinoHasItsOwnPrice' => fn() => [800000, kvPrezzi(article(50), 1, 0.22, 1.0, false)['prezzo']],
-    'ARowWithoutPricesCostsNothing' => fn() => [0, kvPrezzi([], 3, 0.22, 0.9, true)['prezzo']],
-    'AProductPassesThroughSinglePrecision' => fn() => [241973008, kvProdotto(1099877300, single(0.22))],
+        kvPrices(['offerte' => '5'] + article(), 0, single(0.22), single(0.9), true)],
+    'AnOfferOfAnotherListinoIsNone' => fn() => [false, kvPrices(['offerte' => '5'] + article(), 1, 0.22, 0.9, true)['offerta']],
+    'AFactorOfOneLeavesThePriceAlone' => fn() => [1000000, kvPrices(article(), 0, 0.22, 1.0, false)['prezzo']],
+    'AnotherListinoHasItsOwnPrice' => fn() => [800000, kvPrices(article(50), 1, 0.22, 1.0, false)['prezzo']],
+    'ARowWithoutPricesCostsNothing' => fn() => [0, kvPrices([], 3, 0.22, 0.9, true)['prezzo']],
+    'AProductPassesThroughSinglePrecision' => fn() => [241973008, kvProduct(1099877300, single(0.22))],
     'AProductsTieGoesToTheEvenNumber' => fn() => 
-        [[312, 938, -312], [kvProdotto(625, 0.5), kvProdotto(1875, 0.5), kvProdotto(-625, 0.5)]],
+        [[312, 938, -312], [kvProduct(625, 0.5), kvProduct(1875, 0.5), kvProduct(-625, 0.5)]],
     'SmallestUnitsRoundAHalfAwayFromZero' => fn() => [[101, -101, 100, 2, 1],
-        [kvMinimi(10050, 100), kvMinimi(-10050, 100), kvMinimi(10049, 100), kvMinimi(15000, 1), kvMinimi(14999, 1)]],
-    'ItalianNotationHasAPointForThousands' => fn() => ['1.234,50', kvFormato(123450, 100, 0)],
-    'EnglishNotationHasACommaForThousands' => fn() => ['1,235', kvFormato(1235, 1, 1)],
-    'ANumberForScriptsHasNoThousandsSeparator' => fn() => ['1234.50', kvNumeroScript(123450, 100)],
+        [kvSmallestUnits(10050, 100), kvSmallestUnits(-10050, 100), kvSmallestUnits(10049, 100), kvSmallestUnits(15000, 1), kvSmallestUnits(14999, 1)]],
+    'ItalianNotationHasAPointForThousands' => fn() => ['1.234,50', kvFormatUnits(123450, 100, 0)],
+    'EnglishNotationHasACommaForThousands' => fn() => ['1,235', kvFormatUnits(1235, 1, 1)],
+    'ANumberForScriptsHasNoThousandsSeparator' => fn() => ['1234.50', kvScriptNumber(123450, 100)],
     'ThePriceOfThePageIsRoundedToTheDecimalsShown' => fn() => ['EUR 12', with(
         ['visdec' => [0, 0, 2]], fn() => $view('prezzo', ['importo' => '9.9999', 'implistino' => '9.9999'] + article()))],
     'AStruckPriceStandsWhereALowerOneIsAsked' => fn() => ['<s>EUR 122,00</s>', $view('prezzo_barrato', article(80))],
@@ -121,22 +121,22 @@ runTests([
             'nome' => 'Forno <Due>', 'indirizzo' => 'Via Po 1', 'contatto' => 'a@b.it', 'responsabile' => 'Ada',
             'resp_indirizzo' => null, 'resp_contatto' => 'https://b.it/x']]]], fn() => $view('sicurezza', article()))],
     'AnArticleHasItsOwnTimeOfDeliveryElseThatOfItsDepartment' => fn() => [['Subito', '2 giorni', ''], [
-        delivered(['5' => ['tempo' => 'Subito'], 'cat001' => ['tempo' => '2 giorni']], 'kvTempoConsegna'),
-        delivered(['cat001' => ['tempo' => '2 giorni']], 'kvTempoConsegna'), delivered([], 'kvTempoConsegna')]],
+        delivered(['5' => ['tempo' => 'Subito'], 'cat001' => ['tempo' => '2 giorni']], 'kvDeliveryTime'),
+        delivered(['cat001' => ['tempo' => '2 giorni']], 'kvDeliveryTime'), delivered([], 'kvDeliveryTime')]],
     'ALanguageWithoutATimeOfDeliveryShowsThatOfTheFirst' => fn() => [['2 days', '2 giorni'], with(['Lingua' => '_l2'], fn() => [
-        delivered(['5' => ['tempo' => '2 giorni', 'tempo_l2' => '2 days']], 'kvTempoConsegna'),
-        delivered(['5' => ['tempo' => '2 giorni', 'tempo_l2' => '']], 'kvTempoConsegna')])],
+        delivered(['5' => ['tempo' => '2 giorni', 'tempo_l2' => '2 days']], 'kvDeliveryTime'),
+        delivered(['5' => ['tempo' => '2 giorni', 'tempo_l2' => '']], 'kvDeliveryTime')])],
     'TheTimeOfDeliveryIsShownAsItWasTypedUnlessTheArticleIsSoldOut' => fn() => [
         ['<p class="nota consegna">Consegna: 2 &lt; 4 giorni</p>', ''],
         delivered(['cat001' => ['tempo' => '2 < 4 giorni']], fn($row) => [$view('consegna', $row),
             $view('consegna', ['disponibile' => '1', 'quantita' => '0'] + $row)])],
     'DaysAreReadFromATimeOfDelivery' => fn() => [
         [[2, 4], [1, 2], [21, 21], [2, 3], [3, 5], [2, 4], [5, 5], [1, 1], null, null, null],
-        array_map('kvGiorniConsegna', ['2-4 giorni lavorativi', 'Corriere 24/48 ore', '3 weeks', '2 bis 3 Werktage', "3 \xe0 5 jours",
+        array_map('kvDeliveryDays', ['2-4 giorni lavorativi', 'Corriere 24/48 ore', '3 weeks', '2 bis 3 Werktage', "3 \xe0 5 jours",
             "2 \x96 4 working days", '5 gg', 'entro 1 giorno', 'Subito', '4-2 giorni', 'Dal 3 gennaio'])],
     'AnArticleWithoutMakerTellsNone' => fn() => ['', $view('sicurezza', article())],
-    'QuantityStepsComeByRisingQuantity' => fn() => [[[3, 900000], [10, 800000]], kvScaglioni(article(), 0)],
-    'AListinoWithoutQuantityDiscountHasNoSteps' => fn() => [[], kvScaglioni(article(), 1)],
+    'QuantityStepsComeByRisingQuantity' => fn() => [[[3, 900000], [10, 800000]], kvQuantitySteps(article(), 0)],
+    'AListinoWithoutQuantityDiscountHasNoSteps' => fn() => [[], kvQuantitySteps(article(), 1)],
     'QuantityStepsAreToldInWords' => fn() =>
         ['<ul class="scaglioni"><li>Da 3: -10%</li><li>Da 10: -20%</li></ul>', $view('scaglioni', article())],
     'AVariantValueIsTakenApart' => fn() => [
@@ -145,17 +145,17 @@ runTests([
          'prima' => 'Misura: R1 Grande'], $taken['voci'][$keys[0]]],
     'AVariantKeepsItsKeysInAnotherLanguage' => fn() => [$keys, array_keys($translated['voci'])],
     'AValueWithoutTranslationHasItsOwnKey' => fn() => [false, in_array(array_keys($shorter['voci'])[0], $keys, true)],
-    'TwoEqualValuesHaveTwoKeys' => fn() => [2, count(kvScomponiVariante(['nomeopzione' => '', 'prima' => '',
+    'TwoEqualValuesHaveTwoKeys' => fn() => [2, count(kvParseVariant(['nomeopzione' => '', 'prima' => '',
         'opzione' => str_repeat('<option value="<< 0>>=0#|A: B">B</option>', 2)])['voci'])],
     'ADifferenceFollowsFactorAndVat' => fn() =>
         [275, with(['scontorep' => array_fill(0, 10, single(0.9)), 'ivarep' => single(0.22)],
-            fn() => kvDifferenza(25000, article()))],
+            fn() => kvDifference(25000, article()))],
     'ADifferenceOfAnOfferIsNotDiscounted' => fn() =>
         [305, with(['scontorep' => array_fill(0, 10, single(0.9)), 'ivarep' => single(0.22)],
-            fn() => kvDifferenza(25000, article(80)))],
-    'ANegativeDifferenceStaysNegative' => fn() => [-122, with(['ivarep' => single(0.22)], fn() => kvDifferenza(-10000, article()))],
+            fn() => kvDifference(25000, article(80)))],
+    'ANegativeDifferenceStaysNegative' => fn() => [-122, with(['ivarep' => single(0.22)], fn() => kvDifference(-10000, article()))],
     'AnApostropheInAScriptTextIsEscaped' => fn() =>
-        ["d\\'Este %22blu%22 50%25 %3Cb%3E", kvTestoScript("d'Este \"blu\" 50% <b>")],
+        ["d\\'Este %22blu%22 50%25 %3Cb%3E", kvScriptText("d'Este \"blu\" 50% <b>")],
     'AnEscapedPageTextCannotOpenATag' => fn() => ['&lt;b&gt; &quot;&#039;', kvHtml("<b> \"'")],
     'ALetterBeyondThePagesCodingStaysOne' => fn() => ['Wa&#322;&amp;lt;', kvHtml('Wa&#322;&lt;')],
     'AForeignLetterReachesAMailInUtf8' => fn() => ["Wał \u{20AC} è", kvUtf8("Wa&#322; \x80 \xE8")],
@@ -168,7 +168,7 @@ runTests([
     'AnInnerQuoteOfTheBuyLinkClosesTheAddress' => fn() =>
         ["javascript:window.status='';Acquista('A1 Vaso','122.00','0',document.itemsform.qt3.value,'op13','op23','op33',"
             . "'.5','op43',5)\" onMouseOver=\"window.status=''; return true",
-            with(['ivarep' => single(0.22)], fn() => kvAcquista(article()))],
+            with(['ivarep' => single(0.22)], fn() => kvBuyLink(article()))],
     'AFieldOfAFormIsOneLine' => fn() => ['a b', kvLineField(['x' => "a\r\nb\0"], 'x')],
     'AFieldThatIsAListIsEmpty' => fn() => ['', kvCampo(['x' => ['y']], 'x')],
 ]);

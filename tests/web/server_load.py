@@ -159,7 +159,7 @@ class Loads(Case):
         pages = [self.results(page) for page in (1, 2, 9)]
         self.assertEqual(kept(), [])
         # As if few results were much, and a page and a half were all that is kept.
-        script.write_bytes(former.replace(b"KV_DA_TENERE = 100", b"KV_DA_TENERE = 3").replace(b"KV_TENUTI = 500", b"KV_TENUTI = 15"))
+        script.write_bytes(former.replace(b"KV_WORTH_KEEPING = 100", b"KV_WORTH_KEEPING = 3").replace(b"KV_KEPT_NUMBERS = 500", b"KV_KEPT_NUMBERS = 15"))
         try:
             for _ in range(2):
                 self.assertEqual([self.results(page) for page in (1, 2, 9)], pages)

@@ -12,9 +12,9 @@ foreach (json_decode(stream_get_contents(STDIN), true) as $case) {
         'quantita' => $line['q'], 'iva' => $line['v'], 'aliquota' => $tables['ivacompresa'] ? $line['a'] : 0, 'peso' => $line['w']], $case['lines']);
     $GLOBALS['visdec'] = [$tables['scala'] === 100 ? 1 : 0, 1, 2];
     $totals = kvTotali($lines, $case['method'], $case['zone'], $tables, $case['listino'], (float) $case['own']);
-    $totals['testo'] = kvTestoMinimi($totals['totale']);
+    $totals['testo'] = kvUnitsText($totals['totale']);
     $first = $case['lines'][0];
-    $totals['unitario'] = kvTestoMinimi(kvImportoUnitario($first['p'], $first['w'] + 1)) . ' / kg';
+    $totals['unitario'] = kvUnitsText(kvUnitAmount($first['p'], $first['w'] + 1)) . ' / kg';
     $answers[] = $totals;
 }
 echo json_encode($answers);

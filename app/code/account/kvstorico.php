@@ -57,7 +57,7 @@ function kvVoceStorico(array $ordine): string
     $stato = KV_STATI_ORDINE[$ordine['stato']] ?? "<<4-stato_in_corso>>";
     $codice = kvHtmlUtf8($ordine['codice']);
     return '<li><details><summary>' . $codice . ' <span>' . kvHtml(date('d.m.Y', (int) strtotime($ordine['creato']))) . '</span> <strong>'
-        . kvHtmlUtf8($ordine['valuta']) . ' ' . kvFormato((int) round((float) $ordine['totale'] * kvScala()), kvScala(),
+        . kvHtmlUtf8($ordine['valuta']) . ' ' . kvFormatUnits((int) round((float) $ordine['totale'] * kvScale()), kvScale(),
             (int) $GLOBALS['notazione']) . '</strong> <span class="nota">' . kvHtml($stato) . '</span></summary><pre class="riepilogo">'
         . kvHtmlUtf8($ordine['riepilogo']) . '</pre></details><form method="post" action="kvcarrello.php" accept-charset="utf-8">'
         . '<input type="hidden" name="gettone" value="' . kvGettone() . '"><button type="submit" class="secondario" name="ripeti" value="'

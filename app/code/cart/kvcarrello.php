@@ -16,7 +16,7 @@ function kvChiaviScelte(array $riga, string $posto): array
     foreach ([1, 2, 3, 4] as $slot) {
         $scelto = explode('#', kvFromUtf8(kvCampo($_POST, "op$slot$posto", 500)), 2)[1] ?? '';
         $chiavi[$slot] = '';
-        foreach (kvElencoVariante(kvVariante($riga, $slot, (int) $GLOBALS['listino']))['voci'] ?? [] as $chiave => $voce) {
+        foreach (kvVariantValues(kvVariantNumber($riga, $slot, (int) $GLOBALS['listino']))['voci'] ?? [] as $chiave => $voce) {
             if ($voce['cifrato'] . '|' . html_entity_decode($voce['etichetta'], ENT_QUOTES, 'cp1252') === $scelto) {
                 $chiavi[$slot] = (string) $chiave;
             }
@@ -29,7 +29,7 @@ function kvChiaviScelte(array $riga, string $posto): array
 function kvAggiungi(array &$voci): string
 {
     list($id, $posto) = explode('.', kvCampo($_POST, 'compra', 20)) + [1 => ''];
-    $riga = preg_match('/^[1-9]\d{0,8}$/D', $id) ? kvArticolo((int) $id) : null;
+    $riga = preg_match('/^[1-9]\d{0,8}$/D', $id) ? kvArticle((int) $id) : null;
     $pezzi = kvCampo($_POST, "qt$posto", 5);
     if ($riga === null) {
         return "<<4-articolo_non_disponibile>>";
@@ -72,7 +72,7 @@ function kvCambiaRighe(array $voci): array
 if ($_SERVER['REQUEST_METHOD'] !== 'POST') {
     kvGoTo("cart.htm");
 }
-if (kvAcquistoNegato()) {
+if (kvIsBuyingDenied()) {
     kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : 'm=23'));
 }
 $kvEntries = kvVociCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));

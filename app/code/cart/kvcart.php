@@ -58,8 +58,8 @@ function kvScelte(array $riga, array $chiavi, int $listino): ?array
 {
     $scelte = [];
     for ($posto = 1; $posto <= 4; $posto++) {
-        $id = kvVariante($riga, $posto, $listino);
-        $variante = $id > 0 ? kvElencoVariante($id) : null;
+        $id = kvVariantNumber($riga, $posto, $listino);
+        $variante = $id > 0 ? kvVariantValues($id) : null;
         if ($variante === null) {
             continue;
         }
@@ -93,24 +93,24 @@ function kvRigaCarrello(array $voce, ?array $riga): array
     }
     $vuota['codice'] = (string) $riga['codice'];
     $vuota['testo'] = kvNomeArticolo($riga);
-    $vuota['pagina'] = isset($riga['linkPage']) ? kvPaginaArticolo($riga) : '';
-    $vuota['foto'] = html_entity_decode((string) (kvFotoPiccola($riga)['src'] ?? ''), ENT_QUOTES, 'cp1252');
-    $vuota['consegna'] = kvTempoConsegna($riga);
+    $vuota['pagina'] = isset($riga['linkPage']) ? kvArticlePage($riga) : '';
+    $vuota['foto'] = html_entity_decode((string) (kvSmallPicture($riga)['src'] ?? ''), ENT_QUOTES, 'cp1252');
+    $vuota['consegna'] = kvDeliveryTime($riga);
     $scelte = kvScelte($riga, $voce['k'], $listino);
-    if ($scelte === null || kvPrezziNascosti()) {
+    if ($scelte === null || kvArePricesHidden()) {
         return $vuota;
     }
-    $base = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala());
-    $peso = kvDecimillesimi($riga['cart_peso'] ?? 0);
+    $base = kvSmallestUnits(kvVisitorPrices($riga)['prezzo'], kvScale());
+    $peso = kvTenThousandths($riga['cart_peso'] ?? 0);
     $scorte = ['A' . $voce['id']];
     foreach ($scelte as $valore) {
-        $base += kvDifferenza($valore['prezzo'], $riga);
-        $peso += kvDecimillesimi($valore['peso']);
+        $base += kvDifference($valore['prezzo'], $riga);
+        $peso += kvTenThousandths($valore['peso']);
         if ($valore['codice'] !== '') {
             $scorte[] = kvChiaveValore($voce['id'], $valore['variante'], $valore['codice']);
         }
     }
-    $passi = kvScaglioni($riga, $listino);
+    $passi = kvQuantitySteps($riga, $listino);
     $etichette = array_map(fn($valore) => kvTestoPiano($valore['etichetta']), $scelte);
     return [
         'ok' => true,
@@ -131,13 +131,13 @@ function kvRigheCarrello(string $testo): array
     global $listino;
     $voci = kvVociCarrello($testo);
     $articoli = kvArticoli(array_column($voci, 'id'));
-    kvLeggiReparti(array_map('strval', array_column($articoli, 'catID')));
+    kvReadDepartments(array_map('strval', array_column($articoli, 'catID')));
     $varianti = [];
     foreach ($articoli as $riga) {
-        $varianti = array_merge($varianti, kvVariantiRiga($riga, $listino));
+        $varianti = array_merge($varianti, kvRowVariants($riga, $listino));
     }
-    kvLeggiVarianti($varianti);
-    kvLeggiConsegne($articoli);
+    kvReadVariants($varianti);
+    kvReadDeliveries($articoli);
     $righe = [];
     foreach ($voci as $voce) {
         $righe[] = kvRigaCarrello($voce, $articoli[$voce['id']] ?? null);

@@ -35,8 +35,8 @@ function kvMotiviCarrello(array $righe): array
     $motivi = array_filter(array_map('kvMotivoRiga', $righe)) === [] ? [] : ["<<4-carrello_da_correggere>>"];
     $minimo = (int) floor($dati['minimo'] * $dati['scala'] / 10000 + 0.5);
     if (kvMerce($righe) < $minimo) {
-        $motivi[] = "<<4-carrello_minimo>>: " . kvTestoMinimi($minimo) . ". <<4-carrello_manca>>: "
-            . kvTestoMinimi($minimo - kvMerce($righe)) . '.';
+        $motivi[] = "<<4-carrello_minimo>>: " . kvUnitsText($minimo) . ". <<4-carrello_manca>>: "
+            . kvUnitsText($minimo - kvMerce($righe)) . '.';
     }
     return $motivi;
 }
@@ -54,8 +54,8 @@ function kvRigaModulo(array $riga): string
         . ($riga['consegna'] === '' ? '' : '<br><small>' . kvHtml("<<4-tempo_consegna>> " . $riga['consegna']) . '</small>')
         . ($motivo === '' ? '' : '<br><strong>' . kvHtml($motivo) . '</strong>') . '</td><td><input type="number" name="q['
         . strtr($segno, '.', '-') . ']" min="0" max="99999" value="' . $riga['quantita'] . '" aria-label="'
-        . kvHtml("<<4-quantita>>") . ': ' . $nome . '"></td><td>' . ($riga['ok'] ? kvTestoMinimi($riga['importo']) : '')
-        . '</td><td>' . ($riga['ok'] ? kvTestoMinimi($riga['importo'] * $riga['quantita']) : '')
+        . kvHtml("<<4-quantita>>") . ': ' . $nome . '"></td><td>' . ($riga['ok'] ? kvUnitsText($riga['importo']) : '')
+        . '</td><td>' . ($riga['ok'] ? kvUnitsText($riga['importo'] * $riga['quantita']) : '')
         . '</td><td><button type="submit" class="secondario" name="togli" value="' . $segno . '">' . kvHtml("<<4-togli>>")
         . '<span class="nascosto">: ' . $nome . '</span></button></td></tr>';
 }
@@ -72,7 +72,7 @@ function kvCarrelloSemplice(): string
     return '<form class="carrello" method="post" action="kvcarrello.php" accept-charset="utf-8"><table><thead><tr><th scope="col">'
         . implode('</th><th scope="col">', $titoli) . '</th><td></td></tr></thead><tbody>'
         . implode('', array_map('kvRigaModulo', $righe)) . '</tbody></table><p>' . kvHtml("<<4-carrello_merce>>")
-        . ': <strong>' . kvTestoMinimi(kvMerce($righe)) . '</strong></p><p><button type="submit" class="secondario">'
+        . ': <strong>' . kvUnitsText(kvMerce($righe)) . '</strong></p><p><button type="submit" class="secondario">'
         . kvHtml("<<4-aggiorna>>") . '</button></p></form>'
         . ($motivi === [] ? '<p><a class="bottone" href="order.htm">' . kvHtml("<<4-vai_all_ordine>>") . '</a></p>'
             : '<p class="avviso">' . kvHtml(implode(' ', $motivi)) . '</p>');

@@ -37,7 +37,7 @@ function kvTestoGratuita(array $dati, array $totali, int $posto): string
     $minimi = intdiv($soglia, intdiv(10000, $dati['scala']));
     // Above the threshold, not at it.
     $manca = $minimi - ($totali['merce'] - $totali['sconto']) + 1;
-    return "<<4-gratuita_oltre>> " . kvTestoMinimi($minimi) . ". <<4-carrello_manca>>: " . kvTestoMinimi($manca) . '.';
+    return "<<4-gratuita_oltre>> " . kvUnitsText($minimi) . ". <<4-carrello_manca>>: " . kvUnitsText($manca) . '.';
 }
 
 /** The payment methods of the estimate for a zone, the one that it starts with first. */
@@ -106,9 +106,9 @@ function kvStimaSemplice(string $select): string
     $html .= '<table class="totali">';
     foreach ($voci as $n => list($nome, $importo)) {
         $html .= $n === 1 && $importo === 0 ? ''
-            : '<tr><th scope="row">' . kvHtml($nome) . '</th><td>' . kvTestoMinimi($importo) . '</td></tr>';
+            : '<tr><th scope="row">' . kvHtml($nome) . '</th><td>' . kvUnitsText($importo) . '</td></tr>';
     }
     $html .= '</table>' . ($stima['testo'] === '' ? '' : '<p>' . kvHtml($stima['testo']) . '</p>');
     return $html . ($stima['minima'] === $stima['massima'] ? '' : '<p>' . kvHtml("<<4-stima_secondo>>: "
-        . kvTestoMinimi($stima['minima']) . ' - ' . kvTestoMinimi($stima['massima'])) . '.</p>');
+        . kvUnitsText($stima['minima']) . ' - ' . kvUnitsText($stima['massima'])) . '.</p>');
 }

@@ -95,9 +95,9 @@ function kvValoreDisponibile(array $riga, int $variante, string $codice): bool
 /** Whether each variant of an article has a value that can be had. */
 function kvVariantiDisponibili(array $riga): bool
 {
-    foreach (kvVariantiRiga($riga, (int) $GLOBALS['listino']) as $id) {
+    foreach (kvRowVariants($riga, (int) $GLOBALS['listino']) as $id) {
         $libere = 0;
-        foreach (kvElencoVariante($id)['voci'] ?? [['codice' => '']] as $voce) {
+        foreach (kvVariantValues($id)['voci'] ?? [['codice' => '']] as $voce) {
             $libere += kvValoreDisponibile($riga, $id, $voce['codice']) ? 1 : 0;
         }
         if ($libere === 0) {

@@ -2,7 +2,7 @@
 // ***1.0.7***
 // The totals of an order. The cart in the browser (totali in js2.js) follows the same rule on the same tables of the
 // build, and arrives at the same cent, because both count in whole numbers alone:
-//  - Amounts of lines, shipping and totals are smallest units of the currency (kvScala). Thresholds that a merchant may
+//  - Amounts of lines, shipping and totals are smallest units of the currency (kvScale). Thresholds that a merchant may
 //    give with more decimals, and weights, are ten-thousandths.
 //  - Rates and factors are millionths, rounded once when they are read.
 //  - A product is rounded once, half up; nothing is rounded before the last step.

@@ -9,118 +9,118 @@
 include_once "kvhtml.php";
 include_once "kvlegge.php";
 
-function ViewArt(string $nome): string
+function ViewArt(string $name): string
 {
     global $rowArt;
-    $riga = is_array($rowArt) ? $rowArt : [];
-    switch ($nome) {
+    $row = is_array($rowArt) ? $rowArt : [];
+    switch ($name) {
         case 'listino':
         case 'prezzo':
         case 'prezzo_barrato':
         case 'cambio':
         case 'cart_prezzo':
-            return kvVistaPrezzo($nome, $riga);
+            return kvPriceView($name, $row);
         case 'offerta':
             return ViewOfferta();
         case 'novita':
-            return empty($riga['novita']) ? '' : (string) $GLOBALS['visnovita'];
+            return empty($row['novita']) ? '' : (string) $GLOBALS['visnovita'];
         case 'java_acquista':
-            return kvAcquista($riga);
+            return kvBuyLink($row);
         case 'opzione1':
         case 'opzione2':
         case 'opzione3':
         case 'opzione4':
-            return kvSelettori($riga, [(int) $nome[7]]);
+            return kvSelectors($row, [(int) $name[7]]);
         case 'opzioni':
-            return kvSelettori($riga, [1, 2, 3, 4]);
+            return kvSelectors($row, [1, 2, 3, 4]);
         case 'scaglioni':
-            return kvTestoScaglioni($riga);
+            return kvQuantityStepsText($row);
         case 'correlati':
-            return kvCorrelati($riga);
+            return kvCorrelati($row);
         case 'unitario':
-            return kvPrezzoUnitario($riga);
+            return kvUnitPrice($row);
         case 'minimo':
-            return kvPrezzoMinimo($riga);
+            return kvLowestPrice($row);
         case 'sicurezza':
-            return kvSicurezza($riga);
+            return kvSafetyData($row);
         case 'consegna':
-            return kvConsegna($riga);
+            return kvDeliveryNote($row);
         case 'iva':
-            return kvPrezziNascosti() ? '' : (string) ($riga['iva'] ?? '');
+            return kvArePricesHidden() ? '' : (string) ($row['iva'] ?? '');
         case 'immagine1':
         case 'immagine2':
         case 'immagine3':
-            return kvConLeggere((string) ($riga[$nome] ?? ''));
+            return kvWithLighterPictures((string) ($row[$name] ?? ''));
         default:
-            return (string) ($riga[$nome] ?? '');
+            return (string) ($row[$name] ?? '');
     }
 }
 
 /** The lighter forms of a picture that are in the site, by their widths in pixels; nothing without any. `src` is as
- *  in a tag; `larghezza` is the picture's own width, 0 where it isn't known. */
-function kvForme(string $src, int $larghezza): array
+ *  in a tag; `width` is the picture's own width, 0 where it isn't known. */
+function kvLighterForms(string $src, int $width): array
 {
     $file = rawurldecode(html_entity_decode($src, ENT_QUOTES, 'ISO-8859-1'));
     if ($file === '' || strpbrk($file, "/\\:\0") !== false || !is_file($file . '.webp')) {
         return [];
     }
-    $forme = [$larghezza => $src . '.webp'];
-    foreach ($larghezza > 0 ? [960, 480] : [] as $misura) {
-        if ($misura < $larghezza && is_file("$file.$misura.webp")) {
-            $forme[$misura] = "$src.$misura.webp";
+    $forms = [$width => $src . '.webp'];
+    foreach ($width > 0 ? [960, 480] : [] as $measure) {
+        if ($measure < $width && is_file("$file.$measure.webp")) {
+            $forms[$measure] = "$src.$measure.webp";
         }
     }
-    return $forme;
+    return $forms;
 }
 
 /** A tag of a picture within the offer of its lighter forms; the tag itself without any. */
-function kvConForme(string $tag, array $forme, string $misure): string
+function kvWithForms(string $tag, array $forms, string $sizes): string
 {
-    if ($forme === []) {
+    if ($forms === []) {
         return $tag;
     }
-    if (count($forme) > 1) {
-        unset($forme[0]);  // without its width a form can't be one of several
+    if (count($forms) > 1) {
+        unset($forms[0]);  // without its width a form can't be one of several
     }
-    ksort($forme);
-    $insieme = [];
-    foreach ($forme as $larghezza => $src) {
-        $insieme[] = str_replace(' ', '%20', $src) . ($larghezza > 0 ? " {$larghezza}w" : '');
+    ksort($forms);
+    $set = [];
+    foreach ($forms as $width => $src) {
+        $set[] = str_replace(' ', '%20', $src) . ($width > 0 ? " {$width}w" : '');
     }
-    $attributi = ['type' => 'image/webp', 'srcset' => implode(', ', $insieme)];
-    return '<picture>' . kvTag('source', $attributi + (isset($forme[0]) ? [] : ['sizes' => $misure])) . $tag . '</picture>';
+    $attributes = ['type' => 'image/webp', 'srcset' => implode(', ', $set)];
+    return '<picture>' . kvTag('source', $attributes + (isset($forms[0]) ? [] : ['sizes' => $sizes])) . $tag . '</picture>';
 }
 
 /** A piece of HTML of the build whose pictures are offered in their lighter forms. */
-function kvConLeggere(string $html): string
+function kvWithLighterPictures(string $html): string
 {
-    return preg_replace_callback('/<img\b[^>]*>/i', function (array $parti): string {
-        $attributi = kvAttributes(substr($parti[0], 4));
-        $larghezza = (int) ($attributi['width'] ?? 0);
-        $forme = kvForme((string) ($attributi['src'] ?? ''), $larghezza);
-        return kvConForme($parti[0], $forme, "(max-width: {$larghezza}px) 100vw, {$larghezza}px");
+    return preg_replace_callback('/<img\b[^>]*>/i', function (array $parts): string {
+        $attributes = kvAttributes(substr($parts[0], 4));
+        $width = (int) ($attributes['width'] ?? 0);
+        $forms = kvLighterForms((string) ($attributes['src'] ?? ''), $width);
+        return kvWithForms($parts[0], $forms, "(max-width: {$width}px) 100vw, {$width}px");
     }, $html);
 }
 
-function kvVistaPrezzo(string $nome, array $riga): string
+function kvPriceView(string $name, array $row): string
 {
-    if (kvPrezziNascosti()) {
-        return $nome === 'prezzo' ? kvHtml("<<4-prezzo_riservato>>") : '';
+    if (kvArePricesHidden()) {
+        return $name === 'prezzo' ? kvHtml("<<4-prezzo_riservato>>") : '';
     }
-    $prezzi = kvPrezziVisitatore($riga);
-    switch ($nome) {
+    $prices = kvVisitorPrices($row);
+    switch ($name) {
         case 'listino':
         case 'prezzo_barrato':
-            if ($prezzi['ridotto']) {
-                return '<s>' . kvTestoImporto($prezzi['listino']) . '</s>';
+            if ($prices['ridotto']) {
+                return '<s>' . kvAmountText($prices['listino']) . '</s>';
             }
-            return $nome === 'listino' ? kvTestoImporto($prezzi['listino']) : '';
+            return $name === 'listino' ? kvAmountText($prices['listino']) : '';
         case 'cambio':
-            return kvTestoCambio($prezzi['prezzo'] / 10000);
+            return kvExchangeText($prices['prezzo'] / 10000);
         case 'cart_prezzo':
-            return kvNumeroScript(kvMinimi($prezzi['prezzo'], kvScala()), kvScala());
+            return kvScriptNumber(kvSmallestUnits($prices['prezzo'], kvScale()), kvScale());
         default:
-            return kvTestoImporto($prezzi['prezzo']);
+            return kvAmountText($prices['prezzo']);
     }
 }
 
@@ -128,78 +128,78 @@ function kvVistaPrezzo(string $nome, array $riga): string
 function ViewOfferta(): string
 {
     global $rowArt;
-    $minimo = is_array($rowArt) ? kvPrezzoMinimo($rowArt) : '';
-    return kvSegnoOfferta() . ($minimo === '' ? '' : ' <span class="minimo">' . $minimo . '</span>');
+    $least = is_array($rowArt) ? kvLowestPrice($rowArt) : '';
+    return kvOfferMark() . ($least === '' ? '' : ' <span class="minimo">' . $least . '</span>');
 }
 
 /** The offer mark and the discount percent of the current row. */
-function kvSegnoOfferta(): string
+function kvOfferMark(): string
 {
     global $rowArt, $visofferta, $vissconto, $notazione;
-    if (!is_array($rowArt) || kvPrezziNascosti()) {
+    if (!is_array($rowArt) || kvArePricesHidden()) {
         return '';
     }
-    $prezzi = kvPrezziVisitatore($rowArt);
-    $testo = $prezzi['offerta'] ? (string) $visofferta : '';
-    if ($vissconto && $prezzi['sconto'] > 0) {
-        $testo .= ' <span class="sconto">-' . kvTestoPercento($prezzi['sconto']) . '%</span>';
+    $prices = kvVisitorPrices($rowArt);
+    $text = $prices['offerta'] ? (string) $visofferta : '';
+    if ($vissconto && $prices['sconto'] > 0) {
+        $text .= ' <span class="sconto">-' . kvPercentText($prices['sconto']) . '%</span>';
     }
-    return $testo;
+    return $text;
 }
 
 /** A percentage with at most two decimals, in the shop's notation. */
-function kvTestoPercento(float $percento): string
+function kvPercentText(float $percent): string
 {
-    return rtrim(rtrim(kvFormato((int) round($percento * 100), 100, (int) $GLOBALS['notazione']), '0'), ',.');
+    return rtrim(rtrim(kvFormatUnits((int) round($percent * 100), 100, (int) $GLOBALS['notazione']), '0'), ',.');
 }
 
 /** An image of the showcase cell; nothing without a name, no size when none is known. */
-function VetImmagine(string $file, string $larghezza, string $altezza): string
+function VetImmagine(string $file, string $width, string $height): string
 {
     if ($file === '') {
         return '';
     }
-    $misure = (int) $larghezza > 0 ? ' width="' . (int) $larghezza . '" height="' . (int) $altezza . '"' : '';
-    return kvConLeggere('<img src="' . kvHtml($file) . '"' . $misure . ' alt="" loading="lazy">');
+    $sizes = (int) $width > 0 ? ' width="' . (int) $width . '" height="' . (int) $height . '"' : '';
+    return kvWithLighterPictures('<img src="' . kvHtml($file) . '"' . $sizes . ' alt="" loading="lazy">');
 }
 
 /** A text as an argument between single quotes of a script that stands in the address of a link. */
-function kvTestoScript(string $testo): string
+function kvScriptText(string $text): string
 {
-    return strtr($testo, [
+    return strtr($text, [
         '"' => '%22', '%' => '%25', "'" => "\\'", '\\' => '\\\\', ';' => ',', '<' => '%3C', '>' => '%3E', '&' => '%26',
         '[' => ' ', ']' => ' ', '|' => ' ', "\xA3" => ' ', "\r" => ' ', "\n" => ' ',
     ]);
 }
 
 /** The quantity discount of a row: pairs of quantity and factor in millionths, by rising quantity. */
-function kvScaglioni(array $riga, int $listino): array
+function kvQuantitySteps(array $row, int $listino): array
 {
-    $passi = [];
-    if (!empty($riga['scq' . ($listino === 0 ? '' : $listino)])) {
+    $steps = [];
+    if (!empty($row['scq' . ($listino === 0 ? '' : $listino)])) {
         foreach (['0', '1'] as $n) {
-            $soglia = (int) ($riga['scqart' . $n] ?? 0);
-            if ($soglia > 0) {
-                $passi[$soglia] = [$soglia, (int) round((float) ($riga['scqperc' . $n] ?? 1) * 1000000)];
+            $threshold = (int) ($row['scqart' . $n] ?? 0);
+            if ($threshold > 0) {
+                $steps[$threshold] = [$threshold, (int) round((float) ($row['scqperc' . $n] ?? 1) * 1000000)];
             }
         }
-        ksort($passi);
+        ksort($steps);
     }
-    return array_values($passi);
+    return array_values($steps);
 }
 
 /** The quantity discounts in words, "3: -10% 10: -20%" as a list; empty without any. */
-function kvTestoScaglioni(array $riga): string
+function kvQuantityStepsText(array $row): string
 {
-    if (kvPrezziNascosti()) {
+    if (kvArePricesHidden()) {
         return '';
     }
-    $voci = '';
-    foreach (kvScaglioni($riga, $GLOBALS['listino']) as list($soglia, $fattore)) {
-        $percento = kvTestoPercento((1000000 - $fattore) / 10000);
-        $voci .= "<li><<4-quantita_da>> $soglia: -$percento%</li>";
+    $entries = '';
+    foreach (kvQuantitySteps($row, $GLOBALS['listino']) as list($threshold, $factor)) {
+        $percent = kvPercentText((1000000 - $factor) / 10000);
+        $entries .= "<li><<4-quantita_da>> $threshold: -$percent%</li>";
     }
-    return $voci === '' ? '' : '<ul class="scaglioni">' . $voci . '</ul>';
+    return $entries === '' ? '' : '<ul class="scaglioni">' . $entries . '</ul>';
 }
 
 /**
@@ -207,135 +207,135 @@ function kvTestoScaglioni(array $riga): string
  * registration page instead. What reaches the cart is the article's number, the quantity and the chosen values: names
  * and prices are for scripts of the merchant's own, the cart asks the server for them.
  */
-function kvAcquista(array $riga): string
+function kvBuyLink(array $row): string
 {
     global $cliente, $subtitleincart, $ivacompresa, $ivarep, $Lingua;
-    $coda = "\" onMouseOver=\"window.status=''; return true";
-    if (kvAcquistoNegato()) {
-        $motivo = $cliente > 0 ? 'm=37&amp;t=.37.' : 'm=23';
-        return "javascript:self.location='login$Lingua.php?$motivo';" . $coda;
+    $tail = "\" onMouseOver=\"window.status=''; return true";
+    if (kvIsBuyingDenied()) {
+        $reason = $cliente > 0 ? 'm=37&amp;t=.37.' : 'm=23';
+        return "javascript:self.location='login$Lingua.php?$reason';" . $tail;
     }
-    $articolo = (string) ($riga['cart_articolo'] ?? '');
-    if ($subtitleincart && ($riga['plain_sottotitolo'] ?? '') !== '') {
-        $articolo .= ' ' . kvTestoScript(strip_tags((string) $riga['plain_sottotitolo']));
+    $article = (string) ($row['cart_articolo'] ?? '');
+    if ($subtitleincart && ($row['plain_sottotitolo'] ?? '') !== '') {
+        $article .= ' ' . kvScriptText(strip_tags((string) $row['plain_sottotitolo']));
     }
-    $posto = (int) ($riga['contatore'] ?? 0);
-    $prezzo = kvNumeroScript(kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()), kvScala());
-    $iva = $ivacompresa ? '0' : (string) round((float) $ivarep, 6);
-    $peso = (string) ($riga['cart_peso'] ?? '0');
-    return "javascript:window.status='';Acquista('$articolo','$prezzo','$iva',document.itemsform.qt$posto.value,"
-        . "'op1$posto','op2$posto','op3$posto','$peso','op4$posto'," . (int) ($riga['ID'] ?? 0) . ')' . $coda;
+    $slot = (int) ($row['contatore'] ?? 0);
+    $price = kvScriptNumber(kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()), kvScale());
+    $vat = $ivacompresa ? '0' : (string) round((float) $ivarep, 6);
+    $weight = (string) ($row['cart_peso'] ?? '0');
+    return "javascript:window.status='';Acquista('$article','$price','$vat',document.itemsform.qt$slot.value,"
+        . "'op1$slot','op2$slot','op3$slot','$weight','op4$slot'," . (int) ($row['ID'] ?? 0) . ')' . $tail;
 }
 
 /** The variant of a slot (1 to 4) for a listino; 0 when the slot is empty. */
-function kvVariante(array $riga, int $posto, int $listino): int
+function kvVariantNumber(array $row, int $slot, int $listino): int
 {
-    $id = (int) ($riga['opzione' . $posto . ($listino === 0 ? '' : '_' . $listino)] ?? 0);
+    $id = (int) ($row['opzione' . $slot . ($listino === 0 ? '' : '_' . $listino)] ?? 0);
     return $id > 1 ? $id : 0;
 }
 
 /** The selectors of some variant slots; empty where the article has no variants. */
-function kvSelettori(array $riga, array $posti): string
+function kvSelectors(array $row, array $positions): string
 {
     $html = '';
-    foreach ($posti as $posto) {
-        if (kvVariante($riga, $posto, $GLOBALS['listino']) > 0) {
+    foreach ($positions as $slot) {
+        if (kvVariantNumber($row, $slot, $GLOBALS['listino']) > 0) {
             include_once "kvvariant.php";
-            $html .= kvSelettore($riga, $posto);
+            $html .= kvSelector($row, $slot);
         }
     }
     return $html;
 }
 
 /** The group word of a row by which related articles are known; empty when it has none. */
-function kvGruppo(array $riga): string
+function kvGroupWord(array $row): string
 {
-    return strtolower(trim((string) ($riga['correlazione'] ?? '')));
+    return strtolower(trim((string) ($row['correlazione'] ?? '')));
 }
 
 /**
- * The rows of related articles, by the key that a load makes; a shop that has none yet reads all its articles. `dopo` is
+ * The rows of related articles, by the key that a load makes; a shop that has none yet reads all its articles. `after` is
  * the rest of the statement up to the column of the group word.
  */
-function kvRigheGruppi(string $colonne, string $tabella, string $dopo, array $gruppi): array
+function kvGroupRows(string $columns, string $table, string $after, array $groups): array
 {
     include_once "kvtables.php";
-    $indice = 'indice' . $GLOBALS['Lingua'];
-    if (($GLOBALS['kvStates'][$indice] ?? kvStoredValue($indice)) !== '2') {
-        return kvQuery("SELECT $colonne FROM $tabella$dopo IN (" . implode(',', array_fill(0, count($gruppi), '?'))
-            . ') ORDER BY plain_titolo', $gruppi) ?? [];
+    $index = 'indice' . $GLOBALS['Lingua'];
+    if (($GLOBALS['kvStates'][$index] ?? kvStoredValue($index)) !== '2') {
+        return kvQuery("SELECT $columns FROM $table$after IN (" . implode(',', array_fill(0, count($groups), '?'))
+            . ') ORDER BY plain_titolo', $groups) ?? [];
     }
     // The connection stays with the character set of the catalogue: a change of it, and bound values, are trips to the
     // server. The words of the index are UTF-8 all the same, told by their bytes.
     kvSetCharset('latin1');
-    $parole = array_map(fn($parola) => "'" . mysqli_real_escape_string(kvConnection(), $parola) . "'", $gruppi);
-    $chiavi = array_map(fn($parola) => "_utf8mb4 x'" . bin2hex(kvIndexGroup($parola)) . "'", $gruppi);
-    $sql = "SELECT STRAIGHT_JOIN $colonne FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $tabella ON $tabella.ID = v.articolo$dopo"
-        . ' IN (' . implode(',', $parole) . ') AND v.gruppo IN (' . implode(',', $chiavi) . ') ORDER BY plain_titolo';
-    $esito = mysqli_query(kvConnection(), $sql);
-    if ($esito === false && mysqli_errno(kvConnection()) === 1146) {
+    $words = array_map(fn($word) => "'" . mysqli_real_escape_string(kvConnection(), $word) . "'", $groups);
+    $keys = array_map(fn($word) => "_utf8mb4 x'" . bin2hex(kvIndexGroup($word)) . "'", $groups);
+    $sql = "SELECT STRAIGHT_JOIN $columns FROM kv_voci{$GLOBALS['Lingua']} v INNER JOIN $table ON $table.ID = v.articolo$after"
+        . ' IN (' . implode(',', $words) . ') AND v.gruppo IN (' . implode(',', $keys) . ') ORDER BY plain_titolo';
+    $result = mysqli_query(kvConnection(), $sql);
+    if ($result === false && mysqli_errno(kvConnection()) === 1146) {
         kvUpdateTables();
         kvSetCharset('latin1');
-        $esito = mysqli_query(kvConnection(), $sql);
+        $result = mysqli_query(kvConnection(), $sql);
     }
-    return $esito instanceof mysqli_result ? mysqli_fetch_all($esito, MYSQLI_ASSOC) : [];
+    return $result instanceof mysqli_result ? mysqli_fetch_all($result, MYSQLI_ASSOC) : [];
 }
 
 /** The articles of each group word on the page, read by one query; closed and hidden departments stay out. */
-function kvGruppiPagina(string $gruppo): array
+function kvPageGroups(string $group): array
 {
     global $resultArt, $listino;
-    static $gruppi = [];
-    if (isset($gruppi[$gruppo])) {
-        return $gruppi;
+    static $groups = [];
+    if (isset($groups[$group])) {
+        return $groups;
     }
-    $righe = $resultArt instanceof KvRows ? $resultArt->rows : [];
-    $nuovi = array_values(array_filter(array_unique(array_merge([$gruppo], array_map('kvGruppo', $righe)))));
-    $gruppi += array_fill_keys($nuovi, []);
-    $tabella = kvLanguageTable('articoli');
+    $rows = $resultArt instanceof KvRows ? $resultArt->rows : [];
+    $newOnes = array_values(array_filter(array_unique(array_merge([$group], array_map('kvGroupWord', $rows)))));
+    $groups += array_fill_keys($newOnes, []);
+    $table = kvLanguageTable('articoli');
     // Beside an article that is shown alone they are cards, with picture and price: those columns come along.
-    $schede = is_array($GLOBALS['kvSolo'] ?? null);
-    $dopo = " INNER JOIN dettaglio ON dettaglio.ID = $tabella.ID INNER JOIN ordinamento ON ordinamento.ID = $tabella.ID"
-        . ($schede ? " LEFT JOIN kv_offerte ON kv_offerte.ID = $tabella.ID" : '')
+    $cards = is_array($GLOBALS['kvSolo'] ?? null);
+    $after = " INNER JOIN dettaglio ON dettaglio.ID = $table.ID INNER JOIN ordinamento ON ordinamento.ID = $table.ID"
+        . ($cards ? " LEFT JOIN kv_offerte ON kv_offerte.ID = $table.ID" : '')
         . " INNER JOIN categorie ON categorie.ID = catID WHERE nascosto = 0 AND inaccessibile" . ($listino ?: '')
         . ' = 0 AND correlazione';
     $n = (string) ($listino ?: '');
-    $colonne = "$tabella.ID, $tabella.pagina, sottopagina, contatore, plain_titolo, correlazione"
-        . ($schede ? ", catID, $tabella.pagina AS linkPage, immagine1, immagine2, immagine3, implistino$n, importo$n, offerte" : '');
-    foreach (kvRigheGruppi($colonne, $tabella, $dopo, $nuovi) as $riga) {
-        $gruppi[kvGruppo($riga)][] = $riga;
+    $columns = "$table.ID, $table.pagina, sottopagina, contatore, plain_titolo, correlazione"
+        . ($cards ? ", catID, $table.pagina AS linkPage, immagine1, immagine2, immagine3, implistino$n, importo$n, offerte" : '');
+    foreach (kvGroupRows($columns, $table, $after, $newOnes) as $row) {
+        $groups[kvGroupWord($row)][] = $row;
     }
-    return $gruppi;
+    return $groups;
 }
 
 /** A card of another article: picture, title, price. Its department is set for its price, and not set back. */
-function kvSchedaCorrelata(array $riga): string
+function kvRelatedCard(array $row): string
 {
-    SetVariables($riga['catID']);
-    $foto = kvFotoPiccola($riga);
-    $prezzo = kvPrezziNascosti() ? '' : '<strong class="importo">' . kvTestoImporto(kvPrezziVisitatore($riga)['prezzo']) . '</strong>';
-    return '<li><a class="scheda" href="' . kvHtml(kvPaginaArticolo($riga)) . '"><span class="foto">'
-        . ($foto === null ? '' : kvTagImmagine($foto, '')) . '</span><span class="nome">' . TestoSemplice((string) $riga['plain_titolo'])
-        . "</span>$prezzo</a></li>";
+    SetVariables($row['catID']);
+    $picture = kvSmallPicture($row);
+    $price = kvArePricesHidden() ? '' : '<strong class="importo">' . kvAmountText(kvVisitorPrices($row)['prezzo']) . '</strong>';
+    return '<li><a class="scheda" href="' . kvHtml(kvArticlePage($row)) . '"><span class="foto">'
+        . ($picture === null ? '' : kvTagImmagine($picture, '')) . '</span><span class="nome">' . TestoSemplice((string) $row['plain_titolo'])
+        . "</span>$price</a></li>";
 }
 
 /** The other articles with the same group word, twelve at most: cards on the page of one article, links in a list. */
-function kvCorrelati(array $riga): string
+function kvCorrelati(array $row): string
 {
-    $gruppo = kvGruppo($riga);
-    $altre = array_slice(array_filter($gruppo === '' ? [] : kvGruppiPagina($gruppo)[$gruppo],
-        fn($altra) => (int) $altra['ID'] !== (int) $riga['ID']), 0, 12);
-    $voci = '';
+    $group = kvGroupWord($row);
+    $others = array_slice(array_filter($group === '' ? [] : kvPageGroups($group)[$group],
+        fn($other) => (int) $other['ID'] !== (int) $row['ID']), 0, 12);
+    $entries = '';
     if (is_array($GLOBALS['kvSolo'] ?? null)) {
         include_once "kvcard.php";
-        kvLeggiReparti(array_map('strval', array_column($altre, 'catID')));
-        $voci = implode('', array_map('kvSchedaCorrelata', $altre));
-        SetVariables($riga['catID']);
-        return $voci === '' ? '' : '<ul class="correlati schede">' . $voci . '</ul>';
+        kvReadDepartments(array_map('strval', array_column($others, 'catID')));
+        $entries = implode('', array_map('kvRelatedCard', $others));
+        SetVariables($row['catID']);
+        return $entries === '' ? '' : '<ul class="correlati schede">' . $entries . '</ul>';
     }
-    foreach ($altre as $altra) {
-        $voci .= '<li><a href="' . kvHtml($altra['pagina']) . '.php?n=' . (int) $altra['sottopagina'] . '#'
-            . (int) $altra['contatore'] . '">' . kvTextHtml((string) $altra['plain_titolo']) . '</a></li>';
+    foreach ($others as $other) {
+        $entries .= '<li><a href="' . kvHtml($other['pagina']) . '.php?n=' . (int) $other['sottopagina'] . '#'
+            . (int) $other['contatore'] . '">' . kvTextHtml((string) $other['plain_titolo']) . '</a></li>';
     }
-    return $voci === '' ? '' : '<ul class="correlati">' . $voci . '</ul>';
+    return $entries === '' ? '' : '<ul class="correlati">' . $entries . '</ul>';
 }

@@ -9,90 +9,90 @@ include_once "kvnota.php";
 /** The picture in a tag of the build: src, and width and height where the build knew them; null without one. */
 function kvImmagine(string $tag): ?array
 {
-    if (!preg_match('/<img\b[^>]*>/i', $tag, $parti)) {
+    if (!preg_match('/<img\b[^>]*>/i', $tag, $parts)) {
         return null;
     }
-    $attributi = kvAttributes(substr($parti[0], 4));
-    $src = (string) ($attributi['src'] ?? '');
+    $attributes = kvAttributes(substr($parts[0], 4));
+    $src = (string) ($attributes['src'] ?? '');
     return $src === '' ? null
-        : ['src' => $src, 'width' => (int) ($attributi['width'] ?? 0), 'height' => (int) ($attributi['height'] ?? 0)];
+        : ['src' => $src, 'width' => (int) ($attributes['width'] ?? 0), 'height' => (int) ($attributes['height'] ?? 0)];
 }
 
-/** The tag of a picture; `altre` are the same picture in other sizes, for screens that show more of it. */
-function kvTagImmagine(array $immagine, string $testo, bool $pigra = true, array $altre = [], string $misure = ''): string
+/** The tag of a picture; `others` are the same picture in other sizes, for screens that show more of it. */
+function kvTagImmagine(array $picture, string $text, bool $lazy = true, array $others = [], string $sizes = ''): string
 {
-    $attributi = ['src' => $immagine['src'], 'alt' => $testo];
-    if ($immagine['width'] > 0 && $immagine['height'] > 0) {
-        $attributi += ['width' => $immagine['width'], 'height' => $immagine['height']];
-        $insieme = [];
-        foreach (array_merge([$immagine], $altre) as $altra) {
-            if ($altra['width'] > 0) {
-                $insieme[$altra['width']] = str_replace(' ', '%20', $altra['src']) . ' ' . $altra['width'] . 'w';
+    $attributes = ['src' => $picture['src'], 'alt' => $text];
+    if ($picture['width'] > 0 && $picture['height'] > 0) {
+        $attributes += ['width' => $picture['width'], 'height' => $picture['height']];
+        $set = [];
+        foreach (array_merge([$picture], $others) as $other) {
+            if ($other['width'] > 0) {
+                $set[$other['width']] = str_replace(' ', '%20', $other['src']) . ' ' . $other['width'] . 'w';
             }
         }
-        if (count($insieme) > 1) {
-            $attributi += ['srcset' => implode(', ', $insieme), 'sizes' => $misure];
+        if (count($set) > 1) {
+            $attributes += ['srcset' => implode(', ', $set), 'sizes' => $sizes];
         }
     }
-    $forme = [];
-    foreach (array_merge([$immagine], $altre) as $altra) {
-        $forme += kvForme($altra['src'], (int) $altra['width']);
+    $forms = [];
+    foreach (array_merge([$picture], $others) as $other) {
+        $forms += kvLighterForms($other['src'], (int) $other['width']);
     }
-    $tag = kvTag('img', $attributi + ($pigra ? ['loading' => 'lazy'] : []) + ['decoding' => 'async']);
-    return kvConForme($tag, $forme, $misure === '' ? "(max-width: {$immagine['width']}px) 100vw, {$immagine['width']}px" : $misure);
+    $tag = kvTag('img', $attributes + ($lazy ? ['loading' => 'lazy'] : []) + ['decoding' => 'async']);
+    return kvWithForms($tag, $forms, $sizes === '' ? "(max-width: {$picture['width']}px) 100vw, {$picture['width']}px" : $sizes);
 }
 
 /** A piece of HTML of the build whose pictures say what they show. */
-function kvConTesto(string $html, string $testo): string
+function kvConTesto(string $html, string $text): string
 {
-    return str_replace('alt=""', 'alt="' . TestoSemplice($testo) . '"', kvPulito($html));
+    return str_replace('alt=""', 'alt="' . TestoSemplice($text) . '"', kvPulito($html));
 }
 
 /** Whether the next picture of a list may wait until it is scrolled to: the first four may not. */
-function kvPigra(): bool
+function kvIsLazy(): bool
 {
-    static $viste = 0;
-    return $viste++ >= 4;
+    static $seen = 0;
+    return $seen++ >= 4;
 }
 
 /** The picture of an article for its card, without words beside its title; an empty text without any. */
-function kvFotoScheda(array $riga): string
+function kvFotoScheda(array $row): string
 {
-    $immagini = array_filter([kvImmagine((string) ($riga['immagine1'] ?? '')),
-        kvImmagine((string) ($riga['immagine2'] ?? '')), kvImmagine((string) ($riga['immagine3'] ?? ''))]);
-    return $immagini === [] ? ''
-        : kvTagImmagine(array_shift($immagini), '', kvPigra(), $immagini, '(min-width: 40rem) 15rem, 45vw');
+    $pictures = array_filter([kvImmagine((string) ($row['immagine1'] ?? '')),
+        kvImmagine((string) ($row['immagine2'] ?? '')), kvImmagine((string) ($row['immagine3'] ?? ''))]);
+    return $pictures === [] ? ''
+        : kvTagImmagine(array_shift($pictures), '', kvIsLazy(), $pictures, '(min-width: 40rem) 15rem, 45vw');
 }
 
 /** The big picture of an article on its own page; a click shows it in its full size where the merchant wants that. */
-function kvFotoGrande(array $riga): string
+function kvFotoGrande(array $row): string
 {
-    $prima = (string) ($riga['immagine1'] ?? '');
-    $immagini = array_values(array_filter([kvImmagine((string) ($riga['immagine2'] ?? '')), kvImmagine($prima)]));
-    if ($immagini === []) {
+    $first = (string) ($row['immagine1'] ?? '');
+    $pictures = array_values(array_filter([kvImmagine((string) ($row['immagine2'] ?? '')), kvImmagine($first)]));
+    if ($pictures === []) {
         return '';
     }
-    $nome = TestoSemplice((string) $riga['plain_titolo']);
-    $tag = kvTagImmagine($immagini[0], $nome, kvPigra(), array_slice($immagini, 1), '(min-width: 60rem) 30rem, 92vw');
-    if (!preg_match('/PopupImage\(\'([^\']*)\',(\d+),(\d+)\)/', $prima, $parti)) {
+    $name = TestoSemplice((string) $row['plain_titolo']);
+    $tag = kvTagImmagine($pictures[0], $name, kvIsLazy(), array_slice($pictures, 1), '(min-width: 60rem) 30rem, 92vw');
+    if (!preg_match('/PopupImage\(\'([^\']*)\',(\d+),(\d+)\)/', $first, $parts)) {
         return $tag;
     }
-    return '<a href="' . kvHtml($parti[1]) . '" onclick="PopupImage(\'' . kvHtml($parti[1])
-        . "',$parti[2],$parti[3]); return false\">$tag</a>";
+    return '<a href="' . kvHtml($parts[1]) . '" onclick="PopupImage(\'' . kvHtml($parts[1])
+        . "',$parts[2],$parts[3]); return false\">$tag</a>";
 }
 
 /** A picture of the showcase from the file name and the size texts of its cell. */
-function kvFotoVetrina(string $file, string $larghezza, string $altezza): string
+function kvFotoVetrina(string $file, string $width, string $height): string
 {
     return $file === '' ? '' : kvTagImmagine(
-        ['src' => kvHtml($file), 'width' => (int) $larghezza, 'height' => (int) $altezza], '', kvPigra());
+        ['src' => kvHtml($file), 'width' => (int) $width, 'height' => (int) $height], '', kvIsLazy());
 }
 
 /** The marks of an article: offer, discount in percent, novelty. */
-function kvSegni(array $riga): string
+function kvSegni(array $row): string
 {
-    $segni = empty($riga['novita']) ? '' : '<span class="bollo">' . kvHtml("<<4-novita>>") . '</span>';
-    return kvBolli(kvSegnoOfferta()) . $segni;
+    $marks = empty($row['novita']) ? '' : '<span class="bollo">' . kvHtml("<<4-novita>>") . '</span>';
+    return kvBolli(kvOfferMark()) . $marks;
 }
 
 /** The marks of the build in words instead of pictures. */
@@ -105,151 +105,151 @@ function kvBolli(string $html): string
 /** The price asked, the struck list price before it, VAT and second currency behind it. */
 function kvPrezzo(): string
 {
-    $barrato = ViewArt('prezzo_barrato');
-    $html = $barrato === '' ? '' : '<span class="barrato"><span class="nascosto">' . kvHtml("<<4-prezzo_pieno>>") . ' </span>'
-        . $barrato . '</span> ';
+    $crossedOut = ViewArt('prezzo_barrato');
+    $html = $crossedOut === '' ? '' : '<span class="barrato"><span class="nascosto">' . kvHtml("<<4-prezzo_pieno>>") . ' </span>'
+        . $crossedOut . '</span> ';
     $html .= '<strong class="prezzo">' . ViewArt('prezzo') . '</strong>';
-    foreach (['iva', 'cambio'] as $nota) {
-        $testo = ViewArt($nota);
-        $html .= $testo === '' ? '' : ' <span class="nota ' . $nota . '">' . kvPulito($testo) . '</span>';
+    foreach (['iva', 'cambio'] as $note) {
+        $text = ViewArt($note);
+        $html .= $text === '' ? '' : ' <span class="nota ' . $note . '">' . kvPulito($text) . '</span>';
     }
-    return $html . ' ' . kvNotaPrezzo() . kvNotePrezzo($GLOBALS['rowArt']);
+    return $html . ' ' . kvNotaPrezzo() . kvPriceNotes($GLOBALS['rowArt']);
 }
 
 /** What the browser needs to show the price of the chosen values and pieces; nothing where prices are hidden. */
-function kvDatiPrezzo(array $riga): string
+function kvDatiPrezzo(array $row): string
 {
-    if (kvPrezziNascosti()) {
+    if (kvArePricesHidden()) {
         return '';
     }
-    $contenuto = kvContenuto($riga);
+    $content = kvContent($row);
     return '<span class="kv-prezzo" hidden data-prezzo="'
-        . kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala())
-        . ($contenuto === null ? '' : '" data-contenuto="' . $contenuto[0] . '" data-misura="' . $contenuto[1]) . '" data-passi="'
-        . kvHtml((string) json_encode(kvScaglioni($riga, (int) $GLOBALS['listino']))) . '"></span>';
+        . kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale())
+        . ($content === null ? '' : '" data-contenuto="' . $content[0] . '" data-misura="' . $content[1]) . '" data-passi="'
+        . kvHtml((string) json_encode(kvQuantitySteps($row, (int) $GLOBALS['listino']))) . '"></span>';
 }
 
 /** All rows of the department page; those that the loop has yet to read stay unread. */
-function kvRighePagina($esito): array
+function kvPageRows($result): array
 {
-    static $righe = null;
-    if ($esito instanceof KvRows) {
-        return $esito->rows;
+    static $rows = null;
+    if ($result instanceof KvRows) {
+        return $result->rows;
     }
-    if ($righe === null && $esito instanceof mysqli_result) {
-        $righe = [];
-        mysqli_data_seek($esito, 0);
-        while ($riga = mysqli_fetch_assoc($esito)) {
-            $righe[] = $riga;
+    if ($rows === null && $result instanceof mysqli_result) {
+        $rows = [];
+        mysqli_data_seek($result, 0);
+        while ($row = mysqli_fetch_assoc($result)) {
+            $rows[] = $row;
         }
-        mysqli_data_seek($esito, (int) ($GLOBALS['Contatore'] ?? 0));
+        mysqli_data_seek($result, (int) ($GLOBALS['Contatore'] ?? 0));
     }
-    return $righe ?? [];
+    return $rows ?? [];
 }
 
 /**
- * The article that is shown alone: the one that the address asks for, or the only one of the page where `unica`. Null
+ * The article that is shown alone: the one that the address asks for, or the only one of the page where `unique`. Null
  * for a list. To be called before the loop over the articles; an address that asks for what there isn't gets a page that
  * says so, with status 404.
  */
-function kvArticoloSolo(bool $unica = false): ?array
+function kvArticoloSolo(bool $unique = false): ?array
 {
     global $resultArt, $HTTP_GET_VARS, $sp;
-    $righe = kvRighePagina($resultArt);
-    $posto = (int) $HTTP_GET_VARS['prod'];
-    $pagina = (int) $HTTP_GET_VARS['n'];
-    if (!empty($GLOBALS['kvWrong']) || ($pagina > 0 && $pagina !== (int) $sp) || ($posto > 0 && !isset($righe[$posto - 1]))) {
+    $rows = kvPageRows($resultArt);
+    $slot = (int) $HTTP_GET_VARS['prod'];
+    $page = (int) $HTTP_GET_VARS['n'];
+    if (!empty($GLOBALS['kvWrong']) || ($page > 0 && $page !== (int) $sp) || ($slot > 0 && !isset($rows[$slot - 1]))) {
         kvNotFound();
     }
-    return $posto > 0 ? $righe[$posto - 1] : ($unica && count($righe) === 1 && !kvScelteElenco()['attiva'] ? $righe[0] : null);
+    return $slot > 0 ? $rows[$slot - 1] : ($unique && count($rows) === 1 && !kvListChoices()['attiva'] ? $rows[0] : null);
 }
 
 /** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */
-function kvDisponibile(array $riga): bool
+function kvDisponibile(array $row): bool
 {
-    return kvArticoloDisponibile($riga) && kvVariantiDisponibili($riga);
+    return kvIsArticleAvailable($row) && kvVariantiDisponibili($row);
 }
 
 /** Whether the article itself isn't sold out. */
-function kvArticoloDisponibile(array $riga): bool
+function kvIsArticleAvailable(array $row): bool
 {
     // A department page has the stock beside the article.
-    if (!array_key_exists('disponibile', $riga)) {
-        return (kvScorte(['A' . $riga['ID']])['A' . $riga['ID']] ?? 1) > 0;
+    if (!array_key_exists('disponibile', $row)) {
+        return (kvScorte(['A' . $row['ID']])['A' . $row['ID']] ?? 1) > 0;
     }
-    return $riga['disponibile'] === null || ($riga['disponibile'] && ($riga['quantita'] === null || $riga['quantita'] > 0));
+    return $row['disponibile'] === null || ($row['disponibile'] && ($row['quantita'] === null || $row['quantita'] > 0));
 }
 
 /** The page that shows an article of this page alone. */
-function kvPaginaScheda(array $riga): string
+function kvPaginaScheda(array $row): string
 {
-    return kvPageFile() . '?n=' . (int) ($riga['sottopagina'] ?? $GLOBALS['sp']) . '&prod='
-        . (int) ($riga['posto'] ?? $riga['contatore']);
+    return kvPageFile() . '?n=' . (int) ($row['sottopagina'] ?? $GLOBALS['sp']) . '&prod='
+        . (int) ($row['posto'] ?? $row['contatore']);
 }
 
 /** The same for an article of any department. */
-function kvPaginaArticolo(array $riga): string
+function kvArticlePage(array $row): string
 {
-    return $riga['linkPage'] . '.php?n=' . (int) $riga['sottopagina'] . '&prod=' . (int) $riga['contatore'];
+    return $row['linkPage'] . '.php?n=' . (int) $row['sottopagina'] . '&prod=' . (int) $row['contatore'];
 }
 
 /** The smallest picture of an article that is fit for a list; null without any. */
-function kvFotoPiccola(array $riga): ?array
+function kvSmallPicture(array $row): ?array
 {
-    return kvImmagine((string) ($riga['immagine3'] ?? '')) ?? kvImmagine((string) ($riga['immagine1'] ?? ''))
-        ?? kvImmagine((string) ($riga['immagine2'] ?? ''));
+    return kvImmagine((string) ($row['immagine3'] ?? '')) ?? kvImmagine((string) ($row['immagine1'] ?? ''))
+        ?? kvImmagine((string) ($row['immagine2'] ?? ''));
 }
 
 /** Whether the visitor has to choose a variant of the article. */
-function kvHaVarianti(array $riga): bool
+function kvHasVariants(array $row): bool
 {
-    return kvVariantiRiga($riga, (int) $GLOBALS['listino']) !== [];
+    return kvRowVariants($row, (int) $GLOBALS['listino']) !== [];
 }
 
 /**
- * What buys an article: a form with variants and quantity on its own page (`intera`), on a card one button, which leads
+ * What buys an article: a form with variants and quantity on its own page (`whole`), on a card one button, which leads
  * to that page where there is something to choose. Who may not buy is sent where the buy link of the build would.
  */
-function kvModuloAcquista(array $riga, bool $intera): string
+function kvModuloAcquista(array $row, bool $whole): string
 {
-    if (!kvDisponibile($riga)) {
+    if (!kvDisponibile($row)) {
         return '<p class="esaurito">' . kvHtml("<<4-esaurito>>") . '</p>';
     }
-    $chiamata = substr((string) strstr(ViewArt('java_acquista'), '"', true), strlen('javascript:'));
-    if (preg_match('/^self\.location=\'([^\']*)\'/', $chiamata, $parti)) {
-        return '<p><a class="bottone" href="' . $parti[1] . '">' . kvHtml("<<4-menu_accesso>>") . '</a></p>';
+    $call = substr((string) strstr(ViewArt('java_acquista'), '"', true), strlen('javascript:'));
+    if (preg_match('/^self\.location=\'([^\']*)\'/', $call, $parts)) {
+        return '<p><a class="bottone" href="' . $parts[1] . '">' . kvHtml("<<4-menu_accesso>>") . '</a></p>';
     }
-    $nome = kvHtml(kvTestoPiano((string) $riga['plain_titolo']));
-    if (!$intera && kvHaVarianti($riga)) {
-        return '<p><a class="bottone secondario" href="' . kvHtml(kvPaginaScheda($riga)) . '">' . kvHtml("<<4-scegli>>")
-            . '<span class="nascosto">: ' . $nome . '</span></a></p>';
+    $name = kvHtml(kvTestoPiano((string) $row['plain_titolo']));
+    if (!$whole && kvHasVariants($row)) {
+        return '<p><a class="bottone secondario" href="' . kvHtml(kvPaginaScheda($row)) . '">' . kvHtml("<<4-scegli>>")
+            . '<span class="nascosto">: ' . $name . '</span></a></p>';
     }
-    $posto = (int) $riga['contatore'];
+    $slot = (int) $row['contatore'];
     // In an address the percent codes are read before the script is; in an attribute they are not.
-    $chiamata = str_replace(["window.status='';", "document.itemsform.qt$posto.value"], ['', "this.qt$posto.value"],
-        $chiamata);
-    $chiamata = kvHtml(rawurldecode($chiamata));
-    $minimo = max(1, (int) "<<1-java_qminima>>");
-    $quantita = $intera
-        ? '<div class="quantita"><label for="qt' . $posto . '">' . kvHtml("<<4-quantita>>") . '</label>'
+    $call = str_replace(["window.status='';", "document.itemsform.qt$slot.value"], ['', "this.qt$slot.value"],
+        $call);
+    $call = kvHtml(rawurldecode($call));
+    $least = max(1, (int) "<<1-java_qminima>>");
+    $quantity = $whole
+        ? '<div class="quantita"><label for="qt' . $slot . '">' . kvHtml("<<4-quantita>>") . '</label>'
             . '<div><button type="button" data-passo="-1" aria-label="' . kvHtml("<<4-meno>>") . '">&minus;</button>'
-            . "<input type=\"number\" inputmode=\"numeric\" name=\"qt$posto\" id=\"qt$posto\" value=\"$minimo\""
-            . " min=\"$minimo\" max=\"99999\" required><button type=\"button\" data-passo=\"1\" aria-label=\""
+            . "<input type=\"number\" inputmode=\"numeric\" name=\"qt$slot\" id=\"qt$slot\" value=\"$least\""
+            . " min=\"$least\" max=\"99999\" required><button type=\"button\" data-passo=\"1\" aria-label=\""
             . kvHtml("<<4-piu>>") . '">+</button></div></div>'
-        : "<input type=\"hidden\" name=\"qt$posto\" value=\"$minimo\">";
-    return '<form class="acquisto" method="post" action="kvcarrello.php" accept-charset="utf-8" onsubmit="' . $chiamata
-        . '; return false"><input type="hidden" name="compra" value="' . (int) $riga['ID'] . ".$posto\">" . ($intera ? ViewArt('opzioni') : '') . $quantita
-        . '<button type="submit">' . kvHtml("<<4-acquista>>") . ($intera ? '' : '<span class="nascosto">: ' . $nome . '</span>')
+        : "<input type=\"hidden\" name=\"qt$slot\" value=\"$least\">";
+    return '<form class="acquisto" method="post" action="kvcarrello.php" accept-charset="utf-8" onsubmit="' . $call
+        . '; return false"><input type="hidden" name="compra" value="' . (int) $row['ID'] . ".$slot\">" . ($whole ? ViewArt('opzioni') : '') . $quantity
+        . '<button type="submit">' . kvHtml("<<4-acquista>>") . ($whole ? '' : '<span class="nascosto">: ' . $name . '</span>')
         . '</button></form>';
 }
 
 /** The link that an article has to a page elsewhere; nothing without one. */
-function kvLinkEsterno(array $riga): string
+function kvLinkEsterno(array $row): string
 {
-    if (!preg_match('/^<a href="([^"]*)"( target="_blank")?>/', (string) ($riga['titolo'] ?? ''), $parti)) {
+    if (!preg_match('/^<a href="([^"]*)"( target="_blank")?>/', (string) ($row['titolo'] ?? ''), $parts)) {
         return '';
     }
-    return '<p><a href="' . kvTextBetweenTags($parti[1]) . '"' . (isset($parti[2]) ? ' target="_blank" rel="noopener"' : '') . '>'
+    return '<p><a href="' . kvTextBetweenTags($parts[1]) . '"' . (isset($parts[2]) ? ' target="_blank" rel="noopener"' : '') . '>'
         . kvHtml("<<4-approfondimento>>") . '</a></p>';
 }
 
@@ -271,7 +271,7 @@ function kvInizioScheda(): void
 function kvFineScheda(): void
 {
     $GLOBALS['kvCards'] .= ob_get_clean();
-    $GLOBALS['kvDatiSchede'][] = kvDatiArticolo($GLOBALS['rowArt'], kvDisponibile($GLOBALS['rowArt']));
+    $GLOBALS['kvDatiSchede'][] = kvArticleData($GLOBALS['rowArt'], kvDisponibile($GLOBALS['rowArt']));
 }
 
 /** The end of the loop: the articles, without the anchors and table cells between them. */
@@ -282,91 +282,91 @@ function kvFineSchede(): string
 }
 
 /** The ISO 4217 code of the shop's currency from its label; empty when the label doesn't tell. */
-function kvCodiceValuta(): string
+function kvCurrencyCode(): string
 {
-    $etichetta = strtoupper(trim(html_entity_decode((string) $GLOBALS['valuta'][0], ENT_QUOTES, 'cp1252')));
-    $segni = ["\x80" => 'EUR', 'EURO' => 'EUR', '$' => 'USD', 'US$' => 'USD', "\xA3" => 'GBP', 'FR.' => 'CHF',
+    $label = strtoupper(trim(html_entity_decode((string) $GLOBALS['valuta'][0], ENT_QUOTES, 'cp1252')));
+    $marks = ["\x80" => 'EUR', 'EURO' => 'EUR', '$' => 'USD', 'US$' => 'USD', "\xA3" => 'GBP', 'FR.' => 'CHF',
         'SFR' => 'CHF', "\xA5" => 'JPY', 'LIT.' => 'ITL', 'LIRE' => 'ITL'];
-    return $segni[$etichetta] ?? (preg_match('/^[A-Z]{3}$/D', $etichetta) ? $etichetta : '');
+    return $marks[$label] ?? (preg_match('/^[A-Z]{3}$/D', $label) ? $label : '');
 }
 
 /** An offer for each value of an article with one variant that has a limited value; none for all other articles. */
-function kvOfferteValori(array $riga, callable $offerta): array
+function kvValueOffers(array $row, callable $offer): array
 {
-    $varianti = array_values(kvVariantiRiga($riga, (int) $GLOBALS['listino']));
-    $offerte = [];
-    $limitati = 0;
-    foreach (count($varianti) === 1 ? (kvElencoVariante($varianti[0])['voci'] ?? []) : [] as $voce) {
-        $libera = kvValoreDisponibile($riga, $varianti[0], $voce['codice']);
-        $limitati += $libera ? 0 : 1;
-        $prezzo = kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()) + kvDifferenza($voce['prezzo'], $riga);
-        $offerte[] = ['name' => kvDataText($voce['etichetta'])] + ($voce['codice'] === '' ? []
-            : ['sku' => kvUtf8($voce['codice'])]) + $offerta(kvNumeroScript(max(0, $prezzo), kvScala()), $libera && kvArticoloDisponibile($riga));
+    $variants = array_values(kvRowVariants($row, (int) $GLOBALS['listino']));
+    $offers = [];
+    $limited = 0;
+    foreach (count($variants) === 1 ? (kvVariantValues($variants[0])['voci'] ?? []) : [] as $entry) {
+        $isFree = kvValoreDisponibile($row, $variants[0], $entry['codice']);
+        $limited += $isFree ? 0 : 1;
+        $price = kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()) + kvDifference($entry['prezzo'], $row);
+        $offers[] = ['name' => kvDataText($entry['etichetta'])] + ($entry['codice'] === '' ? []
+            : ['sku' => kvUtf8($entry['codice'])]) + $offer(kvScriptNumber(max(0, $price), kvScale()), $isFree && kvIsArticleAvailable($row));
     }
-    return $limitati > 0 ? $offerte : [];
+    return $limited > 0 ? $offers : [];
 }
 
 /** An article as schema.org has it: Product with its Offer. A price that the visitor doesn't see isn't told either. */
-function kvDatiArticolo(array $riga, bool $disponibile): array
+function kvArticleData(array $row, bool $available): array
 {
-    $foto = kvImmagine((string) ($riga['immagine2'] ?? '')) ?? kvImmagine((string) ($riga['immagine1'] ?? ''));
-    $dati = ['@type' => 'Product', 'name' => kvDataText((string) $riga['plain_titolo']), 'sku' => kvUtf8((string) $riga['codice']),
-        'description' => kvUtf8(kvFirstWords((string) $riga['descrizione'], 1000)),
-        'image' => $foto === null ? '' : kvAbsoluteAddress(rawurlencode(html_entity_decode($foto['src']))),
-        'url' => kvAbsoluteAddress(kvPaginaScheda($riga))];
-    $valuta = kvCodiceValuta();
-    if (!kvPrezziNascosti() && $valuta !== '') {
-        $prezzo = kvNumeroScript(kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()), kvScala());
-        $offerta = fn(string $prezzo, bool $disponibile): array => ['@type' => 'Offer', 'price' => $prezzo,
-            'priceCurrency' => $valuta, 'availability' => 'https://schema.org/' . ($disponibile ? 'InStock' : 'OutOfStock'),
-            'url' => $dati['url']] + ($GLOBALS['ivacompresa'] ? [] : ['priceSpecification' => [
-            '@type' => 'UnitPriceSpecification', 'price' => $prezzo, 'priceCurrency' => $valuta,
+    $picture = kvImmagine((string) ($row['immagine2'] ?? '')) ?? kvImmagine((string) ($row['immagine1'] ?? ''));
+    $data = ['@type' => 'Product', 'name' => kvDataText((string) $row['plain_titolo']), 'sku' => kvUtf8((string) $row['codice']),
+        'description' => kvUtf8(kvFirstWords((string) $row['descrizione'], 1000)),
+        'image' => $picture === null ? '' : kvAbsoluteAddress(rawurlencode(html_entity_decode($picture['src']))),
+        'url' => kvAbsoluteAddress(kvPaginaScheda($row))];
+    $valuta = kvCurrencyCode();
+    if (!kvArePricesHidden() && $valuta !== '') {
+        $price = kvScriptNumber(kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()), kvScale());
+        $offer = fn(string $price, bool $available): array => ['@type' => 'Offer', 'price' => $price,
+            'priceCurrency' => $valuta, 'availability' => 'https://schema.org/' . ($available ? 'InStock' : 'OutOfStock'),
+            'url' => $data['url']] + ($GLOBALS['ivacompresa'] ? [] : ['priceSpecification' => [
+            '@type' => 'UnitPriceSpecification', 'price' => $price, 'priceCurrency' => $valuta,
             'valueAddedTaxIncluded' => false]]);
-        $dati['offers'] = $offerta($prezzo, $disponibile);
-        $valori = kvOfferteValori($riga, $offerta);
-        $dati['offers'] = $valori === [] ? $dati['offers'] : $valori;
+        $data['offers'] = $offer($price, $available);
+        $values = kvValueOffers($row, $offer);
+        $data['offers'] = $values === [] ? $data['offers'] : $values;
         if (is_array($GLOBALS['kvSolo'] ?? null)) {
             include_once "kvsociale.php";
-            $consegna = kvDeliveryData($riga, $valuta);
-            $dati['offers'] = $valori === [] ? $dati['offers'] + $consegna : array_map(fn($uno) => $uno + $consegna, $valori);
+            $delivery = kvDeliveryData($row, $valuta);
+            $data['offers'] = $values === [] ? $data['offers'] + $delivery : array_map(fn($one) => $one + $delivery, $values);
         }
     }
-    return array_filter($dati, fn($valore) => $valore !== '');
+    return array_filter($data, fn($value) => $value !== '');
 }
 
 /** The structured data of the articles shown: one product, or the list of them. */
 function kvDatiSchede(): string
 {
-    $schede = $GLOBALS['kvDatiSchede'] ?? [];
-    if (count($schede) < 2) {
-        return $schede === [] ? '' : kvStructuredData(['@context' => 'https://schema.org'] + $schede[0]);
+    $cards = $GLOBALS['kvDatiSchede'] ?? [];
+    if (count($cards) < 2) {
+        return $cards === [] ? '' : kvStructuredData(['@context' => 'https://schema.org'] + $cards[0]);
     }
-    $voci = [];
-    foreach ($schede as $n => $scheda) {
-        $voci[] = ['@type' => 'ListItem', 'position' => $n + 1, 'item' => $scheda];
+    $entries = [];
+    foreach ($cards as $n => $card) {
+        $entries[] = ['@type' => 'ListItem', 'position' => $n + 1, 'item' => $card];
     }
-    return kvStructuredData(['@context' => 'https://schema.org', '@type' => 'ItemList', 'itemListElement' => $voci]);
+    return kvStructuredData(['@context' => 'https://schema.org', '@type' => 'ItemList', 'itemListElement' => $entries]);
 }
 
 /** The cells of the showcase table of the build as list items; nothing without any. */
-function kvVetrina(string $tabella): string
+function kvVetrina(string $table): string
 {
-    preg_match_all('/<td [^>]*>\s*<font size="[^"]*">\s*(.*?)<\/font><\/td>/s', $tabella, $celle);
-    $voci = '';
-    foreach ($celle[1] as $cella) {
-        $voci .= '<li>' . kvBolli(trim($cella)) . "</li>\n";
+    preg_match_all('/<td [^>]*>\s*<font size="[^"]*">\s*(.*?)<\/font><\/td>/s', $table, $cells);
+    $entries = '';
+    foreach ($cells[1] as $cell) {
+        $entries .= '<li>' . kvBolli(trim($cell)) . "</li>\n";
     }
-    return $voci === '' ? '' : "<ul class=\"griglia\">\n$voci</ul>\n";
+    return $entries === '' ? '' : "<ul class=\"griglia\">\n$entries</ul>\n";
 }
 
 /** The lines of the visitor's cart in brief, for the summary beside the order form. */
 function kvElencoCarrello(): string
 {
-    $voci = '';
-    foreach (kvCarrelloVisitatore() as $riga) {
-        $scelte = $riga['scelte'] === '' ? '' : '<br><span class="nota">' . kvHtml($riga['scelte']) . '</span>';
-        $voci .= '<li><span>' . $riga['quantita'] . ' &times; ' . kvHtml($riga['testo']) . $scelte . '</span> <span>'
-            . kvTestoMinimi($riga['importo'] * $riga['quantita']) . '</span></li>';
+    $entries = '';
+    foreach (kvCarrelloVisitatore() as $row) {
+        $choices = $row['scelte'] === '' ? '' : '<br><span class="nota">' . kvHtml($row['scelte']) . '</span>';
+        $entries .= '<li><span>' . $row['quantita'] . ' &times; ' . kvHtml($row['testo']) . $choices . '</span> <span>'
+            . kvUnitsText($row['importo'] * $row['quantita']) . '</span></li>';
     }
-    return $voci === '' ? '' : '<ul class="righe">' . $voci . "</ul>\n";
+    return $entries === '' ? '' : '<ul class="righe">' . $entries . "</ul>\n";
 }

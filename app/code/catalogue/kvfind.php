@@ -8,144 +8,144 @@ include_once "kvtables.php";
 include_once "kvfound.php";
 
 /** Most words of the shop that one word of a request may stand for. */
-const KV_VOCABOLI = 5000;
+const KV_SHOP_WORDS = 5000;
 /** Most words of the shop for which a single character is looked up: of more, nearly every article has one. */
-const KV_VOCABOLI_BREVI = 300;
+const KV_SHORT_WORDS = 300;
 
 /** Whether the index is there and can answer: where any word is enough, words without marks. */
-function kvIndicePronto(array $tenuta, array $parole, bool $tutte): bool
+function kvIsIndexReady(array $kept, array $words, bool $all): bool
 {
-    return $tenuta['indice'] !== '' && ($tutte || array_filter($parole, 'kvHaSegni') === []);
+    return $kept['indice'] !== '' && ($all || array_filter($words, 'kvHasMarks') === []);
 }
 
 /**
  * What the index is asked for a request word, by the pattern of the words that it stands for: the word anywhere in them;
  * of one with marks its parts of at least so many characters, which end a word before a mark and begin one after it.
  */
-function kvPezziParola(string $parola, int $almeno = 2): array
+function kvWordParts(string $word, int $atLeast = 2): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold(kvUtf8($parola)), $trovati);
-    $pezzi = [];
-    foreach ($trovati[0] as $n => $pezzo) {
-        if (kvLength($pezzo) >= $almeno) {
-            $ultimo = $n === count($trovati[0]) - 1;
-            $pezzi[($n === 0 ? '%' : '') . addcslashes($pezzo, '%_\\') . ($ultimo ? '%' : '')] = $pezzo;
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold(kvUtf8($word)), $found);
+    $pieces = [];
+    foreach ($found[0] as $n => $piece) {
+        if (kvLength($piece) >= $atLeast) {
+            $last = $n === count($found[0]) - 1;
+            $pieces[($n === 0 ? '%' : '') . addcslashes($piece, '%_\\') . ($last ? '%' : '')] = $piece;
         }
     }
-    return $pezzi;
+    return $pieces;
 }
 
 /** Whether a request word holds other than characters and digits. */
-function kvHaSegni(string $parola): bool
+function kvHasMarks(string $word): bool
 {
-    return preg_match('/^[\p{L}\p{N}\p{M}]+$/uD', kvUtf8($parola)) !== 1;
+    return preg_match('/^[\p{L}\p{N}\p{M}]+$/uD', kvUtf8($word)) !== 1;
 }
 
 /** The words of the shop that a pattern fits; null when there are too many to be told one by one. */
-function kvVocaboli(string $forma, int $massimo = KV_VOCABOLI): ?array
+function kvShopWords(string $pattern, int $most = KV_SHOP_WORDS): ?array
 {
-    $righe = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . ($massimo + 1),
-        [$forma]);
-    return $righe !== null && count($righe) <= $massimo ? array_column($righe, 'parola') : null;
+    $rows = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . ($most + 1),
+        [$pattern]);
+    return $rows !== null && count($rows) <= $most ? array_column($rows, 'parola') : null;
 }
 
 /**
  * The articles that have a word which fits a pattern, or the whole of it, as a SELECT of articolo and punti; values go to
- * `valori`. Without being told, the server would rather walk through all words in the order of the articles.
+ * `values`. Without being told, the server would rather walk through all words in the order of the articles.
  */
-function kvSceltaParola(string $forma, string $pezzo, bool $intera, array &$valori): string
+function kvWordSelect(string $pattern, string $piece, bool $whole, array &$values): string
 {
-    $tabella = 'kv_parole' . $GLOBALS['Lingua'];
-    if ($intera) {
-        $valori[] = $pezzo;
-        return "SELECT articolo, rango * 3 AS punti FROM $tabella WHERE parola = ?";
+    $table = 'kv_parole' . $GLOBALS['Lingua'];
+    if ($whole) {
+        $values[] = $piece;
+        return "SELECT articolo, rango * 3 AS punti FROM $table WHERE parola = ?";
     }
-    $parole = kvVocaboli($forma);
-    array_push($valori, $pezzo, addcslashes($pezzo, '%_\\') . '%');
-    if ($parole === null) {
-        $dove = 'parola LIKE ?';
-        $valori[] = $forma;
+    $words = kvShopWords($pattern);
+    array_push($values, $piece, addcslashes($piece, '%_\\') . '%');
+    if ($words === null) {
+        $where = 'parola LIKE ?';
+        $values[] = $pattern;
     } else {
-        $dove = $parole === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($parole), '?')) . ')';
-        $valori = array_merge($valori, $parole);
+        $where = $words === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($words), '?')) . ')';
+        $values = array_merge($values, $words);
     }
-    $punti = 'rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))';
+    $points = 'rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))';
     // An article has a word once: of one word alone there is nothing to be put together.
-    return $parole !== null && count($parole) === 1 ? "SELECT articolo, $punti AS punti FROM $tabella WHERE $dove"
-        : "SELECT articolo, MIN($punti) AS punti FROM $tabella FORCE INDEX (PRIMARY) WHERE $dove GROUP BY articolo";
+    return $words !== null && count($words) === 1 ? "SELECT articolo, $points AS punti FROM $table WHERE $where"
+        : "SELECT articolo, MIN($points) AS punti FROM $table FORCE INDEX (PRIMARY) WHERE $where GROUP BY articolo";
 }
 
-/** The conditions that request words with marks inside put on an article besides; values go to `valori`. */
-function kvCondizioneSegni(array $parole, bool $intere, array &$valori): string
+/** The conditions that request words with marks inside put on an article besides; values go to `values`. */
+function kvMarksCondition(array $words, bool $wholeWords, array &$values): string
 {
-    $segnate = array_values(array_filter($parole, 'kvHaSegni'));
-    return $segnate === [] ? '' : ' AND ' . kvCondizione($segnate, true, $intere, $valori);
+    $marked = array_values(array_filter($words, 'kvHasMarks'));
+    return $marked === [] ? '' : ' AND ' . kvWordsCondition($marked, true, $wholeWords, $values);
 }
 
-/** The condition that an article's department is open to the visitor and not hidden; values go to `valori`. */
-function kvCondizioneReparti(array &$valori): string
+/** The condition that an article's department is open to the visitor and not hidden; values go to `values`. */
+function kvDepartmentsCondition(array &$values): string
 {
-    $tutti = kvQuery('SELECT ID, inaccessibile' . ($GLOBALS['listino'] ?: '') . ' OR nascosto AS chiuso FROM categorie') ?? [];
-    $chiusi = array_values(array_filter($tutti, fn($riga) => (bool) $riga['chiuso']));
-    foreach ($chiusi as $riga) {
-        $valori[] = kvUtf8((string) $riga['ID']);
+    $all = kvQuery('SELECT ID, inaccessibile' . ($GLOBALS['listino'] ?: '') . ' OR nascosto AS chiuso FROM categorie') ?? [];
+    $closed = array_values(array_filter($all, fn($row) => (bool) $row['chiuso']));
+    foreach ($closed as $row) {
+        $values[] = kvUtf8((string) $row['ID']);
     }
-    return $chiusi === [] ? '1 = 1' : 'reparto NOT IN (' . implode(',', array_fill(0, count($chiusi), '?')) . ')';
+    return $closed === [] ? '1 = 1' : 'reparto NOT IN (' . implode(',', array_fill(0, count($closed), '?')) . ')';
 }
 
 /**
  * What the index is asked for all words of a request. Where those have single characters alone ("a-b"), the ones that
  * few words of the shop begin or end with; empty when only the texts themselves can tell.
  */
-function kvPezziRichiesta(array $parole): array
+function kvRequestParts(array $words): array
 {
-    $pezzi = $brevi = [];
-    foreach ($parole as $parola) {
-        $pezzi += kvPezziParola($parola);
-        $brevi += kvPezziParola($parola, 1);
+    $pieces = $shorts = [];
+    foreach ($words as $word) {
+        $pieces += kvWordParts($word);
+        $shorts += kvWordParts($word, 1);
     }
-    return $pezzi !== [] ? $pezzi : array_filter($brevi,
-        fn($forma) => kvVocaboli((string) $forma, KV_VOCABOLI_BREVI) !== null, ARRAY_FILTER_USE_KEY);
+    return $pieces !== [] ? $pieces : array_filter($shorts,
+        fn($pattern) => kvShopWords((string) $pattern, KV_SHORT_WORDS) !== null, ARRAY_FILTER_USE_KEY);
 }
 
 /**
  * What the index is asked for a request: what stands behind the columns of the SELECT, its values, and whether it is so much
  * work that the result is kept in any case.
  */
-function kvDomandaIndice(array $parole, bool $tutte, bool $intere): array
+function kvIndexQuery(array $words, bool $all, bool $wholeWords): array
 {
-    $pezzi = kvPezziRichiesta($parole);
-    $valori = [];
-    $scelte = $pezzi === [] ? ["(SELECT articolo, 0 AS punti FROM kv_voci{$GLOBALS['Lingua']})"] : [];
-    foreach ($pezzi as $forma => $pezzo) {
-        $intera = $intere || (string) $forma === addcslashes($pezzo, '%_\\');
-        $scelte[] = '(' . kvSceltaParola((string) $forma, $pezzo, $intera, $valori) . ')';
+    $pieces = kvRequestParts($words);
+    $values = [];
+    $choices = $pieces === [] ? ["(SELECT articolo, 0 AS punti FROM kv_voci{$GLOBALS['Lingua']})"] : [];
+    foreach ($pieces as $pattern => $piece) {
+        $whole = $wholeWords || (string) $pattern === addcslashes($piece, '%_\\');
+        $choices[] = '(' . kvWordSelect((string) $pattern, $piece, $whole, $values) . ')';
     }
-    $voluti = $tutte ? count($pezzi) : 1;
-    $trovati = count($scelte) === 1 ? $scelte[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
-        . implode(' UNION ALL ', $scelte) . ") t GROUP BY articolo HAVING COUNT(*) >= $voluti)";
-    list($reparti, $segni) = [kvCondizioneReparti($valori), kvCondizioneSegni($parole, $intere, $valori)];
-    $tabella = kvLanguageTable('articoli');
+    $wanted = $all ? count($pieces) : 1;
+    $found = count($choices) === 1 ? $choices[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
+        . implode(' UNION ALL ', $choices) . ") t GROUP BY articolo HAVING COUNT(*) >= $wanted)";
+    list($departments, $marks) = [kvDepartmentsCondition($values), kvMarksCondition($words, $wholeWords, $values)];
+    $table = kvLanguageTable('articoli');
     // Named with a table of words, the statement speaks UTF-8 as they do.
-    $da = " FROM $trovati p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($segni === '' ? ''
-        : " INNER JOIN $tabella ON $tabella.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
-        . ' WHERE ' . $reparti . $segni;
-    return [$da, $valori, $segni !== ''];
+    $from = " FROM $found p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($marks === '' ? ''
+        : " INNER JOIN $table ON $table.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
+        . ' WHERE ' . $departments . $marks;
+    return [$from, $values, $marks !== ''];
 }
 
 /** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
-function kvTrovaIndice(array $tenuta, callable $domanda, int $perPagina, int $pagina): array
+function kvFindByIndex(array $kept, callable $query, int $perPage, int $page): array
 {
-    $una = null;
-    list($quanti, $numeri) = kvNumeriTrovati($tenuta, function () use ($domanda, &$una): array {
-        return $una = $una ?? $domanda();
-    }, $perPagina, $pagina);
-    return [$quanti, kvRigheTrovate($numeri), $pagina];
+    $one = null;
+    list($count, $numbers) = kvFoundNumbers($kept, function () use ($query, &$one): array {
+        return $one = $one ?? $query();
+    }, $perPage, $page);
+    return [$count, kvFoundRows($numbers), $page];
 }
 
 /** The rows of results by the numbers of their articles, in that order. */
-function kvRigheTrovate(array $numeri): array
+function kvFoundRows(array $numbers): array
 {
-    $righe = kvArticoli($numeri);
-    return array_values(array_filter(array_map(fn($numero) => $righe[$numero] ?? null, $numeri)));
+    $rows = kvArticoli($numbers);
+    return array_values(array_filter(array_map(fn($number) => $rows[$number] ?? null, $numbers)));
 }

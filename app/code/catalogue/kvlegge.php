@@ -5,209 +5,209 @@
 // misses one goes without.
 
 /** The tables of this kind that the load has left; null where no load has said so yet. */
-function kvTabelleLaterali(): ?array
+function kvSideTables(): ?array
 {
     global $kvSideTables;
     if (!isset($kvSideTables)) {
-        $esito = mysqli_query(kvConnection(), "SELECT valore FROM kv_stato WHERE nome = 'laterali'");
-        $riga = $esito instanceof mysqli_result ? mysqli_fetch_row($esito) : null;
-        $kvSideTables = $riga === null ? false : explode(',', $riga[0]);
+        $result = mysqli_query(kvConnection(), "SELECT valore FROM kv_stato WHERE nome = 'laterali'");
+        $row = $result instanceof mysqli_result ? mysqli_fetch_row($result) : null;
+        $kvSideTables = $row === null ? false : explode(',', $row[0]);
     }
     return $kvSideTables === false ? null : $kvSideTables;
 }
 
 /** Whether the catalogue has such a table; one of which the load says nothing is asked. */
-function kvHaTabella(string $tabella): bool
+function kvHasTable(string $table): bool
 {
     global $kvLegalRows;
-    if (!array_key_exists($tabella, $kvLegalRows ?? []) && !in_array($tabella, kvTabelleLaterali() ?? [$tabella], true)) {
-        $kvLegalRows[$tabella] = null;
+    if (!array_key_exists($table, $kvLegalRows ?? []) && !in_array($table, kvSideTables() ?? [$table], true)) {
+        $kvLegalRows[$table] = null;
     }
-    return !array_key_exists($tabella, $kvLegalRows ?? []) || $kvLegalRows[$tabella] !== null;
+    return !array_key_exists($table, $kvLegalRows ?? []) || $kvLegalRows[$table] !== null;
 }
 
 /**
- * The row of a number in such a table, empty when there is none; with `articoli` those of the articles that the page shows
+ * The row of a number in such a table, empty when there is none; with `articles` those of the articles that the page shows
  * beside it are read along with it. $kvLegge keeps what was read, by table and number, and null for a table that isn't there.
  */
-function kvRigaLegge(string $tabella, int $id, bool $articoli = true): array
+function kvLegalRow(string $table, int $id, bool $articles = true): array
 {
     global $kvLegalRows;
-    if (!kvHaTabella($tabella) || isset($kvLegalRows[$tabella][$id])) {
-        return $kvLegalRows[$tabella][$id] ?? [];
+    if (!kvHasTable($table) || isset($kvLegalRows[$table][$id])) {
+        return $kvLegalRows[$table][$id] ?? [];
     }
-    $numeri = array_values(array_unique(array_map('intval', array_merge([$id], $articoli ? kvNumeriPagina() : []))));
+    $numbers = array_values(array_unique(array_map('intval', array_merge([$id], $articles ? kvPageNumbers() : []))));
     kvSetCharset('latin1');
-    $esito = mysqli_query(kvConnection(), "SELECT * FROM $tabella WHERE ID IN (" . implode(',', $numeri) . ')');
-    if (!$esito instanceof mysqli_result) {
-        $kvLegalRows[$tabella] = null;
+    $result = mysqli_query(kvConnection(), "SELECT * FROM $table WHERE ID IN (" . implode(',', $numbers) . ')');
+    if (!$result instanceof mysqli_result) {
+        $kvLegalRows[$table] = null;
         return [];
     }
-    $kvLegalRows[$tabella] = array_fill_keys($numeri, []) + ($kvLegalRows[$tabella] ?? []);
-    foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
-        $kvLegalRows[$tabella][(int) $riga['ID']] = $riga;
+    $kvLegalRows[$table] = array_fill_keys($numbers, []) + ($kvLegalRows[$table] ?? []);
+    foreach (mysqli_fetch_all($result, MYSQLI_ASSOC) as $row) {
+        $kvLegalRows[$table][(int) $row['ID']] = $row;
     }
-    return $kvLegalRows[$tabella][$id];
+    return $kvLegalRows[$table][$id];
 }
 
 /** The numbers of the articles that the page shows beside this one. */
-function kvNumeriPagina(): array
+function kvPageNumbers(): array
 {
     global $resultArt;
-    return array_merge($resultArt instanceof KvRows ? array_column($resultArt->rows, 'ID') : [], kvNumeriVetrina());
+    return array_merge($resultArt instanceof KvRows ? array_column($resultArt->rows, 'ID') : [], kvShowcaseNumbers());
 }
 
 /** The content of an article in ten-thousandths of its measure, and the word of that; null without a content. */
-function kvContenuto(array $riga): ?array
+function kvContent(array $row): ?array
 {
-    $unita = kvRigaLegge('kv_unita', (int) ($riga['ID'] ?? 0));
-    $contenuto = kvDecimillesimi($unita['contenuto'] ?? 0);
-    $parole = ['kg' => 'kg', 'l' => 'l', 'm' => 'm', 'pz' => kvHtml("<<4-unita_pezzo>>")];
-    return $contenuto > 0 && isset($parole[$unita['misura'] ?? '']) ? [$contenuto, $parole[$unita['misura']]] : null;
+    $units = kvLegalRow('kv_unita', (int) ($row['ID'] ?? 0));
+    $content = kvTenThousandths($units['contenuto'] ?? 0);
+    $words = ['kg' => 'kg', 'l' => 'l', 'm' => 'm', 'pz' => kvHtml("<<4-unita_pezzo>>")];
+    return $content > 0 && isset($words[$units['misura'] ?? '']) ? [$content, $words[$units['misura']]] : null;
 }
 
 /** Smallest units by a content in ten-thousandths: the price of one unit, rounded half up. */
-function kvImportoUnitario(int $minimi, int $contenuto): int
+function kvUnitAmount(int $units, int $content): int
 {
-    return intdiv($minimi * 20000 + $contenuto, $contenuto * 2);
+    return intdiv($units * 20000 + $content, $content * 2);
 }
 
 /** The price of one unit: that of the piece as it is shown, by the content; empty without a content. */
-function kvPrezzoUnitario(array $riga): string
+function kvUnitPrice(array $row): string
 {
-    $contenuto = kvPrezziNascosti() ? null : kvContenuto($riga);
-    if ($contenuto === null) {
+    $content = kvArePricesHidden() ? null : kvContent($row);
+    if ($content === null) {
         return '';
     }
-    $minimi = max(0, kvMinimi(kvPrezziVisitatore($riga)['prezzo'], kvScala()));
-    return kvTestoMinimi(kvImportoUnitario($minimi, $contenuto[0])) . ' / ' . $contenuto[1];
+    $units = max(0, kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()));
+    return kvUnitsText(kvUnitAmount($units, $content[0])) . ' / ' . $content[1];
 }
 
 /**
  * The lowest price of the days before the reduction, with VAT where prices include it; empty where nothing is reduced
  * or no earlier price was published. Source: Directive 98/6/EC, article 6a.
  */
-function kvPrezzoMinimo(array $riga): string
+function kvLowestPrice(array $row): string
 {
     global $listino, $ivacompresa, $ivarep;
-    $prezzi = kvPrezziNascosti() ? null : kvPrezziVisitatore($riga);
-    if ($prezzi === null || $prezzi['prezzo'] >= $prezzi['listino']) {
+    $prices = kvArePricesHidden() ? null : kvVisitorPrices($row);
+    if ($prices === null || $prices['prezzo'] >= $prices['listino']) {
         return '';
     }
-    $minimi = kvRigaLegge('kv_minimi', (int) ($riga['ID'] ?? 0));
-    $suffisso = $listino === 0 ? '' : (string) $listino;
-    if (!isset($minimi['minimo' . $suffisso])) {
+    $units = kvLegalRow('kv_minimi', (int) ($row['ID'] ?? 0));
+    $suffix = $listino === 0 ? '' : (string) $listino;
+    if (!isset($units['minimo' . $suffix])) {
         return '';
     }
-    $importo = kvConIva(kvDecimillesimi($minimi['minimo' . $suffisso]), (float) $ivarep, (bool) $ivacompresa);
-    return str_replace('%g', (string) (int) $minimi['giorni' . $suffisso], kvHtml("<<4-prezzo_minimo>>")) . ' '
-        . kvTestoImporto($importo);
+    $amount = kvWithVat(kvTenThousandths($units['minimo' . $suffix]), (float) $ivarep, (bool) $ivacompresa);
+    return str_replace('%g', (string) (int) $units['giorni' . $suffix], kvHtml("<<4-prezzo_minimo>>")) . ' '
+        . kvAmountText($amount);
 }
 
 /** The unit price and the lowest price as notes beside a price; empty without either. */
-function kvNotePrezzo(array $riga, bool $minimo = true): string
+function kvPriceNotes(array $row, bool $least = true): string
 {
-    $note = '';
-    foreach (['unitario' => kvPrezzoUnitario($riga), 'minimo' => $minimo ? kvPrezzoMinimo($riga) : ''] as $classe => $testo) {
-        $note .= $testo === '' ? '' : ' <span class="nota ' . $classe . '">' . $testo . '</span>';
+    $notes = '';
+    foreach (['unitario' => kvUnitPrice($row), 'minimo' => $least ? kvLowestPrice($row) : ''] as $class => $text) {
+        $notes .= $text === '' ? '' : ' <span class="nota ' . $class . '">' . $text . '</span>';
     }
-    return $note;
+    return $notes;
 }
 
 /** A mail or web address as a link, anything else as it was typed. */
-function kvContatto(string $contatto): string
+function kvContactLink(string $contact): string
 {
-    $testo = kvHtml($contatto);
-    if (preg_match('/^[^\s@<>"]+@[^\s@<>"]+\.[a-z]{2,}$/Di', $contatto)) {
-        return '<a href="mailto:' . $testo . '">' . $testo . '</a>';
+    $text = kvHtml($contact);
+    if (preg_match('/^[^\s@<>"]+@[^\s@<>"]+\.[a-z]{2,}$/Di', $contact)) {
+        return '<a href="mailto:' . $text . '">' . $text . '</a>';
     }
-    return preg_match('/^https?:\/\/[^\s<>"]+$/Di', $contatto) ? '<a href="' . $testo . '" rel="noopener">' . $testo . '</a>' : $testo;
+    return preg_match('/^https?:\/\/[^\s<>"]+$/Di', $contact) ? '<a href="' . $text . '" rel="noopener">' . $text . '</a>' : $text;
 }
 
 /**
  * Maker of an article and person responsible in the European Union; empty where none was chosen. Open where the article
  * is shown alone. Source: Regulation (EU) 2023/988, article 19.
  */
-function kvSicurezza(array $riga): string
+function kvSafetyData(array $row): string
 {
     global $kvSolo;
-    $scelta = kvRigaLegge('kv_sicurezza', (int) ($riga['ID'] ?? 0));
-    $chi = $scelta === [] ? [] : kvRigaLegge('kv_produttori', (int) $scelta['produttore'], false);
-    $voci = '';
+    $choice = kvLegalRow('kv_sicurezza', (int) ($row['ID'] ?? 0));
+    $who = $choice === [] ? [] : kvLegalRow('kv_produttori', (int) $choice['produttore'], false);
+    $entries = '';
     foreach ([["<<4-produttore>>", 'nome', 'indirizzo', 'contatto'],
-              ["<<4-responsabile_ue>>", 'responsabile', 'resp_indirizzo', 'resp_contatto']] as list($parola, $nome, $via, $contatto)) {
-        $righe = array_filter([kvHtml(trim($chi[$nome] ?? '')), kvHtml(trim($chi[$via] ?? '')), kvContatto(trim($chi[$contatto] ?? ''))],
+              ["<<4-responsabile_ue>>", 'responsabile', 'resp_indirizzo', 'resp_contatto']] as list($word, $name, $drops, $contact)) {
+        $rows = array_filter([kvHtml(trim($who[$name] ?? '')), kvHtml(trim($who[$drops] ?? '')), kvContactLink(trim($who[$contact] ?? ''))],
             'strlen');
-        $voci .= $righe === [] ? '' : '<dt>' . kvHtml($parola) . '</dt><dd>' . implode('<br>', $righe) . '</dd>';
+        $entries .= $rows === [] ? '' : '<dt>' . kvHtml($word) . '</dt><dd>' . implode('<br>', $rows) . '</dd>';
     }
-    return $voci === '' ? '' : '<details class="sicurezza"' . (is_array($kvSolo) ? ' open' : '') . '><summary>'
-        . kvHtml("<<4-sicurezza_prodotto>>") . "</summary><dl>$voci</dl></details>";
+    return $entries === '' ? '' : '<details class="sicurezza"' . (is_array($kvSolo) ? ' open' : '') . '><summary>'
+        . kvHtml("<<4-sicurezza_prodotto>>") . "</summary><dl>$entries</dl></details>";
 }
 
 /** Reads the times of delivery of some article rows and of their departments, by one question. */
-function kvLeggiConsegne(array $righe): void
+function kvReadDeliveries(array $rows): void
 {
     global $kvLegalRows;
-    if (!kvHaTabella('kv_consegna')) {
+    if (!kvHasTable('kv_consegna')) {
         return;
     }
-    $lette = $kvLegalRows['kv_consegna'] ?? [];
-    $chiavi = array_map('strval', array_merge(array_column($righe, 'ID'), array_column($righe, 'catID')));
-    $nuove = array_filter(array_unique($chiavi), fn($chiave) => $chiave !== '' && !isset($lette[$chiave]));
-    if ($nuove === []) {
+    $read = $kvLegalRows['kv_consegna'] ?? [];
+    $keys = array_map('strval', array_merge(array_column($rows, 'ID'), array_column($rows, 'catID')));
+    $newOnes = array_filter(array_unique($keys), fn($key) => $key !== '' && !isset($read[$key]));
+    if ($newOnes === []) {
         return;
     }
     kvSetCharset('latin1');
-    $elenco = implode("','", array_map(fn($chiave) => mysqli_real_escape_string(kvConnection(), $chiave), $nuove));
-    $esito = mysqli_query(kvConnection(), "SELECT * FROM kv_consegna WHERE ID IN ('$elenco')");
-    if (!$esito instanceof mysqli_result) {
+    $list = implode("','", array_map(fn($key) => mysqli_real_escape_string(kvConnection(), $key), $newOnes));
+    $result = mysqli_query(kvConnection(), "SELECT * FROM kv_consegna WHERE ID IN ('$list')");
+    if (!$result instanceof mysqli_result) {
         $kvLegalRows['kv_consegna'] = null;
         return;
     }
-    $kvLegalRows['kv_consegna'] = array_fill_keys($nuove, []) + $lette;
-    foreach (mysqli_fetch_all($esito, MYSQLI_ASSOC) as $riga) {
-        $kvLegalRows['kv_consegna'][$riga['ID']] = $riga;
+    $kvLegalRows['kv_consegna'] = array_fill_keys($newOnes, []) + $read;
+    foreach (mysqli_fetch_all($result, MYSQLI_ASSOC) as $row) {
+        $kvLegalRows['kv_consegna'][$row['ID']] = $row;
     }
 }
 
 /** How long the delivery of an article takes, in words: its own time, else that of its department; empty without any. */
-function kvTempoConsegna(array $riga): string
+function kvDeliveryTime(array $row): string
 {
     global $resultArt, $kvLegalRows, $Lingua;
-    kvLeggiConsegne(array_merge([$riga], $resultArt instanceof KvRows ? $resultArt->rows : []));
-    foreach ([(string) ($riga['ID'] ?? ''), (string) ($riga['catID'] ?? '')] as $chiave) {
-        $tempo = $kvLegalRows['kv_consegna'][$chiave] ?? [];
-        if ($tempo !== []) {
-            $proprio = trim((string) ($tempo['tempo' . $Lingua] ?? ''));
-            return $proprio !== '' ? $proprio : trim((string) $tempo['tempo']);
+    kvReadDeliveries(array_merge([$row], $resultArt instanceof KvRows ? $resultArt->rows : []));
+    foreach ([(string) ($row['ID'] ?? ''), (string) ($row['catID'] ?? '')] as $key) {
+        $time = $kvLegalRows['kv_consegna'][$key] ?? [];
+        if ($time !== []) {
+            $own = trim((string) ($time['tempo' . $Lingua] ?? ''));
+            return $own !== '' ? $own : trim((string) $time['tempo']);
         }
     }
     return '';
 }
 
 /** The time of delivery of an article that can be bought; empty without any. */
-function kvConsegna(array $riga): string
+function kvDeliveryNote(array $row): string
 {
-    $tempo = kvTempoConsegna($riga);
+    $time = kvDeliveryTime($row);
     include_once "kvcard.php";
-    return $tempo === '' || !kvDisponibile($riga) ? '' : '<p class="nota consegna">' . kvHtml("<<4-tempo_consegna>>") . ' '
-        . kvHtml($tempo) . '</p>';
+    return $time === '' || !kvDisponibile($row) ? '' : '<p class="nota consegna">' . kvHtml("<<4-tempo_consegna>>") . ' '
+        . kvHtml($time) . '</p>';
 }
 
 /**
  * The days that a time of delivery tells, fewest and most: "2-4 giorni lavorativi", "24/48 ore", "3 weeks"; null for
  * words that tell none.
  */
-function kvGiorniConsegna(string $tempo): ?array
+function kvDeliveryDays(string $time): ?array
 {
-    $unita = '(?<ore>ore|ora|h|hours?|heures?|stunden?)|(?<giorni>gg|giorn\p{L}*|days?|jours?|\p{L}*tage?n?)'
+    $units = '(?<ore>ore|ora|h|hours?|heures?|stunden?)|(?<giorni>gg|giorn\p{L}*|days?|jours?|\p{L}*tage?n?)'
         . '|(?<settimane>settiman\p{L}*|weeks?|semaines?|wochen?)';
     if (!preg_match('~(\d{1,3})(?:\s*(?:-|\x{2013}|/|a|o|to|or|\x{e0}|ou|bis|oder)\s*(\d{1,3}))?\s*(?:(?:working|business) )?(?:'
-        . $unita . ')(?!\p{L})~iu', kvUtf8($tempo), $parti, PREG_UNMATCHED_AS_NULL)) {
+        . $units . ')(?!\p{L})~iu', kvUtf8($time), $parts, PREG_UNMATCHED_AS_NULL)) {
         return null;
     }
-    $giorni = fn(int $n): int => $parti['ore'] !== null ? intdiv($n + 23, 24) : ($parti['settimane'] !== null ? 7 * $n : $n);
-    $primo = $giorni((int) $parti[1]);
-    $ultimo = $giorni((int) ($parti[2] ?? $parti[1]));
-    return $primo > $ultimo ? null : [$primo, $ultimo];
+    $days = fn(int $n): int => $parts['ore'] !== null ? intdiv($n + 23, 24) : ($parts['settimane'] !== null ? 7 * $n : $n);
+    $first = $days((int) $parts[1]);
+    $last = $days((int) ($parts[2] ?? $parts[1]));
+    return $first > $last ? null : [$first, $last];
 }

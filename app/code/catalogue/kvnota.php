@@ -6,7 +6,7 @@
 /** The note as HTML; nothing for a visitor who doesn't see prices. */
 function kvNotaPrezzo(): string
 {
-    if (kvPrezziNascosti()) {
+    if (kvArePricesHidden()) {
         return '';
     }
     return '<span class="nota">' . kvHtml($GLOBALS['ivacompresa'] ? "<<4-iva_inclusa>>" : "<<4-iva_esclusa>>")
@@ -17,9 +17,9 @@ function kvNotaPrezzo(): string
  * Who the merchant is, for the end of every page, from three lines: seat, VAT number, register. Nothing where none of them
  * was entered. Source: directive 2000/31/EC, article 5.
  */
-function kvDatiLegali(string $valori): string
+function kvDatiLegali(string $values): string
 {
-    list($sede, $piva, $registro) = array_map('trim', kvLinee($valori)) + ['', '', ''];
-    $voci = array_filter([$sede, $piva === '' ? '' : "<<4-legale_piva>> " . $piva, $registro], fn($voce) => $voce !== '');
-    return $voci === [] ? '' : '<p class="legale">' . implode(' &middot; ', array_map('kvHtml', $voci)) . "</p>\n";
+    list($seat, $piva, $register) = array_map('trim', kvLinee($values)) + ['', '', ''];
+    $entries = array_filter([$seat, $piva === '' ? '' : "<<4-legale_piva>> " . $piva, $register], fn($entry) => $entry !== '');
+    return $entries === [] ? '' : '<p class="legale">' . implode(' &middot; ', array_map('kvHtml', $entries)) . "</p>\n";
 }

@@ -8,70 +8,70 @@ include_once "kvfind.php";
 include_once "kvlook.php";
 
 /** Most articles that are told. */
-const KV_SUGGERITI = 8;
+const KV_SUGGESTIONS = 8;
 /** Most entries of the index that are looked at: with two letters typed there may be as many as articles. */
-const KV_VOCI_GUARDATE = 2000;
+const KV_ENTRIES_READ = 2000;
 
 /** The words typed, folded as the index has them; the last of them is the beginning of a word. */
-function kvParoleScritte(string $testo): array
+function kvTypedWords(string $text): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($testo), $trovate);
-    return array_slice($trovate[0], 0, 6);
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($text), $found);
+    return array_slice($found[0], 0, 6);
 }
 
 /** The numbers of the articles that have all the words, the best first; kept where there are as many as are told. */
-function kvSuggeriti(array $parole): array
+function kvSuggested(array $words): array
 {
-    if (kvLength((string) end($parole)) < 2) {
+    if (kvLength((string) end($words)) < 2) {
         return [];
     }
-    $tenuta = kvRicercaTenuta(['suggerisci', $parole]);
-    $numeri = kvNumeriTenuti($tenuta);
-    if ($numeri === null && $tenuta['indice'] !== '') {
-        $numeri = kvCercaSuggeriti($parole);
-        if (count($numeri) === KV_SUGGERITI) {
-            kvTieniRicerca($tenuta, count($numeri), $numeri);
+    $kept = kvKeptSearch(['suggerisci', $words]);
+    $numbers = kvKeptNumbers($kept);
+    if ($numbers === null && $kept['indice'] !== '') {
+        $numbers = kvFindSuggested($words);
+        if (count($numbers) === KV_SUGGESTIONS) {
+            kvKeepSearch($kept, count($numbers), $numbers);
         }
     }
-    return $numeri ?? [];
+    return $numbers ?? [];
 }
 
 /** The same, asked of the index. */
-function kvCercaSuggeriti(array $parole): array
+function kvFindSuggested(array $words): array
 {
-    $ultima = (string) array_pop($parole);
-    $tabella = 'kv_parole' . $GLOBALS['Lingua'];
-    $valori = [];
-    $da = '';
-    foreach ($parole as $n => $parola) {
-        $da .= " INNER JOIN $tabella a$n ON a$n.articolo = p.articolo AND a$n.parola = ?";
-        $valori[] = $parola;
+    $last = (string) array_pop($words);
+    $table = 'kv_parole' . $GLOBALS['Lingua'];
+    $values = [];
+    $from = '';
+    foreach ($words as $n => $word) {
+        $from .= " INNER JOIN $table a$n ON a$n.articolo = p.articolo AND a$n.parola = ?";
+        $values[] = $word;
     }
-    array_push($valori, addcslashes($ultima, '%_\\') . '%', KV_VOCI_GUARDATE);
-    $voci = "SELECT p.articolo, p.rango FROM $tabella p$da WHERE p.parola LIKE ? LIMIT ?";
-    $reparti = kvCondizioneReparti($valori);
-    $righe = kvQuery("SELECT t.articolo FROM ($voci) t INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = t.articolo"
-        . " WHERE $reparti GROUP BY t.articolo, v.titolo ORDER BY MIN(t.rango), v.titolo, t.articolo LIMIT "
-        . KV_SUGGERITI, $valori);
-    return array_map('intval', array_column($righe ?? [], 'articolo'));
+    array_push($values, addcslashes($last, '%_\\') . '%', KV_ENTRIES_READ);
+    $entries = "SELECT p.articolo, p.rango FROM $table p$from WHERE p.parola LIKE ? LIMIT ?";
+    $departments = kvDepartmentsCondition($values);
+    $rows = kvQuery("SELECT t.articolo FROM ($entries) t INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = t.articolo"
+        . " WHERE $departments GROUP BY t.articolo, v.titolo ORDER BY MIN(t.rango), v.titolo, t.articolo LIMIT "
+        . KV_SUGGESTIONS, $values);
+    return array_map('intval', array_column($rows ?? [], 'articolo'));
 }
 
 /** One article as js3.js shows it. */
-function kvSuggerimento(array $riga): array
+function kvSuggestion(array $row): array
 {
-    $foto = kvFotoPiccola($riga);
-    return ['t' => kvDataText((string) $riga['plain_titolo']), 'u' => kvPaginaArticolo($riga),
-        'p' => kvPrezziNascosti() ? '' : kvUtf8(kvTestoImporto(kvPrezziVisitatore($riga)['prezzo'])),
-        'i' => $foto === null ? '' : kvUtf8(html_entity_decode($foto['src'], ENT_QUOTES, 'cp1252'))];
+    $picture = kvSmallPicture($row);
+    return ['t' => kvDataText((string) $row['plain_titolo']), 'u' => kvArticlePage($row),
+        'p' => kvArePricesHidden() ? '' : kvUtf8(kvAmountText(kvVisitorPrices($row)['prezzo'])),
+        'i' => $picture === null ? '' : kvUtf8(html_entity_decode($picture['src'], ENT_QUOTES, 'cp1252'))];
 }
 
-$kvNumbers = kvSuggeriti(kvParoleScritte(kvCampo($HTTP_GET_VARS, 'q', 100)));
+$kvNumbers = kvSuggested(kvTypedWords(kvCampo($HTTP_GET_VARS, 'q', 100)));
 $kvReadArticles = kvArticoli($kvNumbers);
 $kvEntries = [];
 foreach ($kvNumbers as $kvNumber) {
     if (isset($kvReadArticles[$kvNumber])) {
         SetVariables($kvReadArticles[$kvNumber]['catID']);
-        $kvEntries[] = kvSuggerimento($kvReadArticles[$kvNumber]);
+        $kvEntries[] = kvSuggestion($kvReadArticles[$kvNumber]);
     }
 }
 header('Content-Type: application/json; charset=utf-8');

@@ -7,135 +7,135 @@
 include_once "kvstock.php";
 
 /** The variants that a row names for a listino. */
-function kvVariantiRiga(array $riga, int $listino): array
+function kvRowVariants(array $row, int $listino): array
 {
-    $numeri = [];
-    for ($posto = 1; $posto <= 4; $posto++) {
-        $numeri[] = kvVariante($riga, $posto, $listino);
+    $numbers = [];
+    for ($slot = 1; $slot <= 4; $slot++) {
+        $numbers[] = kvVariantNumber($row, $slot, $listino);
     }
-    return array_filter($numeri);
+    return array_filter($numbers);
 }
 
 /** The numbers of all variants of the page's articles, so that one query reads them. */
-function kvVariantiPagina(): array
+function kvPageVariants(): array
 {
     global $resultArt, $listino;
-    $numeri = [];
-    foreach ($resultArt instanceof KvRows ? $resultArt->rows : [] as $riga) {
-        foreach (kvVariantiRiga($riga, $listino) as $id) {
-            $numeri[] = $id;
+    $numbers = [];
+    foreach ($resultArt instanceof KvRows ? $resultArt->rows : [] as $row) {
+        foreach (kvRowVariants($row, $listino) as $id) {
+            $numbers[] = $id;
         }
     }
-    return $numeri;
+    return $numbers;
 }
 
 /** Reads variants by their numbers, those that were read before excepted. */
-function kvLeggiVarianti(array $numeri): array
+function kvReadVariants(array $numbers): array
 {
-    static $letti = [];
-    $mancanti = array_values(array_unique(array_diff($numeri, array_keys($letti))));
-    if ($mancanti !== []) {
-        $tabella = kvLanguageTable('opzioni');
-        $letti += array_fill_keys($mancanti, null);
+    static $read = [];
+    $missing = array_values(array_unique(array_diff($numbers, array_keys($read))));
+    if ($missing !== []) {
+        $table = kvLanguageTable('opzioni');
+        $read += array_fill_keys($missing, null);
         // Numbers that the database gave: one trip to the server, where a bound statement takes three.
-        $elenco = implode(',', array_map('intval', $mancanti));
-        $sql = $tabella === 'opzioni'
-            ? "SELECT ID, nomeopzione, opzione, opzione AS prima FROM opzioni WHERE ID IN ($elenco)"
-            : "SELECT $tabella.ID, $tabella.nomeopzione, $tabella.opzione, opzioni.opzione AS prima FROM $tabella"
-                . " LEFT JOIN opzioni USING (ID) WHERE $tabella.ID IN ($elenco)";
-        $esito = mysql_query($sql);
-        while ($riga = mysql_fetch_assoc($esito)) {
-            $letti[(int) $riga['ID']] = kvScomponiVariante($riga);
+        $list = implode(',', array_map('intval', $missing));
+        $sql = $table === 'opzioni'
+            ? "SELECT ID, nomeopzione, opzione, opzione AS prima FROM opzioni WHERE ID IN ($list)"
+            : "SELECT $table.ID, $table.nomeopzione, $table.opzione, opzioni.opzione AS prima FROM $table"
+                . " LEFT JOIN opzioni USING (ID) WHERE $table.ID IN ($list)";
+        $result = mysql_query($sql);
+        while ($row = mysql_fetch_assoc($result)) {
+            $read[(int) $row['ID']] = kvParseVariant($row);
         }
     }
-    return $letti;
+    return $read;
 }
 
 /** The option elements of a built list: [attributes before value, price, weight, code, label, text of the element]. */
-function kvVociVariante(string $elenco): array
+function kvVariantOptions(string $list): array
 {
     // The build marks the default value with a star, which is for the selector alone.
-    $elenco = preg_replace('/(<option selected value="[^"]*) \*">/i', '$1">', $elenco);
+    $list = preg_replace('/(<option selected value="[^"]*) \*">/i', '$1">', $list);
     preg_match_all(
-        '/<option ([^>]*?)value="<<\s*([-0-9.]*)>>=([^#"]*)#([^|"]*)\|([^"]*)">(.*?)<\/option>/is', $elenco, $voci,
+        '/<option ([^>]*?)value="<<\s*([-0-9.]*)>>=([^#"]*)#([^|"]*)\|([^"]*)">(.*?)<\/option>/is', $list, $entries,
         PREG_SET_ORDER);
-    return $voci;
+    return $entries;
 }
 
 /**
  * A variant taken apart: nome, and voci by key, each with attributi, prezzo (ten-thousandths), peso, cifrato (the code as
  * it stands in the value), codice, etichetta (the cart's label), testo, prima (the label in the first language).
  */
-function kvScomponiVariante(array $riga): array
+function kvParseVariant(array $row): array
 {
-    $prime = kvVociVariante((string) $riga['prima']);
-    $proprie = kvVociVariante((string) $riga['opzione']);
+    $first = kvVariantOptions((string) $row['prima']);
+    $own = kvVariantOptions((string) $row['opzione']);
     // Without a translation a value is missing from its list: then positions tell nothing about the other language.
-    $paralleli = count($prime) === count($proprie);
-    $voci = [];
-    foreach ($proprie as $n => $voce) {
-        $base = $paralleli ? $prime[$n] : $voce;
-        $chiave = substr(md5($base[4] . '|' . $base[5]), 0, 6);
-        while (isset($voci[$chiave])) {
-            $chiave = substr(md5($chiave), 0, 6);
+    $parallel = count($first) === count($own);
+    $entries = [];
+    foreach ($own as $n => $entry) {
+        $base = $parallel ? $first[$n] : $entry;
+        $key = substr(md5($base[4] . '|' . $base[5]), 0, 6);
+        while (isset($entries[$key])) {
+            $key = substr(md5($key), 0, 6);
         }
-        $voci[$chiave] = [
-            'attributi' => trim($voce[1]), 'prezzo' => kvDecimillesimi($voce[2]), 'peso' => $voce[3],
-            'cifrato' => $voce[4], 'codice' => rawurldecode($voce[4]), 'etichetta' => $voce[5], 'testo' => $voce[6],
+        $entries[$key] = [
+            'attributi' => trim($entry[1]), 'prezzo' => kvTenThousandths($entry[2]), 'peso' => $entry[3],
+            'cifrato' => $entry[4], 'codice' => rawurldecode($entry[4]), 'etichetta' => $entry[5], 'testo' => $entry[6],
             'prima' => $base[5],
         ];
     }
-    return ['nome' => (string) $riga['nomeopzione'], 'voci' => $voci];
+    return ['nome' => (string) $row['nomeopzione'], 'voci' => $entries];
 }
 
 /** The variant of a number, null when it has no values. */
-function kvElencoVariante(int $id): ?array
+function kvVariantValues(int $id): ?array
 {
-    static $pagina = false;
-    $letti = kvLeggiVarianti($pagina ? [$id] : array_merge([$id], kvVariantiPagina()));
-    $pagina = true;
-    return isset($letti[$id]) && $letti[$id]['voci'] !== [] ? $letti[$id] : null;
+    static $page = false;
+    $read = kvReadVariants($page ? [$id] : array_merge([$id], kvPageVariants()));
+    $page = true;
+    return isset($read[$id]) && $read[$id]['voci'] !== [] ? $read[$id] : null;
 }
 
 /**
  * The difference of a variant value for the visitor, in smallest units: by the department's factor unless the article
  * is on offer, then with VAT where prices include it, like the price it is added to.
  */
-function kvDifferenza(int $differenza, array $riga): int
+function kvDifference(int $difference, array $row): int
 {
     global $listino, $ivacompresa, $scontorep, $ivarep;
-    if (!kvPrezziVisitatore($riga)['offerta'] && (float) $scontorep[$listino] !== 1.0) {
-        $differenza = kvProdotto($differenza, (float) $scontorep[$listino]);
+    if (!kvVisitorPrices($row)['offerta'] && (float) $scontorep[$listino] !== 1.0) {
+        $difference = kvProduct($difference, (float) $scontorep[$listino]);
     }
-    return kvMinimi(kvConIva($differenza, (float) $ivarep, (bool) $ivacompresa), kvScala());
+    return kvSmallestUnits(kvWithVat($difference, (float) $ivarep, (bool) $ivacompresa), kvScale());
 }
 
 /** One value of a selector; one that is sold out can't be chosen, not even where it is the default. */
-function kvOpzione(array $riga, string $chiave, array $voce, bool $disponibile): string
+function kvOption(array $row, string $key, array $entry, bool $available): string
 {
-    $nascosti = kvPrezziNascosti();
-    $importo = $nascosti ? 0 : kvDifferenza($voce['prezzo'], $riga);
-    $testo = $nascosti
-        ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $voce['testo'])
-        : str_replace('<<importo>>', kvFormato(abs($importo), kvScala(), (int) $GLOBALS['notazione']), $voce['testo']);
-    $attributi = $disponibile ? $voce['attributi'] : 'disabled';
-    return '<option ' . ($attributi === '' ? '' : $attributi . ' ') . 'value="' . kvNumeroScript($importo, kvScala()) . '='
-        . $voce['peso'] . '#' . $voce['cifrato'] . '|' . $voce['etichetta'] . '" data-k="' . $chiave . '">' . $testo
-        . ($disponibile ? '' : ' - ' . kvHtml("<<4-esaurito>>")) . '</option>';
+    $hidden = kvArePricesHidden();
+    $amount = $hidden ? 0 : kvDifference($entry['prezzo'], $row);
+    $text = $hidden
+        ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $entry['testo'])
+        : str_replace('<<importo>>', kvFormatUnits(abs($amount), kvScale(), (int) $GLOBALS['notazione']), $entry['testo']);
+    $attributes = $available ? $entry['attributi'] : 'disabled';
+    return '<option ' . ($attributes === '' ? '' : $attributes . ' ') . 'value="' . kvScriptNumber($amount, kvScale()) . '='
+        . $entry['peso'] . '#' . $entry['cifrato'] . '|' . $entry['etichetta'] . '" data-k="' . $key . '">' . $text
+        . ($available ? '' : ' - ' . kvHtml("<<4-esaurito>>")) . '</option>';
 }
 
 /** The selector of a variant slot with the visitor's price differences; empty without a variant. */
-function kvSelettore(array $riga, int $posto): string
+function kvSelector(array $row, int $slot): string
 {
-    $id = kvVariante($riga, $posto, $GLOBALS['listino']);
-    $variante = kvElencoVariante($id);
-    if ($variante === null) {
+    $id = kvVariantNumber($row, $slot, $GLOBALS['listino']);
+    $variant = kvVariantValues($id);
+    if ($variant === null) {
         return '';
     }
-    $opzioni = '';
-    foreach ($variante['voci'] as $chiave => $voce) {
-        $opzioni .= kvOpzione($riga, $chiave, $voce, kvValoreDisponibile($riga, $id, $voce['codice']));
+    $options = '';
+    foreach ($variant['voci'] as $key => $entry) {
+        $options .= kvOption($row, $key, $entry, kvValoreDisponibile($row, $id, $entry['codice']));
     }
-    return '<label class="opzione">' . kvTextHtml($variante['nome']) . ' <select name="op' . $posto
-        . (int) ($riga['contatore'] ?? 0) . '">' . $opzioni . '</select></label>';
+    return '<label class="opzione">' . kvTextHtml($variant['nome']) . ' <select name="op' . $slot
+        . (int) ($row['contatore'] ?? 0) . '">' . $options . '</select></label>';
 }

@@ -184,16 +184,16 @@ const KV_SOLD_OUT = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponi
  * The articles of a page. Sorting them by a column of the last of three tables would make the server copy every text of
  * them to a temporary table, which takes longer than all the rest of the query; so they are sorted here. Where the
  * back office limits an article, its row also holds `disponibile` and `quantita`, null where it doesn't, and `esauriti`;
- * `offerte` tells of offers at the list price, see kvPrezzi.
+ * `offerte` tells of offers at the list price, see kvPrices.
  */
 function kvPageArticles(string $sql)
 {
     $result = false;
-    $chosen = function_exists('kvScelteElenco') && kvScelteElenco()['attiva'];
-    $sql = $chosen ? kvSqlScelti($sql) : $sql;
+    $chosen = function_exists('kvListChoices') && kvListChoices()['attiva'];
+    $sql = $chosen ? kvChosenSql($sql) : $sql;
     kvSetCharset('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parts)) {
-        $only = $chosen || !function_exists('kvArticoloPagina') ? null : kvArticoloPagina($sql, $parts[1]);
+        $only = $chosen || !function_exists('kvPageArticle') ? null : kvPageArticle($sql, $parts[1]);
         if ($only !== null) {
             return $only;
         }
@@ -216,7 +216,7 @@ function kvPageArticles(string $sql)
     }
     $rows = kvWithSoldOut(mysqli_fetch_all($result, MYSQLI_ASSOC));
     usort($rows, fn($a, $b) => (int) $a['contatore'] <=> (int) $b['contatore']);
-    return new KvRows($chosen ? kvOrdinaScelti($rows) : $rows);
+    return new KvRows($chosen ? kvSortChosen($rows) : $rows);
 }
 
 /**
@@ -247,8 +247,8 @@ if (!function_exists('mysql_query')) {
         // A department page reads the articles of all its sub-pages to learn the number of the last one, which the
         // first row tells.
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
-            if (function_exists('kvScelteElenco') && kvScelteElenco()['attiva']) {
-                return new KvRows([['sottopagina' => kvPagineScelte()]]);
+            if (function_exists('kvListChoices') && kvListChoices()['attiva']) {
+                return new KvRows([['sottopagina' => kvChosenPages()]]);
             }
             list($page, $last) = $GLOBALS['kvLastPage'] ?? ['', null];
             if ($page !== '' && $sql === 'SELECT * FROM ' . kvLanguageTable('articoli') . " WHERE pagina='$page' ORDER BY sottopagina DESC") {
@@ -257,11 +257,11 @@ if (!function_exists('mysql_query')) {
             $sql .= ' LIMIT 1';
         } elseif (substr($sql, -27) === ' ORDER BY contatore + 0 ASC') {
             return kvPageArticles(substr($sql, 0, -27));
-        } elseif (function_exists('kvArticolo')
+        } elseif (function_exists('kvArticle')
             && preg_match('/^SELECT \* FROM (articoli\w*) INNER JOIN dettaglio USING \(ID\) INNER JOIN ordinamento USING'
                 . ' \(ID\) WHERE \1\.ID=(\d+)$/D', $sql, $parts) && $parts[1] === kvLanguageTable('articoli')) {
             // The showcase asks for the mark of each of its articles.
-            return new KvRows(array_filter([kvArticolo((int) $parts[2])]));
+            return new KvRows(array_filter([kvArticle((int) $parts[2])]));
         }
         kvSetCharset('latin1');
         return mysqli_query(kvConnection(), $sql);

@@ -14,7 +14,7 @@ function kvRigaTabella(string $nome, string $importo, string $elemento = 'td'): 
 /** Lines and totals of an order as a table of HTML in UTF-8; all amounts are in smallest units. */
 function kvTabellaOrdine(array $righe, array $totali): string
 {
-    $importo = fn(int $minimi): string => kvHtmlMail(kvUtf8(kvTestoMinimi($minimi)));
+    $importo = fn(int $minimi): string => kvHtmlMail(kvUtf8(kvUnitsText($minimi)));
     $html = '<table cellpadding="4">' . "\n";
     foreach ($righe as $riga) {
         $scelte = $riga['scelte'] === '' ? '' : '<br><small>' . kvHtmlMail(kvUtf8($riga['scelte'])) . '</small>';

@@ -167,14 +167,14 @@ function kvConto(array $righe, array $totali): string
     foreach ($righe as $riga) {
         $scelte = $riga['scelte'] === '' ? '' : ' (' . $riga['scelte'] . ')';
         $testo .= "<<4-carrello_articolo>>: " . $riga['testo'] . $scelte . "\r\n  "
-            . $riga['quantita'] . ' x ' . kvTestoMinimi($riga['importo']) . ' = '
-            . kvTestoMinimi($riga['importo'] * $riga['quantita']) . "\r\n";
+            . $riga['quantita'] . ' x ' . kvUnitsText($riga['importo']) . ' = '
+            . kvUnitsText($riga['importo'] * $riga['quantita']) . "\r\n";
     }
-    $testo .= "\r\n<<4-carrello_merce>>: " . kvTestoMinimi($totali['merce']) . "\r\n";
+    $testo .= "\r\n<<4-carrello_merce>>: " . kvUnitsText($totali['merce']) . "\r\n";
     foreach (kvVociConto($totali) as list($nome, $importo)) {
-        $testo .= $nome . ': ' . kvTestoMinimi($importo) . "\r\n";
+        $testo .= $nome . ': ' . kvUnitsText($importo) . "\r\n";
     }
-    return $testo . "<<4-carrello_totale>>: " . kvTestoMinimi($totali['totale']) . "\r\n";
+    return $testo . "<<4-carrello_totale>>: " . kvUnitsText($totali['totale']) . "\r\n";
 }
 
 /**
@@ -225,7 +225,7 @@ function kvScriviOrdine(string $codice, array $campi, array $totali, string $dat
         'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
         . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
         [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
-         kvNumeroScript($totali['totale'], kvScala()), kvUtf8(trim($valuta[0])), kvMetodoPrima($campi['NomePagamento']), 'nuovo',
+         kvScriptNumber($totali['totale'], kvScale()), kvUtf8(trim($valuta[0])), kvMetodoPrima($campi['NomePagamento']), 'nuovo',
          "<<1-IDlingua>>", $dati, $riepilogo]);
 }
 
@@ -235,7 +235,7 @@ function kvScriviOrdine(string $codice, array $campi, array $totali, string $dat
  */
 function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepilogo, string $gettone): array
 {
-    $dati = kvDatiOrdine($campi, $righe, $totali, kvScala());
+    $dati = kvDatiOrdine($campi, $righe, $totali, kvScale());
     // The tables must stand before the transaction: making one would end it.
     kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
@@ -291,7 +291,7 @@ function kvPrendiOrdine(string $gettone): void
         $istruzioni = kvIstruzioniMail($metodo);
         $parti['coda'] .= $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
         kvMailOrdine(['codice' => $codice, 'email' => $campi['Email'], 'tabella' => kvTabellaOrdine($righe, $totali),
-            'importo' => kvFormato($totali['totale'], kvScala(), (int) $notazione)] + $parti);
+            'importo' => kvFormatUnits($totali['totale'], kvScale(), (int) $notazione)] + $parti);
         kvMailScarsi($righe);
     }
     kvGoTo($pagina);
@@ -309,7 +309,7 @@ if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvDettaglio() === '') {
 if (!kvIsTokenValid()) {
     kvRifiutaOrdine("<<4-sessione_scaduta>>");
 }
-if (($cliente === 0 && $regobbl) || kvAcquistoNegato()) {
+if (($cliente === 0 && $regobbl) || kvIsBuyingDenied()) {
     kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
 kvPrendiOrdine($kvPattern);

@@ -33,7 +33,7 @@ if (!defined('KORVANE_SHOP')) {
     if (!isset($Lingua)) {
         $Lingua = "<<1-IDlingua>>";
     }
-    $notazione = kvNotazione((int) $notazione);
+    $notazione = kvNotation((int) $notazione);
     $inaccessibile = array_fill(0, 10, 0);
     $scontorep = array_fill(0, 10, 1.0);
     $ivarep = 0.0;

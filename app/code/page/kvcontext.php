@@ -91,7 +91,7 @@ function kvPageStates(): array
 function kvDepartmentStates(string $page, string $department): array
 {
     $articles = 'articoli' . $GLOBALS['Lingua'];
-    $columns = KV_COLONNE_REPARTI . ", (SELECT MAX(sottopagina) FROM $articles WHERE pagina = '$page') AS ultima";
+    $columns = KV_DEPARTMENT_COLUMNS . ", (SELECT MAX(sottopagina) FROM $articles WHERE pagina = '$page') AS ultima";
     foreach (kvStateNames() as $n => $name) {
         $columns .= ", (SELECT valore FROM kv_stato WHERE nome = '$name') AS s$n";
     }

@@ -56,7 +56,7 @@ function kvShownPart(): string
     if (!isset($sp)) {
         return '';
     }
-    return '?n=' . (kvScelteElenco()['attiva'] ? 1 : (int) $sp) . ($HTTP_GET_VARS['prod'] > 0 ? '&prod=' . $HTTP_GET_VARS['prod'] : '');
+    return '?n=' . (kvListChoices()['attiva'] ? 1 : (int) $sp) . ($HTTP_GET_VARS['prod'] > 0 ? '&prod=' . $HTTP_GET_VARS['prod'] : '');
 }
 
 /**
@@ -223,7 +223,7 @@ function kvPagine(int $page, int $pages): string
     if ($pages < 2) {
         return '';
     }
-    $entry = fn(int $n, string $mark, string $other) => '<a href="' . kvHtml(kvPageFile() . "?n=$n" . kvCodaScelte())
+    $entry = fn(int $n, string $mark, string $other) => '<a href="' . kvHtml(kvPageFile() . "?n=$n" . kvChoicesQuery())
         . "\"$other>$mark</a>";
     $entries = $page > 1 ? '<li>' . $entry($page - 1, '&lsaquo; ' . kvHtml("<<4-precedente>>"), ' rel="prev"') . '</li>' : '';
     $last = 0;

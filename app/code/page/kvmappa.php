@@ -80,7 +80,7 @@ function kvSiteMap(int $part): string
     }
     $rows = kvQuery("SELECT $table.pagina AS linkPage, sottopagina, contatore" . kvVisibleArticles($table)
         . " ORDER BY $table.ID LIMIT ? OFFSET ?", [KV_MAP_PAGES, ($part - 1) * KV_MAP_PAGES]);
-    $pages = array_merge($pages, array_map('kvPaginaArticolo', $rows ?? []));
+    $pages = array_merge($pages, array_map('kvArticlePage', $rows ?? []));
     $xml = '<?xml version="1.0" encoding="UTF-8"?>' . "\n" . '<urlset xmlns="http://www.sitemaps.org/schemas/sitemap/0.9">' . "\n";
     foreach ($pages as $page) {
         $xml .= '<url><loc>' . htmlspecialchars(kvUtf8(kvAbsoluteAddress($page)), ENT_XML1) . "</loc></url>\n";

@@ -66,7 +66,7 @@ function kvDeliveryData(array $row, string $valuta): array
         return [];
     }
     // The price is the visitor's: so is what shipping costs them, with its VAT.
-    $shipping = kvNumeroScript($estimate['spese'] + $estimate['ivaspese'], kvScala());
+    $shipping = kvScriptNumber($estimate['spese'] + $estimate['ivaspese'], kvScale());
     $region = ['@type' => 'DefinedRegion', 'addressCountry' => $country[0]];
     return ['shippingDetails' => ['@type' => 'OfferShippingDetails', 'shippingDestination' => $region,
         'shippingRate' => ['@type' => 'MonetaryAmount', 'value' => $shipping, 'currency' => $valuta]]
@@ -76,7 +76,7 @@ function kvDeliveryData(array $row, string $valuta): array
 /** The time of delivery in days: from the order to the buyer, who isn't told when the goods are handed over. */
 function kvDeliveryTimeData(string $time): array
 {
-    $days = kvGiorniConsegna($time);
+    $days = kvDeliveryDays($time);
     $duration = fn(int $least, int $most): array => ['@type' => 'QuantitativeValue', 'minValue' => $least,
         'maxValue' => $most, 'unitCode' => 'DAY'];
     return $days === null ? [] : ['deliveryTime' => ['@type' => 'ShippingDeliveryTime', 'handlingTime' => $duration(0, 0),
@@ -104,8 +104,8 @@ function kvFirstKeys(array $row): array
 {
     $keys = ['', '', '', ''];
     for ($slot = 1; $slot <= 4; $slot++) {
-        $variant = kvVariante($row, $slot, (int) $GLOBALS['listino']);
-        $entries = $variant > 0 ? (kvElencoVariante($variant)['voci'] ?? []) : [];
+        $variant = kvVariantNumber($row, $slot, (int) $GLOBALS['listino']);
+        $entries = $variant > 0 ? (kvVariantValues($variant)['voci'] ?? []) : [];
         $keys[$slot - 1] = (string) (array_key_first($entries) ?? '');
     }
     return $keys;
