@@ -7,8 +7,8 @@ shopSettings();
 
 foreach (file($argv[2], FILE_IGNORE_NEW_LINES) as $line) {
     $order = json_decode($line, true);
-    $tables = kvTavole($order['script']);
+    $tables = kvScriptTables($order['script']);
     $goods = [['importo' => $order['goods'], 'quantita' => 1, 'iva' => 0, 'peso' => $order['weight']]];
-    $asked = kvTotali($goods, $order['method'], $order['zone'], $tables, 0, 0.0);
+    $asked = kvOrderTotals($goods, $order['method'], $order['zone'], $tables, 0, 0.0);
     echo $asked['ammesso'] ? 1 : 0, ' ', $asked['spese'], ' ', $asked['ivaspese'], "\n";
 }

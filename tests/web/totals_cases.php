@@ -7,11 +7,11 @@ shopSettings();
 
 $answers = [];
 foreach (json_decode(stream_get_contents(STDIN), true) as $case) {
-    $tables = kvTavole($case['script']);
-    $lines = array_map(fn($line) => ['importo' => kvImportoPezzo($line['p'], $line['s'], $line['q']),
+    $tables = kvScriptTables($case['script']);
+    $lines = array_map(fn($line) => ['importo' => kvPiecePrice($line['p'], $line['s'], $line['q']),
         'quantita' => $line['q'], 'iva' => $line['v'], 'aliquota' => $tables['ivacompresa'] ? $line['a'] : 0, 'peso' => $line['w']], $case['lines']);
     $GLOBALS['visdec'] = [$tables['scala'] === 100 ? 1 : 0, 1, 2];
-    $totals = kvTotali($lines, $case['method'], $case['zone'], $tables, $case['listino'], (float) $case['own']);
+    $totals = kvOrderTotals($lines, $case['method'], $case['zone'], $tables, $case['listino'], (float) $case['own']);
     $totals['testo'] = kvUnitsText($totals['totale']);
     $first = $case['lines'][0];
     $totals['unitario'] = kvUnitsText(kvUnitAmount($first['p'], $first['w'] + 1)) . ' / kg';

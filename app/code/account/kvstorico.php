@@ -39,9 +39,9 @@ function kvRipeti(array &$voci, string $codice, int $cliente): string
     if ($ordine === null || !kvIsTokenValid()) {
         return "<<4-sessione_scaduta>>";
     }
-    $posti = array_flip(array_map('kvSegnoRiga', $voci));
+    $posti = array_flip(array_map('kvLineMark', $voci));
     foreach (kvVociOrdine((string) $ordine['dati']) as $nuova) {
-        $posto = $posti[kvSegnoRiga($nuova)] ?? null;
+        $posto = $posti[kvLineMark($nuova)] ?? null;
         if ($posto === null) {
             $voci[] = $nuova;
         } else {

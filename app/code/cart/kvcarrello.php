@@ -7,66 +7,66 @@ include "funcs.php";
 include_once "kvcart.php";
 
 /** Most characters of the cart's cookie, as js1.js counts them. */
-const KV_LUNGO_CARRELLO = 3900;
+const KV_CART_LENGTH = 3900;
 
 /** The keys of the values that a form chose for an article, by slot. */
-function kvChiaviScelte(array $riga, string $posto): array
+function kvChosenKeys(array $line, string $position): array
 {
-    $chiavi = [];
+    $keys = [];
     foreach ([1, 2, 3, 4] as $slot) {
-        $scelto = explode('#', kvFromUtf8(kvCampo($_POST, "op$slot$posto", 500)), 2)[1] ?? '';
-        $chiavi[$slot] = '';
-        foreach (kvVariantValues(kvVariantNumber($riga, $slot, (int) $GLOBALS['listino']))['voci'] ?? [] as $chiave => $voce) {
-            if ($voce['cifrato'] . '|' . html_entity_decode($voce['etichetta'], ENT_QUOTES, 'cp1252') === $scelto) {
-                $chiavi[$slot] = (string) $chiave;
+        $chosen = explode('#', kvFromUtf8(kvCampo($_POST, "op$slot$position", 500)), 2)[1] ?? '';
+        $keys[$slot] = '';
+        foreach (kvVariantValues(kvVariantNumber($line, $slot, (int) $GLOBALS['listino']))['voci'] ?? [] as $key => $entry) {
+            if ($entry['cifrato'] . '|' . html_entity_decode($entry['etichetta'], ENT_QUOTES, 'cp1252') === $chosen) {
+                $keys[$slot] = (string) $key;
             }
         }
     }
-    return array_values($chiavi);
+    return array_values($keys);
 }
 
 /** Adds what a form buys; the reason why it can't, empty when it could. */
-function kvAggiungi(array &$voci): string
+function kvAddToCart(array &$entries): string
 {
-    list($id, $posto) = explode('.', kvCampo($_POST, 'compra', 20)) + [1 => ''];
-    $riga = preg_match('/^[1-9]\d{0,8}$/D', $id) ? kvArticle((int) $id) : null;
-    $pezzi = kvCampo($_POST, "qt$posto", 5);
-    if ($riga === null) {
+    list($id, $position) = explode('.', kvCampo($_POST, 'compra', 20)) + [1 => ''];
+    $line = preg_match('/^[1-9]\d{0,8}$/D', $id) ? kvArticle((int) $id) : null;
+    $pieces = kvCampo($_POST, "qt$position", 5);
+    if ($line === null) {
         return "<<4-articolo_non_disponibile>>";
     }
-    if (!preg_match('/^[1-9]\d{0,4}$/D', $pezzi)) {
+    if (!preg_match('/^[1-9]\d{0,4}$/D', $pieces)) {
         return "<<4-quantita_errata>>";
     }
-    if ((int) $pezzi < kvDatiNegozio()['qminima']) {
+    if ((int) $pieces < kvShopTables()['qminima']) {
         return "<<4-quantita_minima>>";
     }
-    $nuova = ['id' => (int) $id, 'q' => (int) $pezzi, 'k' => kvChiaviScelte($riga, $posto)];
-    foreach ($voci as $n => $voce) {
-        if (kvSegnoRiga($voce) === kvSegnoRiga($nuova)) {
-            $voci[$n]['q'] = min(99999, $voce['q'] + $nuova['q']);
+    $isNew = ['id' => (int) $id, 'q' => (int) $pieces, 'k' => kvChosenKeys($line, $position)];
+    foreach ($entries as $n => $entry) {
+        if (kvLineMark($entry) === kvLineMark($isNew)) {
+            $entries[$n]['q'] = min(99999, $entry['q'] + $isNew['q']);
             return '';
         }
     }
-    $voci[] = $nuova;
+    $entries[] = $isNew;
     return '';
 }
 
 /** The lines with the pieces that the cart's form says; a line of none goes. */
-function kvCambiaRighe(array $voci): array
+function kvChangeLines(array $entries): array
 {
-    $pezzi = is_array($_POST['q'] ?? null) ? $_POST['q'] : [];
-    $togli = kvCampo($_POST, 'togli', 60);
-    $nuove = [];
-    foreach ($voci as $voce) {
-        $segno = kvSegnoRiga($voce);
+    $pieces = is_array($_POST['q'] ?? null) ? $_POST['q'] : [];
+    $remove = kvCampo($_POST, 'togli', 60);
+    $newOnes = [];
+    foreach ($entries as $entry) {
+        $mark = kvLineMark($entry);
         // PHP makes other characters of some in a field's name, so the form has it with a dash.
-        $detto = kvCampo($pezzi, strtr($segno, '.', '-'), 5);
-        $voce['q'] = preg_match('/^\d{1,5}$/D', $detto) ? (int) $detto : $voce['q'];
-        if ($segno !== $togli && $voce['q'] > 0) {
-            $nuove[] = $voce;
+        $given = kvCampo($pieces, strtr($mark, '.', '-'), 5);
+        $entry['q'] = preg_match('/^\d{1,5}$/D', $given) ? (int) $given : $entry['q'];
+        if ($mark !== $remove && $entry['q'] > 0) {
+            $newOnes[] = $entry;
         }
     }
-    return $nuove;
+    return $newOnes;
 }
 
 if ($_SERVER['REQUEST_METHOD'] !== 'POST') {
@@ -75,25 +75,25 @@ if ($_SERVER['REQUEST_METHOD'] !== 'POST') {
 if (kvIsBuyingDenied()) {
     kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : 'm=23'));
 }
-$kvEntries = kvVociCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));
+$kvEntries = kvCartEntries(kvCampo($_COOKIE, kvCartCookie(), 8000));
 $kvRefusal = '';
 if (isset($_POST['compra'])) {
-    $kvRefusal = kvAggiungi($kvEntries);
+    $kvRefusal = kvAddToCart($kvEntries);
 } elseif (isset($_POST['ripeti'])) {
     include_once "kvstorico.php";
     $kvRefusal = kvRipeti($kvEntries, kvCampo($_POST, 'ripeti', 20), (int) $cliente);
 } else {
-    $kvEntries = kvCambiaRighe($kvEntries);
+    $kvEntries = kvChangeLines($kvEntries);
 }
-$kvTesto = implode('_', array_map(fn($voce) => rtrim($voce['id'] . '.' . $voce['q'] . '.' . implode('.', $voce['k']), '.'),
+$kvTesto = implode('_', array_map(fn($entry) => rtrim($entry['id'] . '.' . $entry['q'] . '.' . implode('.', $entry['k']), '.'),
     $kvEntries));
-if ($kvRefusal === '' && (strlen($kvTesto) > KV_LUNGO_CARRELLO || count($kvEntries) > KV_RIGHE)) {
+if ($kvRefusal === '' && (strlen($kvTesto) > KV_CART_LENGTH || count($kvEntries) > KV_CART_LINES)) {
     $kvRefusal = "<<4-carrello_non_conservato>>";
 }
 if ($kvRefusal !== '') {
     kvNotify($kvRefusal);
     kvGoTo("messaggio.htm");
 }
-setcookie(kvBiscottoCarrello(), $kvTesto, ['expires' => $kvEntries === [] ? 1 : time() + 30 * 86400,
+setcookie(kvCartCookie(), $kvTesto, ['expires' => $kvEntries === [] ? 1 : time() + 30 * 86400,
     'path' => kvCookieFolder(), 'samesite' => 'Lax', 'secure' => kvIsEncrypted()]);
 kvGoTo("cart.htm");

@@ -9,10 +9,10 @@ include_once "kvstock.php";
 include_once "kvcard.php";
 
 /** Most lines of a cart. */
-const KV_RIGHE = 200;
+const KV_CART_LINES = 200;
 
 /** The name of the cart's cookie, which js1.js writes. */
-function kvBiscottoCarrello(): string
+function kvCartCookie(): string
 {
     return 'kvstore_cart' . kvNegozio();
 }
@@ -21,55 +21,55 @@ function kvBiscottoCarrello(): string
  * The lines of a cart text, "12.3.a1b2c3.._45.1": lines joined by "_", in each the article's number, the pieces and up
  * to four keys of variant values by slot, joined by ".". What isn't of this form is left out.
  */
-function kvVociCarrello(string $testo): array
+function kvCartEntries(string $text): array
 {
-    $voci = [];
-    foreach (array_slice(explode('_', substr($testo, 0, 8000)), 0, KV_RIGHE) as $riga) {
-        if (preg_match('/^([1-9]\d{0,8})\.([1-9]\d{0,4})((?:\.[0-9a-f]{0,6}){0,4})$/D', $riga, $parti)) {
-            $chiavi = array_slice(array_pad(explode('.', substr($parti[3], 1)), 4, ''), 0, 4);
-            $voci[] = ['id' => (int) $parti[1], 'q' => (int) $parti[2], 'k' => $chiavi];
+    $entries = [];
+    foreach (array_slice(explode('_', substr($text, 0, 8000)), 0, KV_CART_LINES) as $line) {
+        if (preg_match('/^([1-9]\d{0,8})\.([1-9]\d{0,4})((?:\.[0-9a-f]{0,6}){0,4})$/D', $line, $parts)) {
+            $keys = array_slice(array_pad(explode('.', substr($parts[3], 1)), 4, ''), 0, 4);
+            $entries[] = ['id' => (int) $parts[1], 'q' => (int) $parts[2], 'k' => $keys];
         }
     }
-    return $voci;
+    return $entries;
 }
 
 /** What tells a line from all others: the article and the keys of the chosen values. */
-function kvSegnoRiga(array $voce): string
+function kvLineMark(array $entry): string
 {
-    return rtrim($voce['id'] . '.' . implode('.', $voce['k']), '.');
+    return rtrim($entry['id'] . '.' . implode('.', $entry['k']), '.');
 }
 
 /** A text as it is read: without tags, its entities as letters. */
-function kvTestoPiano(?string $html): string
+function kvPlainText(?string $html): string
 {
     return trim(preg_replace('/\s+/', ' ', html_entity_decode(strip_tags((string) $html), ENT_QUOTES, 'cp1252')));
 }
 
 /** The name of an article in the cart: code, title and, where the shop says so, subtitle. */
-function kvNomeArticolo(array $riga): string
+function kvArticleName(array $line): string
 {
-    $nome = trim($riga['codice'] . ' ' . kvTestoPiano($riga['plain_titolo']));
-    $sotto = $GLOBALS['subtitleincart'] ? kvTestoPiano($riga['plain_sottotitolo']) : '';
-    return $sotto === '' ? $nome : $nome . ' - ' . $sotto;
+    $name = trim($line['codice'] . ' ' . kvPlainText($line['plain_titolo']));
+    $below = $GLOBALS['subtitleincart'] ? kvPlainText($line['plain_sottotitolo']) : '';
+    return $below === '' ? $name : $name . ' - ' . $below;
 }
 
 /** The chosen values of a line by slot; null when one is missing or isn't of that variant. */
-function kvScelte(array $riga, array $chiavi, int $listino): ?array
+function kvChoices(array $line, array $keys, int $listino): ?array
 {
-    $scelte = [];
-    for ($posto = 1; $posto <= 4; $posto++) {
-        $id = kvVariantNumber($riga, $posto, $listino);
-        $variante = $id > 0 ? kvVariantValues($id) : null;
-        if ($variante === null) {
+    $choices = [];
+    for ($slot = 1; $slot <= 4; $slot++) {
+        $id = kvVariantNumber($line, $slot, $listino);
+        $variant = $id > 0 ? kvVariantValues($id) : null;
+        if ($variant === null) {
             continue;
         }
-        $valore = $variante['voci'][$chiavi[$posto - 1]] ?? null;
-        if ($valore === null) {
+        $value = $variant['voci'][$keys[$slot - 1]] ?? null;
+        if ($value === null) {
             return null;
         }
-        $scelte[] = $valore + ['variante' => $id];
+        $choices[] = $value + ['variante' => $id];
     }
-    return $scelte;
+    return $choices;
 }
 
 /**
@@ -77,109 +77,109 @@ function kvScelte(array $riga, array $chiavi, int $listino): ?array
  * ten-thousandths, VAT in millionths. `ok` tells that it can be bought, stock left aside; `base` is the price of a
  * piece before the quantity discount `passi`, `importo` behind it; `scorte` are its keys of kv_disponibilita.
  */
-function kvRigaCarrello(array $voce, ?array $riga): array
+function kvCartLine(array $entry, ?array $line): array
 {
     global $listino, $inaccessibile, $ivacompresa, $ivarep;
-    $vuota = ['id' => $voce['id'], 'quantita' => $voce['q'], 'chiavi' => $voce['k'], 'ok' => false, 'codice' => '',
+    $empty = ['id' => $entry['id'], 'quantita' => $entry['q'], 'chiavi' => $entry['k'], 'ok' => false, 'codice' => '',
         'testo' => '', 'pagina' => '', 'foto' => '', 'consegna' => '', 'scelte' => '', 'base' => 0, 'passi' => [], 'importo' => 0, 'iva' => 0, 'aliquota' => 0, 'peso' => 0,
         'scorte' => []];
-    if ($riga === null) {
-        return $vuota;
+    if ($line === null) {
+        return $empty;
     }
-    SetVariables($riga['catID']);
+    SetVariables($line['catID']);
     if ($inaccessibile[$listino]) {
         // Whoever isn't let into a department learns nothing of its articles, not even by a number in a cookie.
-        return ['testo' => "<<4-articolo_riservato>>"] + $vuota;
+        return ['testo' => "<<4-articolo_riservato>>"] + $empty;
     }
-    $vuota['codice'] = (string) $riga['codice'];
-    $vuota['testo'] = kvNomeArticolo($riga);
-    $vuota['pagina'] = isset($riga['linkPage']) ? kvArticlePage($riga) : '';
-    $vuota['foto'] = html_entity_decode((string) (kvSmallPicture($riga)['src'] ?? ''), ENT_QUOTES, 'cp1252');
-    $vuota['consegna'] = kvDeliveryTime($riga);
-    $scelte = kvScelte($riga, $voce['k'], $listino);
-    if ($scelte === null || kvArePricesHidden()) {
-        return $vuota;
+    $empty['codice'] = (string) $line['codice'];
+    $empty['testo'] = kvArticleName($line);
+    $empty['pagina'] = isset($line['linkPage']) ? kvArticlePage($line) : '';
+    $empty['foto'] = html_entity_decode((string) (kvSmallPicture($line)['src'] ?? ''), ENT_QUOTES, 'cp1252');
+    $empty['consegna'] = kvDeliveryTime($line);
+    $choices = kvChoices($line, $entry['k'], $listino);
+    if ($choices === null || kvArePricesHidden()) {
+        return $empty;
     }
-    $base = kvSmallestUnits(kvVisitorPrices($riga)['prezzo'], kvScale());
-    $peso = kvTenThousandths($riga['cart_peso'] ?? 0);
-    $scorte = ['A' . $voce['id']];
-    foreach ($scelte as $valore) {
-        $base += kvDifference($valore['prezzo'], $riga);
-        $peso += kvTenThousandths($valore['peso']);
-        if ($valore['codice'] !== '') {
-            $scorte[] = kvChiaveValore($voce['id'], $valore['variante'], $valore['codice']);
+    $base = kvSmallestUnits(kvVisitorPrices($line)['prezzo'], kvScale());
+    $weight = kvTenThousandths($line['cart_peso'] ?? 0);
+    $stock = ['A' . $entry['id']];
+    foreach ($choices as $value) {
+        $base += kvDifference($value['prezzo'], $line);
+        $weight += kvTenThousandths($value['peso']);
+        if ($value['codice'] !== '') {
+            $stock[] = kvValueKey($entry['id'], $value['variante'], $value['codice']);
         }
     }
-    $passi = kvQuantitySteps($riga, $listino);
-    $etichette = array_map(fn($valore) => kvTestoPiano($valore['etichetta']), $scelte);
+    $steps = kvQuantitySteps($line, $listino);
+    $labels = array_map(fn($value) => kvPlainText($value['etichetta']), $choices);
     return [
         'ok' => true,
-        'scelte' => implode(', ', $etichette),
+        'scelte' => implode(', ', $labels),
         'base' => max(0, $base),
-        'passi' => $passi,
-        'importo' => kvImportoPezzo($base, $passi, $voce['q']),
+        'passi' => $steps,
+        'importo' => kvPiecePrice($base, $steps, $entry['q']),
         'iva' => $ivacompresa ? 0 : (int) round($ivarep * 1000000),
         'aliquota' => $ivacompresa ? (int) round($ivarep * 1000000) : 0,
-        'peso' => max(0, $peso),
-        'scorte' => $scorte,
-    ] + $vuota;
+        'peso' => max(0, $weight),
+        'scorte' => $stock,
+    ] + $empty;
 }
 
 /** The lines of a cart text, worked out; with `massimo` where stock limits a line. Three queries at most. */
-function kvRigheCarrello(string $testo): array
+function kvCartLines(string $text): array
 {
     global $listino;
-    $voci = kvVociCarrello($testo);
-    $articoli = kvArticoli(array_column($voci, 'id'));
-    kvReadDepartments(array_map('strval', array_column($articoli, 'catID')));
-    $varianti = [];
-    foreach ($articoli as $riga) {
-        $varianti = array_merge($varianti, kvRowVariants($riga, $listino));
+    $entries = kvCartEntries($text);
+    $articles = kvArticoli(array_column($entries, 'id'));
+    kvReadDepartments(array_map('strval', array_column($articles, 'catID')));
+    $variants = [];
+    foreach ($articles as $line) {
+        $variants = array_merge($variants, kvRowVariants($line, $listino));
     }
-    kvReadVariants($varianti);
-    kvReadDeliveries($articoli);
-    $righe = [];
-    foreach ($voci as $voce) {
-        $righe[] = kvRigaCarrello($voce, $articoli[$voce['id']] ?? null);
+    kvReadVariants($variants);
+    kvReadDeliveries($articles);
+    $lines = [];
+    foreach ($entries as $entry) {
+        $lines[] = kvCartLine($entry, $articles[$entry['id']] ?? null);
     }
-    $richieste = kvRichieste($righe);
-    $scorte = kvScorte(array_map('strval', array_keys($richieste))) ?? [];
-    foreach ($righe as $n => $riga) {
-        $righe[$n]['massimo'] = kvMassimo($riga, $richieste, $scorte);
+    $requests = kvWantedPieces($lines);
+    $stock = kvStock(array_map('strval', array_keys($requests))) ?? [];
+    foreach ($lines as $n => $line) {
+        $lines[$n]['massimo'] = kvMostPieces($line, $requests, $stock);
     }
-    return $righe;
+    return $lines;
 }
 
 /** The lines of the visitor's own cart. */
-function kvCarrelloVisitatore(): array
+function kvVisitorCart(): array
 {
-    static $righe = null;
-    if ($righe === null) {
-        $righe = kvRigheCarrello(kvCampo($_COOKIE, kvBiscottoCarrello(), 8000));
+    static $lines = null;
+    if ($lines === null) {
+        $lines = kvCartLines(kvCampo($_COOKIE, kvCartCookie(), 8000));
     }
-    return $righe;
+    return $lines;
 }
 
-function kvLettereCarrello(): string
+function kvCartCharacters(): string
 {
-    $lettere = '';
-    foreach (kvCarrelloVisitatore() as $riga) {
-        $lettere .= $riga['ok'] && ($riga['massimo'] === null || $riga['quantita'] <= $riga['massimo']) ? '1' : '0';
+    $characters = '';
+    foreach (kvVisitorCart() as $line) {
+        $characters .= $line['ok'] && ($line['massimo'] === null || $line['quantita'] <= $line['massimo']) ? '1' : '0';
     }
-    return $lettere;
+    return $characters;
 }
 
 /** Each line as js2.js reads it: c (article and keys as in the cookie), n, o, p, s, v, a, w, ok, m, u (its page), f (picture), t (time of delivery). */
-function kvDatiCarrello(): string
+function kvCartData(): string
 {
-    $dati = [];
-    foreach (kvCarrelloVisitatore() as $riga) {
-        $dati[] = [
-            'c' => kvSegnoRiga(['id' => $riga['id'], 'k' => $riga['chiavi']]), 'n' => kvUtf8($riga['testo']),
-            'o' => kvUtf8($riga['scelte']), 'p' => $riga['base'], 's' => $riga['passi'], 'v' => $riga['iva'], 'a' => $riga['aliquota'],
-            'w' => $riga['peso'], 'ok' => $riga['ok'], 'm' => $riga['massimo'], 'u' => $riga['pagina'], 'f' => kvUtf8($riga['foto']),
-        ] + ($riga['consegna'] === '' ? [] : ['t' => kvUtf8($riga['consegna'])]);
+    $data = [];
+    foreach (kvVisitorCart() as $line) {
+        $data[] = [
+            'c' => kvLineMark(['id' => $line['id'], 'k' => $line['chiavi']]), 'n' => kvUtf8($line['testo']),
+            'o' => kvUtf8($line['scelte']), 'p' => $line['base'], 's' => $line['passi'], 'v' => $line['iva'], 'a' => $line['aliquota'],
+            'w' => $line['peso'], 'ok' => $line['ok'], 'm' => $line['massimo'], 'u' => $line['pagina'], 'f' => kvUtf8($line['foto']),
+        ] + ($line['consegna'] === '' ? [] : ['t' => kvUtf8($line['consegna'])]);
     }
-    return (string) json_encode($dati, JSON_HEX_TAG | JSON_HEX_AMP | JSON_HEX_APOS | JSON_HEX_QUOT
+    return (string) json_encode($data, JSON_HEX_TAG | JSON_HEX_AMP | JSON_HEX_APOS | JSON_HEX_QUOT
         | JSON_INVALID_UTF8_SUBSTITUTE);
 }

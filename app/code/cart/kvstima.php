@@ -7,68 +7,68 @@ include_once "kvcart.php";
 include_once "kvpaesi.php";
 
 /** The payment methods (from 1) that a zone allows, the one that the order form starts with first. */
-function kvMetodiZona(array $dati, int $zona, int $primo): array
+function kvZoneMethods(array $data, int $zone, int $first): array
 {
-    $metodi = array_values(array_filter(range(1, max(1, (int) ceil(strlen($dati['SpOk']) / 8))),
-        fn($metodo) => kvAmmesso($dati, ($metodo - 1) * 8 + $zona - 1)));
-    return array_merge(array_intersect($metodi, [$primo]), array_diff($metodi, [$primo]));
+    $methods = array_values(array_filter(range(1, max(1, (int) ceil(strlen($data['SpOk']) / 8))),
+        fn($method) => kvIsMethodAllowed($data, ($method - 1) * 8 + $zone - 1)));
+    return array_merge(array_intersect($methods, [$first]), array_diff($methods, [$first]));
 }
 
 /** The amount in ten-thousandths above which a slot ships for nothing; null when it never does, or by weight. */
-function kvSogliaGratuita(array $dati, int $posto): ?int
+function kvFreeShippingThreshold(array $data, int $slot): ?int
 {
-    $soglia = null;
-    foreach ($dati['tipopeso'] ? [] : [3 => 'impord2', 2 => 'impord1'] as $passo => $nome) {
-        if ($dati["impspese$passo"][$posto] !== 0) {
+    $threshold = null;
+    foreach ($data['tipopeso'] ? [] : [3 => 'impord2', 2 => 'impord1'] as $step => $name) {
+        if ($data["impspese$step"][$slot] !== 0) {
             break;
         }
-        $soglia = $dati[$nome][$posto];
+        $threshold = $data[$name][$slot];
     }
-    return $soglia;
+    return $threshold;
 }
 
 /** What is said of free shipping, as plain text; empty where there is none. */
-function kvTestoGratuita(array $dati, array $totali, int $posto): string
+function kvFreeShippingText(array $data, array $totals, int $slot): string
 {
-    $soglia = kvSogliaGratuita($dati, $posto);
-    if ($soglia === null || $totali['spese'] === 0) {
-        return $soglia === null ? '' : "<<4-spedizione_gratuita>>.";
+    $threshold = kvFreeShippingThreshold($data, $slot);
+    if ($threshold === null || $totals['spese'] === 0) {
+        return $threshold === null ? '' : "<<4-spedizione_gratuita>>.";
     }
-    $minimi = intdiv($soglia, intdiv(10000, $dati['scala']));
+    $units = intdiv($threshold, intdiv(10000, $data['scala']));
     // Above the threshold, not at it.
-    $manca = $minimi - ($totali['merce'] - $totali['sconto']) + 1;
-    return "<<4-gratuita_oltre>> " . kvUnitsText($minimi) . ". <<4-carrello_manca>>: " . kvUnitsText($manca) . '.';
+    $missing = $units - ($totals['merce'] - $totals['sconto']) + 1;
+    return "<<4-gratuita_oltre>> " . kvUnitsText($units) . ". <<4-carrello_manca>>: " . kvUnitsText($missing) . '.';
 }
 
 /** The payment methods of the estimate for a zone, the one that it starts with first. */
-function kvMetodiStima(array $dati, int $zona): array
+function kvEstimateMethods(array $data, int $zone): array
 {
-    return kvMetodiZona($dati, $zona, intdiv(max(1, (int) "<<1-java_zona>>") - 1, 8) + 1);
+    return kvZoneMethods($data, $zone, intdiv(max(1, (int) "<<1-java_zona>>") - 1, 8) + 1);
 }
 
 /** The totals for a zone by the method that the estimate starts with; null when nothing is sent there. */
-function kvStimaPrima(array $righe, int $zona): ?array
+function kvFirstEstimate(array $lines, int $zone): ?array
 {
     global $listino, $scontocliente;
-    $dati = kvDatiNegozio();
-    $metodi = kvMetodiStima($dati, $zona);
-    return $metodi === [] ? null : kvTotali($righe, $metodi[0], $zona, $dati, (int) $listino, (float) $scontocliente);
+    $data = kvShopTables();
+    $methods = kvEstimateMethods($data, $zone);
+    return $methods === [] ? null : kvOrderTotals($lines, $methods[0], $zone, $data, (int) $listino, (float) $scontocliente);
 }
 
 /** The estimate for a zone: totali of the method it starts with, testo of free shipping, and the dearest and cheapest
  *  shipping of the methods; null when nothing is sent there. */
-function kvStima(array $righe, int $zona): ?array
+function kvEstimate(array $lines, int $zone): ?array
 {
     global $listino, $scontocliente;
-    $dati = kvDatiNegozio();
-    $metodi = kvMetodiStima($dati, $zona);
-    if ($metodi === []) {
+    $data = kvShopTables();
+    $methods = kvEstimateMethods($data, $zone);
+    if ($methods === []) {
         return null;
     }
-    $tutti = array_map(fn($metodo) => kvTotali($righe, $metodo, $zona, $dati, (int) $listino, (float) $scontocliente), $metodi);
-    $spese = array_column($tutti, 'spese');
-    return ['totali' => $tutti[0], 'testo' => kvTestoGratuita($dati, $tutti[0], ($metodi[0] - 1) * 8 + $zona - 1),
-        'minima' => min($spese), 'massima' => max($spese)];
+    $all = array_map(fn($method) => kvOrderTotals($lines, $method, $zone, $data, (int) $listino, (float) $scontocliente), $methods);
+    $shipping = array_column($all, 'spese');
+    return ['totali' => $all[0], 'testo' => kvFreeShippingText($data, $all[0], ($methods[0] - 1) * 8 + $zone - 1),
+        'minima' => min($shipping), 'massima' => max($shipping)];
 }
 
 /** The country select of the cart page, from that of the build; the choice of the address is kept. */
@@ -76,9 +76,9 @@ function kvPaesiStima(string $select): string
 {
     $html = str_replace('<select name="LSStato" onchange="SpedPaese()" autocomplete="country-name">', '<select name="paese">',
         kvSceltaPaesi($select));
-    $scelto = kvCampo($_GET, 'paese', 12);
-    if (preg_match('/^[1-8]-\d{1,4}$/D', $scelto) && strpos($html, "value=\"$scelto\"") !== false) {
-        $html = str_replace("value=\"$scelto\"", "value=\"$scelto\" selected", preg_replace('/(<option[^>]*) selected>/', '$1>', $html));
+    $chosen = kvCampo($_GET, 'paese', 12);
+    if (preg_match('/^[1-8]-\d{1,4}$/D', $chosen) && strpos($html, "value=\"$chosen\"") !== false) {
+        $html = str_replace("value=\"$chosen\"", "value=\"$chosen\" selected", preg_replace('/(<option[^>]*) selected>/', '$1>', $html));
     }
     return $html;
 }
@@ -86,29 +86,29 @@ function kvPaesiStima(string $select): string
 /** The estimate as HTML for browsers without scripts: the form that asks, and the answer for the country of the address. */
 function kvStimaSemplice(string $select): string
 {
-    $righe = array_filter(kvCarrelloVisitatore(), fn($riga) => $riga['ok']);
-    if ($righe === []) {
+    $lines = array_filter(kvVisitorCart(), fn($line) => $line['ok']);
+    if ($lines === []) {
         return '';
     }
     $html = '<form class="stima" method="get" action="cart.htm"><label><span>' . kvHtml("<<4-stima_titolo>>") . ': '
         . kvHtml("<<4-ordine_paese>>") . '</span> ' . kvPaesiStima($select) . '</label> <button type="submit" class="secondario">'
         . kvHtml("<<4-stima_calcola>>") . '</button></form>';
-    $paese = kvCampo($_GET, 'paese', 12);
-    if (!preg_match('/^([1-8])-\d{1,4}$/D', $paese, $parti)) {
+    $country = kvCampo($_GET, 'paese', 12);
+    if (!preg_match('/^([1-8])-\d{1,4}$/D', $country, $parts)) {
         return $html;
     }
-    $stima = kvStima($righe, (int) $parti[1]);
-    if ($stima === null) {
+    $estimate = kvEstimate($lines, (int) $parts[1]);
+    if ($estimate === null) {
         return $html . '<p>' . kvHtml("<<4-stima_nessuna>>") . '</p>';
     }
-    $voci = [["<<4-carrello_spedizione>>", $stima['totali']['spese']], ["<<4-carrello_iva_spedizione>>", $stima['totali']['ivaspese']],
-        ["<<4-stima_totale>>", $stima['totali']['totale']]];
+    $entries = [["<<4-carrello_spedizione>>", $estimate['totali']['spese']], ["<<4-carrello_iva_spedizione>>", $estimate['totali']['ivaspese']],
+        ["<<4-stima_totale>>", $estimate['totali']['totale']]];
     $html .= '<table class="totali">';
-    foreach ($voci as $n => list($nome, $importo)) {
-        $html .= $n === 1 && $importo === 0 ? ''
-            : '<tr><th scope="row">' . kvHtml($nome) . '</th><td>' . kvUnitsText($importo) . '</td></tr>';
+    foreach ($entries as $n => list($name, $amount)) {
+        $html .= $n === 1 && $amount === 0 ? ''
+            : '<tr><th scope="row">' . kvHtml($name) . '</th><td>' . kvUnitsText($amount) . '</td></tr>';
     }
-    $html .= '</table>' . ($stima['testo'] === '' ? '' : '<p>' . kvHtml($stima['testo']) . '</p>');
-    return $html . ($stima['minima'] === $stima['massima'] ? '' : '<p>' . kvHtml("<<4-stima_secondo>>: "
-        . kvUnitsText($stima['minima']) . ' - ' . kvUnitsText($stima['massima'])) . '.</p>');
+    $html .= '</table>' . ($estimate['testo'] === '' ? '' : '<p>' . kvHtml($estimate['testo']) . '</p>');
+    return $html . ($estimate['minima'] === $estimate['massima'] ? '' : '<p>' . kvHtml("<<4-stima_secondo>>: "
+        . kvUnitsText($estimate['minima']) . ' - ' . kvUnitsText($estimate['massima'])) . '.</p>');
 }

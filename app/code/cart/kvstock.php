@@ -5,102 +5,102 @@
 // the size M of an apron is another thing than that of a shirt. What has no row is there without limit.
 
 /** The key of a variant's value of one article. */
-function kvChiaveValore(int $articolo, int $variante, string $codice): string
+function kvValueKey(int $article, int $variant, string $code): string
 {
-    return 'V' . substr("$articolo.$variante.$codice", 0, 100);
+    return 'V' . substr("$article.$variant.$code", 0, 100);
 }
 
 /**
  * How many pieces there are of each key of kv_disponibilita; keys without a limit are missing, 0 is sold out. With
- * `riserva`, inside a transaction, the rows are held until its end. Null when the server refused.
+ * `reserve`, inside a transaction, the rows are held until its end. Null when the server refused.
  */
-function kvScorte(array $chiavi, bool $riserva = false): ?array
+function kvStock(array $keys, bool $reserve = false): ?array
 {
-    if ($chiavi === []) {
+    if ($keys === []) {
         return [];
     }
     // In the order of the key, so that two orders that want the same pieces wait for one another.
-    sort($chiavi, SORT_STRING);
-    $valori = [];
-    foreach ($chiavi as $chiave) {
-        array_push($valori, $chiave[0], substr($chiave, 1, 100));
+    sort($keys, SORT_STRING);
+    $values = [];
+    foreach ($keys as $key) {
+        array_push($values, $key[0], substr($key, 1, 100));
     }
-    $righe = kvQuery('SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE (tipo, chiave) IN ('
-        . implode(',', array_fill(0, count($chiavi), '(?,?)')) . ') ORDER BY tipo, chiave'
-        . ($riserva ? ' FOR UPDATE' : ''), $valori);
-    if ($righe === null) {
+    $lines = kvQuery('SELECT tipo, chiave, disponibile, quantita FROM kv_disponibilita WHERE (tipo, chiave) IN ('
+        . implode(',', array_fill(0, count($keys), '(?,?)')) . ') ORDER BY tipo, chiave'
+        . ($reserve ? ' FOR UPDATE' : ''), $values);
+    if ($lines === null) {
         return null;
     }
-    $scorte = [];
-    foreach ($righe as $riga) {
-        $scorte[$riga['tipo'] . $riga['chiave']] = kvPezziRiga($riga);
+    $stock = [];
+    foreach ($lines as $line) {
+        $stock[$line['tipo'] . $line['chiave']] = kvRowPieces($line);
     }
-    return array_filter($scorte, fn($pezzi) => $pezzi !== null);
+    return array_filter($stock, fn($pieces) => $pieces !== null);
 }
 
 /** How many pieces of each key the lines want together. */
-function kvRichieste(array $righe): array
+function kvWantedPieces(array $lines): array
 {
-    $richieste = [];
-    foreach ($righe as $riga) {
-        foreach ($riga['scorte'] as $chiave) {
-            $richieste[$chiave] = ($richieste[$chiave] ?? 0) + $riga['quantita'];
+    $requests = [];
+    foreach ($lines as $line) {
+        foreach ($line['scorte'] as $key) {
+            $requests[$key] = ($requests[$key] ?? 0) + $line['quantita'];
         }
     }
-    return $richieste;
+    return $requests;
 }
 
 /** The most pieces of a line that its stock allows, all other lines left as they are; null without a limit. */
-function kvMassimo(array $riga, array $richieste, array $scorte): ?int
+function kvMostPieces(array $line, array $requests, array $stock): ?int
 {
-    $massimo = null;
-    foreach ($riga['scorte'] as $chiave) {
-        if (isset($scorte[$chiave])) {
-            $resto = max(0, $scorte[$chiave] - $richieste[$chiave] + $riga['quantita']);
-            $massimo = $massimo === null ? $resto : min($massimo, $resto);
+    $most = null;
+    foreach ($line['scorte'] as $key) {
+        if (isset($stock[$key])) {
+            $rest = max(0, $stock[$key] - $requests[$key] + $line['quantita']);
+            $most = $most === null ? $rest : min($most, $rest);
         }
     }
-    return $massimo;
+    return $most;
 }
 
 /** How many pieces a row of kv_disponibilita leaves; null without a limit. */
-function kvPezziRiga(array $riga): ?int
+function kvRowPieces(array $line): ?int
 {
-    return !$riga['disponibile'] ? 0 : ($riga['quantita'] === null ? null : max(0, (int) $riga['quantita']));
+    return !$line['disponibile'] ? 0 : ($line['quantita'] === null ? null : max(0, (int) $line['quantita']));
 }
 
 /**
  * The keys of an article's values that are sold out. A department page has them beside the article; a row from elsewhere
  * costs a query.
  */
-function kvValoriEsauriti(array $riga): array
+function kvSoldOutValues(array $line): array
 {
-    static $letti = [];
-    $id = (int) ($riga['ID'] ?? 0);
-    if (!isset($letti[$id])) {
-        $elenco = array_key_exists('esauriti', $riga) ? (string) $riga['esauriti']
+    static $read = [];
+    $id = (int) ($line['ID'] ?? 0);
+    if (!isset($read[$id])) {
+        $list = array_key_exists('esauriti', $line) ? (string) $line['esauriti']
             : (string) (kvRiga('SELECT ' . sprintf(KV_SOLD_OUT, '?') . ' AS esauriti', ["$id.%"])['esauriti'] ?? '');
-        $letti[$id] = $elenco === '' ? [] : array_fill_keys(explode("\n", $elenco), true);
+        $read[$id] = $list === '' ? [] : array_fill_keys(explode("\n", $list), true);
     }
-    return $letti[$id];
+    return $read[$id];
 }
 
 /** Whether a value of an article can be had. */
-function kvValoreDisponibile(array $riga, int $variante, string $codice): bool
+function kvIsValueAvailable(array $line, int $variant, string $code): bool
 {
-    return $codice === ''
-        || !isset(kvValoriEsauriti($riga)[substr(kvChiaveValore((int) $riga['ID'], $variante, $codice), 1)]);
+    return $code === ''
+        || !isset(kvSoldOutValues($line)[substr(kvValueKey((int) $line['ID'], $variant, $code), 1)]);
 }
 
 /** Whether each variant of an article has a value that can be had. */
-function kvVariantiDisponibili(array $riga): bool
+function kvAreVariantsAvailable(array $line): bool
 {
-    foreach (kvRowVariants($riga, (int) $GLOBALS['listino']) as $id) {
-        $libere = 0;
-        foreach (kvVariantValues($id)['voci'] ?? [['codice' => '']] as $voce) {
-            $libere += kvValoreDisponibile($riga, $id, $voce['codice']) ? 1 : 0;
+    foreach (kvRowVariants($line, (int) $GLOBALS['listino']) as $id) {
+        $free = 0;
+        foreach (kvVariantValues($id)['voci'] ?? [['codice' => '']] as $entry) {
+            $free += kvIsValueAvailable($line, $id, $entry['codice']) ? 1 : 0;
         }
-        if ($libere === 0) {
+        if ($free === 0) {
             return false;
         }
     }

@@ -19,72 +19,72 @@
 //  6. The total is the sum of these.
 
 /** Reads assignments of a generated script: name => list of numbers, number or text. */
-function kvLeggiScript(string $script): array
+function kvReadScript(string $script): array
 {
-    $numero = fn(string $testo): float => (float) str_replace(' ', '', $testo);
-    $valori = [];
-    $forma = '/(\w+)\s*=\s*(?:new Array\(([^)]*)\)|"([^"]*)"|\'([^\']*)\'|(-?\s*[\d.]+(?:E[-+]?\d+)?))\s*;/i';
-    preg_match_all($forma, $script, $trovati, PREG_SET_ORDER | PREG_UNMATCHED_AS_NULL);
-    foreach ($trovati as $trovato) {
-        if ($trovato[2] !== null) {
-            $valori[$trovato[1]] = array_map('floatval', explode(',', str_replace(' ', '', $trovato[2])));
-        } elseif ($trovato[5] !== null) {
-            $valori[$trovato[1]] = $numero($trovato[5]);
+    $number = fn(string $text): float => (float) str_replace(' ', '', $text);
+    $values = [];
+    $pattern = '/(\w+)\s*=\s*(?:new Array\(([^)]*)\)|"([^"]*)"|\'([^\']*)\'|(-?\s*[\d.]+(?:E[-+]?\d+)?))\s*;/i';
+    preg_match_all($pattern, $script, $found, PREG_SET_ORDER | PREG_UNMATCHED_AS_NULL);
+    foreach ($found as $match) {
+        if ($match[2] !== null) {
+            $values[$match[1]] = array_map('floatval', explode(',', str_replace(' ', '', $match[2])));
+        } elseif ($match[5] !== null) {
+            $values[$match[1]] = $number($match[5]);
         } else {
-            $valori[$trovato[1]] = (string) ($trovato[3] ?? $trovato[4]);
+            $values[$match[1]] = (string) ($match[3] ?? $match[4]);
         }
     }
-    return $valori;
+    return $values;
 }
 
 /** A decimal as a whole number of its parts; the same steps as in js2.js, so that no half goes another way. */
-function kvInteri(float $valore, int $per): int
+function kvWholeParts(float $value, int $per): int
 {
-    return (int) floor($valore * $per + 0.5);
+    return (int) floor($value * $per + 0.5);
 }
 
 /** The tables of a generated script in whole numbers; what the script doesn't hold is 0, the factors of discount 1. */
-function kvTavole(string $script): array
+function kvScriptTables(string $script): array
 {
-    $letti = kvLeggiScript($script);
-    $scala = ($letti['PutDec'] ?? 1.0) > 0 ? 100 : 1;
-    $interi = function (string $nome, int $per, float $manca, int $quanti) use ($letti): array {
-        $valori = array_fill(0, $quanti, (int) ($manca * $per));
-        foreach ((array) ($letti[$nome] ?? []) as $n => $valore) {
-            // As kvInteri: a call for each of hundreds of numbers takes longer than all the rest.
-            $valori[$n] = $valore === 0.0 ? 0 : (int) floor($valore * $per + 0.5);
+    $read = kvReadScript($script);
+    $scale = ($read['PutDec'] ?? 1.0) > 0 ? 100 : 1;
+    $wholes = function (string $name, int $per, float $missing, int $count) use ($read): array {
+        $values = array_fill(0, $count, (int) ($missing * $per));
+        foreach ((array) ($read[$name] ?? []) as $n => $value) {
+            // As kvWholeParts: a call for each of hundreds of numbers takes longer than all the rest.
+            $values[$n] = $value === 0.0 ? 0 : (int) floor($value * $per + 0.5);
         }
-        return $valori;
+        return $values;
     };
-    $tavole = [
-        'scala' => $scala,
-        'tipopeso' => ($letti['tipopeso'] ?? '0') === '1',
-        'ivacompresa' => ($letti['ivacompresa'] ?? '0') === '1',
-        'aliquotaspese' => kvInteri($letti['aliquotaspese'] ?? 0.0, 1000000),
-        'minimo' => kvInteri($letti['minimo'] ?? 0.0, 10000),
-        'qminima' => (int) ($letti['qminima'] ?? 0.0),
-        'SpOk' => (string) ($letti['SpOk'] ?? ''),
-        'IvaOk' => (string) ($letti['IvaOk'] ?? ''),
-        'scimp' => $interi('scimp', 10000, 0, 10),
-        'scperc' => $interi('scperc', 1000000, 1, 10),
-        'impord1' => $interi('impord1', 10000, 0, 32),
-        'impord2' => $interi('impord2', 10000, 0, 32),
+    $tables = [
+        'scala' => $scale,
+        'tipopeso' => ($read['tipopeso'] ?? '0') === '1',
+        'ivacompresa' => ($read['ivacompresa'] ?? '0') === '1',
+        'aliquotaspese' => kvWholeParts($read['aliquotaspese'] ?? 0.0, 1000000),
+        'minimo' => kvWholeParts($read['minimo'] ?? 0.0, 10000),
+        'qminima' => (int) ($read['qminima'] ?? 0.0),
+        'SpOk' => (string) ($read['SpOk'] ?? ''),
+        'IvaOk' => (string) ($read['IvaOk'] ?? ''),
+        'scimp' => $wholes('scimp', 10000, 0, 10),
+        'scperc' => $wholes('scperc', 1000000, 1, 10),
+        'impord1' => $wholes('impord1', 10000, 0, 32),
+        'impord2' => $wholes('impord2', 10000, 0, 32),
     ];
     foreach ([1, 2, 3] as $n) {
-        $tavole["impspese$n"] = $interi("impspese$n", $scala, 0, 32);
+        $tables["impspese$n"] = $wholes("impspese$n", $scale, 0, 32);
     }
     for ($n = 1; $n <= 10; $n++) {
-        $tavole["imppeso$n"] = $interi("imppeso$n", 10000, 0, 32);
-        $tavole["impspp$n"] = $interi("impspp$n", $scala, 0, 32);
+        $tables["imppeso$n"] = $wholes("imppeso$n", 10000, 0, 32);
+        $tables["impspp$n"] = $wholes("impspp$n", $scale, 0, 32);
     }
-    foreach (['obbl_rsoc' => 0, 'obbl_piva' => 0, 'obbl_tel' => 0, 'obbl_magg' => 1] as $nome => $manca) {
-        $tavole[$nome] = ($letti[$nome] ?? $manca) > 0;
+    foreach (['obbl_rsoc' => 0, 'obbl_piva' => 0, 'obbl_tel' => 0, 'obbl_magg' => 1] as $name => $missing) {
+        $tables[$name] = ($read[$name] ?? $missing) > 0;
     }
-    return $tavole;
+    return $tables;
 }
 
 /** The tables of shipping by amount or by weight, whichever the shop has: the others are hundreds of numbers that no rule asks for. */
-function kvScriptSpese(): string
+function kvShippingScript(): string
 {
     return "<<1-java_tipopeso>>" === '1' ? <<<'KORVANE_VALORI'
 <<1-java_importi_peso>>
@@ -95,11 +95,11 @@ KORVANE_VALORI;
 }
 
 /** The shop's tables: shipping, permissions, discounts by amount, smallest order, required fields. */
-function kvDatiNegozio(): array
+function kvShopTables(): array
 {
-    static $dati = null;
-    if ($dati === null) {
-        $dati = kvTavole(kvScriptSpese() . "\n" . <<<'KORVANE_VALORI'
+    static $data = null;
+    if ($data === null) {
+        $data = kvScriptTables(kvShippingScript() . "\n" . <<<'KORVANE_VALORI'
 <<1-java_valuta>>
 <<1-java_permessi>>
 tipopeso = "<<1-java_tipopeso>>";
@@ -111,58 +111,58 @@ ivacompresa = "<<1-java_ivacompresa>>";
 KORVANE_VALORI
         );
     }
-    return $dati;
+    return $data;
 }
 
 /** An amount (not negative) by millionths, rounded half up. No step of it is above 2^53 for amounts below 9 * 10^15. */
-function kvParte(int $importo, int $milionesimi): int
+function kvShare(int $amount, int $millionths): int
 {
-    return intdiv($importo, 1000000) * $milionesimi + intdiv($importo % 1000000 * $milionesimi + 500000, 1000000);
+    return intdiv($amount, 1000000) * $millionths + intdiv($amount % 1000000 * $millionths + 500000, 1000000);
 }
 
-/** `prodotto`, itself an amount by millionths, by another millionths, rounded half up: the two products as one. */
-function kvParteDoppia(int $prodotto, int $milionesimi): int
+/** `product`, itself an amount by millionths, by another millionths, rounded half up: the two products as one. */
+function kvShareOfShare(int $product, int $millionths): int
 {
-    $alto = intdiv($prodotto, 1000000) * $milionesimi;
-    $basso = $prodotto % 1000000 * $milionesimi;
-    return intdiv($alto, 1000000) + intdiv($alto % 1000000 * 1000000 + $basso + 500000000000, 1000000000000);
+    $high = intdiv($product, 1000000) * $millionths;
+    $low = $product % 1000000 * $millionths;
+    return intdiv($high, 1000000) + intdiv($high % 1000000 * 1000000 + $low + 500000000000, 1000000000000);
 }
 
 /** The price of one piece: `base` by the factor of the highest of the steps [quantity, millionths] reached. */
-function kvImportoPezzo(int $base, array $passi, int $quantita): int
+function kvPiecePrice(int $base, array $steps, int $quantity): int
 {
-    $fattore = 1000000;
-    foreach ($passi as list($soglia, $milionesimi)) {
-        if ($quantita >= $soglia) {
-            $fattore = $milionesimi;
+    $factor = 1000000;
+    foreach ($steps as list($threshold, $millionths)) {
+        if ($quantity >= $threshold) {
+            $factor = $millionths;
         }
     }
-    return kvParte(max(0, $base), max(0, $fattore));
+    return kvShare(max(0, $base), max(0, $factor));
 }
 
 /** The discount factor of an order in millionths: the customer's own, else the one by amount of the listino. */
-function kvFattoreOrdine(array $dati, int $listino, float $scontoCliente, int $merce): int
+function kvOrderFactor(array $data, int $listino, float $customerDiscount, int $goods): int
 {
-    if ($scontoCliente > 0) {
-        return max(0, 1000000 - kvInteri($scontoCliente, 10000));
+    if ($customerDiscount > 0) {
+        return max(0, 1000000 - kvWholeParts($customerDiscount, 10000));
     }
-    $sopra = $merce * intdiv(10000, $dati['scala']) > $dati['scimp'][$listino];
-    return $sopra ? max(0, min(1000000, $dati['scperc'][$listino])) : 1000000;
+    $above = $goods * intdiv(10000, $data['scala']) > $data['scimp'][$listino];
+    return $above ? max(0, min(1000000, $data['scperc'][$listino])) : 1000000;
 }
 
 /** The shipping cost of a slot, by weight or by the amount of the goods. */
-function kvSpese(array $dati, int $posto, int $merce, int $peso): int
+function kvShippingCost(array $data, int $slot, int $goods, int $weight): int
 {
-    $misura = $dati['tipopeso'] ? $peso : $merce * intdiv(10000, $dati['scala']);
-    $soglie = $dati['tipopeso'] ? 'imppeso' : 'impord';
-    $importi = $dati['tipopeso'] ? 'impspp' : 'impspese';
-    $ultima = $dati['tipopeso'] ? 10 : 3;
-    for ($n = 1; $n < $ultima; $n++) {
-        if ($misura <= $dati[$soglie . $n][$posto]) {
-            return $dati[$importi . $n][$posto];
+    $measure = $data['tipopeso'] ? $weight : $goods * intdiv(10000, $data['scala']);
+    $thresholds = $data['tipopeso'] ? 'imppeso' : 'impord';
+    $amounts = $data['tipopeso'] ? 'impspp' : 'impspese';
+    $last = $data['tipopeso'] ? 10 : 3;
+    for ($n = 1; $n < $last; $n++) {
+        if ($measure <= $data[$thresholds . $n][$slot]) {
+            return $data[$amounts . $n][$slot];
         }
     }
-    return $dati[$importi . $ultima][$posto];
+    return $data[$amounts . $last][$slot];
 }
 
 /**
@@ -170,71 +170,71 @@ function kvSpese(array $dati, int $posto, int $merce, int $peso): int
  * a method fills its slots of all eight zones, and the methods stand without gaps, so the filled slots are the first
  * ones and the letter of a filled slot is the one of its number. Slots behind the letters have no method.
  */
-function kvAmmesso(array $dati, int $posto): bool
+function kvIsMethodAllowed(array $data, int $slot): bool
 {
-    return $posto >= 0 && $posto < strlen($dati['SpOk']) && $dati['SpOk'][$posto] === '1';
+    return $slot >= 0 && $slot < strlen($data['SpOk']) && $data['SpOk'][$slot] === '1';
 }
 
 /** The VAT on shipping: added, taken off, or neither. */
-function kvIvaSpese(array $dati, bool $conIva, int $spese): int
+function kvShippingVat(array $data, bool $withVat, int $shipping): int
 {
-    if ($dati['ivacompresa']) {
-        return $conIva ? 0 : -kvIvaCompresa($spese, $dati['aliquotaspese']);
+    if ($data['ivacompresa']) {
+        return $withVat ? 0 : -kvIncludedVat($shipping, $data['aliquotaspese']);
     }
-    return $conIva ? kvParte($spese, $dati['aliquotaspese']) : 0;
+    return $withVat ? kvShare($shipping, $data['aliquotaspese']) : 0;
 }
 
 /** The VAT that an amount includes at a rate in millionths, rounded half up. */
-function kvIvaCompresa(int $importo, int $aliquota): int
+function kvIncludedVat(int $amount, int $rate): int
 {
-    $base = 1000000 + $aliquota;
-    return intdiv($importo, $base) * $aliquota + intdiv($importo % $base * $aliquota * 2 + $base, $base * 2);
+    $base = 1000000 + $rate;
+    return intdiv($amount, $base) * $rate + intdiv($amount % $base * $rate * 2 + $base, $base * 2);
 }
 
 /** The VAT in the prices of some lines, less the discount of the order. */
-function kvIvaNelleRighe(array $righe, int $fattore): int
+function kvVatInLines(array $lines, int $factor): int
 {
-    $importi = [];
-    foreach ($righe as $riga) {
-        $aliquota = (int) ($riga['aliquota'] ?? 0);
-        $importi[$aliquota] = ($importi[$aliquota] ?? 0) + $riga['importo'] * $riga['quantita'];
+    $amounts = [];
+    foreach ($lines as $line) {
+        $rate = (int) ($line['aliquota'] ?? 0);
+        $amounts[$rate] = ($amounts[$rate] ?? 0) + $line['importo'] * $line['quantita'];
     }
-    $iva = 0;
-    foreach ($importi as $aliquota => $importo) {
-        $iva += kvIvaCompresa(kvParte($importo, $fattore), (int) $aliquota);
+    $vat = 0;
+    foreach ($amounts as $rate => $amount) {
+        $vat += kvIncludedVat(kvShare($amount, $factor), (int) $rate);
     }
-    return $iva;
+    return $vat;
 }
 
 /**
  * The totals of an order. Each line has importo (of one piece), quantita, iva (millionths, 0 where prices include it),
- * aliquota (the rate that its price includes, 0 where it doesn't), peso (ten-thousandths, of one piece). `metodo` counts the active payment methods from 1, `zona` is 1 to 8.
+ * aliquota (the rate that its price includes, 0 where it doesn't), peso (ten-thousandths, of one piece). `method` counts the active payment methods from 1, `zone` is 1 to 8.
  * Result: merce, sconto, iva, spese, ivaspese, totale, and ammesso: the method is allowed for the zone.
  */
-function kvTotali(array $righe, int $metodo, int $zona, array $dati, int $listino, float $scontoCliente): array
+function kvOrderTotals(array $lines, int $method, int $zone, array $data, int $listino, float $customerDiscount): array
 {
-    $posto = ($metodo - 1) * 8 + $zona - 1;
-    $conIva = substr($dati['IvaOk'], $zona - 1, 1) === '1';
-    $merce = 0;
-    $iva = 0;
-    $peso = 0;
-    foreach ($righe as $riga) {
-        $importo = $riga['importo'] * $riga['quantita'];
-        $merce += $importo;
-        $iva += $importo * $riga['iva'];
-        $peso += $riga['peso'] * $riga['quantita'];
+    $slot = ($method - 1) * 8 + $zone - 1;
+    $withVat = substr($data['IvaOk'], $zone - 1, 1) === '1';
+    $goods = 0;
+    $vat = 0;
+    $weight = 0;
+    foreach ($lines as $line) {
+        $amount = $line['importo'] * $line['quantita'];
+        $goods += $amount;
+        $vat += $amount * $line['iva'];
+        $weight += $line['peso'] * $line['quantita'];
     }
-    $fattore = kvFattoreOrdine($dati, $listino, $scontoCliente, $merce);
-    $sconto = kvParte($merce, 1000000 - $fattore);
-    $spese = kvSpese($dati, $posto, $merce - $sconto, $peso);
-    $totali = [
-        'merce' => $merce,
-        'sconto' => $sconto,
-        'iva' => $conIva ? kvParteDoppia($iva, $fattore) : ($dati['ivacompresa'] ? -kvIvaNelleRighe($righe, $fattore) : 0),
-        'spese' => $spese,
-        'ivaspese' => kvIvaSpese($dati, $conIva, $spese),
-        'ammesso' => kvAmmesso($dati, $posto),
+    $factor = kvOrderFactor($data, $listino, $customerDiscount, $goods);
+    $discount = kvShare($goods, 1000000 - $factor);
+    $shipping = kvShippingCost($data, $slot, $goods - $discount, $weight);
+    $totals = [
+        'merce' => $goods,
+        'sconto' => $discount,
+        'iva' => $withVat ? kvShareOfShare($vat, $factor) : ($data['ivacompresa'] ? -kvVatInLines($lines, $factor) : 0),
+        'spese' => $shipping,
+        'ivaspese' => kvShippingVat($data, $withVat, $shipping),
+        'ammesso' => kvIsMethodAllowed($data, $slot),
     ];
-    $totali['totale'] = $merce - $sconto + $totali['iva'] + $spese + $totali['ivaspese'];
-    return $totali;
+    $totals['totale'] = $goods - $discount + $totals['iva'] + $shipping + $totals['ivaspese'];
+    return $totals;
 }

@@ -167,7 +167,7 @@ function kvArticoloSolo(bool $unique = false): ?array
 /** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */
 function kvDisponibile(array $row): bool
 {
-    return kvIsArticleAvailable($row) && kvVariantiDisponibili($row);
+    return kvIsArticleAvailable($row) && kvAreVariantsAvailable($row);
 }
 
 /** Whether the article itself isn't sold out. */
@@ -175,7 +175,7 @@ function kvIsArticleAvailable(array $row): bool
 {
     // A department page has the stock beside the article.
     if (!array_key_exists('disponibile', $row)) {
-        return (kvScorte(['A' . $row['ID']])['A' . $row['ID']] ?? 1) > 0;
+        return (kvStock(['A' . $row['ID']])['A' . $row['ID']] ?? 1) > 0;
     }
     return $row['disponibile'] === null || ($row['disponibile'] && ($row['quantita'] === null || $row['quantita'] > 0));
 }
@@ -219,7 +219,7 @@ function kvModuloAcquista(array $row, bool $whole): string
     if (preg_match('/^self\.location=\'([^\']*)\'/', $call, $parts)) {
         return '<p><a class="bottone" href="' . $parts[1] . '">' . kvHtml("<<4-menu_accesso>>") . '</a></p>';
     }
-    $name = kvHtml(kvTestoPiano((string) $row['plain_titolo']));
+    $name = kvHtml(kvPlainText((string) $row['plain_titolo']));
     if (!$whole && kvHasVariants($row)) {
         return '<p><a class="bottone secondario" href="' . kvHtml(kvPaginaScheda($row)) . '">' . kvHtml("<<4-scegli>>")
             . '<span class="nascosto">: ' . $name . '</span></a></p>';
@@ -297,7 +297,7 @@ function kvValueOffers(array $row, callable $offer): array
     $offers = [];
     $limited = 0;
     foreach (count($variants) === 1 ? (kvVariantValues($variants[0])['voci'] ?? []) : [] as $entry) {
-        $isFree = kvValoreDisponibile($row, $variants[0], $entry['codice']);
+        $isFree = kvIsValueAvailable($row, $variants[0], $entry['codice']);
         $limited += $isFree ? 0 : 1;
         $price = kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()) + kvDifference($entry['prezzo'], $row);
         $offers[] = ['name' => kvDataText($entry['etichetta'])] + ($entry['codice'] === '' ? []
@@ -363,7 +363,7 @@ function kvVetrina(string $table): string
 function kvElencoCarrello(): string
 {
     $entries = '';
-    foreach (kvCarrelloVisitatore() as $row) {
+    foreach (kvVisitorCart() as $row) {
         $choices = $row['scelte'] === '' ? '' : '<br><span class="nota">' . kvHtml($row['scelte']) . '</span>';
         $entries .= '<li><span>' . $row['quantita'] . ' &times; ' . kvHtml($row['testo']) . $choices . '</span> <span>'
             . kvUnitsText($row['importo'] * $row['quantita']) . '</span></li>';

@@ -122,7 +122,7 @@ function kvChosenNumbers(): array
         include_once "kvcart.php";
         kvReadVariants(array_keys($choices['valori']));
         $rows = array_filter(kvDepartmentRows(), fn($row) => kvIsRowChosen($row, $choices));
-        $name = fn($row) => kvFold(kvUtf8(kvTestoPiano((string) $row['plain_titolo'])));
+        $name = fn($row) => kvFold(kvUtf8(kvPlainText((string) $row['plain_titolo'])));
         $values = ['prezzo' => fn($row) => kvRowPrices($row)['prezzo'], 'prezzo-giu' => fn($row) => -kvRowPrices($row)['prezzo'],
             'nome' => $name, 'novita' => fn($row) => empty($row['novita'])][$choices['ordine']] ?? null;
         if ($values !== null && ($choices['ordine'][0] !== 'p' || !kvArePricesHidden())) {

@@ -134,7 +134,7 @@ function kvSelector(array $row, int $slot): string
     }
     $options = '';
     foreach ($variant['voci'] as $key => $entry) {
-        $options .= kvOption($row, $key, $entry, kvValoreDisponibile($row, $id, $entry['codice']));
+        $options .= kvOption($row, $key, $entry, kvIsValueAvailable($row, $id, $entry['codice']));
     }
     return '<label class="opzione">' . kvTextHtml($variant['nome']) . ' <select name="op' . $slot
         . (int) ($row['contatore'] ?? 0) . '">' . $options . '</select></label>';

@@ -88,13 +88,13 @@ function kvModuloOrdine(array $dati): array
 function kvDettaglio(): string
 {
     $testo = kvCampo($_POST, 'Dettaglio', 8000);
-    return $testo === '' && isset($_POST['senza_script']) ? kvCampo($_COOKIE, kvBiscottoCarrello(), 8000) : $testo;
+    return $testo === '' && isset($_POST['senza_script']) ? kvCampo($_COOKIE, kvCartCookie(), 8000) : $testo;
 }
 
 /** The lines of the order from the form's cart text; ends the order when one can't be bought. */
 function kvRigheOrdine(array $dati): array
 {
-    $righe = kvRigheCarrello(kvDettaglio());
+    $righe = kvCartLines(kvDettaglio());
     if ($righe === []) {
         kvRifiutaOrdine("<<4-ordine_vuoto>>");
     }
@@ -113,7 +113,7 @@ function kvRigheOrdine(array $dati): array
 function kvTotaliOrdine(array $righe, int $metodo, int $zona, array $dati): array
 {
     global $listino, $scontocliente;
-    $totali = kvTotali($righe, $metodo, $zona, $dati, $listino, (float) $scontocliente);
+    $totali = kvOrderTotals($righe, $metodo, $zona, $dati, $listino, (float) $scontocliente);
     if (!$totali['ammesso']) {
         kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
     }
@@ -201,8 +201,8 @@ function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): st
 /** Takes the pieces of the lines off their stock; false when there are too few, null when the server refused. */
 function kvPrendiScorte(array $righe): ?bool
 {
-    $richieste = kvRichieste($righe);
-    $scorte = kvScorte(array_map('strval', array_keys($richieste)), true);
+    $richieste = kvWantedPieces($righe);
+    $scorte = kvStock(array_map('strval', array_keys($richieste)), true);
     foreach ($scorte ?? [] as $chiave => $quantita) {
         $chiave = (string) $chiave;
         if ($quantita < $richieste[$chiave]) {
@@ -262,7 +262,7 @@ function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepil
 function kvPrendiOrdine(string $gettone): void
 {
     global $notazione;
-    $dati = kvDatiNegozio();
+    $dati = kvShopTables();
     kvRefusePrograms('kvRifiutaOrdine', "<<4-troppo_presto>>");
     $campi = kvModuloOrdine($dati);
     list($campi['Paese'], $zona) = kvPaeseOrdine();
@@ -271,7 +271,7 @@ function kvPrendiOrdine(string $gettone): void
     $totali = kvTotaliOrdine($righe, $metodo, $zona, $dati);
     if (isset($_POST['senza_script'])) {
         // Nobody orders without having seen the sum, which no script could show in the form.
-        $GLOBALS['kvConfirmation'] = kvConfermaOrdine(kvConto($righe, $totali), $totali, kvDettaglio());
+        $GLOBALS['kvConfirmation'] = kvOrderReview(kvConto($righe, $totali), $totali, kvDettaglio());
         return;
     }
     $parti = kvPartiOrdine($campi, $righe, $totali);
@@ -285,7 +285,7 @@ function kvPrendiOrdine(string $gettone): void
     $_SESSION['ordine'] = $codice;
     $_SESSION['ordini'] = array_slice([$gettone => [$codice, $pagina]] + ($_SESSION['ordini'] ?? []), 0, 20, true);
     unset($_SESSION['gettone']);
-    setcookie(kvBiscottoCarrello(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
+    setcookie(kvCartCookie(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
     if ($nuovo) {
         kvStockChanged();
         $istruzioni = kvIstruzioniMail($metodo);

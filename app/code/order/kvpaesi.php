@@ -64,7 +64,7 @@ function kvVociSelect(string $select, bool $scelte = false): array
     preg_match_all("/<option$segno([^>]*)>(.*?)<\\/option>/is", $select, $trovate, PREG_SET_ORDER);
     return array_map(function (array $voce): array {
         $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
-        return ['valore' => $valore, 'nome' => kvTestoPiano($voce[2]), 'scelta' => stripos($voce[1], 'selected') !== false];
+        return ['valore' => $valore, 'nome' => kvPlainText($voce[2]), 'scelta' => stripos($voce[1], 'selected') !== false];
     }, $trovate);
 }
 

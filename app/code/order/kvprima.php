@@ -16,7 +16,7 @@ function kvRighePrima(array $righe): array
     $prime = [];
     foreach ($righe as $n => $riga) {
         $titolo = $titoli[$riga['id']] ?? null;
-        $nome = $titolo === null ? $riga['testo'] : kvNomeArticolo($titolo + ['codice' => $riga['codice']]);
+        $nome = $titolo === null ? $riga['testo'] : kvArticleName($titolo + ['codice' => $riga['codice']]);
         $prime[$n] = ['testo_prima' => kvUtf8($nome), 'scelte_prima' => kvUtf8(kvSceltePrima($riga))];
     }
     return $prime;
@@ -26,8 +26,8 @@ function kvRighePrima(array $righe): array
 function kvSceltePrima(array $riga): string
 {
     $articolo = kvArticoli([$riga['id']])[$riga['id']] ?? null;
-    $scelte = $articolo === null ? null : kvScelte($articolo, $riga['chiavi'], (int) $GLOBALS['listino']);
-    return implode(', ', array_map(fn($valore) => kvTestoPiano($valore['prima']), $scelte ?? []));
+    $scelte = $articolo === null ? null : kvChoices($articolo, $riga['chiavi'], (int) $GLOBALS['listino']);
+    return implode(', ', array_map(fn($valore) => kvPlainText($valore['prima']), $scelte ?? []));
 }
 
 /** The number of the payment method that the form chose, counted from 1. */

@@ -6,9 +6,9 @@
 function kvAppenaScarsi(array $righe): array
 {
     $soglia = kvLowStockLimit();
-    $richieste = kvRichieste($righe);
+    $richieste = kvWantedPieces($righe);
     $scarsi = [];
-    foreach (kvScorte(array_map('strval', array_keys($richieste))) ?? [] as $chiave => $pezzi) {
+    foreach (kvStock(array_map('strval', array_keys($richieste))) ?? [] as $chiave => $pezzi) {
         if ($pezzi <= $soglia && $pezzi + $richieste[$chiave] > $soglia) {
             $scarsi[$chiave] = $pezzi;
         }

@@ -347,7 +347,7 @@ function LoadDatiCliente(): string
 function CheckDispCart(): string
 {
     include_once "kvcart.php";
-    $characters = kvLettereCarrello();
+    $characters = kvCartCharacters();
     if (strpos($characters, '0') !== false && basename((string) ($_SERVER['SCRIPT_NAME'] ?? '')) === "order.htm") {
         kvGoTo("cart.htm");
     }
@@ -358,5 +358,5 @@ function CheckDispCart(): string
 function DatiCarrello(): string
 {
     include_once "kvcart.php";
-    return kvDatiCarrello();
+    return kvCartData();
 }

@@ -60,8 +60,8 @@ function kvDeliveryData(array $row, string $valuta): array
 {
     include_once "kvstima.php";
     $country = kvInitialCountry();
-    $entry = kvRigaCarrello(['id' => (int) $row['ID'], 'q' => 1, 'k' => kvFirstKeys($row)], $row);
-    $estimate = $country === null || !$entry['ok'] ? null : kvStimaPrima([$entry], $country[1]);
+    $entry = kvCartLine(['id' => (int) $row['ID'], 'q' => 1, 'k' => kvFirstKeys($row)], $row);
+    $estimate = $country === null || !$entry['ok'] ? null : kvFirstEstimate([$entry], $country[1]);
     if ($estimate === null) {
         return [];
     }
