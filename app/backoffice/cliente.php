@@ -87,10 +87,10 @@ function boEsegui(array $cliente): void
             boNuovaPassword($cliente);
             break;
         case 'esporta':
-            kvScaricaDati($cliente);
+            kvDownloadData($cliente);
             break;
         case 'elimina':
-            if (kvEliminaDati($cliente)) {
+            if (kvDeleteData($cliente)) {
                 boAvvisa('Il cliente ' . $cliente['email'] . ' è stato eliminato.');
                 boVai('clienti.php');
             }
@@ -105,7 +105,7 @@ function boConfermaElimina(array $cliente): void
     boInizio('Eliminare il cliente?', 'clienti.php');
     echo '<p>', kvHtmlUtf8(trim($cliente['nome'] . ' ' . $cliente['cognome'])), ', ', kvHtmlUtf8($cliente['email']),
         ': l\'accesso al negozio e i dati della persona vanno persi; gli ordini restano per il fisco, senza nome.</p>',
-        kvOrdiniInCorso($cliente) === 0 ? ''
+        kvOpenOrders($cliente) === 0 ? ''
             : '<p class="avviso errore" role="alert">Ci sono ordini in corso: senza i dati non si possono spedire.</p>',
         '<form method="post" accept-charset="utf-8" action="cliente.php?id=',
         (int) $cliente['id'], '">', boCampoGettone(), '<input type="hidden" name="azione" value="elimina">',

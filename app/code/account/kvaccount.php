@@ -8,19 +8,19 @@ include_once "kvregister.php";
 include_once "kvdati.php";
 
 /** The data of a customer that forms show, by column: the field of the order form and the longest text. */
-const KV_DATI_CLIENTE = [
+const KV_CUSTOMER_DATA = [
     'nome' => ['Nome', 100], 'cognome' => ['Cognome', 100], 'rsoc' => ['RagioneSociale', 200],
     'piva' => ['PartitaIVA', 40], 'indirizzo' => ['Indirizzo', 200], 'cap' => ['CAP', 20], 'citta' => ['Citta', 100],
     'provincia' => ['Provincia', 60], 'paese' => ['Paese', 60], 'telefono' => ['Telefono', 60],
 ];
 
 /** The number of the customer in this session, whether approved or not; 0 for a visitor. */
-function kvClienteSessione(): int
+function kvSessionCustomer(): int
 {
     return $GLOBALS['cliente'] > 0 ? (int) $GLOBALS['cliente'] : (int) $GLOBALS['clienteinattesa'];
 }
 
-function kvRigaCliente(int $id): ?array
+function kvCustomerRow(int $id): ?array
 {
     return $id === 0 ? null : kvRiga('SELECT * FROM kv_clienti WHERE id = ?', [$id]);
 }
@@ -29,231 +29,231 @@ function kvRigaCliente(int $id): ?array
  * The customer's data for the cookie that CaricaDati reads: name=value pairs, percent-coded, joined by "|"; empty for a
  * visitor. A cookie holds about 4000 letters: what would go beyond stays out.
  */
-function kvDatiCliente(int $id): string
+function kvCustomerCookie(int $id): string
 {
-    $riga = kvRigaCliente($id);
-    $coppie = [];
-    $lungo = 0;
-    foreach ($riga === null ? [] : array_merge(array_keys(KV_DATI_CLIENTE), ['email']) as $nome) {
-        $coppia = $nome . '=' . rawurlencode((string) $riga[$nome]);
-        $lungo += strlen($coppia) + 1;
-        if ($lungo < 3800) {
-            $coppie[] = $coppia;
+    $row = kvCustomerRow($id);
+    $pairs = [];
+    $length = 0;
+    foreach ($row === null ? [] : array_merge(array_keys(KV_CUSTOMER_DATA), ['email']) as $name) {
+        $pair = $name . '=' . rawurlencode((string) $row[$name]);
+        $length += strlen($pair) + 1;
+        if ($length < 3800) {
+            $pairs[] = $pair;
         }
     }
-    return implode('|', $coppie);
+    return implode('|', $pairs);
 }
 
 /** Back to the login page with the message of a number. */
-function kvMessaggio(int $numero, string $altro = ''): void
+function kvGoToMessage(int $number, string $other = ''): void
 {
-    kvGoTo("login<<1-IDlingua>>.php?m=" . $numero . $altro);
+    kvGoTo("login<<1-IDlingua>>.php?m=" . $number . $other);
 }
 
 /** Ends with a message when there were too many attempts; else counts one. */
-function kvContaTentativo(string $chiave, string $limite): void
+function kvCountAttemptOrEnd(string $key, string $limit): void
 {
-    if (!kvAdmitAttempt($chiave, $limite)) {
-        kvMessaggio(6);
+    if (!kvAdmitAttempt($key, $limit)) {
+        kvGoToMessage(6);
     }
 }
 
 /** Opens the customer's session under a fresh session number. */
-function kvApriSessione(int $id, string $impronta): void
+function kvOpenSession(int $id, string $hash): void
 {
     session_regenerate_id(true);
     $_SESSION['cliente'] = $id;
-    $_SESSION['segno'] = kvPasswordMark($impronta);
+    $_SESSION['segno'] = kvPasswordMark($hash);
     unset($_SESSION['gettone']);
 }
 
 /** Lets a customer in: on to the shop or to the order, or back with a notice while approval is missing. */
-function kvEntra(int $id, string $impronta, bool $approvato, string $dopo): void
+function kvLogIn(int $id, string $hash, bool $approved, string $after): void
 {
-    kvApriSessione($id, $impronta);
-    if (!$approvato) {
-        kvMessaggio(5);
+    kvOpenSession($id, $hash);
+    if (!$approved) {
+        kvGoToMessage(5);
     }
-    kvGoTo($dopo === 'ordine' ? "order.htm" : "index.htm");
+    kvGoTo($after === 'ordine' ? "order.htm" : "index.htm");
 }
 
 /** Whether a password has a hash; earlier releases made it of Windows-1252. */
-function kvPasswordGiusta(string $pw, string $impronta): bool
+function kvIsRightPassword(string $pw, string $hash): bool
 {
-    return password_verify($pw, $impronta)
-        || (preg_match('/[\x80-\xFF]/', $pw) && password_verify(kvFromUtf8($pw), $impronta));
+    return password_verify($pw, $hash)
+        || (preg_match('/[\x80-\xFF]/', $pw) && password_verify(kvFromUtf8($pw), $hash));
 }
 
 /** Access with address and password. */
-function kvAccesso(string $email, string $pw): void
+function kvAccess(string $email, string $pw): void
 {
-    $chiave = kvAttemptsKey('negozio', $email);
-    $indirizzo = kvAttemptsKey('negozio', '');
-    kvContaTentativo($chiave, 'accessi_conto');
-    kvContaTentativo($indirizzo, 'accessi');
-    $riga = kvRiga('SELECT id, pw, approvato FROM kv_clienti WHERE email = ?', [$email]);
+    $key = kvAttemptsKey('negozio', $email);
+    $address = kvAttemptsKey('negozio', '');
+    kvCountAttemptOrEnd($key, 'accessi_conto');
+    kvCountAttemptOrEnd($address, 'accessi');
+    $row = kvRiga('SELECT id, pw, approvato FROM kv_clienti WHERE email = ?', [$email]);
     // An unknown address is checked against a fixed hash, as costly as PHP makes those of this host, so that both answers
     // take the same time.
-    $impronta = $riga['pw'] ?? sprintf('$2y$%02d$', PASSWORD_BCRYPT_DEFAULT_COST)
+    $hash = $row['pw'] ?? sprintf('$2y$%02d$', PASSWORD_BCRYPT_DEFAULT_COST)
         . 'dHKUwezJEPkiCbbCBpyIyewdj/VZnjbaUhH9QqxTXvkaE04HJYQTe';
-    if (!kvPasswordGiusta($pw, $impronta) || $riga === null) {
-        kvMessaggio(1);
+    if (!kvIsRightPassword($pw, $hash) || $row === null) {
+        kvGoToMessage(1);
     }
-    kvForgetAttempts($chiave);
-    kvForgetAttempt($indirizzo);
-    if (password_needs_rehash($impronta, PASSWORD_DEFAULT)) {
-        $impronta = password_hash($pw, PASSWORD_DEFAULT);
-        kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$impronta, (int) $riga['id']]);
+    kvForgetAttempts($key);
+    kvForgetAttempt($address);
+    if (password_needs_rehash($hash, PASSWORD_DEFAULT)) {
+        $hash = password_hash($pw, PASSWORD_DEFAULT);
+        kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$hash, (int) $row['id']]);
     }
-    kvEntra((int) $riga['id'], $impronta, (bool) $riga['approvato'], kvCampo($_POST, 'dopo', 10));
+    kvLogIn((int) $row['id'], $hash, (bool) $row['approvato'], kvCampo($_POST, 'dopo', 10));
 }
 
 /** The customer's own data. */
-function kvCambiaDati(): void
+function kvChangeData(): void
 {
-    $id = kvClienteSessione();
+    $id = kvSessionCustomer();
     if ($id === 0) {
-        kvMessaggio(4);
+        kvGoToMessage(4);
     }
     kvRequireTables();
-    $colonne = [];
-    $valori = [];
-    foreach (KV_DATI_CLIENTE as $nome => list(, $massimo)) {
-        $colonne[] = $nome . ' = ?';
-        $valori[] = kvLineField($_POST, $nome, $massimo);
+    $columns = [];
+    $values = [];
+    foreach (KV_CUSTOMER_DATA as $name => list(, $most)) {
+        $columns[] = $name . ' = ?';
+        $values[] = kvLineField($_POST, $name, $most);
     }
     if (kvCampo($_POST, 'nome') === '' || kvCampo($_POST, 'cognome') === '') {
-        kvMessaggio(7);
+        kvGoToMessage(7);
     }
-    $valori[] = $id;
-    kvQuery('UPDATE kv_clienti SET ' . implode(', ', $colonne) . ' WHERE id = ?', $valori);
-    kvMessaggio(8);
+    $values[] = $id;
+    kvQuery('UPDATE kv_clienti SET ' . implode(', ', $columns) . ' WHERE id = ?', $values);
+    kvGoToMessage(8);
 }
 
 /** Gives a customer another password; sessions opened with the old one end. Requests for a new one are used up. */
-function kvNuovaPassword(int $id, string $email, string $pw): string
+function kvSetPassword(int $id, string $email, string $pw): string
 {
-    $impronta = password_hash($pw, PASSWORD_DEFAULT);
-    kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$impronta, $id]);
+    $hash = password_hash($pw, PASSWORD_DEFAULT);
+    kvQuery('UPDATE kv_clienti SET pw = ? WHERE id = ?', [$hash, $id]);
     kvQuery("UPDATE kv_richieste SET stato = 'annullata' WHERE email = ? AND stato = 'nuova'", [$email]);
-    return $impronta;
+    return $hash;
 }
 
 /** The customer of the session; ends with a message when there is none. */
-function kvClienteProprio(): array
+function kvOwnCustomer(): array
 {
-    $riga = kvRigaCliente(kvClienteSessione());
-    if ($riga === null) {
-        kvMessaggio(4);
+    $row = kvCustomerRow(kvSessionCustomer());
+    if ($row === null) {
+        kvGoToMessage(4);
     }
-    return $riga;
+    return $row;
 }
 
 /** The customer of the session, who proves to know the password; ends with a message otherwise. */
-function kvClienteSicuro(): array
+function kvProvenCustomer(): array
 {
-    $riga = kvClienteProprio();
-    $chiave = kvAttemptsKey('negozio', $riga['email']);
-    kvContaTentativo($chiave, 'accessi_conto');
-    if (!kvPasswordGiusta(kvPassword('attuale'), $riga['pw'])) {
-        kvMessaggio(1);
+    $row = kvOwnCustomer();
+    $key = kvAttemptsKey('negozio', $row['email']);
+    kvCountAttemptOrEnd($key, 'accessi_conto');
+    if (!kvIsRightPassword(kvPassword('attuale'), $row['pw'])) {
+        kvGoToMessage(1);
     }
-    kvForgetAttempts($chiave);
-    return $riga;
+    kvForgetAttempts($key);
+    return $row;
 }
 
 /** The customer's own data as a file. */
-function kvDatiPropri(): void
+function kvOwnData(): void
 {
-    kvScaricaDati(kvClienteProprio());
+    kvDownloadData(kvOwnCustomer());
 }
 
 /** Deletes the customer of the session, who proves to be it; not while an order needs the address. */
-function kvEliminaAccesso(): void
+function kvDeleteAccount(): void
 {
-    $riga = kvClienteSicuro();
+    $row = kvProvenCustomer();
     if (!isset($_POST['sicuro'])) {
-        kvMessaggio(2);
+        kvGoToMessage(2);
     }
-    if (kvOrdiniInCorso($riga) > 0) {
-        kvMessaggio(16);
+    if (kvOpenOrders($row) > 0) {
+        kvGoToMessage(16);
     }
-    if (!kvEliminaDati($riga)) {
+    if (!kvDeleteData($row)) {
         kvOutOfService();
     }
     $_SESSION = [];
     session_regenerate_id(true);
-    kvMessaggio(15);
+    kvGoToMessage(15);
 }
 
 /** Another password for the customer of the session, who proves to know the old one. */
-function kvCambiaPassword(string $pw): void
+function kvChangePassword(string $pw): void
 {
-    $riga = kvClienteSicuro();
+    $row = kvProvenCustomer();
     if (kvLength($pw) < 8) {
-        kvMessaggio(2);
+        kvGoToMessage(2);
     }
-    $_SESSION['segno'] = kvPasswordMark(kvNuovaPassword((int) $riga['id'], $riga['email'], $pw));
+    $_SESSION['segno'] = kvPasswordMark(kvSetPassword((int) $row['id'], $row['email'], $pw));
     session_regenerate_id(true);
-    kvMessaggio(9);
+    kvGoToMessage(9);
 }
 
 /** A password of the form as it was typed, of at most 100 characters. */
-function kvPassword(string $nome): string
+function kvPassword(string $name): string
 {
-    return isset($_POST[$nome]) && is_string($_POST[$nome]) ? kvCut(kvSentText($_POST[$nome], true), 100) : '';
+    return isset($_POST[$name]) && is_string($_POST[$name]) ? kvCut(kvSentText($_POST[$name], true), 100) : '';
 }
 
 /** Takes the wish for a new password. The answer is the same, and comes as soon, whether the address is known or not. */
-function kvRichiediPassword(string $email): void
+function kvRequestPassword(string $email): void
 {
-    kvContaTentativo(kvAccountKey('richiesta', $email), 'richieste_email');
-    kvContaTentativo(kvAttemptsKey('richiesta', ''), 'richieste');
-    kvAfterResponse(fn() => kvMandaPassword($email));
-    kvMessaggio(10);
+    kvCountAttemptOrEnd(kvAccountKey('richiesta', $email), 'richieste_email');
+    kvCountAttemptOrEnd(kvAttemptsKey('richiesta', ''), 'richieste');
+    kvAfterResponse(fn() => kvMailPassword($email));
+    kvGoToMessage(10);
 }
 
 /** Mails a link with a token that is good once, for an hour; the database holds its hash alone. */
-function kvMandaPassword(string $email): void
+function kvMailPassword(string $email): void
 {
     if (!kvIndirizzoValido($email) || kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) === null) {
         return;
     }
-    $gettone = bin2hex(random_bytes(24));
+    $token = bin2hex(random_bytes(24));
     kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
-        . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $gettone)]);
-    $negozio = kvMittente();
-    kvMail($email, $negozio['email'], $negozio['nome'] . ' - ' . kvUtf8("<<4-password_richiesta>>"),
-        kvUtf8("<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$gettone\r\n\r\n")
-        . $negozio['firma']);
+        . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $token)]);
+    $shop = kvMittente();
+    kvMail($email, $shop['email'], $shop['nome'] . ' - ' . kvUtf8("<<4-password_richiesta>>"),
+        kvUtf8("<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$token\r\n\r\n")
+        . $shop['firma']);
 }
 
 /** The address of the request that a token belongs to; empty when it is unknown, used or too old. */
-function kvRichiestaValida(string $gettone): string
+function kvValidRequest(string $token): string
 {
-    $riga = preg_match('/^[0-9a-f]{48}$/D', $gettone) ? kvRiga("SELECT email FROM kv_richieste WHERE gettone = ?"
-        . " AND stato = 'nuova' AND scade > NOW()", [hash('sha256', $gettone)]) : null;
-    return $riga === null ? '' : (string) $riga['email'];
+    $row = preg_match('/^[0-9a-f]{48}$/D', $token) ? kvRiga("SELECT email FROM kv_richieste WHERE gettone = ?"
+        . " AND stato = 'nuova' AND scade > NOW()", [hash('sha256', $token)]) : null;
+    return $row === null ? '' : (string) $row['email'];
 }
 
 /** The end of a request: the new password, if the token is good, and the customer is in. */
-function kvRipristina(string $gettone, string $pw): void
+function kvResetPassword(string $token, string $pw): void
 {
-    kvContaTentativo(kvAttemptsKey('ripristino', ''), 'collegamenti');
-    $email = kvRichiestaValida($gettone);
+    kvCountAttemptOrEnd(kvAttemptsKey('ripristino', ''), 'collegamenti');
+    $email = kvValidRequest($token);
     if ($email === '') {
-        kvMessaggio(12);
+        kvGoToMessage(12);
     }
     if (kvLength($pw) < 8) {
-        kvMessaggio(2, '&g=' . $gettone);
+        kvGoToMessage(2, '&g=' . $token);
     }
-    $riga = kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
-    kvQuery("UPDATE kv_richieste SET stato = 'usata' WHERE gettone = ? AND stato = 'nuova'", [hash('sha256', $gettone)]);
-    if (kvRigheToccate() !== 1 || $riga === null) {
-        kvMessaggio(12);
+    $row = kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
+    kvQuery("UPDATE kv_richieste SET stato = 'usata' WHERE gettone = ? AND stato = 'nuova'", [hash('sha256', $token)]);
+    if (kvRigheToccate() !== 1 || $row === null) {
+        kvGoToMessage(12);
     }
     kvRequireTables();
-    kvQuery('UPDATE kv_clienti SET provato = 1 WHERE id = ?', [(int) $riga['id']]);
-    kvApriSessione((int) $riga['id'], kvNuovaPassword((int) $riga['id'], $email, $pw));
-    kvMessaggio(9);
+    kvQuery('UPDATE kv_clienti SET provato = 1 WHERE id = ?', [(int) $row['id']]);
+    kvOpenSession((int) $row['id'], kvSetPassword((int) $row['id'], $email, $pw));
+    kvGoToMessage(9);
 }

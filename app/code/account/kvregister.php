@@ -4,76 +4,76 @@
 // an account's address is proven, and the answer to the form is the same, in the same time, whether it is known or not.
 
 /** Takes the registration form. What differs for a known address happens when the visitor has the answer already. */
-function kvRegistrazione(string $email, string $pw): void
+function kvRegister(string $email, string $pw): void
 {
-    kvContaTentativo(kvAttemptsKey('registrazione', ''), 'registrazioni');
-    kvRefusePrograms('kvMessaggio', 14);
-    $nome = kvLineField($_POST, 'nome', 100);
-    $cognome = kvLineField($_POST, 'cognome', 100);
-    if (!kvIndirizzoValido($email) || kvLength($pw) < 8 || $nome === '' || $cognome === '' || !isset($_POST['privacy'])) {
-        kvMessaggio(2);
+    kvCountAttemptOrEnd(kvAttemptsKey('registrazione', ''), 'registrazioni');
+    kvRefusePrograms('kvGoToMessage', 14);
+    $name = kvLineField($_POST, 'nome', 100);
+    $surname = kvLineField($_POST, 'cognome', 100);
+    if (!kvIndirizzoValido($email) || kvLength($pw) < 8 || $name === '' || $surname === '' || !isset($_POST['privacy'])) {
+        kvGoToMessage(2);
     }
-    kvContaTentativo(kvAccountKey('registrazione', $email), 'registrazioni_email');
-    $dati = ['nome' => $nome, 'cognome' => $cognome, 'pw' => password_hash($pw, PASSWORD_DEFAULT),
+    kvCountAttemptOrEnd(kvAccountKey('registrazione', $email), 'registrazioni_email');
+    $data = ['nome' => $name, 'cognome' => $surname, 'pw' => password_hash($pw, PASSWORD_DEFAULT),
         'dopo' => kvCampo($_POST, 'dopo', 10)];
-    kvAfterResponse(fn() => kvMandaRegistrazione($email, $dati));
-    kvMessaggio(13);
+    kvAfterResponse(fn() => kvMailRegistration($email, $data));
+    kvGoToMessage(13);
 }
 
 /** Mails the link that ends a registration; to a known address, that it has an account already. */
-function kvMandaRegistrazione(string $email, array $dati): void
+function kvMailRegistration(string $email, array $data): void
 {
     kvRequireTables();
-    $negozio = kvMittente();
-    $oggetto = $negozio['nome'] . ' - ' . kvUtf8("<<4-registrazione_titolo>>");
-    $pagina = kvUtf8("<<1-perl_shopURL>>/login<<1-IDlingua>>.php");
+    $shop = kvMittente();
+    $subject = $shop['nome'] . ' - ' . kvUtf8("<<4-registrazione_titolo>>");
+    $page = kvUtf8("<<1-perl_shopURL>>/login<<1-IDlingua>>.php");
     if (kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) !== null) {
-        kvMail($email, $negozio['email'], $oggetto, kvUtf8("<<4-registrazione_doppia>>") . "\r\n\r\n$pagina\r\n\r\n"
-            . $negozio['firma']);
+        kvMail($email, $shop['email'], $subject, kvUtf8("<<4-registrazione_doppia>>") . "\r\n\r\n$page\r\n\r\n"
+            . $shop['firma']);
         return;
     }
-    $gettone = bin2hex(random_bytes(24));
+    $token = bin2hex(random_bytes(24));
     kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato, dati)'
         . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 DAY, 'registrazione', ?)",
-        [$email, hash('sha256', $gettone), (string) json_encode($dati)]);
-    kvMail($email, $negozio['email'], $oggetto, kvUtf8("<<4-registrazione_istruzioni>>") . "\r\n\r\n$pagina?r=$gettone\r\n\r\n"
-        . $negozio['firma']);
+        [$email, hash('sha256', $token), (string) json_encode($data)]);
+    kvMail($email, $shop['email'], $subject, kvUtf8("<<4-registrazione_istruzioni>>") . "\r\n\r\n$page?r=$token\r\n\r\n"
+        . $shop['firma']);
 }
 
 /** The registration that a token belongs to: email and dati; null when it is unknown, used or too old. */
-function kvRegistrazioneValida(string $gettone): ?array
+function kvValidRegistration(string $token): ?array
 {
-    $riga = preg_match('/^[0-9a-f]{48}$/D', $gettone) ? kvRiga("SELECT email, dati FROM kv_richieste WHERE gettone = ?"
-        . " AND stato = 'registrazione' AND scade > NOW()", [hash('sha256', $gettone)]) : null;
-    $dati = json_decode((string) ($riga['dati'] ?? ''), true);
-    return is_array($dati) ? ['email' => (string) $riga['email'], 'dati' => $dati] : null;
+    $row = preg_match('/^[0-9a-f]{48}$/D', $token) ? kvRiga("SELECT email, dati FROM kv_richieste WHERE gettone = ?"
+        . " AND stato = 'registrazione' AND scade > NOW()", [hash('sha256', $token)]) : null;
+    $data = json_decode((string) ($row['dati'] ?? ''), true);
+    return is_array($data) ? ['email' => (string) $row['email'], 'dati' => $data] : null;
 }
 
 /** Ends a registration: the account is made, and its owner let in unless prices are for approved customers alone. */
-function kvConfermaRegistrazione(string $gettone): void
+function kvConfirmRegistration(string $token): void
 {
     global $regpr;
-    kvContaTentativo(kvAttemptsKey('ripristino', ''), 'collegamenti');
-    $richiesta = kvRegistrazioneValida($gettone);
+    kvCountAttemptOrEnd(kvAttemptsKey('ripristino', ''), 'collegamenti');
+    $request = kvValidRegistration($token);
     kvQuery("UPDATE kv_richieste SET stato = 'registrata', dati = '' WHERE gettone = ? AND stato = 'registrazione'",
-        [hash('sha256', $gettone)]);
-    if ($richiesta === null || kvRigheToccate() !== 1) {
-        kvMessaggio(12);
+        [hash('sha256', $token)]);
+    if ($request === null || kvRigheToccate() !== 1) {
+        kvGoToMessage(12);
     }
-    list('email' => $email, 'dati' => $dati) = $richiesta;
-    $approvato = $regpr ? 0 : 1;
+    list('email' => $email, 'dati' => $data) = $request;
+    $approved = $regpr ? 0 : 1;
     kvRequireTables();
-    $esito = kvQuery('INSERT INTO kv_clienti (email, pw, nome, cognome, approvato, provato, lingua, creato)'
+    $result = kvQuery('INSERT INTO kv_clienti (email, pw, nome, cognome, approvato, provato, lingua, creato)'
         . ' VALUES (?, ?, ?, ?, ?, 1, ?, NOW())',
-        [$email, (string) $dati['pw'], (string) $dati['nome'], (string) $dati['cognome'], $approvato, "<<1-IDlingua>>"]);
-    $riga = $esito === null ? null : kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
-    if ($riga === null) {
-        kvMessaggio(3);
+        [$email, (string) $data['pw'], (string) $data['nome'], (string) $data['cognome'], $approved, "<<1-IDlingua>>"]);
+    $row = $result === null ? null : kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]);
+    if ($row === null) {
+        kvGoToMessage(3);
     }
-    if (!$approvato) {
-        $negozio = kvMittente();
-        kvMail($negozio['email'], $negozio['email'], $negozio['nome'] . ' - ' . kvUtf8("<<4-cliente_in_attesa>>"),
-            kvUtf8("<<4-cliente_in_attesa>>: ") . "$dati[nome] $dati[cognome], $email", $email);
+    if (!$approved) {
+        $shop = kvMittente();
+        kvMail($shop['email'], $shop['email'], $shop['nome'] . ' - ' . kvUtf8("<<4-cliente_in_attesa>>"),
+            kvUtf8("<<4-cliente_in_attesa>>: ") . "$data[nome] $data[cognome], $email", $email);
     }
-    kvEntra((int) $riga['id'], (string) $dati['pw'], (bool) $approvato, (string) $dati['dopo']);
+    kvLogIn((int) $row['id'], (string) $data['pw'], (bool) $approved, (string) $data['dopo']);
 }

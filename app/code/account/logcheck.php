@@ -6,37 +6,37 @@ include "funcs.php";
 include_once "kvaccount.php";
 
 if ($_SERVER['REQUEST_METHOD'] !== 'POST' || !kvIsTokenValid()) {
-    kvMessaggio(4);
+    kvGoToMessage(4);
 }
 $kvEmail = strtolower(kvLineField($_POST, 'email', 190));
 $kvPw = kvPassword('pw');
 switch (kvCampo($_POST, 'azione', 20)) {
     case 'entra':
-        kvAccesso($kvEmail, $kvPw);
+        kvAccess($kvEmail, $kvPw);
         break;
     case 'registra':
-        kvRegistrazione($kvEmail, $kvPw);
+        kvRegister($kvEmail, $kvPw);
         break;
     case 'conferma':
-        kvConfermaRegistrazione(kvCampo($_POST, 'r', 64));
+        kvConfirmRegistration(kvCampo($_POST, 'r', 64));
         break;
     case 'dati':
-        kvCambiaDati();
+        kvChangeData();
         break;
     case 'password':
-        kvCambiaPassword($kvPw);
+        kvChangePassword($kvPw);
         break;
     case 'esporta':
-        kvDatiPropri();
+        kvOwnData();
         break;
     case 'elimina':
-        kvEliminaAccesso();
+        kvDeleteAccount();
         break;
     case 'richiedi':
-        kvRichiediPassword($kvEmail);
+        kvRequestPassword($kvEmail);
         break;
     case 'ripristina':
-        kvRipristina(kvCampo($_POST, 'g', 64), $kvPw);
+        kvResetPassword(kvCampo($_POST, 'g', 64), $kvPw);
         break;
     case 'esci':
         $_SESSION = [];
@@ -44,5 +44,5 @@ switch (kvCampo($_POST, 'azione', 20)) {
         kvGoTo("index.htm");
         break;
     default:
-        kvMessaggio(4);
+        kvGoToMessage(4);
 }

@@ -7,12 +7,12 @@ if (!defined('KORVANE_SHOP')) {
     exit;
 }
 include_once "kvaccount.php";
-$kvOwn = kvRigaCliente(kvClienteSessione());
-$kvMailToken = kvRichiestaValida(kvCampo($HTTP_GET_VARS, 'g', 64)) === '' ? '' : kvCampo($HTTP_GET_VARS, 'g', 64);
+$kvOwn = kvCustomerRow(kvSessionCustomer());
+$kvMailToken = kvValidRequest(kvCampo($HTTP_GET_VARS, 'g', 64)) === '' ? '' : kvCampo($HTTP_GET_VARS, 'g', 64);
 $kvAfter = in_array((int) kvCampo($HTTP_GET_VARS, 'm', 4), [23], true) ? 'ordine' : '';
 $kvHidden = '<input type="hidden" name="_charset_"><input type="hidden" name="gettone" value="' . kvGettone() . '">'
     . '<input type="hidden" name="dopo" value="' . $kvAfter . '">';
-$kvAccountToken = kvRegistrazioneValida(kvCampo($HTTP_GET_VARS, 'r', 64)) === null ? '' : kvCampo($HTTP_GET_VARS, 'r', 64);
+$kvAccountToken = kvValidRegistration(kvCampo($HTTP_GET_VARS, 'r', 64)) === null ? '' : kvCampo($HTTP_GET_VARS, 'r', 64);
 if ($kvAccountToken !== '') {
 ?>
 <form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
@@ -53,7 +53,7 @@ if ($kvAccountToken !== '') {
 <input type="hidden" name="azione" value="esci">
 <p><button type="submit"><<4-esci>></button> <a href="<?php echo $home; ?>"><<4-torna_al_negozio>></a></p>
 </form>
-<?php include_once "kvstorico.php"; echo kvStorico((int) $cliente); ?>
+<?php include_once "kvstorico.php"; echo kvOrderHistory((int) $cliente); ?>
 <div class="colonne">
 <form class="modulo" method="post" action="logcheck.php" accept-charset="utf-8">
 <h2><<4-dati_cliente>></h2>
@@ -61,7 +61,7 @@ if ($kvAccountToken !== '') {
 <input type="hidden" name="azione" value="dati">
 <?php foreach ($kvLabels as $kvName => $kvLabel) { ?>
 <label><?php echo kvHtml($kvLabel); ?> <input name="<?php echo $kvName; ?>" maxlength="<?php
-    echo KV_DATI_CLIENTE[$kvName][1]; ?>" autocomplete="<?php echo $kvAutocomplete[$kvName]; ?>" value="<?php
+    echo KV_CUSTOMER_DATA[$kvName][1]; ?>" autocomplete="<?php echo $kvAutocomplete[$kvName]; ?>" value="<?php
     echo kvHtmlUtf8($kvOwn[$kvName]); ?>"<?php echo $kvName === 'nome' || $kvName === 'cognome' ? ' required' : ''; ?>></label>
 <?php } ?>
 <p><button type="submit"><<4-salva>></button></p>

@@ -81,7 +81,7 @@ if (isset($_POST['compra'])) {
     $kvRefusal = kvAddToCart($kvEntries);
 } elseif (isset($_POST['ripeti'])) {
     include_once "kvstorico.php";
-    $kvRefusal = kvRipeti($kvEntries, kvCampo($_POST, 'ripeti', 20), (int) $cliente);
+    $kvRefusal = kvRepeatOrder($kvEntries, kvCampo($_POST, 'ripeti', 20), (int) $cliente);
 } else {
     $kvEntries = kvChangeLines($kvEntries);
 }

@@ -337,7 +337,7 @@ function kvPasswordMark(string $hash): string
 function LoadDatiCliente(): string
 {
     include_once "kvaccount.php";
-    return kvDatiCliente((int) $GLOBALS['cliente']);
+    return kvCustomerCookie((int) $GLOBALS['cliente']);
 }
 
 /**
