@@ -66,7 +66,7 @@ function boRiempi(string $testo, array $ordine): string
 {
     return strtr($testo, ['{codice}' => $ordine['codice'], '{data}' => boData($ordine['creato'], false),
         '{totale}' => trim($ordine['valuta']) . ' ' . boDecimale($ordine['totale']),
-        '{negozio}' => kvMittente()['nome']]);
+        '{negozio}' => kvSender()['nome']]);
 }
 
 /**
@@ -84,7 +84,7 @@ function boScriviStato(array $ordine, string $stato, string $proprio): string
     if ($testo['testo'] === '' || $ordine['email'] === '') {
         return '';
     }
-    $negozio = kvMittente();
+    $negozio = kvSender();
     $corpo = preg_replace('/\r?\n/', "\r\n", boRiempi($testo['testo'], $ordine)) . "\r\n\r\n" . $negozio['firma'];
     $partito = kvMail($ordine['email'], $negozio['email'],
         $negozio['nome'] . ' - ' . boRiempi($testo['oggetto'], $ordine), $corpo);

@@ -15,7 +15,7 @@ function boInviaRichiesta(array $cliente): bool
     kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
         . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$cliente['email'], hash('sha256', $gettone)]);
     $lingua = preg_match('/^_l[2-4]$/D', $cliente['lingua']) ? $cliente['lingua'] : '';
-    $negozio = kvMittente();
+    $negozio = kvSender();
     // The back office is made once for all languages of the shop, so its mail speaks two.
     return kvMail($cliente['email'], $negozio['email'], $negozio['nome'] . ' - Password',
         "Per scegliere una nuova password aprire questo indirizzo entro un'ora.\r\n"

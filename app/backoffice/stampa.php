@@ -13,7 +13,7 @@ const BO_STAMPE = ['ordine' => ['Ordine', true], 'consegna' => ['Documento di co
 /** The shop as it signs its mails, else its name alone. */
 function boMittenteStampa(): string
 {
-    $negozio = kvMittente();
+    $negozio = kvSender();
     $firma = trim($negozio['firma']);
     $nome = strpos($firma, $negozio['nome']) === 0 ? '' : $negozio['nome'] . "\n";
     return '<p>' . nl2br(kvHtmlUtf8(trim($nome . $firma))) . '</p>';

@@ -72,9 +72,9 @@ runTests([
         return array_map(fn($l) => kvMostPieces($l, kvWantedPieces($lines), ['A1' => 3, 'Ox' => 5]), $lines);
     })()],
     'ANewLineInASubjectOpensNoHeader' => fn() => ['=?UTF-8?B?' . base64_encode('a Bcc: x@y.zz') . '?=',
-        kvTestoIntestazione("a\r\nBcc: x@y.zz")],
+        kvHeaderText("a\r\nBcc: x@y.zz")],
     'ALongSubjectIsCutIntoWordsOfSeventyFive' => fn() => [true, max(array_map('strlen',
-        explode("\r\n ", kvTestoIntestazione(str_repeat("\u{3B8}", 200))))) <= 75],
-    'AnAddressWithASecondHeaderIsNone' => fn() => [false, kvIndirizzoValido("a@b.it\r\nBcc: c@d.it")],
-    'TheMerchantsMailTextIsFilled' => fn() => ["Ordine C1 di EUR 9,00\r\nR\r\n", kvTestoMail('C1', '9,00', 'R')],
+        explode("\r\n ", kvHeaderText(str_repeat("\u{3B8}", 200))))) <= 75],
+    'AnAddressWithASecondHeaderIsNone' => fn() => [false, kvIsValidAddress("a@b.it\r\nBcc: c@d.it")],
+    'TheMerchantsMailTextIsFilled' => fn() => ["Ordine C1 di EUR 9,00\r\nR\r\n", kvMailText('C1', '9,00', 'R')],
 ]);

@@ -216,13 +216,13 @@ function kvRequestPassword(string $email): void
 /** Mails a link with a token that is good once, for an hour; the database holds its hash alone. */
 function kvMailPassword(string $email): void
 {
-    if (!kvIndirizzoValido($email) || kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) === null) {
+    if (!kvIsValidAddress($email) || kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) === null) {
         return;
     }
     $token = bin2hex(random_bytes(24));
     kvQuery('INSERT INTO kv_richieste (email, creato, gettone, scade, stato)'
         . " VALUES (?, NOW(), ?, NOW() + INTERVAL 1 HOUR, 'nuova')", [$email, hash('sha256', $token)]);
-    $shop = kvMittente();
+    $shop = kvSender();
     kvMail($email, $shop['email'], $shop['nome'] . ' - ' . kvUtf8("<<4-password_richiesta>>"),
         kvUtf8("<<4-password_istruzioni>>\r\n\r\n<<1-perl_shopURL>>/login<<1-IDlingua>>.php?g=$token\r\n\r\n")
         . $shop['firma']);

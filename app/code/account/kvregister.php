@@ -10,7 +10,7 @@ function kvRegister(string $email, string $pw): void
     kvRefusePrograms('kvGoToMessage', 14);
     $name = kvLineField($_POST, 'nome', 100);
     $surname = kvLineField($_POST, 'cognome', 100);
-    if (!kvIndirizzoValido($email) || kvLength($pw) < 8 || $name === '' || $surname === '' || !isset($_POST['privacy'])) {
+    if (!kvIsValidAddress($email) || kvLength($pw) < 8 || $name === '' || $surname === '' || !isset($_POST['privacy'])) {
         kvGoToMessage(2);
     }
     kvCountAttemptOrEnd(kvAccountKey('registrazione', $email), 'registrazioni_email');
@@ -24,7 +24,7 @@ function kvRegister(string $email, string $pw): void
 function kvMailRegistration(string $email, array $data): void
 {
     kvRequireTables();
-    $shop = kvMittente();
+    $shop = kvSender();
     $subject = $shop['nome'] . ' - ' . kvUtf8("<<4-registrazione_titolo>>");
     $page = kvUtf8("<<1-perl_shopURL>>/login<<1-IDlingua>>.php");
     if (kvRiga('SELECT id FROM kv_clienti WHERE email = ?', [$email]) !== null) {
@@ -71,7 +71,7 @@ function kvConfirmRegistration(string $token): void
         kvGoToMessage(3);
     }
     if (!$approved) {
-        $shop = kvMittente();
+        $shop = kvSender();
         kvMail($shop['email'], $shop['email'], $shop['nome'] . ' - ' . kvUtf8("<<4-cliente_in_attesa>>"),
             kvUtf8("<<4-cliente_in_attesa>>: ") . "$data[nome] $data[cognome], $email", $email);
     }

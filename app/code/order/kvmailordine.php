@@ -5,27 +5,27 @@
 include_once "kvmailparti.php";
 
 /** One line of a table of amounts. */
-function kvRigaTabella(string $nome, string $importo, string $elemento = 'td'): string
+function kvTableRow(string $name, string $amount, string $element = 'td'): string
 {
-    return '<tr><td>' . $nome . "</td><$elemento style=\"text-align: right; vertical-align: top; white-space: nowrap\">"
-        . $importo . "</$elemento></tr>\n";
+    return '<tr><td>' . $name . "</td><$element style=\"text-align: right; vertical-align: top; white-space: nowrap\">"
+        . $amount . "</$element></tr>\n";
 }
 
 /** Lines and totals of an order as a table of HTML in UTF-8; all amounts are in smallest units. */
-function kvTabellaOrdine(array $righe, array $totali): string
+function kvOrderTable(array $lines, array $totals): string
 {
-    $importo = fn(int $minimi): string => kvHtmlMail(kvUtf8(kvUnitsText($minimi)));
+    $amount = fn(int $units): string => kvMailHtml(kvUtf8(kvUnitsText($units)));
     $html = '<table cellpadding="4">' . "\n";
-    foreach ($righe as $riga) {
-        $scelte = $riga['scelte'] === '' ? '' : '<br><small>' . kvHtmlMail(kvUtf8($riga['scelte'])) . '</small>';
-        $html .= kvRigaTabella($riga['quantita'] . ' &times; ' . kvHtmlMail(kvUtf8($riga['testo'])) . $scelte,
-            $importo($riga['importo'] * $riga['quantita']));
+    foreach ($lines as $line) {
+        $choices = $line['scelte'] === '' ? '' : '<br><small>' . kvMailHtml(kvUtf8($line['scelte'])) . '</small>';
+        $html .= kvTableRow($line['quantita'] . ' &times; ' . kvMailHtml(kvUtf8($line['testo'])) . $choices,
+            $amount($line['importo'] * $line['quantita']));
     }
-    foreach (kvVociConto($totali) as list($nome, $valore)) {
-        $html .= kvRigaTabella(kvHtmlMail(kvUtf8($nome)), $importo($valore));
+    foreach (kvAccountEntries($totals) as list($name, $value)) {
+        $html .= kvTableRow(kvMailHtml(kvUtf8($name)), $amount($value));
     }
-    return $html . kvRigaTabella('<strong>' . kvHtmlMail(kvUtf8("<<4-carrello_totale>>")) . '</strong>',
-        $importo($totali['totale']), 'th') . "</table>\n";
+    return $html . kvTableRow('<strong>' . kvMailHtml(kvUtf8("<<4-carrello_totale>>")) . '</strong>',
+        $amount($totals['totale']), 'th') . "</table>\n";
 }
 
 /**
@@ -33,25 +33,25 @@ function kvTabellaOrdine(array $righe, array $totali): string
  * label), destinatario and note (what was typed), conto and tabella (lines and totals as text and as HTML), coda (what
  * follows them). An address that nobody has proven gets nothing that was typed: it could be words for a stranger.
  */
-function kvMailOrdine(array $ordine): void
+function kvMailOrder(array $order): void
 {
-    $negozio = kvMittente();
-    $codice = $ordine['codice'];
-    $oggetto = $negozio['nome'] . ' - ' . kvUtf8("<<4-ordine_titolo>> ") . $codice;
-    $tutto = $ordine['destinatario'] . "\r\n" . $ordine['conto'] . $ordine['coda'] . $ordine['note'];
-    $proprio = $tutto;
-    if (!kvIndirizzoProvato($ordine['email'])) {
-        list($ordine['destinatario'], $ordine['note'], $proprio) = ['', '', $ordine['conto'] . $ordine['coda']];
+    $shop = kvSender();
+    $code = $order['codice'];
+    $subject = $shop['nome'] . ' - ' . kvUtf8("<<4-ordine_titolo>> ") . $code;
+    $all = $order['destinatario'] . "\r\n" . $order['conto'] . $order['coda'] . $order['note'];
+    $own = $all;
+    if (!kvIsProvenAddress($order['email'])) {
+        list($order['destinatario'], $order['note'], $own) = ['', '', $order['conto'] . $order['coda']];
     }
-    $allegati = kvDocumenti();
-    $fine = "\r\n" . kvUtf8(($allegati === [] ? '' : "<<4-mail_allegati>>\r\n") . "<<4-mail_recesso>> "
-        . kvIndirizzo("kvrecesso.php")) . "\r\n\r\n" . $negozio['firma'];
+    $attachments = kvDocuments();
+    $end = "\r\n" . kvUtf8(($attachments === [] ? '' : "<<4-mail_allegati>>\r\n") . "<<4-mail_recesso>> "
+        . kvIndirizzo("kvrecesso.php")) . "\r\n\r\n" . $shop['firma'];
     // The summary stands within the merchant's words: in HTML it is a table, which cuts them in two.
-    $riepilogo = kvParagrafiMail($ordine['destinatario']) . $ordine['tabella'] . kvParagrafiMail($ordine['coda'] . $ordine['note']);
-    $pezzi = explode("\1", kvTestoMail($codice, $ordine['importo'], "\1") . "\r\n\r\n" . $fine);
-    kvMailParti(['a' => $ordine['email'], 'da' => $negozio['email'], 'oggetto' => $oggetto,
-        'testo' => kvTestoMail($codice, $ordine['importo'], $proprio) . $fine,
-        'html' => kvPaginaMail($oggetto, implode($riepilogo, array_map('kvParagrafiMail', $pezzi))), 'allegati' => $allegati]);
-    kvMail($negozio['email'], $negozio['email'], $oggetto, kvUtf8("<<4-ordine_codice>>: ") . "$codice\r\n\r\n" . $tutto,
-        $ordine['email']);
+    $summary = kvMailParagraphs($order['destinatario']) . $order['tabella'] . kvMailParagraphs($order['coda'] . $order['note']);
+    $pieces = explode("\1", kvMailText($code, $order['importo'], "\1") . "\r\n\r\n" . $end);
+    kvSendMailParts(['a' => $order['email'], 'da' => $shop['email'], 'oggetto' => $subject,
+        'testo' => kvMailText($code, $order['importo'], $own) . $end,
+        'html' => kvMailPage($subject, implode($summary, array_map('kvMailParagraphs', $pieces))), 'allegati' => $attachments]);
+    kvMail($shop['email'], $shop['email'], $subject, kvUtf8("<<4-ordine_codice>>: ") . "$code\r\n\r\n" . $all,
+        $order['email']);
 }

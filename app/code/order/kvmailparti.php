@@ -6,90 +6,90 @@ include_once "kvmail.php";
 include_once "kvhtml.php";
 
 /** An UTF-8 text as HTML of a mail. */
-function kvHtmlMail(string $testo): string
+function kvMailHtml(string $text): string
 {
-    return htmlspecialchars($testo, ENT_QUOTES | ENT_SUBSTITUTE, 'UTF-8');
+    return htmlspecialchars($text, ENT_QUOTES | ENT_SUBSTITUTE, 'UTF-8');
 }
 
 /** Plain text as paragraphs of HTML: an empty line parts them, addresses become links. */
-function kvParagrafiMail(string $testo): string
+function kvMailParagraphs(string $text): string
 {
     $html = '';
-    foreach (preg_split('/(?:\r?\n){2,}/', trim($testo), -1, PREG_SPLIT_NO_EMPTY) as $paragrafo) {
+    foreach (preg_split('/(?:\r?\n){2,}/', trim($text), -1, PREG_SPLIT_NO_EMPTY) as $paragraph) {
         $html .= '<p>' . preg_replace(['~https?://[^\s<]+~', '/\r?\n/'], ['<a href="$0">$0</a>', "<br>\n"],
-            kvHtmlMail($paragrafo)) . "</p>\n";
+            kvMailHtml($paragraph)) . "</p>\n";
     }
     return $html;
 }
 
 /** A whole document of HTML in UTF-8, in the language of the page. */
-function kvPaginaMail(string $titolo, string $corpo): string
+function kvMailPage(string $title, string $body): string
 {
     return "<!DOCTYPE html>\n<html lang=\"<<4-codice_lingua>>\">\n<head>\n<meta charset=\"utf-8\">\n<title>"
-        . kvHtmlMail($titolo) . "</title>\n</head>\n<body>\n" . $corpo . "</body>\n</html>\n";
+        . kvMailHtml($title) . "</title>\n</head>\n<body>\n" . $body . "</body>\n</html>\n";
 }
 
 /** One part of a mail, in Base64; with a name it is an attached file. */
-function kvParteMail(string $tipo, string $contenuto, string $nome = ''): string
+function kvMailPart(string $kind, string $content, string $name = ''): string
 {
     // A reader that knows no coded names takes the plain one of the type.
-    $semplice = preg_replace('/[^A-Za-z0-9._-]+/', '-', kvFold($nome));
-    return "Content-Type: $tipo; charset=utf-8" . ($nome === '' ? '' : ";\r\n name=\"$semplice\"\r\nContent-Disposition: attachment;"
-        . "\r\n filename*=UTF-8''" . rawurlencode($nome)) . "\r\nContent-Transfer-Encoding: base64\r\n\r\n"
-        . chunk_split(base64_encode($contenuto));
+    $plain = preg_replace('/[^A-Za-z0-9._-]+/', '-', kvFold($name));
+    return "Content-Type: $kind; charset=utf-8" . ($name === '' ? '' : ";\r\n name=\"$plain\"\r\nContent-Disposition: attachment;"
+        . "\r\n filename*=UTF-8''" . rawurlencode($name)) . "\r\nContent-Transfer-Encoding: base64\r\n\r\n"
+        . chunk_split(base64_encode($content));
 }
 
 /** Parts one after the other between their boundaries: the type of the whole, and its body. */
-function kvInsiemeMail(string $genere, array $parti): array
+function kvMailParts(string $type, array $parts): array
 {
-    $confine = '=_' . bin2hex(random_bytes(12));
-    return ["multipart/$genere; boundary=\"$confine\"",
-        "--$confine\r\n" . implode("\r\n--$confine\r\n", $parti) . "\r\n--$confine--\r\n"];
+    $boundary = '=_' . bin2hex(random_bytes(12));
+    return ["multipart/$type; boundary=\"$boundary\"",
+        "--$boundary\r\n" . implode("\r\n--$boundary\r\n", $parts) . "\r\n--$boundary--\r\n"];
 }
 
 /**
- * Sends a mail of text and HTML with files. mail: a, da, oggetto, rispondi as for kvSpedisci; testo, html (a document), allegati (name =>
+ * Sends a mail of text and HTML with files. mail: a, da, oggetto, rispondi as for kvSendMail; testo, html (a document), allegati (name =>
  * document of HTML).
  */
-function kvMailParti(array $mail): bool
+function kvSendMailParts(array $mail): bool
 {
-    list($tipo, $corpo) = kvInsiemeMail('alternative',
-        [kvParteMail('text/plain', $mail['testo']), kvParteMail('text/html', $mail['html'])]);
-    $parti = ["Content-Type: $tipo\r\n\r\n$corpo"];
-    foreach ($mail['allegati'] ?? [] as $nome => $documento) {
-        $parti[] = kvParteMail('text/html', $documento, (string) $nome);
+    list($kind, $body) = kvMailParts('alternative',
+        [kvMailPart('text/plain', $mail['testo']), kvMailPart('text/html', $mail['html'])]);
+    $parts = ["Content-Type: $kind\r\n\r\n$body"];
+    foreach ($mail['allegati'] ?? [] as $name => $document) {
+        $parts[] = kvMailPart('text/html', $document, (string) $name);
     }
-    list($tipo, $corpo) = count($parti) === 1 ? [$tipo, $corpo] : kvInsiemeMail('mixed', $parti);
-    return kvSpedisci($mail, ["Content-Type: $tipo"], rtrim($corpo));
+    list($kind, $body) = count($parts) === 1 ? [$kind, $body] : kvMailParts('mixed', $parts);
+    return kvSendMail($mail, ["Content-Type: $kind"], rtrim($body));
 }
 
 /** A text of the merchant as a document, from what its tag holds; empty when the merchant wrote none. */
-function kvDocumento(string $titolo, string $testo, string $coda = ''): string
+function kvDocument(string $title, string $text, string $tail = ''): string
 {
-    $testo = kvTesto($testo);
-    $titolo = kvUtf8($titolo);
+    $text = kvTesto($text);
+    $title = kvUtf8($title);
     // References stay what they are: they would mean something else as characters of HTML.
-    return trim(strip_tags($testo)) === '' ? ''
-        : kvPaginaMail($titolo, '<h1>' . kvHtmlMail($titolo) . "</h1>\n" . kvFromCp1252($testo) . $coda);
+    return trim(strip_tags($text)) === '' ? ''
+        : kvMailPage($title, '<h1>' . kvMailHtml($title) . "</h1>\n" . kvFromCp1252($text) . $tail);
 }
 
 /** The terms and the instruction on withdrawal as files that the buyer keeps. Source: directive 2011/83/EU, article 8(7). */
-function kvDocumenti(): array
+function kvDocuments(): array
 {
-    $qui = kvHtmlMail(kvUtf8(kvIndirizzo("kvrecesso.php")));
-    $documenti = [
-        "<<4-menu_condizioni>>" => kvDocumento("<<4-menu_condizioni>>", <<<'KORVANE_VALORI'
+    $here = kvMailHtml(kvUtf8(kvIndirizzo("kvrecesso.php")));
+    $documents = [
+        "<<4-menu_condizioni>>" => kvDocument("<<4-menu_condizioni>>", <<<'KORVANE_VALORI'
 <<1-condizioni>>
 KORVANE_VALORI
         ),
-        "<<4-menu_recesso>>" => kvDocumento("<<4-menu_recesso>>", <<<'KORVANE_VALORI'
+        "<<4-menu_recesso>>" => kvDocument("<<4-menu_recesso>>", <<<'KORVANE_VALORI'
 <<1-recesso>>
 KORVANE_VALORI
-            , "<p><a href=\"$qui\">" . kvHtmlMail(kvUtf8("<<4-recesso_qui>>")) . "</a></p>\n"),
+            , "<p><a href=\"$here\">" . kvMailHtml(kvUtf8("<<4-recesso_qui>>")) . "</a></p>\n"),
     ];
-    $allegati = [];
-    foreach (array_filter($documenti) as $titolo => $documento) {
-        $allegati[kvUtf8((string) $titolo) . '.html'] = $documento;
+    $attachments = [];
+    foreach (array_filter($documents) as $title => $document) {
+        $attachments[kvUtf8((string) $title) . '.html'] = $document;
     }
-    return $allegati;
+    return $attachments;
 }

@@ -13,288 +13,288 @@ include_once "kvprima.php";
 include_once "kvscarsi.php";
 
 /** Ends with a page that names what is wrong. */
-function kvRifiutaOrdine(string $motivo): void
+function kvRefuseOrder(string $reason): void
 {
-    kvNotify($motivo);
+    kvNotify($reason);
     kvGoTo("messaggio.htm");
 }
 
 /** The chosen payment method, counted from 1, and its name; ends the order when the shop has no such one. */
-function kvMetodoOrdine(): array
+function kvOrderMethod(): array
 {
-    $metodi = kvVociSelect(<<<'KORVANE_VALORI'
+    $methods = kvSelectOptions(<<<'KORVANE_VALORI'
 <<1-pagamento>>
 KORVANE_VALORI
     );
-    $metodo = kvNumeroMetodo();
-    if (!isset($metodi[$metodo - 1]) || !is_file('thankyou' . $metodo . '<<1-IDlingua>>.php')) {
-        kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
+    $method = kvMethodNumber();
+    if (!isset($methods[$method - 1]) || !is_file('thankyou' . $method . '<<1-IDlingua>>.php')) {
+        kvRefuseOrder("<<4-metodo_non_ammesso>>");
     }
-    return [$metodo, kvUtf8($metodi[$metodo - 1]['nome'])];
+    return [$method, kvUtf8($methods[$method - 1]['nome'])];
 }
 
 /**
  * The chosen country in the shop's own words and its zone (1 to 8). The form sends "zone-position in the list"; one of a
  * merchant's own template the zone and the country's name.
  */
-function kvPaeseOrdine(): array
+function kvOrderCountry(): array
 {
-    $paesi = kvVociSelect(<<<'KORVANE_VALORI'
+    $countries = kvSelectOptions(<<<'KORVANE_VALORI'
 <<1-paesi>>
 KORVANE_VALORI
     );
-    $nome = preg_replace('/\s+/u', ' ', kvLineField($_POST, 'Paese'));
-    list($zona, $posto) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
-    foreach ($paesi as $n => $paese) {
-        $scelto = $posto === '' ? kvUtf8($paese['nome']) === $nome : $posto === (string) $n;
-        if ($scelto && $paese['valore'] === $zona && (int) $zona >= 1 && (int) $zona <= 8) {
-            return [kvUtf8($paese['nome']), (int) $zona];
+    $name = preg_replace('/\s+/u', ' ', kvLineField($_POST, 'Paese'));
+    list($zone, $slot) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
+    foreach ($countries as $n => $country) {
+        $chosen = $slot === '' ? kvUtf8($country['nome']) === $name : $slot === (string) $n;
+        if ($chosen && $country['valore'] === $zone && (int) $zone >= 1 && (int) $zone <= 8) {
+            return [kvUtf8($country['nome']), (int) $zone];
         }
     }
-    kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    kvRefuseOrder("<<4-ordine_campi_mancanti>>");
     return ['', 0];
 }
 
 /** The form's fields, by the names of the order form; ends the order when a required one is missing or wrong. */
-function kvModuloOrdine(array $dati): array
+function kvOrderForm(array $data): array
 {
-    $campi = [];
+    $fields = [];
     foreach (['Nome' => 100, 'Cognome' => 100, 'RagioneSociale' => 200, 'PartitaIVA' => 40, 'Indirizzo' => 200,
-              'CAP' => 20, 'Citta' => 100, 'Provincia' => 60, 'Telefono' => 60, 'Email' => 190] as $nome => $massimo) {
-        $campi[$nome] = kvLineField($_POST, $nome, $massimo);
+              'CAP' => 20, 'Citta' => 100, 'Provincia' => 60, 'Telefono' => 60, 'Email' => 190] as $name => $most) {
+        $fields[$name] = kvLineField($_POST, $name, $most);
     }
-    $campi['Note'] = kvCampo($_POST, 'Note', 2000);
-    $richiesti = ['Nome', 'Cognome', 'Indirizzo', 'CAP', 'Citta', 'Email'];
-    foreach (['obbl_rsoc' => 'RagioneSociale', 'obbl_piva' => 'PartitaIVA', 'obbl_tel' => 'Telefono'] as $n => $nome) {
-        if ($dati[$n]) {
-            $richiesti[] = $nome;
+    $fields['Note'] = kvCampo($_POST, 'Note', 2000);
+    $wanted = ['Nome', 'Cognome', 'Indirizzo', 'CAP', 'Citta', 'Email'];
+    foreach (['obbl_rsoc' => 'RagioneSociale', 'obbl_piva' => 'PartitaIVA', 'obbl_tel' => 'Telefono'] as $n => $name) {
+        if ($data[$n]) {
+            $wanted[] = $name;
         }
     }
-    foreach ($richiesti as $nome) {
-        if ($campi[$nome] === '') {
-            kvRifiutaOrdine("<<4-ordine_campi_mancanti>>");
+    foreach ($wanted as $name) {
+        if ($fields[$name] === '') {
+            kvRefuseOrder("<<4-ordine_campi_mancanti>>");
         }
     }
-    if (!kvIndirizzoValido($campi['Email'])) {
-        kvRifiutaOrdine("<<4-ordine_email_errata>>");
+    if (!kvIsValidAddress($fields['Email'])) {
+        kvRefuseOrder("<<4-ordine_email_errata>>");
     }
-    if (!isset($_POST['Privacy']) || ($dati['obbl_magg'] && !isset($_POST['Maggiorenne']))) {
-        kvRifiutaOrdine("<<4-ordine_consensi_mancanti>>");
+    if (!isset($_POST['Privacy']) || ($data['obbl_magg'] && !isset($_POST['Maggiorenne']))) {
+        kvRefuseOrder("<<4-ordine_consensi_mancanti>>");
     }
-    return $campi;
+    return $fields;
 }
 
 /** The cart text of the form; that of the cookie where no script could fill it in. */
-function kvDettaglio(): string
+function kvCartText(): string
 {
-    $testo = kvCampo($_POST, 'Dettaglio', 8000);
-    return $testo === '' && isset($_POST['senza_script']) ? kvCampo($_COOKIE, kvCartCookie(), 8000) : $testo;
+    $text = kvCampo($_POST, 'Dettaglio', 8000);
+    return $text === '' && isset($_POST['senza_script']) ? kvCampo($_COOKIE, kvCartCookie(), 8000) : $text;
 }
 
 /** The lines of the order from the form's cart text; ends the order when one can't be bought. */
-function kvRigheOrdine(array $dati): array
+function kvOrderLines(array $data): array
 {
-    $righe = kvCartLines(kvDettaglio());
-    if ($righe === []) {
-        kvRifiutaOrdine("<<4-ordine_vuoto>>");
+    $lines = kvCartLines(kvCartText());
+    if ($lines === []) {
+        kvRefuseOrder("<<4-ordine_vuoto>>");
     }
-    foreach ($righe as $riga) {
-        if (!$riga['ok']) {
-            kvRifiutaOrdine("<<4-articolo_non_disponibile>>");
+    foreach ($lines as $line) {
+        if (!$line['ok']) {
+            kvRefuseOrder("<<4-articolo_non_disponibile>>");
         }
-        if ($riga['quantita'] < $dati['qminima']) {
-            kvRifiutaOrdine("<<4-quantita_minima>>");
+        if ($line['quantita'] < $data['qminima']) {
+            kvRefuseOrder("<<4-quantita_minima>>");
         }
     }
-    return $righe;
+    return $lines;
 }
 
 /** The totals; ends the order when the shop doesn't take it, or when the shopper was shown other ones. */
-function kvTotaliOrdine(array $righe, int $metodo, int $zona, array $dati): array
+function kvCheckedTotals(array $lines, int $method, int $zone, array $data): array
 {
     global $listino, $scontocliente;
-    $totali = kvOrderTotals($righe, $metodo, $zona, $dati, $listino, (float) $scontocliente);
-    if (!$totali['ammesso']) {
-        kvRifiutaOrdine("<<4-metodo_non_ammesso>>");
+    $totals = kvOrderTotals($lines, $method, $zone, $data, $listino, (float) $scontocliente);
+    if (!$totals['ammesso']) {
+        kvRefuseOrder("<<4-metodo_non_ammesso>>");
     }
-    if ($totali['merce'] * intdiv(10000, $dati['scala']) < $dati['minimo']) {
-        kvRifiutaOrdine("<<4-ordine_minimo>>");
+    if ($totals['merce'] * intdiv(10000, $data['scala']) < $data['minimo']) {
+        kvRefuseOrder("<<4-ordine_minimo>>");
     }
-    $mostrato = kvCampo($_POST, 'Totale', 20);
-    if ($mostrato !== '' && $mostrato !== (string) $totali['totale']) {
-        kvRifiutaOrdine("<<4-importi_cambiati>>");
+    $shown = kvCampo($_POST, 'Totale', 20);
+    if ($shown !== '' && $shown !== (string) $totals['totale']) {
+        kvRefuseOrder("<<4-importi_cambiati>>");
     }
-    return $totali;
+    return $totals;
 }
 
 /** Who gets the goods, as plain text in UTF-8. */
-function kvDestinatario(array $campi): string
+function kvRecipient(array $fields): string
 {
-    $testo = $campi['Nome'] . ' ' . $campi['Cognome'] . "\r\n";
-    foreach (['RagioneSociale', 'PartitaIVA', 'Indirizzo'] as $nome) {
-        $testo .= $campi[$nome] === '' ? '' : $campi[$nome] . "\r\n";
+    $text = $fields['Nome'] . ' ' . $fields['Cognome'] . "\r\n";
+    foreach (['RagioneSociale', 'PartitaIVA', 'Indirizzo'] as $name) {
+        $text .= $fields[$name] === '' ? '' : $fields[$name] . "\r\n";
     }
-    $testo .= trim($campi['CAP'] . ' ' . $campi['Citta'] . ' ' . $campi['Provincia']) . "\r\n";
-    $testo .= kvUtf8(kvNomePaese(kvFromUtf8($campi['Paese']))) . "\r\n";
-    $testo .= kvUtf8("<<4-ordine_email>>: ") . $campi['Email'] . "\r\n";
-    return $testo . ($campi['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $campi['Telefono'] . "\r\n");
+    $text .= trim($fields['CAP'] . ' ' . $fields['Citta'] . ' ' . $fields['Provincia']) . "\r\n";
+    $text .= kvUtf8(kvCountryName(kvFromUtf8($fields['Paese']))) . "\r\n";
+    $text .= kvUtf8("<<4-ordine_email>>: ") . $fields['Email'] . "\r\n";
+    return $text . ($fields['Telefono'] === '' ? '' : kvUtf8("<<4-ordine_telefono>>: ") . $fields['Telefono'] . "\r\n");
 }
 
 /**
  * The order as plain text in UTF-8, in parts: destinatario, conto, coda, note. Joined, with an empty line after the first,
  * they are the summary of the order's page and of the back office.
  */
-function kvPartiOrdine(array $campi, array $righe, array $totali): array
+function kvOrderParts(array $fields, array $lines, array $totals): array
 {
-    return ['destinatario' => kvDestinatario($campi), 'conto' => kvUtf8(kvConto($righe, $totali)),
-        'coda' => kvUtf8("<<4-ordine_pagamento>>: ") . $campi['NomePagamento'] . "\r\n",
-        'note' => $campi['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $campi['Note'] . "\r\n"];
+    return ['destinatario' => kvRecipient($fields), 'conto' => kvUtf8(kvConto($lines, $totals)),
+        'coda' => kvUtf8("<<4-ordine_pagamento>>: ") . $fields['NomePagamento'] . "\r\n",
+        'note' => $fields['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $fields['Note'] . "\r\n"];
 }
 
 /** The discounts, taxes and costs of an order that there are, by their names. */
-function kvVociConto(array $totali): array
+function kvAccountEntries(array $totals): array
 {
-    $iva = $totali['iva'] < 0 ? "<<4-carrello_iva_esente>>" : "<<4-carrello_iva>>";
-    $voci = [["<<4-sconto>>", -$totali['sconto']], [$iva, $totali['iva']],
-        ["<<4-carrello_spedizione>>", $totali['spese']], ["<<4-carrello_iva_spedizione>>", $totali['ivaspese']]];
-    return array_filter($voci, fn(array $voce, int $n): bool => $voce[1] !== 0 || $n === 2, ARRAY_FILTER_USE_BOTH);
+    $vat = $totals['iva'] < 0 ? "<<4-carrello_iva_esente>>" : "<<4-carrello_iva>>";
+    $entries = [["<<4-sconto>>", -$totals['sconto']], [$vat, $totals['iva']],
+        ["<<4-carrello_spedizione>>", $totals['spese']], ["<<4-carrello_iva_spedizione>>", $totals['ivaspese']]];
+    return array_filter($entries, fn(array $entry, int $n): bool => $entry[1] !== 0 || $n === 2, ARRAY_FILTER_USE_BOTH);
 }
 
 /** The lines and the totals of an order as plain text, in the page's character set. */
-function kvConto(array $righe, array $totali): string
+function kvConto(array $lines, array $totals): string
 {
-    $testo = '';
-    foreach ($righe as $riga) {
-        $scelte = $riga['scelte'] === '' ? '' : ' (' . $riga['scelte'] . ')';
-        $testo .= "<<4-carrello_articolo>>: " . $riga['testo'] . $scelte . "\r\n  "
-            . $riga['quantita'] . ' x ' . kvUnitsText($riga['importo']) . ' = '
-            . kvUnitsText($riga['importo'] * $riga['quantita']) . "\r\n";
+    $text = '';
+    foreach ($lines as $line) {
+        $choices = $line['scelte'] === '' ? '' : ' (' . $line['scelte'] . ')';
+        $text .= "<<4-carrello_articolo>>: " . $line['testo'] . $choices . "\r\n  "
+            . $line['quantita'] . ' x ' . kvUnitsText($line['importo']) . ' = '
+            . kvUnitsText($line['importo'] * $line['quantita']) . "\r\n";
     }
-    $testo .= "\r\n<<4-carrello_merce>>: " . kvUnitsText($totali['merce']) . "\r\n";
-    foreach (kvVociConto($totali) as list($nome, $importo)) {
-        $testo .= $nome . ': ' . kvUnitsText($importo) . "\r\n";
+    $text .= "\r\n<<4-carrello_merce>>: " . kvUnitsText($totals['merce']) . "\r\n";
+    foreach (kvAccountEntries($totals) as list($name, $amount)) {
+        $text .= $name . ': ' . kvUnitsText($amount) . "\r\n";
     }
-    return $testo . "<<4-carrello_totale>>: " . kvUnitsText($totali['totale']) . "\r\n";
+    return $text . "<<4-carrello_totale>>: " . kvUnitsText($totals['totale']) . "\r\n";
 }
 
 /**
  * The order for the column `dati` as JSON: campi, righe and totali, amounts in units, weights as in the catalogue; and
- * what kvPrimaLingua says of it.
+ * what kvFirstLanguage says of it.
  */
-function kvDatiOrdine(array $campi, array $righe, array $totali, int $scala): string
+function kvOrderData(array $fields, array $lines, array $totals, int $scale): string
 {
-    $voci = [];
-    $prima = kvPrimaLingua($righe);
-    foreach ($righe as $n => $riga) {
-        $voci[] = ($prima['righe'][$n] ?? []) + ['id' => $riga['id'], 'codice' => kvUtf8($riga['codice']), 'testo' => kvUtf8($riga['testo']),
-            'scelte' => kvUtf8($riga['scelte']), 'quantita' => $riga['quantita'], 'importo' => $riga['importo'] / $scala,
-            'chiavi' => $riga['chiavi'], 'iva' => $riga['iva'] / 1000000, 'peso' => $riga['peso'] / 10000, 'scorte' => array_map('kvUtf8', $riga['scorte'])];
+    $entries = [];
+    $first = kvFirstLanguage($lines);
+    foreach ($lines as $n => $line) {
+        $entries[] = ($first['righe'][$n] ?? []) + ['id' => $line['id'], 'codice' => kvUtf8($line['codice']), 'testo' => kvUtf8($line['testo']),
+            'scelte' => kvUtf8($line['scelte']), 'quantita' => $line['quantita'], 'importo' => $line['importo'] / $scale,
+            'chiavi' => $line['chiavi'], 'iva' => $line['iva'] / 1000000, 'peso' => $line['peso'] / 10000, 'scorte' => array_map('kvUtf8', $line['scorte'])];
     }
-    unset($totali['ammesso']);
+    unset($totals['ammesso']);
     return (string) json_encode([
-        'campi' => $campi,
-        'righe' => $voci,
-        'totali' => array_map(fn($importo) => $importo / $scala, $totali),
-    ] + $prima['ordine'], JSON_INVALID_UTF8_SUBSTITUTE);
+        'campi' => $fields,
+        'righe' => $entries,
+        'totali' => array_map(fn($amount) => $amount / $scale, $totals),
+    ] + $first['ordine'], JSON_INVALID_UTF8_SUBSTITUTE);
 }
 
 /** Takes the pieces of the lines off their stock; false when there are too few, null when the server refused. */
-function kvPrendiScorte(array $righe): ?bool
+function kvTakeStock(array $lines): ?bool
 {
-    $richieste = kvWantedPieces($righe);
-    $scorte = kvStock(array_map('strval', array_keys($richieste)), true);
-    foreach ($scorte ?? [] as $chiave => $quantita) {
-        $chiave = (string) $chiave;
-        if ($quantita < $richieste[$chiave]) {
+    $requests = kvWantedPieces($lines);
+    $stock = kvStock(array_map('strval', array_keys($requests)), true);
+    foreach ($stock ?? [] as $key => $quantity) {
+        $key = (string) $key;
+        if ($quantity < $requests[$key]) {
             return false;
         }
-        $esito = kvQuery('UPDATE kv_disponibilita SET quantita = quantita - ? WHERE tipo = ? AND chiave = ?',
-            [$richieste[$chiave], $chiave[0], substr($chiave, 1)]);
-        if ($esito === null) {
+        $result = kvQuery('UPDATE kv_disponibilita SET quantita = quantita - ? WHERE tipo = ? AND chiave = ?',
+            [$requests[$key], $key[0], substr($key, 1)]);
+        if ($result === null) {
             return null;
         }
     }
-    return $scorte === null ? null : true;
+    return $stock === null ? null : true;
 }
 
 /** Writes the row of an order. */
-function kvScriviOrdine(string $codice, array $campi, array $totali, string $dati, string $riepilogo): bool
+function kvInsertOrder(string $code, array $fields, array $totals, string $data, string $summary): bool
 {
     global $cliente, $valuta;
     return null !== kvQuery(
         'INSERT INTO kv_ordini (codice, creato, cliente, nome, email, totale, valuta, metodo, stato, lingua, dati,'
         . ' riepilogo) VALUES (?, NOW(), ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)',
-        [$codice, (int) $cliente, $campi['Nome'] . ' ' . $campi['Cognome'], $campi['Email'],
-         kvScriptNumber($totali['totale'], kvScale()), kvUtf8(trim($valuta[0])), kvMetodoPrima($campi['NomePagamento']), 'nuovo',
-         "<<1-IDlingua>>", $dati, $riepilogo]);
+        [$code, (int) $cliente, $fields['Nome'] . ' ' . $fields['Cognome'], $fields['Email'],
+         kvScriptNumber($totals['totale'], kvScale()), kvUtf8(trim($valuta[0])), kvFirstLanguageMethod($fields['NomePagamento']), 'nuovo',
+         "<<1-IDlingua>>", $data, $summary]);
 }
 
 /**
  * Stores the order and takes its stock, both or neither. The code is the day and six letters of the form's token, so
  * that a form stores one order even where sessions don't wait for one another. Result: the code, and whether it is new.
  */
-function kvSalvaOrdine(array $campi, array $righe, array $totali, string $riepilogo, string $gettone): array
+function kvStoreOrder(array $fields, array $lines, array $totals, string $summary, string $token): array
 {
-    $dati = kvDatiOrdine($campi, $righe, $totali, kvScale());
+    $data = kvOrderData($fields, $lines, $totals, kvScale());
     // The tables must stand before the transaction: making one would end it.
     kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
-    for ($prova = 0; $prova < 5; $prova++) {
-        $codice = date('ymd') . '-' . strtoupper(substr(hash('sha256', $gettone . ($prova ?: '')), 0, 6));
+    for ($trial = 0; $trial < 5; $trial++) {
+        $code = date('ymd') . '-' . strtoupper(substr(hash('sha256', $token . ($trial ?: '')), 0, 6));
         mysqli_begin_transaction(kvConnection());
-        $prese = kvPrendiScorte($righe);
-        if ($prese && kvScriviOrdine($codice, $campi, $totali, $dati, $riepilogo) && mysqli_commit(kvConnection())) {
-            return [$codice, true];
+        $taken = kvTakeStock($lines);
+        if ($taken && kvInsertOrder($code, $fields, $totals, $data, $summary) && mysqli_commit(kvConnection())) {
+            return [$code, true];
         }
         mysqli_rollback(kvConnection());
-        if (kvRiga('SELECT id FROM kv_ordini WHERE codice = ? AND dati = ?', [$codice, $dati]) !== null) {
-            return [$codice, false];
+        if (kvRiga('SELECT id FROM kv_ordini WHERE codice = ? AND dati = ?', [$code, $data]) !== null) {
+            return [$code, false];
         }
-        if ($prese === false) {
-            kvRifiutaOrdine("<<4-articolo_non_disponibile>>");
+        if ($taken === false) {
+            kvRefuseOrder("<<4-articolo_non_disponibile>>");
         }
     }
-    kvRifiutaOrdine("<<4-guasto>>");
+    kvRefuseOrder("<<4-guasto>>");
     return ['', false];
 }
 
 /** The whole way of one order, once the form's token has proved good. */
-function kvPrendiOrdine(string $gettone): void
+function kvTakeOrder(string $token): void
 {
     global $notazione;
-    $dati = kvShopTables();
-    kvRefusePrograms('kvRifiutaOrdine', "<<4-troppo_presto>>");
-    $campi = kvModuloOrdine($dati);
-    list($campi['Paese'], $zona) = kvPaeseOrdine();
-    list($metodo, $campi['NomePagamento']) = kvMetodoOrdine();
-    $righe = kvRigheOrdine($dati);
-    $totali = kvTotaliOrdine($righe, $metodo, $zona, $dati);
+    $data = kvShopTables();
+    kvRefusePrograms('kvRefuseOrder', "<<4-troppo_presto>>");
+    $fields = kvOrderForm($data);
+    list($fields['Paese'], $zone) = kvOrderCountry();
+    list($method, $fields['NomePagamento']) = kvOrderMethod();
+    $lines = kvOrderLines($data);
+    $totals = kvCheckedTotals($lines, $method, $zone, $data);
     if (isset($_POST['senza_script'])) {
         // Nobody orders without having seen the sum, which no script could show in the form.
-        $GLOBALS['kvConfirmation'] = kvOrderReview(kvConto($righe, $totali), $totali, kvDettaglio());
+        $GLOBALS['kvConfirmation'] = kvOrderReview(kvConto($lines, $totals), $totals, kvCartText());
         return;
     }
-    $parti = kvPartiOrdine($campi, $righe, $totali);
-    $riepilogo = $parti['destinatario'] . "\r\n" . $parti['conto'] . $parti['coda'] . $parti['note'];
+    $parts = kvOrderParts($fields, $lines, $totals);
+    $summary = $parts['destinatario'] . "\r\n" . $parts['conto'] . $parts['coda'] . $parts['note'];
     if (!kvAdmitAttempt(kvAttemptsKey('ordine', ''), 'ordini')
-        || !kvAdmitAttempt(kvAccountKey('ordine', $campi['Email']), 'ordini_email')) {
-        kvRifiutaOrdine("<<4-troppi_tentativi>>");
+        || !kvAdmitAttempt(kvAccountKey('ordine', $fields['Email']), 'ordini_email')) {
+        kvRefuseOrder("<<4-troppi_tentativi>>");
     }
-    list($codice, $nuovo) = kvSalvaOrdine($campi, $righe, $totali, $riepilogo, $gettone);
-    $pagina = 'thankyou' . $metodo . '<<1-IDlingua>>.php';
-    $_SESSION['ordine'] = $codice;
-    $_SESSION['ordini'] = array_slice([$gettone => [$codice, $pagina]] + ($_SESSION['ordini'] ?? []), 0, 20, true);
+    list($code, $new) = kvStoreOrder($fields, $lines, $totals, $summary, $token);
+    $page = 'thankyou' . $method . '<<1-IDlingua>>.php';
+    $_SESSION['ordine'] = $code;
+    $_SESSION['ordini'] = array_slice([$token => [$code, $page]] + ($_SESSION['ordini'] ?? []), 0, 20, true);
     unset($_SESSION['gettone']);
     setcookie(kvCartCookie(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
-    if ($nuovo) {
+    if ($new) {
         kvStockChanged();
-        $istruzioni = kvIstruzioniMail($metodo);
-        $parti['coda'] .= $istruzioni === '' ? '' : "\r\n" . $istruzioni . "\r\n";
-        kvMailOrdine(['codice' => $codice, 'email' => $campi['Email'], 'tabella' => kvTabellaOrdine($righe, $totali),
-            'importo' => kvFormatUnits($totali['totale'], kvScale(), (int) $notazione)] + $parti);
-        kvMailScarsi($righe);
+        $statements = kvIstruzioniMail($method);
+        $parts['coda'] .= $statements === '' ? '' : "\r\n" . $statements . "\r\n";
+        kvMailOrder(['codice' => $code, 'email' => $fields['Email'], 'tabella' => kvOrderTable($lines, $totals),
+            'importo' => kvFormatUnits($totals['totale'], kvScale(), (int) $notazione)] + $parts);
+        kvMailLowStock($lines);
     }
-    kvGoTo($pagina);
+    kvGoTo($page);
 }
 
 kvStartSession(true);
@@ -303,14 +303,14 @@ if (isset($_SESSION['ordini'][$kvPattern])) {
     list($_SESSION['ordine'], $kvPage) = $_SESSION['ordini'][$kvPattern];
     kvGoTo($kvPage);
 }
-if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvDettaglio() === '') {
-    kvRifiutaOrdine("<<4-ordine_vuoto>>");
+if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvCartText() === '') {
+    kvRefuseOrder("<<4-ordine_vuoto>>");
 }
 if (!kvIsTokenValid()) {
-    kvRifiutaOrdine("<<4-sessione_scaduta>>");
+    kvRefuseOrder("<<4-sessione_scaduta>>");
 }
 if (($cliente === 0 && $regobbl) || kvIsBuyingDenied()) {
     kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
-kvPrendiOrdine($kvPattern);
+kvTakeOrder($kvPattern);
 include "messaggio.htm";

@@ -4,7 +4,7 @@
 // here each country has its name in the language of the page, and a value that tells it from others of its zone.
 
 /** Countries by the names that the program proposes: English, French, German. Source: ISO 3166-1, short names. */
-const KV_PAESI = [
+const KV_COUNTRIES = [
     'Italia' => ['Italy', 'Italie', 'Italien'], 'Austria' => ['Austria', 'Autriche', 'Österreich'],
     'Belgio' => ['Belgium', 'Belgique', 'Belgien'], 'Bulgaria' => ['Bulgaria', 'Bulgarie', 'Bulgarien'],
     'Cechia' => ['Czechia', 'Tchéquie', 'Tschechien'], 'Cipro' => ['Cyprus', 'Chypre', 'Zypern'],
@@ -57,39 +57,39 @@ const KV_PAESI = [
     'Vietnam' => ['Vietnam', 'Viêt Nam', 'Vietnam'],
 ];
 
-/** The options of a select of the build, with `scelte` those selected alone: value (null without one), name (as it is read), selected. */
-function kvVociSelect(string $select, bool $scelte = false): array
+/** The options of a select of the build, with `choices` those selected alone: value (null without one), name (as it is read), selected. */
+function kvSelectOptions(string $select, bool $choices = false): array
 {
-    $segno = $scelte ? '(?=[^>]*selected)' : '';
-    preg_match_all("/<option$segno([^>]*)>(.*?)<\\/option>/is", $select, $trovate, PREG_SET_ORDER);
-    return array_map(function (array $voce): array {
-        $valore = preg_match('/value\s*=\s*"([^"]*)"/i', $voce[1], $parti) ? $parti[1] : null;
-        return ['valore' => $valore, 'nome' => kvPlainText($voce[2]), 'scelta' => stripos($voce[1], 'selected') !== false];
-    }, $trovate);
+    $mark = $choices ? '(?=[^>]*selected)' : '';
+    preg_match_all("/<option$mark([^>]*)>(.*?)<\\/option>/is", $select, $found, PREG_SET_ORDER);
+    return array_map(function (array $entry): array {
+        $value = preg_match('/value\s*=\s*"([^"]*)"/i', $entry[1], $parts) ? $parts[1] : null;
+        return ['valore' => $value, 'nome' => kvPlainText($entry[2]), 'scelta' => stripos($entry[1], 'selected') !== false];
+    }, $found);
 }
 
 /** A country's name in the language of the page; one that the shop made up stays as it is. */
-function kvNomePaese(string $nome): string
+function kvCountryName(string $name): string
 {
-    $colonna = ['en' => 0, 'fr' => 1, 'de' => 2]["<<4-codice_lingua>>"] ?? null;
-    return $colonna === null ? $nome : KV_PAESI[$nome][$colonna] ?? $nome;
+    $column = ['en' => 0, 'fr' => 1, 'de' => 2]["<<4-codice_lingua>>"] ?? null;
+    return $column === null ? $name : KV_COUNTRIES[$name][$column] ?? $name;
 }
 
 /** The country select of the order form, from that of the build. */
 function kvSceltaPaesi(string $select): string
 {
-    $voci = [];
-    foreach (kvVociSelect($select) as $n => $voce) {
-        $voci[] = ['n' => $n, 'tradotto' => kvNomePaese($voce['nome'])] + $voce;
+    $entries = [];
+    foreach (kvSelectOptions($select) as $n => $entry) {
+        $entries[] = ['n' => $n, 'tradotto' => kvCountryName($entry['nome'])] + $entry;
     }
     if ("<<1-IDlingua>>" !== '') {
-        $chiave = fn(array $voce): string => kvFold(kvUtf8($voce['tradotto']));
-        usort($voci, fn($una, $altra) => [$chiave($una), $una['n']] <=> [$chiave($altra), $altra['n']]);
+        $key = fn(array $entry): string => kvFold(kvUtf8($entry['tradotto']));
+        usort($entries, fn($one, $other) => [$key($one), $one['n']] <=> [$key($other), $other['n']]);
     }
     $html = '<select name="LSStato" onchange="SpedPaese()" autocomplete="country-name">';
-    foreach ($voci as $voce) {
-        $html .= '<option value="' . (int) $voce['valore'] . '-' . $voce['n'] . '" data-paese="' . kvHtml($voce['nome']) . '"'
-            . ($voce['scelta'] ? ' selected' : '') . '>' . kvHtml($voce['tradotto']) . '</option>';
+    foreach ($entries as $entry) {
+        $html .= '<option value="' . (int) $entry['valore'] . '-' . $entry['n'] . '" data-paese="' . kvHtml($entry['nome']) . '"'
+            . ($entry['scelta'] ? ' selected' : '') . '>' . kvHtml($entry['tradotto']) . '</option>';
     }
     return $html . '</select>';
 }
@@ -98,8 +98,8 @@ function kvSceltaPaesi(string $select): string
 function kvSceltaPagamenti(string $select): string
 {
     $html = '<select name="Pagamento" onchange="SpedPaese()">';
-    foreach (kvVociSelect($select) as $n => $voce) {
-        $html .= '<option value="' . ($n + 1) . '"' . ($voce['scelta'] ? ' selected' : '') . '>' . kvHtml($voce['nome'])
+    foreach (kvSelectOptions($select) as $n => $entry) {
+        $html .= '<option value="' . ($n + 1) . '"' . ($entry['scelta'] ? ' selected' : '') . '>' . kvHtml($entry['nome'])
             . '</option>';
     }
     return $html . '</select>';

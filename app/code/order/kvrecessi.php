@@ -7,121 +7,121 @@ include_once "kvmail.php";
 include_once "kvtables.php";
 
 /** Days from the delivery, so from the order at the least, within which nobody is late. */
-const KV_RECESSO_GIORNI = 14;
+const KV_WITHDRAWAL_DAYS = 14;
 /** Months after which everybody is: a month to deliver, twelve more where the merchant didn't tell of the right, and the days. */
-const KV_RECESSO_MESI = 14;
+const KV_WITHDRAWAL_MONTHS = 14;
 
 /** The columns of an order that a withdrawal needs. */
-function kvColonneRecesso(): string
+function kvWithdrawalColumns(): string
 {
-    return 'id, codice, email, stato, dati, creato < NOW() - INTERVAL ' . KV_RECESSO_GIORNI . ' DAY AS tardi,'
-        . ' creato < NOW() - INTERVAL ' . KV_RECESSO_MESI . ' MONTH AS scaduto';
+    return 'id, codice, email, stato, dati, creato < NOW() - INTERVAL ' . KV_WITHDRAWAL_DAYS . ' DAY AS tardi,'
+        . ' creato < NOW() - INTERVAL ' . KV_WITHDRAWAL_MONTHS . ' MONTH AS scaduto';
 }
 
 /** The order that has a code and was placed with an address; null when the two don't belong together. */
-function kvOrdineRecesso(string $codice, string $email): ?array
+function kvWithdrawalOrder(string $code, string $email): ?array
 {
-    $ordine = kvRiga('SELECT ' . kvColonneRecesso() . ' FROM kv_ordini WHERE codice = ?', [$codice]);
+    $order = kvRiga('SELECT ' . kvWithdrawalColumns() . ' FROM kv_ordini WHERE codice = ?', [$code]);
     $email = strtolower($email);
-    return $ordine !== null && $email !== '' && hash_equals(strtolower((string) $ordine['email']), $email) ? $ordine : null;
+    return $order !== null && $email !== '' && hash_equals(strtolower((string) $order['email']), $email) ? $order : null;
 }
 
 /** Why nothing of an order can be given back; empty when something can. */
-function kvRecessoNegato(array $ordine): string
+function kvWithdrawalDenial(array $order): string
 {
-    if (in_array($ordine['stato'], ['annullato', 'rifiutato'], true)) {
+    if (in_array($order['stato'], ['annullato', 'rifiutato'], true)) {
         return "<<4-recesso_annullato>>";
     }
-    if ($ordine['scaduto']) {
+    if ($order['scaduto']) {
         return "<<4-recesso_scaduto>>";
     }
-    return array_sum(array_column(kvRigheRecesso($ordine), 'resto')) === 0 ? "<<4-recesso_gia>>" : '';
+    return array_sum(array_column(kvWithdrawalLines($order), 'resto')) === 0 ? "<<4-recesso_gia>>" : '';
 }
 
 /**
  * The lines of an order by their numbers: testo, scelte (UTF-8), quantita, resto (pieces not given back yet). An order of
  * which only the summary was kept has one line, itself.
  */
-function kvRigheRecesso(array $ordine): array
+function kvWithdrawalLines(array $order): array
 {
-    $righe = [];
-    foreach (json_decode((string) $ordine['dati'], true)['righe'] ?? [] as $n => $riga) {
-        if (isset($riga['testo'], $riga['quantita'])) {
-            $pezzi = (int) $riga['quantita'];
-            $righe[(int) $n] = ['testo' => (string) $riga['testo'], 'scelte' => (string) ($riga['scelte'] ?? ''),
-                'quantita' => $pezzi, 'resto' => $pezzi];
+    $lines = [];
+    foreach (json_decode((string) $order['dati'], true)['righe'] ?? [] as $n => $line) {
+        if (isset($line['testo'], $line['quantita'])) {
+            $pieces = (int) $line['quantita'];
+            $lines[(int) $n] = ['testo' => (string) $line['testo'], 'scelte' => (string) ($line['scelte'] ?? ''),
+                'quantita' => $pieces, 'resto' => $pieces];
         }
     }
-    $righe = $righe === [] ? [['testo' => (string) $ordine['codice'], 'scelte' => '', 'quantita' => 1, 'resto' => 1]] : $righe;
-    foreach (kvQuery("SELECT righe FROM kv_recessi WHERE ordine = ? AND stato <> 'respinto'", [(int) $ordine['id']]) ?? [] as $recesso) {
-        foreach (json_decode((string) $recesso['righe'], true) ?? [] as $riga) {
-            $n = (int) ($riga['n'] ?? -1);
-            if (isset($righe[$n])) {
-                $righe[$n]['resto'] = max(0, $righe[$n]['resto'] - (int) $riga['quantita']);
+    $lines = $lines === [] ? [['testo' => (string) $order['codice'], 'scelte' => '', 'quantita' => 1, 'resto' => 1]] : $lines;
+    foreach (kvQuery("SELECT righe FROM kv_recessi WHERE ordine = ? AND stato <> 'respinto'", [(int) $order['id']]) ?? [] as $withdrawal) {
+        foreach (json_decode((string) $withdrawal['righe'], true) ?? [] as $line) {
+            $n = (int) ($line['n'] ?? -1);
+            if (isset($lines[$n])) {
+                $lines[$n]['resto'] = max(0, $lines[$n]['resto'] - (int) $line['quantita']);
             }
         }
     }
-    return $righe;
+    return $lines;
 }
 
 /** The lines of a choice (pieces by line number) with those pieces; null unless each can be given back. */
-function kvRigheScelte(array $righe, array $scelta): ?array
+function kvChosenLines(array $lines, array $choice): ?array
 {
-    $scelte = [];
-    foreach ($scelta as $n => $pezzi) {
-        if (!isset($righe[$n]) || $pezzi < 1 || $pezzi > $righe[$n]['resto']) {
+    $choices = [];
+    foreach ($choice as $n => $pieces) {
+        if (!isset($lines[$n]) || $pieces < 1 || $pieces > $lines[$n]['resto']) {
             return null;
         }
-        $scelte[] = ['n' => $n, 'testo' => $righe[$n]['testo'], 'scelte' => $righe[$n]['scelte'], 'quantita' => $pezzi];
+        $choices[] = ['n' => $n, 'testo' => $lines[$n]['testo'], 'scelte' => $lines[$n]['scelte'], 'quantita' => $pieces];
     }
-    return $scelte === [] ? null : $scelte;
+    return $choices === [] ? null : $choices;
 }
 
 /** One line of a withdrawal as plain text in UTF-8. */
-function kvTestoRigaRecesso(array $riga): string
+function kvWithdrawalLineText(array $line): string
 {
-    return $riga['quantita'] . ' x ' . $riga['testo'] . ($riga['scelte'] === '' ? '' : ' (' . $riga['scelte'] . ')');
+    return $line['quantita'] . ' x ' . $line['testo'] . ($line['scelte'] === '' ? '' : ' (' . $line['scelte'] . ')');
 }
 
 /** The moment as the database's clock has it, which dates orders too, with its distance from world time. */
-function kvOraRecesso(): string
+function kvWithdrawalTime(): string
 {
-    $ora = kvRiga("SELECT DATE_FORMAT(NOW(), '%d/%m/%Y %H:%i:%s') AS ora, TIMESTAMPDIFF(MINUTE, UTC_TIMESTAMP(), NOW()) AS scarto");
-    $minuti = (int) ($ora['scarto'] ?? 0);
-    return ($ora['ora'] ?? date('d/m/Y H:i:s')) . sprintf(' (UTC%s%d:%02d)', $minuti < 0 ? '-' : '+',
-        intdiv(abs($minuti), 60), abs($minuti) % 60);
+    $now = kvRiga("SELECT DATE_FORMAT(NOW(), '%d/%m/%Y %H:%i:%s') AS ora, TIMESTAMPDIFF(MINUTE, UTC_TIMESTAMP(), NOW()) AS scarto");
+    $minutes = (int) ($now['scarto'] ?? 0);
+    return ($now['ora'] ?? date('d/m/Y H:i:s')) . sprintf(' (UTC%s%d:%02d)', $minutes < 0 ? '-' : '+',
+        intdiv(abs($minutes), 60), abs($minutes) % 60);
 }
 
 /** The receipt as plain text in UTF-8. */
-function kvRicevutaRecesso(array $ordine, string $numero, array $righe): string
+function kvWithdrawalReceipt(array $order, string $number, array $lines): string
 {
-    return kvUtf8("<<4-recesso_ricevuta>>: ") . "$numero\r\n" . kvUtf8("<<4-recesso_ricevuto_il>>: ") . kvOraRecesso() . "\r\n"
-        . kvUtf8("<<4-ordine_codice>>: ") . $ordine['codice'] . "\r\n\r\n" . kvUtf8("<<4-recesso_dichiarazione>>") . "\r\n- "
-        . implode("\r\n- ", array_map('kvTestoRigaRecesso', $righe)) . "\r\n"
-        . ($ordine['tardi'] ? "\r\n" . kvUtf8("<<4-recesso_tardi>>") . "\r\n" : '');
+    return kvUtf8("<<4-recesso_ricevuta>>: ") . "$number\r\n" . kvUtf8("<<4-recesso_ricevuto_il>>: ") . kvWithdrawalTime() . "\r\n"
+        . kvUtf8("<<4-ordine_codice>>: ") . $order['codice'] . "\r\n\r\n" . kvUtf8("<<4-recesso_dichiarazione>>") . "\r\n- "
+        . implode("\r\n- ", array_map('kvWithdrawalLineText', $lines)) . "\r\n"
+        . ($order['tardi'] ? "\r\n" . kvUtf8("<<4-recesso_tardi>>") . "\r\n" : '');
 }
 
 /**
  * Enters a withdrawal: its number and receipt. Null when the pieces can no longer be given back, because another
  * withdrawal took them or the order was cancelled meanwhile: of two at a time one waits for the other.
  */
-function kvRegistraRecesso(int $id, array $scelta): ?array
+function kvEnterWithdrawal(int $id, array $choice): ?array
 {
     // The tables must stand before the transaction: making one would end it.
     kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_recessi WHERE id = 0');
     mysqli_begin_transaction(kvConnection());
-    $ordine = kvRiga('SELECT ' . kvColonneRecesso() . ' FROM kv_ordini WHERE id = ? FOR UPDATE', [$id]);
-    $righe = $ordine === null || kvRecessoNegato($ordine) !== '' ? null : kvRigheScelte(kvRigheRecesso($ordine), $scelta);
-    if ($righe !== null) {
-        $quanti = (int) kvRiga('SELECT COUNT(*) AS n FROM kv_recessi WHERE ordine = ?', [$id])['n'];
-        $numero = $ordine['codice'] . '-R' . ($quanti + 1);
-        $ricevuta = kvRicevutaRecesso($ordine, $numero, $righe);
-        $esito = kvQuery('INSERT INTO kv_recessi (numero, ordine, creato, email, tardi, stato, lingua, righe, ricevuta)'
-            . " VALUES (?, ?, NOW(), ?, ?, 'ricevuto', ?, ?, ?)", [$numero, $id, $ordine['email'], (int) $ordine['tardi'],
-            "<<1-IDlingua>>", (string) json_encode($righe, JSON_INVALID_UTF8_SUBSTITUTE), $ricevuta]);
-        if ($esito !== null && kvTouchOrder($id) && mysqli_commit(kvConnection())) {
-            return ['numero' => $numero, 'ricevuta' => $ricevuta, 'email' => (string) $ordine['email']];
+    $order = kvRiga('SELECT ' . kvWithdrawalColumns() . ' FROM kv_ordini WHERE id = ? FOR UPDATE', [$id]);
+    $lines = $order === null || kvWithdrawalDenial($order) !== '' ? null : kvChosenLines(kvWithdrawalLines($order), $choice);
+    if ($lines !== null) {
+        $count = (int) kvRiga('SELECT COUNT(*) AS n FROM kv_recessi WHERE ordine = ?', [$id])['n'];
+        $number = $order['codice'] . '-R' . ($count + 1);
+        $receipt = kvWithdrawalReceipt($order, $number, $lines);
+        $result = kvQuery('INSERT INTO kv_recessi (numero, ordine, creato, email, tardi, stato, lingua, righe, ricevuta)'
+            . " VALUES (?, ?, NOW(), ?, ?, 'ricevuto', ?, ?, ?)", [$number, $id, $order['email'], (int) $order['tardi'],
+            "<<1-IDlingua>>", (string) json_encode($lines, JSON_INVALID_UTF8_SUBSTITUTE), $receipt]);
+        if ($result !== null && kvTouchOrder($id) && mysqli_commit(kvConnection())) {
+            return ['numero' => $number, 'ricevuta' => $receipt, 'email' => (string) $order['email']];
         }
     }
     mysqli_rollback(kvConnection());
@@ -129,10 +129,10 @@ function kvRegistraRecesso(int $id, array $scelta): ?array
 }
 
 /** Sends the receipt to the buyer, at the address of the order, and to the merchant. */
-function kvMailRecesso(array $recesso): void
+function kvMailWithdrawal(array $withdrawal): void
 {
-    $negozio = kvMittente();
-    $oggetto = $negozio['nome'] . ' - ' . kvUtf8("<<4-recesso_ricevuta>> ") . $recesso['numero'];
-    kvMail($recesso['email'], $negozio['email'], $oggetto, $recesso['ricevuta'] . "\r\n" . $negozio['firma']);
-    kvMail($negozio['email'], $negozio['email'], $oggetto, $recesso['ricevuta'], $recesso['email']);
+    $shop = kvSender();
+    $subject = $shop['nome'] . ' - ' . kvUtf8("<<4-recesso_ricevuta>> ") . $withdrawal['numero'];
+    kvMail($withdrawal['email'], $shop['email'], $subject, $withdrawal['ricevuta'] . "\r\n" . $shop['firma']);
+    kvMail($shop['email'], $shop['email'], $subject, $withdrawal['ricevuta'], $withdrawal['email']);
 }

@@ -3,33 +3,33 @@
 // Tells the merchant what an order has left in short supply, once: when the count passes the number that they set.
 
 /** The keys of kv_disponibilita that ran short by an order, with the pieces left. */
-function kvAppenaScarsi(array $righe): array
+function kvNewlyLow(array $lines): array
 {
-    $soglia = kvLowStockLimit();
-    $richieste = kvWantedPieces($righe);
-    $scarsi = [];
-    foreach (kvStock(array_map('strval', array_keys($richieste))) ?? [] as $chiave => $pezzi) {
-        if ($pezzi <= $soglia && $pezzi + $richieste[$chiave] > $soglia) {
-            $scarsi[$chiave] = $pezzi;
+    $threshold = kvLowStockLimit();
+    $requests = kvWantedPieces($lines);
+    $low = [];
+    foreach (kvStock(array_map('strval', array_keys($requests))) ?? [] as $key => $pieces) {
+        if ($pieces <= $threshold && $pieces + $requests[$key] > $threshold) {
+            $low[$key] = $pieces;
         }
     }
-    return $scarsi;
+    return $low;
 }
 
 /** Writes to the merchant about the lines of a new order whose stock runs short. */
-function kvMailScarsi(array $righe): void
+function kvMailLowStock(array $lines): void
 {
-    $scarsi = kvAppenaScarsi($righe);
-    $testo = '';
-    foreach ($righe as $riga) {
-        foreach (array_intersect(array_map('strval', $riga['scorte']), array_map('strval', array_keys($scarsi))) as $chiave) {
-            $valore = $chiave[0] === 'V' ? ' - ' . (explode('.', $chiave, 3)[2] ?? '') : '';
-            $testo .= kvUtf8($riga['codice'] . $valore) . ': ' . $scarsi[$chiave] . "\r\n";
+    $low = kvNewlyLow($lines);
+    $text = '';
+    foreach ($lines as $line) {
+        foreach (array_intersect(array_map('strval', $line['scorte']), array_map('strval', array_keys($low))) as $key) {
+            $value = $key[0] === 'V' ? ' - ' . (explode('.', $key, 3)[2] ?? '') : '';
+            $text .= kvUtf8($line['codice'] . $value) . ': ' . $low[$key] . "\r\n";
         }
     }
-    if ($testo !== '') {
-        $negozio = kvMittente();
-        kvMail($negozio['email'], $negozio['email'], $negozio['nome'] . ' - Scorte in esaurimento',
-            "Pezzi rimasti:\r\n" . $testo);
+    if ($text !== '') {
+        $shop = kvSender();
+        kvMail($shop['email'], $shop['email'], $shop['nome'] . ' - Scorte in esaurimento',
+            "Pezzi rimasti:\r\n" . $text);
     }
 }
