@@ -258,7 +258,7 @@ class Forms_(Case):
                   "http://localhost/": 1, "http://[::1]:80/": 1, "http://banca.example/": 0, "": 0,
                   "http://127.0.0.1.banca.example/": 0, "http://127.0.0.1@banca.example/": 0, "javascript:alert(1)": 0,
                   "https://banca.example/\"><script>": 0, "https://banca.example\n.it/": 0, "ftp://127.0.0.1/": 0}
-        code = "include $argv[1]; foreach (array_slice($argv, 2) as $a) { echo (int) kvServizioAmmesso($a); }"
+        code = "include $argv[1]; foreach (array_slice($argv, 2) as $a) { echo (int) kvIsServiceAllowed($a); }"
         told = subprocess.run(["php", "-n", "-r", code, "--", str(self.shop.shop / "online/kvpay.php"), *wanted],
                               capture_output=True, text=True, check=True).stdout
         self.assertEqual(told, "".join(str(one) for one in wanted.values()))

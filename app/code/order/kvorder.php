@@ -288,7 +288,7 @@ function kvTakeOrder(string $token): void
     setcookie(kvCartCookie(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
     if ($new) {
         kvStockChanged();
-        $statements = kvIstruzioniMail($method);
+        $statements = kvMailInstructions($method);
         $parts['coda'] .= $statements === '' ? '' : "\r\n" . $statements . "\r\n";
         kvMailOrder(['codice' => $code, 'email' => $fields['Email'], 'tabella' => kvOrderTable($lines, $totals),
             'importo' => kvFormatUnits($totals['totale'], kvScale(), (int) $notazione)] + $parts);

@@ -12,18 +12,18 @@ include_once "kvhtml.php";
 /** The order just placed by this visitor (a row of kv_ordini), null when there is none. */
 function kvOrdineInCorso(): ?array
 {
-    static $letto = [];
-    $codice = kvStartSession() ? (string) ($_SESSION['ordine'] ?? '') : '';
-    if (!array_key_exists($codice, $letto)) {
-        $letto[$codice] = $codice === '' ? null : kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [$codice]);
+    static $read = [];
+    $code = kvStartSession() ? (string) ($_SESSION['ordine'] ?? '') : '';
+    if (!array_key_exists($code, $read)) {
+        $read[$code] = $code === '' ? null : kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [$code]);
     }
-    return $letto[$codice];
+    return $read[$code];
 }
 
 /** One value of that order as HTML text: codice, totale (decimal point), nome, email, riepilogo... */
-function kvOrdine(string $nome): string
+function kvOrdine(string $name): string
 {
-    return kvHtmlUtf8((string) (kvOrdineInCorso()[$nome] ?? ''));
+    return kvHtmlUtf8((string) (kvOrdineInCorso()[$name] ?? ''));
 }
 
 /** Whether that order still waits for its money. */
@@ -36,39 +36,39 @@ function kvDaPagare(): bool
  * What the page behind a payment says. Anybody can open its address, and some services lead here whatever came of the
  * payment: it says "paid" where the order is known to be.
  */
-function kvEsitoMostrato(string $testo): string
+function kvEsitoMostrato(string $text): string
 {
-    $pagato = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
-    return $pagato || kvPageFile() !== "payok<<1-IDlingua>>.php" ? $testo : kvHtml("<<4-pagamento_da_confermare>>");
+    $isPaid = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
+    return $isPaid || kvPageFile() !== "payok<<1-IDlingua>>.php" ? $text : kvHtml("<<4-pagamento_da_confermare>>");
 }
 
 /** The order's total in the smallest unit of the currency: cents. */
-function kvCentesimi(array $ordine): int
+function kvCentesimi(array $order): int
 {
-    return (int) round((float) $ordine['totale'] * 100);
+    return (int) round((float) $order['totale'] * 100);
 }
 
 /** The public address of a page of the shop, in the language of the request. */
-function kvIndirizzo(string $pagina): string
+function kvIndirizzo(string $page): string
 {
-    return "<<1-perl_shopURL>>/" . $pagina;
+    return "<<1-perl_shopURL>>/" . $page;
 }
 
 /** The shop's currency for a service whose module doesn't name it: the label when that has three letters, else EUR. */
 function kvValutaServizio(): string
 {
-    $sigla = strtoupper(trim((string) $GLOBALS['valuta'][0]));
-    return preg_match('/^[A-Z]{3}$/D', $sigla) ? $sigla : 'EUR';
+    $code = strtoupper(trim((string) $GLOBALS['valuta'][0]));
+    return preg_match('/^[A-Z]{3}$/D', $code) ? $code : 'EUR';
 }
 
 /**
  * The address of a payment service that isn't part of its module's settings; empty while none is known. The merchant
  * may put a script kvservizi.php among the shop's pictures, which brings it here: it returns module => address.
  */
-function kvServizio(string $modulo): string
+function kvServizio(string $form): string
 {
-    $propri = is_file(__DIR__ . '/kvservizi.php') ? include __DIR__ . '/kvservizi.php' : [];
-    $servizi = (is_array($propri) ? $propri : []) + [
+    $own = is_file(__DIR__ . '/kvservizi.php') ? include __DIR__ . '/kvservizi.php' : [];
+    $services = (is_array($own) ? $own : []) + [
         'Paypal' => 'https://www.paypal.com/cgi-bin/webscr',
         'AuthorizeNet' => '',
         'Banca Sella' => '',
@@ -79,74 +79,74 @@ function kvServizio(string $modulo): string
         'Planet Payment' => '',
         'Shopla' => '',
     ];
-    return (string) ($servizi[$modulo] ?? '');
+    return (string) ($services[$form] ?? '');
 }
 
 /** Whether an address may be sent to: an encrypted one, or one of this very machine, for trying out. */
-function kvServizioAmmesso(string $indirizzo): bool
+function kvIsServiceAllowed(string $address): bool
 {
-    $forma = '~^(https://[a-z0-9.-]+|http://(127\.0\.0\.1|localhost|\[::1\]))(:\d{1,5})?(/[^\s"<>\\\\]*)?$~iD';
-    return preg_match($forma, $indirizzo) === 1;
+    $pattern = '~^(https://[a-z0-9.-]+|http://(127\.0\.0\.1|localhost|\[::1\]))(:\d{1,5})?(/[^\s"<>\\\\]*)?$~iD';
+    return preg_match($pattern, $address) === 1;
 }
 
 /** A form with hidden fields and one button. */
-function kvFormCampi(string $indirizzo, array $campi): string
+function kvFieldsForm(string $address, array $fields): string
 {
-    $form = '<form class="pagamento" name="kvPagamento" method="post" action="' . kvHtml($indirizzo) . '">';
-    foreach ($campi as $nome => $valore) {
-        $form .= '<input type="hidden" name="' . kvHtml((string) $nome) . '" value="' . kvHtml((string) $valore) . '">';
+    $form = '<form class="pagamento" name="kvPagamento" method="post" action="' . kvHtml($address) . '">';
+    foreach ($fields as $name => $value) {
+        $form .= '<input type="hidden" name="' . kvHtml((string) $name) . '" value="' . kvHtml((string) $value) . '">';
     }
     return $form . '<button type="submit">' . kvHtml("<<4-paga_ora>>") . '</button></form>';
 }
 
 /** What the visitor reads instead of a button; the order stands. */
-function kvPagamentoAssente(): string
+function kvNoPaymentNotice(): string
 {
-    $pagato = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
-    return '<p class="avviso">' . kvHtml($pagato ? "<<4-pay_ok>>" : "<<4-pagamento_non_attivo>>") . '</p>';
+    $isPaid = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);
+    return '<p class="avviso">' . kvHtml($isPaid ? "<<4-pay_ok>>" : "<<4-pagamento_non_attivo>>") . '</p>';
 }
 
 /**
  * The form that takes the shopper to the payment service. While the address or the merchant's code is missing the
  * module isn't in use yet: the visitor reads so.
  */
-function kvFormPagamento(string $indirizzo, string $codiceNegozio, array $campi): string
+function kvFormPagamento(string $address, string $shopCode, array $fields): string
 {
-    $pronto = kvServizioAmmesso($indirizzo) && $codiceNegozio !== '' && kvDaPagare();
-    return $pronto ? kvFormCampi($indirizzo, $campi) : kvPagamentoAssente();
+    $ready = kvIsServiceAllowed($address) && $shopCode !== '' && kvDaPagare();
+    return $ready ? kvFieldsForm($address, $fields) : kvNoPaymentNotice();
 }
 
 /**
- * The form of a descriptor whose module has a script of its own, which it leads to with the order on the page. `conto`
+ * The form of a descriptor whose module has a script of its own, which it leads to with the order on the page. `account`
  * stays on the server: the script finds it by kvInizioPagamento.
  */
-function kvFormModulo(string $azione, array $conto = []): string
+function kvFormModulo(string $action, array $account = []): string
 {
-    $ordine = kvOrdineInCorso();
+    $order = kvOrdineInCorso();
     if (!kvDaPagare()) {
-        return kvPagamentoAssente();
+        return kvNoPaymentNotice();
     }
-    $_SESSION['conto'] = $conto;
-    return kvFormCampi($azione, ['gettone' => kvGettone(), 'ordine' => $ordine['codice'],
-        'importo' => (string) kvCentesimi($ordine)]);
+    $_SESSION['conto'] = $account;
+    return kvFieldsForm($action, ['gettone' => kvGettone(), 'ordine' => $order['codice'],
+        'importo' => (string) kvCentesimi($order)]);
 }
 
 /** The signature of fields: HMAC-SHA-256 over "name=value" joined by "&", values percent-coded, in hexadecimal. */
-function kvFirma(array $campi, string $chiave): string
+function kvFirma(array $fields, string $key): string
 {
-    return hash_hmac('sha256', http_build_query($campi, '', '&', PHP_QUERY_RFC3986), $chiave);
+    return hash_hmac('sha256', http_build_query($fields, '', '&', PHP_QUERY_RFC3986), $key);
 }
 
 /** The fields that tell a service of the order in progress: shop, order, amount in cents, and where to go back to. */
-function kvCampiPagamento(string $codiceNegozio, string $valutaServizio, string $prefisso = ''): array
+function kvCampiPagamento(string $shopCode, string $serviceCurrency, string $prefix = ''): array
 {
-    $ordine = kvOrdineInCorso() ?? ['codice' => '', 'totale' => 0, 'email' => ''];
+    $order = kvOrdineInCorso() ?? ['codice' => '', 'totale' => 0, 'email' => ''];
     return [
-        'negozio' => $codiceNegozio,
-        'ordine' => $prefisso . $ordine['codice'],
-        'importo' => (string) kvCentesimi($ordine),
-        'valuta' => $valutaServizio,
-        'email' => (string) $ordine['email'],
+        'negozio' => $shopCode,
+        'ordine' => $prefix . $order['codice'],
+        'importo' => (string) kvCentesimi($order),
+        'valuta' => $serviceCurrency,
+        'email' => (string) $order['email'],
         'lingua' => "<<4-codice_lingua>>",
         'ritorno' => kvIndirizzo("payok<<1-IDlingua>>.php"),
         'annullo' => kvIndirizzo("payerr<<1-IDlingua>>.php"),
@@ -154,26 +154,26 @@ function kvCampiPagamento(string $codiceNegozio, string $valutaServizio, string 
 }
 
 /** How an order is paid that no service is needed for: the words of the module and those of the shop, as HTML. */
-function kvIstruzioni(string $testo): string
+function kvIstruzioni(string $text): string
 {
-    return kvTesto(trim($testo));
+    return kvTesto(trim($text));
 }
 
 /** The same as plain text in UTF-8 for the mail, from the page of a payment method; empty for all other methods. */
-function kvIstruzioniMail(int $metodo): string
+function kvMailInstructions(int $method): string
 {
-    $pagina = (string) @file_get_contents('thankyou' . $metodo . '<<1-IDlingua>>.php');
-    if (!preg_match("/kvIstruzioni\\(<<<'(\\w+)'\r?\n(.*?)\r?\n\\1/s", $pagina, $parti)) {
+    $page = (string) @file_get_contents('thankyou' . $method . '<<1-IDlingua>>.php');
+    if (!preg_match("/kvIstruzioni\\(<<<'(\\w+)'\r?\n(.*?)\r?\n\\1/s", $page, $parts)) {
         return '';
     }
-    $testo = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($parti[2]));
-    return kvUtf8(html_entity_decode(strip_tags($testo), ENT_QUOTES, 'cp1252'));
+    $text = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($parts[2]));
+    return kvUtf8(html_entity_decode(strip_tags($text), ENT_QUOTES, 'cp1252'));
 }
 
 /** A free text of the merchant: HTML when it holds tags, else plain lines. */
-function kvTestoLibero(string $testo): string
+function kvFreeText(string $text): string
 {
-    return preg_match('/<.*>/s', $testo) ? $testo : nl2br(kvHtml($testo));
+    return preg_match('/<.*>/s', $text) ? $text : nl2br(kvHtml($text));
 }
 
 }

@@ -8,9 +8,9 @@ if (!defined('KORVANE_SHOP')) {
 include_once "kvtables.php";
 
 /** Sends the shopper to payok or payerr. */
-function kvEsitoPagamento(bool $pagato): void
+function kvEsitoPagamento(bool $isPaid): void
 {
-    kvGoTo($pagato ? "payok<<1-IDlingua>>.php" : "payerr<<1-IDlingua>>.php");
+    kvGoTo($isPaid ? "payok<<1-IDlingua>>.php" : "payerr<<1-IDlingua>>.php");
 }
 
 /**
@@ -20,15 +20,15 @@ function kvEsitoPagamento(bool $pagato): void
  */
 function kvInizioPagamento(): array
 {
-    $ordine = kvOrdineInCorso();
-    if ($ordine === null || $_SERVER['REQUEST_METHOD'] !== 'POST' || !kvIsTokenValid()
-        || kvCampo($_POST, 'ordine', 40) !== $ordine['codice']
-        || kvCampo($_POST, 'importo', 15) !== (string) kvCentesimi($ordine)) {
+    $order = kvOrdineInCorso();
+    if ($order === null || $_SERVER['REQUEST_METHOD'] !== 'POST' || !kvIsTokenValid()
+        || kvCampo($_POST, 'ordine', 40) !== $order['codice']
+        || kvCampo($_POST, 'importo', 15) !== (string) kvCentesimi($order)) {
         kvNotify("<<4-sessione_scaduta>>");
         kvGoTo("messaggio<<1-IDlingua>>.php");
     }
-    $chiave = kvAttemptsKey('pagamento', $ordine['codice']);
-    if (!kvAdmitAttempt($chiave, 'pagamenti')) {
+    $key = kvAttemptsKey('pagamento', $order['codice']);
+    if (!kvAdmitAttempt($key, 'pagamenti')) {
         kvNotify("<<4-troppi_tentativi>>");
         kvGoTo("messaggio<<1-IDlingua>>.php");
     }
@@ -48,18 +48,18 @@ function kvPaginaPagamento(string $form): void
 }
 
 /** Ends a notice: its answer, in a word and as a status. */
-function kvRispondi(int $codice): void
+function kvRispondi(int $code): void
 {
     header('Content-Type: text/plain; charset=us-ascii');
-    http_response_code($codice);
-    die($codice === 200 ? 'OK' : 'KO');
+    http_response_code($code);
+    die($code === 200 ? 'OK' : 'KO');
 }
 
 /** The order that a service names; its code may stand behind a word: "Ordine 260131-A1B2C3". */
-function kvOrdineNominato(string $nome): ?array
+function kvOrdineNominato(string $name): ?array
 {
-    $parole = explode(' ', $nome);
-    return kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [end($parole)]);
+    $words = explode(' ', $name);
+    return kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [end($words)]);
 }
 
 /**
@@ -67,33 +67,33 @@ function kvOrdineNominato(string $nome): ?array
  * contradicts an earlier one, else the new state. The same notice sent again changes nothing. An order that the
  * merchant has sent or cancelled meanwhile keeps its state, with the payment noted.
  */
-function kvStatoDopo(array $ordine, string $riferimento, bool $pagato): ?string
+function kvStateAfterPayment(array $order, string $reference, bool $isPaid): ?string
 {
-    if ($ordine['pagamento'] !== '') {
-        return $pagato && $ordine['pagamento'] === $riferimento ? $ordine['stato'] : null;
+    if ($order['pagamento'] !== '') {
+        return $isPaid && $order['pagamento'] === $reference ? $order['stato'] : null;
     }
-    if ($pagato) {
-        return in_array($ordine['stato'], ['nuovo', 'rifiutato', 'da verificare', 'importo diverso'], true) ? 'pagato' : $ordine['stato'];
+    if ($isPaid) {
+        return in_array($order['stato'], ['nuovo', 'rifiutato', 'da verificare', 'importo diverso'], true) ? 'pagato' : $order['stato'];
     }
-    return in_array($ordine['stato'], ['nuovo', 'da verificare'], true) ? 'rifiutato' : $ordine['stato'];
+    return in_array($order['stato'], ['nuovo', 'da verificare'], true) ? 'rifiutato' : $order['stato'];
 }
 
 /**
- * Notes the outcome of a payment with the order; false when it was refused. `transazione` is the service's own name of
+ * Notes the outcome of a payment with the order; false when it was refused. `transaction` is the service's own name of
  * the payment, by which a notice that comes twice is known.
  */
-function kvRegistraPagamento(string $codice, string $modulo, string $transazione, bool $pagato): bool
+function kvRegistraPagamento(string $code, string $form, string $transaction, bool $isPaid): bool
 {
-    if (!preg_match('/^[\x21-\x7e]{1,100}$/D', $transazione)) {
+    if (!preg_match('/^[\x21-\x7e]{1,100}$/D', $transaction)) {
         return false;
     }
-    $riferimento = $modulo . ' ' . $transazione;
+    $reference = $form . ' ' . $transaction;
     mysqli_begin_transaction(kvConnection());
-    $ordine = kvRiga('SELECT id, stato, pagamento FROM kv_ordini WHERE codice = ? FOR UPDATE', [$codice]);
-    $dopo = $ordine === null ? null : kvStatoDopo($ordine, $riferimento, $pagato);
-    $fatto = $dopo !== null && null !== kvQuery('UPDATE kv_ordini SET stato = ?, pagamento = ? WHERE id = ?',
-        [$dopo, $pagato ? $riferimento : $ordine['pagamento'], (int) $ordine['id']]);
-    if ($fatto) {
+    $order = kvRiga('SELECT id, stato, pagamento FROM kv_ordini WHERE codice = ? FOR UPDATE', [$code]);
+    $after = $order === null ? null : kvStateAfterPayment($order, $reference, $isPaid);
+    $done = $after !== null && null !== kvQuery('UPDATE kv_ordini SET stato = ?, pagamento = ? WHERE id = ?',
+        [$after, $isPaid ? $reference : $order['pagamento'], (int) $order['id']]);
+    if ($done) {
         return mysqli_commit(kvConnection());
     }
     mysqli_rollback(kvConnection());
@@ -101,10 +101,10 @@ function kvRegistraPagamento(string $codice, string $modulo, string $transazione
 }
 
 /** Marks an order of which another amount or currency was paid: the merchant has to look. The status of the answer. */
-function kvImportoDiverso(array $ordine): int
+function kvImportoDiverso(array $order): int
 {
     kvQuery("UPDATE kv_ordini SET stato = 'importo diverso' WHERE id = ? AND pagamento = ''"
-        . " AND stato IN ('nuovo', 'rifiutato', 'da verificare')", [(int) $ordine['id']]);
+        . " AND stato IN ('nuovo', 'rifiutato', 'da verificare')", [(int) $order['id']]);
     return 409;
 }
 
@@ -113,32 +113,32 @@ function kvImportoDiverso(array $ordine): int
  * order with the key in the field firma; and notes it. Result: the status of the answer. 403: not from the service, or
  * for another shop. 404: no such order. 409: another amount or currency, or against what was said before.
  */
-function kvAccettaEsito(array $detto, string $modulo, array $conto): int
+function kvAccettaEsito(array $given, string $form, array $account): int
 {
-    $campi = [];
-    foreach (['negozio', 'ordine', 'importo', 'valuta', 'transazione', 'esito'] as $nome) {
-        $campi[$nome] = kvCampo($detto, $nome, 100);
+    $fields = [];
+    foreach (['negozio', 'ordine', 'importo', 'valuta', 'transazione', 'esito'] as $name) {
+        $fields[$name] = kvCampo($given, $name, 100);
     }
-    $firmato = $conto['chiave'] !== '' && hash_equals(kvFirma($campi, $conto['chiave']), kvCampo($detto, 'firma'));
-    if (!$firmato || $conto['negozio'] === '' || $campi['negozio'] !== $conto['negozio']) {
+    $signed = $account['chiave'] !== '' && hash_equals(kvFirma($fields, $account['chiave']), kvCampo($given, 'firma'));
+    if (!$signed || $account['negozio'] === '' || $fields['negozio'] !== $account['negozio']) {
         return 403;
     }
-    $ordine = kvOrdineNominato($campi['ordine']);
-    if ($ordine === null) {
+    $order = kvOrdineNominato($fields['ordine']);
+    if ($order === null) {
         return 404;
     }
-    if ($campi['importo'] !== (string) kvCentesimi($ordine) || $campi['valuta'] !== $conto['valuta']) {
-        return $campi['esito'] === 'OK' ? kvImportoDiverso($ordine) : 409;
+    if ($fields['importo'] !== (string) kvCentesimi($order) || $fields['valuta'] !== $account['valuta']) {
+        return $fields['esito'] === 'OK' ? kvImportoDiverso($order) : 409;
     }
-    if (!in_array($campi['esito'], ['OK', 'KO'], true)) {
+    if (!in_array($fields['esito'], ['OK', 'KO'], true)) {
         return 409;
     }
-    $noto = kvRegistraPagamento((string) $ordine['codice'], $modulo, $campi['transazione'], $campi['esito'] === 'OK');
-    return $noto ? 200 : 409;
+    $known = kvRegistraPagamento((string) $order['codice'], $form, $fields['transazione'], $fields['esito'] === 'OK');
+    return $known ? 200 : 409;
 }
 
-/** Takes the notice that a service sends to the shop's server. `conto`: negozio, valuta, chiave. Never returns. */
-function kvNotifica(string $modulo, array $conto): void
+/** Takes the notice that a service sends to the shop's server. `account`: negozio, valuta, chiave. Never returns. */
+function kvNotifica(string $form, array $account): void
 {
-    kvRispondi($_SERVER['REQUEST_METHOD'] === 'POST' ? kvAccettaEsito($_POST, $modulo, $conto) : 405);
+    kvRispondi($_SERVER['REQUEST_METHOD'] === 'POST' ? kvAccettaEsito($_POST, $form, $account) : 405);
 }
