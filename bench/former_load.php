@@ -9,27 +9,27 @@ include_once "kvload.php";
 /** Runs the statements of a file; the first failure. */
 function formerFile(array $sql): string
 {
-    $limit = kvLimiteLotto();
+    $limit = kvBatchLimit();
     $table = $rows = '';
-    foreach (kvIstruzioniSql($sql) as $statement) {
+    foreach (kvSqlStatements($sql) as $statement) {
         $isRow = preg_match('/\AINSERT INTO (\S+)\s+VALUES \(/', $statement, $parts) === 1;
         if ($isRow && $parts[1] === $table && strlen($rows) + strlen($statement) < $limit) {
             $rows .= ',(' . substr($statement, strlen($parts[0]));
             continue;
         }
-        $failure = $rows === '' ? '' : kvEseguiSql($rows);
+        $failure = $rows === '' ? '' : kvRunSql($rows);
         $table = $isRow ? $parts[1] : '';
         $rows = $isRow ? $statement : '';
         if ($failure === '' && !$isRow && $statement !== '') {
-            $failure = stripos($statement, 'UNLOCK') === 0 ? kvEseguiSql('COMMIT') : '';
-            $failure = $failure === '' ? kvEseguiSql($statement) : $failure;
+            $failure = stripos($statement, 'UNLOCK') === 0 ? kvRunSql('COMMIT') : '';
+            $failure = $failure === '' ? kvRunSql($statement) : $failure;
         }
         if ($failure !== '') {
             return $failure;
         }
     }
-    $failure = $rows === '' ? '' : kvEseguiSql($rows);
-    return $failure === '' ? kvEseguiSql('COMMIT') : $failure;
+    $failure = $rows === '' ? '' : kvRunSql($rows);
+    return $failure === '' ? kvRunSql('COMMIT') : $failure;
 }
 
 @set_time_limit(0);
@@ -37,6 +37,6 @@ foreach (["SET SESSION sql_mode = 'STRICT_ALL_TABLES,NO_AUTO_VALUE_ON_ZERO'", 'S
           'SET foreign_key_checks = 0', 'SET autocommit = 0'] as $setting) {
     mysqli_query(kvConnection(), $setting);
 }
-$failure = formerFile(kvApriSql('dbdel.sql'));
-$failure = $failure === '' ? formerFile(kvApriSql('db.sql')) : $failure;
+$failure = formerFile(kvOpenSql('dbdel.sql'));
+$failure = $failure === '' ? formerFile(kvOpenSql('db.sql')) : $failure;
 echo $failure === '' ? 'OK' : $failure;

@@ -22,7 +22,7 @@ function kvVisibleArticles(string $table): string
  */
 function kvCountVisible(string $language, int $all): int
 {
-    if (!kvEsiste("kv_voci$language")) {
+    if (!kvTableExists("kv_voci$language")) {
         return (int) (kvRiga('SELECT COUNT(*) AS n' . kvVisibleArticles("articoli$language"))['n'] ?? 0);
     }
     $closed = kvQuery('SELECT ID FROM categorie WHERE NOT (nascosto = 0 AND inaccessibile = 0)') ?? [];
@@ -38,7 +38,7 @@ function kvCountVisible(string $language, int $all): int
 function kvMapParts(string $language): int
 {
     $table = 'articoli' . $language;
-    if (!kvEsiste($table)) {
+    if (!kvTableExists($table)) {
         return $language === '' ? 1 : 0;
     }
     // Which articles are visible takes long to count, and seldom says more than that there is one.
@@ -57,7 +57,7 @@ function kvMapParts(string $language): int
 function kvKeptMapParts(string $language, string $loaded): int
 {
     $kept = kvStoredValue("mappa$language");
-    if ($language !== $loaded && ctype_digit($kept) && kvEsiste("articoli$language")) {
+    if ($language !== $loaded && ctype_digit($kept) && kvTableExists("articoli$language")) {
         return (int) $kept;
     }
     $parts = kvMapParts($language);

@@ -7,236 +7,236 @@
 include_once "kvutf8.php";
 
 /** Where a word is: in the title, in the code, in the texts. A lower number comes first among results. */
-const KV_RANGHI = ['plain_titolo' => 0, 'codice' => 1, 'plain_sottotitolo' => 2, 'descrizione' => 2, 'note' => 2];
+const KV_RANKS = ['plain_titolo' => 0, 'codice' => 1, 'plain_sottotitolo' => 2, 'descrizione' => 2, 'note' => 2];
 /** Articles whose words are read at a time, and steps of reading whose words are written at once, in their order. */
-const KV_ARTICOLI_INSIEME = 500;
-const KV_PASSI_INSIEME = 20;
+const KV_ARTICLES_TOGETHER = 500;
+const KV_STEPS_TOGETHER = 20;
 /** Most bytes of a statement that writes rows of the index. */
-const KV_RIGHE_INDICE = 500000;
+const KV_INDEX_ROWS = 500000;
 /**
  * What the words of an article are read from, as bytes that tell one state from another; the number changes with the
  * rules of this file.
  */
-const KV_SEGNO = "UNHEX(MD5(CONCAT('1', '\n', IFNULL(catID, ''), '\n', IFNULL(codice, ''), '\n', IFNULL(plain_titolo, ''),"
+const KV_DIGEST = "UNHEX(MD5(CONCAT('1', '\n', IFNULL(catID, ''), '\n', IFNULL(codice, ''), '\n', IFNULL(plain_titolo, ''),"
     . " '\n', IFNULL(plain_sottotitolo, ''), '\n', IFNULL(descrizione, ''), '\n', IFNULL(note, ''), '\n', IFNULL(correlazione, ''))))";
 
 /** The words of an UTF-8 text, folded: its runs of characters and digits, of forty characters at most. */
-function kvParoleTesto(string $testo): array
+function kvTextWords(string $text): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($testo), $trovate);
-    return array_map(fn($parola) => kvCut($parola, 40), $trovate[0]);
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($text), $found);
+    return array_map(fn($word) => kvCut($word, 40), $found[0]);
 }
 
 /** The words of an article row with their rank, the best one of each. */
-function kvParoleArticolo(array $riga): array
+function kvArticleWords(array $row): array
 {
-    $parole = [];
-    foreach (KV_RANGHI as $campo => $rango) {
-        $testo = (string) ($riga[$campo] ?? '');
-        $testo = strpbrk($testo, '<&') === false ? $testo
-            : html_entity_decode(preg_replace('/<[^>]*>/', ' ', $testo), ENT_QUOTES, 'cp1252');
-        foreach (kvParoleTesto(kvUtf8($testo)) as $parola) {
-            $parole += [$parola => $rango];
+    $words = [];
+    foreach (KV_RANKS as $field => $rank) {
+        $text = (string) ($row[$field] ?? '');
+        $text = strpbrk($text, '<&') === false ? $text
+            : html_entity_decode(preg_replace('/<[^>]*>/', ' ', $text), ENT_QUOTES, 'cp1252');
+        foreach (kvTextWords(kvUtf8($text)) as $word) {
+            $words += [$word => $rank];
         }
     }
-    return $parole;
+    return $words;
 }
 
 /** Makes the tables of a language anew, to be filled before they take the position of the former ones. The failure. */
-function kvTabelleIndice(string $lingua): string
+function kvIndexTables(string $language): string
 {
-    $parola = 'parola VARCHAR(40) CHARACTER SET utf8mb4 COLLATE utf8mb4_bin NOT NULL';
-    $guasto = '';
-    foreach (["kv_parole$lingua" => "$parola, articolo INT NOT NULL, rango TINYINT NOT NULL, PRIMARY KEY (parola, articolo)",
-              "kv_vocaboli$lingua" => "$parola PRIMARY KEY",
-              "kv_voci$lingua" => 'articolo INT NOT NULL PRIMARY KEY, reparto VARCHAR(20) CHARACTER SET utf8mb4 NOT NULL,'
+    $word = 'parola VARCHAR(40) CHARACTER SET utf8mb4 COLLATE utf8mb4_bin NOT NULL';
+    $failure = '';
+    foreach (["kv_parole$language" => "$word, articolo INT NOT NULL, rango TINYINT NOT NULL, PRIMARY KEY (parola, articolo)",
+              "kv_vocaboli$language" => "$word PRIMARY KEY",
+              "kv_voci$language" => 'articolo INT NOT NULL PRIMARY KEY, reparto VARCHAR(20) CHARACTER SET utf8mb4 NOT NULL,'
               . ' titolo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, segno BINARY(16) NOT NULL,'
-              . ' gruppo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, KEY gruppo (gruppo)'] as $nome => $colonne) {
-        $guasto = $guasto === '' ? kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $nome) : $guasto;
-        $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$nome ($colonne) ENGINE=InnoDB") : $guasto;
+              . ' gruppo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, KEY gruppo (gruppo)'] as $name => $columns) {
+        $failure = $failure === '' ? kvRunSql('DROP TABLE IF EXISTS ' . KV_NEW . $name) : $failure;
+        $failure = $failure === '' ? kvRunSql('CREATE TABLE ' . KV_NEW . "$name ($columns) ENGINE=InnoDB") : $failure;
     }
-    return $guasto;
+    return $failure;
 }
 
 /** Adds the words of some article rows to those that wait: each word with "article,rank;", each article with its row. */
-function kvRaccogliParole(array $righe, array &$parole, array &$articoli): void
+function kvCollectWords(array $rows, array &$words, array &$articles): void
 {
-    $testo = fn(string $valore): string => "'" . mysqli_real_escape_string(kvConnection(), $valore) . "'";
+    $text = fn(string $value): string => "'" . mysqli_real_escape_string(kvConnection(), $value) . "'";
     kvSetCharset('utf8mb4');
-    foreach ($righe as $riga) {
-        $titolo = kvCut(kvFold(kvUtf8((string) $riga['plain_titolo'])), 60);
-        $articoli[] = '(' . (int) $riga['ID'] . ',' . $testo(kvUtf8((string) $riga['catID'])) . ',' . $testo($titolo) . ',0x'
-            . bin2hex($riga['segno']) . ',' . $testo(kvIndexGroup((string) $riga['correlazione'])) . ')';
-        foreach (kvParoleArticolo($riga) as $parola => $rango) {
-            $parole[$parola] = ($parole[$parola] ?? '') . (int) $riga['ID'] . ",$rango;";
+    foreach ($rows as $row) {
+        $title = kvCut(kvFold(kvUtf8((string) $row['plain_titolo'])), 60);
+        $articles[] = '(' . (int) $row['ID'] . ',' . $text(kvUtf8((string) $row['catID'])) . ',' . $text($title) . ',0x'
+            . bin2hex($row['segno']) . ',' . $text(kvIndexGroup((string) $row['correlazione'])) . ')';
+        foreach (kvArticleWords($row) as $word => $rank) {
+            $words[$word] = ($words[$word] ?? '') . (int) $row['ID'] . ",$rank;";
         }
     }
 }
 
-/** Inserts rows, each "(...)", in statements of a size that the server takes; `come` is INSERT and its table. The failure. */
-function kvInserisciRighe(string $come, iterable $righe): string
+/** Inserts rows, each "(...)", in statements of a size that the server takes; `insert` is INSERT and its table. The failure. */
+function kvInsertRows(string $insert, iterable $rows): string
 {
-    $massimo = min(KV_RIGHE_INDICE, kvLimiteLotto() - 1000);
-    $lotto = '';
-    foreach ($righe as $riga) {
-        $lotto .= ($lotto === '' ? '' : ',') . $riga;
-        if (strlen($lotto) > $massimo) {
-            if (mysqli_query(kvConnection(), "$come VALUES $lotto") === false) {
-                return kvGuastoSql($come);
+    $most = min(KV_INDEX_ROWS, kvBatchLimit() - 1000);
+    $batch = '';
+    foreach ($rows as $row) {
+        $batch .= ($batch === '' ? '' : ',') . $row;
+        if (strlen($batch) > $most) {
+            if (mysqli_query(kvConnection(), "$insert VALUES $batch") === false) {
+                return kvSqlFailure($insert);
             }
-            kvSegnoDiVita();
-            $lotto = '';
+            kvSignOfLife();
+            $batch = '';
         }
     }
-    return $lotto === '' || mysqli_query(kvConnection(), "$come VALUES $lotto") !== false ? '' : kvGuastoSql($come);
+    return $batch === '' || mysqli_query(kvConnection(), "$insert VALUES $batch") !== false ? '' : kvSqlFailure($insert);
 }
 
 /** Rows of kv_parole in the order of their key, which the server adds to the end of its pages. */
-function kvRigheParole(array $parole): Generator
+function kvWordRows(array $words): Generator
 {
-    ksort($parole, SORT_STRING);
-    foreach ($parole as $parola => $voci) {
-        foreach (explode(';', rtrim($voci, ';')) as $voce) {
-            yield "('$parola',$voce)";
+    ksort($words, SORT_STRING);
+    foreach ($words as $word => $entries) {
+        foreach (explode(';', rtrim($entries, ';')) as $entry) {
+            yield "('$word',$entry)";
         }
     }
 }
 
-/** Writes the words that wait; `forma` makes the name of a table. The failure. */
-function kvScriviParole(array $parole, array $articoli, callable $forma): string
+/** Writes the words that wait; `pattern` makes the name of a table. The failure. */
+function kvWriteWords(array $words, array $articles, callable $pattern): string
 {
     kvSetCharset('utf8mb4');
-    $vocaboli = array_map(fn($parola) => "('$parola')", array_keys($parole));
+    $shopWords = array_map(fn($word) => "('$word')", array_keys($words));
     // Without IGNORE, which a word of before alone needs, some servers sort the rows of an empty table by themselves.
-    $guasto = kvInserisciRighe('INSERT INTO ' . $forma('kv_parole'), kvRigheParole($parole));
-    $guasto = $guasto === '' ? kvInserisciRighe('INSERT IGNORE INTO ' . $forma('kv_vocaboli'), $vocaboli) : $guasto;
-    return $guasto === '' ? kvInserisciRighe('INSERT INTO ' . $forma('kv_voci'), $articoli) : $guasto;
+    $failure = kvInsertRows('INSERT INTO ' . $pattern('kv_parole'), kvWordRows($words));
+    $failure = $failure === '' ? kvInsertRows('INSERT IGNORE INTO ' . $pattern('kv_vocaboli'), $shopWords) : $failure;
+    return $failure === '' ? kvInsertRows('INSERT INTO ' . $pattern('kv_voci'), $articles) : $failure;
 }
 
-/** Reads articles in steps and writes their words; `dove` chooses among them, `forma` makes names of tables. The failure. */
-function kvLeggiParole(array $tabelle, string $dove, callable $forma): string
+/** Reads articles in steps and writes their words; `where` chooses among them, `pattern` makes names of tables. The failure. */
+function kvReadWords(array $tables, string $where, callable $pattern): string
 {
-    list($articoli, $dettaglio) = $tabelle;
-    $ultimo = -2147483648;
-    $parole = $voci = [];
-    for ($passo = 1; true; $passo++) {
+    list($articles, $cartText) = $tables;
+    $last = -2147483648;
+    $words = $entries = [];
+    for ($step = 1; true; $step++) {
         kvSetCharset('latin1');
-        $esito = mysqli_query(kvConnection(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
-            . ' correlazione, ' . KV_SEGNO . " AS segno FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID WHERE a.ID > $ultimo AND $dove"
-            . ' ORDER BY a.ID LIMIT ' . KV_ARTICOLI_INSIEME);
-        if ($esito === false) {
-            return kvGuastoSql("SELECT FROM $articoli");
+        $result = mysqli_query(kvConnection(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
+            . ' correlazione, ' . KV_DIGEST . " AS segno FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID WHERE a.ID > $last AND $where"
+            . ' ORDER BY a.ID LIMIT ' . KV_ARTICLES_TOGETHER);
+        if ($result === false) {
+            return kvSqlFailure("SELECT FROM $articles");
         }
-        $righe = mysqli_fetch_all($esito, MYSQLI_ASSOC);
-        kvRaccogliParole($righe, $parole, $voci);
-        $finito = count($righe) < KV_ARTICOLI_INSIEME;
-        if ($finito || $passo % KV_PASSI_INSIEME === 0) {
-            $guasto = kvScriviParole($parole, $voci, $forma);
-            if ($finito || $guasto !== '') {
-                return $guasto;
+        $rows = mysqli_fetch_all($result, MYSQLI_ASSOC);
+        kvCollectWords($rows, $words, $entries);
+        $finished = count($rows) < KV_ARTICLES_TOGETHER;
+        if ($finished || $step % KV_STEPS_TOGETHER === 0) {
+            $failure = kvWriteWords($words, $entries, $pattern);
+            if ($finished || $failure !== '') {
+                return $failure;
             }
-            $parole = $voci = [];
+            $words = $entries = [];
         }
-        $ultimo = (int) end($righe)['ID'];
-        kvSegnoDiVita();
+        $last = (int) end($rows)['ID'];
+        kvSignOfLife();
     }
 }
 
 /** Whether the index of a language is there as this release makes it. */
-function kvIndiceNuovo(string $lingua): bool
+function kvIsIndexCurrent(string $language): bool
 {
-    return kvEsiste("kv_parole$lingua") && kvRiga('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA ='
-        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'gruppo'", ["kv_voci$lingua"]) !== null;
+    return kvTableExists("kv_parole$language") && kvRiga('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA ='
+        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'gruppo'", ["kv_voci$language"]) !== null;
 }
 
 /**
  * The numbers of the articles whose words the index doesn't have as they are in the tables, those gone included; null
  * when there is no index, or when so many of them differ that making it anew is less work.
  */
-function kvArticoliDiversi(array $tabelle, string $lingua): ?array
+function kvDifferingArticles(array $tables, string $language): ?array
 {
-    list($articoli, $dettaglio) = $tabelle;
-    if (!kvIndiceNuovo($lingua)) {
+    list($articles, $cartText) = $tables;
+    if (!kvIsIndexCurrent($language)) {
         return null;
     }
     kvSetCharset('latin1');
-    $esito = mysqli_query(kvConnection(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
-        . " kv_voci$lingua v ON v.articolo = a.ID WHERE v.articolo IS NULL OR v.segno <> " . KV_SEGNO);
-    $quanti = mysqli_query(kvConnection(), "SELECT COUNT(*), (SELECT COUNT(*) FROM kv_voci$lingua) FROM $articoli");
-    if (!$esito instanceof mysqli_result || !$quanti instanceof mysqli_result) {
+    $result = mysqli_query(kvConnection(), "SELECT a.ID FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID LEFT JOIN"
+        . " kv_voci$language v ON v.articolo = a.ID WHERE v.articolo IS NULL OR v.segno <> " . KV_DIGEST);
+    $count = mysqli_query(kvConnection(), "SELECT COUNT(*), (SELECT COUNT(*) FROM kv_voci$language) FROM $articles");
+    if (!$result instanceof mysqli_result || !$count instanceof mysqli_result) {
         return null;
     }
-    $numeri = array_column(mysqli_fetch_all($esito), 0);
-    list($righe, $voci) = mysqli_fetch_row($quanti);
-    if ($numeri !== [] || $righe !== $voci) {
-        $esito = mysqli_query(kvConnection(), "SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo"
+    $numbers = array_column(mysqli_fetch_all($result), 0);
+    list($rows, $entries) = mysqli_fetch_row($count);
+    if ($numbers !== [] || $rows !== $entries) {
+        $result = mysqli_query(kvConnection(), "SELECT articolo FROM kv_voci$language LEFT JOIN $articles a ON a.ID = articolo"
             . ' WHERE a.ID IS NULL');
-        if (!$esito instanceof mysqli_result) {
+        if (!$result instanceof mysqli_result) {
             return null;
         }
-        $numeri = array_values(array_unique(array_merge($numeri, array_column(mysqli_fetch_all($esito), 0))));
+        $numbers = array_values(array_unique(array_merge($numbers, array_column(mysqli_fetch_all($result), 0))));
     }
-    return count($numeri) * 4 > (int) $righe ? null : $numeri;
+    return count($numbers) * 4 > (int) $rows ? null : $numbers;
 }
 
 /** Of some articles those whose words the index doesn't have as they are in the tables, those gone included. */
-function kvDiversiTra(array $numeri, array $tabelle, string $lingua): array
+function kvDifferingAmong(array $numbers, array $tables, string $language): array
 {
-    list($articoli, $dettaglio) = $tabelle;
+    list($articles, $cartText) = $tables;
     kvSetCharset('latin1');
-    $diversi = [];
-    foreach (array_chunk($numeri, KV_ARTICOLI_INSIEME) as $alcuni) {
-        $elenco = implode(',', array_map('intval', $alcuni));
-        $esito = mysqli_query(kvConnection(), "SELECT a.ID FROM $articoli a LEFT JOIN $dettaglio d ON d.ID = a.ID LEFT JOIN"
-            . " kv_voci$lingua v ON v.articolo = a.ID WHERE a.ID IN ($elenco) AND (v.articolo IS NULL OR v.segno <> " . KV_SEGNO
-            . ") UNION SELECT articolo FROM kv_voci$lingua LEFT JOIN $articoli a ON a.ID = articolo WHERE articolo IN ($elenco)"
+    $differing = [];
+    foreach (array_chunk($numbers, KV_ARTICLES_TOGETHER) as $some) {
+        $list = implode(',', array_map('intval', $some));
+        $result = mysqli_query(kvConnection(), "SELECT a.ID FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID LEFT JOIN"
+            . " kv_voci$language v ON v.articolo = a.ID WHERE a.ID IN ($list) AND (v.articolo IS NULL OR v.segno <> " . KV_DIGEST
+            . ") UNION SELECT articolo FROM kv_voci$language LEFT JOIN $articles a ON a.ID = articolo WHERE articolo IN ($list)"
             . ' AND a.ID IS NULL');
-        $diversi[] = $esito instanceof mysqli_result ? array_column(mysqli_fetch_all($esito), 0) : $alcuni;
+        $differing[] = $result instanceof mysqli_result ? array_column(mysqli_fetch_all($result), 0) : $some;
     }
-    return $diversi === [] ? [] : array_merge(...$diversi);
+    return $differing === [] ? [] : array_merge(...$differing);
 }
 
 /** Makes the index of a language anew beside the former one. The failure. */
-function kvIndiceDaCapo(KvCarico $carico, array $tabelle): string
+function kvRebuildIndex(KvLoad $load, array $tables): string
 {
-    $guasto = kvTabelleIndice($carico->lingua);
-    foreach (['kv_parole', 'kv_vocaboli', 'kv_voci'] as $nome) {
-        $carico->nuove[] = $nome . $carico->lingua;
+    $failure = kvIndexTables($load->language);
+    foreach (['kv_parole', 'kv_vocaboli', 'kv_voci'] as $name) {
+        $load->made[] = $name . $load->language;
     }
-    $guasto = $guasto === ''
-        ? kvLeggiParole($tabelle, '1 = 1', fn(string $nome): string => KV_NUOVA . $nome . $carico->lingua) : $guasto;
+    $failure = $failure === ''
+        ? kvReadWords($tables, '1 = 1', fn(string $name): string => KV_NEW . $name . $load->language) : $failure;
     // A key that is made of rows which are there is sorted at once.
-    return $guasto === ''
-        ? kvEseguiSql('ALTER TABLE ' . KV_NUOVA . "kv_parole{$carico->lingua} ADD KEY articolo (articolo)") : $guasto;
+    return $failure === ''
+        ? kvRunSql('ALTER TABLE ' . KV_NEW . "kv_parole{$load->language} ADD KEY articolo (articolo)") : $failure;
 }
 
 /** Brings the index up to what a load brings: anew where there is none, else for the articles that differ. The failure. */
-function kvIndicizza(KvCarico $carico): string
+function kvUpdateIndex(KvLoad $load): string
 {
-    $articoli = 'articoli' . $carico->lingua;
-    $nuova = fn(string $tabella): string => (in_array($tabella, $carico->nuove, true) ? KV_NUOVA : '') . $tabella;
-    if (!in_array($articoli, $carico->nuove, true)) {
-        return $carico->articoli === [] ? '' : kvIndicizzaCambiati($carico);
+    $articles = 'articoli' . $load->language;
+    $isNew = fn(string $table): string => (in_array($table, $load->made, true) ? KV_NEW : '') . $table;
+    if (!in_array($articles, $load->made, true)) {
+        return $load->articles === [] ? '' : kvIndexChanged($load);
     }
-    if (!in_array('dettaglio', $carico->nuove, true) && !kvEsiste('dettaglio')) {
+    if (!in_array('dettaglio', $load->made, true) && !kvTableExists('dettaglio')) {
         return '';
     }
-    $tabelle = [$nuova($articoli), $nuova('dettaglio')];
-    $diversi = kvArticoliDiversi($tabelle, $carico->lingua);
-    return $diversi === null ? kvIndiceDaCapo($carico, $tabelle) : kvRileggiArticoli($diversi, $tabelle, $carico->lingua);
+    $tables = [$isNew($articles), $isNew('dettaglio')];
+    $differing = kvDifferingArticles($tables, $load->language);
+    return $differing === null ? kvRebuildIndex($load, $tables) : kvRereadArticles($differing, $tables, $load->language);
 }
 
 /** Reads the words of some articles again, in the transaction of the load. The failure. */
-function kvRileggiArticoli(array $numeri, array $tabelle, string $lingua): string
+function kvRereadArticles(array $numbers, array $tables, string $language): string
 {
-    foreach (array_chunk($numeri, KV_ARTICOLI_INSIEME) as $alcuni) {
-        $elenco = implode(',', array_map('intval', $alcuni));
-        $guasto = kvEseguiSql("DELETE FROM kv_parole$lingua WHERE articolo IN ($elenco)");
-        $guasto = $guasto === '' ? kvEseguiSql("DELETE FROM kv_voci$lingua WHERE articolo IN ($elenco)") : $guasto;
-        $guasto = $guasto === ''
-            ? kvLeggiParole($tabelle, "a.ID IN ($elenco)", fn(string $nome): string => $nome . $lingua) : $guasto;
-        if ($guasto !== '') {
-            return $guasto;
+    foreach (array_chunk($numbers, KV_ARTICLES_TOGETHER) as $some) {
+        $list = implode(',', array_map('intval', $some));
+        $failure = kvRunSql("DELETE FROM kv_parole$language WHERE articolo IN ($list)");
+        $failure = $failure === '' ? kvRunSql("DELETE FROM kv_voci$language WHERE articolo IN ($list)") : $failure;
+        $failure = $failure === ''
+            ? kvReadWords($tables, "a.ID IN ($list)", fn(string $name): string => $name . $language) : $failure;
+        if ($failure !== '') {
+            return $failure;
         }
     }
     return '';
@@ -246,20 +246,20 @@ function kvRileggiArticoli(array $numeri, array $tabelle, string $lingua): strin
  * The words of the changed articles. Their codes are in one table for all languages, which the first one brings: what it
  * brings for others shows in its own marks as well. Most changes are of prices, which have no words.
  */
-function kvIndicizzaCambiati(KvCarico $carico): string
+function kvIndexChanged(KvLoad $load): string
 {
-    $numeri = array_keys($carico->articoli);
-    foreach ($carico->lingua === '' ? ['', '_l2', '_l3', '_l4'] : [$carico->lingua] as $lingua) {
-        if (!kvIndiceNuovo($lingua)) {
+    $numbers = array_keys($load->articles);
+    foreach ($load->language === '' ? ['', '_l2', '_l3', '_l4'] : [$load->language] as $language) {
+        if (!kvIsIndexCurrent($language)) {
             continue;
         }
-        $tabelle = ["articoli$lingua", 'dettaglio'];
-        $diversi = kvDiversiTra($numeri, $tabelle, $lingua);
-        $guasto = kvRileggiArticoli($diversi, $tabelle, $lingua);
-        if ($guasto !== '') {
-            return $guasto;
+        $tables = ["articoli$language", 'dettaglio'];
+        $differing = kvDifferingAmong($numbers, $tables, $language);
+        $failure = kvRereadArticles($differing, $tables, $language);
+        if ($failure !== '') {
+            return $failure;
         }
-        $numeri = $lingua === '' ? $diversi : $numeri;
+        $numbers = $language === '' ? $differing : $numbers;
     }
     return '';
 }

@@ -6,50 +6,50 @@
 include_once "kvindex.php";
 
 /** What the names of tables being filled, and of those being taken away, begin with. */
-const KV_NUOVA = 'kvn_';
-const KV_VECCHIA = 'kvo_';
+const KV_NEW = 'kvn_';
+const KV_OLD = 'kvo_';
 /** Tables of the catalogue that are sent only while they hold a row; a full load without one takes it away. */
-const KV_TALVOLTA = ['kv_unita', 'kv_minimi', 'kv_sicurezza', 'kv_produttori', 'kv_consegna'];
+const KV_SOMETIMES = ['kv_unita', 'kv_minimi', 'kv_sicurezza', 'kv_produttori', 'kv_consegna'];
 
 /** The state of a load: the tables to be dropped, those made anew, the numbers of changed articles. */
-final class KvCarico
+final class KvLoad
 {
     /** @var string[] */
-    public $via = [];
+    public $drops = [];
     /** @var string[] */
-    public $nuove = [];
+    public $made = [];
     /** @var int[] */
-    public $articoli = [];
+    public $articles = [];
     /** @var string[] What a load that was ended has left. */
-    public $resti;
+    public $leftovers;
     /** @var string */
-    public $lingua;
+    public $language;
 
-    public function __construct(string $lingua)
+    public function __construct(string $language)
     {
-        $this->lingua = $lingua;
-        $this->resti = kvTabelleComincianti(KV_NUOVA);
+        $this->language = $language;
+        $this->leftovers = kvTablesBeginning(KV_NEW);
     }
 }
 
 /** Takes a statement of the drop file: a table to be dropped waits for the end, rows are deleted at once. The failure. */
-function kvTogliDaCarico(KvCarico $carico, string $istruzione): string
+function kvDropForLoad(KvLoad $load, string $statement): string
 {
-    if (preg_match('/\ADROP TABLE (\S+)\z/i', trim($istruzione), $parti)) {
-        $carico->via[] = $parti[1];
+    if (preg_match('/\ADROP TABLE (\S+)\z/i', trim($statement), $parts)) {
+        $load->drops[] = $parts[1];
         return '';
     }
-    if (preg_match('/\ADELETE FROM (?:articoli\w*|dettaglio) WHERE ID IN \((.*)\)\z/is', trim($istruzione), $parti)) {
-        kvArticoliCambiati($carico, explode(',', $parti[1]));
+    if (preg_match('/\ADELETE FROM (?:articoli\w*|dettaglio) WHERE ID IN \((.*)\)\z/is', trim($statement), $parts)) {
+        kvNoteChangedArticles($load, explode(',', $parts[1]));
     }
-    return kvEseguiSql($istruzione);
+    return kvRunSql($statement);
 }
 
 /** Notes articles whose words are to be read again; numbers come between quotes. */
-function kvArticoliCambiati(KvCarico $carico, array $numeri): void
+function kvNoteChangedArticles(KvLoad $load, array $numbers): void
 {
-    foreach ($numeri as $numero) {
-        $carico->articoli[(int) trim($numero, " '\r\n")] = true;
+    foreach ($numbers as $number) {
+        $load->articles[(int) trim($number, " '\r\n")] = true;
     }
 }
 
@@ -57,130 +57,130 @@ function kvArticoliCambiati(KvCarico $carico, array $numeri): void
  * A statement of the load file as it is run: against the table being filled where there is one. Null for one that has no
  * use: locks, which would end a transaction.
  */
-function kvIstruzioneCarico(KvCarico $carico, string $istruzione): ?string
+function kvLoadStatement(KvLoad $load, string $statement): ?string
 {
-    if (preg_match('/\A(?:UN)?LOCK TABLES?\b/i', $istruzione)) {
+    if (preg_match('/\A(?:UN)?LOCK TABLES?\b/i', $statement)) {
         return null;
     }
-    if (preg_match('/\ACREATE TABLE (\S+)/i', $istruzione, $parti)) {
-        $carico->nuove[] = $parti[1];
-        if (in_array(KV_NUOVA . $parti[1], $carico->resti, true)) {
-            kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $parti[1]);
+    if (preg_match('/\ACREATE TABLE (\S+)/i', $statement, $parts)) {
+        $load->made[] = $parts[1];
+        if (in_array(KV_NEW . $parts[1], $load->leftovers, true)) {
+            kvRunSql('DROP TABLE IF EXISTS ' . KV_NEW . $parts[1]);
         }
-        return 'CREATE TABLE ' . KV_NUOVA . $parti[1] . substr($istruzione, strlen($parti[0]));
+        return 'CREATE TABLE ' . KV_NEW . $parts[1] . substr($statement, strlen($parts[0]));
     }
-    if (preg_match('/\AINSERT INTO (\S+)/i', $istruzione, $parti)) {
-        if (in_array($parti[1], $carico->nuove, true)) {
-            return 'INSERT INTO ' . KV_NUOVA . substr($istruzione, strlen('INSERT INTO '));
+    if (preg_match('/\AINSERT INTO (\S+)/i', $statement, $parts)) {
+        if (in_array($parts[1], $load->made, true)) {
+            return 'INSERT INTO ' . KV_NEW . substr($statement, strlen('INSERT INTO '));
         }
-        if (preg_match('/\A(?:articoli\w*|dettaglio)\z/', $parti[1])
-            && preg_match('/VALUES \(\s*(\d+)/', $istruzione, $numero)) {
-            kvArticoliCambiati($carico, [$numero[1]]);
+        if (preg_match('/\A(?:articoli\w*|dettaglio)\z/', $parts[1])
+            && preg_match('/VALUES \(\s*(\d+)/', $statement, $number)) {
+            kvNoteChangedArticles($load, [$number[1]]);
         }
     }
-    return $istruzione;
+    return $statement;
 }
 
 /** Tables of the catalogue that a build only writes where it has rows for them. */
-const KV_LATERALI = ['kv_offerte'];
+const KV_SIDE_TABLES = ['kv_offerte'];
 
 /** Where the whole catalogue comes without one of these tables, its former rows go with it. The failure. */
-function kvSvuotaLaterali(KvCarico $carico): string
+function kvEmptySideTables(KvLoad $load): string
 {
-    $guasto = '';
-    foreach (in_array('ordinamento', $carico->nuove, true) ? array_diff(KV_LATERALI, $carico->nuove) : [] as $tabella) {
-        if (kvQuery("SELECT 1 FROM $tabella LIMIT 1") === []) {
+    $failure = '';
+    foreach (in_array('ordinamento', $load->made, true) ? array_diff(KV_SIDE_TABLES, $load->made) : [] as $table) {
+        if (kvQuery("SELECT 1 FROM $table LIMIT 1") === []) {
             continue;
         }
-        $guasto = $guasto === '' ? kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $tabella) : $guasto;
-        $guasto = $guasto === '' ? kvEseguiSql('CREATE TABLE ' . KV_NUOVA . "$tabella (" . kvDefinitions()[$tabella]
-            . ') ENGINE=InnoDB') : $guasto;
-        $carico->nuove[] = $tabella;
+        $failure = $failure === '' ? kvRunSql('DROP TABLE IF EXISTS ' . KV_NEW . $table) : $failure;
+        $failure = $failure === '' ? kvRunSql('CREATE TABLE ' . KV_NEW . "$table (" . kvDefinitions()[$table]
+            . ') ENGINE=InnoDB') : $failure;
+        $load->made[] = $table;
     }
-    return $guasto;
+    return $failure;
 }
 
 /** Puts the filled tables in the position of the former ones, all at once; takes those away. The failure. */
-function kvScambia(KvCarico $carico): string
+function kvSwapTables(KvLoad $load): string
 {
-    $passi = [];
-    $vecchie = [];
-    $presenti = kvTabelleComincianti('');
-    foreach (array_unique(array_merge($carico->via, $carico->nuove)) as $tabella) {
-        if (in_array($tabella, $presenti, true)) {
-            if (in_array(KV_VECCHIA . $tabella, $presenti, true)) {
-                kvEseguiSql('DROP TABLE IF EXISTS ' . KV_VECCHIA . $tabella);
+    $steps = [];
+    $old = [];
+    $present = kvTablesBeginning('');
+    foreach (array_unique(array_merge($load->drops, $load->made)) as $table) {
+        if (in_array($table, $present, true)) {
+            if (in_array(KV_OLD . $table, $present, true)) {
+                kvRunSql('DROP TABLE IF EXISTS ' . KV_OLD . $table);
             }
-            $passi[] = "$tabella TO " . KV_VECCHIA . $tabella;
-            $vecchie[] = KV_VECCHIA . $tabella;
+            $steps[] = "$table TO " . KV_OLD . $table;
+            $old[] = KV_OLD . $table;
         }
-        if (in_array($tabella, $carico->nuove, true)) {
-            $passi[] = KV_NUOVA . "$tabella TO $tabella";
+        if (in_array($table, $load->made, true)) {
+            $steps[] = KV_NEW . "$table TO $table";
         }
     }
-    $guasto = $passi === [] ? '' : kvEseguiSql('RENAME TABLE ' . implode(', ', $passi));
-    if ($guasto === '' && $vecchie !== []) {
-        kvEseguiSql('DROP TABLE IF EXISTS ' . implode(', ', $vecchie));
+    $failure = $steps === [] ? '' : kvRunSql('RENAME TABLE ' . implode(', ', $steps));
+    if ($failure === '' && $old !== []) {
+        kvRunSql('DROP TABLE IF EXISTS ' . implode(', ', $old));
     }
-    return $guasto;
+    return $failure;
 }
 
 /** The tables of the database whose names begin so. */
-function kvTabelleComincianti(string $inizio): array
+function kvTablesBeginning(string $start): array
 {
-    $esito = mysqli_query(kvConnection(), "SHOW TABLES LIKE '" . addcslashes($inizio, '_%') . "%'");
-    return $esito instanceof mysqli_result ? array_column(mysqli_fetch_all($esito), 0) : [];
+    $result = mysqli_query(kvConnection(), "SHOW TABLES LIKE '" . addcslashes($start, '_%') . "%'");
+    return $result instanceof mysqli_result ? array_column(mysqli_fetch_all($result), 0) : [];
 }
 
 /** Whether a table is there. */
-function kvEsiste(string $tabella): bool
+function kvTableExists(string $table): bool
 {
     return kvRiga('SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA = DATABASE() AND TABLE_NAME = ?',
-        [$tabella]) !== null;
+        [$table]) !== null;
 }
 
 /** What a failed load leaves: nothing. */
-function kvAnnullaCarico(KvCarico $carico): void
+function kvCancelLoad(KvLoad $load): void
 {
-    kvEseguiSql('ROLLBACK');
-    foreach ($carico->nuove as $tabella) {
-        kvEseguiSql('DROP TABLE IF EXISTS ' . KV_NUOVA . $tabella);
+    kvRunSql('ROLLBACK');
+    foreach ($load->made as $table) {
+        kvRunSql('DROP TABLE IF EXISTS ' . KV_NEW . $table);
     }
 }
 
 /** Runs both files of a load as one step. The first failure, empty when all went well. */
-function kvCaricaInsieme(array $via, array $nuovo, string $lingua): string
+function kvLoadTogether(array $drops, array $new, string $language): string
 {
-    $carico = new KvCarico($lingua);
-    $guasto = '';
-    foreach (kvIstruzioniSql($via) as $istruzione) {
-        $guasto = $guasto === '' && $istruzione !== '' ? kvTogliDaCarico($carico, $istruzione) : $guasto;
+    $load = new KvLoad($language);
+    $failure = '';
+    foreach (kvSqlStatements($drops) as $statement) {
+        $failure = $failure === '' && $statement !== '' ? kvDropForLoad($load, $statement) : $failure;
     }
-    $guasto = $guasto === '' ? kvCaricaSql($nuovo, $carico) : $guasto;
-    $guasto = $guasto === '' ? kvSvuotaLaterali($carico) : $guasto;
-    $guasto = $guasto === '' ? kvIndicizza($carico) : $guasto;
-    $guasto = $guasto === '' ? kvSegnaCarico() : $guasto;
-    $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
-    $carico->via = array_merge($carico->via, in_array('articoli', $carico->nuove, true) ? KV_TALVOLTA : []);
-    $guasto = $guasto === '' ? kvScambia($carico) : $guasto;
-    if ($guasto === '' && array_merge($carico->nuove, $carico->via) !== []) {
+    $failure = $failure === '' ? kvLoadSql($new, $load) : $failure;
+    $failure = $failure === '' ? kvEmptySideTables($load) : $failure;
+    $failure = $failure === '' ? kvUpdateIndex($load) : $failure;
+    $failure = $failure === '' ? kvMarkLoad() : $failure;
+    $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
+    $load->drops = array_merge($load->drops, in_array('articoli', $load->made, true) ? KV_SOMETIMES : []);
+    $failure = $failure === '' ? kvSwapTables($load) : $failure;
+    if ($failure === '' && array_merge($load->made, $load->drops) !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.
-        $stati = in_array("articoli$lingua", $carico->nuove, true) ? ["indice$lingua" => '2'] : [];
-        $guasto = kvSegnaCarico($stati + ['laterali' => implode(',', array_intersect(KV_TALVOLTA, kvTabelleComincianti('kv_')))]);
-        $guasto = $guasto === '' ? kvEseguiSql('COMMIT') : $guasto;
+        $states = in_array("articoli$language", $load->made, true) ? ["indice$language" => '2'] : [];
+        $failure = kvMarkLoad($states + ['laterali' => implode(',', array_intersect(KV_SOMETIMES, kvTablesBeginning('kv_')))]);
+        $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
     }
-    if ($guasto !== '') {
-        kvAnnullaCarico($carico);
+    if ($failure !== '') {
+        kvCancelLoad($load);
     }
-    return $guasto;
+    return $failure;
 }
 
 /** Marks the load, for pages that browsers keep: a page of another load is another page. Sets other states too. The failure. */
-function kvSegnaCarico(array $stati = []): string
+function kvMarkLoad(array $states = []): string
 {
-    $righe = "('carico', '" . bin2hex(random_bytes(8)) . "')";
-    foreach ($stati as $nome => $valore) {
-        $righe .= ", ('$nome', '$valore')";
+    $rows = "('carico', '" . bin2hex(random_bytes(8)) . "')";
+    foreach ($states as $name => $value) {
+        $rows .= ", ('$name', '$value')";
     }
-    return kvEseguiSql("REPLACE INTO kv_stato (nome, valore) VALUES $righe");
+    return kvRunSql("REPLACE INTO kv_stato (nome, valore) VALUES $rows");
 }

@@ -12,24 +12,24 @@ header('Content-Type: text/plain; charset=windows-1252');
 header('Cache-Control: no-store');
 header('X-Content-Type-Options: nosniff');
 if (($_GET['w'] ?? '') === 'phpinfo') {
-    die(kvDiagnosiAmmessa() ? kvDiagnosi() : "PHP attivo\n");
+    die(kvIsDiagnosisAllowed() ? kvDiagnosis() : "PHP attivo\n");
 }
 ignore_user_abort(true);
 @set_time_limit(0);
 $kvFile = ['dbdel<<1-IDlingua>>.sql', 'db<<1-IDlingua>>.sql'];
-$kvDrops = kvApriSql($kvFile[0]);
-$kvNew = kvApriSql($kvFile[1]);
+$kvDrops = kvOpenSql($kvFile[0]);
+$kvNew = kvOpenSql($kvFile[1]);
 $kvWord = isset($_POST['sec']) && is_string($_POST['sec']) ? $_POST['sec'] : '';
 if ($kvDrops === null || $kvNew === null || !hash_equals($kvNew['parola'], $kvWord)
     || !hash_equals($kvDrops['parola'], $kvWord)) {
     die('accesso al database non autorizzato');
 }
-kvAmmettiDiagnosi();
-kvTieniChiave($_POST['chiave'] ?? null);
-kvProteggiSql($kvFile);
-$kvResult = kvCaricaTutto($kvDrops, $kvNew, "<<1-IDlingua>>");
+kvAllowDiagnosis();
+kvKeepKey($_POST['chiave'] ?? null);
+kvProtectSql($kvFile);
+$kvResult = kvLoadAll($kvDrops, $kvNew, "<<1-IDlingua>>");
 if ($kvResult === '') {
-    kvTogliSql([$kvDrops, $kvNew], $kvFile);
+    kvRemoveSql([$kvDrops, $kvNew], $kvFile);
     include_once "kvmappa.php";
     kvWriteMaps("<<1-IDlingua>>");
     $kvResult = 'OK';
