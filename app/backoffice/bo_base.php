@@ -7,16 +7,16 @@ include_once __DIR__ . '/bo_impostazioni.php';
 include_once __DIR__ . '/bo_pagina.php';
 
 /** Seconds without a request after which the access ends, and seconds after which it ends anyway. */
-const BO_INATTIVITA = 1800;
-const BO_DURATA = 43200;
+const BO_IDLE_TIME = 1800;
+const BO_SESSION_TIME = 43200;
 
 /** Whether the merchant has set both a user name and a password; without them nobody gets in. */
-function boProtetto(): bool
+function boIsProtected(): bool
 {
-    return boImpostazioni()['utente'] !== '' && boImpostazioni()['password'] !== '';
+    return boSettings()['utente'] !== '' && boSettings()['password'] !== '';
 }
 
-function boIntestazioni(): void
+function boSendHeaders(): void
 {
     ini_set('display_errors', '0');
     header('Content-Type: text/html; charset=windows-1252');
@@ -30,86 +30,86 @@ function boIntestazioni(): void
 }
 
 /** The buffered page; a page that leads elsewhere has no text. */
-function boPaginaFinita(string $pagina): string
+function boFinishedPage(string $page): string
 {
-    $codice = http_response_code();
-    return $codice >= 300 && $codice < 400 ? '' : $pagina;
+    $code = http_response_code();
+    return $code >= 300 && $code < 400 ? '' : $page;
 }
 
 // What kvdb.php shows when the database can't be reached: its own words are those of a visitor's language.
 $GLOBALS['kvFailurePage'] = function (): string {
-    return boPaginaChiusa('Il database del negozio non è raggiungibile: riprovare tra qualche minuto.');
+    return boClosedPage('Il database del negozio non è raggiungibile: riprovare tra qualche minuto.');
 };
 
 /** Goes to another page of the back office and ends. */
-function boVai(string $pagina): void
+function boGoTo(string $page): void
 {
-    header('Location: ' . $pagina, true, 303);
+    header('Location: ' . $page, true, 303);
     exit;
 }
 
 /** Ends with a page that holds nothing but a notice. */
-function boChiudi(int $codice, string $testo): void
+function boCloseWith(int $code, string $text): void
 {
-    http_response_code($codice);
-    die(boPaginaChiusa($testo));
+    http_response_code($code);
+    die(boClosedPage($text));
 }
 
-function boApriSessione(): void
+function boOpenSession(): void
 {
     session_name('kvstore_backoffice' . (int) kvNegozio());
-    $cartella = rtrim(str_replace('\\', '/', dirname((string) ($_SERVER['SCRIPT_NAME'] ?? '/'))), '/');
-    session_set_cookie_params(['path' => $cartella . '/', 'httponly' => true, 'samesite' => 'Strict',
+    $folder = rtrim(str_replace('\\', '/', dirname((string) ($_SERVER['SCRIPT_NAME'] ?? '/'))), '/');
+    session_set_cookie_params(['path' => $folder . '/', 'httponly' => true, 'samesite' => 'Strict',
         'secure' => kvIsEncrypted()]);
-    $aperta = @session_start(['use_strict_mode' => 1, 'use_only_cookies' => 1, 'cache_limiter' => '',
-        'gc_maxlifetime' => BO_INATTIVITA]);
-    if (!$aperta) {
-        boChiudi(503, 'Il server non conserva le sessioni: rivolgersi al gestore dello spazio web.');
+    $opened = @session_start(['use_strict_mode' => 1, 'use_only_cookies' => 1, 'cache_limiter' => '',
+        'gc_maxlifetime' => BO_IDLE_TIME]);
+    if (!$opened) {
+        boCloseWith(503, 'Il server non conserva le sessioni: rivolgersi al gestore dello spazio web.');
     }
 }
 
 /** What a session remembers of the access data: other ones, set by a later build, end it. */
-function boSegno(): string
+function boAccessMark(): string
 {
-    $dati = boImpostazioni();
-    return hash('sha256', $dati['utente'] . "\n" . $dati['password'] . "\n" . kvNegozio());
+    $data = boSettings();
+    return hash('sha256', $data['utente'] . "\n" . $data['password'] . "\n" . kvNegozio());
 }
 
 /** Whether this session has access; one that was left alone for too long loses it, with a notice. */
-function boEntrato(): bool
+function boHasAccess(): bool
 {
-    $accesso = $_SESSION['backoffice'] ?? null;
-    if (!boProtetto() || !is_array($accesso) || !hash_equals(boSegno(), (string) ($accesso['segno'] ?? ''))) {
+    $access = $_SESSION['backoffice'] ?? null;
+    if (!boIsProtected() || !is_array($access) || !hash_equals(boAccessMark(), (string) ($access['segno'] ?? ''))) {
         return false;
     }
-    $adesso = time();
-    if ($adesso - (int) $accesso['visto'] > BO_INATTIVITA || $adesso - (int) $accesso['inizio'] > BO_DURATA) {
+    $now = time();
+    if ($now - (int) $access['visto'] > BO_IDLE_TIME || $now - (int) $access['inizio'] > BO_SESSION_TIME) {
         $_SESSION = [];
         session_regenerate_id(true);
-        boAvvisa('La sessione è scaduta: accedere di nuovo.', true);
+        boNotify('La sessione è scaduta: accedere di nuovo.', true);
         return false;
     }
-    $_SESSION['backoffice']['visto'] = $adesso;
+    $_SESSION['backoffice']['visto'] = $now;
     return true;
 }
 
 /** Gives the session access, under a fresh number and with a fresh token. */
-function boEntra(): void
+function boLogIn(): void
 {
     session_regenerate_id(true);
-    $_SESSION = ['backoffice' => ['segno' => boSegno(), 'inizio' => time(), 'visto' => time()]];
+    $_SESSION = ['backoffice' => ['segno' => boAccessMark(), 'inizio' => time(), 'visto' => time()]];
 }
 
 /** Sends whoever hasn't access to the first page, which asks for user and password. */
-function boRiservata(): void
+function boRequireAccess(): void
 {
-    if (!boEntrato()) {
-        boVai('index.php');
+    if (!boHasAccess()) {
+        boGoTo('index.php');
     }
 }
 
 /** The token that each form of the session carries. */
-function boGettone(): string
+function boToken(): string
 {
     if (!isset($_SESSION['gettone'])) {
         $_SESSION['gettone'] = bin2hex(random_bytes(16));
@@ -118,30 +118,30 @@ function boGettone(): string
 }
 
 /** Whether a form was sent. One without the session's token ends the page: the merchant's own hand didn't send it. */
-function boInvio(): bool
+function boIsSubmitted(): bool
 {
     if ($_SERVER['REQUEST_METHOD'] !== 'POST') {
         return false;
     }
     if (!isset($_SESSION['gettone']) || !hash_equals($_SESSION['gettone'], kvCampo($_POST, 'gettone', 64))) {
-        boChiudi(403, 'La pagina è scaduta: tornare indietro, ricaricarla e ripetere l\'operazione.');
+        boCloseWith(403, 'La pagina è scaduta: tornare indietro, ricaricarla e ripetere l\'operazione.');
     }
     return true;
 }
 
 /** Leaves a notice for the next page that is shown. */
-function boAvvisa(string $testo, bool $errore = false): void
+function boNotify(string $text, bool $error = false): void
 {
-    $_SESSION['avvisi'][] = [$testo, $errore];
+    $_SESSION['avvisi'][] = [$text, $error];
 }
 
 /** A whole number of a request between two bounds; the lower one when it is none. */
-function boNumero(array $modulo, string $nome, int $minimo, int $massimo): int
+function boNumberWithin(array $form, string $name, int $least, int $most): int
 {
-    $testo = kvCampo($modulo, $nome, 10);
-    return max($minimo, min($massimo, preg_match('/^\d+$/D', $testo) ? (int) $testo : $minimo));
+    $text = kvCampo($form, $name, 10);
+    return max($least, min($most, preg_match('/^\d+$/D', $text) ? (int) $text : $least));
 }
 
-boIntestazioni();
-ob_start('boPaginaFinita');
-boApriSessione();
+boSendHeaders();
+ob_start('boFinishedPage');
+boOpenSession();

@@ -5,24 +5,24 @@ include_once __DIR__ . '/kvdb.php';
 include_once __DIR__ . '/kvtables.php';
 
 /** The shop's settings, as they were before the build put a backslash before each quote. */
-function boImpostazioni(): array
+function boSettings(): array
 {
-    static $impostazioni = null;
-    if ($impostazioni === null) {
-        $righe = kvValues(<<<'KORVANE_VALORI'
+    static $settings = null;
+    if ($settings === null) {
+        $rows = kvValues(<<<'KORVANE_VALORI'
 <<1-bo_username>>
 <<1-bo_password>>
 <<1-negozio>>
 <<1-perl_shopURL>>
 KORVANE_VALORI
         );
-        $impostazioni = array_combine(['utente', 'password', 'negozio', 'indirizzo'], array_slice($righe, 0, 4));
+        $settings = array_combine(['utente', 'password', 'negozio', 'indirizzo'], array_slice($rows, 0, 4));
     }
-    return $impostazioni;
+    return $settings;
 }
 
 /** How many rows a query of the form SELECT COUNT(*) AS n counts. */
-function boConta(string $sql, array $valori = []): int
+function boCountRows(string $sql, array $values = []): int
 {
-    return (int) (kvRiga($sql, $valori)['n'] ?? 0);
+    return (int) (kvRiga($sql, $values)['n'] ?? 0);
 }

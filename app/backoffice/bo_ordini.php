@@ -2,14 +2,14 @@
 // Orders as the list, the page of one order and the CSV file share them.
 
 /** The columns of an order that a list needs. */
-const BO_COLONNE_ORDINE = 'id, codice, creato, nome, email, totale, valuta, metodo, stato';
+const BO_ORDER_COLUMNS = 'id, codice, creato, nome, email, totale, valuta, metodo, stato';
 
 /**
  * The lists of what waits for the merchant: name, condition. Orders of a method that proves its payments by itself need
  * no comparing while they are new: nobody has paid them. The quotes of the JSON can't be a customer's, whose own get a
  * backslash.
  */
-const BO_ELENCHI = [
+const BO_LISTS = [
     'aperti' => ['Da evadere', "stato IN ('nuovo', 'da verificare', 'importo diverso')"],
     'pagati' => ['Pagati, da spedire', "stato = 'pagato'"],
     'confronto' => ['Da confrontare a mano', "pagamento = '' AND (stato IN ('da verificare', 'importo diverso')"
@@ -17,161 +17,161 @@ const BO_ELENCHI = [
 ];
 
 /** A day of a request as yyyy-mm-dd; empty when it is none. */
-function boGiorno(array $modulo, string $nome): string
+function boDay(array $form, string $name): string
 {
-    $testo = kvCampo($modulo, $nome, 10);
-    return preg_match('/^(\d{4})-(\d\d)-(\d\d)$/D', $testo, $p) && checkdate((int) $p[2], (int) $p[3], (int) $p[1])
-        ? $testo : '';
+    $text = kvCampo($form, $name, 10);
+    return preg_match('/^(\d{4})-(\d\d)-(\d\d)$/D', $text, $p) && checkdate((int) $p[2], (int) $p[3], (int) $p[1])
+        ? $text : '';
 }
 
 /** What a request asks of the list of orders: the parameters that stand for it, the condition and its values. */
-function boFiltroOrdini(array $richiesta): array
+function boOrderFilter(array $request): array
 {
-    $parametri = ['q' => kvLineField($richiesta, 'q', 100), 'da' => boGiorno($richiesta, 'da'),
-        'a' => boGiorno($richiesta, 'a'), 'stato' => kvCampo($richiesta, 'stato', 20),
-        'metodo' => kvLineField($richiesta, 'metodo', 200)];
-    $dove = ['1 = 1'];
-    $valori = [];
-    if ($parametri['q'] !== '') {
-        $dove[] = "(INSTR(CONCAT_WS('\n', codice, nome, email, riepilogo), ?) > 0 OR id IN"
+    $parameters = ['q' => kvLineField($request, 'q', 100), 'da' => boDay($request, 'da'),
+        'a' => boDay($request, 'a'), 'stato' => kvCampo($request, 'stato', 20),
+        'metodo' => kvLineField($request, 'metodo', 200)];
+    $where = ['1 = 1'];
+    $values = [];
+    if ($parameters['q'] !== '') {
+        $where[] = "(INSTR(CONCAT_WS('\n', codice, nome, email, riepilogo), ?) > 0 OR id IN"
             . ' (SELECT ordine FROM kv_annotazioni WHERE INSTR(testo, ?) > 0))';
-        array_push($valori, $parametri['q'], $parametri['q']);
+        array_push($values, $parameters['q'], $parameters['q']);
     }
-    if ($parametri['metodo'] !== '') {
-        $dove[] = 'metodo = ?';
-        $valori[] = $parametri['metodo'];
+    if ($parameters['metodo'] !== '') {
+        $where[] = 'metodo = ?';
+        $values[] = $parameters['metodo'];
     }
-    if ($parametri['da'] !== '') {
-        $dove[] = 'creato >= ?';
-        $valori[] = $parametri['da'];
+    if ($parameters['da'] !== '') {
+        $where[] = 'creato >= ?';
+        $values[] = $parameters['da'];
     }
-    if ($parametri['a'] !== '') {
-        $dove[] = 'creato < ? + INTERVAL 1 DAY';
-        $valori[] = $parametri['a'];
+    if ($parameters['a'] !== '') {
+        $where[] = 'creato < ? + INTERVAL 1 DAY';
+        $values[] = $parameters['a'];
     }
-    if (isset(BO_ELENCHI[$parametri['stato']])) {
-        $dove[] = BO_ELENCHI[$parametri['stato']][1];
-    } elseif (in_array($parametri['stato'], BO_STATI, true)) {
-        $dove[] = 'stato = ?';
-        $valori[] = $parametri['stato'];
+    if (isset(BO_LISTS[$parameters['stato']])) {
+        $where[] = BO_LISTS[$parameters['stato']][1];
+    } elseif (in_array($parameters['stato'], BO_STATES, true)) {
+        $where[] = 'stato = ?';
+        $values[] = $parameters['stato'];
     } else {
-        $parametri['stato'] = '';
+        $parameters['stato'] = '';
     }
-    return [$parametri, implode(' AND ', $dove), $valori];
+    return [$parameters, implode(' AND ', $where), $values];
 }
 
-/** The states as choices: value => text; with `elenchi` the lists of what waits go first. */
-function boSceltaStati(bool $elenchi = false): array
+/** The states as choices: value => text; with `lists` the lists of what waits go first. */
+function boStateChoices(bool $lists = false): array
 {
-    return ($elenchi ? ['' => 'Tutti'] + array_map(fn($elenco) => $elenco[0], BO_ELENCHI) : []) + array_combine(BO_STATI, array_map('ucfirst', BO_STATI));
+    return ($lists ? ['' => 'Tutti'] + array_map(fn($list) => $list[0], BO_LISTS) : []) + array_combine(BO_STATES, array_map('ucfirst', BO_STATES));
 }
 
 /**
  * What an order's column `dati` holds: campi, righe, totali, lingua (a code), each empty when it doesn't. Texts are
  * UTF-8, but the keys of stock, which are in the catalogue's character set.
  */
-function boDatiOrdine(string $json): array
+function boOrderData(string $json): array
 {
-    $dati = json_decode($json, true);
-    $dati = (is_array($dati) ? $dati : []) + ['campi' => [], 'righe' => [], 'totali' => []];
-    $lingua = $dati['lingua'] ?? '';
-    $dati = array_map(fn($parte) => is_array($parte) ? $parte : [], $dati);
-    $campi = [];
-    foreach ($dati['campi'] as $nome => $valore) {
-        $campi[$nome] = is_scalar($valore) ? (string) $valore : '';
+    $data = json_decode($json, true);
+    $data = (is_array($data) ? $data : []) + ['campi' => [], 'righe' => [], 'totali' => []];
+    $language = $data['lingua'] ?? '';
+    $data = array_map(fn($part) => is_array($part) ? $part : [], $data);
+    $fields = [];
+    foreach ($data['campi'] as $name => $value) {
+        $fields[$name] = is_scalar($value) ? (string) $value : '';
     }
-    $righe = [];
-    foreach ($dati['righe'] as $n => $riga) {
-        if (is_array($riga) && isset($riga['testo'], $riga['quantita'], $riga['importo'])) {
-            $righe[] = boRigaOrdine($riga) + ['n' => (int) $n];
+    $lines = [];
+    foreach ($data['righe'] as $n => $line) {
+        if (is_array($line) && isset($line['testo'], $line['quantita'], $line['importo'])) {
+            $lines[] = boOrderLine($line) + ['n' => (int) $n];
         }
     }
-    $totali = array_map('floatval', array_filter($dati['totali'], 'is_numeric'));
-    return ['campi' => $campi, 'righe' => $righe, 'totali' => $totali,
-        'lingua' => is_string($lingua) ? $lingua : ''];
+    $totals = array_map('floatval', array_filter($data['totali'], 'is_numeric'));
+    return ['campi' => $fields, 'righe' => $lines, 'totali' => $totals,
+        'lingua' => is_string($language) ? $language : ''];
 }
 
 /** One line of an order, whose number `n` is added by the caller: `prima` and `scelte_prima` are its words in the shop's first language. */
-function boRigaOrdine(array $riga): array
+function boOrderLine(array $line): array
 {
-    $testo = (string) $riga['testo'];
-    $scelte = (string) ($riga['scelte'] ?? '');
-    return ['id' => (int) ($riga['id'] ?? 0), 'codice' => (string) ($riga['codice'] ?? ''), 'testo' => $testo,
-        'scelte' => $scelte, 'prima' => (string) ($riga['testo_prima'] ?? $testo),
-        'scelte_prima' => (string) ($riga['scelte_prima'] ?? $scelte), 'quantita' => (int) $riga['quantita'],
-        'importo' => (float) $riga['importo'],
-        'scorte' => array_map(fn($chiave) => kvFromUtf8((string) $chiave), (array) ($riga['scorte'] ?? []))];
+    $text = (string) $line['testo'];
+    $choices = (string) ($line['scelte'] ?? '');
+    return ['id' => (int) ($line['id'] ?? 0), 'codice' => (string) ($line['codice'] ?? ''), 'testo' => $text,
+        'scelte' => $choices, 'prima' => (string) ($line['testo_prima'] ?? $text),
+        'scelte_prima' => (string) ($line['scelte_prima'] ?? $choices), 'quantita' => (int) $line['quantita'],
+        'importo' => (float) $line['importo'],
+        'scorte' => array_map(fn($key) => kvFromUtf8((string) $key), (array) ($line['scorte'] ?? []))];
 }
 
 /** The name of a line as HTML: in the first language, with the customer's words under it where they are others. */
-function boNomeRiga(array $riga): string
+function boLineName(array $line): string
 {
-    $uguali = $riga['testo'] === $riga['prima'] && $riga['scelte'] === $riga['scelte_prima'];
-    $parole = fn(string $scelte): string => $scelte === '' ? '' : ' (' . kvHtmlUtf8($scelte) . ')';
-    return '<span>' . kvHtmlUtf8($riga['prima'])
-        . ($riga['scelte_prima'] === '' ? '' : '<small>' . kvHtmlUtf8($riga['scelte_prima']) . '</small>')
-        . ($uguali ? '' : '<small class="altra"><span class="non-stampare">Cliente: </span>' . kvHtmlUtf8($riga['testo']) . $parole($riga['scelte'])
+    $equal = $line['testo'] === $line['prima'] && $line['scelte'] === $line['scelte_prima'];
+    $words = fn(string $choices): string => $choices === '' ? '' : ' (' . kvHtmlUtf8($choices) . ')';
+    return '<span>' . kvHtmlUtf8($line['prima'])
+        . ($line['scelte_prima'] === '' ? '' : '<small>' . kvHtmlUtf8($line['scelte_prima']) . '</small>')
+        . ($equal ? '' : '<small class="altra"><span class="non-stampare">Cliente: </span>' . kvHtmlUtf8($line['testo']) . $words($line['scelte'])
             . '</small>') . '</span>';
 }
 
 /** The payment method of an order as HTML, in the same way. */
-function boNomeMetodo(array $ordine, array $dati): string
+function boMethodName(array $order, array $data): string
 {
-    $detto = $dati['campi']['NomePagamento'] ?? '';
-    return kvHtmlUtf8($ordine['metodo'])
-        . (in_array($detto, ['', $ordine['metodo']], true) ? '' : ' (' . kvHtmlUtf8($detto) . ')');
+    $stored = $data['campi']['NomePagamento'] ?? '';
+    return kvHtmlUtf8($order['metodo'])
+        . (in_array($stored, ['', $order['metodo']], true) ? '' : ' (' . kvHtmlUtf8($stored) . ')');
 }
 
-/** Adds to the notes of an order; `tipo` is nota, stato or messaggio, the text UTF-8. */
-function boAnnota(int $ordine, string $tipo, string $testo): bool
+/** Adds to the notes of an order; `kind` is nota, stato or messaggio, the text UTF-8. */
+function boAddNote(int $order, string $kind, string $text): bool
 {
     return kvQuery('INSERT INTO kv_annotazioni (ordine, quando, tipo, testo) VALUES (?, NOW(), ?, ?)',
-        [$ordine, $tipo, $testo]) !== null && kvTouchOrder($ordine);
+        [$order, $kind, $text]) !== null && kvTouchOrder($order);
 }
 
 /**
  * The keys of a line's stock as they are today: an order of a release that counted values by their code alone has O and
  * the code, which became V, article, variant and code.
  */
-function boScorteRiga(array $riga): array
+function boLineStockKeys(array $line): array
 {
-    $chiavi = [];
-    foreach ($riga['scorte'] as $chiave) {
-        if ($chiave !== '' && $chiave[0] === 'O') {
-            $righe = kvQuery("SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE ?", [$riga['id'] . '.%']);
-            $codice = substr($chiave, 1);
-            $oggi = array_filter(array_column($righe ?? [], 'chiave'),
-                fn($voce) => (explode('.', $voce, 3)[2] ?? '') === substr($codice, 0, 100));
-            $chiavi = array_merge($chiavi, array_map(fn($voce) => 'V' . $voce, array_slice(array_values($oggi), 0, 1)));
+    $keys = [];
+    foreach ($line['scorte'] as $key) {
+        if ($key !== '' && $key[0] === 'O') {
+            $lines = kvQuery("SELECT chiave FROM kv_disponibilita WHERE tipo = 'V' AND chiave LIKE ?", [$line['id'] . '.%']);
+            $code = substr($key, 1);
+            $today = array_filter(array_column($lines ?? [], 'chiave'),
+                fn($entry) => (explode('.', $entry, 3)[2] ?? '') === substr($code, 0, 100));
+            $keys = array_merge($keys, array_map(fn($entry) => 'V' . $entry, array_slice(array_values($today), 0, 1)));
         } else {
-            $chiavi[] = $chiave;
+            $keys[] = $key;
         }
     }
-    return $chiavi;
+    return $keys;
 }
 
 /** How many pieces of each key of kv_disponibilita the lines of an order took. */
-function boPezziOrdine(array $righe): array
+function boOrderPieces(array $lines): array
 {
-    $pezzi = [];
-    foreach ($righe as $riga) {
-        foreach (boScorteRiga($riga) as $chiave) {
-            $pezzi[$chiave] = ($pezzi[$chiave] ?? 0) + $riga['quantita'];
+    $pieces = [];
+    foreach ($lines as $line) {
+        foreach (boLineStockKeys($line) as $key) {
+            $pieces[$key] = ($pieces[$key] ?? 0) + $line['quantita'];
         }
     }
-    return $pezzi;
+    return $pieces;
 }
 
-/** Gives pieces back to the stock (`verso` 1) or takes them again (-1); false when the server refused. */
-function boMuoviScorte(array $pezzi, int $verso): bool
+/** Gives pieces back to the stock (`direction` 1) or takes them again (-1); false when the server refused. */
+function boMoveStock(array $pieces, int $direction): bool
 {
-    ksort($pezzi, SORT_STRING);
-    foreach ($pezzi as $chiave => $quantita) {
-        $chiave = (string) $chiave;
-        $esito = kvQuery('UPDATE kv_disponibilita SET quantita = GREATEST(0, quantita + ?)'
+    ksort($pieces, SORT_STRING);
+    foreach ($pieces as $key => $quantity) {
+        $key = (string) $key;
+        $result = kvQuery('UPDATE kv_disponibilita SET quantita = GREATEST(0, quantita + ?)'
             . ' WHERE tipo = ? AND chiave = ? AND quantita IS NOT NULL',
-            [$verso * $quantita, $chiave[0], substr($chiave, 1, 100)]);
-        if ($esito === null) {
+            [$direction * $quantity, $key[0], substr($key, 1, 100)]);
+        if ($result === null) {
             return false;
         }
     }
@@ -179,24 +179,24 @@ function boMuoviScorte(array $pezzi, int $verso): bool
 }
 
 /**
- * Sets the state of an order that still has the state `prima`, and, with `scorte`, its pieces free when it becomes
+ * Sets the state of an order that still has the state `before`, and, with `stock`, its pieces free when it becomes
  * cancelled and taken when it no longer is; all of it or nothing.
  */
-function boCambiaStato(array $ordine, string $prima, string $dopo, bool $scorte): bool
+function boChangeState(array $order, string $before, string $after, bool $stock): bool
 {
     // The tables must stand before the transaction: making one would end it.
     kvRequireTables();
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     kvRiga('SELECT COUNT(*) FROM kv_annotazioni WHERE ordine = 0');
     mysqli_begin_transaction(kvConnection());
-    $fatto = kvQuery('UPDATE kv_ordini SET stato = ? WHERE id = ? AND stato = ?', [$dopo, (int) $ordine['id'], $prima])
+    $done = kvQuery('UPDATE kv_ordini SET stato = ? WHERE id = ? AND stato = ?', [$after, (int) $order['id'], $before])
         !== null && kvRigheToccate() === 1;
-    $verso = ($dopo === 'annullato' ? 1 : 0) - ($prima === 'annullato' ? 1 : 0);
-    if ($fatto && $scorte && $verso !== 0) {
-        $fatto = boMuoviScorte(boPezziOrdine(boDatiOrdine($ordine['dati'])['righe']), $verso);
+    $direction = ($after === 'annullato' ? 1 : 0) - ($before === 'annullato' ? 1 : 0);
+    if ($done && $stock && $direction !== 0) {
+        $done = boMoveStock(boOrderPieces(boOrderData($order['dati'])['righe']), $direction);
     }
-    $fatto = $fatto && boAnnota((int) $ordine['id'], 'stato', kvFromCp1252("Stato: da \"$prima\" a \"$dopo\""));
-    if ($fatto && mysqli_commit(kvConnection())) {
+    $done = $done && boAddNote((int) $order['id'], 'stato', kvFromCp1252("Stato: da \"$before\" a \"$after\""));
+    if ($done && mysqli_commit(kvConnection())) {
         kvStockChanged();
         return true;
     }

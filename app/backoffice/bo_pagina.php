@@ -7,55 +7,55 @@ const BO_MENU = ['pannello.php' => 'Riepilogo', 'ordini.php' => 'Ordini', 'reces
     'disponibilita.php' => 'Disponibilità', 'testi.php' => 'Messaggi', 'richieste.php' => 'Password'];
 
 /** The states of an order. */
-const BO_STATI = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiutato', 'spedito', 'annullato'];
+const BO_STATES = ['nuovo', 'da verificare', 'importo diverso', 'pagato', 'rifiutato', 'spedito', 'annullato'];
 
 /** The head of a page. */
-function boTesta(string $titolo): string
+function boPageHead(string $title): string
 {
     return '<!DOCTYPE html><html lang="it"><head>'
         . '<meta name="viewport" content="width=device-width, initial-scale=1"><meta name="robots" content="noindex">'
-        . '<title>' . kvHtml($titolo . ' - ' . boImpostazioni()['negozio']) . '</title>'
+        . '<title>' . kvHtml($title . ' - ' . boSettings()['negozio']) . '</title>'
         . '<link rel="icon" href="bo.svg" type="image/svg+xml"><link rel="stylesheet" href="bo.css">'
         . '<link rel="stylesheet" href="bo_contenuto.css"><script src="bo.js" defer></script></head><body>';
 }
 
 /** A page with a notice alone. */
-function boPaginaChiusa(string $testo): string
+function boClosedPage(string $text): string
 {
-    return boTesta('BackOffice') . '<main class="stretta"><h1>BackOffice</h1><p class="avviso errore" role="alert">'
-        . kvHtml($testo) . '</p><p><a href="index.php">Torna al BackOffice</a></p></main></body></html>';
+    return boPageHead('BackOffice') . '<main class="stretta"><h1>BackOffice</h1><p class="avviso errore" role="alert">'
+        . kvHtml($text) . '</p><p><a href="index.php">Torna al BackOffice</a></p></main></body></html>';
 }
 
-/** The top of a page, with the menu and the notices that wait; `voce` is the page of the menu it belongs to. */
-function boInizio(string $titolo, string $voce = ''): void
+/** The top of a page, with the menu and the notices that wait; `entry` is the page of the menu it belongs to. */
+function boPageStart(string $title, string $entry = ''): void
 {
-    echo boTesta($titolo), '<a class="salto" href="#contenuto">Vai al contenuto</a><header class="testata">',
-        '<p class="negozio"><strong>', kvHtml(boImpostazioni()['negozio']), '</strong> <span>BackOffice</span></p>';
-    if ($voce !== '') {
+    echo boPageHead($title), '<a class="salto" href="#contenuto">Vai al contenuto</a><header class="testata">',
+        '<p class="negozio"><strong>', kvHtml(boSettings()['negozio']), '</strong> <span>BackOffice</span></p>';
+    if ($entry !== '') {
         echo '<nav aria-label="Menu"><ul>';
-        foreach (BO_MENU as $pagina => $nome) {
-            $questa = $pagina === $voce ? ' aria-current="page"' : '';
-            echo '<li><a href="', $pagina, '"', $questa, '>', $nome, '</a></li>';
+        foreach (BO_MENU as $page => $name) {
+            $current = $page === $entry ? ' aria-current="page"' : '';
+            echo '<li><a href="', $page, '"', $current, '>', $name, '</a></li>';
         }
-        echo '</ul></nav><form class="uscita" method="post" accept-charset="utf-8" action="esci.php">', boCampoGettone(),
+        echo '</ul></nav><form class="uscita" method="post" accept-charset="utf-8" action="esci.php">', boTokenField(),
             '<button type="submit" class="piano">Esci</button></form>';
     }
-    echo '</header><main id="contenuto"', $voce === '' ? ' class="stretta"' : '', '><h1>', kvHtml($titolo), '</h1>';
-    foreach ($_SESSION['avvisi'] ?? [] as list($testo, $errore)) {
-        echo '<p class="avviso', $errore ? ' errore" role="alert">' : '" role="status">', kvHtml($testo), '</p>';
+    echo '</header><main id="contenuto"', $entry === '' ? ' class="stretta"' : '', '><h1>', kvHtml($title), '</h1>';
+    foreach ($_SESSION['avvisi'] ?? [] as list($text, $error)) {
+        echo '<p class="avviso', $error ? ' errore" role="alert">' : '" role="status">', kvHtml($text), '</p>';
     }
     unset($_SESSION['avvisi']);
 }
 
-function boFine(): void
+function boPageEnd(): void
 {
     echo '</main></body></html>';
 }
 
 /** The hidden field of the session's token. */
-function boCampoGettone(): string
+function boTokenField(): string
 {
-    return '<input type="hidden" name="_charset_"><input type="hidden" name="gettone" value="' . boGettone() . '">';
+    return '<input type="hidden" name="_charset_"><input type="hidden" name="gettone" value="' . boToken() . '">';
 }
 
 /**
@@ -63,19 +63,19 @@ function boCampoGettone(): string
  * numbers. On a phone each row is a card, with the heading in front of each cell; bo.js says the roles once more, which a
  * changed display takes from the elements in some browsers.
  */
-function boTabella(array $titoli, array $righe, string $nome): void
+function boTable(array $titles, array $rows, string $name): void
 {
-    echo '<table><caption>', kvHtml($nome), '</caption><thead><tr>';
-    foreach ($titoli as $titolo) {
-        echo '<th scope="col"', $titolo[0] === '#' ? ' class="numero">' : '>',
-            kvHtml(ltrim($titolo, '#')), '</th>';
+    echo '<table><caption>', kvHtml($name), '</caption><thead><tr>';
+    foreach ($titles as $title) {
+        echo '<th scope="col"', $title[0] === '#' ? ' class="numero">' : '>',
+            kvHtml(ltrim($title, '#')), '</th>';
     }
     echo '</tr></thead><tbody>';
-    foreach ($righe as $riga) {
+    foreach ($rows as $row) {
         echo '<tr>';
-        foreach (array_values($riga) as $n => $cella) {
-            echo '<td data-nome="', kvHtml(ltrim($titoli[$n], '#')), '"',
-                $titoli[$n][0] === '#' ? ' class="numero">' : '>', $cella, '</td>';
+        foreach (array_values($row) as $n => $cell) {
+            echo '<td data-nome="', kvHtml(ltrim($titles[$n], '#')), '"',
+                $titles[$n][0] === '#' ? ' class="numero">' : '>', $cell, '</td>';
         }
         echo '</tr>';
     }
@@ -83,72 +83,72 @@ function boTabella(array $titoli, array $righe, string $nome): void
 }
 
 /** The address of a page with the parameters that aren't empty. */
-function boIndirizzo(string $pagina, array $parametri): string
+function boAddress(string $page, array $parameters): string
 {
-    $pieni = array_filter($parametri, fn($valore) => (string) $valore !== '');
-    return $pieni === [] ? $pagina : $pagina . '?' . http_build_query($pieni);
+    $filled = array_filter($parameters, fn($value) => (string) $value !== '');
+    return $filled === [] ? $page : $page . '?' . http_build_query($filled);
 }
 
 /** The links to the pages of a list, none for a single page. */
-function boPagine(string $indirizzo, array $parametri, int $pagina, int $pagine): void
+function boPageLinks(string $address, array $parameters, int $page, int $pages): void
 {
-    if ($pagine < 2) {
+    if ($pages < 2) {
         return;
     }
-    $legame = fn(int $n, string $testo, string $altro = ''): string => '<a href="'
-        . kvHtml(boIndirizzo($indirizzo, ['p' => $n > 1 ? $n : ''] + $parametri)) . '"' . $altro . '>' . $testo
+    $link = fn(int $n, string $text, string $other = ''): string => '<a href="'
+        . kvHtml(boAddress($address, ['p' => $n > 1 ? $n : ''] + $parameters)) . '"' . $other . '>' . $text
         . '</a>';
     echo '<nav class="pagine" aria-label="Pagine">';
-    echo $pagina > 1 ? $legame($pagina - 1, 'Precedente', ' rel="prev"') : '';
-    for ($n = 1; $n <= $pagine; $n++) {
-        if ($n === 1 || $n === $pagine || abs($n - $pagina) < 3) {
-            echo $legame($n, (string) $n, $n === $pagina ? ' aria-current="page"' : '');
-        } elseif (abs($n - $pagina) === 3) {
+    echo $page > 1 ? $link($page - 1, 'Precedente', ' rel="prev"') : '';
+    for ($n = 1; $n <= $pages; $n++) {
+        if ($n === 1 || $n === $pages || abs($n - $page) < 3) {
+            echo $link($n, (string) $n, $n === $page ? ' aria-current="page"' : '');
+        } elseif (abs($n - $page) === 3) {
             echo '<span>...</span>';
         }
     }
-    echo $pagina < $pagine ? $legame($pagina + 1, 'Successiva', ' rel="next"') : '', '</nav>';
+    echo $page < $pages ? $link($page + 1, 'Successiva', ' rel="next"') : '', '</nav>';
 }
 
 /** A date of the database as Italians write it, with the time of day unless left out. */
-function boData(string $data, bool $ora = true): string
+function boDateText(string $date, bool $now = true): string
 {
-    return preg_match('/^(\d{4})-(\d\d)-(\d\d)(?: (\d\d:\d\d))?/', $data, $p)
-        ? "$p[3]/$p[2]/$p[1]" . ($ora && isset($p[4]) ? ' ' . $p[4] : '') : $data;
+    return preg_match('/^(\d{4})-(\d\d)-(\d\d)(?: (\d\d:\d\d))?/', $date, $p)
+        ? "$p[3]/$p[2]/$p[1]" . ($now && isset($p[4]) ? ' ' . $p[4] : '') : $date;
 }
 
 /** A number of the database with a decimal comma. */
-function boDecimale($numero, int $cifre = 2): string
+function boDecimalText($number, int $digits = 2): string
 {
-    return number_format((float) $numero, $cifre, ',', '.');
+    return number_format((float) $number, $digits, ',', '.');
 }
 
 /** An amount with its currency (UTF-8), as HTML. */
-function boImporto($numero, string $valuta): string
+function boAmountText($number, string $valuta): string
 {
-    return kvHtmlUtf8(trim($valuta)) . '&nbsp;' . boDecimale($numero);
+    return kvHtmlUtf8(trim($valuta)) . '&nbsp;' . boDecimalText($number);
 }
 
 /** The state of an order, as HTML. */
-function boStato(string $stato): string
+function boStateText(string $state): string
 {
-    return '<span class="stato stato-' . kvHtml(str_replace(' ', '-', $stato)) . '">' . kvHtml($stato) . '</span>';
+    return '<span class="stato stato-' . kvHtml(str_replace(' ', '-', $state)) . '">' . kvHtml($state) . '</span>';
 }
 
 /** The options of a select: value => text. */
-function boScelte(array $scelte, string $scelta): string
+function boOptions(array $choices, string $choice): string
 {
     $html = '';
-    foreach ($scelte as $valore => $testo) {
-        $html .= '<option value="' . kvHtml((string) $valore) . '"' . ((string) $valore === $scelta ? ' selected' : '')
-            . '>' . kvHtml($testo) . '</option>';
+    foreach ($choices as $value => $text) {
+        $html .= '<option value="' . kvHtml((string) $value) . '"' . ((string) $value === $choice ? ' selected' : '')
+            . '>' . kvHtml($text) . '</option>';
     }
     return $html;
 }
 
-/** A labelled field; its value is UTF-8, `attributi` is HTML. */
-function boCampo(string $etichetta, string $nome, string $valore, string $attributi = ''): string
+/** A labelled field; its value is UTF-8, `attributes` is HTML. */
+function boField(string $label, string $name, string $value, string $attributes = ''): string
 {
-    return '<label>' . kvHtml($etichetta) . ' <input name="' . $nome . '" value="' . kvHtmlUtf8($valore) . '" ' . $attributi
+    return '<label>' . kvHtml($label) . ' <input name="' . $name . '" value="' . kvHtmlUtf8($value) . '" ' . $attributes
         . '></label>';
 }

@@ -3,45 +3,45 @@
 include_once __DIR__ . '/bo_voci.php';
 
 /** Which list a request asks for; null for one that there isn't. */
-function boRemotoTipo(array $dati): ?string
+function boRemoteKind(array $data): ?string
 {
-    return in_array($dati['tipo'] ?? null, ['A', 'V'], true) ? $dati['tipo'] : null;
+    return in_array($data['tipo'] ?? null, ['A', 'V'], true) ? $data['tipo'] : null;
 }
 
 /** Rows of the stock from an index on: voci, altri. */
-function boRemotoScorte(array $dati): array
+function boRemoteStock(array $data): array
 {
-    $tipo = boRemotoTipo($dati);
-    if ($tipo === null) {
-        return boRemotoErrore('Il negozio non ha questo elenco.');
+    $kind = boRemoteKind($data);
+    if ($kind === null) {
+        return boRemoteError('Il negozio non ha questo elenco.');
     }
-    $cerca = kvFromUtf8(boRemotoTesto($dati, 'cerca', 100));
-    $quante = boRemotoIntero($dati, 'quanti', 1, 500);
-    $filtro = $cerca === '' ? ['1 = 1', []] : ['INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [$cerca]];
-    $trovate = boTrovaVoci($tipo, $filtro, boRemotoIntero($dati, 'da', 0, 10000000), $quante + 1);
-    if ($trovate === null) {
+    $search = kvFromUtf8(boRemoteText($data, 'cerca', 100));
+    $count = boRemoteInteger($data, 'quanti', 1, 500);
+    $filter = $search === '' ? ['1 = 1', []] : ['INSTR(' . boStockSources()[$kind]['cerca'] . ', ?) > 0', [$search]];
+    $found = boFindStockRows($kind, $filter, boRemoteInteger($data, 'da', 0, 10000000), $count + 1);
+    if ($found === null) {
         kvOutOfService();
     }
-    return ['voci' => array_map(fn($riga) => ['chiave' => kvFromCp1252((string) $riga['chiave']),
-        'codice' => kvUtf8((string) $riga['codice']), 'nome' => kvUtf8(boNomeVoce($riga)),
-        'voce' => boVoceTrovata($riga)], array_slice($trovate, 0, $quante)), 'altri' => count($trovate) > $quante];
+    return ['voci' => array_map(fn($row) => ['chiave' => kvFromCp1252((string) $row['chiave']),
+        'codice' => kvUtf8((string) $row['codice']), 'nome' => kvUtf8(boStockRowName($row)),
+        'voce' => boFoundEntry($row)], array_slice($found, 0, $count)), 'altri' => count($found) > $count];
 }
 
 /** Sets one row that still says what the request saw: esito, voce. */
-function boRemotoScorta(array $dati): array
+function boRemoteSetStock(array $data): array
 {
-    $tipo = boRemotoTipo($dati);
-    $chiave = kvFromUtf8(boRemotoTesto($dati, 'chiave', 100));
-    $detta = boRemotoTesto($dati, 'dopo', 12);
-    $dopo = preg_match('/^[01]\|/', $detta) ? boVoce($detta[0] === '1', substr($detta, 2)) : null;
+    $kind = boRemoteKind($data);
+    $key = kvFromUtf8(boRemoteText($data, 'chiave', 100));
+    $given = boRemoteText($data, 'dopo', 12);
+    $after = preg_match('/^[01]\|/', $given) ? boStockEntry($given[0] === '1', substr($given, 2)) : null;
     // Characters beyond the catalogue's set are longer in it: what the column can't hold is the key of nothing.
-    if ($tipo === null || $chiave === '' || strlen($chiave) > 100 || $dopo === null) {
-        return boRemotoErrore("La quantità dev'essere un numero intero, vuota per nessun limite.");
+    if ($kind === null || $key === '' || strlen($key) > 100 || $after === null) {
+        return boRemoteError("La quantità dev'essere un numero intero, vuota per nessun limite.");
     }
-    $fatto = boSalvaVoce($tipo, $chiave, boRemotoTesto($dati, 'prima', 12), $dopo);
-    if ($fatto) {
+    $done = boSaveEntry($kind, $key, boRemoteText($data, 'prima', 12), $after);
+    if ($done) {
         kvStockChanged();
     }
-    $riga = kvRiga('SELECT disponibile, quantita FROM kv_disponibilita WHERE tipo = ? AND chiave = ?', [$tipo, $chiave]);
-    return ['esito' => $fatto ? 'fatto' : 'diverso', 'voce' => boVoceRiga($riga)];
+    $row = kvRiga('SELECT disponibile, quantita FROM kv_disponibilita WHERE tipo = ? AND chiave = ?', [$kind, $key]);
+    return ['esito' => $done ? 'fatto' : 'diverso', 'voce' => boRowEntry($row)];
 }

@@ -5,16 +5,16 @@ include_once "kvmail.php";
 include_once "bo_ordini.php";
 
 /** The languages of the words, by code. */
-const BO_LINGUE = ['it' => 'Italiano', 'en' => 'Inglese', 'fr' => 'Francese', 'de' => 'Tedesco'];
+const BO_LANGUAGES = ['it' => 'Italiano', 'en' => 'Inglese', 'fr' => 'Francese', 'de' => 'Tedesco'];
 /** What every mail begins and ends with, and its subject; the words of the state stand between. */
-const BO_CORNICI = [
+const BO_FRAMES = [
     'it' => ['Ordine {codice}', "Gentile cliente,\n\n", "\n\nOrdine {codice} del {data}, totale {totale}.\n\nCordiali saluti"],
     'en' => ['Order {codice}', "Dear customer,\n\n", "\n\nOrder {codice} of {data}, total {totale}.\n\nKind regards"],
     'fr' => ['Commande {codice}', "Cher client,\n\n", "\n\nCommande {codice} du {data}, total {totale}.\n\nCordialement"],
     'de' => ['Bestellung {codice}', "Guten Tag,\n\n", "\n\nBestellung {codice} vom {data}, Summe {totale}.\n\nMit freundlichen Grüßen"],
 ];
-/** The words of each state, in the order of BO_LINGUE. */
-const BO_PAROLE = [
+/** The words of each state, in the order of BO_LANGUAGES. */
+const BO_WORDS = [
     'nuovo' => ['abbiamo di nuovo in lavorazione il suo ordine.', 'we are working on your order again.',
         'nous traitons de nouveau votre commande.', 'wir bearbeiten Ihre Bestellung wieder.'],
     'da verificare' => ['stiamo verificando il pagamento del suo ordine.', 'we are checking the payment of your order.',
@@ -37,66 +37,66 @@ const BO_PAROLE = [
         'Ihre Bestellung wurde storniert.'],
 ];
 /** Most characters of a mail's words. */
-const BO_TESTO_MASSIMO = 4000;
+const BO_TEXT_LENGTH = 4000;
 
 /** Subject and text as shipped, UTF-8; placeholders still in them. */
-function boTestoFornito(string $stato, string $lingua): array
+function boShippedText(string $state, string $language): array
 {
-    list($oggetto, $inizio, $fine) = BO_CORNICI[$lingua];
-    $parole = BO_PAROLE[$stato][array_search($lingua, array_keys(BO_LINGUE), true)];
-    return ['oggetto' => kvFromCp1252($oggetto), 'testo' => kvFromCp1252($inizio . $parole . $fine)];
+    list($subject, $start, $end) = BO_FRAMES[$language];
+    $words = BO_WORDS[$state][array_search($language, array_keys(BO_LANGUAGES), true)];
+    return ['oggetto' => kvFromCp1252($subject), 'testo' => kvFromCp1252($start . $words . $end)];
 }
 
 /** The same as the merchant wants it; an empty text: no mail for this state. */
-function boTestoStato(string $stato, string $lingua): array
+function boStateMailText(string $state, string $language): array
 {
-    return kvRiga('SELECT oggetto, testo FROM kv_testi WHERE nome = ?', ["$stato.$lingua"])
-        ?? boTestoFornito($stato, $lingua);
+    return kvRiga('SELECT oggetto, testo FROM kv_testi WHERE nome = ?', ["$state.$language"])
+        ?? boShippedText($state, $language);
 }
 
 /** The language of the mails of an order: the customer's where there are words for it, else English. */
-function boLinguaOrdine(array $ordine, array $dati): string
+function boOrderLanguage(array $order, array $data): string
 {
-    $lingua = $dati['lingua'] !== '' ? $dati['lingua'] : ($ordine['lingua'] === '' ? 'it' : 'en');
-    return isset(BO_LINGUE[$lingua]) ? $lingua : 'en';
+    $language = $data['lingua'] !== '' ? $data['lingua'] : ($order['lingua'] === '' ? 'it' : 'en');
+    return isset(BO_LANGUAGES[$language]) ? $language : 'en';
 }
 
 /** A text with an order's values in it. */
-function boRiempi(string $testo, array $ordine): string
+function boFillText(string $text, array $order): string
 {
-    return strtr($testo, ['{codice}' => $ordine['codice'], '{data}' => boData($ordine['creato'], false),
-        '{totale}' => trim($ordine['valuta']) . ' ' . boDecimale($ordine['totale']),
+    return strtr($text, ['{codice}' => $order['codice'], '{data}' => boDateText($order['creato'], false),
+        '{totale}' => trim($order['valuta']) . ' ' . boDecimalText($order['totale']),
         '{negozio}' => kvSender()['nome']]);
 }
 
 /**
- * Writes to the customer of an order that it has another state; `proprio` replaces the prepared words. What came of it:
+ * Writes to the customer of an order that it has another state; `own` replaces the prepared words. What came of it:
  * a line for the order's notes, empty when there was nothing to be sent.
  */
-function boScriviStato(array $ordine, string $stato, string $proprio): string
+function boMailState(array $order, string $state, string $own): string
 {
-    $lingua = boLinguaOrdine($ordine, boDatiOrdine($ordine['dati']));
-    $testo = boTestoStato($stato, $lingua);
-    if ($proprio !== '') {
-        $testo['testo'] = $proprio;
-        $testo['oggetto'] = $testo['oggetto'] === '' ? boTestoFornito($stato, $lingua)['oggetto'] : $testo['oggetto'];
+    $language = boOrderLanguage($order, boOrderData($order['dati']));
+    $text = boStateMailText($state, $language);
+    if ($own !== '') {
+        $text['testo'] = $own;
+        $text['oggetto'] = $text['oggetto'] === '' ? boShippedText($state, $language)['oggetto'] : $text['oggetto'];
     }
-    if ($testo['testo'] === '' || $ordine['email'] === '') {
+    if ($text['testo'] === '' || $order['email'] === '') {
         return '';
     }
-    $negozio = kvSender();
-    $corpo = preg_replace('/\r?\n/', "\r\n", boRiempi($testo['testo'], $ordine)) . "\r\n\r\n" . $negozio['firma'];
-    $partito = kvMail($ordine['email'], $negozio['email'],
-        $negozio['nome'] . ' - ' . boRiempi($testo['oggetto'], $ordine), $corpo);
-    return $partito ? "Messaggio al cliente: $stato" : kvFromCp1252("Il server non ha accettato il messaggio al cliente: $stato");
+    $shop = kvSender();
+    $body = preg_replace('/\r?\n/', "\r\n", boFillText($text['testo'], $order)) . "\r\n\r\n" . $shop['firma'];
+    $sent = kvMail($order['email'], $shop['email'],
+        $shop['nome'] . ' - ' . boFillText($text['oggetto'], $order), $body);
+    return $sent ? "Messaggio al cliente: $state" : kvFromCp1252("Il server non ha accettato il messaggio al cliente: $state");
 }
 
 /** The same, noted at the order. */
-function boAvvisaCliente(array $ordine, string $stato, string $proprio): string
+function boNotifyCustomer(array $order, string $state, string $own): string
 {
-    $esito = boScriviStato($ordine, $stato, $proprio);
-    if ($esito !== '') {
-        boAnnota((int) $ordine['id'], 'messaggio', $esito);
+    $result = boMailState($order, $state, $own);
+    if ($result !== '') {
+        boAddNote((int) $order['id'], 'messaggio', $result);
     }
-    return $esito;
+    return $result;
 }

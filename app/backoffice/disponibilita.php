@@ -5,117 +5,117 @@
 include "bo_base.php";
 include_once "bo_scorte.php";
 include_once "bo_voci.php";
-boRiservata();
+boRequireAccess();
 
-const BO_PER_PAGINA = 50;
+const BO_PER_PAGE = 50;
 
 /** What a request asks of the list: the parameters, the tables, the condition and its values. */
-function boFiltroDisponibilita(array $richiesta): array
+function boStockFilter(array $request): array
 {
-    $tipo = kvCampo($richiesta, 'tipo', 1) === 'V' ? 'V' : 'A';
-    $vedi = kvCampo($richiesta, 'vedi', 10);
-    $filtri = ['esauriti' => '(d.disponibile = 0 OR d.quantita <= 0)', 'limitati' => 'd.chiave IS NOT NULL',
-        'scarsi' => boCondizioneScarsi()];
-    $parametri = ['tipo' => $tipo, 'q' => kvLineField($richiesta, 'q', 100),
-        'vedi' => isset($filtri[$vedi]) ? $vedi : ''];
-    $tabelle = boTabelleVoci($tipo);
-    $dove = $parametri['vedi'] === '' ? '1 = 1' : $filtri[$vedi];
-    if ($parametri['q'] === '') {
-        return [$parametri, $tabelle, $dove, []];
+    $kind = kvCampo($request, 'tipo', 1) === 'V' ? 'V' : 'A';
+    $view = kvCampo($request, 'vedi', 10);
+    $filters = ['esauriti' => '(d.disponibile = 0 OR d.quantita <= 0)', 'limitati' => 'd.chiave IS NOT NULL',
+        'scarsi' => boLowStockCondition()];
+    $parameters = ['tipo' => $kind, 'q' => kvLineField($request, 'q', 100),
+        'vedi' => isset($filters[$view]) ? $view : ''];
+    $tables = boStockTables($kind);
+    $where = $parameters['vedi'] === '' ? '1 = 1' : $filters[$view];
+    if ($parameters['q'] === '') {
+        return [$parameters, $tables, $where, []];
     }
-    return [$parametri, $tabelle, $dove . ' AND INSTR(' . boFonti()[$tipo]['cerca'] . ', ?) > 0', [kvFromUtf8($parametri['q'])]];
+    return [$parameters, $tables, $where . ' AND INSTR(' . boStockSources()[$kind]['cerca'] . ', ?) > 0', [kvFromUtf8($parameters['q'])]];
 }
 
 /** Stores the rows of the form that were changed, and tells of those that couldn't be. */
-function boSalvaVoci(string $tipo): void
+function boSaveEntries(string $kind): void
 {
-    $campi = array_map(fn($nome) => is_array($_POST[$nome] ?? null) ? $_POST[$nome] : [], ['c' => 'c', 'p' => 'p',
+    $fields = array_map(fn($name) => is_array($_POST[$name] ?? null) ? $_POST[$name] : [], ['c' => 'c', 'p' => 'p',
         'd' => 'd', 'q' => 'q']);
-    $salvate = 0;
-    foreach (array_slice($campi['c'], 0, BO_PER_PAGINA, true) as $n => $chiave) {
-        $chiave = kvFromUtf8(kvCampo($campi['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
-        $prima = kvCampo($campi['p'], (string) $n, 12);
-        $dopo = boVoce(isset($campi['d'][$n]), kvCampo($campi['q'], (string) $n, 12));
-        if ($dopo === null) {
-            boAvvisa("$chiave: la quantità dev'essere un numero intero, vuota per nessun limite.", true);
-        } elseif ($chiave !== '' && $dopo !== $prima) {
-            if (boSalvaVoce($tipo, $chiave, $prima, $dopo)) {
-                $salvate++;
+    $saved = 0;
+    foreach (array_slice($fields['c'], 0, BO_PER_PAGE, true) as $n => $key) {
+        $key = kvFromUtf8(kvCampo($fields['c'] + ['_charset_' => 'utf-8'], (string) $n, 100));
+        $before = kvCampo($fields['p'], (string) $n, 12);
+        $after = boStockEntry(isset($fields['d'][$n]), kvCampo($fields['q'], (string) $n, 12));
+        if ($after === null) {
+            boNotify("$key: la quantità dev'essere un numero intero, vuota per nessun limite.", true);
+        } elseif ($key !== '' && $after !== $before) {
+            if (boSaveEntry($kind, $key, $before, $after)) {
+                $saved++;
             } else {
-                boAvvisa("$chiave: la disponibilità è cambiata nel frattempo; controllare e ripetere.", true);
+                boNotify("$key: la disponibilità è cambiata nel frattempo; controllare e ripetere.", true);
             }
         }
     }
-    if ($salvate > 0) {
+    if ($saved > 0) {
         kvStockChanged();
-        boAvvisa($salvate === 1 ? 'Disponibilità salvata.' : "$salvate disponibilità salvate.");
+        boNotify($saved === 1 ? 'Disponibilità salvata.' : "$saved disponibilità salvate.");
     }
 }
 
 /** A mark for what is sold out or runs short, as HTML. */
-function boSegnoScorta(bool $disponibile, string $quantita): string
+function boStockMark(bool $available, string $quantity): string
 {
-    if (!$disponibile || $quantita === '0') {
+    if (!$available || $quantity === '0') {
         return ' <span class="stato stato-rifiutato">esaurito</span>';
     }
-    return $quantita !== '' && (int) $quantita <= boSoglia() ? ' <span class="stato stato-nuovo">in esaurimento</span>' : '';
+    return $quantity !== '' && (int) $quantity <= boLowStockLimit() ? ' <span class="stato stato-nuovo">in esaurimento</span>' : '';
 }
 
 /** The fields of one row, as cells. */
-function boCelleVoce(int $n, array $riga): array
+function boEntryCells(int $n, array $row): array
 {
-    $voce = boVoceTrovata($riga);
-    $nome = trim($riga['codice'] . ' ' . strip_tags((string) $riga['nome']));
-    $quantita = explode('|', $voce)[1];
+    $entry = boFoundEntry($row);
+    $name = trim($row['codice'] . ' ' . strip_tags((string) $row['nome']));
+    $quantity = explode('|', $entry)[1];
     return [
-        kvHtml($riga['codice']), kvHtml(boNomeVoce($riga)),
-        '<input type="hidden" name="c[' . $n . ']" value="' . kvHtml($riga['chiave']) . '">'
-            . '<input type="hidden" name="p[' . $n . ']" value="' . $voce . '">'
-            . '<input type="checkbox" name="d[' . $n . ']" value="1" aria-label="Disponibile: ' . kvHtml($nome) . '"'
-            . ($voce[0] === '1' ? ' checked' : '') . '>',
+        kvHtml($row['codice']), kvHtml(boStockRowName($row)),
+        '<input type="hidden" name="c[' . $n . ']" value="' . kvHtml($row['chiave']) . '">'
+            . '<input type="hidden" name="p[' . $n . ']" value="' . $entry . '">'
+            . '<input type="checkbox" name="d[' . $n . ']" value="1" aria-label="Disponibile: ' . kvHtml($name) . '"'
+            . ($entry[0] === '1' ? ' checked' : '') . '>',
         '<input type="text" inputmode="numeric" pattern="[0-9]*" maxlength="7" size="11" name="q[' . $n . ']" value="'
-            . $quantita . '" aria-label="Quantità: ' . kvHtml($nome) . '" placeholder="senza limite">'
-            . boSegnoScorta($voce[0] === '1', $quantita),
+            . $quantity . '" aria-label="Quantità: ' . kvHtml($name) . '" placeholder="senza limite">'
+            . boStockMark($entry[0] === '1', $quantity),
     ];
 }
 
-list($boParametri, $boTabelle, $boDove, $boValori) = boFiltroDisponibilita($_GET);
-if (boInvio()) {
+list($boParameters, $boTables, $boWhere, $boValues) = boStockFilter($_GET);
+if (boIsSubmitted()) {
     if (isset($_POST['controllate'])) {
         kvStoreValue('scorte_condivise', '');
     } elseif (isset($_POST['soglia'])) {
-        boSalvaSoglia();
+        boSaveLowStockLimit();
     } else {
-        boSalvaVoci($boParametri['tipo']);
+        boSaveEntries($boParameters['tipo']);
     }
-    boVai(boIndirizzo('disponibilita.php', ['p' => boNumero($_GET, 'p', 1, 99999)] + $boParametri));
+    boGoTo(boAddress('disponibilita.php', ['p' => boNumberWithin($_GET, 'p', 1, 99999)] + $boParameters));
 }
-$boFonte = boFonti()[$boParametri['tipo']];
-$boTrovate = boConta("SELECT COUNT(DISTINCT {$boFonte['gruppo']}) AS n FROM $boTabelle WHERE $boDove", $boValori);
-$boQuantePagine = max(1, (int) ceil($boTrovate / BO_PER_PAGINA));
-$boPagina = boNumero($_GET, 'p', 1, $boQuantePagine);
-$boVoci = boTrovaVoci($boParametri['tipo'], [$boDove, $boValori], ($boPagina - 1) * BO_PER_PAGINA, BO_PER_PAGINA)
+$boSource = boStockSources()[$boParameters['tipo']];
+$boFound = boCountRows("SELECT COUNT(DISTINCT {$boSource['gruppo']}) AS n FROM $boTables WHERE $boWhere", $boValues);
+$boPageCount = max(1, (int) ceil($boFound / BO_PER_PAGE));
+$boPage = boNumberWithin($_GET, 'p', 1, $boPageCount);
+$boEntries = boFindStockRows($boParameters['tipo'], [$boWhere, $boValues], ($boPage - 1) * BO_PER_PAGE, BO_PER_PAGE)
     ?? [];
-boInizio('Disponibilità', 'disponibilita.php');
+boPageStart('Disponibilità', 'disponibilita.php');
 ?>
 <form class="filtro" method="get" accept-charset="utf-8" action="disponibilita.php" role="search">
-<label>Elenco <select name="tipo"><?php echo boScelte(['A' => 'Articoli', 'V' => 'Valori delle opzioni'],
-    $boParametri['tipo']); ?></select></label>
-<?php echo boCampo('Codice o nome', 'q', $boParametri['q'], 'type="search" maxlength="100"'); ?>
-<label>Mostra <select name="vedi"><?php echo boScelte(['' => 'Tutti', 'limitati' => 'Con un limite',
-    'scarsi' => 'In esaurimento', 'esauriti' => 'Non disponibili'], $boParametri['vedi']); ?></select></label>
+<label>Elenco <select name="tipo"><?php echo boOptions(['A' => 'Articoli', 'V' => 'Valori delle opzioni'],
+    $boParameters['tipo']); ?></select></label>
+<?php echo boField('Codice o nome', 'q', $boParameters['q'], 'type="search" maxlength="100"'); ?>
+<label>Mostra <select name="vedi"><?php echo boOptions(['' => 'Tutti', 'limitati' => 'Con un limite',
+    'scarsi' => 'In esaurimento', 'esauriti' => 'Non disponibili'], $boParameters['vedi']); ?></select></label>
 <p><button type="submit">Cerca</button></p>
 </form>
-<?php boModuloSoglia(boIndirizzo('disponibilita.php', $boParametri)); ?>
-<?php if ($boVoci === []) { ?>
+<?php boLowStockForm(boAddress('disponibilita.php', $boParameters)); ?>
+<?php if ($boEntries === []) { ?>
 <p>Nessuna voce trovata.</p>
 <?php
 } else {
-    $boQuesta = boIndirizzo('disponibilita.php', ['p' => $boPagina] + $boParametri);
-    echo '<form method="post" accept-charset="utf-8" action="', kvHtml($boQuesta), '">', boCampoGettone();
-    boTabella(['Codice', $boParametri['tipo'] === 'A' ? 'Articolo' : 'Articolo e opzione', 'Disponibile', 'Quantità'],
-        array_map('boCelleVoce', array_keys($boVoci), $boVoci), $boParametri['tipo'] === 'A' ? 'Articoli' : 'Valori');
+    $boCurrent = boAddress('disponibilita.php', ['p' => $boPage] + $boParameters);
+    echo '<form method="post" accept-charset="utf-8" action="', kvHtml($boCurrent), '">', boTokenField();
+    boTable(['Codice', $boParameters['tipo'] === 'A' ? 'Articolo' : 'Articolo e opzione', 'Disponibile', 'Quantità'],
+        array_map('boEntryCells', array_keys($boEntries), $boEntries), $boParameters['tipo'] === 'A' ? 'Articoli' : 'Valori');
     echo '<p class="salva"><button type="submit">Salva</button></p></form>';
-    boPagine('disponibilita.php', $boParametri, $boPagina, $boQuantePagine);
+    boPageLinks('disponibilita.php', $boParameters, $boPage, $boPageCount);
 }
-boFine();
+boPageEnd();

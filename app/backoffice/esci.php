@@ -2,9 +2,9 @@
 // Leaves the back office. A link alone can't do it: the form of the header carries the session's token.
 include "bo_base.php";
 
-if (boInvio()) {
+if (boIsSubmitted()) {
     $_SESSION = [];
     session_regenerate_id(true);
-    boAvvisa('Sessione terminata.');
+    boNotify('Sessione terminata.');
 }
-boVai('index.php');
+boGoTo('index.php');

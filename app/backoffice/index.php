@@ -4,51 +4,51 @@
 include "bo_base.php";
 
 /** Why these access data don't open the back office; empty when they do. */
-function boRifiuto(string $utente, string $password): string
+function boRefusal(string $user, string $password): string
 {
-    $chiavi = [kvAttemptsKey('backoffice', $utente), kvAttemptsKey('backoffice', '')];
-    if (!kvAdmitAttempt($chiavi[0], 'accessi_conto') || !kvAdmitAttempt($chiavi[1], 'accessi')) {
+    $keys = [kvAttemptsKey('backoffice', $user), kvAttemptsKey('backoffice', '')];
+    if (!kvAdmitAttempt($keys[0], 'accessi_conto') || !kvAdmitAttempt($keys[1], 'accessi')) {
         return 'Troppi tentativi: riprovare tra un quarto d\'ora.';
     }
     // Both comparisons always take place, on texts of equal length.
-    $giuste = hash_equals(hash('sha256', kvFromCp1252(boImpostazioni()['utente'])), hash('sha256', $utente))
-        & hash_equals(hash('sha256', kvFromCp1252(boImpostazioni()['password'])), hash('sha256', $password));
-    if (!boProtetto() || !$giuste) {
+    $areRight = hash_equals(hash('sha256', kvFromCp1252(boSettings()['utente'])), hash('sha256', $user))
+        & hash_equals(hash('sha256', kvFromCp1252(boSettings()['password'])), hash('sha256', $password));
+    if (!boIsProtected() || !$areRight) {
         return 'Nome utente o password errati.';
     }
-    foreach ($chiavi as $chiave) {
-        kvForgetAttempts($chiave);
+    foreach ($keys as $key) {
+        kvForgetAttempts($key);
     }
     return '';
 }
 
-if (boEntrato()) {
-    boVai('pannello.php');
+if (boHasAccess()) {
+    boGoTo('pannello.php');
 }
-$boErrore = '';
-if (!boProtetto()) {
-    $boErrore = 'Il BackOffice non è protetto e resta chiuso: indicare nome utente e password nella scheda Internet,'
+$boError = '';
+if (!boIsProtected()) {
+    $boError = 'Il BackOffice non è protetto e resta chiuso: indicare nome utente e password nella scheda Internet,'
         . ' quindi costruire ed aggiornare il negozio.';
-} elseif (boInvio()) {
-    $boErrore = boRifiuto(kvCampo($_POST, 'utente'),
+} elseif (boIsSubmitted()) {
+    $boError = boRefusal(kvCampo($_POST, 'utente'),
         isset($_POST['password']) && is_string($_POST['password']) ? kvCut(kvSentText($_POST['password'], true), 200) : '');
-    if ($boErrore === '') {
-        boEntra();
-        boVai('pannello.php');
+    if ($boError === '') {
+        boLogIn();
+        boGoTo('pannello.php');
     }
 }
-if ($boErrore !== '') {
-    boAvvisa($boErrore, true);
+if ($boError !== '') {
+    boNotify($boError, true);
 }
-boInizio('Accesso');
-if (boProtetto()) {
+boPageStart('Accesso');
+if (boIsProtected()) {
 ?>
 <form class="modulo" method="post" accept-charset="utf-8" action="index.php">
-<?php echo boCampoGettone(); ?>
+<?php echo boTokenField(); ?>
 <label>Nome utente <input name="utente" maxlength="200" autocomplete="username" required autofocus></label>
 <label>Password <input type="password" name="password" maxlength="200" autocomplete="current-password" required></label>
 <p><button type="submit">Entra</button></p>
 </form>
 <?php
 }
-boFine();
+boPageEnd();

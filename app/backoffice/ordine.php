@@ -5,112 +5,112 @@ include_once "bo_ordini.php";
 include_once "bo_ordine.php";
 include_once "bo_recessi.php";
 include_once "bo_testi.php";
-boRiservata();
+boRequireAccess();
 
 /** The form of the state. Whether stock moves is asked where an order has pieces and is cancelled or comes back. */
-function boModuloStato(array $ordine, array $dati): void
+function boStateForm(array $order, array $data): void
 {
-    $annullato = $ordine['stato'] === 'annullato';
+    $cancelled = $order['stato'] === 'annullato';
     echo '<form class="modulo non-stampare" method="post" accept-charset="utf-8" action="',
-        kvHtml(boIndirizzo('ordine.php', ['codice' => $ordine['codice']])), '">', boCampoGettone(),
-        '<input type="hidden" name="prima" value="', kvHtml($ordine['stato']), '"><h2>Stato</h2>',
-        '<label>Stato dell\'ordine <select name="stato">', boScelte(boSceltaStati(), $ordine['stato']),
+        kvHtml(boAddress('ordine.php', ['codice' => $order['codice']])), '">', boTokenField(),
+        '<input type="hidden" name="prima" value="', kvHtml($order['stato']), '"><h2>Stato</h2>',
+        '<label>Stato dell\'ordine <select name="stato">', boOptions(boStateChoices(), $order['stato']),
         '</select></label>';
-    if (boPezziOrdine($dati['righe']) !== []) {
+    if (boOrderPieces($data['righe']) !== []) {
         echo '<label class="spunta"><input type="checkbox" name="scorte" value="1" checked> <span>',
-            $annullato ? 'Se l\'ordine torna valido, togliere di nuovo i pezzi dalle quantità disponibili'
+            $cancelled ? 'Se l\'ordine torna valido, togliere di nuovo i pezzi dalle quantità disponibili'
                 : 'Se l\'ordine viene annullato, rimettere i pezzi tra le quantità disponibili', '</span></label>';
     }
-    if ($ordine['email'] !== '') {
+    if ($order['email'] !== '') {
         echo '<label class="spunta"><input type="checkbox" name="scrivi" value="1" checked> <span>Scrivere al cliente (',
-            kvHtml(BO_LINGUE[boLinguaOrdine($ordine, $dati)]), ')</span></label><label>Testo del messaggio',
-            ' <textarea name="messaggio" rows="3" maxlength="', BO_TESTO_MASSIMO,
+            kvHtml(BO_LANGUAGES[boOrderLanguage($order, $data)]), ')</span></label><label>Testo del messaggio',
+            ' <textarea name="messaggio" rows="3" maxlength="', BO_TEXT_LENGTH,
             '" placeholder="vuoto: quello previsto per lo stato"></textarea></label>';
     }
     echo '<p><button type="submit">Salva</button></p></form>';
 }
 
 /** Sets the state that the form asks for, and writes to the customer; the notices say what came of both. */
-function boEseguiStato(array $ordine): void
+function boRunStateForm(array $order): void
 {
-    $prima = kvCampo($_POST, 'prima', 20);
-    $dopo = kvCampo($_POST, 'stato', 20);
-    if (!in_array($dopo, BO_STATI, true) || $dopo === $prima) {
+    $before = kvCampo($_POST, 'prima', 20);
+    $after = kvCampo($_POST, 'stato', 20);
+    if (!in_array($after, BO_STATES, true) || $after === $before) {
         return;
     }
-    if (!boCambiaStato($ordine, $prima, $dopo, isset($_POST['scorte']))) {
-        boAvvisa('Lo stato è cambiato nel frattempo: controllare e ripetere.', true);
+    if (!boChangeState($order, $before, $after, isset($_POST['scorte']))) {
+        boNotify('Lo stato è cambiato nel frattempo: controllare e ripetere.', true);
         return;
     }
-    boAvvisa("Lo stato dell'ordine è ora: $dopo.");
-    $esito = isset($_POST['scrivi']) ? boAvvisaCliente($ordine, $dopo, kvCampo($_POST, 'messaggio', BO_TESTO_MASSIMO)) : '';
-    if ($esito !== '') {
-        boAvvisa(kvFromUtf8($esito) . '.', strpos($esito, 'Il server') === 0);
+    boNotify("Lo stato dell'ordine è ora: $after.");
+    $result = isset($_POST['scrivi']) ? boNotifyCustomer($order, $after, kvCampo($_POST, 'messaggio', BO_TEXT_LENGTH)) : '';
+    if ($result !== '') {
+        boNotify(kvFromUtf8($result) . '.', strpos($result, 'Il server') === 0);
     }
 }
 
 /** What was noted of an order, newest first, and the form for another note. */
-function boNote(array $ordine): void
+function boNotes(array $order): void
 {
-    $note = kvQuery('SELECT quando, testo, tipo FROM kv_annotazioni WHERE ordine = ? ORDER BY id DESC LIMIT 200',
-        [(int) $ordine['id']]) ?? [];
+    $notes = kvQuery('SELECT quando, testo, tipo FROM kv_annotazioni WHERE ordine = ? ORDER BY id DESC LIMIT 200',
+        [(int) $order['id']]) ?? [];
     echo '<h2>Annotazioni</h2>';
-    if ($note !== []) {
+    if ($notes !== []) {
         echo '<ul class="note">';
-        foreach ($note as $nota) {
-            echo '<li class="nota-', kvHtml($nota['tipo']), '"><small>', boData($nota['quando']), '</small> ',
-                nl2br(kvHtmlUtf8($nota['testo'])), '</li>';
+        foreach ($notes as $note) {
+            echo '<li class="nota-', kvHtml($note['tipo']), '"><small>', boDateText($note['quando']), '</small> ',
+                nl2br(kvHtmlUtf8($note['testo'])), '</li>';
         }
         echo '</ul>';
     }
     echo '<form class="modulo non-stampare" method="post" accept-charset="utf-8" action="',
-        kvHtml(boIndirizzo('ordine.php', ['codice' => $ordine['codice']])), '">', boCampoGettone(),
+        kvHtml(boAddress('ordine.php', ['codice' => $order['codice']])), '">', boTokenField(),
         '<label>Nuova annotazione, solo per il negozio <textarea name="nota" rows="2" maxlength="2000" required></textarea>',
         '</label><p><button type="submit">Annota</button></p></form>';
 }
 
-$boCodice = kvLineField($_GET, 'codice', 20);
-$boOrdine = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [$boCodice]);
-if ($boOrdine === null) {
-    boChiudi(404, 'Questo ordine non esiste.');
+$boCode = kvLineField($_GET, 'codice', 20);
+$boOrder = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [$boCode]);
+if ($boOrder === null) {
+    boCloseWith(404, 'Questo ordine non esiste.');
 }
-if (boInvio()) {
+if (boIsSubmitted()) {
     kvRequireTables();
-    $boNota = kvCampo($_POST, 'nota', 2000);
-    if ($boNota !== '') {
-        boAvvisa(boAnnota((int) $boOrdine['id'], 'nota', $boNota) ? 'Annotazione salvata.'
+    $boNote = kvCampo($_POST, 'nota', 2000);
+    if ($boNote !== '') {
+        boNotify(boAddNote((int) $boOrder['id'], 'nota', $boNote) ? 'Annotazione salvata.'
             : 'L\'annotazione non è stata salvata.');
     } else {
-        boEseguiStato($boOrdine);
+        boRunStateForm($boOrder);
     }
-    boVai(boIndirizzo('ordine.php', ['codice' => $boCodice]));
+    boGoTo(boAddress('ordine.php', ['codice' => $boCode]));
 }
-$boDati = boDatiOrdine($boOrdine['dati']);
-boInizio('Ordine ' . $boOrdine['codice'], 'ordini.php');
+$boData = boOrderData($boOrder['dati']);
+boPageStart('Ordine ' . $boOrder['codice'], 'ordini.php');
 ?>
-<p class="sommario"><?php echo boData($boOrdine['creato']), ' &middot; ', boStato($boOrdine['stato']), ' &middot; ',
-    boNomeMetodo($boOrdine, $boDati); ?></p>
-<?php if (($boOrdine['pagamento'] ?? '') !== '') { ?>
-<p>Pagamento confermato: <?php echo kvHtmlUtf8($boOrdine['pagamento']); ?></p>
+<p class="sommario"><?php echo boDateText($boOrder['creato']), ' &middot; ', boStateText($boOrder['stato']), ' &middot; ',
+    boMethodName($boOrder, $boData); ?></p>
+<?php if (($boOrder['pagamento'] ?? '') !== '') { ?>
+<p>Pagamento confermato: <?php echo kvHtmlUtf8($boOrder['pagamento']); ?></p>
 <?php } ?>
 <div class="colonne">
 <section><h2>Destinatario</h2>
-<?php boDestinatario($boOrdine, $boDati['campi']); ?>
+<?php boRecipient($boOrder, $boData['campi']); ?>
 </section>
-<?php boModuloStato($boOrdine, $boDati); ?>
+<?php boStateForm($boOrder, $boData); ?>
 </div>
 <h2>Articoli</h2>
 <?php
-boContenuto($boOrdine, $boDati);
-boRecessiOrdine($boOrdine);
-if (($boDati['campi']['Note'] ?? '') !== '') {
-    echo '<h2>Note</h2><p class="testo">', nl2br(kvHtmlUtf8($boDati['campi']['Note'])), '</p>';
+boOrderContent($boOrder, $boData);
+boOrderWithdrawals($boOrder);
+if (($boData['campi']['Note'] ?? '') !== '') {
+    echo '<h2>Note</h2><p class="testo">', nl2br(kvHtmlUtf8($boData['campi']['Note'])), '</p>';
 }
-boNote($boOrdine);
+boNotes($boOrder);
 echo '<p class="non-stampare stampe">';
-foreach (['ordine' => 'Stampa dell\'ordine', 'consegna' => 'Documento di consegna', 'ricevuta' => 'Ricevuta'] as $boCosa => $boNome) {
-    echo '<a href="', kvHtml(boIndirizzo('stampa.php', ['codice' => $boOrdine['codice'], 'cosa' => $boCosa])), '">',
-        kvHtml($boNome), '</a> ';
+foreach (['ordine' => 'Stampa dell\'ordine', 'consegna' => 'Documento di consegna', 'ricevuta' => 'Ricevuta'] as $boWhat => $boName) {
+    echo '<a href="', kvHtml(boAddress('stampa.php', ['codice' => $boOrder['codice'], 'cosa' => $boWhat])), '">',
+        kvHtml($boName), '</a> ';
 }
 echo '<a href="ordini.php">Tutti gli ordini</a></p>';
-boFine();
+boPageEnd();

@@ -3,74 +3,74 @@
 // ";", CR LF, decimal comma. With ?righe=1 a row for each line of an order, which repeats what the order says.
 include "bo_base.php";
 include_once "bo_ordini.php";
-boRiservata();
+boRequireAccess();
 
 /**
  * A customer's text as a field. One that a spreadsheet would take for a formula gets an apostrophe in front. Source:
  * OWASP, CSV Injection.
  */
-function boCampoCsv(string $testo): string
+function boCsvField(string $text): string
 {
-    $testo = trim(preg_replace('/[\x00-\x1f\x7f]+/', ' ', $testo));
+    $text = trim(preg_replace('/[\x00-\x1f\x7f]+/', ' ', $text));
     // The wide forms of these characters too: U+FF1D, U+FF0B, U+FF0D, U+FF20 as UTF-8.
-    if (preg_match('/^(?:[=+\-@]|\xEF\xBC[\x9D\x8B\x8D\xA0])/', $testo)) {
-        $testo = "'" . $testo;
+    if (preg_match('/^(?:[=+\-@]|\xEF\xBC[\x9D\x8B\x8D\xA0])/', $text)) {
+        $text = "'" . $text;
     }
-    return '"' . str_replace('"', '""', $testo) . '"';
+    return '"' . str_replace('"', '""', $text) . '"';
 }
 
 /** The fields of the order form behind the columns of the table: heading => name in the column `dati`. */
-const BO_CAMPI_CSV = ['Ragione sociale' => 'RagioneSociale', 'Partita IVA' => 'PartitaIVA', 'Indirizzo' => 'Indirizzo',
+const BO_CSV_FIELDS = ['Ragione sociale' => 'RagioneSociale', 'Partita IVA' => 'PartitaIVA', 'Indirizzo' => 'Indirizzo',
     'CAP' => 'CAP', 'Città' => 'Citta', 'Provincia' => 'Provincia', 'Paese' => 'Paese', 'Telefono' => 'Telefono',
     'Note' => 'Note'];
 
 /** The further columns of a file of lines; words are those of the shop's first language, then the customer's. */
-const BO_RIGHE_CSV = ['Riga', 'Codice articolo', 'Articolo', 'Opzioni', 'Articolo (cliente)', 'Opzioni (cliente)',
+const BO_CSV_LINE_FIELDS = ['Riga', 'Codice articolo', 'Articolo', 'Opzioni', 'Articolo (cliente)', 'Opzioni (cliente)',
     'Quantità', 'Prezzo', 'Totale riga'];
 
-/** The columns of BO_RIGHE_CSV for each line of an order; empty ones for an order that doesn't hold its lines. */
-function boRigheCsv(array $righe): array
+/** The columns of BO_CSV_LINE_FIELDS for each line of an order; empty ones for an order that doesn't hold its lines. */
+function boCsvLines(array $rows): array
 {
-    $importo = fn(float $numero): string => number_format($numero, 2, ',', '');
-    return $righe === [] ? [array_fill(0, count(BO_RIGHE_CSV), '')] : array_map(fn($n, $riga) => [(string) ($n + 1),
-        boCampoCsv($riga['codice']), boCampoCsv($riga['prima']), boCampoCsv($riga['scelte_prima']),
-        boCampoCsv($riga['testo']), boCampoCsv($riga['scelte']), (string) $riga['quantita'], $importo($riga['importo']),
-        $importo($riga['importo'] * $riga['quantita'])], array_keys($righe), $righe);
+    $amount = fn(float $number): string => number_format($number, 2, ',', '');
+    return $rows === [] ? [array_fill(0, count(BO_CSV_LINE_FIELDS), '')] : array_map(fn($n, $row) => [(string) ($n + 1),
+        boCsvField($row['codice']), boCsvField($row['prima']), boCsvField($row['scelte_prima']),
+        boCsvField($row['testo']), boCsvField($row['scelte']), (string) $row['quantita'], $amount($row['importo']),
+        $amount($row['importo'] * $row['quantita'])], array_keys($rows), $rows);
 }
 
-/** An order as one row, or with `righe` as a row for each of its lines. */
-function boRigaCsv(array $ordine, bool $righe): string
+/** An order as one row, or with `rows` as a row for each of its lines. */
+function boCsvRow(array $order, bool $rows): string
 {
-    $dati = boDatiOrdine($ordine['dati']);
-    $campi = $dati['campi'];
-    $riga = [boCampoCsv($ordine['codice']), boData($ordine['creato']), boCampoCsv($ordine['nome']),
-        boCampoCsv($ordine['email']), number_format((float) $ordine['totale'], 2, ',', ''),
-        boCampoCsv($ordine['valuta']), boCampoCsv($ordine['metodo']), boCampoCsv($ordine['stato'])];
-    foreach (BO_CAMPI_CSV as $nome) {
-        $riga[] = boCampoCsv($campi[$nome] ?? '');
+    $data = boOrderData($order['dati']);
+    $fields = $data['campi'];
+    $row = [boCsvField($order['codice']), boDateText($order['creato']), boCsvField($order['nome']),
+        boCsvField($order['email']), number_format((float) $order['totale'], 2, ',', ''),
+        boCsvField($order['valuta']), boCsvField($order['metodo']), boCsvField($order['stato'])];
+    foreach (BO_CSV_FIELDS as $name) {
+        $row[] = boCsvField($fields[$name] ?? '');
     }
-    $testi = [];
-    foreach ($righe ? boRigheCsv($dati['righe']) : [[]] as $altre) {
-        $testi[] = implode(';', array_merge($riga, $altre)) . "\r\n";
+    $texts = [];
+    foreach ($rows ? boCsvLines($data['righe']) : [[]] as $others) {
+        $texts[] = implode(';', array_merge($row, $others)) . "\r\n";
     }
-    return implode('', $testi);
+    return implode('', $texts);
 }
 
-list(, $boDove, $boValori) = boFiltroOrdini($_GET);
+list(, $boWhere, $boValues) = boOrderFilter($_GET);
 header('Content-Type: text/csv; charset=utf-8');
-$boRighe = isset($_GET['righe']);
-header('Content-Disposition: attachment; filename="' . ($boRighe ? 'righe' : 'ordini') . '-' . date('Y-m-d') . '.csv"');
+$boRows = isset($_GET['righe']);
+header('Content-Disposition: attachment; filename="' . ($boRows ? 'righe' : 'ordini') . '-' . date('Y-m-d') . '.csv"');
 ob_end_flush();
 echo "\u{FEFF}", 'Codice;Data;Cliente;E-mail;Totale;Valuta;Pagamento;Stato;',
-    kvUtf8(implode(';', array_merge(array_keys(BO_CAMPI_CSV), $boRighe ? BO_RIGHE_CSV : []))), "\r\n";
+    kvUtf8(implode(';', array_merge(array_keys(BO_CSV_FIELDS), $boRows ? BO_CSV_LINE_FIELDS : []))), "\r\n";
 // In steps, each from where the last one ended, so that many orders need no more memory than few.
-$boUltimo = PHP_INT_MAX;
+$boLast = PHP_INT_MAX;
 do {
-    $boOrdini = kvQuery('SELECT ' . BO_COLONNE_ORDINE . ", dati FROM kv_ordini WHERE $boDove AND id < ?"
-        . ' ORDER BY id DESC LIMIT 200', array_merge($boValori, [$boUltimo])) ?? [];
-    foreach ($boOrdini as $boOrdine) {
-        echo boRigaCsv($boOrdine, $boRighe);
-        $boUltimo = (int) $boOrdine['id'];
+    $boOrders = kvQuery('SELECT ' . BO_ORDER_COLUMNS . ", dati FROM kv_ordini WHERE $boWhere AND id < ?"
+        . ' ORDER BY id DESC LIMIT 200', array_merge($boValues, [$boLast])) ?? [];
+    foreach ($boOrders as $boOrder) {
+        echo boCsvRow($boOrder, $boRows);
+        $boLast = (int) $boOrder['id'];
     }
     flush();
-} while (count($boOrdini) === 200);
+} while (count($boOrders) === 200);

@@ -2,35 +2,35 @@
 // The withdrawals that buyers sent, newest first; what has become of each.
 include "bo_base.php";
 include_once "bo_recessi.php";
-boRiservata();
+boRequireAccess();
 
-const BO_PER_PAGINA = 25;
+const BO_PER_PAGE = 25;
 
-$boStato = kvCampo($_GET, 'stato', 20);
-$boStato = in_array($boStato, BO_STATI_RECESSO, true) ? $boStato : '';
-$boQui = boIndirizzo('recessi.php', ['stato' => $boStato]);
-if (boInvio()) {
-    boSalvaRecesso($boQui);
+$boState = kvCampo($_GET, 'stato', 20);
+$boState = in_array($boState, BO_WITHDRAWAL_STATES, true) ? $boState : '';
+$boHere = boAddress('recessi.php', ['stato' => $boState]);
+if (boIsSubmitted()) {
+    boSaveWithdrawal($boHere);
 }
-list($boDove, $boValori) = $boStato === '' ? ['1 = 1', []] : ['r.stato = ?', [$boStato]];
-$boTrovati = boConta("SELECT COUNT(*) AS n FROM kv_recessi r WHERE $boDove", $boValori);
-$boQuantePagine = max(1, (int) ceil($boTrovati / BO_PER_PAGINA));
-$boPagina = boNumero($_GET, 'p', 1, $boQuantePagine);
-$boRecessi = kvQuery('SELECT r.id, r.numero, r.creato, r.tardi, r.stato, r.righe, o.codice, o.nome FROM kv_recessi r'
-    . " INNER JOIN kv_ordini o ON o.id = r.ordine WHERE $boDove ORDER BY r.id DESC LIMIT " . BO_PER_PAGINA . ' OFFSET '
-    . ($boPagina - 1) * BO_PER_PAGINA, $boValori) ?? [];
-boInizio('Recessi', 'recessi.php');
+list($boWhere, $boValues) = $boState === '' ? ['1 = 1', []] : ['r.stato = ?', [$boState]];
+$boFound = boCountRows("SELECT COUNT(*) AS n FROM kv_recessi r WHERE $boWhere", $boValues);
+$boPageCount = max(1, (int) ceil($boFound / BO_PER_PAGE));
+$boPage = boNumberWithin($_GET, 'p', 1, $boPageCount);
+$boWithdrawals = kvQuery('SELECT r.id, r.numero, r.creato, r.tardi, r.stato, r.righe, o.codice, o.nome FROM kv_recessi r'
+    . " INNER JOIN kv_ordini o ON o.id = r.ordine WHERE $boWhere ORDER BY r.id DESC LIMIT " . BO_PER_PAGE . ' OFFSET '
+    . ($boPage - 1) * BO_PER_PAGE, $boValues) ?? [];
+boPageStart('Recessi', 'recessi.php');
 ?>
 <form class="filtro" method="get" accept-charset="utf-8" action="recessi.php">
 <label>Stato <select name="stato"><?php
-    echo boScelte(['' => 'Tutti'] + array_combine(BO_STATI_RECESSO, array_map('ucfirst', BO_STATI_RECESSO)), $boStato); ?></select></label>
+    echo boOptions(['' => 'Tutti'] + array_combine(BO_WITHDRAWAL_STATES, array_map('ucfirst', BO_WITHDRAWAL_STATES)), $boState); ?></select></label>
 <p><button type="submit">Mostra</button></p>
 </form>
-<?php if ($boRecessi === []) { ?>
+<?php if ($boWithdrawals === []) { ?>
 <p>Nessun recesso.</p>
 <?php
 } else {
-    boTabellaRecessi($boRecessi, $boQui);
-    boPagine('recessi.php', ['stato' => $boStato], $boPagina, $boQuantePagine);
+    boWithdrawalTable($boWithdrawals, $boHere);
+    boPageLinks('recessi.php', ['stato' => $boState], $boPage, $boPageCount);
 }
-boFine();
+boPageEnd();

@@ -20,20 +20,20 @@ $GLOBALS['kvFailurePage'] = function (): string {
 };
 
 /** What can be asked. Each takes the request and gives the answer. */
-const BO_AZIONI = ['prova' => 'boRemotoProva', 'ordini' => 'boRemotoOrdini', 'tolti' => 'boRemotoTolti',
-    'stato' => 'boRemotoStato', 'nota' => 'boRemotoNota', 'scorte' => 'boRemotoScorte', 'scorta' => 'boRemotoScorta'];
+const BO_ACTIONS = ['prova' => 'boRemoteProbe', 'ordini' => 'boRemoteOrders', 'tolti' => 'boRemoteDeleted',
+    'stato' => 'boRemoteSetState', 'nota' => 'boRemoteAddNote', 'scorte' => 'boRemoteStock', 'scorta' => 'boRemoteSetStock'];
 
 /** That the two understand each other, and which shop this is. */
-function boRemotoProva(array $dati): array
+function boRemoteProbe(array $data): array
 {
-    return ['versione' => 1, 'negozio' => kvUtf8(boImpostazioni()['negozio']), 'ora' => time()];
+    return ['versione' => 1, 'negozio' => kvUtf8(boSettings()['negozio']), 'ora' => time()];
 }
 
-$boCampi = boRemotoCampi();
-$boChiave = boRemotoChiave();
-boRemotoAmmetti($boCampi, $boChiave);
+$boFields = boRemoteFields();
+$boKey = boRemoteKey();
+boRemoteAdmit($boFields, $boKey);
 kvRequireTables();
-$boDati = json_decode($boCampi['dati'], true, 8);
-$boAzione = is_array($boDati) && is_string($boDati['azione'] ?? null) ? BO_AZIONI[$boDati['azione']] ?? '' : '';
-boRemotoRispondi($boChiave, $boCampi['numero'], $boAzione === ''
-    ? boRemotoErrore('Il negozio non conosce questa richiesta: pubblicarlo di nuovo.') : $boAzione($boDati));
+$boData = json_decode($boFields['dati'], true, 8);
+$boAction = is_array($boData) && is_string($boData['azione'] ?? null) ? BO_ACTIONS[$boData['azione']] ?? '' : '';
+boRemoteAnswer($boKey, $boFields['numero'], $boAction === ''
+    ? boRemoteError('Il negozio non conosce questa richiesta: pubblicarlo di nuovo.') : $boAction($boData));

@@ -4,54 +4,54 @@ include "bo_base.php";
 include_once "bo_ordini.php";
 include_once "bo_ordine.php";
 include_once "kvmail.php";
-boRiservata();
+boRequireAccess();
 
 /** The prints: heading, whether amounts are on it. */
-const BO_STAMPE = ['ordine' => ['Ordine', true], 'consegna' => ['Documento di consegna', false],
+const BO_PRINTS = ['ordine' => ['Ordine', true], 'consegna' => ['Documento di consegna', false],
     'ricevuta' => ['Ricevuta', true]];
 
 /** The shop as it signs its mails, else its name alone. */
-function boMittenteStampa(): string
+function boPrintedSender(): string
 {
-    $negozio = kvSender();
-    $firma = trim($negozio['firma']);
-    $nome = strpos($firma, $negozio['nome']) === 0 ? '' : $negozio['nome'] . "\n";
-    return '<p>' . nl2br(kvHtmlUtf8(trim($nome . $firma))) . '</p>';
+    $shop = kvSender();
+    $signature = trim($shop['firma']);
+    $name = strpos($signature, $shop['nome']) === 0 ? '' : $shop['nome'] . "\n";
+    return '<p>' . nl2br(kvHtmlUtf8(trim($name . $signature))) . '</p>';
 }
 
 /** The lines without amounts, with room for a mark beside each; who receives them signs below. */
-function boConsegna(array $dati): void
+function boDeliveryLines(array $data): void
 {
-    boTabella(['#Quantità', 'Codice', 'Articolo'], array_map(fn($riga) => [(string) $riga['quantita'],
-        kvHtmlUtf8($riga['codice']), boNomeRiga($riga)], $dati['righe']), 'Articoli consegnati');
-    $pezzi = array_sum(array_column($dati['righe'], 'quantita'));
-    echo '<p>Pezzi: ', $pezzi, '</p><p class="firma">Data e firma del destinatario</p>';
+    boTable(['#Quantità', 'Codice', 'Articolo'], array_map(fn($row) => [(string) $row['quantita'],
+        kvHtmlUtf8($row['codice']), boLineName($row)], $data['righe']), 'Articoli consegnati');
+    $pieces = array_sum(array_column($data['righe'], 'quantita'));
+    echo '<p>Pezzi: ', $pieces, '</p><p class="firma">Data e firma del destinatario</p>';
 }
 
-$boOrdine = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [kvLineField($_GET, 'codice', 20)]);
-$boCosa = kvCampo($_GET, 'cosa', 10);
-if ($boOrdine === null || !isset(BO_STAMPE[$boCosa])) {
-    boChiudi(404, 'Questo ordine non esiste.');
+$boOrder = kvRiga('SELECT * FROM kv_ordini WHERE codice = ?', [kvLineField($_GET, 'codice', 20)]);
+$boWhat = kvCampo($_GET, 'cosa', 10);
+if ($boOrder === null || !isset(BO_PRINTS[$boWhat])) {
+    boCloseWith(404, 'Questo ordine non esiste.');
 }
-$boDati = boDatiOrdine($boOrdine['dati']);
-list($boNome, $boImporti) = BO_STAMPE[$boCosa];
-boInizio($boNome . ' ' . $boOrdine['codice'], 'ordini.php');
+$boData = boOrderData($boOrder['dati']);
+list($boName, $boAmounts) = BO_PRINTS[$boWhat];
+boPageStart($boName . ' ' . $boOrder['codice'], 'ordini.php');
 echo '<p class="non-stampare"><button type="button" data-stampa hidden>Stampa</button> <a href="',
-    kvHtml(boIndirizzo('ordine.php', ['codice' => $boOrdine['codice']])), '">Torna all\'ordine</a></p>',
-    '<div class="colonne">', boMittenteStampa(), '<section><h2>Destinatario</h2>';
-boDestinatario($boOrdine, $boDati['campi']);
-echo '</section></div><p class="sommario">Ordine ', kvHtml($boOrdine['codice']), ' del ', boData($boOrdine['creato'], false),
-    $boImporti ? ' &middot; Pagamento: ' . boNomeMetodo($boOrdine, $boDati) : '',
-    $boCosa === 'ordine' ? ' &middot; ' . boStato($boOrdine['stato']) : '', '</p>';
-if ($boImporti || $boDati['righe'] === []) {
-    boContenuto($boOrdine, $boDati);
+    kvHtml(boAddress('ordine.php', ['codice' => $boOrder['codice']])), '">Torna all\'ordine</a></p>',
+    '<div class="colonne">', boPrintedSender(), '<section><h2>Destinatario</h2>';
+boRecipient($boOrder, $boData['campi']);
+echo '</section></div><p class="sommario">Ordine ', kvHtml($boOrder['codice']), ' del ', boDateText($boOrder['creato'], false),
+    $boAmounts ? ' &middot; Pagamento: ' . boMethodName($boOrder, $boData) : '',
+    $boWhat === 'ordine' ? ' &middot; ' . boStateText($boOrder['stato']) : '', '</p>';
+if ($boAmounts || $boData['righe'] === []) {
+    boOrderContent($boOrder, $boData);
 } else {
-    boConsegna($boDati);
+    boDeliveryLines($boData);
 }
-if ($boCosa === 'ricevuta') {
-    echo '<p>', in_array($boOrdine['stato'], ['pagato', 'spedito'], true) ? 'Importo ricevuto.' : 'Importo da ricevere.',
+if ($boWhat === 'ricevuta') {
+    echo '<p>', in_array($boOrder['stato'], ['pagato', 'spedito'], true) ? 'Importo ricevuto.' : 'Importo da ricevere.',
         ' La ricevuta non vale come fattura.</p>';
-} elseif (($boDati['campi']['Note'] ?? '') !== '') {
-    echo '<h2>Note del cliente</h2><p class="testo">', nl2br(kvHtmlUtf8($boDati['campi']['Note'])), '</p>';
+} elseif (($boData['campi']['Note'] ?? '') !== '') {
+    echo '<h2>Note del cliente</h2><p class="testo">', nl2br(kvHtmlUtf8($boData['campi']['Note'])), '</p>';
 }
-boFine();
+boPageEnd();
