@@ -1,12 +1,12 @@
 // What pages can do with scripts alone: print on a button, which stays hidden without them; say the roles of tables,
 // which some browsers forget where a table is laid out as cards.
-const ruoli = { table: "table", "thead, tbody": "rowgroup", tr: "row", th: "columnheader", td: "cell" };
-for (const [elementi, ruolo] of Object.entries(ruoli)) {
-  for (const elemento of document.querySelectorAll(elementi)) {
-    elemento.setAttribute("role", ruolo);
+const roles = { table: "table", "thead, tbody": "rowgroup", tr: "row", th: "columnheader", td: "cell" };
+for (const [elements, role] of Object.entries(roles)) {
+  for (const element of document.querySelectorAll(elements)) {
+    element.setAttribute("role", role);
   }
 }
-for (const pulsante of document.querySelectorAll("[data-stampa]")) {
-  pulsante.hidden = false;
-  pulsante.addEventListener("click", () => window.print());
+for (const button of document.querySelectorAll("[data-stampa]")) {
+  button.hidden = false;
+  button.addEventListener("click", () => window.print());
 }

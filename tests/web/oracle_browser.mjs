@@ -41,11 +41,11 @@ function cart({ folder, page, cookie, method, zone }) {
   vm.runInContext(start[1], context);
   context.document.cookie = cookie;
   parts.ready.forEach((act) => act());
-  const lines = context.RigheServite();
+  const lines = context.servedLines();
   return {
-    totals: context.totali(lines, method, zone),
-    pieces: lines.map((line) => context.ImportoRiga(line)),
-    texts: lines.map((line) => context.TestoImporto(context.ImportoRiga(line))),
+    totals: context.orderTotals(lines, method, zone),
+    pieces: lines.map((line) => context.pieceAmount(line)),
+    texts: lines.map((line) => context.amountText(context.pieceAmount(line))),
   };
 }
 

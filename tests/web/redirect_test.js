@@ -23,9 +23,9 @@ function led(visited, address, autoredirect) {
   });
   vm.runInContext(source("js0.js"), context);
   vm.runInContext(`autoredirect = ${autoredirect}; checkcookies = 0;`, context);
-  const constant = /const indirizzoNegozio = "[^"]*";/;
+  const constant = /const shopAddress = "[^"]*";/;
   assert.match(source("js1.js"), constant);
-  vm.runInContext(source("js1.js").replace(constant, `const indirizzoNegozio = "${address}";`), context);
+  vm.runInContext(source("js1.js").replace(constant, `const shopAddress = "${address}";`), context);
   ready.forEach((act) => act());
   return target;
 }

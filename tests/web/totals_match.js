@@ -117,7 +117,7 @@ function browserContext(c) {
     vm.runInContext(fs.readFileSync(path.join(folder, name), "latin1"), context);
   });
   context.scl = c.own;
-  vm.runInContext("listinoCorrente = " + c.listino, context);
+  vm.runInContext("currentListino = " + c.listino, context);
   return context;
 }
 
@@ -127,11 +127,11 @@ const server = JSON.parse(execFileSync(php, ["-n", path.join(__dirname, "totals_
 let failed = 0;
 cases.forEach(function (c, number) {
   const context = browserContext(c);
-  const browser = context.totali(c.lines, c.method, c.zone);
-  browser.testo = context.Formato(browser.totale, context.PutDec === 1 ? 100 : 1);
+  const browser = context.orderTotals(c.lines, c.method, c.zone);
+  browser.testo = context.formatUnits(browser.totale, context.PutDec === 1 ? 100 : 1);
   const first = c.lines[0];
-  browser.unitario = context.TestoUnitario(first.p, first.w + 1, "kg");
-  const unit = context.valuta + context.Formato(Number(rounded(BigInt(first.p) * 10000n, BigInt(first.w + 1))), context.PutDec === 1 ? 100 : 1) + " / kg";
+  browser.unitario = context.unitPriceText(first.p, first.w + 1, "kg");
+  const unit = context.valuta + context.formatUnits(Number(rounded(BigInt(first.p) * 10000n, BigInt(first.w + 1))), context.PutDec === 1 ? 100 : 1) + " / kg";
   const there = Object.assign({}, server[number], { testo: server[number].testo.replace(/^EUR /, "") });
   const big = exact(c, context);
   const names = ["merce", "sconto", "iva", "spese", "ivaspese", "totale", "ammesso", "testo", "unitario"];

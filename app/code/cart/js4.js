@@ -2,146 +2,146 @@
 // The cart page beyond its lines: picture and link of each, the way to the order or what keeps from it, what shipping would
 // cost by country before there is an order form, and what is missing until it costs nothing. The rule is that of
 // kvstima.php.
-/* global totali, Ammesso, RigaTotale, TestoImporto, Tavola, SpOk, tipopeso, zonainiziale, scala, Crea, DaCorreggere, Interi */
+/* global orderTotals, isMethodAllowed, addTotalRow, amountText, tableValue, SpOk, tipopeso, zonainiziale, scale, create, needsCorrection, wholeParts */
 /* global minimo, valuta */
 "use strict";
 
 /** The payment methods (from 1) that a zone allows, the one that the order form starts with first. */
-function MetodiZona(zona) {
-  const primo = Math.floor((zonainiziale - 1) / 8) + 1;
-  const metodi = [];
-  for (let metodo = 1; metodo <= Math.ceil(SpOk.length / 8); metodo++) {
-    if (Ammesso(metodo, zona)) {
-      metodi.push(metodo);
+function zoneMethods(zone) {
+  const first = Math.floor((zonainiziale - 1) / 8) + 1;
+  const methods = [];
+  for (let method = 1; method <= Math.ceil(SpOk.length / 8); method++) {
+    if (isMethodAllowed(method, zone)) {
+      methods.push(method);
     }
   }
-  return metodi.filter(function (metodo) { return metodo === primo; })
-    .concat(metodi.filter(function (metodo) { return metodo !== primo; }));
+  return methods.filter(function (method) { return method === first; })
+    .concat(methods.filter(function (method) { return method !== first; }));
 }
 
 /** The amount in ten-thousandths above which a slot ships for nothing; null when it never does, or by weight. */
-function SogliaGratuita(posto) {
-  const soglie = tipopeso === "1" ? [] : [[3, "impord2"], [2, "impord1"]];
-  let soglia = null;
-  for (const [passo, nome] of soglie) {
-    if (Tavola("impspese" + passo, posto, scala) !== 0) {
+function freeShippingThreshold(slot) {
+  const thresholds = tipopeso === "1" ? [] : [[3, "impord2"], [2, "impord1"]];
+  let threshold = null;
+  for (const [step, name] of thresholds) {
+    if (tableValue("impspese" + step, slot, scale) !== 0) {
       break;
     }
-    soglia = Tavola(nome, posto, 10000);
+    threshold = tableValue(name, slot, 10000);
   }
-  return soglia;
+  return threshold;
 }
 
 /** What is said of free shipping; empty where there is none. */
-function TestoGratuita(somme, posto) {
-  const soglia = SogliaGratuita(posto);
-  if (soglia === null || somme.spese === 0) {
-    return soglia === null ? "" : "<<4-spedizione_gratuita>>" + ".";
+function freeShippingText(totals, slot) {
+  const threshold = freeShippingThreshold(slot);
+  if (threshold === null || totals.spese === 0) {
+    return threshold === null ? "" : "<<4-spedizione_gratuita>>" + ".";
   }
-  const unita = 10000 / scala;
-  const manca = Math.floor(soglia / unita) - (somme.merce - somme.sconto) + 1;
-  return "<<4-gratuita_oltre>>" + " " + TestoImporto(Math.floor(soglia / unita)) + ". " + "<<4-carrello_manca>>" + ": " +
-    TestoImporto(manca) + ".";
+  const unit = 10000 / scale;
+  const missing = Math.floor(threshold / unit) - (totals.merce - totals.sconto) + 1;
+  return "<<4-gratuita_oltre>>" + " " + amountText(Math.floor(threshold / unit)) + ". " + "<<4-carrello_manca>>" + ": " +
+    amountText(missing) + ".";
 }
 
 /** Shows what the lines would cost with shipping to the chosen country. */
-function Stima(righe, scelta, esito) {
-  const zona = parseInt(scelta.value, 10);
-  const metodi = MetodiZona(zona);
-  esito.textContent = metodi.length === 0 ? "<<4-stima_nessuna>>" : "";
-  if (metodi.length === 0 || righe.length === 0) {
+function showEstimate(lines, choice, result) {
+  const zone = parseInt(choice.value, 10);
+  const methods = zoneMethods(zone);
+  result.textContent = methods.length === 0 ? "<<4-stima_nessuna>>" : "";
+  if (methods.length === 0 || lines.length === 0) {
     return;
   }
-  const somme = totali(righe, metodi[0], zona);
-  const altre = metodi.map(function (metodo) { return totali(righe, metodo, zona).spese; });
-  const tabella = document.createElement("table");
-  tabella.className = "totali";
-  RigaTotale(tabella, "<<4-carrello_spedizione>>", somme.spese);
-  if (somme.ivaspese !== 0) {
-    RigaTotale(tabella, "<<4-carrello_iva_spedizione>>", somme.ivaspese);
+  const totals = orderTotals(lines, methods[0], zone);
+  const costs = methods.map(function (method) { return orderTotals(lines, method, zone).spese; });
+  const table = document.createElement("table");
+  table.className = "totali";
+  addTotalRow(table, "<<4-carrello_spedizione>>", totals.spese);
+  if (totals.ivaspese !== 0) {
+    addTotalRow(table, "<<4-carrello_iva_spedizione>>", totals.ivaspese);
   }
-  RigaTotale(tabella, "<<4-stima_totale>>", somme.totale, "totale");
-  esito.append(tabella);
-  const note = [TestoGratuita(somme, (metodi[0] - 1) * 8 + zona - 1)];
-  if (Math.min(...altre) !== Math.max(...altre)) {
-    note.push("<<4-stima_secondo>>" + ": " + TestoImporto(Math.min(...altre)) + " - " + TestoImporto(Math.max(...altre)) + ".");
+  addTotalRow(table, "<<4-stima_totale>>", totals.totale, "totale");
+  result.append(table);
+  const remarks = [freeShippingText(totals, (methods[0] - 1) * 8 + zone - 1)];
+  if (Math.min(...costs) !== Math.max(...costs)) {
+    remarks.push("<<4-stima_secondo>>" + ": " + amountText(Math.min(...costs)) + " - " + amountText(Math.max(...costs)) + ".");
   }
-  note.filter(Boolean).forEach(function (testo) {
-    const nota = document.createElement("p");
+  remarks.filter(Boolean).forEach(function (text) {
+    const note = document.createElement("p");
     // An amount stays together with its currency at the end of a line.
-    nota.textContent = testo.replaceAll(valuta, valuta.replaceAll(" ", "\u00a0"));
-    esito.append(nota);
+    note.textContent = text.replaceAll(valuta, valuta.replaceAll(" ", "\u00a0"));
+    result.append(note);
   });
 }
 
 /** Puts picture and link to the name of each line of the drawn cart. */
-function AbbellisciRighe(righe) {
-  document.querySelectorAll("#carrello tbody tr").forEach(function (fila, posto) {
-    const riga = righe[posto];
-    const cella = fila.cells[0];
-    const nome = cella.firstChild;
-    if (riga.u) {
-      const legame = document.createElement("a");
-      legame.href = riga.u;
-      legame.textContent = riga.n;
-      nome.replaceWith(legame);
+function decorateLines(lines) {
+  document.querySelectorAll("#carrello tbody tr").forEach(function (tableRow, index) {
+    const line = lines[index];
+    const cell = tableRow.cells[0];
+    const name = cell.firstChild;
+    if (line.u) {
+      const link = document.createElement("a");
+      link.href = line.u;
+      link.textContent = line.n;
+      name.replaceWith(link);
     }
-    if (riga.f) {
-      const figura = document.createElement("img");
-      figura.src = riga.f;
-      figura.alt = "";
-      figura.className = "provino";
-      cella.prepend(figura);
+    if (line.f) {
+      const picture = document.createElement("img");
+      picture.src = line.f;
+      picture.alt = "";
+      picture.className = "provino";
+      cell.prepend(picture);
     }
   });
 }
 
 /** The reasons why the lines can't be ordered as they are, one sentence each. */
-function Motivi(righe) {
-  const motivi = righe.some(DaCorreggere) ? ["<<4-carrello_da_correggere>>"] : [];
-  const manca = Interi(minimo, scala) - totali(righe, 1, 0).merce;
-  if (manca > 0) {
-    motivi.push("<<4-carrello_minimo>>" + ": " + TestoImporto(Interi(minimo, scala)) + ". " + "<<4-carrello_manca>>" + ": " +
-      TestoImporto(manca) + ".");
+function orderFaults(lines) {
+  const faults = lines.some(needsCorrection) ? ["<<4-carrello_da_correggere>>"] : [];
+  const missing = wholeParts(minimo, scale) - orderTotals(lines, 1, 0).merce;
+  if (missing > 0) {
+    faults.push("<<4-carrello_minimo>>" + ": " + amountText(wholeParts(minimo, scale)) + ". " + "<<4-carrello_manca>>" + ": " +
+      amountText(missing) + ".");
   }
-  return motivi;
+  return faults;
 }
 
 /** Opens or closes the way to the order; a closed one says why. */
-function ApriOrdine(righe) {
-  const passo = document.getElementById("kv-ordina");
-  if (!passo) {
+function openOrder(lines) {
+  const step = document.getElementById("kv-ordina");
+  if (!step) {
     return;
   }
-  passo.dataset.href = passo.dataset.href || passo.getAttribute("href");
-  let motivo = document.getElementById("kv-motivo");
-  if (!motivo) {
-    motivo = Crea("div", { id: "kv-motivo" });
-    motivo.setAttribute("role", "status");
-    passo.parentElement.before(motivo);
+  step.dataset.href = step.dataset.href || step.getAttribute("href");
+  let reason = document.getElementById("kv-motivo");
+  if (!reason) {
+    reason = create("div", { id: "kv-motivo" });
+    reason.setAttribute("role", "status");
+    step.parentElement.before(reason);
   }
-  const motivi = righe.length === 0 ? [] : Motivi(righe);
-  motivo.textContent = motivi.join(" ");
-  motivo.className = motivi.length > 0 ? "avviso" : "";
-  if (motivi.length > 0) {
-    passo.removeAttribute("href");
-    passo.setAttribute("role", "link");
-    passo.setAttribute("aria-disabled", "true");
-    passo.setAttribute("aria-describedby", "kv-motivo");
+  const faults = lines.length === 0 ? [] : orderFaults(lines);
+  reason.textContent = faults.join(" ");
+  reason.className = faults.length > 0 ? "avviso" : "";
+  if (faults.length > 0) {
+    step.removeAttribute("href");
+    step.setAttribute("role", "link");
+    step.setAttribute("aria-disabled", "true");
+    step.setAttribute("aria-describedby", "kv-motivo");
   } else {
-    passo.href = passo.dataset.href;
-    passo.removeAttribute("aria-disabled");
+    step.href = step.dataset.href;
+    step.removeAttribute("aria-disabled");
   }
 }
 
-document.addEventListener("kv-carrello", function (evento) {
-  const scelta = document.querySelector("#kv-stima select");
-  const esito = document.getElementById("kv-stima-esito");
-  AbbellisciRighe(evento.detail);
-  ApriOrdine(evento.detail);
-  if (!scelta || !esito) {
+document.addEventListener("kv-carrello", function (event) {
+  const choice = document.querySelector("#kv-stima select");
+  const result = document.getElementById("kv-stima-esito");
+  decorateLines(event.detail);
+  openOrder(event.detail);
+  if (!choice || !result) {
     return;
   }
-  Stima(evento.detail, scelta, esito);
-  scelta.onchange = function () { Stima(evento.detail, scelta, esito); };
+  showEstimate(event.detail, choice, result);
+  choice.onchange = function () { showEstimate(event.detail, choice, result); };
 });

@@ -1,6 +1,6 @@
 <?php
 // ***1.0.7***
-// The totals of an order. The cart in the browser (totali in js2.js) follows the same rule on the same tables of the
+// The totals of an order. The cart in the browser (orderTotals in js2.js) follows the same rule on the same tables of the
 // build, and arrives at the same cent, because both count in whole numbers alone:
 //  - Amounts of lines, shipping and totals are smallest units of the currency (kvScale). Thresholds that a merchant may
 //    give with more decimals, and weights, are ten-thousandths.

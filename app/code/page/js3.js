@@ -1,23 +1,23 @@
 // ***1.0.7***
 // What helps a shopper on every page, where scripts run: suggestions while they type a search, the small cart after
 // something was put into it, the pictures of an article one after the other. Every page works without.
-/* global TestoImporto, lingua */
+/* global amountText, lingua */
 "use strict";
 
 /** Milliseconds between the last key and the question, so that one word typed is one question. */
-const attesaTasti = 180;
+const keyDelay = 180;
 
 /** A new element with some attributes; children follow. */
-function Elemento(nome, attributi, ...figli) {
-  const elemento = document.createElement(nome);
-  Object.entries(attributi).forEach(function ([chiave, valore]) { elemento.setAttribute(chiave, valore); });
-  elemento.append(...figli);
-  return elemento;
+function makeElement(name, attributes, ...children) {
+  const element = document.createElement(name);
+  Object.entries(attributes).forEach(function ([key, value]) { element.setAttribute(key, value); });
+  element.append(...children);
+  return element;
 }
 
 /** A picture that says nothing beside its words; nothing without an address. */
-function Figura(indirizzo) {
-  return indirizzo === "" ? "" : Elemento("img", { src: indirizzo, alt: "", loading: "lazy" });
+function plainPicture(address) {
+  return address === "" ? "" : makeElement("img", { src: address, alt: "", loading: "lazy" });
 }
 
 /**
@@ -25,109 +25,109 @@ function Figura(indirizzo) {
  * list, Enter opens the marked article and without a mark searches, Escape closes the list.
  * Source: WAI-ARIA Authoring Practices Guide 1.2, pattern "Combobox", editable with list autocomplete.
  */
-class Suggerimenti {
-  constructor(campo, numero) {
-    this.campo = campo;
-    this.id = "kv-suggeriti" + numero;
-    this.voci = [];
-    this.scelta = -1;
-    this.domanda = 0;
-    this.lista = Elemento("ul", { id: this.id, role: "listbox", "aria-label": "<<4-suggerimenti>>", class: "suggeriti" });
-    this.lista.hidden = true;
-    this.stato = Elemento("span", { role: "status", class: "nascosto" });
+class Suggestions {
+  constructor(field, number) {
+    this.field = field;
+    this.id = "kv-suggeriti" + number;
+    this.entries = [];
+    this.choice = -1;
+    this.question = 0;
+    this.list = makeElement("ul", { id: this.id, role: "listbox", "aria-label": "<<4-suggerimenti>>", class: "suggeriti" });
+    this.list.hidden = true;
+    this.status = makeElement("span", { role: "status", class: "nascosto" });
     Object.entries({ role: "combobox", autocomplete: "off", "aria-autocomplete": "list", "aria-expanded": "false",
-      "aria-controls": this.id }).forEach(function ([nome, valore]) { campo.setAttribute(nome, valore); });
-    campo.form.append(this.lista, this.stato);
-    campo.addEventListener("input", () => this.aspetta());
-    campo.addEventListener("keydown", (evento) => this.tasto(evento));
-    campo.addEventListener("blur", () => this.chiudi());
+      "aria-controls": this.id }).forEach(function ([name, value]) { field.setAttribute(name, value); });
+    field.form.append(this.list, this.status);
+    field.addEventListener("input", () => this.wait());
+    field.addEventListener("keydown", (event) => this.press(event));
+    field.addEventListener("blur", () => this.close());
     // A press must not take the focus from the field, or the list would close before the click.
-    this.lista.addEventListener("mousedown", (evento) => evento.preventDefault());
+    this.list.addEventListener("mousedown", (event) => event.preventDefault());
   }
 
-  aspetta() {
-    clearTimeout(this.attesa);
-    this.attesa = setTimeout(() => this.chiedi(), attesaTasti);
+  wait() {
+    clearTimeout(this.timer);
+    this.timer = setTimeout(() => this.ask(), keyDelay);
   }
 
   /** Asks the server; an answer that comes after that to a later question is dropped. */
-  async chiedi() {
-    const testo = this.campo.value.trim();
-    const numero = ++this.domanda;
-    if (testo.length < 2) {
-      this.chiudi();
+  async ask() {
+    const text = this.field.value.trim();
+    const number = ++this.question;
+    if (text.length < 2) {
+      this.close();
       return;
     }
     try {
-      const risposta = await fetch("kvsuggerisci" + lingua + ".php?q=" + encodeURIComponent(testo));
-      const voci = risposta.ok ? await risposta.json() : [];
-      if (numero === this.domanda && document.activeElement === this.campo) {
-        this.mostra(voci);
+      const answer = await fetch("kvsuggerisci" + lingua + ".php?q=" + encodeURIComponent(text));
+      const entries = answer.ok ? await answer.json() : [];
+      if (number === this.question && document.activeElement === this.field) {
+        this.show(entries);
       }
     } catch {
       // Without an answer the field is what it is without scripts.
-      this.chiudi();
+      this.close();
     }
   }
 
-  mostra(voci) {
-    this.voci = voci;
-    this.scelta = -1;
-    this.lista.textContent = "";
-    voci.forEach((voce, posto) => {
-      const riga = Elemento("li", { id: this.id + "-" + posto, role: "option", "aria-selected": "false" },
-        Elemento("span", { class: "foto" }, Figura(voce.i)), Elemento("span", { class: "nome" }, voce.t), " ",
-        Elemento("span", { class: "prezzo" }, voce.p));
-      riga.addEventListener("click", () => this.apri(posto));
-      this.lista.append(riga);
+  show(entries) {
+    this.entries = entries;
+    this.choice = -1;
+    this.list.textContent = "";
+    entries.forEach((entry, index) => {
+      const item = makeElement("li", { id: this.id + "-" + index, role: "option", "aria-selected": "false" },
+        makeElement("span", { class: "foto" }, plainPicture(entry.i)), makeElement("span", { class: "nome" }, entry.t), " ",
+        makeElement("span", { class: "prezzo" }, entry.p));
+      item.addEventListener("click", () => this.open(index));
+      this.list.append(item);
     });
-    this.lista.hidden = voci.length === 0;
-    this.campo.setAttribute("aria-expanded", String(voci.length > 0));
-    this.campo.removeAttribute("aria-activedescendant");
-    this.stato.textContent = voci.length === 0 ? "" : "<<4-suggerimenti>>" + ": " + voci.length;
+    this.list.hidden = entries.length === 0;
+    this.field.setAttribute("aria-expanded", String(entries.length > 0));
+    this.field.removeAttribute("aria-activedescendant");
+    this.status.textContent = entries.length === 0 ? "" : "<<4-suggerimenti>>" + ": " + entries.length;
   }
 
-  chiudi() {
-    this.domanda++;
-    clearTimeout(this.attesa);
-    this.mostra([]);
+  close() {
+    this.question++;
+    clearTimeout(this.timer);
+    this.show([]);
   }
 
-  apri(posto) {
-    location.href = this.voci[posto].u;
+  open(index) {
+    location.href = this.entries[index].u;
   }
 
   /** Moves the mark; before the first and after the last entry it is in the field alone. */
-  segna(posto) {
-    const quante = this.voci.length + 1;
-    this.scelta = (posto + 1 + quante) % quante - 1;
-    Array.from(this.lista.children).forEach((riga, n) => {
-      riga.setAttribute("aria-selected", String(n === this.scelta));
-      if (n === this.scelta) {
-        riga.scrollIntoView({ block: "nearest" });
+  mark(index) {
+    const count = this.entries.length + 1;
+    this.choice = (index + 1 + count) % count - 1;
+    Array.from(this.list.children).forEach((item, n) => {
+      item.setAttribute("aria-selected", String(n === this.choice));
+      if (n === this.choice) {
+        item.scrollIntoView({ block: "nearest" });
       }
     });
-    if (this.scelta < 0) {
-      this.campo.removeAttribute("aria-activedescendant");
+    if (this.choice < 0) {
+      this.field.removeAttribute("aria-activedescendant");
     } else {
-      this.campo.setAttribute("aria-activedescendant", this.id + "-" + this.scelta);
+      this.field.setAttribute("aria-activedescendant", this.id + "-" + this.choice);
     }
   }
 
-  tasto(evento) {
-    if (evento.isComposing || this.lista.hidden) {
+  press(event) {
+    if (event.isComposing || this.list.hidden) {
       return;
     }
-    if (evento.key === "ArrowDown" || evento.key === "ArrowUp") {
-      this.segna(this.scelta + (evento.key === "ArrowDown" ? 1 : -1));
-    } else if (evento.key === "Enter" && this.scelta >= 0) {
-      this.apri(this.scelta);
-    } else if (evento.key === "Escape") {
-      this.chiudi();
+    if (event.key === "ArrowDown" || event.key === "ArrowUp") {
+      this.mark(this.choice + (event.key === "ArrowDown" ? 1 : -1));
+    } else if (event.key === "Enter" && this.choice >= 0) {
+      this.open(this.choice);
+    } else if (event.key === "Escape") {
+      this.close();
     } else {
       return;
     }
-    evento.preventDefault();
+    event.preventDefault();
   }
 }
 
@@ -136,132 +136,132 @@ class Suggerimenti {
  * of Tab after what was bought by (null: after the page), and goes when the focus gets to anything else, which it could
  * cover.
  */
-async function MostraMiniCarrello(segno, acquisto) {
-  const risposta = await fetch("kvminicarrello" + lingua + ".php");
-  if (!risposta.ok) {
+async function showMiniCart(mark, purchase) {
+  const answer = await fetch("kvminicarrello" + lingua + ".php");
+  if (!answer.ok) {
     return;
   }
-  const dati = await risposta.json();
-  ChiudiMiniCarrello();
-  const righe = dati.righe.filter(function (riga) { return riga.c === segno; })
-    .concat(dati.righe.filter(function (riga) { return riga.c !== segno; })).slice(0, 3);
-  const elenco = Elemento("ul", { class: "righe" });
-  righe.forEach(function (riga) {
-    elenco.append(Elemento("li", {}, Elemento("span", { class: "foto" }, Figura(riga.f)),
-      Elemento("span", { class: "nome" }, riga.q + " \u00d7 " + riga.n + (riga.o === "" ? "" : " (" + riga.o + ")")),
-      Elemento("span", {}, TestoImporto(riga.t))));
+  const data = await answer.json();
+  closeMiniCart();
+  const lines = data.righe.filter(function (line) { return line.c === mark; })
+    .concat(data.righe.filter(function (line) { return line.c !== mark; })).slice(0, 3);
+  const list = makeElement("ul", { class: "righe" });
+  lines.forEach(function (line) {
+    list.append(makeElement("li", {}, makeElement("span", { class: "foto" }, plainPicture(line.f)),
+      makeElement("span", { class: "nome" }, line.q + " \u00d7 " + line.n + (line.o === "" ? "" : " (" + line.o + ")")),
+      makeElement("span", {}, amountText(line.t))));
   });
-  const chiudi = Elemento("button", { type: "button", class: "secondario", "aria-label": "<<4-chiudi>>" }, "\u00d7");
-  chiudi.addEventListener("click", ChiudiMiniCarrello);
-  const altre = dati.righe.length > righe.length ? [Elemento("p", { class: "nota" }, "+ " + (dati.righe.length - righe.length))] : [];
-  const mini = Elemento("section", { id: "kv-mini", class: "mini-carrello", "aria-label": "<<4-menu_carrello>>" },
-    Elemento("h2", {}, "<<4-menu_carrello>>"), chiudi, elenco, ...altre,
-    Elemento("p", { class: "somma" }, "<<4-carrello_merce>>" + ": ", Elemento("strong", {}, TestoImporto(dati.merce))),
-    Elemento("p", {}, Elemento("a", { class: "bottone", href: "cart.htm" }, "<<4-carrello_vai>>")));
-  if (acquisto) {
-    acquisto.after(mini);
+  const closer = makeElement("button", { type: "button", class: "secondario", "aria-label": "<<4-chiudi>>" }, "\u00d7");
+  closer.addEventListener("click", closeMiniCart);
+  const more = data.righe.length > lines.length ? [makeElement("p", { class: "nota" }, "+ " + (data.righe.length - lines.length))] : [];
+  const mini = makeElement("section", { id: "kv-mini", class: "mini-carrello", "aria-label": "<<4-menu_carrello>>" },
+    makeElement("h2", {}, "<<4-menu_carrello>>"), closer, list, ...more,
+    makeElement("p", { class: "somma" }, "<<4-carrello_merce>>" + ": ", makeElement("strong", {}, amountText(data.merce))),
+    makeElement("p", {}, makeElement("a", { class: "bottone", href: "cart.htm" }, "<<4-carrello_vai>>")));
+  if (purchase) {
+    purchase.after(mini);
   } else {
     document.body.append(mini);
   }
 }
 
 /** Takes the small cart away; a focus in it goes back to the button that bought. */
-function ChiudiMiniCarrello() {
-  const aperto = document.getElementById("kv-mini");
-  if (!aperto) {
+function closeMiniCart() {
+  const opened = document.getElementById("kv-mini");
+  if (!opened) {
     return;
   }
-  const prima = aperto.previousElementSibling;
-  const bottone = aperto.contains(document.activeElement) && prima ? prima.querySelector("[type=submit], .bottone") : null;
-  aperto.remove();
-  if (bottone) {
-    bottone.focus();
+  const purchase = opened.previousElementSibling;
+  const button = opened.contains(document.activeElement) && purchase ? purchase.querySelector("[type=submit], .bottone") : null;
+  opened.remove();
+  if (button) {
+    button.focus();
   }
 }
 
 /** Shows one of the pictures of an article in the position of the big one. */
-function ScegliImmagine(galleria, scelta) {
-  const grande = galleria.querySelector(".grande");
-  const immagine = Elemento("img", { src: scelta.getAttribute("href"), alt: scelta.dataset.testo });
-  grande.replaceChildren(immagine);
-  galleria.querySelectorAll(".provini a").forEach(function (provino) {
-    if (provino === scelta) {
-      provino.setAttribute("aria-current", "true");
+function choosePicture(gallery, chosen) {
+  const big = gallery.querySelector(".grande");
+  const picture = makeElement("img", { src: chosen.getAttribute("href"), alt: chosen.dataset.testo });
+  big.replaceChildren(picture);
+  gallery.querySelectorAll(".provini a").forEach(function (thumbnail) {
+    if (thumbnail === chosen) {
+      thumbnail.setAttribute("aria-current", "true");
     } else {
-      provino.removeAttribute("aria-current");
+      thumbnail.removeAttribute("aria-current");
     }
   });
 }
 
 /** The pictures of an article in a layer: arrows go on and back, Escape closes it and gives the focus back. */
-function ApriGalleria(immagini, primo, testo) {
-  let posto = primo;
-  const immagine = Elemento("img", { alt: testo });
-  const conto = Elemento("p", { role: "status" });
-  const bottone = function (nome, segno, atto) {
-    const nuovo = Elemento("button", { type: "button", "aria-label": nome, class: "secondario" }, segno);
-    nuovo.addEventListener("click", atto);
-    return nuovo;
+function openGallery(pictures, first, text) {
+  let index = first;
+  const picture = makeElement("img", { alt: text });
+  const count = makeElement("p", { role: "status" });
+  const button = function (name, mark, act) {
+    const made = makeElement("button", { type: "button", "aria-label": name, class: "secondario" }, mark);
+    made.addEventListener("click", act);
+    return made;
   };
-  const vai = function (passo) {
-    posto = (posto + passo + immagini.length) % immagini.length;
-    immagine.src = immagini[posto];
-    conto.textContent = (posto + 1) + " / " + immagini.length;
+  const go = function (step) {
+    index = (index + step + pictures.length) % pictures.length;
+    picture.src = pictures[index];
+    count.textContent = (index + 1) + " / " + pictures.length;
   };
-  const velo = Elemento("dialog", { class: "galleria-grande", "aria-label": "<<4-immagine_grande>>" }, immagine,
-    Elemento("div", { class: "comandi" }));
-  velo.lastChild.append(...(immagini.length < 2 ? [] : [bottone("<<4-precedente>>", "\u2039", function () { vai(-1); }), conto,
-    bottone("<<4-seguente>>", "\u203a", function () { vai(1); })]), bottone("<<4-chiudi>>", "\u00d7", function () { velo.close(); }));
-  velo.addEventListener("keydown", function (evento) {
-    if (immagini.length > 1 && (evento.key === "ArrowRight" || evento.key === "ArrowLeft")) {
-      vai(evento.key === "ArrowRight" ? 1 : -1);
+  const layer = makeElement("dialog", { class: "galleria-grande", "aria-label": "<<4-immagine_grande>>" }, picture,
+    makeElement("div", { class: "comandi" }));
+  layer.lastChild.append(...(pictures.length < 2 ? [] : [button("<<4-precedente>>", "\u2039", function () { go(-1); }), count,
+    button("<<4-seguente>>", "\u203a", function () { go(1); })]), button("<<4-chiudi>>", "\u00d7", function () { layer.close(); }));
+  layer.addEventListener("keydown", function (event) {
+    if (pictures.length > 1 && (event.key === "ArrowRight" || event.key === "ArrowLeft")) {
+      go(event.key === "ArrowRight" ? 1 : -1);
     }
   });
-  velo.addEventListener("close", function () { velo.remove(); });
-  document.body.append(velo);
-  vai(0);
-  velo.showModal();
+  layer.addEventListener("close", function () { layer.remove(); });
+  document.body.append(layer);
+  go(0);
+  layer.showModal();
 }
 
 /** Lets the small pictures choose the big one, which opens in its full size. */
-function PreparaGalleria(galleria) {
-  const provini = Array.from(galleria.querySelectorAll(".provini a"));
-  const grande = galleria.querySelector(".grande");
-  provini.forEach(function (provino) {
-    provino.addEventListener("click", function (evento) {
-      evento.preventDefault();
-      ScegliImmagine(galleria, provino);
+function prepareGallery(gallery) {
+  const thumbnails = Array.from(gallery.querySelectorAll(".provini a"));
+  const big = gallery.querySelector(".grande");
+  thumbnails.forEach(function (thumbnail) {
+    thumbnail.addEventListener("click", function (event) {
+      event.preventDefault();
+      choosePicture(gallery, thumbnail);
     });
   });
-  const apri = Elemento("button", { type: "button", class: "secondario ingrandisci" }, "<<4-immagine_apri>>");
-  apri.addEventListener("click", function () {
-    const scelta = Math.max(0, provini.findIndex(function (provino) { return provino.hasAttribute("aria-current"); }));
-    const immagini = provini.length > 0 ? provini.map(function (provino) { return provino.href; }) : [galleria.dataset.grande];
-    ApriGalleria(immagini, scelta, galleria.dataset.testo);
+  const opener = makeElement("button", { type: "button", class: "secondario ingrandisci" }, "<<4-immagine_apri>>");
+  opener.addEventListener("click", function () {
+    const chosen = Math.max(0, thumbnails.findIndex(function (thumbnail) { return thumbnail.hasAttribute("aria-current"); }));
+    const pictures = thumbnails.length > 0 ? thumbnails.map(function (thumbnail) { return thumbnail.href; }) : [gallery.dataset.grande];
+    openGallery(pictures, chosen, gallery.dataset.testo);
   });
-  grande.addEventListener("click", function (evento) {
-    evento.preventDefault();
-    apri.click();
+  big.addEventListener("click", function (event) {
+    event.preventDefault();
+    opener.click();
   });
-  grande.after(apri);
+  big.after(opener);
 }
 
 document.addEventListener("DOMContentLoaded", function () {
-  document.querySelectorAll("form.cerca input[name=q], form.ricerca input[name=q]").forEach(function (campo, numero) {
-    new Suggerimenti(campo, numero);
+  document.querySelectorAll("form.cerca input[name=q], form.ricerca input[name=q]").forEach(function (field, number) {
+    new Suggestions(field, number);
   });
-  document.querySelectorAll(".galleria").forEach(PreparaGalleria);
+  document.querySelectorAll(".galleria").forEach(prepareGallery);
 });
-document.addEventListener("kv-aggiunto", function (evento) {
-  MostraMiniCarrello(evento.detail, document.activeElement?.closest(".acquisto")).catch(ChiudiMiniCarrello);
+document.addEventListener("kv-aggiunto", function (event) {
+  showMiniCart(event.detail, document.activeElement?.closest(".acquisto")).catch(closeMiniCart);
 });
-document.addEventListener("focusin", function (evento) {
-  if (!evento.target.closest("#kv-mini")) {
-    ChiudiMiniCarrello();
+document.addEventListener("focusin", function (event) {
+  if (!event.target.closest("#kv-mini")) {
+    closeMiniCart();
   }
 });
-document.addEventListener("keydown", function (evento) {
-  if (evento.key === "Escape") {
-    ChiudiMiniCarrello();
+document.addEventListener("keydown", function (event) {
+  if (event.key === "Escape") {
+    closeMiniCart();
   }
 });

@@ -3,23 +3,23 @@
 "use strict";
 
 document.addEventListener("DOMContentLoaded", function () {
-  const apri = document.querySelector(".apri");
-  if (apri) {
-    apri.addEventListener("click", function () {
-      apri.setAttribute("aria-expanded", apri.getAttribute("aria-expanded") === "true" ? "false" : "true");
+  const opener = document.querySelector(".apri");
+  if (opener) {
+    opener.addEventListener("click", function () {
+      opener.setAttribute("aria-expanded", opener.getAttribute("aria-expanded") === "true" ? "false" : "true");
     });
   }
-  document.addEventListener("keydown", function (evento) {
-    if (evento.key === "Escape" && apri && apri.getAttribute("aria-expanded") === "true") {
-      apri.setAttribute("aria-expanded", "false");
-      apri.focus();
+  document.addEventListener("keydown", function (event) {
+    if (event.key === "Escape" && opener && opener.getAttribute("aria-expanded") === "true") {
+      opener.setAttribute("aria-expanded", "false");
+      opener.focus();
     }
   });
-  document.querySelectorAll("[data-passo]").forEach(function (passo) {
-    passo.addEventListener("click", function () {
-      const campo = passo.parentElement.querySelector("input");
-      const valore = Math.round(Number(campo.value) || 0) + Number(passo.dataset.passo);
-      campo.value = String(Math.max(Number(campo.min) || 1, Math.min(Number(campo.max) || 99999, valore)));
+  document.querySelectorAll("[data-passo]").forEach(function (step) {
+    step.addEventListener("click", function () {
+      const field = step.parentElement.querySelector("input");
+      const value = Math.round(Number(field.value) || 0) + Number(step.dataset.passo);
+      field.value = String(Math.max(Number(field.min) || 1, Math.min(Number(field.max) || 99999, value)));
     });
   });
 });
