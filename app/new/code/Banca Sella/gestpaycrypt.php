@@ -5,25 +5,25 @@
 include "funcs<<1-IDlingua>>.php";
 include_once "kvpaynotice<<1-IDlingua>>.php";
 
-$kvConto = kvInizioPagamento() + ['negozio' => '', 'valuta' => '', 'terminale' => '', 'lingua' => ''];
-$kvCampi = kvCampiPagamento($kvConto['negozio'], $kvConto['valuta']);
-$kvCampi['terminale'] = $kvConto['terminale'];
-if ($kvConto['lingua'] === 'idlan=1') {
-    $kvCampi['idlan'] = "<<4-codice_lingua>>";
+$kvAccount = kvInizioPagamento() + ['negozio' => '', 'valuta' => '', 'terminale' => '', 'lingua' => ''];
+$kvFields = kvCampiPagamento($kvAccount['negozio'], $kvAccount['valuta']);
+$kvFields['terminale'] = $kvAccount['terminale'];
+if ($kvAccount['lingua'] === 'idlan=1') {
+    $kvFields['idlan'] = "<<4-codice_lingua>>";
 }
 if (!class_exists('GestPayCrypt') && is_file('GestPayCrypt.inc.php')) {
     include_once "GestPayCrypt.inc.php";
 }
-$kvIndirizzo = '';
+$kvAddress = '';
 if (class_exists('GestPayCrypt') && kvDaPagare()) {
-    $kvCifra = new GestPayCrypt();
-    $kvCifra->SetShopLogin($kvConto['negozio']);
-    $kvCifra->SetCurrency($kvConto['valuta']);
-    $kvCifra->SetAmount(number_format((float) kvOrdineInCorso()['totale'], 2, '.', ''));
-    $kvCifra->SetShopTransactionID(kvOrdineInCorso()['codice']);
-    if ($kvCifra->Encrypt()) {
-        $kvIndirizzo = kvServizio('Banca Sella');
-        $kvCampi = ['a' => $kvConto['negozio'], 'b' => $kvCifra->GetEncryptedString()];
+    $kvCipher = new GestPayCrypt();
+    $kvCipher->SetShopLogin($kvAccount['negozio']);
+    $kvCipher->SetCurrency($kvAccount['valuta']);
+    $kvCipher->SetAmount(number_format((float) kvOrdineInCorso()['totale'], 2, '.', ''));
+    $kvCipher->SetShopTransactionID(kvOrdineInCorso()['codice']);
+    if ($kvCipher->Encrypt()) {
+        $kvAddress = kvServizio('Banca Sella');
+        $kvFields = ['a' => $kvAccount['negozio'], 'b' => $kvCipher->GetEncryptedString()];
     }
 }
-kvPaginaPagamento(kvFormPagamento($kvIndirizzo, $kvConto['negozio'], $kvCampi));
+kvPaginaPagamento(kvFormPagamento($kvAddress, $kvAccount['negozio'], $kvFields));

@@ -5,21 +5,21 @@
 include "funcs<<1-IDlingua>>.php";
 include_once "kvpaynotice<<1-IDlingua>>.php";
 
-$kvConto = kvInizioPagamento() + ['negozio' => '', 'valuta' => '', 'terminale' => '', 'lingua' => ''];
-$kvCampi = kvCampiPagamento($kvConto['negozio'], $kvConto['valuta']);
-$kvCampi['terminale'] = $kvConto['terminale'];
-if ($kvConto['lingua'] === 'idlan=1') {
-    $kvCampi['idlan'] = "<<4-codice_lingua>>";
+$kvAccount = kvInizioPagamento() + ['negozio' => '', 'valuta' => '', 'terminale' => '', 'lingua' => ''];
+$kvFields = kvCampiPagamento($kvAccount['negozio'], $kvAccount['valuta']);
+$kvFields['terminale'] = $kvAccount['terminale'];
+if ($kvAccount['lingua'] === 'idlan=1') {
+    $kvFields['idlan'] = "<<4-codice_lingua>>";
 }
-$kvPresa = false;
+$kvTaken = false;
 $kvPassword = !kvDaPagare() ? null : kvRiga('SELECT pwd FROM kv_OTP WHERE pwdtype = 1 LIMIT 1');
 if ($kvPassword !== null) {
     // Only the request that deletes the row may use it.
     kvQuery('DELETE FROM kv_OTP WHERE pwdtype = 1 AND pwd = ?', [$kvPassword['pwd']]);
-    $kvPresa = kvRigheToccate() === 1;
-    $kvCampi['otp'] = $kvPassword['pwd'];
+    $kvTaken = kvRigheToccate() === 1;
+    $kvFields['otp'] = $kvPassword['pwd'];
 }
-$kvCampi['ritorno'] = kvIndirizzo("s2sotp<<1-IDlingua>>.php") . '?c=payok';
-$kvCampi['annullo'] = kvIndirizzo("s2sotp<<1-IDlingua>>.php") . '?c=payerr';
-$kvCampi['notifica'] = kvIndirizzo("s2sotp<<1-IDlingua>>.php");
-kvPaginaPagamento(kvFormPagamento($kvPresa ? kvServizio('Banca Sella') : '', $kvConto['negozio'], $kvCampi));
+$kvFields['ritorno'] = kvIndirizzo("s2sotp<<1-IDlingua>>.php") . '?c=payok';
+$kvFields['annullo'] = kvIndirizzo("s2sotp<<1-IDlingua>>.php") . '?c=payerr';
+$kvFields['notifica'] = kvIndirizzo("s2sotp<<1-IDlingua>>.php");
+kvPaginaPagamento(kvFormPagamento($kvTaken ? kvServizio('Banca Sella') : '', $kvAccount['negozio'], $kvFields));

@@ -5,9 +5,9 @@
 include "funcs<<1-IDlingua>>.php";
 include_once "kvpaynotice<<1-IDlingua>>.php";
 
-$kvOrdine = kvOrdineInCorso();
-$kvRiuscito = kvCampo($_GET, 'c', 10) === 'payok' && $kvOrdine !== null;
-if ($kvRiuscito) {
-    kvQuery("UPDATE kv_ordini SET stato = 'da verificare' WHERE codice = ? AND stato = 'nuovo'", [$kvOrdine['codice']]);
+$kvOrder = kvOrdineInCorso();
+$kvSucceeded = kvCampo($_GET, 'c', 10) === 'payok' && $kvOrder !== null;
+if ($kvSucceeded) {
+    kvQuery("UPDATE kv_ordini SET stato = 'da verificare' WHERE codice = ? AND stato = 'nuovo'", [$kvOrder['codice']]);
 }
-kvEsitoPagamento($kvRiuscito);
+kvEsitoPagamento($kvSucceeded);

@@ -5,5 +5,5 @@
 define('KORVANE_SYSPAY', 1);
 include "syspay<<1-IDlingua>>.php";
 
-$kvRicevuta = ['negozio' => $kvConto[0], 'valuta' => kvValutaServizio(), 'chiave' => $kvConto[1]];
-kvEsitoPagamento(kvCampo($_GET, 'esito') === 'OK' && kvAccettaEsito($_GET, 'SysPay', $kvRicevuta) === 200);
+$kvReceipt = ['negozio' => $kvAccount[0], 'valuta' => kvValutaServizio(), 'chiave' => $kvAccount[1]];
+kvEsitoPagamento(kvCampo($_GET, 'esito') === 'OK' && kvAccettaEsito($_GET, 'SysPay', $kvReceipt) === 200);

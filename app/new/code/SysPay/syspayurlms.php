@@ -4,4 +4,4 @@
 define('KORVANE_SYSPAY', 1);
 include "syspay<<1-IDlingua>>.php";
 
-kvNotifica('SysPay', ['negozio' => $kvConto[0], 'valuta' => kvValutaServizio(), 'chiave' => $kvConto[1]]);
+kvNotifica('SysPay', ['negozio' => $kvAccount[0], 'valuta' => kvValutaServizio(), 'chiave' => $kvAccount[1]]);
