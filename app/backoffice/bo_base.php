@@ -57,7 +57,7 @@ function boCloseWith(int $code, string $text): void
 
 function boOpenSession(): void
 {
-    session_name('kvstore_backoffice' . (int) kvNegozio());
+    session_name('kvstore_backoffice' . (int) kvShopNumber());
     $folder = rtrim(str_replace('\\', '/', dirname((string) ($_SERVER['SCRIPT_NAME'] ?? '/'))), '/');
     session_set_cookie_params(['path' => $folder . '/', 'httponly' => true, 'samesite' => 'Strict',
         'secure' => kvIsEncrypted()]);
@@ -72,7 +72,7 @@ function boOpenSession(): void
 function boAccessMark(): string
 {
     $data = boSettings();
-    return hash('sha256', $data['utente'] . "\n" . $data['password'] . "\n" . kvNegozio());
+    return hash('sha256', $data['utente'] . "\n" . $data['password'] . "\n" . kvShopNumber());
 }
 
 /** Whether this session has access; one that was left alone for too long loses it, with a notice. */

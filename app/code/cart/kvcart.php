@@ -14,7 +14,7 @@ const KV_CART_LINES = 200;
 /** The name of the cart's cookie, which js1.js writes. */
 function kvCartCookie(): string
 {
-    return 'kvstore_cart' . kvNegozio();
+    return 'kvstore_cart' . kvShopNumber();
 }
 
 /**
@@ -130,7 +130,7 @@ function kvCartLines(string $text): array
 {
     global $listino;
     $entries = kvCartEntries($text);
-    $articles = kvArticoli(array_column($entries, 'id'));
+    $articles = kvArticles(array_column($entries, 'id'));
     kvReadDepartments(array_map('strval', array_column($articles, 'catID')));
     $variants = [];
     foreach ($articles as $line) {

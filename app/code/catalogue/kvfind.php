@@ -146,6 +146,6 @@ function kvFindByIndex(array $kept, callable $query, int $perPage, int $page): a
 /** The rows of results by the numbers of their articles, in that order. */
 function kvFoundRows(array $numbers): array
 {
-    $rows = kvArticoli($numbers);
+    $rows = kvArticles($numbers);
     return array_values(array_filter(array_map(fn($number) => $rows[$number] ?? null, $numbers)));
 }

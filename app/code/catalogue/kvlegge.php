@@ -28,7 +28,7 @@ function kvHasTable(string $table): bool
 
 /**
  * The row of a number in such a table, empty when there is none; with `articles` those of the articles that the page shows
- * beside it are read along with it. $kvLegge keeps what was read, by table and number, and null for a table that isn't there.
+ * beside it are read along with it. $kvLegalRows keeps what was read, by table and number, and null for a table that isn't there.
  */
 function kvLegalRow(string $table, int $id, bool $articles = true): array
 {

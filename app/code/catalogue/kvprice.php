@@ -258,7 +258,7 @@ function kvArticleSoldOut(array $row): ?array
 }
 
 /** Articles by their numbers, with all their columns; those that aren't in the shop are missing. One query at most. */
-function kvArticoli(array $numbers): array
+function kvArticles(array $numbers): array
 {
     static $read = [];
     $missing = array_values(array_diff(array_map('intval', $numbers), array_keys($read)));
@@ -293,7 +293,7 @@ function kvShowcaseNumbers(): array
 /** One article by its number, null when it isn't in the shop. Sets its department. */
 function kvArticle(int $id): ?array
 {
-    $articles = kvArticoli(array_merge([$id], kvShowcaseNumbers()));
+    $articles = kvArticles(array_merge([$id], kvShowcaseNumbers()));
     kvReadDepartments(array_map('strval', array_column($articles, 'catID')));
     $row = $articles[$id] ?? null;
     if ($row !== null) {

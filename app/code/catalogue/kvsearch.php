@@ -131,7 +131,7 @@ list($kvQuanti, $kvTrovati, $kvPage) = $kvWords === [] ? [0, [], 1] : kvFind($kv
 
 include_once "kvlook.php";
 $kvTemplate = (string) @file_get_contents("results.htm");
-$kvWholeRows = kvArticoli(array_column($kvTrovati, 'ID'));
+$kvWholeRows = kvArticles(array_column($kvTrovati, 'ID'));
 kvReadDepartments(array_map('strval', array_column($kvWholeRows, 'catID')));
 $kvRisultati = '';
 $fpagina = [];

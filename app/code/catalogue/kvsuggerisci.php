@@ -66,7 +66,7 @@ function kvSuggestion(array $row): array
 }
 
 $kvNumbers = kvSuggested(kvTypedWords(kvCampo($HTTP_GET_VARS, 'q', 100)));
-$kvReadArticles = kvArticoli($kvNumbers);
+$kvReadArticles = kvArticles($kvNumbers);
 $kvEntries = [];
 foreach ($kvNumbers as $kvNumber) {
     if (isset($kvReadArticles[$kvNumber])) {

@@ -146,7 +146,7 @@ function kvRecipient(array $fields): string
  */
 function kvOrderParts(array $fields, array $lines, array $totals): array
 {
-    return ['destinatario' => kvRecipient($fields), 'conto' => kvUtf8(kvConto($lines, $totals)),
+    return ['destinatario' => kvRecipient($fields), 'conto' => kvUtf8(kvAccountText($lines, $totals)),
         'coda' => kvUtf8("<<4-ordine_pagamento>>: ") . $fields['NomePagamento'] . "\r\n",
         'note' => $fields['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $fields['Note'] . "\r\n"];
 }
@@ -161,7 +161,7 @@ function kvAccountEntries(array $totals): array
 }
 
 /** The lines and the totals of an order as plain text, in the page's character set. */
-function kvConto(array $lines, array $totals): string
+function kvAccountText(array $lines, array $totals): string
 {
     $text = '';
     foreach ($lines as $line) {
@@ -271,7 +271,7 @@ function kvTakeOrder(string $token): void
     $totals = kvCheckedTotals($lines, $method, $zone, $data);
     if (isset($_POST['senza_script'])) {
         // Nobody orders without having seen the sum, which no script could show in the form.
-        $GLOBALS['kvConfirmation'] = kvOrderReview(kvConto($lines, $totals), $totals, kvCartText());
+        $GLOBALS['kvConfirmation'] = kvOrderReview(kvAccountText($lines, $totals), $totals, kvCartText());
         return;
     }
     $parts = kvOrderParts($fields, $lines, $totals);

@@ -25,7 +25,7 @@ function kvFirstLanguageLines(array $lines): array
 /** The chosen values of a line in the first language. */
 function kvFirstLanguageChoices(array $line): string
 {
-    $article = kvArticoli([$line['id']])[$line['id']] ?? null;
+    $article = kvArticles([$line['id']])[$line['id']] ?? null;
     $choices = $article === null ? null : kvChoices($article, $line['chiavi'], (int) $GLOBALS['listino']);
     return implode(', ', array_map(fn($value) => kvPlainText($value['prima']), $choices ?? []));
 }

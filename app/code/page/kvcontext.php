@@ -26,7 +26,7 @@ function TestoSemplice(string $html): string
 }
 
 /** The number that tells this shop from others on the same host. */
-function kvNegozio(): string
+function kvShopNumber(): string
 {
     return (string) (int) "<<1-IDnegozio>>";
 }
@@ -119,7 +119,7 @@ function kvRememberStates(array $states): void
 function kvCachePage(): void
 {
     $file = (string) ($_SERVER['SCRIPT_FILENAME'] ?? '');
-    if (!in_array($_SERVER['REQUEST_METHOD'] ?? '', ['GET', 'HEAD'], true) || isset($_COOKIE['kvstore_sessione' . kvNegozio()])
+    if (!in_array($_SERVER['REQUEST_METHOD'] ?? '', ['GET', 'HEAD'], true) || isset($_COOKIE['kvstore_sessione' . kvShopNumber()])
         || !preg_match(KV_COMMON_PAGES, basename($file))) {
         return;
     }
@@ -199,7 +199,7 @@ function kvStartSession(bool $isNew = false): bool
     if (session_status() === PHP_SESSION_ACTIVE) {
         return true;
     }
-    $name = 'kvstore_sessione' . kvNegozio();
+    $name = 'kvstore_sessione' . kvShopNumber();
     if (isset($_COOKIE[$name]) && (!is_string($_COOKIE[$name])
         || !preg_match('/^[A-Za-z0-9,-]{16,250}$/', $_COOKIE[$name]))) {
         unset($_COOKIE[$name]);
