@@ -24,7 +24,7 @@ help:
 	@echo "make soak     the random and the failing tests for longer: SOAK_SEEDS series each (now $(SOAK_SEEDS)) and"
 	@echo "               SOAK_SHOPS shops (now $(SOAK_SHOPS)), some hours"
 	@echo "make format   lay out all C++ files"
-	@echo "make lint     clang-tidy, the layout check and the list of words"
+	@echo "make lint     clang-tidy, the layout check, the lists of words and names"
 	@echo "make check    layout, layers, lint, tests; says how long each took"
 	@echo "make install  install the release build (PREFIX=/usr/local, DESTDIR=)"
 	@echo "make package  make a Debian package of the program"
@@ -128,6 +128,7 @@ layers: deps
 # The unit tests are compiled file by file as well, which proves that each includes what it uses: `make test` joins them.
 lint: format-check
 	@tools/check-words
+	@tools/check-names
 	@cmake --preset tidy
 	@cmake --build --preset tidy -- -k 0
 	@cmake --preset dev

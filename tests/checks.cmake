@@ -1,4 +1,4 @@
-# Tests that are no test programs: the layers, the words, and what must not compile.
+# Tests that are no test programs: the layers, the words, the names, and what must not compile.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 add_test(NAME layers.TheTreeKeepsToItsLayers COMMAND ${CMAKE_SOURCE_DIR}/tools/check-layers)
@@ -8,6 +8,10 @@ add_test(NAME layers.AWrongArrowAndACycleAreFound
 add_test(NAME words.TheTreeKeepsToPlainWords COMMAND ${CMAKE_SOURCE_DIR}/tools/check-words)
 add_test(NAME words.OddWordsAreFoundWhereTheyAreRead
   COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_words_test.py ${CMAKE_SOURCE_DIR})
+
+add_test(NAME words.TheScriptsHaveEnglishNames COMMAND ${CMAKE_SOURCE_DIR}/tools/check-names)
+add_test(NAME words.ItalianNamesOfScriptsAreFound
+  COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/tools/check_names_test.py ${CMAKE_SOURCE_DIR})
 
 add_test(NAME host.AShopIsShownFromACopy
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/view_copy_test.py ${CMAKE_SOURCE_DIR})
