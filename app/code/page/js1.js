@@ -5,7 +5,7 @@
 // stand in it: cart and order page have them from the server.
 /* global idnegozio, qminima, autoredirect, checkcookies */
 /* global valuta, valuta2, exch, SecVal, sepmigl, sepdec, PutDec, PutDec2 */
-/* exported Acquista, emptyCart, RepGoTo, SubmitSearchForm, PopupImage, vatInLines, countryName */
+/* exported Acquista, RepGoTo, SubmitSearchForm, PopupImage, vatInLines, countryName */
 "use strict";
 
 const scale = PutDec === 1 ? 100 : 1;
@@ -60,10 +60,6 @@ function writeCart(lines) {
   writeCookie(cartCookie, text, lines.length === 0 ? 0 : 30 * 86400);
   countCart();
   return cookieValue(cartCookie) === text;
-}
-
-function emptyCart() {
-  writeCart([]);
 }
 
 /** Writes the number of pieces into each element of class kv-conta. */
