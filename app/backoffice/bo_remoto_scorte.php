@@ -17,7 +17,7 @@ function boRemoteStock(array $data): array
     }
     $search = kvFromUtf8(boRemoteText($data, 'cerca', 100));
     $count = boRemoteInteger($data, 'quanti', 1, 500);
-    $filter = $search === '' ? ['1 = 1', []] : ['INSTR(' . boStockSources()[$kind]['cerca'] . ', ?) > 0', [$search]];
+    $filter = $search === '' ? ['1 = 1', []] : ['INSTR(' . boStockSources()[$kind]['search'] . ', ?) > 0', [$search]];
     $found = boFindStockRows($kind, $filter, boRemoteInteger($data, 'da', 0, 10000000), $count + 1);
     if ($found === null) {
         kvOutOfService();

@@ -9,17 +9,17 @@ function boStockSources(): array
 {
     $value = "CONVERT(LEFT(CONCAT(g.ID, '.', a.OpID, '.', a.codice), 100) USING latin1) COLLATE latin1_bin";
     return [
-        'A' => ['tabelle' => 'articoli a LEFT JOIN dettaglio g ON g.ID = a.ID',
-            'chiave' => 'CONVERT(CAST(a.ID AS CHAR) USING latin1) COLLATE latin1_bin', 'gruppo' => 'a.ID',
-            'campi' => 'MAX(a.ID) AS chiave, MAX(g.codice) AS codice, MAX(a.plain_titolo) AS nome',
-            'cerca' => "CONCAT_WS(' ', g.codice, a.plain_titolo)", 'ordine' => 'MAX(g.codice), MAX(a.plain_titolo), a.ID'],
-        'V' => ['tabelle' => 'opcodici a INNER JOIN dettaglio g ON a.OpID IN (' . kvVariantColumns('g')
+        'A' => ['tables' => 'articoli a LEFT JOIN dettaglio g ON g.ID = a.ID',
+            'key' => 'CONVERT(CAST(a.ID AS CHAR) USING latin1) COLLATE latin1_bin', 'group' => 'a.ID',
+            'fields' => 'MAX(a.ID) AS chiave, MAX(g.codice) AS codice, MAX(a.plain_titolo) AS nome',
+            'search' => "CONCAT_WS(' ', g.codice, a.plain_titolo)", 'order' => 'MAX(g.codice), MAX(a.plain_titolo), a.ID'],
+        'V' => ['tables' => 'opcodici a INNER JOIN dettaglio g ON a.OpID IN (' . kvVariantColumns('g')
                 . ') INNER JOIN articoli t ON t.ID = g.ID LEFT JOIN opzioni p ON p.ID = a.OpID',
-            'chiave' => $value, 'gruppo' => $value,
-            'campi' => "MAX($value) AS chiave, MAX(a.codice) AS codice,"
+            'key' => $value, 'group' => $value,
+            'fields' => "MAX($value) AS chiave, MAX(a.codice) AS codice,"
                 . " MAX(CONCAT_WS(' ', g.codice, t.plain_titolo, '-', p.nomeopzione)) AS nome",
-            'cerca' => "CONCAT_WS(' ', a.codice, g.codice, t.plain_titolo, p.nomeopzione)",
-            'ordine' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice), ' . $value],
+            'search' => "CONCAT_WS(' ', a.codice, g.codice, t.plain_titolo, p.nomeopzione)",
+            'order' => 'MAX(g.codice), MAX(t.plain_titolo), MAX(p.nomeopzione), MAX(a.codice), ' . $value],
     ];
 }
 
@@ -27,7 +27,7 @@ function boStockSources(): array
 function boStockTables(string $kind): string
 {
     $source = boStockSources()[$kind];
-    return $source['tabelle'] . " LEFT JOIN kv_disponibilita d ON d.tipo = '$kind' AND d.chiave = " . $source['chiave'];
+    return $source['tables'] . " LEFT JOIN kv_disponibilita d ON d.tipo = '$kind' AND d.chiave = " . $source['key'];
 }
 
 /**
@@ -38,9 +38,9 @@ function boFindStockRows(string $kind, array $filter, int $from, int $count): ?a
 {
     list($where, $values) = $filter;
     $source = boStockSources()[$kind];
-    return kvQuery("SELECT {$source['campi']}, MAX(d.chiave) AS d, MAX(d.disponibile) AS disponibile,"
-        . ' MAX(d.quantita) AS quantita FROM ' . boStockTables($kind) . " WHERE $where GROUP BY {$source['gruppo']}"
-        . " ORDER BY {$source['ordine']} LIMIT $count OFFSET $from", $values);
+    return kvQuery("SELECT {$source['fields']}, MAX(d.chiave) AS d, MAX(d.disponibile) AS disponibile,"
+        . ' MAX(d.quantita) AS quantita FROM ' . boStockTables($kind) . " WHERE $where GROUP BY {$source['group']}"
+        . " ORDER BY {$source['order']} LIMIT $count OFFSET $from", $values);
 }
 
 /** The name of such a row as plain text, in the catalogue's character set. */

@@ -23,7 +23,7 @@ function boStockFilter(array $request): array
     if ($parameters['q'] === '') {
         return [$parameters, $tables, $where, []];
     }
-    return [$parameters, $tables, $where . ' AND INSTR(' . boStockSources()[$kind]['cerca'] . ', ?) > 0', [kvFromUtf8($parameters['q'])]];
+    return [$parameters, $tables, $where . ' AND INSTR(' . boStockSources()[$kind]['search'] . ', ?) > 0', [kvFromUtf8($parameters['q'])]];
 }
 
 /** Stores the rows of the form that were changed, and tells of those that couldn't be. */
@@ -91,7 +91,7 @@ if (boIsSubmitted()) {
     boGoTo(boAddress('disponibilita.php', ['p' => boNumberWithin($_GET, 'p', 1, 99999)] + $boParameters));
 }
 $boSource = boStockSources()[$boParameters['tipo']];
-$boFound = boCountRows("SELECT COUNT(DISTINCT {$boSource['gruppo']}) AS n FROM $boTables WHERE $boWhere", $boValues);
+$boFound = boCountRows("SELECT COUNT(DISTINCT {$boSource['group']}) AS n FROM $boTables WHERE $boWhere", $boValues);
 $boPageCount = max(1, (int) ceil($boFound / BO_PER_PAGE));
 $boPage = boNumberWithin($_GET, 'p', 1, $boPageCount);
 $boEntries = boFindStockRows($boParameters['tipo'], [$boWhere, $boValues], ($boPage - 1) * BO_PER_PAGE, BO_PER_PAGE)

@@ -48,7 +48,7 @@ $variant = '<option selected value="<< 2.50>>=.2#R%3D1|Misura: R1 Grande *">Gran
     . '<option value="<<-1.00>>=0#|Misura: Piccola">Piccola ( - EUR <<importo>> )</option>'
     . '<option value="<< 0>>=0#|Misura: Media">Media</option>';
 $taken = kvParseVariant(['nomeopzione' => 'Misura', 'opzione' => $variant, 'prima' => $variant]);
-$keys = array_keys($taken['voci']);
+$keys = array_keys($taken['entries']);
 $translated = kvParseVariant(['nomeopzione' => 'Size', 'prima' => $variant,
     'opzione' => str_replace(['Misura', 'Grande', 'Piccola', 'Media'], ['Size', 'Large', 'Small', 'Medium'], $variant)]);
 $shorter = kvParseVariant(['nomeopzione' => 'Size', 'prima' => $variant,
@@ -140,13 +140,13 @@ runTests([
     'QuantityStepsAreToldInWords' => fn() =>
         ['<ul class="scaglioni"><li>Da 3: -10%</li><li>Da 10: -20%</li></ul>', $view('scaglioni', article())],
     'AVariantValueIsTakenApart' => fn() => [
-        ['attributi' => 'selected', 'prezzo' => 25000, 'peso' => '.2', 'cifrato' => 'R%3D1', 'codice' => 'R=1',
-         'etichetta' => 'Misura: R1 Grande', 'testo' => 'Grande * ( + EUR <<importo>> )',
-         'prima' => 'Misura: R1 Grande'], $taken['voci'][$keys[0]]],
-    'AVariantKeepsItsKeysInAnotherLanguage' => fn() => [$keys, array_keys($translated['voci'])],
-    'AValueWithoutTranslationHasItsOwnKey' => fn() => [false, in_array(array_keys($shorter['voci'])[0], $keys, true)],
+        ['attributes' => 'selected', 'price' => 25000, 'weight' => '.2', 'coded' => 'R%3D1', 'code' => 'R=1',
+         'label' => 'Misura: R1 Grande', 'text' => 'Grande * ( + EUR <<importo>> )',
+         'first' => 'Misura: R1 Grande'], $taken['entries'][$keys[0]]],
+    'AVariantKeepsItsKeysInAnotherLanguage' => fn() => [$keys, array_keys($translated['entries'])],
+    'AValueWithoutTranslationHasItsOwnKey' => fn() => [false, in_array(array_keys($shorter['entries'])[0], $keys, true)],
     'TwoEqualValuesHaveTwoKeys' => fn() => [2, count(kvParseVariant(['nomeopzione' => '', 'prima' => '',
-        'opzione' => str_repeat('<option value="<< 0>>=0#|A: B">B</option>', 2)])['voci'])],
+        'opzione' => str_repeat('<option value="<< 0>>=0#|A: B">B</option>', 2)])['entries'])],
     'ADifferenceFollowsFactorAndVat' => fn() =>
         [275, with(['scontorep' => array_fill(0, 10, single(0.9)), 'ivarep' => single(0.22)],
             fn() => kvDifference(25000, article()))],

@@ -16,8 +16,8 @@ function kvChosenKeys(array $line, string $position): array
     foreach ([1, 2, 3, 4] as $slot) {
         $chosen = explode('#', kvFromUtf8(kvCampo($_POST, "op$slot$position", 500)), 2)[1] ?? '';
         $keys[$slot] = '';
-        foreach (kvVariantValues(kvVariantNumber($line, $slot, (int) $GLOBALS['listino']))['voci'] ?? [] as $key => $entry) {
-            if ($entry['cifrato'] . '|' . html_entity_decode($entry['etichetta'], ENT_QUOTES, 'cp1252') === $chosen) {
+        foreach (kvVariantValues(kvVariantNumber($line, $slot, (int) $GLOBALS['listino']))['entries'] ?? [] as $key => $entry) {
+            if ($entry['coded'] . '|' . html_entity_decode($entry['label'], ENT_QUOTES, 'cp1252') === $chosen) {
                 $keys[$slot] = (string) $key;
             }
         }

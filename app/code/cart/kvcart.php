@@ -63,11 +63,11 @@ function kvChoices(array $line, array $keys, int $listino): ?array
         if ($variant === null) {
             continue;
         }
-        $value = $variant['voci'][$keys[$slot - 1]] ?? null;
+        $value = $variant['entries'][$keys[$slot - 1]] ?? null;
         if ($value === null) {
             return null;
         }
-        $choices[] = $value + ['variante' => $id];
+        $choices[] = $value + ['variant' => $id];
     }
     return $choices;
 }
@@ -104,14 +104,14 @@ function kvCartLine(array $entry, ?array $line): array
     $weight = kvTenThousandths($line['cart_peso'] ?? 0);
     $stock = ['A' . $entry['id']];
     foreach ($choices as $value) {
-        $base += kvDifference($value['prezzo'], $line);
-        $weight += kvTenThousandths($value['peso']);
-        if ($value['codice'] !== '') {
-            $stock[] = kvValueKey($entry['id'], $value['variante'], $value['codice']);
+        $base += kvDifference($value['price'], $line);
+        $weight += kvTenThousandths($value['weight']);
+        if ($value['code'] !== '') {
+            $stock[] = kvValueKey($entry['id'], $value['variant'], $value['code']);
         }
     }
     $steps = kvQuantitySteps($line, $listino);
-    $labels = array_map(fn($value) => kvPlainText($value['etichetta']), $choices);
+    $labels = array_map(fn($value) => kvPlainText($value['label']), $choices);
     return [
         'ok' => true,
         'scelte' => implode(', ', $labels),

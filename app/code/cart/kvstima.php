@@ -55,8 +55,8 @@ function kvFirstEstimate(array $lines, int $zone): ?array
     return $methods === [] ? null : kvOrderTotals($lines, $methods[0], $zone, $data, (int) $listino, (float) $scontocliente);
 }
 
-/** The estimate for a zone: totali of the method it starts with, testo of free shipping, and the dearest and cheapest
- *  shipping of the methods; null when nothing is sent there. */
+/** The estimate for a zone: totals of the method it starts with, text of free shipping, and the least and most shipping of
+ *  the methods; null when nothing is sent there. */
 function kvEstimate(array $lines, int $zone): ?array
 {
     global $listino, $scontocliente;
@@ -67,8 +67,8 @@ function kvEstimate(array $lines, int $zone): ?array
     }
     $all = array_map(fn($method) => kvOrderTotals($lines, $method, $zone, $data, (int) $listino, (float) $scontocliente), $methods);
     $shipping = array_column($all, 'spese');
-    return ['totali' => $all[0], 'testo' => kvFreeShippingText($data, $all[0], ($methods[0] - 1) * 8 + $zone - 1),
-        'minima' => min($shipping), 'massima' => max($shipping)];
+    return ['totals' => $all[0], 'text' => kvFreeShippingText($data, $all[0], ($methods[0] - 1) * 8 + $zone - 1),
+        'least' => min($shipping), 'most' => max($shipping)];
 }
 
 /** The country select of the cart page, from that of the build; the choice of the address is kept. */
@@ -101,14 +101,14 @@ function kvStimaSemplice(string $select): string
     if ($estimate === null) {
         return $html . '<p>' . kvHtml("<<4-stima_nessuna>>") . '</p>';
     }
-    $entries = [["<<4-carrello_spedizione>>", $estimate['totali']['spese']], ["<<4-carrello_iva_spedizione>>", $estimate['totali']['ivaspese']],
-        ["<<4-stima_totale>>", $estimate['totali']['totale']]];
+    $entries = [["<<4-carrello_spedizione>>", $estimate['totals']['spese']], ["<<4-carrello_iva_spedizione>>", $estimate['totals']['ivaspese']],
+        ["<<4-stima_totale>>", $estimate['totals']['totale']]];
     $html .= '<table class="totali">';
     foreach ($entries as $n => list($name, $amount)) {
         $html .= $n === 1 && $amount === 0 ? ''
             : '<tr><th scope="row">' . kvHtml($name) . '</th><td>' . kvUnitsText($amount) . '</td></tr>';
     }
-    $html .= '</table>' . ($estimate['testo'] === '' ? '' : '<p>' . kvHtml($estimate['testo']) . '</p>');
-    return $html . ($estimate['minima'] === $estimate['massima'] ? '' : '<p>' . kvHtml("<<4-stima_secondo>>: "
-        . kvUnitsText($estimate['minima']) . ' - ' . kvUnitsText($estimate['massima'])) . '.</p>');
+    $html .= '</table>' . ($estimate['text'] === '' ? '' : '<p>' . kvHtml($estimate['text']) . '</p>');
+    return $html . ($estimate['least'] === $estimate['most'] ? '' : '<p>' . kvHtml("<<4-stima_secondo>>: "
+        . kvUnitsText($estimate['least']) . ' - ' . kvUnitsText($estimate['most'])) . '.</p>');
 }

@@ -97,8 +97,8 @@ function kvAreVariantsAvailable(array $line): bool
 {
     foreach (kvRowVariants($line, (int) $GLOBALS['listino']) as $id) {
         $free = 0;
-        foreach (kvVariantValues($id)['voci'] ?? [['codice' => '']] as $entry) {
-            $free += kvIsValueAvailable($line, $id, $entry['codice']) ? 1 : 0;
+        foreach (kvVariantValues($id)['entries'] ?? [['code' => '']] as $entry) {
+            $free += kvIsValueAvailable($line, $id, $entry['code']) ? 1 : 0;
         }
         if ($free === 0) {
             return false;

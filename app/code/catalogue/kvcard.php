@@ -161,7 +161,7 @@ function kvArticoloSolo(bool $unique = false): ?array
     if (!empty($GLOBALS['kvWrong']) || ($page > 0 && $page !== (int) $sp) || ($slot > 0 && !isset($rows[$slot - 1]))) {
         kvNotFound();
     }
-    return $slot > 0 ? $rows[$slot - 1] : ($unique && count($rows) === 1 && !kvListChoices()['attiva'] ? $rows[0] : null);
+    return $slot > 0 ? $rows[$slot - 1] : ($unique && count($rows) === 1 && !kvListChoices()['active'] ? $rows[0] : null);
 }
 
 /** Whether an article can be bought: neither it nor all values of one of its variants are sold out. */
@@ -296,12 +296,12 @@ function kvValueOffers(array $row, callable $offer): array
     $variants = array_values(kvRowVariants($row, (int) $GLOBALS['listino']));
     $offers = [];
     $limited = 0;
-    foreach (count($variants) === 1 ? (kvVariantValues($variants[0])['voci'] ?? []) : [] as $entry) {
-        $isFree = kvIsValueAvailable($row, $variants[0], $entry['codice']);
+    foreach (count($variants) === 1 ? (kvVariantValues($variants[0])['entries'] ?? []) : [] as $entry) {
+        $isFree = kvIsValueAvailable($row, $variants[0], $entry['code']);
         $limited += $isFree ? 0 : 1;
-        $price = kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()) + kvDifference($entry['prezzo'], $row);
-        $offers[] = ['name' => kvDataText($entry['etichetta'])] + ($entry['codice'] === '' ? []
-            : ['sku' => kvUtf8($entry['codice'])]) + $offer(kvScriptNumber(max(0, $price), kvScale()), $isFree && kvIsArticleAvailable($row));
+        $price = kvSmallestUnits(kvVisitorPrices($row)['prezzo'], kvScale()) + kvDifference($entry['price'], $row);
+        $offers[] = ['name' => kvDataText($entry['label'])] + ($entry['code'] === '' ? []
+            : ['sku' => kvUtf8($entry['code'])]) + $offer(kvScriptNumber(max(0, $price), kvScale()), $isFree && kvIsArticleAvailable($row));
     }
     return $limited > 0 ? $offers : [];
 }

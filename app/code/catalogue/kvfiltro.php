@@ -12,7 +12,7 @@ const KV_PER_PAGE = 24;
 const KV_SORT_ORDERS = ['' => "<<4-ordine_negozio>>", 'prezzo' => "<<4-ordine_prezzo>>", 'prezzo-giu' => "<<4-ordine_prezzo_giu>>",
     'nome' => "<<4-ordine_alfabetico>>", 'novita' => "<<4-ordine_novita>>"];
 
-/** What the address chooses; `attiva` tells that it chooses anything. The page of one article chooses nothing. */
+/** What the address chooses; `active` tells that it chooses anything. The page of one article chooses nothing. */
 function kvListChoices(): array
 {
     static $choices = null;
@@ -30,7 +30,7 @@ function kvListChoices(): array
             $choices['valori'][(int) $parts[1]] = $value;
         }
     }
-    $choices['attiva'] = (int) ($_GET['prod'] ?? 0) === 0 && isset($GLOBALS['PageRoot'])
+    $choices['active'] = (int) ($_GET['prod'] ?? 0) === 0 && isset($GLOBALS['PageRoot'])
         && array_filter($choices, fn($choice) => !in_array($choice, ['', false, null, []], true)) !== [];
     return $choices;
 }
@@ -39,7 +39,7 @@ function kvListChoices(): array
 function kvChoicesQuery(): string
 {
     $choices = kvListChoices();
-    if (!$choices['attiva']) {
+    if (!$choices['active']) {
         return '';
     }
     $parts = ['ordine' => $choices['ordine'], 'da' => kvFieldAmount($choices['da']), 'a' => kvFieldAmount($choices['a']),
@@ -65,7 +65,7 @@ function kvDepartmentRows(): array
 {
     static $rows = null;
     $read = $GLOBALS['resultArt'] ?? null;
-    if ($rows === null && $read instanceof KvRows && (int) ($GLOBALS['mp'] ?? 0) === 1 && !kvListChoices()['attiva']) {
+    if ($rows === null && $read instanceof KvRows && (int) ($GLOBALS['mp'] ?? 0) === 1 && !kvListChoices()['active']) {
         $rows = array_column($read->rows, null, 'ID');
     }
     if ($rows === null) {
@@ -101,7 +101,7 @@ function kvIsRowChosen(array $row, array $choices): bool
     }
     foreach ($choices['valori'] as $variant => $key) {
         if (!in_array($variant, kvRowVariants($row, (int) $GLOBALS['listino']), true)
-            || !isset(kvVariantValues($variant)['voci'][$key])) {
+            || !isset(kvVariantValues($variant)['entries'][$key])) {
             return false;
         }
     }
@@ -180,17 +180,17 @@ function kvSortChosen(array $rows): array
 function kvVariantFilter(int $id, array $choices): string
 {
     $variant = kvVariantValues($id);
-    if ($variant === null || count($variant['voci']) < 2) {
+    if ($variant === null || count($variant['entries']) < 2) {
         return '';
     }
     $options = '<option value="">' . kvHtml("<<4-tutti_i_valori>>") . '</option>';
-    foreach ($variant['voci'] as $key => $entry) {
+    foreach ($variant['entries'] as $key => $entry) {
         // The text of a value ends in what it adds to the price, which is not what is chosen by.
-        $text = preg_replace('/ \( [^()]*<<importo>> \)/', '', $entry['testo']);
+        $text = preg_replace('/ \( [^()]*<<importo>> \)/', '', $entry['text']);
         $options .= '<option value="' . $key . '"' . (($choices['valori'][$id] ?? '') === (string) $key ? ' selected' : '')
             . '>' . kvTextHtml(trim($text, " *")) . '</option>';
     }
-    return '<label><span>' . kvTextHtml($variant['nome']) . '</span> <select name="v' . $id . '">' . $options . '</select></label>';
+    return '<label><span>' . kvTextHtml($variant['name']) . '</span> <select name="v' . $id . '">' . $options . '</select></label>';
 }
 
 /** A box to be ticked. */
@@ -234,11 +234,11 @@ function kvFiltri(): string
         return '';
     }
     $choices = kvListChoices();
-    $html = '<details class="filtri"' . ($choices['attiva'] ? ' open' : '') . '><summary>' . kvHtml("<<4-filtri>>") . '</summary>'
+    $html = '<details class="filtri"' . ($choices['active'] ? ' open' : '') . '><summary>' . kvHtml("<<4-filtri>>") . '</summary>'
         . '<form method="get" action="' . kvHtml(kvPageFile()) . '"><input type="hidden" name="n" value="1">' . kvFilterFields($choices)
-        . '<p><button type="submit">' . kvHtml("<<4-filtri_mostra>>") . '</button>' . ($choices['attiva']
+        . '<p><button type="submit">' . kvHtml("<<4-filtri_mostra>>") . '</button>' . ($choices['active']
         ? ' <a href="' . kvHtml(kvPageFile()) . '?n=1">' . kvHtml("<<4-filtri_togli>>") . '</a>' : '') . "</p></form></details>\n";
-    if (!$choices['attiva']) {
+    if (!$choices['active']) {
         return $html;
     }
     $count = count(kvChosenNumbers());

@@ -63,8 +63,8 @@ function kvVariantOptions(string $list): array
 }
 
 /**
- * A variant taken apart: nome, and voci by key, each with attributi, prezzo (ten-thousandths), peso, cifrato (the code as
- * it stands in the value), codice, etichetta (the cart's label), testo, prima (the label in the first language).
+ * A variant taken apart: name, and entries by key, each with attributes, price (ten-thousandths), weight, coded (the code
+ * as it is in the value), code, label (the cart's), text, first (the label in the first language).
  */
 function kvParseVariant(array $row): array
 {
@@ -80,12 +80,12 @@ function kvParseVariant(array $row): array
             $key = substr(md5($key), 0, 6);
         }
         $entries[$key] = [
-            'attributi' => trim($entry[1]), 'prezzo' => kvTenThousandths($entry[2]), 'peso' => $entry[3],
-            'cifrato' => $entry[4], 'codice' => rawurldecode($entry[4]), 'etichetta' => $entry[5], 'testo' => $entry[6],
-            'prima' => $base[5],
+            'attributes' => trim($entry[1]), 'price' => kvTenThousandths($entry[2]), 'weight' => $entry[3],
+            'coded' => $entry[4], 'code' => rawurldecode($entry[4]), 'label' => $entry[5], 'text' => $entry[6],
+            'first' => $base[5],
         ];
     }
-    return ['nome' => (string) $row['nomeopzione'], 'voci' => $entries];
+    return ['name' => (string) $row['nomeopzione'], 'entries' => $entries];
 }
 
 /** The variant of a number, null when it has no values. */
@@ -94,7 +94,7 @@ function kvVariantValues(int $id): ?array
     static $page = false;
     $read = kvReadVariants($page ? [$id] : array_merge([$id], kvPageVariants()));
     $page = true;
-    return isset($read[$id]) && $read[$id]['voci'] !== [] ? $read[$id] : null;
+    return isset($read[$id]) && $read[$id]['entries'] !== [] ? $read[$id] : null;
 }
 
 /**
@@ -114,13 +114,13 @@ function kvDifference(int $difference, array $row): int
 function kvOption(array $row, string $key, array $entry, bool $available): string
 {
     $hidden = kvArePricesHidden();
-    $amount = $hidden ? 0 : kvDifference($entry['prezzo'], $row);
+    $amount = $hidden ? 0 : kvDifference($entry['price'], $row);
     $text = $hidden
-        ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $entry['testo'])
-        : str_replace('<<importo>>', kvFormatUnits(abs($amount), kvScale(), (int) $GLOBALS['notazione']), $entry['testo']);
-    $attributes = $available ? $entry['attributi'] : 'disabled';
+        ? preg_replace('/ \( [^()]*<<importo>> \)/', '', $entry['text'])
+        : str_replace('<<importo>>', kvFormatUnits(abs($amount), kvScale(), (int) $GLOBALS['notazione']), $entry['text']);
+    $attributes = $available ? $entry['attributes'] : 'disabled';
     return '<option ' . ($attributes === '' ? '' : $attributes . ' ') . 'value="' . kvScriptNumber($amount, kvScale()) . '='
-        . $entry['peso'] . '#' . $entry['cifrato'] . '|' . $entry['etichetta'] . '" data-k="' . $key . '">' . $text
+        . $entry['weight'] . '#' . $entry['coded'] . '|' . $entry['label'] . '" data-k="' . $key . '">' . $text
         . ($available ? '' : ' - ' . kvHtml("<<4-esaurito>>")) . '</option>';
 }
 
@@ -133,9 +133,9 @@ function kvSelector(array $row, int $slot): string
         return '';
     }
     $options = '';
-    foreach ($variant['voci'] as $key => $entry) {
-        $options .= kvOption($row, $key, $entry, kvIsValueAvailable($row, $id, $entry['codice']));
+    foreach ($variant['entries'] as $key => $entry) {
+        $options .= kvOption($row, $key, $entry, kvIsValueAvailable($row, $id, $entry['code']));
     }
-    return '<label class="opzione">' . kvTextHtml($variant['nome']) . ' <select name="op' . $slot
+    return '<label class="opzione">' . kvTextHtml($variant['name']) . ' <select name="op' . $slot
         . (int) ($row['contatore'] ?? 0) . '">' . $options . '</select></label>';
 }

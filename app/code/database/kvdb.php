@@ -189,7 +189,7 @@ const KV_SOLD_OUT = "(SELECT GROUP_CONCAT(chiave SEPARATOR '\n') FROM kv_disponi
 function kvPageArticles(string $sql)
 {
     $result = false;
-    $chosen = function_exists('kvListChoices') && kvListChoices()['attiva'];
+    $chosen = function_exists('kvListChoices') && kvListChoices()['active'];
     $sql = $chosen ? kvChosenSql($sql) : $sql;
     kvSetCharset('latin1');
     if (preg_match('/ FROM (articoli\w*) .* WHERE /', $sql, $parts)) {
@@ -247,7 +247,7 @@ if (!function_exists('mysql_query')) {
         // A department page reads the articles of all its sub-pages to learn the number of the last one, which the
         // first row tells.
         if (substr($sql, -27) === "' ORDER BY sottopagina DESC") {
-            if (function_exists('kvListChoices') && kvListChoices()['attiva']) {
+            if (function_exists('kvListChoices') && kvListChoices()['active']) {
                 return new KvRows([['sottopagina' => kvChosenPages()]]);
             }
             list($page, $last) = $GLOBALS['kvLastPage'] ?? ['', null];

@@ -27,27 +27,27 @@ function kvIsValidAddress(string $email): bool
 
 /**
  * Hands a mail to the server; false when an address isn't one or the server refused it. `head`: the lines of its head
- * that say what `body` is; `rispondi`: who gets the answers.
+ * that say what `body` is; `replyTo`: who gets the answers.
  */
 function kvSendMail(array $mail, array $head, string $body): bool
 {
-    list('a' => $a, 'da' => $from, 'oggetto' => $subject, 'rispondi' => $answer) = $mail + ['rispondi' => ''];
-    if (!kvIsValidAddress($a)) {
+    list('to' => $to, 'from' => $from, 'subject' => $subject, 'replyTo' => $replyTo) = $mail + ['replyTo' => ''];
+    if (!kvIsValidAddress($to)) {
         return false;
     }
     if (kvIsValidAddress($from)) {
         $name = trim(kvSender()['nome']);
         $head[] = 'From: ' . ($name === '' ? $from : kvHeaderText($name) . ' <' . $from . '>');
     }
-    if (kvIsValidAddress($answer)) {
-        $head[] = 'Reply-To: ' . $answer;
+    if (kvIsValidAddress($replyTo)) {
+        $head[] = 'Reply-To: ' . $replyTo;
     }
     $head = implode("\r\n", array_merge(['MIME-Version: 1.0'], $head));
     // Where mails that can't be delivered go back to. It reaches a command line: plain characters only. A host that lets
     // nobody say it takes the mail without.
     $envelope = preg_match('/^[A-Za-z0-9][A-Za-z0-9._+-]*@[A-Za-z0-9.-]+$/D', $from) ? '-f' . $from : '';
     $subject = kvHeaderText($subject);
-    if (@mail($a, $subject, $body, $head, $envelope) || ($envelope !== '' && @mail($a, $subject, $body, $head))) {
+    if (@mail($to, $subject, $body, $head, $envelope) || ($envelope !== '' && @mail($to, $subject, $body, $head))) {
         return true;
     }
     error_log('Shop mail: a mail was refused');
@@ -55,9 +55,9 @@ function kvSendMail(array $mail, array $head, string $body): bool
 }
 
 /** Sends one mail of plain text in UTF-8; see kvSendMail. */
-function kvMail(string $a, string $from, string $subject, string $text, string $answer = ''): bool
+function kvMail(string $to, string $from, string $subject, string $text, string $replyTo = ''): bool
 {
-    return kvSendMail(['a' => $a, 'da' => $from, 'oggetto' => $subject, 'rispondi' => $answer],
+    return kvSendMail(['to' => $to, 'from' => $from, 'subject' => $subject, 'replyTo' => $replyTo],
         ['Content-Type: text/plain; charset=utf-8', 'Content-Transfer-Encoding: base64'],
         rtrim(chunk_split(base64_encode($text))));
 }

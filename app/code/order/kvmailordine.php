@@ -29,29 +29,29 @@ function kvOrderTable(array $lines, array $totals): string
 }
 
 /**
- * Tells customer and merchant of an order. ordine: codice, email, importo (the total in the shop's notation, without a
- * label), destinatario and note (what was typed), conto and tabella (lines and totals as text and as HTML), coda (what
+ * Tells customer and merchant of an order. order: code, email, amount (the total in the shop's notation, without a
+ * label), recipient and notes (what was typed), account and table (lines and totals as text and as HTML), end (what
  * follows them). An address that nobody has proven gets nothing that was typed: it could be words for a stranger.
  */
 function kvMailOrder(array $order): void
 {
     $shop = kvSender();
-    $code = $order['codice'];
+    $code = $order['code'];
     $subject = $shop['nome'] . ' - ' . kvUtf8("<<4-ordine_titolo>> ") . $code;
-    $all = $order['destinatario'] . "\r\n" . $order['conto'] . $order['coda'] . $order['note'];
+    $all = $order['recipient'] . "\r\n" . $order['account'] . $order['end'] . $order['notes'];
     $own = $all;
     if (!kvIsProvenAddress($order['email'])) {
-        list($order['destinatario'], $order['note'], $own) = ['', '', $order['conto'] . $order['coda']];
+        list($order['recipient'], $order['notes'], $own) = ['', '', $order['account'] . $order['end']];
     }
     $attachments = kvDocuments();
     $end = "\r\n" . kvUtf8(($attachments === [] ? '' : "<<4-mail_allegati>>\r\n") . "<<4-mail_recesso>> "
         . kvIndirizzo("kvrecesso.php")) . "\r\n\r\n" . $shop['firma'];
     // The summary stands within the merchant's words: in HTML it is a table, which cuts them in two.
-    $summary = kvMailParagraphs($order['destinatario']) . $order['tabella'] . kvMailParagraphs($order['coda'] . $order['note']);
-    $pieces = explode("\1", kvMailText($code, $order['importo'], "\1") . "\r\n\r\n" . $end);
-    kvSendMailParts(['a' => $order['email'], 'da' => $shop['email'], 'oggetto' => $subject,
-        'testo' => kvMailText($code, $order['importo'], $own) . $end,
-        'html' => kvMailPage($subject, implode($summary, array_map('kvMailParagraphs', $pieces))), 'allegati' => $attachments]);
+    $summary = kvMailParagraphs($order['recipient']) . $order['table'] . kvMailParagraphs($order['end'] . $order['notes']);
+    $pieces = explode("\1", kvMailText($code, $order['amount'], "\1") . "\r\n\r\n" . $end);
+    kvSendMailParts(['to' => $order['email'], 'from' => $shop['email'], 'subject' => $subject,
+        'text' => kvMailText($code, $order['amount'], $own) . $end,
+        'html' => kvMailPage($subject, implode($summary, array_map('kvMailParagraphs', $pieces))), 'attachments' => $attachments]);
     kvMail($shop['email'], $shop['email'], $subject, kvUtf8("<<4-ordine_codice>>: ") . "$code\r\n\r\n" . $all,
         $order['email']);
 }

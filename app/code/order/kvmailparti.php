@@ -48,15 +48,15 @@ function kvMailParts(string $type, array $parts): array
 }
 
 /**
- * Sends a mail of text and HTML with files. mail: a, da, oggetto, rispondi as for kvSendMail; testo, html (a document), allegati (name =>
- * document of HTML).
+ * Sends a mail of text and HTML with files. mail: to, from, subject, replyTo as for kvSendMail; text, html (a document),
+ * attachments (name => document of HTML).
  */
 function kvSendMailParts(array $mail): bool
 {
     list($kind, $body) = kvMailParts('alternative',
-        [kvMailPart('text/plain', $mail['testo']), kvMailPart('text/html', $mail['html'])]);
+        [kvMailPart('text/plain', $mail['text']), kvMailPart('text/html', $mail['html'])]);
     $parts = ["Content-Type: $kind\r\n\r\n$body"];
-    foreach ($mail['allegati'] ?? [] as $name => $document) {
+    foreach ($mail['attachments'] ?? [] as $name => $document) {
         $parts[] = kvMailPart('text/html', $document, (string) $name);
     }
     list($kind, $body) = count($parts) === 1 ? [$kind, $body] : kvMailParts('mixed', $parts);

@@ -46,9 +46,9 @@ KORVANE_VALORI
     $name = preg_replace('/\s+/u', ' ', kvLineField($_POST, 'Paese'));
     list($zone, $slot) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
     foreach ($countries as $n => $country) {
-        $chosen = $slot === '' ? kvUtf8($country['nome']) === $name : $slot === (string) $n;
-        if ($chosen && $country['valore'] === $zone && (int) $zone >= 1 && (int) $zone <= 8) {
-            return [kvUtf8($country['nome']), (int) $zone];
+        $chosen = $slot === '' ? kvUtf8($country['name']) === $name : $slot === (string) $n;
+        if ($chosen && $country['value'] === $zone && (int) $zone >= 1 && (int) $zone <= 8) {
+            return [kvUtf8($country['name']), (int) $zone];
         }
     }
     kvRefuseOrder("<<4-ordine_campi_mancanti>>");
@@ -141,14 +141,14 @@ function kvRecipient(array $fields): string
 }
 
 /**
- * The order as plain text in UTF-8, in parts: destinatario, conto, coda, note. Joined, with an empty line after the first,
+ * The order as plain text in UTF-8, in parts: recipient, account, end, notes. Joined, with an empty line after the first,
  * they are the summary of the order's page and of the back office.
  */
 function kvOrderParts(array $fields, array $lines, array $totals): array
 {
-    return ['destinatario' => kvRecipient($fields), 'conto' => kvUtf8(kvAccountText($lines, $totals)),
-        'coda' => kvUtf8("<<4-ordine_pagamento>>: ") . $fields['NomePagamento'] . "\r\n",
-        'note' => $fields['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $fields['Note'] . "\r\n"];
+    return ['recipient' => kvRecipient($fields), 'account' => kvUtf8(kvAccountText($lines, $totals)),
+        'end' => kvUtf8("<<4-ordine_pagamento>>: ") . $fields['NomePagamento'] . "\r\n",
+        'notes' => $fields['Note'] === '' ? '' : "\r\n" . kvUtf8("<<4-ordine_note>>: ") . $fields['Note'] . "\r\n"];
 }
 
 /** The discounts, taxes and costs of an order that there are, by their names. */
@@ -275,7 +275,7 @@ function kvTakeOrder(string $token): void
         return;
     }
     $parts = kvOrderParts($fields, $lines, $totals);
-    $summary = $parts['destinatario'] . "\r\n" . $parts['conto'] . $parts['coda'] . $parts['note'];
+    $summary = $parts['recipient'] . "\r\n" . $parts['account'] . $parts['end'] . $parts['notes'];
     if (!kvAdmitAttempt(kvAttemptsKey('ordine', ''), 'ordini')
         || !kvAdmitAttempt(kvAccountKey('ordine', $fields['Email']), 'ordini_email')) {
         kvRefuseOrder("<<4-troppi_tentativi>>");
@@ -288,19 +288,19 @@ function kvTakeOrder(string $token): void
     setcookie(kvCartCookie(), '', ['expires' => 1, 'path' => kvCookieFolder(), 'samesite' => 'Lax']);
     if ($new) {
         kvStockChanged();
-        $statements = kvMailInstructions($method);
-        $parts['coda'] .= $statements === '' ? '' : "\r\n" . $statements . "\r\n";
-        kvMailOrder(['codice' => $code, 'email' => $fields['Email'], 'tabella' => kvOrderTable($lines, $totals),
-            'importo' => kvFormatUnits($totals['totale'], kvScale(), (int) $notazione)] + $parts);
+        $instructions = kvMailInstructions($method);
+        $parts['end'] .= $instructions === '' ? '' : "\r\n" . $instructions . "\r\n";
+        kvMailOrder(['code' => $code, 'email' => $fields['Email'], 'table' => kvOrderTable($lines, $totals),
+            'amount' => kvFormatUnits($totals['totale'], kvScale(), (int) $notazione)] + $parts);
         kvMailLowStock($lines);
     }
     kvGoTo($page);
 }
 
 kvStartSession(true);
-$kvPattern = kvCampo($_POST, 'gettone', 64);
-if (isset($_SESSION['ordini'][$kvPattern])) {
-    list($_SESSION['ordine'], $kvPage) = $_SESSION['ordini'][$kvPattern];
+$kvFormToken = kvCampo($_POST, 'gettone', 64);
+if (isset($_SESSION['ordini'][$kvFormToken])) {
+    list($_SESSION['ordine'], $kvPage) = $_SESSION['ordini'][$kvFormToken];
     kvGoTo($kvPage);
 }
 if ($_SERVER['REQUEST_METHOD'] !== 'POST' || kvCartText() === '') {
@@ -312,5 +312,5 @@ if (!kvIsTokenValid()) {
 if (($cliente === 0 && $regobbl) || kvIsBuyingDenied()) {
     kvGoTo("login<<1-IDlingua>>.php?" . ($cliente > 0 ? 'm=37&t=.37.' : ($clienteinattesa > 0 ? 'm=5' : 'm=23')));
 }
-kvTakeOrder($kvPattern);
+kvTakeOrder($kvFormToken);
 include "messaggio.htm";

@@ -64,7 +64,7 @@ function kvSelectOptions(string $select, bool $choices = false): array
     preg_match_all("/<option$mark([^>]*)>(.*?)<\\/option>/is", $select, $found, PREG_SET_ORDER);
     return array_map(function (array $entry): array {
         $value = preg_match('/value\s*=\s*"([^"]*)"/i', $entry[1], $parts) ? $parts[1] : null;
-        return ['valore' => $value, 'nome' => kvPlainText($entry[2]), 'scelta' => stripos($entry[1], 'selected') !== false];
+        return ['value' => $value, 'name' => kvPlainText($entry[2]), 'selected' => stripos($entry[1], 'selected') !== false];
     }, $found);
 }
 
@@ -80,16 +80,16 @@ function kvSceltaPaesi(string $select): string
 {
     $entries = [];
     foreach (kvSelectOptions($select) as $n => $entry) {
-        $entries[] = ['n' => $n, 'tradotto' => kvCountryName($entry['nome'])] + $entry;
+        $entries[] = ['n' => $n, 'translated' => kvCountryName($entry['name'])] + $entry;
     }
     if ("<<1-IDlingua>>" !== '') {
-        $key = fn(array $entry): string => kvFold(kvUtf8($entry['tradotto']));
+        $key = fn(array $entry): string => kvFold(kvUtf8($entry['translated']));
         usort($entries, fn($one, $other) => [$key($one), $one['n']] <=> [$key($other), $other['n']]);
     }
     $html = '<select name="LSStato" onchange="SpedPaese()" autocomplete="country-name">';
     foreach ($entries as $entry) {
-        $html .= '<option value="' . (int) $entry['valore'] . '-' . $entry['n'] . '" data-paese="' . kvHtml($entry['nome']) . '"'
-            . ($entry['scelta'] ? ' selected' : '') . '>' . kvHtml($entry['tradotto']) . '</option>';
+        $html .= '<option value="' . (int) $entry['value'] . '-' . $entry['n'] . '" data-paese="' . kvHtml($entry['name']) . '"'
+            . ($entry['selected'] ? ' selected' : '') . '>' . kvHtml($entry['translated']) . '</option>';
     }
     return $html . '</select>';
 }
@@ -99,7 +99,7 @@ function kvSceltaPagamenti(string $select): string
 {
     $html = '<select name="Pagamento" onchange="SpedPaese()">';
     foreach (kvSelectOptions($select) as $n => $entry) {
-        $html .= '<option value="' . ($n + 1) . '"' . ($entry['scelta'] ? ' selected' : '') . '>' . kvHtml($entry['nome'])
+        $html .= '<option value="' . ($n + 1) . '"' . ($entry['selected'] ? ' selected' : '') . '>' . kvHtml($entry['name'])
             . '</option>';
     }
     return $html . '</select>';

@@ -27,7 +27,7 @@ function kvFirstLanguageChoices(array $line): string
 {
     $article = kvArticles([$line['id']])[$line['id']] ?? null;
     $choices = $article === null ? null : kvChoices($article, $line['chiavi'], (int) $GLOBALS['listino']);
-    return implode(', ', array_map(fn($value) => kvPlainText($value['prima']), $choices ?? []));
+    return implode(', ', array_map(fn($value) => kvPlainText($value['first']), $choices ?? []));
 }
 
 /** The number of the payment method that the form chose, counted from 1. */
@@ -41,7 +41,7 @@ function kvFirstLanguageMethod(string $translated): string
 {
     // Put together, for the build gives names of pages in a text the suffix of the language.
     $methods = kvSelectOptions((string) include 'kvmetodi' . '.php');
-    $name = $methods[kvMethodNumber() - 1]['nome'] ?? null;
+    $name = $methods[kvMethodNumber() - 1]['name'] ?? null;
     return $name === null ? $translated : kvUtf8($name);
 }
 
@@ -55,7 +55,7 @@ function kvDoesMethodConfirm(int $method): bool
     return preg_match('/kvFormModulo\(|\[\'notifica\'\]/', $page) === 1;
 }
 
-/** What is kept of an order for the back office: `lines` for each of its lines, `ordine` for the whole. */
+/** What is kept of an order for the back office: `righe` for each of its lines, `ordine` for the whole. */
 function kvFirstLanguage(array $lines): array
 {
     return ['righe' => kvFirstLanguageLines($lines), 'ordine' => ['lingua' => "<<4-codice_lingua>>",

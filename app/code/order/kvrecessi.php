@@ -35,11 +35,11 @@ function kvWithdrawalDenial(array $order): string
     if ($order['scaduto']) {
         return "<<4-recesso_scaduto>>";
     }
-    return array_sum(array_column(kvWithdrawalLines($order), 'resto')) === 0 ? "<<4-recesso_gia>>" : '';
+    return array_sum(array_column(kvWithdrawalLines($order), 'rest')) === 0 ? "<<4-recesso_gia>>" : '';
 }
 
 /**
- * The lines of an order by their numbers: testo, scelte (UTF-8), quantita, resto (pieces not given back yet). An order of
+ * The lines of an order by their numbers: testo, scelte (UTF-8), quantita, rest (pieces not given back yet). An order of
  * which only the summary was kept has one line, itself.
  */
 function kvWithdrawalLines(array $order): array
@@ -49,15 +49,15 @@ function kvWithdrawalLines(array $order): array
         if (isset($line['testo'], $line['quantita'])) {
             $pieces = (int) $line['quantita'];
             $lines[(int) $n] = ['testo' => (string) $line['testo'], 'scelte' => (string) ($line['scelte'] ?? ''),
-                'quantita' => $pieces, 'resto' => $pieces];
+                'quantita' => $pieces, 'rest' => $pieces];
         }
     }
-    $lines = $lines === [] ? [['testo' => (string) $order['codice'], 'scelte' => '', 'quantita' => 1, 'resto' => 1]] : $lines;
+    $lines = $lines === [] ? [['testo' => (string) $order['codice'], 'scelte' => '', 'quantita' => 1, 'rest' => 1]] : $lines;
     foreach (kvQuery("SELECT righe FROM kv_recessi WHERE ordine = ? AND stato <> 'respinto'", [(int) $order['id']]) ?? [] as $withdrawal) {
         foreach (json_decode((string) $withdrawal['righe'], true) ?? [] as $line) {
             $n = (int) ($line['n'] ?? -1);
             if (isset($lines[$n])) {
-                $lines[$n]['resto'] = max(0, $lines[$n]['resto'] - (int) $line['quantita']);
+                $lines[$n]['rest'] = max(0, $lines[$n]['rest'] - (int) $line['quantita']);
             }
         }
     }
@@ -69,7 +69,7 @@ function kvChosenLines(array $lines, array $choice): ?array
 {
     $choices = [];
     foreach ($choice as $n => $pieces) {
-        if (!isset($lines[$n]) || $pieces < 1 || $pieces > $lines[$n]['resto']) {
+        if (!isset($lines[$n]) || $pieces < 1 || $pieces > $lines[$n]['rest']) {
             return null;
         }
         $choices[] = ['n' => $n, 'testo' => $lines[$n]['testo'], 'scelte' => $lines[$n]['scelte'], 'quantita' => $pieces];

@@ -102,7 +102,7 @@ function kvChooseStep(array $order): string
     $html = kvWithdrawalForm('scegli') . '<fieldset><legend>' . kvHtml("<<4-recesso_scegli>>") . ' (' . kvHtml($order['codice'])
         . ')</legend>';
     foreach (kvWithdrawalLines($order) as $n => $line) {
-        if ($line['resto'] > 0) {
+        if ($line['rest'] > 0) {
             $name = kvHtmlUtf8($line['testo'] . ($line['scelte'] === '' ? '' : ' (' . $line['scelte'] . ')'));
             $html .= "<label class=\"spunta\"><input type=\"checkbox\" name=\"riga[$n]\" value=\"1\"> <span>$name</span></label>"
                 . '<label>' . kvHtml("<<4-recesso_pezzi>>") . "<span class=\"nascosto\">: $name</span> <input type=\"number\""
@@ -158,9 +158,9 @@ function kvWithdrawalPage(string $step): string
 
 kvStartSession(true);
 if ($_SERVER['REQUEST_METHOD'] === 'POST') {
-    $kvPattern = kvCampo($_POST, 'gettone', 64);
-    if (isset($_SESSION['ricevute'][$kvPattern])) {
-        $_SESSION['ricevuta'] = $_SESSION['ricevute'][$kvPattern];
+    $kvFormToken = kvCampo($_POST, 'gettone', 64);
+    if (isset($_SESSION['ricevute'][$kvFormToken])) {
+        $_SESSION['ricevuta'] = $_SESSION['ricevute'][$kvFormToken];
         kvGoToWithdrawalStep('ricevuta');
     }
     if (!kvIsTokenValid()) {
@@ -174,7 +174,7 @@ if ($_SERVER['REQUEST_METHOD'] === 'POST') {
             kvChooseWithdrawal(kvChosenOrder());
             break;
         case 'conferma':
-            kvConfirmWithdrawal(kvChosenOrder(), $kvPattern);
+            kvConfirmWithdrawal(kvChosenOrder(), $kvFormToken);
     }
     kvGoToWithdrawalStep('');
 }

@@ -56,7 +56,7 @@ function kvShownPart(): string
     if (!isset($sp)) {
         return '';
     }
-    return '?n=' . (kvListChoices()['attiva'] ? 1 : (int) $sp) . ($HTTP_GET_VARS['prod'] > 0 ? '&prod=' . $HTTP_GET_VARS['prod'] : '');
+    return '?n=' . (kvListChoices()['active'] ? 1 : (int) $sp) . ($HTTP_GET_VARS['prod'] > 0 ? '&prod=' . $HTTP_GET_VARS['prod'] : '');
 }
 
 /**

@@ -48,8 +48,8 @@ function kvInitialCountry(): ?array
 <<1-paesi>>
 KORVANE_VALORI
         , true) as $entry) {
-        if ($entry['scelta'] && isset(KV_COUNTRY_CODES[$entry['nome']]) && (int) $entry['valore'] > 0) {
-            return [KV_COUNTRY_CODES[$entry['nome']], (int) $entry['valore']];
+        if ($entry['selected'] && isset(KV_COUNTRY_CODES[$entry['name']]) && (int) $entry['value'] > 0) {
+            return [KV_COUNTRY_CODES[$entry['name']], (int) $entry['value']];
         }
     }
     return null;
@@ -105,7 +105,7 @@ function kvFirstKeys(array $row): array
     $keys = ['', '', '', ''];
     for ($slot = 1; $slot <= 4; $slot++) {
         $variant = kvVariantNumber($row, $slot, (int) $GLOBALS['listino']);
-        $entries = $variant > 0 ? (kvVariantValues($variant)['voci'] ?? []) : [];
+        $entries = $variant > 0 ? (kvVariantValues($variant)['entries'] ?? []) : [];
         $keys[$slot - 1] = (string) (array_key_first($entries) ?? '');
     }
     return $keys;

@@ -11,8 +11,8 @@ const KV_BATCH = 1048576;
 const KV_WAIT = 15;
 
 /**
- * The opened file behind its head: file, parola (the word of its first line), fine (what ends a statement: the
- * separator and the file's line end), separatore. Null when there is none or it has no word.
+ * The opened file behind its head: file, word (that of its first line), end (what ends a statement: the
+ * separator and the file's line end), separator. Null when there is none or it has no word.
  */
 function kvOpenSql(string $name): ?array
 {
@@ -35,7 +35,7 @@ function kvOpenSql(string $name): ?array
         fclose($file);
         return null;
     }
-    return ['file' => $file, 'parola' => substr($word, 1), 'separatore' => $separator, 'fine' => $separator . $head];
+    return ['file' => $file, 'word' => substr($word, 1), 'separator' => $separator, 'end' => $separator . $head];
 }
 
 /** Whether the file ends with a whole statement, or holds none: a transfer that broke off is told before it does harm. */
@@ -47,7 +47,7 @@ function kvIsSqlWhole(array $sql): bool
     fseek($sql['file'], -$count, SEEK_END);
     $tail = rtrim($count > 0 ? (string) fread($sql['file'], $count) : '');
     fseek($sql['file'], $here);
-    return $tail === '' || substr($tail, -strlen($sql['separatore'])) === $sql['separatore'];
+    return $tail === '' || substr($tail, -strlen($sql['separator'])) === $sql['separator'];
 }
 
 /**
@@ -56,7 +56,7 @@ function kvIsSqlWhole(array $sql): bool
  */
 function kvSqlStatements(array $sql): Generator
 {
-    $end = $sql['fine'];
+    $end = $sql['end'];
     $text = '';
     $search = 0;
     do {
@@ -72,7 +72,7 @@ function kvSqlStatements(array $sql): Generator
     } while ($read !== '');
     $rest = rtrim($text);
     if ($rest !== '') {
-        yield ltrim(substr($rest, 0, -strlen($sql['separatore'])));
+        yield ltrim(substr($rest, 0, -strlen($sql['separator'])));
     }
 }
 

@@ -20,8 +20,8 @@ $kvFile = ['dbdel<<1-IDlingua>>.sql', 'db<<1-IDlingua>>.sql'];
 $kvDrops = kvOpenSql($kvFile[0]);
 $kvNew = kvOpenSql($kvFile[1]);
 $kvWord = isset($_POST['sec']) && is_string($_POST['sec']) ? $_POST['sec'] : '';
-if ($kvDrops === null || $kvNew === null || !hash_equals($kvNew['parola'], $kvWord)
-    || !hash_equals($kvDrops['parola'], $kvWord)) {
+if ($kvDrops === null || $kvNew === null || !hash_equals($kvNew['word'], $kvWord)
+    || !hash_equals($kvDrops['word'], $kvWord)) {
     die('accesso al database non autorizzato');
 }
 kvAllowDiagnosis();
