@@ -40,12 +40,12 @@ function kvRepeatOrder(array &$entries, string $code, int $cliente): string
         return "<<4-sessione_scaduta>>";
     }
     $positions = array_flip(array_map('kvLineMark', $entries));
-    foreach (kvOrderCartLines((string) $order['dati']) as $isNew) {
-        $slot = $positions[kvLineMark($isNew)] ?? null;
-        if ($slot === null) {
-            $entries[] = $isNew;
+    foreach (kvOrderCartLines((string) $order['dati']) as $added) {
+        $position = $positions[kvLineMark($added)] ?? null;
+        if ($position === null) {
+            $entries[] = $added;
         } else {
-            $entries[$slot]['q'] = min(99999, $entries[$slot]['q'] + $isNew['q']);
+            $entries[$position]['q'] = min(99999, $entries[$position]['q'] + $added['q']);
         }
     }
     return '';

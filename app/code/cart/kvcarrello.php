@@ -40,14 +40,14 @@ function kvAddToCart(array &$entries): string
     if ((int) $pieces < kvShopTables()['qminima']) {
         return "<<4-quantita_minima>>";
     }
-    $isNew = ['id' => (int) $id, 'q' => (int) $pieces, 'k' => kvChosenKeys($line, $position)];
+    $added = ['id' => (int) $id, 'q' => (int) $pieces, 'k' => kvChosenKeys($line, $position)];
     foreach ($entries as $n => $entry) {
-        if (kvLineMark($entry) === kvLineMark($isNew)) {
-            $entries[$n]['q'] = min(99999, $entry['q'] + $isNew['q']);
+        if (kvLineMark($entry) === kvLineMark($added)) {
+            $entries[$n]['q'] = min(99999, $entry['q'] + $added['q']);
             return '';
         }
     }
-    $entries[] = $isNew;
+    $entries[] = $added;
     return '';
 }
 
@@ -56,17 +56,17 @@ function kvChangeLines(array $entries): array
 {
     $pieces = is_array($_POST['q'] ?? null) ? $_POST['q'] : [];
     $remove = kvCampo($_POST, 'togli', 60);
-    $newOnes = [];
+    $changed = [];
     foreach ($entries as $entry) {
         $mark = kvLineMark($entry);
         // PHP makes other characters of some in a field's name, so the form has it with a dash.
         $given = kvCampo($pieces, strtr($mark, '.', '-'), 5);
         $entry['q'] = preg_match('/^\d{1,5}$/D', $given) ? (int) $given : $entry['q'];
         if ($mark !== $remove && $entry['q'] > 0) {
-            $newOnes[] = $entry;
+            $changed[] = $entry;
         }
     }
-    return $newOnes;
+    return $changed;
 }
 
 if ($_SERVER['REQUEST_METHOD'] !== 'POST') {

@@ -290,8 +290,8 @@ function kvPageGroups(string $group): array
         return $groups;
     }
     $rows = $resultArt instanceof KvRows ? $resultArt->rows : [];
-    $newOnes = array_values(array_filter(array_unique(array_merge([$group], array_map('kvGroupWord', $rows)))));
-    $groups += array_fill_keys($newOnes, []);
+    $wanted = array_values(array_filter(array_unique(array_merge([$group], array_map('kvGroupWord', $rows)))));
+    $groups += array_fill_keys($wanted, []);
     $table = kvLanguageTable('articoli');
     // Beside an article that is shown alone they are cards, with picture and price: those columns come along.
     $cards = is_array($GLOBALS['kvSolo'] ?? null);
@@ -302,7 +302,7 @@ function kvPageGroups(string $group): array
     $n = (string) ($listino ?: '');
     $columns = "$table.ID, $table.pagina, sottopagina, contatore, plain_titolo, correlazione"
         . ($cards ? ", catID, $table.pagina AS linkPage, immagine1, immagine2, immagine3, implistino$n, importo$n, offerte" : '');
-    foreach (kvGroupRows($columns, $table, $after, $newOnes) as $row) {
+    foreach (kvGroupRows($columns, $table, $after, $wanted) as $row) {
         $groups[kvGroupWord($row)][] = $row;
     }
     return $groups;

@@ -223,8 +223,8 @@ function kvFilterFields(array $choices): string
     }
     $offers = !$hidden && array_filter($rows, fn($row) => kvRowPrices($row)['ridotto']) !== [];
     $html .= $offers || $choices['offerte'] ? kvCheckBox('offerte', "<<4-solo_offerte>>", $choices['offerte']) : '';
-    $newOnes = array_filter(array_column($rows, 'novita')) !== [];
-    return $html . ($newOnes || $choices['novita'] ? kvCheckBox('novita', "<<4-solo_novita>>", $choices['novita']) : '');
+    $hasNews = array_filter(array_column($rows, 'novita')) !== [];
+    return $html . ($hasNews || $choices['novita'] ? kvCheckBox('novita', "<<4-solo_novita>>", $choices['novita']) : '');
 }
 
 /** The form above a list; nothing for a department of one article. What it found is told below it. */

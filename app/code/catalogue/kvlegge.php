@@ -132,11 +132,11 @@ function kvSafetyData(array $row): string
 {
     global $kvSolo;
     $choice = kvLegalRow('kv_sicurezza', (int) ($row['ID'] ?? 0));
-    $who = $choice === [] ? [] : kvLegalRow('kv_produttori', (int) $choice['produttore'], false);
+    $company = $choice === [] ? [] : kvLegalRow('kv_produttori', (int) $choice['produttore'], false);
     $entries = '';
     foreach ([["<<4-produttore>>", 'nome', 'indirizzo', 'contatto'],
-              ["<<4-responsabile_ue>>", 'responsabile', 'resp_indirizzo', 'resp_contatto']] as list($word, $name, $drops, $contact)) {
-        $rows = array_filter([kvHtml(trim($who[$name] ?? '')), kvHtml(trim($who[$drops] ?? '')), kvContactLink(trim($who[$contact] ?? ''))],
+              ["<<4-responsabile_ue>>", 'responsabile', 'resp_indirizzo', 'resp_contatto']] as list($word, $name, $street, $contact)) {
+        $rows = array_filter([kvHtml(trim($company[$name] ?? '')), kvHtml(trim($company[$street] ?? '')), kvContactLink(trim($company[$contact] ?? ''))],
             'strlen');
         $entries .= $rows === [] ? '' : '<dt>' . kvHtml($word) . '</dt><dd>' . implode('<br>', $rows) . '</dd>';
     }
@@ -153,18 +153,18 @@ function kvReadDeliveries(array $rows): void
     }
     $read = $kvLegalRows['kv_consegna'] ?? [];
     $keys = array_map('strval', array_merge(array_column($rows, 'ID'), array_column($rows, 'catID')));
-    $newOnes = array_filter(array_unique($keys), fn($key) => $key !== '' && !isset($read[$key]));
-    if ($newOnes === []) {
+    $unread = array_filter(array_unique($keys), fn($key) => $key !== '' && !isset($read[$key]));
+    if ($unread === []) {
         return;
     }
     kvSetCharset('latin1');
-    $list = implode("','", array_map(fn($key) => mysqli_real_escape_string(kvConnection(), $key), $newOnes));
+    $list = implode("','", array_map(fn($key) => mysqli_real_escape_string(kvConnection(), $key), $unread));
     $result = mysqli_query(kvConnection(), "SELECT * FROM kv_consegna WHERE ID IN ('$list')");
     if (!$result instanceof mysqli_result) {
         $kvLegalRows['kv_consegna'] = null;
         return;
     }
-    $kvLegalRows['kv_consegna'] = array_fill_keys($newOnes, []) + $read;
+    $kvLegalRows['kv_consegna'] = array_fill_keys($unread, []) + $read;
     foreach (mysqli_fetch_all($result, MYSQLI_ASSOC) as $row) {
         $kvLegalRows['kv_consegna'][$row['ID']] = $row;
     }

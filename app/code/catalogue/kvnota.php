@@ -19,7 +19,7 @@ function kvNotaPrezzo(): string
  */
 function kvDatiLegali(string $values): string
 {
-    list($seat, $piva, $register) = array_map('trim', kvLinee($values)) + ['', '', ''];
-    $entries = array_filter([$seat, $piva === '' ? '' : "<<4-legale_piva>> " . $piva, $register], fn($entry) => $entry !== '');
+    list($office, $piva, $register) = array_map('trim', kvLinee($values)) + ['', '', ''];
+    $entries = array_filter([$office, $piva === '' ? '' : "<<4-legale_piva>> " . $piva, $register], fn($entry) => $entry !== '');
     return $entries === [] ? '' : '<p class="legale">' . implode(' &middot; ', array_map('kvHtml', $entries)) . "</p>\n";
 }

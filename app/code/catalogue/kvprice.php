@@ -57,8 +57,8 @@ function kvPrices(array $row, int $listino, float $rate, float $factor, bool $is
     $suffix = $listino === 0 ? '' : (string) $listino;
     $full = kvTenThousandths($row['implistino' . $suffix] ?? 0);
     $asked = kvTenThousandths($row['importo' . $suffix] ?? 0);
-    $even = ((int) ($row['offerte'] ?? 0) >> $listino & 1) === 1;
-    $prices = ['listino' => kvWithVat($full, $rate, $isIncluded), 'offerta' => $asked !== $full || $even, 'sconto' => 0.0];
+    $atListPrice = ((int) ($row['offerte'] ?? 0) >> $listino & 1) === 1;
+    $prices = ['listino' => kvWithVat($full, $rate, $isIncluded), 'offerta' => $asked !== $full || $atListPrice, 'sconto' => 0.0];
     if ($prices['offerta']) {
         $prices['prezzo'] = kvWithVat($asked, $rate, $isIncluded);
         if ($prices['listino'] > $prices['prezzo'] && $prices['listino'] !== 0) {

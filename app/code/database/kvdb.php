@@ -64,15 +64,15 @@ function kvConnection(): mysqli
 KORVANE_VALORI
     );
     mysqli_report(MYSQLI_REPORT_OFF);
-    $isNew = mysqli_init();
+    $handle = mysqli_init();
     // The character set goes along with the greeting: a SET NAMES would be one more trip to the server.
-    mysqli_options($isNew, MYSQLI_SET_CHARSET_NAME, 'latin1');
+    mysqli_options($handle, MYSQLI_SET_CHARSET_NAME, 'latin1');
     list($host, $port, $socket) = kvDatabaseServer($access[0]);
-    if (!@mysqli_real_connect($isNew, $host, $access[1], $access[2], $access[3], $port, $socket)) {
+    if (!@mysqli_real_connect($handle, $host, $access[1], $access[2], $access[3], $port, $socket)) {
         error_log('Shop database: ' . mysqli_connect_error());
         kvOutOfService();
     }
-    $connection = $isNew;
+    $connection = $handle;
     return $connection;
 }
 
@@ -115,11 +115,11 @@ function kvRunBound(string $sql, array $values, ?array &$failure = null)
 }
 
 /** How many rows the last statement of kvQuery changed. With an argument it keeps that number. */
-function kvRigheToccate(?int $newOnes = null): int
+function kvRigheToccate(?int $count = null): int
 {
     static $rows = 0;
-    if ($newOnes !== null) {
-        $rows = $newOnes;
+    if ($count !== null) {
+        $rows = $count;
     }
     return $rows;
 }

@@ -11,8 +11,8 @@ function kvUpgradeTables(): void
         return;
     }
     $underWay = true;
-    $block = kvRiga("SELECT GET_LOCK(CONCAT(DATABASE(), '.kv_tabelle'), 60) AS mio");
-    if ((int) ($block['mio'] ?? 0) === 1) {
+    $lock = kvRiga("SELECT GET_LOCK(CONCAT(DATABASE(), '.kv_tabelle'), 60) AS mio");
+    if ((int) ($lock['mio'] ?? 0) === 1) {
         if (kvTablesToUtf8() && kvNewColumns() && kvStockPerArticle()) {
             kvStoreValue('tabelle', (string) KV_TABLES);
         }

@@ -44,9 +44,9 @@ function kvOrderCountry(): array
 KORVANE_VALORI
     );
     $name = preg_replace('/\s+/u', ' ', kvLineField($_POST, 'Paese'));
-    list($zone, $slot) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
+    list($zone, $index) = explode('-', kvCampo($_POST, 'LSStato', 8)) + [1 => ''];
     foreach ($countries as $n => $country) {
-        $chosen = $slot === '' ? kvUtf8($country['name']) === $name : $slot === (string) $n;
+        $chosen = $index === '' ? kvUtf8($country['name']) === $name : $index === (string) $n;
         if ($chosen && $country['value'] === $zone && (int) $zone >= 1 && (int) $zone <= 8) {
             return [kvUtf8($country['name']), (int) $zone];
         }

@@ -21,12 +21,12 @@ function kvColourText(array $rgb): string
 /** Relative luminance, 0 for black to 1 for white. */
 function kvLuminance(array $rgb): float
 {
-    $light = 0.0;
+    $luminance = 0.0;
     foreach ([0.2126, 0.7152, 0.0722] as $n => $part) {
         $value = $rgb[$n] / 255;
-        $light += $part * ($value <= 0.03928 ? $value / 12.92 : pow(($value + 0.055) / 1.055, 2.4));
+        $luminance += $part * ($value <= 0.03928 ? $value / 12.92 : pow(($value + 0.055) / 1.055, 2.4));
     }
-    return $light;
+    return $luminance;
 }
 
 /** The contrast of two luminances, 1 to 21. */
@@ -64,10 +64,10 @@ function kvReadable(array $colour, array $surfaces, float $contrast): array
     $end = kvWantsDark($surfaces[0]) ? [0, 0, 0] : [255, 255, 255];
     for ($step = 0; $step < 32; $step++) {
         $trial = $step === 0 ? $colour : kvMixColours($colour, $end, $step / 32);
-        $light = kvLuminance($trial);
+        $luminance = kvLuminance($trial);
         $isEnough = true;
         foreach ($lights as $other) {
-            $isEnough = $isEnough && kvLuminanceContrast($light, $other) >= $contrast;
+            $isEnough = $isEnough && kvLuminanceContrast($luminance, $other) >= $contrast;
         }
         if ($isEnough) {
             return $trial;

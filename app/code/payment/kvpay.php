@@ -65,7 +65,7 @@ function kvValutaServizio(): string
  * The address of a payment service that isn't part of its module's settings; empty while none is known. The merchant
  * may put a script kvservizi.php among the shop's pictures, which brings it here: it returns module => address.
  */
-function kvServizio(string $form): string
+function kvServizio(string $module): string
 {
     $own = is_file(__DIR__ . '/kvservizi.php') ? include __DIR__ . '/kvservizi.php' : [];
     $services = (is_array($own) ? $own : []) + [
@@ -79,7 +79,7 @@ function kvServizio(string $form): string
         'Planet Payment' => '',
         'Shopla' => '',
     ];
-    return (string) ($services[$form] ?? '');
+    return (string) ($services[$module] ?? '');
 }
 
 /** Whether an address may be sent to: an encrypted one, or one of this very machine, for trying out. */

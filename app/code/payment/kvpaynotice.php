@@ -82,12 +82,12 @@ function kvStateAfterPayment(array $order, string $reference, bool $isPaid): ?st
  * Notes the outcome of a payment with the order; false when it was refused. `transaction` is the service's own name of
  * the payment, by which a notice that comes twice is known.
  */
-function kvRegistraPagamento(string $code, string $form, string $transaction, bool $isPaid): bool
+function kvRegistraPagamento(string $code, string $module, string $transaction, bool $isPaid): bool
 {
     if (!preg_match('/^[\x21-\x7e]{1,100}$/D', $transaction)) {
         return false;
     }
-    $reference = $form . ' ' . $transaction;
+    $reference = $module . ' ' . $transaction;
     mysqli_begin_transaction(kvConnection());
     $order = kvRiga('SELECT id, stato, pagamento FROM kv_ordini WHERE codice = ? FOR UPDATE', [$code]);
     $after = $order === null ? null : kvStateAfterPayment($order, $reference, $isPaid);
@@ -113,7 +113,7 @@ function kvImportoDiverso(array $order): int
  * order with the key in the field firma; and notes it. Result: the status of the answer. 403: not from the service, or
  * for another shop. 404: no such order. 409: another amount or currency, or against what was said before.
  */
-function kvAccettaEsito(array $given, string $form, array $account): int
+function kvAccettaEsito(array $given, string $module, array $account): int
 {
     $fields = [];
     foreach (['negozio', 'ordine', 'importo', 'valuta', 'transazione', 'esito'] as $name) {
@@ -133,12 +133,12 @@ function kvAccettaEsito(array $given, string $form, array $account): int
     if (!in_array($fields['esito'], ['OK', 'KO'], true)) {
         return 409;
     }
-    $known = kvRegistraPagamento((string) $order['codice'], $form, $fields['transazione'], $fields['esito'] === 'OK');
+    $known = kvRegistraPagamento((string) $order['codice'], $module, $fields['transazione'], $fields['esito'] === 'OK');
     return $known ? 200 : 409;
 }
 
 /** Takes the notice that a service sends to the shop's server. `account`: negozio, valuta, chiave. Never returns. */
-function kvNotifica(string $form, array $account): void
+function kvNotifica(string $module, array $account): void
 {
-    kvRispondi($_SERVER['REQUEST_METHOD'] === 'POST' ? kvAccettaEsito($_POST, $form, $account) : 405);
+    kvRispondi($_SERVER['REQUEST_METHOD'] === 'POST' ? kvAccettaEsito($_POST, $module, $account) : 405);
 }

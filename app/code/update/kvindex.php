@@ -214,14 +214,14 @@ function kvRebuildIndex(KvLoad $load, array $tables): string
 function kvUpdateIndex(KvLoad $load): string
 {
     $articles = 'articoli' . $load->language;
-    $isNew = fn(string $table): string => (in_array($table, $load->made, true) ? KV_NEW : '') . $table;
+    $filled = fn(string $table): string => (in_array($table, $load->made, true) ? KV_NEW : '') . $table;
     if (!in_array($articles, $load->made, true)) {
         return $load->articles === [] ? '' : kvIndexChanged($load);
     }
     if (!in_array('dettaglio', $load->made, true) && !kvTableExists('dettaglio')) {
         return '';
     }
-    $tables = [$isNew($articles), $isNew('dettaglio')];
+    $tables = [$filled($articles), $filled('dettaglio')];
     $differing = kvDifferingArticles($tables, $load->language);
     return $differing === null ? kvRebuildIndex($load, $tables) : kvRereadArticles($differing, $tables, $load->language);
 }

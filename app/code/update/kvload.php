@@ -168,8 +168,8 @@ function kvLoadAll(array $drops, array $new, string $language): string
     }
     kvRequireTables();
     kvSetCharset('latin1');
-    $block = mysqli_fetch_row(mysqli_query(kvConnection(), "SELECT GET_LOCK(CONCAT(DATABASE(), '.updatedb'), 5)"));
-    if ((int) ($block[0] ?? 0) !== 1) {
+    $lock = mysqli_fetch_row(mysqli_query(kvConnection(), "SELECT GET_LOCK(CONCAT(DATABASE(), '.updatedb'), 5)"));
+    if ((int) ($lock[0] ?? 0) !== 1) {
         return 'Un altro aggiornamento del database è in corso.';
     }
     // The rows come checked from the build; what they must meet here is the width of the columns.
