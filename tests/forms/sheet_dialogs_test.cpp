@@ -137,6 +137,49 @@ TEST_F(TheSheetGuide, EachSignOfTheReadingCanBeChangedAndTheFirstRowsFollow) {
   EXPECT_EQ(set("cboFineRiga", 0), found);
 }
 
+TEST_F(TheSheetGuide, UnticksWithARowThoseThatCannotBeWithoutIt) {
+  ASSERT_TRUE(writeBytes(sheet, "Percorso\nLegni\nLegni > Ciotole\n"));
+  frmImportaFoglio dialog(*guide, user, {});
+  show(dialog);
+  dialog.openFile(sheet);
+  auto* table = control<QComboBox>(dialog, "cboTabella");
+  table->setCurrentIndex(1);
+  emit table->activated(1);
+  click(dialog, "cmdOK");
+  click(dialog, "cmdOK");
+  QAbstractItemModel* const plan = control<QTableView>(dialog, "grdPiano")->model();
+  int first = -1, last = -1;
+  QObject::connect(plan, &QAbstractItemModel::dataChanged, &dialog,
+                   [&](const QModelIndex& from, const QModelIndex& to) {
+                     first = from.row();
+                     last = to.row();
+                   });
+  plan->setData(plan->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
+  EXPECT_EQ(plan->index(1, 0).data(Qt::CheckStateRole), Qt::Unchecked);
+  EXPECT_TRUE(first == 0 && last == 1) << "the list paints both";
+  EXPECT_FALSE(control<QAbstractButton>(dialog, "cmdOK")->isEnabled());
+}
+
+TEST_F(TheSheetGuide, ListsTheArticlesThatGoOutOfTheCatalogueEachWithItsBox) {
+  frmImportaFoglio dialog(*guide, user, {});
+  ASSERT_TRUE(writeBytes(sheet, "Codice;Titolo\nA-9;Brocca\n"));
+  show(dialog);
+  dialog.openFile(sheet);
+  click(dialog, "cmdOK");
+  click(dialog, "chkFuori");
+  click(dialog, "cmdOK");
+  control<QComboBox>(dialog, "cboFiltro")->setCurrentIndex(5);
+  auto* plan = control<QTableView>(dialog, "grdPiano");
+  EXPECT_EQ(planText(*plan), "-|fuori catalogo|A-1  Tazza|il foglio non lo elenca\n");
+  auto* values = control<QTableWidget>(dialog, "grdValori");
+  ASSERT_EQ(values->rowCount(), 1);
+  EXPECT_EQ(textAt(*values, 0, 0) + " " + textAt(*values, 0, 1) + ">" + textAt(*values, 0, 2), "Fuori catalogo no>sì");
+  test::keepPicture(dialog, "foglio_fuori_catalogo");
+  plan->model()->setData(plan->model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
+  EXPECT_EQ(fromQt(control<QLabel>(dialog, "lblSomme")->text()),
+            "Articoli: 1 nuovi, 0 modificati, 0 invariati, 0 tralasciati");
+}
+
 TEST_F(TheSheetGuide, SaysWhichColumnIsMissing) {
   ASSERT_TRUE(writeBytes(sheet, "Nome;Prezzo\nTazza;1\n"));
   frmImportaFoglio dialog(*guide, user, {});

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "accounting_shop.h"
+#include "import/tables/shown_plan.h"
 #include "import/tables/table_export.h"
 #include "import/tables/table_import.h"
 #include "store/catalogue/undo_history.h"

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "platform/database/database.h"
+#include "platform/database/rows.h"
 #include "platform/files/files.h"
 #include "shell/cli/cli_program.h"
 #include "support/temp_folder.h"
@@ -33,6 +34,19 @@ class TablesOnTheCommandLine : public ::testing::Test {
     err.str("");
     arguments.insert(arguments.end(), {"--app", application});
     return runCommandLine(arguments, {out, err, {}, ""});
+  }
+  bool inCatalogue(const std::string& sql) const {
+    auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
+    return catalogue && catalogue->execute(sql);
+  }
+  /// The first field of each row of a selection, a line for each.
+  std::string rowsOf(const std::string& sql) const {
+    auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
+    std::string text;
+    const bool isRead = catalogue && forEachRow(*catalogue, sql,
+                                                [&](const Statement& row) { text += std::string(row.text(0)) + "\n"; });
+    EXPECT_TRUE(isRead) << sql;
+    return text;
   }
   std::string priceOfFirst() const {
     auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
@@ -64,6 +78,17 @@ TEST_F(TablesOnTheCommandLine, TellsWhatWouldChangeAndChangesNothingInADryRun) {
             "Prezzo: 1 importo cambia, in tutto da 1,50 a 2,75\n"
             "riga 2\tmodificato\tprimo\n\tPrezzo: \"1,50\" -> \"2,75\"\n");
   EXPECT_EQ(priceOfFirst(), "1.5");
+}
+
+TEST_F(TablesOnTheCommandLine, TellsInADryRunWhichArticlesWouldGoOutOfTheCatalogue) {
+  ASSERT_TRUE(writeBytes(sheet, "Codice;Prezzo\nprimo;1,5\n"));
+  ASSERT_TRUE(inCatalogue("UPDATE articoli SET titolo = 'Vaso' || ID"));
+  ASSERT_EQ(run({"import-table", shop, sheet, "--mode", "sync", "--dry-run"}), CliOutcome::Done) << err.str();
+  const std::string others = rowsOf(
+      "SELECT 'fuori catalogo' || char(9) || codice || '  ' || titolo FROM articoli "
+      "WHERE codice <> 'primo' AND NOT COALESCE(fuoricatalogo, 0) ORDER BY ID");
+  EXPECT_FALSE(others.empty());
+  EXPECT_TRUE(out.str().ends_with(" fuori catalogo\n" + others)) << out.str();
 }
 
 TEST_F(TablesOnTheCommandLine, ExportsASheetThatChangesNothingWhenItIsImported) {

@@ -64,11 +64,17 @@ std::string plainPath(std::string_view path) {
   }
 }
 
+bool isBelow(std::string_view plainPath, std::string_view above) {
+  return plainPath.starts_with(above) && plainPath.substr(above.size()).starts_with(pathSign);
+}
+
 SplitPath splitPath(std::string_view path) {
   const std::size_t last = path.rfind('>');
   if (last == std::string_view::npos) return {"", std::string(trim(path))};
   return {std::string(trim(path.substr(0, last))), std::string(trim(path.substr(last + 1)))};
 }
+
+std::string missingDepartment(std::string_view path) { return "Il reparto \"" + std::string(path) + "\" non esiste"; }
 
 Result<CatalogueNames> CatalogueNames::read(Database& catalogue) {
   const auto named = readNamed(catalogue);

@@ -50,10 +50,15 @@ class CatalogueNames {
 
 /// A path as it is compared: one space on both sides of each ">", none at its ends, in lower case.
 std::string plainPath(std::string_view path);
+/// Whether a department is below another one, both by their plain paths.
+bool isBelow(std::string_view plainPath, std::string_view above);
 /// The path without its last title, and that title; an empty parent at the top level.
 struct SplitPath {
   std::string parent, title;
 };
 SplitPath splitPath(std::string_view path);
+
+/// "Il reparto "..." non esiste".
+std::string missingDepartment(std::string_view path);
 
 }  // namespace kv

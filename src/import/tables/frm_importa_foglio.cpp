@@ -158,7 +158,8 @@ QWidget* frmImportaFoglio::makePlanPage() {
   column->addWidget(lblSomme_);
   auto* form = new QFormLayout();
   cboFiltro_ = named(new QComboBox(), "cboFiltro");
-  cboFiltro_->addItems({toQt("Tutte"), toQt("Nuove"), toQt("Modificate"), toQt("Invariate"), toQt("Tralasciate")});
+  cboFiltro_->addItems({toQt("Tutte"), toQt("Nuove"), toQt("Modificate"), toQt("Invariate"), toQt("Tralasciate"),
+                        toQt("Fuori catalogo")});
   connect(cboFiltro_, &QComboBox::currentIndexChanged, this, &frmImportaFoglio::showRows);
   form->addRow(labelFor("&Righe:", cboFiltro_), cboFiltro_);
   column->addLayout(form);

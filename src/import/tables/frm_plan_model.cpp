@@ -40,7 +40,8 @@ QVariant PlanModel::data(const QModelIndex& index, int role) const {
 bool PlanModel::setData(const QModelIndex& index, const QVariant& value, int role) {
   if (role != Qt::CheckStateRole || !index.isValid()) return false;
   guide_.choose(planRow(index.row()), value.toInt() == Qt::Checked);
-  emit dataChanged(index, index);
+  // Rows that depend on this one may have changed with it.
+  emit dataChanged(this->index(0, Line), this->index(rowCount() - 1, Line));
   emit chosen();
   return true;
 }

@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t rowsWithExample = 50;  // looked at for a number
 constexpr std::size_t mostShown = 200;       // characters of a cell
 constexpr std::size_t longestNumber = 30;
+constexpr std::string_view outWord = "fuori catalogo";  // the fate of an article that the sheet doesn't list
 
 /// Whether a text is of digits with at least one sign that numbers have inside.
 bool isSignedNumberText(std::string_view text) {
@@ -129,10 +130,21 @@ std::vector<std::size_t> TableGuide::rowsOf(RowFilter filter) const {
                                                          static_cast<int>(filter) - static_cast<int>(RowFilter::New);
     if (isShown) rows.push_back(i);
   }
+  for (std::size_t i = 0; i < plan_->unlisted.size(); ++i) {
+    if (filter == RowFilter::All || filter == RowFilter::Unlisted) rows.push_back(plan_->rows.size() + i);
+  }
   return rows;
 }
 
+const UnlistedArticle* TableGuide::unlistedAt(std::size_t index) const {
+  return index < plan_->rows.size() ? nullptr : &plan_->unlisted[index - plan_->rows.size()];
+}
+
 GuideRow TableGuide::row(std::size_t index) const {
+  if (const UnlistedArticle* const article = unlistedAt(index)) {
+    const auto label = unlistedLabel(session_.catalogue, *article);
+    return {"-", std::string(outWord), label.value_or(""), "il foglio non lo elenca", true, article->isChosen};
+  }
   const PlannedRow& row = plan_->rows[index];
   const bool canChoose = row.fate == RowFate::New || row.fate == RowFate::Changed;
   return {std::to_string(open_->sheet.cells.line(row.row)),
@@ -144,10 +156,15 @@ GuideRow TableGuide::row(std::size_t index) const {
 }
 
 void TableGuide::choose(std::size_t index, bool isChosen) {
-  if (row(index).canChoose) plan_->rows[index].isChosen = isChosen;
+  if (unlistedAt(index) != nullptr) {
+    plan_->unlisted[index - plan_->rows.size()].isChosen = isChosen;
+  } else if (row(index).canChoose) {
+    plan_->choose(open_->sheet, index, isChosen);
+  }
 }
 
 std::vector<ShownChange> TableGuide::changes(std::size_t index) const {
+  if (unlistedAt(index) != nullptr) return {{"Fuori catalogo", "no", "sì"}};
   auto changes = shownChanges(session_.catalogue, *plan_, open_->sheet, plan_->rows[index]);
   return changes ? std::move(*changes) : std::vector<ShownChange>();
 }

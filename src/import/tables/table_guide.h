@@ -6,16 +6,25 @@
 #include <string>
 #include <vector>
 
+#include "import/tables/shown_plan.h"
 #include "import/tables/table_import.h"
 
 namespace kv {
 
 /// Which rows the last page lists.
-enum class RowFilter { All, New, Changed, Same, LeftOut };
+enum class RowFilter {
+  All,
+  New,
+  Changed,
+  Same,
+  LeftOut,
+  Unlisted  ///< articles of the catalogue that go "fuori catalogo"
+};
 
-/// A row of the last page.
+/// A row of the last page: one of the sheet, or an article that the sheet doesn't list.
 struct GuideRow {
-  std::string line, fate, label, reason;
+  std::string line;  ///< of the sheet; "-" for an article that isn't in it
+  std::string fate, label, reason;
   bool canChoose = false;  ///< whether it has a box
   bool isChosen = false;
 };
@@ -56,10 +65,10 @@ class TableGuide {
   /// Makes the plan; an empty text, or why there is none.
   std::string makePlan(const TableStep& step = {});
   TablePlan& plan() { return *plan_; }
-  /// Indexes of the rows of the plan that a filter shows.
+  /// Indexes of the rows that a filter shows: those of the plan, and after them the articles that aren't listed.
   std::vector<std::size_t> rowsOf(RowFilter filter) const;
   GuideRow row(std::size_t index) const;
-  /// Ticks a row, or unticks it; nothing for one that would not be written.
+  /// Ticks a row, or unticks it, with those that depend on it; nothing for one that would not be written.
   void choose(std::size_t index, bool isChosen);
   std::vector<ShownChange> changes(std::size_t index) const;
   /// Counts of the rows, and below them the amounts that change.
@@ -70,6 +79,8 @@ class TableGuide {
  private:
   /// What the signs make of a number of the first rows: ""1.234,50" vale 1234,50"; empty when none has a sign.
   std::string numberNote() const;
+  /// The article of a row that isn't one of the sheet; null for one of the sheet.
+  const UnlistedArticle* unlistedAt(std::size_t index) const;
 
   Session& session_;
   const Settings& settings_;

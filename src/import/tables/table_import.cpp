@@ -2,6 +2,7 @@
 
 #include "import/tables/cell_reading.h"
 #include "import/tables/export_shapes.h"
+#include "import/tables/shown_plan.h"
 #include "platform/files/files.h"
 
 namespace kv {
@@ -137,6 +138,11 @@ Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, co
     for (const ShownChange& change : *changes) {
       text += "\t" + change.column + ": \"" + change.before + "\" -> \"" + change.after + "\"\n";
     }
+  }
+  for (const UnlistedArticle& article : plan.unlisted) {
+    const auto label = unlistedLabel(session.catalogue, article);
+    if (!label) return fail(label.error());
+    if (article.isChosen) text += "fuori catalogo\t" + *label + "\n";
   }
   return text;
 }

@@ -41,7 +41,7 @@ std::string sumsText(const TablePlan& plan);
 /// sum before and after; empty where none does.
 std::string amountsText(const TablePlan& plan);
 /// The whole preview as text: how the file was read, the columns, the counts, and each row that is new, changed or left
-/// out, with its values.
+/// out, with its values, and each article that goes "fuori catalogo".
 Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, const TablePlan& plan);
 
 }  // namespace kv

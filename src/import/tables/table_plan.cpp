@@ -84,7 +84,7 @@ class TablePlanner {
       if (const auto found = byKey_.find(key); found != byKey_.end()) {
         settle(plan_.rows[found->second], *rows);
       } else if (request_.unlistedOut && !rows->flag(1)) {
-        plan_.unlisted.push_back(rows->integer(0));
+        plan_.unlisted.push_back({rows->integer(0)});
       }
     }
     return {};
@@ -199,7 +199,7 @@ class TablePlanner {
     if (characterCount(split.title) > title.size) return "Titolo: più di " + std::to_string(title.size) + " caratteri";
     const bool isKnown = split.parent.empty() || !plan_.names.department(split.parent).ID.empty() ||
                          newPaths_.contains(plainPath(split.parent));
-    if (!isKnown) return "Il reparto \"" + split.parent + "\" non esiste";
+    if (!isKnown) return missingDepartment(split.parent);
     newPaths_.insert(plainPath(path));
     return {};
   }
@@ -217,9 +217,6 @@ class TablePlanner {
   std::vector<PlannedAmount> amounts_;                  // of the row that is being planned
 };
 
-// Characters that a preview shows; a quote that is never closed makes one cell of the rest of a file.
-constexpr std::size_t mostOfLabel = 80, mostOfValue = 2000;
-
 std::string keyNames(const SheetTable& table) {
   std::string names;
   for (const TableKey& key : table.keys) names += (names.empty() ? "" : ", ") + key.caption;
@@ -236,7 +233,7 @@ TableSums TablePlan::sums() const {
     if (row.fate == RowFate::New && row.isChosen) ++sums.added;
     if (row.fate == RowFate::Changed && row.isChosen) ++sums.changed;
   }
-  sums.unlisted = unlisted.size();
+  sums.unlisted = static_cast<std::size_t>(std::ranges::count(unlisted, true, &UnlistedArticle::isChosen));
   return sums;
 }
 
@@ -253,6 +250,22 @@ std::vector<AmountSums> TablePlan::amountSums() const {
     addTo(found->after, amount.after);
   }
   return sums;
+}
+
+void TablePlan::choose(const ReadSheet& sheet, std::size_t row, bool isChosen) {
+  rows[row].isChosen = isChosen;
+  const auto index = table.columnIndex("percorso");
+  const auto mapped = index ? std::ranges::find(columns, *index, &MappedColumn::column) : columns.end();
+  if (mapped == columns.end() || rows[row].fate != RowFate::New) return;
+  const auto pathOf = [&](const PlannedRow& each) {
+    return plainPath(sheet.cells.cell(each.row, mapped->source).text);
+  };
+  const std::string path = pathOf(rows[row]);
+  for (PlannedRow& other : rows) {
+    if (other.fate != RowFate::New || other.isChosen == isChosen) continue;
+    const std::string otherPath = pathOf(other);
+    if (isChosen ? isBelow(path, otherPath) : isBelow(otherPath, path)) other.isChosen = isChosen;
+  }
 }
 
 CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
@@ -292,46 +305,6 @@ Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadShe
   plan.table = std::move(table);
   if (auto run = TablePlanner(catalogue, plan, sheet, request).run(used, step); !run) return fail(run.error());
   return plan;
-}
-
-Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePlan& plan, const ReadSheet& sheet,
-                                              const PlannedRow& row) {
-  const CellReader reader(plan.signs, plan.names);
-  std::vector<ShownChange> changes;
-  std::string sql = "SELECT 0";
-  for (const std::uint16_t index : row.changed) {
-    const MappedColumn& mapped = plan.columns[index];
-    const TableColumn& column = plan.table.columns[mapped.column];
-    sql += ", " + column.stored;
-    const std::string after = reader.plain(column, sheet.cells.cell(row.row, mapped.source));
-    changes.push_back({column.italian, "", beginningOf(after, mostOfValue)});
-  }
-  if (row.key == 0 || changes.empty()) return changes;
-  auto found = catalogue.prepare(sql + " FROM " + plan.table.from + " WHERE " + plan.table.rowKey + " = ?1");
-  if (!found) return fail(found.error());
-  found->bind(1, row.key);
-  const auto step = found->step();
-  if (!step) return fail(step.error());
-  for (std::size_t i = 0; *step && i < changes.size(); ++i) {
-    const TableColumn& column = plan.table.columns[plan.columns[row.changed[i]].column];
-    const std::string before = reader.shown(column, *found, static_cast<int>(i) + 1);
-    changes[i].before = beginningOf(reader.plain(column, {before, isNumberField(column.field)}), mostOfValue);
-  }
-  return changes;
-}
-
-std::string rowLabel(const TablePlan& plan, const ReadSheet& sheet, const PlannedRow& row) {
-  std::string label;
-  for (const std::string_view name :
-       {"codice", "percorso", "titolo", "variante", "nome", "testo", "paese", "zona", "ID"}) {
-    const auto index = plan.table.columnIndex(name);
-    if (!index || (name == "ID" && !label.empty())) continue;
-    const auto mapped = std::ranges::find(plan.columns, *index, &MappedColumn::column);
-    if (mapped == plan.columns.end()) continue;
-    const std::string_view text = sheet.cells.cell(row.row, mapped->source).text;
-    if (!text.empty()) label += (label.empty() ? "" : "  ") + beginningOf(text, mostOfLabel);
-  }
-  return label;
 }
 
 }  // namespace kv

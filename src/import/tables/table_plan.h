@@ -49,6 +49,12 @@ struct PlannedRow {
   bool isChosen = true;                ///< false: the merchant leaves it out
 };
 
+/// An article that the sheet doesn't list, and that goes "fuori catalogo".
+struct UnlistedArticle {
+  std::int64_t key = 0;  ///< row key in the catalogue
+  bool isChosen = true;  ///< false: the merchant leaves it as it is
+};
+
 /// How many rows there are of each fate.
 struct TableSums {
   std::size_t added = 0, changed = 0, same = 0, refused = 0, unlisted = 0;
@@ -70,16 +76,19 @@ struct AmountSums {
 struct TablePlan {
   SheetTable table;
   std::vector<MappedColumn> columns;
-  std::vector<PlannedRow> rows;        ///< in the order of the sheet
-  std::vector<std::int64_t> unlisted;  ///< row keys of articles that go "fuori catalogo"
+  std::vector<PlannedRow> rows;  ///< in the order of the sheet
+  std::vector<UnlistedArticle> unlisted;
   CatalogueNames names;
   CsvReading signs;                    ///< of numbers that are texts
   std::vector<PlannedAmount> amounts;  ///< of rows that are new or changed
 
-  /// Counts of all rows; those that aren't chosen don't count as added or changed.
+  /// Counts of all rows; those that aren't chosen count neither as added or changed nor as unlisted.
   TableSums sums() const;
   /// The amounts that chosen rows would change, by column; none for a column where none does.
   std::vector<AmountSums> amountSums() const;
+  /// Ticks a row that would be written, or unticks it. A new department needs the new ones above it: these are ticked
+  /// with it, and those below it unticked with it.
+  void choose(const ReadSheet& sheet, std::size_t row, bool isChosen);
 };
 
 /// Asked now and then; false ends the work as Cancelled.
@@ -93,17 +102,5 @@ CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const Column
 /// failures of the catalogue as Database::prepare.
 Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadSheet& sheet, const TableRequest& request,
                             const TableStep& step = {});
-
-/// A value as the preview shows it.
-struct ShownChange {
-  std::string column;         ///< its Italian header
-  std::string before, after;  ///< as the merchant writes them, so that a number shows how it was read;
-                              ///< at most 2,000 characters
-};
-/// The values of a row that would be written; of a new row all that the sheet gives, `before` empty.
-Result<std::vector<ShownChange>> shownChanges(Database& catalogue, const TablePlan& plan, const ReadSheet& sheet,
-                                              const PlannedRow& row);
-/// How the preview calls a row: its code and title, or the first of its texts.
-std::string rowLabel(const TablePlan& plan, const ReadSheet& sheet, const PlannedRow& row);
 
 }  // namespace kv

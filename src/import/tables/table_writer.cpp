@@ -187,9 +187,9 @@ Result<> TableWriter::insertDepartment(const PlannedRow& row, Fields fields) {
   const auto mapped = std::ranges::find(work_.plan.columns, index, &MappedColumn::column);
   const std::string path(work_.sheet.cells.cell(row.row, mapped->source).text);
   const SplitPath split = splitPath(path);
-  const std::string known = split.parent.empty() ? std::string() : work_.plan.names.department(split.parent).ID;
-  // Below a department that was ticked off nobody would see it.
-  const std::string parent = known.empty() ? std::string(treeRoot) : known;
+  const std::string parent =
+      split.parent.empty() ? std::string(treeRoot) : work_.plan.names.department(split.parent).ID;
+  if (parent.empty()) return fail(ErrorKind::Missing, "categorie", missingDepartment(split.parent));
   const auto level = ask("SELECT livello FROM categorie WHERE ID = ?1", parent);
   const auto last = ask("SELECT MAX(ordinamento) FROM categorie WHERE COALESCE(genitore, '###') = ?1", parent);
   const auto next = work_.catalogue.scalar("SELECT seq FROM sqlite_sequence WHERE name = 'categorie'");
@@ -233,7 +233,8 @@ Result<> TableWriter::write(const PlannedRow& row) {
 
 Result<> TableWriter::finish() {
   if (auto written = writeWaiting(); !written) return written;
-  for (const std::int64_t ID : work_.plan.unlisted) {
+  for (const auto& [ID, isChosen] : work_.plan.unlisted) {
+    if (!isChosen) continue;
     if (auto done = run("UPDATE articoli SET fuoricatalogo = 1 WHERE ID = ?1", {}, ID); !done) return done;
   }
   return {};

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "import/tables/export_shapes.h"
+#include "import/tables/shown_plan.h"
 #include "import/tables/table_export.h"
 #include "import/tables/table_import.h"
 #include "platform/files/files.h"
