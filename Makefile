@@ -91,7 +91,7 @@ soak: build
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_import --gtest_filter='TablesOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_import --gtest_filter='TablesOfChance*:ImportsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_shell --gtest_filter='SheetOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
