@@ -85,7 +85,7 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
 	@KORVANE_TEST_MOMENTS=100000 build/dev/tests/test_builder --gtest_filter='*FailingBuild*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_commerce --gtest_brief=1 \
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
