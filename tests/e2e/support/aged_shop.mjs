@@ -11,20 +11,34 @@ const laterColumns = {
 /** Lines of earlier releases, by the scripts they were in. None of them is reached: they only have to parse. */
 const formerLines = {
   "lognew.php": ['?><input type="password" name="pw" maxlength="12"><?php', '$home = "index.php";'],
-  "funcs.php": ["$Out = implode ('', file ($name));", 'if(!isset($Lingua)){ $Lingua = ""; }'],
-  "output.php": ["$Out = implode ('', file ($name));"],
-  "kvsearch.php": ["$Out = implode ('', file ($name));"],
+  "funcs.php": ["$Out = implode ('', file ($name));", 'if(!isset($Lingua)){ $Lingua = ""; }',
+    "if ($cliente == 0 && $regpr) {", "}", "global $subtitleincart;"],
+  "output.php": ["$Out = implode ('', file ($name));", "$testo = urldecode($testo);"],
+  "kvsearch.php": ["$Out = implode ('', file ($name));", ...["pagina", "linkPage"].map((column) =>
+    `$fpagina[$artFound]=$rowArt["${column}"].".php?n=".$rowArt["sottopagina"]."#".$rowArt["contatore"];`)],
   "logcheck.php": ['?><input type="password" name="pw" maxlength="12"><?php'],
   "kvorder.php": ['$alldisp = "";', `$email = Array("name"=>"<<4-ordine_email>>","required"=>"1","maxlength"=>"",`
     + `"minlength"=>"","maxvalue"=>"","minvalue"=>"","regexp"=>'^([a-zA-Z0-9_\\-\\.]+)@((\\[[0-9]{1,3}\\.[0-9]{1,3}\\.`
     + `[0-9]{1,3}\\.)|(([a-zA-Z0-9\\-]+\\.)+))([a-zA-Z]{2,4}|[0-9]{1,3})(\\]?)$');`],
   "js2.js": ['DettagliOrd=DettagliOrd+"Articolo: " + theitem + "   ";',
     'RiepilogoCliente=RiepilogoCliente+"<<4-carrello_articolo>>: " + theitem + "   ";',
-    "if (document.Ordine.Maggiorenne.checked == false && obbl_magg == 1) { return; }"],
+    "if (document.Ordine.Maggiorenne.checked == false && obbl_magg == 1) { return; }",
+    `document.writeln('<tr BGCOLOR="'+sfondocarrello+'"><td colspan=4><FONT COLOR="<<1-colore0>>" `
+    + `FACE="Arial,Helvetica" SIZE=-1>' + "<<4-carrello_iva_spedizione>>" + '</FONT></td><td align=right nowrap>`
+    + `<INPUT type="text" name="TXivaspese" SIZE="'+lungtesto+'" value="'+valuta+testocasella+'" `
+    + `onFocus="document.Ordine.TXspese.blur()" class="txtplain"></td></tr>');`,
+    "document.Ordine.Riepilogo.value=RiepilogoCliente;"],
 };
 /** What of these lines is in no script once they have been changed. */
-export const formerTexts = ['maxlength="12"', "implode('',file(", '$home="index.php"', '$Lingua="";', '"Articolo:"+theitem',
-  "_\\-\\.]+)@", "checked==false&&obbl_magg"];
+const formerTexts = ['maxlength="12"', "implode('',file(", '$home="index.php"', '$Lingua="";', '"Articolo:"+theitem',
+  "_\\-\\.]+)@", "checked==false&&obbl_magg", "Ordine.TXspese.blur()"];
+/** What is in no script of a shop whose visitors may not see or do everything, and still is in those of any other. */
+const limitedTexts = ["$cliente==0&&$regpr", '["sottopagina"]."#".$rowArt["contatore"]'];
+/** What has been put in beside a line that stays: in every shop, and in a limited one. */
+const addedTexts = { "kvorder.php": 'die("Ordinenonvalido")' };
+const limitedAdditions = {
+  "funcs.php": "if($cliente>0&&$listino==0&&$regobbl)", "output.php": 'if($testo==".37."){$testo=', "js2.js": "totiva==0",
+};
 const [opening, closing] = ["/* former */", "/* end of former */"];
 const stamps = ["1.0.3", "1.0.4", "1.0.6", "1.0.8", "1.0.10", "", null];
 /** Texts without the characters that scripts may have between their words. */
@@ -67,11 +81,12 @@ export function withoutFormer(text) {
 }
 
 /** What chance makes of a shop: statements that age its catalogue, those that give another shop what it will have. */
-function agedColumns(chance) {
-  const aging = [`UPDATE generale SET versione = ${1000 + chance(100)}`];
-  const values = [];
+function agedColumns(chance, limited) {
+  const limits = "UPDATE generale SET regprices = 1, singleitem_search = 1";
+  const aging = [`UPDATE generale SET versione = ${1000 + chance(100)}`, ...(limited ? [limits] : [])];
+  const values = limited ? [limits] : [];
   for (const [column, value] of Object.entries(laterColumns)) {
-    if (chance(2) === 0) {
+    if (chance(2) === 0 || (limited && limits.includes(column))) {
       continue;
     }
     aging.push(`ALTER TABLE generale DROP COLUMN ${column}`);
@@ -101,15 +116,27 @@ function ageFiles({ shop, application, seed }, chance) {
 }
 
 /**
- * Ages a shop; application: the folder with the scripts as they are shipped; execute: runs statements in the catalogue.
- * The result: statements that give a shop never aged equal values, and what was done.
+ * Ages a shop; application: the folder with the scripts as they are shipped; execute: runs statements in the catalogue;
+ * limited: visitors may not see or do everything in it. The result: statements that give a shop never aged equal values,
+ * and what was done.
  */
 export function ageShop(given) {
   const chance = chanceOf(given.seed);
-  const { aging, values } = agedColumns(chance);
+  const { aging, values } = agedColumns(chance, given.limited);
   given.execute(aging);
   const stamp = ageFiles(given, chance);
   return { values, told: `seed ${given.seed}, stamp ${stamp}: ${aging}` };
+}
+
+/** What is wrong with the former lines of a patched script of the site. */
+export function wrongLines(name, text, limited) {
+  const compact = withoutSpace(text);
+  const script = basename(name).replace(/(_l\d)?(\.\w+)$/, "$2");
+  const gone = limited ? [...formerTexts, ...limitedTexts] : formerTexts;
+  const kept = limited ? [] : limitedTexts.filter((former) => withoutSpace(formerLines[script].join("")).includes(former));
+  const added = [addedTexts[script], limited ? limitedAdditions[script] : undefined];
+  return [...gone.filter((former) => compact.includes(former)).map((former) => `still there: ${former}`),
+    ...[...kept, ...added].filter((line) => line && !compact.includes(line)).map((line) => `missing: ${line}`)];
 }
 
 /**
