@@ -248,25 +248,6 @@ TEST_F(TheGateways, TheAddressesForTheBankFollowTheMode) {
   EXPECT_THAT(addresses.success, HasSubstr("/s2scomp.php"));
 }
 
-TEST_F(TheGateways, TheTextOfAnOfflineMethodIsAlsoItsColumnOfLanguageOne) {
-  session.currentLanguage = 2;
-  GatewayAccount account = load("Contrassegno");
-  EXPECT_EQ(account.value("info"), field("SELECT contrassegno FROM generale"));
-  account.setValue("info", "uno\r\ndue\ntre\rquattro");
-  save(account);
-  EXPECT_EQ(read("Contrassegno/conf.ini"), "action=kvorder\r\ninfo=uno||due|tre|quattro\r\n");
-  EXPECT_EQ(field("SELECT contrassegno FROM generale"), "uno\r\ndue\ntre\rquattro");
-  EXPECT_EQ(field("SELECT contrassegno_l2 FROM generale").substr(0, 7), "You pay");
-  EXPECT_EQ(load("Contrassegno").value("info"), "uno\r\ndue\r\ntre\r\nquattro");
-  EXPECT_THAT(read("Contrassegno.kpg"), HasSubstr("uno\r\ndue\ntre\rquattro"));
-  account = load("Pagamento anticipato");
-  EXPECT_EQ(account.value("info"), field("SELECT anticipato FROM generale"));
-  account.setValue("info", "IBAN");
-  save(account);
-  EXPECT_EQ(field("SELECT anticipato FROM generale"), "IBAN");
-  EXPECT_EQ(field("SELECT contrassegno FROM generale"), "uno\r\ndue\ntre\rquattro");
-}
-
 TEST_F(TheGateways, TheEndpointsOfSysPayComeInWhenAbsent) {
   write("SysPay/conf.ini", "php(default)=syspay\r\nmid=1\r\nurl=https://proprio.example/\r\n");
   save(load("SysPay"));

@@ -27,7 +27,8 @@ class BulkCommands : public test::WiredWindow {
          {"group_concat(ifnull(prezzo, '-') || ifnull(prezzo3, '-') || ifnull(titolo_l2, '-'))"}) {
       text += stored(columns, "articoli");
     }
-    return text + stored("ifnull(testo_email, '') || ifnull(vetalign, '') || ifnull(p3p, '')");
+    return text + stored("ifnull(testo_email, '') || ifnull(vetalign, '') || ifnull(p3p, '')") +
+           stored("'|' || ifnull(campi_obbligatori, '-') || '|' || ifnull(estensione, '-')");
   }
   /// Runs a command, acts in its dialog, and expects one step that undo and redo move over.
   void expectOneStep(Tab tab, const char* command, const char* title, const char* step,
@@ -90,6 +91,21 @@ TEST_F(BulkCommands, AreEachOneStepOfTheHistory) {
   });
 }
 
+TEST_F(BulkCommands, OfTheSmallSettingsAreOneStepToo) {
+  fill("UPDATE generale SET campi_obbligatori = '5', estensione = '.htm'");
+  openWindow();
+  expectOneStep(Tab::Site, "requiredFields", "Korvane - Campi obbligatori", "Campi obbligatori", [](QWidget& dialog) {
+    click(dialog, "cmdReset");
+    click(dialog, "cmdOK");
+  });
+  expectOneStep(Tab::Site, "build.settings", "Korvane - Impostazioni costruzione negozio", "Impostazioni costruzione",
+                [](QWidget& dialog) {
+                  control<QLineEdit>(dialog, "txtEstensione")->setText(QStringLiteral(".html"));
+                  click(dialog, "cmdOK");
+                });
+  EXPECT_EQ(stored("campi_obbligatori || estensione"), "5.htm");
+}
+
 TEST_F(BulkCommands, InterruptedByAFailureAreUndoneAsOneStep) {
   openWindow();
   expectInterruptedStep("prices.change", "Korvane - Variazione prezzi", "Modifica prezzi", [](QWidget& dialog) {
@@ -150,6 +166,50 @@ TEST_F(BulkCommands, OfAPaymentSystemTakeItsFilesBackAndForward) {
   EXPECT_EQ(state(), before);
   EXPECT_TRUE(choose("redo"));
   EXPECT_EQ(state(), after);
+}
+
+TEST_F(BulkCommands, OfAPaymentSystemAndTheFieldOfItsTextShowWhatWasStoredLast) {
+  fill("UPDATE generale SET contrassegno = 'prima', contrassegno_l2 = 'in English'");
+  openWindow();
+  goTab(Tab::Site);
+  auto* field =
+      qobject_cast<QPlainTextEdit*>(window->page(Tab::Site).binding(EditedSet::Generale, "contrassegno")->field());
+  ASSERT_NE(field, nullptr);
+  /// Opens the dialog of the text and types over it; what it showed.
+  const auto edit = [&](const char* typed) {
+    std::string shown;
+    whenShown(QStringLiteral("Korvane - Configurazione sistemi di pagamento"), [&](QWidget& dialog) {
+      whenShown(QStringLiteral("Korvane - Contrassegno"), [&](QWidget& account) {
+        auto* text = control<QPlainTextEdit>(account, "txt_info");
+        shown = fromQt(text->toPlainText());
+        if (typed != nullptr) text->setPlainText(QString::fromUtf8(typed));
+        click(account, "cmdOK");
+      });
+      click(dialog, "cmdConfigura4");
+      click(dialog, "cmdChiudi");
+    });
+    EXPECT_TRUE(choose("payment"));
+    return shown;
+  };
+  const auto texts = [this] { return stored("contrassegno || '|' || contrassegno_l2"); };
+  EXPECT_EQ(edit("dal modulo"), "prima");
+  EXPECT_EQ(fromQt(field->toPlainText()), "dal modulo");
+  field->setFocus();
+  field->selectAll();
+  QTest::keyClicks(field, QStringLiteral("dalla scheda"));
+  EXPECT_EQ(edit(nullptr), "dalla scheda") << "what is being typed is saved first";
+  EXPECT_EQ(texts(), "dalla scheda|in English");
+  EXPECT_THAT(readBytes(shop + "/code/Contrassegno.kpg").value_or(""), testing::HasSubstr("dalla scheda"));
+
+  window->workbench().CambiaLingua(2);
+  EXPECT_EQ(fromQt(field->toPlainText()), "in English");
+  EXPECT_EQ(edit("ancora"), "dalla scheda") << "the dialog is of the first language";
+  EXPECT_EQ(fromQt(field->toPlainText()), "in English");
+  field->setFocus();
+  QTest::keyClick(field, Qt::Key_Tab);
+  EXPECT_EQ(texts(), "ancora|in English");
+  EXPECT_TRUE(choose("undo"));
+  EXPECT_EQ(texts(), "dalla scheda|in English");
 }
 
 TEST_F(BulkCommands, OfTheMailGoThroughTheFieldOfTheWindow) {

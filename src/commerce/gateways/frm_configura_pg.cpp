@@ -60,8 +60,9 @@ void frmConfiguraPG::showStates() {
   }
   QStringList names;
   for (const std::string_view name : modulesToConfirm(session_)) names << toQt(name);
-  lblConferma_->setText(toQt("I modelli di questi sistemi sono stati rinnovati; aprili e premi OK perché valgano: ") +
-                        names.join(QStringLiteral(", ")));
+  lblConferma_->setText(
+      toQt("I modelli o i testi di questi sistemi sono cambiati; aprili e premi OK perché valgano: ") +
+      names.join(QStringLiteral(", ")));
   lblConferma_->setVisible(!names.isEmpty());
 }
 

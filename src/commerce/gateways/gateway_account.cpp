@@ -79,12 +79,18 @@ GatewayAccount GatewayAccount::load(Session& session, const GatewayModule& modul
     for (const auto& [key, value] : parseModuleSettings(*text)) account.readSetting(key, value);
   }
   if (module.hasTest()) account.readAddresses();
-  if (!module.column.empty() && account.value("info").empty()) {
-    const auto column = readSingle(session.catalogue, "generale", module.column);
-    if (column) account.values_["info"] = asText(*column);
-    account.fromColumn_ = true;
-  }
+  if (!module.column.empty()) account.readColumn(session.catalogue);
   return account;
+}
+
+void GatewayAccount::readColumn(Database& catalogue) {
+  std::string& info = values_["info"];
+  fromColumn_ = info.empty();
+  const auto column = readSingle(catalogue, "generale", module_->column);
+  if (!column || (isNull(*column) && !fromColumn_)) return;
+  std::string text = asText(*column);
+  // OK stores the text in both, so that one of the column that differs was stored after it.
+  if (textOfOneLine(textOnOneLine(text)) != info) info = std::move(text);
 }
 
 bool GatewayAccount::isModeKey(std::string_view key, std::string_view value) {

@@ -29,7 +29,8 @@ struct FilledFile {
 class GatewayAccount {
  public:
   /// Reads the settings of a module, which is a row of the table; without conf.ini all fields are empty. An old test
-  /// address shows as the present one. Of an offline method without a text in conf.ini the column of language 1 shows.
+  /// address shows as the present one. The text of an offline method is that of the column of language 1 when it
+  /// differs from the one in conf.ini: it was edited in its field since. A column that never had one changes nothing.
   static GatewayAccount load(Session& session, const GatewayModule& module);
 
   const GatewayModule& module() const { return *module_; }
@@ -65,12 +66,13 @@ class GatewayAccount {
   /// After a failure files and column are as before. Returns the files that have changed, for the history.
   Result<FileEdits> save(Session& session) const;
   /// Whether descriptor and scripts are what OK would write. False after the templates of a complete module were
-  /// renewed: they fill nothing by themselves.
+  /// renewed or its text was edited elsewhere: neither fills anything by itself.
   bool isUpToDate(const std::string& shopFolder) const;
 
  private:
   void readSetting(std::string_view key, const std::string& value);
   void readAddresses();
+  void readColumn(Database& catalogue);  // of an offline method
   bool isModeKey(std::string_view key, std::string_view value);
   std::string stored(const AccountKey& key) const;
   std::string confText() const;  // of conf.ini
@@ -94,7 +96,8 @@ std::vector<GatewayState> gatewayStates(Session& session);
 /// "configurato", "da configurare" or "in uso, da configurare".
 std::string_view gatewayStateText(GatewayState state);
 
-/// The complete modules whose templates were renewed, so that their dialog wants an OK.
+/// The complete modules whose templates were renewed, or whose text was edited in its field, so that their dialog wants
+/// an OK.
 std::vector<std::string_view> modulesToConfirm(Session& session);
 
 /// A text of several lines on one line of conf.ini: CR LF as "||", a lone CR or LF as "|".

@@ -99,8 +99,8 @@ bool GatewayAccount::isUpToDate(const std::string& shopFolder) const {
   std::vector<FilledFile> files;
   if (!folder || !isComplete() || !fill(code, *folder, files)) return true;
   return std::ranges::all_of(files, [](const FilledFile& file) {
-    const auto text = readText(file.path);
-    return text && *text == file.text;
+    const auto bytes = readBytes(file.path);
+    return bytes && *bytes == toWindows1252(file.text);
   });
 }
 
