@@ -4,6 +4,8 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
 #include <QTabWidget>
 
 #include "commerce/variants/frm_variant_grid.h"
@@ -38,6 +40,14 @@ class SalesInTheWindow : public WiredWindow {
   }
   void inShipping(std::function<void(QWidget&)> act) {
     whenShown(QStringLiteral("Korvane - Spese di spedizione"), std::move(act));
+  }
+  /// Acts in the menu that opens next.
+  static void whenPopup(const std::function<void(QMenu&)>& act) {
+    QTimer::singleShot(0, qApp, [act] {
+      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      ASSERT_NE(menu, nullptr);
+      act(*menu);
+    });
   }
   void inVariants(std::function<void(QWidget&)> act) {
     whenShown(QStringLiteral("Korvane - Varianti articolo"), std::move(act));
@@ -137,6 +147,29 @@ TEST_F(SalesInTheWindow, TheVariantChosenGoesIntoTheSlotOfThePriceListShown) {
   EXPECT_EQ(window->workbench().history().undoName(), "Definisci variante");
   ASSERT_TRUE(choose("undo"));
   EXPECT_NE(stored("opzione2_3", "articoli WHERE ID = 1"), "5");
+}
+
+TEST_F(SalesInTheWindow, TheListOfUsesLeadsToTheArticleAndLeavesTheSlots) {
+  fill("UPDATE articoli SET opzione4_9 = 3 WHERE ID = (SELECT MAX(ID) FROM articoli)");
+  openArticle();
+  const std::string used = stored("MAX(ID)", "articoli");
+  const std::string before = rowsOf({"articoli"});
+  inVariants([](QWidget& dialog) {
+    auto* grid = control<QTableWidget>(dialog, "DBGrid1");
+    grid->setCurrentCell(2, 0);
+    whenPopup([](QMenu& menu) {
+      menu.setActiveAction(menu.actions().back());
+      QTest::keyClick(&menu, Qt::Key_Return);
+    });
+    QTest::keyClick(control<QPushButton>(dialog, "cmdUso"), Qt::Key_Space);
+  });
+  run("article.variant1");
+  EXPECT_EQ(window->workbench().tab(), Tab::Articles);
+  EXPECT_EQ(std::to_string(window->workbench().sets().article()), used);
+  EXPECT_EQ(fromQt(qobject_cast<QLineEdit*>(window->page(Tab::Articles).binding(EditedSet::Articoli, "titolo")->field())
+                       ->text()),
+            stored("titolo", "articoli WHERE ID = " + used));
+  EXPECT_EQ(rowsOf({"articoli"}), before);
 }
 
 }  // namespace
