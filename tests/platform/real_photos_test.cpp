@@ -99,6 +99,19 @@ TEST_F(RealPhotos, JpegsOfEverySamplingAreReadAsOthersReadThem) {
   expectSame(form("-colorspace Gray", "grey.jpg"), 0.5);
 }
 
+TEST_F(RealPhotos, JpegsAreReadToTheByteAsDjpegReadsThem) {
+  form("-interlace JPEG -quality 85", "progressive.jpg");
+  form("-sampling-factor 1x1 -quality 70", "full.jpg");
+  run("djpeg -pnm base.jpg > base.ppm && cjpeg -quality 75 -optimize -outfile turbo.jpg base.ppm");
+  run("cjpeg -quality 30 -sample 2x1 -restart 1 -outfile restarts.jpg base.ppm");
+  for (const char* name : {"base.jpg", "progressive.jpg", "full.jpg", "turbo.jpg", "restarts.jpg"}) {
+    run(std::string("djpeg -pnm ") + name + " > read.ppm");
+    const std::string read = readBytes(made("read.ppm")).value_or("");
+    ASSERT_EQ(read.substr(0, 15), "P6\n240 160\n255\n") << name;
+    EXPECT_EQ(distance(made(name), read.substr(15)), 0) << name;
+  }
+}
+
 TEST_F(RealPhotos, FourInksAndSixteenBitsComeOutAsAScreenShowsThem) {
   expectSame(form("-colorspace CMYK", "inks.jpg"), 1);
   expectSame(form("-depth 16 -evaluate add 0.2%", "deep.png"), 1);
