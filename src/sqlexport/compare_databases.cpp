@@ -82,14 +82,16 @@ bool areComparable(const std::vector<TableInfo>& tables, const std::string& last
 
 std::string deletedKeysTable(const std::string& table) { return "del_" + table; }
 
-bool CompareDatabases(const std::string& updPath, const std::string& lastPath) {
+bool CompareDatabases(const std::string& updPath, const std::string& lastPath, const std::function<bool()>& goOn) {
   auto upd = Database::open(updPath, OpenMode::Scratch);
   if (!upd) return false;
   auto tables = upd->tables();
   if (!tables) return false;
   std::erase_if(*tables, [](const TableInfo& table) { return table.attributes != 0; });
   if (!areComparable(*tables, lastPath) || !upd->attach(lastPath, "last")) return false;
-  return std::ranges::all_of(*tables, [&](const TableInfo& table) { return reduceTable(*upd, table); });
+  upd->askWhileRunning(goOn);
+  return std::ranges::all_of(*tables,
+                             [&](const TableInfo& table) { return (!goOn || goOn()) && reduceTable(*upd, table); });
 }
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 #pragma once
 // The difference between two build databases: what the host lacks, and what it has to delete first.
 
+#include <functional>
 #include <string>
 
 namespace kv {
@@ -15,7 +16,8 @@ std::string deletedKeysTable(const std::string& table);
 ///
 /// False when that can't be told, with `updPath` left half done: one of the files can't be read or written, a table is
 /// not in both with the same columns, has no column ID or no index of ID alone, or has rows without a key or two with
-/// the same. Memory is bounded, whatever the number of rows.
-bool CompareDatabases(const std::string& updPath, const std::string& lastPath);
+/// the same. Memory is bounded, whatever the number of rows. goOn: asked before each table and every few milliseconds;
+/// false ends the comparison, which is then false as well.
+bool CompareDatabases(const std::string& updPath, const std::string& lastPath, const std::function<bool()>& goOn = {});
 
 }  // namespace kv

@@ -1,5 +1,7 @@
 #include "sqlexport/export_files.h"
 
+#include <utility>
+
 #include "platform/files/files.h"
 #include "store/schema/schema.h"
 
@@ -22,17 +24,24 @@ Result<> finishLoad(ExportKind kind, const std::string& onlineFolder, const std:
                     joinPath(onlineFolder, languageFiles(kind, "", sec).cachedLoad));
 }
 
-void publishCopies(ExportKind kind, const std::string& onlineFolder, const std::string& sec, ExportReport& report) {
+void publishCopies(ExportKind kind, const CopyPlace& place, ExportReport& report) {
   const auto publish = [&](const std::string& from, const std::string& to) {
-    const auto copied = copyFile(joinPath(onlineFolder, from), joinPath(onlineFolder, to), AtLink::Replace);
+    if (report.cancelled) return;
+    const std::string source = joinPath(place.onlineFolder, from);
+    const auto copied = copyFile(source, joinPath(place.onlineFolder, to), AtLink::Replace, place.goOn);
+    report.cancelled = !copied && copied.error().kind == ErrorKind::Cancelled;
     // A language that the shop doesn't have has no file to copy.
-    if (!copied && !fileExists(joinPath(onlineFolder, from))) return;
+    if (report.cancelled || (!copied && !fileExists(source))) return;
     (copied ? report.published : report.unwritten).push_back(to);
   };
   for (const std::string_view suffix : languageSuffixes) {
-    const LanguageFiles files = languageFiles(kind, suffix, sec);
+    const LanguageFiles files = languageFiles(kind, suffix, place.sec);
     publish(files.cachedLoad, files.load);
     publish(files.cachedDrop, files.drop);
+  }
+  if (!report.cancelled) return;
+  for (const std::string& name : std::exchange(report.published, {})) {
+    ignore(deleteFile(joinPath(place.onlineFolder, name)), "the next export replaces it");
   }
 }
 

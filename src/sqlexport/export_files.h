@@ -4,6 +4,7 @@
 // published under the same names, so that the host needs one protocol alone.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,13 +41,20 @@ struct ExportReport {
   std::int64_t rows = 0;               ///< written now
   bool incremental = false;            ///< the published files hold a difference
   bool failed = false;                 ///< a failure was shown to the user
+  bool cancelled = false;              ///< the user has ended it: none of its files is there
   std::vector<std::string> published;  ///< names of the files copied, in order
   std::vector<std::string> unwritten;  ///< names of those that were to be copied and could not be written
 };
 
+/// Where the copies are made, and who is asked whether it goes on; false ends it.
+struct CopyPlace {
+  std::string onlineFolder;
+  std::string sec;
+  std::function<bool()> goOn{};
+};
 /// Copies the kept files of every language to their published names and enters them in the report. A language without
-/// kept files is passed over.
-void publishCopies(ExportKind kind, const std::string& onlineFolder, const std::string& sec, ExportReport& report);
+/// kept files is passed over. After a cancel, which is noted in the report, none of the copies is there.
+void publishCopies(ExportKind kind, const CopyPlace& place, ExportReport& report);
 /// Deletes the kept files of every language; those that aren't there are no failure. The first failure is returned, and
 /// the others are tried all the same.
 Result<> deleteCache(ExportKind kind, const std::string& onlineFolder, const std::string& sec);

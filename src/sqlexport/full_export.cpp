@@ -5,6 +5,7 @@
 #include "platform/files/files.h"
 #include "platform/files/output_file.h"
 #include "platform/text/text.h"
+#include "sqlexport/export_run.h"
 #include "sqlexport/sql_rows.h"
 #include "store/schema/schema.h"
 
@@ -25,12 +26,14 @@ Result<> writeDropFile(OutputFile& out, const std::vector<TableInfo>& tables, co
 }
 
 Result<std::int64_t> writeLoadFile(OutputFile& out, Database& database, const std::vector<TableInfo>& tables,
-                                   const DatabaseExport& job, const SqlStyle& style) {
+                                   const DatabaseExport& job, const ExportRun& run) {
+  const SqlStyle& style = run.style;
   ExportWarnings warnings;
   std::int64_t rows = 0;
   writeHead(out, job.sec, style);
   for (const TableInfo& table : tables) {
     if (!isExported(table, job.languageSuffix)) continue;
+    if (!run.user.yield()) return exportCancelled(job);
     if (auto done = writeDefinition(out, table, style, warnings); !done) return fail(done.error());
     auto written = writeRows(out, database, table, style, warnings);
     if (!written) return written;
@@ -41,17 +44,18 @@ Result<std::int64_t> writeLoadFile(OutputFile& out, Database& database, const st
   return rows;
 }
 
-Result<std::int64_t> exportDatabase(const DatabaseExport& job, const SqlStyle& style) {
+Result<std::int64_t> exportDatabase(const DatabaseExport& job, const ExportRun& run) {
   auto database = Database::open(job.databasePath, OpenMode::ReadOnly);
   if (!database) return fail(database.error());
+  database->askWhileRunning([&run] { return run.user.yield(); });
   const auto tables = database->tables();
   if (!tables) return fail(tables.error());
   auto drop = OutputFile::create(job.dropFilePath);
   if (!drop) return fail(drop.error());
-  if (auto done = writeDropFile(*drop, *tables, job, style); !done) return fail(done.error());
+  if (auto done = writeDropFile(*drop, *tables, job, run.style); !done) return fail(done.error());
   auto load = OutputFile::create(job.loadFilePath);
   if (!load) return fail(load.error());
-  return writeLoadFile(*load, *database, *tables, job, style);
+  return writeLoadFile(*load, *database, *tables, job, run);
 }
 
 void exportLanguages(const ExportContext& context, const std::string& sec, double languages, ExportReport& report) {
@@ -64,9 +68,11 @@ void exportLanguages(const ExportContext& context, const std::string& sec, doubl
                              joinPath(context.onlineFolder, files.cachedDrop), std::string(suffix), sec};
     ignore(deleteFile(job.loadFilePath), "it is replaced anyway");
     ignore(deleteFile(job.dropFilePath), "it is replaced anyway");
-    std::int64_t rows = 0;
-    if (!ExportDatabaseSql(job, style, context.user, &rows)) report.failed = true;
-    report.rows += rows;
+    const auto written = exportDatabase(job, {style, context.user});
+    report.cancelled = isCancelled(written);
+    if (report.cancelled) return;
+    if (!wasWritten(written, context.user)) report.failed = true;
+    report.rows += written.value_or(0);
     ++report.languages;
   }
   ignore(finishLoad(ExportKind::Full, context.onlineFolder, sec), "nothing was written, and the user knows why");
@@ -75,13 +81,9 @@ void exportLanguages(const ExportContext& context, const std::string& sec, doubl
 }  // namespace
 
 bool ExportDatabaseSql(const DatabaseExport& job, const SqlStyle& style, UserPort& user, std::int64_t* rows) {
-  const auto written = exportDatabase(job, style);
-  if (!written) {
-    user.message(written.error().what, Icon::Exclamation);
-    return false;
-  }
-  if (rows != nullptr) *rows = *written;
-  return true;
+  const auto written = exportDatabase(job, {style, user});
+  if (rows != nullptr) *rows = written.value_or(0);
+  return wasWritten(written, user);
 }
 
 void ExportFullSql(const ExportContext& context, const std::string& sec, ExportReport* report) {
@@ -94,8 +96,12 @@ void ExportFullSql(const ExportContext& context, const std::string& sec, ExportR
     const double languages = notedLanguages(context.onlineFolder, sec);
     if (languages == 0) return;
     exportLanguages(context, sec, languages, done);
+    if (done.cancelled) {
+      ignore(deleteCache(ExportKind::Full, context.onlineFolder, sec), "the next export writes over it");
+      return;
+    }
   }
-  publishCopies(ExportKind::Full, context.onlineFolder, sec, done);
+  publishCopies(ExportKind::Full, {context.onlineFolder, sec, [&] { return context.user.yield(); }}, done);
 }
 
 }  // namespace kv

@@ -25,7 +25,8 @@ struct ExportContext {
 /// ExportFullSql (full export): makes sure that the .sql files of the shop's languages are in the online folder.
 /// `sec` is db_security of `generale`. Load files of the last export are published again unchanged, unless the
 /// separator has changed since. Nothing happens when there are none and the build has stored no number of languages.
-/// Failures of deletions and copies are ignored.
+/// Failures of deletions and copies are ignored. The user's cancel is asked for before each table and every few
+/// milliseconds; after one nothing of the export is left, and the report says so.
 void ExportFullSql(const ExportContext& context, const std::string& sec, ExportReport* report = nullptr);
 
 /// One load file and one drop file to be written.
@@ -38,7 +39,8 @@ struct DatabaseExport {
 };
 
 /// ExportDatabaseSql (export a database): writes the two files. A failure is shown to the user with its
-/// description, the files keep what was written until then, and the result is false. `rows`: the number written.
+/// description, the files keep what was written until then, and the result is false. A cancel is a failure of which
+/// the user isn't told. `rows`: the number written.
 bool ExportDatabaseSql(const DatabaseExport& job, const SqlStyle& style, UserPort& user, std::int64_t* rows = nullptr);
 
 }  // namespace kv

@@ -1,9 +1,12 @@
 #include "sqlexport/incremental_export.h"
 
+#include <functional>
+
 #include "platform/files/files.h"
 #include "platform/files/output_file.h"
 #include "platform/text/text.h"
 #include "sqlexport/compare_databases.h"
+#include "sqlexport/export_run.h"
 #include "sqlexport/sql_rows.h"
 #include "store/schema/schema.h"
 
@@ -55,12 +58,14 @@ Result<> writeDeleteFile(OutputFile& out, Database& database, const std::vector<
 }
 
 Result<std::int64_t> writeInsertFile(OutputFile& out, Database& database, const std::vector<TableInfo>& tables,
-                                     const DatabaseExport& job, const SqlStyle& style) {
+                                     const DatabaseExport& job, const ExportRun& run) {
+  const SqlStyle& style = run.style;
   ExportWarnings warnings;
   std::int64_t rows = 0;
   writeHead(out, job.sec, style);
   for (const TableInfo& table : tables) {
     if (!isExportedAsDifference(table, job.languageSuffix)) continue;
+    if (!run.user.yield()) return exportCancelled(job);
     out.append("\r\n");
     auto written = writeRows(out, database, table, style, warnings);
     if (!written) return written;
@@ -70,25 +75,27 @@ Result<std::int64_t> writeInsertFile(OutputFile& out, Database& database, const 
   return rows;
 }
 
-Result<std::int64_t> exportDifference(const DatabaseExport& job, const SqlStyle& style) {
+Result<std::int64_t> exportDifference(const DatabaseExport& job, const ExportRun& run) {
   auto database = Database::open(job.databasePath, OpenMode::ReadOnly);
   if (!database) return fail(database.error());
+  database->askWhileRunning([&run] { return run.user.yield(); });
   const auto tables = database->tables();
   if (!tables) return fail(tables.error());
   auto deletions = OutputFile::create(job.dropFilePath);
   if (!deletions) return fail(deletions.error());
-  if (auto done = writeDeleteFile(*deletions, *database, *tables, job, style); !done) return fail(done.error());
+  if (auto done = writeDeleteFile(*deletions, *database, *tables, job, run.style); !done) return fail(done.error());
   auto insertions = OutputFile::create(job.loadFilePath);
   if (!insertions) return fail(insertions.error());
-  return writeInsertFile(*insertions, *database, *tables, job, style);
+  return writeInsertFile(*insertions, *database, *tables, job, run);
 }
 
 /// The scratch copy that the comparison reduces; it is there only during the export.
 class ScratchCopy {
  public:
-  explicit ScratchCopy(const std::string& shopFolder) : path_(joinPath(shopFolder, "db/upd.mdb")) {
+  ScratchCopy(const std::string& shopFolder, const std::function<bool()>& goOn)
+      : path_(joinPath(shopFolder, "db/upd.mdb")) {
     remove();
-    made_ = copyFile(joinPath(shopFolder, "db/sql.mdb"), path_).has_value();
+    made_ = copyFile(joinPath(shopFolder, "db/sql.mdb"), path_, AtLink::Follow, goOn).has_value();
   }
   ScratchCopy(const ScratchCopy&) = delete;
   ScratchCopy& operator=(const ScratchCopy&) = delete;
@@ -103,10 +110,14 @@ class ScratchCopy {
   bool made_ = false;
 };
 
-/// Makes the files of every language; false after a failure, whether or not the user was told.
+/// Makes the files of every language; false after a failure, whether or not the user was told, and after a cancel.
 bool makeDifference(const ExportContext& context, const std::string& sec, double languages, ExportReport& report) {
-  const ScratchCopy upd(context.shopFolder);
-  if (!upd.isMade() || !CompareDatabases(upd.path(), lastDatabasePath(context.shopFolder))) return false;
+  const auto goOn = [&] {
+    report.cancelled = report.cancelled || !context.user.yield();
+    return !report.cancelled;
+  };
+  const ScratchCopy upd(context.shopFolder, goOn);
+  if (!upd.isMade() || !CompareDatabases(upd.path(), lastDatabasePath(context.shopFolder), goOn)) return false;
   const SqlStyle style = sqlStyle(context.settings, context.lock);
   for (int i = 0; i < maxLanguages && i + 1 <= languages; ++i) {
     const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(i)];
@@ -114,9 +125,10 @@ bool makeDifference(const ExportContext& context, const std::string& sec, double
     const std::string load = suffix.empty() ? unfinishedLoad(ExportKind::Incremental, sec) : files.cachedLoad;
     const DatabaseExport job{upd.path(), joinPath(context.onlineFolder, load),
                              joinPath(context.onlineFolder, files.cachedDrop), std::string(suffix), sec};
-    std::int64_t rows = 0;
-    if (!ExportChangedRows(job, style, context.user, &rows)) return false;
-    report.rows += rows;
+    const auto written = exportDifference(job, {style, context.user});
+    report.cancelled = isCancelled(written);
+    if (!wasWritten(written, context.user)) return false;
+    report.rows += *written;
     ++report.languages;
   }
   return finishLoad(ExportKind::Incremental, context.onlineFolder, sec).has_value();
@@ -125,13 +137,9 @@ bool makeDifference(const ExportContext& context, const std::string& sec, double
 }  // namespace
 
 bool ExportChangedRows(const DatabaseExport& job, const SqlStyle& style, UserPort& user, std::int64_t* rows) {
-  const auto written = exportDifference(job, style);
-  if (!written) {
-    user.message(written.error().what, Icon::Exclamation);
-    return false;
-  }
-  if (rows != nullptr) *rows = *written;
-  return true;
+  const auto written = exportDifference(job, {style, user});
+  if (rows != nullptr) *rows = written.value_or(0);
+  return wasWritten(written, user);
 }
 
 bool ExportIncrementalSql(const ExportContext& context, const std::string& sec, ExportReport* report) {
@@ -141,6 +149,7 @@ bool ExportIncrementalSql(const ExportContext& context, const std::string& sec, 
   const auto giveUp = [&] {
     // Half a difference must not pass for one at the next run.
     ignore(deleteCache(ExportKind::Incremental, context.onlineFolder, sec), "what stays is written over by the next");
+    if (report != nullptr) report->cancelled = made.cancelled;
     return false;
   };
   if (fileExists(cache) && isStale(cache, context.settings) && !deleteFile(cache)) return false;
@@ -150,21 +159,23 @@ bool ExportIncrementalSql(const ExportContext& context, const std::string& sec, 
     ignore(deleteCache(ExportKind::Incremental, context.onlineFolder, sec), "they are written over");
     if (!makeDifference(context, sec, languages, made)) return giveUp();
   }
-  publishCopies(ExportKind::Incremental, context.onlineFolder, sec, made);
-  if (!made.unwritten.empty()) return false;
+  publishCopies(ExportKind::Incremental, {context.onlineFolder, sec, [&] { return context.user.yield(); }}, made);
+  if (report != nullptr) report->cancelled = made.cancelled;
+  if (made.cancelled || !made.unwritten.empty()) return false;
   made.incremental = true;
   if (report != nullptr) *report = made;
   return true;
 }
 
-void exportForPublishing(const ExportContext& context, const PublishedShop& shop, bool allRecords,
+bool exportForPublishing(const ExportContext& context, const PublishedShop& shop, bool allRecords,
                          ExportReport* report) {
   const LastRunFolders folders{context.shopFolder, context.onlineFolder};
-  if (!allRecords && CanUseIncremental(folders, shop, context.user, false) &&
-      ExportIncrementalSql(context, shop.db_security, report)) {
-    return;
-  }
-  ExportFullSql(context, shop.db_security, report);
+  ExportReport unasked;
+  ExportReport& done = report != nullptr ? *report : unasked;
+  const bool isWanted = !allRecords && CanUseIncremental(folders, shop, context.user, false);
+  if (isWanted && ExportIncrementalSql(context, shop.db_security, &done)) return true;
+  if (!done.cancelled) ExportFullSql(context, shop.db_security, &done);
+  return !done.cancelled;
 }
 
 }  // namespace kv

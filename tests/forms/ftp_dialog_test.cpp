@@ -71,9 +71,28 @@ TEST_F(TheFtpDialog, PublishesOnceAndCloses) {
 TEST_F(TheFtpDialog, SaysThatItPreparesTheDatabaseWhileTheExportGoesOn) {
   frmFTP* shown = dialog();
   QString during;
-  shown->steps.exportSql = [&] { during = control<QLabel>(*shown, "lblStato")->text(); };
+  shown->steps.exportSql = [&](UserPort&) {
+    during = control<QLabel>(*shown, "lblStato")->text();
+    return true;
+  };
   EXPECT_EQ(shown->exec(), QDialog::Accepted);
   EXPECT_EQ(during, "Preparazione database...");
+}
+
+TEST_F(TheFtpDialog, IsLeftWhileTheExportGoesOn) {
+  frmFTP* shown = dialog();
+  bool isCancelled = false;
+  shown->steps.exportSql = [&](UserPort& asked) {
+    QTimer::singleShot(0, shown, [&] { test::click(*shown, "cmdAnnulla"); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isCancelled = !asked.yield(); }));
+    return false;
+  };
+  EXPECT_EQ(shown->exec(), QDialog::Rejected);
+  EXPECT_TRUE(isCancelled);
+  EXPECT_EQ(shown->outcome(), PublishOutcome::Cancelled);
+  EXPECT_FALSE(shown->isVisible());
+  EXPECT_EQ(server.connections(), 0);
+  EXPECT_TRUE(user.shown.empty());
 }
 
 TEST_F(TheFtpDialog, TellsWhatWasSentBeforeItClosesAfterAFailure) {

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <filesystem>
 
+#include "platform/files/file_digest.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -276,6 +277,28 @@ TEST(Files, ACopyReplacesTheFileThere) {
   ASSERT_TRUE(writeBytes(folder / "b", "old"));
   ASSERT_TRUE(copyFile(folder / "a", folder / "b"));
   EXPECT_EQ(readBytes(folder / "b").value(), std::string(600000, 'a'));
+}
+
+TEST(Files, ACopyCanBeCancelledAndLeavesTheOldFileAndNothingBeside) {
+  const TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "a", std::string(9'000'000, 'x')));
+  ASSERT_TRUE(writeBytes(folder / "b", "old"));
+  int asked = 0;
+  EXPECT_EQ(kindOf(copyFile(folder / "a", folder / "b", AtLink::Follow, [&] { return ++asked < 2; })),
+            ErrorKind::Cancelled);
+  EXPECT_EQ(asked, 2) << "before the first bytes, and again before the last";
+  EXPECT_EQ(readBytes(folder / "b").value(), "old");
+  EXPECT_EQ(listFiles(folder.path(), "*"), (std::vector<std::string>{"a", "b"}));
+  ASSERT_TRUE(copyFile(folder / "a", folder / "b", AtLink::Follow, [] { return true; }));
+  EXPECT_EQ(readBytes(folder / "b").value().size(), 9'000'000U);
+}
+
+TEST(Files, TheDigestOfALargeFileCanBeCancelled) {
+  const TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "a", std::string(3'000'000, 'x')));
+  int asked = 0;
+  EXPECT_EQ(kindOf(fileDigest(folder / "a", [&] { return ++asked < 3; })), ErrorKind::Cancelled);
+  EXPECT_EQ(asked, 3) << "once a MiB";
 }
 
 TEST(Files, ACopyOverAReadOnlyFileIsRefused) {

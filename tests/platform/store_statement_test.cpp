@@ -30,6 +30,21 @@ TEST_F(StoreStatement, MoneyComesBackExactOverItsWholeRange) {
   }
 }
 
+TEST_F(StoreStatement, ALongOneCanBeCancelledAndTheNextGoesOn) {
+  const std::string slow =
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) SELECT max(i) FROM n";
+  int asked = 0;
+  database_.askWhileRunning([&] { return ++asked < 3; });
+  Database moved = std::move(database_);
+  const auto ended = moved.scalar(slow);
+  ASSERT_FALSE(ended);
+  EXPECT_EQ(ended.error().kind, ErrorKind::Cancelled);
+  EXPECT_EQ(asked, 3);
+  moved.askWhileRunning({});
+  EXPECT_EQ(valueOf(moved.scalar(slow)), Value(std::int64_t{100000}));
+  EXPECT_EQ(asked, 3);
+}
+
 TEST_F(StoreStatement, TheDeclaredTypeDecidesWhatAFieldIs) {
   run(database_,
       "CREATE TABLE t (a BOOLEAN, b TINYINT, c SMALLINT, d INTEGER, e MONEY_INTEGER, f FLOAT, g DOUBLE, h DATETIME,"

@@ -113,6 +113,23 @@ TEST_F(AForgivingRun, SendsNoFileAgainThatHasTheBytesLastSent) {
   EXPECT_EQ(sent(), Names{}) << "its new time is known";
 }
 
+TEST_F(AForgivingRun, CanBeLeftWhileItReadsWhatItCompares) {
+  settings.contentCheck = true;
+  write("online/a.htm", std::string(5'000'000, 'a'));
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  write("online/a.htm", std::string(5'000'000, 'a'), 5);
+  int cancelAt = 0;
+  for (PublishOutcome left = PublishOutcome::Cancelled; left == PublishOutcome::Cancelled;) {
+    user.yields = 0;
+    user.cancelAtYield = ++cancelAt;
+    left = publish();
+    EXPECT_EQ(sent(), Names{}) << cancelAt;
+    if (left == PublishOutcome::Cancelled) EXPECT_EQ(user.yields, cancelAt);
+  }
+  EXPECT_GT(cancelAt, 5) << "once a MiB at least";
+  EXPECT_TRUE(user.shown.empty()) << user.texts().front();
+}
+
 TEST_F(AForgivingRun, ComparesNoContentWithAFileThatWasSentWithoutAComparison) {
   settings.contentCheck = true;
   ASSERT_EQ(publish(), PublishOutcome::Done);
@@ -128,7 +145,10 @@ TEST_F(AForgivingRun, ComparesNoContentWithAFileThatWasSentWithoutAComparison) {
 TEST_F(AForgivingRun, SendsAnSqlFileWhateverIsInIt) {
   settings.contentCheck = true;
   int second = 0;
-  steps.exportSql = [&] { write("online/db.sql", "uguale", second); };
+  steps.exportSql = [&](UserPort&) {
+    write("online/db.sql", "uguale", second);
+    return true;
+  };
   ASSERT_EQ(publish(), PublishOutcome::Done);
   second = 1;
   ASSERT_EQ(publish(), PublishOutcome::Done);

@@ -170,12 +170,26 @@ TEST_F(APublishRun, WritesALogOfEachFolderWithoutAPassword) {
 TEST_F(APublishRun, DeletesOldSqlFilesBeforeTheExportMakesNewOnes) {
   write("online/a.htm", "1");
   write("online/db_l2.sql", "vecchio");
-  steps.exportSql = [this] {
+  steps.exportSql = [this](UserPort&) {
     EXPECT_FALSE(fileExists(root / "online/db_l2.sql"));
     write("online/db.sql", "nuovo");
+    return true;
   };
   ASSERT_EQ(publish(), PublishOutcome::Done);
   EXPECT_EQ(sent(), (Names{"a.htm", "db.sql"}));
+}
+
+TEST_F(APublishRun, WhoseExportIsCancelledEndsWithoutAWordAndWithoutAConnection) {
+  write("online/a.htm", "1");
+  steps.exportSql = [](UserPort& asked) {
+    while (asked.yield()) {
+    }
+    return false;
+  };
+  user.cancelAtYield = 5;
+  EXPECT_EQ(publish(), PublishOutcome::Cancelled);
+  EXPECT_TRUE(user.shown.empty());
+  EXPECT_EQ(server.connections(), 0);
 }
 
 TEST_F(APublishRun, NamesInTheDryRunWhatItWouldSendAndChangesNothing) {

@@ -22,7 +22,10 @@ class SeveralConnections : public test::PublishFixture {
       write("online/f" + number + ".gif", std::string(2000, 'x') + number);
     }
     write("scripts/c.php", "ccc");
-    steps.exportSql = [this] { write("online/db.sql", "sql", sqlTime); };
+    steps.exportSql = [this](UserPort&) {
+      write("online/db.sql", "sql", sqlTime);
+      return true;
+    };
   }
   /// The positions of the commands whose file ends in `type`: first and last.
   std::pair<std::ptrdiff_t, std::ptrdiff_t> span(const std::string& type) const {

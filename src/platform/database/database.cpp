@@ -101,6 +101,7 @@ Result<> Database::prepareRename() { return execute("PRAGMA main.journal_mode=ME
 
 void Database::close() {
   if (handle_ == nullptr) return;
+  engine::askWhileRunning(handle_, {});
   // A statement that outlives the handle keeps the connection alive, so the lock and the journal file are given up
   // first.
   for (sqlite3_stmt* each = nullptr; (each = sqlite3_next_stmt(handle_, each)) != nullptr;) sqlite3_reset(each);
@@ -118,6 +119,8 @@ Result<> Database::execute(std::string_view sql) {
   if (code != SQLITE_OK) return fail(engine::errorOf(handle_, code, path_));
   return {};
 }
+
+void Database::askWhileRunning(std::function<bool()> goOn) { engine::askWhileRunning(handle_, std::move(goOn)); }
 
 std::int64_t Database::changes() const { return sqlite3_changes64(handle_); }
 

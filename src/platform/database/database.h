@@ -13,6 +13,7 @@
 // with the engine's own NOCASE has to REINDEX before it changes such text, and this one after it.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,6 +64,9 @@ class Database {
 
   /// Runs one or more statements without parameters; rows they return are ignored. Stops at the first failure.
   Result<> execute(std::string_view sql);
+  /// Has `goOn` asked every few milliseconds while a statement of this database runs; false ends the statement as
+  /// Cancelled. It must not use the database. An empty one ends the asking.
+  void askWhileRunning(std::function<bool()> goOn);
   /// The number of rows changed by the last statement that changes rows.
   std::int64_t changes() const;
   /// Prepares one statement, whose parameters are "?1", "?2" and so on. It is used only while the

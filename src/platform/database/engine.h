@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -57,6 +58,8 @@ int addFunctions(sqlite3* handle);
 std::int64_t changeCounter(sqlite3* handle);
 /// Counts the rollback of an inner transaction, which the engine doesn't report, in the change counter.
 void noteUndone(sqlite3* handle);
+/// Has `goOn` asked while statements of the connection run, as Database::askWhileRunning says.
+void askWhileRunning(sqlite3* handle, std::function<bool()> goOn);
 /// A connection to a database in memory alone, with addFunctions done.
 Result<Connection> openMemory();
 /// Opens an existing file in the way that Database::open describes. Failures as there.

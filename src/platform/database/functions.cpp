@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <utility>
 
 #include "platform/database/engine.h"
 #include "platform/text/text.h"
@@ -47,9 +49,12 @@ void like(sqlite3_context* context, int, sqlite3_value** arguments) noexcept {
 struct ConnectionExtras {
   std::int64_t undone = 0;  ///< count of rollbacks
   StatementCache cache;
+  std::function<bool()> goOn;  ///< asked while a statement runs; empty: nobody is
 };
 
 void countUndone(void* extras) noexcept { ++static_cast<ConnectionExtras*>(extras)->undone; }
+
+int isToStop(void* extras) { return static_cast<ConnectionExtras*>(extras)->goOn() ? 0 : 1; }
 
 /// The extras of a connection; null for one that has none. The engine hands the pointer out only when it is replaced by
 /// another.
@@ -68,6 +73,15 @@ std::int64_t changeCounter(sqlite3* handle) {
 
 void noteUndone(sqlite3* handle) {
   if (ConnectionExtras* extras = extrasOf(handle)) ++extras->undone;
+}
+
+void askWhileRunning(sqlite3* handle, std::function<bool()> goOn) {
+  constexpr int instructions = 20'000;  // a few milliseconds
+  ConnectionExtras* extras = extrasOf(handle);
+  if (extras == nullptr) return;
+  extras->goOn = std::move(goOn);
+  const bool asks = extras->goOn != nullptr;
+  sqlite3_progress_handler(handle, asks ? instructions : 0, asks ? isToStop : nullptr, extras);
 }
 
 StatementCache* cacheOf(sqlite3* handle) {

@@ -119,6 +119,8 @@ ErrorKind kindOf(int code) {
       return ErrorKind::Corrupt;
     case SQLITE_FULL:
       return ErrorKind::Full;
+    case SQLITE_INTERRUPT:
+      return ErrorKind::Cancelled;
     case SQLITE_MISMATCH:  // a text for a key that is the number of the row
       return ErrorKind::TextInNumber;
     default:

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 
 #include "platform/files/file_access.h"
@@ -15,17 +16,20 @@ namespace kv {
 namespace {
 
 constexpr std::size_t digestPiece = std::size_t{64} * 1024;
+constexpr std::uint64_t digestPiecesBetweenQuestions = 16;
 
 }  // namespace
 
-Result<std::string> fileDigest(const std::string& path) {
+Result<std::string> fileDigest(const std::string& path, const std::function<bool()>& goOn) {
   if (!mayProceed(FileStep::OpenToRead, path)) return systemFailure(errno, path);
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.isOpen()) return systemFailure(errno, path);
   const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
   EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr);
   std::string piece(digestPiece, '\0');
-  for (;;) {
+  for (std::uint64_t pieces = 0;; ++pieces) {
+    if (goOn && pieces % digestPiecesBetweenQuestions == 0 && !goOn())
+      return fail(ErrorKind::Cancelled, path, "cancelled");
     const bool mayRead = mayProceed(FileStep::Read, path);
     const ssize_t count = mayRead ? ::read(file.number(), piece.data(), piece.size()) : -1;
     if (count < 0 && mayRead && errno == EINTR) continue;

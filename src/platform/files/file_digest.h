@@ -1,13 +1,15 @@
 #pragma once
 // Telling two states of a file apart by what is in it.
 
+#include <functional>
 #include <string>
 
 #include "platform/ports/result.h"
 
 namespace kv {
 
-/// SHA-256 of a file's bytes as 64 lower-case hexadecimal digits, read in pieces. Failures as readBytes.
-Result<std::string> fileDigest(const std::string& path);
+/// SHA-256 of a file's bytes as 64 lower-case hexadecimal digits, read in pieces. goOn: asked every MiB;
+/// false ends the reading. Failures as readBytes, Cancelled.
+Result<std::string> fileDigest(const std::string& path, const std::function<bool()>& goOn = {});
 
 }  // namespace kv

@@ -16,6 +16,7 @@ namespace kv {
 namespace {
 
 constexpr std::size_t copyPiece = std::size_t{16} * 1024;
+constexpr std::uint64_t copyPiecesBetweenQuestions = 64;
 constexpr std::size_t readStep = std::size_t{256} * 1024;
 constexpr mode_t newFileMode = 0666;
 constexpr mode_t newFolderMode = 0777;
@@ -46,12 +47,25 @@ Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::s
   }
 }
 
+/// Where a copy comes from, and who is asked whether it goes on.
+struct CopySource {
+  const std::string& path;
+  const std::function<bool()>& goOn;
+
+  Result<> ask() const {
+    if (goOn && !goOn()) return fail(ErrorKind::Cancelled, path, "cancelled");
+    return {};
+  }
+};
+
 /// Lets the system carry a file over, without a way through this process: whether it has carried all of it, which it
-/// can't between any two file systems, nor where a file has no size before it is read. Failures as reading and writing.
-Result<bool> takeAll(const OpenedFile& source, Replacement& target, const std::string& from) {
+/// can't between any two file systems, nor where a file has no size before it is read. Failures as reading and writing,
+/// Cancelled.
+Result<bool> takeAll(const OpenedFile& source, Replacement& target, const CopySource& from) {
   const auto size = static_cast<std::uint64_t>(source.status.st_size);
   for (std::uint64_t all = 0; all < size;) {
-    if (!mayProceed(FileStep::Read, from)) return systemFailure(errno, from);
+    if (auto asked = from.ask(); !asked) return fail(asked.error());
+    if (!mayProceed(FileStep::Read, from.path)) return systemFailure(errno, from.path);
     const auto taken = target.takeFrom(source.descriptor);
     if (!taken) return fail(taken.error());
     if (*taken == 0) return false;
@@ -61,10 +75,13 @@ Result<bool> takeAll(const OpenedFile& source, Replacement& target, const std::s
 }
 
 /// Copies what is left of a file, piece by piece.
-Result<> copyPieces(const Descriptor& source, Replacement& target, const std::string& from) {
+Result<> copyPieces(const Descriptor& source, Replacement& target, const CopySource& from) {
   std::array<char, copyPiece> buffer{};
-  for (;;) {
-    const auto count = readPiece(source, buffer.data(), buffer.size(), from);
+  for (std::uint64_t pieces = 0;; ++pieces) {
+    if (pieces % copyPiecesBetweenQuestions == 0) {
+      if (auto asked = from.ask(); !asked) return asked;
+    }
+    const auto count = readPiece(source, buffer.data(), buffer.size(), from.path);
     if (!count) return fail(count.error());
     if (*count == 0) return {};
     if (auto written = target.write({buffer.data(), *count}); !written) return written;
@@ -217,15 +234,19 @@ Result<> renameFile(const std::string& from, const std::string& to) {
 }
 
 Result<> copyFile(const std::string& from, const std::string& to, AtLink links) {
+  return copyFile(from, to, links, {});
+}
+
+Result<> copyFile(const std::string& from, const std::string& to, AtLink links, const std::function<bool()>& goOn) {
   auto source = openToRead(from);
   if (!source) return fail(source.error());
   if (isFileAt(to, source->status, links)) return {};
   auto replacement = Replacement::begin(to, (source->status.st_mode & 0777U) | S_IWUSR, links);
   if (!replacement) return fail(replacement.error());
-  const auto isWhole = takeAll(*source, *replacement, from);
+  const auto isWhole = takeAll(*source, *replacement, {from, goOn});
   if (!isWhole) return fail(isWhole.error());
   if (!*isWhole) {
-    if (auto copied = copyPieces(source->descriptor, *replacement, from); !copied) return copied;
+    if (auto copied = copyPieces(source->descriptor, *replacement, {from, goOn}); !copied) return copied;
   }
   replacement->keepTime(source->status);
   return replacement->commit();

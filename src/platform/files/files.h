@@ -6,6 +6,7 @@
 // where nothing else is said.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -86,6 +87,8 @@ Result<> renameFile(const std::string& from, const std::string& to);
 /// Copies one file over `to`, in one step like writeBytes; the copy can be written by the owner and keeps the
 /// modification time, so that a publish doesn't take it for a new picture.
 Result<> copyFile(const std::string& from, const std::string& to, AtLink links = AtLink::Follow);
+/// The same, and `goOn` is asked every few MiB; false ends the copy as Cancelled, and `to` stays as it was.
+Result<> copyFile(const std::string& from, const std::string& to, AtLink links, const std::function<bool()>& goOn);
 /// Copies a tree: lists it first, then creates each folder under `to`, then copies each file over the one there.
 /// A file or folder in `to` whose name differs in case alone is the one copied over. When `to` lies inside `from` it
 /// is left out of the list. Missing when `from` isn't there.

@@ -27,9 +27,9 @@ frmFTP::frmFTP(PublishJob job, UploadOptions options, PublishServices services, 
 std::string frmFTP::run() {
   PublishParts parts{services_.transfer, runUser(), runView(), services_.clock, steps};
   if (steps.exportSql) {
-    parts.steps.exportSql = [this] {
+    parts.steps.exportSql = [this](UserPort& user) {
       showNow();
-      steps.exportSql();
+      return steps.exportSql(user);
     };
   }
   outcome_ = publishShop(job_, options_, parts, &report_);

@@ -49,16 +49,17 @@ PublishOutcome finishShop(const PublishParts& parts) {
 }
 
 /// Sends both folders; the connection is broken off when one fails.
-bool sendFolders(const PublishJob& job, FolderUploader& uploader, const PublishParts& parts) {
+PublishOutcome sendFolders(const PublishJob& job, FolderUploader& uploader, const PublishParts& parts) {
   bool sent = true;
   if (job.otpMode == OtpMode::None) {
     parts.view.operation(preparing);
-    prepareDatabase(job, parts.steps);
+    if (!prepareDatabase(job, parts.steps, parts.user)) return PublishOutcome::Cancelled;
     sent = uploader.UpdateFTP(shopFolderOf(job));
   }
   if (sent) sent = uploader.UpdateFTP(secondFolderOf(job));
-  if (!sent) uploader.HideForm();
-  return sent;
+  if (sent) return PublishOutcome::Done;
+  uploader.HideForm();
+  return uploader.cancelled() ? PublishOutcome::Cancelled : PublishOutcome::Failed;
 }
 
 /// A file of the shop and what is known of it.
@@ -114,11 +115,11 @@ Result<PublishJob> publishJobOf(Session& session) {
   return job;
 }
 
-void prepareDatabase(const PublishJob& job, const PublishSteps& steps) {
+bool prepareDatabase(const PublishJob& job, const PublishSteps& steps, UserPort& user) {
   for (const std::string& name : listFiles(job.onlineFolder, "*.sql")) {
     ignore(deleteFile(joinPath(job.onlineFolder, name)), "a file that is in the way is reported when it is replaced");
   }
-  if (steps.exportSql) steps.exportSql();
+  return !steps.exportSql || steps.exportSql(user);
 }
 
 UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settings, const FirewallSettings& way) {
@@ -143,8 +144,7 @@ UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settin
 
 PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, const PublishParts& parts,
                            PublishReport* report) {
-  bool sent = false;
-  bool cancelled = false;
+  PublishOutcome sent = PublishOutcome::Failed;
   {
     // The table is closed before the update of the database, which deletes the rows of what the host has loaded.
     auto table = FileTable::open(job.shopFolder, options.contentCheck);
@@ -154,13 +154,12 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
     }
     FolderUploader uploader({parts.transfer, parts.user, parts.view, *table, parts.clock}, options);
     sent = sendFolders(job, uploader, parts);
-    cancelled = uploader.cancelled();
     if (report != nullptr) *report = uploader.report();
-    if (!cancelled) parts.view.operation(reportText(uploader.report()));
+    if (sent != PublishOutcome::Cancelled) parts.view.operation(reportText(uploader.report()));
     // Nobody is there any more to tell.
     parts.transfer.listen({});
   }
-  if (!sent) return cancelled ? PublishOutcome::Cancelled : PublishOutcome::Failed;
+  if (sent != PublishOutcome::Done) return sent;
   if (job.otpMode == OtpMode::None) return finishShop(parts);
   parts.user.message(listsUpdated, Icon::Information);
   return PublishOutcome::Done;

@@ -29,8 +29,9 @@ Result<PublishJob> publishJobOf(Session& session);
 
 /// Steps of the run that belong to others. One that isn't set is left out.
 struct PublishSteps {
-  /// Makes the SQL files of the online folder, whole or as a difference.
-  std::function<void()> exportSql;
+  /// Makes the SQL files of the online folder, whole or as a difference; failures are shown to the user of the run.
+  /// False when that user has cancelled it.
+  std::function<bool(UserPort& user)> exportSql;
   /// frmUpdate (online database update): "OK", a text that the user is to read, or empty when it was interrupted.
   std::function<std::string()> updateDatabase;
   /// Opens the shop's first page in the browser.
@@ -52,8 +53,8 @@ enum class PublishOutcome { Done, Failed, Cancelled };
 /// The choices of a run as the shop's files make them. kvftp.dat is read as well.
 UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settings, const FirewallSettings& way);
 
-/// Deletes the SQL files of the online folder and has the step make new ones.
-void prepareDatabase(const PublishJob& job, const PublishSteps& steps);
+/// Deletes the SQL files of the online folder and has the step make new ones. False when the user has cancelled it.
+bool prepareDatabase(const PublishJob& job, const PublishSteps& steps, UserPort& user);
 
 /// Publishes a shop. `report`: what was sent, also after a failure.
 PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, const PublishParts& parts,

@@ -38,6 +38,7 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
   }
   // What the host has loaded is no longer there: an SQL file is sent whatever is in it.
   if (isWanted && options_.contentCheck && !endsWithIgnoringCase(name, ".sql")) isWanted = hasNewContent(lane, *row);
+  if (cancelled_) return;
   if (!isWanted) {
     ++report_.skipped;
     lane.fileSize = 0;
@@ -48,7 +49,7 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
 }
 
 bool FolderUploader::hasNewContent(Lane& lane, const std::optional<SentFile>& row) {
-  lane.file.digest = fileDigest(lane.file.path).value_or(std::string());
+  lane.file.digest = fileDigest(lane.file.path, [this] { return mayGoOn(); }).value_or(std::string());
   if (options_.sendAll || !row || !hasSameContent(*row, lane.file.digest)) return true;
   tellTable(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
   return false;

@@ -58,9 +58,9 @@ CliOutcome publishFromCli(const std::string& shop, const PublishFlags& flags, En
   const auto transfer = makeTransfer(setup->way.protocol);
   const auto http = makeHttpClient();
   PublishSteps steps;
-  steps.exportSql = [&] { setup->exportSql(env.user); };
+  steps.exportSql = [&setup](UserPort& user) { return setup->exportSql(user); };
   if (flags.dryRun) {
-    prepareDatabase(setup->job, steps);
+    if (!prepareDatabase(setup->job, steps, env.user)) return CliOutcome::Cancelled;
     return nameFiles(setup->job, setup->options(), env, out);
   }
   steps.updateDatabase = [&] { return setup->updateDatabase(env.user, *http, [&env] { return env.user.yield(); }); };

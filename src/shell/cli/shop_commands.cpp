@@ -134,6 +134,7 @@ CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream
   readLockOption(shop, lock);
   ExportReport report;
   ExportFullSql({shop, open.session.onlineFolder, env.user, env.settings, lock}, sec, &report);
+  if (report.cancelled) return CliOutcome::Cancelled;
   tellExported(open.session, report, out);
   for (const std::string& name : report.unwritten) {
     env.user.message("Impossibile scrivere il file " + joinPath(open.session.onlineFolder, name), Icon::Critical);

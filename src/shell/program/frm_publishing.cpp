@@ -29,7 +29,7 @@ bool runPublish(frmMain& window, Session& session, Environment& env, LockStateme
   }
   const auto transfer = makeTransfer(setup->way.protocol);
   frmFTP dialog(setup->job, setup->options(), {*transfer, env.user, env.clock}, &window);
-  dialog.steps.exportSql = [&] { setup->exportSql(env.user); };
+  dialog.steps.exportSql = [&setup](UserPort& user) { return setup->exportSql(user); };
   dialog.steps.updateDatabase = [&] { return updateInWindow(session, env, &dialog); };
   dialog.steps.openSite = [&window] {
     const std::string address = window.workbench().shown(*editorOf(EditedSet::Generale, shopAddressField));

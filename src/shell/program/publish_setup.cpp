@@ -24,11 +24,14 @@ Result<PublishSetup> PublishSetup::of(Session& session, Environment& env, LockSt
   return setup;
 }
 
-void PublishSetup::exportSql(UserPort& user) {
+bool PublishSetup::exportSql(UserPort& user) {
   const auto shop = readPublishedShop(session_->catalogue);
-  if (!shop) return user.message(failureText(shop.error()), Icon::Exclamation);
-  exportForPublishing({session_->ShopFolder, session_->onlineFolder, user, env_->settings, *lock_}, *shop,
-                      settings.allRecords);
+  if (!shop) {
+    user.message(failureText(shop.error()), Icon::Exclamation);
+    return true;
+  }
+  return exportForPublishing({session_->ShopFolder, session_->onlineFolder, user, env_->settings, *lock_}, *shop,
+                             settings.allRecords);
 }
 
 std::string PublishSetup::updateDatabase(UserPort& user, HttpClient& http, const std::function<bool()>& yield) const {

@@ -24,8 +24,9 @@ class PublishSetup {
 
   /// The choices of the run as they are now.
   UploadOptions options() const { return uploadOptions(job, settings, way); }
-  /// Makes the SQL files, whole or as a difference; failures are shown to `user`.
-  void exportSql(UserPort& user);
+  /// Makes the SQL files, whole or as a difference; failures are shown to `user`. False when that user has cancelled
+  /// it.
+  bool exportSql(UserPort& user);
   /// Has the host load the SQL files, without a window. "OK", a text that the user is to read, or empty when `yield`
   /// has cancelled it.
   std::string updateDatabase(UserPort& user, HttpClient& http, const std::function<bool()>& yield) const;
