@@ -14,6 +14,8 @@
 
 namespace kv::test {
 
+class TlsServer;
+
 /// What goes wrong at one command.
 struct FtpFault {
   enum class Kind {
@@ -21,6 +23,7 @@ struct FtpFault {
     Missing,     ///< nothing is said until the client leaves
     Close,       ///< the control connection is closed
     LateReply,   ///< the usual reply, `milliseconds` later
+    MoreLines,   ///< the usual replies, each in several lines
     RefuseData,  ///< the command is begun and no data connection comes about
     CutData,     ///< the data connection is reset after `bytes`; then `reply`, 426 when that is empty
     StallData,   ///< nothing more is read after `bytes`
@@ -43,8 +46,9 @@ struct FtpManners {
   std::string proxyUser = {};   ///< not empty: an FTP proxy with a login of its own
   std::string proxyPassword = {};
   int atOnce = 1;  ///< connections that are served side by side; more wait, or are refused with 421 when this is > 1
-  bool renamesOver = true;  ///< a name that is taken is no obstacle to a rename
-  bool wantsHost = false;   ///< a proxy: SITE or OPEN comes before the login, or "@host" with the name
+  bool renamesOver = true;         ///< a name that is taken is no obstacle to a rename
+  const TlsServer* tls = nullptr;  ///< encrypts the control connection after AUTH; the data connections stay clear
+  bool wantsHost = false;          ///< a proxy: SITE or OPEN comes before the login, or "@host" with the name
 };
 
 class ScriptedFtpServer {

@@ -17,6 +17,7 @@
 
 #include "support/local_listener.h"
 #include "support/scripted_ftp_server.h"
+#include "support/tls_server.h"
 
 namespace kv::test {
 namespace ftp {
@@ -47,6 +48,7 @@ class ScriptedFtpServer::Talk {
   Talk& operator=(const Talk&) = delete;
   ~Talk() {
     closeData();
+    SSL_free(tls_);
     ::close(control_);
   }
 
@@ -103,12 +105,14 @@ class ScriptedFtpServer::Talk {
     if (verb == "OPEN" || (verb == "SITE" && !hostKnown_)) return proxyHost();
     if (verb == "QUIT") return say("221 arrivederci");
     if (verb == "FEAT" && server_.manners_.asksUtf8) return sendAll("211-Features\r\n UTF8\r\n211 End\r\n");
+    if (verb == "AUTH" && server_.manners_.tls != nullptr) return encrypt();
     if (!loggedIn_ && verb != "AUTH" && verb != "FEAT") return say("530 prima il login");
     if (verb == "PWD") return say("257 \"" + folder_ + "\"");
     if (verb == "CWD") return enter(ftp::joined(folder_, rest));
     if (verb == "CDUP") return enter(ftp::above(folder_));
     if (verb == "TYPE" || verb == "OPTS") return say("200 bene");
-    if (verb == "SITE" || verb == "NOOP") return say("200 bene");
+    if (verb == "SITE" || verb == "NOOP" || verb == "PBSZ") return say("200 bene");
+    if (verb == "PROT") return say(rest == "C" ? "200 bene" : "536 solo in chiaro");
     if (verb == "EPSV" && server_.manners_.extendedPassive) return passive(true);
     if (verb == "PASV") return passive(false);
     if (verb == "PORT") return active(rest);
@@ -275,8 +279,33 @@ class ScriptedFtpServer::Talk {
     dataListener_ = -1;
   }
 
-  void say(const std::string& line) { sendAll(line + "\r\n"); }
-  void sendAll(const std::string& text) { ::send(control_, text.data(), text.size(), MSG_NOSIGNAL); }
+  void encrypt() {
+    say("234 avanti");
+    tls_ = server_.manners_.tls->shakeHands(control_);
+  }
+
+  void say(const std::string& line) {
+    const std::string code = line.substr(0, 3);
+    sendAll((hasFault(FtpFault::Kind::MoreLines) ? code + "-una riga\r\n e un'altra\r\n" : "") + line + "\r\n");
+  }
+  void sendAll(const std::string& text) {
+    if (tls_ == nullptr) {
+      ::send(control_, text.data(), text.size(), MSG_NOSIGNAL);
+    } else {
+      SSL_write(tls_, text.data(), static_cast<int>(text.size()));
+    }
+  }
+  /// What has come over the control connection, waiting for it; empty at its end and at that of the test.
+  std::string receive() {
+    pollfd one{control_, POLLIN, 0};
+    while ((tls_ == nullptr || SSL_pending(tls_) == 0) && ::poll(&one, 1, ftp::tick) == 0) {
+      if (server_.ending_) return {};
+    }
+    if (tls_ != nullptr) return readSome(tls_);
+    std::array<char, 4096> piece{};
+    const ssize_t count = ::recv(control_, piece.data(), piece.size(), 0);
+    return {piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+  }
 
   std::optional<std::string> readLine() {
     for (;;) {
@@ -285,14 +314,9 @@ class ScriptedFtpServer::Talk {
         unread_.erase(0, end + 2);
         return line;
       }
-      pollfd one{control_, POLLIN, 0};
-      while (::poll(&one, 1, ftp::tick) == 0) {
-        if (server_.ending_) return std::nullopt;
-      }
-      std::array<char, 4096> piece{};
-      const ssize_t count = ::recv(control_, piece.data(), piece.size(), 0);
-      if (count <= 0) return std::nullopt;
-      unread_.append(piece.data(), static_cast<std::size_t>(count));
+      const std::string more = receive();
+      if (more.empty()) return std::nullopt;
+      unread_ += more;
     }
   }
 
@@ -300,6 +324,7 @@ class ScriptedFtpServer::Talk {
   int control_;
   int dataListener_ = -1;
   int activePort_ = 0;
+  SSL* tls_ = nullptr;
   std::string folder_, user_, renamed_, unread_;
   bool loggedIn_ = false, hostKnown_ = true, proxyPassed_ = true;
   std::optional<FtpFault> fault_;

@@ -1,13 +1,8 @@
 // TLS with a server that shows a certificate of the test's own: what is trusted, what a server may do with the closing
 // of a connection, and where a secret must not go.
-#include <openssl/pem.h>
-#include <openssl/ssl.h>
-#include <openssl/x509v3.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -16,80 +11,16 @@
 
 #include "platform/transfer/http_client.h"
 #include "support/scripted_http_server.h"
+#include "support/tls_server.h"
 #include "transfer/transfer_fixture.h"
 
 namespace kv {
 namespace {
 
 using test::LocalListener;
+using test::readSome;
 using test::ScriptedHttpServer;
-
-using CertifiedContext = std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)>;
-using OwnKey = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
-using OwnCertificate = std::unique_ptr<X509, decltype(&X509_free)>;
-
-void addToCertificate(X509* certificate, int kind, const char* value) {
-  X509_EXTENSION* const extension = X509V3_EXT_conf_nid(nullptr, nullptr, kind, value);
-  X509_add_ext(certificate, extension, -1);
-  X509_EXTENSION_free(extension);
-}
-
-/// A certificate for 127.0.0.1 that has signed itself.
-OwnCertificate certificateFor(EVP_PKEY* key) {
-  constexpr long day = 86400;
-  OwnCertificate made(X509_new(), &X509_free);
-  X509_set_version(made.get(), X509_VERSION_3);
-  ASN1_INTEGER_set(X509_get_serialNumber(made.get()), 1);
-  X509_gmtime_adj(X509_getm_notBefore(made.get()), -day);
-  X509_gmtime_adj(X509_getm_notAfter(made.get()), day);
-  X509_NAME* const name = X509_get_subject_name(made.get());
-  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("prova"), -1, -1, 0);
-  X509_set_issuer_name(made.get(), name);
-  X509_set_pubkey(made.get(), key);
-  addToCertificate(made.get(), NID_subject_alt_name, "IP:127.0.0.1");
-  addToCertificate(made.get(), NID_basic_constraints, "critical,CA:TRUE");
-  X509_sign(made.get(), key, EVP_sha256());
-  return made;
-}
-
-/// A server that shakes hands with each connection, and leaves the rest to the test.
-class TlsServer {
- public:
-  TlsServer()
-      : key_(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"), &EVP_PKEY_free),
-        certificate_(certificateFor(key_.get())) {
-    SSL_CTX_use_certificate(context_.get(), certificate_.get());
-    SSL_CTX_use_PrivateKey(context_.get(), key_.get());
-  }
-  /// In the server's thread, which a client that has gone away must not end.
-  SSL* shakeHands(int descriptor) const {
-    sigset_t pipe;
-    ::sigemptyset(&pipe);
-    ::sigaddset(&pipe, SIGPIPE);
-    ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
-    SSL* const ssl = SSL_new(context_.get());
-    SSL_set_fd(ssl, descriptor);
-    SSL_accept(ssl);
-    return ssl;
-  }
-  /// The certificate as a file of trusted ones.
-  void writeTo(const std::string& path) const {
-    FILE* const file = std::fopen(path.c_str(), "w");
-    PEM_write_X509(file, certificate_.get());
-    std::fclose(file);
-  }
-
- private:
-  OwnKey key_;
-  OwnCertificate certificate_;
-  CertifiedContext context_{SSL_CTX_new(TLS_server_method()), &SSL_CTX_free};
-};
-
-std::string readSome(SSL* ssl) {
-  std::array<char, 65536> piece{};
-  const int count = SSL_read(ssl, piece.data(), static_cast<int>(piece.size()));
-  return {piece.data(), static_cast<std::size_t>(std::max(count, 0))};
-}
+using test::TlsServer;
 
 /// An HTTPS server that gives one answer to all.
 class HttpsServer {

@@ -197,8 +197,9 @@ Result<std::uint64_t> FtpTransfer::sendFile(LocalFile& file, Wire& wire, Patienc
 Result<> FtpTransfer::requireSize(const std::string& name, std::uint64_t bytes, Patience& patience) {
   const auto reply = session_.control.command("SIZE " + name, patience);
   if (!reply) return fail(reply.error());
-  // A server that doesn't tell has said that the file is there.
-  if (reply->code != 213 || trim(reply->text) == std::to_string(bytes)) return {};
+  // A server that doesn't tell has said that the file is there. Of several lines the last has the number.
+  const std::string_view last = std::string_view(reply->text).substr(reply->text.rfind('\n') + 1);
+  if (reply->code != 213 || trim(last) == std::to_string(bytes)) return {};
   return transferFailure(transferNoData, "connessione dati: " + socketText(ECONNRESET));
 }
 
