@@ -1,9 +1,6 @@
 #include <QAbstractButton>
-#include <QApplication>
-#include <QDialog>
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <array>
 #include <utility>
 
@@ -19,7 +16,6 @@ constexpr int pagesInThePicture = 48;
 constexpr int pageOfThePicture = 30;  // while which one is sent the picture is taken
 constexpr std::size_t pageSize = 41'500;
 constexpr int shownMilliseconds = 200;  // a run shows itself a few times in a second
-constexpr int messageMilliseconds = 20;
 
 /// A server that agrees to everything. In the middle of one page it has the picture taken; then the run is cancelled.
 class ServerInThePicture final : public Transfer {
@@ -48,6 +44,7 @@ class ServerInThePicture final : public Transfer {
     events_.sent(pageSize * 2 / 5);
     ignore(waitFor(shownMilliseconds, events_.yield), "the picture is taken as the window is then");
     take_();
+    ignore(events_.yield(), "the run learns that it is cancelled");
     return {transferCancelled, {}, {}};
   }
   TransferCompletion append(const std::string& path, const std::string& name, TransferMode mode) override {
@@ -104,19 +101,16 @@ void takeRunningPublish(Stage& stage, const QString& name) {
   makePages(job.onlineFolder);
   PublishSettings settings;
   settings.onlyShopFiles = false;
-  QTimer closing;
+  frmFTP* shown = nullptr;
   ServerInThePicture server([&] {
     Stage::processEvents();
     stage.take(name);
-    closing.start(messageMilliseconds);
+    // A run that fails by itself says so in a message, which nobody would close.
+    shown->reject();
   });
   ClockInThePicture clock;
   frmFTP window(job, uploadOptions(job, settings, {}), {server, stage.user(), clock}, &stage.window());
-  // A run that ends early says what was sent.
-  QObject::connect(&closing, &QTimer::timeout, &closing, [&window] {
-    auto* message = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    if (message != nullptr && message != &window) message->reject();
-  });
+  shown = &window;
   window.exec();
 }
 
