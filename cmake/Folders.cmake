@@ -1,10 +1,11 @@
-# korvane_folder(NAME [USES other...]): the static library of one folder of src/ with all its rooms. Its headers are
-# reached as "NAME/room/header.h" through an include directory that holds that one folder alone, so that an include of
+# korvane_folder(NAME [QUICK] [USES other...]): the static library of one folder of src/ with all its rooms. Its headers
+# are reached as "NAME/room/header.h" through an include directory that holds that one folder alone, so that an include of
 # a folder which is not named under USES (or by those) does not compile. The order of the rooms inside a folder is
 # checked by tools/check-layers. Files frm_* hold windows and are left to <name>_forms, files *_main.cpp to the
-# programs. KORVANE_FOLDERS lists the folders declared so far.
+# programs. QUICK: its tests compute little, so that under the sanitizers it is compiled without optimization, in less
+# than half the time. KORVANE_FOLDERS lists the folders declared so far.
 function(korvane_folder name)
-  cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
+  cmake_parse_arguments(ARG "QUICK" "" "USES" ${ARGN})
   set(KORVANE_FOLDERS ${KORVANE_FOLDERS} ${name} PARENT_SCOPE)
   set(root ${CMAKE_BINARY_DIR}/include/${name})
   file(MAKE_DIRECTORY ${root})
@@ -16,6 +17,9 @@ function(korvane_folder name)
     target_include_directories(${name} PUBLIC ${root})
     target_link_libraries(${name} PUBLIC ${ARG_USES} PRIVATE korvane_options)
     korvane_unity(${name} 20)
+    if(ARG_QUICK AND KORVANE_SANITIZE AND KORVANE_UNITY)
+      target_compile_options(${name} PRIVATE -O0)
+    endif()
     korvane_tidy(${name})
   else()
     add_library(${name} INTERFACE)
