@@ -30,7 +30,7 @@ KORVANE_VALORI
     if (!isset($methods[$method - 1]) || !is_file('thankyou' . $method . '<<1-IDlingua>>.php')) {
         kvRefuseOrder("<<4-metodo_non_ammesso>>");
     }
-    return [$method, kvUtf8($methods[$method - 1]['nome'])];
+    return [$method, kvUtf8($methods[$method - 1]['name'])];
 }
 
 /**

@@ -106,7 +106,7 @@ function kvChooseStep(array $order): string
             $name = kvHtmlUtf8($line['testo'] . ($line['scelte'] === '' ? '' : ' (' . $line['scelte'] . ')'));
             $html .= "<label class=\"spunta\"><input type=\"checkbox\" name=\"riga[$n]\" value=\"1\"> <span>$name</span></label>"
                 . '<label>' . kvHtml("<<4-recesso_pezzi>>") . "<span class=\"nascosto\">: $name</span> <input type=\"number\""
-                . " inputmode=\"numeric\" name=\"pezzi[$n]\" min=\"1\" max=\"$line[resto]\" value=\"$line[resto]\" required></label>";
+                . " inputmode=\"numeric\" name=\"pezzi[$n]\" min=\"1\" max=\"$line[rest]\" value=\"$line[rest]\" required></label>";
         }
     }
     return ($order['tardi'] ? '<p class="avviso">' . kvHtml("<<4-recesso_tardi>>") . '</p>' : '') . $html
