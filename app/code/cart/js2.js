@@ -333,7 +333,9 @@ function CaricaDati() {
       field.value = value;
     }
     if (name === "paese" && value !== "") {
-      const country = Array.from(form.LSStato.options).findIndex(function (entry) { return countryName(entry) === value || entry.text === value; });
+      const country = Array.from(form.LSStato.options).findIndex(function (entry) {
+        return countryName(entry) === value || entry.text === value;
+      });
       form.LSStato.selectedIndex = country >= 0 ? country : form.LSStato.selectedIndex;
     }
   });

@@ -2,8 +2,8 @@
 // The cart page beyond its lines: picture and link of each, the way to the order or what keeps from it, what shipping would
 // cost by country before there is an order form, and what is missing until it costs nothing. The rule is that of
 // kvstima.php.
-/* global orderTotals, isMethodAllowed, addTotalRow, amountText, tableValue, SpOk, tipopeso, zonainiziale, scale, create, needsCorrection, wholeParts */
-/* global minimo, valuta */
+/* global orderTotals, isMethodAllowed, addTotalRow, amountText, tableValue, SpOk, tipopeso, zonainiziale, scale, create */
+/* global needsCorrection, wholeParts, minimo, valuta */
 "use strict";
 
 /** The payment methods (from 1) that a zone allows, the one that the order form starts with first. */

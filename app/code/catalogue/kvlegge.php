@@ -136,7 +136,8 @@ function kvSafetyData(array $row): string
     $entries = '';
     foreach ([["<<4-produttore>>", 'nome', 'indirizzo', 'contatto'],
               ["<<4-responsabile_ue>>", 'responsabile', 'resp_indirizzo', 'resp_contatto']] as list($word, $name, $street, $contact)) {
-        $rows = array_filter([kvHtml(trim($company[$name] ?? '')), kvHtml(trim($company[$street] ?? '')), kvContactLink(trim($company[$contact] ?? ''))],
+        $rows = array_filter([kvHtml(trim($company[$name] ?? '')), kvHtml(trim($company[$street] ?? '')),
+            kvContactLink(trim($company[$contact] ?? ''))],
             'strlen');
         $entries .= $rows === [] ? '' : '<dt>' . kvHtml($word) . '</dt><dd>' . implode('<br>', $rows) . '</dd>';
     }
