@@ -181,6 +181,24 @@ class Loads(Case):
         self.assertEqual(self.load("\r\n", "\r\n"), "OK")
         self.assertEqual(kept(), [])
 
+    def test_words_of_many_articles_are_read_for_the_articles_of_a_rare_one_alone(self):
+        self.assertEqual(self.load(None, None), "OK")
+        shop().execute("INSERT INTO kv_vocaboli VALUES ('comunissimo'), ('rarissimo')",
+                       "INSERT INTO kv_parole SELECT 'comunissimo', 900000 + seq, 2 FROM seq_0_to_9999",
+                       "INSERT INTO kv_parole VALUES ('rarissimo', 900007, 2), ('rarissimo', 950000, 2)",
+                       "INSERT INTO kv_voci SELECT 900000 + seq, 'cat007', seq, UNHEX(MD5(seq)), '' FROM seq_0_to_9999")
+        read = lambda: int(shop().rows("SHOW GLOBAL STATUS LIKE 'Handler_read_next'")[0][1])
+        try:
+            before = read()
+            for words in ("comunissimo+rarissimo", "rariss+comuniss"):
+                self.assertEqual(self.found(words), 1, words)
+            self.assertLess(read() - before, 9000)
+            self.assertEqual(self.found("comunissimo"), 10000)
+        finally:
+            shop().execute("DELETE FROM kv_vocaboli WHERE parola IN ('comunissimo', 'rarissimo')",
+                           "DELETE FROM kv_parole WHERE articolo >= 900000",
+                           "DELETE FROM kv_voci WHERE articolo >= 900000", "DELETE FROM kv_ricerche")
+
     def test_suggestions_for_a_much_used_beginning_are_kept_until_the_next_load(self):
         self.assertEqual(self.load(None, None), "OK")
         ask = lambda: json.loads(shop().visitor().ask("kvsuggerisci.php?q=ta").body)

@@ -11,6 +11,8 @@ include_once "kvfound.php";
 const KV_SHOP_WORDS = 5000;
 /** Most words of the shop for which a single character is looked up: of more, nearly every article has one. */
 const KV_SHORT_WORDS = 300;
+/** Most articles of the rarest part of a request that the other parts are asked about one by one. */
+const KV_FEW_ARTICLES = 300;
 
 /** Whether the index is there and can answer: where any word is enough, words without marks. */
 function kvIsIndexReady(array $kept, array $words, bool $all): bool
@@ -50,29 +52,60 @@ function kvShopWords(string $pattern, int $most = KV_SHOP_WORDS): ?array
 }
 
 /**
- * The articles that have a word which fits a pattern, or the whole of it, as a SELECT of articolo and punti; values go to
- * `values`. Without being told, the server would rather walk through all words in the order of the articles.
+ * What a part of a request asks of a word: a condition, its values, and how many words it names; null where they are too
+ * many to be told one by one.
  */
-function kvWordSelect(string $pattern, string $piece, bool $whole, array &$values): string
+function kvPartCondition(string $pattern, string $piece, bool $whole): array
 {
-    $table = 'kv_parole' . $GLOBALS['Lingua'];
+    $words = $whole ? [$piece] : kvShopWords($pattern);
+    if ($words === null) {
+        return ['parola LIKE ?', [$pattern], null];
+    }
+    return [$words === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($words), '?')) . ')', $words, count($words)];
+}
+
+/**
+ * The articles of the rarest part of a request; null where each part has more than a few. Of all other parts these articles
+ * alone have to be looked at: a part that many have takes longest of all.
+ */
+function kvFewArticles(array $conditions): ?array
+{
+    $few = null;
+    foreach ($conditions as list($where, $values, $count)) {
+        // More words than these are in more articles.
+        if ($count === null || $count > KV_FEW_ARTICLES) {
+            continue;
+        }
+        $most = $few === null ? KV_FEW_ARTICLES : count($few) - 1;
+        $rows = kvQuery("SELECT articolo FROM kv_parole{$GLOBALS['Lingua']} FORCE INDEX (PRIMARY) WHERE $where LIMIT "
+            . ($most + 1), $values);
+        if ($rows !== null && count($rows) <= $most) {
+            $few = array_values(array_unique(array_map('intval', array_column($rows, 'articolo'))));
+        }
+    }
+    return $few;
+}
+
+/**
+ * The articles that have a word as a part of a request asks (kvPartCondition), as a SELECT of articolo and punti; values go
+ * to `values`. With `few` only these are looked at. Without being told, the server would rather walk through all words in
+ * the order of the articles, and with few of those through all articles of a word.
+ */
+function kvWordSelect(array $condition, string $piece, bool $whole, ?array $few, array &$values): string
+{
+    list($where, $words, $count) = $condition;
+    $table = 'kv_parole' . $GLOBALS['Lingua'] . ($few === null ? '' : ' IGNORE INDEX (PRIMARY)');
+    $where .= $few === null ? '' : ($few === [] ? ' AND 1 = 0' : ' AND articolo IN (' . implode(',', $few) . ')');
     if ($whole) {
         $values[] = $piece;
-        return "SELECT articolo, rango * 3 AS punti FROM $table WHERE parola = ?";
+        return "SELECT articolo, rango * 3 AS punti FROM $table WHERE $where";
     }
-    $words = kvShopWords($pattern);
-    array_push($values, $piece, addcslashes($piece, '%_\\') . '%');
-    if ($words === null) {
-        $where = 'parola LIKE ?';
-        $values[] = $pattern;
-    } else {
-        $where = $words === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($words), '?')) . ')';
-        $values = array_merge($values, $words);
-    }
+    array_push($values, $piece, addcslashes($piece, '%_\\') . '%', ...$words);
     $points = 'rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))';
     // An article has a word once: of one word alone there is nothing to be put together.
-    return $words !== null && count($words) === 1 ? "SELECT articolo, $points AS punti FROM $table WHERE $where"
-        : "SELECT articolo, MIN($points) AS punti FROM $table FORCE INDEX (PRIMARY) WHERE $where GROUP BY articolo";
+    return $count === 1 ? "SELECT articolo, $points AS punti FROM $table WHERE $where"
+        : "SELECT articolo, MIN($points) AS punti FROM $table" . ($few === null ? ' FORCE INDEX (PRIMARY)' : '')
+            . " WHERE $where GROUP BY articolo";
 }
 
 /** The conditions that request words with marks inside put on an article besides; values go to `values`. */
@@ -115,11 +148,15 @@ function kvRequestParts(array $words): array
 function kvIndexQuery(array $words, bool $all, bool $wholeWords): array
 {
     $pieces = kvRequestParts($words);
-    $values = [];
-    $choices = $pieces === [] ? ["(SELECT articolo, 0 AS punti FROM kv_voci{$GLOBALS['Lingua']})"] : [];
+    $values = $conditions = [];
+    $isWhole = fn($pattern): bool => $wholeWords || (string) $pattern === addcslashes($pieces[$pattern], '%_\\');
     foreach ($pieces as $pattern => $piece) {
-        $whole = $wholeWords || (string) $pattern === addcslashes($piece, '%_\\');
-        $choices[] = '(' . kvWordSelect((string) $pattern, $piece, $whole, $values) . ')';
+        $conditions[$pattern] = kvPartCondition((string) $pattern, $piece, $isWhole($pattern));
+    }
+    $few = $all && count($pieces) > 1 ? kvFewArticles($conditions) : null;
+    $choices = $pieces === [] ? ["(SELECT articolo, 0 AS punti FROM kv_voci{$GLOBALS['Lingua']})"] : [];
+    foreach ($conditions as $pattern => $condition) {
+        $choices[] = '(' . kvWordSelect($condition, $pieces[$pattern], $isWhole($pattern), $few, $values) . ')';
     }
     $wanted = $all ? count($pieces) : 1;
     $found = count($choices) === 1 ? $choices[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
