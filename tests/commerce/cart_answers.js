@@ -21,6 +21,6 @@ fs.readFileSync(cases, "utf8").split("\n").filter(Boolean).forEach(function (lin
   vm.runInContext(order.script, context);
   vm.runInContext(sources[1], context);
   vm.runInContext(sources[2], context);
-  const asked = context.totali([{ p: order.goods, q: 1, v: 0, w: order.weight, s: [] }], order.method, order.zone);
+  const asked = context.orderTotals([{ p: order.goods, q: 1, v: 0, w: order.weight, s: [] }], order.method, order.zone);
   console.log([asked.ammesso ? 1 : 0, asked.spese, asked.ivaspese].join(" "));
 });
