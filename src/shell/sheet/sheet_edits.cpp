@@ -68,10 +68,9 @@ CellReading readCell(const SheetColumn& column, const CellText& cell, const std:
   CellReading reading;
   const std::string typed = cell.isTyped ? asPasted(*column.editor, text, separator, reading) : text;
   if (!reading.why.empty() || typed == before) return reading;
-  reading.why = refusedText(column.editor->kind, typed, isWholeNumberType(column.stored.type), separator);
-  if (!reading.why.empty()) return reading;
   const FieldText field = readField(*column.editor, column.stored, typed, before, separator);
-  if (field.text != before) reading.value = field.value;
+  reading.why = field.refusal;
+  if (reading.why.empty() && field.text != before) reading.value = field.value;
   return reading;
 }
 

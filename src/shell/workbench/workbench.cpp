@@ -239,27 +239,18 @@ void Workbench::SpostaInReparto(const ArticleGroup& group, const std::string& de
   view_.entriesChanged();
 }
 
-namespace {
-
-/// What to say of a percent that was stored as 0 since it is no number; empty for anything else.
-std::string zeroNote(FieldKind kind, const std::string& text, char decimalSeparator) {
-  if (kind != FieldKind::Percent || trim(text).empty() || isFieldNumber(text, decimalSeparator)) return {};
-  return "\"" + text + "\" non è un numero: il valore è ora 0.";
-}
-
-}  // namespace
-
 Workbench::LeftField Workbench::leaveField(const Editor& editor, const std::string& text) {
   if (!isOpen()) return {};
-  if (const std::string refusal = fields_.refusal(editor, text); !refusal.empty()) {
+  const FieldStore::Reading reading = fields_.read(editor, text);
+  if (const std::string& refusal = reading.field.refusal; !refusal.empty()) {
     view_.fieldsChanged(editor.set);
     return {true, refusal};
   }
-  const FieldStore::Outcome outcome = fields_.leave(editor, text);
+  const FieldStore::Outcome outcome = fields_.leave(editor, reading);
   if (!outcome.done) return refuseField(editor, text, outcome.done.error());
   unsaved_.erase(&editor);
   view_.fieldsChanged(editor.set);
-  const std::string mark = zeroNote(editor.kind, text, decimalSeparator());
+  const std::string& mark = reading.field.note;
   if (!outcome.written) return {true, mark};
   if (editor.column == "template") editing_.showModel(text);
   refreshTabKeys();

@@ -56,7 +56,8 @@ std::string shownValue(const Editor& editor, const ColumnInfo& column, const Val
 
 FieldText readField(const Editor& editor, const ColumnInfo& column, const std::string& text, const std::string& before,
                     char decimalSeparator) {
-  FieldForm form{editor.kind, columnFormOf(editor, column), becomesZero(editor), decimalSeparator};
+  FieldForm form{editor.kind, columnFormOf(editor, column), becomesZero(editor), decimalSeparator,
+                 isWholeNumberType(column.type)};
   // An article that isn't on offer has no offer price: a 0 would be one.
   if (editor.column == "offertaprezzo" && trim(text).empty()) form.zeroUnlessNumber = false;
   return leftField(form, text, before);

@@ -73,17 +73,44 @@ Value storedValue(ColumnForm stored, const std::string& text) {
   }
 }
 
-FieldText leftNumber(const FieldForm& form, const std::string& text, const std::string& lastGood) {
+/// A text that a field is left with, read as a number.
+struct TypedNumber {
+  std::string stored;            ///< as the store takes it
+  std::optional<double> number;  ///< none when it isn't one
+  bool isEmpty = true;
+};
+
+TypedNumber readTyped(const std::string& text, char decimalSeparator) {
+  std::string stored = storedNumber(text, decimalSeparator);
+  const auto number = toNumber(stored);
+  const bool isEmpty = stored.empty();
+  return {std::move(stored), number, isEmpty};
+}
+
+std::string refusalOf(const FieldForm& form, const std::string& text, const TypedNumber& typed) {
+  if (!isNumberKind(form.kind) || typed.isEmpty) return {};
+  const std::string quoted = "\"" + text + "\"";
+  if (!isTypedNumber(trim(text), form.decimalSeparator)) {
+    if (form.kind == FieldKind::Percent || form.kind == FieldKind::Amount) return {};
+    return quoted + " non è un numero: è rimasto il valore precedente.";
+  }
+  if (!form.wholeNumbers || !typed.number || std::trunc(*typed.number) == *typed.number) return {};
+  return quoted + " non è un numero intero: è rimasto il valore precedente.";
+}
+
+FieldText leftNumber(const FieldForm& form, const std::string& text, const std::string& lastGood, TypedNumber typed) {
   FieldText field;
-  field.text = cutText(form.kind, text);
-  std::string number = storedNumber(field.text, form.decimalSeparator);
+  field.text = text;
+  std::string number = std::move(typed.stored);
+  field.valid = typed.number.has_value();
   if (form.kind == FieldKind::Amount) {
     const auto money = Money::parse(number);
     field.text = money ? shownNumber(trimmedNumber(*money), form.decimalSeparator) : lastGood;
     number = storedNumber(field.text, form.decimalSeparator);
+    field.valid = isNumeric(number);
   }
-  field.valid = isNumeric(number);
   if (form.kind == FieldKind::Percent && !field.valid) {
+    if (!typed.isEmpty) field.note = "\"" + text + "\" non è un numero: il valore è ora 0.";
     field.text = number = "0";
     field.valid = true;
   }
@@ -155,18 +182,6 @@ std::string refusedKeyNote(FieldKind kind, std::string_view character) {
   return "Il carattere \"" + std::string(character) + "\" non è ammesso in questo campo.";
 }
 
-std::string refusedText(FieldKind kind, std::string_view text, bool wholeNumbers, char decimalSeparator) {
-  if (!isNumberKind(kind) || trim(text).empty()) return {};
-  const std::string quoted = "\"" + std::string(text) + "\"";
-  if (!isTypedNumber(trim(text), decimalSeparator)) {
-    if (kind == FieldKind::Percent || kind == FieldKind::Amount) return {};
-    return quoted + " non è un numero: è rimasto il valore precedente.";
-  }
-  const auto number = toNumber(storedNumber(text, decimalSeparator));
-  if (!wholeNumbers || !number || std::trunc(*number) == *number) return {};
-  return quoted + " non è un numero intero: è rimasto il valore precedente.";
-}
-
 std::string changedText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator) {
   switch (kind) {
     case FieldKind::Price:
@@ -190,9 +205,15 @@ std::string changedText(FieldKind kind, const std::string& text, const std::stri
 FieldText leftField(const FieldForm& form, const std::string& text, const std::string& lastGood) {
   const bool isNumber =
       form.stored == ColumnForm::Number || form.kind == FieldKind::Percent || form.kind == FieldKind::Amount;
-  if (isNumber) return leftNumber(form, text, lastGood);
-  const std::string cut = cutText(form.kind, form.stored == ColumnForm::Text ? singleLine(text) : text);
-  return {cut, storedValue(form.stored, cut), true};
+  const bool isLine = !isNumber && form.stored == ColumnForm::Text;
+  const std::string cut = cutText(form.kind, isLine ? singleLine(text) : text);
+  if (!isNumber && !isNumberKind(form.kind)) return {cut, storedValue(form.stored, cut)};
+  TypedNumber typed = readTyped(isNumber ? cut : text, form.decimalSeparator);
+  std::string refusal = refusalOf(form, text, typed);
+  FieldText field =
+      isNumber ? leftNumber(form, cut, lastGood, std::move(typed)) : FieldText{cut, storedValue(form.stored, cut)};
+  field.refusal = std::move(refusal);
+  return field;
 }
 
 std::string reverseRate(std::string_view text, char decimalSeparator) {

@@ -48,10 +48,6 @@ bool isNumberKind(FieldKind kind);
 NumberReading pastedNumber(FieldKind kind, std::string_view text, char decimalSeparator);
 /// What to say beside a field that refuses a character (UTF-8), in Italian.
 std::string refusedKeyNote(FieldKind kind, std::string_view character);
-/// Why the field does not take the text when it is left; empty when it does. Prices, weights, rates and VAT take
-/// numbers alone; percents and amounts have rules of their own (leftField). `wholeNumbers`: the column stores no
-/// decimals.
-std::string refusedText(FieldKind kind, std::string_view text, bool wholeNumbers, char decimalSeparator);
 
 /// The field's text after a change: what is too high is brought to the limit, what is no number goes back to
 /// `lastGood` where the kind says so.
@@ -71,16 +67,20 @@ struct FieldForm {
   ColumnForm stored = ColumnForm::Text;
   bool zeroUnlessNumber = false;  ///< what is no number is stored as 0; else the store refuses it
   char decimalSeparator = ',';
+  bool wholeNumbers = false;  ///< the column stores no decimals
 };
 
 /// A field that has been left: what was typed, read once, as the field shows it and as the column stores it.
 struct FieldText {
   std::string text;
-  Value value;
-  bool valid = true;  ///< false: it is no number, and 0 is stored
+  Value value = {};
+  bool valid = true;         ///< false: it is no number, and 0 is stored
+  std::string refusal = {};  ///< why the field doesn't take what was typed, in Italian; empty when it does
+  std::string note = {};     ///< what to say beside the field once it is stored, in Italian; empty: nothing
 };
 /// Reads the text of a field that is left: cut to its length, or brought to the form of a number; an amount that is
-/// none goes back to `lastGood`. An empty number is stored as null.
+/// none goes back to `lastGood`. An empty number is stored as null. Prices, weights, rates and VAT refuse what is no
+/// number; a percent that is none becomes 0, with a note. text and value are there whatever is refused.
 FieldText leftField(const FieldForm& form, const std::string& text, const std::string& lastGood);
 
 /// The other of a pair of exchange rates: 1 / value, six decimals; empty when the value is no number or zero, and the

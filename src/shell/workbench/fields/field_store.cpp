@@ -100,56 +100,68 @@ int FieldStore::widest(const Editor& editor) {
   return 0;
 }
 
-FieldStore::Outcome FieldStore::leaveReverseRate(const Editor& editor, const std::string& text) {
-  const std::string rate = reverseRate(text, separator_);
-  // Both fields show six decimals: what was only looked at doesn't wear the rate down.
-  if (rate.empty() || text == shown(editor)) return {};
-  return leave(rateEditor(), rate);
+FieldText FieldStore::readText(const Editor& editor, const ColumnInfo* column, const std::string& text,
+                               const std::string& before) const {
+  if (isIdentityField(editor)) return {.text = std::string(trim(text))};
+  const bool isSide = isSideEditor(editor);
+  if (column != nullptr && !isSide) return readField(editor, *column, text, before, separator_);
+  const bool isNumber = isSide && isNumberKind(editor.kind);
+  return leftField({editor.kind, isNumber ? ColumnForm::Number : ColumnForm::Text, false, separator_}, text, before);
 }
 
-FieldStore::Outcome FieldStore::leaveSide(const Editor& editor, const std::string& text) {
-  const std::string before = shown(editor);
-  const ColumnForm stored = isNumberKind(editor.kind) ? ColumnForm::Number : ColumnForm::Text;
-  const FieldText field = leftField({editor.kind, stored, false, separator_}, text, before);
+FieldStore::Reading FieldStore::read(const Editor& editor, const std::string& text) {
+  Reading reading;
+  reading.isOnRow = isOnRow(sets_, editor.set);
+  reading.before = shown(editor);
+  const ColumnInfo* column = reading.isOnRow ? columnInfo(editor) : nullptr;
+  reading.isStored = column != nullptr || isIdentityField(editor) || isSideEditor(editor);
+  reading.field = readText(editor, column, text, reading.before);
+  reading.isChanged = text != reading.before;
+  if (!reading.isOnRow || !reading.isChanged) {
+    reading.field.refusal.clear();
+  } else if (!isSideBySideAllowed(editor, text)) {
+    reading.field.refusal = "Gli articoli affiancati vanno da 1 a 6: è rimasto il valore precedente.";
+  }
+  return reading;
+}
+
+FieldStore::Outcome FieldStore::leave(const Editor& editor, const Reading& reading) {
+  const FieldText& field = reading.field;
+  // Both rates show six decimals: what was only looked at doesn't wear the rate down.
+  if (!reading.isOnRow || !reading.isChanged) return {};
+  if (isReverseRate(editor)) return leaveReverseRate(field.text);
   Outcome outcome;
-  if (text == before || field.text == before) return outcome;
-  outcome.done = prepareSideField(sets_.session().catalogue, sideFieldOf(editor));
-  if (!outcome.done) return outcome;
-  const std::string step = "Modifica " + plainLabel(editor.label);
-  outcome.done = history_.record(step, [&] { return storeSideValue(sets_, editor, field.value); });
-  outcome.written = outcome.done.has_value();
-  return outcome;
-}
-
-std::string FieldStore::refusal(const Editor& editor, const std::string& text) {
-  if (!isOnRow(sets_, editor.set) || text == shown(editor)) return {};
-  if (!isSideBySideAllowed(editor, text))
-    return "Gli articoli affiancati vanno da 1 a 6: è rimasto il valore precedente.";
-  const ColumnInfo* info = columnInfo(editor);
-  return refusedText(editor.kind, text, info != nullptr && isWholeNumberType(info->type), separator_);
-}
-
-FieldStore::Outcome FieldStore::leave(const Editor& editor, const std::string& text) {
-  if (!isOnRow(sets_, editor.set)) return {};
-  if (isIdentityField(editor)) return leaveIdentity(editor, text);
-  if (isReverseRate(editor)) return leaveReverseRate(editor, text);
-  if (isSideEditor(editor)) return leaveSide(editor, text);
-  const std::string before = shown(editor);
-  if (text == before) return {};
-  Outcome outcome;
-  const ColumnInfo* info = columnInfo(editor);
-  if (info == nullptr) {
+  if (!reading.isStored) {
     outcome.done = fail(ErrorKind::Missing, std::string(editor.column), "no such column");
     return outcome;
   }
-  const FieldText field = readField(editor, *info, text, before, separator_);
-  if (field.text == before) return outcome;
-  const std::string step = "Modifica " + plainLabel(editor.label);
-  outcome.done = history_.record(step, [&] { return write(editor, field.value, before); });
+  if (field.text == reading.before) return outcome;
+  if (isSideEditor(editor)) return leaveSide(editor, field.value);
+  if (isIdentityField(editor)) {
+    outcome.done = storeIdentity(sets_, history_, editor, field.text);
+  } else {
+    const std::string step = "Modifica " + plainLabel(editor.label);
+    outcome.done = history_.record(step, [&] { return write(editor, field.value, reading.before); });
+  }
   outcome.written = outcome.done.has_value();
-  if (editor.column.starts_with("valuta") && currencySignNote(before).empty()) {
+  if (editor.column.starts_with("valuta") && currencySignNote(reading.before).empty()) {
     outcome.note = std::string(currencySignNote(field.text));
   }
+  return outcome;
+}
+
+FieldStore::Outcome FieldStore::leaveReverseRate(const std::string& reverse) {
+  const std::string rate = reverseRate(reverse, separator_);
+  return rate.empty() ? Outcome() : leave(rateEditor(), rate);
+}
+
+FieldStore::Outcome FieldStore::leaveSide(const Editor& editor, const Value& value) {
+  Outcome outcome;
+  outcome.done = prepareSideField(sets_.session().catalogue, sideFieldOf(editor));
+  if (!outcome.done) return outcome;
+  const std::string step = "Modifica " + plainLabel(editor.label);
+  outcome.done = history_.record(step, [&] { return storeSideValue(sets_, editor, value); });
+  outcome.written = outcome.done.has_value();
   return outcome;
 }
 
@@ -157,15 +169,6 @@ Result<> FieldStore::write(const Editor& editor, const Value& value, const std::
   const std::string column = columnOf(editor, listino_);
   if (auto stored = sets_.store(editor.set, column, value); !stored) return stored;
   return editor.set == EditedSet::Generale ? followConnection(sets_, editor.column, oldText) : Result<>();
-}
-
-FieldStore::Outcome FieldStore::leaveIdentity(const Editor& editor, const std::string& text) {
-  const std::string entered(trim(text));
-  Outcome outcome;
-  if (entered == shown(editor)) return outcome;
-  outcome.done = storeIdentity(sets_, history_, editor, entered);
-  outcome.written = outcome.done.has_value();
-  return outcome;
 }
 
 }  // namespace kv

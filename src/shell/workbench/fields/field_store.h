@@ -35,15 +35,24 @@ class FieldStore {
     bool written = false;  ///< a row was changed
     std::string note;      ///< to be told to the user
   };
-  /// Leaving the field with this text: brings it to its form and saves the row; nothing happens when it says what the
-  /// row says. One step of the history.
+  /// A field that is left, with what it showed before.
+  struct Reading {
+    FieldText field;
+    std::string before;
+    bool isOnRow = false;    ///< false: there is nothing to write to
+    bool isChanged = false;  ///< the text is not the one that was shown
+    bool isStored = false;   ///< its column is there, or it is kept beside the row
+  };
+  /// Reads the text that a field is left with, by the rules of its kind. Nothing is refused that was shown already.
+  Reading read(const Editor& editor, const std::string& text);
+
+  /// Leaving the field with what was read: saves the row; nothing happens when it says what the row says. One step of
+  /// the history.
   /// The step is called "Modifica" and the plain label. A price, quantity or percent that is no number becomes 0, an
   /// empty offer price null; other numbers fail as Recordset::set. The reverse rate is stored as the rate it follows
   /// from. On no row nothing happens.
-  Outcome leave(const Editor& editor, const std::string& text);
-
-  /// Why the field does not take the text that it is left with, as refusedText(); empty when it does.
-  std::string refusal(const Editor& editor, const std::string& text);
+  Outcome leave(const Editor& editor, const Reading& reading);
+  Outcome leave(const Editor& editor, const std::string& text) { return leave(editor, read(editor, text)); }
 
   /// What the first language has in the column of a text field that is empty in the language being edited; empty for a
   /// field that isn't, and in the first language.
@@ -56,16 +65,17 @@ class FieldStore {
  private:
   /// The column in the language and price list being edited; null when the set has none of that name.
   const ColumnInfo* columnInfo(const Editor& editor);
-  /// Stores 1 divided by the text as the rate, unless the text is what the field showed.
-  Outcome leaveReverseRate(const Editor& editor, const std::string& text);
+  /// What a field is read into by its rules and those of its column; `before`: what it showed.
+  FieldText readText(const Editor& editor, const ColumnInfo* column, const std::string& text,
+                     const std::string& before) const;
   /// What a field shows that is kept in a table of its own.
   std::string shownSideValue(const Editor& editor) const;
   /// Leaving a field that is kept in a table of its own.
-  Outcome leaveSide(const Editor& editor, const std::string& text);
+  Outcome leaveSide(const Editor& editor, const Value& value);
   /// Writes one column, and what follows from it in the connection settings.
   Result<> write(const Editor& editor, const Value& value, const std::string& oldText);
-  /// Leaving a field of the merchant's identity.
-  Outcome leaveIdentity(const Editor& editor, const std::string& text);
+  /// Leaving the reverse exchange rate: 1 divided by it is stored as the rate.
+  Outcome leaveReverseRate(const std::string& reverse);
 
   CatalogueSets& sets_;
   UndoHistory& history_;
