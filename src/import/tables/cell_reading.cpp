@@ -57,6 +57,12 @@ std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
   return digits;
 }
 
+/// The digits of a number with those after its decimal separator; nothing where these are none, or both are empty.
+std::optional<std::string> withDecimals(const std::string& whole, std::string_view decimals) {
+  if (!std::ranges::all_of(decimals, isDigitSign) || (whole.empty() && decimals.empty())) return std::nullopt;
+  return (whole.empty() ? "0" : whole) + (decimals.empty() ? "" : ".") + std::string(decimals);
+}
+
 std::optional<float> singleOf(std::string_view digits) {
   float number = 0;
   const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number);
@@ -147,6 +153,24 @@ std::string withCrLf(std::string_view text) {
 /// Whether two texts are equal; their line ends come back from some programs as LF alone.
 bool isSameText(std::string_view a, std::string_view b) { return a == b || withCrLf(a) == withCrLf(b); }
 
+/// The value of a column of whole numbers. text: the cell as it was read; digits: its number.
+CellValue readWhole(const TableColumn& column, std::string_view text, std::string_view digits) {
+  const auto number = wholeOf(digits);
+  if (!number) return refused(column.italian + ": " + quoted(text) + " non è un numero intero");
+  if (std::abs(*number) > mostOf(column.type)) {
+    return refused(column.italian + ": " + std::string(digits) + " è troppo grande");
+  }
+  return {*number, {}};
+}
+
+/// The value of a flag, or of a mark, which is stored as ".".
+CellValue readFlag(const TableColumn& column, std::string_view text) {
+  const auto flag = flagOf(text);
+  if (!flag) return refused(column.italian + ": " + quoted(text) + " non è né sì né no");
+  if (column.field == CellField::Mark) return {std::string(*flag ? "." : ""), {}};
+  return {*flag, {}};
+}
+
 }  // namespace
 
 std::string beginningOf(std::string_view text, std::size_t most) {
@@ -171,14 +195,9 @@ std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& 
   }
   const std::size_t decimal = bare.find(signs.decimalSeparator);
   auto digits = ungrouped(std::string_view(bare).substr(0, decimal), signs.thousands);
-  if (!digits) return std::nullopt;
-  if (decimal != std::string::npos) {
-    const std::string_view decimals = std::string_view(bare).substr(decimal + 1);
-    if (!std::ranges::all_of(decimals, isDigitSign)) return std::nullopt;
-    if (digits->empty() && decimals.empty()) return std::nullopt;
-    *digits = (digits->empty() ? "0" : *digits) + (decimals.empty() ? "" : ".") + std::string(decimals);
-  }
-  if (digits->empty()) return std::nullopt;
+  if (digits && decimal != std::string::npos)
+    digits = withDecimals(*digits, std::string_view(bare).substr(decimal + 1));
+  if (!digits || digits->empty()) return std::nullopt;
   return sign + *digits;
 }
 
@@ -197,13 +216,7 @@ CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cel
     const auto amount = Money::parse(*digits);
     return amount ? CellValue{*amount, {}} : none();
   }
-  if (column.field == CellField::Whole) {
-    const auto number = wholeOf(*digits);
-    if (!number) return refused(column.italian + ": " + quoted(cell.text) + " non è un numero intero");
-    if (std::abs(*number) > mostOf(column.type))
-      return refused(column.italian + ": " + std::string(*digits) + " è troppo grande");
-    return {*number, {}};
-  }
+  if (column.field == CellField::Whole) return readWhole(column, cell.text, *digits);
   const auto number = singleOf(*digits);
   if (!number) return none();
   if (column.field == CellField::Percent && *number > highestPercent) {
@@ -233,12 +246,7 @@ CellValue CellReader::readNamed(const TableColumn& column, std::string_view text
 }
 
 CellValue CellReader::read(const TableColumn& column, const SheetCell& cell) const {
-  if (column.field == CellField::Flag || column.field == CellField::Mark) {
-    const auto flag = flagOf(cell.text);
-    if (!flag) return refused(column.italian + ": " + quoted(cell.text) + " non è né sì né no");
-    if (column.field == CellField::Mark) return {std::string(*flag ? "." : ""), {}};
-    return {*flag, {}};
-  }
+  if (column.field == CellField::Flag || column.field == CellField::Mark) return readFlag(column, cell.text);
   if (cell.text.empty()) return {};
   const bool keepsSpaces = column.field == CellField::Text || column.field == CellField::Lines;
   if (!keepsSpaces && cell.text.front() == ' ' && trim(cell.text).empty()) return {};
