@@ -163,6 +163,17 @@ TEST_F(DoctorCatalogue, DepartmentsInARingAreReadToTheEnd) {
   EXPECT_THAT(told(), IsEmpty());
 }
 
+TEST_F(DoctorCatalogue, ADepartmentWithoutParentIsOneAtTheTop) {
+  shop.department("cat002", {{"titolo_l2", std::string("Inner")},
+                             {"template", std::string("modello1")},
+                             {"genitore", std::string("cat001")},
+                             {"livello", std::int64_t{2}}});
+  sql("UPDATE articoli SET catID = 'cat002'; UPDATE categorie SET genitore = NULL WHERE ID = 'cat001'");
+  EXPECT_THAT(told(), IsEmpty());
+  sql("UPDATE categorie SET nascosto = 1 WHERE ID = 'cat001'");
+  EXPECT_EQ(told().size(), 1U);
+}
+
 TEST_F(DoctorCatalogue, ADepartmentNeedsATitleInEachLanguage) {
   sql("UPDATE categorie SET titolo_l2 = ''");
   EXPECT_THAT(told(), ElementsAre("department.untranslated: Reparto Reparto cat001: manca il titolo in inglese"));

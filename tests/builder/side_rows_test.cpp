@@ -103,6 +103,19 @@ TEST_F(SideRowsOfABuild, TimesOfDeliveryAreThoseOfDepartmentsAndOfArticlesThatDi
   EXPECT_EQ(shop.rows("SELECT ID, tempo FROM kv_consegna"), "cat001|2-4 giorni\ncat002|Una settimana");
 }
 
+TEST_F(SideRowsOfABuild, ADepartmentWithoutParentPassesOnItsMakerAndTimeLikeOneAtTheTop) {
+  article("cat001", "10");
+  article("cat002", "10");
+  ASSERT_TRUE(prepareSideField(shop.session.catalogue, SideField::Maker));
+  shop.sql("INSERT INTO produttori (nome) VALUES ('Forno')");
+  set(SideField::Maker, "cat001", Value("Forno"));
+  set(SideField::Delivery, "cat001", Value("2-4 giorni"));
+  shop.sql("UPDATE categorie SET genitore = NULL WHERE ID = 'cat001'");
+  build();
+  EXPECT_EQ(shop.rows("SELECT ID, produttore FROM kv_sicurezza"), "1|1\n2|1");
+  EXPECT_EQ(shop.rows("SELECT ID, tempo FROM kv_consegna"), "cat001|2-4 giorni\ncat002|2-4 giorni");
+}
+
 TEST_F(SideRowsOfABuild, AReducedPriceComesWithTheLowestOfTheThirtyDaysBefore) {
   article("cat001", "20");
   publishOn(0);

@@ -146,6 +146,15 @@ TEST_F(LegalDuties, TheMakerOfADepartmentAboveCounts) {
   EXPECT_EQ(duty("Sicurezza dei prodotti").state, DutyState::Met);
 }
 
+TEST_F(LegalDuties, TheMakerOfADepartmentWithoutParentCounts) {
+  maker("nome, indirizzo, contatto", "'Forno', 'Via Po 1', 'a@b.it'");
+  const std::string top = field("SELECT ID FROM categorie WHERE genitore = '###' ORDER BY ID LIMIT 1");
+  sql("UPDATE articoli SET catID = '" + top + "'; UPDATE categorie SET genitore = NULL WHERE ID = '" + top + "'");
+  EXPECT_EQ(duty("Sicurezza dei prodotti").state, DutyState::Missing);
+  set(SideField::Maker, top, Value("Forno"));
+  EXPECT_EQ(duty("Sicurezza dei prodotti").state, DutyState::Met);
+}
+
 TEST_F(LegalDuties, TheShippedSiteHasTheButtonOfTheOrderAndTheFunctionOfWithdrawal) {
   session.templatePath = "template/chiaro";
   EXPECT_EQ(duty("Pulsante dell'ordine").state, DutyState::Met);

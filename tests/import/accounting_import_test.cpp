@@ -36,6 +36,20 @@ TEST_F(AccountingRows, NewDepartmentsFollowTheCurrentOneUnderItsParent) {
             "b|2\ndgf7|2\ndgf8|2\nc|2\n");
 }
 
+TEST_F(AccountingRows, DepartmentsWithoutParentAreSiblingsAtTheTop) {
+  sql("INSERT INTO categorie (ID, livello, ordinamento) VALUES ('a', 1, 5), ('c', 1, 6)");
+  request.department = "a";
+  importWith("0100100");
+  EXPECT_EQ(rows("SELECT ID, genitore, livello, ordinamento FROM categorie ORDER BY ordinamento"),
+            "a|(null)|1|5\ndgf7|###|1|6\nc|(null)|1|7\n");
+}
+
+TEST_F(AccountingRows, NewDepartmentsAtTheTopFollowThoseWithoutParent) {
+  sql("INSERT INTO categorie (ID, livello, ordinamento) VALUES ('a', 1, 5)");
+  importWith("0100100");
+  EXPECT_EQ(rows("SELECT ID, ordinamento FROM categorie ORDER BY ordinamento"), "a|5\ndgf7|6\n");
+}
+
 TEST_F(AccountingRows, ATitleIsCutBeforeTheMarkGoesOn) {
   const std::string name(120, 'd'), text(230, 'a');
   fill("UPDATE Categoria SET Nome = '" + name + "'");

@@ -250,6 +250,13 @@ TEST_F(TableImport, AddsDepartmentsUnderTheirPathsParentsFirst) {
                  "FROM categorie WHERE titolo = 'Rossi'"));
 }
 
+TEST_F(TableImport, DepartmentsWithoutParentAreThoseAtTheTop) {
+  sql("UPDATE categorie SET genitore = NULL, ordinamento = 7 WHERE ID = 'cat003'");
+  ASSERT_EQ(importSheet("Percorso\nVetri > Calici\nLegni\n", "reparti"), TableEnd::Done);
+  EXPECT_EQ(rows("SELECT titolo, genitore, livello, ordinamento FROM categorie WHERE ID > 'cat003' ORDER BY contatore"),
+            "Calici|cat003|2|1\nLegni|###|1|8\n");
+}
+
 TEST_F(TableImport, AddsTheValuesOfVariantsAndTheVariantsThemselves) {
   ASSERT_EQ(
       importSheet("variante;codice;testo;prezzo\nTaglia;S;Piccola;-1,5\nTaglia;L;Grande;2\nForma;T;Tonda;\n", "valori"),

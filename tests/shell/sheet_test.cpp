@@ -60,6 +60,11 @@ TEST_F(TheSheet, SortsByAnyColumn) {
   EXPECT_EQ(shownCodes({}, {column("reparto"), false}), "D1 A1 B1 C1 ");
 }
 
+TEST_F(TheSheet, ADepartmentWithoutParentIsAtTheTop) {
+  ASSERT_TRUE(session.catalogue.execute("UPDATE categorie SET genitore = NULL WHERE ID = 'cat001'"));
+  EXPECT_EQ(shownCodes({}), "A1 B1 C1 D1 ");
+}
+
 TEST_F(TheSheet, ShowsPricesWithTheVatOfTheDepartmentAndNamesOfVariants) {
   ASSERT_TRUE(
       session.catalogue.execute("UPDATE categorie SET iva = 22 WHERE ID = 'cat001';"
