@@ -1,10 +1,11 @@
-// A build during which a call of the files or of the store fails, at moments spread over the whole run: it finishes or
-// says why not, the catalogue is as it was, each page is the old one or the new one whole, nothing unfinished is left,
-// and the next build makes what a build never disturbed makes.
+// A build during which a call of the files or of the store fails, or memory runs out, at moments spread over the whole
+// run: it finishes or says why not, the catalogue is as it was, each page is the old one or the new one whole, nothing
+// unfinished is left, and the next build makes what a build never disturbed makes.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <map>
+#include <new>
 
 #include "platform/files/files.h"
 #include "support/failing_files.h"
@@ -28,6 +29,33 @@ void addFiles(const std::string& folder, Files& files) {
     files[entry.path().string()] = readBytes(entry.path().string()).value_or("(unreadable)");
   }
 }
+
+/// The user of another one while memory runs out: the n-th report of progress, or step that lets events in, throws.
+class ForgetfulUser final : public UserPort {
+ public:
+  /// failing: from 1; 0: none, they are only counted.
+  ForgetfulUser(UserPort& user, std::int64_t failing) : user_(user), point_(failing, AfterFailure::Works) {}
+
+  void message(const std::string& text, Icon icon) override { user_.message(text, icon); }
+  Answer question(const Question& question) override { return user_.question(question); }
+  std::string chooseFolder(const std::string& prompt, const std::string& initial) override {
+    return user_.chooseFolder(prompt, initial);
+  }
+  void progress(const Progress& progress) override {
+    if (point_.next()) throw std::bad_alloc();
+    user_.progress(progress);
+  }
+  bool yield() override {
+    if (point_.next()) throw std::bad_alloc();
+    return user_.yield();
+  }
+  std::int64_t calls() const { return point_.calls(); }
+  bool hasFailed() const { return point_.hasFailed(); }
+
+ private:
+  UserPort& user_;
+  FailurePoint point_;
+};
 
 class FailingBuild : public ::testing::Test {
  protected:
@@ -57,6 +85,11 @@ class FailingBuild : public ::testing::Test {
     shop.random = FixedRandom();
     shop.user.shown.clear();
     return shop.build();
+  }
+  BuildOutcome build(ForgetfulUser& user) {
+    shop.user.shown.clear();
+    Environment env{user, shop.settings, shop.clock, shop.random, shop.applicationFolder(), {}};
+    return MakePages(shop.session, env, {});
   }
 
   Files pages() const {
@@ -170,6 +203,25 @@ TEST_P(FailingBuildTest, ACallOfTheStoreFails) {
       const FailingStore store(n, GetParam());
       outcome = build();
       return store.hasFailed();
+    });
+    if (HasFailure()) return;
+  }
+}
+
+TEST_F(FailingBuild, MemoryRunsOut) {
+  ForgetfulUser counting(shop.user, 0);
+  ASSERT_EQ(build(counting), BuildOutcome::Done);
+  ASSERT_GT(counting.calls(), 0);
+  for (const std::int64_t n : spread(counting.calls())) {
+    SCOPED_TRACE("call " + std::to_string(n) + " of " + std::to_string(counting.calls()));
+    disturbedBuild([&](BuildOutcome& outcome) {
+      ForgetfulUser user(shop.user, n);
+      outcome = build(user);
+      EXPECT_EQ(outcome, BuildOutcome::Failed);
+      EXPECT_EQ(shop.user.shown.size(), 1U);
+      const std::string told = shop.user.shown.empty() ? "" : shop.user.shown[0].text;
+      EXPECT_TRUE(told.starts_with("Una o più pagine dei reparti contengono troppi articoli:\n")) << told;
+      return user.hasFailed();
     });
     if (HasFailure()) return;
   }
