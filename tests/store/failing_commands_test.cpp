@@ -52,6 +52,34 @@ std::vector<TriedCommand> commands() {
       {"department pasted at the top", "###", 0, [](E edit, S) { return edit.IncollaReparto(); }},
       {"drag", "cat001", 2, [](E edit, S) { return edit.SpostaNodo("cat002", "cat003"); }},
       {"drag to the root", "cat003", 0, [](E edit, S) { return edit.SpostaNodo("cat002", "###"); }},
+      {"articles down", "cat001", 1,
+       [](E edit, S) {
+         return edit.SpostaArticoli({1, 2}, 1);
+       }},
+      {"articles up", "cat001", 2,
+       [](E edit, S) {
+         return edit.SpostaArticoli({2, 3}, -1);
+       }},
+      {"articles deleted", "cat001", 2,
+       [](E edit, S) {
+         return edit.EliminaArticoli({1, 3});
+       }},
+      {"articles copied", "cat001", 1,
+       [](E edit, S) {
+         return edit.CopiaArticoli({1, 3});
+       }},
+      {"articles marked", "cat001", 2,
+       [](E edit, S) {
+         return edit.SegnaArticoli({1, 2}, "novita", true);
+       }},
+      {"articles duplicated", "cat001", 2,
+       [](E edit, S) {
+         return edit.DuplicaArticoli({1, 3});
+       }},
+      {"articles hung elsewhere", "cat001", 2,
+       [](E edit, S) {
+         return edit.SpostaInReparto({1, 2}, "cat003");
+       }},
       {"other department", "cat001", 2, [](E, S sets) { return discard(sets.goToDepartment("cat003")); }},
       {"no department", "cat001", 2, [](E, S sets) { return discard(sets.goToDepartment("###")); }},
       {"other article", "cat001", 2, [](E, S sets) { return discard(sets.goToArticle(3)); }},
