@@ -26,7 +26,7 @@ class PaymentPagesTest : public ::testing::Test {
     shop.templateFile("thankyou.htm", "<html><<1-metodo_pagamento>>:<<1-thankyou>>:<<1-java_PGAction>></html>");
   }
   // The lines of the list of files that follow a page's own, up to the next page.
-  std::vector<std::string> linesBehind(const std::string& page) const {
+  std::vector<std::string> linesAfter(const std::string& page) const {
     const auto lines = shop.fileList();
     auto line = std::find(lines.begin(), lines.end(), "#" + shop.session.onlineFolder + "/" + page);
     std::vector<std::string> found;
@@ -101,7 +101,7 @@ TEST_F(PaymentPagesTest, TheScriptsOfAModuleReachTheSiteWithTheirTagsExpanded) {
   EXPECT_EQ(shop.page("gestpay.php"), "<?php // Bottega ?>\r\n");
   EXPECT_EQ(shop.page("s2s.php"), "<?php // ok italiano ?>\r\n");
   EXPECT_FALSE(shop.hasPage("resta.php"));
-  EXPECT_THAT(linesBehind("thankyou1.php"), ElementsAre("gestpay.php", "s2s.php", "scelta.php"));
+  EXPECT_THAT(linesAfter("thankyou1.php"), ElementsAre("gestpay.php", "s2s.php", "scelta.php"));
 }
 
 TEST_F(PaymentPagesTest, TheScriptsOfAModuleComeInEveryLanguage) {
@@ -131,7 +131,7 @@ TEST_F(PaymentPagesTest, AScriptThatFailsIsToldAndTheOthersFollow) {
                           "Errore nell'elaborazione del file manca.php",
                           "Errore nell'elaborazione del file ../../fuori.php", builtMessage()));
   EXPECT_TRUE(shop.hasPage("buono.php"));
-  EXPECT_THAT(linesBehind("thankyou1.php"), ElementsAre("buono.php"));
+  EXPECT_THAT(linesAfter("thankyou1.php"), ElementsAre("buono.php"));
   EXPECT_THAT(shop.fileList(), Not(Contains(HasSubstr("fuori"))));
 }
 

@@ -277,7 +277,7 @@ TEST_F(TheOrdersDialog, TheBoxTurnsTheNoticeAtTheStartOff) {
   fill();
   EXPECT_TRUE(control<QCheckBox>(*dialog, "chkAvvisa")->isChecked());
   click(*dialog, "chkAvvisa");
-  EXPECT_FALSE(store->tellsAtStart().value());
+  EXPECT_FALSE(store->notifiesAtStart().value());
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ TEST_F(TheOrderNotice, IsOffByTheBox) {
   fill();
   OrderStore store(shop.folder());
   ASSERT_TRUE(store.open());
-  ASSERT_TRUE(store.setTellsAtStart(false));
+  ASSERT_TRUE(store.setNotifiesAtStart(false));
   EXPECT_FALSE(accessForNotice(shop.session));
 }
 

@@ -284,9 +284,9 @@ TEST_F(TheOrderStore, RemembersWhetherTheStartTells) {
   fill();
   OrderStore store(folder.path());
   ASSERT_TRUE(store.open());
-  EXPECT_TRUE(store.tellsAtStart().value());
-  ASSERT_TRUE(store.setTellsAtStart(false));
-  EXPECT_FALSE(store.tellsAtStart().value());
+  EXPECT_TRUE(store.notifiesAtStart().value());
+  ASSERT_TRUE(store.setNotifiesAtStart(false));
+  EXPECT_FALSE(store.notifiesAtStart().value());
   EXPECT_EQ(store.askedAt().value(), 1'000'000'000);
 }
 

@@ -267,7 +267,7 @@ class TreeRun : public TreeFixture {
     } else if (kind < 20) {
       log_ += "other article";
       // The position after the last one takes the cursor off the list.
-      sets.goToArticlePlace(static_cast<std::size_t>(pick(static_cast<int>(sets.dataArticoli().size()) + 1)));
+      sets.goToArticleIndex(static_cast<std::size_t>(pick(static_cast<int>(sets.dataArticoli().size()) + 1)));
     } else if (kind < 22) {
       log_ += "other language";
       ASSERT_TRUE(sets.CambiaLingua(pick(2) + 1));

@@ -14,7 +14,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view sizeMask = "#####";
-constexpr std::string_view hardBlank = "&nbsp;";
+constexpr std::string_view hardSpace = "&nbsp;";
 
 std::string repeated(std::string_view text, std::int64_t times) {
   std::string out;
@@ -28,7 +28,7 @@ std::string quoted(std::string_view text) { return replaceAll(text, "|", "\""); 
 std::string indentation(const MenuDepartment& department) {
   const std::int64_t depth = department.depth();
   if (depth == 0) return {};
-  return repeated(hardBlank, 2 * depth - 1) + " ";
+  return repeated(hardSpace, 2 * depth - 1) + " ";
 }
 
 // The wrapper of a department with nothing beneath; an entry without text stays away as a whole.
@@ -67,7 +67,7 @@ std::string DepartmentNavigation::plainEntry(const MenuDepartment& department, b
   const bool image = !department.immagine1.empty();
   std::string out = indentation(department);
   if (department.depth() > 0) {
-    out.append(hardBlank).append(hardBlank);
+    out.append(hardSpace).append(hardSpace);
   } else {
     out += image ? "<BR>" : "<B>• </B>";
   }
@@ -103,7 +103,7 @@ std::string DepartmentNavigation::CatLink(const MenuDepartment& department, bool
 
 std::string DepartmentNavigation::CatMenu(const MenuDepartment& department) const {
   std::string out = "<option value=\"" + link(department) + "\">" + indentation(department);
-  if (department.depth() > 0) out.append(hardBlank).append(hardBlank);
+  if (department.depth() > 0) out.append(hardSpace).append(hardSpace);
   return quoted(out + " " + department.titolo + "</option>" + std::string(lineEnd));
 }
 

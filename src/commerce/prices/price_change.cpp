@@ -101,17 +101,17 @@ BulkEnd write(Database& catalogue, const PriceChange& change, const PriceRule& r
   constexpr std::string_view what = "La modifica dei prezzi";
   const auto survey = surveyPrices(catalogue, change.selection);
   if (!survey) {
-    tellInterrupted(user, what, survey.error());
+    showInterrupted(user, what, survey.error());
     return BulkEnd::Stay;
   }
   const PricePreview preview = previewPrices(*survey, rule);
   if (!preview.beyond.empty()) {
-    tellBeyond(user, namesOf(*survey, preview.beyond));
+    showBeyondRange(user, namesOf(*survey, preview.beyond));
     return BulkEnd::Stay;
   }
   const auto written = walkKeepingRows(catalogue, [&] { return writePrices(catalogue, *survey, rule); });
   if (written) return BulkEnd::Done;
-  tellInterrupted(user, what, written.error());
+  showInterrupted(user, what, written.error());
   return BulkEnd::Interrupted;
 }
 
@@ -120,7 +120,7 @@ BulkEnd write(Database& catalogue, const PriceChange& change, const PriceRule& r
 BulkEnd ModificaPrezzi(Database& catalogue, const PriceChange& change, UserPort& user) {
   const auto agreed = isAgreed(catalogue, change, user);
   if (!agreed) {
-    tellInterrupted(user, "La modifica dei prezzi", agreed.error());
+    showInterrupted(user, "La modifica dei prezzi", agreed.error());
     return BulkEnd::Stay;
   }
   if (!*agreed) return BulkEnd::Left;
@@ -150,7 +150,7 @@ Result<> walkKeepingRows(Database& catalogue, const std::function<Result<>()>& w
   return walked ? kept : walked;
 }
 
-void tellInterrupted(UserPort& user, std::string_view what, const Error& error) {
+void showInterrupted(UserPort& user, std::string_view what, const Error& error) {
   user.message(std::string(what) +
                    " è stata interrotta da un errore.\nCiò che era già stato modificato rimane: il comando \"Annulla\" "
                    "riporta tutto com'era prima.\n\nDettaglio: " +
@@ -158,7 +158,7 @@ void tellInterrupted(UserPort& user, std::string_view what, const Error& error) 
                Icon::Critical);
 }
 
-void tellBeyond(UserPort& user, const std::vector<std::string>& names) {
+void showBeyondRange(UserPort& user, const std::vector<std::string>& names) {
   std::string text = "Alcuni prezzi supererebbero il valore massimo consentito; nulla è stato modificato:\n";
   for (std::size_t i = 0; i < names.size() && i < mostNames; ++i) text += "\n" + names[i];
   if (names.size() > mostNames) text += "\n...e altri " + std::to_string(names.size() - mostNames);

@@ -44,9 +44,9 @@ Question variantQuestion(const VariantUse& use);
 /// the failure is returned.
 Result<> walkKeepingRows(Database& catalogue, const std::function<Result<>()>& walk);
 /// Tells the user that a walk has ended early. `what`: "La modifica dei prezzi".
-void tellInterrupted(UserPort& user, std::string_view what, const Error& error);
+void showInterrupted(UserPort& user, std::string_view what, const Error& error);
 /// Tells the user which prices would leave the range of Money.
-void tellBeyond(UserPort& user, const std::vector<std::string>& names);
+void showBeyondRange(UserPort& user, const std::vector<std::string>& names);
 
 // Texts of the preview.
 

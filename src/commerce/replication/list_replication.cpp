@@ -244,11 +244,11 @@ BulkEnd ReplicaListino(Database& catalogue, const ListReplication& replication, 
   const PriceRule rule = ruleOfPercentage(*percentage, replication.whole);
   const auto plan = ArticlePlanner(replication, rule).plan(catalogue);
   if (!plan) {
-    tellInterrupted(user, what, plan.error());
+    showInterrupted(user, what, plan.error());
     return BulkEnd::Stay;
   }
   if (!plan->beyond.empty()) {
-    tellBeyond(user, plan->beyond);
+    showBeyondRange(user, plan->beyond);
     return BulkEnd::Stay;
   }
   const auto written = walkKeepingRows(catalogue, [&]() -> Result<> {
@@ -256,7 +256,7 @@ BulkEnd ReplicaListino(Database& catalogue, const ListReplication& replication, 
     return writeDepartments(catalogue, replication);
   });
   if (written) return BulkEnd::Done;
-  tellInterrupted(user, what, written.error());
+  showInterrupted(user, what, written.error());
   return BulkEnd::Interrupted;
 }
 

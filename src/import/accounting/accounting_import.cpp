@@ -87,7 +87,7 @@ Written writePlan(Environment& env, AccountingWriter& writer, const AccountingPl
   return Written::All;
 }
 
-AccountingEnd tellFailure(Environment& env, AccountingEnd end) {
+AccountingEnd showFailure(Environment& env, AccountingEnd end) {
   env.user.message(std::string(accountingFailed), Icon::Critical);
   return end;
 }
@@ -97,7 +97,7 @@ AccountingEnd writeRows(Session& session, Environment& env, const AccountingRequ
   const AccountingTarget target = targetOf(request);
   env.user.progress({importingDepartments, 0, 0});
   auto plan = planAccountingImport(session.catalogue, source, target);
-  if (!plan || !session.catalogue.begin()) return tellFailure(env, AccountingEnd::NotDone);
+  if (!plan || !session.catalogue.begin()) return showFailure(env, AccountingEnd::NotDone);
   Written written = Written::UpToAnError;
   {
     AccountingWriter writer(session.catalogue, *plan, target.options);
@@ -108,8 +108,8 @@ AccountingEnd writeRows(Session& session, Environment& env, const AccountingRequ
     return AccountingEnd::NotDone;
   }
   // A commit that fails has rolled back.
-  if (!session.catalogue.commit()) return tellFailure(env, AccountingEnd::NotDone);
-  if (written == Written::UpToAnError) return tellFailure(env, AccountingEnd::Partial);
+  if (!session.catalogue.commit()) return showFailure(env, AccountingEnd::NotDone);
+  if (written == Written::UpToAnError) return showFailure(env, AccountingEnd::Partial);
   env.user.progress({});
   env.user.message(std::string(accountingDone), Icon::Information);
   return AccountingEnd::Done;
@@ -119,7 +119,7 @@ AccountingEnd writeRows(Session& session, Environment& env, const AccountingRequ
 
 AccountingEnd importAccountingRows(Session& session, Environment& env, const AccountingRequest& request) {
   if (!saveAccountingLine(session.ShopFolder, request.variant, request.line)) {
-    return tellFailure(env, AccountingEnd::NotDone);
+    return showFailure(env, AccountingEnd::NotDone);
   }
   if (targetOf(request).options.backup && !isBackedUp(session, env, request.variant)) return AccountingEnd::NotDone;
   std::string path = requestedPath(env.settings, request);

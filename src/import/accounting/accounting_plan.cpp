@@ -128,7 +128,7 @@ class Planner {
     article.reason = refusal(row, article);
     if (article.reason.empty()) article.reason = takePrices(row, article);
     if (article.reason.empty()) {
-      settle(article);
+      decideFate(article);
     } else {
       article.fate = RowFate::LeftOut;
     }
@@ -171,7 +171,7 @@ class Planner {
            offer && vat;
   }
 
-  void settle(PlannedArticle& article) {
+  void decideFate(PlannedArticle& article) {
     const auto [found, added] = articles_.try_emplace(foldCase(article.codice));
     KnownArticle& known = found->second;
     if (added) {

@@ -65,8 +65,8 @@ std::string TableGuide::numberNote() const {
     for (std::size_t i = 0; i < cells.width(row); ++i) {
       const SheetCell cell = cells.cell(row, i);
       const std::string_view text = trim(cell.text);
-      const bool mayTell = !cell.isNumber && !text.empty() && isNumberColumn(open_->table, request.mapping, i);
-      if (!mayTell || !isSignedNumberText(text)) continue;
+      const bool isExample = !cell.isNumber && !text.empty() && isNumberColumn(open_->table, request.mapping, i);
+      if (!isExample || !isSignedNumberText(text)) continue;
       const auto number = sheetNumber(text, open_->sheet.reading.csv);
       return ", \"" + std::string(text) + "\" " +
              (number ? "vale " + replaceAll(*number, ".", ",") : "non è un numero");

@@ -24,7 +24,7 @@ Result<> writePlanned(Environment& env, TableWriter& writer, const TablePlan& pl
   return writer.finish();
 }
 
-void tellTableFailure(Environment& env, const Error& error) {
+void showTableError(Environment& env, const Error& error) {
   if (error.kind == ErrorKind::Told) return;
   env.user.message(std::string(notImported) + "\n\n" + error.what, Icon::Critical);
 }
@@ -80,7 +80,7 @@ Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, con
 TableEnd importPlannedTable(Session& session, Environment& env, TablePlan& plan, const ReadSheet& sheet,
                             const TableRequest& request) {
   if (auto begun = session.catalogue.begin(); !begun) {
-    tellTableFailure(env, begun.error());
+    showTableError(env, begun.error());
     return TableEnd::Failed;
   }
   PictureTaking pictures(env.settings, env.user, request.shopFolder, request.sheetFolder);
@@ -98,7 +98,7 @@ TableEnd importPlannedTable(Session& session, Environment& env, TablePlan& plan,
   if (written) return TableEnd::Done;
   pictures.drop();
   if (written.error().kind == ErrorKind::Cancelled) return TableEnd::Cancelled;
-  tellTableFailure(env, written.error());
+  showTableError(env, written.error());
   return TableEnd::Failed;
 }
 

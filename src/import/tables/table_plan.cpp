@@ -82,7 +82,7 @@ class TablePlanner {
       const std::string key = keyOf(*rows);
       if (key.empty()) continue;
       if (const auto found = byKey_.find(key); found != byKey_.end()) {
-        settle(plan_.rows[found->second], *rows);
+        decideFate(plan_.rows[found->second], *rows);
       } else if (request_.unlistedOut && !rows->flag(1)) {
         plan_.unlisted.push_back({rows->integer(0)});
       }
@@ -107,7 +107,7 @@ class TablePlanner {
     return sql + " FROM " + plan_.table.from;
   }
 
-  void settle(PlannedRow& row, const Statement& found) {
+  void decideFate(PlannedRow& row, const Statement& found) {
     amounts_.clear();
     if (row.key != 0) return refuse(row, "nel catalogo c'è più volte");
     row.key = found.integer(0);

@@ -52,7 +52,7 @@ ColumnType typeByAffinity(std::string_view word) {
   return ColumnType::Double;
 }
 
-int sizeBehind(std::string_view declaration, std::size_t open) {
+int sizeAfter(std::string_view declaration, std::size_t open) {
   int size = 0;
   while (++open < declaration.size() && declaration[open] == ' ') {
   }
@@ -84,7 +84,7 @@ namespace engine {
 DeclaredType declaredType(std::string_view declaration) {
   const std::size_t open = declaration.find('(');
   const std::string_view word = trim(declaration.substr(0, open));
-  const int size = open == std::string_view::npos ? 0 : sizeBehind(declaration, open);
+  const int size = open == std::string_view::npos ? 0 : sizeAfter(declaration, open);
   for (const TypeName& entry : typeNames) {
     if (isWord(word, entry.name)) return {entry.type, entry.sized ? size : 0};
   }

@@ -16,7 +16,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view listName = "installed.lst";
-constexpr std::size_t digestLetters = 64;
+constexpr std::size_t digestCharacters = 64;
 
 using ShippedList = std::map<std::string, std::string>;  // path below the folder -> digest as shipped
 
@@ -44,8 +44,8 @@ Result<ShippedList> readList(const std::string& path) {
   if (!text) return fail(text.error());
   ShippedList list;
   for (const std::string_view line : splitLines(*text)) {
-    if (line.size() < digestLetters + 3 || line.substr(digestLetters, 2) != "  ") continue;
-    list[std::string(line.substr(digestLetters + 2))] = line.substr(0, digestLetters);
+    if (line.size() < digestCharacters + 3 || line.substr(digestCharacters, 2) != "  ") continue;
+    list[std::string(line.substr(digestCharacters + 2))] = line.substr(0, digestCharacters);
   }
   return list;
 }

@@ -16,7 +16,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view unfinishedMark = ".kvtmp";
-constexpr std::size_t unfinishedLetters = 8;
+constexpr std::size_t unfinishedCharacters = 8;
 
 /// The conditions that an errno stands for; every other one is Other.
 constexpr std::pair<int, ErrorKind> kinds[] = {
@@ -37,12 +37,12 @@ std::string unfinishedPath(const std::string& target) {
   constexpr std::size_t longestKept = 200;
   std::string name = "." + std::string(baseName(target).substr(0, longestKept)) + std::string(unfinishedMark);
   std::uint32_t chance = systemRandom().below(std::numeric_limits<std::uint32_t>::max());
-  for (std::size_t i = 0; i < unfinishedLetters; ++i, chance /= 16) name += static_cast<char>('a' + chance % 16);
+  for (std::size_t i = 0; i < unfinishedCharacters; ++i, chance /= 16) name += static_cast<char>('a' + chance % 16);
   return joinPath(folderOf(target), name);
 }
 
 // For a link, the file it leads to is replaced and the link kept.
-std::string behindLinks(const std::string& path) {
+std::string targetOfLinks(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
   char* const resolved = ::realpath(path.c_str(), nullptr);
@@ -95,8 +95,8 @@ Result<> requireWritableFolderOf(const std::string& path) {
 }
 
 bool isUnfinishedName(std::string_view name) {
-  if (!name.starts_with('.') || name.size() <= unfinishedMark.size() + unfinishedLetters) return false;
-  const std::string_view end = name.substr(name.size() - unfinishedMark.size() - unfinishedLetters);
+  if (!name.starts_with('.') || name.size() <= unfinishedMark.size() + unfinishedCharacters) return false;
+  const std::string_view end = name.substr(name.size() - unfinishedMark.size() - unfinishedCharacters);
   return end.starts_with(unfinishedMark) && end.find('.', 1) == std::string_view::npos;
 }
 
@@ -113,7 +113,7 @@ Replacement::~Replacement() {
 }
 
 Result<Replacement> Replacement::begin(const std::string& path, mode_t mode, AtLink links) {
-  const std::string target = links == AtLink::Follow ? behindLinks(path) : path;
+  const std::string target = links == AtLink::Follow ? targetOfLinks(path) : path;
   struct stat old {};
   // A link that is replaced itself has no permissions to keep.
   const bool replaces = ::lstat(target.c_str(), &old) == 0 && !S_ISLNK(old.st_mode);

@@ -30,7 +30,7 @@ std::string notRemovedText(const std::vector<std::string>& names) {
 
 void FolderUploader::offerCleanUp() {
   auto sent = parts_.table.names(host_, target_);
-  if (!sent) return tellTable(first(), fail(sent.error()));
+  if (!sent) return showTableError(first(), fail(sent.error()));
   const auto surplus = surplusFiles(std::move(*sent), options_.choice, options_.cleanUpFolders);
   if (surplus.empty() || parts_.user.question(cleanUpQuestion(target_, surplus)) != Answer::Yes) return;
   std::vector<std::string> left;
@@ -49,7 +49,7 @@ void FolderUploader::removeFromServer(const std::string& name, std::vector<std::
   const bool isGone = removed.succeeded() || parts_.transfer.rawCommand("MDTM " + name).code == transferFolderMissing;
   if (!isGone) return left.push_back(name);
   if (removed.succeeded()) ++report_.removed;
-  tellTable(first(), parts_.table.remove(keyOf(name)));
+  showTableError(first(), parts_.table.remove(keyOf(name)));
 }
 
 }  // namespace kv

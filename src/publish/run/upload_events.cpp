@@ -53,14 +53,14 @@ void FolderUploader::refuse(Lane& lane, const TransferCompletion& completion, co
 void FolderUploader::noteSent(Lane& lane) {
   ++report_.sent;
   report_.bytesSent += lane.file.stamp.size;
-  tellTable(lane, lane.state == FtpState::UploadNew
-                      ? parts_.table.add(lane.file.key, lane.file.stamp, lane.file.digest)
-                      : parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
+  showTableError(lane, lane.state == FtpState::UploadNew
+                           ? parts_.table.add(lane.file.key, lane.file.stamp, lane.file.digest)
+                           : parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
   lane.fileSize = 0;
   showProgress(lane, 0);
 }
 
-void FolderUploader::tellTable(Lane& lane, const Result<>& written) {
+void FolderUploader::showTableError(Lane& lane, const Result<>& written) {
   if (written) return;
   lane.failed = failed_ = true;
   if (!shown_) parts_.user.message(failureText(written.error(), lane.file.name), Icon::Exclamation);

@@ -26,10 +26,10 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
   MessaggioFTP("Confronto del file " + name, false);
   lane.file = {name, joinPath(folder_.localFolder, name), keyOf(name), {}, {}, false};
   const auto stamp = fileStamp(lane.file.path);
-  if (!stamp) return tellTable(lane, fail(stamp.error()));
+  if (!stamp) return showTableError(lane, fail(stamp.error()));
   lane.file.stamp = *stamp;
   const auto row = parts_.table.find(lane.file.key);
-  if (!row) return tellTable(lane, fail(row.error()));
+  if (!row) return showTableError(lane, fail(row.error()));
   lane.file.known = row->has_value();
   bool isWanted = options_.sendAll || !lane.file.known || stampText(stamp->changedAt) > (*row)->stamp;
   if (isWanted) {
@@ -51,7 +51,7 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
 bool FolderUploader::hasNewContent(Lane& lane, const std::optional<SentFile>& row) {
   lane.file.digest = fileDigest(lane.file.path, [this] { return mayGoOn(); }).value_or(std::string());
   if (options_.sendAll || !row || !hasSameContent(*row, lane.file.digest)) return true;
-  tellTable(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
+  showTableError(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
   return false;
 }
 

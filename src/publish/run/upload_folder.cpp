@@ -118,7 +118,7 @@ void FolderUploader::doubtNext(const std::vector<std::string>& names, std::size_
   for (std::size_t i = from; i < names.size() && i < from + FileTable::groupSize; ++i) {
     if (CaricaFile(names[i], options_.choice)) keys.push_back(keyOf(names[i]));
   }
-  tellTable(first(), parts_.table.doubt(keys));
+  showTableError(first(), parts_.table.doubt(keys));
 }
 
 std::optional<std::uint64_t> FolderUploader::bytesToSend(const std::string& name) {
@@ -161,7 +161,7 @@ void FolderUploader::CreaCartella() {
 
 void FolderUploader::offerFolder() {
   failed_ = true;
-  if (auto cleaned = parts_.table.PulisciDB(host_, target_); !cleaned) return tellTable(first(), cleaned);
+  if (auto cleaned = parts_.table.PulisciDB(host_, target_); !cleaned) return showTableError(first(), cleaned);
   const Question question{"La cartella specificata (" + target_ + ")\nnon è presente sul server. Si desidera crearla?",
                           Buttons::YesNo, Answer::No, Icon::Question};
   if (parts_.user.question(question) != Answer::Yes) return;

@@ -140,7 +140,7 @@ class FolderUploader {
   }
   void setRights(Lane& lane);
   void noteSent(Lane& lane);
-  void tellTable(Lane& lane, const Result<>& written);
+  void showTableError(Lane& lane, const Result<>& written);
   void CreaCartella();
   bool enterOrMake(const std::string& part);
   void offerFolder();

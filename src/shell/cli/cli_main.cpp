@@ -30,6 +30,6 @@ int main(int count, char** values) {
   screen.terminal = isatty(STDERR_FILENO) == 1;
   screen.width = terminalWidth();
   screen.cancelled = kv::wasInterrupted;
-  const kv::CliContext place{std::cout, std::cerr, screen, kv::programFolder()};
-  return static_cast<int>(kv::runCommandLine(arguments, place));
+  const kv::CliContext context{std::cout, std::cerr, screen, kv::programFolder()};
+  return static_cast<int>(kv::runCommandLine(arguments, context));
 }

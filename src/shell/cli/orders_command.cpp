@@ -14,8 +14,9 @@ namespace kv {
 namespace {
 
 void printOrder(const DeskOrder& order, std::ostream& out) {
-  out << toldLine(order.code) << '\t' << order.created << '\t' << toldLine(order.name) << '\t'
-      << formatNumber(order.total, "0.00") << ' ' << toldLine(order.currency) << '\t' << toldLine(order.state) << '\n';
+  out << shownLineOf(order.code) << '\t' << order.created << '\t' << shownLineOf(order.name) << '\t'
+      << formatNumber(order.total, "0.00") << ' ' << shownLineOf(order.currency) << '\t' << shownLineOf(order.state)
+      << '\n';
 }
 
 /// Whether the file was written, or none is wanted; the user knows why it wasn't.

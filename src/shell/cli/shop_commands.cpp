@@ -23,7 +23,7 @@ CliOutcome outcomeOf(BuildOutcome outcome) {
   return CliOutcome::Failed;
 }
 
-void tellMade(const Session& session, const BuildCounts& counts, std::ostream& out) {
+void printMade(const Session& session, const BuildCounts& counts, std::ostream& out) {
   out << "Reparti " << counts.departments << ", articoli " << counts.articles << ", lingue " << counts.languages
       << ".\nPagine scritte " << counts.pagesWritten << ", invariate " << counts.pagesUnchanged << "; file elencati "
       << counts.filesListed << ".\nPagine: " << session.onlineFolder << "\nScript: " << session.scriptFolder << '\n';
@@ -40,7 +40,7 @@ std::string missingLanguages(const Session& session, const std::string& applicat
 }
 
 /// Names every fault, not only the first.
-bool tellFaults(const CliSession& open, Environment& env) {
+bool showFaults(const CliSession& open, Environment& env) {
   bool faulty = false;
   const auto fault = [&](const std::string& text) {
     env.user.message(text, Icon::Exclamation);
@@ -55,7 +55,7 @@ bool tellFaults(const CliSession& open, Environment& env) {
   return faulty;
 }
 
-void tellExported(const Session& session, const ExportReport& report, std::ostream& out) {
+void printExported(const Session& session, const ExportReport& report, std::ostream& out) {
   if (report.published.empty()) {
     out << "Nessun file SQL: la costruzione non ha annotato il numero delle lingue.\n";
     return;
@@ -83,14 +83,14 @@ CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& ou
   if (!open.hasTemplate()) return refused(env, "Per costruire il negozio è necessario scegliere un template");
   BuildCounts counts;
   const CliOutcome outcome = outcomeOf(MakePages(open.session, env, shopBuildParts(open.session, env), &counts));
-  if (outcome == CliOutcome::Done) tellMade(open.session, counts, out);
+  if (outcome == CliOutcome::Done) printMade(open.session, counts, out);
   return outcome;
 }
 
 CliOutcome checkShop(const std::string& shop, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  if (tellFaults(open, env)) return CliOutcome::Failed;
+  if (showFaults(open, env)) return CliOutcome::Failed;
   out << "Il negozio può essere costruito: articoli " << open.session.articleCount << ", lingue "
       << open.session.languageCount << ", " << open.session.templatePath << ".\n";
   return CliOutcome::Done;
@@ -135,7 +135,7 @@ CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream
   ExportReport report;
   ExportFullSql({shop, open.session.onlineFolder, env.user, env.settings, lock}, sec, &report);
   if (report.cancelled) return CliOutcome::Cancelled;
-  tellExported(open.session, report, out);
+  printExported(open.session, report, out);
   for (const std::string& name : report.unwritten) {
     env.user.message("Impossibile scrivere il file " + joinPath(open.session.onlineFolder, name), Icon::Critical);
   }

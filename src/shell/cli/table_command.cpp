@@ -82,7 +82,7 @@ bool mapColumns(const CommandLine& line, Environment& env, OpenSheet& open) {
   return false;
 }
 
-void tellWritten(const OpenSheet& open, const TablePlan& plan, std::ostream& out) {
+void printWritten(const OpenSheet& open, const TablePlan& plan, std::ostream& out) {
   out << sumsText(plan) << '\n';
   for (const PlannedRow& row : plan.rows) {
     if (row.fate != RowFate::LeftOut) continue;
@@ -102,7 +102,7 @@ CliOutcome previewOrImport(CliSession& open, const CommandLine& line, Environmen
   }
   const TableEnd end = importPlannedTable(open.session, env, job.plan, job.sheet.sheet, job.request);
   if (end != TableEnd::Done) return CliOutcome::Failed;
-  tellWritten(job.sheet, job.plan, out);
+  printWritten(job.sheet, job.plan, out);
   return CliOutcome::Done;
 }
 

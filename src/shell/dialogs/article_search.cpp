@@ -21,9 +21,9 @@ std::vector<std::string> patternsFor(std::string_view text, bool wholeWords) {
 
 }  // namespace
 
-bool isSearchCharacter(std::string_view letter) {
-  if (letter.size() == 1) return oneByteCharacters.find(letter[0]) != std::string_view::npos;
-  return letter.size() == 2 && accents.find(letter) != std::string_view::npos;
+bool isSearchCharacter(std::string_view character) {
+  if (character.size() == 1) return oneByteCharacters.find(character[0]) != std::string_view::npos;
+  return character.size() == 2 && accents.find(character) != std::string_view::npos;
 }
 
 bool isPastedSearchCharacter(std::string_view character) {

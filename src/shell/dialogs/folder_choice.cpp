@@ -11,12 +11,12 @@ namespace kv {
 namespace {
 
 /// What a working folder is to the session: its column, its name inside the shop's folder, its member of the session.
-struct Place {
+struct WorkingFolder {
   const char* column;
   const char* name;
   std::string Session::*field;
 };
-constexpr std::array<Place, 2> places{
+constexpr std::array<WorkingFolder, 2> workingFolders{
     {{"siteonline", "online", &Session::onlineFolder}, {"sitescript", "scripts", &Session::scriptFolder}}};
 
 /// Whether two paths lead to one folder, by a link or written in another case too.
@@ -37,46 +37,46 @@ std::string refusal(const std::string& path, const Session& session) {
   return {};
 }
 
-Result<> store(Session& session, const Place& place, const std::string& value) {
-  auto statement = session.catalogue.prepare(std::string("UPDATE generale SET ") + place.column + " = ?");
+Result<> store(Session& session, const WorkingFolder& folder, const std::string& value) {
+  auto statement = session.catalogue.prepare(std::string("UPDATE generale SET ") + folder.column + " = ?");
   if (!statement) return fail(statement.error());
   statement->bind(1, std::string_view(value));
   return statement->execute();
 }
 
-Result<> keep(Session& session, const Place& place, FolderField::Source source, const std::string& path) {
+Result<> keep(Session& session, const WorkingFolder& folder, FolderField::Source source, const std::string& path) {
   switch (source) {
     case FolderField::Source::Stored:
       return {};
     case FolderField::Source::Browsed:
-      return store(session, place, path);
+      return store(session, folder, path);
     case FolderField::Source::Reset:
-      return store(session, place, "");
+      return store(session, folder, "");
   }
   return {};
 }
 
-bool applyField(Session& session, UserPort& user, const Place& place, const FolderField& field) {
+bool applyField(Session& session, UserPort& user, const WorkingFolder& folder, const FolderField& field) {
   const std::string typed(trim(field.text));
   if (const std::string text = refusal(typed, session); !text.empty()) {
     user.message(text, Icon::Exclamation);
     return false;
   }
   const std::string path = withoutTrailingSeparator(absolutePath(typed));
-  if (auto kept = keep(session, place, field.source, path); !kept) {
+  if (auto kept = keep(session, folder, field.source, path); !kept) {
     user.message(failureText(kept.error()), Icon::Critical);
     return false;
   }
-  session.*place.field = path;
+  session.*folder.field = path;
   return true;
 }
 
 }  // namespace
 
 FolderChoice::FolderChoice(const Session& session) {
-  for (std::size_t i = 0; i < places.size(); ++i) {
-    fields_[i].text = session.*places[i].field;
-    defaults_[i] = joinPath(session.ShopFolder, places[i].name);
+  for (std::size_t i = 0; i < workingFolders.size(); ++i) {
+    fields_[i].text = session.*workingFolders[i].field;
+    defaults_[i] = joinPath(session.ShopFolder, workingFolders[i].name);
   }
 }
 
@@ -90,8 +90,8 @@ void FolderChoice::reset(BuildFolder folder) {
 
 bool FolderChoice::apply(Session& session, UserPort& user) const {
   bool all = true;
-  for (std::size_t i = 0; i < places.size(); ++i) {
-    if (!applyField(session, user, places[i], fields_[i])) all = false;
+  for (std::size_t i = 0; i < workingFolders.size(); ++i) {
+    if (!applyField(session, user, workingFolders[i], fields_[i])) all = false;
   }
   return all;
 }

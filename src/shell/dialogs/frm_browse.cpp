@@ -20,7 +20,7 @@ constexpr std::array<RowTexts, 2> rows{
     {{"Cartella &online:", "Online", "Selezionare la cartella in cui costruire le pagine del negozio:"},
      {"Cartella &script:", "Script", "Selezionare la cartella in cui costruire gli script del negozio:"}}};
 
-std::size_t placeOf(BuildFolder folder) { return static_cast<std::size_t>(folder); }
+std::size_t indexOf(BuildFolder folder) { return static_cast<std::size_t>(folder); }
 
 }  // namespace
 
@@ -40,9 +40,9 @@ frmBrowse::frmBrowse(Session& session, Environment& env, QWidget* parent)
 }
 
 void frmBrowse::addRow(QGridLayout& grid, BuildFolder folder) {
-  const RowTexts& texts = rows[placeOf(folder)];
+  const RowTexts& texts = rows[indexOf(folder)];
   const std::string name(texts.name);
-  const int row = static_cast<int>(placeOf(folder));
+  const int row = static_cast<int>(indexOf(folder));
   auto* field = named(new QLineEdit(toQt(choice_.field(folder).text)), "txt" + name);
   auto* cmdSfoglia = named(new QPushButton(QStringLiteral("Sfoglia...")), "cmdSfoglia" + name);
   auto* cmdReset = named(new QPushButton(QStringLiteral("Reset")), "cmdReset" + name);
@@ -51,7 +51,7 @@ void frmBrowse::addRow(QGridLayout& grid, BuildFolder folder) {
   cmdReset->setAccessibleName(field->accessibleName() + QStringLiteral(": reset"));
   cmdReset->setToolTip(toQt("Torna alla cartella predefinita, dentro quella del negozio"));
   for (QPushButton* button : {cmdSfoglia, cmdReset}) button->setAutoDefault(false);
-  txtCartella_[placeOf(folder)] = field;
+  txtCartella_[indexOf(folder)] = field;
   grid.addWidget(label, row, 0);
   grid.addWidget(field, row, 1);
   grid.addWidget(cmdSfoglia, row, 2);
@@ -63,16 +63,16 @@ void frmBrowse::addRow(QGridLayout& grid, BuildFolder folder) {
 }
 
 void frmBrowse::browse(BuildFolder folder) {
-  const std::string prompt(rows[placeOf(folder)].prompt);
+  const std::string prompt(rows[indexOf(folder)].prompt);
   const std::string chosen = env_.user.chooseFolder(prompt, choice_.field(folder).text);
   if (chosen.empty()) return;
   choice_.set(folder, chosen);
-  txtCartella_[placeOf(folder)]->setText(toQt(chosen));
+  txtCartella_[indexOf(folder)]->setText(toQt(chosen));
 }
 
 void frmBrowse::reset(BuildFolder folder) {
   choice_.reset(folder);
-  txtCartella_[placeOf(folder)]->setText(toQt(choice_.field(folder).text));
+  txtCartella_[indexOf(folder)]->setText(toQt(choice_.field(folder).text));
 }
 
 void frmBrowse::accepted() {

@@ -45,20 +45,20 @@ class SearchLine final : public QLineEdit {
 };
 
 /// Lets search characters alone into a field, and of what is pasted two more; others vanish.
-class SearchLetters final : public QValidator {
+class SearchCharacters final : public QValidator {
  public:
   using QValidator::QValidator;
   State validate(QString& text, int& position) const override {
     QString kept;
-    int place = position;
+    int index = position;
     for (int i = 0; i < text.size(); ++i) {
       if (isPastedSearchCharacter(fromQt(QString(text.at(i))))) {
         kept += text.at(i);
       } else if (i < position) {
-        --place;
+        --index;
       }
     }
-    position = place;
+    position = index;
     text = kept;
     return Acceptable;
   }
@@ -121,7 +121,7 @@ frmSearch::~frmSearch() { disconnect(qApp, nullptr, this, nullptr); }
 
 QWidget* frmSearch::makeQuestion() {
   txtTesto_ = named(new SearchLine(), "txtTesto");
-  txtTesto_->setValidator(new SearchLetters(txtTesto_));
+  txtTesto_->setValidator(new SearchCharacters(txtTesto_));
   cmdCerca_ = named(new QPushButton(QStringLiteral("&Cerca")), "cmdCerca");
   auto* row = new QHBoxLayout();
   row->addWidget(labelFor("&Testo:", txtTesto_));

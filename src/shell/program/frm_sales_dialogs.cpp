@@ -16,7 +16,7 @@ namespace kv {
 namespace {
 
 /// Tells the user of a failure; whether a dialog ended with OK.
-bool toldOutcome(frmMain& window, const Result<bool>& outcome) {
+bool acceptedOrError(frmMain& window, const Result<bool>& outcome) {
   if (outcome) return *outcome;
   window.workbench().showError(fail(outcome.error()));
   return false;
@@ -41,7 +41,7 @@ void wireShipping(frmMain& window, Session& session, Environment& env, const std
       return !dialog.tag().empty();
     });
     // What was configured meanwhile stays, so it is shown again whatever became of the rest.
-    return toldOutcome(window, opened) || configured;
+    return acceptedOrError(window, opened) || configured;
   };
 }
 
@@ -84,7 +84,7 @@ void wireVariants(frmMain& window, Session& session, Environment& env, const std
           jump = dialog.jump();
           return std::optional(dialog.lblID());
         });
-    const bool accepted = toldOutcome(window, opened);
+    const bool accepted = acceptedOrError(window, opened);
     if (accepted && jump) window.workbench().MostraArticolo(*jump);
     return accepted;
   };

@@ -20,7 +20,7 @@ constexpr int askAgainMilliseconds = 200;
 /// Source: signal-safety(7).
 std::array<int, 2> wire{-1, -1};
 
-extern "C" void tellEventLoop(int) {
+extern "C" void wakeEventLoop(int) {
   const int kept = errno;
   const char byte = 0;
   ignore(write(wire[1], &byte, 1), "a full wire rings already");
@@ -53,7 +53,7 @@ SessionEnd::SessionEnd(QObject* parent) : QObject(parent) {
     again_.start();
     QCoreApplication::quit();
   });
-  handleSignals(tellEventLoop);
+  handleSignals(wakeEventLoop);
 }
 
 SessionEnd::~SessionEnd() {

@@ -290,10 +290,10 @@ void frmFoglio::write(const std::string& step, std::vector<CellText> cells) {
   isChanged_ = isChanged_ || written->changed > 0;
   model_->forget();
   updateTools();
-  tell(*written);
+  showMessage(*written);
 }
 
-void frmFoglio::tell(const SheetOutcome& outcome) {
+void frmFoglio::showMessage(const SheetOutcome& outcome) {
   QString text = tr("Celle modificate: %1").arg(outcome.changed);
   if (!outcome.refused.empty()) text += tr("; rifiutate: %1").arg(outcome.refused.size());
   int left = mostNotes;

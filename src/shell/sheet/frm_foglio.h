@@ -48,7 +48,7 @@ class frmFoglio final : public FormDialog {
   void keepOrderOfColumns();
   /// Writes cells as one step, and says what became of them.
   void write(const std::string& step, std::vector<CellText> cells);
-  void tell(const SheetOutcome& outcome);
+  void showMessage(const SheetOutcome& outcome);
   /// The selected cells in rows and columns as they are seen.
   std::vector<std::vector<CellText>> selectedBlock() const;
   std::vector<CellText> selectedCells() const;

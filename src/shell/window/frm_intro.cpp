@@ -20,8 +20,8 @@ namespace kv {
 namespace {
 
 const QColor plainColour(Qt::white);
-const QColor letterColour(Qt::black);  // on both, in a dark palette too
-constexpr int narrowest = 36;          // average characters
+const QColor characterColour(Qt::black);  // on both, in a dark palette too
+constexpr int narrowest = 36;             // average characters
 
 }  // namespace
 
@@ -67,15 +67,15 @@ QWidget* frmIntro::makeSteps() {
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setColumnStretch(1, 1);
   for (const IntroStep& step : introSteps()) {
-    const std::size_t place = cmdStep_.size();
-    const std::string number = std::to_string(place + 1);
-    auto* button = named(new QPushButton("&" + toQt(number)), "cmdStep" + std::to_string(place));
+    const std::size_t index = cmdStep_.size();
+    const std::string number = std::to_string(index + 1);
+    auto* button = named(new QPushButton("&" + toQt(number)), "cmdStep" + std::to_string(index));
     button->setAccessibleName(toQt("Passo " + number + ": " + std::string(step.text)));
     button->setAutoDefault(false);
     button->setFixedWidth(fontMetrics().averageCharWidth() * 6);
-    connect(button, &QPushButton::clicked, this, [this, place] { showStep(place); });
-    grid->addWidget(button, static_cast<int>(place), 0, Qt::AlignTop);
-    grid->addWidget(wrappedText(step.text), static_cast<int>(place), 1);
+    connect(button, &QPushButton::clicked, this, [this, index] { showStep(index); });
+    grid->addWidget(button, static_cast<int>(index), 0, Qt::AlignTop);
+    grid->addWidget(wrappedText(step.text), static_cast<int>(index), 1);
     cmdStep_.push_back(button);
   }
   return rows;
@@ -92,7 +92,7 @@ void frmIntro::colour(std::size_t lit) {
   for (std::size_t i = 0; i < cmdStep_.size(); ++i) {
     QPalette palette = cmdStep_[i]->palette();
     palette.setColor(QPalette::Button, i == lit ? litColour : plainColour);
-    palette.setColor(QPalette::ButtonText, letterColour);
+    palette.setColor(QPalette::ButtonText, characterColour);
     cmdStep_[i]->setPalette(palette);
   }
 }

@@ -51,7 +51,7 @@ class PictureDrop {
   }
   const std::vector<BroughtPicture>& brought() const { return brought_; }
 
-  void tellRest() const {
+  void showRest() const {
     std::string text;
     if (!unreadable_.empty()) text = "L'immagine non può essere letta:" + unreadable_;
     if (!leftOver_.empty()) text += (text.empty() ? "" : "\n\n") + ("Non c'è più posto per:" + leftOver_);
@@ -105,7 +105,7 @@ void takePictures(Workbench& bench, const RowPicture& target, const std::vector<
       return true;
     });
   }
-  drop.tellRest();
+  drop.showRest();
 }
 
 }  // namespace kv

@@ -183,7 +183,7 @@ void Workbench::goToDepartment(const std::string& ID) {
 void Workbench::goToArticleAt(std::size_t index) {
   if (!view_.finishEdits()) return view_.selectArticle();
   if (!isOpen() || (sets_.onArticle() && sets_.dataArticoli().position() == index)) return;
-  sets_.goToArticlePlace(index);
+  sets_.goToArticleIndex(index);
 }
 
 void Workbench::goToArticle(std::int64_t ID) {

@@ -97,7 +97,7 @@ Result<bool> CatalogueSets::goToDepartment(std::string_view ID) {
     return fail(following.error());
   }
   takeFollowing(std::move(*following));
-  tellFollowing();
+  notifyFollowing();
   return true;
 }
 
@@ -107,8 +107,8 @@ void CatalogueSets::takeFollowing(FollowingLists following) {
   departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
 }
 
-void CatalogueSets::tellFollowing() {
-  tellStatus();
+void CatalogueSets::notifyFollowing() {
+  notifyStatus();
   if (!isHeard()) return;
   listener_->departmentMoved();
   listener_->articlesChanged();
@@ -122,7 +122,7 @@ void CatalogueSets::show(CatalogueLists lists) {
   if (lists.articles) setArticleCount(*lists.articles);
   takeFollowing(std::move(lists.following));
   if (isHeard()) listener_->treeRebuilt();
-  tellFollowing();
+  notifyFollowing();
 }
 
 void CatalogueSets::showArticles(Recordset articles, std::int64_t ofShop) {
@@ -130,7 +130,7 @@ void CatalogueSets::showArticles(Recordset articles, std::int64_t ofShop) {
   departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
   if (isHeard()) listener_->articlesChanged();
   setArticleCount(ofShop);
-  tellStatus();
+  notifyStatus();
   if (isHeard()) listener_->articleMoved();
 }
 
@@ -140,9 +140,9 @@ Result<bool> CatalogueSets::goToArticle(std::int64_t ID) {
   return found;
 }
 
-void CatalogueSets::goToArticlePlace(std::size_t place) {
-  if (place < articoli_->size()) {
-    articoli_->moveTo(place);
+void CatalogueSets::goToArticleIndex(std::size_t index) {
+  if (index < articoli_->size()) {
+    articoli_->moveTo(index);
   } else {
     leaveRows(*articoli_);
   }
@@ -167,7 +167,7 @@ Result<bool> CatalogueSets::MostraArticolo(std::int64_t ID) {
     return found;
   }
   takeFollowing(std::move(*following));
-  tellFollowing();
+  notifyFollowing();
   return found;
 }
 
@@ -211,7 +211,7 @@ Result<> CatalogueSets::recount() {
   if (!total) return fail(total.error());
   setArticleCount(*total);
   departmentArticles_ = onDepartment() ? static_cast<std::int64_t>(articoli_->size()) : -1;
-  tellStatus();
+  notifyStatus();
   return {};
 }
 
@@ -225,7 +225,7 @@ std::string CatalogueSets::statusLine() const {
   return " Articoli: " + (departmentArticles_ < 0 ? total : std::to_string(departmentArticles_) + " /" + total);
 }
 
-void CatalogueSets::tellStatus() {
+void CatalogueSets::notifyStatus() {
   if (isHeard()) listener_->statusChanged();
 }
 

@@ -81,7 +81,7 @@ class CatalogueSets {
   Result<bool> goToDepartment(std::string_view ID);
   Result<bool> goToArticle(std::int64_t ID);
   /// Takes the article cursor to a position of the list, from 0; off the list when it is not that long.
-  void goToArticlePlace(std::size_t place);
+  void goToArticleIndex(std::size_t index);
 
   /// MostraArticolo (show an article): its department, then itself. False, and nothing moves, when the article or its
   /// department is gone. The window brings the articles' tab forward.
@@ -109,11 +109,11 @@ class CatalogueSets {
   /// Puts a department cursor back that moved for nothing; a position beyond the rows: on none.
   void moveBack(std::size_t position);
   void takeFollowing(FollowingLists following);
-  void tellFollowing();
+  void notifyFollowing();
   /// The new title of a department, in the tree and for who listens.
   void showTitle(const std::string& ID, const std::string& title);
   void setArticleCount(std::int64_t ofShop);
-  void tellStatus();
+  void notifyStatus();
   bool isHeard() const { return !suppressed_ && listener_ != nullptr; }
 
   Session& session_;

@@ -153,11 +153,11 @@ Result<> TreeEditing::CopiaArticolo() {
   if (!change.begun()) return change.begun();
   if (auto copied = copyArticles("ID = ?", Value(at->article)); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
-  tellArticlesCopied();
+  enablePasteOfArticles();
   return {};
 }
 
-void TreeEditing::tellArticlesCopied() const {
+void TreeEditing::enablePasteOfArticles() const {
   if (!hooks_.StatoComando) return;
   hooks_.StatoComando("incolla articolo", true);
   hooks_.StatoComando("incolla categoria", false);
@@ -178,11 +178,11 @@ Result<> TreeEditing::CopiaReparto() {
   }
   if (auto copied = copyDepartmentRow(catalogue, ID, withArticles); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
-  tellDepartmentCopied(withArticles);
+  enablePasteOfDepartment(withArticles);
   return {};
 }
 
-void TreeEditing::tellDepartmentCopied(bool withArticles) const {
+void TreeEditing::enablePasteOfDepartment(bool withArticles) const {
   if (!hooks_.StatoComando) return;
   if (withArticles) hooks_.StatoComando("incolla articolo", true);
   hooks_.StatoComando("incolla categoria", true);

@@ -74,7 +74,7 @@ Result<> TreeEditing::CopiaArticoli(const ArticleGroup& group) {
   if (!change.begun()) return change.begun();
   if (auto copied = copyArticles(inGroup, Value(arrayOf(group))); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
-  tellArticlesCopied();
+  enablePasteOfArticles();
   return {};
 }
 

@@ -99,10 +99,10 @@ Result<bool> TableRollback::run(Tables tables, const TableDialog& dialog) {
     ended = dialog();
   }
   const bool committed = ended && *ended;
-  const Result<> settled = committed ? dropWorkingCopies(session.catalogue) : restoreCopies(session.catalogue, tables);
+  const Result<> finished = committed ? dropWorkingCopies(session.catalogue) : restoreCopies(session.catalogue, tables);
   if (reload) RiavviaSessione(session, env_, {.silent = true});
   if (!ended) return ended;
-  if (!settled) return fail(settled.error());
+  if (!finished) return fail(finished.error());
   return committed;
 }
 

@@ -140,9 +140,9 @@ class TreeEditing {
   Result<std::int64_t> insertCopies(const CatalogueCursors& at, const std::string& source,
                                     const std::vector<std::int64_t>& rows);
   /// Articles can be pasted now, and the department that was copied before no longer.
-  void tellArticlesCopied() const;
+  void enablePasteOfArticles() const;
   /// A department can be pasted now, and articles when it was copied with its own.
-  void tellDepartmentCopied(bool withArticles) const;
+  void enablePasteOfDepartment(bool withArticles) const;
 
   // Whole commands that the public ones are made of, and their questions.
   Result<> insertArticle(bool after);

@@ -34,7 +34,7 @@ Result<int> sourceVersion(const std::string& path) {
   return catalogueVersion(*source);
 }
 
-void tellOtherVariant(Session& session, Environment& env) {
+void showOtherVariant(Session& session, Environment& env) {
   const auto taken = isFirstVariantTaken(session.catalogue);
   if (taken && *taken) env.user.message(otherFirstVariant, Icon::Exclamation);
 }
@@ -45,7 +45,7 @@ PrimoOutcome finishImport(Session& session, Environment& env, const StagedPictur
   const auto exchanged = pictures.exchange();
   // After a failure too: from here on the user knows where they are, and adds others to the old ones.
   ignore(session.catalogue.execute(noPicturesAreDue), "the next start exchanges them");
-  tellOtherVariant(session, env);
+  showOtherVariant(session, env);
   env.user.message(exchanged ? std::string(imported) : picturesKept + pictures.path(),
                    exchanged ? Icon::Information : Icon::Exclamation);
   ignore(RiavviaSessione(session, env), "it has told the user of any failure");

@@ -19,13 +19,13 @@ std::string withCrLf(std::string_view text) {
 }
 
 /// The path of a file, its name found without regard to case.
-std::string placeOf(const std::string& folder, std::string_view name) { return entryPath(folder, name); }
+std::string tagFile(const std::string& folder, std::string_view name) { return entryPath(folder, name); }
 
 /// Renames `stem`.tag to `stem`.bak, over the one of last time. True when there was such a file.
 Result<bool> setAside(const std::string& folder, const std::string& stem) {
-  const std::string file = placeOf(folder, stem + ".tag");
+  const std::string file = tagFile(folder, stem + ".tag");
   if (!fileExists(file)) return false;
-  const std::string aside = placeOf(folder, stem + ".bak");
+  const std::string aside = tagFile(folder, stem + ".bak");
   if (fileExists(aside)) {
     if (auto deleted = deleteFile(aside); !deleted) return fail(deleted.error());
   }
@@ -40,7 +40,7 @@ Result<> takeInUse(const std::string& folder, const std::string& stem) {
   const std::string file = joinPath(folder, stem + ".tag");
   auto moved = renameFile(joinPath(folder, stem + ".new"), file);
   if (!moved && *hadOld)
-    ignore(renameFile(placeOf(folder, stem + ".bak"), file), "the first failure is the one to tell");
+    ignore(renameFile(tagFile(folder, stem + ".bak"), file), "the first failure is the one to tell");
   return moved;
 }
 

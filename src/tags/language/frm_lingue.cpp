@@ -13,7 +13,7 @@
 namespace kv {
 namespace {
 
-std::size_t placeOf(int language) { return static_cast<std::size_t>(language - 1); }
+std::size_t indexOf(int language) { return static_cast<std::size_t>(language - 1); }
 
 }  // namespace
 
@@ -49,18 +49,18 @@ QComboBox* frmLingue::makeBox(int language) {
   QComboBox* box = named(new QComboBox(), "cboLingua" + std::to_string(language));
   for (const std::string& module : modules_) box->addItem(toQt(module));
   // The shop may use a module that isn't installed here: the build refuses it, but this dialog keeps it.
-  const QString code = toQt(choice_.codes[placeOf(language)]);
+  const QString code = toQt(choice_.codes[indexOf(language)]);
   if (!code.isEmpty() && box->findText(code) < 0) box->addItem(code);
-  cboLingua_[placeOf(language)] = box;
+  cboLingua_[indexOf(language)] = box;
   connect(box, &QComboBox::currentIndexChanged, this, [this, language] { codeChosen(language); });
   return box;
 }
 
 void frmLingue::showBoxes() {
   for (int n = 1; n <= maxLanguages; ++n) {
-    QComboBox* box = cboLingua_[placeOf(n)];
+    QComboBox* box = cboLingua_[indexOf(n)];
     const QSignalBlocker quiet(box);
-    box->setCurrentIndex(box->findText(toQt(choice_.codes[placeOf(n)])));
+    box->setCurrentIndex(box->findText(toQt(choice_.codes[indexOf(n)])));
     box->setEnabled(choice_.isEnabled(n));
   }
   ok_->setEnabled(choice_.canAccept());
@@ -72,14 +72,14 @@ void frmLingue::numberChosen(int number) {
 }
 
 void frmLingue::codeChosen(int language) {
-  choice_.codes[placeOf(language)] = fromQt(cboLingua_[placeOf(language)]->currentText());
+  choice_.codes[indexOf(language)] = fromQt(cboLingua_[indexOf(language)]->currentText());
   showBoxes();
 }
 
 void frmLingue::store() {
   if (const int repeated = choice_.repeated(); repeated > 0) {
     if (env_.user.question(repeatedQuestion(choice_, repeated)) != Answer::Yes) {
-      return cboLingua_[placeOf(repeated)]->setFocus();
+      return cboLingua_[indexOf(repeated)]->setFocus();
     }
   }
   const auto stored = storeLanguages(session_, choice_, hooks_);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view moduleEnding = ".lng";
 
-std::size_t placeOf(int language) { return static_cast<std::size_t>(language - 1); }
+std::size_t indexOf(int language) { return static_cast<std::size_t>(language - 1); }
 
 /// A module that no box in use shows yet.
 std::string freeModule(const LanguageChoice& choice, const std::vector<std::string>& modules) {
@@ -38,7 +38,7 @@ std::vector<std::string> languageModules(const std::string& applicationFolder) {
 void LanguageChoice::setCount(int number, const std::vector<std::string>& modules) {
   count = std::clamp(number, 1, maxLanguages);
   for (int n = 1; n <= count; ++n) {
-    if (codes[placeOf(n)].empty()) codes[placeOf(n)] = freeModule(*this, modules);
+    if (codes[indexOf(n)].empty()) codes[indexOf(n)] = freeModule(*this, modules);
   }
 }
 
@@ -55,7 +55,7 @@ int LanguageChoice::repeated() const {
 }
 
 Question repeatedQuestion(const LanguageChoice& choice, int language) {
-  return {"La lingua " + std::to_string(language) + " è uguale a un'altra: " + choice.codes[placeOf(language)] +
+  return {"La lingua " + std::to_string(language) + " è uguale a un'altra: " + choice.codes[indexOf(language)] +
               ".\nIl negozio avrebbe due volte le stesse pagine. Continuare comunque?",
           Buttons::YesNo, Answer::No, Icon::Exclamation};
 }
@@ -67,7 +67,7 @@ LanguageChoice languagesOf(const Session& session) {
 Result<> storeLanguages(Session& session, const LanguageChoice& choice, const LanguageHooks& hooks) {
   auto codes = choice.codes;
   // The number isn't stored in the table: an empty code ends the list.
-  for (int n = choice.count + 1; n <= maxLanguages; ++n) codes[placeOf(n)].clear();
+  for (int n = choice.count + 1; n <= maxLanguages; ++n) codes[indexOf(n)].clear();
   auto statement = session.catalogue.prepare("UPDATE lingue SET lingua1 = ?, lingua2 = ?, lingua3 = ?, lingua4 = ?");
   if (!statement) return fail(statement.error());
   int column = 0;

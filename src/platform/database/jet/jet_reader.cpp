@@ -34,7 +34,7 @@ JetHandle openJet(const std::string& path) {
   return handle;
 }
 
-void tellFailure(const IsolatedOutput& output, ErrorKind kind, const std::string& where, const std::string& what) {
+void writeFailure(const IsolatedOutput& output, ErrorKind kind, const std::string& where, const std::string& what) {
   std::string stream;
   putJetFailure(stream, {kind, where, what});
   output(stream);
@@ -127,7 +127,7 @@ void putColumns(const MdbTableDef& table, std::string& stream) {
 
 void listJetColumns(const std::string& path, const IsolatedOutput& output) {
   const JetHandle handle = openJet(path);
-  if (handle == nullptr) return tellFailure(output, ErrorKind::Malformed, path, "the catalogue can't be read");
+  if (handle == nullptr) return writeFailure(output, ErrorKind::Malformed, path, "the catalogue can't be read");
   for (unsigned i = 0; i < handle->num_catalog; ++i) {
     if (mdb_is_user_table(entryAt(*handle, i)) == 0) continue;
     const JetTable table = openTable(entryAt(*handle, i));
@@ -141,11 +141,11 @@ void listJetColumns(const std::string& path, const IsolatedOutput& output) {
 void readJetTable(const std::string& path, const JetQuery& query, const IsolatedOutput& output) {
   const JetHandle handle = openJet(path);
   const JetTable table = handle == nullptr ? nullptr : tableCalled(*handle, query.table);
-  if (table == nullptr) return tellFailure(output, ErrorKind::Missing, path, query.table);
+  if (table == nullptr) return writeFailure(output, ErrorKind::Missing, path, query.table);
   std::vector<const MdbColumn*> columns;
   for (const std::string& name : query.columns) {
     columns.push_back(columnCalled(*table, name));
-    if (columns.back() == nullptr) return tellFailure(output, ErrorKind::Missing, query.table, name);
+    if (columns.back() == nullptr) return writeFailure(output, ErrorKind::Missing, query.table, name);
   }
   mdb_rewind_table(table.get());
   unsigned count = 0;
@@ -155,7 +155,7 @@ void readJetTable(const std::string& path, const JetQuery& query, const Isolated
     output(row);
   }
   // The library passes over pages and rows that it can't make out.
-  if (count < table->num_rows) tellFailure(output, ErrorKind::Malformed, query.table, "rows are missing");
+  if (count < table->num_rows) writeFailure(output, ErrorKind::Malformed, query.table, "rows are missing");
 }
 
 }  // namespace kv

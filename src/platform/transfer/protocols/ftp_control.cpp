@@ -64,7 +64,7 @@ std::string FtpControl::withoutSecrets(std::string text) const {
   return text;
 }
 
-void FtpControl::tell(const std::string& text) const {
+void FtpControl::showLine(const std::string& text) const {
   if (!onLine) return;
   if (startsWithIgnoringCase(text, passwordCommand)) {
     onLine(std::string(passwordCommand) + std::string(hidden));
@@ -77,7 +77,7 @@ Result<> FtpControl::send(const std::string& command, Patience& patience) {
   if (command.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos) {
     return transferFailure(transferOther, "un nome contiene un carattere non ammesso");
   }
-  tell(command);
+  showLine(command);
   // Source: RFC 959, section 4.1.3: the control connection is a Telnet one, in which this byte is doubled.
   const std::string bytes = replaceAll(command, std::string(1, telnetEscape), std::string(2, telnetEscape));
   return wire_.write(bytes + "\r\n", patience);
@@ -113,7 +113,7 @@ Result<FtpReply> FtpControl::reply(Patience& patience) {
       linesRead_ = 0;
       if (auto paused = patience.pause(); !paused) return fail(paused.error());
     }
-    tell(*text);
+    showLine(*text);
     auto whole = parser.take(*text);
     if (!whole) {
       return transferFailure(transferNoConnection, "risposta del server non valida: " + serverText(whole.error().what));

@@ -48,7 +48,7 @@ class FtpControl {
 
  private:
   Result<std::string> line(Patience& patience);
-  void tell(const std::string& text) const;
+  void showLine(const std::string& text) const;
   Wire wire_;
   std::string unread_;  // bytes after the line that was read last
   int linesRead_ = 0;

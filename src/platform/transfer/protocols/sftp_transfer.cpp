@@ -93,7 +93,7 @@ class SftpTransfer final : public Transfer {
   }
   std::string absolute(const std::string& name) const;
   std::string withoutPasswords(std::string text) const;
-  void tell(const std::string& text) const {
+  void showLine(const std::string& text) const {
     if (events_.line) events_.line(withoutPasswords(text));
   }
 
@@ -119,7 +119,7 @@ std::string SftpTransfer::absolute(const std::string& name) const {
 }
 
 TransferCompletion SftpTransfer::run(const std::string& shown, const Work& work) {
-  if (!runner_.isBusy()) tell(shown);
+  if (!runner_.isBusy()) showLine(shown);
   auto completion = runner_.run(settings_.silenceSeconds, [&](Patience& patience) -> Result<std::string> {
     if (auto done = work(patience); !done) return fail(done.error());
     return std::string();
@@ -127,7 +127,7 @@ TransferCompletion SftpTransfer::run(const std::string& shown, const Work& work)
   if (completion.succeeded()) return completion;
   if (endsConnection(completion.code)) line_.close();
   completion.text = withoutPasswords(completion.text);
-  tell(completion.text);
+  showLine(completion.text);
   return completion;
 }
 

@@ -119,8 +119,8 @@ void OrderPanel::changeState() {
   auto change = order_ ? typedStateChange(*order_, chosenState()) : std::nullopt;
   if (!change) return;
   change->movesStock = chkScorte_->isEnabled() && chkScorte_->isChecked();
-  change->tellsCustomer = chkScrivi_->isEnabled() && chkScrivi_->isChecked();
-  if (change->tellsCustomer) change->message = textOf(*txtMessaggio_);
+  change->notifiesCustomer = chkScrivi_->isEnabled() && chkScrivi_->isChecked();
+  if (change->notifiesCustomer) change->message = textOf(*txtMessaggio_);
   actions_.changeState(*change);
 }
 

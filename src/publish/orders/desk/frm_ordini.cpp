@@ -143,9 +143,9 @@ QWidget* frmOrdini::makeFoot() {
   lblRiepilogo_ = named(new QLabel(), "lblRiepilogo");
   chkAvvisa_ =
       named(new QCheckBox(QStringLiteral("All'&apertura del negozio dire quanti ordini sono nuovi")), "chkAvvisa");
-  connect(chkAvvisa_, &QCheckBox::clicked, this, [this](bool tells) {
-    const auto set = desk_.store().setTellsAtStart(tells);
-    if (!set) tellStore(set.error());
+  connect(chkAvvisa_, &QCheckBox::clicked, this, [this](bool notifies) {
+    const auto set = desk_.store().setNotifiesAtStart(notifies);
+    if (!set) showStoreError(set.error());
   });
   auto* foot = new QWidget();
   auto* row = new QHBoxLayout(foot);
@@ -166,13 +166,13 @@ OrderLookup frmOrdini::lookup() const {
   return orderLookup(fields).value_or(OrderLookup{});
 }
 
-void frmOrdini::tellStore(const Error& error) { user_.message(failureText(error, ordersFile), Icon::Critical); }
+void frmOrdini::showStoreError(const Error& error) { user_.message(failureText(error, ordersFile), Icon::Critical); }
 
 void frmOrdini::reload() {
   const int row = lstOrdini_->currentIndex().row();
   const std::int64_t current = row >= 0 ? model_->orders()[static_cast<std::size_t>(row)].row : 0;
   auto listed = desk_.store().list(lookup());
-  if (!listed) return tellStore(listed.error());
+  if (!listed) return showStoreError(listed.error());
   const auto fresh = desk_.store().countNew();
   const auto asked = desk_.store().askedAt();
   const OrderCounts counts{listed->size(), fresh.value_or(0), asked.value_or(0) > 0 ? formatTime(*asked) : ""};
@@ -183,7 +183,7 @@ void frmOrdini::reload() {
   }
   lblRiepilogo_->setText(toQt(orderSummaryLine(counts)));
   chkAvvisa_->setEnabled(desk_.store().isOpen());
-  chkAvvisa_->setChecked(desk_.store().isOpen() && desk_.store().tellsAtStart().value_or(true));
+  chkAvvisa_->setChecked(desk_.store().isOpen() && desk_.store().notifiesAtStart().value_or(true));
   showCurrent();
 }
 
@@ -193,7 +193,7 @@ void frmOrdini::showCurrent() {
     panel_->showOrder(std::nullopt);
   } else {
     auto order = desk_.store().order(model_->orders()[static_cast<std::size_t>(index.row())].row);
-    if (!order) tellStore(order.error());
+    if (!order) showStoreError(order.error());
     panel_->showOrder(order ? std::optional(std::move(*order)) : std::nullopt);
   }
   updateCommands();

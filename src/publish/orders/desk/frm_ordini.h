@@ -60,7 +60,7 @@ class frmOrdini final : public FormDialog {
   /// The selected orders, or all that pass a filter, whole; a failure is told.
   std::vector<DeskOrder> selectedOrders();
   std::vector<DeskOrder> ordersOf(const OrderLookup& lookup);
-  void tellStore(const Error& error);
+  void showStoreError(const Error& error);
   OrderLookup lookup() const;
 
   OrderDesk& desk_;

@@ -81,7 +81,7 @@ void frmOrdini::fetch() {
 std::vector<DeskOrder> frmOrdini::ordersOf(const OrderLookup& lookup) {
   auto orders = desk_.store().orders(lookup);
   if (orders) return std::move(*orders);
-  tellStore(orders.error());
+  showStoreError(orders.error());
   return {};
 }
 
@@ -95,7 +95,7 @@ std::vector<DeskOrder> frmOrdini::selectedOrders() {
     if (order) {
       orders.push_back(std::move(*order));
     } else {
-      tellStore(order.error());
+      showStoreError(order.error());
     }
   }
   return orders;

@@ -32,13 +32,13 @@ constexpr const char* alsoElsewhere =
     "Se questi dati si trovano anche in stampe, in file PDF, CSV o XLSX e in copie del computer, eliminarli anche lì.";
 constexpr const char* notWiped =
     "Gli ordini sono stati aggiornati, ma il file non è stato ripulito; accadrà con il prossimo \"Aggiorna\".\n\n";
-constexpr std::size_t codesTold = 20;
+constexpr std::size_t codesShown = 20;
 
 /// The first codes, and how many there are beside them.
 std::string codeList(const std::vector<std::string>& codes) {
   std::string text;
-  for (std::size_t i = 0; i < codes.size() && i < codesTold; ++i) text += (i > 0 ? ", " : "") + codes[i];
-  if (codes.size() > codesTold) text += " e altri " + std::to_string(codes.size() - codesTold);
+  for (std::size_t i = 0; i < codes.size() && i < codesShown; ++i) text += (i > 0 ? ", " : "") + codes[i];
+  if (codes.size() > codesShown) text += " e altri " + std::to_string(codes.size() - codesShown);
   return text + ".";
 }
 
@@ -108,28 +108,28 @@ bool OrderDesk::open() {
   return opened.has_value();
 }
 
-void OrderDesk::tell(const Error& error) {
+void OrderDesk::showError(const Error& error) {
   const std::string text = orderFailureText(error);
   if (!text.empty()) ports_.user.message(text, Icon::Exclamation);
 }
 
-void OrderDesk::tellRefused(const Error& error) {
-  if (!mayHaveHappened(error)) return tell(error);
+void OrderDesk::showRefusal(const Error& error) {
+  if (!mayHaveHappened(error)) return showError(error);
   const std::string text = orderFailureText(error);
   ports_.user.message((text.empty() ? text : text + "\n\n") + perhapsDone, Icon::Exclamation);
 }
 
-void OrderDesk::tellRest(const OrderChange& done) {
+void OrderDesk::showRest(const OrderChange& done) {
   if (!done.mail.empty()) ports_.user.message(done.mail, Icon::Information);
-  tellErased();
+  showErased();
   if (!done.kept) ports_.user.message(notKept + failureText(done.kept.error(), ordersFile), Icon::Exclamation);
 }
 
-void OrderDesk::tellErased() {
+void OrderDesk::showErased() {
   const auto erased = store_.erased();
   if (!erased || erased->isNone()) return;
   ports_.user.message(erasedText(*erased, store_.keepsDamagedFile()), Icon::Information);
-  const auto wiped = store_.erasedTold();
+  const auto wiped = store_.erasedShown();
   if (!wiped) ports_.user.message(notWiped + failureText(wiped.error(), ordersFile), Icon::Exclamation);
 }
 
@@ -146,25 +146,25 @@ std::optional<FetchedOrders> OrderDesk::fetch(const std::function<void(int order
   const auto access = ports_.access();
   const auto fetched =
       access ? fetchOrders(store_, *access, ports_.means, received) : Result<FetchedOrders>(fail(access.error()));
-  if (!fetched) tell(fetched.error());
+  if (!fetched) showError(fetched.error());
   // Also after a failure: what came before it is kept, and erased.
-  tellErased();
+  showErased();
   return fetched ? std::optional(*fetched) : std::nullopt;
 }
 
 bool OrderDesk::changeState(StateChange change) {
   const auto access = ports_.access();
   if (!access) {
-    tell(access.error());
+    showError(access.error());
     return false;
   }
   for (;;) {
     const auto done = changeOrderState(store_, *access, ports_.means, change);
     if (!done) {
-      tellRefused(done.error());
+      showRefusal(done.error());
       return false;
     }
-    tellRest(*done);
+    showRest(*done);
     if (done->outcome == ChangeOutcome::Unknown) askUnknown(change.code);
     if (done->outcome != ChangeOutcome::Different || !done->order) return true;
     const Conflict conflict{"Lo stato dell'ordine " + change.code + " è cambiato nel frattempo sul server.",
@@ -183,10 +183,10 @@ bool OrderDesk::addNote(const OrderNote& note) {
   const auto done =
       access ? addOrderNote(store_, *access, ports_.means, note) : Result<OrderChange>(fail(access.error()));
   if (!done) {
-    tellRefused(done.error());
+    showRefusal(done.error());
     return false;
   }
-  tellRest(*done);
+  showRest(*done);
   if (done->outcome == ChangeOutcome::Unknown) askUnknown(note.code);
   return done->outcome == ChangeOutcome::Done;
 }
@@ -195,20 +195,20 @@ std::optional<StockAnswer> OrderDesk::stock(const StockQuery& query) {
   const auto access = ports_.access();
   auto items = access ? fetchStock(*access, ports_.means, query) : Result<StockAnswer>(fail(access.error()));
   if (items) return std::move(*items);
-  tell(items.error());
+  showError(items.error());
   return std::nullopt;
 }
 
 std::optional<std::string> OrderDesk::setStock(StockChange change, const std::string& name) {
   const auto access = ports_.access();
   if (!access) {
-    tell(access.error());
+    showError(access.error());
     return std::nullopt;
   }
   for (;;) {
     const auto done = changeStock(*access, ports_.means, change);
     if (!done) {
-      tellRefused(done.error());
+      showRefusal(done.error());
       return std::nullopt;
     }
     if (done->outcome == ChangeOutcome::Done || done->level == change.after) return done->level;

@@ -55,13 +55,13 @@ class OrderDesk {
   std::optional<std::string> setStock(StockChange change, const std::string& name);
 
  private:
-  void tell(const Error& error);
+  void showError(const Error& error);
   /// The failure of a change, and whether the server may have done it all the same.
-  void tellRefused(const Error& error);
+  void showRefusal(const Error& error);
   /// What came of a change beside its outcome: the mail, and a store that could not keep it.
-  void tellRest(const OrderChange& done);
+  void showRest(const OrderChange& done);
   /// What was erased here because the shop deleted it.
-  void tellErased();
+  void showErased();
   /// That the server doesn't know an order; removes it here on Yes.
   void askUnknown(const std::string& code);
 

@@ -13,7 +13,7 @@ std::optional<OrderAccess> accessForNotice(Session& session) {
   auto address = orderAddress(session);
   if (!key || key->empty() || !address || address->empty()) return std::nullopt;
   OrderStore store(session.ShopFolder);
-  if (!store.open() || !store.isOpen() || !store.tellsAtStart().value_or(false)) return std::nullopt;
+  if (!store.open() || !store.isOpen() || !store.notifiesAtStart().value_or(false)) return std::nullopt;
   return OrderAccess{std::move(*address), *key};
 }
 

@@ -83,7 +83,7 @@ Result<ErasedOrders> OrderStore::erased() {
 
 bool OrderStore::keepsDamagedFile() const { return fileExists(joinPath(shopFolder_, damagedOrdersFile)); }
 
-Result<> OrderStore::erasedTold() {
+Result<> OrderStore::erasedShown() {
   if (auto rebuilt = database_.execute("VACUUM"); !rebuilt) return rebuilt;
   auto deleted = deleteFile(joinPath(shopFolder_, damagedOrdersFile));
   if (!deleted && deleted.error().kind != ErrorKind::Missing) return deleted;

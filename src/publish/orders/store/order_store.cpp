@@ -11,7 +11,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view unfinishedFile = "ordini.tm0";
-constexpr std::string_view addressNote = "indirizzo", cursorNote = "dopo", askedNote = "chiesto", tellNote = "avviso";
+constexpr std::string_view addressNote = "indirizzo", cursorNote = "dopo", askedNote = "chiesto", noticeNote = "avviso";
 
 // An order is known by number and code: a server that was set up again counts from 1, with other codes.
 constexpr const char* tables =
@@ -271,12 +271,14 @@ Result<> OrderStore::noteAsked(std::int64_t seconds) {
   return isOpen() ? note(askedNote, std::to_string(seconds)) : Result<>();
 }
 
-Result<bool> OrderStore::tellsAtStart() {
-  const auto text = noted(tellNote);
+Result<bool> OrderStore::notifiesAtStart() {
+  const auto text = noted(noticeNote);
   if (!text) return fail(text.error());
   return *text != "0";
 }
 
-Result<> OrderStore::setTellsAtStart(bool tells) { return isOpen() ? note(tellNote, tells ? "1" : "0") : Result<>(); }
+Result<> OrderStore::setNotifiesAtStart(bool notifies) {
+  return isOpen() ? note(noticeNote, notifies ? "1" : "0") : Result<>();
+}
 
 }  // namespace kv

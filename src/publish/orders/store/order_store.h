@@ -100,7 +100,7 @@ class OrderStore {
   Result<ErasedOrders> erased();
   /// It was told. Rebuilds the file, so that nothing of it is left in unused pages, and deletes a damaged file that was
   /// put aside, which may hold it too.
-  Result<> erasedTold();
+  Result<> erasedShown();
 
   /// The orders that pass a filter, newest first.
   Result<std::vector<OrderSummary>> list(const OrderLookup& filter);
@@ -118,8 +118,8 @@ class OrderStore {
   Result<std::int64_t> askedAt();
   Result<> noteAsked(std::int64_t seconds);
   /// Whether the start of the program tells how many orders are new; true until it is set.
-  Result<bool> tellsAtStart();
-  Result<> setTellsAtStart(bool tells);
+  Result<bool> notifiesAtStart();
+  Result<> setNotifiesAtStart(bool notifies);
 
  private:
   Result<> putAside();

@@ -111,13 +111,13 @@ std::string orderField(const DeskOrder& order, const std::string& name) {
   return found == order.fields.end() ? std::string() : found->second;
 }
 
-std::string toldText(std::string_view text) {
-  constexpr std::size_t longestTold = 500;
-  const std::string_view part = firstCharacters(text, longestTold);
+std::string shownTextOf(std::string_view text) {
+  constexpr std::size_t longestShown = 500;
+  const std::string_view part = firstCharacters(text, longestShown);
   return withoutControls(part, '\n') + (part.size() < text.size() ? "..." : "");
 }
 
-std::string toldLine(std::string_view text) { return withoutControls(text, ' '); }
+std::string shownLineOf(std::string_view text) { return withoutControls(text, ' '); }
 
 std::string textAsHtml(std::string_view text) {
   std::string html;

@@ -24,9 +24,9 @@ std::string orderField(const DeskOrder& order, const std::string& name);
 
 /// Text of a server that is to be told or printed: at most 500 characters, without any that control a terminal but line
 /// ends.
-std::string toldText(std::string_view text);
+std::string shownTextOf(std::string_view text);
 /// The same on one line, of any length.
-std::string toldLine(std::string_view text);
+std::string shownLineOf(std::string_view text);
 
 /// Text as HTML, with line ends as breaks. A run of characters without a space may break after every 24 of them, so
 /// that no name pushes a table out of its page.

@@ -211,7 +211,7 @@ Result<GoneOrdersAnswer> goneOrdersAnswer(const JsonValue& answer) {
 Result<ChangeAnswer> changeAnswer(const JsonValue& answer) {
   const auto outcome = outcomeOf(answer);
   if (!outcome) return fail(outcome.error());
-  ChangeAnswer change{*outcome, std::nullopt, toldText(answer.textOf("mail"))};
+  ChangeAnswer change{*outcome, std::nullopt, shownTextOf(answer.textOf("mail"))};
   const JsonValue* order = answer.member("ordine");
   if (order == nullptr || order->kind == JsonKind::Null) {
     if (change.outcome != ChangeOutcome::Unknown) return outOfBounds("ordine");

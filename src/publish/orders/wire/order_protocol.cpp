@@ -136,7 +136,7 @@ Result<JsonValue> readOrderAnswer(const OrderAccess& access, const OrderMessage&
   if (!answer || answer->kind != JsonKind::Object) return unusable(access);
   if (answer->member("errore") != nullptr) {
     return fail(ErrorKind::Other, access.address,
-                "Il server non ha potuto eseguire la richiesta:\n" + toldText(answer->textOf("errore")));
+                "Il server non ha potuto eseguire la richiesta:\n" + shownTextOf(answer->textOf("errore")));
   }
   return answer;
 }

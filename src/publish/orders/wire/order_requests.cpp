@@ -42,7 +42,7 @@ std::string stateRequest(const StateChange& change) {
       .text("da", change.from)
       .text("a", change.to)
       .flag("scorte", change.movesStock)
-      .flag("scrivi", change.tellsCustomer)
+      .flag("scrivi", change.notifiesCustomer)
       .text("messaggio", change.message)
       .end();
 }

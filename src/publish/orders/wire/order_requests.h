@@ -15,11 +15,11 @@ inline constexpr int goneOrdersPerAnswer = 5000;
 /// A new state of an order, chosen while it was in another.
 struct StateChange {
   std::string code;
-  std::string from;            ///< the state that the merchant has seen
-  std::string to;              ///< one of orderStates()
-  bool movesStock = false;     ///< cancelled pieces come back, and go again
-  bool tellsCustomer = false;  ///< by mail
-  std::string message;         ///< of that mail; empty: the shop's own for the state
+  std::string from;               ///< the state that the merchant has seen
+  std::string to;                 ///< one of orderStates()
+  bool movesStock = false;        ///< cancelled pieces come back, and go again
+  bool notifiesCustomer = false;  ///< by mail
+  std::string message;            ///< of that mail; empty: the shop's own for the state
 };
 
 /// What there is of articles, or of the values of variants.

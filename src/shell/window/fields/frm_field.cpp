@@ -78,10 +78,10 @@ void FieldLine::applyChange(const QString& typed) {
     if (kind_ == FieldKind::Amount && filter_->note) {
       filter_->note(QStringLiteral("\"%1\" non è un numero: è rimasto il valore precedente.").arg(typed));
     }
-    const int place = cursorPosition();
+    const int position = cursorPosition();
     filter_->hold(wanted);
     setText(wanted);
-    setCursorPosition(std::min(place, static_cast<int>(wanted.size())));
+    setCursorPosition(std::min(position, static_cast<int>(wanted.size())));
   }
   lastGood_ = wanted;
 }
@@ -117,9 +117,9 @@ FieldMemo::FieldMemo(QWidget* parent) : QPlainTextEdit(parent) {
 
 QSize FieldMemo::sizeHint() const {
   constexpr int lines = 6;
-  constexpr int letters = 30;
+  constexpr int characters = 30;
   const QFontMetrics metrics = fontMetrics();
-  return {metrics.averageCharWidth() * letters, metrics.lineSpacing() * lines + 2 * frameWidth()};
+  return {metrics.averageCharWidth() * characters, metrics.lineSpacing() * lines + 2 * frameWidth()};
 }
 
 void FieldMemo::keyPressEvent(QKeyEvent* event) {

@@ -128,9 +128,9 @@ QWidget* EditorPage::makeTextStrip(const Group& group) {
     constexpr int lines = 9;
     binding->field()->setMinimumHeight(fontMetrics().lineSpacing() * lines);
   }
-  connect(strip, &QTabBar::currentChanged, texts, [this, texts](int place) {
+  connect(strip, &QTabBar::currentChanged, texts, [this, texts](int index) {
     commit();
-    texts->setCurrentIndex(place);
+    texts->setCurrentIndex(index);
   });
   column->addWidget(strip);
   column->addWidget(texts);

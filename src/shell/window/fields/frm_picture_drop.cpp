@@ -62,7 +62,7 @@ DraggedPictures draggedBy(const QMimeData& data) {
   return dragged;
 }
 
-QByteArray bytesBehind(const QUrl& address, UserPort& user) {
+QByteArray bytesAt(const QUrl& address, UserPort& user) {
   if (address.scheme() == QLatin1String("data")) {
     const QByteArray text = address.toEncoded();
     const qsizetype comma = text.indexOf(',');
@@ -80,7 +80,7 @@ QByteArray bytesBehind(const QUrl& address, UserPort& user) {
 /// The file that an address was fetched into, named after it and the kind of its bytes; empty when there was no
 /// picture.
 std::string fetched(const QUrl& address, const QTemporaryDir& folder, UserPort& user) {
-  const QByteArray bytes = bytesBehind(address, user);
+  const QByteArray bytes = bytesAt(address, user);
   const QMimeType kind = QMimeDatabase().mimeTypeForData(bytes);
   if (bytes.isEmpty() || !kind.name().startsWith(QLatin1String("image/"))) return {};
   const QString stem = address.scheme() == QLatin1String("data") ? QString() : QFileInfo(address.path()).baseName();

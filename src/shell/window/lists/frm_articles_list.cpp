@@ -140,9 +140,9 @@ ArticleList::ArticleList(Workbench& workbench, QWidget* parent)
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
   horizontalHeader()->setSectionResizeMode(ArticleModel::Title, QHeaderView::Stretch);
-  const int letter = fontMetrics().averageCharWidth();
+  const int characterWidth = fontMetrics().averageCharWidth();
   for (int column = 0; column < ArticleModel::ColumnCount; ++column) {
-    if (column != ArticleModel::Title) setColumnWidth(column, letter * 10);
+    if (column != ArticleModel::Title) setColumnWidth(column, characterWidth * 10);
   }
   showColumns(shownColumns({}));
 }
@@ -254,11 +254,11 @@ bool ArticleList::edit(const QModelIndex& index, EditTrigger trigger, QEvent* ev
 
 QModelIndex ArticleList::nextCell(const QModelIndex& from, int step) const {
   const int cells = model_->rowCount() * ArticleModel::ColumnCount;
-  for (int place = from.row() * ArticleModel::ColumnCount + from.column() + step; place >= 0 && place < cells;
-       place += step) {
-    const int column = place % ArticleModel::ColumnCount;
+  for (int cell = from.row() * ArticleModel::ColumnCount + from.column() + step; cell >= 0 && cell < cells;
+       cell += step) {
+    const int column = cell % ArticleModel::ColumnCount;
     if (columnFacts(column).edits.empty() || isColumnHidden(column)) continue;
-    return model_->index(place / ArticleModel::ColumnCount, column);
+    return model_->index(cell / ArticleModel::ColumnCount, column);
   }
   return {};
 }

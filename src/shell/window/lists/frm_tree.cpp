@@ -27,19 +27,19 @@ DepartmentModel::DepartmentModel(Workbench& workbench, QObject* parent)
 void DepartmentModel::rebuild() {
   beginResetModel();
   nodes_.clear();
-  places_.clear();
+  indexes_.clear();
   const std::vector<TreeNode>& rows = workbench_.sets().tree();
   nodes_.reserve(rows.size() + 1);
   nodes_.push_back({std::string(treeRoot), toQt(treeRootTitle), 0, 0, {}});
-  places_[nodes_.front().key] = 0;
+  indexes_[nodes_.front().key] = 0;
   for (const TreeNode& row : rows) {
     // A department under a parent that doesn't exist is shown under the root.
-    const auto found = places_.find(row.genitore);
-    const std::size_t parent = found == places_.end() ? 0 : found->second;
-    const std::size_t place = nodes_.size();
+    const auto found = indexes_.find(row.genitore);
+    const std::size_t parent = found == indexes_.end() ? 0 : found->second;
+    const std::size_t index = nodes_.size();
     nodes_.push_back({row.ID, toQt(row.titolo), parent, static_cast<int>(nodes_[parent].children.size()), {}});
-    nodes_[parent].children.push_back(place);
-    places_[row.ID] = place;
+    nodes_[parent].children.push_back(index);
+    indexes_[row.ID] = index;
   }
   endResetModel();
 }
@@ -52,8 +52,8 @@ void DepartmentModel::setTitle(const std::string& ID, const QString& title) {
 }
 
 QModelIndex DepartmentModel::indexOf(const std::string& ID) const {
-  const auto found = places_.find(ID);
-  if (found == places_.end()) return {};
+  const auto found = indexes_.find(ID);
+  if (found == indexes_.end()) return {};
   return createIndex(nodes_[found->second].row, 0, static_cast<quintptr>(found->second));
 }
 
@@ -65,14 +65,14 @@ QModelIndex DepartmentModel::index(int row, int column, const QModelIndex& paren
   if (column != 0 || row < 0) return {};
   if (!parent.isValid()) return row == 0 ? createIndex(0, 0, quintptr{0}) : QModelIndex();
   const auto& children = node(parent).children;
-  const auto place = static_cast<std::size_t>(row);
-  return place < children.size() ? createIndex(row, 0, static_cast<quintptr>(children[place])) : QModelIndex();
+  const auto index = static_cast<std::size_t>(row);
+  return index < children.size() ? createIndex(row, 0, static_cast<quintptr>(children[index])) : QModelIndex();
 }
 
 QModelIndex DepartmentModel::parent(const QModelIndex& child) const {
   if (!child.isValid() || child.internalId() == 0) return {};
-  const std::size_t place = node(child).parent;
-  return createIndex(nodes_[place].row, 0, static_cast<quintptr>(place));
+  const std::size_t index = node(child).parent;
+  return createIndex(nodes_[index].row, 0, static_cast<quintptr>(index));
 }
 
 int DepartmentModel::rowCount(const QModelIndex& parent) const {

@@ -67,8 +67,8 @@ class DepartmentModel final : public QAbstractItemModel {
   const Node& node(const QModelIndex& index) const { return nodes_[static_cast<std::size_t>(index.internalId())]; }
 
   Workbench& workbench_;
-  std::vector<Node> nodes_;                              ///< the root first
-  std::unordered_map<std::string, std::size_t> places_;  ///< index in nodes_ by key
+  std::vector<Node> nodes_;                               ///< the root first
+  std::unordered_map<std::string, std::size_t> indexes_;  ///< index in nodes_ by key
 };
 
 /// The tree on the screen. Moving the selection moves the department cursor of the workbench.

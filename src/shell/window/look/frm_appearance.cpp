@@ -56,7 +56,7 @@ double luminanceOf(const QColor& colour) {
 }
 
 /// A colour brought away from the grounds of the palette until it can be told from each.
-QColor toldApart(QColor colour, const QPalette& palette) {
+QColor distinguishable(QColor colour, const QPalette& palette) {
   constexpr double least = 3.2;  // a little more than the limit, for edges that are drawn smooth
   constexpr int steps = 64;
   const bool dark = isDark(palette);
@@ -80,11 +80,11 @@ double contrastOf(const QColor& one, const QColor& other) {
 }
 
 QColor markColour(const QPalette& palette) {
-  return toldApart(palette.color(QPalette::Active, QPalette::Highlight), palette);
+  return distinguishable(palette.color(QPalette::Active, QPalette::Highlight), palette);
 }
 
 QColor edgeColour(const QPalette& palette) {
-  return toldApart(palette.color(QPalette::Active, QPalette::Mid), palette);
+  return distinguishable(palette.color(QPalette::Active, QPalette::Mid), palette);
 }
 
 QPalette lightPalette() {

@@ -36,11 +36,11 @@ class DrawnIcon final : public QIconEngine {
  public:
   DrawnIcon(QByteArray drawing, IconColours colours) : drawing_(std::move(drawing)), colours_(colours) {}
 
-  void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State /*state*/) override {
+  void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State /*state*/) override {
     QSvgRenderer drawing(coloured());
     drawing.setAspectRatioMode(Qt::KeepAspectRatio);
     if (mode == QIcon::Disabled) painter->setOpacity(painter->opacity() * disabledOpacity);
-    drawing.render(painter, QRectF(place));
+    drawing.render(painter, QRectF(area));
   }
 
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
@@ -82,8 +82,8 @@ class BesideWords final : public QIconEngine {
  public:
   explicit BesideWords(QIcon icon) : icon_(std::move(icon)) {}
 
-  void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override {
-    icon_.paint(painter, place.adjusted(0, 0, -place.width() / 5, 0), Qt::AlignCenter, mode, state);
+  void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State state) override {
+    icon_.paint(painter, area.adjusted(0, 0, -area.width() / 5, 0), Qt::AlignCenter, mode, state);
   }
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
     QPixmap drawn(size);

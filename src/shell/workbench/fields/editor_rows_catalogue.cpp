@@ -117,8 +117,8 @@ std::vector<Editor> articlePrices() {
   constexpr std::string_view variantLabels[] = {"Variante 1:", "Variante 2:", "Variante 3:", "Variante 4:"};
   constexpr std::string_view variantColumns[] = {"opzione1", "opzione2", "opzione3", "opzione4"};
   for (int slot = 1; slot <= 4; ++slot) {
-    const auto place = static_cast<std::size_t>(slot - 1);
-    rows.push_back(perListino(numbered(article(variantColumns[place], list, variantLabels[place], Variant), slot)));
+    const auto index = static_cast<std::size_t>(slot - 1);
+    rows.push_back(perListino(numbered(article(variantColumns[index], list, variantLabels[index], Variant), slot)));
   }
   return rows;
 }
