@@ -1,7 +1,7 @@
 #pragma once
 // FTP over a control connection of its own. For the sources of platform/transfer.
 //
-// It isn't left to libcurl, whose uploads of small files stand still on a fast network (seen with 7.88.1: each tenth to
+// It isn't left to libcurl, whose uploads of small files stop on a fast network (seen with 7.88.1: each tenth to
 // fiftieth file on loopback, none with 20 ms of delay). When the reply to EPSV has come by the time of the call that
 // sent EPSV, that call ends before the socket of the data connection is made, and names no other socket and no time to
 // wait for. Whoever waits for the library then waits as long as he waits for nothing: exactly the time-out of the poll
