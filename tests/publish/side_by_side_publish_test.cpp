@@ -4,6 +4,7 @@
 
 #include "platform/transfer/side_by_side.h"
 #include "publish_fixture.h"
+#include "support/tls_server.h"
 
 namespace kv {
 namespace {
@@ -13,7 +14,8 @@ using Kind = test::FtpFault::Kind;
 
 class SeveralConnections : public test::PublishFixture {
  protected:
-  explicit SeveralConnections(int allowed = 8) : PublishFixture({.home = "/casa", .atOnce = allowed}) {
+  explicit SeveralConnections(int allowed = 8, const test::TlsServer* tls = nullptr)
+      : PublishFixture({.home = "/casa", .atOnce = allowed, .tls = tls}) {
     settings.connections = 4;
     settings.silenceSeconds = 2;
     for (int i = 10; i < 40; ++i) {
@@ -132,6 +134,31 @@ TEST_F(SeveralConnections, AreMarkedInTheDialogueAndHideThePassword) {
   ASSERT_EQ(publish(), PublishOutcome::Done);
   EXPECT_NE(log(1).find("[2] PASS (hidden)\r\n"), std::string::npos);
   EXPECT_EQ(log(1).find("segreto"), std::string::npos);
+}
+
+struct WithCertificate {
+  test::TlsServer tls;
+};
+
+class SeveralEncryptedConnections : protected WithCertificate, public SeveralConnections {
+ protected:
+  SeveralEncryptedConnections() : SeveralConnections(8, &tls) {}
+};
+
+TEST_F(SeveralEncryptedConnections, AskOnceAboutTheCertificateThatAllOfThemMeet) {
+  user.answers = {Answer::Yes};
+  way.reconnects = true;
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  expectAllOnServer();
+  EXPECT_EQ(server.commands("AUTH").size(), 5U) << "four for the first folder and one for the second";
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(user.shown[0].preset, Answer::No);
+}
+
+TEST_F(SeveralEncryptedConnections, AreNeverOpenedAfterANoToTheCertificate) {
+  EXPECT_EQ(publish(), PublishOutcome::Failed);
+  EXPECT_EQ(server.connections(), 1);
+  EXPECT_EQ(server.commands("USER"), Names{});
 }
 
 /// Notes whether it was ever called within a job of a connection, whose stack is none for windows.

@@ -112,7 +112,7 @@ class FtpServer(OwnServer):
         users.chmod(0o600)
         settings = self.folder / "proftpd.conf"
         owner = "User root\nGroup root" if os.getuid() == 0 else ""
-        newest = "TLSProtocol TLSv1.3\n  TLSOptions NoSessionReuseRequired" if self.newest else ""
+        newest = "TLSProtocol TLSv1.3" if self.newest else ""
         settings.write_text(PROFTPD.format(port=self.port, folder=self.folder, certificate=self.certificate,
                                            owner=owner, newest=newest))
         return [program("proftpd"), "-n", "-c", settings]

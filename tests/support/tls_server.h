@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -21,14 +22,16 @@ class TlsServer {
     SSL_CTX_use_certificate(context_.get(), certificate_.get());
     SSL_CTX_use_PrivateKey(context_.get(), key_.get());
   }
-  /// In the server's thread, which a client that has gone away must not end. To be freed by SSL_free.
-  SSL* shakeHands(int descriptor) const {
+  /// In the server's thread, which a client that has gone away must not end. To be freed by SSL_free. tickets: how many
+  /// sessions of TLS 1.3 the client is offered to resume.
+  SSL* shakeHands(int descriptor, std::size_t tickets = 2) const {
     sigset_t pipe;
     ::sigemptyset(&pipe);
     ::sigaddset(&pipe, SIGPIPE);
     ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
     SSL* const ssl = SSL_new(context_.get());
     SSL_set_fd(ssl, descriptor);
+    SSL_set_num_tickets(ssl, tickets);
     SSL_accept(ssl);
     return ssl;
   }

@@ -106,13 +106,14 @@ TEST_F(AnHttpsRequest, TakesAPostThatComesFromThePlainSite) {
   EXPECT_EQ(answer->body, "OK");
 }
 
-/// An FTP server with TLS that takes one file, and then does something with the data connection. Where TLS is implicit
-/// it says nothing before the handshake.
+/// An FTP server with TLS that takes files, and does something with each data connection then. Where TLS is implicit
+/// it says nothing before the handshake. With its data connections it offers no further session to resume.
 class CertifiedFtpServer {
  public:
   using Ending = std::function<void(SSL* data, int control)>;
-  explicit CertifiedFtpServer(Ending ending, bool isImplicit = false)
+  explicit CertifiedFtpServer(Ending ending, bool isImplicit = false, bool isNewestAlone = false)
       : ending_(std::move(ending)), isImplicit_(isImplicit) {
+    if (isNewestAlone) tls_.speakNewestAlone();
     thread_ = std::thread([this] { serve(); });
   }
   CertifiedFtpServer(const CertifiedFtpServer&) = delete;
@@ -162,7 +163,7 @@ class CertifiedFtpServer {
   void store() {
     say("150 avanti");
     const int descriptor = data_.accept();
-    SSL* const data = tls_.shakeHands(descriptor);
+    SSL* const data = tls_.shakeHands(descriptor, 0);
     while (!readSome(data).empty()) {
     }
     say("226 ricevuto");
@@ -171,12 +172,14 @@ class CertifiedFtpServer {
     ::close(descriptor);
   }
   void serve() {
-    descriptor_ = listener_.accept();
-    if (descriptor_ < 0) return;
+    while ((descriptor_ = listener_.accept()) >= 0) talk();
+  }
+  void talk() {
     if (isImplicit_) control_ = tls_.shakeHands(descriptor_);
     say("220 pronto");
     for (std::string line = hear(); !line.empty(); line = hear()) answer(line);
-    SSL_free(control_);
+    SSL_free(std::exchange(control_, nullptr));
+    unread_.clear();
     ::close(descriptor_);
   }
 
@@ -198,13 +201,8 @@ class TheEndOfACertifiedUpload : public test::TransferFixture {
     events.trust = [](const UntrustedServer& /*server*/) { return true; };
     transfer->listen(std::move(events));
     CertifiedFtpServer server(ending, tls == TlsMode::Implicit);
-    ConnectionSettings settings;
-    settings.host = "127.0.0.1";
-    settings.ftpPort = server.port();
-    settings.user = "mario";
-    settings.password = "segreto";
+    ConnectionSettings settings = settingsOf(server);
     settings.tls = tls;
-    settings.silenceSeconds = 1;
     std::string failed = enter(settings);
     if (failed == "ok") failed = textOf(transfer->upload(localFile("a", "bytes"), "a", TransferMode::Binary));
     transfer->abort();
@@ -228,6 +226,27 @@ TEST_F(TheEndOfACertifiedUpload, ComesOnBothConnectionsWhereTlsBeginsWithTheFirs
   const auto look = [&isEncrypted](SSL* data, int /*control*/) { isEncrypted = SSL_is_init_finished(data) == 1; };
   EXPECT_EQ(outcome(look, TlsMode::Implicit), "ok");
   EXPECT_TRUE(isEncrypted);
+}
+
+class ACertifiedConnection : public test::TransferFixture {};
+
+TEST_F(ACertifiedConnection, ResumesTheOneSessionItWasOfferedWithEachFile) {
+  for (const bool isNewestAlone : {false, true}) {
+    std::atomic<int> resumed = 0;
+    const auto look = [&resumed](SSL* data, int /*control*/) { resumed += SSL_session_reused(data); };
+    CertifiedFtpServer server(look, false, isNewestAlone);
+    TransferEvents events;
+    events.trust = [](const UntrustedServer& /*server*/) { return true; };
+    transfer->listen(std::move(events));
+    ConnectionSettings settings = settingsOf(server);
+    settings.tls = TlsMode::Required;
+    ASSERT_EQ(enter(settings), "ok");
+    for (const char* name : {"a", "b", "c"}) {
+      EXPECT_EQ(textOf(transfer->upload(localFile("a", "bytes"), name, TransferMode::Binary)), "ok");
+    }
+    transfer->quit();
+    EXPECT_EQ(resumed, 3) << isNewestAlone;
+  }
 }
 
 TEST_F(TheEndOfACertifiedUpload, IsNotPutOffByAServerThatKeepsTheConnection) {

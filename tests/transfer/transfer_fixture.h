@@ -25,7 +25,9 @@ class TransferFixture : public ::testing::Test {
     events.sent = [this](std::uint64_t bytes) { sent = bytes; };
     transfer->listen(std::move(events));
   }
-  ConnectionSettings settingsOf(const ScriptedFtpServer& server) const {
+  /// A server of any kind that knows its port.
+  template <class Server>
+  ConnectionSettings settingsOf(const Server& server) const {
     ConnectionSettings settings;
     settings.host = "127.0.0.1";
     settings.ftpPort = server.port();

@@ -108,6 +108,13 @@ BIO* socketBio(int descriptor) {
   return bio;
 }
 
+/// By a copy too: the library resumes a session of TLS 1.3 once, and a server that offers no other one with its data
+/// connections may want each of them to resume that of the control connection.
+void resume(SSL* ssl, SSL_SESSION& session) {
+  const std::unique_ptr<SSL_SESSION, decltype(&SSL_SESSION_free)> copy(SSL_SESSION_dup(&session), &SSL_SESSION_free);
+  SSL_set_session(ssl, copy.get());
+}
+
 void nameHost(SSL* ssl, const std::string& host) {
   std::array<unsigned char, sizeof(in6_addr)> number{};
   const bool isNumber =
@@ -167,8 +174,9 @@ void Tls::prepare() {
 
 int Tls::keepSession(SSL* ssl, SSL_SESSION* session) {
   auto* const self = static_cast<Tls*>(SSL_CTX_get_app_data(SSL_get_SSL_CTX(ssl)));
-  self->session_.reset(session);
-  return 1;  // the session now belongs to this object
+  // A copy: the library takes from a session the right to be resumed when its connection ends without a word.
+  self->session_.reset(SSL_SESSION_dup(session));
+  return 0;
 }
 
 Result<std::unique_ptr<TlsLine>> Tls::open(int descriptor, const TlsPeer& peer, Patience& patience) {
@@ -178,7 +186,7 @@ Result<std::unique_ptr<TlsLine>> Tls::open(int descriptor, const TlsPeer& peer, 
   SSL_set_bio(line->get(), bio, bio);
   nameHost(line->get(), peer.host);
   if (peer.first == nullptr) session_.reset();
-  if (session_) SSL_set_session(line->get(), session_.get());
+  if (session_) resume(line->get(), *session_);
   if (!newest_) SSL_set_max_proto_version(line->get(), TLS1_2_VERSION);
   if (auto shaken = shakeHands(line->get(), descriptor, patience); !shaken) return fail(shaken.error());
   if (auto verified = verify(*line, peer); !verified) return fail(verified.error());
