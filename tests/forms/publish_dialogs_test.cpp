@@ -264,6 +264,17 @@ TEST_F(TheConnectionDialog, SftpHasAPortOfItsOwnAndNothingThatOnlyFtpHas) {
   EXPECT_EQ(control<QComboBox>(*dialog, "cboProtocollo")->currentIndex(), 1);
 }
 
+TEST_F(TheConnectionDialog, TlsFromTheFirstByteHasAPortOfItsOwn) {
+  start();
+  auto* tls = control<QComboBox>(*dialog, "cboTLS");
+  tls->setFocus();
+  QTest::keyClick(tls, Qt::Key_End);
+  EXPECT_EQ(fromQt(control<QLineEdit>(*dialog, "txtPortaFTP")->text()), "990");
+  click(*dialog, "cmdOK");
+  EXPECT_NE(file("firewall.net").find("FPRT: 990\r\n"), std::string::npos);
+  EXPECT_TRUE(file("firewall.net").ends_with("TLSM: 3\r\n"));
+}
+
 TEST_F(TheConnectionDialog, TabGoesRoundAllOfItsControls) {
   dialog.emplace(shop, user, [](const FirewallSettings&) {});
   show(*dialog);

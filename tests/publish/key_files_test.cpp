@@ -204,9 +204,23 @@ TEST(FirewallSettings, OfSftpHaveItsUsualPortUnlessAnotherOneIsChosen) {
   EXPECT_TRUE(connectionOf({"h", "u", "p"}, settings, 60).knownHostsFile.ends_with("/korvane/known_hosts"));
   settings.ftpPort = "2222";
   EXPECT_EQ(connectionOf({"h", "u", "p"}, settings, 60).ftpPort, "2222");
-  EXPECT_EQ(portAfterChange("21", TransferProtocol::Sftp), "22");
-  EXPECT_EQ(portAfterChange("22", TransferProtocol::Ftp), "21");
-  EXPECT_EQ(portAfterChange("2121", TransferProtocol::Sftp), "2121");
+  EXPECT_EQ(portAfterChange("21", TransferProtocol::Sftp, TlsMode::IfOffered), "22");
+  EXPECT_EQ(portAfterChange("22", TransferProtocol::Ftp, TlsMode::IfOffered), "21");
+  EXPECT_EQ(portAfterChange("2121", TransferProtocol::Sftp, TlsMode::IfOffered), "2121");
+}
+
+TEST(FirewallSettings, OfTlsFromTheFirstByteHaveItsUsualPortUnlessAnotherOneIsChosen) {
+  FirewallSettings settings = parseFirewallSettings("FPRT: 21\r\nTLSM: 3\r\n");
+  EXPECT_EQ(connectionOf({"h", "u", "p"}, settings, 60).ftpPort, "") << "990, as for every empty one of that kind";
+  EXPECT_EQ(shownFirewall(settings).ftpPort, "990");
+  settings.ftpPort = "2121";
+  EXPECT_EQ(connectionOf({"h", "u", "p"}, settings, 60).ftpPort, "2121");
+  EXPECT_EQ(shownFirewall(settings).ftpPort, "2121");
+  settings = parseFirewallSettings("FPRT: 21\r\nTLSM: 2\r\n");
+  EXPECT_EQ(connectionOf({"h", "u", "p"}, settings, 60).ftpPort, "21");
+  EXPECT_EQ(portAfterChange("21", TransferProtocol::Ftp, TlsMode::Implicit), "990");
+  EXPECT_EQ(portAfterChange("990", TransferProtocol::Ftp, TlsMode::Required), "21");
+  EXPECT_EQ(portAfterChange("990", TransferProtocol::Sftp, TlsMode::Implicit), "22");
 }
 
 TEST(FirewallSettings, OfSftpLeaveOutTheProxiesOfFtp) {

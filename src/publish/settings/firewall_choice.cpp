@@ -8,7 +8,7 @@ namespace kv {
 FirewallSettings shownFirewall(const FirewallSettings& settings) {
   FirewallSettings shown = settings;
   if (!isNumeric(shown.ftpPort)) shown.ftpPort = usualFtpPort;
-  if (shown.ftpPort == usualFtpPort) shown.ftpPort = portAfterChange(shown.ftpPort, shown.protocol);
+  if (shown.ftpPort == usualFtpPort) shown.ftpPort = portAfterChange(shown.ftpPort, shown.protocol, shown.tls);
   return shown;
 }
 
@@ -20,10 +20,10 @@ bool carries(FirewallKind kind, TransferProtocol protocol) {
   return protocol == TransferProtocol::Ftp || kind < FirewallKind::ProxyUser || kind > FirewallKind::ProxyOpen;
 }
 
-std::string portAfterChange(const std::string& port, TransferProtocol protocol) {
-  const bool isSftp = protocol == TransferProtocol::Sftp;
-  if (port != (isSftp ? usualFtpPort : usualSftpPort)) return port;
-  return std::string(isSftp ? usualSftpPort : usualFtpPort);
+std::string portAfterChange(const std::string& port, TransferProtocol protocol, TlsMode tls) {
+  if (port != usualFtpPort && port != usualSftpPort && port != usualImplicitPort) return port;
+  if (protocol == TransferProtocol::Sftp) return std::string(usualSftpPort);
+  return std::string(tls == TlsMode::Implicit ? usualImplicitPort : usualFtpPort);
 }
 
 bool resetFirewall(const std::string& shopFolder, UserPort& user) {

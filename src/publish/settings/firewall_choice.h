@@ -20,7 +20,8 @@ inline constexpr std::array<std::string_view, 4> tlsModes{"Mai", "Se il server l
 /// The names of the protocols, in the order of their numbers.
 inline constexpr std::array<std::string_view, 2> protocolNames{"FTP", "SFTP (SSH)"};
 
-/// The settings as the dialog shows them: an FTP port that is no number is shown as 21.
+/// The settings as the dialog shows them: an FTP port that is no number is shown as 21, and that one as the usual port
+/// of what is chosen.
 FirewallSettings shownFirewall(const FirewallSettings& settings);
 /// Whether host, port, user and password of the firewall can be typed.
 bool areFirewallFieldsEnabled(FirewallKind kind);
@@ -29,8 +30,8 @@ bool areFirewallFieldsEnabled(FirewallKind kind);
 bool areFtpFieldsEnabled(TransferProtocol protocol);
 /// Whether a kind of firewall carries a protocol.
 bool carries(FirewallKind kind, TransferProtocol protocol);
-/// The port after a change of the protocol: a usual one becomes that of the new protocol, another one stays.
-std::string portAfterChange(const std::string& port, TransferProtocol protocol);
+/// The port after a change of protocol or encryption: a usual one becomes that of the new choice, another one stays.
+std::string portAfterChange(const std::string& port, TransferProtocol protocol, TlsMode tls);
 
 /// cmdReset: asks, with Cancel as default, and deletes the file. False when the answer was no, or the file could not be
 /// deleted, which the user has been told.

@@ -120,7 +120,8 @@ ConnectionSettings connectionOf(const ServerLogin& login, const FirewallSettings
   connection.tls = way.tls;
   connection.protocol = way.protocol;
   // 21 is what the file says where nobody has chosen a port.
-  if (way.protocol == TransferProtocol::Sftp && connection.ftpPort == usualFtpPort) connection.ftpPort.clear();
+  const bool hasOtherPort = way.protocol == TransferProtocol::Sftp || way.tls == TlsMode::Implicit;
+  if (hasOtherPort && connection.ftpPort == usualFtpPort) connection.ftpPort.clear();
   connection.knownHostsFile = userKnownHostsPath();
   connection.silenceSeconds = silenceSeconds;
   return connection;

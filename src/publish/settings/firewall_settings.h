@@ -12,7 +12,7 @@
 namespace kv {
 
 inline constexpr std::string_view firewallSettingsFile = "firewall.net";
-inline constexpr std::string_view usualFtpPort = "21", usualSftpPort = "22";
+inline constexpr std::string_view usualFtpPort = "21", usualSftpPort = "22", usualImplicitPort = "990";
 
 /// What the file says. TLSM and PROT are later additions, written after the others where they differ from the default.
 struct FirewallSettings {
@@ -51,8 +51,8 @@ struct ServerLogin {
 Result<ServerLogin> readServerLogin(Database& catalogue);
 
 /// The settings of a connection: login and way to the server. The host is normalised by serverHost, the user is
-/// trimmed. SFTP has its usual port where the settings have that of FTP. silenceSeconds: how long the server may say
-/// nothing.
+/// trimmed. SFTP, and TLS from the first byte, have their usual port where the settings have that of FTP.
+/// silenceSeconds: how long the server may say nothing.
 ConnectionSettings connectionOf(const ServerLogin& login, const FirewallSettings& way, int silenceSeconds);
 
 }  // namespace kv

@@ -70,6 +70,7 @@ QWidget* frmFirewall::makeConnection() {
   form->addRow(optAttiva_);
   txtPortaFTP_ = addLine(*form, "Porta &FTP:", "txtPortaFTP");
   cboTLS_ = addNames(*form, "Connessione &cifrata (TLS):", "cboTLS", tlsModes);
+  connect(cboTLS_, &QComboBox::activated, this, &frmFirewall::changePort);
   chkDisc_ = named(new QCheckBox(toQt("Usa &disconnessione / riconnessione")), "chkDisc");
   form->addRow(chkDisc_);
   return group;
@@ -120,8 +121,13 @@ FirewallSettings frmFirewall::shown() const {
 
 TransferProtocol frmFirewall::protocol() const { return static_cast<TransferProtocol>(cboProtocollo_->currentIndex()); }
 
+void frmFirewall::changePort() {
+  const auto tls = static_cast<TlsMode>(cboTLS_->currentIndex());
+  txtPortaFTP_->setText(toQt(portAfterChange(fromQt(txtPortaFTP_->text()), protocol(), tls)));
+}
+
 void frmFirewall::changeProtocol() {
-  txtPortaFTP_->setText(toQt(portAfterChange(fromQt(txtPortaFTP_->text()), protocol())));
+  changePort();
   if (!carries(static_cast<FirewallKind>(cboTipo_->currentIndex()), protocol())) cboTipo_->setCurrentIndex(0);
   enable();
 }

@@ -30,6 +30,7 @@ class frmFirewall final : public FormDialog {
   void show(const FirewallSettings& settings);
   FirewallSettings shown() const;
   void enable();  // the fields of the firewall by its kind, those of FTP by the protocol
+  void changePort();
   void changeProtocol();
   TransferProtocol protocol() const;
   void save();  // writes the file and closes, or shows the failure
