@@ -12,6 +12,9 @@ import time
 import unittest
 import urllib.request
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "support"))
+from processes import processes_below  # noqa: E402  (the path above comes first)
+
 PROGRAM = pathlib.Path(__file__).resolve().parents[2] / "tools" / "local-host"
 CLI = sys.argv.pop(1)
 
@@ -19,19 +22,6 @@ CLI = sys.argv.pop(1)
 def host(*words, **more):
     return subprocess.run([PROGRAM, *map(str, words)], capture_output=True, text=True, check=False, timeout=1200,
                           stdin=subprocess.DEVNULL, **more)
-
-
-def processes_below(folder):
-    """The command lines of running processes that name the folder."""
-    found = []
-    for entry in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
-        try:
-            line = entry.read_bytes().replace(b"\0", b" ").decode(errors="replace")
-        except OSError:
-            continue
-        if str(folder) in line and int(entry.parent.name) != os.getpid():
-            found.append(line)
-    return found
 
 
 class LocalHost(unittest.TestCase):
