@@ -138,6 +138,33 @@ TEST_F(APublishRunInTrouble, IsLeftAtOnceAndWithoutAWordWhenItIsCancelled) {
   EXPECT_EQ(server.commands("QUIT"), Names{});
 }
 
+TEST_F(APublishRunInTrouble, CanBeCancelledAtEveryYieldAndIsRightTheNextTime) {
+  write("scripts/c.php", "ccc");
+  int wanted = 0;  // what the site is to hold
+  steps.exportSql = [&](UserPort& asked) {
+    if (!asked.yield()) return false;
+    write("online/db.sql", "sql " + std::to_string(wanted), wanted);
+    return asked.yield();
+  };
+  settings.contentCheck = true;
+  PublishOutcome left = PublishOutcome::Cancelled;
+  while (left == PublishOutcome::Cancelled) {
+    ++wanted;
+    write("online/a.htm", "pagina " + std::to_string(wanted), wanted);
+    user.yields = 0;
+    user.cancelAtYield = wanted;
+    left = publish();
+    EXPECT_EQ(told(), "") << wanted;
+    user.cancelAtYield = 0;
+    ASSERT_EQ(publish(), PublishOutcome::Done) << wanted;
+    EXPECT_EQ(server.file("/casa/www/negozio/a.htm"), "pagina " + std::to_string(wanted));
+    EXPECT_EQ(server.file("/casa/www/negozio/db.sql"), "sql " + std::to_string(wanted));
+    EXPECT_EQ(server.file("/casa/cgi/c.php"), "ccc");
+  }
+  EXPECT_EQ(left, PublishOutcome::Done);
+  EXPECT_GT(wanted, 10) << "before the first yield of a wait there are those of the files";
+}
+
 TEST_F(APublishRunInTrouble, SendsAgainWhatBrokeOffAlthoughItWasNotNewer) {
   ASSERT_EQ(publish(), PublishOutcome::Done);
   settings.onlyModified = false;
