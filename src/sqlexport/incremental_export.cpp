@@ -134,6 +134,26 @@ bool makeDifference(const ExportContext& context, const std::string& sec, double
   return finishLoad(ExportKind::Incremental, context.onlineFolder, sec).has_value();
 }
 
+/// ExportIncrementalSql, its report always wanted.
+bool makeOrReuseDifference(const ExportContext& context, const std::string& sec, ExportReport& made) {
+  const LanguageFiles first = languageFiles(ExportKind::Incremental, "", sec);
+  const std::string cache = joinPath(context.onlineFolder, first.cachedLoad);
+  if (fileExists(cache) && isStale(cache, context.settings) && !deleteFile(cache)) return false;
+  if (!fileExists(cache)) {
+    const double languages = notedLanguages(context.onlineFolder, sec);
+    if (languages == 0) return false;
+    ignore(deleteCache(ExportKind::Incremental, context.onlineFolder, sec), "they are written over");
+    if (!makeDifference(context, sec, languages, made)) {
+      // Half a difference must not pass for one at the next run.
+      ignore(deleteCache(ExportKind::Incremental, context.onlineFolder, sec), "what stays is written over by the next");
+      return false;
+    }
+  }
+  publishCopies(ExportKind::Incremental, {context.onlineFolder, sec, [&] { return context.user.yield(); }}, made);
+  made.incremental = !made.cancelled && made.unwritten.empty();
+  return made.incremental;
+}
+
 }  // namespace
 
 bool ExportChangedRows(const DatabaseExport& job, const SqlStyle& style, UserPort& user, std::int64_t* rows) {
@@ -144,27 +164,11 @@ bool ExportChangedRows(const DatabaseExport& job, const SqlStyle& style, UserPor
 
 bool ExportIncrementalSql(const ExportContext& context, const std::string& sec, ExportReport* report) {
   ExportReport made;
-  const LanguageFiles first = languageFiles(ExportKind::Incremental, "", sec);
-  const std::string cache = joinPath(context.onlineFolder, first.cachedLoad);
-  const auto giveUp = [&] {
-    // Half a difference must not pass for one at the next run.
-    ignore(deleteCache(ExportKind::Incremental, context.onlineFolder, sec), "what stays is written over by the next");
-    if (report != nullptr) report->cancelled = made.cancelled;
-    return false;
-  };
-  if (fileExists(cache) && isStale(cache, context.settings) && !deleteFile(cache)) return false;
-  if (!fileExists(cache)) {
-    const double languages = notedLanguages(context.onlineFolder, sec);
-    if (languages == 0) return false;
-    ignore(deleteCache(ExportKind::Incremental, context.onlineFolder, sec), "they are written over");
-    if (!makeDifference(context, sec, languages, made)) return giveUp();
-  }
-  publishCopies(ExportKind::Incremental, {context.onlineFolder, sec, [&] { return context.user.yield(); }}, made);
-  if (report != nullptr) report->cancelled = made.cancelled;
-  if (made.cancelled || !made.unwritten.empty()) return false;
-  made.incremental = true;
-  if (report != nullptr) *report = made;
-  return true;
+  const bool isThere = makeOrReuseDifference(context, sec, made);
+  if (report == nullptr) return isThere;
+  if (isThere) *report = made;
+  report->cancelled = made.cancelled;
+  return isThere;
 }
 
 bool exportForPublishing(const ExportContext& context, const PublishedShop& shop, bool allRecords,

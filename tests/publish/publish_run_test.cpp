@@ -207,6 +207,28 @@ TEST_F(APublishRun, NamesInTheDryRunWhatItWouldSendAndChangesNothing) {
   EXPECT_EQ(filesToSend(job, uploadOptions(job, settings, way)).value(), Names{}) << "nothing goes by FTP";
 }
 
+TEST_F(APublishRun, CanBeCancelledInTheDryRunToo) {
+  settings.contentCheck = true;
+  write("online/a.htm", std::string(3'000'000, 'a'));
+  write("online/b.htm", "1");
+  ASSERT_EQ(publish(), PublishOutcome::Done);
+  write("online/a.htm", std::string(3'000'000, 'a'), 5);
+  int asked = 0;
+  const auto list = [&](int cancelAt) {
+    asked = 0;
+    return filesToSend(job, uploadOptions(job, settings, way), [&] { return ++asked != cancelAt; });
+  };
+  EXPECT_EQ(list(0).value(), Names{});
+  const int questions = asked;
+  EXPECT_GT(questions, 4) << "for each file, and within the large one";
+  for (int at = 1; at <= questions; ++at) {
+    const auto ended = list(at);
+    EXPECT_FALSE(ended) << at;
+    EXPECT_TRUE(ended || ended.error().kind == ErrorKind::Cancelled) << at;
+    EXPECT_EQ(asked, at);
+  }
+}
+
 TEST_F(APublishRun, AddsUpWhatItDidForTheLineUnderTheBar) {
   write("online/a.htm", std::string(2000, 'x'));
   write("online/b.htm", "1");

@@ -18,6 +18,16 @@ namespace {
 constexpr std::size_t digestPiece = std::size_t{64} * 1024;
 constexpr std::uint64_t digestPiecesBetweenQuestions = 16;
 
+/// Reads the next bytes: the count, 0 at the end.
+Result<std::size_t> readDigestPiece(const Descriptor& file, std::string& piece, const std::string& path) {
+  for (;;) {
+    if (!mayProceed(FileStep::Read, path)) return systemFailure(errno, path);
+    const ssize_t count = ::read(file.number(), piece.data(), piece.size());
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) return systemFailure(errno, path);
+  }
+}
+
 }  // namespace
 
 Result<std::string> fileDigest(const std::string& path, const std::function<bool()>& goOn) {
@@ -30,12 +40,10 @@ Result<std::string> fileDigest(const std::string& path, const std::function<bool
   for (std::uint64_t pieces = 0;; ++pieces) {
     if (goOn && pieces % digestPiecesBetweenQuestions == 0 && !goOn())
       return fail(ErrorKind::Cancelled, path, "cancelled");
-    const bool mayRead = mayProceed(FileStep::Read, path);
-    const ssize_t count = mayRead ? ::read(file.number(), piece.data(), piece.size()) : -1;
-    if (count < 0 && mayRead && errno == EINTR) continue;
-    if (count < 0) return systemFailure(errno, path);
-    if (count == 0) break;
-    EVP_DigestUpdate(context.get(), piece.data(), static_cast<std::size_t>(count));
+    const auto count = readDigestPiece(file, piece, path);
+    if (!count) return fail(count.error());
+    if (*count == 0) break;
+    EVP_DigestUpdate(context.get(), piece.data(), *count);
   }
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned int size = 0;

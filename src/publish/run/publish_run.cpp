@@ -62,37 +62,51 @@ PublishOutcome sendFolders(const PublishJob& job, FolderUploader& uploader, cons
   return uploader.cancelled() ? PublishOutcome::Cancelled : PublishOutcome::Failed;
 }
 
-/// A file of the shop and what is known of it.
-struct FileOfRun {
-  std::string path;
-  FileStamp stamp;
-};
+/// What a run would send, found without a server.
+class FilesToSend {
+ public:
+  /// References outlive the object.
+  FilesToSend(const UploadOptions& options, FileTable& table, const std::function<bool()>& goOn)
+      : options_(options), table_(table), goOn_(goOn) {}
 
-/// Whether the run sends a file that it may send. SQL files go whatever is in them: the host deletes what it has
-/// loaded.
-bool isToBeSent(const FileOfRun& file, const std::optional<SentFile>& row, bool contentCheck) {
-  if (!row) return true;
-  if (stampText(file.stamp.changedAt) <= row->stamp) return false;
-  if (!contentCheck || endsWithIgnoringCase(file.path, ".sql")) return true;
-  return !hasSameContent(*row, fileDigest(file.path).value_or(std::string()));
-}
+  /// Adds the files of one folder.
+  Result<> add(const FolderUpload& folder) {
+    const std::string target = serverFolder(folder.remoteFolder);
+    const std::string start = serverHost(options_.connection.host) + "/" + target + "/";
+    for (const std::string& name : listFiles(folder.localFolder, "*.*")) {
+      if (!CaricaFile(name, options_.choice)) continue;
+      if (goOn_ && !goOn_()) return fail(ErrorKind::Cancelled, name, "cancelled");
+      const auto wanted = isToBeSent(joinPath(folder.localFolder, name), start + name);
+      if (!wanted) return fail(wanted.error());
+      if (*wanted) found_.push_back(joinServerPath(target, name));
+    }
+    return {};
+  }
+  std::vector<std::string> take() { return std::move(found_); }
 
-/// Adds the files of one folder that are to be sent.
-Result<> addFilesToSend(const FolderUpload& folder, const UploadOptions& options, FileTable& table,
-                        std::vector<std::string>& found) {
-  const std::string start = serverHost(options.connection.host) + "/" + serverFolder(folder.remoteFolder) + "/";
-  for (const std::string& name : listFiles(folder.localFolder, "*.*")) {
-    if (!CaricaFile(name, options.choice)) continue;
-    const std::string path = joinPath(folder.localFolder, name);
+ private:
+  Result<bool> isToBeSent(const std::string& path, const std::string& key) {
     const auto stamp = fileStamp(path);
     if (!stamp) return fail(stamp.error());
-    const auto row = table.find(start + name);
+    const auto row = table_.find(key);
     if (!row) return fail(row.error());
-    if (options.sendAll || isToBeSent({path, *stamp}, *row, options.contentCheck))
-      found.push_back(joinServerPath(serverFolder(folder.remoteFolder), name));
+    if (options_.sendAll || !*row) return true;
+    if (stampText(stamp->changedAt) <= (*row)->stamp) return false;
+    return hasNewContent(path, **row);
   }
-  return {};
-}
+  /// SQL files go whatever is in them: the host deletes what it has loaded.
+  Result<bool> hasNewContent(const std::string& path, const SentFile& row) const {
+    if (!options_.contentCheck || endsWithIgnoringCase(path, ".sql")) return true;
+    const auto digest = fileDigest(path, goOn_);
+    if (!digest && digest.error().kind == ErrorKind::Cancelled) return fail(digest.error());
+    return !hasSameContent(row, digest.value_or(std::string()));
+  }
+
+  const UploadOptions& options_;
+  FileTable& table_;
+  const std::function<bool()>& goOn_;
+  std::vector<std::string> found_;
+};
 
 }  // namespace
 
@@ -165,15 +179,16 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
   return PublishOutcome::Done;
 }
 
-Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options) {
-  std::vector<std::string> found;
-  if (options.disabled) return found;
+Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options,
+                                             const std::function<bool()>& goOn) {
+  if (options.disabled) return std::vector<std::string>();
   auto table = FileTable::open(job.shopFolder);
   if (!table) return fail(table.error());
+  FilesToSend files(options, *table, goOn);
   for (const FolderUpload& folder : {shopFolderOf(job), secondFolderOf(job)}) {
-    if (auto added = addFilesToSend(folder, options, *table, found); !added) return fail(added.error());
+    if (auto added = files.add(folder); !added) return fail(added.error());
   }
-  return found;
+  return files.take();
 }
 
 Result<std::vector<std::string>> filesToRemove(const PublishJob& job, const UploadOptions& options) {

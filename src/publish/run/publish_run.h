@@ -61,8 +61,10 @@ PublishOutcome publishShop(const PublishJob& job, const UploadOptions& options, 
                            PublishReport* report = nullptr);
 
 /// Names of the files that a run would send now, "folder/name" as on the server, in their order. Nothing is sent and
-/// no row is changed. None where the merchant carries the files by hand. Failures as FileTable::open.
-Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options);
+/// no row is changed. None where the merchant carries the files by hand. goOn: asked for each file and within large
+/// ones; false ends it. Failures as FileTable::open, Cancelled.
+Result<std::vector<std::string>> filesToSend(const PublishJob& job, const UploadOptions& options,
+                                             const std::function<bool()>& goOn = {});
 
 /// Names of the files on the server that a run would offer for removal now, written like those of filesToSend; none
 /// where the options have no clean-up. Failures as FileTable::open.

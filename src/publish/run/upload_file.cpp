@@ -36,8 +36,7 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
     lane.fileSize = std::min(stamp->size, bytesLeft_);
     bytesLeft_ -= lane.fileSize;
   }
-  // What the host has loaded is no longer there: an SQL file is sent whatever is in it.
-  if (isWanted && options_.contentCheck && !endsWithIgnoringCase(name, ".sql")) isWanted = hasNewContent(lane, *row);
+  if (isWanted) isWanted = hasNewContent(lane, *row);
   if (cancelled_) return;
   if (!isWanted) {
     ++report_.skipped;
@@ -45,10 +44,11 @@ void FolderUploader::sendIfNewer(Lane& lane, const std::string& name) {
     return showProgress(lane, 0);
   }
   sendWithRetries(lane);
-  if (lane.failed && report_.failedFile.empty()) report_.failedFile = name;
 }
 
 bool FolderUploader::hasNewContent(Lane& lane, const std::optional<SentFile>& row) {
+  // What the host has loaded is no longer there: an SQL file is sent whatever is in it.
+  if (!options_.contentCheck || endsWithIgnoringCase(lane.file.name, ".sql")) return true;
   lane.file.digest = fileDigest(lane.file.path, [this] { return mayGoOn(); }).value_or(std::string());
   if (options_.sendAll || !row || !hasSameContent(*row, lane.file.digest)) return true;
   showTableError(lane, parts_.table.edit(lane.file.key, lane.file.stamp, lane.file.digest));
@@ -68,6 +68,7 @@ void FolderUploader::sendWithRetries(Lane& lane) {
   }
   lane.attemptsLeft = 0;
   if (cancelled_) lane.failed = failed_ = true;
+  if (lane.failed && report_.failedFile.empty()) report_.failedFile = lane.file.name;
 }
 
 bool FolderUploader::connectAgain(Lane& lane) {

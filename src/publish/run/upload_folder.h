@@ -126,7 +126,8 @@ class FolderUploader {
   void helpSending(Lane& lane, const std::vector<std::string>& names, std::size_t end);
   void leaveFurtherLanes();
   void sendIfNewer(Lane& lane, const std::string& name);
-  /// Notes the file's digest; false, and the row follows, when the host has that content already.
+  /// Where the content is compared, notes the file's digest; false, and the row follows, when the host has that
+  /// content.
   bool hasNewContent(Lane& lane, const std::optional<SentFile>& row);
   void sendWithRetries(Lane& lane);
   bool connectAgain(Lane& lane);

@@ -30,7 +30,8 @@ class CliView final : public PublishView {
 };
 
 CliOutcome nameFiles(const PublishJob& job, const UploadOptions& options, Environment& env, std::ostream& out) {
-  const auto files = filesToSend(job, options);
+  const auto files = filesToSend(job, options, [&env] { return env.user.yield(); });
+  if (!files && files.error().kind == ErrorKind::Cancelled) return CliOutcome::Cancelled;
   const auto surplus = filesToRemove(job, options);
   if (!files || !surplus) return refused(env, failureText(files ? surplus.error() : files.error(), "kvftp.mdb"));
   for (const std::string& name : *files) out << name << '\n';

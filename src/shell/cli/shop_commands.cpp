@@ -70,6 +70,17 @@ void printExported(const Session& session, const ExportReport& report, std::ostr
   out << ".\nCartella: " << session.onlineFolder << '\n';
 }
 
+/// Tells what an export did, and how it ended.
+CliOutcome endOfExport(const Session& session, const ExportReport& report, Environment& env, std::ostream& out) {
+  if (report.cancelled) return CliOutcome::Cancelled;
+  printExported(session, report, out);
+  for (const std::string& name : report.unwritten) {
+    env.user.message("Impossibile scrivere il file " + joinPath(session.onlineFolder, name), Icon::Critical);
+  }
+  const bool whole = !report.failed && report.unwritten.empty() && !report.published.empty();
+  return whole ? CliOutcome::Done : CliOutcome::Failed;
+}
+
 }  // namespace
 
 CliOutcome refused(Environment& env, const std::string& text) {
@@ -134,13 +145,7 @@ CliOutcome exportShopSql(const std::string& shop, Environment& env, std::ostream
   readLockOption(shop, lock);
   ExportReport report;
   ExportFullSql({shop, open.session.onlineFolder, env.user, env.settings, lock}, sec, &report);
-  if (report.cancelled) return CliOutcome::Cancelled;
-  printExported(open.session, report, out);
-  for (const std::string& name : report.unwritten) {
-    env.user.message("Impossibile scrivere il file " + joinPath(open.session.onlineFolder, name), Icon::Critical);
-  }
-  const bool whole = !report.failed && report.unwritten.empty() && !report.published.empty();
-  return whole ? CliOutcome::Done : CliOutcome::Failed;
+  return endOfExport(open.session, report, env, out);
 }
 
 CliOutcome newShop(Environment& env, std::ostream& out) {
