@@ -82,6 +82,8 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*:KilledHistory*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_store --gtest_brief=1 \
+	  --gtest_filter='AnAgedShop.However*:PatchingScripts.ASecondRun*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
@@ -98,6 +100,7 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_forms \
 	  --gtest_filter='*TreeEndurance*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_forms --gtest_filter='RandomDialogs*' --gtest_brief=1
 	@cmake --build --preset dev --target korvane korvane-cli korvane_data
 	@tools/check-accessibility build/dev/bin --whole
 	@tests/e2e/first_day.py build/dev/bin --all
