@@ -211,6 +211,12 @@ TEST_F(TheShipping, OkAsksForAnotherCountryWhenThePreselectedOneIsGone) {
   }
 }
 
+TEST_F(TheShipping, OkAsksForTheCountryBeforeTheMethod) {
+  sql("UPDATE pagamento SET paesesel = 4711, attivo2 = 0");
+  EXPECT_FALSE(editor.accept().closed);
+  EXPECT_EQ(user.texts(), std::vector<std::string>{"Selezionare un Paese differente nel campo 'Preselezione'"});
+}
+
 TEST_F(TheShipping, OkStaysOnTheTabOfAZoneThatLacksThePreselectedMethod) {
   sql("UPDATE pagamento SET paesesel = 2, selezionato = 1");
   const ShippingAnswer answer = editor.accept();

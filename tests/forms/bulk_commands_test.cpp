@@ -133,6 +133,64 @@ TEST_F(BulkCommands, OfLanguagesFillTheOneBeingEdited) {
                 });
 }
 
+TEST_F(BulkCommands, OfLanguagesShowTheNewTextsOfTheOneBeingEdited) {
+  fill("UPDATE generale SET titolo = 'Bottega', titolo_l2 = 'Shop'");
+  openWindow();
+  goTab(Tab::Site);
+  window->workbench().CambiaLingua(2);
+  auto* title = qobject_cast<QLineEdit*>(window->page(Tab::Site).binding(EditedSet::Generale, "titolo")->field());
+  ASSERT_EQ(fromQt(title->text()), "Shop");
+  user.answers = {Answer::Yes};
+  whenShown(QStringLiteral("Korvane - Replica lingue"), [](QWidget& dialog) {
+    control<QCheckBox>(dialog, "chkCopy0")->setChecked(true);
+    click(dialog, "cmdOK");
+  });
+  EXPECT_TRUE(choose("languages.replicate"));
+  EXPECT_EQ(fromQt(title->text()), "Bottega");
+}
+
+TEST_F(BulkCommands, OfPricesAndListsComeBackToArticleAndDepartment) {
+  fill("UPDATE articoli SET prezzo = 200000");
+  openWindow();
+  CatalogueSets& sets = window->workbench().sets();
+  window->workbench().MostraArticolo(3);
+  processEvents();
+  const std::string department = sets.department(), shown = path();
+  auto* price = qobject_cast<QLineEdit*>(window->page(Tab::Articles).binding(EditedSet::Articoli, "prezzo")->field());
+  whenShown(QStringLiteral("Korvane - Variazione prezzi"), [](QWidget& dialog) {
+    control<QCheckBox>(dialog, "chkListino0")->setChecked(true);
+    control<QRadioButton>(dialog, "optEstensione1")->setChecked(true);
+    control<QComboBox>(dialog, "cboVariazione")->setEditText(QStringLiteral("+10"));
+    click(dialog, "cmdOK");
+  });
+  EXPECT_TRUE(choose("prices.change"));
+  EXPECT_EQ(sets.article(), 3);
+  EXPECT_EQ(sets.department(), department);
+  EXPECT_EQ(fromQt(price->text()), "22");
+  goTab(Tab::Departments);
+  whenShown(QStringLiteral("Korvane - Replica listini"), [](QWidget& dialog) {
+    control<QCheckBox>(dialog, "chkListino3")->setChecked(true);
+    control<QCheckBox>(dialog, "chkRestr")->setChecked(true);
+    click(dialog, "cmdOK");
+  });
+  EXPECT_TRUE(choose("prices.replicate"));
+  EXPECT_EQ(sets.article(), 3);
+  EXPECT_EQ(sets.department(), department);
+  EXPECT_EQ(path(), shown);
+}
+
+TEST_F(BulkCommands, AreOnInTheMenusOfTheirTabs) {
+  openWindow();
+  window->workbench().MostraArticolo(1);
+  for (const auto& [tab, commands] : std::vector<std::pair<Tab, std::vector<const char*>>>{
+           {Tab::Departments, {"prices.change", "prices.replicate", "languages.replicate"}},
+           {Tab::Articles, {"prices.change"}},
+           {Tab::Site, {"shipping", "payment", "orderMail", "showcase", "requiredFields", "build.settings"}}}) {
+    goTab(tab);
+    for (const char* command : commands) EXPECT_TRUE(window->menus().action(command)->isEnabled()) << command;
+  }
+}
+
 TEST_F(BulkCommands, OfAPaymentSystemTakeItsFilesBackAndForward) {
   openWindow();
   goTab(Tab::Site);

@@ -118,6 +118,59 @@ TEST_F(SalesInTheWindow, OkOfShippingIsOneStepThatIsUndoneAndRedone) {
   EXPECT_EQ(shipping(), after);
 }
 
+TEST_F(SalesInTheWindow, APaymentSystemConfiguredFromShippingStaysAfterAnnullaAsOneStep) {
+  openSite();
+  const auto conf = [this] { return readBytes(shop + "/code/Omnipay/conf.ini").value_or("(missing)"); };
+  const std::string before = shipping(), accounts = conf();
+  inShipping([this](QWidget& dialog) {
+    control<QTabWidget>(dialog, "tabSpedizione")->setCurrentIndex(2);
+    type(dialog, "m1sp1", "77");
+    whenShown(QStringLiteral("Korvane - Configurazione sistemi di pagamento"), [this](QWidget& systems) {
+      whenShown(QStringLiteral("Korvane - Omnipay"), [](QWidget& account) {
+        control<QLineEdit>(account, "txt_sto")->setText(QStringLiteral("4711"));
+        click(account, "cmdOK");
+      });
+      click(systems, "cmdConfigura8");
+      click(systems, "cmdChiudi");
+    });
+    click(dialog, "cmdConfigura");
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
+  ASSERT_TRUE(choose("shipping"));
+  EXPECT_EQ(shipping(), before);
+  const std::string configured = conf();
+  EXPECT_NE(configured.find("sto=4711"), std::string::npos);
+  EXPECT_EQ(window->workbench().history().undoName(), "Spese di spedizione");
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(conf(), accounts);
+  ASSERT_TRUE(choose("redo"));
+  EXPECT_EQ(conf(), configured);
+}
+
+TEST_F(SalesInTheWindow, OkOfVariantsIsOneStepThatIsUndoneAndRedone) {
+  openArticle();
+  const auto rows = [this] { return rowsOf({"opzioni", "dettagliop"}); };
+  const std::string before = rows();
+  inVariants([](QWidget& dialog) {
+    QTest::keyClick(control<QTableWidget>(dialog, "DBGrid1"), Qt::Key_D, Qt::ControlModifier);
+    QTest::keyClick(control<QTableWidget>(dialog, "DBGrid2"), Qt::Key_Insert);
+    control<QCheckBox>(dialog, "chkNoDiff")->toggle();
+    click(dialog, "cmdOK");
+  });
+  const std::string setting = stored("nodiff");
+  run("article.variant1");
+  const std::string after = rows(), chosen = stored("opzione1", "articoli WHERE ID = 1");
+  EXPECT_NE(after, before);
+  EXPECT_NE(stored("nodiff"), setting);
+  ASSERT_TRUE(choose("undo"));
+  EXPECT_EQ(rows(), before);
+  EXPECT_EQ(stored("nodiff"), setting);
+  EXPECT_FALSE(window->workbench().history().canUndo()) << "rows, settings and slot are one step";
+  ASSERT_TRUE(choose("redo"));
+  EXPECT_EQ(rows(), after);
+  EXPECT_EQ(stored("opzione1", "articoli WHERE ID = 1"), chosen);
+}
+
 TEST_F(SalesInTheWindow, AnnullaOfVariantsRestoresRowsAndSerialNumbers) {
   openArticle();
   const std::string before = variantTablesText();
