@@ -24,6 +24,8 @@ class HostileAccounts : public CommerceShop {
   std::string value(bool ofLines) {
     static const std::vector<std::string> words{"KORVANE_VALORI",
                                                 "KORVANE_VALORI_1",
+                                                "KORVANE_ISTRUZIONI",
+                                                "KORVANE_MODULO",
                                                 "?>",
                                                 "<?php ",
                                                 "'",

@@ -12,7 +12,7 @@ import unittest
 
 from gateway_stand_in import post, sealed, signature
 from payment_shops import ODD, SCRIPT_KEYS, SHOPS, Case, Setting, load_passwords, numbered, payment_form
-from served_shop import SOURCES, order
+from served_shop import SOURCES, mail_text, order
 
 PROGRAM = sys.argv[1] if len(sys.argv) > 1 else ""
 
@@ -239,10 +239,13 @@ class Forms_(Case):
         self.assertEqual((fields["negozio"], fields["terminale"], fields["valuta"]), ("9000001", "3", "242"))
 
     def test_offline_methods_show_the_merchants_words_and_end_there(self):
-        for method, words in ((3, "<p>Si paga al corriere<br><b>in contanti</b></p>"),
-                              (4, "IBAN: IT60 'X' \"Y\" $z<br>Causale &amp; codice</p>")):
+        for method, words, plain in ((3, "<p>Si paga al corriere<br><b>in contanti</b></p>", "in contanti"),
+                                     (4, "IBAN: IT60 'X' \"Y\" $z<br>Causale &amp; codice</p>", "Causale & codice")):
+            Setting.build(3)
+            before = len(self.shop.mails())
             shopper, page, code = self.order(3, method)
-            self.assertIn(words, page.text)
+            self.assertEqual(page.text.count(words), 1)
+            self.assertEqual([mail_text(mail).count(plain) for mail in self.shop.mails()[before:]], [1, 1])
             self.assertIn(code, page.text)
             self.assertNotIn('name="kvPagamento"', page.text)
             self.assertEqual(self.state(code), ("nuovo", ""))

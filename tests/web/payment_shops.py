@@ -147,6 +147,12 @@ class Setting:
         for name, account, mode, _ in methods:
             values = {k: gateway.base + key(name) if v == "@" else v for k, v in account.items()}
             fill(shop.shop / "code", name, values, mode)
+            if name in ("Contrassegno", "Pagamento anticipato"):
+                # The first text is in its column too, as after OK; the column of the second one was emptied since.
+                column, text = ("contrassegno", values["info"].replace("||", "\r\n")) if name == "Contrassegno" \
+                    else ("anticipato", None)
+                shop.change(lambda catalogue, column=column, text=text: catalogue.execute(
+                    f"UPDATE generale SET {column} = ?, {column}_l2 = NULL", (text,)))
         cls.offer([name for name, *_ in methods])
 
     @classmethod

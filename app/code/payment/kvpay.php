@@ -153,20 +153,25 @@ function kvCampiPagamento(string $shopCode, string $serviceCurrency, string $pre
     ];
 }
 
-/** How an order is paid that no service is needed for: the words of the module and those of the shop, as HTML. */
-function kvIstruzioni(string $text): string
+/**
+ * How an order is paid that no service is needed for, as HTML: the shop's words, or those of the module when the shop
+ * has none in its language.
+ */
+function kvIstruzioni(string $text, string $module = ''): string
 {
-    return kvTesto(trim($text));
+    return kvTesto(trim($text) === '' ? $module : $text);
 }
 
 /** The same as plain text in UTF-8 for the mail, from the page of a payment method; empty for all other methods. */
 function kvMailInstructions(int $method): string
 {
     $page = (string) @file_get_contents('thankyou' . $method . '<<1-IDlingua>>.php');
-    if (!preg_match("/kvIstruzioni\\(<<<'(\\w+)'\r?\n(.*?)\r?\n\\1/s", $page, $parts)) {
+    $block = "<<<'(\\w+)'\r?\n(.*?)\r?\n";
+    if (!preg_match("/kvIstruzioni\\($block\\1(?:\r?\n, $block\\3)?/s", $page, $parts)) {
         return '';
     }
-    $text = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($parts[2]));
+    $chosen = trim($parts[2]) === '' ? $parts[4] ?? '' : $parts[2];
+    $text = preg_replace('/<br\s*\/?>\s*/i', "\r\n", trim($chosen));
     return kvUtf8(html_entity_decode(strip_tags($text), ENT_QUOTES, 'cp1252'));
 }
 

@@ -102,21 +102,19 @@ def kept_lines(name, module, former):
 
 
 def fill(text, order, held):
-    """Each placeholder in its turn, values not searched for their own; a text block keeps its end word to itself."""
+    """Each placeholder in its turn, values not searched for their own; each text block keeps its end word to itself."""
     def put(source):
         for key in order:
             source = held[key].join(source.split("#" + key))
         return source
-    word = re.search(r"<<<'(\w+)'", text)
-    if not word:
-        return put(text)
-    plain = word.group(1)
-    used, number, source = plain, 0, text
-    while put(source).count(used) != text.count(plain):
-        number += 1
-        used = "%s_%d" % (plain, number)
-        source = text.replace(plain, used)
-    return put(source)
+    for plain in re.findall(r"<<<'(\w+)'", text):
+        used, number, source = plain, 0, text
+        while put(source).count(used) != text.count(plain):
+            number += 1
+            used = "%s_%d" % (plain, number)
+            source = text.replace(plain, used)
+        text = source
+    return put(text)
 
 
 def derive(parts):
