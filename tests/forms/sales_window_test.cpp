@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTabWidget>
 
 #include "commerce/variants/frm_variant_grid.h"
@@ -223,6 +225,115 @@ TEST_F(SalesInTheWindow, TheListOfUsesLeadsToTheArticleAndLeavesTheSlots) {
                        ->text()),
             stored("titolo", "articoli WHERE ID = " + used));
   EXPECT_EQ(rowsOf({"articoli"}), before);
+}
+
+/// What somebody does who gets a shop ready to sell, one dialog after the other.
+class SellingSetUp : public SalesInTheWindow {
+ protected:
+  void weighThreeCountries() {
+    goTab(Tab::Site);
+    inShipping([](QWidget& dialog) {
+      auto* pages = control<QTabWidget>(dialog, "tabSpedizione");
+      pages->setCurrentIndex(1);
+      for (const char* name : {"Atlantide", "Lemuria", "Thule"}) {
+        control<QComboBox>(dialog, "cboAggiungi")->setEditText(QString::fromLatin1(name));
+        click(dialog, "cmdAggiungi");
+      }
+      pages->setCurrentIndex(2);
+      QTest::keyClick(control<QRadioButton>(dialog, "optImpPeso1"), Qt::Key_Space);
+      type(dialog, "m2peso1", "2,5");
+      type(dialog, "m2spp1", "7");
+      click(dialog, "cmdOK");
+    });
+    EXPECT_TRUE(choose("shipping"));
+  }
+  void enterAccount() {
+    whenShown(QStringLiteral("Korvane - Configurazione sistemi di pagamento"), [this](QWidget& systems) {
+      whenShown(QStringLiteral("Korvane - Paypal"), [](QWidget& account) {
+        control<QLineEdit>(account, "txt_mid")->setText(QStringLiteral("cassa@bottega.example"));
+        click(account, "cmdOK");
+      });
+      click(systems, "cmdConfigura9");
+      click(systems, "cmdChiudi");
+    });
+    EXPECT_TRUE(choose("payment"));
+  }
+  void makeVariant(const char* command, const char* name, const char* options) {
+    inVariants([&](QWidget& dialog) {
+      auto* grid = control<QTableWidget>(dialog, "DBGrid1");
+      QTest::keyClick(grid, Qt::Key_Insert);
+      QTest::keyClick(grid, Qt::Key_F2);
+      auto* cell = grid->findChild<QLineEdit*>(QStringLiteral("celCella"));
+      ASSERT_NE(cell, nullptr);
+      cell->setText(QString::fromLatin1(name));
+      QTest::keyClick(cell, Qt::Key_Return);
+      processEvents();
+      QApplication::clipboard()->setText(QString::fromLatin1(options));
+      QTest::keyClick(control<QTableWidget>(dialog, "DBGrid2"), Qt::Key_V, Qt::ControlModifier);
+      click(dialog, "cmdOK");
+    });
+    run(command);
+  }
+  void raiseTwoLists() {
+    whenShown(QStringLiteral("Korvane - Variazione prezzi"), [](QWidget& dialog) {
+      for (const char* list : {"chkListino0", "chkListino1"}) control<QCheckBox>(dialog, list)->setChecked(true);
+      control<QRadioButton>(dialog, "optEstensione1")->setChecked(true);
+      control<QComboBox>(dialog, "cboVariazione")->setEditText(QStringLiteral("+10"));
+      click(dialog, "cmdOK");
+    });
+    EXPECT_TRUE(choose("prices.change"));
+  }
+  void fillEnglish() {
+    user.answers = {Answer::Yes};
+    whenShown(QStringLiteral("Korvane - Replica lingue"), [](QWidget& dialog) {
+      for (const char* part : {"chkCopy0", "chkCopy1", "chkCopy2", "chkCopy3"}) {
+        control<QCheckBox>(dialog, part)->setChecked(true);
+      }
+      control<QRadioButton>(dialog, "optCopy1")->setChecked(true);
+      click(dialog, "cmdOK");
+    });
+    EXPECT_TRUE(choose("languages.replicate"));
+  }
+  /// What the steps change, but for the serial numbers, which are not given twice.
+  std::string state() {
+    return rowsOf({"paesi", "pagamento", "zona1", "opzioni", "dettagliop", "articoli", "categorie", "generale"}) +
+           readBytes(shop + "/code/Paypal/conf.ini").value_or("(missing)") +
+           readBytes(shop + "/code/Paypal.kpg").value_or("(missing)");
+  }
+};
+
+TEST_F(SellingSetUp, IsUndoneAndDoneAgainStepByStepAndBuilt) {
+  openArticle();
+  std::vector<std::string> states{state()};
+  const std::vector<std::function<void()>> steps{
+      [this] { weighThreeCountries(); },
+      [this] { enterAccount(); },
+      [this] {
+        goTab(Tab::Articles);
+        makeVariant("article.variant3", "Taglia", "S\tpiccola\nM\tmedia\t1,5\nL\tgrande\t3\n");
+      },
+      [this] { makeVariant("article.variant4", "Tinta", "R\trosso\nB\tblu\n"); },
+      [this] { raiseTwoLists(); },
+      [this] { fillEnglish(); }};
+  for (const auto& step : steps) {
+    step();
+    states.push_back(state());
+    EXPECT_NE(states.back(), states[states.size() - 2]) << states.size();
+  }
+  for (std::size_t i = states.size() - 1; i-- > 0;) {
+    ASSERT_TRUE(choose("undo"));
+    EXPECT_TRUE(state() == states[i]) << i;
+  }
+  EXPECT_FALSE(window->workbench().history().canUndo());
+  for (std::size_t i = 1; i < states.size(); ++i) {
+    ASSERT_TRUE(choose("redo"));
+    EXPECT_TRUE(state() == states[i]) << i;
+  }
+  std::string said;
+  whenFinished(said);
+  run("build");
+  EXPECT_EQ(said.substr(0, 35), "Creazione del negozio terminata. Ag");
+  EXPECT_NE(readBytes(shop + "/online/order.php").value_or("").find("Thule"), std::string::npos);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #pragma once
 // The main window wired to the dialogs of the program, over the model shop and the data that come with it.
 
+#include <QDeadlineTimer>
 #include <QMessageBox>
 #include <QTimer>
+#include <chrono>
 #include <memory>
 
 #include "forms/dialog_fixture.h"
@@ -70,15 +72,23 @@ class WiredWindow : public DialogFixture {
     QTest::mouseClick(&window->tabs(), Qt::LeftButton, {}, window->tabs().tabRect(static_cast<int>(tab)).center());
     processEvents();
   }
-  /// Acts in the dialog of this title once it is modal and has the focus.
+  /// Acts in the dialog of this title once it is modal and has the focus. Whatever else is modal for minutes is closed,
+  /// so that the test ends.
   void whenShown(const QString& title, std::function<void(QWidget&)> act) {
     auto* poll = new QTimer(window.get());
-    QObject::connect(poll, &QTimer::timeout, window.get(), [poll, title, act = std::move(act)] {
+    const QDeadlineTimer end(longestWait);
+    QObject::connect(poll, &QTimer::timeout, window.get(), [poll, title, end, act = std::move(act)] {
       QWidget* modal = QApplication::activeModalWidget();
-      if (modal == nullptr || !modal->isActiveWindow() || modal->windowTitle() != title) return;
+      if (modal == nullptr) return;
+      const bool isIt = modal->windowTitle() == title;
+      if (!isIt && !end.hasExpired()) return;
+      // A menu that closes late may have given the focus back to the main window.
+      if (isIt && !modal->isActiveWindow()) return modal->activateWindow();
       poll->stop();
       poll->deleteLater();
-      act(*modal);
+      if (isIt) return act(*modal);
+      ADD_FAILURE() << "waited for '" << fromQt(title) << "', and was shown '" << fromQt(modal->windowTitle()) << "'";
+      modal->close();
     });
     poll->start(2);
   }
@@ -106,6 +116,7 @@ class WiredWindow : public DialogFixture {
     return text;
   }
 
+  static constexpr std::chrono::minutes longestWait{5};
   std::vector<std::string> opened;
   std::unique_ptr<frmMain> window;
 };
