@@ -3,8 +3,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
-#include <random>
 
 #include "platform/files/file_gate.h"
 #include "platform/files/trees.h"
@@ -12,8 +12,9 @@
 #include "store/exchange/export_shop.h"
 #include "store/exchange/primo_import.h"
 #include "store/shop/load_shop.h"
+#include "store/shop/price_history_file.h"
 #include "store/shop/session_start.h"
-#include "support/test_seed.h"
+#include "support/killed_process.h"
 
 namespace kv {
 namespace {
@@ -34,26 +35,13 @@ class KilledExchange : public test::ShopFixture {
       write(joinPath(source, "work/nuova" + number + ".gif"), std::string(20000, 'n'));
     }
     write(joinPath(shop, "work/mie/foto.jpg"), "f");
+    write(joinPath(shop, priceHistoryFile), "prezzi");
     ASSERT_TRUE(writeBytes(application + "/serverpath.net", shop + "\r\n"));
   }
-  /// Runs `work` on the open shop in a process of its own.
-  pid_t started(const std::function<void()>& work) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      session.ShopFolder = shop;
-      if (CaricaNegozio(session, env) == LoadResult::Opened) work();
-      ::_exit(0);
-    }
-    return child;
-  }
-  /// The same; the process is killed after so many microseconds.
-  void killed(unsigned microseconds, const std::function<void()>& work) {
-    const pid_t child = started(work);
-    ASSERT_GT(child, 0);
-    ::usleep(microseconds);
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
+  /// Runs `work` on the open shop.
+  void onShop(const std::function<void()>& work) {
+    session.ShopFolder = shop;
+    if (CaricaNegozio(session, env) == LoadResult::Opened) work();
   }
   void restoreFrom(const std::string& kept) const {
     std::filesystem::remove_all(shop);
@@ -71,20 +59,21 @@ class KilledExchange : public test::ShopFixture {
     EXPECT_EQ(listFiles(shop + "/work", "vecchia*").size(), isNew ? 0U : 20U);
     EXPECT_EQ(listFiles(shop + "/work", "nuova*").size(), isNew ? 20U : 0U);
     EXPECT_TRUE(fileExists(joinPath(shop, "work/mie/foto.jpg"))) << "a subfolder is the merchant's own";
+    EXPECT_EQ(fileExists(joinPath(shop, priceHistoryFile)), !isNew) << "its numbers are those of the former articles";
   }
   static bool isWhole(const std::string& folder) { return read(folder, "PRAGMA integrity_check") == "ok"; }
 
   std::string shop, source, destination;
-  std::mt19937 chance{test::seed()};
-  std::uniform_int_distribution<unsigned> moment{0, 120'000};
+  test::KilledProcess process;
 };
 
 TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
-  for (int i = 0; i < test::operationsOf(12); ++i) {
-    killed(moment(chance), [&] {
-      user.folders = {destination};
-      ignore(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }), "it is killed on the way");
-    });
+  const auto work = [&] {
+    user.folders = {destination};
+    ignore(EsportaNegozio(session, env, [](const ExportOffer&) { return "OKTLSRP"; }), "it is killed on the way");
+  };
+  for (int i = 0; i <= test::operationsOf(50); ++i) {
+    process.run([&] { onShop(work); });
     ASSERT_TRUE(isWhole(shop)) << i;
     EXPECT_EQ(read(shop, "SELECT titolo FROM articoli"), "Lampada");
     if (fileExists(destination + "/catalog.mdb")) {
@@ -99,20 +88,23 @@ TEST_F(KilledExchange, AnExportLeavesTheShopWholeAndNoHalfShop) {
 TEST_F(KilledExchange, AnImportLeavesTheOldShopOrAllOfTheNewOne) {
   const std::string kept = root / "prima";
   ASSERT_TRUE(copyTree(shop, kept));
-  for (int i = 0; i < test::operationsOf(12); ++i) {
+  const auto work = [&] { ignore(importPrimoShop(session, env, source), "it is killed on the way"); };
+  for (int i = 0; i <= test::operationsOf(50); ++i) {
     restoreFrom(kept);
-    killed(moment(chance), [&] { ignore(importPrimoShop(session, env, source), "it is killed on the way"); });
+    process.run([&] { onShop(work); });
     expectOneShop("kill " + std::to_string(i));
   }
 }
 
-/// Ends the process before the call of the system that changes an image folder as such, counted from 1.
+/// Ends the process before the call of the system that removes the history of prices or changes an image folder as
+/// such, counted from 1.
 class EndingBefore final : public FileGate {
  public:
   explicit EndingBefore(int call) : left_(call) { setFileGate(this); }
   int refusal(FileStep step, const std::string& path) override {
-    const bool isFolder = path.ends_with("/mie") || path.ends_with("/work") || path.ends_with("/work.prima");
-    const bool isStep = isFolder && (step == FileStep::Rename || step == FileStep::Remove);
+    static const std::vector<std::string> taken{"/mie", "/work", "/work.prima", "/prezzi.mdb"};
+    const bool isTaken = std::ranges::any_of(taken, [&](const std::string& end) { return path.ends_with(end); });
+    const bool isStep = isTaken && (step == FileStep::Rename || step == FileStep::Remove);
     if (isStep && --left_ == 0) ::kill(::getpid(), SIGKILL);
     return 0;
   }
@@ -121,16 +113,21 @@ class EndingBefore final : public FileGate {
   int left_;
 };
 
-TEST_F(KilledExchange, BeforeAnyStepOfTheExchangeOfPicturesTheNextStartFinishesIt) {
+TEST_F(KilledExchange, BeforeAnyStepAfterTheRowsTheNextStartFinishesIt) {
   const std::string kept = root / "prima";
   ASSERT_TRUE(copyTree(shop, kept));
-  // The subfolder is moved, the old folder and the new one get their names, the old one is removed.
-  for (int step = 1; step <= 4; ++step) {
+  // The history goes, the subfolder is moved, the old folder and the new one get their names, the old one is removed.
+  for (int step = 1; step <= 5; ++step) {
     restoreFrom(kept);
-    const pid_t child = started([&] {
-      const EndingBefore gate(step);
-      ignore(importPrimoShop(session, env, source), "it ends on the way");
-    });
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      onShop([&] {
+        const EndingBefore gate(step);
+        ignore(importPrimoShop(session, env, source), "it ends on the way");
+      });
+      ::_exit(0);
+    }
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status)) << "there is no step " << step;

@@ -11,6 +11,7 @@
 #include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_preview.h"
 #include "store/shop/load_shop.h"
+#include "store/shop/price_history_file.h"
 #include "store/shop/session_start.h"
 #include "support/failing_files.h"
 #include "support/failing_store.h"

@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "platform/files/files.h"
-#include "store/catalogue/side_fields.h"
 #include "store/schema/column_family.h"
+#include "store/shop/price_history_file.h"
 
 namespace kv {
 

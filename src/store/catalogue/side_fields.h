@@ -19,9 +19,6 @@ enum class SideField {
   Delivery  ///< `tempo` of `consegna`: a text in each language
 };
 
-/// The file of a shop folder that holds what was published at which price, by the numbers of articles.
-inline constexpr std::string_view priceHistoryFile = "prezzi.mdb";
-
 /// Whether the catalogue has a table; a failure of the store, which must not pass for a missing one.
 Result<bool> findSideTable(Database& catalogue, std::string_view table);
 /// The same for what is only shown: a failure to look reads as none.

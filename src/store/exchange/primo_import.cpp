@@ -1,11 +1,11 @@
 #include "store/exchange/primo_import.h"
 
 #include "platform/files/files.h"
-#include "store/catalogue/side_fields.h"
 #include "store/exchange/primo_rows.h"
 #include "store/exchange/primo_source.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/numbered_backup.h"
+#include "store/shop/price_history_file.h"
 #include "store/shop/session_start.h"
 #include "store/shop/shop_folders.h"
 #include "store/shop/staged_pictures.h"

@@ -135,7 +135,7 @@ Result<> takeAll(Database& catalogue, const PrimoPlan& plan) {
   // What was copied before names departments of the catalogue that is gone.
   if (done) done = catalogue.execute("DELETE FROM clipcategorie; DELETE FROM cliparticoli");
   if (done) done = clearSideFields(catalogue);
-  if (done) done = catalogue.execute(picturesAreDue);
+  if (done) done = catalogue.execute(importIsDue);
   return done;
 }
 

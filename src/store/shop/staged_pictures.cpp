@@ -2,10 +2,13 @@
 
 #include "platform/database/database.h"
 #include "platform/files/trees.h"
+#include "store/shop/price_history_file.h"
 #include "store/shop/shop_folders.h"
 
 namespace kv {
 namespace {
+
+constexpr std::int64_t importMark = 1;  // what importIsDue leaves
 
 Result<> moveSubfolders(const std::string& from, const std::string& to) {
   for (const std::string& name : listFolders(from)) {
@@ -90,6 +93,10 @@ void recoverPictures(const std::string& shopFolder) {
   const auto due = catalogue->scalar("PRAGMA main.user_version");
   if (!due) return;
   if (asInteger(*due) == 0) return ignore(pictures.restore(), "the next start tries again");
+  if (asInteger(*due) == importMark) {
+    ignore(deleteFile(joinPath(shopFolder, priceHistoryFile)), "there may be none");
+    ignore(catalogue->execute(picturesAreDue), "the next start tries again");
+  }
   if (pictures.exchange()) ignore(catalogue->execute(noPicturesAreDue), "the next import does it");
 }
 

@@ -9,8 +9,11 @@
 
 namespace kv {
 
-/// SQL that marks the exchange of pictures as due; a part of the transaction that imports the rows.
-inline constexpr const char* picturesAreDue = "PRAGMA main.user_version = 1";
+/// SQL that marks what is due once the rows are in: the end of the history of prices, whose numbers are those of other
+/// articles now, and the exchange of pictures. It is a part of the transaction that imports the rows.
+inline constexpr const char* importIsDue = "PRAGMA main.user_version = 1";
+/// SQL that leaves the exchange alone as due: what is published from here on is a history of the new articles.
+inline constexpr const char* picturesAreDue = "PRAGMA main.user_version = 2";
 /// SQL that takes the mark off the catalogue: before new pictures are staged, and after the exchange.
 inline constexpr const char* noPicturesAreDue = "PRAGMA main.user_version = 0";
 
@@ -38,8 +41,8 @@ class StagedPictures {
   std::string own_, staged_, old_;
 };
 
-/// After an import that was interrupted: finishes the exchange of pictures when the catalogue says that it is due, else
-/// gives the shop back what is its own. A catalogue that another program has is left alone, its folders too.
+/// After an import that was interrupted: finishes what the catalogue says is due, else gives the shop back what is its
+/// own. A catalogue that another program has is left alone, its folders too.
 void recoverPictures(const std::string& shopFolder);
 
 }  // namespace kv
