@@ -5,9 +5,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
 #include "builder/run/build_settings.h"
 #include "platform/files/files.h"
 #include "platform/image/pixels.h"
+#include "support/failing_files.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {
@@ -30,7 +35,28 @@ class LightBuild : public ::testing::Test {
   std::vector<std::string> online() { return listFiles(joinPath(shop.folder(), "online"), "*.webp"); }
   std::string fileList() { return readBytes(joinPath(shop.folder(), "kvftp.dat")).value_or(""); }
   void setLight(bool wanted) { ASSERT_TRUE(storeLightPictures(shop.folder(), wanted)); }
-  void build() { ASSERT_EQ(shop.build(), BuildOutcome::Done); }
+  void build() {
+    shop.random = FixedRandom();
+    ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  }
+  /// All that a build has made, the lighter forms left out: files by their paths, lists and rows by their names.
+  std::map<std::string, std::string> made() {
+    std::map<std::string, std::string> all;
+    for (const std::string& folder : {shop.session.onlineFolder, shop.session.scriptFolder}) {
+      for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::string path = entry.path().string();
+        if (entry.is_regular_file() && !path.ends_with(".webp")) all[path] = readBytes(path).value_or("?");
+      }
+    }
+    for (const std::string& line : shop.fileList()) {
+      if (!line.ends_with(".webp")) all["kvftp.dat"] += line + "\n";
+    }
+    auto database = Database::open(joinPath(shop.folder(), "db/sql.mdb"), OpenMode::ReadOnly);
+    const auto tables = database ? database->tables() : fail(database.error());
+    EXPECT_TRUE(tables);
+    for (const TableInfo& table : *tables) all["rows of " + table.name] = shop.rows("SELECT * FROM " + table.name);
+    return all;
+  }
 
   TempShop shop;
 };
@@ -112,14 +138,55 @@ TEST_F(LightBuild, APictureOfTheMerchantKeepsItsName) {
   EXPECT_EQ(*readBytes(joinPath(shop.folder(), "online/foto_0001.jpg.webp")), "mia");
 }
 
-TEST_F(LightBuild, PagesAndRowsAreTheSameWithAndWithout) {
+TEST_F(LightBuild, EveryPageAndRowIsTheSameWithAndWithout) {
   photo("foto_0001.jpg");
-  shop.templateFile("index.htm", "<<1-titolo>>");
+  photo("foto_0002.jpg", 1000);
+  shop.templateFile("index.htm", "<<1-titolo>> <<1-immagine0>>");
+  shop.update("generale", {{"titolo", std::string("Negozio")}, {"immagine0", std::string("foto_0002.jpg")}});
+  for (const char* department : {"cat001", "cat002"}) {
+    shop.department(department, {{"titolo", std::string("Vasi")},
+                                 {"template", std::string("modello1")},
+                                 {"immagine0", std::string("foto_0001.jpg")},
+                                 {"immagine1", std::string("foto_0002.jpg")}});
+    for (const char* picture : {"foto_0001.jpg", "FOTO_0002.jpg", ""}) {
+      shop.article(department, {{"titolo", std::string("Vaso")},
+                                {"immagine0", std::string(picture)},
+                                {"immagine1", std::string("foto_0001.jpg")}});
+    }
+  }
   build();
-  const std::string page = shop.page("index.php");
+  const auto plain = made();
+  EXPECT_EQ(online().size(), 0U);
+  EXPECT_GT(plain.size(), 10U);
   setLight(true);
   build();
-  EXPECT_EQ(shop.page("index.php"), page);
+  EXPECT_EQ(online().size(), 5U) << "two wholes, three narrower ones";
+  const auto light = made();
+  ASSERT_EQ(light.size(), plain.size());
+  for (const auto& [name, bytes] : plain) EXPECT_TRUE(light.at(name) == bytes) << name;
+}
+
+TEST_F(LightBuild, AFullDiskAtAnyWriteOfAFormIsToldAndTheNextBuildMakesThemAll) {
+  photo("foto_0001.jpg");
+  setLight(true);
+  int refused = 0;
+  for (std::int64_t failing = 1;; ++failing) {
+    FailingFiles gate(failing, AfterFailure::Works, ENOSPC);
+    gate.onlyAt({FileStep::Create, FileStep::Write, FileStep::Close, FileStep::Rename});
+    gate.onlyFor(".webp");
+    shop.user.shown.clear();
+    const BuildOutcome outcome = shop.build();
+    if (!gate.hasFailed()) break;
+    ++refused;
+    ASSERT_NE(outcome, BuildOutcome::Done) << failing;
+    EXPECT_FALSE(shop.user.shown.empty()) << failing;
+    for (const char* form : {"foto_0001.jpg.webp", "foto_0001.jpg.480.webp"}) {
+      EXPECT_TRUE(!fileExists(kept(form)) || imageSize(kept(form))) << form << " is half written, " << failing;
+    }
+    ASSERT_EQ(std::system(("rm -rf '" + kept("") + "' '" + joinPath(shop.folder(), "online") + "'/*").c_str()), 0);
+  }
+  EXPECT_GE(refused, 12) << "two forms here, two beside the pages";
+  EXPECT_THAT(online(), ElementsAre("foto_0001.jpg.480.webp", "foto_0001.jpg.webp"));
 }
 
 TEST_F(LightBuild, TheSettingIsThatOfTheShop) {
