@@ -94,11 +94,21 @@ TEST_F(NumberedBackups, DatedCopiesAndNumberedOnesAreListedByTheirTimes) {
   EXPECT_THAT(names, ElementsAre("catalog-20260712T071500Z.mdb", "catalog.003", "catalog-20100712T071500Z.mdb"));
 }
 
-TEST_F(NumberedBackups, AFullDiskGivesNoNameAndLeavesNoFile) {
-  test::FailingFiles gate(1, test::AfterFailure::Works, ENOSPC);
-  gate.onlyAt({FileStep::Write});
-  EXPECT_EQ(CreaBackup(session, folder), "");
-  EXPECT_TRUE(numberedBackups(folder).empty());
+TEST_F(NumberedBackups, AFullDiskAtAnyWriteGivesNoNameAndLeavesNoFile) {
+  const auto count = [this] { return std::distance(std::filesystem::directory_iterator(folder), {}); };
+  const auto before = count();
+  int refused = 0;
+  for (std::int64_t failing = 1;; ++failing) {
+    test::FailingFiles gate(failing, test::AfterFailure::Works, ENOSPC);
+    gate.onlyAt({FileStep::Create, FileStep::Write, FileStep::Close, FileStep::Rename});
+    const std::string name = CreaBackup(session, folder);
+    if (!gate.hasFailed()) break;
+    ++refused;
+    EXPECT_EQ(name, "") << failing;
+    EXPECT_EQ(count(), before) << failing;
+  }
+  EXPECT_GE(refused, 3) << "it is made, written and closed";
+  EXPECT_EQ(numberedBackups(folder).size(), 1U) << "the disk has room again";
 }
 
 }  // namespace

@@ -51,6 +51,31 @@ TEST_F(ExchangedPictures, PicturesThatCantBeExchangedAreNamedAndSubfoldersStay) 
   EXPECT_TRUE(fileExists(joinPath(shop, "work.importa/nuova.gif"))) << "where the message has named it";
 }
 
+TEST_F(ExchangedPictures, AFullDiskAtAnyWriteIsToldAndLeavesTheRowsTheirPictures) {
+  write(joinPath(source, "work/altra.gif"), "a");
+  int refused = 0;
+  for (std::int64_t failing = 1;; ++failing) {
+    open();
+    user.shown.clear();
+    test::FailingFiles gate(failing, test::AfterFailure::Works, ENOSPC);
+    gate.onlyAt({FileStep::Create, FileStep::Write, FileStep::Close, FileStep::MakeFolder});
+    gate.onlyFor(".gif");
+    const PrimoOutcome outcome = importPrimoShop(session, env, source);
+    if (!gate.hasFailed()) break;
+    ++refused;
+    ASSERT_EQ(outcome, PrimoOutcome::NotDone) << failing;
+    ASSERT_EQ(user.shown.size(), 1U) << failing;
+    EXPECT_THAT(user.shown[0].text, ::testing::StartsWith("Impossibile importare a causa del seguente errore: \n"));
+    EXPECT_EQ(asText(*session.catalogue.scalar("SELECT titolo FROM articoli")), "Lampada") << failing;
+    EXPECT_THAT(listFiles(shop + "/work", "*"), ::testing::ElementsAre("vecchia.gif")) << failing;
+    EXPECT_FALSE(folderExists(shop + "/work.importa")) << failing;
+    session.catalogue.close();
+  }
+  EXPECT_GE(refused, 6) << "two pictures are made, written and closed";
+  EXPECT_THAT(listFiles(shop + "/work", "*"), ::testing::ElementsAre("altra.gif", "nuova.gif"))
+      << "there is room again";
+}
+
 TEST_F(ExchangedPictures, AnImportAfterOneThatCouldNotExchangeLosesNoSubfolder) {
   write(joinPath(shop, "work.importa/mie/foto.jpg"), "f");
   write(joinPath(shop, "work.importa/mezza.gif"), "m");
