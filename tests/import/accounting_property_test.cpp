@@ -10,7 +10,9 @@
 namespace kv::test {
 namespace {
 
-class AccountingOfChance : public AccountingShop {
+constexpr unsigned shares = 4;  // of the imports, each a case of its own
+
+class AccountingOfChance : public AccountingShop, public ::testing::WithParamInterface<unsigned> {
  protected:
   AccountingOfChance() : sets(session), history(sets) {
     session.languageCount = 1;
@@ -22,11 +24,13 @@ class AccountingOfChance : public AccountingShop {
   /// A source, a catalogue that knows some of its rows, and options.
   void fillByChance(unsigned number) {
     chance.seed(number);
+    // One transaction: each row alone would wait for the disk.
+    ASSERT_TRUE(session.catalogue.begin());
     JetTable departments{"Categoria", {{"Id", JetType::Long}, {"Nome", JetType::Text}}, {}, {}};
     for (std::int64_t i = 0; i <= upTo(8); ++i) {
       departments.rows.push_back({i, upTo(5) == 0 ? Value(Null{}) : Value("Città " + std::to_string(i))});
     }
-    const JetTable articles = chanceArticles(number, static_cast<std::size_t>(upTo(120)));
+    const JetTable articles = chanceArticles(number, static_cast<std::size_t>(upTo(60)));
     const auto version = upTo(1) == 0 ? JetVersion::Jet3 : JetVersion::Jet4;
     ASSERT_TRUE(writeBytes(request.path, jetFile(version, {departments, articles})));
     sql("DELETE FROM articoli; DELETE FROM categorie;"
@@ -41,6 +45,7 @@ class AccountingOfChance : public AccountingShop {
       insert->bind(1, code);
       ASSERT_TRUE(insert->execute());
     }
+    ASSERT_TRUE(session.catalogue.commit());
     request.variant = accountingVariants()[upTo(1) == 0 ? 0 : 3];
     AccountingOptions options;
     options.mark = upTo(1) == 0;
@@ -71,8 +76,8 @@ class AccountingOfChance : public AccountingShop {
   UndoHistory history;
 };
 
-TEST_F(AccountingOfChance, IsUndoneToEqualRowsAndDoneAgainToEqualRows) {
-  for (unsigned i = 0; i < seeds(10); ++i) {
+TEST_P(AccountingOfChance, IsUndoneToEqualRowsAndDoneAgainToEqualRows) {
+  for (unsigned i = GetParam(); i < seeds(100); i += shares) {
     fillByChance(seed() + i);
     history.begin();
     const std::string before = allRows();
@@ -88,8 +93,8 @@ TEST_F(AccountingOfChance, IsUndoneToEqualRowsAndDoneAgainToEqualRows) {
   }
 }
 
-TEST_F(AccountingOfChance, ImportedAgainChangesNothingInEitherMode) {
-  for (unsigned i = 0; i < seeds(10); ++i) {
+TEST_P(AccountingOfChance, ImportedAgainChangesNothingInEitherMode) {
+  for (unsigned i = GetParam(); i < seeds(100); i += shares) {
     fillByChance(seed() + i);
     ASSERT_EQ(import(), AccountingEnd::Done);
     const std::string before = allRows();
@@ -101,8 +106,8 @@ TEST_F(AccountingOfChance, ImportedAgainChangesNothingInEitherMode) {
   }
 }
 
-TEST_F(AccountingOfChance, WritesWhatThePreviewSaid) {
-  for (unsigned i = 0; i < seeds(10); ++i) {
+TEST_P(AccountingOfChance, WritesWhatThePreviewSaid) {
+  for (unsigned i = GetParam(); i < seeds(100); i += shares) {
     fillByChance(seed() + i);
     const auto plan = previewAccounting(session, settings, request);
     ASSERT_TRUE(plan) << plan.error().what;
@@ -114,6 +119,12 @@ TEST_F(AccountingOfChance, WritesWhatThePreviewSaid) {
               static_cast<std::int64_t>(plan->countArticles(RowFate::New) + plan->countArticles(RowFate::Changed)));
   }
 }
+
+// Suites of their own, which run side by side.
+INSTANTIATE_TEST_SUITE_P(First, AccountingOfChance, ::testing::Values(0U));
+INSTANTIATE_TEST_SUITE_P(Second, AccountingOfChance, ::testing::Values(1U));
+INSTANTIATE_TEST_SUITE_P(Third, AccountingOfChance, ::testing::Values(2U));
+INSTANTIATE_TEST_SUITE_P(Fourth, AccountingOfChance, ::testing::Values(3U));
 
 }  // namespace
 }  // namespace kv::test

@@ -59,11 +59,13 @@ std::string differing(const Files& wanted, const Files& made) {
   return {};
 }
 
+constexpr int copiedZones = 4;  // of eight, those that the earlier line has
+
 class ShopOfChance : public ::testing::Test {
  protected:
   explicit ShopOfChance() : env{shop.user, shop.settings, shop.clock, shop.random, shop.applicationFolder(), {}} {}
 
-  /// Departments, articles, variants and pictures by chance.
+  /// Languages, departments, articles, variants, costs of shipping and pictures by chance.
   void fill(unsigned chanceSeed) {
     chance.seed(chanceSeed);
     model = shop.applicationFolder() + "/new";
@@ -71,6 +73,10 @@ class ShopOfChance : public ::testing::Test {
     shop.sql(
         "UPDATE generale SET template = 'prova'; INSERT INTO lingue (lingua1) VALUES ('italiano');"
         "INSERT INTO opzioni (ID, nome) VALUES (1, '(nessuna)')");
+    if (upTo(1) == 0) shop.sql("UPDATE lingue SET lingua2 = 'inglese'");
+    for (int zone = 1; zone <= copiedZones; ++zone) {
+      shop.update("zona" + std::to_string(zone), {{"m1sp1", money(std::to_string(upTo(90)) + ".50")}});
+    }
     addVariants();
     const int departments = upTo(4) + 1;
     for (int i = 1; i <= departments; ++i) addDepartment(i);
@@ -92,6 +98,7 @@ class ShopOfChance : public ::testing::Test {
       for (int option = 1; option <= options; ++option) {
         shop.insert("dettagliop", {{"OpID", std::int64_t{variant}},
                                    {"testo", word()},
+                                   {"testo_l2", word()},
                                    {"prezzo", money(std::to_string(upTo(90)) + ".50")},
                                    {"peso", 0.5 * upTo(8)},
                                    {"selezionato", std::string(option == 1 ? "." : " ")}});
@@ -102,6 +109,7 @@ class ShopOfChance : public ::testing::Test {
     const std::string key = "cat00" + std::to_string(number);
     shop.department(key, {{"contatore", std::int64_t{number}},
                           {"titolo", word()},
+                          {"titolo_l2", word()},
                           {"template", std::string("modello1")},
                           {"iva", 22.0},
                           {"immagine0", picture()},
@@ -110,6 +118,7 @@ class ShopOfChance : public ::testing::Test {
     const int articles = upTo(5);
     for (int i = 0; i < articles; ++i) {
       shop.article(key, {{"titolo", word()},
+                         {"titolo_l2", word()},
                          {"prezzo", money(std::to_string(upTo(900)) + ".25")},
                          {"opzione1", std::int64_t{1 + upTo(3)}},
                          {"immagine0", picture()},
@@ -153,16 +162,6 @@ class ShopOfChance : public ::testing::Test {
   std::mt19937 chance;
   std::string model;
 };
-
-/// Runs `check` over shops of their own.
-template <class Fixture>
-void overShops(void (Fixture::*check)(unsigned)) {
-  for (unsigned i = 0; i < seeds(3); ++i) {
-    Fixture shop;
-    (shop.*check)(seed() + i);
-    if (::testing::Test::HasFatalFailure()) return;
-  }
-}
 
 class ExchangeOfChance : public ShopOfChance {
  public:
@@ -248,10 +247,14 @@ class ExchangeOfChance : public ShopOfChance {
     ASSERT_TRUE(catalogue);
     std::string columns;
     for (int option = 1; option <= 15; ++option) {
-      for (const std::string field : {"testo", "prezzo", "peso"}) {
-        columns += (columns.empty() ? "" : ", ") + (field == "testo" ? "opzione" : field) + std::to_string(option) +
-                   " = (SELECT " + field + " FROM dettagliop WHERE OpID = opzioni.ID ORDER BY ID LIMIT 1 OFFSET " +
-                   std::to_string(option - 1) + ")";
+      const std::string number = std::to_string(option);
+      for (const auto& [field, column] : {std::pair<std::string, std::string>{"testo", "opzione" + number},
+                                          {"testo_l2", "opzione" + number + "_l2"},
+                                          {"prezzo", "prezzo" + number},
+                                          {"peso", "peso" + number}}) {
+        columns += (columns.empty() ? "" : ", ") + column + " = (SELECT " + field +
+                   " FROM dettagliop WHERE OpID = opzioni.ID ORDER BY ID LIMIT 1 OFFSET " + std::to_string(option - 1) +
+                   ")";
       }
     }
     ASSERT_TRUE(catalogue->execute("UPDATE opzioni SET " + columns));
@@ -263,18 +266,44 @@ class ExchangeOfChance : public ShopOfChance {
     ASSERT_TRUE(catalogue);
     ASSERT_TRUE(
         catalogue->execute("DELETE FROM articoli; DELETE FROM categorie; DELETE FROM dettagliop;"
-                           "DELETE FROM sqlite_sequence; UPDATE generale SET titolo = 'x', immagine0 = ''"));
+                           "DELETE FROM sqlite_sequence; UPDATE generale SET titolo = 'x', immagine0 = '';"
+                           "UPDATE lingue SET lingua2 = NULL"));
+    for (int zone = 1; zone <= copiedZones; ++zone) {
+      ASSERT_TRUE(catalogue->execute("UPDATE zona" + std::to_string(zone) + " SET m1sp1 = 0"));
+    }
     ASSERT_TRUE(emptyFolder(shop.folder() + "/work"));
   }
 };
 
-TEST(ShopsOfChance, AnExportBuildsWhatTheShopBuilds) { overShops(&ExchangeOfChance::exported); }
+constexpr unsigned shares = 4;  // of the shops, each a case of its own
 
-TEST(ShopsOfChance, AZipOfThemDoesToo) { overShops(&ExchangeOfChance::zipped); }
+/// Runs `check` over a share of the shops, each made new.
+void overShops(unsigned share, void (ExchangeOfChance::*check)(unsigned)) {
+  for (unsigned i = share; i < seeds(100); i += shares) {
+    ExchangeOfChance shop;
+    (shop.*check)(seed() + i);
+    if (::testing::Test::HasFatalFailure()) return;
+  }
+}
 
-TEST(ShopsOfChance, AnImportOfTheFoldedShopBuildsWhatItBuilt) { overShops(&ExchangeOfChance::imported); }
+class ExportedShopsOfChance : public ::testing::TestWithParam<unsigned> {};
+class ZippedShopsOfChance : public ::testing::TestWithParam<unsigned> {};
+class FoldedShopsOfChance : public ::testing::TestWithParam<unsigned> {};
+class PurgedShopsOfChance : public ::testing::TestWithParam<unsigned> {};
 
-TEST(ShopsOfChance, APurgeTakesNoPictureThatABuildNeeds) { overShops(&ExchangeOfChance::purged); }
+TEST_P(ExportedShopsOfChance, AnExportBuildsWhatTheShopBuilds) { overShops(GetParam(), &ExchangeOfChance::exported); }
+INSTANTIATE_TEST_SUITE_P(Share, ExportedShopsOfChance, ::testing::Range(0U, shares));
+
+TEST_P(ZippedShopsOfChance, WhatIsUnpackedBuildsWhatTheShopBuilds) { overShops(GetParam(), &ExchangeOfChance::zipped); }
+INSTANTIATE_TEST_SUITE_P(Share, ZippedShopsOfChance, ::testing::Range(0U, shares));
+
+TEST_P(FoldedShopsOfChance, AnImportOfTheFoldedShopBuildsWhatItBuilt) {
+  overShops(GetParam(), &ExchangeOfChance::imported);
+}
+INSTANTIATE_TEST_SUITE_P(Share, FoldedShopsOfChance, ::testing::Range(0U, shares));
+
+TEST_P(PurgedShopsOfChance, APurgeTakesNoPictureThatABuildNeeds) { overShops(GetParam(), &ExchangeOfChance::purged); }
+INSTANTIATE_TEST_SUITE_P(Share, PurgedShopsOfChance, ::testing::Range(0U, shares));
 
 }  // namespace
 }  // namespace kv::test
