@@ -1,20 +1,16 @@
 // A kill in the middle of a picture choice, a purge or a zip: the shop is whole, no row names a missing picture, and no
 // file is half written.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
-#include <random>
 #include <sstream>
 
 #include "platform/database/database.h"
 #include "platform/files/trees.h"
 #include "platform/image/pixels.h"
 #include "shell/cli/cli_program.h"
+#include "support/killed_process.h"
 #include "support/temp_folder.h"
-#include "support/test_seed.h"
 
 namespace kv {
 namespace {
@@ -45,18 +41,10 @@ class KilledPictures : public ::testing::Test {
   /// Runs a command in a process of its own, which is killed at some moment.
   void killed(std::vector<std::string> arguments) {
     arguments.insert(arguments.end(), {"--app", application});
-    const unsigned microseconds = moment(chance);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
+    process.run([&] {
       std::ostringstream out, err;
       ignore(runCommandLine(arguments, {out, err, {}, ""}), "it may be killed before it ends");
-      ::_exit(0);
-    }
-    ::usleep(microseconds);
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    });
   }
   void expectWhole() const {
     EXPECT_EQ(read("PRAGMA integrity_check"), "ok");
@@ -69,19 +57,18 @@ class KilledPictures : public ::testing::Test {
 
   test::TempFolder home;
   std::string shop, application, photo, article;
-  std::mt19937 chance{test::seed()};
-  std::uniform_int_distribution<unsigned> moment{0, 60'000};
+  test::KilledProcess process;
 };
 
 TEST_F(KilledPictures, AChoiceLeavesAWholePictureOrNone) {
-  for (int i = 0; i < test::operationsOf(5); ++i) {
+  for (int i = 0; i <= test::operationsOf(50); ++i) {
     killed({"picture", shop, home / "Foto.jpg", "--article", article, "--slot", "0", "--fit", "180x135"});
     expectWhole();
   }
 }
 
 TEST_F(KilledPictures, APurgeNeverTakesAPictureInUse) {
-  for (int i = 0; i < test::operationsOf(5); ++i) {
+  for (int i = 0; i <= test::operationsOf(50); ++i) {
     for (int n = 0; n < 30; ++n) {
       ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile_" + std::to_string(n) + ".jpg"), photo));
     }
@@ -99,7 +86,7 @@ TEST_F(KilledPictures, APurgeNeverTakesAPictureInUse) {
 TEST_F(KilledPictures, AZipIsWholeOrNotThere) {
   const std::string copy = home / "copia", zip = copy + "/negozio.zip";
   ASSERT_TRUE(writeBytes(joinPath(shop, "work/foto.jpg"), std::string(3'000'000, 'x')));
-  for (int i = 0; i < test::operationsOf(5); ++i) {
+  for (int i = 0; i <= test::operationsOf(50); ++i) {
     killed({"export", shop, copy, "--zip"});
     EXPECT_EQ(read("PRAGMA integrity_check"), "ok");
     EXPECT_FALSE(fileExists(copy + "/catalog.mdb")) << "what is not packed is no shop either";
