@@ -3,9 +3,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
 
 #include "import/accounting/frm_importa_og.h"
@@ -68,6 +70,35 @@ TEST_F(TheAccountingDialogs, AFolderChosenForAVariantInstallsItAndOkStoresIt) {
   accept(dialog);
   EXPECT_EQ(dialog.tag(), "3");
   EXPECT_EQ(accountingPath(settings, accountingVariants()[3]), shop);
+}
+
+TEST_F(TheAccountingDialogs, AFileChosenForAVariantInstallsItAndOkStoresIt) {
+  frmOGChoose dialog(settings, user);
+  show(dialog);
+  control<QComboBox>(dialog, "cboVariante")->setCurrentIndex(5);
+  const auto choose = [&dialog](const std::string& path) {
+    test::whenModal([&path](QWidget& window) {
+      auto* files = qobject_cast<QFileDialog*>(&window);
+      ASSERT_NE(files, nullptr);
+      EXPECT_EQ(fromQt(files->windowTitle()), "Dati di Orsa Gestionale");
+      if (path.empty()) {
+        QTest::keyClick(files, Qt::Key_Escape);
+        return;
+      }
+      files->selectFile(toQt(path));
+      QMetaObject::invokeMethod(files, "accept");
+    });
+    QTest::keyClick(control<QPushButton>(dialog, "cmdSfoglia"), Qt::Key_Space);
+  };
+  choose("");
+  EXPECT_EQ(control<QListWidget>(dialog, "lstVarianti")->count(), 0) << "Escape chooses nothing";
+  choose(source);
+  EXPECT_EQ(fromQt(control<QLineEdit>(dialog, "txtPercorso")->text()), source);
+  EXPECT_EQ(control<QListWidget>(dialog, "lstVarianti")->count(), 1);
+  EXPECT_EQ(accountingPath(settings, accountingVariants()[5]), "");
+  accept(dialog);
+  EXPECT_EQ(dialog.tag(), "5");
+  EXPECT_EQ(accountingPath(settings, accountingVariants()[5]), source);
 }
 
 TEST_F(TheAccountingDialogs, EscapeFromTheChoiceStoresNothing) {
@@ -137,6 +168,8 @@ TEST_F(TheAccountingDialogs, ThePreviewFollowsTheCompanyAndWritesNothing) {
   EXPECT_EQ(fromQt(preview->toPlainText()), "Il database \"manca.mdb\" non può essere aperto\n");
   control<QComboBox>(dialog, "cboSelect")->setCurrentIndex(1);
   EXPECT_TRUE(fromQt(preview->toPlainText()).starts_with("Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi"));
+  EXPECT_GT(preview->tabStopDistance(), preview->fontMetrics().horizontalAdvance(QStringLiteral("tralasciato ")))
+      << "columns stay apart";
   test::keepPicture(dialog, "importa_ogma_prog");
   EXPECT_EQ(test::defaultButton(dialog), "Importa");
   accept(dialog);

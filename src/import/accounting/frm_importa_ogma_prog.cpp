@@ -31,6 +31,9 @@ frmImportaOGMAProg::frmImportaOGMAProg(Session& session, const Settings& setting
   txtAnteprima_ = named(new QPlainTextEdit(), "txtAnteprima");
   txtAnteprima_->setReadOnly(true);
   txtAnteprima_->setTabChangesFocus(true);
+  // The first column holds words such as "tralasciato", in a font of any size.
+  const QString widest = QStringLiteral("tralasciato  ");
+  txtAnteprima_->setTabStopDistance(txtAnteprima_->fontMetrics().horizontalAdvance(widest));
   column->addWidget(labelFor("&Anteprima:", txtAnteprima_));
   column->addWidget(txtAnteprima_, 1);
   QDialogButtonBox* buttons = makeButtons("Importa");
