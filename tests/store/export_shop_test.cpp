@@ -218,6 +218,13 @@ TEST_F(ExportingAShop, ADestinationInsideTheShopDoesNotHoldItself) {
   EXPECT_EQ(copied("work/comune.gif"), "del negozio");
 }
 
+TEST_F(ExportingAShop, AnImageFolderThatVanishedGoesAlongAsTheModels) {
+  std::filesystem::remove_all(shop + "/work");
+  ASSERT_EQ(exportWith("OK"), ExportOutcome::Done);
+  EXPECT_EQ(copied("work/modello.gif"), "del modello");
+  EXPECT_EQ(copied("db/sql.mdb"), "righe");
+}
+
 TEST_F(ExportingAShop, OffersScriptsAndTagsByTheSituation) {
   EXPECT_EQ(exportWith(""), ExportOutcome::Left);
   EXPECT_FALSE(offer.scripts || offer.commonTags) << "neither";

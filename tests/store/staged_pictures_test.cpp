@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/files/trees.h"
 #include "shop_fixture.h"
 #include "store/exchange/primo_import.h"
 #include "store/shop/load_shop.h"
@@ -74,6 +75,41 @@ TEST_F(ExchangedPictures, AFullDiskAtAnyWriteIsToldAndLeavesTheRowsTheirPictures
   EXPECT_GE(refused, 6) << "two pictures are made, written and closed";
   EXPECT_THAT(listFiles(shop + "/work", "*"), ::testing::ElementsAre("altra.gif", "nuova.gif"))
       << "there is room again";
+}
+
+TEST_F(ExchangedPictures, AnImageFolderThatVanishedIsMadeOfTheirs) {
+  std::filesystem::remove_all(shop + "/work");
+  open();
+  EXPECT_EQ(importPrimoShop(session, env, source), PrimoOutcome::Done);
+  EXPECT_THAT(listFiles(shop + "/work", "*"), ::testing::ElementsAre("nuova.gif"));
+}
+
+TEST_F(ExchangedPictures, AListOfFilesThatFailsCostsNoPicture) {
+  write(joinPath(shop, "work/mie/foto.jpg"), "f");
+  const std::string kept = root / "prima";
+  ASSERT_TRUE(copyTree(shop, kept));
+  bool reached = true;
+  for (std::int64_t failing = 1; reached; ++failing) {
+    std::filesystem::remove_all(shop);
+    ASSERT_TRUE(copyTree(kept, shop));
+    open();
+    user.shown.clear();
+    PrimoOutcome outcome = PrimoOutcome::NotDone;
+    {
+      test::FailingFiles gate(failing, test::AfterFailure::Works);
+      gate.onlyAt({FileStep::List});
+      outcome = importPrimoShop(session, env, source);
+      reached = gate.hasFailed();
+    }
+    EXPECT_FALSE(user.shown.empty()) << failing;
+    session.catalogue.close();
+    open();
+    const std::string title = asText(*session.catalogue.scalar("SELECT titolo FROM articoli"));
+    EXPECT_EQ(title, outcome == PrimoOutcome::Done ? "Sedia" : "Lampada") << failing;
+    EXPECT_TRUE(fileExists(joinPath(shop, title == "Sedia" ? "work/nuova.gif" : "work/vecchia.gif"))) << failing;
+    EXPECT_TRUE(fileExists(joinPath(shop, "work/mie/foto.jpg"))) << failing;
+    session.catalogue.close();
+  }
 }
 
 TEST_F(ExchangedPictures, AnImportAfterOneThatCouldNotExchangeLosesNoSubfolder) {

@@ -33,8 +33,13 @@ StagedPictures::StagedPictures(const std::string& shopFolder)
 Result<> StagedPictures::copyFrom(const std::string& folder) const {
   if (auto dropped = drop(); !dropped) return dropped;
   if (auto made = createFolder(staged_); !made) return made;
-  for (const std::string& name : listFiles(folder, "*")) {
-    if (auto copied = copyFile(joinPath(folder, name), joinPath(staged_, name)); !copied) return copied;
+  if (!folderExists(folder)) return {};
+  // A list that can't be read is not an empty one: the shop's own pictures would go for nothing.
+  const auto entries = listTree(folder);
+  if (!entries) return fail(entries.error());
+  for (const TreeEntry& entry : *entries) {
+    if (entry.isFolder || !folderOf(entry.path).empty()) continue;
+    if (auto copied = copyFile(joinPath(folder, entry.path), joinPath(staged_, entry.path)); !copied) return copied;
   }
   return {};
 }
