@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <random>
 #include <set>
 
 #include "platform/files/files.h"
 #include "platform/text/text.h"
+#include "support/failing_files.h"
 #include "support/temp_folder.h"
 #include "support/test_seed.h"
 
@@ -71,6 +73,14 @@ TEST_F(PictureNames, TheTailGrowsToFiveDigitsAndNothingIsOverwritten) {
   EXPECT_EQ(named("foto.jpg"), "foto_10002.jpg");
 }
 
+TEST_F(PictureNames, NothingIsOverwrittenInAFolderThatCantBeListed) {
+  present("foto_0001.jpg");
+  present("foto_0002.jpg");
+  test::FailingFiles gate(1, test::AfterFailure::FailsToo);
+  gate.onlyAt({FileStep::List});
+  EXPECT_EQ(named("foto.jpg"), "foto_0003.jpg");
+}
+
 TEST_F(PictureNames, AnExtensionCarriesNoLineEndAndNoQuote) {
   EXPECT_EQ(named("foto.j\np\"g"), "foto_0001.j_p_g");
   EXPECT_EQ(named("foto.jp\xE9"), "foto_0001.jp_");
@@ -81,13 +91,17 @@ TEST_F(PictureNames, NamesOfChanceNeverMeet) {
   std::mt19937 chance(test::seed());
   const std::vector<std::string> pieces{"foto", "Foto", "_00a1", "_ffff", "_", "à", " ", "É", ".", "x", "0", "_0001"};
   std::uniform_int_distribution<std::size_t> piece(0, pieces.size() - 1);
-  std::set<std::string> given;
-  for (int i = 0; i < test::operationsOf(400); ++i) {
-    std::string source;
-    for (int part = 0; part < 3; ++part) source += pieces[piece(chance)];
-    const std::string name = named(source + ".jpg", i % 2 == 0);
-    ASSERT_TRUE(given.insert(foldCase(name)).second) << name << " for " << source;
-    present(name);
+  // The folder is listed for each name, so that many with few pictures take less time than a large one.
+  for (unsigned i = 0; i < test::seeds(40); ++i) {
+    const test::TempFolder pictures;
+    std::set<std::string> given;
+    for (int n = 0; n < test::operationsOf(250); ++n) {
+      std::string source;
+      for (int part = 0; part < 3; ++part) source += pieces[piece(chance)];
+      const std::string name = uniquePictureName(pictures.path(), source + ".jpg", n % 2 == 0);
+      ASSERT_TRUE(given.insert(foldCase(name)).second) << name << " for " << source;
+      std::ofstream(pictures / name) << 'x';
+    }
   }
 }
 

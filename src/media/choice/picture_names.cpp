@@ -90,7 +90,8 @@ std::string uniquePictureName(const std::string& folder, std::string_view source
   }
   for (unsigned number = highest + 1;; ++number) {
     std::string name = start + tailOf(number) + parts.extension;
-    if (!taken.contains(name)) return name;
+    // The list may have failed.
+    if (!taken.contains(name) && !fileExists(joinPath(folder, name))) return name;
   }
 }
 
