@@ -81,21 +81,22 @@ soak: build
 	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
-	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledExchange*:KilledHistory*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_store --gtest_filter='KilledHistory*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_store --gtest_brief=1 \
-	  --gtest_filter='AnAgedShop.However*:PatchingScripts.ASecondRun*'
-	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='ShopsOfChance*' --gtest_brief=1
-	@KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
+	  --gtest_filter='KilledExchange*:AnAgedShop.However*:PatchingScripts.ASecondRun*'
+	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='*ShopsOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=1 KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media \
+	  --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
 	@KORVANE_TEST_MOMENTS=100000 build/dev/tests/test_builder --gtest_filter='*FailingBuild*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_commerce --gtest_brief=1 \
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=100 build/dev/tests/test_import --gtest_filter='AccountingOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_import --gtest_filter='*AccountingOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_import --gtest_filter='TablesOfChance*:ImportsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_shell --gtest_filter='SheetOfChance*' --gtest_brief=1
-	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
+	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 build/dev/tests/test_import --gtest_filter='*AgreeWithMdbExport*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=50000 node tests/e2e/jet_agreement.test.mjs build/dev/tests/e2e/jet_rows
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_forms \
