@@ -148,7 +148,13 @@ TEST_F(TheStepLog, GoesBackByRowsAcrossSessionsAsAStepOfItsOwn) {
   EXPECT_EQ(way->rows, 3U);
   EXPECT_EQ(way->lost.size(), 3U) << "what was undone is not lost";
   EXPECT_EQ(price(), "4") << "the plan keeps nothing";
-  EXPECT_EQ(wayBackQuestion(*way).preset, Answer::No);
+  const Question asked = wayBackQuestion(*way);
+  EXPECT_EQ(asked.preset, Answer::No);
+  const std::string when = formatTime(log->steps().front().madeAt) + "  ";
+  EXPECT_EQ(asked.text,
+            "Il catalogo tornerà com'era prima di: Primo.\nRighe da riportare indietro: 3. Si potrà annullare con "
+            "Ctrl+Z.\n\nAndrà perso:\n" +
+                when + "Terzo\n" + when + "Secondo\n" + when + "Primo\n\nTornare indietro?");
   goBack(*way);
   EXPECT_EQ(price(), "1");
   EXPECT_EQ(asText(*session.catalogue.scalar("SELECT COUNT(*) FROM articoli")), "1");
@@ -180,6 +186,33 @@ TEST_F(TheStepLog, RowsThatChangedElsewhereLeadToTheCopyMadeBefore) {
   EXPECT_THAT(listed(), ElementsAre("Ripristinata la copia del " + formatTime(way->copy.madeAt) + " fatto",
                                     "Primo perso con una copia ripristinata"));
   EXPECT_EQ(planWayBack(session, *log, stepNamed("Primo")).error().kind, ErrorKind::Missing);
+}
+
+TEST_F(TheStepLog, ACopyIsGoneBackToWithAllThatWasDoneSinceItWasMade) {
+  clock.seconds = 1783840400;
+  step("Zero", "UPDATE articoli SET prezzo = 15000");
+  clock.seconds = 1783840460;  // 2026-07-12, 07:14:20 UTC
+  ASSERT_TRUE(createFolders(joinPath(session.ShopFolder, "backup")));
+  ASSERT_TRUE(writeBytes(joinPath(session.ShopFolder, "backup/catalog-20260712T071400Z.mdb"), "x"));
+  step("Primo", "UPDATE articoli SET prezzo = 20000");
+  step("Secondo", "UPDATE articoli SET peso = 1");
+  sql("UPDATE articoli SET peso = 7");
+  for (int i = 1; i <= 12; ++i)
+    step("Passo " + std::to_string(i), "UPDATE articoli SET titolo = '" + std::to_string(i) + "'");
+  const auto way = planWayBack(session, *log, stepNamed("Secondo"));
+  ASSERT_TRUE(way);
+  ASSERT_FALSE(way->byRows);
+  const Question asked = wayBackQuestion(*way);
+  const std::string when = formatTime(log->steps().front().madeAt) + "  ";
+  std::string lost;
+  for (int i = 12; i >= 1; --i) lost += "\n" + when + "Passo " + std::to_string(i);
+  EXPECT_EQ(asked.text,
+            "Il catalogo tornerà com'era prima di: Secondo.\nLe righe sono cambiate in seguito: sarà ripristinata la "
+            "copia del " +
+                formatTime(way->copy.madeAt) + ".\nUna copia del catalogo attuale sarà conservata.\n\nAndrà perso:" +
+                lost + "\ne altri 2 passi\n\nTornare indietro?")
+      << "the step before the copy stays, the one between copy and step goes";
+  EXPECT_EQ(asked.icon, Icon::Exclamation);
 }
 
 TEST_F(TheStepLog, WithoutACopySoOldThereIsNoWay) {
