@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/sheet/packed_file.h"
+
 namespace kv::test {
 namespace {
 
@@ -82,12 +84,49 @@ TEST(CsvText, IsNoFormulaToASpreadsheetAndComesBackEqual) {
   }
 }
 
+TEST(CsvText, WithAQuoteThatIsNotClosedIsRefusedAtItsLine) {
+  const std::string longest(longestCsvField, 'x');
+  CsvReading reading;
+  for (const std::string& text : {"\"" + longest + "x\"", "\"\"\"" + longest, "\"" + longest + "\n;1\n"}) {
+    const auto cells = readCsv("a;b\n\"x\ny\";2\nz;" + text, {}, {}, reading);
+    ASSERT_FALSE(cells);
+    EXPECT_EQ(cells.error().number, EndlessCell);
+    EXPECT_EQ(cells.error().what, "4");
+  }
+  for (const std::string& text : {"\"" + longest + "\"", "\"" + longest.substr(1) + "\"\"\"", longest + "x"}) {
+    EXPECT_TRUE(readCsv("a;b\nz;" + text, {}, {}, reading));
+  }
+}
+
+TEST(CsvText, IsReadUntilTheUserEndsIt) {
+  std::string text;
+  for (int i = 0; i < 5000; ++i) text += "a;b\n";
+  CsvReading reading;
+  int looks = 0;
+  EXPECT_TRUE(readCsv(text, {}, {}, reading, [&] { return ++looks > 0; }));
+  EXPECT_EQ(looks, 4);
+  const auto cells = readCsv(text, {}, {}, reading, [&] { return --looks > 1; });
+  ASSERT_FALSE(cells);
+  EXPECT_EQ(cells.error().kind, ErrorKind::Cancelled);
+  EXPECT_EQ(looks, 1);
+}
+
 TEST(CsvText, BeyondTheLimitsIsNotRead) {
   CsvReading reading;
   SheetLimits limits;
   limits.rows = 2;
   EXPECT_FALSE(readCsv("a\nb\nc\n", {}, limits, reading));
   EXPECT_TRUE(readCsv("a\nb\n\n\n", {}, limits, reading));
+}
+
+TEST(CsvText, OfAnotherEncodingThatIsHeldTwiceIsReadUpToHalfTheLength) {
+  CsvReading reading;
+  SheetLimits limits;
+  limits.textBytes = 12;
+  EXPECT_TRUE(readCsv("a;b\nc;d\ne;f\n", {}, limits, reading));
+  EXPECT_FALSE(readCsv("a;b\nc;d\ne;fg\n", {}, limits, reading));
+  EXPECT_TRUE(readCsv("\xE8;b\nc\n", {}, limits, reading));
+  EXPECT_FALSE(readCsv("\xE8;b\ncd\n", {}, limits, reading));
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ std::string fromUtf16(std::string_view bytes, bool bigEndian) {
     return static_cast<char32_t>(bigEndian ? (first << 8) | second : (second << 8) | first);
   };
   std::string text;
+  text.reserve(bytes.size() / 2);
   for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
     char32_t unit = unitAt(at);
     if (unit >= lowestSurrogate && unit < afterSurrogates) {

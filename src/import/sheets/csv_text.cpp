@@ -4,6 +4,7 @@
 #include <array>
 
 #include "import/sheets/number_signs.h"
+#include "platform/sheet/packed_file.h"
 #include "platform/text/formula_sign.h"
 #include "platform/text/text.h"
 
@@ -12,12 +13,13 @@ namespace {
 
 constexpr std::array<char, 4> csvSeparators{';', ',', '\t', '|'};
 constexpr std::string_view separatorLine = "sep=";  // of a first line that names the separator
+constexpr std::size_t recordsPerLook = 1024;        // between two looks at the user
 
 /// One walk over a text of separated values.
 class CsvWalk {
  public:
-  CsvWalk(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd)
-      : text_(text), separator_(separator), lineEnd_(lineEnd), sink_(sink) {
+  CsvWalk(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd, std::size_t longest)
+      : text_(text), separator_(separator), lineEnd_(lineEnd), longest_(longest), sink_(sink) {
     for (const char c : {separator, '\r', '\n'}) mayEnd_[static_cast<unsigned char>(c)] = true;
   }
 
@@ -37,9 +39,10 @@ class CsvWalk {
       passLineEnd();
       return true;
     }
-    const bool goesOn = sink_.field(takeField());
+    const std::string_view taken = takeField();
+    if (isEndless_) sink_.endless(line);
+    if (isEndless_ || !sink_.field(taken)) return false;
     started_ = true;
-    if (!goesOn) return false;
     if (at_ >= text_.size()) return true;
     if (text_[at_] == separator_) {
       ++at_;
@@ -77,6 +80,7 @@ class CsvWalk {
     const bool isSimple = close != std::string_view::npos && (after == text_.size() || endsField(after));
     if (!isSimple) return takeQuoted();
     const std::string_view field = text_.substr(at_ + 1, close - at_ - 1);
+    isEndless_ = field.size() > longest_;
     countLines(field);
     at_ = after;
     return field;
@@ -96,6 +100,8 @@ class CsvWalk {
         if (at_ + 1 >= text_.size() || text_[at_ + 1] != '"') break;
         ++at_;
       }
+      isEndless_ = scratch_.size() >= longest_;
+      if (isEndless_) return scratch_;
       scratch_ += text_[at_];
     }
     countLines(scratch_);
@@ -116,20 +122,39 @@ class CsvWalk {
   std::string_view text_;
   char separator_;
   std::optional<CsvLineEnd> lineEnd_;
+  std::size_t longest_;
   CsvSink& sink_;
   std::array<bool, 256> mayEnd_{};  // by byte: what a field without quotes may end at
   std::size_t at_ = 0;
   std::uint32_t line_ = 1, begins_ = 1;
-  bool started_ = false;  // the record has a field
+  bool started_ = false;    // the record has a field
+  bool isEndless_ = false;  // the last field is longer than it may be
   std::string scratch_;
 };
 
 /// Fills a table of cells.
-struct CellSink final : CsvSink {
-  explicit CellSink(CellTable& into) : cells(into) {}
-  CellTable& cells;
-  bool field(std::string_view text) override { return cells.add(unguardedCsvText(text)); }
-  bool endRecord(std::uint32_t line) override { return cells.endRow(line); }
+class CellSink final : public CsvSink {
+ public:
+  CellSink(CellTable& cells, const std::function<bool()>& goOn) : cells_(cells), goOn_(goOn) {}
+  bool field(std::string_view text) override { return cells_.add(unguardedCsvText(text)); }
+  bool endRecord(std::uint32_t line) override {
+    isCancelled_ = goOn_ && ++records_ % recordsPerLook == 0 && !goOn_();
+    return !isCancelled_ && cells_.endRow(line);
+  }
+  void endless(std::uint32_t line) override { endlessLine_ = line; }
+  /// Why the walk ended before the text did.
+  Error failure() const {
+    if (isCancelled_) return {ErrorKind::Cancelled, "", "cancelled"};
+    if (endlessLine_ == 0) return {ErrorKind::Malformed, "", "too large", TooLargeSheet};
+    return {ErrorKind::Malformed, "", std::to_string(endlessLine_), EndlessCell};
+  }
+
+ private:
+  CellTable& cells_;
+  const std::function<bool()>& goOn_;
+  std::size_t records_ = 0;
+  bool isCancelled_ = false;
+  std::uint32_t endlessLine_ = 0;  // 0: none
 };
 
 /// Whether a spreadsheet would run a text as a formula, the apostrophes before it left out.
@@ -148,8 +173,9 @@ std::string_view unguardedCsvText(std::string_view text) {
   return text.starts_with('\'') && isFormula(text) ? text.substr(1) : text;
 }
 
-bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd) {
-  return CsvWalk(text, separator, sink, lineEnd).run();
+bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd,
+             std::size_t longest) {
+  return CsvWalk(text, separator, sink, lineEnd, longest).run();
 }
 
 char separatorOf(std::string_view text) {
@@ -181,16 +207,21 @@ CsvLineEnd csvLineEndOf(std::string_view text) {
   return CsvLineEnd::CrLf;
 }
 
-std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
-                                 CsvReading& reading) {
+Result<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
+                          CsvReading& reading, const std::function<bool()>& goOn) {
   reading.encoding = choice.encoding.value_or(csvEncodingOf(bytes));
+  // What isn't UTF-8 is held a second time, as UTF-8.
+  const bool isUtf8 = reading.encoding == CsvEncoding::Utf8 || reading.encoding == CsvEncoding::Utf8Mark;
+  if (bytes.size() > (isUtf8 ? limits.textBytes : limits.textBytes / 2)) {
+    return fail(ErrorKind::Malformed, "", "too large", TooLargeSheet);
+  }
   std::string decoded;
   const std::string_view text = decodedCsv(bytes, reading.encoding, decoded);
   reading.separator = choice.separator.value_or(separatorOf(text));
   reading.lineEnd = choice.lineEnd.value_or(csvLineEndOf(text));
   CellTable cells(limits);
-  CellSink sink(cells);
-  if (!walkCsv(text, reading.separator, sink, choice.lineEnd)) return std::nullopt;
+  CellSink sink(cells, goOn);
+  if (!walkCsv(text, reading.separator, sink, choice.lineEnd, longestCsvField)) return fail(sink.failure());
   // The line that names the separator is no row.
   const bool isNamed = startsWithIgnoringCase(text, separatorLine) && cells.rows() > 0 && cells.width(0) <= 1;
   if (isNamed) cells.dropRows(1);

@@ -3,10 +3,12 @@
 // and signs between thousands are found out from the bytes, and each can be given instead. Source: RFC 4180, with the
 // line ends of any system.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "platform/ports/result.h"
 #include "platform/sheet/cell_table.h"
 
 namespace kv {
@@ -48,6 +50,8 @@ std::string_view decodedCsv(std::string_view bytes, CsvEncoding encoding, std::s
 char separatorOf(std::string_view text);
 /// The line end that comes first outside of quotes; CR LF when there is none.
 CsvLineEnd csvLineEndOf(std::string_view text);
+/// The longest field in quotes that a table of merchants has, in bytes. A longer one lacks its closing quote.
+inline constexpr std::size_t longestCsvField = std::size_t{1} << 20;
 /// Receives the fields of a text.
 class CsvSink {
  public:
@@ -56,15 +60,21 @@ class CsvSink {
   virtual bool field(std::string_view text) = 0;
   /// The end of a record that began in a line, counted from 1. False ends the walk.
   virtual bool endRecord(std::uint32_t line) = 0;
+  /// The field in quotes that began in a line is longer than it may be. The walk ends.
+  virtual void endless(std::uint32_t /*line*/) {}
 };
 /// Splits a text into records of fields: a field in double quotes may hold separators, line ends and, doubled, quotes.
 /// Records end at CR LF, LF or CR; lines without any character are passed over. A quote that is never closed reaches
-/// to the end. lineEnd: the only line end there is, where it is given. False when the sink ended it.
-bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd = {});
+/// to the end. lineEnd: the only line end there is, where it is given. longest: bytes of a field in quotes. False when
+/// the sink or a longer field ended it.
+bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional<CsvLineEnd> lineEnd = {},
+             std::size_t longest = std::string_view::npos);
 
-/// A text of separated values as cells, and how it was read. Nothing when it has more than the limits allow.
-std::optional<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
-                                 CsvReading& reading);
+/// A text of separated values as cells, and how it was read. Malformed with TooLargeSheet when it has more than the
+/// limits allow, with EndlessCell for a quote that isn't closed within longestCsvField. goOn: asked now and then; false
+/// ends it as Cancelled.
+Result<CellTable> readCsv(std::string_view bytes, const CsvChoice& choice, const SheetLimits& limits,
+                          CsvReading& reading, const std::function<bool()>& goOn = {});
 /// A text as a file of separated values holds it: with an apostrophe before it where a spreadsheet would run it as a
 /// formula ("=", "@", a tab, or a sign before what is no number), or where it starts with apostrophes before such a
 /// text.

@@ -14,13 +14,12 @@ constexpr std::size_t exactDigits = 15;  // of a number in a cell
 Result<ReadSheet> readTextFile(const std::string& path, const SheetChoice& choice) {
   const auto stamp = fileStamp(path);
   if (!stamp) return fail(stamp.error());
-  // In UTF-16 a character has at least two bytes, and a text in quotes may have them doubled.
-  if (stamp->size > 2 * choice.limits.textBytes) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
+  if (stamp->size > choice.limits.textBytes) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
   const auto bytes = readBytes(path);
   if (!bytes) return fail(bytes.error());
   ReadSheet sheet;
-  auto cells = readCsv(*bytes, choice.csv, choice.limits, sheet.reading.csv);
-  if (!cells) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
+  auto cells = readCsv(*bytes, choice.csv, choice.limits, sheet.reading.csv, choice.goOn);
+  if (!cells) return fail(cells.error().kind, path, cells.error().what, cells.error().number);
   sheet.cells = std::move(*cells);
   return sheet;
 }
@@ -119,11 +118,14 @@ Result<ReadSheet> readSheetFile(const std::string& path, const SheetChoice& choi
 
 std::string sheetFailureText(const Error& error, const std::string& path) {
   const std::string name = "\"" + std::string(baseName(path)) + "\"";
-  if (error.number == ProtectedSheet)
-    return "Il foglio " + name + " è protetto da una password: salvarne una copia senza";
+  if (error.number == ProtectedSheet) return "Il foglio " + name + " è protetto da una password: salvarne una copia senza";
   if (error.number == TooLargeSheet) return "Il foglio " + name + " è troppo grande: dividerlo in più fogli";
   if (error.number == OldSheet) {
     return "Il foglio " + name + " è protetto, o nel formato di un vecchio programma: salvarlo come XLSX, ODS o CSV";
+  }
+  if (error.number == EndlessCell) {
+    return "Nel foglio " + name + " il testo tra virgolette che comincia alla riga " + error.what +
+           " non finisce: manca la virgoletta di chiusura";
   }
   if (error.number == EmptySheet) return "Il foglio " + name + " è vuoto";
   switch (error.kind) {

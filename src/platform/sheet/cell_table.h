@@ -14,7 +14,8 @@ struct SheetLimits {
   std::size_t rows = 1'048'576;                     ///< with text in them
   std::size_t columns = 1024;                       ///< that hold a text in some row
   std::size_t cells = 24'000'000;                   ///< four bytes each
-  std::size_t textBytes = std::size_t{128} << 20;   ///< of all cells together
+  std::size_t textBytes = std::size_t{128} << 20;   ///< of all cells together, and of a file of text; half of it in
+                                                    ///< another encoding than UTF-8
   std::uint64_t unpacked = std::uint64_t{1} << 30;  ///< bytes that the parts of a packed file may unpack to
 };
 

@@ -19,7 +19,8 @@ enum SheetFault : int {
   ProtectedSheet = 1,  ///< by a password
   TooLargeSheet = 2,   ///< beyond SheetLimits
   OldSheet = 3,        ///< the binary form of earlier programs, or one that is protected
-  EmptySheet = 4       ///< no text in any cell
+  EmptySheet = 4,      ///< no text in any cell
+  EndlessCell = 5      ///< a text in quotes that goes on beyond any sense; Error::what is its line
 };
 
 /// An open packed file.
