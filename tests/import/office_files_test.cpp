@@ -13,8 +13,10 @@
 namespace kv::test {
 namespace {
 
-std::string officeRows(const std::string& name) {
-  const std::string path = std::string(KORVANE_TEST_DATA) + "/import/sheets/" + name;
+std::string officePath(const std::string& name) { return std::string(KORVANE_TEST_DATA) + "/import/sheets/" + name; }
+
+/// How a file is read, and its rows.
+std::string sheetRows(const std::string& path) {
   const auto sheet = readSheetFile(path, {});
   if (!sheet) return sheetFailureText(sheet.error(), path);
   std::string text = readingText(sheet->reading) + "\n";
@@ -27,6 +29,8 @@ std::string officeRows(const std::string& name) {
   }
   return text;
 }
+
+std::string officeRows(const std::string& name) { return sheetRows(officePath(name)); }
 
 constexpr const char* officeCells =
     "1:codice|titolo|prezzo|note|scqperc0\n2:007|Caffè  lungo\nin due righe|12.3|2024-05-31|22\n"
@@ -45,10 +49,8 @@ TEST(OfficeFiles, AsTextHaveWhatTheirCellsShow) {
 }
 
 /// The rows without how they were read.
-std::string officeCellsOf(const std::string& name) {
-  const std::string text = officeRows(name);
-  return text.substr(std::min(text.find('\n') + 1, text.size()));
-}
+std::string withoutReading(const std::string& text) { return text.substr(std::min(text.find('\n') + 1, text.size())); }
+std::string officeCellsOf(const std::string& name) { return withoutReading(officeRows(name)); }
 
 TEST(OfficeFiles, WithEmptyCellsInEveryColumnReadAlikeInBothForms) {
   const std::string xlsx = officeCellsOf("magazzino.xlsx");
@@ -70,6 +72,19 @@ TEST(OfficeFiles, AsTextReadAlikeInEveryEncoding) {
   for (const char* form : {"cp1252", "utf16", "comma"}) {
     EXPECT_EQ(officeCellsOf("magazzino_" + std::string(form) + ".csv"), utf8) << form;
   }
+  // The two forms that this release of the program doesn't write, made of those it wrote.
+  const TempFolder root;
+  const auto bare = readBytes(officePath("magazzino_utf8.csv"));
+  auto swapped = readBytes(officePath("magazzino_utf16.csv"));
+  ASSERT_TRUE(bare && swapped);
+  for (std::size_t at = 0; at + 1 < swapped->size(); at += 2) std::swap((*swapped)[at], (*swapped)[at + 1]);
+  ASSERT_TRUE(writeBytes(root / "contrassegno.csv", "\xEF\xBB\xBF" + *bare));
+  ASSERT_TRUE(writeBytes(root / "utf16be.csv", *swapped));
+  const std::string marked = sheetRows(root / "contrassegno.csv"), big = sheetRows(root / "utf16be.csv");
+  EXPECT_TRUE(marked.starts_with("CSV, UTF-8 con contrassegno, ")) << marked;
+  EXPECT_TRUE(big.starts_with("CSV, UTF-16 (big endian), ")) << big;
+  EXPECT_EQ(withoutReading(marked), utf8);
+  EXPECT_EQ(withoutReading(big), utf8);
 }
 
 TEST(OfficeFiles, UnderAPasswordOrOfAnEarlierFormSaySo) {
