@@ -6,6 +6,7 @@
 #include "builder/doctor/frm_controlla.h"
 #include "dialog_fixture.h"
 #include "forms/wired_window.h"
+#include "shell/workbench/fields/editor_table.h"
 
 namespace kv {
 namespace {
@@ -104,7 +105,47 @@ TEST_F(TheDoctorsDialog, EnterGoesToTheField) {
 namespace test {
 namespace {
 
-using TheDoctorsWay = WiredWindow;
+class TheDoctorsWay : public WiredWindow {
+ protected:
+  /// Goes to the field of the only finding with a text, by Enter in the doctor's list.
+  void goToFindingOf(const char* text) {
+    whenShown(QStringLiteral("Korvane - Controlla il negozio"), [text](QWidget& dialog) {
+      control<QLineEdit>(dialog, "txtFiltro")->setText(QString::fromUtf8(text));
+      auto* findings = control<QTableView>(dialog, "lstAvvisi");
+      EXPECT_EQ(findings->model()->rowCount(), 1) << text;
+      QTest::keyClick(findings, Qt::Key_Return);
+      if (dialog.isVisible()) QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    window->workbench().commands().choose(*window->workbench().commands().table().named("doctor"));
+    processEvents();
+  }
+  std::string fieldInUse() const {
+    return window->focusWidget() == nullptr ? "" : fromQt(window->focusWidget()->objectName());
+  }
+};
+
+TEST_F(TheDoctorsWay, LeadsToTheFieldOfADepartment) {
+  fill(
+      "UPDATE categorie SET nascosto = 0, titolo = 'Reparto ' || ID;"
+      "UPDATE categorie SET nascosto = 1 WHERE ID = (SELECT MAX(catID) FROM articoli)");
+  openWindow();
+  goToFindingOf("è nascosto, ma i suoi articoli");
+  EXPECT_EQ(window->workbench().sets().department(), stored("MAX(catID)", "articoli"));
+  EXPECT_EQ(window->tabs().currentIndex(), static_cast<int>(Tab::Departments));
+  EXPECT_EQ(fieldInUse(), "nascosto");
+}
+
+TEST_F(TheDoctorsWay, LeadsToASettingOnItsTab) {
+  fill("UPDATE generale SET email_ordini = '', hostname = ''");
+  openWindow();
+  for (const auto& [text, field] : {std::pair("a cui arrivano gli ordini", "email_ordini"),
+                                    std::pair("manca il server a cui inviare i file", "hostname")}) {
+    goTab(Tab::Articles);
+    goToFindingOf(text);
+    EXPECT_EQ(fieldInUse(), field);
+    EXPECT_EQ(window->tabs().currentIndex(), static_cast<int>(editorOf(EditedSet::Generale, field)->tab)) << field;
+  }
+}
 
 TEST_F(TheDoctorsWay, LeadsToTheFieldInItsPriceListAndUndoesAMending) {
   fill("UPDATE articoli SET prezzo = 10000, prezzo2 = 10000, offerta2 = 1, offertaprezzo2 = 20000");

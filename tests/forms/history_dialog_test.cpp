@@ -51,6 +51,31 @@ TEST_F(TheHistoryWindow, GoesBackAcrossTheEndOfASession) {
   EXPECT_EQ(window->workbench().history().undoName(), "Torna a prima di: Primo");
 }
 
+TEST_F(TheHistoryWindow, GoesBackByTheDatedCopyWhereRowsNoLongerFit) {
+  fill("UPDATE articoli SET prezzo = 10000");
+  openWindow();
+  ASSERT_EQ(listFiles(joinPath(shop, "backup"), "catalog-*.mdb").size(), 1U) << "the copy of this opening";
+  edit("Primo", "UPDATE articoli SET prezzo = 20000");
+  edit("Secondo", "UPDATE articoli SET peso = 3");
+  ASSERT_TRUE(session.catalogue.execute("UPDATE articoli SET prezzo = 70000"));
+  user.answers = {Answer::Yes};
+  openHistory([](QWidget& dialog, QTableWidget& steps) {
+    steps.setCurrentCell(1, 0);
+    click(dialog, "cmdTorna");
+  });
+  ASSERT_FALSE(user.shown.empty());
+  const std::string& asked = user.shown[0].text;
+  EXPECT_NE(asked.find("sarà ripristinata la copia del "), std::string::npos) << asked;
+  EXPECT_NE(asked.find("  Secondo\n"), std::string::npos) << asked;
+  EXPECT_NE(asked.find("  Primo\n"), std::string::npos) << asked;
+  EXPECT_EQ(stored("MAX(prezzo) || ' ' || COALESCE(MAX(peso = 3), 0)", "articoli"), "10000 0");
+  openHistory([](QWidget&, QTableWidget& steps) {
+    ASSERT_EQ(steps.rowCount(), 3);
+    EXPECT_TRUE(steps.item(0, 1)->text().startsWith(QStringLiteral("Ripristinata la copia del ")));
+    EXPECT_EQ(steps.item(1, 2)->text(), "perso con una copia ripristinata");
+  });
+}
+
 TEST_F(TheHistoryWindow, ANoChangesNothing) {
   fill("UPDATE articoli SET prezzo = 10000");
   openWindow();

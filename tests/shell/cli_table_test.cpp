@@ -80,6 +80,52 @@ TEST_F(TablesOnTheCommandLine, TellsWhatWouldChangeAndChangesNothingInADryRun) {
   EXPECT_EQ(priceOfFirst(), "1.5");
 }
 
+TEST_F(TablesOnTheCommandLine, AddsAndChangesByItsMode) {
+  ASSERT_TRUE(inCatalogue("UPDATE articoli SET fuoricatalogo = 0"));
+  const std::string department = rowsOf("SELECT ID FROM categorie ORDER BY ID LIMIT 1"),
+                    listed = rowsOf("SELECT COUNT(*) FROM articoli");
+  const std::string ID = department.substr(0, department.size() - 1);
+  struct Run {
+    const char* mode;
+    const char *price, *added, *out;  // of the first article, how many new ones, how many articles out of the catalogue
+  };
+  std::string own = rowsOf("SELECT catID FROM articoli WHERE codice = 'primo'");
+  own.pop_back();
+  const std::string others = std::to_string(std::stoi(listed) - 1);
+  int round = 0;
+  for (const Run& run : {Run{"change", "2.75", "0", "0"}, Run{"add", "1.5", "1", "0"}, Run{"all", "2.75", "1", "0"},
+                         Run{"sync", "2.75", "1", others.c_str()}, Run{"", "2.75", "1", "0"}}) {
+    SCOPED_TRACE(run.mode);
+    const std::string code = "nuovo" + std::to_string(++round);
+    ASSERT_TRUE(
+        inCatalogue("UPDATE articoli SET fuoricatalogo = 0; UPDATE articoli SET prezzo = 15000 WHERE codice = "
+                    "'primo'"));
+    ASSERT_TRUE(writeBytes(sheet, "Codice;Prezzo;Reparto\nprimo;2,75;" + own + "\n" + code + ";1;" + ID + "\n"));
+    std::vector<std::string> arguments{"import-table", shop, sheet};
+    if (*run.mode != '\0') arguments.insert(arguments.end(), {"--mode", run.mode});
+    EXPECT_EQ(this->run(arguments), CliOutcome::Done) << err.str();
+    EXPECT_EQ(priceOfFirst(), run.price);
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM articoli WHERE codice = '" + code + "'"), std::string(run.added) + "\n");
+    EXPECT_EQ(rowsOf("SELECT COUNT(*) FROM articoli WHERE fuoricatalogo"), std::string(run.out) + "\n");
+    ASSERT_TRUE(inCatalogue("DELETE FROM articoli WHERE codice = '" + code + "'"));
+  }
+}
+
+TEST_F(TablesOnTheCommandLine, TakesTheColumnsThatAFileNames) {
+  ASSERT_TRUE(writeBytes(sheet, "Cod;Euro;Titolo\nprimo;2,75;Altro\n"));
+  ASSERT_TRUE(writeBytes(home / "mappa.txt", "# mia\nCod=codice\nEuro=prezzo\nTitolo=\n"));
+  const std::string title = rowsOf("SELECT titolo FROM articoli WHERE codice = 'primo'");
+  EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "mappa.txt"}), CliOutcome::Done) << err.str();
+  EXPECT_EQ(priceOfFirst(), "2.75");
+  EXPECT_EQ(rowsOf("SELECT titolo FROM articoli WHERE codice = 'primo'"), title) << "a column that the file takes out";
+  ASSERT_TRUE(writeBytes(home / "mappa.txt", "Cod=codice\nEuro=nessuna\n"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "mappa.txt"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("Riga non valida in "));
+  EXPECT_THAT(err.str(), HasSubstr(": Euro=nessuna"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "manca.txt"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("manca.txt non può essere letto"));
+}
+
 TEST_F(TablesOnTheCommandLine, TellsInADryRunWhichArticlesWouldGoOutOfTheCatalogue) {
   ASSERT_TRUE(writeBytes(sheet, "Codice;Prezzo\nprimo;1,5\n"));
   ASSERT_TRUE(inCatalogue("UPDATE articoli SET titolo = 'Vaso' || ID"));
