@@ -87,6 +87,18 @@ TEST(OfficeFiles, AsTextReadAlikeInEveryEncoding) {
   EXPECT_EQ(withoutReading(big), utf8);
 }
 
+TEST(OfficeFiles, ThatAreNotThereOrCannotBeWrittenSaySo) {
+  EXPECT_EQ(officeRows("manca.xlsx"), "Il foglio \"manca.xlsx\" non esiste");
+  const TempFolder root;
+  for (const char* name : {"manca/foglio.csv", "manca/foglio.xlsx"}) {
+    const std::string path = root / name;
+    auto output = openSheetOutput(path, "Foglio");
+    const Result<> written = output ? (*output)->finish() : Result<>(fail(output.error()));
+    ASSERT_FALSE(written) << name;
+    EXPECT_TRUE(sheetWritingFailureText(written.error(), path).starts_with("Impossibile scrivere " + path + ":\n"));
+  }
+}
+
 TEST(OfficeFiles, UnderAPasswordOrOfAnEarlierFormSaySo) {
   EXPECT_EQ(officeRows("protetto.xlsx"),
             "Il foglio \"protetto.xlsx\" è protetto da una password: salvarne una copia senza");

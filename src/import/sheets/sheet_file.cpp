@@ -89,6 +89,11 @@ class XlsxOutput final : public SheetOutput {
   SheetWriter writer_;
 };
 
+/// The fault of a sheet; the number of any other failure is an errno, which may be equal to one.
+int faultOf(const Error& error) {
+  return error.kind == ErrorKind::Malformed ? error.number : static_cast<int>(NoFault);
+}
+
 std::string signName(char sign) {
   if (sign == '\0') return "nessuno";
   if (sign == '\t') return "tabulazione";
@@ -118,16 +123,17 @@ Result<ReadSheet> readSheetFile(const std::string& path, const SheetChoice& choi
 
 std::string sheetFailureText(const Error& error, const std::string& path) {
   const std::string name = "\"" + std::string(baseName(path)) + "\"";
-  if (error.number == ProtectedSheet) return "Il foglio " + name + " è protetto da una password: salvarne una copia senza";
-  if (error.number == TooLargeSheet) return "Il foglio " + name + " è troppo grande: dividerlo in più fogli";
-  if (error.number == OldSheet) {
+  const int fault = faultOf(error);
+  if (fault == ProtectedSheet) return "Il foglio " + name + " è protetto da una password: salvarne una copia senza";
+  if (fault == TooLargeSheet) return "Il foglio " + name + " è troppo grande: dividerlo in più fogli";
+  if (fault == OldSheet) {
     return "Il foglio " + name + " è protetto, o nel formato di un vecchio programma: salvarlo come XLSX, ODS o CSV";
   }
-  if (error.number == EndlessCell) {
+  if (fault == EndlessCell) {
     return "Nel foglio " + name + " il testo tra virgolette che comincia alla riga " + error.what +
            " non finisce: manca la virgoletta di chiusura";
   }
-  if (error.number == EmptySheet) return "Il foglio " + name + " è vuoto";
+  if (fault == EmptySheet) return "Il foglio " + name + " è vuoto";
   switch (error.kind) {
     case ErrorKind::Missing:
       return "Il foglio " + name + " non esiste";
@@ -141,7 +147,7 @@ std::string sheetFailureText(const Error& error, const std::string& path) {
 }
 
 std::string sheetWritingFailureText(const Error& error, const std::string& path) {
-  if (error.number == TooLargeSheet) {
+  if (faultOf(error) == TooLargeSheet) {
     return "Un file XLSX ha al più 1.048.576 righe, e 32.767 caratteri in una cella: qui c'è di più. Scegliere un file "
            "CSV";
   }
