@@ -9,8 +9,8 @@
 
 #include "captions.h"
 #include "dialog_fixture.h"
+#include "platform/qt/frm_progress.h"
 #include "store/exchange/frm_esporta.h"
-#include "store/exchange/frm_export_progress.h"
 #include "store/exchange/frm_importa_primo.h"
 
 namespace kv {
@@ -147,10 +147,10 @@ TEST_F(TheImportDialog, EscapeReturnsNothingAndChangesNothing) {
   EXPECT_EQ(stored("versione") == "250", false);
 }
 
-TEST(TheProgressOfAnExport, IsSeenAndCanBeCancelled) {
+TEST(TheProgressOfAWork, IsSeenAndCanBeCancelled) {
   test::ScriptedUser user;
   QWidget window;
-  ExportUser shown(user, &window);
+  WatchedUser shown(user, &window, {"frmEsportazione", "Korvane", "Avanzamento"});
   EXPECT_TRUE(shown.yield()) << "before it begins there is nothing to cancel";
   shown.progress({"Esportazione in corso...", 0, 1});
   auto* progress = window.findChild<QProgressDialog*>(QStringLiteral("frmEsportazione"));
@@ -158,7 +158,7 @@ TEST(TheProgressOfAnExport, IsSeenAndCanBeCancelled) {
   EXPECT_TRUE(progress->isVisible());
   EXPECT_EQ(progress->labelText(), "Esportazione in corso...");
   EXPECT_TRUE(QTest::qWaitFor([&] {
-    shown.progress({"Esportazione in corso...", 0.5, 1});
+    shown.progress({"Esportazione in corso...", 15, 30});
     return progress->value() == 500;
   }));
   EXPECT_TRUE(shown.yield());
@@ -166,7 +166,36 @@ TEST(TheProgressOfAnExport, IsSeenAndCanBeCancelled) {
   EXPECT_FALSE(shown.yield());
   shown.progress({});
   EXPECT_EQ(window.findChild<QProgressDialog*>(), nullptr);
+  EXPECT_TRUE(shown.yield()) << "the next work starts afresh";
   EXPECT_TRUE(user.shown.empty());
+}
+
+TEST(TheProgressOfAWork, MovesToAndFroWhileItsEndIsUnknown) {
+  test::ScriptedUser user;
+  QWidget window;
+  WatchedUser shown(user, &window, {});
+  shown.progress({"Lettura..."});
+  auto* progress = window.findChild<QProgressDialog*>();
+  ASSERT_NE(progress, nullptr);
+  EXPECT_EQ(progress->maximum(), 0);
+  shown.progress({"Confronto...", 1, 2});
+  EXPECT_GT(progress->maximum(), 0);
+  EXPECT_EQ(progress->labelText(), "Confronto...");
+}
+
+TEST(TheProgressOfAWork, OpensNoWindowForAShortOne) {
+  test::ScriptedUser user;
+  QWidget window;
+  constexpr int never = 1'000'000'000;
+  WatchedUser patient(user, &window, {"frmAvanzamento", "Korvane", "Avanzamento", never});
+  patient.progress({"Lettura..."});
+  EXPECT_EQ(window.findChild<QProgressDialog*>(), nullptr);
+  EXPECT_TRUE(patient.yield());
+  WatchedUser shown(user, &window, {"frmAvanzamento", "Korvane", "Avanzamento", 1});
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    shown.progress({"Lettura..."});
+    return window.findChild<QProgressDialog*>() != nullptr;
+  })) << "no window after a millisecond of work";
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ namespace {
 
 using test::click;
 using test::control;
+using test::ProgressShown;
 
 class TheSheetGuide : public test::DialogFixture {
  protected:
@@ -180,6 +181,36 @@ TEST_F(TheSheetGuide, ListsTheArticlesThatGoOutOfTheCatalogueEachWithItsBox) {
             "Articoli: 1 nuovi, 0 modificati, 0 invariati, 0 tralasciati");
 }
 
+TEST_F(TheSheetGuide, ShowsHowFarReadingAndPlanningHaveComeAndEndsThemWhenAsked) {
+  std::string rows = "Codice;Titolo\n";
+  for (int i = 0; i < 3000; ++i) rows += "N-" + std::to_string(i) + ";Vaso\n";
+  ASSERT_TRUE(writeBytes(sheet, rows));
+  frmImportaFoglio dialog(*guide, user, {});
+  show(dialog);
+  user.cancelAtYield = 1;
+  dialog.openFile(sheet);
+  EXPECT_FALSE(control<QAbstractButton>(dialog, "cmdOK")->isEnabled());
+  EXPECT_EQ(control<QTableWidget>(dialog, "grdRighe")->rowCount(), 0);
+  EXPECT_EQ(user.progressShown.front().caption, "Lettura del foglio...");
+  EXPECT_EQ(user.progressShown.back().caption, "") << "the window of the progress closes";
+  user.cancelAtYield = 0;
+  dialog.openFile(sheet);
+  click(dialog, "cmdOK");
+  user.cancelAtYield = user.yields + 2;
+  click(dialog, "cmdOK");
+  EXPECT_FALSE(guide->hasPlan());
+  EXPECT_TRUE(control<QComboBox>(dialog, "cboChiave")->isVisible()) << "the page of the columns stays";
+  EXPECT_EQ(user.progressShown.back().caption, "");
+  user.cancelAtYield = 0;
+  click(dialog, "cmdOK");
+  EXPECT_TRUE(control<QTableView>(dialog, "grdPiano")->isVisible());
+  EXPECT_EQ(control<QTableView>(dialog, "grdPiano")->model()->rowCount(), 3000);
+  const ProgressShown& last = user.progressShown[user.progressShown.size() - 2];
+  EXPECT_EQ(last.caption, "Confronto col catalogo...");
+  EXPECT_TRUE(last.position > 0.9 * last.maximum && last.position <= last.maximum);
+  EXPECT_TRUE(user.shown.empty()) << "whoever cancels knows";
+}
+
 TEST_F(TheSheetGuide, SaysWhichColumnIsMissing) {
   ASSERT_TRUE(writeBytes(sheet, "Nome;Prezzo\nTazza;1\n"));
   frmImportaFoglio dialog(*guide, user, {});
@@ -230,6 +261,80 @@ TEST_F(TheSheetsInTheWindow, AreImportedAsOneStepOfUndo) {
   EXPECT_EQ(stored("titolo", "articoli WHERE codice = 'primo'"), "Cambiato");
   ASSERT_TRUE(choose("undo"));
   EXPECT_EQ(stored("titolo", "articoli WHERE codice = 'primo'"), "Prima");
+}
+
+TEST_F(TheSheetsInTheWindow, OfTheSameHeadersKeepTheColumnsThatWereChosen) {
+  fill(
+      "UPDATE articoli SET codice = 'x' || ID;"
+      "UPDATE articoli SET codice = 'primo', titolo = 'Prima' WHERE ID = (SELECT MIN(ID) FROM articoli)");
+  openWindow();
+  const auto importAs = [this](const std::string& text, const std::string& wanted, bool choosing) {
+    ASSERT_TRUE(writeBytes(root / "foglio.csv", text));
+    whenShown(QStringLiteral("Korvane - Importa da un foglio"), [this, wanted, choosing](QWidget& shown) {
+      auto& dialog = dynamic_cast<frmImportaFoglio&>(shown);
+      dialog.openFile(root / "foglio.csv");
+      click(dialog, "cmdOK");
+      auto* box = control<QComboBox>(dialog, "cboColonna1");
+      EXPECT_EQ(fromQt(box->currentText()), wanted);
+      if (choosing) {
+        box->setCurrentIndex(box->findData(QStringLiteral("titolo")));
+        emit box->activated(box->currentIndex());
+      }
+      click(dialog, "cmdOK");
+      click(dialog, "cmdOK");
+      if (dialog.isVisible()) QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    ASSERT_TRUE(choose("import.sheet"));
+  };
+  importAs("codice;Come si chiama\nprimo;Seconda\n", "(non importare)", true);
+  EXPECT_EQ(stored("titolo", "articoli WHERE codice = 'primo'"), "Seconda");
+  importAs("codice;Come si chiama\nprimo;Terza\n", "Titolo", false);
+  EXPECT_EQ(stored("titolo", "articoli WHERE codice = 'primo'"), "Terza");
+}
+
+TEST_F(TheSheetsInTheWindow, AreExportedWithTheTickedColumnsOfTheListedArticles) {
+  fill("UPDATE articoli SET codice = 'C' || ID, titolo = 'Titolo ' || ID");
+  openWindow();
+  window->workbench().goToDepartment(stored("MIN(catID)", "articoli"));
+  processEvents();
+  const auto listed = window->articles().articles().keys();
+  ASSERT_FALSE(listed.empty());
+  whenShown(QStringLiteral("Korvane - Esporta in un foglio"), [this](QWidget& shown) {
+    auto& dialog = dynamic_cast<frmEsportaFoglio&>(shown);
+    dialog.chooseFile = [this] { return root / "elenco.csv"; };
+    click(dialog, "cmdNessuna");
+    auto* columns = control<QListWidget>(dialog, "lstColonne");
+    for (const char* name : {"Codice", "Titolo"}) {
+      columns->findItems(QString::fromUtf8(name), Qt::MatchExactly)[0]->setCheckState(Qt::Checked);
+    }
+    control<QCheckBox>(dialog, "chkElenco")->setChecked(true);
+    click(dialog, "cmdOK");
+  });
+  ASSERT_TRUE(choose("export.sheet"));
+  EXPECT_EQ(user.texts(),
+            (std::vector<std::string>{"Esportazione completata: " + std::to_string(listed.size()) + " articoli"}));
+  std::string wanted =
+      "\xEF\xBB\xBF"
+      "Codice;Titolo\r\n";
+  for (const std::int64_t ID : listed) {
+    wanted += "C" + std::to_string(ID) + ";Titolo " + std::to_string(ID) + "\r\n";
+  }
+  const auto written = readBytes(root / "elenco.csv");
+  ASSERT_TRUE(written);
+  EXPECT_EQ(*written, wanted);
+}
+
+TEST_F(TheSheetsInTheWindow, ThatCannotBeWrittenSaySo) {
+  openWindow();
+  whenShown(QStringLiteral("Korvane - Esporta in un foglio"), [this](QWidget& shown) {
+    auto& dialog = dynamic_cast<frmEsportaFoglio&>(shown);
+    dialog.chooseFile = [this] { return root / "nessuna_cartella/elenco.csv"; };
+    click(dialog, "cmdOK");
+  });
+  ASSERT_TRUE(choose("export.sheet"));
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_TRUE(user.shown[0].text.starts_with("Impossibile scrivere "));
+  EXPECT_EQ(user.shown[0].icon, Icon::Critical);
 }
 
 }  // namespace

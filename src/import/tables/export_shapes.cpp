@@ -240,21 +240,24 @@ class ShapedSheet {
 
   ColumnMapping mapping;
 
-  /// False when the cells don't fit.
-  bool fill(CellTable& to) {
+  /// Fills a table with the cells. Failures as applyExportShape.
+  Result<> fill(CellTable& to, const std::function<bool()>& goOn) {
     last_.assign(columns_.size(), {});
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-      if (!to.add(i < headers_.size() ? sheet_.cells.cell(0, i).text : columns_[i]->header)) return false;
+      if (!to.add(i < headers_.size() ? sheet_.cells.cell(0, i).text : columns_[i]->header)) return full();
     }
-    if (!to.endRow(sheet_.cells.line(0))) return false;
+    if (!to.endRow(sheet_.cells.line(0))) return full();
     for (row_.row = 1; row_.row < sheet_.cells.rows(); ++row_.row) {
+      if (goOn && row_.row % rowsPerLook == 0 && !goOn()) return fail(ErrorKind::Cancelled, "", "cancelled");
       if (shape_.isLeftOut != nullptr && shape_.isLeftOut(row_)) continue;
-      if (!fillRow(to)) return false;
+      if (!fillRow(to)) return full();
     }
-    return true;
+    return {};
   }
 
  private:
+  static constexpr std::size_t rowsPerLook = 1024;  // between two looks at the user
+  static tl::unexpected<Error> full() { return fail(ErrorKind::Malformed, "", "too many cells", TooLargeSheet); }
   void addSource(const SheetTable& table, const std::string& header) {
     const auto known = std::ranges::find(shape_.columns, header, &ShapeColumn::header);
     const bool isKnown = known != shape_.columns.end();
@@ -337,13 +340,13 @@ std::string_view exportShapeCaption(std::string_view name) {
   return shape == nullptr ? std::string_view() : shape->name.caption;
 }
 
-Result<ColumnMapping> applyExportShape(std::string_view name, const SheetTable& table, const SheetLimits& limits,
+Result<ColumnMapping> applyExportShape(std::string_view name, const SheetTable& table, const SheetChoice& choice,
                                        ReadSheet& sheet) {
   const ExportShape* const shape = shapeNamed(name);
   if (shape == nullptr) return fail(ErrorKind::Missing, std::string(name), "no such shape");
   ShapedSheet shaped(*shape, table, sheet);
-  CellTable cells(limits);
-  if (!shaped.fill(cells)) return fail(ErrorKind::Malformed, "", "too many cells", TooLargeSheet);
+  CellTable cells(choice.limits);
+  if (auto filled = shaped.fill(cells, choice.goOn); !filled) return fail(filled.error());
   sheet.cells = std::move(cells);
   return std::move(shaped.mapping);
 }

@@ -28,8 +28,8 @@ std::string_view exportShapeOf(const std::vector<std::string>& headers);
 /// Turns the cells of a sheet into those that the columns of `table` hold; columns that come of several are added at
 /// its end. The mapping that belongs to it: columns without a counterpart, numbers of the other program's rows and
 /// addresses of pictures in the net are left out. Missing when there is no shape of the name, Malformed with
-/// TooLargeSheet when the new cells are more than the limits allow.
-Result<ColumnMapping> applyExportShape(std::string_view name, const SheetTable& table, const SheetLimits& limits,
+/// TooLargeSheet when the new cells are more than the limits allow, Cancelled when choice.goOn says so.
+Result<ColumnMapping> applyExportShape(std::string_view name, const SheetTable& table, const SheetChoice& choice,
                                        ReadSheet& sheet);
 
 }  // namespace kv

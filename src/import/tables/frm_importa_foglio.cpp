@@ -176,7 +176,7 @@ QWidget* frmImportaFoglio::makePlanPage() {
     cmdAvanti_->setEnabled(guide_.canImport());
   });
   // In characters; the last column takes the rest.
-  constexpr std::array planWidths{10, 14, 38};
+  constexpr std::array planWidths{10, 18, 34};
   constexpr std::array valueWidths{20, 38};
   const int character = fontMetrics().averageCharWidth();
   for (std::size_t i = 0; i < planWidths.size(); ++i) {
@@ -207,13 +207,21 @@ void frmImportaFoglio::readAgain() {
   const int program = cboProgramma_->currentIndex();
   guide_.choice.shape = program == 1 ? "no" : fromQt(cboProgramma_->currentData().toString());
   if (guide_.path.empty()) return;
-  std::string failure;
-  {
-    const WaitCursor waiting;
-    failure = guide_.read();
-  }
+  const std::string failure = watched([this] {
+    return guide_.read([this] {
+      user_.progress({"Lettura del foglio..."});
+      return user_.yield();
+    });
+  });
   if (!failure.empty()) user_.message(failure, Icon::Exclamation);
   showFile();
+}
+
+std::string frmImportaFoglio::watched(const std::function<std::string()>& work) {
+  const WaitCursor waiting;
+  std::string failure = work();
+  user_.progress({});
+  return failure;
 }
 
 void frmImportaFoglio::showFile() {
@@ -317,12 +325,14 @@ void frmImportaFoglio::next() {
   guide_.request.key = fromQt(cboChiave_->currentData().toString());
   guide_.request.mode = static_cast<TableMode>(cboModo_->currentIndex());
   guide_.request.unlistedOut = chkFuori_->isEnabled() && chkFuori_->isChecked();
-  std::string failure;
-  {
-    const WaitCursor waiting;
-    failure = guide_.makePlan();
-  }
+  const std::string failure = watched([this] {
+    return guide_.makePlan([this](std::size_t done, std::size_t all) {
+      user_.progress({"Confronto col catalogo...", static_cast<double>(done), static_cast<double>(all)});
+      return user_.yield();
+    });
+  });
   if (!failure.empty()) return user_.message(failure, Icon::Exclamation);
+  if (!guide_.hasPlan()) return;
   goTo(PlanPage);
   showPlan();
 }

@@ -23,7 +23,7 @@ class PlanModel;
 
 class frmImportaFoglio final : public FormDialog {
  public:
-  /// guide, user: outlive the dialog.
+  /// guide, user: outlive the dialog. Reading and planning show their progress to the user, who can cancel them.
   frmImportaFoglio(TableGuide& guide, UserPort& user, HelpOpener help, QWidget* parent = nullptr);
 
   /// Asks for a file; an empty path when the user leaves it. Tests put another one in.
@@ -37,6 +37,8 @@ class frmImportaFoglio final : public FormDialog {
   QWidget* makePlanPage();
   QComboBox* choiceOf(const char* name, const QStringList& captions);
   void readAgain();
+  /// Runs a work that shows its progress, which ends with it. The work's text.
+  std::string watched(const std::function<std::string()>& work);
   void showFile();
   void showColumns();
   void showPlan();

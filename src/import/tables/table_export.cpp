@@ -62,13 +62,14 @@ std::string selectionOf(const SheetTable& table, const std::vector<const TableCo
 }
 
 /// Writes the headers and the wanted rows; how many of these.
-Result<std::size_t> writeTableRows(Statement& rows, TableRows& cells, SheetOutput& output, const TableExport& what) {
+Result<std::size_t> writeTableRows(Statement& rows, std::size_t all, TableRows& cells, SheetOutput& output,
+                                   const TableExport& what) {
   if (auto done = output.row(cells.headers(what.ownNames)); !done) return fail(done.error());
   const std::unordered_set<std::int64_t> only(what.only.begin(), what.only.end());
   std::size_t written = 0;
   const auto done = forEachRow(rows, [&](const Statement& row) -> Result<> {
     if (what.isFiltered && !only.contains(row.integer(0))) return {};
-    if (what.goOn && written % rowsPerCheck == 0 && !what.goOn(written)) {
+    if (what.goOn && written % rowsPerCheck == 0 && !what.goOn(written, all)) {
       return fail(ErrorKind::Cancelled, "", "cancelled");
     }
     ++written;
@@ -76,6 +77,14 @@ Result<std::size_t> writeTableRows(Statement& rows, TableRows& cells, SheetOutpu
   });
   if (!done) return fail(done.error());
   return written;
+}
+
+/// How many rows an export would write, for whoever watches it.
+Result<std::size_t> rowsToWrite(Database& catalogue, const SheetTable& table, const TableExport& what) {
+  if (what.isFiltered || !what.goOn) return what.only.size();
+  const auto count = catalogue.scalar("SELECT COUNT(*) FROM " + table.from);
+  if (!count) return fail(count.error());
+  return static_cast<std::size_t>(asInteger(*count));
 }
 
 }  // namespace
@@ -86,12 +95,14 @@ Result<std::size_t> exportTable(Database& catalogue, const SheetTable& table, co
   if (!columns) return fail(columns.error());
   const auto names = CatalogueNames::read(catalogue);
   if (!names) return fail(names.error());
+  const auto all = rowsToWrite(catalogue, table, what);
+  if (!all) return fail(all.error());
   auto rows = catalogue.prepare(selectionOf(table, *columns));
   if (!rows) return fail(rows.error());
   auto output = openSheetOutput(path, table.caption, what.form);
   if (!output) return fail(output.error());
   TableRows cells(*columns, *names);
-  auto written = writeTableRows(*rows, cells, **output, what);
+  auto written = writeTableRows(*rows, *all, cells, **output, what);
   if (!written) return fail(written.error());
   if (auto done = (*output)->finish(); !done) return fail(done.error());
   return *written;

@@ -38,10 +38,13 @@ TableGuide::TableGuide(Session& session, const Settings& settings, std::string d
   request.shopFolder = session.ShopFolder;
 }
 
-std::string TableGuide::read() {
+std::string TableGuide::read(const std::function<bool()>& goOn) {
   open_.reset();
   plan_.reset();
-  auto opened = openTableSheet(session_, settings_, path, tableName, choice);
+  SheetChoice watched = choice;
+  watched.goOn = goOn;
+  auto opened = openTableSheet(session_, settings_, path, tableName, watched);
+  if (!opened && opened.error().kind == ErrorKind::Cancelled) return {};
   if (!opened) return sheetFailureText(opened.error(), path);
   open_ = std::move(*opened);
   request.mapping = open_->mapping;
@@ -117,6 +120,7 @@ std::string TableGuide::makePlan(const TableStep& step) {
   plan_.reset();
   if (!open_) return "Scegliere il foglio da importare";
   auto plan = planTable(session_.catalogue, open_->table, open_->sheet, request, step);
+  if (!plan && plan.error().kind == ErrorKind::Cancelled) return {};
   if (!plan) return plan.error().what;
   plan_ = std::move(*plan);
   return {};

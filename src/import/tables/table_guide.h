@@ -2,6 +2,7 @@
 // The guide of an import (frmImportaFoglio) without its window: a file and how it is read, which column is which, and
 // what would happen. Nothing is written before the end.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,8 +39,9 @@ class TableGuide {
   std::string path;
   std::string tableName = "articoli";
   SheetChoice choice;
-  /// Reads the file again; an empty text, or why it can't be read.
-  std::string read();
+  /// Reads the file again; an empty text, or why it can't be read. goOn: asked now and then; false ends the reading,
+  /// and nothing is read then.
+  std::string read(const std::function<bool()>& goOn = {});
   bool isRead() const { return open_.has_value(); }
   /// What was read, and how; isRead() holds.
   const OpenSheet& sheet() const { return *open_; }
@@ -62,8 +64,9 @@ class TableGuide {
   std::string usualKey() const;
 
   // The third page: what would happen.
-  /// Makes the plan; an empty text, or why there is none.
+  /// Makes the plan; an empty text, or why there is none. step: false ends the work, and there is no plan then.
   std::string makePlan(const TableStep& step = {});
+  bool hasPlan() const { return plan_.has_value(); }
   TablePlan& plan() { return *plan_; }
   /// Indexes of the rows that a filter shows: those of the plan, and after them the articles that aren't listed.
   std::vector<std::size_t> rowsOf(RowFilter filter) const;

@@ -1,5 +1,7 @@
 #include "import/tables/table_import.h"
 
+#include <algorithm>
+
 #include "import/tables/cell_reading.h"
 #include "import/tables/export_shapes.h"
 #include "import/tables/shown_plan.h"
@@ -10,10 +12,19 @@ namespace {
 
 constexpr std::string_view writingRows = "Importazione del foglio...";
 constexpr std::string_view notImported = "Non è stato possibile importare il foglio";
-constexpr std::size_t rowsPerTurn = 64;  // between two looks at the user
+
+/// How many rows are written between two looks at the user. A picture that is taken over may take seconds.
+std::size_t rowsPerTurnOf(const TablePlan& plan) {
+  constexpr std::size_t usual = 64;
+  const auto isPicture = [&](const MappedColumn& mapped) {
+    return plan.table.columns[mapped.column].field == CellField::Picture;
+  };
+  return std::ranges::any_of(plan.columns, isPicture) ? 1 : usual;
+}
 
 /// Writes the rows of a plan; Cancelled when the user ends it.
 Result<> writePlanned(Environment& env, TableWriter& writer, const TablePlan& plan) {
+  const std::size_t rowsPerTurn = rowsPerTurnOf(plan);
   for (std::size_t i = 0; i < plan.rows.size(); ++i) {
     if (i % rowsPerTurn == 0) {
       env.user.progress({writingRows, static_cast<double>(i), static_cast<double>(plan.rows.size())});
@@ -45,7 +56,7 @@ Result<> findColumns(OpenSheet& open, const Settings& settings, const SheetChoic
   const bool isArticles = open.table.name == "articoli" && choice.shape != "no";
   const std::string asked = choice.shape.empty() ? std::string(exportShapeOf(open.sheet.headers())) : choice.shape;
   if (isArticles && !asked.empty()) {
-    auto mapping = applyExportShape(asked, open.table, choice.limits, open.sheet);
+    auto mapping = applyExportShape(asked, open.table, choice, open.sheet);
     if (!mapping) return fail(mapping.error());
     byShape = std::move(*mapping);
     open.shape = exportShapeCaption(asked);

@@ -13,15 +13,21 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t rowsPerLook = 1024;  // between two looks at the user
+constexpr std::size_t rowsPerLook = 256;  // between two looks at the user
 
 /// The making of a plan.
 class TablePlanner {
  public:
-  TablePlanner(Database& catalogue, TablePlan& plan, const ReadSheet& sheet, const TableRequest& request)
-      : catalogue_(catalogue), plan_(plan), sheet_(sheet), request_(request), reader_(plan.signs, plan.names) {}
+  TablePlanner(Database& catalogue, TablePlan& plan, const ReadSheet& sheet, const TableRequest& request,
+               const TableStep& step)
+      : catalogue_(catalogue),
+        plan_(plan),
+        sheet_(sheet),
+        request_(request),
+        step_(step),
+        reader_(plan.signs, plan.names) {}
 
-  Result<> run(const TableKey& key, const TableStep& step) {
+  Result<> run(const TableKey& key) {
     for (const std::string& name : key.columns) {
       const std::size_t column = *plan_.table.columnIndex(name);
       keys_.push_back({column, *sourceOf(request_.mapping, column)});
@@ -29,15 +35,25 @@ class TablePlanner {
     isByID_ = key.name == "id";
     plan_.rows.reserve(sheet_.cells.rows());
     byKey_.reserve(sheet_.cells.rows());
-    for (std::size_t row = 1; row < sheet_.cells.rows(); ++row) addRow(row);
-    if (auto matched = matchRows(step); !matched) return matched;
+    for (std::size_t row = 1; row < sheet_.cells.rows(); ++row) {
+      if (!goesOn(row)) return cancelled();
+      addRow(row);
+    }
+    if (auto matched = matchRows(); !matched) return matched;
+    std::size_t planned = 2 * sheet_.cells.rows();
     for (PlannedRow& row : plan_.rows) {
+      if (!goesOn(++planned)) return cancelled();
       if (row.fate == RowFate::New) planNew(row);
     }
     return {};
   }
 
  private:
+  static tl::unexpected<Error> cancelled() { return fail(ErrorKind::Cancelled, "", "cancelled"); }
+  /// Looks at the user now and then. The three runs over the rows have come as far, counted in rows of the sheet.
+  bool goesOn(std::size_t done) const {
+    return !step_ || done % rowsPerLook != 0 || step_(done, 3 * sheet_.cells.rows());
+  }
   const TableColumn& columnAt(const MappedColumn& mapped) const { return plan_.table.columns[mapped.column]; }
   SheetCell cellOf(const PlannedRow& row, const MappedColumn& mapped) const {
     return sheet_.cells.cell(row.row, mapped.source);
@@ -70,15 +86,16 @@ class TablePlanner {
   }
 
   /// Reads the catalogue once, and settles the rows that it has.
-  Result<> matchRows(const TableStep& step) {
+  Result<> matchRows() {
     auto rows = catalogue_.prepare(selection());
     if (!rows) return fail(rows.error());
-    std::size_t count = 0;
-    for (;;) {
+    // The catalogue may have more rows than the sheet.
+    const std::size_t most = sheet_.cells.rows();
+    for (std::size_t count = 1;; ++count) {
       const auto row = rows->step();
       if (!row) return fail(row.error());
-      if (!*row) break;
-      if (step && ++count % rowsPerLook == 0 && !step(count, 0)) return fail(ErrorKind::Cancelled, "", "cancelled");
+      if (!*row) return {};
+      if (count % rowsPerLook == 0 && step_ && !step_(most + std::min(count, most), 3 * most)) return cancelled();
       const std::string key = keyOf(*rows);
       if (key.empty()) continue;
       if (const auto found = byKey_.find(key); found != byKey_.end()) {
@@ -87,7 +104,6 @@ class TablePlanner {
         plan_.unlisted.push_back({rows->integer(0)});
       }
     }
-    return {};
   }
   /// The key of a row of the catalogue; empty where a part of it is missing, so that no sheet can name the row.
   std::string keyOf(const Statement& row) {
@@ -209,6 +225,7 @@ class TablePlanner {
   TablePlan& plan_;
   const ReadSheet& sheet_;
   const TableRequest& request_;
+  const TableStep& step_;
   CellReader reader_;
   std::vector<MappedColumn> keys_;
   bool isByID_ = false;
@@ -303,7 +320,7 @@ Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadShe
     if (request.mapping[source]) plan.columns.push_back({*request.mapping[source], source});
   }
   plan.table = std::move(table);
-  if (auto run = TablePlanner(catalogue, plan, sheet, request).run(used, step); !run) return fail(run.error());
+  if (auto run = TablePlanner(catalogue, plan, sheet, request, step).run(used); !run) return fail(run.error());
   return plan;
 }
 

@@ -91,8 +91,8 @@ struct TablePlan {
   void choose(const ReadSheet& sheet, std::size_t row, bool isChosen);
 };
 
-/// Asked now and then; false ends the work as Cancelled.
-using TableStep = std::function<bool(std::size_t row, std::size_t count)>;
+/// Asked now and then with how far a work has come; false ends it as Cancelled.
+using TableStep = std::function<bool(std::size_t done, std::size_t all)>;
 
 /// The signs of numbers that the texts of the mapped columns have, where none are given.
 CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,

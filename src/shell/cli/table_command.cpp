@@ -31,6 +31,11 @@ CliOutcome tableRefused(Environment& env, const std::string& text, CliOutcome ou
   return outcome;
 }
 
+/// Tells why nothing can be imported; a user who ended it knows.
+CliOutcome notRead(Environment& env, const Error& error, const std::string& text) {
+  return error.kind == ErrorKind::Cancelled ? CliOutcome::Failed : tableRefused(env, text);
+}
+
 CliOutcome wrongValue(Environment& env, const std::string& option, const std::string& value) {
   return tableRefused(env, "valore non ammesso per " + option + ": " + value, CliOutcome::WrongUsage);
 }
@@ -113,8 +118,9 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   SheetChoice choice;
   choice.shape = line.option("--shape");
   if (!isShapeChoice(choice.shape)) return wrongValue(env, "--shape", choice.shape);
+  choice.goOn = [&env] { return env.user.yield(); };
   auto sheet = openTableSheet(open.session, env.settings, path, tableName(line), choice);
-  if (!sheet) return tableRefused(env, sheetFailureText(sheet.error(), path));
+  if (!sheet) return notRead(env, sheet.error(), sheetFailureText(sheet.error(), path));
   if (!request->key.empty() && sheet->table.key(request->key) == nullptr) {
     return wrongValue(env, "--key", request->key);
   }
@@ -123,8 +129,9 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   request->shopFolder = open.session.ShopFolder;
   request->sheetFolder = folderOf(path);
   request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
-  auto plan = planTable(open.session.catalogue, sheet->table, sheet->sheet, *request);
-  if (!plan) return tableRefused(env, plan.error().what);
+  auto plan = planTable(open.session.catalogue, sheet->table, sheet->sheet, *request,
+                        [&env](std::size_t, std::size_t) { return env.user.yield(); });
+  if (!plan) return notRead(env, plan.error(), plan.error().what);
   return previewOrImport(open, line, env, {*request, *sheet, *plan}, out);
 }
 
@@ -155,7 +162,7 @@ CliOutcome exportTableOf(const std::string& shop, const CommandLine& line, Envir
   if (!table) return tableRefused(env, table.error().what);
   TableExport what;
   what.columns = columnNames(line.option("--columns"));
-  what.goOn = [&](std::size_t) { return env.user.yield(); };
+  what.goOn = [&](std::size_t, std::size_t) { return env.user.yield(); };
   const std::string path = absolutePath(line.object);
   const auto written = exportTable(open.session.catalogue, *table, path, what);
   if (written) {

@@ -11,6 +11,7 @@
 #include "media/choice/frm_immagine.h"
 #include "media/purge/frm_pulisci_immagini.h"
 #include "platform/files/files.h"
+#include "platform/qt/frm_progress.h"
 #include "platform/qt/frm_screen.h"
 #include "shell/dialogs/frm_about.h"
 #include "shell/dialogs/frm_avviso.h"
@@ -30,9 +31,9 @@
 #include "shell/window/frm_intro.h"
 #include "shell/workbench/fields/editor_table.h"
 #include "store/catalogue/used_pictures.h"
+#include "store/exchange/export_options.h"
 #include "store/exchange/export_shop.h"
 #include "store/exchange/frm_esporta.h"
-#include "store/exchange/frm_export_progress.h"
 #include "store/exchange/frm_importa_primo.h"
 #include "store/shop/backup_copies.h"
 #include "tags/custom/frm_tags.h"
@@ -84,7 +85,7 @@ void wireExchange(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
       frmEsporta dialog(offer, &window);
       return run(dialog);
     };
-    ExportUser user(env.user, &window);
+    WatchedUser user(env.user, &window, {"frmEsportazione", exportTitle, "Avanzamento dell'esportazione"});
     Environment watched{user, env.settings, env.clock, env.random, env.applicationFolder, env.hooks};
     return EsportaNegozio(session, watched, options) == ExportOutcome::Done;
   };

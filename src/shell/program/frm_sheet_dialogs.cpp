@@ -3,17 +3,23 @@
 #include "import/tables/frm_esporta_foglio.h"
 #include "import/tables/frm_importa_foglio.h"
 #include "import/tables/table_export.h"
+#include "platform/qt/frm_progress.h"
 #include "store/shop/session_facts.h"
 
 namespace kv {
 namespace {
+
+constexpr int patienceMs = 400;  // a shorter work opens no window
 
 HelpOpener sheetHelp(frmMain& window) {
   return [&window](std::string_view page) { window.workbench().openHelp(page); };
 }
 
 /// The guide, then the import; false when it was left or nothing was written.
-bool importFromSheet(frmMain& window, Session& session, Environment& env) {
+bool importFromSheet(frmMain& window, Session& session, Environment& own) {
+  WatchedUser user(own.user, &window,
+                   {"frmAvanzamento", "Korvane - Importa da un foglio", "Avanzamento dell'importazione", patienceMs});
+  Environment env{user, own.settings, own.clock, own.random, own.applicationFolder, own.hooks};
   CatalogueSets& sets = window.workbench().sets();
   std::string model;
   if (sets.onDepartment()) model = asText(sets.dataCategorie().get("template"));
@@ -34,6 +40,8 @@ bool importFromSheet(frmMain& window, Session& session, Environment& env) {
 
 /// Writes what the dialog says; false when it was left or nothing was written.
 bool exportToSheet(frmMain& window, Session& session, Environment& env) {
+  WatchedUser user(env.user, &window,
+                   {"frmAvanzamento", "Korvane - Esporta in un foglio", "Avanzamento dell'esportazione", patienceMs});
   const auto tables = sheetTables(session.catalogue, session.languageCount);
   if (!tables) return false;
   const std::vector<std::int64_t> listed = window.articles().articles().keys();
@@ -48,8 +56,14 @@ bool exportToSheet(frmMain& window, Session& session, Environment& env) {
   what.columns = choice.columns;
   what.isFiltered = choice.onlyListed;
   if (choice.onlyListed) what.only = listed;
+  what.goOn = [&user](std::size_t done, std::size_t all) {
+    user.progress({"Esportazione nel foglio...", static_cast<double>(done), static_cast<double>(all)});
+    return user.yield();
+  };
   const SheetTable& table = (*tables)[choice.table];
   const auto written = exportTable(session.catalogue, table, choice.path, what);
+  user.progress({});
+  if (!written && written.error().kind == ErrorKind::Cancelled) return false;
   if (!written) {
     env.user.message(sheetWritingFailureText(written.error(), choice.path), Icon::Critical);
     return false;
