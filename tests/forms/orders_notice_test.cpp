@@ -2,8 +2,8 @@
 #include <QToolButton>
 
 #include "forms/wired_window.h"
-#include "publish/orders/order_desk.h"
-#include "publish/orders/order_key.h"
+#include "publish/orders/desk/order_desk.h"
+#include "publish/orders/wire/order_key.h"
 #include "shell/program/frm_orders_dialogs.h"
 #include "support/order_host.h"
 
