@@ -16,12 +16,8 @@ inline unsigned numberFromEnvironment(const char* name, unsigned usual) {
 inline unsigned seed() { return numberFromEnvironment("KORVANE_TEST_SEED", 1); }
 /// How many seeds are tried, from seed() on: `usual`, or KORVANE_TEST_SEEDS.
 inline unsigned seeds(unsigned usual) { return numberFromEnvironment("KORVANE_TEST_SEEDS", usual); }
-/// How many operations a series has: KORVANE_TEST_OPERATIONS, or `usual`; two fifths of it in instrumented code, which
-/// takes three times as long.
+/// How many operations a series has: KORVANE_TEST_OPERATIONS, or `usual`.
 inline int operationsOf(int usual) {
-#ifdef __SANITIZE_ADDRESS__
-  usual = usual * 2 / 5;
-#endif
   return static_cast<int>(numberFromEnvironment("KORVANE_TEST_OPERATIONS", static_cast<unsigned>(usual)));
 }
 

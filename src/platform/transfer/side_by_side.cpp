@@ -13,7 +13,16 @@
 
 #include "platform/transfer/patience.h"
 
+// GCC defines a macro under the address sanitizer, clang has a feature.
 #if defined(__SANITIZE_ADDRESS__)
+#define KORVANE_WATCHED_STACKS
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KORVANE_WATCHED_STACKS
+#endif
+#endif
+
+#ifdef KORVANE_WATCHED_STACKS
 #include <sanitizer/common_interface_defs.h>
 #endif
 
@@ -50,13 +59,13 @@ class LaneStack {
 // The address sanitizer has to be told where the stack is to which the program changes; other builds need nothing.
 void beforeStackChange([[maybe_unused]] void** kept, [[maybe_unused]] const void* bottom,
                        [[maybe_unused]] std::size_t size) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef KORVANE_WATCHED_STACKS
   __sanitizer_start_switch_fiber(kept, bottom, size);
 #endif
 }
 void afterStackChange([[maybe_unused]] void* kept, [[maybe_unused]] const void** bottom,
                       [[maybe_unused]] std::size_t* size) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef KORVANE_WATCHED_STACKS
   __sanitizer_finish_switch_fiber(kept, bottom, size);
 #endif
 }
