@@ -11,7 +11,7 @@
 namespace kv {
 
 /// How an export writes and whom it asks. References outlive it.
-struct ExportRun {
+struct SqlRun {
   const SqlStyle& style;
   UserPort& user;
 };

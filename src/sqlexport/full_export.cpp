@@ -26,7 +26,7 @@ Result<> writeDropFile(OutputFile& out, const std::vector<TableInfo>& tables, co
 }
 
 Result<std::int64_t> writeLoadFile(OutputFile& out, Database& database, const std::vector<TableInfo>& tables,
-                                   const DatabaseExport& job, const ExportRun& run) {
+                                   const DatabaseExport& job, const SqlRun& run) {
   const SqlStyle& style = run.style;
   ExportWarnings warnings;
   std::int64_t rows = 0;
@@ -44,7 +44,7 @@ Result<std::int64_t> writeLoadFile(OutputFile& out, Database& database, const st
   return rows;
 }
 
-Result<std::int64_t> exportDatabase(const DatabaseExport& job, const ExportRun& run) {
+Result<std::int64_t> exportDatabase(const DatabaseExport& job, const SqlRun& run) {
   auto database = Database::open(job.databasePath, OpenMode::ReadOnly);
   if (!database) return fail(database.error());
   database->askWhileRunning([&run] { return run.user.yield(); });

@@ -58,7 +58,7 @@ Result<> writeDeleteFile(OutputFile& out, Database& database, const std::vector<
 }
 
 Result<std::int64_t> writeInsertFile(OutputFile& out, Database& database, const std::vector<TableInfo>& tables,
-                                     const DatabaseExport& job, const ExportRun& run) {
+                                     const DatabaseExport& job, const SqlRun& run) {
   const SqlStyle& style = run.style;
   ExportWarnings warnings;
   std::int64_t rows = 0;
@@ -75,7 +75,7 @@ Result<std::int64_t> writeInsertFile(OutputFile& out, Database& database, const 
   return rows;
 }
 
-Result<std::int64_t> exportDifference(const DatabaseExport& job, const ExportRun& run) {
+Result<std::int64_t> exportDifference(const DatabaseExport& job, const SqlRun& run) {
   auto database = Database::open(job.databasePath, OpenMode::ReadOnly);
   if (!database) return fail(database.error());
   database->askWhileRunning([&run] { return run.user.yield(); });

@@ -124,7 +124,7 @@ TEST_F(AForgivingRun, CanBeLeftWhileItReadsWhatItCompares) {
     user.cancelAtYield = ++cancelAt;
     left = publish();
     EXPECT_EQ(sent(), Names{}) << cancelAt;
-    if (left == PublishOutcome::Cancelled) EXPECT_EQ(user.yields, cancelAt);
+    EXPECT_TRUE(left == PublishOutcome::Done || user.yields == cancelAt) << cancelAt;
   }
   EXPECT_GT(cancelAt, 5) << "once a MiB at least";
   EXPECT_TRUE(user.shown.empty()) << user.texts().front();

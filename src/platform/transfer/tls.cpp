@@ -110,7 +110,7 @@ BIO* socketBio(int descriptor) {
 
 /// By a copy too: the library resumes a session of TLS 1.3 once, and a server that offers no other one with its data
 /// connections may want each of them to resume that of the control connection.
-void resume(SSL* ssl, SSL_SESSION& session) {
+void resumeSession(SSL* ssl, SSL_SESSION& session) {
   const std::unique_ptr<SSL_SESSION, decltype(&SSL_SESSION_free)> copy(SSL_SESSION_dup(&session), &SSL_SESSION_free);
   SSL_set_session(ssl, copy.get());
 }
@@ -186,7 +186,7 @@ Result<std::unique_ptr<TlsLine>> Tls::open(int descriptor, const TlsPeer& peer, 
   SSL_set_bio(line->get(), bio, bio);
   nameHost(line->get(), peer.host);
   if (peer.first == nullptr) session_.reset();
-  if (session_) resume(line->get(), *session_);
+  if (session_) resumeSession(line->get(), *session_);
   if (!newest_) SSL_set_max_proto_version(line->get(), TLS1_2_VERSION);
   if (auto shaken = shakeHands(line->get(), descriptor, patience); !shaken) return fail(shaken.error());
   if (auto verified = verify(*line, peer); !verified) return fail(verified.error());
