@@ -2,14 +2,15 @@
 """A merchant's first day, by real keys and clicks: from an empty home to twenty articles with prices in two languages,
 built, and seen in a browser.
 
-    tests/e2e/first_day.py PROGRAMS [--size WIDTHxHEIGHT] [--dark] [--wm PROGRAM] [--shots FOLDER]
+    tests/e2e/first_day.py PROGRAMS [--size WIDTHxHEIGHT] [--dark] [--wm PROGRAM] [--scale FACTOR] [--shots FOLDER]
     tests/e2e/first_day.py PROGRAMS --all
 
 Starts `korvane` of the folder PROGRAMS on a virtual screen with a window manager, a session bus and a home of its own
 in which there is nothing. What is pressed is pressed by xdotool, where the eye would look; nothing is known of the
 shop but what shows. At the end chromium reads the twenty titles and prices on the shop's pages in both languages.
---wm: the window manager, openbox if none is named. --shots: leaves pictures of the screen on the way. --all: each
-size, palette and window manager in turn, openbox instead of one that isn't installed. Prints how many keys and clicks
+--wm: the window manager, openbox if none is named. --scale: of what the program shows, 1.25 for 125 %. --shots:
+leaves pictures of the screen on the way. --all: each size, palette, scale and window manager in turn, openbox instead
+of one that isn't installed. Prints how many keys and clicks
 it took, besides the characters of codes, titles and prices; ends with 1 when something isn't as it should be.
 """
 import argparse
@@ -38,8 +39,10 @@ BUTTONS = ("push button", "toggle button", "push button menu")
 END_SECONDS = 60
 HOST_SECONDS = 180
 SHOT_SECONDS = 0.4
-WALKS = [("1280x800", False, "openbox"), ("1366x768", True, "xfwm4"), ("1366x768", False, "metacity"),
-         ("1920x1080", False, "kwin_x11"), ("1920x1080", True, "openbox")]
+BROWSER_SECONDS = 120
+WALKS = [("1280x800", False, "openbox", 1), ("1366x768", True, "xfwm4", 1), ("1366x768", False, "metacity", 1),
+         ("1920x1080", False, "kwin_x11", 1), ("1920x1080", True, "openbox", 1), ("1920x1080", False, "openbox", 1.25),
+         ("1366x768", True, "openbox", 1.25)]
 
 # Stands for the program by which a desktop opens addresses.
 OPENER = """#!/bin/sh
@@ -58,7 +61,7 @@ class Desk(Screen):
 
     def __init__(self, programs, walk):
         super().__init__(programs)
-        self.size, self.is_dark, manager = walk
+        self.size, self.is_dark, manager, self.scale = walk
         self.manager = manager if shutil.which(manager) else "openbox"
 
     def shop_made(self):
@@ -74,6 +77,8 @@ class Desk(Screen):
         self.own["PATH"] = f"{opener.parent}:{os.environ['PATH']}"
         # Prices are typed as in Italy, also where its locale is not installed.
         self.own["LC_NUMERIC"] = "it_IT.UTF-8"
+        if self.scale != 1:
+            self.own["QT_SCALE_FACTOR"] = str(self.scale)
         if self.is_dark:
             settings = self.home / "config" / "korvane" / "korvane.ini"
             settings.parent.mkdir(parents=True)
@@ -94,6 +99,7 @@ class Hand:
 
     def __init__(self, desk, reader, shots):
         self.desk, self.reader, self.shots = desk, reader, shots
+        reader.scale = desk.scale
         self.actions = self.characters = self.pictures = 0
         self.node, self.focus = None, ""
         self.program = reader.wait(reader.program)
@@ -110,7 +116,7 @@ class Hand:
             time.sleep(SHOT_SECONDS)  # what has just been asked for is painted
             self.pictures += 1
             picture = self.shots / f"{self.pictures:02}-{name}.png"
-            subprocess.run(["import", "-window", "root", picture], check=True)
+            subprocess.run(["import", "-window", "root", picture], check=True, timeout=END_SECONDS)
 
     def wait(self, condition, seconds=END_SECONDS):
         """The first true value of condition(), or None. What it looks at may go meanwhile: then it looks again."""
@@ -148,13 +154,13 @@ class Hand:
 
     def press(self, *keys):
         self.actions += len(keys)
-        subprocess.run(["xdotool", "key", "--delay", "8", *keys], check=True)
+        self.reader.run("key", "--delay", "8", *keys)
 
     def type(self, name, text):
         """Types a text over that of the field `name`, once that has the focus, and sees that it is there."""
         self.focus_comes_to(name)
         self.characters += len(text)
-        subprocess.run(["xdotool", "type", "--delay", "4", text], check=True)
+        self.reader.run("type", "--delay", "4", text)
         # A key that is a shortcut would overtake keys that the reader of the screen still listens to.
         self.text_comes(self.node, text)
 
@@ -190,12 +196,33 @@ class Hand:
                 yield from self.everything(child)
 
 
+def check_frames(hand):
+    """The guide and the main window, frames included, come to be whole on the screen, neither over the other."""
+    width, height = (int(side) for side in hand.desk.size.split("x"))
+
+    def frames():
+        return [hand.reader.frame(window) for window in hand.reader.windows(hand.program)
+                if window.get_name().startswith(("Korvane - Per iniziare", TITLE))]
+
+    def fits():
+        found = frames()
+        if len(found) < 2 or None in found:
+            return False
+        one, other = sorted(found)
+        inside = all(left >= 0 and top >= 0 and right <= width and bottom <= height
+                     for left, top, right, bottom in found)
+        return inside and (one[2] <= other[0] or min(one[3], other[3]) <= max(one[1], other[1]))
+    if not hand.wait(fits):
+        hand.fail(f"the guide and the window are at {frames()} on {hand.desk.size}")
+
+
 def make_shop(hand):
     """The welcome proposes an empty shop; the guide is looked at and closed."""
     hand.window("Korvane - Benvenuto")
     hand.shoot("welcome")
     hand.press("Return")
     hand.window("Korvane - Per iniziare")
+    check_frames(hand)
     hand.shoot("guide")
     hand.press("Escape")
     hand.window(TITLE)
@@ -277,8 +304,11 @@ class Browser:
                  f"--user-data-dir={self.desk.home / 'browser'}", f"--window-size={self.desk.size.replace('x', ',')}"]
         if os.getuid() == 0:
             flags.append("--no-sandbox")
-        return subprocess.run(["chromium", *flags, *words, address], env=self.desk.own, check=True, text=True,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+        try:
+            return subprocess.run(["chromium", *flags, *words, address], env=self.desk.own, check=True, text=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=BROWSER_SECONDS).stdout
+        except subprocess.TimeoutExpired:
+            sys.exit(f"the browser does not show {address}")
 
     def page(self, address, picture=None):
         """What a page is once its scripts have run."""
@@ -322,7 +352,7 @@ def walk(programs, how, shots):
         if status != 0:
             sys.exit(f"the program ends with status {status}:\n" + (desk.home / "log").read_text(encoding="utf-8"))
         palette = "dark" if desk.is_dark else "light"
-        print(f"{desk.size} {palette} {desk.manager}: {hand.actions} keys and clicks besides "
+        print(f"{desk.size} {palette} {desk.manager} {desk.scale:.0%}: {hand.actions} keys and clicks besides "
               f"{hand.characters} characters", flush=True)
         if hand.actions > MOST_KEYS_AND_CLICKS:
             sys.exit(f"more than {MOST_KEYS_AND_CLICKS} keys and clicks")
@@ -334,11 +364,13 @@ def main():
     words.add_argument("--size", default="1366x768")
     words.add_argument("--dark", action="store_true")
     words.add_argument("--wm", default="openbox")
+    words.add_argument("--scale", type=float, default=1)
     words.add_argument("--shots", type=pathlib.Path)
     words.add_argument("--all", action="store_true")
     given = words.parse_args()
-    for how in WALKS if given.all else [(given.size, given.dark, given.wm)]:
-        shots = given.shots / f"{how[0]}-{'dark' if how[1] else 'light'}-{how[2]}" if given.shots else None
+    for how in WALKS if given.all else [(given.size, given.dark, given.wm, given.scale)]:
+        name = f"{how[0]}-{'dark' if how[1] else 'light'}-{how[2]}-{how[3]:.0%}".rstrip("%")
+        shots = given.shots / name if given.shots else None
         if shots:
             shots.mkdir(parents=True, exist_ok=True)
         walk(given.programs, how, shots)

@@ -9,6 +9,7 @@ SHORT_MILLISECONDS = 400
 LONG_MILLISECONDS = 20000
 MOST_OF_A_CELL = 4  # stops of Tab for each cell that shows: a grid has more rows than are seen
 TAB_KEY, ESCAPE_KEY = "Tab", "Escape"
+XDOTOOL_SECONDS = 60  # for what it was asked; a window that is gone never takes the focus it waits for
 
 EDITORS = {"text", "password text", "spin button", "combo box", "entry"}
 NAMED = {"push button", "toggle button", "check box", "radio button", "menu item", "check menu item", "radio menu item",
@@ -20,8 +21,19 @@ PARTS = {"page tab", "menu item", "check menu item", "radio menu item", "table c
 WHOLES = {"combo box", "spin button", "page tab list", "menu bar"}
 
 
+def xdotool(*words):
+    """Runs xdotool; False when it doesn't end, or not well."""
+    try:
+        return subprocess.run(["xdotool", *words], check=False, stderr=subprocess.DEVNULL,
+                              timeout=XDOTOOL_SECONDS).returncode == 0
+    except subprocess.TimeoutExpired:
+        return False
+
+
 class Reader:
-    """What a screen reader knows of the program."""
+    """What a screen reader knows of the program. `scale`: the pixels of the screen for each of the program's."""
+
+    scale = 1
 
     def __init__(self):
         import gi  # pylint: disable=import-outside-toplevel
@@ -114,19 +126,26 @@ class Reader:
             strip.get_role_name() == "page tab list" for strip in strips)
 
     def press(self, key):
-        subprocess.run(["xdotool", "key", key], check=True)
+        self.run("key", key)
+
+    def run(self, *words):
+        """Runs xdotool, which must end well."""
+        if not xdotool(*words):
+            raise SystemExit(f"xdotool {' '.join(words)} does not end well")
 
     def click(self, node):
         """Clicks into the middle of a node."""
         box = self.spi.Component.get_extents(node, self.spi.CoordType.SCREEN)
-        middle = [str(box.x + box.width // 2), str(box.y + box.height // 2)]
-        subprocess.run(["xdotool", "mousemove", "--sync", *middle, "click", "1"], check=True)
+        middle = [str(round((box.x + box.width / 2) * self.scale)), str(round((box.y + box.height / 2) * self.scale))]
+        # Without --sync, which waits for a move that doesn't come where the pointer is held at an edge: the server
+        # does one after the other anyway.
+        self.run("mousemove", *middle, "click", "1")
         return True
 
     def type_line(self, text):
         """Types a text over that of the line that has the focus, and Enter."""
         self.press("ctrl+a")
-        subprocess.run(["xdotool", "type", "--delay", "2", text], check=True)
+        self.run("type", "--delay", "2", text)
         self.press("Return")
 
     def x_windows(self, window):
@@ -134,6 +153,23 @@ class Reader:
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(window.get_name())}$"],
                                check=False, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         return found.stdout.split()
+
+    def frame(self, window):
+        """Left, top, right and bottom of a window on the screen, with what the window manager has put around it. None
+        as long as it isn't there, or has no frame."""
+        numbers = self.x_windows(window)
+        if not numbers:
+            return None
+        told = subprocess.run(["xprop", "-id", numbers[-1], "_NET_FRAME_EXTENTS"], check=False, stdout=subprocess.PIPE,
+                              text=True).stdout
+        rims = [int(number) for number in re.findall(r"\d+", told.partition("=")[2])]
+        stands = subprocess.run(["xwininfo", "-id", numbers[-1]], check=False, stdout=subprocess.PIPE, text=True).stdout
+        found = dict(re.findall(r"(Absolute upper-left [XY]|Width|Height): +(-?\d+)", stands))
+        if len(rims) != 4 or len(found) != 4:
+            return None
+        left, top, width, height = (int(found[name]) for name in
+                                    ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+        return left - rims[0], top - rims[2], left + width + rims[1], top + height + rims[3]
 
     def class_of(self, window):
         """The class of a dialog, which it bears as its role; empty for a box that only tells or asks, and for what is the
@@ -153,7 +189,7 @@ class Reader:
         """Gives the keyboard to a window, which is what a window manager would do."""
         found = self.x_windows(window)
         if found:
-            subprocess.run(["xdotool", "windowfocus", "--sync", found[-1]], check=False, stderr=subprocess.DEVNULL)
+            xdotool("windowfocus", "--sync", found[-1])
         if not self.wait(lambda: self.has(window, "ACTIVE"), ANSWER_SECONDS):
             self.complain(window.get_name(), "takes no keys", window)
 
