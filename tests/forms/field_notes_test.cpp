@@ -50,6 +50,56 @@ TEST_F(FieldNotes, ARefusedCharacterOfALongTextIsToldToo) {
   EXPECT_EQ(note(text), "Il carattere \"|\" non è ammesso in questo campo.");
 }
 
+TEST_F(FieldNotes, CharactersTakenOutOfAPastedTextAreNamed) {
+  open();
+  goArticle(0);
+  QLineEdit& title = line(Articoli, "titolo");
+  title.clear();
+  paste(title, "Alba [rosa] | bis");
+  EXPECT_EQ(title.text(), "Alba rosa  bis");
+  const std::string removed = "I caratteri \"[\", \"]\", \"|\" non sono ammessi in questo campo: sono stati tolti.";
+  EXPECT_EQ(note(title), removed);
+  auto& text = field<QPlainTextEdit>(Articoli, "descrizione");
+  text.clear();
+  paste(text, "[rosa] |");
+  EXPECT_EQ(text.toPlainText(), "rosa ");
+  EXPECT_EQ(note(text), removed);
+  QTest::keyClicks(&text, "e blu");
+  leave(text);
+  paste(text, "in tre misure");
+  EXPECT_EQ(note(text), "");
+  QInputMethodEvent composed;
+  composed.setCommitString(QStringLiteral("è|"));
+  QApplication::sendEvent(&text, &composed);
+  EXPECT_EQ(note(text), "Il carattere \"|\" non è ammesso in questo campo: è stato tolto.");
+}
+
+TEST_F(FieldNotes, ACharacterThatBecomesAReferenceIsSaidWhileItIsThere) {
+  open();
+  goArticle(0);
+  const std::string said = "Il carattere \"ł\" non è fra quelli dei file del negozio: vi sarà scritto come \"&#322;\".";
+  const auto tryIn = [&](QWidget& field) {
+    field.setFocus();
+    typeCharacters(field, QStringLiteral("Stó"));
+    EXPECT_EQ(note(field), "");
+    typeCharacters(field, QStringLiteral("ł"));
+    EXPECT_EQ(note(field), said);
+    typeCharacters(field, QStringLiteral(" €"));
+    EXPECT_EQ(note(field), said);
+    for (int i = 0; i < 3; ++i) QTest::keyClick(&field, Qt::Key_Backspace);
+    EXPECT_EQ(note(field), "");
+    typeCharacters(field, QStringLiteral("ł"));
+    EXPECT_EQ(note(field), said);
+  };
+  QLineEdit& title = line(Articoli, "titolo");
+  title.clear();
+  tryIn(title);
+  tryIn(field<QPlainTextEdit>(Articoli, "descrizione"));
+  EXPECT_EQ(scalar("SELECT titolo FROM articoli WHERE ID = 1"), "Stół");
+  goArticle(1);
+  EXPECT_EQ(note(title), "");
+}
+
 TEST_F(FieldNotes, ArticlesSideBySideAreOneToSixAndTheRestIsRefused) {
   run(shop, "UPDATE generale SET affiancati = 3; UPDATE categorie SET affiancati = '2'");
   open();

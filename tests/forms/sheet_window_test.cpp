@@ -11,6 +11,7 @@
 
 #include "forms/dialog_fixture.h"
 #include "forms/window_fixture.h"
+#include "platform/qt/frm_field_mark.h"
 #include "shell/sheet/frm_foglio.h"
 #include "shell/sheet/frm_passo_prezzi.h"
 #include "shell/sheet/frm_sostituisci.h"
@@ -67,6 +68,21 @@ class TheSheetWindow : public WindowFixture {
   QTableView* table = nullptr;
   std::string helpOpened;
 };
+
+TEST_F(TheSheetWindow, ACellSaysWhichCharactersItHasNotTaken) {
+  go(0, 1);
+  QTest::keyClick(table, Qt::Key_F2);
+  auto* line = table->findChild<QLineEdit*>(QStringLiteral("txtCella"));
+  ASSERT_NE(line, nullptr);
+  line->selectAll();
+  QTest::keyClicks(line, "Alba[");
+  const auto* mark = line->findChild<FieldMark*>();
+  ASSERT_NE(mark, nullptr);
+  EXPECT_EQ(fromQt(mark->reason()), "Il carattere \"[\" non è ammesso in questo campo.");
+  QTest::keyClick(line, Qt::Key_Return);
+  processEvents();
+  EXPECT_EQ(titles(), "Alba\nBrina\nCielo\nDuna\n");
+}
 
 TEST_F(TheSheetWindow, StoresWhatIsTypedInACellAtOnce) {
   go(0, 1);

@@ -17,6 +17,7 @@
 #include "commerce/settings/frm_p3p.h"
 #include "commerce/settings/frm_vetrina.h"
 #include "dialog_fixture.h"
+#include "platform/qt/frm_field_mark.h"
 
 namespace kv {
 namespace {
@@ -161,6 +162,8 @@ TEST_F(TheSmallDialogs, MailTakesTagsAtTheCursorAndNoQuotes) {
   QApplication::clipboard()->setText(QStringLiteral("\"x\"|y\nz"));
   field->paste();
   EXPECT_EQ(dialog.text(), "Gentile <<codice>>abxy\nzcliente");
+  EXPECT_EQ(fromQt(field->findChild<FieldMark*>()->reason()),
+            "I caratteri \"\"\", \"|\" non sono ammessi in questo campo: sono stati tolti.");
   QInputMethodEvent composed;
   composed.setCommitString(QStringLiteral("\"è|[é]"));
   QApplication::sendEvent(field, &composed);

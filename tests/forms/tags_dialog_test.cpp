@@ -1,13 +1,16 @@
 // The merchant's own tags in their window.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 
 #include "dialog_fixture.h"
+#include "platform/qt/frm_field_mark.h"
 #include "tags/custom/frm_tags.h"
 
 namespace kv {
@@ -51,6 +54,19 @@ TEST_F(TheTagsDialog, ShowsTheFirstTagWithItsValidity) {
   EXPECT_EQ(test::defaultButton(*dialog), "OK");
   EXPECT_EQ(test::namelessControls(*dialog), "");
   test::keepPicture(*dialog, "tags");
+}
+
+TEST_F(TheTagsDialog, SaysWhichCharactersBecomeReferencesUntilAnotherTagIsShown) {
+  content->setFocus();
+  QApplication::clipboard()->setText(QStringLiteral("10 ₪"));
+  content->paste();
+  const auto* mark = content->findChild<FieldMark*>();
+  ASSERT_NE(mark, nullptr);
+  EXPECT_EQ(fromQt(mark->reason()),
+            "Il carattere \"₪\" non è fra quelli dei file del negozio: vi sarà scritto come \"&#8362;\".");
+  list->setFocus();
+  list->setCurrentRow(1);
+  EXPECT_EQ(mark->reason(), QString());
 }
 
 TEST_F(TheTagsDialog, TypingANameRewritesTheLineAtOnce) {

@@ -14,6 +14,7 @@
 #include <QRadioButton>
 
 #include "platform/ports/failure_text.h"
+#include "platform/qt/frm_reference_note.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -71,6 +72,8 @@ QLineEdit* frmPG::addLine(QFormLayout& form, const AccountKey& key) {
   if (key.role == KeyRole::Secret) {
     line->setEchoMode(QLineEdit::Password);
     secrets_.emplace_back(key.key, line);
+  } else {
+    noteReferences(line);
   }
   return line;
 }
@@ -78,6 +81,7 @@ QLineEdit* frmPG::addLine(QFormLayout& form, const AccountKey& key) {
 void frmPG::addLines(QFormLayout& form, const AccountKey& key) {
   auto* text = named(new QPlainTextEdit(toQt(account_.value(key.key))), "txt_" + std::string(key.key));
   text->setTabChangesFocus(true);
+  noteReferences(text);
   form.addRow(labelFor(key.caption, text), text);
   connect(text, &QPlainTextEdit::textChanged, this,
           [this, text, name = key.key] { account_.setValue(name, replaceAll(textOf(*text), "\n", "\r\n")); });

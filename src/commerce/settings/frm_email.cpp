@@ -10,6 +10,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "platform/qt/frm_field_mark.h"
+#include "platform/qt/frm_reference_note.h"
+#include "platform/text/typed_notes.h"
+
 namespace kv {
 namespace {
 
@@ -18,17 +22,28 @@ class MailField final : public QPlainTextEdit {
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     const std::string typed = fromQt(event->text());
-    if (!typed.empty() && acceptedMailText(typed).empty()) return;
+    if (!typed.empty() && acceptedMailText(typed).empty()) return say(event->text());
     QPlainTextEdit::keyPressEvent(event);
   }
   // Dead keys and input methods commit text without a key event.
   void inputMethodEvent(QInputMethodEvent* event) override {
+    const QString typed = event->commitString();
     event->setCommitString(toQt(acceptedMailText(fromQt(event->commitString()))), event->replacementStart(),
                            event->replacementLength());
     QPlainTextEdit::inputMethodEvent(event);
+    say(typed);
   }
   void insertFromMimeData(const QMimeData* source) override {
     insertPlainText(toQt(acceptedMailText(fromQt(source->text()))));
+    say(source->text());
+  }
+
+ private:
+  /// Says which characters of a text were not taken.
+  void say(const QString& typed) {
+    const std::string note =
+        droppedNote(fromQt(typed), [](std::string_view one) { return !acceptedMailText(one).empty(); });
+    if (!note.empty()) findChild<FieldMark*>()->show(toQt(note));
   }
 };
 
@@ -40,6 +55,7 @@ frmEmail::frmEmail(std::string_view text, HelpOpener help, QWidget* parent) : Fo
   txtTesto_ = named(new MailField(), "txtTesto");
   txtTesto_->setTabChangesFocus(true);
   txtTesto_->setPlainText(toQt(text));
+  noteReferences(txtTesto_);
   column->addWidget(labelFor("&Testo dell'e-mail:", txtTesto_));
   column->addWidget(txtTesto_, 1);
   auto* row = new QHBoxLayout();

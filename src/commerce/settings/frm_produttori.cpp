@@ -11,6 +11,7 @@
 
 #include "platform/ports/failure_text.h"
 #include "platform/qt/frm_note.h"
+#include "platform/qt/frm_reference_note.h"
 
 namespace kv {
 
@@ -59,6 +60,7 @@ QWidget* frmProduttori::makeFields() {
   column->setContentsMargins(0, 0, 0, 0);
   for (std::size_t i = 0; i < makerFields.size(); ++i) {
     txtCampo_[i] = named(new QLineEdit(), makerFields[i].control);
+    noteReferences(txtCampo_[i]);
     txtCampo_[i]->setToolTip(toQt(makerFields[i].hint));
     column->addWidget(labelFor(makerFields[i].label, txtCampo_[i]));
     column->addWidget(txtCampo_[i]);

@@ -143,6 +143,7 @@ QWidget* SheetCells::createEditor(QWidget* parent, const QStyleOptionViewItem& /
   auto* line = named(new FieldLine(facts.editor->kind, separator_, parent), "txtCella", facts.heading);
   if (facts.stored.type == ColumnType::Text && facts.stored.size > 0) line->setMaxLength(facts.stored.size);
   if (isSheetNumber(facts.kind)) line->setAlignment(Qt::AlignRight);
+  markTyping(line);
   return line;
 }
 

@@ -15,6 +15,7 @@
 #include "platform/ports/failure_text.h"
 
 #include "platform/qt/frm_note.h"
+#include "platform/qt/frm_reference_note.h"
 
 namespace kv {
 namespace {
@@ -73,6 +74,8 @@ QWidget* frmTags::makeFields() {
   txtNome_ = named(new QLineEdit(), "txtNome");
   txtContenuto_ = named(new QPlainTextEdit(), "txtContenuto");
   txtContenuto_->setTabChangesFocus(true);
+  noteReferences(txtNome_);
+  noteReferences(txtContenuto_);
   optNegozio_ = named(new QRadioButton(toQt(tagsOfShop)), "optNegozio");
   optTutti_ = named(new QRadioButton(toQt(tagsOfAll)), "optTutti");
   auto* validity = new QGroupBox(toQt("Validità"));

@@ -33,6 +33,7 @@ QWidget* ArticleCells::createEditor(QWidget* parent, const QStyleOptionViewItem&
   if (isNumberKind(column_->kind)) line_->setAlignment(Qt::AlignRight);
   isRefused_ = isNoted_ = false;
   mark_ = new FieldMark(line_);
+  references_.forget();
   connect(line_, &QLineEdit::textEdited, this, &ArticleCells::edited);
   connect(line_, &FieldLine::noted, this, [this](const QString& note) {
     isNoted_ = true;  // said of the text that is about to change
@@ -44,6 +45,7 @@ QWidget* ArticleCells::createEditor(QWidget* parent, const QStyleOptionViewItem&
 void ArticleCells::edited() const {
   if (!isNoted_) mark_->clear();
   isNoted_ = isRefused_ = false;
+  if (!isNumberKind(column_->kind)) references_.typed(line_->text(), *mark_);
   // A limit that the rules set while it is typed is a change by the program for the line.
   line_->setModified(true);
   emit typed();

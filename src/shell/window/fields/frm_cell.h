@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QStyledItemDelegate>
 
+#include "platform/qt/frm_reference_note.h"
 #include "shell/workbench/workbench.h"
 
 namespace kv {
@@ -48,6 +49,7 @@ class ArticleCells final : public QStyledItemDelegate {
   mutable const Editor* column_ = nullptr;  ///< of the cell that was opened last
   mutable QPointer<FieldLine> line_;
   mutable FieldMark* mark_ = nullptr;  ///< belongs to the line
+  mutable ReferenceNote references_;
   mutable bool isRefused_ = false;
   mutable bool isNoted_ = false;   ///< something was said of the text that is being typed
   mutable bool isSaving_ = false;  ///< the workbench has been handed the text

@@ -35,6 +35,13 @@ QToolButton* dialogButton(QAction& action, QWidget* parent) {
   return button;
 }
 
+/// Whether any text is typed into an editor, which its pages show.
+bool isPlainTyping(const Editor& editor) {
+  const bool isTyped =
+      editor.control == Control::Line || editor.control == Control::Memo || editor.control == Control::Combo;
+  return isTyped && !isNumberKind(editor.kind);
+}
+
 QStringList listOf(const std::vector<std::string>& texts) {
   QStringList list;
   for (const std::string& text : texts) list.append(toQt(text));
@@ -114,6 +121,7 @@ void EditorBinding::edited() {
   if (!dirty_ && !noted_) mark_->clear();
   noted_ = false;
   dirty_ = true;
+  if (isPlainTyping(editor_)) references_.typed(read_(), *mark_);
   showBeside();
   emit typed(read_());
 }
@@ -147,6 +155,7 @@ void EditorBinding::giveUp() {
   dirty_ = false;
   workbench_.giveUpField(editor_);
   mark_->clear();
+  references_.forget();
   show();
   emit typed(read_());
 }
@@ -171,8 +180,7 @@ void EditorBinding::makeMemo() {
   };
   connect(memo, &QPlainTextEdit::textChanged, this, &EditorBinding::edited);
   connect(memo, &FieldMemo::left, this, &EditorBinding::commit);
-  connect(memo, &FieldMemo::refused, this,
-          [this](const QString& character) { mark_->show(toQt(refusedKeyNote(editor_.kind, fromQt(character)))); });
+  connect(memo, &FieldMemo::noted, this, [this](const QString& note) { mark_->show(note); });
   adopt(memo);
   auto* larger = new QToolButton(parent_);
   larger->setText(QStringLiteral("..."));
@@ -311,7 +319,10 @@ void EditorBinding::makeShown() {
 
 void EditorBinding::show() {
   if (dirty_) return;
-  if (!saving_) mark_->clear();  // it was about another row, or another text
+  if (!saving_) {  // it was about another row, or another text
+    mark_->clear();
+    references_.forget();
+  }
   loading_ = true;
   if (auto* line = qobject_cast<QLineEdit*>(field_); line != nullptr && editor_.control != Control::Variant) {
     const int widest = workbench_.widest(editor_);

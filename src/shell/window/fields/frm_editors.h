@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "platform/database/recordset.h"
+#include "platform/qt/frm_reference_note.h"
 #include "shell/workbench/workbench.h"
 
 class QAction;
@@ -111,10 +112,11 @@ class EditorBinding final : public QObject {
   std::function<QString()> read_;
   std::function<void(const QString&)> write_;
   FieldMark* mark_ = nullptr;  ///< set by adopt() at the latest
-  bool dirty_ = false;         ///< typed into and not saved
-  bool saving_ = false;        ///< the workbench has been handed the text
-  bool noted_ = false;         ///< something was said of the text that is being typed
-  bool loading_ = false;       ///< the program changes it, not the user
+  ReferenceNote references_;
+  bool dirty_ = false;    ///< typed into and not saved
+  bool saving_ = false;   ///< the workbench has been handed the text
+  bool noted_ = false;    ///< something was said of the text that is being typed
+  bool loading_ = false;  ///< the program changes it, not the user
 };
 
 }  // namespace kv

@@ -6,8 +6,11 @@
 #include <QSignalBlocker>
 #include <QWheelEvent>
 #include <algorithm>
+#include <memory>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_field_mark.h"
+#include "platform/qt/frm_reference_note.h"
 #include "platform/text/single_line.h"
 #include "platform/text/text.h"
 
@@ -23,7 +26,10 @@ QString FieldFilter::filtered(const QString& fresh) const {
   // Of a folder a paste keeps what no key types.
   const bool isKey = key_ && typed.size() == firstCharacters(typed, 1).size();
   const QString kept = toQt(isKey ? keyTyped(kind_, typed, separator_).inserted : pasted(kind_, typed, separator_));
-  if (key_ && kept.isEmpty() && !fresh.isEmpty() && note) note(toQt(refusedKeyNote(kind_, typed)));
+  if (!note || fresh.isEmpty()) return kept;
+  const std::string refused =
+      isKey ? (kept.isEmpty() ? refusedKeyNote(kind_, typed) : std::string()) : droppedNote(kind_, typed, separator_);
+  if (!refused.empty()) note(toQt(refused));
   return kept;
 }
 
@@ -104,9 +110,29 @@ void FieldLine::keyPressEvent(QKeyEvent* event) {
   filter_->expectKey(false);
 }
 
+void markTyping(FieldLine* line) {
+  auto* mark = new FieldMark(line);
+  struct Said {
+    bool isNoted = false;  ///< of the text that is about to change
+    ReferenceNote references;
+  };
+  const auto said = std::make_shared<Said>();
+  QObject::connect(line, &FieldLine::noted, mark, [mark, said](const QString& note) {
+    said->isNoted = true;
+    mark->show(note);
+  });
+  QObject::connect(line, &QLineEdit::textEdited, mark, [mark, said](const QString& text) {
+    if (!said->isNoted) mark->clear();
+    said->isNoted = false;
+    said->references.typed(text, *mark);
+  });
+}
+
 namespace {
 
 QString allowed(const QString& text) { return toQt(pasted(FieldKind::PlainText, fromQt(text), ',')); }
+
+QString dropped(const QString& text) { return toQt(droppedNote(FieldKind::PlainText, fromQt(text), ',')); }
 
 }  // namespace
 
@@ -125,7 +151,7 @@ QSize FieldMemo::sizeHint() const {
 void FieldMemo::keyPressEvent(QKeyEvent* event) {
   const QString text = event->text();
   if (text == QLatin1String("|") || text == QLatin1String("[") || text == QLatin1String("]")) {
-    emit refused(text);
+    emit noted(toQt(refusedKeyNote(FieldKind::PlainText, fromQt(text))));
     event->accept();
     return;
   }
@@ -133,12 +159,16 @@ void FieldMemo::keyPressEvent(QKeyEvent* event) {
 }
 
 void FieldMemo::inputMethodEvent(QInputMethodEvent* event) {
+  const QString note = dropped(event->commitString());
   event->setCommitString(allowed(event->commitString()), event->replacementStart(), event->replacementLength());
   QPlainTextEdit::inputMethodEvent(event);
+  if (!note.isEmpty()) emit noted(note);
 }
 
 void FieldMemo::insertFromMimeData(const QMimeData* source) {
-  if (source->hasText()) insertPlainText(allowed(source->text()));
+  if (!source->hasText()) return;
+  insertPlainText(allowed(source->text()));
+  if (const QString note = dropped(source->text()); !note.isEmpty()) emit noted(note);
 }
 
 void FieldMemo::focusOutEvent(QFocusEvent* event) {

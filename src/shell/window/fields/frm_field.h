@@ -27,7 +27,8 @@ class FieldFilter final : public QValidator {
   void hold(const QString& text) { held_ = text; }
   /// Whether what comes next is a single key; else it is pasted, dropped or undone.
   void expectKey(bool key) { key_ = key; }
-  /// Called with what is to be said beside the field: a refused key, a number that was read in one of two ways.
+  /// Called with what is to be said beside the field: a refused key, what was taken out of a pasted text, a number that
+  /// was read in one of two ways.
   std::function<void(const QString&)> note;
 
  private:
@@ -72,6 +73,10 @@ class FieldLine : public QLineEdit {
   QString lastGood_;  ///< the last text that was a number
 };
 
+/// Gives a line a mark for what is to be said of its text, until it is typed into again.
+/// For a cell of a table, whose text goes to no binding.
+void markTyping(FieldLine* line);
+
 /// Many lines. Tab leaves it.
 /// The characters "|", "[" and "]" are swallowed when typed, and what is pasted or composed goes through the rules of
 /// plain text. Pasted text loses its formats.
@@ -85,8 +90,8 @@ class FieldMemo final : public QPlainTextEdit {
  signals:
   // Not emitted when only a menu of the field itself has opened.
   void left();  ///< the focus has gone elsewhere
-  /// One of the three characters was typed; nothing was inserted.
-  void refused(const QString& character);
+  /// Something is to be said beside the field: which of the three characters were not taken.
+  void noted(const QString& note);
 
  protected:
   /// Swallows the three characters.

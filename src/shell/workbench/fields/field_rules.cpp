@@ -9,6 +9,7 @@
 #include "platform/numbers/number_format.h"
 #include "platform/text/single_line.h"
 #include "platform/text/text.h"
+#include "platform/text/typed_notes.h"
 #include "shell/workbench/fields/web_address.h"
 
 namespace kv {
@@ -180,6 +181,11 @@ std::string refusedKeyNote(FieldKind kind, std::string_view character) {
            "\" non si può digitare qui; un testo incollato o una cartella scelta lo conservano.";
   }
   return "Il carattere \"" + std::string(character) + "\" non è ammesso in questo campo.";
+}
+
+std::string droppedNote(FieldKind kind, std::string_view text, char decimalSeparator) {
+  if (isNumberKind(kind)) return {};
+  return droppedNote(text, [&](std::string_view one) { return !pasted(kind, one, decimalSeparator).empty(); });
 }
 
 std::string changedText(FieldKind kind, const std::string& text, const std::string& lastGood, char decimalSeparator) {

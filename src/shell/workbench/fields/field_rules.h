@@ -48,6 +48,9 @@ bool isNumberKind(FieldKind kind);
 NumberReading pastedNumber(FieldKind kind, std::string_view text, char decimalSeparator);
 /// What to say beside a field that refuses a character (UTF-8), in Italian.
 std::string refusedKeyNote(FieldKind kind, std::string_view character);
+/// What to say beside a field that has taken a pasted text without some of its characters, in Italian: each of them
+/// once. Empty when it took all of them, and for numbers, of which pastedNumber() speaks.
+std::string droppedNote(FieldKind kind, std::string_view text, char decimalSeparator);
 
 /// The field's text after a change: what is too high is brought to the limit, what is no number goes back to
 /// `lastGood` where the kind says so.
