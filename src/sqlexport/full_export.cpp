@@ -64,7 +64,7 @@ void exportLanguages(const ExportContext& context, const std::string& sec, doubl
     const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(i)];
     const LanguageFiles files = languageFiles(ExportKind::Full, suffix, sec);
     const std::string load = suffix.empty() ? unfinishedLoad(ExportKind::Full, sec) : files.cachedLoad;
-    const DatabaseExport job{joinPath(context.shopFolder, "db/sql.mdb"), joinPath(context.onlineFolder, load),
+    const DatabaseExport job{entryPath(context.shopFolder, "db/sql.mdb"), joinPath(context.onlineFolder, load),
                              joinPath(context.onlineFolder, files.cachedDrop), std::string(suffix), sec};
     ignore(deleteFile(job.loadFilePath), "it is replaced anyway");
     ignore(deleteFile(job.dropFilePath), "it is replaced anyway");

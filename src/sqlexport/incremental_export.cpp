@@ -93,9 +93,9 @@ Result<std::int64_t> exportDifference(const DatabaseExport& job, const SqlRun& r
 class ScratchCopy {
  public:
   ScratchCopy(const std::string& shopFolder, const std::function<bool()>& goOn)
-      : path_(joinPath(shopFolder, "db/upd.mdb")) {
+      : path_(entryPath(shopFolder, "db/upd.mdb")) {
     remove();
-    made_ = copyFile(joinPath(shopFolder, "db/sql.mdb"), path_, AtLink::Follow, goOn).has_value();
+    made_ = copyFile(entryPath(shopFolder, "db/sql.mdb"), path_, AtLink::Follow, goOn).has_value();
   }
   ScratchCopy(const ScratchCopy&) = delete;
   ScratchCopy& operator=(const ScratchCopy&) = delete;

@@ -53,8 +53,8 @@ Result<PublishedShop> readPublishedShop(Database& catalogue) {
   return shop;
 }
 
-std::string lastDatabasePath(const std::string& shopFolder) { return joinPath(shopFolder, "db/last.mdb"); }
-std::string lastRunPath(const std::string& shopFolder) { return joinPath(shopFolder, "db/last.ini"); }
+std::string lastDatabasePath(const std::string& shopFolder) { return entryPath(shopFolder, "db/last.mdb"); }
+std::string lastRunPath(const std::string& shopFolder) { return entryPath(shopFolder, "db/last.ini"); }
 
 LastRun readLastRun(const std::string& shopFolder) {
   LastRun lines;
@@ -75,7 +75,7 @@ Result<> keepLastRun(const std::string& shopFolder, const PublishedShop& shop, d
   for (const std::string& line : lines) text += lastRunLine(line) + "\r\n";
   if (auto written = writeText(lastRunPath(shopFolder), text); !written) return written;
   // The copy comes to its name whole, and last: without it the lines say nothing.
-  return copyFile(joinPath(shopFolder, "db/sql.mdb"), lastDatabasePath(shopFolder));
+  return copyFile(entryPath(shopFolder, "db/sql.mdb"), lastDatabasePath(shopFolder));
 }
 
 Result<> forgetLastRun(const std::string& shopFolder) { return deleteIfThere(lastDatabasePath(shopFolder)); }

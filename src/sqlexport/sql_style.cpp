@@ -25,7 +25,7 @@ std::string lineOfHead(const std::string& path, std::size_t line) {
 
 void readLockOption(const std::string& shopFolder, LockStatements& lock) {
   constexpr std::string_view key = "LOCK:";
-  const auto text = readText(joinPath(shopFolder, "kvftp.ini"));
+  const auto text = readText(entryPath(shopFolder, "kvftp.ini"));
   if (!text) return;
   for (const std::string_view line : splitLines(*text)) {
     if (!startsWithIgnoringCase(line, key)) continue;

@@ -217,7 +217,7 @@ Result<DoctorFacts> readDoctorFacts(Session& session, const std::string& applica
   facts.languages = std::clamp(session.languageCount, 1, maxLanguages);
   facts.languageNames = session.languageNames;
   TextLook look{shippedTags(), {}, facts.flaws};
-  PictureShelf shelf(joinPath(session.ShopFolder, "work"), facts);
+  PictureShelf shelf(entryPath(session.ShopFolder, "work"), facts);
   DoctorReader reader{session, facts, look, shelf};
   if (auto read = reader.readSettings(); !read) return fail(read.error());
   if (auto read = readSiteFacts(session, applicationFolder, facts, look); !read) return fail(read.error());

@@ -96,7 +96,7 @@ struct SiteReader {
 
   /// What lies in the online folder can be linked to as well, whoever put it there.
   Result<> readPages(Database& catalogue) const {
-    for (const std::string& folder : {joinPath(session.ShopFolder, "code"), joinPath(application, "code")}) {
+    for (const std::string& folder : {entryPath(session.ShopFolder, "code"), entryPath(application, "code")}) {
       for (const std::string& name : listFiles(folder, "*.php")) {
         addPages(look.pages, name.substr(0, name.size() - 4), facts.languages, ".php");
       }
@@ -113,8 +113,8 @@ struct SiteReader {
 
   void readAges() const {
     const std::string& shop = session.ShopFolder;
-    facts.ages = {changedAt(joinPath(shop, catalogueFile)), changedAt(joinPath(shop, "kvftp.dat")),
-                  changedAt(joinPath(shop, "db/sql.mdb")), changedAt(joinPath(shop, "db/last.mdb"))};
+    facts.ages = {changedAt(entryPath(shop, catalogueFile)), changedAt(entryPath(shop, "kvftp.dat")),
+                  changedAt(entryPath(shop, "db/sql.mdb")), changedAt(entryPath(shop, "db/last.mdb"))};
   }
 };
 

@@ -6,9 +6,9 @@
 namespace kv {
 
 Result<> RowTables::create(const std::string& shopFolder) {
-  const std::string path = joinPath(shopFolder, "db/sql.mdb");
+  const std::string path = entryPath(shopFolder, "db/sql.mdb");
   ignore(deleteFile(path), "the copy replaces it");
-  if (auto copied = copyFile(joinPath(shopFolder, "new.mdb"), path); !copied) return copied;
+  if (auto copied = copyFile(entryPath(shopFolder, "new.mdb"), path); !copied) return copied;
   auto opened = Database::open(path, OpenMode::Scratch);
   if (!opened) return fail(opened.error());
   build_ = std::move(*opened);

@@ -20,7 +20,7 @@ Result<> probeFolder(const std::string& folder, std::string_view probe, UserPort
 
 std::string SiteFolders::onlineFile(std::string_view name) const { return joinPath(online, name); }
 std::string SiteFolders::scriptFile(std::string_view name) const { return joinPath(scripts, name); }
-std::string SiteFolders::shopFile(std::string_view name) const { return joinPath(shop, name); }
+std::string SiteFolders::shopFile(std::string_view name) const { return entryPath(shop, name); }
 
 void sweepFolders(const SiteFolders& folders) {
   for (const std::string& folder : {folders.online, folders.scripts, folders.shop, folders.shopFile("db")}) {

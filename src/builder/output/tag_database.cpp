@@ -5,10 +5,10 @@
 namespace kv {
 
 Result<PageTagRow> TagDatabase::create(const std::string& shopFolder) {
-  const std::string path = joinPath(shopFolder, "source.mdb");
+  const std::string path = entryPath(shopFolder, "source.mdb");
   tags_.close();
   ignore(deleteFile(path), "the copy replaces it");
-  if (auto copied = copyFile(joinPath(shopFolder, "source.new"), path); !copied) return fail(copied.error());
+  if (auto copied = copyFile(entryPath(shopFolder, "source.new"), path); !copied) return fail(copied.error());
   auto opened = Database::open(path, OpenMode::Scratch);
   if (!opened) return fail(opened.error());
   tags_ = std::move(*opened);

@@ -23,14 +23,14 @@ std::string stampOf(const FileStamp& stamp) {
 }  // namespace
 
 bool wantsLightPictures(const std::string& shopFolder) {
-  const std::string path = joinPath(shopFolder, shopBuildFile);
+  const std::string path = entryPath(shopFolder, shopBuildFile);
   return fileExists(path) && FileSettings(path).get(picturesSection, lightKey) == "1";
 }
 
 // A shop that never had them gets no file.
 Result<> storeLightPictures(const std::string& shopFolder, bool wanted) {
   if (wanted == wantsLightPictures(shopFolder)) return {};
-  return FileSettings(joinPath(shopFolder, shopBuildFile)).set(picturesSection, lightKey, wanted ? "1" : "0");
+  return FileSettings(entryPath(shopFolder, shopBuildFile)).set(picturesSection, lightKey, wanted ? "1" : "0");
 }
 
 LightFolder::LightFolder(const std::string& shopFolder) : folder_(joinPath(shopFolder, lightFolderName)) {

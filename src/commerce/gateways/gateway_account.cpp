@@ -52,7 +52,7 @@ std::string shownValue(const AccountKey& key, const std::string& value) {
 
 /// The shop's conf.ini of a module; nothing when it can't be read.
 std::optional<std::string> settingsText(const std::string& shopFolder, std::string_view moduleFolder) {
-  const auto folder = findEntry(joinPath(shopFolder, "code"), moduleFolder);
+  const auto folder = findEntry(entryPath(shopFolder, "code"), moduleFolder);
   const auto file = folder ? findEntry(*folder, "conf.ini") : std::nullopt;
   if (!file) return std::nullopt;
   auto text = readText(*file);

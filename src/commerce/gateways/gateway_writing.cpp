@@ -73,7 +73,7 @@ bool GatewayAccount::fill(const std::string& code, const std::string& folder, st
 }
 
 Result<FileEdits> GatewayAccount::save(Session& session) const {
-  const std::string code = joinPath(session.ShopFolder, "code");
+  const std::string code = entryPath(session.ShopFolder, "code");
   const auto folder = findEntry(code, module_->folder);
   const auto conf = folder && found_ ? findEntry(*folder, "conf.ini") : std::nullopt;
   if (!conf) return FileEdits();
@@ -94,7 +94,7 @@ Result<FileEdits> GatewayAccount::save(Session& session) const {
 }
 
 bool GatewayAccount::isUpToDate(const std::string& shopFolder) const {
-  const std::string code = joinPath(shopFolder, "code");
+  const std::string code = entryPath(shopFolder, "code");
   const auto folder = findEntry(code, module_->folder);
   std::vector<FilledFile> files;
   if (!folder || !isComplete() || !fill(code, *folder, files)) return true;

@@ -20,7 +20,7 @@ bool isEmptyName(std::string_view name) { return trim(name).empty(); }
 
 // An entry of a listing is always inside its folder, so a name with a separator in it finds nothing.
 std::optional<std::string> codeEntry(const std::string& shopFolder, std::string_view name) {
-  return findEntry(joinPath(shopFolder, codeFolder), name);
+  return findEntry(entryPath(shopFolder, codeFolder), name);
 }
 
 /// Copies a folder beside its target and then gives it the target's name; an empty folder of that name gives way. One
@@ -98,7 +98,7 @@ std::vector<ModuleScript> moduleScripts(const std::string& shopFolder, std::stri
 
 void CompletaGateway(const std::string& shopFolder, const std::string& applicationFolder) {
   const std::string shipped = joinPath(applicationFolder, "new/code");
-  const std::string code = joinPath(shopFolder, codeFolder);
+  const std::string code = entryPath(shopFolder, codeFolder);
   for (const std::string_view name : paymentModules) {
     const auto present = codeEntry(shopFolder, name);
     const auto files = present ? listFiles(*present, "*.*") : std::vector<std::string>();

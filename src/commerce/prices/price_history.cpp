@@ -125,7 +125,7 @@ Result<> addStates(Database& build, Database& history, double now) {
 
 }  // namespace
 
-std::string priceHistoryPath(const std::string& shopFolder) { return joinPath(shopFolder, priceHistoryFile); }
+std::string priceHistoryPath(const std::string& shopFolder) { return entryPath(shopFolder, priceHistoryFile); }
 
 Result<BuiltPriceReader> BuiltPriceReader::open(Database& build) {
   auto rows = build.prepare(builtQuery());
@@ -177,7 +177,7 @@ Result<ArticleHistory> PriceHistoryReader::of(std::int64_t article) {
 }
 
 Result<> recordPublishedPrices(const std::string& shopFolder, double now) {
-  auto build = Database::open(joinPath(shopFolder, "db/sql.mdb"), OpenMode::ReadOnly);
+  auto build = Database::open(entryPath(shopFolder, "db/sql.mdb"), OpenMode::ReadOnly);
   if (!build) return fail(build.error());
   auto history = openHistory(priceHistoryPath(shopFolder));
   if (!history) return fail(history.error());

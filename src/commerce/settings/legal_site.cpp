@@ -73,8 +73,8 @@ LegalDuty orderButton(const Session& session, const std::string& application, co
 LegalDuty withdrawalFunction(const Session& session, const std::string& application,
                              const std::vector<std::string>& pages) {
   const std::string title = "Funzione di recesso";
-  const bool hasScript = findEntry(joinPath(session.ShopFolder, "code"), withdrawalPage) ||
-                         findEntry(joinPath(application, "code"), withdrawalPage);
+  const bool hasScript = findEntry(entryPath(session.ShopFolder, "code"), withdrawalPage) ||
+                         findEntry(entryPath(application, "code"), withdrawalPage);
   if (!hasScript) {
     return {title, DutyState::Missing, "Negli script del negozio manca la pagina con cui si recede da un ordine.", {}};
   }

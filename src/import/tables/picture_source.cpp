@@ -44,7 +44,7 @@ std::optional<PictureSource> findPicture(std::string_view cell, const std::strin
   text = replaceAll(text, "\\", "/");
   if (!isPictureName(text)) return std::nullopt;
   if (text.find('/') == std::string::npos) {
-    if (auto inShop = findEntry(joinPath(shopFolder, "work"), text)) {
+    if (auto inShop = findEntry(entryPath(shopFolder, "work"), text)) {
       return PictureSource{std::string(baseName(*inShop)), *inShop};
     }
   }

@@ -8,7 +8,7 @@ namespace kv {
 PictureTaking::PictureTaking(const Settings& settings, UserPort& user, std::string shopFolder, std::string sheetFolder)
     : shopFolder_(std::move(shopFolder)),
       sheetFolder_(std::move(sheetFolder)),
-      choice_(stored_, user, joinPath(shopFolder_, "work"), {}) {
+      choice_(stored_, user, entryPath(shopFolder_, "work"), {}) {
   choice_.values = readLoadImage(settings);
 }
 

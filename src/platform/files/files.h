@@ -63,7 +63,8 @@ Result<FileStamp> fileStamp(const std::string& path);
 /// Empty when there is none.
 std::optional<std::string> findEntry(const std::string& folder, std::string_view name);
 
-/// findEntry, or "folder/name" where there is no such entry yet.
+/// findEntry, or "folder/name" where there is no such entry yet. `name` may name an entry of a subfolder, as
+/// "db/x.mdb": each part of it is found likewise.
 std::string entryPath(const std::string& folder, std::string_view name);
 
 /// Names (not paths) of the files of a folder that match a pattern: "*" any text, "?" any character, "*.*"

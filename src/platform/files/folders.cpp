@@ -186,7 +186,13 @@ std::optional<std::string> findEntry(const std::string& folder, std::string_view
 }
 
 std::string entryPath(const std::string& folder, std::string_view name) {
-  return findEntry(folder, name).value_or(joinPath(folder, name));
+  std::string path = folder;
+  while (!name.empty()) {
+    const std::string_view part = name.substr(0, name.find('/'));
+    path = findEntry(path, part).value_or(joinPath(path, part));
+    name.remove_prefix(std::min(name.size(), part.size() + 1));
+  }
+  return path;
 }
 
 std::vector<std::string> listFiles(const std::string& folder, std::string_view pattern) {

@@ -15,7 +15,7 @@ std::string listForm(std::string_view text) { return foldCase(text); }
 }  // namespace
 
 BuiltFiles CaricaListaFiles(const std::string& shopFolder) {
-  const auto text = readBytes(joinPath(shopFolder, "kvftp.dat"));
+  const auto text = readBytes(entryPath(shopFolder, "kvftp.dat"));
   if (!text) return {};
   BuiltFiles list;
   for (std::string_view line : splitLines(*text)) {

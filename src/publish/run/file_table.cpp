@@ -31,7 +31,7 @@ bool hasSameContent(const SentFile& row, const std::string& digest) {
 }
 
 Result<FileTable> FileTable::open(const std::string& shopFolder, bool withDigests) {
-  const std::string path = joinPath(shopFolder, transferFile);
+  const std::string path = entryPath(shopFolder, transferFile);
   if (!fileExists(path)) {
     const auto tables = transferTables();
     if (auto created = createDatabase(path, tables); !created) return fail(created.error());

@@ -51,7 +51,7 @@ void readFirewallChoice(const KeyLine& line, FirewallSettings& settings) {
   if (line.key == "PROT:") settings.protocol = choiceOf(value, TransferProtocol::Sftp, TransferProtocol::Ftp);
 }
 
-std::string firewallSettingsPath(const std::string& shopFolder) { return joinPath(shopFolder, firewallSettingsFile); }
+std::string firewallSettingsPath(const std::string& shopFolder) { return entryPath(shopFolder, firewallSettingsFile); }
 
 }  // namespace
 

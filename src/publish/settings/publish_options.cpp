@@ -6,11 +6,11 @@
 
 namespace kv {
 
-bool isBuilt(const std::string& shopFolder) { return readStart(joinPath(shopFolder, "kvftp.dat"), 1).has_value(); }
+bool isBuilt(const std::string& shopFolder) { return readStart(entryPath(shopFolder, "kvftp.dat"), 1).has_value(); }
 
 // Every run begins a log of its first folder.
 bool isFirstPublish(const std::string& shopFolder) {
-  return !fileExists(joinPath(shopFolder, "kvftp1.log")) && !fileExists(joinPath(shopFolder, "kvftp.ini"));
+  return !fileExists(entryPath(shopFolder, "kvftp1.log")) && !fileExists(entryPath(shopFolder, "kvftp.ini"));
 }
 
 PublishOptions PublishOptions::of(const PublishSettings& settings, bool canUseIncremental) {

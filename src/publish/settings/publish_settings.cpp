@@ -64,7 +64,7 @@ void addLaterPublishKeys(const PublishSettings& settings, std::vector<KeyLine>& 
   addNumber("WAIT:", settings.silenceSeconds, untouched.silenceSeconds);
 }
 
-std::string publishSettingsPath(const std::string& shopFolder) { return joinPath(shopFolder, publishSettingsFile); }
+std::string publishSettingsPath(const std::string& shopFolder) { return entryPath(shopFolder, publishSettingsFile); }
 
 }  // namespace
 

@@ -9,7 +9,7 @@
 namespace kv {
 
 Result<> forgetSentSql(const std::string& shopFolder) {
-  const std::string path = joinPath(shopFolder, transferFile);
+  const std::string path = entryPath(shopFolder, transferFile);
   if (!fileExists(path)) return {};
   auto table = Database::open(path, OpenMode::Shared);
   if (!table) return fail(table.error());

@@ -51,7 +51,7 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
   const bool dryRun = line.has("--dry-run");
   if (!(dryRun ? open.openToLook(shop) : open.open(shop)) || !holdsSource(env, source)) return CliOutcome::Failed;
   if (dryRun) {
-    const auto preview = previewPrimo(open.session.catalogue, joinPath(source, "catalog.mdb"));
+    const auto preview = previewPrimo(open.session.catalogue, entryPath(source, "catalog.mdb"));
     out << previewOfShop(open.session.catalogue, source);
     return preview ? CliOutcome::Done : CliOutcome::Failed;
   }
@@ -62,7 +62,7 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
 CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  PicturePurge purge({joinPath(shop, "work"),
+  PicturePurge purge({entryPath(shop, "work"),
                       [&](const TextReader& read) { return usedPictures(open.session.catalogue, read); },
                       {},
                       {}},

@@ -90,7 +90,7 @@ CliOutcome setPicture(const std::string& shop, const CommandLine& line, Environm
   if (!open.open(shop)) return CliOutcome::Failed;
   const auto isThere = hasRow(open.session.catalogue, *target);
   if (!isThere || !*isThere) return refused(env, "Nel negozio non esiste \"" + target->key + "\"");
-  const std::string folder = joinPath(shop, "work");
+  const std::string folder = entryPath(shop, "work");
   const std::string file = absolutePath(line.object);
   const auto name = bringIn(file, folder, *box, env.user);
   if (!name) return CliOutcome::Failed;

@@ -62,7 +62,7 @@ Result<> moveToTrash(const std::string& path) {
 
 void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
   dialogs.choosePicture = [&](const std::string& current) -> std::optional<std::string> {
-    frmImmagine dialog(env.settings, env.user, joinPath(session.ShopFolder, "work"), current, &window);
+    frmImmagine dialog(env.settings, env.user, entryPath(session.ShopFolder, "work"), current, &window);
     const std::string name = run(dialog);
     if (name.empty()) return std::nullopt;
     return name;

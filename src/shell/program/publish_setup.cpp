@@ -41,7 +41,7 @@ std::string PublishSetup::updateDatabase(UserPort& user, HttpClient& http, const
 }
 
 bool isBuilt(const std::string& shopFolder, UserPort& user) {
-  if (readBytes(joinPath(shopFolder, "kvftp.dat"))) return true;
+  if (readBytes(entryPath(shopFolder, "kvftp.dat"))) return true;
   user.message(builtFirst, Icon::Exclamation);
   return false;
 }

@@ -50,7 +50,7 @@ std::string missingPackagesText(const std::vector<std::string>& packages) {
   return text;
 }
 
-bool isBuilt(const Session& session) { return fileStamp(joinPath(session.ShopFolder, "kvftp.dat")).has_value(); }
+bool isBuilt(const Session& session) { return fileStamp(entryPath(session.ShopFolder, "kvftp.dat")).has_value(); }
 
 Result<std::string> serveShop(const std::string& shopFolder, const LocalHost& host, UserPort& user) {
   const Notice notice(user, startingHost);

@@ -95,7 +95,7 @@ void takePictures(Workbench& bench, const RowPicture& target, const std::vector<
   if (files.empty() || !bench.isOpen() || !isOnRow(bench.sets(), target.set)) return;
   const std::vector<int> slots = slotsFor(bench.sets(), target);
   if (slots.empty()) return bench.env().user.message(allSet, Icon::Exclamation);
-  PictureDrop drop(bench.env(), joinPath(bench.session().ShopFolder, "work"));
+  PictureDrop drop(bench.env(), entryPath(bench.session().ShopFolder, "work"));
   drop.take(files, slots);
   if (!drop.brought().empty()) {
     bench.editThrough(dropStep, [&] {

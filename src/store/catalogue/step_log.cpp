@@ -36,7 +36,7 @@ Result<Database> makeLog(const std::string& path) {
 StepLog::StepLog(std::string shopFolder, Clock& clock, StepLimits limits)
     : shopFolder_(std::move(shopFolder)), clock_(clock), limits_(limits) {}
 
-std::string StepLog::path() const { return joinPath(joinPath(shopFolder_, backupFolder), logFile); }
+std::string StepLog::path() const { return entryPath(entryPath(shopFolder_, backupFolder), logFile); }
 
 bool StepLog::open(bool create) {
   if (database_.isOpen()) return true;

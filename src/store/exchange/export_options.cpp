@@ -26,12 +26,12 @@ constexpr std::string_view okTag = "OK";
 
 ExportOffer exportOffer(const Session& session, const std::string& applicationFolder) {
   ExportOffer offer;
-  const std::string code = joinPath(session.ShopFolder, "code");
+  const std::string code = entryPath(session.ShopFolder, "code");
   for (const char* pattern : {"*.php", "*.js"}) {
     for (std::string& name : listFiles(code, pattern)) offer.scriptList.push_back(std::move(name));
   }
   offer.scripts = !offer.scriptList.empty() && !isApplicationFolder(session.ShopFolder, applicationFolder);
-  offer.commonTags = fileExists(joinPath(applicationFolder, "personal.tag"));
+  offer.commonTags = fileExists(entryPath(applicationFolder, "personal.tag"));
   return offer;
 }
 

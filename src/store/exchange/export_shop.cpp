@@ -57,8 +57,8 @@ struct ExportRun {
   ExportPlan plan{to};
   MovedPieces report{};
 
-  std::string ofShop(std::string_view name) const { return joinPath(session.ShopFolder, name); }
-  std::string ofApplication(std::string_view name) const { return joinPath(env.applicationFolder, name); }
+  std::string ofShop(std::string_view name) const { return entryPath(session.ShopFolder, name); }
+  std::string ofApplication(std::string_view name) const { return entryPath(env.applicationFolder, name); }
 };
 
 /// The model's files lie below the shop's. The model's catalogue is never exported.

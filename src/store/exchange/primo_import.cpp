@@ -41,7 +41,7 @@ void showOtherVariant(Session& session, Environment& env) {
 
 PrimoOutcome finishImport(Session& session, Environment& env, const StagedPictures& pictures) {
   // The numbers of the articles are those of other articles now.
-  ignore(deleteFile(joinPath(session.ShopFolder, priceHistoryFile)), "the catalogue was taken over all the same");
+  ignore(deleteFile(entryPath(session.ShopFolder, priceHistoryFile)), "the catalogue was taken over all the same");
   const auto exchanged = pictures.exchange();
   // After a failure too: from here on the user knows where they are, and adds others to the old ones.
   ignore(session.catalogue.execute(noPicturesAreDue), "the next start exchanges them");
@@ -70,7 +70,7 @@ int ImportaDati(Session& session, Environment& env, const std::string& path) {
 }
 
 bool holdsSource(Environment& env, const std::string& folder) {
-  if (fileExists(joinPath(folder, catalogueFile))) return true;
+  if (fileExists(entryPath(folder, catalogueFile))) return true;
   env.user.message(noSource, Icon::Exclamation);
   return false;
 }
@@ -79,13 +79,13 @@ PrimoOutcome importPrimoShop(Session& session, Environment& env, const std::stri
   const StagedPictures pictures(session.ShopFolder);
   // The mark of an earlier import must not make pictures the shop's own that are only half copied.
   Result<> staged = session.catalogue.execute(noPicturesAreDue);
-  if (staged) staged = pictures.copyFrom(joinPath(folder, "work"));
+  if (staged) staged = pictures.copyFrom(entryPath(folder, "work"));
   if (!staged) {
     ignore(pictures.drop(), "the next import removes them");
     env.user.message(notOpened + staged.error().what, Icon::Critical);
     return PrimoOutcome::NotDone;
   }
-  const auto outcome = static_cast<PrimoOutcome>(ImportaDati(session, env, joinPath(folder, catalogueFile)));
+  const auto outcome = static_cast<PrimoOutcome>(ImportaDati(session, env, entryPath(folder, catalogueFile)));
   if (outcome == PrimoOutcome::Done) return finishImport(session, env, pictures);
   ignore(pictures.drop(), "the next import removes them");
   if (outcome == PrimoOutcome::Failed) env.user.message(failedOnTheWay, Icon::Critical);

@@ -227,9 +227,9 @@ std::string previewText(const PrimoPreview& preview) {
 
 std::string previewOfShop(Database& catalogue, const std::string& folder) {
   if (folder.empty()) return {};
-  const auto preview = previewPrimo(catalogue, joinPath(folder, catalogueFile));
+  const auto preview = previewPrimo(catalogue, entryPath(folder, catalogueFile));
   if (!preview) return failureText(preview.error(), folder);
-  const std::size_t pictures = listFiles(joinPath(folder, "work"), "*").size();
+  const std::size_t pictures = listFiles(entryPath(folder, "work"), "*").size();
   return previewText(*preview) + "Immagini che sostituiranno quelle attuali: " + std::to_string(pictures) + "\n";
 }
 

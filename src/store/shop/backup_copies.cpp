@@ -30,7 +30,7 @@ constexpr const char* notKept = "Impossibile conservare una copia del catalogo n
 constexpr const char* notKeptAdvice = "'.\nVerificare lo spazio libero sul disco e i permessi della cartella.";
 constexpr const char* notRestored = "Impossibile ripristinare la copia del catalogo:\n";
 
-std::string copiesFolder(const std::string& shopFolder) { return joinPath(shopFolder, backupFolder); }
+std::string copiesFolder(const std::string& shopFolder) { return entryPath(shopFolder, backupFolder); }
 
 int numberIn(std::string_view digits) { return static_cast<int>(leadingNumber(digits)); }
 

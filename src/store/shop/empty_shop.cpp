@@ -45,7 +45,7 @@ std::string emptyCatalogue() {
 
 Result<> copyWithoutPictures(const std::string& model, const std::string& folder) {
   if (!folderExists(model)) return fail(ErrorKind::Missing, model, "no model shop");
-  if (auto made = createFolders(joinPath(folder, pictureFolder)); !made) return made;
+  if (auto made = createFolders(entryPath(folder, pictureFolder)); !made) return made;
   for (const std::string& name : listFolders(model)) {
     if (equalsIgnoringCase(name, pictureFolder)) continue;
     if (auto copied = CopiaAlbero(joinPath(model, name), joinPath(folder, name)); !copied) return copied;

@@ -84,7 +84,7 @@ Result<> resetIfMissing(Session& session, Environment& env, const WorkingFolder&
       "La cartella di lavoro \"" + folder + "\" non esiste:\nSi desidera resettarla e utilizzare quella predefinita?";
   if (env.user.question({text, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) return {};
   if (auto stored = storeSetting(session, working.column, ""); !stored) return stored;
-  folder = joinPath(session.ShopFolder, working.name);
+  folder = entryPath(session.ShopFolder, working.name);
   ignore(createFolder(folder), "the build reports a missing default folder");
   return {};
 }

@@ -48,7 +48,7 @@ std::string CreaBackup(Session& session, const std::string& shopFolder) {
   std::string name = backupName(number);
   const std::string path = joinPath(shopFolder, name);
   const Result<> copied = session.catalogue.isOpen() ? copyOpenCatalogue(session.catalogue, shopFolder, path)
-                                                     : copyFile(joinPath(shopFolder, catalogueFile), path);
+                                                     : copyFile(entryPath(shopFolder, catalogueFile), path);
   return copied ? name : std::string();
 }
 

@@ -42,10 +42,10 @@ std::string currentFolder(const Session& session, const Environment& env) {
 
 Result<> importBundles(const std::string& folder, Environment& env) {
   for (const Bundle& bundle : bundles) {
-    const std::string from = joinPath(folder, bundle.folder);
+    const std::string from = entryPath(folder, bundle.folder);
     if (!folderExists(from)) continue;
     if (env.user.question({bundle.question, Buttons::YesNo, Answer::No, Icon::Question}) != Answer::Yes) continue;
-    if (auto copied = CopiaAlbero(from, joinPath(env.applicationFolder, bundle.folder)); !copied) return copied;
+    if (auto copied = CopiaAlbero(from, entryPath(env.applicationFolder, bundle.folder)); !copied) return copied;
   }
   return {};
 }

@@ -10,7 +10,7 @@ namespace {
 Result<std::string> workingFolder(Session& session, const std::string& column, const std::string& name) {
   auto stored = readSetting(session, column);
   if (!stored || !stored->empty()) return stored;
-  return joinPath(session.ShopFolder, name);
+  return entryPath(session.ShopFolder, name);
 }
 
 }  // namespace

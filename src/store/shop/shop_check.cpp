@@ -24,8 +24,8 @@ constexpr std::array<std::string_view, 4> workingFolderNames{"work", "online", "
 
 bool makeWorkingFolders(const std::string& folder) {
   for (std::string_view name : workingFolderNames) {
-    ignore(createFolder(joinPath(folder, name)), "the next line tests whether it is there");
-    if (!folderExists(joinPath(folder, name))) return false;
+    ignore(createFolder(entryPath(folder, name)), "the next line tests whether it is there");
+    if (!folderExists(entryPath(folder, name))) return false;
   }
   return true;
 }

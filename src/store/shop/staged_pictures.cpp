@@ -26,7 +26,7 @@ Result<> removePictures(const std::string& folder) {
 }  // namespace
 
 StagedPictures::StagedPictures(const std::string& shopFolder)
-    : own_(joinPath(shopFolder, "work")),
+    : own_(entryPath(shopFolder, "work")),
       staged_(joinPath(shopFolder, "work.importa")),
       old_(joinPath(shopFolder, "work.prima")) {}
 
@@ -91,7 +91,7 @@ bool StagedPictures::isAny() const { return folderExists(staged_) || folderExist
 
 void recoverPictures(const std::string& shopFolder) {
   const StagedPictures pictures(shopFolder);
-  const std::string path = joinPath(shopFolder, catalogueFile);
+  const std::string path = entryPath(shopFolder, catalogueFile);
   if (!pictures.isAny() || !fileExists(path)) return;
   auto catalogue = Database::open(path, OpenMode::Exclusive);
   if (!catalogue) return;

@@ -27,19 +27,9 @@ constexpr std::array<std::string_view, 8> thirdFiles{
     "SysPay/form.kpg", "SysPay/conf.ini",   "Omnipay/omniend.new"};
 constexpr std::array<Generation, 3> generations{{{"1.0.4", firstFiles}, {"1.0.6", secondFiles}, {"1.0.8", thirdFiles}}};
 
-/// The path of an entry below a folder, its names found without regard to case where they are there.
-std::string pathWithin(std::string folder, std::string_view name) {
-  while (!name.empty()) {
-    const std::string_view part = name.substr(0, name.find('/'));
-    folder = findEntry(folder, part).value_or(joinPath(folder, part));
-    name.remove_prefix(std::min(name.size(), part.size() + 1));
-  }
-  return folder;
-}
-
 /// The first line of the stamp, nothing taken from its ends; below every generation when it can't be read.
 std::string presentGeneration(const std::string& code) {
-  const auto stamp = readBytes(pathWithin(code, generationFile));
+  const auto stamp = readBytes(entryPath(code, generationFile));
   if (!stamp || stamp->empty()) return {};
   return std::string(splitLines(*stamp).front());
 }
@@ -48,7 +38,7 @@ std::string presentGeneration(const std::string& code) {
 Result<> keepFile(const std::string& file, std::string_view name, const std::string& shopFolder, ShopUpgrade& upgrade) {
   const auto bytes = readBytes(file);
   if (!bytes) return fail(bytes.error());
-  const std::string wanted = joinPath(joinPath(shopFolder, backupFolder), joinPath("code", name));
+  const std::string wanted = joinPath(entryPath(shopFolder, backupFolder), joinPath("code", name));
   if (auto made = createFolders(std::string(folderOf(wanted))); !made) return made;
   std::string path = wanted;
   for (int number = 2; fileExists(path) && readBytes(path).value_or("") != *bytes; ++number) {
@@ -62,7 +52,7 @@ Result<> keepFile(const std::string& file, std::string_view name, const std::str
 Result<> renewFile(const std::string& shopFolder, const std::string& applicationFolder, std::string_view name,
                    ShopUpgrade& upgrade) {
   const std::string from = joinPath(joinPath(applicationFolder, "new/code"), name);
-  const std::string to = pathWithin(shopFolder, joinPath("code", name));
+  const std::string to = entryPath(shopFolder, joinPath("code", name));
   if (fileExists(to) && readBytes(to).value_or("") != readBytes(from).value_or("")) {
     // Account data may be in it, which no one else has.
     if (auto kept = keepFile(to, name, shopFolder, upgrade); !kept) return kept;
@@ -85,7 +75,7 @@ std::vector<std::string_view> filesSince(const std::string& present, bool isAppl
 }  // namespace
 
 void planFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
-  const std::string present = presentGeneration(pathWithin(shopFolder, "code"));
+  const std::string present = presentGeneration(entryPath(shopFolder, "code"));
   if (present >= currentGeneration) return;
   for (const std::string_view name : filesSince(present, isApplicationFolder(shopFolder, applicationFolder))) {
     upgrade.files.emplace_back(name);
@@ -94,13 +84,13 @@ void planFiles(const std::string& shopFolder, const std::string& applicationFold
 }
 
 Result<> upgradeFiles(const std::string& shopFolder, const std::string& applicationFolder, ShopUpgrade& upgrade) {
-  const std::string code = pathWithin(shopFolder, "code");
+  const std::string code = entryPath(shopFolder, "code");
   const std::string present = presentGeneration(code);
   if (present >= currentGeneration) return {};
   for (const std::string_view name : filesSince(present, isApplicationFolder(shopFolder, applicationFolder))) {
     if (auto renewed = renewFile(shopFolder, applicationFolder, name, upgrade); !renewed) return renewed;
   }
-  if (auto written = writeBytes(pathWithin(code, generationFile), std::string(currentGeneration) + "\r\n"); !written) {
+  if (auto written = writeBytes(entryPath(code, generationFile), std::string(currentGeneration) + "\r\n"); !written) {
     return written;
   }
   upgrade.stamped = true;

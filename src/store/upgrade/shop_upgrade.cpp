@@ -68,13 +68,13 @@ void stampVersion(Database& catalogue, ShopUpgrade& upgrade) {
 }  // namespace
 
 Result<> upgradeSchema(const std::string& shopFolder, ShopUpgrade& upgrade) {
-  auto catalogue = ApriDatabase(joinPath(shopFolder, catalogueFile), false);
+  auto catalogue = ApriDatabase(entryPath(shopFolder, catalogueFile), false);
   if (!catalogue) return fail(catalogue.error());
   ignore(renumberCatalogue(*catalogue), "the numbers are in order as they are");
   ignore(dropWorkingCopies(*catalogue), "the dialog that needs them drops them, too");
   addColumns(*catalogue, "generale", settingColumns, upgrade);
   stampVersion(*catalogue, upgrade);
-  auto seed = ApriDatabase(joinPath(shopFolder, tagSeedFile), false);
+  auto seed = ApriDatabase(entryPath(shopFolder, tagSeedFile), false);
   if (seed) addColumns(*seed, "categoria", newSeedColumns, upgrade);
   return {};
 }
@@ -88,7 +88,7 @@ ShopUpgrade plannedUpgrade(Database& catalogue, const std::string& shopFolder, c
   for (const NewColumn& column : settingColumns) plan(catalogue, "generale", column);
   const auto version = catalogueVersion(catalogue);
   upgrade.stamped = version && *version != currentVersion;
-  auto seed = Database::open(joinPath(shopFolder, tagSeedFile), OpenMode::ReadOnly);
+  auto seed = Database::open(entryPath(shopFolder, tagSeedFile), OpenMode::ReadOnly);
   if (seed) plan(*seed, "categoria", newSeedColumns[0]);
   planFiles(shopFolder, applicationFolder, upgrade);
   return upgrade;

@@ -127,7 +127,7 @@ bool isSameFolder(std::string_view a, std::string_view b) {
 }  // namespace
 
 Pools CreaPool(const PoolSources& sources, std::string_view lingua) {
-  const std::string tmp = joinPath(sources.shopFolder, "tmp");
+  const std::string tmp = entryPath(sources.shopFolder, "tmp");
   const Pool above(tmp);
   Pool templates(joinPath(tmp, "1"));
   Pool code(joinPath(tmp, "2"));

@@ -8,7 +8,7 @@
 namespace kv {
 
 std::optional<OrderAccess> accessForNotice(Session& session) {
-  if (!session.catalogue.isOpen() || !fileExists(joinPath(session.ShopFolder, ordersFile))) return std::nullopt;
+  if (!session.catalogue.isOpen() || !fileExists(entryPath(session.ShopFolder, ordersFile))) return std::nullopt;
   const auto key = orderKey(session);
   auto address = orderAddress(session);
   if (!key || key->empty() || !address || address->empty()) return std::nullopt;

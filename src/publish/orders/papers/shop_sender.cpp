@@ -34,7 +34,7 @@ bool holdsText(const std::vector<std::string>& lines, std::string_view text) {
 
 /// The path of a picture of the shop; empty when it isn't there.
 std::string pictureOf(const std::string& shopFolder, std::string_view name) {
-  const std::string path = joinPath(joinPath(shopFolder, "work"), name);
+  const std::string path = entryPath(entryPath(shopFolder, "work"), name);
   return !name.empty() && fileExists(path) ? path : std::string();
 }
 

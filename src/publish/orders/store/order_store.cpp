@@ -58,7 +58,7 @@ std::int64_t wholeNumber(const std::string& text) {
 
 OrderStore::OrderStore(std::string shopFolder) : shopFolder_(std::move(shopFolder)) {}
 
-std::string OrderStore::path() const { return joinPath(shopFolder_, ordersFile); }
+std::string OrderStore::path() const { return entryPath(shopFolder_, ordersFile); }
 
 Result<> OrderStore::open() {
   if (database_.isOpen()) return {};

@@ -38,7 +38,7 @@ Command purgeRow() {
   row.name = "shop.purgePictures";
   row.menus = {{File, 203, "Rimuovi immagini inutilizzate..."}};
   row.run = [](const CommandContext& context) {
-    const std::string pictures = joinPath(context.session.ShopFolder, "work");
+    const std::string pictures = entryPath(context.session.ShopFolder, "work");
     context.env.user.message(purgeNotice(pictures), Icon::Information);
     ignore(context.ports.dialogs.purgePictures(pictures), "files are no part of the step");
   };

@@ -25,7 +25,7 @@ void choosePicture(const CommandContext& context, const RowPicture& picture, std
   if (rows.bof() || rows.eof()) return;
   const auto name = context.ports.dialogs.choosePicture(pictureName(context.sets, picture));
   if (!name || name->empty()) return;
-  const auto size = shownSize(joinPath(joinPath(context.session.ShopFolder, "work"), *name));
+  const auto size = shownSize(entryPath(entryPath(context.session.ShopFolder, "work"), *name));
   if (!size) return context.bench.showError(fail(size.error()));
   store(context, picture, step, *name, *size);
 }

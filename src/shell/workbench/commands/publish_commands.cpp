@@ -20,7 +20,7 @@ bool wantsToPublish(const CommandContext& context) {
 
 void publish(const CommandContext& context) {
   if (!wantsToPublish(context)) return;
-  if (!readBytes(joinPath(context.session.ShopFolder, "kvftp.dat"))) {
+  if (!readBytes(entryPath(context.session.ShopFolder, "kvftp.dat"))) {
     context.env.user.message(buildFirst, Icon::Exclamation);
     return;
   }
