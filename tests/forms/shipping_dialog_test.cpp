@@ -15,6 +15,7 @@
 #include "commerce/shipping/frm_spedizione.h"
 #include "dialog_fixture.h"
 #include "platform/qt/frm_field_mark.h"
+#include "support/failing_store.h"
 
 namespace kv {
 namespace {
@@ -278,6 +279,39 @@ TEST_F(TheShippingDialog, EscapeLeavesWithoutTheZoneOfTheCountry) {
   expectEscapeLeaves(*dialog);
   EXPECT_EQ(stored("paesesel", "pagamento"), "2");
   EXPECT_EQ(stored("zonasel", "pagamento"), "1");
+}
+
+TEST_F(TheShippingDialog, WhatTheDiskDoesNotTakeStaysInItsFieldMarkedAndIsStoredByTheNextOk) {
+  const auto reason = [](const QWidget* field) { return fromQt(field->findChild<FieldMark*>()->reason()); };
+  const std::string before = stored("nome1", "pagamento"), cost = stored("m1sp1", "zona1");
+  {
+    test::FailingStore full(1, test::AfterFailure::FailsToo, test::FailingStore::fullDisk);
+    full.onlyFor("UPDATE");
+    QLineEdit* name = line("txtNome1");
+    name->setFocus();
+    name->selectAll();
+    type(name, "Corriere veloce");
+    EXPECT_EQ(name->text(), "Corriere veloce");
+    EXPECT_TRUE(reason(name).starts_with("Non salvato. Il disco è pieno")) << reason(name);
+    EXPECT_EQ(user.shown.size(), 1U);
+    goToCosts();
+    type(line("m1sp1"), "77,5");
+    EXPECT_EQ(line("m1sp1")->text(), "77,5");
+    EXPECT_TRUE(reason(line("m1sp1")).starts_with("Non salvato. ")) << reason(line("m1sp1"));
+    control<QTabBar>(*dialog, "tabZone")->setCurrentIndex(1);
+    EXPECT_EQ(control<QTabBar>(*dialog, "tabZone")->currentIndex(), 0) << "the zone of what is not stored stays";
+    EXPECT_EQ(line("m1sp1")->text(), "77,5");
+    click(*dialog, "cmdOK");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(pages->currentIndex(), 0) << "where the first of them is";
+    EXPECT_EQ(user.shown.size(), 1U) << "told once";
+  }
+  EXPECT_EQ(stored("nome1", "pagamento"), before);
+  EXPECT_EQ(stored("m1sp1", "zona1"), cost);
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(stored("nome1", "pagamento"), "Corriere veloce");
+  EXPECT_EQ(stored("m1sp1", "zona1"), "77.5");
+  EXPECT_EQ(reason(line("txtNome1")) + reason(line("m1sp1")), "");
 }
 
 }  // namespace

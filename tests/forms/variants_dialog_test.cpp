@@ -11,6 +11,8 @@
 #include "commerce/variants/frm_opzioni.h"
 #include "commerce/variants/frm_variant_grid.h"
 #include "dialog_fixture.h"
+#include "support/failing_store.h"
+#include "support/row_text.h"
 
 namespace kv {
 namespace {
@@ -262,6 +264,39 @@ TEST_F(TheVariantsDialog, EscapeLeavesWithoutASetting) {
   control<QCheckBox>(*dialog, "chkNoDiff")->toggle();
   expectEscapeLeaves(*dialog);
   EXPECT_EQ(stored("nodiff"), before);
+}
+
+TEST_F(TheVariantsDialog, WhatTheDiskDoesNotTakeStaysInItsCellMarkedAndIsStoredByTheNextOk) {
+  const auto tip = [](const QTableWidget* grid, int row, int column) {
+    return fromQt(grid->item(row, column)->toolTip());
+  };
+  const auto ofColumn = [this](const std::string& column) {
+    return test::rows(session.catalogue, "SELECT " + column + " FROM dettagliop WHERE OpID = 2 ORDER BY ID LIMIT 1");
+  };
+  const std::string name = test::rows(session.catalogue, "SELECT nome FROM opzioni WHERE ID = 2");
+  const std::string code = ofColumn("codice");
+  {
+    test::FailingStore full(1, test::AfterFailure::FailsToo, test::FailingStore::fullDisk);
+    full.onlyFor("UPDATE");
+    goToOption(0, 0);
+    typeCell(options, "ZZ");
+    EXPECT_EQ(options->cell(0, 0), "ZZ");
+    EXPECT_TRUE(tip(options, 0, 0).starts_with("Non salvato. Il disco è pieno")) << tip(options, 0, 0);
+    EXPECT_EQ(user.shown.size(), 1U);
+    variants->setFocus();
+    typeCell(variants, "Sfumatura");
+    EXPECT_EQ(variants->cell(variants->currentRow(), 0), "Sfumatura");
+    EXPECT_EQ(options->cell(0, 0), "ZZ");
+    click(*dialog, "cmdOK");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(user.shown.size(), 1U) << "told once";
+  }
+  EXPECT_EQ(ofColumn("codice"), code);
+  EXPECT_EQ(test::rows(session.catalogue, "SELECT nome FROM opzioni WHERE ID = 2"), name);
+  click(*dialog, "cmdOK");
+  EXPECT_EQ(dialog->tag(), "OK");
+  EXPECT_EQ(ofColumn("codice"), "ZZ\n");
+  EXPECT_EQ(test::rows(session.catalogue, "SELECT nome FROM opzioni WHERE ID = 2"), "Sfumatura\n");
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 
 #include "commerce/shipping/shipping_texts.h"
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_field_mark.h"
+#include "platform/qt/frm_reference_note.h"
 
 namespace kv {
 
@@ -50,6 +52,7 @@ void ShippingMethodsPage::makeRow(int number) {
   row.cboMetodo = named(new QComboBox(), "cboMetodo" + digit, "Modulo del metodo " + digit);
   for (const std::string& module : editor_.modules()) row.cboMetodo->addItem(toQt(module));
   row.txtNome = named(new QLineEdit(), "txtNome" + digit, "Nome del metodo " + digit);
+  row.mark = noteReferences(row.txtNome);
   connect(row.chkMetodo, &QCheckBox::clicked, this, [this, number](bool on) { switched(number, on); });
   connect(row.cboMetodo, &QComboBox::activated, this, [this, number](int) {
     const QComboBox& modules = *rows_[static_cast<std::size_t>(number - 1)].cboMetodo;
@@ -58,11 +61,29 @@ void ShippingMethodsPage::makeRow(int number) {
     changed_();
   });
   connect(row.txtNome, &QLineEdit::editingFinished, this, [this, number] {
-    const QLineEdit& name = *rows_[static_cast<std::size_t>(number - 1)].txtNome;
-    ignore(editor_.setMethodName(number, fromQt(name.text())), "the field shows what is stored");
-    show(number);
-    changed_();
+    if (leaveName(number)) changed_();
   });
+}
+
+bool ShippingMethodsPage::leaveName(int number) {
+  Row& row = rows_[static_cast<std::size_t>(number - 1)];
+  const bool stored = editor_.setMethodName(number, fromQt(row.txtNome->text()));
+  if (stored && row.unsaved) row.mark->clear();
+  row.unsaved = !stored;
+  if (stored) {
+    show(number);
+  } else {
+    row.mark->show(toQt("Non salvato. " + editor_.failure()));
+  }
+  return stored;
+}
+
+bool ShippingMethodsPage::storeTyped() {
+  bool stored = true;
+  for (int number = 1; number <= paymentMethods; ++number) {
+    if (rows_[static_cast<std::size_t>(number - 1)].unsaved) stored = leaveName(number) && stored;
+  }
+  return stored;
 }
 
 void ShippingMethodsPage::show(int number) {
@@ -76,7 +97,7 @@ void ShippingMethodsPage::show(int number) {
     index = row.cboMetodo->count() - 1;
   }
   row.cboMetodo->setCurrentIndex(index);
-  if (row.txtNome->text() != toQt(method.name)) row.txtNome->setText(toQt(method.name));
+  if (!row.unsaved && row.txtNome->text() != toQt(method.name)) row.txtNome->setText(toQt(method.name));
   row.cboMetodo->setEnabled(method.active);
   row.txtNome->setEnabled(method.active);
 }

@@ -13,11 +13,16 @@ class QLineEdit;
 
 namespace kv {
 
+class FieldMark;
+
 class ShippingMethodsPage final : public QWidget {
  public:
   /// `editor` outlives the page. changed: called after a method, its module or its name was stored.
   /// configure: opens the window of the payment systems; empty: the button is off.
   ShippingMethodsPage(ShippingEditor& editor, std::function<void()> changed, std::function<void()> configure);
+
+  /// Stores the names that could not be stored before. False when one still can't: it stays in its field, marked.
+  bool storeTyped();
 
  private:
   /// The controls of one method, under their given names with its number.
@@ -25,8 +30,11 @@ class ShippingMethodsPage final : public QWidget {
     QCheckBox* chkMetodo = nullptr;
     QComboBox* cboMetodo = nullptr;
     QLineEdit* txtNome = nullptr;
+    FieldMark* mark = nullptr;  ///< of the name
+    bool unsaved = false;       ///< the name could not be stored
   };
   void makeRow(int number);
+  bool leaveName(int number);
   void show(int number);  // fills and enables the controls of a method
   void switched(int number, bool on);
 

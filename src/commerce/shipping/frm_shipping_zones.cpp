@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QVBoxLayout>
@@ -74,7 +75,8 @@ NumberLine* ShippingZonesPage::addLine(const std::string& column, const std::str
   line->setAlignment(Qt::AlignRight);
   line->setMinimumWidth(line->fontMetrics().averageCharWidth() * lineCharacters);
   costs_.push_back({column, line});
-  connect(line, &QLineEdit::editingFinished, this, [this, cost = costs_.back()] { leave(cost); });
+  connect(line, &QLineEdit::editingFinished, this,
+          [this, cost = costs_.back()] { ignore(leave(cost), "the field says it"); });
   return line;
 }
 
@@ -136,20 +138,30 @@ void ShippingZonesPage::goToZone(int zone) { tabZone_->setCurrentIndex(zone - 1)
 
 void ShippingZonesPage::changeZone() {
   // A click on a tab leaves the focus where it is: what is typed belongs to the zone that was shown.
-  storeTyped();
+  if (!storeTyped()) {
+    const QSignalBlocker quiet(tabZone_);
+    return goToZone(shownZone_);
+  }
   shownZone_ = zone();
   showZone();
 }
 
-void ShippingZonesPage::storeTyped() {
+bool ShippingZonesPage::storeTyped() {
+  bool stored = true;
   for (const Cost& cost : costs_) {
-    if (cost.line->isModified()) leave(cost);
+    if (cost.line->isModified()) stored = leave(cost) && stored;
   }
+  return stored;
 }
 
-void ShippingZonesPage::leave(const Cost& cost) {
+bool ShippingZonesPage::leave(const Cost& cost) {
   const std::string shown = editor_.leaveNumber(shownZone_, cost.column, fromQt(cost.line->text()));
-  cost.line->load(toQt(shown));
+  if (editor_.failure().empty()) {
+    cost.line->load(toQt(shown));
+    return true;
+  }
+  cost.line->keepUnsaved(toQt("Non salvato. " + editor_.failure()));
+  return false;
 }
 
 void ShippingZonesPage::showZone() {

@@ -28,8 +28,8 @@ class ShippingZonesPage final : public QWidget {
   void goToZone(int zone);
   /// Shows names and states of the methods again.
   void showMethods();
-  /// Stores what is typed and not stored yet.
-  void storeTyped();
+  /// Stores what is typed and not stored yet. False when something could not be: it stays in its field, marked.
+  bool storeTyped();
 
  private:
   /// One field of costs: its column, and the line that shows it.
@@ -45,7 +45,7 @@ class ShippingZonesPage final : public QWidget {
   int zone() const;
   void changeZone();
   void showZone();
-  void leave(const Cost& cost);
+  bool leave(const Cost& cost);
 
   ShippingEditor& editor_;
   QTabBar* tabZone_ = nullptr;

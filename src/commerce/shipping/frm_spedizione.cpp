@@ -23,9 +23,9 @@ frmSpedizione::frmSpedizione(Session& session, Environment& env, const ShippingH
   setObjectName(QStringLiteral("frmSpedizione"));
   pages_ = named(new QTabWidget(), "tabSpedizione", "Spese di spedizione");
   zones_ = new ShippingZonesPage(editor_, hooks.decimalSeparator);
-  pages_->addTab(new ShippingMethodsPage(
-                     editor_, [this] { methodsChanged(); }, hooks.configure),
-                 toQt("&Metodi"));
+  methods_ = new ShippingMethodsPage(
+      editor_, [this] { methodsChanged(); }, hooks.configure);
+  pages_->addTab(methods_, toQt("&Metodi"));
   pages_->addTab(new ShippingCountriesPage(editor_, [this] { showPreselection(); }), toQt("&Paesi"));
   pages_->addTab(zones_, toQt("&Zone e spese"));
   pages_->addTab(new ShippingTrialPage(session, editor_, hooks.decimalSeparator), toQt("P&rova"));
@@ -67,8 +67,7 @@ QWidget* frmSpedizione::makeSettings(char decimalSeparator) {
   keys.spaces = true;
   txtIvaSpese_ = named(new NumberLine(keys), "txtIvaSpese");
   txtIvaSpese_->load(toQt(editor_.vatRate()));
-  connect(txtIvaSpese_, &QLineEdit::editingFinished, this,
-          [this] { txtIvaSpese_->load(toQt(editor_.leaveVatRate(fromQt(txtIvaSpese_->text())))); });
+  connect(txtIvaSpese_, &QLineEdit::editingFinished, this, [this] { ignore(leaveVatRate(), "the field says it"); });
   chkAlfabetico_ = named(new QCheckBox(toQt(shippingAlphabetic)), "chkAlfabetico");
   chkAlfabetico_->setChecked(editor_.isAlphabetic());
   connect(chkAlfabetico_, &QCheckBox::clicked, this, [this](bool on) {
@@ -100,8 +99,20 @@ void frmSpedizione::methodsChanged() {
   showPreselection();
 }
 
+bool frmSpedizione::leaveVatRate() {
+  const std::string shown = editor_.leaveVatRate(fromQt(txtIvaSpese_->text()));
+  if (editor_.failure().empty()) {
+    txtIvaSpese_->load(toQt(shown));
+    return true;
+  }
+  txtIvaSpese_->keepUnsaved(toQt("Non salvato. " + editor_.failure()));
+  return false;
+}
+
 void frmSpedizione::accepted() {
-  zones_->storeTyped();
+  if (!methods_->storeTyped()) return pages_->setCurrentWidget(methods_);
+  if (!zones_->storeTyped()) return pages_->setCurrentWidget(zones_);
+  if (!leaveVatRate()) return txtIvaSpese_->setFocus();
   const ShippingAnswer answer = editor_.accept();
   if (answer.closed) {
     finish("OK");

@@ -13,6 +13,7 @@ class QTabWidget;
 namespace kv {
 
 class NumberLine;
+class ShippingMethodsPage;
 class ShippingZonesPage;
 
 /// What the dialog asks of the window that it belongs to.
@@ -37,11 +38,13 @@ class frmSpedizione final : public FormDialog {
   QWidget* makeSettings(char decimalSeparator);
   void showPreselection();  // fills both lists
   void methodsChanged();
+  bool leaveVatRate();
   void accepted();
 
   ShippingEditor editor_;
   // Controls under their given names; Qt owns them.
   QTabWidget* pages_ = nullptr;
+  ShippingMethodsPage* methods_ = nullptr;
   ShippingZonesPage* zones_ = nullptr;
   QComboBox* cboPagamento_ = nullptr;
   QComboBox* cboPaese_ = nullptr;

@@ -53,6 +53,13 @@ bool ShippingEditor::told(const Result<>& outcome) {
   return outcome.has_value();
 }
 
+bool ShippingEditor::toldOnce(const Result<>& outcome) {
+  failure_ = outcome ? std::string() : failureText(outcome.error());
+  if (!outcome && failure_ != toldFailure_) user_.message(failure_, Icon::Exclamation);
+  toldFailure_ = failure_;
+  return outcome.has_value();
+}
+
 bool ShippingEditor::refuse(std::string_view text) {
   user_.message(std::string(text), Icon::Exclamation);
   return false;
@@ -68,7 +75,7 @@ bool ShippingEditor::storePayment(const std::string& column, const Value& value)
 }
 
 std::vector<std::string> ShippingEditor::modules() const {
-  std::vector<std::string> names = listFiles(joinPath(session_.ShopFolder, "code"), "*.kpg");
+  std::vector<std::string> names = listFiles(entryPath(session_.ShopFolder, "code"), "*.kpg");
   for (std::string& name : names) name.resize(name.size() - descriptorEnding);
   return names;
 }
@@ -90,7 +97,9 @@ bool ShippingEditor::setModule(int number, const std::string& module) {
 bool ShippingEditor::setMethodName(int number, const std::string& name) {
   const std::string line = singleLine(name);
   const std::string wanted = trim(line).empty() ? method(number).module : line;
-  return wanted == method(number).name || storePayment(nameColumn(number), Value(wanted));
+  failure_.clear();
+  return wanted == method(number).name ||
+         toldOnce(storeSingle(session_.catalogue, "pagamento", nameColumn(number), Value(wanted)));
 }
 
 bool ShippingEditor::switchMethod(int number, bool on) {
@@ -124,14 +133,14 @@ std::string ShippingEditor::shown(std::string_view table, std::string_view colum
 }
 
 std::string ShippingEditor::leave(std::string_view table, std::string_view column, const std::string& typed) {
+  failure_.clear();
   std::string before = shown(table, column);
   if (typed == before) return before;
   const auto stored = readSingle(session_.catalogue, table, column);
   if (!stored) return before;
   const auto value = costValue(kindOf(column, *stored), storedNumber(typed, separator_));
   if (!value) return before;
-  ignore(told(storeSingle(session_.catalogue, table, column, *value)), "the field shows what is stored");
-  return shown(table, column);
+  return toldOnce(storeSingle(session_.catalogue, table, column, *value)) ? shown(table, column) : before;
 }
 
 std::string ShippingEditor::number(int zone, std::string_view column) { return shown(zoneTable(zone), column); }

@@ -45,7 +45,8 @@ struct ShippingAnswer {
   int zone = 0;  ///< the tab to be shown, 1 to 8; 0: the present one
 };
 
-/// All routines that store return false when they could not, after telling the user why.
+/// All routines that store return false when they could not, after telling the user why. Of names and numbers that are
+/// typed the same failure is told once, until one could be stored.
 class ShippingEditor {
  public:
   /// Both outlive this object. decimalSeparator: of the numbers in the fields.
@@ -54,6 +55,9 @@ class ShippingEditor {
 
   /// The modules that a method can have: the descriptors of the folder `code`, without extension, by name.
   std::vector<std::string> modules() const;
+
+  /// Why the name or number that was left last could not be stored, in Italian; empty when it could, or was no number.
+  const std::string& failure() const { return failure_; }
 
   // The methods, 1 to 4.
   ShippingMethod method(int number);
@@ -114,11 +118,13 @@ class ShippingEditor {
   std::string nameColumn(int number) const;
   bool isActive(int number) { return asFlag(payment("attivo" + std::to_string(number))); }
   bool told(const Result<>& outcome);
+  bool toldOnce(const Result<>& outcome);
   bool refuse(std::string_view text);
 
   Session& session_;
   UserPort& user_;
   char separator_;
+  std::string failure_, toldFailure_;
 };
 
 }  // namespace kv

@@ -173,7 +173,7 @@ void frmOpzioni::showVariants(std::int64_t ID) {
   int row = variants_.empty() ? -1 : 0;
   for (int i = 0; i < static_cast<int>(variants_.size()); ++i) {
     const VariantRow& variant = variants_[static_cast<std::size_t>(i)];
-    DBGrid1_->setCell(i, 0, variant.nome, VariantEditor::canRename(variant));
+    showName(i);
     if (variant.ID == ID) row = i;
   }
   DBGrid1_->goTo(row, 0);
@@ -198,7 +198,13 @@ void frmOpzioni::showOptions(int row) {
     const OptionRow& option = options_[static_cast<std::size_t>(i)];
     int column = 0;
     for (const std::string* text : {&option.codice, &option.testo, &option.prezzo, &option.peso}) {
-      DBGrid2_->setCell(i, column++, *text, true);
+      const auto unsaved = unsavedCells_.find({option.ID, column});
+      if (unsaved == unsavedCells_.end()) {
+        DBGrid2_->setCell(i, column, *text, true);
+      } else {
+        DBGrid2_->setUnsaved(i, column, unsaved->second.text, unsaved->second.reason);
+      }
+      ++column;
     }
   }
   DBGrid2_->goTo(options_.empty() ? -1 : row, std::max(DBGrid2_->currentColumn(), 0));

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 
 #include "commerce/variants/variant_editor.h"
@@ -53,6 +54,9 @@ class frmOpzioni final : public FormDialog {
   void deleteVariant();
   void duplicateVariant();
   void variantEdited(int row);
+  void showName(int row);
+  void storeCell(std::int64_t ID, int column, const std::string& typed);
+  void forgetCells(std::int64_t option);
   void addOption();
   void deleteOption();
   void optionEdited(int row, int column);
@@ -61,11 +65,20 @@ class frmOpzioni final : public FormDialog {
   void showUses();
   /// Shows the panel of all languages beside a row, while its command is down.
   void translate(VariantGrid& grid, int row);
+  /// Tries once more to store what could not be stored; false while something can't.
+  bool storeUnsaved();
   void accepted();
 
   VariantEditor editor_;
   std::vector<VariantRow> variants_;
   std::vector<OptionRow> options_;
+  /// What was typed and could not be stored, with the reason: names by the ID of the variant, cells by that of the
+  /// option and the column.
+  struct Unsaved {
+    std::string text, reason;
+  };
+  std::map<std::int64_t, Unsaved> unsavedNames_;
+  std::map<std::pair<std::int64_t, int>, Unsaved> unsavedCells_;
   std::int64_t initial_ = 0;  // of the slot; 0: none
   std::int64_t chosen_ = 0;
   std::optional<std::int64_t> jump_;

@@ -25,7 +25,11 @@ void frmOpzioni::addVariant() {
 }
 
 void frmOpzioni::deleteVariant() {
-  if (editor_.deleteVariant(currentID())) showVariants(0);
+  const std::int64_t ID = currentID();
+  if (!editor_.deleteVariant(ID)) return;
+  unsavedNames_.erase(ID);
+  for (const OptionRow& option : options_) forgetCells(option.ID);
+  showVariants(0);
 }
 
 void frmOpzioni::duplicateVariant() {
@@ -34,8 +38,36 @@ void frmOpzioni::duplicateVariant() {
 
 void frmOpzioni::variantEdited(int row) {
   VariantRow& variant = variants_[static_cast<std::size_t>(row)];
-  if (editor_.rename(variant.ID, DBGrid1_->cell(row, 0))) variant.nome = DBGrid1_->cell(row, 0);
+  const std::string typed = DBGrid1_->cell(row, 0);
+  if (editor_.rename(variant.ID, typed)) {
+    variant.nome = typed;
+    unsavedNames_.erase(variant.ID);
+  } else {
+    unsavedNames_[variant.ID] = {typed, "Non salvato. " + editor_.failure()};
+  }
+  showName(row);
+}
+
+void frmOpzioni::showName(int row) {
+  const VariantRow& variant = variants_[static_cast<std::size_t>(row)];
+  const auto unsaved = unsavedNames_.find(variant.ID);
+  if (unsaved != unsavedNames_.end()) {
+    return DBGrid1_->setUnsaved(row, 0, unsaved->second.text, unsaved->second.reason);
+  }
   DBGrid1_->setCell(row, 0, variant.nome, VariantEditor::canRename(variant));
+}
+
+void frmOpzioni::storeCell(std::int64_t ID, int column, const std::string& typed) {
+  const bool stored = editor_.setOption(ID, static_cast<OptionCell>(column), typed);
+  if (stored || editor_.failure().empty()) {  // no number: the former one stays
+    unsavedCells_.erase({ID, column});
+  } else {
+    unsavedCells_[{ID, column}] = {typed, "Non salvato. " + editor_.failure()};
+  }
+}
+
+void frmOpzioni::forgetCells(std::int64_t option) {
+  std::erase_if(unsavedCells_, [option](const auto& one) { return one.first.first == option; });
 }
 
 void frmOpzioni::addOption() {
@@ -47,14 +79,14 @@ void frmOpzioni::addOption() {
 
 void frmOpzioni::deleteOption() {
   const int row = DBGrid2_->currentRow();
-  if (optionID() == 0 || !editor_.deleteOption(optionID())) return;
+  const std::int64_t ID = optionID();
+  if (ID == 0 || !editor_.deleteOption(ID)) return;
+  forgetCells(ID);
   showOptions(std::max(VariantEditor::afterDeletion(row, static_cast<int>(options_.size()) - 1), 0));
 }
 
 void frmOpzioni::optionEdited(int row, int column) {
-  const std::int64_t ID = options_[static_cast<std::size_t>(row)].ID;
-  ignore(editor_.setOption(ID, static_cast<OptionCell>(column), DBGrid2_->cell(row, column)),
-         "the cell shows what is stored");
+  storeCell(options_[static_cast<std::size_t>(row)].ID, column, DBGrid2_->cell(row, column));
   showOptions(row);
 }
 
@@ -78,7 +110,7 @@ void frmOpzioni::showUses() {
         ->setData(static_cast<qlonglong>(uses[i].ID));
   }
   const QAction* chosen = menu.exec(cmdUso_->mapToGlobal(cmdUso_->rect().bottomLeft()));
-  if (chosen == nullptr || !editor_.accept()) return;
+  if (chosen == nullptr || !storeUnsaved() || !editor_.accept()) return;
   jump_ = chosen->data().toLongLong();
   chosen_ = initial_ == 0 ? noVariantID : initial_;
   finish("OK");
@@ -100,10 +132,20 @@ void frmOpzioni::translate(VariantGrid& grid, int row) {
   hiding_->start(languagePanelTime);
 }
 
+bool frmOpzioni::storeUnsaved() {
+  const auto names = unsavedNames_;
+  for (const auto& [ID, unsaved] : names) {
+    if (editor_.rename(ID, unsaved.text)) unsavedNames_.erase(ID);
+  }
+  const auto cells = unsavedCells_;
+  for (const auto& [cell, unsaved] : cells) storeCell(cell.first, cell.second, unsaved.text);
+  return unsavedNames_.empty() && unsavedCells_.empty();
+}
+
 void frmOpzioni::accepted() {
   // A cell that is being typed into is stored when the focus leaves it.
   setFocus();
-  if (!editor_.accept()) return;
+  if (!storeUnsaved() || !editor_.accept()) return;
   chosen_ = currentID() == 0 ? noVariantID : currentID();
   finish("OK");
 }

@@ -5,9 +5,11 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QStyle>
 
 #include "platform/qt/frm_dialog.h"
 #include "platform/qt/frm_number_line.h"
+#include "platform/qt/frm_reference_note.h"
 
 namespace kv {
 
@@ -16,6 +18,7 @@ QWidget* CellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
   QLineEdit* line = rule_.isNumber ? new NumberLine(rule_.keys, parent) : new QLineEdit(parent);
   if (rule_.longest > 0) line->setMaxLength(rule_.longest);
   line->setFrame(false);
+  if (!rule_.isNumber) noteReferences(line);
   return named(line, "celCella", rule_.spoken);
 }
 
@@ -54,6 +57,17 @@ void VariantGrid::setCell(int row, int column, const std::string& text, bool edi
   cell->setText(toQt(text));
   cell->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | (editable ? Qt::ItemIsEditable : Qt::NoItemFlags));
   cell->setData(Qt::AccessibleTextRole, spoken.empty() ? QVariant() : QVariant(toQt(spoken)));
+  for (const int role : {Qt::DecorationRole, Qt::ToolTipRole, Qt::AccessibleDescriptionRole}) cell->setData(role, {});
+  filling_ = false;
+}
+
+void VariantGrid::setUnsaved(int row, int column, const std::string& text, const std::string& reason) {
+  setCell(row, column, text, true);
+  filling_ = true;
+  auto* cell = item(row, column);
+  cell->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this));
+  cell->setToolTip(toQt(reason));
+  cell->setData(Qt::AccessibleDescriptionRole, toQt(reason));
   filling_ = false;
 }
 

@@ -48,6 +48,8 @@ class VariantGrid final : public QTableWidget {
   /// spoken: what a screen reader says instead; empty: the text.
   void setCell(int row, int column, const std::string& text, bool editable, const std::string& spoken = {});
   std::string cell(int row, int column) const;
+  /// Shows a text that could not be stored, with a picture and the reason as its tip.
+  void setUnsaved(int row, int column, const std::string& text, const std::string& reason);
   /// Shows this many rows and goes to one of them, -1 for none, with no command run.
   void setRows(int count);
   void goTo(int row, int column);

@@ -74,6 +74,13 @@ bool VariantEditor::told(const Result<>& outcome) {
   return outcome.has_value();
 }
 
+bool VariantEditor::toldOnce(const Result<>& outcome) {
+  failure_ = outcome ? std::string() : failureText(outcome.error());
+  if (!outcome && failure_ != toldFailure_) user_.message(failure_, Icon::Exclamation);
+  toldFailure_ = failure_;
+  return outcome.has_value();
+}
+
 std::vector<VariantRow> VariantEditor::variants() {
   std::vector<VariantRow> rows;
   eachRow(session_.catalogue, "SELECT ID, nome" + std::string(suffix()) + " FROM opzioni ORDER BY ID", 0,
@@ -96,11 +103,11 @@ bool VariantEditor::canRename(const VariantRow& row) { return row.ID != noVarian
 bool VariantEditor::rename(std::int64_t ID, std::string_view nome) {
   auto statement =
       session_.catalogue.prepare("UPDATE opzioni SET nome" + std::string(suffix()) + " = ?1 WHERE ID = ?2");
-  if (!statement) return told(fail(statement.error()));
+  if (!statement) return toldOnce(fail(statement.error()));
   const std::string cut(firstCharacters(singleLine(nome), longestVariantName));
   statement->bind(1, cut);
   statement->bind(2, ID);
-  return told(statement->execute());
+  return toldOnce(statement->execute());
 }
 
 std::optional<std::int64_t> VariantEditor::addVariant() {
@@ -187,14 +194,15 @@ bool VariantEditor::deleteOption(std::int64_t ID) {
 int VariantEditor::afterDeletion(int index, int rowsLeft) { return std::min(index, rowsLeft - 1); }
 
 bool VariantEditor::setOption(std::int64_t ID, OptionCell cell, const std::string& typed) {
+  failure_.clear();
   const auto value = optionValue(cell, typed, storedNumber(typed, separator_));
   if (!value) return false;
   auto row = session_.catalogue.openRecordset("SELECT * FROM dettagliop WHERE ID = " + std::to_string(ID));
-  if (!row) return told(fail(row.error()));
+  if (!row) return toldOnce(fail(row.error()));
   row->moveFirst();
-  if (auto begun = row->edit(); !begun) return told(begun);
-  if (auto set = row->set(optionColumn(cell, suffix()), *value); !set) return told(set);
-  return told(row->update());
+  if (auto begun = row->edit(); !begun) return toldOnce(begun);
+  if (auto set = row->set(optionColumn(cell, suffix()), *value); !set) return toldOnce(set);
+  return toldOnce(row->update());
 }
 
 bool VariantEditor::markOption(std::int64_t variant, std::int64_t ID) {

@@ -57,6 +57,9 @@ class VariantEditor {
   /// Both outlive this object. decimalSeparator: of the numbers in the grid.
   VariantEditor(Session& session, UserPort& user, char decimalSeparator);
 
+  /// Why the name or cell that was typed last could not be stored, in Italian; empty when it could, or was no number.
+  const std::string& failure() const { return failure_; }
+
   // The variants.
   /// All of them, by ID.
   std::vector<VariantRow> variants();
@@ -114,11 +117,14 @@ class VariantEditor {
  private:
   std::string_view suffix() const;  // of the language being edited
   bool told(const Result<>& outcome);
+  /// The same of what is typed: told once, until something could be stored.
+  bool toldOnce(const Result<>& outcome);
   std::string translated(std::string_view table, std::string_view column, std::int64_t ID);
 
   Session& session_;
   UserPort& user_;
   char separator_;
+  std::string failure_, toldFailure_;
 };
 
 }  // namespace kv

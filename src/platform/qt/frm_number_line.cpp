@@ -44,6 +44,11 @@ NumberLine::NumberLine(const NumberKeys& keys, QWidget* parent)
 }
 
 void NumberLine::load(const QString& number) {
+  if (unsaved_) {
+    mark_->clear();
+    setModified(false);
+    unsaved_ = false;
+  }
   const QString shown = toQt(typedNumber(fromQt(number), keys_));
   if (shown == text()) return;
   if (mark_ != nullptr) mark_->clear();
@@ -55,6 +60,13 @@ void NumberLine::mark(const QString& note) {
   if (mark_ == nullptr) mark_ = new FieldMark(this);
   noted_ = true;
   mark_->show(note);
+}
+
+void NumberLine::keepUnsaved(const QString& reason) {
+  mark(reason);
+  noted_ = false;
+  unsaved_ = true;
+  setModified(true);
 }
 
 void NumberLine::edited() {

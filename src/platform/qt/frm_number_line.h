@@ -40,6 +40,8 @@ class NumberLine final : public QLineEdit {
   explicit NumberLine(const NumberKeys& keys, QWidget* parent = nullptr);
   /// Shows a number that was not typed here; the mark of another one is hidden.
   void load(const QString& number);
+  /// The text could not be stored, and stays with a mark that says why; it is modified still, until a number is loaded.
+  void keepUnsaved(const QString& reason);
 
  protected:
   /// Selects the whole text, whatever way the focus has come.
@@ -55,6 +57,7 @@ class NumberLine final : public QLineEdit {
   NumberFilter* filter_;
   FieldMark* mark_ = nullptr;  ///< made when there is something to say
   bool noted_ = false;         ///< said of the text that is about to change
+  bool unsaved_ = false;
 };
 
 }  // namespace kv
