@@ -144,5 +144,28 @@ TEST_F(ChoosingAPicture, AVanishedFolderIsMadeAgain) {
   EXPECT_EQ(chosen.accept(large), "larga_0001.jpg");
 }
 
+TEST_F(ChoosingAPicture, ASideTheCatalogueCannotHoldIsRefusedByNameUnlessItIsReduced) {
+  const std::string wide = root / "striscia.jpg";
+  cDIBSection bitmap;
+  ASSERT_TRUE(bitmap.Create(32768, 1));
+  ASSERT_TRUE(SaveJPG(bitmap, wide, 90));
+  PictureChoice asItIs = choice(false);
+  EXPECT_EQ(asItIs.accept(wide), std::nullopt);
+  EXPECT_EQ(user.texts(), std::vector<std::string>{
+                              "L'immagine \"striscia.jpg\" è di 32768 x 1 punti, e nessun lato può superare 32767 "
+                              "punti.\nRidurla prima di sceglierla, o farla adattare alle misure."});
+  EXPECT_TRUE(inWork().empty());
+  ASSERT_TRUE(copyFile(wide, work + "/striscia.jpg"));
+  asItIs.tab = PictureTab::Shop;
+  EXPECT_EQ(asItIs.accept(work + "/striscia.jpg"), std::nullopt);
+  user.shown.clear();
+  PictureChoice reduced = choice(true);
+  EXPECT_EQ(reduced.accept(wide), "striscia_0001.jpg");
+  EXPECT_TRUE(user.texts().empty());
+  ASSERT_TRUE(bitmap.Create(32767, 1));
+  ASSERT_TRUE(SaveJPG(bitmap, wide, 90));
+  EXPECT_EQ(choice(false).accept(wide), "striscia_0002.jpg");
+}
+
 }  // namespace
 }  // namespace kv

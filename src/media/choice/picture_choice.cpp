@@ -10,6 +10,15 @@ namespace kv {
 namespace {
 
 constexpr int jpegQuality = 90;
+constexpr int longestSide = 32767;  // what the columns of the sizes hold
+
+/// Why a picture of this size can't be the shop's; empty when it can.
+std::string refusedSize(std::string_view path, ImageSize size) {
+  if (size.width <= longestSide && size.height <= longestSide) return {};
+  return "L'immagine \"" + std::string(baseName(path)) + "\" è di " + std::to_string(size.width) + " x " +
+         std::to_string(size.height) +
+         " punti, e nessun lato può superare 32767 punti.\nRidurla prima di sceglierla, o farla adattare alle misure.";
+}
 
 Result<> copyWithoutLocation(const std::string& from, const std::string& to) {
   const auto bytes = readBytes(from);
@@ -94,6 +103,11 @@ std::optional<std::string> PictureChoice::accept(const std::string& path) {
   decoded_ = {};  // the file may have changed since it was shown
   const PicturePreview shown = preview(path);
   if (shown.mode == PictureMode::Unreadable) return std::string();
+  const ImageSize size = shown.size.width > 0 ? shown.size : shownSize(path).value_or(ImageSize{});
+  if (const std::string refusal = refusedSize(path, size); !refusal.empty()) {
+    user_.message(refusal, Icon::Exclamation);
+    return std::nullopt;
+  }
   auto name = bringIn(path, shown);
   if (!name) {
     user_.message(failureText(name.error(), baseName(path)), Icon::Critical);

@@ -72,8 +72,8 @@ class PictureChoice {
   bool leaveHeight(std::string_view text) { return takeLimit(text, values.limits.height); }
 
   /// OK: brings the picture into the image folder, stores the settings and gives its name there; an empty text when the
-  /// file can't be read. Nothing, after a message, when the picture couldn't be written: the dialog stays.
-  /// No file of the folder is ever replaced, and none is left half written.
+  /// file can't be read. Nothing, after a message, when the picture couldn't be written, or a side of it would be
+  /// longer than 32767 pixels: the dialog stays. No file of the folder is ever replaced, and none is left half written.
   std::optional<std::string> accept(const std::string& path);
 
  private:
