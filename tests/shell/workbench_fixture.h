@@ -28,7 +28,8 @@ class FakeView final : public WorkbenchView {
   Tab tab = Tab::Departments;
   std::map<std::string, bool, std::less<>> enabled;
   std::vector<std::string> told;
-  std::vector<std::int64_t> group;  ///< what is selected in the list
+  std::vector<std::int64_t> group;       ///< what is selected in the list
+  std::vector<std::string> departments;  ///< what is selected in the tree
   std::string selected, status, title;
   int listino = 0, busy = 0, mostBusy = 0, edits = 0;
   std::multiset<EditedSet> fields;
@@ -52,6 +53,7 @@ class FakeView final : public WorkbenchView {
   void articlesChanged() override { told.emplace_back("articles"); }
   void selectArticle() override { told.emplace_back("article"); }
   std::vector<std::int64_t> selectedArticles() const override { return group; }
+  std::vector<std::string> selectedDepartments() const override { return departments; }
   void focusTree() override { told.emplace_back("focus tree"); }
   void startRow(EditedSet set) override {
     told.push_back(set == EditedSet::Articoli ? "new article" : "new department");

@@ -225,6 +225,7 @@ void frmMain::expandTree(bool expanded) { tree_->expandTree(expanded); }
 void frmMain::articlesChanged() { articles_->rebuild(); }
 void frmMain::selectArticle() { articles_->selectCurrent(); }
 std::vector<std::int64_t> frmMain::selectedArticles() const { return articles_->selected(); }
+std::vector<std::string> frmMain::selectedDepartments() const { return tree_->selected(); }
 void frmMain::focusTree() { tree_->setFocus(Qt::OtherFocusReason); }
 
 void frmMain::startRow(EditedSet set) {

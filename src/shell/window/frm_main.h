@@ -75,6 +75,7 @@ class frmMain final : public QMainWindow, public WorkbenchView, public IntroTarg
   void articlesChanged() override;
   void selectArticle() override;
   std::vector<std::int64_t> selectedArticles() const override;
+  std::vector<std::string> selectedDepartments() const override;
   void focusTree() override;
   /// Nothing while the details are hidden: the keyboard stays in tree or list.
   void startRow(EditedSet set) override;

@@ -200,45 +200,6 @@ void Workbench::MostraArticolo(std::int64_t ID) {
   if (*found) selectTab(Tab::Articles);
 }
 
-bool Workbench::canMoveNode(const std::string& key, const std::string& nuovoParent) const {
-  if (key.empty() || key == treeRoot || key == nuovoParent) return false;
-  const auto& nodes = sets_.tree();
-  const auto nodeOf = [&](const std::string& ID) { return std::ranges::find(nodes, ID, &TreeNode::ID); };
-  if (nodeOf(key) == nodes.end()) return false;
-  // A tree of n departments is at most n deep, whatever its rows say.
-  std::size_t steps = 0;
-  for (std::string each = nuovoParent; each != treeRoot && steps <= nodes.size(); ++steps) {
-    const auto node = nodeOf(each);
-    if (node == nodes.end() || node->genitore == key) return false;
-    each = node->genitore;
-  }
-  return true;
-}
-
-void Workbench::SpostaNodo(const std::string& key, const std::string& nuovoParent) {
-  if (!view_.finishEdits()) return;
-  if (!canMoveNode(key, nuovoParent)) return;
-  Result<> moved;
-  {
-    const BusyGuard busy(view_);
-    moved = history_.record("Trascina reparto", [&] { return editing_.SpostaNodo(key, nuovoParent); });
-  }
-  showError(moved);
-  view_.entriesChanged();
-}
-
-bool Workbench::canMoveArticles(const std::string& department) const {
-  if (!sets_.onArticle() || department == sets_.department()) return false;
-  return std::ranges::find(sets_.tree(), department, &TreeNode::ID) != sets_.tree().end();
-}
-
-void Workbench::SpostaInReparto(const ArticleGroup& group, const std::string& department) {
-  if (!view_.finishEdits() || !canMoveArticles(department)) return;
-  const std::string step = group.size() > 1 ? "Trascina articoli" : "Trascina articolo";
-  showError(history_.record(step, [&] { return editing_.SpostaInReparto(group, department); }));
-  view_.entriesChanged();
-}
-
 Workbench::LeftField Workbench::leaveField(const Editor& editor, const std::string& text) {
   if (!isOpen()) return {};
   const FieldStore::Reading reading = fields_.read(editor, text);
@@ -319,7 +280,7 @@ std::string Workbench::besideField(const Editor& editor, const std::string& text
 std::string Workbench::buildStatus() {
   if (!sets_.isBound()) return {};
   constexpr std::int64_t nanoseconds = 1'000'000'000;
-  const auto built = fileStamp(joinPath(session_.ShopFolder, "kvftp.dat"));
+  const auto built = fileStamp(entryPath(session_.ShopFolder, "kvftp.dat"));
   if (!built) return "Mai costruito";
   if (built->changedAt != builtAt_) {
     builtAt_ = built->changedAt;
@@ -333,7 +294,7 @@ std::string Workbench::buildStatus() {
 
 std::string Workbench::picturePath(const Editor& editor) {
   const std::string name = pictureName(sets_, {editor.set, editor.number});
-  return name.empty() ? name : joinPath(joinPath(session_.ShopFolder, "work"), name);
+  return name.empty() ? name : entryPath(entryPath(session_.ShopFolder, "work"), name);
 }
 
 void Workbench::showError(const Result<>& outcome) {

@@ -63,6 +63,8 @@ class Workbench final : private SetsListener {
   void MostraArticolo(std::int64_t ID);
   /// SpostaNodo (move a node): a drop of a department on another, or on the root. Nothing where canMoveNode refuses.
   void SpostaNodo(const std::string& key, const std::string& nuovoParent);
+  /// SpostaNodi: a drop of several departments. Nothing where canMoveNode refuses one of them.
+  void SpostaNodi(const DepartmentGroup& group, const std::string& nuovoParent);
   /// Whether the drop is allowed: not of the root, nor onto itself or one of its own descendants.
   bool canMoveNode(const std::string& key, const std::string& nuovoParent) const;
   /// SpostaInReparto (move into a department): a drop of articles of the list on a department. Nothing where

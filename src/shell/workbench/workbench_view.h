@@ -41,6 +41,8 @@ class WorkbenchView {
 
   /// The articles that are selected in the list, in its order; empty when there is none, or one alone is current.
   virtual std::vector<std::int64_t> selectedArticles() const = 0;
+  /// The departments that are selected in the tree, by ID in its order, without the root.
+  virtual std::vector<std::string> selectedDepartments() const = 0;
   /// The keyboard goes to the tree, which shows where it is.
   virtual void focusTree() = 0;
   /// The keyboard goes to the first field of the row that has just been added, its text selected.

@@ -115,21 +115,33 @@ struct CopyWriter {
   }
 };
 
-/// What is pasted with a department: its row in the clipboard, 0 for none, and whether its articles were copied.
-struct ClippedDepartment {
-  std::int64_t row = 0;
-  bool withArticles = false;
-};
+}  // namespace
 
-Result<ClippedDepartment> clippedDepartment(Database& catalogue) {
-  auto query = catalogue.prepare("SELECT rowid, incolla_articoli FROM clipcategorie LIMIT 1");
+Result<std::vector<TreeEditing::ClippedDepartment>> TreeEditing::clippedDepartments() {
+  auto query = sets_.session().catalogue.prepare(
+      "SELECT rowid, ID, genitore, incolla_articoli FROM clipcategorie ORDER BY rowid");
   if (!query) return fail(query.error());
-  const auto found = query->step();
-  if (!found) return fail(found.error());
-  return *found ? ClippedDepartment{query->integer(0), query->flag(1)} : ClippedDepartment();
+  std::vector<ClippedDepartment> clipped;
+  for (auto row = query->step();; row = query->step()) {
+    if (!row) return fail(row.error());
+    if (!*row) return clipped;
+    clipped.push_back({query->integer(0), asText(query->value(1)), asText(query->value(2)), query->flag(3)});
+  }
 }
 
-}  // namespace
+/// Leaves the departments alone in their clipboard table. It says what hung where only for several: one department is
+/// pasted wherever the cursor is.
+Result<> TreeEditing::copyDepartments(const std::string& IDs, bool withArticles) {
+  Database& catalogue = sets_.session().catalogue;
+  auto names = carriedColumns(catalogue, "categorie");
+  if (!names) return fail(names.error());
+  if (auto emptied = catalogue.execute("DELETE FROM clipcategorie"); !emptied) return emptied;
+  return runWith(catalogue,
+                 "INSERT INTO clipcategorie (" + *names + ", ID, genitore, incolla_articoli) SELECT " + *names +
+                     ", ID, genitore, ?1 FROM categorie WHERE ID IN (SELECT value FROM json_each(?2)) "
+                     "ORDER BY (SELECT scelto.key FROM json_each(?2) AS scelto WHERE scelto.value = categorie.ID)",
+                 {Value(withArticles), Value(IDs)});
+}
 
 Result<> TreeEditing::copyArticles(const std::string& condition, const Value& value) {
   Database& catalogue = sets_.session().catalogue;
@@ -257,13 +269,15 @@ Result<> TreeEditing::IncollaArticoli() {
 }
 
 Result<> TreeEditing::IncollaReparto() {
-  auto clipped = clippedDepartment(sets_.session().catalogue);
-  if (!clipped) return fail(clipped.error());
-  if (clipped->row == 0) return {};
+  auto all = clippedDepartments();
+  if (!all) return fail(all.error());
+  if (all->empty()) return {};
+  const ClippedDepartment* clipped = &all->front();
   auto wanted = clipped->withArticles ? wantsArticles() : Result<bool>(false);
   if (!wanted) return fail(wanted.error());
   std::optional<WaitPointer> pointer;
   if (*wanted) pointer.emplace(hooks_);
+  if (all->size() > 1) return pasteDepartments(*all, *wanted);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   auto made = sets_.onDepartment() ? NuovoReparto(false) : addUnderCurrent();

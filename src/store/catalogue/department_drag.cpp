@@ -1,5 +1,6 @@
 // Dragging a department under another: the tree is changed first, then written back whole.
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "store/catalogue/tree_change.h"
@@ -60,15 +61,25 @@ class DraggedTree {
 }  // namespace
 
 Result<> TreeEditing::SpostaNodo(const std::string& key, const std::string& nuovoParent) {
+  return SpostaNodi({key}, nuovoParent);
+}
+
+Result<> TreeEditing::SpostaNodi(const DepartmentGroup& group, const std::string& nuovoParent) {
   if (auto built = sets_.CostruisciAlbero(0); !built) return built;
   DraggedTree tree(sets_.tree());
-  if (!tree.has(key) || (nuovoParent != treeRoot && !tree.has(nuovoParent))) return {};
-  if (nuovoParent != treeRoot && tree.isUnder(nuovoParent, key)) return {};
-  tree.hang(key, nuovoParent);
+  if (group.empty() || (nuovoParent != treeRoot && !tree.has(nuovoParent))) return {};
+  DepartmentGroup moved;
+  for (const std::string& key : group) {
+    if (!tree.has(key)) return {};
+    if (nuovoParent != treeRoot && tree.isUnder(nuovoParent, key)) return {};
+    const auto holdsKey = [&](const std::string& other) { return other != key && tree.isUnder(key, other); };
+    if (std::ranges::none_of(group, holdsKey)) moved.push_back(key);
+  }
+  for (const std::string& key : moved) tree.hang(key, nuovoParent);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   if (auto written = tree.write(sets_.session().catalogue); !written) return written;
-  return change.keepAndShow(key);
+  return change.keepAndShow(group.front());
 }
 
 }  // namespace kv

@@ -35,7 +35,7 @@ Result<TreeEditing::NewDepartment> TreeEditing::addDepartment(const DepartmentPl
     if (auto set = rows->set(column, value); !set) return fail(set.error());
   }
   if (auto done = rows->update(); !done) return fail(done.error());
-  return NewDepartment{contatore, key};
+  return NewDepartment{contatore, key, plan.livello};
 }
 
 Result<TreeEditing::NewDepartment> TreeEditing::NuovoReparto(bool after) {
@@ -66,15 +66,14 @@ Result<> TreeEditing::InserisciRepartoDopo() { return insertDepartment(true); }
 Result<> TreeEditing::InserisciRepartoPrima() { return insertDepartment(false); }
 
 Result<TreeEditing::NewDepartment> TreeEditing::addUnderCurrent() {
+  if (!sets_.onDepartment()) return addUnder(std::string(treeRoot), 1);
+  auto current = readCurrent(sets_);
+  if (!current) return fail(current.error());
+  return addUnder(current->ID, current->livello + 1);
+}
+
+Result<TreeEditing::NewDepartment> TreeEditing::addUnder(const std::string& parent, std::int64_t level) {
   Database& catalogue = sets_.session().catalogue;
-  std::string parent(treeRoot);
-  std::int64_t level = 1;
-  if (sets_.onDepartment()) {
-    auto current = readCurrent(sets_);
-    if (!current) return fail(current.error());
-    parent = current->ID;
-    level = current->livello + 1;
-  }
   auto last = scalarWith(catalogue,
                          "SELECT ordinamento FROM categorie WHERE COALESCE(genitore, '###') = ? "
                          "ORDER BY livello DESC, ordinamento DESC, contatore DESC LIMIT 1",

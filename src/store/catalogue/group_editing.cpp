@@ -23,16 +23,6 @@ constexpr const char* inGroup = "ID IN (SELECT value FROM json_each(?))";
 
 bool holds(const ArticleGroup& group, std::int64_t ID) { return std::ranges::find(group, ID) != group.end(); }
 
-/// The keys with the group one position further in a direction; at the end of the list it stays together.
-std::vector<std::int64_t> shifted(std::vector<std::int64_t> keys, const ArticleGroup& group, int direzione) {
-  if (direzione > 0) std::ranges::reverse(keys);
-  for (std::size_t i = 1; i < keys.size(); ++i) {
-    if (holds(group, keys[i]) && !holds(group, keys[i - 1])) std::swap(keys[i], keys[i - 1]);
-  }
-  if (direzione > 0) std::ranges::reverse(keys);
-  return keys;
-}
-
 /// Those of the keys that the group has, in the order of the keys.
 std::vector<std::int64_t> inOrder(const std::vector<std::int64_t>& keys, const ArticleGroup& group) {
   const std::unordered_set<std::int64_t> wanted(group.begin(), group.end());
@@ -87,12 +77,7 @@ Result<> TreeEditing::SpostaArticoli(const ArticleGroup& group, int direzione) {
   Database& catalogue = sets_.session().catalogue;
   auto list = readOrder(catalogue, articlesInOrder, Value(at->department));
   if (!list) return fail(list.error());
-  const std::vector<std::int64_t> wanted = shifted(list->keys, group, direzione);
-  OrderWriter orders(catalogue, writeArticleOrder);
-  for (std::size_t i = 0; i < wanted.size(); ++i) {
-    if (wanted[i] == list->keys[i]) continue;
-    if (auto moved = orders.write(wanted[i], list->orders[i]); !moved) return moved;
-  }
+  if (auto moved = writeShifted(catalogue, *list, group, direzione, writeArticleOrder); !moved) return moved;
   return change.keepAndShowArticle(at->department, at->article);
 }
 

@@ -13,6 +13,18 @@ Result<Statement> prepareWith(Database& database, std::string_view sql, std::ini
   return statement;
 }
 
+/// The keys with the group one position further.
+std::vector<std::int64_t> shifted(std::vector<std::int64_t> keys, const std::vector<std::int64_t>& group,
+                                  int direzione) {
+  const auto holds = [&](std::int64_t key) { return std::ranges::find(group, key) != group.end(); };
+  if (direzione > 0) std::ranges::reverse(keys);
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    if (holds(keys[i]) && !holds(keys[i - 1])) std::swap(keys[i], keys[i - 1]);
+  }
+  if (direzione > 0) std::ranges::reverse(keys);
+  return keys;
+}
+
 }  // namespace
 
 Result<> TreeChange::keep() {
@@ -109,6 +121,17 @@ Result<> OrderWriter::write(std::int64_t key, std::int64_t order) {
   statement_->bind(1, order);
   statement_->bind(2, key);
   return statement_->execute();
+}
+
+Result<> writeShifted(Database& database, const OrderedList& list, const std::vector<std::int64_t>& group,
+                      int direzione, std::string_view update) {
+  const std::vector<std::int64_t> wanted = shifted(list.keys, group, direzione);
+  OrderWriter orders(database, update);
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    if (wanted[i] == list.keys[i]) continue;
+    if (auto moved = orders.write(wanted[i], list.orders[i]); !moved) return moved;
+  }
+  return {};
 }
 
 }  // namespace kv

@@ -101,6 +101,10 @@ class OrderWriter {
   std::string_view update_;
   std::optional<Statement> statement_;  ///< none before the first write
 };
+/// Moves a group of a list one position further in a direction, -1 up, +1 down; at the end of the list it stays
+/// together. `update`: as OrderWriter's.
+Result<> writeShifted(Database& database, const OrderedList& list, const std::vector<std::int64_t>& group,
+                      int direzione, std::string_view update);
 /// The statements for the two lists.
 inline constexpr std::string_view writeArticleOrder = "UPDATE articoli SET ordinamento = ? WHERE ID = ?";
 inline constexpr std::string_view writeDepartmentOrder = "UPDATE categorie SET ordinamento = ? WHERE contatore = ?";

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,9 @@ struct EditingHooks {
 
 /// IDs of articles of the current department. Those of other departments, and unknown ones, are passed over.
 using ArticleGroup = std::vector<std::int64_t>;
+
+/// IDs of departments, in the order of the tree.
+using DepartmentGroup = std::vector<std::string>;
 
 /// Shows the wait cursor as long as it lives, where the window has one.
 class WaitPointer {
@@ -107,10 +111,24 @@ class TreeEditing {
   /// unknown one.
   Result<> SpostaInReparto(const ArticleGroup& group, const std::string& department);
 
+  // The same for several departments: one question, one change.
+
+  /// EliminaReparti: asks once, with No as the default, and says how many articles go with them. A department that
+  /// holds others than these stays, and so do all when no other would be left; the merchant is told why. The nearest
+  /// department above that stays is current then.
+  Result<> EliminaReparti(const DepartmentGroup& group);
+  /// CopiaReparti: to the clipboard tables, which then say by ID, `genitore` and `catID` what belongs where.
+  Result<> CopiaReparti(const DepartmentGroup& group);
+  /// SpostaReparti: each exchanges its position with the sibling that isn't one of them; direzione -1 up, +1 down.
+  Result<> SpostaReparti(const DepartmentGroup& group, int direzione);
+
   /// SpostaNodo (move a node): hangs a department under another, or under the root. Refused, without a word: onto
   /// itself or onto its own descendant. All departments take the order numbers of the tree that results.
   /// "###" names the root. Unknown IDs change nothing.
   Result<> SpostaNodo(const std::string& key, const std::string& nuovoParent);
+  /// SpostaNodi: the same for several; one that is under another of them goes along with it. Refused for all when it is
+  /// for one.
+  Result<> SpostaNodi(const DepartmentGroup& group, const std::string& nuovoParent);
 
  private:
   /// What a new department starts with.
@@ -123,7 +141,17 @@ class TreeEditing {
   struct NewDepartment {
     std::int64_t contatore = 0;  ///< serial number
     std::string ID;
+    std::int64_t livello = 1;
   };
+  /// A department of the clipboard. The IDs are of the department it was copied from, and empty when it was copied
+  /// alone.
+  struct ClippedDepartment {
+    std::int64_t row = 0;
+    std::string ID, genitore;
+    bool withArticles = false;  ///< its articles were copied, too
+  };
+  /// What was pasted, by the IDs of the clipboard.
+  using Pasted = std::map<std::string, NewDepartment>;
 
   // Parts of commands; each writes inside the transaction of its command and shows nothing.
   /// Its ID.
@@ -131,9 +159,14 @@ class TreeEditing {
   Result<NewDepartment> NuovoReparto(bool after);
   Result<NewDepartment> addDepartment(const DepartmentPlan& plan);
   Result<NewDepartment> addUnderCurrent();
+  Result<NewDepartment> addUnder(const std::string& parent, std::int64_t level);
   /// False when there is no neighbour in that direction.
   Result<bool> exchange(TreeList list, std::int64_t key, const Value& holder, int direzione);
   Result<> copyArticles(const std::string& condition, const Value& value);
+  /// The departments of a JSON array of IDs, in its order.
+  Result<> copyDepartments(const std::string& IDs, bool withArticles);
+  Result<std::vector<ClippedDepartment>> clippedDepartments();
+  Result<NewDepartment> pasteOne(const ClippedDepartment& clipped, const Pasted& parents);
   Result<> fill(std::string_view table, std::string_view clipboard, std::int64_t from, std::int64_t to);
   Result<std::int64_t> pasteArticles(const CatalogueCursors& at);
   /// Copies of rows of a table, after an article; the ID of the last one.
@@ -148,6 +181,7 @@ class TreeEditing {
   Result<> insertArticle(bool after);
   Result<> insertDepartment(bool after);
   Result<> deleteDepartment(const std::string& department, const std::string& parent);
+  Result<> pasteDepartments(const std::vector<ClippedDepartment>& clipped, bool withArticles);
   Result<bool> wantsArticles();
   bool ask(const std::string& text, Answer preset) const;
 

@@ -4,10 +4,17 @@
 #include <QList>
 
 namespace kv {
+namespace {
 
-QMimeData* draggedDepartment(const std::string& ID) {
+constexpr char lineEnd = '\n';
+
+}  // namespace
+
+QMimeData* draggedDepartments(const DepartmentGroup& group) {
+  QByteArray text;
+  for (const std::string& ID : group) text += QByteArray::fromStdString(ID) + lineEnd;
   auto* data = new QMimeData;
-  data->setData(departmentMime, QByteArray::fromStdString(ID));
+  data->setData(departmentMime, text);
   return data;
 }
 
@@ -19,7 +26,13 @@ QMimeData* draggedArticles(const ArticleGroup& group) {
   return data;
 }
 
-std::string departmentOf(const QMimeData& data) { return data.data(departmentMime).toStdString(); }
+DepartmentGroup departmentsOf(const QMimeData& data) {
+  DepartmentGroup group;
+  for (const QByteArray& ID : data.data(departmentMime).split(lineEnd)) {
+    if (!ID.isEmpty()) group.push_back(ID.toStdString());
+  }
+  return group;
+}
 
 ArticleGroup articlesOf(const QMimeData& data) {
   ArticleGroup group;

@@ -1,5 +1,5 @@
 #pragma once
-// What is dragged in the main window: a department of the tree, or articles of the list. Other programs are offered
+// What is dragged in the main window: departments of the tree, or articles of the list. Other programs are offered
 // nothing, and nothing of theirs is taken.
 
 #include <QMimeData>
@@ -14,12 +14,12 @@ namespace kv {
 inline constexpr QLatin1String departmentMime("application/x-korvane-reparto");
 inline constexpr QLatin1String articleMime("application/x-korvane-articoli");
 
-/// A department as what is dragged, by its ID; the caller owns it.
-QMimeData* draggedDepartment(const std::string& ID);
+/// Departments as what is dragged, by their IDs; the caller owns it.
+QMimeData* draggedDepartments(const DepartmentGroup& group);
 /// Articles as what is dragged; the caller owns it.
 QMimeData* draggedArticles(const ArticleGroup& group);
-/// The department that is dragged; empty when something else is.
-std::string departmentOf(const QMimeData& data);
+/// The departments that are dragged; none when something else is.
+DepartmentGroup departmentsOf(const QMimeData& data);
 /// The articles that are dragged; none when something else is.
 ArticleGroup articlesOf(const QMimeData& data);
 

@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QTimer>
+#include <algorithm>
 #include <cstdlib>
 
 #include "platform/qt/frm_dialog.h"
@@ -98,15 +99,29 @@ Qt::ItemFlags DepartmentModel::flags(const QModelIndex& index) const {
 
 QStringList DepartmentModel::mimeTypes() const { return {departmentMime, articleMime}; }
 
+DepartmentGroup DepartmentModel::departmentsAt(const QModelIndexList& indexes) const {
+  std::vector<std::size_t> places;
+  for (const QModelIndex& index : indexes) {
+    if (index.isValid() && index.internalId() != 0) places.push_back(static_cast<std::size_t>(index.internalId()));
+  }
+  std::ranges::sort(places);  // the nodes are in the order of the tree
+  DepartmentGroup group;
+  for (const std::size_t place : places) group.push_back(nodes_[place].key);
+  return group;
+}
+
 QMimeData* DepartmentModel::mimeData(const QModelIndexList& indexes) const {
-  return indexes.isEmpty() ? nullptr : draggedDepartment(keyOf(indexes.front()));
+  const DepartmentGroup group = departmentsAt(indexes);
+  return group.empty() ? nullptr : draggedDepartments(group);
 }
 
 bool DepartmentModel::canDropMimeData(const QMimeData* data, Qt::DropAction action, int /*row*/, int /*column*/,
                                       const QModelIndex& parent) const {
-  if (action != Qt::MoveAction || !parent.isValid()) return false;
+  if (data == nullptr || action != Qt::MoveAction || !parent.isValid()) return false;
   if (data->hasFormat(articleMime)) return !articlesOf(*data).empty() && workbench_.canMoveArticles(keyOf(parent));
-  return data->hasFormat(departmentMime) && workbench_.canMoveNode(departmentOf(*data), keyOf(parent));
+  const DepartmentGroup group = departmentsOf(*data);
+  const auto canMove = [&](const std::string& key) { return workbench_.canMoveNode(key, keyOf(parent)); };
+  return !group.empty() && std::ranges::all_of(group, canMove);
 }
 
 /// The move itself waits until the drag is over: it rebuilds tree and list, under the hands of who is dragging.
@@ -118,7 +133,7 @@ bool DepartmentModel::dropMimeData(const QMimeData* data, Qt::DropAction action,
     QTimer::singleShot(0, this, [this, group, target] { workbench_.SpostaInReparto(group, target); });
     return false;
   }
-  QTimer::singleShot(0, this, [this, key = departmentOf(*data), target] { workbench_.SpostaNodo(key, target); });
+  QTimer::singleShot(0, this, [this, group = departmentsOf(*data), target] { workbench_.SpostaNodi(group, target); });
   return false;
 }
 
@@ -131,7 +146,7 @@ DepartmentView::DepartmentView(Workbench& workbench, QWidget* parent)
   setUniformRowHeights(true);
   setIndentation(fontMetrics().height() + 2);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
-  setSelectionMode(QAbstractItemView::SingleSelection);
+  setSelectionMode(QAbstractItemView::ExtendedSelection);
   setDragDropMode(QAbstractItemView::DragDrop);
   setDefaultDropAction(Qt::MoveAction);
   setDragDropOverwriteMode(true);
@@ -145,6 +160,7 @@ void DepartmentView::rebuild() {
     const QModelIndex index = model_->indexOf(row.ID);
     if (index.isValid() && isExpanded(index)) open.push_back(row.ID);
   }
+  if (DepartmentGroup group = selected(); !group.empty()) kept_ = std::move(group);
   updating_ = true;
   model_->rebuild();
   expand(model_->indexOf(std::string(treeRoot)));
@@ -156,10 +172,20 @@ void DepartmentView::select(const std::string& ID) {
   const QModelIndex index = model_->indexOf(ID);
   if (!index.isValid()) return;
   updating_ = true;
-  setCurrentIndex(index);
+  // A click that adds a department to the selection has made it the current one already.
+  if (index != currentIndex() || !selectionModel()->hasSelection()) setCurrentIndex(index);
+  if (std::ranges::find(kept_, ID) != kept_.end()) {
+    for (const std::string& each : kept_) {
+      const QModelIndex also = model_->indexOf(each);
+      if (also.isValid()) selectionModel()->select(also, QItemSelectionModel::Select);
+    }
+  }
+  kept_.clear();
   scrollTo(index);
   updating_ = false;
 }
+
+DepartmentGroup DepartmentView::selected() const { return model_->departmentsAt(selectionModel()->selectedIndexes()); }
 
 void DepartmentView::expandTree(bool expanded) {
   if (expanded) {

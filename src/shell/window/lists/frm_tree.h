@@ -34,7 +34,10 @@ class DepartmentModel final : public QAbstractItemModel {
   /// The key of a node; "###" for the root.
   std::string keyOf(const QModelIndex& index) const;
 
-  // QAbstractItemModel. What is dragged is the key of a node, as a mime type of its own.
+  /// The departments at some nodes, in the order of the tree, without the root.
+  DepartmentGroup departmentsAt(const QModelIndexList& indexes) const;
+
+  // QAbstractItemModel. What is dragged is the keys of nodes, as a mime type of their own.
   QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
   QModelIndex parent(const QModelIndex& child) const override;
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -80,11 +83,14 @@ class DepartmentView final : public QTreeView {
   explicit DepartmentView(Workbench& workbench, QWidget* parent = nullptr);
 
   /// Shows the tree again; what was expanded stays so.
-  /// The root is expanded. The selection is lost: the workbench selects the current department next.
+  /// The root is expanded. The workbench selects the current department next; where that was one of several that were
+  /// selected, they are again.
   void rebuild();
   /// Selects the node of a department and scrolls to it, without moving the cursor of the workbench.
   /// "###" selects the root; an unknown ID changes nothing.
   void select(const std::string& ID);
+  /// The departments that are selected, in the order of the tree, without the root.
+  DepartmentGroup selected() const;
   /// Expands every node, or collapses every one but the root.
   /// The selected node stays in view.
   void expandTree(bool expanded);
@@ -104,6 +110,7 @@ class DepartmentView final : public QTreeView {
  private:
   Workbench& workbench_;
   DepartmentModel* model_;
+  DepartmentGroup kept_;   ///< selected before the rebuild
   QPoint pressedAt_;       ///< where a drag may begin
   bool updating_ = false;  ///< the selection follows the workbench
 };

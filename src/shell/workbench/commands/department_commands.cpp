@@ -1,10 +1,26 @@
 #include "shell/workbench/commands/department_commands.h"
 
+#include "shell/workbench/workbench.h"
+
 namespace kv {
 namespace {
 
 using enum Menu;
 using enum Toolbar;
+
+using GroupEdit = std::function<Result<>(TreeEditing&, const DepartmentGroup&)>;
+
+/// The row with an edit of several departments in front of it, which runs while more than one is selected. `step`: how
+/// undo names that edit; empty when there is nothing to undo.
+Command groupCommand(Command row, GroupEdit edit, std::string_view step) {
+  row.run = [one = row.run, edit = std::move(edit), step](const CommandContext& context) {
+    const DepartmentGroup group = context.view.selectedDepartments();
+    if (group.size() < 2) return one(context);
+    const auto once = [&] { return edit(context.editing, group); };
+    context.bench.showError(step.empty() ? once() : context.history.record(std::string(step), once));
+  };
+  return row;
+}
 
 /// The row of an edit of the tree, enabled while a department is current.
 Command departmentCommand(Command row, TreeEdit edit) {
@@ -56,37 +72,44 @@ std::vector<Command> departmentInsertCommands() {
 }  // namespace
 
 std::vector<Command> departmentCommands() {
-  constexpr std::string_view move = "Sposta reparto";
+  constexpr std::string_view move = "Sposta reparto", moveSeveral = "Sposta reparti";
   std::vector<Command> rows{
-      departmentCommand({.number = 17,
-                         .name = "department.up",
-                         .key = "categoria su",
-                         .caption = "Muovi su",
-                         .icon = "su",
-                         .menus = {{EditDepartments, 201, "Su", "Sposta"}},
-                         .toolbar = {Departments, 101},
-                         .shortcut = "Ctrl+Up",
-                         .step = move},
-                        [](TreeEditing& editing) { return editing.Sposta(-1, TreeList::Departments); }),
-      departmentCommand({.number = 16,
-                         .name = "department.down",
-                         .key = "categoria giu",
-                         .caption = "Muovi giù",
-                         .icon = "giu",
-                         .menus = {{EditDepartments, 202, "Giu", "Sposta"}},
-                         .toolbar = {Departments, 102},
-                         .shortcut = "Ctrl+Down",
-                         .step = move},
-                        [](TreeEditing& editing) { return editing.Sposta(+1, TreeList::Departments); }),
-      departmentCommand({.number = 12,
-                         .name = "department.copy",
-                         .key = "copia categoria",
-                         .caption = "Copia reparto",
-                         .icon = "copia",
-                         .menus = {{EditDepartments, 206, "Copia"}},
-                         .toolbar = {Departments, 106},
-                         .shortcut = "Ctrl+C"},
-                        &TreeEditing::CopiaReparto),
+      groupCommand(
+          departmentCommand({.number = 17,
+                             .name = "department.up",
+                             .key = "categoria su",
+                             .caption = "Muovi su",
+                             .icon = "su",
+                             .menus = {{EditDepartments, 201, "Su", "Sposta"}},
+                             .toolbar = {Departments, 101},
+                             .shortcut = "Ctrl+Up",
+                             .step = move},
+                            [](TreeEditing& editing) { return editing.Sposta(-1, TreeList::Departments); }),
+          [](TreeEditing& editing, const DepartmentGroup& group) { return editing.SpostaReparti(group, -1); },
+          moveSeveral),
+      groupCommand(
+          departmentCommand({.number = 16,
+                             .name = "department.down",
+                             .key = "categoria giu",
+                             .caption = "Muovi giù",
+                             .icon = "giu",
+                             .menus = {{EditDepartments, 202, "Giu", "Sposta"}},
+                             .toolbar = {Departments, 102},
+                             .shortcut = "Ctrl+Down",
+                             .step = move},
+                            [](TreeEditing& editing) { return editing.Sposta(+1, TreeList::Departments); }),
+          [](TreeEditing& editing, const DepartmentGroup& group) { return editing.SpostaReparti(group, +1); },
+          moveSeveral),
+      groupCommand(departmentCommand({.number = 12,
+                                      .name = "department.copy",
+                                      .key = "copia categoria",
+                                      .caption = "Copia reparto",
+                                      .icon = "copia",
+                                      .menus = {{EditDepartments, 206, "Copia"}},
+                                      .toolbar = {Departments, 106},
+                                      .shortcut = "Ctrl+C"},
+                                     &TreeEditing::CopiaReparto),
+                   &TreeEditing::CopiaReparti, {}),
       // Enabled by what was copied, whatever is current.
       treeCommand({.number = 11,
                    .name = "department.paste",
@@ -99,16 +122,17 @@ std::vector<Command> departmentCommands() {
                    .step = "Incolla reparto",
                    .whenOff = "Nessun reparto copiato"},
                   &TreeEditing::IncollaReparto),
-      departmentCommand({.number = 13,
-                         .name = "department.delete",
-                         .key = "- categoria",
-                         .caption = "Elimina reparto",
-                         .icon = "elimina",
-                         .menus = {{EditDepartments, 208, "Elimina"}},
-                         .toolbar = {Departments, 108},
-                         .shortcut = "Del",
-                         .step = "Elimina reparto"},
-                        &TreeEditing::EliminaReparto)};
+      groupCommand(departmentCommand({.number = 13,
+                                      .name = "department.delete",
+                                      .key = "- categoria",
+                                      .caption = "Elimina reparto",
+                                      .icon = "elimina",
+                                      .menus = {{EditDepartments, 208, "Elimina"}},
+                                      .toolbar = {Departments, 108},
+                                      .shortcut = "Del",
+                                      .step = "Elimina reparto"},
+                                     &TreeEditing::EliminaReparto),
+                   &TreeEditing::EliminaReparti, "Elimina reparti")};
   for (Command& row : departmentInsertCommands()) rows.push_back(std::move(row));
   return withHelp(std::move(rows), "pagine/reparti.htm");
 }
