@@ -2,6 +2,7 @@
 // without it.
 #include "builder/doctor_shop.h"
 #include "platform/image/pixels.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -224,7 +225,7 @@ TEST_F(DoctorCatalogue, ValueCodesAndTextsOfAVariantAreTold) {
 
 TEST_F(DoctorCatalogue, PicturesAreLookedForAndMeasured) {
   const auto pixels = PixelBuffer::create({40, 30});
-  ASSERT_TRUE(pixels && writeBytes(joinPath(shop.folder(), "work/Vaso.jpg"), *jpegOf(*pixels, 90)));
+  ASSERT_TRUE(pixels && writeBytes(joinPath(shop.folder(), "work/Vaso.jpg"), valueOf(jpegOf(*pixels, 90))));
   sql("UPDATE articoli SET immagine0 = 'vaso.jpg', imgX0 = 40, imgY0 = 30, immagine2 = 'manca.gif'");
   EXPECT_THAT(told(), ElementsAre("picture.missing: Articolo V1 Vaso: l'immagine manca.gif non esiste"));
   sql("UPDATE articoli SET immagine2 = '', imgX0 = 80");
@@ -235,7 +236,7 @@ TEST_F(DoctorCatalogue, PicturesAreLookedForAndMeasured) {
 
 TEST_F(DoctorCatalogue, PicturesOfDepartmentsAndShopAreMendedInTheirOwnColumns) {
   const auto pixels = PixelBuffer::create({40, 30});
-  ASSERT_TRUE(pixels && writeBytes(joinPath(shop.folder(), "work/a.jpg"), *jpegOf(*pixels, 90)));
+  ASSERT_TRUE(pixels && writeBytes(joinPath(shop.folder(), "work/a.jpg"), valueOf(jpegOf(*pixels, 90))));
   sql("UPDATE categorie SET immagine1_l2 = 'a.jpg', imgX1_l2 = 1, imgY1_l2 = 1;"
       "UPDATE generale SET immagine1 = 'a.jpg', imgX1 = 2, imgY1 = 2");
   EXPECT_EQ(mendAll("picture.size"), 2);

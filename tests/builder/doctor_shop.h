@@ -12,6 +12,7 @@
 #include "platform/files/files.h"
 #include "store/catalogue/side_fields.h"
 #include "support/temp_shop.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 
@@ -86,7 +87,7 @@ class DoctorShop : public ::testing::Test {
   std::string rowsAsText() {
     std::string all;
     for (const char* table : {"generale", "articoli", "categorie", "opzioni", "dettagliop"}) {
-      auto row = shop.session.catalogue.prepare("SELECT * FROM " + std::string(table) + " ORDER BY 1");
+      auto row = checked(shop.session.catalogue.prepare("SELECT * FROM " + std::string(table) + " ORDER BY 1"));
       EXPECT_TRUE(row);
       for (auto found = row->step(); found && *found; found = row->step()) {
         for (int i = 0; i < row->columnCount(); ++i) all += (row->isNull(i) ? "NULL" : asText(row->value(i))) + "|";

@@ -14,6 +14,7 @@
 #include "platform/image/pixels.h"
 #include "support/failing_files.h"
 #include "support/temp_shop.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -26,9 +27,9 @@ class LightBuild : public ::testing::Test {
  protected:
   /// A photo wide enough for a narrower form.
   void photo(const std::string& name, int width = 600) {
-    auto pixels = PixelBuffer::create({width, 200});
+    auto pixels = checked(PixelBuffer::create({width, 200}));
     for (int x = 0; x < width * 3; ++x) pixels->row(100)[x] = static_cast<std::uint8_t>(x * 37);
-    ASSERT_TRUE(writeBytes(work(name), *jpegOf(*pixels, 95)));
+    ASSERT_TRUE(writeBytes(work(name), valueOf(jpegOf(*pixels, 95))));
   }
   std::string work(const std::string& name) { return joinPath(joinPath(shop.folder(), "work"), name); }
   std::string kept(const std::string& name) { return joinPath(joinPath(shop.folder(), "leggere"), name); }
@@ -135,7 +136,7 @@ TEST_F(LightBuild, APictureOfTheMerchantKeepsItsName) {
   ASSERT_TRUE(writeBytes(work("foto_0001.jpg.webp"), "mia"));
   setLight(true);
   build();
-  EXPECT_EQ(*readBytes(joinPath(shop.folder(), "online/foto_0001.jpg.webp")), "mia");
+  EXPECT_EQ(valueOf(readBytes(joinPath(shop.folder(), "online/foto_0001.jpg.webp"))), "mia");
 }
 
 TEST_F(LightBuild, EveryPageAndRowIsTheSameWithAndWithout) {
@@ -192,9 +193,9 @@ TEST_F(LightBuild, AFullDiskAtAnyWriteOfAFormIsToldAndTheNextBuildMakesThemAll) 
 TEST_F(LightBuild, TheSettingIsThatOfTheShop) {
   MemorySettings program;
   ASSERT_TRUE(storeBuildSettings(shop.session, program, {true, ".htm", true}));
-  EXPECT_TRUE(loadBuildSettings(shop.session)->light);
+  EXPECT_TRUE(valueOf(loadBuildSettings(shop.session)).light);
   ASSERT_TRUE(storeBuildSettings(shop.session, program, {true, ".htm", false}));
-  EXPECT_FALSE(loadBuildSettings(shop.session)->light);
+  EXPECT_FALSE(valueOf(loadBuildSettings(shop.session)).light);
 }
 
 }  // namespace

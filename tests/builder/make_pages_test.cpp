@@ -11,6 +11,7 @@
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 #include "support/temp_shop.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -336,7 +337,7 @@ TEST(MakePagesTest, TheNewTokenNamesTheMarkerAndTheSettingsRow) {
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   EXPECT_FALSE(shop.hasPage("vecchio.sc"));
   EXPECT_EQ(shop.page("abcdefghijklmnopqrst.sc"), "2\r\n");
-  EXPECT_EQ(asText(*shop.session.catalogue.scalar("SELECT db_security FROM generale")), "abcdefghijklmnopqrst");
+  EXPECT_EQ(asText(valueOf(shop.session.catalogue.scalar("SELECT db_security FROM generale"))), "abcdefghijklmnopqrst");
 }
 
 TEST(MakePagesTest, TheBackOfficeHasTheFunctionsOfTheFirstLanguageInEveryShop) {

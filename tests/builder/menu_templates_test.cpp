@@ -6,6 +6,7 @@
 
 #include "platform/files/files.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -54,7 +55,7 @@ TEST(MenuTemplatesTest, OneEmptyWrapperSwitchesBothOff) {
 
 TEST(MenuTemplatesTest, AnEmptyFileCountsAsPresentAndAMissingOneDoesNot) {
   TempFolder folder;
-  EXPECT_FALSE(CaricaClFile(folder / "")->present);
+  EXPECT_FALSE(valueOf(CaricaClFile(folder / "")).present);
   ASSERT_TRUE(writeText(folder / "KVAN_menu.INI", ""));
   const auto menu = CaricaClFile(folder / "");
   ASSERT_TRUE(menu.has_value());
@@ -64,7 +65,7 @@ TEST(MenuTemplatesTest, AnEmptyFileCountsAsPresentAndAMissingOneDoesNot) {
 TEST(MenuTemplatesTest, TheFilesAccentsAreReadFromItsCodePage) {
   TempFolder folder;
   ASSERT_TRUE(writeBytes(folder / "kvan_menu.ini", "[tab]\r\n\xE8\x95"));
-  EXPECT_EQ(CaricaClFile(folder / "")->tab, "è•");
+  EXPECT_EQ(valueOf(CaricaClFile(folder / "")).tab, "è•");
 }
 
 }  // namespace

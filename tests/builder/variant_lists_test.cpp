@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "support/temp_shop.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -141,9 +142,9 @@ TEST(VariantListsTest, TheFixedVariantForNoneHasNeitherNameNorValues) {
   shop.value({{"testo", std::string("x")}}, 1);
   auto reader = VariantReader::open(shop.session.catalogue, FieldRow(), "");
   ASSERT_TRUE(reader.has_value());
-  EXPECT_EQ(*reader->CreaNomeOpzione(1), "");
-  EXPECT_EQ(*reader->InserisciOpzione(1, "x"), "");
-  EXPECT_EQ(*reader->CreaNomeOpzione(2), "Taglia");
+  EXPECT_EQ(valueOf(reader->CreaNomeOpzione(1)), "");
+  EXPECT_EQ(valueOf(reader->InserisciOpzione(1, "x")), "");
+  EXPECT_EQ(valueOf(reader->CreaNomeOpzione(2)), "Taglia");
 }
 
 TEST(VariantListsTest, EachLanguageHasItsTableWithItsWords) {

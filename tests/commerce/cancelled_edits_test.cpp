@@ -10,6 +10,7 @@
 #include "store/catalogue/undo_history.h"
 #include "support/fixed_clock.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -32,7 +33,8 @@ class RandomEdits : public CommerceShop {
   /// Every row of all tables but the zones 5 to 8, with the engine's row numbers; the last serial numbers; the schema.
   std::string whole() {
     std::string text;
-    auto names = session.catalogue.prepare("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name");
+    auto names =
+        checked(session.catalogue.prepare("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"));
     EXPECT_TRUE(names);
     std::vector<std::string> tables;
     for (auto more = names->step(); more && *more; more = names->step()) tables.emplace_back(names->text(0));
@@ -46,7 +48,7 @@ class RandomEdits : public CommerceShop {
     return text;
   }
   void addRows(std::string& text, const std::string& query, bool withoutNumber) {
-    auto rows = session.catalogue.prepare(query);
+    auto rows = checked(session.catalogue.prepare(query));
     EXPECT_TRUE(rows) << query;
     for (auto more = rows->step(); more && *more; more = rows->step()) {
       for (int i = withoutNumber ? 1 : 0; i < rows->columnCount(); ++i) text += std::string(rows->text(i)) + "|";

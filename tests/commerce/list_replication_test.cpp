@@ -5,6 +5,7 @@
 #include "commerce/replication/list_replication.h"
 #include "platform/database/changes/changes.h"
 #include "support/failing_store.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -219,7 +220,7 @@ TEST_F(ReplicatingAList, EqualsAWalkFieldByFieldAndItsCountAndUndoHold) {
     ChangeRecorder recorder(catalogue, [](std::string_view) { return true; });
     ASSERT_EQ(run(), BulkEnd::Done);
     EXPECT_EQ(read(query + " FROM articoli"), expected);
-    const auto changes = recorder.take();
+    const auto changes = checked(recorder.take());
     const std::string after = everything();
     ASSERT_TRUE(recorder.revert(*changes));
     EXPECT_EQ(everything(), whole);

@@ -14,6 +14,7 @@
 #include "platform/text/text.h"
 #include "support/command_output.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -127,10 +128,10 @@ class TheTrialAndTheCart : public TryingTheShipping {
     const CurrencyForm form(generale);
     const float vat = pagamento.single("ivaspese") / 100.0F;
     const ShippingPrice price{form, generale.flag("ivacompresa") ? vat : 0.0F};
-    const AmountTables amounts = *MakeImporti(session.catalogue, pagamento, price);
+    const AmountTables amounts = valueOf(MakeImporti(session.catalogue, pagamento, price));
     std::string text = "var SecVal=0,exch=1,sepmigl='.',sepdec=',',PutDec=" + std::string(form.decimals ? "1" : "0") +
                        ";var scimp=[0],scperc=[1];" + amounts.java_importi + amounts.java_permessi +
-                       *MakeImportiPeso(session.catalogue, pagamento, price);
+                       valueOf(MakeImportiPeso(session.catalogue, pagamento, price));
     text += ";tipopeso='" + std::string(pagamento.flag("imppeso") ? "1" : "0") + "';ivacompresa='" +
             (generale.flag("ivacompresa") ? "1" : "0") + "';aliquotaspese=" + plainNumber(vat) + ";";
     return replaceAll(replaceAll(text, "\r\n", "\\n"), "\"", "\\\"");

@@ -7,6 +7,7 @@
 #include "commerce_shop.h"
 #include "store/schema/schema.h"
 #include "support/failing_store.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -28,7 +29,7 @@ class TheVariants : public CommerceShop {
   std::string tables() {
     std::string text;
     for (const char* table : {"opzioni", "dettagliop", "sqlite_sequence"}) {
-      auto rows = session.catalogue.prepare(std::string("SELECT * FROM ") + table + " ORDER BY 1, 2");
+      auto rows = checked(session.catalogue.prepare(std::string("SELECT * FROM ") + table + " ORDER BY 1, 2"));
       EXPECT_TRUE(rows);
       for (auto more = rows->step(); more && *more; more = rows->step()) {
         for (int i = 0; i < rows->columnCount(); ++i) text += std::string(rows->text(i)) + "|";

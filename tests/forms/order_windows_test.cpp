@@ -20,6 +20,7 @@
 #include "publish/orders/sales/frm_bar_chart.h"
 #include "publish/orders/sales/frm_vendite.h"
 #include "support/sample_orders.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -172,7 +173,7 @@ TEST_F(ThePrintWindow, NoRowIsCutByTheEndOfAPageAndAllAfterThemIsOnPaper) {
 TEST_F(ThePrintWindow, TheLogoIsOnPaperUnlessItIsSwitchedOff) {
   const auto pictures = [&](const PrintJob& job) {
     EXPECT_TRUE(writeOrdersPdf(file, std::vector{sampleOrder()}, job));
-    return countOf(*readBytes(file), "/Subtype /Image");
+    return countOf(valueOf(readBytes(file)), "/Subtype /Image");
   };
   open({sampleOrder()});
   EXPECT_GT(pictures(dialog->job()), 0U);
@@ -191,7 +192,7 @@ TEST_F(ThePrintWindow, PrintsOnTheChosenPrinterAndStaysWhenItIsLeft) {
   prints = true;
   click(*dialog, "cmdOK");
   EXPECT_EQ(dialog->tag(), "OK");
-  EXPECT_EQ(countOf(*readBytes(root / "stampa.pdf"), "/Type /Page\n"), 1U);
+  EXPECT_EQ(countOf(valueOf(readBytes(root / "stampa.pdf")), "/Type /Page\n"), 1U);
 }
 
 TEST_F(ThePrintWindow, AFileThatCanNotBeWrittenIsToldAndTheWindowStays) {

@@ -13,6 +13,7 @@
 
 #include "dialog_fixture.h"
 #include "media/choice/frm_immagine.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -245,7 +246,7 @@ TEST_F(ThePictureDialog, AnotherPictureBeginsWithoutTurnsAndCuts) {
 }
 
 TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
-  const std::string jpeg = *readBytes(pictures + "/mare/onda.jpg");
+  const std::string jpeg = test::valueOf(readBytes(pictures + "/mare/onda.jpg"));
   const std::string zero(1, '\0');
   const std::string note = "\xFF\xE1" + zero + "\x2B" + "http://ns.adobe.com/xap/1.0/" + zero + "GPSLatitude'";
   ASSERT_TRUE(writeBytes(pictures + "/casa.jpg", jpeg.substr(0, 2) + note + jpeg.substr(2)));
@@ -259,7 +260,7 @@ TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
   test::keepPicture(*dialog, "immagine-luogo");
   box->click();
   click(*dialog, "cmdOk");
-  EXPECT_EQ(*readBytes(joinPath(shop, "work/casa_0001.jpg")), jpeg);
+  EXPECT_EQ(test::valueOf(readBytes(joinPath(shop, "work/casa_0001.jpg"))), jpeg);
 }
 
 TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {

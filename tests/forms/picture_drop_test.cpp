@@ -10,6 +10,7 @@
 #include "platform/image/pixels.h"
 #include "shell/window/fields/frm_picture.h"
 #include "support/scripted_http_server.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -19,7 +20,7 @@ class PicturesDropped : public WindowFixture {
   std::string photo(const char* name) {
     const auto pixels = PixelBuffer::create({40, 20});
     const std::string path = joinPath(home.path(), name);
-    EXPECT_TRUE(pixels && writeBytes(path, *jpegOf(*pixels, 90)));
+    EXPECT_TRUE(pixels && writeBytes(path, valueOf(jpegOf(*pixels, 90))));
     return path;
   }
   static QUrl file(const std::string& path) { return QUrl::fromLocalFile(toQt(path)); }
@@ -91,7 +92,7 @@ TEST_F(PicturesDropped, OnAPictureReplaceIt) {
 }
 
 TEST_F(PicturesDropped, OfABrowserAreFetched) {
-  const std::string body = *readBytes(photo("x.jpg"));
+  const std::string body = valueOf(readBytes(photo("x.jpg")));
   ScriptedHttpServer server(
       {"HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body});
   open();
@@ -114,7 +115,7 @@ TEST_F(PicturesDropped, OfABrowserMayBeAnImageOrAWholeAddress) {
   pixels.setImageData(image);
   EXPECT_TRUE(drop(picture(EditedSet::Articoli, "immagine0"), pixels, {5, 5}));
   QMimeData address;
-  const QByteArray bytes = QByteArray::fromStdString(*readBytes(photo("x.jpg"))).toBase64();
+  const QByteArray bytes = QByteArray::fromStdString(valueOf(readBytes(photo("x.jpg")))).toBase64();
   address.setHtml(QStringLiteral("<img src=\"data:image/jpeg;base64,") + QString::fromLatin1(bytes) +
                   QStringLiteral("\">"));
   EXPECT_TRUE(drop(picture(EditedSet::Articoli, "immagine1"), address, {5, 5}));

@@ -12,6 +12,7 @@
 
 #include "commerce/variants/frm_variant_grid.h"
 #include "forms/wired_window.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -22,7 +23,7 @@ class SalesInTheWindow : public WiredWindow {
   std::string rowsOf(const std::vector<std::string>& tables) {
     std::string text;
     for (const std::string& table : tables) {
-      auto rows = session.catalogue.prepare("SELECT * FROM " + table + " ORDER BY 1");
+      auto rows = checked(session.catalogue.prepare("SELECT * FROM " + table + " ORDER BY 1"));
       EXPECT_TRUE(rows) << table;
       for (auto more = rows->step(); more && *more; more = rows->step()) {
         for (int i = 0; i < rows->columnCount(); ++i) text += std::string(rows->text(i)) + "|";

@@ -9,8 +9,10 @@
 #include "forms/window_fixture.h"
 #include "platform/database/recordset.h"
 #include "platform/qt/frm_dialog.h"
+#include "platform/text/text.h"
 #include "support/row_text.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -150,7 +152,7 @@ class TreeEndurance : public WindowFixture, public ::testing::WithParamInterface
                                            "ORDER BY ordinamento, contatore");
     ASSERT_TRUE(child);
     child->bind(1, parent);
-    while (*child->step()) read(std::string(child->text(0)), std::string(child->text(1)), depth + 1, text);
+    while (valueOf(child->step())) read(std::string(child->text(0)), std::string(child->text(1)), depth + 1, text);
   }
 
   void checkTree() {
@@ -179,7 +181,7 @@ class TreeEndurance : public WindowFixture, public ::testing::WithParamInterface
     ASSERT_TRUE(row);
     const std::string department = sets().department();
     row->bind(1, department);
-    while (*row->step()) {
+    while (valueOf(row->step())) {
       const std::string amount = row->isNull(2) ? "" : shownNumber(asText(row->value(2)), ',');
       // A title to be translated shows the one of the first language.
       const std::string_view titolo = trim(row->text(1)).empty() ? row->text(3) : row->text(1);

@@ -6,6 +6,7 @@
 #include "store/catalogue/undo_history.h"
 #include "support/jet_samples.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -60,7 +61,7 @@ class AccountingOfChance : public AccountingShop, public ::testing::WithParamInt
     request.department = upTo(1) == 0 ? "cat001" : "";
   }
   std::int64_t count(const std::string& table) {
-    return asInteger(*session.catalogue.scalar("SELECT COUNT(*) FROM " + table));
+    return asInteger(valueOf(session.catalogue.scalar("SELECT COUNT(*) FROM " + table)));
   }
   AccountingEnd recorded() {
     AccountingEnd end = AccountingEnd::NotDone;

@@ -3,6 +3,7 @@
 #include "accounting_shop.h"
 #include "store/catalogue/undo_history.h"
 #include "support/failing_store.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -54,8 +55,8 @@ TEST_F(AccountingRun, TellsTheNameOfTheBackupItMakesThroughTheOpenCatalogue) {
   EXPECT_EQ(user.texts()[0], "E' stato creato un backup del file \"catalog.mdb\" col nome \"catalog.000\"");
   auto backup = Database::open(shop + "/catalog.000", OpenMode::ReadOnly);
   ASSERT_TRUE(backup);
-  EXPECT_EQ(asText(*backup->scalar("SELECT codice FROM articoli")), "prima");
-  EXPECT_EQ(asInteger(*backup->scalar("SELECT COUNT(*) FROM categorie")), 0);
+  EXPECT_EQ(asText(valueOf(backup->scalar("SELECT codice FROM articoli"))), "prima");
+  EXPECT_EQ(asInteger(valueOf(backup->scalar("SELECT COUNT(*) FROM categorie"))), 0);
 }
 
 TEST_F(AccountingRun, WithoutABackupItAsksInTheWordsOfTheVariantWithNoAsDefault) {

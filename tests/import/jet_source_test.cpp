@@ -8,6 +8,7 @@
 #include "support/command_output.h"
 #include "support/jet_samples.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -61,7 +62,7 @@ TEST_P(JetFiles, NameTheirTablesAndColumns) {
   ASSERT_EQ(file->tables().size(), 2U) << "those of the database itself are left out";
   EXPECT_EQ(file->tables()[0].name, "Categoria");
   EXPECT_EQ(file->tables()[0].columns, (std::vector<std::string>{"Id", "Nome"}));
-  EXPECT_EQ(file->rows("CATEGORIA", {"NOME"})->at(2), std::vector<Value>{std::string("Città €")});
+  EXPECT_EQ(valueOf(file->rows("CATEGORIA", {"NOME"})).at(2), std::vector<Value>{std::string("Città €")});
   EXPECT_EQ(file->rows("Clienti", {"Id"}).error().kind, ErrorKind::Missing);
   EXPECT_EQ(file->rows("Categoria", {"Colore"}).error().what, "Colore");
 }

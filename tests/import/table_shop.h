@@ -8,6 +8,7 @@
 #include "import/tables/table_export.h"
 #include "import/tables/table_import.h"
 #include "store/catalogue/undo_history.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 
@@ -56,7 +57,7 @@ class TableShop : public AccountingShop {
     for (const PlannedRow& row : planned.rows) {
       text += std::to_string(opened.sheet.cells.line(row.row)) + " " + fateWord(row.fate);
       if (!row.reason.empty()) text += ": " + row.reason;
-      const auto changes = shownChanges(session.catalogue, planned, opened.sheet, row);
+      const auto changes = checked(shownChanges(session.catalogue, planned, opened.sheet, row));
       EXPECT_TRUE(changes);
       for (const ShownChange& change : *changes) {
         text += " [" + change.column + " " + change.before + ">" + change.after + "]";

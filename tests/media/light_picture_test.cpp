@@ -4,13 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "platform/files/files.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
 
 /// A picture with some detail, as a photo has it.
 PixelBuffer detailed(ImageSize size) {
-  auto made = PixelBuffer::create(size);
+  auto made = test::checked(PixelBuffer::create(size));
   unsigned value = 7;
   for (int y = 0; y < size.height; ++y) {
     for (int x = 0; x < size.width * 3; ++x) {
@@ -25,7 +26,7 @@ std::string jpegOfSize(ImageSize size) { return jpegOf(detailed(size), 90).value
 std::string described(std::string_view bytes) {
   std::string text;
   for (const LightPicture& form : lightPicturesOf(bytes)) {
-    const auto size = imageSizeOf(form.bytes);
+    const auto size = test::checked(imageSizeOf(form.bytes));
     text += lightSuffix(form.width) + " " + std::to_string(size->width) + "x" + std::to_string(size->height) +
             (form.bytes.size() < bytes.size() ? "\n" : " too heavy\n");
   }
@@ -42,7 +43,7 @@ TEST(LightPictures, OnlyWiderPicturesAreNarrowed) {
 }
 
 TEST(LightPictures, OneThatCantBeMadeLighterHasNone) {
-  const auto made = webpOf(detailed({600, 100}), 1);
+  const auto made = test::checked(webpOf(detailed({600, 100}), 1));
   EXPECT_EQ(described(*made), "");
 }
 
@@ -57,7 +58,7 @@ TEST(LightPictures, WhatMovesIsSeeThroughOrDamagedHasNone) {
 }
 
 TEST(NarrowedPicture, KeepsItsMeanColourWhereSinglePixelsWouldLoseIt) {
-  auto stripes = PixelBuffer::create({4000, 8});  // every fourth column white
+  auto stripes = test::checked(PixelBuffer::create({4000, 8}));  // every fourth column white
   for (int y = 0; y < 8; ++y) {
     for (int x = 0; x < 4000; x += 4) std::fill_n(stripes->row(y) + static_cast<std::ptrdiff_t>(x) * 3, 3, 255);
   }
@@ -68,8 +69,8 @@ TEST(NarrowedPicture, KeepsItsMeanColourWhereSinglePixelsWouldLoseIt) {
 }
 
 TEST(NarrowedPicture, IsNeverLowerThanAPixel) {
-  EXPECT_EQ(narrowed(detailed({2000, 1}), 480)->size(), (ImageSize{480, 1}));
-  EXPECT_EQ(narrowed(detailed({500, 3}), 480)->size(), (ImageSize{480, 2}));
+  EXPECT_EQ(test::valueOf(narrowed(detailed({2000, 1}), 480)).size(), (ImageSize{480, 1}));
+  EXPECT_EQ(test::valueOf(narrowed(detailed({500, 3}), 480)).size(), (ImageSize{480, 2}));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "platform/image/photo_location.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -85,11 +86,11 @@ TEST_F(EditingAPicture, ThePartOfTheTurnedPictureIsReducedToTheBox) {
 
 TEST_F(EditingAPicture, OneOfTheShopGetsANameOfItsOwnAndTheOldFileStays) {
   const std::string old = work + "/mia_0004.jpg";
-  const std::string before = *readBytes(old);
+  const std::string before = test::valueOf(readBytes(old));
   choice.tab = PictureTab::Shop;
   choice.edits.part = PixelPart{10, 10, 30, 20};
   EXPECT_EQ(choice.accept(old), "mia_0005.jpg");
-  EXPECT_EQ(*readBytes(old), before);
+  EXPECT_EQ(test::valueOf(readBytes(old)), before);
   EXPECT_EQ(shownSize(work + "/mia_0005.jpg"), (ImageSize{30, 20}));
 }
 
@@ -104,15 +105,15 @@ TEST_F(EditingAPicture, TheMostOfAPictureIsReadOnceForAllThatIsTried) {
 TEST_F(EditingAPicture, TheLocationOfACopiedPhotoStaysUnlessItIsLeftOut) {
   const std::string note = "\xFF\xE1" + std::string(1, '\0') + "\x2B" + "http://ns.adobe.com/xap/1.0/" +
                            std::string(1, '\0') + "GPSLatitude'";
-  const std::string plain = *readBytes(photo);
+  const std::string plain = test::valueOf(readBytes(photo));
   ASSERT_EQ(note.size(), 45U);
   ASSERT_TRUE(writeBytes(photo, plain.substr(0, 2) + note + plain.substr(2)));
   EXPECT_TRUE(choice.preview(photo).tellsLocation);
   EXPECT_EQ(choice.accept(photo), "foto_0001.jpeg");
-  EXPECT_EQ(*readBytes(work + "/foto_0001.jpeg"), *readBytes(photo)) << "copied as it is";
+  EXPECT_EQ(test::valueOf(readBytes(work + "/foto_0001.jpeg")), test::valueOf(readBytes(photo))) << "copied as it is";
   choice.values.dropsLocation = true;
   EXPECT_EQ(choice.accept(photo), "foto_0002.jpeg");
-  EXPECT_EQ(*readBytes(work + "/foto_0002.jpeg"), plain);
+  EXPECT_EQ(test::valueOf(readBytes(work + "/foto_0002.jpeg")), plain);
   EXPECT_TRUE(readLoadImage(settings).dropsLocation) << "remembered by OK";
 }
 

@@ -9,6 +9,7 @@
 #include "support/command_output.h"
 #include "support/failing_files.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -75,7 +76,7 @@ TEST(SavedJpeg, AnOldFileKeepsItsTimeAndPermissions) {
   ASSERT_TRUE(before);
   ASSERT_TRUE(SaveJPG(softPicture(), path, 90));
   EXPECT_TRUE(readPixelsOf(path));
-  EXPECT_EQ(fileStamp(path)->changedAt, before->changedAt);
+  EXPECT_EQ(test::valueOf(fileStamp(path)).changedAt, before->changedAt);
   EXPECT_EQ(std::filesystem::status(path).permissions(),
             std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }

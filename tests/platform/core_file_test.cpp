@@ -9,6 +9,7 @@
 #include "platform/files/private_file.h"
 #include "platform/files/trees.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -30,7 +31,7 @@ TEST(ACrash, LeavesNoCoreFileWithThePasswords) {
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFSIGNALED(status)) << status;
   EXPECT_FALSE(WCOREDUMP(status));
-  EXPECT_TRUE(*isEmptyFolder(folder.path()));
+  EXPECT_TRUE(test::valueOf(isEmptyFolder(folder.path())));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
 #include "support/failing_store.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -17,7 +18,7 @@ class FailingStoreTest : public StoreTest {
         "INSERT INTO articoli (titolo, peso) VALUES ('Alba', 1.5), ('Brina', 2.5)");
   }
   std::string all() { return rows(database_, "SELECT titolo, peso FROM articoli ORDER BY ID"); }
-  Recordset articles() { return std::move(*database_.openRecordset("SELECT * FROM articoli ORDER BY ID")); }
+  Recordset articles() { return valueOf(database_.openRecordset("SELECT * FROM articoli ORDER BY ID")); }
 };
 
 TEST_F(FailingStoreTest, AnErrorOfTheGateIsAnErrorOfTheEngine) {

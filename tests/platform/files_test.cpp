@@ -14,6 +14,7 @@
 
 #include "platform/files/file_digest.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -265,9 +266,9 @@ TEST(Files, AStampIsSizeAndTimeOfTheLastChange) {
   const auto stamp = fileStamp(folder / "a");
   ASSERT_TRUE(stamp);
   EXPECT_EQ(stamp->size, 5U);
-  EXPECT_EQ(*stamp, *fileStamp(folder / "b"));
+  EXPECT_EQ(*stamp, test::valueOf(fileStamp(folder / "b")));
   ASSERT_TRUE(writeBytes(folder / "b", "54321"));
-  EXPECT_GT(fileStamp(folder / "b")->changedAt, stamp->changedAt);
+  EXPECT_GT(test::valueOf(fileStamp(folder / "b")).changedAt, stamp->changedAt);
   EXPECT_EQ(kindOf(fileStamp(folder / "c")), ErrorKind::Missing);
 }
 

@@ -5,6 +5,7 @@
 
 #include "platform/files/files.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -128,7 +129,7 @@ TEST(ImageSize, OfAFileNamesTheFileInItsFailures) {
   TempFolder folder;
   ASSERT_TRUE(writeBytes(folder / "a.gif", gifStart));
   ASSERT_TRUE(writeBytes(folder / "b.gif", "no"));
-  EXPECT_EQ(imageSize(folder / "a.gif")->height, 3);
+  EXPECT_EQ(test::valueOf(imageSize(folder / "a.gif")).height, 3);
   EXPECT_EQ(imageSize(folder / "b.gif").error().kind, ErrorKind::Malformed);
   EXPECT_EQ(imageSize(folder / "b.gif").error().where, folder / "b.gif");
   EXPECT_EQ(imageSize(folder / "c.gif").error().kind, ErrorKind::Missing);
@@ -221,7 +222,7 @@ TEST(FirstPixel, OfAFileNamesTheFileInItsFailures) {
   TempFolder folder;
   ASSERT_TRUE(writeBytes(folder / "a.gif", gifStart + gifFrame + clearThen1));
   ASSERT_TRUE(writeBytes(folder / "b.gif", gifHeader));
-  EXPECT_EQ(firstPixel(folder / "a.gif")->blue, 0xCC);
+  EXPECT_EQ(test::valueOf(firstPixel(folder / "a.gif")).blue, 0xCC);
   EXPECT_EQ(firstPixel(folder / "b.gif").error().where, folder / "b.gif");
   EXPECT_EQ(firstPixel(folder / "c.gif").error().kind, ErrorKind::Missing);
 }

@@ -3,6 +3,7 @@
 
 #include "platform/files/files.h"
 #include "platform/image/pixels.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -26,7 +27,7 @@ std::string cornersOf(const PixelBuffer& pixels) {
 }
 
 std::string turned(int quarters) {
-  auto pixels = readPixels(sampleOf("corners_rgb.png"));
+  auto pixels = test::checked(readPixels(sampleOf("corners_rgb.png")));
   auto made = quarterTurned(std::move(*pixels), quarters);
   if (!made) return made.error().what;
   return std::to_string(made->size().width) + "x" + std::to_string(made->size().height) + " " + cornersOf(*made);
@@ -42,7 +43,7 @@ TEST(QuarterTurns, GoClockwise) {
 }
 
 TEST(PartsOfAPicture, AreCutAtItsEdges) {
-  const auto pixels = readPixels(sampleOf("corners_rgb.png"));
+  const auto pixels = test::checked(readPixels(sampleOf("corners_rgb.png")));
   const auto right = croppedTo(*pixels, {16, 0, 16, 16});
   ASSERT_TRUE(right);
   EXPECT_EQ(right->size(), (ImageSize{16, 16}));
@@ -56,7 +57,7 @@ TEST(PartsOfAPicture, AreCutAtItsEdges) {
 
 TEST(WrittenWebp, ShowsThePixelsItWasGiven) {
   const auto pixels = readPixels(sampleOf("corners_rgb.png"));
-  const auto webp = webpOf(*pixels, 80);
+  const auto webp = test::checked(webpOf(*pixels, 80));
   ASSERT_TRUE(webp);
   const auto back = readPixels(*webp);
   ASSERT_TRUE(back);

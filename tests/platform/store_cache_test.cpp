@@ -8,6 +8,7 @@
 #include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
 #include "support/failing_store.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -154,7 +155,7 @@ TEST_F(StoreCache, TwoStatementsOfOneTextStepEachByItself) {
   ignore(valueOf(database_.prepare(text)).step(), "it is given back in the middle of its rows");
   Statement one = valueOf(database_.prepare(text));
   Statement two = valueOf(database_.prepare(text));
-  ASSERT_TRUE(*one.step() && *one.step() && *two.step());
+  ASSERT_TRUE(valueOf(one.step()) && valueOf(one.step()) && valueOf(two.step()));
   EXPECT_EQ(std::string(one.text(0)) + std::string(two.text(0)), "MarteTerra");
 }
 
@@ -164,10 +165,10 @@ TEST_F(StoreCache, AStatementStartsWithoutTheValuesOfItsFormerUse) {
     Statement first = valueOf(database_.prepare(text));
     const std::string shortLived = "qualcosa";
     first.bind(1, shortLived);
-    ASSERT_TRUE(*first.step());
+    ASSERT_TRUE(valueOf(first.step()));
   }
   Statement second = valueOf(database_.prepare(text));
-  ASSERT_TRUE(*second.step());
+  ASSERT_TRUE(valueOf(second.step()));
   EXPECT_EQ(second.text(0), "nulla");
 }
 
@@ -176,7 +177,7 @@ TEST_F(StoreCache, WhatIsKeptHoldsNoLock) {
     Recordset set = planets();
     EXPECT_EQ(asText(set.get("nome")), "Terra");
     Statement rest = valueOf(database_.prepare(allPlanets));
-    ASSERT_TRUE(*rest.step());
+    ASSERT_TRUE(valueOf(rest.step()));
   }
   EXPECT_EQ(rowsOfPlainEngine(path_, "BEGIN EXCLUSIVE; UPDATE pianeti SET lune = 3; COMMIT"), "");
   EXPECT_EQ(rows(database_, allPlanets), "1|Terra|3\n2|Marte|3\n");

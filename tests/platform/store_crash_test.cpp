@@ -8,6 +8,7 @@
 #include <random>
 
 #include "platform/store_fixture.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -67,7 +68,7 @@ class StoreCrash : public StoreTest {
     return [path = path_, first](int to) {
       auto database = Database::open(path, OpenMode::Exclusive);
       if (!database) _exit(1);
-      auto insert = database->prepare("INSERT INTO t VALUES (?, hex(randomblob(700)))");
+      auto insert = checked(database->prepare("INSERT INTO t VALUES (?, hex(randomblob(700)))"));
       for (int number = first; insert; ++number) {
         insert->bind(1, number);
         if (!insert->execute()) _exit(1);

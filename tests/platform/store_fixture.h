@@ -12,16 +12,9 @@
 #include "platform/database/table_info.h"
 #include "support/row_text.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv::test {
-
-/// What a result holds; a failure of the test and an empty value when it holds an error.
-template <class T>
-T valueOf(Result<T> result) {
-  if (result) return std::move(*result);
-  ADD_FAILURE() << result.error().where << ": " << result.error().what;
-  return T();
-}
 
 template <class T>
 ErrorKind kindOf(const Result<T>& result) {

@@ -2,6 +2,7 @@
 
 #include "platform/database/recordset.h"
 #include "platform/store_fixture.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -24,7 +25,7 @@ class StoreRecordset : public StoreTest {
     auto records = database_.openRecordset(source);
     if (records) return std::move(*records);
     ADD_FAILURE() << source << ": " << records.error().what;
-    return std::move(*database_.openRecordset("SELECT 1"));
+    return valueOf(database_.openRecordset("SELECT 1"));
   }
   static std::string id(const Recordset& records) { return asText(records.get("ID")); }
   static std::string all(Recordset& records, std::string_view column = "ID") {

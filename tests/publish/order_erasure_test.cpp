@@ -4,6 +4,7 @@
 #include "platform/files/files.h"
 #include "support/failing_store.h"
 #include "support/order_desk_case.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -139,7 +140,7 @@ TEST_F(AShopThatDeletes, MeetsAStoreThatFailsAndIsFollowedTheNextTime) {
     }
     host.answers.assign(answers.begin(), answers.end());
     ASSERT_TRUE(there.fetch()) << "at call " << failing;
-    EXPECT_EQ(fresh.list({})->size(), 2U) << "at call " << failing;
+    EXPECT_EQ(valueOf(fresh.list({})).size(), 2U) << "at call " << failing;
     EXPECT_THAT(readBytes(shop / "ordini.db").value(), Not(HasSubstr("Nowak"))) << "at call " << failing;
     const auto texts = reader.texts();
     const auto tells = [&texts](const char* part) {

@@ -11,6 +11,7 @@
 #include "support/fixed_clock.h"
 #include "support/order_host.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -78,7 +79,7 @@ TEST_F(TheOrderStore, KeepsWholeOrdersForReadingOffline) {
   fill();
   OrderStore store(folder.path());
   ASSERT_TRUE(store.open());
-  const auto list = store.list({});
+  const auto list = checked(store.list({}));
   ASSERT_EQ(list->size(), 3U);
   EXPECT_EQ(list->front().total, Money::ofUnits(30));
   const auto order = store.order(list->front().row);
@@ -215,13 +216,13 @@ TEST_F(TheOrderStore, AFailureOfTheStoreLosesAndDoublesNothing) {
     ASSERT_TRUE(store.open());
     EXPECT_FALSE(store.wasDamaged()) << "at call " << failing;
     const std::string cursor = store.cursor(host.access.address).value();
-    EXPECT_EQ(store.list({})->size(), cursor.empty() ? 0U : cursor == "c1" ? 2U : 3U) << "at call " << failing;
+    EXPECT_EQ(valueOf(store.list({})).size(), cursor.empty() ? 0U : cursor == "c1" ? 2U : 3U) << "at call " << failing;
     host.answers.clear();
     if (cursor.empty()) host.answers.push_back(answers[0]);
     if (cursor != "c2") host.answers.push_back(answers[1]);
     if (cursor == "c2") host.answers.push_back(ordersJson({}, "c2"));
     ASSERT_TRUE(fetch(store)) << "at call " << failing;
-    EXPECT_EQ(store.list({})->size(), 3U);
+    EXPECT_EQ(valueOf(store.list({})).size(), 3U);
   }
   EXPECT_GT(rounds, 20);
 }
@@ -238,7 +239,7 @@ TEST_F(TheOrderStore, ADamagedFileIsPutAsideAndFetchedWhole) {
     host.answers = {ordersJson({{1}, {2}}, "c5")};
     ASSERT_TRUE(fetch(store));
     EXPECT_EQ(host.asked.back(), R"({"azione":"ordini","dopo":"","quanti":200})");
-    EXPECT_EQ(store.list({})->size(), 2U);
+    EXPECT_EQ(valueOf(store.list({})).size(), 2U);
     ASSERT_TRUE(deleteFile(folder / "ordini.db"));
   }
 }

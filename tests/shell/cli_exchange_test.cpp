@@ -12,6 +12,7 @@
 #include "shell/cli/cli_session.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -67,7 +68,7 @@ class MovingShops : public ::testing::Test {
   }
   std::string savePicture(const std::string& name, ImageSize size) const {
     const auto pixels = PixelBuffer::create(size);
-    EXPECT_TRUE(pixels && writeBytes(home / name, *jpegOf(*pixels, 90)));
+    EXPECT_TRUE(pixels && writeBytes(home / name, test::valueOf(jpegOf(*pixels, 90))));
     return home / name;
   }
 

@@ -13,6 +13,7 @@
 #include "platform/files/files.h"
 #include "store/shop/backup_copies.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -173,7 +174,7 @@ TEST_F(CliProgram, TheLockOptionOfTheShopGovernsTheExport) {
   ASSERT_EQ(run("build shop").status, 0);
   ASSERT_TRUE(writeBytes(home / "shop/kvftp.ini", "LOCK: 0\r\n"));
   ASSERT_EQ(run("export-sql shop").status, 0);
-  EXPECT_EQ(readBytes(home / "shop/online/db.sql")->find("LOCK TABLES"), std::string::npos);
+  EXPECT_EQ(test::valueOf(readBytes(home / "shop/online/db.sql")).find("LOCK TABLES"), std::string::npos);
 }
 
 TEST_F(CliProgram, AShopThatLacksAPaymentModuleGetsItWhenItIsOpened) {

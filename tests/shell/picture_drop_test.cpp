@@ -4,6 +4,7 @@
 #include "media/choice/picture_box.h"
 #include "platform/image/pixels.h"
 #include "shell/workbench_fixture.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -15,12 +16,12 @@ class DroppedPictures : public WorkbenchFixture {
   std::string photo(const std::string& name, ImageSize size = {40, 20}) {
     const auto pixels = PixelBuffer::create(size);
     const std::string path = joinPath(home.path(), name);
-    EXPECT_TRUE(pixels && writeBytes(path, *jpegOf(*pixels, 90)));
+    EXPECT_TRUE(pixels && writeBytes(path, valueOf(jpegOf(*pixels, 90))));
     return path;
   }
   /// A photo that notes a latitude.
   std::string located(const std::string& name) {
-    const std::string path = photo(name), bytes = *readBytes(path), zero(1, '\0');
+    const std::string path = photo(name), bytes = valueOf(readBytes(path)), zero(1, '\0');
     const std::string note = "\xFF\xE1" + zero + "\x2B" + "http://ns.adobe.com/xap/1.0/" + zero + "GPSLatitude'";
     EXPECT_TRUE(writeBytes(path, bytes.substr(0, 2) + note + bytes.substr(2)));
     return path;

@@ -10,6 +10,7 @@
 #include "shell/cli/cli_program.h"
 #include "support/jet_writer.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -23,7 +24,7 @@ JetTable jetTableOf(Database& catalogue, const TableInfo& info) {
     const bool isOther = column.type == ColumnType::DateTime || column.type == ColumnType::Binary;
     table.columns.push_back({column.name, isOther ? JetType::Text : static_cast<JetType>(column.type)});
   }
-  auto rows = catalogue.prepare("SELECT * FROM \"" + info.name + "\"");
+  auto rows = checked(catalogue.prepare("SELECT * FROM \"" + info.name + "\""));
   EXPECT_TRUE(rows);
   for (auto row = rows->step(); row && *row; row = rows->step()) {
     table.rows.emplace_back();
@@ -40,7 +41,7 @@ class PrimoInJet : public ::testing::Test {
       EXPECT_TRUE(copyTree(data + "/" + folder, application + "/" + folder));
     }
     EXPECT_TRUE(copyTree(data + "/new", source));
-    auto catalogue = Database::open(source + "/catalog.mdb", OpenMode::Shared);
+    auto catalogue = checked(Database::open(source + "/catalog.mdb", OpenMode::Shared));
     EXPECT_TRUE(catalogue);
     EXPECT_TRUE(
         catalogue->execute("UPDATE generale SET versione = 250, titolo = 'Città'; DELETE FROM dettagliop;"
@@ -69,7 +70,7 @@ class PrimoInJet : public ::testing::Test {
   static std::string rowsOf(const std::string& shop, const std::string& table) {
     auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
     if (!catalogue) return "not opened";
-    auto rows = catalogue->prepare("SELECT * FROM " + table);
+    auto rows = checked(catalogue->prepare("SELECT * FROM " + table));
     std::string text;
     for (auto row = rows->step(); row && *row; row = rows->step()) {
       for (int i = 0; i < rows->columnCount(); ++i) {
@@ -106,7 +107,7 @@ TEST_F(PrimoInJet, HasAPreviewToo) {
 
 TEST_F(PrimoInJet, ThatIsDamagedIsToldAndChangesNothing) {
   turnSourceIntoJet();
-  const std::string bytes = *readBytes(source + "/catalog.mdb");
+  const std::string bytes = valueOf(readBytes(source + "/catalog.mdb"));
   ASSERT_TRUE(writeBytes(source + "/catalog.mdb", bytes.substr(0, bytes.size() / 2)));
   EXPECT_EQ(import(home / "uno"), CliOutcome::Failed);
   EXPECT_THAT(err.str(), HasSubstr("Impossibile importare a causa del seguente errore: \n"));

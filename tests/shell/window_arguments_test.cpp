@@ -1,6 +1,7 @@
 // The arguments of the program with the window.
 
 #include "shell/program/window_arguments.h"
+#include "support/value_of.h"
 
 #include <gtest/gtest.h>
 
@@ -19,12 +20,12 @@ TEST(WindowArguments, WithoutAnyTheLastShopIsOpened) {
 }
 
 TEST(WindowArguments, BothFormsOfTheApplicationFolderMeanTheSame) {
-  EXPECT_EQ(read({"--app", "/a b", "/negozio"})->applicationFolder, "/a b");
-  EXPECT_EQ(read({"--app=/a b", "/negozio"})->applicationFolder, "/a b");
-  EXPECT_EQ(read({"--app=/a b", "/negozio"})->shop, "/negozio");
+  EXPECT_EQ(valueOf(read({"--app", "/a b", "/negozio"})).applicationFolder, "/a b");
+  EXPECT_EQ(valueOf(read({"--app=/a b", "/negozio"})).applicationFolder, "/a b");
+  EXPECT_EQ(valueOf(read({"--app=/a b", "/negozio"})).shop, "/negozio");
 }
 
-TEST(WindowArguments, AfterTwoHyphensEverythingIsAName) { EXPECT_EQ(read({"--", "--app"})->shop, "--app"); }
+TEST(WindowArguments, AfterTwoHyphensEverythingIsAName) { EXPECT_EQ(valueOf(read({"--", "--app"})).shop, "--app"); }
 
 TEST(WindowArguments, WhatIsWrongIsNamed) {
   EXPECT_EQ(read({"--veloce"}).error().what, "opzione sconosciuta: --veloce");
@@ -33,8 +34,8 @@ TEST(WindowArguments, WhatIsWrongIsNamed) {
 }
 
 TEST(WindowArguments, HelpAndVersionAreToldApart) {
-  EXPECT_TRUE(read({"--help"})->help);
-  EXPECT_TRUE(read({"--version"})->version);
+  EXPECT_TRUE(valueOf(read({"--help"})).help);
+  EXPECT_TRUE(valueOf(read({"--version"})).version);
   EXPECT_NE(windowUsage().find("--app CARTELLA"), std::string::npos);
 }
 

@@ -9,6 +9,7 @@
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -86,7 +87,7 @@ TEST(SqlIdent, AReservedWordThatNothingChangesIsAFailureWithAWarning) {
 TEST(SqlIdent, ASuffixThatIsCutAwayAgainIsAFailure) {
   ExportWarnings warnings;
   EXPECT_FALSE(SqlIdent("order", warnings, {5, "", "_"}));
-  EXPECT_EQ(*SqlIdent("order", warnings, {6, "", "_"}), "order_");
+  EXPECT_EQ(test::valueOf(SqlIdent("order", warnings, {6, "", "_"})), "order_");
 }
 
 TEST(SqlQuoteText, EachSpecialCharacterGetsABackslash) {

@@ -6,6 +6,7 @@
 
 #include "store/schema/schema.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -193,7 +194,7 @@ TEST_F(CreatedCatalogue, GivesANewDepartmentItsCounter) {
   ASSERT_TRUE(catalogue.execute("INSERT INTO categorie (ID) VALUES ('cat001')"));
   ASSERT_TRUE(catalogue.execute("DELETE FROM categorie"));
   ASSERT_TRUE(catalogue.execute("INSERT INTO categorie (ID) VALUES ('cat002')"));
-  EXPECT_EQ(asInteger(*catalogue.scalar("SELECT contatore FROM categorie")), 2);
+  EXPECT_EQ(asInteger(test::valueOf(catalogue.scalar("SELECT contatore FROM categorie"))), 2);
 }
 
 TEST_F(CreatedCatalogue, RefusesASecondDepartmentOfTheSameKey) {

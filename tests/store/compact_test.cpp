@@ -8,6 +8,7 @@
 #include "shop_fixture.h"
 #include "store/shop/compact.h"
 #include "store/shop/session_start.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -91,10 +92,10 @@ TEST_F(Compaction, ReplacesWhatAnEarlierOneLeft) {
 TEST_F(Compaction, MakesTheFileSmaller) {
   run(shop, "INSERT INTO articoli (catID, descrizione) VALUES ('cat001', '" + std::string(400000, 'x') + "')");
   run(shop, "DELETE FROM articoli WHERE descrizione IS NOT NULL");
-  const auto before = readBytes(shop + "/catalog.mdb")->size();
+  const auto before = test::valueOf(readBytes(shop + "/catalog.mdb")).size();
   setTimes("9");
   close();
-  EXPECT_LT(readBytes(shop + "/catalog.mdb")->size(), before);
+  EXPECT_LT(test::valueOf(readBytes(shop + "/catalog.mdb")).size(), before);
   EXPECT_EQ(read(shop, "SELECT titolo FROM articoli"), "Lampada");
 }
 

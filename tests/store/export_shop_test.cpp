@@ -9,6 +9,7 @@
 #include "store/shop/kept_order_key.h"
 #include "store/shop/load_shop.h"
 #include "support/failing_files.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -148,7 +149,7 @@ TEST_F(ExportingAShop, PasswordsStayAtHomeWhenAsked) {
   EXPECT_EQ(copied("catalog.mdb").find("Zq7Segreta"), std::string::npos) << "not in the file's free space either";
   EXPECT_EQ(copied("firewall.net"), "(none)");
   EXPECT_EQ(copied("kvftp.ini"), "passiva");
-  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT password FROM generale")), "Zq7Segreta");
+  EXPECT_EQ(asText(test::valueOf(session.catalogue.scalar("SELECT password FROM generale"))), "Zq7Segreta");
 }
 
 TEST_F(ExportingAShop, TheKeyOfOrdersGoesAlongWithThePasswordsAlone) {
@@ -163,7 +164,7 @@ TEST_F(ExportingAShop, TheOpenShopIsNotWritten) {
   const auto before = fileStamp(shop + "/catalog.mdb");
   ASSERT_TRUE(before);
   ASSERT_EQ(exportWith("OKTLSRP"), ExportOutcome::Done);
-  EXPECT_EQ(*fileStamp(shop + "/catalog.mdb"), *before);
+  EXPECT_EQ(test::valueOf(fileStamp(shop + "/catalog.mdb")), *before);
 }
 
 TEST_F(ExportingAShop, AFolderWithAnythingInItIsRefused) {
@@ -188,7 +189,7 @@ TEST_F(ExportingAShop, TheRootOfADiskIsRefused) {
 TEST_F(ExportingAShop, LeavingTheFolderOrTheOptionsWritesNothing) {
   EXPECT_EQ(exportWith(""), ExportOutcome::Left);
   EXPECT_EQ(dialogs, 1);
-  EXPECT_TRUE(*isEmptyFolder(destination));
+  EXPECT_TRUE(test::valueOf(isEmptyFolder(destination)));
   destination.clear();
   EXPECT_EQ(exportWith("OK"), ExportOutcome::Left);
   EXPECT_EQ(dialogs, 1);
@@ -249,7 +250,7 @@ TEST_F(ExportingAShop, TheApplicationsOwnShopLeavesItsScripts) {
 TEST_F(ExportingAShop, ACancelInTheMiddleLeavesTheFolderEmpty) {
   user.cancelAtYield = 3;
   EXPECT_EQ(exportWith("OKT"), ExportOutcome::Cancelled);
-  EXPECT_TRUE(*isEmptyFolder(destination));
+  EXPECT_TRUE(test::valueOf(isEmptyFolder(destination)));
   EXPECT_THAT(user.shown, IsEmpty());
   EXPECT_TRUE(session.catalogue.isOpen());
 }
@@ -263,7 +264,7 @@ TEST_F(ExportingAShop, AFullDiskAtAnyWriteIsToldAndLeavesNoShop) {
     if (!gate.hasFailed()) break;
     ASSERT_EQ(outcome, ExportOutcome::Failed) << failing;
     EXPECT_THAT(user.texts(), ElementsAre(failedText)) << failing;
-    EXPECT_TRUE(*isEmptyFolder(destination)) << failing;
+    EXPECT_TRUE(test::valueOf(isEmptyFolder(destination))) << failing;
     ASSERT_TRUE(session.catalogue.isOpen()) << failing;
   }
   EXPECT_TRUE(fileExists(destination + "/catalog.mdb"));
@@ -307,7 +308,7 @@ TEST_F(ExportingAShop, FilesWhoseNamesAreNoTextGoAlongUnderTheirBytes) {
 TEST_F(ExportingAShop, ACancelWhilePackingLeavesTheFolderEmpty) {
   user.cancelAtYield = 1;
   EXPECT_EQ(exportWith("OKTZ"), ExportOutcome::Cancelled);
-  EXPECT_TRUE(*isEmptyFolder(destination));
+  EXPECT_TRUE(test::valueOf(isEmptyFolder(destination)));
   EXPECT_TRUE(session.catalogue.isOpen());
 }
 
@@ -320,7 +321,7 @@ TEST_F(ExportingAShop, AFailureAtAnyStepOfPackingLeavesTheFolderEmpty) {
     if (!gate.hasFailed()) break;
     ASSERT_EQ(outcome, ExportOutcome::Failed) << failing;
     EXPECT_THAT(user.texts(), ElementsAre(failedText)) << failing;
-    EXPECT_TRUE(*isEmptyFolder(destination)) << failing;
+    EXPECT_TRUE(test::valueOf(isEmptyFolder(destination))) << failing;
   }
   EXPECT_TRUE(fileExists(destination + "/negozio.zip"));
 }

@@ -13,6 +13,7 @@
 #include "store/tree_fixture.h"
 #include "support/fixed_clock.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -123,7 +124,7 @@ TEST_F(KilledHistory, LosesNoEditThatWasDoneAndNamesNoStepThatWasNot) {
   sql("DELETE FROM articoli; DELETE FROM categorie");
   department(1, "###", 100);
   session.catalogue.close();
-  const std::string before = *readBytes(catalogue());
+  const std::string before = valueOf(readBytes(catalogue()));
   std::mt19937 chance{seed()};
   std::uniform_int_distribution<unsigned> moment{0, 40'000};
   for (int i = 0; i < operationsOf(5); ++i) {

@@ -5,6 +5,7 @@
 
 #include "shop_fixture.h"
 #include "store/shop/load_shop.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -239,7 +240,7 @@ TEST_F(LoadingAShop, ResetsAMissingWorkingFolderWhenWanted) {
                                             "resettarla e utilizzare quella predefinita?",
                                             Answer::No, Answer::Yes)));
   EXPECT_EQ(session.onlineFolder, shop + "/online");
-  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT siteonline FROM generale")), "");
+  EXPECT_EQ(asText(test::valueOf(session.catalogue.scalar("SELECT siteonline FROM generale"))), "");
 }
 
 TEST_F(LoadingAShop, GoesOnWithAMissingWorkingFolderWhenNot) {
@@ -251,7 +252,7 @@ TEST_F(LoadingAShop, GoesOnWithAMissingWorkingFolderWhenNot) {
                                             "resettarla e utilizzare quella predefinita?",
                                             Answer::No, Answer::No)));
   EXPECT_EQ(session.scriptFolder, "/gone/scripts");
-  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT sitescript FROM generale")), "/gone/scripts");
+  EXPECT_EQ(asText(test::valueOf(session.catalogue.scalar("SELECT sitescript FROM generale"))), "/gone/scripts");
 }
 
 TEST_F(LoadingAShop, AsksForEachMissingWorkingFolder) {

@@ -8,6 +8,7 @@
 #include "store/shop/backup_copies.h"
 #include "store/shop/load_shop.h"
 #include "support/failing_files.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -58,7 +59,7 @@ TEST_F(NumberedBackups, AnOpenCatalogueIsCopiedAndKeepsItsLock) {
   EXPECT_EQ(Database::open(folder + "/catalog.mdb", OpenMode::Shared).error().kind, ErrorKind::InUse);
   auto copy = Database::open(folder + "/catalog.000", OpenMode::ReadOnly);
   ASSERT_TRUE(copy);
-  EXPECT_EQ(asText(*copy->scalar("SELECT titolo FROM articoli")), "Nuova");
+  EXPECT_EQ(asText(test::valueOf(copy->scalar("SELECT titolo FROM articoli"))), "Nuova");
 }
 
 TEST_F(NumberedBackups, WhatAKilledProgramLeftOfACopyIsNoBackupAndNoHindrance) {

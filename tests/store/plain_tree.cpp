@@ -1,4 +1,5 @@
 #include "store/plain_tree.h"
+#include "support/value_of.h"
 
 #include <gtest/gtest.h>
 
@@ -57,7 +58,7 @@ void PlainTree::read(Database& catalogue) {
   articles_.clear();
   auto rows = catalogue.prepare(queries[0]);
   ASSERT_TRUE(rows);
-  while (*rows->step()) {
+  while (valueOf(rows->step())) {
     departments_[rows->integer(0)] = {rows->integer(0),
                                       std::string(rows->text(1)),
                                       std::string(rows->text(3)),
@@ -71,7 +72,7 @@ void PlainTree::read(Database& catalogue) {
   }
   rows = catalogue.prepare(queries[1]);
   ASSERT_TRUE(rows);
-  while (*rows->step()) {
+  while (valueOf(rows->step())) {
     articles_[rows->integer(0)] = {rows->integer(0),
                                    std::string(rows->text(1)),
                                    rows->integer(2),

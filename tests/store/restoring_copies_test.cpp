@@ -9,6 +9,7 @@
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "support/failing_files.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -161,7 +162,7 @@ TEST_F(RestoringACopy, TheSessionRestartsOnIt) {
   EXPECT_TRUE(RipristinaCopia(session, env, oldest()));
   EXPECT_EQ(bound, 1);
   ASSERT_TRUE(session.catalogue.isOpen());
-  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT titolo FROM articoli")), "Lampada");
+  EXPECT_EQ(asText(test::valueOf(session.catalogue.scalar("SELECT titolo FROM articoli"))), "Lampada");
   EXPECT_THAT(user.shown, IsEmpty());
 }
 
@@ -172,7 +173,7 @@ TEST_F(RestoringACopy, AFailureIsToldAndTheSessionGoesOnWithTheCatalogueAsItIs) 
   ASSERT_THAT(user.shown, SizeIs(1));
   EXPECT_EQ(user.shown[0].icon, Icon::Critical);
   ASSERT_TRUE(session.catalogue.isOpen());
-  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT titolo FROM articoli")), "Lume");
+  EXPECT_EQ(asText(test::valueOf(session.catalogue.scalar("SELECT titolo FROM articoli"))), "Lume");
 }
 
 TEST_F(RestoringACopy, IsAskedWithNoAsTheDefault) {

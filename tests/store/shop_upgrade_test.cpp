@@ -13,6 +13,7 @@
 #include "store/upgrade/shop_upgrade.h"
 #include "support/failing_files.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -127,7 +128,7 @@ TEST_F(AnAgedShop, WithOneMissingColumnKeepsTheValuesOfTheOthers) {
 
 TEST_F(AnAgedShop, GetsThePrivacyTagInItsSeed) {
   {
-    auto seed = Database::open(shop + "/source.new", OpenMode::Shared);
+    auto seed = checked(Database::open(shop + "/source.new", OpenMode::Shared));
     ASSERT_TRUE(seed->execute("ALTER TABLE categoria DROP COLUMN compact_privacy_policy"));
   }
   EXPECT_THAT(upgrade().columns, ElementsAre("categoria.compact_privacy_policy"));

@@ -6,6 +6,7 @@
 #include "store/catalogue/way_back.h"
 #include "store/tree_fixture.h"
 #include "support/fixed_clock.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -38,7 +39,7 @@ class TheStepLog : public TreeFixture {
     for (const LoggedStep& one : log->steps()) lines.push_back(one.name + " " + std::string(stateText(one.state)));
     return lines;
   }
-  std::string price() { return asText(*session.catalogue.scalar("SELECT prezzo FROM articoli WHERE ID = 1")); }
+  std::string price() { return asText(valueOf(session.catalogue.scalar("SELECT prezzo FROM articoli WHERE ID = 1"))); }
   std::int64_t stepNamed(const std::string& name) {
     for (const LoggedStep& one : log->steps()) {
       if (one.name == name) return one.ID;
@@ -157,7 +158,7 @@ TEST_F(TheStepLog, GoesBackByRowsAcrossSessionsAsAStepOfItsOwn) {
                 when + "Terzo\n" + when + "Secondo\n" + when + "Primo\n\nTornare indietro?");
   goBack(*way);
   EXPECT_EQ(price(), "1");
-  EXPECT_EQ(asText(*session.catalogue.scalar("SELECT COUNT(*) FROM articoli")), "1");
+  EXPECT_EQ(asText(valueOf(session.catalogue.scalar("SELECT COUNT(*) FROM articoli"))), "1");
   EXPECT_EQ(history.undoName(), "Torna a prima di: Primo");
   ASSERT_TRUE(history.undo());
   EXPECT_EQ(price(), "4");

@@ -4,6 +4,7 @@
 
 #include "shop_fixture.h"
 #include "store/shop/load_shop.h"
+#include "support/value_of.h"
 
 namespace kv {
 namespace {
@@ -26,7 +27,7 @@ class TemplateResolution : public test::ShopFixture {
     session.ShopFolder = shop;
     EXPECT_EQ(CaricaNegozio(session, env, options), LoadResult::Opened);
   }
-  std::string stored() { return asText(*session.catalogue.scalar("SELECT template FROM generale")); }
+  std::string stored() { return asText(test::valueOf(session.catalogue.scalar("SELECT template FROM generale"))); }
 
   std::string shop;
   std::string choice;

@@ -16,6 +16,7 @@
 #include "store/tree_fixture.h"
 #include "support/shrink.h"
 #include "support/test_seed.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -114,7 +115,7 @@ class TreeRun : public TreeFixture {
     for (const char* query : {"SELECT * FROM categorie ORDER BY contatore", "SELECT * FROM articoli ORDER BY ID",
                               "SELECT * FROM generale", "SELECT * FROM lingue"}) {
       auto row = session.catalogue.prepare(query);
-      while (row && *row->step()) {
+      while (row && valueOf(row->step())) {
         for (int i = 0; i < row->columnCount(); ++i) {
           const StoredAs kind = row->storedAs(i);
           mix(static_cast<std::size_t>(kind));
@@ -295,7 +296,7 @@ class TreeRun : public TreeFixture {
     std::map<std::string, Row> kept;
     auto statement = session.catalogue.prepare("SELECT ID, genitore, livello, hafigli, pagina FROM categorie");
     ASSERT_TRUE(statement);
-    while (*statement->step()) {
+    while (valueOf(statement->step())) {
       ASSERT_FALSE(kept.contains(std::string(statement->text(0)))) << statement->text(0);
       kept[std::string(statement->text(0))] = {std::string(statement->text(1)), statement->integer(2),
                                                statement->flag(3)};
