@@ -55,8 +55,10 @@ bool ShippingEditor::told(const Result<>& outcome) {
 
 bool ShippingEditor::toldOnce(const Result<>& outcome) {
   failure_ = outcome ? std::string() : failureText(outcome.error());
-  if (!outcome && failure_ != toldFailure_) user_.message(failure_, Icon::Exclamation);
-  toldFailure_ = failure_;
+  // The detail below the empty line differs from field to field.
+  const std::string condition = failure_.substr(0, failure_.find("\n\n"));
+  if (!outcome && condition != toldFailure_) user_.message(failure_, Icon::Exclamation);
+  toldFailure_ = condition;
   return outcome.has_value();
 }
 
