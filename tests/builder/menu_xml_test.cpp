@@ -94,7 +94,7 @@ TEST(MenuXmlBuildTest, EachLanguageHasItsFileInWindows1252) {
   shop.department("cat001", {{"titolo", std::string("Città €")}, {"titolo_l2", std::string("Łódź")}});
   ASSERT_EQ(shop.build(), BuildOutcome::Done);
   const auto bytes = readBytes(shop.session.onlineFolder + "/shopmenu.xml");
-  ASSERT_TRUE(bytes.has_value());
+  ASSERT_TRUE(bytes.has_value()) << shop.user.texts().front();
   EXPECT_THAT(*bytes, HasSubstr("<title>Citt\xE0 \x80</title>"));
   EXPECT_THAT(shop.page("shopmenu_l2.xml"), HasSubstr("<title>&#321;ód&#378;</title>"));
   EXPECT_THAT(shop.page("shopmenu_l2.xml"), HasSubstr("<link>cat001_l2.php?n=1</link>"));

@@ -154,6 +154,15 @@ TEST(NavigationTest, WrappersNestWhatIsOpenAndASectionWithoutTextDropsAllBeneath
             "<li>A</li><li>D</li>");
 }
 
+TEST(NavigationTest, ABarInTheOwnTextOfTheWrappersBecomesADoubleQuote) {
+  const std::string menu =
+      "[top titles]\r\n%title\r\n[titles]\r\n%title\r\n[titles selected]\r\n%title!\r\n"
+      "[children]\r\n<li class=|open|>%rep<ul>%subrep</ul></li>\r\n[nochildren]\r\n<li class=|leaf|>%rep</li>\r\n";
+  EXPECT_EQ(navigation(deep(), templateLook(menu)).CatEsplora("b").tree,
+            "<li class=\"open\">A<ul><li class=\"open\">B!<ul><li class=\"leaf\">C</li></ul></li></ul></li>"
+            "<li class=\"leaf\">D</li>");
+}
+
 TEST(NavigationTest, TemplateSectionsGetImageSizeTitleAndLinkAndTabsByLevel) {
   const char* menu =
       "[top images]\r\n%image %x %y %title %link;\r\n[images selected]\r\n%image %x,%y;\r\n"

@@ -7,6 +7,7 @@
 
 #include "platform/files/files.h"
 #include "support/temp_shop.h"
+#include "support/value_of.h"
 
 namespace kv::test {
 namespace {
@@ -32,7 +33,7 @@ class ServerSettingsTest : public ::testing::Test {
     return page.substr(start, page.rfind(']') - start);
   }
   void set(const std::string& column, std::string_view value) {
-    auto update = *shop.session.catalogue.prepare("UPDATE generale SET " + column + " = ?");
+    auto update = valueOf(shop.session.catalogue.prepare("UPDATE generale SET " + column + " = ?"));
     update.bind(1, value);
     EXPECT_TRUE(update.execute());
   }
@@ -210,6 +211,14 @@ TEST_F(ServerSettingsTest, ScriptsOfTheServerReceiveTheBlock) {
   EXPECT_THAT(shop.page("funcs.php"), HasSubstr("<?php\r\n$ivacompresa = 0;\r\n"));
   EXPECT_THAT(shop.page("funcs.php"), HasSubstr("$scontoimp = array(0,0,0,0,0,0,0,0,0,0);\r\n$fine = 1;\r\n?>"));
   EXPECT_THAT(shop.page("funcs.php"), Not(HasSubstr("<<")));
+}
+
+TEST_F(ServerSettingsTest, TheShopNumberOfAFolderWithoutAUrlIsThatOfTheFolder) {
+  set("URL", "");
+  set("cartella", "shop");
+  EXPECT_EQ(tag("IDnegozio"), "1104");  // 115 * 1 + 104 * 2 + 111 * 3 + 112 * 4
+  set("cartella", "/shop/");
+  EXPECT_EQ(tag("IDnegozio"), "1104");
 }
 
 }  // namespace

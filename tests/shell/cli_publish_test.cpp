@@ -31,24 +31,25 @@ class CliPublish : public ::testing::Test {
     err.str("");
     std::vector<std::string> arguments{"--app", home / "app"};
     arguments.insert(arguments.end(), words.begin(), words.end());
-    arguments.push_back(home / "shop");
+    arguments.push_back(shop);
     ConsoleOptions screen;
     screen.cancelled = cancelled;
     return runCommandLine(arguments, {out, err, std::move(screen), ""});
   }
   void makeBuiltShop() {
     ASSERT_EQ(run({"new"}), CliOutcome::Done) << err.str();
-    auto catalogue = Database::open(home / "shop/catalog.mdb", OpenMode::Exclusive);
+    auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Exclusive);
     ASSERT_TRUE(catalogue);
     ASSERT_TRUE(
         catalogue->execute("UPDATE generale SET hostname='127.0.0.1', username='mario', password='segreto', "
                            "folderFTP='www', folderCGI='cgi', URL='http://127.0.0.1:1'"));
     catalogue->close();
-    ASSERT_TRUE(writeBytes(home / "shop/firewall.net", "FPRT: " + server.port() + "\r\n"));
+    ASSERT_TRUE(writeBytes(shop + "/firewall.net", "FPRT: " + server.port() + "\r\n"));
     ASSERT_EQ(run({"build"}), CliOutcome::Done) << err.str();
   }
 
   test::TempFolder home;
+  std::string shop = home / "shop";
   test::ScriptedFtpServer server;
   std::ostringstream out, err;
   std::function<bool()> cancelled;
@@ -72,7 +73,7 @@ TEST_F(CliPublish, SendsWhatTheDryRunHasNamedAndTellsWhatTheHostAnswers) {
   EXPECT_EQ(run({"publish"}), CliOutcome::Failed) << "nobody answers where the pages should be";
   EXPECT_THAT(err.str(), HasSubstr("Si sono verificati errori nell'aggiornamento del database:"));
   EXPECT_EQ(server.fileNames().size(), static_cast<std::size_t>(lines - 1));
-  EXPECT_EQ(server.file("/casa/www/db.sql"), readBytes(home / "shop/online/db.sql").value_or("-"));
+  EXPECT_EQ(server.file("/casa/www/db.sql"), readBytes(shop + "/online/db.sql").value_or("-"));
   EXPECT_THAT(out.str(), HasSubstr("File inviati: " + std::to_string(lines - 1)));
   for (const std::string& text : {out.str(), err.str()}) EXPECT_EQ(text.find("segreto"), std::string::npos);
 
@@ -95,6 +96,18 @@ TEST_F(CliPublish, IsCancelledAtTheNextStep) {
   cancelled = [this] { return !server.commands("STOR").empty(); };
   EXPECT_EQ(run({"publish"}), CliOutcome::Cancelled);
   EXPECT_LE(server.fileNames().size(), 1U);
+}
+
+TEST_F(CliPublish, SendsAShopInAFolderThatTheTableOfTheFilesDoesNotHold) {
+  shop = home / "żółw";
+  makeBuiltShop();
+  ASSERT_EQ(run({"publish", "--dry-run"}), CliOutcome::Done) << err.str();
+  const std::string named = out.str();
+  const auto lines = std::count(named.begin(), named.end(), '\n');
+  EXPECT_GT(lines, 50);
+  run({"publish"});
+  EXPECT_EQ(server.fileNames().size(), static_cast<std::size_t>(lines - 1));
+  EXPECT_EQ(server.file("/casa/www/index.php"), readBytes(shop + "/online/index.php").value_or("-"));
 }
 
 }  // namespace
