@@ -1,8 +1,7 @@
 // Random operations on the tree, undo and redo among them, from each of eight seeds: after each one the rows are those
 // that a plain model of the commands has computed, they keep their rules, and the tree that is shown is the tree that
-// is stored. A series that fails is made shorter before it is reported.
-//
-// KORVANE_TEST_SEED and KORVANE_TEST_SEEDS: the first seed and their number. KORVANE_TEST_OPERATIONS: the length.
+// is stored. A series that fails is made shorter before it is reported. KORVANE_TEST_SEED and KORVANE_TEST_SEEDS: the
+// first seed and their number. KORVANE_TEST_OPERATIONS: the length.
 
 #include <gtest/gtest-spi.h>
 
