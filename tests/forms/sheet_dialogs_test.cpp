@@ -74,6 +74,8 @@ TEST_F(TheSheetGuide, GoesFromTheFileOverTheColumnsToWhatWouldHappen) {
   ASSERT_EQ(values->rowCount(), 1);
   EXPECT_EQ(textAt(*values, 0, 0) + textAt(*values, 0, 1) + ">" + textAt(*values, 0, 2), "Prezzo1,50>2,50");
   test::keepPicture(dialog, "foglio_piano");
+  EXPECT_EQ(plan->model()->index(0, 3).data(Qt::AccessibleTextRole), "vuoto") << "a screen reader says so";
+  EXPECT_EQ(control<QTableWidget>(dialog, "grdColonne")->item(2, 2)->data(Qt::AccessibleTextRole), "Prezzo");
   control<QComboBox>(dialog, "cboFiltro")->setCurrentIndex(1);
   EXPECT_EQ(planText(*plan), "4|nuovo|A-3  Vaso|\n");
   plan->model()->setData(plan->model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);

@@ -38,6 +38,13 @@ QTableWidget* grid(const char* name, std::string_view spoken, const QStringList&
   return table;
 }
 
+/// A cell of a list. Screen readers say that it is empty where it is.
+QTableWidgetItem* spokenCell(std::string_view text) {
+  auto* item = new QTableWidgetItem(toQt(text));
+  if (text.empty()) item->setData(Qt::AccessibleTextRole, QStringLiteral("vuoto"));
+  return item;
+}
+
 /// The sign that a list gives: nothing for its first entry.
 std::optional<char> signOf(const QComboBox& box, std::string_view signs) {
   const int index = box.currentIndex() - 1;
@@ -243,7 +250,7 @@ void frmImportaFoglio::showFile() {
   grdRighe_->setColumnCount(rows.empty() ? 0 : static_cast<int>(rows[0].size()));
   for (std::size_t row = 0; row < rows.size(); ++row) {
     for (std::size_t i = 0; i < rows[row].size(); ++i) {
-      auto* item = new QTableWidgetItem(toQt(rows[row][i]));
+      auto* item = spokenCell(rows[row][i]);
       if (guide_.isNumber(row, i)) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
       grdRighe_->setItem(static_cast<int>(row), static_cast<int>(i), item);
     }
@@ -257,8 +264,8 @@ void frmImportaFoglio::showColumns() {
   grdColonne_->setRowCount(static_cast<int>(headers.size()));
   for (std::size_t i = 0; i < headers.size(); ++i) {
     const int row = static_cast<int>(i);
-    grdColonne_->setItem(row, 0, new QTableWidgetItem(toQt(headers[i])));
-    grdColonne_->setItem(row, 1, new QTableWidgetItem(toQt(guide_.example(i))));
+    grdColonne_->setItem(row, 0, spokenCell(headers[i]));
+    grdColonne_->setItem(row, 1, spokenCell(guide_.example(i)));
     auto* box = named(new QComboBox(), "cboColonna" + std::to_string(i), "Colonna per " + headers[i]);
     box->addItem(toQt("(non importare)"), QString());
     for (const TableColumn& column : open.table.columns) box->addItem(toQt(column.italian), toQt(column.name));
@@ -271,6 +278,10 @@ void frmImportaFoglio::showColumns() {
       // The list was made again; the keyboard stays where it was.
       if (auto* again = grdColonne_->cellWidget(static_cast<int>(i), 2)) again->setFocus();
     });
+    // The list covers its cell, which screen readers come by as well.
+    auto* covered = new QTableWidgetItem();
+    covered->setData(Qt::AccessibleTextRole, box->currentText());
+    grdColonne_->setItem(row, 2, covered);
     grdColonne_->setCellWidget(row, 2, box);
   }
   grdColonne_->resizeColumnToContents(0);
@@ -302,8 +313,7 @@ void frmImportaFoglio::showChanges() {
   for (std::size_t i = 0; i < changes.size(); ++i) {
     const std::array<const std::string*, 3> texts{&changes[i].column, &changes[i].before, &changes[i].after};
     for (int column = 0; column < 3; ++column) {
-      grdValori_->setItem(static_cast<int>(i), column,
-                          new QTableWidgetItem(toQt(*texts[static_cast<std::size_t>(column)])));
+      grdValori_->setItem(static_cast<int>(i), column, spokenCell(*texts[static_cast<std::size_t>(column)]));
     }
   }
 }

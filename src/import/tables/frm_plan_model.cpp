@@ -27,14 +27,16 @@ int PlanModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant PlanModel::data(const QModelIndex& index, int role) const {
-  if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::CheckStateRole)) return {};
+  const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
+  if (!index.isValid() || (!isText && role != Qt::CheckStateRole)) return {};
   const GuideRow row = guide_.row(planRow(index.row()));
   if (role == Qt::CheckStateRole) {
     if (index.column() != Line || !row.canChoose) return {};
     return row.isChosen ? Qt::Checked : Qt::Unchecked;
   }
   const std::array<const std::string*, 4> texts{&row.line, &row.fate, &row.label, &row.reason};
-  return toQt(*texts[static_cast<std::size_t>(index.column())]);
+  const std::string& text = *texts[static_cast<std::size_t>(index.column())];
+  return toQt(role == Qt::AccessibleTextRole && text.empty() ? "vuoto" : text);
 }
 
 bool PlanModel::setData(const QModelIndex& index, const QVariant& value, int role) {
