@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <array>
@@ -83,8 +84,8 @@ void takeAccountingPreview(Stage& stage, const QString& name) {
   takeShown(stage, dialog, name);
 }
 
-/// The guide of a sheet, `pages` pages on.
-void takeSheetGuide(Stage& stage, const QString& name, int pages) {
+/// The guide of a sheet, `pages` pages on. arrange: acts on the page of the columns before it is left.
+void takeSheetGuide(Stage& stage, const QString& name, int pages, const std::function<void(QWidget&)>& arrange = {}) {
   const QTemporaryDir folder;
   const std::string path = joinPath(fromQt(folder.path()), "listino.csv");
   ignore(writeBytes(path,
@@ -95,13 +96,21 @@ void takeSheetGuide(Stage& stage, const QString& name, int pages) {
   frmImportaFoglio dialog(guide, stage.user(), {}, &stage.window());
   takeShown(stage, dialog, name, [&](QWidget& shown) {
     dialog.openFile(path);
-    for (int i = 0; i < pages; ++i) shown.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
+    for (int i = 0; i < pages; ++i) {
+      if (i == 1 && arrange) arrange(shown);
+      shown.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
+    }
   });
 }
 
 void takeSheetFile(Stage& stage, const QString& name) { takeSheetGuide(stage, name, 0); }
 void takeSheetColumns(Stage& stage, const QString& name) { takeSheetGuide(stage, name, 1); }
 void takeSheetPlan(Stage& stage, const QString& name) { takeSheetGuide(stage, name, 2); }
+/// With the articles that go out of the catalogue.
+void takeSheetUnlisted(Stage& stage, const QString& name) {
+  takeSheetGuide(stage, name, 2,
+                 [](QWidget& shown) { shown.findChild<QCheckBox*>(QStringLiteral("chkFuori"))->setChecked(true); });
+}
 
 void takeSheetExport(Stage& stage, const QString& name) {
   const auto tables = sheetTables(stage.session().catalogue, stage.session().languageCount);
@@ -194,6 +203,7 @@ std::span<const Scene> exchangeScenes() {
                                      Scene{"importa-foglio", takeSheetFile},
                                      Scene{"importa-foglio-colonne", takeSheetColumns},
                                      Scene{"importa-foglio-piano", takeSheetPlan},
+                                     Scene{"importa-foglio-fuori", takeSheetUnlisted},
                                      Scene{"esporta-foglio", takeSheetExport},
                                      Scene{"password", takePasswordLists},
                                      Scene{"password-invio", takePasswordTransfer},

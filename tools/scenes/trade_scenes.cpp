@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTabWidget>
+#include <QTableView>
 #include <array>
 
 #include "media/purge/frm_pulisci_immagini.h"
@@ -162,6 +163,20 @@ void takeReplace(Stage& stage, const QString& name) {
                });
 }
 
+/// A step of prices over all cells of the sheet, with its preview.
+void takePriceStep(Stage& stage, const QString& name) {
+  stage.show(Tab::Articles);
+  const auto step = [&](QWidget& dialog) {
+    dialog.findChild<QLineEdit*>(QStringLiteral("txtPasso"))->setText(QStringLiteral("+10 %"));
+    stage.take(name);
+  };
+  stage.during([&] { stage.choose("articles.sheet"); },
+               [&](QWidget& sheet) {
+                 sheet.findChild<QTableView*>(QStringLiteral("lstFoglio"))->selectAll();
+                 stage.during([&] { sheet.findChild<QAbstractButton*>(QStringLiteral("cmdPrezzi"))->click(); }, step);
+               });
+}
+
 void takeExport(Stage& stage, const QString& name) {
   frmEsporta dialog({true, true, {"kvservizi.php", "vetrina.js"}}, &stage.window());
   stage.during([&] { dialog.exec(); }, [&](QWidget&) { stage.take(name); });
@@ -175,6 +190,7 @@ std::span<const Scene> tradeScenes() {
                                      Scene{"replica-listini", takeListCopy},
                                      Scene{"foglio", takeSheet},
                                      Scene{"foglio-sostituisci", takeReplace},
+                                     Scene{"foglio-prezzi", takePriceStep},
                                      Scene{"email", takeMail},
                                      Scene{"vetrina", takeShowcase},
                                      Scene{"obbligatori", takeRequired},

@@ -47,7 +47,7 @@ frmPassoPrezzi::frmPassoPrezzi(Session& session, std::span<const SheetColumn> co
   connect(preview_, &ChangePreview::counted, this, &frmPassoPrezzi::showCount);
   connect(txtPasso_, &QLineEdit::textChanged, this, &frmPassoPrezzi::previewAgain);
   connect(chkTondi_, &QCheckBox::toggled, this, &frmPassoPrezzi::previewAgain);
-  sizeInCharacters(90, 26);
+  sizeInCharacters(112, 26);
   txtPasso_->setFocus();
 }
 
