@@ -58,7 +58,7 @@ TEST_F(TheNoticeOfOrders, IsTakenAwayByAnotherShop) {
 TEST_F(TheNoticeOfOrders, DoesNotComeWhereTheBoxIsOff) {
   OrderStore store(shop);
   ASSERT_TRUE(store.open());
-  ASSERT_TRUE(store.setTellsAtStart(false));
+  ASSERT_TRUE(store.setNotifiesAtStart(false));
   announceOrders(*window, session, env);
   processEvents();
   EXPECT_TRUE(notice() == nullptr || !notice()->isVisible());

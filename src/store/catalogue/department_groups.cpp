@@ -140,7 +140,7 @@ Result<> TreeEditing::CopiaReparti(const DepartmentGroup& group) {
   }
   if (auto copied = copyDepartments(arrayOf(group), withArticles); !copied) return copied;
   if (auto kept = change.keep(); !kept) return kept;
-  tellDepartmentCopied(withArticles);
+  enablePasteOfDepartment(withArticles);
   return {};
 }
 

@@ -8,11 +8,11 @@ namespace {
 using enum Menu;
 using enum Toolbar;
 
-using GroupEdit = std::function<Result<>(TreeEditing&, const DepartmentGroup&)>;
+using DepartmentsEdit = std::function<Result<>(TreeEditing&, const DepartmentGroup&)>;
 
 /// The row with an edit of several departments in front of it, which runs while more than one is selected. `step`: how
 /// undo names that edit; empty when there is nothing to undo.
-Command groupCommand(Command row, GroupEdit edit, std::string_view step) {
+Command groupCommand(Command row, DepartmentsEdit edit, std::string_view step) {
   row.run = [one = row.run, edit = std::move(edit), step](const CommandContext& context) {
     const DepartmentGroup group = context.view.selectedDepartments();
     if (group.size() < 2) return one(context);

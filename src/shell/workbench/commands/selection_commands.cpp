@@ -8,9 +8,9 @@ namespace {
 
 using enum Menu;
 
-using GroupEdit = std::function<Result<>(TreeEditing&, const ArticleGroup&)>;
+using ArticlesEdit = std::function<Result<>(TreeEditing&, const ArticleGroup&)>;
 
-void runOn(const CommandContext& context, const ArticleGroup& group, const GroupEdit& edit, std::string_view step) {
+void runOn(const CommandContext& context, const ArticleGroup& group, const ArticlesEdit& edit, std::string_view step) {
   const auto once = [&] { return edit(context.editing, group); };
   context.bench.showError(step.empty() ? once() : context.history.record(std::string(step), once));
 }
@@ -30,7 +30,7 @@ Command markRow(std::string_view column, int position, std::string_view text) {
   row.checked = [column](const CommandContext& context) { return isMarked(context, column); };
   row.run = [column, step = row.step](const CommandContext& context) {
     const bool on = !isMarked(context, column);
-    const GroupEdit mark = [&](TreeEditing& editing, const ArticleGroup& group) {
+    const ArticlesEdit mark = [&](TreeEditing& editing, const ArticleGroup& group) {
       return editing.SegnaArticoli(group, column, on);
     };
     runOn(context, articlesOf(context), mark, step);
