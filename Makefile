@@ -77,7 +77,8 @@ fuzz: deps-more
 
 # One series after the other in one program, without the time limit that a test has otherwise.
 soak: build
-	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell test_import test_media jet_rows
+	@cmake --build --preset dev --target test_store test_builder test_commerce test_forms test_shell test_import test_media \
+	  test_shops jet_rows
 	@tools/install-npm
 	@KORVANE_TEST_OPERATIONS=10000 KORVANE_TEST_SEEDS=$(SOAK_SEEDS) build/dev/tests/test_store \
 	  --gtest_filter='*TreeProperty*:*FailingCommands*' --gtest_brief=1
@@ -85,7 +86,7 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_store --gtest_brief=1 \
 	  --gtest_filter='KilledExchange*:AnAgedShop.However*:PatchingScripts.ASecondRun*'
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_shell --gtest_filter='KilledPictures*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shell --gtest_filter='*ShopsOfChance*' --gtest_brief=1
+	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_shops --gtest_brief=1
 	@KORVANE_TEST_SEEDS=1 KORVANE_TEST_OPERATIONS=10000 build/dev/tests/test_media \
 	  --gtest_filter='PictureNames.NamesOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_builder --gtest_filter='DoctorProperty*' --gtest_brief=1
@@ -93,7 +94,6 @@ soak: build
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_commerce --gtest_brief=1 \
 	  --gtest_filter='Random*:ReplicatingRandom*:*EqualsAWalk*:TheTrialAndTheCart*:Hostile*'
 	@KORVANE_TEST_OPERATIONS=50 build/dev/tests/test_commerce --gtest_filter='Killed*' --gtest_brief=1
-	@KORVANE_TEST_SEEDS=$(SOAK_SHOPS) build/dev/tests/test_import --gtest_filter='*AccountingOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_import --gtest_filter='TablesOfChance*:ImportsOfChance*' --gtest_brief=1
 	@KORVANE_TEST_SEEDS=200 build/dev/tests/test_shell --gtest_filter='SheetOfChance*' --gtest_brief=1
 	@KORVANE_TEST_OPERATIONS=500 build/dev/tests/test_import --gtest_filter='Killed*' --gtest_brief=1

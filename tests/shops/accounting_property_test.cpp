@@ -2,7 +2,7 @@
 // changes nothing, and the preview has said what was written.
 #include <random>
 
-#include "accounting_shop.h"
+#include "import/accounting_shop.h"
 #include "store/catalogue/undo_history.h"
 #include "support/jet_samples.h"
 #include "support/test_seed.h"
@@ -11,7 +11,7 @@
 namespace kv::test {
 namespace {
 
-constexpr unsigned shares = 4;  // of the imports, each a case of its own
+constexpr unsigned importShares = 4;  // parts of the imports, each a case of its own
 
 class AccountingOfChance : public AccountingShop, public ::testing::WithParamInterface<unsigned> {
  protected:
@@ -78,7 +78,7 @@ class AccountingOfChance : public AccountingShop, public ::testing::WithParamInt
 };
 
 TEST_P(AccountingOfChance, IsUndoneToEqualRowsAndDoneAgainToEqualRows) {
-  for (unsigned i = GetParam(); i < seeds(100); i += shares) {
+  for (unsigned i = GetParam(); i < seeds(100); i += importShares) {
     fillByChance(seed() + i);
     history.begin();
     const std::string before = allRows();
@@ -95,7 +95,7 @@ TEST_P(AccountingOfChance, IsUndoneToEqualRowsAndDoneAgainToEqualRows) {
 }
 
 TEST_P(AccountingOfChance, ImportedAgainChangesNothingInEitherMode) {
-  for (unsigned i = GetParam(); i < seeds(100); i += shares) {
+  for (unsigned i = GetParam(); i < seeds(100); i += importShares) {
     fillByChance(seed() + i);
     ASSERT_EQ(import(), AccountingEnd::Done);
     const std::string before = allRows();
@@ -108,7 +108,7 @@ TEST_P(AccountingOfChance, ImportedAgainChangesNothingInEitherMode) {
 }
 
 TEST_P(AccountingOfChance, WritesWhatThePreviewSaid) {
-  for (unsigned i = GetParam(); i < seeds(100); i += shares) {
+  for (unsigned i = GetParam(); i < seeds(100); i += importShares) {
     fillByChance(seed() + i);
     const auto plan = previewAccounting(session, settings, request);
     ASSERT_TRUE(plan) << plan.error().what;
