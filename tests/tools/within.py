@@ -100,7 +100,9 @@ def main(seconds, *words):
     ctypes.CDLL(None, use_errno=True).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
     for one in (signal.SIGALRM, signal.SIGTERM, signal.SIGINT):
         signal.signal(one, over)
-    program = subprocess.Popen(words).pid
+    # Kept: an object that goes away reaps the child that has ended already.
+    child = subprocess.Popen(words)
+    program = child.pid
     try:
         signal.alarm(int(seconds))
         status = status_of(program)
