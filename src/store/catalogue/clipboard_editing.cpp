@@ -131,7 +131,7 @@ Result<std::vector<TreeEditing::ClippedDepartment>> TreeEditing::clippedDepartme
 
 /// Leaves the departments alone in their clipboard table. It says what hung where only for several: one department is
 /// pasted wherever the cursor is.
-Result<> TreeEditing::copyDepartments(const std::string& IDs, bool withArticles) {
+Result<> TreeEditing::copyDepartments(const std::string& group, bool withArticles) {
   Database& catalogue = sets_.session().catalogue;
   auto names = carriedColumns(catalogue, "categorie");
   if (!names) return fail(names.error());
@@ -140,7 +140,7 @@ Result<> TreeEditing::copyDepartments(const std::string& IDs, bool withArticles)
                  "INSERT INTO clipcategorie (" + *names + ", ID, genitore, incolla_articoli) SELECT " + *names +
                      ", ID, genitore, ?1 FROM categorie WHERE ID IN (SELECT value FROM json_each(?2)) "
                      "ORDER BY (SELECT scelto.key FROM json_each(?2) AS scelto WHERE scelto.value = categorie.ID)",
-                 {Value(withArticles), Value(IDs)});
+                 {Value(withArticles), Value(group)});
 }
 
 Result<> TreeEditing::copyArticles(const std::string& condition, const Value& value) {

@@ -164,7 +164,7 @@ class TreeEditing {
   Result<bool> exchange(TreeList list, std::int64_t key, const Value& holder, int direzione);
   Result<> copyArticles(const std::string& condition, const Value& value);
   /// The departments of a JSON array of IDs, in its order.
-  Result<> copyDepartments(const std::string& IDs, bool withArticles);
+  Result<> copyDepartments(const std::string& group, bool withArticles);
   Result<std::vector<ClippedDepartment>> clippedDepartments();
   Result<NewDepartment> pasteOne(const ClippedDepartment& clipped, const Pasted& parents);
   Result<> fill(std::string_view table, std::string_view clipboard, std::int64_t from, std::int64_t to);
