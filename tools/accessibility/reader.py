@@ -7,6 +7,7 @@ WAIT_SECONDS = 30
 ANSWER_SECONDS = 15
 SHORT_MILLISECONDS = 400
 LONG_MILLISECONDS = 20000
+ROUNDS = 3  # of Tab through a window before something is missed
 MOST_OF_A_CELL = 4  # stops of Tab for each cell that shows: a grid has more rows than are seen
 TAB_KEY, ESCAPE_KEY = "Tab", "Escape"
 XDOTOOL_SECONDS = 60  # for what it was asked; a window that is gone never takes the focus it waits for
@@ -217,36 +218,55 @@ class Reader:
         return found
 
     def go_round(self, where, window):
-        """Tab from where the focus is until it is there again; the number of stops."""
+        """Tab from where the focus is until it is there again; the number of stops.
+
+        What tells of the focus comes in its own time, also when the next key is pressed already, so nothing of it is
+        dropped: the stops are all that came, in their order. A list may tell of its current cell when something else has
+        the focus, so the walk goes round a second time before it misses anything."""
         wanted = self.wanted(window)
         # Where there is nothing else to go to, Tab stays; a window at work takes the focus when it comes to that.
         if len(wanted) == 1 and self.wait(lambda: self.has(wanted[0], "FOCUSED"), ANSWER_SECONDS):
             return 1
-        is_again, reached, cells = False, [], sum(node.get_role_name() == "table cell" for node in self.walk(window))
-        for _ in range(2 * len(wanted) + MOST_OF_A_CELL * cells + 5):
-            self.focused.clear()
-            self.press(TAB_KEY)
-            if not self.wait(lambda: self.focused, ANSWER_SECONDS):
-                break
-            self.wait(lambda: False, 0.01)
-            node = self.control(self.focused[-1])
-            # In a grid that is typed into Tab goes from cell to cell.
-            if reached and node == reached[-1]:
-                continue
-            if reached and node == reached[0] and (is_again or all(one in reached for one in wanted)):
-                break
-            # A list may tell of its current cell when something else has the focus: once more round, then.
-            is_again = is_again or (bool(reached) and node == reached[0])
-            reached.append(node)
-        self.compare_stops(where, wanted, reached)
-        return len(reached)
+        cells = sum(node.get_role_name() == "table cell" for node in self.walk(window))
+        stops = []
+        self.focused.clear()
 
-    def compare_stops(self, where, wanted, reached):
-        radios = [node.get_parent() for node in reached if node.get_role_name() == "radio button"]
+        def goes_on():
+            """Adds what has come to the stops; whether something had come."""
+            news, self.focused[:] = list(self.focused), []
+            for node in map(self.control, news):
+                # In a grid that is typed into Tab goes from cell to cell.
+                if not stops or node != stops[-1]:
+                    stops.append(node)
+            return bool(news)
+
+        def is_complete():
+            goes_on()
+            return all(self.is_reached(node, stops) for node in wanted)
+
+        for _ in range(ROUNDS * len(wanted) + MOST_OF_A_CELL * cells + 5):
+            self.press(TAB_KEY)
+            if not self.wait(goes_on, ANSWER_SECONDS):
+                break
+            rounds = stops.count(stops[0]) - 1
+            if rounds >= ROUNDS or (rounds > 0 and is_complete()):
+                break
+        self.wait(is_complete, ANSWER_SECONDS)
+        self.compare_stops(where, wanted, stops)
+        return len(set(stops))
+
+    def is_reached(self, node, stops):
+        """A group of radio buttons has one stop."""
+        if node.get_role_name() != "radio button":
+            return node in stops
+        return any(stop.get_parent() == node.get_parent() for stop in stops if stop.get_role_name() == "radio button")
+
+    def compare_stops(self, where, wanted, stops):
         for node in wanted:
-            if node not in reached and not (node.get_role_name() == "radio button" and node.get_parent() in radios):
+            # What has been switched off on the way is no stop any more.
+            if not self.is_reached(node, stops) and self.has(node, "SHOWING") and self.has(node, "ENABLED"):
                 self.complain(where, "not reached by Tab", node)
-        for node in reached:
+        for node in stops:
             if not self.has(node, "SHOWING"):
                 self.complain(where, "hidden, but reached by Tab", node)
 
