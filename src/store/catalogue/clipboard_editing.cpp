@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/database/recordset.h"
+#include "platform/database/rows.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 #include "store/catalogue/side_fields.h"
@@ -118,15 +119,14 @@ struct CopyWriter {
 }  // namespace
 
 Result<std::vector<TreeEditing::ClippedDepartment>> TreeEditing::clippedDepartments() {
-  auto query = sets_.session().catalogue.prepare(
-      "SELECT rowid, ID, genitore, incolla_articoli FROM clipcategorie ORDER BY rowid");
-  if (!query) return fail(query.error());
   std::vector<ClippedDepartment> clipped;
-  for (auto row = query->step();; row = query->step()) {
-    if (!row) return fail(row.error());
-    if (!*row) return clipped;
-    clipped.push_back({query->integer(0), asText(query->value(1)), asText(query->value(2)), query->flag(3)});
-  }
+  auto read = forEachRow(sets_.session().catalogue,
+                         "SELECT rowid, ID, genitore, incolla_articoli FROM clipcategorie ORDER BY rowid",
+                         [&](const Statement& row) {
+                           clipped.push_back({row.integer(0), asText(row.value(1)), asText(row.value(2)), row.flag(3)});
+                         });
+  if (!read) return fail(read.error());
+  return clipped;
 }
 
 /// Leaves the departments alone in their clipboard table. It says what hung where only for several: one department is

@@ -4,8 +4,9 @@
 #include <map>
 #include <unordered_set>
 
+#include "platform/database/rows.h"
 #include "platform/numbers/number_format.h"
-#include "platform/text/text.h"
+#include "platform/text/json_text.h"
 #include "store/catalogue/tree_change.h"
 #include "store/catalogue/tree_editing.h"
 
@@ -22,8 +23,7 @@ constexpr const char* amongChosen = "IN (SELECT value FROM json_each(?1))";
 std::string arrayOf(const DepartmentGroup& group) {
   std::string text = "[";
   for (const std::string& ID : group) {
-    text += text.size() > 1 ? ",\"" : "\"";
-    text += replaceAll(replaceAll(ID, "\\", "\\\\"), "\"", "\\\"") + "\"";
+    text += (text.size() > 1 ? "," : "") + jsonString(ID);
   }
   return text + "]";
 }
@@ -81,11 +81,9 @@ Result<DepartmentGroup> parentsOf(Database& catalogue, const Value& group) {
   if (!query) return fail(query.error());
   query->bind(1, group);
   DepartmentGroup parents;
-  for (auto row = query->step();; row = query->step()) {
-    if (!row) return fail(row.error());
-    if (!*row) return parents;
-    parents.push_back(asText(query->value(0)));
-  }
+  auto read = forEachRow(*query, [&](const Statement& row) { parents.push_back(asText(row.value(0))); });
+  if (!read) return fail(read.error());
+  return parents;
 }
 
 }  // namespace

@@ -52,10 +52,14 @@ Command dialogCommand(std::string name, const MenuPlace& place, WorkbenchDialogs
   return row;
 }
 
+void runEdit(const CommandContext& context, const TreeEdit& edit, std::string_view step) {
+  const auto once = [&] { return edit(context.editing); };
+  context.bench.showError(step.empty() ? once() : context.history.record(std::string(step), once));
+}
+
 Command treeCommand(Command row, TreeEdit edit) {
   row.run = [step = std::string(row.step), edit = std::move(edit)](const CommandContext& context) {
-    const auto once = [&] { return edit(context.editing); };
-    context.bench.showError(step.empty() ? once() : context.history.record(step, once));
+    runEdit(context, edit, step);
   };
   return row;
 }

@@ -20,6 +20,8 @@ Command dialogCommand(std::string name, const MenuPlace& place, WorkbenchDialogs
 
 /// An edit of the tree of departments and its articles, as a member of TreeEditing or a function of it.
 using TreeEdit = std::function<Result<>(TreeEditing& editing)>;
+/// Runs an edit: one step of the history, with this name unless it is empty. A failure is told to the user.
+void runEdit(const CommandContext& context, const TreeEdit& edit, std::string_view step);
 /// The row with an edit as its run: one step of the history where the row names one. A failure is told to the user.
 Command treeCommand(Command row, TreeEdit edit);
 

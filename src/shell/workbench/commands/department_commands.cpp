@@ -16,8 +16,8 @@ Command groupCommand(Command row, DepartmentsEdit edit, std::string_view step) {
   row.run = [one = row.run, edit = std::move(edit), step](const CommandContext& context) {
     const DepartmentGroup group = context.view.selectedDepartments();
     if (group.size() < 2) return one(context);
-    const auto once = [&] { return edit(context.editing, group); };
-    context.bench.showError(step.empty() ? once() : context.history.record(std::string(step), once));
+    runEdit(
+        context, [&](TreeEditing& editing) { return edit(editing, group); }, step);
   };
   return row;
 }

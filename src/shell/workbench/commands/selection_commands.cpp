@@ -8,13 +8,6 @@ namespace {
 
 using enum Menu;
 
-using ArticlesEdit = std::function<Result<>(TreeEditing&, const ArticleGroup&)>;
-
-void runOn(const CommandContext& context, const ArticleGroup& group, const ArticlesEdit& edit, std::string_view step) {
-  const auto once = [&] { return edit(context.editing, group); };
-  context.bench.showError(step.empty() ? once() : context.history.record(std::string(step), once));
-}
-
 bool isMarked(const CommandContext& context, std::string_view column) {
   return context.sets.onArticle() && asFlag(context.sets.dataArticoli().get(column));
 }
@@ -30,10 +23,9 @@ Command markRow(std::string_view column, int position, std::string_view text) {
   row.checked = [column](const CommandContext& context) { return isMarked(context, column); };
   row.run = [column, step = row.step](const CommandContext& context) {
     const bool on = !isMarked(context, column);
-    const ArticlesEdit mark = [&](TreeEditing& editing, const ArticleGroup& group) {
-      return editing.SegnaArticoli(group, column, on);
-    };
-    runOn(context, articlesOf(context), mark, step);
+    const ArticleGroup group = articlesOf(context);
+    runEdit(
+        context, [&](TreeEditing& editing) { return editing.SegnaArticoli(group, column, on); }, step);
   };
   return row;
 }
@@ -48,7 +40,9 @@ Command duplicateRow() {
   row.enabled = isOnArticle;
   row.run = [step = row.step](const CommandContext& context) {
     const std::int64_t before = context.sets.article();
-    runOn(context, articlesOf(context), &TreeEditing::DuplicaArticoli, step);
+    const ArticleGroup group = articlesOf(context);
+    runEdit(
+        context, [&](TreeEditing& editing) { return editing.DuplicaArticoli(group); }, step);
     if (context.sets.article() != before) context.view.startRow(EditedSet::Articoli);
   };
   return row;
@@ -68,7 +62,8 @@ Command groupCommand(Command row, std::function<Result<>(TreeEditing&, const Art
   row.run = [one = row.run, edit = std::move(edit), step](const CommandContext& context) {
     const ArticleGroup group = articlesOf(context);
     if (group.size() < 2) return one(context);
-    runOn(context, group, edit, step);
+    runEdit(
+        context, [&](TreeEditing& editing) { return edit(editing, group); }, step);
   };
   return row;
 }
