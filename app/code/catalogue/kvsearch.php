@@ -11,15 +11,19 @@ include_once "kvfind.php";
 /** What parts whole words from one another in a text. */
 const KV_BETWEEN_WORDS = " \t\r\n\xA0,;.:!?\"()[]{}<>/\\|'`\x91\x92\x93\x94\xAB\xBB*+=-_#&%$^~@";
 
-/** The words of a request, at most eight, each of at least two letters, without the marks around them. */
+/**
+ * The words of a request, at most eight, each of at least two characters, without the marks around them; one beyond the
+ * character set of the catalogue is a reference, whose own marks belong to it.
+ */
 function kvWords(string $text): array
 {
+    $marks = '[' . preg_quote(kvUtf8(KV_BETWEEN_WORDS), '/') . ']+';
     $words = [];
     foreach (preg_split('/[\s\xA0]+/', $text, -1, PREG_SPLIT_NO_EMPTY) as $word) {
-        $bare = trim($word, KV_BETWEEN_WORDS);
-        $words[] = strlen($bare) > 1 ? $bare : $word;
+        $bare = kvFromUtf8((string) preg_replace("/^$marks|$marks$/uD", '', kvUtf8($word)));
+        $words[] = kvLength(kvUtf8($bare)) > 1 ? $bare : $word;
     }
-    $long = array_filter(array_unique($words), fn($word) => strlen($word) > 1);
+    $long = array_filter(array_unique($words), fn($word) => kvLength(kvUtf8($word)) > 1);
     return array_slice(array_values($long), 0, 8);
 }
 
