@@ -261,7 +261,7 @@ function kvGroupRows(string $columns, string $table, string $after, array $group
 {
     include_once "kvtables.php";
     $index = 'indice' . $GLOBALS['Lingua'];
-    if (($GLOBALS['kvStates'][$index] ?? kvStoredValue($index)) !== '2') {
+    if ((int) ($GLOBALS['kvStates'][$index] ?? kvStoredValue($index)) < KV_INDEX_OF_GROUPS) {
         return kvQuery("SELECT $columns FROM $table$after IN (" . implode(',', array_fill(0, count($groups), '?'))
             . ') ORDER BY plain_titolo', $groups) ?? [];
     }

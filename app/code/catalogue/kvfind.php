@@ -5,19 +5,19 @@
 // word with marks inside, as "l'olio", must also be in the article as it was typed.
 
 include_once "kvtables.php";
+include_once "kvset.php";
 include_once "kvfound.php";
 
-/** Most words of the shop that one word of a request may stand for. */
-const KV_SHOP_WORDS = 5000;
 /** Most words of the shop for which a single character is looked up: of more, nearly every article has one. */
 const KV_SHORT_WORDS = 300;
-/** Most articles of the rarest part of a request that the other parts are asked about one by one. */
-const KV_FEW_ARTICLES = 300;
+/** Most articles whose texts are read one by one; of more, all are. Those of one statement. */
+const KV_TEXTS_READ = 20000;
+const KV_TEXTS_TOGETHER = 5000;
 
 /** Whether the index is there and can answer: where any word is enough, words without marks. */
 function kvIsIndexReady(array $kept, array $words, bool $all): bool
 {
-    return $kept['indice'] !== '' && ($all || array_filter($words, 'kvHasMarks') === []);
+    return (int) $kept['indice'] >= KV_INDEX_OF_SETS && ($all || array_filter($words, 'kvHasMarks') === []);
 }
 
 /**
@@ -43,87 +43,72 @@ function kvHasMarks(string $word): bool
     return preg_match('/^[\p{L}\p{N}\p{M}]+$/uD', kvUtf8($word)) !== 1;
 }
 
-/** The words of the shop that a pattern fits; null when there are too many to be told one by one. */
-function kvShopWords(string $pattern, int $most = KV_SHOP_WORDS): ?array
+/** Whether so few words of the shop fit a pattern. */
+function kvAreWordsFew(string $pattern, int $most): bool
 {
     $rows = kvQuery('SELECT parola FROM kv_vocaboli' . $GLOBALS['Lingua'] . ' WHERE parola LIKE ? LIMIT ' . ($most + 1),
         [$pattern]);
-    return $rows !== null && count($rows) <= $most ? array_column($rows, 'parola') : null;
+    return $rows !== null && count($rows) <= $most;
 }
 
-/**
- * What a part of a request asks of a word: a condition, its values, and how many words it names; null where they are too
- * many to be told one by one.
- */
-function kvPartCondition(string $pattern, string $piece, bool $whole): array
+/** The SELECT of the sets of one word, or of all words that a pattern fits. */
+function kvSetsSql(bool $one): string
 {
-    $words = $whole ? [$piece] : kvShopWords($pattern);
-    if ($words === null) {
-        return ['parola LIKE ?', [$pattern], null];
-    }
-    return [$words === [] ? '1 = 0' : 'parola IN (' . implode(',', array_fill(0, count($words), '?')) . ')', $words, count($words)];
+    $language = $GLOBALS['Lingua'];
+    return 'SELECT STRAIGHT_JOIN i.parola, rango, quanti, insieme FROM ' . ($one ? "kv_insiemi$language i WHERE i.parola = ?"
+        : "kv_vocaboli$language w INNER JOIN kv_insiemi$language i ON i.parola = w.parola WHERE w.parola LIKE ?");
 }
 
-/**
- * The articles of the rarest part of a request; null where each part has more than a few. Of all other parts these articles
- * alone have to be looked at: a part that many have takes longest of all.
- */
-function kvFewArticles(array $conditions): ?array
+/** The articles that have a word as a part of a request asks, by points: where it is, and how it stands there. */
+function kvPartSets(string $pattern, string $piece, bool $whole, int $length): ?array
 {
-    $few = null;
-    foreach ($conditions as list($where, $values, $count)) {
-        // More words than these are in more articles.
-        if ($count === null || $count > KV_FEW_ARTICLES) {
-            continue;
+    return kvSetsByPoints(kvSetsSql($whole), [$whole ? $piece : $pattern], fn(string $word, int $rank): int => $rank * 3
+        + ($whole || $word === $piece ? 0 : (strncmp($word, $piece, strlen($piece)) === 0 ? 1 : 2)), $length);
+}
+
+/** The bytes of a set, and the articles that are not where their titles belong; no byte where there is no article. */
+function kvSetLength(): array
+{
+    $language = $GLOBALS['Lingua'];
+    $late = KV_LATE;
+    $row = kvDirectRows("SELECT (SELECT MAX(posizione) FROM kv_voci$language) AS ultima, quanti, insieme FROM (SELECT 1) t LEFT JOIN"
+        . " kv_insiemi$language ON parola = '$late'")[0] ?? ['ultima' => null, 'quanti' => null];
+    $length = $row['ultima'] === null ? 0 : ((int) $row['ultima'] >> 3) + 1;
+    return [$length, kvStoredBits((int) $row['quanti'], (string) $row['insieme'], $length)];
+}
+
+/** The sets without the articles of departments that are closed to the visitor or hidden; null when the server refused it. */
+function kvOpenSets(array $sets, int $length): ?array
+{
+    $closed = kvQuery('SELECT ID FROM categorie WHERE inaccessibile' . ($GLOBALS['listino'] ?: '') . ' OR nascosto');
+    $names = array_map(fn($row) => kvDepartmentWord((string) $row['ID']), $closed ?? []);
+    $closedSets = $sets === [] || $names === [] ? [] : kvSetsByPoints("SELECT parola, rango, quanti, insieme FROM kv_insiemi{$GLOBALS['Lingua']} WHERE"
+        . ' parola IN (' . implode(',', array_fill(0, count($names), '?')) . ')', $names, fn(): int => 0, $length);
+    $hidden = $closedSets[0] ?? '';
+    return $closed === null || $closedSets === null ? null
+        : ($hidden === '' ? $sets : array_map(fn(string $bits): string => $bits & ~$hidden, $sets));
+}
+
+/** The articles of a set whose texts have some words as they were typed; null when the server refused to look. */
+function kvTextSet(array $words, bool $all, bool $wholeWords, string $among): ?string
+{
+    $table = kvLanguageTable('articoli');
+    $values = [];
+    $condition = kvWordsCondition($words, $all, $wholeWords, $values);
+    $found = str_repeat("\0", strlen($among));
+    $positions = kvSetCount($among) > KV_TEXTS_READ ? [] : kvPositions($among);
+    foreach ($positions === [] ? [''] : array_chunk($positions, KV_TEXTS_TOGETHER) as $some) {
+        // In the order of the articles, as the texts lie there.
+        $chosen = $some === '' ? "kv_voci{$GLOBALS['Lingua']}" : "(SELECT articolo, posizione FROM kv_voci{$GLOBALS['Lingua']}"
+            . ' WHERE posizione IN (' . implode(',', $some) . ') ORDER BY articolo LIMIT ' . KV_TEXTS_TOGETHER . ')';
+        $rows = kvQuery("SELECT STRAIGHT_JOIN v.posizione FROM $chosen v INNER JOIN $table ON $table.ID = v.articolo INNER JOIN dettaglio"
+            . " ON dettaglio.ID = v.articolo WHERE $condition", $values);
+        if ($rows === null) {
+            return null;
         }
-        $most = $few === null ? KV_FEW_ARTICLES : count($few) - 1;
-        $rows = kvQuery("SELECT articolo FROM kv_parole{$GLOBALS['Lingua']} FORCE INDEX (PRIMARY) WHERE $where LIMIT "
-            . ($most + 1), $values);
-        if ($rows !== null && count($rows) <= $most) {
-            $few = array_values(array_unique(array_map('intval', array_column($rows, 'articolo'))));
-        }
+        $found = kvWithPositions($found, array_map('intval', array_column($rows, 'posizione')));
     }
-    return $few;
-}
-
-/**
- * The articles that have a word as a part of a request asks (kvPartCondition), as a SELECT of articolo and punti; values go
- * to `values`. With `few` only these are looked at. Without being told, the server would rather walk through all words in
- * the order of the articles, and with few of those through all articles of a word.
- */
-function kvWordSelect(array $condition, string $piece, bool $whole, ?array $few, array &$values): string
-{
-    list($where, $words, $count) = $condition;
-    $table = 'kv_parole' . $GLOBALS['Lingua'] . ($few === null ? '' : ' IGNORE INDEX (PRIMARY)');
-    $where .= $few === null ? '' : ($few === [] ? ' AND 1 = 0' : ' AND articolo IN (' . implode(',', $few) . ')');
-    if ($whole) {
-        $values[] = $piece;
-        return "SELECT articolo, rango * 3 AS punti FROM $table WHERE $where";
-    }
-    array_push($values, $piece, addcslashes($piece, '%_\\') . '%', ...$words);
-    $points = 'rango * 3 + IF(parola = ?, 0, IF(parola LIKE ?, 1, 2))';
-    // An article has a word once: of one word alone there is nothing to be put together.
-    return $count === 1 ? "SELECT articolo, $points AS punti FROM $table WHERE $where"
-        : "SELECT articolo, MIN($points) AS punti FROM $table" . ($few === null ? ' FORCE INDEX (PRIMARY)' : '')
-            . " WHERE $where GROUP BY articolo";
-}
-
-/** The conditions that request words with marks inside put on an article besides; values go to `values`. */
-function kvMarksCondition(array $words, bool $wholeWords, array &$values): string
-{
-    $marked = array_values(array_filter($words, 'kvHasMarks'));
-    return $marked === [] ? '' : ' AND ' . kvWordsCondition($marked, true, $wholeWords, $values);
-}
-
-/** The condition that an article's department is open to the visitor and not hidden; values go to `values`. */
-function kvDepartmentsCondition(array &$values): string
-{
-    $all = kvQuery('SELECT ID, inaccessibile' . ($GLOBALS['listino'] ?: '') . ' OR nascosto AS chiuso FROM categorie') ?? [];
-    $closed = array_values(array_filter($all, fn($row) => (bool) $row['chiuso']));
-    foreach ($closed as $row) {
-        $values[] = kvUtf8((string) $row['ID']);
-    }
-    return $closed === [] ? '1 = 1' : 'reparto NOT IN (' . implode(',', array_fill(0, count($closed), '?')) . ')';
+    return $found;
 }
 
 /**
@@ -138,45 +123,40 @@ function kvRequestParts(array $words): array
         $shorts += kvWordParts($word, 1);
     }
     return $pieces !== [] ? $pieces : array_filter($shorts,
-        fn($pattern) => kvShopWords((string) $pattern, KV_SHORT_WORDS) !== null, ARRAY_FILTER_USE_KEY);
+        fn($pattern) => kvAreWordsFew((string) $pattern, KV_SHORT_WORDS), ARRAY_FILTER_USE_KEY);
 }
 
-/**
- * What the index is asked for a request: what stands behind the columns of the SELECT, its values, and whether it is so much
- * work that the result is kept in any case.
- */
-function kvIndexQuery(array $words, bool $all, bool $wholeWords): array
+/** What the index finds for a request; null when the server refused a question. */
+function kvFindSets(array $words, bool $all, bool $wholeWords): ?KvFound
 {
-    $pieces = kvRequestParts($words);
-    $values = $conditions = [];
-    $isWhole = fn($pattern): bool => $wholeWords || (string) $pattern === addcslashes($pieces[$pattern], '%_\\');
-    foreach ($pieces as $pattern => $piece) {
-        $conditions[$pattern] = kvPartCondition((string) $pattern, $piece, $isWhole($pattern));
+    list($length, $late) = kvSetLength();
+    if ($length === 0) {
+        return new KvFound([], '');
     }
-    $few = $all && count($pieces) > 1 ? kvFewArticles($conditions) : null;
-    $choices = $pieces === [] ? ["(SELECT articolo, 0 AS punti FROM kv_voci{$GLOBALS['Lingua']})"] : [];
-    foreach ($conditions as $pattern => $condition) {
-        $choices[] = '(' . kvWordSelect($condition, $pieces[$pattern], $isWhole($pattern), $few, $values) . ')';
+    $parts = [];
+    foreach (kvRequestParts($words) as $pattern => $piece) {
+        $whole = $wholeWords || (string) $pattern === addcslashes($piece, '%_\\');
+        $parts[] = kvPartSets((string) $pattern, $piece, $whole, $length);
     }
-    $wanted = $all ? count($pieces) : 1;
-    $found = count($choices) === 1 ? $choices[0] : '(SELECT articolo, SUM(punti) - 100 * COUNT(*) AS punti FROM ('
-        . implode(' UNION ALL ', $choices) . ") t GROUP BY articolo HAVING COUNT(*) >= $wanted)";
-    list($departments, $marks) = [kvDepartmentsCondition($values), kvMarksCondition($words, $wholeWords, $values)];
-    $table = kvLanguageTable('articoli');
-    // Named with a table of words, the statement speaks UTF-8 as they do.
-    $from = " FROM $found p INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = p.articolo" . ($marks === '' ? ''
-        : " INNER JOIN $table ON $table.ID = p.articolo INNER JOIN dettaglio ON dettaglio.ID = p.articolo")
-        . ' WHERE ' . $departments . $marks;
-    return [$from, $values, $marks !== ''];
+    if (in_array(null, $parts, true)) {
+        return null;
+    }
+    $sets = kvJoinParts($parts, $all, $length);
+    // Words of single characters that most articles have are no part of what the index was asked.
+    $texts = array_values(array_filter($words, fn($word) => $parts === [] || kvHasMarks($word)));
+    if ($sets !== [] && $texts !== []) {
+        $among = array_reduce($sets, fn(string $before, string $bits): string => $before | $bits, '');
+        $read = kvTextSet($texts, $all, $wholeWords, $among);
+        $sets = $read === null ? null : array_map(fn(string $bits): string => $bits & $read, $sets);
+    }
+    $open = $sets === null ? null : kvOpenSets($sets, $length);
+    return $open === null ? null : new KvFound($open, $late, $texts !== []);
 }
 
 /** How many articles the index finds, the rows of one page of results in their order, and the number of that page. */
-function kvFindByIndex(array $kept, callable $query, int $perPage, int $page): array
+function kvFindByIndex(array $kept, callable $search, int $perPage, int $page): array
 {
-    $one = null;
-    list($count, $numbers) = kvFoundNumbers($kept, function () use ($query, &$one): array {
-        return $one = $one ?? $query();
-    }, $perPage, $page);
+    list($count, $numbers) = kvFoundNumbers($kept, $search, $perPage, $page);
     return [$count, kvFoundRows($numbers), $page];
 }
 

@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
-// Results of searches that found much, kept until the next load: counting and ordering thousands of articles takes longer
-// than all the rest of a search. What is kept are numbers of articles in their order, never their words or prices.
+// Results of searches that found much, kept until the next load: to find and order thousands of articles takes longer than
+// to read which they are. What is kept are numbers of articles in their order, never their words or prices.
 include_once "kvtables.php";
 
 /** Most numbers kept of a search; further pages of results are read as before. */
@@ -62,35 +62,43 @@ function kvKeepSearch(array $kept, int $count, array $numbers): void
 }
 
 /**
- * How many articles a search finds and the numbers of one page of them, in their order. `query` gives what stands behind
- * the columns of the SELECT, its bound values, and whether the result is kept however little was found; it is asked only
- * for what isn't kept. `page` becomes that of the page that there is. The tables are read in the order they are named:
- * the words choose the articles, for the server can't know how few they leave, and would rather look into the texts of all.
+ * What a search finds, null when the server refused it, and the first numbers. Positions hold within one load: where another
+ * has come in the midst, it is made once more.
  */
-function kvFoundNumbers(array $kept, callable $query, int $perPage, int &$page): array
+function kvFoundInOneLoad(array &$kept, callable $search): array
 {
-    $answered = true;
-    $read = function (int $count, int $after) use ($query, &$answered): array {
-        list($from, $values) = $query();
-        // To choose the first ones the server meets all of them: counted along, it needn't do so twice.
-        $rows = kvQuery('SELECT STRAIGHT_JOIN ' . ($after === 0 ? 'SQL_CALC_FOUND_ROWS ' : '')
-            . "p.articolo $from ORDER BY punti, v.titolo, p.articolo LIMIT ? OFFSET ?", array_merge($values, [$count, $after]));
-        $answered = $rows !== null;
-        return array_map('intval', array_column($rows ?? [], 'articolo'));
-    };
+    for ($tries = 1; true; $tries++) {
+        $found = $search();
+        $numbers = $found === null ? [] : $found->numbers(KV_KEPT_NUMBERS, 0);
+        $load = (string) (kvDirectRows("SELECT valore FROM kv_stato WHERE nome = 'carico'")[0]['valore'] ?? '');
+        if ($tries > 1 || $load === $kept['carico']) {
+            return [$found, $numbers];
+        }
+        $kept['carico'] = $load;
+    }
+}
+
+/**
+ * How many articles a search finds and the numbers of one page of them, in their order. `search` finds them (KvFound, null
+ * when the server refused); it is asked only for what isn't kept. `page` becomes that of the page that there is.
+ */
+function kvFoundNumbers(array $kept, callable $search, int $perPage, int &$page): array
+{
     $numbers = kvKeptNumbers($kept);
     $count = (int) $kept['quanti'];
+    $found = null;
     if ($numbers === null) {
-        $numbers = $read(KV_KEPT_NUMBERS, 0);
-        $counted = kvDirectRows('SELECT FOUND_ROWS() AS n');
-        $count = count($numbers) < KV_KEPT_NUMBERS ? count($numbers) : (int) ($counted[0]['n'] ?? 0);
-        $keep = $query()[2];
-        if ($answered && ($keep || $count === 0 || $count >= KV_WORTH_KEEPING)) {
+        list($found, $numbers) = kvFoundInOneLoad($kept, $search);
+        $count = $found === null ? 0 : $found->count;
+        if ($found !== null && ($found->wereTextsRead || $count === 0 || $count >= KV_WORTH_KEEPING)) {
             kvKeepSearch($kept, $count, $numbers);
         }
     }
     $page = max(1, min($page, (int) ceil($count / $perPage)));
     $after = ($page - 1) * $perPage;
-    $here = $after + $perPage <= count($numbers) || count($numbers) === $count;
-    return [$count, $here ? array_slice($numbers, $after, $perPage) : $read($perPage, $after)];
+    if ($after + $perPage <= count($numbers) || count($numbers) === $count) {
+        return [$count, array_slice($numbers, $after, $perPage)];
+    }
+    $found = $found ?? $search();
+    return [$count, $found !== null ? $found->numbers($perPage, $after) : []];
 }

@@ -61,7 +61,7 @@ function kvFind(array $words, bool $all, bool $wholeWords, int $perPage, int $pa
     global $listino;
     $kept = kvKeptSearch([$words, $all, $wholeWords]);
     if (kvIsIndexReady($kept, $words, $all)) {
-        return kvFindByIndex($kept, fn() => kvIndexQuery($words, $all, $wholeWords), $perPage, $page);
+        return kvFindByIndex($kept, fn() => kvFindSets($words, $all, $wholeWords), $perPage, $page);
     }
     $table = kvLanguageTable('articoli');
     $values = [];

@@ -9,8 +9,6 @@ include_once "kvlook.php";
 
 /** Most articles that are told. */
 const KV_SUGGESTIONS = 8;
-/** Most entries of the index that are looked at: with two letters typed there may be as many as articles. */
-const KV_ENTRIES_READ = 2000;
 
 /** The words typed, folded as the index has them; the last of them is the beginning of a word. */
 function kvTypedWords(string $text): array
@@ -27,7 +25,7 @@ function kvSuggested(array $words): array
     }
     $kept = kvKeptSearch(['suggerisci', $words]);
     $numbers = kvKeptNumbers($kept);
-    if ($numbers === null && $kept['indice'] !== '') {
+    if ($numbers === null && kvIsIndexReady($kept, [], true)) {
         $numbers = kvFindSuggested($words);
         if (count($numbers) === KV_SUGGESTIONS) {
             kvKeepSearch($kept, count($numbers), $numbers);
@@ -36,24 +34,18 @@ function kvSuggested(array $words): array
     return $numbers ?? [];
 }
 
-/** The same, asked of the index. */
+/** The same, asked of the index: by where the word is that the last one begins. */
 function kvFindSuggested(array $words): array
 {
     $last = (string) array_pop($words);
-    $table = 'kv_parole' . $GLOBALS['Lingua'];
-    $values = [];
-    $from = '';
-    foreach ($words as $n => $word) {
-        $from .= " INNER JOIN $table a$n ON a$n.articolo = p.articolo AND a$n.parola = ?";
-        $values[] = $word;
+    list($length, $late) = kvSetLength();
+    if ($length === 0) {
+        return [];
     }
-    array_push($values, addcslashes($last, '%_\\') . '%', KV_ENTRIES_READ);
-    $entries = "SELECT p.articolo, p.rango FROM $table p$from WHERE p.parola LIKE ? LIMIT ?";
-    $departments = kvDepartmentsCondition($values);
-    $rows = kvQuery("SELECT t.articolo FROM ($entries) t INNER JOIN kv_voci{$GLOBALS['Lingua']} v ON v.articolo = t.articolo"
-        . " WHERE $departments GROUP BY t.articolo, v.titolo ORDER BY MIN(t.rango), v.titolo, t.articolo LIMIT "
-        . KV_SUGGESTIONS, $values);
-    return array_map('intval', array_column($rows ?? [], 'articolo'));
+    $parts = array_map(fn($word) => kvSetsByPoints(kvSetsSql(true), [$word], fn(): int => 0, $length), $words);
+    $parts[] = kvSetsByPoints(kvSetsSql(false), [addcslashes($last, '%_\\') . '%'], fn(string $word, int $rank): int => $rank, $length);
+    $sets = in_array(null, $parts, true) ? null : kvOpenSets(kvJoinParts($parts, true, $length), $length);
+    return $sets === null ? [] : (new KvFound($sets, $late))->numbers(KV_SUGGESTIONS, 0);
 }
 
 /** One article as js3.js shows it. */

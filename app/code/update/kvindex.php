@@ -1,16 +1,21 @@
 <?php
 // ***1.0.7***
-// The index of words that the search asks: for each language kv_parole, which article has which word and where;
-// kv_vocaboli, each word once, in which a part of a word is looked for; kv_voci, department and title of each article,
-// by which results are chosen and ordered without a look at the wide rows of the catalogue, with a mark of the texts that
-// the words came from and the group word by which related articles are found. A load reads the words of the articles whose texts it changes and of no others.
+// The index of words that the search asks: for each language kv_insiemi, which articles have a word, by where they have it
+// (kvset.php); kv_vocaboli, each word once, in which a part of a word is looked for; kv_voci, department, title and position
+// of each article, with a mark of the texts that the words came from and the group word by which related articles are
+// found; kv_parole, the words of each article, by which those that it no longer has are known. A load reads the words of
+// the articles whose texts it changes and of no others.
 include_once "kvutf8.php";
+include_once "kvset.php";
+include_once "kvreindex.php";
 
 /** Where a word is: in the title, in the code, in the texts. A lower number comes first among results. */
 const KV_RANKS = ['plain_titolo' => 0, 'codice' => 1, 'plain_sottotitolo' => 2, 'descrizione' => 2, 'note' => 2];
 /** Articles whose words are read at a time, and steps of reading whose words are written at once, in their order. */
 const KV_ARTICLES_TOGETHER = 500;
 const KV_STEPS_TOGETHER = 20;
+/** Sets of so many words are put in order at a time. */
+const KV_SETS_TOGETHER = 40;
 /** Most bytes of a statement that writes rows of the index. */
 const KV_INDEX_ROWS = 500000;
 /**
@@ -47,95 +52,156 @@ function kvIndexTables(string $language): string
 {
     $word = 'parola VARCHAR(40) CHARACTER SET utf8mb4 COLLATE utf8mb4_bin NOT NULL';
     $failure = '';
-    foreach (["kv_parole$language" => "$word, articolo INT NOT NULL, rango TINYINT NOT NULL, PRIMARY KEY (parola, articolo)",
+    foreach (["kv_parole$language" => 'articolo INT NOT NULL PRIMARY KEY, parole MEDIUMTEXT CHARACTER SET utf8mb4 NOT NULL',
               "kv_vocaboli$language" => "$word PRIMARY KEY",
+              "kv_insiemi$language" => "$word, rango TINYINT NOT NULL, quanti INT NOT NULL, insieme MEDIUMBLOB NOT NULL,"
+              . ' PRIMARY KEY (parola, rango)',
               "kv_voci$language" => 'articolo INT NOT NULL PRIMARY KEY, reparto VARCHAR(20) CHARACTER SET utf8mb4 NOT NULL,'
               . ' titolo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, segno BINARY(16) NOT NULL,'
-              . ' gruppo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, KEY gruppo (gruppo)'] as $name => $columns) {
+              . ' gruppo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, posizione INT NOT NULL, KEY gruppo (gruppo)'] as $name => $columns) {
         $failure = $failure === '' ? kvRunSql('DROP TABLE IF EXISTS ' . KV_NEW . $name) : $failure;
         $failure = $failure === '' ? kvRunSql('CREATE TABLE ' . KV_NEW . "$name ($columns) ENGINE=InnoDB") : $failure;
     }
     return $failure;
 }
 
-/** Adds the words of some article rows to those that wait: each word with "article,rank;", each article with its row. */
-function kvCollectWords(array $rows, array &$words, array &$articles): void
+/** Rows of the index that wait to be written: of kv_voci and kv_parole as values of an INSERT, and what the sets get. */
+final class KvIndexRows
+{
+    /** @var string[] */
+    public $entries = [];
+    /** @var string[] */
+    public $words = [];
+    /** @var array By the name of a set, rank and word in one: numbers of articles, four bytes each, or positions. */
+    public $sets = [];
+}
+
+/** The names of the sets that an article is in: rank and word in one, its department among them. */
+function kvSetNames(array $row): array
+{
+    $names = [];
+    foreach (kvArticleWords($row) as $word => $rank) {
+        $names[] = $rank . $word;
+    }
+    $names[] = '0' . kvDepartmentWord((string) $row['catID']);
+    return $names;
+}
+
+/** The row of an article in kv_voci, and that in kv_parole. */
+function kvIndexRows(array $row, array $names, int $position): array
 {
     $text = fn(string $value): string => "'" . mysqli_real_escape_string(kvConnection(), $value) . "'";
     kvSetCharset('utf8mb4');
+    $id = (int) $row['ID'];
+    return ["($id," . $text(kvUtf8((string) $row['catID'])) . ',' . $text(kvIndexTitle($row)) . ',0x' . bin2hex($row['segno'])
+        . ',' . $text(kvIndexGroup((string) $row['correlazione'])) . ",$position)", "($id," . $text(implode(' ', $names)) . ')'];
+}
+
+/** The title of an article as results are ordered by it. */
+function kvIndexTitle(array $row): string
+{
+    return kvCut(kvFold(kvUtf8((string) $row['plain_titolo'])), 60);
+}
+
+/** Adds the words of some article rows to those that wait. */
+function kvCollectWords(array $rows, KvIndexRows $waiting): void
+{
     foreach ($rows as $row) {
-        $title = kvCut(kvFold(kvUtf8((string) $row['plain_titolo'])), 60);
-        $articles[] = '(' . (int) $row['ID'] . ',' . $text(kvUtf8((string) $row['catID'])) . ',' . $text($title) . ',0x'
-            . bin2hex($row['segno']) . ',' . $text(kvIndexGroup((string) $row['correlazione'])) . ')';
-        foreach (kvArticleWords($row) as $word => $rank) {
-            $words[$word] = ($words[$word] ?? '') . (int) $row['ID'] . ",$rank;";
+        $names = kvSetNames($row);
+        list($waiting->entries[], $waiting->words[]) = kvIndexRows($row, $names, 0);
+        foreach ($names as $name) {
+            $waiting->sets[$name] = ($waiting->sets[$name] ?? '') . pack('l', (int) $row['ID']);
         }
     }
 }
 
-/** Inserts rows, each "(...)", in statements of a size that the server takes; `insert` is INSERT and its table. The failure. */
-function kvInsertRows(string $insert, iterable $rows): string
+/**
+ * Inserts rows, each "(...)", in statements of a size that the server takes; `insert` is INSERT and its table, `rest` what
+ * stands after the rows. The failure.
+ */
+function kvInsertRows(string $insert, iterable $rows, string $rest = ''): string
 {
     $most = min(KV_INDEX_ROWS, kvBatchLimit() - 1000);
     $batch = '';
     foreach ($rows as $row) {
-        $batch .= ($batch === '' ? '' : ',') . $row;
-        if (strlen($batch) > $most) {
-            if (mysqli_query(kvConnection(), "$insert VALUES $batch") === false) {
+        if ($batch !== '' && strlen($batch) + strlen($row) > $most) {
+            if (mysqli_query(kvConnection(), "$insert VALUES $batch$rest") === false) {
                 return kvSqlFailure($insert);
             }
             kvSignOfLife();
             $batch = '';
         }
+        $batch .= ($batch === '' ? '' : ',') . $row;
     }
-    return $batch === '' || mysqli_query(kvConnection(), "$insert VALUES $batch") !== false ? '' : kvSqlFailure($insert);
+    return $batch === '' || mysqli_query(kvConnection(), "$insert VALUES $batch$rest") !== false ? '' : kvSqlFailure($insert);
 }
 
-/** Rows of kv_parole in the order of their key, which the server adds to the end of its pages. */
-function kvWordRows(array $words): Generator
+/** A row of kv_insiemi. */
+function kvSetRow(string $name, int $count, string $stored): string
 {
-    ksort($words, SORT_STRING);
-    foreach ($words as $word => $entries) {
-        foreach (explode(';', rtrim($entries, ';')) as $entry) {
-            yield "('$word',$entry)";
-        }
-    }
+    return "('" . substr($name, 1) . "',$name[0],$count,x'" . bin2hex($stored) . "')";
 }
 
-/** Writes the words that wait; `pattern` makes the name of a table. The failure. */
-function kvWriteWords(array $words, array $articles, callable $pattern): string
+/** Rows of kv_vocaboli: the words among names of sets, each once. */
+function kvVocabularyRows(array $names): array
+{
+    $words = [];
+    foreach ($names as $name) {
+        $word = substr((string) $name, 1);
+        $words[$word] = in_array($word[0], [KV_DEPARTMENT, KV_LATE], true) ? null : "('$word')";
+    }
+    return array_filter($words, 'is_string');
+}
+
+/** Writes the words that wait into the tables being filled, the sets as lists of numbers of articles. The failure. */
+function kvWriteWords(KvIndexRows $waiting, string $language): string
 {
     kvSetCharset('utf8mb4');
-    $shopWords = array_map(fn($word) => "('$word')", array_keys($words));
-    // Without IGNORE, which a word of before alone needs, some servers sort the rows of an empty table by themselves.
-    $failure = kvInsertRows('INSERT INTO ' . $pattern('kv_parole'), kvWordRows($words));
-    $failure = $failure === '' ? kvInsertRows('INSERT IGNORE INTO ' . $pattern('kv_vocaboli'), $shopWords) : $failure;
-    return $failure === '' ? kvInsertRows('INSERT INTO ' . $pattern('kv_voci'), $articles) : $failure;
+    $into = fn(string $table): string => 'INTO ' . KV_NEW . $table . $language;
+    $lists = (function () use ($waiting): Generator {
+        // In the order of their key, which the server adds to the end of its pages.
+        ksort($waiting->sets, SORT_STRING);
+        foreach ($waiting->sets as $name => $list) {
+            yield kvSetRow((string) $name, strlen($list) >> 2, $list);
+        }
+    })();
+    $failure = kvInsertRows('INSERT ' . $into('kv_parole'), $waiting->words);
+    $failure = $failure === '' ? kvInsertRows('INSERT ' . $into('kv_voci'), $waiting->entries) : $failure;
+    $failure = $failure === ''
+        ? kvInsertRows('INSERT IGNORE ' . $into('kv_vocaboli'), kvVocabularyRows(array_keys($waiting->sets))) : $failure;
+    return $failure === '' ? kvInsertRows('INSERT ' . $into('kv_insiemi'), $lists, ' ON DUPLICATE KEY UPDATE quanti = quanti'
+        . ' + VALUES(quanti), insieme = CONCAT(insieme, VALUES(insieme))') : $failure;
 }
 
-/** Reads articles in steps and writes their words; `where` chooses among them, `pattern` makes names of tables. The failure. */
-function kvReadWords(array $tables, string $where, callable $pattern): string
+/** The rows of the articles that `where` chooses, behind a number, as many as are read at a time; null when the server refused. */
+function kvIndexArticles(array $tables, string $where, int $after): ?array
 {
     list($articles, $cartText) = $tables;
+    kvSetCharset('latin1');
+    $result = mysqli_query(kvConnection(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
+        . ' correlazione, ' . KV_DIGEST . " AS segno FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID WHERE a.ID > $after AND $where"
+        . ' ORDER BY a.ID LIMIT ' . KV_ARTICLES_TOGETHER);
+    return $result instanceof mysqli_result ? mysqli_fetch_all($result, MYSQLI_ASSOC) : null;
+}
+
+/** Reads all articles in steps and writes their words into the tables being filled. The failure. */
+function kvReadWords(array $tables, string $language): string
+{
     $last = -2147483648;
-    $words = $entries = [];
+    $waiting = new KvIndexRows();
     for ($step = 1; true; $step++) {
-        kvSetCharset('latin1');
-        $result = mysqli_query(kvConnection(), 'SELECT a.ID, catID, codice, plain_titolo, plain_sottotitolo, descrizione, note,'
-            . ' correlazione, ' . KV_DIGEST . " AS segno FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID WHERE a.ID > $last AND $where"
-            . ' ORDER BY a.ID LIMIT ' . KV_ARTICLES_TOGETHER);
-        if ($result === false) {
-            return kvSqlFailure("SELECT FROM $articles");
+        $rows = kvIndexArticles($tables, '1 = 1', $last);
+        if ($rows === null) {
+            return kvSqlFailure("SELECT FROM $tables[0]");
         }
-        $rows = mysqli_fetch_all($result, MYSQLI_ASSOC);
-        kvCollectWords($rows, $words, $entries);
+        kvCollectWords($rows, $waiting);
         $finished = count($rows) < KV_ARTICLES_TOGETHER;
         if ($finished || $step % KV_STEPS_TOGETHER === 0) {
-            $failure = kvWriteWords($words, $entries, $pattern);
+            $failure = kvWriteWords($waiting, $language);
             if ($finished || $failure !== '') {
                 return $failure;
             }
-            $words = $entries = [];
+            $waiting = new KvIndexRows();
         }
         $last = (int) end($rows)['ID'];
         kvSignOfLife();
@@ -145,69 +211,62 @@ function kvReadWords(array $tables, string $where, callable $pattern): string
 /** Whether the index of a language is there as this release makes it. */
 function kvIsIndexCurrent(string $language): bool
 {
-    return kvTableExists("kv_parole$language") && kvRiga('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA ='
-        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'gruppo'", ["kv_voci$language"]) !== null;
-}
-
-/**
- * The numbers of the articles whose words the index doesn't have as they are in the tables, those gone included; null
- * when there is no index, or when so many of them differ that making it anew is less work.
- */
-function kvDifferingArticles(array $tables, string $language): ?array
-{
-    list($articles, $cartText) = $tables;
-    if (!kvIsIndexCurrent($language)) {
-        return null;
-    }
-    kvSetCharset('latin1');
-    $result = mysqli_query(kvConnection(), "SELECT a.ID FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID LEFT JOIN"
-        . " kv_voci$language v ON v.articolo = a.ID WHERE v.articolo IS NULL OR v.segno <> " . KV_DIGEST);
-    $count = mysqli_query(kvConnection(), "SELECT COUNT(*), (SELECT COUNT(*) FROM kv_voci$language) FROM $articles");
-    if (!$result instanceof mysqli_result || !$count instanceof mysqli_result) {
-        return null;
-    }
-    $numbers = array_column(mysqli_fetch_all($result), 0);
-    list($rows, $entries) = mysqli_fetch_row($count);
-    if ($numbers !== [] || $rows !== $entries) {
-        $result = mysqli_query(kvConnection(), "SELECT articolo FROM kv_voci$language LEFT JOIN $articles a ON a.ID = articolo"
-            . ' WHERE a.ID IS NULL');
-        if (!$result instanceof mysqli_result) {
-            return null;
-        }
-        $numbers = array_values(array_unique(array_merge($numbers, array_column(mysqli_fetch_all($result), 0))));
-    }
-    return count($numbers) * 4 > (int) $rows ? null : $numbers;
-}
-
-/** Of some articles those whose words the index doesn't have as they are in the tables, those gone included. */
-function kvDifferingAmong(array $numbers, array $tables, string $language): array
-{
-    list($articles, $cartText) = $tables;
-    kvSetCharset('latin1');
-    $differing = [];
-    foreach (array_chunk($numbers, KV_ARTICLES_TOGETHER) as $some) {
-        $list = implode(',', array_map('intval', $some));
-        $result = mysqli_query(kvConnection(), "SELECT a.ID FROM $articles a LEFT JOIN $cartText d ON d.ID = a.ID LEFT JOIN"
-            . " kv_voci$language v ON v.articolo = a.ID WHERE a.ID IN ($list) AND (v.articolo IS NULL OR v.segno <> " . KV_DIGEST
-            . ") UNION SELECT articolo FROM kv_voci$language LEFT JOIN $articles a ON a.ID = articolo WHERE articolo IN ($list)"
-            . ' AND a.ID IS NULL');
-        $differing[] = $result instanceof mysqli_result ? array_column(mysqli_fetch_all($result), 0) : $some;
-    }
-    return $differing === [] ? [] : array_merge(...$differing);
+    return kvRiga('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA ='
+        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'posizione'", ["kv_voci$language"]) !== null;
 }
 
 /** Makes the index of a language anew beside the former one. The failure. */
 function kvRebuildIndex(KvLoad $load, array $tables): string
 {
     $failure = kvIndexTables($load->language);
-    foreach (['kv_parole', 'kv_vocaboli', 'kv_voci'] as $name) {
+    foreach (['kv_parole', 'kv_vocaboli', 'kv_insiemi', 'kv_voci'] as $name) {
         $load->made[] = $name . $load->language;
     }
-    $failure = $failure === ''
-        ? kvReadWords($tables, '1 = 1', fn(string $name): string => KV_NEW . $name . $load->language) : $failure;
-    // A key that is made of rows which are there is sorted at once.
-    return $failure === ''
-        ? kvRunSql('ALTER TABLE ' . KV_NEW . "kv_parole{$load->language} ADD KEY articolo (articolo)") : $failure;
+    $failure = $failure === '' ? kvReadWords($tables, $load->language) : $failure;
+    return $failure === '' ? kvGivePositions($load->language) : $failure;
+}
+
+/** Gives the articles of the tables being filled their positions, and the sets their members by these. The failure. */
+function kvGivePositions(string $language): string
+{
+    $table = KV_NEW . "kv_voci$language";
+    // The order is that of the server, which results have as well. A key of rows that are there is sorted at once.
+    foreach (['SET @kv_posizione = -1', "UPDATE $table SET posizione = (@kv_posizione := @kv_posizione + 1) ORDER BY titolo, articolo",
+              "ALTER TABLE $table ADD KEY posizione (posizione)"] as $statement) {
+        $failure = kvRunSql($statement);
+        if ($failure !== '') {
+            return $failure;
+        }
+    }
+    $result = mysqli_query(kvConnection(), "SELECT articolo, posizione FROM $table", MYSQLI_USE_RESULT);
+    $positions = [];
+    while (is_object($result) && ($row = mysqli_fetch_row($result))) {
+        $positions[(int) $row[0]] = (int) $row[1];
+    }
+    return kvOrderSets($positions, KV_NEW . "kv_insiemi$language");
+}
+
+/** Makes sets of positions out of lists of numbers of articles, some words at a time. The failure. */
+function kvOrderSets(array $positions, string $table): string
+{
+    $empty = str_repeat("\0", (count($positions) >> 3) + 1);
+    $from = '';
+    kvSetCharset('utf8mb4');
+    do {
+        $result = mysqli_query(kvConnection(), "SELECT parola, rango, insieme FROM $table WHERE parola >= '$from' ORDER BY parola, rango"
+            . ' LIMIT ' . KV_SETS_TOGETHER);
+        $rows = $result instanceof mysqli_result ? mysqli_fetch_all($result, MYSQLI_ASSOC) : null;
+        $finished = count($rows ?? []) < KV_SETS_TOGETHER;
+        // The next ones begin with the last word, of which there may be more.
+        $from = $finished ? '' : (string) end($rows)['parola'];
+        $sets = [];
+        foreach ($finished ? $rows ?? [] : array_filter($rows, fn($row) => (string) $row['parola'] !== $from) as $row) {
+            $members = array_map(fn($article) => $positions[$article], unpack('l*', $row['insieme']));
+            $sets[] = kvSetRow($row['rango'] . $row['parola'], ...kvSetToStore(kvWithPositions($empty, $members)));
+        }
+        $failure = $rows === null ? kvSqlFailure("SELECT FROM $table") : kvInsertRows("REPLACE INTO $table", $sets);
+    } while ($failure === '' && !$finished);
+    return $failure;
 }
 
 /** Brings the index up to what a load brings: anew where there is none, else for the articles that differ. The failure. */
@@ -224,42 +283,4 @@ function kvUpdateIndex(KvLoad $load): string
     $tables = [$filled($articles), $filled('dettaglio')];
     $differing = kvDifferingArticles($tables, $load->language);
     return $differing === null ? kvRebuildIndex($load, $tables) : kvRereadArticles($differing, $tables, $load->language);
-}
-
-/** Reads the words of some articles again, in the transaction of the load. The failure. */
-function kvRereadArticles(array $numbers, array $tables, string $language): string
-{
-    foreach (array_chunk($numbers, KV_ARTICLES_TOGETHER) as $some) {
-        $list = implode(',', array_map('intval', $some));
-        $failure = kvRunSql("DELETE FROM kv_parole$language WHERE articolo IN ($list)");
-        $failure = $failure === '' ? kvRunSql("DELETE FROM kv_voci$language WHERE articolo IN ($list)") : $failure;
-        $failure = $failure === ''
-            ? kvReadWords($tables, "a.ID IN ($list)", fn(string $name): string => $name . $language) : $failure;
-        if ($failure !== '') {
-            return $failure;
-        }
-    }
-    return '';
-}
-
-/**
- * The words of the changed articles. Their codes are in one table for all languages, which the first one brings: what it
- * brings for others shows in its own marks as well. Most changes are of prices, which have no words.
- */
-function kvIndexChanged(KvLoad $load): string
-{
-    $numbers = array_keys($load->articles);
-    foreach ($load->language === '' ? ['', '_l2', '_l3', '_l4'] : [$load->language] as $language) {
-        if (!kvIsIndexCurrent($language)) {
-            continue;
-        }
-        $tables = ["articoli$language", 'dettaglio'];
-        $differing = kvDifferingAmong($numbers, $tables, $language);
-        $failure = kvRereadArticles($differing, $tables, $language);
-        if ($failure !== '') {
-            return $failure;
-        }
-        $numbers = $language === '' ? $differing : $numbers;
-    }
-    return '';
 }
