@@ -138,10 +138,11 @@ function kvChangeSets(array $changes, string $table): string
     $rows = [];
     foreach ($changes as $name => $positions) {
         $set = $stored[$name] ?? ['quanti' => 0, 'insieme' => ''];
-        $members = array_fill_keys(kvIsList((int) $set['quanti'], $set['insieme']) ? unpack('V*', $set['insieme'])
-            : kvPositions($set['insieme']), true);
-        $members = array_keys(array_filter($positions + $members));
-        $rows[] = kvSetRow((string) $name, ...kvSetToStore(kvSetOf($members)));
+        $bits = kvIsList((int) $set['quanti'], $set['insieme']) ? kvSetOf(unpack('V*', $set['insieme'])) : $set['insieme'];
+        $bits = str_pad($bits, (max(array_keys($positions)) >> 3) + 1, "\0");
+        $gone = kvWithPositions(str_repeat("\0", strlen($bits)), array_keys($positions, false, true));
+        $bits = kvWithPositions($bits, array_keys($positions, true, true)) & ~$gone;
+        $rows[] = kvSetRow((string) $name, ...kvSetToStore($bits));
     }
     return kvInsertRows("REPLACE INTO $table", $rows);
 }
