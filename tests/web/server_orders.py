@@ -2,6 +2,7 @@
 """The orders of the model shop and the stock that they take from: server_orders.py KORVANE_CLI"""
 import concurrent.futures
 import email
+import json
 import re
 import urllib.parse
 
@@ -187,6 +188,10 @@ class Stock(CustomerCase):
         self.assertEqual((len(sold_out), len(options) > 1), (1, True))
         self.assertIn("Al momento non disponibile", sold_out[0])
         self.assertFalse(any("selected" in attributes for attributes, text in options if "disabled" in attributes))
+        part, position = shop().rows(f"SELECT sottopagina, contatore FROM articoli INNER JOIN ordinamento USING (ID) WHERE ID = {number}")[0]
+        alone = self.visitor.ask(f"cat007.php?n={part}&prod={position}").text
+        told = [data for data in map(json.loads, re.findall(r'ld\+json">(.*?)</script>', alone, re.S)) if data["@type"] == "Product"]
+        self.assertEqual([offer["sku"] for offer in told[0]["offers"] if offer["availability"].endswith("OutOfStock")], ["O"])
 
     def test_the_stock_of_an_earlier_shop_is_counted_for_each_article(self):
         (number, other), variant, key = self.two_with_the_same_variant()

@@ -334,6 +334,13 @@ function kvArticleData(array $row, bool $available): array
     return array_filter($data, fn($value) => $value !== '');
 }
 
+/** The structured data of the article that is shown alone; nothing on a page of several. */
+function kvDatiSolo(): string
+{
+    return is_array($GLOBALS['kvSolo'] ?? null) ? kvStructuredData(['@context' => 'https://schema.org']
+        + kvArticleData($GLOBALS['rowArt'], kvDisponibile($GLOBALS['rowArt']))) : '';
+}
+
 /** The structured data of the articles shown: one product, or the list of them. */
 function kvDatiSchede(): string
 {
