@@ -77,6 +77,7 @@ runTests([
         [kvSmallestUnits(10050, 100), kvSmallestUnits(-10050, 100), kvSmallestUnits(10049, 100), kvSmallestUnits(15000, 1), kvSmallestUnits(14999, 1)]],
     'ItalianNotationHasAPointForThousands' => fn() => ['1.234,50', kvFormatUnits(123450, 100, 0)],
     'EnglishNotationHasACommaForThousands' => fn() => ['1,235', kvFormatUnits(1235, 1, 1)],
+    'FrenchNotationHasASpaceThatKeepsTheAmountTogether' => fn() => ["1\xA0234,50", kvFormatUnits(123450, 100, 2)],
     'ANumberForScriptsHasNoThousandsSeparator' => fn() => ['1234.50', kvScriptNumber(123450, 100)],
     'ThePriceOfThePageIsRoundedToTheDecimalsShown' => fn() => ['EUR 12', with(
         ['visdec' => [0, 0, 2]], fn() => $view('prezzo', ['importo' => '9.9999', 'implistino' => '9.9999'] + article()))],

@@ -36,9 +36,11 @@ class Prices(CustomerCase):
         self.assertEqual(self.page_price("cat008.php", "PI-002"), 1476)
         self.assertNotEqual(before, 1476)
 
-    def test_a_closed_department_is_no_page_for_a_visitor(self):
+    def test_a_closed_department_and_a_page_beyond_the_last_are_no_pages_for_a_visitor(self):
         page = self.visitor.ask("cat006.php", follow=False)
         self.assertEqual((page.status, page.headers["Location"], page.body), (302, "login.php?m=11", b""))
+        missing = self.visitor.ask("cat007_l2.php?n=99")
+        self.assertEqual((missing.status, missing.text.count("</html>"), missing.text.count("<article")), (404, 1, 0))
         self.customer(listino=1)
         self.assertEqual(self.visitor.ask("cat006.php", follow=False).status, 200)
 

@@ -279,6 +279,7 @@ class ForOthers(ShopperCase):
         self.assertEqual(self.visitor.ask(told["image"]).status, 200)
         self.assertEqual(html.unescape(told["url"]), f"{shop().base}/cat007.php?n=1&prod=1")
         self.assertNotIn("og:type", self.visitor.ask("login.php").text)
+        self.assertEqual(text.count('<meta name="keywords" content="ceramica artigianale, '), 1)
 
     def test_offers_tell_shipping_and_return(self):
         data = self.visitor.ask("cat007.php?n=1&prod=1").text

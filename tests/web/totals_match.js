@@ -135,7 +135,15 @@ cases.forEach(function (c, number) {
   const there = Object.assign({}, server[number], { testo: server[number].testo.replace(/^EUR /, "") });
   const big = exact(c, context);
   const names = ["merce", "sconto", "iva", "spese", "ivaspese", "totale", "ammesso", "testo", "unitario"];
-  const differing = names.filter(function (name) { return browser[name] !== there[name]; });
+  // Before the order form a cart is counted for the zone that the form starts with.
+  const startsUntaxed = vm.runInContext("totiva = " + (c.zone > 4 ? 0 : 1), context) === 0;
+  const before = context.orderTotals(c.lines, 1, 0);
+  const letter = startsUntaxed ? "0" : "1";
+  vm.runInContext("IvaOk = '" + letter.repeat(8) + "'", context);
+  const inForm = context.orderTotals(c.lines, c.method, c.zone);
+  browser.primaDelModulo = before.totale;
+  there.primaDelModulo = inForm.merce - inForm.sconto + inForm.iva;
+  const differing = names.concat("primaDelModulo").filter(function (name) { return browser[name] !== there[name]; });
   if (differing.length > 0 || String(there.totale) !== big || unit !== there.unitario) {
     failed++;
     if (failed < 4) {

@@ -5,6 +5,9 @@ import { articles, countries, methods, person } from "../support/model.mjs";
 import { mailsWith } from "../support/mails.mjs";
 import { amountsIn, written } from "../support/money.mjs";
 
+// Its first word is beyond the character set of the pages.
+const buyer = `${person.Nome} ${person.Cognome}`;
+
 /** Two mugs and a set: 108.00 of goods, which ship in Italy for 4.00 and VAT in cash, free by transfer. */
 async function fillCart(shopper, the) {
   await shopper.open("cat007", "?n=1");
@@ -69,7 +72,7 @@ export function ordering(as) {
     const code = /\d{6}-[0-9A-F]{6}/.exec(main)?.[0];
     assert.ok(code, `no order code in: ${main}`);
     assert.ok(main.includes(written(total, language)));
-    assert.ok(main.includes("Zoë D'Ambrosio"));
+    assert.ok(main.includes(buyer));
     await as.picture(shopper, "thank-you");
 
     const mails = mailsWith(host.mail, code);
@@ -78,7 +81,7 @@ export function ordering(as) {
     for (const mail of mails) {
       assert.ok(mail.text.includes(the(articles.mug)), mail.text);
       // Nobody has proven yet that the shopper's address is theirs.
-      assert.equal(mail.text.includes("Zoë D'Ambrosio"), mail.headers.to !== person.Email, mail.text);
+      assert.equal(mail.text.includes(buyer), mail.headers.to !== person.Email, mail.text);
       assert.ok(amountsIn(mail.text).includes(total), mail.text);
     }
     await shopper.open("cart");
@@ -87,7 +90,7 @@ export function ordering(as) {
     await as.merchant(async (merchant) => {
       await merchant.openOrder(code);
       const detail = await merchant.page.locator("main").innerText();
-      assert.ok(amountsIn(detail).includes(total) && detail.includes("Zoë D'Ambrosio"), detail);
+      assert.ok(amountsIn(detail).includes(total) && detail.includes(buyer), detail);
       assert.ok(detail.includes(the(articles.set)));
     });
   }));

@@ -33,6 +33,6 @@ export const methods = {
 
 /** The person who orders. */
 export const person = {
-  Nome: "Zoë", Cognome: "D'Ambrosio", Indirizzo: "via dei Mulini 3", CAP: "00100", Citta: "Rocca Piana",
+  Nome: "Ζωή", Cognome: "D'Ambrosio", Indirizzo: "via dei Mulini 3", CAP: "00100", Citta: "Rocca Piana",
   Telefono: "000 555 0199", Email: "zoe@cliente.example",
 };
