@@ -63,6 +63,14 @@ class LegalNotes(CustomerCase):
         shop().execute("INSERT INTO kv_unita SELECT ID, 2, 'pz' FROM ordinamento WHERE ID <> " + number)
         self.assertTrue(all(text.endswith((" / pezzo", " / kg")) for text in self.notes("index.php", "unitario")))
         self.assertGreater(len(self.notes("index.php", "unitario")), 3)
+        found = self.visitor.ask("kvsearch.php?q=di").text
+        self.assertEqual(len(self.notes("kvsearch.php?q=di", "unitario")), found.count('<strong class="prezzo">'))
+        related = self.visitor.ask("cat007.php?n=1&prod=1").text
+        self.assertRegex(related, r'<strong class="importo">')
+        self.assertEqual(len(re.findall(r'</strong> <span class="nota unitario">[^<]* / (?:pezzo|kg)</span></a>', related)),
+                         related.count('<strong class="importo">'))
+        suggested = json.loads(self.visitor.ask("kvsuggerisci.php?q=ta").body)
+        self.assertEqual({self.cents(one["p"]) / self.cents(one["n"].split(" / ")[0]) for one in suggested}, {2, 0.25})
 
     def test_a_reduced_price_comes_with_the_lowest_before(self):
         number, address = self.an_offer()

@@ -308,12 +308,13 @@ function kvPageGroups(string $group): array
     return $groups;
 }
 
-/** A card of another article: picture, title, price. Its department is set for its price, and not set back. */
+/** A card of another article: picture, title, price, that of a unit. Its department is set for its price, and not set back. */
 function kvRelatedCard(array $row): string
 {
     SetVariables($row['catID']);
     $picture = kvSmallPicture($row);
-    $price = kvArePricesHidden() ? '' : '<strong class="importo">' . kvAmountText(kvVisitorPrices($row)['prezzo']) . '</strong>';
+    $price = kvArePricesHidden() ? '' : '<strong class="importo">' . kvAmountText(kvVisitorPrices($row)['prezzo']) . '</strong>'
+        . kvPriceNotes($row, false);
     return '<li><a class="scheda" href="' . kvHtml(kvArticlePage($row)) . '"><span class="foto">'
         . ($picture === null ? '' : kvTagImmagine($picture, '')) . '</span><span class="nome">' . TestoSemplice((string) $row['plain_titolo'])
         . "</span>$price</a></li>";
@@ -329,6 +330,7 @@ function kvCorrelati(array $row): string
     if (is_array($GLOBALS['kvSolo'] ?? null)) {
         include_once "kvcard.php";
         kvReadDepartments(array_map('strval', array_column($others, 'catID')));
+        $GLOBALS['kvAlsoShown'] = array_column($others, 'ID');
         $entries = implode('', array_map('kvRelatedCard', $others));
         SetVariables($row['catID']);
         return $entries === '' ? '' : '<ul class="correlati schede">' . $entries . '</ul>';

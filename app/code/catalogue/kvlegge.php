@@ -50,11 +50,12 @@ function kvLegalRow(string $table, int $id, bool $articles = true): array
     return $kvLegalRows[$table][$id];
 }
 
-/** The numbers of the articles that the page shows beside this one. */
+/** The numbers of the articles that the page shows beside this one; $kvAlsoShown has those of results and cards. */
 function kvPageNumbers(): array
 {
     global $resultArt;
-    return array_merge($resultArt instanceof KvRows ? array_column($resultArt->rows, 'ID') : [], kvShowcaseNumbers());
+    return array_merge($resultArt instanceof KvRows ? array_column($resultArt->rows, 'ID') : [], kvShowcaseNumbers(),
+        $GLOBALS['kvAlsoShown'] ?? []);
 }
 
 /** The content of an article in ten-thousandths of its measure, and the word of that; null without a content. */

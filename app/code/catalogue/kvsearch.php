@@ -135,7 +135,8 @@ list($kvQuanti, $kvTrovati, $kvPage) = $kvWords === [] ? [0, [], 1] : kvFind($kv
 
 include_once "kvlook.php";
 $kvTemplate = (string) @file_get_contents("results.htm");
-$kvWholeRows = kvArticles(array_column($kvTrovati, 'ID'));
+$kvAlsoShown = array_column($kvTrovati, 'ID');
+$kvWholeRows = kvArticles($kvAlsoShown);
 kvReadDepartments(array_map('strval', array_column($kvWholeRows, 'catID')));
 $kvRisultati = '';
 $fpagina = [];

@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
 // What a visitor may be looking for while they type: the articles whose words begin with what stands in the field, as
-// JSON for js3.js: t (title), u (page), p (price, empty where it is hidden), i (picture). The words before the last one
+// JSON for js3.js: t (title), u (page), p (price, empty where it is hidden), n (that of a unit), i (picture). The words before the last one
 // are taken as whole; at most eight articles, those with the words in their titles first.
 include "funcs.php";
 include_once "kvfind.php";
@@ -54,10 +54,12 @@ function kvSuggestion(array $row): array
     $picture = kvSmallPicture($row);
     return ['t' => kvDataText((string) $row['plain_titolo']), 'u' => kvArticlePage($row),
         'p' => kvArePricesHidden() ? '' : kvUtf8(kvAmountText(kvVisitorPrices($row)['prezzo'])),
+        'n' => kvUtf8(html_entity_decode(kvUnitPrice($row), ENT_QUOTES, 'cp1252')),
         'i' => $picture === null ? '' : kvUtf8(html_entity_decode($picture['src'], ENT_QUOTES, 'cp1252'))];
 }
 
 $kvNumbers = kvSuggested(kvTypedWords(kvCampo($HTTP_GET_VARS, 'q', 100)));
+$kvAlsoShown = $kvNumbers;
 $kvReadArticles = kvArticles($kvNumbers);
 $kvEntries = [];
 foreach ($kvNumbers as $kvNumber) {

@@ -77,7 +77,7 @@ class Suggestions {
     entries.forEach((entry, index) => {
       const item = makeElement("li", { id: this.id + "-" + index, role: "option", "aria-selected": "false" },
         makeElement("span", { class: "foto" }, plainPicture(entry.i)), makeElement("span", { class: "nome" }, entry.t), " ",
-        makeElement("span", { class: "prezzo" }, entry.p));
+        makeElement("span", { class: "prezzo" }, entry.p, entry.n === "" ? "" : makeElement("small", {}, " " + entry.n)));
       item.addEventListener("click", () => this.open(index));
       this.list.append(item);
     });
