@@ -66,13 +66,19 @@ function kvPartSets(string $pattern, string $piece, bool $whole, int $length): ?
         + ($whole || $word === $piece ? 0 : (strncmp($word, $piece, strlen($piece)) === 0 ? 1 : 2)), $length);
 }
 
-/** The bytes of a set, and the articles that are not where their titles belong; no byte where there is no article. */
-function kvSetLength(): array
+/**
+ * The bytes of a set, and the articles that are not where their titles belong; no byte where there is no article, null when
+ * the server refused it.
+ */
+function kvSetLength(): ?array
 {
     $language = $GLOBALS['Lingua'];
     $late = KV_LATE;
     $row = kvDirectRows("SELECT (SELECT MAX(posizione) FROM kv_voci$language) AS ultima, quanti, insieme FROM (SELECT 1) t LEFT JOIN"
-        . " kv_insiemi$language ON parola = '$late'")[0] ?? ['ultima' => null, 'quanti' => null];
+        . " kv_insiemi$language ON parola = '$late'")[0] ?? null;
+    if ($row === null) {
+        return null;
+    }
     $length = $row['ultima'] === null ? 0 : ((int) $row['ultima'] >> 3) + 1;
     return [$length, kvStoredBits((int) $row['quanti'], (string) $row['insieme'], $length)];
 }
@@ -129,9 +135,9 @@ function kvRequestParts(array $words): array
 /** What the index finds for a request; null when the server refused a question. */
 function kvFindSets(array $words, bool $all, bool $wholeWords): ?KvFound
 {
-    list($length, $late) = kvSetLength();
-    if ($length === 0) {
-        return new KvFound([], '');
+    list($length, $late) = kvSetLength() ?? [null, ''];
+    if (!$length) {
+        return $length === null ? null : new KvFound([], '');
     }
     $parts = [];
     foreach (kvRequestParts($words) as $pattern => $piece) {

@@ -38,7 +38,7 @@ function kvSuggested(array $words): array
 function kvFindSuggested(array $words): array
 {
     $last = (string) array_pop($words);
-    list($length, $late) = kvSetLength();
+    list($length, $late) = kvSetLength() ?? [0, ''];
     if ($length === 0) {
         return [];
     }

@@ -208,11 +208,14 @@ function kvReadWords(array $tables, string $language): string
     }
 }
 
-/** Whether the index of a language is there as this release makes it. */
+/** Whether the index of a language is there as this release makes it, with all its tables. */
 function kvIsIndexCurrent(string $language): bool
 {
-    return kvRiga('SELECT COLUMN_NAME FROM information_schema.COLUMNS WHERE TABLE_SCHEMA ='
-        . " DATABASE() AND TABLE_NAME = ? AND COLUMN_NAME = 'posizione'", ["kv_voci$language"]) !== null;
+    $columns = [["kv_voci$language", 'posizione'], ["kv_insiemi$language", 'insieme'], ["kv_parole$language", 'parole'],
+        ["kv_vocaboli$language", 'parola']];
+    $row = kvRiga('SELECT COUNT(*) AS n FROM information_schema.COLUMNS WHERE TABLE_SCHEMA = DATABASE() AND ('
+        . implode(' OR ', array_fill(0, count($columns), '(TABLE_NAME = ? AND COLUMN_NAME = ?)')) . ')', array_merge(...$columns));
+    return (int) ($row['n'] ?? 0) === count($columns);
 }
 
 /** Makes the index of a language anew beside the former one. The failure. */
