@@ -335,7 +335,7 @@ function kvArticleData(array $row, bool $available): array
 }
 
 /** The structured data of the article that is shown alone; nothing on a page of several. */
-function kvDatiSolo(): string
+function kvSingleArticleData(): string
 {
     return is_array($GLOBALS['kvSolo'] ?? null) ? kvStructuredData(['@context' => 'https://schema.org']
         + kvArticleData($GLOBALS['rowArt'], kvDisponibile($GLOBALS['rowArt']))) : '';
