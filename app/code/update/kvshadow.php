@@ -175,6 +175,27 @@ function kvLoadTogether(array $drops, array $new, string $language): string
     return $failure;
 }
 
+/**
+ * Makes an index of words that a load of changes has found as an earlier release made it, or not at all. The catalogue is
+ * loaded by then: what fails here is for the next load, and the search reads all articles until then.
+ */
+function kvRenewIndex(string $language): void
+{
+    if (kvIsIndexCurrent($language) || !kvTableExists("articoli$language") || !kvTableExists('dettaglio')) {
+        return;
+    }
+    $load = new KvLoad($language);
+    $failure = kvRebuildIndex($load, ["articoli$language", 'dettaglio']);
+    $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
+    $failure = $failure === '' ? kvSwapTables($load) : $failure;
+    $failure = $failure === '' ? kvMarkLoad(["indice$language" => (string) KV_INDEX_OF_SETS]) : $failure;
+    $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
+    if ($failure !== '') {
+        kvCancelLoad($load);
+        error_log('Shop database: ' . $failure);
+    }
+}
+
 /** Marks the load, for pages that browsers keep: a page of another load is another page. Sets other states too. The failure. */
 function kvMarkLoad(array $states = []): string
 {

@@ -30,6 +30,7 @@ kvProtectSql($kvFile);
 $kvResult = kvLoadAll($kvDrops, $kvNew, "<<1-IDlingua>>");
 if ($kvResult === '') {
     kvRemoveSql([$kvDrops, $kvNew], $kvFile);
+    kvRenewIndex("<<1-IDlingua>>");
     include_once "kvmappa.php";
     kvWriteMaps("<<1-IDlingua>>");
     $kvResult = 'OK';
