@@ -125,7 +125,7 @@ class SheetsAndShop {
     struct Nobody final : kv::XmlListener {
       bool start(std::string_view, const kv::XmlAttributes&) override { return true; }
       bool end(std::string_view) override { return true; }
-      void text(std::string_view) override {}
+      bool text(std::string_view) override { return true; }
     } nobody;
     return {secondsOf([&] {
               constexpr std::uint64_t most = std::uint64_t{1} << 32;

@@ -236,6 +236,12 @@ TEST_F(Spreadsheets, WithATextOrAListBeyondTheLimitsAreRefused) {
   std::string tables;
   for (int i = 0; i <= 10000; ++i) tables += "<table:table/>";
   EXPECT_EQ(failureOf(packed({odsContent(tables)})).number, TooLargeSheet);
+  // More sheets than anyone has, named by two bytes each once they are packed.
+  auto parts = xlsxParts("");
+  std::string sheets;
+  for (int i = 0; i <= 10000; ++i) sheets += "<sheet/>";
+  parts[1].content = "<workbook>" + sheets + "</workbook>";
+  EXPECT_EQ(failureOf(packed(parts)).number, TooLargeSheet);
 }
 
 TEST_F(Spreadsheets, ShowNumbersAndDaysThatAreNoneAsTheyAreWritten) {

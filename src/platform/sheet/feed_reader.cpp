@@ -43,11 +43,11 @@ class FeedListener : public XmlListener {
     --depth_;
     return !isFull;
   }
-  void text(std::string_view piece) final {
-    if (!isField()) return;
-    // The end of the element refuses it.
+  bool text(std::string_view piece) final {
+    if (!isField()) return true;
     isFull = isFull || piece.size() > longestFeedField - value_.size();
     if (!isFull) value_ += piece;
+    return !isFull;
   }
 
  private:

@@ -16,7 +16,7 @@ struct OdsManifest final : XmlListener {
     return true;
   }
   bool end(std::string_view) override { return true; }
-  void text(std::string_view) override {}
+  bool text(std::string_view) override { return true; }
 };
 
 std::size_t repeated(const XmlAttributes& attributes, std::string_view name) {
@@ -25,8 +25,6 @@ std::size_t repeated(const XmlAttributes& attributes, std::string_view name) {
   const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), count);
   return read.ec != std::errc() || count == 0 ? 1 : count;
 }
-
-constexpr std::size_t mostSheets = 10000;  // of a file
 
 class OdsListener final : public XmlListener {
  public:
@@ -44,12 +42,12 @@ class OdsListener final : public XmlListener {
       isFull = names.size() >= mostSheets;
       if (isFull) return false;
       isWanted_ = names.size() == wanted_;
-      names.emplace_back(attributes.get("name"));
+      names.push_back(sheetName(attributes.get("name")));
       line_ = 0;
     } else if (isWanted_) {
       startPart(name, attributes);
     }
-    return true;
+    return isTextHeld();
   }
   bool end(std::string_view name) override {
     if (passed_ > 0) {
@@ -61,12 +59,17 @@ class OdsListener final : public XmlListener {
     }
     return true;
   }
-  void text(std::string_view piece) override {
-    // A text beyond the limit is refused as a cell.
-    if (inParagraph_ && passed_ == 0 && text_.size() <= mostText_) text_ += piece;
+  bool text(std::string_view piece) override {
+    if (inParagraph_ && passed_ == 0) text_ += piece;
+    return isTextHeld();
   }
 
  private:
+  /// Whether the text of the cell is no longer than it may be.
+  bool isTextHeld() {
+    isFull = text_.size() > mostText_;
+    return !isFull;
+  }
   /// Notes, drawings, and what was there before tracked changes.
   static bool isPassedOver(std::string_view name) {
     return name == "annotation" || name == "shapes" || name == "tracked-changes" || name == "frame" ||

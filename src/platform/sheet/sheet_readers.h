@@ -5,6 +5,11 @@
 
 namespace kv {
 
+/// The most sheets of a file.
+inline constexpr std::size_t mostSheets = 10000;
+/// A sheet's name, as much of it as a list shows.
+std::string sheetName(std::string_view name);
+
 /// The main part of an XLSX file; an empty text where the file is none.
 std::string xlsxMainPart(PackedFile& file);
 /// As readSpreadsheet.

@@ -8,6 +8,7 @@
 #include "platform/files/files.h"
 #include "platform/sheet/cell_value.h"
 #include "platform/sheet/sheet_readers.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {
@@ -20,20 +21,26 @@ unsigned wholeOf(std::string_view digits) {
 
 /// Targets by ID of a part of relationships, and the one of the main document.
 struct Relations final : XmlListener {
+  static constexpr std::size_t mostHeld = std::size_t{16} << 20, each = 128;  // bytes; a program writes a few thousand
   std::map<std::string, std::string, std::less<>> targets;
   std::string document, sharedStrings, styles;
+  std::size_t held = 0;
+  bool isFull = false;
 
   bool start(std::string_view name, const XmlAttributes& attributes) override {
     if (name != "Relationship") return true;
-    const std::string_view type = attributes.get("Type"), target = attributes.get("Target");
-    targets.emplace(attributes.get("Id"), target);
+    const std::string_view ID = attributes.get("Id"), type = attributes.get("Type"), target = attributes.get("Target");
+    held += each + ID.size() + target.size();
+    isFull = held > mostHeld;
+    if (isFull) return false;
+    targets.emplace(ID, target);
     if (type.ends_with("/officeDocument")) document = target;
     if (type.ends_with("/sharedStrings")) sharedStrings = target;
     if (type.ends_with("/styles")) styles = target;
     return true;
   }
   bool end(std::string_view) override { return true; }
-  void text(std::string_view) override {}
+  bool text(std::string_view) override { return true; }
 };
 
 /// The path of a target that a part of `folder` names.
@@ -48,21 +55,25 @@ std::string partPath(const std::string& folder, std::string_view target) {
 }
 
 struct WorkbookParts final : XmlListener {
+  static constexpr std::size_t longestID = 1024;
   std::vector<std::string> names, relations;
-  bool since1904 = false;
+  bool since1904 = false, isFull = false;
 
   bool start(std::string_view name, const XmlAttributes& attributes) override {
     if (name == "sheet") {
-      names.emplace_back(attributes.get("name"));
       // Two attributes are called "id" by some programs: the sheet's number is "sheetId".
-      relations.emplace_back(attributes.get("id"));
+      const std::string_view ID = attributes.get("id");
+      isFull = names.size() >= mostSheets || ID.size() > longestID;
+      if (isFull) return false;
+      names.push_back(sheetName(attributes.get("name")));
+      relations.emplace_back(ID);
     } else if (name == "workbookPr") {
       since1904 = attributes.get("date1904") == "1" || attributes.get("date1904") == "true";
     }
     return true;
   }
   bool end(std::string_view) override { return true; }
-  void text(std::string_view) override {}
+  bool text(std::string_view) override { return true; }
 };
 
 /// What the styles of cells make of numbers.
@@ -86,7 +97,7 @@ struct CellStyles final : XmlListener {
     if (name == "cellXfs") inside = false;
     return true;
   }
-  void text(std::string_view) override {}
+  bool text(std::string_view) override { return true; }
 
   CellFormat formatOf(unsigned style) const { return style < formats.size() ? formats[style] : CellFormat::Plain; }
 };
@@ -94,7 +105,7 @@ struct CellStyles final : XmlListener {
 /// Collects the text of an item: its runs, without what only says how they are spoken.
 class RunText {
  public:
-  /// most: bytes beyond which a text grows no further; its owner refuses it.
+  /// most: bytes of a text; its owner refuses a longer one.
   explicit RunText(std::size_t most) : most_(most) {}
 
   void start(std::string_view name) {
@@ -105,8 +116,10 @@ class RunText {
     if (name == "rPh") isSpoken_ = false;
     if (name == "t") takes_ = false;
   }
-  void text(std::string_view piece) {
-    if (takes_ && text_.size() <= most_) text_ += piece;
+  /// False once the text is longer than it may be.
+  bool text(std::string_view piece) {
+    if (takes_) text_ += piece;
+    return text_.size() <= most_;
   }
   std::string take() {
     std::string whole = text_.find("_x") == std::string::npos ? std::move(text_) : withoutEscapes(text_);
@@ -143,7 +156,10 @@ struct SharedTexts final : XmlListener {
     ends.push_back(static_cast<std::uint32_t>(texts.size()));
     return true;
   }
-  void text(std::string_view piece) override { run.text(piece); }
+  bool text(std::string_view piece) override {
+    isFull = !run.text(piece);
+    return !isFull;
+  }
 
   std::string_view at(unsigned index) const {
     if (index >= ends.size()) return {};
@@ -193,12 +209,10 @@ class SheetListener final : public XmlListener {
     }
     return true;
   }
-  void text(std::string_view piece) override {
-    if (inValue_) {
-      if (value_.size() <= mostText_) value_ += piece;
-    } else {
-      run_.text(piece);
-    }
+  bool text(std::string_view piece) override {
+    if (inValue_) value_ += piece;
+    isFull = inValue_ ? value_.size() > mostText_ : !run_.text(piece);
+    return !isFull;
   }
 
  private:
@@ -262,6 +276,11 @@ class SheetListener final : public XmlListener {
 
 }  // namespace
 
+std::string sheetName(std::string_view name) {
+  constexpr std::size_t mostCharacters = 255;
+  return std::string(firstCharacters(name, mostCharacters));
+}
+
 Result<> withListenersFault(Result<> read, bool isFull) {
   if (isFull) return fail(ErrorKind::Malformed, "", "too many cells", TooLargeSheet);
   return read;
@@ -277,10 +296,14 @@ std::string xlsxMainPart(PackedFile& file) {
 Result<SheetContent> readXlsx(PackedFile& file, const SheetRequest& request) {
   const std::string main = xlsxMainPart(file), folder(folderOf(main));
   WorkbookParts workbook;
-  if (auto read = file.readXml(main, workbook); !read) return fail(read.error());
+  auto listed = file.readXml(main, workbook);
+  listed = withListenersFault(std::move(listed), workbook.isFull);
+  if (!listed) return fail(listed.error());
   Relations relations;
   const std::string relationsPart = joinPath(joinPath(folder, "_rels"), std::string(baseName(main)) + ".rels");
-  if (auto read = file.readXml(relationsPart, relations); !read) return fail(read.error());
+  listed = file.readXml(relationsPart, relations);
+  listed = withListenersFault(std::move(listed), relations.isFull);
+  if (!listed) return fail(listed.error());
   if (request.sheet >= workbook.names.size()) return fail(ErrorKind::Missing, main, "no such sheet");
   SharedTexts shared(request.limits);
   if (!relations.sharedStrings.empty()) {

@@ -67,7 +67,8 @@ struct XmlReading::Run {
     if (!run.listener.end(run.told(name))) run.stop();
   }
   static void onText(void* data, const char* piece, int length) {
-    of(data).listener.text({piece, static_cast<std::size_t>(length)});
+    Run& run = of(data);
+    if (!run.listener.text({piece, static_cast<std::size_t>(length)})) run.stop();
   }
   // Sheets and feeds have no document type: one would only bring entities that grow.
   static void onDoctype(void* data, const char*, const char*, const char*, int) { of(data).stop(); }

@@ -30,7 +30,7 @@ class XmlListener {
   virtual bool start(std::string_view name, const XmlAttributes& attributes) = 0;
   virtual bool end(std::string_view name) = 0;
   /// Text of the current element, in pieces of any size.
-  virtual void text(std::string_view piece) = 0;
+  virtual bool text(std::string_view piece) = 0;
 };
 
 /// How a listener is told the names of elements.
