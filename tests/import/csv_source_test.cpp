@@ -6,25 +6,6 @@
 namespace kv::test {
 namespace {
 
-using Records = std::vector<std::vector<std::string>>;
-
-TEST(CsvTest, QuotesHoldSeparatorsLineEndsAndQuotes) {
-  EXPECT_EQ(splitCsv("a;\"b;\"\"c\"\"\r\nd\";\r\n\r\n;x\re\nf", ';'),
-            (Records{{"a", "b;\"c\"\r\nd", ""}, {"", "x"}, {"e"}, {"f"}}));
-  EXPECT_EQ(splitCsv("a,\"offen", ','), (Records{{"a", "offen"}}));
-  EXPECT_EQ(splitCsv("", ';'), Records{});
-}
-
-TEST(CsvTest, TheCodePageIsFoundOut) {
-  CsvForm form;
-  EXPECT_EQ(decodeCsv("\xEF\xBB\xBFt\xC3\xA8", form), "tè");
-  EXPECT_TRUE(form.utf8);
-  EXPECT_EQ(decodeCsv("t\xE8 \x80", form), "tè €");
-  EXPECT_FALSE(form.utf8);
-  EXPECT_EQ(decodeCsv(std::string("\xFF\xFEt\0\xE8\0", 6), form), "tè");
-  EXPECT_TRUE(form.utf8);
-}
-
 TEST(CsvTest, TheSeparatorIsTheMostFrequentOneOfTheFirstLine) {
   EXPECT_EQ(separatorOf("Id;Nome\n1,2,3,4;b"), ';');
   EXPECT_EQ(separatorOf("Id,Nome,x;y\n"), ',');
@@ -66,6 +47,26 @@ TEST_F(CsvFolder, ItsFormIsShownInThePreview) {
       "Categoria.csv: Windows-1252, separatore di campo \";\", separatore decimale \",\"\n"
       "Articoli.csv: Unicode, separatore di campo \";\", separatore decimale \",\"\nReparti: 1 nuovi"))
       << preview;
+}
+
+TEST_F(CsvFolder, ThatNamesItsSeparatorAndEndsInEmptyRowsIsImportedAlike) {
+  ASSERT_TRUE(writeBytes(request.path + "/Articoli.csv",
+                         "sep=|\nId|IdCategoria|Codice|Descrizione|iva|Vendita1\n42|7|T1|Tazza|22|3,50\n|||||\n"));
+  importWith("0100100");
+  EXPECT_EQ(rows("SELECT codice, titolo, prezzo FROM articoli"), "T1|Tazza|3.5\n");
+}
+
+TEST_F(CsvFolder, WithMoreThanASheetMayHoldIsRefusedWithTheReason) {
+  const std::string columns(1024, ';');
+  ASSERT_TRUE(writeBytes(request.path + "/Articoli.csv",
+                         "Id;IdCategoria;Codice;Descrizione;iva;Vendita1\n1;7;A;B;22;1;" + columns + "x\n"));
+  EXPECT_TRUE(isAccountingSource(request.path));
+  EXPECT_EQ(accountingPreviewText(session, settings, request),
+            "Non è stato possibile importare i dati (Il foglio \"Articoli.csv\" è troppo grande: dividerlo in più "
+            "fogli)\n");
+  EXPECT_EQ(import(), AccountingEnd::NotDone);
+  EXPECT_EQ(user.texts().back(), "Non è stato possibile importare i dati");
+  EXPECT_EQ(allRows(), "");
 }
 
 TEST_F(CsvFolder, WithoutItsTwoFilesIsNoSource) {

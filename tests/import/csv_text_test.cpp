@@ -38,6 +38,12 @@ TEST(CsvText, CountsTheLinesOfTheFileAndNotItsRecords) {
   EXPECT_EQ(shownCsv("a;b\n\n\"x\ny\";1\nz;2\n;;\nw"), "1:a|b\n3:x\ny|1\n5:z|2\n7:w\n");
 }
 
+TEST(CsvText, EndsRecordsAtAnyLineEndAndAnOpenQuoteAtTheEnd) {
+  EXPECT_EQ(shownCsv("a;\"b;\"\"c\"\"\r\nd\";\r\n\r\n;x\re\nf"), "1:a|b;\"c\"\r\nd\n4:|x\n5:e\n6:f\n");
+  EXPECT_EQ(shownCsv("a,\"offen"), "1:a|offen\n");
+  EXPECT_EQ(shownCsv(""), "");
+}
+
 TEST(CsvText, MayNameItsSeparatorInTheFirstLine) { EXPECT_EQ(shownCsv("sep=,\na,b;c\n"), "2:a|b;c\n"); }
 
 TEST(CsvText, TakesWhatIsGivenInsteadOfWhatIsFound) {

@@ -101,8 +101,12 @@ Result<std::unique_ptr<AccountingSource>> openAccountingSource(const std::string
 bool isAccountingSource(const std::string& path) {
   const auto source = openAccountingSource(path);
   if (!source) return false;
-  const bool isList = (*source)->rows("Nomi", {"ID", "nome", "path"}).has_value();
-  return isList || ((*source)->rows("Categoria", {"Id", "Nome"}) && (*source)->rows("Articoli", {"Id", "IdCategoria"}));
+  const auto holds = [&](std::string_view table, const std::vector<std::string>& columns) {
+    const auto rows = (*source)->rows(table, columns);
+    return rows || rows.error().kind == ErrorKind::Malformed;
+  };
+  return holds("Nomi", {"ID", "nome", "path"}) ||
+         (holds("Categoria", {"Id", "Nome"}) && holds("Articoli", {"Id", "IdCategoria"}));
 }
 
 Result<std::vector<AccountingCompany>> readCompanies(const AccountingSource& source) {

@@ -33,7 +33,8 @@ class AccountingSource {
 /// Opens a database file with these tables, of Jet or of SQLite, or a folder with `Categoria.csv` and `Articoli.csv`.
 /// Missing when there is nothing at `path`, Malformed when it is neither or is damaged.
 Result<std::unique_ptr<AccountingSource>> openAccountingSource(const std::string& path);
-/// Whether what is at `path` is such a source rather than a shop: the file or folder holds the two tables.
+/// Whether what is at `path` is such a source rather than a shop: the file or folder holds the two tables, even such as
+/// can't be read.
 bool isAccountingSource(const std::string& path);
 
 /// A company of a list of companies.

@@ -1,26 +1,13 @@
 #include "import/accounting/csv_source.h"
 
+#include "import/sheets/csv_text.h"
 #include "import/sheets/number_signs.h"
+#include "import/sheets/sheet_file.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 
 namespace kv {
 namespace {
-
-/// Gathers the records of a text.
-struct RecordSink final : CsvSink {
-  std::vector<std::string> record;
-  std::vector<std::vector<std::string>> records;
-  bool field(std::string_view text) override {
-    record.emplace_back(text);
-    return true;
-  }
-  bool endRecord(std::uint32_t) override {
-    records.push_back(std::move(record));
-    record.clear();
-    return true;
-  }
-};
 
 bool isNumberColumn(std::string_view column) {
   return equalsIgnoringCase(column, "iva") || startsWithIgnoringCase(column, "Vendita");
@@ -28,38 +15,49 @@ bool isNumberColumn(std::string_view column) {
 
 /// One file, read whole.
 struct CsvTable {
-  CsvForm form;
-  std::vector<std::vector<std::string>> records;  ///< the first one names the columns
+  CsvReading form;
+  CellTable cells;  ///< the first row names the columns
 
   int columnIndex(std::string_view name) const {
-    if (records.empty()) return -1;
-    for (std::size_t i = 0; i < records[0].size(); ++i) {
-      if (equalsIgnoringCase(trim(records[0][i]), name)) return static_cast<int>(i);
+    if (cells.rows() == 0) return -1;
+    for (std::size_t i = 0; i < cells.width(0); ++i) {
+      if (equalsIgnoringCase(trim(cells.cell(0, i).text), name)) return static_cast<int>(i);
     }
     return -1;
   }
-  std::string_view field(std::size_t record, std::size_t column) const {
-    return column < records[record].size() ? std::string_view(records[record][column]) : std::string_view();
-  }
 };
 
-std::vector<std::string_view> numbersOf(const CsvTable& table) {
+std::vector<std::string_view> numbersOf(const CellTable& cells) {
   std::vector<std::string_view> numbers;
-  for (std::size_t column = 0; !table.records.empty() && column < table.records[0].size(); ++column) {
-    if (!isNumberColumn(trim(table.records[0][column]))) continue;
-    for (std::size_t i = 1; i < table.records.size(); ++i) numbers.emplace_back(table.field(i, column));
+  for (std::size_t column = 0; cells.rows() > 0 && column < cells.width(0); ++column) {
+    if (!isNumberColumn(trim(cells.cell(0, column).text))) continue;
+    for (std::size_t row = 1; row < cells.rows(); ++row) numbers.push_back(cells.cell(row, column).text);
   }
   return numbers;
 }
 
+/// Why a file can't be read, in Italian.
+tl::unexpected<Error> csvFailure(Error error, const std::string& path) {
+  error.what = sheetFailureText(error, path);
+  error.where = path;
+  return fail(std::move(error));
+}
+
 Result<CsvTable> readCsvTable(const std::string& path) {
+  const SheetLimits limits;
+  const auto stamp = fileStamp(path);
+  if (!stamp) return csvFailure(stamp.error(), path);
+  if (stamp->size > limits.textBytes) return csvFailure({ErrorKind::Malformed, path, "", TooLargeSheet}, path);
   const auto bytes = readBytes(path);
-  if (!bytes) return fail(bytes.error());
+  if (!bytes) return csvFailure(bytes.error(), path);
   CsvTable table;
-  const std::string text = decodeCsv(*bytes, table.form);
-  table.form.separator = separatorOf(text);
-  table.records = splitCsv(text, table.form.separator);
-  table.form.decimalSeparator = decimalSeparatorOf(numbersOf(table), table.form.separator);
+  CsvChoice choice;
+  choice.decimalSeparator = ',';  // found below, among the columns of numbers alone
+  choice.thousands = '\0';
+  auto cells = readCsv(*bytes, choice, limits, table.form);
+  if (!cells) return csvFailure(cells.error(), path);
+  table.cells = std::move(*cells);
+  table.form.decimalSeparator = decimalSeparatorOf(numbersOf(table.cells), table.form.separator);
   return table;
 }
 
@@ -83,10 +81,12 @@ class CsvSource final : public AccountingSource {
       indexes.push_back(static_cast<std::size_t>(index));
     }
     std::vector<AccountingRow> found;
-    for (std::size_t record = 1; record < read->records.size(); ++record) {
+    found.reserve(read->cells.rows());
+    for (std::size_t record = 1; record < read->cells.rows(); ++record) {
       AccountingRow row;
+      row.reserve(columns.size());
       for (std::size_t i = 0; i < columns.size(); ++i) {
-        const std::string_view text = read->field(record, indexes[i]);
+        const std::string_view text = read->cells.cell(record, indexes[i]).text;
         row.emplace_back(isNumberColumn(columns[i]) ? plainCsvNumber(text, read->form.decimalSeparator)
                                                     : std::string(text));
       }
@@ -101,8 +101,10 @@ class CsvSource final : public AccountingSource {
       const auto path = findEntry(folder_, name);
       const auto table = path ? readCsvTable(*path) : fail(ErrorKind::Missing, folder_, name);
       if (!table) continue;
-      text += std::string(name) + ": " + (table->form.utf8 ? "Unicode" : "Windows-1252") + ", separatore di campo \"" +
-              csvName(table->form.separator) + "\", separatore decimale \"" + table->form.decimalSeparator + "\"\n";
+      text += std::string(name) + ": " +
+              (table->form.encoding == CsvEncoding::Windows1252 ? "Windows-1252" : "Unicode") +
+              ", separatore di campo \"" + csvName(table->form.separator) + "\", separatore decimale \"" +
+              table->form.decimalSeparator + "\"\n";
     }
     return text;
   }
@@ -112,18 +114,6 @@ class CsvSource final : public AccountingSource {
 };
 
 }  // namespace
-
-std::vector<std::vector<std::string>> splitCsv(std::string_view text, char separator) {
-  RecordSink sink;
-  ignore(walkCsv(text, separator, sink), "this sink takes all");
-  return std::move(sink.records);
-}
-
-std::string decodeCsv(std::string_view bytes, CsvForm& form) {
-  const CsvEncoding encoding = csvEncodingOf(bytes);
-  form.utf8 = encoding != CsvEncoding::Windows1252;
-  return decodedCsv(bytes, encoding);
-}
 
 std::string plainCsvNumber(std::string_view text, char decimalSeparator) {
   const char groupSign = decimalSeparator == ',' ? '.' : ',';
