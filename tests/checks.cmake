@@ -65,6 +65,12 @@ file(GLOB account_cases CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/golden/gat
 korvane_driver(NAME golden.TheFilledAccountsAreWhatTheRulesGive
   COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/golden/oracle/accounts.py --check ${account_cases})
 
+# Files that would take all memory, given to the program as it is handed out.
+if(NOT KORVANE_SANITIZE)
+  korvane_driver(NAME tools.FilesThatSwellAreRefusedWithinABoundOfMemory
+    COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/tools/bounded_memory_test.py ${CMAKE_BINARY_DIR}/bin)
+endif()
+
 # The pictures of the program's windows.
 if(TARGET korvane-screenshots AND TARGET test_forms AND NOT KORVANE_SANITIZE)
   add_dependencies(program_tests korvane-screenshots)
