@@ -250,6 +250,10 @@ TEST(PictureFile, OneLargerThanAPictureCanBeIsNotRead) {
   ASSERT_FALSE(refused);
   EXPECT_EQ(refused.error().kind, ErrorKind::Malformed);
   EXPECT_EQ(refused.error().where, root / "film.jpg");
+  const auto unsized = imageSize(root / "film.jpg");
+  ASSERT_FALSE(unsized);
+  EXPECT_EQ(unsized.error().kind, ErrorKind::Malformed);
+  EXPECT_EQ(unsized.error().where, root / "film.jpg");
 }
 
 TEST(WrittenJpeg, NeedsPixels) {

@@ -35,6 +35,14 @@ Result<ImageSize> bmpSize(std::string_view bytes) {
   return ImageSize{width, std::abs(height)};
 }
 
+// A film has a picture's name soon enough.
+Result<std::string> bytesOf(const std::string& path) {
+  if (const auto stamp = fileStamp(path); stamp && stamp->size > mostPictureBytes) {
+    return badPicture("The file is too large for a picture");
+  }
+  return readBytes(path);
+}
+
 Error at(const std::string& path, Error error) {
   error.where = path;
   return error;
@@ -70,16 +78,16 @@ Result<ImageSize> imageSizeOf(std::string_view bytes) {
 }
 
 Result<ImageSize> imageSize(const std::string& path) {
-  const auto bytes = readBytes(path);
-  if (!bytes) return fail(bytes.error());
+  const auto bytes = bytesOf(path);
+  if (!bytes) return fail(at(path, bytes.error()));
   auto size = imageSizeOf(*bytes);
   if (!size) return fail(at(path, size.error()));
   return size;
 }
 
 Result<Colour> firstPixel(const std::string& path) {
-  const auto bytes = readBytes(path);
-  if (!bytes) return fail(bytes.error());
+  const auto bytes = bytesOf(path);
+  if (!bytes) return fail(at(path, bytes.error()));
   auto colour = firstPixelOf(*bytes);
   if (!colour) return fail(at(path, colour.error()));
   return colour;
