@@ -59,6 +59,27 @@ TEST_F(AccountingRows, ATitleIsCutBeforeTheMarkGoesOn) {
   EXPECT_EQ(rows("SELECT titolo FROM articoli"), "*" + std::string(199, 'a') + "\n");
 }
 
+TEST_F(AccountingRows, ATitleIsCutByCharactersAndANullOneIsTheMarkAlone) {
+  std::string name, cut;
+  for (int i = 0; i < 105; ++i) name += "è";
+  for (int i = 0; i < 99; ++i) cut += "è";
+  fill("UPDATE Categoria SET Nome = '" + name + "'; INSERT INTO Categoria VALUES (8, NULL)");
+  article("1, 7, 'A', NULL, 22, 1, 1, 0");
+  importWith("1100100");
+  EXPECT_EQ(rows("SELECT titolo, descrizione FROM categorie ORDER BY ID"), "*" + cut + "|" + name + "\n*|\n");
+  EXPECT_EQ(rows("SELECT titolo FROM articoli"), "*\n");
+}
+
+TEST_F(AccountingRows, NumbersThatAreTextsAreTrimmed) {
+  fill(
+      "DROP TABLE Categoria; CREATE TABLE Categoria (Id TEXT, Nome TEXT);"
+      "INSERT INTO Categoria VALUES (' 7 ', 'Vasi'); DROP TABLE Articoli;"
+      "CREATE TABLE Articoli (Id TEXT, IdCategoria TEXT, Codice TEXT, Descrizione TEXT, iva TEXT, Vendita1 TEXT);"
+      "INSERT INTO Articoli VALUES (' 42 ', '7 ', NULL, 'Vaso', '22', '3.50')");
+  importWith("0101100");
+  EXPECT_EQ(rows(fieldsOfArticle), "dgf7|OG00042|Vaso|4.27\n");
+}
+
 TEST_F(AccountingRows, ARepeatedImportPutsOneMarkInFront) {
   article("1, 7, 'A', 'Vaso', 22, 1, 1, 0");
   importWith("1100100");
@@ -133,6 +154,9 @@ TEST_F(AccountingRows, AnOfferColumnOfZeroLeavesTheOfferAlone) {
   EXPECT_EQ(rows("SELECT offertaprezzo FROM articoli"), "7\n");
   importWith("0120100");
   EXPECT_EQ(rows("SELECT prezzo, offertaprezzo FROM articoli"), "1|2\n");
+  fill("UPDATE Articoli SET Vendita2 = NULL");
+  importWith("0120100");
+  EXPECT_EQ(rows("SELECT prezzo, offertaprezzo FROM articoli"), "1|0\n");
 }
 
 TEST_F(AccountingRows, PricesGoToTheChosenPriceListWithVat) {
