@@ -1,6 +1,9 @@
 // The lists of one-time passwords: which files are taken, what is read from them, and the script that is made of them.
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
+
 #include "platform/files/files.h"
 #include "publish/passwords/left_scripts.h"
 #include "publish/passwords/password_script.h"
@@ -82,6 +85,15 @@ TEST(PasswordList, IsReadAndLeavesNoCopyWhicheverFileOperationFails) {
   }
   EXPECT_FALSE(reached);
   EXPECT_FALSE(fileExists(folder / "a.ric.tmp"));
+}
+
+TEST(PasswordList, LongerThanAnyBanksIsNotRead) {
+  TempFolder folder;
+  ASSERT_TRUE(writeBytes(folder / "a.ric", "abc1\r\n"));
+  std::filesystem::resize_file(folder / "a.ric", mostListBytes + 1);
+  const auto passwords = readPasswordList(folder / "a.ric");
+  ASSERT_FALSE(passwords);
+  EXPECT_EQ(passwords.error().number, EFBIG);
 }
 
 constexpr const char* scriptStart =

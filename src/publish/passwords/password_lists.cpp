@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <utility>
 
 #include "platform/files/files.h"
@@ -69,6 +70,9 @@ std::vector<std::string> passwordsOf(std::string_view bytes) {
 }
 
 Result<std::vector<std::string>> readPasswordList(const std::string& path) {
+  if (const auto stamp = fileStamp(path); stamp && stamp->size > mostListBytes) {
+    return fail(ErrorKind::Other, path, "Una lista di password non supera 16 MB", EFBIG);
+  }
   auto bytes = readBytes(path);
   if (!bytes) return fail(bytes.error());
   if (!hasForeignLineEnds(*bytes)) return passwordsOf(*bytes);

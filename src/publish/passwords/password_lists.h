@@ -30,8 +30,11 @@ std::string withUsualLineEnds(std::string_view bytes);
 /// The passwords of a list, one a line, without spaces and line ends around them; empty lines give none.
 std::vector<std::string> passwordsOf(std::string_view bytes);
 
+/// The most bytes of a list; a bank's has some thousand lines.
+inline constexpr std::uint64_t mostListBytes = std::uint64_t{16} << 20;
 /// The passwords of a file. One with foreign line ends is rewritten beside itself, as its name and ".tmp", read from
-/// there, and the copy is deleted; where nothing can be written it is read all the same. Failures as readBytes.
+/// there, and the copy is deleted; where nothing can be written it is read all the same. Failures as readBytes; Other
+/// with EFBIG above mostListBytes.
 Result<std::vector<std::string>> readPasswordList(const std::string& path);
 
 }  // namespace kv
