@@ -33,9 +33,11 @@ class FailingPicture : public WorkbenchFixture, public ::testing::WithParamInter
     EXPECT_EQ(whole() != before, isChanged);
     EXPECT_TRUE(isChanged || !user.shown.empty());
     EXPECT_TRUE(hasFailed || isChanged);
-    // What could not be read again after the row was written is read when the cursor moves next.
-    if (hasFailed && isChanged) bench->commands().refreshKeys();
-    EXPECT_EQ(state(pictureCommandNames(GetParam().set, GetParam().number).clear).enabled, !current().empty());
+    // A picture that could not be read again after it was stored can be cleared all the same.
+    const std::string clear = pictureCommandNames(GetParam().set, GetParam().number).clear;
+    EXPECT_TRUE(current().empty() || state(clear).enabled);
+    if (hasFailed) bench->commands().refreshKeys();
+    EXPECT_EQ(state(clear).enabled, !current().empty());
     EXPECT_EQ(bench->sets().department(), "cat001");
     EXPECT_EQ(bench->sets().article(), 1);
     return hasFailed;

@@ -4,6 +4,7 @@
 #include "media/choice/picture_box.h"
 #include "platform/image/pixels.h"
 #include "shell/workbench_fixture.h"
+#include "support/failing_store.h"
 #include "support/value_of.h"
 
 namespace kv::test {
@@ -60,6 +61,22 @@ TEST_F(DroppedPictures, TheFirstReplacesThePictureItIsDroppedOn) {
   drop(0, {photo("uno.jpg")});
   drop(0, {photo("due.jpg"), photo("tre.jpg")});
   EXPECT_THAT(pictures(), HasSubstr("due_0001.jpg|40|20|tre_0001.jpg|"));
+}
+
+TEST_F(DroppedPictures, ReplaceNoneOfARowThatCannotBeRead) {
+  onArticle();
+  drop(0, {photo("uno.jpg")});
+  const std::string before = whole(), second = photo("due.jpg");
+  {
+    // What was written since makes the row be read again.
+    ASSERT_TRUE(session.catalogue.execute("UPDATE articoli SET codice = codice"));
+    FailingStore store(1);
+    drop(freePictures, {second});
+    EXPECT_TRUE(store.hasFailed());
+  }
+  EXPECT_EQ(whole(), before);
+  EXPECT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(inWork().size(), 1U);
 }
 
 TEST_F(DroppedPictures, WhatThereIsNoPictureLeftForIsTold) {

@@ -93,6 +93,8 @@ int picturesOfRow(EditedSet set) { return set == EditedSet::Articoli ? 3 : 2; }
 
 void takePictures(Workbench& bench, const RowPicture& target, const std::vector<std::string>& files) {
   if (files.empty() || !bench.isOpen() || !isOnRow(bench.sets(), target.set)) return;
+  // Of a row that can't be read each picture would seem to be free.
+  if (auto read = bench.sets().edited(target.set).load(); !read) return bench.showError(read);
   const std::vector<int> slots = slotsFor(bench.sets(), target);
   if (slots.empty()) return bench.env().user.message(allSet, Icon::Exclamation);
   PictureDrop drop(bench.env(), entryPath(bench.session().ShopFolder, "work"));

@@ -47,9 +47,12 @@ Command clearRow(Command row, const RowPicture& picture) {
   row.icon = "immagine-no";
   row.step = row.caption;
   row.whenOff = "Nessuna immagine";
-  row.enabled = [picture](const CommandContext& context) { return !pictureName(context.sets, picture).empty(); };
+  // A row that can't be read just now may have one; the command reads it again.
+  row.enabled = [picture](const CommandContext& context) { return hasPicture(context.sets, picture).value_or(true); };
   row.run = [picture, step = row.step](const CommandContext& context) {
-    if (!pictureName(context.sets, picture).empty()) store(context, picture, step, "", {});
+    const auto has = hasPicture(context.sets, picture);
+    if (!has) return context.bench.showError(fail(has.error()));
+    if (*has) store(context, picture, step, "", {});
   };
   return row;
 }

@@ -12,6 +12,12 @@ std::string pictureName(CatalogueSets& sets, const RowPicture& picture) {
   return asText(sets.edited(picture.set).get("immagine" + std::to_string(picture.number)));
 }
 
+Result<bool> hasPicture(CatalogueSets& sets, const RowPicture& picture) {
+  if (!isOnRow(sets, picture.set)) return false;
+  if (auto read = sets.edited(picture.set).load(); !read) return fail(read.error());
+  return !pictureName(sets, picture).empty();
+}
+
 Result<> storePicture(CatalogueSets& sets, const RowPicture& picture, const std::string& name, ImageSize size) {
   if (!isOnRow(sets, picture.set)) return {};
   Recordset& rows = sets.edited(picture.set);

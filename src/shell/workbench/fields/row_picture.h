@@ -17,6 +17,8 @@ struct RowPicture {
 /// The file name of the picture; empty when there is none, or no row.
 /// Without folder; the file may be missing.
 std::string pictureName(CatalogueSets& sets, const RowPicture& picture);
+/// Whether the row has a picture; false on no row. Failures: as Recordset::load.
+Result<bool> hasPicture(CatalogueSets& sets, const RowPicture& picture);
 /// Stores file name and size in pixels; an empty name and no size clear the three columns. Nothing on no row.
 /// Failures: as Recordset::update; the row is as before then.
 /// The file itself is neither copied nor deleted here.
