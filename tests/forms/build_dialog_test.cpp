@@ -82,6 +82,8 @@ TEST_F(TheBuildDialog, OffersWaysToLookAtWhatWasBuilt) {
       EXPECT_EQ(test::defaultButton(*modal), "OK");
       EXPECT_EQ(control<QPushButton>(*modal, "cmdBrowser")->text(), "Apri il &sito online");
       EXPECT_EQ(control<QPushButton>(*modal, "cmdCartella")->text(), "Apri la &cartella");
+      // A text takes no keys: a screen reader reads it when the box comes.
+      for (const QLabel* text : modal->findChildren<QLabel*>()) EXPECT_EQ(text->focusPolicy(), Qt::NoFocus);
       test::keepPicture(*modal, "costruito");
       test::click(*modal, button);
     });
@@ -103,6 +105,8 @@ TEST_F(TheBuildDialog, ShowsHowFarTheBuildIs) {
     if (now.find("Articoli 0/") != std::string::npos || now.find("Lingua") == std::string::npos) return;
     caption = now;
     maximum = control<QProgressBar>(dialog, "prgBarra")->maximum();
+    QTest::keyClick(&dialog, Qt::Key_Tab);
+    EXPECT_EQ(dialog.focusWidget(), control<QPushButton>(dialog, "cmdAnnulla"));
     test::keepPicture(dialog, "elabora");
     poll.stop();
   });

@@ -9,6 +9,7 @@ SHORT_MILLISECONDS = 400
 LONG_MILLISECONDS = 20000
 ROUNDS = 3  # of Tab through a window before something is missed
 MOST_OF_A_CELL = 4  # stops of Tab for each cell that shows: a grid has more rows than are seen
+NEAR = 2  # pixels by which two tellings of a window's corner may differ on a scaled screen
 TAB_KEY, ESCAPE_KEY = "Tab", "Escape"
 XDOTOOL_SECONDS = 60  # for what it was asked; a window that is gone never takes the focus it waits for
 
@@ -150,10 +151,28 @@ class Reader:
         self.press("Return")
 
     def x_windows(self, window):
-        """The numbers of the windows on the screen with the title of `window`."""
+        """The numbers of the windows on the screen with the title of `window`; of several, as a box over the window whose
+        title it bears, those at the same position."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(window.get_name())}$"],
                                check=False, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        return found.stdout.split()
+        numbers = found.stdout.split()
+        if len(numbers) < 2:
+            return numbers
+        told = self.spi.Component.get_extents(window, self.spi.CoordType.SCREEN)
+        wanted = [length * self.scale for length in (told.x, told.y, told.width, told.height)]
+
+        def is_there(number):
+            box = self.box_of(number)
+            return box and all(abs(one - other) <= NEAR for one, other in zip(box, wanted))
+        return [number for number in numbers if is_there(number)]
+
+    def box_of(self, number):
+        """Left, top, width and height of a window of the screen, without its frame; None when it is gone."""
+        told = subprocess.run(["xwininfo", "-id", number], check=False, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                              text=True).stdout
+        found = dict(re.findall(r"(Absolute upper-left [XY]|Width|Height): +(-?\d+)", told))
+        names = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+        return [int(found[name]) for name in names] if len(found) == len(names) else None
 
     def frame(self, window):
         """Left, top, right and bottom of a window on the screen, with what the window manager has put around it. None
@@ -164,12 +183,10 @@ class Reader:
         told = subprocess.run(["xprop", "-id", numbers[-1], "_NET_FRAME_EXTENTS"], check=False, stdout=subprocess.PIPE,
                               text=True).stdout
         rims = [int(number) for number in re.findall(r"\d+", told.partition("=")[2])]
-        stands = subprocess.run(["xwininfo", "-id", numbers[-1]], check=False, stdout=subprocess.PIPE, text=True).stdout
-        found = dict(re.findall(r"(Absolute upper-left [XY]|Width|Height): +(-?\d+)", stands))
-        if len(rims) != 4 or len(found) != 4:
+        box = self.box_of(numbers[-1])
+        if len(rims) != 4 or box is None:
             return None
-        left, top, width, height = (int(found[name]) for name in
-                                    ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+        left, top, width, height = box
         return left - rims[0], top - rims[2], left + width + rims[1], top + height + rims[3]
 
     def class_of(self, window):

@@ -107,7 +107,7 @@ WAYS = (
     Way("Requisiti di legge...", "frmRequisiti"),
     Way("Scegli il template...", "frmTemplate"),
     Way("Impostazioni costruzione...", "frmImpostazioni"),
-    Way("Costruisci il negozio", "frmElabora", isLong=True),
+    Way("Costruisci il negozio", "frmElabora", (Await(BOX),), isLong=True),
     Way("Aggiorna il sito...", "frmAvviso", (Press("Sì", "frmImpostaFTP"), Press("OK", "frmFTP")), yes=True, isLong=True,
         isSilent=True),
     Way("Aggiorna il sito...", "frmAvviso", (Press("Sì", "frmImpostaFTP"), Press("OK", "frmFTP"), Press("", "frmUpdate")),

@@ -211,7 +211,9 @@ QLabel* wrappedText(std::string_view text) {
 
 void makeReadable(QMessageBox& box) {
   const auto part = [&box](const char* name) { return box.findChild<QLabel*>(QLatin1String(name)); };
-  if (QLabel* text = part("qt_msgbox_label")) text->setFocusPolicy(Qt::NoFocus);
+  for (const char* name : {"qt_msgbox_label", "qt_msgbox_informativelabel"}) {
+    if (QLabel* text = part(name)) text->setFocusPolicy(Qt::NoFocus);
+  }
   QLabel* picture = part("qt_msgboxex_icon_label");
   if (picture == nullptr) return;
   switch (box.icon()) {
