@@ -8,6 +8,8 @@
 #include "builder/page/page_prologue.h"
 #include "platform/database/recordset.h"
 #include "platform/files/files.h"
+#include "platform/text/text.h"
+#include "support/command_output.h"
 #include "support/temp_shop.h"
 
 namespace kv::test {
@@ -104,6 +106,35 @@ TEST_F(PageWriterTest, AFileThatHoldsTheMarkDoesNotGetItTwice) {
 TEST_F(PageWriterTest, ScriptsComeOutExpandedWithNothingAdded) {
   EXPECT_EQ(make("a.js", "var a='<<1-negozio>>';<title>", "a.js"), "var a='Bottega';<title>\r\n");
   EXPECT_EQ(make("a.php", "<?php '<<1-negozio>>'", "b.php"), "<?php 'Bottega'\r\n");
+}
+
+TEST_F(PageWriterTest, AValueInATextBlockOfPhpIsDataWhateverItsLines) {
+  const std::string values[] = {"<b>a</b>\r\nPAROLA\r\n, exit('ended')); //",
+                                "PAROLA;\nPAROLA_1\n PAROLA_2",
+                                "\rPAROLA,\r\tPAROLA\r",
+                                "PAROLA",
+                                "PAROLAx\r\nuna PAROLA",
+                                "<<<'PAROLA'\r\nx\r\nPAROLA;"};
+  std::string wanted;
+  int number = 0;
+  for (const std::string& value : values) {
+    row.set("negozio", value);
+    const std::string script = "b" + std::to_string(++number) + ".php";
+    make("a.php", "<?php echo <<<'PAROLA'\r\n<<1-negozio>>\r\nPAROLA, <<<'ALTRA'\r\nALTRO\r\nALTRA; // PAROLA", script);
+    wanted += value + "ALTRO|";
+  }
+  EXPECT_EQ(outputOf("cd " + folder.path() +
+                     " && php -r 'for ($n = 1; is_file(\"b$n.php\"); $n++) { include \"b$n.php\"; "
+                     "echo \"|\"; }' 2>&1"),
+            wanted);
+}
+
+TEST_F(PageWriterTest, ATextBlockOfPhpKeepsItsEndWordUnlessALineBeginsWithIt) {
+  for (const char* value : {"Bottega", "una PAROLA\r\nALTRA", "<?php echo <<<'PAROLA'\r\nx\r\n"}) {
+    row.set("negozio", value);
+    const std::string text = "<?php echo <<<'PAROLA'\r\nx\r\nPAROLA; ?><<1-negozio>>\r\nPAROLA;";
+    EXPECT_EQ(make("a.php", text, "b.php"), replaceAll(text, "<<1-negozio>>", value) + "\r\n");
+  }
 }
 
 TEST_F(PageWriterTest, ResultTagsAreFilledInTheResultPageAlone) {

@@ -63,6 +63,19 @@ TEST_F(PaymentPagesTest, TagsWithinADescriptorAreExpandedEvenAtItsVeryStart) {
   EXPECT_THAT(shop.page("thankyou1.php"), HasSubstr(":Bottega ok italiano <<1-nonesiste>>:"));
 }
 
+TEST_F(PaymentPagesTest, ATextOfTheShopDoesNotEndTheTextBlockOfADescriptor) {
+  shop.sql(
+      "UPDATE pagamento SET metodo1='B', attivo1=1;"
+      "UPDATE generale SET contrassegno='<b>Si paga</b>' || char(13, 10) || 'KORVANE_ISTRUZIONI' || char(13, 10) || "
+      "'); x('");
+  shop.shopFile("code/B.kpg",
+                "<?php f(<<<'KORVANE_ISTRUZIONI'\r\n<<1-testo_contrassegno>>\r\nKORVANE_ISTRUZIONI\r\n); ?>");
+  ASSERT_EQ(shop.build(), BuildOutcome::Done);
+  EXPECT_THAT(shop.page("thankyou1.php"),
+              HasSubstr(":<?php f(<<<'KORVANE_ISTRUZIONI_1'\r\n<b>Si paga</b>\r\nKORVANE_ISTRUZIONI\r\n); x(\r\n"
+                        "KORVANE_ISTRUZIONI_1\r\n); ?>:"));
+}
+
 TEST_F(PaymentPagesTest, AMissingDescriptorIsToldAndThePageIsBuiltAllTheSame) {
   shop.sql("UPDATE pagamento SET metodo3='Cilme', attivo3=1, nome3='Tre'");
   ASSERT_EQ(shop.build(), BuildOutcome::Done);

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "builder/page/text_blocks.h"
 #include "platform/files/files.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
@@ -49,7 +50,9 @@ Result<std::string> expand(std::string_view text, int kind, const PageSources& s
   return expanded;
 }
 
-Result<std::string> expandAll(std::string text, const PageSources& sources, const std::string& input, bool reparto) {
+Result<std::string> expandAll(std::string_view source, const PageSources& sources, const std::string& input,
+                              bool reparto) {
+  std::string text(source);
   for (const int kind : {1, 4, 5, 3}) {
     if (kind == 5 && (sources.custom == nullptr || sources.custom->empty())) continue;
     if (kind == 3 && !equalsIgnoringCase(baseName(input), "results.htm")) continue;
@@ -58,6 +61,15 @@ Result<std::string> expandAll(std::string text, const PageSources& sources, cons
     text = std::move(*expanded);
   }
   return text;
+}
+
+/// As expandAll, and no value ends a text block of PHP that it is in.
+Result<std::string> expandAsData(const std::string& text, const PageSources& sources, const std::string& input,
+                                 bool reparto) {
+  const auto expansion = [&](std::string_view part) { return expandAll(part, sources, input, reparto); };
+  auto expanded = expansion(text);
+  if (!expanded || !holdsMoreEndWords(text, *expanded)) return expanded;
+  return expansion(withOwnEndWords(text, expansion));
 }
 
 /// Where the article section of a department page begins and ends, its markers left out.
@@ -126,11 +138,15 @@ Result<std::string> pageText(const PageJob& job, PageTemplate source, const Page
   if (sources.newPhpNames && !source.secondPass) {
     for (const auto& [old, current] : phpNames) source.text = replaceAll(source.text, old, current);
   }
-  auto text = expandAll(std::move(source.text), sources, input, job.reparto);
+  auto text = expandAsData(source.text, sources, input, job.reparto);
   if (!text) return text;
   if (job.reparto) return departmentPage(job, *text, sources, hasRows, user);
   putPrologue(*text, input, sources);
   return text;
+}
+
+std::string asTagValue(std::string_view text, const PageSources& sources) {
+  return withOwnEndWords(text, [&](std::string_view part) { return expandAll(part, sources, {}, false); });
 }
 
 std::string generatorMark(bool reparto) {

@@ -45,8 +45,13 @@ struct PageTemplate {
 /// has articles; without them its section is empty.
 /// Told when the template's markers are at fault, after a message to `user`, and without one when an expanded text is
 /// the sign of failure that old templates carry. Otherwise as EspandiTag.
+/// A value within a text block of PHP (<<<'WORD') doesn't end it: the block gets another end word when it would.
 Result<std::string> pageText(const PageJob& job, PageTemplate source, const PageSources& sources, bool hasRows,
                              UserPort& user);
+
+/// A text with tags and text blocks of PHP of its own that a page has as the value of a tag: with end words that none
+/// of its values holds.
+std::string asTagValue(std::string_view text, const PageSources& sources);
 
 /// The generator mark of a page: with this program's version, on department pages (`reparto`) with a fixed text.
 std::string generatorMark(bool reparto);

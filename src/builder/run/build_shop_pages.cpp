@@ -80,8 +80,8 @@ Result<> ShopPageMaker::makeThanksPage(const std::string& name, int number, cons
     text.clear();
     output_.warn("Impossibile trovare il file '" + method + ".kpg'");
   }
-  row_.set("thankyou", std::move(text));
   row_.set("java_PGAction", ReadKpgAction(folders.shop, method, lingua_));
+  row_.set("thankyou", asTagValue(text, facts_.sources));
   const std::string page = "thankyou" + std::to_string(number) + ".htm";
   linkLanguages(page);
   PageJob first;
