@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "platform/database/changes/written_columns.h"
 #include "platform/store_fixture.h"
 
 namespace kv::test {
@@ -88,6 +89,25 @@ TEST_F(StoreChanges, AChangedRowKeepsTheFieldsThatDifferAlone) {
   run(database, "UPDATE t SET nome = 'altro' WHERE ID = 1");
   ASSERT_TRUE(recorder->revert(changes));
   EXPECT_EQ(rows(database, "SELECT nome, n FROM t WHERE ID = 1"), "altro|1.0\n");
+}
+
+TEST_F(StoreChanges, OfATableWithAPromiseOnlyThePromisedColumnsAreLookedAt) {
+  const std::string before = all();
+  {
+    const WrittenColumns promise(database, valueOf(database.table("t")), {"Prezzo", "nome", "manca"});
+    run(database, "UPDATE t SET prezzo = 7 WHERE ID < 3; UPDATE t SET nome = 'x', prezzo = 8 WHERE ID = 3");
+    goBackAndForth(taken(), before);
+    run(database, "UPDATE t SET n = 99");
+    EXPECT_TRUE(taken().empty());
+    run(database, "INSERT INTO t (nome) VALUES ('nuovo'); DELETE FROM t WHERE ID = 1");
+    EXPECT_EQ(taken().size(), 2U) << "rows that come or go are kept whole";
+    run(database, "CREATE TABLE u (n DOUBLE); INSERT INTO u VALUES (1)");
+    ASSERT_TRUE(recorder->take());
+    run(database, "UPDATE u SET n = 2");
+    EXPECT_EQ(taken().size(), 1U) << "it is about another table";
+  }
+  run(database, "UPDATE t SET n = 98 WHERE ID = 2");
+  EXPECT_EQ(taken().size(), 1U) << "the promise has ended";
 }
 
 TEST_F(StoreChanges, ARowThatIsChangedTwiceAndThenDeletedComesBackAsItFirstWas) {

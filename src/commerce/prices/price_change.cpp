@@ -1,5 +1,6 @@
 #include "commerce/prices/price_change.h"
 
+#include "platform/database/changes/written_columns.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
@@ -97,22 +98,39 @@ Result<bool> isAgreed(Database& catalogue, const PriceChange& change, UserPort& 
   return question.text.empty() || user.question(question) == Answer::Yes;
 }
 
+/// The price columns of articles that a survey has.
+std::vector<std::string> articleColumns(const PriceSurvey& survey) {
+  std::vector<std::string> columns;
+  if (survey.prices.empty()) return columns;
+  for (const SurveyedPrice& price : firstOwner(survey.prices)) columns.push_back(columnOf(price));
+  return columns;
+}
+
+/// The prices to write, without codes and titles; nothing when the user was told why none is written.
+Result<std::optional<PriceSurvey>> pricesToWrite(Database& catalogue, const PriceSelection& selection,
+                                                 const PriceRule& rule, UserPort& user) {
+  auto survey = surveyPrices(catalogue, selection, OwnerTexts::LeaveEmpty);
+  if (!survey) return fail(survey.error());
+  if (!holdsPriceBeyond(*survey, rule)) return std::move(*survey);
+  survey = surveyPrices(catalogue, selection);
+  if (!survey) return fail(survey.error());
+  showBeyondRange(user, namesOf(*survey, previewPrices(*survey, rule).beyond));
+  return std::nullopt;
+}
+
 BulkEnd write(Database& catalogue, const PriceChange& change, const PriceRule& rule, UserPort& user) {
-  constexpr std::string_view what = "La modifica dei prezzi";
-  const auto survey = surveyPrices(catalogue, change.selection);
-  if (!survey) {
-    showInterrupted(user, what, survey.error());
-    return BulkEnd::Stay;
-  }
-  const PricePreview preview = previewPrices(*survey, rule);
-  if (!preview.beyond.empty()) {
-    showBeyondRange(user, namesOf(*survey, preview.beyond));
-    return BulkEnd::Stay;
-  }
-  const auto written = walkKeepingRows(catalogue, [&] { return writePrices(catalogue, *survey, rule); });
-  if (written) return BulkEnd::Done;
-  showInterrupted(user, what, written.error());
-  return BulkEnd::Interrupted;
+  const auto interrupted = [&user](const Error& error, BulkEnd end) {
+    showInterrupted(user, "La modifica dei prezzi", error);
+    return end;
+  };
+  const auto survey = pricesToWrite(catalogue, change.selection, rule, user);
+  if (!survey) return interrupted(survey.error(), BulkEnd::Stay);
+  if (!*survey) return BulkEnd::Stay;
+  const auto articles = catalogue.table("articoli");
+  if (!articles) return interrupted(articles.error(), BulkEnd::Stay);
+  const WrittenColumns columns(catalogue, *articles, articleColumns(**survey));
+  const auto written = walkKeepingRows(catalogue, [&] { return writePrices(catalogue, **survey, rule); });
+  return written ? BulkEnd::Done : interrupted(written.error(), BulkEnd::Interrupted);
 }
 
 }  // namespace

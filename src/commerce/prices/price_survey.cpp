@@ -32,10 +32,10 @@ std::optional<Money> priceOf(const Statement& row, int column) {
   return row.money(column);
 }
 
-Result<> surveyArticles(Database& catalogue, const PriceSelection& selection, PriceSurvey& survey) {
+Result<> surveyArticles(Database& catalogue, const PriceSelection& selection, OwnerTexts texts, PriceSurvey& survey) {
   const std::vector<PriceColumn> columns = priceColumns(selection);
   if (columns.empty()) return {};
-  std::string query = "SELECT ID, codice, titolo";
+  std::string query = texts == OwnerTexts::Read ? "SELECT ID, codice, titolo" : "SELECT ID, NULL, NULL";
   for (const PriceColumn& column : columns) query += ", " + column.name;
   query += " FROM articoli";
   if (!selection.department.empty()) query += " WHERE catID = ?1";
@@ -145,14 +145,22 @@ Result<VariantUse> surveyVariants(Database& catalogue, const PriceSelection& sel
   return use;
 }
 
-Result<PriceSurvey> surveyPrices(Database& catalogue, const PriceSelection& selection) {
+Result<PriceSurvey> surveyPrices(Database& catalogue, const PriceSelection& selection, OwnerTexts texts) {
   PriceSurvey survey;
-  if (auto read = surveyArticles(catalogue, selection, survey); !read) return fail(read.error());
+  if (auto read = surveyArticles(catalogue, selection, texts, survey); !read) return fail(read.error());
   if (!selection.variants) return survey;
   const auto use = surveyVariants(catalogue, selection);
   if (!use) return fail(use.error());
   if (auto read = surveyOptions(catalogue, use->variants, survey); !read) return fail(read.error());
   return survey;
+}
+
+bool holdsPriceBeyond(const PriceSurvey& survey, const PriceRule& rule) {
+  if (survey.prices.empty()) return false;
+  // Whether a product is in range depends on its size alone, so that two prices tell for all.
+  const auto [least, most] =
+      std::ranges::minmax(survey.prices, {}, [](const SurveyedPrice& price) { return price.before.value_or(Money()); });
+  return isBeyondMoney(least.before, rule) || isBeyondMoney(most.before, rule);
 }
 
 PricePreview previewPrices(const PriceSurvey& survey, const PriceRule& rule) {

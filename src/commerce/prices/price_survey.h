@@ -50,8 +50,12 @@ struct PriceSurvey {
   std::vector<SurveyedPrice> prices;
 };
 
+/// Whether owners get their codes and titles, which only a display of prices needs.
+enum class OwnerTexts { Read, LeaveEmpty };
+
 /// Reads the prices of a selection. Failures: as the store's.
-Result<PriceSurvey> surveyPrices(Database& catalogue, const PriceSelection& selection);
+Result<PriceSurvey> surveyPrices(Database& catalogue, const PriceSelection& selection,
+                                 OwnerTexts texts = OwnerTexts::Read);
 
 /// The options that a change of variants would reach, and whom else it would reach by that.
 struct VariantUse {
@@ -69,6 +73,8 @@ struct PricePreview {
   std::size_t zeros = 0;                 ///< prices that become 0, missing ones included
   std::optional<std::uint32_t> largest;  ///< the one that changes most
 };
+/// Whether a price of the survey would leave the range of Money.
+bool holdsPriceBeyond(const PriceSurvey& survey, const PriceRule& rule);
 PricePreview previewPrices(const PriceSurvey& survey, const PriceRule& rule);
 
 }  // namespace kv

@@ -85,27 +85,74 @@ Result<ChangeRows::Prepared> ChangeRows::prepare(const std::string& sql) const {
   return Prepared(statement);
 }
 
-Result<RowImage> ChangeRows::read(const std::string& table, std::int64_t row, const Columns* columns) {
+/// Whether there is a row of this number, to which the statement is moved then.
+Result<bool> ChangeRows::stepTo(sqlite3_stmt* statement, std::int64_t row) const {
+  sqlite3_bind_int64(statement, 1, row);
+  const int code = engine::step(statement);
+  if (code == SQLITE_ROW) return true;
+  sqlite3_reset(statement);
+  if (code != SQLITE_DONE) return failed(code);
+  return false;
+}
+
+Result<RowImage> ChangeRows::read(const std::string& table, std::int64_t row) {
   Prepared& reader = readers_[table];
   if (!reader) {
     auto made = prepare("SELECT * FROM main." + engine::quoted(table) + " WHERE rowid = ?1");
     if (!made) return fail(made.error());
     reader = std::move(*made);
   }
-  sqlite3_bind_int64(reader.get(), 1, row);
-  RowImage image;
-  const int code = engine::step(reader.get());
-  if (code == SQLITE_ROW) {
-    const auto cells = static_cast<std::size_t>(sqlite3_column_count(reader.get()));
-    const std::size_t count = columns == nullptr ? cells : columns->size();
-    image.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-      const std::size_t at = columns == nullptr ? i : (*columns)[i];
-      image.push_back(cellOf(sqlite3_column_value(reader.get(), static_cast<int>(at))));
-    }
+  const auto found = stepTo(reader.get(), row);
+  if (!found) return fail(found.error());
+  if (!*found) return RowImage();
+  RowImage image(static_cast<std::size_t>(sqlite3_column_count(reader.get())));
+  for (std::size_t i = 0; i < image.size(); ++i) {
+    image[i] = cellOf(sqlite3_column_value(reader.get(), static_cast<int>(i)));
   }
   sqlite3_reset(reader.get());
-  if (code != SQLITE_ROW && code != SQLITE_DONE) return failed(code);
+  return image;
+}
+
+bool ChangeRows::FieldReader::reads(const Columns& wanted) const {
+  return std::ranges::all_of(wanted, [this](std::size_t one) { return one < indexes.size() && indexes[one] >= 0; });
+}
+
+/// Null when the table lacks one of the columns.
+Result<const ChangeRows::FieldReader*> ChangeRows::fieldReader(const std::string& table, const Columns& columns) {
+  FieldReader& reader = fieldReaders_[table];
+  if (reader.reads(columns)) return &reader;
+  const auto names = namesOf(table);
+  if (!names) return fail(names.error());
+  const std::size_t count = (*names)->size();
+  if (std::ranges::any_of(columns, [count](std::size_t one) { return one >= count; })) return nullptr;
+  reader.columns.insert(columns.begin(), columns.end());
+  reader.indexes.assign(count, -1);
+  std::string fields;
+  int index = 0;
+  for (const std::size_t column : reader.columns) {
+    fields += (index > 0 ? ", " : "") + (**names)[column];
+    reader.indexes[column] = index++;
+  }
+  auto made = prepare("SELECT " + fields + " FROM main." + engine::quoted(table) + " WHERE rowid = ?1");
+  if (!made) return fail(made.error());
+  reader.statement = std::move(*made);
+  return &reader;
+}
+
+Result<RowImage> ChangeRows::readFields(const std::string& table, std::int64_t row, const Columns& columns) {
+  const auto reader = fieldReader(table, columns);
+  if (!reader) return fail(reader.error());
+  if (*reader == nullptr) return RowImage();
+  sqlite3_stmt* statement = (*reader)->statement.get();
+  const auto found = stepTo(statement, row);
+  if (!found) return fail(found.error());
+  if (!*found) return RowImage();
+  RowImage image;
+  image.reserve(columns.size());
+  for (const std::size_t column : columns) {
+    image.push_back(cellOf(sqlite3_column_value(statement, (*reader)->indexes[column])));
+  }
+  sqlite3_reset(statement);
   return image;
 }
 

@@ -26,8 +26,10 @@ class ChangeRows {
   /// The connection outlives the object. path: named in failures.
   ChangeRows(sqlite3* handle, std::string path) : handle_(handle), path_(std::move(path)) {}
 
-  /// All fields of a row, or those of `columns`; empty when there is no row.
-  Result<RowImage> read(const std::string& table, std::int64_t row, const std::vector<std::size_t>* columns = nullptr);
+  /// All fields of a row; empty when there is no row.
+  Result<RowImage> read(const std::string& table, std::int64_t row);
+  /// The fields `columns` of a row, at least one; empty when there is no such row or column.
+  Result<RowImage> readFields(const std::string& table, std::int64_t row, const std::vector<std::size_t>& columns);
   /// Deletes a row; one that isn't there is no failure.
   Result<> remove(const std::string& table, std::int64_t row);
   /// Adds a row with all its fields.
@@ -48,7 +50,17 @@ class ChangeRows {
   /// Fields of unique keys; nothing when any field may be part of one.
   using Keys = std::optional<std::set<std::size_t>>;
 
+  /// Reads some fields of a table's rows: all that were asked for so far.
+  struct FieldReader {
+    Prepared statement;
+    std::set<std::size_t> columns;
+    std::vector<int> indexes;  ///< in the answer, by column; -1: not read
+    bool reads(const Columns& wanted) const;
+  };
+
   Result<Prepared> prepare(const std::string& sql) const;
+  Result<const FieldReader*> fieldReader(const std::string& table, const Columns& columns);
+  Result<bool> stepTo(sqlite3_stmt* statement, std::int64_t row) const;
   Result<const Names*> namesOf(const std::string& table);
   Result<Keys> findKeys(const std::string& table) const;
   Result<sqlite3_stmt*> updater(const std::string& table, const Columns& columns);
@@ -59,6 +71,7 @@ class ChangeRows {
   std::string path_;
   std::map<std::string, Prepared> readers_, deletions_, insertions_;  // by table
   std::map<std::pair<std::string, Columns>, Prepared> updates_;
+  std::map<std::string, FieldReader> fieldReaders_;  // by table
   std::map<std::string, Names> names_;
   std::map<std::string, Keys> keys_;
 };

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/database/changes/change_rows.h"
+#include "platform/database/changes/written_columns.h"
 
 namespace kv {
 namespace {
@@ -102,6 +103,7 @@ struct ChangeRecorder::State {
   void noteMissing(const Key& key);
   void noteWhole(const Key& key);
   void noteFields(const Key& key);
+  void noteDiffering(const FirstImage& image, std::size_t column);
   Result<std::optional<RowChange>> changeSince(FirstImage image, ChangeRows& rows) const;
   Result<RowImage> target(const RowChange& change, Image from, Image to, RowImage present) const;
   Result<> check(const RowChange& change, Image from, ChangeRows& rows) const;
@@ -123,8 +125,9 @@ std::size_t ChangeRecorder::State::tableIndex(std::string_view name) {
 
 /// The image of a row, for a row that is touched for the first time a new one; nothing when it needs no more.
 FirstImage* ChangeRecorder::State::firstTouched(const Key& key) {
-  const auto [entry, isNew] = seen.try_emplace(key, first.size());
-  if (isNew) return &first.emplace_back(FirstImage{key, false, {}, {}});
+  // Rows mostly come by rising numbers, and then end() is where they go.
+  const auto entry = seen.try_emplace(seen.end(), key, first.size());
+  if (entry->second == first.size()) return &first.emplace_back(FirstImage{key, false, {}, {}});
   FirstImage& image = first[entry->second];
   return image.whole ? nullptr : &image;
 }
@@ -150,20 +153,27 @@ void ChangeRecorder::State::noteWhole(const Key& key) {
   *image = {key, true, {}, std::move(cells)};
 }
 
+/// Notes a field in `differing` when it changes and is not kept yet.
+void ChangeRecorder::State::noteDiffering(const FirstImage& image, std::size_t column) {
+  sqlite3_value *before = nullptr, *after = nullptr;
+  const auto index = static_cast<int>(column);
+  const bool known = sqlite3_preupdate_old(handle, index, &before) == SQLITE_OK && before != nullptr &&
+                     sqlite3_preupdate_new(handle, index, &after) == SQLITE_OK && after != nullptr;
+  if (!known || isSameValue(before, after)) return;
+  if (std::find(image.columns.begin(), image.columns.end(), column) == image.columns.end()) {
+    differing.push_back(column);
+  }
+}
+
 void ChangeRecorder::State::noteFields(const Key& key) {
   FirstImage* image = firstTouched(key);
   if (image == nullptr) return;
   differing.clear();
-  const int count = sqlite3_preupdate_count(handle);
-  for (int i = 0; i < count; ++i) {
-    sqlite3_value *before = nullptr, *after = nullptr;
-    const bool known = sqlite3_preupdate_old(handle, i, &before) == SQLITE_OK && before != nullptr &&
-                       sqlite3_preupdate_new(handle, i, &after) == SQLITE_OK && after != nullptr;
-    if (!known || isSameValue(before, after)) continue;
-    const auto column = static_cast<std::size_t>(i);
-    if (std::find(image->columns.begin(), image->columns.end(), column) == image->columns.end()) {
-      differing.push_back(column);
-    }
+  if (const auto* written = WrittenColumns::of(database, tables[key.first])) {
+    for (const std::size_t column : *written) noteDiffering(*image, column);
+  } else {
+    const auto count = static_cast<std::size_t>(sqlite3_preupdate_count(handle));
+    for (std::size_t column = 0; column < count; ++column) noteDiffering(*image, column);
   }
   image->columns.reserve(image->columns.size() + differing.size());
   image->image.reserve(image->image.size() + differing.size());
@@ -187,7 +197,8 @@ void ChangeRecorder::State::hear(int operation, const char* table, std::int64_t 
 Result<std::optional<RowChange>> ChangeRecorder::State::changeSince(FirstImage image, ChangeRows& rows) const {
   RowChange change{tables[image.key.first], image.key.second, {}, {}, {}};
   if (!image.whole && image.columns.empty()) return std::nullopt;
-  auto now = rows.read(change.table, change.row, image.whole ? nullptr : &image.columns);
+  auto now =
+      image.whole ? rows.read(change.table, change.row) : rows.readFields(change.table, change.row, image.columns);
   if (!now) return fail(now.error());
   if (!image.whole) {
     // The engine reports every deletion, so that a row whose fields were kept is there.
@@ -211,7 +222,7 @@ Result<RowImage> ChangeRecorder::State::target(const RowChange& change, Image fr
 
 /// Malformed when the fields of a changed row aren't what `from` says.
 Result<> ChangeRecorder::State::check(const RowChange& change, Image from, ChangeRows& rows) const {
-  const auto present = rows.read(change.table, change.row, &change.columns);
+  const auto present = rows.readFields(change.table, change.row, change.columns);
   if (!present) return fail(present.error());
   if (*present != change.*from) return hasChangedSince(change.table);
   return {};
