@@ -90,7 +90,8 @@ TEST_F(TheVariants, TheFixedOneHasNoOptionsNoCopyNoDeletionAndKeepsItsName) {
   EXPECT_FALSE(editor.duplicateVariant(noVariantID));
   EXPECT_FALSE(editor.pasteOptions(noVariantID, "a\tb"));
   EXPECT_FALSE(editor.deleteVariant(noVariantID));
-  EXPECT_EQ(user.texts(), std::vector<std::string>{"Questa variante non può essere eliminata"});
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(asText(user.shown[0]), "[Exclamation, Ok, Ok -> Ok] Questa variante non può essere eliminata");
 }
 
 TEST_F(TheVariants, WithNoVariantThereIsNothingToDelete) {
@@ -110,8 +111,10 @@ TEST_F(TheVariants, AnyOfTheFortySlotsOfAnArticleKeepsAVariantFromDeletion) {
       sql("UPDATE articoli SET " + column + " = 2 WHERE ID = (SELECT MIN(ID) FROM articoli)");
       user.shown.clear();
       EXPECT_FALSE(editor.deleteVariant(smalto));
-      EXPECT_EQ(user.texts(), std::vector<std::string>{"Questa variante è utilizzata in uno o più articoli, e non è "
-                                                       "possibile eliminarla"})
+      ASSERT_EQ(user.shown.size(), 1U) << column;
+      EXPECT_EQ(asText(user.shown[0]),
+                "[Exclamation, Ok, Ok -> Ok] Questa variante è utilizzata in uno o più articoli, e non è possibile "
+                "eliminarla")
           << column;
       EXPECT_EQ(editor.useCount(smalto), 1) << column;
       sql("UPDATE articoli SET " + column + " = NULL");
