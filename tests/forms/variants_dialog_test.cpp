@@ -189,6 +189,16 @@ TEST_F(TheVariantsDialog, ThePanelOfLanguagesFollowsTheCursor) {
   EXPECT_EQ(panel->text(), "italiano: Smalto\ninglese: Glaze");
   goToOption(1, 0);
   EXPECT_EQ(panel->text(), "italiano: Verde salvia\ninglese: Sage green");
+  goToOption(1, 1);
+  typeCell(options, "Verde");
+  EXPECT_TRUE(panel->isVisible());
+  EXPECT_EQ(panel->text(), "italiano: Verde\ninglese: Sage green") << "as it was edited";
+  typeCell(variants, "Vernice");
+  EXPECT_EQ(panel->text(), "italiano: Vernice\ninglese: Glaze");
+  QTest::keyClick(options, Qt::Key_Delete);
+  EXPECT_FALSE(panel->isVisible()) << "its row may be gone";
+  QTest::keyClick(variants, Qt::Key_Up);
+  EXPECT_TRUE(panel->isVisible());
   click(*dialog, "cmdLingue");
   EXPECT_FALSE(panel->isVisible());
 }

@@ -192,6 +192,7 @@ void frmOpzioni::variantMoved() {
 }
 
 void frmOpzioni::showOptions(int row) {
+  lblLingue_->hide();  // its row may be gone
   options_ = editor_.options(currentID());
   DBGrid2_->setRows(static_cast<int>(options_.size()));
   for (int i = 0; i < static_cast<int>(options_.size()); ++i) {

@@ -46,6 +46,7 @@ void frmOpzioni::variantEdited(int row) {
     unsavedNames_[variant.ID] = {typed, "Non salvato. " + editor_.failure()};
   }
   showName(row);
+  if (lblLingue_->isVisible()) translate(*DBGrid1_, row);
 }
 
 void frmOpzioni::showName(int row) {
@@ -87,7 +88,9 @@ void frmOpzioni::deleteOption() {
 
 void frmOpzioni::optionEdited(int row, int column) {
   storeCell(options_[static_cast<std::size_t>(row)].ID, column, DBGrid2_->cell(row, column));
+  const bool isTranslated = lblLingue_->isVisible();
   showOptions(row);
+  if (isTranslated) translate(*DBGrid2_, row);
 }
 
 void frmOpzioni::mark(int row) {
