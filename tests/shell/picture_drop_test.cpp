@@ -4,6 +4,7 @@
 #include "media/choice/picture_box.h"
 #include "platform/image/pixels.h"
 #include "shell/workbench_fixture.h"
+#include "support/failing_files.h"
 #include "support/failing_store.h"
 #include "support/value_of.h"
 
@@ -96,6 +97,30 @@ TEST_F(DroppedPictures, AFileThatIsNoPictureIsToldAndTakesNoRoom) {
   drop(freePictures, {text, joinPath(home.path(), "niente.jpg"), home.path(), photo("a.jpg")});
   EXPECT_THAT(user.texts().at(0), HasSubstr("L'immagine non può essere letta:\nnota.jpg\nniente.jpg\n"));
   EXPECT_THAT(pictures(), HasSubstr("a_0001.jpg|40|20|"));
+}
+
+TEST_F(DroppedPictures, OneWithASideTheCatalogueCannotHoldIsToldAndTheOthersAreTaken) {
+  ASSERT_TRUE(settings.set(loadImageSection, "MaxSize", "0"));
+  onArticle();
+  drop(freePictures, {photo("a.jpg"), photo("striscia.jpg", {32768, 1}), photo("b.jpg"), photo("c.jpg")});
+  EXPECT_EQ(user.texts(), std::vector<std::string>{
+                              "L'immagine \"striscia.jpg\" è di 32768 x 1 punti, e nessun lato può superare 32767 "
+                              "punti.\nRidurla prima di sceglierla, o farla adattare alle misure."});
+  EXPECT_EQ(pictures(), "a_0001.jpg|40|20|b_0001.jpg|c_0001.jpg|40\n");
+}
+
+TEST_F(DroppedPictures, WhatComesAfterOneThatCannotBeWrittenIsToldByName) {
+  onArticle();
+  const std::vector<std::string> files = {photo("a.jpg"), photo("b.jpg"), photo("c.jpg"), photo("d.jpg")};
+  {
+    FailingFiles full(1, AfterFailure::FailsToo, ENOSPC);
+    full.onlyFor("b_0001.jpg");
+    drop(freePictures, files);
+  }
+  ASSERT_EQ(user.shown.size(), 2U);
+  EXPECT_THAT(user.texts()[0], HasSubstr("b.jpg: il disco è pieno."));
+  EXPECT_EQ(user.texts()[1], "Non sono state prese:\nc.jpg\nd.jpg");
+  EXPECT_EQ(pictures(), "a_0001.jpg|40|20|null|null|null\n");
 }
 
 TEST_F(DroppedPictures, ThePicturesAreReducedAsTheDialogWasLeftAndItsSettingsStay) {

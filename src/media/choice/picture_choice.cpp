@@ -83,6 +83,10 @@ bool PictureChoice::takeLimit(std::string_view text, int& limit) {
   return taken.has_value();
 }
 
+std::string PictureChoice::sizeRefusal(const std::string& path) const {
+  return refusedSize(path, copySize(shownSize(path).value_or(ImageSize{})));
+}
+
 Result<std::string> PictureChoice::bringIn(const std::string& path, const PicturePreview& preview) const {
   if (preview.mode == PictureMode::OfShop) return std::string(baseName(path));
   const bool isReduced = preview.mode == PictureMode::Reduced;

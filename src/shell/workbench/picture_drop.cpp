@@ -41,11 +41,14 @@ class PictureDrop {
   }
 
   void take(const std::vector<std::string>& files, const std::vector<int>& slots) {
+    bool goesOn = true;
     for (const std::string& file : files) {
-      if (brought_.size() == slots.size()) {
+      if (!goesOn) {
+        unwritten_ += "\n" + std::string(baseName(file));
+      } else if (brought_.size() == slots.size()) {
         leftOver_ += "\n" + std::string(baseName(file));
-      } else if (!takeOne(file, slots[brought_.size()])) {
-        return;
+      } else {
+        goesOn = takeOne(file, slots[brought_.size()]);
       }
     }
   }
@@ -53,8 +56,13 @@ class PictureDrop {
 
   void showRest() const {
     std::string text;
-    if (!unreadable_.empty()) text = "L'immagine non può essere letta:" + unreadable_;
-    if (!leftOver_.empty()) text += (text.empty() ? "" : "\n\n") + ("Non c'è più posto per:" + leftOver_);
+    const auto add = [&text](std::string_view start, const std::string& list) {
+      if (!list.empty()) text.append(text.empty() ? "" : "\n\n").append(start).append(list);
+    };
+    add("", refused_);
+    add("L'immagine non può essere letta:", unreadable_);
+    add("Non c'è più posto per:", leftOver_);
+    add("Non sono state prese:", unwritten_);
     if (!text.empty()) user_.message(text, Icon::Exclamation);
   }
 
@@ -62,6 +70,10 @@ class PictureDrop {
   /// False when nothing more can be written; the user has been told.
   bool takeOne(const std::string& file, int number) {
     choice_.tab = folderOf(file) == folder_ ? PictureTab::Shop : PictureTab::Disk;
+    if (const std::string refusal = choice_.sizeRefusal(file); !refusal.empty()) {
+      refused_ += (refused_.empty() ? "" : "\n\n") + refusal;
+      return true;
+    }
     if (!asked_ && !choice_.values.dropsLocation && choice_.preview(file).tellsLocation) {
       asked_ = true;
       choice_.values.dropsLocation =
@@ -83,7 +95,7 @@ class PictureDrop {
   MemorySettings settings_;
   PictureChoice choice_;
   std::vector<BroughtPicture> brought_;
-  std::string unreadable_, leftOver_;
+  std::string refused_, unreadable_, leftOver_, unwritten_;
   bool asked_ = false;
 };
 

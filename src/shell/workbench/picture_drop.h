@@ -18,8 +18,9 @@ int picturesOfRow(EditedSet set);
 
 /// Brings files into the image folder as the dialog of pictures would with the settings of its last OK, and stores them
 /// in the current row as one step of the history: the first in the picture `target`, whatever it shows, the others in
-/// those that are free. Nothing on no row. Whether the location that photos tell is left out is asked once; what can't
-/// be read, and what there is no picture left for, is told by name.
+/// those that are free. Nothing on no row. Whether the location that photos tell is left out is asked once; what is too
+/// long for the catalogue, what can't be read, what there is no picture left for, and what came after one that couldn't
+/// be written, is told by name.
 void takePictures(Workbench& bench, const RowPicture& target, const std::vector<std::string>& files);
 
 }  // namespace kv
