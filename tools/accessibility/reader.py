@@ -184,7 +184,7 @@ class Reader:
                               text=True).stdout
         rims = [int(number) for number in re.findall(r"\d+", told.partition("=")[2])]
         box = self.box_of(numbers[-1])
-        if len(rims) != 4 or box is None:
+        if len(rims) != 4 or not any(rims) or box is None:
             return None
         left, top, width, height = box
         return left - rims[0], top - rims[2], left + width + rims[1], top + height + rims[3]
