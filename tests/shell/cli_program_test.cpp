@@ -230,6 +230,16 @@ TEST_F(CliProgram, CheckNamesEveryMissingPiece) {
   EXPECT_EQ(outcome, CliOutcome::Failed);
   EXPECT_THAT(err.str(), AllOf(HasSubstr("Per costruire il negozio è necessario scegliere un template\n"),
                                HasSubstr("I seguenti moduli linguistici non sono stati trovati:\n")));
+
+  auto catalogue = test::valueOf(Database::open(home / "shop/catalog.mdb", OpenMode::Exclusive));
+  err.str("");
+  EXPECT_EQ(runHere({"--app", home / "data/korvane", "check", home / "shop"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("\n\nIl database è utilizzato da un altro utente.\n"));
+  ASSERT_TRUE(catalogue.execute("DROP TABLE opzioni"));
+  catalogue.close();
+  err.str("");
+  EXPECT_EQ(runHere({"--app", home / "data/korvane", "check", home / "shop"}), CliOutcome::Failed);
+  EXPECT_EQ(err.str(), "Il database è corrotto, oppure sono stati cancellati alcuni file del programma.\n");
 }
 
 }  // namespace

@@ -120,6 +120,7 @@ TEST_F(OpeningAShop, ShowsADatabaseErrorAsAnError) {
   EXPECT_FALSE(ApriNegozio(session, env, shop));
   ASSERT_EQ(user.shown.size(), 1U);
   EXPECT_TRUE(user.shown[0].text.starts_with("Impossibile aprire il database:\n")) << user.shown[0].text;
+  EXPECT_TRUE(user.shown[0].text.ends_with("\n\nIl database è utilizzato da un altro utente.")) << user.shown[0].text;
   EXPECT_EQ(user.shown[0].icon, Icon::Critical);
 }
 

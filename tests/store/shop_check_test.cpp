@@ -84,7 +84,8 @@ TEST_F(ShopChecking, NamesNumberAndTextOfADatabaseError) {
   const auto opened = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
   ASSERT_FALSE(opened);
   expectFault(shop, ShopFault::DatabaseFailure,
-              "Impossibile aprire il database:\n" + std::to_string(opened.error().number) + " " + opened.error().what);
+              "Impossibile aprire il database:\n" + std::to_string(opened.error().number) + " " + opened.error().what +
+                  "\n\nIl database è corrotto, oppure sono stati cancellati alcuni file del programma.");
 }
 
 TEST_F(ShopChecking, ReportsACatalogueWithoutSettings) {

@@ -19,8 +19,6 @@ constexpr std::size_t templateNameWidth = 50;
 constexpr const char* incompatible =
     "Negozio non compatibile con la versione Korvane\nSi desidera aprire un altro negozio?";
 constexpr const char* templateNeeded = "Per costruire il negozio sarà necessario scegliere un template";
-constexpr const char* inUse = "Il database è utilizzato da un altro utente.";
-constexpr const char* corrupt = "Il database è corrotto, oppure sono stati cancellati alcuni file del programma.";
 constexpr const char* readOnly =
     "Il file \"catalog.mdb\" potrebbe essere in sola lettura.\n\n"
     "Se la cartella del negozio è stata copiata da un CD o altro supporto\n"
@@ -156,7 +154,7 @@ LoadResult reportFailure(Session& session, Environment& env, const Error& error)
     repairReadOnly(session, env);
     return LoadResult::Failed;
   }
-  env.user.message(error.kind == ErrorKind::InUse ? inUse : corrupt, Icon::Critical);
+  env.user.message(catalogueFailure(error.kind), Icon::Critical);
   session.ShopFolder.clear();
   return LoadResult::Failed;
 }

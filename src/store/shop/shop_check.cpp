@@ -3,6 +3,7 @@
 #include <array>
 
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "store/shop/compact.h"
 #include "store/shop/shop_folders.h"
 #include "store/shop/staged_pictures.h"
@@ -37,7 +38,18 @@ Result<int> versionOf(const std::string& path, Database* own) {
   return catalogueVersion(*catalogue);
 }
 
+std::string openFailureText(const Error& error) {
+  const bool isOfTheDisk = error.kind == ErrorKind::ReadOnly || error.kind == ErrorKind::Full;
+  return "Impossibile aprire il database:\n" + std::to_string(error.number) + " " + error.what + "\n\n" +
+         (isOfTheDisk ? failureText({error.kind, "", ""}) : catalogueFailure(error.kind));
+}
+
 }  // namespace
+
+const char* catalogueFailure(ErrorKind kind) {
+  return kind == ErrorKind::InUse ? "Il database è utilizzato da un altro utente."
+                                  : "Il database è corrotto, oppure sono stati cancellati alcuni file del programma.";
+}
 
 Result<> requireTables(Database& catalogue) {
   for (const char* table : {"articoli", "categorie", "cliparticoli", "clipcategorie", "generale", "lingue", "opzioni",
@@ -59,11 +71,7 @@ ShopCheck validateShop(const std::string& folder, Database* own) {
   }
   if (!makeWorkingFolders(folder)) return {false, ShopFault::FolderFailure, notAShop};
   const auto version = versionOf(entryPath(folder, catalogueFile), own);
-  if (!version) {
-    const Error& error = version.error();
-    return {false, ShopFault::DatabaseFailure,
-            "Impossibile aprire il database:\n" + std::to_string(error.number) + " " + error.what};
-  }
+  if (!version) return {false, ShopFault::DatabaseFailure, openFailureText(version.error())};
   if (*version < firstOwnVersion) return {false, ShopFault::EarlierProduct, earlierProduct};
   if (*version < firstVersion || *version > lastVersion) return {false, ShopFault::UnknownVersion, unknownVersion};
   return {true, ShopFault::None, {}};

@@ -30,6 +30,9 @@ constexpr int lastVersion = 1099;
 /// The first version that is not of the earlier product line.
 constexpr int firstOwnVersion = 299;
 
+/// What the merchant reads when a catalogue can't be opened: somebody else has it, or it is none.
+const char* catalogueFailure(ErrorKind kind);
+
 /// Whether the catalogue has every table that the workbench binds and a build reads first; Corrupt, with the name of
 /// the first one that is missing.
 Result<> requireTables(Database& catalogue);
