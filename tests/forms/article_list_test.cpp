@@ -202,6 +202,13 @@ TEST_F(WorkedList, TheStatusLineSaysWhatIsStored) {
   EXPECT_EQ(built->text(), "Non tutto è salvato - Mai costruito");
   leave(line(Articoli, "titolo"));
   EXPECT_EQ(built->text(), "Tutto salvato - Mai costruito");
+  for (const char* asStored : {"14,5", ",,"}) {
+    type(line(Articoli, "prezzo"), asStored);
+    EXPECT_EQ(built->text(), "Non tutto è salvato - Mai costruito") << asStored;
+    leave(line(Articoli, "prezzo"));
+    processEvents();
+    EXPECT_EQ(built->text(), "Tutto salvato - Mai costruito") << asStored;
+  }
 }
 
 }  // namespace

@@ -240,6 +240,7 @@ void frmMain::startRow(EditedSet set) {
 void frmMain::fieldsChanged(EditedSet set) {
   for (EditorPage* page : pages_) page->showFields(set);
   if (set == EditedSet::Articoli) articles_->articles().refresh();
+  entriesChanged();  // what was typed may be what is stored
 }
 
 void frmMain::offerCommands(QWidget& list, Toolbar bar, QPoint at) {
