@@ -105,6 +105,19 @@ TEST_F(Marks, ADialogThatIsTooLargeComesWithinTheScreen) {
   EXPECT_TRUE(room.contains(dialog.frameGeometry()));
 }
 
+/// As high as its lines of text ask for.
+class TallDialog final : public FormDialog {
+ public:
+  TallDialog() : FormDialog("Korvane", nullptr) { sizeInCharacters(40, 200); }
+};
+
+TEST_F(Marks, ADialogOfManyLinesLeavesRoomForItsTitle) {
+  const TallDialog dialog;
+  const int line = dialog.fontMetrics().lineSpacing();
+  EXPECT_LE(dialog.height() + 2 * line, dialog.screen()->availableGeometry().height());
+  EXPECT_GT(dialog.height(), 20 * line);
+}
+
 TEST_F(Marks, TheGuideIsBesideTheWindowAndBothAreWithinTheScreen) {
   open();
   frmIntro guide(*window, window.get());

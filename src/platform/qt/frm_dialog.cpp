@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QShowEvent>
 #include <QTextDocument>
@@ -189,7 +190,10 @@ void FormDialog::addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string
 
 void FormDialog::sizeInCharacters(int columns, int lines) {
   const QFontMetrics metrics = fontMetrics();
-  resize(sizeHint().expandedTo({metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines}));
+  constexpr int titleLines = 3;  // that a window manager may put above
+  const QSize room = screen()->availableGeometry().size() - QSize(0, metrics.lineSpacing() * titleLines);
+  const QSize wanted(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
+  resize(sizeHint().expandedTo(wanted).boundedTo(room));
 }
 
 QLabel* labelFor(std::string_view text, QWidget* field) {
