@@ -95,7 +95,14 @@ TEST_F(TheSheetGuide, ShowsWhatAnotherSeparatorMakesAndRefusesWhatIsNoSheet) {
   auto* separator = control<QComboBox>(dialog, "cboSeparatore");
   separator->setCurrentIndex(2);
   emit separator->activated(2);
-  EXPECT_EQ(textAt(*control<QTableWidget>(dialog, "grdRighe"), 0, 0), "Codice;Nome;Euro");
+  const auto* rows = control<QTableWidget>(dialog, "grdRighe");
+  EXPECT_EQ(textAt(*rows, 0, 0), "Codice;Nome;Euro");
+  ASSERT_TRUE(writeBytes(sheet, "Codice;Nome;Euro\r\nA-1;Vaso di maiolica dipinto;3\r\nA-2;Tazza;2\r\n"));
+  separator->setCurrentIndex(0);
+  dialog.openFile(sheet);
+  const auto& view = static_cast<const QAbstractItemView&>(*rows);
+  EXPECT_LT(rows->columnWidth(0), rows->columnWidth(1));
+  EXPECT_GE(rows->columnWidth(1), view.sizeHintForColumn(1)) << "a title is read whole";
   ASSERT_TRUE(writeBytes(sheet, std::string("MZ\0\1\0\0\1", 7)));
   dialog.openFile(sheet);
   EXPECT_EQ(user.texts(),

@@ -79,7 +79,7 @@ frmImportaFoglio::frmImportaFoglio(TableGuide& guide, UserPort& user, HelpOpener
   column->addWidget(pages_, 1);
   QDialogButtonBox* buttons = makeButtons("&Avanti >");
   cmdAvanti_ = buttons->button(QDialogButtonBox::Ok);
-  cmdIndietro_ = named(buttons->addButton(toQt("< &Indietro"), QDialogButtonBox::ActionRole), "cmdIndietro");
+  cmdIndietro_ = named(buttons->addButton(toQt("< &Indietro"), QDialogButtonBox::ResetRole), "cmdIndietro");
   cmdIndietro_->setAutoDefault(false);
   connect(buttons, &QDialogButtonBox::accepted, this, &frmImportaFoglio::next);
   connect(cmdIndietro_, &QPushButton::clicked, this, [this] { goTo(pages_->currentIndex() - 1); });
@@ -137,6 +137,8 @@ QWidget* frmImportaFoglio::makeFilePage() {
   column->addWidget(lblLettura_);
   grdRighe_ = grid("grdRighe", "Prime righe del foglio", {});
   grdRighe_->horizontalHeader()->hide();
+  constexpr int widestColumn = 40;  // in characters; a description would push the others out of sight
+  grdRighe_->horizontalHeader()->setMaximumSectionSize(widestColumn * fontMetrics().averageCharWidth());
   column->addWidget(grdRighe_, 1);
   return page;
 }
@@ -255,6 +257,7 @@ void frmImportaFoglio::showFile() {
       grdRighe_->setItem(static_cast<int>(row), static_cast<int>(i), item);
     }
   }
+  grdRighe_->resizeColumnsToContents();
   cmdAvanti_->setEnabled(guide_.isRead());
 }
 
