@@ -51,7 +51,8 @@ class FormDialog : public QDialog {
   QDialogButtonBox* makeClose(std::string_view caption = "Chiudi");
   /// Adds a "?" beside the buttons and the key F1, which open `page`; nothing when `help` is empty.
   void addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string_view page);
-  /// Sets the size at opening, in average characters and lines of the dialog's font; at least the layout's own size.
+  /// Sets the size at opening, in average characters and lines of the dialog's font; at least the layout's own size,
+  /// at most what the screen has room for below a title.
   void sizeInCharacters(int columns, int lines);
 
  private:
