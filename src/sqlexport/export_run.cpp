@@ -1,5 +1,7 @@
 #include "sqlexport/export_run.h"
 
+#include "platform/ports/failure_text.h"
+
 namespace kv {
 
 tl::unexpected<Error> exportCancelled(const DatabaseExport& job) {
@@ -11,7 +13,7 @@ bool isCancelled(const Result<std::int64_t>& written) {
 }
 
 bool wasWritten(const Result<std::int64_t>& written, UserPort& user) {
-  if (!written && !isCancelled(written)) user.message(written.error().what, Icon::Exclamation);
+  if (!written && !isCancelled(written)) user.message(failureText(written.error()), Icon::Exclamation);
   return written.has_value();
 }
 

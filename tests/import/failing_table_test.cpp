@@ -32,6 +32,7 @@ class FailingTableImport : public TableShop {
       EXPECT_TRUE(listFiles(joinPath(shop, "work"), "*").empty());
       ASSERT_EQ(user.texts().size(), 1U);
       EXPECT_TRUE(user.texts()[0].starts_with("Non è stato possibile importare il foglio"));
+      EXPECT_NE(user.texts()[0].find("\nNulla è stato modificato: "), std::string::npos) << user.texts()[0];
     }
     EXPECT_NE(allTables(), before);
   }

@@ -196,7 +196,9 @@ TEST_F(DatabaseExportTest, AMissingDatabaseIsReportedByItsDescriptionAndLeavesNo
   EXPECT_EQ(load(), "(missing)");
   EXPECT_FALSE(exported);
   ASSERT_EQ(user.shown.size(), 1U);
-  EXPECT_EQ(user.shown[0], (Shown{"No such file or directory", Icon::Exclamation}));
+  EXPECT_EQ(user.shown[0].icon, Icon::Exclamation);
+  EXPECT_TRUE(user.texts()[0].starts_with("Un file, una cartella o una riga non esiste più.\n")) << user.texts()[0];
+  EXPECT_TRUE(user.texts()[0].ends_with(": No such file or directory")) << user.texts()[0];
   EXPECT_EQ(drop(), "(missing)");
 }
 
@@ -204,7 +206,9 @@ TEST_F(DatabaseExportTest, AFullDiskIsReportedOnce) {
   sql("CREATE TABLE t (a INTEGER); INSERT INTO t VALUES (1)");
   std::filesystem::create_symlink("/dev/full", folder / "db.sc");
   EXPECT_FALSE(ExportDatabaseSql({path, folder / "db.sc", folder / "dbdel.sc", "", "s"}, style, user));
-  EXPECT_EQ(user.texts(), std::vector<std::string>{"No space left on device"});
+  ASSERT_EQ(user.texts().size(), 1U);
+  EXPECT_TRUE(user.texts()[0].starts_with("Il disco è pieno.\n")) << user.texts()[0];
+  EXPECT_TRUE(user.texts()[0].ends_with(": No space left on device")) << user.texts()[0];
   EXPECT_EQ(drop(), "#s\n\nDROP TABLE t;\n");
 }
 
@@ -218,7 +222,9 @@ TEST_F(DatabaseExportTest, WhatWasWrittenBeforeAFailureStays) {
       writeBytes(path, bytes.substr(0, bytes.size() / 2) + std::string(bytes.size() - bytes.size() / 2, '\xFF')));
   const std::string text = load();
   EXPECT_FALSE(exported);
-  EXPECT_EQ(user.texts(), std::vector<std::string>{"database disk image is malformed"});
+  ASSERT_EQ(user.texts().size(), 1U);
+  EXPECT_TRUE(user.texts()[0].starts_with("Il file è danneggiato.\n")) << user.texts()[0];
+  EXPECT_TRUE(user.texts()[0].ends_with(": database disk image is malformed")) << user.texts()[0];
   EXPECT_NE(text.find("INSERT INTO t VALUES ( 0, '0000"), std::string::npos);
   EXPECT_EQ(text.find("INSERT INTO t VALUES ( 39,"), std::string::npos);
 }

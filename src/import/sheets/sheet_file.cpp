@@ -4,6 +4,7 @@
 
 #include "import/sheets/number_signs.h"
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -142,7 +143,7 @@ std::string sheetFailureText(const Error& error, const std::string& path) {
     case ErrorKind::Malformed:
       return "Il file " + name + " non è un foglio: servono XLSX, ODS o CSV";
     default:
-      return "Il foglio " + name + " non può essere letto\n\n" + error.what;
+      return "Il foglio " + name + " non può essere letto: controllarne i permessi\n\nDettaglio: " + error.what;
   }
 }
 
@@ -151,7 +152,7 @@ std::string sheetWritingFailureText(const Error& error, const std::string& path)
     return "Un file XLSX ha al più 1.048.576 righe, e 32.767 caratteri in una cella: qui c'è di più. Scegliere un file "
            "CSV";
   }
-  return "Impossibile scrivere " + path + ":\n" + error.what;
+  return "Impossibile scrivere " + path + ":\n" + failureText(error);
 }
 
 std::string readingText(const SheetReading& reading) {

@@ -6,6 +6,7 @@
 #include "import/tables/export_shapes.h"
 #include "import/tables/shown_plan.h"
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 
 namespace kv {
 namespace {
@@ -37,7 +38,7 @@ Result<> writePlanned(Environment& env, TableWriter& writer, const TablePlan& pl
 
 void showTableError(Environment& env, const Error& error) {
   if (error.kind == ErrorKind::Told) return;
-  env.user.message(std::string(notImported) + "\n\n" + error.what, Icon::Critical);
+  env.user.message(std::string(notImported) + "\n\n" + failureText(error), Icon::Critical);
 }
 
 std::string mappingText(const OpenSheet& open) {

@@ -4,6 +4,7 @@
 
 #include "media/choice/picture_choice.h"
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "shell/cli/cli_session.h"
 #include "shell/cli/exchange_commands.h"
 
@@ -98,7 +99,7 @@ CliOutcome setPicture(const std::string& shop, const CommandLine& line, Environm
   const auto size = shownSize(joinPath(folder, *name));
   if (!size) return refused(env, "L'immagine non può essere letta: " + *name);
   if (const auto stored = storeInRow(open.session.catalogue, *target, *name, *size); !stored) {
-    return refused(env, "Impossibile modificare il catalogo:\n" + stored.error().what);
+    return refused(env, "Impossibile modificare il catalogo:\n" + failureText(stored.error()));
   }
   out << *name << ' ' << size->width << 'x' << size->height << '\n';
   return CliOutcome::Done;

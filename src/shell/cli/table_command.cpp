@@ -9,6 +9,7 @@
 #include "import/tables/table_export.h"
 #include "import/tables/table_import.h"
 #include "platform/files/files.h"
+#include "platform/ports/failure_text.h"
 #include "shell/cli/cli_session.h"
 #include "store/shop/session_facts.h"
 
@@ -101,7 +102,7 @@ CliOutcome previewOrImport(CliSession& open, const CommandLine& line, Environmen
                            std::ostream& out) {
   if (line.has("--dry-run")) {
     const auto text = tablePreviewText(open.session, job.sheet, job.plan);
-    if (!text) return tableRefused(env, text.error().what);
+    if (!text) return tableRefused(env, failureText(text.error()));
     out << *text;
     return CliOutcome::Done;
   }
@@ -159,7 +160,7 @@ CliOutcome exportTableOf(const std::string& shop, const CommandLine& line, Envir
   CliSession open(env);
   if (!open.openToLook(shop)) return CliOutcome::Failed;
   const auto table = sheetTable(open.session.catalogue, open.session.languageCount, tableName(line));
-  if (!table) return tableRefused(env, table.error().what);
+  if (!table) return tableRefused(env, failureText(table.error()));
   TableExport what;
   what.columns = columnNames(line.option("--columns"));
   what.goOn = [&](std::size_t, std::size_t) { return env.user.yield(); };
