@@ -57,14 +57,14 @@ async function visit({ screen, fonts }, locale, act) {
   try {
     await act(visitor);
     visitor.check();
+    await visitor.leave();
   } catch (error) {
     failed = true;
     const picture = join(options.work, `failed-${Date.now()}.png`);
     await visitor.page.screenshot({ path: picture, fullPage: true });
     error.message += `\nat ${visitor.page.url()}, see ${picture}; faults met: ${visitor.faults.join("; ") || "none"}`;
-    throw error;
-  } finally {
     await visitor.context.close();
+    throw error;
   }
 }
 

@@ -83,9 +83,11 @@ async function visit({ cookies, purchases, cartPage, orderPage, country, method 
     await page.locator("[name=LSStato]").selectOption({ label: country });
     await page.locator("[name=Pagamento]").selectOption({ label: method });
     const totals = await texts(page, "#carrello-totali td");
+    await visitor.leave();
     return { lines, totals, faults: visitor.faults };
-  } finally {
+  } catch (error) {
     await context.close();
+    throw error;
   }
 }
 
