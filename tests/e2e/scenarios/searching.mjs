@@ -17,6 +17,10 @@ export function searching(as) {
     const { count, titles } = await shopper.results();
     assert.ok(count >= 1 && count === titles.length, `${count} results, ${titles.length} shown`);
     assert.ok(titles.some((title) => title.includes(articles.plate[language.code])), titles.join(", "));
+    const result = shopper.page.locator("main li").filter({ has: shopper.page.locator("img") }).first();
+    const picture = await result.locator("img").boundingBox();
+    const title = await result.getByRole("link").first().boundingBox();
+    assert.ok(picture.x + picture.width <= title.x, "the picture is beside the title");
     await shopper.search(request.none);
     await shopper.page.getByText(words.cerca_nessuno).waitFor();
     await as.picture(shopper, "search");
