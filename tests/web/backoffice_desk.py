@@ -77,6 +77,7 @@ class Lines(Desk):
         self.add_order("261102-BBBBBB")
         page = self.office.ask("ordini_csv.php?righe=1")
         self.assertRegex(page.headers["Content-Disposition"], r'filename="righe-[0-9-]+\.csv"$')
+        self.assertTrue(page.body.startswith("\ufeff".encode()))
         rows = [line.split(";") for line in page.body.decode("utf-8-sig").split("\r\n")[1:-1]]
         self.assertEqual([row[0] for row in rows], ['"261102-BBBBBB"', '"261101-AAAAAA"', '"261101-AAAAAA"'])
         self.assertEqual(rows[0][-9:], [""] * 9)

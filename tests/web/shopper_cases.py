@@ -62,6 +62,11 @@ class Choosing(ShopperCase):
         for result in results:
             self.assertRegex(result, r"<img [^>]*src=")
             self.assertRegex(result, r'class="prezzo">' + AMOUNT)
+        struck = [re.search(rf'class="bollo">Offerta<.*?<s>{AMOUNT}</s>.*?class="prezzo">{AMOUNT}', result, re.S)
+                  for result in results if 'class="barrato"' in result]
+        self.assertTrue(struck and all(struck), results)
+        for offer in struck:
+            self.assertLess(cents(offer.group(2)), cents(offer.group(1)))
 
     def test_a_department_in_the_order_of_its_prices(self):
         usual = self.all_cards(2)
