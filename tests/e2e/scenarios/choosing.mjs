@@ -5,7 +5,7 @@ import { test } from "node:test";
 import { articles, countries } from "../support/model.mjs";
 import { amountsIn } from "../support/money.mjs";
 
-const beginnings = { it: "tazz", en: "mug" };
+const beginnings = { it: "tazz", en: "mug", fr: "mug", de: "bech" };
 
 export function choosing(as) {
   const { language, words } = as;

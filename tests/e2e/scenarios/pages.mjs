@@ -5,18 +5,28 @@ import { after, before, test } from "node:test";
 import { accessibilityFaults } from "../support/accessibility.mjs";
 import { measure, openMeasured } from "../support/lighthouse.mjs";
 import { articles, countries, methods, person } from "../support/model.mjs";
+import { brokenTexts, leftInItalian, textsOf } from "../support/texts.mjs";
 import { htmlFaults } from "../support/valid_html.mjs";
+import { languages } from "../support/words.mjs";
 
-/** Pages that any visitor can open, by stem and what follows it. */
-export const pageKinds = [
+/** Pages that any visitor can open, by stem and what follows it; {many} stands for a word of several articles. */
+const pageKinds = [
   ["index"], ["cat001", "?n=1"], ["cat007", "?n=1"], ["cat007", "?n=2"], ["cat007", "?n=1&prod=1"],
-  ["cat007", "?n=1&ordine=prezzo"], ["search"], ["kvsearch", "?q=gres&p=1"],
+  ["cat007", "?n=1&ordine=prezzo"], ["search"], ["kvsearch", "?q={many}&p=1"],
   ["kvsearch", "?q=nessunarticolo"], ["cart"], ["order"], ["login"], ["login", "?m=11"], ["messaggio"],
   ["condizioni"], ["recesso"], ["datipers"], ["kvrecesso"],
 ];
+/** Those that hold all there is to read: enough for the other languages, whose pages are laid out as the Italian ones. */
+const spokenKinds = [
+  ["index"], ["cat007", "?n=1&prod=1"], ["cat007", "?n=1&ordine=prezzo"], ["kvsearch", "?q={many}&p=1"], ["cart"], ["order"],
+  ["login"], ["condizioni"], ["recesso"], ["datipers"], ["kvrecesso"],
+];
+const many = { it: "gres", en: "stoneware", fr: "mug", de: "Steinzeug" };
 // The cart, the session of those who order or sign in, and what the order form reads of a customer and of stock.
 const neededCookies = /^kvstore_(?:(?:cart|sessione)\d+|disp|cliente|di_nuovo)$/;
 const narrowest = 320;
+// What has one name in all languages: the shop, a glaze, a customer.
+const names = ["Bottega Montelune", "Bottega Montelune ·", "info@bottega.example", "Terracotta", "(Ada)"];
 const measuredPages = [["index"], ["cat007", "?n=1"], ["cart"]];
 let tours = 0;
 const categories = ["accessibility", "best-practices", "seo"];
@@ -46,11 +56,11 @@ async function withdraw(shopper, look) {
   await look("the receipt of a withdrawal");
 }
 
-/** Visits every kind of page with something in the cart, then orders; `look` is given the name of each. */
-async function tour(shopper, look) {
+/** Visits the given kinds of pages with something in the cart, then orders; `look` is given the name of each. */
+async function tour(shopper, kinds, look) {
   await fillCart(shopper);
-  for (const [stem, rest = ""] of pageKinds) {
-    await shopper.open(stem, rest);
+  for (const [stem, rest = ""] of kinds) {
+    await shopper.open(stem, rest.replace("{many}", many[shopper.language.code]));
     await look(stem + rest);
   }
   await shopper.open("order");
@@ -70,6 +80,7 @@ async function tour(shopper, look) {
   await look("a customer's own page");
   const cookies = (await shopper.page.context().cookies()).map(({ name }) => name);
   assert.deepEqual(cookies.filter((name) => !neededCookies.test(name)), []);
+  assert.equal(await shopper.page.evaluate(() => localStorage.length + sessionStorage.length), 0);
 }
 
 /** The controls that exceed the right edge of the screen: their HTML and where they end. */
@@ -85,17 +96,35 @@ async function withAxe(shopper, name, faults) {
   faults.push(...(await accessibilityFaults(shopper.page)).map((fault) => `${name}: ${fault}`));
 }
 
-/** What exceeds the width of the narrowest screen, 320 pixels. */
-async function onNarrowScreen(as, shopper, name, faults) {
-  const { width, height } = shopper.page.viewportSize();
-  await shopper.page.setViewportSize({ width: narrowest, height });
-  const needed = await shopper.page.evaluate(() => document.documentElement.scrollWidth);
-  if (needed > narrowest) {
-    faults.push(`${name}: ${needed} pixels wide`);
+/** What exceeds the width of screens; the page is left as wide as the last. */
+async function onScreens(as, shopper, name, widths, faults) {
+  const { height } = shopper.page.viewportSize();
+  for (const width of widths) {
+    await shopper.page.setViewportSize({ width, height });
+    const needed = await shopper.page.evaluate(() => document.documentElement.scrollWidth);
+    if (needed > width) {
+      faults.push(`${name}: ${needed} pixels wide at ${width}`);
+    }
+    faults.push(...(await controlsOutside(shopper.page)).map((fault) => `${name} at ${width}: ${fault}`));
+    await as.picture(shopper, `${width} ${name}`);
   }
-  faults.push(...(await controlsOutside(shopper.page)).map((fault) => `${name}: ${fault}`));
-  await as.picture(shopper, `${narrowest} ${name}`);
-  await shopper.page.setViewportSize({ width, height });
+}
+
+/** What is wrong with the texts of a page. italian: those of each page in Italian, which a tour in Italian fills. */
+async function withTexts(as, shopper, name, italian, faults) {
+  const texts = await textsOf(shopper.page);
+  const wrong = brokenTexts(texts);
+  if (as.language === languages[0]) {
+    italian.set(name, texts);
+  } else {
+    const first = italian.get(name);
+    wrong.push(...leftInItalian(texts, first, { words: as.words, italian: as.italian, names }));
+    // A search finds other articles in each language.
+    if (texts.length < first.length && !name.startsWith("kvsearch")) {
+      wrong.push(`${first.length - texts.length} texts fewer than in Italian`);
+    }
+  }
+  faults.push(...wrong.map((text) => `${name}: ${text}`));
 }
 
 /** Collects what html-validate says of each page as the server sends it; the result waits for the last. */
@@ -113,20 +142,20 @@ function withHtmlValidate(page, accepted, faults) {
 }
 
 /**
- * One tour through all kinds of pages, and a test for each tool that looked on. narrow: whether pages are tried on the
- * narrowest screen too; html: the faults of HTML that are accepted (`htmlFaults`), without which it isn't looked at.
+ * One tour through all kinds of pages, and a test for each tool that looked on. widths: of the screens on which each page is
+ * tried, that of the visitor last; italian: the texts of the pages in Italian (`withTexts`); html: the faults of HTML that
+ * are accepted (`htmlFaults`), without which it isn't looked at.
  */
-export function lookedAt(as, { narrow, html }) {
-  const faults = { axe: [], narrow: [], html: [] };
+export function lookedAt(as, { widths, italian, html }) {
+  const faults = { axe: [], screens: [], texts: [], html: [] };
   let ended = false;
-  test(`every kind of page opens at ${as.screen.width} pixels`, as.visitor(async (shopper) => {
+  const kinds = as.language === languages[0] ? pageKinds : spokenKinds;
+  test(`every kind of page opens at ${as.screen.width} pixels in ${as.language.name}`, as.visitor(async (shopper) => {
     const settled = html ? withHtmlValidate(shopper.page, html, faults.html) : () => {};
-    await tour(shopper, async (name) => {
+    await tour(shopper, kinds, async (name) => {
+      await onScreens(as, shopper, name, widths, faults.screens);
+      await withTexts(as, shopper, name, italian, faults.texts);
       await withAxe(shopper, name, faults.axe);
-      await as.picture(shopper, `page ${name}`);
-      if (narrow) {
-        await onNarrowScreen(as, shopper, name, faults.narrow);
-      }
       await settled();
     });
     ended = true;
@@ -136,21 +165,11 @@ export function lookedAt(as, { narrow, html }) {
     assert.equal([...new Set(found)].join("\n"), "");
   });
   clean("axe-core finds nothing on any kind of page", faults.axe);
-  if (narrow) {
-    clean(`at ${narrowest} pixels no page scrolls sideways and every control is within reach`, faults.narrow);
-  }
+  clean(`no page scrolls sideways and every control is within reach at ${widths.join(", ")} pixels`, faults.screens);
+  clean("no text is missing or left in Italian", faults.texts);
   if (html) {
     clean("html-validate accepts every kind of page as the server sends it", faults.html);
   }
-}
-
-/** One tour through all kinds of pages that tries each on the narrowest screen. */
-export function fitsTheNarrowScreen(as) {
-  test(`at ${narrowest} pixels no page scrolls sideways and every control is within reach`, as.visitor(async (shopper) => {
-    const faults = [];
-    await tour(shopper, (name) => onNarrowScreen(as, shopper, name, faults));
-    assert.equal([...new Set(faults)].join("\n"), "");
-  }));
 }
 
 /** Pages with long words and long names of values in each of the shop's four languages, on the narrowest screen. */
@@ -158,10 +177,10 @@ export function fitsInEveryLanguage(as) {
   test(`at ${narrowest} pixels pages of all four languages keep within the screen`, as.visitor(async (shopper) => {
     const faults = [];
     await fillCart(shopper);
-    for (const suffix of ["", "_l2", "_l3", "_l4"]) {
+    for (const { suffix } of languages) {
       for (const stem of ["index", "cat005", "cat007", "cat016", "cart", "order"]) {
         await shopper.page.goto(as.address(stem, "").replace(/(?=\.php$)/, suffix));
-        await onNarrowScreen(as, shopper, stem + suffix, faults);
+        await onScreens(as, shopper, stem + suffix, [narrowest], faults);
       }
     }
     assert.equal([...new Set(faults)].join("\n"), "");
@@ -177,8 +196,7 @@ export function accessibleBackOffice(as) {
         faults.push(...(await htmlFaults(await answer.text())).map((fault) => `${address}: ${fault}`));
         faults.push(...(await accessibilityFaults(merchant.page)).map((fault) => `${address}: ${fault}`));
         const name = `office ${address.replace(/^.*\//, "")}`;
-        await as.picture(merchant, name);
-        await onNarrowScreen(as, merchant, name, faults);
+        await onScreens(as, merchant, name, [narrowest, as.screen.width], faults);
       }
     });
     assert.equal(faults.join("\n"), "");

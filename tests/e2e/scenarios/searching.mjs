@@ -6,6 +6,8 @@ import { articles } from "../support/model.mjs";
 const requests = {
   it: { all: "piatto maiolica", none: "piatto lampada", fragment: "maiol", many: "gres" },
   en: { all: "plate maiolica", none: "plate lamp", fragment: "maiol", many: "stoneware" },
+  fr: { all: "assiette majolique", none: "assiette lampe", fragment: "majol", many: "grès" },
+  de: { all: "Teller Majolika", none: "Teller Lampe", fragment: "Majol", many: "Steinzeug" },
 };
 
 export function searching(as) {

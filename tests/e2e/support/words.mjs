@@ -2,10 +2,12 @@
 import { readFileSync } from "node:fs";
 import { dirname, join } from "node:path";
 
-/** Name of the module, code of the language, suffix of its pages, and the way in which amounts are written. */
+/** The shop's languages: name of the module, code, and suffix of the pages. */
 export const languages = [
   { name: "italiano", code: "it", suffix: "" },
   { name: "inglese", code: "en", suffix: "_l2" },
+  { name: "francese", code: "fr", suffix: "_l3" },
+  { name: "tedesco", code: "de", suffix: "_l4" },
 ];
 
 /** The texts of a module by their tag, `acquista` for <<4-acquista>>; those of several lines are one text. */
