@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t copyPiece = std::size_t{16} * 1024;
 constexpr std::uint64_t copyPiecesBetweenQuestions = 64;
 constexpr std::size_t readStep = std::size_t{256} * 1024;
+constexpr std::size_t handedPiece = std::size_t{64} * 1024;
 constexpr mode_t newFileMode = 0666;
 constexpr mode_t newFolderMode = 0777;
 
@@ -133,6 +134,18 @@ Result<std::string> readStart(const std::string& path, std::size_t limit) {
   }
   bytes.resize(filled);
   return bytes;
+}
+
+Result<> readPieces(const std::string& path, const std::function<Result<>(std::string_view)>& take) {
+  auto file = openToRead(path);
+  if (!file) return fail(file.error());
+  std::string piece(handedPiece, '\0');
+  for (;;) {
+    const auto count = readPiece(file->descriptor, piece.data(), piece.size(), path);
+    if (!count) return fail(count.error());
+    if (*count == 0) return {};
+    if (auto taken = take(std::string_view(piece).substr(0, *count)); !taken) return taken;
+  }
 }
 
 Result<> writeBytes(const std::string& path, std::string_view bytes, AtLink links) {
