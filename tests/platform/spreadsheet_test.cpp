@@ -214,7 +214,7 @@ TEST_F(Spreadsheets, OfWhatIsNoneAreRefusedWithTheReason) {
 TEST_F(Spreadsheets, ThatWouldTakeMemoryAreRefusedAsDamaged) {
   std::string deep;
   for (int i = 0; i < 300; ++i) deep += "<a>";
-  const std::string longPart(std::size_t{20} << 20, 'x');
+  const std::string longPart(std::size_t{1200} << 10, 'x');
   EXPECT_EQ(failureOf(packed({{"content.xml", "", deep}})).kind, ErrorKind::Corrupt);
   EXPECT_EQ(failureOf(packed({{"content.xml", "", "<a><!--" + longPart + "--></a>"}})).kind, ErrorKind::Corrupt);
   EXPECT_EQ(failureOf(packed({{"content.xml", "", "<a b='" + longPart + "'/>"}})).kind, ErrorKind::Corrupt);

@@ -11,8 +11,9 @@
 namespace kv {
 namespace {
 
-// Beyond what any sheet has. Each open element takes memory, and a comment or an attribute is held whole.
-constexpr std::size_t deepestElement = 256, longestPart = std::size_t{16} << 20;
+// Beyond what any sheet has. Each open element takes memory; a comment or an attribute is held whole, and gone over
+// from its start with each piece of the file.
+constexpr std::size_t deepestElement = 256, longestPart = std::size_t{1} << 20;
 
 std::string_view withoutPrefix(std::string_view whole) {
   const auto colon = whole.rfind(':');

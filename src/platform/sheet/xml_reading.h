@@ -49,8 +49,8 @@ class XmlReading {
   ~XmlReading();
 
   /// Reads on; `isLast` ends the text. where: the file, for failures. Corrupt when it is no XML, or goes deeper than
-  /// 256 elements or has a comment, a tag or an attribute of more than 16 MiB, which would take memory; Malformed when
-  /// the listener or a document type ended it. UTF-8, UTF-16, Latin 1 and Windows-1252 are known.
+  /// 256 elements or has a comment, a tag or an attribute of more than 1 MiB, which would take memory and time;
+  /// Malformed when the listener or a document type ended it. UTF-8, UTF-16, Latin 1 and Windows-1252 are known.
   Result<> take(std::string_view bytes, bool isLast, const std::string& where);
 
  private:
