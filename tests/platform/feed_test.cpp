@@ -79,9 +79,52 @@ TEST_F(Feeds, BeyondTheLimitsAreRefused) {
   EXPECT_EQ(failure.number, TooLargeSheet);
   EXPECT_EQ(read("<rss><item><id>" + std::string((std::size_t{1} << 20) + 1, 'x') + "</id></item></rss>"), "refused");
   EXPECT_EQ(failure.number, TooLargeSheet);
-  texts.limits.textBytes = 20;
+  texts.limits.textBytes = 5;
   EXPECT_EQ(read(feed, texts), "refused");
   EXPECT_EQ(failure.number, TooLargeSheet);
+  SheetRequest bytes;
+  bytes.limits.unpacked = feed.size() - 1;
+  EXPECT_EQ(read(feed, bytes), "refused");
+  EXPECT_EQ(failure.number, TooLargeSheet);
+}
+
+TEST_F(Feeds, WhoseItemsWouldTakeMemoryAreRefused) {
+  const std::string longName(100'000, 'x'), longest(std::size_t{1} << 20, 'x');
+  const auto isTooLarge = [&](const std::string& item, const SheetRequest& request = {}) {
+    failure = {};
+    return read("<feed><entry>" + item + "</entry></feed>", request) == "refused" && failure.number == TooLargeSheet;
+  };
+  EXPECT_TRUE(isTooLarge("<" + longName + "/>")) << "a name";
+  EXPECT_TRUE(isTooLarge("<link href='" + longName + "'>" + longest + "</link>"))
+      << "an address with the text after it";
+  SheetRequest small;
+  small.limits.textBytes = 8;
+  EXPECT_TRUE(isTooLarge("<a>12345</a><b>6789</b>", small)) << "the fields of one item";
+  EXPECT_EQ(read("<feed><entry><a>1234</a></entry></feed>", small), "1:a\n2:1234\n");
+}
+
+TEST_F(Feeds, AreReadInPiecesAndLeftBetweenTwoOfThem) {
+  std::string feed = "<feed>";
+  while (feed.size() < (std::size_t{1} << 20))
+    feed += "<entry><id>1</id><shipping>" + std::string(1000, ' ') + "</shipping></entry>";
+  feed += "</feed>";
+  int asked = 0;
+  SheetRequest request;
+  request.goOn = [&asked] { return ++asked < 5; };
+  EXPECT_EQ(read(feed, request), "refused");
+  EXPECT_EQ(failure.kind, ErrorKind::Cancelled);
+  EXPECT_EQ(asked, 5);
+}
+
+TEST_F(Feeds, ThatAreWrittenOnWhileTheyAreReadAreRefused) {
+  SheetRequest request;
+  int asked = 0;
+  request.goOn = [&] {
+    // The first question is that of the first reading, the next one that of the second: the bytes are there by then.
+    return ++asked > 1 || writeBytes(root / "feed.xml", "<feed><entry><b>1</b></entry></feed>").has_value();
+  };
+  EXPECT_EQ(read("<feed><entry><a>1</a></entry></feed>", request), "refused");
+  EXPECT_EQ(failure.kind, ErrorKind::InUse);
 }
 
 }  // namespace

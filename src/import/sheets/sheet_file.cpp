@@ -140,6 +140,8 @@ std::string sheetFailureText(const Error& error, const std::string& path) {
       return "Il foglio " + name + " non esiste";
     case ErrorKind::Corrupt:
       return "Il foglio " + name + " è danneggiato";
+    case ErrorKind::InUse:
+      return "Il foglio " + name + " è usato da un altro programma: riprovare quando ha finito";
     case ErrorKind::Malformed:
       return "Il file " + name + " non è un foglio: servono XLSX, ODS o CSV";
     default:

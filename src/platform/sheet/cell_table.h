@@ -16,7 +16,7 @@ struct SheetLimits {
   std::size_t cells = 24'000'000;                   ///< four bytes each
   std::size_t textBytes = std::size_t{128} << 20;   ///< of all cells together, and of a file of text; half of it in
                                                     ///< another encoding than UTF-8
-  std::uint64_t unpacked = std::uint64_t{1} << 30;  ///< bytes that the parts of a packed file may unpack to
+  std::uint64_t unpacked = std::uint64_t{1} << 30;  ///< bytes of XML: what a packed file may unpack to, or of a feed
 };
 
 /// One cell.

@@ -1,5 +1,7 @@
 // Feeds in RSS 2.0 (rssboard.org) and in Atom (RFC 4287); both carry fields of products with the prefix "g".
 #include <algorithm>
+#include <functional>
+#include <map>
 
 #include "platform/files/files.h"
 #include "platform/sheet/sheet_readers.h"
@@ -8,7 +10,7 @@
 namespace kv {
 namespace {
 
-constexpr std::size_t longestFeedField = std::size_t{1} << 20;  // bytes of one field
+constexpr std::size_t longestFeedField = std::size_t{1} << 20, longestFeedName = 1024;  // bytes
 constexpr std::string_view productPrefix = "g:", whiteSpace = " \t\r\n";
 
 std::string_view withoutSpaceAround(std::string_view text) {
@@ -30,8 +32,9 @@ class FeedListener : public XmlListener {
       field_ = name;
       // A link of Atom has its address in an attribute.
       value_ = name == "link" ? attributes.get("href") : std::string_view();
+      isFull = isFull || name.size() > longestFeedName || value_.size() > longestFeedField;
     }
-    return true;
+    return !isFull;
   }
   bool end(std::string_view) final {
     if (depth_ == itemDepth_) {
@@ -44,7 +47,7 @@ class FeedListener : public XmlListener {
     return !isFull;
   }
   bool text(std::string_view piece) final {
-    if (!isField()) return true;
+    if (!isField() || isFull) return !isFull;
     isFull = isFull || piece.size() > longestFeedField - value_.size();
     if (!isFull) value_ += piece;
     return !isFull;
@@ -59,45 +62,54 @@ class FeedListener : public XmlListener {
   std::string field_, value_;
 };
 
-/// The names of all fields, those of products first.
+/// The names of all fields.
 class FeedNames final : public FeedListener {
  public:
   explicit FeedNames(const SheetLimits& limits) : most_(limits.columns) {}
 
-  std::vector<std::string> names;
+  /// Those of products first, else as they come.
+  std::vector<std::string> columns() const {
+    std::vector<std::string> names(found_.size());
+    for (const auto& [name, order] : found_) names[order] = name;
+    std::stable_partition(names.begin(), names.end(), [](const auto& name) { return name.starts_with(productPrefix); });
+    return names;
+  }
 
  private:
   bool addField(const std::string& name, std::string_view) override {
-    if (std::ranges::find(names, name) != names.end()) return true;
-    if (names.size() >= most_) return false;
-    names.push_back(name);
-    return true;
+    found_.try_emplace(name, found_.size());
+    return found_.size() <= most_;
   }
-  bool endItem() override {
-    std::stable_partition(names.begin(), names.end(), [](const auto& name) { return name.starts_with(productPrefix); });
-    return true;
-  }
+  bool endItem() override { return true; }
 
   std::size_t most_;
+  std::map<std::string, std::size_t> found_;  // with the order in which they came
 };
 
 /// A row for each item, the names above them.
 class FeedRows final : public FeedListener {
  public:
   FeedRows(const std::vector<std::string>& names, const SheetLimits& limits)
-      : cells(limits), names_(names), row_(names.size()) {
-    for (const std::string& name : names) isFull = !cells.add(name) || isFull;
+      : cells(limits), row_(names.size()), most_(limits.textBytes) {
+    for (const std::string& name : names) {
+      columns_.emplace(name, columns_.size());
+      isFull = !cells.add(name) || isFull;
+    }
     isFull = !cells.endRow(++line_) || isFull;
   }
 
   CellTable cells;
+  bool isChanged = false;  // the file has a field that it did not have before
 
  private:
   bool addField(const std::string& name, std::string_view value) override {
-    const auto column = static_cast<std::size_t>(std::ranges::find(names_, name) - names_.begin());
+    const auto column = columns_.find(name);
+    isChanged = column == columns_.end();
     // The first of several holds: the others are further pictures or kinds of the same product.
-    if (row_[column].empty()) row_[column] = value;
-    return true;
+    if (isChanged || !row_[column->second].empty()) return !isChanged;
+    row_[column->second] = value;
+    rowBytes_ += value.size();
+    return rowBytes_ <= most_;
   }
   bool endItem() override {
     bool added = true;
@@ -105,17 +117,41 @@ class FeedRows final : public FeedListener {
       added = added && cells.add(field);
       field.clear();
     }
+    rowBytes_ = 0;
     return added && cells.endRow(++line_);
   }
 
-  const std::vector<std::string>& names_;
+  std::map<std::string, std::size_t> columns_;
   std::vector<std::string> row_;
+  std::size_t rowBytes_ = 0, most_;
   std::uint32_t line_ = 0;
 };
 
-Result<> readFeedOnce(const std::string& path, std::string_view bytes, FeedListener& listener) {
-  auto read = XmlReading(listener, XmlNames::Whole).take(bytes, true, path);
+/// Hands the bytes of a feed on, in pieces, from its start to its end or to the first failure.
+using FeedSource = std::function<Result<>(const std::function<Result<>(std::string_view)>& take)>;
+
+Result<> readFeedOnce(const std::string& path, const FeedSource& source, const SheetRequest& request,
+                      FeedListener& listener) {
+  XmlReading reading(listener, XmlNames::Whole);
+  auto read = source([&](std::string_view piece) -> Result<> {
+    if (request.goOn && !request.goOn()) return fail(ErrorKind::Cancelled, path, "cancelled");
+    return reading.take(piece, false, path);
+  });
+  if (read) read = reading.take({}, true, path);
   return withListenersFault(std::move(read), listener.isFull);
+}
+
+/// Reads a feed twice: the columns are known at its end alone.
+Result<SheetContent> readFeedTwice(const std::string& path, const FeedSource& source, const SheetRequest& request) {
+  FeedNames fields(request.limits);
+  if (auto read = readFeedOnce(path, source, request, fields); !read) return fail(read.error());
+  const std::vector<std::string> columns = fields.columns();
+  if (columns.empty()) return fail(ErrorKind::Malformed, path, "no item");
+  FeedRows rows(columns, request.limits);
+  auto read = readFeedOnce(path, source, request, rows);
+  if (rows.isChanged) return fail(ErrorKind::InUse, path, "changed while it was read");
+  if (!read) return fail(read.error());
+  return SheetContent{{}, std::move(rows.cells)};
 }
 
 }  // namespace
@@ -130,20 +166,14 @@ bool startsLikeFeed(std::string_view bytes) {
 Result<SheetContent> readFeed(const std::string& path, const SheetRequest& request) {
   const auto stamp = fileStamp(path);
   if (!stamp) return fail(stamp.error());
-  // Names of elements take as much again as the texts.
-  if (stamp->size > 2 * request.limits.textBytes) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
-  const auto bytes = readBytes(path);
-  return bytes ? readFeedBytes(path, *bytes, request) : fail(bytes.error());
+  if (stamp->size > request.limits.unpacked) return fail(ErrorKind::Malformed, path, "too large", TooLargeSheet);
+  return readFeedTwice(
+      path, [&path](const auto& take) { return readPieces(path, take); }, request);
 }
 
 Result<SheetContent> readFeedBytes(const std::string& path, std::string_view bytes, const SheetRequest& request) {
-  FeedNames fields(request.limits);
-  if (auto read = readFeedOnce(path, bytes, fields); !read) return fail(read.error());
-  if (fields.names.empty()) return fail(ErrorKind::Malformed, path, "no item");
-  if (request.goOn && !request.goOn()) return fail(ErrorKind::Cancelled, path, "cancelled");
-  FeedRows rows(fields.names, request.limits);
-  if (auto read = readFeedOnce(path, bytes, rows); !read) return fail(read.error());
-  return SheetContent{{}, std::move(rows.cells)};
+  return readFeedTwice(
+      path, [bytes](const auto& take) { return take(bytes); }, request);
 }
 
 }  // namespace kv
