@@ -81,6 +81,26 @@ int Descriptor::closeNow() {
   return ::close(std::exchange(number_, -1)) == 0 || errno == EINTR ? 0 : errno;
 }
 
+// Without O_NONBLOCK the program would hang on a pipe of the file's name.
+Result<OpenedFile> openToRead(const std::string& path) {
+  if (!mayProceed(FileStep::OpenToRead, path)) return systemFailure(errno, path);
+  OpenedFile file{Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), {}};
+  if (!file.descriptor.isOpen()) return systemFailure(errno, path);
+  if (::fstat(file.descriptor.number(), &file.status) != 0) return systemFailure(errno, path);
+  if (S_ISDIR(file.status.st_mode)) return systemFailure(EISDIR, path);
+  if (!S_ISREG(file.status.st_mode)) return fail(ErrorKind::Other, path, "Not a regular file");
+  return file;
+}
+
+Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::size_t size, const std::string& path) {
+  for (;;) {
+    if (!mayProceed(FileStep::Read, path)) return systemFailure(errno, path);
+    const ssize_t count = ::read(descriptor.number(), buffer, size);
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) return systemFailure(errno, path);
+  }
+}
+
 bool mayWrite(const std::string& path, const struct stat& status) {
   return (status.st_mode & S_IWUSR) != 0 && ::access(path.c_str(), W_OK) == 0;
 }

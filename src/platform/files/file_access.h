@@ -45,6 +45,16 @@ class Descriptor {
   int number_;
 };
 
+/// A regular file that is open for reading.
+struct OpenedFile {
+  Descriptor descriptor;
+  struct stat status;
+};
+/// Opens a file. Missing when it isn't there, Other for a folder and for what is no file.
+Result<OpenedFile> openToRead(const std::string& path);
+/// Reads up to `size` bytes: the count, 0 at the end.
+Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::size_t size, const std::string& path);
+
 /// Whether the owner, root included, may write what `status` describes, and this process may write `path`.
 bool mayWrite(const std::string& path, const struct stat& status);
 /// ReadOnly when entries of the folder of `path` may not be added or removed. A missing folder is no failure here.

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/files/files.h"
+#include "platform/files/file_pieces.h"
 #include "platform/files/hexadecimal.h"
 
 namespace kv {

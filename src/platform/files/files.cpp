@@ -18,35 +18,8 @@ namespace {
 constexpr std::size_t copyPiece = std::size_t{16} * 1024;
 constexpr std::uint64_t copyPiecesBetweenQuestions = 64;
 constexpr std::size_t readStep = std::size_t{256} * 1024;
-constexpr std::size_t handedPiece = std::size_t{64} * 1024;
 constexpr mode_t newFileMode = 0666;
 constexpr mode_t newFolderMode = 0777;
-
-struct OpenedFile {
-  Descriptor descriptor;
-  struct stat status;
-};
-
-// Without O_NONBLOCK the program would hang on a pipe of the file's name.
-Result<OpenedFile> openToRead(const std::string& path) {
-  if (!mayProceed(FileStep::OpenToRead, path)) return systemFailure(errno, path);
-  OpenedFile file{Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), {}};
-  if (!file.descriptor.isOpen()) return systemFailure(errno, path);
-  if (::fstat(file.descriptor.number(), &file.status) != 0) return systemFailure(errno, path);
-  if (S_ISDIR(file.status.st_mode)) return systemFailure(EISDIR, path);
-  if (!S_ISREG(file.status.st_mode)) return fail(ErrorKind::Other, path, "Not a regular file");
-  return file;
-}
-
-// Reads up to buffer.size() bytes: the count, 0 at the end.
-Result<std::size_t> readPiece(const Descriptor& descriptor, char* buffer, std::size_t size, const std::string& path) {
-  for (;;) {
-    if (!mayProceed(FileStep::Read, path)) return systemFailure(errno, path);
-    const ssize_t count = ::read(descriptor.number(), buffer, size);
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno != EINTR) return systemFailure(errno, path);
-  }
-}
 
 /// Where a copy comes from, and who is asked whether it goes on.
 struct CopySource {
@@ -134,18 +107,6 @@ Result<std::string> readStart(const std::string& path, std::size_t limit) {
   }
   bytes.resize(filled);
   return bytes;
-}
-
-Result<> readPieces(const std::string& path, const std::function<Result<>(std::string_view)>& take) {
-  auto file = openToRead(path);
-  if (!file) return fail(file.error());
-  std::string piece(handedPiece, '\0');
-  for (;;) {
-    const auto count = readPiece(file->descriptor, piece.data(), piece.size(), path);
-    if (!count) return fail(count.error());
-    if (*count == 0) return {};
-    if (auto taken = take(std::string_view(piece).substr(0, *count)); !taken) return taken;
-  }
 }
 
 Result<> writeBytes(const std::string& path, std::string_view bytes, AtLink links) {

@@ -20,9 +20,6 @@ namespace kv {
 Result<std::string> readBytes(const std::string& path);
 /// The first bytes of a file, at most `limit` of them. Failures as readBytes.
 Result<std::string> readStart(const std::string& path, std::size_t limit);
-/// Hands the bytes of a file on in pieces of at most 64 KiB, so that a long one takes no memory. The first failure of
-/// `take` ends the reading and is returned. Failures as readBytes.
-Result<> readPieces(const std::string& path, const std::function<Result<>(std::string_view)>& take);
 /// What becomes of a symbolic link that is in the way of a file to be written.
 enum class AtLink {
   Follow,  ///< the file that it leads to is written

@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 
+#include "platform/files/file_pieces.h"
 #include "platform/files/files.h"
 #include "platform/sheet/sheet_readers.h"
 #include "platform/text/text.h"
