@@ -125,6 +125,18 @@ TEST(CsvText, BeyondTheLimitsIsNotRead) {
   EXPECT_TRUE(readCsv("a\nb\n\n\n", {}, limits, reading));
 }
 
+TEST(CsvText, OfAMillionEmptyColumnsHasThoseWithText) {
+  const std::string empty(1'000'000, ';');
+  CsvReading reading;
+  const auto cells = readCsv("a;b" + empty + "\n1;2" + empty + "\n", {}, {}, reading);
+  ASSERT_TRUE(cells);
+  EXPECT_EQ(cells->width(), 2U);
+  EXPECT_EQ(cells->rows(), 2U);
+  const auto far = readCsv("a;b\n1;2" + empty + "x\n", {}, {}, reading);
+  ASSERT_FALSE(far);
+  EXPECT_EQ(far.error().number, TooLargeSheet);
+}
+
 TEST(CsvText, OfAnotherEncodingThatIsHeldTwiceIsReadUpToHalfTheLength) {
   CsvReading reading;
   SheetLimits limits;

@@ -155,7 +155,7 @@ TEST_F(Spreadsheets, OfOpenDocumentRepeatCellsAndRowsAndLeaveOutNotes) {
       "<office:annotation><text:p>nota</text:p></office:annotation></table:table-cell>"
       "<table:table-cell table:number-columns-repeated='2' office:value-type='float' office:value='2.5'>"
       "<text:p>2,50</text:p></table:table-cell><table:table-cell "
-      "table:number-columns-repeated='16381'/></table:table-row>"
+      "table:number-columns-repeated='1000000'/></table:table-row>"
       "<table:table-row table:number-rows-repeated='2'><table:table-cell office:value-type='percentage' "
       "office:value='0.22'/>"
       "<table:covered-table-cell/><table:table-cell office:value-type='string'><text:p>a<text:s text:c='2'/>"
@@ -203,6 +203,13 @@ TEST_F(Spreadsheets, OfWhatIsNoneAreRefusedWithTheReason) {
   };
   EXPECT_EQ(kindOf("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1").number, OldSheet);
   EXPECT_EQ(kindOf(std::string("MZ\0\1\0\0\3\0\0", 9)).kind, ErrorKind::Malformed);
+  const std::string packedPdf = "%PDF-1.4\n" + std::string("\x01q\x1f\x8f\x12", 5) + "stream";
+  EXPECT_EQ(kindOf(packedPdf).kind, ErrorKind::Malformed);
+  ASSERT_TRUE(writeBytes(root / "x.csv", "codice;titolo\nT-1;Tazza\x01\n"));
+  EXPECT_EQ(sheetFormOf(root / "x.csv"), SheetForm::Text) << "a stray character stays in its cell";
+  for (const char* page : {"<html><table><tr><td>Codice", "\xEF\xBB\xBF\n<!DOCTYPE HTML>\n", "<TABLE border=1>"}) {
+    EXPECT_EQ(kindOf(page).kind, ErrorKind::Malformed) << page;
+  }
   EXPECT_EQ(kindOf("PK\x03\x04 cut off").kind, ErrorKind::Corrupt);
   EXPECT_EQ(failureOf(packed({{"readme.txt", "", "x"}})).kind, ErrorKind::Malformed);
   EXPECT_EQ(failureOf(root / "none.xlsx").kind, ErrorKind::Missing);

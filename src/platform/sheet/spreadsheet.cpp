@@ -4,6 +4,7 @@
 
 #include "platform/files/files.h"
 #include "platform/sheet/sheet_readers.h"
+#include "platform/text/text.h"
 
 namespace kv {
 namespace {
@@ -11,14 +12,29 @@ namespace {
 constexpr std::size_t lookedAt = 4096;                        // bytes of a file by which its form is known
 constexpr std::size_t searchedBytes = std::size_t{16} << 20;  // of a compound file, whose names may be at its end
 
-/// Bytes that are no text: zeros that are not the halves of UTF-16.
+/// A byte that no text has, but for zeros, which are half of UTF-16.
+bool isControl(char c) {
+  constexpr std::string_view ofTexts("\0\t\n\v\f\r\x1A\x1B", 8);
+  return static_cast<unsigned char>(c) < 0x20 && ofTexts.find(c) == std::string_view::npos;
+}
+
+/// Bytes that are no text: zeros that are not the halves of UTF-16, or more than a stray character of control.
 bool isBinary(std::string_view bytes) {
   if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) return false;
   std::size_t even = 0, odd = 0;
   for (std::size_t at = 0; at < bytes.size(); ++at) {
     if (bytes[at] == '\0') ++(at % 2 == 0 ? even : odd);
   }
-  return even > 0 && odd > 0;
+  constexpr std::size_t bytesForEach = 50;
+  const auto controls = static_cast<std::size_t>(std::ranges::count_if(bytes, isControl));
+  return (even > 0 && odd > 0) || controls > bytes.size() / bytesForEach + 1;
+}
+
+/// A page for browsers, which many programs write under the name of a sheet.
+bool isWebPage(std::string_view bytes) {
+  bytes.remove_prefix(std::min(bytes.find_first_not_of("\xEF\xBB\xBF \t\r\n"), bytes.size()));
+  constexpr std::string_view starts[] = {"<!doctype html", "<html", "<head", "<meta", "<table", "<style"};
+  return std::ranges::any_of(starts, [bytes](std::string_view start) { return startsWithIgnoringCase(bytes, start); });
 }
 
 /// Why a compound file is no sheet: it is one of an earlier program, or holds one that a password hides. Source:
@@ -50,6 +66,7 @@ Result<SheetForm> sheetFormOf(const std::string& path) {
   if (start->starts_with("\xD0\xCF\x11\xE0")) return compoundFailure(path);
   if (startsLikeFeed(*start)) return SheetForm::Feed;
   if (isBinary(*start)) return fail(ErrorKind::Malformed, path, "binary file");
+  if (isWebPage(*start)) return fail(ErrorKind::Malformed, path, "web page");
   return SheetForm::Text;
 }
 

@@ -25,7 +25,7 @@ enum class SheetForm {
 };
 
 /// The form of a file. Failures as readBytes; Malformed with ProtectedSheet or OldSheet for a binary sheet, with
-/// NoFault for a packed file or a binary file that is no sheet.
+/// NoFault for a packed file, a binary file or a web page that is no sheet.
 Result<SheetForm> sheetFormOf(const std::string& path);
 
 /// What of a file is read, and how far it may go.
