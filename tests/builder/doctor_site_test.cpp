@@ -54,6 +54,11 @@ TEST_F(DoctorSite, TheTemplateNeedsItsMarksAndKnownTags) {
   EXPECT_THAT(told(), ElementsAre("template: Template, file modello1.htm: il tag <KV_END> precede il tag <KV_START>"));
 }
 
+TEST_F(DoctorSite, TheTemplateMayShowWhoSells) {
+  shop.templateFile("index.htm", "<<1-legale_sede>> <<1-Legale_PIVA>> <<1-legale_registro>>");
+  EXPECT_THAT(told(), IsEmpty()) << "these tags are replaced whether they hold something or not";
+}
+
 TEST_F(DoctorSite, AMissingTemplateOrLanguageModuleIsTold) {
   shop.session.templatePath = "template/altro";
   ASSERT_TRUE(deleteFile(joinPath(shop.applicationFolder(), "languages/inglese.lng")));
@@ -92,7 +97,8 @@ TEST_F(DoctorSite, PaymentMustBeOnAndSetUp) {
   sql("UPDATE pagamento SET attivo1 = 0");
   EXPECT_THAT(told(), ElementsAre("payment.none: Nessun metodo di pagamento è attivo, nessuno può ordinare"));
   sql("UPDATE pagamento SET attivo1 = 1, metodo1 = 'Paypal'");
-  EXPECT_THAT(told(), ElementsAre("payment.unfinished: Pagamento Paypal: è in uso, ma non è ancora configurato"));
+  EXPECT_THAT(told(),
+              ElementsAre("payment.unfinished: Metodo di pagamento Paypal: è in uso, ma non è ancora configurato"));
 }
 
 TEST_F(DoctorSite, AServerPaymentNeedsAnEncryptedAddress) {

@@ -105,7 +105,8 @@ Findings findLegalDuties(const DoctorFacts& facts) {
 Findings findUnfinishedPayments(const DoctorFacts& facts) {
   Findings found;
   for (const std::string& name : facts.unfinishedPayments) {
-    found.push_back(commandFinding("Pagamento " + name + ": è in uso, ma non è ancora configurato", "payment", name));
+    found.push_back(
+        commandFinding("Metodo di pagamento " + name + ": è in uso, ma non è ancora configurato", "payment", name));
   }
   return found;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/text/text.h"
+#include "store/catalogue/shop_identity.h"
 #include "tags/engine/tag_engine.h"
 
 namespace kv {
@@ -60,6 +61,7 @@ bool KnownTags::knows(char kind, std::string_view name, TextHome home, int langu
 KnownTags shippedTags() {
   KnownTags tags;
   for (const std::string_view column : pageTagColumns()) tags.pageColumns.insert(foldCase(column));
+  for (const std::string_view column : identityColumns) tags.pageColumns.insert(foldCase(column));
   return tags;
 }
 
