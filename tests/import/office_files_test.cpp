@@ -97,6 +97,10 @@ TEST(OfficeFiles, ThatAreNotThereOrCannotBeWrittenSaySo) {
     ASSERT_FALSE(written) << name;
     EXPECT_TRUE(sheetWritingFailureText(written.error(), path).starts_with("Impossibile scrivere " + path + ":\n"));
   }
+  const auto other = openSheetOutput(root / "listino.ODS", "Foglio");
+  ASSERT_FALSE(other);
+  EXPECT_EQ(sheetWritingFailureText(other.error(), root / "listino.ODS"),
+            "Un foglio si scrive in un file CSV o XLSX: \"listino.ODS\" deve finire in .csv o in .xlsx");
 }
 
 TEST(OfficeFiles, UnderAPasswordOrOfAnEarlierFormSaySo) {

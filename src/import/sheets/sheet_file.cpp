@@ -154,6 +154,10 @@ std::string sheetWritingFailureText(const Error& error, const std::string& path)
     return "Un file XLSX ha al più 1.048.576 righe, e 32.767 caratteri in una cella: qui c'è di più. Scegliere un file "
            "CSV";
   }
+  if (error.kind == ErrorKind::Malformed) {
+    return "Un foglio si scrive in un file CSV o XLSX: \"" + std::string(baseName(path)) +
+           "\" deve finire in .csv o in .xlsx";
+  }
   return "Impossibile scrivere " + path + ":\n" + failureText(error);
 }
 
@@ -172,6 +176,10 @@ std::string readingText(const SheetReading& reading) {
 
 Result<std::unique_ptr<SheetOutput>> openSheetOutput(const std::string& path, const std::string& sheetName,
                                                      const CsvReading& form) {
+  // Text under such a name would be taken for a damaged sheet.
+  for (const std::string_view ending : {".ods", ".xls", ".xlsm"}) {
+    if (endsWithIgnoringCase(path, ending)) return fail(ErrorKind::Malformed, path, "a form that is only read");
+  }
   if (!endsWithIgnoringCase(path, ".xlsx")) return std::make_unique<CsvOutput>(path, form);
   auto writer = SheetWriter::create(path, sheetName);
   if (!writer) return fail(writer.error());

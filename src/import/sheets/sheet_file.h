@@ -56,7 +56,8 @@ class SheetOutput {
   /// Ends the file, which appears whole or not at all.
   virtual Result<> finish() = 0;
 };
-/// Starts a file: XLSX where its name ends so, else CSV in the form given. Failures as SheetWriter::create.
+/// Starts a file: XLSX where its name ends so, else CSV in the form given. Malformed where the name is that of another
+/// form of sheets; other failures as SheetWriter::create.
 Result<std::unique_ptr<SheetOutput>> openSheetOutput(const std::string& path, const std::string& sheetName,
                                                      const CsvReading& form = {});
 
