@@ -1,16 +1,31 @@
-// The program of the window tests: one application without a screen, in which every test opens its own windows.
+// The program of the window tests: one application without a screen, in which every test opens its own windows. A test
+// in which the toolkit warns of a wrong call fails.
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <algorithm>
+#include <array>
 #include <iostream>
 
 #include "shell/window/look/frm_style.h"
 
 namespace {
 
-/// The screen in memory complains of what it lacks at every window; nothing of it is about the windows.
-void writeMessage(QtMsgType, const QMessageLogContext&, const QString& text) {
-  if (!text.startsWith(QStringLiteral("This plugin does not support"))) std::cerr << text.toStdString() << '\n';
+/// What the toolkit says of the machine that the tests run on, and not of our windows.
+constexpr std::array ofTheMachine = {
+    "This plugin does not support",     // the screen in memory lacks something, at every window
+    "QStandardPaths: XDG_RUNTIME_DIR",  // nobody is logged in, or the folder is somebody else's
+};
+
+void writeMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  const auto begins = [&text](const char* start) { return text.startsWith(QLatin1String(start)); };
+  if (std::ranges::any_of(ofTheMachine, begins)) return;
+  const bool isWarning = type == QtWarningMsg || type == QtCriticalMsg;
+  if (isWarning && testing::UnitTest::GetInstance()->current_test_info() != nullptr) {
+    ADD_FAILURE() << "the toolkit warns: " << text.toStdString();
+  } else {
+    std::cerr << text.toStdString() << '\n';
+  }
 }
 
 }  // namespace

@@ -37,6 +37,8 @@ class TheNoticeOfOrders : public WiredWindow {
 TEST_F(TheNoticeOfOrders, SaysHowManyThereAreAndLeadsToTheirWindow) {
   ASSERT_TRUE(isAnnounced()) << "no notice after a minute";
   EXPECT_EQ(notice()->text(), "2 ordini nuovi");
+  EXPECT_LT(notice()->x(), window->findChild<QToolButton*>(QStringLiteral("cmdVedi"))->x())
+      << "before the button that is always there";
   EXPECT_NE(notice()->focusPolicy() & Qt::TabFocus, 0) << "the keyboard reaches it";
   bool isShown = false;
   whenShown(QStringLiteral("Korvane - Ordini"), [&isShown](QWidget& dialog) {

@@ -31,7 +31,8 @@ QToolButton* makeNotice(frmMain& window) {
   button->setAutoRaise(true);
   button->setFocusPolicy(Qt::StrongFocus);
   button->setToolTip(QStringLiteral("Apre la finestra degli ordini"));
-  window.statusBar()->insertPermanentWidget(0, button);
+  constexpr int afterStatus = 1;  // the text of the status line comes first, and a button can't go before it
+  window.statusBar()->insertPermanentWidget(afterStatus, button);
   QObject::connect(button, &QToolButton::clicked, &window, [&window] {
     const WorkbenchCommands& commands = window.workbench().commands();
     if (const Command* command = commands.table().named(ordersCommand)) commands.choose(*command);
