@@ -66,8 +66,8 @@ class PictureChoice {
   /// another file or turn is asked for.
   const PixelBuffer& turnedPicture(const std::string& path);
 
-  /// Why OK would refuse a file that is not edited: a side of its copy would be longer than 32767 pixels. Empty when none
-  /// is, or the file can't be read.
+  /// Why OK would refuse a file that is not edited: a side of its copy would be longer than 32767 pixels. Empty when
+  /// none is, or the file can't be read.
   std::string sizeRefusal(const std::string& path) const;
 
   /// A limit's field is left: takes the number over and is true, or says that it must be from 5 to 270 and is false;
