@@ -7,7 +7,7 @@ import tempfile
 import time
 
 from mysql_wire import Connection
-from own_server import leave
+from own_server import end_with_parent, leave
 
 
 def program(*names):
@@ -42,7 +42,7 @@ class Server:
                  "--innodb-buffer-pool-size=32M", "--innodb-flush-log-at-trx-commit=0",
                  # Nothing here has to outlive the machine.
                  "--innodb-flush-method=nosync", "--skip-sync-frm", "--skip-innodb-doublewrite", *user],
-                stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+                stdin=subprocess.DEVNULL, stdout=log, stderr=log, preexec_fn=end_with_parent)
         self._wait()
         return self
 

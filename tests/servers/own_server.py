@@ -1,10 +1,16 @@
 """A server of a test's own on 127.0.0.1: an ordinary process in a temporary folder."""
+import ctypes
 import os
 import pathlib
 import shutil
+import signal
 import socket
 import subprocess
 import tempfile
+
+# Source: prctl(2).
+PR_SET_PDEATHSIG = 1
+PRCTL = ctypes.CDLL(None, use_errno=True).prctl
 
 
 def free_port():
@@ -18,6 +24,11 @@ def program(name):
     if not found:
         raise SystemExit("%s is missing: tools/install-deps" % name)
     return found
+
+
+def end_with_parent():
+    """For a process between fork and exec: it ends when the thread that has started it does, however that ends."""
+    PRCTL(PR_SET_PDEATHSIG, signal.SIGKILL, 0, 0, 0)
 
 
 def leave(process, folder, keep, patience=20):
@@ -51,7 +62,7 @@ class OwnServer:
     def __enter__(self):
         with open(self.folder / "output.log", "wb") as output:
             self.process = subprocess.Popen(self.words(), stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                                            env=self.environment())
+                                            env=self.environment(), preexec_fn=end_with_parent)
         for _ in range(300):
             if self.process.poll() is not None:
                 break

@@ -4,7 +4,8 @@
 
 Ends with the program's own status. When the time is over (or at SIGALRM, which says so), it prints what was running,
 line by line with its age, and ends with 124. SIGTERM and SIGINT end everything, too, and so does the end of the program:
-no server outlives its test.
+no server outlives its test. The work is a child's: should this process be killed by force, the child ends everything
+all the same.
 """
 import ctypes
 import os
@@ -17,7 +18,9 @@ import time
 TOO_LONG = 124
 LAST_SECONDS = 10
 # Source: prctl(2). Processes whose parent has ended become children of this one, not of the first of the machine.
-PR_SET_CHILD_SUBREAPER = 36
+PR_SET_PDEATHSIG, PR_SET_CHILD_SUBREAPER = 1, 36
+PRCTL = ctypes.CDLL(None, use_errno=True).prctl
+SIGNALS = (signal.SIGALRM, signal.SIGTERM, signal.SIGINT)
 
 
 class Over(Exception):
@@ -77,8 +80,10 @@ def reap_ended():
 
 
 def end_all(program):
-    """The program first, which may put its own things in order; then by force whatever is there still."""
-    send(program, signal.SIGTERM)
+    """The program first, which may put its own things in order; then by force whatever is there still. None: a program
+    that has only just been started."""
+    for pid in [program] if program else children().get(os.getpid(), []):
+        send(pid, signal.SIGTERM)
     give_up = time.monotonic() + LAST_SECONDS
     while reap_ended() and program in children().get(os.getpid(), []) and time.monotonic() < give_up:
         time.sleep(0.05)
@@ -96,14 +101,13 @@ def status_of(program):
             return os.waitstatus_to_exitcode(status)
 
 
-def main(seconds, *words):
-    ctypes.CDLL(None, use_errno=True).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
-    for one in (signal.SIGALRM, signal.SIGTERM, signal.SIGINT):
-        signal.signal(one, over)
-    # Kept: an object that goes away reaps the child that has ended already.
-    child = subprocess.Popen(words)
-    program = child.pid
+def run_within(seconds, *words):
+    PRCTL(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+    program = None
     try:
+        # Kept: an object that goes away reaps the child that has ended already.
+        child = subprocess.Popen(words)
+        program = child.pid
         signal.alarm(int(seconds))
         status = status_of(program)
     except Over as reason:
@@ -113,10 +117,30 @@ def main(seconds, *words):
             print(f"{pathlib.Path(words[0]).name} did not end within {seconds} s; running were:", flush=True)
             for depth, pid in below(os.getpid()):
                 print("  " * (depth + 1) + f"{pid} {line_of(pid)}", flush=True)
-    for one in (signal.SIGALRM, signal.SIGTERM, signal.SIGINT):
+    for one in SIGNALS:
         signal.signal(one, signal.SIG_IGN)
     end_all(program)
     return status if status >= 0 else 128 - status
+
+
+def main(*words):
+    own, inner = os.getpid(), 0
+
+    def passed_on(number, _):
+        send(inner, number)
+
+    # Until the child has its own handlers, and its number is known here, no signal comes through.
+    signal.pthread_sigmask(signal.SIG_BLOCK, SIGNALS)
+    inner = os.fork()
+    for one in SIGNALS:
+        signal.signal(one, passed_on if inner else over)
+    if inner == 0:
+        os.setpgid(0, 0)  # what is sent to the group of the one above comes by it, once
+        PRCTL(PR_SET_PDEATHSIG, signal.SIGTERM, 0, 0, 0)
+        if os.getppid() != own:
+            return 128 + signal.SIGTERM
+    signal.pthread_sigmask(signal.SIG_UNBLOCK, SIGNALS)
+    return run_within(*words) if inner == 0 else os.waitstatus_to_exitcode(os.waitpid(inner, 0)[1])
 
 
 if __name__ == "__main__":

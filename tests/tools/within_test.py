@@ -1,13 +1,16 @@
-"""tests/tools/within.py ends a driver that hangs, with all that it started, and says what that was.
+"""tests/tools/within.py ends a driver that hangs, with all that it started, and says what that was; and no server of a
+test's own outlives its driver.
 
     python3 within_test.py BUILD
 """
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
+import time
 import unittest
 
 SCRIPT = pathlib.Path(__file__).with_name("within.py")
@@ -58,11 +61,42 @@ class Within(unittest.TestCase):
     def test_whoever_ends_the_run_ends_its_servers(self):
         self.assertEqual(self.ended(signal.SIGTERM), ("", 128 + signal.SIGTERM))
 
+    def test_a_run_that_is_killed_by_force_ends_its_servers(self):
+        self.assertEqual(self.ended(signal.SIGKILL), ("", -signal.SIGKILL))
+
     def test_a_server_does_not_outlive_its_driver(self):
         one = start("sh", "-c", "setsid sleep 1003 >/dev/null & echo $!")
         server = int(one.communicate(timeout=300)[0])
         self.assertEqual(one.returncode, 0)
         self.assertFalse(is_there(server))
+
+
+# A driver of servers that waits for ever, started by hand.
+DRIVER = """
+import sys, time
+from own_server import OwnServer
+class Idle(OwnServer):
+    def words(self):
+        return [sys.executable, "-m", "http.server", "--bind", "127.0.0.1", str(self.port)]
+with Idle() as server:
+    print(server.process.pid, server.folder, flush=True)
+    time.sleep(1004)
+"""
+
+
+class OwnServers(unittest.TestCase):
+    def test_a_server_ends_with_a_driver_that_is_killed_by_force(self):
+        one = subprocess.Popen([sys.executable, "-B", "-c", DRIVER], stdout=subprocess.PIPE, text=True,
+                               env={**os.environ, "PYTHONPATH": str(SCRIPT.parents[1] / "servers")})
+        number, folder = one.stdout.readline().split()
+        self.addCleanup(shutil.rmtree, folder)
+        self.assertTrue(is_there(int(number)))
+        one.kill()
+        one.communicate(timeout=300)
+        give_up = time.monotonic() + 300
+        while is_there(int(number)) and time.monotonic() < give_up:
+            time.sleep(0.02)
+        self.assertFalse(is_there(int(number)), "the server is still there")
 
 
 class Limits(unittest.TestCase):
