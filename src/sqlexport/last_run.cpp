@@ -67,7 +67,8 @@ LastRun readLastRun(const std::string& shopFolder) {
   return lines;
 }
 
-Result<> keepLastRun(const std::string& shopFolder, const PublishedShop& shop, double languages) {
+Result<> keepLastRun(const std::string& shopFolder, const PublishedShop& shop, double languages,
+                     const std::function<bool()>& goOn) {
   if (auto forgotten = forgetLastRun(shopFolder); !forgotten) return forgotten;
   const std::array<std::string, lastRunLines> lines{shop.hostname, shop.URL, shop.db_hostname, shop.db_dbname,
                                                     trimmedNumber(languages)};
@@ -75,7 +76,7 @@ Result<> keepLastRun(const std::string& shopFolder, const PublishedShop& shop, d
   for (const std::string& line : lines) text += lastRunLine(line) + "\r\n";
   if (auto written = writeText(lastRunPath(shopFolder), text); !written) return written;
   // The copy comes to its name whole, and last: without it the lines say nothing.
-  return copyFile(entryPath(shopFolder, "db/sql.mdb"), lastDatabasePath(shopFolder));
+  return copyFile(entryPath(shopFolder, "db/sql.mdb"), lastDatabasePath(shopFolder), AtLink::Follow, goOn);
 }
 
 Result<> forgetLastRun(const std::string& shopFolder) { return deleteIfThere(lastDatabasePath(shopFolder)); }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "platform/database/database.h"
@@ -33,8 +34,10 @@ std::string lastRunPath(const std::string& shopFolder);
 /// The lines of last.ini; all empty when there is no such file.
 LastRun readLastRun(const std::string& shopFolder);
 /// Makes db/sql.mdb the base of the next difference: deletes last.mdb, writes last.ini and then copies sql.mdb, so that
-/// a kill at any moment leaves either the whole base or none. After a failure there is none.
-Result<> keepLastRun(const std::string& shopFolder, const PublishedShop& shop, double languages);
+/// a kill at any moment leaves either the whole base or none. After a failure there is none. goOn: asked every few MiB
+/// of the copy; false ends it as Cancelled.
+Result<> keepLastRun(const std::string& shopFolder, const PublishedShop& shop, double languages,
+                     const std::function<bool()>& goOn = {});
 /// Deletes last.mdb: the next publish run is a full one. One that isn't there is no failure.
 Result<> forgetLastRun(const std::string& shopFolder);
 

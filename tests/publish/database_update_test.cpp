@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "commerce/prices/price_history.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
@@ -178,6 +180,18 @@ TEST_F(DatabaseUpdate, ACopyThatFailsLeavesNoBase) {
   files.onlyFor("last.mdb");
   EXPECT_EQ(run(), "OK");
   EXPECT_EQ(read("db/last.mdb"), "(missing)");
+}
+
+TEST_F(DatabaseUpdate, ACancelDuringTheCopyOfTheBaseLeavesNoneAndKeepsThePublishedPrices) {
+  UpdateParts cancelled = parts();
+  cancelled.yield = [&] { return !fileExists(priceHistoryPath(shop)); };  // the copy is what comes next
+  EXPECT_EQ(updateDatabase(job, cancelled), "");
+  EXPECT_EQ(host.requests.size(), 2U);
+  EXPECT_EQ(listFiles(shop + "/db", "*"), (std::vector<std::string>{"last.ini", "sql.mdb"}));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(shop + "/db"), {}), 2) << "no unfinished copy";
+  EXPECT_TRUE(published().starts_with("7|0|"));
+  EXPECT_EQ(run(), "OK");
+  EXPECT_EQ(read("db/last.mdb"), theBuild());
 }
 
 TEST_F(DatabaseUpdate, ADifferenceThatWasSentIsNotKept) {

@@ -113,12 +113,14 @@ void warnOfExposedSql(const UpdateJob& job, const UpdateParts& parts) {
 }
 
 /// Makes the build's database the base of the next difference. After a failure there is none, and the next run is a
-/// full one.
-void rememberUpdate(const UpdateJob& job, double languages) {
+/// full one. False when the user has cancelled the copy: there is no base either then.
+bool rememberUpdate(const UpdateJob& job, double languages, const std::function<bool()>& yield) {
   // A difference that was kept belongs to the base it was made from: sent once more, it would insert its rows twice.
-  if (!deleteCache(ExportKind::Incremental, job.onlineFolder, job.shop.db_security)) return;
-  if (keepLastRun(job.shopFolder, job.shop, languages)) return;
+  if (!deleteCache(ExportKind::Incremental, job.onlineFolder, job.shop.db_security)) return true;
+  const auto kept = keepLastRun(job.shopFolder, job.shop, languages, yield);
+  if (kept) return true;
   ignore(forgetLastRun(job.shopFolder), "there is none after a failed keeping");
+  return kept.error().kind != ErrorKind::Cancelled;
 }
 
 /// Notes what the host has just confirmed to show: the lowest prices before later reductions are found in it.
@@ -187,8 +189,8 @@ std::string updateDatabase(const UpdateJob& job, const UpdateParts& parts) {
   const auto answers = UpdateDB(job, parts);
   if (!answers) return {};
   if (!answers->empty()) return failureTag(job, *answers);
-  rememberUpdate(job, languages);
   rememberPrices(job, parts);
+  if (!rememberUpdate(job, languages, parts.yield)) return {};
   warnOfExposedSql(job, parts);
   return std::string(confirmed);
 }
