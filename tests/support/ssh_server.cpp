@@ -1,6 +1,7 @@
 #include "support/ssh_server.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -80,8 +81,12 @@ void SshServer::writeSettings() const {
 }
 
 void SshServer::start() {
+  const pid_t test = ::getpid();
   process_ = ::fork();
   if (process_ == 0) {
+    // A test that is killed ends nothing itself. The setting lasts until its thread ends, and outlasts exec.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != test) ::_exit(127);
     const int log = ::open((folder_ / "log").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR);
     ::dup2(log, STDERR_FILENO);
     ::setenv("LD_PRELOAD", "libnss_wrapper.so", 1);

@@ -1,6 +1,7 @@
 #pragma once
 // An OpenSSH server on 127.0.0.1 in a folder of its own, as an ordinary process: one user with a password, who lands in
-// the folder "home". nss_wrapper gives the server its own list of users, so that nothing of the machine is touched.
+// the folder "home". nss_wrapper gives the server its own list of users, so that nothing of the machine is touched. It
+// ends with the test, however that ends.
 
 #include <string>
 

@@ -1,9 +1,17 @@
 // SFTP with a real OpenSSH server: what the port of a transfer promises holds for this protocol too.
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
+#include "support/local_listener.h"
 #include "support/socks_relay.h"
 #include "support/ssh_server.h"
 #include "transfer/transfer_fixture.h"
@@ -211,6 +219,42 @@ TEST_F(AServerThatHangsUp, IsNoSftpServer) {
   const auto sftp = makeTransfer(TransferProtocol::Sftp);
   EXPECT_EQ(sftp->connect(settings).code, transferNoConnection);
   EXPECT_FALSE(sftp->isConnected());
+}
+
+bool isServed(int port) {
+  const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const sockaddr_in address = test::localAddress(port);
+  const bool connected = ::connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  ::close(client);
+  return connected;
+}
+
+TEST(AServerOfATest, EndsWithATestThatIsKilled) {
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    const SshServer server;
+    const std::string told = server.port() + " " + server.home();
+    if (::write(ends[1], told.data(), told.size()) > 0) ::pause();
+    ::_exit(1);
+  }
+  ::close(ends[1]);
+  std::array<char, 1000> told{};
+  ASSERT_GT(::read(ends[0], told.data(), told.size() - 1), 0);
+  ::close(ends[0]);
+  std::istringstream words(told.data());
+  int port = 0;
+  std::string home;
+  words >> port >> home;
+  EXPECT_TRUE(isServed(port));
+  ::kill(child, SIGKILL);
+  ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+  while (isServed(port) && std::chrono::steady_clock::now() < giveUp) ::usleep(10'000);
+  EXPECT_FALSE(isServed(port)) << "the server is still there";
+  std::filesystem::remove_all(std::filesystem::path(home).parent_path());
 }
 
 }  // namespace
