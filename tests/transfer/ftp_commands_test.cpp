@@ -1,4 +1,12 @@
 // The commands of a connection, as a server that does its part answers them.
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <thread>
+#include <utility>
+
 #include "transfer/transfer_fixture.h"
 
 namespace kv {
@@ -9,6 +17,23 @@ using test::ScriptedFtpServer;
 
 class AnFtpConnection : public test::TransferFixture {};
 
+/// What the system does next on this process's side of a connection to a port of this machine, and in how many
+/// hundredths of a second: "02" and some where it will ask whether the other side is still there. Empty without such a
+/// connection. Source: proc(5), /proc/net/tcp.
+std::pair<std::string, long> timerOfConnectionTo(const std::string& port) {
+  std::array<char, 10> wanted{};
+  std::snprintf(wanted.data(), wanted.size(), ":%04X", std::stoi(port));
+  std::ifstream table("/proc/net/tcp");
+  for (std::string line; std::getline(table, line);) {
+    std::istringstream fields(line);
+    std::string number, local, remote, state, queues, timer;
+    fields >> number >> local >> remote >> state >> queues >> timer;
+    if (state != "01" || !remote.ends_with(wanted.data())) continue;
+    return {timer.substr(0, 2), std::stol(timer.substr(3), nullptr, 16)};
+  }
+  return {};
+}
+
 TEST_F(AnFtpConnection, LogsInReadsTheFolderAndLeaves) {
   ScriptedFtpServer server({.home = "/casa"});
   ASSERT_EQ(enter(settingsOf(server)), "ok");
@@ -17,6 +42,19 @@ TEST_F(AnFtpConnection, LogsInReadsTheFolderAndLeaves) {
   EXPECT_TRUE(transfer->quit().succeeded());
   EXPECT_FALSE(transfer->isConnected());
   EXPECT_EQ(server.commands(), (std::vector<std::string>{"USER mario", "PASS segreto", "PWD", "QUIT"}));
+}
+
+TEST_F(AnFtpConnection, IsKeptAliveWhereARouterWouldForgetIt) {
+  ScriptedFtpServer server;
+  ASSERT_EQ(enter(settingsOf(server)), "ok");
+  // Until the last command is confirmed, the system has something else to do first.
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (timerOfConnectionTo(server.port()).first != "02" && std::chrono::steady_clock::now() < giveUp) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  const auto [timer, hundredths] = timerOfConnectionTo(server.port());
+  EXPECT_EQ(timer, "02");
+  EXPECT_LE(hundredths, 3000) << "half a minute; the system's own two hours are too long";
 }
 
 TEST_F(AnFtpConnection, TellsEveryLineButNoPassword) {
