@@ -76,6 +76,9 @@ TEST(PublishSettings, WithoutAFileTheDefaultsHold) {
   EXPECT_TRUE(settings.onlyModified && settings.onlyShopFiles && settings.allRecords && settings.lockTables);
   EXPECT_FALSE(settings.disabled || settings.optimised);
   EXPECT_EQ(settings.types, "ALL.");
+  for (const char* name : {"kvftp.ini", "firewall.net"}) ASSERT_TRUE(createFolder(shop / name));
+  EXPECT_EQ(readPublishSettings(shop.path()), settings) << "one that can't be read is as good as none";
+  EXPECT_EQ(readFirewallSettings(shop.path()), FirewallSettings());
 }
 
 TEST(PublishSettings, KeysAreFiveCharactersInAnyCaseAndValuesAreTrimmed) {
