@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "platform/files/files.h"
+#include "support/failing_files.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -146,6 +147,26 @@ TEST_F(ApplicationFolder, AFailureWritesNoListAndTheNextRunGoesOn) {
   EXPECT_EQ(present("installed.lst"), "(none)");
   ASSERT_EQ(::chmod((folder + "/languages").c_str(), 0755), 0);
   EXPECT_EQ(update(), "2 0 0");
+}
+
+TEST_F(ApplicationFolder, AFolderThatCantBeListedWritesNoListAndTheNextRunGoesOn) {
+  bool reached = true;
+  int refused = 0;
+  for (std::int64_t failing = 1; reached; ++failing) {
+    std::filesystem::remove_all(folder);
+    {
+      test::FailingFiles gate(failing);
+      gate.onlyAt({FileStep::List});
+      const auto done = prepareApplicationFolder(installed, folder);
+      reached = gate.hasFailed();
+      if (!done) ++refused;
+      EXPECT_EQ(present("installed.lst") == "(none)", !done) << failing;
+      if (done) EXPECT_EQ(present("languages/ita.lng") + present("template/blu/modello1.htm"), "itaone") << failing;
+    }
+    update();
+    EXPECT_EQ(present("languages/ita.lng") + present("template/blu/modello1.htm"), "itaone") << failing;
+  }
+  EXPECT_GE(refused, 4) << "the folder itself and each below it";
 }
 
 TEST_F(ApplicationFolder, AFileNoLongerShippedStaysAndDoesNotComeBackOnceDeleted) {

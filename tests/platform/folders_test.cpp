@@ -6,6 +6,8 @@
 #include <filesystem>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
+#include "support/failing_files.h"
 #include "support/temp_folder.h"
 
 namespace kv {
@@ -72,6 +74,21 @@ TEST(Listing, OfFoldersLeavesHiddenOnesOut) {
   TempFolder folder;
   for (const char* name : {"Verde", "blu", ".git"}) ASSERT_TRUE(createFolder(folder / name));
   EXPECT_THAT(listFolders(folder.path()), ElementsAre("blu", "Verde"));
+}
+
+TEST(Listing, ThatFailsIsToldFromAnEmptyFolderByWhoeverAsks) {
+  const TempFolder folder;
+  put(folder / "a.gif");
+  ASSERT_TRUE(createFolder(folder / "sotto"));
+  EXPECT_THAT(*readFileNames(folder.path(), "*.gif"), ElementsAre("a.gif"));
+  EXPECT_THAT(*readFolderNames(folder.path()), ElementsAre("sotto"));
+  EXPECT_THAT(*readFileNames(folder / "manca", "*"), IsEmpty()) << "one that isn't there has no files";
+  EXPECT_THAT(*readFolderNames(folder / "manca"), IsEmpty());
+  test::FailingFiles gate(1, test::AfterFailure::FailsToo, EACCES);
+  gate.onlyAt({FileStep::List});
+  EXPECT_EQ(readFileNames(folder.path(), "*").error().kind, ErrorKind::ReadOnly);
+  EXPECT_EQ(readFolderNames(folder.path()).error().kind, ErrorKind::ReadOnly);
+  EXPECT_THAT(listFiles(folder.path(), "*"), IsEmpty());
 }
 
 TEST(FindEntry, IgnoresCaseAndPrefersTheExactName) {

@@ -9,6 +9,7 @@
 
 #include "platform/files/file_access.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/files/user_folders.h"
 #include "platform/text/text.h"
 
@@ -89,12 +90,16 @@ class Update {
 
 Result<> Update::bring(const std::string& below, bool reachable) {
   const std::string source = joinPath(installed_, below);
-  for (const std::string& name : listFiles(source, "*")) {
+  const auto files = readFileNames(source, "*");
+  if (!files) return fail(files.error());
+  for (const std::string& name : *files) {
     const std::string path = joinPath(below, name);
     if (path == listName || entryKindAt(joinPath(source, name)) != ShippedEntry::File) continue;
     if (auto brought = bringFile(path, reachable); !brought) return brought;
   }
-  for (const std::string& name : listFolders(source)) {
+  const auto folders = readFolderNames(source);
+  if (!folders) return fail(folders.error());
+  for (const std::string& name : *folders) {
     if (entryKindAt(joinPath(source, name)) != ShippedEntry::Folder) continue;
     if (auto brought = bringFolder(joinPath(below, name), reachable); !brought) return brought;
   }
@@ -105,7 +110,8 @@ Result<> Update::bringFolder(const std::string& path, bool reachable) {
   const std::string source = joinPath(installed_, path), target = joinPath(folder_, path);
   const ShippedEntry kind = reachable ? entryKindAt(target) : ShippedEntry::Other;
   // A folder with files is created with its first file, so that one the merchant deleted isn't created again, empty.
-  const bool isBare = listFiles(source, "*").empty() && listFolders(source).empty();
+  const auto files = readFileNames(source, "*"), folders = readFolderNames(source);
+  const bool isBare = files && folders && files->empty() && folders->empty();
   if (kind == ShippedEntry::Nothing && isBare) return createFolders(target);
   return bring(path, kind == ShippedEntry::Nothing || kind == ShippedEntry::Folder);
 }

@@ -10,6 +10,7 @@
 
 #include "platform/files/file_access.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/files/trees.h"
 #include "platform/text/text.h"
 
@@ -63,6 +64,13 @@ Result<std::vector<Entry>> entriesOf(const std::string& folder) {
   std::vector<Entry> entries;
   entries.reserve(sorted.size());
   for (auto& [folded, entry] : sorted) entries.push_back(std::move(entry));
+  return entries;
+}
+
+/// entriesOf, and none of a folder that is missing.
+Result<std::vector<Entry>> entriesOrNone(const std::string& folder) {
+  auto entries = entriesOf(folder);
+  if (!entries && entries.error().kind == ErrorKind::Missing) return std::vector<Entry>();
   return entries;
 }
 
@@ -196,9 +204,17 @@ std::string entryPath(const std::string& folder, std::string_view name) {
 }
 
 std::vector<std::string> listFiles(const std::string& folder, std::string_view pattern) {
+  return readFileNames(folder, pattern).value_or(std::vector<std::string>());
+}
+
+std::vector<std::string> listFolders(const std::string& folder) {
+  return readFolderNames(folder).value_or(std::vector<std::string>());
+}
+
+Result<std::vector<std::string>> readFileNames(const std::string& folder, std::string_view pattern) {
   std::vector<std::string> names;
-  auto entries = entriesOf(folder);
-  if (!entries) return names;
+  auto entries = entriesOrNone(folder);
+  if (!entries) return fail(entries.error());
   const bool every = pattern == "*.*" || pattern == "*";
   for (Entry& entry : *entries) {
     if (entry.kind != EntryKind::File || isUnfinishedName(entry.name)) continue;
@@ -207,10 +223,10 @@ std::vector<std::string> listFiles(const std::string& folder, std::string_view p
   return names;
 }
 
-std::vector<std::string> listFolders(const std::string& folder) {
+Result<std::vector<std::string>> readFolderNames(const std::string& folder) {
   std::vector<std::string> names;
-  auto entries = entriesOf(folder);
-  if (!entries) return names;
+  auto entries = entriesOrNone(folder);
+  if (!entries) return fail(entries.error());
   for (Entry& entry : *entries) {
     if (entry.kind == EntryKind::Folder && !entry.name.starts_with('.')) names.push_back(std::move(entry.name));
   }
