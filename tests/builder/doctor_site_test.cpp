@@ -5,6 +5,7 @@
 #include "builder/doctor_shop.h"
 #include "commerce/gateways/gateway_table.h"
 #include "store/catalogue/undo_history.h"
+#include "support/failing_files.h"
 #include "support/test_seed.h"
 
 namespace kv::test {
@@ -64,6 +65,18 @@ TEST_F(DoctorSite, AMissingTemplateOrLanguageModuleIsTold) {
   ASSERT_TRUE(deleteFile(joinPath(shop.applicationFolder(), "languages/inglese.lng")));
   EXPECT_THAT(told(), ElementsAre("template: Il negozio non ha un template installato",
                                   "language.module: Lingua inglese: il modulo linguistico non è installato"));
+}
+
+TEST_F(DoctorSite, AFolderThatCantBeListedIsNoReasonForAFinding) {
+  shop.shopFile("work/Foto.gif", "GIF89a");
+  sql("UPDATE articoli SET immagine0 = 'foto.gif'");
+  for (const std::string folder : {"/work", "/prova", "/code", "/online"}) {
+    FailingFiles files(1, AfterFailure::FailsToo);
+    files.onlyAt({FileStep::List});
+    files.onlyFor(folder);
+    EXPECT_FALSE(examineShop(shop.session, shop.applicationFolder())) << folder;
+    EXPECT_TRUE(files.hasFailed()) << folder;
+  }
 }
 
 TEST_F(DoctorSite, CharactersThatBecomeReferencesAreToldInTitlesAlone) {

@@ -227,6 +227,25 @@ TEST_F(FailingBuild, MemoryRunsOut) {
   }
 }
 
+TEST_F(FailingBuild, AFolderThatCantBeListedLeavesNothingOfTheSiteOut) {
+  shop.shopFile("work/foto.gif", "GIF89a");
+  shop.shopFile("code/mio.php", "<?php");
+  shop.application("backoffice/ordini.php", "<?php");
+  shop.templateFile("inglese/bandiera.gif", "GIF89a");
+  ASSERT_EQ(build(), BuildOutcome::Done);
+  const std::vector<std::string> listed = shop.fileList();
+  const std::string package = "template/prova";
+  for (const std::string folder : {"/work", "/tmp/1", "/tmp/2", "/backoffice", "/code", "/prova", "/inglese"}) {
+    FailingFiles files(1, AfterFailure::FailsToo);
+    files.onlyAt({FileStep::List});
+    files.onlyFor(folder);
+    EXPECT_EQ(build(), BuildOutcome::Failed) << folder;
+    EXPECT_EQ(shop.user.shown.size(), 1U) << folder;
+  }
+  ASSERT_EQ(build(), BuildOutcome::Done);
+  EXPECT_EQ(shop.fileList(), listed);
+}
+
 INSTANTIATE_TEST_SUITE_P(Damage, FailingBuildTest, ::testing::Values(AfterFailure::Works, AfterFailure::FailsToo),
                          [](const auto& tried) { return tried.param == AfterFailure::Works ? "Once" : "FromThenOn"; });
 

@@ -5,6 +5,7 @@
 
 #include "platform/files/files.h"
 #include "support/temp_folder.h"
+#include "support/value_of.h"
 #include "tags/package/template_package.h"
 
 namespace kv {
@@ -43,7 +44,7 @@ class CreaPoolTest : public ::testing::Test {
 TEST_F(CreaPoolTest, EveryFileOfThePackageAndEveryScriptIsInItsPool) {
   for (const char* name : {"cart.htm", "modello1.htm", "logo.gif", "js1.js", "kvan_note.txt", "a.php"}) package(name);
   for (const char* name : {"js1.js", "a.pl", "b.asp", "c.php", "ve.dat", "d.kpg"}) put("app/code/" + std::string(name));
-  const Pools pools = CreaPool(sources, "");
+  const Pools pools = test::valueOf(CreaPool(sources, ""));
   EXPECT_EQ(pools.templatePool, folder / "shop/tmp/1");
   EXPECT_EQ(pools.codePool, folder / "shop/tmp/2");
   EXPECT_EQ(listFiles(pools.templatePool, "*.*"),
@@ -55,7 +56,7 @@ TEST_F(CreaPoolTest, WhatAnEarlierBuildLeftIsDeleted) {
   put("shop/tmp/1/old.htm");
   put("shop/tmp/2/old.js");
   put("shop/tmp/old.txt");
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inTemplates("old.htm"), "missing");
   EXPECT_EQ(inCode("old.js"), "missing");
   EXPECT_FALSE(fileExists(folder / "shop/tmp/old.txt"));
@@ -66,7 +67,7 @@ TEST_F(CreaPoolTest, AFileOfTheLanguageFolderReplacesOneOfThePackage) {
   package("inglese/logo.gif", "english");
   package("inglese/nota.txt", "added");
   package("francese/logo.gif", "french");
-  CreaPool(sources, "_l2");
+  ASSERT_TRUE(CreaPool(sources, "_l2"));
   EXPECT_EQ(inTemplates("Logo.gif"), "english");
   EXPECT_EQ(inTemplates("nota.txt"), "added");
   EXPECT_EQ(listFiles(folder / "shop/tmp/1", "*.*"), (Names{"Logo.gif", "nota.txt"}));
@@ -76,7 +77,7 @@ TEST_F(CreaPoolTest, ALanguageFoldersModelReplacesThePagesModelButReferencesToIt
   package("modello2.htm", "package");
   package("inglese/modello2.htm", "english \"modello2.htm\" \"cart.htm\"");
   package("cart.htm", "\"modello2.htm\"");
-  CreaPool(sources, "_l2");
+  ASSERT_TRUE(CreaPool(sources, "_l2"));
   EXPECT_EQ(inTemplates("modello2.htm"), "english \"modello2.htm\" \"cart<<1-IDlingua>>.php\"");
   EXPECT_EQ(inTemplates("cart.htm"), "\"modello2.htm\"");
 }
@@ -86,7 +87,7 @@ TEST_F(CreaPoolTest, TheShopsScriptsBeatThoseOfTheApplication) {
   put("app/code/js1.js", "app");
   put("shop/code/FUNCS.php", "shop");
   put("shop/code/mine.pl", "shop");
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inCode("funcs.php"), "shop");
   EXPECT_EQ(inCode("js1.js"), "app");
   EXPECT_EQ(inCode("mine.pl"), "shop");
@@ -98,7 +99,7 @@ TEST_F(CreaPoolTest, AShopWithOneLanguageGetsItsReferencesRewrittenToo) {
   package("logo.gif", "\"cart.htm\"");
   put("app/code/js1.js", "f(\"cart.htm\", 'funcs.php')");
   put("app/code/funcs.php", "include \"funcs.php\";");
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inTemplates("cart.htm"),
             "<a href=\"order<<1-IDlingua>>.php\"><img src=logo<<1-IDlingua>>.gif><script "
             "src='js1<<1-IDlingua>>.js'>\xE8");
@@ -110,9 +111,9 @@ TEST_F(CreaPoolTest, AShopWithOneLanguageGetsItsReferencesRewrittenToo) {
 TEST_F(CreaPoolTest, InTheFirstLanguageWithoutAPageExtensionReferencesStay) {
   package("cart.htm", "\"cart.htm\"");
   sources.pageExtension = ".htm";
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inTemplates("cart.htm"), "\"cart.htm\"");
-  CreaPool(sources, "_l2");
+  ASSERT_TRUE(CreaPool(sources, "_l2"));
   EXPECT_EQ(inTemplates("cart.htm"), "\"cart<<1-IDlingua>>.htm\"");
 }
 
@@ -120,7 +121,7 @@ TEST_F(CreaPoolTest, WhatIsNoResourceGetsNoReference) {
   for (const char* name : {"kvan_preview.jpg", "kvan_col_1.gif", "x.kpg"}) package(name);
   package("cart.htm", "'kvan_preview.jpg' 'kvan_col_1.gif' 'x.kpg' 'kvan_menu.ini'");
   package("kvan_menu.ini");
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inTemplates("cart.htm"), "'kvan_preview.jpg' 'kvan_col_1.gif' 'x.kpg' 'kvan_menu<<1-IDlingua>>.ini'");
 }
 
@@ -131,14 +132,14 @@ TEST_F(CreaPoolTest, PatchesComeBeforeTheReferencesAreRewritten) {
     EXPECT_EQ(inCode("js2.js"), "a");
     EXPECT_TRUE(writeBytes(codePool + "/js2.js", "'js2.js'"));
   };
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inCode("js2.js"), "'js2<<1-IDlingua>>.js'");
 }
 
 TEST_F(CreaPoolTest, AShopInTheApplicationFolderIsCopiedOnce) {
   put("app/code/js1.js", "app");
   sources.shopFolder = sources.applicationFolder;
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(readBytes(folder / "app/tmp/2/js1.js").value_or("missing"), "app");
 }
 
@@ -152,7 +153,7 @@ TEST_F(CreaPoolTest, APageWithoutReferencesIsNotWrittenAgain) {
     copied = std::filesystem::last_write_time(path) - std::chrono::hours(1);
     std::filesystem::last_write_time(path, copied);
   };
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(std::filesystem::last_write_time(folder / "shop/tmp/1/a.htm"), copied);
   EXPECT_EQ(inTemplates("b.htm"), "\"a<<1-IDlingua>>.php\"");
 }
@@ -161,7 +162,7 @@ TEST_F(CreaPoolTest, AFileThatCannotBeCopiedIsSimplyNotThere) {
   package("cart.htm", "'logo.gif'");
   ASSERT_TRUE(createFolders(sources.templateFolder));
   std::filesystem::create_symlink(folder / "nowhere", sources.templateFolder + "/logo.gif");
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inTemplates("logo.gif"), "missing");
   EXPECT_NE(inTemplates("cart.htm"), "missing");
 }
@@ -169,7 +170,7 @@ TEST_F(CreaPoolTest, AFileThatCannotBeCopiedIsSimplyNotThere) {
 TEST_F(CreaPoolTest, AccentedNamesMeetReferencesInTheCodePageOfTheFiles) {
   package("citt\xC3\xA0.gif");
   package("cart.htm", "src=\"CITT\xC0.gif\"");
-  CreaPool(sources, "");
+  ASSERT_TRUE(CreaPool(sources, ""));
   EXPECT_EQ(inTemplates("cart.htm"), "src=\"citt\xE0<<1-IDlingua>>.gif\"");
 }
 

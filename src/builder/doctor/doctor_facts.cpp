@@ -6,6 +6,7 @@
 #include "commerce/gateways/gateway_account.h"
 #include "platform/database/rows.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/image/pixels.h"
 #include "platform/text/text.h"
 
@@ -185,8 +186,9 @@ std::string languageColumns(std::string_view column, int languages) {
   return list;
 }
 
-PictureShelf::PictureShelf(std::string folder, DoctorFacts& facts) : folder_(std::move(folder)), facts_(facts) {
-  for (const std::string& name : listFiles(folder_, "*")) listed_.insert(foldCase(name));
+PictureShelf::PictureShelf(std::string folder, const std::vector<std::string>& names, DoctorFacts& facts)
+    : folder_(std::move(folder)), facts_(facts) {
+  for (const std::string& name : names) listed_.insert(foldCase(name));
 }
 
 void PictureShelf::note(std::string_view name, PictureUse use) {
@@ -217,7 +219,10 @@ Result<DoctorFacts> readDoctorFacts(Session& session, const std::string& applica
   facts.languages = std::clamp(session.languageCount, 1, maxLanguages);
   facts.languageNames = session.languageNames;
   TextLook look{shippedTags(), {}, facts.flaws};
-  PictureShelf shelf(entryPath(session.ShopFolder, "work"), facts);
+  const std::string work = entryPath(session.ShopFolder, "work");
+  const auto pictures = readFileNames(work, "*");
+  if (!pictures) return fail(pictures.error());
+  PictureShelf shelf(work, *pictures, facts);
   DoctorReader reader{session, facts, look, shelf};
   if (auto read = reader.readSettings(); !read) return fail(read.error());
   if (auto read = readSiteFacts(session, applicationFolder, facts, look); !read) return fail(read.error());

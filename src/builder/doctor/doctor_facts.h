@@ -170,8 +170,8 @@ struct TextLook {
 /// The picture files that fields name, each looked at once. Private to the doctor.
 class PictureShelf {
  public:
-  /// `folder`: that of the shop's pictures, which is listed here.
-  PictureShelf(std::string folder, DoctorFacts& facts);
+  /// `folder`: that of the shop's pictures; `names`: its files.
+  PictureShelf(std::string folder, const std::vector<std::string>& names, DoctorFacts& facts);
   /// Notes a field that names a picture; nothing for an empty name.
   void note(std::string_view name, PictureUse use);
 
@@ -186,7 +186,8 @@ class PictureShelf {
 Result<> readArticleFacts(Database& catalogue, DoctorFacts& facts, const TextLook& look, PictureShelf& shelf);
 /// The query of that pass, with all columns that the checks of articles need.
 std::string articleFactsQuery(int languages);
-/// Reads template, pages and ages. Failures as Database::prepare and Statement::step. Private to the doctor.
+/// Reads template, pages and ages. Failures as Database::prepare, Statement::step and readFileNames. Private to the
+/// doctor.
 Result<> readSiteFacts(Session& session, const std::string& applicationFolder, DoctorFacts& facts, TextLook& look);
 
 /// Column names with the suffixes of the languages of the shop. Private to the doctor.

@@ -1,6 +1,7 @@
 // The template, the language modules, the pages of the site and when each was made: what lies in files.
 #include "builder/doctor/doctor_facts.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "store/shop/shop_folders.h"
 #include "tags/package/template_package.h"
@@ -56,12 +57,14 @@ struct SiteReader {
     if (look.known.customOn) look.known.custom = CaricaTagPersonali(session.ShopFolder, application);
   }
 
-  void readTemplate() const {
+  Result<> readTemplate() const {
     const std::string folder = joinPath(application, session.templatePath);
     facts.hasTemplate = !session.templatePath.empty() && folderExists(folder);
-    if (!facts.hasTemplate) return;
+    if (!facts.hasTemplate) return {};
+    const auto names = readFileNames(folder, "*");
+    if (!names) return fail(names.error());
     facts.models = pageModels(folder);
-    for (const std::string& name : listFiles(folder, "*")) {
+    for (const std::string& name : *names) {
       if (!endsWithIgnoringCase(name, pageEnd)) continue;
       readPage(folder, name);
       const std::string stem = name.substr(0, name.size() - pageEnd.size());
@@ -69,6 +72,7 @@ struct SiteReader {
       addPages(look.pages, stem, facts.languages, ".php");
       if (homeOf(name) == TextHome::ResultsPage) addPages(look.pages, stem, facts.languages, pageEnd);
     }
+    return {};
   }
 
   void readPage(const std::string& folder, const std::string& name) const {
@@ -97,11 +101,15 @@ struct SiteReader {
   /// What lies in the online folder can be linked to as well, whoever put it there.
   Result<> readPages(Database& catalogue) const {
     for (const std::string& folder : {entryPath(session.ShopFolder, "code"), entryPath(application, "code")}) {
-      for (const std::string& name : listFiles(folder, "*.php")) {
+      const auto names = readFileNames(folder, "*.php");
+      if (!names) return fail(names.error());
+      for (const std::string& name : *names) {
         addPages(look.pages, name.substr(0, name.size() - 4), facts.languages, ".php");
       }
     }
-    for (const std::string& name : listFiles(session.onlineFolder, "*")) look.pages.insert(foldCase(name));
+    const auto online = readFileNames(session.onlineFolder, "*");
+    if (!online) return fail(online.error());
+    for (const std::string& name : *online) look.pages.insert(foldCase(name));
     auto row = catalogue.prepare("SELECT pagina FROM categorie");
     if (!row) return fail(row.error());
     for (auto found = row->step();; found = row->step()) {
@@ -139,7 +147,7 @@ void TextLook::title(std::string_view text, TextHome home, const FindingTarget& 
 Result<> readSiteFacts(Session& session, const std::string& applicationFolder, DoctorFacts& facts, TextLook& look) {
   const SiteReader reader{session, applicationFolder, facts, look};
   reader.readLanguages();
-  reader.readTemplate();
+  if (auto read = reader.readTemplate(); !read) return read;
   reader.readAges();
   return reader.readPages(session.catalogue);
 }

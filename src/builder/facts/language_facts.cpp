@@ -62,7 +62,9 @@ Result<LanguageSource> openLanguage(const ShopFacts& shop, int number,
   pools.languageCode = shop.languages.codes[index];
   pools.pageExtension = shop.languages.pageExtension;
   pools.PatchScript = patchScript;
-  source.pools = CreaPool(pools, source.lingua);
+  auto made = CreaPool(pools, source.lingua);
+  if (!made) return fail(made.error());
+  source.pools = std::move(*made);
   auto words = CaricaLngFile(shop.languages.languagesFolder, pools.languageCode);
   if (!words) return fail(words.error());
   source.words = std::move(*words);

@@ -5,6 +5,7 @@
 #include "builder/run/build_phases.h"
 #include "builder/run/light_pictures.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "tags/package/template_package.h"
 #include "tags/syntax/file_naming.h"
@@ -36,7 +37,9 @@ Result<> makeBackOffice(const PageFacts& facts, BuildOutput& output, const Build
   const std::string folder = joinPath(facts.shop.applicationFolder, "backoffice");
   PageSources sources = facts.sources;
   sources.lingua = "";
-  for (const std::string& name : listFiles(folder, "*.*")) {
+  const auto names = readFileNames(folder, "*.*");
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
     if (auto go = progress.checkCancel(); !go) return go;
     if (facts.language.source.number < facts.shop.languages.count) {
       output.list(output.folders().scriptFile(name));
@@ -58,7 +61,9 @@ Result<> makeScripts(const ScriptKind& kind, const PageFacts& facts, BuildOutput
                      const BuildProgress& progress) {
   const std::string& pool = facts.language.source.pools.codePool;
   const SiteFolders& folders = facts.shop.folders;
-  for (const std::string& name : listFiles(pool, kind.pattern)) {
+  const auto names = readFileNames(pool, kind.pattern);
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
     if (auto go = progress.checkCancel(); !go) return go;
     // Order and search are served by PHP.
     if (equalsIgnoringCase(name, "kvorder.pl") || equalsIgnoringCase(name, "kvsearch.pl")) continue;
@@ -71,7 +76,9 @@ Result<> makeScripts(const ScriptKind& kind, const PageFacts& facts, BuildOutput
 
 Result<> copyTemplateResources(const PageFacts& facts, BuildOutput& output, const BuildProgress& progress) {
   const std::string& pool = facts.language.source.pools.templatePool;
-  for (const std::string& name : listFiles(pool, "*.*")) {
+  const auto names = readFileNames(pool, "*.*");
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
     if (!CanCopy(name)) continue;
     if (auto go = progress.checkCancel(); !go) return go;
     const std::string path = facts.shop.folders.onlineFile(FileLingua(name, facts.language.source.lingua));
@@ -99,20 +106,26 @@ void removeForms(LightFolder& light, const SiteFolders& folders) {
   }
 }
 
+/// A link is a way to publish whatever the merchant can read; the folder itself may be one.
+bool leadsOutOfShop(const std::string& picture, const std::string& work, const SiteFolders& folders) {
+  return leadsOutOf(picture, work) && leadsOutOf(picture, folders.shop);
+}
+
 Result<> copyPictures(const SiteFolders& folders, BuildOutput& output, const BuildProgress& progress) {
   const std::string work = folders.shopFile("work");
-  const std::vector<std::string> pictures = listFiles(work, "*.*");
+  // One that can't be read must not pass for empty: the list of the site's files would lose every picture.
+  const auto pictures = readFileNames(work, "*.*");
+  if (!pictures) return fail(pictures.error());
   const bool isLight = wantsLightPictures(folders.shop);
   LightFolder light(folders.shop);
   if (!isLight) removeForms(light, folders);
-  for (const std::string& name : pictures) {
+  for (const std::string& name : *pictures) {
     if (auto go = progress.checkCancel(); !go) return go;
-    // A link is a way to publish whatever the merchant can read; the folder itself may be one.
     const std::string picture = joinPath(work, name);
-    if (leadsOutOf(picture, work) && leadsOutOf(picture, folders.shop)) continue;
+    if (leadsOutOfShop(picture, work, folders)) continue;
     if (auto copied = output.copy(picture, folders.onlineFile(name)); !copied) return copied;
     if (!isLight) continue;
-    if (auto copied = copyForms(light, picture, pictures, output); !copied) return copied;
+    if (auto copied = copyForms(light, picture, *pictures, output); !copied) return copied;
   }
   return isLight ? light.finish() : Result<>();
 }

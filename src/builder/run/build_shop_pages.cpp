@@ -7,6 +7,7 @@
 #include "builder/run/build_phases.h"
 #include "commerce/gateways/payment_modules.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "tags/syntax/file_naming.h"
 
@@ -141,7 +142,9 @@ Result<> makeShopPages(const PageFacts& facts, const ArticleLists& lists, BuildO
   maker.fillRow(lists);
   if (auto go = progress.checkCancel(); !go) return go;
   maker.fillNavigation();
-  for (const std::string& name : listFiles(facts.language.source.pools.templatePool, "*.*htm*")) {
+  const auto pages = readFileNames(facts.language.source.pools.templatePool, "*.*htm*");
+  if (!pages) return fail(pages.error());
+  for (const std::string& name : *pages) {
     if (auto go = progress.checkCancel(); !go) return go;
     if (auto made = maker.make(name); !made) return made;
   }

@@ -242,7 +242,9 @@ Result<std::vector<LegalDuty>> legalDuties(Session& session, const std::string& 
   if (!ownData) return fail(ownData.error());
   // After "Chi vende", which it belongs to.
   if (*ownData) duties->insert(duties->begin() + 1, std::move(**ownData));
-  std::ranges::move(siteDuties(session, applicationFolder), std::back_inserter(*duties));
+  auto ofSite = siteDuties(session, applicationFolder);
+  if (!ofSite) return fail(ofSite.error());
+  std::ranges::move(*ofSite, std::back_inserter(*duties));
   return duties;
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "store/shop/shop_folders.h"
 
@@ -16,10 +17,12 @@ constexpr std::array<std::string_view, 9> payingWords{"paga",     "acquista", "c
                                                       "paiement", "acheter",  "zahlung", "kaufen"};
 
 /// The pages of the template as texts; those that can't be read are missing.
-std::vector<std::string> templatePages(const Session& session, const std::string& application) {
+Result<std::vector<std::string>> templatePages(const Session& session, const std::string& application) {
   const std::string folder = joinPath(application, session.templatePath);
   std::vector<std::string> pages;
-  for (const std::string& name : listFiles(folder, "*.htm")) {
+  const auto names = readFileNames(folder, "*.htm");
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
     if (auto page = readText(joinPath(folder, name))) pages.push_back(std::move(*page));
   }
   return pages;
@@ -89,9 +92,11 @@ LegalDuty withdrawalFunction(const Session& session, const std::string& applicat
 
 }  // namespace
 
-std::vector<LegalDuty> siteDuties(const Session& session, const std::string& applicationFolder) {
+Result<std::vector<LegalDuty>> siteDuties(const Session& session, const std::string& applicationFolder) {
   const auto pages = templatePages(session, applicationFolder);
-  return {orderButton(session, applicationFolder, pages), withdrawalFunction(session, applicationFolder, pages)};
+  if (!pages) return fail(pages.error());
+  return std::vector<LegalDuty>{orderButton(session, applicationFolder, *pages),
+                                withdrawalFunction(session, applicationFolder, *pages)};
 }
 
 }  // namespace kv

@@ -9,7 +9,8 @@
 namespace kv {
 
 /// The duties that template, language modules and scripts meet: a button that says that ordering means paying, and a
-/// function of withdrawal that each page leads to. Files that can't be read count as missing.
-std::vector<LegalDuty> siteDuties(const Session& session, const std::string& applicationFolder);
+/// function of withdrawal that each page leads to. Files that can't be read count as missing; a
+/// template that can't be listed is a failure.
+Result<std::vector<LegalDuty>> siteDuties(const Session& session, const std::string& applicationFolder);
 
 }  // namespace kv

@@ -42,7 +42,8 @@ struct Pools {
 };
 
 /// CreaPool (make the pools): empties and fills tmp/1 and tmp/2 of the shop for the language of a suffix, and inserts
-/// <<1-IDlingua>> into the references between their files. A file that can't be copied is missing there.
-Pools CreaPool(const PoolSources& sources, std::string_view lingua);
+/// <<1-IDlingua>> into the references between their files. A file that can't be copied is missing there; a folder that
+/// can't be listed is a failure.
+Result<Pools> CreaPool(const PoolSources& sources, std::string_view lingua);
 
 }  // namespace kv

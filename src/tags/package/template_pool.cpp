@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "tags/engine/tag_engine.h"
 #include "tags/package/template_package.h"
@@ -18,14 +19,20 @@ constexpr std::string_view modelPattern = "modello*.htm";
 constexpr std::string_view scriptPatterns[] = {"*.js", "*.pl", "*.asp", "*.php"};
 
 /// One folder of the pools: first the source of each name is determined, then each file is written once.
-/// Failures are ignored: a file that can't be copied is reported where it is needed.
+/// A file that can't be copied is reported where it is needed; one that nobody knows of would be missed by none, so
+/// that a folder has to be listed.
 class Pool {
  public:
-  explicit Pool(std::string folder) : folder_(std::move(folder)) {
+  explicit Pool(std::string folder) : folder_(std::move(folder)) {}
+  /// Makes the folder and deletes its files.
+  Result<> empty() const {
     ignore(createFolder(folder_), "a file that is missing here is missed where it is used");
-    for (const std::string& name : listFiles(folder_, "*.*")) {
+    const auto names = readFileNames(folder_, everyFile);
+    if (!names) return fail(names.error());
+    for (const std::string& name : *names) {
       ignore(deleteFile(joinPath(folder_, name)), "the file that comes here replaces it");
     }
+    return {};
   }
   const std::string& folder() const { return folder_; }
 
@@ -44,12 +51,16 @@ class Pool {
       }
     }
   }
-  /// Rewrites the references in files that are in the folder already.
-  void rewriteInPlace(const ReferenceReplacer& replacer) const {
-    for (const std::string& name : listFiles(folder_, everyFile)) {
+  /// Rewrites the references in files that are in the folder already; none without a replacer.
+  Result<> rewriteInPlace(const ReferenceReplacer* replacer) const {
+    if (replacer == nullptr) return {};
+    const auto names = readFileNames(folder_, everyFile);
+    if (!names) return fail(names.error());
+    for (const std::string& name : *names) {
       const std::string path = joinPath(folder_, name);
-      ignore(rewrite(path, path, replacer), "the file stays as it is");
+      ignore(rewrite(path, path, *replacer), "the file stays as it is");
     }
+    return {};
   }
   static constexpr std::string_view everyFile = "*.*";
 
@@ -90,31 +101,44 @@ class NameList {
 /// A subfolder, named without regard to case.
 std::string subfolder(const std::string& folder, std::string_view name) { return entryPath(folder, name); }
 
-void fillTemplatePool(const PoolSources& sources, Pool& pool, NameList& list) {
+Result<> fillTemplatePool(const PoolSources& sources, Pool& pool, NameList& list) {
   const std::string& package = sources.templateFolder;
-  for (const std::string& name : listFiles(package, pagePattern)) {
-    if (!matchesLike(name, modelPattern)) list.add(name);
+  const auto names = readFileNames(package, Pool::everyFile);
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
+    if (matchesWildcard(name, pagePattern) && !matchesLike(name, modelPattern)) list.add(name);
   }
-  for (const std::string& name : listFiles(package, "*.*")) {
+  for (const std::string& name : *names) {
     pool.add(package, name);
     if (CanCopy(name)) list.add(name);
   }
-  if (sources.languageCode.empty()) return;
-  const std::string language = subfolder(package, sources.languageCode);
-  for (const std::string& name : listFiles(language, "*.*")) {
+  return {};
+}
+
+/// The files of the package's folder for the language.
+Result<> addLanguageFiles(const PoolSources& sources, Pool& pool, NameList& list) {
+  if (sources.languageCode.empty()) return {};
+  const std::string language = subfolder(sources.templateFolder, sources.languageCode);
+  const auto names = readFileNames(language, Pool::everyFile);
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
     pool.add(language, name);
     if (!matchesLike(name, modelPattern)) list.addNew(name);
   }
+  return {};
 }
 
-void fillCodePool(const std::string& folder, Pool& pool, NameList& list) {
+Result<> fillCodePool(const std::string& folder, Pool& pool, NameList& list) {
   const std::string code = subfolder(folder, "code");
   for (const std::string_view pattern : scriptPatterns) {
-    for (const std::string& name : listFiles(code, pattern)) {
+    const auto names = readFileNames(code, pattern);
+    if (!names) return fail(names.error());
+    for (const std::string& name : *names) {
       pool.add(code, name);
       list.add(name);
     }
   }
+  return {};
 }
 
 bool isSameFolder(std::string_view a, std::string_view b) {
@@ -124,17 +148,30 @@ bool isSameFolder(std::string_view a, std::string_view b) {
   return equalsIgnoringCase(withoutEnd(a), withoutEnd(b));
 }
 
+Result<> emptyPools(const std::vector<Pool>& pools) {
+  for (const Pool& pool : pools) {
+    if (auto emptied = pool.empty(); !emptied) return emptied;
+  }
+  return {};
+}
+
+Result<> fillPools(const PoolSources& sources, Pool& templates, Pool& code, NameList& list) {
+  if (auto filled = fillTemplatePool(sources, templates, list); !filled) return filled;
+  if (auto added = addLanguageFiles(sources, templates, list); !added) return added;
+  if (auto filled = fillCodePool(sources.applicationFolder, code, list); !filled) return filled;
+  if (isSameFolder(sources.shopFolder, sources.applicationFolder)) return {};
+  return fillCodePool(sources.shopFolder, code, list);
+}
+
 }  // namespace
 
-Pools CreaPool(const PoolSources& sources, std::string_view lingua) {
+Result<Pools> CreaPool(const PoolSources& sources, std::string_view lingua) {
   const std::string tmp = entryPath(sources.shopFolder, "tmp");
-  const Pool above(tmp);
   Pool templates(joinPath(tmp, "1"));
   Pool code(joinPath(tmp, "2"));
   NameList list;
-  fillTemplatePool(sources, templates, list);
-  fillCodePool(sources.applicationFolder, code, list);
-  if (!isSameFolder(sources.shopFolder, sources.applicationFolder)) fillCodePool(sources.shopFolder, code, list);
+  if (auto emptied = emptyPools({Pool(tmp), templates, code}); !emptied) return fail(emptied.error());
+  if (auto filled = fillPools(sources, templates, code, list); !filled) return fail(filled.error());
 
   const bool keepsNames = sources.pageExtension.empty() || equalsIgnoringCase(sources.pageExtension, ".htm");
   std::optional<ReferenceReplacer> replacer;
@@ -145,9 +182,9 @@ Pools CreaPool(const PoolSources& sources, std::string_view lingua) {
   code.fill(Pool::everyFile, sources.PatchScript ? nullptr : rewriting);
   if (sources.PatchScript) {
     sources.PatchScript(code.folder());
-    if (rewriting != nullptr) code.rewriteInPlace(*rewriting);
+    if (auto rewritten = code.rewriteInPlace(rewriting); !rewritten) return fail(rewritten.error());
   }
-  return {templates.folder(), code.folder()};
+  return Pools{templates.folder(), code.folder()};
 }
 
 }  // namespace kv
