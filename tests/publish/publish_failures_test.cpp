@@ -1,5 +1,6 @@
 // A publish run that doesn't go through: what the user is asked and told, and what the next run finds.
 #include "publish_fixture.h"
+#include "support/failing_files.h"
 
 namespace kv {
 namespace {
@@ -39,6 +40,27 @@ TEST_F(APublishRunInTrouble, AsksBeforeItMakesTheFolderAndThenSendsEverything) {
   EXPECT_EQ(server.commands("MKD"), (Names{"MKD www", "MKD negozio"}));
   EXPECT_EQ(sent(), (Names{"a.htm", "b.htm", "b.php"})) << "the second folder too";
   EXPECT_EQ(tableRows(), "127.0.0.1/cgi/b.php|1\n127.0.0.1/www/negozio/a.htm|3\n127.0.0.1/www/negozio/b.htm|3\n");
+}
+
+TEST_F(APublishRunInTrouble, TakesNoFolderThatCantBeListedForAnEmptyOne) {
+  write("scripts/b.php", "1");
+  bool updated = false;
+  steps.updateDatabase = [&] {
+    updated = true;
+    return std::string("OK");
+  };
+  for (const std::string folder : {"/online", "/scripts"}) {
+    test::FailingFiles gate(1, test::AfterFailure::FailsToo);
+    gate.onlyAt({FileStep::List});
+    gate.onlyFor(folder);
+    EXPECT_EQ(publish(), PublishOutcome::Failed) << folder;
+    EXPECT_EQ(told(), "[Exclamation, Ok, Ok -> Ok] La cartella '" + root.path() + folder +
+                          "': si è verificato un errore imprevisto.\nNulla è stato modificato: riprovare o riavviare "
+                          "il programma.\n\nDettaglio: " +
+                          root.path() + folder + ": Input/output error\n");
+    EXPECT_FALSE(filesToSend(job, uploadOptions(job, settings, way))) << folder;
+  }
+  EXPECT_FALSE(updated) << "the host would load what was not sent";
 }
 
 TEST_F(APublishRunInTrouble, ForgetsWhatWasSentToAFolderThatHasGoneAlsoWhenItIsNotMade) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/files/file_digest.h"
+#include "platform/files/listing.h"
 #include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "publish/settings/server_names.h"
@@ -73,7 +74,9 @@ class FilesToSend {
   Result<> add(const FolderUpload& folder) {
     const std::string target = serverFolder(folder.remoteFolder);
     const std::string start = serverHost(options_.connection.host) + "/" + target + "/";
-    for (const std::string& name : listFiles(folder.localFolder, "*.*")) {
+    const auto names = readFileNames(folder.localFolder, "*.*");
+    if (!names) return fail(names.error());
+    for (const std::string& name : *names) {
       if (!CaricaFile(name, options_.choice)) continue;
       if (goOn_ && !goOn_()) return fail(ErrorKind::Cancelled, name, "cancelled");
       const auto wanted = isToBeSent(joinPath(folder.localFolder, name), start + name);

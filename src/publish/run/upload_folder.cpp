@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/files/listing.h"
+#include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "publish/settings/server_names.h"
 
@@ -27,13 +29,18 @@ bool FolderUploader::UpdateFTP(const FolderUpload& folder) {
   failed_ = shown_ = false;
   first().failed = false;
   parts_.view.title("Korvane - " + folder.title);
-  std::vector<std::string> names = listFiles(folder.localFolder, "*.*");
-  if (options_.safeUpload || options_.connections > 1) names = inSendingOrder(std::move(names));
-  if (names.empty()) return emptyFolder();
+  auto listed = readFileNames(folder.localFolder, "*.*");
+  if (!listed) return unreadableFolder(listed.error());
+  if (listed->empty()) return emptyFolder();
   if (options_.disabled) return carriedByHand();
+  const bool isOrdered = options_.safeUpload || options_.connections > 1;
+  return sendFolder(isOrdered ? inSendingOrder(std::move(*listed)) : *listed);
+}
+
+bool FolderUploader::sendFolder(const std::vector<std::string>& names) {
   host_ = options_.connection.host = serverHost(options_.connection.host);
-  target_ = serverFolder(folder.remoteFolder);
-  log_.open(folder.logPath);
+  target_ = serverFolder(folder_.remoteFolder);
+  log_.open(folder_.logPath);
   progress_.filesDone = 0;
   progress_.filesTotal = static_cast<int>(names.size());
   const std::string path = target_ == "." ? "" : (target_.starts_with('/') ? "" : "/") + target_;
@@ -41,6 +48,11 @@ bool FolderUploader::UpdateFTP(const FolderUpload& folder) {
   const bool sent = enterServer() && sendFiles(names);
   log_.close();
   return sent;
+}
+
+bool FolderUploader::unreadableFolder(const Error& error) {
+  parts_.user.message(failureText(error, "La cartella '" + folder_.localFolder + "'"), Icon::Exclamation);
+  return false;
 }
 
 bool FolderUploader::emptyFolder() {

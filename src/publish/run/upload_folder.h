@@ -107,6 +107,8 @@ class FolderUploader {
   };
 
   bool carriedByHand();
+  bool sendFolder(const std::vector<std::string>& names);
+  bool unreadableFolder(const Error& error);
   bool emptyFolder();
   bool enterServer();
   bool sendFiles(const std::vector<std::string>& names);
