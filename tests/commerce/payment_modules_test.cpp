@@ -9,6 +9,7 @@
 
 #include "commerce/gateways/gateway_table.h"
 #include "platform/files/files.h"
+#include "support/failing_files.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {
@@ -142,6 +143,22 @@ TEST_F(PaymentModules, AModuleThatHasAnyFileIsLeftUnchanged) {
   write("negozio/code/Cilme.kpg", "mio");
   CompletaGateway(shop, application);
   EXPECT_EQ(read("negozio/code/Cilme/conf.ini"), "(missing)");
+  EXPECT_EQ(read("negozio/code/Cilme.kpg"), "mio");
+}
+
+TEST_F(PaymentModules, AModuleFolderThatCantBeListedKeepsTheMerchantsAccount) {
+  write("programma/new/code/Cilme/conf.ini", "mid=\r\n");
+  write("programma/new/code/Cilme.kpg", "pronto");
+  write("negozio/code/Cilme/conf.ini", "mid=mio\r\n");
+  write("negozio/code/Cilme.kpg", "mio");
+  {
+    test::FailingFiles files(1);
+    files.onlyAt({FileStep::List});
+    files.onlyFor("/negozio/code/Cilme");
+    CompletaGateway(shop, application);
+    EXPECT_TRUE(files.hasFailed());
+  }
+  EXPECT_EQ(read("negozio/code/Cilme/conf.ini"), "mid=mio\r\n");
   EXPECT_EQ(read("negozio/code/Cilme.kpg"), "mio");
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/files/private_file.h"
 #include "platform/text/text.h"
 
@@ -101,10 +102,11 @@ void CompletaGateway(const std::string& shopFolder, const std::string& applicati
   const std::string code = entryPath(shopFolder, codeFolder);
   for (const std::string_view name : paymentModules) {
     const auto present = codeEntry(shopFolder, name);
-    const auto files = present ? listFiles(*present, "*.*") : std::vector<std::string>();
+    const auto files = present ? readFileNames(*present, "*.*") : std::vector<std::string>();
+    if (!files) continue;  // the merchant's account may be in it
     const std::string descriptor = std::string(name).append(descriptorExtension);
-    if (!files.empty()) {
-      closeToOthers(joinPath(code, descriptor), *present, files);
+    if (!files->empty()) {
+      closeToOthers(joinPath(code, descriptor), *present, *files);
       continue;
     }
     const std::string from = joinPath(shipped, name);
