@@ -186,6 +186,22 @@ TEST_F(PurgingPictures, OneThatATextNamesIsListedAndMarked) {
   ASSERT_EQ(namesOf(one), (Names{"a.jpg", "b.gif"}));
   EXPECT_TRUE(one.unused()[0].isMentioned);
   EXPECT_FALSE(one.unused()[1].isMentioned);
+  ASSERT_EQ(user.shown.size(), 2U);
+  EXPECT_EQ(asText(user.shown[0]),
+            "[Exclamation, Ok, Ok -> Ok] Alcuni testi del negozio o del template non si possono leggere: le immagini "
+            "citate soltanto "
+            "lì non sono segnalate nell'elenco");
+}
+
+TEST_F(PurgingPictures, AFolderThatCantBeListedIsNotOneWithoutPictures) {
+  present({"a.jpg"});
+  PicturePurge one = purge({});
+  test::FailingFiles gate(1);
+  gate.onlyAt({FileStep::List});
+  EXPECT_FALSE(one.search());
+  EXPECT_TRUE(one.unused().empty());
+  ASSERT_EQ(user.shown.size(), 1U);
+  EXPECT_EQ(asText(user.shown[0]), "[Critical, Ok, Ok -> Ok] Si è verificato un errore:\n5 Input/output error");
 }
 
 }  // namespace

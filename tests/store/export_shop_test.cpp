@@ -270,6 +270,20 @@ TEST_F(ExportingAShop, AFullDiskAtAnyWriteIsToldAndLeavesNoShop) {
   EXPECT_TRUE(fileExists(destination + "/catalog.mdb"));
 }
 
+TEST_F(ExportingAShop, AFolderThatCantBeListedIsToldAndNothingIsLeftOut) {
+  write(shop + "/code/carrello.php", "php");
+  for (const std::string folder : {"/languages", "/code", "/work", "/db"}) {
+    user.shown.clear();
+    test::FailingFiles gate(1, test::AfterFailure::FailsToo);
+    gate.onlyAt({FileStep::List});
+    gate.onlyFor(folder);
+    EXPECT_EQ(exportWith("OKTLS"), ExportOutcome::Failed) << folder;
+    EXPECT_TRUE(offer.scripts) << folder;
+    EXPECT_THAT(user.texts(), ElementsAre(failedText)) << folder;
+    EXPECT_TRUE(test::valueOf(isEmptyFolder(destination))) << folder;
+  }
+}
+
 TEST_F(ExportingAShop, OneZipHoldsWhatTheFolderWouldHold) {
   write(shop + "/costruzione.ini", "[Immagini]");
   ASSERT_EQ(exportWith("OKTLP"), ExportOutcome::Done);

@@ -7,6 +7,7 @@
 #include "platform/files/trees.h"
 #include "shop_fixture.h"
 #include "store/exchange/primo_import.h"
+#include "store/exchange/primo_preview.h"
 #include "store/shop/load_shop.h"
 #include "store/shop/session_start.h"
 #include "support/failing_files.h"
@@ -111,6 +112,17 @@ TEST_F(ExchangedPictures, AListOfFilesThatFailsCostsNoPicture) {
     EXPECT_TRUE(fileExists(joinPath(shop, "work/mie/foto.jpg"))) << failing;
     session.catalogue.close();
   }
+}
+
+TEST_F(ExchangedPictures, TheirNumberIsNotNoneWhereTheFolderCantBeListed) {
+  open();
+  test::FailingFiles gate(1);
+  gate.onlyAt({FileStep::List});
+  gate.onlyFor("/work");
+  const std::string preview = previewOfShop(session.catalogue, source);
+  EXPECT_TRUE(gate.hasFailed());
+  EXPECT_EQ(preview.find("Immagini che sostituiranno"), std::string::npos) << preview;
+  EXPECT_NE(preview.find("/work"), std::string::npos) << preview;
 }
 
 TEST_F(ExchangedPictures, AnImportAfterOneThatCouldNotExchangeLosesNoSubfolder) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "shop_fixture.h"
+#include "support/failing_files.h"
 
 namespace kv {
 namespace {
@@ -70,8 +71,19 @@ TEST_F(UsedPictures, TheTextsOfATemplateAreThoseOfItsPagesStylesAndScripts) {
   write(package + "/stile.css", "stile.gif");
   write(package + "/kvan_logo.gif", "immagine.gif");
   std::string all;
-  readTemplateTexts(package, [&](std::string_view text) { all += text; });
+  const auto add = [&](std::string_view text) { all += text; };
+  ASSERT_TRUE(readTemplateTexts(package, add));
   EXPECT_EQ(all, "pagina.gifstile.gif");
+  all.clear();
+  {
+    test::FailingFiles gate(1);
+    gate.onlyFor("index.htm");
+    EXPECT_FALSE(readTemplateTexts(package, add));
+    EXPECT_EQ(all, "stile.gif") << "the others are read all the same";
+  }
+  test::FailingFiles gate(1);
+  gate.onlyAt({FileStep::List});
+  EXPECT_FALSE(readTemplateTexts(package, add));
 }
 
 }  // namespace

@@ -7,12 +7,16 @@
 #include "media/choice/numbered_pictures.h"
 #include "media/purge/picture_mentions.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 
 namespace kv {
 namespace {
 
 constexpr const char* noPictures = "Ricerca terminata: non sono state trovate immagini";
+constexpr const char* someTextsUnread =
+    "Alcuni testi del negozio o del template non si possono leggere: le immagini citate soltanto lì non sono segnalate "
+    "nell'elenco";
 constexpr const char* noneUnused = "Ricerca terminata: non sono state trovate immagini inutilizzate";
 constexpr std::string_view searching = "Ricerca immagini inutilizzate...";
 
@@ -62,13 +66,14 @@ std::string purgeNotice(const std::string& folder) {
 
 bool PicturePurge::search() {
   unused_.clear();
-  const auto files = listFiles(sources_.folder, "*");
-  if (files.empty()) {
+  const auto files = readFileNames(sources_.folder, "*");
+  if (!files) return showFailure(files.error());
+  if (files->empty()) {
     user_.progress({searching, 1, 1});
     user_.message(noPictures, Icon::Information);
     return true;
   }
-  if (!ControllaFiles(files)) return false;
+  if (!ControllaFiles(*files)) return false;
   markMentioned();
   user_.message(unused_.empty() ? std::string(noneUnused)
                                 : "Ricerca terminata: sono state trovate " + std::to_string(unused_.size()) +
@@ -77,13 +82,16 @@ bool PicturePurge::search() {
   return true;
 }
 
+bool PicturePurge::showFailure(const Error& error) {
+  user_.message("Si è verificato un errore:\n" + std::to_string(error.number) + " " + error.what, Icon::Critical);
+  return false;
+}
+
 // The names in use are read once: a query for each file takes minutes in a shop of thousands of pictures.
 bool PicturePurge::ControllaFiles(const std::vector<std::string>& files) {
   FilesInUse known(files);
   if (const auto read = sources_.usedPictures([&](std::string_view name) { known.use(name); }); !read) {
-    user_.message("Si è verificato un errore:\n" + std::to_string(read.error().number) + " " + read.error().what,
-                  Icon::Critical);
-    return false;
+    return showFailure(read.error());
   }
   const auto count = static_cast<double>(files.size());
   double position = 0;
@@ -100,8 +108,9 @@ void PicturePurge::markMentioned() {
   if (unused_.empty() || !sources_.texts) return;
   PictureMentions mentions;
   for (const UnusedPicture& picture : unused_) mentions.lookFor(picture.name);
-  ignore(sources_.texts([&](std::string_view text) { mentions.read(text); }), "the marks are a help, no more");
+  const auto read = sources_.texts([&](std::string_view text) { mentions.read(text); });
   for (UnusedPicture& picture : unused_) picture.isMentioned = mentions.isMentioned(picture.name);
+  if (!read) user_.message(someTextsUnread, Icon::Exclamation);
 }
 
 void PicturePurge::tickAll(bool ticked) {

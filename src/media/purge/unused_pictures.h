@@ -68,9 +68,10 @@ class PicturePurge {
   bool deleteTicked();
 
  private:
+  /// False, for the search that ends here.
+  bool showFailure(const Error& error);
   bool ControllaFiles(const std::vector<std::string>& files);
-  /// Marks what a text names. What can't be read leaves its marks out: the merchant decides by the picture all the
-  /// same.
+  /// Marks what a text names. What can't be read leaves its marks out, and the merchant is told so.
   void markMentioned();
 
   PurgeSources sources_;

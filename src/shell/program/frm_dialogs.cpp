@@ -71,8 +71,9 @@ void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
     PurgeSources sources{
         folder, [&session](const TextReader& read) { return usedPictures(session.catalogue, read); }, {}, moveToTrash};
     sources.texts = [&](const TextReader& read) {
-      readTemplateTexts(joinPath(env.applicationFolder, session.templatePath), read);
-      return readAllTexts(session.catalogue, read);
+      const Result<> ofTemplate = readTemplateTexts(joinPath(env.applicationFolder, session.templatePath), read);
+      const Result<> ofRows = readAllTexts(session.catalogue, read);
+      return ofTemplate ? ofRows : ofTemplate;
     };
     frmPulisciImmagini dialog(std::move(sources), env.user, &window);
     return isAccepted(dialog);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 
 namespace kv {
 namespace {
@@ -69,12 +70,17 @@ Result<> readAllTexts(Database& catalogue, const std::function<void(std::string_
   return {};
 }
 
-void readTemplateTexts(const std::string& package, const std::function<void(std::string_view text)>& read) {
+Result<> readTemplateTexts(const std::string& package, const std::function<void(std::string_view text)>& read) {
+  Result<> all;
   for (const char* pattern : {"*.htm", "*.html", "*.part", "*.php", "*.js", "*.css", "*.ini"}) {
-    for (const std::string& name : listFiles(package, pattern)) {
-      if (const auto text = readBytes(joinPath(package, name))) read(*text);
+    const auto names = readFileNames(package, pattern);
+    if (!names) return fail(names.error());
+    for (const std::string& name : *names) {
+      const auto text = readBytes(joinPath(package, name));
+      text ? read(*text) : void(all = fail(text.error()));
     }
   }
+  return all;
 }
 
 }  // namespace kv

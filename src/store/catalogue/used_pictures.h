@@ -16,7 +16,8 @@ Result<> usedPictures(Database& catalogue, const std::function<void(std::string_
 
 /// Hands out every text of the catalogue but those of the clipboard, as stored, row by row. Failures: as prepare.
 Result<> readAllTexts(Database& catalogue, const std::function<void(std::string_view text)>& read);
-/// Hands out the files of a template package, byte by byte; nothing of one that can't be read.
-void readTemplateTexts(const std::string& package, const std::function<void(std::string_view text)>& read);
+/// Hands out the files of a template package, byte by byte. A failure when some couldn't be read; the others are handed
+/// out all the same.
+Result<> readTemplateTexts(const std::string& package, const std::function<void(std::string_view text)>& read);
 
 }  // namespace kv

@@ -1,8 +1,11 @@
 #include "store/exchange/export_options.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "store/shop/shop_folders.h"
 
@@ -27,10 +30,13 @@ constexpr std::string_view okTag = "OK";
 ExportOffer exportOffer(const Session& session, const std::string& applicationFolder) {
   ExportOffer offer;
   const std::string code = entryPath(session.ShopFolder, "code");
+  bool mayHaveScripts = false;
   for (const char* pattern : {"*.php", "*.js"}) {
-    for (std::string& name : listFiles(code, pattern)) offer.scriptList.push_back(std::move(name));
+    auto names = readFileNames(code, pattern);
+    mayHaveScripts = mayHaveScripts || !names || !names->empty();
+    if (names) std::ranges::move(*names, std::back_inserter(offer.scriptList));
   }
-  offer.scripts = !offer.scriptList.empty() && !isApplicationFolder(session.ShopFolder, applicationFolder);
+  offer.scripts = mayHaveScripts && !isApplicationFolder(session.ShopFolder, applicationFolder);
   offer.commonTags = fileExists(entryPath(applicationFolder, "personal.tag"));
   return offer;
 }

@@ -30,8 +30,8 @@ struct ExportOffer {
   bool commonTags = false;              ///< the two buttons of the tags, the first one chosen
   std::vector<std::string> scriptList;  ///< names of code/*.php and code/*.js
 };
-/// The offer of the open shop. Scripts: there are some, and the shop isn't the application folder, whose scripts are
-/// the model's. Tags: the application folder has a personal.tag.
+/// The offer of the open shop. Scripts: there are some, or the folder can't be read, and the shop isn't the application
+/// folder, whose scripts are the model's. Tags: the application folder has a personal.tag.
 ExportOffer exportOffer(const Session& session, const std::string& applicationFolder);
 
 /// The options of an export.

@@ -1,5 +1,6 @@
 #include "store/exchange/export_shop.h"
 
+#include "platform/files/listing.h"
 #include "platform/files/trees.h"
 #include "platform/text/text.h"
 #include "store/exchange/export_plan.h"
@@ -89,17 +90,20 @@ void planCommonTags(ExportRun& run) {
   run.plan.addContent(std::move(tags), "shoptag.tag");
 }
 
-void planLanguages(ExportRun& run) {
-  if (!run.choice.withLanguages) return;
+Result<> planLanguages(ExportRun& run) {
+  if (!run.choice.withLanguages) return {};
   const std::string from = run.ofApplication(languagesFolder), to(languagesFolder);
   run.plan.addFolder(to);
   for (int i = 0; i < run.session.languageCount; ++i) {
     const std::string& language = run.session.languageNames[static_cast<std::size_t>(i)];
-    for (const std::string& name : listFiles(from, language + ".*")) {
+    const auto names = readFileNames(from, language + ".*");
+    if (!names) return fail(names.error());
+    for (const std::string& name : *names) {
       run.plan.addFile(joinPath(from, name), joinPath(to, name));
     }
   }
   run.report.pieces.emplace_back("i moduli linguistici");
+  return {};
 }
 
 /// The scripts of the application's own shop are the model's, and never go along.
@@ -120,7 +124,7 @@ void planScripts(ExportRun& run) {
 Result<> planAllButCatalogue(ExportRun& run) {
   if (auto added = planModelAndFolders(run); !added) return added;
   if (auto added = planTemplate(run); !added) return added;
-  planLanguages(run);
+  if (auto added = planLanguages(run); !added) return added;
   planCommonTags(run);
   planScripts(run);
   for (const std::string_view name : {transferFile, firewallFile, std::string_view("kvftp.ini"), buildFile}) {

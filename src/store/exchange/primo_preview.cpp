@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "store/exchange/primo_rows.h"
@@ -229,8 +230,10 @@ std::string previewOfShop(Database& catalogue, const std::string& folder) {
   if (folder.empty()) return {};
   const auto preview = previewPrimo(catalogue, entryPath(folder, catalogueFile));
   if (!preview) return failureText(preview.error(), folder);
-  const std::size_t pictures = listFiles(entryPath(folder, "work"), "*").size();
-  return previewText(*preview) + "Immagini che sostituiranno quelle attuali: " + std::to_string(pictures) + "\n";
+  const auto pictures = readFileNames(entryPath(folder, "work"), "*");
+  if (!pictures) return failureText(pictures.error(), folder);
+  return previewText(*preview) + "Immagini che sostituiranno quelle attuali: " + std::to_string(pictures->size()) +
+         "\n";
 }
 
 }  // namespace kv

@@ -5,6 +5,7 @@
 
 #include "platform/database/database.h"
 #include "platform/files/files.h"
+#include "platform/files/listing.h"
 #include "platform/text/text.h"
 #include "store/schema/schema.h"
 #include "store/shop/shop_folders.h"
@@ -46,11 +47,15 @@ std::string emptyCatalogue() {
 Result<> copyWithoutPictures(const std::string& model, const std::string& folder) {
   if (!folderExists(model)) return fail(ErrorKind::Missing, model, "no model shop");
   if (auto made = createFolders(entryPath(folder, pictureFolder)); !made) return made;
-  for (const std::string& name : listFolders(model)) {
+  const auto folders = readFolderNames(model);
+  if (!folders) return fail(folders.error());
+  for (const std::string& name : *folders) {
     if (equalsIgnoringCase(name, pictureFolder)) continue;
     if (auto copied = CopiaAlbero(joinPath(model, name), joinPath(folder, name)); !copied) return copied;
   }
-  for (const std::string& name : listFiles(model, "*.*")) {
+  const auto files = readFileNames(model, "*.*");
+  if (!files) return fail(files.error());
+  for (const std::string& name : *files) {
     if (auto copied = copyFile(joinPath(model, name), entryPath(folder, name)); !copied) return copied;
   }
   return {};

@@ -1,6 +1,7 @@
 #include "store/shop/staged_pictures.h"
 
 #include "platform/database/database.h"
+#include "platform/files/listing.h"
 #include "platform/files/trees.h"
 #include "store/shop/price_history_file.h"
 #include "store/shop/shop_folders.h"
@@ -10,11 +11,17 @@ namespace {
 
 constexpr std::int64_t importMark = 1;  // what importIsDue leaves
 
-Result<> moveSubfolders(const std::string& from, const std::string& to) {
-  for (const std::string& name : listFolders(from)) {
+Result<> moveAll(const std::vector<std::string>& names, const std::string& from, const std::string& to) {
+  for (const std::string& name : names) {
     if (auto moved = renameFile(joinPath(from, name), joinPath(to, name)); !moved) return moved;
   }
   return {};
+}
+
+Result<> moveSubfolders(const std::string& from, const std::string& to) {
+  if (!folderExists(from)) return {};
+  const auto names = readFolderNames(from);
+  return names ? moveAll(*names, from, to) : Result<>(fail(names.error()));
 }
 
 Result<> removePictures(const std::string& folder) {
@@ -33,13 +40,11 @@ StagedPictures::StagedPictures(const std::string& shopFolder)
 Result<> StagedPictures::copyFrom(const std::string& folder) const {
   if (auto dropped = drop(); !dropped) return dropped;
   if (auto made = createFolder(staged_); !made) return made;
-  if (!folderExists(folder)) return {};
   // A list that can't be read is not an empty one: the shop's own pictures would go for nothing.
-  const auto entries = listTree(folder);
-  if (!entries) return fail(entries.error());
-  for (const TreeEntry& entry : *entries) {
-    if (entry.isFolder || !folderOf(entry.path).empty()) continue;
-    if (auto copied = copyFile(joinPath(folder, entry.path), joinPath(staged_, entry.path)); !copied) return copied;
+  const auto names = readFileNames(folder, "*");
+  if (!names) return fail(names.error());
+  for (const std::string& name : *names) {
+    if (auto copied = copyFile(joinPath(folder, name), joinPath(staged_, name)); !copied) return copied;
   }
   return {};
 }
@@ -57,9 +62,9 @@ Result<> StagedPictures::exchange() const {
 }
 
 Result<> StagedPictures::swap() const {
-  for (const std::string& folder : {own_, old_}) {
-    if (auto moved = moveSubfolders(folder, staged_); !moved) return moved;
-  }
+  // Where its own folder can't be listed, the subfolders go along with the pictures, and drop() brings them back.
+  if (auto moved = moveAll(listFolders(own_), own_, staged_); !moved) return moved;
+  if (auto moved = moveSubfolders(old_, staged_); !moved) return moved;
   if (folderExists(own_)) {
     if (auto removed = removePictures(old_); !removed) return removed;
     if (auto moved = renameFile(own_, old_); !moved) return moved;
