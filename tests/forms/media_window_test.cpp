@@ -124,7 +124,9 @@ TEST_F(MediaWindow, TheRowBeingEditedIsSavedBeforeThePurgeSearches) {
 }
 
 TEST_F(MediaWindow, WhatIsPurgedGoesToTheTrashOfTheDesktop) {
-  const QByteArray before = qgetenv("XDG_DATA_HOME");
+  // The toolkit takes the trash of the home for files on the same disk alone.
+  const QByteArray home = qgetenv("HOME"), data = qgetenv("XDG_DATA_HOME");
+  qputenv("HOME", QByteArray::fromStdString(root / ""));
   qputenv("XDG_DATA_HOME", QByteArray::fromStdString(root / "dati"));
   ASSERT_TRUE(createFolder(root / "dati"));
   ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile.gif"), "x"));
@@ -140,7 +142,8 @@ TEST_F(MediaWindow, WhatIsPurgedGoesToTheTrashOfTheDesktop) {
   EXPECT_EQ(user.texts().back(), "1 file cancellati");
   EXPECT_FALSE(fileExists(joinPath(shop, "work/inutile.gif")));
   EXPECT_TRUE(fileExists(root / "dati/Trash/files/inutile.gif"));
-  qputenv("XDG_DATA_HOME", before);
+  qputenv("HOME", home);
+  qputenv("XDG_DATA_HOME", data);
 }
 
 TEST_F(MediaWindow, AnExportLeavesTheWindowOnTheShop) {

@@ -300,6 +300,21 @@ TEST_F(TableImport, TakesPicturesOverAndRemovesThemAgainWhenItIsCancelled) {
             "1|1|1\n");
 }
 
+TEST_F(TableImport, RefusesTheRowOfAPictureThatIsTooWideUnlessItIsReduced) {
+  // The header of a GIF has its size: 32768 by 1.
+  constexpr std::string_view wide{"GIF89a\x00\x80\x01\x00\x00\x00\x00;", 14};
+  ASSERT_TRUE(writeBytes(root / "striscia.gif", wide));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/fascia.gif"), wide));
+  const std::string sheet = "codice;immagine0;titolo\nT-1;striscia.gif;A\nT-2;fascia.gif;B\n";
+  TablePlan planned = plan(sheet);
+  EXPECT_EQ(planned.rows[0].reason, "l'immagine \"striscia.gif\" ha un lato di oltre 32767 punti");
+  EXPECT_EQ(planned.rows[1].reason, "l'immagine \"fascia.gif\" ha un lato di oltre 32767 punti");
+  table.fitsPictures = true;
+  planned = plan(sheet);
+  EXPECT_EQ(planned.rows[0].reason, "");
+  EXPECT_NE(planned.rows[1].reason, "");
+}
+
 TEST_F(TableImport, RemembersTheColumnsOfASheetByItsHeaders) {
   const std::vector<std::string> headers{"Cod", "Descr.", "Euro"};
   auto columns = sheetTable(session.catalogue, 1, "articoli");

@@ -159,7 +159,7 @@ class RoundTrip:
 
 
 def main(program):
-    folder = tempfile.mkdtemp(prefix="korvane-dumps-", dir="/tmp")
+    folder = tempfile.mkdtemp(prefix="korvane-dumps-")
     subprocess.run([program, folder], check=True)
     with Server() as server:
         trip = RoundTrip(server)

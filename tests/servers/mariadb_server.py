@@ -21,8 +21,8 @@ def program(*names):
 
 class Server:
     def __init__(self):
-        # Below /tmp: the name of a socket has at most 107 bytes.
-        self.folder = tempfile.mkdtemp(prefix="korvane-mariadb-", dir="/tmp")
+        # Not deeper: the name of a socket has at most 107 bytes.
+        self.folder = tempfile.mkdtemp(prefix="korvane-mariadb-")
         self.socket = os.path.join(self.folder, "socket")
         self.log = os.path.join(self.folder, "log")
         self.process = None

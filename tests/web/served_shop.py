@@ -158,8 +158,8 @@ class ServedShop:
 
     def __init__(self, program, change=None):
         self.program = program
-        # Below /tmp: the name of a socket has at most 107 bytes.
-        self.work = pathlib.Path(tempfile.mkdtemp(prefix="korvane-shop-", dir="/tmp"))
+        # Not deeper: the name of a socket has at most 107 bytes.
+        self.work = pathlib.Path(tempfile.mkdtemp(prefix="korvane-shop-"))
         self.shop = self.work / "negozio"
         self.home = self.work / "host"
         self.environment = dict(os.environ, XDG_DATA_HOME=str(self.work / "data"),

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "import/tables/cell_reading.h"
+#include "media/choice/picture_box.h"
 #include "platform/files/files.h"
 #include "platform/text/text.h"
 
@@ -36,6 +37,7 @@ TableGuide::TableGuide(Session& session, const Settings& settings, std::string d
   request.department = std::move(department);
   request.model = std::move(model);
   request.shopFolder = session.ShopFolder;
+  request.fitsPictures = readLoadImage(settings).fits;
 }
 
 std::string TableGuide::read(const std::function<bool()>& goOn) {

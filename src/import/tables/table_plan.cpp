@@ -7,6 +7,7 @@
 #include "import/sheets/number_signs.h"
 #include "import/tables/cell_reading.h"
 #include "import/tables/picture_source.h"
+#include "media/choice/picture_box.h"
 #include "platform/image/pixels.h"
 #include "platform/text/text.h"
 
@@ -171,7 +172,12 @@ class TablePlanner {
   std::string pictureRefusal(std::string_view text) const {
     const auto found = findPicture(text, request_.shopFolder, request_.sheetFolder);
     if (!found) return "l'immagine \"" + std::string(text) + "\" non si trova";
-    return shownSize(found->path) ? "" : "l'immagine \"" + std::string(text) + "\" non può essere letta";
+    const std::string picture = "l'immagine \"" + std::string(text) + "\" ";
+    const auto size = shownSize(found->path);
+    if (!size) return picture + "non può essere letta";
+    // In the shop it stays as it is.
+    const bool isReduced = request_.fitsPictures && found->name.empty();
+    return isReduced || canBeStored(*size) ? "" : picture + "ha un lato di oltre 32767 punti";
   }
 
   void planNew(PlannedRow& row) {

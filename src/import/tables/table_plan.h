@@ -26,12 +26,13 @@ struct TableRequest {
   ColumnMapping mapping;  ///< a column for each of the sheet's
   std::string key;        ///< name of a TableKey; empty: keyFor()
   TableMode mode = TableMode::AddAndChange;
-  CsvChoice signs;           ///< of numbers that are texts: those that are given instead of found out
-  bool unlistedOut = false;  ///< articles that the sheet doesn't list get "fuoricatalogo"
-  std::string department;    ///< ID; of new articles where no column says it
-  std::string model;         ///< page model of new departments
-  std::string shopFolder;    ///< of the shop, whose pictures are in its folder "work"
-  std::string sheetFolder;   ///< where pictures of relative paths are
+  CsvChoice signs;            ///< of numbers that are texts: those that are given instead of found out
+  bool unlistedOut = false;   ///< articles that the sheet doesn't list get "fuoricatalogo"
+  std::string department;     ///< ID; of new articles where no column says it
+  std::string model;          ///< page model of new departments
+  std::string shopFolder;     ///< of the shop, whose pictures are in its folder "work"
+  std::string sheetFolder;    ///< where pictures of relative paths are
+  bool fitsPictures = false;  ///< files that are taken over are reduced to the box of the picture dialog
 };
 
 /// A column of the table and the column of the sheet that fills it.

@@ -53,6 +53,11 @@ ImageSize fittedSize(ImageSize size, ImageSize limits) {
   return {limits.width, part(size.height, limits.width, size.width)};
 }
 
+bool canBeStored(ImageSize size) {
+  constexpr int longestSide = 32767;
+  return size.width <= longestSide && size.height <= longestSide;
+}
+
 int centredOffset(int frame, int picture) { return picture < frame ? (frame - picture) / 2 : 0; }
 
 }  // namespace kv

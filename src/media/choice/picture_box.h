@@ -38,6 +38,8 @@ std::optional<int> limitOf(std::string_view text);
 /// The size of a picture in the box: narrowed to its width, then what came out lowered to its height, the proportions
 /// kept; the whole part of each side, at least 1. A picture that fits keeps its size.
 ImageSize fittedSize(ImageSize size, ImageSize limits);
+/// Whether the columns of the sizes hold both sides: 32767 pixels at most.
+bool canBeStored(ImageSize size);
 
 /// Pixels left of a picture of this width in the middle of a frame; 0 when it fills the frame. Heights likewise.
 int centredOffset(int frame, int picture);

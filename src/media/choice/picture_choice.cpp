@@ -10,11 +10,10 @@ namespace kv {
 namespace {
 
 constexpr int jpegQuality = 90;
-constexpr int longestSide = 32767;  // what the columns of the sizes hold
 
 /// Why a picture of this size can't be the shop's; empty when it can.
 std::string refusedSize(std::string_view path, ImageSize size) {
-  if (size.width <= longestSide && size.height <= longestSide) return {};
+  if (canBeStored(size)) return {};
   return "L'immagine \"" + std::string(baseName(path)) + "\" è di " + std::to_string(size.width) + " x " +
          std::to_string(size.height) +
          " punti, e nessun lato può superare 32767 punti.\nRidurla prima di sceglierla, o farla adattare alle misure.";

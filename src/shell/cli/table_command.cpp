@@ -8,6 +8,7 @@
 #include "import/tables/shown_plan.h"
 #include "import/tables/table_export.h"
 #include "import/tables/table_import.h"
+#include "media/choice/picture_box.h"
 #include "platform/files/files.h"
 #include "platform/ports/failure_text.h"
 #include "shell/cli/cli_session.h"
@@ -129,6 +130,7 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   request->mapping = sheet->mapping;
   request->shopFolder = open.session.ShopFolder;
   request->sheetFolder = folderOf(path);
+  request->fitsPictures = readLoadImage(env.settings).fits;
   request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
   auto plan = planTable(open.session.catalogue, sheet->table, sheet->sheet, *request,
                         [&env](std::size_t, std::size_t) { return env.user.yield(); });
