@@ -161,7 +161,9 @@ TEST_F(ApplicationFolder, AFolderThatCantBeListedWritesNoListAndTheNextRunGoesOn
       reached = gate.hasFailed();
       if (!done) ++refused;
       EXPECT_EQ(present("installed.lst") == "(none)", !done) << failing;
-      if (done) EXPECT_EQ(present("languages/ita.lng") + present("template/blu/modello1.htm"), "itaone") << failing;
+      if (done) {
+        EXPECT_EQ(present("languages/ita.lng") + present("template/blu/modello1.htm"), "itaone") << failing;
+      }
     }
     update();
     EXPECT_EQ(present("languages/ita.lng") + present("template/blu/modello1.htm"), "itaone") << failing;
