@@ -1,7 +1,6 @@
 // The run of an import from the accounting package: messages with their default buttons, backups, companies, failures,
 // and one step of undo.
 #include "accounting_shop.h"
-#include "store/catalogue/undo_history.h"
 #include "support/failing_store.h"
 #include "support/value_of.h"
 
@@ -184,12 +183,7 @@ class AccountingUndo : public AccountingRun {
   }
   ~AccountingUndo() override { history.end(); }
   AccountingEnd recorded() {
-    AccountingEnd end = AccountingEnd::NotDone;
-    EXPECT_TRUE(history.record("Importa", [&]() -> Result<> {
-      end = import();
-      return {};
-    }));
-    return end;
+    return recordedImport(history, [this] { return import(); });
   }
   CatalogueSets sets;
   UndoHistory history;

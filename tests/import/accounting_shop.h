@@ -3,18 +3,30 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "import/accounting/accounting_import.h"
 #include "platform/files/files.h"
 #include "platform/files/settings.h"
+#include "store/catalogue/undo_history.h"
 #include "store/shop/session.h"
 #include "support/fixed_clock.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
 
 namespace kv::test {
+
+/// An import as one step of the history.
+inline AccountingEnd recordedImport(UndoHistory& history, const std::function<AccountingEnd()>& import) {
+  AccountingEnd end = AccountingEnd::NotDone;
+  EXPECT_TRUE(history.record("Importa", [&]() -> Result<> {
+    end = import();
+    return {};
+  }));
+  return end;
+}
 
 class AccountingShop : public ::testing::Test {
  protected:

@@ -3,7 +3,6 @@
 #include <random>
 
 #include "import/accounting_shop.h"
-#include "store/catalogue/undo_history.h"
 #include "support/jet_samples.h"
 #include "support/test_seed.h"
 #include "support/value_of.h"
@@ -64,12 +63,7 @@ class AccountingOfChance : public AccountingShop, public ::testing::WithParamInt
     return asInteger(valueOf(session.catalogue.scalar("SELECT COUNT(*) FROM " + table)));
   }
   AccountingEnd recorded() {
-    AccountingEnd end = AccountingEnd::NotDone;
-    EXPECT_TRUE(history.record("Importa", [&]() -> Result<> {
-      end = import();
-      return {};
-    }));
-    return end;
+    return recordedImport(history, [this] { return import(); });
   }
 
   std::mt19937 chance;
