@@ -20,6 +20,11 @@ struct HttpRequest {
   std::size_t enough = 0;              ///< bytes of the answer that will do, the rest isn't fetched; 0: all of it
 };
 
+/// The status codes that mean something here. Source: RFC 9110, section 15; RFC 6585 (429).
+namespace http {
+constexpr int ok = 200, forbidden = 403, notFound = 404, tooManyRequests = 429, unavailable = 503;
+}
+
 struct HttpResponse {
   int status = 0;    ///< 200, 404 and so on
   std::string body;  ///< bytes as they came

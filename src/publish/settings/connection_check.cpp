@@ -10,7 +10,6 @@ namespace kv {
 namespace {
 
 constexpr int checkSeconds = 20;  // a server that says nothing for so long is told, and not waited for
-constexpr int statusFound = 200, statusMissing = 404, statusUnavailable = 503;
 
 std::string folderLine(const TransferCompletion& entered, const std::string& folder) {
   const std::string start = "Cartella del negozio (" + folder + "): ";
@@ -57,8 +56,8 @@ Result<HttpResponse> fetch(const std::string& url, const CheckParts& parts) {
 
 std::string checkDatabase(const std::string& siteBase, const CheckParts& parts) {
   const auto page = fetch(siteBase + "/index.php", parts);
-  if (page && page->status == statusFound) return "Database: raggiunto.";
-  if (page && page->status == statusUnavailable) {
+  if (page && page->status == http::ok) return "Database: raggiunto.";
+  if (page && page->status == http::unavailable) {
     return "Database: non raggiunto. Ricontrollare host, nome utente, password e nome del database, poi costruire e "
            "aggiornare di nuovo il negozio.";
   }
@@ -70,14 +69,14 @@ std::string checkSite(const std::string& siteBase, const CheckParts& parts) {
   if (siteBase.empty()) return "PHP: manca l'URL del sito.";
   const auto answer = fetch(siteBase + "/updatedb.php?w=phpinfo", parts);
   if (!answer) return "PHP: il sito " + siteBase + " non risponde (" + answer.error().what + ").";
-  if (answer->status == statusMissing) {
+  if (answer->status == http::notFound) {
     return "PHP: il negozio non è ancora all'indirizzo " + siteBase +
            "; se è già stato aggiornato, ricontrollare URL e cartella.";
   }
   if (startsWithIgnoringCase(answer->body, "<?php")) {
     return "PHP: il server mostra il testo degli script invece di eseguirli. Chiedere al fornitore di attivare PHP.";
   }
-  if (answer->status != statusFound || !answer->body.starts_with("PHP ")) {
+  if (answer->status != http::ok || !answer->body.starts_with("PHP ")) {
     return "PHP: risposta inattesa (" + std::to_string(answer->status) + ") da " + siteBase + ".";
   }
   const auto lines = splitLines(answer->body);

@@ -19,11 +19,6 @@ constexpr std::size_t numberDigits = 32;
 constexpr int secondsToWait = 60;
 constexpr int secondsInMinute = 60;
 
-constexpr int statusAnswered = 200;
-constexpr int statusRefused = 403;
-constexpr int statusMissing = 404;
-constexpr int statusTooMany = 429;
-
 constexpr const char* publishOnce = "\nPubblicare il negozio una volta con \"Aggiorna il sito...\", poi riprovare.";
 constexpr const char* noAnswer =
     "Il server del negozio non risponde. Gli ordini già ricevuti sono rimasti e si possono leggere.\n"
@@ -77,11 +72,11 @@ Error refusal(const OrderAccess& access, const OrderMessage& sent, std::string_v
 
 Error failureOf(const OrderAccess& access, const OrderMessage& sent, const HttpResponse& response) {
   switch (response.status) {
-    case statusRefused:
+    case http::forbidden:
       return refusal(access, sent, trim(response.body.substr(0, response.body.find_first_of("\r\n"))));
-    case statusMissing:
+    case http::notFound:
       return {ErrorKind::Missing, access.address, olderHost};
-    case statusTooMany:
+    case http::tooManyRequests:
       return {ErrorKind::Other, access.address, tooManyRequests};
     default:
       return {ErrorKind::Other, access.address,
@@ -124,7 +119,7 @@ HttpRequest orderRequest(const OrderAccess& access, const OrderMessage& message)
 }
 
 Result<JsonValue> readOrderAnswer(const OrderAccess& access, const OrderMessage& sent, const HttpResponse& response) {
-  if (response.status != statusAnswered) return fail(failureOf(access, sent, response));
+  if (response.status != http::ok) return fail(failureOf(access, sent, response));
   const std::string_view body = response.body;
   // A host that has no such script may show its first page instead.
   if (looksLikePage(body)) return fail(ErrorKind::Missing, access.address, olderHost);

@@ -25,7 +25,6 @@ namespace {
 
 constexpr int fetchSeconds = 20;
 constexpr std::string_view fetching = "Scaricamento dell'immagine...";
-constexpr int statusFound = 200;
 
 bool isWebAddress(const QUrl& url) {
   return url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https") ||
@@ -74,7 +73,7 @@ QByteArray bytesAt(const QUrl& address, UserPort& user) {
   user.progress({fetching, 0, 0});
   const auto answer = makeHttpClient()->send(request, [&user] { return user.yield(); });
   user.progress({});
-  return answer && answer->status == statusFound ? QByteArray::fromStdString(answer->body) : QByteArray();
+  return answer && answer->status == http::ok ? QByteArray::fromStdString(answer->body) : QByteArray();
 }
 
 /// The file that an address was fetched into, named after it and the kind of its bytes; empty when there was no

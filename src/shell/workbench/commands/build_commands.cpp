@@ -37,7 +37,7 @@ bool ensureTemplate(const CommandContext& context) {
   return true;
 }
 
-void buildShop(const CommandContext& context) {
+void runBuild(const CommandContext& context) {
   if (!ensureTemplate(context)) return;
   ignore(context.ports.dialogs.build(), "the dialog has told how it ended");
   context.bench.refreshAll();
@@ -80,7 +80,7 @@ std::vector<Command> buildCommands() {
                     .toolbar = {Toolbar::Shop, 101},
                     .shortcut = "Ctrl+B",
                     .dialog = wired(&WorkbenchDialogs::build),
-                    .run = buildShop}},
+                    .run = runBuild}},
                   "index.htm");
 }
 
