@@ -4,6 +4,7 @@
 // of words has one of each word, so that articles which have several words are found, counted and put in their order
 // without a row of them being read. kv_insiemi keeps a set in the shorter of two forms: its bits, or a list of positions
 // of four bytes each (the lower byte first).
+// A list takes longer to be read than bits, so it must be much the shorter one.
 // Besides words kv_insiemi has KV_DEPARTMENT with a number, the articles of that department, and KV_LATE, those whose title
 // has come or changed since the positions were given: they are not where their titles belong.
 
@@ -60,7 +61,10 @@ function kvPositions(string $bits, int $most = PHP_INT_MAX): array
     return $positions;
 }
 
-/** Whether a stored set is a list: bits are kept only where they are shorter. */
+/** A list is kept where its positions take less than one of so many parts of the bits. */
+const KV_LIST_SHARE = 4;
+
+/** Whether a stored set is a list: bits that would be of its length are kept as one. */
 function kvIsList(int $count, string $stored): bool
 {
     return strlen($stored) === 4 * $count;
@@ -78,7 +82,8 @@ function kvSetToStore(string $bits): array
 {
     $count = kvSetCount($bits);
     $bits = rtrim($bits, "\0");
-    return [$count, 4 * $count > strlen($bits) ? $bits : pack('V*', ...kvPositions($bits))];
+    $isList = 4 * $count * KV_LIST_SHARE <= strlen($bits) || 4 * $count === strlen($bits);
+    return [$count, $isList ? pack('V*', ...kvPositions($bits)) : $bits];
 }
 
 /**
