@@ -1,4 +1,5 @@
 """What the search finds in random catalogues, and in which order, beside a literal search of all texts."""
+import html
 import random
 import re
 import unicodedata
@@ -8,9 +9,12 @@ from load_shop import LoadedShop
 from shop_case import Case, shop
 
 WORDS = ["tazza", "tazzina", "Stazza", "caffè", "CAFFE", "città", "olio", "l'olio", "dell'Oliva", "blu", "blu-notte", "di", "da",
-         "gres", "GR-7", "gres/oro", "007", "12", "più", "Perché", "a", "m²", "straße", "&#945;&#955;&#966;&#945;", "naïve"]
+         "gres", "GR-7", "gres/oro", "007", "12", "più", "Perché", "a", "m²", "straße", "&#945;&#955;&#966;&#945;", "naïve", "pane-e-olio",
+         "1,5", "c'è/GR-7-b", "&#945;-12", "a-e", "straße-12"]
+REFERENCES = ["", " dell&#39;&egrave;re", "<br>e<b>-olio</b>"]
 ASKED = ["tazz", "tazza", "azz", "di", "gres di", "ta da", "caffe", "CAFFÈ olio", "l'olio", "dell'ol", "blu-n", "blu", "007", "gr-7",
-         "s/o", "per", "oli di gres", "zzqq", "αλφ", "tra 12"]
+         "s/o", "per", "oli di gres", "zzqq", "αλφ", "tra 12", "ane-e-ol", "e-oli",
+         "1,5", "l'olio blu-n", "'è/g", "c'è/GR-7-b", "α-1", "ll'er", "sse-1", "b-", "zz'qq", "blu-notte-e", "5€"]
 FIELDS = ["plain_titolo", "codice", "plain_sottotitolo", "descrizione", "note"]
 SETTINGS = {"all": (b'"all" !== \'any\'', b'"any" !== \'any\''),
             "parts": (b'var sleft = ",#.*"; var sright = "";', b'var sleft = "#"; var sright = "#";')}
@@ -18,7 +22,7 @@ SETTINGS = {"all": (b'"all" !== \'any\'', b'"any" !== \'any\''),
 
 def fold(text):
     """A text without case and accents, numeric references as their characters."""
-    text = re.sub(r"&#(\d+);", lambda found: chr(int(found[1])), text).lower().replace("ß", "ss")
+    text = html.unescape(text).lower().replace("ß", "ss")
     return "".join(char for char in unicodedata.normalize("NFD", text) if not unicodedata.combining(char))
 
 
@@ -46,18 +50,34 @@ def parts_of(word, least):
             for n, piece in enumerate(pieces) if len(piece) >= least}
 
 
+def points_of_words(article, words, parts):
+    """The points of each part that some words ask for; None for one that the article lacks."""
+    # Single characters count where there is nothing longer.
+    pieces, shorts = ({pattern: piece for word in words for pattern, piece in parts_of(word, least).items()} for least in (2, 1))
+    return [points_of(article, pattern, piece, not parts or pattern == re.escape(piece))
+            for pattern, piece in (pieces or shorts).items()]
+
+
+def points_of_marked(article, word, parts):
+    """The points of a word with marks as a list of one; None where the article lacks one of its parts."""
+    points = points_of_words(article, [word], parts)
+    return [None if None in points else sum(points)]
+
+
 def literal(articles, request, all_words, parts):
     """The numbers of the articles that a request finds, in the order of results."""
     asked = request.split()
-    # Single characters count where there is nothing longer.
-    pieces, shorts = ({pattern: piece for word in asked for pattern, piece in parts_of(word, least).items()} for least in (2, 1))
-    pieces = pieces or shorts
+    marked = [word for word in asked if re.search(r"[\W_]", fold(word))]
+    edge = "" if parts else r"(?![^\W_])"
     found = []
     for number, article in articles.items():
         text = fold(" ".join(article))
-        if any(re.search(r"[\W_]", fold(word)) and fold(word) not in text for word in asked):
+        absent = [word for word in marked if not re.search(edge.replace("!", "<!") + re.escape(fold(word)) + edge, text)]
+        if all_words and absent:
             continue
-        points = [points_of(article, pattern, piece, not parts or pattern == re.escape(piece)) for pattern, piece in pieces.items()]
+        points = points_of_words(article, asked if all_words else [word for word in asked if word not in marked], parts)
+        for word in [] if all_words else marked:
+            points += [None] if word in absent else points_of_marked(article, word, parts)
         hits = [one for one in points if one is not None]
         if len(hits) == len(points) if all_words else hits:
             found.append((sum(hits) - 100 * len(hits), fold(article[0])[:60].rstrip(), number))
@@ -93,7 +113,7 @@ class RandomCatalogues(Case):
         """Gives some articles other texts and has them loaded."""
         for number in numbers:
             row = self.rows[number]
-            row.update(plain_titolo=self.drawn(3), plain_sottotitolo=self.drawn(2), descrizione=f"<p>{self.drawn(5)}</p>", note=self.drawn(2))
+            row.update(plain_titolo=self.drawn(3), plain_sottotitolo=self.drawn(2), descrizione=f"<p>{self.drawn(5)}{self.draw.choice(REFERENCES)}</p>", note=self.drawn(2))
             self.codes[number] = self.draw.choice(["GR-7", "007", "TAZZ-12", "A", "Z9"])
             shop().execute(f"UPDATE dettaglio SET codice = '{self.codes[number]}' WHERE ID = {number}")
         listed = ", ".join(f"'{number}'" for number in numbers)
@@ -126,8 +146,8 @@ class RandomCatalogues(Case):
         self.change(numbers)
         self.assertEqual(self.loaded.load("DROP TABLE articoli;\r\n", create + self.inserts(numbers)), "OK")
         self.compare(ASKED)
-        self.compare(["tazz", "olio", "gres di"], parts=False)
-        self.compare(["tazz 007", "oli di gres", "caffe"], all_words=False)
+        self.compare(["tazz", "olio", "gres di", "l'olio", "l'oli", "e-olio", "pane-e-olio"], parts=False)
+        self.compare(["tazz 007", "oli di gres", "caffe", "l'olio blu", "ane-e-o gr-7 di", "zz'qq 1,5"], all_words=False)
         for _ in range(2):
             self.change(self.draw.sample(numbers, 9))
             self.compare(self.draw.sample(ASKED, 6))

@@ -80,8 +80,8 @@ class Parameters(Case):
     def test_scripts_that_are_parts_of_others_say_nothing(self):
         names = ["kvdb", "kvcontext", "kvprice", "kvarticle", "kvvariant", "kvcart", "kvtotals", "kvtables", "kvload", "kvmail",
                  "kvmailtesto", "kvaccount", "kvutf8", "kvupgrade", "kvstock", "kvplain", "kvpaesi",
-                 "kvregister", "kvlimits", "kvpay", "kvfind", "kvfound", "kvset", "kvindex", "kvreindex", "kvshadow", "lognew", "output",
-                 "funcs"]
+                 "kvregister", "kvlimits", "kvpay", "kvfind", "kvfound", "kvset", "kvsequence", "kvindex", "kvreindex", "kvshadow",
+                 "lognew", "output", "funcs"]
         for name in names:
             page = self.visitor.ask(name + ".php", follow=False)
             self.assertEqual((page.status, page.text.strip()), (200, ""), name)

@@ -2,10 +2,12 @@
 // ***1.0.7***
 // Finds articles by the index of words (kvindex.php). Each word of a request is looked up among the words of the shop,
 // whole or in part; results come by where the word is (title, code, texts) and how (whole, beginning, inside). A request
-// word with marks inside, as "l'olio", must also be in the article as it was typed.
+// word with marks inside, as "l'olio", must also be in the article as it was typed: as a sequence (kvsequence.php), or, where
+// that doesn't say it all, in its texts.
 
 include_once "kvtables.php";
 include_once "kvset.php";
+include_once "kvsequence.php";
 include_once "kvfound.php";
 
 /** Most words of the shop for which a single character is looked up: of more, nearly every article has one. */
@@ -14,10 +16,10 @@ const KV_SHORT_WORDS = 300;
 const KV_TEXTS_READ = 20000;
 const KV_TEXTS_TOGETHER = 5000;
 
-/** Whether the index is there and can answer: where any word is enough, words without marks. */
+/** Whether the index is there and can answer: one of an earlier release only words without marks where any is enough. */
 function kvIsIndexReady(array $kept, array $words, bool $all): bool
 {
-    return (int) $kept['indice'] >= KV_INDEX_OF_SETS && ($all || array_filter($words, 'kvHasMarks') === []);
+    return (int) $kept['indice'] >= ($all || array_filter($words, 'kvHasMarks') === [] ? KV_INDEX_OF_SETS : KV_INDEX_OF_SEQUENCES);
 }
 
 /**
@@ -96,11 +98,13 @@ function kvOpenSets(array $sets, int $length): ?array
 }
 
 /** The articles of a set whose texts have some words as they were typed; null when the server refused to look. */
-function kvTextSet(array $words, bool $all, bool $wholeWords, string $among): ?string
+function kvTextSet(array $words, bool $wholeWords, string $among): ?string
 {
     $table = kvLanguageTable('articoli');
     $values = [];
-    $condition = kvWordsCondition($words, $all, $wholeWords, $values);
+    // The statement names a table of the index: it speaks UTF-8.
+    $condition = kvFromCp1252(kvWordsCondition($words, true, $wholeWords, $values));
+    $values = array_map('kvFromCp1252', $values);
     $found = str_repeat("\0", strlen($among));
     $positions = kvSetCount($among) > KV_TEXTS_READ ? [] : kvPositions($among);
     foreach ($positions === [] ? [''] : array_chunk($positions, KV_TEXTS_TOGETHER) as $some) {
@@ -132,29 +136,71 @@ function kvRequestParts(array $words): array
         fn($pattern) => kvAreWordsFew((string) $pattern, KV_SHORT_WORDS), ARRAY_FILTER_USE_KEY);
 }
 
-/** What the index finds for a request; null when the server refused a question. */
-function kvFindSets(array $words, bool $all, bool $wholeWords): ?KvFound
+/** The sets by points of each part that the index is asked for some words; null when the server refused a question. */
+function kvSetsOfParts(array $words, bool $wholeWords, int $length): ?array
 {
-    list($length, $late) = kvSetLength() ?? [null, ''];
-    if (!$length) {
-        return $length === null ? null : new KvFound([], '');
-    }
     $parts = [];
     foreach (kvRequestParts($words) as $pattern => $piece) {
         $whole = $wholeWords || (string) $pattern === addcslashes($piece, '%_\\');
         $parts[] = kvPartSets((string) $pattern, $piece, $whole, $length);
     }
-    if (in_array(null, $parts, true)) {
-        return null;
+    return in_array(null, $parts, true) ? null : $parts;
+}
+
+/**
+ * Sets by points without the articles that lack a word with marks; null when the server refused a question. `texts` gets the
+ * words for which texts were read; an index of an earlier release has no sequences.
+ */
+function kvWithMarkedWords(?array $sets, array $words, bool $wholeWords, bool $hasSequences, array &$texts): ?array
+{
+    if ($sets === null || $sets === [] || $words === []) {
+        return $sets;
     }
-    $sets = kvJoinParts($parts, $all, $length);
+    $among = array_reduce($sets, fn(string $before, string $bits): string => $before | $bits, '');
+    foreach ($hasSequences ? $words : [] as $word) {
+        $having = kvSequenceSet($word, $wholeWords, strlen($among));
+        if ($having === null) {
+            return null;
+        }
+        $among &= $having;
+    }
+    $rest = array_values(array_filter($words, fn($word) => !$hasSequences || !kvIsSequence($word)));
+    $texts = array_merge($texts, $rest);
+    $having = $rest === [] || trim($among, "\0") === '' ? $among : kvTextSet($rest, $wholeWords, $among);
+    return $having === null ? null : array_map(fn(string $bits): string => $bits & $among & $having, $sets);
+}
+
+/** The articles that have all words of a request, by points; null when the server refused a question. See kvWithMarkedWords. */
+function kvSetsOfAll(array $words, bool $wholeWords, bool $hasSequences, int $length, array &$texts): ?array
+{
+    $parts = kvSetsOfParts($words, $wholeWords, $length);
     // Words of single characters that most articles have are no part of what the index was asked.
-    $texts = array_values(array_filter($words, fn($word) => $parts === [] || kvHasMarks($word)));
-    if ($sets !== [] && $texts !== []) {
-        $among = array_reduce($sets, fn(string $before, string $bits): string => $before | $bits, '');
-        $read = kvTextSet($texts, $all, $wholeWords, $among);
-        $sets = $read === null ? null : array_map(fn(string $bits): string => $bits & $read, $sets);
+    $marked = array_values(array_filter($words, fn($word) => $parts === [] || kvHasMarks($word)));
+    return $parts === null ? null
+        : kvWithMarkedWords(kvJoinParts($parts, true, $length), $marked, $wholeWords, $hasSequences, $texts);
+}
+
+/** The articles that have any word of a request, by points; null when the server refused a question. See kvWithMarkedWords. */
+function kvSetsOfAny(array $words, bool $wholeWords, int $length, array &$texts): ?array
+{
+    $marked = array_filter($words, 'kvHasMarks');
+    $parts = kvSetsOfParts(array_values(array_diff($words, $marked)), $wholeWords, $length);
+    foreach ($parts === null ? [] : $marked as $word) {
+        $parts[] = kvSetsOfAll([$word], $wholeWords, true, $length, $texts);
     }
+    return $parts === null || in_array(null, $parts, true) ? null : kvJoinParts($parts, false, $length);
+}
+
+/** What the index finds for a request; null when the server refused a question. See kvWithMarkedWords. */
+function kvFindSets(array $words, bool $all, bool $wholeWords, bool $hasSequences): ?KvFound
+{
+    list($length, $late) = kvSetLength() ?? [null, ''];
+    if (!$length) {
+        return $length === null ? null : new KvFound([], '');
+    }
+    $texts = [];
+    $sets = $all ? kvSetsOfAll($words, $wholeWords, $hasSequences, $length, $texts)
+        : kvSetsOfAny($words, $wholeWords, $length, $texts);
     $open = $sets === null ? null : kvOpenSets($sets, $length);
     return $open === null ? null : new KvFound($open, $late, $texts !== []);
 }

@@ -61,7 +61,8 @@ function kvFind(array $words, bool $all, bool $wholeWords, int $perPage, int $pa
     global $listino;
     $kept = kvKeptSearch([$words, $all, $wholeWords]);
     if (kvIsIndexReady($kept, $words, $all)) {
-        return kvFindByIndex($kept, fn() => kvFindSets($words, $all, $wholeWords), $perPage, $page);
+        return kvFindByIndex($kept, fn() => kvFindSets($words, $all, $wholeWords,
+            (int) $kept['indice'] >= KV_INDEX_OF_SEQUENCES), $perPage, $page);
     }
     $table = kvLanguageTable('articoli');
     $values = [];

@@ -6,7 +6,7 @@
 // are bound, never pasted.
 
 /** The tables whose texts are UTF-8; a statement about one of them takes and gives UTF-8. */
-const KV_UTF8_TABLES = '/\bkv_(?:clienti|ordini|recessi|richieste|stato|annotazioni|testi|ricerche|(?:parole|vocaboli|insiemi|voci)(?:_l[2-4])?)\b/';
+const KV_UTF8_TABLES = '/\bkv_(?:clienti|ordini|recessi|richieste|stato|annotazioni|testi|ricerche|(?:parole|vocaboli|sequenze|insiemi|voci)(?:_l[2-4])?)\b/';
 
 /** The lines of a block of settings. */
 function kvLinee(string $block): array

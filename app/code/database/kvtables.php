@@ -100,9 +100,10 @@ function kvTouchOrder(int $order): bool
     return kvQuery('UPDATE kv_ordini SET modificato = CURRENT_TIMESTAMP(6) WHERE id = ?', [$order]) !== null;
 }
 
-/** What kv_stato says of an index of words (`indice` and the language) that knows groups, and of one that has sets of articles. */
+/** What kv_stato says of an index of words (`indice` and the language): it knows groups, has sets of articles, and of sequences. */
 const KV_INDEX_OF_GROUPS = 2;
 const KV_INDEX_OF_SETS = 3;
+const KV_INDEX_OF_SEQUENCES = 4;
 
 /** A group word of related articles as kv_voci has it; where two have the same beginning, the word itself decides. */
 function kvIndexGroup(string $word): string

@@ -1,12 +1,13 @@
 <?php
 // ***1.0.7***
 // The index of words that the search asks: for each language kv_insiemi, which articles have a word, by where they have it
-// (kvset.php); kv_vocaboli, each word once, in which a part of a word is looked for; kv_voci, department, title and position
-// of each article, with a mark of the texts that the words came from and the group word by which related articles are
-// found; kv_parole, the words of each article, by which those that it no longer has are known. A load reads the words of
-// the articles whose texts it changes and of no others.
+// (kvset.php); kv_vocaboli, each word once, in which a part of a word is looked for; kv_sequenze, the same of words with marks
+// between them (kvsequence.php); kv_voci, department, title and position of each article, with a mark of the texts that the
+// words came from and the group word by which related articles are found; kv_parole, the words of each article, by which
+// those that it no longer has are known. A load reads the words of the articles whose texts it changes and of no others.
 include_once "kvutf8.php";
 include_once "kvset.php";
+include_once "kvsequence.php";
 include_once "kvreindex.php";
 
 /** Where a word is: in the title, in the code, in the texts. A lower number comes first among results. */
@@ -22,26 +23,30 @@ const KV_INDEX_ROWS = 500000;
  * What the words of an article are read from, as bytes that tell one state from another; the number changes with the
  * rules of this file.
  */
-const KV_DIGEST = "UNHEX(MD5(CONCAT('1', '\n', IFNULL(catID, ''), '\n', IFNULL(codice, ''), '\n', IFNULL(plain_titolo, ''),"
+const KV_DIGEST = "UNHEX(MD5(CONCAT('2', '\n', IFNULL(catID, ''), '\n', IFNULL(codice, ''), '\n', IFNULL(plain_titolo, ''),"
     . " '\n', IFNULL(plain_sottotitolo, ''), '\n', IFNULL(descrizione, ''), '\n', IFNULL(note, ''), '\n', IFNULL(correlazione, ''))))";
 
-/** The words of an UTF-8 text, folded: its runs of characters and digits, of forty characters at most. */
+/** The words of a folded UTF-8 text: its runs of characters and digits, of forty characters at most. */
 function kvTextWords(string $text): array
 {
-    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', kvFold($text), $found);
+    preg_match_all('/[\p{L}\p{N}\p{M}]+/u', $text, $found);
     return array_map(fn($word) => kvCut($word, 40), $found[0]);
 }
 
-/** The words of an article row with their rank, the best one of each. */
-function kvArticleWords(array $row): array
+/** A text of an article as it is searched: folded UTF-8 without elements. */
+function kvSearchedText(string $text): string
+{
+    return kvFold(kvUtf8(strpbrk($text, '<&') === false ? $text
+        : html_entity_decode(preg_replace('/<[^>]*>/', ' ', $text), ENT_QUOTES, 'cp1252')));
+}
+
+/** The words of some texts of an article, searched ones by their field, with their rank, the best one of each. */
+function kvArticleWords(array $texts): array
 {
     $words = [];
-    foreach (KV_RANKS as $field => $rank) {
-        $text = (string) ($row[$field] ?? '');
-        $text = strpbrk($text, '<&') === false ? $text
-            : html_entity_decode(preg_replace('/<[^>]*>/', ' ', $text), ENT_QUOTES, 'cp1252');
-        foreach (kvTextWords(kvUtf8($text)) as $word) {
-            $words += [$word => $rank];
+    foreach ($texts as $field => $text) {
+        foreach (kvTextWords($text) as $word) {
+            $words += [$word => KV_RANKS[$field]];
         }
     }
     return $words;
@@ -51,10 +56,12 @@ function kvArticleWords(array $row): array
 function kvIndexTables(string $language): string
 {
     $word = 'parola VARCHAR(40) CHARACTER SET utf8mb4 COLLATE utf8mb4_bin NOT NULL';
+    $sequence = str_replace('40', '50', $word);
     $failure = '';
     foreach (["kv_parole$language" => 'articolo INT NOT NULL PRIMARY KEY, parole MEDIUMTEXT CHARACTER SET utf8mb4 NOT NULL',
               "kv_vocaboli$language" => "$word PRIMARY KEY",
-              "kv_insiemi$language" => "$word, rango TINYINT NOT NULL, quanti INT NOT NULL, insieme MEDIUMBLOB NOT NULL,"
+              "kv_sequenze$language" => "$sequence PRIMARY KEY",
+              "kv_insiemi$language" => "$sequence, rango TINYINT NOT NULL, quanti INT NOT NULL, insieme MEDIUMBLOB NOT NULL,"
               . ' PRIMARY KEY (parola, rango)',
               "kv_voci$language" => 'articolo INT NOT NULL PRIMARY KEY, reparto VARCHAR(20) CHARACTER SET utf8mb4 NOT NULL,'
               . ' titolo VARCHAR(60) CHARACTER SET utf8mb4 NOT NULL, segno BINARY(16) NOT NULL,'
@@ -76,11 +83,13 @@ final class KvIndexRows
     public $sets = [];
 }
 
-/** The names of the sets that an article is in: rank and word in one, its department among them. */
+/** The names of the sets that an article is in: rank and word or sequence in one, its department among them. */
 function kvSetNames(array $row): array
 {
-    $names = [];
-    foreach (kvArticleWords($row) as $word => $rank) {
+    $texts = array_map(fn(string $field): string => kvSearchedText((string) ($row[$field] ?? '')), array_keys(KV_RANKS));
+    // No sequence goes from one text to the next.
+    $names = array_values(array_unique(kvSequences(implode("\n", $texts))));
+    foreach (kvArticleWords(array_combine(array_keys(KV_RANKS), $texts)) as $word => $rank) {
         $names[] = $rank . $word;
     }
     $names[] = '0' . kvDepartmentWord((string) $row['catID']);
@@ -90,11 +99,16 @@ function kvSetNames(array $row): array
 /** The row of an article in kv_voci, and that in kv_parole. */
 function kvIndexRows(array $row, array $names, int $position): array
 {
-    $text = fn(string $value): string => "'" . mysqli_real_escape_string(kvConnection(), $value) . "'";
     kvSetCharset('utf8mb4');
     $id = (int) $row['ID'];
-    return ["($id," . $text(kvUtf8((string) $row['catID'])) . ',' . $text(kvIndexTitle($row)) . ',0x' . bin2hex($row['segno'])
-        . ',' . $text(kvIndexGroup((string) $row['correlazione'])) . ",$position)", "($id," . $text(implode(' ', $names)) . ')'];
+    return ["($id," . kvSqlText(kvUtf8((string) $row['catID'])) . ',' . kvSqlText(kvIndexTitle($row)) . ',0x' . bin2hex($row['segno'])
+        . ',' . kvSqlText(kvIndexGroup((string) $row['correlazione'])) . ",$position)", "($id," . kvSqlText(implode(' ', $names)) . ')'];
+}
+
+/** A text as a value of a statement; the connection must speak its character set. */
+function kvSqlText(string $value): string
+{
+    return "'" . mysqli_real_escape_string(kvConnection(), $value) . "'";
 }
 
 /** The title of an article as results are ordered by it. */
@@ -139,18 +153,23 @@ function kvInsertRows(string $insert, iterable $rows, string $rest = ''): string
 /** A row of kv_insiemi. */
 function kvSetRow(string $name, int $count, string $stored): string
 {
-    return "('" . substr($name, 1) . "',$name[0],$count,x'" . bin2hex($stored) . "')";
+    return '(' . kvSqlText(substr($name, 1)) . ",$name[0],$count,x'" . bin2hex($stored) . "')";
 }
 
-/** Rows of kv_vocaboli: the words among names of sets, each once. */
-function kvVocabularyRows(array $names): array
+/** Writes the words and sequences among names of sets, each once, into tables that begin so. The failure. */
+function kvWriteVocabulary(array $names, string $tables, string $language): string
 {
-    $words = [];
+    $words = $sequences = [];
     foreach ($names as $name) {
         $word = substr((string) $name, 1);
-        $words[$word] = in_array($word[0], [KV_DEPARTMENT, KV_LATE], true) ? null : "('$word')";
+        if ((int) ((string) $name)[0] === KV_SEQUENCE_RANK) {
+            $sequences[] = '(' . kvSqlText($word) . ')';
+        } elseif (!in_array($word[0], [KV_DEPARTMENT, KV_LATE], true)) {
+            $words[$word] = "('$word')";
+        }
     }
-    return array_filter($words, 'is_string');
+    $failure = kvInsertRows("INSERT IGNORE INTO {$tables}kv_vocaboli$language", $words);
+    return $failure === '' ? kvInsertRows("INSERT IGNORE INTO {$tables}kv_sequenze$language", $sequences) : $failure;
 }
 
 /** Writes the words that wait into the tables being filled, the sets as lists of numbers of articles. The failure. */
@@ -167,8 +186,7 @@ function kvWriteWords(KvIndexRows $waiting, string $language): string
     })();
     $failure = kvInsertRows('INSERT ' . $into('kv_parole'), $waiting->words);
     $failure = $failure === '' ? kvInsertRows('INSERT ' . $into('kv_voci'), $waiting->entries) : $failure;
-    $failure = $failure === ''
-        ? kvInsertRows('INSERT IGNORE ' . $into('kv_vocaboli'), kvVocabularyRows(array_keys($waiting->sets))) : $failure;
+    $failure = $failure === '' ? kvWriteVocabulary(array_keys($waiting->sets), KV_NEW, $language) : $failure;
     return $failure === '' ? kvInsertRows('INSERT ' . $into('kv_insiemi'), $lists, ' ON DUPLICATE KEY UPDATE quanti = quanti'
         . ' + VALUES(quanti), insieme = CONCAT(insieme, VALUES(insieme))') : $failure;
 }
@@ -212,7 +230,7 @@ function kvReadWords(array $tables, string $language): string
 function kvIsIndexCurrent(string $language): bool
 {
     $columns = [["kv_voci$language", 'posizione'], ["kv_insiemi$language", 'insieme'], ["kv_parole$language", 'parole'],
-        ["kv_vocaboli$language", 'parola']];
+        ["kv_vocaboli$language", 'parola'], ["kv_sequenze$language", 'parola']];
     $row = kvRiga('SELECT COUNT(*) AS n FROM information_schema.COLUMNS WHERE TABLE_SCHEMA = DATABASE() AND ('
         . implode(' OR ', array_fill(0, count($columns), '(TABLE_NAME = ? AND COLUMN_NAME = ?)')) . ')', array_merge(...$columns));
     return (int) ($row['n'] ?? 0) === count($columns);
@@ -222,7 +240,7 @@ function kvIsIndexCurrent(string $language): bool
 function kvRebuildIndex(KvLoad $load, array $tables): string
 {
     $failure = kvIndexTables($load->language);
-    foreach (['kv_parole', 'kv_vocaboli', 'kv_insiemi', 'kv_voci'] as $name) {
+    foreach (['kv_parole', 'kv_vocaboli', 'kv_sequenze', 'kv_insiemi', 'kv_voci'] as $name) {
         $load->made[] = $name . $load->language;
     }
     $failure = $failure === '' ? kvReadWords($tables, $load->language) : $failure;
@@ -256,7 +274,7 @@ function kvOrderSets(array $positions, string $table): string
     $from = '';
     kvSetCharset('utf8mb4');
     do {
-        $result = mysqli_query(kvConnection(), "SELECT parola, rango, insieme FROM $table WHERE parola >= '$from' ORDER BY parola, rango"
+        $result = mysqli_query(kvConnection(), "SELECT parola, rango, insieme FROM $table WHERE parola >= " . kvSqlText($from) . " ORDER BY parola, rango"
             . ' LIMIT ' . KV_SETS_TOGETHER);
         $rows = $result instanceof mysqli_result ? mysqli_fetch_all($result, MYSQLI_ASSOC) : null;
         $finished = count($rows ?? []) < KV_SETS_TOGETHER;

@@ -117,8 +117,7 @@ function kvWriteChanges(KvIndexRows $changes, string $language): string
     $names = array_keys(array_filter($changes->sets, fn($positions) => in_array(true, $positions, true)));
     $failure = kvInsertRows("INSERT INTO kv_parole$language", $changes->words);
     $failure = $failure === '' ? kvInsertRows("INSERT INTO kv_voci$language", $changes->entries) : $failure;
-    $failure = $failure === ''
-        ? kvInsertRows("INSERT IGNORE INTO kv_vocaboli$language", kvVocabularyRows($names)) : $failure;
+    $failure = $failure === '' ? kvWriteVocabulary($names, '', $language) : $failure;
     foreach ($failure === '' ? array_chunk($changes->sets, KV_SETS_TOGETHER, true) : [] as $some) {
         $failure = $failure === '' ? kvChangeSets($some, "kv_insiemi$language") : $failure;
     }

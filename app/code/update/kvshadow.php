@@ -165,7 +165,7 @@ function kvLoadTogether(array $drops, array $new, string $language): string
     $failure = $failure === '' ? kvSwapTables($load) : $failure;
     if ($failure === '' && array_merge($load->made, $load->drops) !== []) {
         // Once more: what was shown between the first mark and the exchange was the former catalogue.
-        $states = in_array("articoli$language", $load->made, true) ? ["indice$language" => (string) KV_INDEX_OF_SETS] : [];
+        $states = in_array("articoli$language", $load->made, true) ? ["indice$language" => (string) KV_INDEX_OF_SEQUENCES] : [];
         $failure = kvMarkLoad($states + ['laterali' => implode(',', array_intersect(KV_SOMETIMES, kvTablesBeginning('kv_')))]);
         $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
     }
@@ -188,7 +188,7 @@ function kvRenewIndex(string $language): void
     $failure = kvRebuildIndex($load, ["articoli$language", 'dettaglio']);
     $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
     $failure = $failure === '' ? kvSwapTables($load) : $failure;
-    $failure = $failure === '' ? kvMarkLoad(["indice$language" => (string) KV_INDEX_OF_SETS]) : $failure;
+    $failure = $failure === '' ? kvMarkLoad(["indice$language" => (string) KV_INDEX_OF_SEQUENCES]) : $failure;
     $failure = $failure === '' ? kvRunSql('COMMIT') : $failure;
     if ($failure !== '') {
         kvCancelLoad($load);
