@@ -154,6 +154,16 @@ class Forgery(Case):
         data = shop().rows("SELECT dati FROM kv_ordini")[0][0]
         self.assertIn(f'"merce":{line["p"] / 100:g}', data)
 
+    def test_a_sum_beyond_what_an_order_can_hold_is_refused_in_words(self):
+        price = shop().rows(f"SELECT importo FROM ordinamento WHERE ID = {self.article}")[0][0]
+        shop().execute(f"UPDATE ordinamento SET importo = 600000 WHERE ID = {self.article}")
+        try:
+            page = order(self.visitor, "_".join([f"{self.article}.99999"] * 200), method=2)
+        finally:
+            shop().execute(f"UPDATE ordinamento SET importo = {price} WHERE ID = {self.article}")
+        self.assertIn("Indicare una quantità valida.", page.text)
+        self.assertEqual(self.count("kv_ordini"), 0)
+
     def test_a_country_of_another_zone_is_refused(self):
         order(self.visitor, self.cart, LSStato="1", Paese="Svizzera")
         self.assertEqual(self.count("kv_ordini"), 0)

@@ -114,6 +114,10 @@ function kvCheckedTotals(array $lines, int $method, int $zone, array $data): arr
 {
     global $listino, $scontocliente;
     $totals = kvOrderTotals($lines, $method, $zone, $data, $listino, (float) $scontocliente);
+    // Of more the table of orders has no column wide enough.
+    if ($totals['totale'] >= 10000000000 * $data['scala']) {
+        kvRefuseOrder("<<4-quantita_errata>>");
+    }
     if (!$totals['ammesso']) {
         kvRefuseOrder("<<4-metodo_non_ammesso>>");
     }
