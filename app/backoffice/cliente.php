@@ -63,7 +63,7 @@ function boCancelRequests(string $email): void
 function boSetPassword(array $cliente): void
 {
     $action = kvCampo($_POST, 'azione', 20) === 'genera';
-    $pw = $action ? boRandomPassword() : (is_string($_POST['pw'] ?? null) ? kvCut(kvSentText($_POST['pw'], true), 100) : '');
+    $pw = $action ? boRandomPassword() : kvPassword('pw');
     if (kvLength($pw) < 8) {
         boNotify('La password deve avere almeno 8 caratteri.', true);
         return;

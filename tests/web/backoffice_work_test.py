@@ -181,6 +181,7 @@ class Customers(Case):
         form = next(f for f in page_forms(page) if "pw" in f["fields"])
         short = self.office.send(form, page, azione="password", pw="corta")
         self.assertIn("almeno 8", short.text)
+        self.assertIn("Password cambiata", self.office.send(form, page, azione="password", pw="con uno\0 zero").text)
 
     def test_a_requested_password_is_sent_again_and_the_older_link_is_dead(self):
         customer, _ = self.register("anna@example.org")

@@ -264,8 +264,9 @@ class Sessions(Case):
         self.assertNotIn("ada@example.org", thief.ask("login.php").text)
 
     def test_a_password_is_stored_as_its_hash(self):
-        register(self.visitor)
+        register(self.visitor, pw="una-\0parola-lunga")
         self.assertRegex(shop().rows("SELECT pw FROM kv_clienti")[0][0], r"^\$2y\$|^\$argon2")
+        self.assertIn("index.php", enter(shop().visitor()).address, "a zero byte is no part of it")
 
     def test_a_changed_password_ends_the_other_sessions(self):
         register(self.visitor)

@@ -198,12 +198,6 @@ function kvChangePassword(string $pw): void
     kvGoToMessage(9);
 }
 
-/** A password of the form as it was typed, of at most 100 characters. */
-function kvPassword(string $name): string
-{
-    return isset($_POST[$name]) && is_string($_POST[$name]) ? kvCut(kvSentText($_POST[$name], true), 100) : '';
-}
-
 /** Takes the wish for a new password. The answer is the same, and comes as soon, whether the address is known or not. */
 function kvRequestPassword(string $email): void
 {

@@ -180,6 +180,13 @@ function kvLineField(array $form, string $name, int $most = 200): string
     return trim(preg_replace('/[\x00-\x1f\x7f\x{85}\x{2028}\x{2029}]+/u', ' ', kvCampo($form, $name, $most)));
 }
 
+/** A password of a form as it was typed, of at most 100 characters. A zero byte, which nobody types, makes no hash. */
+function kvPassword(string $name): string
+{
+    return isset($_POST[$name]) && is_string($_POST[$name])
+        ? kvCut(kvSentText(str_replace("\0", '', $_POST[$name]), true), 100) : '';
+}
+
 /** Where the shop's cookies hold: the folder of its pages. */
 function kvCookieFolder(): string
 {
