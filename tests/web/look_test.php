@@ -5,7 +5,7 @@ include __DIR__ . '/harness.php';
 $_SERVER['SCRIPT_NAME'] = '/shop/cat007.php';
 $HTTP_GET_VARS = ['n' => 1, 'prod' => 0];
 $GLOBALS['sp'] = 1;
-shopScripts(['kvdb', 'kvcontext', 'kvprice', 'kvarticle', 'kvpay', 'kvlook']);
+shopScripts(['kvdb', 'kvcontext', 'kvprice', 'kvarticle', 'kvpay', 'kvlook', 'kvsequence']);
 
 /** The lowest contrast of any writing on any surface it may be shown on, over palettes of every kind of colour. */
 function lowestContrast(array $pairs): float
@@ -166,4 +166,7 @@ runTests([
         $GLOBALS['valuta'] = ['Gettoni ', ''];
         return ['', kvCurrencyCode()];
     },
+    'WordsWithMarksBetweenThemAreSequencesOfTwo' => fn() => [["3'olio\u{A0}l", "3-7\u{A0}gr", "3/b\u{A0}7"],
+        kvSequences("l'olio, (gr-7/b) blu ----- notte.")],
+    'ARunOfThousandsOfWordsIsReadToItsEnd' => fn() => [100000, count(kvSequences(str_repeat('a-', 100000) . 'b l c'))],
 ]);

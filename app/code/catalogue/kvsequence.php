@@ -14,7 +14,7 @@ const KV_SEQUENCE_MARKS = 4;
 /** A blank that doesn't break: no sequence has it, and the server orders it after the blanks by which it compares keys. */
 const KV_SEQUENCE_END = "\u{A0}";
 /** Words with marks between them, and what parts them, as patterns. */
-const KV_SEQUENCE_PATTERN = '[\p{L}\p{N}\p{M}]+(?:[^\p{L}\p{N}\p{M}\s]{1,' . KV_SEQUENCE_MARKS . '}[\p{L}\p{N}\p{M}]+)+';
+const KV_SEQUENCE_PATTERN = '[\p{L}\p{N}\p{M}]++(?:[^\p{L}\p{N}\p{M}\s]{1,' . KV_SEQUENCE_MARKS . '}+[\p{L}\p{N}\p{M}]++)++';
 const KV_SEQUENCE_SPLIT = '/([^\p{L}\p{N}\p{M}]+)/u';
 
 /** The names of the sequences in a folded text: rank and sequence in one. */
