@@ -32,7 +32,7 @@ from served_shop import ServedShop, Visitor  # noqa: E402
 ROUNDS = 7
 # More than are asked in the time: no result is there already.
 OTHER_WORDS = [f"/kvsearch.php?q={word}{n}" for n in range(1, 1000) for word in ("PI-002-", "alba+", "gres+", "zzqq")]
-HITS = ["/kvsearch.php?q=" + word for word in ("PI-002-7", "alba", "gres", "tazz", "di+gres")]
+HITS = ["/kvsearch.php?q=" + word for word in ("PI-002-7", "alba", "gres", "tazz", "di+gres", "l%27olio", "ta")]
 NO_HITS = ["/kvsearch.php?q=" + word for word in ("zzqq", "qwx")]
 TYPED = ["/kvsuggerisci.php?q=" + word for word in ("ta", "taz", "tazza+al", "PI", "zz")]
 
