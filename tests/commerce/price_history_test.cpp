@@ -120,6 +120,29 @@ TEST_F(PublishedPrices, WithoutABuildNothingIsNoted) {
   EXPECT_FALSE(fileExists(priceHistoryPath(root.path())));
 }
 
+TEST_F(PublishedPrices, ACancelAmongManyArticlesKeepsWhatWasNotedAndTheNextLoadNotesTheRest) {
+  build(
+      "WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n WHERE i < 1000) INSERT INTO ordinamento (ID, "
+      "implistino, importo) SELECT i, 10000, 10000 FROM n; INSERT INTO dettaglio (ID, catID) SELECT ID, 'cat001' FROM "
+      "ordinamento");
+  const auto cancelAt = [&](double day, int asking) {
+    const auto done = recordPublishedPrices(root.path(), day * secondsPerDay, [&] { return --asking > 0; });
+    return !done && done.error().kind == ErrorKind::Cancelled;
+  };
+  const auto noted = [&] {
+    auto database = Database::open(priceHistoryPath(root.path()), OpenMode::ReadOnly).value();
+    return rows(database, "SELECT CAST(dal / 86400 AS INTEGER), COUNT(netto), COUNT(*) FROM prezzi GROUP BY 1");
+  };
+  EXPECT_TRUE(cancelAt(3, 3));
+  EXPECT_EQ(noted(), "3|767|767\n") << "the window is asked at every 256th article";
+  publish(4);
+  EXPECT_EQ(noted(), "3|767|767\n4|233|233\n");
+  build("DELETE FROM ordinamento WHERE ID > 2");
+  EXPECT_TRUE(cancelAt(5, 1)) << "articles that are gone are as many";
+  publish(5);
+  EXPECT_EQ(noted(), "3|767|767\n4|233|233\n5|0|998\n");
+}
+
 /// A merchant's calendar, kept hour by hour and searched hour by hour.
 class Calendar {
  public:

@@ -21,7 +21,7 @@
 namespace kv::test {
 namespace {
 
-/// A build database with one article, for 12.50.
+/// A build database with one article for 12.50 and 299 without a price.
 const std::string& theBuild() {
   static const std::string bytes = [] {
     const TempFolder folder;
@@ -31,7 +31,10 @@ const std::string& theBuild() {
       auto build = Database::open(path, OpenMode::Scratch).value();
       EXPECT_TRUE(
           build.execute("INSERT INTO dettaglio (ID, catID) VALUES (7, 'cat001');"
-                        "INSERT INTO ordinamento (ID, implistino, importo) VALUES (7, 125000, 125000)"));
+                        "INSERT INTO ordinamento (ID, implistino, importo) VALUES (7, 125000, 125000);"
+                        "WITH RECURSIVE n(i) AS (VALUES (8) UNION ALL SELECT i + 1 FROM n WHERE i < 306)"
+                        "INSERT INTO ordinamento (ID) SELECT i FROM n;"
+                        "INSERT INTO dettaglio (ID) SELECT ID FROM ordinamento WHERE ID > 7"));
     }
     return readBytes(path).value();
   }();
@@ -184,7 +187,7 @@ TEST_F(DatabaseUpdate, ACopyThatFailsLeavesNoBase) {
 
 TEST_F(DatabaseUpdate, ACancelDuringTheCopyOfTheBaseLeavesNoneAndKeepsThePublishedPrices) {
   UpdateParts cancelled = parts();
-  cancelled.yield = [&] { return !fileExists(priceHistoryPath(shop)); };  // the copy is what comes next
+  cancelled.yield = [&] { return !fileExists(shop + "/db/last.ini"); };  // the copy is what comes next
   EXPECT_EQ(updateDatabase(job, cancelled), "");
   EXPECT_EQ(host.requests.size(), 2U);
   EXPECT_EQ(listFiles(shop + "/db", "*"), (std::vector<std::string>{"last.ini", "sql.mdb"}));
@@ -192,6 +195,15 @@ TEST_F(DatabaseUpdate, ACancelDuringTheCopyOfTheBaseLeavesNoneAndKeepsThePublish
   EXPECT_TRUE(published().starts_with("7|0|"));
   EXPECT_EQ(run(), "OK");
   EXPECT_EQ(read("db/last.mdb"), theBuild());
+}
+
+TEST_F(DatabaseUpdate, ACancelWhileThePricesAreNotedIsAnInterruptionToo) {
+  UpdateParts cancelled = parts();
+  cancelled.yield = [&] { return !fileExists(priceHistoryPath(shop)); };
+  EXPECT_EQ(updateDatabase(job, cancelled), "");
+  EXPECT_EQ(listFiles(shop + "/db", "*"), std::vector<std::string>{"sql.mdb"}) << "the copy of the base was not begun";
+  EXPECT_TRUE(published().starts_with("7|0|"));
+  EXPECT_TRUE(user.shown.empty());
 }
 
 TEST_F(DatabaseUpdate, ADifferenceThatWasSentIsNotKept) {

@@ -15,6 +15,8 @@ namespace {
 
 /// Columns of a price list in the reader's rows: list price, price asked, factor of the department.
 constexpr int columnsOfList = 3;
+/// A millisecond or two.
+constexpr std::size_t articlesPerLook = 256;
 constexpr const char* insertState =
     "INSERT INTO prezzi (articolo, listino, dal, netto, ridotto) VALUES (?, ?, ?, ?, ?)";
 
@@ -34,19 +36,22 @@ std::string builtQuery() {
   std::string sql = "SELECT o.ID";
   for (const std::string_view suffix : listinoSuffixes) {
     const std::string n(suffix);
-    sql += ", o.implistino" + n + ", o.importo" + n + ", COALESCE(c.sconto" + n + ", 1)";
+    sql += ", o.implistino" + n + ", o.importo" + n + ", c.sconto" + n;
   }
   return sql +
          " FROM ordinamento o INNER JOIN dettaglio d ON d.ID = o.ID LEFT JOIN categorie c ON c.ID = d.catID"
          " ORDER BY o.ID";
 }
 
-/// The price asked, as the site's scripts compute it: an offer as it is, else the list price by the factor of the
-/// department. Nothing where neither is entered, or the amount is out of range.
-PriceState stateOf(Money list, Money asked, float factor) {
+/// The price asked in the list whose columns begin at `at`, as the site's scripts compute it: an offer as it is, else
+/// the list price by the factor of the department. Nothing where neither is entered, or the amount is out of range.
+PriceState readState(const Statement& rows, int at) {
   PriceState state;
+  const Money list = rows.money(at);
+  const Money asked = rows.money(at + 1);
   if (list == Money() && asked == Money()) return state;
-  state.price = asked != list || factor == 1.0F ? asked : multiplyThroughSingle(list, factor);
+  const float factor = asked != list || rows.isNull(at + 2) ? 1.0F : rows.single(at + 2);
+  state.price = factor == 1.0F ? asked : multiplyThroughSingle(list, factor);
   state.reduced = state.price && *state.price < list;
   return state;
 }
@@ -61,12 +66,22 @@ Result<Database> openHistory(const std::string& path) {
   return Database::open(path, OpenMode::Exclusive);
 }
 
+/// When prices are noted, and who may end it.
+struct Noting {
+  double now = 0;
+  const std::function<bool()>& goOn;
+};
+
 /// Adds the states that differ from the last ones; `build` is read while `history` is written.
 class HistoryWriter {
  public:
-  HistoryWriter(Statement insert, double now) : insert_(std::move(insert)), now_(now) {}
+  HistoryWriter(Statement insert, const Noting& noting) : insert_(std::move(insert)), noting_(noting) {}
 
+  /// Cancelled when whoever is asked now and then says so.
   Result<> add(const BuiltPrices& prices, const ArticleHistory& known) {
+    if (noting_.goOn && ++articles_ % articlesPerLook == 0 && !noting_.goOn()) {
+      return fail(ErrorKind::Cancelled, "", "cancelled");
+    }
     for (std::size_t list = 0; list < prices.lists.size(); ++list) {
       const PriceState last = known[list].empty() ? PriceState() : known[list].back();
       if (isSame(last, prices.lists[list])) continue;
@@ -80,7 +95,7 @@ class HistoryWriter {
   Result<> write(std::int64_t article, std::size_t list, const PriceState& state, double atLeast) {
     insert_.bind(1, article);
     insert_.bind(2, static_cast<std::int64_t>(list));
-    insert_.bind(3, std::max(now_, atLeast));
+    insert_.bind(3, std::max(noting_.now, atLeast));
     insert_.bindNull(4);
     if (state.price) insert_.bind(4, *state.price);
     insert_.bind(5, state.reduced);
@@ -88,7 +103,8 @@ class HistoryWriter {
   }
 
   Statement insert_;
-  double now_;
+  const Noting& noting_;
+  std::size_t articles_ = 0;
 };
 
 /// Articles that the history has and the build has not, up to `until`: they have no price any more.
@@ -103,10 +119,10 @@ Result<> endOthers(PriceHistoryReader& known, std::int64_t until, HistoryWriter&
 }
 
 /// The reader never meets a row that is added: those of an article come before its position when they are written.
-Result<> addStates(Database& build, Database& history, double now) {
+Result<> addStates(Database& build, Database& history, const Noting& noting) {
   auto insert = history.prepare(insertState);
   if (!insert) return fail(insert.error());
-  HistoryWriter writer(std::move(*insert), now);
+  HistoryWriter writer(std::move(*insert), noting);
   auto built = BuiltPriceReader::open(build);
   if (!built) return fail(built.error());
   auto known = PriceHistoryReader::open(history);
@@ -140,8 +156,7 @@ Result<std::optional<BuiltPrices>> BuiltPriceReader::next() {
   BuiltPrices prices;
   prices.article = rows_.integer(0);
   for (std::size_t list = 0; list < prices.lists.size(); ++list) {
-    const int at = 1 + columnsOfList * static_cast<int>(list);
-    prices.lists[list] = stateOf(rows_.money(at), rows_.money(at + 1), rows_.single(at + 2));
+    prices.lists[list] = readState(rows_, 1 + columnsOfList * static_cast<int>(list));
   }
   return std::optional<BuiltPrices>(prices);
 }
@@ -176,17 +191,20 @@ Result<ArticleHistory> PriceHistoryReader::of(std::int64_t article) {
   return states;
 }
 
-Result<> recordPublishedPrices(const std::string& shopFolder, double now) {
+Result<> recordPublishedPrices(const std::string& shopFolder, double now, const std::function<bool()>& goOn) {
   auto build = Database::open(entryPath(shopFolder, "db/sql.mdb"), OpenMode::ReadOnly);
   if (!build) return fail(build.error());
   auto history = openHistory(priceHistoryPath(shopFolder));
   if (!history) return fail(history.error());
   if (auto begun = history->begin(); !begun) return begun;
-  if (auto added = addStates(*build, *history, now); !added) {
+  const auto added = addStates(*build, *history, {now, goOn});
+  const bool isCancelled = !added && added.error().kind == ErrorKind::Cancelled;
+  if (!added && !isCancelled) {
     history->rollback();
     return added;
   }
-  return history->commit();
+  auto kept = history->commit();
+  return kept && isCancelled ? added : kept;
 }
 
 }  // namespace kv

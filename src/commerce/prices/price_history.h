@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -62,8 +63,9 @@ class PriceHistoryReader {
 };
 
 /// Notes what the build database `db/sql.mdb` of a shop asks as published at `now`, seconds since 1970; makes the
-/// history where there is none. Prices that are as they were get no row. All of it or nothing.
-/// Failures as Database::open, Database::create and Statement::execute.
-Result<> recordPublishedPrices(const std::string& shopFolder, double now);
+/// history where there is none. Prices that are as they were get no row. All of it or nothing, unless goOn, asked every
+/// few milliseconds, says false: what was noted by then is kept, as it is true, and the next call notes the rest.
+/// Cancelled then; other failures as Database::open, Database::create and Statement::execute.
+Result<> recordPublishedPrices(const std::string& shopFolder, double now, const std::function<bool()>& goOn = {});
 
 }  // namespace kv

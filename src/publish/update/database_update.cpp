@@ -123,15 +123,18 @@ bool rememberUpdate(const UpdateJob& job, double languages, const std::function<
   return kept.error().kind != ErrorKind::Cancelled;
 }
 
-/// Notes what the host has just confirmed to show: the lowest prices before later reductions are found in it.
-void rememberPrices(const UpdateJob& job, const UpdateParts& parts) {
-  const auto noted = recordPublishedPrices(job.shopFolder, parts.clock->now());
-  if (noted) return;
+/// Notes what the host has just confirmed to show: the lowest prices before later reductions are found in it. False
+/// when the user has cancelled it.
+bool rememberPrices(const UpdateJob& job, const UpdateParts& parts) {
+  const auto noted = recordPublishedPrices(job.shopFolder, parts.clock->now(), parts.yield);
+  if (noted) return true;
+  if (noted.error().kind == ErrorKind::Cancelled) return false;
   parts.user.message(
       failureText(noted.error(), "prezzi.mdb") +
           "\n\nIl negozio è aggiornato, ma i prezzi pubblicati non sono stati annotati: il prezzo più basso degli "
           "ultimi 30 giorni accanto a una riduzione potrebbe non essere esatto.",
       Icon::Exclamation);
+  return true;
 }
 
 std::string failureTag(const UpdateJob& job, const std::string& answers) {
@@ -189,8 +192,7 @@ std::string updateDatabase(const UpdateJob& job, const UpdateParts& parts) {
   const auto answers = UpdateDB(job, parts);
   if (!answers) return {};
   if (!answers->empty()) return failureTag(job, *answers);
-  rememberPrices(job, parts);
-  if (!rememberUpdate(job, languages, parts.yield)) return {};
+  if (!rememberPrices(job, parts) || !rememberUpdate(job, languages, parts.yield)) return {};
   warnOfExposedSql(job, parts);
   return std::string(confirmed);
 }
