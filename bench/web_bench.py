@@ -137,7 +137,7 @@ def measure_load(program, articles):
             shutil.copy(served.shop / "online" / file.name, file)
         size = files[1].stat().st_size
         word = files[0].read_text("cp1252").splitlines()[0][1:]
-        served.host("start", served.shop, "--home", served.home)
+        served.start()
         script_seconds(served, files, word)
         by_client = client_seconds(served, files)
         # For comparison: UNLOCK TABLES ends each transaction.

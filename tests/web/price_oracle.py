@@ -85,7 +85,7 @@ class Street:
         (self.online(shop) / "kvlimiti.php").write_text(PATIENCE)
 
     def open(self):
-        self.served.host("start", self.served.shop, "--home", self.served.home)
+        self.served.start()
         # Nobody reads the mails of these orders: keeping each would take longer than all the rest.
         (self.served.home / "conf/sendmail").write_text("#!/bin/sh\nwhile read -r line; do :; done\n")
         connection = self.connect()

@@ -162,6 +162,7 @@ class ServedShop:
         self.work = pathlib.Path(tempfile.mkdtemp(prefix="korvane-shop-"))
         self.shop = self.work / "negozio"
         self.home = self.work / "host"
+        self.holder = None
         self.environment = dict(os.environ, XDG_DATA_HOME=str(self.work / "data"),
                                 XDG_CONFIG_HOME=str(self.work / "config"))
         self.korvane("new")
@@ -193,13 +194,29 @@ class ServedShop:
         self.korvane("build")
         self.korvane("export-sql")
         (self.shop / "online/kvlimiti.php").write_text(PATIENCE)
-        self.host("start", self.shop, "--home", self.home)
+        self.start()
         self.host("load", self.shop, "--home", self.home)
         return self
 
+    def start(self):
+        """Starts the servers, which end with this program however it ends."""
+        words = [sys.executable, SOURCES / "tools/local-host", "start", self.shop, "--home", self.home, "--hold"]
+        self.holder = subprocess.Popen(words, env=self.environment, text=True, stdin=subprocess.PIPE,
+                                       stdout=subprocess.PIPE)
+        # The last of its lines; without it the host has said on the standard error why it doesn't run.
+        if not any(line.startswith("mail ") for line in self.holder.stdout):
+            raise AssertionError(f"tools/local-host did not start, status {self.holder.wait(60)}")
+
+    def stop(self):
+        """Stops the servers and waits for their end."""
+        if self.holder:
+            self.holder.stdin.close()
+            self.holder.wait(120)
+            self.holder.stdout.close()
+            self.holder = None
+
     def close(self, keep=False):
-        if self.home.is_dir():
-            self.host("stop", "--home", self.home)
+        self.stop()
         if keep:
             print(f"kept: {self.work}", file=sys.stderr)
         else:
