@@ -53,11 +53,12 @@ std::string shownText(std::string_view answer, std::size_t most) {
   return answer.size() > most ? text + " ...\n" : text;
 }
 
-/// One language's answer, cleaned and logged; Cancelled, or the failure that is shown instead.
+/// One language's answer, cleaned and logged; the failure of a transport is an answer like another, in words.
+/// Cancelled, or why the log can't be written.
 Result<std::string> askHost(const UpdateJob& job, const UpdateParts& parts, int language) {
   const auto response = parts.http.send(updateRequest(job, parts, language), parts.yield);
-  if (!response) return fail(response.error());
-  std::string answer = cleanAnswer(response->body);
+  if (!response && response.error().kind == ErrorKind::Cancelled) return fail(response.error());
+  std::string answer = cleanAnswer(response ? response->body : toWindows1252(failureText(response.error())));
   const std::string log = joinPath(job.shopFolder, "db" + std::to_string(language) + ".log");
   if (auto written = writeBytes(log, replaceAll(answer, "\n", "\r\n")); !written) return fail(written.error());
   return answer;
