@@ -167,6 +167,7 @@ TEST_F(ThePasswordRun, ACancelOfTheTransferIsSilentAndOneOfTheCallIsTold) {
 
 TEST_F(ThePasswordRun, CarriedByHandAsksForTheFileAndForItsRemoval) {
   passwords.disabled = true;
+  passwords.connection.host = "ftp://127.0.0.1/";
   user.answers = {Answer::Ok};
   EXPECT_TRUE(send());
   ASSERT_EQ(user.shown.size(), 3U);
@@ -174,7 +175,7 @@ TEST_F(ThePasswordRun, CarriedByHandAsksForTheFileAndForItsRemoval) {
             "[Question, OkCancel, Cancel -> Ok] Il file \"abcdefghijklmnopqrst.php\"\n"
             "contenuto nella cartella locale: \n\"" +
                 root / "online" +
-                "\"\n\ndeve essere trasferito manualmente sul server \"127.0.0.1\" nella cartella:\n"
+                "\"\n\ndeve essere trasferito manualmente sul server \"ftp://127.0.0.1/\" nella cartella:\n"
                 "\"www\\negozio/\"\n\nEseguire adesso il trasferimento manuale\n"
                 "e premere OK solo quando è stato completato");
   EXPECT_EQ(user.shown[1].text,

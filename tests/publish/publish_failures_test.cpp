@@ -237,6 +237,7 @@ TEST_F(APublishRunInTrouble, TellsWhatBecameOfTheDatabase) {
 TEST_F(APublishRunInTrouble, WithoutFtpNamesBothFoldersInTurnAndLoadsTheDatabaseAllTheSame) {
   write("scripts/c.php", "1");
   settings.disabled = true;
+  job.login.host = "ftp://127.0.0.1/";
   int updates = 0;
   steps.updateDatabase = [&updates] {
     ++updates;
@@ -244,7 +245,7 @@ TEST_F(APublishRunInTrouble, WithoutFtpNamesBothFoldersInTurnAndLoadsTheDatabase
   };
   const auto question = [](const std::string& local, const std::string& remote) {
     return "Tutti i file contenuti nella cartella locale: \n\"" + local +
-           "\"\n\ndevono essere trasferiti manualmente sul server 127.0.0.1 nella cartella:\n\"" + remote +
+           "\"\n\ndevono essere trasferiti manualmente sul server ftp://127.0.0.1/ nella cartella:\n\"" + remote +
            "\"\n\nEseguire adesso il trasferimento manuale\ne premere OK solo quando è stato completato\n";
   };
   user.answers = {Answer::Ok, Answer::Ok};

@@ -34,6 +34,7 @@ Result<PasswordJob> passwordJobOf(Session& session) {
   job.shopFolder = publish->shopFolder;
   job.onlineFolder = publish->onlineFolder;
   job.connection = connectionOf(publish->login, readFirewallSettings(session.ShopFolder), settings.silenceSeconds);
+  job.connection.host = publish->login.host;  // as typed: it is shown
   job.folderFTP = publish->folderFTP;
   job.siteBase = update->siteBase;
   job.disabled = settings.disabled;
@@ -41,9 +42,7 @@ Result<PasswordJob> passwordJobOf(Session& session) {
 }
 
 PasswordRun::PasswordRun(PasswordJob job, PasswordParts parts)
-    : job_(std::move(job)), parts_(std::move(parts)), target_(serverFolder(job_.folderFTP)) {
-  job_.connection.host = serverHost(job_.connection.host);
-}
+    : job_(std::move(job)), parts_(std::move(parts)), target_(serverFolder(job_.folderFTP)) {}
 
 bool PasswordRun::send(const std::string& name) {
   TransferEvents events;
@@ -129,6 +128,7 @@ std::string PasswordRun::UpdateDB(const std::string& name) {
 bool PasswordRun::enterServer(const Step& step) {
   parts_.view.title("Korvane - " + step.title);
   log_.open(joinPath(job_.shopFolder, step.log));
+  job_.connection.host = serverHost(job_.connection.host);
   const std::string path = target_ == "." ? "" : (target_.starts_with('/') ? "" : "/") + target_;
   parts_.view.operation("Connessione a " + job_.connection.host + path);
   if (!wait(parts_.transfer.connect(job_.connection)) || !wait(parts_.transfer.logIn())) return false;

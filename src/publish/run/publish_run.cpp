@@ -142,6 +142,7 @@ bool prepareDatabase(const PublishJob& job, const PublishSteps& steps, UserPort&
 UploadOptions uploadOptions(const PublishJob& job, const PublishSettings& settings, const FirewallSettings& way) {
   UploadOptions options;
   options.connection = connectionOf(job.login, way, settings.silenceSeconds);
+  options.connection.host = job.login.host;  // as typed, for who carries the files by hand; a connection normalises it
   options.sendAll = !settings.onlyModified;
   options.choice = {settings.onlyShopFiles, settings.types, CaricaListaFiles(job.shopFolder)};
   options.keepNoSession = way.reconnects;
