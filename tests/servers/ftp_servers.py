@@ -1,9 +1,11 @@
 """FTP servers of a test's own on 127.0.0.1: pyftpdlib and ProFTPD, plain or with TLS, as ordinary processes in temporary
 folders. Both know one user and write into one folder."""
+import functools
 import os
 import pathlib
 import subprocess
 import sys
+import tempfile
 
 from own_server import OwnServer, program
 
@@ -61,6 +63,7 @@ AllowOverwrite on
 """
 
 
+@functools.lru_cache(None)
 def python_with(module):
     """An interpreter that has a module: this one, or the system's, for which packages are installed."""
     for one in (sys.executable, "/usr/bin/python3"):
@@ -75,15 +78,22 @@ def hashed_password(password):
                           check=True).stdout.strip()
 
 
+@functools.lru_cache(None)
+def certificate_of(host):
+    """A key and a certificate that nobody has signed. Finding a key takes longer than a test with it."""
+    with tempfile.TemporaryDirectory(prefix="korvane-key-") as folder:
+        key, certificate = pathlib.Path(folder, "key"), pathlib.Path(folder, "certificate")
+        subprocess.run([program("openssl"), "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
+                        "/CN=" + host, "-addext", "subjectAltName=IP:" + host, "-keyout", key, "-out", certificate],
+                       check=True, capture_output=True)
+        return key.read_bytes() + certificate.read_bytes()
+
+
 def make_certificate(folder, host="127.0.0.1"):
-    """A key and a certificate that nobody has signed, in one file."""
+    """The certificate of a host in a file."""
     path = pathlib.Path(folder) / "certificate.pem"
-    key, certificate = path.with_suffix(".key"), path.with_suffix(".crt")
-    subprocess.run([program("openssl"), "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
-                    "/CN=" + host, "-addext", "subjectAltName=IP:" + host, "-keyout", key, "-out", certificate],
-                   check=True, capture_output=True)
-    path.write_bytes(key.read_bytes() + certificate.read_bytes())
-    path.chmod(0o600)
+    path.touch(mode=0o600)
+    path.write_bytes(certificate_of(host))
     return path
 
 

@@ -99,11 +99,15 @@ class Connection:
                 return found
             row, at = [], 0
             for _ in range(columns):
-                if answer[at] == 0xFB:
+                length = answer[at]
+                if length == 0xFB:
                     row.append(None)
                     at += 1
                     continue
-                length, at = _encoded_length(answer, at)
+                if length < 0xFB:
+                    at += 1
+                else:
+                    length, at = _encoded_length(answer, at)
                 row.append(answer[at:at + length])
                 at += length
             found.append(row)
