@@ -67,8 +67,10 @@ class FailingBuild : public ::testing::Test {
       shop.department(id);
       for (int i = 0; i < 2; ++i) shop.article(id, {{"titolo", std::string("Articolo")}, {"prezzo", money("12.5")}});
     }
+    queries_ = catalogueQueries();
     for (std::size_t title = 0; title < 2; ++title) {
       setTitles(title);
+      catalogue_[title] = catalogueRows();
       ASSERT_EQ(build(), BuildOutcome::Done);
       pages_[title] = pages();
       rows_[title] = builtRows();
@@ -105,9 +107,9 @@ class FailingBuild : public ::testing::Test {
     }
     return text;
   }
-  /// All rows of the catalogue but for the token that a build writes.
-  std::string catalogueRows() {
-    std::string text;
+  /// The queries for all rows of the catalogue but for the token that a build writes.
+  std::vector<std::string> catalogueQueries() {
+    std::vector<std::string> queries;
     const auto tables = shop.session.catalogue.tables();
     EXPECT_TRUE(tables);
     for (const TableInfo& table : tables.value_or(std::vector<TableInfo>())) {
@@ -115,8 +117,13 @@ class FailingBuild : public ::testing::Test {
       for (const ColumnInfo& column : table.columns) {
         if (column.name != "db_security") columns += (columns.empty() ? "\"" : ", \"") + column.name + "\"";
       }
-      text += table.name + "\n" + test::rows(shop.session.catalogue, "SELECT " + columns + " FROM " + table.name);
+      queries.push_back("SELECT " + columns + " FROM " + table.name);
     }
+    return queries;
+  }
+  std::string catalogueRows() {
+    std::string text;
+    for (const std::string& query : queries_) text += query + "\n" + test::rows(shop.session.catalogue, query);
     return text;
   }
   std::string unfinished() const {
@@ -131,12 +138,11 @@ class FailingBuild : public ::testing::Test {
   void disturbedBuild(const std::function<bool(BuildOutcome&)>& disturb) {
     present_ = 1 - present_;
     setTitles(present_);
-    const std::string catalogue = catalogueRows();
     BuildOutcome outcome = BuildOutcome::Cancelled;
     const bool failed = disturb(outcome);
     EXPECT_TRUE(failed);
     EXPECT_TRUE(outcome == BuildOutcome::Done || (outcome == BuildOutcome::Failed && !shop.user.shown.empty()));
-    EXPECT_EQ(catalogueRows(), catalogue);
+    EXPECT_EQ(catalogueRows(), catalogue_[present_]);
     EXPECT_EQ(unfinished(), "");
     for (const auto& [path, bytes] : pages()) {
       // The file by which a folder is tried stays, empty, when it cannot be removed; the next build removes it.
@@ -165,6 +171,8 @@ class FailingBuild : public ::testing::Test {
   TempShop shop{2};
   Files pages_[2];
   std::string rows_[2];
+  std::vector<std::string> queries_;
+  std::string catalogue_[2];
   std::size_t present_ = 1;  ///< the titles of the last build
 };
 

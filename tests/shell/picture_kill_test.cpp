@@ -90,8 +90,7 @@ TEST_F(KilledPictures, AZipIsWholeOrNotThere) {
     killed({"export", shop, copy, "--zip"});
     EXPECT_EQ(read("PRAGMA integrity_check"), "ok");
     EXPECT_FALSE(fileExists(copy + "/catalog.mdb")) << "what is not packed is no shop either";
-    const bool isWhole = std::system(("python3 -m zipfile -t '" + zip + "' > /dev/null 2>&1").c_str()) == 0;
-    EXPECT_EQ(isWhole, fileExists(zip));
+    EXPECT_TRUE(!fileExists(zip) || std::system(("python3 -m zipfile -t '" + zip + "' > /dev/null 2>&1").c_str()) == 0);
     ASSERT_TRUE(!folderExists(copy) || removeBelow(copy));
   }
 }
