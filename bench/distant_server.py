@@ -32,13 +32,16 @@ class DistantServer:
         ready.set()
         self.loop.run_forever()
 
-    def _listen(self, target, control):
+    async def _listen(self, target, control):
         async def serve(client, to_client):
+            if not control:
+                gate.close()  # one connection is all that it is for; ten thousand gates are more than a machine has
             source, to_server = await asyncio.open_connection("127.0.0.1", target)
             self.data_connections += not control
             await asyncio.gather(self._carry(client, to_server, False, counted=control),
                                  self._carry(source, to_client, control))
-        return asyncio.start_server(serve, "127.0.0.1", 0)
+        gate = await asyncio.start_server(serve, "127.0.0.1", 0)
+        return gate
 
     async def _carry(self, source, sink, replies, counted=False):
         try:
