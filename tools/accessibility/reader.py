@@ -1,5 +1,6 @@
 """What a screen reader knows of the running program, over AT-SPI, and the keys that are pressed in it."""
 import re
+import select
 import subprocess
 import time
 
@@ -36,6 +37,7 @@ class Reader:
     """What a screen reader knows of the program. `scale`: the pixels of the screen for each of the program's."""
 
     scale = 1
+    keyboard = None  # the program that presses keys
 
     def __init__(self):
         import gi  # pylint: disable=import-outside-toplevel
@@ -128,7 +130,18 @@ class Reader:
             strip.get_role_name() == "page tab list" for strip in strips)
 
     def press(self, key):
-        self.run("key", key)
+        """Presses a key, and returns when the screen has it. One xdotool presses them all: a run has hundreds, and the
+        program takes longer to start than to press."""
+        if self.keyboard is None:
+            self.keyboard = subprocess.Popen(["xdotool", "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                             stderr=subprocess.DEVNULL, bufsize=0)
+        try:
+            self.keyboard.stdin.write(f"key {key}\ngetmouselocation\n".encode())  # which is answered
+            told = select.select([self.keyboard.stdout], [], [], XDOTOOL_SECONDS)[0] and self.keyboard.stdout.readline()
+        except BrokenPipeError:
+            told = None
+        if not told:
+            raise SystemExit(f"xdotool key {key} does not end well")
 
     def run(self, *words):
         """Runs xdotool, which must end well."""
@@ -218,21 +231,27 @@ class Reader:
         return node
 
     def wanted(self, window):
-        """What Tab should reach: each control that shows, is on and takes the focus; of a group of radio buttons one."""
-        found, groups = [], []
+        """What Tab should reach: each control that shows, is on and takes the focus; of a group of radio buttons one.
+        And the number of cells of tables."""
+        found, groups, cells = [], [], 0
+        states = self.spi.StateType
         for node in self.walk(window):
             role = node.get_role_name()
-            # A sheet of tabs hands the focus to its strip.
-            if role in PARTS or role == "filler" or node.get_parent().get_role_name() in WHOLES:
+            cells += role == "table cell"
+            if role in PARTS or role == "filler":  # a sheet of tabs hands the focus to its strip
                 continue
-            if not (self.has(node, "FOCUSABLE") and self.has(node, "ENABLED")):
+            # Each question goes to the program, so the one that most nodes fail comes first.
+            told = node.get_state_set()
+            if not (told.contains(states.FOCUSABLE) and told.contains(states.ENABLED)):
+                continue
+            if node.get_parent().get_role_name() in WHOLES:
                 continue
             if role == "radio button":
                 if node.get_parent() in groups:
                     continue
                 groups.append(node.get_parent())
             found.append(node)
-        return found
+        return found, cells
 
     def go_round(self, where, window):
         """Tab from where the focus is until it is there again; the number of stops.
@@ -240,11 +259,10 @@ class Reader:
         What tells of the focus comes in its own time, also when the next key is pressed already, so nothing of it is
         dropped: the stops are all that came, in their order. A list may tell of its current cell when something else has
         the focus, so the walk goes round a second time before it misses anything."""
-        wanted = self.wanted(window)
+        wanted, cells = self.wanted(window)
         # Where there is nothing else to go to, Tab stays; a window at work takes the focus when it comes to that.
         if len(wanted) == 1 and self.wait(lambda: self.has(wanted[0], "FOCUSED"), ANSWER_SECONDS):
             return 1
-        cells = sum(node.get_role_name() == "table cell" for node in self.walk(window))
         stops = []
         self.focused.clear()
 
