@@ -24,8 +24,9 @@ std::string trimmedSelect(std::string_view source) {
 /// equal, come in the table's own order, whichever index the engine reads them by. The engine carries the inner ORDER
 /// BY outwards and computes none of the columns that are not asked for. Where the source's names are the table's own,
 /// they need not be listed at all; but "ORDER BY 2" counts them.
-std::string keysSql(std::string_view select, const engine::TableSelect& parts) {
-  engine::SqlReader reader(select);
+std::string keysSqlOf(std::string_view select, const engine::TableSelect& parts) {
+  const std::string_view tail = select.substr(parts.end);
+  engine::SqlReader reader(tail);
   engine::SqlToken token = reader.next();
   bool ordered = false;
   bool counted = false;
@@ -34,9 +35,8 @@ std::string keysSql(std::string_view select, const engine::TableSelect& parts) {
     counted = counted || (ordered && token.text[0] >= '0' && token.text[0] <= '9');
     token = reader.next();
   }
-  const std::string rows = std::string(select.substr(parts.from, token.position - parts.from)) +
-                           (ordered ? "\n, kv_row " : "\nORDER BY kv_row ") +
-                           std::string(select.substr(token.position));
+  const std::string rows = std::string(select.substr(parts.from, parts.end - parts.from + token.position)) +
+                           (ordered ? "\n, kv_row " : "\nORDER BY kv_row ") + std::string(tail.substr(token.position));
   if (parts.allColumns && !counted) return "SELECT _rowid_ AS kv_row " + rows;
   return "SELECT kv_row FROM (" + std::string(select.substr(0, parts.from)) + ", _rowid_ AS kv_row " + rows + "\n)";
 }
@@ -107,6 +107,8 @@ Result<> Recordset::State::open() {
     if (auto opened = openNew(parts); !opened) return opened;
   }
   if (auto ready = prepareReading(); !ready) return ready;
+  keysSql =
+      memory ? std::string("SELECT _rowid_ FROM ") + copyTableName + " ORDER BY _rowid_" : keysSqlOf(source, *parts);
   return readKeys();
 }
 
@@ -244,13 +246,10 @@ Result<> Recordset::State::readKeys() {
   keys.clear();
   cursor = 0;
   rowAt = -2;
-  std::string sql = std::string("SELECT _rowid_ FROM ") + copyTableName + " ORDER BY _rowid_";
   if (memory) {
     if (auto filled = refill(); !filled) return filled;
-  } else {
-    sql = keysSql(source, *engine::singleTableOf(source));
   }
-  auto list = prepare(sql);
+  auto list = prepare(keysSql);
   if (!list) return fail(list.error());
   for (;;) {
     auto more = list->step();

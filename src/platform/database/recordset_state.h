@@ -23,7 +23,8 @@ struct Recordset::State {
   sqlite3* handle = nullptr;  ///< of the database the source was given to
   engine::Connection memory;  ///< holds the copy; null when the rows come from one table
   std::string path;
-  std::string source;  ///< a SELECT
+  std::string source;   ///< a SELECT
+  std::string keysSql;  ///< reads the numbers of its rows in their order
   std::shared_ptr<const engine::RecordsetShape> shape = std::make_shared<engine::RecordsetShape>();
   Statement fetch;  ///< reads one row by its number
 

@@ -65,6 +65,8 @@ std::string SqlToken::name() const {
 void SqlReader::skipSpaces() {
   for (;;) {
     while (at_ < sql_.size() && isWhiteSpace(sql_[at_])) ++at_;
+    // Most tokens are looked at no further.
+    if (at_ == sql_.size() || (sql_[at_] != '-' && sql_[at_] != '/')) return;
     const std::string_view rest = sql_.substr(at_);
     std::string_view close;
     if (rest.starts_with("--")) close = "\n";

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <array>
+#include <map>
 
 #include "store/schema/column_family.h"
 
@@ -28,6 +30,21 @@ void appendRule(std::string& list, const TableRule& table, const ColumnRule& rul
   if (qualified == "articoli.imgY0") appendColumn(list, qualified);
 }
 
+/// The SELECT of each language but the first.
+using LanguageSelects = std::array<std::string, maxLanguages - 1>;
+
+LanguageSelects languageSelects(const TableRule& rule) {
+  LanguageSelects selects;
+  for (std::size_t language = 0; language < selects.size(); ++language) {
+    std::string list;
+    for (const ColumnRule& column : rule.columns) {
+      if (column.inLanguageView) appendRule(list, rule, column, languageSuffixes[language + 1]);
+    }
+    selects[language] = "SELECT " + list + " FROM " + rule.name;
+  }
+  return selects;
+}
+
 }  // namespace
 
 int languageOfSuffix(std::string_view suffix) {
@@ -40,12 +57,11 @@ std::string SelezionaLingua(std::string_view table, int language, std::string_vi
   if (language < 2 || language > maxLanguages) return "SELECT * FROM " + std::string(table) + tail;
   const TableRule* rule = languageViewRule(table);
   if (rule == nullptr) return {};
-  const std::string_view suffix = languageSuffixes[static_cast<std::size_t>(language - 1)];
-  std::string list;
-  for (const ColumnRule& column : rule->columns) {
-    if (column.inLanguageView) appendRule(list, *rule, column, suffix);
-  }
-  return "SELECT " + list + " FROM " + rule->name + tail;
+  // The rules never change, and each step of an editor reads its lists again.
+  static std::map<const TableRule*, LanguageSelects> known;
+  auto found = known.find(rule);
+  if (found == known.end()) found = known.emplace(rule, languageSelects(*rule)).first;
+  return found->second[static_cast<std::size_t>(language - 2)] + tail;
 }
 
 std::string SelezionaLingua(std::string_view table, std::string_view suffix, std::string_view rest) {
