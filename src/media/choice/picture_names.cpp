@@ -82,8 +82,8 @@ std::string uniquePictureName(const std::string& folder, std::string_view source
   unsigned highest = 0;
   for (const std::string& name : listFiles(folder, "*")) {
     std::string folded = foldCase(name);
-    if (folded.starts_with(start) && folded.ends_with(parts.extension) &&
-        folded.size() == start.size() + tailDigits + parts.extension.size()) {
+    if (!folded.starts_with(start) || !folded.ends_with(parts.extension)) continue;
+    if (folded.size() == start.size() + tailDigits + parts.extension.size()) {
       highest = std::max(highest, tailNumber(std::string_view(folded).substr(start.size(), tailDigits)));
     }
     taken.insert(std::move(folded));
