@@ -1,5 +1,6 @@
 // A signal closes the window the way its menu does.
 
+#include <chrono>
 #include <csignal>
 
 #include "forms/window_fixture.h"
@@ -9,14 +10,19 @@
 namespace kv::test {
 namespace {
 
+constexpr std::chrono::seconds longestWait{60};
+
 class SessionEndTest : public WindowFixture, public testing::WithParamInterface<int> {};
 
 TEST_P(SessionEndTest, ASignalStoresWhatWasTypedAndClosesTheWindow) {
   open();
   goArticles();
   type(line(EditedSet::Articoli, "titolo"), "Alba chiara");
+  ignore(std::signal(GetParam(), SIG_DFL), "whoever starts the tests may ignore it, as nohup does");
   const SessionEnd end;
   QTimer::singleShot(0, [] { ignore(std::raise(GetParam()), "the signal is looked at where it arrives"); });
+  const QObject whileItWaits;
+  QTimer::singleShot(longestWait, &whileItWaits, [] { QApplication::exit(1); });
   EXPECT_EQ(QApplication::exec(), 0);
   EXPECT_FALSE(window->isVisible());
   EXPECT_EQ(scalar("SELECT COUNT(*) FROM articoli WHERE titolo = 'Alba chiara'"), "1");
