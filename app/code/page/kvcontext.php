@@ -289,6 +289,7 @@ function kvNotFound(): void
     }
     ob_clean();
     extract($GLOBALS, EXTR_SKIP);
+    $kvTitoloPagina = "<<4-pagina_non_trovata>>";
     $kvConfirmation = '<p class="avviso" role="status">' . kvHtml("<<4-pagina_inesistente>>") . '</p>';
     include "messaggio.htm";
     exit;
