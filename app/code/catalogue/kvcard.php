@@ -193,6 +193,14 @@ function kvArticlePage(array $row): string
     return $row['linkPage'] . '.php?n=' . (int) $row['sottopagina'] . '&prod=' . (int) $row['contatore'];
 }
 
+/** The title of an article on its card: the link that the merchant gave it, else one to its own page. */
+function kvTitoloScheda(array $row): string
+{
+    $title = (string) ($row['titolo'] ?? '');
+    return stripos($title, '<a ') !== false ? $title
+        : '<a href="' . kvHtml(kvPaginaScheda($row)) . '">' . TestoSemplice((string) $row['plain_titolo']) . '</a>';
+}
+
 /** The smallest picture of an article that is fit for a list; null without any. */
 function kvSmallPicture(array $row): ?array
 {

@@ -8,6 +8,18 @@ import { amountsIn, written } from "../support/money.mjs";
 // Its first word is beyond the character set of the pages.
 const buyer = `${person.Nome} ${person.Cognome}`;
 
+/** How far the parts of the page have moved since it was opened; 0.1 is what a visitor begins to mind (web.dev/cls). */
+function layoutShift(page) {
+  return page.evaluate(() => new Promise((done) => {
+    // The first frame after this one has been painted, so whatever the scripts of the page drew is told.
+    requestAnimationFrame(() => requestAnimationFrame(() => {
+      const observer = new PerformanceObserver(() => {});
+      observer.observe({ type: "layout-shift", buffered: true });
+      done(observer.takeRecords().filter((entry) => !entry.hadRecentInput).reduce((sum, entry) => sum + entry.value, 0));
+    }));
+  }));
+}
+
 /** Two mugs and a set: 108.00 of goods, which ship in Italy for 4.00 and VAT in cash, free by transfer. */
 async function fillCart(shopper, the) {
   await shopper.open("cat007", "?n=1");
@@ -26,6 +38,7 @@ export function ordering(as) {
     await shopper.open("cart");
     const total = async () => (await shopper.totals())[words.carrello_totale];
     assert.equal(await total(), 5 * articles.tumbler.price);
+    assert.ok(await layoutShift(shopper.page) < 0.01, "nothing moves when the lines are drawn");
     assert.ok(await shopper.page.getByRole("link", { name: words.vai_all_ordine }).isEnabled());
     // Six pieces are five per cent cheaper.
     await shopper.setPieces(the(articles.tumbler), 6);

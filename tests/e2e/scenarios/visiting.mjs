@@ -10,6 +10,10 @@ export function visiting(as) {
 
   test("the department tree leads from the first page to an article", as.visitor(async (shopper) => {
     await shopper.open("index");
+    const blurred = await shopper.page.locator("main img").evaluateAll((pictures) => pictures
+      .filter((picture) => picture.complete && picture.naturalWidth < picture.clientWidth)
+      .map((picture) => `${picture.currentSrc}: ${picture.naturalWidth} pixels on ${picture.clientWidth}`));
+    assert.deepEqual(blurred, [], "no picture of the first page is drawn larger than it is");
     await shopper.toDepartment(the(departments.ceramics));
     assert.match(await shopper.heading(), new RegExp(the(departments.ceramics)));
     await shopper.toDepartment(the(departments.cups));
@@ -18,6 +22,20 @@ export function visiting(as) {
     assert.equal(amountsIn(await shopper.card(the(articles.mug)).innerText())[0], articles.mug.price);
     await as.picture(shopper, "department");
   }));
+
+  test("the title of an article leads to a page of its own, headed by it, with related articles as cards",
+    as.visitor(async (shopper) => {
+      await shopper.open("cat007", "?n=1");
+      await Promise.all([shopper.page.waitForURL(/prod=1/),
+        shopper.card(the(articles.mug)).getByRole("link", { name: the(articles.mug), exact: true }).click()]);
+      assert.equal(await shopper.heading(), the(articles.mug));
+      await shopper.page.getByRole("heading", { name: words.correlati, level: 2 }).waitFor();
+      const cards = shopper.page.locator("main .schede a").filter({ has: shopper.page.locator("img") });
+      assert.ok(amountsIn(await cards.first().innerText()).length > 0);
+      await cards.first().click();
+      await shopper.page.waitForURL((address) => !/cat007.*prod=1$/.test(address.href));
+      await as.picture(shopper, "related");
+    }));
 
   test("page 2 of a department goes on where page 1 ends", as.visitor(async (shopper) => {
     await shopper.open("cat007", "?n=1");
