@@ -18,6 +18,7 @@ import { ordering } from "./scenarios/ordering.mjs";
 import { accessibleBackOffice, fitsInEveryLanguage, lookedAt, measured } from "./scenarios/pages.mjs";
 import { searching } from "./scenarios/searching.mjs";
 import { visiting } from "./scenarios/visiting.mjs";
+import { withoutScripts } from "./scenarios/without_scripts.mjs";
 
 const options = readOptions();
 process.env.TMPDIR = options.work;
@@ -76,10 +77,11 @@ function visitors(language, screen, fonts = "usual") {
   const name = `${language.code}-${screen.width}`;
   const shopperOf = (one) => new Shopper(one, { host, language, screen, words });
   return {
-    host, language, screen, words, italian, wholeWords, name,
+    shop, host, language, screen, words, italian, wholeWords, name,
     shopperOf,
     address: (stem, rest) => `${host.shop}/${stem}${language.suffix}.php${rest}`,
-    visitor: (act) => () => visit({ screen, fonts }, language.code, (one) => act(shopperOf(one))),
+    visitor: (act, other = {}) => () => visit({ screen: { ...screen, ...other }, fonts }, language.code,
+      (one) => act(shopperOf(one))),
     merchant: (act) => visit({ screen: screens[1], fonts }, "it", async (one) => {
       const merchant = new Merchant(one, host);
       await merchant.enter();
@@ -110,6 +112,7 @@ for (const [row, screen] of screens.entries()) {
         orderingByKeyboard(as);
       }
       customers(as);
+      withoutScripts(as);
     });
   }
 }

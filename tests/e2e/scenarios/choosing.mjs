@@ -1,6 +1,8 @@
 // What helps a shopper to choose: suggestions by keyboard, lists in another order, pictures, the small cart, the estimate
 // of shipping. They work in both templates, whose pages differ.
 import { strict as assert } from "node:assert";
+import { copyFileSync, rmSync } from "node:fs";
+import { basename, join } from "node:path";
 import { test } from "node:test";
 import { articles, countries } from "../support/model.mjs";
 import { amountsIn } from "../support/money.mjs";
@@ -45,12 +47,19 @@ export function choosing(as) {
     await shopper.page.getByLabel(words.ordina_per).selectOption({ label: words.ordine_prezzo_giu });
     await Promise.all([shopper.page.waitForURL(/ordine=prezzo-giu/),
       shopper.page.getByRole("button", { name: words.filtri_mostra }).click()]);
-    assert.equal((await shopper.titles())[0], the(articles.set));
+    const sorted = await shopper.titles();
+    assert.equal(sorted[0], the(articles.set));
     await as.picture(shopper, "sorted");
+    // Whoever is sent the address sees the same list, and how it is sorted.
+    await shopper.page.context().clearCookies();
+    await shopper.page.goto(shopper.page.url());
+    assert.deepEqual(await shopper.titles(), sorted);
+    assert.equal(await shopper.page.getByLabel(words.ordina_per).inputValue(), "prezzo-giu");
     await shopper.buy(the(articles.set));
     const cart = shopper.page.getByRole("region", { name: words.menu_carrello });
     await cart.getByText(the(articles.set)).waitFor();
     assert.ok(amountsIn(await cart.innerText()).includes(articles.set.price));
+    assert.ok((await cart.boundingBox()).width <= 400, "it covers no more of the page than it needs");
     await as.picture(shopper, "small-cart");
     await shopper.page.keyboard.press("Escape");
     await cart.waitFor({ state: "detached" });
@@ -67,6 +76,41 @@ export function choosing(as) {
     await layer.waitFor({ state: "detached" });
     assert.ok(await button.evaluate((element) => element === document.activeElement));
   }));
+
+  test("the keyboard chooses among several pictures of an article and leafs through them in full size",
+    as.visitor(async (shopper) => {
+      const { page } = shopper;
+      const gallery = page.locator(".galleria");
+      const address = async () => new URL(await gallery.locator(".grande img").evaluate((picture) => picture.currentSrc)).pathname;
+      await shopper.open("cat007", "?n=1&prod=1");
+      const first = join(as.shop, "online", await gallery.getAttribute("data-grande"));
+      const second = first.replace(/(?:-[pg])?(?=\.\w+$)/, "-2");
+      copyFileSync(first, second);
+      try {
+        await page.reload();
+        const small = page.getByRole("list", { name: words.immagini }).getByRole("link");
+        assert.equal(await small.count(), 2);
+        await small.nth(1).focus();
+        await page.keyboard.press("Enter");
+        assert.equal(await small.nth(1).getAttribute("aria-current"), "true");
+        assert.equal(await address(), `/${basename(second)}`);
+        const opener = page.getByRole("button", { name: words.immagine_apri });
+        await opener.focus();
+        await page.keyboard.press("Enter");
+        const layer = page.getByRole("dialog", { name: words.immagine_grande });
+        const position = layer.getByRole("status");
+        assert.equal(await position.innerText(), "2 / 2");
+        await page.keyboard.press("ArrowRight");
+        assert.equal(await position.innerText(), "1 / 2");
+        await page.keyboard.press("ArrowLeft");
+        assert.equal(await position.innerText(), "2 / 2");
+        await page.keyboard.press("Escape");
+        await layer.waitFor({ state: "detached" });
+        assert.ok(await opener.evaluate((element) => element === document.activeElement));
+      } finally {
+        rmSync(second);
+      }
+    }));
 
   test("the cart estimates what the order form then charges", as.visitor(async (shopper) => {
     await shopper.open("cat007", "?n=2");
