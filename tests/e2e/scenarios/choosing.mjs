@@ -21,6 +21,8 @@ export function choosing(as) {
     const options = shopper.page.getByRole("listbox", { name: words.suggerimenti }).getByRole("option");
     await options.first().waitFor();
     assert.equal(await field.getAttribute("aria-expanded"), "true");
+    const said = shopper.page.getByRole("status").filter({ hasText: words.suggerimenti });
+    assert.equal(await said.innerText(), `${words.suggerimenti}: ${await options.count()}`);
     assert.equal(await field.getAttribute("aria-activedescendant"), null);
     await shopper.page.keyboard.press("ArrowUp");
     assert.equal(await field.getAttribute("aria-activedescendant"), await options.last().getAttribute("id"));

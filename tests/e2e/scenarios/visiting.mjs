@@ -29,6 +29,12 @@ export function visiting(as) {
       await Promise.all([shopper.page.waitForURL(/prod=1/),
         shopper.card(the(articles.mug)).getByRole("link", { name: the(articles.mug), exact: true }).click()]);
       assert.equal(await shopper.heading(), the(articles.mug));
+      const data = await shopper.page.locator("script[type='application/ld+json']").allTextContents();
+      const product = data.map((text) => JSON.parse(text)).find((one) => one["@type"] === "Product");
+      const offer = [product.offers].flat()[0];
+      assert.equal(Math.round(100 * offer.price), articles.mug.price);
+      assert.equal(offer.shippingDetails.shippingDestination.addressCountry, "IT");
+      assert.equal(offer.hasMerchantReturnPolicy.merchantReturnDays, 14);
       await shopper.page.getByRole("heading", { name: words.correlati, level: 2 }).waitFor();
       const cards = shopper.page.locator("main .schede a").filter({ has: shopper.page.locator("img") });
       assert.ok(amountsIn(await cards.first().innerText()).length > 0);
