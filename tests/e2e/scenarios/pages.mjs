@@ -114,6 +114,10 @@ async function onScreens(as, shopper, name, widths, faults) {
 async function withTexts(as, shopper, name, italian, faults) {
   const texts = await textsOf(shopper.page);
   const wrong = brokenTexts(texts);
+  const spoken = await shopper.page.locator("html").getAttribute("lang");
+  if (spoken !== as.language.code) {
+    wrong.push(`says that its language is ${spoken}`);
+  }
   if (as.language === languages[0]) {
     italian.set(name, texts);
   } else {
@@ -155,7 +159,9 @@ export function lookedAt(as, { widths, italian, html }) {
     await tour(shopper, kinds, async (name) => {
       await onScreens(as, shopper, name, widths, faults.screens);
       await withTexts(as, shopper, name, italian, faults.texts);
-      await withAxe(shopper, name, faults.axe);
+      if (as.language === languages[0]) {
+        await withAxe(shopper, name, faults.axe);
+      }
       await settled();
     });
     ended = true;
@@ -164,7 +170,10 @@ export function lookedAt(as, { widths, italian, html }) {
     assert.ok(ended, "the tour did not come to its end");
     assert.equal([...new Set(found)].join("\n"), "");
   });
-  clean("axe-core finds nothing on any kind of page", faults.axe);
+  // In the other languages the same pages have other words.
+  if (as.language === languages[0]) {
+    clean("axe-core finds nothing on any kind of page", faults.axe);
+  }
   clean(`no page scrolls sideways and every control is within reach at ${widths.join(", ")} pixels`, faults.screens);
   clean("no text is missing or left in Italian", faults.texts);
   if (html) {

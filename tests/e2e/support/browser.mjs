@@ -85,7 +85,8 @@ export class Visit {
     this.faults = [];
     page.on("pageerror", (error) => this.faults.push(`script error on ${page.url()}: ${error.message}`));
     page.on("console", (message) => {
-      if (message.type() === "error" || message.type() === "warning") {
+      // A message may come late, of the page that the visitor before this one left for an empty one.
+      if (["error", "warning"].includes(message.type()) && page.url() !== "about:blank") {
         this.faults.push(`console on ${page.url()}: ${message.text()}`);
       }
     });
