@@ -97,6 +97,20 @@ TEST_F(DoctorCatalogue, APriceOfZeroIsToldInPriceListsThatAreInUse) {
   EXPECT_EQ(found[0].target.column, "prezzo");
 }
 
+TEST_F(DoctorCatalogue, APriceOfZeroIsToldOnceForAllPriceLists) {
+  shop.article("cat001", {{"codice", std::string("B")},
+                          {"titolo", std::string("Brocca")},
+                          {"titolo_l2", std::string("Jug")},
+                          {"prezzo", money("3")},
+                          {"prezzo1", money("2")},
+                          {"prezzo2", money("2")},
+                          {"prezzo7", money("2")}});
+  const Findings found = findings();
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].text, "Articolo V1 Vaso: si può ordinare al prezzo di 0 nei listini 1, 2 e 7");
+  EXPECT_EQ(found[0].target.listino, 1) << "the jump leads to the first of them";
+}
+
 TEST_F(DoctorCatalogue, AnOfferAboveThePriceIsEndedByTheMending) {
   sql("UPDATE articoli SET prezzo2 = 10000, offerta2 = 1, offertaprezzo2 = 10000");
   EXPECT_THAT(

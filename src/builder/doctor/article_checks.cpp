@@ -1,4 +1,6 @@
 // The checks of articles.
+#include <bit>
+
 #include "builder/doctor/checks.h"
 #include "platform/text/text.h"
 
@@ -24,6 +26,20 @@ FieldWrite articleWrite(const ArticleFact& article, std::string column, Value va
 }
 
 std::string inList(int listino) { return listino == 0 ? "" : " nel listino " + std::to_string(listino); }
+
+/// " nei listini 1, 2 e 5"; of the first list alone nothing.
+std::string inLists(ListFlags lists) {
+  std::vector<int> numbers;
+  for (int listino = 0; listino < listini; ++listino) {
+    if (hasBit(lists, listino)) numbers.push_back(listino);
+  }
+  if (numbers.size() == 1) return inList(numbers.front());
+  std::string text = " nei listini ";
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    text += (i == 0 ? "" : i + 1 == numbers.size() ? " e " : ", ") + std::to_string(numbers[i]);
+  }
+  return text;
+}
 
 /// A finding for each of the price lists, mended by ending the offer there.
 void addOffers(Findings& found, const DoctorFacts& facts, std::size_t index, ListFlags lists, const std::string& text) {
@@ -144,11 +160,11 @@ Findings findZeroPrices(const DoctorFacts& facts) {
   for (std::size_t i = 0; i < facts.articles.size(); ++i) {
     const ArticleFact& article = facts.articles[i];
     const unsigned unpriced = static_cast<unsigned>(article.unpriced) & used;
-    for (int listino = 0; !article.isHidden && unpriced != 0 && listino < listini; ++listino) {
-      if (!hasBit(unpriced, listino)) continue;
-      found.push_back(articleFinding(facts, i, "si può ordinare al prezzo di 0" + inList(listino),
-                                     articleTarget(article, "prezzo", 1, listino)));
-    }
+    if (article.isHidden || unpriced == 0) continue;
+    // One for all lists: an import that brings one of ten prices would be told nine times for each article.
+    found.push_back(articleFinding(facts, i,
+                                   "si può ordinare al prezzo di 0" + inLists(static_cast<ListFlags>(unpriced)),
+                                   articleTarget(article, "prezzo", 1, std::countr_zero(unpriced))));
   }
   return found;
 }
