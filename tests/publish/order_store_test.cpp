@@ -258,6 +258,26 @@ TEST_F(TheOrderStore, APageThatIsDamagedIsFound) {
   EXPECT_TRUE(store.wasDamaged());
 }
 
+TEST_F(TheOrderStore, AnOrderThatIsDamagedInItselfIsFetchedAgain) {
+  fill();
+  {
+    auto file = Database::open(folder / "ordini.db", OpenMode::Shared);
+    ASSERT_TRUE(file && file->execute("UPDATE ordini SET dati = replace(dati, '\"id\":2', '\"id\";2') WHERE id = 2"));
+  }
+  OrderStore store(folder.path());
+  ASSERT_TRUE(store.open());
+  EXPECT_FALSE(store.wasDamaged()) << "its pages are whole";
+  EXPECT_EQ(valueOf(store.list({})).size(), 3U);
+  const auto refused = store.orders({});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().kind, ErrorKind::Corrupt);
+  EXPECT_TRUE(orderStoreFailureText(refused.error()).starts_with("Il file ordini.db è danneggiato: "));
+  fill();
+  EXPECT_EQ(host.asked.back(), R"({"azione":"ordini","dopo":"","quanti":200})");
+  EXPECT_EQ(valueOf(store.orders({})).size(), 3U);
+  EXPECT_EQ(valueOf(store.countNew()), 3);
+}
+
 TEST_F(TheOrderStore, AnAnswerOutOfBoundsIsRefusedWhole) {
   const std::string good = ordersJson({{1}, {2}}, "c1");
   const auto changed = [&good](const std::string& what, const std::string& by) {

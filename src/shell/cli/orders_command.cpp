@@ -54,7 +54,7 @@ CliOutcome listOrders(const std::string& shop, const CommandLine& line, Environm
   if (!desk.open()) return CliOutcome::Failed;
   const CliOutcome fetched = outcomeOf(desk.fetch().has_value(), env);
   const auto orders = store.orders({{}, {}, *since, {}});
-  if (!orders) return refused(env, failureText(orders.error(), ordersFile));
+  if (!orders) return refused(env, orderStoreFailureText(orders.error()));
   for (const DeskOrder& order : *orders) printOrder(order, out);
   const bool isWritten = wroteCsv(line, env, parts, *orders);
   return fetched == CliOutcome::Done && !isWritten ? CliOutcome::Failed : fetched;

@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/ports/failure_text.h"
 #include "platform/qt/frm_note.h"
 #include "publish/orders/desk/frm_order_model.h"
 #include "publish/orders/desk/frm_stock_panel.h"
@@ -166,7 +165,7 @@ OrderLookup frmOrdini::lookup() const {
   return orderLookup(fields).value_or(OrderLookup{});
 }
 
-void frmOrdini::showStoreError(const Error& error) { user_.message(failureText(error, ordersFile), Icon::Critical); }
+void frmOrdini::showStoreError(const Error& error) { user_.message(orderStoreFailureText(error), Icon::Critical); }
 
 void frmOrdini::reload() {
   const int row = lstOrdini_->currentIndex().row();

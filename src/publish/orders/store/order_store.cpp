@@ -4,6 +4,7 @@
 
 #include "platform/files/files.h"
 #include "platform/files/private_file.h"
+#include "platform/ports/failure_text.h"
 #include "platform/text/text.h"
 #include "publish/orders/store/order_search.h"
 
@@ -28,6 +29,11 @@ constexpr const char* addOrder =
     "INSERT INTO ordini (id, codice, creato, nome, totale, valuta, stato, cerca, dati, visto)"
     " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10) ON CONFLICT (id, codice) DO UPDATE SET creato = ?3, nome = ?4,"
     " totale = ?5, valuta = ?6, stato = ?7, cerca = ?8, dati = ?9";
+
+// Not what failureText says of a damaged file: no copy of the catalogue has orders.
+constexpr const char* damagedOrders =
+    "Il file ordini.db è danneggiato: un ordine non può essere letto. Gli altri sono rimasti.\n"
+    "Chiudere gli ordini, riaprirli e premere \"Aggiorna\": vengono ricevuti di nuovo dal server.\n\nDettaglio: ";
 
 /// Whether a file has our tables and all of its pages are whole. A failure of the disk says nothing about that.
 Result<bool> isWhole(Database& database) {
@@ -231,7 +237,15 @@ Result<DeskOrder> OrderStore::order(std::int64_t row) {
   const auto found = query->step();
   if (!found) return fail(found.error());
   if (!*found) return fail(ErrorKind::Missing, path(), "no such order");
-  return keptOrder(query->text(0), path());
+  return readKept(query->text(0));
+}
+
+Result<DeskOrder> OrderStore::readKept(std::string_view text) {
+  auto order = keptOrder(text, path());
+  if (!order && order.error().kind == ErrorKind::Corrupt) {
+    ignore(note(cursorNote, ""), "whoever reads the order again tries it again");
+  }
+  return order;
 }
 
 Result<std::vector<DeskOrder>> OrderStore::orders(const OrderLookup& filter) {
@@ -242,12 +256,16 @@ Result<std::vector<DeskOrder>> OrderStore::orders(const OrderLookup& filter) {
   if (!query) return fail(query.error());
   auto more = query->step();
   for (; more && *more; more = query->step()) {
-    auto order = keptOrder(query->text(0), path());
+    auto order = readKept(query->text(0));
     if (!order) return fail(order.error());
     orders.push_back(std::move(*order));
   }
   if (!more) return fail(more.error());
   return orders;
+}
+
+std::string orderStoreFailureText(const Error& error) {
+  return error.kind == ErrorKind::Corrupt ? damagedOrders + error.what : failureText(error, ordersFile);
 }
 
 Result<int> OrderStore::countNew() {

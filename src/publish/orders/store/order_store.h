@@ -43,6 +43,9 @@ struct OrderSummary {
   bool isNew = false;  ///< came since the list was last looked at
 };
 
+/// Why orders can't be read or kept, for the merchant.
+std::string orderStoreFailureText(const Error& error);
+
 /// An answer to be kept.
 struct OrderArrival {
   std::string address;  ///< of the script that was asked
@@ -104,9 +107,10 @@ class OrderStore {
 
   /// The orders that pass a filter, newest first.
   Result<std::vector<OrderSummary>> list(const OrderLookup& filter);
-  /// A whole order; Missing for a row that isn't there, Corrupt when it can't be read.
+  /// A whole order; Missing for a row that isn't there, Corrupt when it can't be read: the next request asks for all
+  /// orders again then, and replaces it.
   Result<DeskOrder> order(std::int64_t row);
-  /// All whole orders that pass a filter, newest first.
+  /// All whole orders that pass a filter, newest first. Corrupt, as order(), when one of them can't be read.
   Result<std::vector<DeskOrder>> orders(const OrderLookup& filter);
 
   /// How many orders are new.
@@ -128,6 +132,7 @@ class OrderStore {
   Result<> note(std::string_view name, const std::string& value);
   Result<ArrivalCount> keep(const OrderArrival& arrival);
   Result<> removeEach(const std::vector<GoneOrder>& orders);
+  Result<DeskOrder> readKept(std::string_view text);
   /// Runs a step in one transaction.
   Result<> together(const std::function<Result<>()>& work);
   /// Notes an order that has lost its customer since it was kept.
