@@ -1,7 +1,6 @@
 #include "shell/sheet/sheet_rows.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "platform/database/rows.h"
 #include "platform/numbers/number_format.h"
@@ -123,27 +122,28 @@ const std::vector<std::string>& SheetRows::choices(const SheetColumn& column) co
 
 const SheetRows::Department& SheetRows::departmentOf(std::string_view ID) const {
   static const Department none{{}, {}, lastRank};
-  const auto found = departments_.find(std::string(ID));
+  const auto found = departments_.find(ID);
   return found == departments_.end() ? none : found->second;
 }
 
-SheetRows::SortKey SheetRows::sortKeyOf(const SheetColumn* by, const Statement& row) const {
+void SheetRows::addTo(RowOrder& order, const SheetColumn* by, const Statement& row) const {
   const Department& department = departmentOf(row.text(FieldDepartment));
-  SortKey key{{}, 0, department.rank, row.integer(FieldOrder), row.integer(FieldID)};
-  if (by == nullptr) return key;
+  const ShopPlace place{department.rank, row.integer(FieldOrder), row.integer(FieldID)};
+  if (by == nullptr) return order.add(place, std::string_view());
   switch (by->kind) {
     case SheetKind::Number:
     case SheetKind::Price:
     case SheetKind::Flag:
       // What has no number comes before all that have.
-      key.number = row.isNull(FieldSort) ? -1 : row.number(FieldSort);
-      return key;
+      return order.add(place, row.isNull(FieldSort) ? -1 : row.number(FieldSort));
     case SheetKind::Vat:
-      key.number = toNumber(storedNumber(textOf(*by, row.value(FieldSort), department), separator_)).value_or(-1);
-      return key;
+      return order.add(place,
+                       toNumber(storedNumber(textOf(*by, row.value(FieldSort), department), separator_)).value_or(-1));
+    case SheetKind::Text:
+      if (row.storedAs(FieldSort) == StoredAs::Text) return order.add(place, foldCase(row.text(FieldSort)));
+      [[fallthrough]];
     default:
-      key.text = foldCase(textOf(*by, row.value(FieldSort), department));
-      return key;
+      return order.add(place, foldCase(textOf(*by, row.value(FieldSort), department)));
   }
 }
 
@@ -154,16 +154,6 @@ Result<Statement> SheetRows::select(const SheetFilter& filter, const SheetColumn
                                     " FROM articoli a" + conditionsOf(session_, filter));
 }
 
-bool SheetRows::SortKey::isBefore(const SortKey& other) const {
-  return std::tie(rank, position, ID) < std::tie(other.rank, other.position, other.ID);
-}
-
-bool SheetRows::SortKey::isBefore(const SortKey& other, bool descending) const {
-  const auto difference = std::tie(text, number) <=> std::tie(other.text, other.number);
-  if (difference == 0) return isBefore(other);
-  return descending ? difference > 0 : difference < 0;
-}
-
 Result<> SheetRows::refresh(const SheetFilter& filter, const SheetOrder& order) {
   if (auto looked = readLookups(); !looked) return looked;
   const SheetColumn* const by = order.column && *order.column < columns_.size() ? &columns_[*order.column] : nullptr;
@@ -171,16 +161,12 @@ Result<> SheetRows::refresh(const SheetFilter& filter, const SheetOrder& order) 
   if (!row) return fail(row.error());
   if (!filter.department.empty()) row->bind(1, filter.department);
   const std::string wanted = foldCase(trim(filter.text));
-  std::vector<SortKey> found;
+  RowOrder found;
   auto read = forEachRow(*row, [&](const Statement& each) {
-    if (wanted.empty() || holdsText(each, wanted)) found.push_back(sortKeyOf(by, each));
+    if (wanted.empty() || holdsText(each, wanted)) addTo(found, by, each);
   });
   if (!read) return read;
-  std::ranges::sort(found, [&](const SortKey& one, const SortKey& other) {
-    return by == nullptr ? one.isBefore(other) : one.isBefore(other, order.descending);
-  });
-  keys_.resize(found.size());
-  std::ranges::transform(found, keys_.begin(), &SortKey::ID);
+  keys_ = found.sorted(by != nullptr && order.descending);
   forget();
   return {};
 }

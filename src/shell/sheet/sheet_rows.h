@@ -3,14 +3,17 @@
 // the cells of a row when it is looked at, so that a sheet of a hundred thousand rows opens at once.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "shell/sheet/row_order.h"
 #include "shell/sheet/sheet_columns.h"
 #include "shell/sheet/sheet_names.h"
+#include "tags/syntax/tag_index.h"
 
 namespace kv {
 
@@ -54,19 +57,6 @@ class SheetRows {
   const std::vector<std::string>& choices(const SheetColumn& column) const;
 
  private:
-  /// What a row is sorted by; the other of text and number is equal in all rows.
-  struct SortKey {
-    std::string text;
-    double number = 0;
-    std::size_t rank = 0;       ///< of the department in the tree
-    std::int64_t position = 0;  ///< in the department
-    std::int64_t ID = 0;
-
-    /// By the position in the shop.
-    bool isBefore(const SortKey& other) const;
-    /// By what the column holds; equal rows stay in the order of the shop, whichever way the others go.
-    bool isBefore(const SortKey& other, bool descending) const;
-  };
   static constexpr std::size_t lastRank = static_cast<std::size_t>(-1);  ///< of what is in no department of the tree
   struct Department {
     std::string path, vat;
@@ -78,7 +68,7 @@ class SheetRows {
   Result<> readVariants();
   /// ID, department, order number, sort field and the texts that are searched.
   Result<Statement> select(const SheetFilter& filter, const SheetColumn* by) const;
-  SortKey sortKeyOf(const SheetColumn* by, const Statement& row) const;
+  void addTo(RowOrder& order, const SheetColumn* by, const Statement& row) const;
   std::vector<std::string> readCells(std::int64_t ID);
   std::string textOf(const SheetColumn& column, const Value& stored, const Department& department) const;
   const Department& departmentOf(std::string_view ID) const;
@@ -87,8 +77,8 @@ class SheetRows {
   std::span<const SheetColumn> columns_;
   char separator_;
   std::vector<std::int64_t> keys_;
-  std::unordered_map<std::int64_t, std::vector<std::string>> cells_;  ///< the rows looked at, by ID
-  std::unordered_map<std::string, Department> departments_;           ///< by ID
+  std::unordered_map<std::int64_t, std::vector<std::string>> cells_;                    ///< the rows looked at, by ID
+  std::unordered_map<std::string, Department, TextHash, std::equal_to<>> departments_;  ///< by ID
   SheetNames names_;
   std::vector<std::string> departmentChoices_, variantChoices_;
 };
