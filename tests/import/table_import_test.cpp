@@ -351,5 +351,23 @@ TEST_F(TableImport, KnowsTheHeadersOfProductExports) {
             "ID titolo descrizione link prezzo immagine0 reparto ");
 }
 
+TEST_F(TableImport, KnowsTheHeadersOfFilesThatNumberTheLanguages) {
+  sql("DELETE FROM lingue; INSERT INTO lingue (lingua1, lingua2, lingua3) VALUES ('italiano', 'inglese', 'Inglese')");
+  const auto columns = sheetTable(session.catalogue, 2, "articoli");
+  ASSERT_TRUE(columns);
+  const auto captionOf = [&](const char* name) { return columns->columns[*columns->columnIndex(name)].italian; };
+  EXPECT_EQ(captionOf("titolo"), "Titolo");
+  EXPECT_EQ(captionOf("titolo_l2"), "Titolo lingua 2") << "two languages of one name";
+  sql("UPDATE lingue SET lingua3 = ''");
+  const auto named = sheetTable(session.catalogue, 2, "articoli");
+  ASSERT_TRUE(named);
+  const std::size_t title = *named->columnIndex("titolo_l2");
+  EXPECT_EQ(named->columns[title].italian, "Titolo (inglese)");
+  for (const char* header :
+       {"Titolo (inglese)", "Titolo lingua 2", "titolo LINGUA_2", "Title language 2", "titolo_l2"}) {
+    EXPECT_EQ(mappingByHeaders(*named, {header}), ColumnMapping{title}) << header;
+  }
+}
+
 }  // namespace
 }  // namespace kv::test

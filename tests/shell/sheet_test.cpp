@@ -1,5 +1,6 @@
 // The sheet of articles without its window: columns, rows, what writing cells changes, find and replace.
 
+#include "import/tables/table_columns.h"
 #include "shell/sheet/price_step.h"
 #include "shell/sheet/text_replacement.h"
 #include "shell/sheet_fixture.h"
@@ -13,10 +14,22 @@ class TheSheet : public SheetFixture {};
 
 TEST_F(TheSheet, HasAColumnForEachLanguageAndPriceList) {
   EXPECT_EQ(columns[column("titolo_l2")].heading, "Titolo (inglese)");
-  EXPECT_EQ(columns[column("prezzo9")].heading, "Prezzo 9");
-  EXPECT_EQ(columns[column("iva3")].heading, "Con IVA 3");
+  EXPECT_EQ(columns[column("titolo")].heading, "Titolo");
+  EXPECT_EQ(columns[column("prezzo9")].heading, "Prezzo listino 9");
+  EXPECT_EQ(columns[column("iva3")].heading, "Con IVA listino 3");
   EXPECT_EQ(std::ranges::count(columns, "titolo_l3", &SheetColumn::name), 0);
   EXPECT_EQ(columns[column("opzione1")].editor, nullptr);
+}
+
+TEST_F(TheSheet, CallsEachColumnAsAnExportOfArticlesDoes) {
+  const auto exported = sheetTable(session.catalogue, session.languageCount, "articoli");
+  ASSERT_TRUE(exported);
+  for (const SheetColumn& each : columns) {
+    const auto index = exported->columnIndex(each.name);
+    if (each.kind == SheetKind::Vat) continue;
+    ASSERT_TRUE(index) << each.name;
+    EXPECT_EQ(each.heading, exported->columns[*index].italian) << each.name;
+  }
 }
 
 TEST_F(TheSheet, RemembersWhichColumnsShow) {

@@ -23,9 +23,11 @@ std::uint64_t headersNumber(std::string_view text) {
 int nameRank(const TableColumn& column, std::string_view header, const std::string& plain) {
   constexpr int exactOwn = 6, exactHeader = 5, own = 4, italian = 3, english = 2, other = 1;
   if (equalsIgnoringCase(header, column.name)) return exactOwn;
-  if (equalsIgnoringCase(header, column.italian) || equalsIgnoringCase(header, column.english)) return exactHeader;
+  for (const std::string* name : {&column.italian, &column.english, &column.formerItalian}) {
+    if (equalsIgnoringCase(header, *name)) return exactHeader;
+  }
   if (plain == plainHeader(column.name)) return own;
-  if (plain == plainHeader(column.italian)) return italian;
+  if (plain == plainHeader(column.italian) || plain == plainHeader(column.formerItalian)) return italian;
   if (plain == plainHeader(column.english)) return english;
   const auto others = exportHeaders(column.name);
   return std::ranges::any_of(others, [&](auto each) { return plain == plainHeader(each); }) ? other : 0;

@@ -1,6 +1,7 @@
 #include "import/tables/table_columns.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/text/text.h"
 
@@ -37,7 +38,7 @@ std::vector<TableColumn> inLanguages(const TableColumn& column) {
     each.stored += suffix;
     each.language = language;
     if (language > 1) {
-      each.italian += " lingua " + std::to_string(language);
+      each.formerItalian = each.italian + " lingua " + std::to_string(language);
       each.english += " language " + std::to_string(language);
     }
     columns.push_back(std::move(each));
@@ -213,6 +214,35 @@ SheetTable shippingRows(const TableInfo& zone) {
   return table;
 }
 
+using LanguageNames = std::array<std::string, maxLanguages>;
+
+/// The names of the languages; empty where there is none, or where two are written alike.
+Result<LanguageNames> languageNamesOf(Database& catalogue) {
+  LanguageNames names, plain;
+  auto row = catalogue.prepare("SELECT lingua1, lingua2, lingua3, lingua4 FROM lingue");
+  if (!row) return fail(row.error());
+  const auto found = row->step();
+  if (!found) return fail(found.error());
+  if (!*found) return names;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    names.at(i) = row->text(static_cast<int>(i));
+    plain.at(i) = foldCase(trim(names.at(i)));
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (std::ranges::count(plain, plain.at(i)) > 1) names.at(i).clear();
+  }
+  return names;
+}
+
+/// Gives the columns of the other languages their headers.
+void nameLanguages(SheetTable& table, const LanguageNames& names) {
+  for (TableColumn& column : table.columns) {
+    if (column.language <= 1) continue;
+    const std::string& name = names.at(static_cast<std::size_t>(column.language - 1));
+    column.italian = name.empty() ? column.formerItalian : column.italian + " (" + name + ")";
+  }
+}
+
 /// Types and widths as the catalogue has them; columns that it hasn't go.
 void keepStored(SheetTable& table, const TableInfo& info, int languageCount) {
   std::erase_if(table.columns, [&](TableColumn& column) {
@@ -247,12 +277,15 @@ std::vector<std::string> sheetTableNames() {
 Result<std::vector<SheetTable>> sheetTables(Database& catalogue, int languageCount) {
   const auto zone = catalogue.table("zona1");
   if (!zone) return fail(zone.error());
+  const auto names = languageNamesOf(catalogue);
+  if (!names) return fail(names.error());
   std::vector<SheetTable> tables{articles(),      departmentRows(), variantNames(),
                                  variantValues(), countryRows(),    shippingRows(*zone)};
   for (SheetTable& table : tables) {
     const auto info = table.canAdd ? catalogue.table(table.from) : zone;
     if (!info) return fail(info.error());
     keepStored(table, *info, languageCount);
+    nameLanguages(table, *names);
   }
   return tables;
 }

@@ -40,6 +40,7 @@ struct TableColumn {
   int language = 0;                    ///< 1 to 4 of a column of a language; 0: all have it
   bool isSigned = false;               ///< may be below 0
   bool isUsual = true;                 ///< written by an export that names no columns
+  std::string formerItalian = {};      ///< a header of files that name languages by number; empty: none
 };
 
 /// A way to know rows again: the columns that are equal then.
@@ -66,8 +67,9 @@ struct SheetTable {
   const TableKey* key(std::string_view key) const;
 };
 
-/// The tables that sheets hold, articles first. Columns that this catalogue hasn't are left out. Failures as
-/// Database::table.
+/// The tables that sheets hold, articles first. Columns that this catalogue hasn't are left out; those of another
+/// language than the first one are called by its name, "Titolo (inglese)", or by its number where it has no name of its
+/// own. Failures as Database::table.
 Result<std::vector<SheetTable>> sheetTables(Database& catalogue, int languageCount);
 /// Their names: articoli, reparti, varianti, valori, paesi, spedizione.
 std::vector<std::string> sheetTableNames();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "import/tables/table_columns.h"
 #include "shell/workbench/fields/field_forms.h"
 #include "shell/workbench/fields/field_store.h"
 #include "store/schema/schema.h"
@@ -57,25 +58,24 @@ SheetKind kindOf(const Editor& editor, const ColumnInfo& stored) {
 /// The columns of one open shop.
 class ColumnList {
  public:
-  ColumnList(const Session& session, const TableInfo& table) : session_(session), table_(table) {}
+  /// names: the same columns as exports head them, so that one thing has one name.
+  ColumnList(const Session& session, const TableInfo& table, const SheetTable& names)
+      : session_(session), table_(table), names_(names) {}
 
   void add(const SheetRule& rule) {
     const Editor* editor = editorOf(EditedSet::Articoli, rule.column);
     if (editor == nullptr) return;
-    const std::string label = plainLabel(editor->label);
     switch (rule.repeats) {
       case Repeats::Once:
-        return addOne(rule, *editor, std::string(rule.column), label, true);
+        return addOne(rule, *editor, std::string(rule.column), true);
       case Repeats::PerLanguage:
         for (std::size_t i = 0; i < static_cast<std::size_t>(session_.languageCount); ++i) {
-          const std::string heading =
-              session_.languageCount > 1 ? label + " (" + session_.languageNames[i] + ")" : label;
-          addOne(rule, *editor, std::string(rule.column) + std::string(languageSuffixes[i]), heading, i == 0);
+          addOne(rule, *editor, std::string(rule.column) + std::string(languageSuffixes[i]), i == 0);
         }
         return;
       case Repeats::PerListino:
         for (int listino = 0; listino < listini; ++listino) {
-          addOne(rule, *editor, columnOf(*editor, listino), label + " " + std::to_string(listino), listino == 0);
+          addOne(rule, *editor, columnOf(*editor, listino), listino == 0);
           if (rule.column == "prezzo") addVat(listino);
         }
     }
@@ -91,22 +91,26 @@ class ColumnList {
   std::vector<SheetColumn> take() { return std::move(columns_); }
 
  private:
-  void addOne(const SheetRule& rule, const Editor& editor, std::string name, std::string heading, bool first) {
+  void addOne(const SheetRule& rule, const Editor& editor, std::string name, bool first) {
     const int index = table_.columnIndex(name);
     if (index < 0) return;
     const ColumnInfo& stored = table_.columns[static_cast<std::size_t>(index)];
     const SheetKind kind = kindOf(editor, stored);
     const Editor* const rulesOfTyping = kind == SheetKind::Variant ? nullptr : &editor;
+    const auto exported = names_.columnIndex(name);
+    std::string heading = exported ? names_.columns[*exported].italian : plainLabel(editor.label);
     columns_.push_back({std::move(name), std::move(heading), kind, rulesOfTyping, stored, rule.isUsual && first});
   }
   void addVat(int listino) {
     const SheetColumn price = columns_.back();
-    columns_.push_back({"iva" + std::to_string(listino), "Con IVA " + std::to_string(listino), SheetKind::Vat, nullptr,
+    const std::string list = std::to_string(listino);
+    columns_.push_back({"iva" + list, listino == 0 ? "Con IVA" : "Con IVA listino " + list, SheetKind::Vat, nullptr,
                         price.stored, listino == 0});
   }
 
   const Session& session_;
   const TableInfo& table_;
+  const SheetTable& names_;
   std::vector<SheetColumn> columns_;
 };
 
@@ -115,7 +119,9 @@ class ColumnList {
 Result<std::vector<SheetColumn>> sheetColumns(Session& session) {
   const auto table = session.catalogue.table("articoli");
   if (!table) return fail(table.error());
-  ColumnList list(session, *table);
+  const auto names = sheetTable(session.catalogue, session.languageCount, "articoli");
+  if (!names) return fail(names.error());
+  ColumnList list(session, *table, *names);
   list.add(rules.front());
   list.addDepartment();
   std::for_each(rules.begin() + 1, rules.end(), [&](const SheetRule& rule) { list.add(rule); });

@@ -25,7 +25,7 @@ enum class SheetKind {
 
 struct SheetColumn {
   std::string name;     ///< its identity: the column of `articoli`, "iva3" or "reparto"
-  std::string heading;  ///< in Italian, with its language or price list
+  std::string heading;  ///< in Italian, as an export of articles heads it
   SheetKind kind = SheetKind::Text;
   const Editor* editor = nullptr;  ///< whose rules hold for what is typed; null: nothing is typed
   ColumnInfo stored;               ///< the column of `articoli`; of Vat its price, without a name for Department
