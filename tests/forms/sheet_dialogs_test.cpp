@@ -111,6 +111,25 @@ TEST_F(TheSheetGuide, ShowsWhatAnotherSeparatorMakesAndRefusesWhatIsNoSheet) {
   expectEscapeLeaves(dialog);
 }
 
+TEST_F(TheSheetGuide, TheRowOfTheHeadersIsListedAndCanBeChanged) {
+  ASSERT_TRUE(writeBytes(sheet, "Listino 2026\r\nCodice;Prezzo\r\nA-1;3\r\n"));
+  frmImportaFoglio dialog(*guide, user, {});
+  show(dialog);
+  dialog.openFile(sheet);
+  auto* headers = control<QComboBox>(dialog, "cboIntestazioni");
+  EXPECT_EQ(fromQt(headers->itemText(0) + "|" + headers->itemText(1) + "|" + headers->itemText(2)),
+            "(riconosci)|riga 1: Listino 2026|riga 2: Codice, Prezzo");
+  EXPECT_EQ(headers->currentIndex(), 0);
+  const auto& grid = *control<QTableWidget>(dialog, "grdRighe");
+  EXPECT_EQ(textAt(grid, 0, 1), "Prezzo");
+  headers->setCurrentIndex(1);
+  emit headers->activated(1);
+  EXPECT_EQ(headers->currentIndex(), 1) << "the list was made again";
+  EXPECT_EQ(textAt(grid, 0, 0), "Listino 2026");
+  dialog.openFile(sheet);
+  EXPECT_EQ(textAt(grid, 0, 0), "Codice") << "another file is looked at by itself";
+}
+
 TEST_F(TheSheetGuide, EachSignOfTheReadingCanBeChangedAndTheFirstRowsFollow) {
   ASSERT_TRUE(writeBytes(sheet, "Codice;Nome;Prezzo\r\nA-1;Caffè;1.234,50\r\nA-2;Tè;7\r\n"));
   frmImportaFoglio dialog(*guide, user, {});

@@ -80,6 +80,21 @@ TEST_F(TablesOnTheCommandLine, TellsWhatWouldChangeAndChangesNothingInADryRun) {
   EXPECT_EQ(priceOfFirst(), "1.5");
 }
 
+TEST_F(TablesOnTheCommandLine, FindsTheHeadersBelowATitleOrTakesTheLineThatIsGiven) {
+  ASSERT_TRUE(writeBytes(sheet, "Listino 2026;\nCodice;Prezzo\nCodice;Titolo\nprimo;2,75\n"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--dry-run"}), CliOutcome::Done) << err.str();
+  EXPECT_THAT(out.str(),
+              HasSubstr("migliaia nessuno, intestazioni alla riga 2\n  Codice = codice\n  Prezzo = prezzo\n"));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--dry-run", "--header", "3"}), CliOutcome::Done) << err.str();
+  EXPECT_THAT(out.str(), HasSubstr("intestazioni alla riga 3\n  Codice = codice\n  Titolo = titolo\n"));
+  for (const char* line : {"0", "9", "due", "2x"}) {
+    EXPECT_EQ(run({"import-table", shop, sheet, "--dry-run", "--header", line}), CliOutcome::WrongUsage) << line;
+    EXPECT_THAT(err.str(), HasSubstr("valore non ammesso per --header: " + std::string(line)));
+  }
+  EXPECT_EQ(run({"import-table", shop, sheet, "--mode", "change"}), CliOutcome::Done) << err.str();
+  EXPECT_EQ(priceOfFirst(), "2.75");
+}
+
 TEST_F(TablesOnTheCommandLine, AddsAndChangesByItsMode) {
   ASSERT_TRUE(inCatalogue("UPDATE articoli SET fuoricatalogo = 0"));
   const std::string department = rowsOf("SELECT ID FROM categorie ORDER BY ID LIMIT 1"),

@@ -11,7 +11,6 @@
 namespace kv {
 namespace {
 
-constexpr std::array<char, 4> csvSeparators{';', ',', '\t', '|'};
 constexpr std::string_view separatorLine = "sep=";  // of a first line that names the separator
 constexpr std::size_t recordsPerLook = 1024;        // between two looks at the user
 

@@ -3,6 +3,7 @@
 // and signs between thousands are found out from the bytes, and each can be given instead. Source: RFC 4180, with the
 // line ends of any system.
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
@@ -23,10 +24,13 @@ enum class CsvEncoding {
 
 enum class CsvLineEnd { CrLf, Lf, Cr };
 
+/// What may be between fields.
+inline constexpr std::array<char, 4> csvSeparators{';', ',', '\t', '|'};
+
 /// How a text of separated values is written.
 struct CsvReading {
   CsvEncoding encoding = CsvEncoding::Utf8Mark;
-  char separator = ';';         ///< between fields: ';', ',', tab or '|'
+  char separator = ';';         ///< between fields: one of csvSeparators
   char decimalSeparator = ',';  ///< in numbers: ',' or '.'
   char thousands = '\0';        ///< between groups of three digits: '.', ',', ' ' or '\''; 0: none
   CsvLineEnd lineEnd = CsvLineEnd::CrLf;

@@ -1,9 +1,11 @@
 #pragma once
 // A sheet of a file in whatever form: CSV, XLSX, ODS or a feed of products, told from its content; and a sheet written
-// as CSV or XLSX, told from the name. The first row with text names the columns.
+// as CSV or XLSX, told from the name.
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,15 +26,16 @@ struct SheetChoice {
   std::size_t sheet = 0;
   CsvChoice csv;
   SheetLimits limits;
-  std::function<bool()> goOn = {};  ///< false ends the reading as Cancelled
-  std::string shape;                ///< name of an ExportShape; empty: found by the headers; "no": none
+  std::function<bool()> goOn = {};               ///< false ends the reading as Cancelled
+  std::string shape;                             ///< name of an ExportShape; empty: found by the headers; "no": none
+  std::optional<std::uint32_t> headerLine = {};  ///< of the file, whose cells name the columns; nothing: found out
 };
 
 /// A sheet that was read.
 struct ReadSheet {
   SheetReading reading;
   std::vector<std::string> names;  ///< of the sheets of the file; none for a text
-  CellTable cells;                 ///< the first row is that of the headers
+  CellTable cells;                 ///< the first row is that of the headers; before they are known, the first of all
 
   /// The texts of the first row.
   std::vector<std::string> headers() const;

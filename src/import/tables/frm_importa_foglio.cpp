@@ -5,6 +5,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -103,13 +104,15 @@ QWidget* frmImportaFoglio::makeFilePage() {
   auto* form = new QFormLayout();
   txtFile_ = named(new QLineEdit(), "txtFile");
   txtFile_->setReadOnly(true);
-  form->addRow(labelFor("&Foglio:", txtFile_), txtFile_);
   auto* search = named(new QPushButton(toQt("&Sfoglia...")), "cmdSfoglia");
   search->setAutoDefault(false);
   connect(search, &QPushButton::clicked, this, [this] {
     if (const std::string path = chooseFile(); !path.empty()) openFile(path);
   });
-  form->addRow(QString(), search);
+  auto* file = new QHBoxLayout();
+  file->addWidget(txtFile_, 1);
+  file->addWidget(search);
+  form->addRow(labelFor("&Foglio:", txtFile_), file);
   const QString found = toQt("(riconosci)");
   cboTabella_ = choiceOf("cboTabella", {toQt("Articoli"), toQt("Reparti"), toQt("Varianti"),
                                         toQt("Valori delle varianti"), toQt("Paesi"), toQt("Spese di spedizione")});
@@ -131,6 +134,8 @@ QWidget* frmImportaFoglio::makeFilePage() {
   form->addRow(labelFor("&Decimali:", cboDecimali_), cboDecimali_);
   form->addRow(labelFor("&Migliaia:", cboMigliaia_), cboMigliaia_);
   form->addRow(labelFor("Fi&ne riga:", cboFineRiga_), cboFineRiga_);
+  cboIntestazioni_ = choiceOf("cboIntestazioni", {found});
+  form->addRow(labelFor("In&testazioni:", cboIntestazioni_), cboIntestazioni_);
   form->addRow(labelFor("&Esportazione di un altro negozio:", cboProgramma_), cboProgramma_);
   column->addLayout(form);
   lblLettura_ = named(wrappedText(""), "lblLettura");
@@ -204,6 +209,7 @@ void frmImportaFoglio::openFile(const std::string& path) {
   guide_.path = path;
   guide_.choice.sheet = 0;
   cboFoglio_->setCurrentIndex(0);
+  cboIntestazioni_->setCurrentIndex(0);
   readAgain();
 }
 
@@ -215,6 +221,8 @@ void frmImportaFoglio::readAgain() {
                        lineEndOf(*cboFineRiga_)};
   const int program = cboProgramma_->currentIndex();
   guide_.choice.shape = program == 1 ? "no" : fromQt(cboProgramma_->currentData().toString());
+  const QVariant line = cboIntestazioni_->currentData();
+  guide_.choice.headerLine = line.isValid() ? std::optional(line.toUInt()) : std::nullopt;
   if (guide_.path.empty()) return;
   const std::string failure = watched([this] {
     return guide_.read([this] {
@@ -243,6 +251,7 @@ void frmImportaFoglio::showFile() {
     cboFoglio_->setCurrentIndex(static_cast<int>(guide_.choice.sheet));
   }
   cboFoglio_->setEnabled(cboFoglio_->count() > 1);
+  showHeaderRows();
   cboCodifica_->setEnabled(isText);
   cboSeparatore_->setEnabled(isText);
   cboFineRiga_->setEnabled(isText);
@@ -259,6 +268,15 @@ void frmImportaFoglio::showFile() {
   }
   grdRighe_->resizeColumnsToContents();
   cmdAvanti_->setEnabled(guide_.isRead());
+}
+
+void frmImportaFoglio::showHeaderRows() {
+  while (cboIntestazioni_->count() > 1) cboIntestazioni_->removeItem(1);
+  if (!guide_.isRead()) return;
+  for (const HeaderRow& row : guide_.sheet().headerRows) {
+    cboIntestazioni_->addItem(toQt("riga " + std::to_string(row.line) + ": " + row.text), row.line);
+    if (row.line == guide_.choice.headerLine) cboIntestazioni_->setCurrentIndex(cboIntestazioni_->count() - 1);
+  }
 }
 
 void frmImportaFoglio::showColumns() {

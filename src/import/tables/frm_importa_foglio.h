@@ -40,6 +40,7 @@ class frmImportaFoglio final : public FormDialog {
   /// Runs a work that shows its progress, which ends with it. The work's text.
   std::string watched(const std::function<std::string()>& work);
   void showFile();
+  void showHeaderRows();
   void showColumns();
   void showPlan();
   void showRows();
@@ -53,7 +54,7 @@ class frmImportaFoglio final : public FormDialog {
   QLineEdit* txtFile_ = nullptr;
   QComboBox *cboTabella_ = nullptr, *cboFoglio_ = nullptr, *cboCodifica_ = nullptr, *cboSeparatore_ = nullptr,
             *cboDecimali_ = nullptr, *cboMigliaia_ = nullptr, *cboChiave_ = nullptr, *cboModo_ = nullptr,
-            *cboFiltro_ = nullptr, *cboFineRiga_ = nullptr, *cboProgramma_ = nullptr;
+            *cboFiltro_ = nullptr, *cboFineRiga_ = nullptr, *cboProgramma_ = nullptr, *cboIntestazioni_ = nullptr;
   QLabel *lblLettura_ = nullptr, *lblSomme_ = nullptr;
   QTableWidget *grdRighe_ = nullptr, *grdColonne_ = nullptr, *grdValori_ = nullptr;
   QTableView* grdPiano_ = nullptr;

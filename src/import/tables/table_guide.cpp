@@ -59,7 +59,7 @@ std::string TableGuide::read(const std::function<bool()>& goOn) {
 std::string TableGuide::reading() const {
   if (!open_) return {};
   const std::size_t rows = open_->sheet.cells.rows();
-  return readingText(open_->sheet.reading) +
+  return readingText(open_->sheet.reading) + headerRowText(open_->headerRows, open_->sheet) +
          (open_->shape.empty() ? "" : ", esportazione " + std::string(open_->shape)) + ", " +
          std::to_string(rows == 0 ? 0 : rows - 1) + " righe" + numberNote();
 }

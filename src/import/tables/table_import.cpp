@@ -69,6 +69,36 @@ Result<> findColumns(OpenSheet& open, const Settings& settings, const SheetChoic
   return {};
 }
 
+/// Reads a text again with each other separator; it stays as it was read where none of them names columns.
+Result<> tryOtherSeparators(OpenSheet& open, const Settings& settings, SheetChoice choice, HeaderFound& found) {
+  const char before = open.sheet.reading.csv.separator;
+  for (const char separator : csvSeparators) {
+    if (separator == before) continue;
+    choice.csv.separator = separator;
+    auto sheet = readSheetFile(open.path, choice);
+    if (!sheet && sheet.error().kind == ErrorKind::Cancelled) return fail(sheet.error());
+    if (!sheet) continue;
+    const HeaderFound other = headerRowOf(open.table, *sheet, settings);
+    if (other.named < fewestNames || other.named <= found.named) continue;
+    open.sheet = std::move(*sheet);
+    found = other;
+  }
+  return {};
+}
+
+/// Leaves out the rows above the headers.
+Result<> findHeaders(OpenSheet& open, const Settings& settings, const SheetChoice& choice) {
+  HeaderFound found = headerRowOf(open.table, open.sheet, settings);
+  const bool mayBeAnother = open.sheet.reading.form == SheetForm::Text && !choice.csv.separator;
+  if (mayBeAnother && found.named < fewestNames) {
+    if (auto tried = tryOtherSeparators(open, settings, choice, found); !tried) return tried;
+  }
+  open.headerRows = headerRowsOf(open.sheet);
+  open.sheet.cells.dropRows(choice.headerLine ? rowOfLine(open.sheet, *choice.headerLine).value_or(found.row)
+                                              : found.row);
+  return {};
+}
+
 std::string shownSum(std::optional<Money> sum) { return sum ? shownAmount(*sum) : "(troppo grande)"; }
 
 }  // namespace
@@ -83,7 +113,8 @@ Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, con
   if (!withSigns.csv.thousands) withSigns.csv.thousands = '\0';
   auto sheet = readSheetFile(path, withSigns);
   if (!sheet) return fail(sheet.error());
-  OpenSheet open{path, std::move(*sheet), std::move(*columns), {}, {}};
+  OpenSheet open{path, std::move(*sheet), std::move(*columns), {}, {}, {}};
+  if (auto headers = findHeaders(open, settings, withSigns); !headers) return fail(headers.error());
   if (auto mapped = findColumns(open, settings, choice); !mapped) return fail(mapped.error());
   open.sheet.reading.csv = signsOf(open.sheet, open.table, open.mapping, choice.csv);
   return open;
@@ -138,6 +169,7 @@ Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, co
   reading.csv = plan.signs;
   const std::string amounts = amountsText(plan);
   std::string text = std::string(baseName(open.path)) + ": " + readingText(reading) +
+                     headerRowText(open.headerRows, open.sheet) +
                      (open.shape.empty() ? "" : ", esportazione " + std::string(open.shape)) + "\n" +
                      mappingText(open) + sumsText(plan) + "\n" + amounts + (amounts.empty() ? "" : "\n");
   for (const PlannedRow& row : plan.rows) {

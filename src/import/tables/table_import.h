@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "import/tables/header_row.h"
 #include "import/tables/table_writer.h"
 #include "store/shop/session.h"
 
@@ -14,12 +15,15 @@ struct OpenSheet {
   std::string path;
   ReadSheet sheet;
   SheetTable table;
-  ColumnMapping mapping;   ///< as it was kept for these headers, else by the shape, else by the headers
-  std::string_view shape;  ///< caption of the export whose cells were turned into ours; empty: none
+  ColumnMapping mapping;              ///< as it was kept for these headers, else by the shape, else by the headers
+  std::string_view shape;             ///< caption of the export whose cells were turned into ours; empty: none
+  std::vector<HeaderRow> headerRows;  ///< what may name the columns; the first row of `sheet` does
 };
 
-/// Reads a file for a table of the catalogue; articles in the shape of another program's export are turned into ours.
-/// Failures as readSheetFile, sheetTable and applyExportShape.
+/// Reads a file for a table of the catalogue, and leaves out what is above its headers; articles in the shape of
+/// another program's export are turned into ours. A CSV file in which no row names several columns is read with the
+/// separator with which one does, as its first line may be a title. Failures as readSheetFile, sheetTable and
+/// applyExportShape.
 Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, const std::string& path,
                                  std::string_view table, const SheetChoice& choice = {});
 

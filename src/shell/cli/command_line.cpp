@@ -31,7 +31,9 @@ const std::map<std::string_view, CommandRow>& commands() {
       {"purge", {CliCommand::Purge, nullptr, {"--delete"}}},
       {"picture", {CliCommand::Picture, "il file dell'immagine", {"--article=", "--department=", "--slot=", "--fit="}}},
       {"import-table",
-       {CliCommand::ImportTable, "il foglio", {"--dry-run", "--table=", "--map=", "--mode=", "--key=", "--shape="}}},
+       {CliCommand::ImportTable,
+        "il foglio",
+        {"--dry-run", "--table=", "--map=", "--mode=", "--key=", "--shape=", "--header="}}},
       {"export-table", {CliCommand::ExportTable, "il foglio", {"--table=", "--columns="}}},
       {"publish", {CliCommand::Publish, nullptr, {"--dry-run", "--all"}}},
       {"orders", {CliCommand::Orders, nullptr, {"--since=", "--csv="}}},
@@ -208,7 +210,7 @@ constexpr std::string_view usageOfCommands =
     "                      imposta un'immagine e ne mostra nome e dimensioni. --fit 180x135: la adatta a queste\n"
     "                      dimensioni massime\n"
     "  import-table NEGOZIO FOGLIO [--table TABELLA] [--map FILE] [--mode all|change|add|sync] [--key CHIAVE]\n"
-    "                 [--shape handle|tipo|riferimento|feed|no]\n"
+    "                 [--shape handle|tipo|riferimento|feed|no] [--header RIGA]\n"
     "                      importa un foglio CSV, XLSX o ODS in una tabella: articoli, reparti, varianti, "
     "valori,\n"
     "                      paesi o spedizione. --mode: aggiunge e modifica, solo modifica, solo aggiunge, o "
@@ -216,7 +218,8 @@ constexpr std::string_view usageOfCommands =
     "                      anche fuori catalogo gli articoli che il foglio non elenca. --map: righe\n"
     "                      \"intestazione=colonna\". --dry-run: dice soltanto che cosa cambierebbe.\n"
     "                      --shape: da quale esportazione di un altro negozio, o da un feed XML, vengono gli\n"
-    "                      articoli (altrimenti si riconosce dalle intestazioni); no: da nessuna\n"
+    "                      articoli (altrimenti si riconosce dalle intestazioni); no: da nessuna. --header: la\n"
+    "                      riga delle intestazioni, se non è quella che si riconosce tra le prime dieci\n"
     "  export-table NEGOZIO FOGLIO [--table TABELLA] [--columns codice,titolo,prezzo]\n"
     "                      scrive una tabella in un foglio CSV o XLSX, che si può importare di nuovo\n"
     "  publish NEGOZIO     mette online il negozio costruito, con le impostazioni del negozio. --all invia\n"

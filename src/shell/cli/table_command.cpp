@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "import/tables/export_shapes.h"
 #include "import/tables/shown_plan.h"
@@ -113,6 +114,15 @@ CliOutcome previewOrImport(CliSession& open, const CommandLine& line, Environmen
   return CliOutcome::Done;
 }
 
+/// The number after --header; nothing when there is none, or it is none.
+std::optional<std::uint32_t> headerLineOf(const CommandLine& line) {
+  const std::string text = line.option("--header");
+  std::uint32_t number = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  const bool isNumber = !text.empty() && read.ec == std::errc() && read.ptr == text.data() + text.size();
+  return isNumber ? std::optional(number) : std::nullopt;
+}
+
 CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment& env, std::ostream& out) {
   auto request = tableRequestOf(line, env);
   if (!request) return CliOutcome::WrongUsage;
@@ -120,9 +130,13 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   SheetChoice choice;
   choice.shape = line.option("--shape");
   if (!isShapeChoice(choice.shape)) return wrongValue(env, "--shape", choice.shape);
+  choice.headerLine = headerLineOf(line);
   choice.goOn = [&env] { return env.user.yield(); };
   auto sheet = openTableSheet(open.session, env.settings, path, tableName(line), choice);
   if (!sheet) return notRead(env, sheet.error(), sheetFailureText(sheet.error(), path));
+  if (line.has("--header") && sheet->sheet.cells.line(0) != choice.headerLine) {
+    return wrongValue(env, "--header", line.option("--header"));
+  }
   if (!request->key.empty() && sheet->table.key(request->key) == nullptr) {
     return wrongValue(env, "--key", request->key);
   }
