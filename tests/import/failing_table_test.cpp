@@ -1,5 +1,6 @@
 // A store that fails at any moment of an import, whatever the table: every row and every picture is as it was before,
 // and the merchant knows.
+#include "import/tables/table_guide.h"
 #include "support/failing_store.h"
 #include "table_shop.h"
 
@@ -51,6 +52,33 @@ TEST_F(FailingTableImport, OfTheOtherTablesLeavesTheirRowsAsTheyWere) {
   failEverywhere("paese;zona\nAtlantide;3\n", "paesi");
   sql("DELETE FROM zona1; INSERT INTO zona1 (m1sp1) VALUES (0)");
   failEverywhere("zona;m1sp1\n1;7,5\n", "spedizione");
+}
+
+TEST_F(FailingTableImport, TellsWhichSheetCouldNotBeComparedAndKeepsIt) {
+  ASSERT_TRUE(writeBytes(root / "listino.csv", "codice;titolo\nT-1;Altra\nT-2;Nuova\n"));
+  const std::string before = allTables();
+  TableGuide guide(session, settings, "cat003", "modello1");
+  guide.path = root / "listino.csv";
+  ASSERT_EQ(guide.read(), "");
+  std::string last;
+  for (std::int64_t call = 1;; ++call) {
+    SCOPED_TRACE(call);
+    FailingStore store(call);
+    const std::string said = guide.makePlan();
+    if (!store.hasFailed()) break;
+    EXPECT_TRUE(said.starts_with("Non è stato possibile confrontare il foglio \"listino.csv\" col catalogo\n\n"))
+        << said;
+    EXPECT_NE(said.find("\nNulla è stato modificato: "), std::string::npos) << said;
+    EXPECT_FALSE(guide.hasPlan());
+    last = said;
+  }
+  EXPECT_NE(last.find("\n\nDettaglio: articoli, dopo la riga 3: "), std::string::npos) << last;
+  EXPECT_TRUE(guide.hasPlan()) << "file and columns are still chosen";
+  EXPECT_EQ(guide.plan().sums().changed, 2U);
+  FailingStore store(1);
+  const std::string unread = guide.read();
+  EXPECT_TRUE(unread.starts_with("Non è stato possibile confrontare il foglio \"listino.csv\"")) << unread;
+  EXPECT_EQ(allTables(), before);
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ std::string TableGuide::read(const std::function<bool()>& goOn) {
   watched.goOn = goOn;
   auto opened = openTableSheet(session_, settings_, path, tableName, watched);
   if (!opened && opened.error().kind == ErrorKind::Cancelled) return {};
-  if (!opened) return sheetFailureText(opened.error(), path);
+  if (!opened) return openingFailureText(opened.error(), path);
   open_ = std::move(*opened);
   request.mapping = open_->mapping;
   request.key = usualKey();
@@ -123,7 +123,7 @@ std::string TableGuide::makePlan(const TableStep& step) {
   if (!open_) return "Scegliere il foglio da importare";
   auto plan = planTable(session_.catalogue, open_->table, open_->sheet, request, step);
   if (!plan && plan.error().kind == ErrorKind::Cancelled) return {};
-  if (!plan) return plan.error().what;
+  if (!plan) return planFailureText(plan.error(), path);
   plan_ = std::move(*plan);
   return {};
 }

@@ -12,6 +12,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view writingRows = "Importazione del foglio...";
+constexpr std::string_view ofCatalogue = "catalogo";  // where a failure is that isn't the sheet's
 constexpr std::string_view notImported = "Non è stato possibile importare il foglio";
 
 /// How many rows are written between two looks at the user. A picture that is taken over may take seconds.
@@ -106,7 +107,7 @@ std::string shownSum(std::optional<Money> sum) { return sum ? shownAmount(*sum) 
 Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, const std::string& path,
                                  std::string_view table, const SheetChoice& choice) {
   auto columns = sheetTable(session.catalogue, session.languageCount, table);
-  if (!columns) return fail(columns.error());
+  if (!columns) return fail(columns.error().kind, std::string(ofCatalogue), columns.error().what);
   // The signs of numbers are those of the mapped columns alone, which are known below.
   SheetChoice withSigns = choice;
   if (!withSigns.csv.decimalSeparator) withSigns.csv.decimalSeparator = ',';
@@ -118,6 +119,16 @@ Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, con
   if (auto mapped = findColumns(open, settings, choice); !mapped) return fail(mapped.error());
   open.sheet.reading.csv = signsOf(open.sheet, open.table, open.mapping, choice.csv);
   return open;
+}
+
+std::string openingFailureText(const Error& error, const std::string& path) {
+  return error.where == ofCatalogue ? planFailureText(error, path) : sheetFailureText(error, path);
+}
+
+std::string planFailureText(const Error& error, const std::string& path) {
+  if (error.number == noKeyMapped) return error.what;
+  return "Non è stato possibile confrontare il foglio \"" + std::string(baseName(path)) + "\" col catalogo\n\n" +
+         failureText(error);
 }
 
 TableEnd importPlannedTable(Session& session, Environment& env, TablePlan& plan, const ReadSheet& sheet,

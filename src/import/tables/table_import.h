@@ -22,10 +22,15 @@ struct OpenSheet {
 
 /// Reads a file for a table of the catalogue, and leaves out what is above its headers; articles in the shape of
 /// another program's export are turned into ours. A CSV file in which no row names several columns is read with the
-/// separator with which one does, as its first line may be a title. Failures as readSheetFile, sheetTable and
-/// applyExportShape.
+/// separator with which one does, as its first line may be a title. Failures as readSheetFile and applyExportShape; the
+/// catalogue's as sheetTable, with "catalogo" as `where`.
 Result<OpenSheet> openTableSheet(Session& session, const Settings& settings, const std::string& path,
                                  std::string_view table, const SheetChoice& choice = {});
+
+/// Why openTableSheet failed, for the merchant: the sheet can't be read, or the catalogue can't.
+std::string openingFailureText(const Error& error, const std::string& path);
+/// Why planTable failed, for the merchant: the sheet of the path, what was kept, and where the catalogue failed.
+std::string planFailureText(const Error& error, const std::string& path);
 
 /// How an import ended.
 enum class TableEnd {

@@ -92,10 +92,12 @@ class TablePlanner {
     if (!rows) return fail(rows.error());
     // The catalogue may have more rows than the sheet.
     const std::size_t most = sheet_.cells.rows();
+    std::int64_t last = 0;
     for (std::size_t count = 1;; ++count) {
       const auto row = rows->step();
-      if (!row) return fail(row.error());
+      if (!row) return fail(after(last, row.error()));
       if (!*row) return {};
+      last = rows->integer(0);
       if (count % rowsPerLook == 0 && step_ && !step_(most + std::min(count, most), 3 * most)) return cancelled();
       const std::string key = keyOf(*rows);
       if (key.empty()) continue;
@@ -105,6 +107,11 @@ class TablePlanner {
         plan_.unlisted.push_back({rows->integer(0)});
       }
     }
+  }
+  /// A failure with the row of the catalogue before it.
+  Error after(std::int64_t row, Error error) const {
+    error.where = plan_.table.rows + (row == 0 ? "" : ", dopo la riga " + std::to_string(row));
+    return error;
   }
   /// The key of a row of the catalogue; empty where a part of it is missing, so that no sheet can name the row.
   std::string keyOf(const Statement& row) {
@@ -316,7 +323,8 @@ Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadShe
                         });
   if (!isMapped) {
     return fail(ErrorKind::Malformed, table.name,
-                "Nessuna colonna del foglio dice quali sono gli " + table.rows + ": serve " + keyNames(table));
+                "Nessuna colonna del foglio dice quali sono gli " + table.rows + ": serve " + keyNames(table),
+                noKeyMapped);
   }
   const TableKey used = *key;
   TablePlan plan;

@@ -99,8 +99,11 @@ using TableStep = std::function<bool(std::size_t done, std::size_t all)>;
 CsvReading signsOf(const ReadSheet& sheet, const SheetTable& table, const ColumnMapping& mapping,
                    const CsvChoice& choice = {});
 
-/// Plans an import of the rows after the header. Malformed, with a text for the merchant, when no key is mapped;
-/// failures of the catalogue as Database::prepare.
+/// The `number` of an error whose text is for the merchant: no mapped column says which rows are meant.
+inline constexpr int noKeyMapped = -1;
+
+/// Plans an import of the rows after the header. Malformed with noKeyMapped when no key is mapped; failures of the
+/// catalogue as Database::prepare, with the table and its last row that was read as its position.
 Result<TablePlan> planTable(Database& catalogue, SheetTable table, const ReadSheet& sheet, const TableRequest& request,
                             const TableStep& step = {});
 

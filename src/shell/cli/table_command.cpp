@@ -133,7 +133,7 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   choice.headerLine = headerLineOf(line);
   choice.goOn = [&env] { return env.user.yield(); };
   auto sheet = openTableSheet(open.session, env.settings, path, tableName(line), choice);
-  if (!sheet) return notRead(env, sheet.error(), sheetFailureText(sheet.error(), path));
+  if (!sheet) return notRead(env, sheet.error(), openingFailureText(sheet.error(), path));
   if (line.has("--header") && sheet->sheet.cells.line(0) != choice.headerLine) {
     return wrongValue(env, "--header", line.option("--header"));
   }
@@ -148,7 +148,7 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
   auto plan = planTable(open.session.catalogue, sheet->table, sheet->sheet, *request,
                         [&env](std::size_t, std::size_t) { return env.user.yield(); });
-  if (!plan) return notRead(env, plan.error(), plan.error().what);
+  if (!plan) return notRead(env, plan.error(), planFailureText(plan.error(), path));
   return previewOrImport(open, line, env, {*request, *sheet, *plan}, out);
 }
 
