@@ -70,6 +70,13 @@ TEST_F(TheSheetGuide, GoesFromTheFileOverTheColumnsToWhatWouldHappen) {
   auto* plan = control<QTableView>(dialog, "grdPiano");
   EXPECT_EQ(planText(*plan),
             "2|modificato|A-1  Tazza|\n3|tralasciato|A-2  Calice|Prezzo: \"x\" non è un numero\n4|nuovo|A-3  Vaso|\n");
+  const auto* reason = control<QLabel>(dialog, "lblMotivo");
+  EXPECT_FALSE(reason->isVisible());
+  plan->setCurrentIndex(plan->model()->index(1, 0));
+  EXPECT_EQ(fromQt(reason->text()), "Motivo: Prezzo: \"x\" non è un numero");
+  EXPECT_TRUE(reason->isVisible()) << "however narrow its column is";
+  EXPECT_TRUE(plan->model()->index(1, 3).data(Qt::ToolTipRole).toString().contains("non è un numero"));
+  plan->setCurrentIndex(plan->model()->index(0, 0));
   auto* values = control<QTableWidget>(dialog, "grdValori");
   ASSERT_EQ(values->rowCount(), 1);
   EXPECT_EQ(textAt(*values, 0, 0) + textAt(*values, 0, 1) + ">" + textAt(*values, 0, 2), "Prezzo1,50>2,50");

@@ -190,13 +190,15 @@ QWidget* frmImportaFoglio::makePlanPage() {
     cmdAvanti_->setEnabled(guide_.canImport());
   });
   // In characters; the last column takes the rest.
-  constexpr std::array planWidths{10, 18, 34};
+  constexpr std::array planWidths{8, 16, 28};
   constexpr std::array valueWidths{20, 38};
   const int character = fontMetrics().averageCharWidth();
   for (std::size_t i = 0; i < planWidths.size(); ++i) {
     grdPiano_->setColumnWidth(static_cast<int>(i), planWidths.at(i) * character);
   }
   column->addWidget(grdPiano_, 2);
+  lblMotivo_ = named(wrappedText(""), "lblMotivo");
+  column->addWidget(lblMotivo_);
   grdValori_ = grid("grdValori", "Valori della riga", {toQt("Colonna"), toQt("Adesso"), toQt("Dopo")});
   for (std::size_t i = 0; i < valueWidths.size(); ++i) {
     grdValori_->setColumnWidth(static_cast<int>(i), valueWidths.at(i) * character);
@@ -330,6 +332,9 @@ void frmImportaFoglio::showRows() {
 void frmImportaFoglio::showChanges() {
   const QModelIndex current = grdPiano_->currentIndex();
   const auto changes = current.isValid() ? guide_.changes(model_->planRow(current.row())) : std::vector<ShownChange>();
+  const std::string reason = current.isValid() ? guide_.row(model_->planRow(current.row())).reason : std::string();
+  lblMotivo_->setText(toQt(reason.empty() ? "" : "Motivo: " + reason));
+  lblMotivo_->setVisible(!reason.empty());
   grdValori_->setRowCount(static_cast<int>(changes.size()));
   for (std::size_t i = 0; i < changes.size(); ++i) {
     const std::array<const std::string*, 3> texts{&changes[i].column, &changes[i].before, &changes[i].after};

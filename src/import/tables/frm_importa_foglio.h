@@ -55,7 +55,7 @@ class frmImportaFoglio final : public FormDialog {
   QComboBox *cboTabella_ = nullptr, *cboFoglio_ = nullptr, *cboCodifica_ = nullptr, *cboSeparatore_ = nullptr,
             *cboDecimali_ = nullptr, *cboMigliaia_ = nullptr, *cboChiave_ = nullptr, *cboModo_ = nullptr,
             *cboFiltro_ = nullptr, *cboFineRiga_ = nullptr, *cboProgramma_ = nullptr, *cboIntestazioni_ = nullptr;
-  QLabel *lblLettura_ = nullptr, *lblSomme_ = nullptr;
+  QLabel *lblLettura_ = nullptr, *lblSomme_ = nullptr, *lblMotivo_ = nullptr;
   QTableWidget *grdRighe_ = nullptr, *grdColonne_ = nullptr, *grdValori_ = nullptr;
   QTableView* grdPiano_ = nullptr;
   QCheckBox* chkFuori_ = nullptr;

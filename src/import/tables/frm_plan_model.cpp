@@ -3,6 +3,7 @@
 #include <array>
 
 #include "platform/qt/frm_dialog.h"
+#include "platform/qt/frm_plain_tip.h"
 
 namespace kv {
 namespace {
@@ -27,7 +28,7 @@ int PlanModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant PlanModel::data(const QModelIndex& index, int role) const {
-  const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
+  const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
   if (!index.isValid() || (!isText && role != Qt::CheckStateRole)) return {};
   const GuideRow row = guide_.row(planRow(index.row()));
   if (role == Qt::CheckStateRole) {
@@ -36,6 +37,7 @@ QVariant PlanModel::data(const QModelIndex& index, int role) const {
   }
   const std::array<const std::string*, 4> texts{&row.line, &row.fate, &row.label, &row.reason};
   const std::string& text = *texts[static_cast<std::size_t>(index.column())];
+  if (role == Qt::ToolTipRole) return plainTip(toQt(text));
   return toQt(role == Qt::AccessibleTextRole && text.empty() ? "vuoto" : text);
 }
 
