@@ -13,8 +13,8 @@ namespace {
 
 enum PreviewColumn { PreviewArticle, PreviewField, PreviewBefore, PreviewAfter };
 constexpr std::array<std::string_view, 4> previewHeadings{"Articolo", "Campo", "Prima", "Dopo"};
-constexpr int previewRowPadding = 8;  // pixels between two lines
-constexpr int previewCharacters = 26;
+constexpr int previewRowPadding = 8;                 // pixels between two lines
+constexpr std::array previewCharacters{36, 18, 24};  // the last column takes the rest
 
 }  // namespace
 
@@ -114,7 +114,9 @@ QTableView* makePreviewTable(ChangePreview& preview) {
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
   table->horizontalHeader()->setStretchLastSection(true);
   const int character = table->fontMetrics().averageCharWidth();
-  for (int i = 0; i < PreviewAfter; ++i) table->setColumnWidth(i, character * previewCharacters);
+  for (std::size_t i = 0; i < previewCharacters.size(); ++i) {
+    table->setColumnWidth(static_cast<int>(i), character * previewCharacters.at(i));
+  }
   return table;
 }
 
