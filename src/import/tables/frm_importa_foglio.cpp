@@ -190,7 +190,7 @@ QWidget* frmImportaFoglio::makePlanPage() {
     cmdAvanti_->setEnabled(guide_.canImport());
   });
   // In characters; the last column takes the rest.
-  constexpr std::array planWidths{8, 16, 28};
+  constexpr std::array planWidths{10, 16, 27};
   constexpr std::array valueWidths{20, 38};
   const int character = fontMetrics().averageCharWidth();
   for (std::size_t i = 0; i < planWidths.size(); ++i) {
