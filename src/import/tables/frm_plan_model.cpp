@@ -11,6 +11,16 @@ namespace {
 enum PlanColumn { Line, Fate, Label, Reason };
 constexpr std::array<std::string_view, 4> planHeadings{"Riga", "Esito", "Che cosa", "Motivo"};
 
+bool isTextRole(int role) {
+  return role == Qt::DisplayRole || role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
+}
+
+/// The text of a cell as it is shown, spoken or told by its tip.
+QString textIn(int role, const std::string& text) {
+  if (role == Qt::ToolTipRole) return plainTip(toQt(text));
+  return toQt(role == Qt::AccessibleTextRole && text.empty() ? "vuoto" : text);
+}
+
 }  // namespace
 
 void PlanModel::show(RowFilter filter) {
@@ -28,17 +38,14 @@ int PlanModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant PlanModel::data(const QModelIndex& index, int role) const {
-  const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
-  if (!index.isValid() || (!isText && role != Qt::CheckStateRole)) return {};
+  if (!index.isValid() || (!isTextRole(role) && role != Qt::CheckStateRole)) return {};
   const GuideRow row = guide_.row(planRow(index.row()));
   if (role == Qt::CheckStateRole) {
     if (index.column() != Line || !row.canChoose) return {};
     return row.isChosen ? Qt::Checked : Qt::Unchecked;
   }
   const std::array<const std::string*, 4> texts{&row.line, &row.fate, &row.label, &row.reason};
-  const std::string& text = *texts[static_cast<std::size_t>(index.column())];
-  if (role == Qt::ToolTipRole) return plainTip(toQt(text));
-  return toQt(role == Qt::AccessibleTextRole && text.empty() ? "vuoto" : text);
+  return textIn(role, *texts[static_cast<std::size_t>(index.column())]);
 }
 
 bool PlanModel::setData(const QModelIndex& index, const QVariant& value, int role) {

@@ -123,6 +123,11 @@ std::optional<std::uint32_t> headerLineOf(const CommandLine& line) {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
+/// Whether the line of the headers that was asked for isn't one of the sheet.
+bool isHeaderLost(const CommandLine& line, const SheetChoice& choice, const OpenSheet& open) {
+  return line.has("--header") && open.sheet.cells.line(0) != choice.headerLine;
+}
+
 CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment& env, std::ostream& out) {
   auto request = tableRequestOf(line, env);
   if (!request) return CliOutcome::WrongUsage;
@@ -134,9 +139,7 @@ CliOutcome runTableImport(CliSession& open, const CommandLine& line, Environment
   choice.goOn = [&env] { return env.user.yield(); };
   auto sheet = openTableSheet(open.session, env.settings, path, tableName(line), choice);
   if (!sheet) return notRead(env, sheet.error(), openingFailureText(sheet.error(), path));
-  if (line.has("--header") && sheet->sheet.cells.line(0) != choice.headerLine) {
-    return wrongValue(env, "--header", line.option("--header"));
-  }
+  if (isHeaderLost(line, choice, *sheet)) return wrongValue(env, "--header", line.option("--header"));
   if (!request->key.empty() && sheet->table.key(request->key) == nullptr) {
     return wrongValue(env, "--key", request->key);
   }
