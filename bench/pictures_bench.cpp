@@ -2,13 +2,15 @@
 // forms beside the programs that make them one by one, the purge beside a bare read, an export beside cp and zip. Each
 // pair runs in turn on the same machine, and the fastest of each counts.
 //
-// Arguments: --quick (fewer pictures and articles).
+// Arguments: --quick (fewer pictures and articles); names of parts (memory, reduction, files, light, purge, export), of
+// which only those are measured.
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -30,10 +32,12 @@ using kv::bench::secondsOf;
 using kv::bench::Timed;
 using kv::bench::verdict;
 namespace fs = std::filesystem;
+using Parts = std::set<std::string>;
 
 constexpr int pictureRounds = 3;
 constexpr int photoRounds = 9;  // of a tenth of a second each
 constexpr kv::ImageSize photoSize{4000, 3000};
+constexpr kv::ImageSize lightSize{1000, 750};  // as wide as a page shows a photo, with both narrower forms
 constexpr kv::ImageSize boxOfPhotos{180, 135};
 constexpr double spareMiB = 32;  // what a process may use beside the pixels that it reads and writes
 
@@ -186,13 +190,20 @@ void measureFileToFile(const kv::cDIBSection& photo, const std::string& folder) 
   tell("a photo from file to file, beside vips resize", inTurn(ours, [&] { return runs(vips); }), 1.0);
 }
 
+/// As many copies of one photo: what is measured depends on their number and pixels alone.
+void makePhotos(const std::string& work, int count) {
+  const auto photo = kv::jpegOf(detailed(lightSize.width, lightSize.height).pixels(), 90);
+  if (!kv::createFolders(work) || !photo) std::abort();
+  for (int i = 0; i < count; ++i) {
+    if (!kv::writeBytes(work + "/foto_" + std::to_string(i) + ".jpg", *photo)) std::abort();
+  }
+}
+
+// The other programs take the longest of all that is measured here, the same for each photo: some of them stand for
+// all.
 void measureLight(const std::string& folder, int count) {
   const std::string shop = folder + "/leggero", work = shop + "/work";
-  if (!kv::createFolders(work)) std::abort();
-  const kv::cDIBSection photo = detailed(1600, 1200);
-  for (int i = 0; i < count; ++i) {
-    if (!kv::SaveJPG(photo, work + "/foto_" + std::to_string(i) + ".jpg", 90)) std::abort();
-  }
+  makePhotos(work, count);
   const std::vector<std::string> names = kv::listFiles(work, "*");
   const auto all = [&] {
     kv::LightFolder light(shop);
@@ -202,14 +213,15 @@ void measureLight(const std::string& folder, int count) {
     return light.finish().has_value();
   };
   const double ours = secondsOf(all), again = secondsOf(all);
+  const int sample = std::max(count / 8, 5);
   const double theirs = secondsOf([&] {
-    return runs("cd '" + work +
-                "' && mkdir ../altri && for f in *.jpg; do cwebp -quiet -q 80 $f -o ../altri/$f.webp && "
+    return runs("cd '" + work + "' && mkdir ../altri && for f in $(ls | head -n " + std::to_string(sample) +
+                "); do cwebp -quiet -q 80 $f -o ../altri/$f.webp && "
                 "for w in 480 960; do convert $f -resize $w ../altri/w.png && cwebp -quiet -q 80 ../altri/w.png -o "
                 "../altri/$f.$w.webp || exit 1; done; done");
   });
-  tell(("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp").c_str(), {ours, theirs},
-       0.8);
+  tell(("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp").c_str(),
+       {ours, theirs * count / sample}, 0.8);
   tell("the same once more, beside the first time", {again, ours}, 0.05);
 }
 
@@ -291,7 +303,7 @@ void makeShop(const std::string& folder, int articles, int usedPictures) {
   if (!catalogue || !catalogue->execute(rows)) std::abort();
 }
 
-void measureShop(const std::string& folder, bool isQuick) {
+void measureShop(const std::string& folder, bool isQuick, const Parts& parts) {
   const int pictures = isQuick ? 1'000 : 10'000;
   makeShop(folder, isQuick ? 10'000 : 100'000, pictures * 9 / 10);
   BenchUser user;
@@ -301,21 +313,32 @@ void measureShop(const std::string& folder, bool isQuick) {
   session.ShopFolder = folder + "/shop";
   if (!kv::writeBytes(folder + "/app/serverpath.net", session.ShopFolder + "\r\n")) std::abort();
   if (kv::CaricaNegozio(session, env) != kv::LoadResult::Opened) std::abort();
-  measurePurge(session.catalogue, folder, pictures);
-  measureExport(session, env, user, folder);
+  if (parts.contains("purge")) measurePurge(session.catalogue, folder, pictures);
+  if (parts.contains("export")) measureExport(session, env, user, folder);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  const bool isQuick = count > 1 && std::string_view(arguments[1]) == "--quick";
+  bool isQuick = false;
+  Parts parts;
+  for (int i = 1; i < count; ++i) {
+    if (std::string_view(arguments[i]) == "--quick") {
+      isQuick = true;
+    } else {
+      parts.insert(arguments[i]);
+    }
+  }
+  if (parts.empty()) parts = {"memory", "reduction", "files", "light", "purge", "export"};
   const kv::bench::FreshFolder folder;
   std::printf("%-58s %10s %10s\n", "", "ours", "theirs");
-  measureMemory(folder.path());
-  const kv::cDIBSection photo = detailed(photoSize.width, photoSize.height);
-  measureReduction(photo);
-  measureFileToFile(photo, folder.path());
-  measureLight(folder.path(), isQuick ? 10 : 200);
-  measureShop(folder.path(), isQuick);
+  if (parts.contains("memory")) measureMemory(folder.path());
+  if (parts.contains("reduction") || parts.contains("files")) {
+    const kv::cDIBSection photo = detailed(photoSize.width, photoSize.height);
+    if (parts.contains("reduction")) measureReduction(photo);
+    if (parts.contains("files")) measureFileToFile(photo, folder.path());
+  }
+  if (parts.contains("light")) measureLight(folder.path(), isQuick ? 10 : 200);
+  if (parts.contains("purge") || parts.contains("export")) measureShop(folder.path(), isQuick, parts);
   return 0;
 }
