@@ -263,6 +263,20 @@ TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
   EXPECT_EQ(test::valueOf(readBytes(joinPath(shop, "work/casa_0001.jpg"))), jpeg);
 }
 
+TEST_F(ThePictureDialog, AFileWhoseNameIsNoTextIsTakenAsAnyOther) {
+  ASSERT_TRUE(copyFile(pictures + "/piccola.png", pictures + "/\xFF\xE8.png"));
+  ASSERT_TRUE(copyFile(pictures + "/piccola.png", shop + "/work/\xFFz.png"));
+  makeDialog();
+  files().setCurrentRow(files().count() - 1);
+  EXPECT_EQ(size(), "20 x 10");
+  control<QTabWidget>(*dialog, "tabOrigine")->setCurrentIndex(1);
+  auto* own = control<QListWidget>(*dialog, "lstNegozio");
+  own->setCurrentRow(own->count() - 1);
+  EXPECT_EQ(size(), "20 x 10");
+  click(*dialog, "cmdOk");
+  EXPECT_EQ(dialog->tag(), "_z_0001.png") << "no row names a file that no page could";
+}
+
 TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {
   makeDialog();
   choose("Larga.png");

@@ -85,6 +85,23 @@ TEST_F(ChoosingAPicture, OneOfTheShopIsTakenByItsNameAndNotCopied) {
   EXPECT_EQ(inWork(), (std::vector<std::string>{"larga_0007.jpg"}));
 }
 
+TEST_F(ChoosingAPicture, OneOfTheShopWhoseNameNoPageCanGiveIsCopiedUnderOneOfItsOwn) {
+  for (const char* name : {"a\nb.jpg", "c\"d.jpg", "\xFF\xE8.jpg", "\u0444.jpg"}) {
+    ASSERT_TRUE(copyFile(small, joinPath(work, name)));
+    PictureChoice chosen = choice();
+    chosen.tab = PictureTab::Shop;
+    const auto taken = chosen.accept(joinPath(work, name));
+    EXPECT_EQ(taken, uniquePictureName(root / "niente", name, false)) << name;
+    EXPECT_EQ(readBytes(joinPath(work, taken.value_or(""))).value_or(""), readBytes(small).value()) << name;
+  }
+  ASSERT_TRUE(copyFile(small, work + "/Città €.jpg"));
+  PictureChoice chosen = choice();
+  chosen.tab = PictureTab::Shop;
+  EXPECT_EQ(chosen.accept(work + "/Città €.jpg"), "Città €.jpg");
+  ASSERT_TRUE(writeBytes(work + "/rotta.jpg", "testo"));
+  EXPECT_EQ(chosen.accept(work + "/rotta.jpg"), "rotta.jpg") << "that it can't be read changes nothing";
+}
+
 TEST_F(ChoosingAPicture, TheSettingsAreStoredByOkAlone) {
   PictureChoice chosen = choice();
   chosen.values.path = root.path();

@@ -30,11 +30,14 @@ std::string locationOf(QStandardPaths::StandardLocation location) {
 
 void fill(QListWidget& list, const std::vector<std::string>& names) {
   list.clear();
-  for (const std::string& name : names) list.addItem(toQt(name));
+  for (const std::string& name : names) {
+    auto* item = new QListWidgetItem(toQt(name), &list);
+    item->setData(Qt::UserRole, QByteArray::fromStdString(name));  // a name that is no text isn't shown as it is
+  }
 }
 
-std::string currentName(const QListWidget& list) {
-  return list.currentItem() == nullptr ? std::string() : fromQt(list.currentItem()->text());
+std::string nameOf(const QListWidgetItem* item) {
+  return item == nullptr ? std::string() : item->data(Qt::UserRole).toByteArray().toStdString();
 }
 
 }  // namespace
@@ -97,7 +100,7 @@ QWidget* frmImmagine::makeDiskTab() {
     if (fromQt(txtCartella_->text()) != folder_.path) openFolder(fromQt(txtCartella_->text()));
   });
   connect(lstCartelle_, &QListWidget::itemActivated, this,
-          [this](const QListWidgetItem* item) { openFolder(joinPath(folder_.path, fromQt(item->text()))); });
+          [this](const QListWidgetItem* item) { openFolder(joinPath(folder_.path, nameOf(item))); });
   connect(lstFile_, &QListWidget::currentRowChanged, this, &frmImmagine::showPreview);
   connect(lstFile_, &QListWidget::itemDoubleClicked, this, &frmImmagine::accepted);
   return page;
@@ -183,7 +186,7 @@ void frmImmagine::browse() {
 
 std::string frmImmagine::selected() const {
   const bool isOfDisk = choice_.tab == PictureTab::Disk;
-  const std::string name = currentName(isOfDisk ? *lstFile_ : *lstNegozio_);
+  const std::string name = nameOf((isOfDisk ? lstFile_ : lstNegozio_)->currentItem());
   return name.empty() ? name : joinPath(isOfDisk ? folder_.path : choice_.folder(), name);
 }
 

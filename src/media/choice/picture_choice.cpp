@@ -50,7 +50,7 @@ const PixelBuffer& PictureChoice::turnedPicture(const std::string& path) {
 
 // A photo of twelve megapixels takes 36 MB: it is lent to the bitmap rather than copied.
 PicturePreview PictureChoice::preview(const std::string& path) {
-  const bool isTaken = tab == PictureTab::Shop && !edits.any();
+  const bool isTaken = tab == PictureTab::Shop && !edits.any() && canBeNamed(baseName(path));
   const PixelBuffer& turned = turnedPicture(path);
   if (turned.isEmpty()) return {isTaken ? PictureMode::OfShop : PictureMode::Unreadable, {}, {}, false};
   cDIBSection whole;

@@ -21,7 +21,7 @@ enum class PictureMode {
   Unreadable = 0,  ///< nothing: the file is no picture that can be read
   AsItIs = 1,      ///< copy the file
   Reduced = 2,     ///< write the reduced copy as a JPEG
-  OfShop = 3       ///< take its name; the file is there already
+  OfShop = 3       ///< take its name; the file is there already, under a name that pages can give
 };
 
 /// A picture as the dialog shows it.
@@ -60,7 +60,8 @@ class PictureChoice {
   ImageSize copySize(ImageSize size) const { return reduces() ? fittedSize(size, values.limits) : size; }
 
   /// Reads a file, edited, and reduced when it is larger than the box; of the shop's tab the mode is OfShop unless the
-  /// picture was edited. The last file is kept in memory: it is decoded once for all that is tried on it.
+  /// picture was edited or has no name that pages can give: it is copied then. The last file is kept in memory: it is
+  /// decoded once for all that is tried on it.
   PicturePreview preview(const std::string& path);
   /// The whole picture as it was turned, before anything is cut off; none when the file can't be read. It holds until
   /// another file or turn is asked for.

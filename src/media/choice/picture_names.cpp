@@ -95,6 +95,11 @@ std::string uniquePictureName(const std::string& folder, std::string_view source
   }
 }
 
+bool canBeNamed(std::string_view name) {
+  const auto isHarmful = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '"'; };
+  return std::ranges::none_of(name, isHarmful) && fromWindows1252(toWindows1252(name)) == name;
+}
+
 std::vector<std::string> pictureFiles(const std::string& folder) {
   std::vector<std::string> names = listFiles(folder, "*");
   std::erase_if(names, [](const std::string& name) {

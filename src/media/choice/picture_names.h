@@ -14,6 +14,9 @@ namespace kv {
 /// count on to a name that is free.
 std::string uniquePictureName(const std::string& folder, std::string_view source, bool forceJpg);
 
+/// Whether catalogue and pages can name a file so: Windows-1252 without line ends, other control characters and quotes.
+bool canBeNamed(std::string_view name);
+
 /// Names of the files of a folder that can be chosen: GIF, JPEG, PNG and WebP by their extensions; sorted.
 std::vector<std::string> pictureFiles(const std::string& folder);
 
