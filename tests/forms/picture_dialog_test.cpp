@@ -144,6 +144,17 @@ TEST_F(ThePictureDialog, AnUnreadableFileHasNoPreviewAndNoTag) {
   EXPECT_EQ(dialog->tag(), "");
 }
 
+TEST_F(ThePictureDialog, OneTooLargeToBeReadSaysSoBelowTheEmptyPreviewAndTheDialogStays) {
+  ASSERT_TRUE(writeBytes(pictures + "/enorme.gif", "GIF89a\x60\xEA\x60\xEA" + std::string(3, '\0')));
+  makeDialog();
+  choose("enorme.gif");
+  EXPECT_TRUE(size().starts_with("L'immagine \"enorme.gif\" è di 60000 x 60000 punti, in tutto")) << size();
+  test::keepPicture(*dialog, "immagine-enorme");
+  click(*dialog, "cmdOk");
+  EXPECT_TRUE(dialog->isVisible());
+  EXPECT_EQ(user.texts(), std::vector<std::string>{size()});
+}
+
 TEST_F(ThePictureDialog, FoldersAreOpenedByEnterAndUpAgain) {
   makeDialog();
   auto* folders = control<QListWidget>(*dialog, "lstCartelle");

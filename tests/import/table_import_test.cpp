@@ -315,6 +315,15 @@ TEST_F(TableImport, RefusesTheRowOfAPictureThatIsTooWideUnlessItIsReduced) {
   EXPECT_NE(planned.rows[1].reason, "");
 }
 
+TEST_F(TableImport, RefusesTheRowOfAPictureThatIsTooLargeToBeReadUnlessTheShopHasIt) {
+  const std::string large = "GIF89a\xF0\x55\xF0\x55" + std::string(3, '\0');  // 22000 by 22000
+  ASSERT_TRUE(writeBytes(root / "enorme.gif", large) && writeBytes(joinPath(shop, "work/nostra.gif"), large));
+  table.fitsPictures = true;
+  const TablePlan planned = plan("codice;immagine0;titolo\nT-1;enorme.gif;A\nT-2;nostra.gif;B\n");
+  EXPECT_EQ(planned.rows[0].reason, "l'immagine \"enorme.gif\" ha più di 64 milioni di punti");
+  EXPECT_EQ(planned.rows[1].reason, "");
+}
+
 TEST_F(TableImport, RemembersTheColumnsOfASheetByItsHeaders) {
   const std::vector<std::string> headers{"Cod", "Descr.", "Euro"};
   auto columns = sheetTable(session.catalogue, 1, "articoli");

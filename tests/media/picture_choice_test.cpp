@@ -184,5 +184,34 @@ TEST_F(ChoosingAPicture, ASideTheCatalogueCannotHoldIsRefusedByNameUnlessItIsRed
   EXPECT_EQ(choice(false).accept(wide), "striscia_0002.jpg");
 }
 
+/// The start of a GIF, which holds its size, and no picture.
+std::string gifOfSize(int width, int height) {
+  std::string start = "GIF89a";
+  for (const int side : {width, height}) (start += static_cast<char>(side % 256)) += static_cast<char>(side / 256);
+  return start + std::string(3, '\0');
+}
+
+TEST_F(ChoosingAPicture, OneTooLargeToBeReadIsToldWithItsSizeAndTheLimit) {
+  const std::string huge = root / "enorme.gif", film = root / "film.jpg";
+  ASSERT_TRUE(writeBytes(huge, gifOfSize(60000, 60000)));
+  ASSERT_TRUE(copyFile(small, film));
+  std::filesystem::resize_file(film, (std::uintmax_t{300} << 20) + 1);
+  PictureChoice chosen = choice();
+  EXPECT_EQ(chosen.preview(huge).mode, PictureMode::Unreadable);
+  EXPECT_EQ(chosen.accept(huge), std::nullopt);
+  EXPECT_EQ(chosen.accept(film), std::nullopt);
+  EXPECT_EQ(user.shown, (std::vector<test::Shown>{
+                            {"L'immagine \"enorme.gif\" è di 60000 x 60000 punti, in tutto più dei 64 milioni "
+                             "che si possono leggere.\nRidurla con un altro programma prima di sceglierla.",
+                             Icon::Exclamation},
+                            {"L'immagine \"film.jpg\" occupa 301 MB, più dei 256 che si possono "
+                             "leggere.\nRidurla con un altro programma prima di sceglierla.",
+                             Icon::Exclamation}}));
+  ASSERT_TRUE(writeBytes(huge, gifOfSize(8000, 8000)));
+  EXPECT_EQ(chosen.accept(huge), "") << "of the size that is read, but damaged";
+  EXPECT_EQ(user.shown.size(), 2U);
+  EXPECT_TRUE(inWork().empty());
+}
+
 }  // namespace
 }  // namespace kv

@@ -109,6 +109,17 @@ TEST_F(DroppedPictures, OneWithASideTheCatalogueCannotHoldIsToldAndTheOthersAreT
   EXPECT_EQ(pictures(), "a_0001.jpg|40|20|b_0001.jpg|c_0001.jpg|40\n");
 }
 
+TEST_F(DroppedPictures, OneTooLargeToBeReadIsToldAndTheOthersAreTaken) {
+  const std::string huge = joinPath(home.path(), "enorme.gif");
+  ASSERT_TRUE(writeBytes(huge, "GIF89a\x60\xEA\x60\xEA" + std::string(3, '\0')));
+  onArticle();
+  drop(freePictures, {huge, photo("a.jpg")});
+  EXPECT_EQ(user.texts(), std::vector<std::string>{
+                              "L'immagine \"enorme.gif\" è di 60000 x 60000 punti, in tutto più dei 64 milioni che si "
+                              "possono leggere.\nRidurla con un altro programma prima di sceglierla."});
+  EXPECT_THAT(pictures(), HasSubstr("a_0001.jpg|40|20|null|"));
+}
+
 TEST_F(DroppedPictures, WhatComesAfterOneThatCannotBeWrittenIsToldByName) {
   onArticle();
   const std::vector<std::string> files = {photo("a.jpg"), photo("b.jpg"), photo("c.jpg"), photo("d.jpg")};

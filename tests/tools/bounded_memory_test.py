@@ -128,9 +128,10 @@ class Memory(unittest.TestCase):
                    f'Il foglio "{name}" è troppo grande: dividerlo in più fogli')
 
     def test_a_picture_that_says_it_is_huge_is_refused(self):
-        self.check_picture("a.png", png(60000, 60000))
-        self.check_picture("a.jpg", jpeg(65500, 65500))
-        self.check_picture("a.gif", gif(65535, 65535, FRAME[:5] + b"\xff\xff\xff\xff" + FRAME[9:]))
+        limit = "punti, in tutto più dei 64 milioni che si possono leggere"
+        self.check_picture("a.png", png(60000, 60000), text="60000 x 60000 " + limit)
+        self.check_picture("a.jpg", jpeg(65500, 65500), text=limit)
+        self.check_picture("a.gif", gif(65535, 65535, FRAME[:5] + b"\xff\xff\xff\xff" + FRAME[9:]), text=limit)
 
     def test_a_picture_as_large_as_one_may_be_is_refused_without_its_pixels(self):
         self.check_picture("b.png", png(8000, 8000, interlaced=1))

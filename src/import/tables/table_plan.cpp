@@ -183,6 +183,7 @@ class TablePlanner {
     const auto size = shownSize(found->path);
     if (!size) return picture + "non può essere letta";
     // In the shop it stays as it is.
+    if (found->name.empty() && !canBeDecoded(*size)) return picture + "ha più di 64 milioni di punti";
     const bool isReduced = request_.fitsPictures && found->name.empty();
     return isReduced || canBeStored(*size) ? "" : picture + "ha un lato di oltre 32767 punti";
   }

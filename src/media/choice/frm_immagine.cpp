@@ -123,6 +123,7 @@ QWidget* frmImmagine::makeShopTab() {
 QWidget* frmImmagine::makePreview() {
   picAnteprima_ = named(new PictureFrame(), "picAnteprima", "Anteprima");
   lblDimensioni_ = named(new QLabel(), "lblDimensioni");
+  lblDimensioni_->setWordWrap(true);
   auto* side = new QWidget();
   auto* column = new QVBoxLayout(side);
   column->setContentsMargins(0, 0, 0, 0);
@@ -202,11 +203,12 @@ void frmImmagine::showPreview() {
   const PicturePreview shown = path.empty() ? PicturePreview() : choice_.preview(path);
   picAnteprima_->showPicture(shown.picture.pixels());
   chkLuogo_->setVisible(shown.tellsLocation);
-  showSize(shown.picture.Width() > 0 ? shown.size : ImageSize(), baseName(path));
+  const bool isShown = shown.picture.Width() > 0;
+  showSize(isShown ? shown.size : ImageSize(), baseName(path), isShown ? "" : choice_.sizeRefusal(path));
 }
 
-void frmImmagine::showSize(ImageSize size, std::string_view name) {
-  lblDimensioni_->setText(size.width > 0 ? tr("%1 x %2").arg(size.width).arg(size.height) : QString());
+void frmImmagine::showSize(ImageSize size, std::string_view name, std::string_view whyNone) {
+  lblDimensioni_->setText(size.width > 0 ? tr("%1 x %2").arg(size.width).arg(size.height) : toQt(whyNone));
   picAnteprima_->setAccessibleName(tr("Anteprima: ") + toQt(name.empty() ? "nessuna" : name) + QStringLiteral(" ") +
                                    lblDimensioni_->text());
 }

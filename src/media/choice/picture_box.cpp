@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "platform/image/pixels.h"
+
 namespace kv {
 namespace {
 
@@ -57,6 +59,8 @@ bool canBeStored(ImageSize size) {
   constexpr int longestSide = 32767;
   return size.width <= longestSide && size.height <= longestSide;
 }
+
+bool canBeDecoded(ImageSize size) { return std::int64_t{size.width} * size.height <= mostPixels; }
 
 int centredOffset(int frame, int picture) { return picture < frame ? (frame - picture) / 2 : 0; }
 

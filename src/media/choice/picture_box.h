@@ -40,6 +40,8 @@ std::optional<int> limitOf(std::string_view text);
 ImageSize fittedSize(ImageSize size, ImageSize limits);
 /// Whether the columns of the sizes hold both sides: 32767 pixels at most.
 bool canBeStored(ImageSize size);
+/// Whether a picture of this size is decoded: mostPixels at most.
+bool canBeDecoded(ImageSize size);
 
 /// Pixels left of a picture of this width in the middle of a frame; 0 when it fills the frame. Heights likewise.
 int centredOffset(int frame, int picture);

@@ -19,6 +19,20 @@ std::string refusedSize(std::string_view path, ImageSize size) {
          " punti, e nessun lato può superare 32767 punti.\nRidurla prima di sceglierla, o farla adattare alle misure.";
 }
 
+/// Why a picture of this size, 0 by 0 when it isn't known, is too large to be decoded; empty when nothing says so.
+std::string refusedToRead(const std::string& path, ImageSize size) {
+  constexpr unsigned toMebibytes = 20;
+  constexpr std::string_view advice = " che si possono leggere.\nRidurla con un altro programma prima di sceglierla.";
+  const std::string picture = "L'immagine \"" + std::string(baseName(path)) + "\" ";
+  if (const auto stamp = fileStamp(path); stamp && stamp->size > mostPictureBytes) {
+    return picture + "occupa " + std::to_string((stamp->size >> toMebibytes) + 1) + " MB, più dei " +
+           std::to_string(mostPictureBytes >> toMebibytes) + std::string(advice);
+  }
+  if (canBeDecoded(size)) return {};
+  return picture + "è di " + std::to_string(size.width) + " x " + std::to_string(size.height) +
+         " punti, in tutto più dei " + std::to_string(mostPixels / 1'000'000) + " milioni" + std::string(advice);
+}
+
 Result<> copyWithoutLocation(const std::string& from, const std::string& to) {
   const auto bytes = readBytes(from);
   if (!bytes) return fail(bytes.error());
@@ -83,7 +97,9 @@ bool PictureChoice::takeLimit(std::string_view text, int& limit) {
 }
 
 std::string PictureChoice::sizeRefusal(const std::string& path) const {
-  return refusedSize(path, copySize(shownSize(path).value_or(ImageSize{})));
+  const ImageSize size = shownSize(path).value_or(ImageSize{});
+  std::string refusal = tab == PictureTab::Disk ? refusedToRead(path, size) : "";
+  return refusal.empty() ? refusedSize(path, copySize(size)) : refusal;
 }
 
 Result<std::string> PictureChoice::bringIn(const std::string& path, const PicturePreview& preview) const {
@@ -105,12 +121,14 @@ Result<std::string> PictureChoice::bringIn(const std::string& path, const Pictur
 std::optional<std::string> PictureChoice::accept(const std::string& path) {
   decoded_ = {};  // the file may have changed since it was shown
   const PicturePreview shown = preview(path);
-  if (shown.mode == PictureMode::Unreadable) return std::string();
+  const bool isUnreadable = shown.mode == PictureMode::Unreadable;
   const ImageSize size = shown.size.width > 0 ? shown.size : shownSize(path).value_or(ImageSize{});
-  if (const std::string refusal = refusedSize(path, size); !refusal.empty()) {
+  if (const std::string refusal = isUnreadable ? refusedToRead(path, size) : refusedSize(path, size);
+      !refusal.empty()) {
     user_.message(refusal, Icon::Exclamation);
     return std::nullopt;
   }
+  if (isUnreadable) return std::string();
   auto name = bringIn(path, shown);
   if (!name) {
     user_.message(failureText(name.error(), baseName(path)), Icon::Critical);

@@ -67,8 +67,8 @@ class PictureChoice {
   /// another file or turn is asked for.
   const PixelBuffer& turnedPicture(const std::string& path);
 
-  /// Why OK would refuse a file that is not edited: a side of its copy would be longer than 32767 pixels. Empty when
-  /// none is, or the file can't be read.
+  /// Why OK would refuse a file that is not edited: it has more bytes or pixels than are read, or a side of its copy
+  /// would be longer than 32767 pixels. Empty when none is so, or the file is no picture.
   std::string sizeRefusal(const std::string& path) const;
 
   /// A limit's field is left: takes the number over and is true, or says that it must be from 5 to 270 and is false;
@@ -77,8 +77,8 @@ class PictureChoice {
   bool leaveHeight(std::string_view text) { return takeLimit(text, values.limits.height); }
 
   /// OK: brings the picture into the image folder, stores the settings and gives its name there; an empty text when the
-  /// file can't be read. Nothing, after a message, when the picture couldn't be written, or a side of it would be
-  /// longer than 32767 pixels: the dialog stays. No file of the folder is ever replaced, and none is left half written.
+  /// file can't be read. Nothing, after a message, when the picture couldn't be written or is too large (sizeRefusal):
+  /// the dialog stays. No file of the folder is ever replaced, and none is left half written.
   std::optional<std::string> accept(const std::string& path);
 
  private:
