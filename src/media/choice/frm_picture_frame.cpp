@@ -53,8 +53,8 @@ void PictureFrame::markPart(const PixelPart& part) {
 QRect PictureFrame::pictureRect() const {
   const QSize size = pixmap().size();
   const QRect room = contentsRect();
-  return {room.x() + (room.width() - size.width()) / 2, room.y() + (room.height() - size.height()) / 2, size.width(),
-          size.height()};
+  return {room.x() + centredOffset(room.width(), size.width()), room.y() + centredOffset(room.height(), size.height()),
+          size.width(), size.height()};
 }
 
 PixelPoint PictureFrame::pointAt(QPoint position) const {
