@@ -115,6 +115,7 @@ TEST_F(ThePictureDialog, ALimitOutOfRangeGoesBackAndKeepsTheFocus) {
   type("txtLarghezza", "271");
   EXPECT_EQ(user.texts(), (std::vector<std::string>{"Specificare un numero compreso fra 5 e 270"}));
   EXPECT_EQ(field("txtLarghezza").text(), "180");
+  EXPECT_TRUE(field("txtLarghezza").hasFocus());
   type("txtLarghezza", "1a0-0");
   EXPECT_EQ(field("txtLarghezza").text(), "100") << "only digits pass";
   EXPECT_EQ(size(), "100 x 50") << "the preview follows";
@@ -286,6 +287,28 @@ TEST_F(ThePictureDialog, AFileWhoseNameIsNoTextIsTakenAsAnyOther) {
   EXPECT_EQ(size(), "20 x 10");
   click(*dialog, "cmdOk");
   EXPECT_EQ(dialog->tag(), "_z_0001.png") << "no row names a file that no page could";
+}
+
+TEST_F(ThePictureDialog, IsUsedByTheKeyboardAlone) {
+  makeDialog();
+  const auto tabTo = [&](const char* name) {
+    for (int i = 0; i < 40 && dialog->focusWidget()->objectName() != name; ++i) {
+      QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+    }
+    ASSERT_EQ(dialog->focusWidget()->objectName(), name);
+  };
+  tabTo("lstFile");
+  QTest::keyClicks(&files(), QStringLiteral("la"));
+  EXPECT_EQ(files().currentItem()->text(), "Larga.png");
+  tabTo("txtLarghezza");
+  QTest::keyClicks(dialog->focusWidget(), QStringLiteral("90"));
+  tabTo("cmdRuotaDestra");
+  EXPECT_EQ(size(), "90 x 45");
+  QTest::keyClick(dialog->focusWidget(), Qt::Key_Space);
+  EXPECT_EQ(size(), "90 x 180");
+  QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+  EXPECT_EQ(dialog->tag(), "larga_0001.jpg");
+  EXPECT_EQ(QImage(toQt(joinPath(shop, "work/larga_0001.jpg"))).size(), QSize(90, 180));
 }
 
 TEST_F(ThePictureDialog, EscapeReturnsNothingAndStoresNothing) {

@@ -98,7 +98,27 @@ TEST(Bitmap, CopyingAsADibIsRefusedInWords) {
   EXPECT_FALSE(cDIBSection().CopyToClipboard(false, user, clipboard));
 }
 
-TEST(Bitmap, RandomBitsAreGreyWhenAsked) {
+TEST(Bitmap, OfAPictureHasItsSizeAndPixels) {
+  cDIBSection bitmap = numbered(4, 4);
+  auto picture = PixelBuffer::create({2, 3});
+  ASSERT_TRUE(picture);
+  picture->row(0)[3] = 77;
+  bitmap.CreateFromPicture(std::move(*picture));
+  EXPECT_EQ(blues(bitmap), "0 77 / 0 0 / 0 0 / ");
+  bitmap.CreateFromPicture({});
+  EXPECT_EQ(bitmap.DIBSectionBitsPtr(), nullptr);
+}
+
+TEST(Bitmap, RandomBitsAreOfEveryColourUnlessAskedToBeGrey) {
+  cDIBSection coloured = numbered(5, 5);
+  coloured.RandomiseBits(false, systemRandom());
+  int differing = 0;
+  for (int x = 0; x < 25; ++x) {
+    const std::uint8_t* const pixel = coloured.pixels().row(x / 5) + std::ptrdiff_t{x % 5} * 3;
+    differing += pixel[0] != pixel[1] || pixel[1] != pixel[2] ? 1 : 0;
+  }
+  EXPECT_GT(differing, 10);
+
   cDIBSection bitmap = numbered(5, 5);
   bitmap.RandomiseBits(true, systemRandom());
   for (int y = 0; y < 5; ++y) {

@@ -60,6 +60,8 @@ class ExportingAShop : public test::ShopFixture {
 };
 
 TEST_F(ExportingAShop, CopiesModelFoldersAndCatalogue) {
+  write(shop + "/firewall.net", "segreto");
+  write(shop + "/kvftp.ini", "passiva");
   ASSERT_EQ(exportWith("OK"), ExportOutcome::Done);
   EXPECT_EQ(copied("new.mdb"), "seme");
   EXPECT_EQ(copied("work/modello.gif"), "del modello") << "the model's pictures end up in every export";
@@ -67,6 +69,8 @@ TEST_F(ExportingAShop, CopiesModelFoldersAndCatalogue) {
   EXPECT_EQ(copied("work/foto/interna.jpg"), "x");
   EXPECT_EQ(copied("db/sql.mdb"), "righe");
   EXPECT_EQ(copied("kvftp.mdb"), "spedizioni");
+  EXPECT_EQ(copied("firewall.net"), "segreto") << "it says so before";
+  EXPECT_EQ(copied("kvftp.ini"), "passiva");
   EXPECT_EQ(read(destination, "SELECT titolo FROM articoli"), "Lampada");
   EXPECT_FALSE(folderExists(destination + "/template"));
   EXPECT_FALSE(folderExists(destination + "/languages"));
@@ -83,12 +87,15 @@ TEST_F(ExportingAShop, CopiesModelFoldersAndCatalogue) {
 
 TEST_F(ExportingAShop, TemplateLanguagesAndTagsGoAlongAndAreTold) {
   write(application + "/languages/italiano.gif", "bandiera");
-  write(application + "/languages/inglese.lng", "no");
+  write(application + "/languages/inglese.lng", "due");
+  write(application + "/languages/tedesco.lng", "no");
+  session.languageNames[1] = "inglese";
+  session.languageCount = 2;
   write(application + "/personal.tag", "<<5-firma>>\r\nMario");
   write(shop + "/shoptag.tag", "<<5-orari>>\r\n9-13");
   ASSERT_EQ(exportWith("OKTLP"), ExportOutcome::Done);
   EXPECT_TRUE(fileExists(destination + "/template/base/modello1.htm"));
-  EXPECT_THAT(listFiles(destination + "/languages", "*"), ElementsAre("italiano.gif", "italiano.lng"));
+  EXPECT_THAT(listFiles(destination + "/languages", "*"), ElementsAre("inglese.lng", "italiano.gif", "italiano.lng"));
   EXPECT_EQ(copied("shoptag.tag"), "<<5-orari>>\r\n9-13\r\n<<5-firma>>\r\nMario\r\n");
   EXPECT_THAT(toldLast(), ::testing::StartsWith(
                               "Nella cartella \"" + destination +
@@ -245,6 +252,7 @@ TEST_F(ExportingAShop, TheApplicationsOwnShopLeavesItsScripts) {
   ASSERT_TRUE(copyTree(application + "/template", shop + "/template"));
   ASSERT_EQ(exportWith("OKS"), ExportOutcome::Done);
   EXPECT_EQ(copied("code/a.php"), "(none)");
+  EXPECT_THAT(toldLast(), ::testing::HasSubstr("\n\nNon sono stati invece esportati eventuali script"));
 }
 
 TEST_F(ExportingAShop, ACancelInTheMiddleLeavesTheFolderEmpty) {

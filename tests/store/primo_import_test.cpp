@@ -39,7 +39,7 @@ class ImportingPrimo : public test::ShopFixture {
     for (const std::string& folder : {shop, source}) {
       for (int zone = 1; zone <= 8; ++zone)
         run(folder, "INSERT INTO zona" + std::to_string(zone) + " (m1sp1) VALUES (5)");
-      run(folder, "INSERT INTO pagamento (metodo1) VALUES ('" + folder + "')");
+      run(folder, "INSERT INTO dettagliop DEFAULT VALUES; INSERT INTO pagamento (metodo1) VALUES ('" + folder + "')");
     }
     run(shop, "UPDATE generale SET url = 'nostro', titolo = 'nostro', scimp = 9, importo = 9, importo3 = 9");
     run(source, "UPDATE generale SET URL = 'loro', titolo = 'loro', sconto = 4, template = 'altro', username = 'x'");
