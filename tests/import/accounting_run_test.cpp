@@ -174,20 +174,7 @@ TEST_F(AccountingRun, AFailureAtAnyStatementLeavesTheCatalogueAsBeforeOrSaysThat
   EXPECT_GT(undone, 10);
 }
 
-class AccountingUndo : public AccountingRun {
- protected:
-  AccountingUndo() : sets(session), history(sets) {
-    session.languageCount = 1;
-    EXPECT_TRUE(sets.bind());
-    history.begin();
-  }
-  ~AccountingUndo() override { history.end(); }
-  AccountingEnd recorded() {
-    return recordedImport(history, [this] { return import(); });
-  }
-  CatalogueSets sets;
-  UndoHistory history;
-};
+using AccountingUndo = RecordedAccounting;
 
 TEST_F(AccountingUndo, AnImportUndoneGivesEqualRows) {
   sql("INSERT INTO articoli (catID, codice, titolo) VALUES ('altro', 'A', 'Mio')");

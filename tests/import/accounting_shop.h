@@ -97,4 +97,20 @@ class AccountingShop : public ::testing::Test {
   AccountingRequest request;
 };
 
+/// The same with a history, in which each import is one step.
+class RecordedAccounting : public AccountingShop {
+ protected:
+  RecordedAccounting() : sets(session), history(sets) {
+    session.languageCount = 1;
+    EXPECT_TRUE(sets.bind());
+    history.begin();
+  }
+  ~RecordedAccounting() override { history.end(); }
+  AccountingEnd recorded() {
+    return recordedImport(history, [this] { return import(); });
+  }
+  CatalogueSets sets;
+  UndoHistory history;
+};
+
 }  // namespace kv::test
