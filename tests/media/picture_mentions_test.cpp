@@ -22,6 +22,7 @@ TEST_F(MentionedPictures, AreFoundInHtmlStylesAndSentences) {
   EXPECT_TRUE(isFound("sfondo.gif", "body { background: url(sfondo.gif) }"));
   EXPECT_TRUE(isFound("foto_0001.jpg", "Il file è foto_0001.jpg."));
   EXPECT_TRUE(isFound("nome.con.punti.png", "a=nome.con.punti.png;"));
+  EXPECT_TRUE(isFound("foto_0001.jpg", "Ecco... e poi. foto_0001.jpg... Fine."));
 }
 
 TEST_F(MentionedPictures, AreWholeNames) {

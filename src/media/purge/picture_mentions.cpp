@@ -19,15 +19,16 @@ constexpr std::array<bool, 256> wordCharacters = [] {
 
 bool isInWord(char c) { return wordCharacters[static_cast<std::uint8_t>(c)]; }
 
-/// The word around a dot; `end` is after it. Folded, and without the point of a sentence.
-std::string wordAround(std::string_view text, std::size_t dot, std::size_t& end) {
+/// The word around a dot; `end` is after it. Without the point of a sentence, and empty when no dot is left then.
+std::string_view wordAround(std::string_view text, std::size_t dot, std::size_t& end) {
   std::size_t begin = dot;
   end = dot + 1;
-  while (begin > 0 && isInWord(text[begin - 1])) --begin;
   while (end < text.size() && isInWord(text[end])) ++end;
-  std::string word = foldCase(text.substr(begin, end - begin));
-  while (word.ends_with('.')) word.pop_back();
-  return word;
+  std::size_t last = end;
+  while (last > dot && text[last - 1] == '.') --last;
+  if (last <= dot) return {};
+  while (begin > 0 && isInWord(text[begin - 1])) --begin;
+  return text.substr(begin, last - begin);
 }
 
 }  // namespace
@@ -45,8 +46,10 @@ void PictureMentions::read(std::string_view text) {
   // A picture's name has a dot, and most texts have none within a word.
   std::size_t end = 0;
   for (std::size_t dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.', end)) {
-    std::string word = wordAround(text, dot, end);
-    if (names_.contains(word)) found_.insert(std::move(word));
+    const std::string_view word = wordAround(text, dot, end);
+    if (word.empty()) continue;  // most dots end a sentence
+    std::string folded = foldCase(word);
+    if (names_.contains(folded)) found_.insert(std::move(folded));
   }
   if (oddNames_.empty()) return;
   const std::string folded = foldCase(text);
