@@ -225,7 +225,7 @@ TEST_F(AccountingRows, ThePreviewTellsEachRowWithTotalsAndWritesNothing) {
   const std::string before = allRows();
   EXPECT_EQ(accountingPreviewText(session, settings, request),
             "Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi, 1 modificati, 0 invariati, 1 tralasciati\n"
-            "nuovo\tdgf7\tVasi\nmodificato\tA\tVaso\t3.50\nnuovo\tB\tTazza\t2.00\n"
+            "nuovo\tdgf7\tVasi\nmodificato\tA\tVaso\t3,50\nnuovo\tB\tTazza\t2,00\n"
             "tralasciato\tC\tFuori\treparto dgf9 mancante\n");
   EXPECT_EQ(allRows(), before);
   EXPECT_FALSE(fileExists(shop + "/og.ini"));

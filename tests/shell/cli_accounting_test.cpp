@@ -64,7 +64,7 @@ TEST_F(AccountingOnTheCommandLine, ADryRunPrintsEachRowAndWritesNothing) {
   EXPECT_EQ(run({"import", shop, source, "--options", "0100003", "--variant", "0", "--dry-run"}), CliOutcome::Done);
   EXPECT_EQ(out.str(),
             "Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi, 0 modificati, 0 invariati, 0 tralasciati\n"
-            "nuovo\tdgf7\tVasi\nnuovo\tOG00042\tVaso\t3.50\n");
+            "nuovo\tdgf7\tVasi\nnuovo\tOG00042\tVaso\t3,50\n");
   EXPECT_EQ(imported(), "");
   EXPECT_FALSE(fileExists(shop + "/og.ini"));
 }

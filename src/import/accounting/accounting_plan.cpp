@@ -194,7 +194,7 @@ class Planner {
   AccountingPlan plan_;
 };
 
-std::string amountText(Money amount) { return formatNumber(amount, "0.00"); }
+std::string amountText(Money amount) { return replaceAll(formatNumber(amount, "0.00"), ".", ","); }
 
 template <class Rows>
 std::size_t countFate(const Rows& rows, RowFate fate) {
