@@ -208,6 +208,7 @@ class TheAccountingImportInTheWindow : public test::WiredWindow {
     if (dialogs == 0) return;
     whenShown(QStringLiteral("Korvane - Importa da Orsa Gestionale"), [this, dialogs](QWidget& dialog) {
       acceptNext(dialogs - 1);
+      QTest::keyClick(&dialog, Qt::Key_F1);
       QTest::keyClick(&dialog, Qt::Key_Return);
     });
   }
@@ -221,6 +222,7 @@ TEST_F(TheAccountingImportInTheWindow, GoesThroughThreeDialogsAndIsOneStepOfUndo
   acceptNext(3);
   ASSERT_TRUE(choose("import.accounting"));
   EXPECT_EQ(user.texts(), (std::vector<std::string>{"Importazione completata"}));
+  EXPECT_EQ(opened, std::vector<std::string>(3, application + "/help/pagine/orsa.htm")) << "F1 in each of them";
   EXPECT_EQ(stored("COUNT(*)", "articoli WHERE codice = 'A1'"), "1");
   EXPECT_EQ(stored("COUNT(*)", "categorie WHERE ID = 'dgf7'"), "1");
   EXPECT_TRUE(counted().ends_with("/" + stored("COUNT(*)", "articoli"))) << counted();

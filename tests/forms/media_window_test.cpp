@@ -41,11 +41,17 @@ class MediaWindow : public WiredWindow {
       const auto found = files->findItems(QString::fromUtf8(name), Qt::MatchExactly);
       EXPECT_EQ(found.size(), 1);
       if (!found.isEmpty()) files->setCurrentItem(found.front());
+      QTest::keyClick(&dialog, Qt::Key_F1);
       QTest::keyClick(&dialog, Qt::Key_Return);
       if (dialog.isVisible()) QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     EXPECT_TRUE(choose("article.picture0.set"));
     processEvents();
+    expectHelp("immagini.htm");
+  }
+  /// F1 of the dialog has opened this page.
+  void expectHelp(const std::string& page) const {
+    EXPECT_EQ(opened, std::vector<std::string>{application + "/help/pagine/" + page});
   }
   std::string picture() {
     return stored("immagine0 || ' ' || COALESCE(imgX0, '') || 'x' || COALESCE(imgY0, '')", "articoli WHERE ID = 7");
@@ -94,9 +100,12 @@ TEST_F(MediaWindow, APictureOfTheShopIsTakenWithoutACopy) {
 TEST_F(MediaWindow, ThePurgeBeginsWithANoticeOfTheFolder) {
   ASSERT_TRUE(writeBytes(joinPath(shop, "work/LOGO.GIF"), "x"));
   openWindow();
-  whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"),
-            [](QWidget& dialog) { QTimer::singleShot(50, &dialog, [&dialog] { dialog.close(); }); });
+  whenShown(QStringLiteral("Korvane - Rimuovi immagini inutilizzate"), [](QWidget& dialog) {
+    QTest::keyClick(&dialog, Qt::Key_F1);
+    QTimer::singleShot(50, &dialog, [&dialog] { dialog.close(); });
+  });
   EXPECT_TRUE(choose("shop.purgePictures"));
+  expectHelp("immagini.htm");
   ASSERT_EQ(user.shown.size(), 2U);
   EXPECT_TRUE(user.shown[0].text.starts_with("Nella cartella delle immagini interne (" + shop + "/work)"));
   EXPECT_EQ(user.shown[1].text, "Ricerca terminata: non sono state trovate immagini inutilizzate");
@@ -150,10 +159,13 @@ TEST_F(MediaWindow, AnExportLeavesTheWindowOnTheShop) {
   ASSERT_TRUE(createFolder(root / "copia"));
   openWindow();
   user.folders = {root / "copia"};
-  whenShown(QStringLiteral("Korvane - Impostazioni esportazione"),
-            [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); });
+  whenShown(QStringLiteral("Korvane - Impostazioni esportazione"), [](QWidget& dialog) {
+    QTest::keyClick(&dialog, Qt::Key_F1);
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  });
   EXPECT_TRUE(choose("shop.export"));
   processEvents();
+  expectHelp("trasferire.htm");
   EXPECT_TRUE(window->isVisible());
   EXPECT_TRUE(session.catalogue.isOpen());
   EXPECT_TRUE(fileExists(root / "copia/catalog.mdb"));
@@ -173,12 +185,14 @@ TEST_F(MediaWindow, AnImportReplacesTheRowsAndShowsThem) {
   user.folders = {source};
   whenShown(QStringLiteral("Korvane - Importazione da negozi Primo"), [](QWidget& dialog) {
     click(dialog, "cmdSfoglia");
+    QTest::keyClick(&dialog, Qt::Key_F1);
     QTest::keyClick(&dialog, Qt::Key_Return);
   });
   whenShown(QStringLiteral("Korvane - Scelta del template"),
             [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
   EXPECT_TRUE(choose("shop.import"));
   processEvents();
+  expectHelp("trasferire.htm");
   EXPECT_TRUE(session.catalogue.isOpen());
   EXPECT_EQ(session.articleCount, 0);
   EXPECT_TRUE(fileExists(shop + "/catalog.000"));

@@ -188,6 +188,11 @@ void FormDialog::addHelp(QDialogButtonBox* buttons, HelpOpener help, std::string
   connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, this, open);
 }
 
+void FormDialog::offerHelp(HelpOpener help, std::string_view page) {
+  auto* buttons = findChild<QDialogButtonBox*>();
+  if (buttons != nullptr) addHelp(buttons, std::move(help), page);
+}
+
 void FormDialog::sizeInCharacters(int columns, int lines) {
   const QFontMetrics metrics = fontMetrics();
   constexpr int titleLines = 3;  // that a window manager may put above

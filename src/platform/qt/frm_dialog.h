@@ -40,6 +40,8 @@ class FormDialog : public QDialog {
   void reject() override;
   /// Shows the dialog until it is closed, with the usual cursor even during work that shows the wait cursor.
   int exec() override;
+  /// Adds a "?" to the row of buttons and the key F1, which open `page`, before the dialog is shown.
+  void offerHelp(HelpOpener help, std::string_view page);
 
  protected:
   /// The dialog is within the screen when it shows, and once more when it has its frame.

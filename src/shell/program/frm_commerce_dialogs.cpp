@@ -8,6 +8,7 @@
 #include "commerce/settings/frm_obbligatori.h"
 #include "commerce/settings/frm_p3p.h"
 #include "commerce/settings/frm_vetrina.h"
+#include "shell/program/frm_dialogs.h"
 #include "shell/workbench/fields/editor_table.h"
 
 namespace kv {
@@ -17,10 +18,6 @@ namespace {
 bool isOk(FormDialog& dialog) {
   dialog.exec();
   return !dialog.tag().empty();
-}
-
-HelpOpener helpOf(frmMain& window) {
-  return [&window](std::string_view page) { window.workbench().openHelp(page); };
 }
 
 /// The department that the window is on, as the dialog of prices needs it.

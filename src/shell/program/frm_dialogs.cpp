@@ -44,11 +44,18 @@ namespace kv {
 namespace {
 
 constexpr int openFailed = 31;
+constexpr std::string_view picturesPage = "pagine/immagini.htm", movingPage = "pagine/trasferire.htm";
 
 /// Runs a dialog and gives its tag, which is empty when it was left.
 std::string run(FormDialog& dialog) {
   dialog.exec();
   return dialog.tag();
+}
+
+/// The same of a dialog with a page of the help.
+std::string run(FormDialog& dialog, frmMain& window, std::string_view page) {
+  dialog.offerHelp(helpOf(window), page);
+  return run(dialog);
 }
 
 /// Runs a dialog; false when it was left.
@@ -63,7 +70,7 @@ Result<> moveToTrash(const std::string& path) {
 void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Environment& env) {
   dialogs.choosePicture = [&](const std::string& current) -> std::optional<std::string> {
     frmImmagine dialog(env.settings, env.user, entryPath(session.ShopFolder, "work"), current, &window);
-    const std::string name = run(dialog);
+    const std::string name = run(dialog, window, picturesPage);
     if (name.empty()) return std::nullopt;
     return name;
   };
@@ -76,7 +83,7 @@ void wirePictures(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
       return ofTemplate ? ofRows : ofTemplate;
     };
     frmPulisciImmagini dialog(std::move(sources), env.user, &window);
-    return isAccepted(dialog);
+    return !run(dialog, window, picturesPage).empty();
   };
 }
 
@@ -84,7 +91,7 @@ void wireExchange(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
   dialogs.exportShop = [&] {
     const ExportDialog options = [&window](const ExportOffer& offer) {
       frmEsporta dialog(offer, &window);
-      return run(dialog);
+      return run(dialog, window, movingPage);
     };
     WatchedUser user(env.user, &window, {"frmEsportazione", exportTitle, "Avanzamento dell'esportazione"});
     Environment watched{user, env.settings, env.clock, env.random, env.applicationFolder, env.hooks};
@@ -93,7 +100,7 @@ void wireExchange(WorkbenchDialogs& dialogs, frmMain& window, Session& session, 
   dialogs.importShop = [&] {
     const auto takeShop = [&] {
       frmImportaPrimo dialog(session, env, &window);
-      const std::string folder = run(dialog);
+      const std::string folder = run(dialog, window, movingPage);
       return folder.empty() ? PrimoOutcome::NotDone : importPrimoShop(session, env, folder);
     };
     const PrimoOutcome outcome = ImportaNegozio(session, env, takeShop);
@@ -155,8 +162,7 @@ void wireWork(WorkbenchDialogs& dialogs, frmMain& window, Session& session, Envi
   };
   dialogs.articleSheet = [&] {
     Workbench& workbench = window.workbench();
-    frmFoglio dialog(
-        workbench, [&window](std::string_view page) { window.workbench().openHelp(page); }, &window);
+    frmFoglio dialog(workbench, helpOf(window), &window);
     const bool changed = isAccepted(dialog);
     if (dialog.jump() == 0) return changed;
     workbench.CambiaLingua(session.currentLanguage);
@@ -191,10 +197,13 @@ void wireDialogs(frmMain& window, Session& session, Environment& env) {
   wireCare(window, session, env);
   env.hooks.CopiaCatalogo = catalogueCopier(env);
   env.hooks.frmTemplate = [&](const std::string& current) {
-    const HelpOpener help = [&window](std::string_view page) { window.workbench().openHelp(page); };
-    frmTemplate dialog(env.applicationFolder, current, help, &window);
+    frmTemplate dialog(env.applicationFolder, current, helpOf(window), &window);
     return run(dialog);
   };
+}
+
+HelpOpener helpOf(frmMain& window) {
+  return [&window](std::string_view page) { window.workbench().openHelp(page); };
 }
 
 DocumentOpener desktopOpener() {

@@ -9,6 +9,9 @@ namespace kv {
 /// catalogue into the hooks of the session. All outlive the window's use.
 void wireDialogs(frmMain& window, Session& session, Environment& env);
 
+/// Opens pages of the help as the commands of the window do.
+HelpOpener helpOf(frmMain& window);
+
 /// Opens files and addresses with the programs of the desktop.
 DocumentOpener desktopOpener();
 
