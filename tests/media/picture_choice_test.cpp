@@ -49,6 +49,28 @@ TEST_F(ChoosingAPicture, OneLargerThanTheBoxIsReduced) {
   EXPECT_EQ(shownSize(work + "/larga_0001.jpg"), (ImageSize{180, 90}));
 }
 
+TEST_F(ChoosingAPicture, APhotoThatTheCameraHeldSidewaysIsUprightWhenItIsReduced) {
+  cDIBSection stored;
+  ASSERT_TRUE(stored.Create(400, 200));
+  const std::size_t row = stored.BytesPerScanLine();
+  for (std::size_t y = 0; y < 200; ++y) std::fill_n(stored.DIBSectionBitsPtr() + y * row, row / 2, std::uint8_t{250});
+  const std::string photo = root / "foto.jpg";
+  ASSERT_TRUE(SaveJPG(stored, photo, 90));
+  // The stored left is the top of what was seen.
+  const std::string note(
+      "\xFF\xE1\x00\x22"
+      "Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0",
+      36);
+  const std::string bytes = readBytes(photo).value();
+  ASSERT_TRUE(writeBytes(photo, bytes.substr(0, 2) + note + bytes.substr(2)));
+  EXPECT_EQ(choice().accept(photo), "foto_0001.jpg");
+  EXPECT_EQ(imageSize(work + "/foto_0001.jpg"), (ImageSize{90, 180})) << "without a turn that is only noted";
+  const auto made = readPixelsOf(work + "/foto_0001.jpg");
+  ASSERT_TRUE(made);
+  EXPECT_GT(made->row(0)[60], 200);
+  EXPECT_LT(made->row(179)[60], 50);
+}
+
 TEST_F(ChoosingAPicture, OneThatFitsIsCopiedAsItIs) {
   PictureChoice chosen = choice();
   EXPECT_EQ(chosen.preview(small).mode, PictureMode::AsItIs);
