@@ -145,15 +145,21 @@ TEST_F(ThePictureDialog, AnUnreadableFileHasNoPreviewAndNoTag) {
   EXPECT_EQ(dialog->tag(), "");
 }
 
-TEST_F(ThePictureDialog, OneTooLargeToBeReadSaysSoBelowTheEmptyPreviewAndTheDialogStays) {
+TEST_F(ThePictureDialog, OneTooLargeToBeReadSaysSoInsteadOfThePreviewAndTheDialogStays) {
   ASSERT_TRUE(writeBytes(pictures + "/enorme.gif", "GIF89a\x60\xEA\x60\xEA" + std::string(3, '\0')));
   makeDialog();
   choose("enorme.gif");
-  EXPECT_TRUE(size().starts_with("L'immagine \"enorme.gif\" è di 60000 x 60000 punti, in tutto")) << size();
+  auto* preview = control<QLabel>(*dialog, "picAnteprima");
+  const std::string said = fromQt(preview->text());
+  EXPECT_TRUE(said.starts_with("L'immagine \"enorme.gif\" è di 60000 x 60000 punti, in tutto")) << said;
+  EXPECT_EQ(fromQt(preview->accessibleDescription()), said);
+  EXPECT_EQ(size(), "");
   test::keepPicture(*dialog, "immagine-enorme");
   click(*dialog, "cmdOk");
   EXPECT_TRUE(dialog->isVisible());
-  EXPECT_EQ(user.texts(), std::vector<std::string>{size()});
+  EXPECT_EQ(user.texts(), std::vector<std::string>{said});
+  choose("Larga.png");
+  EXPECT_EQ(preview->text() + preview->accessibleDescription(), "");
 }
 
 TEST_F(ThePictureDialog, FoldersAreOpenedByEnterAndUpAgain) {

@@ -123,7 +123,6 @@ QWidget* frmImmagine::makeShopTab() {
 QWidget* frmImmagine::makePreview() {
   picAnteprima_ = named(new PictureFrame(), "picAnteprima", "Anteprima");
   lblDimensioni_ = named(new QLabel(), "lblDimensioni");
-  lblDimensioni_->setWordWrap(true);
   auto* side = new QWidget();
   auto* column = new QVBoxLayout(side);
   column->setContentsMargins(0, 0, 0, 0);
@@ -204,11 +203,12 @@ void frmImmagine::showPreview() {
   picAnteprima_->showPicture(shown.picture.pixels());
   chkLuogo_->setVisible(shown.tellsLocation);
   const bool isShown = shown.picture.Width() > 0;
-  showSize(isShown ? shown.size : ImageSize(), baseName(path), isShown ? "" : choice_.sizeRefusal(path));
+  if (!isShown) picAnteprima_->showReason(toQt(choice_.sizeRefusal(path)));
+  showSize(isShown ? shown.size : ImageSize(), baseName(path));
 }
 
-void frmImmagine::showSize(ImageSize size, std::string_view name, std::string_view whyNone) {
-  lblDimensioni_->setText(size.width > 0 ? tr("%1 x %2").arg(size.width).arg(size.height) : toQt(whyNone));
+void frmImmagine::showSize(ImageSize size, std::string_view name) {
+  lblDimensioni_->setText(size.width > 0 ? tr("%1 x %2").arg(size.width).arg(size.height) : QString());
   picAnteprima_->setAccessibleName(tr("Anteprima: ") + toQt(name.empty() ? "nessuna" : name) + QStringLiteral(" ") +
                                    lblDimensioni_->text());
 }

@@ -41,8 +41,7 @@ class frmImmagine final : public FormDialog {
   std::string selected() const;
   void showPreview();
   /// Says how large the copy will be, also to who can't see it; 0 by 0 for no picture.
-  /// whyNone: said where there is no size.
-  void showSize(ImageSize size, std::string_view name, std::string_view whyNone = {});
+  void showSize(ImageSize size, std::string_view name);
   /// Takes over a limit's field, or puts the number that holds back and keeps the focus.
   void leaveLimit(QLineEdit* field, int ImageSize::*side);
   void boxTicked(bool ticked);

@@ -28,6 +28,8 @@ QPixmap pixmapOf(const PixelBuffer& pixels) {
 PictureFrame::PictureFrame(QWidget* parent) : QLabel(parent) {
   setFrameShape(QFrame::StyledPanel);
   setAlignment(Qt::AlignCenter);
+  setTextFormat(Qt::PlainText);
+  setWordWrap(true);
   const int side = frameSide + 2 * frameWidth();
   setFixedSize(side, side);
 }
@@ -35,7 +37,13 @@ PictureFrame::PictureFrame(QWidget* parent) : QLabel(parent) {
 void PictureFrame::showPicture(const PixelBuffer& pixels) {
   whole_ = {};
   setPixmap(pixmapOf(pixels));
+  setAccessibleDescription({});
   unsetCursor();
+}
+
+void PictureFrame::showReason(const QString& why) {
+  if (!why.isEmpty()) setText(why);
+  setAccessibleDescription(why);
 }
 
 void PictureFrame::showPart(const PixelBuffer& whole, const PixelPart& part) {

@@ -15,6 +15,8 @@ class PictureFrame final : public QLabel {
 
   /// Shows a picture alone; one without pixels leaves the frame empty.
   void showPicture(const PixelBuffer& pixels);
+  /// Says in the empty frame why there is no picture; an empty text says nothing.
+  void showReason(const QString& why);
   /// Shows a whole picture with a part of it marked; from now on the mouse draws another part.
   void showPart(const PixelBuffer& whole, const PixelPart& part);
   /// Marks another part of the picture that is shown.
