@@ -253,5 +253,28 @@ TEST(StatementCache, NoMoreThanItsBoundIsKeptAndTheLongestUnusedGoes) {
   engine::giveBack(used);
 }
 
+TEST(StatementCache, WhileItIsPausedNothingIsKept) {
+  const auto connection = valueOf(engine::openMemory());
+  engine::StatementCache& cache = *engine::cacheOf(connection.get());
+  const auto borrowed = [&](const char* text) {
+    sqlite3_stmt* statement = nullptr;
+    EXPECT_EQ(engine::borrow(connection.get(), text, &statement), SQLITE_OK);
+    return statement;
+  };
+  engine::giveBack(borrowed("SELECT 1"));
+  sqlite3_stmt* const inUse = borrowed("SELECT 2");
+  cache.pause();
+  EXPECT_EQ(cache.take("SELECT 1"), nullptr);
+  engine::giveBack(inUse);
+  engine::giveBack(borrowed("SELECT 3"));
+  cache.resume();
+  EXPECT_TRUE(cache.refresh(connection.get()));
+  for (const char* text : {"SELECT 1", "SELECT 2", "SELECT 3"}) EXPECT_EQ(cache.take(text), nullptr) << text;
+  engine::giveBack(borrowed("SELECT 4"));
+  sqlite3_stmt* const kept = cache.take("SELECT 4");
+  EXPECT_NE(kept, nullptr);
+  engine::giveBack(kept);
+}
+
 }  // namespace
 }  // namespace kv::test

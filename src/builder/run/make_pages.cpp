@@ -58,6 +58,7 @@ BuildOutcome endOf(const Result<>& run, BuildOutput& output, UserPort& user) {
 }  // namespace
 
 BuildOutcome MakePages(Session& session, Environment& env, const BuildParts& parts, BuildCounts* counts) {
+  const NoKeptStatements once(session.catalogue);
   BuildOutput output(env.user, siteFolders(session), session.smartBuild);
   BuildProgress progress(env.user);
   const BuildOutcome outcome = endOf(runWithinMemory(session, env, parts, output, progress), output, env.user);

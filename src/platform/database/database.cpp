@@ -122,6 +122,16 @@ Result<> Database::execute(std::string_view sql) {
 
 void Database::askWhileRunning(std::function<bool()> goOn) { engine::askWhileRunning(handle_, std::move(goOn)); }
 
+void Database::keepStatements(bool keeps) {
+  engine::StatementCache* cache = handle_ == nullptr ? nullptr : engine::cacheOf(handle_);
+  if (cache == nullptr) return;
+  if (keeps) {
+    cache->resume();
+  } else {
+    cache->pause();
+  }
+}
+
 std::int64_t Database::changes() const { return sqlite3_changes64(handle_); }
 
 Result<Statement> Database::prepare(std::string_view sql) {

@@ -101,11 +101,27 @@ class Database {
   /// Opens a record set over a table name or a SELECT. It can be edited when the rows come from one table.
   Result<Recordset> openRecordset(std::string_view source);
 
+  /// Whether prepared statements are kept for the next time, as they are at first. False throws away what is kept.
+  void keepStatements(bool keeps);
+
  private:
   friend class ChangeRecorder;
   sqlite3* handle_ = nullptr;
   std::string path_;
   int depth_ = 0;  // of transactions
+};
+
+/// For its lifetime a database keeps no prepared statement for the next time. A run that needs each of them once would
+/// hold a megabyte for nothing: a statement over the wide tables of a catalogue takes up to 150 KB.
+class NoKeptStatements {
+ public:
+  explicit NoKeptStatements(Database& database) : database_(database) { database_.keepStatements(false); }
+  NoKeptStatements(const NoKeptStatements&) = delete;
+  NoKeptStatements& operator=(const NoKeptStatements&) = delete;
+  ~NoKeptStatements() { database_.keepStatements(true); }
+
+ private:
+  Database& database_;
 };
 
 }  // namespace kv

@@ -19,7 +19,7 @@ std::size_t hashOf(std::string_view sql) { return std::hash<std::string_view>()(
 }  // namespace
 
 bool StatementCache::refresh(sqlite3* handle) {
-  if (closed_ || sqlite3_db_name(handle, firstAttached) != nullptr) return false;
+  if (closed_ || paused_ || sqlite3_db_name(handle, firstAttached) != nullptr) return false;
   if (probe_ == nullptr && sqlite3_prepare_v3(handle, probeSql, -1, SQLITE_PREPARE_PERSISTENT, &probe_, nullptr) != 0) {
     return false;
   }
@@ -73,6 +73,11 @@ void StatementCache::clear() {
   idle_.clear();
   lent_.clear();
   shapes_.clear();
+}
+
+void StatementCache::pause() {
+  clear();
+  paused_ = true;
 }
 
 void StatementCache::close() {

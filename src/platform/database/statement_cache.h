@@ -33,7 +33,7 @@ class StatementCache {
   ~StatementCache() { close(); }
 
   /// Throws away what is no longer true. False when nothing may be taken or kept now: a file is attached, the schema
-  /// can't be read (locked, damaged), or the cache is closed.
+  /// can't be read (locked, damaged), or the cache is paused or closed.
   bool refresh(sqlite3* handle);
 
   /// A kept statement of this very text, which is then in use; null when there is none. After refresh().
@@ -48,6 +48,10 @@ class StatementCache {
   /// Keeps a shape that was made since the last refresh().
   void keepShape(std::string_view source, std::shared_ptr<const RecordsetShape> shape);
 
+  /// Throws everything away, and keeps nothing until it is resumed; statements in use are finalized when they are given
+  /// back.
+  void pause();
+  void resume() { paused_ = false; }
   /// Throws everything away for good; statements in use are finalized when they are given back.
   void close();
 
@@ -63,6 +67,7 @@ class StatementCache {
   std::vector<Idle> idle_;           // in the order in which they were given back
   std::vector<sqlite3_stmt*> lent_;  // in use, of the present schema
   std::map<std::string, std::shared_ptr<const RecordsetShape>, std::less<>> shapes_;
+  bool paused_ = false;
   bool closed_ = false;
 };
 
