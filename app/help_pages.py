@@ -14,13 +14,13 @@ import sys
 FRAME = "cornice.htm"
 
 
-def page_of(frame, text, place):
-    """The whole page of a text; place: its path below the folder of help, with slashes."""
+def page_of(frame, text, path):
+    """The whole page of a text; path: its path below the folder of help, with slashes."""
     heading = re.match(r"<h1>([^<]*)</h1>", text)
     if heading is None:
-        raise SystemExit(f"{place}: a page starts with its <h1>")
-    page = frame.replace(f'"{{{{radice}}}}{place}"', f'"{{{{radice}}}}{place}" aria-current="page"')
-    page = page.replace("{{radice}}", "../" * place.count("/")).replace("{{titolo}}", heading[1])
+        raise SystemExit(f"{path}: a page starts with its <h1>")
+    page = frame.replace(f'"{{{{radice}}}}{path}"', f'"{{{{radice}}}}{path}" aria-current="page"')
+    page = page.replace("{{radice}}", "../" * path.count("/")).replace("{{titolo}}", heading[1])
     return page.replace("{{testo}}", text.rstrip("\n"))
 
 
@@ -28,13 +28,13 @@ def main(source, target):
     frame = (source / FRAME).read_text(encoding="utf-8")
     shutil.rmtree(target, ignore_errors=True)
     for file in sorted(source.rglob("*")):
-        place = file.relative_to(source).as_posix()
-        if file.is_dir() or place == FRAME:
+        path = file.relative_to(source).as_posix()
+        if file.is_dir() or path == FRAME:
             continue
-        made = target / place
+        made = target / path
         made.parent.mkdir(parents=True, exist_ok=True)
         if file.suffix == ".htm":
-            made.write_text(page_of(frame, file.read_text(encoding="utf-8"), place), encoding="utf-8")
+            made.write_text(page_of(frame, file.read_text(encoding="utf-8"), path), encoding="utf-8")
         else:
             shutil.copyfile(file, made)
 

@@ -64,7 +64,7 @@ Pair inTurn(const std::function<bool()>& ours, const std::function<bool()>& thei
   }
   return pair;
 }
-void tell(const char* what, const Pair& pair, double bar) {
+void printPair(const char* what, const Pair& pair, double bar) {
   const double ratio = pair.ours / pair.theirs;
   std::printf("%-58s %8.3f s %8.3f s  ratio %5.2f  bar %4.2f  %s\n", what, pair.ours, pair.theirs, ratio, bar,
               verdict(ratio <= bar));
@@ -121,9 +121,9 @@ void measureReduction(const kv::cDIBSection& photo) {
                              [&] { return repeated([&] { plainLoop(photo, theirs); }); });
     const bool areEqual = std::equal(ours.DIBSectionBitsPtr(), ours.DIBSectionBitsPtr() + ours.pixels().byteCount(),
                                      theirs.DIBSectionBitsPtr());
-    tell(size.width < 1000 ? "12 megapixels to 180 x 135, beside a plain loop"
-                           : "12 megapixels to 2000 x 1500, beside a plain loop",
-         pair, 1.0);
+    printPair(size.width < 1000 ? "12 megapixels to 180 x 135, beside a plain loop"
+                                : "12 megapixels to 2000 x 1500, beside a plain loop",
+              pair, 1.0);
     if (!areEqual) std::printf("  the bytes differ: MISSED\n");
   }
 }
@@ -170,7 +170,7 @@ void measureFileToFile(const kv::cDIBSection& photo, const std::string& folder) 
   };
   const std::string convert =
       "convert '" + file + "' -filter triangle -resize '180x135!' -quality 90 '" + work + "/altro.jpg'";
-  tell("a photo from file to file, beside decode, loop and encode", inTurn(ours, plain, photoRounds), 1.05);
+  printPair("a photo from file to file, beside decode, loop and encode", inTurn(ours, plain, photoRounds), 1.05);
   const auto previews = [&](int sizes) {
     kv::MemorySettings settings;
     BenchUser user;
@@ -183,11 +183,11 @@ void measureFileToFile(const kv::cDIBSection& photo, const std::string& folder) 
     }
     return isSeen;
   };
-  tell("three sizes of a photo, beside one",
-       inTurn([&] { return previews(3); }, [&] { return previews(1); }, photoRounds), 1.8);
+  printPair("three sizes of a photo, beside one",
+            inTurn([&] { return previews(3); }, [&] { return previews(1); }, photoRounds), 1.8);
   const std::string vips = "vips resize '" + file + "' '" + work + "/terzo.jpg[Q=90]' 0.045 --kernel linear";
-  tell("a photo from file to file, beside convert", inTurn(ours, [&] { return runs(convert); }), 0.8);
-  tell("a photo from file to file, beside vips resize", inTurn(ours, [&] { return runs(vips); }), 1.0);
+  printPair("a photo from file to file, beside convert", inTurn(ours, [&] { return runs(convert); }), 0.8);
+  printPair("a photo from file to file, beside vips resize", inTurn(ours, [&] { return runs(vips); }), 1.0);
 }
 
 /// As many copies of one photo: what is measured depends on their number and pixels alone.
@@ -220,8 +220,8 @@ void measureLight(const std::string& folder, int count) {
                 "for w in 480 960; do convert $f -resize $w ../altri/w.png && cwebp -quiet -q 80 ../altri/w.png -o "
                 "../altri/$f.$w.webp || exit 1; done; done");
   });
-  tell(("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp").c_str(),
-       {ours, theirs * count / sample}, 0.8);
+  printPair(("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp").c_str(),
+            {ours, theirs * count / sample}, 0.8);
   tell("the same once more, beside the first time", {again, ours}, 0.05);
 }
 
@@ -246,12 +246,13 @@ void measurePurge(kv::Database& catalogue, const std::string& folder, int count)
     }
     return bytes > 0;
   };
-  tell("unused pictures, beside a bare read of the columns", inTurn([&] { return search(false); }, bare), 3);
+  printPair("unused pictures, beside a bare read of the columns", inTurn([&] { return search(false); }, bare), 3);
   const auto texts = [&] {
     std::size_t bytes = 0;
     return kv::readAllTexts(catalogue, [&](std::string_view text) { bytes += text.size(); }) && bytes > 0;
   };
-  tell("the same with what texts name, beside a read of all texts", inTurn([&] { return search(true); }, texts), 3);
+  printPair("the same with what texts name, beside a read of all texts", inTurn([&] { return search(true); }, texts),
+            3);
 }
 
 void measureExport(kv::Session& session, kv::Environment& env, BenchUser& user, const std::string& folder) {
@@ -266,17 +267,17 @@ void measureExport(kv::Session& session, kv::Environment& env, BenchUser& user, 
     return kv::EsportaNegozio(session, env, [&](const kv::ExportOffer&) { return tag; }) == kv::ExportOutcome::Done;
   };
   const std::string other = "'" + folder + "/altra'";
-  tell("an export, beside cp -a",
-       inTurn([&] { return exported("OK"); },
-              [&] { return runs("rm -rf " + other + " && cp -a '" + session.ShopFolder + "' " + other); }),
-       1.3);
-  tell("an export as zip, beside zip -0",
-       inTurn([&] { return exported("OKZ"); },
-              [&] {
-                return runs("cd '" + session.ShopFolder + "' && rm -f " + other + ".zip && zip -0 -q -r " + other +
-                            ".zip .");
-              }),
-       1.2);
+  printPair("an export, beside cp -a",
+            inTurn([&] { return exported("OK"); },
+                   [&] { return runs("rm -rf " + other + " && cp -a '" + session.ShopFolder + "' " + other); }),
+            1.3);
+  printPair("an export as zip, beside zip -0",
+            inTurn([&] { return exported("OKZ"); },
+                   [&] {
+                     return runs("cd '" + session.ShopFolder + "' && rm -f " + other + ".zip && zip -0 -q -r " + other +
+                                 ".zip .");
+                   }),
+            1.2);
 }
 
 /// The model shop with many articles, each with a picture and a description of a kilobyte.

@@ -1,6 +1,6 @@
 <?php
 // What every page of the back office starts with: headers, session, the merchant's access, notices from page to page.
-// The back office may stand anywhere on the host, so it uses no file of the shop's folder: kvcontext.php, kvutf8.php,
+// The back office may be anywhere on the host, so it uses no file of the shop's folder: kvcontext.php, kvutf8.php,
 // kvdati.php, kvdb.php, kvmail.php, kvlimits.php, kvtables.php and kvupgrade.php beside it are copies that the packing of the data
 // makes of the shop's own sources. Its own words and the catalogue's are Windows-1252, those of customers UTF-8: kvHtml and kvHtmlUtf8.
 include_once __DIR__ . '/bo_impostazioni.php';

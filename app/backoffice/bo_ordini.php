@@ -103,7 +103,7 @@ function boOrderLine(array $line): array
         'scorte' => array_map(fn($key) => kvFromUtf8((string) $key), (array) ($line['scorte'] ?? []))];
 }
 
-/** The name of a line as HTML: in the first language, with the customer's words under it where they are others. */
+/** The name of a line as HTML: in the first language, with the customer's words under it where they differ. */
 function boLineName(array $line): string
 {
     $equal = $line['testo'] === $line['prima'] && $line['scelte'] === $line['scelte_prima'];
@@ -184,7 +184,7 @@ function boMoveStock(array $pieces, int $direction): bool
  */
 function boChangeState(array $order, string $before, string $after, bool $stock): bool
 {
-    // The tables must stand before the transaction: making one would end it.
+    // The tables must be there before the transaction: making one would end it.
     kvRequireTables();
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     kvRiga('SELECT COUNT(*) FROM kv_annotazioni WHERE ordine = 0');

@@ -6,7 +6,7 @@ include_once "bo_ordini.php";
 
 /** The languages of the words, by code. */
 const BO_LANGUAGES = ['it' => 'Italiano', 'en' => 'Inglese', 'fr' => 'Francese', 'de' => 'Tedesco'];
-/** What every mail begins and ends with, and its subject; the words of the state stand between. */
+/** What every mail begins and ends with, and its subject; the words of the state come between. */
 const BO_FRAMES = [
     'it' => ['Ordine {codice}', "Gentile cliente,\n\n", "\n\nOrdine {codice} del {data}, totale {totale}.\n\nCordiali saluti"],
     'en' => ['Order {codice}', "Dear customer,\n\n", "\n\nOrder {codice} of {data}, total {totale}.\n\nKind regards"],

@@ -72,7 +72,7 @@ function boRowEntry(?array $row): string
 /** Stores one row whose fields went from `before` to `after`; false when the database no longer holds `before`. */
 function boSaveEntry(string $kind, string $key, string $before, string $after): bool
 {
-    // The table must stand before a transaction: making it would end one.
+    // The table must be there before a transaction: making it would end one.
     kvRiga("SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = '-'");
     mysqli_begin_transaction(kvConnection());
     $row = kvRiga('SELECT disponibile, quantita FROM kv_disponibilita WHERE tipo = ? AND chiave = ? FOR UPDATE',

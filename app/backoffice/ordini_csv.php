@@ -19,7 +19,7 @@ function boCsvField(string $text): string
     return '"' . str_replace('"', '""', $text) . '"';
 }
 
-/** The fields of the order form behind the columns of the table: heading => name in the column `dati`. */
+/** The fields of the order form after the columns of the table: heading => name in the column `dati`. */
 const BO_CSV_FIELDS = ['Ragione sociale' => 'RagioneSociale', 'Partita IVA' => 'PartitaIVA', 'Indirizzo' => 'Indirizzo',
     'CAP' => 'CAP', 'Città' => 'Citta', 'Provincia' => 'Provincia', 'Paese' => 'Paese', 'Telefono' => 'Telefono',
     'Note' => 'Note'];

@@ -17,7 +17,7 @@ function boOrderSums(string $from): string
         . ($sums === [] ? '' : '<small>' . implode(', ', $sums) . '</small>');
 }
 
-/** A tile of the page: a heading, what it holds as HTML, and the page behind it. */
+/** A tile of the page: a heading, what it holds as HTML, and the page it leads to. */
 function boTile(string $title, string $html, string $address): string
 {
     return '<li><a href="' . kvHtml($address) . '"><h2>' . kvHtml($title) . '</h2><p>' . $html . '</p></a></li>';

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Renders one drawing: render.sh DRAWING.svg COLOURS.css|- WIDTH OUT.(png|gif|jpg)
-# A PNG keeps what is transparent in the drawing; GIF and JPEG stand on white. The same drawing gives the same bytes.
+# A PNG keeps what is transparent in the drawing; GIF and JPEG are on white. The same drawing gives the same bytes.
 set -eu
 drawing=$1 colours=$2 width=$3 out=$4
 raw="$out.raw.png" map="$out.pnm" few="$out.few.pnm"

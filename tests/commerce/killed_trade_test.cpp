@@ -58,7 +58,7 @@ class KilledTrade : public ShopFixture {
     if (child == 0) {
       ::close(ends[0]);
       out = ends[1];
-      if (CaricaNegozio(session, env) == LoadResult::Opened) tell("open");
+      if (CaricaNegozio(session, env) == LoadResult::Opened) writeLine("open");
       trade();
       ::_exit(1);
     }
@@ -86,7 +86,7 @@ class KilledTrade : public ShopFixture {
     if (size > 0) text.append(piece, static_cast<std::size_t>(size));
     return size > 0;
   }
-  void tell(const std::string& line) const {
+  void writeLine(const std::string& line) const {
     const std::string whole = line + "\n";
     if (::write(out, whole.data(), whole.size()) < 0) ::_exit(2);
   }
@@ -153,9 +153,9 @@ class KilledDialog : public KilledTrade {
       const auto edit = [&] {
         for (int row = 1, rows = 1 + merchant.below(5); row <= rows; ++row) {
           mark(merchant, name + "." + std::to_string(row));
-          tell("row " + name);
+          writeLine("row " + name);
         }
-        tell("closing " + name);
+        writeLine("closing " + name);
         return dialog % 2 == 0;
       };
       const auto ended = isShipping ? rollback.SalvaTabelleSpedizione([&]() -> Result<bool> { return edit(); })
@@ -164,7 +164,7 @@ class KilledDialog : public KilledTrade {
                                             edit() ? std::optional<std::int64_t>(2) : std::optional<std::int64_t>());
                                       });
       if (!ended || (*ended != (dialog % 2 == 0))) ::_exit(4);
-      tell("closed " + name);
+      writeLine("closed " + name);
     }
   }
   static std::map<int, Known> knownOf(const std::vector<std::string>& lines) {
@@ -236,7 +236,7 @@ TEST_F(KilledTrade, OfPricesChangesAllOrNone) {
         change.selection.lists.fill(true);
         change.percentage = std::to_string(percentage(n));
         if (ModificaPrezzi(session.catalogue, change, user) != BulkEnd::Done) ::_exit(3);
-        tell("done " + std::to_string(n));
+        writeLine("done " + std::to_string(n));
       }
     });
     checkOpening();
@@ -263,13 +263,13 @@ TEST_F(KilledTrade, OfReplicationsCopiesAllOrNone) {
       for (int n = 1;; ++n) {
         if (!session.catalogue.execute("UPDATE articoli SET titolo = '" + titleOf(n) + "'")) ::_exit(3);
         if (ReplicaLingue(session.catalogue, {1, 2, {false, false, true, false}}, user) != BulkEnd::Done) ::_exit(4);
-        tell("translated " + std::to_string(n));
+        writeLine("translated " + std::to_string(n));
         ListReplication lists;
         lists.destinations.fill(true);
         lists.destinations[0] = false;
         lists.percentage = std::to_string(n % 50);
         if (ReplicaListino(session.catalogue, lists, user) != BulkEnd::Done) ::_exit(5);
-        tell("done " + std::to_string(n));
+        writeLine("done " + std::to_string(n));
       }
     });
     checkOpening();

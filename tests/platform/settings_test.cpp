@@ -178,9 +178,9 @@ TEST(MemorySettings, KeepValuesAndIgnoreTheCaseOfNames) {
   EXPECT_EQ(settings.get("Other", "path"), "");
 }
 
-class Environment {
+class EnvironmentVariable {
  public:
-  Environment(const char* name, const char* value) : name_(name) {
+  EnvironmentVariable(const char* name, const char* value) : name_(name) {
     const char* const old = std::getenv(name);
     if (old != nullptr) old_ = old;
     if (value != nullptr) {
@@ -189,9 +189,9 @@ class Environment {
       ::unsetenv(name);
     }
   }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-  ~Environment() {
+  EnvironmentVariable(const EnvironmentVariable&) = delete;
+  EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+  ~EnvironmentVariable() {
     if (old_) {
       ::setenv(name_, old_->c_str(), 1);
     } else {
@@ -205,16 +205,16 @@ class Environment {
 };
 
 TEST(UserSettingsPath, FollowsTheEnvironment) {
-  const Environment home("HOME", "/home/anna");
+  const EnvironmentVariable home("HOME", "/home/anna");
   {
-    const Environment config("XDG_CONFIG_HOME", "/etc/anna");
+    const EnvironmentVariable config("XDG_CONFIG_HOME", "/etc/anna");
     EXPECT_EQ(userSettingsPath(), "/etc/anna/korvane/korvane.ini");
   }
   {
-    const Environment config("XDG_CONFIG_HOME", "relative");
+    const EnvironmentVariable config("XDG_CONFIG_HOME", "relative");
     EXPECT_EQ(userSettingsPath(), "/home/anna/.config/korvane/korvane.ini");
   }
-  const Environment config("XDG_CONFIG_HOME", nullptr);
+  const EnvironmentVariable config("XDG_CONFIG_HOME", nullptr);
   EXPECT_EQ(userSettingsPath(), "/home/anna/.config/korvane/korvane.ini");
 }
 

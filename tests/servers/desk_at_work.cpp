@@ -23,9 +23,9 @@ class DeskMerchant final : public UserPort {
  public:
   Answer answer = Answer::No;
 
-  void message(const std::string& text, Icon /*icon*/) override { tell("told", text); }
+  void message(const std::string& text, Icon /*icon*/) override { print("told", text); }
   Answer question(const Question& question) override {
-    tell("asked", question.text);
+    print("asked", question.text);
     return answer;
   }
   std::string chooseFolder(const std::string& /*prompt*/, const std::string& /*initial*/) override { return {}; }
@@ -33,7 +33,7 @@ class DeskMerchant final : public UserPort {
   bool yield() override { return true; }
 
  private:
-  static void tell(const char* how, const std::string& text) {
+  static void print(const char* how, const std::string& text) {
     std::printf("%s\t%s\n", how, replaceAll(text, "\n", "\\n").c_str());
   }
 };

@@ -31,7 +31,7 @@ class KilledHistory : public TreeFixture {
     StepLog log(session.ShopFolder, clock);
     bind();
     history.listen(&log);
-    const auto tell = [&](char what, int step) {
+    const auto writeStep = [&](char what, int step) {
       const std::string line = what + std::to_string(10000 + step);
       if (::write(told, line.data(), line.size()) != static_cast<ssize_t>(line.size())) ::_exit(1);
     };
@@ -41,13 +41,13 @@ class KilledHistory : public TreeFixture {
         return session.catalogue.execute("INSERT INTO articoli (catID, codice) VALUES ('cat001', '" + name + "')");
       });
       if (!added) ::_exit(1);
-      tell('+', step);
+      writeStep('+', step);
       if (chance() % 3 != 0) continue;
       if (!history.undo()) ::_exit(1);
-      tell('-', step);
+      writeStep('-', step);
       if (chance() % 2 != 0) continue;
       if (!history.redo()) ::_exit(1);
-      tell('+', step);
+      writeStep('+', step);
     }
   }
 

@@ -46,7 +46,7 @@ TEST_F(SessionStart, OpensTheShopThatIsNamed) {
   EXPECT_EQ(session.numberFormats, (std::array<std::string, 2>{"0", "0"}));
 }
 
-TEST_F(SessionStart, SettlesItsSettings) {
+TEST_F(SessionStart, WritesTheSettingsThatAreMissing) {
   makeShopIn(application);
   ASSERT_EQ(startSession(session, env), LoadResult::Opened);
   EXPECT_EQ(settings.get("AppIni", "smartbuild"), "1");

@@ -35,6 +35,12 @@ class CheckWords(unittest.TestCase):
         self.assertEqual(self.found("src/a.cpp", 'int behind = f(letter);  // anew\nsay("two blanks"); /* it\nstands */\n'),
                          ['1: "anew"', '2: "blanks"', '3: "stands"'])
 
+    def test_a_function_is_named_after_what_it_does(self):
+        self.assertEqual(self.found("src/a.cpp", 'tell(1); // must(2)\nuser.must(4);\nsay("must(5)");\n'),
+                         ['1: "tell()"', '2: "must()"'])
+        self.assertEqual(self.found("app/a.js", "settle();\n"), ['1: "settle()"'])
+        self.assertEqual(self.found("tools/a.py", "file.tell()\n"), [])
+
     def test_a_comment_inside_a_text_is_part_of_the_text(self):
         self.assertEqual(self.found("src/a.cpp", 'open("http://x", behind); // plain\n'), [])
 

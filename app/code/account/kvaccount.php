@@ -27,7 +27,7 @@ function kvCustomerRow(int $id): ?array
 
 /**
  * The customer's data for the cookie that CaricaDati reads: name=value pairs, percent-coded, joined by "|"; empty for a
- * visitor. A cookie holds about 4000 letters: what would go beyond stays out.
+ * visitor. A cookie holds about 4000 characters: what would go beyond stays out.
  */
 function kvCustomerCookie(int $id): string
 {

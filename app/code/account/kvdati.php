@@ -91,7 +91,7 @@ function kvAnonymizeOrder(array $order): bool
 /** Deletes the customer and what was asked in their name, and makes their orders anonymous: all of it or nothing. */
 function kvDeleteData(array $cliente): bool
 {
-    // The tables must stand before the transaction: making one would end it.
+    // The tables must be there before the transaction: making one would end it.
     kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_recessi WHERE id = 0');
     kvRiga('SELECT COUNT(*) FROM kv_annotazioni WHERE id = 0');
@@ -118,7 +118,7 @@ function kvDeleteData(array $cliente): bool
  */
 function kvRemoveOldOrders(): void
 {
-    // The table must stand before the transaction: making one would end it.
+    // The table must be there before the transaction: making one would end it.
     kvRiga('SELECT COUNT(*) FROM kv_tolti WHERE id = 0');
     mysqli_begin_transaction(kvConnection());
     $rows = kvQuery("SELECT id FROM kv_ordini WHERE email = '' AND cliente = 0 AND nome = ? AND YEAR(creato) < YEAR(NOW()) - "

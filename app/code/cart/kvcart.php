@@ -39,7 +39,7 @@ function kvLineMark(array $entry): string
     return rtrim($entry['id'] . '.' . implode('.', $entry['k']), '.');
 }
 
-/** A text as it is read: without tags, its entities as letters. */
+/** A text as it is read: without tags, its entities as characters. */
 function kvPlainText(?string $html): string
 {
     return trim(preg_replace('/\s+/', ' ', html_entity_decode(strip_tags((string) $html), ENT_QUOTES, 'cp1252')));
@@ -73,9 +73,9 @@ function kvChoices(array $line, array $keys, int $listino): ?array
 }
 
 /**
- * One line worked out from the database; its article's department is set. Amounts in smallest units, weight in
+ * One line computed from the database; its article's department is set. Amounts in smallest units, weight in
  * ten-thousandths, VAT in millionths. `ok` tells that it can be bought, stock left aside; `base` is the price of a
- * piece before the quantity discount `passi`, `importo` behind it; `scorte` are its keys of kv_disponibilita.
+ * piece before the quantity discount `passi`, `importo` after it; `scorte` are its keys of kv_disponibilita.
  */
 function kvCartLine(array $entry, ?array $line): array
 {
@@ -125,7 +125,7 @@ function kvCartLine(array $entry, ?array $line): array
     ] + $empty;
 }
 
-/** The lines of a cart text, worked out; with `massimo` where stock limits a line. Three queries at most. */
+/** The lines of a cart text, computed; with `massimo` where stock limits a line. Three queries at most. */
 function kvCartLines(string $text): array
 {
     global $listino;

@@ -166,9 +166,9 @@ function kvShippingCost(array $data, int $slot, int $goods, int $weight): int
 }
 
 /**
- * Whether the method may be used in the zone. The letters of SpOk belong to the filled slots in the order of the slots;
- * a method fills its slots of all eight zones, and the methods stand without gaps, so the filled slots are the first
- * ones and the letter of a filled slot is the one of its number. Slots behind the letters have no method.
+ * Whether the method may be used in the zone. The characters of SpOk belong to the filled slots in the order of the slots;
+ * a method fills its slots of all eight zones, and the methods come without gaps, so the filled slots are the first
+ * ones and the character of a filled slot is the one of its number. Slots after the characters have no method.
  */
 function kvIsMethodAllowed(array $data, int $slot): bool
 {

@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
 // One article as the pages show it. ViewArt is what each article tag of a template becomes; the row of the article
-// stands in the global $rowArt. Texts that depend on the visitor (prices, marks, the buy link, variants) are made here,
+// is in the global $rowArt. Texts that depend on the visitor (prices, marks, the buy link, variants) are made here,
 // all others are columns of the row. Besides the columns a template may name: prezzo_barrato (the list price, only
 // where a lower one is asked), opzioni (all variant selectors), scaglioni (the quantity discounts in words), correlati
 // (links to the articles of the same group), unitario (the price of a unit), minimo (the lowest price before a
@@ -163,7 +163,7 @@ function VetImmagine(string $file, string $width, string $height): string
     return kvWithLighterPictures('<img src="' . kvHtml($file) . '"' . $sizes . ' alt="" loading="lazy">');
 }
 
-/** A text as an argument between single quotes of a script that stands in the address of a link. */
+/** A text as an argument between single quotes of a script that is in the address of a link. */
 function kvScriptText(string $text): string
 {
     return strtr($text, [
@@ -203,7 +203,7 @@ function kvQuantityStepsText(array $row): string
 }
 
 /**
- * The buy link: stands in an href; its inner quote closes the address. Visitors who may not buy are sent to the
+ * The buy link: it is in an href; its inner quote closes the address. Visitors who may not buy are sent to the
  * registration page instead. What reaches the cart is the article's number, the quantity and the chosen values: names
  * and prices are for scripts of the merchant's own, the cart asks the server for them.
  */

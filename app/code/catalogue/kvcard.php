@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
 // An article as a card of a list and as a page of its own, beyond the tags of kind 2: pictures with their sizes, marks,
-// price, the form that buys, and the structured data of schema.org. The row of the article stands in $rowArt and its
+// price, the form that buys, and the structured data of schema.org. The row of the article is in $rowArt and its
 // department is set, as for ViewArt.
 include_once "kvcart.php";
 include_once "kvnota.php";
@@ -102,7 +102,7 @@ function kvBolli(string $html): string
     return str_replace('class="sconto"', 'class="bollo sconto"', $html);
 }
 
-/** The price asked, the struck list price before it, VAT and second currency behind it. */
+/** The price asked, the struck list price before it, VAT and second currency after it. */
 function kvPrezzo(): string
 {
     $crossedOut = ViewArt('prezzo_barrato');

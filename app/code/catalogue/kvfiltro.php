@@ -148,7 +148,7 @@ function kvChosenSql(string $sql): string
 }
 
 /**
- * The rows of a page of chosen articles: in their order, numbered as they stand there, with the number that each has on
+ * The rows of a page of chosen articles: in their order, numbered as they are there, with the number that each has on
  * its own sub-page in `posto`, and in the cells of a table where the department has one.
  */
 function kvSortChosen(array $rows): array

@@ -61,7 +61,7 @@ function kvSetsSql(bool $one): string
         : "kv_vocaboli$language w INNER JOIN kv_insiemi$language i ON i.parola = w.parola WHERE w.parola LIKE ?");
 }
 
-/** The articles that have a word as a part of a request asks, by points: where it is, and how it stands there. */
+/** The articles that have a word as a part of a request asks, by points: where it is, and in which form. */
 function kvPartSets(string $pattern, string $piece, bool $whole, int $length): ?array
 {
     return kvSetsByPoints(kvSetsSql($whole), [$whole ? $piece : $pattern], fn(string $word, int $rank): int => $rank * 3

@@ -3,7 +3,7 @@
 // Prices of an article for the visitor's listino, in whole numbers throughout.
 //
 // An amount of the database is a count of ten-thousandths. Its way to the price asked is the one of the build: the
-// offer price as it stands, else the list price by the department's factor (which holds the shop's discount); then VAT
+// offer price as it is, else the list price by the department's factor (which holds the shop's discount); then VAT
 // where prices include it. A product with a rate passes through single precision, as in the build.
 // What is shown and charged is a count of the smallest unit shown, hundredths or whole units by the shop's decimals,
 // rounded once, half away from zero. From there on (cart, order, mails) everything counts in that unit: see

@@ -27,7 +27,7 @@ function kvWords(string $text): array
     return array_slice(array_values($long), 0, 8);
 }
 
-/** The expression of a text in which each mark between words is a blank. */
+/** The expression of a text in which each mark between words is a space. */
 function kvWordsExpression(string $field): string
 {
     foreach (str_split(KV_BETWEEN_WORDS) as $mark) {

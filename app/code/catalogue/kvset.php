@@ -8,7 +8,7 @@
 // Besides words kv_insiemi has KV_DEPARTMENT with a number, the articles of that department, and KV_LATE, those whose title
 // has come or changed since the positions were given: they are not where their titles belong.
 
-/** What stands before the number of a department, in the position of a word: no word has this character. */
+/** What comes before the number of a department, in the position of a word: no word has this character. */
 const KV_DEPARTMENT = '/';
 const KV_LATE = '*';
 
@@ -165,7 +165,7 @@ final class KvFound
     }
 
     /**
-     * The positions from which so many articles behind the first `after` are chosen: of each set that they are in its
+     * The positions from which so many articles after the first `after` are chosen: of each set that they are in its
      * positions, how many of those come before, and how many are wanted.
      */
     public function positions(int $count, int $after): array
@@ -177,7 +177,7 @@ final class KvFound
                 $wanted = min($count, $size - $after);
                 $late = kvPositions($bits & $this->late);
                 $inOrder = array_slice(kvPositions($bits & ~$this->late, $after + $wanted), 0, $after + $wanted);
-                // Without late ones each stands where it belongs: those before needn't be read.
+                // Without late ones each is where it belongs: those before needn't be read.
                 $chosen[] = $late === [] ? [array_slice($inOrder, $after), 0, $wanted]
                     : [array_merge($inOrder, $late), $after, $wanted];
                 $count -= $wanted;
@@ -187,7 +187,7 @@ final class KvFound
         return $chosen;
     }
 
-    /** The numbers of so many articles behind the first `after`, in their order. */
+    /** The numbers of so many articles after the first `after`, in their order. */
     public function numbers(int $count, int $after): array
     {
         $chosen = $this->positions($count, $after);

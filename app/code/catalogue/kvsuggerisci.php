@@ -1,6 +1,6 @@
 <?php
 // ***1.0.7***
-// What a visitor may be looking for while they type: the articles whose words begin with what stands in the field, as
+// What a visitor may be looking for while they type: the articles whose words begin with what is in the field, as
 // JSON for js3.js: t (title), u (page), p (price, empty where it is hidden), n (that of a unit), i (picture). The words before the last one
 // are taken as whole; at most eight articles, those with the words in their titles first.
 include "funcs.php";

@@ -2,7 +2,7 @@
 // ***1.0.7***
 // Variants on a page and in the cart. The build wrote each variant as a list of option elements whose value reads
 // <<PRICE>>=WEIGHT#CODE|LABEL and whose text may hold <<importo>>: here the visitor's own difference goes in.
-// In the cart a value is known by a key of six letters made of its code and label in the shop's first language, so that
+// In the cart a value is known by a key of six characters made of its code and label in the shop's first language, so that
 // the cart survives a change of language, of prices and of the order of the values.
 include_once "kvstock.php";
 

@@ -281,7 +281,7 @@ if (!function_exists('mysql_query')) {
     }
 
     /**
-     * The next row by number and by name; false behind the last one and for a failed query. Articles of a department
+     * The next row by number and by name; false after the last one and for a failed query. Articles of a department
      * page come by name alone.
      */
     function mysql_fetch_array($result, int $pattern = MYSQL_BOTH)

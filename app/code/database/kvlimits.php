@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
 // How much one visitor may ask for: attempts are counted in kv_tentativi, under hashes that tell neither address nor
-// account. A merchant whose customers come from one address, as behind some providers, may put a script kvlimiti.php
+// account. A merchant whose customers come from one address, as with some providers, may put a script kvlimiti.php
 // among the shop's pictures, which brings it here: it returns other values by the names of KV_LIMITS.
 
 /** Most attempts within so many minutes. */
@@ -53,7 +53,7 @@ function kvAccountKey(string $where, string $account): string
     return hash('sha256', $where . "\n" . strtolower($account));
 }
 
-/** How many attempts of the last minutes stand under a name. */
+/** How many attempts of the last minutes are noted under a name. */
 function kvAttempts(string $key, int $minutes): int
 {
     return (int) (kvRiga("SELECT COUNT(*) AS n FROM kv_tentativi WHERE chiave = ? AND quando > NOW() - INTERVAL $minutes MINUTE",

@@ -46,7 +46,7 @@ function kvMailOrder(array $order): void
     $attachments = kvDocuments();
     $end = "\r\n" . kvUtf8(($attachments === [] ? '' : "<<4-mail_allegati>>\r\n") . "<<4-mail_recesso>> "
         . kvIndirizzo("kvrecesso.php")) . "\r\n\r\n" . $shop['firma'];
-    // The summary stands within the merchant's words: in HTML it is a table, which cuts them in two.
+    // The summary is within the merchant's words: in HTML it is a table, which cuts them in two.
     $summary = kvMailParagraphs($order['recipient']) . $order['table'] . kvMailParagraphs($order['end'] . $order['notes']);
     $pieces = explode("\1", kvMailText($code, $order['amount'], "\1") . "\r\n\r\n" . $end);
     kvSendMailParts(['to' => $order['email'], 'from' => $shop['email'], 'subject' => $subject,

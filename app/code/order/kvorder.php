@@ -234,13 +234,13 @@ function kvInsertOrder(string $code, array $fields, array $totals, string $data,
 }
 
 /**
- * Stores the order and takes its stock, both or neither. The code is the day and six letters of the form's token, so
+ * Stores the order and takes its stock, both or neither. The code is the day and six characters of the form's token, so
  * that a form stores one order even where sessions don't wait for one another. Result: the code, and whether it is new.
  */
 function kvStoreOrder(array $fields, array $lines, array $totals, string $summary, string $token): array
 {
     $data = kvOrderData($fields, $lines, $totals, kvScale());
-    // The tables must stand before the transaction: making one would end it.
+    // The tables must be there before the transaction: making one would end it.
     kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_disponibilita WHERE tipo = ?', ['-']);
     for ($trial = 0; $trial < 5; $trial++) {

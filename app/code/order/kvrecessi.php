@@ -107,7 +107,7 @@ function kvWithdrawalReceipt(array $order, string $number, array $lines): string
  */
 function kvEnterWithdrawal(int $id, array $choice): ?array
 {
-    // The tables must stand before the transaction: making one would end it.
+    // The tables must be there before the transaction: making one would end it.
     kvRequireTables();
     kvRiga('SELECT COUNT(*) FROM kv_recessi WHERE id = 0');
     mysqli_begin_transaction(kvConnection());

@@ -2,7 +2,7 @@
 // ***1.0.7***
 // The entry of every page: settings, request values, the customer. A page includes it first, and may do so more than
 // once (a page that prints another one): only the first time counts.
-// It leaves behind as globals: the settings of the build ($ivacompresa to $scontoimp), $cliente (0: a visitor),
+// It leaves as globals: the settings of the build ($ivacompresa to $scontoimp), $cliente (0: a visitor),
 // $clienteinattesa, $listino (0 to 9), $scontocliente (percent), $inaccessibile (by listino), $cartdisp, $ordercliente.
 
 if (!defined('KORVANE_SHOP')) {

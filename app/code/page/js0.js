@@ -1,6 +1,6 @@
 // ***1.0.7***
 // The shop's data as the build knows them: currencies, discounts, shipping, required fields. First each as a shop
-// without any has it, then as the build wrote it. The functions that read them stand in js1.js (every page) and js2.js
+// without any has it, then as the build wrote it. The functions that read them are in js1.js (every page) and js2.js
 // (cart and order).
 /* exported totiva, spediva, idnegozio, lingua, aliquotaspese, minimo, qminima, tipopeso, ivacompresa, SpOk, IvaOk, zonainiziale */
 var idnegozio = parseInt("<<1-IDnegozio>>", 10) || 0;

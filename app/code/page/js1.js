@@ -2,7 +2,7 @@
 // What every page of the shop needs: the cart's store, buying, the department menu, the search form, pictures.
 // The cart is one cookie, kvstore_cart and the shop's number: lines joined by "_", in each the article's number, the
 // pieces and the keys of the chosen variant values by slot, joined by "." ("12.3.a1b2c3_45.1"). Names and prices never
-// stand in it: cart and order page have them from the server.
+// are in it: cart and order page have them from the server.
 /* global idnegozio, qminima, autoredirect, checkcookies */
 /* global valuta, valuta2, exch, SecVal, sepmigl, sepdec, PutDec, PutDec2 */
 /* exported Acquista, RepGoTo, SubmitSearchForm, PopupImage, vatInLines, countryName */
@@ -12,7 +12,7 @@ const scale = PutDec === 1 ? 100 : 1;
 
 const cartCookie = "kvstore_cart" + idnegozio;
 const shopAddress = "<<1-perl_shopURL>>";
-/** A cookie holds 4096 letters with its name and marks; the server reads 200 lines. */
+/** A cookie holds 4096 characters with its name and marks; the server reads 200 lines. */
 const maxCartLength = 3900;
 const maxCartLines = 200;
 
@@ -70,7 +70,7 @@ function countCart() {
   });
 }
 
-/** The place of short messages at the foot of the window; it must stand before its text does to be read out. */
+/** The room of short messages at the foot of the window; it must be there before its text to be read out. */
 function noticeElement() {
   let element = document.getElementById("kv-avviso");
   if (!element) {

@@ -12,7 +12,7 @@ function kvHtml(?string $text): string
     return strpos($html, '&amp;#') === false ? $html : preg_replace('/&amp;(#\d{2,7};)/', '&$1', $html);
 }
 
-/** A text of the merchant as HTML: as it stands when it holds tags, else escaped. */
+/** A text of the merchant as HTML: as it is when it holds tags, else escaped. */
 function kvTextHtml(?string $text): string
 {
     return preg_match('/<.*>/s', (string) $text) ? (string) $text : kvHtml($text);
@@ -59,7 +59,7 @@ function kvFinishedPage(string $page): string
 }
 
 /**
- * What a page may load and where it may stand. Pages of the build have scripts and styles in their text, merchants show
+ * What a page may load and which frames may hold it. Pages of the build have scripts and styles in their text, merchants show
  * pictures and films from elsewhere, payment services take forms: the policy forbids all the rest. Source: CSP Level 3.
  */
 const KV_POLICY = "default-src 'self'; script-src 'self' 'unsafe-inline'; style-src 'self' 'unsafe-inline';"
@@ -313,7 +313,7 @@ function kvGoTo(string $page): void
 
 /**
  * The customer of the session: number, listino, personal discount in percent. All 0 for a visitor, and for one who
- * still waits for approval, whose number then stands in $clienteinattesa.
+ * still waits for approval, whose number is then in $clienteinattesa.
  */
 function kvCustomer(): array
 {
@@ -349,7 +349,7 @@ function LoadDatiCliente(): string
 }
 
 /**
- * Whether each line of the visitor's cart can be bought: a letter for each, "1" or "0". The order page doesn't open with
+ * Whether each line of the visitor's cart can be bought: a character for each, "1" or "0". The order page doesn't open with
  * a line that can't: the cart does, which says which one and why.
  */
 function CheckDispCart(): string
@@ -362,7 +362,7 @@ function CheckDispCart(): string
     return $characters;
 }
 
-/** The lines of the visitor's cart as cart and order page need them: JSON that may stand in a script element. */
+/** The lines of the visitor's cart as cart and order page need them: JSON that may be in a script element. */
 function DatiCarrello(): string
 {
     include_once "kvcart.php";

@@ -12,7 +12,7 @@ const KV_ORNAMENTS = ['border', 'align', 'valign', 'bgcolor', 'background', 'cel
 /** A tag in which there is nothing to change, of two attributes at most: no look at its parts is needed. */
 const KV_GOOD_TAG = '/^<(?:\/(?:[abip]|li|ul|ol|h[1-6]|strong|span|div|em|nav)|(?:[abip]|li|ul|ol|h[1-6]|strong|span|div|em|br)'
     . '(?: (href|class|id|title|lang)="[^"<>&]*"(?: (?!\1)(?:href|class|id|title|lang)="[^"<>&]*")?)?)>$/D';
-/** Elements that can't stand within a paragraph. */
+/** Elements that can't be within a paragraph. */
 const KV_BLOCKS = '/<(?:p|div|ul|ol|dl|table|h[1-6]|form|section|article|blockquote|pre|hr|figure|center)\b/i';
 
 /** Text between tags: lone ampersands and angle brackets as references. */
@@ -110,7 +110,7 @@ function kvTesto(?string $text): string
         . "</p>\n";
 }
 
-/** The first words of a text, at most so many letters, for descriptions. */
+/** The first words of a text, at most so many characters, for descriptions. */
 function kvFirstWords(string $text, int $most): string
 {
     $words = html_entity_decode(TestoSemplice($text), ENT_QUOTES, 'cp1252');

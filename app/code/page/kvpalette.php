@@ -1,6 +1,6 @@
 <?php
 // ***1.0.7***
-// The colours of a page. A template has colours of its own and a merchant may put any others in their place; what is
+// The colours of a page. A template has colours of its own and a merchant may use any others instead; what is
 // read must stay readable all the same. From the four colours that reach the pages (0 text, 1 page, 2 links and
 // buttons, 3 panels and borders) come the style sheet's custom properties, each moved towards black or white as little
 // as its contrast asks for. Source of the measures: WCAG 2.1, relative luminance, criteria 1.4.3 (4.5:1 for text) and

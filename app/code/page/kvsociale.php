@@ -33,7 +33,7 @@ function kvSocialData(string $description): string
     return $html;
 }
 
-/** The two letters of the countries of KV_COUNTRIES that most shops deliver to. Source: ISO 3166-1. */
+/** The two-character codes of the countries of KV_COUNTRIES that most shops deliver to. Source: ISO 3166-1. */
 const KV_COUNTRY_CODES = ['Italia' => 'IT', 'Austria' => 'AT', 'Belgio' => 'BE', 'Bulgaria' => 'BG', 'Cechia' => 'CZ', 'Cipro' => 'CY',
     'Croazia' => 'HR', 'Danimarca' => 'DK', 'Estonia' => 'EE', 'Finlandia' => 'FI', 'Francia' => 'FR', 'Germania' => 'DE',
     'Grecia' => 'GR', 'Irlanda' => 'IE', 'Lettonia' => 'LV', 'Lituania' => 'LT', 'Lussemburgo' => 'LU', 'Malta' => 'MT',
@@ -41,7 +41,7 @@ const KV_COUNTRY_CODES = ['Italia' => 'IT', 'Austria' => 'AT', 'Belgio' => 'BE',
     'Spagna' => 'ES', 'Svezia' => 'SE', 'Ungheria' => 'HU', 'Norvegia' => 'NO', 'Regno Unito' => 'GB', 'Svizzera' => 'CH',
     'San Marino' => 'SM'];
 
-/** The country that the order form starts with, by its two letters, and its zone; null when it isn't known. */
+/** The country that the order form starts with, by its code of two characters, and its zone; null when it isn't known. */
 function kvInitialCountry(): ?array
 {
     foreach (kvSelectOptions(<<<'KORVANE_VALORI'

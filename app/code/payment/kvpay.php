@@ -1,6 +1,6 @@
 <?php
 // ***1.0.7***
-// Payment: what the descriptors and scripts of the payment modules share. The order just placed stands in the session
+// Payment: what the descriptors and scripts of the payment modules share. The order just placed is in the session
 // with its server-side total; a module never takes an amount, a merchant's code or a state from the browser.
 // Every service is spoken to in one way, by the names of kvCampiPagamento and the signature of kvFirma, but for Paypal,
 // whose button has names of its own. They are to be matched with the service's own manual. What a service says of a
@@ -33,7 +33,7 @@ function kvDaPagare(): bool
 }
 
 /**
- * What the page behind a payment says. Anybody can open its address, and some services lead here whatever came of the
+ * What the page after a payment says. Anybody can open its address, and some services lead here whatever came of the
  * payment: it says "paid" where the order is known to be.
  */
 function kvEsitoMostrato(string $text): string
@@ -54,7 +54,7 @@ function kvIndirizzo(string $page): string
     return "<<1-perl_shopURL>>/" . $page;
 }
 
-/** The shop's currency for a service whose module doesn't name it: the label when that has three letters, else EUR. */
+/** The shop's currency for a service whose module doesn't name it: the label when that has three characters, else EUR. */
 function kvValutaServizio(): string
 {
     $code = strtoupper(trim((string) $GLOBALS['valuta'][0]));
@@ -99,7 +99,7 @@ function kvFieldsForm(string $address, array $fields): string
     return $form . '<button type="submit">' . kvHtml("<<4-paga_ora>>") . '</button></form>';
 }
 
-/** What the visitor reads instead of a button; the order stands. */
+/** What the visitor reads instead of a button; the order is kept. */
 function kvNoPaymentNotice(): string
 {
     $isPaid = in_array(kvOrdineInCorso()['stato'] ?? '', ['pagato', 'spedito'], true);

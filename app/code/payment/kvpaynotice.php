@@ -55,7 +55,7 @@ function kvRispondi(int $code): void
     die($code === 200 ? 'OK' : 'KO');
 }
 
-/** The order that a service names; its code may stand behind a word: "Ordine 260131-A1B2C3". */
+/** The order that a service names; its code may come after a word: "Ordine 260131-A1B2C3". */
 function kvOrdineNominato(string $name): ?array
 {
     $words = explode(' ', $name);

@@ -52,7 +52,7 @@ function kvArticleWords(array $texts): array
     return $words;
 }
 
-/** Makes the tables of a language anew, to be filled before they take the position of the former ones. The failure. */
+/** Makes new tables of a language, to be filled before they take the position of the former ones. The failure. */
 function kvIndexTables(string $language): string
 {
     $word = 'parola VARCHAR(40) CHARACTER SET utf8mb4 COLLATE utf8mb4_bin NOT NULL';
@@ -131,7 +131,7 @@ function kvCollectWords(array $rows, KvIndexRows $waiting): void
 
 /**
  * Inserts rows, each "(...)", in statements of a size that the server takes; `insert` is INSERT and its table, `rest` what
- * stands after the rows. The failure.
+ * is after the rows. The failure.
  */
 function kvInsertRows(string $insert, iterable $rows, string $rest = ''): string
 {
@@ -191,7 +191,7 @@ function kvWriteWords(KvIndexRows $waiting, string $language): string
         . ' + VALUES(quanti), insieme = CONCAT(insieme, VALUES(insieme))') : $failure;
 }
 
-/** The rows of the articles that `where` chooses, behind a number, as many as are read at a time; null when the server refused. */
+/** The rows of the articles that `where` chooses, after a number, as many as are read at a time; null when the server refused. */
 function kvIndexArticles(array $tables, string $where, int $after): ?array
 {
     list($articles, $cartText) = $tables;
@@ -236,7 +236,7 @@ function kvIsIndexCurrent(string $language): bool
     return (int) ($row['n'] ?? 0) === count($columns);
 }
 
-/** Makes the index of a language anew beside the former one. The failure. */
+/** Rebuilds the index of a language beside the former one. The failure. */
 function kvRebuildIndex(KvLoad $load, array $tables): string
 {
     $failure = kvIndexTables($load->language);
@@ -290,7 +290,7 @@ function kvOrderSets(array $positions, string $table): string
     return $failure;
 }
 
-/** Brings the index up to what a load brings: anew where there is none, else for the articles that differ. The failure. */
+/** Brings the index up to what a load brings: rebuilt where there is none, else for the articles that differ. The failure. */
 function kvUpdateIndex(KvLoad $load): string
 {
     $articles = 'articoli' . $load->language;

@@ -11,7 +11,7 @@ const KV_BATCH = 1048576;
 const KV_WAIT = 15;
 
 /**
- * The opened file behind its head: file, word (that of its first line), end (what ends a statement: the
+ * The opened file after its head: file, word (that of its first line), end (what ends a statement: the
  * separator and the file's line end), separator. Null when there is none or it has no word.
  */
 function kvOpenSql(string $name): ?array
@@ -97,7 +97,7 @@ function kvRunSql(string $statement): string
     return kvSqlFailure($statement);
 }
 
-/** A blank now and then for the caller and for servers between that end a silent answer; the caller trims blanks. */
+/** A space now and then for the caller and for servers between that end a silent answer; the caller trims spaces. */
 function kvSignOfLife(): void
 {
     static $last = null;

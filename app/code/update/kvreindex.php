@@ -3,13 +3,13 @@
 // The index of words (kvindex.php) brought up to what some articles have become: which of them differ from it, and what they
 // change in it. All of it in the transaction of the load.
 
-/** So many articles at least, and one of so many, may be out of their order before positions are given anew. */
+/** So many articles at least, and one of so many, may be out of their order before new positions are given. */
 const KV_LATE_ARTICLES = 1000;
 const KV_LATE_SHARE = 10;
 
 /**
  * The numbers of the articles whose words the index doesn't have as they are in the tables, those gone included; null
- * when there is no index, or when so many of them differ, or are out of their order, that making it anew is less work.
+ * when there is no index, or when so many of them differ, or are out of their order, that to rebuild it is less work.
  */
 function kvDifferingArticles(array $tables, string $language): ?array
 {

@@ -1,6 +1,6 @@
 <?php
 // ***1.0.7***
-// A load that visitors never see. Tables that the files make anew are filled under other names and put in the position
+// A load that visitors never see. Tables that the files rebuild are filled under other names and put in the position
 // of the former ones by one RENAME TABLE; rows that are exchanged in tables which stay are so in one transaction.
 // Whatever fails, and wherever the script is ended, the former catalogue is what visitors read.
 include_once "kvindex.php";
@@ -11,7 +11,7 @@ const KV_OLD = 'kvo_';
 /** Tables of the catalogue that are sent only while they hold a row; a full load without one takes it away. */
 const KV_SOMETIMES = ['kv_unita', 'kv_minimi', 'kv_sicurezza', 'kv_produttori', 'kv_consegna'];
 
-/** The state of a load: the tables to be dropped, those made anew, the numbers of changed articles. */
+/** The state of a load: the tables to be dropped, those rebuilt, the numbers of changed articles. */
 final class KvLoad
 {
     /** @var string[] */

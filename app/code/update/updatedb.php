@@ -1,7 +1,7 @@
 <?php
 // ***1.0.7***
 // Loads the SQL files that came with the last publishing into the database: dbdel.sql, which drops the shop's tables,
-// then db.sql. The caller proves itself with the word that stands behind "#" on the files' first line; the answer is
+// then db.sql. The caller proves itself with the word that is after "#" on the files' first line; the answer is
 // "OK" or a description of what failed. Files that were loaded are removed. With ?w=phpinfo it shows what PHP is here, to
 // whoever has just proven themselves; to all others that there is one.
 include_once "kvutf8.php";

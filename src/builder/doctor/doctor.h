@@ -17,7 +17,7 @@ struct Examination {
 
 /// Examines the open shop. Failures as readDoctorFacts.
 Result<Examination> examineShop(Session& session, const std::string& applicationFolder);
-/// What to tell before a build: "3 avvisi", those left out that a build or a publish settles; empty for none, and when
+/// What to tell before a build: "3 avvisi", those left out that a build or a publish ends; empty for none, and when
 /// the shop can't be examined, of which the build itself tells.
 std::string noticeBeforeBuild(Session& session, const std::string& applicationFolder);
 /// Runs the checks on facts that were read before.

@@ -24,7 +24,7 @@ namespace {
 
 using kv::EditedSet;
 
-void tell(const std::string& line) {
+void writeLine(const std::string& line) {
   const std::string whole = line + "\n";
   if (write(STDOUT_FILENO, whole.data(), whole.size()) != static_cast<ssize_t>(whole.size())) _exit(1);
 }
@@ -57,7 +57,7 @@ class KillableWindow {
   /// The window once it can be typed into. Whatever is over it is sent away; a message is a refusal.
   kv::frmMain* window() {
     if (const QWidget* modal = QApplication::activeModalWidget()) {
-      tell("refused|" + modal->windowTitle().toStdString());
+      writeLine("refused|" + modal->windowTitle().toStdString());
       _exit(3);
     }
     kv::frmMain* found = nullptr;
@@ -108,9 +108,9 @@ class KillableWindow {
     const std::string text = (field.number ? "" : "Testo ") + std::to_string(next_++);
     QTest::keyClicks(into, QString::fromStdString(text));
     const std::string line = std::string(field.table) + "|" + field.column + "|" + keyOf(main, field.set) + "|" + text;
-    tell("leaving|" + line);
+    writeLine("leaving|" + line);
     leave(main, *into);
-    tell("left|" + line);
+    writeLine("left|" + line);
   }
 
   /// By Tab, by the key of a tab, by a row of the tree, by a command.
@@ -134,9 +134,9 @@ class KillableWindow {
     goSomewhere(main);
     main.workbench().selectTab(kv::Tab::Articles);
     main.articles().setFocus();
-    tell("leaving|insert");
+    writeLine("leaving|insert");
     QTest::keyClick(&main.articles(), Qt::Key_I, Qt::ControlModifier);
-    tell("left|articoli|ID|" + keyOf(main, EditedSet::Articoli) + "|" + keyOf(main, EditedSet::Articoli));
+    writeLine("left|articoli|ID|" + keyOf(main, EditedSet::Articoli) + "|" + keyOf(main, EditedSet::Articoli));
   }
 
   QTimer turn_;
