@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <chrono>
 #include <filesystem>
@@ -33,15 +32,6 @@ TEST(MakePagesTest, ADepartmentWithoutArticlesYieldsOneSubPageWithAPageFileAndNo
   EXPECT_EQ(shop.rows("SELECT COUNT(*) FROM articoli"), "0");
   EXPECT_THAT(shop.user.texts(), ElementsAre(doneMessage()));
   EXPECT_EQ(shop.user.shown[0].icon, Icon::Information);
-}
-
-TEST(MakePagesTest, NoStatementOverTheCatalogueIsKeptForANextTimeThatNeverComes) {
-  TempShop shop;
-  shop.department("cat001");
-  ASSERT_EQ(shop.build(), BuildOutcome::Done);
-  const std::int64_t afterwards = sqlite3_memory_used();
-  shop.session.catalogue.keepStatements(false);
-  EXPECT_LT(afterwards - sqlite3_memory_used(), 50'000);  // more than a megabyte was kept
 }
 
 TEST(MakePagesTest, ExactlyTwoHundredArticlesGiveOneSubPageAndOneMoreGivesTwo) {
