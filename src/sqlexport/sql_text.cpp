@@ -88,6 +88,15 @@ char* copyPlain(QuotingState& state, std::size_t end, char* out) {
   return out;
 }
 
+/// Notes a character for the next one. True for the second of CR and LF, which the first has written already.
+bool isSecondOfLineEnd(QuotingState& state, char c) {
+  const char before = state.lineEnd;
+  const bool isLineEnd = c == '\r' || c == '\n';
+  const bool second = isLineEnd && before != 0 && before != c;
+  state.lineEnd = isLineEnd && !second ? c : '\0';
+  return second;
+}
+
 /// Quotes the character at the index of the state.
 template <Quoting quoting>
 char* quoteOne(QuotingState& state, char* out) {
@@ -104,12 +113,8 @@ char* quoteOne(QuotingState& state, char* out) {
   ++state.at;
   char escape = byte < escapes.size() ? escapes[byte] : '\0';
   if constexpr (quoting != Quoting::Binary) {
-    const char before = state.lineEnd;
-    const bool isLineEnd = c == '\r' || c == '\n';
-    const bool second = isLineEnd && before != 0 && before != c;
-    state.lineEnd = isLineEnd && !second ? c : '\0';
-    if (second) return out;
-    if (isLineEnd) escape = 'n';
+    if (isSecondOfLineEnd(state, c)) return out;
+    if (state.lineEnd != 0) escape = 'n';
   }
   if (escape == 0) {
     *out = c;

@@ -32,14 +32,16 @@ std::optional<Money> priceOf(const Statement& row, int column) {
   return row.money(column);
 }
 
+std::string articlesQuery(const PriceSelection& selection, const std::vector<PriceColumn>& columns, OwnerTexts texts) {
+  std::string query = texts == OwnerTexts::Read ? "SELECT ID, codice, titolo" : "SELECT ID, NULL, NULL";
+  for (const PriceColumn& column : columns) query += ", " + column.name;
+  return query + " FROM articoli" + (selection.department.empty() ? "" : " WHERE catID = ?1") + " ORDER BY ID";
+}
+
 Result<> surveyArticles(Database& catalogue, const PriceSelection& selection, OwnerTexts texts, PriceSurvey& survey) {
   const std::vector<PriceColumn> columns = priceColumns(selection);
   if (columns.empty()) return {};
-  std::string query = texts == OwnerTexts::Read ? "SELECT ID, codice, titolo" : "SELECT ID, NULL, NULL";
-  for (const PriceColumn& column : columns) query += ", " + column.name;
-  query += " FROM articoli";
-  if (!selection.department.empty()) query += " WHERE catID = ?1";
-  auto rows = catalogue.prepare(query + " ORDER BY ID");
+  auto rows = catalogue.prepare(articlesQuery(selection, columns, texts));
   if (!rows) return fail(rows.error());
   if (!selection.department.empty()) rows->bind(1, selection.department);
   for (;;) {

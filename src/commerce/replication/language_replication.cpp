@@ -91,31 +91,39 @@ Result<std::int64_t> endOfRange(Statement& ends, std::int64_t from, std::int64_t
   return end;
 }
 
-Result<> replicateRows(Database& catalogue, const ReplicatedTable& table, const std::string& update, UserPort& user) {
-  const std::string name(table.name);
-  auto bounds = catalogue.prepare("SELECT min(rowid), max(rowid), count(*) FROM " + name);
+/// The rows of a table: the first and the last rowid, and how many there are.
+struct RowBounds {
+  std::int64_t first = 0, last = 0, count = 0;
+};
+
+Result<RowBounds> boundsOf(Database& catalogue, const std::string& table) {
+  auto bounds = catalogue.prepare("SELECT min(rowid), max(rowid), count(*) FROM " + table);
   if (!bounds) return fail(bounds.error());
   const auto found = bounds->step();
   if (!found) return fail(found.error());
-  if (!*found || bounds->isNull(0)) return {};
-  std::int64_t from = bounds->integer(0);
-  const std::int64_t last = bounds->integer(1);
-  const auto total = static_cast<double>(bounds->integer(2));
-  bounds->reset();
+  return RowBounds{bounds->integer(0), bounds->integer(1), bounds->integer(2)};
+}
+
+Result<> replicateRows(Database& catalogue, const ReplicatedTable& table, const std::string& update, UserPort& user) {
+  const std::string name(table.name);
+  const auto bounds = boundsOf(catalogue, name);
+  if (!bounds) return fail(bounds.error());
+  if (bounds->count == 0) return {};
+  std::int64_t from = bounds->first;
   // The ends come from the rows: IDs may be far apart.
   auto ends = catalogue.prepare("SELECT rowid FROM " + name + " WHERE rowid >= ?1 ORDER BY rowid LIMIT 1 OFFSET ?2");
   if (!ends) return fail(ends.error());
   auto writer = catalogue.prepare(update);
   if (!writer) return fail(writer.error());
   for (double written = 0;; written += rowsAtOnce) {
-    const auto end = endOfRange(*ends, from, last);
+    const auto end = endOfRange(*ends, from, bounds->last);
     if (!end) return fail(end.error());
     writer->bind(1, from);
     writer->bind(2, *end);
     if (auto done = writer->execute(); !done) return done;
-    user.progress({table.caption, written, total});
+    user.progress({table.caption, written, static_cast<double>(bounds->count)});
     ignore(user.yield(), "the window repaints; the run has no cancel");
-    if (*end >= last) return {};
+    if (*end >= bounds->last) return {};
     from = *end + 1;
   }
 }

@@ -42,13 +42,14 @@ class CsvWalk {
     if (isEndless_) sink_.endless(line);
     if (isEndless_ || !sink_.field(taken)) return false;
     started_ = true;
+    return passFieldEnd();
+  }
+  bool passFieldEnd() {
     if (at_ >= text_.size()) return true;
-    if (text_[at_] == separator_) {
-      ++at_;
-      // A separator at the very end is followed by an empty field.
-      return at_ < text_.size() && !isEndAt(at_) ? true : sink_.field({}) && endAtLineEnd();
-    }
-    return endAtLineEnd();
+    if (text_[at_] != separator_) return endAtLineEnd();
+    ++at_;
+    // A separator at the very end is followed by an empty field.
+    return at_ < text_.size() && !isEndAt(at_) ? true : sink_.field({}) && endAtLineEnd();
   }
   bool endAtLineEnd() {
     if (at_ < text_.size()) passLineEnd();
@@ -164,6 +165,14 @@ bool isFormula(std::string_view text) {
   return !isSigned || text.find_first_not_of("0123456789., ", 1) != std::string_view::npos;
 }
 
+/// The separator that a first line names.
+std::optional<char> namedSeparator(std::string_view text) {
+  if (!startsWithIgnoringCase(text, separatorLine) || text.size() == separatorLine.size()) return std::nullopt;
+  const char named = text[separatorLine.size()];
+  if (std::ranges::find(csvSeparators, named) == csvSeparators.end()) return std::nullopt;
+  return named;
+}
+
 }  // namespace
 
 std::string guardedCsvText(std::string_view text) { return (isFormula(text) ? "'" : "") + std::string(text); }
@@ -178,10 +187,7 @@ bool walkCsv(std::string_view text, char separator, CsvSink& sink, std::optional
 }
 
 char separatorOf(std::string_view text) {
-  if (startsWithIgnoringCase(text, separatorLine) && text.size() > separatorLine.size()) {
-    const char named = text[separatorLine.size()];
-    if (std::ranges::find(csvSeparators, named) != csvSeparators.end()) return named;
-  }
+  if (const auto named = namedSeparator(text)) return *named;
   std::array<std::ptrdiff_t, csvSeparators.size()> counts{};
   bool quoted = false;
   for (const char c : text) {

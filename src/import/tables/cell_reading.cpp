@@ -36,6 +36,11 @@ std::string withoutCurrency(std::string_view text) {
 
 bool isDigitSign(char c) { return c >= '0' && c <= '9'; }
 
+/// Whether so many digits are a group of a number's whole part: three, or at most three before the first sign.
+bool isGroup(std::size_t digits, bool isFirst) {
+  return isFirst ? digits > 0 && digits <= digitsOfGroup : digits == digitsOfGroup;
+}
+
 /// The whole part of a number without the signs between its groups of three; nothing where a group has another size.
 std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
   std::string digits;
@@ -45,15 +50,14 @@ std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
     if (isDigitSign(c)) {
       digits += c;
       ++inGroup;
-    } else if (thousands == '\0' || c != thousands || inGroup == 0 || inGroup > digitsOfGroup ||
-               (hasGroups && inGroup != digitsOfGroup)) {
+    } else if (thousands == '\0' || c != thousands || !isGroup(inGroup, !hasGroups)) {
       return std::nullopt;
     } else {
       hasGroups = true;
       inGroup = 0;
     }
   }
-  if (hasGroups && inGroup != digitsOfGroup) return std::nullopt;
+  if (hasGroups && !isGroup(inGroup, false)) return std::nullopt;
   return digits;
 }
 
@@ -85,21 +89,28 @@ std::int64_t mostOf(ColumnType type) {
   return type == ColumnType::Byte ? byte : type == ColumnType::Int ? small : usual;
 }
 
+/// The index of the one decimal separator between digits, npos where there is none; nothing for any other text.
+std::optional<std::size_t> separatorBetweenDigits(std::string_view digits, char decimalSeparator) {
+  std::size_t separator = std::string_view::npos;
+  for (std::size_t at = 0; at < digits.size(); ++at) {
+    if (isDigitSign(digits[at])) continue;
+    const bool isDecimal = digits[at] == decimalSeparator && separator == std::string_view::npos;
+    if (!isDecimal || at == 0 || at + 1 == digits.size()) return std::nullopt;
+    separator = at;
+  }
+  return separator;
+}
+
 /// A number of digits, a minus before them and a decimal separator between them, with "." for decimals; `kept` holds it
 /// where the text doesn't. Nothing for any other text.
 std::optional<std::string_view> simpleNumber(std::string_view text, char decimalSeparator, std::string& kept) {
   const std::size_t first = text.starts_with('-') ? 1 : 0;
-  std::size_t separator = std::string_view::npos;
-  for (std::size_t at = first; at < text.size(); ++at) {
-    if (isDigitSign(text[at])) continue;
-    const bool isDecimal = text[at] == decimalSeparator && separator == std::string_view::npos;
-    if (!isDecimal || at == first || at + 1 == text.size()) return std::nullopt;
-    separator = at;
-  }
   if (text.size() == first) return std::nullopt;
-  if (separator == std::string_view::npos || decimalSeparator == '.') return text;
+  const auto separator = separatorBetweenDigits(text.substr(first), decimalSeparator);
+  if (!separator) return std::nullopt;
+  if (*separator == std::string_view::npos || decimalSeparator == '.') return text;
   kept = text;
-  kept[separator] = '.';
+  kept[first + *separator] = '.';
   return kept;
 }
 
@@ -186,7 +197,7 @@ bool isNumberField(CellField field) {
 }
 
 std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& signs) {
-  const bool isBare = std::ranges::all_of(text, [](char c) { return isDigitSign(c) || c == '.' || c == ','; });
+  const bool isBare = text.find_first_not_of("0123456789.,") == std::string_view::npos;
   std::string bare = isBare ? std::string(text) : withoutCurrency(text);
   std::string sign;
   if (bare.starts_with('-') || bare.starts_with('+')) {
@@ -201,13 +212,18 @@ std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& 
   return sign + *digits;
 }
 
+std::optional<std::string_view> CellReader::digitsOf(const SheetCell& cell, std::string& kept) const {
+  if (cell.isNumber) return cell.text;
+  if (const auto digits = simpleNumber(cell.text, signs_.decimalSeparator, kept)) return digits;
+  auto number = sheetNumber(cell.text, signs_);
+  if (!number) return std::nullopt;
+  kept = std::move(*number);
+  return kept;
+}
+
 CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cell) const {
   std::string kept;
-  auto digits = cell.isNumber ? std::optional(cell.text) : simpleNumber(cell.text, signs_.decimalSeparator, kept);
-  if (!digits) {
-    auto number = sheetNumber(cell.text, signs_);
-    if (number) digits = kept = std::move(*number);
-  }
+  const auto digits = digitsOf(cell, kept);
   const auto none = [&] { return refused(column.italian + ": " + quoted(cell.text) + " non è un numero"); };
   if (!digits) return none();
   if (!column.isSigned && digits->starts_with('-'))
@@ -316,7 +332,8 @@ std::string CellReader::plain(const TableColumn& column, const SheetCell& cell) 
   }
 }
 
-bool CellReader::isSame(const TableColumn& column, const Statement& row, int index, const SheetCell& cell) const {
+std::optional<bool> CellReader::isSameShown(const TableColumn& column, const Statement& row, int index,
+                                            const SheetCell& cell) const {
   switch (column.field) {
     case CellField::RowKey:
     case CellField::OwnPath:
@@ -332,11 +349,14 @@ bool CellReader::isSame(const TableColumn& column, const Statement& row, int ind
     case CellField::Department:
     case CellField::Variant:
     case CellField::OwnVariant:
-      if (isSameText(shown(column, row, index), cell.text)) return true;
-      break;
+      return isSameText(shown(column, row, index), cell.text) ? std::optional(true) : std::nullopt;
     default:
-      break;
+      return std::nullopt;
   }
+}
+
+bool CellReader::isSame(const TableColumn& column, const Statement& row, int index, const SheetCell& cell) const {
+  if (const auto same = isSameShown(column, row, index, cell)) return *same;
   const CellValue value = read(column, cell);
   if (!value.refusal.empty()) return false;
   if (isNull(value.value) || row.isNull(index)) return isNull(value.value) && row.isNull(index);

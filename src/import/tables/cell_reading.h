@@ -1,7 +1,9 @@
 #pragma once
 // A cell of a sheet as the value of its column, and the value of a column as the text of a cell.
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "import/sheets/csv_text.h"
 #include "import/tables/catalogue_names.h"
@@ -42,6 +44,11 @@ class CellReader {
   std::string keyText(const TableColumn& column, const Statement& row, int index) const;
 
  private:
+  /// The digits of a cell's number with "." for decimals, in `kept` where the cell's own text doesn't have it so.
+  std::optional<std::string_view> digitsOf(const SheetCell& cell, std::string& kept) const;
+  /// Whether a text column, or a flag, has what a cell says; nothing for a column whose values are to be compared.
+  std::optional<bool> isSameShown(const TableColumn& column, const Statement& row, int index,
+                                  const SheetCell& cell) const;
   CellValue readNumber(const TableColumn& column, const SheetCell& cell) const;
   CellValue readText(const TableColumn& column, std::string_view text) const;
   CellValue readNamed(const TableColumn& column, std::string_view text) const;

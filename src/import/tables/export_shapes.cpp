@@ -243,10 +243,7 @@ class ShapedSheet {
   /// Fills a table with the cells. Failures as applyExportShape.
   Result<> fill(CellTable& to, const std::function<bool()>& goOn) {
     last_.assign(columns_.size(), {});
-    for (std::size_t i = 0; i < columns_.size(); ++i) {
-      if (!to.add(i < headers_.size() ? sheet_.cells.cell(0, i).text : columns_[i]->header)) return full();
-    }
-    if (!to.endRow(sheet_.cells.line(0))) return full();
+    if (!fillHeaders(to)) return full();
     for (row_.row = 1; row_.row < sheet_.cells.rows(); ++row_.row) {
       if (goOn && row_.row % rowsPerLook == 0 && !goOn()) return fail(ErrorKind::Cancelled, "", "cancelled");
       if (shape_.isLeftOut != nullptr && shape_.isLeftOut(row_)) continue;
@@ -257,6 +254,12 @@ class ShapedSheet {
 
  private:
   static constexpr std::size_t rowsPerLook = 1024;  // between two looks at the user
+  bool fillHeaders(CellTable& to) const {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+      if (!to.add(i < headers_.size() ? sheet_.cells.cell(0, i).text : columns_[i]->header)) return false;
+    }
+    return to.endRow(sheet_.cells.line(0));
+  }
   static tl::unexpected<Error> full() { return fail(ErrorKind::Malformed, "", "too many cells", TooLargeSheet); }
   void addSource(const SheetTable& table, const std::string& header) {
     const auto known = std::ranges::find(shape_.columns, header, &ShapeColumn::header);

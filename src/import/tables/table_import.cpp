@@ -175,6 +175,24 @@ std::string amountsText(const TablePlan& plan) {
   return text;
 }
 
+namespace {
+
+/// A row of the sheet that is not the catalogue's already, with what changes in it, on lines of their own.
+Result<std::string> plannedText(Session& session, const OpenSheet& open, const TablePlan& plan, const PlannedRow& row) {
+  if (row.fate == RowFate::Same) return std::string();
+  std::string text = "riga " + std::to_string(open.sheet.cells.line(row.row)) + "\t" + fateWord(row.fate) + "\t" +
+                     rowLabel(plan, open.sheet, row) + (row.reason.empty() ? "" : "\t" + row.reason) + "\n";
+  if (row.fate != RowFate::Changed) return text;
+  const auto changes = shownChanges(session.catalogue, plan, open.sheet, row);
+  if (!changes) return fail(changes.error());
+  for (const ShownChange& change : *changes) {
+    text += "\t" + change.column + ": \"" + change.before + "\" -> \"" + change.after + "\"\n";
+  }
+  return text;
+}
+
+}  // namespace
+
 Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, const TablePlan& plan) {
   SheetReading reading = open.sheet.reading;
   reading.csv = plan.signs;
@@ -184,15 +202,9 @@ Result<std::string> tablePreviewText(Session& session, const OpenSheet& open, co
                      (open.shape.empty() ? "" : ", esportazione " + std::string(open.shape)) + "\n" +
                      mappingText(open) + sumsText(plan) + "\n" + amounts + (amounts.empty() ? "" : "\n");
   for (const PlannedRow& row : plan.rows) {
-    if (row.fate == RowFate::Same) continue;
-    text += "riga " + std::to_string(open.sheet.cells.line(row.row)) + "\t" + fateWord(row.fate) + "\t" +
-            rowLabel(plan, open.sheet, row) + (row.reason.empty() ? "" : "\t" + row.reason) + "\n";
-    if (row.fate != RowFate::Changed) continue;
-    const auto changes = shownChanges(session.catalogue, plan, open.sheet, row);
-    if (!changes) return fail(changes.error());
-    for (const ShownChange& change : *changes) {
-      text += "\t" + change.column + ": \"" + change.before + "\" -> \"" + change.after + "\"\n";
-    }
+    const auto planned = plannedText(session, open, plan, row);
+    if (!planned) return fail(planned.error());
+    text += *planned;
   }
   for (const UnlistedArticle& article : plan.unlisted) {
     const auto label = unlistedLabel(session.catalogue, article);

@@ -86,26 +86,35 @@ class TablePlanner {
     plan_.rows.push_back(std::move(row));
   }
 
-  /// Reads the catalogue once, and settles the rows that it has.
+  /// Reads the catalogue once, and decides on the rows that it has.
   Result<> matchRows() {
     auto rows = catalogue_.prepare(selection());
     if (!rows) return fail(rows.error());
-    // The catalogue may have more rows than the sheet.
-    const std::size_t most = sheet_.cells.rows();
     std::int64_t last = 0;
     for (std::size_t count = 1;; ++count) {
       const auto row = rows->step();
       if (!row) return fail(after(last, row.error()));
       if (!*row) return {};
       last = rows->integer(0);
-      if (count % rowsPerLook == 0 && step_ && !step_(most + std::min(count, most), 3 * most)) return cancelled();
-      const std::string key = keyOf(*rows);
-      if (key.empty()) continue;
-      if (const auto found = byKey_.find(key); found != byKey_.end()) {
-        decideFate(plan_.rows[found->second], *rows);
-      } else if (request_.unlistedOut && !rows->flag(1)) {
-        plan_.unlisted.push_back({rows->integer(0)});
-      }
+      if (!goesOnReading(count)) return cancelled();
+      matchRow(*rows);
+    }
+  }
+  /// Shows how much of the catalogue is read; false once the user has cancelled.
+  bool goesOnReading(std::size_t count) const {
+    if (count % rowsPerLook != 0 || !step_) return true;
+    // The catalogue may have more rows than the sheet.
+    const std::size_t most = sheet_.cells.rows();
+    return step_(most + std::min(count, most), 3 * most);
+  }
+  /// Decides on the row of the sheet with the key of a row of the catalogue, or on the latter where there is none.
+  void matchRow(const Statement& row) {
+    const std::string key = keyOf(row);
+    if (key.empty()) return;
+    if (const auto found = byKey_.find(key); found != byKey_.end()) {
+      decideFate(plan_.rows[found->second], row);
+    } else if (request_.unlistedOut && !row.flag(1)) {
+      plan_.unlisted.push_back({row.integer(0)});
     }
   }
   /// A failure with the row of the catalogue before it.

@@ -20,25 +20,46 @@ std::string trimmedSelect(std::string_view source) {
   return std::string(source);
 }
 
+/// How what follows the table of a source orders its rows, and where its LIMIT, or its end, is.
+struct SourceOrder {
+  bool ordered = false;
+  bool counted = false;  ///< by the number of a column
+  std::size_t end = 0;
+};
+
+SourceOrder orderOf(std::string_view tail) {
+  engine::SqlReader reader(tail);
+  engine::SqlToken token = reader.next();
+  SourceOrder order;
+  while (token.kind != engine::SqlToken::Kind::End && !(token.depth == 0 && token.isWord("LIMIT"))) {
+    order.ordered = order.ordered || (token.depth == 0 && token.isWord("ORDER"));
+    order.counted = order.counted || (order.ordered && token.text[0] >= '0' && token.text[0] <= '9');
+    token = reader.next();
+  }
+  order.end = token.position;
+  return order;
+}
+
 /// The query for the numbers of a single table's rows. Rows that the source does not order, or orders as
 /// equal, come in the table's own order, whichever index the engine reads them by. The engine carries the inner ORDER
 /// BY outwards and computes none of the columns that are not asked for. Where the source's names are the table's own,
 /// they need not be listed at all; but "ORDER BY 2" counts them.
 std::string keysSqlOf(std::string_view select, const engine::TableSelect& parts) {
   const std::string_view tail = select.substr(parts.end);
-  engine::SqlReader reader(tail);
-  engine::SqlToken token = reader.next();
-  bool ordered = false;
-  bool counted = false;
-  while (token.kind != engine::SqlToken::Kind::End && !(token.depth == 0 && token.isWord("LIMIT"))) {
-    ordered = ordered || (token.depth == 0 && token.isWord("ORDER"));
-    counted = counted || (ordered && token.text[0] >= '0' && token.text[0] <= '9');
-    token = reader.next();
-  }
-  const std::string rows = std::string(select.substr(parts.from, parts.end - parts.from + token.position)) +
-                           (ordered ? "\n, kv_row " : "\nORDER BY kv_row ") + std::string(tail.substr(token.position));
-  if (parts.allColumns && !counted) return "SELECT _rowid_ AS kv_row " + rows;
+  const SourceOrder order = orderOf(tail);
+  const std::string rows = std::string(select.substr(parts.from, parts.end - parts.from + order.end)) +
+                           (order.ordered ? "\n, kv_row " : "\nORDER BY kv_row ") + std::string(tail.substr(order.end));
+  if (parts.allColumns && !order.counted) return "SELECT _rowid_ AS kv_row " + rows;
   return "SELECT kv_row FROM (" + std::string(select.substr(0, parts.from)) + ", _rowid_ AS kv_row " + rows + "\n)";
+}
+
+/// Whether every column of a statement is one of the table.
+bool readsOnly(const std::string& table, sqlite3_stmt* rows) {
+  for (int each = 0; each < sqlite3_column_count(rows); ++each) {
+    const char* origin = sqlite3_column_table_name(rows, each);
+    if (origin == nullptr || !equalsIgnoringCase(origin, table)) return false;
+  }
+  return true;
 }
 
 /// The type of a computed column, by its value in the first row.
@@ -134,11 +155,7 @@ Result<> Recordset::State::openNew(const std::optional<engine::TableSelect>& par
   const int code = engine::prepare(handle, source, 0, &raw);
   if (code != SQLITE_OK) return fail(engine::errorOf(handle, code, path));
   Statement rows(raw, path);
-  bool oneTable = parts.has_value();
-  for (int each = 0; oneTable && each < rows.columnCount(); ++each) {
-    const char* origin = sqlite3_column_table_name(raw, each);
-    oneTable = origin != nullptr && equalsIgnoringCase(origin, parts->table);
-  }
+  const bool oneTable = parts && readsOnly(parts->table, raw);
   auto found = oneTable ? tableShape(rows) : copyShape(rows);
   if (!found) return fail(found.error());
   found->wholeTable = oneTable && parts->allColumns;

@@ -9,6 +9,13 @@ namespace {
 
 std::atomic<StatementGate*> statementGate{nullptr};
 
+/// The cache that may hold the statement of a text; null where there is none, or the text is too long for it.
+engine::StatementCache* cacheFor(sqlite3* handle, std::string_view sql) {
+  if (sql.size() > engine::StatementCache::longestText) return nullptr;
+  engine::StatementCache* cache = engine::cacheOf(handle);
+  return cache != nullptr && cache->refresh(handle) ? cache : nullptr;
+}
+
 }  // namespace
 
 StatementGate* setStatementGate(StatementGate* gate) { return statementGate.exchange(gate); }
@@ -37,8 +44,7 @@ int step(sqlite3_stmt* statement) {
 int borrow(sqlite3* handle, std::string_view sql, sqlite3_stmt** statement, const char** tail) {
   *statement = nullptr;
   if (const int code = ask(sql); code != SQLITE_OK) return code;
-  StatementCache* cache = sql.size() <= StatementCache::longestText ? cacheOf(handle) : nullptr;
-  if (cache != nullptr && !cache->refresh(handle)) cache = nullptr;
+  StatementCache* cache = cacheFor(handle, sql);
   const char* end = sql.data() + sql.size();
   if (cache != nullptr) *statement = cache->take(sql);
   if (*statement == nullptr) {

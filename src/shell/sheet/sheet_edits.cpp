@@ -147,21 +147,27 @@ Result<> SheetEdits::writeRow(Recordset& rows, std::span<const CellText> cells, 
   if (auto loaded = rows.load(); !loaded) return loaded;
   bool isEdited = false;
   for (const CellText& cell : cells) {
-    const SheetColumn& column = columns_[cell.column];
-    if (column.kind == SheetKind::Department) {
+    if (columns_[cell.column].kind == SheetKind::Department) {
       if (auto noted = noteMove(cell, outcome); !noted) return noted;
       continue;
     }
-    const CellReading reading = readingOf(rows, cell);
-    if (!reading.why.empty()) outcome.refused.push_back({cell.article, cell.column, reading.why});
-    if (!reading.value || isSameNumber(column, rows.get(column.name), *reading.value)) continue;
-    if (!isEdited) {
-      if (auto begun = rows.edit(); !begun) return begun;
-      isEdited = true;
-    }
-    if (auto set = setCell(rows, cell, reading, outcome); !set) return set;
+    const auto written = writeCell(rows, cell, isEdited, outcome);
+    if (!written) return fail(written.error());
+    isEdited = *written;
   }
   return isEdited ? rows.update() : Result<>();
+}
+
+Result<bool> SheetEdits::writeCell(Recordset& rows, const CellText& cell, bool isEdited, SheetOutcome& outcome) {
+  const SheetColumn& column = columns_[cell.column];
+  const CellReading reading = readingOf(rows, cell);
+  if (!reading.why.empty()) outcome.refused.push_back({cell.article, cell.column, reading.why});
+  if (!reading.value || isSameNumber(column, rows.get(column.name), *reading.value)) return isEdited;
+  if (!isEdited) {
+    if (auto begun = rows.edit(); !begun) return fail(begun.error());
+  }
+  if (auto set = setCell(rows, cell, reading, outcome); !set) return fail(set.error());
+  return true;
 }
 
 Result<> SheetEdits::setCell(Recordset& rows, const CellText& cell, const CellReading& reading, SheetOutcome& outcome) {
@@ -177,15 +183,18 @@ Result<> SheetEdits::setCell(Recordset& rows, const CellText& cell, const CellRe
   return {};
 }
 
+Result<> SheetEdits::readNames(std::span<const CellText> cells) {
+  const auto isOfNames = [&](const CellText& cell) { return isChoice(columns_[cell.column]); };
+  if (std::ranges::none_of(cells, isOfNames)) return {};
+  auto read = SheetNames::read(session_.catalogue);
+  if (!read) return fail(read.error());
+  names_ = std::move(*read);
+  return {};
+}
+
 Result<> SheetEdits::writeAll(std::vector<CellText>& cells, SheetOutcome& outcome) {
   std::ranges::stable_sort(cells, {}, &CellText::article);
-  const bool hasChoices =
-      std::ranges::any_of(cells, [&](const CellText& cell) { return isChoice(columns_[cell.column]); });
-  if (hasChoices) {
-    auto read = SheetNames::read(session_.catalogue);
-    if (!read) return fail(read.error());
-    names_ = std::move(*read);
-  }
+  if (auto read = readNames(cells); !read) return read;
   const auto keys = allArticles(session_.catalogue);
   if (!keys) return fail(keys.error());
   auto rows = session_.catalogue.openRecordset("SELECT " + fieldsOf(cells) + " FROM articoli ORDER BY ID");

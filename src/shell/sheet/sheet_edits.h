@@ -61,7 +61,11 @@ class SheetEdits {
 
  private:
   Result<> writeAll(std::vector<CellText>& cells, SheetOutcome& outcome);
+  /// Reads the names of departments and variants, when a cell is one of them.
+  Result<> readNames(std::span<const CellText> cells);
   Result<> writeRow(Recordset& rows, std::span<const CellText> cells, SheetOutcome& outcome);
+  /// Writes a cell into its row, which is edited from the first that changes; whether it is edited then.
+  Result<bool> writeCell(Recordset& rows, const CellText& cell, bool isEdited, SheetOutcome& outcome);
   /// Sets a value in the row that is edited; a value that the column doesn't take is refused.
   Result<> setCell(Recordset& rows, const CellText& cell, const CellReading& reading, SheetOutcome& outcome);
   /// The columns that the cells change, and the ID before them.

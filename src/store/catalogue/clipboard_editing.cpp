@@ -272,20 +272,22 @@ Result<> TreeEditing::IncollaReparto() {
   auto all = clippedDepartments();
   if (!all) return fail(all.error());
   if (all->empty()) return {};
-  const ClippedDepartment* clipped = &all->front();
-  auto wanted = clipped->withArticles ? wantsArticles() : Result<bool>(false);
+  auto wanted = all->front().withArticles ? wantsArticles() : Result<bool>(false);
   if (!wanted) return fail(wanted.error());
   std::optional<WaitPointer> pointer;
   if (*wanted) pointer.emplace(hooks_);
-  if (all->size() > 1) return pasteDepartments(*all, *wanted);
+  return all->size() > 1 ? pasteDepartments(*all, *wanted) : pasteDepartment(all->front(), *wanted);
+}
+
+Result<> TreeEditing::pasteDepartment(const ClippedDepartment& clipped, bool withArticles) {
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   auto made = sets_.onDepartment() ? NuovoReparto(false) : addUnderCurrent();
   if (!made) return fail(made.error());
-  if (auto filled = fill("categorie", "clipcategorie", clipped->row, made->contatore); !filled) return filled;
-  auto pasted = *wanted ? pasteArticles({made->ID, 0}) : Result<std::int64_t>(0);
+  if (auto filled = fill("categorie", "clipcategorie", clipped.row, made->contatore); !filled) return filled;
+  auto pasted = withArticles ? pasteArticles({made->ID, 0}) : Result<std::int64_t>(0);
   if (!pasted) return fail(pasted.error());
-  return change.keepAndShow(made->ID, *wanted);
+  return change.keepAndShow(made->ID, withArticles);
 }
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 // Dragging a department under another: the tree is changed first, then written back whole.
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 #include "store/catalogue/tree_change.h"
@@ -19,6 +20,18 @@ class DraggedTree {
     }
   }
 
+  /// Of a group the departments that don't go with another of it; nothing where one, or the new parent, isn't in the
+  /// tree, and where one would be under itself.
+  std::optional<DepartmentGroup> movable(const DepartmentGroup& group, const std::string& parent) const {
+    if (parent != treeRoot && !has(parent)) return std::nullopt;
+    DepartmentGroup moved;
+    for (const std::string& key : group) {
+      if (!has(key) || (parent != treeRoot && isUnder(parent, key))) return std::nullopt;
+      const auto holdsKey = [&](const std::string& other) { return other != key && isUnder(key, other); };
+      if (std::ranges::none_of(group, holdsKey)) moved.push_back(key);
+    }
+    return moved;
+  }
   bool has(const std::string& key) const { return parents_.contains(key); }
   bool isUnder(const std::string& key, const std::string& ancestor) const {
     for (std::string each = key; each != treeRoot; each = parents_.at(each)) {
@@ -67,15 +80,9 @@ Result<> TreeEditing::SpostaNodo(const std::string& key, const std::string& nuov
 Result<> TreeEditing::SpostaNodi(const DepartmentGroup& group, const std::string& nuovoParent) {
   if (auto built = sets_.CostruisciAlbero(0); !built) return built;
   DraggedTree tree(sets_.tree());
-  if (group.empty() || (nuovoParent != treeRoot && !tree.has(nuovoParent))) return {};
-  DepartmentGroup moved;
-  for (const std::string& key : group) {
-    if (!tree.has(key)) return {};
-    if (nuovoParent != treeRoot && tree.isUnder(nuovoParent, key)) return {};
-    const auto holdsKey = [&](const std::string& other) { return other != key && tree.isUnder(key, other); };
-    if (std::ranges::none_of(group, holdsKey)) moved.push_back(key);
-  }
-  for (const std::string& key : moved) tree.hang(key, nuovoParent);
+  const auto moved = tree.movable(group, nuovoParent);
+  if (!moved || moved->empty()) return {};
+  for (const std::string& key : *moved) tree.hang(key, nuovoParent);
   TreeChange change(sets_);
   if (!change.begun()) return change.begun();
   if (auto written = tree.write(sets_.session().catalogue); !written) return written;

@@ -181,6 +181,7 @@ class TreeEditing {
   Result<> insertArticle(bool after);
   Result<> insertDepartment(bool after);
   Result<> deleteDepartment(const std::string& department, const std::string& parent);
+  Result<> pasteDepartment(const ClippedDepartment& clipped, bool withArticles);
   Result<> pasteDepartments(const std::vector<ClippedDepartment>& clipped, bool withArticles);
   Result<bool> wantsArticles();
   bool ask(const std::string& text, Answer preset) const;

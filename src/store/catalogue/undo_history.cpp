@@ -111,8 +111,7 @@ Result<> UndoHistory::move(std::deque<Step>& from, std::deque<Step>& to, bool ba
 Result<> UndoHistory::exchange(const Step& step, bool back) {
   Session& session = sets_.session();
   if (auto begun = session.catalogue.begin(); !begun) return begun;
-  auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
-  auto lists = moved ? readShown(back ? step.before : step.after) : Result<CatalogueLists>(fail(moved.error()));
+  auto lists = exchangeRows(step, back);
   const Result<> exchanged = lists ? exchangeFiles(step.files, back) : Result<>(fail(lists.error()));
   if (!exchanged) session.catalogue.rollback();
   Result<> kept = exchanged ? session.catalogue.commit() : exchanged;
@@ -123,6 +122,13 @@ Result<> UndoHistory::exchange(const Step& step, bool back) {
   }
   sets_.show(std::move(*lists));
   return {};
+}
+
+/// Puts the rows of a step back or forward; what is shown of them then.
+Result<CatalogueLists> UndoHistory::exchangeRows(const Step& step, bool back) {
+  auto moved = back ? recorder_->revert(step.changes) : recorder_->repeat(step.changes);
+  if (!moved) return fail(moved.error());
+  return readShown(back ? step.before : step.after);
 }
 
 /// What the session keeps of the rows, and all that is shown of them with the cursors of a step.

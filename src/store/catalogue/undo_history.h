@@ -95,6 +95,7 @@ class UndoHistory {
   Result<> move(std::deque<Step>& from, std::deque<Step>& to, bool back);
   /// Writes the rows of a step and shows them, in one transaction: all of it or nothing.
   Result<> exchange(const Step& step, bool back);
+  Result<CatalogueLists> exchangeRows(const Step& step, bool back);
   /// Reads what the session keeps of the rows, and what is shown with these cursors.
   Result<CatalogueLists> readShown(const CatalogueCursors& cursors);
   /// Adds a step, drops what was undone, and the oldest steps over the limit.

@@ -94,14 +94,16 @@ class Expansion {
       return made_;
     }
     if (kind_ == 4) return context_.words == nullptr ? std::nullopt : view(context_.words->find(name));
-    if (kind_ == 5) {
-      const std::string* text = context_.customTags == nullptr ? nullptr : context_.customTags->find(name);
-      return text == nullptr ? std::string_view{} : std::string_view(*text);
-    }
+    if (kind_ == 5) return customText(name);
     if (kind_ != 2) return columnOf(name);
     if (const auto value = context_.reparto ? std::nullopt : columnOf(name)) return value;
     made_.assign("<?php echo ViewArt(\"").append(name).append("\"); ?>");
     return made_;
+  }
+  /// The text of a custom tag; empty where there is none of this name.
+  std::string_view customText(std::string_view name) const {
+    const std::string* text = context_.customTags == nullptr ? nullptr : context_.customTags->find(name);
+    return text == nullptr ? std::string_view{} : std::string_view(*text);
   }
   std::optional<std::string_view> columnOf(std::string_view name) const {
     if (context_.row == nullptr || name.size() > longestColumn) return std::nullopt;

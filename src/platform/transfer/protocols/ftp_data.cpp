@@ -126,6 +126,27 @@ Result<Wire> FtpData::open(FtpSession& session, Patience& patience) {
   return std::move(wire_);
 }
 
+namespace {
+
+using DataUse = std::function<Result<>(Wire& wire, Patience& patience)>;
+
+/// Uses a data connection and ends it: as a file ends when its use succeeded, abruptly otherwise.
+Result<> useToItsEnd(Result<Wire>& wire, const DataUse& use, Patience& patience) {
+  if (!wire) return fail(wire.error());
+  Result<> used = use(*wire, patience);
+  if (used) {
+    wire->finish(patience);
+  } else {
+    wire->close();
+  }
+  return used;
+}
+
+/// Whether the server's last word isn't waited for: a stalled connection has had its time, and a cancel none.
+bool hasNoTimeLeft(const Error& error) { return error.number == transferCancelled || error.number == transferSilence; }
+
+}  // namespace
+
 Result<DataEnd> withData(FtpSession& session, const std::string& command,
                          const std::function<Result<>(Wire& wire, Patience& patience)>& use, Patience& patience) {
   auto data = FtpData::prepare(session, patience);
@@ -133,13 +154,8 @@ Result<DataEnd> withData(FtpSession& session, const std::string& command,
   if (auto begun = beginTransfer(session, command, patience); !begun) return fail(begun.error());
   auto wire = data->open(session, patience);
   *data = {};
-  const Result<> used = wire ? use(*wire, patience) : fail(wire.error());
-  if (used) wire->finish(patience);
-  if (!used) {
-    if (wire) wire->close();
-    // A stalled connection has had its time, and a cancel none.
-    if (used.error().number == transferCancelled || used.error().number == transferSilence) return fail(used.error());
-  }
+  const Result<> used = useToItsEnd(wire, use, patience);
+  if (!used && hasNoTimeLeft(used.error())) return fail(used.error());
   const auto closing = session.control.finalReply(patience);
   if (!closing) return fail(used ? closing.error() : used.error());
   if (closing->isRefusal()) return replyFailure(*closing);

@@ -219,42 +219,45 @@ Result<> SshLine::logIn(const ConnectionSettings& settings, Patience& patience) 
   return openChannel(patience);
 }
 
-Result<> SshLine::givePassword(const ConnectionSettings& settings, Patience& patience) {
-  const std::string& user = settings.user;
-  const auto userSize = static_cast<unsigned int>(user.size());
+Result<std::string> SshLine::offeredMethods(const std::string& user, Patience& patience) {
   // Null, with no error, when the server is content with the name.
   const auto methods = obtain<const char>(
       [&]() -> const char* {
-        const char* const found = libssh2_userauth_list(session_, user.c_str(), userSize);
+        const char* const found = libssh2_userauth_list(session_, user.c_str(), static_cast<unsigned int>(user.size()));
         return found == nullptr && libssh2_userauth_authenticated(session_) == 1 ? "" : found;
       },
       patience);
   if (!methods) return fail(methods.error());
-  if (**methods == '\0') return {};
-  const std::string offered = *methods;
+  return std::string(*methods);
+}
+
+Result<bool> SshLine::tryToLogIn(const Call& call, Patience& patience) {
+  const auto done = complete(call, patience);
+  if (done) return true;
+  if (libssh2_session_last_errno(session_) == LIBSSH2_ERROR_AUTHENTICATION_FAILED) return false;
+  return fail(done.error());
+}
+
+Result<> SshLine::givePassword(const ConnectionSettings& settings, Patience& patience) {
+  const std::string& user = settings.user;
+  const auto userSize = static_cast<unsigned int>(user.size());
+  const auto offered = offeredMethods(user, patience);
+  if (!offered) return fail(offered.error());
+  if (offered->empty()) return {};
   const std::string& password = memory_.password = settings.password;
-  bool isAccepted = false;
-  const auto attempt = [&](const Call& call) -> Result<> {
-    const auto done = complete(call, patience);
-    isAccepted = done.has_value();
-    if (isAccepted || libssh2_session_last_errno(session_) == LIBSSH2_ERROR_AUTHENTICATION_FAILED) return {};
-    return fail(done.error());
+  const auto plain = [&] {
+    return libssh2_userauth_password_ex(session_, user.c_str(), userSize, password.c_str(),
+                                        static_cast<unsigned int>(password.size()), nullptr);
   };
-  if (offered.find("password") != std::string::npos) {
-    const auto plain = [&] {
-      return libssh2_userauth_password_ex(session_, user.c_str(), userSize, password.c_str(),
-                                          static_cast<unsigned int>(password.size()), nullptr);
-    };
-    if (auto tried = attempt(plain); !tried) return tried;
-  }
-  if (!isAccepted && offered.find("keyboard-interactive") != std::string::npos) {
-    const auto asked = [&] {
-      return libssh2_userauth_keyboard_interactive_ex(session_, user.c_str(), userSize, &answerWithPassword);
-    };
-    if (auto tried = attempt(asked); !tried) return tried;
-  }
-  if (isAccepted) return {};
-  return transferFailure(accessDenied, "il server non accetta l'utente o la password (ammette: " + offered + ")");
+  const auto asked = [&] {
+    return libssh2_userauth_keyboard_interactive_ex(session_, user.c_str(), userSize, &answerWithPassword);
+  };
+  const auto offers = [&](const char* method) { return offered->find(method) != std::string::npos; };
+  Result<bool> isAccepted = offers("password") ? tryToLogIn(plain, patience) : Result<bool>(false);
+  if (isAccepted && !*isAccepted && offers("keyboard-interactive")) isAccepted = tryToLogIn(asked, patience);
+  if (!isAccepted) return fail(isAccepted.error());
+  if (*isAccepted) return {};
+  return transferFailure(accessDenied, "il server non accetta l'utente o la password (ammette: " + *offered + ")");
 }
 
 Result<> SshLine::openChannel(Patience& patience) {

@@ -71,6 +71,10 @@ class SshLine {
   Result<> askAbout(const ConnectionSettings& settings, const HostKey& key);
   Result<> openChannel(Patience& patience);
   Result<> givePassword(const ConnectionSettings& settings, Patience& patience);
+  /// The names of the ways to log in, comma-separated; empty when the server is content with the user's name.
+  Result<std::string> offeredMethods(const std::string& user, Patience& patience);
+  /// False when the server refuses the password; a failure for whatever else goes wrong.
+  Result<bool> tryToLogIn(const Call& call, Patience& patience);
   tl::unexpected<Error> failure(ssize_t code) const;
 
   Wire wire_;

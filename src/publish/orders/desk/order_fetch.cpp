@@ -43,6 +43,17 @@ Result<OrderChange> carriedOut(OrderStore& store, const Result<JsonValue>& answe
   return change;
 }
 
+/// Asks for the orders after a cursor. Malformed for an answer that promises more and gives none.
+Result<OrdersAnswer> askForPage(const OrderAccess& access, const OrderMeans& means, const std::string& cursor) {
+  const auto answer = askOrders(access, ordersRequest(cursor), means);
+  if (!answer) return fail(answer.error());
+  auto page = ordersAnswer(*answer);
+  if (!page) return fail(page.error());
+  const bool isStep = page->next != cursor && !page->orders.empty();
+  if (page->more && !isStep) return fail(ErrorKind::Malformed, access.address, repeatsItself);
+  return page;
+}
+
 }  // namespace
 
 Result<FetchedOrders> fetchOrders(OrderStore& store, const OrderAccess& access, const OrderMeans& means,
@@ -53,14 +64,9 @@ Result<FetchedOrders> fetchOrders(OrderStore& store, const OrderAccess& access, 
   std::string goneMark;
   int answers = 0;
   for (bool more = true; more;) {
-    const auto answer = askOrders(access, ordersRequest(*cursor), means);
-    if (!answer) return fail(answer.error());
-    auto page = ordersAnswer(*answer);
+    auto page = askForPage(access, means, *cursor);
     if (!page) return fail(page.error());
-    const bool isStep = page->next != *cursor && !page->orders.empty();
-    if (page->more && (!isStep || ++answers > mostAnswers)) {
-      return fail(ErrorKind::Malformed, access.address, repeatsItself);
-    }
+    if (page->more && ++answers > mostAnswers) return fail(ErrorKind::Malformed, access.address, repeatsItself);
     const OrderArrival arrival{access.address, *cursor, std::move(*page)};
     const auto count = store.take(arrival);
     if (!count) return fail(count.error());
