@@ -37,12 +37,15 @@ class LightFolder {
   const std::string& folder() const { return folder_; }
 
  private:
+  /// The lighter forms of one picture.
   struct Made {
     std::string stamp;  ///< size and time of the file that the forms were made of
     std::vector<std::string> names;
     bool isAsked = false;
   };
+  /// Writes the forms of a picture under names that none has taken.
   Result<Made> make(const std::string& picture, std::string stamp, const std::vector<std::string>& taken) const;
+  /// Deletes the forms again.
   void drop(const Made& made) const;
 
   std::string folder_;

@@ -26,6 +26,7 @@ struct FilledFile {
   std::string text;
 };
 
+/// The account of a shop with a payment service, as its dialog edits it.
 class GatewayAccount {
  public:
   /// Reads the settings of a module, which is a row of the table; without conf.ini all fields are empty. An old test
@@ -43,8 +44,10 @@ class GatewayAccount {
 
   // The test switch of a module that has one.
   bool usesTest() const { return usesTest_; }
+  /// Switches to the service's test address, or back.
   void setUsesTest(bool on);
   const std::string& testAddress() const { return testAddress_; }
+  /// Sets that address.
   void setTestAddress(std::string_view text);
   /// Whether the order's code can have a text before it: always in production, and on the operator's own test server.
   /// While it can't, the option is off.
@@ -70,10 +73,13 @@ class GatewayAccount {
   bool isUpToDate(const std::string& shopFolder) const;
 
  private:
+  /// Takes a setting of the descriptor; one that the module doesn't know is kept as it is.
   void readSetting(std::string_view key, const std::string& value);
+  /// Which address is used, by the settings that were read.
   void readAddresses();
   void readColumn(Database& catalogue);  // of an offline method
   bool isModeKey(std::string_view key, std::string_view value);
+  /// What a descriptor holds for a key.
   std::string stored(const AccountKey& key) const;
   std::string confText() const;  // of conf.ini
   /// Adds the descriptor and the scripts, filled; false where a template is missing, nothing after it being added.

@@ -27,9 +27,13 @@ class PricePreviewModel final : public QAbstractTableModel {
   void sort(int column, Qt::SortOrder order) override;
 
  private:
+  /// Sorts by the column that was clicked.
   void sortRows();
+  /// The text of a price in a column.
   QString text(const SurveyedPrice& price, int column) const;
+  /// The order of two rows by the column that was clicked.
   bool isBefore(std::uint32_t a, std::uint32_t b) const;
+  /// The order of two prices by what they become; one without a new price is the last.
   bool isCheaper(const SurveyedPrice& a, const SurveyedPrice& b) const;
 
   PriceSurvey survey_;

@@ -49,6 +49,7 @@ struct MakerFault {
   std::string message;
 };
 
+/// The makers of the shop while they are edited.
 class MakerEditor {
  public:
   /// The makers of the shop by their names; none while it has no such table. Failures as Database::prepare.
@@ -57,11 +58,14 @@ class MakerEditor {
   const std::vector<Maker>& makers() const { return makers_; }
   /// What the list shows of a maker: its name, "(senza nome)" without one.
   std::string line(std::size_t maker) const;
+  /// Adds an empty one at the end.
   void add() { makers_.emplace_back(); }
+  /// Removes one by its index.
   void remove(std::size_t maker);
   /// Sets a field to a text without the spaces around it.
   void set(std::size_t maker, std::size_t field, std::string_view text);
 
+  /// Whether there is something to store.
   bool isChanged() const { return makers_ != loaded_; }
   /// The first fault: a maker without a name, or with one that another has already; nothing when all can be saved.
   std::optional<MakerFault> fault() const;

@@ -27,6 +27,7 @@ class ZoneDelegate final : public QStyledItemDelegate {
   std::vector<std::string> names_;
 };
 
+/// The countries, each with its zone.
 class ShippingCountriesPage final : public QWidget {
  public:
   /// `editor` outlives the page. changed: called after the countries have changed.
@@ -40,7 +41,9 @@ class ShippingCountriesPage final : public QWidget {
   QWidget* makeAdding();
   void fill(int row);  // shows all countries, the cursor on a row
   void add();
+  /// Deletes the current country.
   void remove();
+  /// Stores the zone that was chosen in a cell.
   void zoneChanged(int row, int column);
 
   ShippingEditor& editor_;

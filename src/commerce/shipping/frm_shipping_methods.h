@@ -15,6 +15,7 @@ namespace kv {
 
 class FieldMark;
 
+/// The four methods of payment.
 class ShippingMethodsPage final : public QWidget {
  public:
   /// `editor` outlives the page. changed: called after a method, its module or its name was stored.
@@ -33,7 +34,9 @@ class ShippingMethodsPage final : public QWidget {
     FieldMark* mark = nullptr;  ///< of the name
     bool unsaved = false;       ///< the name could not be stored
   };
+  /// The controls of one method.
   void makeRow(int number);
+  /// Stores a name that was typed; false when it can't be, and the field keeps it.
   bool leaveName(int number);
   void show(int number);  // fills and enables the controls of a method
   void switched(int number, bool on);

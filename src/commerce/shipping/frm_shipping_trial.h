@@ -13,6 +13,7 @@ namespace kv {
 
 class NumberLine;
 
+/// What shipping an order would cost, to try the costs.
 class ShippingTrialPage final : public QWidget {
  public:
   /// Both outlive the page.

@@ -19,6 +19,7 @@ namespace kv {
 
 class NumberLine;
 
+/// The costs of one zone at a time.
 class ShippingZonesPage final : public QWidget {
  public:
   /// `editor` outlives the page.
@@ -40,10 +41,15 @@ class ShippingZonesPage final : public QWidget {
   QWidget* makeBasis();
   /// The panel of amounts or of weights: `steps` lines with a limit, and one for what is beyond.
   QWidget* makePanel(bool byWeight, char decimalSeparator);
+  /// A field for a column of the zone.
   NumberLine* addLine(const std::string& column, const std::string& spoken, char decimalSeparator);
+  /// The box that allows a method in the zone.
   QCheckBox* addAllowed(int number, const std::string& panel);
+  /// The zone that is shown, 1 to 8.
   int zone() const;
+  /// Leaves the fields and shows the zone that was chosen.
   void changeZone();
+  /// Shows the costs of the zone.
   void showZone();
   bool leave(const Cost& cost);
 

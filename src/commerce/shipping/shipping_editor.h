@@ -69,6 +69,7 @@ class ShippingEditor {
   bool switchMethod(int number, bool on);
   /// PopolaMetodi (fill the methods): the list of preselection.
   OfferedMethods PopolaMetodi();
+  /// Stores the method that the shop begins with.
   bool preselectMethod(int number);
 
   // The countries.
@@ -79,9 +80,11 @@ class ShippingEditor {
   /// Deletes a country: the index of the row to show then, the next one or the last. None when it is refused, being the
   /// preselected one or the last.
   std::optional<std::size_t> deleteCountry(std::int64_t ID);
+  /// Puts a country into another zone, 1 to 8.
   bool setCountryZone(std::int64_t ID, int zone);
   /// `strID` of the preselected country; empty when there is none.
   std::string preselectedCountry();
+  /// Stores the country that the shop begins with; empty: none.
   bool preselectCountry(const std::string& strID);
   /// Names of the zones 1 to 8, index 0 being zone 1.
   std::vector<std::string> zoneNames();
@@ -92,9 +95,13 @@ class ShippingEditor {
   /// Stores a field that is left with this text, and returns what it shows then: the number in its normal format, or
   /// what it showed before when the text is no number of the column's range.
   std::string leaveNumber(int zone, std::string_view column, const std::string& typed);
+  /// Whether customers of a zone may choose a method.
   bool isAllowed(int zone, int number);
+  /// Stores that.
   bool allow(int zone, int number, bool allowed);
+  /// Whether customers of a zone pay VAT.
   bool paysVat(int zone);
+  /// Stores that.
   bool setPaysVat(int zone, bool pays);
 
   // Settings of all zones.
@@ -103,7 +110,9 @@ class ShippingEditor {
   /// VAT of shipping in percent, as number() and leaveNumber() have the others.
   std::string vatRate();
   std::string leaveVatRate(const std::string& typed);
+  /// Whether the shop lists countries by name rather than in the order of entry.
   bool isAlphabetic();
+  /// Stores that.
   bool setAlphabetic(bool alphabetic);
 
   /// OK: stores `zonasel` when the preselected country exists and its zone has the preselected method. Otherwise the
@@ -111,14 +120,23 @@ class ShippingEditor {
   ShippingAnswer accept();
 
  private:
+  /// A column of the one row of `pagamento`; Null after a failure.
   Value payment(const std::string& column);
+  /// Stores one; false after a failure, which the user knows.
   bool storePayment(const std::string& column, const Value& value);
+  /// A number of a table of one row as it is shown; empty for null.
   std::string shown(std::string_view table, std::string_view column);
+  /// Stores a number that was typed, and returns what its field shows then.
   std::string leave(std::string_view table, std::string_view column, const std::string& typed);
+  /// The column of a method's name in the language being edited.
   std::string nameColumn(int number) const;
+  /// Whether a method is switched on.
   bool isActive(int number) { return asFlag(payment("attivo" + std::to_string(number))); }
+  /// Shows a failure; true for none.
   bool told(const Result<>& outcome);
+  /// The same, but a failure like the last one is shown once.
   bool toldOnce(const Result<>& outcome);
+  /// Shows why something isn't done; false.
   bool refuse(std::string_view text);
 
   Session& session_;

@@ -51,22 +51,35 @@ class frmOpzioni final : public FormDialog {
   std::int64_t currentID() const;
   std::int64_t optionID() const;  // 0: none
   void addVariant();
+  /// Deletes the current variant, its options, and what is unsaved of them.
   void deleteVariant();
+  /// Copies the current variant and goes to the copy.
   void duplicateVariant();
+  /// Stores a name that was typed, or keeps it as unsaved.
   void variantEdited(int row);
+  /// Shows the name of a row, the unsaved one with its reason.
   void showName(int row);
+  /// Stores a cell of an option, or keeps what was typed as unsaved.
   void storeCell(std::int64_t ID, int column, const std::string& typed);
+  /// Forgets what is unsaved of an option.
   void forgetCells(std::int64_t option);
+  /// Adds an option to the current variant and goes to it.
   void addOption();
+  /// Deletes the current option.
   void deleteOption();
+  /// Stores a cell that the user has changed.
   void optionEdited(int row, int column);
+  /// Makes an option the default one of its variant.
   void mark(int row);
+  /// Adds an option for each line of a text.
   void paste(const std::string& text);
+  /// Lists the articles with the current variant, to go to one.
   void showUses();
   /// Shows the panel of all languages beside a row, while its command is down.
   void translate(VariantGrid& grid, int row);
   /// Tries once more to store what could not be stored; false while something can't.
   bool storeUnsaved();
+  /// OK: stores what is unsaved, and closes the dialog when all is stored.
   void accepted();
 
   VariantEditor editor_;

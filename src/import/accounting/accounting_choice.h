@@ -10,6 +10,7 @@
 
 namespace kv {
 
+/// The dialog of programs and companies without its window.
 class AccountingChoice {
  public:
   /// What OK says while no variant is chosen.

@@ -15,6 +15,7 @@
 
 namespace kv {
 
+/// What becomes of a department of the source.
 struct PlannedDepartment {
   RowFate fate = RowFate::New;
   std::string ID;           ///< "dgf" and the row's `Id`
@@ -23,6 +24,7 @@ struct PlannedDepartment {
   std::string reason;       ///< in Italian; empty unless left out
 };
 
+/// What becomes of an article of the source.
 struct PlannedArticle {
   RowFate fate = RowFate::New;
   std::size_t of = 0;  ///< the article that it changes: its position in the plan's `keys`
@@ -38,6 +40,7 @@ struct AccountingTarget {
   int generation = 2;
 };
 
+/// What an import would do, and what is left out.
 struct AccountingPlan {
   std::vector<PlannedDepartment> departments;
   std::vector<PlannedArticle> articles;
@@ -47,6 +50,7 @@ struct AccountingPlan {
 
   /// How many rows have a fate.
   std::size_t countDepartments(RowFate fate) const;
+  /// How many articles have this fate.
   std::size_t countArticles(RowFate fate) const;
 };
 

@@ -27,11 +27,17 @@ class AccountingWriter {
   Result<> writeArticle(const PlannedArticle& article);
 
  private:
+  /// Moves the orders of later departments, so that so many new ones fit.
   Result<> makeRoom(std::int64_t count);
+  /// Prepares the statements that every article needs.
   Result<> prepareArticles();
+  /// The order after the last article of a department.
   Result<std::int64_t> nextOrder(const std::string& department);
+  /// Adds an article that the catalogue doesn't have.
   Result<> insertArticle(const PlannedArticle& article);
+  /// Changes one that it has, in the columns that were asked for.
   Result<> updateArticle(const PlannedArticle& article);
+  /// The values that both statements share.
   void bindFields(Statement& statement, const PlannedArticle& article) const;
 
   Database& catalogue_;

@@ -22,6 +22,7 @@ enum class CsvEncoding {
   Utf16Big
 };
 
+/// What ends a record.
 enum class CsvLineEnd { CrLf, Lf, Cr };
 
 /// What may be between fields.

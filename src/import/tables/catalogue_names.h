@@ -30,12 +30,14 @@ class CatalogueNames {
   CatalogueName department(std::string_view path) const;
   /// The name of a variant in language 1; empty for an unknown one.
   std::string_view variantName(std::int64_t ID) const;
+  /// Whether a variant of this ID exists.
   bool hasVariant(std::int64_t ID) const { return variantNames_.contains(ID); }
   /// The variant of a name; case doesn't count.
   CatalogueName variant(std::string_view name) const;
 
   // What is made while a sheet is read is known to the rows after it.
   void addDepartment(const std::string& ID, const std::string& path);
+  /// Enters a variant that an import has made.
   void addVariant(std::int64_t ID, const std::string& name);
 
  private:

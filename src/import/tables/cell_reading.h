@@ -25,6 +25,7 @@ std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& 
 /// Reads cells by what a sheet's texts mean. What it is made from outlives it.
 class CellReader {
  public:
+  /// signs: decimal separator and sign between groups of the sheet; names: of departments and variants.
   CellReader(const CsvReading& signs, const CatalogueNames& names) : signs_(signs), names_(names) {}
 
   /// The value that a column would take. An empty cell is Null, of a flag false. Pictures give their text.
@@ -49,8 +50,11 @@ class CellReader {
   /// Whether a text column, or a flag, has what a cell says; nothing for a column whose values are to be compared.
   std::optional<bool> isSameShown(const TableColumn& column, const Statement& row, int index,
                                   const SheetCell& cell) const;
+  /// An amount, percentage or count; refused when it is none, negative or too great for the column.
   CellValue readNumber(const TableColumn& column, const SheetCell& cell) const;
+  /// A text; refused when it is longer than the column.
   CellValue readText(const TableColumn& column, std::string_view text) const;
+  /// The ID of a department or variant; refused when none, or several, have the name.
   CellValue readNamed(const TableColumn& column, std::string_view text) const;
 
   const CsvReading& signs_;

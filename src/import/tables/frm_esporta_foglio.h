@@ -21,6 +21,7 @@ struct SheetExportChoice {
   std::string path;                  ///< of the file
 };
 
+/// Which columns of which table go into a sheet.
 class frmEsportaFoglio final : public FormDialog {
  public:
   /// tables: outlive the dialog. listed: how many articles the list of the window shows.
@@ -33,7 +34,9 @@ class frmEsportaFoglio final : public FormDialog {
   SheetExportChoice choice() const;
 
  private:
+  /// Shows the columns of the chosen table.
   void showTable();
+  /// Ticks all columns, or none.
   void setAll(bool isChecked);
   void accepted();
 

@@ -35,17 +35,27 @@ class frmImportaFoglio final : public FormDialog {
   QWidget* makeFilePage();
   QWidget* makeColumnsPage();
   QWidget* makePlanPage();
+  /// A list of captions to choose from.
   QComboBox* choiceOf(const char* name, const QStringList& captions);
+  /// Reads the file as its page says now.
   void readAgain();
   /// Runs a work that shows its progress, which ends with it. The work's text.
   std::string watched(const std::function<std::string()>& work);
+  /// The first page: how the file is read, and its beginning.
   void showFile();
+  /// The rows that may be that of the headers, to choose from.
   void showHeaderRows();
+  /// The second: which column of the sheet goes where.
   void showColumns();
+  /// The last: what the import would do.
   void showPlan();
+  /// Its rows, as far as the filter lets them through.
   void showRows();
+  /// What the current row changes.
   void showChanges();
+  /// Shows a page.
   void goTo(int page);
+  /// Goes on to the next page, or imports from the last.
   void next();
 
   TableGuide& guide_;

@@ -33,6 +33,7 @@ struct GuideRow {
 /// The state of the guide. session, settings outlive it.
 class TableGuide {
  public:
+  /// department, model: of new rows. Session and settings outlive the guide.
   TableGuide(Session& session, const Settings& settings, std::string department, std::string model);
 
   // The first page: the file and its reading.
@@ -42,6 +43,7 @@ class TableGuide {
   /// Reads the file again; an empty text, or why it can't be read. goOn: asked now and then; false ends the reading,
   /// and nothing is read then.
   std::string read(const std::function<bool()>& goOn = {});
+  /// Whether a file is read.
   bool isRead() const { return open_.has_value(); }
   /// What was read, and how; isRead() holds.
   const OpenSheet& sheet() const { return *open_; }
@@ -66,13 +68,17 @@ class TableGuide {
   // The third page: what would happen.
   /// Makes the plan; an empty text, or why there is none. step: false ends the work, and there is no plan then.
   std::string makePlan(const TableStep& step = {});
+  /// Whether its rows are planned.
   bool hasPlan() const { return plan_.has_value(); }
+  /// The plan; only where there is one.
   TablePlan& plan() { return *plan_; }
   /// Indexes of the rows that a filter shows: those of the plan, and after them the articles that aren't listed.
   std::vector<std::size_t> rowsOf(RowFilter filter) const;
+  /// A row of the plan as the last page lists it.
   GuideRow row(std::size_t index) const;
   /// Ticks a row, or unticks it, with those that depend on it; nothing for one that would not be written.
   void choose(std::size_t index, bool isChosen);
+  /// What a row changes, old and new text.
   std::vector<ShownChange> changes(std::size_t index) const;
   /// Counts of the rows, and below them the amounts that change.
   std::string sums() const;

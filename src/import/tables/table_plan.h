@@ -74,6 +74,7 @@ struct AmountSums {
   std::optional<Money> before = Money(), after = Money();  ///< nothing: beyond what Money holds
 };
 
+/// What an import would do, row by row.
 struct TablePlan {
   SheetTable table;
   std::vector<MappedColumn> columns;

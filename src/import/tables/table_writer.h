@@ -27,6 +27,7 @@ struct TableWork {
 /// writes the last ones.
 class TableWriter {
  public:
+  /// What the work names outlives the writer.
   explicit TableWriter(const TableWork& work) : work_(work), reader_(work.plan.signs, work.plan.names) {}
 
   /// Writes a row; nothing unless it is new or changed, and chosen.
@@ -38,20 +39,31 @@ class TableWriter {
   /// Columns of the catalogue, whose names live as long as the writer, and their values.
   using Fields = std::vector<std::pair<std::string_view, Value>>;
 
+  /// The columns that a row changes, with their values; pictures are taken over for it.
   Result<Fields> fieldsOf(const PlannedRow& row);
+  /// The name and the size of a picture; none for an empty cell.
   Result<> addPicture(Fields& fields, const TableColumn& column, const std::string& cell);
+  /// The ID of a variant by its name; one that doesn't exist yet is made.
   Result<Value> ownVariant(std::string_view name);
+  /// A new article, at the end of its department.
   Result<> insertArticle(Fields fields);
+  /// Lets an article wait; those that wait are written when their columns differ, or are many.
   Result<> addWaiting(Fields fields);
+  /// Writes the articles that wait by one statement.
   Result<> writeWaiting();
+  /// A new department under the one that its path names.
   Result<> insertDepartment(const PlannedRow& row, Fields fields);
+  /// Gives an article of a department the order after the last one there.
   Result<> moveToEnd(Fields& fields);
+  /// Writes one row by itself.
   Result<> insert(std::string_view table, const Fields& fields);
+  /// Writes the changed columns of a row of the catalogue.
   Result<> update(const PlannedRow& row, const Fields& fields);
   /// A statement that is prepared once for all rows that need it.
   Result<Statement*> prepared(const std::string& sql);
   /// Runs such a statement with these values, and the key where it isn't 0.
   Result<> run(const std::string& sql, const Fields& fields, std::int64_t key);
+  /// The first field that a query with one text gives; Null where it gives no row.
   Result<Value> ask(std::string_view sql, const std::string& text);
 
   TableWork work_;

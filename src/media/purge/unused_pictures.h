@@ -58,6 +58,7 @@ class PicturePurge {
   void tick(std::size_t index, bool ticked) { unused_[index].ticked = ticked; }
   /// Ticks every picture (cmdTutti) or none (cmdNessuno).
   void tickAll(bool ticked);
+  /// How many pictures are chosen.
   std::size_t tickedCount() const;
   /// The bytes of all pictures found.
   std::uint64_t totalSize() const;

@@ -20,7 +20,9 @@ struct SocketAddress {
 
   const sockaddr* get() const;
   sockaddr* get();
+  /// The kind of address: AF_INET, AF_INET6.
   int family() const { return bytes.ss_family; }
+  /// The port in the order of this machine.
   std::uint16_t port() const;
   void setPort(std::uint16_t port);
   /// Whether both are of the same host, whatever their ports.

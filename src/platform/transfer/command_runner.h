@@ -13,6 +13,7 @@ namespace kv {
 /// Whether nothing more can be said over the connection after a failure of this code.
 bool endsConnection(int code);
 
+/// Runs one command of a transfer at a time.
 class CommandRunner {
  public:
   /// What a command does; its text becomes that of the completion.
@@ -21,9 +22,11 @@ class CommandRunner {
   /// Processes events while a command waits, false cancels it; may be empty.
   std::function<bool()> yield;
 
+  /// Whether a command is running.
   bool isBusy() const { return isBusy_; }
   /// Runs a command. transferOther within another one; its waits end with transferCancelled after abort().
   TransferCompletion run(int silenceSeconds, const Work& work);
+  /// Ends the running command at its next look.
   void abort() { isAborted_ = true; }
 
  private:

@@ -29,6 +29,7 @@ enum class TlsMode {
 /// The protocol that is spoken with the server.
 enum class TransferProtocol { Ftp = 0, Sftp = 1 };
 
+/// How a server is reached.
 struct ConnectionSettings {
   std::string host;  ///< name or number, without "ftp://" and slashes
   std::string user;

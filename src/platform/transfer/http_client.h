@@ -11,6 +11,7 @@
 
 namespace kv {
 
+/// What is asked of a server.
 struct HttpRequest {
   std::string url;                     ///< with "http://" or "https://"
   std::string method = "GET";          ///< "GET" or "POST"
@@ -25,6 +26,7 @@ namespace http {
 constexpr int ok = 200, forbidden = 403, notFound = 404, tooManyRequests = 429, unavailable = 503;
 }
 
+/// What it answers.
 struct HttpResponse {
   int status = 0;    ///< 200, 404 and so on
   std::string body;  ///< bytes as they came

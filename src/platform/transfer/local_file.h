@@ -10,6 +10,7 @@
 
 namespace kv {
 
+/// A local file that is sent, read piece by piece.
 class LocalFile {
  public:
   /// Opens a file. transferLocalFile, naming it, when it can't be read.
@@ -19,6 +20,7 @@ class LocalFile {
 
  private:
   LocalFile(Descriptor descriptor, std::string path, TransferMode mode);
+  /// A piece of a text with CR LF for each line end.
   std::string_view withLineEnds(std::string_view piece);
   Descriptor descriptor_;
   std::string path_;

@@ -24,6 +24,7 @@ class TlsLine {
   bool hasBuffered() const { return SSL_pending(ssl_.get()) > 0; }
   /// Reads at least one byte; 0 at the end of the stream.
   Result<std::size_t> read(char* to, std::size_t room, int descriptor, Patience& patience);
+  /// Sends all of these bytes.
   Result<> write(std::string_view bytes, int descriptor, Patience& patience);
   /// SHA-256 of the other side's certificate; empty when it has shown none.
   std::string fingerprint() const;
@@ -55,11 +56,14 @@ class Tls {
   bool wantsAnother() const { return wantsAnother_; }
 
  private:
+  /// Whether the certificate is the host's; one that isn't known is asked about.
   Result<> verify(const TlsLine& line, const TlsPeer& peer);
+  /// Keeps a session that the server offers, for the next connection.
   static int keepSession(SSL* ssl, SSL_SESSION* session);
   // Made for the first connection: reading the trusted certificates takes longer than a whole dialogue in the clear.
   void prepare();
   std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context_{nullptr, &SSL_CTX_free};
+  /// Agrees with the other side on keys.
   Result<> shakeHands(SSL* ssl, int descriptor, Patience& patience);
   // TLS 1.2 is preferred: its session is resumed by every data connection, while a ticket of TLS 1.3 is often good
   // for one, and an upload ends before the server's next one has come.

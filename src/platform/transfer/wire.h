@@ -28,11 +28,14 @@ class Wire {
   /// Connects to one address.
   static Result<Wire> connect(const SocketAddress& address, Patience& patience);
 
+  /// Whether there is a connection.
   bool isOpen() const { return descriptor_ >= 0; }
+  /// Whether it is encrypted.
   bool isSecure() const { return tls_ != nullptr; }
   int descriptor() const { return descriptor_; }
   /// The TLS of this connection; null in the clear.
   TlsLine* tls() const { return tls_.get(); }
+  /// The addresses of its two ends.
   SocketAddress localAddress() const;
   SocketAddress peerAddress() const;
 
@@ -52,6 +55,7 @@ class Wire {
   bool wasReset() const;
   /// Keeps the connection alive while nothing is said, so that routers on the way don't forget it.
   void keepAlive() const;
+  /// Closes it at once, as after a failure.
   void close();
 
  private:

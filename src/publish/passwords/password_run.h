@@ -42,6 +42,7 @@ struct PasswordParts {
 /// One run.
 class PasswordRun {
  public:
+  /// The services outlive the run.
   PasswordRun(PasswordJob job, PasswordParts parts);
 
   /// Sends the script `name` of the online folder, calls it and removes it. True when the host answered "OK". The user
@@ -54,15 +55,25 @@ class PasswordRun {
   struct Step {
     std::string title, log;
   };
+  /// Asks the merchant to carry the script over himself; false when he cancels.
   bool carriedByHand(const std::string& name);
+  /// Sends the script to the shop's folder of the server, after those that former runs left.
   bool upload(const std::string& name);
+  /// Deletes it there again; what stays is remembered for the next run.
   void remove(const std::string& name);
+  /// UpdateDB (update the database): calls the script; its answer, empty for none.
   std::string UpdateDB(const std::string& name);
+  /// Connects and goes to the folder; the dialogue goes to the step's log.
   bool enterServer(const Step& step);
+  /// Deletes the scripts that former runs left on this server, but for one.
   void removeLeftScripts(const std::string& except);
+  /// Whether a file is in the folder of the server; true where it can't be listed.
   bool isListed(const std::string& name);
+  /// Ends the connection and closes the log.
   void leaveServer();
+  /// Says why an answer is a failure; false for one, and after a cancel.
   bool wait(const TransferCompletion& completion);
+  /// Processes events; false once the user has cancelled.
   bool mayGoOn();
 
   PasswordJob job_;

@@ -63,6 +63,7 @@ class FileTable {
   Result<> remove(const std::string& key);
 
  private:
+  /// Takes over the open file of the table.
   explicit FileTable(Database database) : database_(std::move(database)) {}
   Result<> begin();  // a group, unless one is open
   Result<> keep();   // ends the group that is open

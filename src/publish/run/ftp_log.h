@@ -20,6 +20,7 @@ class FtpLog {
   void open(const std::string& path);
   /// Writes a line, closed with CR LF.
   void write(std::string_view line);
+  /// Ends the file; what is missing of it changes nothing.
   void close();
 
  private:

@@ -10,6 +10,7 @@
 
 namespace kv {
 
+/// The user, asked on that stack.
 class MainStackUser final : public UserPort {
  public:
   /// `user` outlives the object.
@@ -40,6 +41,7 @@ class MainStackUser final : public UserPort {
   UserPort& user_;
 };
 
+/// The window of a run, shown to on that stack.
 class MainStackView final : public PublishView {
  public:
   /// `view` outlives the object.

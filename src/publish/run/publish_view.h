@@ -27,6 +27,7 @@ struct PublishReport {
   std::string failedFile;  ///< in hand when a folder failed; empty when none did
 };
 
+/// What a run shows while it goes on.
 class PublishView {
  public:
   virtual ~PublishView() = default;

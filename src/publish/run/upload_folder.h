@@ -70,6 +70,7 @@ struct UploadParts {
   Clock& clock;
 };
 
+/// Sends one folder after the other over one connection, or several side by side.
 class FolderUploader {
  public:
   FolderUploader(UploadParts parts, UploadOptions options);
@@ -83,6 +84,7 @@ class FolderUploader {
   void HideForm();
   /// Whether the user has cancelled.
   bool cancelled() const { return cancelled_; }
+  /// What was sent so far.
   const PublishReport& report() const { return report_; }
 
  private:
@@ -106,17 +108,29 @@ class FolderUploader {
     std::uint64_t fileSize = 0;    // of the file in hand while it is to be sent
   };
 
+  /// Asks the merchant to carry the files over himself; false when he cancels.
   bool carriedByHand();
+  /// Enters the folder of the server and sends these files of the local one.
   bool sendFolder(const std::vector<std::string>& names);
+  /// Says why the local folder can't be listed; false.
   bool unreadableFolder(const Error& error);
+  /// The end of a folder without files: a refusal of the shop's own, which was never built.
   bool emptyFolder();
+  /// Connects where the first folder asks for it, and goes to the target folder.
   bool enterServer();
+  /// Sends what is new or newer, then offers to clean up.
   bool sendFiles(const std::vector<std::string>& names);
+  /// Marks the rows of the next files as doubtful before they are sent again, in case one breaks off.
   void doubtNext(const std::vector<std::string>& names, std::size_t from);
+  /// The name of a file in the table: server, folder and name.
   std::string keyOf(const std::string& name) const;
+  /// The run's own connection.
   Lane& first() { return lanes_.front(); }
+  /// A lane over a connection, whose lines go to the log with the lane's number.
   Lane& addLane(Transfer& transfer);
+  /// Adds connections up to the number wanted.
   void makeFurtherLanes();
+  /// Sends one kind of files after the other, each over all lanes at once.
   void sendSideBySide(const std::vector<std::string>& names);
   /// The size of a file of the folder that is new or newer; nothing for one that isn't sent.
   std::optional<std::uint64_t> bytesToSend(const std::string& name);
@@ -124,38 +138,63 @@ class FolderUploader {
   std::size_t filesForLanes(const std::vector<std::string>& names, std::size_t begin, std::size_t end);
   /// Adds up the bytes of the files to be sent; false when the user has cancelled meanwhile.
   bool measure(const std::vector<std::string>& names);
+  /// Takes files up to `end` one after the other that no lane has taken yet.
   void sendNext(Lane& lane, const std::vector<std::string>& names, std::size_t end);
+  /// The same over a further connection, which is made first; nothing where the host allows none.
   void helpSending(Lane& lane, const std::vector<std::string>& names, std::size_t end);
+  /// Says good-bye to the further connections, or breaks them off after a failure.
   void leaveFurtherLanes();
+  /// Compares a file with its row in the table, and sends it when it differs.
   void sendIfNewer(Lane& lane, const std::string& name);
   /// Where the content is compared, notes the file's digest; false, and the row follows, when the host has that
   /// content.
   bool hasNewContent(Lane& lane, const std::optional<SentFile>& row);
+  /// Sends the file in hand; after a broken connection once more after each pause.
   void sendWithRetries(Lane& lane);
+  /// Makes the connection of a lane again, as far as the target folder.
   bool connectAgain(Lane& lane);
+  /// Sends the file in hand and sets its rights.
   void sendFile(Lane& lane);
+  /// Sends it under its name; the old file is deleted first, but for one that is appended to.
   void storeFile(Lane& lane);
+  /// Sends it under a temporary name, then lets it take the old file's.
   void storeSafely(Lane& lane);
   /// Lets the temporary file take the name of an old one that is moved aside; on a refusal the old one has its name.
   static TransferCompletion exchange(Lane& lane, const std::string& temporary, const TransferCompletion& refusal);
   static FtpState uploadState(const Lane& lane) {
     return lane.file.known ? FtpState::UploadKnown : FtpState::UploadNew;
   }
+  /// Lets the host run a script, and write a list of passwords.
   void setRights(Lane& lane);
+  /// Enters the file in hand in the report and the table.
   void noteSent(Lane& lane);
+  /// Ends the folder when the table can't be written, and says why once.
   void showTableError(Lane& lane, const Result<>& written);
+  /// CreaCartella (create folder): makes the target folder part by part.
   void CreaCartella();
+  /// Goes to a part of the target folder, made where it is missing.
   bool enterOrMake(const std::string& part);
+  /// Asks whether the missing target folder is to be made; what was sent there is forgotten.
   void offerFolder();
+  /// Asks about files of the server that the shop no longer has.
   void offerCleanUp();
+  /// Deletes such a file; `left` gets its name when it stays.
   void removeFromServer(const std::string& name, std::vector<std::string>& left);
+  /// Fails for good and says why once, or notes a broken connection while there are attempts left.
   void refuse(Lane& lane, const TransferCompletion& completion, const std::string& hint = {});
+  /// WaitFTP (wait for the server): goes on from an answer by what the lane was doing.
   void WaitFTP(Lane& lane, FtpState state, const TransferCompletion& completion);
+  /// What a refusal means in the lane's state: some are no failure.
   void completeFailed(Lane& lane, const TransferCompletion& completion);
+  /// MessaggioFTP (message of the transfer): a line of the log, or the operation shown.
   void MessaggioFTP(const std::string& text, bool toLog);
+  /// Shows how far the file in hand and the folder have come.
   void showProgress(Lane& lane, std::uint64_t fileBytes);
+  /// Processes events; false once the user has cancelled.
   bool mayGoOn();
+  /// Asks about a server whose certificate or key isn't known, once for each.
   bool trusts(const UntrustedServer& server);
+  /// Whether this folder begins with a connection of its own.
   bool opensSession() const;
 
   MainStackUser user_;

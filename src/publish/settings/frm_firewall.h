@@ -27,11 +27,14 @@ class frmFirewall final : public FormDialog {
  private:
   QWidget* makeConnection();
   QWidget* makeFirewall();
+  /// Shows settings.
   void show(const FirewallSettings& settings);
+  /// What is shown.
   FirewallSettings shown() const;
   void enable();  // the fields of the firewall by its kind, those of FTP by the protocol
   void changePort();
   void changeProtocol();
+  /// The protocol that is chosen.
   TransferProtocol protocol() const;
   void save();  // writes the file and closes, or shows the failure
 

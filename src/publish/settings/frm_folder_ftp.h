@@ -34,13 +34,18 @@ class frmFolderFTP final : public FormDialog {
   void showEvent(QShowEvent* event) override;
 
  private:
+  /// Makes the list and the buttons.
   void makeControls();
+  /// Connects and shows the first folder.
   void start();
   void browse(
       const std::function<bool()>& step);  // a command that lists another folder; closes when it ends the session
   void showFolder();
+  /// Disables what would disturb a command of the server.
   void setBusy(bool busy);
+  /// Processes events; false once the user has cancelled.
   bool processEvents();
+  /// OK: takes the folder that is shown.
   void accepted();
 
   ConnectionSettings settings_;

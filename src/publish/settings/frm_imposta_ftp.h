@@ -29,9 +29,13 @@ class frmImpostaFTP final : public FormDialog {
   QWidget* makeFiles();
   QWidget* makeDatabase();
   QWidget* makeLater();
+  /// A box of a group.
   QCheckBox* addBox(QWidget* group, std::string_view caption, std::string_view name);
+  /// A choice of a group.
   QRadioButton* addChoice(QWidget* group, std::string_view caption, std::string_view name);
+  /// Shows options.
   void show(const PublishOptions& options);
+  /// What is shown.
   PublishOptions shown() const;
   void enable();  // what can be used, by what is chosen
   void save();    // writes the file and closes, or shows the failure

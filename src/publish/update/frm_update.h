@@ -25,7 +25,9 @@ class frmUpdate final : public FormDialog {
   void showEvent(QShowEvent* event) override;
 
  private:
+  /// Runs the update, once.
   void start();
+  /// Processes events; false once the user has cancelled.
   bool processEvents();
 
   UpdateJob job_;

@@ -37,6 +37,7 @@ class SetsListener {
 /// The record sets of the catalogue tables that are bound to editors.
 enum class EditedSet { Generale, Categorie, Articoli };
 
+/// The record sets of the window, and its cursors.
 class CatalogueSets {
  public:
   explicit CatalogueSets(Session& session) : session_(session) {}

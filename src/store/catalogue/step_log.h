@@ -58,9 +58,13 @@ class StepLog final : public StepListener {
   std::string path() const;
 
  private:
+  /// Opens the file, made where it is missing and that is wanted; false when it can't be.
   bool open(bool create);
+  /// Adds a step; its ID.
   std::int64_t append(const std::string& name, const std::string& images, bool hasImages);
+  /// Notes whether a step is done or undone.
   void mark(std::int64_t ID, StepState state);
+  /// Deletes the oldest steps beyond the bound.
   void trim();
 
   std::string shopFolder_;

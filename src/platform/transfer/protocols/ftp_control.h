@@ -16,6 +16,7 @@ tl::unexpected<Error> replyFailure(const FtpReply& reply);
 /// Bytes of a server as UTF-8: kept when they are that, else taken for Windows-1252.
 std::string serverText(std::string_view bytes);
 
+/// The connection of commands and replies.
 class FtpControl {
  public:
   /// Told of each line; may be empty.
@@ -25,6 +26,7 @@ class FtpControl {
 
   /// Takes over a fresh connection.
   void open(Wire wire);
+  /// Closes it without a word.
   void close();
   bool isOpen() const { return wire_.isOpen(); }
   Wire& wire() { return wire_; }
@@ -47,7 +49,9 @@ class FtpControl {
   std::string withoutSecrets(std::string text) const;
 
  private:
+  /// The next line that the server sends, without its end.
   Result<std::string> line(Patience& patience);
+  /// Gives a line to whoever listens to the dialogue.
   void showLine(const std::string& text) const;
   Wire wire_;
   std::string unread_;  // bytes after the line that was read last

@@ -17,6 +17,7 @@ struct FtpReply {
   int code = 0;      ///< 100 to 599
   std::string text;  ///< its lines without codes, "\n" between them; bytes as they came
 
+  // By the first digit: another reply follows; done; more is wanted; refused.
   bool isPreliminary() const { return code < 200; }
   bool isDone() const { return code >= 200 && code < 300; }
   bool wantsMore() const { return code >= 300 && code < 400; }

@@ -13,6 +13,7 @@ namespace kv {
 /// How the server wants names beyond ASCII.
 enum class NameEncoding { NotAsked, Utf8, Windows1252 };
 
+/// What commands of one connection share.
 struct FtpSession {
   ConnectionSettings settings;
   FtpControl control;

@@ -30,8 +30,10 @@ class HostKey {
 /// A server as lines of the file name it: "host", or "[host]:port" where the port isn't 22; in lower case.
 std::string knownHostName(std::string_view host, std::string_view port);
 
+/// The keys of servers that the user has trusted, one a line.
 class KnownHosts {
  public:
+  /// What is known of a server's key.
   enum class Standing {
     Unknown,  ///< no key of the server is remembered
     Known,    ///< this key is
@@ -40,6 +42,7 @@ class KnownHosts {
 
   /// Reads the file; none is an empty list. Failures as readBytes: then nobody can say who is known.
   static Result<KnownHosts> read(std::string path);
+  /// Compares a key with those of its server.
   Standing standingOf(const std::string& host, const HostKey& key) const;
   /// The types of a server's remembered keys, in the order of the lines.
   std::vector<std::string> typesOf(const std::string& host) const;
@@ -52,7 +55,9 @@ class KnownHosts {
     std::string hosts;  // one or more names, "," between
     std::string type, base64;
   };
+  /// The lines of a file that hold a key; others are passed over.
   static std::vector<Line> linesOf(std::string_view text);
+  /// The lines of one server.
   std::vector<const Line*> linesAbout(const std::string& host) const;
   std::string path_, text_;
   std::vector<Line> lines_;

@@ -12,6 +12,7 @@
 
 namespace kv {
 
+/// Files and folders of a server over a connection by SSH.
 class SftpChannel {
  public:
   /// `line` outlives the object and is logged in when a routine is called.
@@ -42,11 +43,17 @@ class SftpChannel {
   Result<> store(const std::string& localPath, const std::string& path, const StoreWay& way, Patience& patience);
 
  private:
+  /// What the server knows of a file: size, time, rights.
   Result<LIBSSH2_SFTP_ATTRIBUTES> attributes(const std::string& path, Patience& patience);
+  /// Opens a remote file to write it, or to append to it.
   Result<LIBSSH2_SFTP_HANDLE*> open(const std::string& path, bool appends, Patience& patience);
+  /// Closes one; the failure before it counts more than that of the closing.
   Result<> close(LIBSSH2_SFTP_HANDLE* handle, const Result<>& before, Patience& patience);
+  /// Goes to the end of a file that is appended to.
   Result<> seekEnd(LIBSSH2_SFTP_HANDLE* handle, Patience& patience);
+  /// Writes the local file piece by piece.
   Result<> send(LocalFile& local, LIBSSH2_SFTP_HANDLE* remote, const StoreWay& way, Patience& patience);
+  /// Adds the lines of a folder's listing.
   Result<> readFolder(LIBSSH2_SFTP_HANDLE* folder, std::vector<std::string>& lines, Patience& patience);
   SshLine& line_;
 };

@@ -33,6 +33,7 @@ struct SshMemory {
   std::string password;
 };
 
+/// A connection by SSH with its channel for files, and the calls of the library that wait on it.
 class SshLine {
  public:
   /// A call of the library: what it returns, LIBSSH2_ERROR_EAGAIN while it has to wait.
@@ -52,7 +53,9 @@ class SshLine {
   /// Logs in with the password, as such or as the answer to the server's question, and opens the SFTP channel.
   /// transferOther + 530 when the server doesn't accept it.
   Result<> logIn(const ConnectionSettings& settings, Patience& patience);
+  /// Whether there is a connection.
   bool isOpen() const { return session_ != nullptr; }
+  /// The channel for files; null before logging in.
   LIBSSH2_SFTP* sftp() const { return sftp_; }
 
   /// Repeats a call until it needn't wait; its result when that isn't negative. A failure has the code of what went
@@ -63,18 +66,25 @@ class SshLine {
   Result<Handle*> obtain(const std::function<Handle*()>& call, Patience& patience);
   /// Says good-bye, as far as that needs no waiting.
   void leave();
+  /// Breaks the connection off and frees what belongs to it.
   void close();
 
  private:
+  /// Judges the key that the server shows.
   Result<> trustKey(const ConnectionSettings& settings);
+  /// Prefers the kinds of keys that are known of this server, which may have further ones.
   Result<> preferKnownKeys(const ConnectionSettings& settings);
+  /// Asks about a key that isn't known, and remembers it; one that has changed is refused.
   Result<> askAbout(const ConnectionSettings& settings, const HostKey& key);
+  /// Opens the channel for files.
   Result<> openChannel(Patience& patience);
+  /// Logs in by password, given as such or as the answer to a question.
   Result<> givePassword(const ConnectionSettings& settings, Patience& patience);
   /// The names of the ways to log in, comma-separated; empty when the server is content with the user's name.
   Result<std::string> offeredMethods(const std::string& user, Patience& patience);
   /// False when the server refuses the password; a failure for whatever else goes wrong.
   Result<bool> tryToLogIn(const Call& call, Patience& patience);
+  /// The failure for a code of the library.
   tl::unexpected<Error> failure(ssize_t code) const;
 
   Wire wire_;

@@ -28,9 +28,11 @@ class frmEsportaOrdini final : public FormDialog {
   std::function<std::string()> chooseFile;
 
  private:
+  /// What is chosen: period and state.
   OrderFilter filter() const;
   /// Says how many orders there are; nothing is written without one.
   void showCount();
+  /// Asks for a file and writes the sheet.
   void write();
 
   std::vector<DeskOrder> orders_;

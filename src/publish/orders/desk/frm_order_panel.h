@@ -22,6 +22,7 @@ struct OrderPanelActions {
   std::function<bool(const std::string& text)> addNote;  ///< false: the text stays in its field
 };
 
+/// One order: its text, and what can be done with it.
 class OrderPanel final : public QWidget {
  public:
   explicit OrderPanel(OrderPanelActions actions, QWidget* parent = nullptr);
@@ -38,7 +39,9 @@ class OrderPanel final : public QWidget {
   void update();
   /// Index in orderStates() of the chosen state; -1 for one that this release doesn't know.
   int chosenState() const;
+  /// Asks the shop for the state that is chosen.
   void changeState();
+  /// Sends the note that was typed.
   void addNote();
 
   OrderPanelActions actions_;

@@ -53,14 +53,19 @@ class frmOrdini final : public FormDialog {
   void reload();
   /// Shows the order of the current row.
   void showCurrent();
+  /// Enables what can be done with the orders that are selected.
   void updateCommands();
   /// Asks the server; everything but "Ferma" is off meanwhile.
   void working(const std::function<void()>& work);
+  /// Asks the shop for new orders.
   void fetch();
   /// The selected orders, or all that pass a filter, whole; a failure is told.
   std::vector<DeskOrder> selectedOrders();
+  /// The orders that filters choose; none after a failure, which the user knows.
   std::vector<DeskOrder> ordersOf(const OrderLookup& lookup);
+  /// Says why the kept orders can't be read.
   void showStoreError(const Error& error);
+  /// What the filters choose.
   OrderLookup lookup() const;
 
   OrderDesk& desk_;

@@ -25,6 +25,7 @@ struct StockPanelActions {
   std::function<std::optional<std::string>(const StockChange&, const std::string& name)> set;
 };
 
+/// Stock of the shop's articles and values, found and set.
 class StockPanel final : public QWidget {
  public:
   explicit StockPanel(StockPanelActions actions, QWidget* parent = nullptr);
@@ -35,10 +36,13 @@ class StockPanel final : public QWidget {
   QWidget* makeLevel();
   /// Asks for the first rows, or for those after the ones that are shown.
   void find(bool more);
+  /// How many were found, as the merchant reads it.
   static std::string itemCount(std::size_t count, bool more);
+  /// Shows an item in a row of the list.
   void showRow(int row, const StockItem& item);
   /// Puts the level of the current row into the fields.
   void showLevel();
+  /// Sends the level that was typed for the current row.
   void set();
 
   StockPanelActions actions_;

@@ -28,11 +28,13 @@ struct OrderDeskPorts {
   UserPort& user;
 };
 
+/// What the window of orders does, without the window: fetches, changes and shows failures.
 class OrderDesk {
  public:
   /// `store` outlives the desk.
   OrderDesk(OrderStore& store, OrderDeskPorts ports);
 
+  /// The orders that were fetched.
   OrderStore& store() { return store_; }
   /// What processes events while the server thinks; false cancels. It replaces that of the ports.
   void waitWith(std::function<bool()> yield) { ports_.means.yield = std::move(yield); }
@@ -55,6 +57,7 @@ class OrderDesk {
   std::optional<std::string> setStock(StockChange change, const std::string& name);
 
  private:
+  /// Says what failed, and what was kept.
   void showError(const Error& error);
   /// The failure of a change, and whether the server may have done it all the same.
   void showRefusal(const Error& error);

@@ -39,7 +39,9 @@ std::string dayNote(std::string_view text);
 inline constexpr int orderColumns = 5;
 inline constexpr int orderNameColumn = 2;
 inline constexpr int orderTotalColumn = 3;
+/// The heading of a column of the list.
 std::string orderColumnTitle(int column);
+/// The text of an order in a column.
 std::string orderCell(const OrderSummary& order, int column);
 
 /// All of an order as text, a line for each of its facts.

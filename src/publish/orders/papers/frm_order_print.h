@@ -37,13 +37,19 @@ class frmOrderPrint final : public FormDialog {
  private:
   QWidget* makeChoices();
   QWidget* makePages();
+  /// The buttons below the pages.
   void makeCommands();
   /// The document has changed: what belongs to it is on, and the preview is drawn again.
   void showPaper();
+  /// Enables what the chosen kind of sheet has.
   void showSheet();
+  /// Which page is shown, of how many.
   void showPageNumber();
+  /// Asks for a printer and prints.
   void print();
+  /// Asks for a file and writes it.
   void writePdf();
+  /// Says how printing ended.
   void finishWith(const Result<int>& done);
 
   std::vector<DeskOrder> orders_;

@@ -12,6 +12,7 @@ namespace kv {
 /// The chart.
 class BarChart final : public QWidget {
  public:
+  /// Empty until bars are shown.
   explicit BarChart(QWidget* parent = nullptr);
 
   /// Shows bars; isLying: under each other, each with its name at its left.
@@ -32,10 +33,15 @@ class BarChart final : public QWidget {
     AxisMarks marks;
     double band = 0;  // from one bar to the next
   };
+  /// Where axes and bars are, by the size of the widget.
   Room room() const;
+  /// The rectangle of a bar.
   QRectF barAt(const Room& room, std::size_t index) const;
+  /// The amounts beside the axis, with their lines.
   void drawMarks(QPainter& painter, const Room& room) const;
+  /// Bars from the bottom, for days, weeks and months.
   void drawStanding(QPainter& painter, const Room& room) const;
+  /// Bars from the left, for names.
   void drawLying(QPainter& painter, const Room& room) const;
 
   std::vector<SalesBar> bars_;

@@ -25,6 +25,7 @@ class PeriodRow final : public QWidget {
   void changed();
 
  private:
+  /// Shows the two dates of the chosen period.
   void showPeriod();
 
   std::chrono::sys_days today_;

@@ -27,8 +27,11 @@ class frmVendite final : public FormDialog {
   QWidget* makeSums();
   /// Sums up again and shows it.
   void update();
+  /// Shows sums and bars by what is chosen.
   void showRows();
+  /// Lists the currencies of the orders; hidden when it is one.
   void showCurrencies();
+  /// Copies the table as text.
   void copy();
 
   std::vector<DeskOrder> orders_;

@@ -65,6 +65,7 @@ struct ErasedOrders {
   bool isNone() const { return anonymous.empty() && removed.empty(); }
 };
 
+/// The orders of one shop, in a file beside its catalogue that is made with the first one.
 class OrderStore {
  public:
   /// Opens nothing yet.
@@ -98,6 +99,7 @@ class OrderStore {
   Result<> removeCode(const std::string& code);
   /// The mark of what the server had deleted when that was last followed; empty: never.
   Result<std::string> goneMark(const std::string& address);
+  /// Notes a server's mark of what it has deleted so far.
   Result<> noteGoneMark(const std::string& address, const std::string& mark);
   /// What was erased here and not yet told.
   Result<ErasedOrders> erased();
@@ -120,26 +122,36 @@ class OrderStore {
 
   /// When the server was asked last, in seconds since 1970-01-01 00:00 UTC; 0: never.
   Result<std::int64_t> askedAt();
+  /// Notes when a server was asked last, in seconds since 1970.
   Result<> noteAsked(std::int64_t seconds);
   /// Whether the start of the program tells how many orders are new; true until it is set.
   Result<bool> notifiesAtStart();
+  /// Notes whether new orders are asked for when the program starts.
   Result<> setNotifiesAtStart(bool notifies);
 
  private:
+  /// Renames a damaged file, so that a new one can be made.
   Result<> putAside();
+  /// Makes the file where there is none, and opens it.
   Result<> make();
+  /// A note by its name; empty where there is none.
   Result<std::string> noted(std::string_view name);
+  /// Writes a note; an older one of its name goes.
   Result<> note(std::string_view name, const std::string& value);
+  /// The orders and the cursor of an answer. InUse when another came in between.
   Result<ArrivalCount> keep(const OrderArrival& arrival);
+  /// Deletes these orders from the open file.
   Result<> removeEach(const std::vector<GoneOrder>& orders);
   Result<DeskOrder> readKept(std::string_view text);
   /// Runs a step in one transaction.
   Result<> together(const std::function<Result<>()>& work);
   /// Notes an order that has lost its customer since it was kept.
   Result<> noteIfAnonymous(std::string_view kept, const DeskOrder& received);
+  /// The codes of orders that were erased in one way.
   Result<std::vector<std::string>> notedCodes(std::string_view kind);
   /// The text of an order that is kept; nothing where there is none.
   Result<std::optional<std::string>> keptText(std::int64_t id, const std::string& code);
+  /// Adds an order or replaces it; whether it was added.
   Result<bool> keepOrder(const ReceivedOrder& received, bool isNew);
 
   std::string shopFolder_;

@@ -30,6 +30,7 @@ struct GoneOrder {
   std::int64_t id = 0;
   std::string code;
 };
+/// Orders that the shop has deleted, in pieces.
 struct GoneOrdersAnswer {
   std::vector<GoneOrder> orders;  ///< at most goneOrdersPerAnswer, see order_requests.h
   bool more = false;
@@ -42,6 +43,7 @@ enum class ChangeOutcome {
   Unknown     ///< there is no such order
 };
 
+/// What became of a change of state or a note.
 struct ChangeAnswer {
   ChangeOutcome outcome = ChangeOutcome::Done;
   std::optional<ReceivedOrder> order;  ///< as it is now
@@ -55,10 +57,12 @@ struct StockItem {
   std::string name;
   std::string level;  ///< "1|12", "1|", "0|"
 };
+/// Stock levels that match a search.
 struct StockAnswer {
   std::vector<StockItem> items;  ///< at most 500
   bool more = false;
 };
+/// What became of a change of stock.
 struct StockChangeAnswer {
   ChangeOutcome outcome = ChangeOutcome::Done;
   std::string level;  ///< as it is now
@@ -67,6 +71,7 @@ struct StockChangeAnswer {
 /// One order of an answer, or of the store.
 Result<DeskOrder> deskOrder(const JsonValue& value);
 
+/// Each reads the answer to one kind of request. Malformed, naming the part, for what is no such answer.
 Result<OrdersAnswer> ordersAnswer(const JsonValue& answer);
 Result<GoneOrdersAnswer> goneOrdersAnswer(const JsonValue& answer);
 /// Of `stato` and of `nota`.

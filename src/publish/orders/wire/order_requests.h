@@ -44,6 +44,7 @@ struct StockChange {
 std::string ordersRequest(const std::string& after);
 /// Orders that were deleted, from an index on.
 std::string goneOrdersRequest(int from);
+/// The requests that change something, and the search for stock. Each is one line of JSON.
 std::string stateRequest(const StateChange& change);
 std::string noteRequest(const std::string& code, const std::string& text);
 std::string stockRequest(const StockQuery& query);
