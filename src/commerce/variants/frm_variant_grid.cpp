@@ -106,18 +106,21 @@ bool VariantGrid::runKey(const QKeyEvent& event) {
 void VariantGrid::keyPressEvent(QKeyEvent* event) {
   // The Enter that ends an edit comes through here on its way up, and must not reach the dialog's default button.
   if (state() == QAbstractItemView::EditingState) return;
-  if (runKey(*event)) return;
-  const bool isFixed = currentItem() != nullptr && (currentItem()->flags() & Qt::ItemIsEditable) == 0;
-  if (event->key() == Qt::Key_F2 && isFixed) return;
-  const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  const QTableWidgetItem* current = currentItem();
-  if (current == nullptr || !(isEnter || event->key() == Qt::Key_Space)) return QTableWidget::keyPressEvent(event);
-  if ((current->flags() & Qt::ItemIsEditable) != 0) {
-    if (!isEnter) return QTableWidget::keyPressEvent(event);
+  if (!runKey(*event) && !enterCell(*event)) QTableWidget::keyPressEvent(event);
+}
+
+bool VariantGrid::enterCell(const QKeyEvent& event) {
+  if (currentItem() == nullptr) return false;
+  const bool isEditable = (currentItem()->flags() & Qt::ItemIsEditable) != 0;
+  if (event.key() == Qt::Key_F2) return !isEditable;
+  const bool isEnter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+  if (!isEnter && (isEditable || event.key() != Qt::Key_Space)) return false;
+  if (isEditable) {
     editItem(currentItem());
   } else if (commands_.choose) {
     commands_.choose(currentRow(), currentColumn());
   }
+  return true;
 }
 
 bool VariantGrid::focusNextPrevChild(bool next) {

@@ -60,7 +60,10 @@ class VariantGrid final : public QTableWidget {
   bool focusNextPrevChild(bool next) override;
 
  private:
+  /// Runs the command of a key; false when it has none.
   bool runKey(const QKeyEvent& event);
+  /// Edits the current cell, or lets choose in one that can't be edited. False for a key that the table is to take.
+  bool enterCell(const QKeyEvent& event);
 
   Commands commands_;
   bool filling_ = false;  ///< signals are not the user's

@@ -37,13 +37,17 @@ int PlanModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(planHeadings.size());
 }
 
-QVariant PlanModel::data(const QModelIndex& index, int role) const {
-  if (!index.isValid() || (!isTextRole(role) && role != Qt::CheckStateRole)) return {};
+QVariant PlanModel::boxOf(const QModelIndex& index) const {
   const GuideRow row = guide_.row(planRow(index.row()));
-  if (role == Qt::CheckStateRole) {
-    if (index.column() != Line || !row.canChoose) return {};
-    return row.isChosen ? Qt::Checked : Qt::Unchecked;
-  }
+  if (index.column() != Line || !row.canChoose) return {};
+  return row.isChosen ? Qt::Checked : Qt::Unchecked;
+}
+
+QVariant PlanModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) return {};
+  if (role == Qt::CheckStateRole) return boxOf(index);
+  if (!isTextRole(role)) return {};
+  const GuideRow row = guide_.row(planRow(index.row()));
   const std::array<const std::string*, 4> texts{&row.line, &row.fate, &row.label, &row.reason};
   return textIn(role, *texts[static_cast<std::size_t>(index.column())]);
 }

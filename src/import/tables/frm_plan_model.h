@@ -7,6 +7,7 @@
 
 namespace kv {
 
+/// Four columns of texts: line, fate, label and reason.
 class PlanModel final : public QAbstractTableModel {
   Q_OBJECT
 
@@ -31,6 +32,9 @@ class PlanModel final : public QAbstractTableModel {
   void chosen();
 
  private:
+  /// The state of a row's box; nothing where it has none.
+  QVariant boxOf(const QModelIndex& index) const;
+
   TableGuide& guide_;
   std::vector<std::size_t> rows_;
 };

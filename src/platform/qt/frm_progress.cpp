@@ -27,13 +27,22 @@ void WatchedUser::open() {
   named(window_->findChild<QProgressBar*>(), "prgBarra", look_.bar);
 }
 
+void WatchedUser::end() {
+  delete window_;
+  pointer_.reset();
+  begun_.invalidate();
+}
+
+void WatchedUser::showBar(const Progress& progress, bool isNew) {
+  const bool isKnown = progress.maximum > 0;
+  if (isNew || (window_->maximum() > 0) != isKnown) window_->setRange(0, isKnown ? barSteps : 0);
+  if (isNew) window_->show();
+  // Setting the value lets the window process events: no more often than it can be seen.
+  if (isKnown && pump_.isDue()) window_->setValue(static_cast<int>(progress.position / progress.maximum * barSteps));
+}
+
 void WatchedUser::progress(const Progress& progress) {
-  if (progress.caption.empty()) {
-    delete window_;
-    pointer_.reset();
-    begun_.invalidate();
-    return;
-  }
+  if (progress.caption.empty()) return end();
   if (!begun_.isValid()) begun_.start();
   const bool isNew = window_ == nullptr;
   if (isNew && begun_.elapsed() < look_.delay) return;
@@ -42,11 +51,7 @@ void WatchedUser::progress(const Progress& progress) {
     pointer_.emplace();
   }
   if (const QString caption = toQt(progress.caption); caption != window_->labelText()) window_->setLabelText(caption);
-  const bool isKnown = progress.maximum > 0;
-  if (isNew || (window_->maximum() > 0) != isKnown) window_->setRange(0, isKnown ? barSteps : 0);
-  if (isNew) window_->show();
-  // Setting the value lets the window process events: no more often than it can be seen.
-  if (isKnown && pump_.isDue()) window_->setValue(static_cast<int>(progress.position / progress.maximum * barSteps));
+  showBar(progress, isNew);
 }
 
 bool WatchedUser::yield() {

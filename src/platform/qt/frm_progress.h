@@ -44,6 +44,9 @@ class WatchedUser final : public UserPort {
 
  private:
   void open();
+  void end();
+  /// Moves the bar of the open window; `isNew`: it was opened for this.
+  void showBar(const Progress& progress, bool isNew);
 
   UserPort& user_;
   QWidget* parent_;
