@@ -108,33 +108,39 @@ Result<> CatalogueSeeder::insert(const std::vector<SeedRow>& rows) {
 }
 
 Result<> CatalogueSeeder::insertRow(const SeedRow& row) {
+  const auto table = tableOf(row);
+  if (!table) return fail(table.error());
+  Result<Recordset> records = catalogue_.openRecordset(row.table);
+  if (!records) return at(row, records.error());
+  if (Result<> begun = records->addNew(); !begun) return at(row, begun.error());
+
+  Edit edit{row, **table, *records};
+  if (Result<> done = setFields(edit); !done) return done;
+  if (Result<> done = complete(edit); !done) return done;
+  if (!row.name.empty() && !keys_.emplace(row.name, records->get("ID")).second)
+    return fail(ErrorKind::Exists, lineOf(row), "another row is named " + row.name);
+  if (Result<> done = records->update(); !done) return at(row, done.error());
+  return {};
+}
+
+Result<const TableInfo*> CatalogueSeeder::tableOf(const SeedRow& row) {
   auto known = tables_.find(row.table);
   if (known == tables_.end()) {
     Result<TableInfo> table = catalogue_.table(row.table);
     if (!table) return at(row, table.error());
     known = tables_.emplace(row.table, std::move(*table)).first;
   }
-  Result<Recordset> records = catalogue_.openRecordset(row.table);
-  if (!records) return at(row, records.error());
-  if (Result<> begun = records->addNew(); !begun) return at(row, begun.error());
+  return &known->second;
+}
 
-  Edit edit{row, known->second, *records};
-  for (const SeedField& field : row.fields) {
+Result<> CatalogueSeeder::setFields(Edit& edit) const {
+  for (const SeedField& field : edit.row.fields) {
     const int index = edit.table.columnIndex(field.column);
-    if (index < 0) return fail(ErrorKind::Missing, lineOf(field), row.table + " has no column " + field.column);
+    if (index < 0) return fail(ErrorKind::Missing, lineOf(field), edit.row.table + " has no column " + field.column);
     Result<Value> value = valueOf(field, edit.table.columns[static_cast<std::size_t>(index)]);
     if (!value) return fail(value.error());
     if (Result<> done = edit.set(field.column, *value); !done) return done;
   }
-  if (Result<> done = complete(edit); !done) return done;
-  if (row.table == "categorie")
-    if (Result<> done = completeDepartment(edit); !done) return done;
-  if (row.table == "paesi")
-    if (Result<> done = completeCountry(edit); !done) return done;
-
-  if (!row.name.empty() && !keys_.emplace(row.name, records->get("ID")).second)
-    return fail(ErrorKind::Exists, lineOf(row), "another row is named " + row.name);
-  if (Result<> done = records->update(); !done) return at(row, done.error());
   return {};
 }
 
@@ -149,24 +155,30 @@ Result<Value> CatalogueSeeder::valueOf(const SeedField& field, const ColumnInfo&
               field.column + " can't hold \"" + field.text + "\", it is " + columnTypeName(column.type, column.size));
 }
 
-Result<> CatalogueSeeder::complete(Edit& edit) const {
+Result<> CatalogueSeeder::complete(Edit& edit) {
   for (const ColumnInfo& column : edit.table.columns)
     if (column.type == ColumnType::Bool && !edit.given(column.name))
       if (Result<> done = edit.set(column.name, false); !done) return done;
   if (edit.row.table.starts_with("zona")) return completeZone(edit);
-  if (edit.row.table == "articoli") {
-    const auto spread = [&](const std::string& from, const std::string& to) -> Result<> {
-      if (!edit.given(from) || edit.given(to)) return {};
-      return edit.set(to, edit.records.get(from));
-    };
-    for (int listino = 1; listino < listini; ++listino) {
-      const std::string digit(listinoSuffixes[static_cast<std::size_t>(listino)]);
-      if (Result<> done = spread("prezzo", "prezzo" + digit); !done) return done;
-      for (int slot = 1; slot <= 4; ++slot)
-        if (Result<> done = spread(variantColumn(slot, 0), variantColumn(slot, listino)); !done) return done;
-    }
+  if (edit.row.table == "articoli")
+    if (Result<> done = completePrices(edit); !done) return done;
+  if (Result<> done = measurePictures(edit); !done) return done;
+  if (edit.row.table == "categorie") return completeDepartment(edit);
+  return edit.row.table == "paesi" ? completeCountry(edit) : Result<>();
+}
+
+Result<> CatalogueSeeder::completePrices(Edit& edit) {
+  const auto spread = [&](const std::string& from, const std::string& to) -> Result<> {
+    if (!edit.given(from) || edit.given(to)) return {};
+    return edit.set(to, edit.records.get(from));
+  };
+  for (int listino = 1; listino < listini; ++listino) {
+    const std::string digit(listinoSuffixes[static_cast<std::size_t>(listino)]);
+    if (Result<> done = spread("prezzo", "prezzo" + digit); !done) return done;
+    for (int slot = 1; slot <= 4; ++slot)
+      if (Result<> done = spread(variantColumn(slot, 0), variantColumn(slot, listino)); !done) return done;
   }
-  return measurePictures(edit);
+  return {};
 }
 
 Result<> CatalogueSeeder::completeZone(Edit& edit) const {

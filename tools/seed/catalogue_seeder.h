@@ -36,7 +36,13 @@ class CatalogueSeeder {
   struct Edit;
   Result<> insertRow(const SeedRow& row);
   Result<Value> valueOf(const SeedField& field, const ColumnInfo& column) const;
-  Result<> complete(Edit& edit) const;
+  /// The table of a row, read from the catalogue once.
+  Result<const TableInfo*> tableOf(const SeedRow& row);
+  /// Sets what the row gives.
+  Result<> setFields(Edit& edit) const;
+  /// Sets what follows from it.
+  Result<> complete(Edit& edit);
+  static Result<> completePrices(Edit& edit);
   Result<> completeDepartment(Edit& edit);
   Result<> completeZone(Edit& edit) const;
   Result<> completeCountry(Edit& edit) const;
