@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t mostHeaderRows = 10;  // a headline has fewer rows
 constexpr std::size_t longestHeader = 60;   // bytes; a longer text is none
-constexpr std::size_t mostShown = 40;       // characters of a row in a list
+constexpr std::size_t mostOfRow = 40;       // characters of a row in a list
 
 std::size_t candidates(const ReadSheet& sheet) {
   return sheet.reading.form == SheetForm::Feed ? std::min<std::size_t>(sheet.cells.rows(), 1)
@@ -55,11 +55,11 @@ std::vector<HeaderRow> headerRowsOf(const ReadSheet& sheet) {
   std::vector<HeaderRow> rows;
   for (std::size_t row = 0; row < candidates(sheet); ++row) {
     std::string text;
-    for (std::size_t i = 0; i < sheet.cells.width(row) && text.size() <= mostShown; ++i) {
+    for (std::size_t i = 0; i < sheet.cells.width(row) && text.size() <= mostOfRow; ++i) {
       const std::string_view cell = trim(sheet.cells.cell(row, i).text);
       if (!cell.empty()) text += (text.empty() ? "" : ", ") + std::string(cell);
     }
-    rows.push_back({sheet.cells.line(row), beginningOf(text, mostShown)});
+    rows.push_back({sheet.cells.line(row), beginningOf(text, mostOfRow)});
   }
   return rows;
 }

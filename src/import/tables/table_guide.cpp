@@ -12,7 +12,7 @@ namespace kv {
 namespace {
 
 constexpr std::size_t rowsWithExample = 50;  // looked at for a number
-constexpr std::size_t mostShown = 200;       // characters of a cell
+constexpr std::size_t mostOfCell = 200;      // characters of a cell
 constexpr std::size_t longestNumber = 30;
 constexpr std::string_view outWord = "fuori catalogo";  // the fate of an article that the sheet doesn't list
 
@@ -93,7 +93,7 @@ std::vector<std::vector<std::string>> TableGuide::firstRows(std::size_t count) c
   for (std::size_t row = 0; row < std::min(count, cells.rows()); ++row) {
     rows.emplace_back();
     for (std::size_t i = 0; i < cells.width(); ++i)
-      rows.back().push_back(beginningOf(cells.cell(row, i).text, mostShown));
+      rows.back().push_back(beginningOf(cells.cell(row, i).text, mostOfCell));
   }
   return rows;
 }
@@ -108,7 +108,7 @@ std::string TableGuide::example(std::size_t source) const {
   const CellTable& cells = open_->sheet.cells;
   for (std::size_t row = 1; row < cells.rows(); ++row) {
     const std::string_view text = cells.cell(row, source).text;
-    if (!text.empty()) return beginningOf(text, mostShown);
+    if (!text.empty()) return beginningOf(text, mostOfCell);
   }
   return {};
 }
