@@ -222,7 +222,7 @@ void measureLight(const std::string& folder, int count) {
   });
   printPair(("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp").c_str(),
             {ours, theirs * count / sample}, 0.8);
-  tell("the same once more, beside the first time", {again, ours}, 0.05);
+  printPair("the same once more, beside the first time", {again, ours}, 0.05);
 }
 
 void measurePurge(kv::Database& catalogue, const std::string& folder, int count) {

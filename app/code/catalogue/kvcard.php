@@ -194,7 +194,7 @@ function kvArticlePage(array $row): string
 }
 
 /** The title of an article on its card: the link that the merchant gave it, else one to its own page. */
-function kvTitoloScheda(array $row): string
+function kvCardTitle(array $row): string
 {
     $title = (string) ($row['titolo'] ?? '');
     return stripos($title, '<a ') !== false ? $title

@@ -1,9 +1,9 @@
 <?php
 // ***1.0.7***
-// Words that stand together with nothing but marks between them, as in "l'olio" or "GR-7/B": each two of them are a sequence,
+// Words with nothing but marks between them, as in "l'olio" or "GR-7/B": each two of them are a sequence,
 // which has a set of articles as a word has (kvset.php). So a request of two such words is answered by the index as well,
 // and for one of more few texts are read.
-// In the index a sequence stands as the marks and the second word, KV_SEQUENCE_END, and the first word. What a request asks
+// The index has a sequence as the marks and the second word, KV_SEQUENCE_END, and the first word. What a request asks
 // for is then the beginning of a key. kv_sequenze names each once.
 
 /** The rank of sequences, beside those of words. */
@@ -11,7 +11,7 @@ const KV_SEQUENCE_RANK = 3;
 /** Most characters of a word in a sequence, the nearest to its marks; most marks between two words. */
 const KV_SEQUENCE_WORD = 20;
 const KV_SEQUENCE_MARKS = 4;
-/** A blank that doesn't break: no sequence has it, and the server orders it after the blanks by which it compares keys. */
+/** A no-break space: no sequence has it, and the server orders it after the spaces by which it compares keys. */
 const KV_SEQUENCE_END = "\u{A0}";
 /** Words with marks between them, and what parts them, as patterns. */
 const KV_SEQUENCE_PATTERN = '[\p{L}\p{N}\p{M}]++(?:[^\p{L}\p{N}\p{M}\s]{1,' . KV_SEQUENCE_MARKS . '}+[\p{L}\p{N}\p{M}]++)++';
@@ -44,7 +44,7 @@ function kvSequencePieces(string $word): array
     $text = kvFold(kvUtf8($word));
     $pieces = preg_match('/^' . KV_SEQUENCE_PATTERN . '$/uD', $text)
         ? preg_split(KV_SEQUENCE_SPLIT, $text, -1, PREG_SPLIT_DELIM_CAPTURE) : [];
-    // A longer word stands cut in the index.
+    // A longer word is cut in the index.
     return $pieces === [] || max(array_map('kvLength', $pieces)) >= KV_SEQUENCE_WORD ? [] : $pieces;
 }
 
@@ -55,7 +55,7 @@ function kvIsSequence(string $word): bool
 }
 
 /**
- * The articles that have all sequences of a request word, as they stand where `whole`, else the ends of the word may be in
+ * The articles that have all sequences of a request word, as they are where `whole`, else the ends of the word may be in
  * longer words. Null when the server refused it, all bits where no sequence says the word.
  */
 function kvSequenceSet(string $word, bool $whole, int $length): ?string
