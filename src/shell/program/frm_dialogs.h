@@ -1,6 +1,7 @@
 #pragma once
 // The dialogs of the program, wired to the typed port of the workbench.
 
+#include "platform/qt/frm_dialog.h"
 #include "shell/window/frm_main.h"
 
 namespace kv {
