@@ -5,6 +5,7 @@ import pathlib
 import re
 import signal
 import threading
+import time
 
 PAGE = "cat007.php?n=1"
 # What a visitor may meet while a process of the server dies: no answer at all.
@@ -78,7 +79,9 @@ class LoadedShop:
                 + " );\r\n\r\nUNLOCK TABLES;\r\n")
 
     def kill_php(self):
-        """kill -9 of the workers of this shop's PHP."""
+        """kill -9 of the workers of this shop's PHP, and waits until they have ended: a killed one that has not been given
+        its turn yet still takes a request with it."""
+        killed = []
         for entry in pathlib.Path("/proc").glob("[0-9]*"):
             try:
                 command = (entry / "cmdline").read_bytes()
@@ -88,3 +91,15 @@ class LoadedShop:
                 continue
             if b"php-fpm: pool" in command and str(self.served.home).encode() in master:
                 os.kill(int(entry.name), signal.SIGKILL)
+                killed.append(entry / "stat")
+        end = time.monotonic() + 60
+        while time.monotonic() < end and any(map(self.runs, killed)):
+            time.sleep(0.002)
+
+    @staticmethod
+    def runs(stat):
+        """Whether a process has not ended, by its file in /proc."""
+        try:
+            return stat.read_text().rpartition(")")[2].split()[0] not in "ZX"
+        except OSError:
+            return False
