@@ -197,7 +197,7 @@ Result<> recordPublishedPrices(const std::string& shopFolder, double now, const 
   auto history = openHistory(priceHistoryPath(shopFolder));
   if (!history) return fail(history.error());
   if (auto begun = history->begin(); !begun) return begun;
-  const auto added = addStates(*build, *history, {now, goOn});
+  auto added = addStates(*build, *history, {now, goOn});
   const bool isCancelled = !added && added.error().kind == ErrorKind::Cancelled;
   if (!added && !isCancelled) {
     history->rollback();

@@ -81,9 +81,9 @@ std::vector<std::int64_t> RowOrder::sorted(bool descending) {
   std::vector<Item> items(rows_.size());
   for (std::size_t i = 0; i < items.size(); ++i) items[i].row = i;
   sortFrom(items, 0);
-  std::vector<std::int64_t> IDs(items.size());
-  std::ranges::transform(items, IDs.begin(), [&](const Item& item) { return rows_[item.row].place.ID; });
-  return IDs;
+  std::vector<std::int64_t> order(items.size());
+  std::ranges::transform(items, order.begin(), [&](const Item& item) { return rows_[item.row].place.ID; });
+  return order;
 }
 
 }  // namespace kv
