@@ -283,7 +283,7 @@ TEST_F(ThePictureDialog, APhotoThatTellsItsLocationOffersToLeaveItOut) {
 
 TEST_F(ThePictureDialog, AFileWhoseNameIsNoTextIsTakenAsAnyOther) {
   ASSERT_TRUE(copyFile(pictures + "/piccola.png", pictures + "/\xFF\xE8.png"));
-  ASSERT_TRUE(copyFile(pictures + "/piccola.png", shop + "/work/\xFFz.png"));
+  ASSERT_TRUE(copyFile(pictures + "/piccola.png", joinPath(shop, "work/\xFFz.png")));
   makeDialog();
   files().setCurrentRow(files().count() - 1);
   EXPECT_EQ(size(), "20 x 10");
