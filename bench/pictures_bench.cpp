@@ -220,8 +220,10 @@ void measureLight(const std::string& folder, int count) {
                 "for w in 480 960; do convert $f -resize $w ../altri/w.png && cwebp -quiet -q 80 ../altri/w.png -o "
                 "../altri/$f.$w.webp || exit 1; done; done");
   });
-  printPair(("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp").c_str(),
-            {ours, theirs * count / sample}, 0.8);
+  printPair(
+      ("lighter forms of " + std::to_string(count) + " photos, beside convert and cwebp by " + std::to_string(sample))
+          .c_str(),
+      {ours, theirs * count / sample}, 0.8);
   printPair("the same once more, beside the first time", {again, ours}, 0.05);
 }
 
