@@ -1,10 +1,11 @@
 #pragma once
 // Puts the rows of a sheet in order by what one column holds; rows that hold the same stay in the order of the shop.
-// Texts are compared eight bytes at a time as whole numbers, which a hundred thousand rows need to be sorted at once.
+// Texts are compared seven bytes at a time as whole numbers, which a hundred thousand rows need to be sorted at once.
 
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
@@ -35,22 +36,26 @@ class RowOrder {
  private:
   struct Row {
     ShopPlace place;
-    std::size_t begin = 0, size = 0;  ///< of its text in `texts_`
+    std::string_view text;  ///< in `blocks_`
   };
   struct Item {
-    std::uint64_t word = 0;  ///< eight bytes of the text, the first one highest
+    std::uint64_t word = 0;  ///< seven bytes of the text, the first one highest, then how many it has from there
     std::size_t row = 0;
   };
 
-  std::string_view textOf(const Item& item) const;
+  std::string_view kept(std::string_view text);
+  std::string_view textOf(const Item& item) const { return rows_[item.row].text; }
   std::uint64_t wordAt(const Item& item, std::size_t depth) const;
-  void readWords(std::span<Item> items, std::size_t depth) const;
-  /// Sorts items whose texts are equal up to a depth, as far as they are that long.
+  /// Up to where all texts are equal, of which those of a depth are known to be.
+  std::size_t commonDepth(std::span<const Item> items, std::size_t depth) const;
+  bool hasEnded(const Item& item) const;
+  /// Sorts items whose texts are that long at least and equal up to there.
   void sortFrom(std::span<Item> items, std::size_t depth) const;
-  void sortWhole(std::span<Item> items) const;
+  void sortWhole(std::span<Item> items, std::size_t depth) const;
+  void sortByPlace(std::span<Item> items) const;
 
   std::vector<Row> rows_;
-  std::string texts_;
+  std::deque<std::string> blocks_;  ///< none grows beyond what it has room for, so no text moves
   bool descending_ = false;
 };
 

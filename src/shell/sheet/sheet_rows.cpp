@@ -107,10 +107,14 @@ Result<> SheetRows::readDepartments() {
 
 Result<> SheetRows::readVariants() {
   variantChoices_.clear();
+  variantNames_.clear();
   auto variants = session_.catalogue.prepare("SELECT ID FROM opzioni ORDER BY ID");
   if (!variants) return fail(variants.error());
   auto row = variants->step();
-  for (; row && *row; row = variants->step()) variantChoices_.push_back(names_.variant(variants->integer(0)));
+  for (; row && *row; row = variants->step()) {
+    const std::int64_t ID = variants->integer(0);
+    variantChoices_.push_back(variantNames_[ID] = names_.variant(ID));
+  }
   return row ? Result<>() : fail(row.error());
 }
 
@@ -126,6 +130,12 @@ const SheetRows::Department& SheetRows::departmentOf(std::string_view ID) const 
   return found == departments_.end() ? none : found->second;
 }
 
+const std::string& SheetRows::variantName(std::int64_t ID) const {
+  static const std::string none;
+  const auto found = variantNames_.find(ID);
+  return found == variantNames_.end() ? none : found->second;
+}
+
 void SheetRows::addTo(RowOrder& order, const SheetColumn* by, const Statement& row) const {
   const Department& department = departmentOf(row.text(FieldDepartment));
   const ShopPlace place{department.rank, row.integer(FieldOrder), row.integer(FieldID)};
@@ -137,8 +147,7 @@ void SheetRows::addTo(RowOrder& order, const SheetColumn* by, const Statement& r
       // What has no number comes before all that have.
       return order.add(place, row.isNull(FieldSort) ? -1 : row.number(FieldSort));
     case SheetKind::Vat:
-      return order.add(place,
-                       toNumber(storedNumber(textOf(*by, row.value(FieldSort), department), separator_)).value_or(-1));
+      return order.add(place, numberWithVat(asText(row.value(FieldSort)), department.vat).value_or(-1));
     case SheetKind::Text:
       if (row.storedAs(FieldSort) == StoredAs::Text) return order.add(place, foldCase(row.text(FieldSort)));
       [[fallthrough]];
@@ -208,7 +217,7 @@ std::string SheetRows::textOf(const SheetColumn& column, const Value& stored, co
     case SheetKind::Vat:
       return shownNumber(priceWithVat(asText(stored), department.vat), separator_);
     case SheetKind::Variant:
-      return names_.variant(asInteger(stored));
+      return variantName(asInteger(stored));
     default:
       return shownValue(*column.editor, column.stored, stored, separator_);
   }

@@ -72,6 +72,7 @@ class SheetRows {
   std::vector<std::string> readCells(std::int64_t ID);
   std::string textOf(const SheetColumn& column, const Value& stored, const Department& department) const;
   const Department& departmentOf(std::string_view ID) const;
+  const std::string& variantName(std::int64_t ID) const;
 
   Session& session_;
   std::span<const SheetColumn> columns_;
@@ -80,6 +81,7 @@ class SheetRows {
   std::unordered_map<std::int64_t, std::vector<std::string>> cells_;                    ///< the rows looked at, by ID
   std::unordered_map<std::string, Department, TextHash, std::equal_to<>> departments_;  ///< by ID
   SheetNames names_;
+  std::unordered_map<std::int64_t, std::string> variantNames_;
   std::vector<std::string> departmentChoices_, variantChoices_;
 };
 
