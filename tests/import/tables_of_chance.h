@@ -1,9 +1,11 @@
 #pragma once
 // Shops of chance: every column of every table that sheets hold has values that a careless reader or writer would lose.
 
+#include <map>
 #include <random>
 
 #include "platform/files/zip_file.h"
+#include "store/schema/schema.h"
 #include "support/test_seed.h"
 #include "table_shop.h"
 
@@ -40,6 +42,11 @@ inline void writeOds(const std::string& path, const CellTable& cells) {
 
 class TablesOfChance : public TableShop {
  protected:
+  TablesOfChance() {
+    for (const TableInfo& one : catalogueTables()) {
+      rowsAtFirst_[one.name] = std::stoll(rows("SELECT COALESCE(MAX(rowid), 0) FROM " + one.name));
+    }
+  }
   int upTo(int most) { return std::uniform_int_distribution<int>(0, most)(chance); }
   std::string chanceText(int most) {
     static const std::vector<std::string> pieces{"a",   "Z", " ",     "è",   "€",       ";", ",", "\"", "\r\n", ">",
@@ -95,8 +102,15 @@ class TablesOfChance : public TableShop {
       }
     }
   }
+  /// Takes out the rows that imports before have added, so that no shop is larger than the first.
+  void takeOutAdded() {
+    for (const auto& [name, most] : rowsAtFirst_) {
+      sql("DELETE FROM " + name + " WHERE rowid > " + std::to_string(most));
+    }
+  }
   void fillShop(unsigned number) {
     chance.seed(number);
+    takeOutAdded();
     sql("DELETE FROM articoli; DELETE FROM dettagliop");
     for (int i = upTo(12); i >= 0; --i) {
       sql("INSERT INTO articoli (catID, codice) VALUES ('cat001', 'x'); "
@@ -109,6 +123,9 @@ class TablesOfChance : public TableShop {
   }
 
   std::mt19937 chance;
+
+ private:
+  std::map<std::string, std::int64_t> rowsAtFirst_;  // the highest row of each table
 };
 
 }  // namespace kv::test
