@@ -282,6 +282,11 @@ TEST_F(TableImport, CancelledOrFailingAnywhereLeavesEveryRowAsItWas) {
   EXPECT_EQ(allTables(), before);
 }
 
+TEST_F(TableImport, ShowsWhatACellBecomesInTheShop) {
+  EXPECT_EQ(shownPlan(plan("codice;reparto;immagine0;opzione1\nV-1;cat001, Sconti; ; taglia\nT-1;CAT002; ;Taglia \n")),
+            "2 modificato [Reparto Vetri>Ceramiche] [Variante 1 >Taglia]\n3 invariato\n");
+}
+
 TEST_F(TableImport, TakesPicturesOverAndRemovesThemAgainWhenItIsCancelled) {
   const std::string picture = std::string(KORVANE_TEST_DATA) + "/platform/pictures/corners.gif";
   ASSERT_TRUE(copyFile(picture, root / "Foto Nuova.gif"));

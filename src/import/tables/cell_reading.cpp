@@ -164,6 +164,13 @@ std::string withCrLf(std::string_view text) {
 /// Whether two texts are equal; their line ends come back from some programs as LF alone.
 bool isSameText(std::string_view a, std::string_view b) { return a == b || withCrLf(a) == withCrLf(b); }
 
+/// Whether a cell holds nothing for a column: spaces count in texts alone.
+bool isNothing(const TableColumn& column, std::string_view text) {
+  if (text.empty()) return true;
+  const bool keepsSpaces = column.field == CellField::Text || column.field == CellField::Lines;
+  return !keepsSpaces && text.front() == ' ' && trim(text).empty();
+}
+
 /// The value of a column of whole numbers. text: the cell as it was read; digits: its number.
 CellValue readWhole(const TableColumn& column, std::string_view text, std::string_view digits) {
   const auto number = wholeOf(digits);
@@ -263,9 +270,7 @@ CellValue CellReader::readNamed(const TableColumn& column, std::string_view text
 
 CellValue CellReader::read(const TableColumn& column, const SheetCell& cell) const {
   if (column.field == CellField::Flag || column.field == CellField::Mark) return readFlag(column, cell.text);
-  if (cell.text.empty()) return {};
-  const bool keepsSpaces = column.field == CellField::Text || column.field == CellField::Lines;
-  if (!keepsSpaces && cell.text.front() == ' ' && trim(cell.text).empty()) return {};
+  if (isNothing(column, cell.text)) return {};
   switch (column.field) {
     case CellField::Money:
     case CellField::Percent:
@@ -314,11 +319,17 @@ std::string CellReader::shown(const TableColumn& column, const Statement& row, i
 
 std::string CellReader::plain(const TableColumn& column, const SheetCell& cell) const {
   const bool isFlag = column.field == CellField::Flag || column.field == CellField::Mark;
-  if (!isFlag && !isNumberField(column.field)) return std::string(cell.text);
+  const bool isName = column.field == CellField::Department || column.field == CellField::Variant;
+  if (!isFlag && isNothing(column, cell.text)) return {};
+  if (!isFlag && !isName && !isNumberField(column.field)) return std::string(cell.text);
   const CellValue value = read(column, cell);
   if (!value.refusal.empty()) return std::string(cell.text);
   if (isNull(value.value)) return {};
   switch (column.field) {
+    case CellField::Department:
+      return std::string(names_.pathOf(asText(value.value)));
+    case CellField::Variant:
+      return std::string(names_.variantName(asInteger(value.value)));
     case CellField::Money:
       return shownAmount(asMoney(value.value));
     case CellField::Whole:
@@ -339,6 +350,8 @@ std::optional<bool> CellReader::isSameShown(const TableColumn& column, const Sta
     case CellField::OwnPath:
       return true;
     case CellField::Picture:
+      return isSameText(row.text(index), cell.text) ||
+             (isNothing(column, row.text(index)) && isNothing(column, cell.text));
     case CellField::Text:
     case CellField::Lines:
       return isSameText(row.text(index), cell.text);

@@ -37,7 +37,8 @@ class CellReader {
   /// Whether the field has the value of a cell already.
   bool isSame(const TableColumn& column, const Statement& row, int index, const SheetCell& cell) const;
   /// A text of shown(), or of a cell that read() takes, as the merchant reads it: "," for decimals, amounts with two of
-  /// them at least, "sì" and "no"; what is no such value stays as it is.
+  /// them at least, "sì" and "no", departments and variants as the shop names them; what is no such value stays as it
+  /// is.
   std::string plain(const TableColumn& column, const SheetCell& cell) const;
   /// The text by which a cell is found again among the keys: numbers, paths and names in one form.
   std::string keyText(const TableColumn& column, const SheetCell& cell) const;
