@@ -28,6 +28,7 @@ struct sqlite3;
 namespace kv {
 
 class Recordset;
+class WrittenColumns;
 
 /// How a file is opened; see Database::open.
 enum class OpenMode { Shared, Exclusive, ReadOnly, Scratch };
@@ -106,9 +107,11 @@ class Database {
 
  private:
   friend class ChangeRecorder;
+  friend class WrittenColumns;
   sqlite3* handle_ = nullptr;
   std::string path_;
-  int depth_ = 0;  // of transactions
+  int depth_ = 0;                            // of transactions
+  const WrittenColumns* written_ = nullptr;  // the latest promise about statements, where there is one
 };
 
 /// For its lifetime a database keeps no prepared statement for the next time. A run that needs each of them once would

@@ -11,13 +11,13 @@
 
 namespace kv {
 
-/// A promise about the statements that this thread runs while it lives: of this table of a database they update these
-/// columns and no other. A recorder looks at no other field then; one that changes all the same is not recorded. The
+/// A promise about the statements that a database runs while it lives: of this table they update these columns and no
+/// other. A recorder looks at no other field then; one that changes all the same is not recorded. The
 /// latest promise counts.
 class WrittenColumns {
  public:
   /// Columns that the table hasn't are left out. The database outlives the object and is not moved.
-  WrittenColumns(const Database& database, const TableInfo& table, const std::vector<std::string>& columns);
+  WrittenColumns(Database& database, const TableInfo& table, const std::vector<std::string>& columns);
   ~WrittenColumns();
   WrittenColumns(const WrittenColumns&) = delete;
   WrittenColumns& operator=(const WrittenColumns&) = delete;
@@ -26,7 +26,7 @@ class WrittenColumns {
   static const std::vector<std::size_t>* of(const Database& database, std::string_view table);
 
  private:
-  const Database* database_;
+  Database& database_;
   std::string table_;
   std::vector<std::size_t> columns_;
   const WrittenColumns* former_;
