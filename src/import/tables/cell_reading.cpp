@@ -317,6 +317,28 @@ std::string CellReader::shown(const TableColumn& column, const Statement& row, i
   }
 }
 
+std::string CellReader::plainValue(const TableColumn& column, const Value& value) const {
+  switch (column.field) {
+    case CellField::Department:
+      return std::string(names_.pathOf(asText(value)));
+    case CellField::Variant:
+      return std::string(names_.variantName(asInteger(value)));
+    case CellField::Money:
+      return shownAmount(asMoney(value));
+    case CellField::Whole:
+      return std::to_string(asInteger(value));
+    case CellField::Flag:
+      return asFlag(value) ? "sì" : "no";
+    case CellField::Mark:
+      return asText(value).empty() ? "no" : "sì";
+    case CellField::Percent:
+    case CellField::Number:
+      return withComma(singleText(static_cast<float>(asNumber(value))));
+    default:
+      return asText(value);
+  }
+}
+
 std::string CellReader::plain(const TableColumn& column, const SheetCell& cell) const {
   const bool isFlag = column.field == CellField::Flag || column.field == CellField::Mark;
   const bool isName = column.field == CellField::Department || column.field == CellField::Variant;
@@ -324,23 +346,7 @@ std::string CellReader::plain(const TableColumn& column, const SheetCell& cell) 
   if (!isFlag && !isName && !isNumberField(column.field)) return std::string(cell.text);
   const CellValue value = read(column, cell);
   if (!value.refusal.empty()) return std::string(cell.text);
-  if (isNull(value.value)) return {};
-  switch (column.field) {
-    case CellField::Department:
-      return std::string(names_.pathOf(asText(value.value)));
-    case CellField::Variant:
-      return std::string(names_.variantName(asInteger(value.value)));
-    case CellField::Money:
-      return shownAmount(asMoney(value.value));
-    case CellField::Whole:
-      return std::to_string(asInteger(value.value));
-    case CellField::Flag:
-      return asFlag(value.value) ? "sì" : "no";
-    case CellField::Mark:
-      return asText(value.value).empty() ? "no" : "sì";
-    default:
-      return withComma(singleText(static_cast<float>(asNumber(value.value))));
-  }
+  return isNull(value.value) ? std::string() : plainValue(column, value.value);
 }
 
 std::optional<bool> CellReader::isSameShown(const TableColumn& column, const Statement& row, int index,

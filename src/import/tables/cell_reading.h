@@ -51,6 +51,8 @@ class CellReader {
   /// Whether a text column, or a flag, has what a cell says; nothing for a column whose values are to be compared.
   std::optional<bool> isSameShown(const TableColumn& column, const Statement& row, int index,
                                   const SheetCell& cell) const;
+  /// A value that read() gave, as the merchant reads it.
+  std::string plainValue(const TableColumn& column, const Value& value) const;
   /// An amount, percentage or count; refused when it is none, negative or too great for the column.
   CellValue readNumber(const TableColumn& column, const SheetCell& cell) const;
   /// A text; refused when it is longer than the column.
