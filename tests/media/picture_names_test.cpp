@@ -87,6 +87,14 @@ TEST_F(PictureNames, AnExtensionCarriesNoLineEndAndNoQuote) {
   EXPECT_EQ(named("\xFF\nmare.jpg"), "__mare_0001.jpg");
 }
 
+TEST_F(PictureNames, AStemThatLeavesNoRoomForItsTailIsCut) {
+  EXPECT_EQ(named(std::string(246, 'X') + ".jpg"), std::string(246, 'x') + "_0001.jpg") << "255 bytes";
+  const std::string cut(231, 'x');
+  EXPECT_EQ(named(std::string(247, 'X') + ".jpg"), cut + "_0001.jpg");
+  present(cut + "_0001.jpg");
+  EXPECT_EQ(named(std::string(251, 'x') + ".png", true), cut + "_0002.jpg");
+}
+
 TEST_F(PictureNames, NamesOfChanceNeverMeet) {
   std::mt19937 chance(test::seed());
   const std::vector<std::string> pieces{"foto", "Foto", "_00a1", "_ffff", "_", "à", " ", "É", ".", "x", "0", "_0001"};

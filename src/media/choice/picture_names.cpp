@@ -14,6 +14,8 @@ namespace {
 constexpr std::size_t tailDigits = 4;
 constexpr std::size_t tailLength = tailDigits + 1;  // with its "_"
 constexpr int hexadecimal = 16;
+constexpr std::size_t longestName = 255;  // bytes, of most file systems
+constexpr std::size_t cutName = 240;      // leaves room for what a build appends
 constexpr std::string_view tailPattern =
     "?*[_][abcdef0123456789][abcdef0123456789][abcdef0123456789][abcdef0123456789]";
 constexpr std::array<std::string_view, 5> extensions{"*.gif", "*.jpg", "*.jpeg", "*.png", "*.webp"};
@@ -55,6 +57,8 @@ NameParts partsOf(std::string_view name, bool forceJpg) {
   NameParts parts{plainStem(name.substr(0, dot)), forceJpg ? ".jpg" : ""};
   if (!forceJpg && dot != std::string_view::npos) parts.extension = plainExtension(name.substr(dot));
   if (matchesLike(parts.stem, tailPattern)) parts.stem.resize(parts.stem.size() - tailLength);
+  const std::size_t added = tailLength + parts.extension.size();
+  if (parts.stem.size() + added > longestName && added < cutName) parts.stem.resize(cutName - added);
   return parts;
 }
 
