@@ -101,6 +101,8 @@ TEST(CommandLine, WhatIsMissingOrUnknownIsNamed) {
   EXPECT_EQ(complaint({"--app"}), "manca il valore di --app");
   EXPECT_EQ(complaint({"--app=", "build", "shop"}), "manca il valore di --app");
   EXPECT_EQ(complaint({"--answer", "maybe", "build", "shop"}), "risposta sconosciuta: maybe (yes, no, ok, cancel)");
+  EXPECT_EQ(complaint({"picture", "shop", "a.jpg", "--slot", "0", "--slot=1"}), "due valori diversi per --slot");
+  EXPECT_EQ(parse({"picture", "shop", "a.jpg", "--slot", "0", "--slot=0"})->option("--slot"), "0");
 }
 
 TEST(CommandLine, UsageNamesEveryCommandAndOption) {

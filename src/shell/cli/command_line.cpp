@@ -124,7 +124,8 @@ class Parser {
     if (name == "--app") {
       line_.applicationFolder = value;
     } else if (name != "--answer") {
-      line_.options[name] = value;
+      const auto [given, isFirst] = line_.options.try_emplace(name, value);
+      if (!isFirst && given->second != value) return wrong("due valori diversi per " + name);
     } else if (const auto answer = find(answers, value)) {
       line_.answers.push_back(*answer);
     } else {
