@@ -89,7 +89,7 @@ TEST_F(MovingShops, AnExportIsAShopThatCanBeChecked) {
 
 TEST_F(MovingShops, AZipHoldsAShopThatCanBeChecked) {
   change(shop, "UPDATE articoli SET titolo = 'Unico'");
-  ASSERT_EQ(run({"export", shop, home / "copia", "--with", "T", "--zip"}), CliOutcome::Done) << err.str();
+  ASSERT_EQ(run({"export", shop, home / "copia", "--with", "tW", "--zip"}), CliOutcome::Done) << err.str();
   ASSERT_EQ(listFiles(home / "copia", "*"), (std::vector<std::string>{"negozio.zip"}));
   const std::string unpack = "python3 -m zipfile -e '" + (home / "copia/negozio.zip") + "' '" + (home / "aperto") + "'";
   ASSERT_EQ(std::system(unpack.c_str()), 0);
@@ -97,10 +97,15 @@ TEST_F(MovingShops, AZipHoldsAShopThatCanBeChecked) {
   EXPECT_EQ(run({"check", home / "aperto"}), CliOutcome::Done) << err.str();
 }
 
-TEST_F(MovingShops, AnExportIntoAFullFolderFails) {
+TEST_F(MovingShops, AnExportThatFailsLeavesTheFoldersAsTheyWere) {
   ASSERT_TRUE(createFolders(home / "copia/altro"));
   EXPECT_EQ(run({"export", shop, home / "copia"}), CliOutcome::Failed);
   EXPECT_THAT(err.str(), HasSubstr("La cartella selezionata non è vuota"));
+  change(shop, "UPDATE generale SET template = ''");
+  EXPECT_EQ(run({"export", shop, home / "copia/altro/una/nuova"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("è necessario selezionare un template"));
+  EXPECT_TRUE(folderExists(home / "copia/altro"));
+  EXPECT_FALSE(folderExists(home / "copia/altro/una"));
 }
 
 TEST_F(MovingShops, AnImportReplacesTheRowsAfterABackup) {
@@ -203,7 +208,10 @@ TEST_F(MovingShops, APictureNeedsARowASlotAndAFile) {
   EXPECT_TRUE(listFiles(shop + "/work", "*").empty());
 }
 
-TEST_F(MovingShops, OptionsOfOtherCommandsAreRefused) {
+TEST_F(MovingShops, OptionsThatMakeNoSenseAreRefused) {
+  EXPECT_EQ(run({"export", shop, home / "copia", "--with", "TQ"}), CliOutcome::WrongUsage);
+  EXPECT_EQ(err.str(), "valore non ammesso per --with: TQ\n");
+  EXPECT_FALSE(folderExists(home / "copia"));
   EXPECT_EQ(run({"purge", shop, "--dry-run"}), CliOutcome::WrongUsage);
   EXPECT_THAT(err.str(), StartsWith("korvane-cli: opzione non prevista per il comando purge: --dry-run\n"));
   EXPECT_EQ(run({"export", shop}), CliOutcome::WrongUsage);

@@ -15,6 +15,31 @@
 namespace kv {
 namespace {
 
+/// Whether each character names a part of an export, in either case: those of the usage, and W, without passwords.
+bool areExportLetters(const std::string& with) {
+  return std::ranges::all_of(with,
+                             [](char c) { return std::string_view("TLSRPWtlsrpw").find(c) != std::string::npos; });
+}
+
+/// A folder that is made for an export, with those above it; those that were made go with this object unless they are
+/// to be kept.
+class MadeFolders {
+ public:
+  explicit MadeFolders(const std::string& path) {
+    for (std::string at = path; !at.empty() && !folderExists(at); at = folderOf(at)) made_.push_back(at);
+    ignore(createFolders(path), "the export tells of a folder that can't be written");
+  }
+  MadeFolders(const MadeFolders&) = delete;
+  MadeFolders& operator=(const MadeFolders&) = delete;
+  ~MadeFolders() {
+    for (const std::string& path : made_) ignore(removeFolder(path), "it may hold what couldn't be removed");
+  }
+  void keep() { made_.clear(); }
+
+ private:
+  std::vector<std::string> made_;  // the deepest first
+};
+
 /// A name on a line of its own: a character that would end the line shows as "?".
 std::string onOneLine(std::string name) {
   std::ranges::replace_if(
@@ -25,13 +50,20 @@ std::string onOneLine(std::string name) {
 }  // namespace
 
 CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environment& env) {
+  const std::string with = line.option("--with");
+  if (!areExportLetters(with)) {
+    env.user.message("valore non ammesso per --with: " + with, Icon::Exclamation);
+    return CliOutcome::WrongUsage;
+  }
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;
-  ignore(createFolders(absolutePath(line.object)), "the export tells of a folder that can't be written");
+  MadeFolders folders(absolutePath(line.object));
   const auto options = [&](const ExportOffer&) {
-    return exportTag(exportChoice(line.option("--with") + (line.has("--zip") ? "Z" : "")));
+    return exportTag(exportChoice(with + (line.has("--zip") ? "Z" : "")));
   };
-  switch (EsportaNegozio(open.session, env, options)) {
+  const ExportOutcome outcome = EsportaNegozio(open.session, env, options);
+  if (outcome == ExportOutcome::Done) folders.keep();
+  switch (outcome) {
     case ExportOutcome::Done:
       return CliOutcome::Done;
     case ExportOutcome::Cancelled:
