@@ -10,6 +10,7 @@
 #include "platform/image/pixels.h"
 #include "shell/cli/cli_program.h"
 #include "shell/cli/cli_session.h"
+#include "support/failing_files.h"
 #include "support/scripted_user.h"
 #include "support/temp_folder.h"
 #include "support/value_of.h"
@@ -168,6 +169,11 @@ TEST_F(MovingShops, APurgeNamesUnusedPicturesAndDeletesThemWhenAsked) {
   EXPECT_EQ(run({"purge", shop, "--delete"}), CliOutcome::Done);
   EXPECT_THAT(err.str(), HasSubstr("1 file cancellati"));
   EXPECT_EQ(listFiles(shop + "/work", "*"), (std::vector<std::string>{"LOGO.gif"}));
+  ASSERT_TRUE(writeBytes(joinPath(shop, "work/inutile.gif"), "x"));
+  test::FailingFiles gate(1);
+  gate.onlyFor("/inutile.gif");
+  EXPECT_EQ(run({"purge", shop, "--delete"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("0 file cancellati\nNon è stato possibile cancellare:\ninutile.gif\n"));
 }
 
 TEST_F(MovingShops, APictureIsReducedStoredAndTold) {

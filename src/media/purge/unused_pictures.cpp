@@ -144,6 +144,7 @@ bool PicturePurge::deleteTicked() {
       kept += "\n" + picture.name;
     }
   }
+  kept_ = ticked - gone;
   user_.message(std::to_string(gone) + " file cancellati", Icon::Information);
   if (!kept.empty()) user_.message("Non è stato possibile cancellare:" + kept, Icon::Exclamation);
   return true;

@@ -67,6 +67,8 @@ class PicturePurge {
   /// cmdElimina: asks, deletes what is ticked and tells how many files are really gone. False when nothing is ticked or
   /// the answer is No, and the window stays open. Files that can't be deleted are named after that.
   bool deleteTicked();
+  /// How many ticked files the last deletion left, for they couldn't be deleted.
+  std::size_t keptCount() const { return kept_; }
 
  private:
   /// False, for the search that ends here.
@@ -78,6 +80,7 @@ class PicturePurge {
   PurgeSources sources_;
   UserPort& user_;
   std::vector<UnusedPicture> unused_;
+  std::size_t kept_ = 0;
 };
 
 }  // namespace kv

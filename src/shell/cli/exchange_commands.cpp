@@ -103,7 +103,7 @@ CliOutcome purgePictures(const std::string& shop, const CommandLine& line, Envir
   for (const UnusedPicture& picture : purge.unused()) out << onOneLine(picture.name) << '\n';
   if (!line.has("--delete") || !purge.hasUnused()) return CliOutcome::Done;
   purge.tickAll(true);
-  return purge.deleteTicked() ? CliOutcome::Done : CliOutcome::Failed;
+  return purge.deleteTicked() && purge.keptCount() == 0 ? CliOutcome::Done : CliOutcome::Failed;
 }
 
 }  // namespace kv
