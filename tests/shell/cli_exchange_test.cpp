@@ -129,6 +129,8 @@ TEST_F(MovingShops, AnImportOfSomethingElseFails) {
   const std::string source = home / "nuovo";
   ASSERT_TRUE(copyTree(shop, source));
   EXPECT_EQ(run({"import", shop, source, "--dry-run"}), CliOutcome::Failed);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), StartsWith("Impossibile importare: la versione del database di origine non è supportata\n"));
 }
 
 TEST_F(MovingShops, TheDoctorTellsByItsExitStatusHowBadTheShopIs) {

@@ -388,13 +388,5 @@ TEST_F(PreviewingPrimo, AfterTheImportNothingIsNewOrChanged) {
   EXPECT_THAT(again->changedSettings, ElementsAre());
 }
 
-TEST_F(PreviewingPrimo, OfAFolderCountsItsPicturesAndTellsWhyThereIsNone) {
-  open();
-  EXPECT_THAT(previewOfShop(session.catalogue, source), HasSubstr("Immagini che sostituiranno quelle attuali: 1\n"));
-  EXPECT_EQ(previewOfShop(session.catalogue, ""), "");
-  run(source, "UPDATE generale SET versione = 300");
-  EXPECT_THAT(previewOfShop(session.catalogue, source), HasSubstr("version 300"));
-}
-
 }  // namespace
 }  // namespace kv

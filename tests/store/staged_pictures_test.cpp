@@ -114,12 +114,26 @@ TEST_F(ExchangedPictures, AListOfFilesThatFailsCostsNoPicture) {
   }
 }
 
+TEST_F(ExchangedPictures, APreviewOfAFolderCountsItsPicturesAndTellsWhyThereIsNone) {
+  open();
+  EXPECT_THAT(test::valueOf(previewOfShop(session.catalogue, source)),
+              ::testing::HasSubstr("Immagini che sostituiranno quelle attuali: 1\n"));
+  EXPECT_EQ(test::valueOf(previewOfShop(session.catalogue, "")), "");
+  run(source, "UPDATE generale SET versione = 300");
+  EXPECT_EQ(previewOfShop(session.catalogue, source).error().what,
+            "Impossibile importare: la versione del database di origine non è supportata\n"
+            "Versione del negozio di origine: 300");
+  EXPECT_EQ(previewOfShop(session.catalogue, source + "/work").error().what,
+            "La cartella selezionata non contiene un negozio");
+}
+
 TEST_F(ExchangedPictures, TheirNumberIsNotNoneWhereTheFolderCantBeListed) {
   open();
   test::FailingFiles gate(1);
   gate.onlyAt({FileStep::List});
   gate.onlyFor("/work");
-  const std::string preview = previewOfShop(session.catalogue, source);
+  const auto failed = previewOfShop(session.catalogue, source);
+  const std::string preview = failed ? *failed : failed.error().what;
   EXPECT_TRUE(gate.hasFailed());
   EXPECT_EQ(preview.find("Immagini che sostituiranno"), std::string::npos) << preview;
   EXPECT_NE(preview.find("/work"), std::string::npos) << preview;

@@ -83,9 +83,10 @@ CliOutcome importShop(const std::string& shop, const CommandLine& line, Environm
   const bool dryRun = line.has("--dry-run");
   if (!(dryRun ? open.openToLook(shop) : open.open(shop)) || !holdsSource(env, source)) return CliOutcome::Failed;
   if (dryRun) {
-    const auto preview = previewPrimo(open.session.catalogue, entryPath(source, "catalog.mdb"));
-    out << previewOfShop(open.session.catalogue, source);
-    return preview ? CliOutcome::Done : CliOutcome::Failed;
+    const auto preview = previewOfShop(open.session.catalogue, source);
+    if (!preview) return refused(env, preview.error().what);
+    out << *preview;
+    return CliOutcome::Done;
   }
   const auto outcome = ImportaNegozio(open.session, env, [&] { return importPrimoShop(open.session, env, source); });
   return outcome == PrimoOutcome::Done ? CliOutcome::Done : CliOutcome::Failed;

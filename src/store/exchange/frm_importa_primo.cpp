@@ -55,7 +55,8 @@ void frmImportaPrimo::showPreview() {
   if (path == previewed_) return;
   previewed_ = path;
   const WaitCursor wait;
-  txtAnteprima_->setPlainText(toQt(previewOfShop(session_.catalogue, path)));
+  const auto preview = previewOfShop(session_.catalogue, path);
+  txtAnteprima_->setPlainText(toQt(preview ? *preview : preview.error().what));
 }
 
 }  // namespace kv

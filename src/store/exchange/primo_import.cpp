@@ -1,6 +1,7 @@
 #include "store/exchange/primo_import.h"
 
 #include "platform/files/files.h"
+#include "store/exchange/primo_preview.h"
 #include "store/exchange/primo_rows.h"
 #include "store/exchange/primo_source.h"
 #include "store/shop/load_shop.h"
@@ -14,11 +15,9 @@ namespace kv {
 namespace {
 
 constexpr const char* notOpened = "Impossibile importare a causa del seguente errore: \n";
-constexpr const char* otherVersion = "Impossibile importare: la versione del database di origine non è supportata\n";
 constexpr const char* imported = "Importazione terminata correttamente";
 constexpr const char* failedOnTheWay =
     "L'importazione è avvenuta con errori: ripristinare il backup e riavviare il programma";
-constexpr const char* noSource = "La cartella selezionata non contiene un negozio";
 constexpr const char* noBackup = "Non è possibile creare un backup del negozio:\nprocedere comunque all'importazione?";
 constexpr const char* otherFirstVariant =
     "Nel negozio di origine la variante numero 1 non è \"(nessuna)\":\n"
@@ -62,7 +61,7 @@ int ImportaDati(Session& session, Environment& env, const std::string& path) {
     return static_cast<int>(PrimoOutcome::NotDone);
   }
   if (!isPrimoVersion(*version)) {
-    env.user.message(otherVersion, Icon::Exclamation);
+    env.user.message(std::string(otherPrimoVersion), Icon::Exclamation);
     return static_cast<int>(PrimoOutcome::NotDone);
   }
   const auto taken = takePrimoRows(session.catalogue, source->path());
@@ -71,7 +70,7 @@ int ImportaDati(Session& session, Environment& env, const std::string& path) {
 
 bool holdsSource(Environment& env, const std::string& folder) {
   if (fileExists(entryPath(folder, catalogueFile))) return true;
-  env.user.message(noSource, Icon::Exclamation);
+  env.user.message(std::string(noPrimoShop), Icon::Exclamation);
   return false;
 }
 

@@ -20,6 +20,9 @@ namespace {
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> titledTables{
     {{"articoli", "titolo"}, {"categorie", "titolo"}, {"paesi", "paese"}, {"opzioni", "nome"}}};
 
+constexpr const char* sourceVersionLabel = "Versione del negozio di origine: ";
+constexpr const char* versionField = "versione";  // where a source of another version fails
+
 /// The source among the tables of the catalogue, for as long as this object.
 class AttachedSource {
  public:
@@ -39,6 +42,11 @@ class AttachedSource {
   explicit AttachedSource(Database& catalogue) : catalogue_(&catalogue) {}
   Database* catalogue_;
 };
+
+/// The failure with the text that the merchant reads.
+tl::unexpected<Error> shownFailure(const Error& error, const std::string& folder) {
+  return fail(error.kind, folder, error.where == versionField ? error.what : failureText(error, folder));
+}
 
 std::string titleColumn(std::string_view table) {
   const auto* found = std::ranges::find(titledTables, table, &std::pair<std::string_view, std::string_view>::first);
@@ -127,7 +135,10 @@ Result<SourcePlan> planSource(Database& catalogue, const std::string& path) {
   if (!source) return fail(source.error());
   const auto version = catalogueVersion(*source);
   if (!version) return fail(version.error());
-  if (!isPrimoVersion(*version)) return fail(ErrorKind::Malformed, path, "version " + std::to_string(*version));
+  if (!isPrimoVersion(*version)) {
+    return fail(ErrorKind::Malformed, versionField,
+                std::string(otherPrimoVersion) + sourceVersionLabel + std::to_string(*version));
+  }
   SourcePlan plan{*version, {}, {}};
   for (const std::string_view name : primoTables()) {
     auto table = planTable(catalogue, *source, name);
@@ -212,7 +223,7 @@ Result<PrimoPreview> previewPrimo(Database& catalogue, const std::string& path) 
 }
 
 std::string previewText(const PrimoPreview& preview) {
-  std::string text = "Versione del negozio di origine: " + std::to_string(preview.version) + "\n";
+  std::string text = sourceVersionLabel + std::to_string(preview.version) + "\n";
   for (const PrimoTable& table : preview.tables) text += totalsOf(table);
   text += "Impostazioni modificate: " + joined(preview.changedSettings) + leftOutText(preview.leftOutSettings) + "\n";
   text += "Impostazioni che restano: " + joined(preview.keptSettings) + "\n";
@@ -226,12 +237,14 @@ std::string previewText(const PrimoPreview& preview) {
   return text;
 }
 
-std::string previewOfShop(Database& catalogue, const std::string& folder) {
-  if (folder.empty()) return {};
-  const auto preview = previewPrimo(catalogue, entryPath(folder, catalogueFile));
-  if (!preview) return failureText(preview.error(), folder);
+Result<std::string> previewOfShop(Database& catalogue, const std::string& folder) {
+  if (folder.empty()) return std::string();
+  const std::string source = entryPath(folder, catalogueFile);
+  if (!fileExists(source)) return fail(ErrorKind::Missing, folder, std::string(noPrimoShop));
+  const auto preview = previewPrimo(catalogue, source);
+  if (!preview) return shownFailure(preview.error(), folder);
   const auto pictures = readFileNames(entryPath(folder, "work"), "*");
-  if (!pictures) return failureText(pictures.error(), folder);
+  if (!pictures) return shownFailure(pictures.error(), folder);
   return previewText(*preview) + "Immagini che sostituiranno quelle attuali: " + std::to_string(pictures->size()) +
          "\n";
 }

@@ -35,7 +35,8 @@ struct PrimoTable {
 };
 
 /// The tables of an import and its reservations, if any. Missing when the source lacks a table, Malformed when its
-/// version is not 200 to 299; others as Database::open and attach. Nothing is written.
+/// version is not 200 to 299, `what` being what the merchant reads; others as Database::open and attach. Nothing is
+/// written.
 struct PrimoPreview {
   int version = 0;
   std::vector<PrimoTable> tables;            ///< those that are taken over whole
@@ -48,8 +49,14 @@ Result<PrimoPreview> previewPrimo(Database& catalogue, const std::string& path);
 /// The preview as lines of text in Italian, each closed: totals of each table, then each row with what becomes of it.
 std::string previewText(const PrimoPreview& preview);
 
-/// The preview of the shop in `folder` as text, with the number of its pictures, or why there is none; empty for an
-/// empty path.
-std::string previewOfShop(Database& catalogue, const std::string& folder);
+/// Why a source can't be imported: its folder holds no catalogue, or one of another version (a line, then what more is
+/// known of it).
+inline constexpr std::string_view noPrimoShop = "La cartella selezionata non contiene un negozio";
+inline constexpr std::string_view otherPrimoVersion =
+    "Impossibile importare: la versione del database di origine non è supportata\n";
+
+/// The preview of the shop in `folder` as text, with the number of its pictures; empty for an empty path. Of a failure
+/// the text, `what`, is what the merchant reads.
+Result<std::string> previewOfShop(Database& catalogue, const std::string& folder);
 
 }  // namespace kv
