@@ -131,6 +131,9 @@ TEST_F(MovingShops, AnImportOfSomethingElseFails) {
   EXPECT_EQ(run({"import", shop, source, "--dry-run"}), CliOutcome::Failed);
   EXPECT_EQ(out.str(), "");
   EXPECT_THAT(err.str(), StartsWith("Impossibile importare: la versione del database di origine non è supportata\n"));
+  EXPECT_EQ(run({"import", shop, source, "--variant", "3"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("Il database \"" + source + "\" non può essere aperto"))
+      << "an option of the accounting import asks for no other";
 }
 
 TEST_F(MovingShops, TheDoctorTellsByItsExitStatusHowBadTheShopIs) {

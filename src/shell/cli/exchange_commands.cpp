@@ -77,8 +77,10 @@ CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environm
 
 CliOutcome importShop(const std::string& shop, const CommandLine& line, Environment& env, std::ostream& out) {
   const std::string source = absolutePath(line.object);
-  // A shop is a folder: a file is the accounting package's, and so are the tables of one in a folder.
-  if (fileExists(source) || isAccountingSource(source)) return importAccounting(shop, line, env, out);
+  // A shop is a folder: a file is the accounting package's, and so are the tables of one in a folder. Who names options
+  // of an accounting import means one.
+  const bool isMeant = line.has("--options") || line.has("--variant") || line.has("--company");
+  if (isMeant || fileExists(source) || isAccountingSource(source)) return importAccounting(shop, line, env, out);
   CliSession open(env);
   const bool dryRun = line.has("--dry-run");
   if (!(dryRun ? open.openToLook(shop) : open.open(shop)) || !holdsSource(env, source)) return CliOutcome::Failed;
