@@ -4,14 +4,11 @@
 
 #include "commerce/settings/frm_produttori.h"
 #include "commerce/settings/frm_requisiti.h"
+#include "shell/program/frm_dialogs.h"
 #include "shell/workbench/fields/editor_table.h"
 
 namespace kv {
 namespace {
-
-HelpOpener lawHelp(frmMain& window) {
-  return [&window](std::string_view page) { window.workbench().openHelp(page); };
-}
 
 void openCommand(frmMain& window, const std::string& name) {
   const WorkbenchCommands& commands = window.workbench().commands();
@@ -53,7 +50,7 @@ void wireLaw(frmMain& window, Session& session, Environment& env) {
       window.workbench().showError(fail(editor.error()));
       return false;
     }
-    frmProduttori dialog(session, env, std::move(*editor), lawHelp(window), &window);
+    frmProduttori dialog(session, env, std::move(*editor), helpOf(window), &window);
     dialog.exec();
     return !dialog.tag().empty();
   };
@@ -63,7 +60,7 @@ void wireLaw(frmMain& window, Session& session, Environment& env) {
       window.workbench().showError(fail(duties.error()));
       return false;
     }
-    frmRequisiti dialog(std::move(*duties), lawHelp(window), &window);
+    frmRequisiti dialog(std::move(*duties), helpOf(window), &window);
     dialog.exec();
     if (const auto& target = dialog.chosen()) {
       // The command that opened this window is over before another one begins.

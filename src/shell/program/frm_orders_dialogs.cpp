@@ -13,6 +13,7 @@
 #include "publish/orders/papers/shop_sender.h"
 #include "publish/orders/sales/frm_period_row.h"
 #include "publish/orders/sales/frm_vendite.h"
+#include "shell/program/frm_dialogs.h"
 
 namespace kv {
 namespace {
@@ -48,25 +49,21 @@ void showNotice(frmMain& window, const std::string& text) {
   button->setVisible(!text.empty());
 }
 
-HelpOpener ordersHelpOf(frmMain& window) {
-  return [&window](std::string_view page) { window.workbench().openHelp(page); };
-}
-
 /// Paper, files and sums of orders.
 OrderTools orderTools(frmMain& window, Session& session, Environment& env) {
   OrderTools tools;
   tools.print.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
     auto sender = readShopSender(session);
     if (!sender) return env.user.message(failureText(sender.error()), Icon::Critical);
-    frmOrderPrint(orders, std::move(*sender), env.user, ordersHelpOf(window), over).exec();
+    frmOrderPrint(orders, std::move(*sender), env.user, helpOf(window), over).exec();
   };
   tools.exportFile.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
-    frmEsportaOrdini(orders, dayHere(env.clock.now()), env.user, ordersHelpOf(window), over).exec();
+    frmEsportaOrdini(orders, dayHere(env.clock.now()), env.user, helpOf(window), over).exec();
   };
   tools.sales.run = [&](const std::vector<DeskOrder>& orders, QWidget* over) {
     auto departments = readArticleDepartments(session.catalogue);
     if (!departments) return env.user.message(failureText(departments.error()), Icon::Critical);
-    frmVendite(orders, std::move(*departments), dayHere(env.clock.now()), ordersHelpOf(window), over).exec();
+    frmVendite(orders, std::move(*departments), dayHere(env.clock.now()), helpOf(window), over).exec();
   };
   return tools;
 }
@@ -76,7 +73,7 @@ bool showOrders(frmMain& window, Session& session, Environment& env) {
   const auto http = makeHttpClient();
   OrderDesk desk(store,
                  {[&] { return orderAccess(session, env.random); }, {*http, env.clock, env.random, {}}, env.user});
-  frmOrdini dialog(desk, env.user, orderTools(window, session, env), ordersHelpOf(window), &window);
+  frmOrdini dialog(desk, env.user, orderTools(window, session, env), helpOf(window), &window);
   dialog.exec();
   showNotice(window, {});
   return false;

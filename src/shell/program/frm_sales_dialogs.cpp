@@ -8,6 +8,7 @@
 #include "commerce/variants/frm_opzioni.h"
 #include "platform/ports/failure_text.h"
 #include "publish/passwords/frm_otp.h"
+#include "shell/program/frm_dialogs.h"
 #include "shell/program/shop_address.h"
 #include "store/catalogue/table_rollback.h"
 #include "tags/language/frm_info_lingua.h"
@@ -22,10 +23,6 @@ bool acceptedOrError(frmMain& window, const Result<bool>& outcome) {
   return false;
 }
 
-HelpOpener salesHelp(frmMain& window) {
-  return [&window](std::string_view page) { window.workbench().openHelp(page); };
-}
-
 void wireShipping(frmMain& window, Session& session, Environment& env, const std::shared_ptr<TableRollback>& rollback) {
   WorkbenchDialogs& dialogs = window.workbench().ports().dialogs;
   dialogs.shipping = [&window, &session, &env, rollback] {
@@ -34,7 +31,7 @@ void wireShipping(frmMain& window, Session& session, Environment& env, const std
       ShippingHooks hooks;
       const WorkbenchDialogs::Dialog& configure = window.workbench().ports().dialogs.configurePayment;
       if (configure) hooks.configure = [&] { configured = configure() || configured; };
-      hooks.help = salesHelp(window);
+      hooks.help = helpOf(window);
       hooks.decimalSeparator = window.workbench().decimalSeparator();
       frmSpedizione dialog(session, env, hooks, &window);
       dialog.exec();
@@ -62,7 +59,7 @@ void wirePayment(frmMain& window, Session& session, Environment& env) {
   window.workbench().ports().dialogs.configurePayment = [&window, &session, &env] {
     GatewayHooks hooks;
     hooks.shopAddress = shopAddress(session);
-    hooks.help = salesHelp(window);
+    hooks.help = helpOf(window);
     hooks.passwords = [&session, &env, help = hooks.help] { openPasswordLists(session, env, help); };
     hooks.language = [] { frmInfoLingua(QApplication::activeModalWidget()).exec(); };
     hooks.written = [&window](FileEdits edits) { window.workbench().history().noteFiles(std::move(edits)); };
@@ -78,7 +75,7 @@ void wireVariants(frmMain& window, Session& session, Environment& env, const std
     std::optional<std::int64_t> jump;
     const auto opened = rollback->SalvaTabelleVarianti(
         variantColumn(slot.slot, slot.listino), [&](const std::string& current) -> Result<std::optional<std::int64_t>> {
-          frmOpzioni dialog(session, env, {current, window.workbench().decimalSeparator(), salesHelp(window)}, &window);
+          frmOpzioni dialog(session, env, {current, window.workbench().decimalSeparator(), helpOf(window)}, &window);
           dialog.exec();
           if (dialog.tag().empty()) return std::optional<std::int64_t>();
           jump = dialog.jump();

@@ -4,16 +4,13 @@
 #include "import/tables/frm_importa_foglio.h"
 #include "import/tables/table_export.h"
 #include "platform/qt/frm_progress.h"
+#include "shell/program/frm_dialogs.h"
 #include "store/shop/session_facts.h"
 
 namespace kv {
 namespace {
 
 constexpr int patienceMs = 400;  // a shorter work opens no window
-
-HelpOpener sheetHelp(frmMain& window) {
-  return [&window](std::string_view page) { window.workbench().openHelp(page); };
-}
 
 /// The guide, then the import; false when it was left or nothing was written.
 bool importFromSheet(frmMain& window, Session& session, Environment& own) {
@@ -26,7 +23,7 @@ bool importFromSheet(frmMain& window, Session& session, Environment& own) {
   if (model.empty()) model = session.models.empty() ? fallbackModel : session.models.front();
   TableGuide guide(session, env.settings, sets.onDepartment() ? sets.department() : "", model);
   {
-    frmImportaFoglio dialog(guide, env.user, sheetHelp(window), &window);
+    frmImportaFoglio dialog(guide, env.user, helpOf(window), &window);
     dialog.exec();
     if (dialog.tag().empty()) return false;
   }
@@ -47,7 +44,7 @@ bool exportToSheet(frmMain& window, Session& session, Environment& env) {
   const std::vector<std::int64_t> listed = window.articles().articles().keys();
   SheetExportChoice choice;
   {
-    frmEsportaFoglio dialog(*tables, listed.size(), sheetHelp(window), &window);
+    frmEsportaFoglio dialog(*tables, listed.size(), helpOf(window), &window);
     dialog.exec();
     if (dialog.tag().empty()) return false;
     choice = dialog.choice();
