@@ -16,6 +16,9 @@
 namespace kv {
 namespace {
 
+constexpr std::string_view otherVariant =
+    "Se la variante non è nell'elenco, sceglierla qui sotto e indicare il file del suo database o la cartella dei suoi "
+    "dati.";
 constexpr const char* choosePrompt = "Selezionare la cartella dei dati di Orsa Gestionale:";
 
 QString titleOf(int number) { return toQt(variantTitle(accountingVariants().at(static_cast<std::size_t>(number)))); }
@@ -29,6 +32,7 @@ frmOGChoose::frmOGChoose(Settings& settings, UserPort& user, QWidget* parent)
   lstVarianti_ = named(new QListWidget(), "lstVarianti");
   column->addWidget(labelFor("Varianti &installate:", lstVarianti_));
   column->addWidget(lstVarianti_, 1);
+  column->addWidget(named(wrappedText(otherVariant), "lblNota"));
   column->addWidget(makePath());
   QDialogButtonBox* buttons = makeButtons();
   connect(buttons, &QDialogButtonBox::accepted, this, &frmOGChoose::accepted);
