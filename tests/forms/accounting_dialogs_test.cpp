@@ -4,11 +4,12 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTableView>
 
 #include "import/accounting/frm_importa_og.h"
 #include "import/accounting/frm_importa_ogma_prog.h"
@@ -32,12 +33,24 @@ class TheAccountingDialogs : public test::DialogFixture {
         made->execute("CREATE TABLE Categoria (Id INTEGER, Nome TEXT); INSERT INTO Categoria VALUES (7, 'Vasi');"
                       "CREATE TABLE Articoli (Id INTEGER, IdCategoria INTEGER, Codice TEXT, Descrizione TEXT,"
                       " iva DOUBLE, Vendita1 DOUBLE);"
-                      "INSERT INTO Articoli VALUES (1, 7, 'A', 'Vaso', 22, 3.5);"
+                      "INSERT INTO Articoli VALUES (1, 7, 'A', 'Vaso', 22, 3.5), (2, 9, 'B', 'Fuori', 22, 1);"
                       "CREATE TABLE Nomi (ID INTEGER, nome TEXT, path TEXT)"));
     ASSERT_TRUE(made->execute("INSERT INTO Nomi VALUES (4, 'Uno', 'manca.mdb'), (9, 'Due', '" + source + "')"));
   }
   /// Enter in a dialog presses its default button.
   static void accept(QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }
+  static std::string shownTable(const QTableView& view) {
+    const QAbstractItemModel& model = *view.model();
+    std::string text;
+    for (int row = -1; row < model.rowCount(); ++row) {
+      for (int column = 0; column < model.columnCount(); ++column) {
+        const QVariant cell = row < 0 ? model.headerData(column, Qt::Horizontal) : model.index(row, column).data();
+        text += (column > 0 ? "|" : "") + fromQt(cell.toString());
+      }
+      text += "\n";
+    }
+    return text;
+  }
   std::string source;
 };
 
@@ -62,6 +75,7 @@ TEST_F(TheAccountingDialogs, AFolderChosenForAVariantInstallsItAndOkStoresIt) {
   show(dialog);
   accept(dialog);
   EXPECT_EQ(user.texts(), (std::vector<std::string>{"Selezionare una variante di Orsa Gestionale"}));
+  EXPECT_TRUE(control<QLabel>(dialog, "lblNota")->isVisible()) << "an empty list says how to fill it";
   control<QComboBox>(dialog, "cboVariante")->setCurrentIndex(3);
   user.folders = {shop};
   click(dialog, "cmdCartella");
@@ -164,12 +178,15 @@ TEST_F(TheAccountingDialogs, ThePreviewFollowsTheCompanyAndWritesNothing) {
   frmImportaOGMAProg dialog(session, settings, request);
   show(dialog);
   EXPECT_EQ(test::namelessControls(dialog), "");
-  const auto* preview = control<QPlainTextEdit>(dialog, "txtAnteprima");
-  EXPECT_EQ(fromQt(preview->toPlainText()), "Il database \"manca.mdb\" non può essere aperto\n");
+  const auto* preview = control<QTableView>(dialog, "grdAnteprima");
+  const auto* totals = control<QLabel>(dialog, "lblSomme");
+  EXPECT_EQ(fromQt(totals->text()), "Il database \"manca.mdb\" non può essere aperto");
+  EXPECT_EQ(preview->model()->rowCount(), 0);
   control<QComboBox>(dialog, "cboSelect")->setCurrentIndex(1);
-  EXPECT_TRUE(fromQt(preview->toPlainText()).starts_with("Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi"));
-  EXPECT_GT(preview->tabStopDistance(), preview->fontMetrics().horizontalAdvance(QStringLiteral("tralasciato ")))
-      << "columns stay apart";
+  EXPECT_TRUE(fromQt(totals->text()).starts_with("Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi"));
+  EXPECT_EQ(shownTable(*preview),
+            "Esito|Codice|Titolo|Prezzo|Motivo\nnuovo|dgf7|Vasi||\nnuovo|A|Vaso|3,50|\n"
+            "tralasciato|B|Fuori||reparto dgf9 mancante\n");
   test::keepPicture(dialog, "importa_ogma_prog");
   EXPECT_EQ(test::defaultButton(dialog), "Importa");
   accept(dialog);
@@ -180,12 +197,15 @@ TEST_F(TheAccountingDialogs, ThePreviewFollowsTheCompanyAndWritesNothing) {
 
 TEST_F(TheAccountingDialogs, AVariantWithoutCompaniesShowsItsPreviewAlone) {
   AccountingRequest request;
-  request.line = "0100100";
+  request.line = "0110100";
   request.path = source;
   request.variant = accountingVariants()[0];
   frmImportaOGMAProg dialog(session, settings, request);
   show(dialog);
   EXPECT_EQ(dialog.findChild<QComboBox*>(QStringLiteral("cboSelect")), nullptr);
+  EXPECT_EQ(shownTable(*control<QTableView>(dialog, "grdAnteprima")),
+            "Esito|Codice|Titolo|Prezzo|Offerta|Motivo\nnuovo|dgf7|Vasi|||\nnuovo|A|Vaso|3,50|3,50|\n"
+            "tralasciato|B|Fuori|||reparto dgf9 mancante\n");
   expectEscapeLeaves(dialog);
 }
 
@@ -242,7 +262,7 @@ TEST_F(TheAccountingImportInTheWindow, EscapeFromItsPreviewChangesNothing) {
   whenShown(title, [&](QWidget& choice) {
     whenShown(title, [&](QWidget& options) {
       whenShown(title, [&](QWidget& preview) {
-        isPreview = preview.findChild<QPlainTextEdit*>(QStringLiteral("txtAnteprima")) != nullptr;
+        isPreview = preview.findChild<QTableView*>(QStringLiteral("grdAnteprima")) != nullptr;
         QTest::keyClick(&preview, Qt::Key_Escape);
       });
       control<QComboBox>(options, "cboListino")->setCurrentIndex(0);

@@ -210,7 +210,7 @@ TEST_F(AccountingRows, ImportedAgainNothingChangesInEitherMode) {
 TEST_F(AccountingRows, ACodeTooLongForItsColumnAndAPriceThatIsNoNumberAreLeftOutAndSaid) {
   article("1, 7, '" + std::string(60, 'x') + "', 'Vaso', 22, 1, 1, 0");
   article("2, 7, 'B', 'Tazza', 22, 'gratis', 1, 0");
-  const std::string preview = accountingPreviewText(session, settings, request);
+  const std::string preview = previewText();
   EXPECT_NE(preview.find("\tVaso\tcodice più lungo di 50 caratteri\n"), std::string::npos) << preview;
   EXPECT_NE(preview.find("tralasciato\tB\tTazza\tprezzo non valido\n"), std::string::npos) << preview;
   importWith("0100100");
@@ -223,7 +223,7 @@ TEST_F(AccountingRows, ThePreviewTellsEachRowWithTotalsAndWritesNothing) {
   article("2, 7, 'B', 'Tazza', 22, 2, 1, 0");
   article("3, 9, 'C', 'Fuori', 22, 2, 1, 0");
   const std::string before = allRows();
-  EXPECT_EQ(accountingPreviewText(session, settings, request),
+  EXPECT_EQ(previewText(),
             "Reparti: 1 nuovi, 0 invariati\nArticoli: 1 nuovi, 1 modificati, 0 invariati, 1 tralasciati\n"
             "nuovo\tdgf7\tVasi\nmodificato\tA\tVaso\t3,50\nnuovo\tB\tTazza\t2,00\n"
             "tralasciato\tC\tFuori\treparto dgf9 mancante\n");

@@ -63,6 +63,12 @@ class AccountingShop : public ::testing::Test {
   }
   void article(const std::string& values) { fill("INSERT INTO Articoli VALUES (" + values + ")"); }
 
+  /// The preview of the request as the command line prints it, or why there is none.
+  std::string previewText() {
+    const auto plan = previewAccounting(session, settings, request);
+    if (!plan) return plan.error().what;
+    return planText(*plan, readAccountingOptions(request.line, request.variant.generation));
+  }
   AccountingEnd import() { return importAccountingRows(session, env, request); }
   /// Imports with a line of options, and expects it to succeed.
   void importWith(const std::string& line) {

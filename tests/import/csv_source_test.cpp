@@ -42,7 +42,7 @@ TEST_F(CsvFolder, IsImportedLikeADatabase) {
 }
 
 TEST_F(CsvFolder, ItsFormIsShownInThePreview) {
-  const std::string preview = accountingPreviewText(session, settings, request);
+  const std::string preview = previewText();
   EXPECT_TRUE(preview.starts_with(
       "Categoria.csv: Windows-1252, separatore di campo \";\", separatore decimale \",\"\n"
       "Articoli.csv: Unicode, separatore di campo \";\", separatore decimale \",\"\nReparti: 1 nuovi"))
@@ -61,9 +61,11 @@ TEST_F(CsvFolder, WithMoreThanASheetMayHoldIsRefusedWithTheReason) {
   ASSERT_TRUE(writeBytes(request.path + "/Articoli.csv",
                          "Id;IdCategoria;Codice;Descrizione;iva;Vendita1\n1;7;A;B;22;1;" + columns + "x\n"));
   EXPECT_TRUE(isAccountingSource(request.path));
-  EXPECT_EQ(accountingPreviewText(session, settings, request),
+  const auto plan = previewAccounting(session, settings, request);
+  ASSERT_FALSE(plan);
+  EXPECT_EQ(plan.error().what,
             "Non è stato possibile importare i dati (Il foglio \"Articoli.csv\" è troppo grande: dividerlo in più "
-            "fogli)\n");
+            "fogli)");
   EXPECT_EQ(import(), AccountingEnd::NotDone);
   EXPECT_EQ(user.texts().back(), "Non è stato possibile importare i dati");
   EXPECT_EQ(allRows(), "");

@@ -101,6 +101,9 @@ TEST_F(AccountingOnTheCommandLine, OptionsThatAreNoneAreWrongUsage) {
 
 TEST_F(AccountingOnTheCommandLine, AFileOfAnotherKindCannotBeOpened) {
   ASSERT_TRUE(writeBytes(home / "testo.mdb", "niente"));
+  EXPECT_EQ(run({"import", shop, home / "testo.mdb", "--options", "0100003", "--dry-run"}), CliOutcome::Failed);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), HasSubstr("non può essere aperto"));
   EXPECT_EQ(run({"import", shop, home / "testo.mdb", "--options", "0100003"}), CliOutcome::Failed);
   EXPECT_THAT(err.str(), HasSubstr("non può essere aperto"));
 }

@@ -163,15 +163,8 @@ Result<AccountingPlan> previewAccounting(Session& session, const Settings& setti
   if (!plan) {
     return fail(plan.error().kind, located->path, std::string(accountingFailed) + " (" + plan.error().what + ")");
   }
+  plan->form = (*source)->description();
   return plan;
-}
-
-std::string accountingPreviewText(Session& session, const Settings& settings, const AccountingRequest& request) {
-  const auto plan = previewAccounting(session, settings, request);
-  if (!plan) return plan.error().what + "\n";
-  const auto located = locateAccounting(settings, request);
-  const auto source = located ? openAccountingSource(located->path) : fail(located.error());
-  return (source ? (*source)->description() : std::string()) + planText(*plan, targetOf(request).options);
 }
 
 }  // namespace kv

@@ -51,11 +51,8 @@ struct LocatedSource {
 };
 Result<LocatedSource> locateAccounting(const Settings& settings, const AccountingRequest& request);
 
-/// What an import would do, as text; why there is none where it would fail. Writes nothing.
+/// What an import would do. Writes nothing. Of a failure the text, `what`, is the message that the import would end
+/// with.
 Result<AccountingPlan> previewAccounting(Session& session, const Settings& settings, const AccountingRequest& request);
-
-/// The preview as text in Italian, with what was found out about the form of the source; the message that the import
-/// would end with where there is no preview.
-std::string accountingPreviewText(Session& session, const Settings& settings, const AccountingRequest& request);
 
 }  // namespace kv

@@ -211,24 +211,37 @@ Result<AccountingPlan> planAccountingImport(Database& catalogue, const Accountin
   return Planner(catalogue, target).plan(source);
 }
 
-std::string planText(const AccountingPlan& plan, const AccountingOptions& options) {
-  const auto count = [](std::size_t number) { return std::to_string(number); };
-  std::string text = "Reparti: " + count(plan.countDepartments(RowFate::New)) + " nuovi, " +
-                     count(plan.countDepartments(RowFate::Same)) + " invariati\n" +
-                     "Articoli: " + count(plan.countArticles(RowFate::New)) + " nuovi, " +
-                     count(plan.countArticles(RowFate::Changed)) + " modificati, " +
-                     count(plan.countArticles(RowFate::Same)) + " invariati, " +
-                     count(plan.countArticles(RowFate::LeftOut)) + " tralasciati\n";
-  for (const PlannedDepartment& row : plan.departments) {
-    text += std::string(fateWord(row.fate)) + "\t" + row.ID + "\t" + row.titolo + "\n";
+std::size_t shownRowCount(const AccountingPlan& plan) { return plan.departments.size() + plan.articles.size(); }
+
+ShownPlanRow shownRow(const AccountingPlan& plan, const AccountingOptions& options, std::size_t index) {
+  if (index < plan.departments.size()) {
+    const PlannedDepartment& row = plan.departments[index];
+    return {std::string(fateWord(row.fate)), row.ID, row.titolo, {}, {}, row.reason};
   }
-  for (const PlannedArticle& row : plan.articles) {
-    text += std::string(fateWord(row.fate)) + "\t" + row.codice + "\t" + row.titolo + "\t";
-    if (row.fate == RowFate::LeftOut) {
-      text += row.reason + "\n";
-      continue;
-    }
-    text += amountText(row.prezzo) + (options.offer > 0 ? "\t" + amountText(row.offertaprezzo) : "") + "\n";
+  const PlannedArticle& row = plan.articles[index - plan.departments.size()];
+  ShownPlanRow shown{std::string(fateWord(row.fate)), row.codice, row.titolo, {}, {}, row.reason};
+  if (row.fate == RowFate::LeftOut) return shown;
+  shown.price = amountText(row.prezzo);
+  if (options.offer > 0) shown.offer = amountText(row.offertaprezzo);
+  return shown;
+}
+
+std::string planTotals(const AccountingPlan& plan) {
+  const auto count = [](std::size_t number) { return std::to_string(number); };
+  return plan.form + "Reparti: " + count(plan.countDepartments(RowFate::New)) + " nuovi, " +
+         count(plan.countDepartments(RowFate::Same)) + " invariati\n" +
+         "Articoli: " + count(plan.countArticles(RowFate::New)) + " nuovi, " +
+         count(plan.countArticles(RowFate::Changed)) + " modificati, " + count(plan.countArticles(RowFate::Same)) +
+         " invariati, " + count(plan.countArticles(RowFate::LeftOut)) + " tralasciati\n";
+}
+
+std::string planText(const AccountingPlan& plan, const AccountingOptions& options) {
+  std::string text = planTotals(plan);
+  for (std::size_t i = 0; i < shownRowCount(plan); ++i) {
+    const ShownPlanRow row = shownRow(plan, options, i);
+    text += row.fate + "\t" + row.code + "\t" + row.title;
+    for (const std::string& more : {row.price, row.offer, row.reason}) text += more.empty() ? "" : "\t" + more;
+    text += "\n";
   }
   return text;
 }

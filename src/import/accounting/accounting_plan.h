@@ -47,6 +47,7 @@ struct AccountingPlan {
   /// IDs of the articles that rows of the plan mean; 0 for one that the import adds first.
   std::vector<std::int64_t> keys;
   bool hasVat = false;  ///< the catalogue's articles have a column `iva`
+  std::string form;     ///< what was found out about the form of the source: lines in Italian, often none
 
   /// How many rows have a fate.
   std::size_t countDepartments(RowFate fate) const;
@@ -59,6 +60,18 @@ struct AccountingPlan {
 Result<AccountingPlan> planAccountingImport(Database& catalogue, const AccountingSource& source,
                                             const AccountingTarget& target);
 
+/// A row of a plan as it is shown: a department's code is its key.
+struct ShownPlanRow {
+  std::string fate, code, title;
+  std::string price, offer;  ///< empty for a department and for a row that is left out; offer too where none is taken
+  std::string reason;        ///< why the row is left out
+};
+/// How many rows are shown, the departments before the articles.
+std::size_t shownRowCount(const AccountingPlan& plan);
+ShownPlanRow shownRow(const AccountingPlan& plan, const AccountingOptions& options, std::size_t index);
+
+/// The form of the source and how many rows become what: lines of text in Italian.
+std::string planTotals(const AccountingPlan& plan);
 /// The plan as lines of text in Italian: totals, then each row with what becomes of it and why.
 std::string planText(const AccountingPlan& plan, const AccountingOptions& options);
 

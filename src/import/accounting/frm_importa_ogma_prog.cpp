@@ -2,9 +2,14 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QHeaderView>
 #include <QLabel>
-#include <QPlainTextEdit>
+#include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
+
+#include "import/accounting/frm_accounting_plan_model.h"
+#include "platform/text/text.h"
 
 namespace kv {
 
@@ -28,19 +33,23 @@ frmImportaOGMAProg::frmImportaOGMAProg(Session& session, const Settings& setting
     column->addWidget(cboSelect_);
     connect(cboSelect_, &QComboBox::currentIndexChanged, this, &frmImportaOGMAProg::showPreview);
   }
-  txtAnteprima_ = named(new QPlainTextEdit(), "txtAnteprima");
-  txtAnteprima_->setReadOnly(true);
-  txtAnteprima_->setTabChangesFocus(true);
-  // The first column holds words such as "tralasciato", in a font of any size.
-  const QString widest = QStringLiteral("tralasciato  ");
-  txtAnteprima_->setTabStopDistance(txtAnteprima_->fontMetrics().horizontalAdvance(widest));
-  column->addWidget(labelFor("&Anteprima:", txtAnteprima_));
-  column->addWidget(txtAnteprima_, 1);
+  lblSomme_ = named(wrappedText(""), "lblSomme");
+  column->addWidget(lblSomme_);
+  grdAnteprima_ = named(new QTableView(), "grdAnteprima");
+  model_ = new AccountingPlanModel(readAccountingOptions(request_.line, request_.variant.generation), grdAnteprima_);
+  grdAnteprima_->setModel(model_);
+  grdAnteprima_->verticalHeader()->hide();
+  grdAnteprima_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  grdAnteprima_->setTabKeyNavigation(false);
+  grdAnteprima_->setWordWrap(false);
+  grdAnteprima_->horizontalHeader()->setStretchLastSection(true);
+  column->addWidget(labelFor("&Anteprima:", grdAnteprima_));
+  column->addWidget(grdAnteprima_, 1);
   QDialogButtonBox* buttons = makeButtons("Importa");
   connect(buttons, &QDialogButtonBox::accepted, this, [this] { finish("OK" + company()); });
   column->addWidget(buttons);
+  sizeInCharacters(100, 30);
   showPreview();
-  sizeInCharacters(90, 30);
 }
 
 std::string frmImportaOGMAProg::company() const {
@@ -50,7 +59,15 @@ std::string frmImportaOGMAProg::company() const {
 
 void frmImportaOGMAProg::showPreview() {
   const WaitCursor wait;
-  txtAnteprima_->setPlainText(toQt(accountingPreviewText(session_, settings_, request_)));
+  auto plan = previewAccounting(session_, settings_, request_);
+  lblSomme_->setText(toQt(trim(plan ? planTotals(*plan) : plan.error().what)));
+  model_->show(plan ? std::move(*plan) : AccountingPlan());
+  constexpr int widestColumn = 36;  // in characters; a long title would push the reason out of sight
+  const int widest = widestColumn * fontMetrics().averageCharWidth();
+  for (int i = 0; i < model_->columnCount() - 1; ++i) {  // the last one takes what is left
+    grdAnteprima_->resizeColumnToContents(i);
+    grdAnteprima_->setColumnWidth(i, std::min(grdAnteprima_->columnWidth(i), widest));
+  }
 }
 
 }  // namespace kv

@@ -5,9 +5,12 @@
 #include "platform/qt/frm_dialog.h"
 
 class QComboBox;
-class QPlainTextEdit;
+class QLabel;
+class QTableView;
 
 namespace kv {
+
+class AccountingPlanModel;
 
 /// The tag is "OK" and, for a variant with a list of companies, the `ID` of the one that was chosen. Nothing is
 /// written here.
@@ -32,7 +35,9 @@ class frmImportaOGMAProg final : public FormDialog {
   AccountingRequest request_;
   std::vector<AccountingCompany> companies_;
   QComboBox* cboSelect_ = nullptr;
-  QPlainTextEdit* txtAnteprima_ = nullptr;
+  QLabel* lblSomme_ = nullptr;
+  QTableView* grdAnteprima_ = nullptr;
+  AccountingPlanModel* model_ = nullptr;
 };
 
 }  // namespace kv

@@ -2,24 +2,14 @@
 
 #include <array>
 
+#include "platform/qt/frm_cell_text.h"
 #include "platform/qt/frm_dialog.h"
-#include "platform/qt/frm_plain_tip.h"
 
 namespace kv {
 namespace {
 
 enum PlanColumn { Line, Fate, Label, Reason };
 constexpr std::array<std::string_view, 4> planHeadings{"Riga", "Esito", "Che cosa", "Motivo"};
-
-bool isTextRole(int role) {
-  return role == Qt::DisplayRole || role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
-}
-
-/// The text of a cell as it is shown, spoken or told by its tip.
-QString textIn(int role, const std::string& text) {
-  if (role == Qt::ToolTipRole) return plainTip(toQt(text));
-  return toQt(role == Qt::AccessibleTextRole && text.empty() ? "vuoto" : text);
-}
 
 }  // namespace
 
@@ -46,10 +36,10 @@ QVariant PlanModel::boxOf(const QModelIndex& index) const {
 QVariant PlanModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   if (role == Qt::CheckStateRole) return boxOf(index);
-  if (!isTextRole(role)) return {};
+  if (!isCellTextRole(role)) return {};
   const GuideRow row = guide_.row(planRow(index.row()));
   const std::array<const std::string*, 4> texts{&row.line, &row.fate, &row.label, &row.reason};
-  return textIn(role, *texts[static_cast<std::size_t>(index.column())]);
+  return cellText(role, *texts[static_cast<std::size_t>(index.column())]);
 }
 
 bool PlanModel::setData(const QModelIndex& index, const QVariant& value, int role) {

@@ -66,8 +66,10 @@ CliOutcome importAccounting(const std::string& shop, const CommandLine& line, En
   if (!(dryRun ? open.openToLook(shop) : open.open(shop))) return CliOutcome::Failed;
   completeLine(*request, shop);
   if (dryRun) {
-    out << accountingPreviewText(open.session, env.settings, *request);
-    return previewAccounting(open.session, env.settings, *request) ? CliOutcome::Done : CliOutcome::Failed;
+    const auto plan = previewAccounting(open.session, env.settings, *request);
+    if (!plan) return refused(env, plan.error().what);
+    out << planText(*plan, readAccountingOptions(request->line, request->variant.generation));
+    return CliOutcome::Done;
   }
   request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
   const AccountingEnd end = importAccountingRows(open.session, env, *request);
