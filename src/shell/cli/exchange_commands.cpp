@@ -16,7 +16,7 @@ namespace kv {
 namespace {
 
 /// Whether each character names a part of an export, in either case: those of the usage, and W, without passwords.
-bool areExportLetters(const std::string& with) {
+bool areExportCharacters(const std::string& with) {
   return std::ranges::all_of(with,
                              [](char c) { return std::string_view("TLSRPWtlsrpw").find(c) != std::string::npos; });
 }
@@ -51,7 +51,7 @@ std::string onOneLine(std::string name) {
 
 CliOutcome exportShop(const std::string& shop, const CommandLine& line, Environment& env) {
   const std::string with = line.option("--with");
-  if (!areExportLetters(with)) {
+  if (!areExportCharacters(with)) {
     env.user.message("valore non ammesso per --with: " + with, Icon::Exclamation);
     return CliOutcome::WrongUsage;
   }
