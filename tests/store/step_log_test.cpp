@@ -46,6 +46,12 @@ class TheStepLog : public TreeFixture {
     }
     return 0;
   }
+  /// Runs a statement on the file of the steps, as another program would.
+  void onFile(const std::string& statement) {
+    auto file = Database::open(log->path(), OpenMode::Shared);
+    ASSERT_TRUE(file);
+    ASSERT_TRUE(file->execute(statement));
+  }
   void goBack(const WayBack& way) {
     ASSERT_TRUE(history.record(wayBackStep(way), [&] { return goBackByRows(session.catalogue, *log, way); }));
   }
@@ -216,6 +222,41 @@ TEST_F(TheStepLog, ACopyIsGoneBackToWithAllThatWasDoneSinceItWasMade) {
   EXPECT_EQ(asked.icon, Icon::Exclamation);
 }
 
+TEST_F(TheStepLog, ADamagedImageIsNoticedAndNotRestored) {
+  step("Primo", "UPDATE articoli SET titolo = 'Vaso'");
+  step("Secondo", "UPDATE articoli SET titolo = 'Tazza'");
+  startSession();
+  // One character of the text before: the image can still be read, and the row is as the step left it.
+  onFile("UPDATE passi SET righe = CAST(replace(CAST(righe AS TEXT), 'Vaso', 'Vaio') AS BLOB) WHERE nome = 'Secondo'");
+  const auto changes = log->changesOf(stepNamed("Secondo"));
+  ASSERT_FALSE(changes);
+  EXPECT_EQ(changes.error().kind, ErrorKind::Corrupt);
+  EXPECT_EQ(unreadableStepText(changes.error()),
+            "Le righe di questo passo sono danneggiate nel file cronologia.mdb: non si può più leggere che cosa ha "
+            "cambiato.\nIl catalogo è intatto.\n\nDettaglio: the row images of step 2 are damaged");
+  const auto way = planWayBack(session, *log, stepNamed("Primo"));
+  ASSERT_TRUE(way);
+  EXPECT_FALSE(way->isThere());
+  EXPECT_EQ(noWayBack(*way),
+            "Non si può tornare a prima di: Primo.\nLe righe di un passo sono danneggiate nella cronologia, e nessuna "
+            "copia del catalogo è così vecchia.");
+  EXPECT_EQ(asText(valueOf(session.catalogue.scalar("SELECT titolo FROM articoli"))), "Tazza");
+}
+
+TEST_F(TheStepLog, AFileOfAnEarlierReleaseIsReadAndGoesOn) {
+  step("Primo", "UPDATE articoli SET prezzo = 20000");
+  startSession();
+  onFile("ALTER TABLE passi DROP COLUMN impronta");
+  EXPECT_TRUE(log->changesOf(stepNamed("Primo")));
+  step("Secondo", "UPDATE articoli SET prezzo = 30000");
+  const auto way = planWayBack(session, *log, stepNamed("Primo"));
+  ASSERT_TRUE(way && way->byRows);
+  goBack(*way);
+  EXPECT_EQ(price(), "1");
+  onFile("UPDATE passi SET righe = x'00' || substr(righe, 2) WHERE nome = 'Secondo'");
+  EXPECT_EQ(log->changesOf(stepNamed("Secondo")).error().kind, ErrorKind::Corrupt) << "a new step has its digest";
+}
+
 TEST_F(TheStepLog, WithoutACopySoOldThereIsNoWay) {
   clock.seconds = 1783840500;
   step("Primo", "UPDATE articoli SET prezzo = 20000");
@@ -223,6 +264,9 @@ TEST_F(TheStepLog, WithoutACopySoOldThereIsNoWay) {
   const auto way = planWayBack(session, *log, stepNamed("Primo"));
   ASSERT_TRUE(way);
   EXPECT_FALSE(way->isThere());
+  EXPECT_EQ(noWayBack(*way),
+            "Non si può tornare a prima di: Primo.\nLe righe sono cambiate in seguito, e nessuna copia del catalogo è "
+            "così vecchia.");
 }
 
 }  // namespace

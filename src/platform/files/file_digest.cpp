@@ -34,4 +34,11 @@ Result<std::string> fileDigest(const std::string& path, const std::function<bool
   return hexadecimal({digest.data(), size});
 }
 
+std::string bytesDigest(std::string_view bytes) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+  unsigned int size = 0;
+  EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr);
+  return hexadecimal({digest.data(), size});
+}
+
 }  // namespace kv

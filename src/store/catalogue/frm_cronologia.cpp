@@ -76,7 +76,7 @@ void frmCronologia::showStep() {
   const LoggedStep& step = steps_[static_cast<std::size_t>(row)];
   if (!step.hasImages) return txtDettagli_->setPlainText(toQt(notKeptStep));
   const auto lines = actions_.describe(step.ID);
-  if (!lines) return txtDettagli_->setPlainText(toQt(failureText(lines.error())));
+  if (!lines) return txtDettagli_->setPlainText(toQt(unreadableStepText(lines.error())));
   std::string text;
   for (const std::string& line : *lines) text += (text.empty() ? "" : "\n") + line;
   txtDettagli_->setPlainText(toQt(text));
@@ -91,7 +91,7 @@ void frmCronologia::goBack() {
     return actions_.plan(step.ID);
   }();
   if (!way) return user_.message(failureText(way.error()), Icon::Critical);
-  if (!way->isThere()) return user_.message(noWayBack(step.name), Icon::Exclamation);
+  if (!way->isThere()) return user_.message(noWayBack(*way), Icon::Exclamation);
   if (user_.question(wayBackQuestion(*way)) != Answer::Yes) return;
   chosen_ = std::move(*way);
   finish("OK");

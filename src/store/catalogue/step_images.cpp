@@ -146,7 +146,7 @@ Result<RowChanges> unpackChanges(std::string_view bytes) {
     RowChange change = readChange(reader);
     const bool isWhole = change.columns.empty() || (change.before.size() == change.columns.size() &&
                                                     change.after.size() == change.columns.size());
-    if (reader.failed() || !isWhole) return fail(ErrorKind::Malformed, "cronologia.mdb", "row images are damaged");
+    if (reader.failed() || !isWhole) return fail(ErrorKind::Corrupt, "cronologia.mdb", "row images are damaged");
     changes.push_back(std::move(change));
   }
   return changes;

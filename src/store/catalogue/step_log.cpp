@@ -1,5 +1,6 @@
 #include "store/catalogue/step_log.h"
 
+#include "platform/files/file_digest.h"
 #include "platform/files/files.h"
 #include "store/catalogue/tree_change.h"
 #include "store/shop/backup_copies.h"
@@ -12,7 +13,13 @@ constexpr const char* anAid = "the record of the steps is an aid, which no comma
 
 constexpr const char* logTables =
     "CREATE TABLE passi (ID INTEGER PRIMARY KEY AUTOINCREMENT, quando INTEGER, sessione INTEGER, nome LONGTEXT,"
-    " stato INTEGER, righe LONGBLOB)";
+    " stato INTEGER, righe LONGBLOB, impronta LONGTEXT)";
+
+/// A file of an earlier release has no column for them.
+bool hasDigests(Database& database) { return database.prepare("SELECT impronta FROM passi").has_value(); }
+bool giveDigests(Database& database) {
+  return database.execute("ALTER TABLE passi ADD COLUMN impronta LONGTEXT").has_value();
+}
 
 std::int64_t secondsNow(Clock& clock) { return static_cast<std::int64_t>(clock.now()); }
 
@@ -50,6 +57,7 @@ bool StepLog::open(bool create) {
   }
   if (!opened) return false;
   database_ = std::move(*opened);
+  keepsDigests_ = hasDigests(database_);
   // After a loss of power the file may be damaged, and is made again then; a kill leaves it whole.
   ignore(database_.execute("PRAGMA synchronous=OFF"), anAid);
   return true;
@@ -65,12 +73,13 @@ void StepLog::stepDone(const std::string& name, const RowChanges& changes) {
 
 std::int64_t StepLog::append(const std::string& name, const std::string& images, bool hasImages) {
   if (!open(true)) return 0;
+  if (!keepsDigests_) keepsDigests_ = giveDigests(database_);
   if (session_ == 0) {
     const auto last = database_.scalar("SELECT MAX(sessione) FROM passi");
     session_ = last ? asInteger(*last) + 1 : 1;
   }
-  auto insert =
-      database_.prepare("INSERT INTO passi (quando, sessione, nome, stato, righe) VALUES (?1, ?2, ?3, 0, ?4)");
+  auto insert = database_.prepare(
+      "INSERT INTO passi (quando, sessione, nome, stato, righe, impronta) VALUES (?1, ?2, ?3, 0, ?4, ?5)");
   if (!insert) return 0;
   insert->bind(1, secondsNow(clock_));
   insert->bind(2, session_);
@@ -78,6 +87,8 @@ std::int64_t StepLog::append(const std::string& name, const std::string& images,
   const Bytes bytes(images.begin(), images.end());
   const Value field = hasImages ? Value(bytes) : Value(Null{});
   insert->bind(4, field);
+  const Value digest = hasImages ? Value(bytesDigest(images)) : Value(Null{});
+  insert->bind(5, digest);
   if (!insert->execute()) return 0;
   const auto ID = database_.scalar("SELECT last_insert_rowid()");
   trim();
@@ -139,13 +150,20 @@ std::vector<LoggedStep> StepLog::steps() {
 
 Result<RowChanges> StepLog::changesOf(std::int64_t ID) {
   if (!open(false)) return fail(ErrorKind::Missing, path(), "no record of steps");
-  auto row = database_.prepare("SELECT righe FROM passi WHERE ID = ?1");
+  auto row = database_.prepare(keepsDigests_ ? "SELECT righe, impronta FROM passi WHERE ID = ?1"
+                                             : "SELECT righe, NULL FROM passi WHERE ID = ?1");
   if (!row) return fail(row.error());
   row->bind(1, ID);
   const auto found = row->step();
   if (!found) return fail(found.error());
   if (!*found || row->isNull(0)) return fail(ErrorKind::Missing, path(), "no row images");
-  return unpackChanges(row->bytes(0));
+  const std::string_view images = row->bytes(0);
+  // A step of an earlier release has no digest.
+  const bool isWhole = row->isNull(1) || row->text(1) == bytesDigest(images);
+  if (isWhole) {
+    if (auto changes = unpackChanges(images)) return changes;
+  }
+  return fail(ErrorKind::Corrupt, path(), "the row images of step " + std::to_string(ID) + " are damaged");
 }
 
 }  // namespace kv

@@ -1,7 +1,7 @@
 #pragma once
 // The steps of the undo history, kept beyond the session in `backup/cronologia.mdb` of the shop folder: name, time and
-// row images of each. The file is an aid: one that is damaged is replaced, one that can't be written stays as it is,
-// and no command fails for it. A shop in which nothing was changed has none.
+// row images of each, with a digest of them. The file is an aid: one that is damaged is replaced, one that can't be
+// written stays as it is, and no command fails for it. A shop in which nothing was changed has none.
 
 #include <cstdint>
 #include <string>
@@ -49,7 +49,7 @@ class StepLog final : public StepListener {
 
   /// All steps, newest first; none when there is no file or it can't be read.
   std::vector<LoggedStep> steps();
-  /// The row images of a step. Missing for a step without, Malformed when they can't be read.
+  /// The row images of a step. Missing for a step without, Corrupt when they are no longer as they were written.
   Result<RowChanges> changesOf(std::int64_t ID);
   /// Notes that a dated copy made at a time (seconds) has become the catalogue: later steps are left.
   void noteRestored(const std::string& name, std::int64_t copyMadeAt);
@@ -71,11 +71,12 @@ class StepLog final : public StepListener {
   Clock& clock_;
   StepLimits limits_;
   Database database_;
+  bool keepsDigests_ = false;                ///< the open file has a column for them
   std::int64_t session_ = 0;                 ///< number of this session; 0 before its first step
   std::vector<std::int64_t> done_, undone_;  ///< steps of this session, the newest last; 0: not kept
 };
 
-/// Row images as bytes, and back; Malformed for bytes that are none.
+/// Row images as bytes, and back; Corrupt for bytes that are none.
 std::string packChanges(const RowChanges& changes);
 Result<RowChanges> unpackChanges(std::string_view bytes);
 

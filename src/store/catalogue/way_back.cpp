@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/ports/failure_text.h"
 #include "store/catalogue/tree_change.h"
 
 namespace kv {
@@ -26,6 +27,17 @@ Result<std::size_t> revertSteps(Database& catalogue, StepLog& log, const std::ve
     rows += changes->size();
   }
   return rows;
+}
+
+RowObstacle obstacleOf(const Error& error, const StepLog& log) {
+  if (error.where != log.path()) return RowObstacle::Changed;
+  return error.kind == ErrorKind::Missing ? RowObstacle::NotKept : RowObstacle::Damaged;
+}
+
+std::string_view obstacleText(RowObstacle obstacle) {
+  if (obstacle == RowObstacle::NotKept) return "Di un passo troppo grande non sono conservate le righe";
+  if (obstacle == RowObstacle::Damaged) return "Le righe di un passo sono danneggiate nella cronologia";
+  return "Le righe sono cambiate in seguito";
 }
 
 /// The newest copy that was made before a step.
@@ -53,6 +65,7 @@ Result<WayBack> planWayBack(Session& session, StepLog& log, std::int64_t step) {
     way.rows = *rows;
     return way;
   }
+  way.obstacle = obstacleOf(rows.error(), log);
   way.copy = copyBefore(session.ShopFolder, way.lost.back());
   // The copy is of an opening: what was done between it and the step goes as well.
   std::vector<LoggedStep> since = steps;
@@ -75,8 +88,8 @@ Question wayBackQuestion(const WayBack& way) {
   if (way.byRows) {
     text += "Righe da riportare indietro: " + std::to_string(way.rows) + ". Si potrà annullare con Ctrl+Z.\n";
   } else {
-    text += "Le righe sono cambiate in seguito: sarà ripristinata la copia del " + formatTime(way.copy.madeAt) +
-            ".\nUna copia del catalogo attuale sarà conservata.\n";
+    text += std::string(obstacleText(way.obstacle)) + ": sarà ripristinata la copia del " +
+            formatTime(way.copy.madeAt) + ".\nUna copia del catalogo attuale sarà conservata.\n";
   }
   text += "\nAndrà perso:";
   for (std::size_t i = 0; i < std::min(way.lost.size(), lostShown); ++i) {
@@ -86,9 +99,16 @@ Question wayBackQuestion(const WayBack& way) {
   return {text + "\n\nTornare indietro?", Buttons::YesNo, Answer::No, Icon::Exclamation};
 }
 
-std::string noWayBack(const std::string& name) {
-  return "Non si può tornare a prima di: " + name +
-         ".\nLe righe sono cambiate in seguito, e nessuna copia del catalogo è così vecchia.";
+std::string noWayBack(const WayBack& way) {
+  return "Non si può tornare a prima di: " + way.name + ".\n" + std::string(obstacleText(way.obstacle)) +
+         ", e nessuna copia del catalogo è così vecchia.";
+}
+
+std::string unreadableStepText(const Error& error) {
+  if (error.kind != ErrorKind::Corrupt) return failureText(error);
+  return "Le righe di questo passo sono danneggiate nel file cronologia.mdb: non si può più leggere che cosa ha "
+         "cambiato.\nIl catalogo è intatto.\n\nDettaglio: " +
+         error.what;
 }
 
 std::string wayBackStep(const WayBack& way) { return "Torna a prima di: " + way.name; }

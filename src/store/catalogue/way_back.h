@@ -7,11 +7,19 @@
 
 namespace kv {
 
+/// Why the way by rows is closed.
+enum class RowObstacle {
+  Changed,  ///< rows are no longer as the steps left them
+  NotKept,  ///< a step was too big for its rows to be kept
+  Damaged   ///< the rows of a step are damaged in the log
+};
+
 /// How one gets back to before a step.
 struct WayBack {
-  std::int64_t step = 0;         ///< ID in the log
-  std::string name;              ///< of that step
-  bool byRows = false;           ///< the images of all steps since then fit
+  std::int64_t step = 0;                        ///< ID in the log
+  std::string name;                             ///< of that step
+  bool byRows = false;                          ///< the images of all steps since then fit
+  RowObstacle obstacle = RowObstacle::Changed;  ///< without `byRows`: why
   BackupCopy copy;               ///< otherwise: the newest copy made before the step; an empty name: there is none
   std::vector<LoggedStep> lost;  ///< the steps that would be undone or lost, newest first
   std::size_t rows = 0;          ///< changes of rows that would be undone; 0 for a copy
@@ -29,7 +37,9 @@ Result<> goBackByRows(Database& catalogue, StepLog& log, const WayBack& way);
 /// What the user is asked before: what would be lost, by name and date; No is the default.
 Question wayBackQuestion(const WayBack& way);
 /// What to say where there is no way back.
-std::string noWayBack(const std::string& name);
+std::string noWayBack(const WayBack& way);
+/// What to say instead of what a step changed, when that can't be read.
+std::string unreadableStepText(const Error& error);
 /// How undo names the way back.
 std::string wayBackStep(const WayBack& way);
 /// How the log names a restored copy.
