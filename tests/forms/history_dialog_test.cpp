@@ -5,6 +5,7 @@
 
 #include "forms/wired_window.h"
 #include "store/catalogue/frm_cronologia.h"
+#include "support/failing_store.h"
 
 namespace kv::test {
 namespace {
@@ -79,8 +80,14 @@ TEST_F(TheHistoryWindow, GoesBackByTheDatedCopyWhereRowsNoLongerFit) {
 TEST_F(TheHistoryWindow, ANoChangesNothing) {
   fill("UPDATE articoli SET prezzo = 10000");
   openWindow();
-  edit("Primo", "UPDATE articoli SET prezzo = 20000");
+  {
+    FailingStore full(1, AfterFailure::FailsToo, FailingStore::fullDisk);
+    full.onlyFor("INSERT INTO passi");
+    edit("Primo", "UPDATE articoli SET prezzo = 20000");
+  }
   openHistory([](QWidget& dialog, QTableWidget&) {
+    const auto* notice = control<QLabel>(dialog, "lblNonScritti");
+    EXPECT_TRUE(notice != nullptr && notice->text().contains("il disco è pieno")) << "what waits is told";
     click(dialog, "cmdTorna");
     EXPECT_TRUE(dialog.isVisible());
   });

@@ -2,6 +2,7 @@
 
 #include "shell/workbench/fields/vat_price.h"
 #include "shell/workbench_fixture.h"
+#include "support/failing_store.h"
 
 namespace kv::test {
 namespace {
@@ -152,6 +153,14 @@ TEST_F(ArticleGroups, TheStatusSaysWhenTheShopWasBuiltAndWhatChangedSince) {
   EXPECT_EQ(bench->buildStatus(), built + ", poi una modifica");
   leave(EditedSet::Categorie, "titolo", "Anfore");
   EXPECT_EQ(bench->buildStatus(), built + ", poi 2 modifiche");
+  {
+    FailingStore full(1, AfterFailure::FailsToo, FailingStore::fullDisk);
+    full.onlyFor("INSERT INTO passi");
+    leave(EditedSet::Categorie, "titolo", "Giare");
+  }
+  EXPECT_EQ(bench->buildStatus(), built + ", poi 3 modifiche - cronologia non scritta");
+  leave(EditedSet::Categorie, "titolo", "Urne");
+  EXPECT_EQ(bench->buildStatus(), built + ", poi 4 modifiche");
 }
 
 TEST_F(ArticleGroups, AnEmptyFieldOfAnotherLanguageKnowsTheTextOfTheFirst) {

@@ -52,6 +52,7 @@ HistoryActions historyActions(frmMain& window, Session& session) {
   HistoryActions actions;
   StepLog& log = *window.workbench().stepLog();
   actions.steps = [&log] { return log.steps(); };
+  if (const auto& failure = log.failure()) actions.notice = unwrittenText(*failure);
   actions.describe = [&log, &session](std::int64_t step) -> Result<std::vector<std::string>> {
     const auto changes = log.changesOf(step);
     if (!changes) return fail(changes.error());

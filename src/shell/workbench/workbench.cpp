@@ -280,16 +280,17 @@ std::string Workbench::besideField(const Editor& editor, const std::string& text
 std::string Workbench::buildStatus() {
   if (!sets_.isBound()) return {};
   constexpr std::int64_t nanoseconds = 1'000'000'000;
+  const std::string history = stepLog_ != nullptr && stepLog_->failure() ? " - cronologia non scritta" : "";
   const auto built = fileStamp(entryPath(session_.ShopFolder, "kvftp.dat"));
-  if (!built) return "Mai costruito";
+  if (!built) return "Mai costruito" + history;
   if (built->changedAt != builtAt_) {
     builtAt_ = built->changedAt;
     changesBefore_ = history_.changes();
   }
   const std::uint64_t since = history_.changes() - changesBefore_;
   std::string text = "Costruito il " + formatTime(builtAt_ / nanoseconds);
-  if (since == 0) return text;
-  return text + (since == 1 ? ", poi una modifica" : ", poi " + std::to_string(since) + " modifiche");
+  if (since > 0) text += since == 1 ? ", poi una modifica" : ", poi " + std::to_string(since) + " modifiche";
+  return text + history;
 }
 
 std::string Workbench::picturePath(const Editor& editor) {

@@ -102,7 +102,8 @@ class Workbench final : private SetsListener {
   std::string besideField(const Editor& editor, const std::string& text);
   /// The text of the first language, for an empty field of another one; empty where there is none.
   std::string firstLanguageText(const Editor& editor) { return fields_.firstLanguageText(editor); }
-  /// When the shop was built and how many changes this session has made since; for the status line.
+  /// When the shop was built and how many changes this session has made since, and that the history can't be
+  /// written; for the status line.
   std::string buildStatus();
   /// Full path of the picture that an editor shows; empty when there is none.
   std::string picturePath(const Editor& editor);

@@ -33,6 +33,7 @@ frmCronologia::frmCronologia(HistoryActions actions, UserPort& user, QWidget* pa
   txtDettagli_->setTabChangesFocus(true);
   txtDettagli_->setLineWrapMode(QPlainTextEdit::NoWrap);
   column->addWidget(makeList(), 2);
+  if (!actions_.notice.empty()) column->addWidget(makeNotice());
   if (steps_.empty()) column->addWidget(named(new QLabel(toQt(noSteps)), "lblNessuno"));
   column->addWidget(labelFor("&Che cosa ha cambiato:", txtDettagli_));
   column->addWidget(txtDettagli_, 1);
@@ -67,6 +68,13 @@ QWidget* frmCronologia::makeList() {
   lstPassi_->horizontalHeader()->setStretchLastSection(true);
   if (row > 0) lstPassi_->setCurrentCell(0, 0);
   return lstPassi_;
+}
+
+QWidget* frmCronologia::makeNotice() {
+  auto* notice = named(new QLabel(toQt(actions_.notice)), "lblNonScritti");
+  notice->setTextFormat(Qt::PlainText);
+  notice->setWordWrap(true);
+  return notice;
 }
 
 void frmCronologia::showStep() {

@@ -21,6 +21,7 @@ struct HistoryActions {
   std::function<Result<std::vector<std::string>>(std::int64_t step)> describe;
   std::function<Result<WayBack>(std::int64_t step)> plan;
   HelpOpener help;
+  std::string notice = {};  ///< shown below the list; empty: nothing to tell
 };
 
 /// The tag is "OK" when the user has chosen a way back and confirmed what would be lost; its caller goes that way. The
@@ -36,6 +37,7 @@ class frmCronologia final : public FormDialog {
  private:
   /// The steps, newest first, the first one selected.
   QWidget* makeList();
+  QWidget* makeNotice();
   /// Shows what the selected step changed, and whether there may be a way back to before it.
   void showStep();
   /// Finds the way back to before the selected step and asks.

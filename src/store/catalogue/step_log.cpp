@@ -9,6 +9,9 @@ namespace kv {
 namespace {
 
 constexpr std::string_view logFile = "cronologia.mdb";
+/// IDs of steps that wait to be written; those of the file stay below.
+constexpr std::int64_t firstWaiting = std::int64_t{1} << 62;
+
 constexpr const char* anAid = "the record of the steps is an aid, which no command fails for";
 
 constexpr const char* logTables =
@@ -17,9 +20,7 @@ constexpr const char* logTables =
 
 /// A file of an earlier release has no column for them.
 bool hasDigests(Database& database) { return database.prepare("SELECT impronta FROM passi").has_value(); }
-bool giveDigests(Database& database) {
-  return database.execute("ALTER TABLE passi ADD COLUMN impronta LONGTEXT").has_value();
-}
+Result<> giveDigests(Database& database) { return database.execute("ALTER TABLE passi ADD COLUMN impronta LONGTEXT"); }
 
 std::int64_t secondsNow(Clock& clock) { return static_cast<std::int64_t>(clock.now()); }
 
@@ -45,73 +46,123 @@ StepLog::StepLog(std::string shopFolder, Clock& clock, StepLimits limits)
 
 std::string StepLog::path() const { return entryPath(entryPath(shopFolder_, backupFolder), logFile); }
 
-bool StepLog::open(bool create) {
-  if (database_.isOpen()) return true;
+StepLog::~StepLog() { write(); }
+
+Result<> StepLog::open(bool create) {
+  if (database_.isOpen()) return {};
   auto opened = Database::open(path(), OpenMode::Shared);
   if (opened && !isOurs(*opened)) opened = Result<Database>(fail(ErrorKind::Corrupt, path(), "no table of steps"));
-  if (!opened && !create) return false;
-  if (!opened) {
+  if (!opened && create) {
     const ErrorKind kind = opened.error().kind;
-    if (kind != ErrorKind::Missing && kind != ErrorKind::Corrupt) return false;
-    opened = makeLog(path());
+    if (kind == ErrorKind::Missing || kind == ErrorKind::Corrupt) opened = makeLog(path());
   }
-  if (!opened) return false;
+  if (!opened) return fail(opened.error());
   database_ = std::move(*opened);
   keepsDigests_ = hasDigests(database_);
   // After a loss of power the file may be damaged, and is made again then; a kill leaves it whole.
   ignore(database_.execute("PRAGMA synchronous=OFF"), anAid);
-  return true;
+  return {};
 }
 
 void StepLog::stepDone(const std::string& name, const RowChanges& changes) {
   undone_.clear();
   std::size_t size = 0;
   for (const RowChange& change : changes) size += sizeInMemory(change);
-  const bool isKept = size <= limits_.oneStep;
-  done_.push_back(append(name, isKept ? packChanges(changes) : std::string(), isKept));
+  for (const WaitingStep& step : waiting_) size += step.images ? step.images->size() : 0;
+  WaitingStep step{name, secondsNow(clock_), StepState::Done, std::nullopt};
+  if (size <= limits_.oneStep) step.images = packChanges(changes);
+  done_.push_back(firstWaiting + static_cast<std::int64_t>(waiting_.size()));
+  waiting_.push_back(std::move(step));
+  write();
 }
 
-std::int64_t StepLog::append(const std::string& name, const std::string& images, bool hasImages) {
-  if (!open(true)) return 0;
-  if (!keepsDigests_) keepsDigests_ = giveDigests(database_);
+void StepLog::write() {
+  if (waiting_.empty() && states_.empty()) return;
+  if (auto opened = open(true); !opened) {
+    failure_ = opened.error();
+    return;
+  }
+  const auto IDs = writeWaiting();
+  if (!IDs) {
+    database_.rollback();
+    failure_ = IDs.error();
+    return;
+  }
+  for (auto* steps : {&done_, &undone_}) {
+    for (std::int64_t& step : *steps) {
+      if (step >= firstWaiting) step = (*IDs)[static_cast<std::size_t>(step - firstWaiting)];
+    }
+  }
+  std::int64_t added = 0;
+  for (const WaitingStep& step : waiting_) added += step.images ? static_cast<std::int64_t>(step.images->size()) : 0;
+  waiting_.clear();
+  states_.clear();
+  failure_.reset();
+  trim(added);
+}
+
+Result<std::vector<std::int64_t>> StepLog::writeWaiting() {
+  if (!keepsDigests_) {
+    if (auto given = giveDigests(database_); !given) return fail(given.error());
+    keepsDigests_ = true;
+  }
+  if (auto begun = database_.begin(); !begun) return fail(begun.error());
   if (session_ == 0) {
     const auto last = database_.scalar("SELECT MAX(sessione) FROM passi");
     session_ = last ? asInteger(*last) + 1 : 1;
   }
-  auto insert = database_.prepare(
-      "INSERT INTO passi (quando, sessione, nome, stato, righe, impronta) VALUES (?1, ?2, ?3, 0, ?4, ?5)");
-  if (!insert) return 0;
-  insert->bind(1, secondsNow(clock_));
-  insert->bind(2, session_);
-  insert->bind(3, name);
-  const Bytes bytes(images.begin(), images.end());
-  const Value field = hasImages ? Value(bytes) : Value(Null{});
-  insert->bind(4, field);
-  const Value digest = hasImages ? Value(bytesDigest(images)) : Value(Null{});
-  insert->bind(5, digest);
-  if (!insert->execute()) return 0;
-  const auto ID = database_.scalar("SELECT last_insert_rowid()");
-  trim();
-  return ID ? asInteger(*ID) : 0;
+  std::vector<std::int64_t> IDs;
+  for (const WaitingStep& step : waiting_) {
+    if (auto written = writeStep(step); !written) return fail(written.error());
+    const auto ID = database_.scalar("SELECT last_insert_rowid()");
+    if (!ID) return fail(ID.error());
+    IDs.push_back(asInteger(*ID));
+  }
+  for (const auto& [ID, state] : states_) {
+    const auto marked = runWith(database_, "UPDATE passi SET stato = ?1 WHERE ID = ?2",
+                                {Value(static_cast<std::int64_t>(state)), Value(ID)});
+    if (!marked) return fail(marked.error());
+  }
+  if (auto kept = database_.commit(); !kept) return fail(kept.error());
+  return IDs;
 }
 
-void StepLog::trim() {
-  const auto steps = static_cast<std::int64_t>(limits_.steps), bytes = static_cast<std::int64_t>(limits_.bytes);
-  ignore(runWith(database_, "DELETE FROM passi WHERE ID <= (SELECT ID FROM passi ORDER BY ID DESC LIMIT 1 OFFSET ?1)",
-                 {Value(steps)}),
+Result<> StepLog::writeStep(const WaitingStep& step) {
+  Value images = Null{}, digest = Null{};
+  if (step.images) {
+    images = Bytes(step.images->begin(), step.images->end());
+    digest = bytesDigest(*step.images);
+  }
+  return runWith(database_,
+                 "INSERT INTO passi (quando, sessione, nome, stato, righe, impronta) VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+                 {Value(step.madeAt), Value(session_), Value(step.name), Value(static_cast<std::int64_t>(step.state)),
+                  std::move(images), std::move(digest)});
+}
+
+void StepLog::trim(std::int64_t added) {
+  ignore(runWith(database_, "DELETE FROM passi WHERE ID <= (SELECT MAX(ID) FROM passi) - ?1",
+                 {Value(static_cast<std::int64_t>(limits_.steps))}),
          anAid);
+  // Adding up the images of all steps takes longer than a step, so it is done only when they may be too many.
+  const auto bytes = static_cast<std::int64_t>(limits_.bytes);
+  bytes_ += added;
+  if (bytes_ >= 0 && bytes_ <= bytes) return;
   ignore(runWith(database_,
                  "DELETE FROM passi WHERE ID <= (SELECT MAX(ID) FROM (SELECT ID, SUM(LENGTH(righe)) OVER (ORDER BY ID "
                  "DESC) AS finora FROM passi) WHERE finora > ?1) AND ID < (SELECT MAX(ID) FROM passi)",
                  {Value(bytes)}),
          anAid);
+  const auto kept = database_.scalar("SELECT SUM(LENGTH(righe)) FROM passi");
+  bytes_ = kept ? asInteger(*kept) : unknownSize;
 }
 
 void StepLog::mark(std::int64_t ID, StepState state) {
-  if (ID == 0 || !open(false)) return;
-  ignore(runWith(database_, "UPDATE passi SET stato = ?1 WHERE ID = ?2",
-                 {Value(static_cast<std::int64_t>(state)), Value(ID)}),
-         anAid);
+  if (ID >= firstWaiting) {
+    waiting_[static_cast<std::size_t>(ID - firstWaiting)].state = state;
+  } else {
+    states_[ID] = state;
+  }
+  write();
 }
 
 void StepLog::stepUndone() {
@@ -129,13 +180,22 @@ void StepLog::stepRepeated() {
 }
 
 void StepLog::noteRestored(const std::string& name, std::int64_t copyMadeAt) {
-  if (!open(true)) return;
-  ignore(runWith(database_, "UPDATE passi SET stato = 2 WHERE stato = 0 AND quando >= ?1", {Value(copyMadeAt)}), anAid);
-  ignore(append(name, {}, false), "it is no step of this session");
+  if (open(true)) {
+    ignore(runWith(database_, "UPDATE passi SET stato = 2 WHERE stato = 0 AND quando >= ?1", {Value(copyMadeAt)}),
+           anAid);
+  }
+  // It is no step of this session.
+  waiting_.push_back({name, secondsNow(clock_), StepState::Done, std::nullopt});
+  write();
 }
 
 std::vector<LoggedStep> StepLog::steps() {
   std::vector<LoggedStep> list;
+  for (std::size_t i = waiting_.size(); i-- > 0;) {
+    const WaitingStep& step = waiting_[i];
+    list.push_back({firstWaiting + static_cast<std::int64_t>(i), step.madeAt, session_, step.name, step.state,
+                    step.images.has_value()});
+  }
   if (!open(false)) return list;
   auto row =
       database_.prepare("SELECT ID, quando, sessione, nome, stato, righe IS NOT NULL FROM passi ORDER BY ID DESC");
@@ -144,11 +204,14 @@ std::vector<LoggedStep> StepLog::steps() {
     const std::int64_t state = row->integer(4);
     list.push_back({row->integer(0), row->integer(1), row->integer(2), std::string(row->text(3)),
                     state == 0 ? StepState::Done : (state == 1 ? StepState::Undone : StepState::Left), row->flag(5)});
+    if (const auto changed = states_.find(list.back().ID); changed != states_.end())
+      list.back().state = changed->second;
   }
   return list;
 }
 
 Result<RowChanges> StepLog::changesOf(std::int64_t ID) {
+  if (ID >= firstWaiting) return changesOfWaiting(static_cast<std::size_t>(ID - firstWaiting));
   if (!open(false)) return fail(ErrorKind::Missing, path(), "no record of steps");
   auto row = database_.prepare(keepsDigests_ ? "SELECT righe, impronta FROM passi WHERE ID = ?1"
                                              : "SELECT righe, NULL FROM passi WHERE ID = ?1");
@@ -164,6 +227,11 @@ Result<RowChanges> StepLog::changesOf(std::int64_t ID) {
     if (auto changes = unpackChanges(images)) return changes;
   }
   return fail(ErrorKind::Corrupt, path(), "the row images of step " + std::to_string(ID) + " are damaged");
+}
+
+Result<RowChanges> StepLog::changesOfWaiting(std::size_t index) const {
+  if (index >= waiting_.size() || !waiting_[index].images) return fail(ErrorKind::Missing, path(), "no row images");
+  return unpackChanges(*waiting_[index].images);
 }
 
 }  // namespace kv

@@ -1,9 +1,12 @@
 #pragma once
 // The steps of the undo history, kept beyond the session in `backup/cronologia.mdb` of the shop folder: name, time and
 // row images of each, with a digest of them. The file is an aid: one that is damaged is replaced, one that can't be
-// written stays as it is, and no command fails for it. A shop in which nothing was changed has none.
+// written stays as it is, and no command fails for it: its steps are kept in memory, and written with the
+// next one that can be. A shop in which nothing was changed has none.
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,39 +44,65 @@ class StepLog final : public StepListener {
  public:
   /// Opens nothing yet. The clock outlives the log.
   StepLog(std::string shopFolder, Clock& clock, StepLimits limits = {});
+  /// Tries once more to write what waits.
+  ~StepLog() override;
+  StepLog(const StepLog&) = delete;
+  StepLog& operator=(const StepLog&) = delete;
 
   // StepListener; nothing fails.
   void stepDone(const std::string& name, const RowChanges& changes) override;
   void stepUndone() override;
   void stepRepeated() override;
 
-  /// All steps, newest first; none when there is no file or it can't be read.
+  /// All steps, newest first, those that wait to be written included; of a file that can't be read none.
+  /// The IDs hold until the next step is done, undone or repeated.
   std::vector<LoggedStep> steps();
   /// The row images of a step. Missing for a step without, Corrupt when they are no longer as they were written.
   Result<RowChanges> changesOf(std::int64_t ID);
   /// Notes that a dated copy made at a time (seconds) has become the catalogue: later steps are left.
   void noteRestored(const std::string& name, std::int64_t copyMadeAt);
 
+  /// Why the last steps could not be written; nothing when the file holds all of them.
+  const std::optional<Error>& failure() const { return failure_; }
+
   /// The path of the file.
   std::string path() const;
 
  private:
-  /// Opens the file, made where it is missing and that is wanted; false when it can't be.
-  bool open(bool create);
-  /// Adds a step; its ID.
-  std::int64_t append(const std::string& name, const std::string& images, bool hasImages);
+  /// A step that isn't in the file yet.
+  struct WaitingStep {
+    std::string name;
+    std::int64_t madeAt = 0;
+    StepState state = StepState::Done;
+    std::optional<std::string> images;  ///< packed; none for a step too big
+  };
+
+  /// Opens the file, made where it is missing and that is wanted.
+  Result<> open(bool create);
+  /// Writes what waits, all of it or nothing.
+  void write();
+  /// The same in the open file; the IDs that the steps got.
+  Result<std::vector<std::int64_t>> writeWaiting();
+  Result<> writeStep(const WaitingStep& step);
+  Result<RowChanges> changesOfWaiting(std::size_t index) const;
   /// Notes whether a step is done or undone.
   void mark(std::int64_t ID, StepState state);
-  /// Deletes the oldest steps beyond the bound.
-  void trim();
+  /// Deletes the oldest steps beyond the bound, after images of so many bytes were added.
+  void trim(std::int64_t added);
 
   std::string shopFolder_;
   Clock& clock_;
   StepLimits limits_;
   Database database_;
-  bool keepsDigests_ = false;                ///< the open file has a column for them
-  std::int64_t session_ = 0;                 ///< number of this session; 0 before its first step
-  std::vector<std::int64_t> done_, undone_;  ///< steps of this session, the newest last; 0: not kept
+  bool keepsDigests_ = false;                 ///< the open file has a column for them
+  std::int64_t session_ = 0;                  ///< number of this session; 0 before its first step
+  std::vector<std::int64_t> done_, undone_;   ///< steps of this session, the newest last
+  std::vector<WaitingStep> waiting_;          ///< the newest last
+  std::map<std::int64_t, StepState> states_;  ///< of steps in the file, not written there yet
+  std::optional<Error> failure_;
+  /// At least the bytes of all images in the file; below 0 while they were not counted.
+  static constexpr std::int64_t unknownSize = -(std::int64_t{1} << 62);
+  std::int64_t bytes_ = unknownSize;
 };
 
 /// Row images as bytes, and back; Corrupt for bytes that are none.

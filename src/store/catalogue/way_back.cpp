@@ -104,6 +104,15 @@ std::string noWayBack(const WayBack& way) {
          ", e nessuna copia del catalogo è così vecchia.";
 }
 
+std::string unwrittenText(const Error& error) {
+  std::string reason = error.what;
+  if (error.kind == ErrorKind::Full) reason = "il disco è pieno";
+  if (error.kind == ErrorKind::InUse) reason = "un altro programma usa il file";
+  if (error.kind == ErrorKind::ReadOnly) reason = "il file o la cartella è in sola lettura";
+  return "Gli ultimi passi non sono ancora scritti in backup/cronologia.mdb: " + reason +
+         ". Il catalogo è salvato; i passi saranno scritti appena possibile, prima della chiusura del negozio.";
+}
+
 std::string unreadableStepText(const Error& error) {
   if (error.kind != ErrorKind::Corrupt) return failureText(error);
   return "Le righe di questo passo sono danneggiate nel file cronologia.mdb: non si può più leggere che cosa ha "

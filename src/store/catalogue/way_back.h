@@ -38,6 +38,8 @@ Result<> goBackByRows(Database& catalogue, StepLog& log, const WayBack& way);
 Question wayBackQuestion(const WayBack& way);
 /// What to say where there is no way back.
 std::string noWayBack(const WayBack& way);
+/// What to say while the log can't be written.
+std::string unwrittenText(const Error& error);
 /// What to say instead of what a step changed, when that can't be read.
 std::string unreadableStepText(const Error& error);
 /// How undo names the way back.

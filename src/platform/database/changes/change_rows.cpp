@@ -189,12 +189,13 @@ Result<const ChangeRows::Names*> ChangeRows::namesOf(const std::string& table) {
 }
 
 Result<> ChangeRows::insert(const std::string& table, std::int64_t row, const RowImage& image) {
-  Prepared& insertion = insertions_[table];
+  Prepared& insertion = insertions_[{table, image.size()}];
   if (!insertion) {
     const auto columns = namesOf(table);
     if (!columns) return fail(columns.error());
+    if (image.size() > (*columns)->size()) return fail(ErrorKind::Malformed, path_, "a row of " + table + " was wider");
     std::string names = "rowid", parameters = "?1";
-    for (std::size_t i = 0; i < (*columns)->size(); ++i) {
+    for (std::size_t i = 0; i < image.size(); ++i) {
       names += ", " + (**columns)[i];
       parameters += ", ?" + std::to_string(i + 2);
     }

@@ -32,7 +32,8 @@ class ChangeRows {
   Result<RowImage> readFields(const std::string& table, std::int64_t row, const std::vector<std::size_t>& columns);
   /// Deletes a row; one that isn't there is no failure.
   Result<> remove(const std::string& table, std::int64_t row);
-  /// Adds a row with all its fields.
+  /// Adds a row with the first fields of its table; those that are missing take their defaults. Malformed for more
+  /// fields than there are.
   Result<> insert(const std::string& table, std::int64_t row, const RowImage& image);
   /// Writes the fields `columns` of a row.
   Result<> update(const std::string& table, std::int64_t row, const std::vector<std::size_t>& columns,
@@ -69,7 +70,8 @@ class ChangeRows {
 
   sqlite3* handle_;
   std::string path_;
-  std::map<std::string, Prepared> readers_, deletions_, insertions_;  // by table
+  std::map<std::string, Prepared> readers_, deletions_;                 // by table
+  std::map<std::pair<std::string, std::size_t>, Prepared> insertions_;  // by table and number of fields
   std::map<std::pair<std::string, Columns>, Prepared> updates_;
   std::map<std::string, FieldReader> fieldReaders_;  // by table
   std::map<std::string, Names> names_;

@@ -66,6 +66,14 @@ std::optional<RowChange> changeOfFields(RowChange change, FirstImage first, RowI
   return change;
 }
 
+/// Whether a row is as an image of all its fields says. Columns that it got since then hold nothing.
+bool isRow(const RowImage& present, const RowImage& image) {
+  if (image.size() > present.size() || image.empty() != present.empty()) return false;
+  const auto added = present.begin() + static_cast<std::ptrdiff_t>(image.size());
+  return std::equal(image.begin(), image.end(), present.begin()) &&
+         std::all_of(added, present.end(), [](const Cell& cell) { return cell == Cell(); });
+}
+
 template <class T>
 std::size_t sizeOfBoxed(const T& value) {
   return value.empty() ? 0 : sizeof(T) + value.size();
@@ -212,8 +220,10 @@ Result<std::optional<RowChange>> ChangeRecorder::State::changeSince(FirstImage i
 /// The row that `change` leads to, computed from the present one. Malformed when that isn't what `from` says.
 Result<RowImage> ChangeRecorder::State::target(const RowChange& change, Image from, Image to, RowImage present) const {
   const RowImage& expected = change.*from;
-  bool same = change.columns.empty() ? present == expected : !present.empty();
-  for (std::size_t i = 0; same && i < change.columns.size(); ++i) same = present[change.columns[i]] == expected[i];
+  bool same = change.columns.empty() ? isRow(present, expected) : !present.empty();
+  for (std::size_t i = 0; same && i < change.columns.size(); ++i) {
+    same = change.columns[i] < present.size() && present[change.columns[i]] == expected[i];
+  }
   if (!same) return hasChangedSince(change.table);
   if (change.columns.empty()) return change.*to;
   for (std::size_t i = 0; i < change.columns.size(); ++i) present[change.columns[i]] = (change.*to)[i];
