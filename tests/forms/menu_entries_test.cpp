@@ -237,6 +237,38 @@ TEST_F(Menus, EveryEntryShowsTheKeyThatRunsIt) {
   for (const QStringList& sharing : keys) EXPECT_EQ(sharing.size(), 1) << sharing.join('/').toStdString();
 }
 
+TEST_F(Menus, NoTwoEntriesOfAMenuShareTheirCharacter) {
+  open();
+  const std::function<void(const QMenu&, const std::string&)> check = [&](const QMenu& menu, const std::string& name) {
+    QMap<QString, QStringList> owners;
+    QStringList without;
+    for (const QAction* action : menu.actions()) {
+      if (action->isSeparator() || !action->isVisible()) continue;
+      const QString character = QKeySequence::mnemonic(action->text()).toString();
+      if (!character.isEmpty()) {
+        owners[character].append(plain(action->text()));
+      } else {
+        without.append(plain(action->text()));
+      }
+      if (action->menu() != nullptr) check(*action->menu(), name + " > " + fromQt(plain(action->text())));
+    }
+    for (const QStringList& sharing : owners) EXPECT_EQ(sharing.size(), 1) << name << ": " << fromQt(sharing.join('/'));
+    // Only what has no letter left of its own.
+    for (const QString& text : without) {
+      for (const QChar letter : text) {
+        EXPECT_TRUE(!letter.isLetter() || owners.contains(QStringLiteral("Alt+") + letter.toUpper()))
+            << name << ": " << fromQt(text);
+      }
+    }
+  };
+  for (const Tab tab : {Tab::Departments, Tab::Articles, Tab::Site, Tab::Internet}) {
+    goTab(tab);
+    for (const QAction* top : window->menuBar()->actions()) {
+      if (top->isVisible()) check(*top->menu(), std::to_string(static_cast<int>(tab)) + " " + fromQt(top->text()));
+    }
+  }
+}
+
 TEST_F(Menus, EveryDialogOfTheMenusIsAskedForByItsEntry) {
   using Port = WorkbenchDialogs;
   const std::vector<std::tuple<Tab, const char*, DialogMember>> entries{

@@ -43,12 +43,15 @@ Menu editMenuOf(Tab tab) {
 
 bool isEditMenu(Menu menu) { return menu != Menu::File && menu != Menu::View && menu != Menu::Help; }
 
-/// The first character of the text that no entry of the menu answers to yet; none when all are taken.
-QChar freeMnemonic(const QString& text, QSet<QChar>& taken) {
+using TakenCharacters = std::map<const QMenu*, QSet<QChar>>;
+
+/// The first character of the text that no entry of these menus answers to yet; none when all are taken.
+QChar freeMnemonic(const QString& text, const std::vector<QMenu*>& menus, TakenCharacters& taken) {
   for (const QChar character : text) {
     const QChar lower = character.toLower();
-    if (!character.isLetter() || taken.contains(lower)) continue;
-    taken.insert(lower);
+    if (!character.isLetter() || std::ranges::any_of(menus, [&](QMenu* in) { return taken[in].contains(lower); }))
+      continue;
+    for (QMenu* in : menus) taken[in].insert(lower);
     return lower;
   }
   return {};
@@ -90,6 +93,7 @@ MainMenus::MainMenus(QMainWindow& window, Workbench& workbench)
     : QObject(&window), workbench_(workbench), window_(window) {
   makeActions(window);
   for (int menu = 0; menu < menuCount; ++menu) makeMenu(*window.menuBar(), static_cast<Menu>(menu));
+  giveMnemonics();
   makeToolbars(window);
 }
 
@@ -169,7 +173,6 @@ QMenu* MainMenus::submenu(QMenu& menu, const QString& title) {
 void MainMenus::makeMenu(QMenuBar& bar, Menu which) {
   QMenu* menu = bar.addMenu(QLatin1Char('&') + toQt(titleOf(which)));
   if (isEditMenu(which)) editMenus_[which] = menu;
-  std::map<QMenu*, QSet<QChar>> mnemonics;
   for (const MenuItem& item : table().entriesOf(which)) {
     if (item.command == nullptr) {
       menu->addSeparator();
@@ -179,13 +182,27 @@ void MainMenus::makeMenu(QMenuBar& bar, Menu which) {
     QAction* entry = action(item.command->name);
     into->addAction(entry);
     if (item.command->name == languageCommand(1)) languageMenu_ = into;
-    const EntryState state = workbench_.commands().stateOf(*item.command, item.place);
-    entries_.push_back({item, entry, freeMnemonic(toQt(state.text), mnemonics[into])});
+    entries_.push_back({item, entry, into, {}});
   }
   menu->installEventFilter(this);
-  for (QMenu* inner : menu->findChildren<QMenu*>()) {
-    inner->installEventFilter(this);
-    inner->menuAction()->setText(withMnemonic(inner->title(), freeMnemonic(inner->title(), mnemonics[menu])));
+  for (QMenu* inner : menu->findChildren<QMenu*>()) inner->installEventFilter(this);
+}
+
+void MainMenus::giveMnemonics() {
+  TakenCharacters taken;
+  std::map<const QAction*, std::vector<QMenu*>> menus;
+  for (const Entry& entry : entries_) menus[entry.action].push_back(entry.menu);
+  std::map<const QAction*, QChar> given;
+  for (Entry& entry : entries_) {
+    const auto [place, isFirst] = given.try_emplace(entry.action);
+    const std::string text = workbench_.commands().stateOf(*entry.item.command, entry.item.place).text;
+    if (isFirst) place->second = freeMnemonic(toQt(text), menus[entry.action], taken);
+    entry.mnemonic = place->second;
+  }
+  for (const QAction* top : window_.menuBar()->actions()) {
+    for (QMenu* inner : top->menu()->findChildren<QMenu*>()) {
+      inner->menuAction()->setText(withMnemonic(inner->title(), freeMnemonic(inner->title(), {top->menu()}, taken)));
+    }
   }
 }
 

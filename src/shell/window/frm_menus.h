@@ -68,13 +68,17 @@ class MainMenus final : public QObject {
   struct Entry {
     MenuItem item;
     QAction* action = nullptr;
+    QMenu* menu = nullptr;
     QChar mnemonic;  ///< the character after "&"; null for none
   };
   const CommandTable& table() const { return workbench_.commands().table(); }
   /// One action for each row of the table; a command in no menu is given to the window, so that its shortcut works.
   void makeActions(QMainWindow& window);
-  /// Entries and submenus of a menu, each with a character of its own after "&".
+  /// Entries and submenus of a menu.
   void makeMenu(QMenuBar& bar, Menu which);
+  /// Gives entries and submenus a character after "&" that no other one of their menu has, where their letters allow
+  /// that. An entry of several menus has the same in all of them.
+  void giveMnemonics();
   /// The submenu of this title, made at its first entry.
   QMenu* submenu(QMenu& menu, const QString& title);
   void makeToolbars(QMainWindow& window);
