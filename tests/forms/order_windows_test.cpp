@@ -3,6 +3,8 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDateEdit>
+#include <QGraphicsItem>
+#include <QGraphicsView>
 #include <QHelpEvent>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
@@ -168,6 +170,55 @@ TEST_F(ThePrintWindow, NoRowIsCutByTheEndOfAPageAndAllAfterThemIsOnPaper) {
     EXPECT_GT(notes.top(), last.bottom()) << lines;
     EXPECT_LE(notes.bottom(), document.pageCount() * document.pageSize().height()) << lines;
   }
+}
+
+TEST_F(ThePrintWindow, WordsWithoutSpacesStayOnThePaper) {
+  QImage device(10, 10, QImage::Format_RGB32);
+  device.setDotsPerMeterX(11811);
+  device.setDotsPerMeterY(11811);
+  DeskOrder order = sampleOrder();
+  for (std::string* text : {&order.name, &order.fields["Nome"], &order.fields["Note"], &order.email,
+                            &order.lines[0].shopTitle, &order.lines[0].shopChoices, &order.lines[0].code})
+    text->append(300, 'W');
+  for (const OrderPaper paper : {OrderPaper::Order, OrderPaper::Delivery, OrderPaper::Receipt}) {
+    QTextDocument document;
+    layOutPaper(document, device, order, {paper, false, sender}, {2100, 2900});
+    EXPECT_LE(document.size().width(), 2100) << paperName(paper);
+  }
+}
+
+TEST_F(ThePrintWindow, NoLetterIsCutAtItsLeftEdge) {
+  DeskOrder order = sampleOrder();
+  order.fields = {{"Nome", "Jole"}};
+  open({order});
+  choose(*dialog, "cboDocumento", "Etichette con l'indirizzo");
+  auto* preview = dialog->findChild<QPrintPreviewWidget*>()->findChild<QGraphicsView*>();
+  constexpr int dotsPerMillimetre = 12;
+  QImage label(70 * dotsPerMillimetre, 37 * dotsPerMillimetre, QImage::Format_Grayscale8);
+  label.fill(Qt::white);
+  {
+    QPainter painter(&label);
+    constexpr double shadow = 25;  // around the page
+    const double scale = (preview->scene()->items().front()->boundingRect().width() - 2 * shadow) / 210;
+    preview->scene()->render(&painter, label.rect(), {0, 0, 70 * scale, 37 * scale});
+  }
+  // Where the ink of each line begins; the edge of the page is drawn too.
+  std::vector<int> lines;
+  bool isBlank = true;
+  for (int y = dotsPerMillimetre; y < label.height(); ++y) {
+    int ink = 2 * dotsPerMillimetre;
+    while (ink < label.width() && qGray(label.pixel(ink, y)) > 128) ++ink;
+    if (isBlank && ink < label.width()) lines.push_back(ink);
+    isBlank = ink == label.width();
+    if (!isBlank) lines.back() = std::min(lines.back(), ink);
+  }
+  ASSERT_EQ(lines.size(), 2U);
+  const auto bearing = [](char first, double points) {
+    QFont font;
+    font.setPixelSize(static_cast<int>(points * 25.4 / 72 * dotsPerMillimetre));
+    return QFontMetricsF(font).leftBearing(QLatin1Char(first));
+  };
+  EXPECT_LE(lines[0] - lines[1], bearing('J', 12) - bearing('O', 10) + 1) << "\"Jole\" above \"Ordine\"";
 }
 
 TEST_F(ThePrintWindow, TheLogoIsOnPaperUnlessItIsSwitchedOff) {

@@ -134,7 +134,9 @@ void PageDrawer::drawDocument(const QTextDocument& document, const QRectF& part)
   QAbstractTextDocumentLayout::PaintContext context;
   context.clip = part;
   context.palette.setColor(QPalette::Text, Qt::black);
-  painter_.setClipRect(part);
+  // Some characters reach over the edge of their text, which is no reason to cut them.
+  const double over = points(labelMargin) / 2;
+  painter_.setClipRect(part.adjusted(-over, 0, over, 0));
   document.documentLayout()->draw(&painter_, context);
 }
 
