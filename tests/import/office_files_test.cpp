@@ -41,6 +41,12 @@ TEST(OfficeFiles, AreReadAsTheProgramShowsThem) {
   EXPECT_EQ(officeRows("listino.ods"), std::string("ODS, decimali \",\", migliaia nessuno\n") + officeCells);
 }
 
+TEST(OfficeFiles, ShowZerosBeforeTheirCodesAndAmountsInColors) {
+  const std::string cells = "1:codice|titolo|prezzo|peso\n2:000123|Tazza|12.5|0.25\n3:1234567|Piatto|1303.5|2\n";
+  EXPECT_EQ(officeRows("formati.xlsx"), "XLSX, decimali \",\", migliaia nessuno\n" + cells + "4:000124|#N/A|0|12\n");
+  EXPECT_EQ(officeRows("formati.ods"), "ODS, decimali \",\", migliaia nessuno\n" + cells + "4:000124|#N/A|0|12\n");
+}
+
 TEST(OfficeFiles, AsTextHaveWhatTheirCellsShow) {
   EXPECT_EQ(officeRows("listino.csv"),
             "CSV, UTF-8, separatore \";\", fine riga LF, decimali \".\", migliaia nessuno\n"

@@ -21,7 +21,8 @@ struct SheetLimits {
 
 /// One cell.
 struct SheetCell {
-  std::string_view text;  ///< UTF-8; of a number its digits, "." for decimals
+  std::string_view
+      text;  ///< UTF-8; of a number its digits, "." for decimals, with zeros before those that its format shows
   bool isNumber = false;  ///< the file says that it is one
   bool operator==(const SheetCell&) const = default;
 };

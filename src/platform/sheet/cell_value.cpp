@@ -36,6 +36,16 @@ std::string shownDouble(double value) {
 
 bool isDateSign(char c) { return std::string_view("ymdhsYMDHS").find(c) != std::string_view::npos; }
 
+/// Whether a format begins with hours, minutes or seconds that count on, as "[h]" or "[mm]"; other brackets hold a
+/// color, a currency or a language.
+bool isElapsedTime(std::string_view code) {
+  const std::size_t end = code.find(']');
+  if (!code.starts_with('[') || end == std::string_view::npos || end < 2) return false;
+  const char unit = code[1];
+  return std::string_view("hmsHMS").find(unit) != std::string_view::npos &&
+         code.substr(1, end - 1).find_first_not_of(unit) == std::string_view::npos;
+}
+
 /// How many characters after the first belong to it and say nothing: a quoted or bracketed part, a literal.
 std::size_t passedOver(std::string_view code) {
   const char c = code.front();
@@ -62,11 +72,18 @@ CellFormat cellFormatOf(std::string_view code) {
   for (std::size_t at = 0; at < code.size(); ++at) {
     const char c = code[at];
     if (c == '%') return CellFormat::Percent;
-    // Hours beyond a day are in brackets.
-    if (isDateSign(c) || (c == '[' && at + 1 < code.size() && isDateSign(code[at + 1]))) return CellFormat::Date;
+    if (isDateSign(c) || isElapsedTime(code.substr(at))) return CellFormat::Date;
     at += passedOver(code.substr(at));
   }
   return CellFormat::Plain;
+}
+
+std::size_t leastDigitsOf(std::string_view code) {
+  constexpr std::size_t fewest = 2, most = 32;
+  // The language of a format, or a color, comes first.
+  while (code.starts_with('[') && code.find(']') != std::string_view::npos) code.remove_prefix(code.find(']') + 1);
+  const bool isZeros = code.find_first_not_of('0') == std::string_view::npos;
+  return isZeros && code.size() >= fewest && code.size() <= most ? code.size() : 0;
 }
 
 CellFormat givenCellFormat(unsigned number) {
@@ -83,6 +100,12 @@ std::string cellNumber(std::string_view digits) {
   if (digits.size() <= exactDigits && digits.find_first_of("eE") == std::string_view::npos) return std::string(digits);
   const auto value = cellDouble(digits);
   return value ? shownDouble(*value) : std::string(digits);
+}
+
+std::string withLeastDigits(std::string number, std::size_t digits) {
+  const bool isWhole = !number.empty() && number.find_first_not_of("0123456789") == std::string::npos;
+  if (isWhole && number.size() < digits) number.insert(0, digits - number.size(), '0');
+  return number;
 }
 
 std::string cellPercent(std::string_view digits) {

@@ -122,6 +122,7 @@ class OdsListener final : public XmlListener {
     std::string shown;
     if (type_ == "float" || type_ == "currency") {
       shown = cellNumber(value_);
+      if (isZerosBefore(text_, shown)) shown = text_;
     } else if (type_ == "percentage") {
       shown = cellPercent(value_);
     } else if (type_ == "boolean") {
@@ -138,6 +139,12 @@ class OdsListener final : public XmlListener {
       if (!cells.add(shown, isNumber)) return false;
     }
     return true;
+  }
+  /// Whether a text is this number with zeros before it, as codes of articles have them.
+  static bool isZerosBefore(std::string_view text, std::string_view number) {
+    return text.size() > number.size() && text.ends_with(number) &&
+           number.find_first_not_of("0123456789") == std::string_view::npos &&
+           text.substr(0, text.size() - number.size()).find_first_not_of('0') == std::string_view::npos;
   }
   static std::string dateOf(std::string_view value) {
     std::string date(value);

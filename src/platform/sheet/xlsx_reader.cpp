@@ -76,21 +76,30 @@ struct WorkbookParts final : XmlListener {
   bool text(std::string_view) override { return true; }
 };
 
+/// What the style of a cell makes of its number.
+struct NumberLook {
+  CellFormat format = CellFormat::Plain;
+  std::size_t leastDigits = 0;
+};
+
 /// What the styles of cells make of numbers.
 struct CellStyles final : XmlListener {
   static constexpr std::size_t mostFormats = 100000;  // a program writes 65,490 at most
-  std::map<unsigned, CellFormat> own;
-  std::vector<CellFormat> formats;
+  std::map<unsigned, NumberLook> own;
+  std::vector<NumberLook> looks;
   bool inside = false;  // of the list that cells refer to
 
   bool start(std::string_view name, const XmlAttributes& attributes) override {
-    if (name == "numFmt") own[wholeOf(attributes.get("numFmtId"))] = cellFormatOf(attributes.get("formatCode"));
-    if (own.size() > mostFormats || formats.size() > mostFormats) return false;
+    if (name == "numFmt") {
+      const std::string_view code = attributes.get("formatCode");
+      own[wholeOf(attributes.get("numFmtId"))] = {cellFormatOf(code), leastDigitsOf(code)};
+    }
+    if (own.size() > mostFormats || looks.size() > mostFormats) return false;
     if (name == "cellXfs") inside = true;
     if (name != "xf" || !inside) return true;
     const unsigned number = wholeOf(attributes.get("numFmtId"));
     const auto found = own.find(number);
-    formats.push_back(found != own.end() ? found->second : givenCellFormat(number));
+    looks.push_back(found != own.end() ? found->second : NumberLook{givenCellFormat(number)});
     return true;
   }
   bool end(std::string_view name) override {
@@ -99,7 +108,7 @@ struct CellStyles final : XmlListener {
   }
   bool text(std::string_view) override { return true; }
 
-  CellFormat formatOf(unsigned style) const { return style < formats.size() ? formats[style] : CellFormat::Plain; }
+  NumberLook lookOf(unsigned style) const { return style < looks.size() ? looks[style] : NumberLook(); }
 };
 
 /// Collects the text of an item: its runs, without what only says how they are spoken.
@@ -256,10 +265,11 @@ class SheetListener final : public XmlListener {
     return added;
   }
   bool addNumber() {
-    const CellFormat format = styles_.formatOf(style_);
+    const NumberLook look = styles_.lookOf(style_);
     if (value_.empty()) return cells.add({});
-    if (format == CellFormat::Date) return cells.add(cellDate(value_, since1904_));
-    return cells.add(format == CellFormat::Percent ? cellPercent(value_) : cellNumber(value_), true);
+    if (look.format == CellFormat::Date) return cells.add(cellDate(value_, since1904_));
+    if (look.format == CellFormat::Percent) return cells.add(cellPercent(value_), true);
+    return cells.add(withLeastDigits(cellNumber(value_), look.leastDigits), true);
   }
 
   const SharedTexts& shared_;
