@@ -19,6 +19,9 @@ TEST(CsvTest, TheDecimalSeparatorIsFoundAmongTheNumbers) {
   EXPECT_EQ(decimalSeparatorOf({"1.234,500"}, ';'), ',');
   EXPECT_EQ(decimalSeparatorOf({"1.234", "5"}, ';'), ',');
   EXPECT_EQ(decimalSeparatorOf({"5"}, ','), '.');
+  EXPECT_EQ(decimalSeparatorOf({"0.250"}, ';'), '.') << "no group of thousands starts with a 0";
+  EXPECT_EQ(decimalSeparatorOf({"-0.250", "-.125"}, ';'), '.');
+  EXPECT_EQ(decimalSeparatorOf({"36210,845"}, ','), ',') << "no group has five digits";
   EXPECT_EQ(plainCsvNumber(" 1.234,50 ", ','), "1234.50");
   EXPECT_EQ(plainCsvNumber("1,234.50", '.'), "1234.50");
 }

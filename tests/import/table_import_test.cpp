@@ -229,8 +229,10 @@ TEST_F(TableImport, ReadsPricesInEitherNotationWithCurrencyAndGroups) {
             "1234.25\n");
   EXPECT_EQ(priceOf("T-1;1,234.5\nV-1;7.25\n"), "1234.5\n");
   EXPECT_EQ(plan("codice;prezzo\nT-1;12.34,5\n").rows[0].fate, RowFate::LeftOut);
+  EXPECT_EQ(plan("codice;prezzo\nT-1;0.250\nT-2;2,5\nV-1;3,5\n").rows[0].reason, "Prezzo: \"0.250\" non è un numero");
   EXPECT_EQ(plan("codice;prezzo\nT-1;€ 13,50\nT-2;7,25 €\nV-1;1.234,5\n").sums().changed, 3U)
       << "the space at a currency sign is none between thousands";
+  EXPECT_EQ(plan("codice;prezzo\nT-2;dal 12 02:30\nV-1;1.234,5 €\n").sums().changed, 1U) << "nor is that of a date";
 }
 
 TEST_F(TableImport, AddsDepartmentsUnderTheirPathsParentsFirst) {

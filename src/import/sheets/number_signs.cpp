@@ -27,6 +27,11 @@ bool looksLikeNumber(std::string_view text) {
   return hasSign;
 }
 
+/// Whether the digits before a single sign are none that thousands have there: more than a group, none, or a 0.
+bool isBeforeDecimals(std::string_view digits) {
+  return digits.empty() || digits.size() > groupDigits || digits.front() == '0';
+}
+
 /// Whether a text is a sign for decimals with digits after it, the end of most numbers.
 bool isPlainDecimal(std::string_view end) {
   return (end.front() == ',' || end.front() == '.') && std::ranges::all_of(end.substr(1), isCsvDigit);
@@ -63,16 +68,26 @@ bool endsInDecimals(std::string_view number, const SignCount& signs) {
   if (signs.commas + signs.points == 0) return false;
   if ((signs.isComma(number) ? signs.commas : signs.points) > 1) return false;
   if (signs.commas > 0 && signs.points > 0) return true;
+  std::string_view before = number.substr(0, signs.last);
+  before.remove_prefix(std::min(before.find_first_of("0123456789"), before.size()));
+  if (isBeforeDecimals(before)) return true;
   return static_cast<std::size_t>(std::ranges::count_if(number.substr(signs.last), isCsvDigit)) != groupDigits;
 }
 
-/// Whether there is a space between two digits, one that breaks or not; that of "12,50 €" is none between thousands.
+/// Whether a text begins with one group of digits.
+bool startsWithGroup(std::string_view text) {
+  const auto end = std::ranges::find_if_not(text, isCsvDigit);
+  return static_cast<std::size_t>(end - text.begin()) == groupDigits;
+}
+
+/// Whether there is a space between a digit and a group of digits, one that breaks or not. That of "12,50 €" is none
+/// between thousands, nor that of a date with its time.
 bool hasInnerSpace(std::string_view text) {
   for (std::size_t at = 1; at < text.size(); ++at) {
     if (!isCsvDigit(text[at - 1])) continue;
     for (const std::string_view space : {" ", "\xC2\xA0", "\xE2\x80\xAF"}) {
-      const std::size_t after = at + space.size();
-      if (text.substr(at).starts_with(space) && after < text.size() && isCsvDigit(text[after])) return true;
+      const std::string_view rest = text.substr(at);
+      if (rest.starts_with(space) && startsWithGroup(rest.substr(space.size()))) return true;
     }
   }
   return false;
@@ -86,18 +101,21 @@ char otherThousands(std::string_view number, const SignCount& signs) {
 
 }  // namespace
 
-void NumberSigns::seeSign(char sign, std::size_t digitsAfter) {
+void NumberSigns::seeSign(std::string_view before, char sign, std::size_t digitsAfter) {
   const bool isComma = sign == ',';
+  const bool isDecimal = digitsAfter != groupDigits || isBeforeDecimals(before);
   if (isComma && thousandsByPoint_ == '\0') thousandsByPoint_ = ',';
   if (!isComma && thousandsByComma_ == '\0') thousandsByComma_ = '.';
-  if (digitsAfter != groupDigits) ++(isComma ? commas_ : points_);
+  if (isDecimal) ++(isComma ? commas_ : points_);
 }
 
 void NumberSigns::see(std::string_view number) {
   // Digits alone, which many numbers are, tell nothing.
   const std::size_t first = static_cast<std::size_t>(std::ranges::find_if_not(number, isCsvDigit) - number.begin());
   if (first == number.size()) return;
-  if (isPlainDecimal(number.substr(first))) return seeSign(number[first], number.size() - first - 1);
+  if (isPlainDecimal(number.substr(first))) {
+    return seeSign(number.substr(0, first), number[first], number.size() - first - 1);
+  }
   const SignCount signs = countSigns(number, first);
   const char other = otherThousands(number, signs);
   if (thousandsByComma_ == '\0') thousandsByComma_ = signs.points > 0 ? '.' : other;

@@ -14,8 +14,9 @@ class NumberSigns {
  public:
   /// Learns from a text that is, or may be, a number.
   void see(std::string_view number);
-  /// The decimal separator: the last one before one, two, four or more digits; what is in groups of three alone tells
-  /// nothing, and ',' holds unless it separates the fields.
+  /// The decimal separator: the last one before one, two, four or more digits, or after digits that are no group of
+  /// thousands, as in "0.250" or "36210,845"; what is in groups of three alone tells nothing, and ',' holds unless it
+  /// separates the fields.
   char decimalSeparator(char separator) const;
   /// The sign between thousands beside a decimal separator: the first that was seen; 0 when there was none.
   char thousands(char decimalSeparator) const;
@@ -23,8 +24,8 @@ class NumberSigns {
   void fill(CsvReading& reading, const CsvChoice& choice) const;
 
  private:
-  /// Learns from a number with this sign alone.
-  void seeSign(char sign, std::size_t digitsAfter);
+  /// Learns from a number with this sign alone, after these digits.
+  void seeSign(std::string_view before, char sign, std::size_t digitsAfter);
 
   std::ptrdiff_t commas_ = 0, points_ = 0;                  // numbers whose last sign is for decimals
   char thousandsByComma_ = '\0', thousandsByPoint_ = '\0';  // by the decimal separator that there may be

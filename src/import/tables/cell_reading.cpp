@@ -57,7 +57,8 @@ std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
       inGroup = 0;
     }
   }
-  if (hasGroups && !isGroup(inGroup, false)) return std::nullopt;
+  // No group of thousands starts with a 0: "0.250" has another sign for decimals.
+  if (hasGroups && (!isGroup(inGroup, false) || digits.front() == '0')) return std::nullopt;
   return digits;
 }
 
