@@ -122,6 +122,9 @@ TEST_F(TableImport, RefusesWhatAColumnCannotHold) {
     return plan("codice;" + column + "\nT-1;" + cell + "\n").rows[0].reason;
   };
   EXPECT_EQ(reasonOf("prezzo", "-1"), "Prezzo: -1 è negativo");
+  EXPECT_EQ(reasonOf("titolo", "#N/D"), "Titolo: \"#N/D\" è l'errore di una formula");
+  EXPECT_EQ(reasonOf("descrizione", "Err:502"), "Descrizione: \"Err:502\" è l'errore di una formula");
+  EXPECT_EQ(reasonOf("titolo", "#1 in Italia"), "");
   EXPECT_EQ(reasonOf("scqart0", "1,5"), "Da pezzi (1): \"1,5\" non è un numero intero");
   EXPECT_EQ(reasonOf("scqperc0", "101"), "Sconto (1): 101 è più di 100");
   EXPECT_EQ(reasonOf("offerta", "forse"), "In offerta: \"forse\" non è né sì né no");

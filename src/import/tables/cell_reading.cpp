@@ -153,6 +153,15 @@ std::optional<bool> flagOf(std::string_view text) {
   return std::nullopt;
 }
 
+/// Whether a formula failed in the cell, which shows this instead of a text.
+bool isFailedFormula(std::string_view text) {
+  constexpr std::array<std::string_view, 12> shown{"#N/A",    "#N/D",   "#REF!",  "#RIF!",  "#VALUE!", "#VALORE!",
+                                                   "#DIV/0!", "#NAME?", "#NOME?", "#NULL!", "#NULLO!", "#NUM!"};
+  constexpr std::size_t digits = 3;
+  const bool isNumbered = text.starts_with("Err:") && text.size() == std::string_view("Err:").size() + digits;
+  return isNumbered || isAmong(shown, text);
+}
+
 bool hasLineEnds(std::string_view text) {
   return text.find('\n') != std::string_view::npos || text.find('\r') != std::string_view::npos;
 }
@@ -250,6 +259,7 @@ CellValue CellReader::readNumber(const TableColumn& column, const SheetCell& cel
 }
 
 CellValue CellReader::readText(const TableColumn& column, std::string_view text) const {
+  if (isFailedFormula(text)) return refused(column.italian + ": " + quoted(text) + " è l'errore di una formula");
   std::string value = column.field == CellField::Lines ? withCrLf(text) : std::string(text);
   if (column.size > 0 && value.size() > column.size && characterCount(value) > column.size) {
     return refused(column.italian + ": più di " + std::to_string(column.size) + " caratteri");
@@ -289,7 +299,8 @@ CellValue CellReader::read(const TableColumn& column, const SheetCell& cell) con
 
 std::string CellReader::refusal(const TableColumn& column, const SheetCell& cell) const {
   const bool isText = column.field == CellField::Text || column.field == CellField::Lines;
-  const bool mayRefuse = !isText || (column.size > 0 && (cell.text.size() > column.size || hasLineEnds(cell.text)));
+  const bool isLong = column.size > 0 && (cell.text.size() > column.size || hasLineEnds(cell.text));
+  const bool mayRefuse = !isText || isLong || isFailedFormula(cell.text);
   return mayRefuse ? read(column, cell).refusal : std::string();
 }
 
