@@ -123,6 +123,9 @@ TEST(CsvText, BeyondTheLimitsIsNotRead) {
   limits.rows = 2;
   EXPECT_FALSE(readCsv("a\nb\nc\n", {}, limits, reading));
   EXPECT_TRUE(readCsv("a\nb\n\n\n", {}, limits, reading));
+  limits.cellBytes = 3;
+  EXPECT_TRUE(readCsv("abc;d\n", {}, limits, reading));
+  EXPECT_FALSE(readCsv("abcd;e\n", {}, limits, reading));
 }
 
 TEST(CsvText, OfAMillionEmptyColumnsHasThoseWithText) {

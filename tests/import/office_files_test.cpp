@@ -96,6 +96,7 @@ TEST(OfficeFiles, AsTextReadAlikeInEveryEncoding) {
 TEST(OfficeFiles, ThatAreNotThereOrCannotBeWrittenSaySo) {
   EXPECT_EQ(officeRows("manca.xlsx"), "Il foglio \"manca.xlsx\" non esiste");
   const TempFolder root;
+  EXPECT_EQ(sheetRows(root / "."), "\"" + (root / ".") + "\" è una cartella: indicare un foglio XLSX, ODS o CSV");
   for (const char* name : {"manca/foglio.csv", "manca/foglio.xlsx"}) {
     const std::string path = root / name;
     auto output = openSheetOutput(path, "Foglio");

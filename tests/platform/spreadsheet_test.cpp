@@ -192,6 +192,10 @@ TEST_F(Spreadsheets, BeyondTheLimitsAreRefusedWhileTheyAreRead) {
   const std::string blank(5000, ' ');
   EXPECT_EQ(failureOf(packed({odsContent(blank)}), small).number, TooLargeSheet);
   small = {};
+  small.limits.cellBytes = 10;
+  EXPECT_EQ(failureOf(packed(xlsxParts("<row><c t='str'><v>undici caratteri</v></c></row>")), small).number,
+            TooLargeSheet);
+  small = {};
   small.limits.textBytes = 10;
   EXPECT_EQ(failureOf(packed(xlsxParts("", "<si><t>undici caratteri</t></si>")), small).number, TooLargeSheet);
 }
@@ -214,6 +218,11 @@ TEST_F(Spreadsheets, OfWhatIsNoneAreRefusedWithTheReason) {
   EXPECT_EQ(failureOf(packed({{"readme.txt", "", "x"}})).kind, ErrorKind::Malformed);
   EXPECT_EQ(failureOf(root / "none.xlsx").kind, ErrorKind::Missing);
   EXPECT_EQ(failureOf(packed(xlsxParts("<row><c></row>"))).kind, ErrorKind::Corrupt);
+  auto parts = xlsxParts("");
+  parts.pop_back();
+  EXPECT_EQ(failureOf(packed(parts)).kind, ErrorKind::Corrupt) << "the file is there, the part of the sheet isn't";
+  parts[1].content = "<workbook/>";
+  EXPECT_EQ(failureOf(packed(parts)).kind, ErrorKind::Corrupt);
   const ZipEntry manifest{"META-INF/manifest.xml", "", "<m><file-entry><encryption-data/></file-entry></m>"};
   EXPECT_EQ(failureOf(packed({manifest, {"content.xml", "", "\x01\x02"}})).number, ProtectedSheet);
 }

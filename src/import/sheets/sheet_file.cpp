@@ -135,6 +135,7 @@ std::string sheetFailureText(const Error& error, const std::string& path) {
            " non finisce: manca la virgoletta di chiusura";
   }
   if (fault == EmptySheet) return "Il foglio " + name + " è vuoto";
+  if (folderExists(path)) return "\"" + path + "\" è una cartella: indicare un foglio XLSX, ODS o CSV";
   switch (error.kind) {
     case ErrorKind::Missing:
       return "Il foglio " + name + " non esiste";

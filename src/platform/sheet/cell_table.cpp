@@ -5,7 +5,8 @@
 namespace kv {
 
 bool CellTable::append(std::string_view text, bool isNumber) {
-  if (ends_.size() >= limits_.cells || text.size() > limits_.textBytes - text_.size()) return false;
+  const std::size_t most = std::min(limits_.cellBytes, limits_.textBytes - text_.size());
+  if (ends_.size() >= limits_.cells || text.size() > most) return false;
   text_.append(text);
   ends_.push_back(static_cast<std::uint32_t>(text_.size()) | (isNumber ? numberMark : 0U));
   return true;

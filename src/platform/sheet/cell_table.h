@@ -16,6 +16,7 @@ struct SheetLimits {
   std::size_t cells = 24'000'000;                   ///< four bytes each
   std::size_t textBytes = std::size_t{128} << 20;   ///< of all cells together, and of a file of text; half of it in
                                                     ///< another encoding than UTF-8
+  std::size_t cellBytes = std::size_t{4} << 20;     ///< of one cell: programs hold 32,767 characters in one
   std::uint64_t unpacked = std::uint64_t{1} << 30;  ///< bytes of XML: what a packed file may unpack to, or of a feed
 };
 

@@ -29,7 +29,7 @@ std::size_t repeated(const XmlAttributes& attributes, std::string_view name) {
 class OdsListener final : public XmlListener {
  public:
   explicit OdsListener(const SheetRequest& request)
-      : cells(request.limits), wanted_(request.sheet), mostText_(request.limits.textBytes) {}
+      : cells(request.limits), wanted_(request.sheet), mostText_(request.limits.cellBytes) {}
 
   std::vector<std::string> names;
   CellTable cells;
@@ -184,6 +184,7 @@ Result<SheetContent> readOds(PackedFile& file, const SheetRequest& request) {
   auto read = file.readXml("content.xml", listener, request.goOn);
   read = withListenersFault(std::move(read), listener.isFull);
   if (!read) return fail(read.error());
+  if (listener.names.empty()) return fail(ErrorKind::Corrupt, "content.xml", "no sheet");
   if (request.sheet >= listener.names.size()) return fail(ErrorKind::Missing, "content.xml", "no such sheet");
   return SheetContent{std::move(listener.names), std::move(listener.cells)};
 }

@@ -64,7 +64,7 @@ bool PackedFile::has(const std::string& part) const {
 }
 
 Result<> PackedFile::readXml(const std::string& part, XmlListener& listener, const std::function<bool()>& goOn) {
-  if (!has(part)) return fail(ErrorKind::Missing, state_->path, part);
+  if (!has(part)) return fail(ErrorKind::Corrupt, state_->path, part);
   const OpenPart file(zip_fopen(state_->archive.get(), part.c_str(), 0));
   if (!file) return unpackFailure(*state_->archive, state_->path, part);
   XmlReading reading(listener);

@@ -34,7 +34,7 @@ class PackedFile {
 
   /// Whether there is a part of this path.
   bool has(const std::string& part) const;
-  /// Reads a part as XML. Missing when it isn't there, Corrupt when it is damaged or no XML, Malformed with
+  /// Reads a part as XML. Corrupt when it isn't there, is damaged or no XML, Malformed with
   /// ProtectedSheet or TooLargeSheet; with NoFault when the listener ended it. goOn: asked after each piece; false
   /// ends it as Cancelled.
   Result<> readXml(const std::string& part, XmlListener& listener, const std::function<bool()>& goOn = {});

@@ -144,7 +144,8 @@ class RunText {
 
 /// The texts that cells refer to by number.
 struct SharedTexts final : XmlListener {
-  explicit SharedTexts(const SheetLimits& limits) : most(limits.textBytes), mostTexts(limits.cells), run(most) {}
+  explicit SharedTexts(const SheetLimits& limits)
+      : most(limits.textBytes), mostTexts(limits.cells), run(limits.cellBytes) {}
   std::size_t most, mostTexts;
   std::string texts;
   std::vector<std::uint32_t> ends;
@@ -185,8 +186,8 @@ class SheetListener final : public XmlListener {
         shared_(shared),
         styles_(styles),
         since1904_(since1904),
-        run_(limits.textBytes),
-        mostText_(limits.textBytes) {}
+        run_(limits.cellBytes),
+        mostText_(limits.cellBytes) {}
 
   CellTable cells;
   bool isFull = false;
@@ -314,6 +315,7 @@ Result<SheetContent> readXlsx(PackedFile& file, const SheetRequest& request) {
   listed = file.readXml(relationsPart, relations);
   listed = withListenersFault(std::move(listed), relations.isFull);
   if (!listed) return fail(listed.error());
+  if (workbook.names.empty()) return fail(ErrorKind::Corrupt, main, "no sheet");
   if (request.sheet >= workbook.names.size()) return fail(ErrorKind::Missing, main, "no such sheet");
   SharedTexts shared(request.limits);
   if (!relations.sharedStrings.empty()) {
