@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "import/sheets/sheet_number.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -9,18 +10,16 @@ namespace {
 
 constexpr std::size_t groupDigits = 3;
 
-bool isCsvDigit(char c) { return c >= '0' && c <= '9'; }
-
 /// Whether a text has digits, and nothing else but signs of numbers; at least one of them between digits.
 bool looksLikeNumber(std::string_view text) {
   constexpr std::size_t longest = 32;
   constexpr std::string_view signs = ".,' \xC2\xA0\xE2\x80\xAF";
   text = trim(text);
   if (!text.empty() && text.front() == '-') text.remove_prefix(1);
-  if (text.empty() || text.size() > longest || !isCsvDigit(text.back())) return false;
+  if (text.empty() || text.size() > longest || !isSheetDigit(text.back())) return false;
   bool hasSign = false;
   for (const char c : text) {
-    if (isCsvDigit(c)) continue;
+    if (isSheetDigit(c)) continue;
     if (signs.find(c) == std::string_view::npos) return false;
     hasSign = true;
   }
@@ -34,7 +33,7 @@ bool isBeforeDecimals(std::string_view digits) {
 
 /// Whether a text is a sign for decimals with digits after it, the end of most numbers.
 bool isPlainDecimal(std::string_view end) {
-  return (end.front() == ',' || end.front() == '.') && std::ranges::all_of(end.substr(1), isCsvDigit);
+  return (end.front() == ',' || end.front() == '.') && std::ranges::all_of(end.substr(1), isSheetDigit);
 }
 
 /// The signs of a number after its first digits.
@@ -58,7 +57,7 @@ struct SignCount {
 SignCount countSigns(std::string_view number, std::size_t first) {
   SignCount signs;
   for (std::size_t at = first; at < number.size(); ++at) {
-    if (!isCsvDigit(number[at])) signs.add(number[at], at);
+    if (!isSheetDigit(number[at])) signs.add(number[at], at);
   }
   return signs;
 }
@@ -71,12 +70,12 @@ bool endsInDecimals(std::string_view number, const SignCount& signs) {
   std::string_view before = number.substr(0, signs.last);
   before.remove_prefix(std::min(before.find_first_of("0123456789"), before.size()));
   if (isBeforeDecimals(before)) return true;
-  return static_cast<std::size_t>(std::ranges::count_if(number.substr(signs.last), isCsvDigit)) != groupDigits;
+  return static_cast<std::size_t>(std::ranges::count_if(number.substr(signs.last), isSheetDigit)) != groupDigits;
 }
 
 /// Whether a text begins with one group of digits.
 bool startsWithGroup(std::string_view text) {
-  const auto end = std::ranges::find_if_not(text, isCsvDigit);
+  const auto end = std::ranges::find_if_not(text, isSheetDigit);
   return static_cast<std::size_t>(end - text.begin()) == groupDigits;
 }
 
@@ -84,7 +83,7 @@ bool startsWithGroup(std::string_view text) {
 /// between thousands, nor that of a date with its time.
 bool hasInnerSpace(std::string_view text) {
   for (std::size_t at = 1; at < text.size(); ++at) {
-    if (!isCsvDigit(text[at - 1])) continue;
+    if (!isSheetDigit(text[at - 1])) continue;
     for (const std::string_view space : {" ", "\xC2\xA0", "\xE2\x80\xAF"}) {
       const std::string_view rest = text.substr(at);
       if (rest.starts_with(space) && startsWithGroup(rest.substr(space.size()))) return true;
@@ -111,7 +110,7 @@ void NumberSigns::seeSign(std::string_view before, char sign, std::size_t digits
 
 void NumberSigns::see(std::string_view number) {
   // Digits alone, which many numbers are, tell nothing.
-  const std::size_t first = static_cast<std::size_t>(std::ranges::find_if_not(number, isCsvDigit) - number.begin());
+  const std::size_t first = static_cast<std::size_t>(std::ranges::find_if_not(number, isSheetDigit) - number.begin());
   if (first == number.size()) return;
   if (isPlainDecimal(number.substr(first))) {
     return seeSign(number.substr(0, first), number[first], number.size() - first - 1);

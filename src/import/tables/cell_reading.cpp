@@ -5,14 +5,13 @@
 #include <charconv>
 #include <cmath>
 
+#include "import/sheets/sheet_number.h"
 #include "platform/numbers/number_format.h"
 #include "platform/text/text.h"
 
 namespace kv {
 namespace {
 
-constexpr std::size_t digitsOfGroup = 3;
-constexpr std::array<std::string_view, 7> currencySigns{"€", "$", "£", "EUR", "USD", "GBP", "CHF"};
 constexpr std::array<std::string_view, 8> yesWords{"1", "sì", "si", "s", "vero", "true", "yes", "x"};
 constexpr std::array<std::string_view, 7> noWords{"0", "no", "n", "falso", "false", "-", "f"};
 constexpr double highestPercent = 100;
@@ -21,51 +20,6 @@ CellValue refused(std::string why) { return {Null{}, std::move(why)}; }
 std::string quoted(std::string_view text) {
   constexpr std::size_t most = 40;
   return "\"" + beginningOf(text, most) + "\"";
-}
-
-std::string withoutCurrency(std::string_view text) {
-  std::string bare = replaceAll(replaceAll(std::string(text), "\xC2\xA0", " "), "\xE2\x80\xAF", " ");
-  bare = std::string(trim(bare));
-  if (bare.ends_with('%')) bare = std::string(trim(std::string_view(bare).substr(0, bare.size() - 1)));
-  for (const std::string_view sign : currencySigns) {
-    if (bare.starts_with(sign)) bare = std::string(trim(std::string_view(bare).substr(sign.size())));
-    if (bare.ends_with(sign)) bare = std::string(trim(std::string_view(bare).substr(0, bare.size() - sign.size())));
-  }
-  return bare;
-}
-
-bool isDigitSign(char c) { return c >= '0' && c <= '9'; }
-
-/// Whether so many digits are a group of a number's whole part: three, or at most three before the first sign.
-bool isGroup(std::size_t digits, bool isFirst) {
-  return isFirst ? digits > 0 && digits <= digitsOfGroup : digits == digitsOfGroup;
-}
-
-/// The whole part of a number without the signs between its groups of three; nothing where a group has another size.
-std::optional<std::string> ungrouped(std::string_view whole, char thousands) {
-  std::string digits;
-  std::size_t inGroup = 0;
-  bool hasGroups = false;
-  for (const char c : whole) {
-    if (isDigitSign(c)) {
-      digits += c;
-      ++inGroup;
-    } else if (thousands == '\0' || c != thousands || !isGroup(inGroup, !hasGroups)) {
-      return std::nullopt;
-    } else {
-      hasGroups = true;
-      inGroup = 0;
-    }
-  }
-  // No group of thousands starts with a 0: "0.250" has another sign for decimals.
-  if (hasGroups && (!isGroup(inGroup, false) || digits.front() == '0')) return std::nullopt;
-  return digits;
-}
-
-/// The digits of a number with those after its decimal separator; nothing where these are none, or both are empty.
-std::optional<std::string> withDecimals(const std::string& whole, std::string_view decimals) {
-  if (!std::ranges::all_of(decimals, isDigitSign) || (whole.empty() && decimals.empty())) return std::nullopt;
-  return (whole.empty() ? "0" : whole) + (decimals.empty() ? "" : ".") + std::string(decimals);
 }
 
 std::optional<float> singleOf(std::string_view digits) {
@@ -88,31 +42,6 @@ std::optional<std::int64_t> wholeOf(std::string_view digits) {
 std::int64_t mostOf(ColumnType type) {
   constexpr std::int64_t byte = 255, small = 32767, usual = 2147483647;
   return type == ColumnType::Byte ? byte : type == ColumnType::Int ? small : usual;
-}
-
-/// The index of the one decimal separator between digits, npos where there is none; nothing for any other text.
-std::optional<std::size_t> separatorBetweenDigits(std::string_view digits, char decimalSeparator) {
-  std::size_t separator = std::string_view::npos;
-  for (std::size_t at = 0; at < digits.size(); ++at) {
-    if (isDigitSign(digits[at])) continue;
-    const bool isDecimal = digits[at] == decimalSeparator && separator == std::string_view::npos;
-    if (!isDecimal || at == 0 || at + 1 == digits.size()) return std::nullopt;
-    separator = at;
-  }
-  return separator;
-}
-
-/// A number of digits, a minus before them and a decimal separator between them, with "." for decimals; `kept` holds it
-/// where the text doesn't. Nothing for any other text.
-std::optional<std::string_view> simpleNumber(std::string_view text, char decimalSeparator, std::string& kept) {
-  const std::size_t first = text.starts_with('-') ? 1 : 0;
-  if (text.size() == first) return std::nullopt;
-  const auto separator = separatorBetweenDigits(text.substr(first), decimalSeparator);
-  if (!separator) return std::nullopt;
-  if (*separator == std::string_view::npos || decimalSeparator == '.') return text;
-  kept = text;
-  kept[first + *separator] = '.';
-  return kept;
 }
 
 /// Numbers as an export writes them: every digit that the column holds.
@@ -211,22 +140,6 @@ std::string shownAmount(Money amount) { return withComma(formatNumber(amount, "0
 bool isNumberField(CellField field) {
   return field == CellField::Money || field == CellField::Percent || field == CellField::Number ||
          field == CellField::Whole;
-}
-
-std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& signs) {
-  const bool isBare = text.find_first_not_of("0123456789.,") == std::string_view::npos;
-  std::string bare = isBare ? std::string(text) : withoutCurrency(text);
-  std::string sign;
-  if (bare.starts_with('-') || bare.starts_with('+')) {
-    if (bare[0] == '-') sign = "-";
-    bare.erase(0, 1);
-  }
-  const std::size_t decimal = bare.find(signs.decimalSeparator);
-  auto digits = ungrouped(std::string_view(bare).substr(0, decimal), signs.thousands);
-  if (digits && decimal != std::string::npos)
-    digits = withDecimals(*digits, std::string_view(bare).substr(decimal + 1));
-  if (!digits || digits->empty()) return std::nullopt;
-  return sign + *digits;
 }
 
 std::optional<std::string_view> CellReader::digitsOf(const SheetCell& cell, std::string& kept) const {

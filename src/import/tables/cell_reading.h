@@ -18,10 +18,6 @@ struct CellValue {
   std::string refusal;  ///< in Italian; empty where the value holds
 };
 
-/// A number of a sheet with "." for decimals: spaces around it, a currency sign and a percent sign are passed over,
-/// groups of three are put together. Nothing for what is no number in this notation.
-std::optional<std::string> sheetNumber(std::string_view text, const CsvReading& signs);
-
 /// Reads cells by what a sheet's texts mean. What it is made from outlives it.
 class CellReader {
  public:

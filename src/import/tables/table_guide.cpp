@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "import/sheets/sheet_number.h"
 #include "import/tables/cell_reading.h"
 #include "media/choice/picture_box.h"
 #include "platform/files/files.h"

@@ -76,7 +76,7 @@ class MainMenus final : public QObject {
   void makeActions(QMainWindow& window);
   /// Entries and submenus of a menu.
   void makeMenu(QMenuBar& bar, Menu which);
-  /// Gives entries and submenus a character after "&" that no other one of their menu has, where their letters allow
+  /// Gives entries and submenus a character after "&" that no other one of their menu has, where the text allows
   /// that. An entry of several menus has the same in all of them.
   void giveMnemonics();
   /// The submenu of this title, made at its first entry.

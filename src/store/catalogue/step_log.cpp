@@ -46,7 +46,12 @@ StepLog::StepLog(std::string shopFolder, Clock& clock, StepLimits limits)
 
 std::string StepLog::path() const { return entryPath(entryPath(shopFolder_, backupFolder), logFile); }
 
-StepLog::~StepLog() { write(); }
+StepLog::~StepLog() {
+  try {
+    write();
+  } catch (...) {  // no memory: what was told already stays unwritten
+  }
+}
 
 Result<> StepLog::open(bool create) {
   if (database_.isOpen()) return {};
@@ -82,15 +87,15 @@ void StepLog::write() {
     failure_ = opened.error();
     return;
   }
-  const auto IDs = writeWaiting();
-  if (!IDs) {
+  const auto written = writeWaiting();
+  if (!written) {
     database_.rollback();
-    failure_ = IDs.error();
+    failure_ = written.error();
     return;
   }
   for (auto* steps : {&done_, &undone_}) {
     for (std::int64_t& step : *steps) {
-      if (step >= firstWaiting) step = (*IDs)[static_cast<std::size_t>(step - firstWaiting)];
+      if (step >= firstWaiting) step = (*written)[static_cast<std::size_t>(step - firstWaiting)];
     }
   }
   std::int64_t added = 0;
@@ -111,12 +116,12 @@ Result<std::vector<std::int64_t>> StepLog::writeWaiting() {
     const auto last = database_.scalar("SELECT MAX(sessione) FROM passi");
     session_ = last ? asInteger(*last) + 1 : 1;
   }
-  std::vector<std::int64_t> IDs;
+  std::vector<std::int64_t> keys;
   for (const WaitingStep& step : waiting_) {
     if (auto written = writeStep(step); !written) return fail(written.error());
     const auto ID = database_.scalar("SELECT last_insert_rowid()");
     if (!ID) return fail(ID.error());
-    IDs.push_back(asInteger(*ID));
+    keys.push_back(asInteger(*ID));
   }
   for (const auto& [ID, state] : states_) {
     const auto marked = runWith(database_, "UPDATE passi SET stato = ?1 WHERE ID = ?2",
@@ -124,7 +129,7 @@ Result<std::vector<std::int64_t>> StepLog::writeWaiting() {
     if (!marked) return fail(marked.error());
   }
   if (auto kept = database_.commit(); !kept) return fail(kept.error());
-  return IDs;
+  return keys;
 }
 
 Result<> StepLog::writeStep(const WaitingStep& step) {
