@@ -115,6 +115,9 @@ TEST_F(TheImportDialog, OkIsEnabledWithAPathAndReturnsIt) {
   EXPECT_TRUE(ok->isEnabled());
   EXPECT_EQ(user.foldersAsked[0].prompt, "Selezionare la cartella del negozio di origine:");
   EXPECT_TRUE(preview().starts_with("Versione del negozio di origine: 250\narticoli: ")) << preview();
+  const auto* text = control<QPlainTextEdit>(*dialog, "txtAnteprima");
+  EXPECT_EQ(text->tabStopDistance(), text->fontMetrics().horizontalAdvance(QStringLiteral("modificata  ")))
+      << "columns stay apart in a font of any size";
   EXPECT_EQ(test::namelessControls(*dialog), "");
   EXPECT_EQ(test::missingCaptions(*dialog, {"- Scelta del template", "- Configurazione dei sistemi di pagamento",
                                             "- Configurazione della scheda \"Internet\""}),

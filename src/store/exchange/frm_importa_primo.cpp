@@ -27,6 +27,8 @@ frmImportaPrimo::frmImportaPrimo(Session& session, Environment& env, QWidget* pa
   txtAnteprima_ = named(new QPlainTextEdit(), "txtAnteprima");
   txtAnteprima_->setReadOnly(true);
   txtAnteprima_->setTabChangesFocus(true);
+  // The first columns hold words such as "modificata" and "categorie", in a font of any size.
+  txtAnteprima_->setTabStopDistance(txtAnteprima_->fontMetrics().horizontalAdvance(QStringLiteral("modificata  ")));
   column->addWidget(labelFor("&Anteprima:", txtAnteprima_));
   column->addWidget(txtAnteprima_, 1);
   QDialogButtonBox* buttons = makeButtons();
