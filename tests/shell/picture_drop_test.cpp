@@ -1,6 +1,8 @@
 // Pictures dropped on a picture or a row: which of its pictures they become, as one step, and what is told.
 #include "shell/workbench/picture_drop.h"
 
+#include <sys/stat.h>
+
 #include "media/choice/picture_box.h"
 #include "platform/image/pixels.h"
 #include "shell/workbench_fixture.h"
@@ -94,8 +96,10 @@ TEST_F(DroppedPictures, AFileThatIsNoPictureIsToldAndTakesNoRoom) {
   onArticle();
   const std::string text = joinPath(home.path(), "nota.jpg");
   ASSERT_TRUE(writeBytes(text, "testo"));
-  drop(freePictures, {text, joinPath(home.path(), "niente.jpg"), home.path(), photo("a.jpg")});
-  EXPECT_THAT(user.texts().at(0), HasSubstr("L'immagine non può essere letta:\nnota.jpg\nniente.jpg\n"));
+  const std::string pipe = joinPath(home.path(), "tubo.jpg");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  drop(freePictures, {text, pipe, joinPath(home.path(), "niente.jpg"), home.path(), photo("a.jpg")});
+  EXPECT_THAT(user.texts().at(0), HasSubstr("L'immagine non può essere letta:\nnota.jpg\ntubo.jpg\nniente.jpg\n"));
   EXPECT_THAT(pictures(), HasSubstr("a_0001.jpg|40|20|"));
 }
 
