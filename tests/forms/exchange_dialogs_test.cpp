@@ -43,6 +43,7 @@ TEST_F(TheExportDialog, ReturnsTheCharactersOfWhatIsChosen) {
   EXPECT_EQ(control<QPlainTextEdit>(*dialog, "txtScript")->toPlainText(), "a.php\nb.js");
   EXPECT_TRUE(control<QPlainTextEdit>(*dialog, "txtScript")->isReadOnly());
   EXPECT_TRUE(control<QRadioButton>(*dialog, "optTuttiTag")->isChecked()) << "the first one is chosen";
+  EXPECT_TRUE(control<QCheckBox>(*dialog, "chkTemplate")->hasFocus()) << "the keyboard begins at the top";
   EXPECT_EQ(
       test::missingCaptions(
           *dialog,

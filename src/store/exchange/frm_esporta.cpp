@@ -29,6 +29,7 @@ frmEsporta::frmEsporta(const ExportOffer& offer, QWidget* parent) : FormDialog(e
   connect(buttons, &QDialogButtonBox::accepted, this, &frmEsporta::accepted);
   column->addWidget(buttons);
   sizeInCharacters(72, offer.scripts ? 26 : 15);
+  chkTemplate_->setFocus();
 }
 
 void frmEsporta::addScripts(QBoxLayout& column, const ExportOffer& offer) {
