@@ -38,7 +38,9 @@ class AccountingOnTheCommandLine : public ::testing::Test {
     out.str("");
     err.str("");
     arguments.insert(arguments.end(), {"--app", application});
-    return runCommandLine(arguments, {out, err, {}, ""});
+    ConsoleOptions screen;
+    screen.cancelled = [this] { return isCancelled; };
+    return runCommandLine(arguments, {out, err, screen, ""});
   }
   std::string imported() const {
     auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
@@ -49,10 +51,15 @@ class AccountingOnTheCommandLine : public ::testing::Test {
 
   test::TempFolder home;
   std::string shop, application, source;
+  bool isCancelled = false;
   std::ostringstream out, err;
 };
 
 TEST_F(AccountingOnTheCommandLine, ASourceIsToldByWhatItHoldsAndImported) {
+  isCancelled = true;
+  EXPECT_EQ(run({"import", shop, source, "--options", "11010031000"}), CliOutcome::Cancelled) << err.str();
+  EXPECT_EQ(imported(), "");
+  isCancelled = false;
   EXPECT_EQ(run({"import", shop, source, "--options", "11010031000"}), CliOutcome::Done) << err.str();
   EXPECT_THAT(err.str(), HasSubstr("Importazione completata"));
   EXPECT_EQ(imported(), "*Vaso42700");

@@ -33,7 +33,9 @@ class TablesOnTheCommandLine : public ::testing::Test {
     out.str("");
     err.str("");
     arguments.insert(arguments.end(), {"--app", application});
-    return runCommandLine(arguments, {out, err, {}, ""});
+    ConsoleOptions screen;
+    screen.cancelled = [this] { return isCancelled; };
+    return runCommandLine(arguments, {out, err, screen, ""});
   }
   bool inCatalogue(const std::string& sql) const {
     auto catalogue = Database::open(shop + "/catalog.mdb", OpenMode::Shared);
@@ -57,11 +59,16 @@ class TablesOnTheCommandLine : public ::testing::Test {
 
   test::TempFolder home;
   std::string shop, application, sheet;
+  bool isCancelled = false;
   std::ostringstream out, err;
 };
 
 TEST_F(TablesOnTheCommandLine, ImportsTheGoodRowsAndTellsTheOthersWithTheirReason) {
   ASSERT_TRUE(writeBytes(sheet, "Codice;Prezzo\nprimo;2,75\nmai;1\n"));
+  isCancelled = true;
+  EXPECT_EQ(run({"import-table", shop, sheet, "--mode", "change"}), CliOutcome::Cancelled) << err.str();
+  EXPECT_EQ(priceOfFirst(), "1.5");
+  isCancelled = false;
   EXPECT_EQ(run({"import-table", shop, sheet, "--mode", "change"}), CliOutcome::Done) << err.str();
   EXPECT_EQ(out.str(),
             "Articoli: 0 nuovi, 1 modificati, 0 invariati, 1 tralasciati\nriga 3\tmai\tnon è nel catalogo\n");
@@ -154,6 +161,10 @@ TEST_F(TablesOnTheCommandLine, TellsInADryRunWhichArticlesWouldGoOutOfTheCatalog
 
 TEST_F(TablesOnTheCommandLine, ExportsASheetThatChangesNothingWhenItIsImported) {
   const std::string exported = home / "articoli.xlsx";
+  isCancelled = true;
+  EXPECT_EQ(run({"export-table", shop, exported}), CliOutcome::Cancelled) << err.str();
+  EXPECT_FALSE(fileExists(exported));
+  isCancelled = false;
   ASSERT_EQ(run({"export-table", shop, exported, "--columns", "codice,titolo,prezzo,reparto"}), CliOutcome::Done);
   EXPECT_THAT(out.str(), HasSubstr("articoli.xlsx: "));
   ASSERT_EQ(run({"import-table", shop, exported, "--dry-run"}), CliOutcome::Done) << err.str();

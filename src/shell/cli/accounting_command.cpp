@@ -73,6 +73,7 @@ CliOutcome importAccounting(const std::string& shop, const CommandLine& line, En
   }
   request->model = open.session.models.empty() ? std::string(fallbackModel) : open.session.models.front();
   const AccountingEnd end = importAccountingRows(open.session, env, *request);
+  if (end == AccountingEnd::NotDone) return failedOrCancelled(env);
   return end == AccountingEnd::Done ? CliOutcome::Done : CliOutcome::Failed;
 }
 

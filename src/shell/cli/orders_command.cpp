@@ -32,7 +32,7 @@ bool wroteCsv(const CommandLine& line, Environment& env, const OrdersParts& part
 
 CliOutcome outcomeOf(bool isFetched, Environment& env) {
   if (isFetched) return CliOutcome::Done;
-  return env.user.yield() ? CliOutcome::Failed : CliOutcome::Cancelled;
+  return failedOrCancelled(env);
 }
 
 }  // namespace

@@ -88,6 +88,8 @@ CliOutcome refused(Environment& env, const std::string& text) {
   return CliOutcome::Failed;
 }
 
+CliOutcome failedOrCancelled(Environment& env) { return env.user.yield() ? CliOutcome::Failed : CliOutcome::Cancelled; }
+
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out) {
   CliSession open(env);
   if (!open.open(shop)) return CliOutcome::Failed;

@@ -22,6 +22,9 @@ enum class CliOutcome {
 /// Tells why a command isn't done; Failed, for its caller to return.
 CliOutcome refused(Environment& env, const std::string& text);
 
+/// How a command ended that did nothing and has told why: Cancelled when the user has ended it, else Failed.
+CliOutcome failedOrCancelled(Environment& env);
+
 /// Opens the shop and builds its site. What was made is told on `out`; messages go to the user port.
 CliOutcome buildShop(const std::string& shop, Environment& env, std::ostream& out);
 

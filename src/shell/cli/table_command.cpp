@@ -36,7 +36,7 @@ CliOutcome tableRefused(Environment& env, const std::string& text, CliOutcome ou
 
 /// Tells why nothing can be imported; a user who ended it knows.
 CliOutcome notRead(Environment& env, const Error& error, const std::string& text) {
-  return error.kind == ErrorKind::Cancelled ? CliOutcome::Failed : tableRefused(env, text);
+  return error.kind == ErrorKind::Cancelled ? CliOutcome::Cancelled : tableRefused(env, text);
 }
 
 CliOutcome wrongValue(Environment& env, const std::string& option, const std::string& value) {
@@ -109,7 +109,7 @@ CliOutcome previewOrImport(CliSession& open, const CommandLine& line, Environmen
     return CliOutcome::Done;
   }
   const TableEnd end = importPlannedTable(open.session, env, job.plan, job.sheet.sheet, job.request);
-  if (end != TableEnd::Done) return CliOutcome::Failed;
+  if (end != TableEnd::Done) return end == TableEnd::Cancelled ? CliOutcome::Cancelled : CliOutcome::Failed;
   printWritten(job.sheet, job.plan, out);
   return CliOutcome::Done;
 }
@@ -193,7 +193,7 @@ CliOutcome exportTableOf(const std::string& shop, const CommandLine& line, Envir
   if (error.kind == ErrorKind::Missing && error.where == table->name) {
     return wrongValue(env, "--columns", error.what);
   }
-  if (error.kind == ErrorKind::Cancelled) return CliOutcome::Failed;
+  if (error.kind == ErrorKind::Cancelled) return CliOutcome::Cancelled;
   return tableRefused(env, sheetWritingFailureText(error, path));
 }
 
