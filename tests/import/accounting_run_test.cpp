@@ -99,7 +99,10 @@ TEST_F(AccountingRun, APriceColumnThatTheSourceLacksChangesNothing) {
     request.line = line;
     EXPECT_EQ(import(), AccountingEnd::NotDone);
     EXPECT_EQ(user.texts().back(), "Non è stato possibile importare i dati");
+    EXPECT_EQ(previewText(), "Non è stato possibile importare i dati (manca Vendita5)");
   }
+  fill("DROP TABLE Articoli");
+  EXPECT_EQ(previewText(), "Non è stato possibile importare i dati (manca Articoli)");
   EXPECT_EQ(allRows(), "");
 }
 

@@ -65,6 +65,11 @@ std::optional<std::string> chosenDatabase(Environment& env, const AccountingRequ
   return companyPath(company->path, listPath);
 }
 
+/// Why a source can't be planned: a table or column that it lacks is named alone, without a number of the system.
+std::string reasonOf(const Error& error) {
+  return error.kind == ErrorKind::Missing && error.number == 0 ? "manca " + error.what : error.what;
+}
+
 /// How the writing of the rows ended.
 enum class Written { All, UpToAnError, Cancelled };
 
@@ -161,7 +166,7 @@ Result<AccountingPlan> previewAccounting(Session& session, const Settings& setti
   if (!source) return fail(source.error().kind, located->path, notOpened(located->path));
   auto plan = planAccountingImport(session.catalogue, **source, targetOf(request));
   if (!plan) {
-    return fail(plan.error().kind, located->path, std::string(accountingFailed) + " (" + plan.error().what + ")");
+    return fail(plan.error().kind, located->path, std::string(accountingFailed) + " (" + reasonOf(plan.error()) + ")");
   }
   plan->form = (*source)->description();
   return plan;

@@ -21,6 +21,9 @@ class StoreSource final : public AccountingSource {
   Result<std::vector<AccountingRow>> rows(std::string_view table,
                                           const std::vector<std::string>& columns) const override {
     const auto info = database_.table(table);
+    if (!info && info.error().kind == ErrorKind::Missing) {
+      return fail(ErrorKind::Missing, info.error().where, std::string(table));
+    }
     if (!info) return fail(info.error());
     std::string list;
     for (const std::string& column : columns) {

@@ -22,8 +22,8 @@ using AccountingRow = std::vector<Value>;
 class AccountingSource {
  public:
   virtual ~AccountingSource() = default;
-  /// The rows of a table in their order. Names ignore case. Missing when there is no such table or column; Malformed
-  /// when the file contradicts itself.
+  /// The rows of a table in their order. Names ignore case. Missing when there is no such table or column, which `what`
+  /// names; Malformed when the file contradicts itself.
   virtual Result<std::vector<AccountingRow>> rows(std::string_view table,
                                                   const std::vector<std::string>& columns) const = 0;
   /// What was found out about the file's form, for the merchant; empty when nothing had to be.
