@@ -3,6 +3,7 @@
 #include <QPlainTextEdit>
 #include <QTableWidget>
 
+#include "forms/captions.h"
 #include "forms/wired_window.h"
 #include "store/catalogue/frm_cronologia.h"
 #include "support/failing_store.h"
@@ -39,6 +40,7 @@ TEST_F(TheHistoryWindow, GoesBackAcrossTheEndOfASession) {
     ASSERT_EQ(steps.rowCount(), 2);
     EXPECT_EQ(steps.item(1, 1)->text(), "Primo");
     EXPECT_EQ(namelessControls(dialog), "");
+    EXPECT_EQ(repeatedKeys(dialog), "");
     EXPECT_EQ(defaultButton(dialog), "Torna a prima di questo");
     steps.setCurrentCell(1, 0);
     EXPECT_TRUE(

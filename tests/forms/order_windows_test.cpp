@@ -17,6 +17,7 @@
 #include <climits>
 
 #include "dialog_fixture.h"
+#include "forms/captions.h"
 #include "publish/orders/desk/frm_esporta_ordini.h"
 #include "publish/orders/papers/frm_order_print.h"
 #include "publish/orders/sales/frm_bar_chart.h"
@@ -94,6 +95,7 @@ TEST_F(ThePrintWindow, ShowsEachOrderOnAPageOfItsOwn) {
   EXPECT_FALSE(control<QPushButton>(*dialog, "cmdSuccessiva")->isEnabled());
   EXPECT_EQ(defaultButton(*dialog), "Stampa...");
   EXPECT_EQ(namelessControls(*dialog), "");
+  EXPECT_EQ(repeatedKeys(*dialog), "");
   keepPicture(*dialog, "stampa-ordini");
   expectHelp(*dialog);
   QTest::keyClick(&*dialog, Qt::Key_Escape);
@@ -284,6 +286,7 @@ TEST_F(TheOrderFileWindow, CountsTheOrdersOfAPeriodAndAState) {
   EXPECT_EQ(labelOf(*dialog, "lblQuanti"), "Nessun ordine in questo periodo");
   EXPECT_FALSE(control<QPushButton>(*dialog, "cmdOK")->isEnabled());
   EXPECT_EQ(namelessControls(*dialog), "");
+  EXPECT_EQ(repeatedKeys(*dialog), "");
   expectHelp(*dialog);
 }
 
@@ -339,6 +342,7 @@ TEST_F(TheSalesWindow, SumsUpByTimeDepartmentAndArticle) {
   EXPECT_EQ(list->rowCount(), 0);
   EXPECT_EQ(labelOf(*dialog, "lblTotale"), "Nessuna vendita in questo periodo.");
   EXPECT_EQ(namelessControls(*dialog), "");
+  EXPECT_EQ(repeatedKeys(*dialog), "");
   expectHelp(*dialog);
 }
 

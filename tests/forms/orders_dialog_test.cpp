@@ -8,6 +8,7 @@
 #include <QTableWidget>
 
 #include "dialog_fixture.h"
+#include "forms/captions.h"
 #include "publish/orders/desk/frm_ordini.h"
 #include "support/order_host.h"
 
@@ -238,6 +239,7 @@ TEST_F(TheOrdersDialog, HandsOrdersToItsTools) {
   list->selectAll();
   click(*dialog, "cmdStampa");
   list->selectRow(1);
+  EXPECT_EQ(test::repeatedKeys(*dialog), "");
   click(*dialog, "cmdStampa");
   choose("cboStato", 1);
   click(*dialog, "cmdEsporta");
@@ -269,6 +271,7 @@ TEST_F(TheOrdersDialog, StockIsReadAndSet) {
   click(*dialog, "cmdImposta");
   EXPECT_EQ(host.asked.back(), R"({"azione":"scorta","tipo":"A","chiave":"7","prima":"1|12","dopo":"1|20"})");
   EXPECT_EQ(stock->item(0, 2)->text(), "20");
+  EXPECT_EQ(test::repeatedKeys(*dialog), "");
   test::keepPicture(*dialog, "stock");
 }
 

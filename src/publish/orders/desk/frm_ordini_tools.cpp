@@ -26,7 +26,7 @@ QWidget* frmOrdini::makeCommands() {
   };
   cmdAggiorna_ = add("A&ggiorna", "cmdAggiorna");
   cmdFerma_ = add("&Ferma", "cmdFerma");
-  cmdStampa_ = add("Sta&mpa...", "cmdStampa");
+  cmdStampa_ = add("Stam&pa...", "cmdStampa");
   cmdEsporta_ = add("Espo&rta...", "cmdEsporta");
   cmdVendite_ = add("Vend&ite...", "cmdVendite");
   cmdAggiorna_->setDefault(true);

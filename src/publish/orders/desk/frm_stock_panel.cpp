@@ -65,7 +65,7 @@ QWidget* StockPanel::makeList() {
   lstScorte_->setColumnWidth(0, fontMetrics().averageCharWidth() * 22);
   lstScorte_->setColumnWidth(levelColumn, fontMetrics().averageCharWidth() * 20);
   lblScorte_ = named(wrappedText("Le quantità sono quelle del server: sceglierne l'elenco e leggerle."), "lblScorte");
-  cmdAltre_ = named(new QPushButton(QStringLiteral("Alt&re voci")), "cmdAltre");
+  cmdAltre_ = named(new QPushButton(QStringLiteral("&Altre voci")), "cmdAltre");
   cmdAltre_->setEnabled(false);
   auto* list = new QWidget();
   auto* column = new QVBoxLayout(list);
@@ -81,16 +81,16 @@ QWidget* StockPanel::makeList() {
 }
 
 QWidget* StockPanel::makeLevel() {
-  chkDisponibile_ = named(new QCheckBox(QStringLiteral("Si può &ordinare")), "chkDisponibile");
+  chkDisponibile_ = named(new QCheckBox(QStringLiteral("Si p&uò ordinare")), "chkDisponibile");
   txtPezzi_ = named(new QLineEdit(), "txtPezzi");
   txtPezzi_->setMaxLength(longestPieces);
   txtPezzi_->setPlaceholderText(QStringLiteral("vuoto: senza limite"));
-  cmdImposta_ = named(new QPushButton(QStringLiteral("&Imposta")), "cmdImposta");
+  cmdImposta_ = named(new QPushButton(QStringLiteral("I&mposta")), "cmdImposta");
   auto* level = new QWidget();
   auto* row = new QHBoxLayout(level);
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(chkDisponibile_);
-  row->addWidget(labelFor("&Pezzi:", txtPezzi_));
+  row->addWidget(labelFor("Pe&zzi:", txtPezzi_));
   row->addWidget(txtPezzi_);
   row->addWidget(cmdImposta_);
   row->addStretch(1);

@@ -129,7 +129,7 @@ QWidget* frmOrderPrint::makePages() {
 
 void frmOrderPrint::makeCommands() {
   QDialogButtonBox* buttons = makeButtons("&Stampa...", "Chiudi");
-  auto* pdf = named(buttons->addButton(toQt("Salva P&DF..."), QDialogButtonBox::ActionRole), "cmdPdf");
+  auto* pdf = named(buttons->addButton(toQt("Sal&va PDF..."), QDialogButtonBox::ActionRole), "cmdPdf");
   pdf->setAutoDefault(false);
   connect(buttons, &QDialogButtonBox::accepted, this, &frmOrderPrint::print);
   connect(pdf, &QPushButton::clicked, this, &frmOrderPrint::writePdf);
