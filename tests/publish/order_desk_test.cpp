@@ -153,6 +153,13 @@ TEST_F(TheOrderDesk, AConflictOfStockShowsBothValues) {
   EXPECT_THAT(host.asked.back(), HasSubstr(R"("prima":"0|","dopo":"1|")"));
 }
 
+TEST_F(TheOrderDesk, StockThatTheServerDoesNotKnowIsTold) {
+  host.answers = {R"({"esito":"sconosciuto","voce":""})"};
+  EXPECT_FALSE(desk.setStock({StockKind::Articles, "7", "1|12", "1|20"}, "T1"));
+  EXPECT_THAT(user.texts(), ElementsAre("Il server non conosce più T1: nulla è stato modificato. Premere \"Leggi dal "
+                                        "server\" per leggere di nuovo l'elenco."));
+}
+
 TEST_F(TheOrderDesk, TellsNoMoreOfAServersTextThanAWindowShows) {
   host.answers = {R"({"errore":"<b>\u001b[2J)" + std::string(5000, 'x') + R"("})",
                   changeJson("fatto", {1, "2026-05-31 10:20:30", "pagato"}, std::string(5000, 'y'))};

@@ -23,6 +23,8 @@ constexpr const char* notKept =
     "La modifica è stata eseguita sul server, ma non è stata annotata qui: premere \"Aggiorna\".\n\n";
 constexpr const char* alreadyThere =
     "L'ordine aveva già questo stato sul server: nulla è stato modificato, e nessun messaggio è partito.";
+constexpr const char* notInStock =
+    ": nulla è stato modificato. Premere \"Leggi dal server\" per leggere di nuovo l'elenco.";
 constexpr const char* nameless =
     "Il negozio ha eliminato i dati dei clienti di questi ordini. Sono stati eliminati anche da questo computer;\n"
     "gli ordini restano, senza nome: ";
@@ -49,10 +51,6 @@ std::string erasedText(const ErasedOrders& erased, bool keepsDamagedFile) {
   if (!erased.removed.empty()) text += goneFromShop + codeList(erased.removed) + "\n\n";
   if (keepsDamagedFile) text += "Anche il file ordini-danneggiato.db, messo da parte, viene eliminato.\n\n";
   return text + alsoElsewhere;
-}
-
-std::string levelFor(const std::string& level) {
-  return level.empty() ? std::string("sconosciuta") : stockLevelText(level);
 }
 
 bool mayHaveHappened(const Error& error) { return error.number == outcomeNotKnown; }
@@ -211,9 +209,13 @@ std::optional<std::string> OrderDesk::setStock(StockChange change, const std::st
       showRefusal(done.error());
       return std::nullopt;
     }
+    if (done->outcome == ChangeOutcome::Unknown) {
+      ports_.user.message("Il server non conosce più " + name + notInStock, Icon::Exclamation);
+      return std::nullopt;
+    }
     if (done->outcome == ChangeOutcome::Done || done->level == change.after) return done->level;
     const Conflict conflict{"La disponibilità di " + name + " è cambiata nel frattempo sul server.",
-                            levelFor(change.before), levelFor(done->level), levelFor(change.after)};
+                            stockLevelText(change.before), stockLevelText(done->level), stockLevelText(change.after)};
     if (!repeats(ports_.user, conflict)) return done->level;
     change.before = done->level;
   }
