@@ -181,6 +181,8 @@ TEST(SumsOfSales, WhatIsLeftAfterTheFirstRowsIsOneMore) {
   EXPECT_EQ(topRows(rows, 2), rows) << "one other is no less than itself";
   EXPECT_EQ(salesBlock({{"a", "A\tB\"", cents(123456), 3, 2}}, SalesBy::Article),
             "Articolo\tImporto\tPezzi\tOrdini\nA B \t1234,56\t3\t2\n");
+  EXPECT_EQ(salesBlock({{"a", "-5% Tazza", cents(100), 1, 1}}, SalesBy::Article),
+            "Articolo\tImporto\tPezzi\tOrdini\n'-5% Tazza\t1,00\t1\t1\n");
 }
 
 TEST(PeriodsOfSales, AreSeenFromToday) {

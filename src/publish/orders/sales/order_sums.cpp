@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "platform/text/formula_sign.h"
 #include "publish/orders/sales/sales_days.h"
 #include "publish/orders/values/order_texts.h"
 
@@ -170,8 +171,9 @@ std::string salesBlock(const std::vector<SalesRow>& rows, SalesBy by) {
     std::string label = row.label;
     std::ranges::replace_if(
         label, [](char c) { return c == '\t' || c == '\n' || c == '\r' || c == '"'; }, ' ');
-    text += label + "\t" + decimalText(row.amount, false) + "\t" + std::to_string(row.pieces) + "\t" +
-            std::to_string(row.orders) + "\n";
+    // A title such as "-5% Tazza" is no formula either.
+    text += (hasFormulaSign(label) ? "'" : "") + label + "\t" + decimalText(row.amount, false) + "\t" +
+            std::to_string(row.pieces) + "\t" + std::to_string(row.orders) + "\n";
   }
   return text;
 }
