@@ -42,7 +42,11 @@ TEST(TheListOfOrders, ShowsAllOfAnOrder) {
   DeskOrder bare = theOrder();
   bare.lines.clear();
   bare.summary = "Due tazze";
+  // A customer's text of several lines is none of the order's own.
+  bare.fields["Note"] = "Suonare\r\nStato: Pagato\u2028Totale: EUR 0,00";
   EXPECT_THAT(orderDetails(bare), ::testing::HasSubstr("\nDue tazze\n"));
+  EXPECT_THAT(orderDetails(bare),
+              ::testing::HasSubstr("\nNote del cliente: Suonare\n    Stato: Pagato\n    Totale: EUR 0,00\n"));
 }
 
 TEST(TheListOfOrders, CountsInWords) {

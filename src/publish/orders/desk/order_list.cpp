@@ -43,8 +43,15 @@ std::optional<std::array<int, 3>> threeNumbers(std::string_view text) {
   return numbers;
 }
 
+/// A text of the customer: its lines after the first one are indented, so that none looks like a line of the order.
+std::string indented(std::string_view value) {
+  std::string text(value);
+  for (const char* end : {"\r\n", "\r", "\v", "\f", "\u0085", "\u2028", "\u2029"}) text = replaceAll(text, end, "\n");
+  return replaceAll(text, "\n", "\n    ");
+}
+
 void addLine(std::string& text, std::string_view name, std::string_view value) {
-  if (!trim(value).empty()) text.append(name).append(": ").append(value).append("\n");
+  if (!trim(value).empty()) text.append(name).append(": ").append(indented(value)).append("\n");
 }
 
 void addRecipient(std::string& text, const DeskOrder& order) {
@@ -170,7 +177,7 @@ std::string orderDetails(const DeskOrder& order) {
   addTotals(text, order);
   addWithdrawals(text, order);
   if (!order.notes.empty()) text += "\nAnnotazioni\n";
-  for (const DeskOrderNote& note : order.notes) text += orderDate(note.when, true) + " " + note.text + "\n";
+  for (const DeskOrderNote& note : order.notes) text += orderDate(note.when, true) + " " + indented(note.text) + "\n";
   return text;
 }
 
