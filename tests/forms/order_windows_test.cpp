@@ -20,6 +20,7 @@
 #include "forms/captions.h"
 #include "publish/orders/desk/frm_esporta_ordini.h"
 #include "publish/orders/papers/frm_order_print.h"
+#include "publish/orders/papers/order_labels.h"
 #include "publish/orders/sales/frm_bar_chart.h"
 #include "publish/orders/sales/frm_vendite.h"
 #include "support/sample_orders.h"
@@ -198,12 +199,10 @@ TEST_F(ThePrintWindow, NoLetterIsCutAtItsLeftEdge) {
   constexpr int dotsPerMillimetre = 12;
   QImage label(70 * dotsPerMillimetre, 37 * dotsPerMillimetre, QImage::Format_Grayscale8);
   label.fill(Qt::white);
-  {
-    QPainter painter(&label);
-    constexpr double shadow = 25;  // around the page
-    const double scale = (preview->scene()->items().front()->boundingRect().width() - 2 * shadow) / 210;
-    preview->scene()->render(&painter, label.rect(), {0, 0, 70 * scale, 37 * scale});
-  }
+  QPainter painter(&label);
+  const double scale = (preview->scene()->items().front()->boundingRect().width() - 2 * 25) / 210;  // less its shadow
+  preview->scene()->render(&painter, label.rect(), {0, 0, 70 * scale, 37 * scale});
+  painter.end();
   // Where the ink of each line begins; the edge of the page is drawn too.
   std::vector<int> lines;
   bool isBlank = true;
@@ -221,6 +220,16 @@ TEST_F(ThePrintWindow, NoLetterIsCutAtItsLeftEdge) {
     return QFontMetricsF(font).leftBearing(QLatin1Char(first));
   };
   EXPECT_LE(lines[0] - lines[1], bearing('J', 12) - bearing('O', 10) + 1) << "\"Jole\" above \"Ordine\"";
+}
+
+TEST_F(ThePrintWindow, ANameFromRightToLeftDoesNotTurnTheTown) {
+  DeskOrder order = sampleOrder();
+  order.fields["Nome"] = "שלום";
+  for (const std::string& html : {labelText(order), orderPaper(order, OrderPaper::Order, sender, {})}) {
+    QTextDocument document;
+    document.setHtml(toQt(html));
+    EXPECT_EQ(document.find(QStringLiteral("50100 Firenze")).block().textDirection(), Qt::LeftToRight);
+  }
 }
 
 TEST_F(ThePrintWindow, TheLogoIsOnPaperUnlessItIsSwitchedOff) {

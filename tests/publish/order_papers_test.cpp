@@ -22,6 +22,12 @@ std::string bodyOf(const DeskOrder& order, OrderPaper paper, const LogoSize& log
   return html.substr(html.find("<body>"));
 }
 
+std::string paragraphs(const std::vector<std::string>& lines) {
+  std::string html;
+  for (const std::string& line : lines) html += "<p style=\"margin-top:0px;margin-bottom:0px\">" + line + "</p>";
+  return html;
+}
+
 bool holdsPart(const std::string& html, const std::string& part) { return html.find(part) != std::string::npos; }
 
 TEST(OrderPapers, AnOrderSaysAllThatWasOrderedToTheByte) {
@@ -29,28 +35,32 @@ TEST(OrderPapers, AnOrderSaysAllThatWasOrderedToTheByte) {
       bodyOf(sampleOrder(), OrderPaper::Order),
       "<body><table width=\"100%\" cellspacing=\"0\"><tr><td width=\"55%\"><p><b>Bottega &lt;B&gt;</b><br>Via Roma "
       "1<br>"
-      "Partita IVA 099</p></td><td width=\"45%\"><h2>Destinatario</h2><p>Anna Neri<br>Neri &amp; Figli<br>Via &lt;1&gt;"
-      "<br>50100 Firenze FI<br>Italia<br>E-mail: anna@casa.example<br>Telefono: 055 1<br>Partita IVA: 0123<br>Cliente: "
-      "n. 12</p></td></tr></table><h1>Ordine A1041</h1><p>Ordine A1041 del 31/05/2026 · Pagamento: Bonifico · "
-      "pagato</p>"
-      "<h2>Articoli</h2><table width=\"100%\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" "
-      "style=\"border-collapse:collapse;margin-top:6px;margin-bottom:6px\"><thead><tr><th align=\"left\" "
-      "width=\"55%\">Articolo</th><th align=\"right\" "
-      "style=\"white-space:nowrap\" width=\"13%\">Quantità</th><th align=\"right\" style=\"white-space:nowrap\" "
-      "width=\"16%\">Importo</th><th align=\"right\" style=\"white-space:nowrap\" "
-      "width=\"16%\">Totale</th></tr></thead>"
-      "<tr><td align=\"left\">Vaso blu<br><small>Misura: M</small><br><small><i>Blue vase (Size: M)</i></small></td>"
-      "<td align=\"right\" style=\"white-space:nowrap\">2</td><td align=\"right\" style=\"white-space:nowrap\">600,00"
-      "</td><td align=\"right\" style=\"white-space:nowrap\">1.200,00</td></tr><tr><td align=\"left\">Tazza</td>"
-      "<td align=\"right\" style=\"white-space:nowrap\">1</td><td align=\"right\" "
-      "style=\"white-space:nowrap\">12,50</td>"
-      "<td align=\"right\" style=\"white-space:nowrap\">12,50</td></tr></table>"
-      "<table align=\"right\" cellspacing=\"0\" cellpadding=\"4\"><tr><td align=\"right\">Totale articoli</td>"
-      "<td align=\"right\" style=\"white-space:nowrap\">1.212,50</td></tr><tr><td align=\"right\">Sconto</td>"
-      "<td align=\"right\" style=\"white-space:nowrap\">-5,00</td></tr><tr><td align=\"right\">Spese di spedizione</td>"
-      "<td align=\"right\" style=\"white-space:nowrap\">22,00</td></tr><tr><td align=\"right\"><b>Totale</b></td>"
-      "<td align=\"right\" style=\"white-space:nowrap\"><b>€\u00A01.234,50</b></td></tr></table>"
-      "<h2>Note del cliente</h2><p>Suonare<br>&quot;due&quot; volte</p></body></html>");
+      "Partita IVA 099</p></td><td width=\"45%\"><h2>Destinatario</h2>" +
+          paragraphs({"Anna Neri", "Neri &amp; Figli", "Via &lt;1&gt;", "50100 Firenze FI", "Italia",
+                      "E-mail: anna@casa.example", "Telefono: 055 1", "Partita IVA: 0123", "Cliente: n. 12"}) +
+          "</td></tr></table><h1>Ordine A1041</h1><p>Ordine A1041 del 31/05/2026 · Pagamento: Bonifico · "
+          "pagato</p>"
+          "<h2>Articoli</h2><table width=\"100%\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\" "
+          "style=\"border-collapse:collapse;margin-top:6px;margin-bottom:6px\"><thead><tr><th align=\"left\" "
+          "width=\"55%\">Articolo</th><th align=\"right\" "
+          "style=\"white-space:nowrap\" width=\"13%\">Quantità</th><th align=\"right\" style=\"white-space:nowrap\" "
+          "width=\"16%\">Importo</th><th align=\"right\" style=\"white-space:nowrap\" "
+          "width=\"16%\">Totale</th></tr></thead>"
+          "<tr><td align=\"left\">Vaso blu<br><small>Misura: M</small><br><small><i>Blue vase (Size: "
+          "M)</i></small></td>"
+          "<td align=\"right\" style=\"white-space:nowrap\">2</td><td align=\"right\" "
+          "style=\"white-space:nowrap\">600,00"
+          "</td><td align=\"right\" style=\"white-space:nowrap\">1.200,00</td></tr><tr><td align=\"left\">Tazza</td>"
+          "<td align=\"right\" style=\"white-space:nowrap\">1</td><td align=\"right\" "
+          "style=\"white-space:nowrap\">12,50</td>"
+          "<td align=\"right\" style=\"white-space:nowrap\">12,50</td></tr></table>"
+          "<table align=\"right\" cellspacing=\"0\" cellpadding=\"4\"><tr><td align=\"right\">Totale articoli</td>"
+          "<td align=\"right\" style=\"white-space:nowrap\">1.212,50</td></tr><tr><td align=\"right\">Sconto</td>"
+          "<td align=\"right\" style=\"white-space:nowrap\">-5,00</td></tr><tr><td align=\"right\">Spese di "
+          "spedizione</td>"
+          "<td align=\"right\" style=\"white-space:nowrap\">22,00</td></tr><tr><td align=\"right\"><b>Totale</b></td>"
+          "<td align=\"right\" style=\"white-space:nowrap\"><b>€\u00A01.234,50</b></td></tr></table>"
+          "<h2>Note del cliente</h2><p>Suonare<br>&quot;due&quot; volte</p></body></html>");
 }
 
 TEST(OrderPapers, ADeliveryNoteCountsPiecesAndNamesNoAmount) {
@@ -244,10 +254,10 @@ TEST(AddressLabels, LieWithinTheirPaper) {
 }
 
 TEST(AddressLabels, HoldTheAddressAndTheOrder) {
-  EXPECT_EQ(
-      labelText(sampleOrder()),
-      "<html><body><p>Anna Neri<br>Neri &amp; Figli<br>Via &lt;1&gt;<br>50100 Firenze FI<br>Italia<br><small>Ordine "
-      "A1041</small></p></body></html>");
+  EXPECT_EQ(labelText(sampleOrder()), "<html><body>" +
+                                          paragraphs({"Anna Neri", "Neri &amp; Figli", "Via &lt;1&gt;",
+                                                      "50100 Firenze FI", "Italia", "<small>Ordine A1041</small>"}) +
+                                          "</body></html>");
 }
 
 TEST(TheSenderOfPapers, IsTheShopWithItsSignatureAndWhatTheLawAsks) {

@@ -130,21 +130,15 @@ std::string senderCell(const ShopSender& sender, const LogoSize& logo) {
 }
 
 std::string addresseeCell(const DeskOrder& order) {
-  std::string html = "<h2>Destinatario</h2><p>";
-  std::string separator;
-  for (const std::string& line : addresseeLines(order)) {
-    html += separator + textAsHtml(line);
-    separator = "<br>";
-  }
+  std::vector<std::string> lines = addresseeLines(order);
   const std::string customer = order.customer > 0 ? "n. " + std::to_string(order.customer) : "";
   for (const auto& [caption, text] : {std::pair<std::string, std::string>("E-mail", order.email),
                                       {"Telefono", orderField(order, "Telefono")},
                                       {"Partita IVA", orderField(order, "PartitaIVA")},
                                       {"Cliente", customer}}) {
-    if (text.empty()) continue;
-    html += separator + caption + ": " + textAsHtml(text);
+    if (!text.empty()) lines.push_back(caption + ": " + text);
   }
-  return html + "</p>";
+  return "<h2>Destinatario</h2>" + paragraphsAsHtml(lines);
 }
 
 /// The line below the heading: order, day, payment, state.
@@ -201,6 +195,14 @@ std::string_view paperName(OrderPaper paper) {
 
 std::string paperTitle(const DeskOrder& order, OrderPaper paper) {
   return std::string(paperName(paper)) + " " + order.code;
+}
+
+std::string paragraphsAsHtml(const std::vector<std::string>& texts) {
+  std::string html;
+  for (const std::string& text : texts) {
+    html += "<p style=\"margin-top:0px;margin-bottom:0px\">" + textAsHtml(text) + "</p>";
+  }
+  return html;
 }
 
 std::vector<std::string> addresseeLines(const DeskOrder& order) {

@@ -34,6 +34,9 @@ std::string paperTitle(const DeskOrder& order, OrderPaper paper);
 /// heading of the table is one that pages repeat. An order that doesn't hold its lines shows its summary.
 std::string orderPaper(const DeskOrder& order, OrderPaper paper, const ShopSender& sender, const LogoSize& logo);
 
+/// Texts as HTML, a paragraph each: one that is written from right to left doesn't turn the others.
+std::string paragraphsAsHtml(const std::vector<std::string>& texts);
+
 /// Who receives an order, a line each: person, company, street, town, country; the order's name without any of these.
 std::vector<std::string> addresseeLines(const DeskOrder& order);
 

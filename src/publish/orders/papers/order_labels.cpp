@@ -23,15 +23,10 @@ LabelPosition labelPosition(const LabelSheet& sheet, int first, int index) {
 }
 
 std::string labelText(const DeskOrder& order) {
-  std::string html = "<html><body><p>";
-  std::string separator;
-  for (const std::string& line : addresseeLines(order)) {
-    html += separator + textAsHtml(line);
-    separator = "<br>";
-  }
   const std::string withdrawn = withdrawalOnLabel(order);
-  return html + separator + "<small>Ordine " + textAsHtml(order.code) + (withdrawn.empty() ? "" : " · ") + withdrawn +
-         "</small></p></body></html>";
+  return "<html><body>" + paragraphsAsHtml(addresseeLines(order)) +
+         "<p style=\"margin-top:0px;margin-bottom:0px\"><small>Ordine " + textAsHtml(order.code) +
+         (withdrawn.empty() ? "" : " · ") + withdrawn + "</small></p></body></html>";
 }
 
 }  // namespace kv
