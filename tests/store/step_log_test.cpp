@@ -48,7 +48,7 @@ TEST_F(TheStepLog, SaysWhatAStepChanged) {
                           "Articolo 1, fuoricatalogo: vuoto -> sì", "Articolo 9: nuova riga"));
   EXPECT_THAT(describeStep(session.catalogue, *changes, 1),
               ElementsAre("Articolo 1, titolo: vuoto -> \"Vaso\"", "Articolo 1, prezzo: 1 -> 12,5",
-                          "Articolo 1, fuoricatalogo: vuoto -> sì", "e altre 1 righe"));
+                          "Articolo 1, fuoricatalogo: vuoto -> sì", "e un'altra riga"));
 }
 
 TEST_F(TheStepLog, ImagesComeBackAsTheyWere) {

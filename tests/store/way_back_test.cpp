@@ -102,6 +102,11 @@ TEST_F(TheWayBack, ACopyIsGoneBackToWithAllThatWasDoneSinceItWasMade) {
                 lost + "\ne altri 2 passi\n\nTornare indietro?")
       << "the step before the copy stays, the one between copy and step goes";
   EXPECT_EQ(asked.icon, Icon::Exclamation);
+  const auto thirteen = planWayBack(session, *log, stepNamed("Passo 12"));
+  ASSERT_TRUE(thirteen && thirteen->byRows);
+  WayBack longer = *thirteen;
+  longer.lost.resize(13, longer.lost[0]);
+  EXPECT_TRUE(wayBackQuestion(longer).text.ends_with("\ne un altro passo\n\nTornare indietro?"));
 }
 
 TEST_F(TheWayBack, ADamagedImageIsNoticedAndNotRestored) {

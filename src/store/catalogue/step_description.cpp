@@ -99,7 +99,8 @@ std::vector<std::string> describeStep(Database& catalogue, const RowChanges& cha
   for (; described < changes.size() && lines.size() < most; ++described) {
     describeRow(lines, changes[described], tables);
   }
-  if (described < changes.size()) lines.push_back("e altre " + std::to_string(changes.size() - described) + " righe");
+  const std::size_t more = changes.size() - described;
+  if (more > 0) lines.push_back(more == 1 ? "e un'altra riga" : "e altre " + std::to_string(more) + " righe");
   return lines;
 }
 

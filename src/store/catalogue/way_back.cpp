@@ -95,7 +95,8 @@ Question wayBackQuestion(const WayBack& way) {
   for (std::size_t i = 0; i < std::min(way.lost.size(), lostShown); ++i) {
     text += "\n" + formatTime(way.lost[i].madeAt) + "  " + way.lost[i].name;
   }
-  if (way.lost.size() > lostShown) text += "\ne altri " + std::to_string(way.lost.size() - lostShown) + " passi";
+  const std::size_t more = way.lost.size() - std::min(way.lost.size(), lostShown);
+  if (more > 0) text += more == 1 ? "\ne un altro passo" : "\ne altri " + std::to_string(more) + " passi";
   return {text + "\n\nTornare indietro?", Buttons::YesNo, Answer::No, Icon::Exclamation};
 }
 
