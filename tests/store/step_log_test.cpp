@@ -119,6 +119,19 @@ TEST_F(TheStepLog, StepsThatCanNotBeWrittenWaitAreToldAndPartOfTheWayBack) {
   EXPECT_THAT(listed(), ElementsAre("Terzo annullato", "Secondo fatto", "Primo fatto"));
 }
 
+TEST_F(TheStepLog, AFileThatIsDeletedMeanwhileIsMadeAgain) {
+  step("Primo", "UPDATE articoli SET prezzo = 20000");
+  ASSERT_TRUE(deleteFile(log->path()));
+  step("Secondo", "UPDATE articoli SET prezzo = 30000");
+  EXPECT_FALSE(log->failure());
+  ASSERT_TRUE(history.undo());
+  ASSERT_TRUE(history.undo());
+  ASSERT_TRUE(history.redo());
+  EXPECT_THAT(listed(), ElementsAre("Secondo annullato")) << "what is undone and done again is the one that is gone";
+  startSession();
+  EXPECT_THAT(listed(), ElementsAre("Secondo annullato"));
+}
+
 TEST_F(TheStepLog, WhatWaitsIsWrittenAtTheEndOfTheSession) {
   step("Primo", "UPDATE articoli SET prezzo = 20000");
   const auto failing = [this](const std::string& beginning, const std::function<void()>& work) {

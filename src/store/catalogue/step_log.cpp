@@ -83,6 +83,7 @@ void StepLog::stepDone(const std::string& name, const RowChanges& changes) {
 
 void StepLog::write() {
   if (waiting_.empty() && states_.empty()) return;
+  if (database_.isOpen() && !fileExists(path())) forgetFile();
   if (auto opened = open(true); !opened) {
     failure_ = opened.error();
     return;
@@ -104,6 +105,16 @@ void StepLog::write() {
   states_.clear();
   failure_.reset();
   trim(added);
+}
+
+void StepLog::forgetFile() {
+  database_.close();
+  for (auto* steps : {&done_, &undone_}) {
+    for (std::int64_t& step : *steps) step = step < firstWaiting ? 0 : step;
+  }
+  states_.clear();
+  session_ = 0;
+  bytes_ = unknownSize;
 }
 
 Result<std::vector<std::int64_t>> StepLog::writeWaiting() {
@@ -162,6 +173,7 @@ void StepLog::trim(std::int64_t added) {
 }
 
 void StepLog::mark(std::int64_t ID, StepState state) {
+  if (ID == 0) return;
   if (ID >= firstWaiting) {
     waiting_[static_cast<std::size_t>(ID - firstWaiting)].state = state;
   } else {

@@ -81,6 +81,8 @@ class StepLog final : public StepListener {
   Result<> open(bool create);
   /// Writes what waits, all of it or nothing.
   void write();
+  /// Lets go of a file that was deleted meanwhile, so that another one is made.
+  void forgetFile();
   /// The same in the open file; the IDs that the steps got.
   Result<std::vector<std::int64_t>> writeWaiting();
   Result<> writeStep(const WaitingStep& step);
@@ -96,7 +98,7 @@ class StepLog final : public StepListener {
   Database database_;
   bool keepsDigests_ = false;                 ///< the open file has a column for them
   std::int64_t session_ = 0;                  ///< number of this session; 0 before its first step
-  std::vector<std::int64_t> done_, undone_;   ///< steps of this session, the newest last
+  std::vector<std::int64_t> done_, undone_;   ///< steps of this session, the newest last; 0: its file is gone
   std::vector<WaitingStep> waiting_;          ///< the newest last
   std::map<std::int64_t, StepState> states_;  ///< of steps in the file, not written there yet
   std::optional<Error> failure_;
