@@ -244,6 +244,19 @@ TEST_F(TheOrderStore, ADamagedFileIsPutAsideAndFetchedWhole) {
   }
 }
 
+TEST_F(TheOrderStore, AFileThatIsDeletedWhileOpenIsMadeAgain) {
+  fill();
+  OrderStore store(folder.path());
+  ASSERT_TRUE(store.open());
+  ASSERT_TRUE(deleteFile(folder / "ordini.db"));
+  EXPECT_EQ(valueOf(store.list({})).size(), 3U) << "read from what is still open";
+  host.answers = {ordersJson({{1}, {2}, {3}, {4}}, "c9")};
+  ASSERT_TRUE(fetch(store));
+  EXPECT_EQ(host.asked.back(), R"({"azione":"ordini","dopo":"","quanti":200})");
+  EXPECT_EQ(valueOf(store.list({})).size(), 4U);
+  EXPECT_TRUE(fileExists(folder / "ordini.db"));
+}
+
 TEST_F(TheOrderStore, APageThatIsDamagedIsFound) {
   std::vector<HostOrder> many;
   for (int id = 1; id <= 60; ++id) many.push_back({id});

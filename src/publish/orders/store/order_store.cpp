@@ -122,6 +122,8 @@ Result<> OrderStore::note(std::string_view name, const std::string& value) {
 }
 
 Result<std::string> OrderStore::cursor(const std::string& address) {
+  // A file that was deleted while it was open is made again, with all orders.
+  if (isOpen() && !fileExists(path())) database_.close();
   auto asked = noted(addressNote);
   if (!asked) return asked;
   return *asked == address ? noted(cursorNote) : Result<std::string>(std::string());

@@ -85,7 +85,8 @@ class OrderStore {
 
   // Every call below fails as Statement::step; without a file there is nothing to read.
 
-  /// The cursor for the next request to a server; empty for one that wasn't asked before.
+  /// The cursor for the next request to a server; empty for one that wasn't asked before, or when the file was
+  /// deleted meanwhile.
   Result<std::string> cursor(const std::string& address);
   /// Keeps an answer and its cursor in one transaction; makes the file where there is none. InUse when another answer
   /// was kept since the request was made: ask again.
