@@ -175,21 +175,6 @@ TEST_F(ThePrintWindow, NoRowIsCutByTheEndOfAPageAndAllAfterThemIsOnPaper) {
   }
 }
 
-TEST_F(ThePrintWindow, WordsWithoutSpacesStayOnThePaper) {
-  QImage device(10, 10, QImage::Format_RGB32);
-  device.setDotsPerMeterX(11811);
-  device.setDotsPerMeterY(11811);
-  DeskOrder order = sampleOrder();
-  for (std::string* text : {&order.name, &order.fields["Nome"], &order.fields["Note"], &order.email,
-                            &order.lines[0].shopTitle, &order.lines[0].shopChoices, &order.lines[0].code})
-    text->append(300, 'W');
-  for (const OrderPaper paper : {OrderPaper::Order, OrderPaper::Delivery, OrderPaper::Receipt}) {
-    QTextDocument document;
-    layOutPaper(document, device, order, {paper, false, sender}, {2100, 2900});
-    EXPECT_LE(document.size().width(), 2100) << paperName(paper);
-  }
-}
-
 TEST_F(ThePrintWindow, NoLetterIsCutAtItsLeftEdge) {
   DeskOrder order = sampleOrder();
   order.fields = {{"Nome", "Jole"}};
