@@ -91,9 +91,9 @@ TEST_F(DoctorSite, LinksToPagesOfTheShopAreFollowed) {
   sql("UPDATE articoli SET link = 'cat001_l2.php?n=2#3', note_l2 = 'x', note = '<a href=\"index.php\">a</a> <a "
       "href=http://x/y.htm>b</a>'");
   EXPECT_THAT(told(), IsEmpty());
-  sql("UPDATE articoli SET link = 'vecchia.htm', note = '<a HREF = ''cat002.php''>a</a>'");
+  sql("UPDATE articoli SET link = 'vecchia.htm', note = '<a HREF = ''./cat002.php''>a</a>'");
   EXPECT_THAT(told(),
-              ElementsAre("link.dead: Articolo V1 Vaso: il link cat002.php porta a una pagina che non esiste",
+              ElementsAre("link.dead: Articolo V1 Vaso: il link ./cat002.php porta a una pagina che non esiste",
                           "link.dead: Articolo V1 Vaso: il link vecchia.htm porta a una pagina che non esiste"));
 }
 

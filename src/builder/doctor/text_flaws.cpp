@@ -105,6 +105,7 @@ std::string_view firstReference(std::string_view text) {
 }
 
 bool isDeadLink(std::string_view address, const NameSet& pages) {
+  if (address.starts_with("./")) address.remove_prefix(2);
   if (address.find_first_of(":/<$") != std::string_view::npos) return false;
   const std::string name = foldCase(trim(address.substr(0, address.find_first_of("?#"))));
   const bool isPage = name.ends_with(".php") || name.ends_with(".htm") || name.ends_with(".html");
