@@ -30,7 +30,8 @@ TEST_F(DoctorCatalogue, ACodeOfTwoArticlesIsToldWhateverItsCase) {
 }
 
 TEST_F(DoctorCatalogue, AnArticleOutOfTheCatalogueMayBeUnfinished) {
-  sql("UPDATE articoli SET codice = '', titolo = '', prezzo = 0, fuoricatalogo = 1");
+  sql("UPDATE articoli SET codice = '', titolo = '', prezzo = 0, fuoricatalogo = 1, immagine0 = 'manca.jpg', link = "
+      "'manca.php', note = '<<4-manca>>'");
   EXPECT_THAT(told(), ElementsAre("department.empty: Reparto Reparto cat001: non contiene articoli, chi lo apre trova "
                                   "una pagina vuota"));
 }

@@ -66,9 +66,11 @@ class ArticleFactReader {
     const bool counts = !article.isHidden && article.department != noIndex;
     if (counts) ++facts_.departments[article.department].articles;
     facts_.articles.push_back(std::move(article));
+    readVariants(row);
+    // No visitor sees the others.
+    if (facts_.articles.back().isHidden) return;
     readTexts(row);
     readPictures(row);
-    readVariants(row);
   }
 
   /// Articles of one department mostly follow each other.
