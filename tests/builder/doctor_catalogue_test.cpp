@@ -122,6 +122,14 @@ TEST_F(DoctorCatalogue, AnOfferAboveThePriceIsEndedByTheMending) {
   EXPECT_THAT(told(), IsEmpty());
 }
 
+TEST_F(DoctorCatalogue, AnOfferWithoutAPriceIsAnErrorEndedByTheMending) {
+  sql("UPDATE articoli SET offerta = 1, offertaprezzo = NULL");
+  EXPECT_THAT(told(), ElementsAre("offer.free: Articolo V1 Vaso: è in offerta al prezzo di 0"));
+  EXPECT_EQ(findings()[0].severity, Severity::Error);
+  EXPECT_EQ(mendAll("offer.free"), 1);
+  EXPECT_THAT(told(), IsEmpty());
+}
+
 TEST_F(DoctorCatalogue, AnOfferBelowThePriceIsInOrder) {
   sql("UPDATE articoli SET offerta = 1, offertaprezzo = prezzo - 1");
   EXPECT_THAT(told(), IsEmpty());
@@ -260,11 +268,20 @@ TEST_F(DoctorCatalogue, PicturesOfDepartmentsAndShopAreMendedInTheirOwnColumns) 
   EXPECT_THAT(told(), IsEmpty());
 }
 
+TEST_F(DoctorCatalogue, APictureThatNoBrowserShowsIsTold) {
+  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.jpg"), "<html>404"));
+  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.svg"), "<svg/>"));
+  sql("UPDATE articoli SET immagine0 = 'a.jpg', immagine1 = 'a.svg'");
+  EXPECT_THAT(told(), ElementsAre("picture.damaged: Articolo V1 Vaso: l'immagine a.jpg è danneggiata e non si vede"));
+}
+
 TEST_F(DoctorCatalogue, APictureOfMoreThan500KilobytesIsTold) {
-  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.jpg"), std::string(500 * 1024, 'x')));
+  std::string bytes = valueOf(jpegOf(valueOf(PixelBuffer::create({40, 30})), 90));
+  bytes.resize(500 * 1024);
+  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.jpg"), bytes));
   sql("UPDATE articoli SET immagine0 = 'a.jpg'");
   EXPECT_THAT(told(), IsEmpty());
-  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.jpg"), std::string(500 * 1024 + 1, 'x')));
+  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.jpg"), bytes + "x"));
   EXPECT_THAT(told(),
               ElementsAre("picture.heavy: Articolo V1 Vaso: l'immagine a.jpg è di 500 KB e si carica lentamente"));
 }

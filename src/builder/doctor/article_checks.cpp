@@ -178,6 +178,15 @@ Findings findBadOffers(const DoctorFacts& facts) {
   return found;
 }
 
+Findings findFreeOffers(const DoctorFacts& facts) {
+  Findings found;
+  for (std::size_t i = 0; i < facts.articles.size(); ++i) {
+    if (facts.articles[i].isHidden) continue;
+    addOffers(found, facts, i, facts.articles[i].freeOffer, "è in offerta al prezzo di 0");
+  }
+  return found;
+}
+
 Findings findHiddenOffers(const DoctorFacts& facts) {
   Findings found;
   for (std::size_t i = 0; i < facts.articles.size(); ++i) {

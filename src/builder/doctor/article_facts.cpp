@@ -89,7 +89,9 @@ class ArticleFactReader {
       if (price == 0) article.unpriced |= bit;
       if (!row.flag(at_.prices + listini + listino)) continue;
       article.onOffer |= bit;
-      if (price != 0 && row.integer(at_.prices + 2 * listini + listino) >= price) article.badOffer |= bit;
+      const std::int64_t offer = row.integer(at_.prices + 2 * listini + listino);
+      if (price != 0 && offer >= price) article.badOffer |= bit;
+      if (price != 0 && offer == 0) article.freeOffer |= bit;
     }
   }
 

@@ -33,6 +33,8 @@ Findings findUntranslatedArticles(const DoctorFacts& facts);
 Findings findZeroPrices(const DoctorFacts& facts);
 /// Offers that are not below the price. Mended by ending the offer.
 Findings findBadOffers(const DoctorFacts& facts);
+/// Offers without a price, which are sold for nothing. Mended by ending the offer.
+Findings findFreeOffers(const DoctorFacts& facts);
 /// Offers of articles that are out of the catalogue. Mended by ending the offer.
 Findings findHiddenOffers(const DoctorFacts& facts);
 Findings findStrayArticles(const DoctorFacts& facts);
@@ -57,6 +59,8 @@ Findings findUntranslatedValues(const DoctorFacts& facts);
 
 // Pictures.
 Findings findMissingPictures(const DoctorFacts& facts);
+/// Pictures that can't be read, of the formats that browsers show.
+Findings findDamagedPictures(const DoctorFacts& facts);
 /// Pictures whose size is not the stored one. Mended by storing it.
 Findings findResizedPictures(const DoctorFacts& facts);
 Findings findHeavyPictures(const DoctorFacts& facts);

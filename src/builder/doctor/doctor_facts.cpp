@@ -16,6 +16,12 @@ namespace {
 constexpr std::string_view rootID = "###";
 constexpr int settingsPictures = 2;
 
+/// Whether a name is that of a picture which can be measured; a vector graphic can't.
+bool isPictureName(std::string_view name) {
+  constexpr std::string_view endings[]{".jpg", ".jpeg", ".gif", ".png"};
+  return std::ranges::any_of(endings, [name](std::string_view ending) { return endsWithIgnoringCase(name, ending); });
+}
+
 /// The languages in which a text is missing, its columns beginning at `at`.
 LanguageFlags emptyTexts(const Statement& row, int at, int languages) {
   LanguageFlags flags = 0;
@@ -207,7 +213,9 @@ void PictureShelf::note(std::string_view name, PictureUse use) {
     if (stamp) {
       file.isThere = true;
       file.bytes = stamp->size;
-      file.size = shownSize(*path).value_or(ImageSize{});
+      const auto size = shownSize(*path);
+      file.size = size.value_or(ImageSize{});
+      file.isDamaged = !size && file.bytes <= mostPictureBytes && isPictureName(name);
     }
     facts_.files.push_back(std::move(file));
   }

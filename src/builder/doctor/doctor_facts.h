@@ -35,6 +35,7 @@ struct ArticleFact {
   ListFlags unpriced = 0;            ///< the price is 0
   ListFlags onOffer = 0;
   ListFlags badOffer = 0;         ///< the offer's price isn't below the price, which isn't 0
+  ListFlags freeOffer = 0;        ///< the offer has no price, or 0, and the article has one
   LanguageFlags untitled = 0;     ///< languages of the shop without a title
   LanguageFlags undescribed = 0;  ///< the same of the description, where language 1 has one
   LanguageFlags unsubtitled = 0;  ///< the same of the subtitle
@@ -88,7 +89,7 @@ struct PictureUse {
 /// A picture that some field names.
 struct PictureFile {
   std::string name;
-  bool isThere = false;
+  bool isThere = false, isDamaged = false;
   std::uint64_t bytes = 0;
   ImageSize size;  ///< as shown; 0 x 0 when it can't be read
 };

@@ -62,6 +62,16 @@ Findings findMissingPictures(const DoctorFacts& facts) {
   return found;
 }
 
+Findings findDamagedPictures(const DoctorFacts& facts) {
+  Findings found;
+  for (const PictureUse& use : facts.pictures) {
+    const PictureFile& file = facts.files[use.file];
+    if (!file.isDamaged) continue;
+    found.push_back(pictureFinding(facts, use, "l'immagine " + file.name + " è danneggiata e non si vede"));
+  }
+  return found;
+}
+
 Findings findResizedPictures(const DoctorFacts& facts) {
   Findings found;
   for (const PictureUse& use : facts.pictures) {
