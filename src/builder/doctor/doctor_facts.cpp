@@ -206,7 +206,7 @@ void PictureShelf::note(std::string_view name, PictureUse use) {
   } else {
     use.file = facts_.files.size();
     known_.emplace(name, use.file);
-    PictureFile file{std::string(name), false, 0, {}};
+    PictureFile file{std::string(name), false, false, 0, {}};
     const bool isListed = listed_.contains(foldCase(name)) || name.find('/') != std::string_view::npos;
     const auto path = isListed ? findEntry(folder_, name) : std::nullopt;
     const auto stamp = path ? fileStamp(*path) : Result<FileStamp>(fail(ErrorKind::Missing, folder_, file.name));
