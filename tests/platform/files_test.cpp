@@ -125,6 +125,9 @@ TEST(Files, APipeInPlaceOfAFileDoesNotHangTheProgram) {
   TempFolder folder;
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
   EXPECT_EQ(kindOf(readBytes(folder / "pipe")), ErrorKind::Other);
+  EXPECT_EQ(kindOf(writeBytes(folder / "pipe", "x")), ErrorKind::Other);
+  EXPECT_THAT(everyName(folder.path()), ElementsAre("pipe"));
+  EXPECT_FALSE(fileExists(folder / "pipe")) << "no file has replaced it";
 }
 
 TEST(Files, AFileWithoutTheOwnersWritePermissionIsReadOnlyForEveryone) {

@@ -138,6 +138,8 @@ Result<Replacement> Replacement::begin(const std::string& path, mode_t mode, AtL
   // A link that is replaced itself has no permissions to keep.
   const bool replaces = ::lstat(target.c_str(), &old) == 0 && !S_ISLNK(old.st_mode);
   if (replaces && S_ISDIR(old.st_mode)) return systemFailure(EISDIR, path);
+  // A device or a pipe would be lost, and a file have its name.
+  if (replaces && !S_ISREG(old.st_mode)) return fail(ErrorKind::Other, path, "Not a regular file");
   if (replaces && !mayWrite(target, old)) return systemFailure(EACCES, path);
   if (auto writable = requireWritableFolderOf(target); !writable) return fail(writable.error());
   std::string temporary = unfinishedPath(target);

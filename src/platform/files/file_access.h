@@ -71,7 +71,7 @@ class Replacement {
  public:
   /// Opens the temporary file. ReadOnly when the old file may not be written, Missing when the folder isn't there. A
   /// new file gets the permission bits `mode`, reduced by the process's mask; an old one keeps its own.
-  /// A folder in the way of the file is a failure too.
+  /// A folder in the way of the file is a failure too, and so is a device or a pipe.
   static Result<Replacement> begin(const std::string& path, mode_t mode, AtLink links);
   Replacement(Replacement&& other) noexcept;
   Replacement& operator=(Replacement&&) = delete;
