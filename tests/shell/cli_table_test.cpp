@@ -140,10 +140,19 @@ TEST_F(TablesOnTheCommandLine, TakesTheColumnsThatAFileNames) {
   EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "mappa.txt"}), CliOutcome::Done) << err.str();
   EXPECT_EQ(priceOfFirst(), "2.75");
   EXPECT_EQ(rowsOf("SELECT titolo FROM articoli WHERE codice = 'primo'"), title) << "a column that the file takes out";
+  const std::string inUtf16("\xFF\xFE\x43\0o\0d\0=\0c\0o\0d\0i\0c\0e\0", 22);
+  for (const std::string& marked : {std::string("\xEF\xBB\xBFTitolo=\r\nCod=codice\r\n"), inUtf16}) {
+    ASSERT_TRUE(writeBytes(home / "mappa.txt", marked));
+    EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "mappa.txt", "--dry-run"}), CliOutcome::Done)
+        << "as editors save it: " << err.str();
+  }
   ASSERT_TRUE(writeBytes(home / "mappa.txt", "Cod=codice\nEuro=nessuna\n"));
   EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "mappa.txt"}), CliOutcome::Failed);
   EXPECT_THAT(err.str(), HasSubstr("Riga non valida in "));
   EXPECT_THAT(err.str(), HasSubstr(": Euro=nessuna"));
+  ASSERT_TRUE(writeBytes(home / "mappa.txt", std::string(5000, 'x')));
+  EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "mappa.txt"}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr(": " + std::string(80, 'x') + "...\n"));
   EXPECT_EQ(run({"import-table", shop, sheet, "--map", home / "manca.txt"}), CliOutcome::Failed);
   EXPECT_THAT(err.str(), HasSubstr("manca.txt non può essere letto"));
 }
@@ -165,7 +174,7 @@ TEST_F(TablesOnTheCommandLine, ExportsASheetThatChangesNothingWhenItIsImported) 
   EXPECT_EQ(run({"export-table", shop, exported}), CliOutcome::Cancelled) << err.str();
   EXPECT_FALSE(fileExists(exported));
   isCancelled = false;
-  ASSERT_EQ(run({"export-table", shop, exported, "--columns", "codice,titolo,prezzo,reparto"}), CliOutcome::Done);
+  ASSERT_EQ(run({"export-table", shop, exported, "--columns", "codice, titolo,prezzo, reparto"}), CliOutcome::Done);
   EXPECT_THAT(out.str(), HasSubstr("articoli.xlsx: "));
   ASSERT_EQ(run({"import-table", shop, exported, "--dry-run"}), CliOutcome::Done) << err.str();
   EXPECT_THAT(out.str(), HasSubstr("Articoli: 0 nuovi, 0 modificati, "));
@@ -180,6 +189,9 @@ TEST_F(TablesOnTheCommandLine, RefusesWhatIsNoSheetAndOptionsThatMakeNoSense) {
   EXPECT_EQ(run({"import-table", shop, sheet, "--mode", "mai"}), CliOutcome::WrongUsage);
   EXPECT_EQ(run({"export-table", shop, sheet, "--columns", "costo"}), CliOutcome::WrongUsage);
   EXPECT_THAT(err.str(), HasSubstr("valore non ammesso per --columns: costo"));
+  EXPECT_EQ(run({"export-table", shop, sheet, "--columns", ","}), CliOutcome::WrongUsage);
+  EXPECT_EQ(run({"export-table", shop, home / "."}), CliOutcome::Failed);
+  EXPECT_THAT(err.str(), HasSubstr("è una cartella. Indicare il nome di un foglio"));
 }
 
 }  // namespace

@@ -155,6 +155,7 @@ std::string sheetWritingFailureText(const Error& error, const std::string& path)
     return "Un file XLSX ha al più 1.048.576 righe, e 32.767 caratteri in una cella: qui c'è di più. Scegliere un file "
            "CSV";
   }
+  if (folderExists(path)) return "Impossibile scrivere " + path + ":\nè una cartella. Indicare il nome di un foglio";
   if (error.kind == ErrorKind::Malformed) {
     return "Un foglio si scrive in un file CSV o XLSX: \"" + std::string(baseName(path)) +
            "\" deve finire in .csv o in .xlsx";

@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 
+#include "import/tables/cell_reading.h"
 #include "import/tables/export_shapes.h"
 #include "import/tables/shown_plan.h"
 #include "import/tables/table_export.h"
@@ -12,6 +13,7 @@
 #include "media/choice/picture_box.h"
 #include "platform/files/files.h"
 #include "platform/ports/failure_text.h"
+#include "platform/text/text.h"
 #include "shell/cli/cli_session.h"
 #include "store/shop/session_facts.h"
 
@@ -81,10 +83,13 @@ struct TableJob {
 bool mapColumns(const CommandLine& line, Environment& env, OpenSheet& open) {
   if (!line.has("--map")) return true;
   const std::string path = absolutePath(line.option("--map"));
-  const auto lines = readBytes(path);
-  const auto mapped = lines ? applyMapping(*lines, open.table, open.sheet.headers(), open.mapping) : Result<>();
+  constexpr std::size_t mostBytes = std::size_t{1} << 20, mostShown = 80;
+  const auto lines = readStart(path, mostBytes);
+  // An editor may have put the mark of an encoding at its start.
+  const std::string text = lines ? decodedCsv(*lines, csvEncodingOf(*lines)) : std::string();
+  const auto mapped = lines ? applyMapping(text, open.table, open.sheet.headers(), open.mapping) : Result<>();
   if (lines && mapped) return true;
-  ignore(tableRefused(env, lines ? "Riga non valida in " + path + ": " + mapped.error().what
+  ignore(tableRefused(env, lines ? "Riga non valida in " + path + ": " + beginningOf(mapped.error().what, mostShown)
                                  : "Il file " + path + " non può essere letto"),
          "nothing tells the same");
   return false;
@@ -159,7 +164,8 @@ std::vector<std::string> columnNames(std::string_view text) {
   std::vector<std::string> names;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find(','), text.size());
-    if (end > 0) names.emplace_back(text.substr(0, end));
+    const std::string_view name = trim(text.substr(0, end));
+    if (!name.empty()) names.emplace_back(name);
     text.remove_prefix(std::min(end + 1, text.size()));
   }
   return names;
@@ -182,6 +188,7 @@ CliOutcome exportTableOf(const std::string& shop, const CommandLine& line, Envir
   if (!table) return tableRefused(env, failureText(table.error()));
   TableExport what;
   what.columns = columnNames(line.option("--columns"));
+  if (line.has("--columns") && what.columns.empty()) return wrongValue(env, "--columns", line.option("--columns"));
   what.goOn = [&](std::size_t, std::size_t) { return env.user.yield(); };
   const std::string path = absolutePath(line.object);
   const auto written = exportTable(open.session.catalogue, *table, path, what);
