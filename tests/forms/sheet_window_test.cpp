@@ -141,6 +141,10 @@ TEST_F(TheSheetWindow, CopiesAndPastesBlocks) {
   EXPECT_EQ(test::rows(session.catalogue, "SELECT titolo, titolo_l2 FROM articoli ORDER BY ID"),
             "Alba|Dawn\nUno|One\nDue|Two\nDuna|Dune\n");
   EXPECT_EQ(window->workbench().history().undoName(), "Incolla nel foglio");
+  select(3, 1, 3, 1);
+  press(Qt::Key_V);
+  EXPECT_EQ(test::rows(session.catalogue, "SELECT titolo, titolo_l2 FROM articoli WHERE ID = 4"), "Uno|One\n");
+  EXPECT_TRUE(status().contains(QStringLiteral("Celle modificate: 2; oltre la fine del foglio: 2")));
 }
 
 TEST_F(TheSheetWindow, ShowsTagsInATipAsTheyAreWritten) {

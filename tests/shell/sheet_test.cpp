@@ -211,6 +211,11 @@ TEST(ABlockOfCells, ComesBackAsItWasCopied) {
   EXPECT_EQ(pastedBlock(copiedBlock(rows)), rows);
   EXPECT_THAT(pastedBlock("1\t2\r\n3\t4\r\n"), ElementsAre(ElementsAre("1", "2"), ElementsAre("3", "4")));
   EXPECT_THAT(pastedBlock("a"), ElementsAre(ElementsAre("a")));
+  // A spreadsheet puts quotes around what has a tab or a line end, and writes all else as it is.
+  EXPECT_THAT(pastedBlock("\"Alba\"\t\"Alba\" blu\n\"due\nrighe\"\t\"\"\n"),
+              ElementsAre(ElementsAre("\"Alba\"", "\"Alba\" blu"), ElementsAre("due\nrighe", "")));
+  EXPECT_THAT(pastedBlock("\"A\tb\nc\td"), ElementsAre(ElementsAre("\"A", "b"), ElementsAre("c", "d")))
+      << "a quote without an end takes no other cell";
   EXPECT_TRUE(pastedBlock("").empty());
   EXPECT_THAT(pastedBlock("\t\n\n"), ElementsAre(ElementsAre("", ""), ElementsAre("")));
 }

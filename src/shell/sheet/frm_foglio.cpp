@@ -280,13 +280,14 @@ void frmFoglio::fillColumns() {
   }
 }
 
-void frmFoglio::write(const std::string& step, std::vector<CellText> cells) {
+void frmFoglio::write(const std::string& step, std::vector<CellText> cells, std::size_t outside) {
   SheetEdits edits(workbench_.session(), workbench_.history(), columns_, workbench_.decimalSeparator());
-  const auto written = [&] {
+  auto written = [&] {
     const WaitCursor busy;
     return edits.write(step, std::move(cells));
   }();
   if (!written) return workbench_.showError(fail(written.error()));
+  written->outside = outside;
   isChanged_ = isChanged_ || written->changed > 0;
   model_->forget();
   updateTools();
@@ -296,6 +297,7 @@ void frmFoglio::write(const std::string& step, std::vector<CellText> cells) {
 void frmFoglio::showMessage(const SheetOutcome& outcome) {
   QString text = tr("Celle modificate: %1").arg(outcome.changed);
   if (!outcome.refused.empty()) text += tr("; rifiutate: %1").arg(outcome.refused.size());
+  if (outcome.outside > 0) text += tr("; oltre la fine del foglio: %1").arg(outcome.outside);
   int left = mostNotes;
   for (const auto* notes : {&outcome.refused, &outcome.noted}) {
     for (const CellNote& note : *notes) {

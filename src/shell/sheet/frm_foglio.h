@@ -47,7 +47,7 @@ class frmFoglio final : public FormDialog {
   void chooseColumns(std::vector<std::size_t> shown);
   void keepOrderOfColumns();
   /// Writes cells as one step, and says what became of them.
-  void write(const std::string& step, std::vector<CellText> cells);
+  void write(const std::string& step, std::vector<CellText> cells, std::size_t outside = 0);
   void showMessage(const SheetOutcome& outcome);
   /// The selected cells in rows and columns as they are seen.
   std::vector<std::vector<CellText>> selectedBlock() const;

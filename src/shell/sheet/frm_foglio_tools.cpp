@@ -62,16 +62,21 @@ void frmFoglio::paste() {
   const auto first = std::ranges::find(shown, chosen.front().front().column) - shown.begin();
   const int left = header->visualIndex(static_cast<int>(first));
   const int top = model_->rowOf(chosen.front().front().article);
+  const auto rows = static_cast<std::size_t>(model_->rowCount() - top);
+  const auto columns = static_cast<std::size_t>(model_->columnCount() - left);
   std::vector<CellText> cells;
-  for (std::size_t i = 0; i < block.size() && top + static_cast<int>(i) < model_->rowCount(); ++i) {
-    for (std::size_t j = 0; j < block[i].size() && left + static_cast<int>(j) < model_->columnCount(); ++j) {
+  std::size_t outside = 0;
+  for (std::size_t i = 0; i < block.size(); ++i) {
+    const std::size_t width = i < rows ? std::min(block[i].size(), columns) : 0;
+    outside += block[i].size() - width;
+    for (std::size_t j = 0; j < width; ++j) {
       const int section = header->logicalIndex(left + static_cast<int>(j));
       CellText cell = model_->cell(model_->index(top + static_cast<int>(i), section));
       cell.text = block[i][j];
       cells.push_back(std::move(cell));
     }
   }
-  write("Incolla nel foglio", std::move(cells));
+  write("Incolla nel foglio", std::move(cells), outside);
 }
 
 void frmFoglio::fillDown() {

@@ -98,6 +98,7 @@ Result<std::vector<std::int64_t>> allArticles(Database& catalogue) {
 }
 
 /// The cells of a text from a spreadsheet: tabs between cells, line ends between rows, quotes around what holds either.
+/// Spreadsheets write any other cell as it is, such as a title that begins with a quote.
 class BlockReading {
  public:
   explicit BlockReading(std::string_view text) : text_(text) {}
@@ -107,13 +108,28 @@ class BlockReading {
     for (; at_ < text_.size(); ++at_) {
       const char c = text_[at_];
       isQuoted_ ? readQuoted(c) : readPlain(c);
-      startsCell_ = !isQuoted_ && (c == '\t' || c == '\n' || c == '\r');
+      startsCell_ = !isQuoted_ && endsCell(c);
     }
     return std::move(rows_);
   }
 
  private:
   bool isHere(std::string_view part) const { return text_.substr(at_).starts_with(part); }
+  static bool endsCell(char c) { return c == '\t' || c == '\n' || c == '\r'; }
+  /// Whether the quote here opens a cell in quotes: it has its end, which ends the cell, and a need for them.
+  bool opensQuotes() const {
+    bool hasNeed = false;
+    for (std::size_t at = at_ + 1; at < text_.size(); ++at) {
+      hasNeed = hasNeed || endsCell(text_[at]);
+      if (text_[at] != '"') continue;
+      const bool isLast = at + 1 == text_.size();
+      if (isLast || endsCell(text_[at + 1])) return hasNeed || at == at_ + 1;
+      if (text_[at + 1] != '"') return false;
+      hasNeed = true;
+      ++at;
+    }
+    return false;
+  }
   void readQuoted(char c) {
     if (c != '"') {
       if (!isHere("\r\n")) rows_.back().back() += c;
@@ -124,7 +140,7 @@ class BlockReading {
     }
   }
   void readPlain(char c) {
-    if (c == '"' && startsCell_) {
+    if (c == '"' && startsCell_ && opensQuotes()) {
       isQuoted_ = true;
     } else if (c == '\t') {
       rows_.back().emplace_back();

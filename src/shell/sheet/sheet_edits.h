@@ -34,6 +34,7 @@ struct SheetOutcome {
   std::size_t changed = 0;        ///< cells with another value than before
   std::vector<CellNote> refused;  ///< cells that keep their former value
   std::vector<CellNote> noted;    ///< cells whose text could be read in two ways
+  std::size_t outside = 0;        ///< pasted cells for which the sheet has no row or column
 };
 
 /// What a change of many cells would make of one of them, for its preview.
@@ -86,7 +87,8 @@ class SheetEdits {
 /// A block of cells as text, as a spreadsheet puts it on the clipboard: cells parted by tabs, rows by "\n". A cell with
 /// a tab, a line end or a quote is in quotes, its own ones doubled.
 std::string copiedBlock(const std::vector<std::vector<std::string>>& rows);
-/// The rows of such a text; a line end at its end opens no further row. Reads CR LF as well.
+/// The rows of such a text; a line end at its end opens no further row. Reads CR LF as well. Quotes that a cell doesn't
+/// need, or that have no end, belong to its text.
 std::vector<std::vector<std::string>> pastedBlock(std::string_view text);
 
 }  // namespace kv
