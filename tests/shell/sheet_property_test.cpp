@@ -109,7 +109,7 @@ TEST_F(SheetOfChance, UndoesBlocksReplacementsAndStepsOfPricesToEqualRows) {
     ASSERT_TRUE(hits);
     std::vector<CellText> priced;
     for (const std::size_t column : prices) priced.push_back({1 + upTo(3), column, {}});
-    const auto step = readPriceStep(anyOf({"+10 %", "x1,1", "-5", "+0,005"}), upTo(1) == 0);
+    const auto step = readPriceStep(anyOf({"+10 %", "x1,1", "-5", "+0,005"}), upTo(1) == 0, ',');
     const auto stepped = priceChanges(session, columns, priced, *step, ',');
     ASSERT_TRUE(stepped);
     for (const auto& cells : {cellsOf(*hits), cellsOf(*stepped), chanceCells(30)}) {

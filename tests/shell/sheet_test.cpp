@@ -221,7 +221,7 @@ TEST(ABlockOfCells, ComesBackAsItWasCopied) {
 }
 
 std::string stepped(std::string_view text, Money price, bool whole = false) {
-  const auto step = readPriceStep(text, whole);
+  const auto step = readPriceStep(text, whole, ',');
   if (!step) return "no step";
   const auto after = steppedPrice(price, *step);
   return after ? asText(Value(*after)) : "too large";
@@ -237,12 +237,16 @@ TEST(AStepOfPrices, IsAPercentageAFactorOrAnAmount) {
   EXPECT_EQ(stepped("+0,005", ten), "10") << "half to even";
   EXPECT_EQ(stepped("-25", ten), "0");
   EXPECT_EQ(stepped("+0,6", ten, true), "11");
+  EXPECT_EQ(stepped("+1.250", ten), "1260") << "as in a cell";
+  EXPECT_EQ(stepped("+ 1.250,50 €", ten), "1260.5");
+  EXPECT_EQ(stepped("-0.250", ten), "9.75");
+  EXPECT_EQ(stepped("x1.125", ten), "11.25");
   EXPECT_EQ(stepped("x1000000000", Money::ofTenThousandths(1'000'000'000'000'000)), "too large");
 }
 
 TEST(AStepOfPrices, IsNothingElse) {
   for (const char* text : {"", "10", "10%%", "+", "%", "x", "x-1", "+200 %", "-101%", "+-5", "+1e400", "uno"}) {
-    EXPECT_FALSE(readPriceStep(text, false)) << text;
+    EXPECT_FALSE(readPriceStep(text, false, ',')) << text;
   }
 }
 

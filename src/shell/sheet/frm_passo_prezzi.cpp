@@ -52,7 +52,7 @@ frmPassoPrezzi::frmPassoPrezzi(Session& session, std::span<const SheetColumn> co
 }
 
 void frmPassoPrezzi::previewAgain() {
-  const auto step = readPriceStep(fromQt(txtPasso_->text()), chkTondi_->isChecked());
+  const auto step = readPriceStep(fromQt(txtPasso_->text()), chkTondi_->isChecked(), separator_);
   if (!step) {
     preview_->show({});
     return lblAnteprima_->setText(toQt(stepWanted));

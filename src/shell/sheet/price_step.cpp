@@ -4,6 +4,7 @@
 #include <map>
 
 #include "platform/numbers/number_format.h"
+#include "platform/numbers/number_reading.h"
 #include "platform/text/text.h"
 #include "shell/workbench/fields/field_forms.h"
 
@@ -15,9 +16,10 @@ std::optional<PriceStep> productOf(std::optional<double> factor, bool whole) {
   return PriceStep{PriceRule{static_cast<float>(*factor), whole}, {}, whole};
 }
 
-std::optional<PriceStep> sumOf(std::string_view text, int sign, bool whole) {
-  const auto amount = Money::parse(text);
-  if (!amount || *amount < Money()) return std::nullopt;
+std::optional<PriceStep> sumOf(std::string_view text, int sign, bool whole, char decimalSeparator) {
+  const NumberReading number = readNumber(text, decimalSeparator);
+  const auto amount = number.isNumber ? Money::parse(replaceAll(number.text, ",", ".")) : std::nullopt;
+  if (!amount) return std::nullopt;
   return PriceStep{std::nullopt, Money::ofTenThousandths(sign * amount->tenThousandths()), whole};
 }
 
@@ -49,7 +51,7 @@ class CellPrices {
 
 }  // namespace
 
-std::optional<PriceStep> readPriceStep(std::string_view text, bool whole) {
+std::optional<PriceStep> readPriceStep(std::string_view text, bool whole, char decimalSeparator) {
   std::string typed = replaceAll(replaceAll(text, " ", ""), ",", ".");
   if (typed.size() < 2) return std::nullopt;
   if (typed.ends_with('%')) {
@@ -58,16 +60,16 @@ std::optional<PriceStep> readPriceStep(std::string_view text, bool whole) {
     if (!percentage) return std::nullopt;
     return PriceStep{ruleOfPercentage(*percentage, whole), {}, whole};
   }
-  const std::string_view number = std::string_view(typed).substr(1);
+  const std::string_view number = std::string_view(typed).substr(1), amount = trim(text).substr(1);
   switch (typed.front()) {
     case 'x':
     case 'X':
     case '*':
       return productOf(toNumber(number), whole);
     case '+':
-      return sumOf(number, 1, whole);
+      return sumOf(amount, 1, whole, decimalSeparator);
     case '-':
-      return sumOf(number, -1, whole);
+      return sumOf(amount, -1, whole, decimalSeparator);
     default:
       return std::nullopt;
   }

@@ -17,10 +17,10 @@ struct PriceStep {
   bool whole = false;                ///< the price comes out without decimals
 };
 
-/// Reads a step, "," or "." for decimals. A percentage needs its sign "%" and is between -100 and +100; a factor begins
-/// with "x" or "*" and is 0 or more; an amount begins with "+" or "-". Empty for anything else.
-/// `whole`: prices without decimals.
-std::optional<PriceStep> readPriceStep(std::string_view text, bool whole);
+/// Reads a step. A percentage needs its sign "%" and is between -100 and +100; a factor begins with "x" or "*" and is 0
+/// or more, both with "," or "." for decimals; an amount begins with "+" or "-" and reads as a price that is pasted,
+/// "1.250" by the decimal separator. Empty for anything else. `whole`: prices without decimals.
+std::optional<PriceStep> readPriceStep(std::string_view text, bool whole, char decimalSeparator);
 
 /// The price after a step: a product as Trasforma() computes it; an amount is added exactly and then rounded to two
 /// decimals, half to even, or to none. Never below 0. Empty when it leaves the range of Money.
