@@ -127,6 +127,9 @@ TEST_F(TableImport, RefusesWhatAColumnCannotHold) {
   EXPECT_EQ(reasonOf("titolo", "#1 in Italia"), "");
   EXPECT_EQ(reasonOf("scqart0", "1,5"), "Da pezzi (1): \"1,5\" non è un numero intero");
   EXPECT_EQ(reasonOf("scqperc0", "101"), "Sconto (1): 101 è più di 100");
+  for (const char* word : {"VRAI", "FAUX", "wahr", "Falsch", "true", "sì", "no", ""}) {
+    EXPECT_EQ(reasonOf("offerta", word), "") << word;
+  }
   EXPECT_EQ(reasonOf("offerta", "forse"), "In offerta: \"forse\" non è né sì né no");
   EXPECT_EQ(reasonOf("reparto", ""), "manca Reparto");
   EXPECT_EQ(reasonOf("immagine0", "niente.jpg"), "l'immagine \"niente.jpg\" non si trova");

@@ -12,8 +12,11 @@
 namespace kv {
 namespace {
 
-constexpr std::array<std::string_view, 8> yesWords{"1", "sì", "si", "s", "vero", "true", "yes", "x"};
-constexpr std::array<std::string_view, 7> noWords{"0", "no", "n", "falso", "false", "-", "f"};
+// As Italian, English, French and German sheets have them.
+constexpr std::array<std::string_view, 12> yesWords{"1",   "sì", "si",   "s",   "vero", "true",
+                                                    "yes", "x",  "vrai", "oui", "wahr", "ja"};
+constexpr std::array<std::string_view, 11> noWords{"0", "no",   "n",   "falso",  "false", "-",
+                                                   "f", "faux", "non", "falsch", "nein"};
 constexpr double highestPercent = 100;
 
 CellValue refused(std::string why) { return {Null{}, std::move(why)}; }
@@ -74,14 +77,6 @@ bool isAmong(const std::array<std::string_view, size>& words, std::string_view t
   return std::ranges::any_of(words, [&](auto word) { return equalsIgnoringCase(word, text); });
 }
 
-std::optional<bool> flagOf(std::string_view text) {
-  if (text == "0" || text == "1") return text == "1";
-  text = trim(text);
-  if (text.empty() || isAmong(noWords, text)) return false;
-  if (isAmong(yesWords, text)) return true;
-  return std::nullopt;
-}
-
 /// Whether a formula failed in the cell, which shows this instead of a text.
 bool isFailedFormula(std::string_view text) {
   constexpr std::array<std::string_view, 12> shown{"#N/A",    "#N/D",   "#REF!",  "#RIF!",  "#VALUE!", "#VALORE!",
@@ -122,7 +117,7 @@ CellValue readWhole(const TableColumn& column, std::string_view text, std::strin
 
 /// The value of a flag, or of a mark, which is stored as ".".
 CellValue readFlag(const TableColumn& column, std::string_view text) {
-  const auto flag = flagOf(text);
+  const auto flag = yesOrNo(text);
   if (!flag) return refused(column.italian + ": " + quoted(text) + " non è né sì né no");
   if (column.field == CellField::Mark) return {std::string(*flag ? "." : ""), {}};
   return {*flag, {}};
@@ -133,6 +128,14 @@ CellValue readFlag(const TableColumn& column, std::string_view text) {
 std::string beginningOf(std::string_view text, std::size_t most) {
   const std::string_view start = firstCharacters(text, most);
   return std::string(start) + (start.size() < text.size() ? "..." : "");
+}
+
+std::optional<bool> yesOrNo(std::string_view text) {
+  if (text == "0" || text == "1") return text == "1";
+  text = trim(text);
+  if (text.empty() || isAmong(noWords, text)) return false;
+  if (isAmong(yesWords, text)) return true;
+  return std::nullopt;
 }
 
 std::string shownAmount(Money amount) { return withComma(formatNumber(amount, "0.00##")); }
@@ -287,9 +290,9 @@ std::optional<bool> CellReader::isSameShown(const TableColumn& column, const Sta
     case CellField::Lines:
       return isSameText(row.text(index), cell.text);
     case CellField::Flag:
-      return flagOf(cell.text) == row.flag(index);
+      return yesOrNo(cell.text) == row.flag(index);
     case CellField::Mark:
-      return flagOf(cell.text) == !row.text(index).empty();
+      return yesOrNo(cell.text) == !row.text(index).empty();
     case CellField::Department:
     case CellField::Variant:
     case CellField::OwnVariant:

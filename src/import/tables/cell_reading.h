@@ -62,6 +62,9 @@ class CellReader {
 
 /// The first characters of a text for a list or a message, with "..." where it has more.
 std::string beginningOf(std::string_view text, std::size_t most);
+/// What a word says in a column of yes and no, in Italian, English, French or German; an empty one says no. Nothing for
+/// any other text.
+std::optional<bool> yesOrNo(std::string_view text);
 /// An amount as the merchant writes it: "1234,50".
 std::string shownAmount(Money amount);
 /// Whether a column's cells are numbers, which a sheet may write with any sign.

@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 
+#include "import/tables/cell_reading.h"
 #include "platform/database/recordset.h"
 #include "platform/ports/failure_text.h"
 #include "platform/text/single_line.h"
@@ -24,20 +25,13 @@ struct CellReading {
 
 namespace {
 
-constexpr std::string_view yes[] = {"1", "sì", "si", "x", "vero", "true"};
-constexpr std::string_view no[] = {"", "0", "no", "falso", "false"};
-
-bool isOneOf(std::span<const std::string_view> words, std::string_view text) {
-  return std::ranges::any_of(words, [&](std::string_view word) { return equalsIgnoringCase(word, trim(text)); });
-}
-
 CellReading readFlag(const std::string& text, const std::string& before) {
-  const bool on = isOneOf(yes, text);
-  if (!on && !isOneOf(no, text)) {
+  const auto on = yesOrNo(text);
+  if (!on) {
     return {"\"" + text + "\" non è né sì né no: è rimasto il valore precedente.", {}, {}};
   }
-  if (on == (before == "1")) return {};
-  return {{}, {}, Value(on)};
+  if (*on == (before == "1")) return {};
+  return {{}, {}, Value(*on)};
 }
 
 /// The text as the field would have it after it was pasted there.
