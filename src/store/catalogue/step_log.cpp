@@ -1,5 +1,7 @@
 #include "store/catalogue/step_log.h"
 
+#include <algorithm>
+
 #include "platform/files/file_digest.h"
 #include "platform/files/files.h"
 #include "store/catalogue/tree_change.h"
@@ -44,6 +46,10 @@ Result<Database> makeLog(const std::string& path) {
 StepLog::StepLog(std::string shopFolder, Clock& clock, StepLimits limits)
     : shopFolder_(std::move(shopFolder)), clock_(clock), limits_(limits) {}
 
+std::int64_t StepLog::waitingID(std::size_t index) const {
+  return firstWaiting + static_cast<std::int64_t>(written_ + index);
+}
+
 std::string StepLog::path() const { return entryPath(entryPath(shopFolder_, backupFolder), logFile); }
 
 StepLog::~StepLog() {
@@ -76,7 +82,7 @@ void StepLog::stepDone(const std::string& name, const RowChanges& changes) {
   for (const WaitingStep& step : waiting_) size += step.images ? step.images->size() : 0;
   WaitingStep step{name, secondsNow(clock_), StepState::Done, std::nullopt};
   if (size <= limits_.oneStep) step.images = packChanges(changes);
-  done_.push_back(firstWaiting + static_cast<std::int64_t>(waiting_.size()));
+  done_.push_back(waitingID(waiting_.size()));
   waiting_.push_back(std::move(step));
   write();
 }
@@ -84,27 +90,19 @@ void StepLog::stepDone(const std::string& name, const RowChanges& changes) {
 void StepLog::write() {
   if (waiting_.empty() && states_.empty()) return;
   if (database_.isOpen() && !fileExists(path())) forgetFile();
-  if (auto opened = open(true); !opened) {
-    failure_ = opened.error();
-    return;
-  }
-  const auto written = writeWaiting();
-  if (!written) {
-    database_.rollback();
-    failure_ = written.error();
-    return;
-  }
-  for (auto* steps : {&done_, &undone_}) {
-    for (std::int64_t& step : *steps) {
-      if (step >= firstWaiting) step = (*written)[static_cast<std::size_t>(step - firstWaiting)];
-    }
-  }
+  auto written = open(true);
+  if (written) written = prepare();
   std::int64_t added = 0;
-  for (const WaitingStep& step : waiting_) added += step.images ? static_cast<std::int64_t>(step.images->size()) : 0;
-  waiting_.clear();
-  states_.clear();
-  failure_.reset();
-  trim(added);
+  const bool hasSteps = !waiting_.empty();
+  while (written && !waiting_.empty()) {
+    const auto& images = waiting_.front().images;
+    const auto size = images ? static_cast<std::int64_t>(images->size()) : 0;
+    written = writeFirst();
+    if (written) added += size;
+  }
+  if (written) written = writeStates();
+  failure_ = written ? std::nullopt : std::optional(written.error());
+  if (hasSteps && database_.isOpen()) trim(added);
 }
 
 void StepLog::forgetFile() {
@@ -117,30 +115,47 @@ void StepLog::forgetFile() {
   bytes_ = unknownSize;
 }
 
-Result<std::vector<std::int64_t>> StepLog::writeWaiting() {
+Result<> StepLog::prepare() {
   if (!keepsDigests_) {
-    if (auto given = giveDigests(database_); !given) return fail(given.error());
+    if (auto given = giveDigests(database_); !given) return given;
     keepsDigests_ = true;
   }
-  if (auto begun = database_.begin(); !begun) return fail(begun.error());
-  if (session_ == 0) {
-    const auto last = database_.scalar("SELECT MAX(sessione) FROM passi");
-    session_ = last ? asInteger(*last) + 1 : 1;
+  if (session_ != 0) return {};
+  const auto last = database_.scalar("SELECT MAX(sessione) FROM passi");
+  if (!last) return fail(last.error());
+  session_ = asInteger(*last) + 1;
+  return {};
+}
+
+Result<> StepLog::writeFirst() {
+  std::int64_t ID = 0;
+  const auto work = [&]() -> Result<> {
+    if (auto written = writeStep(waiting_.front()); !written) return written;
+    const auto given = database_.scalar("SELECT last_insert_rowid()");
+    if (!given) return fail(given.error());
+    ID = asInteger(*given);
+    return database_.commit();
+  };
+  if (auto begun = database_.begin(); !begun) return begun;
+  if (auto written = work(); !written) {
+    database_.rollback();
+    return written;
   }
-  std::vector<std::int64_t> keys;
-  for (const WaitingStep& step : waiting_) {
-    if (auto written = writeStep(step); !written) return fail(written.error());
-    const auto ID = database_.scalar("SELECT last_insert_rowid()");
-    if (!ID) return fail(ID.error());
-    keys.push_back(asInteger(*ID));
+  for (auto* steps : {&done_, &undone_}) std::ranges::replace(*steps, waitingID(0), ID);
+  waiting_.pop_front();
+  ++written_;
+  return {};
+}
+
+Result<> StepLog::writeStates() {
+  while (!states_.empty()) {
+    const auto& [ID, state] = *states_.begin();
+    auto marked = runWith(database_, "UPDATE passi SET stato = ?1 WHERE ID = ?2",
+                          {Value(static_cast<std::int64_t>(state)), Value(ID)});
+    if (!marked) return marked;
+    states_.erase(states_.begin());
   }
-  for (const auto& [ID, state] : states_) {
-    const auto marked = runWith(database_, "UPDATE passi SET stato = ?1 WHERE ID = ?2",
-                                {Value(static_cast<std::int64_t>(state)), Value(ID)});
-    if (!marked) return fail(marked.error());
-  }
-  if (auto kept = database_.commit(); !kept) return fail(kept.error());
-  return keys;
+  return {};
 }
 
 Result<> StepLog::writeStep(const WaitingStep& step) {
@@ -175,7 +190,7 @@ void StepLog::trim(std::int64_t added) {
 void StepLog::mark(std::int64_t ID, StepState state) {
   if (ID == 0) return;
   if (ID >= firstWaiting) {
-    waiting_[static_cast<std::size_t>(ID - firstWaiting)].state = state;
+    waiting_[static_cast<std::size_t>(ID - waitingID(0))].state = state;
   } else {
     states_[ID] = state;
   }
@@ -210,8 +225,7 @@ std::vector<LoggedStep> StepLog::steps() {
   std::vector<LoggedStep> list;
   for (std::size_t i = waiting_.size(); i-- > 0;) {
     const WaitingStep& step = waiting_[i];
-    list.push_back({firstWaiting + static_cast<std::int64_t>(i), step.madeAt, session_, step.name, step.state,
-                    step.images.has_value()});
+    list.push_back({waitingID(i), step.madeAt, session_, step.name, step.state, step.images.has_value()});
   }
   if (!open(false)) return list;
   auto row =
@@ -228,7 +242,7 @@ std::vector<LoggedStep> StepLog::steps() {
 }
 
 Result<RowChanges> StepLog::changesOf(std::int64_t ID) {
-  if (ID >= firstWaiting) return changesOfWaiting(static_cast<std::size_t>(ID - firstWaiting));
+  if (ID >= firstWaiting) return changesOfWaiting(static_cast<std::size_t>(ID - waitingID(0)));
   if (!open(false)) return fail(ErrorKind::Missing, path(), "no record of steps");
   auto row = database_.prepare(keepsDigests_ ? "SELECT righe, impronta FROM passi WHERE ID = ?1"
                                              : "SELECT righe, NULL FROM passi WHERE ID = ?1");

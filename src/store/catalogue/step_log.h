@@ -5,6 +5,7 @@
 // next one that can be. A shop in which nothing was changed has none.
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -79,12 +80,18 @@ class StepLog final : public StepListener {
 
   /// Opens the file, made where it is missing and that is wanted.
   Result<> open(bool create);
-  /// Writes what waits, all of it or nothing.
+  /// Writes what waits, step by step, as far as that works.
   void write();
   /// Lets go of a file that was deleted meanwhile, so that another one is made.
   void forgetFile();
-  /// The same in the open file; the IDs that the steps got.
-  Result<std::vector<std::int64_t>> writeWaiting();
+  /// Gives an open file what writing takes: the column of digests, the number of this session.
+  Result<> prepare();
+  /// Writes the oldest step that waits, and knows it by its ID in the file from then on.
+  Result<> writeFirst();
+  /// Writes states that steps of the file have got.
+  Result<> writeStates();
+  /// The ID of a step as long as it waits.
+  std::int64_t waitingID(std::size_t index) const;
   Result<> writeStep(const WaitingStep& step);
   Result<RowChanges> changesOfWaiting(std::size_t index) const;
   /// Notes whether a step is done or undone.
@@ -99,7 +106,8 @@ class StepLog final : public StepListener {
   bool keepsDigests_ = false;                 ///< the open file has a column for them
   std::int64_t session_ = 0;                  ///< number of this session; 0 before its first step
   std::vector<std::int64_t> done_, undone_;   ///< steps of this session, the newest last; 0: its file is gone
-  std::vector<WaitingStep> waiting_;          ///< the newest last
+  std::deque<WaitingStep> waiting_;           ///< the newest last
+  std::size_t written_ = 0;                   ///< steps that have waited and are in the file now
   std::map<std::int64_t, StepState> states_;  ///< of steps in the file, not written there yet
   std::optional<Error> failure_;
   /// At least the bytes of all images in the file; below 0 while they were not counted.
