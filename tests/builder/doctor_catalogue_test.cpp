@@ -271,8 +271,10 @@ TEST_F(DoctorCatalogue, PicturesOfDepartmentsAndShopAreMendedInTheirOwnColumns) 
 TEST_F(DoctorCatalogue, APictureThatNoBrowserShowsIsTold) {
   ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.jpg"), "<html>404"));
   ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.svg"), "<svg/>"));
-  sql("UPDATE articoli SET immagine0 = 'a.jpg', immagine1 = 'a.svg'");
-  EXPECT_THAT(told(), ElementsAre("picture.damaged: Articolo V1 Vaso: l'immagine a.jpg è danneggiata e non si vede"));
+  ASSERT_TRUE(writeBytes(joinPath(shop.folder(), "work/a.webp"), "RIFF"));
+  sql("UPDATE articoli SET immagine0 = 'a.jpg', immagine1 = 'a.svg', immagine2 = 'a.webp'");
+  EXPECT_THAT(told(), ElementsAre("picture.damaged: Articolo V1 Vaso: l'immagine a.jpg è danneggiata e non si vede",
+                                  "picture.damaged: Articolo V1 Vaso: l'immagine a.webp è danneggiata e non si vede"));
 }
 
 TEST_F(DoctorCatalogue, APictureOfMoreThan500KilobytesIsTold) {

@@ -54,6 +54,16 @@ void addOffers(Findings& found, const DoctorFacts& facts, std::size_t index, Lis
   }
 }
 
+/// The offers that a fact of the articles in the catalogue, or of those that are out of it, names.
+Findings offersOf(const DoctorFacts& facts, bool areHidden, ListFlags ArticleFact::*offers, const std::string& text) {
+  Findings found;
+  for (std::size_t i = 0; i < facts.articles.size(); ++i) {
+    const ArticleFact& article = facts.articles[i];
+    if (article.isHidden == areHidden) addOffers(found, facts, i, article.*offers, text);
+  }
+  return found;
+}
+
 /// "inglese" for the second language of a shop.
 std::string languageName(const DoctorFacts& facts, int index) {
   return facts.languageNames[static_cast<std::size_t>(index)];
@@ -170,30 +180,15 @@ Findings findZeroPrices(const DoctorFacts& facts) {
 }
 
 Findings findBadOffers(const DoctorFacts& facts) {
-  Findings found;
-  for (std::size_t i = 0; i < facts.articles.size(); ++i) {
-    if (facts.articles[i].isHidden) continue;
-    addOffers(found, facts, i, facts.articles[i].badOffer, "il prezzo in offerta non è inferiore al prezzo");
-  }
-  return found;
+  return offersOf(facts, false, &ArticleFact::badOffer, "il prezzo in offerta non è inferiore al prezzo");
 }
 
 Findings findFreeOffers(const DoctorFacts& facts) {
-  Findings found;
-  for (std::size_t i = 0; i < facts.articles.size(); ++i) {
-    if (facts.articles[i].isHidden) continue;
-    addOffers(found, facts, i, facts.articles[i].freeOffer, "è in offerta al prezzo di 0");
-  }
-  return found;
+  return offersOf(facts, false, &ArticleFact::freeOffer, "è in offerta al prezzo di 0");
 }
 
 Findings findHiddenOffers(const DoctorFacts& facts) {
-  Findings found;
-  for (std::size_t i = 0; i < facts.articles.size(); ++i) {
-    if (!facts.articles[i].isHidden) continue;
-    addOffers(found, facts, i, facts.articles[i].onOffer, "è fuori catalogo, ma in offerta");
-  }
-  return found;
+  return offersOf(facts, true, &ArticleFact::onOffer, "è fuori catalogo, ma in offerta");
 }
 
 Findings findStrayArticles(const DoctorFacts& facts) {

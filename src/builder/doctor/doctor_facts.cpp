@@ -7,6 +7,7 @@
 #include "platform/database/rows.h"
 #include "platform/files/files.h"
 #include "platform/files/listing.h"
+#include "platform/image/picture_file.h"
 #include "platform/image/pixels.h"
 #include "platform/text/text.h"
 
@@ -15,12 +16,6 @@ namespace {
 
 constexpr std::string_view rootID = "###";
 constexpr int settingsPictures = 2;
-
-/// Whether a name is that of a picture which can be measured; a vector graphic can't.
-bool isPictureName(std::string_view name) {
-  constexpr std::string_view endings[]{".jpg", ".jpeg", ".gif", ".png"};
-  return std::ranges::any_of(endings, [name](std::string_view ending) { return endsWithIgnoringCase(name, ending); });
-}
 
 /// The languages in which a text is missing, its columns beginning at `at`.
 LanguageFlags emptyTexts(const Statement& row, int at, int languages) {

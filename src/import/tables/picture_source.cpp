@@ -1,9 +1,9 @@
 #include "import/tables/picture_source.h"
 
-#include <array>
 #include <charconv>
 
 #include "platform/files/files.h"
+#include "platform/image/picture_file.h"
 #include "platform/text/text.h"
 
 namespace kv {
@@ -24,14 +24,6 @@ std::string withoutPercents(std::string_view address) {
     if (isEscape) at += 2;
   }
   return plain;
-}
-
-bool isPictureName(std::string_view name) {
-  constexpr std::array<std::string_view, 5> endings{".jpg", ".jpeg", ".gif", ".png", ".webp"};
-  for (const std::string_view ending : endings) {
-    if (endsWithIgnoringCase(name, ending)) return true;
-  }
-  return false;
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 #include "platform/files/application_folder.h"
 
-#include <openssl/evp.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
 #include <map>
 
 #include "platform/files/file_access.h"
+#include "platform/files/file_digest.h"
 #include "platform/files/files.h"
 #include "platform/files/listing.h"
 #include "platform/files/user_folders.h"
@@ -20,23 +19,6 @@ constexpr std::string_view listName = "installed.lst";
 constexpr std::size_t digestCharacters = 64;
 
 using ShippedList = std::map<std::string, std::string>;  // path below the folder -> digest as shipped
-
-Result<std::string> digestOf(const std::string& path) {
-  const auto bytes = readBytes(path);
-  if (!bytes) return fail(bytes.error());
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned length = 0;
-  if (EVP_Digest(bytes->data(), bytes->size(), digest.data(), &length, EVP_sha256(), nullptr) != 1) {
-    return fail(ErrorKind::Other, path, "SHA-256 is not available");
-  }
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string text;
-  for (unsigned i = 0; i < length; ++i) {
-    text += digits[digest[i] >> 4U];
-    text += digits[digest[i] & 15U];
-  }
-  return text;
-}
 
 // Lines in the format of sha256sum: the digest, two spaces, the path. Other lines are ignored.
 Result<ShippedList> readList(const std::string& path) {
@@ -117,13 +99,13 @@ Result<> Update::bringFolder(const std::string& path, bool reachable) {
 }
 
 Result<> Update::bringFile(const std::string& path, bool reachable) {
-  const auto shipped = digestOf(joinPath(installed_, path));
+  const auto shipped = fileDigest(joinPath(installed_, path));
   if (!shipped) return fail(shipped.error());
   const auto known = list_.find(path);
   const ShippedEntry kind = reachable ? entryKindAt(joinPath(folder_, path)) : ShippedEntry::Other;
   if (kind == ShippedEntry::Nothing && known == list_.end()) return install(path, *shipped, counts_.added);
   if (kind == ShippedEntry::File) {
-    const auto present = digestOf(joinPath(folder_, path));
+    const auto present = fileDigest(joinPath(folder_, path));
     if (!present) return fail(present.error());
     if (*present == *shipped) {
       list_[path] = *shipped;

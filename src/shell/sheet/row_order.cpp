@@ -46,12 +46,8 @@ std::uint64_t RowOrder::wordAt(const Item& item, std::size_t depth) const {
   const std::string_view text = textOf(item).substr(depth);
   const std::size_t size = std::min(text.size(), wordSize + 1);
   std::uint64_t word = 0;
-  if (size > wordSize) {
-    for (std::size_t i = 0; i < wordSize; ++i) word = word << byteBits | static_cast<unsigned char>(text[i]);
-  } else {
-    for (std::size_t i = 0; i < wordSize; ++i) {
-      word = word << byteBits | (i < size ? static_cast<unsigned char>(text[i]) : 0U);
-    }
+  for (std::size_t i = 0; i < wordSize; ++i) {
+    word = word << byteBits | (i < size ? static_cast<unsigned char>(text[i]) : 0U);
   }
   word = word << byteBits | size;
   return descending_ ? ~word : word;
